@@ -1,0 +1,64 @@
+# How a folder of src/, an app or a test folder becomes a target.
+
+# zentaq_library(NAME [QT] LINK targets... [PRIVATE targets...])
+# makes zentaq_NAME from src/NAME/*.cpp; a folder with headers only becomes an interface.
+function(zentaq_library name)
+  cmake_parse_arguments(ARG "QT" "" "LINK;PRIVATE" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${name}/*.cpp)
+  file(GLOB headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${name}/*.h)
+  if(sources)
+    add_library(zentaq_${name} STATIC ${sources} ${headers})
+    target_include_directories(zentaq_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+    target_compile_definitions(zentaq_${name} PRIVATE ZENTAQ_VERSION="${PROJECT_VERSION}")
+    target_link_libraries(zentaq_${name} PUBLIC ${ARG_LINK} PRIVATE ${ARG_PRIVATE})
+    if(ARG_QT)
+      set_target_properties(zentaq_${name} PROPERTIES AUTOMOC ON)
+    endif()
+  else()
+    add_library(zentaq_${name} INTERFACE)
+    target_include_directories(zentaq_${name} INTERFACE ${PROJECT_SOURCE_DIR}/src)
+    target_link_libraries(zentaq_${name} INTERFACE ${ARG_LINK} ${ARG_PRIVATE})
+  endif()
+endfunction()
+
+# zentaq_program(NAME [QT] LINK targets...) makes NAME from apps/NAME/*.cpp.
+function(zentaq_program name)
+  cmake_parse_arguments(ARG "QT" "" "LINK" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/apps/${name}/*.cpp)
+  if(NOT sources)
+    return()
+  endif()
+  add_executable(${name} ${sources})
+  target_link_libraries(${name} PRIVATE ${ARG_LINK})
+  target_compile_definitions(${name} PRIVATE ZENTAQ_VERSION="${PROJECT_VERSION}")
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/app)
+  if(ARG_QT)
+    set_target_properties(${name} PROPERTIES AUTOMOC ON)
+  endif()
+endfunction()
+
+# zentaq_tests(NAME LABEL label LINK targets... [TIMEOUT seconds])
+# makes test_NAME from tests/NAME/*_test.cpp and the helpers beside them.
+function(zentaq_tests name)
+  cmake_parse_arguments(ARG "" "LABEL;TIMEOUT" "LINK" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp)
+  if(NOT sources)
+    return()
+  endif()
+  if(NOT ARG_TIMEOUT)
+    set(ARG_TIMEOUT 120)
+  endif()
+  add_executable(test_${name} ${sources})
+  target_link_libraries(test_${name} PRIVATE ${ARG_LINK} GTest::gmock)
+  target_include_directories(test_${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_compile_definitions(test_${name} PRIVATE
+    ZENTAQ_VERSION="${PROJECT_VERSION}"
+    ZENTAQ_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
+    ZENTAQ_APP_DIR="${PROJECT_BINARY_DIR}/app"
+    ZENTAQ_PYTHON="${Python3_EXECUTABLE}")
+  include(GoogleTest)
+  gtest_discover_tests(test_${name}
+    TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60
+    PROPERTIES LABELS "${ARG_LABEL}" TIMEOUT ${ARG_TIMEOUT}
+      ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+endfunction()

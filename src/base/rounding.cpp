@@ -1,0 +1,54 @@
+#include "base/rounding.h"
+
+#include <cmath>
+#include <limits>
+
+#include "base/errors.h"
+
+namespace zentaq {
+
+double roundHalfEven(double value) {
+    return std::nearbyint(value);
+}
+
+namespace {
+
+template <typename Integer>
+Integer rounded(double value) {
+    const double whole = roundHalfEven(value);
+    if (!(whole >= static_cast<double>(std::numeric_limits<Integer>::min()) &&
+          whole <= static_cast<double>(std::numeric_limits<Integer>::max()))) {
+        throw Overflow();
+    }
+    return static_cast<Integer>(whole);
+}
+
+}  // namespace
+
+float roundTo(float value, int decimals) {
+    return static_cast<float>(roundTo(static_cast<double>(value), decimals));
+}
+
+double roundTo(double value, int decimals) {
+    // A 32-bit value times a small power of ten is exact in 64 bits, so a tie is a tie of the value itself.
+    const double scale = std::pow(10.0, decimals);
+    return roundHalfEven(value * scale) / scale;
+}
+
+std::int16_t toInt16(double value) {
+    return rounded<std::int16_t>(value);
+}
+
+std::int32_t toInt32(double value) {
+    return rounded<std::int32_t>(value);
+}
+
+std::uint8_t toByte(double value) {
+    return rounded<std::uint8_t>(value);
+}
+
+double truncate(double value) {
+    return std::trunc(value);
+}
+
+}  // namespace zentaq
