@@ -1,0 +1,393 @@
+#include "refdata/database.h"
+
+#include <SQLiteCpp/SQLiteCpp.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+
+#include "base/errors.h"
+#include "base/number_text.h"
+#include "base/text.h"
+#include "refdata/schema.h"
+#include "refdata/sensor_match.h"
+
+namespace zentaq {
+
+struct Database::Handle {
+    std::string path;
+    bool readOnly = false;
+    SQLite::Database file;
+};
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Long enough for another program's short write, short enough not to be seen by the user.
+constexpr int busyTimeoutMs = 200;
+constexpr int sqliteBusy = 5;
+constexpr int sqliteLocked = 6;
+
+std::string reasonOf(const SQLite::Exception& failure) {
+    const int code = failure.getErrorCode();
+    if (code == sqliteBusy || code == sqliteLocked) return "it is in use by another program";
+    return failure.what();
+}
+
+/// Runs a piece of work on the file; what the database layer throws comes out as a Failure.
+template <typename Work>
+auto guarded(const std::string& path, Work&& work) {
+    try {
+        return work();
+    } catch (const SQLite::Exception& failure) {
+        throw Failure("Reference database " + path + ": " + reasonOf(failure));
+    }
+}
+
+[[noreturn]] void refuse(const std::string& path, const std::string& reason) {
+    throw FileError("Cannot open the reference database " + path + ": " + reason);
+}
+
+void requireDatabaseFile(const std::string& path) {
+    std::error_code failed;
+    const fs::file_status status = fs::status(path, failed);
+    if (!fs::exists(status)) refuse(path, "the file is missing");
+    if (!fs::is_regular_file(status)) refuse(path, "it is not a file");
+    constexpr std::string_view mark("SQLite format 3\0", 16);
+    std::ifstream file(path, std::ios::binary);
+    if (!file) refuse(path, "the file cannot be read");
+    std::string head(mark.size(), ' ');
+    file.read(head.data(), static_cast<std::streamsize>(head.size()));
+    if (!file || head != mark) refuse(path, "the file is not a database");
+}
+
+// The permission bits are asked, not the system: an administrator may write any file, yet a
+// file marked as write-protected shall stay as it is.
+bool writeProtected(const std::string& path) {
+    std::error_code failed;
+    const fs::perms all = fs::status(path, failed).permissions();
+    constexpr fs::perms anyWrite = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+    return failed || (all & anyWrite) == fs::perms::none;
+}
+
+SQLite::Database openFile(const std::string& path, bool readOnly) {
+    const int flags = readOnly ? SQLite::OPEN_READONLY : SQLite::OPEN_READWRITE;
+    return {path, flags, busyTimeoutMs};
+}
+
+std::vector<std::string> columnsOf(const SQLite::Database& file, std::string_view table) {
+    SQLite::Statement query(file, "SELECT name FROM pragma_table_info(?)");
+    query.bind(1, std::string(table));
+    std::vector<std::string> names;
+    while (query.executeStep()) names.push_back(query.getColumn(0).getString());
+    return names;
+}
+
+void requireWhole(const SQLite::Database& file, const std::string& path) {
+    SQLite::Statement check(file, "PRAGMA quick_check(1)");
+    if (!check.executeStep() || check.getColumn(0).getString() != "ok") refuse(path, "the file is damaged");
+}
+
+void requireSchema(const SQLite::Database& file, const std::string& path) {
+    for (const refdata::Table& table : refdata::tables()) {
+        const std::vector<std::string> columns = columnsOf(file, table.name);
+        if (columns.empty()) refuse(path, "table " + table.name + " is missing");
+        for (const refdata::Column& column : table.columns) {
+            if (std::find(columns.begin(), columns.end(), column.name) != columns.end()) continue;
+            refuse(path, "table " + table.name + " has no column " + column.name);
+        }
+    }
+}
+
+float number(SQLite::Statement& row, const std::string& column) {
+    return static_cast<float>(row.getColumn(column.c_str()).getDouble());
+}
+
+EngineRow readEngine(SQLite::Statement& row) {
+    EngineRow engine;
+    engine.orbUnit = row.getColumn("OrbUnit").getInt();
+    engine.orbSubType = row.getColumn("OrbSubType").getInt();
+    engine.optType = row.getColumn("OptType").getInt();
+    engine.displayValue = row.getColumn("DisplayValue").getString();
+    engine.ignRev = number(row, "IGNRev");
+    engine.p1EgTp = number(row, "P1EgTp");
+    engine.p2EgTp = number(row, "P2EgTp");
+    engine.cylinders = number(row, "Cylinders");
+    engine.engType = number(row, "EngType");
+    engine.maxOffset = number(row, "MaxOffset");
+    engine.minOffset = number(row, "MinOffset");
+    engine.offsetA = number(row, "Offset_A");
+    engine.offsetB = number(row, "Offset_B");
+    engine.injEvents = number(row, "InjEvents");
+    engine.injMode = number(row, "InjMode");
+    engine.phdSeq = number(row, "PhdSeq");
+    engine.injReset = number(row, "InjReset");
+    for (std::size_t entry = 0; entry < engine.injTbl.size(); ++entry) {
+        engine.injTbl[entry] = number(row, "InjTBL_" + std::to_string(entry + 1));
+    }
+    engine.rotary = row.getColumn("Stroke").getDouble() != 0;
+    engine.editDfub = row.getColumn("EditDFUB").getInt() != 0;
+    engine.defaultSplit = row.getColumn("DefaultSplit").getInt();
+    return engine;
+}
+
+MapSensorRow readSensor(SQLite::Statement& row) {
+    return {row.getColumn("ID").getInt(), row.getColumn("Description").getString(), number(row, "Scale"),
+            number(row, "Offset"), row.getColumn("Units").getInt()};
+}
+
+ConfigRow readConfig(SQLite::Statement& row) {
+    return {row.getColumn("BinFile").getString(), row.getColumn("OrbUnit").getInt(),
+            row.getColumn("OrbName").getString()};
+}
+
+HelpRow readHelp(SQLite::Statement& row) {
+    return {row.getColumn("ID").getInt(), row.getColumn("TOPIC").getString(),
+            row.getColumn("HELP").getString(), row.getColumn("HELP_KEY").getString()};
+}
+
+void bindAll(SQLite::Statement&, int) {}
+
+template <typename First, typename... Rest>
+void bindAll(SQLite::Statement& statement, int place, const First& first, const Rest&... rest) {
+    if constexpr (std::is_convertible_v<First, std::string_view>) {
+        statement.bind(place, std::string(std::string_view(first)));
+    } else {
+        statement.bind(place, first);
+    }
+    bindAll(statement, place + 1, rest...);
+}
+
+/// All rows of a query, each through `read`.
+template <typename Row, typename... Values>
+std::vector<Row> rows(const SQLite::Database& file, const char* sql, Row (*read)(SQLite::Statement&),
+                      const Values&... values) {
+    SQLite::Statement query(file, sql);
+    bindAll(query, 1, values...);
+    std::vector<Row> found;
+    while (query.executeStep()) found.push_back(read(query));
+    return found;
+}
+
+/// The first row of a query, if there is one.
+template <typename Row, typename... Values>
+std::optional<Row> firstRow(const SQLite::Database& file, const char* sql, Row (*read)(SQLite::Statement&),
+                            const Values&... values) {
+    SQLite::Statement query(file, sql);
+    bindAll(query, 1, values...);
+    if (!query.executeStep()) return std::nullopt;
+    return read(query);
+}
+
+/// Runs a change; the number of rows it touched.
+template <typename... Values>
+int change(SQLite::Database& file, const char* sql, const Values&... values) {
+    SQLite::Statement statement(file, sql);
+    bindAll(statement, 1, values...);
+    return statement.exec();
+}
+
+// A 32-bit 0.05295 is a hair below it; its plain decimal form is what the user and the seed tables mean.
+double plainNumber(float value) {
+    return numberOf(numberText(value));
+}
+
+void requireSensor(const MapSensorRow& sensor) {
+    if (trimmed(sensor.description).empty()) throw Failure("A MAP sensor needs a name.");
+    if (!std::isfinite(sensor.scale) || !std::isfinite(sensor.offset) || sensor.scale == 0) {
+        throw Failure("MAP sensor " + sensor.description + " has no slope.");
+    }
+    if (sensor.units < 0 || sensor.units > 5)
+        throw Failure("MAP sensor " + sensor.description + " has no unit.");
+}
+
+void requireWritable(const std::string& path, bool readOnly) {
+    if (readOnly) throw Failure("Reference database " + path + ": the file is write-protected");
+}
+
+}  // namespace
+
+Database::Database(std::unique_ptr<Handle> handle) : handle_(std::move(handle)) {}
+Database::Database(Database&&) noexcept = default;
+Database& Database::operator=(Database&&) noexcept = default;
+Database::~Database() = default;
+
+Database Database::open(const std::string& path) {
+    requireDatabaseFile(path);
+    const bool readOnly = writeProtected(path);
+    try {
+        auto handle = std::unique_ptr<Handle>(new Handle{path, readOnly, openFile(path, readOnly)});
+        requireWhole(handle->file, path);
+        requireSchema(handle->file, path);
+        return Database(std::move(handle));
+    } catch (const SQLite::Exception& failure) {
+        const int code = failure.getErrorCode();
+        const bool busy = code == sqliteBusy || code == sqliteLocked;
+        refuse(path, busy ? reasonOf(failure) : "the file is damaged (" + std::string(failure.what()) + ")");
+    }
+}
+
+bool Database::readOnly() const {
+    return handle_->readOnly;
+}
+
+std::optional<EngineRow> Database::engine(int kind, int optType) const {
+    return guarded(handle_->path, [&] {
+        return firstRow(handle_->file, "SELECT * FROM Engines WHERE OrbUnit = ? AND OptType = ?", readEngine,
+                        kind, optType);
+    });
+}
+
+std::optional<EngineRow> Database::engineByName(std::string_view displayValue, int kind) const {
+    return guarded(handle_->path, [&] {
+        return firstRow(handle_->file, "SELECT * FROM Engines WHERE DisplayValue = ? AND OrbUnit = ?",
+                        readEngine, displayValue, kind);
+    });
+}
+
+std::vector<EngineRow> Database::engines(int kind, int variant) const {
+    return guarded(handle_->path, [&] {
+        return rows(handle_->file,
+                    "SELECT * FROM Engines WHERE OrbUnit = ? AND (OrbSubType = 0 OR OrbSubType = ?) "
+                    "ORDER BY DisplayValue",
+                    readEngine, kind, variant);
+    });
+}
+
+std::optional<MapSensorRow> Database::mapSensor(int id) const {
+    return guarded(handle_->path, [&] {
+        return firstRow(handle_->file, "SELECT * FROM MAPCals WHERE ID = ?", readSensor, id);
+    });
+}
+
+std::optional<MapSensorRow> Database::mapSensorByName(std::string_view description) const {
+    return guarded(handle_->path, [&] {
+        return firstRow(handle_->file, "SELECT * FROM MAPCals WHERE Description = ?", readSensor,
+                        description);
+    });
+}
+
+std::optional<MapSensorRow> Database::mapSensorByValues(float scale, float offset) const {
+    if (!std::isfinite(scale) || !std::isfinite(offset)) return std::nullopt;
+    const double wantedScale = plainNumber(scale);
+    const double wantedOffset = plainNumber(offset);
+    std::optional<MapSensorRow> nearest;
+    double nearestDistance = 0;
+    for (MapSensorRow& sensor : mapSensors()) {
+        const double distance = refdata::sensorDistance(plainNumber(sensor.scale), plainNumber(sensor.offset),
+                                                        wantedScale, wantedOffset);
+        if (distance < 0 || (nearest && distance >= nearestDistance)) continue;
+        nearest = std::move(sensor);
+        nearestDistance = distance;
+    }
+    return nearest;
+}
+
+std::vector<MapSensorRow> Database::mapSensors() const {
+    return guarded(handle_->path,
+                   [&] { return rows(handle_->file, "SELECT * FROM MAPCals ORDER BY ID", readSensor); });
+}
+
+int Database::addMapSensor(const MapSensorRow& sensor) {
+    requireWritable(handle_->path, handle_->readOnly);
+    requireSensor(sensor);
+    if (mapSensorByName(sensor.description)) throw Failure("There is already a sensor with that name.");
+    return guarded(handle_->path, [&] {
+        change(handle_->file,
+               "INSERT INTO MAPCals (Description, Scale, \"Offset\", Units) VALUES (?, ?, ?, ?)",
+               sensor.description, plainNumber(sensor.scale), plainNumber(sensor.offset), sensor.units);
+        return static_cast<int>(handle_->file.getLastInsertRowid());
+    });
+}
+
+bool Database::updateMapSensor(const MapSensorRow& sensor) {
+    requireWritable(handle_->path, handle_->readOnly);
+    requireSensor(sensor);
+    return guarded(handle_->path, [&] {
+        return change(handle_->file,
+                      "UPDATE MAPCals SET Scale = ?, \"Offset\" = ?, Units = ? WHERE Description = ?",
+                      plainNumber(sensor.scale), plainNumber(sensor.offset), sensor.units,
+                      sensor.description) > 0;
+    });
+}
+
+bool Database::deleteMapSensor(std::string_view description) {
+    requireWritable(handle_->path, handle_->readOnly);
+    return guarded(handle_->path, [&] {
+        return change(handle_->file, "DELETE FROM MAPCals WHERE Description = ?", description) > 0;
+    });
+}
+
+std::vector<std::string> Database::defaultsSets() const {
+    return guarded(handle_->path, [&] { return columnsOf(handle_->file, "Defaults"); });
+}
+
+std::vector<float> Database::defaults(std::string_view set) const {
+    // A column's name cannot be bound, so only a name that the table itself gave goes into the query.
+    const std::vector<std::string> sets = defaultsSets();
+    const auto column = std::find_if(sets.begin(), sets.end(),
+                                     [&](const std::string& name) { return upper(name) == upper(set); });
+    if (column == sets.end()) throw Failure("Table Defaults has no set " + std::string(set));
+    return guarded(handle_->path, [&] {
+        SQLite::Statement query(handle_->file, "SELECT \"" + *column + "\" FROM Defaults ORDER BY rowid");
+        std::vector<float> values;
+        while (query.executeStep()) {
+            if (query.isColumnNull(0)) continue;
+            values.push_back(static_cast<float>(query.getColumn(0).getDouble()));
+        }
+        return values;
+    });
+}
+
+std::optional<HelpRow> Database::help(std::string_view key) const {
+    return guarded(handle_->path, [&] {
+        return firstRow(handle_->file, "SELECT * FROM FastHelp WHERE HELP_KEY = ?", readHelp, key);
+    });
+}
+
+std::vector<std::string> Database::tips() const {
+    const auto read = +[](SQLite::Statement& row) { return row.getColumn(0).getString(); };
+    return guarded(handle_->path,
+                   [&] { return rows(handle_->file, "SELECT HELP FROM Tips ORDER BY rowid", read); });
+}
+
+std::string Database::tip(int number) const {
+    const std::vector<std::string> all = tips();
+    if (number < 1 || number > static_cast<int>(all.size())) throw BoundsError();
+    return all[static_cast<std::size_t>(number - 1)];
+}
+
+std::optional<ConfigRow> Database::config(std::string_view binFile) const {
+    return guarded(handle_->path, [&] {
+        return firstRow(handle_->file, "SELECT * FROM Configs WHERE BinFile = ?", readConfig, binFile);
+    });
+}
+
+void Database::storeConfig(const ConfigRow& config) {
+    requireWritable(handle_->path, handle_->readOnly);
+    guarded(handle_->path, [&] {
+        SQLite::Transaction both(handle_->file);
+        const int updated =
+            change(handle_->file, "UPDATE Configs SET OrbUnit = ?, OrbName = ? WHERE BinFile = ?",
+                   config.orbUnit, config.orbName, config.binFile);
+        if (updated == 0) {
+            change(handle_->file, "INSERT INTO Configs (BinFile, OrbUnit, OrbName) VALUES (?, ?, ?)",
+                   config.binFile, config.orbUnit, config.orbName);
+        }
+        both.commit();
+    });
+}
+
+void Database::clearDatalog() {
+    requireWritable(handle_->path, handle_->readOnly);
+    guarded(handle_->path, [&] { change(handle_->file, "DELETE FROM Datalog"); });
+}
+
+void Database::clearDatalog2() {
+    requireWritable(handle_->path, handle_->readOnly);
+    guarded(handle_->path, [&] { change(handle_->file, "DELETE FROM Datalog2"); });
+}
+
+}  // namespace zentaq

@@ -1,0 +1,390 @@
+#include <gmock/gmock.h>
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+
+#include "base/errors.h"
+#include "base/rounding.h"
+#include "refdata_fixture.h"
+
+namespace zentaq::refdata {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+/// Another program at work on the same file.
+class OtherProgram {
+ public:
+    explicit OtherProgram(const std::string& path) {
+        EXPECT_EQ(sqlite3_open_v2(path.c_str(), &file_, SQLITE_OPEN_READWRITE, nullptr), SQLITE_OK);
+    }
+    OtherProgram(const OtherProgram&) = delete;
+    OtherProgram& operator=(const OtherProgram&) = delete;
+    ~OtherProgram() { sqlite3_close(file_); }
+    void run(const char* sql) {
+        EXPECT_EQ(sqlite3_exec(file_, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sql;
+    }
+    int count(const char* sql) {
+        sqlite3_stmt* query = nullptr;
+        EXPECT_EQ(sqlite3_prepare_v2(file_, sql, -1, &query, nullptr), SQLITE_OK) << sql;
+        EXPECT_EQ(sqlite3_step(query), SQLITE_ROW);
+        const int value = sqlite3_column_int(query, 0);
+        sqlite3_finalize(query);
+        return value;
+    }
+
+ private:
+    sqlite3* file_ = nullptr;
+};
+
+class DatabaseTest : public ReferenceDatabase {
+ protected:
+    std::string openFailure() const {
+        return failureOf<FileError>([&] { open(); });
+    }
+    std::string refusal(const std::string& reason) const {
+        return "Cannot open the reference database " + path + ": " + reason;
+    }
+    static MapSensorRow sensorNamed(const std::string& name) { return {0, name, 0.0333f, 0.25f, 2}; }
+};
+
+// ---- Opening
+
+TEST_F(DatabaseTest, AMissingFileIsNamed) {
+    fs::remove(path);
+    EXPECT_EQ(openFailure(), refusal("the file is missing"));
+    EXPECT_FALSE(fs::exists(path)) << "nothing is created";
+}
+
+TEST_F(DatabaseTest, AFolderIsNoDatabase) {
+    EXPECT_EQ(failureOf<FileError>([&] { Database::open(folder.path().string()); }),
+              "Cannot open the reference database " + folder.path().string() + ": it is not a file");
+}
+
+TEST_F(DatabaseTest, ATextFileIsNoDatabase) {
+    writeFile(path, "This is a note and no database at all.");
+    EXPECT_EQ(openFailure(), refusal("the file is not a database"));
+}
+
+TEST_F(DatabaseTest, AnEmptyFileIsNoDatabase) {
+    writeFile(path, "");
+    EXPECT_EQ(openFailure(), refusal("the file is not a database"));
+}
+
+TEST_F(DatabaseTest, AFileCutInHalfIsDamaged) {
+    fs::resize_file(path, fs::file_size(path) / 2);
+    EXPECT_THAT(openFailure(), HasSubstr("the file is damaged"));
+}
+
+TEST_F(DatabaseTest, AFileWithAPageOverwrittenIsDamaged) {
+    std::string content = contentOf(path);
+    content.replace(content.size() - 4096, 4096, std::string(4096, '\x55'));
+    writeFile(path, content);
+    EXPECT_THAT(openFailure(), HasSubstr("the file is damaged"));
+}
+
+TEST_F(DatabaseTest, ADatabaseWithoutATableIsRefused) {
+    OtherProgram(path).run("DROP TABLE Tips");
+    EXPECT_EQ(openFailure(), refusal("table Tips is missing"));
+}
+
+TEST_F(DatabaseTest, ADatabaseWithoutAColumnIsRefused) {
+    OtherProgram(path).run("ALTER TABLE Engines DROP COLUMN InjMode");
+    EXPECT_EQ(openFailure(), refusal("table Engines has no column InjMode"));
+}
+
+TEST_F(DatabaseTest, AWriteProtectedFileReadsAndRefusesToWrite) {
+    fs::permissions(path, fs::perms::owner_read);
+    const std::string before = contentOf(path);
+    Database database = open();
+    EXPECT_TRUE(database.readOnly());
+    EXPECT_TRUE(database.mapSensor(1));
+    EXPECT_FALSE(database.tips().empty());
+    EXPECT_THROW(database.addMapSensor(sensorNamed("New")), Failure);
+    EXPECT_THROW(database.updateMapSensor(sensorNamed("1 BAR (10-105 kPa)")), Failure);
+    EXPECT_THROW(database.deleteMapSensor("1 BAR (10-105 kPa)"), Failure);
+    EXPECT_THROW(database.storeConfig({"/a.ZQ4OA", 3, "ORB A Standard"}), Failure);
+    EXPECT_THROW(database.clearDatalog(), Failure);
+    EXPECT_THROW(database.clearDatalog2(), Failure);
+    EXPECT_EQ(contentOf(path), before);
+}
+
+TEST_F(DatabaseTest, AWritableFileIsNotReadOnly) {
+    EXPECT_FALSE(open().readOnly());
+}
+
+// ---- Two programs on one file
+
+TEST_F(DatabaseTest, AFileLockedByAnotherProgramFailsSoonAndRecovers) {
+    Database database = open();
+    OtherProgram other(path);
+    other.run("BEGIN EXCLUSIVE");
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_THAT(failureOf<Failure>([&] { database.mapSensor(1); }),
+                HasSubstr("it is in use by another program"));
+    EXPECT_THAT(failureOf<Failure>([&] {
+                    database.storeConfig({"/a.ZQ4OA", 3, "ORB A Standard"});
+                }),
+                HasSubstr("it is in use by another program"));
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
+    other.run("COMMIT");
+    EXPECT_TRUE(database.mapSensor(1));
+    database.storeConfig({"/a.ZQ4OA", 3, "ORB A Standard"});
+    EXPECT_TRUE(database.config("/a.ZQ4OA"));
+}
+
+TEST_F(DatabaseTest, TwoHandlesReadAndWriteSideBySide) {
+    Database first = open();
+    const Database second = open();
+    const int id = first.addMapSensor(sensorNamed("Shared (PSIA)"));
+    ASSERT_TRUE(second.mapSensor(id));
+    EXPECT_EQ(second.mapSensor(id)->description, "Shared (PSIA)");
+}
+
+// ---- Engines
+
+TEST_F(DatabaseTest, AnEngineComesWithAllItsColumns) {
+    const auto engine = open().engine(3, 12);
+    ASSERT_TRUE(engine);
+    EXPECT_EQ(engine->orbUnit, 3);
+    EXPECT_EQ(engine->orbSubType, 0);
+    EXPECT_EQ(engine->optType, 12);
+    EXPECT_EQ(engine->displayValue, "V-Twin 60 Degree Odd Fire, Sequential Injection");
+    EXPECT_EQ(engine->ignRev, 1);
+    EXPECT_EQ(engine->p1EgTp, 2 * 16 + 4) << "two coils, odd fire";
+    EXPECT_EQ(engine->p2EgTp, 14 * 16 + 2) << "one tach pulse a turn, odd fire";
+    EXPECT_EQ(engine->cylinders, 2);
+    EXPECT_EQ(engine->engType, 0);
+    EXPECT_EQ(engine->minOffset, 1);
+    EXPECT_EQ(engine->maxOffset, 48);
+    EXPECT_EQ(engine->offsetA, 14);
+    EXPECT_EQ(engine->offsetB, 24) << "60 degrees are ten teeth";
+    EXPECT_EQ(engine->injEvents, 2);
+    EXPECT_EQ(engine->injMode, 0);
+    EXPECT_EQ(engine->phdSeq, 3);
+    EXPECT_EQ(engine->injReset, 2);
+    EXPECT_EQ(engine->injTbl, (std::array<float, 8>{1, 2, 0, 0, 0, 0, 0, 0}));
+    EXPECT_FALSE(engine->rotary);
+    EXPECT_FALSE(engine->editDfub);
+    EXPECT_EQ(engine->defaultSplit, 0);
+}
+
+TEST_F(DatabaseTest, AnUnknownEngineIsNoEngine) {
+    const Database database = open();
+    EXPECT_FALSE(database.engine(3, 200));
+    EXPECT_FALSE(database.engine(99, 1));
+    EXPECT_FALSE(database.engineByName("Steam Engine", 3));
+}
+
+TEST_F(DatabaseTest, AnEngineIsFoundByNameWithinItsKindWhateverItsCase) {
+    const Database database = open();
+    const auto engine = database.engineByName("2 rotor rotary, leading and trailing plugs", 4);
+    ASSERT_TRUE(engine);
+    EXPECT_EQ(engine->orbUnit, 4);
+    EXPECT_EQ(engine->optType, 14);
+    EXPECT_FALSE(database.engineByName("2 Rotor Rotary, Leading and Trailing Plugs", 6));
+}
+
+TEST_F(DatabaseTest, AnEngineNameWithAnApostropheIsFound) {
+    OtherProgram(path).run(
+        "INSERT INTO Engines (OrbUnit, OrbSubType, OptType, DisplayValue) VALUES (3, 0, 250, 'Pat''s V8')");
+    const auto engine = open().engineByName("Pat's V8", 3);
+    ASSERT_TRUE(engine);
+    EXPECT_EQ(engine->optType, 250);
+    EXPECT_EQ(engine->cylinders, 0) << "an empty cell reads as 0";
+}
+
+TEST_F(DatabaseTest, EachVariantSeesItsOwnEnginesAndTheCommonOnesByName) {
+    const Database database = open();
+    const auto options = [&](int variant) {
+        std::vector<int> found;
+        for (const EngineRow& engine : database.engines(3, variant)) found.push_back(engine.optType);
+        return found;
+    };
+    EXPECT_THAT(options(1), testing::AllOf(testing::Contains(1), testing::Not(testing::Contains(16)),
+                                           testing::Not(testing::Contains(18))));
+    EXPECT_THAT(options(2), testing::AllOf(testing::Contains(1), testing::Contains(16), testing::Contains(17),
+                                           testing::Not(testing::Contains(18))));
+    EXPECT_THAT(options(3), testing::AllOf(testing::Contains(18), testing::Not(testing::Contains(16))));
+
+    const auto engines = database.engines(3, 2);
+    EXPECT_TRUE(std::is_sorted(engines.begin(), engines.end(), [](const EngineRow& a, const EngineRow& b) {
+        return a.displayValue < b.displayValue;
+    }));
+}
+
+// ---- Sensors
+
+TEST_F(DatabaseTest, EverySensorIsFoundByTheValuesThatACalibrationHolds) {
+    const Database database = open();
+    for (const MapSensorRow& sensor : database.mapSensors()) {
+        const auto exact = database.mapSensorByValues(sensor.scale, sensor.offset);
+        ASSERT_TRUE(exact) << sensor.description;
+        EXPECT_EQ(exact->id, sensor.id);
+        const auto rounded = database.mapSensorByValues(roundTo(sensor.scale, 4), roundTo(sensor.offset, 4));
+        ASSERT_TRUE(rounded) << sensor.description;
+        EXPECT_EQ(rounded->id, sensor.id) << sensor.description;
+    }
+}
+
+// 0.05295 lies half a step of the 4th decimal from both 0.0529 and 0.053, and either may come back.
+TEST_F(DatabaseTest, TheStandardSensorIsFoundFromEitherRounding) {
+    const Database database = open();
+    for (const float scale : {0.0529f, 0.053f, 0.05295f}) {
+        const auto sensor = database.mapSensorByValues(scale, -0.5474f);
+        ASSERT_TRUE(sensor) << scale;
+        EXPECT_EQ(sensor->id, 1);
+    }
+}
+
+TEST_F(DatabaseTest, AWholeStepOfTheFourthDecimalIsAnotherSensor) {
+    const Database database = open();
+    EXPECT_FALSE(database.mapSensorByValues(0.05285f, -0.54738f));
+    EXPECT_FALSE(database.mapSensorByValues(0.05295f, -0.54750f));
+    EXPECT_FALSE(database.mapSensorByValues(std::nanf(""), -0.54738f));
+}
+
+TEST_F(DatabaseTest, OfTwoNearSensorsTheNearerOneIsFound) {
+    Database database = open();
+    database.addMapSensor({0, "Left (kPa)", 0.03001f, 0.1f, 1});
+    const int right = database.addMapSensor({0, "Right (kPa)", 0.03004f, 0.1f, 1});
+    EXPECT_EQ(database.mapSensorByValues(0.03003f, 0.1f)->id, right);
+}
+
+TEST_F(DatabaseTest, ASensorNameWithApostrophesAndQuotesRoundTrips) {
+    Database database = open();
+    const std::string name = "Bob's \"hot\" 2'5 bar; DROP TABLE MAPCals; -- (PSIA)";
+    const int id = database.addMapSensor(sensorNamed(name));
+    const auto sensor = database.mapSensorByName(name);
+    ASSERT_TRUE(sensor);
+    EXPECT_EQ(sensor->id, id);
+    EXPECT_EQ(sensor->description, name);
+    EXPECT_TRUE(database.deleteMapSensor(name));
+    EXPECT_FALSE(database.mapSensorByName(name));
+    EXPECT_TRUE(database.mapSensor(1));
+}
+
+TEST_F(DatabaseTest, AnAddedSensorLastsAndKeepsItsNumbersAsTyped) {
+    const int id = open().addMapSensor({77, "Added (inHg)", 0.1793f, -0.5474f, 5});
+    const auto sensor = open().mapSensor(id);
+    ASSERT_TRUE(sensor);
+    EXPECT_EQ(sensor->description, "Added (inHg)");
+    EXPECT_EQ(sensor->scale, 0.1793f);
+    EXPECT_EQ(sensor->offset, -0.5474f);
+    EXPECT_EQ(sensor->units, 5);
+    const std::string byText = "SELECT count(*) FROM MAPCals WHERE Scale=0.1793 AND \"Offset\"=-0.5474";
+    EXPECT_EQ(OtherProgram(path).count(byText.c_str()), 1)
+        << "stored as the decimal number, not as its 32-bit form";
+}
+
+// Calibrations hold the ID, so it must not come to mean another sensor.
+TEST_F(DatabaseTest, TheIdOfADeletedSensorIsNotGivenAgain) {
+    Database database = open();
+    const int id = database.addMapSensor(sensorNamed("First (PSIA)"));
+    database.deleteMapSensor("First (PSIA)");
+    EXPECT_GT(database.addMapSensor(sensorNamed("Second (PSIA)")), id);
+}
+
+TEST_F(DatabaseTest, ASecondSensorOfANameIsRefusedWhateverItsCase) {
+    Database database = open();
+    const auto before = database.mapSensors().size();
+    EXPECT_EQ(failureOf<Failure>([&] { database.addMapSensor(sensorNamed("1 bar (10-105 KPA)")); }),
+              "There is already a sensor with that name.");
+    EXPECT_EQ(database.mapSensors().size(), before);
+}
+
+TEST_F(DatabaseTest, ASensorWithoutASlopeANameOrAUnitIsRefused) {
+    Database database = open();
+    const auto before = database.mapSensors().size();
+    EXPECT_THROW(database.addMapSensor({0, "Flat", 0, 1, 1}), Failure);
+    EXPECT_THROW(database.addMapSensor({0, "Steep", INFINITY, 1, 1}), Failure);
+    EXPECT_THROW(database.addMapSensor({0, "Lost", 0.05f, std::nanf(""), 1}), Failure);
+    EXPECT_THROW(database.addMapSensor({0, "  ", 0.05f, 1, 1}), Failure);
+    EXPECT_THROW(database.addMapSensor({0, "Flow", 0.05f, 1, 6}), Failure);
+    EXPECT_EQ(database.mapSensors().size(), before);
+}
+
+TEST_F(DatabaseTest, EditingASensorRewritesItsLineAndUnit) {
+    Database database = open();
+    EXPECT_TRUE(database.updateMapSensor({0, "2.5 BAR (10-260 kPa)", 0.0123f, 0.5f, 3}));
+    const auto sensor = database.mapSensor(6);
+    ASSERT_TRUE(sensor);
+    EXPECT_EQ(sensor->scale, 0.0123f);
+    EXPECT_EQ(sensor->offset, 0.5f);
+    EXPECT_EQ(sensor->units, 3);
+    EXPECT_FALSE(database.updateMapSensor(sensorNamed("Nobody")));
+    EXPECT_FALSE(database.deleteMapSensor("Nobody"));
+}
+
+// ---- Default values
+
+TEST_F(DatabaseTest, DefaultsComeInOrderWithoutTheEmptyCells) {
+    const Database database = open();
+    EXPECT_EQ(database.defaults("BARO_TRIM"), (std::vector<float>{-50, -43, -35, -28, -20, -13, -5, 3}));
+    EXPECT_EQ(database.defaults("KNK_MIN"), std::vector<float>{50});
+    EXPECT_EQ(database.defaults("barO_trim").size(), 8u) << "names are found whatever their case";
+}
+
+TEST_F(DatabaseTest, AnUnknownSetOfDefaultsFails) {
+    const Database database = open();
+    EXPECT_EQ(failureOf<Failure>([&] { database.defaults("NOSUCH"); }), "Table Defaults has no set NOSUCH");
+    EXPECT_THROW(database.defaults(R"(ADV" FROM Defaults; --)"), Failure);
+    EXPECT_THROW(database.defaults(""), Failure);
+}
+
+TEST_F(DatabaseTest, TheSetsOfDefaultsCanBeListed) {
+    EXPECT_THAT(open().defaultsSets(),
+                testing::IsSupersetOf({"ADV", "VE", "MATADV_PZK2", "Initial_Advance"}));
+}
+
+// ---- Help, tips, files, scratch tables
+
+TEST_F(DatabaseTest, HelpIsFoundByKeyWhateverItsCase) {
+    const Database database = open();
+    const auto help = database.help("HELPKNOCK");
+    ASSERT_TRUE(help);
+    EXPECT_EQ(help->key, "helpknock");
+    EXPECT_EQ(help->topic, "Knock Control");
+    EXPECT_FALSE(database.help("help'knock"));
+}
+
+TEST_F(DatabaseTest, TipsAreCountedFromOne) {
+    const Database database = open();
+    const auto tips = database.tips();
+    EXPECT_EQ(database.tip(1), tips.front());
+    EXPECT_EQ(database.tip(static_cast<int>(tips.size())), tips.back());
+    EXPECT_THROW(database.tip(0), BoundsError);
+    EXPECT_THROW(database.tip(static_cast<int>(tips.size()) + 1), BoundsError);
+}
+
+TEST_F(DatabaseTest, AFileIsRememberedOnceAndUpdated) {
+    const std::string file = "/home/pat/Pat's car/street.ZQ4OA";
+    Database database = open();
+    EXPECT_FALSE(database.config(file));
+    database.storeConfig({file, 3, "ORB A Standard"});
+    database.storeConfig({file, 7, "ORB D"});
+    const auto config = open().config(file);
+    ASSERT_TRUE(config);
+    EXPECT_EQ(config->orbUnit, 7);
+    EXPECT_EQ(config->orbName, "ORB D");
+    EXPECT_EQ(OtherProgram(path).count("SELECT count(*) FROM Configs"), 1);
+    EXPECT_FALSE(database.config("/home/pat/Pat's car/STREET.ZQ4OA")) << "paths are compared exactly";
+}
+
+TEST_F(DatabaseTest, EachScratchTableIsEmptiedOnItsOwn) {
+    OtherProgram other(path);
+    other.run("INSERT INTO Datalog (Seconds, RPM) VALUES (0.1, 900), (0.2, 910)");
+    other.run("INSERT INTO Datalog2 (Frame, RPM) VALUES (1, 900), (2, 910), (3, 920)");
+    Database database = open();
+    database.clearDatalog();
+    EXPECT_EQ(other.count("SELECT count(*) FROM Datalog"), 0);
+    EXPECT_EQ(other.count("SELECT count(*) FROM Datalog2"), 3);
+    database.clearDatalog2();
+    EXPECT_EQ(other.count("SELECT count(*) FROM Datalog2"), 0);
+}
+
+}  // namespace
+}  // namespace zentaq::refdata

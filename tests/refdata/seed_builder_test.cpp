@@ -1,0 +1,184 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+#include "base/text.h"
+#include "refdata/seed_table.h"
+#include "refdata_fixture.h"
+
+namespace zentaq::refdata {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A copy of the project's seeds that a test may spoil.
+class SeedBuilder : public testing::Test {
+ protected:
+    SeedBuilder() { fs::copy(projectSeeds, seeds, fs::copy_options::recursive); }
+
+    void build() { buildDatabase(seeds, output); }
+
+    /// Replaces the only place of `from` in a seed file; the line number where it stood.
+    int replace(const std::string& file, const std::string& from, const std::string& to) {
+        const std::string path = seeds + "/" + file;
+        std::string content = contentOf(path);
+        const auto at = content.find(from);
+        EXPECT_NE(at, std::string::npos) << from;
+        EXPECT_EQ(content.find(from, at + 1), std::string::npos) << from << " stands twice";
+        writeFile(path, content.replace(at, from.size(), to));
+        return 1 +
+               static_cast<int>(std::count(content.begin(), content.begin() + static_cast<long>(at), '\n'));
+    }
+
+    void append(const std::string& file, const std::string& line) {
+        std::ofstream(seeds + "/" + file, std::ios::app) << line << '\n';
+    }
+
+    int lineCount(const std::string& file) const {
+        const std::string content = contentOf(seeds + "/" + file);
+        return static_cast<int>(std::count(content.begin(), content.end(), '\n'));
+    }
+
+    void expectError(const std::string& file, int line, const std::string& what) {
+        EXPECT_EQ(failureOf<SeedError>([&] { build(); }),
+                  seeds + "/" + file + ":" + std::to_string(line) + ": " + what);
+        EXPECT_FALSE(fs::exists(output));
+    }
+
+    TemporaryFolder folder;
+    std::string seeds = folder.file("seeds");
+    std::string output = folder.file("out.pak");
+};
+
+TEST_F(SeedBuilder, EqualSeedsGiveEqualBytes) {
+    build();
+    buildDatabase(seeds, folder.file("second.pak"));
+    EXPECT_EQ(contentOf(output), contentOf(folder.file("second.pak")));
+}
+
+TEST_F(SeedBuilder, LeavesNothingBesideTheDatabase) {
+    build();
+    int files = 0;
+    for (const auto& entry : fs::directory_iterator(folder.path())) files += entry.is_regular_file() ? 1 : 0;
+    EXPECT_EQ(files, 1);
+}
+
+TEST_F(SeedBuilder, AFailureLeavesTheOlderFileWhole) {
+    writeFile(output, "older");
+    replace("tips.tsv", "HELP\n", "HALP\n");
+    EXPECT_THROW(build(), SeedError);
+    EXPECT_EQ(contentOf(output), "older");
+}
+
+TEST_F(SeedBuilder, AMissingSeedTableIsNamed) {
+    fs::remove(seeds + "/mapcals.tsv");
+    EXPECT_EQ(failureOf<FileError>([&] { build(); }), "Cannot read seed table " + seeds + "/mapcals.tsv");
+}
+
+TEST_F(SeedBuilder, AnOutputFolderThatDoesNotExistIsAFileError) {
+    output = folder.file("nowhere/out.pak");
+    EXPECT_THAT(failureOf<FileError>([&] { build(); }), testing::StartsWith("Cannot write " + output));
+}
+
+TEST_F(SeedBuilder, ARowOfTheWrongWidthIsTold) {
+    append("mapcals.tsv", "40\tSensor\t0.05");
+    expectError("mapcals.tsv", lineCount("mapcals.tsv"), "has 3 cells, the header has 5");
+}
+
+TEST_F(SeedBuilder, ATextWhereANumberBelongsIsTold) {
+    append("mapcals.tsv", "40\tSensor\t0,05\t0\t1");
+    expectError("mapcals.tsv", lineCount("mapcals.tsv"), "Scale must be a number, not \"0,05\"");
+}
+
+TEST_F(SeedBuilder, AMissingColumnIsTold) {
+    const int line = replace("tips.tsv", "HELP\n", "HALP\n");
+    expectError("tips.tsv", line, "column HELP is missing");
+}
+
+TEST_F(SeedBuilder, ASensorNameThatStandsTwiceIsTold) {
+    append("mapcals.tsv", "40\t1 bar (10-105 KPA)\t0.5\t0\t1");
+    expectError("mapcals.tsv", lineCount("mapcals.tsv"),
+                "sensor 1 BAR (10-105 KPA) stands already in line 6");
+}
+
+TEST_F(SeedBuilder, TwoSensorsThatACalibrationCannotTellApartAreTold) {
+    append("mapcals.tsv", "40\tLookalike (10-105 kPa)\t0.05296\t-0.5474\t1");
+    expectError("mapcals.tsv", lineCount("mapcals.tsv"), "calibrations cannot tell it from line 6");
+}
+
+TEST_F(SeedBuilder, TheFourSensorsOfOlderCalibrationsMayNotGo) {
+    replace("mapcals.tsv", "\n4\t4 BAR", "\n40\t4 BAR");
+    expectError("mapcals.tsv", 5, "no sensor with ID 4: calibrations of older firmware are moved to it");
+}
+
+TEST_F(SeedBuilder, AnEngineWithAnUnknownTachCodeIsTold) {
+    const int line = replace("engines.tsv", "\t161\t12\t", "\t81\t12\t");
+    expectError("engines.tsv", line, "P2EgTp has no tach code of 14, 2, 8, 3 or 10 in its high nibble");
+}
+
+TEST_F(SeedBuilder, AnEngineWhoseTachPulsesDoNotFitItsCylindersIsTold) {
+    const int line = replace("engines.tsv", "\t161\t12\t", "\t33\t12\t");
+    expectError("engines.tsv", line, "the tach code of P2EgTp does not agree with IGNRev");
+}
+
+TEST_F(SeedBuilder, AnEngineOptionThatStandsTwiceIsTold) {
+    const int line = replace("engines.tsv", "3\t2\t16\t", "3\t2\t17\t");
+    expectError("engines.tsv", line + 1,
+                "option 17 of kind 3 stands already in line " + std::to_string(line));
+}
+
+TEST_F(SeedBuilder, ADefaultOutsideItsLimitsIsTold) {
+    const int line = replace("defaults.tsv", "KNK_MIN\t50\n", "KNK_MIN\t101\n");
+    expectError("defaults.tsv", line, "KNK_MIN takes 2 to 100, not 101");
+}
+
+TEST_F(SeedBuilder, AnAxisThatDoesNotAscendIsTold) {
+    const int line = replace("defaults.tsv", "RPMTBL\t500 1000", "RPMTBL\t500 500");
+    expectError("defaults.tsv", line, "RPMTBL must ascend, 500 does not");
+}
+
+TEST_F(SeedBuilder, ASetWithTooFewValuesIsTold) {
+    replace("defaults.tsv", "ISRPM\t1400 1150 850\n", "ISRPM\t1400 1150\n");
+    expectError("defaults.tsv", 3, "ISRPM needs 3 values and has 2");
+}
+
+TEST_F(SeedBuilder, ASetWithTooManyValuesIsTold) {
+    const int line = replace("defaults.tsv", "ISRPM\t1400 1150 850\n", "ISRPM\t1400 1150 850 800\n");
+    expectError("defaults.tsv", line, "ISRPM has more than 3 values");
+}
+
+TEST_F(SeedBuilder, AHelpKeyThatStandsTwiceWhateverItsCaseIsTold) {
+    append("fasthelp.tsv", "900\tAgain\tText\thelpKNOCK");
+    EXPECT_THAT(failureOf<SeedError>([&] { build(); }),
+                testing::HasSubstr("fasthelp.tsv:" + std::to_string(lineCount("fasthelp.tsv")) +
+                                   ": HELP_KEY HELPKNOCK stands already in line"));
+}
+
+TEST_F(SeedBuilder, LinesEndedByCarriageReturnAreRead) {
+    const std::string path = seeds + "/tips.tsv";
+    std::string content = contentOf(path);
+    for (std::size_t at = 0; (at = content.find('\n', at)) != std::string::npos; at += 2)
+        content.insert(at, "\r");
+    writeFile(path, content);
+    build();
+    for (const std::string& tip : Database::open(output).tips()) EXPECT_NE(tip.back(), '\r');
+}
+
+TEST(SeedTableFile, ResolvesEscapesInCells) {
+    const TemporaryFolder folder;
+    writeFile(folder.file("a.tsv"), "# comment\n\nA\tB\none\\ntwo\tback\\\\slash\\ttab\n");
+    const SeedTable table = SeedTable::read(folder.file("a.tsv"));
+    ASSERT_EQ(table.rows().size(), 1u);
+    EXPECT_EQ(table.rows()[0].line, 4);
+    EXPECT_EQ(table.text(table.rows()[0], "A"), "one\ntwo");
+    EXPECT_EQ(table.text(table.rows()[0], "B"), "back\\slash\ttab");
+}
+
+TEST(SeedTableFile, RefusesAnUnknownEscape) {
+    const TemporaryFolder folder;
+    writeFile(folder.file("a.tsv"), "A\nx\\y\n");
+    EXPECT_THROW(SeedTable::read(folder.file("a.tsv")), SeedError);
+}
+
+}  // namespace
+}  // namespace zentaq::refdata

@@ -1,0 +1,367 @@
+#include <cmath>
+#include <map>
+#include <regex>
+#include <set>
+
+#include "base/errors.h"
+#include "base/rounding.h"
+#include "base/text.h"
+#include "refdata_fixture.h"
+
+namespace zentaq::refdata {
+namespace {
+
+class Seeds : public ReferenceDatabase {
+ protected:
+    std::vector<EngineRow> allEngines() const {
+        std::vector<EngineRow> all;
+        const Database database = open();
+        for (const int kind : {3, 4, 5, 6, 7}) {
+            std::set<int> seen;
+            for (const int variant : {0, 1, 2, 3}) {
+                for (const EngineRow& engine : database.engines(kind, variant)) {
+                    if (seen.insert(engine.optType).second) all.push_back(engine);
+                }
+            }
+        }
+        return all;
+    }
+};
+
+// ---- Engines: the values fit the cells they go into.
+
+TEST_F(Seeds, KindThreeHasADozenEnginesAndEveryKindHasSome) {
+    std::map<int, int> count;
+    for (const EngineRow& engine : allEngines()) ++count[engine.orbUnit];
+    EXPECT_GE(count[3], 12);
+    EXPECT_EQ(count.size(), 5u);
+}
+
+TEST_F(Seeds, EngineNamesAndOptionsStandOnceInTheirKind) {
+    std::set<std::pair<int, int>> options;
+    std::set<std::pair<int, std::string>> names;
+    for (const EngineRow& engine : allEngines()) {
+        EXPECT_TRUE(options.emplace(engine.orbUnit, engine.optType).second) << engine.displayValue;
+        EXPECT_TRUE(names.emplace(engine.orbUnit, upper(engine.displayValue)).second) << engine.displayValue;
+    }
+}
+
+TEST_F(Seeds, TriggerOffsetsStayOnTheWheel) {
+    for (const EngineRow& engine : allEngines()) {
+        EXPECT_GE(engine.minOffset, 1) << engine.displayValue;
+        EXPECT_LE(engine.minOffset, engine.offsetA) << engine.displayValue;
+        EXPECT_LE(engine.offsetA, engine.maxOffset) << engine.displayValue;
+        EXPECT_LE(engine.maxOffset, 58) << engine.displayValue;
+        EXPECT_GE(engine.offsetB, engine.offsetA) << engine.displayValue;
+        EXPECT_LE(engine.offsetB, 58) << engine.displayValue;
+    }
+}
+
+TEST_F(Seeds, TachCodesGiveOnePulseForEachIgnition) {
+    const std::map<int, int> pulses{{14, 1}, {2, 2}, {8, 3}, {3, 4}, {10, 6}};
+    for (const EngineRow& engine : allEngines()) {
+        const int code = static_cast<int>(engine.p2EgTp) >> 4;
+        ASSERT_TRUE(pulses.contains(code)) << engine.displayValue;
+        EXPECT_EQ(static_cast<float>(pulses.at(code)), engine.ignRev) << engine.displayValue;
+    }
+}
+
+TEST_F(Seeds, CylindersAndEventsFitTheirNibbles) {
+    for (const EngineRow& engine : allEngines()) {
+        EXPECT_GE(engine.cylinders, 1) << engine.displayValue;
+        EXPECT_LE(engine.cylinders, 15) << engine.displayValue;
+        EXPECT_GE(engine.injEvents, 1) << engine.displayValue;
+        EXPECT_LE(engine.injEvents, 8) << engine.displayValue;
+        EXPECT_GE(engine.injReset, 0) << engine.displayValue;
+        EXPECT_LE(engine.injReset, 15) << engine.displayValue;
+    }
+}
+
+TEST_F(Seeds, AnySequenceOfEngineChoicesFitsTheSharedOptionByte) {
+    float highestType = 0;
+    float highestPhase = 0;
+    for (const EngineRow& engine : allEngines()) {
+        highestType = std::max(highestType, engine.engType);
+        highestPhase = std::max(highestPhase, engine.phdSeq);
+        EXPECT_GE(engine.phdSeq, 1) << engine.displayValue;
+    }
+    // The lower four bits are other options; bits 4 and 5 are cleared before the type goes in.
+    EXPECT_LE(highestPhase * 64 + highestType * 32 + 15, 255);
+}
+
+TEST_F(Seeds, InjectorOutputsAreFilledUpToTheLastEvent) {
+    for (const EngineRow& engine : allEngines()) {
+        for (std::size_t event = 0; event < engine.injTbl.size(); ++event) {
+            const bool used = static_cast<float>(event) < engine.injEvents;
+            EXPECT_EQ(engine.injTbl[event] > 0, used) << engine.displayValue << " event " << event;
+            EXPECT_LE(engine.injTbl[event], 255) << engine.displayValue;
+        }
+    }
+}
+
+TEST_F(Seeds, ASequentialEngineOpensEachOutputOnce) {
+    const auto engine = open().engine(3, 10);
+    ASSERT_TRUE(engine);
+    EXPECT_EQ(engine->cylinders, 8);
+    EXPECT_EQ(engine->phdSeq, 3);
+    EXPECT_EQ(engine->injTbl, (std::array<float, 8>{1, 2, 4, 8, 16, 32, 64, 128}));
+}
+
+TEST_F(Seeds, OnlyDualPlugEnginesHaveASplit) {
+    for (const EngineRow& engine : allEngines()) {
+        EXPECT_TRUE(engine.editDfub || engine.defaultSplit == 0) << engine.displayValue;
+        EXPECT_GE(engine.defaultSplit, 0) << engine.displayValue;
+        EXPECT_LE(engine.defaultSplit, 30) << engine.displayValue;
+    }
+}
+
+TEST_F(Seeds, RotaryEnginesAreMarkedAndHaveDualPlugs) {
+    const auto rotary = open().engine(3, 14);
+    ASSERT_TRUE(rotary);
+    EXPECT_TRUE(rotary->rotary);
+    EXPECT_TRUE(rotary->editDfub);
+    EXPECT_EQ(rotary->defaultSplit, 10);
+    EXPECT_FALSE(open().engine(3, 1)->rotary);
+}
+
+// Kind 7 takes its dual plug facts from the row of kind 4 with the same option.
+TEST_F(Seeds, EachEngineOfKindSevenStandsInKindFourToo) {
+    const Database database = open();
+    for (const EngineRow& engine : database.engines(7, 0)) {
+        const auto twin = database.engine(4, engine.optType);
+        ASSERT_TRUE(twin) << engine.displayValue;
+        EXPECT_EQ(twin->displayValue, engine.displayValue);
+    }
+}
+
+// ---- Sensors
+
+TEST_F(Seeds, SensorNamesStandOnceAndAllFiveUnitsAreThere) {
+    std::set<std::string> names;
+    std::set<int> units;
+    const auto sensors = open().mapSensors();
+    for (const MapSensorRow& sensor : sensors) {
+        EXPECT_TRUE(names.insert(upper(sensor.description)).second) << sensor.description;
+        units.insert(sensor.units);
+    }
+    EXPECT_GE(sensors.size(), 12u);
+    EXPECT_EQ(units, (std::set<int>{1, 2, 3, 4, 5}));
+}
+
+TEST_F(Seeds, TheFirstSensorIsTheStandardOne) {
+    const auto sensor = open().mapSensor(1);
+    ASSERT_TRUE(sensor);
+    EXPECT_EQ(sensor->scale, 0.05295f);
+    EXPECT_EQ(sensor->offset, -0.54738f);
+}
+
+TEST_F(Seeds, SensorsOneToFourCoverOneToFourBarInKpa) {
+    const Database database = open();
+    for (int bar = 1; bar <= 4; ++bar) {
+        const auto sensor = database.mapSensor(bar);
+        ASSERT_TRUE(sensor);
+        EXPECT_EQ(sensor->units, 1);
+        // A rating of b bar reads up to b atmospheres, give or take a tenth of one.
+        EXPECT_NEAR((5 - sensor->offset) / sensor->scale, bar * 104.0, 10.4) << sensor->description;
+    }
+}
+
+struct StatedRange {
+    double low = 0, high = 0, lastDigit = 1;
+    std::string unit;
+};
+
+/// "1 BAR (1.5-15.2 PSIA)" or "5 BAR (-9.4 to 84.4 PSIA)".
+StatedRange statedRange(const std::string& description) {
+    static const std::regex form(R"(^.* \((-?\d+(\.\d+)?)(?:-| to )(-?\d+(?:\.\d+)?) (\w+)\)$)");
+    std::smatch part;
+    if (!std::regex_match(description, part, form)) return {};
+    return {std::stod(part[1]), std::stod(part[3]), part[2].matched ? 0.1 : 1.0, part[4]};
+}
+
+TEST_F(Seeds, SensorNamesStateTheirUnitAndTheirRangeFrom0To5Volts) {
+    const std::array<std::string, 6> unitNames{"kPa", "kPa", "PSIA", "PSIG", "mmHg", "inHg"};
+    for (const MapSensorRow& sensor : open().mapSensors()) {
+        const StatedRange stated = statedRange(sensor.description);
+        EXPECT_EQ(stated.unit, unitNames.at(static_cast<std::size_t>(sensor.units))) << sensor.description;
+        // Rounding of the name to its last digit, and of 6 decimals of the slope.
+        const double tolerance = 0.52 * stated.lastDigit;
+        EXPECT_NEAR(-sensor.offset / sensor.scale, stated.low, tolerance) << sensor.description;
+        EXPECT_NEAR((5 - sensor.offset) / sensor.scale, stated.high, tolerance) << sensor.description;
+    }
+}
+
+// A calibration shows slope and offset rounded to 4 decimals: the span stays true to 1 percent.
+TEST_F(Seeds, SensorRangesSurviveTheRoundingOfACalibration) {
+    for (const MapSensorRow& sensor : open().mapSensors()) {
+        const double span = 5 / roundTo(sensor.scale, 4);
+        EXPECT_NEAR(span, 5 / sensor.scale, 0.01 * span) << sensor.description;
+    }
+}
+
+TEST_F(Seeds, SensorsOfOneBarAgreeAcrossUnits) {
+    const Database database = open();
+    const double kpa = (5 - database.mapSensor(1)->offset) / database.mapSensor(1)->scale;
+    const std::map<int, double> unitsOfAtmosphere{{2, 14.696}, {4, 760}, {5, 29.921}};
+    int compared = 0;
+    for (const MapSensorRow& sensor : database.mapSensors()) {
+        if (!sensor.description.starts_with("1 BAR (") || sensor.units == 1) continue;
+        const double atmospheres = (5 - sensor.offset) / sensor.scale / unitsOfAtmosphere.at(sensor.units);
+        EXPECT_NEAR(atmospheres, kpa / 101.325, 0.0005) << sensor.description;
+        ++compared;
+    }
+    EXPECT_EQ(compared, 3);
+}
+
+// ---- Default values
+
+TEST_F(Seeds, DefaultSetsHaveTheShapeOfTheirTables) {
+    const Database database = open();
+    const std::map<std::string, std::size_t> lengths{
+        {"ADV", 256},        {"VE", 256},     {"SPW", 256},   {"AFR", 256},          {"RPMTBL", 16},
+        {"MAPTBL", 16},      {"SPLITBL", 16}, {"BLDTBL", 8},  {"LOWBLD_RACE", 8},    {"LOWBLD_STREET", 8},
+        {"BATCOM", 20},      {"CHKTBL", 20},  {"MATENH", 20}, {"CLTTBL", 20},        {"MATADV", 20},
+        {"MATADV_PZK2", 20}, {"X", 10},       {"Y", 10},      {"ISTMP", 3},          {"ISRPM", 3},
+        {"BARO_TRIM", 8},    {"FuelTrim", 8}, {"KNK_MIN", 1}, {"Initial_Advance", 1}};
+    for (const auto& [set, length] : lengths) EXPECT_EQ(database.defaults(set).size(), length) << set;
+}
+
+TEST_F(Seeds, EveryScalarOfANewCalibrationHasADefault) {
+    const Database database = open();
+    for (const char* member : {"Initial_Advance",
+                               "TBSOFF",
+                               "ACE0",
+                               "ACE1",
+                               "ACE2",
+                               "ACE3",
+                               "ACE4",
+                               "ACE5",
+                               "ACE6",
+                               "ACE7",
+                               "ACCL_PW",
+                               "ACCL_TM",
+                               "SEPW",
+                               "SECLT",
+                               "ASE0",
+                               "ASE1",
+                               "DCCL_CutActive",
+                               "DCCL_0",
+                               "DCCL_1",
+                               "DCCL_3",
+                               "DCCL_4",
+                               "MAP_Max",
+                               "BSTCTTM",
+                               "CONDIV",
+                               "AVRDIV",
+                               "Register_Number",
+                               "EGO_LMT",
+                               "EGO_RPM",
+                               "EGO_MAP",
+                               "EGO_TMP",
+                               "EGO_RPML",
+                               "EGO_HighVoltage",
+                               "EGO_LowVoltage",
+                               "EGO_Type",
+                               "KNK_MIN",
+                               "KNK_ATK",
+                               "KNK_DCY",
+                               "KNK_MAX",
+                               "KNK_RPM",
+                               "opt_3Stage",
+                               "opt_NoFuelCut",
+                               "OVR1THR",
+                               "OVR2THR",
+                               "REV_Hysteresis",
+                               "REV_AuxLimiter",
+                               "opt_IdleSpeed",
+                               "NEGPGAIN",
+                               "POSPGAIN",
+                               "NEGDGAIN",
+                               "POSDGAIN",
+                               "Reset_Duty",
+                               "IAC_RPM_HI",
+                               "IAC_RPM_LO",
+                               "IAC_Start",
+                               "MinDuty",
+                               "MaxDuty",
+                               "CLT_FailHigh",
+                               "CLT_FailLow",
+                               "CLT_Default",
+                               "MAP_FailHigh",
+                               "MAP_FailLow",
+                               "MAP_Default",
+                               "MAP_FIL",
+                               "TPS_FCV",
+                               "TPS_WOV",
+                               "TPS_FailHigh",
+                               "TPS_FailLow",
+                               "TPS_Default",
+                               "EGO_FailTime",
+                               "EGO_SUD",
+                               "MAT_FailHigh",
+                               "MAT_FailLow",
+                               "MAT_Default",
+                               "KNK_Timer",
+                               "MAFMax"}) {
+        EXPECT_EQ(database.defaults(member).size(), 1u) << member;
+    }
+}
+
+TEST_F(Seeds, TableDefaultsAreWhatAnEngineCanRunOn) {
+    const Database database = open();
+    const auto advance = database.defaults("ADV");
+    const auto mixture = database.defaults("AFR");
+    for (std::size_t cell = 0; cell < 256; ++cell) {
+        EXPECT_GE(advance[cell], 8) << cell;
+        EXPECT_LE(advance[cell], 45) << cell;
+        EXPECT_GE(mixture[cell], 12) << cell;
+        EXPECT_LE(mixture[cell], 14.7f) << cell;
+    }
+    for (std::size_t column = 0; column < 16; ++column) {
+        EXPECT_GE(advance[column], advance[240 + column]) << "advance falls with load, column " << column;
+        EXPECT_GE(mixture[column], mixture[240 + column])
+            << "the mixture gets richer with load, column " << column;
+    }
+}
+
+TEST_F(Seeds, FailureVoltsEncloseTheWorkingRange) {
+    const Database database = open();
+    for (const std::string sensor : {"CLT", "MAP", "TPS", "MAT"}) {
+        EXPECT_LT(database.defaults(sensor + "_FailLow").at(0),
+                  database.defaults(sensor + "_FailHigh").at(0));
+    }
+    EXPECT_LT(database.defaults("TPS_FailLow").at(0), database.defaults("TPS_FCV").at(0));
+    EXPECT_LT(database.defaults("TPS_FCV").at(0), database.defaults("TPS_WOV").at(0));
+    EXPECT_LT(database.defaults("TPS_WOV").at(0), database.defaults("TPS_FailHigh").at(0));
+}
+
+TEST_F(Seeds, AirTemperatureEnrichmentFollowsAirDensity) {
+    const auto enrichment = open().defaults("MATENH");
+    EXPECT_EQ(enrichment.at(6), 0) << "20 Celsius";
+    EXPECT_EQ(enrichment.at(4), 7) << "0 Celsius: 293 / 273 = 1.073";
+    EXPECT_EQ(enrichment.at(12), -17) << "80 Celsius: 293 / 353 = 0.830";
+}
+
+// ---- Help and tips
+
+TEST_F(Seeds, EveryFieldOfTheGeneralPageHasHelp) {
+    const Database database = open();
+    for (const char* key :
+         {"helprevl", "helptog", "helptiot", "helpmtot", "helpdace3", "helpCamtype", "helpmaprange",
+          "helpMboost", "helpinjnum", "help42inj", "helpBrakeHP", "helpfueltype", "helpinjsize", "helpknock",
+          "helpMAPsen", "helpTPSsen", "helpoption", "helparrow"}) {
+        const auto help = database.help(key);
+        ASSERT_TRUE(help) << key;
+        EXPECT_FALSE(help->topic.empty()) << key;
+        EXPECT_GT(help->text.size(), 30u) << key;
+    }
+}
+
+TEST_F(Seeds, ThereAreADozenTipsAndNoneTwice) {
+    const auto tips = open().tips();
+    EXPECT_GE(tips.size(), 12u);
+    EXPECT_EQ(std::set<std::string>(tips.begin(), tips.end()).size(), tips.size());
+}
+
+}  // namespace
+}  // namespace zentaq::refdata
