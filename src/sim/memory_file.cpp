@@ -1,0 +1,42 @@
+#include "sim/memory_file.h"
+
+#include <unistd.h>
+
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "base/errors.h"
+
+namespace zentaq::sim {
+
+namespace fs = std::filesystem;
+
+std::optional<std::vector<std::uint8_t>> readMemoryFile(const fs::path& path, std::size_t size) {
+    if (!fs::exists(path)) return std::nullopt;
+    std::ifstream file(path, std::ios::binary);
+    if (!file || !fs::is_regular_file(path)) throw FileError("Cannot read " + path.string());
+    const std::vector<std::uint8_t> content{std::istreambuf_iterator<char>(file), {}};
+    if (content.empty()) return std::nullopt;
+    if (content.size() != size) {
+        throw FileError(path.string() + " holds " + std::to_string(content.size()) + " bytes instead of " +
+                        std::to_string(size));
+    }
+    return content;
+}
+
+void writeMemoryFile(const fs::path& path, const std::vector<std::uint8_t>& content) {
+    fs::path fresh = path;
+    fresh += ".new" + std::to_string(::getpid());
+    std::error_code error;
+    std::ofstream file(fresh, std::ios::binary | std::ios::trunc);
+    file.write(reinterpret_cast<const char*>(content.data()), static_cast<std::streamsize>(content.size()));
+    file.close();
+    if (file) fs::rename(fresh, path, error);
+    if (file && !error) return;
+    std::error_code ignored;
+    fs::remove(fresh, ignored);
+    throw FileError("Cannot write " + path.string());
+}
+
+}  // namespace zentaq::sim

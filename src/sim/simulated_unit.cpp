@@ -1,0 +1,339 @@
+#include "sim/simulated_unit.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/errors.h"
+#include "base/text.h"
+
+namespace zentaq::sim {
+
+namespace {
+
+const Bytes accepted{'A', 'X'};
+const Bytes refused{'A', 'R'};
+const Bytes verified{'P', 'N'};
+
+constexpr std::uint8_t timingZero = 0xFF;
+constexpr std::uint8_t timingRestored = 0x00;
+constexpr std::uint8_t noCode = 0xFF;
+// The lamp shows the codes of the present; the rows behind these hold the intermittent ones.
+constexpr int lampRows = 6;
+constexpr double logSecondsPerRecord = 0.1;
+// The high byte of an engine speed above 21000 rpm, which no real record can hold.
+constexpr std::uint8_t endOfLogMark = 0xFF;
+
+void append(Bytes& target, const Bytes& more) {
+    target.insert(target.end(), more.begin(), more.end());
+}
+
+void placeText(Bytes& target, int at, std::string_view text, int width) {
+    const std::string field = fixedWidth(text, static_cast<std::size_t>(width));
+    std::transform(field.begin(), field.end(), target.begin() + at,
+                   [](char c) { return static_cast<std::uint8_t>(c); });
+}
+
+}  // namespace
+
+struct SimulatedUnit::CommandRow {
+    char letter;
+    Handler handler;
+};
+
+UnitIdentity defaultIdentity(const UnitProfile& profile) {
+    return {.serial = profile.defaultSerial, .firmware = std::string(profile.defaultFirmware)};
+}
+
+SimulatedUnit::SimulatedUnit(const UnitProfile& profile, UnitIdentity identity)
+    : profile_(profile),
+      identity_(std::move(identity)),
+      memory_(static_cast<std::size_t>(profile.memorySize)),
+      permanent_(memory_) {
+    identity_.firmware = fixedWidth(identity_.firmware, firmwareLength);
+    codes_.fill(noCode);
+    setCalibrationName("");
+}
+
+Bytes SimulatedUnit::feed(std::span<const std::uint8_t> burst) {
+    Bytes replies;
+    dropRestOfBurst_ = false;
+    for (const std::uint8_t byte : burst) {
+        if (dropRestOfBurst_) break;
+        append(replies, consume(byte));
+    }
+    if (!burst.empty()) quietSeconds_ = 0;
+    return replies;
+}
+
+void SimulatedUnit::advance(double seconds) {
+    engine_.advance(seconds);
+    quietSeconds_ += seconds;
+    if (quietSeconds_ > stallSeconds) {
+        expecting_ = Expecting::Command;
+        record_.clear();
+    }
+    if (quietSeconds_ > programmingPatienceSeconds) programming_.reset();
+}
+
+void SimulatedUnit::loadMemory(const Bytes& content) {
+    if (content.size() != memory_.size()) throw BoundsError("The memory of this unit has another size");
+    memory_ = permanent_ = content;
+    ++revision_;
+}
+
+void SimulatedUnit::setCalibrationName(std::string_view name) {
+    placeText(memory_, profile_.nameOffset, name, nameLength);
+    placeText(permanent_, profile_.nameOffset, name, nameLength);
+    ++revision_;
+}
+
+void SimulatedUnit::powerCycle() {
+    memory_ = permanent_;
+    ++revision_;
+    programming_.reset();
+    record_.clear();
+    expecting_ = Expecting::Command;
+    logPosition_ = 0;
+    engine_ = {};
+}
+
+void SimulatedUnit::setCode(int row, int bit) {
+    if (row < 1 || row > codeRows || bit < 0 || bit > 7) throw BoundsError("No such check-engine code");
+    auto& code = codes_[static_cast<std::size_t>(row - 1)];
+    code = static_cast<std::uint8_t>(code & ~(1u << bit));
+}
+
+Bytes SimulatedUnit::consume(std::uint8_t byte) {
+    switch (expecting_) {
+        case Expecting::TimingArgument:
+            return timingArgument(byte);
+        case Expecting::ProgramArgument:
+            return programArgument(byte);
+        case Expecting::OnTheFlyRecord:
+            return onTheFlyByte(byte);
+        case Expecting::Command:
+            break;
+    }
+    return programming_ ? programmingByte(byte) : command(byte);
+}
+
+Bytes SimulatedUnit::command(std::uint8_t byte) {
+    static constexpr CommandRow rows[] = {
+        {'A', &SimulatedUnit::clearCodes},
+        {'B', &SimulatedUnit::firmwareReply},
+        {'C', &SimulatedUnit::configReply},
+        {'D', &SimulatedUnit::nextLogRecord},
+        {'E', &SimulatedUnit::serialReply},
+        {'F', &SimulatedUnit::narrowFrame},
+        {'I', &SimulatedUnit::inputsFrame},
+        {'K', &SimulatedUnit::stopEngine},
+        {'P', &SimulatedUnit::expectProgramArgument},
+        {'S', &SimulatedUnit::storeChanges},
+        {'T', &SimulatedUnit::codesReply},
+        {'W', &SimulatedUnit::wideFrame},
+        {'Z', &SimulatedUnit::expectTimingArgument},
+    };
+    for (const CommandRow& row : rows) {
+        if (byte == static_cast<std::uint8_t>(row.letter)) return (this->*row.handler)();
+    }
+    return {};  // an unknown byte is noise
+}
+
+Bytes SimulatedUnit::timingArgument(std::uint8_t byte) {
+    expecting_ = Expecting::Command;
+    // Any other byte ends the broken command and may begin the next one.
+    if (byte != timingZero && byte != timingRestored) return consume(byte);
+    engine_.setTimingZero(byte == timingZero);
+    return accepted;
+}
+
+Bytes SimulatedUnit::programArgument(std::uint8_t byte) {
+    expecting_ = Expecting::Command;
+    switch (byte) {
+        case '1':
+            return startProgramming();
+        case '2':
+            expecting_ = Expecting::OnTheFlyRecord;
+            return {};
+        case '3':
+            return refused;  // the firmware of this unit is fixed
+        default:
+            return consume(byte);
+    }
+}
+
+Bytes SimulatedUnit::onTheFlyByte(std::uint8_t byte) {
+    const auto state = record_.push(byte);
+    if (state == SRecordCollector::State::Broken) return refuse();
+    if (state != SRecordCollector::State::Complete) return {};
+    const auto record = parseSRecord(record_.text());
+    const bool oneOrTwoBytes = record && (record->data.size() == 1 || record->data.size() == 2);
+    if (!oneOrTwoBytes || !inMemory(*record)) return refuse();
+    write(memory_, *record);
+    ++revision_;
+    record_.clear();
+    expecting_ = Expecting::Command;
+    return accepted;
+}
+
+Bytes SimulatedUnit::startProgramming() {
+    programming_ = Programming{memory_, std::vector<bool>(memory_.size())};
+    record_.clear();
+    return accepted;
+}
+
+Bytes SimulatedUnit::programmingByte(std::uint8_t byte) {
+    const auto state = record_.push(byte);
+    if (state == SRecordCollector::State::Broken) return refuse();
+    if (state != SRecordCollector::State::Complete) return {};
+    return programmingRecord();
+}
+
+Bytes SimulatedUnit::programmingRecord() {
+    const auto record = parseSRecord(record_.text());
+    if (!record) return refuse();
+    if (record->type == '9') return endOfProgramming();
+    if (!inMemory(*record)) return refuse();
+    write(programming_->staging, *record);
+    const auto first = programming_->covered.begin() + (record->address - profile_.baseAddress);
+    std::fill_n(first, record->data.size(), true);
+    record_.clear();
+    return accepted;
+}
+
+Bytes SimulatedUnit::endOfProgramming() {
+    const auto first = programming_->covered.begin();
+    const bool whole = std::all_of(first, first + programmedSize(), [](bool covered) { return covered; });
+    if (!whole) return refuse();
+    memory_ = permanent_ = programming_->staging;
+    ++revision_;
+    programming_.reset();
+    record_.clear();
+    return verified;
+}
+
+// What follows a refused record in the same burst are remains of it: hexadecimal digits that would be
+// taken for commands.
+Bytes SimulatedUnit::refuse() {
+    programming_.reset();
+    record_.clear();
+    expecting_ = Expecting::Command;
+    dropRestOfBurst_ = true;
+    return refused;
+}
+
+Bytes SimulatedUnit::clearCodes() {
+    codes_.fill(noCode);
+    return accepted;
+}
+
+Bytes SimulatedUnit::firmwareReply() {
+    Bytes reply = headedReply(profile_.firmwareReplyLength);
+    std::copy_n(memory_.begin() + profile_.nameOffset, nameLength, reply.begin() + 3);
+    placeText(reply, 3 + nameLength, identity_.firmware, firmwareLength);
+    if (profile_.subtypeByte > 0) reply[static_cast<std::size_t>(profile_.subtypeByte)] = identity_.subtype;
+    seal(reply);
+    return reply;
+}
+
+Bytes SimulatedUnit::configReply() {
+    Bytes reply = headedReply(profile_.configReplyLength);
+    seal(reply);
+    return reply;
+}
+
+Bytes SimulatedUnit::nextLogRecord() {
+    if (logPosition_ >= identity_.logRecords) {
+        logPosition_ = 0;
+        Bytes end = headedReply(profile_.logRecord.length);
+        end[3] = endOfLogMark;
+        seal(end);
+        return end;
+    }
+    EngineModel drive;
+    drive.advance(++logPosition_ * logSecondsPerRecord);
+    return encodeFrame(profile_.logRecord, drive.values());
+}
+
+Bytes SimulatedUnit::serialReply() {
+    Bytes reply = headedReply(8);
+    for (std::size_t i = 0; i < 4; ++i) {
+        reply[3 + i] = static_cast<std::uint8_t>(identity_.serial >> (24 - 8 * i));
+    }
+    seal(reply);
+    return reply;
+}
+
+Bytes SimulatedUnit::narrowFrame() {
+    return encodeFrame(profile_.narrow, liveValues());
+}
+
+Bytes SimulatedUnit::inputsFrame() {
+    return encodeFrame(profile_.inputs, liveValues());
+}
+
+Bytes SimulatedUnit::wideFrame() {
+    if (release() < profile_.wideFromRelease) return {};
+    return encodeFrame(profile_.wide, liveValues());
+}
+
+Bytes SimulatedUnit::stopEngine() {
+    engine_.kill();
+    return accepted;
+}
+
+Bytes SimulatedUnit::expectProgramArgument() {
+    expecting_ = Expecting::ProgramArgument;
+    return {};
+}
+
+Bytes SimulatedUnit::expectTimingArgument() {
+    expecting_ = Expecting::TimingArgument;
+    return {};
+}
+
+Bytes SimulatedUnit::storeChanges() {
+    permanent_ = memory_;
+    return accepted;
+}
+
+Bytes SimulatedUnit::codesReply() {
+    Bytes reply = headedReply(profile_.codesReplyLength);
+    std::copy(codes_.begin(), codes_.end(), reply.begin() + 3);
+    seal(reply);
+    return reply;
+}
+
+LiveValues SimulatedUnit::liveValues() const {
+    LiveValues live = engine_.values();
+    const bool lamp =
+        std::any_of(codes_.begin(), codes_.begin() + lampRows, [](auto code) { return code != noCode; });
+    live.checkEngine = lamp ? 1 : 0;
+    return live;
+}
+
+int SimulatedUnit::release() const {
+    int number = 0;
+    for (const char c : identity_.firmware.substr(5, 2)) {
+        if (c < '0' || c > '9') return 0;
+        number = number * 10 + (c - '0');
+    }
+    return number;
+}
+
+int SimulatedUnit::programmedSize() const {
+    return release() < profile_.fullMemoryFromRelease ? profile_.memorySizeOlder : profile_.memorySize;
+}
+
+bool SimulatedUnit::inMemory(const SRecord& record) const {
+    const int first = record.address - profile_.baseAddress;
+    const int size = static_cast<int>(record.data.size());
+    return record.type == '1' && size > 0 && first >= 0 && first + size <= profile_.memorySize;
+}
+
+void SimulatedUnit::write(Bytes& target, const SRecord& record) const {
+    std::copy(record.data.begin(), record.data.end(),
+              target.begin() + (record.address - profile_.baseAddress));
+}
+
+}  // namespace zentaq::sim
