@@ -1,0 +1,56 @@
+// The commands of the main window: the life of the calibration file, and the doors to the unit.
+// Windows call them and show what the session holds afterwards.
+#pragma once
+
+#include <string>
+
+#include "app/session.h"
+
+namespace zentaq {
+
+class MainCommands {
+ public:
+    explicit MainCommands(Session& session) : session_(session) {}
+
+    // ---- The file. All report by boxes and leave the former state on a failure.
+    void open();                            ///< mnuOpen
+    void save();                            ///< mnuSave: nothing without a current file
+    void saveAs();                          ///< mnuSaveAs
+    void close();                           ///< mnuClose
+
+    // ---- The unit
+    void programOrb();                      ///< mnuProgramORB
+    void killEngine();                      ///< mnuMonitor_KillEngine
+    void zeroAdvance();                     ///< mnuZeroAdv: toggles
+    void refreshCodes();                    ///< mnuClearDashCodes
+    void clearCodes();                      ///< mnuORB_ClearCodes
+    void storeOnFly();                      ///< makes on-the-fly changes permanent in the unit
+    void identify();                        ///< asks the unit again who it is
+    /// Port search; on success stores the port. Answers the port or 0.
+    int autodetectPort();
+    /// 2 starts a monitor session, 3 ends it.
+    void loadCommand(int code);
+
+    // ---- The display
+    void dayMode();
+    void nightMode();
+    /// Opens a table window; without a calibration error 1003.
+    void openTable(const std::string& table, const std::string& title);
+    /// Tree click: opens a table or answers the page of `sstMenu`; -1 for a table.
+    int treeClick(const std::string& key);
+
+ private:
+    enum class Next { Done, AskAgain };
+    Next openOnce();
+    Next openCalibration(const std::string& path);
+    Next openOlder(const std::string& path, std::uintmax_t length);
+    Next askAgain(const std::string& title, const std::string& text);
+    void finishOpening(const std::string& path);
+    void repairOldFields();
+    bool offerToSave();
+    void saveChecked();
+
+    Session& session_;
+};
+
+}  // namespace zentaq

@@ -1,0 +1,116 @@
+#include "app/menu.h"
+
+#include <array>
+
+namespace zentaq {
+
+namespace {
+
+bool always(const Session&) {
+    return true;
+}
+
+bool fileInHand(const Session& session) {
+    return session.currentUnit() != 0;
+}
+
+bool fileNamed(const Session& session) {
+    return !session.CurrentFile.empty();
+}
+
+bool unitOnLink(const Session& session) {
+    return session.link.linked().LinkedUnitKind != 0 && !session.link.TransferActive();
+}
+
+/// Commands that come with a later release of the program.
+constexpr auto later = nullptr;
+
+/// Kept: these entries stand in the menu, have no handler and do nothing.
+constexpr auto noHandler = nullptr;
+
+constexpr std::array menus{
+    MenuEntry{"mnuFile", "&File", "", "", always},
+    MenuEntry{"mnuNew", "Create a New Calibration File", "mnuFile", "Ctrl+N", later},
+    MenuEntry{"mnuOpen", "Open an Existing Calibration File", "mnuFile", "Ctrl+O", always},
+    MenuEntry{"mnuSave", "Save", "mnuFile", "Ctrl+S", fileNamed},
+    MenuEntry{"mnuSaveAs", "Save As", "mnuFile", "Ctrl+Shift+S", fileInHand},
+    MenuEntry{"mnuConvertBINFile", "Convert BIN File", "mnuFile", "", always},
+    MenuEntry{"mnuConvertORBA", "ORB A", "mnuConvertBINFile", "", noHandler},
+    MenuEntry{"mnuConvertORBALite", "ORB A-Lite", "mnuConvertBINFile", "", noHandler},
+    MenuEntry{"mnuPrint", "Print", "mnuFile", "", always},
+    MenuEntry{"mnuPrintBIN", "Calibration File", "mnuPrint", "", later},
+    MenuEntry{"mnuPrintCurrentForm", "Current Form", "mnuPrint", "", later},
+    MenuEntry{"mnuClose", "Close", "mnuFile", "Ctrl+W", fileNamed},
+    MenuEntry{"mnuExit", "Exit Program", "mnuFile", "Ctrl+Q", always},
+
+    MenuEntry{"mnuEdit", "&Edit", "", "", always},
+    MenuEntry{"mnuEdit_Undo", "Undo", "mnuEdit", "Ctrl+Z", always},
+    MenuEntry{"mnuEdit_Cut", "Cut", "mnuEdit", "", always},
+    MenuEntry{"mnuEdit_Copy", "Copy", "mnuEdit", "", always},
+    MenuEntry{"mnuEdit_Paste", "Paste", "mnuEdit", "", always},
+    MenuEntry{"mnuEdit_Delete", "Delete", "mnuEdit", "", always},
+    MenuEntry{"mnuEdit_SelectAll", "Select All", "mnuEdit", "", always},
+
+    MenuEntry{"mnuTools", "&Tools", "", "", always},
+    MenuEntry{"mnuProgramORB", "Program ORB", "mnuTools", "Ctrl+P", always},
+    MenuEntry{"mnuStoreONFLY", "Store Changes in ORB", "mnuTools", "Ctrl+T", unitOnLink},
+    MenuEntry{"mnuIdentifyORB", "Identify ORB", "mnuTools", "", always},
+    MenuEntry{"mnuMonitor_KillEngine", "Kill Engine", "mnuTools", "Ctrl+K", unitOnLink},
+    MenuEntry{"mnuZeroAdv", "Set Zero Advance", "mnuTools", "", unitOnLink, true},
+    MenuEntry{"mnuClearDashCodes", "Refresh Codes", "mnuTools", "", unitOnLink},
+    MenuEntry{"mnuORB_ClearCodes", "Clear Error Codes", "mnuTools", "", unitOnLink},
+    MenuEntry{"mnuMonitor_DayMode", "Day Mode", "mnuTools", "F7", always},
+    MenuEntry{"mnuMonitor_NightMode", "Night Mode", "mnuTools", "F8", always},
+    MenuEntry{"mnuMonitor_ChangeColors", "Change DashBoard Colors", "mnuTools", "", later},
+    MenuEntry{"mnuOptions", "Options...", "mnuTools", "", later},
+    MenuEntry{"mnuControlPanel", "Control Panel", "mnuTools", "", later},
+    MenuEntry{"mnuFirmwareUpgrade", "Firmware Upgrade", "mnuTools", "", later},
+
+    MenuEntry{"mnuWindow", "&Window", "", "", always},
+    MenuEntry{"mnuAdvTbl", "&Advance Table", "mnuWindow", "Ctrl+1", always},
+    MenuEntry{"mnuVETbl", "&VE Table", "mnuWindow", "Ctrl+2", always},
+    MenuEntry{"mnuStgTbl", "&Staging Table", "mnuWindow", "Ctrl+3", always},
+    MenuEntry{"mnuEGOTbl", "&EGO Table", "mnuWindow", "Ctrl+4", always},
+
+    MenuEntry{"mnuHelp", "&Help", "", "", always},
+    MenuEntry{"mnuHelpContents", "Contents...", "mnuHelp", "F1", later},
+    MenuEntry{"mnuFastHelp", "Fast Help (Press F2)", "mnuHelp", "F2", always},
+    MenuEntry{"mnuAbout", "About Zentaq", "mnuHelp", "", always},
+
+    MenuEntry{"mnuPopupTable", "", "", "", always},
+    MenuEntry{"mnuGraphTable", "Graph", "mnuPopupTable", "", later},
+    MenuEntry{"mnuInterpolate", "Interpolate", "mnuPopupTable", "", later},
+    MenuEntry{"mnuSmooth", "Smooth", "mnuPopupTable", "", later},
+    MenuEntry{"mnuSmooth_1", "Smooth 1 (gentlest)", "mnuSmooth", "", later},
+    MenuEntry{"mnuSmooth_2", "Smooth 2", "mnuSmooth", "", later},
+    MenuEntry{"mnuSmooth_3", "Smooth 3", "mnuSmooth", "", later},
+    MenuEntry{"mnuSmooth_4", "Smooth 4", "mnuSmooth", "", later},
+    MenuEntry{"mnuSmooth_5", "Smooth 5 (strongest)", "mnuSmooth", "", later},
+    MenuEntry{"mnuNewCol", "Add Column", "mnuPopupTable", "", later},
+    MenuEntry{"mnuNewRow", "Add Row", "mnuPopupTable", "", later},
+    MenuEntry{"mnuRmvCol", "Remove Column", "mnuPopupTable", "", later},
+    MenuEntry{"mnuRmvRow", "Remove Row", "mnuPopupTable", "", later},
+};
+
+constexpr std::array buttons{
+    ToolbarButton{"New", "mnuNew", "Create a new calibration"},
+    ToolbarButton{"Open", "mnuOpen", "Open a calibration"},
+    ToolbarButton{"Save", "mnuSave", "Save the calibration"},
+    ToolbarButton{"Program", "mnuProgramORB", "Program the calibration into the unit"},
+    ToolbarButton{"Print", "mnuPrintBIN", "Print"},
+    ToolbarButton{"Options", "mnuOptions", "Options"},
+    ToolbarButton{"Help", "mnuHelpContents", "Help"},
+    ToolbarButton{"Shutdown", "mnuExit", "End the program"},
+};
+
+}  // namespace
+
+std::span<const MenuEntry> menuTree() {
+    return menus;
+}
+
+std::span<const ToolbarButton> toolbarButtons() {
+    return buttons;
+}
+
+}  // namespace zentaq

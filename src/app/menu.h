@@ -1,0 +1,31 @@
+// The menu tree and the toolbar as data: control name, caption, parent, keys and what must hold for the entry
+// to be enabled.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "app/session.h"
+
+namespace zentaq {
+
+struct MenuEntry {
+    std::string_view name;      ///< control name, "mnuSaveAs"
+    std::string_view caption;   ///< with "&" before a mnemonic
+    std::string_view parent;    ///< control name of the parent; empty for a menu of the bar
+    std::string_view shortcut;  ///< "Ctrl+S"; empty for none
+    bool (*enabled)(const Session& session) = nullptr;  ///< null: the command comes later, stay disabled
+    bool checkable = false;
+};
+
+/// Parents before children, in the order of the menus. A menu whose caption is empty is a pop-up.
+std::span<const MenuEntry> menuTree();
+
+struct ToolbarButton {
+    std::string_view key;      ///< "Program"
+    std::string_view command;  ///< the menu entry it stands for
+    std::string_view tip;
+};
+std::span<const ToolbarButton> toolbarButtons();
+
+}  // namespace zentaq

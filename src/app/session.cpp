@@ -1,0 +1,238 @@
+#include "app/session.h"
+
+#include <array>
+
+#include "base/errors.h"
+#include "base/number_text.h"
+#include "base/rounding.h"
+#include "base/text.h"
+
+namespace zentaq {
+
+namespace {
+
+/// The order in which the objects are made. Slots 7 and 8 hold two objects of one class.
+constexpr std::array unitSlots{0, 3, 4, 5, 6, 7, 8};
+
+/// How often a closed port is looked for.
+constexpr std::int64_t portCheckUs = 1'000'000;
+
+/// The version in file headers is the part of the version text behind its first two characters.
+constexpr std::size_t majorPart = 2;
+
+}  // namespace
+
+Session::Session(const Platform& platform)
+    : console(platform.clock),
+      messages(
+          platform.dialogs, [this](std::string_view text) { sysLog(text); },
+          [this](const std::string& form) { windows_->focusForm(form); }),
+      decoder(live),
+      link(platform.port, *this, decoder, live, platform.settings, platform.clock, platform.yield),
+      poller(
+          link, [this] { refreshCodes(); }, [this] { windows_->updateDisplay(); }),
+      platform_(platform) {
+    platform_.ticker.onTick([this] { link.tick(); });
+    units_[0] = std::make_unique<Unit>(nullKind(), *this);
+}
+
+Session::~Session() {
+    platform_.ticker.stop();
+    platform_.ticker.onTick({});
+    platform_.port.onEvent({});
+}
+
+void Session::makeUnits() {
+    for (const int slot : unitSlots) {
+        const UnitKind* kind = unitKindOfSlot(slot);
+        auto& place = units_[static_cast<std::size_t>(slot)];
+        if (kind != nullptr && !place) place = std::make_unique<Unit>(*kind, *this);
+    }
+}
+
+Unit& Session::Units(int slot) {
+    if (slot < 0 || slot >= slotCount) throw BoundsError();
+    auto& place = units_[static_cast<std::size_t>(slot)];
+    return place ? *place : *units_[0];
+}
+
+bool Session::hasUnit(int slot) const {
+    return slot > 0 && slot < slotCount && units_[static_cast<std::size_t>(slot)] != nullptr;
+}
+
+double Session::settingNumber(const std::string& key) const {
+    return numberOf(platform_.settings.get("System", key));
+}
+
+void Session::poll(bool secondTabShowing) {
+    const std::int64_t now = platform_.clock.monotonicUs();
+    // A port that was absent at the start is opened as soon as its cable is plugged in.
+    if (!link.status().connected && now >= nextPortCheckUs_) {
+        nextPortCheckUs_ = now + portCheckUs;
+        for (const PortInfo& port : platform_.port.list()) {
+            if (port.number == link.commPort()) skipFailing([&] { link.ORB_Initialize(); });
+        }
+    }
+    poller.fire({.tab2Showing = secondTabShowing, .autoVeOn = false});
+}
+
+void Session::refreshCodes() {
+    codes.Clear_CHKE();
+    link.Send_ORB_Command("T");
+}
+
+bool Session::dayMode() const {
+    bool day = false;
+    skipFailing([&] { day = settingNumber("MonitorMode") == 1; });
+    return day;
+}
+
+void Session::applyMonitorMode() {
+    if (dayMode()) {
+        windows_->dayMode();
+    } else {
+        windows_->nightMode();
+    }
+}
+
+void Session::markModified() {
+    if (currentUnit() != 0) DataModified = true;
+}
+
+// ---- UnitHost
+
+bool Session::checkInput(int code, std::string_view value) {
+    return messages.Check_Input(code, value);
+}
+
+bool Session::checkRange(float value, float minimum, float maximum, std::string_view rangeText) {
+    return messages.Check_Range(value, minimum, maximum, rangeText);
+}
+
+void Session::sysLog(std::string_view text) {
+    // A log file that cannot be written must not end a command on a running engine: the line is on the
+    // console by then, and the file is left alone from here on.
+    endOnFailure([&] { console.SysLog(text); },
+                 [&](const std::string& why) {
+                     console.LogToFile(false);
+                     console.plainLine(why + " Logging to the file is off.");
+                 });
+}
+
+void Session::addToLastLine(std::string_view text) {
+    console.AddtoLastLine(text);
+}
+
+void Session::displayMessage(int code, std::string_view text) {
+    messages.Display_Message(code, text);
+}
+
+void Session::displayWarning(int code, std::string_view text) {
+    messages.Display_Warning(code, text);
+}
+
+void Session::inform(std::string_view text) {
+    platform_.dialogs.show({"Zentaq4", std::string(text), Icon::Information, Buttons::Ok});
+}
+
+void Session::sendOnFly(std::string_view record) {
+    link.SEND_ONFLY(record);
+}
+
+std::optional<EngineFacts> Session::engine(int kind, int optionType) {
+    std::optional<EngineFacts> facts;
+    skipFailing([&] {
+        if (!database) return;
+        const auto row = database->engine(kind, optionType);
+        if (!row) return;
+        facts = EngineFacts{row->minOffset, row->maxOffset, row->p2EgTp, row->editDfub, row->defaultSplit};
+    });
+    return facts;
+}
+
+std::optional<SensorFacts> Session::mapSensor(int id) {
+    std::optional<SensorFacts> facts;
+    skipFailing([&] {
+        if (!database) return;
+        const auto row = database->mapSensor(id);
+        if (row) facts = SensorFacts{row->scale, row->offset, row->units};
+    });
+    return facts;
+}
+
+bool Session::fahrenheit() const {
+    const std::string value = platform_.settings.get("System", "TemperatureToggle");
+    return !value.empty() && value != "0";
+}
+
+bool Session::firmwareKnownFromLink() const {
+    return link.linked().UnitIdentified;
+}
+
+float Session::programVersion() const {
+    const std::string version{ZENTAQ_VERSION};
+    return static_cast<float>(numberOf(formatNumber(numberOf(version.substr(majorPart)), "##.##")));
+}
+
+void Session::yield() {
+    platform_.yield.yield();
+}
+
+void Session::formsChanged() {
+    windows_->showUnit();
+}
+
+// ---- LinkHost
+
+int Session::currentUnit() const {
+    return toInt16(header_.currentUnit);
+}
+
+void Session::commLog(std::string_view text) {
+    if (console.CommLog(text) && !link.TransferActive()) windows_->clearPanel3();
+}
+
+void Session::show(const Box& box) {
+    platform_.dialogs.show(box);
+}
+
+void Session::initializeOnFly(bool on) {
+    currentUnitObject().ONFLY_MODE(on);
+    windows_->onFlyChanged(on && currentUnitObject().ONFLY_MODE());
+}
+
+void Session::onFlyLock(bool busy) {
+    windows_->onFlyLock(busy);
+}
+
+void Session::unitKindFound(int slot) {
+    FileFilterIndex = Units(slot).kind().fileFilter;
+    applyMonitorMode();
+    windows_->unitKindFound(slot);
+}
+
+void Session::codesReceived() {
+    const int slot = link.linked().LinkedUnitKind;
+    codes.Clear_CHKE();
+    for (const std::string& text : activeCodes(Units(slot))) codes.Update_CHKE(text);
+    windows_->codesReceived();
+}
+
+void Session::codesCleared() {
+    codes.Clear_CHKE();
+    windows_->codesCleared();
+}
+
+void Session::frameDecoded() {
+    windows_->frameDecoded();
+}
+
+int Session::expectedRelease(int slot) const {
+    return FW_ReleaseTable.at(static_cast<std::size_t>(slot));
+}
+
+int Session::expectedBuild(int slot) const {
+    return FW_BuildTable.at(static_cast<std::size_t>(slot));
+}
+
+}  // namespace zentaq

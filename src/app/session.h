@@ -1,0 +1,150 @@
+// What the process owns: the Unit objects, the live values, the reference database, the link and the run flags.
+// It is handed down by reference; nothing of it is global.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "app/console.h"
+#include "app/messages.h"
+#include "app/window_set.h"
+#include "link/link.h"
+#include "link/link_host.h"
+#include "link/poller.h"
+#include "live/check_engine.h"
+#include "live/frame_decoder.h"
+#include "live/live_values.h"
+#include "platform/clock.h"
+#include "platform/dialogs.h"
+#include "platform/serial_port.h"
+#include "platform/settings_store.h"
+#include "platform/ticker.h"
+#include "platform/yield.h"
+#include "refdata/database.h"
+#include "unit/unit.h"
+#include "unit/unit_host.h"
+
+namespace zentaq {
+
+/// The outside world of one session.
+struct Platform {
+    SerialPort& port;
+    Ticker& ticker;
+    Clock& clock;
+    SettingsStore& settings;
+    Dialogs& dialogs;
+    Yield& yield;
+    std::string applicationFolder;  ///< folder of the programs
+    std::string userFolder;         ///< the user's documents folder + "/Zentaq"
+};
+
+class Session : public UnitHost, public LinkHost {
+ public:
+    static constexpr int slotCount = 101;
+
+    explicit Session(const Platform& platform);
+    ~Session() override;
+
+    void attach(WindowSet& windows) { windows_ = &windows; }
+    WindowSet& windows() { return *windows_; }
+
+    // ---- Units
+    /// Makes the objects of all known kinds, in the order 0, 3, 4, 5, 6, 7, 8.
+    void makeUnits();
+    /// Units(slot). BoundsError outside 0 to 100; an empty slot answers as slot 0.
+    Unit& Units(int slot);
+    Unit& currentUnitObject() { return Units(currentUnit()); }
+    bool hasUnit(int slot) const;
+    float CurrentUnit() const { return header_.currentUnit; }
+    void CurrentUnit(float kind) { header_.currentUnit = kind; }
+
+    // ---- State of the process
+    std::string AppName = "Zentaq4";
+    int StartingUp = 1;
+    std::string VersionText;
+    bool Monitoring = false;
+    bool AutoMonitoring = false;
+    bool DataModified = false;
+    std::string CurrentFile;
+    int FileFilterIndex = 1;
+    std::string LogFile;
+    std::string DatabaseFile;
+    int TableColorMode = 0;
+    bool zeroAdvance = false;
+    std::array<int, slotCount> FW_ReleaseTable{};
+    std::array<int, slotCount> FW_BuildTable{};
+    std::optional<Database> database;  ///< empty when the file could not be opened
+
+    // ---- Parts
+    Console console;
+    Messages messages;
+    LiveValues live;
+    FrameDecoder decoder;
+    Link link;
+    Poller poller;
+    CheckEngineDisplay codes;  ///< the dashboard's check-engine list
+
+    Platform& platform() { return platform_; }
+    SettingsStore& settings() { return platform_.settings; }
+    Dialogs& dialogs() { return platform_.dialogs; }
+
+    /// A setting as a number; TypeMismatch where it has no value, which each caller's policy handles.
+    double settingNumber(const std::string& key) const;
+    /// One firing of the dashboard's timer: polls the unit, and opens a port that has appeared.
+    void poll(bool secondTabShowing);
+    /// Empties the code list and asks the unit for its codes.
+    void refreshCodes();
+    /// The file or link changed what the dashboard shows: Day_Mode or Night_Mode by the setting.
+    void applyMonitorMode();
+    bool dayMode() const;
+    /// A value of the calibration in hand was changed by the user.
+    void markModified();
+
+    // ---- UnitHost
+    bool checkInput(int code, std::string_view value) override;
+    bool checkRange(float value, float minimum, float maximum, std::string_view rangeText) override;
+    void sysLog(std::string_view text) override;
+    void addToLastLine(std::string_view text) override;
+    void displayMessage(int code, std::string_view text) override;
+    void displayWarning(int code, std::string_view text) override;
+    void inform(std::string_view text) override;
+    void sendOnFly(std::string_view record) override;
+    std::optional<EngineFacts> engine(int kind, int optionType) override;
+    std::optional<SensorFacts> mapSensor(int id) override;
+    bool fahrenheit() const override;
+    bool firmwareKnownFromLink() const override;
+    FileHeader& header() override { return header_; }
+    float programVersion() const override;
+    std::string applicationFolder() const override { return platform_.applicationFolder; }
+    void yield() override;
+    void formsChanged() override;
+
+    // ---- LinkHost
+    Unit& unit(int slot) override { return Units(slot); }
+    int currentUnit() const override;
+    float fileFirmwareCode() const override { return header_.firmwareCode; }
+    void commLog(std::string_view text) override;
+    void displayMessage(int code) override { displayMessage(code, {}); }
+    void show(const Box& box) override;
+    void initializeOnFly(bool on) override;
+    void onFlyLock(bool busy) override;
+    void unitKindFound(int slot) override;
+    void codesReceived() override;
+    void codesCleared() override;
+    void frameDecoded() override;
+    int expectedRelease(int slot) const override;
+    int expectedBuild(int slot) const override;
+
+ private:
+    Platform platform_;
+    WindowSet quiet_;
+    WindowSet* windows_ = &quiet_;
+    FileHeader header_;
+    std::array<std::unique_ptr<Unit>, slotCount> units_;
+    std::int64_t nextPortCheckUs_ = 0;
+};
+
+}  // namespace zentaq

@@ -1,0 +1,27 @@
+// The configuration tree as data: nodes, their parents and what a click does, by unit kind.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "unit/unit.h"
+
+namespace zentaq {
+
+struct TreeNode {
+    std::string key;
+    std::string text;
+    std::string parent;  ///< empty for a root
+    int page = 0;        ///< tab of sstMenu; -1 for a table, -2 for the input/output manager
+    std::string table;   ///< "ADV", "AFR", "VE", "SPW" for a table
+    std::string title;   ///< title of the table window
+};
+
+/// The tree for the unit in hand, parents before children. Kind 0 has an empty tree.
+std::vector<TreeNode> treeNodes(Unit& unit);
+
+/// Names of the six tables with the titles of their windows.
+std::string tableTitle(std::string_view table);
+
+}  // namespace zentaq

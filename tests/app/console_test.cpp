@@ -1,0 +1,120 @@
+#include "app/console.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "app/fake_platform.h"
+#include "base/errors.h"
+
+namespace zentaq {
+namespace {
+
+class ConsoleTest : public testing::Test {
+ protected:
+    FakeClock clock;
+    Console console{clock};
+    TempFolder folder;
+
+    std::string fileText() const {
+        std::ifstream file(console.logFile(), std::ios::binary);
+        std::ostringstream text;
+        text << file.rdbuf();
+        return text.str();
+    }
+};
+
+TEST_F(ConsoleTest, ALineIsTimeDashAndTheTextPaddedTo80) {
+    console.SysLog("Hello");
+    ASSERT_EQ(console.lines().size(), 1u);
+    EXPECT_EQ(console.lines()[0], "12:34:56 - Hello" + std::string(75, ' '));
+}
+
+TEST_F(ConsoleTest, AnEmptyTextGivesTimeDashAnd80Blanks) {
+    console.SysLog("");
+    EXPECT_EQ(console.lines().back(), "12:34:56 - " + std::string(80, ' '));
+}
+
+TEST_F(ConsoleTest, ExactlyEightyCharactersStayOneLine) {
+    console.SysLog(std::string(80, 'x'));
+    ASSERT_EQ(console.lines().size(), 1u);
+    EXPECT_EQ(console.lines()[0], "12:34:56 - " + std::string(80, 'x'));
+}
+
+TEST_F(ConsoleTest, EightyOneCharactersGiveTwoHalvesOf40AndLoseTheMiddleOne) {
+    // 81 / 2 = 40.5 rounds to the even 40: characters 1 to 40 and the last 40; the 41st is in neither.
+    const std::string text = std::string(40, 'a') + "M" + std::string(40, 'b');
+    console.SysLog(text);
+    ASSERT_EQ(console.lines().size(), 2u);
+    EXPECT_EQ(console.lines()[0], "12:34:56 - " + std::string(40, 'a'));
+    EXPECT_EQ(console.lines()[1], "12:34:56 -    ..." + std::string(40, 'b'));
+}
+
+TEST_F(ConsoleTest, EightyThreeCharactersRoundTheHalfUpToTheEven42AndRepeatTheMiddleOne) {
+    // 83 / 2 = 41.5 rounds to the even 42.
+    const std::string text = std::string(41, 'a') + "M" + std::string(41, 'b');
+    console.SysLog(text);
+    EXPECT_EQ(console.lines()[0], "12:34:56 - " + std::string(41, 'a') + "M");
+    EXPECT_EQ(console.lines()[1], "12:34:56 -    ...M" + std::string(41, 'b'));
+}
+
+TEST_F(ConsoleTest, EachHalfIsCutTo80Characters) {
+    console.SysLog(std::string(100, 'a') + std::string(100, 'b'));
+    EXPECT_EQ(console.lines()[0], "12:34:56 - " + std::string(80, 'a'));
+    EXPECT_EQ(console.lines()[1], "12:34:56 -    ..." + std::string(80, 'b'));
+}
+
+TEST_F(ConsoleTest, NothingGoesToTheFileWhileFileLoggingIsOff) {
+    console.logFile(folder.path("z.log"));
+    console.SysLog("silent");
+    EXPECT_FALSE(std::filesystem::exists(console.logFile()));
+}
+
+TEST_F(ConsoleTest, TheFileGetsEverySystemLineAndNeitherPlainLinesNorAdditions) {
+    console.logFile(folder.path("z.log"));
+    console.LogToFile(true);
+    console.plainLine("-----");
+    console.SysLog("one");
+    console.AddtoLastLine("SUCCESS!");
+    console.CommLog("comm");
+    console.SysLog("two");
+    EXPECT_EQ(fileText(), "12:34:56 - one" + std::string(77, ' ') + "\n12:34:56 - two" + std::string(77, ' ') + "\n");
+}
+
+TEST_F(ConsoleTest, AnUnwritableFileIsAFailureOfTheCallerAndTheLineIsOnTheConsole) {
+    console.logFile(folder.path("no such folder/z.log"));
+    console.LogToFile(true);
+    EXPECT_THROW(console.SysLog("text"), FileError);
+    EXPECT_EQ(console.lines().size(), 1u);
+}
+
+TEST_F(ConsoleTest, AnAdditionFollowsTheTrimmedLastLineAfterOneBlank) {
+    console.SysLog("  - Converting Data...");
+    console.AddtoLastLine("SUCCESS!");
+    EXPECT_EQ(console.lines().back(), "12:34:56 -   - Converting Data... SUCCESS!");
+}
+
+TEST_F(ConsoleTest, TheHundredthCommLineIsKeptAndTheHundredAndFirstStandsAlone) {
+    for (int i = 1; i <= 100; ++i) console.CommLog("line " + std::to_string(i));
+    ASSERT_EQ(console.commLines().size(), 100u);
+    EXPECT_EQ(console.commLines().back(), "line 100");
+    console.CommLog("line 101");
+    ASSERT_EQ(console.commLines().size(), 1u);
+    EXPECT_EQ(console.commLines()[0], "line 101");
+}
+
+TEST_F(ConsoleTest, PanelThreeIsDueWhenTheCountIsAMultipleOfFive) {
+    std::vector<bool> due;
+    for (int i = 0; i < 11; ++i) due.push_back(console.CommLog("x"));
+    EXPECT_EQ(due, (std::vector<bool>{true, false, false, false, false, true, false, false, false, false, true}));
+}
+
+TEST_F(ConsoleTest, SystemLinesAreNeverDeleted) {
+    for (int i = 0; i < 5000; ++i) console.SysLog("x");
+    EXPECT_EQ(console.lines().size(), 5000u);
+}
+
+}  // namespace
+}  // namespace zentaq

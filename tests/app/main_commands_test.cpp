@@ -1,0 +1,367 @@
+#include "app/main_commands.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <filesystem>
+#include <fstream>
+
+#include "app/fake_platform.h"
+
+namespace zentaq {
+namespace {
+
+using testing::Contains;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+void writeFloats(const std::string& path, const std::vector<float>& floats, std::size_t extraBytes = 0) {
+    std::ofstream file(path, std::ios::binary);
+    for (const float value : floats) {
+        const auto word = std::bit_cast<std::uint32_t>(value);
+        file.write(reinterpret_cast<const char*>(&word), sizeof word);
+    }
+    file << std::string(extraBytes, '\0');
+}
+
+/// A whole ORB A calibration: header and 2828 cells of 0 but for the firmware-independent basics.
+std::vector<float> orbAFloats(float version = 9.44f) {
+    std::vector<float> floats{3, version, 5099};
+    floats.resize(3 + 2828, 0.0f);
+    floats[3 + 58] = 6500;  // rev limit
+    return floats;
+}
+
+class Commands : public testing::Test {
+ protected:
+    FakeSession fake;
+    Session& session = fake.session;
+    MainCommands commands{session};
+
+    Commands() { session.makeUnits(); }
+
+    std::string file(const std::string& name, float version = 9.44f) {
+        const std::string path = fake.folder.path(name);
+        writeFloats(path, orbAFloats(version));
+        return path;
+    }
+    void open(const std::string& path) {
+        fake.dialogs.files.push_back(path);
+        commands.open();
+    }
+    bool logged(const std::string& text) const {
+        for (const std::string& line : session.console.lines()) {
+            if (line.find(text) != std::string::npos) return true;
+        }
+        return false;
+    }
+    const Box& box() const { return fake.dialogs.boxes.back(); }
+};
+
+TEST_F(Commands, OpenLoadsACalibrationAndNamesItInTheTitleBar) {
+    const std::string path = file("tune.ZQ4OA");
+    open(path);
+    EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
+    EXPECT_EQ(session.currentUnit(), 3);
+    EXPECT_EQ(session.CurrentFile, path);
+    EXPECT_EQ(fake.windows.title, "Current Calibration File: " + path);
+    EXPECT_EQ(session.currentUnitObject().get("REV_Limiter"), 6500);
+    EXPECT_EQ(session.currentUnitObject().BinFile(), path);
+    EXPECT_EQ(session.FileFilterIndex, 4);
+    EXPECT_EQ(session.header().fileState, "OLD");
+    EXPECT_FALSE(session.DataModified);
+    EXPECT_THAT(fake.windows.calls, Contains("setupNodes"));
+    EXPECT_TRUE(logged("Opened Calibration File: "));
+    EXPECT_TRUE(logged("Loaded Calibration: "));
+}
+
+TEST_F(Commands, TheOpenDialogHasItsTitleFilterAndFolder) {
+    commands.open();
+    ASSERT_EQ(fake.dialogs.requests.size(), 1u);
+    EXPECT_EQ(fake.dialogs.requests[0].title, "Open Zentaq4 User Calibration Files");
+    EXPECT_EQ(fake.dialogs.requests[0].filter,
+              "Zentaq4 File|*.ZQ4*|Zentaq4 ORBL File|*.ZQ4OL|Zentaq4 PZK-2 File|*.ZQ4PZK|Zentaq4 ORBA "
+              "File|*.ZQ4OA|Zentaq4 ORBd File|*.ZQ4OD|Zentaq4 ORBc File|*.ZQ4OC|Zentaq BIN file|*.BIN");
+    EXPECT_EQ(fake.dialogs.requests[0].folder, fake.folder.path());
+    EXPECT_EQ(fake.dialogs.requests[0].filterIndex, 1);
+    EXPECT_EQ(session.currentUnit(), 0);
+}
+
+TEST_F(Commands, TheExtensionTestLooksAtFourCharactersOnly) {
+    open(file("short.ZQ4"));
+    EXPECT_EQ(session.currentUnit(), 3);
+    open(file("lower.zq4oa"));
+    EXPECT_THAT(session.CurrentFile, HasSubstr("lower.zq4oa"));
+    open(file("too.ZQ"));
+    EXPECT_EQ(box().title, "File Extension Error");
+    EXPECT_EQ(box().text, "INCORRECT FILE EXTENSION:   too.ZQ\nDo you want to enter a new filename?");
+    EXPECT_EQ(box().buttons, Buttons::YesNo);
+    EXPECT_THAT(session.CurrentFile, HasSubstr("lower.zq4oa"));
+}
+
+TEST_F(Commands, YesAtTheExtensionBoxAsksForAFileAgain) {
+    fake.dialogs.files = {file("wrong.txt"), file("right.ZQ4OA")};
+    fake.dialogs.answers = {Answer::Yes};
+    commands.open();
+    EXPECT_EQ(fake.dialogs.requests.size(), 2u);
+    EXPECT_THAT(session.CurrentFile, HasSubstr("right.ZQ4OA"));
+}
+
+TEST_F(Commands, AFileOfUnknownKindAndLengthIsPossiblyCorruptAndTheFormerCalibrationStays) {
+    const std::string good = file("good.ZQ4OA");
+    open(good);
+    const std::string bad = fake.folder.path("bad.ZQ4OA");
+    writeFloats(bad, {42, 1, 2, 3});
+    open(bad);
+    EXPECT_EQ(box().title, "File Read Error");
+    EXPECT_EQ(box().text, "FILE POSSIBLY CORRUPT:   bad.ZQ4OA\nDo you want to enter a new filename?");
+    EXPECT_EQ(session.CurrentFile, good);
+    EXPECT_EQ(session.currentUnit(), 3);
+    EXPECT_EQ(session.currentUnitObject().get("REV_Limiter"), 6500);
+}
+
+TEST_F(Commands, AFileTooShortForAHeaderIsPossiblyCorrupt) {
+    const std::string path = fake.folder.path("tiny.ZQ4OA");
+    writeFloats(path, {3, 9}, 3);
+    open(path);
+    EXPECT_EQ(box().title, "File Read Error");
+    EXPECT_EQ(session.currentUnit(), 0);
+}
+
+TEST_F(Commands, AFileWithMoreThan3001CellsIsRefusedAndTheFormerCalibrationStays) {
+    const std::string good = file("good.ZQ4OA");
+    open(good);
+    const std::string bad = fake.folder.path("long.ZQ4OA");
+    std::vector<float> floats = orbAFloats();
+    floats.resize(3 + 3002, 1.0f);
+    writeFloats(bad, floats);
+    open(bad);
+    EXPECT_EQ(box().title, "File Read Error");
+    EXPECT_EQ(session.CurrentFile, good);
+    EXPECT_EQ(session.currentUnitObject().get("REV_Limiter"), 6500);
+}
+
+TEST_F(Commands, AHeaderlessFileOf8718BytesIsTakenAsKind3ByItsLength) {
+    const std::string path = fake.folder.path("old.ZQ4OA");
+    std::vector<float> floats(2179, 0.0f);  // 8716 bytes
+    floats[0] = 77;
+    writeFloats(path, floats, 2);
+    ASSERT_EQ(std::filesystem::file_size(path), 8718u);
+    open(path);
+    EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
+    EXPECT_EQ(session.currentUnit(), 3);
+}
+
+TEST_F(Commands, AFileOfTheProgramsOwnVersionLoadsWithNoBox) {
+    open(file("same.ZQ4OA", 10.2f));
+    EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
+    EXPECT_EQ(session.currentUnit(), 3);
+}
+
+TEST_F(Commands, ANewerFileAsksAndNoLoadsItAllTheSame) {
+    open(file("newer.ZQ4OA", 11.5f));
+    EXPECT_EQ(fake.dialogs.boxes[0].title, "Version Support Error");
+    EXPECT_EQ(fake.dialogs.boxes[0].text,
+              "FILE CREATED WITH NEWER ZENTAQ:   11.5\n"
+              "This file was generated by a version of Zentaq newer than this\n"
+              "version.  Some features enabled in this file may not be supported.\n"
+              "Do you want to load another file?");
+    EXPECT_EQ(session.currentUnit(), 3);
+}
+
+TEST_F(Commands, ANewerFileWithYesAsksForAnotherOne) {
+    fake.dialogs.answers = {Answer::Yes};
+    open(file("newer.ZQ4OA", 11.5f));
+    EXPECT_EQ(fake.dialogs.requests.size(), 2u);
+    EXPECT_EQ(session.currentUnit(), 0);
+}
+
+TEST_F(Commands, AnOlderBinOfUnknownLengthEndsInTheFormatBoxWithTheFormerCalibrationInPlace) {
+    const std::string good = file("good.ZQ4OA");
+    open(good);
+    const std::string bin = fake.folder.path("x.BIN");
+    std::ofstream(bin) << "12345";
+    open(bin);
+    EXPECT_EQ(box().title, "File Format Error");
+    EXPECT_EQ(box().text, "INCORRECT FILE SIZE:   5\nEnter a new filename?");
+    EXPECT_EQ(session.CurrentFile, good);
+}
+
+TEST_F(Commands, OpeningOverUnsavedChangesOffersToSaveAndOkSaves) {
+    const std::string first = file("first.ZQ4OA");
+    open(first);
+    session.currentUnitObject().set("KNK_MIN", 50.0);
+    session.markModified();
+    open(file("second.ZQ4OA"));
+    EXPECT_EQ(fake.dialogs.boxes[0].title, "SAVE");
+    EXPECT_EQ(fake.dialogs.boxes[0].text, "Save changes?");
+    open(first);
+    EXPECT_EQ(session.currentUnitObject().get("KNK_MIN"), 50);
+}
+
+TEST_F(Commands, CancelAtTheSaveOfferOpensWithoutSaving) {
+    const std::string first = file("first.ZQ4OA");
+    open(first);
+    session.currentUnitObject().set("KNK_MIN", 50.0);
+    session.markModified();
+    fake.dialogs.answers = {Answer::Cancel};
+    open(file("second.ZQ4OA"));
+    open(first);
+    EXPECT_EQ(session.currentUnitObject().get("KNK_MIN"), 0);
+}
+
+TEST_F(Commands, SaveWritesTheWholeFileAndShowsMessage1001) {
+    const std::string path = file("tune.ZQ4OA");
+    open(path);
+    session.markModified();
+    commands.save();
+    EXPECT_EQ(box().title, "Data Saved.");
+    EXPECT_FALSE(session.DataModified);
+    EXPECT_EQ(std::filesystem::file_size(path), 11324u);
+}
+
+TEST_F(Commands, SaveWithNoFileDoesNothing) {
+    commands.save();
+    EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
+}
+
+TEST_F(Commands, ASaveThatFailsTellsSoAndKeepsTheChangesMarked) {
+    open(file("tune.ZQ4OA"));
+    session.markModified();
+    session.currentUnitObject().BinFile(fake.folder.path("gone/tune.ZQ4OA"));
+    commands.save();
+    EXPECT_EQ(box().title, "File Save Error");
+    EXPECT_TRUE(session.DataModified);
+}
+
+TEST_F(Commands, SaveAsWritesUnderTheNewNameAndGoesOnWithIt) {
+    const std::string first = file("first.ZQ4OA");
+    open(first);
+    const std::string second = fake.folder.path("second.ZQ4OA");
+    fake.dialogs.files = {second};
+    commands.saveAs();
+    EXPECT_EQ(fake.dialogs.requests.back().title, "Zentaq4 User Calibration Files");
+    EXPECT_EQ(fake.dialogs.requests.back().filter, "Zentaq4 ORBA File|*.ZQ4OA");
+    EXPECT_EQ(std::filesystem::file_size(second), 11324u);
+    EXPECT_EQ(session.CurrentFile, second);
+    EXPECT_EQ(session.currentUnitObject().BiName().substr(0, 7), "second ");
+    EXPECT_EQ(fake.windows.title, "Current Calibration File: " + second);
+}
+
+TEST_F(Commands, SaveAsTurnsABinNameIntoACalibrationName) {
+    open(file("first.ZQ4OA"));
+    fake.dialogs.files = {fake.folder.path("old.BIN")};
+    commands.saveAs();
+    EXPECT_EQ(session.CurrentFile, fake.folder.path("old.ZQ4OA"));
+}
+
+TEST_F(Commands, SaveAsOverAnExistingFileAsksAndNoWritesNothing) {
+    open(file("first.ZQ4OA"));
+    const std::string second = fake.folder.path("second.ZQ4OA");
+    std::ofstream(second) << "keep me";
+    fake.dialogs.files = {second};
+    fake.dialogs.answers = {Answer::No};
+    commands.saveAs();
+    EXPECT_EQ(fake.dialogs.boxes.back().title, "File Exists");
+    EXPECT_EQ(fake.dialogs.boxes.back().text, "FILE EXISTS:   " + second + "\nOverwrite?");
+    EXPECT_EQ(std::filesystem::file_size(second), 7u);
+    EXPECT_THAT(session.CurrentFile, HasSubstr("first.ZQ4OA"));
+}
+
+TEST_F(Commands, SaveAsThatFailsKeepsTheFormerName) {
+    const std::string first = file("first.ZQ4OA");
+    open(first);
+    fake.dialogs.files = {fake.folder.path("gone/second.ZQ4OA")};
+    commands.saveAs();
+    EXPECT_EQ(session.CurrentFile, first);
+    EXPECT_EQ(session.currentUnitObject().BinFile(), first);
+}
+
+TEST_F(Commands, CloseEmptiesTheUnitAndGoesBackToTheStart) {
+    open(file("tune.ZQ4OA"));
+    commands.close();
+    EXPECT_EQ(session.currentUnit(), 0);
+    EXPECT_EQ(session.CurrentFile, "");
+    EXPECT_EQ(session.Units(3).get("REV_Limiter"), 0);
+    EXPECT_EQ(session.Units(3).BinFile(), "");
+    EXPECT_EQ(fake.windows.calls.back(), "startTab");
+}
+
+TEST_F(Commands, CloseWithNothingInHandDoesNothing) {
+    commands.close();
+    EXPECT_THAT(fake.windows.calls, IsEmpty());
+}
+
+TEST_F(Commands, ProgramOrbRefusesWithoutAFileAndWithoutAUnit) {
+    commands.programOrb();
+    EXPECT_EQ(box().title, "Error 1003");
+    open(file("tune.ZQ4OA"));
+    commands.programOrb();
+    EXPECT_EQ(box().title, "Error 1005");
+    EXPECT_FALSE(session.link.TransferActive());
+}
+
+TEST_F(Commands, ATableWithoutACalibrationIsError1003) {
+    commands.openTable("VE", "Volumetric Efficiency Table");
+    EXPECT_EQ(box().title, "Error 1003");
+    EXPECT_THAT(fake.windows.calls, Not(Contains(HasSubstr("table"))));
+}
+
+TEST_F(Commands, ATreeClickOpensATableOrAnswersItsPage) {
+    EXPECT_EQ(commands.treeClick("root02"), 0);
+    open(file("tune.ZQ4OA"));
+    EXPECT_EQ(commands.treeClick("root02"), -1);
+    EXPECT_EQ(fake.windows.calls.back(), "table VE Volumetric Efficiency Table");
+    EXPECT_EQ(commands.treeClick("child90"), 16);
+    EXPECT_EQ(commands.treeClick("no such node"), 0);
+}
+
+TEST_F(Commands, ZeroAdvanceSendsTheByteOfItsCheckMark) {
+    session.link.load();
+    commands.zeroAdvance();
+    session.link.tick();
+    EXPECT_EQ(fake.port.written.back(), "Z\xFF");
+    fake.port.deliver({'A', 'X'});
+    session.link.tick();
+    commands.zeroAdvance();
+    session.link.tick();
+    EXPECT_EQ(fake.port.written.back(), std::string("Z\0", 2));
+}
+
+TEST_F(Commands, TheMonitorModeIsKeptAsASetting) {
+    commands.dayMode();
+    EXPECT_EQ(fake.settings.get("System", "MonitorMode"), "1");
+    EXPECT_TRUE(session.dayMode());
+    commands.nightMode();
+    EXPECT_EQ(fake.settings.get("System", "MonitorMode"), "0");
+    EXPECT_FALSE(session.dayMode());
+    EXPECT_EQ(fake.windows.calls.back(), "night");
+}
+
+TEST_F(Commands, AMonitorSessionFollowsTheSettingAndItsEndResetsTheDashboard) {
+    fake.settings.set("System", "AutoMonitor", "1");
+    commands.loadCommand(2);
+    EXPECT_TRUE(session.Monitoring);
+    EXPECT_TRUE(session.AutoMonitoring);
+    EXPECT_TRUE(fake.port.isOpen());
+    commands.loadCommand(3);
+    EXPECT_FALSE(session.Monitoring);
+    EXPECT_FALSE(session.AutoMonitoring);
+}
+
+TEST_F(Commands, AClosedPortIsOpenedAsSoonAsItAppears) {
+    fake.port.presentNumber = 0;
+    session.link.load();
+    EXPECT_FALSE(fake.port.isOpen());
+    session.poll(false);
+    EXPECT_FALSE(fake.port.isOpen());
+    fake.port.presentNumber = 1;
+    fake.clock.nowUs += 1'000'000;
+    session.poll(false);
+    EXPECT_TRUE(fake.port.isOpen());
+}
+
+}  // namespace
+}  // namespace zentaq

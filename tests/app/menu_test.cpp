@@ -1,0 +1,105 @@
+#include "app/menu.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+
+namespace zentaq {
+namespace {
+
+std::map<std::string, const MenuEntry*> byName() {
+    std::map<std::string, const MenuEntry*> result;
+    for (const MenuEntry& entry : menuTree()) result[std::string(entry.name)] = &entry;
+    return result;
+}
+
+TEST(MenuTree, EveryEntryStandsUnderItsMenuWithItsCaption) {
+    struct Row {
+        const char *name, *parent, *caption;
+    };
+    const Row rows[] = {
+        {"mnuNew", "mnuFile", "Create a New Calibration File"},
+        {"mnuOpen", "mnuFile", "Open an Existing Calibration File"},
+        {"mnuSave", "mnuFile", "Save"},
+        {"mnuSaveAs", "mnuFile", "Save As"},
+        {"mnuConvertBINFile", "mnuFile", "Convert BIN File"},
+        {"mnuConvertORBA", "mnuConvertBINFile", "ORB A"},
+        {"mnuConvertORBALite", "mnuConvertBINFile", "ORB A-Lite"},
+        {"mnuPrint", "mnuFile", "Print"},
+        {"mnuPrintBIN", "mnuPrint", "Calibration File"},
+        {"mnuPrintCurrentForm", "mnuPrint", "Current Form"},
+        {"mnuClose", "mnuFile", "Close"},
+        {"mnuExit", "mnuFile", "Exit Program"},
+        {"mnuEdit_Undo", "mnuEdit", "Undo"},
+        {"mnuEdit_Cut", "mnuEdit", "Cut"},
+        {"mnuEdit_Copy", "mnuEdit", "Copy"},
+        {"mnuEdit_Paste", "mnuEdit", "Paste"},
+        {"mnuEdit_Delete", "mnuEdit", "Delete"},
+        {"mnuEdit_SelectAll", "mnuEdit", "Select All"},
+        {"mnuProgramORB", "mnuTools", "Program ORB"},
+        {"mnuMonitor_KillEngine", "mnuTools", "Kill Engine"},
+        {"mnuZeroAdv", "mnuTools", "Set Zero Advance"},
+        {"mnuClearDashCodes", "mnuTools", "Refresh Codes"},
+        {"mnuORB_ClearCodes", "mnuTools", "Clear Error Codes"},
+        {"mnuMonitor_DayMode", "mnuTools", "Day Mode"},
+        {"mnuMonitor_NightMode", "mnuTools", "Night Mode"},
+        {"mnuMonitor_ChangeColors", "mnuTools", "Change DashBoard Colors"},
+        {"mnuOptions", "mnuTools", "Options..."},
+        {"mnuControlPanel", "mnuTools", "Control Panel"},
+        {"mnuFirmwareUpgrade", "mnuTools", "Firmware Upgrade"},
+        {"mnuAdvTbl", "mnuWindow", "&Advance Table"},
+        {"mnuVETbl", "mnuWindow", "&VE Table"},
+        {"mnuStgTbl", "mnuWindow", "&Staging Table"},
+        {"mnuEGOTbl", "mnuWindow", "&EGO Table"},
+        {"mnuHelpContents", "mnuHelp", "Contents..."},
+        {"mnuFastHelp", "mnuHelp", "Fast Help (Press F2)"},
+        {"mnuAbout", "mnuHelp", "About Zentaq"},
+        {"mnuGraphTable", "mnuPopupTable", "Graph"},
+        {"mnuInterpolate", "mnuPopupTable", "Interpolate"},
+        {"mnuNewCol", "mnuPopupTable", "Add Column"},
+        {"mnuNewRow", "mnuPopupTable", "Add Row"},
+        {"mnuRmvCol", "mnuPopupTable", "Remove Column"},
+        {"mnuRmvRow", "mnuPopupTable", "Remove Row"},
+    };
+    const auto entries = byName();
+    for (const Row& row : rows) {
+        ASSERT_TRUE(entries.count(row.name)) << row.name;
+        EXPECT_EQ(entries.at(row.name)->caption, row.caption);
+        EXPECT_EQ(entries.at(row.name)->parent, row.parent);
+    }
+    for (int i = 1; i <= 5; ++i) EXPECT_TRUE(entries.count("mnuSmooth_" + std::to_string(i)));
+}
+
+TEST(MenuTree, ParentsStandBeforeTheirChildrenAndNamesAreUnique) {
+    std::set<std::string> seen;
+    for (const MenuEntry& entry : menuTree()) {
+        if (!entry.parent.empty()) {
+            EXPECT_TRUE(seen.count(std::string(entry.parent))) << entry.name;
+        }
+        EXPECT_TRUE(seen.insert(std::string(entry.name)).second) << entry.name;
+    }
+}
+
+TEST(MenuTree, NoTwoEntriesShareAShortcut) {
+    std::set<std::string> seen;
+    for (const MenuEntry& entry : menuTree()) {
+        if (!entry.shortcut.empty()) {
+            EXPECT_TRUE(seen.insert(std::string(entry.shortcut)).second) << entry.name;
+        }
+    }
+}
+
+TEST(Toolbar, HasItsEightButtonsInOrderAndEachStandsForAMenuEntry) {
+    const char* keys[] = {"New", "Open", "Save", "Program", "Print", "Options", "Help", "Shutdown"};
+    const auto buttons = toolbarButtons();
+    const auto entries = byName();
+    ASSERT_EQ(buttons.size(), 8u);
+    for (std::size_t i = 0; i < buttons.size(); ++i) {
+        EXPECT_EQ(buttons[i].key, keys[i]);
+        EXPECT_TRUE(entries.count(std::string(buttons[i].command)));
+    }
+}
+
+}  // namespace
+}  // namespace zentaq

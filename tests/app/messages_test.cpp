@@ -1,0 +1,220 @@
+#include "app/messages.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "app/fake_platform.h"
+
+namespace zentaq {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class MessagesTest : public testing::Test {
+ protected:
+    ScriptedDialogs dialogs;
+    std::vector<std::string> log;
+    std::vector<std::string> focus;
+    Messages messages{dialogs, [this](std::string_view text) { log.emplace_back(text); },
+                      [this](const std::string& form) { focus.push_back(form); }};
+
+    const Box& box() const { return dialogs.boxes.back(); }
+};
+
+TEST_F(MessagesTest, AnErrorHasItsNumberInTitleAndFirstLine) {
+    messages.Display_Error(1003);
+    EXPECT_EQ(box().title, "Error 1003");
+    EXPECT_EQ(box().text,
+              "Error 1003:\nYou must have an open/active bin file before accessing this functionality\n"
+              "Please choose another file or create one and try again.");
+    EXPECT_EQ(box().icon, Icon::Critical);
+    EXPECT_THAT(log, ElementsAre("Error 1003: No Open BIN File."));
+}
+
+TEST_F(MessagesTest, EveryErrorHasItsTextAndLogLine) {
+    struct Row {
+        int code;
+        const char *text, *logLine;
+    };
+    const Row rows[] = {
+        {1000, "This form cannot be printed.\nCheck Printer Setup and try again.", "Error 1000: Form Cannot Be Printed"},
+        {1001, "Port is already in use by another process.", "Error 1001: Port is in use by another process."},
+        {1002, "Not a valid BIN file!\nPlease choose another file and try again.", "Error 1002: Invalid BIN File!"},
+        {1004,
+         "No ORB Unit has been associated to this Bin File.\nPlease choose the ORB Unit from the List on the "
+         "General Config Screen before continuing!",
+         "Error 1004: No ORB Unit associated to selected BIN File."},
+        {1005,
+         "No ORB Unit is Connected to the System!\nPlease check to make sure your ORB unit is powered on and "
+         "connected to the system.",
+         "Error 1005: Attempted Communication, No ORB Unit Found."},
+        {1006,
+         "Incorrect ORB Unit is Connected to the System!\nPlease connect a unit of the proper type or open an "
+         "apprpriate file.",
+         "Error 1006: Attempted Communication, Incorrect ORB Unit Found."},
+        {1007, "No MAP sensor calibration selected.\nPlease choose a MAP sensor from the drop down below.",
+         "Error 1007: No MAP sensor calibration selected."},
+    };
+    for (const Row& row : rows) {
+        messages.Display_Error(row.code);
+        EXPECT_EQ(box().text, "Error " + std::to_string(row.code) + ":\n" + row.text);
+        EXPECT_EQ(log.back(), row.logLine);
+    }
+}
+
+TEST_F(MessagesTest, ErrorCodes999And1008ShowAndLogNothing) {
+    messages.Display_Error(999);
+    messages.Display_Error(1008);
+    EXPECT_THAT(dialogs.boxes, IsEmpty());
+    EXPECT_THAT(log, IsEmpty());
+}
+
+TEST_F(MessagesTest, AWarningLogsAndGivesTheFocusBackToTheActiveForm) {
+    messages.ActiveFormName = "frmTABLE";
+    messages.Display_Warning(1005);
+    EXPECT_EQ(box().title, "Data Input Error");
+    EXPECT_EQ(box().text, "Warning 1005: Data Input Error\nField CANNOT be NULL; please try again.");
+    EXPECT_EQ(box().icon, Icon::Exclamation);
+    EXPECT_THAT(log, ElementsAre("Warning 1005: NULL Value Entered"));
+    EXPECT_THAT(focus, ElementsAre("frmTABLE"));
+}
+
+TEST_F(MessagesTest, Warning1003ShowsTheCallersTextUnderItsOwnTitle) {
+    messages.Display_Warning(1003, "Mind the gap");
+    EXPECT_EQ(box().title, "Warning");
+    EXPECT_EQ(box().text, "Mind the gap");
+    EXPECT_THAT(log, ElementsAre("Warning 1003: Mind the gap"));
+}
+
+TEST_F(MessagesTest, Warning1004And1007HaveTheirTexts) {
+    messages.Display_Warning(1004);
+    EXPECT_EQ(box().text,
+              "Warning 1004: Data Input Error\nThe information you have entered is invalid; please try again.");
+    messages.Display_Warning(1007);
+    EXPECT_EQ(box().title, "Warning 1007");
+    EXPECT_EQ(box().text,
+              "Warning 1007:\nOlder ORB Unit firmware detected. The firmware may need to be upgraded for the unit "
+              "to work properly with the new software.");
+    EXPECT_THAT(log, ElementsAre("Warning 1004: Invalid Information Provided",
+                                 "Warning 1007: ORB Unit needs Firmware Upgrade."));
+}
+
+TEST_F(MessagesTest, AWarningWithNoEntryShowsNothing) {
+    messages.Display_Warning(1006);
+    messages.Display_Warning(1008);
+    EXPECT_THAT(dialogs.boxes, IsEmpty());
+}
+
+TEST_F(MessagesTest, EveryMessageHasItsTitleTextAndIcon) {
+    struct Row {
+        int code;
+        const char *title, *text;
+        Icon icon;
+    };
+    const Row rows[] = {
+        {1001, "Data Saved.", "Data has been saved Successfully!", Icon::Information},
+        {1002, "Complete!",
+         "You have successfully programmed your ORB unit.\nPlease cycle the power on the unit before continuing.",
+         Icon::Information},
+        {1003, "Failed",
+         "The BIN program operation failed.\nPlease verify that the ORB has power, the engine is off and try "
+         "again.\nThe previous BIN file is still loaded.",
+         Icon::Exclamation},
+        {1004, "Failed",
+         "The firmware upgrade operation failed.\nPlease verify that the ORB has power and try again.\nThere is now "
+         "no firmware installed on this unit, the upgrade must be completed successfully before the unit will "
+         "function.",
+         Icon::Exclamation},
+        {1005, "Failed",
+         "The firmware upgrade operation failed.\nPlease verify that the ORB is in the upgrade mode then try "
+         "again.\nThe previous version of the firmware is still intact.",
+         Icon::Exclamation},
+        {1006, "Complete!", "The datalog has been successfully downloaded.", Icon::Information},
+        {1007, "Failed",
+         "The unit either has no datalog data is currently datalogging\nMake sure you datalog switch is OFF and try "
+         "again.",
+         Icon::Exclamation},
+        {1008, "Complete!",
+         "The BIN file MUST be loaded before starting your engine.\nThe unit may operate upredictably until the BIN "
+         "file is loaded.",
+         Icon::Information},
+        {1009, "Failed",
+         "This unit will no longer communicate.\nThe firmware upgrade operation failed.\nPlease contact Norvalia for "
+         "repairs.",
+         Icon::Exclamation},
+    };
+    for (const Row& row : rows) {
+        messages.Display_Message(row.code);
+        EXPECT_EQ(box().title, row.title);
+        EXPECT_EQ(box().text, row.text);
+        EXPECT_EQ(box().icon, row.icon);
+    }
+    EXPECT_THAT(log, IsEmpty());
+}
+
+TEST_F(MessagesTest, HelpTextsShowAndOnlyCode1000Logs) {
+    messages.Display_Message(0, "quiet");
+    EXPECT_EQ(box().title, "Help");
+    EXPECT_THAT(log, IsEmpty());
+    messages.Display_Message(1000, "loud");
+    EXPECT_EQ(box().text, "loud");
+    EXPECT_THAT(log, ElementsAre("Message 1000: loud"));
+}
+
+TEST_F(MessagesTest, TheNumericCheckRefusesWordsWithRetypeData) {
+    EXPECT_TRUE(messages.Check_Input(1000, "abc"));
+    EXPECT_EQ(box().text, "Warning 1000: Data Input Error\nNon-numeric value detected.\nRetype Data");
+    EXPECT_THAT(log, ElementsAre("Warning 1000: Data Input Error / Non-numeric value"));
+    EXPECT_FALSE(messages.Check_Input(1000, " -12.5 "));
+    EXPECT_FALSE(messages.Check_Input(1000, "46"));
+}
+
+TEST_F(MessagesTest, TheWholeNumberCheckLooksForFullStopAndCommaTogether) {
+    EXPECT_FALSE(messages.Check_Input(1002, "1.5"));
+    EXPECT_FALSE(messages.Check_Input(1002, "1,5"));
+    EXPECT_TRUE(messages.Check_Input(1002, "1.,5"));
+    EXPECT_EQ(box().text, "Warning 1002: Data Input Error\nEnter Whole Numbers Only");
+    EXPECT_THAT(log, ElementsAre("Warning 1002: Data Input Error / Non Whole Number"));
+}
+
+TEST_F(MessagesTest, BlankTextIsRefusedByCode1003AndMarkedWithoutABoxByCode1004) {
+    EXPECT_TRUE(messages.Check_Input(1003, "   "));
+    EXPECT_EQ(dialogs.boxes.size(), 1u);
+    EXPECT_TRUE(messages.Check_Input(1004, " "));
+    EXPECT_FALSE(messages.Check_Input(1004, "x"));
+    EXPECT_FALSE(messages.Check_Input(999, ""));
+    EXPECT_EQ(dialogs.boxes.size(), 1u);
+}
+
+TEST_F(MessagesTest, AValueAtALimitPassesTheRangeCheck) {
+    EXPECT_FALSE(messages.Check_Range(2, 2, 100, "(2 to 100 units)"));
+    EXPECT_FALSE(messages.Check_Range(100, 2, 100, "(2 to 100 units)"));
+    EXPECT_THAT(log, IsEmpty());
+}
+
+TEST_F(MessagesTest, AValueOutsideGetsWarning1001AndThreeLogLines) {
+    EXPECT_TRUE(messages.Check_Range(100.5f, 2, 100, "(2 to 100 units)"));
+    EXPECT_EQ(box().text, "Warning 1001: Data Input Error\n(2 to 100 units) - Invalid Entry.");
+    EXPECT_THAT(log, ElementsAre("Warning 1001: Data Input Error", "(2 to 100 units)",
+                                 "Invalid Entry: 100.5 -> (2 to 100 units)"));
+}
+
+TEST_F(MessagesTest, NotANumberIsOutsideEveryRange) {
+    EXPECT_TRUE(messages.Check_Range(std::numeric_limits<float>::quiet_NaN(), 0, 1, "(0 to 1)"));
+}
+
+TEST_F(MessagesTest, AnAxisMustAscend) {
+    const std::vector<std::string> fields{"500", "1000", "1000", "900"};
+    EXPECT_FALSE(messages.Check_Ascending(fields, 1));
+    EXPECT_FALSE(messages.Check_Ascending(fields, 0));
+    EXPECT_TRUE(messages.Check_Ascending(fields, 2));
+    EXPECT_TRUE(messages.Check_Ascending(fields, 3));
+    EXPECT_EQ(box().text,
+              "Warning 1006: Data Input Error\nThe value you entered must be higher than that of the one to the "
+              "left.\n1000 > 900 = FALSE");
+    EXPECT_EQ(log.back(), "Warning 1006: Data Input Error / Value Lesser than Left.");
+}
+
+}  // namespace
+}  // namespace zentaq
