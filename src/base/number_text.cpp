@@ -95,7 +95,10 @@ std::optional<double> parseNumber(std::string_view text) {
         if (body.find('.') != std::string::npos || body.find(',', comma + 1) != std::string::npos) return {};
         body[comma] = '.';
     }
-    if (!body.empty() && body.front() == '+') body.erase(0, 1);
+    if (!body.empty() && body.front() == '+') {
+        body.erase(0, 1);
+        if (body.starts_with('-')) return {};
+    }
     if (body.empty()) return {};
     // Words such as "inf" and "nan" are numbers to the library but not to a tuner.
     const char first = body.front() == '-' && body.size() > 1 ? body[1] : body.front();

@@ -8,10 +8,10 @@
 namespace zentaq {
 
 /// The plain decimal form of a 32-bit value: up to 7 significant digits, no trailing zeros,
-/// "0.5" with its leading zero, "1E+20" style only from 1E+16 and below 1E-7.
+/// "0.5" with its leading zero, "1E+20" style only from 1E+07 on, where the digits end, and below 1E-7.
 std::string numberText(float value);
 
-/// The plain decimal form of a 64-bit value: up to 15 significant digits.
+/// The plain decimal form of a 64-bit value: up to 15 significant digits, "1E+20" style from 1E+15 on.
 std::string numberText(double value);
 std::string numberText(int value);
 

@@ -1,0 +1,57 @@
+// The check-engine codes: which texts a unit's code words stand for, and the two short fields of the
+// dashboard.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "unit/unit.h"
+
+namespace zentaq {
+
+/// The texts by code word and bit. A place without a code holds " ".
+class CheckEngineTexts {
+ public:
+    static constexpr int rowCount = 12;
+    static constexpr int bitCount = 8;
+
+    /// `row` 1 to 12, `bit` 0 to 7; BoundsError outside. Kind 3 has analogue inputs where the others have
+    /// outputs.
+    static std::string_view text(int kindSlot, int row, int bit);
+};
+
+/// The texts of all set codes of a unit, by row and bit: a cleared bit is a set code, a word of 255 holds
+/// none and a word of 0 all eight. Ask it once words have come from the unit; before that they are all 0.
+std::vector<std::string> activeCodes(const Unit& unit);
+
+/// What the dashboard shows of one code.
+struct ShortCode {
+    std::string top;     ///< 7 characters
+    std::string bottom;  ///< 7 characters
+
+    bool operator==(const ShortCode&) const = default;
+};
+
+/// The two fields of a code's text, each padded to 7 characters; nothing for a blank or unknown text.
+std::optional<ShortCode> shortCode(std::string_view text);
+
+/// The code list of the dashboard: filled by texts, stepped through by a timer.
+class CheckEngineDisplay {
+ public:
+    static constexpr int entryCount = 151;
+
+    void Update_CHKE(std::string_view text);
+    void Clear_CHKE();
+    bool empty() const;
+    /// The next filled entry, beginning again behind the last; nothing when no entry is filled.
+    std::optional<ShortCode> step();
+
+ private:
+    std::array<bool, entryCount> filled_{};
+    int shownEntry_ = -1;
+};
+
+}  // namespace zentaq

@@ -1,0 +1,419 @@
+#include "live/frame_decoder.h"
+
+#include <array>
+#include <cmath>
+#include <variant>
+
+#include "base/errors.h"
+#include "base/number_text.h"
+#include "base/rounding.h"
+#include "live/ecu.h"
+
+namespace zentaq {
+
+namespace {
+
+/// One or two bytes of a frame.
+struct Raw {
+    int high = 0;
+    int low = 0;    ///< 0 for a single byte
+    int value = 0;  ///< the byte, or high * 256 + low
+};
+
+using Scaling = double (*)(Unit& unit, Raw raw);
+using Number = float LiveValues::*;
+using Lamp = bool LiveValues::*;
+struct Pin {
+    int index;
+};
+
+/// Where a value stands in a frame, how it is scaled, where it goes.
+struct FrameRow {
+    int byte;
+    int width;
+    std::variant<Number, Lamp, Pin> target;
+    Scaling scaling;
+};
+
+using FrameTable = std::span<const FrameRow>;
+
+constexpr PulseScale narrow{};
+constexpr PulseScale wide{.fastFlag = true};
+
+double withOffset(Unit& unit, const std::string& advance) {
+    const double sum = numberOf(advance) + static_cast<double>(unit.get("MOFFSET"));
+    return numberOf(formatNumber(sum, "##.0"));
+}
+
+// ---- Scalings. Going through text is part of the value: PRIADV carries one decimal.
+double plain(Unit&, Raw raw) {
+    return raw.value;
+}
+double rpm(Unit&, Raw raw) {
+    return numberOf(Ecu::RPM(raw.high, raw.low));
+}
+double advance(Unit& unit, Raw raw) {
+    return withOffset(unit, Ecu::Advance(raw.value));
+}
+double secondaryAdvance(Unit& unit, Raw raw) {
+    return withOffset(unit, Ecu::Secondary_Advance(raw.value));
+}
+double knockRetard(Unit&, Raw raw) {
+    return numberOf(Ecu::Knock_Retard(raw.value));
+}
+double load(Unit& unit, Raw raw) {
+    return numberOf(unit.Get_Control2(0) ? Ecu::MAF(raw.value) : Ecu::MAP(unit, raw.value));
+}
+double wideLoad(Unit& unit, Raw raw) {
+    return numberOf(unit.Get_Control2(0) ? Ecu::MAF(raw.value / 10.0) : Ecu::MAP(unit, raw.value / 4.0));
+}
+double coolant(Unit&, Raw raw) {
+    return numberOf(Ecu::CLT(raw.value, TemperatureMode::Celsius));
+}
+double airTemperature(Unit&, Raw raw) {
+    return numberOf(Ecu::MAT(raw.value, TemperatureMode::Celsius));
+}
+double gama(Unit& unit, Raw raw) {
+    return numberOf(Ecu::TFPW(unit, raw.high, raw.low, narrow));
+}
+double wideGama(Unit& unit, Raw raw) {
+    return numberOf(Ecu::TFPW(unit, raw.high, raw.low, wide));
+}
+double knock(Unit&, Raw raw) {
+    return numberOf(Ecu::KNOCK(raw.value));
+}
+double throttle(Unit&, Raw raw) {
+    return numberOf(Ecu::TPS(raw.value));
+}
+double oxygenVolts(Unit&, Raw raw) {
+    return numberOf(Ecu::EGO_Voltage(raw.value));
+}
+double battery(Unit& unit, Raw raw) {
+    return numberOf(Ecu::Voltage(unit, raw.value));
+}
+double actualAfr(Unit& unit, Raw raw) {
+    return numberOf(Ecu::Actual_AFR(unit, raw.value));
+}
+double desiredAfr(Unit& unit, Raw raw) {
+    return numberOf(Ecu::Desired_AFR(unit, raw.value));
+}
+double oxygenCorrection(Unit&, Raw raw) {
+    return numberOf(Ecu::EGO_Correction(raw.value));
+}
+double primaryWidth(Unit& unit, Raw raw) {
+    return numberOf(Ecu::PPW(unit, raw.high, raw.low, narrow));
+}
+double secondaryWidth(Unit& unit, Raw raw) {
+    return numberOf(Ecu::SPW(unit, raw.high, raw.low, narrow));
+}
+double widePrimaryWidth(Unit& unit, Raw raw) {
+    return numberOf(Ecu::PPW(unit, raw.high, raw.low, wide));
+}
+double wideSecondaryWidth(Unit& unit, Raw raw) {
+    return numberOf(Ecu::SPW(unit, raw.high, raw.low, wide));
+}
+double idleMotor(Unit& unit, Raw raw) {
+    return numberOf(Ecu::IAC(raw.value, static_cast<double>(unit.get("MinDuty")),
+                             static_cast<double>(unit.get("MaxDuty"))));
+}
+double duty(Unit&, Raw raw) {
+    return raw.value / 255.0 * 100;
+}
+double wideIdleMotor(Unit&, Raw raw) {
+    return roundHalfEven(raw.value / 2.55);
+}
+double thousandths(Unit&, Raw raw) {
+    return raw.value / 1000.0;
+}
+double converterVolts(Unit&, Raw raw) {
+    return raw.value / 204.6;
+}
+double around50(Unit&, Raw raw) {
+    return raw.value - 50;
+}
+double pressureRate(Unit& unit, Raw raw) {
+    return raw.value / (137 / (static_cast<double>(unit.MAPRange()) * 0.0388));
+}
+double throttleRate(Unit&, Raw raw) {
+    return raw.value / 5.0;
+}
+double voltageTime(Unit&, Raw raw) {
+    return (raw.value - 125) * 8 / 1000.0;
+}
+double degrees(Unit&, Raw raw) {
+    return raw.value / 4.25;
+}
+double degreesAround0(Unit&, Raw raw) {
+    return (raw.value - 128) / 4.25;
+}
+double idleSpeed(Unit&, Raw raw) {
+    return raw.value * 16;
+}
+
+using L = LiveValues;
+
+/// F reply of kind 3; it has no head.
+constexpr std::array narrowOfOrba{
+    FrameRow{0, 2, &L::RPM, rpm},
+    FrameRow{2, 1, &L::PRIADV, advance},
+    FrameRow{3, 1, &L::MAP, load},
+    FrameRow{4, 1, &L::CLT, coolant},
+    FrameRow{5, 2, &L::GAMA, gama},
+    FrameRow{7, 1, &L::KNOCK, knock},
+    FrameRow{8, 1, &L::MAT, airTemperature},
+    FrameRow{9, 1, &L::TPS, throttle},
+    FrameRow{10, 1, &L::BATTV, battery},
+    FrameRow{11, 1, &L::CHKE, plain},
+    FrameRow{12, 1, Pin{0}, plain},
+    FrameRow{13, 1, Pin{2}, plain},
+    FrameRow{14, 1, Pin{3}, plain},
+    FrameRow{15, 1, &L::AAFR, actualAfr},
+    FrameRow{16, 1, &L::EGOC, oxygenCorrection},
+    FrameRow{17, 1, &L::DAFR, desiredAfr},
+    FrameRow{19, 1, &L::EGOV, oxygenVolts},
+    FrameRow{21, 2, &L::SECPW, secondaryWidth},
+    FrameRow{23, 2, &L::PRIPW, primaryWidth},
+    FrameRow{25, 1, Pin{4}, plain},
+    FrameRow{26, 1, Pin{5}, plain},
+    FrameRow{27, 1, Pin{6}, plain},
+    FrameRow{28, 1, Pin{7}, plain},
+    FrameRow{29, 1, Pin{1}, plain},
+    FrameRow{31, 1, &L::SECADV, secondaryAdvance},
+    FrameRow{32, 1, &L::KNKRET, knockRetard},
+    FrameRow{33, 1, &L::IACP, idleMotor},
+    FrameRow{34, 1, &L::IACD, plain},
+};
+
+/// F reply of kinds 4, 6, 7 and 8.
+constexpr std::array narrowOfOthers{
+    FrameRow{3, 2, &L::RPM, rpm},
+    FrameRow{5, 1, &L::TPS, throttle},
+    FrameRow{6, 1, &L::MAP, load},
+    FrameRow{7, 1, &L::CLT, coolant},
+    FrameRow{8, 1, &L::MAT, airTemperature},
+    FrameRow{9, 1, &L::KNOCK, knock},
+    FrameRow{10, 1, &L::PRIADV, advance},
+    FrameRow{11, 1, &L::SECADV, secondaryAdvance},
+    FrameRow{12, 1, &L::KNKRET, knockRetard},
+    FrameRow{13, 2, &L::GAMA, gama},
+    FrameRow{15, 1, &L::DAFR, desiredAfr},
+    FrameRow{16, 1, &L::AAFR, actualAfr},
+    FrameRow{17, 1, &L::EGOC, oxygenCorrection},
+    FrameRow{18, 1, &L::EGOV, oxygenVolts},
+    FrameRow{19, 2, &L::PRIPW, primaryWidth},
+    FrameRow{21, 2, &L::SECPW, secondaryWidth},
+    FrameRow{23, 1, &L::IACP, idleMotor},
+    FrameRow{24, 1, &L::IACD, plain},
+    FrameRow{25, 1, &L::BATTV, battery},
+    FrameRow{26, 1, &L::CHKE, plain},
+};
+
+/// F reply of the ignition-only kind 5: the throttle stands where the others have the air temperature.
+constexpr std::array narrowOfPzk2{
+    FrameRow{3, 2, &L::RPM, rpm},
+    FrameRow{6, 1, &L::MAP, load},
+    FrameRow{8, 1, &L::TPS, throttle},
+    FrameRow{9, 1, &L::KNOCK, knock},
+    FrameRow{10, 1, &L::PRIADV, advance},
+    FrameRow{11, 1, &L::SECADV, secondaryAdvance},
+    FrameRow{12, 1, &L::KNKRET, knockRetard},
+    FrameRow{25, 1, &L::BATTV, battery},
+    FrameRow{26, 1, &L::CHKE, plain},
+};
+
+/// W reply; the pins follow from byte 56 on. Byte 47 is sent but belongs to no live value.
+constexpr std::array wideFrame{
+    FrameRow{3, 2, &L::RPM, rpm},
+    FrameRow{5, 1, &L::TPS, throttle},
+    FrameRow{6, 2, &L::MAP, wideLoad},
+    FrameRow{8, 1, &L::CLT, coolant},
+    FrameRow{9, 1, &L::MAT, airTemperature},
+    FrameRow{10, 1, &L::KNOCK, knock},
+    FrameRow{11, 1, &L::PRIADV, advance},
+    FrameRow{12, 1, &L::SECADV, secondaryAdvance},
+    FrameRow{13, 1, &L::KNKRET, knockRetard},
+    FrameRow{14, 2, &L::GAMA, wideGama},
+    FrameRow{16, 1, &L::DAFR, desiredAfr},
+    FrameRow{17, 1, &L::AAFR, actualAfr},
+    FrameRow{18, 1, &L::EGOC, oxygenCorrection},
+    FrameRow{19, 1, &L::EGOV, oxygenVolts},
+    FrameRow{20, 2, &L::PRIPW, widePrimaryWidth},
+    FrameRow{22, 2, &L::SECPW, wideSecondaryWidth},
+    FrameRow{24, 1, &L::PRIDUTY, duty},
+    FrameRow{25, 1, &L::SECDUTY, duty},
+    FrameRow{26, 1, &L::IACP, wideIdleMotor},
+    FrameRow{27, 1, &L::IACD, plain},
+    FrameRow{28, 1, &L::BATTV, battery},
+    FrameRow{29, 1, &L::CHKE, plain},
+    FrameRow{30, 2, &L::INJ_TOG, thousandths},
+    FrameRow{32, 2, &L::SEN_MAP, converterVolts},
+    FrameRow{34, 1, &L::INJ_VE, around50},
+    FrameRow{35, 1, &L::INJ_MAT, around50},
+    FrameRow{36, 1, &L::INJ_CLT, plain},
+    FrameRow{37, 1, &L::INJ_BARO, around50},
+    FrameRow{38, 1, &L::INJ_SE0, plain},
+    FrameRow{39, 1, &L::INJ_ASE0, plain},
+    FrameRow{40, 1, &L::INJ_ASE1, plain},
+    FrameRow{41, 1, &L::MAPACCL, pressureRate},
+    FrameRow{42, 1, &L::TPSACCL, throttleRate},
+    FrameRow{43, 1, &L::INJ_ACE2, plain},
+    FrameRow{44, 1, &L::INJ_ACE5, plain},
+    FrameRow{45, 1, &L::INJ_ACE6, plain},
+    FrameRow{46, 1, &L::INJ_VLTCOMP, voltageTime},
+    FrameRow{48, 1, &L::SEN_BLEND, plain},
+    FrameRow{49, 1, &L::INJ_STAGE, plain},
+    FrameRow{50, 1, &L::ADV_TBL, degrees},
+    FrameRow{51, 1, &L::ADV_CLT, degrees},
+    FrameRow{52, 1, &L::ADV_MAT, degreesAround0},
+    FrameRow{53, 1, &L::ADV_BARO, degreesAround0},
+    FrameRow{54, 1, &L::ADV_IDLE, degreesAround0},
+    FrameRow{55, 1, &L::ISRPM, idleSpeed},
+};
+
+/// D reply. Kept: AAFR and DAFR stand in the reverse order of the narrow frame; the unit logs them so.
+constexpr std::array internalRecord{
+    FrameRow{3, 2, &L::RPM, rpm},
+    FrameRow{5, 1, &L::TPS, throttle},
+    FrameRow{6, 1, &L::MAP, load},
+    FrameRow{7, 1, &L::CLT, coolant},
+    FrameRow{8, 1, &L::MAT, airTemperature},
+    FrameRow{9, 1, &L::KNOCK, knock},
+    FrameRow{10, 1, &L::PRIADV, advance},
+    FrameRow{11, 1, &L::SECADV, secondaryAdvance},
+    FrameRow{12, 1, &L::KNKRET, knockRetard},
+    FrameRow{13, 2, &L::GAMA, wideGama},
+    FrameRow{15, 1, &L::AAFR, actualAfr},
+    FrameRow{16, 1, &L::DAFR, desiredAfr},
+    FrameRow{17, 1, &L::EGOC, oxygenCorrection},
+    FrameRow{18, 1, &L::EGOV, oxygenVolts},
+    FrameRow{19, 2, &L::PRIPW, widePrimaryWidth},
+    FrameRow{21, 2, &L::SECPW, wideSecondaryWidth},
+    FrameRow{23, 1, &L::IACP, idleMotor},
+    FrameRow{24, 1, &L::BATTV, battery},
+};
+
+/// What only the wide frame carries.
+constexpr std::array<Number, 25> wideOnly{
+    &L::PRIDUTY,  &L::SECDUTY,  &L::INJ_TOG,     &L::SEN_MAP,   &L::INJ_VE,    &L::INJ_MAT, &L::INJ_CLT,
+    &L::INJ_BARO, &L::INJ_SE0,  &L::INJ_ASE0,    &L::INJ_ASE1,  &L::MAPACCL,   &L::TPSACCL, &L::INJ_ACE2,
+    &L::INJ_ACE5, &L::INJ_ACE6, &L::INJ_VLTCOMP, &L::SEN_BLEND, &L::INJ_STAGE, &L::ADV_TBL, &L::ADV_CLT,
+    &L::ADV_MAT,  &L::ADV_BARO, &L::ADV_IDLE,    &L::ISRPM};
+
+/// What the frames of a kind look like.
+struct KindFrames {
+    int slot;
+    FrameTable narrowFrame;
+    bool narrowZeroesWideOnly;  ///< so that a recorder writes zeros
+    bool hasInternalLog;
+    bool hasPinReply;  ///< answers I
+    int lastPinOfReply;
+};
+
+constexpr int firstWidePin = 56;
+
+const std::array kinds{
+    KindFrames{3, narrowOfOrba, true, true, false, 0},
+    KindFrames{4, narrowOfOthers, false, true, true, 8},
+    KindFrames{5, narrowOfPzk2, false, true, true, 8},
+    KindFrames{6, narrowOfOthers, false, true, true, 12},
+    KindFrames{7, narrowOfOthers, false, false, true, 8},
+    KindFrames{8, narrowOfOthers, false, false, true, 8},
+};
+
+const KindFrames* framesOf(const Unit& unit) {
+    for (const KindFrames& kind : kinds) {
+        if (kind.slot == unit.kind().slot) return &kind;
+    }
+    return nullptr;
+}
+
+/// The highest pin that the frames of a kind show, counted from 0.
+int lastPin(const UnitKind& kind) {
+    return kind.hasWideMonitor ? kind.sizes.wCmdLen - 2 - firstWidePin : kind.numGpio;
+}
+
+Raw rawAt(std::span<const std::uint8_t> reply, const FrameRow& row) {
+    const int first = reply[static_cast<std::size_t>(row.byte)];
+    if (row.width == 1) return {first, 0, first};
+    const int second = reply[static_cast<std::size_t>(row.byte) + 1];
+    return {first, second, first * 256 + second};
+}
+
+struct Store {
+    LiveValues& live;
+    Unit& unit;
+    double value;
+
+    void operator()(Number number) const {
+        if (!std::isfinite(value)) throw Overflow();
+        live.*number = static_cast<float>(value);
+    }
+    void operator()(Lamp lamp) const { live.*lamp = value != 0; }
+    void operator()(Pin pin) const { unit.GPIOData.at(static_cast<std::size_t>(pin.index)) = toInt16(value); }
+};
+
+void decode(FrameTable table, Unit& unit, LiveValues& live, std::span<const std::uint8_t> reply) {
+    for (const FrameRow& row : table) {
+        if (row.byte + row.width > std::ssize(reply)) continue;
+        skipFailing([&] { std::visit(Store{live, unit, row.scaling(unit, rawAt(reply, row))}, row.target); });
+    }
+}
+
+void decodePins(Unit& unit, std::span<const std::uint8_t> reply, int firstByte, int last) {
+    for (int pin = 0; pin <= last; ++pin) {
+        const int byte = firstByte + pin;
+        if (byte >= std::ssize(reply)) return;
+        unit.GPIOData.at(static_cast<std::size_t>(pin)) = reply[static_cast<std::size_t>(byte)];
+    }
+}
+
+void showPins(Unit& unit, int last) {
+    for (int pin = 0; pin <= last; ++pin) {
+        const auto at = static_cast<std::size_t>(pin);
+        skipFailing([&] {
+            unit.GPIODisplay.at(at) = Ecu::GPIO_Display(unit, unit.Get_GPIOFUNC(pin), unit.GPIOData.at(at));
+        });
+    }
+}
+
+}  // namespace
+
+void FrameDecoder::Monitor(Unit& unit, std::span<const std::uint8_t> reply) {
+    const KindFrames* frames = framesOf(unit);
+    if (frames == nullptr) return;
+    decode(frames->narrowFrame, unit, live_, reply);
+    showPins(unit, lastPin(unit.kind()));
+    skipFailing([&] {
+        live_.SECPERCENT = static_cast<float>(
+            numberOf(Ecu::POPD(static_cast<double>(live_.SECPW), static_cast<double>(live_.PRIPW))));
+    });
+    if (frames->narrowZeroesWideOnly) {
+        for (const Number number : wideOnly) live_.*number = 0;
+    }
+    ++live_.frames;
+}
+
+void FrameDecoder::MonitorW(Unit& unit, std::span<const std::uint8_t> reply) {
+    if (!unit.kind().hasWideMonitor) return;
+    decode(wideFrame, unit, live_, reply);
+    const int last = lastPin(unit.kind());
+    decodePins(unit, reply, firstWidePin, last);
+    showPins(unit, last);
+    ++live_.frames;
+}
+
+void FrameDecoder::Monitor_GPIO(Unit& unit, std::span<const std::uint8_t> reply) {
+    const KindFrames* frames = framesOf(unit);
+    if (frames == nullptr || !frames->hasPinReply) return;
+    decodePins(unit, reply, 3, frames->lastPinOfReply);
+    showPins(unit, frames->lastPinOfReply);
+}
+
+void FrameDecoder::Internal_Data_Conv(Unit& unit, std::span<const std::uint8_t> reply) {
+    const KindFrames* frames = framesOf(unit);
+    if (frames == nullptr || !frames->hasInternalLog) return;
+    decode(internalRecord, unit, live_, reply);
+    ++live_.frames;
+}
+
+}  // namespace zentaq

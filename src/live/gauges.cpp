@@ -1,0 +1,175 @@
+#include "live/gauges.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "base/errors.h"
+#include "base/number_text.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr double radiansPerDegree = 0.017453292519943278;
+constexpr double petrolRatio = 14.7;
+constexpr int kindPzk2 = 5;
+constexpr int lowRevScale = 9000;
+constexpr int highRevScale = 18000;
+
+// The low ends of the scales as painted on the background.
+constexpr float coldestShown = -40;
+constexpr float lowestVolts = 7;
+constexpr double richestScaleEnd = -145;
+
+constexpr std::array<NeedleFace, needleCount> faces{{
+    {Needle::Tachometer, "Tachometer", 223, 99, 93, 0},
+    {Needle::TPS, "TPS", 352, 59, 50, 0},
+    {Needle::MAT, "MAT", 563, 85, 50, 0},
+    {Needle::Coolant, "Coolant", 409, 85, 50, 0},
+    {Needle::VOLT, "VOLT", 352, 138, 50, 0},
+    {Needle::AFR, "AFR", 120, 72, 50, 25},
+    {Needle::IAC, "IAC", 211, 139, 50, 0},
+}};
+
+std::optional<float> threshold(const SettingsStore& store, const std::string& key) {
+    const auto value = parseNumber(store.get("System", key));
+    if (!value) return {};
+    return static_cast<float>(*value);
+}
+
+bool reaches(float celsius, std::optional<float> alarm) {
+    return alarm && celsius >= *alarm;
+}
+
+std::optional<float> stoichiometricOf(Unit& unit) {
+    if (!unit.kind().hasCalibration) return {};
+    return unit.get("AFR");
+}
+
+}  // namespace
+
+DashboardSettings DashboardSettings::from(const SettingsStore& store) {
+    const std::string toggle = store.get("System", "TemperatureToggle", "0");
+    return {threshold(store, "CLTAlarmValue"), threshold(store, "MATAlarmValue"),
+            toggle != "0" && !toggle.empty()};
+}
+
+const std::array<NeedleFace, needleCount>& needleFaces() {
+    return faces;
+}
+
+const NeedleFace& faceOf(Needle needle) {
+    return faces[static_cast<std::size_t>(needle)];
+}
+
+Point needleEnd(double centreX, double centreY, double length, double angle) {
+    return {centreX - std::sin(-angle * radiansPerDegree) * length,
+            centreY - std::sin((angle + 90) * radiansPerDegree) * length};
+}
+
+double tachAngle(float rpm, int revScale) {
+    const double perRpm = revScale == lowRevScale ? 0.031804 : 0.015902;
+    return std::max(perRpm * static_cast<double>(rpm) - 129, -123.0);
+}
+
+double temperatureAngle(float celsius) {
+    return 0.46 * static_cast<double>(celsius) + 68;
+}
+
+double throttleAngle(float volts) {
+    return 0.165 * static_cast<double>(volts) * 100 - 55;
+}
+
+double idleAngle(float percent) {
+    return 0.825 * static_cast<double>(percent) + 155;
+}
+
+double voltAngle(float volts) {
+    return (static_cast<double>(volts) - 7) * 7.5 + 155;
+}
+
+double afrAngle(float ratio, std::optional<float> stoichiometric) {
+    double value = ratio;
+    if (stoichiometric && *stoichiometric != 0) value *= petrolRatio / static_cast<double>(*stoichiometric);
+    if (value > 15) return (value - 15) * 3.4 - 40;
+    if (value > 14 && value <= 14.99) return (value - 14) * 48.7 - 96;
+    if (value < 14) return (value - 9) * 11.42 - 145;
+    return 0;
+}
+
+std::int32_t afrNeedleColour(float actual, float desired, std::optional<float> stoichiometric) {
+    const double band = stoichiometric ? 0.5 * static_cast<double>(*stoichiometric) / petrolRatio : 0.5;
+    const double is = actual;
+    const double wanted = desired;
+    std::int32_t colour = colours::green;
+    if (wanted - band > is) colour = colours::yellow;
+    if (is >= wanted - band && is <= wanted + band) colour = colours::green;
+    if (wanted + band < is) colour = colours::red;
+    if (actual == desired) colour = colours::blue;
+    return colour;
+}
+
+int revScaleOf(Unit& unit) {
+    return unit.get("REV_Limiter") > lowRevScale ? highRevScale : lowRevScale;
+}
+
+std::string dashboardImage(bool night, int revScale, int kindSlot) {
+    const bool high = revScale == highRevScale;
+    std::string name = R"(\bin\images\)";
+    // Kept: the picture of the high scale is spelled with a small b, except for kind 5.
+    name += high && kindSlot != kindPzk2 ? "Dashboard_" : "DashBoard_";
+    name += high ? "18000" : "9000";
+    if (kindSlot == kindPzk2) name += "_PZK2";
+    return name + (night ? "_Black.jpg" : "_White.bmp");
+}
+
+void Gauges::CLT_Position(float celsius, const DashboardSettings& settings) {
+    turn(Needle::Coolant) = temperatureAngle(celsius);
+    cltAlarm_ = reaches(celsius, settings.CLTAlarmValue);
+}
+
+void Gauges::MAT_Position(float celsius, const DashboardSettings& settings) {
+    turn(Needle::MAT) = temperatureAngle(celsius);
+    matAlarm_ = reaches(celsius, settings.MATAlarmValue);
+}
+
+void Gauges::AFR_Position(float actual, float desired, std::optional<float> stoichiometric) {
+    afrColour_ = afrNeedleColour(actual, desired, stoichiometric);
+    turn(Needle::AFR) = afrAngle(actual, stoichiometric);
+}
+
+void Gauges::UPDATE_DISPLAY(const LiveValues& live, Unit& unit, const DashboardSettings& settings) {
+    revScale_ = revScaleOf(unit);
+    Tach_Position(live.RPM);
+    OverRev(live.RPM, unit.get("REV_Limiter"));
+    TPS_Position(live.TPS);
+    VOLT_Position(live.BATTV);
+    Check_Engine(live.CHKE);
+    hasReadings_ = true;
+    if (unit.kind().slot == kindPzk2) return;
+    CLT_Position(live.CLT, settings);
+    MAT_Position(live.MAT, settings);
+    AFR_Position(live.AAFR, live.DAFR, stoichiometricOf(unit));
+    IAC_Position(live.IACP);
+}
+
+void Gauges::Reset_Dashboard() {
+    Tach_Position(0);
+    TPS_Position(0);
+    CLT_Position(coldestShown, {});
+    MAT_Position(coldestShown, {});
+    VOLT_Position(lowestVolts);
+    IAC_Position(0);
+    turn(Needle::AFR) = richestScaleEnd;
+    afrColour_ = colours::red;
+    overRevColour_ = colours::black;
+    checkEngineColour_ = colours::black;
+    hasReadings_ = false;
+}
+
+std::int32_t Gauges::flash() {
+    flashRed_ = !flashRed_;
+    return flashRed_ ? colours::red : colours::yellow;
+}
+
+}  // namespace zentaq

@@ -1,0 +1,133 @@
+#include "tables/table_kind.h"
+
+#include <algorithm>
+#include <array>
+
+#include "base/errors.h"
+#include "base/rounding.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr std::array tables{
+    TableKind{"ADV", "Ignition Advance Table", "Get_ADV", 0, 1, 30, 30},
+    TableKind{"AFR", "Desired Air/Fuel Ratio", "Get_AFR", 0, 0.1, 0, 50},
+    TableKind{"SPW", "Staged Pulsewidth", "Get_SPW", 0, 1, 50, 50},
+    TableKind{"VE", "Volumetric Efficiency Table", "Get_VE", 0, 1, 0, 50},
+    TableKind{"GPO1", "Full Table - Table#1", "", 1, 1, 0, 50},
+    TableKind{"GPO2", "Full Table - Table#2", "", 2, 1, 0, 50},
+};
+
+bool isGpo(std::string_view table) {
+    const TableKind* kind = findTable(table);
+    return kind != nullptr && kind->isGpo();
+}
+
+std::string_view mainHeaderMember(std::string_view axis) {
+    return axis == "X-Axis" ? "RPMTBL" : "MAPTBL";
+}
+
+bool allZero(Unit& unit, std::string_view table, std::string_view axis, int count) {
+    for (int i = 0; i < std::min(count, storedHeaders); ++i) {
+        if (unit.Get_GPO_Stop(i, axis, table) != 0) return false;
+    }
+    return true;
+}
+
+float withinPressure(Unit& unit, float pressure) {
+    return std::max(std::min(pressure, unit.MAPMax()), unit.MAPMin());
+}
+
+}  // namespace
+
+const TableKind* findTable(std::string_view name) {
+    const auto found =
+        std::find_if(tables.begin(), tables.end(), [&](const TableKind& kind) { return kind.name == name; });
+    return found == tables.end() ? nullptr : &*found;
+}
+
+int shownRows(Unit& unit, std::string_view table) {
+    return std::clamp(unit.GET_TBL_DIMENSIONS(table, "ROWS"), 0, mostLines);
+}
+
+int shownColumns(Unit& unit, std::string_view table) {
+    return std::clamp(unit.GET_TBL_DIMENSIONS(table, "COLS"), 0, mostLines);
+}
+
+float get_binValueByIndex(Unit& unit, std::string_view table, int index, bool absoluteVe) {
+    const TableKind* kind = findTable(table);
+    if (kind == nullptr) return 0;
+    if (kind->isGpo()) return unit.Get_GPIO_Table(kind->gpoNumber, index);
+    const float value = unit.get(kind->member, index);
+    if (table == "AFR") return roundTo(value, 2);
+    return absoluteVe && table == "VE" ? value + 100 : value;
+}
+
+bool set_binValueByIndex(Unit& unit, std::string_view table, float value, int index, bool absoluteVe) {
+    const TableKind* kind = findTable(table);
+    if (kind == nullptr) return false;
+    if (kind->isGpo()) {
+        unit.Set_GPIO_Table(kind->gpoNumber, index, toInt16(static_cast<double>(value)));
+        return true;
+    }
+    const float stored = absoluteVe && table == "VE" ? value - 100 : value;
+    return unit.set(kind->member, static_cast<double>(stored), index);
+}
+
+float tableHeader(Unit& unit, std::string_view table, std::string_view axis, int index) {
+    if (isGpo(table)) return unit.Get_GPO_Stop(index, axis, table);
+    return unit.get(mainHeaderMember(axis), index);
+}
+
+bool setTableHeader(Unit& unit, std::string_view table, std::string_view axis, int index,
+                    const Entry& value) {
+    if (isGpo(table)) return unit.Set_GPO_Stop(value, index, axis, table);
+    return unit.set(mainHeaderMember(axis), value, index);
+}
+
+AxisSpan axisSpan(Unit& unit, std::string_view axisKind) {
+    if (axisKind == "CLT" || axisKind == "MAT") return {-40, unit.host().fahrenheit() ? 302.0F : 150.0F};
+    if (axisKind == "RAW MAP" || axisKind == "BLEND MAP") return {unit.MAPMin(), unit.MAPMax()};
+    if (axisKind == "TPS") return {0, 5};
+    if (axisKind == "ACTUAL AFR") return {0.667F * unit.get("AFR"), 2 * unit.get("AFR")};
+    if (axisKind == "RPM") return {750, unit.get("REV_Limiter")};
+    for (char pin = '1'; pin <= '8'; ++pin) {
+        if (axisKind == std::string("GPIO") + pin) return {0, 100};
+    }
+    return {};
+}
+
+void spreadAxis(Unit& unit, std::string_view table, std::string_view axis, std::string_view axisKind) {
+    const bool rows = axis == "ROW-AXIS";
+    const int count = rows ? shownRows(unit, table) : shownColumns(unit, table);
+    if (count < 2) return;
+    const AxisSpan span = axisSpan(unit, axisKind);
+    const float step = (span.high - span.low) / static_cast<float>(count - 1);
+    for (int i = 0; i < std::min(count, storedHeaders); ++i) {
+        const float even = roundTo(static_cast<float>(i) * step + span.low, 1);
+        const float stop = even < span.low ? span.low : std::min(even, span.high);
+        unit.Set_GPO_Stop(static_cast<double>(stop), i, rows ? "Y-Axis" : "X-Axis", table);
+    }
+}
+
+bool hasEmptyAxis(Unit& unit, std::string_view table) {
+    return allZero(unit, table, "Y-Axis", shownRows(unit, table)) ||
+           allZero(unit, table, "X-Axis", shownColumns(unit, table));
+}
+
+void resetGpoAxes(Unit& unit) {
+    for (const std::string_view table : {"GPO1", "GPO2"}) {
+        unit.SET_TBL_AXIS_TYPE(table, "ROW-AXIS", "BLEND MAP");
+        unit.SET_TBL_AXIS_TYPE(table, "COL-AXIS", "RPM");
+        unit.SET_TBL_DIMENSIONS(table, "ROWS", storedHeaders);
+        unit.SET_TBL_DIMENSIONS(table, "COLS", storedHeaders);
+        for (int i = 0; i < storedHeaders; ++i) {
+            const float pressure = withinPressure(unit, unit.get("MAPTBL", i));
+            unit.Set_GPO_Stop(static_cast<double>(unit.get("RPMTBL", i)), i, "X-Axis", table);
+            unit.Set_GPO_Stop(static_cast<double>(pressure), i, "Y-Axis", table);
+        }
+    }
+}
+
+}  // namespace zentaq

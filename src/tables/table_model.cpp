@@ -1,0 +1,718 @@
+#include "tables/table_model.h"
+
+#include <algorithm>
+
+#include "base/errors.h"
+#include "base/number_text.h"
+#include "base/rounding.h"
+#include "base/text.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr int numericCheck = 1000;
+constexpr int blankCheck = 1003;
+constexpr int emptyWarning = 1005;
+constexpr int selectedOnOpen = 10;
+constexpr std::int32_t alarmRed = 255;
+constexpr double afrBand = 0.5;
+
+float numberOrZero(const std::string& text) {
+    return static_cast<float>(parseNumber(text).value_or(0));
+}
+
+/// The number that a text begins with: "45%" is 45, "ON" is 0.
+float leadingNumber(std::string_view text) {
+    const auto end = text.find_first_not_of("+-0123456789.");
+    return static_cast<float>(parseNumber(text.substr(0, end)).value_or(0));
+}
+
+/// One '\n' for each line end, none behind the last row.
+std::string withPlainLineEnds(std::string_view text) {
+    std::string plain;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n') continue;
+        plain += text[i] == '\r' ? '\n' : text[i];
+    }
+    if (plain.ends_with('\n')) plain.pop_back();
+    return plain;
+}
+
+std::string limitsText(float low, float high, std::string_view unit) {
+    return "(" + numberText(low) + " to " + numberText(high) + std::string(unit);
+}
+
+}  // namespace
+
+TableModel::TableModel(Unit& unit, Ecu& ecu, const LiveValues& live, PaintMemory& paintMemory)
+    : unit_(unit), ecu_(ecu), live_(live), paintMemory_(paintMemory) {}
+
+const TableKind& TableModel::kind() const {
+    const TableKind* found = findTable(table_);
+    if (found == nullptr) throw NoSuchMember("No table \"" + table_ + "\"");
+    return *found;
+}
+
+// ---- Building
+
+void TableModel::Setup_Grid(std::string_view table, std::string_view title, bool inverted) {
+    if (!table.empty()) table_ = table;
+    if (!title.empty()) title_ = title;
+    inverted_ = inverted;
+    if (kind().isGpo() && hasEmptyAxis(unit_, table_)) resetGpoAxes(unit_);
+    grid_.resize(shownRows(unit_, table_), shownColumns(unit_, table_));
+    fillRowHeaders();
+    fillColumnHeaders();
+    fillCells();
+    if (hasEstimates() && !absoluteVe_) refreshEstimates();
+    buildZones();
+    colorizeGraph(false);
+    repaintRemembered();
+    if (!grid_.hasCell(cursor_.row, cursor_.column)) cursor_ = {};
+    if (!grid_.hasCell(selection_.bottom, selection_.right)) {
+        select(cursor_.row, cursor_.column, cursor_.row, cursor_.column);
+    }
+}
+
+bool TableModel::showsFahrenheit(std::string_view axis) const {
+    if (!kind().isGpo() || !unit_.host().fahrenheit()) return false;
+    const std::string axisKind = unit_.GET_TBL_AXIS_TYPE(table_, axis);
+    return axisKind == "CLT" || axisKind == "MAT";
+}
+
+int TableModel::storedRow(int row) const {
+    return inverted_ ? row - 1 : rows() - row;
+}
+
+int TableModel::gridRow(int row) const {
+    return inverted_ ? row + 1 : rows() - row;
+}
+
+void TableModel::fillRowHeaders() {
+    const bool fahrenheit = showsFahrenheit("ROW-AXIS");
+    for (int i = 0; i < rows(); ++i) {
+        skipFailing([&] {
+            float header = tableHeader(unit_, table_, "Y-Axis", i);
+            if (fahrenheit) header = roundTo(Ecu::toFahrenheit(header), 1);
+            grid_.text(gridRow(i), 0, numberText(header));
+        });
+        rowHeaders_[static_cast<std::size_t>(i)] = numberOrZero(grid_.text(gridRow(i), 0));
+    }
+}
+
+void TableModel::fillColumnHeaders() {
+    const bool fahrenheit = showsFahrenheit("COL-AXIS");
+    for (int i = 0; i < columns(); ++i) {
+        skipFailing([&] {
+            float header = tableHeader(unit_, table_, "X-Axis", i);
+            if (fahrenheit) header = roundTo(Ecu::toFahrenheit(header), 1);
+            grid_.text(0, i + 1, numberText(header));
+        });
+        columnHeaders_[static_cast<std::size_t>(i)] = numberOrZero(grid_.text(0, i + 1));
+    }
+}
+
+void TableModel::fillCells() {
+    // Kept: the copies are filled by a running count of shown cells, not by table index.
+    std::size_t shown = 0;
+    for (int r = 0; r < rows(); ++r) {
+        for (int c = 0; c < columns(); ++c, ++shown) {
+            skipFailing([&] {
+                const float value = get_binValueByIndex(table_, r * storedColumns + c);
+                grid_.text(gridRow(r), c + 1, numberText(value));
+                if (shown >= storedCells) return;
+                undo_[shown] = value;
+                undoFilled_[shown] = true;
+                base_[shown] = value;
+            });
+        }
+    }
+}
+
+void TableModel::buildZones() {
+    std::vector<float> headers;
+    for (int c = 1; c <= columns(); ++c) headers.push_back(numberOrZero(grid_.text(0, c)));
+    zones_.buildColumns(headers);
+    headers.clear();
+    for (int r = 1; r <= rows(); ++r) headers.push_back(numberOrZero(grid_.text(r, 0)));
+    zones_.buildRows(headers);
+}
+
+// ---- Where a cell is stored
+
+int TableModel::tableIndex(int row, int column) const {
+    return storedRow(row) * storedColumns + column - 1;
+}
+
+int TableModel::sixteenRowIndex(int row, int column) const {
+    const int stored = inverted_ ? row - 1 : storedHeaders - row;
+    return stored * storedColumns + column - 1;
+}
+
+// ---- Values
+
+float TableModel::get_binValueByIndex(std::string_view table, int index) const {
+    return zentaq::get_binValueByIndex(unit_, table, index, absoluteVe_);
+}
+
+bool TableModel::set_BinValueByIndex(std::string_view table, float value, int index) {
+    return set_binValueByIndex(unit_, table, value, index, absoluteVe_);
+}
+
+float TableModel::get_BinValue(std::string_view table, int row, int column) const {
+    const int index = (shownRows(unit_, table) - row) * storedColumns + column;
+    if (index < 0 || index >= storedCells) return 0;
+    return get_binValueByIndex(table, index);
+}
+
+void TableModel::set_BinValue(std::string_view table, int row, int column, float value) {
+    const int index = (shownRows(unit_, table) - row) * storedColumns + column;
+    if (index >= 0 && index < storedCells) set_BinValueByIndex(table, value, index);
+}
+
+// ---- Cursor and selection
+
+bool TableModel::moveTo(int row, int column) {
+    if (!grid_.hasCell(row, column)) return false;
+    cursor_ = {row, column};
+    if (!selection_.present) selection_ = {row, row, column, column, false};
+    return true;
+}
+
+void TableModel::select(int row, int column, int rowSel, int colSel) {
+    if (grid_.hasCell(row, column)) cursor_ = {row, column};
+    selection_.top = std::min(row, rowSel);
+    selection_.bottom = std::max(row, rowSel);
+    selection_.left = std::min(column, colSel);
+    selection_.right = std::max(column, colSel);
+    selection_.present = row != rowSel || column != colSel;
+}
+
+// ---- Keys and typing
+
+KeyResult TableModel::keyOnGrid(char key) {
+    if (selection_.top == 0 || selection_.left == 0) {
+        select(cursor_.row, cursor_.column, cursor_.row, cursor_.column);
+    }
+    switch (key) {
+        case 'A':
+            if (table_ != "VE") break;
+            toggleAbsolute();
+            return KeyResult::Done;
+        case 'D':
+            if (!hasEstimates()) break;
+            toggleDutyCycle();
+            return KeyResult::Done;
+        case 'P':
+            if (!hasEstimates()) break;
+            togglePulsewidth();
+            return KeyResult::Done;
+        case 'O':
+            Set_KeyDownFlag(!overlaySuppressed_);
+            return KeyResult::Done;
+        case 'X':
+            return KeyResult::Unload;
+        default:
+            break;
+    }
+    Set_KeyDownFlag(true);
+    if (key == '.' || key == ',') {
+        nudge(key == '.');
+        return KeyResult::Done;
+    }
+    const bool printable = key >= ' ' && key <= '~';
+    return printable && view_ == TableView::Values ? KeyResult::StartEdit : KeyResult::Ignored;
+}
+
+std::optional<EditStart> TableModel::startEdit(char key) {
+    if (key == ' ') {
+        return EditStart{grid_.text(cursor_.row, cursor_.column), selectedOnOpen};
+    }
+    const std::string text(1, key);
+    if (key == '.' || key == '-') return EditStart{text, 0};
+    if (std::string_view("!#$@OUX").find(key) != std::string_view::npos) return {};
+    if (!unit_.host().checkInput(numericCheck, text)) return EditStart{text, 0};
+    Set_KeyDownFlag(previousOverlay_);
+    return {};
+}
+
+bool TableModel::mayBeTyped(std::string_view text) {
+    const std::string_view body = trimmed(text);
+    for (const std::string_view beginning : {"", ",", "-,", "-.", "-", "."}) {
+        if (body == beginning) return true;
+    }
+    return isNumeric(body);
+}
+
+Limits TableModel::typingLimits() const {
+    if (table_ == "VE") {
+        return absoluteVe_ ? Limits{50, 150, "(50 to 150%)"} : Limits{-50, 50, "(-50 to 50%)"};
+    }
+    if (table_ == "AFR") {
+        const double share = static_cast<double>(unit_.get("AFR")) / 14.64;
+        const auto low = static_cast<float>(share * 9.76);
+        const auto high = static_cast<float>(share * 29.28);
+        return {low, high, limitsText(low, high, " AFR)")};
+    }
+    if (table_ == "ADV") {
+        const float low = unit_.get("MOFFSET");
+        return {low, low + 60, limitsText(low, low + 60, " Degrees)")};
+    }
+    return {0, 100, "(0 to 100%)"};
+}
+
+bool TableModel::checkTyped(std::string_view typed) {
+    UnitHost& host = unit_.host();
+    if (host.checkInput(blankCheck, typed) || host.checkInput(numericCheck, typed)) return false;
+    const auto value = parseNumber(typed);
+    if (!value) return false;
+    const Limits limits = typingLimits();
+    return !host.checkRange(static_cast<float>(*value), limits.minimum, limits.maximum, limits.text);
+}
+
+bool TableModel::enterValue(std::string_view typed) {
+    if (!checkTyped(typed)) return false;
+    const double value = numberOf(typed);
+    for (int row = selection_.top; row <= selection_.bottom; ++row) {
+        for (int column = selection_.left; column <= selection_.right; ++column) {
+            if (!grid_.hasCell(row, column)) continue;
+            skipFailing([&] { writeCell(static_cast<float>(value), tableIndex(row, column), false); });
+            grid_.text(row, column, numberText(value));
+            if (hasEstimates()) updateEstimate(row, column);
+        }
+    }
+    Set_KeyDownFlag(previousOverlay_);
+    return true;
+}
+
+void TableModel::leaveEdit(std::string_view typed) {
+    grid_.text(cursor_.row, cursor_.column, std::string(typed));
+}
+
+void TableModel::nudge(bool up) {
+    const double step = up ? kind().nudge : -kind().nudge;
+    bool inRange = true;
+    for (int row = selection_.top; inRange && row <= selection_.bottom; ++row) {
+        for (int column = selection_.left; inRange && column <= selection_.right; ++column) {
+            inRange = nudgeCell(row, column, step);
+        }
+    }
+    Set_KeyDownFlag(previousOverlay_);
+}
+
+bool TableModel::nudgeCell(int row, int column, double step) {
+    if (!grid_.hasCell(row, column)) return false;
+    // Kept: takes 16 for the row count whatever ROWS is, unlike every other path.
+    const int index = sixteenRowIndex(row, column);
+    if (index < 0 || index >= storedCells) return false;
+    const bool inView = view_ != TableView::Values;
+    const float before = inView ? get_binValueByIndex(table_, index) : cellNumber(row, column);
+    const auto value = static_cast<float>(static_cast<double>(before) + step);
+    const Limits limits = typingLimits();
+    if (unit_.host().checkRange(value, limits.minimum, limits.maximum, limits.text)) return false;
+    skipFailing([&] { writeCell(value, index, false); });
+    if (!inView) grid_.text(row, column, numberText(value));
+    if (hasEstimates()) updateEstimate(row, column);
+    if (inView) showEstimate(index);
+    return true;
+}
+
+float TableModel::cellNumber(int row, int column) const {
+    return numberOrZero(grid_.text(row, column));
+}
+
+bool TableModel::writeCell(float value, int index, bool silent) {
+    unit_.SILENT_MODE(silent);
+    return set_BinValueByIndex(table_, value, index);
+}
+
+void TableModel::silentWrite(float value, int index, bool silent) {
+    skipFailing([&] { writeCell(value, index, silent); });
+    Set_KeyDownFlag(previousOverlay_);
+}
+
+// ---- Headers
+
+std::optional<std::string> TableModel::headerPrompt(int row, int column) const {
+    const bool isColumn = row == 0 && column > 0;
+    const bool isRow = column == 0 && row > 0;
+    if (view_ != TableView::Values || (!isColumn && !isRow)) return {};
+    std::string name = isColumn ? "RPM" : "MAP";
+    if (kind().isGpo()) name = unit_.GET_TBL_AXIS_TYPE(table_, isColumn ? "COL-AXIS" : "ROW-AXIS");
+    return "Enter a New " + name + " Header Value...";
+}
+
+bool TableModel::enterHeader(int row, int column, std::string_view typed) {
+    if (!headerPrompt(row, column)) return false;
+    const bool isColumn = row == 0;
+    const int line = isColumn ? column : row;
+    return kind().isGpo() ? enterStop(isColumn, line, typed) : enterMainHeader(isColumn, line, typed);
+}
+
+bool TableModel::enterMainHeader(bool isColumn, int line, std::string_view typed) {
+    // An entry of 0, and one that is no number, is ignored.
+    const auto value = static_cast<float>(parseNumber(typed).value_or(0));
+    if (value == 0) return false;
+    const std::string_view axis = isColumn ? "X-Axis" : "Y-Axis";
+    const int index = isColumn ? line - 1 : storedRow(line);
+    if (!setTableHeader(unit_, table_, axis, index, static_cast<double>(value))) return false;
+    const float stored = tableHeader(unit_, table_, axis, index);
+    if (isColumn) {
+        if (stored != value) return false;
+        grid_.text(0, line, numberText(stored));
+        // Kept: the array entry written is one place past the header changed.
+        columnHeaders_.at(static_cast<std::size_t>(line)) = stored;
+        buildZones();
+        return true;
+    }
+    if (stored != roundTo(value, std::max(unit_.MAPPrecision(), 0))) return false;
+    grid_.text(line, 0, numberText(stored));
+    rowHeaders_.at(static_cast<std::size_t>(index)) = stored;
+    return true;
+}
+
+bool TableModel::enterStop(bool isColumn, int line, std::string_view typed) {
+    if (trimmed(typed).empty()) return false;
+    const std::string_view axis = isColumn ? "X-Axis" : "Y-Axis";
+    const int index = isColumn ? line - 1 : storedRow(line);
+    if (!setTableHeader(unit_, table_, axis, index, Entry(typed))) return false;
+    const int row = isColumn ? 0 : line;
+    const int column = isColumn ? line : 0;
+    grid_.text(row, column, numberText(numberOf(typed)));
+    return true;
+}
+
+void TableModel::pickAxis(std::string_view key) {
+    if (!kind().isGpo() || key.size() < 2) return;
+    const std::string_view axis = key.front() == 'X' ? "COL-AXIS" : "ROW-AXIS";
+    const std::string_view axisKind = key.substr(2);
+    unit_.SET_TBL_AXIS_TYPE(table_, axis, axisKind);
+    spreadAxis(unit_, table_, axis, axisKind);
+    rebuild();
+}
+
+// ---- Clipboard
+
+std::string TableModel::clip() const {
+    std::string cells;
+    for (int row = selection_.top; row <= selection_.bottom; ++row) {
+        for (int column = selection_.left; column <= selection_.right; ++column) {
+            if (column > selection_.left) cells += '\t';
+            if (grid_.hasCell(row, column)) cells += grid_.text(row, column);
+        }
+        if (row < selection_.bottom) cells += '\r';
+    }
+    return cells;
+}
+
+void TableModel::paste(std::string_view clipboard) {
+    if (clipboard.empty()) return;
+    const int lastRow = selection_.present ? selection_.bottom : rows();
+    const int lastColumn = selection_.present ? selection_.right : columns();
+    int row = selection_.top;
+    for (const std::string& line : split(withPlainLineEnds(clipboard), '\n')) {
+        int column = selection_.left;
+        for (const std::string& cell : split(line, '\t')) {
+            if (row <= lastRow && column <= lastColumn && grid_.hasCell(row, column)) {
+                grid_.text(row, column, cell);
+            }
+            ++column;
+        }
+        ++row;
+    }
+    saveEntireTable();
+}
+
+// ---- The whole grid
+
+void TableModel::saveEntireTable() {
+    for (int row = 1; row <= rows(); ++row) {
+        for (int column = 1; column <= columns(); ++column) {
+            skipFailing([&] {
+                const int index = tableIndex(row, column);
+                const auto value = static_cast<float>(numberOf(grid_.text(row, column)));
+                if (index < storedCells) set_BinValueByIndex(table_, value, index);
+            });
+        }
+    }
+    unit_.SET_TBL_DIMENSIONS(table_, "ROWS", rows());
+    unit_.SET_TBL_DIMENSIONS(table_, "COLS", columns());
+}
+
+void TableModel::save() {
+    if (view_ != TableView::Values) {
+        leaveViews();
+        rebuild();
+    }
+    saveEntireTable();
+}
+
+void TableModel::restore() {
+    const Limits limits = typingLimits();
+    for (int i = 0; i < storedCells; ++i) {
+        const auto at = static_cast<std::size_t>(i);
+        // What no build has filled holds 0; where 0 is no value of the table it is left out without a box.
+        if (!undoFilled_[at] && (undo_[at] < limits.minimum || undo_[at] > limits.maximum)) continue;
+        skipFailing([&] { writeCell(undo_[at], i, true); });
+    }
+    Set_KeyDownFlag(previousOverlay_);
+    unit_.host().sysLog("TBL: Data Restore Completed Successfully.");
+    rebuild();
+}
+
+// ---- Views
+
+bool TableModel::hasEstimates() const {
+    return kind().isFuel();
+}
+
+void TableModel::updateEstimate(int row, int column) {
+    // Kept: estimates go by 16 rows whatever ROWS is, in the trim they read and in their place in the lists.
+    const int index = sixteenRowIndex(row, column);
+    skipFailing(
+        [&] { ecu_.Injector_Pulsewidth(unit_, index, numberOrZero(grid_.text(row, 0)), table_ == "SPW"); });
+    skipFailing([&] { ecu_.Injector_DutyCycle(unit_, numberOrZero(grid_.text(0, column)), index); });
+}
+
+void TableModel::refreshEstimates() {
+    if (!hasEstimates()) return;
+    for (int row = 1; row <= rows(); ++row) {
+        for (int column = 1; column <= columns(); ++column) updateEstimate(row, column);
+    }
+}
+
+void TableModel::showEstimate(int index) {
+    const int stored = index / storedColumns;
+    const int row = inverted_ ? stored + 1 : storedHeaders - stored;
+    const int column = index % storedColumns + 1;
+    if (!grid_.hasCell(row, column)) return;
+    const bool isWidth = view_ == TableView::PulseWidth;
+    const bool tooShort = isWidth && table_ != "SPW" && ecu_.pulseWidthMs(index) < unit_.get("MT");
+    const bool tooLong = !isWidth && ecu_.dutyPercent(index) >= 100;
+    grid_.text(row, column, isWidth ? ecu_.Get_PulseWidth(index) : ecu_.Get_DutyCycle(index));
+    grid_.colour(row, column, tooShort || tooLong ? alarmRed : TableGrid::white);
+}
+
+void TableModel::showView(TableView view) {
+    view_ = view;
+    paintMemory_.erase();
+    if (view == TableView::Values) {
+        rebuild();
+        return;
+    }
+    for (int index = 0; index < storedCells; ++index) {
+        skipFailing([&] { showEstimate(index); });
+    }
+}
+
+bool TableModel::toggleView(TableView view) {
+    if (!hasEstimates()) return false;
+    showView(view_ == view ? TableView::Values : view);
+    return true;
+}
+
+void TableModel::togglePulsewidth() {
+    toggleView(TableView::PulseWidth);
+}
+
+void TableModel::toggleDutyCycle() {
+    toggleView(TableView::DutyCycle);
+}
+
+void TableModel::leaveViews() {
+    view_ = TableView::Values;
+}
+
+void TableModel::toggleAbsolute() {
+    if (table_ != "VE") return;
+    absoluteVe_ = !absoluteVe_;
+    leaveViews();
+    rebuild();
+}
+
+void TableModel::invert() {
+    if (kind().isGpo()) return;
+    leaveViews();
+    Setup_Grid({}, {}, !inverted_);
+}
+
+void TableModel::home() {
+    leaveViews();
+    Setup_Grid({}, {}, false);
+}
+
+void TableModel::reset() {
+    leaveViews();
+    rebuild();
+}
+
+std::string TableModel::timeOfGap() const {
+    return numberText(unit_.get("scale1"));
+}
+
+std::string TableModel::injectorOn() const {
+    return numberText(unit_.get("INJ_On"));
+}
+
+bool TableModel::enterTime(std::string_view member, std::string_view typed) {
+    UnitHost& host = unit_.host();
+    if (trimmed(typed).empty()) {
+        host.displayWarning(emptyWarning, {});
+        return false;
+    }
+    if (host.checkInput(numericCheck, typed) || !unit_.set(member, Entry(typed))) return false;
+    host.sysLog("Change Accepted");
+    refreshEstimates();
+    if (view_ != TableView::Values) showView(view_);
+    return true;
+}
+
+// ---- Colours and live tracking
+
+void TableModel::colorizeGraph(bool white) {
+    if (table_ != "VE" && !white) return;
+    const double midpoint = table_ == "VE" && absoluteVe_ ? 100 : kind().colourMidpoint;
+    for (int row = 1; row <= rows(); ++row) {
+        for (int column = 1; column <= columns(); ++column) {
+            std::int32_t colour = TableGrid::white;
+            if (!white) {
+                skipFailing([&] {
+                    const float value = get_binValueByIndex(table_, tableIndex(row, column));
+                    colour = shadeOf(value, midpoint, kind().colourScale);
+                });
+            }
+            grid_.colour(row, column, colour);
+        }
+    }
+}
+
+void TableModel::repaint() {
+    for (int column = 1; column <= storedColumns; ++column) {
+        for (int row = 1; row <= storedHeaders; ++row) {
+            if (!grid_.hasCell(row, column)) continue;
+            grid_.colour(row, column, paintColour(paintMemory_.at(row, column)));
+        }
+    }
+}
+
+void TableModel::repaintRemembered() {
+    // A cell that was never painted keeps the shade of its value.
+    for (int column = 1; column <= storedColumns; ++column) {
+        for (int row = 1; row <= storedHeaders; ++row) {
+            const Paint paint = paintMemory_.at(row, column);
+            if (paint == Paint::White || !grid_.hasCell(row, column)) continue;
+            grid_.colour(row, column, paintColour(paint));
+        }
+    }
+}
+
+void TableModel::whiteOut() {
+    paintMemory_.erase();
+    repaint();
+}
+
+float TableModel::liveValueOf(std::string_view axis) const {
+    const std::string axisKind = unit_.GET_TBL_AXIS_TYPE(table_, axis);
+    const bool fahrenheit = showsFahrenheit(axis);
+    if (axisKind == "CLT") return fahrenheit ? Ecu::toFahrenheit(live_.CLT) : live_.CLT;
+    if (axisKind == "MAT") return fahrenheit ? Ecu::toFahrenheit(live_.MAT) : live_.MAT;
+    // Kept: a raw pressure axis follows the coolant temperature.
+    if (axisKind == "RAW MAP") return live_.CLT;
+    if (axisKind == "BLEND MAP") return live_.MAP;
+    if (axisKind == "TPS") return live_.TPS;
+    if (axisKind == "ACTUAL AFR") return live_.AAFR;
+    if (axisKind == "RPM") return live_.RPM;
+    if (axisKind.size() == 5 && axisKind.starts_with("GPIO")) {
+        return leadingNumber(unit_.GPIODisplay.at(static_cast<std::size_t>(axisKind[4] - '1')));
+    }
+    return 0;
+}
+
+void TableModel::placeMarker(float x, float y) {
+    const std::span<const float> all(columnHeaders_);
+    const std::span<const float> allRows(rowHeaders_);
+    const auto column = placeOfColumn(all.first(static_cast<std::size_t>(columns())), x);
+    const auto row = placeOfRow(allRows.first(static_cast<std::size_t>(rows())), y);
+    if (column) marker_.column = 1 + *column;
+    if (row) marker_.row = inverted_ ? 1 + *row : rows() - *row;
+    marker_.visible = true;
+}
+
+void TableModel::Show_Current_Activity(float x, float y) {
+    if (x == 0 && y == 0) {
+        x = kind().isGpo() ? liveValueOf("COL-AXIS") : live_.RPM;
+        y = kind().isGpo() ? liveValueOf("ROW-AXIS") : live_.MAP;
+    }
+    placeMarker(x, y);
+    if (overlaySuppressed_) return;
+    const GridCell cell = zones_.cellOf(x, y, cursor_);
+    if (!moveTo(cell.row, cell.column) || autoVeActive_) return;
+    if (colourMode_ == TableColour::Afr) {
+        paintByAfr();
+    } else {
+        paintCurrent(Paint::Yellow);
+        paintMemory_.remember(cursor_.row, cursor_.column, Paint::Yellow);
+    }
+}
+
+void TableModel::paintCurrent(Paint paint) {
+    grid_.colour(cursor_.row, cursor_.column, paintColour(paint));
+}
+
+void TableModel::paintByAfr() {
+    const double actual = live_.AAFR;
+    const double desired = live_.DAFR;
+    const auto paint = [&](Paint shown, Paint remembered) {
+        paintCurrent(shown);
+        paintMemory_.remember(cursor_.row, cursor_.column, remembered);
+    };
+    // Kept: yellow and green are crossed over between the cell and the memory, so a repaint exchanges them.
+    if (desired - afrBand > actual) paint(Paint::Yellow, Paint::Green);
+    if (actual >= desired - afrBand && actual <= desired + afrBand) paint(Paint::Green, Paint::Yellow);
+    if (desired + afrBand <= actual) paint(Paint::Red, Paint::Red);
+    if (actual == desired) paint(Paint::Blue, Paint::Blue);
+}
+
+void TableModel::Set_KeyDownFlag(bool suppressed) {
+    previousOverlay_ = overlaySuppressed_;
+    overlaySuppressed_ = suppressed;
+}
+
+// ---- What the window offers
+
+PopupItems TableModel::popupItems() const {
+    struct Offer {
+        int kindSlot;
+        int release;
+    };
+    constexpr std::array offers{Offer{3, 5}, Offer{4, 7}, Offer{6, 5}, Offer{7, 5}, Offer{8, 5}};
+    PopupItems items;
+    items.interpolateAndSmooth = selection_.present;
+    const bool offered = std::any_of(offers.begin(), offers.end(), [&](const Offer& offer) {
+        return offer.kindSlot == unit_.kind().slot && unit_.FW_Release() >= offer.release;
+    });
+    items.rowsAndColumns = offered && !selection_.present;
+    items.newColumn = columns() < 16;
+    items.newRow = rows() < 16;
+    items.removeColumn = columns() >= 9;
+    items.removeRow = rows() >= 9;
+    return items;
+}
+
+ToolbarItems TableModel::toolbarItems() const {
+    constexpr int kindPzk2 = 5;
+    ToolbarItems items;
+    items.onFlyItems = unit_.ONFLY_MODE();
+    items.fuelViews = kind().isFuel();
+    items.axisButtons = kind().isGpo();
+    items.columnAxis = "X: " + unit_.GET_TBL_AXIS_TYPE(table_, "COL-AXIS");
+    items.rowAxis = "Y: " + unit_.GET_TBL_AXIS_TYPE(table_, "ROW-AXIS");
+    if (table_ == "VE") items.displayCaption = "VE %";
+    if (table_ == "SPW") items.displayCaption = "Staged %";
+    if (table_ == "ADV" && unit_.kind().slot != kindPzk2) items.displayCaption = "Table Adv";
+    items.overlayItem = overlaySuppressed_ ? "Turn Overlay ON" : "Turn Overlay OFF";
+    return items;
+}
+
+}  // namespace zentaq

@@ -1,0 +1,115 @@
+#include "live/check_engine.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "base/errors.h"
+#include "live/calibration_fixture.h"
+
+namespace zentaq {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+/// A T reply whose data byte `n` (1 to 12) has a value; all others hold no code.
+Texts codesWith(int slot, int n, int value) {
+    test::Calibration calibration(slot);
+    std::vector<std::uint8_t> reply(16, 255);
+    reply[static_cast<std::size_t>(n + 2)] = static_cast<std::uint8_t>(value);
+    calibration.unit.Set_ECData(reply);
+    return activeCodes(calibration.unit);
+}
+
+TEST(CheckEngine, AWordOf255HoldsNoCode) {
+    EXPECT_EQ(codesWith(3, 1, 255), Texts{});
+}
+
+TEST(CheckEngine, AClearedBitIsASetCode) {
+    EXPECT_EQ(codesWith(3, 1, 0xFD), Texts{"12 - Trigger Wheel Error"});
+    EXPECT_EQ(codesWith(3, 2, 0xFF - 0x01 - 0x20),
+              (Texts{"21 - TPS Sensor Failed High", "26 - CLT Sensor Failed Low"}));
+}
+
+TEST(CheckEngine, AWordOf0HoldsAllEightOfItsRow) {
+    EXPECT_EQ(codesWith(3, 3, 0), (Texts{"31 - MAT Sensor Failed High", "32 - MAT Sensor Failed Low",
+                                         "33 - BAT Voltage Failed High", "34 - BAT Voltage Failed Low",
+                                         "35 - Knock Response too Long", "36 - Knock Not Detected",
+                                         "37 - EGO Lean Too Long", "38 - EGO Rich Too Long"}));
+    EXPECT_EQ(codesWith(4, 12, 0),
+              (Texts{"Intermittent ISC1 Thermal Shutdown", "Intermittent ISC2 Short to Battery or Open Load",
+                     "Intermittent ISC3 Short to Ground", " ", " ", " ", " ", " "}));
+}
+
+TEST(CheckEngine, Kind3HasAnalogueInputsWhereOthersHaveOutputs) {
+    EXPECT_EQ(codesWith(3, 4, 0x7F), Texts{"48 - AD4 Failed Low"});
+    EXPECT_EQ(codesWith(4, 4, 0xEF), Texts{"45 - GPO9 Failed"});
+    EXPECT_EQ(codesWith(3, 10, 0xFE), Texts{"Intermittent AD1 Failed High"});
+    EXPECT_EQ(codesWith(7, 10, 0xFE), Texts{"Intermittent GPO5 Failed"});
+}
+
+TEST(CheckEngine, TheIntermittentRowsKeepTheirOddPlaces) {
+    EXPECT_EQ(CheckEngineTexts::text(3, 7, 0), " ");
+    EXPECT_EQ(CheckEngineTexts::text(3, 11, 6), "Spare Out");
+    EXPECT_THROW(CheckEngineTexts::text(3, 0, 0), BoundsError);
+    EXPECT_THROW(CheckEngineTexts::text(3, 13, 0), BoundsError);
+}
+
+TEST(CheckEngine, AskingPastTheTwelveWordsIsAnError) {
+    test::Calibration calibration(3);
+    EXPECT_NO_THROW(calibration.unit.Get_ECData(11));
+    EXPECT_THROW(calibration.unit.Get_ECData(12), BoundsError);
+}
+
+TEST(ShortCodes, AreTwoFieldsOf7Characters) {
+    EXPECT_EQ(shortCode("21 - TPS Sensor Failed High"), (ShortCode{"TPS SEN", "FAIL HI"}));
+    EXPECT_EQ(shortCode("12 - Trigger Wheel Error"), (ShortCode{"TRIGGER", "ERROR  "}));
+    EXPECT_EQ(shortCode("Intermittent TPS Sensor High"), (ShortCode{"INTRMT ", "TPS HI "}));
+    EXPECT_EQ(shortCode(" "), std::nullopt);
+    EXPECT_EQ(shortCode("no such code"), std::nullopt);
+}
+
+TEST(ShortCodes, CoverEveryTextOfEveryKindWithoutRepeating) {
+    std::set<std::string> shown;
+    std::set<std::string_view> texts;
+    for (const int slot : {3, 4}) {
+        for (int row = 1; row <= 12; ++row) {
+            for (int bit = 0; bit < 8; ++bit) {
+                const std::string_view text = CheckEngineTexts::text(slot, row, bit);
+                if (text == " ") continue;
+                const auto code = shortCode(text);
+                ASSERT_TRUE(code) << text;
+                EXPECT_EQ(code->top.size(), 7U) << text;
+                EXPECT_EQ(code->bottom.size(), 7U) << text;
+                texts.insert(text);
+                shown.insert(code->top + code->bottom);
+            }
+        }
+    }
+    EXPECT_EQ(texts.size(), 94U);  // 48 + 5 failures, 36 + 5 intermittent
+    EXPECT_EQ(shown.size(), texts.size());
+}
+
+TEST(CheckEngineDisplay, StepsThroughFilledEntriesAndBeginsAgain) {
+    CheckEngineDisplay display;
+    EXPECT_EQ(display.step(), std::nullopt);
+    display.Update_CHKE("Intermittent ISC3 Short to Ground");
+    display.Update_CHKE("12 - Trigger Wheel Error");
+    display.Update_CHKE("12 - Trigger Wheel Error");
+    display.Update_CHKE(" ");
+    EXPECT_EQ(display.step()->top, "TRIGGER");
+    EXPECT_EQ(display.step()->bottom, "ISC3   ");
+    EXPECT_EQ(display.step()->top, "TRIGGER");
+}
+
+TEST(CheckEngineDisplay, ClearingEmptiesIt) {
+    CheckEngineDisplay display;
+    display.Update_CHKE("58 - TACH Failed");
+    EXPECT_FALSE(display.empty());
+    display.Clear_CHKE();
+    EXPECT_TRUE(display.empty());
+    EXPECT_EQ(display.step(), std::nullopt);
+}
+
+}  // namespace
+}  // namespace zentaq
