@@ -15,3 +15,18 @@ add_custom_command(
   DEPENDS zentaq-refdata ${seed_tables}
   COMMENT "Making the reference database" VERBATIM)
 add_custom_target(zentaq_reference_database ALL DEPENDS ${REFERENCE_DATABASE})
+
+# The sample calibrations are made from readable texts, through the same core that a tuner's new one goes through.
+zentaq_program(zentaq-samples LINK zentaq_config)
+set_target_properties(zentaq-samples PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tools)
+set(SAMPLE_TEXTS ${PROJECT_SOURCE_DIR}/data/samples)
+file(GLOB sample_texts CONFIGURE_DEPENDS ${SAMPLE_TEXTS}/*.txt)
+set(SAMPLES_STAMP ${PROJECT_BINARY_DIR}/samples.stamp)
+add_custom_command(
+  OUTPUT ${SAMPLES_STAMP}
+  COMMAND ${CMAKE_COMMAND} -E rm -rf ${APP_FOLDER}/samples
+  COMMAND zentaq-samples ${REFERENCE_DATABASE} ${SAMPLE_TEXTS} ${APP_FOLDER}/samples
+  COMMAND ${CMAKE_COMMAND} -E touch ${SAMPLES_STAMP}
+  DEPENDS zentaq-samples ${REFERENCE_DATABASE} ${sample_texts}
+  COMMENT "Making the sample calibrations" VERBATIM)
+add_custom_target(zentaq_samples ALL DEPENDS ${SAMPLES_STAMP})

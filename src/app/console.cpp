@@ -18,16 +18,16 @@ void Console::SysLog(std::string_view kind, std::string_view tag, std::string_vi
     const Record record{fixedWidth(formatNumber(counter_, "0000"), 4), fixedWidth(kind, 1),
                         fixedWidth(tag, 8), fixedWidth(text, textWidth), fixedWidth(clock_.timeText(), 8)};
     if (text.size() <= textWidth) {
-        emit(record, record.text);
+        writeLine(record, record.text);
         return;
     }
     // Kept: with an odd length whose half rounds down, the middle character is in neither line.
     const auto half = static_cast<std::size_t>(toInt32(static_cast<double>(text.size()) / 2));
-    emit(record, text.substr(0, half).substr(0, textWidth));
-    emit(record, "   ..." + std::string(text.substr(text.size() - half).substr(0, textWidth)));
+    writeLine(record, text.substr(0, half).substr(0, textWidth));
+    writeLine(record, "   ..." + std::string(text.substr(text.size() - half).substr(0, textWidth)));
 }
 
-void Console::emit(const Record& record, std::string_view text) {
+void Console::writeLine(const Record& record, std::string_view text) {
     const std::string line = record.time + " - " + std::string(text);
     plainLine(line);
     if (logToFile_) append(line);

@@ -47,7 +47,7 @@ class Console {
     struct Record {
         std::string sequence, kind, tag, text, time;
     };
-    void emit(const Record& record, std::string_view text);
+    void writeLine(const Record& record, std::string_view text);
     void append(const std::string& line) const;
 
     const Clock& clock_;

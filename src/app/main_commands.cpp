@@ -193,10 +193,11 @@ void MainCommands::finishOpening(const std::string& path) {
     const LinkedUnit& linked = session_.link.linked();
     const bool matches = linked.LinkedUnitKind == session_.currentUnit();
     if (linked.LinkedUnitKind != 0 && !matches) {
-        session_.show({"Unit Type Mismatch",
-                       "This calibration file is for a different system than that connected.\n"
-                       "You may still edit the calibration file, but no changes will be made to the unit.",
-                       Icon::Exclamation, Buttons::Ok});
+        session_.dialogs().show(
+            {"Unit Type Mismatch",
+             "This calibration file is for a different system than that connected.\n"
+             "You may still edit the calibration file, but no changes will be made to the unit.",
+             Icon::Exclamation, Buttons::Ok});
     }
     session_.FileFilterIndex = unit.kind().fileFilter;
     session_.CurrentFile = path;

@@ -132,7 +132,9 @@ void Session::displayWarning(int code, std::string_view text) {
 }
 
 void Session::inform(std::string_view text) {
-    platform_.dialogs.show({"Zentaq4", std::string(text), Icon::Information, Buttons::Ok});
+    // Also called while the link stores a unit's firmware, so not from inside its handler.
+    const Box box{"Zentaq4", std::string(text), Icon::Information, Buttons::Ok};
+    show(box);
 }
 
 void Session::sendOnFly(std::string_view record) {
@@ -192,8 +194,14 @@ void Session::commLog(std::string_view text) {
     if (console.CommLog(text) && !link.TransferActive()) windows_->clearPanel3();
 }
 
+// A reply handler that told a user something would stand still until the answer, and the frames of a running
+// engine with it: its boxes come from the event loop.
 void Session::show(const Box& box) {
-    platform_.dialogs.show(box);
+    windows_->later([this, box] { platform_.dialogs.show(box); });
+}
+
+void Session::displayMessage(int code) {
+    windows_->later([this, code] { messages.Display_Message(code); });
 }
 
 void Session::initializeOnFly(bool on) {

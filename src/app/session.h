@@ -127,7 +127,7 @@ class Session : public UnitHost, public LinkHost {
     int currentUnit() const override;
     float fileFirmwareCode() const override { return header_.firmwareCode; }
     void commLog(std::string_view text) override;
-    void displayMessage(int code) override { displayMessage(code, {}); }
+    void displayMessage(int code) override;
     void show(const Box& box) override;
     void initializeOnFly(bool on) override;
     void onFlyLock(bool busy) override;

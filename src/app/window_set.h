@@ -1,6 +1,7 @@
 // What the core asks of the windows. A program without windows uses the quiet defaults.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -47,6 +48,9 @@ class WindowSet {
     virtual void updateDisplay() {}           ///< the dashboard is due; it draws at most 60 times a second
     virtual void resetDashboard() {}
     virtual void clearPanel3() {}
+
+    /// Runs something from the event loop, soon. Without windows at once.
+    virtual void later(std::function<void()> something) { something(); }
 };
 
 }  // namespace zentaq

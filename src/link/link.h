@@ -1,0 +1,221 @@
+// frmCOMM: the command ring, the tick machine, the reply handlers and the transfers of the one serial link.
+// Strict request and reply: one command in flight, every time-out a count of ticks.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "link/link_host.h"
+#include "link/link_status.h"
+#include "live/live_values.h"
+#include "platform/clock.h"
+#include "platform/serial_port.h"
+#include "platform/settings_store.h"
+#include "platform/yield.h"
+
+namespace zentaq {
+
+class FrameDecoder;
+
+/// What the unit on the link has told about itself.
+struct LinkedUnit {
+    std::int32_t SerialNumber = 0;  ///< 0 means none
+    int LinkedUnitKind = 0;         ///< 0 means none
+    bool UnitFound = false;
+    bool UnitIdentified = false;
+    bool WideMonitor = false;
+    bool OldFirmware = false;
+    int UnitSubType = 0;      ///< kind 3 only: subtype byte plus 1
+    std::string UnitBinName;  ///< 24 characters, not trimmed
+};
+
+enum class TransferMode { Calibration = 1, Firmware = 2, Datalog = 3 };
+
+class Link {
+ public:
+    static constexpr int ringSize = 512;
+
+    Link(SerialPort& port, LinkHost& host, FrameDecoder& decoder, LiveValues& live, SettingsStore& settings,
+         Clock& clock, Yield& yield);
+    ~Link();
+
+    // ---- Life of the hidden window
+    void load();    ///< "COMM. Initialized.", opens the port, empties the ring
+    void unload();  ///< "COMM. Terminated."
+
+    // ---- Transport
+    bool RS232_Initialize(int portNumber);
+    void RS232_Close();
+    void RS232_OUTPUT(std::string_view command);
+    void ORB_Initialize();
+    void ORB_Close();
+    /// Searches ports 1 to 12; answers the port or 0. Yields: ticks, replies and user events run meanwhile.
+    int Autodetect_COMM_Port();
+    void COMM_StatusMessage(std::string_view title, std::string_view line1, std::string_view line2,
+                            std::string_view state);
+    int commPort() const { return commPort_; }
+    void commPort(int number) { commPort_ = number; }
+
+    // ---- Queue and state machine
+    void Send_ORB_Command(std::string_view command);
+    void SEND_ONFLY(std::string_view record);
+    void tick();  ///< one firing of tmrSerial
+    /// Whether a reply in RxBuffer carries a right checksum for a command. False for a short reply.
+    bool commCheckSum(std::string_view command) const;
+    void PROCESS_RESPONSE();
+
+    // ---- Transfers
+    /// Starts a bulk transfer. `path`: the firmware file or the datalog to write; unused for a calibration.
+    /// Throws FileError when a file cannot be opened, and Failure while another transfer runs; nothing
+    /// has been queued then. The first failure also lets polling go on (AutoPollSuspended false).
+    void Program_Unit(TransferMode mode, const std::string& path);
+    /// Closes a bulk transfer, tells the user how it ended and lets polling go on.
+    void End_Transfer(bool success);
+
+    // ---- State that others read
+    const LinkedUnit& linked() const { return linked_; }
+    const LinkStatus& status() const { return status_; }
+    LinkStatus& editStatus();  ///< for the poller, which shows the no-connect panel
+    /// Brings the panel over the dashboard into view with a text, or moves it out of sight.
+    void showNoConnectPanel(std::string_view text);
+    void hideNoConnectPanel();
+    /// Units(LinkedUnitKind); the null unit while no unit is known.
+    Unit& linkedUnit() { return host_.unit(linked_.LinkedUnitKind); }
+    /// A tick or a reply is being handled: a box or a yield of the handler let other events in.
+    /// Ticks do nothing meanwhile, and pollers queue nothing.
+    bool handling() const { return handling_; }
+    int QueueHead() const { return queueHead_; }
+    int QueueTail() const { return queueTail_; }
+    bool ResponseReady() const { return responseReady_; }
+    int QueuedCommands() const { return queuedCommands_; }
+    const std::string& CurrentCommand() const { return currentCommand_; }
+    bool TransferActive() const { return transferActive_; }
+    bool OnFlyBusy() const { return onFlyBusy_; }
+    bool AutoPollSuspended() const { return autoPollSuspended_; }
+    void AutoPollSuspended(bool on) { autoPollSuspended_ = on; }
+    int TransferLine() const { return transferLine_; }
+    int TransferLines() const { return transferLines_; }
+    const std::vector<std::uint8_t>& RxBuffer() const { return rxBuffer_; }
+
+ private:
+    using Reply = std::vector<std::uint8_t>;
+    using ReplyHandler = void (Link::*)(const Reply&);
+
+    // Transport
+    void onComm(CommEvent event);
+    void showReplyStatus();
+    void showCommandStatus(std::string_view key);
+    void discardInput();
+    void drainPort();
+    bool waitForUnit();
+    void log(std::string_view text);
+    /// The one place that changes the status: `changes` moves when the value does.
+    template <typename T, typename V>
+    void show(T LinkStatus::*field, V&& value) {
+        T wanted(std::forward<V>(value));
+        if (status_.*field == wanted) return;
+        status_.*field = std::move(wanted);
+        ++status_.changes;
+    }
+    void startProgress();
+    void stepProgress(int current, int total);
+    void removeProgress();
+
+    // Tick machine
+    void sendNextCommand();
+    bool nothingToSend() const;
+    int replyLengthFor(std::string_view key);
+    void prepareTransfer(std::string_view key);
+    void dropQueueBehindHead();
+    void reactToReply();
+    bool sendLine();
+    void waitForReply();
+    void waitForFrame();
+    void timeOut();
+    void watchStalledTransfer();
+    enum class FirmwareRestore { Always, IfUnitKnown };
+    void loseLink(FirmwareRestore restore);
+    void restoreFileFirmware();
+    void abandonCommand();
+    std::string& place(int index) { return commandQueue_.at(static_cast<std::size_t>(index)); }
+    const std::string& place(int index) const { return commandQueue_.at(static_cast<std::size_t>(index)); }
+    static int wrapped(int index) { return index & (ringSize - 1); }
+
+    // Replies
+    void processResponse();
+    static ReplyHandler handlerFor(std::string_view key);
+    void replyClearCodes(const Reply& reply);
+    void replyFirmware(const Reply& reply);
+    void replyConfiguration(const Reply& reply);
+    void replyDatalogRecord(const Reply& reply);
+    void replyIdentify(const Reply& reply);
+    void replyFrame(const Reply& reply);
+    void replyGpio(const Reply& reply);
+    void replyNothing(const Reply& reply);
+    void replyLine(const Reply& reply);
+    void replyOnTheFly(const Reply& reply);
+    void replySaved(const Reply& reply);
+    void replyCodes(const Reply& reply);
+    void replyWideFrame(const Reply& reply);
+    void replyZeroAdvance(const Reply& reply);
+    bool readSerialNumber(const Reply& reply);
+    bool findUnitKind();
+    void fillDashboardDefaults();
+    void acceptUnit(std::string_view text);
+    void warnOldFirmware();
+    void storeFirmware(const Reply& reply);
+    void warnUnitMismatch();
+    void warnNewFirmware();
+    void showSubType(int subType);
+    void askForConfiguration();
+    void endDownload();
+
+    // Transfers
+    void startCalibration();
+    void startFirmware(const std::string& path);
+    void startDatalog(const std::string& path);
+    void openTransferFile(const std::string& path, std::ios::openmode mode);
+    void closeTransferFile();
+    bool Send_Next_Line();
+    void queueLine(std::string line);
+    void reportSuccess();
+    void reportFailure();
+
+    SerialPort& port_;
+    LinkHost& host_;
+    FrameDecoder& decoder_;
+    LiveValues& live_;
+    SettingsStore& settings_;
+    Clock& clock_;
+    Yield& yield_;
+    LinkedUnit linked_;
+    LinkStatus status_;
+    int commPort_ = 1;
+
+    std::array<std::string, ringSize> commandQueue_;
+    int queueHead_ = 0;
+    int queueTail_ = 0;
+    int queuedCommands_ = 0;
+    std::string currentCommand_;
+    bool transferActive_ = false;
+    bool responseReady_ = false;
+    bool onFlyBusy_ = false;
+    bool autoPollSuspended_ = false;
+    bool handling_ = false;
+    int transferLine_ = 0;
+    int transferLines_ = 0;
+    int tickCount_ = 0;
+    int paceCount_ = 0;
+    int retryCount_ = 0;
+    std::string responseHeader_;
+    std::vector<std::uint8_t> rxBuffer_;
+    std::fstream transferStream_;
+};
+
+}  // namespace zentaq

@@ -1,0 +1,240 @@
+// The command ring and the tick machine: one command in flight, every time-out a count of ticks.
+// A failing statement of a tick is skipped.
+#include "base/errors.h"
+#include "base/rounding.h"
+#include "link/link.h"
+#include "link/link_commands.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr int lineGapTicks = 10;
+constexpr int framePatienceTicks = 21;
+constexpr int frameRetries = 3;
+constexpr int stallPatienceTicks = 1000;
+/// Bytes of an E reply of the oldest format; a newer unit's 8 bytes are there too when the line goes quiet.
+constexpr int oldIdentifyLength = 6;
+constexpr int orbaKindNumber = 3;
+
+/// Marks the span in which a handler runs, so that events that it lets in do not start it again.
+class HandlingScope {
+ public:
+    explicit HandlingScope(bool& flag) : flag_(flag) { flag_ = true; }
+    ~HandlingScope() { flag_ = false; }
+    HandlingScope(const HandlingScope&) = delete;
+    HandlingScope& operator=(const HandlingScope&) = delete;
+
+ private:
+    bool& flag_;
+};
+
+unsigned byteAt(const std::vector<std::uint8_t>& bytes, int index) {
+    return bytes.at(static_cast<std::size_t>(index));
+}
+
+bool isFrameKey(std::string_view key) {
+    return key == "F" || key == "I";
+}
+
+int lastSummedByte(const CommandRow& row, const SizeConstants& sizes) {
+    switch (row.checksum) {
+        case ChecksumRule::BeforeEnd:
+            return sizes.*row.replyLength - 2;
+        case ChecksumRule::AtIndexSix:
+            return 6;
+        default:
+            return 0;
+    }
+}
+
+}  // namespace
+
+void Link::Send_ORB_Command(std::string_view command) {
+    place(queueTail_) = command;
+    ++queuedCommands_;
+    queueTail_ = wrapped(queueTail_ + 1);
+    // kept: the overrun loses the oldest command, and QueuedCommands goes on counting it.
+    if (queueTail_ == queueHead_) queueHead_ = wrapped(queueHead_ + 1);
+}
+
+void Link::SEND_ONFLY(std::string_view record) {
+    Send_ORB_Command("P2" + std::string(record));
+}
+
+void Link::tick() {
+    if (handling_) return;
+    const HandlingScope scope(handling_);
+    if (currentCommand_.empty()) {
+        sendNextCommand();
+    } else if (responseReady_) {
+        reactToReply();
+    } else {
+        waitForReply();
+    }
+}
+
+void Link::PROCESS_RESPONSE() {
+    if (handling_) return;
+    const HandlingScope scope(handling_);
+    processResponse();
+}
+
+bool Link::commCheckSum(std::string_view command) const {
+    const std::string_view key = commandKey(command);
+    const CommandRow* row = findCommand(key);
+    if (row && row->checksum == ChecksumRule::Unchecked) return true;
+    bool right = false;
+    skipFailing([&] {
+        const SizeConstants& sizes = host_.unit(linked_.LinkedUnitKind).kind().sizes;
+        const int last = row ? lastSummedByte(*row, sizes) : 0;
+        unsigned sum = 0;
+        for (int i = 2; i <= last; ++i) sum += byteAt(rxBuffer_, i);
+        right = (sum & 0xFF) == byteAt(rxBuffer_, last + 1);
+    });
+    return right;
+}
+
+// ---- Idle
+
+bool Link::nothingToSend() const {
+    return queueHead_ == queueTail_ || place(queueHead_).empty();
+}
+
+void Link::sendNextCommand() {
+    std::string_view key;
+    if (nothingToSend()) {
+        watchStalledTransfer();
+    } else {
+        currentCommand_ = place(queueHead_);
+        key = commandKey(currentCommand_);
+        // A key in no row keeps the threshold of the command before.
+        if (findCommand(key)) skipFailing([&] { port_.setReceiveThreshold(replyLengthFor(key)); });
+        prepareTransfer(key);
+        skipFailing([&] { RS232_OUTPUT(currentCommand_); });
+        queueHead_ = wrapped(queueHead_ + 1);
+        responseReady_ = false;
+        tickCount_ = 0;
+    }
+    const CommandRow* row = findCommand(key);
+    onFlyBusy_ = row && row->locksTable;
+    skipFailing([&] { host_.onFlyLock(onFlyBusy_); });
+}
+
+int Link::replyLengthFor(std::string_view key) {
+    const bool oldFormat = linked_.LinkedUnitKind == orbaKindNumber && linked_.OldFirmware;
+    if (key == "E" && (linked_.LinkedUnitKind == 0 || oldFormat)) return oldIdentifyLength;
+    return linkedUnit().kind().sizes.*findCommand(key)->replyLength;
+}
+
+void Link::prepareTransfer(std::string_view key) {
+    const CommandRow* row = findCommand(key);
+    if (row && row->isBulk) {
+        paceCount_ = 0;
+        dropQueueBehindHead();
+        transferActive_ = true;
+    }
+    if (key == "D") transferActive_ = true;
+}
+
+void Link::dropQueueBehindHead() {
+    queueTail_ = wrapped(queueHead_ + 1);
+    // The dropped commands no longer wait; left in the count they would silence the pollers for good.
+    queuedCommands_ = 1;
+}
+
+void Link::watchStalledTransfer() {
+    if (!transferActive_) return;
+    // A record with a bad header, or a fault in its handler, leaves the download with no command in flight.
+    // It ends by the same patience as an unanswered one.
+    if (++tickCount_ <= stallPatienceTicks) return;
+    skipFailing([&] { End_Transfer(false); });
+    loseLink(FirmwareRestore::IfUnitKnown);
+    abandonCommand();
+}
+
+// ---- A reply is there
+
+void Link::reactToReply() {
+    const CommandRow* row = findCommand(commandKey(currentCommand_));
+    if (row && row->isBulk) {
+        // The reply stands for ten ticks: that gap is the pacing of the transfer.
+        if (paceCount_ == lineGapTicks) {
+            if (!sendLine()) return;
+        } else {
+            ++paceCount_;
+        }
+    }
+    tickCount_ = 0;
+    retryCount_ = 0;
+    processResponse();
+}
+
+bool Link::sendLine() {
+    if (!Send_Next_Line()) return false;
+    skipFailing([&] { RS232_OUTPUT(place(queueHead_)); });
+    queueHead_ = wrapped(queueHead_ + 1);
+    responseReady_ = false;
+    tickCount_ = 0;
+    paceCount_ = 0;
+    return true;
+}
+
+// ---- Waiting
+
+void Link::waitForReply() {
+    ++tickCount_;
+    const std::string_view key = commandKey(currentCommand_);
+    if (isFrameKey(key)) {
+        waitForFrame();
+    } else if (tickCount_ > statusRow(key).patienceTicks) {
+        timeOut();
+    }
+}
+
+void Link::waitForFrame() {
+    if (tickCount_ < framePatienceTicks) return;
+    tickCount_ = 0;
+    // The command is not written again: a retry is only a further wait.
+    if (++retryCount_ <= frameRetries) return;
+    loseLink(FirmwareRestore::Always);
+    abandonCommand();
+}
+
+void Link::timeOut() {
+    const std::string key(commandKey(currentCommand_));
+    if (key != "B" && key != "C") {
+        if (key == "P1" || key == "P3" || key == "D") skipFailing([&] { End_Transfer(false); });
+        loseLink(FirmwareRestore::IfUnitKnown);
+    }
+    abandonCommand();
+}
+
+void Link::loseLink(FirmwareRestore restore) {
+    queueTail_ = queueHead_;
+    tickCount_ = 0;
+    retryCount_ = 0;
+    if (restore == FirmwareRestore::Always || linked_.LinkedUnitKind != 0) {
+        skipFailing([&] { restoreFileFirmware(); });
+    }
+    linked_.LinkedUnitKind = 0;
+    linked_.UnitIdentified = false;
+    linked_.UnitFound = false;
+    queuedCommands_ = 0;
+    skipFailing([&] { host_.initializeOnFly(false); });
+}
+
+void Link::restoreFileFirmware() {
+    const int code = toInt32(static_cast<double>(host_.fileFirmwareCode()));
+    Unit& unit = linkedUnit();
+    skipFailing([&] { unit.FW_Release(code / 1000); });
+    unit.FW_Build(code % 1000);
+}
+
+void Link::abandonCommand() {
+    drainPort();
+    transferActive_ = false;
+    currentCommand_.clear();
+}
+
+}  // namespace zentaq

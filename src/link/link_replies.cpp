@@ -1,0 +1,404 @@
+// What each reply means: identification, live frames, codes, the ends of a transfer, one datalog record.
+// A fault while handling a reply ends the handler and the command; nothing else is undone.
+#include <algorithm>
+#include <span>
+
+#include "base/errors.h"
+#include "base/number_text.h"
+#include "base/rounding.h"
+#include "base/text.h"
+#include "link/link.h"
+#include "link/link_commands.h"
+#include "live/datalog_writer.h"
+#include "live/frame_decoder.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr std::string_view marker = "\xFA\xA5";
+constexpr std::uint8_t currentFormat = 0x55;
+constexpr std::uint8_t octalFormat = 0x54;
+constexpr int orbaKindNumber = 3;
+/// The high byte of engine speed in a record: above 82 (21000 rpm) it can be no record, so it marks the end.
+constexpr int highestRecordByte = 82;
+
+struct SerialRange {
+    std::int32_t first;
+    std::int32_t last;
+    int slot;
+    std::string_view label;
+};
+
+constexpr SerialRange serialRanges[] = {
+    {10, 9999, 3, "A"},        {200000, 209999, 3, "A"},     {300000, 309999, 4, "L"},
+    {350000, 359999, 6, "C"},  {500000, 509999, 5, "PZK-2"}, {700000, 709999, 7, "D"},
+    {750000, 759999, 8, "D6"},
+};
+
+/// From which release a kind answers W, and from which it is asked for its configuration. 0: never.
+struct MonitorRule {
+    int slot;
+    int wideFrom;
+    int configurationFrom;
+};
+
+constexpr MonitorRule monitorRules[] = {
+    {3, 5, 5}, {4, 7, 7}, {5, 0, 5}, {6, 3, 3}, {7, 5, 5}, {8, 5, 5},
+};
+
+/// From which firmware on byte 18 of the configuration tells hasPIC18.
+struct Pic18Rule {
+    int slot;
+    int release;
+    int build;
+};
+
+constexpr Pic18Rule pic18Rules[] = {{4, 7, 0}, {5, 4, 6}};
+
+/// Values for a dashboard that has no calibration to read them from.
+struct DashboardDefault {
+    std::string_view member;
+    float value;
+};
+
+constexpr DashboardDefault dashboardDefaults[] = {
+    {"REV_Limiter", 8500}, {"MaxDuty", 255}, {"MinDuty", 1}, {"PHDSEQ", 0}, {"Engine_Type", 0},
+};
+
+constexpr std::string_view subTypeLabels[] = {"A Std", "A 6/12", "A r"};
+
+std::string headerOf(const std::vector<std::uint8_t>& reply) {
+    return {static_cast<char>(reply.at(0)), static_cast<char>(reply.at(1))};
+}
+
+std::uint32_t bigEndian32(const std::vector<std::uint8_t>& reply, std::size_t first) {
+    std::uint32_t number = 0;
+    for (std::size_t i = first; i < first + 4; ++i) number = number << 8 | reply.at(i);
+    return number;
+}
+
+/// The decimal digits of the result are the octal digits of `number`. Throws Overflow beyond 32 bits.
+std::int32_t octalDigitsAsDecimal(std::uint32_t number) {
+    double result = 0;
+    double place = 1;
+    for (int i = 0; i <= 10; ++i, place *= 10, number /= 8) result += (number & 7) * place;
+    return toInt32(result);
+}
+
+std::string rawText(const std::vector<std::uint8_t>& reply, std::size_t first, std::size_t count) {
+    std::string text;
+    for (std::size_t i = first; i < first + count; ++i) text += static_cast<char>(reply.at(i));
+    return text;
+}
+
+/// Single bytes of the unit as the core's text: characters 128 to 255 take two bytes each.
+std::string shownText(std::string_view raw) {
+    std::string text;
+    for (const char character : raw) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (byte < 0x80) {
+            text += character;
+        } else {
+            text += static_cast<char>(0xC0 | byte >> 6);
+            text += static_cast<char>(0x80 | (byte & 0x3F));
+        }
+    }
+    return text;
+}
+
+bool sumIsRight(const std::vector<std::uint8_t>& reply, int length) {
+    unsigned sum = 0;
+    for (int i = 2; i <= length - 2; ++i) sum += reply.at(static_cast<std::size_t>(i));
+    return (sum & 0xFF) == reply.at(static_cast<std::size_t>(length - 1));
+}
+
+}  // namespace
+
+Link::ReplyHandler Link::handlerFor(std::string_view key) {
+    struct Row {
+        std::string_view key;
+        ReplyHandler handler;
+    };
+    static constexpr Row rows[] = {
+        {"A", &Link::replyClearCodes},    {"B", &Link::replyFirmware},  {"C", &Link::replyConfiguration},
+        {"D", &Link::replyDatalogRecord}, {"E", &Link::replyIdentify},  {"F", &Link::replyFrame},
+        {"I", &Link::replyGpio},          {"K", &Link::replyNothing},   {"P1", &Link::replyLine},
+        {"P2", &Link::replyOnTheFly},     {"P3", &Link::replyLine},     {"S", &Link::replySaved},
+        {"T", &Link::replyCodes},         {"W", &Link::replyWideFrame}, {"Z", &Link::replyZeroAdvance},
+    };
+    const auto row = std::ranges::find(rows, key, &Row::key);
+    return row == std::end(rows) ? &Link::replyNothing : row->handler;
+}
+
+void Link::processResponse() {
+    const bool handled = skipFailing([&] {
+        // A box of a handler lets a further reply in; the handler goes on with its own.
+        const Reply reply = rxBuffer_;
+        responseHeader_ = headerOf(reply);
+        (this->*handlerFor(commandKey(currentCommand_)))(reply);
+    });
+    if (!handled) currentCommand_.clear();
+}
+
+void Link::replyNothing(const Reply&) {
+    currentCommand_.clear();
+}
+
+void Link::replyClearCodes(const Reply&) {
+    currentCommand_.clear();
+    if (responseHeader_ != "AX") return;
+    log("ORB CheckEngine Codes Successfully Cleared.");
+    host_.codesCleared();
+}
+
+void Link::replyFrame(const Reply& reply) {
+    decoder_.Monitor(linkedUnit(), reply);
+    currentCommand_.clear();
+    host_.frameDecoded();
+}
+
+void Link::replyGpio(const Reply& reply) {
+    decoder_.Monitor_GPIO(linkedUnit(), reply);
+    currentCommand_.clear();
+}
+
+void Link::replyWideFrame(const Reply& reply) {
+    Unit& unit = linkedUnit();
+    const bool right = sumIsRight(reply, unit.kind().sizes.wCmdLen);
+    if (right) decoder_.MonitorW(unit, reply);
+    currentCommand_.clear();
+    if (right) host_.frameDecoded();
+}
+
+void Link::replyCodes(const Reply& reply) {
+    linkedUnit().Set_ECData(reply);
+    currentCommand_.clear();
+    host_.codesReceived();
+}
+
+void Link::replyZeroAdvance(const Reply&) {
+    log(currentCommand_.back() == '\xFF' ? "ORB: Ignition Timing set to Zero"
+                                         : "ORB: Restored Ignition Timing");
+    currentCommand_.clear();
+}
+
+void Link::replySaved(const Reply&) {
+    // Whatever the reply holds.
+    log("ORB: ONFLY changes saved");
+    currentCommand_.clear();
+}
+
+void Link::replyOnTheFly(const Reply&) {
+    if (responseHeader_ == "AR") log("ONFLY: Change Failed!");
+    currentCommand_.clear();
+}
+
+void Link::replyLine(const Reply&) {
+    const bool verified = responseHeader_ == "PN";
+    // "AX" above all leaves everything standing: the tick sends the next line.
+    if (!verified && responseHeader_ != "AR") return;
+    const bool firmware = commandKey(currentCommand_) == "P3";
+    End_Transfer(verified);
+    if (verified) {
+        log(firmware ? "ORB: Firmware Upload Successful, Verified!"
+                     : "ORB: Upload Successful, Program Verified!");
+    } else {
+        log(firmware ? "Firmware Upload to ORB Unit FAILED!" : "Data Upload to ORB Unit FAILED!");
+    }
+    currentCommand_.clear();
+    transferLine_ = 0;
+    transferActive_ = false;
+}
+
+// ---- E
+
+void Link::replyIdentify(const Reply& reply) {
+    const bool known = readSerialNumber(reply);
+    show(&LinkStatus::firmwareUpgradeEnabled, !linked_.OldFirmware);
+    // A reply in no known format, or with a number in no range, is no unit: the poller asks again.
+    if (!known || !findUnitKind()) {
+        currentCommand_.clear();
+        return;
+    }
+    if (linked_.LinkedUnitKind != 0) host_.unitKindFound(linked_.LinkedUnitKind);
+    fillDashboardDefaults();
+    if (responseHeader_ != marker) {
+        acceptUnit("ORB Unit Found but must be upgraded!");
+        linked_.OldFirmware = true;
+    } else {
+        acceptUnit("ORB Unit Found and Ready!");
+        Send_ORB_Command("B");
+    }
+    currentCommand_.clear();
+}
+
+bool Link::readSerialNumber(const Reply& reply) {
+    const std::uint8_t format = reply.at(2);
+    const bool marked = responseHeader_ == marker;
+    if (marked && format == currentFormat) {
+        linked_.SerialNumber = static_cast<std::int32_t>(bigEndian32(reply, 3));
+        linked_.OldFirmware = false;
+        return true;
+    }
+    if (marked && format == octalFormat) {
+        linked_.SerialNumber = octalDigitsAsDecimal(bigEndian32(reply, 3));
+        linked_.OldFirmware = false;
+        return true;
+    }
+    if (reply.at(4) != 'A' || reply.at(5) != 'X') return false;
+    linked_.SerialNumber = octalDigitsAsDecimal(bigEndian32(reply, 0));
+    warnOldFirmware();
+    return true;
+}
+
+void Link::warnOldFirmware() {
+    const bool told = linked_.OldFirmware;
+    linked_.OldFirmware = true;
+    if (told) return;
+    host_.show(
+        {.title = "Old ORBA Firmware",
+         .text = "This system contains an old firmware.  It MUST be sent to Norvalia for upgrade before it "
+                 "can be used with Zentaq4.\n"
+                 "The old BIN file must then be opened, converted and programmed to the unit.",
+         .icon = Icon::Critical});
+}
+
+bool Link::findUnitKind() {
+    const std::int32_t number = linked_.SerialNumber;
+    if (number == 0) return true;
+    const auto range = std::ranges::find_if(
+        serialRanges, [&](const SerialRange& row) { return number >= row.first && number <= row.last; });
+    if (range == std::end(serialRanges)) {
+        discardInput();
+        linked_.SerialNumber = 0;
+        return false;
+    }
+    linked_.LinkedUnitKind = range->slot;
+    if (!linked_.UnitFound) show(&LinkStatus::unitLabel, range->label);
+    return true;
+}
+
+void Link::fillDashboardDefaults() {
+    Unit& unit = linkedUnit();
+    if (!unit.BinFile().empty()) return;
+    for (const DashboardDefault& row : dashboardDefaults) {
+        unit.store(row.member, row.value);
+    }
+}
+
+void Link::acceptUnit(std::string_view text) {
+    hideNoConnectPanel();
+    discardInput();
+    COMM_StatusMessage("CONNECTED!", text, "", "Connected");
+    show(&LinkStatus::serialNumber, formatNumber(linked_.SerialNumber, "000000"));
+    show(&LinkStatus::panel3, "");
+    linked_.UnitFound = true;
+}
+
+// ---- B
+
+void Link::replyFirmware(const Reply& reply) {
+    linked_.UnitBinName = shownText(rawText(reply, 3, 24));
+    storeFirmware(reply);
+    warnUnitMismatch();
+    warnNewFirmware();
+    if (linked_.LinkedUnitKind == orbaKindNumber) showSubType(reply.at(37));
+    show(&LinkStatus::panel3, linkedUnit().FirmWare());
+    log("ORB :: BinFile : " + linked_.UnitBinName);
+    linked_.UnitIdentified = true;
+    if (linked_.LinkedUnitKind == host_.currentUnit()) host_.initializeOnFly(true);
+    askForConfiguration();
+    currentCommand_.clear();
+}
+
+void Link::storeFirmware(const Reply& reply) {
+    const std::string raw(trimmed(rawText(reply, 27, 10)));
+    const std::string shown = shownText(raw);
+    log("ORB :: Firmware: " + shown);
+    show(&LinkStatus::firmware, shown);
+    Unit& unit = linkedUnit();
+    unit.FirmWare(shown);
+    unit.FW_Build(toInt16(numberOf(raw.substr(7, 3))));
+    unit.FW_Release(toInt16(numberOf(raw.substr(5, 2))));
+}
+
+void Link::warnUnitMismatch() {
+    const int current = host_.currentUnit();
+    if (current == 0 || current == linked_.LinkedUnitKind) return;
+    if (linked_.UnitIdentified) return;  // told once per connect
+    host_.show({.title = "Unit Type Mismatch",
+                .text = "The currently open file is for a different system than the one just connected.\n"
+                        "\n"
+                        "You may still edit the calibration file, but no changes may be made to the unit.",
+                .icon = Icon::Exclamation});
+}
+
+void Link::warnNewFirmware() {
+    const int kind = linked_.LinkedUnitKind;
+    const Unit& unit = linkedUnit();
+    const std::pair known(host_.expectedRelease(kind), host_.expectedBuild(kind));
+    if (std::pair(unit.FW_Release(), unit.FW_Build()) <= known) return;
+    host_.show({.title = {},
+                .text = "This version of firmware is not fully supported by this version of Zentaq.\n"
+                        "You will still be able to make changes to the unit, but not all features will be "
+                        "available."});
+}
+
+void Link::showSubType(int subType) {
+    if (subType < std::ssize(subTypeLabels)) show(&LinkStatus::unitLabel, subTypeLabels[subType]);
+    linked_.UnitSubType = subType + 1;
+}
+
+void Link::askForConfiguration() {
+    const auto rule = std::ranges::find(monitorRules, linked_.LinkedUnitKind, &MonitorRule::slot);
+    linked_.WideMonitor = false;
+    if (rule == std::end(monitorRules)) return;
+    const int release = linkedUnit().FW_Release();
+    linked_.WideMonitor = rule->wideFrom != 0 && release >= rule->wideFrom;
+    if (release >= rule->configurationFrom) Send_ORB_Command("C");
+}
+
+// ---- C
+
+void Link::replyConfiguration(const Reply& reply) {
+    Unit& unit = linkedUnit();
+    unit.hasPIC18(false);
+    const auto rule = std::ranges::find(pic18Rules, linked_.LinkedUnitKind, &Pic18Rule::slot);
+    if (rule != std::end(pic18Rules) &&
+        std::pair(unit.FW_Release(), unit.FW_Build()) >= std::pair(rule->release, rule->build)) {
+        unit.hasPIC18((reply.at(18) & 1) != 0);
+    }
+    currentCommand_.clear();
+}
+
+// ---- D
+
+void Link::replyDatalogRecord(const Reply& reply) {
+    const bool marked = responseHeader_ == marker;
+    if (marked && reply.at(3) > highestRecordByte) return endDownload();
+    ++transferLines_;
+    if (!marked) {
+        // No message: the download stalls and ends by its time-out.
+        currentCommand_.clear();
+        return;
+    }
+    Unit& unit = linkedUnit();
+    decoder_.Internal_Data_Conv(unit, reply);
+    DataRecord(transferStream_, unit, live_, true, transferLines_);
+    if (!transferStream_) throw FileError("The datalog cannot be written.");
+    stepProgress(transferLines_, unit.kind().sizes.datalogMax);
+    Send_ORB_Command("D");
+    currentCommand_.clear();
+}
+
+void Link::endDownload() {
+    // A first record that is at once the end: the unit had nothing to give.
+    const bool complete = transferLines_ >= 2 && transferStream_.flush().good();
+    End_Transfer(complete);
+    if (complete) log("ORB: Datalog download complete!");
+    transferActive_ = false;
+    currentCommand_.clear();
+}
+
+}  // namespace zentaq

@@ -1,0 +1,168 @@
+// The operations that move more than one frame: programming a calibration or a firmware line by line,
+// retrieving the unit's own datalog, and the one routine that closes them.
+#include <fstream>
+
+#include "base/errors.h"
+#include "base/text.h"
+#include "link/link.h"
+#include "link/link_commands.h"
+#include "live/datalog_writer.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr int orbaKindNumber = 3;
+
+enum Message {
+    Programmed = 1002,
+    CalibrationFailed = 1003,
+    FirmwareFailed = 1004,
+    LogDone = 1006,
+    LogFailed = 1007
+};
+
+/// Lines of a text file; a last line without an end counts. Throws FileError.
+int ORB_File_Length(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) throw FileError("Cannot open " + path);
+    int lines = 0;
+    for (std::string line; std::getline(file, line);) ++lines;
+    if (file.bad()) throw FileError("Cannot read " + path);
+    return lines;
+}
+
+}  // namespace
+
+void Link::Program_Unit(TransferMode mode, const std::string& path) {
+    if (transferActive_) throw Failure("A transfer is already running.");
+    try {
+        switch (mode) {
+            case TransferMode::Calibration:
+                return startCalibration();
+            case TransferMode::Firmware:
+                return startFirmware(path);
+            case TransferMode::Datalog:
+                return startDatalog(path);
+        }
+    } catch (...) {
+        closeTransferFile();
+        removeProgress();
+        autoPollSuspended_ = false;
+        throw;
+    }
+}
+
+void Link::startCalibration() {
+    Unit& unit = host_.unit(host_.currentUnit());
+    log("Preparing " + fileNameOf(unit.BinFile()) + " for output to ORB Unit...");
+    log("  - Converting Data...");
+    unit.ConvertData();
+    const std::string path = unit.MakeS19();
+    log("  - Programming ORB...");
+    const int lines = ORB_File_Length(path);
+    startProgress();
+    openTransferFile(path, std::ios::in);
+    Send_ORB_Command("P1");
+    transferLines_ = lines;
+}
+
+void Link::startFirmware(const std::string& path) {
+    log("Attempting Firmware Upgrade, Sending File... ");
+    log("  - " + path);
+    const int lines = ORB_File_Length(path) + 1;
+    startProgress();
+    openTransferFile(path, std::ios::in);
+    Send_ORB_Command("P3");
+    transferLines_ = lines;
+}
+
+void Link::startDatalog(const std::string& path) {
+    log("Downloading on-board datalog file... ");
+    log("Saving data to: " + path);
+    startProgress();
+    log("  - Downloading data...");
+    openTransferFile(path, std::ios::out | std::ios::trunc);
+    writeDatalogHeader(transferStream_, linkedUnit());
+    // Queued last, so that a file that cannot be made leaves no download without a file.
+    Send_ORB_Command("D");
+    transferLines_ = 0;
+}
+
+void Link::openTransferFile(const std::string& path, std::ios::openmode mode) {
+    closeTransferFile();
+    transferStream_.open(path, mode | std::ios::binary);
+    if (!transferStream_) throw FileError("Cannot open " + path);
+}
+
+void Link::closeTransferFile() {
+    if (transferStream_.is_open()) transferStream_.close();
+    transferStream_.clear();
+}
+
+bool Link::Send_Next_Line() {
+    skipFailing([&] { yield_.yield(); });
+    showCommandStatus(commandKey(currentCommand_));
+    std::string line;
+    if (!std::getline(transferStream_, line)) {
+        // kept: a file that runs out with no "PN" counts as a success, an empty file too.
+        // Only a read that fails for another reason is none.
+        End_Transfer(!transferStream_.bad());
+        transferActive_ = false;
+        currentCommand_.clear();
+        return false;
+    }
+    if (line.ends_with('\r')) line.pop_back();
+    stepProgress(transferLine_, transferLines_);
+    if (linked_.LinkedUnitKind != orbaKindNumber) line += "\r\n";
+    queueLine(std::move(line));
+    ++transferLine_;
+    return true;
+}
+
+void Link::queueLine(std::string line) {
+    // In front of what a user queued during the transfer: that waits until the transfer is over, and the
+    // unit sees nothing but lines between the first and the last one.
+    const int front = wrapped(queueHead_ - 1);
+    const bool full = front == queueTail_;
+    if (!full) queueHead_ = front;
+    place(queueHead_) = std::move(line);
+    ++queuedCommands_;
+}
+
+void Link::End_Transfer(bool success) {
+    skipFailing([&] { closeTransferFile(); });
+    if (success) {
+        reportSuccess();
+    } else {
+        reportFailure();
+    }
+    removeProgress();
+    transferLines_ = 0;
+    transferLine_ = 0;
+    autoPollSuspended_ = false;
+    log("Automatic POLL/SYNC: ENABLED");
+}
+
+void Link::reportSuccess() {
+    skipFailing([&] { host_.addToLastLine("SUCCESS!"); });
+    const std::string_view key = commandKey(currentCommand_);
+    if (key == "P1" || key == "P3") {
+        COMM_StatusMessage(key == "P1" ? "Program ORB Successful" : "Program Firmware Successful",
+                           "PROGRAM VERIFIED", "You Must Restart ECU After download completed.", "Connected");
+        skipFailing([&] { host_.displayMessage(Programmed); });
+    } else if (key == "D") {
+        COMM_StatusMessage("Download of Datalog Complete", "", "", "Connected");
+        skipFailing([&] { host_.displayMessage(LogDone); });
+    }
+}
+
+void Link::reportFailure() {
+    skipFailing([&] { host_.addToLastLine("FAIL!"); });
+    log("PROCESS FAILED - EXITED ABNORMALLY.");
+    const std::string_view key = commandKey(currentCommand_);
+    const Message message = key == "P3" ? FirmwareFailed : key == "P1" ? CalibrationFailed : LogFailed;
+    skipFailing([&] { host_.displayMessage(message); });
+}
+
+}  // namespace zentaq

@@ -1,0 +1,208 @@
+// The physical end of the link: opening and closing, writing, receiving, the port search, the status display.
+#include <algorithm>
+
+#include "base/errors.h"
+#include "base/number_text.h"
+#include "base/rounding.h"
+#include "link/link.h"
+#include "link/link_commands.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr int highestSearchedPort = 12;
+constexpr std::int64_t searchWaitUs = 50'000;
+
+struct StateRow {
+    std::string_view state;
+    LinkImage image;
+};
+
+constexpr StateRow stateRows[] = {
+    {"Connected", LinkImage::Connected}, {"NoConnect", LinkImage::NoConnect},
+    {"Transfer", LinkImage::Transfer},   {"Firmware", LinkImage::Transfer},
+    {"Monitor", LinkImage::Monitor},     {"Warning", LinkImage::Warning},
+};
+
+LinkImage imageOf(std::string_view state) {
+    const auto row = std::ranges::find(stateRows, state, &StateRow::state);
+    return row == std::end(stateRows) ? LinkImage::None : row->image;
+}
+
+}  // namespace
+
+Link::Link(SerialPort& port, LinkHost& host, FrameDecoder& decoder, LiveValues& live, SettingsStore& settings,
+           Clock& clock, Yield& yield)
+    : port_(port),
+      host_(host),
+      decoder_(decoder),
+      live_(live),
+      settings_(settings),
+      clock_(clock),
+      yield_(yield) {
+    port_.onEvent([this](CommEvent event) { onComm(event); });
+}
+
+Link::~Link() {
+    port_.onEvent(nullptr);
+}
+
+void Link::load() {
+    log("COMM. Initialized.");
+    show(&LinkStatus::port, numberText(commPort_));
+    ORB_Initialize();
+    queueHead_ = 0;
+    queueTail_ = 0;
+}
+
+void Link::unload() {
+    log("COMM. Terminated.");
+}
+
+bool Link::RS232_Initialize(int portNumber) {
+    commPort_ = portNumber;
+    if (commPort_ < 1) {
+        commPort_ = 1;
+        skipFailing([&] { settings_.set("System", "CommPort", "1"); });
+    }
+    if (port_.isOpen()) skipFailing([&] { port_.close(); });
+    skipFailing([&] { port_.setReceiveThreshold(0); });
+    const bool opened = skipFailing([&] { port_.open(commPort_); });
+    if (!opened) {
+        log("COMM Port:" + numberText(commPort_) + " Not Available, Cannot Open Connection.");
+        COMM_StatusMessage("No Connection Mode", "Port is Currently Not Available.",
+                           "Please Check your Serial Connection and try again", "NoConnect");
+        return false;
+    }
+    COMM_StatusMessage("Connected", "RS232 Connection Initialized!", "", "Connected");
+    log("Connection with ORB Established.");
+    if (linked_.SerialNumber != 0) removeProgress();
+    return true;
+}
+
+void Link::RS232_Close() {
+    if (port_.isOpen()) skipFailing([&] { port_.close(); });
+    log("COMM: Connection with ORB terminated.");
+}
+
+void Link::RS232_OUTPUT(std::string_view command) {
+    if (!port_.isOpen()) return;
+    show(&LinkStatus::send, Lamp::Sending);
+    port_.write(command);
+    --queuedCommands_;
+}
+
+void Link::ORB_Initialize() {
+    log("Initializing Communication with ORB");
+    RS232_Initialize(commPort_);
+}
+
+void Link::ORB_Close() {
+    // kept: the port closes before a tick can write the "K", which stays in the queue.
+    Send_ORB_Command("K");
+    RS232_Close();
+}
+
+int Link::Autodetect_COMM_Port() {
+    for (int number = 1; number <= highestSearchedPort; ++number) {
+        // What an earlier session or port has told must not pass for an answer of this port.
+        linked_.SerialNumber = 0;
+        rxBuffer_.clear();
+        if (RS232_Initialize(number) && waitForUnit()) return number;
+    }
+    return 0;
+}
+
+bool Link::waitForUnit() {
+    Send_ORB_Command("E");
+    const std::int64_t end = clock_.monotonicUs() + searchWaitUs;
+    while (clock_.monotonicUs() < end) yield_.yield();
+    PROCESS_RESPONSE();
+    return linked_.SerialNumber != 0;
+}
+
+void Link::COMM_StatusMessage(std::string_view title, std::string_view line1, std::string_view line2,
+                              std::string_view state) {
+    show(&LinkStatus::image, imageOf(state));
+    if (state == "Connected") show(&LinkStatus::connected, true);
+    if (state == "NoConnect") show(&LinkStatus::connected, false);
+    if (state == "Monitor") removeProgress();
+    show(&LinkStatus::title, title);
+    show(&LinkStatus::line1, line1);
+    show(&LinkStatus::line2, line2);
+}
+
+LinkStatus& Link::editStatus() {
+    ++status_.changes;
+    return status_;
+}
+
+void Link::showNoConnectPanel(std::string_view text) {
+    show(&LinkStatus::noConnectText, text);
+    show(&LinkStatus::noConnectPanel, true);
+}
+
+void Link::hideNoConnectPanel() {
+    show(&LinkStatus::noConnectPanel, false);
+}
+
+void Link::onComm(CommEvent event) {
+    show(&LinkStatus::send, Lamp::Rest);
+    show(&LinkStatus::receive, Lamp::Rest);
+    if (event != CommEvent::DataReceived) return;
+    show(&LinkStatus::receive, Lamp::Received);
+    rxBuffer_.clear();
+    skipFailing([&] { rxBuffer_ = port_.read(); });
+    responseReady_ = true;
+    showReplyStatus();
+}
+
+void Link::showReplyStatus() {
+    const std::string_view key = commandKey(currentCommand_);
+    const std::string_view activity = statusRow(key).activity;
+    // The link console tells each change of activity, not each frame.
+    if (status_.activity != activity) skipFailing([&] { host_.commLog(activity); });
+    show(&LinkStatus::activity, activity);
+    showCommandStatus(key);
+}
+
+void Link::showCommandStatus(std::string_view key) {
+    const ActivityStatus& status = statusRow(key).status;
+    if (status.state.empty()) return;
+    const std::string line1 = status.line1 == portLine
+                                  ? "Using COM Port: " + numberText(commPort_) + " @ 38400 Baud."
+                                  : std::string(status.line1);
+    COMM_StatusMessage(status.title, line1, status.line2, status.state);
+}
+
+void Link::discardInput() {
+    skipFailing([&] { port_.read(); });
+}
+
+void Link::drainPort() {
+    if (port_.isOpen()) discardInput();
+}
+
+void Link::log(std::string_view text) {
+    // A log that cannot be written stops no transfer.
+    skipFailing([&] { host_.sysLog(text); });
+}
+
+void Link::startProgress() {
+    show(&LinkStatus::progressPercent, 0);
+    show(&LinkStatus::progressVisible, true);
+}
+
+void Link::stepProgress(int current, int total) {
+    if (total <= 0) return;
+    const double percent = truncate(static_cast<double>(current) / total * 100);
+    show(&LinkStatus::progressPercent, static_cast<int>(std::clamp(percent, 0.0, 100.0)));
+}
+
+void Link::removeProgress() {
+    show(&LinkStatus::progressPercent, 0);
+    show(&LinkStatus::progressVisible, false);
+}
+
+}  // namespace zentaq

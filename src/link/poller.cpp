@@ -1,0 +1,78 @@
+#include "link/poller.h"
+
+#include <algorithm>
+
+#include "base/number_text.h"
+#include "base/rounding.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr int firingsBetweenSearches = 10;
+constexpr int firingsBetweenGpio = 3;
+constexpr int firingsBetweenCodes = 50;
+constexpr int queueLimit = 5;
+constexpr double longestIntervalMs = 1e9;
+
+}  // namespace
+
+int pollIntervalMs(const SettingsStore& settings) {
+    const auto rate = parseNumber(settings.get("System", "ADUR"));
+    if (!rate || !(*rate > 0)) return defaultPollIntervalMs;
+    return static_cast<int>(std::clamp(truncate(1 / *rate * 1000), 1.0, longestIntervalMs));
+}
+
+Poller::Poller(Link& link, std::function<void()> refreshCodes, std::function<void()> updateDisplay)
+    : link_(link), refreshCodes_(std::move(refreshCodes)), updateDisplay_(std::move(updateDisplay)) {}
+
+void Poller::fire(const PollerView& view) {
+    // While a box of a reply handler is in view the link stands still; queueing would only fill the ring.
+    if (link_.TransferActive() || link_.handling()) return;
+    if (view.tab2Showing) {
+        link_.hideNoConnectPanel();
+    } else if (link_.linked().OldFirmware || !link_.linked().UnitIdentified) {
+        searchUnit();
+    } else if (link_.OnFlyBusy()) {
+        link_.showNoConnectPanel("Updating");
+    } else {
+        pollUnit();
+    }
+    if (view.autoVeOn) link_.showNoConnectPanel("AutoVE ON");
+}
+
+void Poller::searchUnit() {
+    link_.showNoConnectPanel("Connecting...");
+    if (link_.AutoPollSuspended()) return;
+    if (++connectCount_ < firingsBetweenSearches) return;
+    link_.Send_ORB_Command("E");
+    connectCount_ = 0;
+}
+
+void Poller::pollUnit() {
+    if (!link_.AutoPollSuspended())
+        queuePolls(gpioRequired_ ? gpioRequired_() : link_.linkedUnit().GPIO_Req());
+    link_.hideNoConnectPanel();
+    if (updateDisplay_) updateDisplay_();
+}
+
+void Poller::queuePolls(bool gpioReq) {
+    const bool wide = link_.linked().WideMonitor;
+    if (roomInQueue()) link_.Send_ORB_Command(wide ? "W" : "F");
+    if (gpioReq && gpioCount_ >= firingsBetweenGpio && roomInQueue() && !wide) {
+        link_.Send_ORB_Command("I");
+        gpioCount_ = 0;
+    }
+    if (codeCount_ >= firingsBetweenCodes && roomInQueue()) {
+        if (refreshCodes_) refreshCodes_();
+        codeCount_ = 0;
+    }
+    if (gpioReq) ++gpioCount_;
+    if (codeCount_ < firingsBetweenCodes) ++codeCount_;
+}
+
+bool Poller::roomInQueue() const {
+    return link_.QueuedCommands() < queueLimit;
+}
+
+}  // namespace zentaq

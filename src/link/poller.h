@@ -1,0 +1,53 @@
+// The polling duty of the dashboard's timer: searches a unit, asks for frames, input/output state and codes,
+// and says which panel covers the dashboard.
+#pragma once
+
+#include <functional>
+
+#include "link/link.h"
+#include "platform/settings_store.h"
+
+namespace zentaq {
+
+/// What the windows tell the poller on each firing.
+struct PollerView {
+    bool tab2Showing = false;  ///< sstConfig shows its second tab
+    bool autoVeOn = false;
+};
+
+/// The timer's interval in ms from the setting ADUR (updates a second): the whole part of 1 / ADUR x 1000,
+/// never below 1. An empty value, zero or less and a text that is no number give `defaultPollIntervalMs`.
+inline constexpr int defaultPollIntervalMs = 10;
+int pollIntervalMs(const SettingsStore& settings);
+
+class Poller {
+ public:
+    /// `refreshCodes` empties the code list and queues "T"; `updateDisplay` redraws the dashboard.
+    Poller(Link& link, std::function<void()> refreshCodes, std::function<void()> updateDisplay);
+
+    /// One firing of tmrUpdate.
+    void fire(const PollerView& view);
+
+    /// Replaces GPIO_Req of the linked unit as the source of whether I is polled.
+    void gpioRequired(std::function<bool()> required) { gpioRequired_ = std::move(required); }
+
+    int ConnectCount() const { return connectCount_; }
+    int GPIOCount() const { return gpioCount_; }
+    int CodeCount() const { return codeCount_; }
+
+ private:
+    void searchUnit();
+    void pollUnit();
+    void queuePolls(bool gpioReq);
+    bool roomInQueue() const;
+
+    Link& link_;
+    std::function<void()> refreshCodes_;
+    std::function<void()> updateDisplay_;
+    std::function<bool()> gpioRequired_;
+    int connectCount_ = 0;
+    int gpioCount_ = 0;
+    int codeCount_ = 0;
+};
+
+}  // namespace zentaq

@@ -1,0 +1,42 @@
+#include "platform/receive_gate.h"
+
+#include <utility>
+
+namespace zentaq {
+
+void ReceiveGate::threshold(int bytes) {
+    if (bytes != threshold_) told_ = false;
+    threshold_ = bytes;
+}
+
+void ReceiveGate::received(std::span<const std::uint8_t> bytes, std::int64_t nowUs) {
+    if (bytes.empty()) return;
+    held_.insert(held_.end(), bytes.begin(), bytes.end());
+    lastArrivalUs_ = nowUs;
+    told_ = false;
+}
+
+bool ReceiveGate::due(std::int64_t nowUs) const {
+    const auto at = nextDueUs();
+    return at && nowUs >= *at;
+}
+
+std::optional<std::int64_t> ReceiveGate::nextDueUs() const {
+    if (told_ || !enough()) return std::nullopt;
+    return flooded() ? lastArrivalUs_ : lastArrivalUs_ + quietUs_;
+}
+
+std::vector<std::uint8_t> ReceiveGate::take() {
+    told_ = false;
+    return std::exchange(held_, {});
+}
+
+bool ReceiveGate::enough() const {
+    return threshold_ > 0 && held_.size() >= static_cast<std::size_t>(threshold_);
+}
+
+bool ReceiveGate::flooded() const {
+    return held_.size() >= static_cast<std::size_t>(threshold_) + floodBytes;
+}
+
+}  // namespace zentaq

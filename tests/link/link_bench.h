@@ -1,0 +1,177 @@
+// A link on a scripted port in virtual time: one call of `ticks` moves the line and the tick machine
+// together.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+#include "link/link.h"
+#include "link/recording_link_host.h"
+#include "live/frame_decoder.h"
+#include "live/live_values.h"
+#include "platform/scripted_port.h"
+#include "platform/settings_store.h"
+
+namespace zentaq {
+
+using Texts = std::vector<std::string>;
+
+inline std::string bytes(std::initializer_list<int> values) {
+    std::string text;
+    for (const int value : values) text += static_cast<char>(value);
+    return text;
+}
+
+/// A reply that is whole before the next tick.
+inline ScriptedReply atOnce(std::string_view text) {
+    ScriptedReply reply;
+    reply.bytes = text;
+    reply.delayUs = 10;
+    reply.byteUs = 0;
+    return reply;
+}
+
+/// 0xFA 0xA5, the format byte and four serial bytes with their checksum.
+inline std::string identifyReply(std::uint32_t number, int format = 0x55) {
+    const int b3 = static_cast<int>(number >> 24), b4 = static_cast<int>(number >> 16 & 0xFF);
+    const int b5 = static_cast<int>(number >> 8 & 0xFF), b6 = static_cast<int>(number & 0xFF);
+    return bytes({0xFA, 0xA5, format, b3, b4, b5, b6, (format + b3 + b4 + b5 + b6) & 0xFF});
+}
+
+/// Head, zeros up to `length`, and the checksum of bytes 2 on at the end.
+inline std::string framed(std::size_t length, std::initializer_list<std::pair<std::size_t, int>> values) {
+    std::string text = bytes({0xFA, 0xA5, 0x55});
+    text.resize(length, '\0');
+    for (const auto& [index, value] : values) text.at(index) = static_cast<char>(value);
+    unsigned sum = 0;
+    for (std::size_t i = 2; i + 1 < length; ++i) sum += static_cast<unsigned char>(text[i]);
+    text.back() = static_cast<char>(sum & 0xFF);
+    return text;
+}
+
+/// A B reply: 24 characters of name, ten of firmware, the subtype where the reply has room for it.
+inline std::string firmwareReply(std::string name, std::string firmware, std::size_t length = 39,
+                                 int subType = 0) {
+    name.resize(24, ' ');
+    firmware.resize(10, ' ');
+    std::string text = bytes({0xFA, 0xA5, 0x55}) + name + firmware;
+    if (length == 39) text += static_cast<char>(subType);
+    unsigned sum = 0;
+    for (std::size_t i = 2; i < text.size(); ++i) sum += static_cast<unsigned char>(text[i]);
+    return text + static_cast<char>(sum & 0xFF);
+}
+
+class TemporaryFolder {
+ public:
+    TemporaryFolder() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "zentaq-link-XXXXXX").string();
+        path_ = mkdtemp(pattern.data());
+    }
+    ~TemporaryFolder() { std::filesystem::remove_all(path_); }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+    std::string path(const std::string& name) const { return path_ + "/" + name; }
+    std::string write(const std::string& name, const std::string& content) const {
+        std::ofstream(path(name), std::ios::binary) << content;
+        return path(name);
+    }
+    static std::string read(const std::string& file) {
+        std::ifstream in(file, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+    const std::string& path() const { return path_; }
+
+ private:
+    std::string path_;
+};
+
+/// A yield that lets one millisecond pass: the line, one tick, and what a test wants to happen meanwhile.
+class BenchYield : public Yield {
+ public:
+    void yield() override {
+        ++count;
+        if (meanwhile) meanwhile();
+    }
+    std::function<void()> meanwhile;
+    int count = 0;
+};
+
+class LinkBench : public testing::Test {
+ protected:
+    LinkBench() { host.unitHost.folder = folder.path(); }
+
+    /// Each tick stands at the end of its millisecond.
+    void ticks(int count) {
+        for (int i = 0; i < count; ++i) {
+            port.advanceUs(1000);
+            link.tick();
+        }
+    }
+
+    void open() {
+        link.RS232_Initialize(1);
+        forget();
+    }
+
+    /// What was recorded so far does not matter.
+    void forget() {
+        port.takeWritten();
+        host.calls.clear();
+        host.logLines.clear();
+        host.commLines.clear();
+        host.messages.clear();
+        host.boxes.clear();
+        host.onFlyCalls.clear();
+        host.locks.clear();
+        host.kindsFound.clear();
+    }
+
+    /// Brings a unit of a serial number up to UnitFound without a B reply; the unanswered B is gone.
+    void find(std::uint32_t serial) {
+        open();
+        port.once("E", identifyReply(serial));
+        link.Send_ORB_Command("E");
+        ticks(2000);
+        forget();
+    }
+
+    /// Brings a unit up to UnitIdentified.
+    void identify(std::uint32_t serial, const std::string& firmware) {
+        open();
+        const bool orbA = serial < 300000;
+        port.once("E", identifyReply(serial));
+        port.once("B", firmwareReply("DEMO", firmware, orbA ? 39 : 38));
+        port.once("C", framed(39, {}));
+        link.Send_ORB_Command("E");
+        ticks(200);
+        ASSERT_TRUE(link.linked().UnitIdentified);
+        forget();
+    }
+
+    /// One command and its reply.
+    void exchange(std::string_view command, std::string_view reply) {
+        port.once(command, atOnce(reply));
+        link.Send_ORB_Command(command);
+        ticks(2);
+    }
+
+    Texts statusTexts() const { return {link.status().title, link.status().line1, link.status().line2}; }
+
+    TemporaryFolder folder;
+    ManualClock clock;
+    ScriptedPort port{clock};
+    RecordingLinkHost host;
+    LiveValues live;
+    FrameDecoder decoder{live};
+    MemorySettings settings;
+    BenchYield yielding;
+    Link link{port, host, decoder, live, settings, clock, yielding};
+};
+
+}  // namespace zentaq

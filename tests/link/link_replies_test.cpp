@@ -1,0 +1,584 @@
+#include <gtest/gtest.h>
+
+#include "link/link_bench.h"
+#include "link/poller.h"
+
+namespace zentaq {
+namespace {
+
+class LinkReplies : public LinkBench {
+ protected:
+    LinkReplies() { open(); }
+};
+
+// ---- E
+
+TEST_F(LinkReplies, CurrentFormatReadsTheSerialNumberAsBigEndian) {
+    // 0x00030D40 = 200000
+    exchange("E", bytes({0xFA, 0xA5, 0x55, 0x00, 0x03, 0x0D, 0x40, 0xA5}));
+    EXPECT_EQ(link.linked().SerialNumber, 200000);
+    EXPECT_EQ(link.linked().LinkedUnitKind, 3);
+    EXPECT_TRUE(link.linked().UnitFound);
+    EXPECT_FALSE(link.linked().OldFirmware);
+    EXPECT_EQ(link.CurrentCommand(), "");
+}
+
+TEST_F(LinkReplies, EarlierFormatShowsTheNumberInOctal) {
+    // 668 = 1 * 512 + 2 * 64 + 3 * 8 + 4, so its octal digits are 1234.
+    exchange("E", identifyReply(668, 0x54));
+    EXPECT_EQ(link.linked().SerialNumber, 1234);
+    EXPECT_EQ(link.linked().LinkedUnitKind, 3);
+    EXPECT_FALSE(link.linked().OldFirmware);
+}
+
+TEST_F(LinkReplies, EarlierFormatReadsSixOctalDigits) {
+    // 0x00010000 = 65536 = 2 * 8^5, so its octal digits are 200000.
+    exchange("E", bytes({0xFA, 0xA5, 0x54, 0x00, 0x01, 0x00, 0x00, 0x55}));
+    EXPECT_EQ(link.linked().SerialNumber, 200000);
+}
+
+TEST_F(LinkReplies, OldestFormatIsFourSerialBytesAndAX) {
+    // 0x0000029C = 668: 1234 in octal.
+    exchange("E", bytes({0x00, 0x00, 0x02, 0x9C, 'A', 'X'}));
+    EXPECT_EQ(link.linked().SerialNumber, 1234);
+    EXPECT_TRUE(link.linked().OldFirmware);
+    EXPECT_TRUE(link.linked().UnitFound);
+    EXPECT_EQ(link.linked().LinkedUnitKind, 3);
+    EXPECT_FALSE(link.status().firmwareUpgradeEnabled);
+    EXPECT_EQ(statusTexts(), (Texts{"CONNECTED!", "ORB Unit Found but must be upgraded!", ""}));
+    EXPECT_EQ(link.status().serialNumber, "001234");
+    ASSERT_EQ(host.boxes.size(), 1u);
+    EXPECT_EQ(host.boxes[0].title, "Old ORBA Firmware");
+    EXPECT_EQ(host.boxes[0].text,
+              "This system contains an old firmware.  It MUST be sent to Norvalia for upgrade before it can "
+              "be used "
+              "with Zentaq4.\nThe old BIN file must then be opened, converted and programmed to the unit.");
+    EXPECT_EQ(host.boxes[0].icon, Icon::Critical);
+}
+
+TEST_F(LinkReplies, AfterTheOldestFormatNoFurtherCommandFollows) {
+    exchange("E", bytes({0x00, 0x00, 0x02, 0x9C, 'A', 'X'}));
+    ticks(100);
+    EXPECT_EQ(port.written(), (Texts{"E"}));
+}
+
+TEST_F(LinkReplies, TheOldFirmwareBoxComesOncePerSession) {
+    for (int i = 0; i < 3; ++i) exchange("E", bytes({0x00, 0x00, 0x02, 0x9C, 'A', 'X'}));
+    EXPECT_EQ(host.boxes.size(), 1u);
+}
+
+TEST_F(LinkReplies, ACurrentUnitEnablesTheFirmwareUpgradeAgain) {
+    exchange("E", bytes({0x00, 0x00, 0x02, 0x9C, 'A', 'X'}));
+    exchange("E", identifyReply(200000));
+    EXPECT_TRUE(link.status().firmwareUpgradeEnabled);
+    EXPECT_FALSE(link.linked().OldFirmware);
+}
+
+TEST_F(LinkReplies, AnAcceptedUnitIsShownAndAskedForItsFirmware) {
+    link.showNoConnectPanel("Connecting...");
+    exchange("E", identifyReply(10));
+    EXPECT_EQ(statusTexts(), (Texts{"CONNECTED!", "ORB Unit Found and Ready!", ""}));
+    EXPECT_EQ(link.status().image, LinkImage::Connected);
+    EXPECT_EQ(link.status().serialNumber, "000010");
+    EXPECT_EQ(link.status().panel3, "");
+    EXPECT_FALSE(link.status().noConnectPanel);
+    EXPECT_EQ(host.kindsFound, (std::vector<int>{3}));
+    ticks(1);
+    EXPECT_EQ(port.written(), (Texts{"E", "B"}));
+}
+
+TEST_F(LinkReplies, AReplyInNoKnownFormatChangesNothing) {
+    exchange("E", bytes({1, 2, 3, 4, 5, 6, 7, 8}));
+    EXPECT_EQ(link.linked().SerialNumber, 0);
+    EXPECT_FALSE(link.linked().UnitFound);
+    EXPECT_FALSE(link.linked().OldFirmware);
+    EXPECT_EQ(link.CurrentCommand(), "");
+    ticks(50);
+    EXPECT_EQ(port.written(), (Texts{"E"}));
+}
+
+TEST_F(LinkReplies, AnOctalNumberBeyond32BitsCostsOnePoll) {
+    // 0xFFFFFFFF is 37777777777 in octal digits.
+    exchange("E", identifyReply(0xFFFFFFFF, 0x54));
+    EXPECT_FALSE(link.linked().UnitFound);
+    EXPECT_EQ(link.CurrentCommand(), "");
+}
+
+TEST_F(LinkReplies, ANumberWithItsTopBitSetIsInNoRange) {
+    exchange("E", identifyReply(0xFFFFFFFF));
+    EXPECT_EQ(link.linked().SerialNumber, 0);
+    EXPECT_FALSE(link.linked().UnitFound);
+}
+
+TEST_F(LinkReplies, AShortReplyEndsTheCommandAndNothingElse) {
+    exchange("E", bytes({0xFA, 0xA5, 0x55, 0x00, 0x03, 0x0D}));
+    EXPECT_EQ(link.CurrentCommand(), "");
+    EXPECT_EQ(link.linked().SerialNumber, 0);
+    EXPECT_TRUE(host.boxes.empty());
+    EXPECT_TRUE(host.logLines.empty());
+}
+
+struct SerialCase {
+    std::uint32_t serial;
+    int kind;
+    const char* label;
+};
+
+class SerialRange : public LinkBench, public testing::WithParamInterface<SerialCase> {};
+
+TEST_P(SerialRange, GivesTheUnitKindAndItsLabel) {
+    open();
+    exchange("E", identifyReply(GetParam().serial));
+    EXPECT_EQ(link.linked().LinkedUnitKind, GetParam().kind);
+    EXPECT_EQ(link.status().unitLabel, GetParam().label);
+    EXPECT_EQ(link.linked().SerialNumber,
+              GetParam().kind == 0 ? 0 : static_cast<std::int32_t>(GetParam().serial));
+    EXPECT_EQ(link.linked().UnitFound, GetParam().kind != 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Edges, SerialRange,
+    testing::Values(SerialCase{9, 0, ""}, SerialCase{10, 3, "A"}, SerialCase{9999, 3, "A"},
+                    SerialCase{10000, 0, ""}, SerialCase{199999, 0, ""}, SerialCase{200000, 3, "A"},
+                    SerialCase{209999, 3, "A"}, SerialCase{210000, 0, ""}, SerialCase{299999, 0, ""},
+                    SerialCase{300000, 4, "L"}, SerialCase{309999, 4, "L"}, SerialCase{310000, 0, ""},
+                    SerialCase{349999, 0, ""}, SerialCase{350000, 6, "C"}, SerialCase{359999, 6, "C"},
+                    SerialCase{360000, 0, ""}, SerialCase{499999, 0, ""}, SerialCase{500000, 5, "PZK-2"},
+                    SerialCase{509999, 5, "PZK-2"}, SerialCase{510000, 0, ""}, SerialCase{699999, 0, ""},
+                    SerialCase{700000, 7, "D"}, SerialCase{709999, 7, "D"}, SerialCase{710000, 0, ""},
+                    SerialCase{749999, 0, ""}, SerialCase{750000, 8, "D6"}, SerialCase{759999, 8, "D6"},
+                    SerialCase{760000, 0, ""}),
+    [](const auto& row) { return std::to_string(row.param.serial); });
+
+TEST_F(LinkReplies, ANumberInNoRangeKeepsTheKindAndClearsTheNumber) {
+    exchange("E", identifyReply(300000));
+    ticks(1100);
+    exchange("E", identifyReply(210000));
+    EXPECT_EQ(link.linked().LinkedUnitKind, 4);
+    EXPECT_EQ(link.linked().SerialNumber, 0);
+}
+
+TEST_F(LinkReplies, AfterANumberInNoRangeThePollerAsksAgain) {
+    port.always("E", identifyReply(9));
+    Poller poller(
+        link, [] {}, [] {});
+    for (int i = 0; i < 20; ++i) {
+        poller.fire({});
+        ticks(10);
+    }
+    EXPECT_EQ(port.written(), (Texts{"E", "E"}));
+}
+
+TEST_F(LinkReplies, TheLabelIsWrittenOnlyWhileNoUnitIsFound) {
+    exchange("E", identifyReply(300000));
+    ticks(1100);
+    exchange("E", identifyReply(350000));
+    EXPECT_EQ(link.linked().LinkedUnitKind, 6);
+    EXPECT_EQ(link.status().unitLabel, "L");
+}
+
+TEST_F(LinkReplies, SerialNumberZeroLeavesTheKindAndIsAccepted) {
+    exchange("E", identifyReply(0));
+    EXPECT_EQ(link.linked().LinkedUnitKind, 0);
+    EXPECT_TRUE(link.linked().UnitFound);
+    EXPECT_EQ(link.QueuedCommands(), 1);
+}
+
+TEST_F(LinkReplies, WithoutACalibrationTheDashboardGetsItsDefaults) {
+    Unit& unit = host.unit(3);
+    unit.store("REV_Limiter", 3000);
+    unit.store("MinDuty", 20);
+    exchange("E", identifyReply(200000));
+    EXPECT_EQ(unit.get("REV_Limiter"), 8500);
+    EXPECT_EQ(unit.get("MaxDuty"), 255);
+    EXPECT_EQ(unit.get("MinDuty"), 1);
+    EXPECT_EQ(unit.get("PHDSEQ"), 0);
+    EXPECT_EQ(unit.get("Engine_Type"), 0);
+    EXPECT_TRUE(host.unitHost.refusals.empty());
+}
+
+TEST_F(LinkReplies, ACalibrationInHandKeepsItsValues) {
+    Unit& unit = host.unit(3);
+    unit.BinFile("/somewhere/my.ZQ4OA");
+    unit.store("REV_Limiter", 3000);
+    exchange("E", identifyReply(200000));
+    EXPECT_EQ(unit.get("REV_Limiter"), 3000);
+}
+
+// ---- B
+
+class FirmwareReply : public LinkBench {
+ protected:
+    /// The B reply of a unit that has just been found.
+    void answer(std::uint32_t serial, const std::string& firmware, int subType = 0) {
+        find(serial);
+        port.once("B", atOnce(firmwareReply("MY CAR", firmware, serial < 300000 ? 39 : 38, subType)));
+        link.Send_ORB_Command("B");
+        ticks(2);
+    }
+};
+
+TEST_F(FirmwareReply, IdentifiesTheUnit) {
+    answer(200000, "ZQA0003007");
+    EXPECT_TRUE(link.linked().UnitIdentified);
+    EXPECT_EQ(link.linked().UnitBinName, "MY CAR                  ");
+    EXPECT_EQ(host.unit(3).FirmWare(), "ZQA0003007");
+    EXPECT_EQ(host.unit(3).FW_Release(), 3);
+    EXPECT_EQ(host.unit(3).FW_Build(), 7);
+    EXPECT_EQ(host.logLines,
+              (Texts{"ORB :: Firmware: ZQA0003007", "ORB :: BinFile : MY CAR                  "}));
+    EXPECT_EQ(link.status().firmware, "ZQA0003007");
+    EXPECT_EQ(link.status().panel3, "ZQA0003007");
+    EXPECT_EQ(link.CurrentCommand(), "");
+    EXPECT_TRUE(host.boxes.empty());
+}
+
+TEST_F(FirmwareReply, ReleaseAndBuildAreCharactersSixToTen) {
+    answer(700000, "ZQD9912345");
+    EXPECT_EQ(host.unit(7).FW_Release(), 12);
+    EXPECT_EQ(host.unit(7).FW_Build(), 345);
+}
+
+TEST_F(FirmwareReply, AReleaseThatIsNoNumberLeavesTheUnitUnidentified) {
+    answer(200000, "ZQA00XX007");
+    EXPECT_FALSE(link.linked().UnitIdentified);
+    EXPECT_EQ(link.CurrentCommand(), "");
+    Poller poller(
+        link, [] {}, [] {});
+    for (int i = 0; i < 10; ++i) poller.fire({});
+    ticks(1);
+    EXPECT_EQ(port.written().back(), "E");
+}
+
+TEST_F(FirmwareReply, AShortFirmwareTextLeavesTheUnitUnidentified) {
+    answer(200000, "ZQA");
+    EXPECT_FALSE(link.linked().UnitIdentified);
+    EXPECT_EQ(link.CurrentCommand(), "");
+}
+
+TEST_F(FirmwareReply, NameBytesAbove127AreShownAsTheirCharacters) {
+    find(300000);
+    port.once("B", atOnce(firmwareReply("CAF\xC9", "ZQL0003001", 38)));
+    link.Send_ORB_Command("B");
+    ticks(2);
+    EXPECT_EQ(link.linked().UnitBinName.substr(0, 6), "CAF\xC3\x89 ");
+}
+
+TEST_F(FirmwareReply, FileOfAnotherKindIsWarnedOfAndNothingGoesOnTheFly) {
+    host.current = 4;
+    answer(200000, "ZQA0003007");
+    ASSERT_EQ(host.boxes.size(), 1u);
+    EXPECT_EQ(host.boxes[0].title, "Unit Type Mismatch");
+    EXPECT_EQ(host.boxes[0].text,
+              "The currently open file is for a different system than the one just connected.\n\nYou may "
+              "still edit "
+              "the calibration file, but no changes may be made to the unit.");
+    EXPECT_EQ(host.boxes[0].icon, Icon::Exclamation);
+    EXPECT_TRUE(host.onFlyCalls.empty());
+    EXPECT_TRUE(link.linked().UnitIdentified);
+}
+
+TEST_F(FirmwareReply, TheMismatchBoxAppearsOncePerConnect) {
+    host.current = 4;
+    answer(200000, "ZQA0003007");
+    exchange("B", firmwareReply("MY CAR", "ZQA0003007"));
+    EXPECT_EQ(host.boxes.size(), 1u);
+    link.Send_ORB_Command("F");
+    ticks(85);
+    ASSERT_FALSE(link.linked().UnitIdentified);
+    port.once("E", identifyReply(200000));
+    port.once("B", firmwareReply("MY CAR", "ZQA0003007"));
+    link.Send_ORB_Command("E");
+    ticks(100);
+    EXPECT_TRUE(link.linked().UnitIdentified);
+    EXPECT_EQ(host.boxes.size(), 2u);
+}
+
+TEST_F(FirmwareReply, FileOfTheSameKindTurnsOnTheFlyOn) {
+    host.current = 3;
+    answer(200000, "ZQA0003007");
+    EXPECT_EQ(host.onFlyCalls, (std::vector<bool>{true}));
+    EXPECT_TRUE(host.boxes.empty());
+}
+
+TEST_F(FirmwareReply, NoFileInHandGivesNoWarning) {
+    host.current = 0;
+    answer(200000, "ZQA0003007");
+    EXPECT_TRUE(host.boxes.empty());
+    EXPECT_TRUE(host.onFlyCalls.empty());
+}
+
+struct NewFirmwareCase {
+    const char* name;
+    const char* firmware;
+    bool warned;
+};
+
+class NewFirmware : public FirmwareReply, public testing::WithParamInterface<NewFirmwareCase> {};
+
+TEST_P(NewFirmware, IsWarnedOfOnlyAboveTheTable) {
+    host.releases[3] = 5;
+    host.builds[3] = 12;
+    answer(200000, GetParam().firmware);
+    ASSERT_EQ(host.boxes.size(), GetParam().warned ? 1u : 0u);
+    if (!GetParam().warned) return;
+    EXPECT_EQ(host.boxes[0].title, "");
+    EXPECT_EQ(host.boxes[0].icon, Icon::None);
+    EXPECT_EQ(host.boxes[0].text,
+              "This version of firmware is not fully supported by this version of Zentaq.\nYou will still be "
+              "able to "
+              "make changes to the unit, but not all features will be available.");
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, NewFirmware,
+                         testing::Values(NewFirmwareCase{"Equal", "ZQA0005012", false},
+                                         NewFirmwareCase{"NewerBuild", "ZQA0005013", true},
+                                         NewFirmwareCase{"OlderBuild", "ZQA0005011", false},
+                                         NewFirmwareCase{"NewerReleaseOlderBuild", "ZQA0006001", true},
+                                         NewFirmwareCase{"OlderReleaseNewerBuild", "ZQA0004999", false}),
+                         [](const auto& row) { return row.param.name; });
+
+TEST_F(FirmwareReply, SubTypesOfKindThreeAreLabelled) {
+    const std::pair<int, const char*> cases[] = {{0, "A Std"}, {1, "A 6/12"}, {2, "A r"}, {3, "A r"}};
+    for (const auto& [subType, label] : cases) {
+        answer(200000, "ZQA0003007", subType);
+        EXPECT_EQ(link.status().unitLabel, label) << subType;
+        EXPECT_EQ(link.linked().UnitSubType, subType + 1);
+    }
+}
+
+TEST_F(FirmwareReply, OtherKindsHaveNoSubType) {
+    answer(300000, "ZQL0003001");
+    EXPECT_EQ(link.linked().UnitSubType, 0);
+    EXPECT_EQ(link.status().unitLabel, "L");
+}
+
+struct WideCase {
+    const char* name;
+    std::uint32_t serial;
+    const char* firmware;
+    bool wide;
+    bool asksConfiguration;
+};
+
+class WideMonitor : public FirmwareReply, public testing::WithParamInterface<WideCase> {};
+
+TEST_P(WideMonitor, FollowsKindAndRelease) {
+    answer(GetParam().serial, GetParam().firmware);
+    EXPECT_EQ(link.linked().WideMonitor, GetParam().wide);
+    ticks(1);
+    EXPECT_EQ(port.written(), GetParam().asksConfiguration ? (Texts{"B", "C"}) : (Texts{"B"}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, WideMonitor,
+                         testing::Values(WideCase{"A4", 200000, "ZQA0004999", false, false},
+                                         WideCase{"A5", 200000, "ZQA0005001", true, true},
+                                         WideCase{"L6", 300000, "ZQL0006999", false, false},
+                                         WideCase{"L7", 300000, "ZQL0007001", true, true},
+                                         WideCase{"C2", 350000, "ZQC0002999", false, false},
+                                         WideCase{"C3", 350000, "ZQC0003001", true, true},
+                                         WideCase{"D4", 700000, "ZQD0004999", false, false},
+                                         WideCase{"D5", 700000, "ZQD0005001", true, true},
+                                         WideCase{"D6Old", 750000, "ZQD0004999", false, false},
+                                         WideCase{"D6New", 750000, "ZQD0005001", true, true},
+                                         WideCase{"Pzk4", 500000, "ZPK0004999", false, false},
+                                         WideCase{"Pzk5", 500000, "ZPK0005001", false, true}),
+                         [](const auto& row) { return row.param.name; });
+
+// ---- C
+
+struct ConfigurationCase {
+    const char* name;
+    std::uint32_t serial;
+    int release, build, byte18;
+    bool has;
+};
+
+class Configuration : public LinkBench, public testing::WithParamInterface<ConfigurationCase> {};
+
+TEST_P(Configuration, ByteEighteenTellsThePic18) {
+    find(GetParam().serial);
+    Unit& unit = host.unit(link.linked().LinkedUnitKind);
+    unit.FW_Release(GetParam().release);
+    unit.FW_Build(GetParam().build);
+    unit.hasPIC18(!GetParam().has);
+    exchange("C", framed(39, {{18, GetParam().byte18}}));
+    EXPECT_EQ(unit.hasPIC18(), GetParam().has);
+    EXPECT_EQ(link.CurrentCommand(), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, Configuration,
+                         testing::Values(ConfigurationCase{"L7", 300000, 7, 0, 1, true},
+                                         ConfigurationCase{"L7Even", 300000, 7, 0, 0xFE, false},
+                                         ConfigurationCase{"L6", 300000, 6, 999, 1, false},
+                                         ConfigurationCase{"L8", 300000, 8, 0, 0xFF, true},
+                                         ConfigurationCase{"Pzk5", 500000, 5, 0, 1, true},
+                                         ConfigurationCase{"Pzk4Build6", 500000, 4, 6, 1, true},
+                                         ConfigurationCase{"Pzk4Build5", 500000, 4, 5, 1, false},
+                                         ConfigurationCase{"Pzk3Build9", 500000, 3, 9, 1, false},
+                                         ConfigurationCase{"OrbA", 200000, 7, 0, 1, false},
+                                         ConfigurationCase{"OrbC", 350000, 7, 0, 1, false}),
+                         [](const auto& row) { return row.param.name; });
+
+// ---- Live frames
+
+TEST_F(LinkReplies, ANarrowFrameReachesTheLiveValues) {
+    find(200000);
+    std::string frame(35, '\0');
+    frame[0] = 0x0B;
+    frame[1] = static_cast<char>(0xB8);
+    exchange("F", frame);
+    EXPECT_EQ(live.RPM, 3000);  // 0x0BB8
+    EXPECT_EQ(host.frameCount, 1);
+    EXPECT_EQ(link.CurrentCommand(), "");
+}
+
+TEST_F(LinkReplies, AWideFrameWithARightSumReachesTheLiveValues) {
+    find(200000);
+    exchange("W", framed(65, {{3, 0x0B}, {4, 0xB8}, {63, 7}}));
+    EXPECT_EQ(live.RPM, 3000);
+    EXPECT_EQ(host.frameCount, 1);
+}
+
+TEST_F(LinkReplies, AWideFrameWithAWrongSumIsDroppedInSilence) {
+    find(200000);
+    std::string frame = framed(65, {{3, 0x0B}, {4, 0xB8}});
+    frame[64] = static_cast<char>(frame[64] + 1);
+    exchange("W", frame);
+    EXPECT_EQ(live.RPM, 0);
+    EXPECT_EQ(host.frameCount, 0);
+    EXPECT_EQ(link.CurrentCommand(), "");
+    EXPECT_TRUE(host.logLines.empty());
+}
+
+TEST_F(LinkReplies, TheWideSumLeavesOutTheMarkerAndWrapsAtAByte) {
+    find(200000);
+    // 0x55 + 0xFF + 0xFF = 0x253: the sum byte is 0x53.
+    std::string frame(65, '\0');
+    frame[0] = static_cast<char>(0xFA);
+    frame[1] = static_cast<char>(0xA5);
+    frame[2] = 0x55;
+    frame[3] = static_cast<char>(0xFF);
+    frame[4] = static_cast<char>(0xFF);
+    frame[64] = 0x53;
+    exchange("W", frame);
+    EXPECT_EQ(host.frameCount, 1);
+}
+
+TEST_F(LinkReplies, ADirectCallWithAWideFrameThatIsTooShortEndsTheCommand) {
+    find(200000);
+    link.Send_ORB_Command("W");
+    ticks(1);
+    port.setReceiveThreshold(10);
+    port.send(atOnce(std::string(10, '\1')));
+    ticks(1);
+    EXPECT_EQ(link.CurrentCommand(), "");
+    EXPECT_EQ(host.frameCount, 0);
+}
+
+TEST_F(LinkReplies, InputAndOutputStateGoesToTheUnit) {
+    find(300000);
+    exchange("I", framed(21, {{3, 17}, {11, 99}}));
+    EXPECT_EQ(host.unit(4).GPIOData[0], 17);
+    EXPECT_EQ(host.unit(4).GPIOData[8], 99);
+    EXPECT_EQ(link.CurrentCommand(), "");
+}
+
+TEST_F(LinkReplies, CheckEngineWordsGoToTheUnit) {
+    find(200000);
+    exchange("T", framed(16, {{3, 0xFE}, {14, 0x7F}}));
+    EXPECT_EQ(host.unit(3).Get_ECData(0), 0xFE);
+    EXPECT_EQ(host.unit(3).Get_ECData(11), 0x7F);
+    EXPECT_EQ(host.codesReceivedCount, 1);
+    EXPECT_EQ(link.CurrentCommand(), "");
+}
+
+// ---- Two-byte replies
+
+TEST_F(LinkReplies, ClearedCodesAreToldOnlyForAX) {
+    find(200000);
+    exchange("A", "AX");
+    EXPECT_EQ(host.logLines, (Texts{"ORB CheckEngine Codes Successfully Cleared."}));
+    EXPECT_EQ(host.codesClearedCount, 1);
+    exchange("A", "AR");
+    EXPECT_EQ(host.logLines.size(), 1u);
+    EXPECT_EQ(host.codesClearedCount, 1);
+    EXPECT_EQ(link.CurrentCommand(), "");
+}
+
+TEST_F(LinkReplies, KillEngineEndsInSilence) {
+    find(200000);
+    exchange("K", "AX");
+    EXPECT_TRUE(host.logLines.empty());
+    EXPECT_EQ(link.CurrentCommand(), "");
+}
+
+TEST_F(LinkReplies, ZeroAdvanceIsToldByItsLastByte) {
+    find(200000);
+    exchange(bytes({'Z', 0xFF}), "AX");
+    exchange(bytes({'Z', 0x00}), "AX");
+    EXPECT_EQ(host.logLines, (Texts{"ORB: Ignition Timing set to Zero", "ORB: Restored Ignition Timing"}));
+    EXPECT_EQ(link.CurrentCommand(), "");
+}
+
+TEST_F(LinkReplies, StoreIsToldWhateverTheReplyHolds) {
+    find(200000);
+    exchange("S", "AR");
+    EXPECT_EQ(host.logLines, (Texts{"ORB: ONFLY changes saved"}));
+}
+
+TEST_F(LinkReplies, OnlyARefusedOnTheFlyChangeIsTold) {
+    find(200000);
+    exchange("P2S104", "AX");
+    exchange("P2S104", "??");
+    EXPECT_TRUE(host.logLines.empty());
+    exchange("P2S104", "AR");
+    EXPECT_EQ(host.logLines, (Texts{"ONFLY: Change Failed!"}));
+    EXPECT_EQ(link.CurrentCommand(), "");
+}
+
+TEST_F(LinkReplies, AReplyOfOneByteIsAFaultThatEndsTheCommand) {
+    find(200000);
+    link.Send_ORB_Command("S");
+    ticks(1);
+    port.setReceiveThreshold(1);
+    port.send(atOnce("A"));
+    ticks(1);
+    EXPECT_EQ(link.CurrentCommand(), "");
+    EXPECT_TRUE(host.logLines.empty());
+}
+
+TEST_F(LinkReplies, ALogThatCannotBeWrittenDoesNotStopAHandler) {
+    find(200000);
+    host.failLog = true;
+    exchange("A", "AX");
+    EXPECT_EQ(host.codesClearedCount, 1);
+}
+
+TEST_F(LinkReplies, TheLinkConsoleTellsEachChangeOfActivityOnce) {
+    find(200000);
+    link.editStatus().activity = "";
+    exchange("K", "AX");
+    exchange("K", "AX");
+    exchange("T", framed(16, {}));
+    EXPECT_EQ(host.commLines, (Texts{"{Info}", "{Check Engine}"}));
+}
+
+TEST_F(LinkReplies, AGoodStartIsIdentifyFirmwareConfigurationAndThenWideFrames) {
+    port.always("E", identifyReply(200000));
+    port.always("B", firmwareReply("DEMO", "ZQA0005001"));
+    port.always("C", framed(39, {}));
+    port.always("W", framed(65, {}));
+    Poller poller(
+        link, [] {}, [] {});
+    for (int firing = 0; firing < 30; ++firing) {
+        poller.fire({});
+        ticks(30);
+    }
+    const Texts written = port.written();
+    ASSERT_GT(written.size(), 4u);
+    EXPECT_EQ(Texts(written.begin(), written.begin() + 4), (Texts{"E", "B", "C", "W"}));
+}
+
+}  // namespace
+}  // namespace zentaq

@@ -1,0 +1,534 @@
+#include <gtest/gtest.h>
+
+#include "base/errors.h"
+#include "base/text.h"
+#include "link/link_bench.h"
+#include "link/poller.h"
+
+namespace zentaq {
+namespace {
+
+class LinkTransfers : public LinkBench {
+ protected:
+    /// Every line gets this reply, unless a test scripts another.
+    void answerLines(const std::string& reply) {
+        port.otherwise([reply](const std::string& command) -> std::optional<ScriptedReply> {
+            if (command == "P1" || command == "P3" || command.starts_with("S")) return atOnce(reply);
+            return std::nullopt;
+        });
+    }
+
+    /// Programs a file of these lines as firmware.
+    void upgrade(const std::string& content) {
+        link.AutoPollSuspended(true);
+        link.Program_Unit(TransferMode::Firmware, folder.write("new.nv3", content));
+    }
+
+    /// Starts to program a calibration whose S-record file is replaced by this text before a line is read.
+    void program(const std::string& content) {
+        link.AutoPollSuspended(true);
+        link.Program_Unit(TransferMode::Calibration, "");
+        std::ofstream(folder.path("ORB.s19"), std::ios::binary | std::ios::trunc) << content;
+    }
+
+    void runUntilIdle(int limit = 20'000) {
+        for (int i = 0; i < limit && (link.TransferActive() || link.QueuedCommands() > 0); ++i) ticks(1);
+    }
+
+    static std::string dataRecord(int rpmHigh, std::size_t length = 33) {
+        return framed(length, {{3, rpmHigh}});
+    }
+};
+
+class CalibrationTransfer : public LinkTransfers {
+ protected:
+    CalibrationTransfer() {
+        host.current = 3;
+        find(200000);
+        Unit& unit = host.unit(3);
+        unit.BinFile("/home/tuner/My Car.ZQ4OA");
+        // Any calibration that converts: some cells are divisors.
+        for (int index = 0; index < Unit::cellCount; ++index) unit.AssignDirectIndex(20, index);
+    }
+};
+
+// ---- Programming a calibration
+
+TEST_F(CalibrationTransfer, StartWritesItsConsoleLinesAndQueuesP1) {
+    link.Program_Unit(TransferMode::Calibration, "");
+    EXPECT_EQ(host.logLines, (Texts{"Preparing My Car.ZQ4OA for output to ORB Unit...",
+                                    "  - Converting Data...", "  - Programming ORB..."}));
+    EXPECT_TRUE(std::filesystem::exists(folder.path("ORB.s19")));
+    EXPECT_EQ(link.QueuedCommands(), 1);
+    EXPECT_TRUE(link.status().progressVisible);
+    EXPECT_EQ(link.status().progressPercent, 0);
+    ticks(1);
+    EXPECT_EQ(port.written(), (Texts{"P1"}));
+    EXPECT_TRUE(link.TransferActive());
+}
+
+TEST_F(CalibrationTransfer, AWholeRunOfARealImageTakesElevenTicksALine) {
+    answerLines("AX");
+    link.AutoPollSuspended(true);
+    link.Program_Unit(TransferMode::Calibration, "");
+    constexpr int lineCount = 137 + 1;  // data lines of a firmware below 5, and the end record
+    ASSERT_EQ(link.TransferLines(), lineCount);
+    Texts lines = split(TemporaryFolder::read(folder.path("ORB.s19")), '\n');
+    lines.resize(lineCount);  // nothing stands behind the last line end
+    for (std::string& line : lines) {
+        if (line.ends_with('\r')) line.pop_back();
+    }
+    port.always(lines.back(), atOnce("PN"));
+
+    ticks(1);  // P1 goes out
+    // The reply to the last line is handled on the tick behind its writing.
+    ticks(lineCount * 11);
+    EXPECT_EQ(port.written().size(), 1u + lineCount);
+    EXPECT_TRUE(link.TransferActive());
+    EXPECT_TRUE(host.messages.empty());
+    ticks(1);
+    EXPECT_FALSE(link.TransferActive());
+    EXPECT_EQ(host.messages, (std::vector<int>{1002}));
+    EXPECT_EQ(Texts(port.written().begin() + 1, port.written().end()), lines);
+}
+
+TEST_F(CalibrationTransfer, ARunOf147LinesEndsOnTick1619) {
+    answerLines("AX");
+    std::string content;
+    for (int i = 1; i <= 147; ++i) content += "S1" + std::to_string(i) + "\r\n";
+    port.always("S1147", atOnce("PN"));
+    program(content);
+    // One tick writes P1, 147 times eleven ticks write a line, one more handles the last reply.
+    ticks(1618);
+    EXPECT_EQ(port.written().size(), 148u);
+    EXPECT_TRUE(host.messages.empty());
+    ticks(1);
+    EXPECT_EQ(host.messages, (std::vector<int>{1002}));
+}
+
+TEST_F(CalibrationTransfer, TheNextLineGoesOutOnTheEleventhTickOfAReply) {
+    answerLines("AX");
+    program("S1a\r\nS1b\r\n");
+    ticks(1);
+    EXPECT_EQ(port.written(), (Texts{"P1"}));
+    ticks(10);
+    EXPECT_EQ(port.written(), (Texts{"P1"}));
+    ticks(1);
+    EXPECT_EQ(port.written(), (Texts{"P1", "S1a"}));
+    ticks(10);
+    EXPECT_EQ(port.written(), (Texts{"P1", "S1a"}));
+    ticks(1);
+    EXPECT_EQ(port.written(), (Texts{"P1", "S1a", "S1b"}));
+}
+
+TEST_F(CalibrationTransfer, VerifiedEndsInOrder) {
+    answerLines("AX");
+    port.always("S9", atOnce("PN"));
+    program("S1a\r\nS9\r\n");
+    host.calls.clear();
+    runUntilIdle();
+    EXPECT_EQ(host.calls, (Texts{"add: SUCCESS!", "message: 1002", "log: Automatic POLL/SYNC: ENABLED",
+                                 "log: ORB: Upload Successful, Program Verified!"}));
+    EXPECT_EQ(host.logLines[2], "  - Programming ORB... SUCCESS!");
+    EXPECT_EQ(statusTexts(), (Texts{"Program ORB Successful", "PROGRAM VERIFIED",
+                                    "You Must Restart ECU After download completed."}));
+    EXPECT_EQ(link.status().image, LinkImage::Connected);
+    EXPECT_FALSE(link.status().progressVisible);
+    EXPECT_EQ(link.TransferLine(), 0);
+    EXPECT_EQ(link.TransferLines(), 0);
+    EXPECT_FALSE(link.AutoPollSuspended());
+    EXPECT_EQ(link.CurrentCommand(), "");
+}
+
+TEST_F(CalibrationTransfer, VerifiedIsHandledOnceThoughItsReplyStands) {
+    answerLines("PN");
+    program("S1a\r\n");
+    ticks(100);
+    EXPECT_EQ(host.messages, (std::vector<int>{1002}));
+    EXPECT_EQ(port.written(), (Texts{"P1"}));
+}
+
+TEST_F(CalibrationTransfer, RefusedBeforeAnyLineFailsWithMessage1003) {
+    port.always("P1", atOnce("AR"));
+    program("S1a\r\n");
+    host.calls.clear();
+    ticks(100);
+    EXPECT_EQ(host.calls,
+              (Texts{"add: FAIL!", "log: PROCESS FAILED - EXITED ABNORMALLY.", "message: 1003",
+                     "log: Automatic POLL/SYNC: ENABLED", "log: Data Upload to ORB Unit FAILED!"}));
+    EXPECT_EQ(port.written(), (Texts{"P1"}));
+    EXPECT_FALSE(link.TransferActive());
+    EXPECT_FALSE(link.AutoPollSuspended());
+    EXPECT_EQ(link.linked().LinkedUnitKind, 3);
+}
+
+TEST_F(CalibrationTransfer, RefusedAtTheThirdLineFailsThere) {
+    answerLines("AX");
+    port.always("S1c", atOnce("AR"));
+    program("S1a\r\nS1b\r\nS1c\r\nS1d\r\n");
+    runUntilIdle();
+    ticks(100);
+    EXPECT_EQ(port.written(), (Texts{"P1", "S1a", "S1b", "S1c"}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1003}));
+    EXPECT_EQ(link.TransferLine(), 0);
+}
+
+TEST_F(CalibrationTransfer, ALostReplyFailsAfter1000TicksAndTheLinkIsLostToo) {
+    answerLines("AX");
+    port.always("S1b", atOnce(""));
+    program("S1a\r\nS1b\r\nS1c\r\n");
+    ticks(1 + 11 + 11);
+    ASSERT_EQ(port.written().back(), "S1b");
+    ticks(1000);
+    EXPECT_TRUE(host.messages.empty());
+    ticks(1);
+    EXPECT_EQ(host.messages, (std::vector<int>{1003}));
+    EXPECT_EQ(link.linked().LinkedUnitKind, 0);
+    EXPECT_EQ(host.onFlyCalls, (std::vector<bool>{false}));
+    EXPECT_FALSE(link.TransferActive());
+    EXPECT_EQ(link.CurrentCommand(), "");
+    EXPECT_FALSE(link.AutoPollSuspended());
+}
+
+TEST_F(CalibrationTransfer, AnEmptyFileCountsAsASuccess) {
+    answerLines("AX");
+    program("");
+    ticks(2000);
+    EXPECT_EQ(port.written(), (Texts{"P1"}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1002}));
+    EXPECT_FALSE(link.TransferActive());
+    EXPECT_EQ(link.CurrentCommand(), "");
+    EXPECT_EQ(link.linked().LinkedUnitKind, 3);
+}
+
+TEST_F(CalibrationTransfer, AFileThatRunsOutWithNoVerificationCountsAsASuccess) {
+    answerLines("AX");
+    program("S1a\r\nS9");
+    ticks(2000);
+    EXPECT_EQ(port.written(), (Texts{"P1", "S1a", "S9"}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1002}));
+    EXPECT_EQ(link.QueueHead(), link.QueueTail());
+    EXPECT_EQ(link.QueuedCommands(), 0);
+}
+
+TEST_F(CalibrationTransfer, OtherUnitsGetEachLineWithItsLineEnd) {
+    find(300000);
+    host.current = 3;
+    answerLines("AX");
+    program("S1a\r\nS9\n");
+    ticks(100);
+    EXPECT_EQ(port.written(), (Texts{"P1", "S1a\r\n", "S9\r\n"}));
+}
+
+TEST_F(CalibrationTransfer, CommandsQueuedBehindP1AreThrownAway) {
+    answerLines("AX");
+    program("S1a\r\n");
+    link.Send_ORB_Command("T");
+    link.Send_ORB_Command("K");
+    ticks(1);
+    EXPECT_EQ(link.QueuedCommands(), 0);
+    ticks(200);
+    EXPECT_EQ(port.written(), (Texts{"P1", "S1a"}));
+}
+
+TEST_F(CalibrationTransfer, CommandsQueuedDuringTheRunWaitUntilItIsOver) {
+    answerLines("AX");
+    port.always("S9", atOnce("PN"));
+    program("S1a\r\nS1b\r\nS9\r\n");
+    ticks(14);
+    link.Send_ORB_Command("T");
+    ticks(100);
+    EXPECT_EQ(port.written(), (Texts{"P1", "S1a", "S1b", "S9", "T"}));
+}
+
+TEST_F(CalibrationTransfer, ACommandThatEntersInTheYieldOfALineWaitsToo) {
+    answerLines("AX");
+    port.always("S9", atOnce("PN"));
+    program("S1a\r\nS9\r\n");
+    yielding.meanwhile = [&] {
+        ticks(3);  // ticks inside a tick do nothing
+        if (yielding.count == 1) link.SEND_ONFLY("S104");
+    };
+    ticks(100);
+    EXPECT_EQ(port.written(), (Texts{"P1", "S1a", "S9", "P2S104"}));
+}
+
+TEST_F(CalibrationTransfer, AFullRingLosesItsOldestCommandToALine) {
+    answerLines("AX");
+    port.always("S9", atOnce("PN"));
+    program("S9\r\n");
+    ticks(2);
+    for (int i = 0; i < 511; ++i) link.Send_ORB_Command("K" + std::to_string(i));
+    ticks(12);
+    EXPECT_EQ(port.written(), (Texts{"P1", "S9", "K1"}));
+}
+
+TEST_F(CalibrationTransfer, ProgressIsTheWholePartOfLinesSentAgainstAll) {
+    answerLines("AX");
+    link.Program_Unit(TransferMode::Calibration, "");
+    ticks(1 + 74 * 11);
+    // The 74th line steps with 73 of 138 lines before it: 52.9 %.
+    EXPECT_EQ(link.TransferLine(), 74);
+    EXPECT_EQ(link.status().progressPercent, 52);
+}
+
+TEST_F(CalibrationTransfer, EachLineShowsTheStatusOfItsTransfer) {
+    answerLines("AX");
+    program("S1a\r\nS1b\r\n");
+    ticks(11);
+    link.COMM_StatusMessage("x", "y", "z", "Warning");
+    ticks(1);
+    EXPECT_EQ(statusTexts(), (Texts{"Programming ORB...", "Using COM Port: 1 @ 38400 Baud.",
+                                    "Please wait... this may take a moment."}));
+    EXPECT_EQ(link.status().image, LinkImage::Transfer);
+}
+
+TEST_F(CalibrationTransfer, ThePollerStandsStill) {
+    answerLines("AX");
+    program("S1a\r\n");
+    ticks(1);
+    link.AutoPollSuspended(false);
+    Poller poller(
+        link, [] {}, [] {});
+    for (int i = 0; i < 50; ++i) poller.fire({});
+    EXPECT_EQ(link.QueuedCommands(), 0);
+}
+
+TEST_F(CalibrationTransfer, ASecondTransferIsRefusedWhileOneRuns) {
+    answerLines("AX");
+    program("S1a\r\n");
+    ticks(1);
+    EXPECT_THROW(link.Program_Unit(TransferMode::Calibration, ""), Failure);
+    EXPECT_TRUE(link.AutoPollSuspended());
+    EXPECT_TRUE(link.TransferActive());
+}
+
+TEST_F(CalibrationTransfer, AnUnwritableFolderQueuesNothingAndLetsPollingGoOn) {
+    host.unitHost.folder = folder.path("absent");
+    link.AutoPollSuspended(true);
+    EXPECT_THROW(link.Program_Unit(TransferMode::Calibration, ""), FileError);
+    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_FALSE(link.AutoPollSuspended());
+    EXPECT_FALSE(link.status().progressVisible);
+}
+
+// ---- Programming firmware
+
+TEST_F(LinkTransfers, FirmwareStartWritesItsLinesAndCountsOneMore) {
+    find(200000);
+    upgrade("S0\nS1\nS9\n");
+    EXPECT_EQ(host.logLines,
+              (Texts{"Attempting Firmware Upgrade, Sending File... ", "  - " + folder.path("new.nv3")}));
+    EXPECT_EQ(link.TransferLines(), 4);
+    ticks(1);
+    EXPECT_EQ(port.written(), (Texts{"P3"}));
+}
+
+TEST_F(LinkTransfers, VerifiedFirmwareEndsWithItsOwnTexts) {
+    find(200000);
+    answerLines("AX");
+    port.always("S9", atOnce("PN"));
+    upgrade("S0\nS9\n");
+    runUntilIdle();
+    EXPECT_EQ(port.written(), (Texts{"P3", "S0", "S9"}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1002}));
+    EXPECT_EQ(host.logLines.back(), "ORB: Firmware Upload Successful, Verified!");
+    EXPECT_EQ(link.status().title, "Program Firmware Successful");
+    EXPECT_EQ(link.status().line1, "PROGRAM VERIFIED");
+}
+
+TEST_F(LinkTransfers, RefusedFirmwareFailsWithMessage1004) {
+    find(200000);
+    answerLines("AX");
+    port.always("S1", atOnce("AR"));
+    upgrade("S0\nS1\nS9\n");
+    runUntilIdle();
+    EXPECT_EQ(host.messages, (std::vector<int>{1004}));
+    EXPECT_EQ(host.logLines.back(), "Firmware Upload to ORB Unit FAILED!");
+}
+
+TEST_F(LinkTransfers, AFirmwareLineHas5000TicksOfPatience) {
+    find(200000);
+    upgrade("S0\n");
+    ticks(1 + 5000);
+    EXPECT_TRUE(host.messages.empty());
+    ticks(1);
+    EXPECT_EQ(host.messages, (std::vector<int>{1004}));
+    EXPECT_EQ(link.linked().LinkedUnitKind, 0);
+}
+
+TEST_F(LinkTransfers, AnEmptyFirmwareFileCountsAsASuccess) {
+    find(200000);
+    answerLines("AX");
+    upgrade("");
+    ticks(6000);
+    EXPECT_EQ(port.written(), (Texts{"P3"}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1002}));
+}
+
+TEST_F(LinkTransfers, AnAbsentFirmwareFileQueuesNothing) {
+    find(200000);
+    EXPECT_THROW(link.Program_Unit(TransferMode::Firmware, folder.path("absent.nv3")), FileError);
+    EXPECT_EQ(link.QueuedCommands(), 0);
+}
+
+TEST_F(LinkTransfers, WithAClosedPortATransferFailsAndPollingGoesOn) {
+    upgrade("S0\n");
+    ticks(1 + 5001);
+    EXPECT_EQ(host.messages, (std::vector<int>{1004}));
+    EXPECT_FALSE(link.AutoPollSuspended());
+    EXPECT_FALSE(link.TransferActive());
+}
+
+// ---- The unit's own datalog
+
+class DatalogTransfer : public LinkTransfers {
+ protected:
+    DatalogTransfer() { find(200000); }
+
+    void download() {
+        link.AutoPollSuspended(true);
+        link.Program_Unit(TransferMode::Datalog, folder.path("log.dat"));
+    }
+    std::size_t linesOfLog() const {
+        return split(TemporaryFolder::read(folder.path("log.dat")), '\n').size() - 1;
+    }
+};
+
+TEST_F(DatalogTransfer, StartWritesItsLinesAndTheHeaderOfTheFile) {
+    download();
+    EXPECT_EQ(host.logLines, (Texts{"Downloading on-board datalog file... ",
+                                    "Saving data to: " + folder.path("log.dat"), "  - Downloading data..."}));
+    EXPECT_EQ(link.TransferLines(), 0);
+    EXPECT_FALSE(link.TransferActive());
+    ticks(1);
+    EXPECT_EQ(port.written(), (Texts{"D"}));
+    EXPECT_TRUE(link.TransferActive());
+    link.End_Transfer(false);
+    EXPECT_EQ(linesOfLog(), 3u);
+}
+
+TEST_F(DatalogTransfer, EachRecordIsALineUntilTheEndMarker) {
+    for (int i = 0; i < 5; ++i) port.once("D", atOnce(dataRecord(i)));
+    port.always("D", atOnce(dataRecord(83)));
+    download();
+    runUntilIdle();
+    EXPECT_EQ(port.written(), Texts(6, "D"));
+    EXPECT_EQ(linesOfLog(), 3u + 5u);
+    EXPECT_EQ(host.messages, (std::vector<int>{1006}));
+    EXPECT_EQ(host.logLines[2], "  - Downloading data... SUCCESS!");
+    EXPECT_EQ(host.logLines.back(), "ORB: Datalog download complete!");
+    EXPECT_EQ(statusTexts(), (Texts{"Download of Datalog Complete", "", ""}));
+    EXPECT_FALSE(link.AutoPollSuspended());
+    EXPECT_EQ(link.CurrentCommand(), "");
+}
+
+TEST_F(DatalogTransfer, EngineSpeedByte82IsARecordAnd83TheEnd) {
+    port.once("D", atOnce(dataRecord(82)));
+    port.once("D", atOnce(dataRecord(82)));
+    port.always("D", atOnce(dataRecord(83)));
+    download();
+    runUntilIdle();
+    EXPECT_EQ(linesOfLog(), 3u + 2u);
+}
+
+TEST_F(DatalogTransfer, TheEndAtOnceIsAnEmptyLogAndMessage1007) {
+    port.always("D", atOnce(dataRecord(255)));
+    download();
+    runUntilIdle();
+    EXPECT_EQ(host.messages, (std::vector<int>{1007}));
+    EXPECT_EQ(host.logLines[2], "  - Downloading data... FAIL!");
+    EXPECT_FALSE(link.TransferActive());
+    EXPECT_EQ(link.linked().LinkedUnitKind, 3);
+}
+
+TEST_F(DatalogTransfer, OneRecordAndTheEndIsAFailureToo) {
+    port.once("D", atOnce(dataRecord(1)));
+    port.always("D", atOnce(dataRecord(255)));
+    download();
+    runUntilIdle();
+    EXPECT_EQ(host.messages, (std::vector<int>{1007}));
+}
+
+TEST_F(DatalogTransfer, ABadHeaderRaisesNoMessageAndStallsIntoTheTimeOut) {
+    port.once("D", atOnce(dataRecord(1)));
+    port.always("D", atOnce(std::string(33, 'x')));
+    download();
+    ticks(5);
+    EXPECT_EQ(link.CurrentCommand(), "");
+    EXPECT_EQ(link.TransferLines(), 2);
+    EXPECT_TRUE(host.messages.empty());
+    ticks(995);
+    EXPECT_TRUE(host.messages.empty());
+    EXPECT_TRUE(link.TransferActive());
+    ticks(10);
+    EXPECT_EQ(host.messages, (std::vector<int>{1007}));
+    EXPECT_FALSE(link.TransferActive());
+    EXPECT_FALSE(link.AutoPollSuspended());
+    EXPECT_EQ(port.written(), (Texts{"D", "D"}));
+}
+
+TEST_F(DatalogTransfer, ALostRecordEndsTheDownloadAndTheLinkAtThe1001stTick) {
+    port.once("D", atOnce(dataRecord(1)));
+    download();
+    ticks(3);
+    ASSERT_EQ(port.written(), (Texts{"D", "D"}));
+    ticks(1000);
+    EXPECT_TRUE(host.messages.empty());
+    ticks(1);
+    EXPECT_EQ(host.messages, (std::vector<int>{1007}));
+    EXPECT_EQ(link.linked().LinkedUnitKind, 0);
+}
+
+TEST_F(DatalogTransfer, AFullLogReachesAHundredPercentAndGoesOnCounting) {
+    find(350000);  // a log of 1820 records
+    port.always("D", atOnce(dataRecord(1, 40)));
+    download();
+    ticks(1 + 2 * 910);
+    EXPECT_EQ(link.TransferLines(), 910);
+    EXPECT_EQ(link.status().progressPercent, 50);
+    ticks(2 * 910);
+    EXPECT_EQ(link.status().progressPercent, 100);
+    ticks(2 * 10);
+    EXPECT_EQ(link.TransferLines(), 1830);
+    EXPECT_EQ(link.status().progressPercent, 100);
+}
+
+TEST_F(DatalogTransfer, AUserCommandIsWrittenBetweenTwoRecords) {
+    port.always("D", atOnce(dataRecord(1)));
+    port.always("T", atOnce(framed(16, {})));
+    download();
+    ticks(1);
+    link.Send_ORB_Command("T");
+    ticks(6);
+    EXPECT_EQ(port.written(), (Texts{"D", "T", "D", "D"}));
+}
+
+TEST_F(DatalogTransfer, AFileThatCannotBeMadeQueuesNothing) {
+    link.AutoPollSuspended(true);
+    EXPECT_THROW(link.Program_Unit(TransferMode::Datalog, folder.path("absent/log.dat")), FileError);
+    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_FALSE(link.AutoPollSuspended());
+}
+
+TEST_F(DatalogTransfer, AFullDiskFailsTheDownload) {
+    if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no full device here";
+    port.once("D", atOnce(dataRecord(1)));
+    port.once("D", atOnce(dataRecord(1)));
+    port.always("D", atOnce(dataRecord(255)));
+    link.Program_Unit(TransferMode::Datalog, "/dev/full");
+    runUntilIdle();
+    EXPECT_EQ(host.messages, (std::vector<int>{1007}));
+}
+
+// ---- The closing routine
+
+TEST_F(LinkTransfers, EndWithNoTransferSaysThatPollingGoesOn) {
+    link.AutoPollSuspended(true);
+    link.End_Transfer(true);
+    EXPECT_EQ(host.calls, (Texts{"add: SUCCESS!", "log: Automatic POLL/SYNC: ENABLED"}));
+    EXPECT_FALSE(link.AutoPollSuspended());
+}
+
+}  // namespace
+}  // namespace zentaq

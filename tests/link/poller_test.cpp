@@ -1,0 +1,245 @@
+#include "link/poller.h"
+
+#include <gtest/gtest.h>
+
+#include "link/link_bench.h"
+
+namespace zentaq {
+namespace {
+
+class PollInterval : public testing::TestWithParam<std::pair<const char*, int>> {};
+
+TEST_P(PollInterval, IsTheWholePartOfAThousandByTheRate) {
+    MemorySettings settings;
+    settings.set("System", "ADUR", GetParam().first);
+    EXPECT_EQ(pollIntervalMs(settings), GetParam().second);
+}
+
+INSTANTIATE_TEST_SUITE_P(Rates, PollInterval,
+                         testing::Values(std::pair("100", 10), std::pair("50", 20), std::pair("30", 33),
+                                         std::pair("3", 333), std::pair("1", 1000), std::pair("0.5", 2000),
+                                         std::pair("1000", 1), std::pair("1500", 1), std::pair("999999", 1),
+                                         std::pair("", 10), std::pair("0", 10), std::pair("-5", 10),
+                                         std::pair("fast", 10)));
+
+TEST(PollIntervalSetting, NeverWrittenGivesTheDesignValue) {
+    EXPECT_EQ(pollIntervalMs(MemorySettings()), 10);
+}
+
+class PollerTest : public LinkBench {
+ protected:
+    void fire(int count, PollerView view = {}) {
+        for (int i = 0; i < count; ++i) poller.fire(view);
+    }
+    /// Lets a unit answer all that is queued; the commands as they were written.
+    Texts queued() {
+        port.otherwise([](const std::string&) { return atOnce(std::string(80, '\0')); });
+        ticks(40);
+        return port.takeWritten();
+    }
+
+    int refreshes = 0;
+    int displays = 0;
+    Poller poller{link,
+                  [this] {
+                      ++refreshes;
+                      link.Send_ORB_Command("T");
+                  },
+                  [this] { ++displays; }};
+};
+
+TEST_F(PollerTest, WithNoUnitItAsksOnEveryTenthFiring) {
+    open();
+    fire(9);
+    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(poller.ConnectCount(), 9);
+    fire(1);
+    EXPECT_EQ(link.QueuedCommands(), 1);
+    EXPECT_EQ(poller.ConnectCount(), 0);
+    fire(20);
+    EXPECT_EQ(link.QueuedCommands(), 3);
+    EXPECT_TRUE(link.status().noConnectPanel);
+    EXPECT_EQ(link.status().noConnectText, "Connecting...");
+    EXPECT_EQ(displays, 0);
+    ticks(1);
+    EXPECT_EQ(port.written(), (Texts{"E"}));
+}
+
+TEST_F(PollerTest, AFoundUnitThatIsNotIdentifiedIsAskedAgain) {
+    find(200000);
+    ASSERT_TRUE(link.linked().UnitFound);
+    fire(10);
+    ticks(1);
+    EXPECT_EQ(port.written(), (Texts{"E"}));
+}
+
+TEST_F(PollerTest, AUnitWithOldFirmwareStaysInTheSearch) {
+    open();
+    exchange("E", bytes({0x00, 0x00, 0x02, 0x9C, 'A', 'X'}));
+    fire(10);
+    EXPECT_EQ(link.status().noConnectText, "Connecting...");
+    EXPECT_TRUE(link.status().noConnectPanel);
+    EXPECT_EQ(link.QueuedCommands(), 1);
+}
+
+TEST_F(PollerTest, AnIdentifiedUnitIsAskedForNarrowFrames) {
+    identify(200000, "ZQA0004001");
+    fire(1);
+    EXPECT_EQ(displays, 1);
+    EXPECT_FALSE(link.status().noConnectPanel);
+    EXPECT_EQ(queued(), (Texts{"F"}));
+}
+
+TEST_F(PollerTest, AUnitWithTheWideMonitorIsAskedForWideFrames) {
+    identify(200000, "ZQA0005001");
+    fire(1);
+    ticks(1);
+    EXPECT_EQ(port.written(), (Texts{"W"}));
+}
+
+TEST_F(PollerTest, FiveWaitingCommandsAreEnoughButTheDisplayGoesOn) {
+    identify(200000, "ZQA0004001");
+    fire(8);
+    EXPECT_EQ(link.QueuedCommands(), 5);
+    EXPECT_EQ(displays, 8);
+}
+
+TEST_F(PollerTest, FourWaitingCommandsLeaveRoomForOne) {
+    identify(200000, "ZQA0004001");
+    for (int i = 0; i < 4; ++i) link.Send_ORB_Command("K");
+    fire(1);
+    EXPECT_EQ(link.QueuedCommands(), 5);
+    fire(1);
+    EXPECT_EQ(link.QueuedCommands(), 5);
+}
+
+TEST_F(PollerTest, InputAndOutputStateIsAskedForOnEveryFourthFiring) {
+    identify(300000, "ZQL0003001");
+    poller.gpioRequired([] { return true; });
+    Texts all;
+    for (int i = 0; i < 8; ++i) {
+        fire(1);
+        for (const std::string& command : queued()) all.push_back(command);
+    }
+    // The count stands at 3 on the fourth firing, which asks and starts over with its own addition.
+    EXPECT_EQ(all, (Texts{"F", "F", "F", "F", "I", "F", "F", "F", "I", "F"}));
+}
+
+TEST_F(PollerTest, AUnitWhoseFramesCarryTheStateIsNotAskedForIt) {
+    identify(200000, "ZQA0004001");
+    for (int i = 0; i < 10; ++i) {
+        fire(1);
+        EXPECT_EQ(queued(), (Texts{"F"}));
+    }
+    EXPECT_EQ(poller.GPIOCount(), 0);
+}
+
+TEST_F(PollerTest, TheWideMonitorCarriesTheStateItself) {
+    identify(300000, "ZQL0007001");
+    poller.gpioRequired([] { return true; });
+    fire(4);
+    EXPECT_EQ(link.QueuedCommands(), 4);
+    EXPECT_EQ(poller.GPIOCount(), 4);
+}
+
+TEST_F(PollerTest, CodesAreRefreshedOnTheFiftyFirstFiring) {
+    identify(200000, "ZQA0004001");
+    for (int i = 0; i < 50; ++i) {
+        fire(1);
+        queued();
+    }
+    EXPECT_EQ(refreshes, 0);
+    EXPECT_EQ(poller.CodeCount(), 50);
+    fire(1);
+    EXPECT_EQ(refreshes, 1);
+    EXPECT_EQ(queued(), (Texts{"F", "T"}));
+    EXPECT_EQ(poller.CodeCount(), 1);
+}
+
+TEST_F(PollerTest, WithNoRoomTheCodesWaitAndTheirCountStandsAt50) {
+    identify(200000, "ZQA0004001");
+    fire(60);
+    EXPECT_EQ(refreshes, 0);
+    EXPECT_EQ(poller.CodeCount(), 50);
+    queued();
+    fire(1);
+    EXPECT_EQ(refreshes, 1);
+}
+
+TEST_F(PollerTest, WhileAChangeIsOnTheWireThePanelSaysUpdating) {
+    identify(200000, "ZQA0004001");
+    link.SEND_ONFLY("S104");
+    ticks(1);
+    ASSERT_TRUE(link.OnFlyBusy());
+    fire(3);
+    EXPECT_TRUE(link.status().noConnectPanel);
+    EXPECT_EQ(link.status().noConnectText, "Updating");
+    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(displays, 0);
+}
+
+TEST_F(PollerTest, BehindTheSecondTabItOnlyMovesThePanelAway) {
+    identify(200000, "ZQA0004001");
+    link.showNoConnectPanel("Connecting...");
+    fire(20, {.tab2Showing = true});
+    EXPECT_FALSE(link.status().noConnectPanel);
+    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(displays, 0);
+}
+
+TEST_F(PollerTest, BehindTheSecondTabNoUnitIsSearched) {
+    open();
+    fire(30, {.tab2Showing = true});
+    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(poller.ConnectCount(), 0);
+}
+
+TEST_F(PollerTest, AutoVeCoversTheDashboardOnEveryTab) {
+    identify(200000, "ZQA0004001");
+    for (const bool second : {false, true}) {
+        fire(1, {.tab2Showing = second, .autoVeOn = true});
+        EXPECT_TRUE(link.status().noConnectPanel);
+        EXPECT_EQ(link.status().noConnectText, "AutoVE ON");
+    }
+    EXPECT_EQ(link.QueuedCommands(), 1);
+}
+
+TEST_F(PollerTest, SuspendedPollingQueuesNothing) {
+    identify(200000, "ZQA0004001");
+    link.AutoPollSuspended(true);
+    fire(60);
+    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(refreshes, 0);
+    link.AutoPollSuspended(false);
+    fire(1);
+    EXPECT_EQ(link.QueuedCommands(), 1);
+}
+
+TEST_F(PollerTest, SuspendedPollingSearchesNoUnit) {
+    open();
+    link.AutoPollSuspended(true);
+    fire(30);
+    EXPECT_EQ(link.QueuedCommands(), 0);
+}
+
+TEST_F(PollerTest, ALostLinkGoesBackToTheSearch) {
+    identify(200000, "ZQA0004001");
+    fire(1);
+    ticks(1 + 84);
+    ASSERT_FALSE(link.linked().UnitIdentified);
+    fire(10);
+    EXPECT_EQ(link.status().noConnectText, "Connecting...");
+    ticks(1);
+    EXPECT_EQ(port.written(), (Texts{"F", "E"}));
+}
+
+TEST_F(PollerTest, OnAClosedPortTheQueueDoesNotGrowWithoutBound) {
+    for (int i = 0; i < 2000; ++i) {
+        fire(1);
+        ticks(10);
+        ASSERT_LE(link.QueuedCommands(), 12);
+    }
+}
+
+}  // namespace
+}  // namespace zentaq

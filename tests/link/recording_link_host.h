@@ -1,0 +1,146 @@
+// A program around the link, for tests: it owns the units and keeps every call in one ordered list.
+#pragma once
+
+#include <array>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "link/link_host.h"
+#include "unit/unit.h"
+#include "unit/unit_host.h"
+#include "unit/unit_kind.h"
+
+namespace zentaq {
+
+/// What a Unit object needs; nothing is refused.
+class PlainUnitHost : public UnitHost {
+ public:
+    bool checkInput(int, std::string_view) override { return false; }
+    bool checkRange(float value, float minimum, float maximum, std::string_view text) override {
+        const bool refused = value < minimum || value > maximum;
+        if (refused) refusals.emplace_back(text);
+        return refused;
+    }
+    void sysLog(std::string_view) override {}
+    void addToLastLine(std::string_view) override {}
+    void displayMessage(int, std::string_view) override {}
+    void displayWarning(int, std::string_view) override {}
+    void inform(std::string_view) override {}
+    void sendOnFly(std::string_view) override {}
+    std::optional<EngineFacts> engine(int, int) override { return std::nullopt; }
+    std::optional<SensorFacts> mapSensor(int) override { return std::nullopt; }
+    bool fahrenheit() const override { return false; }
+    bool firmwareKnownFromLink() const override { return false; }
+    FileHeader& header() override { return fileHeader; }
+    float programVersion() const override { return 10.2F; }
+    std::string applicationFolder() const override { return folder; }
+    void yield() override {}
+    void formsChanged() override {}
+
+    std::vector<std::string> refusals;
+    FileHeader fileHeader;
+    std::string folder;
+};
+
+/// The sizes of each kind on the wire, as its firmware answers; the kinds have no parameters.
+inline const UnitKind& bareKind(int slot) {
+    static const std::map<int, UnitKind> kinds = [] {
+        std::map<int, UnitKind> made;
+        const auto add = [&](int number, std::string_view name, SizeConstants sizes) {
+            UnitKind kind = nullKind();
+            kind.slot = number;
+            kind.className = name;
+            kind.sizes = sizes;
+            kind.hasCalibration = number != 0;
+            kind.hasWideMonitor = number != 0 && number != 5;
+            made[number] = kind;
+        };
+        add(0, "clsNull", {});
+        add(3, "clsORBA", {35, 21, 8, 39, 2, 16, 39, 33, 8736, 65});
+        add(4, "clsORBALite", {28, 21, 8, 38, 2, 16, 39, 36, 2048, 66});
+        add(5, "clsPZK2", {28, 21, 8, 38, 2, 16, 39, 34, 0, 23});
+        add(6, "clsORBC", {28, 21, 8, 38, 2, 16, 39, 40, 1820, 70});
+        add(7, "clsORBd", {28, 21, 8, 38, 2, 16, 39, 34, 2184, 62});
+        add(8, "clsORBd", {28, 21, 8, 38, 2, 16, 39, 34, 2184, 62});
+        return made;
+    }();
+    return kinds.at(slot);
+}
+
+class RecordingLinkHost : public LinkHost {
+ public:
+    RecordingLinkHost() {
+        for (const int slot : {0, 4, 5, 6, 7, 8})
+            units[slot] = std::make_unique<Unit>(bareKind(slot), unitHost);
+        units[3] = std::make_unique<Unit>(orbaKind(), unitHost);
+    }
+
+    Unit& unit(int slot) override {
+        const auto found = units.find(slot);
+        return found == units.end() ? *units.at(0) : *found->second;
+    }
+    int currentUnit() const override { return current; }
+    float fileFirmwareCode() const override { return fileCode; }
+
+    void sysLog(std::string_view text) override {
+        if (failLog) throw std::runtime_error("disk full");
+        logLines.emplace_back(text);
+        calls.push_back("log: " + std::string(text));
+    }
+    void commLog(std::string_view text) override { commLines.emplace_back(text); }
+    void addToLastLine(std::string_view text) override {
+        if (!logLines.empty()) logLines.back() += " " + std::string(text);
+        calls.push_back("add: " + std::string(text));
+    }
+    void displayMessage(int code) override {
+        messages.push_back(code);
+        calls.push_back("message: " + std::to_string(code));
+        if (whileBoxShows) whileBoxShows();
+    }
+    void show(const Box& box) override {
+        boxes.push_back(box);
+        calls.push_back("box: " + box.title);
+        if (whileBoxShows) whileBoxShows();
+    }
+    void initializeOnFly(bool on) override {
+        onFlyCalls.push_back(on);
+        calls.push_back(on ? "onfly: on" : "onfly: off");
+        if (whenOnFly) whenOnFly();
+    }
+    void onFlyLock(bool busy) override { locks.push_back(busy); }
+    void unitKindFound(int slot) override { kindsFound.push_back(slot); }
+    void codesReceived() override { ++codesReceivedCount; }
+    void codesCleared() override { ++codesClearedCount; }
+    void frameDecoded() override { ++frameCount; }
+    std::string applicationFolder() const override { return unitHost.folder; }
+    int expectedRelease(int slot) const override { return releases.contains(slot) ? releases.at(slot) : 99; }
+    int expectedBuild(int slot) const override { return builds.contains(slot) ? builds.at(slot) : 999; }
+
+    PlainUnitHost unitHost;
+    std::map<int, std::unique_ptr<Unit>> units;
+    int current = 0;
+    float fileCode = 0;
+    bool failLog = false;
+    std::map<int, int> releases;
+    std::map<int, int> builds;
+    std::function<void()> whileBoxShows;
+    std::function<void()> whenOnFly;
+
+    std::vector<std::string> calls;
+    std::vector<std::string> logLines;
+    std::vector<std::string> commLines;
+    std::vector<int> messages;
+    std::vector<Box> boxes;
+    std::vector<bool> onFlyCalls;
+    std::vector<bool> locks;
+    std::vector<int> kindsFound;
+    int codesReceivedCount = 0;
+    int codesClearedCount = 0;
+    int frameCount = 0;
+};
+
+}  // namespace zentaq

@@ -1,0 +1,149 @@
+#include "platform/receive_gate.h"
+
+#include <gtest/gtest.h>
+
+namespace zentaq {
+namespace {
+
+void receiveOne(ReceiveGate& gate, std::uint8_t byte, std::int64_t nowUs) {
+    gate.received(std::span(&byte, 1), nowUs);
+}
+
+/// Bytes first, first + 1, ... at 0.26 ms, as on a line of 38400 baud. Answers the last arrival's time.
+std::int64_t receiveLine(ReceiveGate& gate, int count, std::int64_t startUs = 0, std::uint8_t first = 1) {
+    for (int i = 0; i < count; ++i) receiveOne(gate, static_cast<std::uint8_t>(first + i), startUs + i * 260);
+    return startUs + (count - 1) * 260;
+}
+
+TEST(ReceiveGate, ThresholdZeroNeverDelivers) {
+    ReceiveGate gate;
+    receiveLine(gate, 8);
+    EXPECT_FALSE(gate.due(1'000'000));
+    EXPECT_FALSE(gate.nextDueUs());
+    EXPECT_EQ(gate.size(), 8u);
+}
+
+TEST(ReceiveGate, NegativeThresholdNeverDelivers) {
+    ReceiveGate gate;
+    gate.threshold(-1);
+    receiveLine(gate, 8);
+    EXPECT_FALSE(gate.due(1'000'000));
+}
+
+TEST(ReceiveGate, TooFewBytesWaitForever) {
+    ReceiveGate gate;
+    gate.threshold(3);
+    receiveLine(gate, 2);
+    EXPECT_FALSE(gate.due(1'000'000));
+    EXPECT_FALSE(gate.nextDueUs());
+}
+
+TEST(ReceiveGate, DeliversTwoCharacterTimesAfterTheLastByte) {
+    ReceiveGate gate;
+    gate.threshold(2);
+    receiveLine(gate, 2);  // at 0 and 260
+    EXPECT_EQ(gate.nextDueUs(), 780);
+    EXPECT_FALSE(gate.due(779));
+    EXPECT_TRUE(gate.due(780));
+}
+
+TEST(ReceiveGate, FirstIdentifyAsksForSixBytesAndGetsAllEight) {
+    ReceiveGate gate;
+    gate.threshold(6);
+    for (int i = 0; i < 8; ++i) {
+        const std::int64_t now = i * 260;
+        receiveOne(gate, static_cast<std::uint8_t>(i), now);
+        EXPECT_FALSE(gate.due(now + 259)) << "while byte " << i + 1 << " is on its way";
+    }
+    EXPECT_TRUE(gate.due(7 * 260 + 520));
+    EXPECT_EQ(gate.take(), (std::vector<std::uint8_t>{0, 1, 2, 3, 4, 5, 6, 7}));
+}
+
+TEST(ReceiveGate, ABatchIsDeliveredOnceEvenIfNobodyTakesIt) {
+    ReceiveGate gate;
+    gate.threshold(2);
+    const auto last = receiveLine(gate, 2);
+    ASSERT_TRUE(gate.due(last + 520));
+    gate.delivered();
+    EXPECT_FALSE(gate.due(last + 10'000));
+    EXPECT_FALSE(gate.nextDueUs());
+}
+
+TEST(ReceiveGate, BytesBehindADeliveredBatchMakeANewOne) {
+    ReceiveGate gate;
+    gate.threshold(2);
+    receiveLine(gate, 2);
+    gate.delivered();
+    receiveOne(gate, 9, 5000);
+    EXPECT_EQ(gate.nextDueUs(), 5520);
+    EXPECT_EQ(gate.take(), (std::vector<std::uint8_t>{1, 2, 9}));
+}
+
+TEST(ReceiveGate, TakeEmptiesAndTheNextBatchCountsFromZero) {
+    ReceiveGate gate;
+    gate.threshold(2);
+    receiveLine(gate, 2);
+    gate.delivered();
+    EXPECT_EQ(gate.take().size(), 2u);
+    EXPECT_TRUE(gate.take().empty());
+    receiveOne(gate, 7, 3000);
+    EXPECT_FALSE(gate.nextDueUs());
+    receiveOne(gate, 8, 3260);
+    EXPECT_EQ(gate.nextDueUs(), 3780);
+}
+
+TEST(ReceiveGate, TakeReturnsWhatIsThereBeforeItIsDue) {
+    ReceiveGate gate;
+    gate.threshold(10);
+    receiveLine(gate, 3);
+    EXPECT_EQ(gate.take(), (std::vector<std::uint8_t>{1, 2, 3}));
+}
+
+TEST(ReceiveGate, ThresholdSetAfterTheBytesCameCountsThem) {
+    ReceiveGate gate;
+    const auto last = receiveLine(gate, 4);
+    gate.threshold(4);
+    EXPECT_TRUE(gate.due(last + 520));
+    gate.threshold(5);
+    EXPECT_FALSE(gate.due(last + 520));
+}
+
+TEST(ReceiveGate, LowerThresholdDeliversABatchThatWasToldUnderAHigherOne) {
+    ReceiveGate gate;
+    gate.threshold(4);
+    const auto last = receiveLine(gate, 4);
+    gate.delivered();
+    gate.threshold(2);
+    EXPECT_TRUE(gate.due(last + 520));
+}
+
+TEST(ReceiveGate, FloodingLineIsDeliveredOnceItHolds256BytesMoreThanAsked) {
+    ReceiveGate gate;
+    gate.threshold(2);
+    std::int64_t now = 0;
+    for (int i = 0; i < 257; ++i, now += 260) {
+        receiveOne(gate, 0xFF, now);
+        ASSERT_FALSE(gate.due(now)) << i;
+    }
+    receiveOne(gate, 0xFF, now);
+    EXPECT_TRUE(gate.due(now));
+    EXPECT_EQ(gate.take().size(), 258u);
+}
+
+TEST(ReceiveGate, NoBytesAtAllDoNotMoveTheQuietTime) {
+    ReceiveGate gate;
+    gate.threshold(1);
+    receiveOne(gate, 1, 100);
+    gate.received({}, 600);
+    EXPECT_EQ(gate.nextDueUs(), 620);
+}
+
+TEST(ReceiveGate, QuietTimeFollowsTheOwnersChoice) {
+    ReceiveGate gate(2000);
+    gate.threshold(1);
+    receiveOne(gate, 1, 0);
+    EXPECT_EQ(gate.nextDueUs(), 2000);
+}
+
+}  // namespace
+}  // namespace zentaq
