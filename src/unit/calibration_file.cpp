@@ -1,0 +1,274 @@
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <filesystem>
+#include <system_error>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "base/errors.h"
+#include "base/rounding.h"
+#include "unit/legacy_sensor.h"
+#include "unit/parameter_rules.h"
+#include "unit/safe_file.h"
+#include "unit/unit.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr std::size_t headerFloats = 3;
+constexpr std::size_t floatBytes = 4;
+constexpr int firstLinearRelease = 3;
+constexpr int lastReleaseInCode = 5;  ///< the code has no room for later releases
+constexpr int scale1Cell = 148;
+constexpr int injOnCell = 150;
+constexpr int mapIdCell = 128;
+constexpr int legacyBarCell = 39;
+
+constexpr std::string_view customSensorText =
+    "Your BIN file appears to use a custom MAP sensor.\n"
+    "Your tune has been preserved, but the senor must be defined to give accurate readings.\n"
+    "You can define the customer sensor under Sensor Parameters->MAP and selecting the Custom button.";
+constexpr std::string_view migratedText =
+    "Your BIN file has been updated to work with this firmware.\n"
+    "You should do a Save As... and reprogram your unit.";
+
+void appendFloat(std::string& bytes, float value) {
+    const auto bits = std::bit_cast<std::uint32_t>(value);
+    for (unsigned shift = 0; shift < 32; shift += 8) bytes += static_cast<char>((bits >> shift) & 255U);
+}
+
+float floatAt(std::string_view bytes, std::size_t index) {
+    std::uint32_t bits = 0;
+    for (std::size_t i = 0; i < floatBytes; ++i) {
+        bits |= std::uint32_t{static_cast<std::uint8_t>(bytes[index * floatBytes + i])} << (8 * i);
+    }
+    return std::bit_cast<float>(bits);
+}
+
+struct FileContent {
+    float unitKind = 0;
+    float programVersion = 0;
+    float firmwareCode = 0;
+    std::vector<float> cells;
+};
+
+FileContent parsed(std::string_view bytes, const std::string& path) {
+    const std::size_t floats = bytes.size() / floatBytes;
+    if (floats < headerFloats) throw FileError("Cannot read " + path + ": it ends inside its header");
+    if (floats - headerFloats > Unit::cellCount) {
+        throw BoundsError("Subscript out of range: " + path + " holds more values than a calibration");
+    }
+    FileContent content{floatAt(bytes, 0), floatAt(bytes, 1), floatAt(bytes, 2), {}};
+    content.cells.reserve(floats - headerFloats);
+    for (std::size_t i = headerFloats; i < floats; ++i) content.cells.push_back(floatAt(bytes, i));
+    return content;
+}
+
+/// What an older, longer file holds behind `length` bytes. kept: a save writes over the file's start only.
+std::string surplusOf(const std::string& path, std::size_t length) {
+    std::error_code error;
+    if (!std::filesystem::exists(path, error)) return {};
+    const std::string old = readWholeFile(path);
+    return old.size() > length ? old.substr(length) : std::string();
+}
+
+int releaseOf(float code) {
+    return toInt16(truncate(static_cast<double>(code) / 1000));
+}
+
+/// Undoes what it has seen when a repair fails half way.
+template <typename... Fields>
+class Rollback {
+ public:
+    explicit Rollback(Fields&... fields) : fields_(fields...), saved_(fields...) {}
+    ~Rollback() {
+        if (armed_) fields_ = saved_;
+    }
+    Rollback(const Rollback&) = delete;
+    Rollback& operator=(const Rollback&) = delete;
+    void keep() { armed_ = false; }
+
+ private:
+    std::tuple<Fields&...> fields_;
+    std::tuple<Fields...> saved_;
+    bool armed_ = true;
+};
+
+}  // namespace
+
+// ---- Reading
+
+void Unit::FileOpen(const std::string& path) {
+    if (!kind_.hasCalibration) return;
+    const FileContent content = parsed(readWholeFile(path), path);
+    const int fileRelease = releaseOf(content.firmwareCode);
+    host_.yield();
+
+    Rollback rollback(cells_, control_, release_, build_, teeth_, host_.header());
+    cells_.fill(0);
+    std::ranges::copy(content.cells, cells_.begin());
+    teeth_ = {};
+    FileHeader& header = host_.header();
+    header.currentUnit = content.unitKind;
+    header.programVersion = content.programVersion;
+    header.firmwareCode = content.firmwareCode;
+    adoptFirmware(content.firmwareCode);
+    repairAfterOpening(fileRelease);
+    for (std::size_t i = 0; i < control_.size(); ++i) control_[i] = toByte(cells_[i]);
+    header.fileState = "OLD";
+    rollback.keep();
+    host_.formsChanged();
+}
+
+void Unit::adoptFirmware(float code) {
+    if (code == 0 || host_.firmwareKnownFromLink()) {
+        // What the unit on the link has told goes before what the file says.
+        if (code != 0 || release_ != 0 || build_ != 0) return;
+        release_ = kind_.defaultRelease;
+        build_ = kind_.defaultBuild;
+        return;
+    }
+    release_ = releaseOf(code);
+    build_ = toInt16(static_cast<double>(code) - release_ * 1000.0);
+}
+
+void Unit::repairAfterOpening(int fileRelease) {
+    repairSensor(fileRelease);
+    seedStopPoints();
+    seedShape();
+    migrateInjectors(fileRelease);
+    seedBaroTrim();
+}
+
+void Unit::FW_Release(int release) {
+    if (!kind_.hasCalibration) return;
+    const int from = std::exchange(release_, release);
+    // A release of 0 is no release yet, and without a calibration in hand there is nothing to move.
+    if (from == 0 || host_.header().currentUnit != kind_.fileKind) return;
+    repairSensor(from);
+    migrateInjectors(from);
+}
+
+void Unit::repairSensor(int fromRelease) {
+    if (fromRelease >= firstLinearRelease || release_ < firstLinearRelease) return;
+    constexpr int customSensor = 4;
+    const float bar = rules::mapBar(*this);
+    const bool rated = bar == 1 || bar == 2 || bar == 3 || bar == 4;
+    cellAt(mapIdCell) = rated ? bar : customSensor;
+    if (!rated) host_.inform(customSensorText);
+    const auto sensor = host_.mapSensor(rated ? static_cast<int>(bar) : customSensor);
+    if (!sensor) return;
+    store("MAP_Scaler", sensor->scale);
+    store("MAP_Offset", sensor->offset);
+    MAPUnits(pressureUnitsOf(sensor->unitsCode));
+}
+
+void Unit::seedStopPoints() {
+    constexpr int stops = 16;
+    constexpr int rowStops1 = 2226;
+    constexpr int columnStops1 = 2242;
+    constexpr int rowStops2 = 2258;
+    constexpr int columnStops2 = 2274;
+    constexpr int seen = 4;
+    for (int i = 0; i < seen; ++i) {
+        if (cellAt(columnStops1 + i) != 0) return;
+    }
+    const Parameter& pressures = *find("MAPTBL");
+    const Parameter& speeds = *find("RPMTBL");
+    for (int i = 0; i < stops; ++i) {
+        const float low = MAPMin();
+        const float high = MAPMax();
+        if (rules::readPressure(*this, pressures, i) < low) store("MAPTBL", static_cast<float>(low + 0.1), i);
+        if (rules::readPressure(*this, pressures, i) > high)
+            store("MAPTBL", static_cast<float>(high - 0.1), i);
+        const float speed = cellAt(speeds.cell(i));
+        const float pressure = rules::readPressure(*this, pressures, i);
+        cellAt(columnStops1 + i) = speed;
+        cellAt(columnStops2 + i) = speed;
+        cellAt(rowStops1 + i) = pressure;
+        cellAt(rowStops2 + i) = pressure;
+    }
+}
+
+void Unit::seedShape() {
+    constexpr int axisWord1 = 2290;
+    constexpr int axisWord2 = 2291;
+    constexpr int oldSize = 16;
+    if (cellAt(axisWord1) == 0 && cellAt(axisWord2) == 0) {
+        for (const std::string_view table : {"GPO1", "GPO2"}) {
+            SET_TBL_AXIS_TYPE(table, "ROW-AXIS", "BLEND MAP");
+            SET_TBL_AXIS_TYPE(table, "COL-AXIS", "RPM");
+        }
+    }
+    if (GET_TBL_DIMENSIONS("ADV", "ROWS") != 0) return;
+    for (const std::string_view table : {"ADV", "AFR", "SPW", "VE", "GPO1", "GPO2"}) {
+        SET_TBL_DIMENSIONS(table, "ROWS", oldSize);
+        SET_TBL_DIMENSIONS(table, "COLS", oldSize);
+    }
+}
+
+void Unit::migrateInjectors(int fromRelease) {
+    const bool up = fromRelease < firstLinearRelease && release_ >= firstLinearRelease;
+    const bool down = fromRelease >= firstLinearRelease && release_ < firstLinearRelease;
+    if ((!up && !down) || !host_.firmwareKnownFromLink()) return;
+    rules::mapBar(*this);  // repairs a rating of 0
+    const auto [k, l] = legacySensor(toInt16(cellAt(legacyBarCell)));
+    const double scale = cellAt(scale1Cell);
+    const double zero = scale * (l / 1023);
+    float& injOn = cellAt(injOnCell);
+    injOn = static_cast<float>(up ? injOn + zero : injOn - zero);
+    cellAt(scale1Cell) = static_cast<float>(roundTo(up ? scale * k : scale / k, 3));
+    host_.header().firmwareCode = static_cast<float>(release_ * 1000 + build_);
+    host_.inform(migratedText);
+}
+
+void Unit::seedBaroTrim() {
+    constexpr int baroTrim = 138;
+    constexpr int ratio = 2225;
+    static constexpr std::array<float, 8> trims = {-50, -43, -35, -28, -20, -13, -5, 3};
+    const auto first = cells_.begin() + baroTrim;
+    if (std::any_of(first, first + trims.size(), [](float cell) { return cell != 0; })) return;
+    std::ranges::copy(trims, first);
+    cellAt(ratio) = 14.64F;
+}
+
+// ---- Writing
+
+void Unit::SaveFile() {
+    if (!kind_.hasCalibration) return;
+    storeControlBytes();
+    const bool unknown = (release_ == 0 && build_ == 0) || release_ > lastReleaseInCode;
+    const int release = unknown ? kind_.defaultRelease : release_;
+    const int build = unknown ? kind_.defaultBuild : build_;
+    FileHeader& header = host_.header();
+    header.firmwareCode = static_cast<float>(release * 1000 + build);
+
+    std::string bytes;
+    bytes.reserve((headerFloats + cellCount) * floatBytes);
+    appendFloat(bytes, kind_.fileKind);
+    appendFloat(bytes, host_.programVersion());
+    appendFloat(bytes, header.firmwareCode);
+    for (int i = 0; i < kind_.fileFloats; ++i) appendFloat(bytes, cellAt(i));
+    bytes += surplusOf(binFile_, bytes.size());
+    writeFileSafely(binFile_, bytes);
+
+    header.fileState = "OLD";
+    constexpr int dataSaved = 1001;
+    host_.displayMessage(dataSaved, "");
+}
+
+void Unit::CloseFile() {
+    if (!kind_.hasCalibration) return;
+    binFile_.clear();
+    firmWare_.clear();
+    serial_.clear();
+    teeth_ = {};
+    host_.header().firmwareCode = 0;
+    cells_.fill(0);
+}
+
+}  // namespace zentaq

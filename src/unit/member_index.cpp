@@ -1,0 +1,36 @@
+#include "unit/member_index.h"
+
+namespace zentaq {
+
+namespace {
+
+std::string withoutPrefix(std::string_view name) {
+    if (name.starts_with("Get_") || name.starts_with("Set_")) name.remove_prefix(4);
+    return std::string(name);
+}
+
+}  // namespace
+
+MemberIndex::MemberIndex(std::span<const Parameter> rows) {
+    rows_.reserve(rows.size() * 4);
+    // Indexed members first: "Get_AFR" is the table, though "AFR" is the scalar.
+    for (const bool indexed : {true, false}) {
+        for (const Parameter& row : rows) {
+            if ((row.count > 1) != indexed) continue;
+            for (const std::string_view name : {row.name, row.alias}) {
+                if (name.empty()) continue;
+                const std::string bare = withoutPrefix(name);
+                rows_.emplace("Get_" + bare, &row);
+                rows_.emplace("Set_" + bare, &row);
+                rows_.emplace(std::string(name), &row);
+            }
+        }
+    }
+}
+
+const Parameter* MemberIndex::find(std::string_view name) const {
+    const auto found = rows_.find(name);
+    return found == rows_.end() ? nullptr : found->second;
+}
+
+}  // namespace zentaq

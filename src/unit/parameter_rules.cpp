@@ -1,0 +1,522 @@
+#include "unit/parameter_rules.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "base/number_text.h"
+#include "base/rounding.h"
+#include "unit/counts.h"
+#include "unit/temperature.h"
+#include "unit/unit.h"
+
+namespace zentaq::rules {
+
+namespace {
+
+constexpr int p2Egtp = 4;
+constexpr int cylindersAndEvents = 8;
+constexpr int moffset = 18;
+constexpr int legacyBar = 39;
+constexpr int ovr1Thr = 62;
+constexpr int ovr2Thr = 63;
+constexpr int mapBarCell = 124;
+constexpr int scalerCell = 126;
+constexpr int offsetCell = 127;
+constexpr int minDuty = 316;
+constexpr int maxDuty = 317;
+constexpr int fuelTrimAsSent = 504;
+constexpr int injectorTrimAsSent = 520;
+constexpr int optionType = 2203;
+constexpr int mapActive = 2222;
+constexpr int marginToggle = 2223;
+constexpr int marginValue = 2224;
+constexpr int ratioCell = 2225;
+
+constexpr double tableBase = 14.7;  ///< the fixed ratio on which the AFR table is kept
+
+float asFloat(double value) {
+    return static_cast<float>(value);
+}
+
+std::string bounds(float minimum, float maximum, std::string_view tail) {
+    return "(" + numberText(minimum) + " to " + numberText(maximum) + std::string(tail) + ")";
+}
+
+Limits limitsOf(double minimum, double maximum, std::string_view tail) {
+    const float low = asFloat(minimum);
+    const float high = asFloat(maximum);
+    return {low, high, bounds(low, high, tail)};
+}
+
+int whole(float cell) {
+    return toInt32(static_cast<double>(cell));
+}
+
+/// Counts of the unit's converter per user unit and second of pressure rise.
+double accelerationFactor(Unit& unit) {
+    return 137 / (static_cast<double>(unit.MAPRange()) * 0.0388);
+}
+
+After stored(Unit& unit, const Parameter& row, double value, int element) {
+    unit.AssignDirectIndex(asFloat(value), row.cell(element));
+    return After::Send;
+}
+
+void controlBits(Unit& unit, int which, int kept, double added) {
+    // The sum is taken back to one byte, whatever the entry.
+    const int byte = (unit.controlByte(which) & kept) + toInt32(added);
+    unit.controlByte(which, static_cast<std::uint8_t>(byte & 255));
+}
+
+std::optional<EngineFacts> engineOf(Unit& unit) {
+    return unit.host().engine(toInt16(static_cast<double>(unit.kind().fileKind)),
+                              toInt16(static_cast<double>(unit.DirectIndex(optionType))));
+}
+
+/// Pulses per revolution and the code that stands for them in the high nibble of P2EGTP.
+struct TachCode {
+    int pulses;
+    int nibble;
+};
+constexpr std::array<TachCode, 5> tachCodes = {{{1, 14}, {2, 2}, {3, 8}, {4, 3}, {6, 10}}};
+
+}  // namespace
+
+float mapBar(Unit& unit) {
+    if (!unit.kind().hasCalibration) return 1.0F;
+    if (unit.DirectIndex(legacyBar) == 0) unit.AssignDirectIndex(1.0F, legacyBar);
+    if (unit.DirectIndex(mapBarCell) == 0) unit.AssignDirectIndex(unit.DirectIndex(legacyBar), mapBarCell);
+    return unit.DirectIndex(mapBarCell);
+}
+
+float stoichiometricRatio(Unit& unit) {
+    if (!unit.kind().hasCalibration) return 14.64F;
+    if (unit.DirectIndex(ratioCell) == 0) unit.AssignDirectIndex(14.64F, ratioCell);
+    return unit.DirectIndex(ratioCell);
+}
+
+float mapScaler(const Unit& unit) {
+    const float cell = unit.DirectIndex(scalerCell);
+    return cell == 0 ? 0.05295F : roundTo(cell, 4);
+}
+
+float mapOffset(const Unit& unit) {
+    // A file without a sensor gets the default sensor in both, so the scaler's cell decides.
+    return unit.DirectIndex(scalerCell) == 0 ? -0.54738F : roundTo(unit.DirectIndex(offsetCell), 4);
+}
+
+// ---- Ranges
+
+Limits toothOffset1(Unit& unit, int, float) {
+    if (!unit.hasPIC18()) return {1, 58, "(1 to 58 Tooth OffSet)"};
+    const Parameter none;
+    return limitsOf(readToothMin(unit, none, 0), readToothMax(unit, none, 0), " Tooth OffSet");
+}
+
+Limits toothOffset2(Unit& unit, int, float) {
+    constexpr int toothOffset1Cell = 5;
+    return limitsOf(unit.DirectIndex(toothOffset1Cell), 58, " Tooth OffSet");
+}
+
+Limits initialAdvance(Unit& unit, int, float) {
+    const double offset = unit.DirectIndex(moffset);
+    return limitsOf(offset, offset + 30, " Degrees");
+}
+
+Limits tableAdvance(Unit& unit, int, float) {
+    const double offset = unit.DirectIndex(moffset);
+    return limitsOf(offset, offset + 60, " Degrees");
+}
+
+Limits tableRatio(Unit& unit, int, float) {
+    const double ratio = stoichiometricRatio(unit);
+    return limitsOf(ratio * 0.667, ratio + ratio, " AFR");
+}
+
+Limits lambdaValue(Unit&, int, float value) {
+    Limits limits = limitsOf(0, 29.28, " AFR");
+    if (!std::isnan(value)) limits.text = "Value: " + numberText(value) + " " + limits.text;
+    return limits;
+}
+
+Limits pressure(Unit& unit, int, float) {
+    const float low = unit.MAPMin();
+    const float high = unit.MAPMax();
+    const int places = unit.MAPPrecision();
+    return {low, high, bounds(roundTo(low, places), roundTo(high, places), " " + unit.MAPUnits())};
+}
+
+Limits pressureWhileActive(Unit& unit, int element, float value) {
+    if (unit.DirectIndex(mapActive) == 0) return Limits::none();
+    return pressure(unit, element, value);
+}
+
+Limits pressureOrZero(Unit& unit, int element, float value) {
+    if (value == 0) return Limits::none();
+    return pressure(unit, element, value);
+}
+
+Limits accelerationThreshold(Unit& unit, int, float) {
+    const double range = unit.MAPRange();
+    return limitsOf(range * 0.05825 / 100, range * 0.0388, "");
+}
+
+Limits upToMaxDuty(Unit& unit, int, float) {
+    return limitsOf(0, unit.DirectIndex(maxDuty), "");
+}
+
+Limits fromMinDuty(Unit& unit, int, float) {
+    return limitsOf(unit.DirectIndex(minDuty), 255, "");
+}
+
+Limits idleTemperature(Unit& unit, int, float) {
+    if (unit.host().fahrenheit()) return {-22, 176, "(-22 to 176 Degrees Fahrenheit)"};
+    return {-30, 80, "(-30 to 80 Degrees Celsius)"};
+}
+
+// ---- Encodings
+
+double toothByte(Unit&, double cell) {
+    const double teeth = toCount(14 - cell);
+    return teeth < 0 ? teeth + 60 : teeth;
+}
+
+double pressureByte(Unit& unit, double cell) {
+    return std::clamp<double>(unit.KpaToCounts(asFloat(cell), true), 0.0, 255.0);
+}
+
+double pressureByteOrZero(Unit& unit, double cell) {
+    return cell == 0 ? 0 : pressureByte(unit, cell);
+}
+
+double inactivePressureByte(Unit& unit, double cell) {
+    return unit.DirectIndex(mapActive) == 0 ? 255 : pressureByteOrZero(unit, cell);
+}
+
+double pressureWord(Unit& unit, double cell) {
+    return unit.KpaToCounts(asFloat(cell), false);
+}
+
+double dutyByte(Unit& unit, double cell) {
+    const double low = unit.DirectIndex(minDuty);
+    const double high = unit.DirectIndex(maxDuty);
+    return (high - low) * (cell / 100) + low;
+}
+
+double eighthsByte(Unit&, double cell) {
+    return toCount(cell * 8) & 255;
+}
+
+double fiftiethsByte(Unit&, double cell) {
+    return toCount(cell * 50) & 255;
+}
+
+double quartersOfWhole(Unit&, double cell) {
+    return truncate(toCount(cell) / 4.0);
+}
+
+double accelerationByte(Unit& unit, double cell) {
+    return accelerationFactor(unit) * cell;
+}
+
+double ratioByte(Unit& unit, double value) {
+    return ((stoichiometricRatio(unit) / value) - 0.5) * 255;
+}
+
+double lambdaByte(Unit&, double cell) {
+    return ((14.64 / cell) - 0.5) * 255;
+}
+
+// ---- Readers
+
+float readPressure(Unit& unit, const Parameter& row, int element) {
+    const float kpa = unit.DirectIndex(row.cell(element));
+    return roundTo(unit.voltsToPressure(unit.KpaToVolts(kpa)), unit.MAPPrecision());
+}
+
+float readPressureOrZero(Unit& unit, const Parameter& row, int element) {
+    return unit.DirectIndex(row.cell(element)) == 0 ? 0 : readPressure(unit, row, element);
+}
+
+float readPercent(Unit& unit, const Parameter& row, int element) {
+    return asFloat(static_cast<double>(unit.DirectIndex(row.cell(element))) * 100);
+}
+
+float readPlusMoffset(Unit& unit, const Parameter& row, int element) {
+    return asFloat(static_cast<double>(unit.DirectIndex(row.cell(element))) + unit.DirectIndex(moffset));
+}
+
+float readRatio(Unit& unit, const Parameter& row, int element) {
+    return asFloat(unit.DirectIndex(row.cell(element)) * (stoichiometricRatio(unit) / tableBase));
+}
+
+float readMapBar(Unit& unit, const Parameter&, int) {
+    return mapBar(unit);
+}
+
+float readMapDisplay(Unit& unit, const Parameter&, int) {
+    if (unit.DirectIndex(mapBarCell) == 0) unit.AssignDirectIndex(1.0F, mapBarCell);
+    return unit.DirectIndex(mapBarCell);
+}
+
+float readMapScaler(Unit& unit, const Parameter&, int) {
+    return mapScaler(unit);
+}
+
+float readMapOffset(Unit& unit, const Parameter&, int) {
+    return mapOffset(unit);
+}
+
+float readCylinders(Unit& unit, const Parameter&, int) {
+    return static_cast<float>((whole(unit.DirectIndex(cylindersAndEvents)) & 240) / 16);
+}
+
+float readEvents(Unit& unit, const Parameter&, int) {
+    return static_cast<float>(whole(unit.DirectIndex(cylindersAndEvents)) & 15);
+}
+
+float readTach(Unit& unit, const Parameter&, int) {
+    const int nibble = (whole(unit.DirectIndex(p2Egtp)) & 240) / 16;
+    const auto code = std::ranges::find(tachCodes, nibble, &TachCode::nibble);
+    return code == tachCodes.end() ? 0 : static_cast<float>(code->pulses);
+}
+
+float readToothMin(Unit& unit, const Parameter&, int) {
+    const auto engine = engineOf(unit);
+    return engine ? engine->toothMin : unit.teeth().minimum;
+}
+
+float readToothMax(Unit& unit, const Parameter&, int) {
+    const auto engine = engineOf(unit);
+    return engine ? engine->toothMax : unit.teeth().maximum;
+}
+
+float readEgoType(Unit& unit, const Parameter& row, int) {
+    // Older files keep 128 plus the type. Kept: any other value loses 128 as well.
+    const float cell = unit.DirectIndex(row.index);
+    if (cell < 1 || cell > 2) unit.AssignDirectIndex(cell - 128, row.index);
+    return unit.DirectIndex(row.index);
+}
+
+float readMaxBoost(Unit& unit, const Parameter& row, int) {
+    const float cell = unit.DirectIndex(row.index);
+    if (unit.FW_Release() < 3) return cell;
+    const std::string units = unit.MAPUnits();
+    if (units == "kPa") return asFloat(static_cast<double>(cell) / 100);
+    if (units == "PSIA" || units == "PSIG") return asFloat(static_cast<double>(cell) / 14.504);
+    if (units == "mmHg") return asFloat(static_cast<double>(cell) / 750.1);
+    if (units == "inHg") return asFloat(static_cast<double>(cell) / 29.53);
+    return cell;
+}
+
+float readStoichiometric(Unit& unit, const Parameter&, int) {
+    return stoichiometricRatio(unit);
+}
+
+float readMarginToggle(Unit& unit, const Parameter&, int) {
+    return unit.DirectIndex(marginValue) == 0 ? 1.0F : unit.DirectIndex(marginToggle);
+}
+
+float readMarginValue(Unit& unit, const Parameter&, int) {
+    const float cell = unit.DirectIndex(marginValue);
+    return cell == 0 ? 0.08F : cell;
+}
+
+float readAcceleration(Unit& unit, const Parameter& row, int) {
+    const double cell = unit.DirectIndex(row.index);
+    const double shown = ((cell / mapBar(unit)) * 34.3) / accelerationFactor(unit);
+    return asFloat(roundTo(shown, unit.MAPPrecision() + 1));
+}
+
+float readMapMax(Unit& unit, const Parameter&, int) {
+    return unit.MAPMax();
+}
+
+float readMapMin(Unit& unit, const Parameter&, int) {
+    return unit.MAPMin();
+}
+
+float readMapRange(Unit& unit, const Parameter&, int) {
+    return unit.MAPRange();
+}
+
+float readMapPrecision(Unit& unit, const Parameter&, int) {
+    return static_cast<float>(unit.MAPPrecision());
+}
+
+// ---- Writers
+
+After writePressure(Unit& unit, const Parameter& row, float value, int element) {
+    return stored(unit, row, unit.voltsToKPa(unit.pressureToVolts(value)), element);
+}
+
+After writePressureWhileActive(Unit& unit, const Parameter& row, float value, int element) {
+    if (unit.DirectIndex(mapActive) == 0) return stored(unit, row, 0, element);
+    return writePressure(unit, row, value, element);
+}
+
+After writePressureOrZero(Unit& unit, const Parameter& row, float value, int element) {
+    if (value != 0) return writePressure(unit, row, value, element);
+    stored(unit, row, 0, element);
+    return After::Nothing;
+}
+
+After writePercent(Unit& unit, const Parameter& row, float value, int element) {
+    return stored(unit, row, static_cast<double>(value) / 100, element);
+}
+
+After writeMinusMoffset(Unit& unit, const Parameter& row, float value, int element) {
+    return stored(unit, row, static_cast<double>(value) - unit.DirectIndex(moffset), element);
+}
+
+After writeRatio(Unit& unit, const Parameter& row, float value, int element) {
+    return stored(unit, row, (tableBase / stoichiometricRatio(unit)) * value, element);
+}
+
+After writeEighths(Unit& unit, const Parameter& row, float value, int element) {
+    return stored(unit, row, toCount(static_cast<double>(value) * 8) / 8.0, element);
+}
+
+After writeDuty(Unit& unit, const Parameter& row, float value, int element) {
+    if (unit.DirectIndex(maxDuty) == 0) unit.AssignDirectIndex(255, maxDuty);
+    if (unit.DirectIndex(minDuty) == 0) unit.AssignDirectIndex(1, minDuty);
+    return stored(unit, row, value, element);
+}
+
+After writeMapBar(Unit& unit, const Parameter&, float value, int) {
+    unit.AssignDirectIndex(value, mapBarCell);
+    const bool rated = value < 4.0F && std::trunc(value) == value;
+    unit.AssignDirectIndex(rated ? value : 4.0F, legacyBar);
+    return After::Nothing;
+}
+
+After writeCylinders(Unit& unit, const Parameter&, float value, int) {
+    const int events = whole(unit.DirectIndex(cylindersAndEvents)) & 15;
+    unit.AssignDirectIndex(asFloat(events + static_cast<double>(value) * 16), cylindersAndEvents);
+    return After::Nothing;
+}
+
+After writeEvents(Unit& unit, const Parameter&, float value, int) {
+    const int cylinders = whole(unit.DirectIndex(cylindersAndEvents)) & 240;
+    unit.AssignDirectIndex(asFloat(cylinders + static_cast<double>(value)), cylindersAndEvents);
+    return After::Nothing;
+}
+
+After writeTach(Unit& unit, const Parameter&, float value, int) {
+    const int low = whole(unit.DirectIndex(p2Egtp)) & 15;
+    int nibble = 0;
+    if (value == 0) {
+        // 0 pulses gives back the engine's own code.
+        const auto engine = engineOf(unit);
+        nibble = engine ? (whole(engine->p2EgTp) & 240) / 16 : 0;
+    } else {
+        const auto code = std::ranges::find(tachCodes, whole(value), &TachCode::pulses);
+        if (code != tachCodes.end()) nibble = code->nibble;
+    }
+    unit.AssignDirectIndex(static_cast<float>(low + nibble * 16), p2Egtp);
+    return After::Nothing;
+}
+
+After writeToothMin(Unit& unit, const Parameter&, float value, int) {
+    unit.teeth({value, unit.teeth().maximum});
+    return After::Nothing;
+}
+
+After writeToothMax(Unit& unit, const Parameter&, float value, int) {
+    unit.teeth({unit.teeth().minimum, value});
+    return After::Nothing;
+}
+
+After writeEgoType(Unit& unit, const Parameter& row, float value, int element) {
+    if (value == 1) unit.Set_Control2(7, false);
+    if (value == 2) unit.Set_Control2(7, true);
+    return stored(unit, row, value, element);
+}
+
+After writeEngineType(Unit& unit, const Parameter& row, float value, int element) {
+    controlBits(unit, 2, 255 - 16 - 32, static_cast<double>(value) * 32);
+    return stored(unit, row, value, element);
+}
+
+After writePhdSeq(Unit& unit, const Parameter& row, float value, int element) {
+    controlBits(unit, 2, 255 - 64 - 128, static_cast<double>(value) * 64);
+    return stored(unit, row, value, element);
+}
+
+After writeAmp42(Unit& unit, const Parameter& row, float value, int element) {
+    if (value == 0) unit.Set_Control3(3, false);
+    if (value == 1) unit.Set_Control3(3, true);
+    return stored(unit, row, value, element);
+}
+
+After writeDecelerationCut(Unit& unit, const Parameter& row, float value, int element) {
+    unit.Set_Control(1, value == 1);
+    return stored(unit, row, value, element);
+}
+
+After writeAcceleration(Unit& unit, const Parameter& row, float value, int element) {
+    return stored(unit, row, (accelerationFactor(unit) * value * mapBar(unit)) / 34.3, element);
+}
+
+After writeIdleTemperature(Unit& unit, const Parameter& row, float value, int element) {
+    return stored(unit, row, unit.host().fahrenheit() ? toCelsius(value) : value, element);
+}
+
+After writeFuelTrim(Unit& unit, const Parameter& row, float value, int element) {
+    unit.AssignDirectIndex(value, fuelTrimAsSent + element);
+    return stored(unit, row, value, element);
+}
+
+After writeInjectorTrim(Unit& unit, const Parameter& row, float value, int element) {
+    stored(unit, row, value, element);
+    unit.Initialize_Trims();
+    unit.SendTrimPair(injectorTrimAsSent + element);
+    return After::Nothing;
+}
+
+// ---- Option bits
+
+template <int bit>
+float readOption(Unit& unit, const Parameter& row, int) {
+    return (unit.controlByte(row.index) & (1 << bit)) != 0 ? 1.0F : 0.0F;
+}
+
+template <int bit>
+After writeOption(Unit& unit, const Parameter& row, float value, int) {
+    const int mask = 1 << bit;
+    const int byte = unit.controlByte(row.index);
+    unit.controlByte(row.index, static_cast<std::uint8_t>(value != 0 ? byte | mask : byte & (255 ^ mask)));
+    return After::Nothing;
+}
+
+template float readOption<0>(Unit&, const Parameter&, int);
+template float readOption<1>(Unit&, const Parameter&, int);
+template float readOption<2>(Unit&, const Parameter&, int);
+template float readOption<3>(Unit&, const Parameter&, int);
+template float readOption<4>(Unit&, const Parameter&, int);
+template float readOption<5>(Unit&, const Parameter&, int);
+template float readOption<6>(Unit&, const Parameter&, int);
+template After writeOption<0>(Unit&, const Parameter&, float, int);
+template After writeOption<1>(Unit&, const Parameter&, float, int);
+template After writeOption<2>(Unit&, const Parameter&, float, int);
+template After writeOption<3>(Unit&, const Parameter&, float, int);
+template After writeOption<4>(Unit&, const Parameter&, float, int);
+template After writeOption<5>(Unit&, const Parameter&, float, int);
+
+After writeZeroAdvance(Unit& unit, const Parameter&, float value, int) {
+    unit.Set_Control2(6, value != 0);
+    unit.Set_Control3(1, false);
+    return After::Nothing;
+}
+
+After writeFullCut(Unit& unit, const Parameter&, float value, int) {
+    unit.Set_Control3(0, value != 0);
+    unit.Set_Control2(6, false);
+    // Into the calibration only: the bit they go with reaches the unit no earlier than the next programming.
+    unit.AssignDirectIndex(0, ovr1Thr);
+    unit.AssignDirectIndex(0, ovr2Thr);
+    return After::Nothing;
+}
+
+}  // namespace zentaq::rules

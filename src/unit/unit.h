@@ -1,0 +1,248 @@
+// A Unit object: the whole model of one calibration for one kind of engine controller unit.
+// It owns the cells, reads and writes calibration files, makes the unit's memory image and on-the-fly
+// records.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "unit/parameter.h"
+#include "unit/unit_host.h"
+#include "unit/unit_kind.h"
+
+namespace zentaq {
+
+/// What a user typed, or a number that a program computed.
+class Entry {
+ public:
+    Entry(double value) : number_(value), isText_(false) {}         // NOLINT: entries convert on purpose
+    Entry(int value) : number_(value), isText_(false) {}            // NOLINT
+    Entry(std::string_view text) : text_(text), isText_(true) {}    // NOLINT
+    Entry(const char* text) : text_(text), isText_(true) {}         // NOLINT
+    Entry(const std::string& text) : text_(text), isText_(true) {}  // NOLINT
+    /// The text as typed, or the number's plain text.
+    std::string text() const;
+    /// Throws TypeMismatch when the text is no number.
+    float number() const;
+
+ private:
+    std::string text_;
+    double number_ = 0;
+    bool isText_;
+};
+
+class Unit {
+ public:
+    static constexpr int cellCount = 3001;
+    static constexpr int imageCount = 2501;
+    static constexpr int baseAddress = 4352;  ///< unit address of cell 0, 0x1100
+
+    Unit(const UnitKind& kind, UnitHost& host);
+    Unit(const Unit&) = delete;
+    Unit& operator=(const Unit&) = delete;
+
+    const UnitKind& kind() const { return kind_; }
+    UnitHost& host() const { return host_; }
+
+    // ---- Members by name ("KNK_MIN", "VE", "opt_KnockActive"). A kind that lacks one is silent:
+    // get answers 0, set stores nothing and answers false. An element outside the member throws BoundsError.
+    bool has(std::string_view member) const;
+    const Parameter* find(std::string_view member) const;
+    float get(std::string_view member, int element = 0);
+    /// Entry check, range check, store, send. True when stored.
+    bool set(std::string_view member, const Entry& value, int element = 0);
+    /// The limits in force; an infinite pair where there is no range. Reading may repair cells.
+    Limits limits(std::string_view member, int element = 0);
+    /// The same by row, for callers that walk `kind().parameters`.
+    float read(const Parameter& row, int element = 0);
+    bool write(const Parameter& row, const Entry& value, int element = 0);
+    /// Stores without checks and without sending, by the member's own rule.
+    void store(std::string_view member, float value, int element = 0);
+
+    // ---- Mode switches
+    void IndexPolling(bool on) { indexPolling_ = on; }
+    bool ONFLY_MODE() const { return onTheFly_; }
+    void ONFLY_MODE(bool on) { onTheFly_ = on && kind_.hasCalibration; }
+    bool SILENT_MODE() const { return silent_; }
+    void SILENT_MODE(bool on) { silent_ = on; }
+
+    // ---- Raw access: nothing converted, nothing sent. BoundsError outside 0 to 3000.
+    float DirectIndex(int index) const;
+    void AssignDirectIndex(float value, int index);
+
+    // ---- Identity
+    const std::string& BinFile() const { return binFile_; }  ///< clsNull: "None."
+    void BinFile(const std::string& path);                   ///< also stores the calibration name
+    const std::string& FirmWare() const { return firmWare_; }
+    void FirmWare(const std::string& text) {
+        if (kind_.hasCalibration) firmWare_ = text;
+    }
+    const std::string& Serial() const { return serial_; }
+    void Serial(const std::string& text) {
+        if (kind_.hasCalibration) serial_ = text;
+    }
+    int FW_Release() const { return release_; }
+    /// Also migrates sensor and injector scaling when the release crosses 3.
+    void FW_Release(int release);
+    int FW_Build() const { return build_; }
+    void FW_Build(int build) {
+        if (kind_.hasCalibration) build_ = build;
+    }
+    bool ValidFirmware(std::string_view name) const;
+    bool hasPIC18() const { return hasPic18_; }
+    void hasPIC18(bool on) { hasPic18_ = on && kind_.hasCalibration; }
+    bool GPIO_Req() const { return false; }
+    int DefaultSplit() const { return defaultSplit_; }
+    void DefaultSplit(int split) { defaultSplit_ = split; }
+    /// First and last tooth offset of the engine, for engines that the reference data lacks.
+    struct Teeth {
+        float minimum = 0;
+        float maximum = 0;
+    };
+    Teeth teeth() const { return teeth_; }
+    void teeth(Teeth teeth) { teeth_ = teeth; }
+    std::string BiName() const;
+    void BiName(std::string_view path);
+    std::string NOTES_TEXT() const;
+    void NOTES_TEXT(std::string_view text);
+
+    // ---- Option bits of ControlByte1 to ControlByte3
+    bool Get_Control(int bit) const { return controlBit(0, bit); }
+    void Set_Control(int bit, bool on) { setControlBit(0, bit, on); }
+    bool Get_Control2(int bit) const { return controlBit(1, bit); }
+    void Set_Control2(int bit, bool on) { setControlBit(1, bit, on); }
+    bool Get_Control3(int bit) const { return controlBit(2, bit); }
+    void Set_Control3(int bit, bool on) { setControlBit(2, bit, on); }
+    std::uint8_t controlByte(int which) const { return control_.at(static_cast<std::size_t>(which)); }
+    void controlByte(int which, std::uint8_t value) { control_.at(static_cast<std::size_t>(which)) = value; }
+
+    // ---- Table shape. Tables: "ADV", "AFR", "SPW", "VE", "GPO1", "GPO2".
+    int GET_TBL_DIMENSIONS(std::string_view table, std::string_view what);
+    void SET_TBL_DIMENSIONS(std::string_view table, std::string_view what, int count);
+    std::string GET_TBL_AXIS_TYPE(std::string_view table, std::string_view axis) const;
+    void SET_TBL_AXIS_TYPE(std::string_view table, std::string_view axis, std::string_view name);
+    float Get_GPO_Stop(int i, std::string_view axis, std::string_view table) const;
+    bool Set_GPO_Stop(const Entry& value, int i, std::string_view axis, std::string_view table);
+
+    // ---- Input/output blocks
+    int Get_GPIOFUNC(int pin) const;
+    void Set_GPIO_Func(int pin, int code);
+    float Get_GPIO_Param(int pin, int parameter) const;
+    void Set_GPIO_Param(int pin, int parameter, float value);
+    float Get_GPIO_Table(int table, int index);
+    void Set_GPIO_Table(int table, int index, float value);
+    int Get_GPO_TblNum(int pin) const;
+    void Zeroize_GPIO(int pin);
+    static std::string GPIO_Function_Name(int code);
+    void Initialize_Trims();
+
+    // ---- Pressure. User units unless the name says kPa; volts of the sensor.
+    float MAPMax();
+    float MAPMin();
+    float MAPRange();
+    int MAPPrecision();
+    std::string MAPUnits() const;
+    void MAPUnits(std::string_view units);
+    float voltsToPressure(float volts);
+    float pressureToVolts(float pressure);
+    float pressureToRatio(float pressure);
+    float voltsToKPa(float volts);
+    float KpaToVolts(float kpa);
+    float KpaToCounts(float kpa, bool eightBit);
+
+    // ---- Files. All throw FileError.
+    void FileOpen(const std::string& path);
+    void SaveFile();
+    void CloseFile();
+
+    // ---- Image
+    void ConvertData();
+    double convertStopPointsToUnit(int cellIndex);
+    /// One byte of unit memory per element, as ConvertData left it.
+    const std::array<float, imageCount>& ImageData() const { return image_; }
+    /// The S-record text of ImageData, CR LF line ends.
+    std::string sRecordText() const;
+    /// The bytes that the unit's memory holds after programming, from baseAddress on.
+    std::vector<std::uint8_t> memoryBytes() const;
+    /// Writes "/ORB.s19" in the application folder and answers its path.
+    std::string MakeS19();
+
+    // ---- Check-engine words and live input/output state
+    void Set_ECData(std::span<const std::uint8_t> reply);
+    int Get_ECData(int index) const;  ///< 0 to 11
+    std::array<std::int16_t, 16> GPIOData{};
+    std::array<std::string, 16> GPIODisplay{};
+
+    /// Hands one record to the link when ONFLY_MODE is on. A failure is logged, never thrown.
+    void SendOnFly(int index, double first, int count);
+    void SendOnFly(int index, double first, double second);
+    /// Sends the trim bytes of injector trim cell `index` (520 to 534) and the next one.
+    void SendTrimPair(int index);
+
+    /// The bytes that changing a value sends: one record, no line end.
+    /// Throws Overflow for a number of more than 16 bits.
+    /// `count` is 1 or 2 bytes; a lone value with count 2 is split.
+    static std::string onTheFlyRecord(int index, double first, int count);
+    static std::string onTheFlyRecord(int index, double first, double second);
+
+ private:
+    bool controlBit(int which, int bit) const;
+    void setControlBit(int which, int bit, bool on);
+    void storeControlBytes();
+
+    bool accepted(const Parameter& row, const Entry& value, int element);
+    bool inRange(const Parameter& row, float value, int element);
+    void send(const Parameter& row, int element, float entry);
+    template <typename MakeRecord>
+    void handOver(MakeRecord&& record);
+
+    void putByte(int index, double value) {
+        image_.at(static_cast<std::size_t>(index)) = static_cast<float>(value);
+    }
+    void putWord(int index, double value);
+    void putCell(const Encoding& encoding, int index, float cell);
+    void convertMembers();
+    void convertLooseCells();
+    void convertSensorWords();
+    void convertGpioBlocks();
+    void convertTrims();
+    void convertStopPoints();
+
+    float& cellAt(int index);
+    float cellAt(int index) const;
+    int gpioCell(int pin, int word) const;
+    int sRecordRows() const { return release_ >= 5 ? 147 : 137; }
+
+    void adoptFirmware(float code);
+    void sendGpioParameter(int pin, int parameter, float value);
+    void repairAfterOpening(int fileRelease);
+    void repairSensor(int fromRelease);
+    void migrateInjectors(int fromRelease);
+    void seedStopPoints();
+    void seedShape();
+    void seedBaroTrim();
+
+    const UnitKind& kind_;
+    UnitHost& host_;
+    std::array<float, cellCount> cells_{};
+    std::array<float, imageCount> image_{};
+    std::string binFile_;
+    std::string firmWare_;
+    std::string serial_;
+    bool indexPolling_ = false;
+    bool onTheFly_ = false;
+    bool silent_ = false;
+    int defaultSplit_ = 0;
+    Teeth teeth_;
+    std::array<std::uint8_t, 3> control_{};
+    int release_ = 0;
+    int build_ = 0;
+    bool hasPic18_ = false;
+    std::array<std::uint16_t, 12> errorCodeWords_{};
+};
+
+}  // namespace zentaq

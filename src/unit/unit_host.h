@@ -1,0 +1,70 @@
+// What a Unit object needs of the program around it: checks and boxes, the log, the link, reference data.
+// The program implements it once; tests implement a recording one.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zentaq {
+
+/// The row of an engine that a Unit object reads.
+struct EngineFacts {
+    float toothMin = 0;
+    float toothMax = 0;
+    float p2EgTp = 0;
+    bool editDfub = false;
+    int defaultSplit = 0;
+};
+
+/// The row of a MAP sensor: volts per user unit, volts at user zero, units code (0 to 6).
+struct SensorFacts {
+    float scale = 0;
+    float offset = 0;
+    int unitsCode = 0;
+};
+
+/// What the last file header said, shared by all Unit objects.
+struct FileHeader {
+    float currentUnit = 0;     ///< unit kind of the calibration in hand, 0 for none
+    float programVersion = 0;  ///< version of the program that wrote the file, for example 9.44
+    float firmwareCode = 0;    ///< release * 1000 + build
+    std::string fileState;     ///< "", "NEW" or "OLD"
+};
+
+class UnitHost {
+ public:
+    virtual ~UnitHost() = default;
+
+    // Shared checks; true means refused, and the user has been told.
+    virtual bool checkInput(int code, std::string_view value) = 0;
+    virtual bool checkRange(float value, float minimum, float maximum, std::string_view rangeText) = 0;
+
+    virtual void sysLog(std::string_view text) = 0;
+    virtual void addToLastLine(std::string_view text) = 0;
+    virtual void displayMessage(int code, std::string_view text) = 0;
+    virtual void displayWarning(int code, std::string_view text) = 0;
+    /// A plain box with OK; lines separated by '\n'.
+    virtual void inform(std::string_view text) = 0;
+
+    /// Queues one on-the-fly record with the link. Throws on failure.
+    virtual void sendOnFly(std::string_view record) = 0;
+
+    virtual std::optional<EngineFacts> engine(int kind, int optionType) = 0;
+    virtual std::optional<SensorFacts> mapSensor(int id) = 0;
+
+    /// Setting TemperatureToggle: anything but "0" and no value is Fahrenheit.
+    virtual bool fahrenheit() const = 0;
+    /// The unit on the link has told its own firmware.
+    virtual bool firmwareKnownFromLink() const = 0;
+    virtual FileHeader& header() = 0;
+    /// "Minor.Revision" of this program as a float, for file headers.
+    virtual float programVersion() const = 0;
+    /// Folder of the programs; "/ORB.s19" is written there.
+    virtual std::string applicationFolder() const = 0;
+    virtual void yield() = 0;
+    /// The calibration changed as a whole: forms show it anew.
+    virtual void formsChanged() = 0;
+};
+
+}  // namespace zentaq

@@ -1,0 +1,284 @@
+// The bytes of the unit's memory beyond those of the plain rows, and their S-records.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "base/errors.h"
+#include "unit/unit_fixture.h"
+
+namespace zentaq::testing {
+namespace {
+
+using ::testing::ElementsAre;
+
+TEST(Image, ThePartsThatTheUnitKeepsForItselfAreZero) {
+    OrbaCalibration cal;
+    for (int i = 0; i < Unit::cellCount; ++i) cal.unit.AssignDirectIndex(7, i);
+    cal.unit.AssignDirectIndex(1, 39);
+    cal.unit.AssignDirectIndex(0, 126);
+    cal.unit.AssignDirectIndex(1, 2290);
+    cal.unit.AssignDirectIndex(1, 2291);
+    cal.unit.ConvertData();
+    for (const auto& [first, last] : std::vector<std::pair<int, int>>{
+             {18, 33}, {268, 274}, {323, 335}, {417, 503}, {512, 519}, {536, 559}, {584, 589}}) {
+        for (int i = first; i <= last; ++i) EXPECT_EQ(cal.image(i), 0) << i;
+    }
+}
+
+TEST(Image, BytesWithoutAMeaningStayAsTheyWere) {
+    OrbaCalibration cal;
+    cal.unit.AssignDirectIndex(99, 134);
+    cal.unit.ConvertData();
+    for (int i = 134; i <= 139; ++i) EXPECT_EQ(cal.image(i), 0) << i;
+    for (int i = 408; i <= 416; ++i) EXPECT_EQ(cal.image(i), 0) << i;
+}
+
+TEST(Image, TablesDimensionsAndAxisWordsStandAtTheirPlaces) {
+    OrbaCalibration cal;
+    cal.unit.Set_GPIO_Table(1, 3, 40);
+    cal.unit.Set_GPIO_Table(2, 255, 100);
+    cal.unit.SET_TBL_DIMENSIONS("VE", "ROWS", 12);
+    cal.unit.SET_TBL_DIMENSIONS("VE", "COLS", 13);
+    cal.unit.SET_TBL_DIMENSIONS("GPO1", "ROWS", 8);
+    cal.unit.SET_TBL_DIMENSIONS("GPO1", "COLS", 9);
+    cal.unit.SET_TBL_DIMENSIONS("GPO2", "ROWS", 10);
+    cal.unit.SET_TBL_DIMENSIONS("GPO2", "COLS", 11);
+    cal.unit.SET_TBL_AXIS_TYPE("GPO1", "ROW-AXIS", "TPS");
+    cal.unit.SET_TBL_AXIS_TYPE("GPO2", "COL-AXIS", "RPM");
+    cal.unit.ConvertData();
+    EXPECT_EQ(cal.image(1683), 102);
+    EXPECT_EQ(cal.image(2191), 255);
+    EXPECT_EQ(cal.imageBytes(590, 2), (std::vector<int>{13, 12}));
+    EXPECT_EQ(cal.imageBytes(2192, 4), (std::vector<int>{64, 7, 9, 8}));
+    EXPECT_EQ(cal.imageBytes(2260, 2), (std::vector<int>{11, 10}));
+}
+
+TEST(Image, TheCalibrationNameIsOneByteACharacter) {
+    OrbaCalibration cal;
+    cal.unit.BinFile("/home/me/Race.ZQ4OA");
+    cal.unit.ConvertData();
+    EXPECT_EQ(cal.imageBytes(560, 5), (std::vector<int>{'R', 'a', 'c', 'e', ' '}));
+    EXPECT_EQ(cal.image(583), ' ');
+}
+
+TEST(Image, SensorWordsOfTheDefaultSensor) {
+    OrbaCalibration cal;
+    cal.unit.ConvertData();
+    EXPECT_EQ(cal.word(262), 4437);                                       // 0.05295 * 20.46 * 4096 = 4437.43
+    EXPECT_EQ(cal.imageBytes(264, 2), (std::vector<int>{0, 256 - 112}));  // -112: high truncate(-0.4375) = 0
+}
+
+TEST(Image, SensorWordsFollowTheAtmosphereOfTheUnits) {
+    OrbaCalibration cal;
+    cal.unit.MAPUnits("PSIG");
+    cal.unit.set("MAP_Scaler", 0.1F);
+    cal.unit.set("MAP_Offset", 0.5F);
+    cal.unit.ConvertData();
+    EXPECT_EQ(cal.word(262), 1215);  // 0.1 * (14.696 / 101.325) * 20.46 * 4096 = 1215.48
+    EXPECT_EQ(cal.image(264), 0);    // (0.5 - 14.696 * 0.1) * 204.6 = -198.38
+    EXPECT_EQ(cal.image(265), 256 - 198);
+    cal.unit.MAPUnits("mmHg");
+    cal.unit.set("MAP_Scaler", 0.006F);
+    cal.unit.set("MAP_Offset", 0.2F);
+    cal.unit.ConvertData();
+    EXPECT_EQ(cal.word(262), 3771);  // 0.006 * (760 / 101.325) * 20.46 * 4096 = 3771.5 less float's share
+    EXPECT_EQ(cal.word(264), 41);    // 0.2 * 204.6 = 40.92
+}
+
+TEST(Image, AFlowSensorHasNoGainAndKeepsItsZero) {
+    OrbaCalibration cal;
+    cal.unit.MAPUnits("%Flow");
+    cal.unit.set("MAP_Scaler", 0.05F);
+    cal.unit.set("MAP_Offset", 0.5F);
+    cal.unit.ConvertData();
+    EXPECT_EQ(cal.word(262), 0);
+    EXPECT_EQ(cal.word(264), 102);  // 0.5 * 204.6 = 102.3
+}
+
+TEST(Image, ANegativeWordLeavesANegativeHighByte) {
+    OrbaCalibration cal;
+    cal.unit.AssignDirectIndex(-300, 592);
+    cal.unit.ConvertData();
+    EXPECT_EQ(cal.image(592), -1);    // truncate(-1.17)
+    EXPECT_EQ(cal.image(593), 0xD4);  // -300 AND 255
+}
+
+TEST(Image, ANumberOfMoreThan16BitsFailsAndNoFileIsWritten) {
+    TemporaryFolder folder;
+    OrbaCalibration cal;
+    cal.host.folder = folder.path();
+    cal.unit.AssignDirectIndex(40000, 58);
+    EXPECT_THROW(cal.unit.ConvertData(), Overflow);
+    EXPECT_THAT(folder.names(), ::testing::IsEmpty());
+}
+
+TEST(Image, OldFirmwareSeesNoStopPoints) {
+    for (const int release : {4, 5}) {
+        OrbaCalibration cal(release);
+        cal.unit.SET_TBL_AXIS_TYPE("GPO1", "COL-AXIS", "RPM");
+        cal.unit.SET_TBL_AXIS_TYPE("GPO1", "ROW-AXIS", "RPM");
+        cal.unit.SET_TBL_DIMENSIONS("GPO1", "ROWS", 9);
+        for (int i = 0; i < 16; ++i) cal.unit.Set_GPO_Stop(256 + i, i, "X-Axis", "GPO1");
+        cal.unit.ConvertData();
+        EXPECT_EQ(cal.image(2192), release == 5 ? 0x77 : 0);
+        EXPECT_EQ(cal.image(2195), release == 5 ? 9 : 0);
+        EXPECT_EQ(cal.word(2196), release == 5 ? 256 : 0);
+        EXPECT_EQ(cal.word(2206), release == 5 ? 261 : 0);
+        EXPECT_EQ(cal.word(2208), 262);
+    }
+}
+
+TEST(Image, StopPointsOfEachAxisHaveTheirPlace) {
+    OrbaCalibration cal;
+    for (const char* table : {"GPO1", "GPO2"}) {
+        for (const char* axis : {"ROW-AXIS", "COL-AXIS"}) cal.unit.SET_TBL_AXIS_TYPE(table, axis, "RPM");
+    }
+    cal.unit.AssignDirectIndex(1000, 2226 + 15);
+    cal.unit.AssignDirectIndex(2000, 2242 + 15);
+    cal.unit.AssignDirectIndex(3000, 2258 + 15);
+    cal.unit.AssignDirectIndex(4000, 2274 + 15);
+    cal.unit.ConvertData();
+    EXPECT_EQ(cal.word(2228 + 30), 1000);
+    EXPECT_EQ(cal.word(2196 + 30), 2000);
+    EXPECT_EQ(cal.word(2294 + 30), 3000);
+    EXPECT_EQ(cal.word(2262 + 30), 4000);
+}
+
+TEST(StopPoints, AreConvertedByTheKindOfTheirAxis) {
+    OrbaCalibration cal;
+    const auto converted = [&](const char* kind, float stop) {
+        cal.unit.SET_TBL_AXIS_TYPE("GPO2", "COL-AXIS", kind);
+        cal.unit.AssignDirectIndex(stop, 2274);
+        return cal.unit.convertStopPointsToUnit(2274);
+    };
+    EXPECT_EQ(converted("", 500), 0);
+    EXPECT_NEAR(converted("CLT", 150), 255, 1e-9);
+    EXPECT_NEAR(converted("MAT", -40), 0, 1e-9);
+    EXPECT_EQ(converted("RAW MAP", 60), cal.unit.KpaToCounts(60, false));
+    EXPECT_EQ(converted("BLEND MAP", 60), cal.unit.KpaToCounts(60, false));
+    EXPECT_NEAR(converted("TPS", 2), 102, 1e-9);
+    EXPECT_NEAR(converted("ACTUAL AFR", 14.64F), 127.5, 1e-6);
+    EXPECT_EQ(converted("RPM", 6500), 6500);
+    EXPECT_NEAR(converted("GPIO1", 40), 102, 1e-9);
+    EXPECT_NEAR(converted("GPIO8", 100), 255, 1e-9);
+    EXPECT_EQ(cal.unit.convertStopPointsToUnit(2225), 0);
+}
+
+TEST(Image, FuelTrimBytesShowTheCellsBeforeTheTrimsAreSpread) {
+    OrbaCalibration cal;
+    cal.unit.AssignDirectIndex(10, 2320);
+    cal.unit.ConvertData();
+    EXPECT_EQ(cal.image(504), 50);
+    EXPECT_EQ(cal.unit.DirectIndex(504), 10);
+    cal.unit.ConvertData();
+    EXPECT_EQ(cal.image(504), 60);
+}
+
+TEST(Image, SuccessIsTold) {
+    OrbaCalibration cal;
+    cal.unit.ConvertData();
+    EXPECT_THAT(cal.host.lastLineAdditions, ElementsAre("SUCCESS!"));
+}
+
+// ---- S-records
+
+std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) lines.push_back(line);
+    return lines;
+}
+
+TEST(SRecords, OldFirmwareTakes137RowsAndNew147) {
+    for (const auto& [release, rows, lastAddress] :
+         std::vector<std::tuple<int, std::size_t, std::string>>{{4, 137, "1980"}, {5, 147, "1A20"}}) {
+        OrbaCalibration cal(release);
+        cal.unit.ConvertData();
+        const auto lines = linesOf(cal.unit.sRecordText());
+        ASSERT_EQ(lines.size(), rows + 1);
+        EXPECT_EQ(lines.front().substr(0, 8), "S1131100");
+        EXPECT_EQ(lines[rows - 1].substr(0, 8), "S113" + lastAddress);
+        EXPECT_EQ(lines.back(), "S9030000FC\r");
+        EXPECT_EQ(cal.unit.memoryBytes().size(), 16 * rows);
+        for (std::size_t i = 0; i < rows; ++i) EXPECT_EQ(lines[i].size(), 43U) << lines[i];
+    }
+}
+
+TEST(SRecords, EveryLinesBytesSumTo255) {
+    OrbaCalibration cal;
+    for (int i = 0; i < 256; ++i) cal.unit.set("Set_VE", i % 101 - 50, i);
+    cal.unit.AssignDirectIndex(0.4F, 130);  // unrounded in the image
+    cal.unit.AssignDirectIndex(15.7F, 131);
+    cal.unit.AssignDirectIndex(-0.3F, 132);
+    cal.unit.ConvertData();
+    auto lines = linesOf(cal.unit.sRecordText());
+    lines.pop_back();
+    for (const auto& line : lines) {
+        int sum = 0;
+        for (std::size_t i = 2; i + 1 < line.size(); i += 2) sum += std::stoi(line.substr(i, 2), nullptr, 16);
+        EXPECT_EQ(sum % 256, 255) << line;
+    }
+}
+
+TEST(SRecords, AnEmptyRowIsWrittenInFull) {
+    OrbaCalibration cal;
+    const auto lines = linesOf(cal.unit.sRecordText());
+    // 19 + 0 + 17 = 36, and 255 - 36 = 0xDB.
+    EXPECT_EQ(lines[0], "S113110000000000000000000000000000000000DB\r");
+    // Address 0x11C0: 19 + 192 + 17 = 228, and 255 - 228 = 0x1B.
+    EXPECT_EQ(lines[12], "S11311C0000000000000000000000000000000001B\r");
+    // Address 0x11D0: 244, so the checksum has one digit and a zero.
+    EXPECT_EQ(lines[13], "S11311D0000000000000000000000000000000000B\r");
+}
+
+TEST(SRecords, AnElementIsWrittenAsItsLowByte) {
+    OrbaCalibration cal;
+    cal.unit.AssignDirectIndex(255.5F, 9);  // rounds to 256
+    cal.unit.AssignDirectIndex(300, 10);    // 0x12C
+    cal.unit.AssignDirectIndex(-1, 11);     // 0xFFFF
+    cal.unit.AssignDirectIndex(15, 12);
+    cal.unit.ConvertData();
+    EXPECT_EQ(cal.image(9), 256);
+    const std::string line = linesOf(cal.unit.sRecordText())[0];
+    EXPECT_EQ(line.substr(8 + 2 * 9, 8), "002CFF0F");
+    const auto bytes = cal.unit.memoryBytes();
+    EXPECT_THAT(std::vector<int>(bytes.begin() + 9, bytes.begin() + 13), ElementsAre(0, 0x2C, 0xFF, 15));
+}
+
+TEST(SRecords, TheTextHoldsTheMemory) {
+    OrbaCalibration cal;
+    for (int i = 0; i < 256; ++i) cal.unit.set("Set_SPW", i % 100, i);
+    cal.unit.ConvertData();
+    std::vector<std::uint8_t> bytes;
+    for (const auto& line : linesOf(cal.unit.sRecordText())) {
+        if (!line.starts_with("S113")) continue;
+        for (std::size_t i = 8; i < 40; i += 2) {
+            bytes.push_back(static_cast<std::uint8_t>(std::stoi(line.substr(i, 2), nullptr, 16)));
+        }
+    }
+    EXPECT_EQ(bytes, cal.unit.memoryBytes());
+}
+
+TEST(MakeS19, WritesTheTextInTheProgramsFolderInPlaceOfTheOld) {
+    TemporaryFolder folder;
+    OrbaCalibration cal;
+    cal.host.folder = folder.path();
+    writeContent(folder.file("ORB.s19"), std::string(20000, 'x'));
+    cal.unit.ConvertData();
+    cal.host.forget();
+    EXPECT_EQ(cal.unit.MakeS19(), folder.file("ORB.s19"));
+    EXPECT_EQ(contentOf(folder.file("ORB.s19")), cal.unit.sRecordText());
+    EXPECT_THAT(folder.names(), ElementsAre("ORB.s19"));
+    EXPECT_THAT(cal.host.lastLineAdditions, ElementsAre("SUCCESS!"));
+}
+
+TEST(MakeS19, AFolderThatIsNotThereIsAFileError) {
+    OrbaCalibration cal;
+    cal.host.folder = "/no/such/folder";
+    EXPECT_THROW(cal.unit.MakeS19(), FileError);
+    EXPECT_THAT(cal.host.lastLineAdditions, ::testing::IsEmpty());
+}
+
+}  // namespace
+}  // namespace zentaq::testing

@@ -1,0 +1,123 @@
+// A host for Unit objects that records what they ask of the program: checks, boxes, log lines, records.
+// The checks refuse as the program's own do; nothing here blocks.
+#pragma once
+
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "base/number_text.h"
+#include "base/text.h"
+#include "unit/unit_host.h"
+
+namespace zentaq::testing {
+
+class RecordingHost : public UnitHost {
+ public:
+    struct InputCheck {
+        int code;
+        std::string value;
+    };
+    struct RangeCheck {
+        float value;
+        float minimum;
+        float maximum;
+        std::string text;
+    };
+    struct Box {
+        int code;
+        std::string text;
+        bool operator==(const Box&) const = default;
+    };
+
+    // ---- What happened, in order
+    std::vector<InputCheck> inputChecks;
+    std::vector<RangeCheck> rangeChecks;
+    std::vector<Box> warnings;
+    std::vector<Box> messages;
+    std::vector<std::string> informed;
+    std::vector<std::string> log;
+    std::vector<std::string> lastLineAdditions;
+    std::vector<std::string> sent;
+    int yields = 0;
+    int formChanges = 0;
+
+    // ---- What the program around it is like. A calibration of kind 3 is in hand.
+    FileHeader head{.currentUnit = 3, .programVersion = 0, .firmwareCode = 0, .fileState = ""};
+    std::map<std::pair<int, int>, EngineFacts> engines;  ///< by kind and option type
+    std::map<int, SensorFacts> sensors;                  ///< by id
+    bool isFahrenheit = false;
+    bool firmwareIsKnownFromLink = false;
+    bool linkFails = false;
+    float version = 10.2F;
+    std::string folder;
+
+    bool checkInput(int code, std::string_view value) override {
+        inputChecks.push_back({code, std::string(value)});
+        if (code == 1000) return refusedWhen(!isNumeric(value), 1000, "Retype Data");
+        if (code == 1002) return refusedWhen(value.find(".,") != std::string_view::npos, 1002, "");
+        if (code == 1003) return refusedWhen(trimmed(value).empty(), 1005, "");
+        return false;
+    }
+    bool checkRange(float value, float minimum, float maximum, std::string_view rangeText) override {
+        rangeChecks.push_back({value, minimum, maximum, std::string(rangeText)});
+        if (!(value > maximum || value < minimum)) return false;
+        displayWarning(1001, rangeText);
+        sysLog(rangeText);
+        sysLog("Invalid Entry: " + numberText(value) + " -> " + numberText(minimum) + " " +
+               numberText(maximum));
+        return true;
+    }
+    void sysLog(std::string_view text) override { log.emplace_back(text); }
+    void addToLastLine(std::string_view text) override { lastLineAdditions.emplace_back(text); }
+    void displayMessage(int code, std::string_view text) override {
+        messages.push_back({code, std::string(text)});
+    }
+    void displayWarning(int code, std::string_view text) override {
+        warnings.push_back({code, std::string(text)});
+    }
+    void inform(std::string_view text) override { informed.emplace_back(text); }
+    void sendOnFly(std::string_view record) override {
+        if (linkFails) throw std::runtime_error("the link is down");
+        sent.emplace_back(record);
+    }
+    std::optional<EngineFacts> engine(int kind, int optionType) override {
+        const auto found = engines.find({kind, optionType});
+        return found == engines.end() ? std::optional<EngineFacts>() : found->second;
+    }
+    std::optional<SensorFacts> mapSensor(int id) override {
+        const auto found = sensors.find(id);
+        return found == sensors.end() ? std::optional<SensorFacts>() : found->second;
+    }
+    bool fahrenheit() const override { return isFahrenheit; }
+    bool firmwareKnownFromLink() const override { return firmwareIsKnownFromLink; }
+    FileHeader& header() override { return head; }
+    float programVersion() const override { return version; }
+    std::string applicationFolder() const override { return folder; }
+    void yield() override { ++yields; }
+    void formsChanged() override { ++formChanges; }
+
+    /// Forgets what happened; the program around stays as it is.
+    void forget() {
+        inputChecks.clear();
+        rangeChecks.clear();
+        warnings.clear();
+        messages.clear();
+        informed.clear();
+        log.clear();
+        lastLineAdditions.clear();
+        sent.clear();
+        yields = 0;
+        formChanges = 0;
+    }
+
+ private:
+    bool refusedWhen(bool refused, int warning, std::string_view text) {
+        if (refused) displayWarning(warning, text);
+        return refused;
+    }
+};
+
+}  // namespace zentaq::testing

@@ -1,0 +1,89 @@
+// A calibration in hand with its recording host, and records put together apart from the code under test.
+#pragma once
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "unit/recording_host.h"
+#include "unit/unit.h"
+
+namespace zentaq::testing {
+
+struct OrbaCalibration {
+    RecordingHost host;
+    Unit unit{orbaKind(), host};
+
+    explicit OrbaCalibration(int release = 5, int build = 99) {
+        unit.FW_Release(release);
+        unit.FW_Build(build);
+        // Ratios of 0 have no byte.
+        for (int i = 283; i < 293; ++i) unit.AssignDirectIndex(14.64F, i);
+        for (int i = 1424; i < 1680; ++i) unit.AssignDirectIndex(14.7F, i);
+    }
+    double image(int index) const { return unit.ImageData().at(static_cast<std::size_t>(index)); }
+    double word(int index) const { return image(index) * 256 + image(index + 1); }
+    std::vector<int> imageBytes(int first, int count) const {
+        std::vector<int> bytes;
+        for (int i = 0; i < count; ++i) bytes.push_back(static_cast<int>(image(first + i)));
+        return bytes;
+    }
+};
+
+/// The record of one or two bytes in 0 to 255 at a cell's address.
+inline std::string recordOf(int index, const std::vector<int>& bytes) {
+    char piece[16];
+    const int length = 3 + static_cast<int>(bytes.size());
+    const int address = 0x1100 + index;
+    int sum = length + address % 256 + address / 256;
+    std::snprintf(piece, sizeof piece, "S1%02X%04X", length, address);
+    std::string record = piece;
+    for (const int byte : bytes) {
+        std::snprintf(piece, sizeof piece, "%02X", byte);
+        record += piece;
+        sum += byte;
+    }
+    std::snprintf(piece, sizeof piece, "%02X", 255 - sum % 256);
+    return record + piece;
+}
+
+/// A folder of its own that vanishes with the test.
+class TemporaryFolder {
+ public:
+    TemporaryFolder() {
+        std::string name = (std::filesystem::temp_directory_path() / "zentaq-XXXXXX").string();
+        path_ = ::mkdtemp(name.data());
+    }
+    ~TemporaryFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    std::string file(const std::string& name) const { return (path_ / name).string(); }
+    std::string path() const { return path_.string(); }
+    std::vector<std::string> names() const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(path_)) {
+            names.push_back(entry.path().filename().string());
+        }
+        return names;
+    }
+
+ private:
+    std::filesystem::path path_;
+};
+
+inline std::string contentOf(const std::string& path) {
+    std::ifstream stream(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+inline void writeContent(const std::string& path, const std::string& content) {
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+}  // namespace zentaq::testing
