@@ -14,6 +14,11 @@ constexpr int userInjector = 2312;
 constexpr int userFuel = 2320;
 constexpr int userTrims = 8;
 
+bool isFuelTrim(float percent) {
+    constexpr float limit = 15;  // the range of the member FuelTrim
+    return percent >= -limit && percent <= limit;
+}
+
 /// 128 stands for no trim; earlier and later count away from it on both sides.
 double trimByte(double degrees) {
     constexpr double countsPerDegree = 8.533333;
@@ -30,7 +35,10 @@ void Unit::Initialize_Trims() {
     // firing order. A layout of no or of more than eight cylinders takes all eight trims in turn.
     const int cylinders = (toInt32(static_cast<double>(cellAt(cylindersAndEvents))) & 240) / 16;
     const int trims = cylinders >= 1 && cylinders <= userTrims ? cylinders : userTrims;
-    for (int i = 0; i < userTrims; ++i) cellAt(fuelAsSent + i) = cellAt(userFuel + i);
+    for (int i = 0; i < userTrims; ++i) {
+        // The eighth user trim shares its cell with the first character of the notes: a character is no trim.
+        if (isFuelTrim(cellAt(userFuel + i))) cellAt(fuelAsSent + i) = cellAt(userFuel + i);
+    }
     for (int i = 0; i < injectorOutputs; ++i) cellAt(injectorAsSent + i) = cellAt(userInjector + i % trims);
 }
 
