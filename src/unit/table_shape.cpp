@@ -6,6 +6,7 @@
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "unit/parameter_rules.h"
+#include "unit/temperature.h"
 #include "unit/unit.h"
 
 namespace zentaq {
@@ -140,11 +141,13 @@ bool Unit::Set_GPO_Stop(const Entry& value, int i, std::string_view axis, std::s
     if (!cell || !kind_.hasCalibration) return false;
     if (host_.checkInput(notEmpty, value.text())) return false;
     const float number = value.number();
-    const Limits limits =
-        stopLimits(*this, GET_TBL_AXIS_TYPE(table, axis == "Y-Axis" ? "ROW-AXIS" : "COL-AXIS"));
+    const std::string kind = GET_TBL_AXIS_TYPE(table, axis == "Y-Axis" ? "ROW-AXIS" : "COL-AXIS");
+    const Limits limits = stopLimits(*this, kind);
     if (!limits.unlimited() && host_.checkRange(number, limits.minimum, limits.maximum, limits.text))
         return false;
-    cellAt(*cell) = number;
+    // A user of Fahrenheit enters what the grid shows; the cell and the unit's image hold Celsius.
+    const bool fahrenheit = (kind == "CLT" || kind == "MAT") && host_.fahrenheit();
+    cellAt(*cell) = fahrenheit ? toCelsius(number) : number;
     return true;
 }
 

@@ -165,6 +165,15 @@ TEST(StopPoints, AreConvertedByTheKindOfTheirAxis) {
     EXPECT_EQ(cal.unit.convertStopPointsToUnit(2225), 0);
 }
 
+TEST(Image, ANotesFirstCharacterInTheEighthFuelTrimsCellIsNoTrim) {
+    OrbaCalibration cal;
+    cal.unit.AssignDirectIndex(4, 511);
+    cal.unit.NOTES_TEXT("A note");  // its first character stands in the cell of the eighth user trim
+    cal.unit.ConvertData();
+    cal.unit.ConvertData();
+    EXPECT_EQ(cal.image(511), 54);  // 4 + 50, not 65 + 50
+}
+
 TEST(Image, FuelTrimBytesShowTheCellsBeforeTheTrimsAreSpread) {
     OrbaCalibration cal;
     cal.unit.AssignDirectIndex(10, 2320);

@@ -150,6 +150,8 @@ TEST(StopPoints, TemperatureAndLambdaTextsFollowTheSettings) {
     cal.unit.SET_TBL_AXIS_TYPE("GPO1", "COL-AXIS", "CLT");
     EXPECT_TRUE(cal.unit.Set_GPO_Stop(302, 0, "X-Axis", "GPO1"));
     EXPECT_EQ(cal.host.rangeChecks.back().text, "(-40 to 302 F)");
+    // 302 F is 150 C, and the cell holds Celsius.
+    EXPECT_EQ(cal.unit.Get_GPO_Stop(0, "X-Axis", "GPO1"), 150);
     cal.unit.set("AFR", 1);
     cal.unit.SET_TBL_AXIS_TYPE("GPO1", "COL-AXIS", "ACTUAL AFR");
     EXPECT_TRUE(cal.unit.Set_GPO_Stop(1.5, 0, "X-Axis", "GPO1"));

@@ -1,0 +1,50 @@
+// Makes a new calibration: an empty Unit object is given an engine, a pressure sensor, the figures that a
+// tuner enters, and the default values of the reference database, in the order that the members depend on.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "refdata/database.h"
+#include "unit/unit.h"
+
+namespace zentaq {
+
+/// The basic figures of an engine, as the tuner gives them.
+struct EngineFigures {
+    float revLimit = 7000;     ///< RPM, `REV_Limiter`
+    float fullScalePulse = 8;  ///< ms at full sensor scale, `scale1`
+    float openingTime = 1;     ///< ms, `INJ_On`
+    float injectors = 4;       ///< `INJ_Number`
+    float maxBoost = 0;        ///< above the atmosphere, in the sensor's own unit, `MAX_Boost`
+    float horsePower = 0;      ///< `BHP`
+    float injectorFlow = 0;    ///< lb/hr, `INJ_FlowRate`
+    bool raceCam = false;      ///< `CAMSTL`
+    bool alcohol = false;      ///< `Alcohol`
+    bool fourAmpPeak = false;  ///< `AMP42`
+    int rows = 16;             ///< of all tables, 8 to 16 of the cells that a table holds are used
+    int columns = 16;
+};
+
+/// The members that refused their value, by name; empty when all was taken. A refusal stops nothing.
+using RefusedMembers = std::vector<std::string>;
+
+/// Empties the Unit object and gives it the firmware of its kind where it has none.
+void startNewCalibration(Unit& unit);
+
+/// Copies a row of the engine list into the calibration.
+RefusedMembers chooseEngine(Unit& unit, const EngineRow& engine);
+
+/// Copies a row of the sensor list into the calibration, and the sensor's rating in bar (`MAP_BAR`).
+RefusedMembers chooseSensor(Unit& unit, const MapSensorRow& sensor);
+
+/// Stores the figures and loads the sets of table Defaults. The engine and the sensor must have been
+/// chosen: limits depend on them. Nothing is sent to a unit. Throws Failure when the database lacks a set.
+RefusedMembers loadDefaults(Unit& unit, const Database& database, const EngineFigures& figures);
+
+/// The axes that a new calibration gets: equal steps up to the rev limit, and equal steps of sensor volts
+/// up to the atmosphere plus the boost. `count` values, ascending.
+std::vector<float> newSpeedAxis(float revLimit, int count);
+std::vector<float> newPressureAxis(Unit& unit, float maxBoost, int count);
+
+}  // namespace zentaq

@@ -1,0 +1,97 @@
+#include "config/quiet_host.h"
+
+#include <cmath>
+
+#include "base/number_text.h"
+#include "base/text.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr int nonNumeric = 1000;
+constexpr int outOfRange = 1001;
+constexpr int notWhole = 1002;
+constexpr int notEmpty = 1003;
+constexpr int nullValue = 1005;
+
+/// The words of the numbered warnings on one line, as the boxes of the windows have them.
+std::string warningLine(int code, std::string_view text) {
+    const std::string head = "Warning " + numberText(code) + ": Data Input Error: ";
+    switch (code) {
+        case nonNumeric:
+            return head + "Non-numeric value detected. " + std::string(text);
+        case outOfRange:
+            return head + std::string(text) + " - Invalid Entry.";
+        case notWhole:
+            return head + "Enter Whole Numbers Only";
+        case nullValue:
+            return head + "Field CANNOT be NULL; please try again.";
+        default:
+            return "Warning " + numberText(code) + ": " + std::string(text);
+    }
+}
+
+}  // namespace
+
+bool QuietHost::refuse(int code, std::string_view text) {
+    refusals_.push_back(warningLine(code, text));
+    return true;
+}
+
+bool QuietHost::checkInput(int code, std::string_view value) {
+    if (code == nonNumeric && !isNumeric(value)) return refuse(nonNumeric, "Retype Data");
+    // Kept: the pair ".," is refused, neither character alone.
+    if (code == notWhole && value.find(".,") != std::string_view::npos) return refuse(notWhole, {});
+    if (code == notEmpty && trimmed(value).empty()) return refuse(nullValue, {});
+    return false;
+}
+
+bool QuietHost::checkRange(float value, float minimum, float maximum, std::string_view rangeText) {
+    if (value > maximum || value < minimum) return refuse(outOfRange, rangeText);
+    return false;
+}
+
+void QuietHost::sysLog(std::string_view text) {
+    lastLogLine_ = text;
+}
+
+void QuietHost::displayWarning(int code, std::string_view text) {
+    refuse(code, text);
+}
+
+std::optional<EngineFacts> QuietHost::engine(int kind, int optionType) {
+    if (database_ == nullptr) return {};
+    const auto row = database_->engine(kind, optionType);
+    if (!row) return {};
+    return EngineFacts{row->minOffset, row->maxOffset, row->p2EgTp, row->editDfub, row->defaultSplit};
+}
+
+std::optional<SensorFacts> QuietHost::mapSensor(int id) {
+    if (database_ == nullptr) return {};
+    const auto row = database_->mapSensor(id);
+    if (!row) return {};
+    return SensorFacts{row->scale, row->offset, row->units};
+}
+
+float QuietHost::programVersion() const {
+    constexpr std::size_t majorPart = 2;  // file headers leave out "4."
+    return static_cast<float>(numberOf(std::string(ZENTAQ_VERSION).substr(majorPart)));
+}
+
+void setOrThrow(Unit& unit, QuietHost& host, std::string_view member, const Entry& value, int element) {
+    const Parameter* row = unit.find(member);
+    const std::string name(member);
+    if (row == nullptr) throw NoSuchMember(std::string(unit.kind().model) + " has no member " + name);
+    if (row->readOnly) throw NoSuchMember(name + " follows from other members and cannot be set");
+    const std::size_t before = host.refusals().size();
+    // A text field tests its text when it is left; the Unit object takes numbers.
+    if (!host.checkInput(notEmpty, value.text()) && !host.checkInput(nonNumeric, value.text())) {
+        if (!std::isfinite(value.number())) throw Overflow(name + ": the number is too large");
+        if (unit.write(*row, value, element)) return;
+    }
+    if (host.refusals().size() == before) throw Refused(name + " does not take " + value.text());
+    throw Refused(host.refusals().back());
+}
+
+}  // namespace zentaq

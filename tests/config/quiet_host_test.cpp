@@ -1,0 +1,127 @@
+#include "config/quiet_host.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "config/quiet_calibration.h"
+#include "refdata/refdata_fixture.h"
+
+namespace zentaq {
+namespace {
+
+using refdata::failureOf;
+using refdata::TemporaryFolder;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+class QuietHostTest : public ::testing::Test {
+ protected:
+    QuietCalibration calibration{orbaKind()};
+    QuietHost& host = calibration.host;
+    Unit& unit = calibration.unit;
+
+    std::string refusalOf(std::string_view member, const Entry& value) {
+        return failureOf<Refused>([&] { setOrThrow(unit, host, member, value); });
+    }
+};
+
+TEST_F(QuietHostTest, ARefusedValueThrowsTheWarningWithItsRangeAndChangesNothing) {
+    setOrThrow(unit, host, "KNK_MIN", 40);
+    EXPECT_EQ(refusalOf("KNK_MIN", 101), "Warning 1001: Data Input Error: (2 to 100 units) - Invalid Entry.");
+    EXPECT_EQ(unit.get("KNK_MIN"), 40);
+    EXPECT_THAT(host.refusals(),
+                ElementsAre("Warning 1001: Data Input Error: (2 to 100 units) - Invalid Entry."));
+}
+
+TEST_F(QuietHostTest, AValueAtEitherEndOfItsRangeIsTaken) {
+    setOrThrow(unit, host, "KNK_MIN", 2);
+    EXPECT_EQ(unit.get("KNK_MIN"), 2);
+    setOrThrow(unit, host, "KNK_MIN", 100);
+    EXPECT_EQ(unit.get("KNK_MIN"), 100);
+    EXPECT_THAT(host.refusals(), IsEmpty());
+}
+
+TEST_F(QuietHostTest, TextThatIsNoNumberIsRefusedWithWarning1000) {
+    EXPECT_THAT(refusalOf("KNK_MIN", "fifty"), HasSubstr("Warning 1000: Data Input Error"));
+}
+
+TEST_F(QuietHostTest, BlankTextIsRefusedWithWarning1005) {
+    EXPECT_THAT(refusalOf("KNK_MIN", "  "), HasSubstr("Warning 1005: Data Input Error"));
+}
+
+TEST_F(QuietHostTest, ANumberBetweenListedValuesIsRefused) {
+    EXPECT_EQ(refusalOf("CONDIV", 3), "Warning 1001: Data Input Error: 2,4,8,16,32 or 64 - Invalid Entry.");
+}
+
+TEST_F(QuietHostTest, ANumberThatFitsNoFloatIsAnOverflow) {
+    EXPECT_THROW(setOrThrow(unit, host, "BHP", "1e39"), Overflow);
+    EXPECT_EQ(unit.get("BHP"), 0);
+}
+
+TEST_F(QuietHostTest, AMemberThatTheKindLacksIsNamed) {
+    EXPECT_EQ(failureOf<NoSuchMember>([&] { setOrThrow(unit, host, "KNK_MEAN", 1); }),
+              "ORB A has no member KNK_MEAN");
+}
+
+TEST_F(QuietHostTest, ADerivedMemberCannotBeSet) {
+    EXPECT_THROW(setOrThrow(unit, host, "MAPMax", 200), NoSuchMember);
+}
+
+TEST_F(QuietHostTest, RecordsAreKeptInOrder) {
+    unit.ONFLY_MODE(true);
+    setOrThrow(unit, host, "CYL_OvrThr", 20);  // 20 * 4 = 80 = 0x50 at 0x1141
+    setOrThrow(unit, host, "CYL_CutDly", 10);  // 0x0A at 0x1142: 4 + 0x11 + 0x42 + 0x0A = 0x61
+    EXPECT_THAT(host.records(), ElementsAre("S10411415059", "S10411420A9E"));
+}
+
+TEST_F(QuietHostTest, WithoutADatabaseEnginesAndSensorsAreUnknown) {
+    EXPECT_FALSE(host.engine(3, 1));
+    EXPECT_FALSE(host.mapSensor(1));
+}
+
+TEST(QuietHost, FileHeadersCarryTheMinorPartOfTheVersion) {
+    const std::string version = ZENTAQ_VERSION;  // "4.10.2" is written as 10.2
+    EXPECT_FLOAT_EQ(QuietHost().programVersion(), std::stof(version.substr(version.find('.') + 1)));
+}
+
+class FileKinds : public ::testing::Test {
+ protected:
+    TemporaryFolder folder;
+
+    std::string openFailure(const std::string& content) {
+        const std::string path = folder.file("x.ZQ4OA");
+        refdata::writeFile(path, content);
+        return failureOf<FileError>([&] { QuietCalibration::open(path); });
+    }
+};
+
+TEST_F(FileKinds, AFileShorterThanItsHeaderIsNoCalibration) {
+    EXPECT_THAT(openFailure("12345678901"), HasSubstr("is no calibration file"));
+}
+
+TEST_F(FileKinds, AFileThatDoesNotBeginWithAUnitKindIsNoCalibration) {
+    EXPECT_THAT(openFailure("This is a letter to a friend."), HasSubstr("is no calibration file"));
+}
+
+TEST_F(FileKinds, AMissingFileIsNamed) {
+    const std::string path = folder.file("missing.ZQ4OA");
+    EXPECT_THAT(failureOf<FileError>([&] { QuietCalibration::open(path); }), HasSubstr(path));
+}
+
+TEST_F(FileKinds, ASavedCalibrationComesBackWithItsKindAndValues) {
+    const std::string path = folder.file("Back again.ZQ4OA");
+    QuietCalibration made(orbaKind());
+    setOrThrow(made.unit, made.host, "KNK_MIN", 33);
+    made.unit.BinFile(path);
+    made.unit.SaveFile();
+    const auto opened = QuietCalibration::open(path);
+    EXPECT_EQ(opened->unit.kind().model, "ORB A");
+    EXPECT_EQ(opened->unit.get("KNK_MIN"), 33);
+    EXPECT_EQ(opened->unit.BiName(), "Back again              ");
+}
+
+}  // namespace
+}  // namespace zentaq
