@@ -16,7 +16,8 @@ constexpr int pollablePins = 8;
 constexpr int tableCells = 256;
 constexpr std::array<int, 2> tableFirst = {1680, 1936};
 
-constexpr std::array<std::string_view, 22> functionNames = {"DISABLED",
+// An input pin's "disabled" carries code 22.
+constexpr std::array<std::string_view, 24> functionNames = {"DISABLED",
                                                             "A/C Control",
                                                             "Auxiliary Fuel Pump Control",
                                                             "FAN Thermo Control",
@@ -37,7 +38,9 @@ constexpr std::array<std::string_view, 22> functionNames = {"DISABLED",
                                                             "GPO Trim #2",
                                                             "NOS Retard",
                                                             "Timed Advance",
-                                                            "Speed Gauge"};
+                                                            "Speed Gauge",
+                                                            "DISABLED",
+                                                            "Timed Power Cut"};
 
 double encoded(Unit& unit, const GpioByte& item, float cell) {
     if (item.form == GpioForm::PressureWord) return unit.KpaToCounts(cell, false);
@@ -118,6 +121,8 @@ void Unit::Zeroize_GPIO(int pin) {
 }
 
 std::string Unit::GPIO_Function_Name(int code) {
+    constexpr int boostControl = 25;
+    if (code == boostControl) return "Boost Control";
     if (code < 0 || code >= static_cast<int>(functionNames.size())) return "GPIO ERROR: ENTRY NOT FOUND!";
     return std::string(functionNames[static_cast<std::size_t>(code)]);
 }

@@ -96,9 +96,11 @@ TEST(SimulatedUnit, IGivesTwentyOneBytesWithTheOutputs) {
 
 TEST(SimulatedUnit, TOfAHealthyUnitHasNoCode) {
     SimulatedUnit unit = orbA();
-    Bytes expected{0xFA, 0xA5, 0x55};
-    expected.insert(expected.end(), 12, 0xFF);
-    expected.push_back(0x49);  // 0x55 + 12 * 255 = 3145 = 12 * 256 + 0x49
+    Bytes expected(16, 0xFF);
+    expected[0] = 0xFA;
+    expected[1] = 0xA5;
+    expected[2] = 0x55;
+    expected[15] = 0x49;  // 0x55 + 12 * 255 = 3145 = 12 * 256 + 0x49
     EXPECT_EQ(ask(unit, "T"), expected);
     EXPECT_EQ(ask(unit, "W").at(29), 0);
 }

@@ -1,0 +1,158 @@
+#include "qt/qt_dialogs.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <algorithm>
+
+#include "base/text.h"
+
+namespace zentaq {
+
+namespace {
+
+QMessageBox::Icon iconOf(Icon icon) {
+    switch (icon) {
+        case Icon::Information:
+            return QMessageBox::Information;
+        case Icon::Question:
+            return QMessageBox::Question;
+        case Icon::Exclamation:
+            return QMessageBox::Warning;
+        case Icon::Critical:
+            return QMessageBox::Critical;
+        case Icon::None:
+            break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+QMessageBox::StandardButtons buttonsOf(Buttons buttons) {
+    switch (buttons) {
+        case Buttons::OkCancel:
+            return QMessageBox::Ok | QMessageBox::Cancel;
+        case Buttons::YesNo:
+            return QMessageBox::Yes | QMessageBox::No;
+        case Buttons::Ok:
+            break;
+    }
+    return QMessageBox::Ok;
+}
+
+Answer answerOf(int button, Buttons offered) {
+    switch (button) {
+        case QMessageBox::Ok:
+            return Answer::Ok;
+        case QMessageBox::Yes:
+            return Answer::Yes;
+        case QMessageBox::No:
+            return Answer::No;
+        case QMessageBox::Cancel:
+            return Answer::Cancel;
+        default:
+            break;
+    }
+    if (offered == Buttons::OkCancel) return Answer::Cancel;
+    return offered == Buttons::YesNo ? Answer::No : Answer::Ok;
+}
+
+}  // namespace
+
+Answer QtDialogs::show(const Box& box) {
+    QMessageBox message(parent());
+    message.setObjectName(QStringLiteral("dlgMessage"));
+    message.setWindowTitle(QString::fromStdString(box.title));
+    message.setTextFormat(Qt::PlainText);
+    message.setText(QString::fromStdString(box.text));
+    message.setIcon(iconOf(box.icon));
+    message.setStandardButtons(buttonsOf(box.buttons));
+    message.setDefaultButton(box.buttons == Buttons::YesNo ? QMessageBox::Yes : QMessageBox::Ok);
+    // Escape and the window's own button decline where declining is possible.
+    if (box.buttons == Buttons::YesNo) message.setEscapeButton(QMessageBox::No);
+    const int button = message.exec();
+    giveFocusBack();
+    return answerOf(button, box.buttons);
+}
+
+std::string QtDialogs::openFile(const FileRequest& request) {
+    return choose(request, false);
+}
+
+std::string QtDialogs::saveFile(const FileRequest& request) {
+    return choose(request, true);
+}
+
+std::string QtDialogs::choose(const FileRequest& request, bool save) {
+    QFileDialog dialog(parent(), QString::fromStdString(request.title));
+    dialog.setObjectName(QStringLiteral("dlgDialog1"));
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    const QString folder = QString::fromStdString(request.folder);
+    dialog.setDirectory(QDir(folder).exists() ? folder : QDir::homePath());
+
+    const QStringList filters = nameFilters(request.filter);
+    if (!filters.isEmpty()) {
+        dialog.setNameFilters(filters);
+        const auto last = static_cast<int>(filters.size()) - 1;
+        dialog.selectNameFilter(filters.at(std::clamp(request.filterIndex - 1, 0, last)));
+    }
+    if (save) dialog.setDefaultSuffix(bareExtension(request.defaultExtension));
+    if (!request.suggestedName.empty()) dialog.selectFile(QString::fromStdString(request.suggestedName));
+    const int result = dialog.exec();
+    giveFocusBack();
+    if (result != QDialog::Accepted) return {};
+    const QStringList chosen = dialog.selectedFiles();
+    return chosen.isEmpty() ? std::string() : chosen.first().toStdString();
+}
+
+std::optional<std::string> QtDialogs::input(const std::string& title, const std::string& prompt,
+                                            const std::string& initial) {
+    QInputDialog dialog(parent());
+    dialog.setObjectName(QStringLiteral("dlgInput"));
+    dialog.setInputMode(QInputDialog::TextInput);
+    dialog.setWindowTitle(QString::fromStdString(title));
+    dialog.setLabelText(QString::fromStdString(prompt));
+    dialog.setTextValue(QString::fromStdString(initial));
+    const int result = dialog.exec();
+    giveFocusBack();
+    if (result != QDialog::Accepted) return std::nullopt;
+    return dialog.textValue().toStdString();
+}
+
+QWidget* QtDialogs::parent() const {
+    // A box over a dialog that is already open belongs to that dialog.
+    if (QWidget* modal = QApplication::activeModalWidget()) return modal;
+    return parent_;
+}
+
+// Where nobody manages windows the keyboard would stay with the closed dialog.
+void QtDialogs::giveFocusBack() const {
+    QWidget* below = parent();
+    if (below != nullptr && below->isVisible()) below->window()->activateWindow();
+}
+
+QStringList nameFilters(const std::string& filter) {
+    QStringList filters;
+    const std::vector<std::string> parts = split(filter, '|');
+    for (std::size_t i = 0; i + 1 < parts.size(); i += 2) {
+        QString text = QString::fromStdString(parts[i]);
+        // Qt takes the last pair of parentheses as the patterns; one in the text would be shown twice.
+        const qsizetype parenthesis = text.indexOf(u'(');
+        if (parenthesis >= 0) text.truncate(parenthesis);
+        const QString patterns = QString::fromStdString(parts[i + 1]).replace(u';', u' ');
+        filters.append(text.trimmed() + " (" + patterns + ")");
+    }
+    return filters;
+}
+
+QString bareExtension(const std::string& extension) {
+    const QString text = QString::fromStdString(extension);
+    const qsizetype dot = text.lastIndexOf(u'.');
+    return dot < 0 ? text : text.mid(dot + 1);
+}
+
+}  // namespace zentaq

@@ -1,0 +1,41 @@
+// The boxes and dialogs of the program on Qt. They are Qt's own, so they look and answer the same everywhere
+// and keyboard and screen reader reach all of them.
+#pragma once
+
+#include <QPointer>
+#include <QString>
+#include <QStringList>
+#include <QWidget>
+
+#include "platform/dialogs.h"
+
+namespace zentaq {
+
+class QtDialogs : public Dialogs {
+ public:
+    /// Boxes stand over this window; before it is set they stand alone.
+    void setParent(QWidget* parent) { parent_ = parent; }
+
+    Answer show(const Box& box) override;
+    std::string openFile(const FileRequest& request) override;
+    /// Asks nothing about an existing file and creates none.
+    std::string saveFile(const FileRequest& request) override;
+    std::optional<std::string> input(const std::string& title, const std::string& prompt,
+                                     const std::string& initial) override;
+
+ private:
+    QWidget* parent() const;
+    void giveFocusBack() const;
+    std::string choose(const FileRequest& request, bool save);
+
+    QPointer<QWidget> parent_;
+};
+
+/// "text|pattern|text|pattern" as name filters, one an entry: "text (pattern pattern)".
+/// Patterns of one entry are separated by ';'. A last text without a pattern is left out.
+QStringList nameFilters(const std::string& filter);
+
+/// "ZQ4OA" from "ZQ4OA", ".ZQ4OA", "*.ZQ4OA" or a whole "text|*.ZQ4OA".
+QString bareExtension(const std::string& extension);
+
+}  // namespace zentaq

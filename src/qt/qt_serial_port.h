@@ -1,0 +1,71 @@
+// The serial port on Qt: 38400,N,8,1, whole replies through the gate, and a device that may be pulled and
+// plugged again. It is remembered by its identity, so that it comes back even under another number.
+#pragma once
+
+#include <QObject>
+#include <QSerialPort>
+#include <functional>
+#include <string>
+
+#include "platform/clock.h"
+#include "platform/receive_gate.h"
+#include "platform/serial_port.h"
+
+namespace zentaq {
+
+class QtSerialPort : public QObject, public SerialPort {
+    Q_OBJECT
+
+ public:
+    using PortSource = std::function<std::vector<PortInfo>()>;
+
+    /// How often a vanished device is looked for.
+    static constexpr std::int64_t lookUs = 250'000;
+    /// How often the number of a device that has never said anything is looked up again.
+    static constexpr std::int64_t numberUs = 1'000'000;
+
+    explicit QtSerialPort(const Clock& clock, PortSource ports);
+    ~QtSerialPort() override;
+
+    void open(int number) override;
+    void close() override;
+    /// True also while the device is away: it is looked for until close().
+    bool isOpen() const override { return !identity_.empty(); }
+    /// Whether the device is there at this moment.
+    bool present() const { return device_.isOpen(); }
+
+    void write(std::string_view bytes) override;
+    std::vector<std::uint8_t> read() override { return gate_.take(); }
+    void setReceiveThreshold(int bytes) override { gate_.threshold(bytes); }
+    std::vector<PortInfo> list() const override { return ports_(); }
+
+    /// Takes what the line has brought, delivers a batch that is due, looks for a vanished device.
+    /// To be called about once a millisecond, never from inside onEvent's handler. True: a batch was
+    /// delivered.
+    bool service();
+    /// A whole reply is there and waits for the line to be quiet.
+    bool settling() const { return gate_.nextDueUs().has_value(); }
+
+ private:
+    bool openDevice(const std::string& device);
+    void drain();
+    void keep();
+    void lose();
+    void checkLine(std::int64_t nowUs);
+    void lookForDevice(std::int64_t nowUs);
+    void followNumber(std::int64_t nowUs);
+
+    const Clock& clock_;
+    PortSource ports_;
+    QSerialPort device_;
+    ReceiveGate gate_;
+    std::string identity_;
+    std::string openError_;
+    int number_ = 0;
+    bool heard_ = false;  ///< the device has sent something since open()
+    bool lost_ = false;
+    std::int64_t nextLookUs_ = 0;
+    std::int64_t nextNumberUs_ = 0;
+};
+
+}  // namespace zentaq

@@ -1,0 +1,40 @@
+// The link's clock on Qt. Qt's timer fires late while a window paints; this one runs the ticks that are owed
+// by the monotonic clock, after it has taken what the port has brought, so that a busy window never looks
+// like a dead unit.
+#pragma once
+
+#include <QObject>
+#include <QTimer>
+
+#include "platform/clock.h"
+#include "platform/tick_pacer.h"
+#include "platform/ticker.h"
+#include "qt/qt_serial_port.h"
+
+namespace zentaq {
+
+class QtTicker : public QObject, public Ticker {
+    Q_OBJECT
+
+ public:
+    /// Ticks that one wake-up runs at most; the rest follows with the next, windows alive in between.
+    static constexpr int ticksPerWake = 20;
+
+    QtTicker(QtSerialPort& port, const Clock& clock);
+
+    void start() override;
+    void stop() override;
+    bool running() const { return timer_.isActive(); }
+
+ private:
+    void wake();
+    void run();
+
+    QtSerialPort& port_;
+    const Clock& clock_;
+    QTimer timer_;
+    TickPacer pacer_;
+    bool inside_ = false;
+};
+
+}  // namespace zentaq

@@ -1,0 +1,218 @@
+#include "windows/frm_config.h"
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+#include <map>
+
+#include "base/number_text.h"
+#include "config/tree.h"
+#include "qt/look.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr int keyRole = Qt::UserRole;
+constexpr int startTab = 0;
+constexpr int pageTab = 1;
+constexpr int tableNode = -1;
+
+QLabel* textLabel(const char* name, QWidget* parent) {
+    auto* label = new QLabel(parent);
+    label->setObjectName(QLatin1String(name));
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    return label;
+}
+
+}  // namespace
+
+FrmConfig::FrmConfig(Session& session, MainCommands& commands, QWidget* parent)
+    : QWidget(parent), session_(session), commands_(commands) {
+    setObjectName(QStringLiteral("frmConfig"));
+    setAccessibleName(tr("Configuration"));
+
+    treeZentaq_ = new QTreeWidget(this);
+    treeZentaq_->setObjectName(QStringLiteral("treeZentaq"));
+    treeZentaq_->setAccessibleName(tr("Configuration tree"));
+    treeZentaq_->setHeaderHidden(true);
+    treeZentaq_->setUniformRowHeights(true);
+    connect(treeZentaq_, &QTreeWidget::itemClicked, this, &FrmConfig::treeClicked);
+    connect(treeZentaq_, &QTreeWidget::itemActivated, this, &FrmConfig::treeClicked);
+
+    sstMenu_ = new QTabWidget(this);
+    sstMenu_->setObjectName(QStringLiteral("sstMenu"));
+    sstMenu_->setAccessibleName(tr("Pages"));
+    sstMenu_->setDocumentMode(true);
+    sstMenu_->addTab(makeStartTab(), tr("Start"));
+    sstMenu_->addTab(makePageTab(), tr("Calibration"));
+
+    auto* beside = new QSplitter(Qt::Horizontal, this);
+    beside->setObjectName(QStringLiteral("splTree"));
+    beside->addWidget(treeZentaq_);
+    beside->addWidget(sstMenu_);
+    beside->setStretchFactor(1, 1);
+    const int letter = fontMetrics().averageCharWidth();
+    beside->setSizes({letter * 32, letter * 120});
+
+    auto* below = new QSplitter(Qt::Vertical, this);
+    below->setObjectName(QStringLiteral("splConsole"));
+    below->addWidget(beside);
+    below->addWidget(makeBottom());
+    below->setStretchFactor(0, 1);
+    below->setCollapsible(0, false);
+    const int bottomHeight = fraComm_->sizeHint().height();
+    below->setSizes({bottomHeight * 2, bottomHeight});
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(below);
+    showStartTab();
+}
+
+QWidget* FrmConfig::makeStartTab() {
+    auto* tab = new QWidget(this);
+    auto* layout = new QVBoxLayout(tab);
+    lblStart_ = textLabel("lblStart", tab);
+    lblStart_->setFont(valueFont(1.2));
+    lblStart_->setText(tr("No calibration in hand. Open one with Ctrl+O."));
+    lblTip_ = textLabel("lblTip", tab);
+    lblTip_->setAccessibleName(tr("Tip"));
+    layout->addWidget(lblStart_);
+    layout->addWidget(lblTip_, 1);
+    return tab;
+}
+
+QWidget* FrmConfig::makePageTab() {
+    auto* tab = new QWidget(this);
+    auto* layout = new QVBoxLayout(tab);
+    const int gap = fontMetrics().height() / 4;
+    layout->setContentsMargins(gap, gap, gap, gap);
+    lblPageTitle_ = textLabel("lblPageTitle", tab);
+    lblPageTitle_->setFont(valueFont(1.1));
+    pageView_ = new PageView(tab);
+    layout->addWidget(lblPageTitle_);
+    layout->addWidget(pageView_, 1);
+    return tab;
+}
+
+QWidget* FrmConfig::makeBottom() {
+    lstLog_ = new ConsoleView(QStringLiteral("lstLog"), tr("System console"), session_.console.lines(), this);
+    lstCommInfo_ = new ConsoleView(QStringLiteral("lstCommInfo"), tr("Communication console"),
+                                   session_.console.commLines(), this);
+    fraComm_ = new LinkPanel([this] { return session_.platform().port.list(); }, this);
+    fraComm_->ports().fill(session_.link.commPort());
+    connect(fraComm_, &LinkPanel::autoDetectAsked, this, &FrmConfig::autoDetect);
+    connect(fraComm_, &LinkPanel::portChosen, this, &FrmConfig::choosePort);
+
+    auto* bottom = new QSplitter(Qt::Horizontal, this);
+    bottom->setObjectName(QStringLiteral("splBottom"));
+    bottom->addWidget(lstLog_);
+    bottom->addWidget(lstCommInfo_);
+    bottom->addWidget(fraComm_);
+    const int letter = fontMetrics().averageCharWidth();
+    bottom->setSizes({letter * 80, letter * 36, letter * 56});
+    bottom->setStretchFactor(0, 1);
+    return bottom;
+}
+
+void FrmConfig::showStartTab() {
+    sstMenu_->setTabVisible(pageTab, false);
+    sstMenu_->setCurrentIndex(startTab);
+}
+
+void FrmConfig::setupNodes() {
+    treeZentaq_->clear();
+    std::map<std::string, QTreeWidgetItem*> items;
+    if (session_.currentUnit() != 0) {
+        for (const TreeNode& node : treeNodes(session_.currentUnitObject())) {
+            const auto parent = items.find(node.parent);
+            QTreeWidgetItem* item = parent == items.end() ? new QTreeWidgetItem(treeZentaq_)
+                                                          : new QTreeWidgetItem(parent->second);
+            item->setText(0, QString::fromStdString(node.text));
+            item->setData(0, keyRole, QString::fromStdString(node.key));
+            items[node.key] = item;
+        }
+    }
+    treeZentaq_->expandAll();
+    if (items.empty()) return;
+    treeZentaq_->setCurrentItem(treeZentaq_->topLevelItem(0));
+    sstMenu_->setTabVisible(pageTab, true);
+    showPage(0, treeZentaq_->topLevelItem(0)->text(0));
+}
+
+void FrmConfig::treeClicked(const QTreeWidgetItem* item) {
+    if (item == nullptr) return;
+    const QString title = item->text(0);
+    const int page = commands_.treeClick(item->data(0, keyRole).toString().toStdString());
+    if (page != tableNode) showPage(page, title);
+}
+
+void FrmConfig::showPage(int page, const QString& title) {
+    if (session_.currentUnit() == 0) return;
+    page_ = page;
+    lblPageTitle_->setText(title);
+    pageView_->show(pageRows(session_, page), onFly_);
+    sstMenu_->setCurrentIndex(pageTab);
+}
+
+void FrmConfig::showUnit() {
+    pageView_->show(pageRows(session_, page_), onFly_);
+    lblStart_->setText(session_.currentUnit() == 0
+                           ? tr("No calibration in hand. Open one with Ctrl+O.")
+                           : tr("Calibration in hand: ") + QString::fromStdString(session_.CurrentFile));
+}
+
+void FrmConfig::onFlyChanged(bool on) {
+    onFly_ = on;
+    pageView_->show(pageRows(session_, page_), onFly_);
+}
+
+void FrmConfig::showTip(const std::string& text) {
+    lblTip_->setText(QString::fromStdString(text));
+}
+
+void FrmConfig::refreshConsoles() {
+    lstLog_->sync();
+    lstCommInfo_->sync();
+}
+
+void FrmConfig::refreshLink() {
+    fraComm_->render(session_.link.status());
+}
+
+void FrmConfig::dock(QWidget* table, const QString& title) {
+    if (table_ != table) undock();
+    table_ = table;
+    int index = sstMenu_->indexOf(table);
+    if (index < 0) index = sstMenu_->addTab(table, title);
+    sstMenu_->setTabText(index, title);
+    sstMenu_->setCurrentIndex(index);
+}
+
+void FrmConfig::undock() {
+    if (table_ != nullptr) sstMenu_->removeTab(sstMenu_->indexOf(table_));
+    table_ = nullptr;
+}
+
+QString FrmConfig::helpKey() const {
+    return sstMenu_->currentIndex() == pageTab ? pageView_->helpKey() : QString();
+}
+
+// The search yields, so the window stays alive; the button must not start a second one.
+void FrmConfig::autoDetect() {
+    fraComm_->setEnabled(false);
+    const int found = commands_.autodetectPort();
+    fraComm_->setEnabled(true);
+    fraComm_->ports().fill(found > 0 ? found : session_.link.commPort());
+}
+
+void FrmConfig::choosePort(int number) {
+    session_.link.commPort(number);
+    session_.settings().set("System", "CommPort", numberText(number));
+    session_.link.editStatus().port = numberText(number);
+    session_.link.ORB_Initialize();
+}
+
+}  // namespace zentaq

@@ -1,0 +1,272 @@
+#include "windows/frm_config_link_panel.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QGridLayout>
+#include <QHBoxLayout>
+
+#include "base/number_text.h"
+#include "qt/icons.h"
+#include "qt/look.h"
+
+namespace zentaq {
+
+namespace {
+
+void setText(QLabel* label, const std::string& text) {
+    const QString shown = QString::fromStdString(text);
+    if (label->text() != shown) label->setText(shown);
+}
+
+void keepPlace(QWidget* widget) {
+    QSizePolicy policy = widget->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    widget->setSizePolicy(policy);
+}
+
+QString iconName(LinkImage image) {
+    switch (image) {
+        case LinkImage::Connected:
+            return QStringLiteral("Connected");
+        case LinkImage::Monitor:
+            return QStringLiteral("Monitor");
+        case LinkImage::NoConnect:
+            return QStringLiteral("NoConnect");
+        case LinkImage::Transfer:
+            return QStringLiteral("Transfer");
+        case LinkImage::Warning:
+            return QStringLiteral("Warning");
+        case LinkImage::None:
+            break;
+    }
+    return {};
+}
+
+QColor iconColor(LinkImage image, const LookColors& colors) {
+    switch (image) {
+        case LinkImage::Connected:
+        case LinkImage::Monitor:
+            return colors.good;
+        case LinkImage::NoConnect:
+            return colors.alarm;
+        case LinkImage::Transfer:
+            return colors.accent;
+        case LinkImage::Warning:
+            return colors.warning;
+        case LinkImage::None:
+            break;
+    }
+    return colors.text;
+}
+
+/// At rest a lamp has the colour of a button's face.
+void light(QLabel* lamp, bool on, const QColor& color, const QString& meaning, const QString& lit) {
+    QPalette palette = lamp->parentWidget()->palette();
+    if (on) {
+        palette.setColor(QPalette::Window, color);
+        palette.setColor(QPalette::WindowText, Qt::white);
+    } else {
+        palette.setColor(QPalette::Window, palette.color(QPalette::Button));
+    }
+    if (lamp->palette() != palette) lamp->setPalette(palette);
+    lamp->setAccessibleDescription(on ? lit : meaning);
+}
+
+}  // namespace
+
+PortCombo::PortCombo(std::function<std::vector<PortInfo>()> ports, QWidget* parent)
+    : QComboBox(parent), ports_(std::move(ports)) {
+    setObjectName(QStringLiteral("cmbCOMM"));
+    setAccessibleName(QObject::tr("COMM port"));
+    setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
+    setMinimumContentsLength(14);
+}
+
+void PortCombo::fill(int selected) {
+    const QSignalBlocker quiet(this);
+    clear();
+    for (const PortInfo& port : ports_()) {
+        addItem(
+            QString::fromStdString(numberText(port.number) + "  " + port.device + "  " + port.description),
+            port.number);
+    }
+    if (findData(selected) < 0) {
+        addItem(QString::fromStdString(numberText(selected) + "  ") + tr("(not present)"), selected);
+    }
+    setCurrentIndex(findData(selected));
+}
+
+void PortCombo::showPopup() {
+    fill(selectedNumber());
+    QComboBox::showPopup();
+}
+
+LinkPanel::LinkPanel(std::function<std::vector<PortInfo>()> ports, QWidget* parent) : QFrame(parent) {
+    setObjectName(QStringLiteral("fraComm"));
+    setAccessibleName(tr("Communications"));
+    setFrameShape(StyledPanel);
+
+    imgNotify_ = makeLabel("imgNotify", tr("State of the link"));
+    const int iconSize = fontMetrics().height() * 2;
+    imgNotify_->setFixedSize(iconSize, iconSize);
+    title_ = makeLabel("lblCommTitle", tr("Link"));
+    QFont bold = font();
+    bold.setBold(true);
+    title_->setFont(bold);
+    line1_ = makeLabel("lblCommStatus1", tr("Link status, first line"));
+    line2_ = makeLabel("lblCommStatus2", tr("Link status, second line"));
+    activity_ = makeLabel("lblActivity", tr("Link activity"));
+    activity_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    activity_->setMinimumWidth(
+        activity_->fontMetrics().horizontalAdvance(QStringLiteral("{Transfer ONFLY} ")));
+    send_ = makeLamp("lblComm_Send_Icon", tr("TX"), tr("Send lamp"));
+    receive_ = makeLamp("lblComm_Rcv_Icon", tr("RX"), tr("Receive lamp"));
+
+    auto* grid = new QGridLayout(this);
+    const int gap = fontMetrics().height() / 4;
+    grid->setSpacing(gap);
+    grid->setContentsMargins(gap, gap, gap, gap);
+    grid->addWidget(imgNotify_, 0, 0, 2, 1);
+    grid->addWidget(title_, 0, 1);
+    grid->addWidget(send_, 0, 2);
+    grid->addWidget(receive_, 0, 3);
+    grid->addWidget(line1_, 1, 1);
+    grid->addWidget(activity_, 1, 2, 1, 2);
+    grid->addWidget(line2_, 2, 0, 1, 4);
+    grid->addWidget(makeFacts(), 3, 0, 1, 4);
+    grid->addWidget(makePortRow(std::move(ports)), 4, 0, 1, 4);
+    grid->addWidget(makeProgress(), 5, 0, 1, 4);
+    grid->setColumnStretch(1, 1);
+    grid->setRowStretch(6, 1);
+    render({});
+}
+
+QLabel* LinkPanel::makeLabel(const char* name, const QString& meaning) {
+    auto* label = new QLabel(this);
+    label->setObjectName(QLatin1String(name));
+    label->setAccessibleName(meaning);
+    label->setTextFormat(Qt::PlainText);
+    label->setTextInteractionFlags(Qt::NoTextInteraction);
+    // Long texts are cut, never allowed to push the panel wider.
+    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    label->setMinimumHeight(label->fontMetrics().height());
+    return label;
+}
+
+QLabel* LinkPanel::makeLamp(const char* name, const QString& text, const QString& meaning) {
+    QLabel* lamp = makeLabel(name, meaning);
+    lamp->setText(text);
+    lamp->setToolTip(meaning);
+    lamp->setAlignment(Qt::AlignCenter);
+    lamp->setAutoFillBackground(true);
+    lamp->setFrameShape(QFrame::Box);
+    lamp->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    lamp->setMinimumWidth(lamp->fontMetrics().horizontalAdvance(QStringLiteral("MMM")));
+    return lamp;
+}
+
+QWidget* LinkPanel::makeFacts() {
+    auto* facts = new QWidget(this);
+    auto* row = new QHBoxLayout(facts);
+    row->setContentsMargins(0, 0, 0, 0);
+    const auto add = [&](QLabel*& label, const char* name, const QString& caption, const QString& meaning,
+                         const char* widest, int stretch) {
+        auto* title = new QLabel(caption, facts);
+        row->addWidget(title);
+        label = makeLabel(name, meaning);
+        label->setSizePolicy(stretch > 0 ? QSizePolicy::Ignored : QSizePolicy::Fixed, QSizePolicy::Fixed);
+        label->setMinimumWidth(label->fontMetrics().horizontalAdvance(QLatin1String(widest)));
+        QFont bold = label->font();
+        bold.setBold(true);
+        label->setFont(bold);
+        row->addWidget(label, stretch);
+    };
+    add(unit_, "lblOrbUnit", tr("ORB"), tr("Unit on the link"), "A Stdd", 0);
+    add(serial_, "lblSerialNumber", tr("S/N"), tr("Serial number of the unit"), "0000000", 0);
+    add(firmware_, "lblFirmware", tr("F/W"), tr("Firmware of the unit"), "ZQA0000", 1);
+    return facts;
+}
+
+QWidget* LinkPanel::makePortRow(std::function<std::vector<PortInfo>()> ports) {
+    auto* area = new QWidget(this);
+    auto* row = new QHBoxLayout(area);
+    row->setContentsMargins(0, 0, 0, 0);
+    auto* caption = new QLabel(tr("&Port"), area);
+    port_ = makeLabel("lblCOMM", tr("Port in use"));
+    port_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    port_->setMinimumWidth(digitsWidth(port_->fontMetrics(), 3));
+    ports_ = new PortCombo(std::move(ports), area);
+    caption->setBuddy(ports_);
+    autoDetect_ = new QPushButton(tr("Auto &Detect Port"), area);
+    autoDetect_->setObjectName(QStringLiteral("cmdAutoDetectPort"));
+    autoDetect_->setAccessibleName(tr("Auto Detect Port"));
+    autoDetect_->setToolTip(tr("Search ports 1 to 12 for a unit"));
+    row->addWidget(caption);
+    row->addWidget(port_);
+    row->addWidget(ports_, 1);
+    row->addWidget(autoDetect_);
+    connect(autoDetect_, &QPushButton::clicked, this, &LinkPanel::autoDetectAsked);
+    connect(ports_, &QComboBox::activated, this, [this] { Q_EMIT portChosen(ports_->selectedNumber()); });
+    return area;
+}
+
+QWidget* LinkPanel::makeProgress() {
+    auto* area = new QWidget(this);
+    auto* row = new QHBoxLayout(area);
+    row->setContentsMargins(0, 0, 0, 0);
+    message_ = makeLabel("lblProgress_Message", tr("Progress message"));
+    message_->setText(tr("Processing . . . Please Wait!"));
+    progress_ = new QProgressBar(area);
+    progress_->setObjectName(QStringLiteral("ProgressBar1"));
+    progress_->setAccessibleName(tr("Progress"));
+    progress_->setRange(0, 100);
+    progress_->setTextVisible(false);
+    percentage_ = makeLabel("lblProgress_Percentage", tr("Progress in percent"));
+    percentage_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    percentage_->setMinimumWidth(percentage_->fontMetrics().horizontalAdvance(QStringLiteral("100%")));
+    percentage_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    for (QWidget* widget : {static_cast<QWidget*>(progress_), static_cast<QWidget*>(percentage_),
+                            static_cast<QWidget*>(message_)}) {
+        keepPlace(widget);
+    }
+    row->addWidget(message_, 1);
+    row->addWidget(progress_, 1);
+    row->addWidget(percentage_);
+    return area;
+}
+
+void LinkPanel::render(const LinkStatus& status) {
+    if (status.image != image_ || imgNotify_->pixmap(Qt::ReturnByValue).isNull()) showImage(status.image);
+    setText(title_, status.title);
+    setText(line1_, status.line1);
+    setText(line2_, status.line2);
+    line1_->setToolTip(line1_->text());
+    line2_->setToolTip(line2_->text());
+    setText(activity_, status.activity);
+    light(send_, status.send == Lamp::Sending, sendLampColor(), tr("at rest"), tr("sending"));
+    light(receive_, status.receive == Lamp::Received, receiveLampColor(), tr("at rest"), tr("received"));
+    setText(port_, status.port);
+    setText(unit_, status.unitLabel);
+    setText(serial_, status.serialNumber);
+    setText(firmware_, status.firmware);
+    progress_->setVisible(status.progressVisible);
+    percentage_->setVisible(status.progressVisible);
+    message_->setVisible(status.progressVisible);
+    progress_->setValue(status.progressPercent);
+    setText(percentage_, status.progressVisible ? numberText(status.progressPercent) + "%" : "");
+}
+
+void LinkPanel::showImage(LinkImage image) {
+    image_ = image;
+    const DisplayMode mode = appliedLook(*qApp);
+    imgNotify_->setPixmap(iconPixmap(iconName(image), iconColor(image, lookColors(mode)), imgNotify_->width(),
+                                     devicePixelRatioF()));
+    imgNotify_->setAccessibleDescription(iconName(image));
+}
+
+void LinkPanel::changeEvent(QEvent* event) {
+    QFrame::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && imgNotify_ != nullptr) showImage(image_);
+}
+
+}  // namespace zentaq

@@ -1,0 +1,77 @@
+// fraComm: the state of the link as lamps, texts and a progress bar, and the choice of the port.
+// It renders LinkStatus and knows nothing of the protocol.
+#pragma once
+
+#include <QComboBox>
+#include <QFrame>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <functional>
+#include <vector>
+
+#include "link/link_status.h"
+#include "platform/serial_port.h"
+
+namespace zentaq {
+
+/// The list of ports, read anew each time it opens.
+class PortCombo : public QComboBox {
+    Q_OBJECT
+
+ public:
+    PortCombo(std::function<std::vector<PortInfo>()> ports, QWidget* parent);
+
+    /// Reads the list anew and selects a port by its number.
+    void fill(int selected);
+    int selectedNumber() const { return currentData().toInt(); }
+    void showPopup() override;
+
+ private:
+    std::function<std::vector<PortInfo>()> ports_;
+};
+
+class LinkPanel : public QFrame {
+    Q_OBJECT
+
+ public:
+    LinkPanel(std::function<std::vector<PortInfo>()> ports, QWidget* parent);
+
+    void render(const LinkStatus& status);
+    PortCombo& ports() { return *ports_; }
+
+ Q_SIGNALS:
+    void autoDetectAsked();
+    void portChosen(int number);
+
+ protected:
+    void changeEvent(QEvent* event) override;
+
+ private:
+    QLabel* makeLabel(const char* name, const QString& meaning);
+    QLabel* makeLamp(const char* name, const QString& text, const QString& meaning);
+    QWidget* makeFacts();
+    QWidget* makePortRow(std::function<std::vector<PortInfo>()> ports);
+    QWidget* makeProgress();
+    void showImage(LinkImage image);
+
+    LinkImage image_ = LinkImage::None;
+    QLabel* imgNotify_ = nullptr;
+    QLabel* title_ = nullptr;
+    QLabel* line1_ = nullptr;
+    QLabel* line2_ = nullptr;
+    QLabel* activity_ = nullptr;
+    QLabel* send_ = nullptr;
+    QLabel* receive_ = nullptr;
+    QLabel* port_ = nullptr;
+    QLabel* unit_ = nullptr;
+    QLabel* serial_ = nullptr;
+    QLabel* firmware_ = nullptr;
+    PortCombo* ports_ = nullptr;
+    QPushButton* autoDetect_ = nullptr;
+    QProgressBar* progress_ = nullptr;
+    QLabel* percentage_ = nullptr;
+    QLabel* message_ = nullptr;
+};
+
+}  // namespace zentaq

@@ -1,0 +1,63 @@
+#include "windows/frm_config_page_view.h"
+
+#include <QApplication>
+#include <QHeaderView>
+
+#include "qt/look.h"
+
+namespace zentaq {
+
+namespace {
+
+enum Column { captionColumn, valueColumn, unitColumn, rangeColumn, memberColumn };
+constexpr int helpKeyRole = Qt::UserRole;
+
+/// Members of up to this many elements are shown open.
+constexpr std::size_t openElements = 20;
+
+}  // namespace
+
+PageView::PageView(QWidget* parent) : QTreeWidget(parent) {
+    setObjectName(QStringLiteral("lstPage"));
+    setAccessibleName(tr("Values of the page"));
+    setHeaderLabels({tr("Parameter"), tr("Value"), tr("Unit"), tr("Range"), tr("Member")});
+    setAlternatingRowColors(true);
+    setUniformRowHeights(true);
+    setEditTriggers(NoEditTriggers);
+    header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    header()->setStretchLastSection(true);
+}
+
+void PageView::show(const std::vector<PageRow>& rows, bool onTheFly) {
+    setUpdatesEnabled(false);
+    clear();
+    for (const PageRow& row : rows) {
+        auto* item = new QTreeWidgetItem(this);
+        add(item, row, onTheFly);
+        for (const PageRow& element : row.elements) add(new QTreeWidgetItem(item), element, onTheFly);
+        item->setExpanded(row.elements.size() <= openElements);
+    }
+    if (topLevelItemCount() > 0) setCurrentItem(topLevelItem(0));
+    setUpdatesEnabled(true);
+}
+
+void PageView::add(QTreeWidgetItem* item, const PageRow& row, bool onTheFly) {
+    item->setText(captionColumn, QString::fromStdString(row.caption));
+    item->setText(valueColumn, QString::fromStdString(row.value));
+    item->setText(unitColumn, QString::fromStdString(row.unit));
+    item->setText(rangeColumn, QString::fromStdString(row.range));
+    item->setText(memberColumn, QString::fromStdString(row.member));
+    // Texts of rows that are no member read from the left.
+    if (!row.member.empty()) item->setTextAlignment(valueColumn, Qt::AlignRight | Qt::AlignVCenter);
+    item->setData(captionColumn, helpKeyRole, QString::fromStdString(row.helpKey));
+    if (!onTheFly || !row.onTheFly) return;
+    const LookColors colors = lookColors(appliedLook(*qApp));
+    item->setBackground(valueColumn, colors.highlight);
+    item->setForeground(valueColumn, colors.highlightText);
+}
+
+QString PageView::helpKey() const {
+    return currentItem() == nullptr ? QString() : currentItem()->data(captionColumn, helpKeyRole).toString();
+}
+
+}  // namespace zentaq

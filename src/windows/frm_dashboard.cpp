@@ -1,0 +1,281 @@
+#include "windows/frm_dashboard.h"
+
+#include <QVBoxLayout>
+#include <array>
+
+#include "link/poller.h"
+
+namespace zentaq {
+namespace {
+
+constexpr int flashMs = 350;
+constexpr int codeStepMs = 1500;
+constexpr int kindPzk2 = 5;
+constexpr int highRevScale = 18000;
+
+struct NeedleName {
+    Needle needle;
+    const char* name;
+};
+constexpr std::array needles{NeedleName{Needle::Tachometer, "Tachometer"},
+                             NeedleName{Needle::TPS, "TPS"},
+                             NeedleName{Needle::MAT, "MAT"},
+                             NeedleName{Needle::Coolant, "Coolant"},
+                             NeedleName{Needle::VOLT, "VOLT"},
+                             NeedleName{Needle::AFR, "AFR"},
+                             NeedleName{Needle::IAC, "IAC"}};
+
+DialAngles dialAngles(int revScale) {
+    DialAngles angles;
+    angles.revScale = revScale;
+    angles.tachometer =
+        revScale == highRevScale
+            ? DialAngle([](double rpm) { return tachAngle(static_cast<float>(rpm), highRevScale); })
+            : DialAngle([](double rpm) { return tachAngle(static_cast<float>(rpm), 9000); });
+    angles.throttle = [](double volts) { return throttleAngle(static_cast<float>(volts)); };
+    angles.volt = [](double volts) { return voltAngle(static_cast<float>(volts)); };
+    angles.idle = [](double percent) { return idleAngle(static_cast<float>(percent)); };
+    angles.coolant = [](double celsius) { return temperatureAngle(static_cast<float>(celsius)); };
+    angles.manifoldAir = angles.coolant;
+    angles.mixture = [](double ratio) { return afrAngle(static_cast<float>(ratio), std::nullopt); };
+    return angles;
+}
+
+/// Units of the readings in the short signs of an instrument.
+QString sign(const std::string& unit) {
+    if (unit == "deg") return QStringLiteral("\u00B0");
+    if (unit == "C" || unit == "F") return QStringLiteral("\u00B0") + QString::fromStdString(unit);
+    if (unit == "v") return QStringLiteral("V");
+    return QString::fromStdString(unit);
+}
+
+std::optional<QColor> lampColor(std::int32_t color) {
+    if (color == colours::black) return std::nullopt;
+    return colorOfNumber(color);
+}
+
+}  // namespace
+
+FrmDashBoard::FrmDashBoard(Session& session, MainCommands& commands, QWidget* parent)
+    : QWidget(parent),
+      session_(session),
+      commands_(commands),
+      panel_(new FrmDashBoardPanel(dialAngles(gauges_.revScale()), this)),
+      tmrUpdate_(new QTimer(this)),
+      flashTimer_(new QTimer(this)),
+      tmrCHKE_Status_(new QTimer(this)),
+      redraw_(new RedrawGate(
+          session.platform().clock, [this] { draw(); }, this)),
+      secondTabShowing_([] { return false; }) {
+    setObjectName("frmDashBoard");
+    setAccessibleName("Dashboard");
+    auto* whole = new QVBoxLayout(this);
+    whole->setContentsMargins(0, 0, 0, 0);
+    whole->addWidget(panel_);
+
+    tmrUpdate_->setObjectName("tmrUpdate");
+    tmrUpdate_->setTimerType(Qt::PreciseTimer);
+    connect(tmrUpdate_, &QTimer::timeout, this, &FrmDashBoard::poll);
+    flashTimer_->setObjectName("flashTimer");
+    flashTimer_->setInterval(flashMs);
+    connect(flashTimer_, &QTimer::timeout, this, &FrmDashBoard::flash);
+    tmrCHKE_Status_->setObjectName("tmrCHKE_Status");
+    tmrCHKE_Status_->setInterval(codeStepMs);
+    connect(tmrCHKE_Status_, &QTimer::timeout, this, &FrmDashBoard::stepCodes);
+    connect(panel_->lstGPO, &QListWidget::currentRowChanged, this, &FrmDashBoard::showChosenPin);
+    panel_->btnShowDetail->setEnabled(false);
+
+    nameReadings();
+    dashLights_ = storedColor(QString::fromStdString(session.settings().get("System", "DashLights")));
+    needleColor_ = storedColor(QString::fromStdString(session.settings().get("System", "NeedleColor")));
+    setMode(session.dayMode());
+    Reset_Dashboard();
+}
+
+void FrmDashBoard::startTimers() {
+    tmrUpdate_->start(pollIntervalMs(session_.settings()));
+    tmrCHKE_Status_->start();
+}
+
+void FrmDashBoard::Kill_Timers() {
+    tmrUpdate_->stop();
+    flashTimer_->stop();
+    tmrCHKE_Status_->stop();
+    redraw_->cancel();
+}
+
+void FrmDashBoard::poll() {
+    session_.poll(secondTabShowing_());
+    showLinkState();
+}
+
+void FrmDashBoard::showLinkState() {
+    const LinkStatus& status = session_.link.status();
+    panel_->showNoConnect(status.noConnectPanel, QString::fromStdString(status.noConnectText));
+}
+
+// ---- Colours
+
+void FrmDashBoard::Day_Mode() {
+    setMode(true);
+}
+void FrmDashBoard::Night_Mode() {
+    setMode(false);
+}
+
+void FrmDashBoard::setMode(bool day) {
+    day_ = day;
+    applyColors();
+}
+
+void FrmDashBoard::Set_DashBoard_Color(const std::string& color) {
+    dashLights_ = storedColor(QString::fromStdString(color));
+    applyColors();
+}
+
+void FrmDashBoard::Set_Needle_Color(const std::string& color) {
+    needleColor_ = storedColor(QString::fromStdString(color));
+    applyColors();
+}
+
+void FrmDashBoard::Set_Label_Color(const std::string& color) {
+    labelLights_ = storedColor(QString::fromStdString(color));
+    applyColors();
+}
+
+void FrmDashBoard::applyColors() {
+    colors_ = dashColors(day_);
+    colors_.lights = dashLights_.value_or(colors_.lights);
+    colors_.needle = needleColor_.value_or(colors_.needle);
+    colors_.labels = labelLights_.value_or(colors_.labels);
+    panel_->setColors(colors_);
+}
+
+// ---- Display
+
+Unit& FrmDashBoard::shownUnit() {
+    const int linked = session_.link.linked().LinkedUnitKind;
+    return session_.hasUnit(linked) ? session_.Units(linked) : session_.currentUnitObject();
+}
+
+void FrmDashBoard::unitKindFound() {
+    const bool fuel = shownUnit().kind().slot != kindPzk2;
+    panel_->showFuel(fuel);
+    panel_->btnShowDetail->setVisible(fuel);
+    nameReadings();
+}
+
+void FrmDashBoard::draw() {
+    ++redraws_;
+    Unit& unit = shownUnit();
+    const DashboardSettings settings = DashboardSettings::from(session_.settings());
+    gauges_.UPDATE_DISPLAY(session_.live, unit, settings);
+    drawNeedles();
+    drawReadings();
+    drawAlarms();
+}
+
+void FrmDashBoard::drawNeedles() {
+    panel_->setAngles(dialAngles(gauges_.revScale()));
+    for (const auto& [needle, name] : needles) panel_->gauge(name).setAngle(gauges_.angle(needle));
+    panel_->gauge("AFR").setNeedleColor(colorOfNumber(gauges_.afrColour()));
+    panel_->checkEngineLamp->light(lampColor(gauges_.checkEngineColour()));
+    // Without a calibration there is no limiter to exceed, only the 0 of an empty cell.
+    const bool knownLimiter = shownUnit().get("REV_Limiter") > 0;
+    panel_->overRevLamp->light(knownLimiter ? lampColor(gauges_.overRevColour()) : std::nullopt);
+}
+
+void FrmDashBoard::drawReadings() {
+    const auto readings =
+        dashboardReadings(session_.live, shownUnit(), DashboardSettings::from(session_.settings()));
+    for (const auto& reading : readings) {
+        LiveLabel* label = panel_->findLabel(QString::fromStdString(reading.name));
+        if (label == nullptr) continue;
+        label->setText(reading.name == "lblTemp" ? sign(reading.text) : QString::fromStdString(reading.text));
+        label->setUnit(sign(reading.unit));
+    }
+    drawPins(readings);
+}
+
+void FrmDashBoard::drawPins(const std::vector<DashboardReading>& readings) {
+    int row = 0;
+    for (const auto& reading : readings) {
+        if (reading.name.rfind("GPIO", 0) != 0) continue;
+        if (row == panel_->lstGPO->count()) panel_->lstGPO->addItem(QString());
+        QListWidgetItem* item = panel_->lstGPO->item(row++);
+        const QString text = QString::fromStdString(reading.caption + "  " + reading.text);
+        if (item->text() != text) item->setText(text);
+    }
+    while (panel_->lstGPO->count() > row) delete panel_->lstGPO->takeItem(row);
+    if (panel_->lstGPO->currentRow() < 0 && row > 0) panel_->lstGPO->setCurrentRow(0);
+    showChosenPin();
+}
+
+void FrmDashBoard::showChosenPin() {
+    const QListWidgetItem* item = panel_->lstGPO->currentItem();
+    const QString text = item == nullptr ? QString() : item->text();
+    if (panel_->txtGPIO->text() == text) return;
+    panel_->txtGPIO->setText(text);
+    panel_->txtGPIO->setCursorPosition(0);
+}
+
+void FrmDashBoard::drawAlarms() {
+    const bool any = gauges_.cltAlarm() || gauges_.matAlarm();
+    if (!gauges_.cltAlarm()) panel_->label("lblCLT").setAlarm(std::nullopt);
+    if (!gauges_.matAlarm()) panel_->label("lblMAT").setAlarm(std::nullopt);
+    if (any == flashTimer_->isActive()) return;
+    if (any) {
+        flashTimer_->start();
+        flash();
+    } else {
+        flashTimer_->stop();
+    }
+}
+
+void FrmDashBoard::flash() {
+    const QColor color = colorOfNumber(gauges_.flash());
+    if (gauges_.cltAlarm()) panel_->label("lblCLT").setAlarm(color);
+    if (gauges_.matAlarm()) panel_->label("lblMAT").setAlarm(color);
+}
+
+void FrmDashBoard::Reset_Dashboard() {
+    redraw_->cancel();
+    const int revScale = gauges_.revScale();
+    gauges_ = Gauges();
+    gauges_.revScale(revScale);
+    gauges_.Reset_Dashboard();
+    drawNeedles();
+    panel_->gauge("AFR").setNeedleColor(std::nullopt);
+    panel_->emptyLabels();
+    panel_->lstGPO->clear();
+    showChosenPin();
+    drawAlarms();
+}
+
+// ---- Check-engine codes
+
+void FrmDashBoard::codesChanged() {
+    if (session_.codes.empty()) {
+        panel_->lblCheckEngine->clear();
+    } else if (panel_->lblCheckEngine->text().isEmpty()) {
+        stepCodes();
+    }
+}
+
+void FrmDashBoard::stepCodes() {
+    const auto code = session_.codes.step();
+    const QString text = code ? QString::fromStdString(code->top + '\n' + code->bottom) : QString();
+    if (panel_->lblCheckEngine->text() != text) panel_->lblCheckEngine->setText(text);
+}
+
+/// Captions of the core, in full, as tips and for a screen reader.
+void FrmDashBoard::nameReadings() {
+    const auto readings =
+        dashboardReadings(session_.live, shownUnit(), DashboardSettings::from(session_.settings()));
+    for (const auto& reading : readings) {
+        LiveLabel* label = panel_->findLabel(QString::fromStdString(reading.name));
+        if (label != nullptr) label->setMeaning(QString::fromStdString(reading.caption));
+    }
+}
+
+}  // namespace zentaq

@@ -1,0 +1,85 @@
+// frmDashBoard: the live instrument panel, and the timer that polls the unit.
+// Angles, texts, alarms and codes come from the core; this window puts them on the panel.
+#pragma once
+
+#include "app/main_commands.h"
+#include "app/session.h"
+#include "live/dashboard_readings.h"
+#include "live/gauges.h"
+
+#include <QTimer>
+#include <QWidget>
+#include <functional>
+#include <string>
+
+#include "windows/frm_dashboard_panel.h"
+#include "windows/redraw_gate.h"
+
+namespace zentaq {
+
+class FrmDashBoard : public QWidget {
+    Q_OBJECT
+
+ public:
+    FrmDashBoard(Session& session, MainCommands& commands, QWidget* parent = nullptr);
+
+    /// Starts polling at the rate of the setting ADUR; again after the setting has changed.
+    void startTimers();
+    void Kill_Timers();
+    /// Tells whether `sstConfig` shows its second tab, which the poller wants to know. False until set.
+    void secondTabShowing(std::function<bool()> showing) { secondTabShowing_ = std::move(showing); }
+
+    void Day_Mode();
+    void Night_Mode();
+    /// Colours as stored: red + 256 * green + 65536 * blue in decimal; another text takes the mode's own.
+    void Set_DashBoard_Color(const std::string& color);
+    void Set_Needle_Color(const std::string& color);
+    void Set_Label_Color(const std::string& color);
+
+    /// News from the unit. Drawn at once or, within a frame of the last drawing, a little later.
+    void UPDATE_DISPLAY() { redraw_->request(); }
+    /// All needles at rest, labels empty, no alarm.
+    void Reset_Dashboard();
+    /// The check-engine list has changed.
+    void codesChanged();
+    /// Shows or hides fraNoConnect as the link says.
+    void showLinkState();
+    /// The face follows the unit on the link.
+    void unitKindFound();
+
+    FrmDashBoardPanel& panel() { return *panel_; }
+    /// How often the display was brought up to date.
+    int redraws() const { return redraws_; }
+
+ private:
+    void poll();
+    void flash();
+    void stepCodes();
+    void draw();
+    void drawNeedles();
+    void drawReadings();
+    void drawPins(const std::vector<DashboardReading>& readings);
+    void showChosenPin();
+    void drawAlarms();
+    void setMode(bool day);
+    void applyColors();
+    void nameReadings();
+    /// The unit on the link, else the calibration in hand: its object holds the decoded frames.
+    Unit& shownUnit();
+
+    Session& session_;
+    MainCommands& commands_;
+    Gauges gauges_;
+    FrmDashBoardPanel* panel_;
+    QTimer* tmrUpdate_;
+    QTimer* flashTimer_;
+    QTimer* tmrCHKE_Status_;
+    RedrawGate* redraw_;
+    std::function<bool()> secondTabShowing_;
+    DashColors colors_;
+    bool day_ = false;
+    std::optional<QColor> dashLights_, needleColor_, labelLights_;
+    int redraws_ = 0;
+};
+
+}  // namespace zentaq

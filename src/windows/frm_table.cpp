@@ -1,0 +1,777 @@
+#include "windows/frm_table.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QCloseEvent>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QItemSelectionModel>
+#include <QMenu>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <QValidator>
+
+#include "base/number_text.h"
+
+namespace zentaq {
+namespace {
+
+constexpr std::size_t mostHeldKeys = 64;
+constexpr auto dockCaption = "Dock          ";
+constexpr auto undockCaption = "Undock        ";
+constexpr auto headerBoxTitle = "Table Setup";
+
+/// Lets through what may be typed on the way to a number.
+class TypingValidator : public QValidator {
+ public:
+    using QValidator::QValidator;
+    State validate(QString& text, int&) const override {
+        return TableModel::mayBeTyped(text.toStdString()) ? Acceptable : Invalid;
+    }
+};
+
+bool isEnter(const QKeyEvent& event) {
+    return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+}
+
+bool isPlain(const QKeyEvent& event) {
+    return (event.modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) == 0;
+}
+
+/// The one printable ASCII character of a key press, or 0.
+char typedCharacter(const QKeyEvent& event) {
+    const QString text = event.text();
+    if (!isPlain(event) || text.size() != 1) return 0;
+    const char16_t letter = text.front().unicode();
+    return letter >= u' ' && letter <= u'~' ? static_cast<char>(letter) : '\0';
+}
+
+bool isClipboardKey(const QKeyEvent& event) {
+    return event.matches(QKeySequence::Copy) || event.matches(QKeySequence::Cut) ||
+           event.matches(QKeySequence::Paste);
+}
+
+bool movesCursor(int key) {
+    return (key >= Qt::Key_Home && key <= Qt::Key_PageDown) || key == Qt::Key_Tab || key == Qt::Key_Backtab;
+}
+
+}  // namespace
+
+FrmTable::FrmTable(Session& session, MainCommands& commands, QWidget* parent)
+    : QWidget(parent), session_(session), commands_(commands) {
+    setObjectName("frmTABLE");
+    setAccessibleName("Table");
+    redraw_ = new RedrawGate(
+        session.platform().clock, [this] { drawLive(); }, this);
+    makeToolbar();
+    Grid1_ = new TableGridView(this);
+    Grid1_->setObjectName("Grid1");
+    Grid1_->setAccessibleName("Cells of the table");
+    Grid1_->installEventFilter(this);
+    Grid1_->viewport()->installEventFilter(this);
+    txtInputValue_ = new QLineEdit(Grid1_->viewport());
+    txtInputValue_->setObjectName("txtInputValue");
+    txtInputValue_->setAccessibleName("New value of the selected cells");
+    txtInputValue_->setFrame(false);
+    txtInputValue_->setAlignment(Qt::AlignRight);
+    txtInputValue_->setValidator(new TypingValidator(txtInputValue_));
+    txtInputValue_->installEventFilter(this);
+    txtInputValue_->hide();
+
+    auto* whole = new QVBoxLayout(this);
+    whole->setContentsMargins(0, 0, 0, 0);
+    whole->setSpacing(2);
+    whole->addWidget(Toolbar1_);
+    whole->addWidget(Grid1_, 1);
+    setFocusProxy(Grid1_);
+
+    connect(Grid1_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &FrmTable::selectionChanged);
+    connect(Grid1_->selectionModel(), &QItemSelectionModel::currentChanged, this,
+            &FrmTable::selectionChanged);
+    connect(Grid1_, &QTableView::doubleClicked, this, &FrmTable::cellDoubleClicked);
+    connect(Grid1_, &TableGridView::resized, this, &FrmTable::placeEdit);
+    connect(Grid1_->horizontalHeader(), &QHeaderView::sectionDoubleClicked, this,
+            [this](int section) { headerDoubleClicked(0, section + 1); });
+    connect(Grid1_->verticalHeader(), &QHeaderView::sectionDoubleClicked, this,
+            [this](int section) { headerDoubleClicked(section + 1, 0); });
+    setMode(appliedLook(*qApp));
+    session_.sysLog("TABLE App. Loaded.");
+}
+
+FrmTable::~FrmTable() {
+    // Children outlive this part of the object; their last focus events are no business of the form any more.
+    Grid1_->removeEventFilter(this);
+    Grid1_->viewport()->removeEventFilter(this);
+    txtInputValue_->removeEventFilter(this);
+    txtTOG_->removeEventFilter(this);
+    txtIOT_->removeEventFilter(this);
+    Grid1_->selectionModel()->disconnect(this);
+    Grid1_->cells().show(nullptr);
+    session_.sysLog("TABLE App. Terminated.");
+}
+
+// ---- Toolbar
+
+void FrmTable::makeToolbar() {
+    Toolbar1_ = new QToolBar(this);
+    Toolbar1_->setObjectName("Toolbar1");
+    Toolbar1_->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    lblTitle_ = new QLabel(Toolbar1_);
+    lblTitle_->setObjectName("lblTitle");
+    QFont bold = lblTitle_->font();
+    bold.setBold(true);
+    lblTitle_->setFont(bold);
+    lblTitle_->setContentsMargins(6, 0, 12, 0);
+    Toolbar1_->addWidget(lblTitle_);
+    addButton("Home", "Home", "Show the values with the lowest row at the bottom", &FrmTable::home);
+    addButton("Save", "Save", "Write the grid back to the calibration", &FrmTable::save);
+    makeColourMenu();
+    makeTableMenu();
+    addLater("Manage", "Manage");
+    addLater("Print", "Print");
+    addButton("Docking", undockCaption, "Inside the main window, or a window of its own",
+              &FrmTable::toggleDocking);
+    addButton("Close", "Close", "Close the table (X)", &FrmTable::closeTable);
+    Toolbar1_->addWidget(makeFields());
+}
+
+QAction* FrmTable::addButton(const QString& key, const QString& caption, const QString& tip,
+                             void (FrmTable::*run)()) {
+    QAction* action = Toolbar1_->addAction(caption, this, run);
+    action->setObjectName(key);
+    action->setToolTip(tip);
+    actions_[key] = action;
+    return action;
+}
+
+void FrmTable::addLater(const QString& key, const QString& caption) {
+    QAction* action = Toolbar1_->addAction(caption);
+    action->setObjectName(key);
+    action->setEnabled(false);
+    actions_[key] = action;
+}
+
+QAction* FrmTable::addItem(QMenu* menu, const QString& key, const QString& caption, void (FrmTable::*run)()) {
+    QAction* action = menu->addAction(caption, this, run);
+    action->setObjectName(key);
+    actions_[key] = action;
+    return action;
+}
+
+void FrmTable::makeColourMenu() {
+    auto* button = new QToolButton(Toolbar1_);
+    button->setText("Overlay");
+    button->setObjectName("Overlay");
+    button->setPopupMode(QToolButton::InstantPopup);
+    auto* menu = new QMenu(button);
+    addItem(menu, "Colors", "Turn Overlay OFF", &FrmTable::toggleColors);
+    addItem(menu, "ColorsNorm", "Normal Colors", &FrmTable::colorsNorm)->setCheckable(true);
+    addItem(menu, "ColorsAFR", "AFR Colors", &FrmTable::colorsAfr)->setCheckable(true);
+    addItem(menu, "ColorsPersist", "Color Persist ON", &FrmTable::colorsPersist);
+    addItem(menu, "ColorsWhiteOut", "White Out", &FrmTable::colorsWhiteOut);
+    button->setMenu(menu);
+    Toolbar1_->addWidget(button);
+}
+
+void FrmTable::makeTableMenu() {
+    auto* button = new QToolButton(Toolbar1_);
+    button->setText("View");
+    button->setObjectName("View");
+    button->setPopupMode(QToolButton::InstantPopup);
+    auto* menu = new QMenu(button);
+    addItem(menu, "Pulsewidth", "Pulse Width (P)", &FrmTable::pulsewidth)->setCheckable(true);
+    addItem(menu, "DutyCycle", "Duty Cycle (D)", &FrmTable::dutyCycle)->setCheckable(true);
+    addItem(menu, "Absolute", "Absolute VE (A)", &FrmTable::absolute)->setCheckable(true);
+    addItem(menu, "Invert", "Invert Rows", &FrmTable::invert)->setCheckable(true);
+    menu->addSeparator();
+    addItem(menu, "Reset", "Reset", &FrmTable::resetTable);
+    addItem(menu, "Discard", "Discard Changes", &FrmTable::discard);
+    button->setMenu(menu);
+    Toolbar1_->addWidget(button);
+}
+
+QLineEdit* FrmTable::makeTimeField(const QString& name, const QString& meaning) {
+    auto* field = new QLineEdit(Toolbar1_);
+    field->setObjectName(name);
+    field->setAccessibleName(meaning);
+    field->setToolTip(meaning);
+    field->setAlignment(Qt::AlignRight);
+    field->setMaximumWidth(field->fontMetrics().averageCharWidth() * 9);
+    field->setValidator(new TypingValidator(field));
+    field->installEventFilter(this);
+    return field;
+}
+
+QWidget* FrmTable::makeFields() {
+    auto* fields = new QWidget(Toolbar1_);
+    auto* row = new QHBoxLayout(fields);
+    row->setContentsMargins(12, 0, 6, 0);
+    const auto label = [&](const QString& name, const QString& text) {
+        auto* made = new QLabel(text, fields);
+        made->setObjectName(name);
+        row->addWidget(made);
+        return made;
+    };
+    lblTOG_ = label("lblTOG", "TOG:");
+    txtTOG_ = makeTimeField("txtTOG", "Time of gap");
+    row->addWidget(txtTOG_);
+    lblIOT_ = label("lblIOT", "IOT:");
+    txtIOT_ = makeTimeField("txtIOT", "Injector on time");
+    row->addWidget(txtIOT_);
+    lblDspTable_ = label("lblDspTable", {});
+    lblDspTableVal_ = label("lblDspTableVal", {});
+    lblDspTableVal_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    lblDspTableVal_->setMinimumWidth(digitsWidth(lblDspTableVal_->fontMetrics(), 5));
+    row->addStretch(1);
+    axisLabel_ = label("Label2", "x-axis");
+    fields->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    return fields;
+}
+
+// ---- Building
+
+void FrmTable::Setup_Grid(const std::string& table, const std::string& title) {
+    closeEdit();
+    held_.clear();
+    Unit& unit = session_.currentUnitObject();
+    if (!model_ || unit_ != &unit) {
+        Grid1_->cells().show(nullptr);
+        model_ = std::make_unique<TableModel>(unit, ecu_, session_.live, paintMemory_);
+        unit_ = &unit;
+    }
+    model_->colourMode(session_.TableColorMode == 1 ? TableColour::Afr : TableColour::Normal);
+    model_->Setup_Grid(table, title, model_->inverted());
+    const QSignalBlocker quiet(Grid1_->selectionModel());
+    Grid1_->cells().show(&model_->grid());
+    Grid1_->placeMarker(false, 1, 1);
+    showAll();
+    sizeColumns();
+    showCursor();
+}
+
+void FrmTable::showUnit() {
+    if (!model_ || unit_ != &session_.currentUnitObject()) return;
+    closeEdit();
+    if (model_->view() == TableView::Values) model_->rebuild();
+    showAll();
+    sizeColumns();
+}
+
+void FrmTable::sizeColumns() {
+    Grid1_->sizeColumns(session_.settings().get("System", "Column_Type") == "1");
+}
+
+void FrmTable::showAll() {
+    const QString title = QString::fromStdString(model_->title());
+    lblTitle_->setText(title);
+    setWindowTitle(docked_ ? QString() : title);
+    Grid1_->setAccessibleName(title);
+    Grid1_->cells().refresh();
+    showTimes();
+    showItems();
+    showCursor();
+}
+
+void FrmTable::showTimes() {
+    if (!txtTOG_->hasFocus()) txtTOG_->setText(QString::fromStdString(model_->timeOfGap()));
+    if (!txtIOT_->hasFocus()) txtIOT_->setText(QString::fromStdString(model_->injectorOn()));
+}
+
+void FrmTable::showItems() {
+    const ToolbarItems items = model_->toolbarItems();
+    for (const auto* key : {"Colors", "ColorsNorm", "ColorsAFR", "ColorsPersist", "ColorsWhiteOut"}) {
+        actions_.at(key)->setEnabled(items.onFlyItems);
+    }
+    for (const auto* key : {"Pulsewidth", "DutyCycle"}) actions_.at(key)->setVisible(items.fuelViews);
+    for (QWidget* field : std::initializer_list<QWidget*>{lblTOG_, txtTOG_, lblIOT_, txtIOT_}) {
+        field->setVisible(items.fuelViews);
+    }
+    actions_.at("Colors")->setText(QString::fromStdString(items.overlayItem));
+    actions_.at("Absolute")->setVisible(model_->table() == "VE");
+    actions_.at("Absolute")->setChecked(model_->absoluteVe());
+    actions_.at("Pulsewidth")->setChecked(model_->view() == TableView::PulseWidth);
+    actions_.at("DutyCycle")->setChecked(model_->view() == TableView::DutyCycle);
+    actions_.at("Invert")->setChecked(model_->inverted());
+    actions_.at("Invert")->setEnabled(!items.axisButtons);
+    actions_.at("ColorsNorm")->setChecked(model_->colourMode() == TableColour::Normal);
+    actions_.at("ColorsAFR")->setChecked(model_->colourMode() == TableColour::Afr);
+    actions_.at("Docking")->setText(docked_ ? undockCaption : dockCaption);
+    lblDspTable_->setText(QString::fromStdString(items.displayCaption));
+    lblDspTable_->setVisible(!items.displayCaption.empty());
+    lblDspTableVal_->setVisible(!items.displayCaption.empty());
+    axisLabel_->setText(items.axisButtons ? QString::fromStdString(items.columnAxis)
+                                          : QStringLiteral("x-axis"));
+}
+
+void FrmTable::Load_Command(int command) {
+    if (command == 1) Q_EMIT dockingAsked(docked_);
+    if (command == 3 && model_) showItems();
+}
+
+void FrmTable::setMode(DisplayMode mode) {
+    Grid1_->setMode(mode);
+    const LookColors look = lookColors(mode);
+    txtInputValue_->setStyleSheet(
+        QStringLiteral("border: 2px solid %1; background: %2; color: %3; padding: 0px; margin: 0px;")
+            .arg(look.accent.name(), look.surface.name(), look.text.name()));
+}
+
+void FrmTable::setDocked(bool docked) {
+    docked_ = docked;
+    if (model_) showAll();
+}
+
+// ---- Cursor and selection
+
+void FrmTable::showCursor() {
+    const QModelIndex cell = Grid1_->cells().index(model_->currentRow() - 1, model_->currentColumn() - 1);
+    if (cell == Grid1_->currentIndex() || model_->selection().present) return;
+    syncing_ = true;
+    Grid1_->selectionModel()->setCurrentIndex(cell, QItemSelectionModel::ClearAndSelect);
+    syncing_ = false;
+}
+
+void FrmTable::selectionChanged() {
+    if (syncing_ || !model_) return;
+    const QModelIndex current = Grid1_->currentIndex();
+    if (!current.isValid()) return;
+    if (txtInputValue_->isVisible()) leaveEdit();
+    const int row = current.row() + 1;
+    const int column = current.column() + 1;
+    const QItemSelection chosen = Grid1_->selectionModel()->selection();
+    if (chosen.isEmpty() || !chosen.contains(current)) {
+        model_->select(row, column, row, column);
+        return;
+    }
+    const QItemSelectionRange& block = chosen.first();
+    // The corner across from the current cell; between two corners the far one makes the block.
+    const int otherRow = row == block.top() + 1 ? block.bottom() + 1 : block.top() + 1;
+    const int otherColumn = column == block.left() + 1 ? block.right() + 1 : block.left() + 1;
+    model_->select(row, column, otherRow, otherColumn);
+}
+
+// ---- Events
+
+bool FrmTable::eventFilter(QObject* watched, QEvent* event) {
+    if (model_) {
+        if (watched == Grid1_ && gridEvent(event)) return true;
+        if (watched == Grid1_->viewport() && viewportEvent(event)) return true;
+        if (watched == txtInputValue_ && boxEvent(event)) return true;
+        if (watched == txtTOG_ && timeFieldEvent(txtTOG_, event)) return true;
+        if (watched == txtIOT_ && timeFieldEvent(txtIOT_, event)) return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+bool FrmTable::gridEvent(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride) {
+        // The edit menu has the same keys; on the grid they mean its cells.
+        if (isClipboardKey(*static_cast<QKeyEvent*>(event))) event->accept();
+        return false;
+    }
+    if (event->type() != QEvent::KeyPress) return false;
+    const auto& key = *static_cast<QKeyEvent*>(event);
+    return locked_ ? hold(key) : gridKey(key);
+}
+
+/// While a change is on its way the grid takes no clicks.
+bool FrmTable::viewportEvent(const QEvent* event) const {
+    return locked_ &&
+           (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick);
+}
+
+bool FrmTable::gridKey(const QKeyEvent& event) {
+    if (event.matches(QKeySequence::Copy) || event.matches(QKeySequence::Cut)) {
+        copy();  // Kept: "X" removes nothing.
+        return true;
+    }
+    if (event.matches(QKeySequence::Paste)) {
+        paste();
+        return true;
+    }
+    if (const char key = typedCharacter(event); key != 0) {
+        pressed(key);
+        return true;
+    }
+    if (movesCursor(event.key())) {
+        model_->Set_KeyDownFlag(true);
+        showItems();
+    }
+    return false;
+}
+
+bool FrmTable::boxEvent(QEvent* event) {
+    if (event->type() == QEvent::FocusOut) {
+        const auto reason = static_cast<QFocusEvent*>(event)->reason();
+        const bool windowOnly = reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason;
+        if (!committing_ && !windowOnly) leaveEdit();
+        return false;
+    }
+    if (event->type() != QEvent::KeyPress) return false;
+    const auto& key = *static_cast<QKeyEvent*>(event);
+    // Digits show up at once even while locked; only the change itself waits, and what is typed after it.
+    if (locked_ && (isEnter(key) || !held_.empty())) return hold(key);
+    if (isEnter(key)) {
+        commitEdit();
+        return true;
+    }
+    if (key.key() != Qt::Key_Escape) return false;
+    closeEdit();
+    Grid1_->setFocus();
+    return true;
+}
+
+// ---- The lock
+
+void FrmTable::onFlyLock(bool busy) {
+    if (busy == locked_) return;
+    locked_ = busy;
+    if (busy) return;
+    // An edit box that is open keeps the focus: the user has gone on typing meanwhile.
+    if (txtInputValue_->isVisible()) {
+        txtInputValue_->setFocus();
+    } else {
+        Grid1_->setFocus();
+    }
+    playBack();
+}
+
+bool FrmTable::hold(const QKeyEvent& event) {
+    // A held-down key would go on long after it was let go.
+    if (!event.isAutoRepeat() && held_.size() < mostHeldKeys) {
+        held_.push_back({event.key(), event.modifiers(), event.text()});
+    }
+    return true;
+}
+
+void FrmTable::playBack() {
+    while (!held_.empty() && !locked_) {
+        const HeldKey held = held_.front();
+        held_.pop_front();
+        QKeyEvent press(QEvent::KeyPress, held.key, held.modifiers, held.text);
+        QWidget* target = txtInputValue_->isVisible() ? static_cast<QWidget*>(txtInputValue_) : Grid1_;
+        QApplication::sendEvent(target, &press);
+    }
+}
+
+// ---- Keys
+
+void FrmTable::pressed(char key) {
+    const Selection block = model_->selection();
+    const std::string before = model_->grid().text(block.top, block.left);
+    const bool nudging = key == '.' || key == ',';
+    switch (model_->keyOnGrid(key)) {
+        case KeyResult::Unload:
+            close();
+            return;
+        case KeyResult::StartEdit:
+            openEdit(key);
+            break;
+        case KeyResult::Done:
+            // The first cell tells: a nudge stops at the first one that would leave its range.
+            if (nudging && model_->grid().text(block.top, block.left) != before) session_.markModified();
+            showAll();
+            if (!nudging) sizeColumns();
+            break;
+        case KeyResult::Ignored:
+            break;
+    }
+    if (!closing_) showItems();
+}
+
+// ---- Editing
+
+void FrmTable::openEdit(char key) {
+    const auto start = model_->startEdit(key);
+    if (!start) {
+        Grid1_->setFocus();
+        return;
+    }
+    txtInputValue_->setText(QString::fromStdString(start->text));
+    placeEdit();
+    txtInputValue_->show();
+    txtInputValue_->raise();
+    txtInputValue_->setFocus();
+    txtInputValue_->end(false);
+    if (start->selectedCharacters > 0) txtInputValue_->setSelection(0, start->selectedCharacters);
+}
+
+void FrmTable::placeEdit() {
+    if (!model_) return;
+    const QRect cell = Grid1_->cellRect(model_->currentRow(), model_->currentColumn());
+    const int room = txtInputValue_->fontMetrics().averageCharWidth() * 8;
+    txtInputValue_->setGeometry(cell.right() + 1 - std::max(cell.width(), room), cell.top(),
+                                std::max(cell.width(), room), cell.height());
+    if (txtInputValue_->x() < 0) txtInputValue_->move(0, cell.top());
+}
+
+void FrmTable::commitEdit() {
+    committing_ = true;
+    const bool accepted = model_->enterValue(txtInputValue_->text().toStdString());
+    committing_ = false;
+    if (accepted) {
+        closeEdit();
+        session_.markModified();
+        Grid1_->setFocus();
+        showAll();
+        return;
+    }
+    const std::string& old = model_->grid().text(model_->currentRow(), model_->currentColumn());
+    txtInputValue_->setText(QString::fromStdString(old));
+    txtInputValue_->show();
+    txtInputValue_->setFocus();
+    txtInputValue_->selectAll();
+}
+
+/// Kept: leaving the box puts its text into the cell with no check; the unit gets it with the next "Save".
+void FrmTable::leaveEdit() {
+    if (!txtInputValue_->isVisible()) return;
+    const int row = model_->currentRow();
+    const int column = model_->currentColumn();
+    model_->leaveEdit(txtInputValue_->text().toStdString());
+    closeEdit();
+    Grid1_->cells().refreshCell(row, column);
+}
+
+void FrmTable::closeEdit() {
+    // Hiding takes the focus away, which must not count as leaving the box.
+    const bool before = committing_;
+    committing_ = true;
+    txtInputValue_->hide();
+    committing_ = before;
+}
+
+void FrmTable::cellDoubleClicked() {
+    if (!model_ || locked_ || model_->view() != TableView::Values) return;
+    model_->Set_KeyDownFlag(true);
+    openEdit(' ');
+}
+
+void FrmTable::headerDoubleClicked(int row, int column) {
+    if (!model_ || locked_) return;
+    model_->Set_KeyDownFlag(true);
+    const auto prompt = model_->headerPrompt(row, column);
+    if (!prompt) return;
+    const auto typed = session_.dialogs().input(headerBoxTitle, *prompt, model_->grid().text(row, column));
+    if (!typed || !model_->enterHeader(row, column, *typed)) return;
+    session_.markModified();
+    showAll();
+    sizeColumns();
+}
+
+void FrmTable::copy() {
+    const Selection block = model_->selection();
+    QStringList lines;
+    for (int row = block.top; row <= block.bottom; ++row) {
+        QStringList cells;
+        for (int column = block.left; column <= block.right; ++column) {
+            cells << QString::fromStdString(model_->grid().text(row, column));
+        }
+        lines << cells.join(QLatin1Char('\t'));
+    }
+    QApplication::clipboard()->setText(lines.join(QLatin1Char('\n')));
+}
+
+void FrmTable::paste() {
+    const QString text = QApplication::clipboard()->text();
+    // In a view the cells are estimates; written back they would be taken for values.
+    if (text.isEmpty() || model_->view() != TableView::Values) return;
+    const Selection block = model_->selection();
+    const int lastRow = block.present ? block.bottom : model_->rows();
+    const int lastColumn = block.present ? block.right : model_->columns();
+    QString lines = text;
+    lines.replace("\r\n", "\n").replace(QLatin1Char('\r'), QLatin1Char('\n'));
+    if (lines.endsWith(QLatin1Char('\n'))) lines.chop(1);
+    std::vector<GridCell> pasted;
+    int row = block.top;
+    for (const QString& line : lines.split(QLatin1Char('\n'))) {
+        int column = block.left;
+        for (const QString& cell : line.split(QLatin1Char('\t'))) {
+            if (row > lastRow || column > lastColumn) break;
+            model_->grid().text(row, column, cell.trimmed().toStdString());
+            pasted.push_back({row, column++});
+        }
+        ++row;
+    }
+    model_->saveEntireTable();
+    // A refused cell kept its value: show what the calibration holds, not what was on the clipboard.
+    for (const GridCell& cell : pasted) {
+        const int index = model_->tableIndex(cell.row, cell.column);
+        model_->grid().text(cell.row, cell.column,
+                            numberText(model_->get_binValueByIndex(tableName(), index)));
+    }
+    model_->refreshEstimates();
+    session_.markModified();
+    showAll();
+}
+
+// ---- txtTOG and txtIOT
+
+bool FrmTable::timeFieldEvent(QLineEdit* field, QEvent* event) {
+    if (event->type() == QEvent::FocusOut && !committing_) {
+        takeTime(field);
+        return false;
+    }
+    if (event->type() != QEvent::KeyPress) return false;
+    const auto& key = *static_cast<QKeyEvent*>(event);
+    if (isEnter(key)) {
+        takeTime(field);
+        return true;
+    }
+    if (key.key() != Qt::Key_Escape) return false;
+    field->setText(QString::fromStdString(field == txtTOG_ ? model_->timeOfGap() : model_->injectorOn()));
+    return true;
+}
+
+void FrmTable::takeTime(QLineEdit* field) {
+    const bool gap = field == txtTOG_;
+    const std::string before = gap ? model_->timeOfGap() : model_->injectorOn();
+    const std::string typed = field->text().toStdString();
+    if (typed == before) return;
+    committing_ = true;
+    const bool accepted = model_->enterTime(gap ? "scale1" : "INJ_On", typed);
+    committing_ = false;
+    field->setText(
+        QString::fromStdString(accepted ? (gap ? model_->timeOfGap() : model_->injectorOn()) : before));
+    if (accepted) session_.markModified();
+    Grid1_->cells().refresh();
+}
+
+// ---- Toolbar commands
+
+void FrmTable::home() {
+    if (!model_) return;
+    model_->home();
+    showAll();
+    sizeColumns();
+}
+
+void FrmTable::save() {
+    if (!model_) return;
+    if (txtInputValue_->isVisible()) leaveEdit();
+    model_->save();
+    session_.markModified();
+    showAll();
+}
+
+void FrmTable::toggleDocking() {
+    setDocked(!docked_);
+    Q_EMIT dockingAsked(docked_);
+}
+
+void FrmTable::discard() {
+    if (!model_) return;
+    const Answer answer = session_.dialogs().show(
+        {"Discard Changes?", "Are you sure you want to reset the table back to it's original state?",
+         Icon::Question, Buttons::YesNo});
+    if (answer != Answer::Yes) return;
+    model_->restore();
+    showAll();
+}
+
+void FrmTable::toggleColors() {
+    model_->Set_KeyDownFlag(!model_->overlaySuppressed());
+    showItems();
+}
+
+void FrmTable::colorsNorm() {
+    setColourMode(0);
+}
+void FrmTable::colorsAfr() {
+    setColourMode(1);
+}
+
+void FrmTable::setColourMode(int mode) {
+    session_.TableColorMode = mode;
+    session_.settings().set("System", "TableColor", numberText(mode));
+    model_->colourMode(mode == 1 ? TableColour::Afr : TableColour::Normal);
+    showItems();
+}
+
+/// Kept: the state of a menu item; painting does not depend on it.
+void FrmTable::colorsPersist() {
+    colourPersist_ = !colourPersist_;
+    actions_.at("ColorsPersist")->setText(colourPersist_ ? "Color Persist OFF" : "Color Persist ON");
+}
+
+void FrmTable::colorsWhiteOut() {
+    model_->whiteOut();
+    Grid1_->cells().refresh();
+}
+
+void FrmTable::invert() {
+    model_->invert();
+    showAll();
+    sizeColumns();
+}
+
+void FrmTable::pulsewidth() {
+    model_->togglePulsewidth();
+    showAll();
+    sizeColumns();
+}
+
+void FrmTable::dutyCycle() {
+    model_->toggleDutyCycle();
+    showAll();
+    sizeColumns();
+}
+
+void FrmTable::absolute() {
+    model_->toggleAbsolute();
+    showAll();
+    sizeColumns();
+}
+
+void FrmTable::resetTable() {
+    model_->reset();
+    showAll();
+    sizeColumns();
+}
+
+void FrmTable::closeEvent(QCloseEvent* event) {
+    event->accept();
+    if (closing_) return;
+    closing_ = true;
+    closeEdit();
+    Q_EMIT closed();
+}
+
+// ---- Live
+
+void FrmTable::refreshLive() {
+    const int linked = session_.link.linked().LinkedUnitKind;
+    if (!model_ || linked == 0 || linked != session_.currentUnit()) return;
+    Show_Current_Activity();
+}
+
+void FrmTable::Show_Current_Activity(float x, float y) {
+    if (!model_) return;
+    // Each frame paints its cell; only the screen waits.
+    dirtyCells_.push_back({model_->currentRow(), model_->currentColumn()});
+    model_->Show_Current_Activity(x, y);
+    dirtyCells_.push_back({model_->currentRow(), model_->currentColumn()});
+    redraw_->request();
+}
+
+void FrmTable::drawLive() {
+    ++redraws_;
+    const std::vector<GridCell> cells = std::exchange(dirtyCells_, {});
+    const GridCell* last = nullptr;
+    for (const GridCell& cell : cells) {
+        if (last == nullptr || !(cell == *last)) Grid1_->cells().refreshCell(cell.row, cell.column);
+        last = &cell;
+    }
+    const LiveMarker& marker = model_->marker();
+    Grid1_->placeMarker(marker.visible, marker.row, marker.column);
+    showCursor();
+    const LiveValues& live = session_.live;
+    const std::string table = tableName();
+    double value = live.INJ_VE;
+    if (table == "SPW") value = live.INJ_STAGE;
+    if (table == "ADV") value = live.ADV_TBL;
+    lblDspTableVal_->setText(QString::fromStdString(formatNumber(value, table == "ADV" ? "#0.0" : "##0")));
+}
+
+}  // namespace zentaq

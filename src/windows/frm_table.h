@@ -1,0 +1,175 @@
+// frmTABLE: one window for any of the tables. It forwards keys, mouse and live frames to the table model and
+// shows the model's grid. Keys typed while a change is on its way to the unit wait and are played back in
+// order.
+#pragma once
+
+#include "app/main_commands.h"
+#include "app/session.h"
+#include "live/ecu.h"
+#include "tables/table_model.h"
+
+#include <QAction>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QToolBar>
+#include <QWidget>
+#include <deque>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "windows/redraw_gate.h"
+#include "windows/table_view.h"
+
+namespace zentaq {
+
+class FrmTable : public QWidget {
+    Q_OBJECT
+
+ public:
+    FrmTable(Session& session, MainCommands& commands, QWidget* parent = nullptr);
+    ~FrmTable() override;
+
+    /// Builds the grid of a table of the calibration in hand. An empty name or title keeps the current one.
+    void Setup_Grid(const std::string& table, const std::string& title);
+    /// Empty before the first Setup_Grid.
+    std::string tableName() const { return model_ ? model_->table() : std::string{}; }
+    std::string title() const { return model_ ? model_->title() : std::string{}; }
+    /// The calibration in hand was changed elsewhere: reads it again.
+    void showUnit();
+
+    /// A frame has been decoded. Does nothing unless the calibration in hand is of the linked unit's kind.
+    void refreshLive();
+    /// The live point, or a recorded one; both 0 take the live values. The picture follows at most 60 times a
+    /// second.
+    void Show_Current_Activity(float x = 0, float y = 0);
+    /// Told on each idle tick; only a change does something.
+    void onFlyLock(bool busy);
+    bool locked() const { return locked_; }
+
+    bool docked() const { return docked_; }
+    void setDocked(bool docked);
+    void Day_Mode() { setMode(DisplayMode::Day); }
+    void Night_Mode() { setMode(DisplayMode::Night); }
+    /// `Load_Command`: 1 redoes the docking, 3 refreshes which toolbar items are shown.
+    void Load_Command(int command);
+
+    TableGridView& grid() { return *Grid1_; }
+    QLineEdit& inputBox() { return *txtInputValue_; }
+    /// nullptr before the first Setup_Grid.
+    TableModel* model() { return model_.get(); }
+    /// How often live news were brought to the screen.
+    int redraws() const { return redraws_; }
+
+ Q_SIGNALS:
+    /// The user closed the table by key, button or window frame.
+    void closed();
+    /// The user wants the table docked (true) or in a window of its own.
+    void dockingAsked(bool docked);
+
+ protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+ private:
+    // ---- Making
+    void makeToolbar();
+    QAction* addButton(const QString& key, const QString& caption, const QString& tip,
+                       void (FrmTable::*run)());
+    void addLater(const QString& key, const QString& caption);
+    QAction* addItem(QMenu* menu, const QString& key, const QString& caption, void (FrmTable::*run)());
+    void makeColourMenu();
+    void makeTableMenu();
+    QWidget* makeFields();
+    QLineEdit* makeTimeField(const QString& name, const QString& meaning);
+
+    // ---- Keys
+    struct HeldKey {
+        int key;
+        Qt::KeyboardModifiers modifiers;
+        QString text;
+    };
+    bool gridEvent(QEvent* event);
+    bool viewportEvent(const QEvent* event) const;
+    bool boxEvent(QEvent* event);
+    bool timeFieldEvent(QLineEdit* field, QEvent* event);
+    bool gridKey(const QKeyEvent& event);
+    bool hold(const QKeyEvent& event);
+    void playBack();
+    void pressed(char key);
+    void closeTable() { close(); }
+
+    // ---- Editing
+    void openEdit(char key);
+    void commitEdit();
+    void leaveEdit();
+    void closeEdit();
+    void placeEdit();
+    void headerDoubleClicked(int row, int column);
+    void cellDoubleClicked();
+    void copy();
+    void paste();
+    void takeTime(QLineEdit* field);
+
+    // ---- Toolbar commands
+    void home();
+    void save();
+    void toggleDocking();
+    void discard();
+    void toggleColors();
+    void colorsNorm();
+    void colorsAfr();
+    void colorsWhiteOut();
+    void colorsPersist();
+    void invert();
+    void pulsewidth();
+    void dutyCycle();
+    void absolute();
+    void resetTable();
+
+    // ---- Showing
+    void setMode(DisplayMode mode);
+    void setColourMode(int mode);
+    void showAll();
+    void sizeColumns();
+    void showCursor();
+    void selectionChanged();
+    void drawLive();
+    void showTimes();
+    void showItems();
+
+    Session& session_;
+    MainCommands& commands_;
+    Ecu ecu_;
+    PaintMemory paintMemory_;
+    std::unique_ptr<TableModel> model_;
+    const Unit* unit_ = nullptr;
+
+    QToolBar* Toolbar1_ = nullptr;
+    QLabel* lblTitle_ = nullptr;
+    TableGridView* Grid1_ = nullptr;
+    QLineEdit* txtInputValue_ = nullptr;
+    QLabel* lblDspTable_ = nullptr;
+    QLabel* lblDspTableVal_ = nullptr;
+    QLabel* lblTOG_ = nullptr;
+    QLabel* lblIOT_ = nullptr;
+    QLineEdit* txtTOG_ = nullptr;
+    QLineEdit* txtIOT_ = nullptr;
+    QLabel* axisLabel_ = nullptr;
+    std::map<QString, QAction*> actions_;
+    RedrawGate* redraw_ = nullptr;
+
+    std::deque<HeldKey> held_;
+    std::vector<GridCell> dirtyCells_;
+    bool locked_ = false;
+    bool docked_ = true;
+    bool colourPersist_ = false;
+    bool syncing_ = false;     ///< the view follows the model; its signals are no user's doing
+    bool committing_ = false;  ///< a check may show a box, which takes the focus from the edit box
+    bool closing_ = false;
+    int redraws_ = 0;
+};
+
+}  // namespace zentaq

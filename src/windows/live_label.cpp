@@ -1,0 +1,181 @@
+#include "windows/live_label.h"
+
+#include <QFontMetricsF>
+#include <QPaintEvent>
+#include <QPainter>
+#include <algorithm>
+#include <array>
+
+namespace zentaq {
+namespace {
+
+constexpr std::array digits = {'0', '1', '2', '3', '4', '5', '6', '7', '8', '9'};
+
+double digitWidth(const QFontMetricsF& metrics) {
+    double widest = 0;
+    for (const char digit : digits) widest = std::max(widest, metrics.horizontalAdvance(QLatin1Char(digit)));
+    return widest;
+}
+
+double placeWidth(const QFontMetricsF& metrics, QChar letter, double digit) {
+    return letter.isDigit() ? digit : metrics.horizontalAdvance(letter);
+}
+
+double textWidth(const QFontMetricsF& metrics, const QString& text) {
+    const double digit = digitWidth(metrics);
+    double width = 0;
+    for (const QChar letter : text) width += placeWidth(metrics, letter, digit);
+    return width;
+}
+
+/// The largest pixel size, up to `height`, at which `text` is no wider than `width`.
+QFont fitted(QFont font, const QString& text, double width, double height) {
+    font.setPixelSize(std::max(7, static_cast<int>(height)));
+    const double needed = textWidth(QFontMetricsF(font), text);
+    if (needed > width && needed > 0) {
+        font.setPixelSize(std::max(7, static_cast<int>(font.pixelSize() * width / needed)));
+    }
+    return font;
+}
+
+/// Black or white, whichever reads better on a colour.
+QColor inkOn(const QColor& color) {
+    const int brightness = (color.red() * 299 + color.green() * 587 + color.blue() * 114) / 1000;
+    return brightness > 128 ? Qt::black : Qt::white;
+}
+
+}  // namespace
+
+LiveLabel::LiveLabel(const Form& form, QWidget* parent)
+    : QWidget(parent), form_(form), colors_(dashColors(false)) {
+    setObjectName(form.name);
+    setAccessibleName(form.caption.isEmpty() ? form.name : form.caption);
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+}
+
+void LiveLabel::setText(const QString& text) {
+    if (text == text_) return;
+    text_ = text;
+    setAccessibleDescription(text_.isEmpty() ? QString() : text_ + QLatin1Char(' ') + form_.unit);
+    update(valueArea());
+}
+
+void LiveLabel::setUnit(const QString& unit) {
+    if (unit == form_.unit) return;
+    form_.unit = unit;
+    update();
+}
+
+void LiveLabel::setMeaning(const QString& meaning) {
+    setAccessibleName(meaning);
+    setToolTip(meaning);
+}
+
+void LiveLabel::setAlarm(std::optional<QColor> color) {
+    if (color == alarm_) return;
+    alarm_ = color;
+    update();
+}
+
+void LiveLabel::setColors(const DashColors& colors) {
+    colors_ = colors;
+    update();
+}
+
+QSize LiveLabel::sizeHint() const {
+    return {fontMetrics().averageCharWidth() * 12, fontMetrics().height() * 3};
+}
+
+void LiveLabel::resizeEvent(QResizeEvent*) {
+    fitFonts();
+}
+
+void LiveLabel::fitFonts() {
+    captionFont_ = font();
+    captionFont_.setPixelSize(std::max(8, static_cast<int>(height() * 0.24)));
+    const QString head = form_.caption + QStringLiteral("  ") + form_.unit;
+    captionFont_ = fitted(captionFont_, head, width() * 0.92, height() * 0.25);
+    QFont value = font();
+    value.setWeight(QFont::DemiBold);
+    valueFont_ = fitted(value, form_.widest, width() * 0.92, height() * 0.62);
+}
+
+QRect LiveLabel::valueArea() const {
+    const int top = static_cast<int>(height() * 0.28);
+    return {0, top, width(), height() - top};
+}
+
+void LiveLabel::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const double rounding = height() * 0.08;
+    painter.setPen(QPen(colors_.edge, 1));
+    painter.setBrush(alarm_.value_or(colors_.face));
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), rounding, rounding);
+    const int side = std::max(2, static_cast<int>(width() * 0.05));
+    const QRect head(side, static_cast<int>(height() * 0.05), width() - 2 * side,
+                     static_cast<int>(height() * 0.27));
+    painter.setFont(captionFont_);
+    painter.setPen(alarm_ ? inkOn(*alarm_) : colors_.labels);
+    painter.drawText(head, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, form_.caption);
+    painter.drawText(head, Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine, form_.unit);
+    paintDigits(painter, valueArea().adjusted(side, 0, -side, 0));
+}
+
+void LiveLabel::paintDigits(QPainter& painter, const QRect& area) const {
+    // A text longer than foreseen is made smaller, not cut.
+    const QFont font = fitted(valueFont_, text_, area.width(), valueFont_.pixelSize());
+    painter.setFont(font);
+    painter.setPen(alarm_ ? inkOn(*alarm_) : colors_.lights);
+    const QFontMetricsF metrics(font);
+    const double digit = digitWidth(metrics);
+    const double base = area.center().y() + (metrics.capHeight() + 1) / 2;
+    double right = area.right();
+    for (auto letter = text_.crbegin(); letter != text_.crend(); ++letter) {
+        const double place = placeWidth(metrics, *letter, digit);
+        const double slack = place - metrics.horizontalAdvance(*letter);
+        painter.drawText(QPointF(right - place + slack / 2, base), *letter);
+        right -= place;
+    }
+}
+
+LiveLamp::LiveLamp(const QString& name, const QString& inscription, QWidget* parent)
+    : QWidget(parent), inscription_(inscription), colors_(dashColors(false)) {
+    setObjectName(name);
+    setAccessibleName(inscription);
+    setAccessibleDescription(QStringLiteral("off"));
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+}
+
+void LiveLamp::light(std::optional<QColor> color) {
+    if (color == color_) return;
+    color_ = color;
+    setAccessibleDescription(lit() ? QStringLiteral("on") : QStringLiteral("off"));
+    update();
+}
+
+void LiveLamp::setColors(const DashColors& colors) {
+    colors_ = colors;
+    update();
+}
+
+QSize LiveLamp::sizeHint() const {
+    return {fontMetrics().horizontalAdvance(inscription_) + 2 * fontMetrics().height(),
+            fontMetrics().height() * 2};
+}
+
+void LiveLamp::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(colors_.edge, 1));
+    painter.setBrush(color_.value_or(colors_.lampOff));
+    const double radius = height() * 0.15;
+    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
+    QFont text = font();
+    text.setWeight(QFont::Bold);
+    painter.setFont(fitted(text, inscription_, width() * 0.86, height() * 0.42));
+    painter.setPen(color_ ? inkOn(*color_) : colors_.labels);
+    painter.drawText(rect(), Qt::AlignCenter, inscription_);
+}
+
+}  // namespace zentaq

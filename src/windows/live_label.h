@@ -1,0 +1,79 @@
+// LiveLabel: one number of the instrument panel with its caption and unit. Digits stand in places of fixed
+// width and to the right, so that a changing number doesn't jump; an unchanged text is not painted again.
+#pragma once
+
+#include <QWidget>
+#include <optional>
+
+#include "windows/frm_dashboard_colors.h"
+
+namespace zentaq {
+
+class LiveLabel : public QWidget {
+    Q_OBJECT
+    Q_PROPERTY(QString text READ text WRITE setText)
+
+ public:
+    struct Form {
+        QString name;     ///< control name, "lblTach"
+        QString caption;  ///< shown above the number
+        QString unit;
+        QString widest;  ///< the longest text to come; it settles the size of the digits
+    };
+
+    LiveLabel(const Form& form, QWidget* parent);
+
+    const QString& text() const { return text_; }
+    void setText(const QString& text);
+    const QString& unit() const { return form_.unit; }
+    void setUnit(const QString& unit);
+    /// What a screen reader says and a tip shows; the caption until it is set.
+    void setMeaning(const QString& meaning);
+    /// Fills the field with this colour until it is taken back with nullopt.
+    void setAlarm(std::optional<QColor> color);
+    const std::optional<QColor>& alarm() const { return alarm_; }
+    void setColors(const DashColors& colors);
+
+    QSize sizeHint() const override;
+
+ protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+ private:
+    void fitFonts();
+    void paintDigits(QPainter& painter, const QRect& area) const;
+    QRect valueArea() const;
+
+    Form form_;
+    QString text_;
+    std::optional<QColor> alarm_;
+    DashColors colors_;
+    QFont captionFont_;
+    QFont valueFont_;
+};
+
+/// A lamp with its inscription: lit in a colour or dark.
+class LiveLamp : public QWidget {
+    Q_OBJECT
+
+ public:
+    LiveLamp(const QString& name, const QString& inscription, QWidget* parent);
+
+    bool lit() const { return color_.has_value(); }
+    std::optional<QColor> color() const { return color_; }
+    void light(std::optional<QColor> color);
+    void setColors(const DashColors& colors);
+
+    QSize sizeHint() const override;
+
+ protected:
+    void paintEvent(QPaintEvent* event) override;
+
+ private:
+    QString inscription_;
+    std::optional<QColor> color_;
+    DashColors colors_;
+};
+
+}  // namespace zentaq

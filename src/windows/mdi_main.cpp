@@ -1,0 +1,286 @@
+#include "windows/mdi_main.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMenuBar>
+#include <QScreen>
+#include <QStatusBar>
+#include <QToolButton>
+#include <array>
+
+#include "base/errors.h"
+#include "base/text.h"
+#include "config/tree.h"
+#include "qt/icons.h"
+#include "qt/look.h"
+#include "windows/mdi_main_about.h"
+#include "windows/mdi_main_edit.h"
+
+namespace zentaq {
+
+namespace {
+
+QString qString(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+/// Commands that are one call into the core.
+struct Command {
+    std::string_view entry;
+    void (MainCommands::*run)();
+};
+
+constexpr std::array commandTable{
+    Command{"mnuOpen", &MainCommands::open},
+    Command{"mnuSave", &MainCommands::save},
+    Command{"mnuSaveAs", &MainCommands::saveAs},
+    Command{"mnuClose", &MainCommands::close},
+    Command{"mnuProgramORB", &MainCommands::programOrb},
+    Command{"mnuStoreONFLY", &MainCommands::storeOnFly},
+    Command{"mnuIdentifyORB", &MainCommands::identify},
+    Command{"mnuMonitor_KillEngine", &MainCommands::killEngine},
+    Command{"mnuZeroAdv", &MainCommands::zeroAdvance},
+    Command{"mnuClearDashCodes", &MainCommands::refreshCodes},
+    Command{"mnuORB_ClearCodes", &MainCommands::clearCodes},
+    Command{"mnuMonitor_DayMode", &MainCommands::dayMode},
+    Command{"mnuMonitor_NightMode", &MainCommands::nightMode},
+};
+
+struct TableCommand {
+    std::string_view entry;
+    std::string_view table;
+};
+
+constexpr std::array tableCommands{
+    TableCommand{"mnuAdvTbl", "ADV"},
+    TableCommand{"mnuVETbl", "VE"},
+    TableCommand{"mnuStgTbl", "SPW"},
+    TableCommand{"mnuEGOTbl", "AFR"},
+};
+
+/// Ends a monitor session, as the door for other windows does.
+constexpr int endMonitoring = 3;
+
+constexpr auto placeSection = "Forms";
+constexpr auto placeKey = "mdiMain";
+
+bool hasChildren(std::string_view name) {
+    for (const MenuEntry& entry : menuTree()) {
+        if (entry.parent == name) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+MdiMain::MdiMain(Session& session, MainCommands& commands, Kernel& kernel)
+    : session_(session), commands_(commands), kernel_(kernel) {
+    setObjectName(QStringLiteral("mdiMain"));
+    setAccessibleName(QLatin1String(frameTitle));
+    setWindowTitle(QLatin1String(frameTitle));
+    makeMenus();
+    makeToolbar();
+    makeStatusBar();
+    showLook();
+    refresh();
+}
+
+void MdiMain::makeMenus() {
+    for (const MenuEntry& entry : menuTree()) {
+        const auto parent = menus_.find(entry.parent);
+        QMenu* above = parent == menus_.end() ? nullptr : parent->second;
+        if (!entry.parent.empty() && !hasChildren(entry.name)) {
+            QAction* action = makeAction(entry, above);
+            if (above != nullptr) above->addAction(action);
+            entries_.push_back({&entry, action});
+            continue;
+        }
+        auto* menu = new QMenu(qString(entry.caption), this);
+        menu->setObjectName(qString(entry.name));
+        menu->setAccessibleName(qString(entry.caption).remove(u'&'));
+        menus_[entry.name] = menu;
+        entries_.push_back({&entry, menu->menuAction()});
+        if (above != nullptr) {
+            above->addMenu(menu);
+        } else if (!entry.caption.empty()) {
+            menuBar()->addMenu(menu);
+        }
+    }
+}
+
+QAction* MdiMain::makeAction(const MenuEntry& entry, QWidget* parent) {
+    auto* action = new QAction(qString(entry.caption), parent);
+    action->setObjectName(qString(entry.name));
+    action->setCheckable(entry.checkable);
+    if (!entry.shortcut.empty()) {
+        action->setShortcut(QKeySequence(qString(entry.shortcut)));
+        // A table in a window of its own obeys the same keys.
+        action->setShortcutContext(Qt::ApplicationShortcut);
+    }
+    connect(action, &QAction::triggered, this, [this, name = entry.name] { run(name); });
+    return action;
+}
+
+void MdiMain::makeToolbar() {
+    toolbar_ = new QToolBar(tr("Toolbar"), this);
+    toolbar_->setObjectName(QStringLiteral("Toolbar1"));
+    toolbar_->setAccessibleName(tr("Toolbar"));
+    toolbar_->setMovable(false);
+    toolbar_->setContextMenuPolicy(Qt::PreventContextMenu);
+    toolbar_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    const int size = fontMetrics().height() * 5 / 4;
+    toolbar_->setIconSize({size, size});
+    for (const ToolbarButton& button : toolbarButtons()) {
+        QAction* action = toolbar_->addAction(qString(button.key));
+        action->setObjectName(qString(button.key));
+        action->setToolTip(qString(button.tip));
+        connect(action, &QAction::triggered, this, [this, &button] { pressed(button); });
+        toolbar_->widgetForAction(action)->setFocusPolicy(Qt::TabFocus);
+        buttons_.emplace_back(&button, action);
+    }
+    addToolBar(toolbar_);
+}
+
+void MdiMain::pressed(const ToolbarButton& button) {
+    if (button.key == "Shutdown") endOnFailure([&] { commands_.loadCommand(endMonitoring); }, [](auto&&) {});
+    run(button.command);
+}
+
+void MdiMain::makeStatusBar() {
+    QStatusBar* bar = statusBar();
+    bar->setObjectName(QStringLiteral("StatusBar1"));
+    bar->setAccessibleName(tr("Status"));
+    const auto add = [&](const char* name, const QString& meaning, const char* widest, int stretch) {
+        auto* label = new QLabel(bar);
+        label->setObjectName(QLatin1String(name));
+        label->setAccessibleName(meaning);
+        label->setTextFormat(Qt::PlainText);
+        label->setToolTip(meaning);
+        label->setMinimumWidth(label->fontMetrics().horizontalAdvance(QLatin1String(widest)));
+        if (stretch > 0) label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+        bar->addPermanentWidget(label, stretch);
+        panels_.push_back(label);
+    };
+    add("StatusBar1_Panel1", tr("Unit and calibration"), "", 1);
+    add("StatusBar1_Panel2", tr("Changes act on the running engine"), " ONFLY  ", 0);
+    add("StatusBar1_Panel3", tr("Firmware of the unit"), "ZQA000000000000", 0);
+    add("StatusBar1_Panel4", tr("Unsaved changes"), " Modified  ", 0);
+}
+
+void MdiMain::showFrame() {
+    const std::string place = session_.settings().get(placeSection, placeKey);
+    const bool restored =
+        !place.empty() && restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(place)));
+    if (!restored) {
+        // Where nobody manages windows the state alone changes nothing.
+        setGeometry(screen()->availableGeometry());
+        setWindowState(Qt::WindowMaximized);
+    }
+    show();
+}
+
+void MdiMain::closeNow() {
+    closing_ = true;
+    storePlace();
+    close();
+}
+
+void MdiMain::storePlace() {
+    skipFailing(
+        [&] { session_.settings().set(placeSection, placeKey, saveGeometry().toBase64().toStdString()); });
+}
+
+void MdiMain::closeEvent(QCloseEvent* event) {
+    // A failure on the way out is told, and the window stays: the user may try again.
+    if (!closing_) {
+        endOnFailure([&] { kernel_.closeRequested(); },
+                     [&](const std::string& why) {
+                         session_.show({frameTitle, why, Icon::Critical, Buttons::Ok});
+                     });
+    }
+    event->setAccepted(closing_);
+}
+
+void MdiMain::showTitle(const std::string& title) {
+    setWindowTitle(title.empty() ? QLatin1String(frameTitle) : qString(title));
+}
+
+void MdiMain::showOnFly(bool on) {
+    QLabel& label = panel(Panel::OnFly);
+    label.setText(on ? QStringLiteral("ONFLY") : QString());
+    const LookColors colors = lookColors(appliedLook(*qApp));
+    label.setAutoFillBackground(on);
+    QPalette palette = statusBar()->palette();
+    if (on) {
+        palette.setColor(QPalette::Window, colors.highlight);
+        palette.setColor(QPalette::WindowText, colors.highlightText);
+    }
+    label.setPalette(palette);
+}
+
+void MdiMain::showLook() {
+    const LookColors colors = lookColors(appliedLook(*qApp));
+    for (const auto& [button, action] : buttons_) action->setIcon(icon(qString(button->key), colors.text));
+    setWindowIcon(icon(QStringLiteral("Zentaq4"), colors.accent));
+    showOnFly(!panel(Panel::OnFly).text().isEmpty());
+}
+
+void MdiMain::refresh() {
+    for (const Entry& entry : entries_) {
+        const bool menu = entry.action->menu() != nullptr;
+        entry.action->setEnabled(entry.data->enabled != nullptr ? entry.data->enabled(session_) : menu);
+        if (entry.data->name == "mnuZeroAdv") entry.action->setChecked(session_.zeroAdvance);
+    }
+    for (const auto& [button, action] : buttons_) {
+        for (const Entry& entry : entries_) {
+            if (entry.data->name == button->command) action->setEnabled(entry.action->isEnabled());
+        }
+    }
+    const std::string model(session_.currentUnitObject().kind().model);
+    const std::string file = fileNameOf(session_.CurrentFile);
+    panel(Panel::File)
+        .setText(session_.currentUnit() == 0 ? tr("No calibration") : qString(model + "  " + file));
+    panel(Panel::Modified).setText(session_.DataModified ? tr("Modified") : QString());
+    // A cleared panel stays empty until the link has something new to tell.
+    if (session_.link.status().panel3 != firmwareSeen_) {
+        firmwareSeen_ = session_.link.status().panel3;
+        panel(Panel::Firmware).setText(qString(firmwareSeen_));
+    }
+}
+
+void MdiMain::run(std::string_view entry) {
+    endOnFailure([&] { perform(entry); },
+                 [&](const std::string& why) {
+                     session_.sysLog(std::string(entry) + ": " + why);
+                     session_.show({frameTitle, why, Icon::Critical, Buttons::Ok});
+                 });
+    refresh();
+}
+
+bool MdiMain::perform(std::string_view entry) {
+    for (const Command& command : commandTable) {
+        if (command.entry != entry) continue;
+        (commands_.*command.run)();
+        return true;
+    }
+    if (performTable(entry)) return true;
+    if (entry == "mnuExit") return kernel_.System_Shutdown(false);
+    if (entry == "mnuAbout") about();
+    if (entry == "mnuFastHelp") Q_EMIT fastHelpAsked();
+    return editCommand(entry, QApplication::focusWidget());
+}
+
+bool MdiMain::performTable(std::string_view entry) {
+    for (const TableCommand& command : tableCommands) {
+        if (command.entry != entry) continue;
+        commands_.openTable(std::string(command.table), tableTitle(command.table));
+        return true;
+    }
+    return false;
+}
+
+void MdiMain::about() {
+    FrmAbout(session_, this).exec();
+}
+
+}  // namespace zentaq

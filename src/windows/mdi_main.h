@@ -1,0 +1,83 @@
+// mdiMain: the frame window with menu, toolbar and status bar. Menu and toolbar are made from the core's
+// tables; an entry runs a command of the core and nothing else.
+#pragma once
+
+#include <QAction>
+#include <QLabel>
+#include <QMainWindow>
+#include <QMenu>
+#include <QToolBar>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "app/main_commands.h"
+#include "app/menu.h"
+#include "app/session.h"
+#include "app/start_up.h"
+
+namespace zentaq {
+
+class MdiMain : public QMainWindow {
+    Q_OBJECT
+
+ public:
+    static constexpr auto frameTitle = "Norvalia Zentaq Engine Management System";
+
+    MdiMain(Session& session, MainCommands& commands, Kernel& kernel);
+
+    /// Shows the frame where the user left it, at first on the whole screen's height and width.
+    void showFrame();
+    /// Closes without asking; the core has asked.
+    void closeNow();
+
+    void enableToolbar(bool on) { toolbar_->setEnabled(on); }
+    void showTitle(const std::string& title);
+    void showOnFly(bool on);
+    void clearPanel3() { panel(Panel::Firmware).clear(); }
+    /// Icons in the colours of day or night.
+    void showLook();
+    /// Which entries are enabled and checked, and the panels of the status bar.
+    void refresh();
+
+    /// Runs the command of a menu entry, as a click on it does.
+    void run(std::string_view entry);
+
+ Q_SIGNALS:
+    /// F2: help on the field in hand.
+    void fastHelpAsked();
+
+ protected:
+    void closeEvent(QCloseEvent* event) override;
+
+ private:
+    enum class Panel { File, OnFly, Firmware, Modified };
+    struct Entry {
+        const MenuEntry* data;
+        QAction* action;
+    };
+
+    void makeMenus();
+    QAction* makeAction(const MenuEntry& entry, QWidget* parent);
+    void makeToolbar();
+    void pressed(const ToolbarButton& button);
+    void makeStatusBar();
+    QLabel& panel(Panel which) { return *panels_.at(static_cast<std::size_t>(which)); }
+    bool perform(std::string_view entry);
+    bool performTable(std::string_view entry);
+    void about();
+    void storePlace();
+
+    Session& session_;
+    MainCommands& commands_;
+    Kernel& kernel_;
+    std::map<std::string_view, QMenu*> menus_;
+    std::vector<Entry> entries_;
+    std::vector<std::pair<const ToolbarButton*, QAction*>> buttons_;
+    QToolBar* toolbar_ = nullptr;
+    std::vector<QLabel*> panels_;
+    std::string firmwareSeen_;
+    bool closing_ = false;
+};
+
+}  // namespace zentaq

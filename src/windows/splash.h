@@ -1,0 +1,29 @@
+// frmSplash: the status of the start sequence, one text at a time.
+#pragma once
+
+#include <QLabel>
+#include <QWidget>
+#include <string_view>
+
+namespace zentaq {
+
+class FrmSplash : public QWidget {
+    Q_OBJECT
+
+ public:
+    /// How long each text stays, in milliseconds of a live event loop.
+    static constexpr int holdMs = 80;
+
+    explicit FrmSplash(const QString& version, QWidget* over);
+
+    /// Shows the text behind four blanks on top of everything and holds it; user events run meanwhile.
+    void status(std::string_view text);
+
+ private:
+    void centre();
+
+    QWidget* over_;
+    QLabel* lblOperation_;
+};
+
+}  // namespace zentaq

@@ -1,0 +1,318 @@
+#include "windows/window_manager.h"
+
+#include <QApplication>
+#include <QSplitter>
+
+#include "base/errors.h"
+#include "qt/look.h"
+
+namespace zentaq {
+
+namespace {
+
+/// The enabled state of menu entries is looked at this often when nothing else has changed, in firings.
+constexpr int idleFiringsPerRefresh = 16;
+
+/// What help is shown for a control: a property of the control or of one that holds it.
+constexpr auto helpKeyProperty = "fastHelpKey";
+
+/// The instruments' share of the frame's height before the user has moved the splitter.
+constexpr int dashboardPercent = 29;
+
+constexpr auto placeSection = "Forms";
+constexpr auto splitKey = "splCentre";
+
+QString helpKeyOf(const QWidget* control) {
+    for (const QWidget* widget = control; widget != nullptr; widget = widget->parentWidget()) {
+        const QString key = widget->property(helpKeyProperty).toString();
+        if (!key.isEmpty()) return key;
+    }
+    return {};
+}
+
+}  // namespace
+
+WindowManager::WindowManager(QApplication& application, Session& session, MainCommands& commands,
+                             Kernel& kernel)
+    : application_(application), session_(session), commands_(commands) {
+    applyLook(application_, session.dayMode() ? DisplayMode::Day : DisplayMode::Night);
+    main_ = std::make_unique<MdiMain>(session, commands, kernel);
+    connect(main_.get(), &MdiMain::fastHelpAsked, this, &WindowManager::fastHelp);
+    connect(&application_, &QApplication::focusChanged, this,
+            [this](QWidget*, QWidget* now) { focusChanged(now); });
+    tmrRefresh_.setObjectName(QStringLiteral("tmrRefresh"));
+    connect(&tmrRefresh_, &QTimer::timeout, this, &WindowManager::refresh);
+    session_.attach(*this);
+}
+
+WindowManager::~WindowManager() {
+    application_.disconnect(this);
+    delete table_;
+}
+
+// ---- Start and end
+
+void WindowManager::showMain() {
+    main_->showFrame();
+    tmrRefresh_.start(refreshMs);
+}
+
+void WindowManager::splash(std::string_view text) {
+    if (closed_) return;
+    if (!splash_) {
+        splash_ = std::make_unique<FrmSplash>(QString::fromStdString(session_.VersionText), main_.get());
+    }
+    splash_->status(text);
+    if (session_.StartingUp == 1) hideSplash();
+}
+
+void WindowManager::hideSplash() {
+    if (splash_) splash_->hide();
+}
+
+void WindowManager::makeCentre() {
+    if (centre_ != nullptr) return;
+    centre_ = new QSplitter(Qt::Vertical, main_.get());
+    centre_->setObjectName(QStringLiteral("splCentre"));
+    main_->setCentralWidget(centre_);
+}
+
+void WindowManager::showConfig() {
+    if (closed_) return;
+    makeCentre();
+    if (!config_) {
+        config_ = new FrmConfig(session_, commands_, centre_);
+        centre_->addWidget(config_);
+    }
+    config_->show();
+    config_->showStartTab();
+    refresh();
+}
+
+void WindowManager::showDashboard() {
+    if (closed_) return;
+    makeCentre();
+    if (!dashboard_) {
+        dashboard_ = new FrmDashBoard(session_, commands_, centre_);
+        centre_->insertWidget(0, dashboard_);
+        centre_->setStretchFactor(0, 0);
+        centre_->setStretchFactor(1, 1);
+        const std::string stored = session_.settings().get(placeSection, splitKey);
+        if (stored.empty() ||
+            !centre_->restoreState(QByteArray::fromBase64(QByteArray::fromStdString(stored)))) {
+            const int strip = main_->height() * dashboardPercent / 100;
+            centre_->setSizes({strip, main_->height() - strip});
+        }
+    }
+    session_.applyMonitorMode();
+    dashboard_->show();
+    dashboard_->startTimers();
+}
+
+void WindowManager::showCommList(bool on) {
+    if (config_) config_->showCommList(on);
+}
+
+void WindowManager::focusForm(const std::string& form) {
+    if (form == "frmTABLE" && table_) {
+        table_->window()->activateWindow();
+        table_->setFocus();
+        return;
+    }
+    if (!config_) return;
+    main_->activateWindow();
+    if (!config_->isAncestorOf(QApplication::focusWidget())) config_->focusTree();
+}
+
+void WindowManager::showTip(const std::string& text) {
+    if (config_) config_->showTip(text);
+}
+
+void WindowManager::killTimers() {
+    tmrRefresh_.stop();
+    if (dashboard_) dashboard_->Kill_Timers();
+}
+
+void WindowManager::closeMain() {
+    if (closed_) return;
+    closed_ = true;
+    killTimers();
+    hideSplash();
+    removeForms();
+    if (centre_ != nullptr) {
+        skipFailing([&] {
+            session_.settings().set(placeSection, splitKey, centre_->saveState().toBase64().toStdString());
+        });
+    }
+    if (config_) session_.sysLog("Config App. Terminated.");
+    main_->closeNow();
+    Q_EMIT mainClosed();
+}
+
+// ---- The calibration in hand
+
+void WindowManager::setupNodes() {
+    if (!config_) return;
+    if (!treeReady_) session_.sysLog("Advanced Config Initialized.");
+    treeReady_ = true;
+    config_->setupNodes();
+    config_->showUnit();
+}
+
+void WindowManager::showStartTab() {
+    if (config_) config_->showStartTab();
+}
+
+void WindowManager::onFlyChanged(bool on) {
+    main_->showOnFly(on);
+    if (config_) config_->onFlyChanged(on);
+}
+
+void WindowManager::onFlyLock(bool busy) {
+    if (table_) table_->onFlyLock(busy);
+}
+
+void WindowManager::showUnit() {
+    if (config_) config_->showUnit();
+    if (table_) table_->showUnit();
+}
+
+// The table may be closing from inside one of its own events, so it goes later.
+void WindowManager::removeForms() {
+    if (!table_) return;
+    if (config_) config_->undock();
+    table_->hide();
+    table_->deleteLater();
+    table_ = nullptr;
+}
+
+void WindowManager::makeTable() {
+    if (table_) return;
+    table_ = new FrmTable(session_, commands_, config_);
+    connect(table_, &FrmTable::closed, this, &WindowManager::removeForms);
+    connect(table_, &FrmTable::dockingAsked, this, &WindowManager::placeTable);
+}
+
+void WindowManager::openTable(const std::string& table, const std::string& title) {
+    if (!config_ || closed_) return;
+    makeTable();
+    // A second click on the same table keeps it as it is, selection and all.
+    if (table_->tableName() != table) table_->Setup_Grid(table, title);
+    placeTable(table_->docked());
+    table_->grid().setFocus();
+}
+
+// Inside the workspace, or in a window of its own.
+void WindowManager::placeTable(bool docked) {
+    if (!table_ || !config_) return;
+    table_->setDocked(docked);
+    const QString title = QString::fromStdString(table_->title());
+    table_->setWindowTitle(title);
+    if (docked) {
+        config_->dock(table_, title);
+        return;
+    }
+    const bool moves = config_->docked();
+    const QSize size = table_->size();
+    if (moves) {
+        config_->undock();
+        table_->setParent(main_.get(), Qt::Window);
+        table_->resize(size);
+    }
+    table_->show();
+    table_->raise();
+    table_->activateWindow();
+}
+
+// ---- Live
+
+void WindowManager::dayMode() {
+    applyLook(application_, DisplayMode::Day);
+    main_->showLook();
+    if (dashboard_) dashboard_->Day_Mode();
+    if (table_) table_->Day_Mode();
+    takeStoredColors();
+}
+
+void WindowManager::nightMode() {
+    applyLook(application_, DisplayMode::Night);
+    main_->showLook();
+    if (dashboard_) dashboard_->Night_Mode();
+    if (table_) table_->Night_Mode();
+    takeStoredColors();
+}
+
+void WindowManager::takeStoredColors() {
+    if (!dashboard_) return;
+    SettingsStore& settings = session_.settings();
+    dashboard_->Set_DashBoard_Color(settings.get("System", "DashLights"));
+    dashboard_->Set_Needle_Color(settings.get("System", "NeedleColor"));
+    // Kept: LabelLights is stored and shown by the options and changes nothing.
+}
+
+void WindowManager::unitKindFound(int) {
+    if (dashboard_) dashboard_->unitKindFound();
+}
+
+void WindowManager::codesReceived() {
+    if (dashboard_) dashboard_->codesChanged();
+}
+
+void WindowManager::codesCleared() {
+    if (dashboard_) dashboard_->codesChanged();
+}
+
+void WindowManager::frameDecoded() {
+    if (table_) table_->refreshLive();
+}
+
+void WindowManager::updateDisplay() {
+    if (dashboard_) dashboard_->UPDATE_DISPLAY();
+}
+
+void WindowManager::resetDashboard() {
+    if (dashboard_) dashboard_->Reset_Dashboard();
+}
+
+// ---- Redrawing
+
+void WindowManager::refresh() {
+    const std::uint64_t console = session_.console.changes();
+    const std::uint64_t link = session_.link.status().changes;
+    const bool moved = console != consoleSeen_ || link != linkSeen_;
+    if (!moved && ++idleFirings_ < idleFiringsPerRefresh) return;
+    idleFirings_ = 0;
+    main_->refresh();
+    if (!config_) return;
+    if (console != consoleSeen_) config_->refreshConsoles();
+    if (link != linkSeen_) config_->refreshLink();
+    consoleSeen_ = console;
+    linkSeen_ = link;
+}
+
+// ---- Help and focus
+
+void WindowManager::fastHelp() {
+    QString key = helpKeyOf(QApplication::focusWidget());
+    if (key.isEmpty() && config_) key = config_->helpKey();
+    std::string text;
+    skipFailing([&] {
+        if (key.isEmpty() || !session_.database) return;
+        const auto row = session_.database->help(key.toStdString());
+        if (row) text = row->text;
+    });
+    if (text.empty()) text = "There is no help on this field.";
+    constexpr int helpMessage = 0;
+    session_.messages.Display_Message(helpMessage, text);
+}
+
+void WindowManager::focusChanged(QWidget* now) {
+    if (now == nullptr || !config_) return;
+    if (table_ && (now == table_ || table_->isAncestorOf(now))) {
+        session_.messages.ActiveFormName = "frmTABLE";
+    } else if (now == config_ || config_->isAncestorOf(now)) {
+        session_.messages.ActiveFormName = "frmConfig";
+    }
+}
+
+}  // namespace zentaq

@@ -1,0 +1,105 @@
+// The windows of the program as the core sees them. It makes them in the order of the start sequence, hands
+// the core's news to them and redraws them from plain data, at most sixty times a second.
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+#include <memory>
+
+#include "app/main_commands.h"
+#include "app/session.h"
+#include "app/start_up.h"
+#include "app/window_set.h"
+#include "windows/frm_config.h"
+#include "windows/frm_dashboard.h"
+#include "windows/frm_table.h"
+#include "windows/mdi_main.h"
+#include "windows/splash.h"
+
+class QApplication;
+class QSplitter;
+
+namespace zentaq {
+
+class WindowManager : public QObject, public WindowSet {
+    Q_OBJECT
+
+ public:
+    static constexpr int refreshMs = 16;
+
+    WindowManager(QApplication& application, Session& session, MainCommands& commands, Kernel& kernel);
+    ~WindowManager() override;
+
+    MdiMain& main() { return *main_; }
+    FrmConfig* config() { return config_; }
+    FrmDashBoard* dashboard() { return dashboard_; }
+    FrmTable* table() { return table_; }
+    FrmSplash* splashWindow() { return splash_.get(); }
+    /// The main window has been closed; the process ends.
+    bool closed() const { return closed_; }
+    /// Brings the windows up to date with the change counters now.
+    void refresh();
+
+    void showMain() override;
+    void enableToolbar(bool on) override { main_->enableToolbar(on); }
+    void splash(std::string_view text) override;
+    void showConfig() override;
+    void showDashboard() override;
+    void showCommList(bool on) override;
+    void focusForm(const std::string& form) override;
+    void showTip(const std::string& text) override;
+    void killTimers() override;
+    void closeMain() override;
+
+    void titleChanged(const std::string& title) override { main_->showTitle(title); }
+    void setupNodes() override;
+    void showStartTab() override;
+    void onFlyChanged(bool on) override;
+    void onFlyLock(bool busy) override;
+    void removeForms() override;
+    void openTable(const std::string& table, const std::string& title) override;
+    void showUnit() override;
+
+    void dayMode() override;
+    void nightMode() override;
+    void unitKindFound(int slot) override;
+    void codesReceived() override;
+    void codesCleared() override;
+    void frameDecoded() override;
+    void updateDisplay() override;
+    void resetDashboard() override;
+    void clearPanel3() override { main_->clearPanel3(); }
+    void later(std::function<void()> something) override { QTimer::singleShot(0, this, std::move(something)); }
+
+ Q_SIGNALS:
+    /// The core has shut down and the main window is closed.
+    void mainClosed();
+
+ private:
+    void hideSplash();
+    void makeCentre();
+    void makeTable();
+    void placeTable(bool docked);
+    void takeStoredColors();
+    void fastHelp();
+    void focusChanged(QWidget* now);
+
+    QApplication& application_;
+    Session& session_;
+    MainCommands& commands_;
+    std::unique_ptr<MdiMain> main_;
+    std::unique_ptr<FrmSplash> splash_;
+    QPointer<FrmConfig> config_;
+    QPointer<FrmDashBoard> dashboard_;
+    QPointer<FrmTable> table_;
+    QSplitter* centre_ = nullptr;
+    QTimer tmrRefresh_;
+    std::uint64_t consoleSeen_ = 0;
+    std::uint64_t linkSeen_ = 0;
+    int idleFirings_ = 0;
+    bool treeReady_ = false;
+    bool closed_ = false;
+};
+
+}  // namespace zentaq

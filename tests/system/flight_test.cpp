@@ -1,0 +1,113 @@
+// Program and simulated unit as two processes over a real terminal at the true wire pace.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+
+#include "system/flight_rig.h"
+
+namespace zentaq {
+namespace {
+
+constexpr int patienceMs = 20'000;
+
+class Flight : public testing::Test {
+ protected:
+    int argc_ = 1;
+    std::string name_ = "flight";
+    char* argv_[2] = {name_.data(), nullptr};
+    QApplication application{argc_, argv_};
+    TempFolder folder;
+    std::string link = folder.path("unit");
+    std::string memoryFile = folder.path("memory.bin");
+    std::string calibration = folder.path("flight.ZQ4OA");
+
+    void SetUp() override {
+        std::filesystem::create_directory(folder.path("app"));
+        std::filesystem::copy_file(anySample(), calibration);
+    }
+};
+
+TEST_F(Flight, AWholeFlightFromIdentificationToTheReturnOfTheCable) {
+    auto unit = std::make_unique<UnitProcess>(link, memoryFile, QStringList{"--serial", "200042"});
+    ASSERT_TRUE(unit->ready());
+    Program program(application, folder.path("app"), link);
+    Session& session = program.session;
+    program.kernel.load();
+
+    // The link finds the unit by itself.
+    ASSERT_TRUE(Program::waitFor([&] { return program.identified(); }, patienceMs));
+    EXPECT_EQ(session.link.linked().SerialNumber, 200042);
+    EXPECT_EQ(session.link.linked().LinkedUnitKind, 3);
+    EXPECT_EQ(session.link.status().serialNumber, "200042");
+    EXPECT_TRUE(session.link.linked().WideMonitor);
+    ASSERT_TRUE(program.open(calibration));
+    EXPECT_TRUE(session.currentUnitObject().ONFLY_MODE());
+
+    // Ten seconds of live frames; the engine moves.
+    std::set<float> speeds;
+    const auto framesBefore = session.live.frames;
+    Program::waitFor(
+        [&] {
+            speeds.insert(session.live.RPM);
+            return false;
+        },
+        10'000);
+    EXPECT_GT(session.live.frames - framesBefore, 100u);
+    EXPECT_GT(speeds.size(), 20u);
+    EXPECT_GT(*speeds.rbegin(), 500);
+
+    // A change of one VE cell is one byte of the unit's memory: 12 + 50 = 62 at 912 + 37.
+    ASSERT_TRUE(session.currentUnitObject().set("VE", 12.0, 37));
+    EXPECT_TRUE(Program::waitFor(
+        [&] {
+            const auto memory = bytesOf(memoryFile);
+            return memory.size() > 949 && memory[949] == 62;
+        },
+        patienceMs));
+
+    // Programming: 147 lines and the unit's memory is the image.
+    program.commands.programOrb();
+    EXPECT_TRUE(session.link.TransferActive() || session.link.QueuedCommands() > 0);
+    ASSERT_TRUE(Program::waitFor(
+        [&] { return program.boxShown("You have successfully programmed your ORB unit."); }, patienceMs));
+    const std::vector<std::uint8_t> image = session.currentUnitObject().memoryBytes();
+    ASSERT_EQ(image.size(), 147u * 16u);
+    const std::vector<std::uint8_t> memory = bytesOf(memoryFile);
+    ASSERT_GE(memory.size(), image.size());
+    EXPECT_TRUE(std::equal(image.begin(), image.end(), memory.begin()));
+    EXPECT_FALSE(session.link.TransferActive());
+
+    // The file is whole and opens again.
+    session.markModified();
+    program.commands.save();
+    EXPECT_EQ(std::filesystem::file_size(calibration), 11324u);
+    ASSERT_TRUE(program.open(calibration));
+    EXPECT_EQ(session.currentUnitObject().get("VE", 37), 12);
+
+    // The cable is pulled: the link goes down and says so.
+    unit->stop();
+    ASSERT_TRUE(Program::waitFor([&] { return session.link.linked().LinkedUnitKind == 0; }, patienceMs));
+    ASSERT_TRUE(
+        Program::waitFor([&] { return session.link.status().noConnectText == "Connecting..."; }, patienceMs));
+    EXPECT_FALSE(session.currentUnitObject().ONFLY_MODE());
+
+    // It comes back by itself, and changes reach the unit again.
+    unit = std::make_unique<UnitProcess>(link, memoryFile, QStringList{"--serial", "200042"});
+    ASSERT_TRUE(unit->ready());
+    ASSERT_TRUE(Program::waitFor([&] { return program.identified(); }, patienceMs));
+    EXPECT_TRUE(session.currentUnitObject().ONFLY_MODE());
+    const auto framesAfterReturn = session.live.frames;
+    EXPECT_TRUE(Program::waitFor([&] { return session.live.frames > framesAfterReturn + 20; }, patienceMs));
+
+    // The log tells the story.
+    program.kernel.System_Shutdown(true);
+    const std::string log = program.log();
+    for (const char* line : {"User Interface Initialized.", "Connection with ORB Established.", "ORB :: Firmware:",
+                             "Loaded Calibration: ", "ORB: Upload Successful, Program Verified!", "System Shutdown!"}) {
+        EXPECT_NE(log.find(line), std::string::npos) << line;
+    }
+}
+
+}  // namespace
+}  // namespace zentaq

@@ -1,0 +1,342 @@
+// The dashboard on a real session: decoded frames in, texts, needles, lamps and paint events out.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "app/fake_platform.h"
+#include "app/main_commands.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+
+#include "windows/frm_dashboard.h"
+
+namespace zentaq {
+namespace {
+
+using testing::Each;
+
+/// Hands the core's news to the dashboard as the program does.
+class DashboardWindows : public WindowSet {
+ public:
+    void updateDisplay() override { dashboard->UPDATE_DISPLAY(); }
+    void resetDashboard() override { dashboard->Reset_Dashboard(); }
+    void codesReceived() override { dashboard->codesChanged(); }
+    void codesCleared() override { dashboard->codesChanged(); }
+    FrmDashBoard* dashboard = nullptr;
+};
+
+class PaintCounter : public QObject {
+ public:
+    explicit PaintCounter(QObject* watched) { watched->installEventFilter(this); }
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Paint) ++paints;
+        return false;
+    }
+    int paints = 0;
+};
+
+class Dashboard : public testing::Test {
+ protected:
+    static constexpr int orbA = 3;
+    FakeSession fake;
+    MainCommands commands{fake.session};
+    DashboardWindows windows;
+    std::unique_ptr<FrmDashBoard> board;
+
+    Dashboard() {
+        fake.session.attach(windows);
+        fake.session.makeUnits();
+        fake.session.CurrentUnit(orbA);
+        fake.session.header().programVersion = 9.44f;
+        unit().FW_Release(5);
+        unit().set("REV_Limiter", 6500);
+        makeBoard();
+    }
+    ~Dashboard() override { fake.session.attach(fake.windows); }
+
+    Unit& unit() { return fake.session.currentUnitObject(); }
+    void makeBoard() {
+        board = std::make_unique<FrmDashBoard>(fake.session, commands);
+        windows.dashboard = board.get();
+        board->resize(1366, 300);
+        board->show();
+        QApplication::processEvents();
+    }
+    /// A narrow frame of 35 bytes: 3250 rpm, 28.5 degrees, 88 C coolant, 31 C air, 1.53 V throttle, 13.8 V.
+    static std::vector<std::uint8_t> frame(int rpm = 3250) {
+        std::vector<std::uint8_t> bytes(35, 0);
+        bytes[0] = static_cast<std::uint8_t>(rpm / 256);
+        bytes[1] = static_cast<std::uint8_t>(rpm % 256);
+        bytes[2] = 121;   // / 4.25
+        bytes[4] = 172;   // * 190 / 255 - 40
+        bytes[7] = 31;    // / 2.55
+        bytes[8] = 95;    // * 190 / 255 - 40
+        bytes[9] = 78;    // / 51
+        bytes[10] = 205;  // * 0.067432
+        return bytes;
+    }
+    void feed(const std::vector<std::uint8_t>& bytes) {
+        fake.session.decoder.Monitor(unit(), bytes);
+        fake.session.windows().updateDisplay();
+    }
+    /// A frame's time later, so that it is drawn at once.
+    void show(const std::vector<std::uint8_t>& bytes) {
+        fake.clock.nowUs += 1'000'000;
+        feed(bytes);
+    }
+    std::string text(const char* name) { return board->panel().label(name).text().toStdString(); }
+    template <typename Object>
+    Object* find(const char* name) {
+        return board->findChild<Object*>(QLatin1String(name));
+    }
+    static void fire(QTimer* timer) {
+        const int interval = timer->interval();
+        int fired = 0;
+        const auto counter = QObject::connect(timer, &QTimer::timeout, timer, [&fired] { ++fired; });
+        timer->start(0);
+        while (fired == 0) QApplication::processEvents();
+        QObject::disconnect(counter);
+        if (timer->isActive()) timer->start(interval);
+    }
+};
+
+TEST_F(Dashboard, HasEveryNamedControl) {
+    EXPECT_EQ(board->objectName(), "frmDashBoard");
+    for (const char* name :
+         {"fraNoConnect",  "lblGeneral",  "lblCheckEngine", "txtGPIO",    "lstGPO",
+          "btnShowDetail", "lblTach",     "lblMAP",         "lblAMAP",    "lblTPS",
+          "lblCLT",        "lblMAT",      "lblVolt",        "lblKNK",     "lblADV",
+          "lblSADV",       "lblADVSplit", "lblRetard",      "lblTFPW",    "lblEGOC",
+          "lblEGOV",       "lblDAFR",     "lblAAFR",        "lblIAC",     "lblIACDirection",
+          "lblPPW",        "lblSPW",      "lblPID",         "lblSID",     "lblPOT",
+          "lblSOT",        "lblSIP",      "lblTemp",        "Tachometer", "TPS",
+          "MAT",           "Coolant",     "VOLT",           "AFR",        "IAC"}) {
+        EXPECT_NE(find<QWidget>(name), nullptr) << name;
+    }
+    for (const char* name : {"tmrUpdate", "flashTimer", "tmrCHKE_Status"}) {
+        EXPECT_NE(find<QTimer>(name), nullptr) << name;
+    }
+}
+
+TEST_F(Dashboard, EveryReadOutAndLampHasAnAccessibleName) {
+    for (const auto* label : board->findChildren<LiveLabel*>()) {
+        EXPECT_FALSE(label->accessibleName().isEmpty()) << label->objectName().toStdString();
+    }
+    EXPECT_EQ(board->panel().label("lblTach").accessibleName(), "Engine Speed");
+}
+
+TEST_F(Dashboard, DecodedFrameShowsItsNumbers) {
+    show(frame());
+    EXPECT_EQ(text("lblTach"), "3250");
+    EXPECT_EQ(text("lblADV"), "28.5");
+    EXPECT_EQ(text("lblCLT"), "88");
+    EXPECT_EQ(text("lblMAT"), "31");
+    EXPECT_EQ(text("lblTPS"), "1.53");
+    EXPECT_EQ(text("lblVolt"), "13.8");
+    EXPECT_EQ(text("lblKNK"), "12");
+    EXPECT_EQ(text("lblTemp"), "\u00B0C");
+    EXPECT_EQ(board->panel().label("lblTach").accessibleDescription(), "3250 rpm");
+}
+
+TEST_F(Dashboard, TemperaturesFollowTheFahrenheitSetting) {
+    fake.settings.set("System", "TemperatureToggle", "1");
+    show(frame());
+    EXPECT_EQ(text("lblCLT"), "190");  // 88 * 9 / 5 + 32 = 190.4
+    EXPECT_EQ(text("lblTemp"), "\u00B0F");
+    EXPECT_EQ(board->panel().label("lblCLT").unit(), "\u00B0F");
+}
+
+TEST_F(Dashboard, NeedlesStandAtTheAnglesOfTheirValues) {
+    show(frame());
+    EXPECT_NEAR(board->panel().gauge("Tachometer").angle(), 0.031804 * 3250 - 129, 0.001);
+    EXPECT_NEAR(board->panel().gauge("Coolant").angle(), 0.46 * 88 + 68, 0.001);
+    EXPECT_NEAR(board->panel().gauge("TPS").angle(), 16.5 * 1.53 - 55, 0.01);
+    EXPECT_NEAR(board->panel().gauge("VOLT").angle(), (13.8 - 7) * 7.5 + 155, 0.01);
+}
+
+TEST_F(Dashboard, LimiterAbove9000TakesTheScaleTo18000) {
+    unit().set("REV_Limiter", 12000);
+    show(frame());
+    EXPECT_NEAR(board->panel().gauge("Tachometer").angle(), 0.015902 * 3250 - 129, 0.001);
+    EXPECT_EQ(board->panel().gauge("Tachometer").face().ticks.back().label, "18");
+}
+
+TEST_F(Dashboard, DrawsAtMostSixtyTimesASecondWhateverTheFrameRate) {
+    PaintCounter tach(&board->panel().label("lblTach"));
+    const int before = board->redraws();
+    fake.clock.nowUs += 1'000'000;
+    for (int i = 0; i < 1000; ++i) {
+        feed(frame(1000 + i));
+        fake.clock.nowUs += 1000;
+        QApplication::sendPostedEvents();
+    }
+    const int redraws = board->redraws() - before;
+    EXPECT_LE(redraws, 60);
+    EXPECT_GE(redraws, 55);
+    EXPECT_GE(tach.paints, 1);
+    EXPECT_LE(tach.paints, redraws);
+}
+
+TEST_F(Dashboard, LastFrameOfABurstIsDrawnWithoutAnother) {
+    show(frame(1000));
+    feed(frame(2000));
+    EXPECT_EQ(text("lblTach"), "1000");
+    QElapsedTimer patience;
+    patience.start();
+    while (text("lblTach") != "2000" && patience.elapsed() < 5000) QApplication::processEvents();
+    EXPECT_EQ(text("lblTach"), "2000");
+}
+
+TEST_F(Dashboard, SameNumbersArePaintedOnce) {
+    show(frame());
+    QApplication::processEvents();
+    PaintCounter tach(&board->panel().label("lblTach"));
+    for (int i = 0; i < 5; ++i) {
+        show(frame());
+        QApplication::sendPostedEvents();
+    }
+    EXPECT_EQ(tach.paints, 0);
+}
+
+TEST_F(Dashboard, MovingNeedleDoesNotDrawItsFaceAgain) {
+    QApplication::processEvents();
+    auto& tach = board->panel().gauge("Tachometer");
+    const int faces = tach.facesDrawn();
+    ASSERT_GE(faces, 1);
+    PaintCounter paints(&tach);
+    for (int rpm = 1000; rpm < 3000; rpm += 100) {
+        show(frame(rpm));
+        QApplication::sendPostedEvents();
+    }
+    EXPECT_GE(paints.paints, 10);
+    EXPECT_EQ(tach.facesDrawn(), faces);
+}
+
+TEST_F(Dashboard, NoConnectPanelFollowsTheLink) {
+    auto* panel = find<QFrame>("fraNoConnect");
+    auto* general = find<QLabel>("lblGeneral");
+    EXPECT_TRUE(panel->isHidden());
+    fire(find<QTimer>("tmrUpdate"));  // nothing has been identified yet
+    EXPECT_FALSE(panel->isHidden());
+    EXPECT_EQ(general->text(), "Connecting...");
+    fake.session.link.showNoConnectPanel("Updating");
+    board->showLinkState();
+    EXPECT_EQ(general->text(), "Updating");
+    fake.session.link.hideNoConnectPanel();
+    board->showLinkState();
+    EXPECT_TRUE(panel->isHidden());
+}
+
+TEST_F(Dashboard, SecondTabShowingMovesThePanelOutOfSight) {
+    bool second = false;
+    board->secondTabShowing([&] { return second; });
+    fire(find<QTimer>("tmrUpdate"));
+    ASSERT_FALSE(find<QFrame>("fraNoConnect")->isHidden());
+    second = true;
+    fire(find<QTimer>("tmrUpdate"));
+    EXPECT_TRUE(find<QFrame>("fraNoConnect")->isHidden());
+}
+
+TEST_F(Dashboard, PollsAtTheRateOfTheSetting) {
+    fake.settings.set("System", "ADUR", "50");
+    board->startTimers();
+    EXPECT_EQ(find<QTimer>("tmrUpdate")->interval(), 20);
+    EXPECT_EQ(find<QTimer>("tmrUpdate")->timerType(), Qt::PreciseTimer);
+    board->Kill_Timers();
+    for (const char* name : {"tmrUpdate", "flashTimer", "tmrCHKE_Status"}) {
+        EXPECT_FALSE(find<QTimer>(name)->isActive()) << name;
+    }
+}
+
+TEST_F(Dashboard, CoolantAtTheAlarmFlashesRedAndYellow) {
+    fake.settings.set("System", "CLTAlarmValue", "88");
+    show(frame());
+    auto& coolant = board->panel().label("lblCLT");
+    ASSERT_TRUE(find<QTimer>("flashTimer")->isActive());
+    EXPECT_EQ(coolant.alarm(), QColor(255, 0, 0));
+    fire(find<QTimer>("flashTimer"));
+    EXPECT_EQ(coolant.alarm(), QColor(255, 255, 0));
+    EXPECT_EQ(board->panel().label("lblMAT").alarm(), std::nullopt);
+    fake.settings.set("System", "CLTAlarmValue", "89");
+    show(frame());
+    EXPECT_EQ(coolant.alarm(), std::nullopt);
+    EXPECT_FALSE(find<QTimer>("flashTimer")->isActive());
+}
+
+TEST_F(Dashboard, OverRevAndCheckEngineLampsLight) {
+    unit().set("REV_Limiter", 3249);
+    auto bytes = frame();
+    bytes[11] = 1;
+    show(bytes);
+    EXPECT_EQ(board->panel().overRevLamp->color(), QColor(255, 255, 0));
+    EXPECT_EQ(board->panel().checkEngineLamp->color(), QColor(255, 0, 0));
+    unit().set("REV_Limiter", 3250);
+    show(frame());
+    EXPECT_FALSE(board->panel().overRevLamp->lit());
+    EXPECT_FALSE(board->panel().checkEngineLamp->lit());
+}
+
+TEST_F(Dashboard, CheckEngineAreaStepsThroughItsCodes) {
+    auto* area = find<QLabel>("lblCheckEngine");
+    fake.session.codes.Update_CHKE("21 - TPS Sensor Failed High");
+    fake.session.codes.Update_CHKE("12 - Trigger Wheel Error");
+    board->codesChanged();
+    const QString first = area->text();
+    fire(find<QTimer>("tmrCHKE_Status"));
+    const QString second = area->text();
+    EXPECT_THAT((std::vector{first, second}),
+                testing::UnorderedElementsAre("TPS SEN\nFAIL HI", "TRIGGER\nERROR  "));
+    fake.session.codes.Clear_CHKE();
+    board->codesChanged();
+    EXPECT_TRUE(area->text().isEmpty());
+}
+
+TEST_F(Dashboard, InputsAndOutputsAreListed) {
+    show(frame());
+    auto* list = find<QListWidget>("lstGPO");
+    EXPECT_EQ(list->count(), unit().kind().numGpio + 1);
+    list->setCurrentRow(2);
+    EXPECT_EQ(find<QLineEdit>("txtGPIO")->text(), list->item(2)->text());
+}
+
+TEST_F(Dashboard, ResetEmptiesTheLabelsAndRestsTheNeedles) {
+    show(frame());
+    fake.session.windows().resetDashboard();
+    std::vector<std::string> texts;
+    for (const auto* label : board->findChildren<LiveLabel*>()) texts.push_back(label->text().toStdString());
+    EXPECT_EQ(texts.size(), 27u);
+    EXPECT_THAT(texts, Each(std::string()));
+    EXPECT_NEAR(board->panel().gauge("Tachometer").angle(), -123, 0.001);
+    EXPECT_FALSE(board->panel().checkEngineLamp->lit());
+}
+
+TEST_F(Dashboard, StoredColoursApplyAndAnEmptyOneTakesTheModesOwn) {
+    EXPECT_EQ(board->panel().gauge("TPS").needleColor(), QColor(255, 0, 0));
+    fake.settings.set("System", "NeedleColor", "65280");  // red + 256 * green + 65536 * blue
+    makeBoard();
+    EXPECT_EQ(board->panel().gauge("TPS").needleColor(), QColor(0, 255, 0));
+    board->Set_Needle_Color("16711680");
+    EXPECT_EQ(board->panel().gauge("TPS").needleColor(), QColor(0, 0, 255));
+    board->Set_Needle_Color("");
+    EXPECT_EQ(board->panel().gauge("TPS").needleColor(), QColor(255, 0, 0));
+}
+
+TEST_F(Dashboard, DayIsBrightAndNightIsDark) {
+    const auto corner = [this] { return board->grab().toImage().pixelColor(1, 1).lightness(); };
+    board->Day_Mode();
+    EXPECT_GT(corner(), 200);
+    board->Night_Mode();
+    EXPECT_LT(corner(), 60);
+}
+
+TEST_F(Dashboard, WithoutACalibrationOverRevStaysDark) {
+    fake.session.CurrentUnit(0);
+    fake.session.live.RPM = 3250;
+    fake.clock.nowUs += 1'000'000;
+    board->UPDATE_DISPLAY();
+    EXPECT_EQ(text("lblTach"), "3250");
+    EXPECT_FALSE(board->panel().overRevLamp->lit());
+}
+
+}  // namespace
+}  // namespace zentaq

@@ -1,0 +1,491 @@
+// The table window on a real session with an ORB A calibration: keys in; grid, calibration, boxes and the
+// wire out.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "app/fake_platform.h"
+#include "app/main_commands.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QHeaderView>
+#include <QScrollBar>
+
+#include "windows/frm_table.h"
+
+namespace zentaq {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class TableWindows : public RecordingWindows {
+ public:
+    void onFlyLock(bool busy) override { table->onFlyLock(busy); }
+    FrmTable* table = nullptr;
+};
+
+class Table : public testing::Test {
+ protected:
+    static constexpr int orbA = 3;
+    static constexpr int lines = 16;
+    FakeSession fake;
+    MainCommands commands{fake.session};
+    TableWindows windows;
+    std::unique_ptr<FrmTable> form;
+
+    Table() {
+        fake.session.makeUnits();
+        fake.session.CurrentUnit(orbA);
+        fake.session.header().programVersion = 9.44f;
+        unit().FW_Release(5);
+        for (int i = 0; i < lines; ++i) {
+            unit().set("RPMTBL", 500 * (i + 1), i);
+            unit().set("MAPTBL", 20 + 5 * i, i);
+        }
+        form = std::make_unique<FrmTable>(fake.session, commands);
+        windows.table = form.get();
+        fake.session.attach(windows);
+        form->resize(1366, 420);
+        form->show();
+        form->activateWindow();
+        form->Setup_Grid("VE", "Volumetric Efficiency Table");
+        form->setFocus();
+        QApplication::processEvents();
+        fake.dialogs.boxes.clear();
+        fake.session.DataModified = false;
+    }
+    ~Table() override { fake.session.attach(fake.windows); }
+
+    Unit& unit() { return fake.session.currentUnitObject(); }
+    TableGridView& grid() { return form->grid(); }
+    QLineEdit& box() { return form->inputBox(); }
+    std::string cell(int row, int column) { return form->model()->grid().text(row, column); }
+    std::string shown(int row, int column) {
+        return grid().model()->index(row - 1, column - 1).data().toString().toStdString();
+    }
+    float ve(int index) { return unit().get("VE", index); }
+
+    /// A key to whatever has the focus, as the keyboard would send it.
+    void key(int code, const QString& text = {}, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QWidget* target = QApplication::focusWidget();
+        ASSERT_NE(target, nullptr);
+        QKeyEvent press(QEvent::KeyPress, code, modifiers, text);
+        QApplication::sendEvent(target, &press);
+    }
+    void type(const QString& text) {
+        for (const QChar letter : text) key(letter.toUpper().unicode(), letter);
+    }
+    void enter() { key(Qt::Key_Return, "\r"); }
+    void stand(int row, int column) { grid().setCurrentIndex(grid().model()->index(row - 1, column - 1)); }
+    void select(int top, int left, int bottom, int right) {
+        const QAbstractItemModel* model = grid().model();
+        stand(top, left);
+        grid().selectionModel()->select(
+            {model->index(top - 1, left - 1), model->index(bottom - 1, right - 1)},
+            QItemSelectionModel::ClearAndSelect);
+    }
+    /// The link runs on a port that is there; the calibration is on the running unit.
+    void goLive() {
+        fake.session.link.load();
+        fake.ticker.start();
+        unit().ONFLY_MODE(true);
+    }
+    void tick(int count = 1) { fake.ticker.run(count); }
+    void answerOnFly() { fake.port.deliver({'A', 'X'}); }
+    static QImage picture(QWidget& widget) { return widget.grab().toImage(); }
+};
+
+TEST_F(Table, HasEveryNamedControl) {
+    EXPECT_EQ(form->objectName(), "frmTABLE");
+    for (const char* name : {"Grid1", "txtInputValue", "TblMarker", "fraDotFrame", "Toolbar1", "txtTOG",
+                             "lblTOG", "txtIOT", "lblIOT", "lblDspTable", "lblDspTableVal", "Label2"}) {
+        EXPECT_NE(form->findChild<QWidget*>(QLatin1String(name)), nullptr) << name;
+    }
+    for (const char* name : {"Home", "Save", "Manage", "Print", "Docking", "Close"}) {
+        EXPECT_NE(form->findChild<QAction*>(QLatin1String(name)), nullptr) << name;
+    }
+    EXPECT_EQ(form->findChild<QLabel*>("lblTitle")->text(), "Volumetric Efficiency Table");
+}
+
+TEST_F(Table, LowestRowHeaderStandsAtTheBottomAndLowestSpeedAtTheLeft) {
+    const QAbstractItemModel* model = grid().model();
+    EXPECT_EQ(model->rowCount(), 16);
+    EXPECT_EQ(model->columnCount(), 16);
+    EXPECT_EQ(model->headerData(0, Qt::Vertical).toString(), "95");
+    EXPECT_EQ(model->headerData(15, Qt::Vertical).toString(), "20");
+    EXPECT_EQ(model->headerData(0, Qt::Horizontal).toString(), "500");
+    EXPECT_EQ(model->headerData(15, Qt::Horizontal).toString(), "8000");
+}
+
+TEST_F(Table, AllCellsAreInSightInAHeightOf380) {
+    form->resize(1000, 380);
+    QApplication::processEvents();
+    EXPECT_FALSE(grid().verticalScrollBar()->isVisible());
+    EXPECT_FALSE(grid().horizontalScrollBar()->isVisible());
+    EXPECT_TRUE(grid().viewport()->rect().contains(grid().cellRect(16, 16)));
+}
+
+TEST_F(Table, TypingANumberAndEnterWritesTheCell) {
+    stand(16, 3);
+    type("12");
+    EXPECT_TRUE(box().isVisible());
+    EXPECT_EQ(box().text(), "12");
+    EXPECT_EQ(ve(2), 0);
+    enter();
+    EXPECT_FALSE(box().isVisible());
+    EXPECT_EQ(ve(2), 12);
+    EXPECT_EQ(shown(16, 3), "12");
+    EXPECT_TRUE(fake.session.DataModified);
+    EXPECT_EQ(QApplication::focusWidget(), &grid());
+}
+
+TEST_F(Table, TypedValueGoesToTheRunningUnitAtOnce) {
+    goLive();
+    stand(1, 1);  // stored row 15: index 240, address 4352 + 912 + 240 = 0x1580
+    type("12");
+    enter();
+    tick();
+    // 12 + 50 = 0x3E; 0x04 + 0x15 + 0x80 + 0x3E = 0xD7, inverted 0x28
+    EXPECT_THAT(fake.port.written, ElementsAre("P2S10415803E28"));
+}
+
+TEST_F(Table, RefusedValueWarnsAndTheBoxHoldsTheOldText) {
+    goLive();
+    stand(16, 1);
+    type("51");
+    enter();
+    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
+    EXPECT_EQ(fake.dialogs.boxes[0].title, "Data Input Error");
+    EXPECT_THAT(fake.dialogs.boxes[0].text, HasSubstr("(-50 to 50%) - Invalid Entry."));
+    EXPECT_TRUE(box().isVisible());
+    EXPECT_TRUE(box().hasFocus());
+    EXPECT_EQ(box().text(), "0");
+    EXPECT_EQ(ve(0), 0);
+    EXPECT_FALSE(fake.session.DataModified);
+    tick(3);
+    EXPECT_THAT(fake.port.written, IsEmpty());
+}
+
+TEST_F(Table, EmptyBoxWarnsAsNull) {
+    stand(16, 1);
+    type("5");
+    key(Qt::Key_Backspace);
+    enter();
+    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
+    EXPECT_THAT(fake.dialogs.boxes[0].text, HasSubstr("Field CANNOT be NULL; please try again."));
+}
+
+TEST_F(Table, LettersAreNoStartOfANumber) {
+    stand(16, 1);
+    type("a");
+    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
+    EXPECT_THAT(fake.dialogs.boxes[0].text, HasSubstr("Non-numeric value detected."));
+    EXPECT_FALSE(box().isVisible());
+}
+
+TEST_F(Table, BoxTakesOnlyWhatLeadsToANumber) {
+    stand(16, 1);
+    type("-1x2.5y");
+    EXPECT_EQ(box().text(), "-12.5");
+}
+
+TEST_F(Table, EscapeLeavesTheCellAsItWas) {
+    stand(16, 1);
+    type("33");
+    key(Qt::Key_Escape);
+    EXPECT_FALSE(box().isVisible());
+    EXPECT_EQ(cell(16, 1), "0");
+    EXPECT_EQ(ve(0), 0);
+    EXPECT_EQ(QApplication::focusWidget(), &grid());
+}
+
+TEST_F(Table, SpaceOpensTheCellsOwnText) {
+    unit().set("VE", 7, 0);
+    form->Setup_Grid("", "");
+    stand(16, 1);
+    type(" ");
+    EXPECT_EQ(box().text(), "7");
+    EXPECT_EQ(box().selectedText(), "7");
+}
+
+TEST_F(Table, LeavingTheBoxPutsItsTextIntoTheCellUnchecked) {
+    stand(16, 1);
+    type("44");
+    stand(15, 1);
+    EXPECT_FALSE(box().isVisible());
+    EXPECT_EQ(cell(16, 1), "44");
+    EXPECT_EQ(ve(0), 0);
+}
+
+TEST_F(Table, EnterFillsTheWholeSelection) {
+    select(15, 2, 16, 4);
+    type("8");
+    enter();
+    EXPECT_THAT((std::vector{ve(1), ve(2), ve(3), ve(17), ve(18), ve(19)}), ElementsAre(8, 8, 8, 8, 8, 8));
+    EXPECT_EQ(ve(0), 0);
+    EXPECT_EQ(ve(4), 0);
+    EXPECT_EQ(ve(33), 0);
+}
+
+TEST_F(Table, FullStopAndCommaNudgeTheSelection) {
+    select(15, 1, 16, 2);
+    type("...");
+    type(",");
+    EXPECT_THAT((std::vector{ve(0), ve(1), ve(16), ve(17)}), ElementsAre(2, 2, 2, 2));
+    EXPECT_EQ(shown(16, 2), "2");
+    EXPECT_TRUE(fake.session.DataModified);
+}
+
+TEST_F(Table, NudgeBeyondTheRangeWarnsAndModifiesNothing) {
+    unit().set("VE", 50, 0);
+    form->Setup_Grid("", "");
+    stand(16, 1);
+    type(".");
+    EXPECT_EQ(ve(0), 50);
+    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
+    EXPECT_FALSE(fake.session.DataModified);
+}
+
+TEST_F(Table, KeysTypedWhileAChangeIsOnItsWayAreNotLost) {
+    goLive();
+    stand(16, 1);
+    type("12");
+    enter();
+    tick();
+    ASSERT_TRUE(form->locked());
+    type("34");
+    enter();
+    key(Qt::Key_Right);
+    type("56");
+    EXPECT_EQ(ve(0), 12) << "nothing is changed while locked";
+    answerOnFly();
+    tick(2);
+    EXPECT_FALSE(form->locked());
+    EXPECT_EQ(ve(0), 34);
+    EXPECT_EQ(form->model()->currentColumn(), 2);
+    EXPECT_EQ(box().text(), "56");
+}
+
+TEST_F(Table, BoxOpenedBeforeTheLockKeepsTheFocusAndItsEnterWaits) {
+    goLive();
+    stand(16, 1);
+    type("12");
+    enter();
+    type("3");  // the change is queued, the lock comes with the next tick
+    tick();
+    ASSERT_TRUE(form->locked());
+    type("4");
+    EXPECT_EQ(box().text(), "34");
+    enter();
+    EXPECT_EQ(ve(0), 12);
+    answerOnFly();
+    tick(2);
+    EXPECT_EQ(ve(0), 34);
+}
+
+TEST_F(Table, FocusReturnsToTheGridWhenTheLockEnds) {
+    form->onFlyLock(true);
+    form->findChild<QLineEdit*>("txtTOG")->setFocus();
+    form->onFlyLock(false);
+    EXPECT_EQ(QApplication::focusWidget(), &grid());
+    // Only the change from busy to free does it.
+    form->findChild<QLineEdit*>("txtTOG")->setFocus();
+    form->onFlyLock(false);
+    EXPECT_NE(QApplication::focusWidget(), &grid());
+}
+
+TEST_F(Table, LockedGridTakesNoClicks) {
+    stand(16, 1);
+    form->onFlyLock(true);
+    const QPointF place = grid().cellRect(4, 4).center();
+    QMouseEvent press(QEvent::MouseButtonPress, place, grid().viewport()->mapToGlobal(place), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(grid().viewport(), &press);
+    EXPECT_EQ(form->model()->currentRow(), 16);
+    form->onFlyLock(false);
+    QApplication::sendEvent(grid().viewport(), &press);
+    EXPECT_EQ(form->model()->currentRow(), 4);
+}
+
+TEST_F(Table, HeldDownKeyDoesNotGoOnAfterTheLock) {
+    stand(16, 1);
+    form->onFlyLock(true);
+    for (int i = 0; i < 30; ++i) {
+        QKeyEvent repeat(QEvent::KeyPress, Qt::Key_Period, Qt::NoModifier, ".", true);
+        QApplication::sendEvent(&grid(), &repeat);
+    }
+    form->onFlyLock(false);
+    EXPECT_EQ(ve(0), 0);
+}
+
+TEST_F(Table, DoubleClickOnAColumnHeaderAsksForItsValue) {
+    fake.dialogs.inputs.push_back("750");
+    Q_EMIT grid().horizontalHeader()->sectionDoubleClicked(0);
+    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
+    EXPECT_EQ(fake.dialogs.boxes[0].title, "Table Setup");
+    EXPECT_EQ(fake.dialogs.boxes[0].text, "Enter a New RPM Header Value...\n500");
+    EXPECT_EQ(unit().get("RPMTBL", 0), 750);
+    EXPECT_EQ(grid().model()->headerData(0, Qt::Horizontal).toString(), "750");
+    EXPECT_TRUE(fake.session.DataModified);
+}
+
+TEST_F(Table, CancelledHeaderPromptChangesNothing) {
+    fake.dialogs.inputs.push_back(std::nullopt);
+    Q_EMIT grid().verticalHeader()->sectionDoubleClicked(15);
+    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
+    EXPECT_EQ(fake.dialogs.boxes[0].text, "Enter a New MAP Header Value...\n20");
+    EXPECT_FALSE(fake.session.DataModified);
+}
+
+TEST_F(Table, CopyGivesTabSeparatedRowsAndPasteWritesThem) {
+    unit().set("VE", 1, 16);
+    unit().set("VE", 2, 17);
+    unit().set("VE", 3, 0);
+    unit().set("VE", 4, 1);
+    form->Setup_Grid("", "");
+    select(15, 1, 16, 2);
+    key(Qt::Key_C, "\x03", Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), "1\t2\n3\t4");
+    stand(1, 15);
+    key(Qt::Key_V, "\x16", Qt::ControlModifier);
+    EXPECT_THAT((std::vector{ve(254), ve(255), ve(238), ve(239)}), ElementsAre(1, 2, 3, 4));
+    EXPECT_EQ(shown(2, 16), "4");
+    EXPECT_TRUE(fake.session.DataModified);
+}
+
+TEST_F(Table, PastedTextThatIsNoValueShowsWhatTheCalibrationHolds) {
+    QApplication::clipboard()->setText("abc\t99\t5\n");
+    stand(16, 1);
+    key(Qt::Key_V, "\x16", Qt::ControlModifier);
+    EXPECT_EQ(shown(16, 1), "0");
+    EXPECT_EQ(shown(16, 2), "0");
+    EXPECT_EQ(shown(16, 3), "5");
+    EXPECT_EQ(ve(2), 5);
+}
+
+TEST_F(Table, CapitalAShowsAbsoluteValues) {
+    unit().set("VE", 7, 0);
+    form->Setup_Grid("", "");
+    type("A");
+    EXPECT_EQ(shown(16, 1), "107");
+    type("A");
+    EXPECT_EQ(shown(16, 1), "7");
+}
+
+TEST_F(Table, CapitalXClosesTheWindow) {
+    int closed = 0;
+    QObject::connect(form.get(), &FrmTable::closed, form.get(), [&] { ++closed; });
+    type("X");
+    EXPECT_EQ(closed, 1);
+    EXPECT_FALSE(form->isVisible());
+}
+
+TEST_F(Table, MarkerStandsBetweenTheHeadersOfTheLivePoint) {
+    QWidget* marker = form->findChild<QWidget*>("TblMarker");
+    EXPECT_TRUE(marker->isHidden());
+    form->Show_Current_Activity(1250, 40);  // half way from 1000 to 1500; row of 40 is the fifth from below
+    EXPECT_FALSE(marker->isHidden());
+    const int x = (grid().cellRect(12, 2).center().x() + grid().cellRect(12, 3).center().x()) / 2;
+    EXPECT_NEAR(marker->geometry().center().x(), x, 2);
+    EXPECT_NEAR(marker->geometry().center().y(), grid().cellRect(12, 2).center().y(), 2);
+}
+
+TEST_F(Table, LiveCellTurnsYellowAndTheCursorFollows) {
+    form->Show_Current_Activity(1000, 40);
+    EXPECT_EQ(form->model()->grid().colour(12, 2), 0x00FFFF);
+    EXPECT_EQ(grid().currentIndex().row(), 11);
+    EXPECT_EQ(grid().currentIndex().column(), 1);
+    stand(1, 1);
+    key(Qt::Key_Left);  // a key of the user ends the following
+    form->Show_Current_Activity(2000, 40);
+    EXPECT_EQ(form->model()->currentColumn(), 1);
+}
+
+TEST_F(Table, LiveCellIsDrawnAtMostSixtyTimesASecond) {
+    const int before = form->redraws();
+    fake.clock.nowUs += 1'000'000;
+    for (int i = 0; i < 1000; ++i) {
+        form->Show_Current_Activity(static_cast<float>(600 + 7 * i), 40);
+        fake.clock.nowUs += 1000;
+    }
+    EXPECT_LE(form->redraws() - before, 60);
+    EXPECT_GE(form->redraws() - before, 55);
+    // Every cell on the way is painted in the grid although few frames were drawn.
+    for (int column = 1; column <= 15; ++column) {
+        EXPECT_EQ(form->model()->grid().colour(12, column), 0x00FFFF) << column;
+    }
+}
+
+TEST_F(Table, FramesOfAnotherKindThanTheCalibrationMarkNothing) {
+    fake.session.live.RPM = 1000;
+    fake.session.live.MAP = 40;
+    form->refreshLive();  // nothing is on the link
+    EXPECT_TRUE(form->findChild<QWidget*>("TblMarker")->isHidden());
+}
+
+TEST_F(Table, NightTurnsWhiteCellsDarkAndKeepsTheHueOfAShade) {
+    EXPECT_EQ(cellColor(0xFFFFFF, DisplayMode::Day), QColor(255, 255, 255));
+    EXPECT_EQ(cellColor(0xFFFFFF, DisplayMode::Night), lookColors(DisplayMode::Night).surface);
+    EXPECT_EQ(cellColor(0x00FFFF, DisplayMode::Night), QColor(255, 255, 0));
+    EXPECT_EQ(cellColor(0x00FF00, DisplayMode::Night), QColor(0, 255, 0));
+    // Shades whose parts have run below zero: the low 24 bits count.
+    EXPECT_EQ(cellColor(-1, DisplayMode::Day), QColor(255, 255, 255));
+}
+
+TEST_F(Table, SavedButtonWritesWhatTheGridShows) {
+    stand(16, 1);
+    type("44");
+    form->findChild<QAction*>("Save")->trigger();
+    EXPECT_EQ(ve(0), 44);
+    EXPECT_TRUE(fake.session.DataModified);
+}
+
+TEST_F(Table, DockingButtonAsksAndSwapsItsPaddedCaption) {
+    std::vector<bool> asked;
+    QObject::connect(form.get(), &FrmTable::dockingAsked, form.get(),
+                     [&](bool docked) { asked.push_back(docked); });
+    auto* button = form->findChild<QAction*>("Docking");
+    EXPECT_EQ(button->text(), "Undock        ");
+    button->trigger();
+    EXPECT_EQ(button->text(), "Dock          ");
+    EXPECT_EQ(form->windowTitle(), "Volumetric Efficiency Table");
+    button->trigger();
+    EXPECT_EQ(form->windowTitle(), "");
+    EXPECT_THAT(asked, ElementsAre(false, true));
+}
+
+TEST_F(Table, ShowsEveryMainTable) {
+    for (const auto& [table, index, value, text] :
+         {std::tuple("ADV", 656, 20.0f, "20"), std::tuple("SPW", 1168, 35.0f, "35"),
+          std::tuple("VE", 912, -5.0f, "-5")}) {
+        unit().AssignDirectIndex(value, index);
+        form->Setup_Grid(table, "A Table");
+        EXPECT_EQ(form->tableName(), table);
+        EXPECT_EQ(shown(16, 1), text) << table;
+    }
+    unit().set("Get_AFR", 13.5, 0);
+    form->Setup_Grid("AFR", "A Table");
+    EXPECT_EQ(shown(16, 1), "13.5");
+}
+
+TEST_F(Table, FuelFieldsShowOnlyOnFuelTables) {
+    auto* gap = form->findChild<QLineEdit*>("txtTOG");
+    EXPECT_FALSE(gap->isHidden());
+    form->Setup_Grid("ADV", "Ignition Advance Table");
+    EXPECT_TRUE(gap->isHidden());
+    EXPECT_EQ(form->findChild<QLabel*>("lblDspTable")->text(), "Table Adv");
+}
+
+TEST_F(Table, LoadingAndUnloadingAreLogged) {
+    const auto lastLine = [this] { return std::string(fake.session.console.lines().back()); };
+    EXPECT_THAT(std::string(fake.session.console.lines().front()), HasSubstr("TABLE App. Loaded."));
+    windows.table = nullptr;
+    form.reset();
+    EXPECT_THAT(lastLine(), HasSubstr("TABLE App. Terminated."));
+}
+
+}  // namespace
+}  // namespace zentaq

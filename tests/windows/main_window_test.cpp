@@ -1,0 +1,227 @@
+#include "windows/mdi_main.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QStatusBar>
+#include <QToolButton>
+
+#include "qt/look.h"
+#include "windows/mdi_main_edit.h"
+#include "windows/window_fixture.h"
+
+namespace zentaq {
+namespace {
+
+using testing::ElementsAre;
+
+class MainWindow : public WindowTest {
+ protected:
+    QAction* action(const char* name) { return find<QAction>(name); }
+    QMenu* menu(const char* name) { return find<QMenu>(name); }
+    /// The texts of a menu's entries, one a line, with submenus indented.
+    static std::string drawing(const QMenu* menu, const std::string& indent = {}) {
+        std::string text;
+        for (const QAction* entry : menu->actions()) {
+            const QString name = entry->menu() != nullptr ? entry->menu()->objectName() : entry->objectName();
+            text += indent + name.toStdString() + ": " + entry->text().toStdString() + "\n";
+            if (entry->menu() != nullptr) text += drawing(entry->menu(), indent + "  ");
+        }
+        return text;
+    }
+};
+
+TEST_F(MainWindow, HasTheTitleOfTheSystem) {
+    EXPECT_EQ(windows.main().windowTitle(), "Norvalia Zentaq Engine Management System");
+    EXPECT_EQ(windows.main().objectName(), "mdiMain");
+}
+
+TEST_F(MainWindow, HasTheFileMenuWithItsSubmenus) {
+    EXPECT_EQ(drawing(menu("mnuFile")),
+              "mnuNew: Create a New Calibration File\n"
+              "mnuOpen: Open an Existing Calibration File\n"
+              "mnuSave: Save\n"
+              "mnuSaveAs: Save As\n"
+              "mnuConvertBINFile: Convert BIN File\n"
+              "  mnuConvertORBA: ORB A\n"
+              "  mnuConvertORBALite: ORB A-Lite\n"
+              "mnuPrint: Print\n"
+              "  mnuPrintBIN: Calibration File\n"
+              "  mnuPrintCurrentForm: Current Form\n"
+              "mnuClose: Close\n"
+              "mnuExit: Exit Program\n");
+}
+
+TEST_F(MainWindow, HasEveryMenuOfTheBarInOrder) {
+    std::vector<std::string> names;
+    for (const QAction* entry : windows.main().menuBar()->actions()) {
+        names.push_back(entry->menu()->objectName().toStdString());
+    }
+    EXPECT_THAT(names, ElementsAre("mnuFile", "mnuEdit", "mnuTools", "mnuWindow", "mnuHelp"));
+    EXPECT_NE(menu("mnuPopupTable"), nullptr) << "the pop-up exists beside the bar";
+}
+
+TEST_F(MainWindow, ShowsEveryEntryOfTheMenuTableWithItsCaption) {
+    for (const MenuEntry& entry : menuTree()) {
+        const std::string name(entry.name);
+        QAction* shown = action(name.c_str());
+        if (shown == nullptr) {
+            ASSERT_NE(menu(name.c_str()), nullptr) << name;
+            shown = menu(name.c_str())->menuAction();
+        }
+        EXPECT_EQ(shown->text().toStdString(), entry.caption) << name;
+    }
+}
+
+TEST_F(MainWindow, EntriesWhoseCommandComesLaterAreDisabled) {
+    for (const char* name : {"mnuNew", "mnuConvertORBA", "mnuConvertORBALite", "mnuPrintBIN", "mnuOptions",
+                             "mnuFirmwareUpgrade", "mnuHelpContents", "mnuInterpolate"}) {
+        EXPECT_FALSE(action(name)->isEnabled()) << name;
+    }
+    for (const char* name : {"mnuOpen", "mnuExit", "mnuProgramORB", "mnuVETbl", "mnuAbout", "mnuFastHelp"}) {
+        EXPECT_TRUE(action(name)->isEnabled()) << name;
+    }
+}
+
+TEST_F(MainWindow, SaveAndCloseWaitForAFile) {
+    EXPECT_FALSE(action("mnuSave")->isEnabled());
+    EXPECT_FALSE(action("mnuClose")->isEnabled());
+    openCalibration();
+    EXPECT_TRUE(action("mnuSave")->isEnabled());
+    EXPECT_TRUE(action("mnuSaveAs")->isEnabled());
+    EXPECT_TRUE(action("mnuClose")->isEnabled());
+}
+
+TEST_F(MainWindow, F2OpensFastHelp) {
+    EXPECT_EQ(action("mnuFastHelp")->shortcut(), QKeySequence(Qt::Key_F2));
+    action("mnuFastHelp")->trigger();
+    ASSERT_FALSE(fake.dialogs.boxes.empty());
+    EXPECT_EQ(fake.dialogs.boxes.back().title, "Help");
+}
+
+TEST_F(MainWindow, HasTheToolbarButtonsByKey) {
+    auto* toolbar = find<QToolBar>("Toolbar1");
+    ASSERT_NE(toolbar, nullptr);
+    std::vector<std::string> keys;
+    for (const QAction* button : toolbar->actions()) keys.push_back(button->objectName().toStdString());
+    EXPECT_THAT(keys, ElementsAre("New", "Open", "Save", "Program", "Print", "Options", "Help", "Shutdown"));
+}
+
+TEST_F(MainWindow, TheToolbarOpensACalibrationLikeTheMenu) {
+    fake.dialogs.files.push_back(calibrationFile());
+    find<QToolBar>("Toolbar1")->findChild<QAction*>("Open")->trigger();
+    EXPECT_EQ(fake.session.currentUnit(), 3);
+    EXPECT_EQ(windows.main().windowTitle().toStdString(),
+              "Current Calibration File: " + fake.session.CurrentFile);
+}
+
+TEST_F(MainWindow, ShowsOnFlyInItsPanelOnlyWhileTheModeIsOn) {
+    windows.onFlyChanged(true);
+    EXPECT_EQ(find<QLabel>("StatusBar1_Panel2")->text(), "ONFLY");
+    windows.onFlyChanged(false);
+    EXPECT_EQ(find<QLabel>("StatusBar1_Panel2")->text(), "");
+}
+
+TEST_F(MainWindow, Panel3TellsTheFirmwareUntilItIsCleared) {
+    fake.session.link.editStatus().panel3 = "ZQA5099";
+    windows.refresh();
+    EXPECT_EQ(find<QLabel>("StatusBar1_Panel3")->text(), "ZQA5099");
+    windows.clearPanel3();
+    windows.main().refresh();
+    EXPECT_EQ(find<QLabel>("StatusBar1_Panel3")->text(), "");
+    fake.session.link.editStatus().panel3 = "ZQA5100";
+    windows.refresh();
+    EXPECT_EQ(find<QLabel>("StatusBar1_Panel3")->text(), "ZQA5100");
+}
+
+TEST_F(MainWindow, ExitAsksAndCancelKeepsTheProgram) {
+    fake.dialogs.answers.push_back(Answer::Cancel);
+    action("mnuExit")->trigger();
+    EXPECT_EQ(fake.dialogs.boxes.back().text, "Would you like to Shutdown Zentaq?");
+    EXPECT_FALSE(windows.closed());
+    EXPECT_TRUE(windows.main().isVisible());
+}
+
+TEST_F(MainWindow, ExitEndsTheProgramOnOk) {
+    action("mnuExit")->trigger();
+    EXPECT_TRUE(windows.closed());
+    EXPECT_FALSE(windows.main().isVisible());
+    EXPECT_FALSE(fake.ticker.running());
+}
+
+TEST_F(MainWindow, ClosingWithUnsavedChangesAsksAndSavesOnOk) {
+    openCalibration();
+    fake.session.currentUnitObject().set("REV_Limiter", 7000);
+    fake.session.DataModified = true;
+    fake.dialogs.boxes.clear();
+    windows.main().close();
+    ASSERT_FALSE(fake.dialogs.boxes.empty());
+    EXPECT_EQ(fake.dialogs.boxes[0].title, "SAVE");
+    EXPECT_EQ(fake.dialogs.boxes[0].text, "Save changes?");
+    EXPECT_TRUE(windows.closed());
+    EXPECT_FALSE(fake.session.DataModified);
+}
+
+TEST_F(MainWindow, ClosingWithUnsavedChangesEndsWithoutSavingOnCancel) {
+    openCalibration();
+    fake.session.DataModified = true;
+    fake.dialogs.boxes.clear();
+    fake.dialogs.answers.push_back(Answer::Cancel);
+    windows.main().close();
+    EXPECT_EQ(fake.dialogs.boxes.size(), 1U);
+    EXPECT_TRUE(windows.closed());
+    EXPECT_TRUE(fake.session.DataModified) << "nothing was saved";
+}
+
+TEST_F(MainWindow, ClosingWithoutChangesAsksNothing) {
+    fake.dialogs.boxes.clear();
+    windows.main().close();
+    EXPECT_TRUE(fake.dialogs.boxes.empty());
+    EXPECT_TRUE(windows.closed());
+}
+
+TEST_F(MainWindow, RemembersItsPlace) {
+    windows.main().setGeometry(40, 60, 900, 600);
+    windows.main().close();
+    EXPECT_NE(fake.settings.get("Forms", "mdiMain"), "");
+}
+
+TEST_F(MainWindow, DayAndNightGoThroughTheWholeProgram) {
+    action("mnuMonitor_DayMode")->trigger();
+    EXPECT_EQ(appliedLook(*qApp), DisplayMode::Day);
+    action("mnuMonitor_NightMode")->trigger();
+    EXPECT_EQ(appliedLook(*qApp), DisplayMode::Night);
+}
+
+TEST_F(MainWindow, EditCommandsReachTheFieldInHand) {
+    QLineEdit field("1200");
+    field.selectAll();
+    EXPECT_TRUE(editCommand("mnuEdit_Cut", &field));
+    EXPECT_EQ(field.text(), "");
+    EXPECT_TRUE(editCommand("mnuEdit_Undo", &field));
+    EXPECT_EQ(field.text(), "1200");
+    field.deselect();
+    EXPECT_TRUE(editCommand("mnuEdit_SelectAll", &field));
+    EXPECT_EQ(field.selectedText(), "1200");
+    EXPECT_TRUE(editCommand("mnuEdit_Delete", &field));
+    EXPECT_EQ(field.text(), "");
+    EXPECT_FALSE(editCommand("mnuEdit_Copy", nullptr));
+}
+
+TEST_F(MainWindow, EveryButtonListAndFieldHasANameForTheScreenReader) {
+    for (const QWidget* widget : windows.main().findChildren<QWidget*>()) {
+        if (widget->focusPolicy() == Qt::NoFocus || widget->objectName().isEmpty()) continue;
+        if (widget->objectName().startsWith("qt_")) continue;
+        const auto* button = qobject_cast<const QAbstractButton*>(widget);
+        const bool named =
+            !widget->accessibleName().isEmpty() || (button != nullptr && !button->text().isEmpty());
+        EXPECT_TRUE(named) << widget->objectName().toStdString();
+    }
+}
+
+}  // namespace
+}  // namespace zentaq

@@ -1,0 +1,67 @@
+// A pair of terminals: the program opens one end like a serial port, the test plays the unit on the other
+// one.
+#pragma once
+
+#include <pty.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace zentaq {
+
+class PtyPair {
+ public:
+    PtyPair() {
+        char name[128] = {};
+        int slave = -1;
+        if (::openpty(&master_, &slave, name, nullptr, nullptr) != 0) throw std::runtime_error("no pty");
+        termios line{};
+        ::tcgetattr(slave, &line);
+        ::cfmakeraw(&line);
+        ::tcsetattr(slave, TCSANOW, &line);
+        ::close(slave);
+        path_ = name;
+    }
+    ~PtyPair() { hangUp(); }
+    PtyPair(const PtyPair&) = delete;
+    PtyPair& operator=(const PtyPair&) = delete;
+
+    const std::string& path() const { return path_; }
+
+    /// The cable is pulled.
+    void hangUp() {
+        if (master_ >= 0) ::close(master_);
+        master_ = -1;
+    }
+    void send(std::string_view bytes) const {
+        if (::write(master_, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size())) {
+            throw std::runtime_error("pty write");
+        }
+    }
+    /// What the program has written so far; never waits.
+    std::string received() const {
+        int count = 0;
+        ::ioctl(master_, FIONREAD, &count);
+        std::string bytes(static_cast<std::size_t>(count), '\0');
+        if (count > 0) bytes.resize(static_cast<std::size_t>(::read(master_, bytes.data(), bytes.size())));
+        return bytes;
+    }
+
+ private:
+    int master_ = -1;
+    std::string path_;
+};
+
+/// Where a unit of this name announces its terminal.
+inline void announce(const std::filesystem::path& folder, const std::string& name,
+                     const std::string& terminal) {
+    std::filesystem::remove(folder / name);
+    std::filesystem::create_symlink(terminal, folder / name);
+}
+
+}  // namespace zentaq

@@ -1,0 +1,217 @@
+#include "qt/qt_serial_port.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+
+#include "app/fake_platform.h"
+#include "platform/manual_clock.h"
+#include "qt/port_list.h"
+#include "windows/pty_pair.h"
+
+namespace zentaq {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+/// The port's times are driven by hand; only the bytes' way through the terminal is real.
+class SerialPortOnATerminal : public testing::Test {
+ protected:
+    TempFolder folder;
+    ManualClock clock;
+    QtSerialPort port{clock, [this] { return orderedPorts(simulatedPorts(folder.path()), {}); }};
+    int deliveries = 0;
+    std::vector<std::uint8_t> delivered;
+
+    SerialPortOnATerminal() {
+        port.onEvent([this](CommEvent event) {
+            if (event != CommEvent::DataReceived) return;
+            ++deliveries;
+            delivered = port.read();
+        });
+    }
+
+    /// Runs the event loop until `done`; a second of real time is far more than a terminal needs.
+    template <typename Condition>
+    bool eventually(Condition done) {
+        QElapsedTimer waiting;
+        waiting.start();
+        while (!done() && waiting.elapsed() < 1000) {
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+            port.service();
+        }
+        return done();
+    }
+    void pass(std::int64_t us) {
+        clock.advanceUs(us);
+        port.service();
+    }
+};
+
+TEST_F(SerialPortOnATerminal, RefusesANumberThatIsNotInTheList) {
+    EXPECT_THROW(port.open(1), Failure);
+    EXPECT_FALSE(port.isOpen());
+}
+
+TEST_F(SerialPortOnATerminal, RefusesAPortThatAnotherProgramHolds) {
+    const PtyPair line;
+    announce(folder.path(), "A", line.path());
+    QtSerialPort other{clock, [this] { return orderedPorts(simulatedPorts(folder.path()), {}); }};
+    other.open(1);
+    EXPECT_THROW(port.open(1), Failure);
+    other.close();
+    port.open(1);
+    EXPECT_TRUE(port.isOpen());
+}
+
+TEST_F(SerialPortOnATerminal, WritesAllBytesAtOnceIncludingThoseAbove127) {
+    const PtyPair line;
+    announce(folder.path(), "A", line.path());
+    port.open(1);
+    port.write(std::string("Z\xFF", 2));
+    std::string got;
+    EXPECT_TRUE(eventually([&] { return (got += line.received()).size() >= 2; }));
+    EXPECT_EQ(got, std::string("Z\xFF", 2));
+}
+
+TEST_F(SerialPortOnATerminal, DeliversAReplyOnceWhenTheLineHasGoneQuiet) {
+    const PtyPair line;
+    announce(folder.path(), "A", line.path());
+    port.open(1);
+    port.setReceiveThreshold(2);
+    line.send("AX");
+    ASSERT_TRUE(eventually([&] { return port.settling(); }));
+    pass(519);
+    EXPECT_EQ(deliveries, 0);
+    pass(1);
+    EXPECT_EQ(deliveries, 1);
+    EXPECT_THAT(delivered, ElementsAre('A', 'X'));
+    pass(10'000);
+    EXPECT_EQ(deliveries, 1);
+}
+
+TEST_F(SerialPortOnATerminal, HoldsBytesWhileTheThresholdIsZero) {
+    const PtyPair line;
+    announce(folder.path(), "A", line.path());
+    port.open(1);
+    port.setReceiveThreshold(0);
+    line.send("AX");
+    EXPECT_FALSE(eventually([&] {
+        clock.advanceUs(1000);
+        return deliveries > 0;
+    }));
+    EXPECT_THAT(port.read(), ElementsAre('A', 'X'));
+}
+
+TEST_F(SerialPortOnATerminal, ComesBackByItsIdentityUnderAnotherNumberAndTerminal) {
+    auto line = std::make_unique<PtyPair>();
+    announce(folder.path(), "M", line->path());
+    port.open(1);
+    port.setReceiveThreshold(2);
+    line->send("AX");
+    ASSERT_TRUE(eventually([&] {
+        clock.advanceUs(600);
+        return deliveries == 1;
+    }));
+    line->hangUp();
+    std::filesystem::remove(folder.path("M"));
+    ASSERT_TRUE(eventually([&] {
+        clock.advanceUs(QtSerialPort::lookUs);
+        return !port.present();
+    }));
+    EXPECT_TRUE(port.isOpen()) << "a pulled cable does not close the port";
+    port.write("F");  // Goes nowhere and fails nobody.
+
+    const PtyPair before;
+    const PtyPair again;
+    announce(folder.path(), "B", before.path());
+    announce(folder.path(), "M", again.path());
+    pass(QtSerialPort::lookUs);
+    ASSERT_TRUE(port.present());
+    again.send("PN");
+    ASSERT_TRUE(eventually([&] {
+        clock.advanceUs(600);
+        return deliveries == 2;
+    }));
+    EXPECT_THAT(delivered, ElementsAre('P', 'N'));
+    port.write("E");
+    std::string got;
+    EXPECT_TRUE(eventually([&] { return !(got += again.received()).empty(); }));
+    EXPECT_EQ(got, "E");
+    EXPECT_THAT(before.received(), IsEmpty());
+}
+
+TEST_F(SerialPortOnATerminal, ASilentDeviceGivesWayToTheOneThatTakesItsNumber) {
+    const PtyPair silent;
+    const PtyPair unit;
+    announce(folder.path(), "B", silent.path());
+    port.open(1);
+    announce(folder.path(), "A", unit.path());
+    pass(QtSerialPort::numberUs);
+    port.write("E");
+    std::string got;
+    EXPECT_TRUE(eventually([&] { return !(got += unit.received()).empty(); }));
+    EXPECT_EQ(silent.received(), "");
+}
+
+TEST_F(SerialPortOnATerminal, ADeviceThatHasSpokenIsKeptWhateverItsNumberBecomes) {
+    const PtyPair unit;
+    const PtyPair other;
+    announce(folder.path(), "B", unit.path());
+    port.open(1);
+    port.setReceiveThreshold(2);
+    unit.send("AX");
+    ASSERT_TRUE(eventually([&] { return port.settling(); }));
+    announce(folder.path(), "A", other.path());
+    pass(QtSerialPort::numberUs);
+    port.write("E");
+    std::string got;
+    EXPECT_TRUE(eventually([&] { return !(got += unit.received()).empty(); }));
+    EXPECT_EQ(other.received(), "");
+}
+
+TEST_F(SerialPortOnATerminal, LooksForAVanishedDeviceFourTimesASecondOnly) {
+    int looks = 0;
+    auto line = std::make_unique<PtyPair>();
+    announce(folder.path(), "A", line->path());
+    QtSerialPort counted{clock, [&] {
+                             ++looks;
+                             return orderedPorts(simulatedPorts(folder.path()), {});
+                         }};
+    counted.open(1);
+    counted.setReceiveThreshold(1);
+    line->send("A");
+    ASSERT_TRUE(eventually([&] {
+        counted.service();
+        return counted.settling();
+    }));
+    line->hangUp();
+    std::filesystem::remove(folder.path("A"));
+    clock.advanceUs(QtSerialPort::lookUs);
+    counted.service();
+    ASSERT_FALSE(counted.present());
+    looks = 0;
+    for (int ms = 0; ms < 1000; ++ms) {
+        clock.advanceUs(1000);
+        counted.service();
+    }
+    EXPECT_EQ(looks, 4);
+}
+
+TEST_F(SerialPortOnATerminal, CloseForgetsTheDeviceAndTheBytes) {
+    auto line = std::make_unique<PtyPair>();
+    announce(folder.path(), "A", line->path());
+    port.open(1);
+    line->send("A");
+    port.close();
+    EXPECT_FALSE(port.isOpen());
+    EXPECT_THAT(port.read(), IsEmpty());
+    pass(QtSerialPort::lookUs);
+    EXPECT_FALSE(port.present());
+}
+
+}  // namespace
+}  // namespace zentaq

@@ -1,0 +1,229 @@
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QDialog>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
+#include <cmath>
+#include <deque>
+
+#include "app/fake_platform.h"
+#include "qt/application.h"
+#include "qt/icons.h"
+#include "qt/line_model.h"
+#include "qt/look.h"
+#include "qt/qt_dialogs.h"
+#include "qt/qt_settings.h"
+#include "qt/value_label.h"
+
+namespace zentaq {
+namespace {
+
+/// Contrast of two colours as accessibility guidelines count it, 1 to 21.
+double contrast(const QColor& left, const QColor& right) {
+    const auto luminance = [](const QColor& color) {
+        const auto part = [](double value) {
+            return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * part(color.redF()) + 0.7152 * part(color.greenF()) + 0.0722 * part(color.blueF());
+    };
+    const double a = luminance(left) + 0.05;
+    const double b = luminance(right) + 0.05;
+    return std::max(a, b) / std::min(a, b);
+}
+
+TEST(Look, TextIsReadableByDayAndByNight) {
+    for (const DisplayMode mode : {DisplayMode::Day, DisplayMode::Night}) {
+        const LookColors colors = lookColors(mode);
+        EXPECT_GE(contrast(colors.text, colors.background), 7);
+        EXPECT_GE(contrast(colors.text, colors.surface), 7);
+        EXPECT_GE(contrast(colors.text, colors.alternate), 7);
+        EXPECT_GE(contrast(colors.mutedText, colors.background), 7);
+        EXPECT_GE(contrast(colors.accentText, colors.accent), 7);
+        EXPECT_GE(contrast(colors.highlightText, colors.highlight), 7);
+        EXPECT_GE(contrast(colors.alarm, colors.surface), 4.5);
+        EXPECT_GE(contrast(colors.warning, colors.surface), 4.5);
+        EXPECT_GE(contrast(colors.good, colors.surface), 4.5);
+    }
+}
+
+TEST(Look, ChangesThePaletteOfTheWholeProgram) {
+    applyLook(*qApp, DisplayMode::Day);
+    EXPECT_EQ(qApp->palette().color(QPalette::Window), lookColors(DisplayMode::Day).background);
+    applyLook(*qApp, DisplayMode::Night);
+    EXPECT_EQ(qApp->palette().color(QPalette::Window), lookColors(DisplayMode::Night).background);
+    EXPECT_EQ(appliedLook(*qApp), DisplayMode::Night);
+}
+
+TEST(Icons, AreDrawnInTheColourAskedFor) {
+    const QImage image = iconPixmap("Save", QColor(10, 200, 30), 48, 1.0).toImage();
+    bool drawn = false;
+    for (int y = 0; y < 48; ++y) {
+        for (int x = 0; x < 48; ++x) drawn = drawn || image.pixelColor(x, y) == QColor(10, 200, 30);
+    }
+    EXPECT_TRUE(drawn);
+}
+
+TEST(ValueLabel, KeepsItsSizeWhateverTheNumber) {
+    ValueLabel label("-000.0");
+    label.showValue("1.1");
+    const QSize narrow = label.sizeHint();
+    label.showValue("-888.8");
+    EXPECT_EQ(label.sizeHint(), narrow);
+    EXPECT_EQ(label.text(), "-888.8");
+}
+
+TEST(ValueLabel, GrowsWithItsFont) {
+    ValueLabel label("000");
+    const QSize before = label.sizeHint();
+    label.setFont(valueFont(2.0));
+    EXPECT_GT(label.sizeHint().width(), before.width());
+    EXPECT_GT(label.sizeHint().height(), before.height());
+}
+
+TEST(LineModel, TellsOnlyTheNewLines) {
+    std::deque<std::string> lines{"one"};
+    LineModel model(lines);
+    EXPECT_TRUE(model.sync());
+    std::vector<std::pair<int, int>> inserted;
+    int resets = 0;
+    QObject::connect(&model, &QAbstractItemModel::rowsInserted, &model,
+                     [&](const QModelIndex&, int first, int last) { inserted.emplace_back(first, last); });
+    QObject::connect(&model, &QAbstractItemModel::modelReset, &model, [&] { ++resets; });
+    lines.push_back("two");
+    lines.push_back("three");
+    EXPECT_TRUE(model.sync());
+    EXPECT_EQ(inserted, (std::vector<std::pair<int, int>>{{1, 2}}));
+    EXPECT_EQ(resets, 0);
+    EXPECT_FALSE(model.sync());
+}
+
+TEST(LineModel, ShowsAResultThatWasAddedToTheLastLine) {
+    std::deque<std::string> lines{"  - Converting Data..."};
+    LineModel model(lines);
+    model.sync();
+    int changes = 0;
+    QObject::connect(&model, &QAbstractItemModel::dataChanged, &model, [&] { ++changes; });
+    lines.back() += " SUCCESS!";
+    model.sync();
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(model.data(model.index(0), Qt::DisplayRole).toString(), "  - Converting Data... SUCCESS!");
+}
+
+TEST(LineModel, StartsAnewWhenTheListWasCleared) {
+    std::deque<std::string> lines(100, "old");
+    LineModel model(lines);
+    model.sync();
+    lines = {"new"};
+    EXPECT_FALSE(model.data(model.index(50), Qt::DisplayRole).isValid());
+    EXPECT_TRUE(model.sync());
+    EXPECT_EQ(model.rowCount(), 1);
+}
+
+TEST(QtSettings, KeepsTextsOverARestartAndTellsAMissingKeyByItsDefault) {
+    const TempFolder folder;
+    {
+        QtSettings settings(folder.path("settings.ini"));
+        settings.set("System", "CommPort", "7");
+        settings.set("System", "Empty", "");
+        settings.set("Datalog", "Datalog1", "a, b; c=d");
+    }
+    const QtSettings settings(folder.path("settings.ini"));
+    EXPECT_EQ(settings.get("System", "CommPort", "1"), "7");
+    EXPECT_EQ(settings.get("System", "Empty", "x"), "");
+    EXPECT_EQ(settings.get("Datalog", "Datalog1"), "a, b; c=d");
+    EXPECT_EQ(settings.get("System", "AutoLog"), "");
+    EXPECT_EQ(settings.get("System", "Other", "1"), "1");
+}
+
+TEST(FileFilters, BecomeNameFilters) {
+    EXPECT_EQ(nameFilters("Zentaq4 File|*.ZQ4*|Zentaq BIN file|*.BIN"),
+              (QStringList{"Zentaq4 File (*.ZQ4*)", "Zentaq BIN file (*.BIN)"}));
+    EXPECT_EQ(nameFilters("Norvalia Firmware(*.nv3)|*.nv3"), QStringList{"Norvalia Firmware (*.nv3)"});
+    EXPECT_EQ(nameFilters("Half"), QStringList{});
+}
+
+TEST(FileFilters, GiveTheBareExtension) {
+    EXPECT_EQ(bareExtension("ZQ4OA"), "ZQ4OA");
+    EXPECT_EQ(bareExtension(".ZQ4OA"), "ZQ4OA");
+    EXPECT_EQ(bareExtension("Zentaq4 ORBA File|*.ZQ4OA"), "ZQ4OA");
+}
+
+/// Does something to the dialog that is about to open.
+template <typename Dialog, typename Action>
+void whenOpen(Action action) {
+    QTimer::singleShot(0, [action] {
+        auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
+        ASSERT_NE(dialog, nullptr);
+        action(*dialog);
+    });
+}
+
+TEST(QtDialogs, ABoxShowsTitleAndTextAndAnswersItsButton) {
+    QtDialogs dialogs;
+    QString title;
+    QString text;
+    whenOpen<QMessageBox>([&](QMessageBox& box) {
+        title = box.windowTitle();
+        text = box.text();
+        box.button(QMessageBox::No)->click();
+    });
+    EXPECT_EQ(dialogs.show({"Print", "Are you sure?\nReally?", Icon::Question, Buttons::YesNo}), Answer::No);
+    EXPECT_EQ(title, "Print");
+    EXPECT_EQ(text, "Are you sure?\nReally?");
+}
+
+TEST(QtDialogs, ClosingABoxByOtherMeansDeclines) {
+    QtDialogs dialogs;
+    whenOpen<QMessageBox>([](QMessageBox& box) { box.close(); });
+    EXPECT_EQ(dialogs.show({"Shutdown", "?", Icon::Question, Buttons::OkCancel}), Answer::Cancel);
+    whenOpen<QMessageBox>([](QMessageBox& box) { box.close(); });
+    EXPECT_EQ(dialogs.show({"File", "?", Icon::Question, Buttons::YesNo}), Answer::No);
+}
+
+TEST(QtDialogs, SavingAddsTheDefaultExtensionAsksNothingAndCreatesNothing) {
+    const TempFolder folder;
+    QtDialogs dialogs;
+    FileRequest request;
+    request.title = "Zentaq4 User Calibration Files";
+    request.folder = folder.path();
+    request.filter = "Zentaq4 File|*.ZQ4*|Zentaq4 ORBA File|*.ZQ4OA";
+    request.filterIndex = 2;
+    request.defaultExtension = "ZQ4OA";
+    QString filter;
+    whenOpen<QFileDialog>([&](QFileDialog& dialog) {
+        filter = dialog.selectedNameFilter();
+        EXPECT_EQ(dialog.windowTitle(), "Zentaq4 User Calibration Files");
+        dialog.selectFile("mine");
+        QMetaObject::invokeMethod(&dialog, "accept");
+    });
+    EXPECT_EQ(dialogs.saveFile(request), folder.path("mine.ZQ4OA"));
+    EXPECT_EQ(filter, "Zentaq4 ORBA File (*.ZQ4OA)");
+    EXPECT_FALSE(std::filesystem::exists(folder.path("mine.ZQ4OA")));
+}
+
+TEST(QtDialogs, CancellingAFileDialogGivesAnEmptyName) {
+    QtDialogs dialogs;
+    whenOpen<QFileDialog>([](QFileDialog& dialog) { dialog.reject(); });
+    EXPECT_EQ(dialogs.openFile({}), "");
+}
+
+TEST(Application, TellsAFailureOfAnEventHandlerAndGoesOn) {
+    auto* application = qobject_cast<Application*>(qApp);
+    ASSERT_NE(application, nullptr);
+    std::vector<std::string> told;
+    application->onFailure([&](const std::string& why) { told.push_back(why); });
+    QTimer::singleShot(0, application, [] { throw Failure("a handler failed"); });
+    QTimer::singleShot(0, application, [] { throw Failure("another one at the same time"); });
+    for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
+    EXPECT_EQ(told, std::vector<std::string>{"a handler failed"});
+    QTimer::singleShot(0, application, [] { throw Failure("a later one"); });
+    for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
+    EXPECT_EQ(told.back(), "a later one");
+    application->onFailure({});
+}
+
+}  // namespace
+}  // namespace zentaq

@@ -1,0 +1,55 @@
+// A started program on fakes: the windows stand, the start sequence has run, nothing is on the link.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <bit>
+#include <fstream>
+
+#include "app/fake_platform.h"
+#include "app/start_up.h"
+#include "windows/window_manager.h"
+
+namespace zentaq {
+
+class WindowTest : public testing::Test {
+ protected:
+    FakeSession fake;
+    MainCommands commands{fake.session};
+    Kernel kernel{fake.session, commands};
+    WindowManager windows{*qApp, fake.session, commands, kernel};
+
+    WindowTest() {
+        fake.settings.set("System", "FileOpen", "0");
+        fake.settings.set("System", "MonitorMode", "0");
+        kernel.load();
+    }
+    ~WindowTest() override { windows.killTimers(); }
+
+    template <typename Object>
+    Object* find(const char* name) {
+        return windows.main().findChild<Object*>(QLatin1String(name));
+    }
+
+    /// A whole ORB A calibration: header, then 2828 cells of 0 but for a rev limit.
+    std::string calibrationFile() const {
+        std::vector<float> floats{3, 9.44f, 5099};
+        floats.resize(3 + 2828, 0.0f);
+        floats[3 + 58] = 6500;
+        std::ofstream file(fake.folder.path("tune.ZQ4OA"), std::ios::binary);
+        for (const float value : floats) {
+            const auto word = std::bit_cast<std::uint32_t>(value);
+            file.write(reinterpret_cast<const char*>(&word), sizeof word);
+        }
+        return fake.folder.path("tune.ZQ4OA");
+    }
+    void openCalibration() {
+        fake.dialogs.files.push_back(calibrationFile());
+        commands.open();
+        windows.refresh();
+        windows.main().refresh();
+    }
+};
+
+}  // namespace zentaq

@@ -1,0 +1,252 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <QProgressBar>
+#include <QTabWidget>
+
+#include "config/tree.h"
+#include "qt/look.h"
+#include "windows/frm_config_pages.h"
+#include "windows/window_fixture.h"
+
+namespace zentaq {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class Workspace : public WindowTest {
+ protected:
+    QTreeWidget* tree() { return find<QTreeWidget>("treeZentaq"); }
+    QTabWidget* tabs() { return find<QTabWidget>("sstMenu"); }
+    QListView* log() { return find<QListView>("lstLog"); }
+
+    static std::string drawing(const QTreeWidgetItem* item, const std::string& indent) {
+        std::string text = indent + item->text(0).toStdString() + "\n";
+        for (int i = 0; i < item->childCount(); ++i) text += drawing(item->child(i), indent + "  ");
+        return text;
+    }
+    std::string treeDrawing() {
+        std::string text;
+        for (int i = 0; i < tree()->topLevelItemCount(); ++i) text += drawing(tree()->topLevelItem(i), "");
+        return text;
+    }
+    /// What the core says the tree is, drawn the same way.
+    std::string coreDrawing(const std::string& parent = {}, const std::string& indent = {}) {
+        std::string text;
+        for (const TreeNode& node : treeNodes(fake.session.currentUnitObject())) {
+            if (node.parent == parent)
+                text += indent + node.text + "\n" + coreDrawing(node.key, indent + "  ");
+        }
+        return text;
+    }
+    void click(const QString& text) {
+        const auto items = tree()->findItems(text, Qt::MatchExactly | Qt::MatchRecursive);
+        ASSERT_EQ(items.size(), 1) << text.toStdString();
+        Q_EMIT tree()->itemClicked(items[0], 0);
+    }
+    QStringList pageColumn(int column) {
+        QStringList texts;
+        auto* page = find<QTreeWidget>("lstPage");
+        for (int i = 0; i < page->topLevelItemCount(); ++i) texts.append(page->topLevelItem(i)->text(column));
+        return texts;
+    }
+    std::string lastLine(const char* list) {
+        const QAbstractItemModel* model = find<QListView>(list)->model();
+        return model->index(model->rowCount() - 1, 0).data().toString().toStdString();
+    }
+};
+
+TEST_F(Workspace, StartsWithAnEmptyTreeAndTheFirstTabOnly) {
+    EXPECT_EQ(tree()->topLevelItemCount(), 0);
+    EXPECT_EQ(tabs()->currentIndex(), 0);
+    EXPECT_FALSE(tabs()->isTabVisible(1));
+}
+
+TEST_F(Workspace, ShowsTheTreeOfTheCalibrationInHand) {
+    openCalibration();
+    EXPECT_EQ(treeDrawing(), coreDrawing());
+    EXPECT_THAT(treeDrawing(), HasSubstr("\nIgnition Advance Table\n  Initial Advance\n  Coolant Advance\n"));
+    EXPECT_TRUE(tabs()->isTabVisible(1));
+}
+
+TEST_F(Workspace, GoesBackToTheStartWhenTheFileIsClosed) {
+    openCalibration();
+    commands.close();
+    EXPECT_EQ(tree()->topLevelItemCount(), 0);
+    EXPECT_EQ(tabs()->currentIndex(), 0);
+    EXPECT_FALSE(tabs()->isTabVisible(1));
+    EXPECT_EQ(windows.main().windowTitle(), "Norvalia Zentaq Engine Management System");
+}
+
+TEST_F(Workspace, AClickShowsThePageWithMembersValuesAndRanges) {
+    openCalibration();
+    click("Rev Limiter");
+    EXPECT_EQ(tabs()->currentIndex(), 1);
+    EXPECT_EQ(find<QLabel>("lblPageTitle")->text(), "Rev Limiter");
+    ASSERT_TRUE(pageColumn(4).contains("REV_Limiter"));
+    const auto row = pageColumn(4).indexOf("REV_Limiter");
+    EXPECT_EQ(pageColumn(1)[row], "6500");
+    EXPECT_EQ(pageColumn(3)[row], "1000 to 20000 RPM");
+}
+
+TEST_F(Workspace, EveryPageOfTheTreeShowsSomething) {
+    openCalibration();
+    for (const TreeNode& node : treeNodes(fake.session.currentUnitObject())) {
+        if (node.page == -1) continue;
+        EXPECT_THAT(pageRows(fake.session, node.page), testing::Not(IsEmpty())) << node.text;
+    }
+}
+
+TEST_F(Workspace, EveryMemberOfAPageStandsInTheParameterTable) {
+    openCalibration();
+    for (const int page : pagesWithMembers()) {
+        for (const std::string_view member : pageMembers(page)) {
+            EXPECT_NE(fake.session.currentUnitObject().find(member), nullptr) << page << " " << member;
+        }
+    }
+}
+
+TEST_F(Workspace, AClickOnATableOpensItBesideThePages) {
+    openCalibration();
+    click("Volumetric Efficiency Table");
+    ASSERT_NE(windows.table(), nullptr);
+    EXPECT_EQ(windows.table()->tableName(), "VE");
+    EXPECT_EQ(tabs()->currentWidget(), windows.table());
+    const FrmTable* first = windows.table();
+    click("Volumetric Efficiency Table");
+    EXPECT_EQ(windows.table(), first) << "a second click keeps the table";
+}
+
+TEST_F(Workspace, ATableMovesIntoAWindowOfItsOwnAndBack) {
+    openCalibration();
+    click("Volumetric Efficiency Table");
+    Q_EMIT windows.table()->dockingAsked(false);
+    EXPECT_TRUE(windows.table()->isWindow());
+    EXPECT_EQ(tabs()->indexOf(windows.table()), -1);
+    Q_EMIT windows.table()->dockingAsked(true);
+    EXPECT_FALSE(windows.table()->isWindow());
+    EXPECT_EQ(tabs()->currentWidget(), windows.table());
+}
+
+TEST_F(Workspace, ClosingTheCalibrationClosesTheTable) {
+    openCalibration();
+    click("Volumetric Efficiency Table");
+    commands.close();
+    EXPECT_EQ(windows.table(), nullptr);
+    EXPECT_EQ(tabs()->count(), 2);
+}
+
+TEST_F(Workspace, TheConsoleShowsTheLastLineAndAddsToIt) {
+    fake.session.sysLog("  - Converting Data...");
+    windows.refresh();
+    EXPECT_THAT(lastLine("lstLog"), HasSubstr("  - Converting Data..."));
+    fake.session.addToLastLine("SUCCESS!");
+    windows.refresh();
+    EXPECT_THAT(lastLine("lstLog"), HasSubstr("  - Converting Data... SUCCESS!"));
+    EXPECT_EQ(log()->currentIndex().row(), log()->model()->rowCount() - 1);
+}
+
+TEST_F(Workspace, TheLinkConsoleNeverShowsMoreThanAHundredLines) {
+    for (int i = 0; i < 101; ++i) fake.session.commLog("line");
+    windows.refresh();
+    EXPECT_LE(find<QListView>("lstCommInfo")->model()->rowCount(), 100);
+}
+
+TEST_F(Workspace, AConsoleOfAHundredThousandLinesTakesOneMoreInAFrame) {
+    for (int i = 0; i < 100'000; ++i) fake.session.console.plainLine("a line of the log");
+    windows.refresh();
+    QCoreApplication::processEvents();
+    QElapsedTimer time;
+    time.start();
+    constexpr int frames = 20;
+    for (int i = 0; i < frames; ++i) {
+        fake.session.console.plainLine("one more");
+        windows.refresh();
+        QCoreApplication::processEvents();
+    }
+    RecordProperty("millisecondsAFrame", static_cast<int>(time.elapsed() / frames));
+    EXPECT_LT(time.elapsed() / frames, 100) << "ms a line";
+}
+
+TEST_F(Workspace, RendersTheStateOfTheLink) {
+    LinkStatus& status = fake.session.link.editStatus();
+    status.title = "Monitoring...";
+    status.line1 = "Receiving";
+    status.line2 = "second";
+    status.activity = "{Monitoring}";
+    status.image = LinkImage::Monitor;
+    status.port = "3";
+    status.serialNumber = "001234";
+    status.firmware = "ZQA5099";
+    status.unitLabel = "A Std";
+    status.send = Lamp::Sending;
+    status.receive = Lamp::Received;
+    status.progressVisible = true;
+    status.progressPercent = 42;
+    windows.refresh();
+    EXPECT_EQ(find<QLabel>("lblCommTitle")->text(), "Monitoring...");
+    EXPECT_EQ(find<QLabel>("lblCommStatus1")->text(), "Receiving");
+    EXPECT_EQ(find<QLabel>("lblCommStatus2")->text(), "second");
+    EXPECT_EQ(find<QLabel>("lblActivity")->text(), "{Monitoring}");
+    EXPECT_EQ(find<QLabel>("lblCOMM")->text(), "3");
+    EXPECT_EQ(find<QLabel>("lblSerialNumber")->text(), "001234");
+    EXPECT_EQ(find<QLabel>("lblFirmware")->text(), "ZQA5099");
+    EXPECT_EQ(find<QLabel>("lblOrbUnit")->text(), "A Std");
+    EXPECT_EQ(find<QLabel>("imgNotify")->accessibleDescription(), "Monitor");
+    EXPECT_EQ(find<QProgressBar>("ProgressBar1")->value(), 42);
+    EXPECT_FALSE(find<QProgressBar>("ProgressBar1")->isHidden());
+    EXPECT_EQ(find<QLabel>("lblProgress_Percentage")->text(), "42%");
+    EXPECT_EQ(find<QLabel>("lblComm_Send_Icon")->palette().color(QPalette::Window), QColor(255, 0, 0));
+    EXPECT_EQ(find<QLabel>("lblComm_Rcv_Icon")->palette().color(QPalette::Window), QColor(0, 192, 0));
+}
+
+TEST_F(Workspace, LampsAtRestHaveTheColourOfAButton) {
+    fake.session.link.editStatus().send = Lamp::Sending;
+    windows.refresh();
+    fake.session.link.editStatus().send = Lamp::Rest;
+    windows.refresh();
+    EXPECT_EQ(find<QLabel>("lblComm_Send_Icon")->palette().color(QPalette::Window),
+              lookColors(DisplayMode::Night).button);
+}
+
+TEST_F(Workspace, ThePortListShowsNumberDeviceAndDescription) {
+    auto* ports = find<QComboBox>("cmbCOMM");
+    ASSERT_GE(ports->count(), 1);
+    EXPECT_EQ(ports->itemText(0), "1  /dev/fake  A port for tests");
+    EXPECT_EQ(ports->currentData().toInt(), 1);
+}
+
+TEST_F(Workspace, ChoosingAPortStoresAndOpensIt) {
+    fake.port.presentNumber = 4;
+    auto* ports = qobject_cast<PortCombo*>(find<QComboBox>("cmbCOMM"));
+    ports->fill(4);
+    Q_EMIT ports->activated(ports->currentIndex());
+    EXPECT_EQ(fake.settings.get("System", "CommPort"), "4");
+    EXPECT_EQ(fake.session.link.commPort(), 4);
+    EXPECT_TRUE(fake.session.link.status().connected);
+    windows.refresh();
+    EXPECT_EQ(find<QLabel>("lblCOMM")->text(), "4");
+}
+
+TEST_F(Workspace, ShowsTheTipAsItIs) {
+    windows.showTip("Warm up the engine first.");
+    EXPECT_EQ(find<QLabel>("lblTip")->text(), "Warm up the engine first.");
+}
+
+TEST_F(Workspace, TheLinkConsoleIsShownByItsSetting) {
+    EXPECT_FALSE(find<QListView>("lstCommInfo")->isHidden()) << "never stored counts as on";
+    windows.showCommList(false);
+    EXPECT_TRUE(find<QListView>("lstCommInfo")->isHidden());
+}
+
+TEST_F(Workspace, WithoutNewsNothingIsDrawnAgain) {
+    windows.refresh();
+    find<QLabel>("lblCommTitle")->setText("touched");
+    windows.refresh();
+    EXPECT_EQ(find<QLabel>("lblCommTitle")->text(), "touched");
+}
+
+}  // namespace
+}  // namespace zentaq
