@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QProcess>
+#include <QTimer>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -76,9 +77,11 @@ class Program {
     /// Runs the event loop until a condition holds. False: it did not within the time.
     static bool waitFor(const std::function<bool()>& condition, int milliseconds) {
         QDeadlineTimer deadline(milliseconds);
+        QTimer waker;  // so that the loop sleeps, and wakes even when nothing else happens
+        waker.start(20);
         while (!condition()) {
             if (deadline.hasExpired()) return false;
-            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
+            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
         }
         return true;
     }
