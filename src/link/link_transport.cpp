@@ -196,6 +196,8 @@ void Link::startProgress() {
 
 void Link::stepProgress(int current, int total) {
     if (total <= 0) return;
+    // A frame that was still in flight when the transfer began has hidden the bar by its status.
+    show(&LinkStatus::progressVisible, true);
     const double percent = truncate(static_cast<double>(current) / total * 100);
     show(&LinkStatus::progressPercent, static_cast<int>(std::clamp(percent, 0.0, 100.0)));
 }

@@ -62,8 +62,9 @@ FrmConfig::FrmConfig(Session& session, MainCommands& commands, QWidget* parent)
     below->addWidget(makeBottom());
     below->setStretchFactor(0, 1);
     below->setCollapsible(0, false);
-    const int bottomHeight = fraComm_->sizeHint().height();
-    below->setSizes({bottomHeight * 2, bottomHeight});
+    // The consoles begin as low as the link panel allows; the rest belongs to the pages and tables.
+    const int bottomHeight = fraComm_->minimumSizeHint().height();
+    below->setSizes({bottomHeight * 10, bottomHeight});
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -112,7 +113,7 @@ QWidget* FrmConfig::makeBottom() {
     bottom->addWidget(lstCommInfo_);
     bottom->addWidget(fraComm_);
     const int letter = fontMetrics().averageCharWidth();
-    bottom->setSizes({letter * 80, letter * 36, letter * 56});
+    bottom->setSizes({letter * 96, letter * 20, letter * 56});
     bottom->setStretchFactor(0, 1);
     return bottom;
 }

@@ -15,6 +15,9 @@ ConsoleView::ConsoleView(const QString& name, const QString& meaning, const std:
     setEditTriggers(NoEditTriggers);
     setVerticalScrollMode(ScrollPerItem);
     setTabKeyNavigation(false);
+    setTextElideMode(Qt::ElideNone);
+    // Lines are padded with blanks to their full width; a bar to reach them would only cost a line of height.
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setModel(&model_);
 }
 

@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QStackedWidget>
 
 #include "base/number_text.h"
 #include "qt/icons.h"
@@ -126,18 +127,25 @@ LinkPanel::LinkPanel(std::function<std::vector<PortInfo>()> ports, QWidget* pare
     const int gap = fontMetrics().height() / 4;
     grid->setSpacing(gap);
     grid->setContentsMargins(gap, gap, gap, gap);
+    grid->setVerticalSpacing(gap / 2);
     grid->addWidget(imgNotify_, 0, 0, 2, 1);
     grid->addWidget(title_, 0, 1);
-    grid->addWidget(send_, 0, 2);
-    grid->addWidget(receive_, 0, 3);
-    grid->addWidget(line1_, 1, 1);
-    grid->addWidget(activity_, 1, 2, 1, 2);
-    grid->addWidget(line2_, 2, 0, 1, 4);
-    grid->addWidget(makeFacts(), 3, 0, 1, 4);
-    grid->addWidget(makePortRow(std::move(ports)), 4, 0, 1, 4);
-    grid->addWidget(makeProgress(), 5, 0, 1, 4);
+    grid->addWidget(activity_, 0, 2);
+    grid->addWidget(send_, 0, 3);
+    grid->addWidget(receive_, 0, 4);
+    grid->addWidget(line1_, 1, 1, 1, 4);
+    // Four rows leave the height of a small screen to the tables: a second line of the status takes the place of
+    // the unit's facts, and a transfer's progress that of the port, which nobody changes meanwhile.
+    factsOrLine2_ = new QStackedWidget(this);
+    factsOrLine2_->addWidget(makeFacts());
+    factsOrLine2_->addWidget(line2_);
+    grid->addWidget(factsOrLine2_, 2, 0, 1, 5);
+    portOrProgress_ = new QStackedWidget(this);
+    portOrProgress_->addWidget(makePortRow(std::move(ports)));
+    portOrProgress_->addWidget(makeProgress());
+    grid->addWidget(portOrProgress_, 3, 0, 1, 5);
     grid->setColumnStretch(1, 1);
-    grid->setRowStretch(6, 1);
+    grid->setRowStretch(4, 1);
     render({});
 }
 
@@ -240,6 +248,7 @@ void LinkPanel::render(const LinkStatus& status) {
     setText(title_, status.title);
     setText(line1_, status.line1);
     setText(line2_, status.line2);
+    factsOrLine2_->setCurrentIndex(status.line2.empty() ? 0 : 1);
     line1_->setToolTip(line1_->text());
     line2_->setToolTip(line2_->text());
     setText(activity_, status.activity);
@@ -249,6 +258,7 @@ void LinkPanel::render(const LinkStatus& status) {
     setText(unit_, status.unitLabel);
     setText(serial_, status.serialNumber);
     setText(firmware_, status.firmware);
+    portOrProgress_->setCurrentIndex(status.progressVisible ? 1 : 0);
     progress_->setVisible(status.progressVisible);
     percentage_->setVisible(status.progressVisible);
     message_->setVisible(status.progressVisible);

@@ -6,6 +6,7 @@
 #include <QFrame>
 #include <QLabel>
 #include <QProgressBar>
+#include <QStackedWidget>
 #include <QPushButton>
 #include <functional>
 #include <vector>
@@ -69,6 +70,8 @@ class LinkPanel : public QFrame {
     QLabel* firmware_ = nullptr;
     PortCombo* ports_ = nullptr;
     QPushButton* autoDetect_ = nullptr;
+    QStackedWidget* factsOrLine2_ = nullptr;
+    QStackedWidget* portOrProgress_ = nullptr;
     QProgressBar* progress_ = nullptr;
     QLabel* percentage_ = nullptr;
     QLabel* message_ = nullptr;

@@ -17,7 +17,7 @@ constexpr int idleFiringsPerRefresh = 16;
 constexpr auto helpKeyProperty = "fastHelpKey";
 
 /// The instruments' share of the frame's height before the user has moved the splitter.
-constexpr int dashboardPercent = 29;
+constexpr int dashboardPercent = 26;
 
 constexpr auto placeSection = "Forms";
 constexpr auto splitKey = "splCentre";
@@ -178,7 +178,15 @@ void WindowManager::showUnit() {
 }
 
 // The table may be closing from inside one of its own events, so it goes later.
+// At once: what the table logs at its end must not stand between the lines of the command that closes it.
 void WindowManager::removeForms() {
+    if (!table_) return;
+    if (config_) config_->undock();
+    delete table_;
+}
+
+// The table asked for its end from inside one of its own events.
+void WindowManager::tableClosed() {
     if (!table_) return;
     if (config_) config_->undock();
     table_->hide();
@@ -189,7 +197,7 @@ void WindowManager::removeForms() {
 void WindowManager::makeTable() {
     if (table_) return;
     table_ = new FrmTable(session_, commands_, config_);
-    connect(table_, &FrmTable::closed, this, &WindowManager::removeForms);
+    connect(table_, &FrmTable::closed, this, &WindowManager::tableClosed);
     connect(table_, &FrmTable::dockingAsked, this, &WindowManager::placeTable);
 }
 

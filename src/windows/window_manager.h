@@ -78,6 +78,7 @@ class WindowManager : public QObject, public WindowSet {
 
  private:
     void hideSplash();
+    void tableClosed();
     void makeCentre();
     void makeTable();
     void placeTable(bool docked);
