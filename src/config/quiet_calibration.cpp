@@ -13,8 +13,8 @@ namespace zentaq {
 namespace {
 
 float firstNumber(const std::string& path) {
-    const std::string bytes = readWholeFile(path);
     constexpr std::size_t header = 12;
+    const std::string bytes = readFileStart(path, header);
     if (bytes.size() < header) throw FileError(path + " is no calibration file: it ends inside its header");
     std::uint32_t bits = 0;
     for (unsigned i = 0; i < 4; ++i) bits |= std::uint32_t{static_cast<std::uint8_t>(bytes[i])} << (8 * i);

@@ -48,8 +48,9 @@ bool QuietHost::checkInput(int code, std::string_view value) {
 }
 
 bool QuietHost::checkRange(float value, float minimum, float maximum, std::string_view rangeText) {
-    if (value > maximum || value < minimum) return refuse(outOfRange, rangeText);
-    return false;
+    // What is no number lies in no range.
+    if (value <= maximum && value >= minimum) return false;
+    return refuse(outOfRange, rangeText);
 }
 
 void QuietHost::sysLog(std::string_view text) {

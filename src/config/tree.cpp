@@ -86,6 +86,58 @@ constexpr std::array rows{
 /// Page of the bar-rating sensor, for firmware from before the linear sensors.
 constexpr int oldSensorPage = 25;
 
+struct NodeHelp {
+    std::string_view node, key;
+};
+
+/// The entry of table FastHelp that tells what a node's page or table is for.
+constexpr std::array nodeHelps{
+    NodeHelp{"child00", "helpblend"},
+    NodeHelp{"child01", "helpaccel"},
+    NodeHelp{"child02", "helpdecel"},
+    NodeHelp{"child03", "helpbattery"},
+    NodeHelp{"child04", "helpstart"},
+    NodeHelp{"child05", "helpwarmup"},
+    NodeHelp{"child06", "helpmatfuel"},
+    NodeHelp{"child07", "helpboost"},
+    NodeHelp{"child08", "helpbaro"},
+    NodeHelp{"child50", "helprevapp"},
+    NodeHelp{"child74", "helpCLTsen"},
+    NodeHelp{"child75", "helpMAPsen"},
+    NodeHelp{"child76", "helpTPSsen"},
+    NodeHelp{"child77", "helpEGOsen"},
+    NodeHelp{"child78", "helpMATsen"},
+    NodeHelp{"child79", "helpknksen"},
+    NodeHelp{"child80", "helpidle"},
+    NodeHelp{"child81", "helpidle"},
+    NodeHelp{"child82", "helpcltadv"},
+    NodeHelp{"child83", "helpsplit"},
+    NodeHelp{"child84", "helpmatadv"},
+    NodeHelp{"child85", "helpinitadv"},
+    NodeHelp{"child86", "helpbaro"},
+    NodeHelp{"child87", "helpmaf"},
+    NodeHelp{"child90", "helpego"},
+    NodeHelp{"child91", "helpegocal"},
+    NodeHelp{"root00", "helpadv"},
+    NodeHelp{"root001", "helpengine"},
+    NodeHelp{"root01", "helpafr"},
+    NodeHelp{"root02", "helpve"},
+    NodeHelp{"root03", "helpspw"},
+    NodeHelp{"root05", "helprevl"},
+    NodeHelp{"root06", "helpidle"},
+    NodeHelp{"root07", "helpgpio"},
+    NodeHelp{"root10", "helpknock"},
+    NodeHelp{"root11", "helptrims"},
+    NodeHelp{"root12", "helpnotes"},
+};
+
+std::string helpOf(std::string_view node) {
+    for (const NodeHelp& row : nodeHelps) {
+        if (row.node == node) return std::string(row.key);
+    }
+    return {};
+}
+
 unsigned treeOf(int slot) {
     switch (slot) {
         case 3:
@@ -128,6 +180,13 @@ std::string tableTitle(std::string_view table) {
     return {};
 }
 
+std::string tableHelp(std::string_view table) {
+    for (const Row& row : rows) {
+        if (!row.table.empty() && row.table == table) return helpOf(row.key);
+    }
+    return {};
+}
+
 std::vector<TreeNode> treeNodes(Unit& unit) {
     std::vector<TreeNode> nodes;
     const unsigned tree = treeOf(unit.kind().slot);
@@ -137,7 +196,7 @@ std::vector<TreeNode> treeNodes(Unit& unit) {
         const bool oldSensor = row.key == "child75" && unit.FW_Release() < linearSensorRelease;
         nodes.push_back({std::string(row.key), textOf(row, tree, unit), std::string(row.parent),
                          oldSensor ? oldSensorPage : row.page, std::string(row.table),
-                         tableTitle(row.table)});
+                         tableTitle(row.table), helpOf(row.key)});
     }
     return nodes;
 }

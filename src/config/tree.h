@@ -16,6 +16,7 @@ struct TreeNode {
     int page = 0;        ///< tab of sstMenu; -1 for a table, -2 for the input/output manager
     std::string table;   ///< "ADV", "AFR", "VE", "SPW" for a table
     std::string title;   ///< title of the table window
+    std::string help;    ///< key in table FastHelp; empty for none
 };
 
 /// The tree for the unit in hand, parents before children. Kind 0 has an empty tree.
@@ -23,5 +24,8 @@ std::vector<TreeNode> treeNodes(Unit& unit);
 
 /// Names of the six tables with the titles of their windows.
 std::string tableTitle(std::string_view table);
+
+/// The key in table FastHelp for a table; empty for none.
+std::string tableHelp(std::string_view table);
 
 }  // namespace zentaq

@@ -56,6 +56,7 @@ class Link {
     void ORB_Initialize();
     void ORB_Close();
     /// Searches ports 1 to 12; answers the port or 0. Yields: ticks, replies and user events run meanwhile.
+    /// Answers 0 at once while a transfer runs, whose line a search would cut.
     int Autodetect_COMM_Port();
     void COMM_StatusMessage(std::string_view title, std::string_view line1, std::string_view line2,
                             std::string_view state);
@@ -81,7 +82,7 @@ class Link {
     // ---- State that others read
     const LinkedUnit& linked() const { return linked_; }
     const LinkStatus& status() const { return status_; }
-    LinkStatus& editStatus();  ///< for the poller, which shows the no-connect panel
+    LinkStatus& editStatus();  ///< for a window that changes what it shows itself, such as the port label
     /// Brings the panel over the dashboard into view with a text, or moves it out of sight.
     void showNoConnectPanel(std::string_view text);
     void hideNoConnectPanel();
@@ -114,6 +115,7 @@ class Link {
     void discardInput();
     void drainPort();
     bool waitForUnit();
+    void queueInFront(std::string command);
     void log(std::string_view text);
     /// The one place that changes the status: `changes` moves when the value does.
     template <typename T, typename V>
@@ -180,12 +182,13 @@ class Link {
     void startCalibration();
     void startFirmware(const std::string& path);
     void startDatalog(const std::string& path);
+    void queueTransfer(std::string_view key);
     void openTransferFile(const std::string& path, std::ios::openmode mode);
     void closeTransferFile();
     bool Send_Next_Line();
-    void queueLine(std::string line);
-    void reportSuccess();
-    void reportFailure();
+    bool transferPending() const { return transferActive_ || !openTransfer_.empty(); }
+    void reportSuccess(std::string_view key);
+    void reportFailure(std::string_view key);
 
     SerialPort& port_;
     LinkHost& host_;
@@ -215,6 +218,7 @@ class Link {
     int retryCount_ = 0;
     std::string responseHeader_;
     std::vector<std::uint8_t> rxBuffer_;
+    std::string openTransfer_;  ///< key of a transfer from its start to its end, on the wire or still queued
     std::fstream transferStream_;
 };
 

@@ -1,5 +1,7 @@
 // The command ring and the tick machine: one command in flight, every time-out a count of ticks.
 // A failing statement of a tick is skipped.
+#include <utility>
+
 #include "base/errors.h"
 #include "base/rounding.h"
 #include "link/link.h"
@@ -58,6 +60,15 @@ void Link::Send_ORB_Command(std::string_view command) {
     if (queueTail_ == queueHead_) queueHead_ = wrapped(queueHead_ + 1);
 }
 
+void Link::queueInFront(std::string command) {
+    // In a full ring the oldest command gives way.
+    const int front = wrapped(queueHead_ - 1);
+    const bool full = front == queueTail_;
+    if (!full) queueHead_ = front;
+    place(queueHead_) = std::move(command);
+    ++queuedCommands_;
+}
+
 void Link::SEND_ONFLY(std::string_view record) {
     Send_ORB_Command("P2" + std::string(record));
 }
@@ -104,6 +115,9 @@ bool Link::nothingToSend() const {
 void Link::sendNextCommand() {
     std::string_view key;
     if (nothingToSend()) {
+        // Nobody waits in an empty ring. What an overrun or a failed write left in the count would silence
+        // the pollers for good.
+        if (queueHead_ == queueTail_) queuedCommands_ = 0;
         watchStalledTransfer();
     } else {
         currentCommand_ = place(queueHead_);
@@ -144,7 +158,7 @@ void Link::dropQueueBehindHead() {
 }
 
 void Link::watchStalledTransfer() {
-    if (!transferActive_) return;
+    if (!transferPending()) return;
     // A record with a bad header, or a fault in its handler, leaves the download with no command in flight.
     // It ends by the same patience as an unanswered one.
     if (++tickCount_ <= stallPatienceTicks) return;
@@ -211,6 +225,8 @@ void Link::timeOut() {
 }
 
 void Link::loseLink(FirmwareRestore restore) {
+    // A transfer whose command still waits in the ring goes with it, and must end as it would on the wire.
+    if (!openTransfer_.empty()) skipFailing([&] { End_Transfer(false); });
     queueTail_ = queueHead_;
     tickCount_ = 0;
     retryCount_ = 0;
@@ -222,6 +238,10 @@ void Link::loseLink(FirmwareRestore restore) {
     linked_.UnitFound = false;
     queuedCommands_ = 0;
     skipFailing([&] { host_.initializeOnFly(false); });
+    // Else the panel would go on saying what the last reply had been.
+    COMM_StatusMessage("Connecting...", "The unit does not answer.", "", "Warning");
+    show(&LinkStatus::send, Lamp::Rest);
+    show(&LinkStatus::receive, Lamp::Rest);
 }
 
 void Link::restoreFileFirmware() {

@@ -291,7 +291,9 @@ void Link::acceptUnit(std::string_view text) {
     hideNoConnectPanel();
     discardInput();
     COMM_StatusMessage("CONNECTED!", text, "", "Connected");
-    show(&LinkStatus::serialNumber, formatNumber(linked_.SerialNumber, "000000"));
+    const std::string serial = formatNumber(linked_.SerialNumber, "000000");
+    show(&LinkStatus::serialNumber, serial);
+    linkedUnit().Serial(serial);
     show(&LinkStatus::panel3, "");
     linked_.UnitFound = true;
 }

@@ -35,7 +35,7 @@ int ORB_File_Length(const std::string& path) {
 }  // namespace
 
 void Link::Program_Unit(TransferMode mode, const std::string& path) {
-    if (transferActive_) throw Failure("A transfer is already running.");
+    if (transferPending()) throw Failure("A transfer is already running.");
     try {
         switch (mode) {
             case TransferMode::Calibration:
@@ -63,7 +63,7 @@ void Link::startCalibration() {
     const int lines = ORB_File_Length(path);
     startProgress();
     openTransferFile(path, std::ios::in);
-    Send_ORB_Command("P1");
+    queueTransfer("P1");
     transferLines_ = lines;
 }
 
@@ -73,7 +73,7 @@ void Link::startFirmware(const std::string& path) {
     const int lines = ORB_File_Length(path) + 1;
     startProgress();
     openTransferFile(path, std::ios::in);
-    Send_ORB_Command("P3");
+    queueTransfer("P3");
     transferLines_ = lines;
 }
 
@@ -85,8 +85,13 @@ void Link::startDatalog(const std::string& path) {
     openTransferFile(path, std::ios::out | std::ios::trunc);
     writeDatalogHeader(transferStream_, linkedUnit());
     // Queued last, so that a file that cannot be made leaves no download without a file.
-    Send_ORB_Command("D");
+    queueTransfer("D");
     transferLines_ = 0;
+}
+
+void Link::queueTransfer(std::string_view key) {
+    openTransfer_ = key;
+    Send_ORB_Command(key);
 }
 
 void Link::openTransferFile(const std::string& path, std::ios::openmode mode) {
@@ -115,27 +120,22 @@ bool Link::Send_Next_Line() {
     if (line.ends_with('\r')) line.pop_back();
     stepProgress(transferLine_, transferLines_);
     if (linked_.LinkedUnitKind != orbaKindNumber) line += "\r\n";
-    queueLine(std::move(line));
+    // In front of what a user queued during the transfer: that waits until the transfer is over, and the
+    // unit sees nothing but lines between the first and the last one.
+    queueInFront(std::move(line));
     ++transferLine_;
     return true;
 }
 
-void Link::queueLine(std::string line) {
-    // In front of what a user queued during the transfer: that waits until the transfer is over, and the
-    // unit sees nothing but lines between the first and the last one.
-    const int front = wrapped(queueHead_ - 1);
-    const bool full = front == queueTail_;
-    if (!full) queueHead_ = front;
-    place(queueHead_) = std::move(line);
-    ++queuedCommands_;
-}
-
 void Link::End_Transfer(bool success) {
     skipFailing([&] { closeTransferFile(); });
+    // A transfer that ends before its command was written has another one, or none, in flight.
+    const std::string key = openTransfer_.empty() ? std::string(commandKey(currentCommand_)) : openTransfer_;
+    openTransfer_.clear();
     if (success) {
-        reportSuccess();
+        reportSuccess(key);
     } else {
-        reportFailure();
+        reportFailure(key);
     }
     removeProgress();
     transferLines_ = 0;
@@ -144,9 +144,8 @@ void Link::End_Transfer(bool success) {
     log("Automatic POLL/SYNC: ENABLED");
 }
 
-void Link::reportSuccess() {
+void Link::reportSuccess(std::string_view key) {
     skipFailing([&] { host_.addToLastLine("SUCCESS!"); });
-    const std::string_view key = commandKey(currentCommand_);
     if (key == "P1" || key == "P3") {
         COMM_StatusMessage(key == "P1" ? "Program ORB Successful" : "Program Firmware Successful",
                            "PROGRAM VERIFIED", "You Must Restart ECU After download completed.", "Connected");
@@ -157,10 +156,9 @@ void Link::reportSuccess() {
     }
 }
 
-void Link::reportFailure() {
+void Link::reportFailure(std::string_view key) {
     skipFailing([&] { host_.addToLastLine("FAIL!"); });
     log("PROCESS FAILED - EXITED ABNORMALLY.");
-    const std::string_view key = commandKey(currentCommand_);
     const Message message = key == "P3" ? FirmwareFailed : key == "P1" ? CalibrationFailed : LogFailed;
     skipFailing([&] { host_.displayMessage(message); });
 }

@@ -105,6 +105,7 @@ void Link::ORB_Close() {
 }
 
 int Link::Autodetect_COMM_Port() {
+    if (transferPending()) return 0;
     for (int number = 1; number <= highestSearchedPort; ++number) {
         // What an earlier session or port has told must not pass for an answer of this port.
         linked_.SerialNumber = 0;
@@ -115,7 +116,10 @@ int Link::Autodetect_COMM_Port() {
 }
 
 bool Link::waitForUnit() {
-    Send_ORB_Command("E");
+    // The port was reopened: a frame in flight will not be answered, and those that the pollers queued would
+    // outlast the 50 ms. The search asks first.
+    currentCommand_.clear();
+    queueInFront("E");
     const std::int64_t end = clock_.monotonicUs() + searchWaitUs;
     while (clock_.monotonicUs() < end) yield_.yield();
     PROCESS_RESPONSE();

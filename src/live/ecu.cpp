@@ -236,8 +236,9 @@ float Ecu::dutyPercent(int index) const {
 }
 
 double Ecu::engineCycleFactor(Unit& unit) {
+    const float phase = unit.get("PHDSEQ");
     const float type = unit.get("Engine_Type");
-    return unit.get("PHDSEQ") == 0 && (type == 0 || type == 3) ? 120 : 60;
+    return (phase == 0 || phase == 3) && (type == 0 || type == 3) ? 120 : 60;
 }
 
 }  // namespace zentaq

@@ -72,8 +72,9 @@ class Ecu {
     float pulseWidthMs(int index) const;
     float dutyPercent(int index) const;
 
-    /// Injections are `factor / rpm` seconds apart: 120 for a sequential engine (PHDSEQ 0 and Engine_Type 0
-    /// or 3), which injects once in two turns, else 60.
+    /// Injections are `factor / rpm` seconds apart: 120 for a sequential engine, which injects once in two
+    /// turns, else 60. Sequential is PHDSEQ 3, as the engine table has it, or 0, as a dashboard without a
+    /// calibration has it, with Engine_Type 0 or 3.
     static double engineCycleFactor(Unit& unit);
 
  private:

@@ -89,8 +89,13 @@ double voltAngle(float volts) {
 }
 
 double afrAngle(float ratio, std::optional<float> stoichiometric) {
-    double value = ratio;
-    if (stoichiometric && *stoichiometric != 0) value *= petrolRatio / static_cast<double>(*stoichiometric);
+    // As a 32-bit float, like the ratios themselves: on petrol 14 and 15 stay exactly 14 and 15.
+    float scaled = ratio;
+    if (stoichiometric && *stoichiometric != 0) {
+        scaled = static_cast<float>(static_cast<double>(ratio) * petrolRatio /
+                                    static_cast<double>(*stoichiometric));
+    }
+    const double value = scaled;
     if (value > 15) return (value - 15) * 3.4 - 40;
     if (value > 14 && value <= 14.99) return (value - 14) * 48.7 - 96;
     if (value < 14) return (value - 9) * 11.42 - 145;

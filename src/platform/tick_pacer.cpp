@@ -17,6 +17,10 @@ int TickPacer::due(std::int64_t nowUs) {
     return static_cast<int>(ticks);
 }
 
+void TickPacer::forgive(std::int64_t nowUs) {
+    run_ = std::max(run_, elapsedTicks(nowUs));
+}
+
 bool TickPacer::tryEarly(std::int64_t nowUs) {
     if (run_ >= elapsedTicks(nowUs) + earlyTicks) return false;
     ++run_;

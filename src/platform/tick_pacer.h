@@ -30,6 +30,10 @@ class TickPacer {
     /// so the average stays 1000 a second. True: the tick counts as run.
     bool tryEarly(std::int64_t nowUs);
 
+    /// Drops the ticks that are owed: something has begun now whose time must not count from before.
+    /// Ticks that ran ahead stay counted.
+    void forgive(std::int64_t nowUs);
+
     /// When the next tick is due, in microseconds; in the past while ticks are owed.
     std::int64_t nextDueUs() const { return startUs_ + (run_ + 1) * tickUs; }
 

@@ -81,6 +81,8 @@ bool QtSerialPort::openDevice(const std::string& device) {
         device_.close();
         return false;
     }
+    // A reply that nobody read must not answer the first question.
+    device_.clear();
     lost_ = false;
     gate_.take();
     nextLookUs_ = clock_.monotonicUs() + lookUs;
@@ -88,6 +90,7 @@ bool QtSerialPort::openDevice(const std::string& device) {
 }
 
 void QtSerialPort::write(std::string_view bytes) {
+    ++writes_;
     // While the device is away bytes go nowhere, as with a pulled cable.
     if (!device_.isOpen() || lost_) return;
     if (device_.write(bytes.data(), static_cast<qint64>(bytes.size())) < 0) {

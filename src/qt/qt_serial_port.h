@@ -43,6 +43,8 @@ class QtSerialPort : public QObject, public SerialPort {
     /// To be called about once a millisecond, never from inside onEvent's handler. True: a batch was
     /// delivered.
     bool service();
+    /// Counts the calls of write().
+    std::uint64_t writes() const { return writes_; }
     /// A whole reply is there and waits for the line to be quiet.
     bool settling() const { return gate_.nextDueUs().has_value(); }
 
@@ -64,6 +66,7 @@ class QtSerialPort : public QObject, public SerialPort {
     int number_ = 0;
     bool heard_ = false;  ///< the device has sent something since open()
     bool lost_ = false;
+    std::uint64_t writes_ = 0;
     std::int64_t nextLookUs_ = 0;
     std::int64_t nextNumberUs_ = 0;
 };

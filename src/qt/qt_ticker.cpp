@@ -37,19 +37,27 @@ void QtTicker::wake() {
     run();
 }
 
+// The patience of a command begins when it is written: what is owed from a pause before that would give up a
+// healthy unit within a few milliseconds.
+void QtTicker::runTick() {
+    const std::uint64_t before = port_.writes();
+    tick();
+    if (port_.writes() != before) pacer_.forgive(clock_.monotonicUs());
+}
+
 void QtTicker::run() {
     bool delivered = port_.service();
     for (int count = 0; count < ticksPerWake && running(); ++count) {
         // A reply that is about to be delivered must not be overtaken by ticks owed from a pause.
         if (port_.settling()) break;
         if (pacer_.due(clock_.monotonicUs()) == 0) break;
-        tick();
+        runTick();
         delivered = port_.service() || delivered;
     }
     if (!delivered) return;
     for (int count = 0; count < ticksBehindReply && running(); ++count) {
         if (!pacer_.tryEarly(clock_.monotonicUs())) return;
-        tick();
+        runTick();
     }
 }
 

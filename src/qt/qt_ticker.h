@@ -1,6 +1,6 @@
 // The link's clock on Qt. Qt's timer fires late while a window paints; this one runs the ticks that are owed
-// by the monotonic clock, after it has taken what the port has brought, so that a busy window never looks
-// like a dead unit.
+// by the monotonic clock, after it has taken what the port has brought and never against a command that was
+// written later than they were due, so that a busy window never looks like a dead unit.
 #pragma once
 
 #include <QObject>
@@ -29,6 +29,7 @@ class QtTicker : public QObject, public Ticker {
  private:
     void wake();
     void run();
+    void runTick();
 
     QtSerialPort& port_;
     const Clock& clock_;

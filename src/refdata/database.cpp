@@ -199,7 +199,9 @@ void requireSensor(const MapSensorRow& sensor) {
     if (!std::isfinite(sensor.scale) || !std::isfinite(sensor.offset) || sensor.scale == 0) {
         throw Failure("MAP sensor " + sensor.description + " has no slope.");
     }
-    if (sensor.units < 0 || sensor.units > 5)
+    // The sensor editor offers the units up to 5; a calibration may bring a sensor of %Flow along.
+    constexpr int percentFlow = 6;
+    if (sensor.units < 0 || sensor.units > percentFlow)
         throw Failure("MAP sensor " + sensor.description + " has no unit.");
 }
 

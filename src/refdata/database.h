@@ -42,7 +42,7 @@ struct MapSensorRow {
     std::string description;  ///< unique name, compared without case
     float scale = 0;          ///< volts per user unit
     float offset = 0;         ///< volts at user zero
-    int units = 1;            ///< 0 or 1 kPa, 2 PSIA, 3 PSIG, 4 mmHg, 5 inHg
+    int units = 1;            ///< 0 or 1 kPa, 2 PSIA, 3 PSIG, 4 mmHg, 5 inHg, 6 %Flow
 };
 
 /// What is remembered of a calibration file.

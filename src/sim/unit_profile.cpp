@@ -105,7 +105,8 @@ constexpr FrameGpio wideGpioA[] = {{56, 0}, {57, 1}, {58, 2}, {59, 3}, {60, 4}, 
 
 constexpr FrameGpio inputsA[] = {{3, 0}, {4, 1}, {5, 2}, {6, 3}, {7, 4}, {8, 5}, {9, 6}, {10, 7}, {11, 8}};
 
-// kept: actual before desired ratio, the reverse of the narrow frame, is how the unit logs them.
+// kept: actual before desired ratio, the reverse of the narrow frame, is how the unit logs them. The coarse
+// steps of pulse width and gamma belong to the narrow frame alone.
 constexpr FrameField logFieldsA[] = {
     {3, 2, &Live::rpm},
     {5, 1, &Live::tpsVolts, perVolt8},
@@ -116,13 +117,13 @@ constexpr FrameField logFieldsA[] = {
     {10, 1, &Live::primaryAdvance, perDegree},
     {11, 1, &Live::secondaryAdvance, perDegree},
     {12, 1, &Live::knockRetard, perRetardDegree},
-    {13, 2, &Live::gammaPercent, perPercent},
+    {13, 2, &Live::gammaPercent},
     {15, 1, &Live::actualAfr, perRatio, ratioOffset, Law::FuelRatio},
     {16, 1, &Live::desiredAfr, perRatio, ratioOffset, Law::FuelRatio},
     {17, 1, &Live::egoCorrectionPercent, 1, oxygenAroundZero},
     {18, 1, &Live::egoVolts, perVolt8},
-    {19, 2, &Live::primaryPulseMs, 125},
-    {21, 2, &Live::secondaryPulseMs, 125},
+    {19, 2, &Live::primaryPulseMs, 1000},
+    {21, 2, &Live::secondaryPulseMs, 1000},
     {23, 1, &Live::idlePositionPercent, 2.54, 1},
     {24, 1, &Live::batteryVolts, perBatteryVoltA},
 };

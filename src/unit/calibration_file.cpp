@@ -21,6 +21,8 @@ namespace {
 
 constexpr std::size_t headerFloats = 3;
 constexpr std::size_t floatBytes = 4;
+/// One value more than a calibration holds is enough to tell that a file is too long.
+constexpr std::size_t longestFile = (headerFloats + Unit::cellCount + 1) * floatBytes;
 constexpr int firstLinearRelease = 3;
 constexpr int lastReleaseInCode = 5;  ///< the code has no room for later releases
 constexpr int scale1Cell = 148;
@@ -80,6 +82,11 @@ int releaseOf(float code) {
     return toInt16(truncate(static_cast<double>(code) / 1000));
 }
 
+/// Whether a release takes a sensor as a line of the user's.
+bool isLinear(int release) {
+    return release >= firstLinearRelease;
+}
+
 /// Undoes what it has seen when a repair fails half way.
 template <typename... Fields>
 class Rollback {
@@ -104,7 +111,7 @@ class Rollback {
 
 void Unit::FileOpen(const std::string& path) {
     if (!kind_.hasCalibration) return;
-    const FileContent content = parsed(readWholeFile(path), path);
+    const FileContent content = parsed(readFileStart(path, longestFile), path);
     const int fileRelease = releaseOf(content.firmwareCode);
     host_.yield();
 
@@ -147,14 +154,18 @@ void Unit::repairAfterOpening(int fileRelease) {
 void Unit::FW_Release(int release) {
     if (!kind_.hasCalibration) return;
     const int from = std::exchange(release_, release);
+    const FileHeader& header = host_.header();
     // A release of 0 is no release yet, and without a calibration in hand there is nothing to move.
-    if (from == 0 || host_.header().currentUnit != kind_.fileKind) return;
+    if (from == 0 || header.currentUnit != kind_.fileKind) return;
+    // The code tells what the cells are made for. A unit of the other generation that came and went must not
+    // have them moved back from where they never were.
+    if (header.firmwareCode != 0 && isLinear(releaseOf(header.firmwareCode)) == isLinear(release_)) return;
     repairSensor(from);
     migrateInjectors(from);
 }
 
 void Unit::repairSensor(int fromRelease) {
-    if (fromRelease >= firstLinearRelease || release_ < firstLinearRelease) return;
+    if (isLinear(fromRelease) || !isLinear(release_)) return;
     constexpr int customSensor = 4;
     const float bar = rules::mapBar(*this);
     const bool rated = bar == 1 || bar == 2 || bar == 3 || bar == 4;
@@ -212,9 +223,8 @@ void Unit::seedShape() {
 }
 
 void Unit::migrateInjectors(int fromRelease) {
-    const bool up = fromRelease < firstLinearRelease && release_ >= firstLinearRelease;
-    const bool down = fromRelease >= firstLinearRelease && release_ < firstLinearRelease;
-    if ((!up && !down) || !host_.firmwareKnownFromLink()) return;
+    const bool up = isLinear(release_);
+    if (up == isLinear(fromRelease) || !host_.firmwareKnownFromLink()) return;
     rules::mapBar(*this);  // repairs a rating of 0
     const auto [k, l] = legacySensor(toInt16(cellAt(legacyBarCell)));
     const double scale = cellAt(scale1Cell);
@@ -244,18 +254,19 @@ void Unit::SaveFile() {
     const bool unknown = (release_ == 0 && build_ == 0) || release_ > lastReleaseInCode;
     const int release = unknown ? kind_.defaultRelease : release_;
     const int build = unknown ? kind_.defaultBuild : build_;
-    FileHeader& header = host_.header();
-    header.firmwareCode = static_cast<float>(release * 1000 + build);
+    const auto firmwareCode = static_cast<float>(release * 1000 + build);
 
     std::string bytes;
     bytes.reserve((headerFloats + cellCount) * floatBytes);
     appendFloat(bytes, kind_.fileKind);
     appendFloat(bytes, host_.programVersion());
-    appendFloat(bytes, header.firmwareCode);
+    appendFloat(bytes, firmwareCode);
     for (int i = 0; i < kind_.fileFloats; ++i) appendFloat(bytes, cellAt(i));
     bytes += surplusOf(binFile_, bytes.size());
     writeFileSafely(binFile_, bytes);
 
+    FileHeader& header = host_.header();
+    header.firmwareCode = firmwareCode;
     header.fileState = "OLD";
     constexpr int dataSaved = 1001;
     host_.displayMessage(dataSaved, "");

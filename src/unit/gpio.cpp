@@ -85,7 +85,8 @@ void Unit::Set_GPIO_Param(int pin, int parameter, float value) {
 
 void Unit::sendGpioParameter(int pin, int parameter, float value) {
     if (!onTheFly_) return;
-    const int function = Get_GPIOFUNC(pin);
+    // The stored code: with IndexPolling the member answers an index.
+    const int function = toInt16(static_cast<double>(cellAt(gpioCell(pin, 0))));
     const FirmwareVersion firmware = {release_, build_};
     const GpioRecipe* recipe = gpioRecipe(function, firmware);
     const GpioByte* item = recipe == nullptr ? nullptr : gpioByteOfParameter(*recipe, parameter);

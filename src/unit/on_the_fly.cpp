@@ -1,5 +1,6 @@
 #include <utility>
 
+#include "base/errors.h"
 #include "base/number_text.h"
 #include "unit/counts.h"
 #include "unit/unit.h"
@@ -59,11 +60,8 @@ std::string Unit::onTheFlyRecord(int index, double first, double second) {
 template <typename MakeRecord>
 void Unit::handOver(MakeRecord&& record) {
     if (!onTheFly_) return;
-    try {
-        host_.sendOnFly(std::forward<MakeRecord>(record)());
-    } catch (const std::exception&) {
-        host_.sysLog(failureText);
-    }
+    endOnFailure([&] { host_.sendOnFly(std::forward<MakeRecord>(record)()); },
+                 [&](const std::string&) { host_.sysLog(failureText); });
 }
 
 void Unit::SendOnFly(int index, double first, int count) {

@@ -4,9 +4,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <limits>
 #include <system_error>
 #include <utility>
 
@@ -76,12 +78,17 @@ void flushFolderOf(const std::string& path) {
 }  // namespace
 
 std::string readWholeFile(const std::string& path) {
-    const OpenFile file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    return readFileStart(path, std::numeric_limits<std::size_t>::max());
+}
+
+std::string readFileStart(const std::string& path, std::size_t most) {
+    // Not blocking: opening a pipe would wait for a writer before it could be refused.
+    const OpenFile file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (file.get() < 0) fail(path, "open", errno);
     struct stat status {};
     if (::fstat(file.get(), &status) != 0) fail(path, "read", errno);
     if (!S_ISREG(status.st_mode)) fail(path, "read", S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
-    std::string content(static_cast<std::size_t>(status.st_size), '\0');
+    std::string content(std::min(static_cast<std::size_t>(status.st_size), most), '\0');
     std::size_t length = 0;
     while (length < content.size()) {
         const ssize_t count = ::read(file.get(), content.data() + length, content.size() - length);

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <optional>
 
 #include "base/errors.h"
@@ -145,6 +146,7 @@ bool Unit::Set_GPO_Stop(const Entry& value, int i, std::string_view axis, std::s
     const Limits limits = stopLimits(*this, kind);
     if (!limits.unlimited() && host_.checkRange(number, limits.minimum, limits.maximum, limits.text))
         return false;
+    if (!std::isfinite(number)) throw Overflow();  // an axis without a kind has no range
     // A user of Fahrenheit enters what the grid shows; the cell and the unit's image hold Celsius.
     const bool fahrenheit = (kind == "CLT" || kind == "MAT") && host_.fahrenheit();
     cellAt(*cell) = fahrenheit ? toCelsius(number) : number;

@@ -1,6 +1,7 @@
 #include "unit/unit.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <utility>
 
@@ -79,6 +80,8 @@ bool Unit::write(const Parameter& row, const Entry& value, int element) {
     checkElement(row, element);
     if (row.readOnly || !accepted(row, value, element)) return false;
     const float number = value.number();
+    // A member without a range lets any number pass; what fits no cell must not get into a file.
+    if (!std::isfinite(number)) throw Overflow();
     After after = After::Send;
     if (row.write != nullptr) {
         after = row.write(*this, row, number, element);
@@ -121,6 +124,7 @@ bool Unit::inRange(const Parameter& row, float value, int element) {
         if (std::ranges::find(values, value) != values.end()) return true;
         constexpr int invalidEntry = 1001;
         host_.displayWarning(invalidEntry, row.rangeText);
+        host_.sysLog(row.rangeText);
         host_.sysLog("Invalid Entry: " + numberText(value) + " -> " + std::string(row.rangeText));
         return false;
     }

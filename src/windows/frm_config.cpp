@@ -13,6 +13,7 @@ namespace zentaq {
 namespace {
 
 constexpr int keyRole = Qt::UserRole;
+constexpr int helpRole = Qt::UserRole + 1;
 constexpr int startTab = 0;
 constexpr int pageTab = 1;
 constexpr int tableNode = -1;
@@ -133,6 +134,7 @@ void FrmConfig::setupNodes() {
                                                           : new QTreeWidgetItem(parent->second);
             item->setText(0, QString::fromStdString(node.text));
             item->setData(0, keyRole, QString::fromStdString(node.key));
+            item->setData(0, helpRole, QString::fromStdString(node.help));
             items[node.key] = item;
         }
     }
@@ -198,7 +200,10 @@ void FrmConfig::undock() {
 }
 
 QString FrmConfig::helpKey() const {
-    return sstMenu_->currentIndex() == pageTab ? pageView_->helpKey() : QString();
+    const QString field = sstMenu_->currentIndex() == pageTab ? pageView_->helpKey() : QString();
+    const QTreeWidgetItem* node = treeZentaq_->currentItem();
+    // A field without a text of its own is told by its page.
+    return field.isEmpty() && node != nullptr ? node->data(0, helpRole).toString() : field;
 }
 
 // The search yields, so the window stays alive; the button must not start a second one.

@@ -4,6 +4,7 @@
 #include <QSplitter>
 
 #include "base/errors.h"
+#include "config/tree.h"
 #include "qt/look.h"
 
 namespace zentaq {
@@ -206,6 +207,7 @@ void WindowManager::openTable(const std::string& table, const std::string& title
     makeTable();
     // A second click on the same table keeps it as it is, selection and all.
     if (table_->tableName() != table) table_->Setup_Grid(table, title);
+    table_->setProperty(helpKeyProperty, QString::fromStdString(tableHelp(table)));
     placeTable(table_->docked());
     table_->grid().setFocus();
 }

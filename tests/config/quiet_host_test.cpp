@@ -56,6 +56,12 @@ TEST_F(QuietHostTest, ANumberBetweenListedValuesIsRefused) {
     EXPECT_EQ(refusalOf("CONDIV", 3), "Warning 1001: Data Input Error: 2,4,8,16,32 or 64 - Invalid Entry.");
 }
 
+TEST_F(QuietHostTest, WhatIsNoNumberLiesInNoRange) {
+    EXPECT_TRUE(host.checkRange(std::nanf(""), 2, 100, "(2 to 100 units)"));
+    EXPECT_THAT(host.refusals(),
+                ElementsAre("Warning 1001: Data Input Error: (2 to 100 units) - Invalid Entry."));
+}
+
 TEST_F(QuietHostTest, ANumberThatFitsNoFloatIsAnOverflow) {
     EXPECT_THROW(setOrThrow(unit, host, "BHP", "1e39"), Overflow);
     EXPECT_EQ(unit.get("BHP"), 0);

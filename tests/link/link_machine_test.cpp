@@ -46,6 +46,31 @@ TEST_F(LinkMachine, The512thCommandLosesTheOldestAndTheCountIsNotCorrected) {
     EXPECT_EQ(link.QueuedCommands(), 511);
 }
 
+TEST_F(LinkMachine, AnEmptyRingHoldsNoCommandsWhateverAnOverrunLeftInTheCount) {
+    find(200000);
+    port.always("K", atOnce("AX"));
+    for (int i = 0; i < 520; ++i) link.Send_ORB_Command("K");
+    EXPECT_EQ(link.QueuedCommands(), 520);
+    // The ring holds 511; with two ticks a command it is empty after 1022.
+    ticks(1022);
+    EXPECT_EQ(port.written().size(), 511u);
+    EXPECT_EQ(link.QueuedCommands(), 9);
+    ticks(1);
+    EXPECT_EQ(link.QueuedCommands(), 0);
+}
+
+TEST_F(LinkMachine, FailedWritesDoNotSilenceThePollersForGood) {
+    find(200000);
+    for (int i = 0; i < 6; ++i) {
+        port.failWrites(1);
+        link.Send_ORB_Command("B");
+        ticks(1002);
+        EXPECT_EQ(link.CurrentCommand(), "");
+    }
+    ticks(1);
+    EXPECT_EQ(link.QueuedCommands(), 0);
+}
+
 TEST_F(LinkMachine, TheRingWrapsBehindItsLastPlace) {
     find(200000);
     port.always("K", atOnce("AX"));

@@ -87,6 +87,20 @@ TEST_F(LinkReplies, AnAcceptedUnitIsShownAndAskedForItsFirmware) {
     EXPECT_EQ(port.written(), (Texts{"E", "B"}));
 }
 
+TEST_F(LinkReplies, AnAcceptedUnitsObjectHoldsItsSerialNumberAsText) {
+    exchange("E", identifyReply(10));
+    EXPECT_EQ(host.unit(3).Serial(), "000010");
+    EXPECT_EQ(host.unit(4).Serial(), "");
+    ticks(1100);  // the B that nobody answers
+    exchange("E", identifyReply(300123));
+    EXPECT_EQ(host.unit(4).Serial(), "300123");
+}
+
+TEST_F(LinkReplies, TheObjectOfAUnitWithTheOldestFormatHoldsItsSerialNumberToo) {
+    exchange("E", bytes({0x00, 0x00, 0x02, 0x9C, 'A', 'X'}));
+    EXPECT_EQ(host.unit(3).Serial(), "001234");
+}
+
 TEST_F(LinkReplies, AReplyInNoKnownFormatChangesNothing) {
     exchange("E", bytes({1, 2, 3, 4, 5, 6, 7, 8}));
     EXPECT_EQ(link.linked().SerialNumber, 0);
@@ -535,6 +549,17 @@ TEST_F(LinkReplies, OnlyARefusedOnTheFlyChangeIsTold) {
     exchange("P2S104", "AR");
     EXPECT_EQ(host.logLines, (Texts{"ONFLY: Change Failed!"}));
     EXPECT_EQ(link.CurrentCommand(), "");
+}
+
+TEST_F(LinkReplies, AXHasAnEffectOnClearCodesOnly) {
+    for (const std::string command : {"K", "P2S10411415059"}) {
+        exchange(command, "AX");
+        EXPECT_TRUE(host.logLines.empty()) << command;
+        EXPECT_EQ(link.CurrentCommand(), "") << command;
+    }
+    EXPECT_EQ(host.codesClearedCount, 0);
+    exchange("A", "AX");
+    EXPECT_EQ(host.codesClearedCount, 1);
 }
 
 TEST_F(LinkReplies, AReplyOfOneByteIsAFaultThatEndsTheCommand) {

@@ -190,6 +190,76 @@ TEST_F(CalibrationTransfer, ALostReplyFailsAfter1000TicksAndTheLinkIsLostToo) {
     EXPECT_FALSE(link.AutoPollSuspended());
 }
 
+TEST_F(CalibrationTransfer, APortThatVanishesOnTheWayFailsWithMessage1003AndTheUnitIsFoundAgain) {
+    answerLines("AX");
+    port.always("S9", atOnce("PN"));
+    program("S1a\r\nS1b\r\nS9\r\n");
+    ticks(1 + 11);
+    ASSERT_EQ(port.written().back(), "S1a");
+    port.silent(true);
+    ticks(11 + 1001);
+    EXPECT_EQ(host.messages, (std::vector<int>{1003}));
+    EXPECT_FALSE(link.TransferActive());
+    EXPECT_FALSE(link.AutoPollSuspended());
+    EXPECT_FALSE(link.status().progressVisible);
+    EXPECT_EQ(link.QueuedCommands(), 0);
+
+    port.silent(false);
+    forget();
+    port.always("E", identifyReply(200000));
+    Poller poller(
+        link, [] {}, [] {});
+    for (int i = 0; i < 10; ++i) poller.fire({});
+    ticks(10);
+    ASSERT_EQ(link.linked().LinkedUnitKind, 3);
+    ticks(1010);  // the B that nobody answers
+    forget();
+    program("S1a\r\nS9\r\n");
+    ticks(100);
+    EXPECT_EQ(port.written(), (Texts{"P1", "S1a", "S9"}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1002}));
+}
+
+TEST_F(CalibrationTransfer, AFrameThatIsNeverAnsweredInFrontOfP1FailsTheTransferAndPollingGoesOn) {
+    answerLines("AX");
+    link.Send_ORB_Command("F");
+    ticks(1);
+    program("S1a\r\n");
+    forget();
+    ticks(83);
+    EXPECT_TRUE(host.messages.empty());
+    ticks(1);
+    EXPECT_EQ(host.messages, (std::vector<int>{1003}));
+    EXPECT_EQ(host.logLines, (Texts{"PROCESS FAILED - EXITED ABNORMALLY.", "Automatic POLL/SYNC: ENABLED"}));
+    EXPECT_FALSE(link.AutoPollSuspended());
+    EXPECT_FALSE(link.status().progressVisible);
+    ticks(50);
+    EXPECT_TRUE(port.written().empty()) << "the transfer went with the queue";
+}
+
+TEST_F(CalibrationTransfer, ASecondTransferIsRefusedWhileTheFirstWaitsInTheQueue) {
+    answerLines("AX");
+    program("S1a\r\n");
+    EXPECT_THROW(link.Program_Unit(TransferMode::Datalog, folder.path("log.dat")), Failure);
+    EXPECT_TRUE(link.AutoPollSuspended());
+    ticks(100);
+    EXPECT_EQ(port.written(), (Texts{"P1", "S1a"}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1002}));
+}
+
+TEST_F(CalibrationTransfer, NoPortIsSearchedOnTheWay) {
+    answerLines("AX");
+    port.always("S9", atOnce("PN"));
+    program("S1a\r\nS9\r\n");
+    ticks(5);
+    const int closes = port.closes();
+    yielding.meanwhile = [&] { port.advanceUs(1000); };
+    EXPECT_EQ(link.Autodetect_COMM_Port(), 0);
+    EXPECT_EQ(port.closes(), closes);
+    ticks(100);
+    EXPECT_EQ(host.messages, (std::vector<int>{1002}));
+}
+
 TEST_F(CalibrationTransfer, AnEmptyFileCountsAsASuccess) {
     answerLines("AX");
     program("");
@@ -502,6 +572,20 @@ TEST_F(DatalogTransfer, AUserCommandIsWrittenBetweenTwoRecords) {
     link.Send_ORB_Command("T");
     ticks(6);
     EXPECT_EQ(port.written(), (Texts{"D", "T", "D", "D"}));
+}
+
+TEST_F(DatalogTransfer, AUserCommandThatIsNeverAnsweredEndsTheDownloadWithTheLink) {
+    port.always("D", atOnce(dataRecord(1)));
+    download();
+    ticks(1);
+    link.Send_ORB_Command("K");
+    ticks(2);
+    ASSERT_EQ(port.written().back(), "K");
+    ticks(1001);
+    EXPECT_EQ(host.messages, (std::vector<int>{1007}));
+    EXPECT_FALSE(link.AutoPollSuspended());
+    EXPECT_FALSE(link.TransferActive());
+    EXPECT_FALSE(link.status().progressVisible);
 }
 
 TEST_F(DatalogTransfer, AFileThatCannotBeMadeQueuesNothing) {

@@ -276,6 +276,16 @@ TEST_F(PortSearch, AReplyThatCameBeforeTheSearchIsNotTakenForAnAnswer) {
     EXPECT_EQ(link.linked().SerialNumber, 0);
 }
 
+TEST_F(PortSearch, FramesOfALivingLinkDoNotKeepTheSearchFromItsUnit) {
+    identify(300000, "ZQL0007001");
+    port.unitOnPort(1);
+    port.always("E", identifyReply(300000));
+    for (int i = 0; i < 5; ++i) link.Send_ORB_Command("W");
+    ticks(1);
+    ASSERT_EQ(link.CurrentCommand(), "W");
+    EXPECT_EQ(link.Autodetect_COMM_Port(), 1);
+}
+
 TEST_F(PortSearch, TheDirectCallHandlesAReplyThatNoTickSaw) {
     // Only the line moves: the tick that would handle the reply does not run, apart from the one that writes.
     int calls = 0;

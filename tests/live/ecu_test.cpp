@@ -167,6 +167,20 @@ TEST_F(FuelOfACell, SequentialEnginesHaveTwoTurnsForOneInjection) {
     EXPECT_EQ(ecu.Get_DutyCycle(37), "125");
 }
 
+TEST_F(FuelOfACell, TheEngineTablesSequentialEnginesHaveTwoTurnsToo) {
+    calibration.unit.AssignDirectIndex(0, 2202);  // Engine_Type
+    ecu.Injector_Pulsewidth(calibration.unit, 37, fullPressure, false);
+    const auto dutyOfPhase = [&](float phase) {
+        calibration.unit.AssignDirectIndex(phase, 2205);  // PHDSEQ
+        ecu.Injector_DutyCycle(calibration.unit, 6000, 37);
+        return ecu.dutyPercent(37);
+    };
+    EXPECT_FLOAT_EQ(dutyOfPhase(3), 62.5F);  // (6000 / 120) * 12.5 / 10
+    EXPECT_FLOAT_EQ(dutyOfPhase(2), 125);    // (6000 / 60) * 12.5 / 10
+    EXPECT_FLOAT_EQ(dutyOfPhase(1), 125);
+    EXPECT_FLOAT_EQ(dutyOfPhase(0), 62.5F);
+}
+
 TEST_F(FuelOfACell, AHeaderOf0RpmLeavesTheDutyAsItWas) {
     ecu.Injector_Pulsewidth(calibration.unit, 37, fullPressure, false);
     ecu.Injector_DutyCycle(calibration.unit, 6000, 37);

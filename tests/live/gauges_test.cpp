@@ -38,6 +38,11 @@ TEST(NeedleAngles, RatioHasGapsThatAnswerZero) {
     EXPECT_NEAR(afrAngle(15.01F, {}), -39.966, 1e-4);
 }
 
+TEST(NeedleAngles, TheGapsStayWithPetrolInHand) {
+    EXPECT_EQ(afrAngle(14, petrol), 0);
+    EXPECT_EQ(afrAngle(15, petrol), 0);
+}
+
 TEST(NeedleAngles, RatioIsScaledToPetrolByTheFuelInHand) {
     EXPECT_NEAR(afrAngle(9, 9.8F), -93.61, 1e-3);  // 9 * 14.7 / 9.8 = 13.5
     EXPECT_NEAR(afrAngle(9, {}), -145, 1e-9);

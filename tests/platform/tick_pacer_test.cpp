@@ -112,6 +112,26 @@ TEST(TickPacer, AnEarlyTickWhileTicksAreOwedPaysOneOfThem) {
     EXPECT_EQ(pacer.due(5 * ms), 4);
 }
 
+TEST(TickPacer, ForgivingDropsWhatIsOwed) {
+    TickPacer pacer({.perFiring = 1});
+    pacer.start(0);
+    EXPECT_EQ(pacer.due(300'000), 1);
+    pacer.forgive(300'000);
+    EXPECT_EQ(pacer.due(300'999), 0);
+    EXPECT_EQ(pacer.due(301'000), 1);
+    EXPECT_EQ(pacer.due(301'000), 0);
+}
+
+TEST(TickPacer, ForgivingKeepsTicksThatRanAhead) {
+    TickPacer pacer;
+    pacer.start(0);
+    EXPECT_TRUE(pacer.tryEarly(0));
+    EXPECT_TRUE(pacer.tryEarly(0));
+    pacer.forgive(0);
+    EXPECT_EQ(pacer.due(2'999), 0);
+    EXPECT_EQ(pacer.due(3'000), 1);
+}
+
 TEST(TickPacer, StartForgetsTheDebt) {
     TickPacer pacer;
     pacer.start(0);

@@ -280,6 +280,12 @@ TEST_F(DatabaseTest, AnAddedSensorLastsAndKeepsItsNumbersAsTyped) {
         << "stored as the decimal number, not as its 32-bit form";
 }
 
+// A calibration's sensor may be one of flow, and the user may add it from there.
+TEST_F(DatabaseTest, AFlowSensorIsTaken) {
+    const int id = open().addMapSensor({0, "Meter (%Flow)", 0.05f, 0, 6});
+    EXPECT_EQ(open().mapSensor(id)->units, 6);
+}
+
 // Calibrations hold the ID, so it must not come to mean another sensor.
 TEST_F(DatabaseTest, TheIdOfADeletedSensorIsNotGivenAgain) {
     Database database = open();
@@ -303,7 +309,7 @@ TEST_F(DatabaseTest, ASensorWithoutASlopeANameOrAUnitIsRefused) {
     EXPECT_THROW(database.addMapSensor({0, "Steep", INFINITY, 1, 1}), Failure);
     EXPECT_THROW(database.addMapSensor({0, "Lost", 0.05f, std::nanf(""), 1}), Failure);
     EXPECT_THROW(database.addMapSensor({0, "  ", 0.05f, 1, 1}), Failure);
-    EXPECT_THROW(database.addMapSensor({0, "Flow", 0.05f, 1, 6}), Failure);
+    EXPECT_THROW(database.addMapSensor({0, "Odd", 0.05f, 1, 7}), Failure);
     EXPECT_EQ(database.mapSensors().size(), before);
 }
 

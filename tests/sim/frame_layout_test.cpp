@@ -148,9 +148,9 @@ TEST(FrameLayout, LogRecordHasActualBeforeDesiredRatio) {
     expectBytes(reply,
                 {{3, 0x0B, "rpm"},    {4, 0xB8, "rpm"},     {5, 153, "throttle"},    {6, 242, "pressure"},
                  {7, 172, "coolant"}, {8, 87, "air"},       {9, 51, "knock"},        {10, 85, "primary"},
-                 {11, 68, "second"},  {12, 17, "retard"},   {13, 0, "gamma"},        {14, 255, "gamma"},
+                 {11, 68, "second"},  {12, 17, "retard"},   {13, 0, "gamma"},        {14, 100, "gamma"},
                  {15, 185, "actual"}, {16, 140, "desired"}, {17, 133, "correction"}, {18, 41, "sensor"},
-                 {19, 0x03, "8 ms"},  {20, 0xE8, "8 ms"},   {21, 0, "2 ms"},         {22, 250, "2 ms"},
+                 {19, 0x1F, "8 ms"},  {20, 0x40, "8 ms"},   {21, 0x07, "2 ms"},      {22, 0xD0, "2 ms"},
                  {23, 103, "idle"},   {24, 205, "battery"}});
 }
 

@@ -1,6 +1,7 @@
 // Calibration files: layout, repairs on opening, saving over old files, failures.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cmath>
 #include <cstring>
@@ -126,8 +127,11 @@ TEST_F(CalibrationFile, AnUnknownOrLaterFirmwareIsSavedAs5099) {
 
 TEST_F(CalibrationFile, AFileThatCannotBeWrittenIsAFileErrorAndNothingIsTold) {
     unit.BinFile("/no/such/folder/Tune.ZQ4OA");
+    host.head.firmwareCode = 2010;
+    unit.FW_Build(99);
     EXPECT_THROW(unit.SaveFile(), FileError);
     EXPECT_THAT(host.messages, IsEmpty());
+    EXPECT_EQ(host.head.firmwareCode, 2010);
 }
 
 TEST_F(CalibrationFile, SavingWithoutAPathIsAFileError) {
@@ -201,6 +205,20 @@ TEST_F(CalibrationFile, AFileThatCannotBeOpenedIsAFileErrorAndNothingChanges) {
     EXPECT_THROW(unit.FileOpen(folder.path()), FileError);
     EXPECT_THROW(openBytes("short"), FileError);
     EXPECT_EQ(unit.get("KNK_MIN"), 50);
+}
+
+TEST_F(CalibrationFile, APipeIsAFileErrorAndNotAnEndlessWait) {
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    EXPECT_THROW(unit.FileOpen(path), FileError);
+}
+
+// 4 TB, almost all of it a hole: more than could be read into memory.
+TEST_F(CalibrationFile, AFileOfAbsurdLengthIsABoundsErrorAndIsNotReadToItsEnd) {
+    writeContent(path, bytesOf(FileOfFloats(9.44F, 5099).floats));
+    std::error_code noRoomForIt;
+    std::filesystem::resize_file(path, std::uintmax_t{1} << 42U, noRoomForIt);
+    if (noRoomForIt) GTEST_SKIP() << "this file system takes no file of 4 TB";
+    EXPECT_THROW(unit.FileOpen(path), BoundsError);
 }
 
 TEST_F(CalibrationFile, ARepairThatFailsLeavesTheOldCalibrationWhole) {
@@ -408,6 +426,55 @@ TEST_F(CalibrationFile, ANewReleaseOfAnOpenCalibrationMovesSensorAndInjectors) {
     unit.FW_Release(5);
     EXPECT_EQ(host.informed.size(), 1U);
     EXPECT_EQ(unit.DirectIndex(148), 8.555F);
+}
+
+// The cells were never moved up: the unit had not yet told its firmware when its release came.
+TEST_F(CalibrationFile, ANewUnitThatCameAndWentLeavesAnOldFilesInjectorsAlone) {
+    FileOfFloats file(9.44F, 2010);
+    file.cell(148) = 10;
+    file.cell(150) = 1;
+    open(file);
+    unit.FW_Release(5);
+    host.firmwareIsKnownFromLink = true;
+    unit.FW_Release(2);
+    EXPECT_EQ(unit.DirectIndex(148), 10);
+    EXPECT_EQ(unit.DirectIndex(150), 1);
+    EXPECT_EQ(host.head.firmwareCode, 2010);
+    EXPECT_THAT(host.informed, IsEmpty());
+}
+
+TEST_F(CalibrationFile, AnOldUnitThatCameAndWentLeavesANewFilesSensorAndInjectorsAlone) {
+    host.sensors[1] = {.scale = 0.05F, .offset = 0.1F, .unitsCode = 1};
+    FileOfFloats file(9.44F, 5099);
+    file.cell(126) = 0.08F;
+    file.cell(127) = 0.5F;
+    file.cell(128) = 12;
+    file.cell(129) = 2;
+    file.cell(148) = 10;
+    open(file);
+    unit.FW_Release(2);
+    host.firmwareIsKnownFromLink = true;
+    unit.FW_Release(5);
+    EXPECT_EQ(unit.get("MAP_Scaler"), 0.08F);
+    EXPECT_EQ(unit.get("MAP_Offset"), 0.5F);
+    EXPECT_EQ(unit.get("MAP_ID"), 12);
+    EXPECT_EQ(unit.MAPUnits(), "PSIA");
+    EXPECT_EQ(unit.DirectIndex(148), 10);
+    EXPECT_THAT(host.informed, IsEmpty());
+}
+
+TEST_F(CalibrationFile, InjectorsThatWereMovedUpMoveDownAgain) {
+    FileOfFloats file(9.44F, 2010);
+    file.cell(148) = 10;
+    file.cell(150) = 1;
+    open(file);
+    host.firmwareIsKnownFromLink = true;
+    unit.FW_Release(5);
+    unit.FW_Release(2);
+    EXPECT_EQ(unit.DirectIndex(148), 10);                // 8.555 / (876 / 1024) = 10.0004
+    EXPECT_NEAR(unit.DirectIndex(150), 1.141251, 1e-5);  // 1 + (10 - 8.555) * 100 / 1023
+    EXPECT_EQ(host.head.firmwareCode, 2010);
+    EXPECT_EQ(host.informed.size(), 2U);
 }
 
 TEST_F(CalibrationFile, AReleaseWithoutACalibrationMovesNothing) {

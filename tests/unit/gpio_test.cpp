@@ -227,6 +227,15 @@ TEST(GpioOnTheFly, OtherFunctionsSendWhatTheImageWouldHold) {
     EXPECT_THAT(sentFor(25, 7, 80), ElementsAre(recordOf(firstParameter + 7, {204})));
 }
 
+TEST(GpioOnTheFly, IndexPollingDoesNotChangeWhatIsSent) {
+    OrbaCalibration cal;
+    cal.unit.Set_GPIO_Func(1, 6);
+    cal.unit.ONFLY_MODE(true);
+    cal.unit.IndexPolling(true);
+    cal.unit.Set_GPIO_Param(1, 0, 1000);
+    EXPECT_THAT(cal.host.sent, ElementsAre(recordOf(firstParameter, {3, 232})));
+}
+
 TEST(GpioOnTheFly, ParametersThatTheImageDoesNotHoldAreNotSent) {
     EXPECT_THAT(sentFor(6, 1, 1000), IsEmpty());
     EXPECT_THAT(sentFor(14, 2, 1), IsEmpty());

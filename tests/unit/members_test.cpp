@@ -434,6 +434,17 @@ TEST(Divisors, ANumberBetweenTheListedOnesIsRefused) {
     EXPECT_EQ(cal.unit.get("CONDIV"), 64);
     EXPECT_THAT(cal.host.warnings, ElementsAre(RecordingHost::Box{1001, "2,4,8,16,32 or 64"},
                                                RecordingHost::Box{1001, "2,4,8,16,32 or 64"}));
+    EXPECT_THAT(cal.host.log, ElementsAre("2,4,8,16,32 or 64", "Invalid Entry: 3 -> 2,4,8,16,32 or 64",
+                                          "2,4,8,16,32 or 64", "Invalid Entry: 63 -> 2,4,8,16,32 or 64"));
+}
+
+TEST(Entries, ANumberThatFitsNoCellIsAnOverflowEvenWithoutARange) {
+    OrbaCalibration cal;
+    EXPECT_TRUE(cal.unit.set("BHP", 300));
+    EXPECT_THROW(cal.unit.set("BHP", "1E+39"), Overflow);
+    EXPECT_THROW(cal.unit.set("MAP_Scaler", std::nan("")), Overflow);
+    EXPECT_EQ(cal.unit.get("BHP"), 300);
+    EXPECT_EQ(cal.unit.DirectIndex(126), 0);
 }
 
 TEST(RawAccess, ReadsAndWritesCellsWithoutSending) {

@@ -118,6 +118,13 @@ struct StopRange {
     const char* text;
 };
 
+TEST(StopPoints, ANumberThatFitsNoCellIsAnOverflowEvenOnAnAxisWithoutAKind) {
+    OrbaCalibration cal;
+    EXPECT_TRUE(cal.unit.Set_GPO_Stop(1000, 3, "X-Axis", "GPO1"));
+    EXPECT_THROW(cal.unit.Set_GPO_Stop("1E+39", 3, "X-Axis", "GPO1"), Overflow);
+    EXPECT_EQ(cal.unit.Get_GPO_Stop(3, "X-Axis", "GPO1"), 1000);
+}
+
 TEST(StopPoints, AreCheckedAgainstTheKindOfTheirAxis) {
     OrbaCalibration cal;
     cal.unit.set("AFR", 14);

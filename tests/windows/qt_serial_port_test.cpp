@@ -1,5 +1,6 @@
 #include "qt/qt_serial_port.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -91,6 +92,29 @@ TEST_F(SerialPortOnATerminal, DeliversAReplyOnceWhenTheLineHasGoneQuiet) {
     EXPECT_THAT(delivered, ElementsAre('A', 'X'));
     pass(10'000);
     EXPECT_EQ(deliveries, 1);
+}
+
+TEST_F(SerialPortOnATerminal, AReplyThatNobodyReadDoesNotAnswerTheFirstQuestion) {
+    const PtyPair line;
+    announce(folder.path(), "A", line.path());
+    // Whoever had the line before has left without reading the reply.
+    const int other = ::open(line.path().c_str(), O_RDWR | O_NOCTTY);
+    ASSERT_GE(other, 0);
+    line.send("OLDREPLY");
+    ASSERT_TRUE(eventually([&] {
+        int waiting = 0;
+        return ::ioctl(other, FIONREAD, &waiting) == 0 && waiting == 8;
+    }));
+    port.open(1);
+    port.setReceiveThreshold(2);
+    line.send("AX");
+    EXPECT_TRUE(eventually([&] {
+        clock.advanceUs(600);
+        return deliveries > 0;
+    }));
+    EXPECT_THAT(delivered, ElementsAre('A', 'X'));
+    EXPECT_EQ(deliveries, 1);
+    ::close(other);
 }
 
 TEST_F(SerialPortOnATerminal, HoldsBytesWhileTheThresholdIsZero) {

@@ -106,5 +106,32 @@ TEST_F(TickerOnTheClock, AReplyThatCameDuringAPauseIsDeliveredBeforeTheOwedTicks
     EXPECT_LE(ticksAtDelivery - before, 3) << "ticks owed from the pause must not count against the reply";
 }
 
+TEST_F(TickerOnTheClock, TicksOwedFromAPauseDoNotCountAgainstACommandThatIsWrittenBehindIt) {
+    const PtyPair line;
+    announce(folder.path(), "A", line.path());
+    port.open(1);
+    bool paused = false;
+    std::int64_t writtenUs = 0;
+    double ahead = 0;  // ticks since the write, less the milliseconds since
+    int sinceWrite = 0;
+    ticker.onTick([&] {
+        if (writtenUs != 0) {
+            ++sinceWrite;
+            ahead = std::max(ahead, sinceWrite - static_cast<double>(clock.monotonicUs() - writtenUs) / 1000);
+        } else if (paused) {
+            port.write("F");
+            writtenUs = clock.monotonicUs();
+        }
+    });
+    ticker.start();
+    runLoop(20);
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    paused = true;
+    runLoop(60);
+    ASSERT_NE(writtenUs, 0);
+    EXPECT_GT(sinceWrite, 20);
+    EXPECT_LE(ahead, 4);
+}
+
 }  // namespace
 }  // namespace zentaq
