@@ -70,7 +70,9 @@ void Session::poll(bool secondTabShowing) {
     if (!link.status().connected && now >= nextPortCheckUs_) {
         nextPortCheckUs_ = now + portCheckUs;
         for (const PortInfo& port : platform_.port.list()) {
-            if (port.number == link.commPort()) skipFailing([&] { link.ORB_Initialize(); });
+            if (port.number != link.commPort()) continue;
+            // A port that is there but busy would fill the log with its failure, once a second.
+            if (skipFailing([&] { platform_.port.open(port.number); })) link.ORB_Initialize();
         }
     }
     poller.fire({.tab2Showing = secondTabShowing, .autoVeOn = false});
@@ -168,7 +170,7 @@ bool Session::fahrenheit() const {
 }
 
 bool Session::firmwareKnownFromLink() const {
-    return link.linked().UnitIdentified;
+    return link.linked().FirmwareTold;
 }
 
 float Session::programVersion() const {

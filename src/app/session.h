@@ -1,5 +1,5 @@
-// What the process owns: the Unit objects, the live values, the reference database, the link and the run flags.
-// It is handed down by reference; nothing of it is global.
+// What the process owns: the Unit objects, the live values, the reference database, the link and the run
+// flags. It is handed down by reference; nothing of it is global.
 #pragma once
 
 #include <array>
@@ -15,6 +15,7 @@
 #include "link/link_host.h"
 #include "link/poller.h"
 #include "live/check_engine.h"
+#include "live/ecu.h"
 #include "live/frame_decoder.h"
 #include "live/live_values.h"
 #include "platform/clock.h"
@@ -24,6 +25,7 @@
 #include "platform/ticker.h"
 #include "platform/yield.h"
 #include "refdata/database.h"
+#include "tables/cell_colours.h"
 #include "unit/unit.h"
 #include "unit/unit_host.h"
 
@@ -86,6 +88,8 @@ class Session : public UnitHost, public LinkHost {
     Link link;
     Poller poller;
     CheckEngineDisplay codes;  ///< the dashboard's check-engine list
+    Ecu ecu;                   ///< holds the pulse widths and duty cycles of the cells
+    PaintMemory paintMemory;   ///< where the engine has been on a table; outlives the table's window
 
     Platform& platform() { return platform_; }
     SettingsStore& settings() { return platform_.settings; }

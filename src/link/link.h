@@ -28,6 +28,7 @@ struct LinkedUnit {
     std::int32_t SerialNumber = 0;  ///< 0 means none
     int LinkedUnitKind = 0;         ///< 0 means none
     bool UnitFound = false;
+    bool FirmwareTold = false;  ///< the unit has told its firmware: a calibration may be brought to it
     bool UnitIdentified = false;
     bool WideMonitor = false;
     bool OldFirmware = false;

@@ -234,6 +234,7 @@ void Link::loseLink(FirmwareRestore restore) {
         skipFailing([&] { restoreFileFirmware(); });
     }
     linked_.LinkedUnitKind = 0;
+    linked_.FirmwareTold = false;
     linked_.UnitIdentified = false;
     linked_.UnitFound = false;
     queuedCommands_ = 0;

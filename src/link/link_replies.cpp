@@ -321,8 +321,12 @@ void Link::storeFirmware(const Reply& reply) {
     show(&LinkStatus::firmware, shown);
     Unit& unit = linkedUnit();
     unit.FirmWare(shown);
-    unit.FW_Build(toInt16(numberOf(raw.substr(7, 3))));
-    unit.FW_Release(toInt16(numberOf(raw.substr(5, 2))));
+    const int build = toInt16(numberOf(raw.substr(7, 3)));
+    const int release = toInt16(numberOf(raw.substr(5, 2)));
+    // Before the release is stored: storing it brings a calibration in hand to this firmware.
+    linked_.FirmwareTold = true;
+    unit.FW_Build(build);
+    unit.FW_Release(release);
 }
 
 void Link::warnUnitMismatch() {
