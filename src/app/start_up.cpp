@@ -92,9 +92,9 @@ void Kernel::startConsole() {
 
 void Kernel::openDatabase() {
     session_.DatabaseFile = session_.applicationFolder() + "/bin/data/zentaq410-02.pak";
-    // A failure stops nothing; the log tells it once the console takes lines.
-    endOnFailure([&] { session_.database = Database::open(session_.DatabaseFile); },
-                 [&](const std::string& why) { session_.sysLog("Reference database: " + why); });
+    // kept: a database that is missing stops nothing and is not logged; it shows itself with the first query
+    // that fails.
+    skipFailing([&] { session_.database = Database::open(session_.DatabaseFile); });
 }
 
 void Kernel::writeBanner() {
@@ -105,9 +105,7 @@ void Kernel::writeBanner() {
     skipFailing([&] { session_.console.plainLine(""); });
     skipFailing([&] { session_.sysLog(session_.platform().clock.dateText()); });
     skipFailing([&] { session_.sysLog("Program Initialized on " + systemText()); });
-    skipFailing([&] {
-        session_.sysLog("COMM: Listening on Port #" + numberText(session_.link.commPort()));
-    });
+    skipFailing([&] { session_.sysLog("COMM: Listening on Port #" + numberText(session_.link.commPort())); });
     skipFailing([&] { session_.sysLog("User Interface Initialized."); });
 }
 
@@ -116,8 +114,8 @@ void Kernel::showTip() {
         if (!session_.database) return;
         const auto tips = session_.database->tips();
         if (tips.empty()) return;
-        std::mt19937 random(static_cast<unsigned>(
-            std::chrono::system_clock::now().time_since_epoch() / std::chrono::milliseconds(1)));
+        std::mt19937 random(static_cast<unsigned>(std::chrono::system_clock::now().time_since_epoch() /
+                                                  std::chrono::milliseconds(1)));
         std::uniform_int_distribution<std::size_t> draw(0, tips.size() - 1);
         session_.windows().showTip(tips[draw(random)]);
     });

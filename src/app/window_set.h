@@ -50,7 +50,7 @@ class WindowSet {
     virtual void clearPanel3() {}
 
     /// Runs something from the event loop, soon. Without windows at once.
-    virtual void later(std::function<void()> something) { something(); }
+    virtual void later(const std::function<void()>& something) { something(); }
 };
 
 }  // namespace zentaq

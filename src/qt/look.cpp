@@ -1,5 +1,6 @@
 #include "qt/look.h"
 
+#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QFontDatabase>
 #include <QFontMetrics>
@@ -121,6 +122,10 @@ void applyLook(QApplication& application, DisplayMode mode) {
     const LookColors colors = lookColors(mode);
     QApplication::setPalette(paletteOf(colors));
     application.setStyleSheet(styleSheetOf(colors));
+    // A style sheet leaves the inside of a list, tree or table with the palette of the former mode.
+    for (QWidget* widget : QApplication::allWidgets()) {
+        if (auto* area = qobject_cast<QAbstractScrollArea*>(widget)) area->viewport()->setPalette(area->palette());
+    }
 }
 
 DisplayMode appliedLook(const QApplication& application) {

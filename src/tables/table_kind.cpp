@@ -11,12 +11,9 @@ namespace zentaq {
 namespace {
 
 constexpr std::array tables{
-    TableKind{"ADV", "Ignition Advance Table", "Get_ADV", 0, 1, 30, 30},
-    TableKind{"AFR", "Desired Air/Fuel Ratio", "Get_AFR", 0, 0.1, 0, 50},
-    TableKind{"SPW", "Staged Pulsewidth", "Get_SPW", 0, 1, 50, 50},
-    TableKind{"VE", "Volumetric Efficiency Table", "Get_VE", 0, 1, 0, 50},
-    TableKind{"GPO1", "Full Table - Table#1", "", 1, 1, 0, 50},
-    TableKind{"GPO2", "Full Table - Table#2", "", 2, 1, 0, 50},
+    TableKind{"ADV", "Get_ADV", 0, 1, 30, 30}, TableKind{"AFR", "Get_AFR", 0, 0.1, 0, 50},
+    TableKind{"SPW", "Get_SPW", 0, 1, 50, 50}, TableKind{"VE", "Get_VE", 0, 1, 0, 50},
+    TableKind{"GPO1", "", 1, 1, 0, 50},        TableKind{"GPO2", "", 2, 1, 0, 50},
 };
 
 bool isGpo(std::string_view table) {

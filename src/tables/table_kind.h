@@ -1,4 +1,4 @@
-// The six tables and their axes: names, members, titles, spans of axis kinds, reading and writing of headers.
+// The six tables and their axes: names, members, spans of axis kinds, reading and writing of headers.
 // Everything that edits or shows a table finds its cells and headers through here.
 #pragma once
 
@@ -13,7 +13,6 @@ namespace zentaq {
 /// One table. `member` is empty for the two output tables, which have a number instead.
 struct TableKind {
     std::string_view name;    ///< "ADV"
-    std::string_view title;   ///< what its window is called when the caller has no title
     std::string_view member;  ///< "Get_AFR": the Unit object's indexed member, as "AFR" alone is the scalar
     int gpoNumber = 0;        ///< 1 or 2 for "GPO1" and "GPO2"
     double nudge = 1;         ///< step of the "." and "," keys

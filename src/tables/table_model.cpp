@@ -57,6 +57,8 @@ const TableKind& TableModel::kind() const {
 // ---- Building
 
 void TableModel::Setup_Grid(std::string_view table, std::string_view title, bool inverted) {
+    // A view of the former table would bar typing on one that has no such view and no key to leave it.
+    if (!table.empty() && table != table_) leaveViews();
     if (!table.empty()) table_ = table;
     if (!title.empty()) title_ = title;
     inverted_ = inverted;
@@ -157,7 +159,9 @@ float TableModel::get_binValueByIndex(std::string_view table, int index) const {
 }
 
 bool TableModel::set_BinValueByIndex(std::string_view table, float value, int index) {
-    return set_binValueByIndex(unit_, table, value, index, absoluteVe_);
+    const bool stored = set_binValueByIndex(unit_, table, value, index, absoluteVe_);
+    if (stored) ++cellsWritten_;
+    return stored;
 }
 
 float TableModel::get_BinValue(std::string_view table, int row, int column) const {
@@ -217,12 +221,22 @@ KeyResult TableModel::keyOnGrid(char key) {
             break;
     }
     Set_KeyDownFlag(true);
+    takeCursorToSelection();
     if (key == '.' || key == ',') {
         nudge(key == '.');
         return KeyResult::Done;
     }
     const bool printable = key >= ' ' && key <= '~';
     return printable && view_ == TableView::Values ? KeyResult::StartEdit : KeyResult::Ignored;
+}
+
+/// The live point may have carried the cursor away from a block that the user has selected; what is typed is
+/// meant for the block.
+void TableModel::takeCursorToSelection() {
+    const bool inside = cursor_.row >= selection_.top && cursor_.row <= selection_.bottom &&
+                        cursor_.column >= selection_.left && cursor_.column <= selection_.right;
+    if (!inside && grid_.hasCell(selection_.top, selection_.left))
+        cursor_ = {selection_.top, selection_.left};
 }
 
 std::optional<EditStart> TableModel::startEdit(char key) {
@@ -407,34 +421,52 @@ std::string TableModel::clip() const {
 }
 
 void TableModel::paste(std::string_view clipboard) {
-    if (clipboard.empty()) return;
+    if (clipboard.empty() || view_ != TableView::Values) return;
     const int lastRow = selection_.present ? selection_.bottom : rows();
     const int lastColumn = selection_.present ? selection_.right : columns();
+    std::vector<GridCell> pasted;
     int row = selection_.top;
     for (const std::string& line : split(withPlainLineEnds(clipboard), '\n')) {
         int column = selection_.left;
         for (const std::string& cell : split(line, '\t')) {
             if (row <= lastRow && column <= lastColumn && grid_.hasCell(row, column)) {
-                grid_.text(row, column, cell);
+                grid_.text(row, column, std::string(trimmed(cell)));
+                pasted.push_back({row, column});
             }
             ++column;
         }
         ++row;
     }
     saveEntireTable();
+    for (const GridCell& cell : pasted) showStored(cell.row, cell.column);
+    refreshEstimates();
+}
+
+void TableModel::showStored(int row, int column) {
+    skipFailing(
+        [&] { grid_.text(row, column, numberText(get_binValueByIndex(table_, tableIndex(row, column)))); });
 }
 
 // ---- The whole grid
 
+bool TableModel::holdsAlready(float value, int index) const {
+    // Compared as shown: a cell shows fewer digits than the calibration may hold.
+    const float kept = kind().isGpo() ? static_cast<float>(toInt16(static_cast<double>(value))) : value;
+    return numberText(get_binValueByIndex(table_, index)) == numberText(kept);
+}
+
+void TableModel::saveCell(int row, int column) {
+    const int index = tableIndex(row, column);
+    const auto value = static_cast<float>(numberOf(grid_.text(row, column)));
+    // Only what differs is written: on the fly every write is a record of about 10 ms on the wire, and 256 of
+    // them would hold up the frames of a running engine for nothing. A cell left alone also keeps the digits
+    // that its text does not show.
+    if (index < storedCells && !holdsAlready(value, index)) set_BinValueByIndex(table_, value, index);
+}
+
 void TableModel::saveEntireTable() {
     for (int row = 1; row <= rows(); ++row) {
-        for (int column = 1; column <= columns(); ++column) {
-            skipFailing([&] {
-                const int index = tableIndex(row, column);
-                const auto value = static_cast<float>(numberOf(grid_.text(row, column)));
-                if (index < storedCells) set_BinValueByIndex(table_, value, index);
-            });
-        }
+        for (int column = 1; column <= columns(); ++column) skipFailing([&] { saveCell(row, column); });
     }
     unit_.SET_TBL_DIMENSIONS(table_, "ROWS", rows());
     unit_.SET_TBL_DIMENSIONS(table_, "COLS", columns());
@@ -454,8 +486,12 @@ void TableModel::restore() {
         const auto at = static_cast<std::size_t>(i);
         // What no build has filled holds 0; where 0 is no value of the table it is left out without a box.
         if (!undoFilled_[at] && (undo_[at] < limits.minimum || undo_[at] > limits.maximum)) continue;
-        skipFailing([&] { writeCell(undo_[at], i, true); });
+        skipFailing([&] {
+            if (!holdsAlready(undo_[at], i)) writeCell(undo_[at], i, true);
+        });
     }
+    // What is saved or pasted after this is meant for the unit again.
+    unit_.SILENT_MODE(false);
     Set_KeyDownFlag(previousOverlay_);
     unit_.host().sysLog("TBL: Data Restore Completed Successfully.");
     rebuild();

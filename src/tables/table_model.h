@@ -82,8 +82,8 @@ class TableModel {
     TableModel(Unit& unit, Ecu& ecu, const LiveValues& live, PaintMemory& paintMemory);
 
     // ---- Building
-    /// Fills the grid from the Unit object. An empty name or title keeps the current one. Shows values; the
-    /// view flags stay.
+    /// Fills the grid from the Unit object. An empty name or title keeps the current one. Shows values; a
+    /// view flag stays only while the table does: another table begins with its values.
     void Setup_Grid(std::string_view table, std::string_view title, bool inverted);
     void rebuild() { Setup_Grid({}, {}, inverted_); }
 
@@ -154,11 +154,13 @@ class TableModel {
     // ---- Clipboard: cells separated by tabs, rows by line ends
     std::string clip() const;  ///< the selected cells
     /// Fills cells from the top left of the selection on, within a selection of more than one cell or else to
-    /// the edge of the grid, and writes the grid back.
+    /// the edge of the grid, and writes the grid back. A refused cell shows what the calibration holds again.
+    /// Does nothing in a view: its cells are estimates, which written back would be taken for values.
     void paste(std::string_view clipboard);
 
     // ---- The whole grid
-    /// Writes every cell text back; a refused cell keeps its stored value and the rest goes on.
+    /// Writes back every cell whose text is not what the calibration holds; a refused cell keeps its stored
+    /// value and the rest goes on.
     void saveEntireTable();
     /// Toolbar "Save": from an active view, goes back to values first.
     void save();
@@ -166,6 +168,9 @@ class TableModel {
     /// Kept: they were noted by a running count of shown cells and come back by table index, so in a table of
     /// fewer than 16 columns they land elsewhere.
     void restore();
+    /// Cells stored since the window was made, whoever stored them: it moves when the calibration was
+    /// changed.
+    int cellsWritten() const { return cellsWritten_; }
     float undoCopy(int index) const { return undo_.at(static_cast<std::size_t>(index)); }
     float baseCopy(int index) const { return base_.at(static_cast<std::size_t>(index)); }
 
@@ -219,9 +224,13 @@ class TableModel {
     void repaintRemembered();
     void setCellText(int index, float value);
     float cellNumber(int row, int column) const;
+    void takeCursorToSelection();
     bool checkTyped(std::string_view typed);
     bool nudgeCell(int row, int column, double step);
     bool writeCell(float value, int index, bool silent);
+    bool holdsAlready(float value, int index) const;
+    void saveCell(int row, int column);
+    void showStored(int row, int column);
     void updateEstimate(int row, int column);
     void showEstimate(int index);
     bool hasEstimates() const;
@@ -251,6 +260,7 @@ class TableModel {
     bool overlaySuppressed_ = false;
     bool previousOverlay_ = false;
     bool autoVeActive_ = false;
+    int cellsWritten_ = 0;
     // One entry beyond the most lines: a header edit writes one place past its own.
     std::vector<float> rowHeaders_ = std::vector<float>(mostLines + 1);
     std::vector<float> columnHeaders_ = std::vector<float>(mostLines + 1);

@@ -209,6 +209,7 @@ std::span<const std::string_view> pageMembers(int page) {
 
 std::vector<int> pagesWithMembers() {
     std::vector<int> numbers;
+    numbers.reserve(std::size(pages));
     for (const Page& entry : pages) numbers.push_back(entry.number);
     return numbers;
 }

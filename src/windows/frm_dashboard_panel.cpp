@@ -310,7 +310,11 @@ void FrmDashBoardPanel::setColors(const DashColors& colors) {
     lblCheckEngine->setPalette(field);
     field.setColor(QPalette::WindowText, colors.lights);
     fraNoConnect->setPalette(field);
-    for (QWidget* widget : std::initializer_list<QWidget*>{txtGPIO, lstGPO}) widget->setPalette(palette);
+    // The viewport too: the program's style sheet leaves it a palette of its own, that of the former mode.
+    for (QWidget* widget : std::initializer_list<QWidget*>{txtGPIO, lstGPO, lstGPO->viewport()}) {
+        widget->setPalette(palette);
+    }
+    fitStatusFonts();  // and takes their fonts back to the program's
     update();
 }
 
@@ -361,6 +365,7 @@ void FrmDashBoardPanel::fitStatusFonts() {
     QFont list = font();
     list.setPixelSize(std::max(10, height() / 24));
     lstGPO->setFont(list);
+    txtGPIO->setFont(list);
 }
 
 void FrmDashBoardPanel::paintEvent(QPaintEvent* event) {

@@ -7,16 +7,24 @@
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QMenu>
+#include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <QValidator>
 
 #include "base/number_text.h"
+#include "qt/look.h"
 
 namespace zentaq {
 namespace {
 
 constexpr std::size_t mostHeldKeys = 64;
+/// Digits of the edit box against those of the grid: what is being typed is read at arm's length.
+constexpr qreal inputSize = 1.35;
+constexpr int inputBorder = 2;
+constexpr int inputPlaces = 6;
+constexpr auto helpKeyProperty = "fastHelpKey";
+constexpr auto popupName = "mnuPopupTable";
 constexpr auto dockCaption = "Dock          ";
 constexpr auto undockCaption = "Undock        ";
 constexpr auto headerBoxTitle = "Table Setup";
@@ -67,6 +75,7 @@ FrmTable::FrmTable(Session& session, MainCommands& commands, QWidget* parent)
     Grid1_ = new TableGridView(this);
     Grid1_->setObjectName("Grid1");
     Grid1_->setAccessibleName("Cells of the table");
+    Grid1_->setContextMenuPolicy(Qt::CustomContextMenu);
     Grid1_->installEventFilter(this);
     Grid1_->viewport()->installEventFilter(this);
     txtInputValue_ = new QLineEdit(Grid1_->viewport());
@@ -74,6 +83,7 @@ FrmTable::FrmTable(Session& session, MainCommands& commands, QWidget* parent)
     txtInputValue_->setAccessibleName("New value of the selected cells");
     txtInputValue_->setFrame(false);
     txtInputValue_->setAlignment(Qt::AlignRight);
+    txtInputValue_->setFont(valueFont(inputSize));
     txtInputValue_->setValidator(new TypingValidator(txtInputValue_));
     txtInputValue_->installEventFilter(this);
     txtInputValue_->hide();
@@ -91,6 +101,7 @@ FrmTable::FrmTable(Session& session, MainCommands& commands, QWidget* parent)
             &FrmTable::selectionChanged);
     connect(Grid1_, &QTableView::doubleClicked, this, &FrmTable::cellDoubleClicked);
     connect(Grid1_, &TableGridView::resized, this, &FrmTable::placeEdit);
+    connect(Grid1_, &QWidget::customContextMenuRequested, this, &FrmTable::showPopup);
     connect(Grid1_->horizontalHeader(), &QHeaderView::sectionDoubleClicked, this,
             [this](int section) { headerDoubleClicked(0, section + 1); });
     connect(Grid1_->verticalHeader(), &QHeaderView::sectionDoubleClicked, this,
@@ -152,6 +163,13 @@ void FrmTable::addLater(const QString& key, const QString& caption) {
     actions_[key] = action;
 }
 
+void FrmTable::addLaterItem(QMenu* menu, const QString& key, const QString& caption) {
+    QAction* action = menu->addAction(caption);
+    action->setObjectName(key);
+    action->setEnabled(false);
+    actions_[key] = action;
+}
+
 QAction* FrmTable::addItem(QMenu* menu, const QString& key, const QString& caption, void (FrmTable::*run)()) {
     QAction* action = menu->addAction(caption, this, run);
     action->setObjectName(key);
@@ -184,6 +202,8 @@ void FrmTable::makeTableMenu() {
     addItem(menu, "DutyCycle", "Duty Cycle (D)", &FrmTable::dutyCycle)->setCheckable(true);
     addItem(menu, "Absolute", "Absolute VE (A)", &FrmTable::absolute)->setCheckable(true);
     addItem(menu, "Invert", "Invert Rows", &FrmTable::invert)->setCheckable(true);
+    addLaterItem(menu, "Graph", "Graph");
+    addLaterItem(menu, "AutoVE", "AutoVE");
     menu->addSeparator();
     addItem(menu, "Reset", "Reset", &FrmTable::resetTable);
     addItem(menu, "Discard", "Discard Changes", &FrmTable::discard);
@@ -191,11 +211,12 @@ void FrmTable::makeTableMenu() {
     Toolbar1_->addWidget(button);
 }
 
-QLineEdit* FrmTable::makeTimeField(const QString& name, const QString& meaning) {
+QLineEdit* FrmTable::makeTimeField(const QString& name, const QString& meaning, const char* helpKey) {
     auto* field = new QLineEdit(Toolbar1_);
     field->setObjectName(name);
     field->setAccessibleName(meaning);
     field->setToolTip(meaning);
+    field->setProperty(helpKeyProperty, QLatin1String(helpKey));
     field->setAlignment(Qt::AlignRight);
     field->setMaximumWidth(field->fontMetrics().averageCharWidth() * 9);
     field->setValidator(new TypingValidator(field));
@@ -214,17 +235,16 @@ QWidget* FrmTable::makeFields() {
         return made;
     };
     lblTOG_ = label("lblTOG", "TOG:");
-    txtTOG_ = makeTimeField("txtTOG", "Time of gap");
+    txtTOG_ = makeTimeField("txtTOG", "Time of gap", "helptog");
     row->addWidget(txtTOG_);
     lblIOT_ = label("lblIOT", "IOT:");
-    txtIOT_ = makeTimeField("txtIOT", "Injector on time");
+    txtIOT_ = makeTimeField("txtIOT", "Injector on time", "helptiot");
     row->addWidget(txtIOT_);
     lblDspTable_ = label("lblDspTable", {});
     lblDspTableVal_ = label("lblDspTableVal", {});
     lblDspTableVal_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     lblDspTableVal_->setMinimumWidth(digitsWidth(lblDspTableVal_->fontMetrics(), 5));
     row->addStretch(1);
-    axisLabel_ = label("Label2", "x-axis");
     fields->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     return fields;
 }
@@ -237,7 +257,7 @@ void FrmTable::Setup_Grid(const std::string& table, const std::string& title) {
     Unit& unit = session_.currentUnitObject();
     if (!model_ || unit_ != &unit) {
         Grid1_->cells().show(nullptr);
-        model_ = std::make_unique<TableModel>(unit, ecu_, session_.live, paintMemory_);
+        model_ = std::make_unique<TableModel>(unit, session_.ecu, session_.live, session_.paintMemory);
         unit_ = &unit;
     }
     model_->colourMode(session_.TableColorMode == 1 ? TableColour::Afr : TableColour::Normal);
@@ -251,9 +271,11 @@ void FrmTable::Setup_Grid(const std::string& table, const std::string& title) {
 }
 
 void FrmTable::showUnit() {
-    if (!model_ || unit_ != &session_.currentUnitObject()) return;
+    if (ownChange_ || !model_ || unit_ != &session_.currentUnitObject()) return;
     closeEdit();
-    if (model_->view() == TableView::Values) model_->rebuild();
+    const TableView view = model_->view();
+    model_->rebuild();
+    if (view != TableView::Values) model_->showView(view);
     showAll();
     sizeColumns();
 }
@@ -300,8 +322,6 @@ void FrmTable::showItems() {
     lblDspTable_->setText(QString::fromStdString(items.displayCaption));
     lblDspTable_->setVisible(!items.displayCaption.empty());
     lblDspTableVal_->setVisible(!items.displayCaption.empty());
-    axisLabel_->setText(items.axisButtons ? QString::fromStdString(items.columnAxis)
-                                          : QStringLiteral("x-axis"));
 }
 
 void FrmTable::Load_Command(int command) {
@@ -313,8 +333,9 @@ void FrmTable::setMode(DisplayMode mode) {
     Grid1_->setMode(mode);
     const LookColors look = lookColors(mode);
     txtInputValue_->setStyleSheet(
-        QStringLiteral("border: 2px solid %1; background: %2; color: %3; padding: 0px; margin: 0px;")
-            .arg(look.accent.name(), look.surface.name(), look.text.name()));
+        QStringLiteral("border: %4px solid %1; background: %2; color: %3; padding: 0px; margin: 0px;")
+            .arg(look.accent.name(), look.highlight.name(), look.highlightText.name())
+            .arg(inputBorder));
 }
 
 void FrmTable::setDocked(bool docked) {
@@ -458,8 +479,7 @@ void FrmTable::playBack() {
 // ---- Keys
 
 void FrmTable::pressed(char key) {
-    const Selection block = model_->selection();
-    const std::string before = model_->grid().text(block.top, block.left);
+    const int written = model_->cellsWritten();
     const bool nudging = key == '.' || key == ',';
     switch (model_->keyOnGrid(key)) {
         case KeyResult::Unload:
@@ -469,8 +489,7 @@ void FrmTable::pressed(char key) {
             openEdit(key);
             break;
         case KeyResult::Done:
-            // The first cell tells: a nudge stops at the first one that would leave its range.
-            if (nudging && model_->grid().text(block.top, block.left) != before) session_.markModified();
+            markIfWritten(written);
             showAll();
             if (!nudging) sizeColumns();
             break;
@@ -500,10 +519,16 @@ void FrmTable::openEdit(char key) {
 void FrmTable::placeEdit() {
     if (!model_) return;
     const QRect cell = Grid1_->cellRect(model_->currentRow(), model_->currentColumn());
-    const int room = txtInputValue_->fontMetrics().averageCharWidth() * 8;
-    txtInputValue_->setGeometry(cell.right() + 1 - std::max(cell.width(), room), cell.top(),
-                                std::max(cell.width(), room), cell.height());
-    if (txtInputValue_->x() < 0) txtInputValue_->move(0, cell.top());
+    // Larger than its cell, so that the digits are; it grows to the left and to both sides in height, and
+    // stays in sight at the edges of the grid.
+    const QFontMetrics metrics = txtInputValue_->fontMetrics();
+    const int width = std::max(cell.width(), digitsWidth(metrics, inputPlaces) + 4 * inputBorder);
+    const int height = std::max(cell.height(), metrics.height() + 2 * inputBorder);
+    QRect place(cell.right() + 1 - width, cell.center().y() - height / 2, width, height);
+    const QRect sight = Grid1_->viewport()->rect();
+    place.moveLeft(std::max(place.left(), 0));
+    place.moveTop(std::clamp(place.top(), 0, std::max(0, sight.height() - height)));
+    txtInputValue_->setGeometry(place);
 }
 
 void FrmTable::commitEdit() {
@@ -561,49 +586,39 @@ void FrmTable::headerDoubleClicked(int row, int column) {
 }
 
 void FrmTable::copy() {
-    const Selection block = model_->selection();
-    QStringList lines;
-    for (int row = block.top; row <= block.bottom; ++row) {
-        QStringList cells;
-        for (int column = block.left; column <= block.right; ++column) {
-            cells << QString::fromStdString(model_->grid().text(row, column));
-        }
-        lines << cells.join(QLatin1Char('\t'));
-    }
-    QApplication::clipboard()->setText(lines.join(QLatin1Char('\n')));
+    QApplication::clipboard()->setText(
+        QString::fromStdString(model_->clip()).replace(QLatin1Char('\r'), QLatin1Char('\n')));
 }
 
 void FrmTable::paste() {
-    const QString text = QApplication::clipboard()->text();
-    // In a view the cells are estimates; written back they would be taken for values.
-    if (text.isEmpty() || model_->view() != TableView::Values) return;
-    const Selection block = model_->selection();
-    const int lastRow = block.present ? block.bottom : model_->rows();
-    const int lastColumn = block.present ? block.right : model_->columns();
-    QString lines = text;
-    lines.replace("\r\n", "\n").replace(QLatin1Char('\r'), QLatin1Char('\n'));
-    if (lines.endsWith(QLatin1Char('\n'))) lines.chop(1);
-    std::vector<GridCell> pasted;
-    int row = block.top;
-    for (const QString& line : lines.split(QLatin1Char('\n'))) {
-        int column = block.left;
-        for (const QString& cell : line.split(QLatin1Char('\t'))) {
-            if (row > lastRow || column > lastColumn) break;
-            model_->grid().text(row, column, cell.trimmed().toStdString());
-            pasted.push_back({row, column++});
-        }
-        ++row;
-    }
-    model_->saveEntireTable();
-    // A refused cell kept its value: show what the calibration holds, not what was on the clipboard.
-    for (const GridCell& cell : pasted) {
-        const int index = model_->tableIndex(cell.row, cell.column);
-        model_->grid().text(cell.row, cell.column,
-                            numberText(model_->get_binValueByIndex(tableName(), index)));
-    }
-    model_->refreshEstimates();
-    session_.markModified();
+    const int written = model_->cellsWritten();
+    model_->paste(QApplication::clipboard()->text().toStdString());
+    markIfWritten(written);
     showAll();
+}
+
+void FrmTable::markIfWritten(int writtenBefore) {
+    if (model_->cellsWritten() != writtenBefore) session_.markModified();
+}
+
+/// The pop-up of the main window, with the entries that suit the selection.
+void FrmTable::showPopup(const QPoint& place) {
+    if (!model_ || locked_) return;
+    QMenu* popup = nullptr;
+    for (QWidget* above = parentWidget(); above != nullptr && popup == nullptr;
+         above = above->parentWidget()) {
+        popup = above->findChild<QMenu*>(QLatin1String(popupName), Qt::FindDirectChildrenOnly);
+    }
+    if (popup == nullptr) return;
+    const QModelIndex cell = Grid1_->indexAt(place);
+    if (cell.isValid() && !model_->selection().present) Grid1_->setCurrentIndex(cell);
+    const PopupItems items = model_->popupItems();
+    for (QAction* entry : popup->actions()) {
+        const QString name = entry->menu() != nullptr ? entry->menu()->objectName() : entry->objectName();
+        if (name == "mnuInterpolate" || name == "mnuSmooth") entry->setVisible(items.interpolateAndSmooth);
+        if (name.startsWith("mnuNew") || name.startsWith("mnuRmv")) entry->setVisible(items.rowsAndColumns);
+    }
+    popup->popup(Grid1_->viewport()->mapToGlobal(place));
 }
 
 // ---- txtTOG and txtIOT
@@ -634,7 +649,16 @@ void FrmTable::takeTime(QLineEdit* field) {
     committing_ = false;
     field->setText(
         QString::fromStdString(accepted ? (gap ? model_->timeOfGap() : model_->injectorOn()) : before));
-    if (accepted) session_.markModified();
+    if (accepted) {
+        session_.markModified();
+        ownChange_ =
+            true;  // the table shows it already, and a new build would lose what "Discard" brings back
+        session_.windows().showUnit();
+        ownChange_ = false;
+    } else if (!QString::fromStdString(typed).trimmed().isEmpty()) {
+        // From the event loop, as the focus may be on its way to another control at this moment.
+        QTimer::singleShot(0, field, [field] { field->setFocus(); });
+    }
     Grid1_->cells().refresh();
 }
 
@@ -650,8 +674,9 @@ void FrmTable::home() {
 void FrmTable::save() {
     if (!model_) return;
     if (txtInputValue_->isVisible()) leaveEdit();
+    const int written = model_->cellsWritten();
     model_->save();
-    session_.markModified();
+    markIfWritten(written);
     showAll();
 }
 
@@ -666,7 +691,9 @@ void FrmTable::discard() {
         {"Discard Changes?", "Are you sure you want to reset the table back to it's original state?",
          Icon::Question, Buttons::YesNo});
     if (answer != Answer::Yes) return;
+    const int written = model_->cellsWritten();
     model_->restore();
+    markIfWritten(written);
     showAll();
 }
 

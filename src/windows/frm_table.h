@@ -5,7 +5,6 @@
 
 #include "app/main_commands.h"
 #include "app/session.h"
-#include "live/ecu.h"
 #include "tables/table_model.h"
 
 #include <QAction>
@@ -79,11 +78,12 @@ class FrmTable : public QWidget {
     QAction* addButton(const QString& key, const QString& caption, const QString& tip,
                        void (FrmTable::*run)());
     void addLater(const QString& key, const QString& caption);
+    void addLaterItem(QMenu* menu, const QString& key, const QString& caption);
     QAction* addItem(QMenu* menu, const QString& key, const QString& caption, void (FrmTable::*run)());
     void makeColourMenu();
     void makeTableMenu();
     QWidget* makeFields();
-    QLineEdit* makeTimeField(const QString& name, const QString& meaning);
+    QLineEdit* makeTimeField(const QString& name, const QString& meaning, const char* helpKey);
 
     // ---- Keys
     struct HeldKey {
@@ -112,6 +112,9 @@ class FrmTable : public QWidget {
     void copy();
     void paste();
     void takeTime(QLineEdit* field);
+    void showPopup(const QPoint& place);
+    /// Marks the calibration as changed if a command has stored a cell since `writtenBefore`.
+    void markIfWritten(int writtenBefore);
 
     // ---- Toolbar commands
     void home();
@@ -142,8 +145,6 @@ class FrmTable : public QWidget {
 
     Session& session_;
     MainCommands& commands_;
-    Ecu ecu_;
-    PaintMemory paintMemory_;
     std::unique_ptr<TableModel> model_;
     const Unit* unit_ = nullptr;
 
@@ -157,7 +158,6 @@ class FrmTable : public QWidget {
     QLabel* lblIOT_ = nullptr;
     QLineEdit* txtTOG_ = nullptr;
     QLineEdit* txtIOT_ = nullptr;
-    QLabel* axisLabel_ = nullptr;
     std::map<QString, QAction*> actions_;
     RedrawGate* redraw_ = nullptr;
 
@@ -169,6 +169,7 @@ class FrmTable : public QWidget {
     bool syncing_ = false;     ///< the view follows the model; its signals are no user's doing
     bool committing_ = false;  ///< a check may show a box, which takes the focus from the edit box
     bool closing_ = false;
+    bool ownChange_ = false;  ///< the table itself has changed the calibration
     int redraws_ = 0;
 };
 

@@ -142,7 +142,10 @@ void MdiMain::makeToolbar() {
 }
 
 void MdiMain::pressed(const ToolbarButton& button) {
-    if (button.key == "Shutdown") endOnFailure([&] { commands_.loadCommand(endMonitoring); }, [](auto&&) {});
+    // Only a session that runs is ended: without one the dashboard keeps its numbers if the user stays.
+    if (button.key == "Shutdown" && session_.Monitoring) {
+        endOnFailure([&] { commands_.loadCommand(endMonitoring); }, [](auto&&) {});
+    }
     run(button.command);
 }
 

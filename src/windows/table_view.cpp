@@ -169,8 +169,12 @@ void TableMarker::paintEvent(QPaintEvent*) {
 TableGridView::TableGridView(QWidget* parent)
     : QTableView(parent),
       cells_(new TableGridModel(this)),
+      corner_(new QLabel(QStringLiteral("x-axis"), this)),
       fraDotFrame_(new QFrame(viewport())),
       marker_(new TableMarker(fraDotFrame_)) {
+    // In the corner of the headers: it names the line that begins beside it.
+    corner_->setObjectName("Label2");
+    corner_->setAlignment(Qt::AlignCenter);
     fraDotFrame_->setObjectName("fraDotFrame");
     fraDotFrame_->setAttribute(Qt::WA_TransparentForMouseEvents);
     setModel(cells_);
@@ -200,11 +204,13 @@ void TableGridView::setMode(DisplayMode mode) {
     colors.setColor(QPalette::Text, look.text);
     colors.setColor(QPalette::Mid, look.border);
     setPalette(colors);
+    // The inside too: the program's style sheet leaves it the palette of the former mode.
+    viewport()->setPalette(colors);
     viewport()->update();
 }
 
 int TableGridView::smallestRow() const {
-    return fontMetrics().height() + 1;
+    return fontMetrics().height();  // sixteen rows must stand below the dashboard of a small screen
 }
 
 void TableGridView::sizeRows() {
@@ -223,7 +229,8 @@ void TableGridView::sizeColumns(bool fixedWidth) {
         const QString text = cells_->headerData(row, Qt::Vertical, Qt::DisplayRole).toString();
         rowHeader = std::max(rowHeader, headerMetrics.horizontalAdvance(text));
     }
-    verticalHeader()->setFixedWidth(rowHeader + 2 * columnSlack);
+    verticalHeader()->setFixedWidth(
+        std::max(rowHeader + 2 * columnSlack, corner_->sizeHint().width() + columnSlack));
     for (int column = 0; column < cells_->columnCount(); ++column) {
         const QString header = cells_->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
         int widest = headerMetrics.horizontalAdvance(header) + columnSlack;
@@ -287,6 +294,13 @@ void TableGridView::resizeEvent(QResizeEvent* event) {
         moveMarker();
     }
     Q_EMIT resized();
+}
+
+void TableGridView::updateGeometries() {
+    QTableView::updateGeometries();
+    const QRect rows = verticalHeader()->geometry();
+    const QRect columns = horizontalHeader()->geometry();
+    corner_->setGeometry(rows.left(), columns.top(), rows.width(), columns.height());
 }
 
 void TableGridView::scrollContentsBy(int dx, int dy) {

@@ -7,6 +7,7 @@
 
 #include <QAbstractTableModel>
 #include <QFrame>
+#include <QLabel>
 #include <QStyledItemDelegate>
 #include <QTableView>
 
@@ -86,6 +87,7 @@ class TableGridView : public QTableView {
  protected:
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
+    void updateGeometries() override;
 
  private:
     void sizeRows();
@@ -93,6 +95,7 @@ class TableGridView : public QTableView {
     void moveMarker();
 
     TableGridModel* cells_;
+    QLabel* corner_;
     QFrame* fraDotFrame_;
     TableMarker* marker_;
     DisplayMode mode_ = DisplayMode::Day;

@@ -20,12 +20,15 @@ constexpr auto helpKeyProperty = "fastHelpKey";
 /// The instruments' share of the frame's height before the user has moved the splitter.
 constexpr int dashboardPercent = 26;
 
+/// FrmTable::Load_Command: shows anew which toolbar items are enabled.
+constexpr int refreshToolbar = 3;
+
 constexpr auto placeSection = "Forms";
 constexpr auto splitKey = "splCentre";
 
 QString helpKeyOf(const QWidget* control) {
     for (const QWidget* widget = control; widget != nullptr; widget = widget->parentWidget()) {
-        const QString key = widget->property(helpKeyProperty).toString();
+        QString key = widget->property(helpKeyProperty).toString();
         if (!key.isEmpty()) return key;
     }
     return {};
@@ -167,6 +170,7 @@ void WindowManager::showStartTab() {
 void WindowManager::onFlyChanged(bool on) {
     main_->showOnFly(on);
     if (config_) config_->onFlyChanged(on);
+    if (table_) table_->Load_Command(refreshToolbar);
 }
 
 void WindowManager::onFlyLock(bool busy) {

@@ -70,7 +70,7 @@ class WindowManager : public QObject, public WindowSet {
     void updateDisplay() override;
     void resetDashboard() override;
     void clearPanel3() override { main_->clearPanel3(); }
-    void later(std::function<void()> something) override { QTimer::singleShot(0, this, std::move(something)); }
+    void later(const std::function<void()>& something) override { QTimer::singleShot(0, this, something); }
 
  Q_SIGNALS:
     /// The core has shut down and the main window is closed.

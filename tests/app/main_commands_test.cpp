@@ -178,6 +178,18 @@ TEST_F(Commands, ANewerFileWithYesAsksForAnotherOne) {
     EXPECT_EQ(session.currentUnit(), 0);
 }
 
+TEST_F(Commands, ReleasesOfTheSameLineAreComparedByTheirCount) {
+    // The program writes 10.2: the second release of 10. 10.15 is the fifteenth, 10.1 the first.
+    ASSERT_FLOAT_EQ(session.programVersion(), 10.2f);
+    open(file("same.ZQ4OA", 10.2f));
+    open(file("first.ZQ4OA", 10.1f));
+    EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
+    open(file("fifteenth.ZQ4OA", 10.15f));
+    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
+    EXPECT_EQ(box().title, "Version Support Error");
+    EXPECT_THAT(box().text, HasSubstr("FILE CREATED WITH NEWER ZENTAQ:   10.15\n"));
+}
+
 TEST_F(Commands, AnOlderBinOfUnknownLengthEndsInTheFormatBoxWithTheFormerCalibrationInPlace) {
     const std::string good = file("good.ZQ4OA");
     open(good);

@@ -43,9 +43,9 @@ TEST_F(StartUp, BringsUpTheWindowsInItsFixedOrder) {
         if (call != "night" && call != "day") calls.push_back(call);
     }
     EXPECT_THAT(calls, ElementsAre("showMain", "toolbar off", "splash Setting Up Environment", "graph pools",
-                                   "splash Initializing Console", "splash Initializing Database", "showConfig",
-                                   "splash Program Activated", "toolbar on", "showLink", "showDashboard",
-                                   "comm list on", "focus frmConfig"));
+                                   "splash Initializing Console", "splash Initializing Database",
+                                   "showConfig", "splash Program Activated", "toolbar on", "showLink",
+                                   "showDashboard", "comm list on", "focus frmConfig"));
     EXPECT_EQ(session.StartingUp, 0);
     EXPECT_TRUE(fake.ticker.running());
 }
@@ -101,10 +101,13 @@ TEST_F(StartUp, AutoLogOffLeavesAnEarlierLogUnchanged) {
     EXPECT_EQ(logText(), "an earlier run\n");
 }
 
-TEST_F(StartUp, AMissingDatabaseStopsNothingAndStandsInTheLog) {
+TEST_F(StartUp, AMissingDatabaseStopsNothingAndTheBannerIsTheFirstThatIsLogged) {
+    fake.settings.set("System", "FileOpen", "0");
     kernel.load();
     EXPECT_FALSE(session.database.has_value());
-    EXPECT_THAT(logText(), HasSubstr("Reference database: "));
+    EXPECT_TRUE(fake.dialogs.boxes.empty());
+    EXPECT_EQ(session.console.lines().front(), std::string(80, '-'));
+    EXPECT_EQ(logText().substr(0, 53), "12:34:56 - Norvalia Zentaq Engine Management Software");
     EXPECT_EQ(session.StartingUp, 0);
 }
 

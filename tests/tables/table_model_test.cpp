@@ -366,6 +366,14 @@ TEST_F(TableWindow, OneViewTakesThePlaceOfTheOther) {
     EXPECT_EQ(model.view(), TableView::Values);
 }
 
+TEST_F(TableWindow, AnotherTableBeginsWithItsValues) {
+    open("VE");
+    model.keyOnGrid('P');
+    open("ADV");
+    EXPECT_EQ(model.view(), TableView::Values);
+    EXPECT_EQ(model.keyOnGrid('5'), KeyResult::StartEdit);
+}
+
 TEST_F(TableWindow, StagedOnTimesCarryTheStagedShareAndNoAlarm) {
     unit.AssignDirectIndex(50, stagedBase + 255);
     unit.AssignDirectIndex(100, 151);  // MT
@@ -496,6 +504,26 @@ TEST_F(TableWindow, PastingFillsFromTheCursorAndWritesTheGridBack) {
     EXPECT_TRUE(host.refusals.empty());
 }
 
+TEST_F(TableWindow, PastedCellsThatAreRefusedShowWhatIsStored) {
+    unit.AssignDirectIndex(5, veBase);
+    open("VE");
+    model.select(16, 1, 16, 1);
+    model.paste("99\t 6 \tx");
+    EXPECT_EQ(text(16, 1), "5");
+    EXPECT_EQ(text(16, 2), "6");
+    EXPECT_EQ(text(16, 3), "0");
+    EXPECT_EQ(model.cellsWritten(), 1);
+}
+
+TEST_F(TableWindow, NothingIsPastedIntoAView) {
+    open("VE");
+    model.keyOnGrid('P');
+    const std::string shown = text(16, 1);
+    model.paste("7");
+    EXPECT_EQ(text(16, 1), shown);
+    EXPECT_EQ(unit.DirectIndex(veBase), 0);
+}
+
 TEST_F(TableWindow, PastingStaysInsideASelectionOfMoreCells) {
     open("VE");
     model.select(15, 1, 15, 2);
@@ -536,6 +564,51 @@ TEST_F(TableWindow, SavingKeepsTheStoredValueOfARefusedCell) {
     EXPECT_EQ(unit.DirectIndex(veBase), 5);
     EXPECT_EQ(unit.DirectIndex(veBase + 1), 7);
     EXPECT_EQ(unit.DirectIndex(veBase + 2), 0);
+}
+
+TEST_F(TableWindow, SavingSendsOnlyTheCellsWhoseValueDiffers) {
+    unit.AssignDirectIndex(5, veBase);
+    open("VE");
+    unit.ONFLY_MODE(true);
+    model.saveEntireTable();
+    EXPECT_TRUE(host.records.empty());
+    EXPECT_EQ(model.cellsWritten(), 0);
+    model.grid().text(16, 1, "5.0");  // the value it has
+    model.grid().text(15, 2, "-7");   // stored row 1, column 1: address 4352 + 912 + 17 = 0x14A1
+    model.saveEntireTable();
+    // -7 + 50 = 43 = 0x2B; 0x04 + 0x14 + 0xA1 + 0x2B = 0xE4, inverted 0x1B
+    EXPECT_EQ(host.records, std::vector<std::string>{"S10414A12B1B"});
+    EXPECT_EQ(model.cellsWritten(), 1);
+    EXPECT_EQ(unit.DirectIndex(veBase + 17), -7);
+}
+
+TEST_F(TableWindow, SavingKeepsTheDigitsThatACellDoesNotShow) {
+    unit.AssignDirectIndex(12.3456F, afrBase);
+    open("AFR");
+    EXPECT_EQ(text(16, 1), "12.3");  // 12.3456 * 14.64 / 14.7 = 12.2952
+    model.saveEntireTable();
+    EXPECT_EQ(unit.DirectIndex(afrBase), 12.3456F);
+}
+
+TEST_F(TableWindow, AnOutputCellWhoseTextIsNoWholeNumberIsSavedOnce) {
+    open("GPO1");
+    model.grid().text(16, 1, "12.5");
+    model.saveEntireTable();
+    model.saveEntireTable();
+    EXPECT_EQ(unit.DirectIndex(gpo1Base), 12);
+    EXPECT_EQ(model.cellsWritten(), 1);
+}
+
+TEST_F(TableWindow, WhatIsSavedAfterARestoreIsSentAgain) {
+    open("VE");
+    unit.ONFLY_MODE(true);
+    model.select(16, 1, 16, 1);
+    model.enterValue("9");
+    model.restore();
+    host.records.clear();
+    model.grid().text(16, 1, "8");
+    model.saveEntireTable();
+    EXPECT_EQ(host.records.size(), 1U);
 }
 
 TEST_F(TableWindow, RestoringBringsBackTheLastBuild) {
@@ -635,6 +708,19 @@ TEST_F(TableWindow, SuppressedOverlayMovesTheMarkerOnly) {
     EXPECT_DOUBLE_EQ(model.marker().column, 2.4);
     EXPECT_EQ(model.currentRow(), 3);
     EXPECT_EQ(paints.at(11, 2), Paint::White);
+}
+
+TEST_F(TableWindow, TypingIntoASelectedBlockBeginsInTheBlockWhereverTheEngineIs) {
+    open("VE");
+    model.select(3, 4, 5, 6);
+    model.Show_Current_Activity(1200, 40);
+    ASSERT_EQ(model.currentRow(), 11);
+    EXPECT_EQ(model.keyOnGrid('5'), KeyResult::StartEdit);
+    EXPECT_EQ(model.currentRow(), 3);
+    EXPECT_EQ(model.currentColumn(), 4);
+    model.leaveEdit("5");
+    EXPECT_EQ(text(3, 4), "5");
+    EXPECT_EQ(text(11, 2), "0");
 }
 
 TEST_F(TableWindow, WhileTheTableTunesItselfTheCursorMovesButNothingIsPainted) {

@@ -8,7 +8,9 @@
 #include <QApplication>
 #include <QElapsedTimer>
 
+#include "qt/look.h"
 #include "windows/frm_dashboard.h"
+#include "windows/window_fixture.h"
 
 namespace zentaq {
 namespace {
@@ -336,6 +338,41 @@ TEST_F(Dashboard, WithoutACalibrationOverRevStaysDark) {
     board->UPDATE_DISPLAY();
     EXPECT_EQ(text("lblTach"), "3250");
     EXPECT_FALSE(board->panel().overRevLamp->lit());
+}
+
+/// The whole program, because its style sheet and palette change together with the panel's colours.
+class DashboardInProgram : public WindowTest {
+ protected:
+    static QColor backOf(const QWidget* widget, const QImage& picture, const QWidget* window) {
+        const QPoint place = widget->mapTo(window, QPoint(widget->width() - 3, widget->height() - 3));
+        return picture.pixelColor(place);
+    }
+};
+
+TEST_F(DashboardInProgram, InputsAndOutputsAreReadableInTheModeThatWasSwitchedTo) {
+    auto* list = find<QListWidget>("lstGPO");
+    auto* chosen = find<QLineEdit>("txtGPIO");
+    list->addItem("GPIO1  OFF");
+    FrmDashBoard* board = windows.dashboard();
+    QApplication::processEvents();
+    const int size = std::max(10, board->panel().height() / 24);
+    for (const DisplayMode mode : {DisplayMode::Day, DisplayMode::Night, DisplayMode::Day}) {
+        if (mode == DisplayMode::Day) {
+            commands.dayMode();
+        } else {
+            commands.nightMode();
+        }
+        QApplication::processEvents();
+        const QImage picture = board->grab().toImage();
+        const LookColors look = lookColors(mode);
+        EXPECT_EQ(backOf(list->viewport(), picture, board), look.surface) << static_cast<int>(mode);
+        EXPECT_EQ(list->viewport()->palette().color(QPalette::Text), look.text) << static_cast<int>(mode);
+        EXPECT_EQ(list->palette().color(QPalette::Text), look.text) << static_cast<int>(mode);
+        EXPECT_EQ(chosen->palette().color(QPalette::Text), look.text) << static_cast<int>(mode);
+        EXPECT_EQ(chosen->palette().color(QPalette::Base), look.surface) << static_cast<int>(mode);
+        EXPECT_EQ(list->font().pixelSize(), size) << static_cast<int>(mode);
+        EXPECT_EQ(chosen->font().pixelSize(), size) << static_cast<int>(mode);
+    }
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QHeaderView>
+#include <QMenu>
 #include <QScrollBar>
 
 #include "windows/frm_table.h"
@@ -24,7 +25,12 @@ using testing::IsEmpty;
 class TableWindows : public RecordingWindows {
  public:
     void onFlyLock(bool busy) override { table->onFlyLock(busy); }
+    void showUnit() override {
+        ++shownUnits;
+        if (table != nullptr) table->showUnit();
+    }
     FrmTable* table = nullptr;
+    int shownUnits = 0;
 };
 
 class Table : public testing::Test {
@@ -441,6 +447,204 @@ TEST_F(Table, SavedButtonWritesWhatTheGridShows) {
     form->findChild<QAction*>("Save")->trigger();
     EXPECT_EQ(ve(0), 44);
     EXPECT_TRUE(fake.session.DataModified);
+}
+
+TEST_F(Table, SavingAnUnchangedGridSendsNothingAndModifiesNothing) {
+    goLive();
+    form->findChild<QAction*>("Save")->trigger();
+    tick(3);
+    EXPECT_THAT(fake.port.written, IsEmpty());
+    EXPECT_FALSE(fake.session.DataModified);
+}
+
+TEST_F(Table, PastingOverEqualCellsSendsOnlyTheOneThatDiffers) {
+    goLive();
+    QApplication::clipboard()->setText("0\t0\t5");
+    stand(16, 1);
+    key(Qt::Key_V, "\x16", Qt::ControlModifier);
+    tick();
+    // Index 2: address 4352 + 912 + 2 = 0x1492; 5 + 50 = 0x37; 0x04 + 0x14 + 0x92 + 0x37 = 0xE1, inverted
+    // 0x1E
+    EXPECT_THAT(fake.port.written, ElementsAre("P2S1041492371E"));
+    answerOnFly();
+    tick(3);
+    EXPECT_EQ(fake.port.written.size(), 1u);
+}
+
+TEST_F(Table, DiscardingBringsBackTheValuesAndCountsAsAChange) {
+    unit().set("VE", 7, 0);
+    form->Setup_Grid("", "");
+    stand(16, 1);
+    type("12");
+    enter();
+    fake.session.DataModified = false;  // the file holds 12 now
+    fake.dialogs.answers.push_back(Answer::Yes);
+    form->findChild<QAction*>("Discard")->trigger();
+    EXPECT_EQ(fake.dialogs.boxes.back().title, "Discard Changes?");
+    EXPECT_EQ(fake.dialogs.boxes.back().text,
+              "Are you sure you want to reset the table back to it's original state?");
+    EXPECT_EQ(ve(0), 7);
+    EXPECT_EQ(shown(16, 1), "7");
+    EXPECT_TRUE(fake.session.DataModified);
+}
+
+TEST_F(Table, NudgeInAViewCountsAsAChangeEvenIfTheShownTextStays) {
+    unit().set("scale1", 0.5);
+    form->Setup_Grid("", "");
+    select(15, 1, 16, 1);
+    type("D");
+    const std::string before = shown(15, 1);
+    type(".");
+    EXPECT_EQ(shown(15, 1), before);
+    EXPECT_EQ(ve(16), 1);
+    EXPECT_TRUE(fake.session.DataModified);
+}
+
+TEST_F(Table, AnotherTableTakesTypingAfterAView) {
+    type("P");
+    form->Setup_Grid("ADV", "Ignition Advance Table");
+    stand(16, 1);
+    type("9");
+    EXPECT_TRUE(box().isVisible());
+}
+
+TEST_F(Table, ViewFollowsACalibrationThatWasChangedElsewhere) {
+    unit().set("INJ_On", 0.5);
+    form->Setup_Grid("", "");
+    type("P");
+    ASSERT_EQ(shown(16, 1), "0.50");
+    unit().set("INJ_On", 0.75);
+    form->showUnit();
+    EXPECT_EQ(shown(16, 1), "0.75");
+    EXPECT_TRUE(form->findChild<QAction*>("Pulsewidth")->isChecked());
+}
+
+TEST_F(Table, PaintOutlivesTheWindow) {
+    form->Show_Current_Activity(1000, 40);
+    windows.table = nullptr;
+    form.reset();
+    form = std::make_unique<FrmTable>(fake.session, commands);
+    windows.table = form.get();
+    form->Setup_Grid("VE", "Volumetric Efficiency Table");
+    EXPECT_EQ(form->model()->grid().colour(12, 2), 0x00FFFF);
+}
+
+TEST_F(Table, CommandsThatComeLaterStandDisabledInTheMenus) {
+    for (const char* name : {"Graph", "AutoVE", "Manage", "Print"}) {
+        ASSERT_NE(form->findChild<QAction*>(QLatin1String(name)), nullptr) << name;
+        EXPECT_FALSE(form->findChild<QAction*>(QLatin1String(name))->isEnabled()) << name;
+    }
+}
+
+TEST_F(Table, TimeFieldsHaveTheirOwnHelp) {
+    EXPECT_EQ(form->findChild<QLineEdit*>("txtTOG")->property("fastHelpKey"), "helptog");
+    EXPECT_EQ(form->findChild<QLineEdit*>("txtIOT")->property("fastHelpKey"), "helptiot");
+}
+
+TEST_F(Table, TimeThatIsNoNumberReturnsWithTheFocusAndAnEmptyOneWarns) {
+    unit().set("scale1", 10);
+    form->Setup_Grid("", "");
+    auto* gap = form->findChild<QLineEdit*>("txtTOG");
+    gap->setFocus();
+    gap->setText("-");
+    enter();
+    grid().setFocus();  // as the box does
+    EXPECT_EQ(gap->text(), "10");
+    QApplication::processEvents();
+    EXPECT_EQ(QApplication::focusWidget(), gap);
+    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
+    EXPECT_THAT(fake.dialogs.boxes[0].text, HasSubstr("Retype Data"));
+    gap->clear();
+    enter();
+    EXPECT_EQ(gap->text(), "10");
+    EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("Field CANNOT be NULL"));
+    EXPECT_FALSE(fake.session.DataModified);
+}
+
+TEST_F(Table, AcceptedTimeIsHandedToTheOtherFormsAndKeepsWhatDiscardBringsBack) {
+    unit().set("VE", 7, 0);
+    form->Setup_Grid("", "");
+    stand(16, 1);
+    type("12");
+    enter();
+    auto* gap = form->findChild<QLineEdit*>("txtTOG");
+    gap->setFocus();
+    gap->setText("20");
+    enter();
+    EXPECT_EQ(unit().get("scale1"), 20);
+    EXPECT_EQ(windows.shownUnits, 1);
+    EXPECT_EQ(form->model()->undoCopy(0), 7);
+}
+
+TEST_F(Table, NameOfTheColumnAxisStandsInTheCornerOfTheHeaders) {
+    auto* name = form->findChild<QLabel*>("Label2");
+    ASSERT_NE(name, nullptr);
+    EXPECT_EQ(name->text(), "x-axis");
+    EXPECT_TRUE(name->isVisible());
+    const QRect place(name->mapTo(&grid(), QPoint(0, 0)), name->size());
+    EXPECT_EQ(place.right() + 1, grid().horizontalHeader()->geometry().left());
+    EXPECT_EQ(place.top(), grid().horizontalHeader()->geometry().top());
+    EXPECT_EQ(place.height(), grid().horizontalHeader()->height());
+    EXPECT_GE(place.width(), name->fontMetrics().horizontalAdvance("x-axis"));
+}
+
+TEST_F(Table, EditBoxShowsLargeDigitsInSightAtEveryEdge) {
+    for (const auto& [row, column] :
+         {std::pair(1, 1), std::pair(1, 16), std::pair(16, 1), std::pair(16, 16)}) {
+        stand(row, column);
+        type("-12.5");
+        EXPECT_GE(box().fontMetrics().height() * 4, grid().fontMetrics().height() * 5);
+        EXPECT_GE(box().height(), box().fontMetrics().height());
+        EXPECT_GE(box().width(), box().fontMetrics().horizontalAdvance("-12.5"));
+        EXPECT_TRUE(grid().viewport()->rect().contains(box().geometry())) << row << ", " << column;
+        EXPECT_TRUE(box().geometry().intersects(grid().cellRect(row, column)));
+        key(Qt::Key_Escape);
+    }
+}
+
+TEST_F(Table, EditBoxStandsOutFromTheCellsByDayAndByNight) {
+    for (const DisplayMode mode : {DisplayMode::Day, DisplayMode::Night}) {
+        mode == DisplayMode::Day ? form->Day_Mode() : form->Night_Mode();
+        stand(8, 8);
+        type("5");
+        const QColor back = picture(box()).pixelColor(box().width() / 4, box().height() / 2);
+        EXPECT_EQ(back, lookColors(mode).highlight);
+        EXPECT_NE(back, lookColors(mode).surface);
+        EXPECT_GT(box().fontMetrics().height(), grid().fontMetrics().height());
+        key(Qt::Key_Escape);
+    }
+}
+
+TEST_F(Table, RightClickOpensThePopUpOfTheMainWindowWithTheEntriesForTheSelection) {
+    QWidget frame;
+    QMenu popup(&frame);
+    popup.setObjectName("mnuPopupTable");
+    for (const char* name : {"mnuGraphTable", "mnuInterpolate", "mnuNewCol", "mnuRmvRow"}) {
+        popup.addAction(name)->setObjectName(name);
+    }
+    const auto visible = [&] {
+        std::vector<std::string> names;
+        for (const QAction* entry : popup.actions()) {
+            if (entry->isVisible()) names.push_back(entry->objectName().toStdString());
+        }
+        return names;
+    };
+    form->setParent(&frame);
+    frame.resize(form->size());
+    frame.show();
+    form->show();
+    Q_EMIT grid().customContextMenuRequested(grid().cellRect(3, 4).center());
+    EXPECT_TRUE(popup.isVisible());
+    EXPECT_EQ(form->model()->currentRow(), 3);
+    EXPECT_EQ(form->model()->currentColumn(), 4);
+    EXPECT_THAT(visible(), ElementsAre("mnuGraphTable", "mnuNewCol", "mnuRmvRow"));
+    popup.hide();
+    select(3, 4, 5, 6);
+    Q_EMIT grid().customContextMenuRequested(grid().cellRect(9, 9).center());
+    EXPECT_EQ(form->model()->selection().bottom, 5);
+    EXPECT_THAT(visible(), ElementsAre("mnuGraphTable", "mnuInterpolate"));
+    popup.hide();
+    form->setParent(nullptr);
 }
 
 TEST_F(Table, DockingButtonAsksAndSwapsItsPaddedCaption) {

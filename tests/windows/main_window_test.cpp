@@ -146,6 +146,21 @@ TEST_F(MainWindow, ExitAsksAndCancelKeepsTheProgram) {
     EXPECT_TRUE(windows.main().isVisible());
 }
 
+TEST_F(MainWindow, ShutdownButtonEndsARunningSessionFirstAndLeavesTheDashboardAloneWithoutOne) {
+    const auto press = [this] {
+        fake.dialogs.answers.push_back(Answer::Cancel);
+        find<QToolBar>("Toolbar1")->findChild<QAction*>("Shutdown")->trigger();
+    };
+    LiveLabel& speed = windows.dashboard()->panel().label("lblTach");
+    speed.setText("3250");
+    press();
+    EXPECT_EQ(speed.text(), "3250");
+    fake.session.Monitoring = true;
+    press();
+    EXPECT_FALSE(fake.session.Monitoring);
+    EXPECT_EQ(speed.text(), "");
+}
+
 TEST_F(MainWindow, ExitEndsTheProgramOnOk) {
     action("mnuExit")->trigger();
     EXPECT_TRUE(windows.closed());

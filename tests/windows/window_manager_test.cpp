@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractScrollArea>
 #include <QComboBox>
+#include <QHeaderView>
 #include <QProgressBar>
 
 #include "windows/window_fixture.h"
@@ -53,6 +55,31 @@ TEST_F(Manager, ATransfersProgressTakesThePlaceOfThePort) {
     fake.session.link.editStatus().progressVisible = false;
     windows.refresh();
     EXPECT_TRUE(port->isVisible());
+}
+
+TEST_F(Manager, TheInsideOfListsAndTablesFollowsDayAndNight) {
+    openCalibration();
+    commands.openTable("VE", "Volumetric Efficiency Table");
+    std::vector<std::string> names;
+    const auto insides = [&] {
+        std::vector<QColor> colors;
+        names.clear();
+        for (auto* area : windows.main().findChildren<QAbstractScrollArea*>()) {
+            if (qobject_cast<QHeaderView*>(area) != nullptr) continue;  // drawn as buttons
+            names.push_back(area->objectName().toStdString());
+            colors.push_back(area->viewport()->palette().color(QPalette::Base));
+        }
+        return colors;
+    };
+    windows.nightMode();
+    const auto night = insides();
+    windows.dayMode();
+    const auto day = insides();
+    windows.nightMode();
+    ASSERT_GT(night.size(), 3u);
+    ASSERT_EQ(night.size(), day.size());
+    for (std::size_t i = 0; i < night.size(); ++i) EXPECT_GT(day[i].lightness(), night[i].lightness() + 100) << names[i];
+    EXPECT_EQ(insides(), night);
 }
 
 }  // namespace
