@@ -23,6 +23,11 @@ int main(int argc, char** argv) {
     app.add_option("--log-records", options.logRecords, "Records in the unit's own datalog")
         ->check(CLI::NonNegativeNumber);
     app.add_option("--code", options.codes, "Check-engine code that is set at the start, such as 21");
-    CLI11_PARSE(app, argc, argv);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        constexpr int wrongUsage = 2;
+        return app.exit(error) == 0 ? 0 : wrongUsage;
+    }
     return zentaq::sim::runSimulatorUntilSignal(options, std::cout, std::cerr);
 }

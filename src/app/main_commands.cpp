@@ -83,13 +83,11 @@ int kindOfLength(std::uintmax_t length) {
 bool MainCommands::offerToSave() {
     const Answer answer =
         session_.dialogs().show({"SAVE", "Save changes?", Icon::Question, Buttons::OkCancel});
-    if (answer != Answer::Ok) return true;
-    saveChecked();
-    return !session_.DataModified;
+    return answer != Answer::Ok || saveChecked();
 }
 
-void MainCommands::saveChecked() {
-    endOnFailure(
+bool MainCommands::saveChecked() {
+    return endOnFailure(
         [&] {
             session_.currentUnitObject().SaveFile();
             session_.DataModified = false;
@@ -226,11 +224,25 @@ void MainCommands::finishOpening(const std::string& path) {
     session_.CurrentFile = path;
     session_.windows().titleChanged("Current Calibration File: " + path);
     session_.sysLog("Loaded Calibration: " + path);
+    noteShortFile(path);
     session_.DataModified = false;
     if (matches && session_.Monitoring) session_.applyMonitorMode();
     // A unit that was identified before the file came takes changes from now on.
     session_.initializeOnFly(matches && linked.UnitIdentified);
     session_.windows().setupNodes();
+}
+
+// Kept: a file of any length loads, and cells behind its end are 0, because older programs wrote fewer. A
+// file cut by an accident looks the same, so the log says it.
+void MainCommands::noteShortFile(const std::string& path) {
+    constexpr std::uintmax_t headerBytes = 12;
+    const auto whole =
+        headerBytes + 4 * static_cast<std::uintmax_t>(session_.currentUnitObject().kind().fileFloats);
+    std::error_code error;
+    const auto length = std::filesystem::file_size(path, error);
+    if (error || length >= whole) return;
+    session_.sysLog("Short file: " + std::to_string(length) + " of " + std::to_string(whole) +
+                    " bytes. What is missing was taken as 0.");
 }
 
 void MainCommands::save() {
@@ -262,16 +274,15 @@ void MainCommands::saveAs() {
         if (answer != Answer::Yes) return;
     }
     const std::string formerFile = session_.CurrentFile;
-    session_.DataModified = true;
     unit.BinFile(path);
-    saveChecked();
-    if (session_.DataModified) {  // not saved: the former name stays in force
+    if (!saveChecked()) {  // the former name stays in force
         unit.BinFile(formerFile);
         return;
     }
     session_.CurrentFile = path;
     session_.windows().titleChanged("Current Calibration File: " + path);
     session_.FileFilterIndex = unit.kind().fileFilter;
+    session_.windows().showUnit();  // the name stands on a page
 }
 
 void MainCommands::close() {
@@ -342,12 +353,21 @@ void MainCommands::identify() {
 }
 
 int MainCommands::autodetectPort() {
+    if (session_.link.TransferActive()) {
+        session_.inform("A transfer is running.  Please search the unit when it has ended.");
+        return 0;
+    }
+    const int former = session_.link.commPort();
     const int port = session_.link.Autodetect_COMM_Port();
     if (port == 0) {
+        // The search leaves the last port it tried; the user's own is the one to wait at.
+        session_.link.commPort(former);
+        session_.link.ORB_Initialize();
         session_.inform("Could not Find ORB Unit.  Please check the serial connection.");
         return 0;
     }
     session_.link.commPort(port);
+    session_.link.editStatus().port = std::to_string(port);
     session_.settings().set("System", "CommPort", std::to_string(port));
     return port;
 }

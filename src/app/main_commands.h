@@ -13,19 +13,19 @@ class MainCommands {
     explicit MainCommands(Session& session) : session_(session) {}
 
     // ---- The file. All report by boxes and leave the former state on a failure.
-    void open();                            ///< mnuOpen
-    void save();                            ///< mnuSave: nothing without a current file
-    void saveAs();                          ///< mnuSaveAs
-    void close();                           ///< mnuClose
+    void open();    ///< mnuOpen
+    void save();    ///< mnuSave: nothing without a current file
+    void saveAs();  ///< mnuSaveAs
+    void close();   ///< mnuClose
 
     // ---- The unit
-    void programOrb();                      ///< mnuProgramORB
-    void killEngine();                      ///< mnuMonitor_KillEngine
-    void zeroAdvance();                     ///< mnuZeroAdv: toggles
-    void refreshCodes();                    ///< mnuClearDashCodes
-    void clearCodes();                      ///< mnuORB_ClearCodes
-    void storeOnFly();                      ///< makes on-the-fly changes permanent in the unit
-    void identify();                        ///< asks the unit again who it is
+    void programOrb();    ///< mnuProgramORB
+    void killEngine();    ///< mnuMonitor_KillEngine
+    void zeroAdvance();   ///< mnuZeroAdv: toggles
+    void refreshCodes();  ///< mnuClearDashCodes
+    void clearCodes();    ///< mnuORB_ClearCodes
+    void storeOnFly();    ///< makes on-the-fly changes permanent in the unit
+    void identify();      ///< asks the unit again who it is
     /// Port search; on success stores the port. Answers the port or 0.
     int autodetectPort();
     /// 2 starts a monitor session, 3 ends it.
@@ -46,9 +46,11 @@ class MainCommands {
     Next openOlder(const std::string& path, std::uintmax_t length);
     Next askAgain(const std::string& title, const std::string& text);
     void finishOpening(const std::string& path);
+    void noteShortFile(const std::string& path);
     void repairOldFields();
     bool offerToSave();
-    void saveChecked();
+    /// Saves and tells a failure. True when the file is whole on the disk.
+    bool saveChecked();
 
     Session& session_;
 };

@@ -69,10 +69,11 @@ constexpr std::array warnings{
              "Warning 1007: ORB Unit needs Firmware Upgrade.", Icon::Exclamation},
 };
 
-constexpr Numbered notAscending{
-    1006, inputError,
-    "Warning 1006: Data Input Error\nThe value you entered must be higher than that of the one to the left.\n%",
-    "Warning 1006: Data Input Error / Value Lesser than Left.", Icon::Exclamation};
+constexpr Numbered notAscending{1006, inputError,
+                                "Warning 1006: Data Input Error\nThe value you entered must be higher than "
+                                "that of the one to the left.\n%",
+                                "Warning 1006: Data Input Error / Value Lesser than Left.",
+                                Icon::Exclamation};
 
 constexpr std::array messages{
     Numbered{0, "Help", "%", "", Icon::Information},

@@ -21,6 +21,8 @@ class Kernel {
     void closeRequested();
 
  private:
+    /// False when the user wanted to save and it failed.
+    bool offerToSave();
     void setUpEnvironment();
     void startConsole();
     void openDatabase();

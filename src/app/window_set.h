@@ -16,10 +16,10 @@ class WindowSet {
     virtual void enableToolbar(bool) {}
     virtual void splash(std::string_view) {}  ///< shows a status text and holds it for a moment
     virtual void makeGraphPools() {}
-    virtual void showConfig() {}              ///< first tab selected, second one hidden
-    virtual void showLink() {}                ///< loads the link's timers
+    virtual void showConfig() {}  ///< first tab selected, second one hidden
+    virtual void showLink() {}    ///< loads the link's timers
     virtual void showDashboard() {}
-    virtual void showCommList(bool) {}        ///< lstCommInfo
+    virtual void showCommList(bool) {}  ///< lstCommInfo
     virtual void focusForm(const std::string&) {}
     virtual void showTip(const std::string&) {}
     virtual void killTimers() {}
@@ -27,16 +27,16 @@ class WindowSet {
 
     // ---- The calibration in hand
     virtual void titleChanged(const std::string&) {}
-    virtual void setupNodes() {}              ///< the tree, the pages and their rules for the unit in hand
-    virtual void showStartTab() {}            ///< back to the first tab, second one hidden
-    virtual void onFlyChanged(bool) {}        ///< colours of fields and the panel "ONFLY"
-    virtual void onFlyLock(bool) {}           ///< the table grid waits while a change is on its way
-    virtual void removeForms() {}             ///< closes frmTABLE and frmGPIO
+    virtual void setupNodes() {}        ///< the tree, the pages and their rules for the unit in hand
+    virtual void showStartTab() {}      ///< back to the first tab, second one hidden
+    virtual void onFlyChanged(bool) {}  ///< colours of fields and the panel "ONFLY"
+    virtual void onFlyLock(bool) {}     ///< the table grid waits while a change is on its way
+    virtual void removeForms() {}       ///< closes frmTABLE and frmGPIO
     virtual void openTable(const std::string& table, const std::string& title) {
         (void)table;
         (void)title;
     }
-    virtual void showUnit() {}                ///< forms read the unit's values again
+    virtual void showUnit() {}  ///< forms read the unit's values again
 
     // ---- Live
     virtual void dayMode() {}
@@ -45,7 +45,7 @@ class WindowSet {
     virtual void codesReceived() {}
     virtual void codesCleared() {}
     virtual void frameDecoded() {}
-    virtual void updateDisplay() {}           ///< the dashboard is due; it draws at most 60 times a second
+    virtual void updateDisplay() {}  ///< the dashboard is due; it draws at most 60 times a second
     virtual void resetDashboard() {}
     virtual void clearPanel3() {}
 

@@ -375,5 +375,43 @@ TEST_F(Commands, AClosedPortIsOpenedAsSoonAsItAppears) {
     EXPECT_TRUE(fake.port.isOpen());
 }
 
+TEST_F(Commands, AFileThatWasCutLoadsAndTheLogTellsIt) {
+    const std::string path = fake.folder.path("cut.ZQ4OA");
+    std::vector<float> floats = orbAFloats();
+    floats.resize(1000);
+    writeFloats(path, floats);
+    open(path);
+    EXPECT_EQ(session.currentUnit(), 3);
+    EXPECT_TRUE(logged("Short file: 4000 of 11324 bytes. What is missing was taken as 0."));
+}
+
+TEST_F(Commands, AFailedPortSearchGoesBackToTheUsersPort) {
+    fake.port.presentNumber = 1;
+    session.link.load();
+    class Passing : public Yield {
+     public:
+        explicit Passing(FakeClock& clock) : clock_(clock) {}
+        void yield() override { clock_.nowUs += 60'000; }
+
+     private:
+        FakeClock& clock_;
+    } passing{fake.clock};
+    Session other{Platform{fake.port, fake.ticker, fake.clock, fake.settings, fake.dialogs, passing,
+                           fake.folder.path(), fake.folder.path()}};
+    MainCommands search{other};
+    other.link.commPort(1);
+    EXPECT_EQ(search.autodetectPort(), 0);
+    EXPECT_EQ(box().text, "Could not Find ORB Unit.  Please check the serial connection.");
+    EXPECT_EQ(other.link.commPort(), 1);
+    EXPECT_TRUE(fake.port.isOpen());
+}
+
+TEST_F(Commands, AFailedSaveAsDoesNotMarkAnUnchangedCalibration) {
+    open(file("first.ZQ4OA"));
+    fake.dialogs.files = {fake.folder.path("gone/second.ZQ4OA")};
+    commands.saveAs();
+    EXPECT_FALSE(session.DataModified);
+}
+
 }  // namespace
 }  // namespace zentaq

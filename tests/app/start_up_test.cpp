@@ -163,6 +163,17 @@ TEST_F(StartUp, ShutdownAsksAndCancelLeavesEverythingButTheLogLine) {
     EXPECT_FALSE(consoleHas("System Shutdown!"));
 }
 
+TEST_F(StartUp, ShutdownFromTheMenuOffersToSaveWhatIsUnsaved) {
+    kernel.load();
+    session.DataModified = true;
+    fake.dialogs.boxes.clear();
+    fake.dialogs.answers = {Answer::Ok, Answer::Cancel};
+    EXPECT_TRUE(kernel.System_Shutdown(false));
+    ASSERT_EQ(fake.dialogs.boxes.size(), 2u);
+    EXPECT_EQ(fake.dialogs.boxes[1].title, "SAVE");
+    EXPECT_EQ(fake.dialogs.boxes[1].text, "Save changes?");
+}
+
 TEST_F(StartUp, AConfirmedShutdownStopsTimersClosesThePortAndEnds) {
     kernel.load();
     session.Monitoring = true;
