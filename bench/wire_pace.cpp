@@ -31,7 +31,7 @@ struct Bench {
         Program::waitFor([this] { return program->identified(); }, 20'000);
         program->open(calibration);
     }
-    TempFolder folder;
+    TemporaryFolder folder;
     std::string calibration = folder.path("bench.ZQ4OA");
     std::unique_ptr<UnitProcess> unit;
     std::unique_ptr<Program> program;

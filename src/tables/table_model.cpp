@@ -160,7 +160,10 @@ float TableModel::get_binValueByIndex(std::string_view table, int index) const {
 
 bool TableModel::set_BinValueByIndex(std::string_view table, float value, int index) {
     const bool stored = set_binValueByIndex(unit_, table, value, index, absoluteVe_);
-    if (stored) ++cellsWritten_;
+    if (stored) {
+        ++cellsWritten_;
+        shadeWritten(table, index);
+    }
     return stored;
 }
 
@@ -213,19 +216,19 @@ KeyResult TableModel::keyOnGrid(char key) {
             togglePulsewidth();
             return KeyResult::Done;
         case 'O':
-            Set_KeyDownFlag(!overlaySuppressed_);
+            toggleOverlay();
             return KeyResult::Done;
         case 'X':
             return KeyResult::Unload;
         default:
             break;
     }
-    Set_KeyDownFlag(true);
     takeCursorToSelection();
     if (key == '.' || key == ',') {
         nudge(key == '.');
         return KeyResult::Done;
     }
+    holdCursor();
     const bool printable = key >= ' ' && key <= '~';
     return printable && view_ == TableView::Values ? KeyResult::StartEdit : KeyResult::Ignored;
 }
@@ -240,6 +243,12 @@ void TableModel::takeCursorToSelection() {
 }
 
 std::optional<EditStart> TableModel::startEdit(char key) {
+    const auto start = openedBy(key);
+    if (start) editing_ = true;
+    return start;
+}
+
+std::optional<EditStart> TableModel::openedBy(char key) {
     if (key == ' ') {
         return EditStart{grid_.text(cursor_.row, cursor_.column), selectedOnOpen};
     }
@@ -247,7 +256,7 @@ std::optional<EditStart> TableModel::startEdit(char key) {
     if (key == '.' || key == '-') return EditStart{text, 0};
     if (std::string_view("!#$@OUX").find(key) != std::string_view::npos) return {};
     if (!unit_.host().checkInput(numericCheck, text)) return EditStart{text, 0};
-    Set_KeyDownFlag(previousOverlay_);
+    letCursorGo();
     return {};
 }
 
@@ -296,23 +305,28 @@ bool TableModel::enterValue(std::string_view typed) {
             if (hasEstimates()) updateEstimate(row, column);
         }
     }
-    Set_KeyDownFlag(previousOverlay_);
+    letCursorGo();
     return true;
 }
 
 void TableModel::leaveEdit(std::string_view typed) {
     grid_.text(cursor_.row, cursor_.column, std::string(typed));
+    letCursorGo();
 }
 
 void TableModel::nudge(bool up) {
     const double step = up ? kind().nudge : -kind().nudge;
+    const bool suppressed = overlaySuppressed_;
+    const bool previous = previousOverlay_;
+    holdCursor();  // frames go on coming while a refusal stands on the screen
     bool inRange = true;
     for (int row = selection_.top; inRange && row <= selection_.bottom; ++row) {
         for (int column = selection_.left; inRange && column <= selection_.right; ++column) {
             inRange = nudgeCell(row, column, step);
         }
     }
-    Set_KeyDownFlag(previousOverlay_);
+    overlaySuppressed_ = suppressed;
+    previousOverlay_ = previous;
 }
 
 bool TableModel::nudgeCell(int row, int column, double step) {
@@ -343,7 +357,7 @@ bool TableModel::writeCell(float value, int index, bool silent) {
 
 void TableModel::silentWrite(float value, int index, bool silent) {
     skipFailing([&] { writeCell(value, index, silent); });
-    Set_KeyDownFlag(previousOverlay_);
+    letCursorGo();
 }
 
 // ---- Headers
@@ -492,7 +506,7 @@ void TableModel::restore() {
     }
     // What is saved or pasted after this is meant for the unit again.
     unit_.SILENT_MODE(false);
-    Set_KeyDownFlag(previousOverlay_);
+    letCursorGo();
     unit_.host().sysLog("TBL: Data Restore Completed Successfully.");
     rebuild();
 }
@@ -608,19 +622,33 @@ bool TableModel::enterTime(std::string_view member, std::string_view typed) {
 
 void TableModel::colorizeGraph(bool white) {
     if (table_ != "VE" && !white) return;
-    const double midpoint = table_ == "VE" && absoluteVe_ ? 100 : kind().colourMidpoint;
+    const double midpoint = shadeMidpoint();
     for (int row = 1; row <= rows(); ++row) {
         for (int column = 1; column <= columns(); ++column) {
-            std::int32_t colour = TableGrid::white;
-            if (!white) {
-                skipFailing([&] {
-                    const float value = get_binValueByIndex(table_, tableIndex(row, column));
-                    colour = shadeOf(value, midpoint, kind().colourScale);
-                });
-            }
-            grid_.colour(row, column, colour);
+            grid_.colour(row, column, TableGrid::white);
+            if (!white) shadeCell(row, column, midpoint);
         }
     }
+}
+
+double TableModel::shadeMidpoint() const {
+    return table_ == "VE" && absoluteVe_ ? 100 : kind().colourMidpoint;
+}
+
+void TableModel::shadeCell(int row, int column, double midpoint) {
+    skipFailing([&] {
+        const float value = get_binValueByIndex(table_, tableIndex(row, column));
+        grid_.colour(row, column, shadeOf(value, midpoint, kind().colourScale));
+    });
+}
+
+/// The shade of a stored cell follows its new value at once; the paint of the live point stays on top.
+void TableModel::shadeWritten(std::string_view table, int index) {
+    if (table != "VE" || table_ != "VE" || view_ != TableView::Values) return;
+    const int row = gridRow(index / storedColumns);
+    const int column = index % storedColumns + 1;
+    if (!grid_.hasCell(row, column) || paintMemory_.at(row, column) != Paint::White) return;
+    shadeCell(row, column, shadeMidpoint());
 }
 
 void TableModel::repaint() {
@@ -681,7 +709,8 @@ void TableModel::Show_Current_Activity(float x, float y) {
         y = kind().isGpo() ? liveValueOf("ROW-AXIS") : live_.MAP;
     }
     placeMarker(x, y);
-    if (overlaySuppressed_) return;
+    // An open edit box holds its cell even if the overlay is switched on from the menu meanwhile.
+    if (overlaySuppressed_ || editing_) return;
     const GridCell cell = zones_.cellOf(x, y, cursor_);
     if (!moveTo(cell.row, cell.column) || autoVeActive_) return;
     if (colourMode_ == TableColour::Afr) {
@@ -713,6 +742,20 @@ void TableModel::paintByAfr() {
 void TableModel::Set_KeyDownFlag(bool suppressed) {
     previousOverlay_ = overlaySuppressed_;
     overlaySuppressed_ = suppressed;
+}
+
+void TableModel::holdCursor() {
+    if (!overlaySuppressed_) Set_KeyDownFlag(true);
+}
+
+void TableModel::letCursorGo() {
+    editing_ = false;
+    overlaySuppressed_ = previousOverlay_;
+}
+
+void TableModel::toggleOverlay() {
+    Set_KeyDownFlag(!overlaySuppressed_);
+    previousOverlay_ = overlaySuppressed_;
 }
 
 // ---- What the window offers

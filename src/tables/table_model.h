@@ -127,7 +127,8 @@ class TableModel {
 
     // ---- Keys and typing
     KeyResult keyOnGrid(char key);
-    /// The text that the edit box opens with, or nothing when this key does not start editing.
+    /// The text that the edit box opens with, or nothing when this key does not start editing. Until the
+    /// edit ends (`enterValue`, `leaveEdit`, `letCursorGo`) live tracking leaves the cursor alone.
     std::optional<EditStart> startEdit(char key);
     /// Whether the box may hold a text while a user types.
     static bool mayBeTyped(std::string_view text);
@@ -138,7 +139,8 @@ class TableModel {
     void leaveEdit(std::string_view typed);
     /// The limits of a typed value, with the text of the range check.
     Limits typingLimits() const;
-    /// "." and ",": adds a step to every selected cell, stopping at the first that would leave its range.
+    /// "." and ",": adds a step to every selected cell, stopping at the first that would leave its range. A
+    /// cursor that is held stays so, for the next step goes to the same cells.
     void nudge(bool up);
     /// Writes one value; `silent` keeps it off the wire. Ends with the overlay as it was before editing.
     void silentWrite(float value, int index, bool silent);
@@ -202,9 +204,18 @@ class TableModel {
     /// Moves marker and cursor to the live point and paints its cell. Both 0: take the live values.
     void Show_Current_Activity(float x, float y);
     const LiveMarker& marker() const { return marker_; }
-    /// Overlay suppressed: live tracking does not move the cursor while the user types.
+    /// Overlay suppressed: live tracking does not move the cursor while the user types. The state before is
+    /// kept as the one that an edit ends with.
     void Set_KeyDownFlag(bool suppressed);
     bool overlaySuppressed() const { return overlaySuppressed_; }
+    /// The user's hand is on the grid: suppresses the overlay until `letCursorGo`. Held once more it still
+    /// goes back to the state before the first.
+    void holdCursor();
+    /// The edit is over, or the user lets go: the overlay as it was before the cursor was held. Does nothing
+    /// to an overlay that the user has switched off.
+    void letCursorGo();
+    /// Switches the overlay on or off for good; what was held is forgotten.
+    void toggleOverlay();
     bool autoVeActive() const { return autoVeActive_; }
     void autoVeActive(bool active) { autoVeActive_ = active; }
 
@@ -220,6 +231,10 @@ class TableModel {
     void fillRowHeaders();
     void fillColumnHeaders();
     void fillCells();
+    std::optional<EditStart> openedBy(char key);
+    void shadeCell(int row, int column, double midpoint);
+    void shadeWritten(std::string_view table, int index);
+    double shadeMidpoint() const;
     void buildZones();
     void repaintRemembered();
     void setCellText(int index, float value);
@@ -259,6 +274,7 @@ class TableModel {
     TableColour colourMode_ = TableColour::Normal;
     bool overlaySuppressed_ = false;
     bool previousOverlay_ = false;
+    bool editing_ = false;  ///< the edit box is open: what is typed belongs to the cell where it began
     bool autoVeActive_ = false;
     int cellsWritten_ = 0;
     // One entry beyond the most lines: a header edit writes one place past its own.

@@ -15,6 +15,10 @@ namespace {
 
 using Tick = GaugeFace::Tick;
 
+/// The only text of fraNoConnect that lasts; the others come and go within milliseconds while frames flow.
+constexpr auto waitingForUnit = "Connecting...";
+constexpr float veilOpacity = 0.7F;
+
 /// Ticks from `low` to `high`; those on a whole `major` bear the value divided by `divisor`.
 std::vector<Tick> ticks(DialAngle angle, int low, int high, int minor, int major, int divisor = 1) {
     std::vector<Tick> result;
@@ -146,6 +150,24 @@ const std::array<LiveLabel::Form, 20>& readoutForms() {
 
 }  // namespace
 
+DashBoardVeil::DashBoardVeil(QWidget* parent) : QWidget(parent) {
+    setObjectName("dashBoardVeil");
+    setAccessibleName("The values shown are not live");
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    hide();
+}
+
+void DashBoardVeil::setColor(const QColor& color) {
+    color_ = color;
+    color_.setAlphaF(veilOpacity);
+    update();
+}
+
+void DashBoardVeil::paintEvent(QPaintEvent* event) {
+    QPainter painter(this);
+    painter.fillRect(event->rect(), color_);
+}
+
 FrmDashBoardPanel::FrmDashBoardPanel(const DialAngles& angles, QWidget* parent)
     : QWidget(parent), angles_(angles), colors_(dashColors(false)) {
     auto* strip = new QHBoxLayout(this);
@@ -262,6 +284,7 @@ QLayout* FrmDashBoardPanel::makeStatus() {
 }
 
 void FrmDashBoardPanel::makeNoConnect() {
+    veil = new DashBoardVeil(this);
     fraNoConnect = new QFrame(this);
     fraNoConnect->setObjectName("fraNoConnect");
     fraNoConnect->setAccessibleName("State of the link");
@@ -298,6 +321,7 @@ void FrmDashBoardPanel::setColors(const DashColors& colors) {
     for (const auto& [name, label] : labels_) label->setColors(colors);
     checkEngineLamp->setColors(colors);
     overRevLamp->setColors(colors);
+    veil->setColor(colors.back);
     QPalette palette;
     palette.setColor(QPalette::Window, colors.back);
     palette.setColor(QPalette::Base, colors.face);
@@ -327,6 +351,12 @@ void FrmDashBoardPanel::showNoConnect(bool on, const QString& text) {
         lblGeneral->setText(text);
         placeNoConnect();
     }
+    const bool veiled = on && text == QLatin1String(waitingForUnit);
+    if (veil->isHidden() == veiled) {
+        veil->setVisible(veiled);
+        veil->raise();
+        fraNoConnect->raise();
+    }
     if (fraNoConnect->isHidden() != on) return;
     fraNoConnect->setVisible(on);
     if (on) fraNoConnect->raise();
@@ -345,6 +375,7 @@ QSize FrmDashBoardPanel::minimumSizeHint() const {
 void FrmDashBoardPanel::resizeEvent(QResizeEvent*) {
     placeNoConnect();
     fitStatusFonts();
+    placeVeil();
 }
 
 void FrmDashBoardPanel::placeNoConnect() {
@@ -352,6 +383,11 @@ void FrmDashBoardPanel::placeNoConnect() {
     // Over the dials, which stand still meanwhile; the read-outs and codes stay in sight.
     fraNoConnect->move((width() * 2 / 3 - fraNoConnect->width()) / 2,
                        (height() - fraNoConnect->height()) / 2);
+}
+
+/// All but the column of codes, inputs and outputs, which stays readable and can be clicked.
+void FrmDashBoardPanel::placeVeil() {
+    veil->setGeometry(0, 0, lblCheckEngine->x(), height());
 }
 
 void FrmDashBoardPanel::fitStatusFonts() {

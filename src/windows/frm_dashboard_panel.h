@@ -33,6 +33,21 @@ struct DialAngles {
     int revScale = 9000;
 };
 
+/// Lies over dials and read-outs while what they show is not live. Clicks and tips go through it.
+class DashBoardVeil : public QWidget {
+    Q_OBJECT
+
+ public:
+    explicit DashBoardVeil(QWidget* parent);
+    void setColor(const QColor& color);
+
+ protected:
+    void paintEvent(QPaintEvent* event) override;
+
+ private:
+    QColor color_;
+};
+
 class FrmDashBoardPanel : public QWidget {
     Q_OBJECT
 
@@ -51,7 +66,8 @@ class FrmDashBoardPanel : public QWidget {
     void setColors(const DashColors& colors);
     /// Fuel, temperature and idle instruments out of sight for a unit that only ignites.
     void showFuel(bool on);
-    /// fraNoConnect in view with its text, or out of sight.
+    /// fraNoConnect in view with its text, or out of sight. While it waits for a unit a veil lies over dials
+    /// and read-outs: they keep their last values, which must not look live.
     void showNoConnect(bool on, const QString& text);
 
     LiveLamp* checkEngineLamp = nullptr;
@@ -62,6 +78,7 @@ class FrmDashBoardPanel : public QWidget {
     QPushButton* btnShowDetail = nullptr;
     QFrame* fraNoConnect = nullptr;
     QLabel* lblGeneral = nullptr;
+    DashBoardVeil* veil = nullptr;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -78,6 +95,7 @@ class FrmDashBoardPanel : public QWidget {
     QLayout* makeStatus();
     void makeNoConnect();
     void placeNoConnect();
+    void placeVeil();
     void fitStatusFonts();
 
     DialAngles angles_;

@@ -357,7 +357,10 @@ void FrmTable::selectionChanged() {
     if (syncing_ || !model_) return;
     const QModelIndex current = Grid1_->currentIndex();
     if (!current.isValid()) return;
-    if (txtInputValue_->isVisible()) leaveEdit();
+    if (txtInputValue_->isVisible()) {
+        leaveEdit();
+        holdCursor();  // the former edit has let go, and here the user stands on another cell
+    }
     const int row = current.row() + 1;
     const int column = current.column() + 1;
     const QItemSelection chosen = Grid1_->selectionModel()->selection();
@@ -396,10 +399,14 @@ bool FrmTable::gridEvent(QEvent* event) {
     return locked_ ? hold(key) : gridKey(key);
 }
 
-/// While a change is on its way the grid takes no clicks.
-bool FrmTable::viewportEvent(const QEvent* event) const {
-    return locked_ &&
-           (event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick);
+/// While a change is on its way the grid takes no clicks. Else a click holds the cursor as a key does: what
+/// is typed next is meant for the cell that was clicked, wherever the engine has gone.
+bool FrmTable::viewportEvent(const QEvent* event) {
+    if (event->type() != QEvent::MouseButtonPress && event->type() != QEvent::MouseButtonDblClick) {
+        return false;
+    }
+    if (!locked_) holdCursor();
+    return locked_;
 }
 
 bool FrmTable::gridKey(const QKeyEvent& event) {
@@ -415,10 +422,8 @@ bool FrmTable::gridKey(const QKeyEvent& event) {
         pressed(key);
         return true;
     }
-    if (movesCursor(event.key())) {
-        model_->Set_KeyDownFlag(true);
-        showItems();
-    }
+    if (movesCursor(event.key())) holdCursor();
+    if (event.key() == Qt::Key_Escape) letCursorGo();
     return false;
 }
 
@@ -503,6 +508,7 @@ void FrmTable::pressed(char key) {
 
 void FrmTable::openEdit(char key) {
     const auto start = model_->startEdit(key);
+    showItems();
     if (!start) {
         Grid1_->setFocus();
         return;
@@ -560,25 +566,38 @@ void FrmTable::leaveEdit() {
 }
 
 void FrmTable::closeEdit() {
+    if (txtInputValue_->isHidden()) return;
     // Hiding takes the focus away, which must not count as leaving the box.
     const bool before = committing_;
     committing_ = true;
     txtInputValue_->hide();
     committing_ = before;
+    letCursorGo();
+}
+
+void FrmTable::holdCursor() {
+    model_->holdCursor();
+    showItems();
+}
+
+void FrmTable::letCursorGo() {
+    model_->letCursorGo();
+    showItems();
 }
 
 void FrmTable::cellDoubleClicked() {
     if (!model_ || locked_ || model_->view() != TableView::Values) return;
-    model_->Set_KeyDownFlag(true);
+    holdCursor();
     openEdit(' ');
 }
 
 void FrmTable::headerDoubleClicked(int row, int column) {
     if (!model_ || locked_) return;
-    model_->Set_KeyDownFlag(true);
     const auto prompt = model_->headerPrompt(row, column);
     if (!prompt) return;
+    holdCursor();
     const auto typed = session_.dialogs().input(headerBoxTitle, *prompt, model_->grid().text(row, column));
+    letCursorGo();
     if (!typed || !model_->enterHeader(row, column, *typed)) return;
     session_.markModified();
     showAll();
@@ -666,6 +685,7 @@ void FrmTable::takeTime(QLineEdit* field) {
 
 void FrmTable::home() {
     if (!model_) return;
+    closeEdit();
     model_->home();
     showAll();
     sizeColumns();
@@ -691,6 +711,7 @@ void FrmTable::discard() {
         {"Discard Changes?", "Are you sure you want to reset the table back to it's original state?",
          Icon::Question, Buttons::YesNo});
     if (answer != Answer::Yes) return;
+    closeEdit();
     const int written = model_->cellsWritten();
     model_->restore();
     markIfWritten(written);
@@ -698,7 +719,7 @@ void FrmTable::discard() {
 }
 
 void FrmTable::toggleColors() {
-    model_->Set_KeyDownFlag(!model_->overlaySuppressed());
+    model_->toggleOverlay();
     showItems();
 }
 
@@ -728,30 +749,35 @@ void FrmTable::colorsWhiteOut() {
 }
 
 void FrmTable::invert() {
+    closeEdit();
     model_->invert();
     showAll();
     sizeColumns();
 }
 
 void FrmTable::pulsewidth() {
+    closeEdit();
     model_->togglePulsewidth();
     showAll();
     sizeColumns();
 }
 
 void FrmTable::dutyCycle() {
+    closeEdit();
     model_->toggleDutyCycle();
     showAll();
     sizeColumns();
 }
 
 void FrmTable::absolute() {
+    closeEdit();
     model_->toggleAbsolute();
     showAll();
     sizeColumns();
 }
 
 void FrmTable::resetTable() {
+    closeEdit();
     model_->reset();
     showAll();
     sizeColumns();

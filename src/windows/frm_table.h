@@ -92,7 +92,7 @@ class FrmTable : public QWidget {
         QString text;
     };
     bool gridEvent(QEvent* event);
-    bool viewportEvent(const QEvent* event) const;
+    bool viewportEvent(const QEvent* event);
     bool boxEvent(QEvent* event);
     bool timeFieldEvent(QLineEdit* field, QEvent* event);
     bool gridKey(const QKeyEvent& event);
@@ -107,6 +107,8 @@ class FrmTable : public QWidget {
     void leaveEdit();
     void closeEdit();
     void placeEdit();
+    void holdCursor();
+    void letCursorGo();
     void headerDoubleClicked(int row, int column);
     void cellDoubleClicked();
     void copy();

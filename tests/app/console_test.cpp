@@ -16,7 +16,7 @@ class ConsoleTest : public testing::Test {
  protected:
     FakeClock clock;
     Console console{clock};
-    TempFolder folder;
+    TemporaryFolder folder;
 
     std::string fileText() const {
         std::ifstream file(console.logFile(), std::ios::binary);

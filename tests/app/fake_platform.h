@@ -18,6 +18,7 @@
 #include "platform/settings_store.h"
 #include "platform/ticker.h"
 #include "platform/yield.h"
+#include "temporary_folder.h"
 
 namespace zentaq {
 
@@ -27,25 +28,6 @@ class FakeClock : public Clock {
     std::string timeText() const override { return "12:34:56"; }
     std::string dateText() const override { return "Saturday, 21 November 2026"; }
     std::int64_t nowUs = 0;
-};
-
-/// A fresh folder that goes with the object.
-class TempFolder {
- public:
-    TempFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "zentaq-test-XXXXXX").string();
-        root_ = mkdtemp(pattern.data());
-    }
-    ~TempFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(root_, ignored);
-    }
-    TempFolder(const TempFolder&) = delete;
-    TempFolder& operator=(const TempFolder&) = delete;
-    std::string path(const std::string& name = {}) const { return name.empty() ? root_ : root_ + "/" + name; }
-
- private:
-    std::string root_;
 };
 
 /// Boxes are kept and answered by `answers` in order, then by the friendly answer of their buttons.
@@ -153,7 +135,7 @@ class RecordingWindows : public WindowSet {
 
 /// A whole session on fakes; application and user folder are temporary.
 struct FakeSession {
-    TempFolder folder;
+    TemporaryFolder folder;
     FakePort port;
     ManualTicker ticker;
     FakeClock clock;

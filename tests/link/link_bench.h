@@ -16,6 +16,7 @@
 #include "live/live_values.h"
 #include "platform/scripted_port.h"
 #include "platform/settings_store.h"
+#include "temporary_folder.h"
 
 namespace zentaq {
 
@@ -65,31 +66,6 @@ inline std::string firmwareReply(std::string name, std::string firmware, std::si
     for (std::size_t i = 2; i < text.size(); ++i) sum += static_cast<unsigned char>(text[i]);
     return text + static_cast<char>(sum & 0xFF);
 }
-
-class TemporaryFolder {
- public:
-    TemporaryFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "zentaq-link-XXXXXX").string();
-        path_ = mkdtemp(pattern.data());
-    }
-    ~TemporaryFolder() { std::filesystem::remove_all(path_); }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-    std::string path(const std::string& name) const { return path_ + "/" + name; }
-    std::string write(const std::string& name, const std::string& content) const {
-        std::ofstream(path(name), std::ios::binary) << content;
-        return path(name);
-    }
-    static std::string read(const std::string& file) {
-        std::ifstream in(file, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
-    const std::string& path() const { return path_; }
-
- private:
-    std::string path_;
-};
 
 /// A yield that lets one millisecond pass: the line, one tick, and what a test wants to happen meanwhile.
 class BenchYield : public Yield {

@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "unit/unit.h"
+#include "temporary_folder.h"
 
 namespace zentaq {
 namespace {
@@ -28,28 +29,6 @@ namespace fs = std::filesystem;
 
 constexpr int filesPerSeed = 1000;
 constexpr std::size_t differencesShown = 5;
-
-/// A fresh folder, gone with the test.
-class TemporaryFolder {
- public:
-    TemporaryFolder() {
-        std::string pattern = (fs::temp_directory_path() / "zentaq-oracle-XXXXXX").string();
-        if (!mkdtemp(pattern.data())) {
-            throw std::system_error(errno, std::generic_category(), pattern);
-        }
-        path_ = pattern;
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        fs::remove_all(path_, ignored);
-    }
-    const fs::path& path() const { return path_; }
-
- private:
-    fs::path path_;
-};
 
 /// A program around the Unit object that has no user, no link and no reference data. Complete files need
 /// none.

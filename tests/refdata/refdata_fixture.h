@@ -12,28 +12,11 @@
 
 #include "refdata/database.h"
 #include "refdata/seed_builder.h"
+#include "temporary_folder.h"
 
 namespace zentaq::refdata {
 
-class TemporaryFolder {
- public:
-    TemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "zentaq-refdata-XXXXXX").string();
-        if (!mkdtemp(name.data())) throw std::runtime_error("no temporary folder");
-        path_ = name;
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    std::string file(const std::string& name) const { return (path_ / name).string(); }
-    const std::filesystem::path& path() const { return path_; }
-
- private:
-    std::filesystem::path path_;
-};
+using zentaq::TemporaryFolder;
 
 inline const std::string projectSeeds = ZENTAQ_SOURCE_DIR "/data/seeds";
 

@@ -12,8 +12,11 @@
 #include <vector>
 
 #include "sim/simulated_unit.h"
+#include "temporary_folder.h"
 
 namespace zentaq::sim::test {
+
+using zentaq::TemporaryFolder;
 
 inline Bytes bytesOf(std::string_view text) {
     return {text.begin(), text.end()};
@@ -69,21 +72,6 @@ inline std::string askText(SimulatedUnit& unit, std::string_view command) {
 inline unsigned word(const Bytes& reply, std::size_t at) {
     return reply.at(at) * 256u + reply.at(at + 1);
 }
-
-class TemporaryFolder {
- public:
-    TemporaryFolder() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "zentaq-sim-test-XXXXXX").string();
-        path_ = ::mkdtemp(pattern.data());
-    }
-    ~TemporaryFolder() { std::filesystem::remove_all(path_); }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    const std::filesystem::path& path() const { return path_; }
-
- private:
-    std::filesystem::path path_;
-};
 
 /// Sets or, with nullptr, unsets an environment variable until it goes.
 class ScopedVariable {

@@ -17,7 +17,7 @@ class Flight : public testing::Test {
     std::string name_ = "flight";
     char* argv_[2] = {name_.data(), nullptr};
     QApplication application{argc_, argv_};
-    TempFolder folder;
+    TemporaryFolder folder;
     std::string link = folder.path("unit");
     std::string memoryFile = folder.path("memory.bin");
     std::string calibration = folder.path("flight.ZQ4OA");

@@ -277,6 +277,109 @@ TEST_F(TableWindow, AnEditEndsWithTheOverlayAsItWasWhateverTheNumberOfCells) {
     EXPECT_EQ(model.toolbarItems().overlayItem, "Turn Overlay ON");
 }
 
+TEST_F(TableWindow, AnEditEndsWithTheOverlayAsItWasBeforeTheCursorWasHeld) {
+    open("VE");
+    model.holdCursor();  // a click or an arrow key
+    EXPECT_TRUE(model.overlaySuppressed());
+    ASSERT_EQ(model.keyOnGrid('5'), KeyResult::StartEdit);
+    ASSERT_TRUE(model.startEdit('5'));
+    ASSERT_TRUE(model.enterValue("5"));
+    EXPECT_FALSE(model.overlaySuppressed());
+}
+
+TEST_F(TableWindow, AnOverlayThatWasSwitchedOffStaysOffAfterEveryKindOfEdit) {
+    open("VE");
+    model.keyOnGrid('O');
+    for (const char* entry : {"5", "6"}) {
+        model.holdCursor();
+        model.keyOnGrid('5');
+        ASSERT_TRUE(model.startEdit('5'));
+        ASSERT_TRUE(model.enterValue(entry));
+        EXPECT_TRUE(model.overlaySuppressed());
+    }
+    model.keyOnGrid('.');
+    EXPECT_TRUE(model.overlaySuppressed());
+    model.silentWrite(4, 0, true);
+    EXPECT_TRUE(model.overlaySuppressed());
+    model.restore();
+    EXPECT_TRUE(model.overlaySuppressed());
+    model.letCursorGo();
+    EXPECT_TRUE(model.overlaySuppressed());
+    model.keyOnGrid('O');
+    EXPECT_FALSE(model.overlaySuppressed());
+}
+
+TEST_F(TableWindow, KeyOLetsAHeldCursorFollowAgain) {
+    open("VE");
+    model.holdCursor();
+    model.keyOnGrid('O');
+    EXPECT_FALSE(model.overlaySuppressed());
+    model.letCursorGo();
+    EXPECT_FALSE(model.overlaySuppressed());
+}
+
+TEST_F(TableWindow, RefusedEntriesHoldTheCursorUntilTheEditEnds) {
+    open("VE");
+    model.select(3, 4, 3, 4);
+    model.keyOnGrid('9');
+    ASSERT_TRUE(model.startEdit('9'));
+    for (const char* entry : {"99", "", "abc"}) {
+        EXPECT_FALSE(model.enterValue(entry));
+        EXPECT_TRUE(model.overlaySuppressed()) << entry;
+    }
+    model.letCursorGo();
+    EXPECT_FALSE(model.overlaySuppressed());
+    for (int i = 0; i < 3; ++i) {
+        model.keyOnGrid('a');
+        EXPECT_FALSE(model.startEdit('a'));
+        EXPECT_FALSE(model.overlaySuppressed()) << i;
+    }
+}
+
+TEST_F(TableWindow, AnEntryGoesToTheCellWhereTheEditBeganEvenIfTheOverlayIsSwitchedOnMeanwhile) {
+    open("VE");
+    model.select(16, 1, 16, 1);
+    model.holdCursor();
+    model.keyOnGrid('4');
+    ASSERT_TRUE(model.startEdit('4'));
+    model.toggleOverlay();
+    ASSERT_FALSE(model.overlaySuppressed());
+    model.Show_Current_Activity(1200, 40);
+    EXPECT_EQ(model.currentRow(), 16);
+    ASSERT_TRUE(model.enterValue("44"));
+    EXPECT_EQ(unit.DirectIndex(veBase), 44);
+    model.Show_Current_Activity(1200, 40);
+    EXPECT_EQ(model.currentRow(), 11);
+}
+
+TEST_F(TableWindow, LeavingTheBoxLetsTheCursorGo) {
+    open("VE");
+    model.select(16, 1, 16, 1);
+    model.holdCursor();
+    ASSERT_TRUE(model.startEdit(' '));
+    model.leaveEdit("4");
+    EXPECT_FALSE(model.overlaySuppressed());
+    model.Show_Current_Activity(1200, 40);
+    EXPECT_EQ(model.currentRow(), 11);
+}
+
+TEST_F(TableWindow, NudgingAHeldCellGoesOnInThatCell) {
+    open("VE");
+    model.select(16, 1, 16, 1);
+    model.holdCursor();
+    for (int i = 0; i < 3; ++i) {
+        model.keyOnGrid('.');
+        model.Show_Current_Activity(1200, 40);
+    }
+    EXPECT_EQ(unit.DirectIndex(veBase), 3);
+    model.letCursorGo();
+    EXPECT_FALSE(model.overlaySuppressed());
+    model.Show_Current_Activity(1200, 40);
+    model.keyOnGrid('.');  // the cell of the engine, which the cursor goes on following
+    EXPECT_EQ(unit.DirectIndex(veBase + 5 * 16 + 1), 1);
+    EXPECT_FALSE(model.overlaySuppressed());
+}
+
 // ---- Nudging
 
 TEST_F(TableWindow, FullStopAndCommaChangeByOne) {
@@ -664,6 +767,68 @@ TEST_F(TableWindow, OnlyVeIsShadedByValue) {
     EXPECT_EQ(model.grid().colour(16, 1), TableGrid::white);
     unit.AssignDirectIndex(50, stagedBase);
     open("SPW");
+    EXPECT_EQ(model.grid().colour(16, 1), TableGrid::white);
+}
+
+// Shades by hand: 256 - 256 * 25 / 50 = 128 is the rest of the other two parts at +25 and -25.
+constexpr std::int32_t halfGreen = 128 + 256 * 255 + 65536 * 128;
+constexpr std::int32_t halfRed = 255 + 256 * 128 + 65536 * 128;
+
+TEST_F(TableWindow, AShadeFollowsATypedValueAtOnce) {
+    open("VE");
+    model.select(15, 1, 16, 1);
+    ASSERT_TRUE(model.enterValue("25"));
+    EXPECT_EQ(model.grid().colour(15, 1), halfGreen);
+    EXPECT_EQ(model.grid().colour(16, 1), halfGreen);
+    EXPECT_EQ(model.grid().colour(16, 2), TableGrid::white);
+    ASSERT_TRUE(model.enterValue("0"));
+    EXPECT_EQ(model.grid().colour(16, 1), TableGrid::white);
+}
+
+TEST_F(TableWindow, AShadeFollowsInTheAbsoluteViewAndUpsideDown) {
+    open("VE");
+    model.toggleAbsolute();
+    model.invert();
+    model.select(1, 1, 1, 1);
+    ASSERT_TRUE(model.enterValue("75"));
+    // Below 100 towards red: 256 - 256 * -75 / 50 = 640, and 640 mod 256 = 128.
+    EXPECT_EQ(model.grid().colour(1, 1), halfRed);
+}
+
+TEST_F(TableWindow, AShadeFollowsANudge) {
+    unit.AssignDirectIndex(26, veBase);
+    open("VE");
+    model.select(16, 1, 16, 1);
+    model.keyOnGrid(',');
+    EXPECT_EQ(model.grid().colour(16, 1), halfGreen);
+}
+
+TEST_F(TableWindow, AShadeFollowsPastedAndSavedValues) {
+    open("VE");
+    model.select(16, 1, 16, 1);
+    model.paste("25\t-25\t99");
+    EXPECT_EQ(model.grid().colour(16, 1), halfGreen);
+    EXPECT_EQ(model.grid().colour(16, 2), halfRed);
+    EXPECT_EQ(model.grid().colour(16, 3), TableGrid::white);
+    model.moveTo(16, 4);
+    model.leaveEdit("25");
+    EXPECT_EQ(model.grid().colour(16, 4), TableGrid::white);
+    model.save();
+    EXPECT_EQ(model.grid().colour(16, 4), halfGreen);
+}
+
+TEST_F(TableWindow, APaintedCellKeepsItsPaintWhenItsValueChanges) {
+    open("VE");
+    model.Show_Current_Activity(1200, 40);
+    ASSERT_TRUE(model.enterValue("25"));
+    EXPECT_EQ(unit.DirectIndex(veBase + 5 * 16 + 1), 25);
+    EXPECT_EQ(model.grid().colour(11, 2), 0x00FFFF);
+}
+
+TEST_F(TableWindow, TypingShadesNoOtherTableThanVe) {
+    open("SPW");
+    model.select(16, 1, 16, 1);
+    ASSERT_TRUE(model.enterValue("25"));
     EXPECT_EQ(model.grid().colour(16, 1), TableGrid::white);
 }
 

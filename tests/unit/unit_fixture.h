@@ -10,6 +10,7 @@
 
 #include "unit/recording_host.h"
 #include "unit/unit.h"
+#include "temporary_folder.h"
 
 namespace zentaq::testing {
 
@@ -49,33 +50,6 @@ inline std::string recordOf(int index, const std::vector<int>& bytes) {
     std::snprintf(piece, sizeof piece, "%02X", 255 - sum % 256);
     return record + piece;
 }
-
-/// A folder of its own that vanishes with the test.
-class TemporaryFolder {
- public:
-    TemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "zentaq-XXXXXX").string();
-        path_ = ::mkdtemp(name.data());
-    }
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    std::string file(const std::string& name) const { return (path_ / name).string(); }
-    std::string path() const { return path_.string(); }
-    std::vector<std::string> names() const {
-        std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(path_)) {
-            names.push_back(entry.path().filename().string());
-        }
-        return names;
-    }
-
- private:
-    std::filesystem::path path_;
-};
 
 inline std::string contentOf(const std::string& path) {
     std::ifstream stream(path, std::ios::binary);

@@ -229,6 +229,105 @@ TEST_F(Dashboard, NoConnectPanelFollowsTheLink) {
     EXPECT_TRUE(panel->isHidden());
 }
 
+TEST_F(Dashboard, VeilLiesOverTheInstrumentsOnlyWhileAUnitIsWaitedFor) {
+    DashBoardVeil& veil = *board->panel().veil;
+    EXPECT_TRUE(veil.isHidden());
+    fire(find<QTimer>("tmrUpdate"));  // nothing has been identified yet: "Connecting..."
+    EXPECT_FALSE(veil.isHidden());
+    for (const char* text : {"Updating", "AutoVE ON"}) {
+        fake.session.link.showNoConnectPanel(text);
+        board->showLinkState();
+        EXPECT_TRUE(veil.isHidden()) << text;
+    }
+    fake.session.link.showNoConnectPanel("Connecting...");
+    board->showLinkState();
+    EXPECT_FALSE(veil.isHidden());
+    fake.session.link.hideNoConnectPanel();
+    board->showLinkState();
+    EXPECT_TRUE(veil.isHidden());
+}
+
+TEST_F(Dashboard, VeilCoversEveryDialAndReadOutButNotTheLinkPanelNorTheCodes) {
+    fire(find<QTimer>("tmrUpdate"));
+    FrmDashBoardPanel& panel = board->panel();
+    const QRect covered = panel.veil->geometry();
+    const auto placeOf = [&](const QWidget* part) {
+        return QRect(part->mapTo(&panel, QPoint(0, 0)), part->size());
+    };
+    for (const auto* label : board->findChildren<LiveLabel*>()) {
+        EXPECT_TRUE(covered.contains(placeOf(label))) << label->objectName().toStdString();
+    }
+    for (const auto* gauge : board->findChildren<GaugeWidget*>()) {
+        EXPECT_TRUE(covered.contains(placeOf(gauge))) << gauge->objectName().toStdString();
+    }
+    for (const char* name : {"lblCheckEngine", "lstGPO", "txtGPIO", "btnShowDetail"}) {
+        EXPECT_FALSE(covered.intersects(placeOf(find<QWidget>(name)))) << name;
+    }
+    const auto order = panel.children();
+    EXPECT_GT(order.indexOf(panel.fraNoConnect), order.indexOf(panel.veil));
+    EXPECT_GT(order.indexOf(panel.veil), order.indexOf(&panel.gauge("Tachometer")));
+    board->resize(1000, 240);
+    QApplication::processEvents();
+    EXPECT_TRUE(panel.veil->geometry().contains(placeOf(&panel.label("lblTemp"))));
+    EXPECT_FALSE(panel.veil->geometry().intersects(placeOf(panel.lblCheckEngine)));
+}
+
+TEST_F(Dashboard, VeiledNumbersAreDimByDayAndByNight) {
+    fire(find<QTimer>("tmrUpdate"));
+    show(frame());
+    LiveLabel& advance = board->panel().label("lblADV");  // beside the link panel, not below it
+    const QRect place(advance.mapTo(board.get(), QPoint(0, 0)), advance.size());
+    /// Lightness from the darkest to the lightest pixel of the read-out.
+    const auto contrast = [&] {
+        const QImage picture = board->grab(place).toImage();
+        int least = 255;
+        int most = 0;
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x) {
+                const int lightness = picture.pixelColor(x, y).lightness();
+                least = std::min(least, lightness);
+                most = std::max(most, lightness);
+            }
+        }
+        return most - least;
+    };
+    for (const bool day : {true, false}) {
+        day ? board->Day_Mode() : board->Night_Mode();
+        fake.session.link.showNoConnectPanel("Connecting...");
+        board->showLinkState();
+        const int veiled = contrast();
+        fake.session.link.hideNoConnectPanel();
+        board->showLinkState();
+        const int live = contrast();
+        EXPECT_GT(live, 150) << day;
+        EXPECT_LT(veiled, live / 2) << day;
+        EXPECT_GT(veiled, live / 8) << day << ": still readable";
+    }
+}
+
+TEST_F(Dashboard, VeilDrawsNoFaceAgainAndPollingUnderItPaintsNothing) {
+    show(frame());
+    QApplication::processEvents();
+    auto& tach = board->panel().gauge("Tachometer");
+    const int faces = tach.facesDrawn();
+    fire(find<QTimer>("tmrUpdate"));
+    QApplication::processEvents();
+    ASSERT_FALSE(board->panel().veil->isHidden());
+    PaintCounter veil(board->panel().veil);
+    PaintCounter dial(&tach);
+    for (int i = 0; i < 5; ++i) {
+        fire(find<QTimer>("tmrUpdate"));
+        QApplication::processEvents();
+    }
+    EXPECT_EQ(veil.paints, 0);
+    EXPECT_EQ(dial.paints, 0);
+    EXPECT_EQ(tach.facesDrawn(), faces);
+}
+
+TEST_F(Dashboard, VeilLetsClicksThrough) {
+    EXPECT_TRUE(board->panel().veil->testAttribute(Qt::WA_TransparentForMouseEvents));
+}
+
 TEST_F(Dashboard, SecondTabShowingMovesThePanelOutOfSight) {
     bool second = false;
     board->secondTabShowing([&] { return second; });

@@ -86,6 +86,18 @@ class Table : public testing::Test {
     }
     void enter() { key(Qt::Key_Return, "\r"); }
     void stand(int row, int column) { grid().setCurrentIndex(grid().model()->index(row - 1, column - 1)); }
+    /// As the mouse does it: the focus moves before the grid hears of the press.
+    void click(int row, int column) {
+        grid().setFocus(Qt::MouseFocusReason);
+        const QPointF place = grid().cellRect(row, column).center();
+        for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
+            QMouseEvent event(type, place, grid().viewport()->mapToGlobal(place), Qt::LeftButton,
+                              type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton,
+                              Qt::NoModifier);
+            QApplication::sendEvent(grid().viewport(), &event);
+        }
+    }
+    std::string overlayItem() { return form->findChild<QAction*>("Colors")->text().toStdString(); }
     void select(int top, int left, int bottom, int right) {
         const QAbstractItemModel* model = grid().model();
         stand(top, left);
@@ -408,6 +420,127 @@ TEST_F(Table, LiveCellTurnsYellowAndTheCursorFollows) {
     key(Qt::Key_Left);  // a key of the user ends the following
     form->Show_Current_Activity(2000, 40);
     EXPECT_EQ(form->model()->currentColumn(), 1);
+}
+
+TEST_F(Table, ClickedCellTakesWhatIsTypedWhileTheEngineRunsElsewhere) {
+    form->Show_Current_Activity(1000, 40);
+    click(4, 4);
+    EXPECT_EQ(overlayItem(), "Turn Overlay ON");
+    form->Show_Current_Activity(1000, 40);
+    EXPECT_EQ(form->model()->currentRow(), 4);
+    type("44");
+    form->Show_Current_Activity(1500, 45);
+    enter();
+    EXPECT_EQ(ve(12 * 16 + 3), 44);
+    EXPECT_EQ(ve(4 * 16 + 1), 0) << "the cell of the engine";
+    EXPECT_EQ(ve(5 * 16 + 2), 0);
+    EXPECT_EQ(overlayItem(), "Turn Overlay OFF");
+    form->Show_Current_Activity(1000, 40);
+    EXPECT_EQ(form->model()->currentRow(), 12);
+}
+
+TEST_F(Table, ArrowKeyThenTypingEndsWithTheOverlayAsItWas) {
+    stand(16, 1);
+    key(Qt::Key_Right);
+    EXPECT_TRUE(form->model()->overlaySuppressed());
+    type("5");
+    enter();
+    EXPECT_EQ(ve(1), 5);
+    EXPECT_FALSE(form->model()->overlaySuppressed());
+    type("O");
+    key(Qt::Key_Right);
+    type("6");
+    enter();
+    EXPECT_EQ(ve(2), 6);
+    EXPECT_TRUE(form->model()->overlaySuppressed()) << "off before, off afterwards";
+}
+
+TEST_F(Table, KeyOAndEscapeOnTheGridLetTheCursorFollowAgain) {
+    click(4, 4);
+    type("O");
+    EXPECT_EQ(overlayItem(), "Turn Overlay OFF");
+    click(4, 4);
+    key(Qt::Key_Escape);
+    EXPECT_EQ(overlayItem(), "Turn Overlay OFF");
+    form->Show_Current_Activity(1000, 40);
+    EXPECT_EQ(form->model()->currentRow(), 12);
+    type("O");
+    click(4, 4);
+    key(Qt::Key_Escape);
+    EXPECT_EQ(overlayItem(), "Turn Overlay ON") << "switched off by the user";
+}
+
+TEST_F(Table, RefusedAndEscapedEntriesGiveTheOverlayBack) {
+    for (int round = 0; round < 3; ++round) {
+        click(4, 4);
+        for (const char* entry : {"99", "88"}) {
+            type(entry);
+            enter();
+            ASSERT_TRUE(box().isVisible());
+            form->Show_Current_Activity(1000, 40);
+            EXPECT_EQ(form->model()->currentRow(), 4) << "an open box holds its cell";
+        }
+        key(Qt::Key_Escape);
+        EXPECT_EQ(overlayItem(), "Turn Overlay OFF") << round;
+        type("a");
+        EXPECT_FALSE(box().isVisible());
+        EXPECT_EQ(overlayItem(), "Turn Overlay OFF") << round;
+    }
+}
+
+TEST_F(Table, ClickOnAnotherCellEndsTheEditAndHoldsThere) {
+    click(4, 4);
+    type("7");
+    click(5, 5);
+    EXPECT_EQ(cell(4, 4), "7");
+    form->Show_Current_Activity(1000, 40);
+    EXPECT_EQ(form->model()->currentRow(), 5);
+    type("8");
+    enter();
+    EXPECT_EQ(ve(11 * 16 + 4), 8);
+    EXPECT_FALSE(form->model()->overlaySuppressed());
+}
+
+TEST_F(Table, ArrowOutOfTheBoxHoldsTheCellThatItGoesTo) {
+    click(4, 4);
+    type("7");
+    key(Qt::Key_Down);
+    ASSERT_FALSE(box().isVisible());
+    EXPECT_EQ(cell(4, 4), "7");
+    form->Show_Current_Activity(1000, 40);
+    EXPECT_EQ(form->model()->currentRow(), 5);
+}
+
+TEST_F(Table, TurningTheRowsOverEndsAnOpenEdit) {
+    click(4, 4);
+    type("7");
+    form->findChild<QAction*>("Invert")->trigger();
+    EXPECT_FALSE(box().isVisible());
+    EXPECT_FALSE(form->model()->overlaySuppressed());
+    EXPECT_EQ(cell(4, 4), "0");
+}
+
+TEST_F(Table, HeaderPromptEndsWithTheOverlayAsItWas) {
+    fake.dialogs.inputs.push_back(std::nullopt);
+    Q_EMIT grid().verticalHeader()->sectionDoubleClicked(15);
+    EXPECT_FALSE(form->model()->overlaySuppressed());
+}
+
+TEST_F(Table, LockedGridIsNotHeldByAClick) {
+    form->onFlyLock(true);
+    click(4, 4);
+    EXPECT_FALSE(form->model()->overlaySuppressed());
+    form->onFlyLock(false);
+}
+
+TEST_F(Table, TypedValueIsShadedOnTheScreenAtOnce) {
+    click(4, 4);
+    type("50");
+    enter();
+    stand(1, 1);
+    const QRect place = grid().cellRect(4, 4);
+    const QColor shown = picture(*grid().viewport()).pixelColor(place.topLeft() + QPoint(3, 3));
+    EXPECT_EQ(shown, cellColor(255 * 256, grid().mode()));
 }
 
 TEST_F(Table, LiveCellIsDrawnAtMostSixtyTimesASecond) {

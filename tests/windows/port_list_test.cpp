@@ -42,7 +42,7 @@ TEST(PortList, HasNoSimulatedUnitWithoutTheirFolder) {
 }
 
 TEST(PortList, ListsSimulatedUnitsByNameAndSkipsDeadLinksAndFiles) {
-    const TempFolder folder;
+    const TemporaryFolder folder;
     const PtyPair first;
     const PtyPair second;
     announce(folder.path(), "orbl", second.path());

@@ -21,7 +21,7 @@ using testing::IsEmpty;
 /// The port's times are driven by hand; only the bytes' way through the terminal is real.
 class SerialPortOnATerminal : public testing::Test {
  protected:
-    TempFolder folder;
+    TemporaryFolder folder;
     ManualClock clock;
     QtSerialPort port{clock, [this] { return orderedPorts(simulatedPorts(folder.path()), {}); }};
     int deliveries = 0;

@@ -19,7 +19,7 @@ namespace {
 /// Here the real clock is the thing under test, so these tests take real tenths of seconds.
 class TickerOnTheClock : public testing::Test {
  protected:
-    TempFolder folder;
+    TemporaryFolder folder;
     QtClock clock;
     QtSerialPort port{clock, [this] { return orderedPorts(simulatedPorts(folder.path()), {}); }};
     QtTicker ticker{port, clock};

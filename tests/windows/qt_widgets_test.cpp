@@ -123,7 +123,7 @@ TEST(LineModel, StartsAnewWhenTheListWasCleared) {
 }
 
 TEST(QtSettings, KeepsTextsOverARestartAndTellsAMissingKeyByItsDefault) {
-    const TempFolder folder;
+    const TemporaryFolder folder;
     {
         QtSettings settings(folder.path("settings.ini"));
         settings.set("System", "CommPort", "7");
@@ -184,7 +184,7 @@ TEST(QtDialogs, ClosingABoxByOtherMeansDeclines) {
 }
 
 TEST(QtDialogs, SavingAddsTheDefaultExtensionAsksNothingAndCreatesNothing) {
-    const TempFolder folder;
+    const TemporaryFolder folder;
     QtDialogs dialogs;
     FileRequest request;
     request.title = "Zentaq4 User Calibration Files";
