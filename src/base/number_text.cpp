@@ -77,8 +77,8 @@ std::string formatNumber(double value, std::string_view pattern) {
 
     std::size_t minimumWhole = 0;
     for (const char c : wholePattern) minimumWhole += c == '0' ? 1 : 0;
-    whole.erase(0, whole.find_first_not_of('0') == std::string::npos ? whole.size()
-                                                                       : whole.find_first_not_of('0'));
+    whole.erase(
+        0, whole.find_first_not_of('0') == std::string::npos ? whole.size() : whole.find_first_not_of('0'));
     if (whole.size() < minimumWhole) whole.insert(0, minimumWhole - whole.size(), '0');
     while (!fraction.empty() && fraction.back() == '0' && fractionPattern[fraction.size() - 1] == '#') {
         fraction.pop_back();

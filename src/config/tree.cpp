@@ -92,42 +92,18 @@ struct NodeHelp {
 
 /// The entry of table FastHelp that tells what a node's page or table is for.
 constexpr std::array nodeHelps{
-    NodeHelp{"child00", "helpblend"},
-    NodeHelp{"child01", "helpaccel"},
-    NodeHelp{"child02", "helpdecel"},
-    NodeHelp{"child03", "helpbattery"},
-    NodeHelp{"child04", "helpstart"},
-    NodeHelp{"child05", "helpwarmup"},
-    NodeHelp{"child06", "helpmatfuel"},
-    NodeHelp{"child07", "helpboost"},
-    NodeHelp{"child08", "helpbaro"},
-    NodeHelp{"child50", "helprevapp"},
-    NodeHelp{"child74", "helpCLTsen"},
-    NodeHelp{"child75", "helpMAPsen"},
-    NodeHelp{"child76", "helpTPSsen"},
-    NodeHelp{"child77", "helpEGOsen"},
-    NodeHelp{"child78", "helpMATsen"},
-    NodeHelp{"child79", "helpknksen"},
-    NodeHelp{"child80", "helpidle"},
-    NodeHelp{"child81", "helpidle"},
-    NodeHelp{"child82", "helpcltadv"},
-    NodeHelp{"child83", "helpsplit"},
-    NodeHelp{"child84", "helpmatadv"},
-    NodeHelp{"child85", "helpinitadv"},
-    NodeHelp{"child86", "helpbaro"},
-    NodeHelp{"child87", "helpmaf"},
-    NodeHelp{"child90", "helpego"},
-    NodeHelp{"child91", "helpegocal"},
-    NodeHelp{"root00", "helpadv"},
-    NodeHelp{"root001", "helpengine"},
-    NodeHelp{"root01", "helpafr"},
-    NodeHelp{"root02", "helpve"},
-    NodeHelp{"root03", "helpspw"},
-    NodeHelp{"root05", "helprevl"},
-    NodeHelp{"root06", "helpidle"},
-    NodeHelp{"root07", "helpgpio"},
-    NodeHelp{"root10", "helpknock"},
-    NodeHelp{"root11", "helptrims"},
+    NodeHelp{"child00", "helpblend"},   NodeHelp{"child01", "helpaccel"},  NodeHelp{"child02", "helpdecel"},
+    NodeHelp{"child03", "helpbattery"}, NodeHelp{"child04", "helpstart"},  NodeHelp{"child05", "helpwarmup"},
+    NodeHelp{"child06", "helpmatfuel"}, NodeHelp{"child07", "helpboost"},  NodeHelp{"child08", "helpbaro"},
+    NodeHelp{"child50", "helprevapp"},  NodeHelp{"child74", "helpCLTsen"}, NodeHelp{"child75", "helpMAPsen"},
+    NodeHelp{"child76", "helpTPSsen"},  NodeHelp{"child77", "helpEGOsen"}, NodeHelp{"child78", "helpMATsen"},
+    NodeHelp{"child79", "helpknksen"},  NodeHelp{"child80", "helpidle"},   NodeHelp{"child81", "helpidle"},
+    NodeHelp{"child82", "helpcltadv"},  NodeHelp{"child83", "helpsplit"},  NodeHelp{"child84", "helpmatadv"},
+    NodeHelp{"child85", "helpinitadv"}, NodeHelp{"child86", "helpbaro"},   NodeHelp{"child87", "helpmaf"},
+    NodeHelp{"child90", "helpego"},     NodeHelp{"child91", "helpegocal"}, NodeHelp{"root00", "helpadv"},
+    NodeHelp{"root001", "helpengine"},  NodeHelp{"root01", "helpafr"},     NodeHelp{"root02", "helpve"},
+    NodeHelp{"root03", "helpspw"},      NodeHelp{"root05", "helprevl"},    NodeHelp{"root06", "helpidle"},
+    NodeHelp{"root07", "helpgpio"},     NodeHelp{"root10", "helpknock"},   NodeHelp{"root11", "helptrims"},
     NodeHelp{"root12", "helpnotes"},
 };
 
@@ -166,9 +142,9 @@ struct TableTitle {
 };
 
 constexpr std::array titles{
-    TableTitle{"ADV", "Ignition Advance Table"},      TableTitle{"VE", "Volumetric Efficiency Table"},
-    TableTitle{"SPW", "Staged Pulsewidth"},           TableTitle{"AFR", "EGO Wideband / AFR Table"},
-    TableTitle{"GPO1", "Full Table - Table#1"},       TableTitle{"GPO2", "Full Table - Table#2"},
+    TableTitle{"ADV", "Ignition Advance Table"}, TableTitle{"VE", "Volumetric Efficiency Table"},
+    TableTitle{"SPW", "Staged Pulsewidth"},      TableTitle{"AFR", "EGO Wideband / AFR Table"},
+    TableTitle{"GPO1", "Full Table - Table#1"},  TableTitle{"GPO2", "Full Table - Table#2"},
 };
 
 }  // namespace
@@ -195,8 +171,8 @@ std::vector<TreeNode> treeNodes(Unit& unit) {
         if (row.condition != nullptr && !row.condition(unit)) continue;
         const bool oldSensor = row.key == "child75" && unit.FW_Release() < linearSensorRelease;
         nodes.push_back({std::string(row.key), textOf(row, tree, unit), std::string(row.parent),
-                         oldSensor ? oldSensorPage : row.page, std::string(row.table),
-                         tableTitle(row.table), helpOf(row.key)});
+                         oldSensor ? oldSensorPage : row.page, std::string(row.table), tableTitle(row.table),
+                         helpOf(row.key)});
     }
     return nodes;
 }

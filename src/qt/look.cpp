@@ -124,7 +124,8 @@ void applyLook(QApplication& application, DisplayMode mode) {
     application.setStyleSheet(styleSheetOf(colors));
     // A style sheet leaves the inside of a list, tree or table with the palette of the former mode.
     for (QWidget* widget : QApplication::allWidgets()) {
-        if (auto* area = qobject_cast<QAbstractScrollArea*>(widget)) area->viewport()->setPalette(area->palette());
+        if (auto* area = qobject_cast<QAbstractScrollArea*>(widget))
+            area->viewport()->setPalette(area->palette());
     }
 }
 

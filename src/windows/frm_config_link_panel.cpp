@@ -134,8 +134,8 @@ LinkPanel::LinkPanel(std::function<std::vector<PortInfo>()> ports, QWidget* pare
     grid->addWidget(send_, 0, 3);
     grid->addWidget(receive_, 0, 4);
     grid->addWidget(line1_, 1, 1, 1, 4);
-    // Four rows leave the height of a small screen to the tables: a second line of the status takes the place of
-    // the unit's facts, and a transfer's progress that of the port, which nobody changes meanwhile.
+    // Four rows leave the height of a small screen to the tables: a second line of the status takes the place
+    // of the unit's facts, and a transfer's progress that of the port, which nobody changes meanwhile.
     factsOrLine2_ = new QStackedWidget(this);
     factsOrLine2_->addWidget(makeFacts());
     factsOrLine2_->addWidget(line2_);

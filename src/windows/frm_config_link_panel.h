@@ -6,8 +6,8 @@
 #include <QFrame>
 #include <QLabel>
 #include <QProgressBar>
-#include <QStackedWidget>
 #include <QPushButton>
+#include <QStackedWidget>
 #include <functional>
 #include <vector>
 

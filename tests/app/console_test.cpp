@@ -80,7 +80,8 @@ TEST_F(ConsoleTest, TheFileGetsEverySystemLineAndNeitherPlainLinesNorAdditions) 
     console.AddtoLastLine("SUCCESS!");
     console.CommLog("comm");
     console.SysLog("two");
-    EXPECT_EQ(fileText(), "12:34:56 - one" + std::string(77, ' ') + "\n12:34:56 - two" + std::string(77, ' ') + "\n");
+    EXPECT_EQ(fileText(),
+              "12:34:56 - one" + std::string(77, ' ') + "\n12:34:56 - two" + std::string(77, ' ') + "\n");
 }
 
 TEST_F(ConsoleTest, AnUnwritableFileIsAFailureOfTheCallerAndTheLineIsOnTheConsole) {
@@ -108,7 +109,8 @@ TEST_F(ConsoleTest, TheHundredthCommLineIsKeptAndTheHundredAndFirstStandsAlone) 
 TEST_F(ConsoleTest, PanelThreeIsDueWhenTheCountIsAMultipleOfFive) {
     std::vector<bool> due;
     for (int i = 0; i < 11; ++i) due.push_back(console.CommLog("x"));
-    EXPECT_EQ(due, (std::vector<bool>{true, false, false, false, false, true, false, false, false, false, true}));
+    EXPECT_EQ(due,
+              (std::vector<bool>{true, false, false, false, false, true, false, false, false, false, true}));
 }
 
 TEST_F(ConsoleTest, SystemLinesAreNeverDeleted) {

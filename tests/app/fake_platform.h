@@ -3,9 +3,9 @@
 
 #include <unistd.h>
 
+#include <array>
 #include <cstdlib>
 #include <deque>
-#include <array>
 #include <filesystem>
 #include <string>
 #include <vector>

@@ -38,9 +38,12 @@ TEST_F(MessagesTest, EveryErrorHasItsTextAndLogLine) {
         const char *text, *logLine;
     };
     const Row rows[] = {
-        {1000, "This form cannot be printed.\nCheck Printer Setup and try again.", "Error 1000: Form Cannot Be Printed"},
-        {1001, "Port is already in use by another process.", "Error 1001: Port is in use by another process."},
-        {1002, "Not a valid BIN file!\nPlease choose another file and try again.", "Error 1002: Invalid BIN File!"},
+        {1000, "This form cannot be printed.\nCheck Printer Setup and try again.",
+         "Error 1000: Form Cannot Be Printed"},
+        {1001, "Port is already in use by another process.",
+         "Error 1001: Port is in use by another process."},
+        {1002, "Not a valid BIN file!\nPlease choose another file and try again.",
+         "Error 1002: Invalid BIN File!"},
         {1004,
          "No ORB Unit has been associated to this Bin File.\nPlease choose the ORB Unit from the List on the "
          "General Config Screen before continuing!",
@@ -50,7 +53,8 @@ TEST_F(MessagesTest, EveryErrorHasItsTextAndLogLine) {
          "connected to the system.",
          "Error 1005: Attempted Communication, No ORB Unit Found."},
         {1006,
-         "Incorrect ORB Unit is Connected to the System!\nPlease connect a unit of the proper type or open an "
+         "Incorrect ORB Unit is Connected to the System!\nPlease connect a unit of the proper type or open "
+         "an "
          "apprpriate file.",
          "Error 1006: Attempted Communication, Incorrect ORB Unit Found."},
         {1007, "No MAP sensor calibration selected.\nPlease choose a MAP sensor from the drop down below.",
@@ -89,13 +93,15 @@ TEST_F(MessagesTest, Warning1003ShowsTheCallersTextUnderItsOwnTitle) {
 
 TEST_F(MessagesTest, Warning1004And1007HaveTheirTexts) {
     messages.Display_Warning(1004);
-    EXPECT_EQ(box().text,
-              "Warning 1004: Data Input Error\nThe information you have entered is invalid; please try again.");
+    EXPECT_EQ(
+        box().text,
+        "Warning 1004: Data Input Error\nThe information you have entered is invalid; please try again.");
     messages.Display_Warning(1007);
     EXPECT_EQ(box().title, "Warning 1007");
-    EXPECT_EQ(box().text,
-              "Warning 1007:\nOlder ORB Unit firmware detected. The firmware may need to be upgraded for the unit "
-              "to work properly with the new software.");
+    EXPECT_EQ(
+        box().text,
+        "Warning 1007:\nOlder ORB Unit firmware detected. The firmware may need to be upgraded for the unit "
+        "to work properly with the new software.");
     EXPECT_THAT(log, ElementsAre("Warning 1004: Invalid Information Provided",
                                  "Warning 1007: ORB Unit needs Firmware Upgrade."));
 }
@@ -115,15 +121,18 @@ TEST_F(MessagesTest, EveryMessageHasItsTitleTextAndIcon) {
     const Row rows[] = {
         {1001, "Data Saved.", "Data has been saved Successfully!", Icon::Information},
         {1002, "Complete!",
-         "You have successfully programmed your ORB unit.\nPlease cycle the power on the unit before continuing.",
+         "You have successfully programmed your ORB unit.\nPlease cycle the power on the unit before "
+         "continuing.",
          Icon::Information},
         {1003, "Failed",
          "The BIN program operation failed.\nPlease verify that the ORB has power, the engine is off and try "
          "again.\nThe previous BIN file is still loaded.",
          Icon::Exclamation},
         {1004, "Failed",
-         "The firmware upgrade operation failed.\nPlease verify that the ORB has power and try again.\nThere is now "
-         "no firmware installed on this unit, the upgrade must be completed successfully before the unit will "
+         "The firmware upgrade operation failed.\nPlease verify that the ORB has power and try again.\nThere "
+         "is now "
+         "no firmware installed on this unit, the upgrade must be completed successfully before the unit "
+         "will "
          "function.",
          Icon::Exclamation},
         {1005, "Failed",
@@ -132,15 +141,18 @@ TEST_F(MessagesTest, EveryMessageHasItsTitleTextAndIcon) {
          Icon::Exclamation},
         {1006, "Complete!", "The datalog has been successfully downloaded.", Icon::Information},
         {1007, "Failed",
-         "The unit either has no datalog data is currently datalogging\nMake sure you datalog switch is OFF and try "
+         "The unit either has no datalog data is currently datalogging\nMake sure you datalog switch is OFF "
+         "and try "
          "again.",
          Icon::Exclamation},
         {1008, "Complete!",
-         "The BIN file MUST be loaded before starting your engine.\nThe unit may operate upredictably until the BIN "
+         "The BIN file MUST be loaded before starting your engine.\nThe unit may operate upredictably until "
+         "the BIN "
          "file is loaded.",
          Icon::Information},
         {1009, "Failed",
-         "This unit will no longer communicate.\nThe firmware upgrade operation failed.\nPlease contact Norvalia for "
+         "This unit will no longer communicate.\nThe firmware upgrade operation failed.\nPlease contact "
+         "Norvalia for "
          "repairs.",
          Icon::Exclamation},
     };
@@ -210,9 +222,10 @@ TEST_F(MessagesTest, AnAxisMustAscend) {
     EXPECT_FALSE(messages.Check_Ascending(fields, 0));
     EXPECT_TRUE(messages.Check_Ascending(fields, 2));
     EXPECT_TRUE(messages.Check_Ascending(fields, 3));
-    EXPECT_EQ(box().text,
-              "Warning 1006: Data Input Error\nThe value you entered must be higher than that of the one to the "
-              "left.\n1000 > 900 = FALSE");
+    EXPECT_EQ(
+        box().text,
+        "Warning 1006: Data Input Error\nThe value you entered must be higher than that of the one to the "
+        "left.\n1000 > 900 = FALSE");
     EXPECT_EQ(log.back(), "Warning 1006: Data Input Error / Value Lesser than Left.");
 }
 

@@ -26,7 +26,7 @@ class SessionTest : public ::testing::Test {
     std::string oldCalibration() const {
         std::vector<float> floats{3, 9.44f, 2099};
         floats.resize(3 + 2828, 0.0f);
-        floats[3 + 39] = 1;    // bar rating
+        floats[3 + 39] = 1;  // bar rating
         floats[3 + 124] = 1;
         floats[3 + 148] = 10;  // scale1, ms
         const std::string path = fake.folder.path("old.ZQ4OA");

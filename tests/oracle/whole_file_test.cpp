@@ -19,8 +19,8 @@
 #include <utility>
 #include <vector>
 
-#include "unit/unit.h"
 #include "temporary_folder.h"
+#include "unit/unit.h"
 
 namespace zentaq {
 namespace {

@@ -32,7 +32,9 @@ class UnitProcess {
  public:
     UnitProcess(const std::string& link, const std::string& memoryFile, QStringList options = {})
         : link_(link) {
-        options << "--unit" << "A" << "--link" << QString::fromStdString(link) << "--memory"
+        options << "--unit"
+                << "A"
+                << "--link" << QString::fromStdString(link) << "--memory"
                 << QString::fromStdString(memoryFile);
         process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         process_.start(QString::fromStdString(std::string(ZENTAQ_APP_DIR) + "/zentaq-sim"), options);

@@ -103,8 +103,9 @@ TEST_F(Flight, AWholeFlightFromIdentificationToTheReturnOfTheCable) {
     // The log tells the story.
     program.kernel.System_Shutdown(true);
     const std::string log = program.log();
-    for (const char* line : {"User Interface Initialized.", "Connection with ORB Established.", "ORB :: Firmware:",
-                             "Loaded Calibration: ", "ORB: Upload Successful, Program Verified!", "System Shutdown!"}) {
+    for (const char* line :
+         {"User Interface Initialized.", "Connection with ORB Established.", "ORB :: Firmware:",
+          "Loaded Calibration: ", "ORB: Upload Successful, Program Verified!", "System Shutdown!"}) {
         EXPECT_NE(log.find(line), std::string::npos) << line;
     }
 }

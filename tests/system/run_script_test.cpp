@@ -12,7 +12,8 @@ TEST(RunScript, HeadlessCheckSeesTheMainWindowAndTheIdentifiedUnit) {
 }
 
 TEST(RunScript, AnUnknownOptionIsRefusedWithTheUsage) {
-    const std::string command = std::string("cd '") + ZENTAQ_SOURCE_DIR + "' && ./run --no-such-option 2>/dev/null";
+    const std::string command =
+        std::string("cd '") + ZENTAQ_SOURCE_DIR + "' && ./run --no-such-option 2>/dev/null";
     const int status = std::system(command.c_str());
     EXPECT_EQ(WEXITSTATUS(status), 2);
 }

@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
+#include "temporary_folder.h"
 #include "unit/recording_host.h"
 #include "unit/unit.h"
-#include "temporary_folder.h"
 
 namespace zentaq::testing {
 

@@ -78,7 +78,8 @@ TEST_F(Manager, TheInsideOfListsAndTablesFollowsDayAndNight) {
     windows.nightMode();
     ASSERT_GT(night.size(), 3u);
     ASSERT_EQ(night.size(), day.size());
-    for (std::size_t i = 0; i < night.size(); ++i) EXPECT_GT(day[i].lightness(), night[i].lightness() + 100) << names[i];
+    for (std::size_t i = 0; i < night.size(); ++i)
+        EXPECT_GT(day[i].lightness(), night[i].lightness() + 100) << names[i];
     EXPECT_EQ(insides(), night);
 }
 
