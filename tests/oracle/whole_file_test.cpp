@@ -271,6 +271,29 @@ TEST_F(PublicTools, AcceptTheFileAndFindItsAddresses) {
     }
 }
 
+TEST_F(PublicTools, AcceptEveryOneOfAThousandFiles) {
+    constexpr int filesPerCall = 100;
+    ASSERT_NO_FATAL_FAILURE(generate(filesPerSeed, 4352, folder_.path()));
+    LonelyHost host(folder_.path());
+    Unit unit(orbaKind(), host);
+    for (int first = 0; first < filesPerSeed; first += filesPerCall) {
+        std::string command = "cd " + quoted(folder_.path()) + " && srec_info";
+        for (int number = first; number < first + filesPerCall; ++number) {
+            unit.FileOpen(numbered(folder_.path(), number, ".ZQ4OA").string());
+            unit.ConvertData();
+            const fs::path file = numbered(folder_.path(), number, ".ours");
+            std::ofstream(file, std::ios::binary) << unit.sRecordText();
+            command += " " + quoted(file.filename()) + " -motorola";
+        }
+        const Outcome outcome = run(command, folder_.path());
+        ASSERT_EQ(outcome.status, 0) << outcome.output;
+        std::size_t described = 0;
+        for (const std::string& line : linesOf(outcome.output))
+            described += line.find("Format:") != std::string::npos;
+        EXPECT_EQ(described, static_cast<std::size_t>(filesPerCall)) << outcome.output;
+    }
+}
+
 TEST_F(PublicTools, RefuseTheFileWithOneDigitChanged) {
     LonelyHost host(folder_.path());
     Unit unit(orbaKind(), host);
