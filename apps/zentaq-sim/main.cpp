@@ -5,6 +5,8 @@
 
 #include "sim/simulator.h"
 
+// NOLINTNEXTLINE(bugprone-exception-escape): wrong usage is caught below; what is left ends the program by
+// its text
 int main(int argc, char** argv) {
     zentaq::sim::SimulatorOptions options;
     CLI::App app{"A simulated engine controller unit on a pseudo-terminal"};

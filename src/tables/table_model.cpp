@@ -243,7 +243,7 @@ void TableModel::takeCursorToSelection() {
 }
 
 std::optional<EditStart> TableModel::startEdit(char key) {
-    const auto start = openedBy(key);
+    auto start = openedBy(key);
     if (start) editing_ = true;
     return start;
 }

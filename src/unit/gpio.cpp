@@ -93,6 +93,7 @@ void Unit::sendGpioParameter(int pin, int parameter, float value) {
     // Timed advance takes its running form for every parameter, whatever the image holds.
     if (item == nullptr && function != timedAdvance) return;
     if (const GpioByte* own = gpioOnTheFly(function, parameter, firmware)) item = own;
+    if (item == nullptr) return;
     double number = encoded(*this, *item, value);
     if (item->form == GpioForm::Frequency) {
         number = gpioFrequencyCode(value, firmware);

@@ -36,7 +36,8 @@ std::string startOf(std::string_view type, int address) {
 
 std::string Unit::onTheFlyRecord(int index, double first, int count) {
     const int value = toCount(first);
-    if (count == 2) return onTheFlyRecord(index, value / 256, static_cast<double>(value & 255));
+    const int high = value / 256;  // toward zero
+    if (count == 2) return onTheFlyRecord(index, static_cast<double>(high), static_cast<double>(value & 255));
     const int address = index + baseAddress;
     std::string record = startOf("S104", address);
     // One byte: a number of more digits, or a negative one, is sent as its low byte.

@@ -269,7 +269,8 @@ float readMapOffset(Unit& unit, const Parameter&, int) {
 }
 
 float readCylinders(Unit& unit, const Parameter&, int) {
-    return static_cast<float>((whole(unit.DirectIndex(cylindersAndEvents)) & 240) / 16);
+    const int highNibble = (whole(unit.DirectIndex(cylindersAndEvents)) & 240) / 16;
+    return static_cast<float>(highNibble);
 }
 
 float readEvents(Unit& unit, const Parameter&, int) {

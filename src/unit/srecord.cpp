@@ -34,7 +34,10 @@ std::string Unit::sRecordText() const {
         appendByte(text, address);
         for (int column = 0; column < bytesPerRow; ++column) {
             // Two digits for every element: whatever does not fit is cut to its low byte.
-            const int value = toInt32(image_[static_cast<std::size_t>(bytesPerRow * row + column)]) & 255;
+            const int value =
+                toInt32(image_.at(static_cast<std::size_t>(bytesPerRow) * static_cast<std::size_t>(row) +
+                                  static_cast<std::size_t>(column))) &
+                255;
             appendByte(text, value);
             sum += value;
         }

@@ -395,7 +395,7 @@ void FrmDashBoardPanel::fitStatusFonts() {
     QFont codes = consoleFont();
     codes.setBold(true);
     const int byHeight = static_cast<int>(lblCheckEngine->height() * 0.36);
-    const int byWidth = static_cast<int>(lblCheckEngine->width() / 7 * 1.35);
+    const int byWidth = static_cast<int>(lblCheckEngine->width() / 7.0 * 1.35);
     codes.setPixelSize(std::max(9, std::min(byHeight, byWidth)));
     lblCheckEngine->setFont(codes);
     QFont list = font();

@@ -131,6 +131,7 @@ void LiveLabel::paintDigits(QPainter& painter, const QRect& area) const {
     const double digit = digitWidth(metrics);
     const double base = area.center().y() + (metrics.capHeight() + 1) / 2;
     double right = area.right();
+    // NOLINTNEXTLINE(modernize-loop-convert): from the right, without a copy of the text
     for (auto letter = text_.crbegin(); letter != text_.crend(); ++letter) {
         const double place = placeWidth(metrics, *letter, digit);
         const double slack = place - metrics.horizontalAdvance(*letter);
