@@ -81,6 +81,7 @@ int kindOfLength(std::uintmax_t length) {
 }  // namespace
 
 bool MainCommands::offerToSave() {
+    if (!session_.DataModified) return true;
     const Answer answer =
         session_.dialogs().show({"SAVE", "Save changes?", Icon::Question, Buttons::OkCancel});
     return answer != Answer::Ok || saveChecked();
@@ -104,7 +105,7 @@ bool MainCommands::saveChecked() {
 
 void MainCommands::open() {
     // A save that was wanted and failed ends the command, so that nothing is lost.
-    if (!session_.CurrentFile.empty() && session_.DataModified && !offerToSave()) return;
+    if (!session_.CurrentFile.empty() && !offerToSave()) return;
     while (openOnce() == Next::AskAgain) {
     }
 }
@@ -287,7 +288,7 @@ void MainCommands::saveAs() {
 
 void MainCommands::close() {
     if (session_.CurrentFile.empty()) return;
-    if (session_.DataModified && !offerToSave()) return;
+    if (!offerToSave()) return;
     session_.windows().removeForms();
     session_.initializeOnFly(false);
     session_.currentUnitObject().CloseFile();
@@ -310,7 +311,7 @@ void MainCommands::programOrb() {
     if (session_.currentUnitObject().FW_Release() < session_.expectedRelease(linkedKind)) {
         messages.Display_Warning(1007);
     }
-    if (session_.DataModified && !offerToSave()) return;
+    if (!offerToSave()) return;
     session_.link.AutoPollSuspended(true);
     session_.windows().removeForms();
     endOnFailure(

@@ -18,6 +18,10 @@ class MainCommands {
     void saveAs();  ///< mnuSaveAs
     void close();   ///< mnuClose
 
+    /// Asks "Save changes?" if there are any. False when the user wanted to save and it failed: the caller
+    /// then leaves everything as it is.
+    bool offerToSave();
+
     // ---- The unit
     void programOrb();    ///< mnuProgramORB
     void killEngine();    ///< mnuMonitor_KillEngine
@@ -48,7 +52,6 @@ class MainCommands {
     void finishOpening(const std::string& path);
     void noteShortFile(const std::string& path);
     void repairOldFields();
-    bool offerToSave();
     /// Saves and tells a failure. True when the file is whole on the disk.
     bool saveChecked();
 

@@ -127,7 +127,7 @@ bool Kernel::System_Shutdown(bool confirmed) {
         const Answer answer = session_.dialogs().show(
             {"Shutdown", "Would you like to Shutdown Zentaq?", Icon::Question, Buttons::OkCancel});
         if (answer != Answer::Ok) return false;
-        if (!offerToSave()) return false;
+        if (!commands_.offerToSave()) return false;
     }
     session_.Monitoring = false;
     session_.AutoMonitoring = false;
@@ -140,19 +140,10 @@ bool Kernel::System_Shutdown(bool confirmed) {
     return true;
 }
 
-// Intended: Cancel declines the save and does not keep the program open. A save that fails does, because the
-// changes would be lost with the process.
-bool Kernel::offerToSave() {
-    if (!session_.DataModified) return true;
-    const Answer answer =
-        session_.dialogs().show({"SAVE", "Save changes?", Icon::Question, Buttons::OkCancel});
-    if (answer != Answer::Ok) return true;
-    commands_.save();
-    return !session_.DataModified;
-}
-
 void Kernel::closeRequested() {
-    if (offerToSave()) System_Shutdown(true);
+    // Intended: Cancel declines the save and does not keep the program open. A save that fails does, because
+    // the changes would be lost with the process.
+    if (commands_.offerToSave()) System_Shutdown(true);
 }
 
 }  // namespace zentaq

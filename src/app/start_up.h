@@ -21,8 +21,6 @@ class Kernel {
     void closeRequested();
 
  private:
-    /// False when the user wanted to save and it failed.
-    bool offerToSave();
     void setUpEnvironment();
     void startConsole();
     void openDatabase();
