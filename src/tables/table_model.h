@@ -123,7 +123,6 @@ class TableModel {
     /// Corners in any order.
     void select(int row, int column, int rowSel, int colSel);
     const Selection& selection() const { return selection_; }
-    void clearSelectionFlag() { selection_.present = false; }
 
     // ---- Keys and typing
     KeyResult keyOnGrid(char key);
@@ -237,7 +236,6 @@ class TableModel {
     double shadeMidpoint() const;
     void buildZones();
     void repaintRemembered();
-    void setCellText(int index, float value);
     float cellNumber(int row, int column) const;
     void takeCursorToSelection();
     bool checkTyped(std::string_view typed);
