@@ -1,17 +1,12 @@
 #include "app/main_commands.h"
 
-#include <array>
-#include <bit>
-#include <cmath>
-#include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <limits>
 
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/text.h"
 #include "config/tree.h"
+#include "unit/file_kind.h"
 
 namespace zentaq {
 
@@ -21,32 +16,9 @@ constexpr const char* openFilter =
     "Zentaq4 File|*.ZQ4*|Zentaq4 ORBL File|*.ZQ4OL|Zentaq4 PZK-2 File|*.ZQ4PZK|Zentaq4 ORBA File|*.ZQ4OA|"
     "Zentaq4 ORBd File|*.ZQ4OD|Zentaq4 ORBc File|*.ZQ4OC|Zentaq BIN file|*.BIN";
 
-/// Files from before the header existed are known by their length alone.
-struct LengthOfKind {
-    std::uintmax_t length;
-    int kind;
-};
-constexpr std::array headerlessLengths{LengthOfKind{8718, 3}, LengthOfKind{9324, 4}, LengthOfKind{9320, 6},
-                                       LengthOfKind{9316, 7}, LengthOfKind{4816, 5}};
-
-constexpr float firstKind = 3, lastKind = 8;
-
-struct Header {
-    float kind = 0, version = 0, firmware = 0;
-};
-
-/// The three floats at the head of a calibration file. Throws FileError when they cannot be read.
-Header readHeader(const std::string& path) {
-    std::array<std::uint32_t, 3> words{};
-    std::ifstream file(path, std::ios::binary);
-    file.read(reinterpret_cast<char*>(words.data()), sizeof words);
-    if (!file) throw FileError(path + " has no header");
-    static_assert(std::endian::native == std::endian::little, "files hold little-endian floats");
-    return {std::bit_cast<float>(words[0]), std::bit_cast<float>(words[1]), std::bit_cast<float>(words[2])};
-}
-
-bool isKnownKind(float kind) {
-    return kind >= firstKind && kind <= lastKind && kind == std::floor(kind);
+/// The extension of the older generation's files.
+bool isOldName(const std::string& path) {
+    return upper(extensionOf(path)) == ".BIN";
 }
 
 /// Releases are counted, not measured: 10.15 is the fifteenth of 10 and newer than 10.2.
@@ -55,6 +27,16 @@ struct Release {
 
     auto operator<=>(const Release&) const = default;
 };
+
+/// The name that a file of the older generation gets when it is saved.
+std::string todaysName(const std::string& name, const UnitKind& kind) {
+    if (!isOldName(name)) return name;
+    return name.substr(0, name.size() - extensionOf(name).size()) + std::string(kind.extension);
+}
+
+std::string corrupt(const std::string& path) {
+    return "FILE POSSIBLY CORRUPT:   " + fileNameOf(path) + "\nDo you want to enter a new filename?";
+}
 
 double countAt(const std::vector<std::string>& parts, std::size_t place) {
     return place < parts.size() ? parseNumber(parts[place]).value_or(0) : 0;
@@ -71,20 +53,19 @@ Release releaseOfProgram() {
     return {countAt(parts, 1), countAt(parts, 2)};
 }
 
-int kindOfLength(std::uintmax_t length) {
-    for (const LengthOfKind& row : headerlessLengths) {
-        if (row.length == length) return row.kind;
-    }
-    return 0;
-}
-
 }  // namespace
 
 bool MainCommands::offerToSave() {
     if (!session_.DataModified) return true;
     const Answer answer =
         session_.dialogs().show({"SAVE", "Save changes?", Icon::Question, Buttons::OkCancel});
-    return answer != Answer::Ok || saveChecked();
+    return answer != Answer::Ok || saveCurrent();
+}
+
+// A file of the older generation is never written over: nothing could read the result by its name, and the
+// user was told to use Save As.
+bool MainCommands::saveCurrent() {
+    return isOldName(session_.CurrentFile) ? saveUnderNewName() : saveChecked();
 }
 
 bool MainCommands::saveChecked() {
@@ -125,7 +106,7 @@ MainCommands::Next MainCommands::openOnce() {
     if (path.empty()) return Next::Done;
 
     const std::string extension = upper(extensionOf(path));
-    if (extension == ".BIN") {
+    if (isOldName(path)) {
         std::error_code error;
         const auto length = std::filesystem::file_size(path, error);
         return openOlder(path, error ? 0 : length);
@@ -139,63 +120,64 @@ MainCommands::Next MainCommands::openOnce() {
 }
 
 MainCommands::Next MainCommands::openOlder(const std::string& path, std::uintmax_t length) {
-    // The older generation's files are recognised by their lengths: 8704 or 8720 bytes are kind 3, 9312 kind
-    // 4, 4804 kind 5. Reading them comes with a later release of the program, so the user is told so.
-    const bool known = length == 8704 || length == 8720 || length == 9312 || length == 4804;
-    if (!known) {
+    const int slot = kindOfOldFile(length);
+    if (slot == 0) {
         return askAgain("File Format Error",
                         "INCORRECT FILE SIZE:   " + std::to_string(length) + "\nEnter a new filename?");
     }
-    return askAgain("File Format Error", "This version does not read files of the older generation yet:   " +
-                                             fileNameOf(path) + "\nEnter a new filename?");
+    session_.sysLog("Opened Bin File: " + path);
+    if (!read(slot, [&](Unit& unit) { unit.OldFileOpen(path); }))
+        return askAgain("File Read Error", corrupt(path));
+    session_.inform("This is an old format file.  You MUST do a 'Save As...' to save the file again.");
+    finishOpening(path);
+    return Next::Done;
+}
+
+bool MainCommands::read(int slot, const std::function<void(Unit&)>& file) {
+    // The former calibration stays in place until the new one has been read whole.
+    const FileHeader former = session_.header();
+    const bool whole = endOnFailure(
+        [&] {
+            session_.CurrentUnit(static_cast<float>(slot));
+            file(session_.Units(slot));
+            session_.CurrentUnit(static_cast<float>(slot));
+        },
+        [&](const std::string& why) { session_.sysLog("Calibration file not read: " + why); });
+    if (whole) {
+        session_.header().fileState = "OLD";
+    } else {
+        session_.header() = former;
+    }
+    return whole;
 }
 
 MainCommands::Next MainCommands::openCalibration(const std::string& path) {
     const std::string name = fileNameOf(path);
-    const std::string corrupt = "FILE POSSIBLY CORRUPT:   " + name + "\nDo you want to enter a new filename?";
     session_.sysLog("Opened Calibration File: " + path);
 
-    Header header;
-    std::error_code error;
-    const auto length = std::filesystem::file_size(path, error);
-    if (error || !skipFailing([&] { header = readHeader(path); }))
-        return askAgain("File Read Error", corrupt);
-
-    const bool headed = isKnownKind(header.kind);
-    const int kind = headed ? static_cast<int>(header.kind) : kindOfLength(length);
-    if (kind == 0) return askAgain("File Read Error", corrupt);
-    if (!session_.hasUnit(kind)) {
+    CalibrationFileKind file;
+    if (!skipFailing([&] { file = kindOfCalibrationFile(path); }) || file.slot == 0) {
+        return askAgain("File Read Error", corrupt(path));
+    }
+    if (!session_.hasUnit(file.slot)) {
         return askAgain("Unit Support Error",
                         "INCORRECT ORB UNIT TYPE:   " + name +
                             "\nThis file was generated by a version of Zentaq newer than this,\n"
                             "and was built for a unit not supported by this version.\n"
                             "Do you want to enter a new filename?");
     }
-    if (headed && releaseOfFile(header.version) > releaseOfProgram()) {
+    if (!file.byLength && releaseOfFile(file.programVersion) > releaseOfProgram()) {
         const Next next =
             askAgain("Version Support Error",
-                     "FILE CREATED WITH NEWER ZENTAQ:   " + formatNumber(header.version, "##.0#") +
+                     "FILE CREATED WITH NEWER ZENTAQ:   " + formatNumber(file.programVersion, "##.0#") +
                          "\nThis file was generated by a version of Zentaq newer than this\n"
                          "version.  Some features enabled in this file may not be supported.\n"
                          "Do you want to load another file?");
         if (next == Next::AskAgain) return next;  // No loads the newer file all the same
     }
 
-    // The former calibration stays in place until the new one has been read whole.
-    const FileHeader former = session_.header();
-    Unit& unit = session_.Units(kind);
-    const bool read = endOnFailure(
-        [&] {
-            session_.CurrentUnit(static_cast<float>(kind));
-            unit.FileOpen(path);
-            session_.CurrentUnit(static_cast<float>(kind));
-        },
-        [&](const std::string& why) { session_.sysLog("Calibration file not read: " + why); });
-    if (!read) {
-        session_.header() = former;
-        return askAgain("File Read Error", corrupt);
-    }
-    session_.header().fileState = "OLD";
+    if (!read(file.slot, [&](Unit& unit) { unit.FileOpen(path); }))
+        return askAgain("File Read Error", corrupt(path));
     finishOpening(path);
     return Next::Done;
 }
@@ -225,7 +207,7 @@ void MainCommands::finishOpening(const std::string& path) {
     session_.CurrentFile = path;
     session_.windows().titleChanged("Current Calibration File: " + path);
     session_.sysLog("Loaded Calibration: " + path);
-    noteShortFile(path);
+    if (!isOldName(path)) noteShortFile(path);
     session_.DataModified = false;
     if (matches && session_.Monitoring) session_.applyMonitorMode();
     // A unit that was identified before the file came takes changes from now on.
@@ -248,7 +230,7 @@ void MainCommands::noteShortFile(const std::string& path) {
 
 void MainCommands::save() {
     if (session_.CurrentFile.empty()) return;
-    saveChecked();
+    saveCurrent();
 }
 
 void MainCommands::saveAs() {
@@ -256,15 +238,19 @@ void MainCommands::saveAs() {
         session_.messages.Display_Error(1003);
         return;
     }
+    saveUnderNewName();
+}
+
+bool MainCommands::saveUnderNewName() {
     Unit& unit = session_.currentUnitObject();
     FileRequest request;
     request.title = "Zentaq4 User Calibration Files";
     request.folder = session_.platform().userFolder;
     request.filter = unit.kind().fileFilterExtension;
     request.defaultExtension = unit.kind().extension;
-    request.suggestedName = fileNameOf(session_.CurrentFile);
+    request.suggestedName = todaysName(fileNameOf(session_.CurrentFile), unit.kind());
     std::string path = session_.dialogs().saveFile(request);
-    if (path.empty()) return;
+    if (path.empty()) return false;
     if (upper(path).ends_with("BIN")) {
         path = path.substr(0, path.size() - extensionOf(path).size()) + std::string(unit.kind().extension);
     }
@@ -272,18 +258,19 @@ void MainCommands::saveAs() {
     if (std::filesystem::exists(path)) {
         const Answer answer = session_.dialogs().show(
             {"File Exists", "FILE EXISTS:   " + path + "\nOverwrite?", Icon::Exclamation, Buttons::YesNo});
-        if (answer != Answer::Yes) return;
+        if (answer != Answer::Yes) return false;
     }
     const std::string formerFile = session_.CurrentFile;
     unit.BinFile(path);
     if (!saveChecked()) {  // the former name stays in force
         unit.BinFile(formerFile);
-        return;
+        return false;
     }
     session_.CurrentFile = path;
     session_.windows().titleChanged("Current Calibration File: " + path);
     session_.FileFilterIndex = unit.kind().fileFilter;
     session_.windows().showUnit();  // the name stands on a page
+    return true;
 }
 
 void MainCommands::close() {

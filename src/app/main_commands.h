@@ -2,6 +2,8 @@
 // Windows call them and show what the session holds afterwards.
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <string>
 
 #include "app/session.h"
@@ -48,10 +50,17 @@ class MainCommands {
     Next openOnce();
     Next openCalibration(const std::string& path);
     Next openOlder(const std::string& path, std::uintmax_t length);
+    /// Reads a file into the object of a slot, which becomes the current one. False, with a line in the log,
+    /// when it cannot be read: all is as before.
+    bool read(int slot, const std::function<void(Unit&)>& file);
     Next askAgain(const std::string& title, const std::string& text);
     void finishOpening(const std::string& path);
     void noteShortFile(const std::string& path);
     void repairOldFields();
+    /// Saves to the current file, one of the older generation under a new name. False when that failed or was
+    /// cancelled.
+    bool saveCurrent();
+    bool saveUnderNewName();
     /// Saves and tells a failure. True when the file is whole on the disk.
     bool saveChecked();
 

@@ -6,6 +6,7 @@
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "base/text.h"
+#include "config/engine_facts.h"
 
 namespace zentaq {
 
@@ -149,7 +150,7 @@ std::optional<EngineFacts> Session::engine(int kind, int optionType) {
         if (!database) return;
         const auto row = database->engine(kind, optionType);
         if (!row) return;
-        facts = EngineFacts{row->minOffset, row->maxOffset, row->p2EgTp, row->editDfub, row->defaultSplit};
+        facts = engineFacts(*row);
     });
     return facts;
 }

@@ -273,7 +273,7 @@ void startNewCalibration(Unit& unit) {
         unit.FW_Build(unit.kind().defaultBuild);
     }
     FileHeader& header = unit.host().header();
-    header.currentUnit = unit.kind().fileKind;
+    header.currentUnit = static_cast<float>(unit.kind().slot);
     header.programVersion = unit.host().programVersion();
     header.firmwareCode = static_cast<float>(unit.FW_Release() * 1000 + unit.FW_Build());
     header.fileState = "NEW";

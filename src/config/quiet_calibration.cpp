@@ -1,46 +1,59 @@
 #include "config/quiet_calibration.h"
 
-#include <bit>
-#include <cmath>
 #include <cstdint>
+#include <filesystem>
+#include <system_error>
+#include <utility>
 
 #include "base/errors.h"
 #include "base/number_text.h"
-#include "unit/safe_file.h"
+#include "unit/file_kind.h"
 
 namespace zentaq {
 
 namespace {
 
-float firstNumber(const std::string& path) {
-    constexpr std::size_t header = 12;
-    const std::string bytes = readFileStart(path, header);
-    if (bytes.size() < header) throw FileError(path + " is no calibration file: it ends inside its header");
-    std::uint32_t bits = 0;
-    for (unsigned i = 0; i < 4; ++i) bits |= std::uint32_t{static_cast<std::uint8_t>(bytes[i])} << (8 * i);
-    return std::bit_cast<float>(bits);
+const UnitKind& kindOfSlot(int slot) {
+    const UnitKind* kind = unitKindOfSlot(slot);
+    if (kind == nullptr) throw FileError("Unit kind " + numberText(slot) + " is not supported");
+    return *kind;
 }
 
-const UnitKind& kindOf(const std::string& path) {
-    constexpr float firstKind = 3;
-    constexpr float lastKind = 8;
-    const float number = firstNumber(path);
-    if (!(number >= firstKind && number <= lastKind) || std::trunc(number) != number) {
+CalibrationFileKind recognised(const std::string& path) {
+    const CalibrationFileKind file = kindOfCalibrationFile(path);
+    if (file.slot == 0) {
         throw FileError(path + " is no calibration file: it does not begin with a unit kind");
     }
-    const UnitKind* kind = unitKindOfSlot(static_cast<int>(number));
-    if (kind == nullptr) {
-        throw FileError(path + " is for unit kind " + numberText(number) +
-                        ", which this version does not support");
-    }
-    return *kind;
+    return file;
+}
+
+std::uintmax_t lengthOf(const std::string& path) {
+    std::error_code error;
+    const auto length = std::filesystem::file_size(path, error);
+    if (error) throw FileError("Cannot read " + path + ": " + error.message());
+    return length;
 }
 
 }  // namespace
 
-std::unique_ptr<QuietCalibration> QuietCalibration::open(const std::string& path, const Database* database) {
-    auto calibration = std::make_unique<QuietCalibration>(kindOf(path), database);
+std::unique_ptr<QuietCalibration> QuietCalibration::open(const std::string& path, DatabaseSource database) {
+    const CalibrationFileKind file = recognised(path);
+    auto calibration = std::make_unique<QuietCalibration>(kindOfSlot(file.slot), std::move(database));
     calibration->unit.FileOpen(path);
+    calibration->host.header().currentUnit = static_cast<float>(file.slot);
+    return calibration;
+}
+
+std::unique_ptr<QuietCalibration> QuietCalibration::importOld(const std::string& path,
+                                                              DatabaseSource database) {
+    const std::uintmax_t length = lengthOf(path);
+    const int slot = kindOfOldFile(length);
+    if (slot == 0) {
+        throw FileError(path + " is no file of the older generation: no unit kind has files of " +
+                        std::to_string(length) + " bytes");
+    }
+    auto calibration = std::make_unique<QuietCalibration>(kindOfSlot(slot), std::move(database));
+    calibration->unit.OldFileOpen(path);
     return calibration;
 }
 

@@ -4,6 +4,7 @@
 
 #include "base/number_text.h"
 #include "base/text.h"
+#include "config/engine_facts.h"
 
 namespace zentaq {
 
@@ -62,15 +63,17 @@ void QuietHost::displayWarning(int code, std::string_view text) {
 }
 
 std::optional<EngineFacts> QuietHost::engine(int kind, int optionType) {
-    if (database_ == nullptr) return {};
-    const auto row = database_->engine(kind, optionType);
+    const Database* database = database_.get();
+    if (database == nullptr) return {};
+    const auto row = database->engine(kind, optionType);
     if (!row) return {};
-    return EngineFacts{row->minOffset, row->maxOffset, row->p2EgTp, row->editDfub, row->defaultSplit};
+    return engineFacts(*row);
 }
 
 std::optional<SensorFacts> QuietHost::mapSensor(int id) {
-    if (database_ == nullptr) return {};
-    const auto row = database_->mapSensor(id);
+    const Database* database = database_.get();
+    if (database == nullptr) return {};
+    const auto row = database->mapSensor(id);
     if (!row) return {};
     return SensorFacts{row->scale, row->offset, row->units};
 }

@@ -2,8 +2,10 @@
 // What a user would be told is collected as text.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "base/errors.h"
@@ -19,10 +21,25 @@ class Refused : public Failure {
     using Failure::Failure;
 };
 
+/// Where reference data comes from: an open database, none, or one that is opened when it is first asked for.
+/// A program that only reads cells must not wait for a database.
+class DatabaseSource {
+ public:
+    DatabaseSource(const Database* database = nullptr)
+        : database_(database) {}  // NOLINT: converts on purpose
+    /// `find` answers nullptr for no database; it is asked for every row.
+    explicit DatabaseSource(std::function<const Database*()> find) : find_(std::move(find)) {}
+    const Database* get() const { return find_ ? find_() : database_; }
+
+ private:
+    const Database* database_ = nullptr;
+    std::function<const Database*()> find_;
+};
+
 class QuietHost : public UnitHost {
  public:
     /// Without a database engines and sensors are unknown, as with a database file that is missing.
-    explicit QuietHost(const Database* database = nullptr) : database_(database) {}
+    explicit QuietHost(DatabaseSource database = {}) : database_(std::move(database)) {}
 
     /// The warnings of refused values, one line each.
     const std::vector<std::string>& refusals() const { return refusals_; }
@@ -58,7 +75,7 @@ class QuietHost : public UnitHost {
  private:
     bool refuse(int code, std::string_view text);
 
-    const Database* database_;
+    DatabaseSource database_;
     FileHeader header_;
     bool firmwareKnown_ = false;
     std::vector<std::string> refusals_;

@@ -233,6 +233,7 @@ void Link::loseLink(FirmwareRestore restore) {
     if (restore == FirmwareRestore::Always || linked_.LinkedUnitKind != 0) {
         skipFailing([&] { restoreFileFirmware(); });
     }
+    linkedUnit().gpioListRead(false);
     linked_.LinkedUnitKind = 0;
     linked_.FirmwareTold = false;
     linked_.UnitIdentified = false;

@@ -1,14 +1,12 @@
 // What each reply means: identification, live frames, codes, the ends of a transfer, one datalog record.
 // A fault while handling a reply ends the handler and the command; nothing else is undone.
 #include <algorithm>
-#include <span>
 
 #include "base/errors.h"
 #include "base/number_text.h"
-#include "base/rounding.h"
-#include "base/text.h"
 #include "link/link.h"
 #include "link/link_commands.h"
+#include "link/reply_decoding.h"
 #include "live/datalog_writer.h"
 #include "live/frame_decoder.h"
 
@@ -16,25 +14,7 @@ namespace zentaq {
 
 namespace {
 
-constexpr std::string_view marker = "\xFA\xA5";
-constexpr std::uint8_t currentFormat = 0x55;
-constexpr std::uint8_t octalFormat = 0x54;
 constexpr int orbaKindNumber = 3;
-/// The high byte of engine speed in a record: above 82 (21000 rpm) it can be no record, so it marks the end.
-constexpr int highestRecordByte = 82;
-
-struct SerialRange {
-    std::int32_t first;
-    std::int32_t last;
-    int slot;
-    std::string_view label;
-};
-
-constexpr SerialRange serialRanges[] = {
-    {10, 9999, 3, "A"},        {200000, 209999, 3, "A"},     {300000, 309999, 4, "L"},
-    {350000, 359999, 6, "C"},  {500000, 509999, 5, "PZK-2"}, {700000, 709999, 7, "D"},
-    {750000, 759999, 8, "D6"},
-};
 
 /// From which release a kind answers W, and from which it is asked for its configuration. 0: never.
 struct MonitorRule {
@@ -47,70 +27,8 @@ constexpr MonitorRule monitorRules[] = {
     {3, 5, 5}, {4, 7, 7}, {5, 0, 5}, {6, 3, 3}, {7, 5, 5}, {8, 5, 5},
 };
 
-/// From which firmware on byte 18 of the configuration tells hasPIC18.
-struct Pic18Rule {
-    int slot;
-    int release;
-    int build;
-};
-
-constexpr Pic18Rule pic18Rules[] = {{4, 7, 0}, {5, 4, 6}};
-
-/// Values for a dashboard that has no calibration to read them from.
-struct DashboardDefault {
-    std::string_view member;
-    float value;
-};
-
-constexpr DashboardDefault dashboardDefaults[] = {
-    {"REV_Limiter", 8500}, {"MaxDuty", 255}, {"MinDuty", 1}, {"PHDSEQ", 0}, {"Engine_Type", 0},
-};
-
-constexpr std::string_view subTypeLabels[] = {"A Std", "A 6/12", "A r"};
-
 std::string headerOf(const std::vector<std::uint8_t>& reply) {
     return {static_cast<char>(reply.at(0)), static_cast<char>(reply.at(1))};
-}
-
-std::uint32_t bigEndian32(const std::vector<std::uint8_t>& reply, std::size_t first) {
-    std::uint32_t number = 0;
-    for (std::size_t i = first; i < first + 4; ++i) number = number << 8 | reply.at(i);
-    return number;
-}
-
-/// The decimal digits of the result are the octal digits of `number`. Throws Overflow beyond 32 bits.
-std::int32_t octalDigitsAsDecimal(std::uint32_t number) {
-    double result = 0;
-    double place = 1;
-    for (int i = 0; i <= 10; ++i, place *= 10, number /= 8) result += (number & 7) * place;
-    return toInt32(result);
-}
-
-std::string rawText(const std::vector<std::uint8_t>& reply, std::size_t first, std::size_t count) {
-    std::string text;
-    for (std::size_t i = first; i < first + count; ++i) text += static_cast<char>(reply.at(i));
-    return text;
-}
-
-/// Single bytes of the unit as the core's text: characters 128 to 255 take two bytes each.
-std::string shownText(std::string_view raw) {
-    std::string text;
-    for (const char character : raw) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (byte < 0x80) {
-            text += character;
-        } else {
-            text += static_cast<char>(0xC0 | byte >> 6);
-            text += static_cast<char>(0x80 | (byte & 0x3F));
-        }
-    }
-    return text;
-}
-
-bool sumIsRight(const std::vector<std::uint8_t>& reply, int length) {
-    unsigned sum = 0;
-    for (int i = 2; i <= length - 2; ++i) sum += reply.at(static_cast<std::size_t>(i));
-    return (sum & 0xFF) == reply.at(static_cast<std::size_t>(length - 1));
 }
 
 }  // namespace
@@ -165,7 +83,7 @@ void Link::replyGpio(const Reply& reply) {
 
 void Link::replyWideFrame(const Reply& reply) {
     Unit& unit = linkedUnit();
-    const bool right = sumIsRight(reply, unit.kind().sizes.wCmdLen);
+    const bool right = frameSumIsRight(reply, unit.kind().sizes.wCmdLen);
     if (right) decoder_.MonitorW(unit, reply);
     currentCommand_.clear();
     if (right) host_.frameDecoded();
@@ -223,7 +141,7 @@ void Link::replyIdentify(const Reply& reply) {
     }
     if (linked_.LinkedUnitKind != 0) host_.unitKindFound(linked_.LinkedUnitKind);
     fillDashboardDefaults();
-    if (responseHeader_ != marker) {
+    if (!hasMarker(reply)) {
         acceptUnit("ORB Unit Found but must be upgraded!");
         linked_.OldFirmware = true;
     } else {
@@ -234,21 +152,14 @@ void Link::replyIdentify(const Reply& reply) {
 }
 
 bool Link::readSerialNumber(const Reply& reply) {
-    const std::uint8_t format = reply.at(2);
-    const bool marked = responseHeader_ == marker;
-    if (marked && format == currentFormat) {
-        linked_.SerialNumber = static_cast<std::int32_t>(bigEndian32(reply, 3));
+    const auto serial = decodeSerial(reply);
+    if (!serial) return false;
+    linked_.SerialNumber = serial->serialNumber;
+    if (serial->oldFirmware) {
+        warnOldFirmware();
+    } else {
         linked_.OldFirmware = false;
-        return true;
     }
-    if (marked && format == octalFormat) {
-        linked_.SerialNumber = octalDigitsAsDecimal(bigEndian32(reply, 3));
-        linked_.OldFirmware = false;
-        return true;
-    }
-    if (reply.at(4) != 'A' || reply.at(5) != 'X') return false;
-    linked_.SerialNumber = octalDigitsAsDecimal(bigEndian32(reply, 0));
-    warnOldFirmware();
     return true;
 }
 
@@ -267,9 +178,8 @@ void Link::warnOldFirmware() {
 bool Link::findUnitKind() {
     const std::int32_t number = linked_.SerialNumber;
     if (number == 0) return true;
-    const auto range = std::ranges::find_if(
-        serialRanges, [&](const SerialRange& row) { return number >= row.first && number <= row.last; });
-    if (range == std::end(serialRanges)) {
+    const SerialRange* range = unitOfSerial(number);
+    if (range == nullptr) {
         discardInput();
         linked_.SerialNumber = 0;
         return false;
@@ -280,11 +190,7 @@ bool Link::findUnitKind() {
 }
 
 void Link::fillDashboardDefaults() {
-    Unit& unit = linkedUnit();
-    if (!unit.BinFile().empty()) return;
-    for (const DashboardDefault& row : dashboardDefaults) {
-        unit.store(row.member, row.value);
-    }
+    if (linkedUnit().BinFile().empty()) storeDashboardDefaults(linkedUnit());
 }
 
 void Link::acceptUnit(std::string_view text) {
@@ -301,32 +207,32 @@ void Link::acceptUnit(std::string_view text) {
 // ---- B
 
 void Link::replyFirmware(const Reply& reply) {
-    linked_.UnitBinName = shownText(rawText(reply, 3, 24));
+    linked_.UnitBinName = unitBinName(reply);
     storeFirmware(reply);
     warnUnitMismatch();
     warnNewFirmware();
-    if (linked_.LinkedUnitKind == orbaKindNumber) showSubType(reply.at(37));
+    if (linked_.LinkedUnitKind == orbaKindNumber) showSubType(unitSubType(reply));
     show(&LinkStatus::panel3, linkedUnit().FirmWare());
     log("ORB :: BinFile : " + linked_.UnitBinName);
     linked_.UnitIdentified = true;
+    linkedUnit().gpioListRead(true);
     if (linked_.LinkedUnitKind == host_.currentUnit()) host_.initializeOnFly(true);
     askForConfiguration();
     currentCommand_.clear();
 }
 
 void Link::storeFirmware(const Reply& reply) {
-    const std::string raw(trimmed(rawText(reply, 27, 10)));
+    const std::string raw = firmwareBytes(reply);
     const std::string shown = shownText(raw);
     log("ORB :: Firmware: " + shown);
     show(&LinkStatus::firmware, shown);
     Unit& unit = linkedUnit();
     unit.FirmWare(shown);
-    const int build = toInt16(numberOf(raw.substr(7, 3)));
-    const int release = toInt16(numberOf(raw.substr(5, 2)));
+    const FirmwareNumber firmware = firmwareNumber(raw);
     // Before the release is stored: storing it brings a calibration in hand to this firmware.
     linked_.FirmwareTold = true;
-    unit.FW_Build(build);
-    unit.FW_Release(release);
+    unit.FW_Build(firmware.build);
+    unit.FW_Release(firmware.release);
 }
 
 void Link::warnUnitMismatch() {
@@ -352,7 +258,8 @@ void Link::warnNewFirmware() {
 }
 
 void Link::showSubType(int subType) {
-    if (subType < std::ssize(subTypeLabels)) show(&LinkStatus::unitLabel, subTypeLabels[subType]);
+    const std::string_view label = subTypeLabel(subType);
+    if (!label.empty()) show(&LinkStatus::unitLabel, label);
     linked_.UnitSubType = subType + 1;
 }
 
@@ -370,21 +277,17 @@ void Link::askForConfiguration() {
 void Link::replyConfiguration(const Reply& reply) {
     Unit& unit = linkedUnit();
     unit.hasPIC18(false);
-    const auto rule = std::ranges::find(pic18Rules, linked_.LinkedUnitKind, &Pic18Rule::slot);
-    if (rule != std::end(pic18Rules) &&
-        std::pair(unit.FW_Release(), unit.FW_Build()) >= std::pair(rule->release, rule->build)) {
-        unit.hasPIC18((reply.at(18) & 1) != 0);
-    }
+    const auto pic18 = decodePic18(reply, linked_.LinkedUnitKind, {unit.FW_Release(), unit.FW_Build()});
+    if (pic18) unit.hasPIC18(*pic18);
     currentCommand_.clear();
 }
 
 // ---- D
 
 void Link::replyDatalogRecord(const Reply& reply) {
-    const bool marked = responseHeader_ == marker;
-    if (marked && reply.at(3) > highestRecordByte) return endDownload();
+    if (isEndOfLog(reply)) return endDownload();
     ++transferLines_;
-    if (!marked) {
+    if (!hasMarker(reply)) {
         // No message: the download stalls and ends by its time-out.
         currentCommand_.clear();
         return;

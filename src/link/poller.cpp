@@ -50,8 +50,7 @@ void Poller::searchUnit() {
 }
 
 void Poller::pollUnit() {
-    if (!link_.AutoPollSuspended())
-        queuePolls(gpioRequired_ ? gpioRequired_() : link_.linkedUnit().GPIO_Req());
+    if (!link_.AutoPollSuspended()) queuePolls(link_.linkedUnit().GPIO_Req());
     link_.hideNoConnectPanel();
     if (updateDisplay_) updateDisplay_();
 }

@@ -28,9 +28,6 @@ class Poller {
     /// One firing of tmrUpdate.
     void fire(const PollerView& view);
 
-    /// Replaces GPIO_Req of the linked unit as the source of whether I is polled.
-    void gpioRequired(std::function<bool()> required) { gpioRequired_ = std::move(required); }
-
     int ConnectCount() const { return connectCount_; }
     int GPIOCount() const { return gpioCount_; }
     int CodeCount() const { return codeCount_; }
@@ -44,7 +41,6 @@ class Poller {
     Link& link_;
     std::function<void()> refreshCodes_;
     std::function<void()> updateDisplay_;
-    std::function<bool()> gpioRequired_;
     int connectCount_ = 0;
     int gpioCount_ = 0;
     int codeCount_ = 0;

@@ -170,8 +170,8 @@ void addPins(std::vector<DashboardReading>& readings, const Source& source) {
         std::string caption = "GPIO" + numberText(pin + 1);
         skipFailing([&] {
             const int function = source.unit.Get_GPIOFUNC(pin);
-            const std::string name = Unit::GPIO_Function_Name(function);
-            if (name != Unit::GPIO_Function_Name(0)) caption += " " + name;
+            const std::string name = source.unit.GPIO_Function_Name(function);
+            if (name != source.unit.GPIO_Function_Name(0)) caption += " " + name;
         });
         readings.push_back({"GPIO" + numberText(pin + 1), caption, source.unit.GPIODisplay[at], ""});
     }

@@ -18,7 +18,7 @@ constexpr std::string_view lineEnd = "\r\n";
 constexpr int pinFunctions = 16;
 constexpr int livePins = 9;
 constexpr int pinColumns = 20;
-constexpr int datalogEnable = 15;  ///< pin function whose parameter 1 is the log rate
+constexpr int datalogEnable = 15;  ///< pin function whose parameter 2 is the log rate
 constexpr double ticksPerSecond = 50;
 
 constexpr int asItStands = -1;
@@ -98,7 +98,7 @@ int functionOf(const Unit& unit, int pin) {
 double logRateHz(const Unit& unit) {
     for (int pin = 0; pin <= unit.kind().numGpio; ++pin) {
         if (functionOf(unit, pin) != datalogEnable) continue;
-        const float rate = unit.Get_GPIO_Param(pin, 1);
+        const float rate = unit.Get_GPIO_Param(pin, 2);
         if (rate > 0) return rate;
     }
     return ticksPerSecond;

@@ -1,5 +1,6 @@
 #include "live/frame_decoder.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <variant>
@@ -320,9 +321,9 @@ const std::array kinds{
     KindFrames{8, narrowOfOthers, false, false, true, 8},
 };
 
-const KindFrames* framesOf(const Unit& unit) {
+const KindFrames* framesOf(const UnitKind& unitKind) {
     for (const KindFrames& kind : kinds) {
-        if (kind.slot == unit.kind().slot) return &kind;
+        if (kind.slot == unitKind.slot) return &kind;
     }
     return nullptr;
 }
@@ -379,7 +380,7 @@ void showPins(Unit& unit, int last) {
 }  // namespace
 
 void FrameDecoder::Monitor(Unit& unit, std::span<const std::uint8_t> reply) {
-    const KindFrames* frames = framesOf(unit);
+    const KindFrames* frames = framesOf(unit.kind());
     if (frames == nullptr) return;
     decode(frames->narrowFrame, unit, live_, reply);
     showPins(unit, lastPin(unit.kind()));
@@ -403,17 +404,47 @@ void FrameDecoder::MonitorW(Unit& unit, std::span<const std::uint8_t> reply) {
 }
 
 void FrameDecoder::Monitor_GPIO(Unit& unit, std::span<const std::uint8_t> reply) {
-    const KindFrames* frames = framesOf(unit);
+    const KindFrames* frames = framesOf(unit.kind());
     if (frames == nullptr || !frames->hasPinReply) return;
     decodePins(unit, reply, 3, frames->lastPinOfReply);
     showPins(unit, frames->lastPinOfReply);
 }
 
 void FrameDecoder::Internal_Data_Conv(Unit& unit, std::span<const std::uint8_t> reply) {
-    const KindFrames* frames = framesOf(unit);
+    const KindFrames* frames = framesOf(unit.kind());
     if (frames == nullptr || !frames->hasInternalLog) return;
     decode(internalRecord, unit, live_, reply);
     ++live_.frames;
+}
+
+namespace {
+
+struct Collect {
+    FrameContent& content;
+
+    void operator()(Number number) const { content.values.emplace_back(number); }
+    void operator()(Lamp lamp) const { content.values.emplace_back(lamp); }
+    void operator()(Pin pin) const { content.pins.push_back(pin.index); }
+};
+
+FrameContent contentOf(FrameTable table, int last = -1) {
+    FrameContent content;
+    for (const FrameRow& row : table) std::visit(Collect{content}, row.target);
+    for (int pin = 0; pin <= last; ++pin) content.pins.push_back(pin);
+    std::ranges::sort(content.pins);
+    return content;
+}
+
+}  // namespace
+
+std::optional<FrameContent> contentOfFrame(const UnitKind& kind, char command) {
+    const KindFrames* frames = framesOf(kind);
+    if (frames == nullptr) return {};
+    if (command == 'F') return contentOf(frames->narrowFrame);
+    if (command == 'W' && kind.hasWideMonitor) return contentOf(wideFrame, lastPin(kind));
+    if (command == 'I' && frames->hasPinReply) return contentOf({}, frames->lastPinOfReply);
+    if (command == 'D' && frames->hasInternalLog) return contentOf(internalRecord);
+    return {};
 }
 
 }  // namespace zentaq

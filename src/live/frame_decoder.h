@@ -3,9 +3,12 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
+#include "live/live_fields.h"
 #include "live/live_values.h"
 #include "unit/unit.h"
 
@@ -27,5 +30,13 @@ class FrameDecoder {
  private:
     LiveValues& live_;
 };
+
+/// What a reply of a kind carries.
+struct FrameContent {
+    std::vector<LiveTarget> values;  ///< in the order of the bytes
+    std::vector<int> pins;           ///< ascending, from 0
+};
+/// `command` 'F', 'W', 'I' or 'D'. Nothing where units of the kind give no such reply, or none that is read.
+std::optional<FrameContent> contentOfFrame(const UnitKind& kind, char command);
 
 }  // namespace zentaq

@@ -1,17 +1,16 @@
 #include <algorithm>
 #include <array>
-#include <bit>
-#include <cstdint>
 #include <filesystem>
 #include <system_error>
-#include <tuple>
 #include <utility>
 #include <vector>
 
 #include "base/errors.h"
 #include "base/rounding.h"
+#include "unit/file_floats.h"
 #include "unit/legacy_sensor.h"
 #include "unit/parameter_rules.h"
+#include "unit/rollback.h"
 #include "unit/safe_file.h"
 #include "unit/unit.h"
 
@@ -20,36 +19,14 @@ namespace zentaq {
 namespace {
 
 constexpr std::size_t headerFloats = 3;
-constexpr std::size_t floatBytes = 4;
 /// One value more than a calibration holds is enough to tell that a file is too long.
 constexpr std::size_t longestFile = (headerFloats + Unit::cellCount + 1) * floatBytes;
 constexpr int firstLinearRelease = 3;
-constexpr int lastReleaseInCode = 5;  ///< the code has no room for later releases
-constexpr int scale1Cell = 148;
-constexpr int injOnCell = 150;
-constexpr int mapIdCell = 128;
-constexpr int legacyBarCell = 39;
 
 constexpr std::string_view customSensorText =
     "Your BIN file appears to use a custom MAP sensor.\n"
     "Your tune has been preserved, but the senor must be defined to give accurate readings.\n"
     "You can define the customer sensor under Sensor Parameters->MAP and selecting the Custom button.";
-constexpr std::string_view migratedText =
-    "Your BIN file has been updated to work with this firmware.\n"
-    "You should do a Save As... and reprogram your unit.";
-
-void appendFloat(std::string& bytes, float value) {
-    const auto bits = std::bit_cast<std::uint32_t>(value);
-    for (unsigned shift = 0; shift < 32; shift += 8) bytes += static_cast<char>((bits >> shift) & 255U);
-}
-
-float floatAt(std::string_view bytes, std::size_t index) {
-    std::uint32_t bits = 0;
-    for (std::size_t i = 0; i < floatBytes; ++i) {
-        bits |= std::uint32_t{static_cast<std::uint8_t>(bytes[index * floatBytes + i])} << (8 * i);
-    }
-    return std::bit_cast<float>(bits);
-}
 
 struct FileContent {
     float unitKind = 0;
@@ -86,24 +63,6 @@ int releaseOf(float code) {
 bool isLinear(int release) {
     return release >= firstLinearRelease;
 }
-
-/// Undoes what it has seen when a repair fails half way.
-template <typename... Fields>
-class Rollback {
- public:
-    explicit Rollback(Fields&... fields) : fields_(fields...), saved_(fields...) {}
-    ~Rollback() {
-        if (armed_) fields_ = saved_;
-    }
-    Rollback(const Rollback&) = delete;
-    Rollback& operator=(const Rollback&) = delete;
-    void keep() { armed_ = false; }
-
- private:
-    std::tuple<Fields&...> fields_;
-    std::tuple<Fields...> saved_;
-    bool armed_ = true;
-};
 
 }  // namespace
 
@@ -156,7 +115,7 @@ void Unit::FW_Release(int release) {
     const int from = std::exchange(release_, release);
     const FileHeader& header = host_.header();
     // A release of 0 is no release yet, and without a calibration in hand there is nothing to move.
-    if (from == 0 || header.currentUnit != kind_.fileKind) return;
+    if (from == 0 || header.currentUnit != static_cast<float>(kind_.slot)) return;
     // The code tells what the cells are made for. A unit of the other generation that came and went must not
     // have them moved back from where they never were.
     if (header.firmwareCode != 0 && isLinear(releaseOf(header.firmwareCode)) == isLinear(release_)) return;
@@ -165,11 +124,14 @@ void Unit::FW_Release(int release) {
 }
 
 void Unit::repairSensor(int fromRelease) {
-    if (isLinear(fromRelease) || !isLinear(release_)) return;
+    if (!isLinear(fromRelease) && isLinear(release_)) adoptSensor(rules::mapBar(*this));
+}
+
+void Unit::adoptSensor(float bar) {
+    if (!isLinear(release_)) return;
     constexpr int customSensor = 4;
-    const float bar = rules::mapBar(*this);
     const bool rated = bar == 1 || bar == 2 || bar == 3 || bar == 4;
-    cellAt(mapIdCell) = rated ? bar : customSensor;
+    cellAt(kind_.cells.mapId) = rated ? bar : customSensor;
     if (!rated) host_.inform(customSensorText);
     const auto sensor = host_.mapSensor(rated ? static_cast<int>(bar) : customSensor);
     if (!sensor) return;
@@ -179,6 +141,7 @@ void Unit::repairSensor(int fromRelease) {
 }
 
 void Unit::seedStopPoints() {
+    if (!kind_.cells.hasAxisWords) return;
     constexpr int stops = 16;
     constexpr int rowStops1 = 2226;
     constexpr int columnStops1 = 2242;
@@ -206,6 +169,7 @@ void Unit::seedStopPoints() {
 }
 
 void Unit::seedShape() {
+    if (!kind_.cells.hasAxisWords) return;
     constexpr int axisWord1 = 2290;
     constexpr int axisWord2 = 2291;
     constexpr int oldSize = 16;
@@ -224,26 +188,37 @@ void Unit::seedShape() {
 
 void Unit::migrateInjectors(int fromRelease) {
     const bool up = isLinear(release_);
+    if (kind_.cells.scale1 == CellMap::none) return;
     if (up == isLinear(fromRelease) || !host_.firmwareKnownFromLink()) return;
-    rules::mapBar(*this);  // repairs a rating of 0
-    const auto [k, l] = legacySensor(toInt16(cellAt(legacyBarCell)));
-    const double scale = cellAt(scale1Cell);
-    const double zero = scale * (l / 1023);
-    float& injOn = cellAt(injOnCell);
-    injOn = static_cast<float>(up ? injOn + zero : injOn - zero);
-    cellAt(scale1Cell) = static_cast<float>(roundTo(up ? scale * k : scale / k, 3));
+    scaleInjectors(up);
     host_.header().firmwareCode = static_cast<float>(release_ * 1000 + build_);
-    host_.inform(migratedText);
+    tellMigrated();
+}
+
+void Unit::scaleInjectors(bool up) {
+    if (kind_.cells.scale1 == CellMap::none) return;
+    rules::mapBar(*this);  // repairs a rating of 0
+    const auto [k, l] = legacySensor(toInt16(cellAt(kind_.cells.legacyBar)));
+    const double scale = cellAt(kind_.cells.scale1);
+    const double zero = scale * (l / 1023);
+    float& injOn = cellAt(kind_.cells.injectorOn);
+    injOn = static_cast<float>(up ? injOn + zero : injOn - zero);
+    cellAt(kind_.cells.scale1) = static_cast<float>(roundTo(up ? scale * k : scale / k, 3));
+}
+
+void Unit::tellMigrated() {
+    host_.inform(
+        "Your BIN file has been updated to work with this firmware.\n"
+        "You should do a Save As... and reprogram your unit.");
 }
 
 void Unit::seedBaroTrim() {
-    constexpr int baroTrim = 138;
-    constexpr int ratio = 2225;
+    if (kind_.cells.baroTrim == CellMap::none) return;
     static constexpr std::array<float, 8> trims = {-50, -43, -35, -28, -20, -13, -5, 3};
-    const auto first = cells_.begin() + baroTrim;
+    const auto first = cells_.begin() + kind_.cells.baroTrim;
     if (std::any_of(first, first + trims.size(), [](float cell) { return cell != 0; })) return;
     std::ranges::copy(trims, first);
-    cellAt(ratio) = 14.64F;
+    cellAt(kind_.cells.ratio) = 14.64F;
 }
 
 // ---- Writing
@@ -251,7 +226,8 @@ void Unit::seedBaroTrim() {
 void Unit::SaveFile() {
     if (!kind_.hasCalibration) return;
     storeControlBytes();
-    const bool unknown = (release_ == 0 && build_ == 0) || release_ > lastReleaseInCode;
+    // The newest release of a kind is the last that its code has room for.
+    const bool unknown = (release_ == 0 && build_ == 0) || release_ > kind_.defaultRelease;
     const int release = unknown ? kind_.defaultRelease : release_;
     const int build = unknown ? kind_.defaultBuild : build_;
     const auto firmwareCode = static_cast<float>(release * 1000 + build);

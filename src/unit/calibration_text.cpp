@@ -10,9 +10,7 @@ namespace zentaq {
 
 namespace {
 
-constexpr int nameCell = 560;
 constexpr int nameLength = 24;
-constexpr int notesCell = 2327;
 constexpr int notesLength = 500;
 constexpr std::string_view emptyNotes = "Write any useful information here.     (Limit 500 Characters)";
 
@@ -72,7 +70,7 @@ std::string Unit::BiName() const {
     if (!kind_.hasCalibration) return {};
     std::string name;
     for (int i = 0; i < nameLength; ++i) {
-        const char32_t character = characterOf(cellAt(nameCell + i));
+        const char32_t character = characterOf(cellAt(kind_.cells.name + i));
         appendCharacter(name, character == 0 ? U' ' : character);
     }
     return name;
@@ -90,14 +88,15 @@ void Unit::BiName(std::string_view path) {
     for (int i = 0; i < nameLength; ++i) {
         // The unit keeps one byte a character.
         const char32_t character = characters[static_cast<std::size_t>(i)];
-        cellAt(nameCell + i) = static_cast<float>(character > 255 ? U'?' : character);
+        cellAt(kind_.cells.name + i) = static_cast<float>(character > 255 ? U'?' : character);
     }
 }
 
 std::string Unit::NOTES_TEXT() const {
+    if (!kind_.hasCalibration) return {};
     std::string notes;
     for (int i = 0; i < notesLength; ++i) {
-        if (const char32_t character = characterOf(cellAt(notesCell + i)); character != 0) {
+        if (const char32_t character = characterOf(cellAt(kind_.cells.notes + i)); character != 0) {
             appendCharacter(notes, character);
         }
     }
@@ -109,7 +108,7 @@ void Unit::NOTES_TEXT(std::string_view text) {
     std::u32string characters = charactersOf(text);
     characters.resize(notesLength, U'\0');
     for (int i = 0; i < notesLength; ++i) {
-        cellAt(notesCell + i) = static_cast<float>(characters[static_cast<std::size_t>(i)]);
+        cellAt(kind_.cells.notes + i) = static_cast<float>(characters[static_cast<std::size_t>(i)]);
     }
 }
 

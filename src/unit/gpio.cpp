@@ -1,9 +1,12 @@
 #include <array>
+#include <cmath>
 
 #include "base/errors.h"
 #include "base/rounding.h"
 #include "unit/counts.h"
+#include "unit/gpio_functions.h"
 #include "unit/gpio_image.h"
+#include "unit/gpio_pins.h"
 #include "unit/unit.h"
 
 namespace zentaq {
@@ -11,36 +14,7 @@ namespace zentaq {
 namespace {
 
 constexpr int blockCells = 9;
-constexpr int timedAdvance = 20;
-constexpr int pollablePins = 8;
 constexpr int tableCells = 256;
-constexpr std::array<int, 2> tableFirst = {1680, 1936};
-
-// An input pin's "disabled" carries code 22.
-constexpr std::array<std::string_view, 24> functionNames = {"DISABLED",
-                                                            "A/C Control",
-                                                            "Auxiliary Fuel Pump Control",
-                                                            "FAN Thermo Control",
-                                                            "Intake Runner Control",
-                                                            "Nitrous Control",
-                                                            "Shift Light",
-                                                            "Torque Converter Control",
-                                                            "Full Table",
-                                                            "Custom GPO #1",
-                                                            "Custom GPO #2",
-                                                            "IAC Output",
-                                                            "Fuel Trim",
-                                                            "AC Load",
-                                                            "Valet Switch",
-                                                            "Datalog Enable",
-                                                            "Advance Trim",
-                                                            "GPO Trim #1",
-                                                            "GPO Trim #2",
-                                                            "NOS Retard",
-                                                            "Timed Advance",
-                                                            "Speed Gauge",
-                                                            "DISABLED",
-                                                            "Timed Power Cut"};
 
 double encoded(Unit& unit, const GpioByte& item, float cell) {
     if (item.form == GpioForm::PressureWord) return unit.KpaToCounts(cell, false);
@@ -48,9 +22,16 @@ double encoded(Unit& unit, const GpioByte& item, float cell) {
     return (cell + item.shift) * item.factor / item.divisor;
 }
 
-int tableCell(int table, int index) {
+/// The function that a word names; a word between two functions or beyond them all names none.
+int functionOf(float word) {
+    constexpr int none = -1;
+    constexpr float most = 32767;
+    return word >= 0 && word <= most && word == std::trunc(word) ? static_cast<int>(word) : none;
+}
+
+int tableCell(const CellMap& cells, int table, int index) {
     if (table < 1 || table > 2 || index < 0 || index >= tableCells) throw BoundsError();
-    return tableFirst[static_cast<std::size_t>(table - 1)] + index;
+    return cells.outputTable[static_cast<std::size_t>(table - 1)] + index;
 }
 
 }  // namespace
@@ -61,7 +42,7 @@ int Unit::gpioCell(int pin, int word) const {
 }
 
 int Unit::Get_GPIOFUNC(int pin) const {
-    if (!kind_.hasCalibration || pin < 0 || pin >= pollablePins) return 0;
+    if (!kind_.hasCalibration || pin < 0 || pin > kind_.numGpio) return 0;
     const int cell = gpioCell(pin, 0);
     return indexPolling_ ? cell : toInt16(static_cast<double>(cellAt(cell)));
 }
@@ -69,6 +50,17 @@ int Unit::Get_GPIOFUNC(int pin) const {
 void Unit::Set_GPIO_Func(int pin, int code) {
     if (!kind_.hasCalibration) return;
     cellAt(gpioCell(pin, 0)) = static_cast<float>(code);
+    recordReleaseOf(code);
+}
+
+void Unit::recordReleaseOf(int gpioCode) {
+    const GpioPins& pins = gpioPinsOf(kind_);
+    float& recorded = host_.header().firmwareCode;
+    if (!pins.recordsRelease || recorded != 0 || release_ != 0 || build_ != 0) return;
+    const GpioFunction* function = gpioFunctionOf(pins.kind, gpioCode);
+    if (function == nullptr || function->recordsRelease == 0) return;
+    FW_Release(function->recordsRelease);
+    recorded = static_cast<float>(function->recordsRelease) * 1000;
 }
 
 float Unit::Get_GPIO_Param(int pin, int parameter) const {
@@ -86,12 +78,12 @@ void Unit::Set_GPIO_Param(int pin, int parameter, float value) {
 void Unit::sendGpioParameter(int pin, int parameter, float value) {
     if (!onTheFly_) return;
     // The stored code: with IndexPolling the member answers an index.
-    const int function = toInt16(static_cast<double>(cellAt(gpioCell(pin, 0))));
+    const int function = functionOf(gpioFunctionWord(pin));
     const FirmwareVersion firmware = {release_, build_};
     const GpioRecipe* recipe = gpioRecipe(function, firmware);
     const GpioByte* item = recipe == nullptr ? nullptr : gpioByteOfParameter(*recipe, parameter);
     // Timed advance takes its running form for every parameter, whatever the image holds.
-    if (item == nullptr && function != timedAdvance) return;
+    if (item == nullptr && function != gpio_code::timedAdvance) return;
     if (const GpioByte* own = gpioOnTheFly(function, parameter, firmware)) item = own;
     if (item == nullptr) return;
     double number = encoded(*this, *item, value);
@@ -103,12 +95,12 @@ void Unit::sendGpioParameter(int pin, int parameter, float value) {
 }
 
 float Unit::Get_GPIO_Table(int table, int index) {
-    return kind_.hasCalibration ? cellAt(tableCell(table, index)) : 0;
+    return kind_.hasCalibration ? cellAt(tableCell(kind_.cells, table, index)) : 0;
 }
 
 void Unit::Set_GPIO_Table(int table, int index, float value) {
     if (!kind_.hasCalibration) return;
-    const int cell = tableCell(table, index);
+    const int cell = tableCell(kind_.cells, table, index);
     cellAt(cell) = value;
     SendOnFly(cell, value * 2.55, 1);
 }
@@ -122,11 +114,9 @@ void Unit::Zeroize_GPIO(int pin) {
     for (int word = 0; word < blockCells; ++word) cellAt(gpioCell(pin, word)) = 0;
 }
 
-std::string Unit::GPIO_Function_Name(int code) {
-    constexpr int boostControl = 25;
-    if (code == boostControl) return "Boost Control";
-    if (code < 0 || code >= static_cast<int>(functionNames.size())) return "GPIO ERROR: ENTRY NOT FOUND!";
-    return std::string(functionNames[static_cast<std::size_t>(code)]);
+std::string Unit::GPIO_Function_Name(int code) const {
+    const GpioFunction* function = gpioFunctionOf(gpioPinsOf(kind_).kind, code);
+    return std::string(function == nullptr ? "GPIO ERROR: ENTRY NOT FOUND!" : function->name);
 }
 
 void Unit::convertGpioBlocks() {
@@ -134,7 +124,7 @@ void Unit::convertGpioBlocks() {
     int frequencyCode = 0;
     for (int pin = 0; pin <= kind_.numGpio; ++pin) {
         const int first = gpioCell(pin, 0);
-        const GpioRecipe* recipe = gpioRecipe(toInt16(static_cast<double>(cellAt(first))), firmware);
+        const GpioRecipe* recipe = gpioRecipe(functionOf(cellAt(first)), firmware);
         if (recipe == nullptr) continue;
         int place = 0;
         for (const GpioByte& item : recipe->bytes) {

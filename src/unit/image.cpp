@@ -5,6 +5,7 @@
 #include "base/rounding.h"
 #include "unit/counts.h"
 #include "unit/gpio_image.h"
+#include "unit/image_layout.h"
 #include "unit/parameter_rules.h"
 #include "unit/unit.h"
 
@@ -21,49 +22,6 @@ WordBytes splitWord(double value) {
     const int word = toCount(value);
     return {truncate(word / 256.0), static_cast<double>(word & 255)};
 }
-
-struct Run {
-    int first;
-    int last;
-};
-/// Bytes that the unit keeps for itself.
-constexpr std::array<Run, 7> zeros = {
-    {{18, 33}, {268, 274}, {323, 335}, {417, 503}, {512, 519}, {536, 559}, {584, 589}}};
-
-/// Cells that are no members of their own but have image bytes at their own index.
-struct LooseCells {
-    Run cells;
-    Encoding encoding;
-};
-constexpr Encoding whole = {.bytes = Bytes::One};
-constexpr Encoding percent = {.bytes = Bytes::One, .factor = 2.55};
-constexpr std::array<LooseCells, 4> looseCells = {{
-    {{504, 511}, {.bytes = Bytes::One, .shift = 50}},  // fuel trims as sent
-    {{560, 583}, whole},                               // calibration name
-    {{1680, 1935}, percent},                           // general purpose table 1
-    {{1936, 2191}, percent},                           // general purpose table 2
-}};
-
-/// Cells that move to another index, as they stand.
-struct MovedCell {
-    int image;
-    int cell;
-};
-constexpr std::array<MovedCell, 8> movedCells = {{{590, 2293},
-                                                  {591, 2292},
-                                                  {2192, 2290},
-                                                  {2193, 2291},
-                                                  {2194, 2295},
-                                                  {2195, 2294},
-                                                  {2260, 2297},
-                                                  {2261, 2296}}};
-
-/// Sixteen stop points, a word each.
-struct StopRun {
-    int image;
-    int cell;
-};
-constexpr std::array<StopRun, 4> stopRuns = {{{2196, 2242}, {2228, 2226}, {2262, 2274}, {2294, 2258}}};
 
 /// Standard atmosphere `atmosphere` and sensor zero `zero` in a pressure unit.
 struct Atmosphere {
@@ -114,18 +72,19 @@ void Unit::convertMembers() {
 }
 
 void Unit::convertLooseCells() {
-    for (const auto& [cells, encoding] : looseCells) {
+    const ImageLayout& layout = *kind_.image;
+    for (const auto& [cells, encoding] : layout.looseCells) {
         for (int i = cells.first; i <= cells.last; ++i) putCell(encoding, i, cellAt(i));
     }
-    for (const auto& [image, cell] : movedCells) putByte(image, cellAt(cell));
-    for (const auto& [first, last] : zeros) {
+    for (const auto& [image, cell] : layout.movedCells) putByte(image, cellAt(cell));
+    for (const auto& [first, last] : layout.zeros) {
         for (int i = first; i <= last; ++i) putByte(i, 0);
     }
 }
 
 void Unit::convertSensorWords() {
-    constexpr int gainIndex = 262;
-    constexpr int zeroIndex = 264;
+    const int gainIndex = kind_.image->gainWord;
+    const int zeroIndex = gainIndex + 2;
     const auto [units, atmosphere, zero] = atmosphereOf(MAPUnits());
     const double ratio = (atmosphere - zero) / 101.325;
     const double scale = rules::mapScaler(*this);
@@ -139,7 +98,7 @@ void Unit::convertSensorWords() {
 
 void Unit::convertStopPoints() {
     constexpr int stops = 16;
-    for (const auto& [image, cell] : stopRuns) {
+    for (const auto& [image, cell] : kind_.image->stopRuns) {
         for (int i = 0; i < stops; ++i) putWord(image + 2 * i, convertStopPointsToUnit(cell + i));
     }
 }
@@ -156,9 +115,9 @@ void Unit::ConvertData() {
     convertTrims();
     convertStopPoints();
     convertSensorWords();
-    if (release_ < 5) {
+    if (const auto& [first, last] = kind_.image->hiddenFromOlder; release_ < kind_.image->newerFrom) {
         // Older firmware must see no stop points.
-        for (int i = 2192; i <= 2207; ++i) putByte(i, 0);
+        for (int i = first; i <= last; ++i) putByte(i, 0);
     }
     host_.addToLastLine("SUCCESS!");
 }

@@ -19,10 +19,12 @@ MemberIndex::MemberIndex(std::span<const Parameter> rows) {
             if ((row.count > 1) != indexed) continue;
             for (const std::string_view name : {row.name, row.alias}) {
                 if (name.empty()) continue;
+                rows_.emplace(std::string(name), &row);
+                if (!indexed) continue;
+                // Only indexed members have a reader and a writer of two names.
                 const std::string bare = withoutPrefix(name);
                 rows_.emplace("Get_" + bare, &row);
                 rows_.emplace("Set_" + bare, &row);
-                rows_.emplace(std::string(name), &row);
             }
         }
     }

@@ -65,9 +65,10 @@ struct Encoding {
 
 /// What a change sends to a running unit.
 enum class Sending : std::uint8_t {
-    AsImage,  ///< the image bytes of the new value
-    Own,      ///< the row's own encoding
-    Never     ///< nothing: the change takes effect with the next full programming
+    AsImage,   ///< the image bytes of the new value
+    Own,       ///< the row's own encoding
+    ByWriter,  ///< the writer sends bytes of other cells
+    Never      ///< nothing: the change takes effect with the next full programming
 };
 
 /// Whether a writer leaves something to send.
@@ -111,6 +112,10 @@ struct Parameter {
     constexpr Encoding sent() const {
         if (sending == Sending::AsImage) return image;
         return sending == Sending::Own ? onTheFly : Encoding{};
+    }
+    /// Whether a change reaches a running unit at once.
+    constexpr bool sentOnTheFly() const {
+        return sending == Sending::ByWriter || (hasCell() && sent().bytes != Bytes::None);
     }
 };
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 
+#include "base/errors.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "unit/counts.h"
@@ -17,23 +18,14 @@ namespace {
 constexpr int p2Egtp = 4;
 constexpr int cylindersAndEvents = 8;
 constexpr int moffset = 18;
-constexpr int legacyBar = 39;
 constexpr int ovr1Thr = 62;
 constexpr int ovr2Thr = 63;
-constexpr int mapBarCell = 124;
-constexpr int scalerCell = 126;
-constexpr int offsetCell = 127;
-constexpr int minDuty = 316;
-constexpr int maxDuty = 317;
-constexpr int fuelTrimAsSent = 504;
-constexpr int injectorTrimAsSent = 520;
-constexpr int optionType = 2203;
-constexpr int mapActive = 2222;
-constexpr int marginToggle = 2223;
-constexpr int marginValue = 2224;
-constexpr int ratioCell = 2225;
 
 constexpr double tableBase = 14.7;  ///< the fixed ratio on which the AFR table is kept
+
+const CellMap& cellsOf(const Unit& unit) {
+    return unit.kind().cells;
+}
 
 float asFloat(double value) {
     return static_cast<float>(value);
@@ -55,7 +47,10 @@ int whole(float cell) {
 
 /// Counts of the unit's converter per user unit and second of pressure rise.
 double accelerationFactor(Unit& unit) {
-    return 137 / (static_cast<double>(unit.MAPRange()) * 0.0388);
+    const double range = unit.MAPRange();
+    // A sensor of next to no volts a unit has no span.
+    if (!std::isfinite(range) || range == 0) throw Overflow("Division by zero");
+    return 137 / (range * 0.0388);
 }
 
 After stored(Unit& unit, const Parameter& row, double value, int element) {
@@ -71,7 +66,7 @@ void controlBits(Unit& unit, int which, int kept, double added) {
 
 std::optional<EngineFacts> engineOf(Unit& unit) {
     return unit.host().engine(toInt16(static_cast<double>(unit.kind().fileKind)),
-                              toInt16(static_cast<double>(unit.DirectIndex(optionType))));
+                              toInt16(static_cast<double>(unit.DirectIndex(cellsOf(unit).optionType))));
 }
 
 /// Pulses per revolution and the code that stands for them in the high nibble of P2EGTP.
@@ -85,25 +80,28 @@ constexpr std::array<TachCode, 5> tachCodes = {{{1, 14}, {2, 2}, {3, 8}, {4, 3},
 
 float mapBar(Unit& unit) {
     if (!unit.kind().hasCalibration) return 1.0F;
-    if (unit.DirectIndex(legacyBar) == 0) unit.AssignDirectIndex(1.0F, legacyBar);
-    if (unit.DirectIndex(mapBarCell) == 0) unit.AssignDirectIndex(unit.DirectIndex(legacyBar), mapBarCell);
-    return unit.DirectIndex(mapBarCell);
+    if (unit.DirectIndex(cellsOf(unit).legacyBar) == 0) unit.AssignDirectIndex(1.0F, cellsOf(unit).legacyBar);
+    if (unit.DirectIndex(cellsOf(unit).mapBar) == 0)
+        unit.AssignDirectIndex(unit.DirectIndex(cellsOf(unit).legacyBar), cellsOf(unit).mapBar);
+    return unit.DirectIndex(cellsOf(unit).mapBar);
 }
 
 float stoichiometricRatio(Unit& unit) {
     if (!unit.kind().hasCalibration) return 14.64F;
-    if (unit.DirectIndex(ratioCell) == 0) unit.AssignDirectIndex(14.64F, ratioCell);
-    return unit.DirectIndex(ratioCell);
+    if (unit.DirectIndex(cellsOf(unit).ratio) == 0) unit.AssignDirectIndex(14.64F, cellsOf(unit).ratio);
+    return unit.DirectIndex(cellsOf(unit).ratio);
 }
 
 float mapScaler(const Unit& unit) {
-    const float cell = unit.DirectIndex(scalerCell);
+    const float cell = unit.DirectIndex(cellsOf(unit).mapScaler);
     return cell == 0 ? 0.05295F : roundTo(cell, 4);
 }
 
 float mapOffset(const Unit& unit) {
     // A file without a sensor gets the default sensor in both, so the scaler's cell decides.
-    return unit.DirectIndex(scalerCell) == 0 ? -0.54738F : roundTo(unit.DirectIndex(offsetCell), 4);
+    return unit.DirectIndex(cellsOf(unit).mapScaler) == 0
+               ? -0.54738F
+               : roundTo(unit.DirectIndex(cellsOf(unit).mapOffset), 4);
 }
 
 // ---- Ranges
@@ -148,7 +146,7 @@ Limits pressure(Unit& unit, int, float) {
 }
 
 Limits pressureWhileActive(Unit& unit, int element, float value) {
-    if (unit.DirectIndex(mapActive) == 0) return Limits::none();
+    if (unit.DirectIndex(cellsOf(unit).mapActive) == 0) return Limits::none();
     return pressure(unit, element, value);
 }
 
@@ -163,11 +161,11 @@ Limits accelerationThreshold(Unit& unit, int, float) {
 }
 
 Limits upToMaxDuty(Unit& unit, int, float) {
-    return limitsOf(0, unit.DirectIndex(maxDuty), "");
+    return limitsOf(0, unit.DirectIndex(cellsOf(unit).maxDuty), "");
 }
 
 Limits fromMinDuty(Unit& unit, int, float) {
-    return limitsOf(unit.DirectIndex(minDuty), 255, "");
+    return limitsOf(unit.DirectIndex(cellsOf(unit).minDuty), 255, "");
 }
 
 Limits idleTemperature(Unit& unit, int, float) {
@@ -191,7 +189,7 @@ double pressureByteOrZero(Unit& unit, double cell) {
 }
 
 double inactivePressureByte(Unit& unit, double cell) {
-    return unit.DirectIndex(mapActive) == 0 ? 255 : pressureByteOrZero(unit, cell);
+    return unit.DirectIndex(cellsOf(unit).mapActive) == 0 ? 255 : pressureByteOrZero(unit, cell);
 }
 
 double pressureWord(Unit& unit, double cell) {
@@ -199,8 +197,8 @@ double pressureWord(Unit& unit, double cell) {
 }
 
 double dutyByte(Unit& unit, double cell) {
-    const double low = unit.DirectIndex(minDuty);
-    const double high = unit.DirectIndex(maxDuty);
+    const double low = unit.DirectIndex(cellsOf(unit).minDuty);
+    const double high = unit.DirectIndex(cellsOf(unit).maxDuty);
     return (high - low) * (cell / 100) + low;
 }
 
@@ -256,8 +254,8 @@ float readMapBar(Unit& unit, const Parameter&, int) {
 }
 
 float readMapDisplay(Unit& unit, const Parameter&, int) {
-    if (unit.DirectIndex(mapBarCell) == 0) unit.AssignDirectIndex(1.0F, mapBarCell);
-    return unit.DirectIndex(mapBarCell);
+    if (unit.DirectIndex(cellsOf(unit).mapBar) == 0) unit.AssignDirectIndex(1.0F, cellsOf(unit).mapBar);
+    return unit.DirectIndex(cellsOf(unit).mapBar);
 }
 
 float readMapScaler(Unit& unit, const Parameter&, int) {
@@ -316,11 +314,12 @@ float readStoichiometric(Unit& unit, const Parameter&, int) {
 }
 
 float readMarginToggle(Unit& unit, const Parameter&, int) {
-    return unit.DirectIndex(marginValue) == 0 ? 1.0F : unit.DirectIndex(marginToggle);
+    return unit.DirectIndex(cellsOf(unit).marginValue) == 0 ? 1.0F
+                                                            : unit.DirectIndex(cellsOf(unit).marginToggle);
 }
 
 float readMarginValue(Unit& unit, const Parameter&, int) {
-    const float cell = unit.DirectIndex(marginValue);
+    const float cell = unit.DirectIndex(cellsOf(unit).marginValue);
     return cell == 0 ? 0.08F : cell;
 }
 
@@ -353,7 +352,7 @@ After writePressure(Unit& unit, const Parameter& row, float value, int element) 
 }
 
 After writePressureWhileActive(Unit& unit, const Parameter& row, float value, int element) {
-    if (unit.DirectIndex(mapActive) == 0) return stored(unit, row, 0, element);
+    if (unit.DirectIndex(cellsOf(unit).mapActive) == 0) return stored(unit, row, 0, element);
     return writePressure(unit, row, value, element);
 }
 
@@ -380,15 +379,15 @@ After writeEighths(Unit& unit, const Parameter& row, float value, int element) {
 }
 
 After writeDuty(Unit& unit, const Parameter& row, float value, int element) {
-    if (unit.DirectIndex(maxDuty) == 0) unit.AssignDirectIndex(255, maxDuty);
-    if (unit.DirectIndex(minDuty) == 0) unit.AssignDirectIndex(1, minDuty);
+    if (unit.DirectIndex(cellsOf(unit).maxDuty) == 0) unit.AssignDirectIndex(255, cellsOf(unit).maxDuty);
+    if (unit.DirectIndex(cellsOf(unit).minDuty) == 0) unit.AssignDirectIndex(1, cellsOf(unit).minDuty);
     return stored(unit, row, value, element);
 }
 
 After writeMapBar(Unit& unit, const Parameter&, float value, int) {
-    unit.AssignDirectIndex(value, mapBarCell);
+    unit.AssignDirectIndex(value, cellsOf(unit).mapBar);
     const bool rated = value < 4.0F && std::trunc(value) == value;
-    unit.AssignDirectIndex(rated ? value : 4.0F, legacyBar);
+    unit.AssignDirectIndex(rated ? value : 4.0F, cellsOf(unit).legacyBar);
     return After::Nothing;
 }
 
@@ -465,14 +464,14 @@ After writeIdleTemperature(Unit& unit, const Parameter& row, float value, int el
 }
 
 After writeFuelTrim(Unit& unit, const Parameter& row, float value, int element) {
-    unit.AssignDirectIndex(value, fuelTrimAsSent + element);
+    unit.AssignDirectIndex(value, cellsOf(unit).fuelTrimSent + element);
     return stored(unit, row, value, element);
 }
 
 After writeInjectorTrim(Unit& unit, const Parameter& row, float value, int element) {
     stored(unit, row, value, element);
     unit.Initialize_Trims();
-    unit.SendTrimPair(injectorTrimAsSent + element);
+    unit.SendTrimPair(cellsOf(unit).trimSent + element);
     return After::Nothing;
 }
 

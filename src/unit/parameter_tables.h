@@ -9,6 +9,10 @@
 namespace zentaq {
 
 std::span<const Parameter> orbaParameters();
+std::span<const Parameter> orbLiteParameters();
+std::span<const Parameter> orbcParameters();
+std::span<const Parameter> orbdParameters();
+std::span<const Parameter> pzk2Parameters();
 std::span<const Parameter> nullParameters();
 
 }  // namespace zentaq

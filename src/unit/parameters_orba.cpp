@@ -1038,6 +1038,7 @@ constexpr Parameter table[] = {
      .count = 8,
      .range = between(-15, 15),
      .rangeText = "(-15 to 15 Degrees)",
+     .sending = Sending::ByWriter,
      .write = writeInjectorTrim,
      .unit = "Degrees",
      .meaning = "Injection timing trim by cylinder"},

@@ -16,12 +16,10 @@ constexpr double kpaPerCount = 0.1016618;  ///< the first sensors' legacy scale,
 constexpr double countsPerKpa = 9.8365;
 constexpr float barSpanKpa = 104;      ///< a 1 bar sensor reads 1 to 104 kPa
 constexpr int firstLinearRelease = 3;  ///< from this release on a sensor is a line of the user's
-constexpr int legacyBar = 39;
-constexpr int unitsCell = 129;
 
 LegacySensor sensorOf(Unit& unit) {
     rules::mapBar(unit);  // repairs a rating of 0
-    return legacySensor(toInt16(static_cast<double>(unit.DirectIndex(legacyBar))));
+    return legacySensor(toInt16(static_cast<double>(unit.DirectIndex(unit.kind().cells.legacyBar))));
 }
 
 }  // namespace
@@ -64,7 +62,7 @@ int Unit::MAPPrecision() {
 
 std::string Unit::MAPUnits() const {
     if (!kind_.hasCalibration) return {};
-    const double code = roundHalfEven(cellAt(unitsCell));
+    const double code = roundHalfEven(cellAt(kind_.cells.mapUnits));
     constexpr double highest = 6;
     if (!(code >= 0 && code <= highest)) return {};
     return std::string(pressureUnitsOf(static_cast<int>(code)));
@@ -76,7 +74,7 @@ void Unit::MAPUnits(std::string_view units) {
     constexpr int flowBit = 0;
     for (int code = 1; code <= percentFlow; ++code) {
         if (pressureUnitsOf(code) != units) continue;
-        cellAt(unitsCell) = static_cast<float>(code);
+        cellAt(kind_.cells.mapUnits) = static_cast<float>(code);
         Set_Control2(flowBit, code == percentFlow);
     }
 }

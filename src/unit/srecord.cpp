@@ -1,6 +1,7 @@
 #include <cstddef>
 
 #include "base/rounding.h"
+#include "unit/image_layout.h"
 #include "unit/safe_file.h"
 #include "unit/unit.h"
 
@@ -19,6 +20,11 @@ void appendByte(std::string& text, int value) {
 }
 
 }  // namespace
+
+int Unit::sRecordRows() const {
+    if (kind_.image == nullptr) return 0;
+    return release_ >= kind_.image->newerFrom ? kind_.image->newerRows : kind_.image->olderRows;
+}
 
 std::string Unit::sRecordText() const {
     constexpr int recordLength = 19;

@@ -16,6 +16,7 @@ namespace {
 
 constexpr float lastVersionWithoutShape = 9.44F;  ///< files up to this version carry no table sizes
 constexpr int oldSize = 16;
+constexpr int fixedSize = 16;  ///< of kinds that keep no sizes
 constexpr int smallestSize = 8;
 constexpr int largestSize = 24;
 constexpr int stopCount = 16;
@@ -64,6 +65,10 @@ std::optional<int> stopCell(int i, std::string_view axis, std::string_view table
     return {};
 }
 
+std::string_view axisMember(std::string_view axis) {
+    return axis == "X-Axis" ? "RPMTBL" : "MAPTBL";
+}
+
 std::string between(float low, float high, std::string_view tail) {
     return "(" + numberText(low) + " to " + numberText(high) + std::string(tail) + ")";
 }
@@ -93,6 +98,7 @@ Limits stopLimits(Unit& unit, std::string_view kind) {
 int Unit::GET_TBL_DIMENSIONS(std::string_view table, std::string_view what) {
     const auto cell = sizeCell(table, what);
     if (!cell || !kind_.hasCalibration) return 0;
+    if (!kind_.cells.hasAxisWords) return fixedSize;
     const int rows = shapeOf(table)->rowsCell;
     const bool shaped = cellAt(rows) != 0 || cellAt(rows + 1) != 0;
     if (!shaped && !(host_.header().programVersion > lastVersionWithoutShape)) {
@@ -104,7 +110,7 @@ int Unit::GET_TBL_DIMENSIONS(std::string_view table, std::string_view what) {
 
 void Unit::SET_TBL_DIMENSIONS(std::string_view table, std::string_view what, int count) {
     const auto cell = sizeCell(table, what);
-    if (!cell || !kind_.hasCalibration || count < smallestSize || count > largestSize) return;
+    if (!cell || !kind_.cells.hasAxisWords || count < smallestSize || count > largestSize) return;
     cellAt(*cell) = static_cast<float>(count);
 }
 
@@ -112,7 +118,7 @@ std::string Unit::GET_TBL_AXIS_TYPE(std::string_view table, std::string_view axi
     const TableShape* shape = shapeOf(table);
     const bool rows = axis == "ROW-AXIS";
     if (shape == nullptr || (!rows && axis != "COL-AXIS")) return {};
-    if (!shape->hasOwnAxes) return rows ? "BLEND MAP" : "RPM";
+    if (!shape->hasOwnAxes || !kind_.cells.hasAxisWords) return rows ? "BLEND MAP" : "RPM";
     const int word = toInt16(static_cast<double>(cellAt(shape->axisWord)));
     const int code = rows ? static_cast<int>(truncate(word / 16.0)) : word & 15;
     if (code < 0 || code >= static_cast<int>(axisNames.size())) return {};
@@ -121,7 +127,7 @@ std::string Unit::GET_TBL_AXIS_TYPE(std::string_view table, std::string_view axi
 
 void Unit::SET_TBL_AXIS_TYPE(std::string_view table, std::string_view axis, std::string_view name) {
     const TableShape* shape = shapeOf(table);
-    if (shape == nullptr || !shape->hasOwnAxes || !kind_.hasCalibration || name.empty()) return;
+    if (shape == nullptr || !shape->hasOwnAxes || !kind_.cells.hasAxisWords || name.empty()) return;
     const auto found = std::ranges::find(axisNames, name);
     if (found == axisNames.end()) return;
     const int code = static_cast<int>(found - axisNames.begin());
@@ -131,15 +137,19 @@ void Unit::SET_TBL_AXIS_TYPE(std::string_view table, std::string_view axis, std:
     if (axis == "COL-AXIS") cell = static_cast<float>((word & 240) | code);
 }
 
-float Unit::Get_GPO_Stop(int i, std::string_view axis, std::string_view table) const {
+float Unit::Get_GPO_Stop(int i, std::string_view axis, std::string_view table) {
     const auto cell = stopCell(i, axis, table);
-    return cell ? cellAt(*cell) : 0;
+    if (!cell || !kind_.hasCalibration) return 0;
+    // A kind without stop points of its own: the axes of the main tables are the stops.
+    if (!kind_.cells.hasAxisWords) return get(axisMember(axis), i);
+    return cellAt(*cell);
 }
 
 bool Unit::Set_GPO_Stop(const Entry& value, int i, std::string_view axis, std::string_view table) {
     constexpr int notEmpty = 1003;
     const auto cell = stopCell(i, axis, table);
     if (!cell || !kind_.hasCalibration) return false;
+    if (!kind_.cells.hasAxisWords) return set(axisMember(axis), value, i);
     if (host_.checkInput(notEmpty, value.text())) return false;
     const float number = value.number();
     const std::string kind = GET_TBL_AXIS_TYPE(table, axis == "Y-Axis" ? "ROW-AXIS" : "COL-AXIS");
@@ -157,7 +167,7 @@ double Unit::convertStopPointsToUnit(int cellIndex) {
     // The blocks follow each other: rows and columns of the first table, then of the second.
     const std::string_view table = cellIndex >= 2258 ? "GPO2" : "GPO1";
     const bool columns = cellIndex >= 2274 || (cellIndex >= 2242 && cellIndex < 2258);
-    if (cellIndex < 2226) return 0;
+    if (cellIndex < 2226 || !kind_.cells.hasAxisWords) return 0;
     const float cell = cellAt(cellIndex);
     const double v = cell;
     const std::string kind = GET_TBL_AXIS_TYPE(table, columns ? "COL-AXIS" : "ROW-AXIS");

@@ -7,11 +7,7 @@ namespace zentaq {
 namespace {
 
 constexpr int cylindersAndEvents = 8;
-constexpr int fuelAsSent = 504;
-constexpr int injectorAsSent = 520;
 constexpr int injectorOutputs = 16;
-constexpr int userInjector = 2312;
-constexpr int userFuel = 2320;
 constexpr int userTrims = 8;
 
 bool isFuelTrim(float percent) {
@@ -35,16 +31,20 @@ void Unit::Initialize_Trims() {
     // firing order. A layout of no or of more than eight cylinders takes all eight trims in turn.
     const int cylinders = (toInt32(static_cast<double>(cellAt(cylindersAndEvents))) & 240) / 16;
     const int trims = cylinders >= 1 && cylinders <= userTrims ? cylinders : userTrims;
-    for (int i = 0; i < userTrims; ++i) {
+    const CellMap& map = kind_.cells;
+    const bool hasFuel = map.userFuelTrim != CellMap::none;
+    for (int i = 0; hasFuel && i < userTrims; ++i) {
         // The eighth user trim shares its cell with the first character of the notes: a character is no trim.
-        if (isFuelTrim(cellAt(userFuel + i))) cellAt(fuelAsSent + i) = cellAt(userFuel + i);
+        const float percent = cellAt(map.userFuelTrim + i);
+        if (isFuelTrim(percent)) cellAt(map.fuelTrimSent + i) = percent;
     }
-    for (int i = 0; i < injectorOutputs; ++i) cellAt(injectorAsSent + i) = cellAt(userInjector + i % trims);
+    for (int i = 0; i < injectorOutputs; ++i) cellAt(map.trimSent + i) = cellAt(map.userTrim + i % trims);
 }
 
 void Unit::convertTrims() {
     for (int i = 0; i < injectorOutputs; ++i) {
-        putByte(injectorAsSent + i, trimByte(cellAt(injectorAsSent + i)));
+        const int index = kind_.cells.trimSent + i;
+        putByte(index, trimByte(cellAt(index)));
     }
 }
 

@@ -93,9 +93,12 @@ class Unit {
         if (kind_.hasCalibration) build_ = build;
     }
     bool ValidFirmware(std::string_view name) const;
-    bool hasPIC18() const { return hasPic18_; }
-    void hasPIC18(bool on) { hasPic18_ = on && kind_.hasCalibration; }
-    bool GPIO_Req() const { return false; }
+    bool hasPIC18() const { return answer(kind_.pic18, hasPic18_); }
+    void hasPIC18(bool on) { hasPic18_ = on; }
+    /// Live frames do not carry the input and output state: the link must ask for it.
+    bool GPIO_Req() const { return answer(kind_.gpioRequest, gpioListRead_); }
+    /// The link has read the list of the unit's pins, or has lost the unit.
+    void gpioListRead(bool read) { gpioListRead_ = read; }
     int DefaultSplit() const { return defaultSplit_; }
     void DefaultSplit(int split) { defaultSplit_ = split; }
     /// First and last tooth offset of the engine, for engines that the reference data lacks.
@@ -125,19 +128,25 @@ class Unit {
     void SET_TBL_DIMENSIONS(std::string_view table, std::string_view what, int count);
     std::string GET_TBL_AXIS_TYPE(std::string_view table, std::string_view axis) const;
     void SET_TBL_AXIS_TYPE(std::string_view table, std::string_view axis, std::string_view name);
-    float Get_GPO_Stop(int i, std::string_view axis, std::string_view table) const;
+    float Get_GPO_Stop(int i, std::string_view axis, std::string_view table);
     bool Set_GPO_Stop(const Entry& value, int i, std::string_view axis, std::string_view table);
 
     // ---- Input/output blocks
     int Get_GPIOFUNC(int pin) const;
+    /// The cell of the function code as it stands, whatever IndexPolling says.
+    /// BoundsError for a pin that the kind does not have.
+    float gpioFunctionWord(int pin) const { return cellAt(gpioCell(pin, 0)); }
+    /// On the ORB L without a known firmware some functions write down the release that they need.
     void Set_GPIO_Func(int pin, int code);
+    /// Parameters count from 0.
     float Get_GPIO_Param(int pin, int parameter) const;
     void Set_GPIO_Param(int pin, int parameter, float value);
     float Get_GPIO_Table(int table, int index);
     void Set_GPIO_Table(int table, int index, float value);
     int Get_GPO_TblNum(int pin) const;
     void Zeroize_GPIO(int pin);
-    static std::string GPIO_Function_Name(int code);
+    /// As the kind calls the function, offered or not.
+    std::string GPIO_Function_Name(int code) const;
     void Initialize_Trims();
 
     // ---- Pressure. User units unless the name says kPa; volts of the sensor.
@@ -156,6 +165,8 @@ class Unit {
 
     // ---- Files. All throw FileError.
     void FileOpen(const std::string& path);
+    /// Reads a file of the older generation, which has no header, and moves it to today's places.
+    void OldFileOpen(const std::string& path);
     void SaveFile();
     void CloseFile();
 
@@ -190,6 +201,9 @@ class Unit {
     static std::string onTheFlyRecord(int index, double first, double second);
 
  private:
+    static bool answer(Trait trait, bool written) {
+        return trait == Trait::Yes || (trait == Trait::Written && written);
+    }
     bool controlBit(int which, int bit) const;
     void setControlBit(int which, int bit, bool on);
     void storeControlBytes();
@@ -215,13 +229,18 @@ class Unit {
     float& cellAt(int index);
     float cellAt(int index) const;
     int gpioCell(int pin, int word) const;
-    int sRecordRows() const { return release_ >= 5 ? 147 : 137; }
+    int sRecordRows() const;
 
     void adoptFirmware(float code);
+    void recordReleaseOf(int gpioCode);
     void sendGpioParameter(int pin, int parameter, float value);
     void repairAfterOpening(int fileRelease);
     void repairSensor(int fromRelease);
+    /// The sensor of a bar rating takes the place of the rating, where the firmware knows sensors.
+    void adoptSensor(float bar);
     void migrateInjectors(int fromRelease);
+    void scaleInjectors(bool up);
+    void tellMigrated();
     void seedStopPoints();
     void seedShape();
     void seedBaroTrim();
@@ -242,6 +261,7 @@ class Unit {
     int release_ = 0;
     int build_ = 0;
     bool hasPic18_ = false;
+    bool gpioListRead_ = false;
     std::array<std::uint16_t, 12> errorCodeWords_{};
 };
 

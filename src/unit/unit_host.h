@@ -2,19 +2,25 @@
 // The program implements it once; tests implement a recording one.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace zentaq {
 
-/// The row of an engine that a Unit object reads.
+/// The row of an engine that a Unit object reads. A column that is empty in the row has its default here.
 struct EngineFacts {
     float toothMin = 0;
     float toothMax = 0;
     float p2EgTp = 0;
     bool editDfub = false;
     int defaultSplit = 0;
+    float engType = 0;
+    float injMode = 0;
+    float phdSeq = 0;
+    float injReset = 0;
+    std::array<float, 8> injTbl{};
 };
 
 /// The row of a MAP sensor: volts per user unit, volts at user zero, units code (0 to 6).

@@ -135,7 +135,7 @@ PageRow elementRow(Unit& unit, const Parameter& parameter, int element) {
     row.member = parameter.name;
     row.helpKey = parameter.help;
     row.unit = unitText(unit, parameter);
-    row.onTheFly = parameter.onTheFly.bytes != Bytes::None;
+    row.onTheFly = parameter.sentOnTheFly();
     skipFailing([&] { row.value = numberText(unit.get(parameter.name, element)); });
     skipFailing([&] { row.range = rangeText(unit.limits(parameter.name, element)); });
     return row;
@@ -192,7 +192,7 @@ std::vector<PageRow> managerRows(Unit& unit) {
     for (int pin = 0; pin <= unit.kind().numGpio; ++pin) {
         skipFailing([&] {
             rows.push_back(
-                plainRow("Channel " + numberText(pin + 1), Unit::GPIO_Function_Name(unit.Get_GPIOFUNC(pin))));
+                plainRow("Channel " + numberText(pin + 1), unit.GPIO_Function_Name(unit.Get_GPIOFUNC(pin))));
         });
     }
     return rows;

@@ -431,7 +431,8 @@ INSTANTIATE_TEST_SUITE_P(Cases, Configuration,
                                          ConfigurationCase{"Pzk4Build5", 500000, 4, 5, 1, false},
                                          ConfigurationCase{"Pzk3Build9", 500000, 3, 9, 1, false},
                                          ConfigurationCase{"OrbA", 200000, 7, 0, 1, false},
-                                         ConfigurationCase{"OrbC", 350000, 7, 0, 1, false}),
+                                         ConfigurationCase{"OrbC", 350000, 7, 0, 0, true},
+                                         ConfigurationCase{"OrbD", 700000, 7, 0, 0, true}),
                          [](const auto& row) { return row.param.name; });
 
 // ---- Live frames

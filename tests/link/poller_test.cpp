@@ -115,7 +115,6 @@ TEST_F(PollerTest, FourWaitingCommandsLeaveRoomForOne) {
 
 TEST_F(PollerTest, InputAndOutputStateIsAskedForOnEveryFourthFiring) {
     identify(300000, "ZQL0003001");
-    poller.gpioRequired([] { return true; });
     Texts all;
     for (int i = 0; i < 8; ++i) {
         fire(1);
@@ -136,7 +135,6 @@ TEST_F(PollerTest, AUnitWhoseFramesCarryTheStateIsNotAskedForIt) {
 
 TEST_F(PollerTest, TheWideMonitorCarriesTheStateItself) {
     identify(300000, "ZQL0007001");
-    poller.gpioRequired([] { return true; });
     fire(4);
     EXPECT_EQ(link.QueuedCommands(), 4);
     EXPECT_EQ(poller.GPIOCount(), 4);

@@ -46,37 +46,12 @@ class PlainUnitHost : public UnitHost {
     std::string folder;
 };
 
-/// The sizes of each kind on the wire, as its firmware answers; the kinds have no parameters.
-inline const UnitKind& bareKind(int slot) {
-    static const std::map<int, UnitKind> kinds = [] {
-        std::map<int, UnitKind> made;
-        const auto add = [&](int number, std::string_view name, SizeConstants sizes) {
-            UnitKind kind = nullKind();
-            kind.slot = number;
-            kind.className = name;
-            kind.sizes = sizes;
-            kind.hasCalibration = number != 0;
-            kind.hasWideMonitor = number != 0 && number != 5;
-            made[number] = kind;
-        };
-        add(0, "clsNull", {});
-        add(3, "clsORBA", {35, 21, 8, 39, 2, 16, 39, 33, 8736, 65});
-        add(4, "clsORBALite", {28, 21, 8, 38, 2, 16, 39, 36, 2048, 66});
-        add(5, "clsPZK2", {28, 21, 8, 38, 2, 16, 39, 34, 0, 23});
-        add(6, "clsORBC", {28, 21, 8, 38, 2, 16, 39, 40, 1820, 70});
-        add(7, "clsORBd", {28, 21, 8, 38, 2, 16, 39, 34, 2184, 62});
-        add(8, "clsORBd", {28, 21, 8, 38, 2, 16, 39, 34, 2184, 62});
-        return made;
-    }();
-    return kinds.at(slot);
-}
-
 class RecordingLinkHost : public LinkHost {
  public:
     RecordingLinkHost() {
-        for (const int slot : {0, 4, 5, 6, 7, 8})
-            units[slot] = std::make_unique<Unit>(bareKind(slot), unitHost);
-        units[3] = std::make_unique<Unit>(orbaKind(), unitHost);
+        for (const int slot : {0, 3, 4, 5, 6, 7, 8}) {
+            units[slot] = std::make_unique<Unit>(*unitKindOfSlot(slot), unitHost);
+        }
     }
 
     Unit& unit(int slot) override {

@@ -50,37 +50,9 @@ class NotingHost : public UnitHost {
     FileHeader fileHeader;
 };
 
-/// What the frames of a kind ask of its description.
-struct FrameShape {
-    int slot;
-    int monitorLen;
-    int wCmdLen;
-    int numGpio;
-};
-
-/// The description of a kind; one that the program does not describe is kind 3 with its own slot and frame
-/// sizes.
-inline const UnitKind& kindOf(int slot) {
-    if (const UnitKind* described = unitKindOfSlot(slot)) return *described;
-    constexpr FrameShape shapes[] = {
-        {4, 28, 66, 8}, {5, 28, 23, 3}, {6, 28, 70, 12}, {7, 28, 62, 6}, {8, 28, 62, 6}};
-    static std::map<int, UnitKind> standIns;
-    for (const FrameShape& shape : shapes) {
-        if (shape.slot != slot) continue;
-        UnitKind kind = orbaKind();
-        kind.slot = slot;
-        kind.sizes.monitorLen = shape.monitorLen;
-        kind.sizes.wCmdLen = shape.wCmdLen;
-        kind.numGpio = shape.numGpio;
-        kind.hasWideMonitor = slot != 5;
-        return standIns.emplace(slot, kind).first->second;
-    }
-    throw std::logic_error("no unit kind " + numberText(slot));
-}
-
 /// Firmware 5.099 with the sensor that a file without one gets: 0.05295 volts a kPa, -0.54738 volts at 0.
 struct Calibration {
-    explicit Calibration(int slot) : unit(kindOf(slot), host) {
+    explicit Calibration(int slot) : unit(*unitKindOfSlot(slot), host) {
         unit.FW_Release(5);
         host.refusals.clear();
         host.log.clear();

@@ -103,7 +103,7 @@ TEST_F(Datalog, LampIs1Or0) {
 
 TEST_F(Datalog, FramesOfTheUnitsOwnLogComeToThe50HzTimeBase) {
     unit.AssignDirectIndex(15, 336 + 9 * 6);        // pin 6: datalog switch
-    unit.AssignDirectIndex(20, 336 + 9 * 6 + 2);    // its parameter 1: 20 records a second
+    unit.AssignDirectIndex(20, 336 + 9 * 6 + 3);    // its parameter 2: 20 records a second
     EXPECT_EQ(split(line(true, 3), '\t')[0], "7");  // 50 / 20 * 3 = 7.5
     EXPECT_EQ(split(line(true, 4), '\t')[0], "10");
     EXPECT_EQ(split(line(false, 3), '\t')[0], "3");

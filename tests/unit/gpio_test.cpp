@@ -167,16 +167,17 @@ TEST(Gpio, ClearingAPinTouchesOnlyItsNineWords) {
 }
 
 TEST(Gpio, FunctionNames) {
-    EXPECT_EQ(Unit::GPIO_Function_Name(0), "DISABLED");
-    EXPECT_EQ(Unit::GPIO_Function_Name(3), "FAN Thermo Control");
-    EXPECT_EQ(Unit::GPIO_Function_Name(9), "Custom GPO #1");
-    EXPECT_EQ(Unit::GPIO_Function_Name(19), "NOS Retard");
-    EXPECT_EQ(Unit::GPIO_Function_Name(21), "Speed Gauge");
-    EXPECT_EQ(Unit::GPIO_Function_Name(22), "DISABLED");
-    EXPECT_EQ(Unit::GPIO_Function_Name(23), "Timed Power Cut");
-    EXPECT_EQ(Unit::GPIO_Function_Name(25), "Boost Control");
-    EXPECT_EQ(Unit::GPIO_Function_Name(99), "GPIO ERROR: ENTRY NOT FOUND!");
-    EXPECT_EQ(Unit::GPIO_Function_Name(-1), "GPIO ERROR: ENTRY NOT FOUND!");
+    const OrbaCalibration cal;
+    EXPECT_EQ(cal.unit.GPIO_Function_Name(0), "DISABLED");
+    EXPECT_EQ(cal.unit.GPIO_Function_Name(3), "FAN Thermo Control");
+    EXPECT_EQ(cal.unit.GPIO_Function_Name(9), "Custom GPO #1");
+    EXPECT_EQ(cal.unit.GPIO_Function_Name(19), "NOS Retard");
+    EXPECT_EQ(cal.unit.GPIO_Function_Name(21), "Speed Gauge");
+    EXPECT_EQ(cal.unit.GPIO_Function_Name(22), "DISABLED");
+    EXPECT_EQ(cal.unit.GPIO_Function_Name(23), "Timed Power Cut");
+    EXPECT_EQ(cal.unit.GPIO_Function_Name(25), "Boost Control");
+    EXPECT_EQ(cal.unit.GPIO_Function_Name(99), "GPIO ERROR: ENTRY NOT FOUND!");
+    EXPECT_EQ(cal.unit.GPIO_Function_Name(-1), "GPIO ERROR: ENTRY NOT FOUND!");
 }
 
 // ---- On the fly

@@ -66,8 +66,7 @@ class RecordingHost : public UnitHost {
         if (!(value > maximum || value < minimum)) return false;
         displayWarning(1001, rangeText);
         sysLog(rangeText);
-        sysLog("Invalid Entry: " + numberText(value) + " -> " + numberText(minimum) + " " +
-               numberText(maximum));
+        sysLog("Invalid Entry: " + numberText(value) + " -> " + std::string(rangeText));
         return true;
     }
     void sysLog(std::string_view text) override { log.emplace_back(text); }

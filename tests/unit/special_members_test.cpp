@@ -55,11 +55,15 @@ TEST_F(SpecialMember, TheFirstToothOffsetGoesFrom1To58) {
 }
 
 TEST_F(SpecialMember, TheFirstToothOffsetTakesTheEnginesTeethWithANewProcessor) {
-    host.engines[{3, 7}] = {.toothMin = 4, .toothMax = 30};
-    unit.set("Option_Type", 7);
-    unit.hasPIC18(true);
-    EXPECT_EQ(refusal("TOFFSET1", 31), "(4 to 30 Tooth OffSet)");
-    EXPECT_TRUE(unit.set("TOFFSET1", 30));
+    host.engines[{4, 7}] = {.toothMin = 4, .toothMax = 30};
+    Unit lite(orbLiteKind(), host);
+    lite.set("Option_Type", 7);
+    lite.hasPIC18(true);
+    EXPECT_FALSE(lite.set("TOFFSET1", 31));
+    EXPECT_EQ(host.warnings.back().text, "(4 to 30 Tooth OffSet)");
+    EXPECT_TRUE(lite.set("TOFFSET1", 30));
+    lite.hasPIC18(false);
+    EXPECT_TRUE(lite.set("TOFFSET1", 31));
 }
 
 TEST_F(SpecialMember, TheSecondToothOffsetStartsAtTheFirst) {

@@ -2,38 +2,290 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <map>
+#include <set>
+#include <tuple>
+
 #include "base/errors.h"
 #include "unit/unit_fixture.h"
 
 namespace zentaq::testing {
 namespace {
 
-TEST(OrbaKind, HasItsConstants) {
-    const UnitKind& kind = *unitKindOfSlot(3);
-    EXPECT_EQ(kind.className, "clsORBA");
-    EXPECT_EQ(kind.model, "ORB A");
-    EXPECT_EQ(kind.fileKind, 3);
-    EXPECT_EQ(kind.extension, ".ZQ4OA");
-    EXPECT_EQ(kind.fileFilterExtension, "Zentaq4 ORBA File|*.ZQ4OA");
-    EXPECT_EQ(kind.fileFilter, 4);
-    EXPECT_EQ(kind.numGpio, 7);
-    EXPECT_EQ(kind.orbFileLength, 2327);
+TEST(OrbaKind, TakesNoTextShorterThanItsPrefix) {
+    OrbaCalibration cal;
+    EXPECT_TRUE(cal.unit.ValidFirmware("ZQA"));
+    EXPECT_FALSE(cal.unit.ValidFirmware("ZQ"));
+}
+
+struct KindRow {
+    int slot;
+    float fileKind;
+    const char* className;
+    const char* model;
+    const char* extension;
+    const char* filter;
+    const char* prefix;
+    int fileFilter;
+    float unknownFirmware;
+    int orbFileLength;
+    int numGpio;
+    std::vector<int> sizes;  ///< in the order of SizeConstants
+    std::uintmax_t fileBytes;
+};
+
+class Kinds : public ::testing::TestWithParam<KindRow> {
+ protected:
+    const KindRow& row = GetParam();
+    RecordingHost host;
+    Unit unit{*unitKindOfSlot(row.slot), host};
+};
+
+TEST_P(Kinds, HaveTheirConstants) {
+    const UnitKind& kind = unit.kind();
+    EXPECT_EQ(kind.slot, row.slot);
+    EXPECT_EQ(kind.fileKind, row.fileKind);
+    EXPECT_EQ(kind.className, row.className);
+    EXPECT_EQ(kind.model, row.model);
+    EXPECT_EQ(kind.extension, row.extension);
+    EXPECT_EQ(kind.fileFilterExtension, row.filter);
+    EXPECT_EQ(kind.fileFilter, row.fileFilter);
+    EXPECT_EQ(kind.orbFileLength, row.orbFileLength);
+    EXPECT_EQ(kind.numGpio, row.numGpio);
     const SizeConstants& sizes = kind.sizes;
     EXPECT_EQ((std::vector<int>{sizes.monitorLen, sizes.gpioLen, sizes.serialLen, sizes.binFirmLen,
                                 sizes.miscLen, sizes.codesLen, sizes.configLen, sizes.dataRecordLen,
                                 sizes.datalogMax, sizes.wCmdLen}),
-              (std::vector<int>{35, 21, 8, 39, 2, 16, 39, 33, 8736, 65}));
+              row.sizes);
 }
 
-TEST(OrbaKind, AcceptsFirmwareOfItsPrefix) {
-    OrbaCalibration cal;
-    EXPECT_TRUE(cal.unit.ValidFirmware("ZQA 5.10"));
-    EXPECT_TRUE(cal.unit.ValidFirmware("ZQA"));
-    EXPECT_FALSE(cal.unit.ValidFirmware("ZQD 5.10"));
-    EXPECT_FALSE(cal.unit.ValidFirmware("ZQ"));
-    EXPECT_FALSE(cal.unit.ValidFirmware(""));
-    EXPECT_FALSE(cal.unit.GPIO_Req());
-    EXPECT_FALSE(cal.unit.hasPIC18());
+TEST_P(Kinds, AcceptOnlyFirmwareOfTheirPrefix) {
+    for (const std::string prefix : {"ZQA", "ZQL", "ZQC", "ZQD", "ZPK"}) {
+        EXPECT_EQ(unit.ValidFirmware(prefix + " 5.10"), prefix == row.prefix) << prefix;
+    }
+    EXPECT_FALSE(unit.ValidFirmware(""));
+}
+
+TEST_P(Kinds, SaveFilesOfTheirOwnLengthThatOpenAgain) {
+    const TemporaryFolder folder;
+    const std::string path = folder.file(std::string("a") + row.extension);
+    unit.BinFile(path);
+    unit.AssignDirectIndex(7.5F, row.orbFileLength - 1);
+    unit.NOTES_TEXT("Dyno 3");
+    unit.SaveFile();
+    const std::string content = contentOf(path);
+    EXPECT_EQ(content.size(), row.fileBytes);
+    EXPECT_EQ(host.header().firmwareCode, row.unknownFirmware);
+
+    Unit again(unit.kind(), host);
+    again.FileOpen(path);
+    EXPECT_EQ(host.header().currentUnit, row.fileKind);
+    EXPECT_EQ(again.DirectIndex(row.orbFileLength - 1), 7.5F);
+    EXPECT_EQ(again.NOTES_TEXT(), "Dyno 3");
+    EXPECT_EQ(again.BiName(), "a                       ");
+    EXPECT_EQ(again.FW_Release() * 1000 + again.FW_Build(), row.unknownFirmware);
+}
+
+TEST_P(Kinds, KeepEveryCellOfTheirMembersInsideTheirFile) {
+    for (const Parameter& parameter : unit.kind().parameters) {
+        if (!parameter.hasCell()) continue;
+        EXPECT_LE(parameter.cell(parameter.count - 1), row.orbFileLength) << parameter.name;
+    }
+    EXPECT_LE(unit.kind().gpioBase + 9 * (row.numGpio + 1) - 1, row.orbFileLength);
+    EXPECT_EQ(unit.kind().cells.notes, row.orbFileLength);
+    EXPECT_LT(unit.kind().cells.notes + 499, unit.kind().fileFloats);
+}
+
+TEST_P(Kinds, GiveNoCellToTwoMembers) {
+    std::map<int, std::string> owners;
+    // Nibbles of one cell, the ratings, and the two names of one bit.
+    const std::set<std::string> sharing = {"TACHTYP", "INJ_Events", "MAP_BAR"};
+    for (const Parameter& parameter : unit.kind().parameters) {
+        const std::string name(parameter.name);
+        if (!parameter.hasCell() || sharing.contains(name) || name.starts_with("opt_")) continue;
+        for (int i = 0; i < parameter.count; ++i) {
+            const auto [place, fresh] = owners.emplace(parameter.cell(i), name);
+            EXPECT_TRUE(fresh) << name << " and " << place->second << " at " << parameter.cell(i);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Kinds,
+                         ::testing::Values(KindRow{3,
+                                                   3,
+                                                   "clsORBA",
+                                                   "ORB A",
+                                                   ".ZQ4OA",
+                                                   "Zentaq4 ORBA File|*.ZQ4OA",
+                                                   "ZQA",
+                                                   4,
+                                                   5099,
+                                                   2327,
+                                                   7,
+                                                   {35, 21, 8, 39, 2, 16, 39, 33, 8736, 65},
+                                                   11324},
+                                           KindRow{4,
+                                                   4,
+                                                   "clsORBALite",
+                                                   "ORB L",
+                                                   ".ZQ4OL",
+                                                   "Zentaq4 ORBL File|*.ZQ4OL",
+                                                   "ZQL",
+                                                   2,
+                                                   7099,
+                                                   2327,
+                                                   8,
+                                                   {28, 21, 8, 38, 2, 16, 39, 36, 2048, 66},
+                                                   11324},
+                                           KindRow{5,
+                                                   5,
+                                                   "clsPZK2",
+                                                   "PZK-2",
+                                                   ".ZQ4PZK",
+                                                   "Zentaq4 PZK-2 File|*.ZQ4PZK",
+                                                   "ZPK",
+                                                   3,
+                                                   5099,
+                                                   1200,
+                                                   3,
+                                                   {28, 21, 8, 38, 2, 16, 39, 34, 0, 23},
+                                                   6816},
+                                           KindRow{6,
+                                                   6,
+                                                   "clsORBC",
+                                                   "ORB C",
+                                                   ".ZQ4OC",
+                                                   "Zentaq4 ORBc File|*.ZQ4OC",
+                                                   "ZQC",
+                                                   6,
+                                                   3099,
+                                                   2326,
+                                                   12,
+                                                   {28, 21, 8, 38, 2, 16, 39, 40, 1820, 70},
+                                                   11320},
+                                           KindRow{7,
+                                                   7,
+                                                   "clsORBd",
+                                                   "ORB D",
+                                                   ".ZQ4OD",
+                                                   "Zentaq4 ORBd File|*.ZQ4OD",
+                                                   "ZQD",
+                                                   5,
+                                                   5099,
+                                                   2325,
+                                                   6,
+                                                   {28, 21, 8, 38, 2, 16, 39, 34, 2184, 62},
+                                                   11316},
+                                           KindRow{8,
+                                                   7,
+                                                   "clsORBd",
+                                                   "ORB D",
+                                                   ".ZQ4OD",
+                                                   "Zentaq4 ORBd File|*.ZQ4OD",
+                                                   "ZQD",
+                                                   5,
+                                                   5099,
+                                                   2325,
+                                                   6,
+                                                   {28, 21, 8, 38, 2, 16, 39, 34, 2184, 62},
+                                                   11316}),
+                         [](const auto& row) { return "Slot" + std::to_string(row.param.slot); });
+
+TEST(FileKinds, SelectTheirSlot) {
+    for (const int slot : {3, 4, 5, 6, 7, 8}) {
+        EXPECT_EQ(unitKindOfFile(static_cast<float>(slot)), unitKindOfSlot(slot));
+    }
+    for (const float none : {0.0F, 2.0F, 3.5F, 9.0F, -3.0F}) EXPECT_EQ(unitKindOfFile(none), nullptr);
+    EXPECT_EQ(unitKindOfFile(std::numeric_limits<float>::quiet_NaN()), nullptr);
+}
+
+TEST(NewProcessor, IsFixedOrWrittenByKind) {
+    RecordingHost host;
+    for (const auto& [slot, before, after] :
+         {std::tuple{3, false, false}, std::tuple{4, false, true}, std::tuple{5, false, true},
+          std::tuple{6, true, true}, std::tuple{7, true, true}, std::tuple{8, true, true}}) {
+        Unit unit(*unitKindOfSlot(slot), host);
+        EXPECT_EQ(unit.hasPIC18(), before) << slot;
+        unit.hasPIC18(true);
+        EXPECT_EQ(unit.hasPIC18(), after) << slot;
+        unit.hasPIC18(false);
+        EXPECT_EQ(unit.hasPIC18(), before) << slot;
+    }
+}
+
+TEST(PinRequest, FollowsTheListThatTheLinkHasReadWhereFramesLackThePins) {
+    RecordingHost host;
+    for (const auto& [slot, before, after] :
+         {std::tuple{3, false, false}, std::tuple{4, false, true}, std::tuple{5, true, true},
+          std::tuple{6, false, true}, std::tuple{7, false, true}, std::tuple{8, false, true}}) {
+        Unit unit(*unitKindOfSlot(slot), host);
+        EXPECT_EQ(unit.GPIO_Req(), before) << slot;
+        unit.gpioListRead(true);
+        EXPECT_EQ(unit.GPIO_Req(), after) << slot;
+        unit.gpioListRead(false);
+        EXPECT_EQ(unit.GPIO_Req(), before) << slot;
+    }
+}
+
+class Pzk2 : public ::testing::Test {
+ protected:
+    RecordingHost host;
+    Unit unit{pzk2Kind(), host};
+};
+
+TEST_F(Pzk2, LacksTheFuelSideInSilence) {
+    for (const char* member : {"VE", "SPW", "Get_AFR", "FuelTrim", "scale1", "INJ_On", "EGO_Type", "ACE0",
+                               "CLTTBL", "IAC_Start", "MinDuty", "MaxDuty", "BATCom", "CYL_OvrThr"}) {
+        EXPECT_FALSE(unit.has(member)) << member;
+        EXPECT_EQ(unit.get(member, 5), 0) << member;
+        EXPECT_FALSE(unit.set(member, 5, 5)) << member;
+    }
+    EXPECT_TRUE(host.inputChecks.empty());
+}
+
+TEST_F(Pzk2, HasTablesOf16By16OnFixedAxes) {
+    for (const char* table : {"ADV", "GPO1", "GPO2"}) {
+        unit.SET_TBL_DIMENSIONS(table, "ROWS", 8);
+        unit.SET_TBL_AXIS_TYPE(table, "ROW-AXIS", "CLT");
+        EXPECT_EQ(unit.GET_TBL_DIMENSIONS(table, "ROWS"), 16);
+        EXPECT_EQ(unit.GET_TBL_DIMENSIONS(table, "COLS"), 16);
+        EXPECT_EQ(unit.GET_TBL_AXIS_TYPE(table, "ROW-AXIS"), "BLEND MAP");
+        EXPECT_EQ(unit.GET_TBL_AXIS_TYPE(table, "COL-AXIS"), "RPM");
+    }
+    for (int cell = 1058; cell <= 1200; ++cell) EXPECT_EQ(unit.DirectIndex(cell), 0) << cell;
+}
+
+TEST_F(Pzk2, TakesItsAxesAsTheStopPointsOfTheOutputTables) {
+    EXPECT_TRUE(unit.Set_GPO_Stop(4500, 3, "X-Axis", "GPO2"));
+    EXPECT_EQ(unit.get("RPMTBL", 3), 4500);
+    EXPECT_EQ(unit.Get_GPO_Stop(3, "X-Axis", "GPO1"), 4500);
+    EXPECT_EQ(unit.DirectIndex(192 + 6), 4500);
+    unit.set("MAPTBL", 60, 2);
+    EXPECT_EQ(unit.Get_GPO_Stop(2, "Y-Axis", "GPO1"), unit.get("MAPTBL", 2));
+    EXPECT_FALSE(unit.Set_GPO_Stop(20001, 0, "X-Axis", "GPO1"));
+    EXPECT_EQ(host.warnings.back().text, "(0 to 20000 RPM)");
+}
+
+TEST_F(Pzk2, OpensWithoutSeedingStopPointsShapesOrTrims) {
+    const TemporaryFolder folder;
+    const std::string path = folder.file("a.ZQ4PZK");
+    unit.BinFile(path);
+    unit.SaveFile();
+    Unit again(pzk2Kind(), host);
+    again.FileOpen(path);
+    for (int cell = 190; cell < 3001; ++cell) EXPECT_EQ(again.DirectIndex(cell), 0) << cell;
+}
+
+TEST_F(Pzk2, HasAnImageOf64Records) {
+    unit.FW_Release(5);
+    unit.ConvertData();
+    const std::string text = unit.sRecordText();
+    EXPECT_EQ(std::ranges::count(text, '\n'), 64 + 1);
+    EXPECT_EQ(unit.memoryBytes().size(), 1024);
+    EXPECT_EQ(text.substr(63 * 44, 8), "S11314F0");  // 0x1100 + 1008
 }
 
 TEST(Slots, WithoutAnObjectHaveNoDescription) {

@@ -1,0 +1,282 @@
+#include "config/display.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <optional>
+
+#include "base/errors.h"
+#include "base/number_text.h"
+#include "base/rounding.h"
+#include "base/text.h"
+#include "config/gui_rules.h"
+#include "unit/temperature.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr int trimsPage = 34;
+constexpr int notesLength = 500;
+
+bool isPressure(const Parameter& parameter) {
+    return parameter.unit == "MAP";
+}
+
+bool isTemperature(const Parameter& parameter) {
+    return parameter.unit == "Celsius";
+}
+
+// ---- The engine
+
+/// The engine list is asked for the kind's own number. kept: the display of the ORB D reads the engines of
+/// kind 4; the rows of its own kind serve the choice of an engine and the tach codes only.
+struct EngineKind {
+    int slot, asked;
+};
+constexpr std::array engineKinds{EngineKind{7, 4}, EngineKind{8, 4}};
+
+int engineKindOf(const Unit& unit) {
+    const auto found = std::ranges::find(engineKinds, unit.kind().slot, &EngineKind::slot);
+    return found == engineKinds.end() ? unit.kind().slot : found->asked;
+}
+
+/// An engine that the list lacks leaves the split as it was and the table open.
+void showEngine(Unit& unit, Display& shown) {
+    std::optional<EngineFacts> engine;
+    if (unit.kind().hasCalibration) {
+        skipFailing(
+            [&] { engine = unit.host().engine(engineKindOf(unit), toInt16(unit.get("Option_Type"))); });
+    }
+    if (engine) {
+        shown.editDfub = engine->editDfub;
+        unit.DefaultSplit(engine->defaultSplit);
+    }
+    shown.defaultSplit = unit.DefaultSplit();
+}
+
+// ---- Numbers
+
+std::string valueText(Unit& unit, const FieldRow& row, const Parameter& parameter, int element) {
+    float value = unit.read(parameter, element);
+    if (isPressure(parameter)) value = roundTo(value, unit.MAPPrecision() + row.moreDecimals);
+    if (isTemperature(parameter) && unit.host().fahrenheit()) value = toFahrenheit(value);
+    return numberText(value);
+}
+
+std::string unitText(const Unit& unit, const FieldRow& row, const Parameter& parameter) {
+    if (isPressure(parameter)) return unit.MAPUnits() + std::string(row.unitTail);
+    if (isTemperature(parameter) && unit.host().fahrenheit()) return "Fahrenheit";
+    return std::string(parameter.unit);
+}
+
+/// A cell of the sensor's curve lies between its neighbours; the ends are bounded by the member's own range.
+std::string curveRange(Unit& unit, const Parameter& parameter, int element) {
+    const Limits limits = unit.limits(parameter.name, element);
+    const bool rising = unit.read(parameter, 0) < unit.read(parameter, parameter.count - 1);
+    const bool first = element == 0;
+    const bool last = element == parameter.count - 1;
+    const float left = first ? (rising ? limits.minimum : limits.maximum) : unit.read(parameter, element - 1);
+    const float right = last ? (rising ? limits.maximum : limits.minimum) : unit.read(parameter, element + 1);
+    return "(" + numberText(std::min(left, right)) + " to " + numberText(std::max(left, right)) + " AFR, 2)";
+}
+
+std::string rangeText(Unit& unit, const Parameter& parameter, int element) {
+    if (parameter.name == "Y") return curveRange(unit, parameter, element);
+    const Limits limits = unit.limits(parameter.name, element);
+    if (!std::isfinite(limits.minimum) || !std::isfinite(limits.maximum)) return {};
+    const bool converts = isTemperature(parameter) && unit.host().fahrenheit();
+    if (!converts || std::holds_alternative<RangeOf>(parameter.range)) return limits.text;
+    return "(" + numberText(toFahrenheit(limits.minimum)) + " to " +
+           numberText(toFahrenheit(limits.maximum)) + " Degrees Fahrenheit)";
+}
+
+// ---- Axes. Twenty cells spread over what the unit can measure, both ends included.
+
+double spread(double low, double high, int element, int count) {
+    return low + (high - low) * element / (count - 1);
+}
+
+std::string temperatureAt(const Unit& unit, int element, int count) {
+    const auto celsius = static_cast<float>(spread(-40, 150, element, count));
+    return numberText(unit.host().fahrenheit() ? toFahrenheit(celsius) : celsius);
+}
+
+/// Volts of a full byte, as the live frames scale it.
+double batteryTop(const Unit& unit) {
+    const bool orbA = unit.kind().className == "clsORBA";
+    return 255 * (orbA ? 0.067432 : 0.078431);
+}
+
+std::string axisText(Unit& unit, const FieldRow& row, int element, int count) {
+    constexpr double retardInputVolts = 5;
+    switch (row.axis) {
+        case FieldAxis::None:
+            return {};
+        case FieldAxis::Number:
+            return numberText(element + 1);
+        case FieldAxis::Temperature:
+            return temperatureAt(unit, element, count);
+        case FieldAxis::AirTemperature:
+            if (!ignitionOnly(unit)) return temperatureAt(unit, element, count);
+            return formatNumber(spread(0, retardInputVolts, element, count), "0.00");
+        case FieldAxis::BatteryVolts:
+            return formatNumber(spread(0, batteryTop(unit), element, count), "#0.0");
+        case FieldAxis::Speed:
+            return numberText(unit.get("RPMTBL", element));
+    }
+    return {};
+}
+
+// ---- Fields
+
+struct ChoiceText {
+    std::string_view control;
+    int value;
+    std::string_view text;
+};
+constexpr std::array choiceTexts{ChoiceText{"cmbCams", 0, "Street / Stock"},
+                                 ChoiceText{"cmbCams", 1, "Race / High Perf"}};
+
+std::string choiceText(Unit& unit, const FieldRow& row, const Parameter& parameter,
+                       const DisplayNames& names) {
+    if (row.control == "cmbEngine" && !names.engine.empty()) return names.engine;
+    if (row.control == "cmbMAPSensors" && !names.sensor.empty()) return names.sensor;
+    for (const ChoiceText& choice : choiceTexts) {
+        const bool set = unit.read(parameter) != 0;
+        if (choice.control == row.control && choice.value == (set ? 1 : 0)) return std::string(choice.text);
+    }
+    return valueText(unit, row, parameter, 0);
+}
+
+void showValue(Unit& unit, const FieldRow& row, const DisplayNames& names, ShownField& field) {
+    const Parameter* parameter = parameterOf(unit, row);
+    switch (row.kind) {
+        case FieldKind::Notes:
+            field.text = unit.NOTES_TEXT();
+            return;
+        case FieldKind::Option:
+        case FieldKind::Check:
+            skipFailing([&] { field.checked = fieldIsOn(unit, row); });
+            return;
+        case FieldKind::Choice:
+            skipFailing([&] { field.text = choiceText(unit, row, *parameter, names); });
+            return;
+        case FieldKind::Number:
+        case FieldKind::Fact:
+            break;
+    }
+    skipFailing([&] { field.text = valueText(unit, row, *parameter, field.element); });
+    skipFailing([&] { field.range = rangeText(unit, *parameter, field.element); });
+    skipFailing([&] { field.axis = axisText(unit, row, field.element, parameter->count); });
+    field.unit = unitText(unit, row, *parameter);
+}
+
+std::string helpOf(const GuiRules& rules, const FieldRow& row, const Parameter* parameter) {
+    if (!row.help.empty()) return std::string(row.help);
+    if (parameter != nullptr && !parameter->help.empty()) return std::string(parameter->help);
+    return rules.page(row.page)->help;
+}
+
+void showRow(Unit& unit, const FieldRow& row, const ControlRule& rule, const GuiRules& rules,
+             const DisplayNames& names, Display& shown) {
+    int elements = 0;
+    skipFailing([&] { elements = shownElements(unit, row); });
+    for (int element = 0; element < elements; ++element) {
+        ShownField field;
+        field.page = row.page;
+        field.control = row.control;
+        field.element = element;
+        field.member = row.member;
+        field.visible = rule.visible;
+        field.enabled = rule.enabled && (row.control != "DualPLG" || shown.editDfub);
+        field.caption = rule.caption;
+        field.help = helpOf(rules, row, parameterOf(unit, row));
+        field.sentOnTheFly = sentOnTheFly(unit, row);
+        showValue(unit, row, names, field);
+        shown.fields.push_back(std::move(field));
+    }
+}
+
+void showFields(Unit& unit, const DisplayNames& names, Display& shown) {
+    const GuiRules rules = guiRules(unit);
+    const auto rows = fieldRows();
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        if (rules.controls[i].visible) showRow(unit, rows[i], rules.controls[i], rules, names, shown);
+    }
+    if (rules.pageVisible(trimsPage) && unit.get("CYL_Number") == 0) {
+        shown.notices.push_back({trimsPage, "NO ENGINE CONFIGURATION CURRENTLY SELECTED"});
+    }
+}
+
+std::string unknownSensor(Unit& unit) {
+    const int places = unit.MAPPrecision();
+    return "Unknown (Range: " + numberText(roundTo(unit.MAPMin(), places)) + " to " +
+           numberText(roundTo(unit.MAPMax(), places)) + " " + unit.MAPUnits() + ")";
+}
+
+}  // namespace
+
+const ShownField* Display::field(std::string_view control, int element) const {
+    const std::string wanted = upper(control);
+    const auto found = std::ranges::find_if(fields, [&](const ShownField& field) {
+        return field.element == element && upper(field.control) == wanted;
+    });
+    return found == fields.end() ? nullptr : &*found;
+}
+
+std::vector<const ShownField*> Display::page(int number) const {
+    std::vector<const ShownField*> shown;
+    for (const ShownField& field : fields) {
+        if (field.page == number) shown.push_back(&field);
+    }
+    return shown;
+}
+
+DisplayNames displayNames(Unit& unit, const Database* database) {
+    DisplayNames names;
+    if (!unit.kind().hasCalibration) return names;
+    skipFailing([&] { names.sensor = unknownSensor(unit); });
+    if (database == nullptr) return names;
+    skipFailing([&] {
+        const int kind = toInt16(unit.kind().fileKind);
+        const auto engine = database->engine(kind, toInt16(unit.get("Option_Type")));
+        if (engine) names.engine = engine->displayValue;
+    });
+    skipFailing([&] {
+        const auto sensor = database->mapSensorByValues(unit.get("MAP_Scaler"), unit.get("MAP_Offset"));
+        if (sensor) names.sensor = sensor->description;
+    });
+    return names;
+}
+
+Display display(Unit& unit, const DisplayNames& names) {
+    Display shown;
+    showEngine(unit, shown);
+    showFields(unit, names, shown);
+    shown.mapUnits = unit.MAPUnits();
+    if (const ShownField* type = shown.field("EGO_Type"))
+        shown.egoType = static_cast<float>(numberOf(type->text));
+    shown.onFly = unit.ONFLY_MODE();
+    shown.onFlyPanel = shown.onFly ? "ONFLY" : "";
+    if (const ShownField* notes = shown.field("txtNotesSection"))
+        shown.notesCounter = notesCounter(notes->text);
+    return shown;
+}
+
+std::string notesCounter(std::string_view notes) {
+    const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; };
+    const auto characters = std::ranges::count_if(notes, [&](char c) { return !continues(c); });
+    return "(" + numberText(static_cast<int>(characters)) + " of " + numberText(notesLength) + " characters)";
+}
+
+std::string fieldEntry(const Unit& unit, const FieldRow& row, std::string_view shown) {
+    const Parameter* parameter = parameterOf(unit, row);
+    const bool converts = parameter != nullptr && isTemperature(*parameter) && !row.writerTakesShown &&
+                          unit.host().fahrenheit();
+    const auto number = parseNumber(shown);
+    if (!converts || !number) return std::string(shown);
+    return numberText(toCelsius(static_cast<float>(*number)));
+}
+
+}  // namespace zentaq

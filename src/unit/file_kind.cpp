@@ -1,0 +1,54 @@
+#include "unit/file_kind.h"
+
+#include <array>
+#include <filesystem>
+#include <span>
+#include <system_error>
+
+#include "base/errors.h"
+#include "unit/file_floats.h"
+#include "unit/safe_file.h"
+#include "unit/unit_kind.h"
+
+namespace zentaq {
+
+namespace {
+
+struct LengthOfKind {
+    std::uintmax_t bytes;
+    int slot;
+};
+
+/// Calibration files from before their first number named the kind.
+constexpr std::array unnamedLengths = {LengthOfKind{8718, 3}, LengthOfKind{9324, 4}, LengthOfKind{9320, 6},
+                                       LengthOfKind{9316, 7}, LengthOfKind{4816, 5}};
+constexpr std::array oldLengths = {LengthOfKind{8704, 3}, LengthOfKind{8720, 3}, LengthOfKind{9312, 4},
+                                   LengthOfKind{4804, 5}};
+
+int slotOf(std::span<const LengthOfKind> lengths, std::uintmax_t bytes) {
+    for (const LengthOfKind& row : lengths) {
+        if (row.bytes == bytes) return row.slot;
+    }
+    return 0;
+}
+
+}  // namespace
+
+CalibrationFileKind kindOfCalibrationFile(const std::string& path) {
+    constexpr std::size_t headerFloats = 3;
+    const std::string header = readFileStart(path, headerFloats * floatBytes);
+    if (header.size() < headerFloats * floatBytes) {
+        throw FileError(path + " is no calibration file: it ends inside its header");
+    }
+    const UnitKind* named = unitKindOfFile(floatAt(header, 0));
+    if (named != nullptr) return {named->slot, false, floatAt(header, 1)};
+    std::error_code error;
+    const auto length = std::filesystem::file_size(path, error);
+    return {error ? 0 : slotOf(unnamedLengths, length), true, 0};
+}
+
+int kindOfOldFile(std::uintmax_t length) {
+    return slotOf(oldLengths, length);
+}
+
+}  // namespace zentaq

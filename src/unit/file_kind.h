@@ -1,0 +1,23 @@
+// Which unit kind a file on the disk is for: by its first number, or by its exact length.
+// The main window and the tools ask here, so that they take the same files.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace zentaq {
+
+/// What the head of a calibration file tells.
+struct CalibrationFileKind {
+    int slot = 0;              ///< kind of the unit, 3 to 8; 0: no calibration file
+    bool byLength = false;     ///< the first number names no kind, the length does
+    float programVersion = 0;  ///< of the program that wrote it; of no meaning when known by its length
+};
+
+/// Throws FileError when the file cannot be read or ends inside its header of 12 bytes.
+CalibrationFileKind kindOfCalibrationFile(const std::string& path);
+
+/// The kind of an older generation's file (".BIN") of so many bytes: 3, 4 or 5; 0 for none.
+int kindOfOldFile(std::uintmax_t length);
+
+}  // namespace zentaq

@@ -1,0 +1,54 @@
+// The functions that an input/output pin can have, one row each: code, texts, direction, the kinds that offer
+// it. Lists for the tuner, names for print-outs and the dashboard all read this table.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace zentaq {
+
+/// What a pin or a function is for.
+enum class GpioSide : std::uint8_t { Output, Input, Both };
+
+/// A set of unit kinds.
+using GpioKinds = std::uint8_t;
+namespace gpio_kinds {
+inline constexpr GpioKinds orbA = 1;
+inline constexpr GpioKinds orbL = 2;
+inline constexpr GpioKinds orbC = 4;
+inline constexpr GpioKinds orbD = 8;  ///< both sizes
+inline constexpr GpioKinds pzk2 = 16;
+inline constexpr GpioKinds noUnit = 128;  ///< clsNull
+inline constexpr GpioKinds withFuel = orbA | orbL | orbC | orbD;
+inline constexpr GpioKinds all = 255;
+}  // namespace gpio_kinds
+
+namespace gpio_code {
+inline constexpr int timedAdvance = 20;
+inline constexpr int speedInput = 21;
+}  // namespace gpio_code
+
+/// Which firmware a function needs to be offered.
+enum class GpioNeeds : std::uint8_t { Nothing, DatalogFirmware, BoostFirmware };
+
+struct GpioFunction {
+    int code = 0;
+    std::string_view listText;  ///< in the list of functions
+    std::string_view name;      ///< everywhere else
+    GpioSide side = GpioSide::Both;
+    GpioKinds offeredOn = gpio_kinds::all;
+    GpioKinds namedOn = gpio_kinds::all;  ///< kinds on which the code has this name, offered or not
+    bool onePinOnly = false;              ///< offered as long as no other input pin has it
+    int speedInput = 0;                   ///< 1 or 2: only on the pin with this speed input
+    GpioNeeds needs = GpioNeeds::Nothing;
+    int recordsRelease = 0;  ///< the release that the ORB L writes down when none is known; 0: none
+};
+
+/// All functions in the order of the lists: outputs, then inputs.
+std::span<const GpioFunction> gpioFunctions();
+
+/// The row that names a code on a kind, nullptr for a code that the kind does not know.
+const GpioFunction* gpioFunctionOf(GpioKinds kind, int code);
+
+}  // namespace zentaq

@@ -1,0 +1,240 @@
+#include "unit/gpio_model.h"
+
+#include <algorithm>
+#include <numbers>
+
+#include "base/errors.h"
+#include "base/number_text.h"
+#include "base/rounding.h"
+#include "unit/temperature.h"
+#include "unit/unit.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr int emptyCheck = 1003;
+constexpr int numericCheck = 1000;
+
+// The parameters of a speed input. The first is what the unit takes.
+constexpr int pulsesPerMileParameter = 0;
+constexpr int tireDiameterParameter = 3;
+constexpr int axleRatioParameter = 4;
+constexpr int pulsesPerTurnParameter = 5;
+
+std::string textOf(const GpioPin& pin, std::size_t wireColumn) {
+    std::string text = numberText(pin.number) + " " + std::string(pin.what);
+    text.resize(std::max(text.size() + 1, wireColumn), ' ');
+    return text + "(pin " + std::string(pin.wire) + ")";
+}
+
+std::string filledIn(std::string_view label, std::string_view name) {
+    constexpr std::string_view gap = "{}";
+    std::string text(label);
+    if (const auto at = text.find(gap); at != std::string::npos) text.replace(at, gap.size(), name);
+    return text;
+}
+
+std::string joined(const std::string& label, const std::string& hint) {
+    if (hint.empty()) return label;
+    return label + (label.ends_with(' ') ? "" : " ") + hint;
+}
+
+bool hasValue(GpioRowForm form) {
+    using enum GpioRowForm;
+    return form == Number || form == Temperature || form == Pressure || form == PressureHint;
+}
+
+bool isPressure(GpioRowForm form) {
+    return form == GpioRowForm::Pressure || form == GpioRowForm::PressureHint;
+}
+
+std::string wordOf(const Unit& unit, const GpioRow& row) {
+    if (isPressure(row.form)) return unit.MAPUnits();
+    if (row.form == GpioRowForm::Temperature) return unit.host().fahrenheit() ? "°F" : "°C";
+    return std::string(row.word);
+}
+
+FirmwareVersion firmwareOf(const Unit& unit) {
+    return {unit.FW_Release(), unit.FW_Build()};
+}
+
+bool takes(GpioSide pin, GpioSide function) {
+    return pin == function || pin == GpioSide::Both || function == GpioSide::Both;
+}
+
+}  // namespace
+
+float gpioPulsesPerMile(float tireDiameter, float axleRatio, float pulsesPerTurn) {
+    constexpr double inchesPerMile = 63360;
+    const double wheelTurns = inchesPerMile / (std::numbers::pi * static_cast<double>(tireDiameter));
+    return static_cast<float>(wheelTurns * static_cast<double>(axleRatio) *
+                              static_cast<double>(pulsesPerTurn));
+}
+
+// ---- Pins
+
+const GpioPins& GpioModel::pins() const {
+    return gpioPinsOf(unit_.kind());
+}
+
+std::vector<GpioPinRow> GpioModel::Show_GPIO() const {
+    std::vector<GpioPinRow> rows;
+    for (const GpioPin& pin : pins().rows) {
+        if (unit_.FW_Release() < pin.fromRelease) continue;
+        rows.push_back({textOf(pin, pins().wireColumn), pin.pin});
+    }
+    return rows;
+}
+
+std::string GpioModel::tagOf(const std::vector<GpioPinRow>& rows) {
+    std::string tag;
+    for (const GpioPinRow& row : rows) tag += formatNumber(row.pin, "00");
+    return tag;
+}
+
+int GpioModel::storedCode(int pin) const {
+    // A file may hold anything here. What is no code is a function that no list has.
+    int code = -1;
+    const float word = unit_.gpioFunctionWord(pin);
+    skipFailing([&] { code = toInt16(static_cast<double>(word)); });
+    return code;
+}
+
+// ---- Functions
+
+bool GpioModel::elsewhere(int code, int pin) const {
+    return std::ranges::any_of(pins().rows, [&](const GpioPin& other) {
+        return other.pin != pin && other.side != GpioSide::Output && storedCode(other.pin) == code;
+    });
+}
+
+bool GpioModel::firmwareAllows(const GpioFunction& function) const {
+    const float code = unit_.host().header().firmwareCode;
+    const int release = unit_.FW_Release();
+    const bool unknown = code == 0 && release == 0 && unit_.FW_Build() == 0;
+    // Choosing such a function is what tells the firmware.
+    if (unknown && pins().recordsRelease && function.recordsRelease != 0) return true;
+    constexpr float firstNumbered = 1000;
+    switch (function.needs) {
+        case GpioNeeds::DatalogFirmware:
+            return code < firstNumbered ? release >= 2 : release != 0;
+        case GpioNeeds::BoostFirmware:
+            // kept: a code counts in thousands, so any code that tells a firmware passes.
+            return code >= 4 || release >= 4;
+        case GpioNeeds::Nothing:
+            break;
+    }
+    return true;
+}
+
+bool GpioModel::offers(const GpioFunction& function, const GpioPin& pin) const {
+    if ((function.offeredOn & pins().kind) == 0 || !takes(pin.side, function.side)) return false;
+    if (function.speedInput != 0) {
+        const auto at = static_cast<std::size_t>(function.speedInput - 1);
+        if (pins().speedPins.at(at) != pin.pin) return false;
+    }
+    if (!firmwareAllows(function)) return false;
+    if (!function.onePinOnly) return true;
+    return storedCode(pin.pin) == function.code || !elsewhere(function.code, pin.pin);
+}
+
+GpioFunctionList GpioModel::Show_GPIO_Func(int pin) const {
+    GpioFunctionList list;
+    const GpioPin* row = pins().find(pin);
+    if (row == nullptr) return list;
+    for (const GpioFunction& function : gpioFunctions()) {
+        if (!offers(function, *row)) continue;
+        if (function.code == storedCode(pin)) list.selected = static_cast<int>(list.items.size());
+        list.items.push_back({std::string(function.listText), function.code});
+    }
+    return list;
+}
+
+GpioChoice GpioModel::choose(int pin, int code) {
+    if (unit_.ONFLY_MODE()) return GpioChoice::UnitInUse;
+    if (storedCode(pin) == code) return GpioChoice::Unchanged;
+    unit_.Zeroize_GPIO(pin);
+    unit_.Set_GPIO_Func(pin, code);
+    return GpioChoice::Changed;
+}
+
+// ---- Parameters
+
+float GpioModel::fromCell(const GpioRow& row, float cell) const {
+    if (row.form == GpioRowForm::Temperature) return unit_.host().fahrenheit() ? toFahrenheit(cell) : cell;
+    // A cell of 0 is one that was never set.
+    if (!isPressure(row.form) || cell == 0) return cell;
+    return roundTo(unit_.voltsToPressure(unit_.KpaToVolts(cell)), unit_.MAPPrecision());
+}
+
+float GpioModel::toCell(const GpioRow& row, float value) const {
+    if (row.form == GpioRowForm::Temperature) return unit_.host().fahrenheit() ? toCelsius(value) : value;
+    return isPressure(row.form) ? unit_.voltsToKPa(unit_.pressureToVolts(value)) : value;
+}
+
+GpioLimits GpioModel::limitsOf(const GpioRow& row, const std::string& word) const {
+    if (row.minimum == row.maximum) {
+        GpioLimits limits = gpioLimitsOf(unit_, word);
+        if (row.step > 0) {
+            limits.step = row.step;
+            limits.stepText = std::string(row.hint);
+        }
+        return limits;
+    }
+    return {.minimum = row.minimum,
+            .maximum = row.maximum,
+            .text = std::string(row.ownText.empty() ? row.hint : row.ownText)};
+}
+
+GpioParamRow GpioModel::shown(const GpioRow& row, int pin, int code) const {
+    GpioParamRow result;
+    result.label = filledIn(row.label, unit_.GPIO_Function_Name(code));
+    result.hint = std::string(row.hint);
+    result.form = row.form;
+    if (hasValue(row.form)) {
+        result.unit = wordOf(unit_, row);
+        result.parameter = row.parameter;
+        result.limits = limitsOf(row, result.unit);
+        result.value = numberText(fromCell(row, unit_.Get_GPIO_Param(pin, row.parameter)));
+    }
+    if (row.form == GpioRowForm::PressureHint) result.hint = result.limits.text;
+    result.mode = joined(result.label, result.hint);
+    return result;
+}
+
+std::vector<GpioParamRow> GpioModel::Show_GPIO_Param(int pin, int code) {
+    live_ = true;
+    std::vector<GpioParamRow> rows;
+    for (const GpioRow& row : gpioRowsOf(pins().kind, code, firmwareOf(unit_))) {
+        rows.push_back(shown(row, pin, code));
+    }
+    return rows;
+}
+
+bool GpioModel::enter(int pin, int row, std::string_view text) {
+    const auto rows = gpioRowsOf(pins().kind, storedCode(pin), firmwareOf(unit_));
+    if (row < 0 || row >= static_cast<int>(rows.size())) return false;
+    const GpioRow& edited = rows[static_cast<std::size_t>(row)];
+    if (!hasValue(edited.form)) return false;
+    UnitHost& host = unit_.host();
+    if (host.checkInput(emptyCheck, text) || host.checkInput(numericCheck, text)) return false;
+    const auto number = parseNumber(text);
+    if (!number) return false;
+    const auto value = static_cast<float>(*number);
+    if (!gpioAccepts(unit_, limitsOf(edited, wordOf(unit_, edited)), value)) return false;
+    unit_.Set_GPIO_Param(pin, edited.parameter, toCell(edited, value));
+    updatePulses(pin, edited.parameter);
+    return true;
+}
+
+void GpioModel::updatePulses(int pin, int parameter) {
+    if (storedCode(pin) != gpio_code::speedInput || parameter == pulsesPerMileParameter) return;
+    const float diameter = unit_.Get_GPIO_Param(pin, tireDiameterParameter);
+    const float ratio = unit_.Get_GPIO_Param(pin, axleRatioParameter);
+    const float pulses = unit_.Get_GPIO_Param(pin, pulsesPerTurnParameter);
+    if (diameter == 0 || ratio == 0 || pulses == 0) return;
+    unit_.Set_GPIO_Param(pin, pulsesPerMileParameter, gpioPulsesPerMile(diameter, ratio, pulses));
+}
+
+}  // namespace zentaq

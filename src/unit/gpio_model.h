@@ -1,0 +1,105 @@
+// The input/output manager without its window: pins, functions and parameters of a calibration as lists,
+// the check of an entry, and the rules of choosing a function.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "unit/gpio_limits.h"
+#include "unit/gpio_pins.h"
+#include "unit/gpio_rows.h"
+
+namespace zentaq {
+
+class Unit;
+
+/// One row of the pin list.
+struct GpioPinRow {
+    std::string text;
+    int pin = 0;
+};
+
+/// The functions that a pin may have.
+struct GpioFunctionList {
+    struct Item {
+        std::string text;
+        int code = 0;
+    };
+    static constexpr int nothing = -1;
+    std::vector<Item> items;
+    int selected = nothing;  ///< item of the stored code; `nothing` when the list does not have it
+};
+
+/// One row of the parameter list: the columns "Mode", "Value" and "Unit", and what its entry must be.
+struct GpioParamRow {
+    std::string mode;   ///< label and hint
+    std::string label;  ///< with the function's name, with the system's own trailing blanks
+    std::string hint;
+    std::string value;  ///< in the shown unit; empty for an action
+    std::string unit;
+    int parameter = -1;  ///< what it edits, from 0; -1 for an action or a notice
+    GpioRowForm form = GpioRowForm::Number;
+    GpioLimits limits;
+};
+
+/// What came of choosing a function.
+enum class GpioChoice : std::uint8_t {
+    Changed,    ///< all parameters of the pin are 0 now
+    Unchanged,  ///< the pin has this function already; nothing was touched
+    UnitInUse   ///< refused: `gpioUnitInUseText` tells why, and the lists show the stored function
+};
+inline constexpr std::string_view gpioUnitInUseText =
+    "GPIO function cannot be changed ONFLY.\nPlease turn the unit off or disconnect the serial cable.";
+inline constexpr std::string_view gpioUnitInUseTitle = "Unit Connected";
+
+/// Pulses of a speed sensor on the drive shaft in one mile. The tire's diameter is in inches.
+float gpioPulsesPerMile(float tireDiameter, float axleRatio, float pulsesPerTurn);
+
+class GpioModel {
+ public:
+    explicit GpioModel(Unit& unit) : unit_(unit) {}
+
+    /// The pins that the kind and its firmware have.
+    std::vector<GpioPinRow> Show_GPIO() const;
+    /// Two digits for each row: the pin behind it, "00010203040506".
+    static std::string tagOf(const std::vector<GpioPinRow>& rows);
+
+    /// The functions for a pin. Empty for a pin without a row.
+    GpioFunctionList Show_GPIO_Func(int pin) const;
+
+    /// The parameters of function `code` with the values of the pin. The list stays live until CloseGPIO.
+    std::vector<GpioParamRow> Show_GPIO_Param(int pin, int code);
+    void CloseGPIO() { live_ = false; }
+    /// A list of parameters is shown: it must follow changes of scale and values.
+    bool parametersLive() const { return live_; }
+
+    /// Gives a pin another function, with all parameters 0. BoundsError for a pin that the kind does not
+    /// have.
+    GpioChoice choose(int pin, int code);
+
+    /// Checks a typed value for a row of the pin's stored function and stores it; with ONFLY_MODE the unit is
+    /// told. False when refused: the user has been told, the value is as it was. Rows without a value refuse
+    /// in silence.
+    bool enter(int pin, int row, std::string_view text);
+
+    /// The stored code, whatever IndexPolling says. BoundsError for a pin that the kind does not have.
+    int storedCode(int pin) const;
+
+ private:
+    bool offers(const GpioFunction& function, const GpioPin& pin) const;
+    bool firmwareAllows(const GpioFunction& function) const;
+    bool elsewhere(int code, int pin) const;
+    const GpioPins& pins() const;
+    GpioParamRow shown(const GpioRow& row, int pin, int code) const;
+    GpioLimits limitsOf(const GpioRow& row, const std::string& word) const;
+    float fromCell(const GpioRow& row, float cell) const;
+    float toCell(const GpioRow& row, float value) const;
+    void updatePulses(int pin, int parameter);
+
+    Unit& unit_;
+    bool live_ = false;
+};
+
+}  // namespace zentaq

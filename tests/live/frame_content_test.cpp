@@ -1,0 +1,66 @@
+// Which live values a reply carries.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+#include <string_view>
+
+#include "live/frame_decoder.h"
+#include "live/live_fields.h"
+
+namespace zentaq {
+namespace {
+
+bool carries(const FrameContent& content, LiveTarget target) {
+    return std::ranges::find(content.values, target) != content.values.end();
+}
+
+TEST(LiveFields, HaveOneNameEach) {
+    std::set<std::string_view> names;
+    for (const LiveField& field : liveFields()) names.insert(field.name);
+    EXPECT_EQ(names.size(), liveFields().size());
+    EXPECT_EQ(names.size(), 46U);  // 45 numbers and the lamp
+}
+
+TEST(FrameContent, OfANarrowFrameLacksWhatOnlyTheWideOneHas) {
+    const auto content = contentOfFrame(orbaKind(), 'F');
+    ASSERT_TRUE(content);
+    EXPECT_EQ(content->values.size(), 20U);
+    EXPECT_TRUE(carries(*content, &LiveValues::RPM));
+    EXPECT_TRUE(carries(*content, &LiveValues::CHKE));
+    EXPECT_FALSE(carries(*content, &LiveValues::INJ_TOG));
+    EXPECT_FALSE(carries(*content, &LiveValues::SECPERCENT));
+    EXPECT_EQ(content->pins, (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7}));
+}
+
+TEST(FrameContent, OfTheIgnitionUnitHasNineValues) {
+    const auto content = contentOfFrame(pzk2Kind(), 'F');
+    ASSERT_TRUE(content);
+    EXPECT_EQ(content->values.size(), 9U);
+    EXPECT_TRUE(content->pins.empty());
+}
+
+TEST(FrameContent, OfAWideFrameEndsWithThePinsOfItsKind) {
+    EXPECT_EQ(contentOfFrame(orbaKind(), 'W')->pins.back(), 7);
+    EXPECT_EQ(contentOfFrame(orbLiteKind(), 'W')->pins.back(), 8);
+    EXPECT_EQ(contentOfFrame(orbcKind(), 'W')->pins.back(), 12);
+    EXPECT_EQ(contentOfFrame(orbdKind(), 'W')->pins.back(), 4);
+    EXPECT_TRUE(carries(*contentOfFrame(orbaKind(), 'W'), &LiveValues::INJ_TOG));
+}
+
+TEST(FrameContent, OfThePinReplyHasPinsOnly) {
+    EXPECT_TRUE(contentOfFrame(orbLiteKind(), 'I')->values.empty());
+    EXPECT_EQ(contentOfFrame(orbLiteKind(), 'I')->pins.size(), 9U);
+    EXPECT_EQ(contentOfFrame(orbcKind(), 'I')->pins.size(), 13U);
+}
+
+TEST(FrameContent, IsNothingWhereAKindGivesNoSuchReply) {
+    EXPECT_FALSE(contentOfFrame(orbaKind(), 'I'));
+    EXPECT_FALSE(contentOfFrame(pzk2Kind(), 'W'));
+    EXPECT_FALSE(contentOfFrame(orbdKind(), 'D'));
+    EXPECT_FALSE(contentOfFrame(nullKind(), 'F'));
+    EXPECT_FALSE(contentOfFrame(orbaKind(), 'X'));
+}
+
+}  // namespace
+}  // namespace zentaq

@@ -1,0 +1,71 @@
+#include "unit/file_kind.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "base/errors.h"
+#include "temporary_folder.h"
+#include "unit/file_floats.h"
+
+namespace zentaq {
+namespace {
+
+/// A file of so many bytes behind a first and a second number.
+std::string fileOf(float first, float second, std::size_t bytes) {
+    std::string content;
+    appendFloat(content, first);
+    appendFloat(content, second);
+    content.resize(bytes, '\0');
+    return content;
+}
+
+TEST(FileKind, TheFirstNumberNamesTheUnit) {
+    const TemporaryFolder folder;
+    for (const int slot : {3, 4, 5, 6, 7, 8}) {
+        const std::string path = folder.write("a", fileOf(static_cast<float>(slot), 9.44F, 12));
+        const CalibrationFileKind kind = kindOfCalibrationFile(path);
+        EXPECT_EQ(kind.slot, slot);
+        EXPECT_FALSE(kind.byLength);
+        EXPECT_EQ(kind.programVersion, 9.44F);
+    }
+}
+
+TEST(FileKind, TheExactLengthNamesTheUnitWhereTheFirstNumberDoesNot) {
+    const TemporaryFolder folder;
+    const std::pair<std::size_t, int> lengths[] = {{8718, 3}, {9324, 4}, {9320, 6}, {9316, 7}, {4816, 5}};
+    for (const auto& [bytes, slot] : lengths) {
+        for (const float first : {0.0F, 2.0F, 9.0F, 3.5F, -3.0F, std::numeric_limits<float>::quiet_NaN()}) {
+            const CalibrationFileKind kind =
+                kindOfCalibrationFile(folder.write("a", fileOf(first, 9, bytes)));
+            EXPECT_EQ(kind.slot, slot) << bytes;
+            EXPECT_TRUE(kind.byLength);
+        }
+        EXPECT_EQ(kindOfCalibrationFile(folder.write("a", fileOf(0, 9, bytes + 1))).slot, 0) << bytes;
+        EXPECT_EQ(kindOfCalibrationFile(folder.write("a", fileOf(0, 9, bytes - 1))).slot, 0) << bytes;
+    }
+}
+
+TEST(FileKind, TheFirstNumberGoesBeforeTheLength) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(kindOfCalibrationFile(folder.write("a", fileOf(6, 9, 9324))).slot, 6);
+}
+
+TEST(FileKind, AFileThatEndsInItsHeaderIsNoCalibration) {
+    const TemporaryFolder folder;
+    for (std::size_t bytes = 0; bytes < 12; ++bytes) {
+        const std::string path = folder.write("a", fileOf(3, 9, 12).substr(0, bytes));
+        EXPECT_THROW(kindOfCalibrationFile(path), FileError) << bytes;
+    }
+    EXPECT_THROW(kindOfCalibrationFile(folder.file("none")), FileError);
+}
+
+TEST(FileKind, FilesOfTheOlderGenerationAreKnownByTheirLengthAlone) {
+    for (std::uintmax_t bytes = 0; bytes <= 10008; ++bytes) {
+        const int slot = bytes == 8704 || bytes == 8720 ? 3 : bytes == 9312 ? 4 : bytes == 4804 ? 5 : 0;
+        EXPECT_EQ(kindOfOldFile(bytes), slot) << bytes;
+    }
+}
+
+}  // namespace
+}  // namespace zentaq
