@@ -30,3 +30,8 @@ add_custom_command(
   DEPENDS zentaq-samples ${REFERENCE_DATABASE} ${sample_texts}
   COMMENT "Making the sample calibrations" VERBATIM)
 add_custom_target(zentaq_samples ALL DEPENDS ${SAMPLES_STAMP})
+
+# The manual page: `man -M build/<preset>/app/man zentaqctl` shows it.
+include(GNUInstallDirs)
+configure_file(${PROJECT_SOURCE_DIR}/docs/man/zentaqctl.1 ${APP_FOLDER}/man/man1/zentaqctl.1 COPYONLY)
+install(FILES docs/man/zentaqctl.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)

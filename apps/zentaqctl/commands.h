@@ -1,39 +1,66 @@
-// The commands of zentaqctl, the calibration tool without windows. Each works on one file, writes plain
-// text to `out`, and throws Failure with one line of text where it is refused or fails.
+// The commands of zentaqctl. Each writes its answer to `out`, and throws Failure with one line of text where
+// it is refused or fails; then no file was written.
 #pragma once
 
-#include <iosfwd>
 #include <optional>
 #include <string>
 
-#include "refdata/database.h"
+#include "context.h"
 
 namespace zentaq::ctl {
 
-/// What all commands share. The database is optional: without it engines and sensors are unknown.
-struct Context {
-    const Database* database = nullptr;
-    std::ostream& out;
-    std::ostream& notes;  ///< what a user must know though the command was done
-};
+// ---- Reading: commands_read.cpp
+
+void info(const Context& context, const std::string& file);
+/// With a file the members of its kind, with the limits in force there; with neither, those of all kinds.
+void members(const Context& context, const std::string& file, const UnitKind* kind);
+/// Without an index all values: a table as its rows, a curve on one line.
+void get(const Context& context, const std::string& file, const std::string& member,
+         std::optional<int> index);
+void showCell(const Context& context, const std::string& file, int index);
+/// The records that a change of a connected unit sends.
+void record(const Context& context, const std::string& file, const std::string& member,
+            const std::string& value, int index);
+
+// ---- Changing: commands_change.cpp
 
 struct FirmwareChoice {
     int release = 0;
     int build = 0;
 };
-
 /// "5.99" as release and build. Nothing for a text of another form.
 std::optional<FirmwareChoice> parseFirmware(const std::string& text);
 
-void info(const Context& context, const std::string& file);
-/// Without an index all values: a table as its rows, a curve on one line.
-void get(const Context& context, const std::string& file, const std::string& member,
-         std::optional<int> index);
-void set(const std::string& file, const std::string& member, const std::string& value, int index,
-         const std::string& outputFile, const Context& context);
+void set(const Context& context, const std::string& file, const std::string& member, const std::string& value,
+         int index, const std::string& output);
+void setCell(const Context& context, const std::string& file, int index, const std::string& value,
+             const std::string& output);
 void image(const Context& context, const std::string& file, std::optional<FirmwareChoice> firmware,
-           const std::string& outputFile);
-void record(const Context& context, const std::string& file, const std::string& member,
-            const std::string& value, int index);
+           const std::string& output);
+void importOld(const Context& context, const std::string& file, const std::string& output);
+
+// ---- Tables: commands_table.cpp
+
+void showTable(const Context& context, const std::string& file, const std::string& table);
+void setTable(const Context& context, const std::string& file, const std::string& table,
+              const std::string& input, const std::string& output);
+
+// ---- Comparing and text form: commands_compare.cpp
+
+/// Whether the files are the same.
+bool diff(const Context& context, const std::string& first, const std::string& second);
+void mergeFiles(const Context& context, const std::string& base, const std::string& first,
+                const std::string& second, const std::string& output);
+void exportText(const Context& context, const std::string& file, const std::string& output);
+void importText(const Context& context, const std::string& input, const std::string& output);
+
+// ---- Replies: commands_decode.cpp
+
+/// The replies that `decode` knows, by their commands.
+inline constexpr const char* knownReplies[] = {"B", "C", "D", "E", "F", "I", "T", "W"};
+
+/// `kind` may be nullptr where a calibration is given, and for E. `hex` "-" is the standard input.
+void decode(const Context& context, const UnitKind* kind, char reply, const std::string& hex,
+            const std::string& calibration);
 
 }  // namespace zentaq::ctl

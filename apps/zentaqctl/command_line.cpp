@@ -1,0 +1,270 @@
+#include "command_line.h"
+
+#include <algorithm>
+#include <iterator>
+#include <numeric>
+
+#include "base/number_text.h"
+#include "commands.h"
+#include "unit_names.h"
+
+namespace zentaq::ctl {
+
+namespace {
+
+constexpr int done = 0;
+constexpr int different = 1;
+
+std::string validFirmware(const std::string& text) {
+    return parseFirmware(text) ? std::string() : text + " is no firmware such as 5.99";
+}
+
+std::string validKind(const std::string& text) {
+    return unitKindOf(text) != nullptr ? std::string()
+                                       : text + " is no unit kind such as A, L, C, D, D6 or PZK-2";
+}
+
+const UnitKind* kindOrNone(const std::string& text) {
+    return text.empty() ? nullptr : unitKindOf(text);
+}
+
+/// The words behind the program's name, last one first as the parser takes them. "-.5" would be read as an
+/// option named ".5".
+std::vector<std::string> wordsOf(int argc, char** argv) {
+    std::vector<std::string> words(argv + 1, argv + argc);
+    for (std::string& word : words) {
+        if (word.starts_with("-.") && isNumeric(word)) word.insert(1, "0");
+    }
+    std::ranges::reverse(words);
+    return words;
+}
+
+/// A command whose work leaves nothing to answer.
+template <typename Work>
+Run doing(Work&& work) {
+    return [work = std::forward<Work>(work)](const Context& context) {
+        work(context);
+        return done;
+    };
+}
+
+}  // namespace
+
+CommandLine::CommandLine()
+    : app_("Reads, changes, compares and converts calibration files of Zentaq4", "zentaqctl") {
+    app_.set_version_flag("--version", ZENTAQ_VERSION);
+    app_.set_help_all_flag("--help-all", "Print the help of all commands and exit");
+    app_.require_subcommand(1);
+    app_.footer("Exit status: 0 done, 1 refused or failed (for diff also: the files differ), 2 wrong usage.");
+    addReading();
+    addChanging();
+    addTable();
+    addComparing();
+    addDecoding();
+}
+
+Run CommandLine::parse(int argc, char** argv) {
+    refuseUnknownCommand(argc > 1 ? argv[1] : "");
+    app_.parse(wordsOf(argc, argv));
+    const auto chosen =
+        std::ranges::find_if(commands_, [](const auto& each) { return each.first->parsed(); });
+    return chosen->second;
+}
+
+void CommandLine::refuseUnknownCommand(const std::string& word) const {
+    if (word.empty() || word.starts_with('-')) return;
+    const auto isIt = [&](const auto& each) { return each.first->get_name() == word; };
+    if (std::ranges::none_of(commands_, isIt)) throw CLI::ValidationError(word + " is no command");
+}
+
+CLI::App* CommandLine::add(const char* name, const char* what, Run run) {
+    CLI::App* command = app_.add_subcommand(name, what);
+    commands_.emplace_back(command, std::move(run));
+    return command;
+}
+
+CLI::App* CommandLine::addOnFile(const char* name, const char* what, Run run) {
+    CLI::App* command = add(name, what, std::move(run));
+    command->add_option("FILE", given_.file, "Calibration file")->required();
+    return command;
+}
+
+void CommandLine::addMember(CLI::App* command) {
+    command->add_option("MEMBER", given_.member, "Name of a member, such as KNK_MIN, VE or NOTES_TEXT")
+        ->required();
+}
+
+void CommandLine::addValue(CLI::App* command) {
+    command->add_option("VALUE", given_.value, "The new value, in the unit that the windows show")
+        ->required();
+}
+
+void CommandLine::addIndex(CLI::App* command) {
+    command->add_option("--index", given_.index, "Element of a table or curve, from 0");
+}
+
+void CommandLine::addJson(CLI::App* command) {
+    command->add_flag("--json", given_.json, "Answer in JSON");
+}
+
+CLI::Option* CommandLine::addOutput(CLI::App* command, const char* what) {
+    return command->add_option("-o,--output", given_.output, what);
+}
+
+void CommandLine::addReading() {
+    Arguments& given = given_;
+    addJson(addOnFile("info", "Show what a file is",
+                      doing([&given](const Context& context) { info(context, given.file); })));
+
+    CLI::App* list = add(
+        "members",
+        "List the members of a unit kind, one a line, separated by tabs; of all kinds "
+        "where neither FILE nor --kind is given",
+        doing([&given](const Context& context) { members(context, given.file, kindOrNone(given.kind)); }));
+    CLI::Option* file =
+        list->add_option("FILE", given.file, "Of this calibration, with the limits in force there");
+    list->add_option("--kind", given.kind,
+                     "Unit kind: A, L, C, D, D6, PZK-2, a class, an extension or a number")
+        ->check(CLI::Validator(validKind, "KIND"))
+        ->excludes(file);
+    addJson(list);
+
+    CLI::App* show = addOnFile(
+        "get", "Show a value, a curve or a table",
+        doing([&given](const Context& context) { get(context, given.file, given.member, given.index); }));
+    addMember(show);
+    CLI::Option* place = show->add_option("INDEX", given.index, "Element, from 0; without it all are shown");
+    show->add_option("--index", given.index, "The same")->excludes(place);
+    addJson(show);
+
+    CLI::App* sent =
+        addOnFile("record", "Show the records that a change sends to a running unit, one a line",
+                  doing([&given](const Context& context) {
+                      record(context, given.file, given.member, given.value, given.index.value_or(0));
+                  }));
+    addMember(sent);
+    addValue(sent);
+    addIndex(sent);
+    addJson(sent);
+}
+
+void CommandLine::addChanging() {
+    Arguments& given = given_;
+    constexpr const char* elsewhere = "Write here and leave FILE as it is";
+
+    CLI::App* change = addOnFile("set", "Change a value in a file", doing([&given](const Context& context) {
+                                     set(context, given.file, given.member, given.value,
+                                         given.index.value_or(0), given.output);
+                                 }));
+    addMember(change);
+    addValue(change);
+    addIndex(change);
+    addOutput(change, elsewhere);
+
+    CLI::App* raw =
+        addOnFile("cell", "Show or change a cell as it stands: nothing converted, no range checked",
+                  doing([&given](const Context& context) {
+                      if (!given.cell) return showCell(context, given.file, *given.index);
+                      setCell(context, given.file, *given.index, *given.cell, given.output);
+                  }));
+    raw->add_option("INDEX", given.index, "Number of the cell, from 0")->required();
+    CLI::Option* value =
+        raw->add_option("VALUE", given.cell, "The new content; without it the cell is shown");
+    addOutput(raw, elsewhere)->needs(value);
+    raw->add_flag("--json", given.json, "Answer in JSON")->excludes(value);
+
+    CLI::App* memory =
+        addOnFile("image", "Write the memory image as S-records", doing([&given](const Context& context) {
+                      image(context, given.file, parseFirmware(given.firmware), given.output);
+                  }));
+    memory->add_option("--firmware", given.firmware, "Image for this firmware, such as 5.99")
+        ->check(CLI::Validator(validFirmware, "RELEASE.BUILD"));
+    addOutput(memory, "S-record file to write; - is the standard output")->required();
+
+    CLI::App* old =
+        add("import-bin", "Turn a file of the older generation into a calibration file",
+            doing([&given](const Context& context) { importOld(context, given.file, given.output); }));
+    old->add_option("OLD", given.file, "File of the older generation, *.BIN")->required();
+    addOutput(old, "Calibration file to write")->required();
+}
+
+void CommandLine::addTable() {
+    Arguments& given = given_;
+    CLI::App* table = addOnFile(
+        "table", "Show a table with its axes, separated by tabs, highest row on top; or write one back",
+        doing([&given](const Context& context) {
+            if (!given.from) return showTable(context, given.file, given.member);
+            setTable(context, given.file, given.member, *given.from, given.output);
+        }));
+    table->add_option("NAME", given.member, "Table")
+        ->required()
+        ->check(CLI::IsMember({"ADV", "AFR", "SPW", "VE", "GPO1", "GPO2"}));
+    CLI::Option* from = table->add_option(
+        "--from", given.from, "Take cells and axes from a text of the same form; - is the standard input");
+    addOutput(table, "With --from: write here and leave FILE as it is")->needs(from);
+    table->add_flag("--json", given.json, "Answer in JSON, lowest row first")->excludes(from);
+}
+
+void CommandLine::addComparing() {
+    Arguments& given = given_;
+    CLI::App* compare =
+        add("diff", "Show what differs between two files, one a line; exit status 1 where they differ",
+            [&given](const Context& context) {
+                return diff(context, given.file, given.second) ? done : different;
+            });
+    compare->add_option("A", given.file, "Calibration file")->required();
+    compare->add_option("B", given.second, "Calibration file")->required();
+    addJson(compare);
+
+    CLI::App* join =
+        add("merge", "Join the changes that A and B made to BASE", doing([&given](const Context& context) {
+                mergeFiles(context, given.file, given.second, given.third, given.output);
+            }));
+    join->add_option("BASE", given.file, "Calibration file that both began with")->required();
+    join->add_option("A", given.second, "Calibration file")->required();
+    join->add_option("B", given.third, "Calibration file")->required();
+    addOutput(join, "Calibration file to write; nothing is written on a conflict")->required();
+
+    CLI::App* listing =
+        addOnFile("export", "Write a file as text, one value a line, for version control",
+                  doing([&given](const Context& context) { exportText(context, given.file, given.output); }));
+    addOutput(listing, "Text file to write; without it, or as -, the standard output");
+
+    CLI::App* back =
+        add("import", "Turn the text of export into the same file again",
+            doing([&given](const Context& context) { importText(context, given.file, given.output); }));
+    back->add_option("TEXT", given.file, "Text file; - is the standard input")->required();
+    addOutput(back, "Calibration file to write")->required();
+}
+
+void CommandLine::addDecoding() {
+    Arguments& given = given_;
+    CLI::App* reply =
+        add("decode", "Show what a reply of a unit says, one NAME=value a line",
+            doing([&given](const Context& context) {
+                const std::string hex = std::accumulate(given.hex.begin(), given.hex.end(), std::string());
+                decode(context, kindOrNone(given.kind), given.reply.front(), hex, given.calibration);
+            }));
+    reply
+        ->add_option("HEX", given.hex,
+                     "The bytes in hexadecimal, with or without blanks; - is the standard input")
+        ->required()
+        ->expected(1, -1);
+    reply
+        ->add_option("--kind", given.kind,
+                     "Unit kind: A, L, C, D, D6, PZK-2, a class, an extension or a number")
+        ->check(CLI::Validator(validKind, "KIND"));
+    reply->add_option("--reply", given.reply, "Command that was answered")
+        ->required()
+        ->check(CLI::IsMember(std::vector<std::string>(std::begin(knownReplies), std::end(knownReplies))));
+    reply->add_option(
+        "--calibration", given.calibration,
+        "Calibration file that scales the values; without it a plain one of the newest firmware");
+    addJson(reply);
+    reply->final_callback([&given] {
+        if (!given.kind.empty() || !given.calibration.empty() || given.reply == "E") return;
+        throw CLI::RequiredError("--kind or --calibration");
+    });
+}
+
+}  // namespace zentaq::ctl

@@ -1,0 +1,68 @@
+// The command line of zentaqctl: commands, options and their help. What it says is kept as plain values.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "context.h"
+
+namespace zentaq::ctl {
+
+/// What the command line says; each command uses its own part.
+struct Arguments {
+    std::string file;
+    std::string second;
+    std::string third;
+    std::string member;
+    std::string value;
+    std::string output;
+    std::optional<std::string> cell;
+    std::optional<std::string> from;
+    std::string firmware;
+    std::string kind;
+    std::string reply;
+    std::string calibration;
+    std::vector<std::string> hex;
+    std::optional<int> index;
+    bool json = false;
+};
+
+/// A command does its work and answers the exit status: 0 done, 1 where `diff` found differences.
+using Run = std::function<int(const Context& context)>;
+
+class CommandLine {
+ public:
+    CommandLine();
+    CommandLine(const CommandLine&) = delete;
+    CommandLine& operator=(const CommandLine&) = delete;
+
+    /// The command to run. Throws CLI::ParseError on wrong usage, and where help or the version is asked for.
+    Run parse(int argc, char** argv);
+    /// Writes help, version or what is wrong; answers whether that was asked for.
+    bool explain(const CLI::ParseError& error) { return app_.exit(error) == 0; }
+    bool json() const { return given_.json; }
+
+ private:
+    void refuseUnknownCommand(const std::string& word) const;
+    CLI::App* add(const char* name, const char* what, Run run);
+    CLI::App* addOnFile(const char* name, const char* what, Run run);
+    void addMember(CLI::App* command);
+    void addValue(CLI::App* command);
+    void addIndex(CLI::App* command);
+    void addJson(CLI::App* command);
+    CLI::Option* addOutput(CLI::App* command, const char* what);
+    void addReading();
+    void addChanging();
+    void addTable();
+    void addComparing();
+    void addDecoding();
+
+    CLI::App app_;
+    Arguments given_;
+    std::vector<std::pair<CLI::App*, Run>> commands_;
+};
+
+}  // namespace zentaq::ctl

@@ -1,0 +1,95 @@
+// set, cell, image, import-bin: what makes a new file out of a calibration.
+#include <cmath>
+
+#include "base/errors.h"
+#include "base/number_text.h"
+#include "base/text.h"
+#include "commands.h"
+#include "members.h"
+
+namespace zentaq::ctl {
+
+namespace {
+
+constexpr int controlBytes = 3;
+
+/// Checks a number for a cell as it stands: no range, nothing converted.
+float cellNumber(const std::string& value) {
+    refuseComma("cell", value);
+    const auto number = parseNumber(value);
+    if (!number) throw Failure("cell: " + value + " is no number");
+    const auto cell = static_cast<float>(*number);
+    if (!std::isfinite(cell)) throw Overflow("cell: the number is too large");
+    return cell;
+}
+
+void store(Unit& unit, int index, float value) {
+    if (index >= unit.kind().fileFloats) {
+        throw BoundsError("Subscript out of range: a file of " + std::string(unit.kind().model) +
+                          " ends at cell " + numberText(unit.kind().fileFloats - 1));
+    }
+    unit.AssignDirectIndex(value, index);  // refuses an index below 0
+    if (index >= controlBytes) return;
+    // A save copies the control bytes to their cells.
+    if (std::trunc(value) != value || value < 0 || value > 255) {
+        throw Failure("cell: control bytes are whole numbers from 0 to 255");
+    }
+    unit.controlByte(index, static_cast<std::uint8_t>(value));
+}
+
+}  // namespace
+
+std::optional<FirmwareChoice> parseFirmware(const std::string& text) {
+    constexpr std::size_t longest = 3;
+    const auto parts = split(text, '.');
+    if (parts.size() != 2) return {};
+    for (const std::string& part : parts) {
+        if (part.empty() || part.size() > longest) return {};
+        if (part.find_first_not_of("0123456789") != std::string::npos) return {};
+    }
+    const FirmwareChoice choice{std::stoi(parts[0]), std::stoi(parts[1])};
+    return choice.release == 0 ? std::nullopt : std::optional(choice);
+}
+
+void set(const Context& context, const std::string& file, const std::string& member, const std::string& value,
+         int index, const std::string& output) {
+    Change change(context, file, output);
+    QuietCalibration& calibration = change.calibration();
+    writeMember(calibration, memberOf(calibration.unit.kind(), member), value, index);
+    change.save();
+}
+
+void setCell(const Context& context, const std::string& file, int index, const std::string& value,
+             const std::string& output) {
+    Change change(context, file, output);
+    store(change.calibration().unit, index, cellNumber(value));
+    change.save();
+}
+
+void image(const Context& context, const std::string& file, std::optional<FirmwareChoice> firmware,
+           const std::string& output) {
+    refuseSameFile(output, file);
+    const auto calibration = openCalibration(context, file);
+    Unit& unit = calibration->unit;
+    if (firmware) {
+        // As when a unit on the link tells its firmware: sensor and injector scaling move with it.
+        calibration->host.firmwareKnown(true);
+        unit.FW_Build(firmware->build);
+        unit.FW_Release(firmware->release);
+    }
+    unit.BinFile(file);  // the unit keeps the name of the file
+    unit.ConvertData();
+    writeOutput(context, output, unit.sRecordText());
+    tell(context, calibration->host);
+}
+
+void importOld(const Context& context, const std::string& file, const std::string& output) {
+    refuseSameFile(output, file);
+    refuseStandardOutput(output);
+    const auto calibration = QuietCalibration::importOld(file, context.database);
+    calibration->unit.BinFile(output);
+    calibration->unit.SaveFile();
+    tell(context, calibration->host);
+}
+
+}  // namespace zentaq::ctl

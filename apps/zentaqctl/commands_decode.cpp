@@ -1,0 +1,246 @@
+// decode: the bytes of one reply of a unit as names and values.
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <ostream>
+#include <utility>
+#include <vector>
+
+#include "base/errors.h"
+#include "base/json_writer.h"
+#include "base/number_text.h"
+#include "base/text.h"
+#include "commands.h"
+#include "link/link_commands.h"
+#include "link/reply_decoding.h"
+#include "live/check_engine.h"
+#include "live/frame_decoder.h"
+#include "live/live_fields.h"
+#include "members.h"
+#include "unit_names.h"
+
+namespace zentaq::ctl {
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+/// One decoded value; a lamp or a yes is a truth.
+struct Found {
+    std::string name;
+    std::variant<float, int, bool, std::string> value;
+};
+using Findings = std::vector<Found>;
+
+int digitOf(char character) {
+    if (character >= '0' && character <= '9') return character - '0';
+    if (character >= 'a' && character <= 'f') return character - 'a' + 10;
+    if (character >= 'A' && character <= 'F') return character - 'A' + 10;
+    throw Failure(std::string("The reply is not hexadecimal: ") + character);
+}
+
+bool isBlank(char character) {
+    return character == ' ' || character == '\t' || character == '\n' || character == '\r';
+}
+
+Bytes bytesOf(std::string text) {
+    std::erase_if(text, isBlank);
+    if (text.size() % 2 != 0) throw Failure("The reply has an odd number of hexadecimal digits");
+    Bytes bytes;
+    for (std::size_t i = 0; i < text.size(); i += 2) {
+        bytes.push_back(static_cast<std::uint8_t>(digitOf(text[i]) * 16 + digitOf(text[i + 1])));
+    }
+    return bytes;
+}
+
+void checkLength(const UnitKind& kind, char reply, const Bytes& bytes) {
+    constexpr std::size_t oldIdentification = 6;  // of a unit that must be upgraded
+    if (reply == 'E' && bytes.size() == oldIdentification) return;
+    const CommandRow* row = findCommand(std::string_view(&reply, 1));
+    const int length = kind.sizes.*row->replyLength;
+    if (std::ssize(bytes) == length) return;
+    throw Failure("A reply " + std::string(1, reply) + " of " + modelOf(kind) + " has " + numberText(length) +
+                  " bytes, not " + numberText(static_cast<int>(bytes.size())));
+}
+
+// ---- One reply after the other
+
+Findings identification(const Bytes& bytes) {
+    const auto serial = decodeSerial(bytes);
+    if (!serial) throw Failure("The reply is no identification");
+    Findings found{{"SerialNumber", int{serial->serialNumber}}, {"OldFirmware", serial->oldFirmware}};
+    if (const SerialRange* range = unitOfSerial(serial->serialNumber)) {
+        found.push_back({"LinkedUnitKind", range->slot});
+        found.push_back({"Unit", std::string(range->label)});
+    }
+    return found;
+}
+
+Findings firmware(const UnitKind& kind, const Bytes& bytes) {
+    constexpr int orbaSlot = 3;
+    const std::string raw = firmwareBytes(bytes);
+    Findings found{{"UnitBinName", std::string(trimmed(unitBinName(bytes)))}, {"FirmWare", shownText(raw)}};
+    const bool numbered = skipFailing([&] {
+        const FirmwareNumber number = firmwareNumber(raw);
+        found.push_back({"FW_Release", number.release});
+        found.push_back({"FW_Build", number.build});
+    });
+    if (!numbered) throw Failure("The reply holds no firmware number: " + shownText(raw));
+    if (kind.slot == orbaSlot) {
+        found.push_back({"UnitSubType", unitSubType(bytes) + 1});
+        found.push_back({"Unit", std::string(subTypeLabel(unitSubType(bytes)))});
+    }
+    return found;
+}
+
+Findings configuration(const Unit& unit, const Bytes& bytes) {
+    const auto pic18 = decodePic18(bytes, unit.kind().slot, {unit.FW_Release(), unit.FW_Build()});
+    return pic18 ? Findings{{"hasPIC18", *pic18}} : Findings{};
+}
+
+Findings codes(Unit& unit, const Bytes& bytes) {
+    constexpr int words = 12;
+    unit.Set_ECData(bytes);
+    Findings found;
+    for (int i = 0; i < words; ++i) found.push_back({"ECData(" + numberText(i) + ")", unit.Get_ECData(i)});
+    for (const std::string& text : activeCodes(unit)) {
+        if (!trimmed(text).empty()) found.push_back({"Code", text});
+    }
+    return found;
+}
+
+/// Live values that no reply has written yet.
+LiveValues unwritten() {
+    LiveValues live;
+    for (const LiveField& field : liveFields()) {
+        if (const auto* number = std::get_if<float LiveValues::*>(&field.target)) {
+            live.** number = std::numeric_limits<float>::quiet_NaN();
+        }
+    }
+    return live;
+}
+
+void addValue(Findings& found, const LiveValues& live, const LiveTarget& target) {
+    const auto fields = liveFields();
+    const auto field = std::ranges::find(fields, target, &LiveField::target);
+    if (const auto* lamp = std::get_if<bool LiveValues::*>(&target)) {
+        found.push_back({std::string(field->name), live.**lamp});
+        return;
+    }
+    // A value that cannot be worked out, such as an idle position without duty limits, stays away.
+    const float value = live.*std::get<float LiveValues::*>(target);
+    if (!std::isnan(value)) found.push_back({std::string(field->name), value});
+}
+
+Findings frame(Unit& unit, char reply, const Bytes& bytes, bool pinsKnown) {
+    const auto content = contentOfFrame(unit.kind(), reply);
+    if (!content) throw Failure(modelOf(unit.kind()) + " gives no reply " + std::string(1, reply));
+    if (reply == 'W' && !frameSumIsRight(bytes, static_cast<int>(bytes.size()))) {
+        throw Failure("The checksum of the reply is wrong");
+    }
+    if (reply == 'D' && !hasMarker(bytes)) throw Failure("The reply is no record of a datalog");
+    if (reply == 'D' && isEndOfLog(bytes)) return {{"EndOfLog", true}};
+
+    LiveValues live = unwritten();
+    FrameDecoder decoder(live);
+    if (reply == 'F') decoder.Monitor(unit, bytes);
+    if (reply == 'W') decoder.MonitorW(unit, bytes);
+    if (reply == 'I') decoder.Monitor_GPIO(unit, bytes);
+    if (reply == 'D') decoder.Internal_Data_Conv(unit, bytes);
+
+    Findings found;
+    for (const LiveTarget& target : content->values) addValue(found, live, target);
+    for (const int pin : content->pins) {
+        const auto at = static_cast<std::size_t>(pin);
+        found.push_back({"GPIOData(" + numberText(pin) + ")", int{unit.GPIOData[at]}});
+        if (pinsKnown) found.push_back({"GPIODisplay(" + numberText(pin) + ")", unit.GPIODisplay[at]});
+    }
+    return found;
+}
+
+// ---- Answers
+
+struct AsText {
+    std::string operator()(float value) const { return numberText(value); }
+    std::string operator()(int value) const { return numberText(value); }
+    std::string operator()(bool value) const { return value ? "1" : "0"; }
+    std::string operator()(const std::string& value) const { return value; }
+};
+
+struct AsJson {
+    JsonWriter& json;
+    void operator()(const std::string& value) const { json.value(std::string_view(value)); }
+    template <typename Number>
+    void operator()(Number value) const {
+        json.value(value);
+    }
+};
+
+/// Codes may be many of one name: they make a list of their own.
+void writeJson(std::ostream& out, const UnitKind& kind, char reply, const Findings& findings) {
+    JsonWriter json(out);
+    json.beginObject().member("reply", std::string_view(&reply, 1)).member("kind", kind.slot);
+    json.key("values").beginObject();
+    for (const Found& found : findings) {
+        if (found.name == "Code") continue;
+        json.key(found.name);
+        std::visit(AsJson{json}, found.value);
+    }
+    json.endObject();
+    if (reply == 'T') {
+        json.key("codes").beginArray();
+        for (const Found& found : findings) {
+            if (found.name == "Code") std::visit(AsJson{json}, found.value);
+        }
+        json.endArray();
+    }
+    json.endObject();
+    out << '\n';
+}
+
+/// The calibration that scales the values: the user's, or an empty one of the newest firmware with the values
+/// that a dashboard takes without a calibration.
+std::unique_ptr<QuietCalibration> scalingFor(const Context& context, const UnitKind* kind,
+                                             const std::string& file) {
+    if (!file.empty()) {
+        auto calibration = openCalibration(context, file);
+        const UnitKind& own = calibration->unit.kind();
+        if (kind != nullptr && kind->fileKind != own.fileKind) {
+            throw Failure(file + " is for " + modelOf(own) + ", not for " + modelOf(*kind));
+        }
+        return calibration;
+    }
+    const UnitKind& chosen = kind == nullptr ? orbaKind() : *kind;
+    auto calibration = std::make_unique<QuietCalibration>(chosen, context.database);
+    calibration->unit.FW_Build(chosen.defaultBuild);
+    calibration->unit.FW_Release(chosen.defaultRelease);
+    storeDashboardDefaults(calibration->unit);
+    return calibration;
+}
+
+}  // namespace
+
+void decode(const Context& context, const UnitKind* kind, char reply, const std::string& hex,
+            const std::string& file) {
+    const auto calibration = scalingFor(context, kind, file);
+    Unit& unit = calibration->unit;
+    const Bytes bytes = bytesOf(hex == "-" ? readInput(hex) : hex);
+    // Before the length: a kind without such a reply has no length for it either.
+    const bool isFrame = std::string_view("FWID").find(reply) != std::string_view::npos;
+    if (isFrame && !contentOfFrame(unit.kind(), reply)) {
+        throw Failure(modelOf(unit.kind()) + " gives no reply " + std::string(1, reply));
+    }
+    checkLength(unit.kind(), reply, bytes);
+
+    Findings findings;
+    if (isFrame) findings = frame(unit, reply, bytes, !file.empty());
+    if (reply == 'E') findings = identification(bytes);
+    if (reply == 'B') findings = firmware(unit.kind(), bytes);
+    if (reply == 'C') findings = configuration(unit, bytes);
+    if (reply == 'T') findings = codes(unit, bytes);
+    if (context.json) return writeJson(context.out, unit.kind(), reply, findings);
+    for (const Found& found : findings)
+        context.out << found.name << '=' << std::visit(AsText{}, found.value) << '\n';
+}
+
+}  // namespace zentaq::ctl

@@ -1,0 +1,67 @@
+#include "context.h"
+
+#include <filesystem>
+#include <iostream>
+#include <iterator>
+#include <ostream>
+#include <system_error>
+
+#include "base/errors.h"
+#include "unit/safe_file.h"
+
+namespace zentaq::ctl {
+
+namespace {
+
+constexpr std::string_view standardStream = "-";
+
+}  // namespace
+
+void refuseStandardOutput(const std::string& file) {
+    if (file == standardStream)
+        throw Failure("A calibration is not written to the standard output; name a file");
+}
+
+std::unique_ptr<QuietCalibration> openCalibration(const Context& context, const std::string& file) {
+    return QuietCalibration::open(file, context.database);
+}
+
+void tell(const Context& context, const QuietHost& host) {
+    for (const std::string& text : host.told()) context.notes << text << '\n';
+}
+
+Change::Change(const Context& context, const std::string& file, const std::string& output)
+    : context_(context) {
+    refuseStandardOutput(output);
+    calibration_ = openCalibration(context, file);
+    calibration_->unit.BinFile(output.empty() ? file : output);
+}
+
+void Change::save() {
+    calibration_->unit.SaveFile();
+    tell(context_, calibration_->host);
+}
+
+std::string readInput(const std::string& file) {
+    if (file != standardStream) return readWholeFile(file);
+    std::string content(std::istreambuf_iterator<char>(std::cin), {});
+    if (std::cin.bad()) throw FileError("Cannot read the standard input");
+    return content;
+}
+
+void writeOutput(const Context& context, const std::string& file, std::string_view content) {
+    if (file.empty() || file == standardStream) {
+        context.out << content;
+    } else {
+        writeFileSafely(file, content);
+    }
+}
+
+void refuseSameFile(const std::string& output, const std::string& input) {
+    std::error_code error;
+    if (output == input || std::filesystem::equivalent(output, input, error)) {
+        if (output != standardStream) throw Failure(output + " would be overwritten; name another file");
+    }
+}
+
+}  // namespace zentaq::ctl

@@ -1,0 +1,50 @@
+// What the commands of zentaqctl share: where answers go, in which form, where reference data comes from.
+#pragma once
+
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "config/quiet_calibration.h"
+#include "config/quiet_host.h"
+
+namespace zentaq::ctl {
+
+struct Context {
+    DatabaseSource
+        database;  ///< opened when it is first asked for; without it engines and sensors are unknown
+    std::ostream& out;
+    std::ostream& notes;  ///< what a user must know though the command was done
+    bool json = false;
+};
+
+std::unique_ptr<QuietCalibration> openCalibration(const Context& context, const std::string& file);
+
+/// Writes the boxes that the windows would have shown, one line each.
+void tell(const Context& context, const QuietHost& host);
+
+/// A calibration on its way from a file to the same or another file. The name of the target goes into the
+/// calibration at once, as in the windows, so that whatever is changed afterwards stays.
+class Change {
+ public:
+    /// An empty output means `file` itself. Throws Failure for "-": a calibration does not go to a terminal.
+    Change(const Context& context, const std::string& file, const std::string& output);
+    QuietCalibration& calibration() { return *calibration_; }
+    void save();
+
+ private:
+    const Context& context_;
+    std::unique_ptr<QuietCalibration> calibration_;
+};
+
+/// The whole of a file; "-" is the standard input.
+std::string readInput(const std::string& file);
+/// To a file, or to the standard output where the name is "-" or empty.
+void writeOutput(const Context& context, const std::string& file, std::string_view content);
+/// Throws Failure for "-" as the name of a calibration to write.
+void refuseStandardOutput(const std::string& file);
+/// Throws Failure when the output would take the place of the input, which is of another form.
+void refuseSameFile(const std::string& output, const std::string& input);
+
+}  // namespace zentaq::ctl

@@ -1,0 +1,433 @@
+#include "members.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <optional>
+#include <utility>
+
+#include "base/errors.h"
+#include "base/number_text.h"
+#include "base/rounding.h"
+#include "base/text.h"
+#include "tables/table_kind.h"
+#include "unit/member_index.h"
+
+namespace zentaq::ctl {
+
+namespace {
+
+constexpr int pinParameters = 8;
+constexpr int bits = 8;
+constexpr int nameLength = 24;
+constexpr int notesLength = 500;
+constexpr std::array<std::string_view, 6> tableNames = {"ADV", "AFR", "SPW", "VE", "GPO1", "GPO2"};
+
+// ---- Members of the parameter table
+
+/// Members without bytes of their own whose value reaches the unit through control bits and sensor words.
+constexpr std::string_view throughOthers[] = {"EGO_Type",       "Engine_Type", "PHDSEQ",    "AMP42",
+                                              "DCCL_CutActive", "MAP_Scaler",  "MAP_Offset"};
+
+/// The ratio of the fuel stands in each cell of the ratio table.
+bool scalesTable(const UnitKind& kind, const Parameter& row) {
+    const Parameter* table = kind.members->find("Get_AFR");
+    return row.name == "AFR" && table != nullptr && table->count > 1;
+}
+
+bool sharesBytes(const UnitKind& kind, const Parameter& row) {
+    constexpr int controlBytes = 3;
+    if (!row.hasCell()) return false;
+    if (row.index < controlBytes) return true;
+    return std::ranges::any_of(kind.parameters, [&](const Parameter& other) {
+        return other.index == row.index && other.image.bytes != Bytes::None;
+    });
+}
+
+Reach reachOf(const UnitKind& kind, const Parameter& row) {
+    if (row.sentOnTheFly()) return Reach::OnTheFly;
+    if (sharesBytes(kind, row) || scalesTable(kind, row)) return Reach::Programming;
+    return std::ranges::find(throughOthers, row.name) != std::end(throughOthers) ? Reach::Programming
+                                                                                 : Reach::NotSent;
+}
+
+std::string rangeOf(const Parameter& row) {
+    if (std::holds_alternative<RangeOf>(row.range)) return "depends on the calibration";
+    return std::string(row.rangeText);
+}
+
+Member fromRow(const UnitKind& kind, const Parameter& row) {
+    Member member{.name = std::string(row.name),
+                  .cell = row.index,
+                  .count = row.count,
+                  .stride = row.stride,
+                  .columns = row.count == storedCells ? storedColumns : row.count,
+                  .range = rangeOf(row),
+                  .unit = std::string(row.unit),
+                  .reach = reachOf(kind, row),
+                  .meaning = std::string(row.meaning),
+                  .row = &row,
+                  .read = [&row](Unit& unit, int element) -> Value { return unit.read(row, element); },
+                  .write = {}};
+    // What stands in no cell comes from the reference data; a file has no place to keep it.
+    if (row.readOnly || !row.hasCell()) return member;
+    member.write = [&row](QuietCalibration& calibration, const std::string& value, int element) {
+        setOrThrow(calibration.unit, calibration.host, row.name, value, element);
+    };
+    return member;
+}
+
+// ---- The others
+
+[[noreturn]] void refuseRange(QuietHost& host, const std::string& range) {
+    constexpr int outOfRange = 1001;
+    host.displayWarning(outOfRange, range);
+    throw Refused(host.refusals().back());
+}
+
+/// A number of an entry, or Refused with the warning that a field of the windows gives.
+float numberFrom(QuietHost& host, const std::string& name, const std::string& value) {
+    constexpr int notEmpty = 1003;
+    constexpr int nonNumeric = 1000;
+    refuseComma(name, value);
+    if (host.checkInput(notEmpty, value) || host.checkInput(nonNumeric, value))
+        throw Refused(host.refusals().back());
+    const auto number = static_cast<float>(numberOf(value));
+    if (!std::isfinite(number)) throw Overflow(name + ": the number is too large");
+    return number;
+}
+
+struct Span {
+    int low = 0;
+    int high = 0;
+    std::string_view tail;  ///< "%"
+
+    std::string text() const {
+        return "(" + numberText(low) + " to " + numberText(high) + std::string(tail) + ")";
+    }
+};
+
+int wholeFrom(QuietHost& host, const std::string& name, const std::string& value, const Span& span) {
+    constexpr int notWhole = 1002;
+    const float number = numberFrom(host, name, value);
+    if (host.checkRange(number, static_cast<float>(span.low), static_cast<float>(span.high), span.text())) {
+        throw Refused(host.refusals().back());
+    }
+    if (std::trunc(number) != number) {
+        host.displayWarning(notWhole, {});
+        throw Refused(host.refusals().back());
+    }
+    return static_cast<int>(number);
+}
+
+using ReadNumber = std::function<int(Unit&, int)>;
+using WriteNumber = std::function<void(Unit&, int element, int value)>;
+
+/// A whole number within a span.
+Member wholeMember(Member member, const Span& span, ReadNumber read, WriteNumber write) {
+    member.range = span.text();
+    member.read = [read = std::move(read)](Unit& unit, int element) -> Value {
+        return static_cast<float>(read(unit, element));
+    };
+    if (!write) return member;
+    member.write = [name = member.name, span, write = std::move(write)](
+                       QuietCalibration& calibration, const std::string& value, int element) {
+        write(calibration.unit, element, wholeFrom(calibration.host, name, value, span));
+    };
+    return member;
+}
+
+std::size_t characterCount(std::string_view text) {
+    return static_cast<std::size_t>(std::ranges::count_if(
+        text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
+}
+
+void refuseLonger(const std::string& name, const std::string& text, int most) {
+    if (characterCount(text) <= static_cast<std::size_t>(most)) return;
+    throw Refused(name + " takes at most " + numberText(most) + " characters");
+}
+
+void addTexts(std::vector<Member>& members, const UnitKind& kind) {
+    members.push_back({.name = "BiName",
+                       .cell = kind.cells.name,
+                       .range = "24 characters",
+                       .reach = Reach::Programming,
+                       .meaning = "Name of the calibration that the unit keeps",
+                       .read = [](Unit& unit, int) -> Value { return std::string(trimmed(unit.BiName())); },
+                       .write =
+                           [](QuietCalibration& calibration, const std::string& value, int) {
+                               refuseLonger("BiName", value, nameLength);
+                               if (value.find_first_of("/\\") != std::string::npos) {
+                                   throw Refused("BiName takes no / and no \\");
+                               }
+                               calibration.unit.BiName(value);
+                           }});
+    members.push_back({.name = "NOTES_TEXT",
+                       .cell = kind.cells.notes,
+                       .range = "500 characters",
+                       .meaning = "Notes",
+                       .read = [](Unit& unit, int) -> Value { return unit.NOTES_TEXT(); },
+                       .write =
+                           [](QuietCalibration& calibration, const std::string& value, int) {
+                               refuseLonger("NOTES_TEXT", value, notesLength);
+                               calibration.unit.NOTES_TEXT(value);
+                           }});
+    members.push_back({.name = "MAPUnits",
+                       .cell = kind.cells.mapUnits,
+                       .range = "kPa, PSIA, PSIG, mmHg, inHg or %Flow",
+                       .reach = Reach::Programming,
+                       .meaning = "Unit of pressures",
+                       .read = [](Unit& unit, int) -> Value { return unit.MAPUnits(); },
+                       .write =
+                           [](QuietCalibration& calibration, const std::string& value, int) {
+                               calibration.unit.MAPUnits(value);
+                               if (calibration.unit.MAPUnits() == value) return;
+                               refuseRange(calibration.host, "kPa, PSIA, PSIG, mmHg, inHg or %Flow");
+                           }});
+}
+
+void addFirmware(std::vector<Member>& members, const UnitKind& kind) {
+    constexpr int lastBuild = 999;
+    members.push_back(wholeMember(
+        {.name = "FW_Release",
+         .reach = Reach::Programming,
+         .meaning = "Release of the firmware that the calibration is for"},
+        {1, kind.defaultRelease, {}}, [](Unit& unit, int) { return unit.FW_Release(); },
+        [](Unit& unit, int, int value) { unit.FW_Release(value); }));
+    members.push_back(wholeMember(
+        {.name = "FW_Build",
+         .reach = Reach::Programming,
+         .meaning = "Build of the firmware that the calibration is for"},
+        {0, lastBuild, {}}, [](Unit& unit, int) { return unit.FW_Build(); },
+        [](Unit& unit, int, int value) { unit.FW_Build(value); }));
+}
+
+void addControlBytes(std::vector<Member>& members) {
+    for (int which = 0; which < 3; ++which) {
+        const std::string number = numberText(which + 1);
+        members.push_back(wholeMember(
+            {.name = "ControlByte" + number,
+             .cell = which,
+             .reach = Reach::Programming,
+             .meaning = "Option bits " + number + " as one number"},
+            {0, 255, {}}, [which](Unit& unit, int) { return int{unit.controlByte(which)}; },
+            [which](Unit& unit, int, int value) {
+                unit.controlByte(which, static_cast<std::uint8_t>(value));
+            }));
+        members.push_back(wholeMember(
+            {.name = which == 0 ? "Control" : "Control" + number,
+             .cell = which,
+             .count = bits,
+             .stride = 0,
+             .columns = bits,
+             .reach = Reach::Programming,
+             .meaning = "Option bits " + number + ", one an element"},
+            {0, 1, {}}, [which](Unit& unit, int bit) { return (unit.controlByte(which) >> bit) & 1; },
+            [which](Unit& unit, int bit, int value) {
+                const int mask = 1 << bit;
+                const int byte = unit.controlByte(which);
+                unit.controlByte(which,
+                                 static_cast<std::uint8_t>(value != 0 ? byte | mask : byte & (255 ^ mask)));
+            }));
+    }
+}
+
+void addPins(std::vector<Member>& members, const UnitKind& kind) {
+    constexpr int lastFunction = 29;
+    constexpr int blockCells = 9;
+    const int pins = kind.numGpio + 1;
+    members.push_back(wholeMember(
+        {.name = "GPIO_Func",
+         .cell = kind.gpioBase,
+         .count = pins,
+         .stride = blockCells,
+         .columns = pins,
+         .reach = Reach::Programming,
+         .meaning = "Function code of each input and output"},
+        {0, lastFunction, {}}, [](Unit& unit, int pin) { return unit.Get_GPIOFUNC(pin); },
+        [](Unit& unit, int pin, int code) { unit.Set_GPIO_Func(pin, code); }));
+    members.push_back({.name = "GPIO_Param",
+                       .cell = kind.gpioBase + 1,
+                       .count = pins * pinParameters,
+                       .columns = pinParameters,
+                       .unit = "by function",
+                       .reach = Reach::OnTheFly,
+                       .meaning = "Parameters of inputs and outputs; element 8 * pin + parameter",
+                       .read = [](Unit& unit, int element) -> Value {
+                           return unit.Get_GPIO_Param(element / pinParameters, element % pinParameters);
+                       },
+                       .write =
+                           [](QuietCalibration& calibration, const std::string& value, int element) {
+                               const float number = numberFrom(calibration.host, "GPIO_Param", value);
+                               calibration.unit.Set_GPIO_Param(element / pinParameters,
+                                                               element % pinParameters, number);
+                           }});
+}
+
+void addOutputTables(std::vector<Member>& members, const UnitKind& kind) {
+    for (const int table : {1, 2}) {
+        members.push_back(wholeMember({.name = "GPO" + numberText(table),
+                                       .cell = kind.cells.outputTable[static_cast<std::size_t>(table - 1)],
+                                       .count = storedCells,
+                                       .columns = storedColumns,
+                                       .unit = "%",
+                                       .reach = Reach::OnTheFly,
+                                       .meaning = "Output table " + numberText(table)},
+                                      {0, 100, "%"}, {}, [table](Unit& unit, int element, int value) {
+                                          unit.Set_GPIO_Table(table, element, static_cast<float>(value));
+                                      }));
+        // As it stands: a file may hold what no entry gives.
+        members.back().read = [table](Unit& unit, int element) -> Value {
+            return unit.Get_GPIO_Table(table, element);
+        };
+    }
+}
+
+bool hasTable(const UnitKind& kind, std::string_view table) {
+    const TableKind* known = findTable(table);
+    return known->isGpo() || kind.members->find(known->member) != nullptr;
+}
+
+void addSize(std::vector<Member>& members, const UnitKind& kind, const std::string& table,
+             const std::string& what) {
+    constexpr Span sizes{8, 24, {}};
+    WriteNumber write;
+    if (kind.cells.hasAxisWords) {
+        write = [table, what](Unit& unit, int, int value) { unit.SET_TBL_DIMENSIONS(table, what, value); };
+    }
+    members.push_back(wholeMember(
+        {.name = table + "." + what,
+         .reach = kind.cells.hasAxisWords ? Reach::Programming : Reach::NotSent,
+         .meaning = (what == "ROWS" ? "Rows of " : "Columns of ") + table},
+        sizes, [table, what](Unit& unit, int) { return unit.GET_TBL_DIMENSIONS(table, what); },
+        std::move(write)));
+}
+
+void addAxisKind(std::vector<Member>& members, const UnitKind& kind, const std::string& table,
+                 const std::string& axis) {
+    constexpr std::string_view names = "CLT, RAW MAP, BLEND MAP, TPS, ACTUAL AFR, MAT, RPM or GPIO1 to GPIO8";
+    const bool own = kind.cells.hasAxisWords && findTable(table)->isGpo();
+    Member member{
+        .name = table + "." + axis,
+        .range = own ? std::string(names) : std::string(),
+        .reach = own ? Reach::Programming : Reach::NotSent,
+        .meaning = (axis == "ROW-AXIS" ? "What the rows of " : "What the columns of ") + table + " stand for",
+        .read = [table, axis](Unit& unit, int) -> Value { return unit.GET_TBL_AXIS_TYPE(table, axis); },
+        .write = {}};
+    if (own) {
+        member.write = [table, axis, names](QuietCalibration& calibration, const std::string& value, int) {
+            calibration.unit.SET_TBL_AXIS_TYPE(table, axis, value);
+            if (calibration.unit.GET_TBL_AXIS_TYPE(table, axis) != value) {
+                refuseRange(calibration.host, std::string(names));
+            }
+        };
+    }
+    members.push_back(std::move(member));
+}
+
+void addStops(std::vector<Member>& members, const UnitKind& kind, const std::string& table,
+              const std::string& axis) {
+    // The headers of the main tables are members of their own, RPMTBL and MAPTBL.
+    const bool own = kind.cells.hasAxisWords && findTable(table)->isGpo();
+    members.push_back(
+        {.name = table + "." + axis,
+         .count = storedHeaders,
+         .columns = storedHeaders,
+         .range = "depends on the calibration",
+         .unit = "by axis",
+         .reach = own ? Reach::Programming : Reach::OnTheFly,
+         .meaning = (axis == "Y-Axis" ? "Row headers of " : "Column headers of ") + table,
+         .read = [table, axis](Unit& unit, int element) -> Value {
+             return tableHeader(unit, table, axis, element);
+         },
+         .write =
+             [table, axis](QuietCalibration& calibration, const std::string& value, int element) {
+                 numberFrom(calibration.host, table + "." + axis, value);
+                 if (setTableHeader(calibration.unit, table, axis, element, value)) return;
+                 throw Refused(calibration.host.refusals().empty()
+                                   ? table + "." + axis + " does not take " + value
+                                   : calibration.host.refusals().back());
+             }});
+}
+
+void addShapes(std::vector<Member>& members, const UnitKind& kind) {
+    for (const std::string_view name : tableNames) {
+        if (!hasTable(kind, name)) continue;
+        const std::string table(name);
+        addSize(members, kind, table, "ROWS");
+        addSize(members, kind, table, "COLS");
+        addAxisKind(members, kind, table, "ROW-AXIS");
+        addAxisKind(members, kind, table, "COL-AXIS");
+        addStops(members, kind, table, "Y-Axis");
+        addStops(members, kind, table, "X-Axis");
+    }
+}
+
+std::vector<Member> otherMembers(const UnitKind& kind) {
+    std::vector<Member> members;
+    addTexts(members, kind);
+    addFirmware(members, kind);
+    addControlBytes(members);
+    addPins(members, kind);
+    addOutputTables(members, kind);
+    addShapes(members, kind);
+    return members;
+}
+
+std::string withoutPrefix(const std::string& name) {
+    return name.starts_with("Get_") || name.starts_with("Set_") ? name.substr(4) : name;
+}
+
+}  // namespace
+
+std::string textOf(const Value& value) {
+    if (const auto* text = std::get_if<std::string>(&value)) return *text;
+    return numberText(std::get<float>(value));
+}
+
+std::string_view textOf(Reach reach) {
+    switch (reach) {
+        case Reach::OnTheFly:
+            return "on the fly";
+        case Reach::Programming:
+            return "next programming";
+        default:
+            return "not sent";
+    }
+}
+
+Member memberOf(const UnitKind& kind, const std::string& name) {
+    if (const Parameter* row = kind.members->find(name)) return fromRow(kind, *row);
+    const std::string bare = withoutPrefix(name);
+    for (Member& member : otherMembers(kind)) {
+        if (member.name == bare) return std::move(member);
+    }
+    throw NoSuchMember(std::string(kind.model) + " has no member " + name);
+}
+
+std::vector<Member> membersOf(const UnitKind& kind) {
+    std::vector<Member> members;
+    for (const Parameter& row : kind.parameters) members.push_back(fromRow(kind, row));
+    std::ranges::move(otherMembers(kind), std::back_inserter(members));
+    return members;
+}
+
+void checkElement(const Member& member, int element) {
+    if (element >= 0 && element < member.count) return;
+    throw BoundsError("Subscript out of range: " + member.name + " has " + numberText(member.count) +
+                      " elements");
+}
+
+void refuseComma(const std::string& what, const std::string& value) {
+    if (value.find(',') == std::string::npos) return;
+    throw Failure(what + ": " + value + " has a comma; decimals are written with a point, such as 12.5");
+}
+
+void writeMember(QuietCalibration& calibration, const Member& member, const std::string& value, int element) {
+    checkElement(member, element);
+    if (!member.write) throw NoSuchMember(member.name + " follows from other members and cannot be set");
+    if (member.row != nullptr) refuseComma(member.name, value);
+    member.write(calibration, value, element);
+}
+
+}  // namespace zentaq::ctl

@@ -1,0 +1,78 @@
+// Cells as they stand, shown and changed.
+#include "ctl/ctl_fixture.h"
+
+namespace zentaq {
+namespace {
+
+TEST_F(Zentaqctl, CellShowsACellAsItStands) {
+    EXPECT_EQ(onFile("cell", "58").out, "7000\n");
+    EXPECT_EQ(onFile("cell", "3000").out, "0\n");
+}
+
+TEST_F(Zentaqctl, CellAnswersInJson) {
+    EXPECT_EQ(onFile("cell", "58 --json").out, "{\"cell\":58,\"value\":7000}\n");
+}
+
+TEST_F(Zentaqctl, CellShowsWhatIsNoNumberAsTextInJson) {
+    plant(58, NAN);
+    EXPECT_EQ(onFile("cell", "58").out, "NaN\n");
+    EXPECT_EQ(onFile("cell", "58 --json").out, "{\"cell\":58,\"value\":\"NaN\"}\n");
+    plant(58, -INFINITY);
+    EXPECT_EQ(fromJson(onFile("cell", "58 --json").out, "d[\"value\"]"), "-Infinity");
+}
+
+TEST_F(Zentaqctl, CellChangesACellWithoutARangeCheck) {
+    EXPECT_EQ(onFile("cell", "34 101.5").exitCode, 0);  // the member refuses above 100
+    EXPECT_EQ(cellOf(file, 34), 101.5F);
+    EXPECT_EQ(onFile("cell", "34 -7").exitCode, 0);
+    EXPECT_EQ(cellOf(file, 34), -7);
+}
+
+TEST_F(Zentaqctl, CellWithAnOutputLeavesTheFileAlone) {
+    const std::string before = contentOf(file);
+    const std::string copy = folder.file("copy.ZQ4OA");
+    EXPECT_EQ(onFile("cell", "34 50 -o " + inQuotes(copy)).exitCode, 0);
+    EXPECT_EQ(contentOf(file), before);
+    EXPECT_EQ(cellOf(copy, 34), 50);
+}
+
+TEST_F(Zentaqctl, CellChangesTheControlBytesThatASaveWrites) {
+    EXPECT_EQ(onFile("cell", "1 129").exitCode, 0);
+    EXPECT_EQ(cellOf(file, 1), 129);
+    EXPECT_EQ(onFile("get", "Control2").out, "1 0 0 0 0 0 0 1\n");
+    expectRefused(onFile("cell", "1 256"), "cell: control bytes are whole numbers from 0 to 255");
+    expectRefused(onFile("cell", "1 1.5"), "cell: control bytes are whole numbers from 0 to 255");
+    EXPECT_EQ(cellOf(file, 1), 129);
+}
+
+TEST_F(Zentaqctl, CellChangesACharacterOfTheName) {
+    EXPECT_EQ(onFile("cell", "560 90").exitCode, 0);
+    EXPECT_EQ(cellOf(file, 560), 'Z');
+    EXPECT_EQ(cellOf(file, 561), 't');  // of "Street", the name of the file
+}
+
+TEST_F(Zentaqctl, CellOutsideTheCalibrationFails) {
+    for (const char* index : {"-1", "3001", "-1 5", "3001 5"}) {
+        const Outcome outcome = onFile("cell", index);
+        EXPECT_EQ(outcome.exitCode, 1) << index;
+        expectOneLine(outcome.error);
+    }
+}
+
+TEST_F(Zentaqctl, CellThatAFileDoesNotKeepIsRefused) {
+    EXPECT_EQ(onFile("cell", "2827 5").exitCode, 0);
+    expectRefused(onFile("cell", "2828 5"), "Subscript out of range: a file of ORB A ends at cell 2827");
+}
+
+TEST_F(Zentaqctl, CellTakesNumbersOnly) {
+    const std::string before = contentOf(file);
+    expectRefused(onFile("cell", "34 fast"), "cell: fast is no number");
+    expectRefused(onFile("cell", "34 ''"), "cell:  is no number");
+    expectRefused(onFile("cell", "34 1e39"), "cell: the number is too large");
+    expectRefused(onFile("cell", "34 1,5"),
+                  "cell: 1,5 has a comma; decimals are written with a point, such as 12.5");
+    EXPECT_EQ(contentOf(file), before);
+}
+
+}  // namespace
+}  // namespace zentaq

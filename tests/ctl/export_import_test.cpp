@@ -1,0 +1,92 @@
+// A file as text, and the text as the same file again.
+#include "ctl/ctl_fixture.h"
+
+namespace zentaq {
+namespace {
+
+class ZentaqctlText : public Zentaqctl {
+ protected:
+    std::string text = folder.file("tune.txt");
+    std::string again = folder.file("again.ZQ4OA");
+};
+
+TEST_F(ZentaqctlText, ExportWritesToTheStandardOutputOrAFile) {
+    const Outcome outcome = onFile("export");
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_THAT(outcome.out, HasSubstr("\nKNK_MIN = "));
+    EXPECT_EQ(onFile("export", "-o -").out, outcome.out);
+    const Outcome toFile = onFile("export", "-o " + inQuotes(text));
+    EXPECT_THAT(toFile.out, IsEmpty());
+    EXPECT_EQ(contentOf(text), outcome.out);
+}
+
+TEST_F(ZentaqctlText, ImportMakesTheSameFileOfEverySample) {
+    for (const auto& entry : fs::directory_iterator(sample(""))) {
+        const std::string name = inQuotes(entry.path().string());
+        ASSERT_EQ(run("export " + name + " -o " + inQuotes(text)).exitCode, 0) << name;
+        const Outcome outcome = run("import " + inQuotes(text) + " -o " + inQuotes(again));
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+        EXPECT_TRUE(contentOf(again) == contentOf(entry.path().string())) << name;
+    }
+}
+
+TEST_F(ZentaqctlText, ImportTakesTheStandardInput) {
+    const std::string listing = onFile("export").out;
+    EXPECT_EQ(run("import - -o " + inQuotes(again), listing).exitCode, 0);
+    EXPECT_TRUE(contentOf(again) == contentOf(file));
+}
+
+TEST_F(ZentaqctlText, ExportKeepsWhatIsNoNumber) {
+    plant(58, NAN);
+    plant(59, -INFINITY);
+    ASSERT_EQ(onFile("export", "-o " + inQuotes(text)).exitCode, 0);
+    ASSERT_EQ(run("import " + inQuotes(text) + " -o " + inQuotes(again)).exitCode, 0);
+    EXPECT_TRUE(contentOf(again) == contentOf(file));
+}
+
+TEST_F(ZentaqctlText, ImportOfABrokenTextNamesTheFileAndTheLine) {
+    std::string listing = onFile("export").out;
+    listing.insert(listing.find("KNK_MIN = "), "what is this\n");
+    writeFile(text, listing);
+    const Outcome outcome = run("import " + inQuotes(text) + " -o " + inQuotes(again));
+    EXPECT_EQ(outcome.exitCode, 1);
+    expectOneLine(outcome.error);
+    EXPECT_THAT(outcome.error, StartsWith(text + ": "));
+    EXPECT_THAT(outcome.error, ::testing::ContainsRegex("[Ll]ine [0-9]+"));
+    EXPECT_FALSE(fs::exists(again));
+}
+
+TEST_F(ZentaqctlText, NeitherWritesOverItsInput) {
+    const std::string before = contentOf(file);
+    expectRefused(onFile("export", "-o " + inQuotes(file)),
+                  file + " would be overwritten; name another file");
+    fs::create_symlink(file, text);
+    expectRefused(onFile("export", "-o " + inQuotes(text)),
+                  text + " would be overwritten; name another file");
+    expectRefused(run("import " + inQuotes(file) + " -o " + inQuotes(file)),
+                  file + " would be overwritten; name another file");
+    EXPECT_EQ(contentOf(file), before);
+    expectRefused(run("import - -o -"), "A calibration is not written to the standard output; name a file");
+}
+
+TEST_F(ZentaqctlText, AMissingFileOrFolderFailsInOneLine) {
+    const std::string missing = folder.file("missing.txt");
+    expectRefused(run("export " + inQuotes(missing)),
+                  "Cannot open " + missing + ": No such file or directory");
+    expectRefused(run("import " + inQuotes(missing) + " -o " + inQuotes(again)),
+                  "Cannot open " + missing + ": No such file or directory");
+    const Outcome outcome = onFile("export", "-o " + inQuotes(folder.file("no/such/place.txt")));
+    EXPECT_EQ(outcome.exitCode, 1);
+    expectOneLine(outcome.error);
+}
+
+TEST_F(ZentaqctlText, ExportOfWhatIsNoCalibrationNamesTheFile) {
+    writeFile(file, "short");
+    const Outcome outcome = onFile("export");
+    EXPECT_EQ(outcome.exitCode, 1);
+    expectOneLine(outcome.error);
+    EXPECT_THAT(outcome.error, StartsWith(file + ": "));
+}
+
+}  // namespace
+}  // namespace zentaq

@@ -1,0 +1,99 @@
+// Values, curves and tables of a file.
+#include "ctl/ctl_fixture.h"
+
+namespace zentaq {
+namespace {
+
+TEST_F(Zentaqctl, GetShowsAScalar) {
+    EXPECT_EQ(onFile("get", "REV_Limiter").out, "7000\n");
+}
+
+TEST_F(Zentaqctl, GetShowsOneElement) {
+    EXPECT_EQ(onFile("get", "ISRPM 1").out, "1150\n");
+    EXPECT_EQ(onFile("get", "Get_VE 16").out, "-27\n");
+}
+
+TEST_F(Zentaqctl, GetShowsACurveOnOneLine) {
+    EXPECT_EQ(onFile("get", "ISRPM").out, "1500 1150 850\n");
+}
+
+TEST_F(Zentaqctl, GetShowsATableAsItsRows) {
+    const std::string out = onFile("get", "ADV").out;
+    EXPECT_EQ(std::count(out.begin(), out.end(), '\n'), 16);
+    EXPECT_THAT(out, StartsWith("12.5 16.5 24.5 32 35 38 39.5 41.5 43 43 43.5 43.5 43.5 43.5 44 44\n"));
+}
+
+TEST_F(Zentaqctl, GetOfAnUnknownMemberFails) {
+    const Outcome outcome = onFile("get", "KNOCK");
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.error, "ORB A has no member KNOCK\n");
+}
+
+TEST_F(Zentaqctl, GetOutsideATableFails) {
+    for (const char* index : {"256", "-1"}) {
+        const Outcome outcome = onFile("get", std::string("VE ") + index);
+        EXPECT_EQ(outcome.exitCode, 1) << index;
+        expectOneLine(outcome.error);
+    }
+}
+
+TEST_F(Zentaqctl, GetTakesItsIndexAsAnOptionToo) {
+    EXPECT_EQ(onFile("get", "ISRPM --index 1").out, "1150\n");
+    EXPECT_EQ(onFile("get", "ISRPM 1 --index 1").exitCode, 2);
+}
+
+TEST_F(Zentaqctl, GetAnswersInJson) {
+    EXPECT_EQ(onFile("get", "REV_Limiter --json").out, "{\"member\":\"REV_Limiter\",\"value\":7000}\n");
+    EXPECT_EQ(onFile("get", "ISRPM 1 --json").out, "{\"member\":\"ISRPM\",\"index\":1,\"value\":1150}\n");
+    EXPECT_EQ(onFile("get", "ISRPM --json").out, "{\"member\":\"ISRPM\",\"values\":[1500,1150,850]}\n");
+    EXPECT_EQ(fromJson(onFile("get", "VE --json").out, "len(d[\"values\"])"), "256");
+}
+
+TEST_F(Zentaqctl, GetShowsWhatIsNoNumberAsTextInJson) {
+    plant(34, NAN);
+    plant(35, INFINITY);
+    EXPECT_EQ(onFile("get", "KNK_MIN").out, "NaN\n");
+    EXPECT_EQ(fromJson(onFile("get", "KNK_MIN --json").out, "d[\"value\"]"), "NaN");
+    EXPECT_EQ(fromJson(onFile("get", "KNK_ATK --json").out, "d[\"value\"]"), "Infinity");
+}
+
+TEST_F(Zentaqctl, GetShowsTextsAndFirmware) {
+    EXPECT_EQ(onFile("get", "BiName").out, "Street 2.0 Four\n");
+    EXPECT_EQ(onFile("get", "MAPUnits").out, "kPa\n");
+    EXPECT_EQ(onFile("get", "FW_Release").out, "5\n");
+    EXPECT_EQ(onFile("get", "FW_Build").out, "99\n");
+    EXPECT_THAT(onFile("get", "NOTES_TEXT").out, StartsWith("Sample: 2.0 litre four"));
+    EXPECT_EQ(onFile("get", "MAPUnits --json").out, "{\"member\":\"MAPUnits\",\"value\":\"kPa\"}\n");
+}
+
+TEST_F(Zentaqctl, GetShowsControlBitsAndBytes) {
+    plant(1, 0x85);
+    EXPECT_EQ(onFile("get", "ControlByte2").out, "133\n");
+    EXPECT_EQ(onFile("get", "Control2").out, "1 0 1 0 0 0 0 1\n");
+    EXPECT_EQ(onFile("get", "Get_Control2 7").out, "1\n");
+    EXPECT_EQ(onFile("get", "opt_TDCParam2").out, "1\n");  // bit 2
+}
+
+TEST_F(Zentaqctl, GetShowsInputsAndOutputs) {
+    plant(336 + 9 * 3, 6);  // pin 3: shift light
+    plant(336 + 9 * 3 + 1, 6500);
+    EXPECT_EQ(onFile("get", "GPIO_Func 3").out, "6\n");
+    EXPECT_EQ(onFile("get", "GPIO_Param 24").out, "6500\n");
+    const auto pins = linesOf(onFile("get", "GPIO_Param").out);
+    ASSERT_EQ(pins.size(), 8U);
+    EXPECT_EQ(pins[3], "6500 0 0 0 0 0 0 0");
+    EXPECT_EQ(onFile("get", "GPIO_Func 8").exitCode, 1);
+    EXPECT_EQ(run("get " + inQuotes(sample("ORB C Six.ZQ4OC")) + " GPIO_Func 12").exitCode, 0);
+}
+
+TEST_F(Zentaqctl, GetShowsTheShapeOfTables) {
+    EXPECT_EQ(onFile("get", "VE.ROWS").out, "16\n");
+    EXPECT_EQ(onFile("get", "GPO1.ROW-AXIS").out, "BLEND MAP\n");
+    EXPECT_EQ(onFile("get", "ADV.COL-AXIS").out, "RPM\n");
+    EXPECT_EQ(onFile("get", "VE.X-Axis").out, onFile("get", "RPMTBL").out);
+    EXPECT_EQ(onFile("get", "GPO2.Y-Axis 0").out, onFile("get", "MAPTBL 0").out);
+    EXPECT_EQ(linesOf(onFile("get", "GPO1").out).size(), 16U);
+}
+
+}  // namespace
+}  // namespace zentaq

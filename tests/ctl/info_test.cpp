@@ -1,0 +1,77 @@
+// What a file is.
+#include "ctl/ctl_fixture.h"
+
+namespace zentaq {
+namespace {
+
+TEST_F(Zentaqctl, InfoShowsWhatAFileIs) {
+    const Outcome outcome = onFile("info");
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_THAT(outcome.error, IsEmpty());
+    EXPECT_THAT(outcome.out, StartsWith("Kind:     3\nModel:    ORB A\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("\nFirmware: 5099 (release 5, build 99)\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("\nName:     Street 2.0 Four\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("\nFloats:   2828\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("\nBytes:    11324\n"));
+    EXPECT_THAT(outcome.out, HasSubstr("\nNotes:    Sample: 2.0 litre four"));
+}
+
+TEST_F(Zentaqctl, InfoShowsTheVersionOfTheProgramThatWroteTheFile) {
+    const std::string version = std::string(ZENTAQ_VERSION).substr(2);  // "10.2" of "4.10.2"
+    EXPECT_THAT(onFile("info").out, HasSubstr("\nVersion:  " + version + "\n"));
+}
+
+TEST_F(Zentaqctl, AFileThatIsNoCalibrationIsRefusedInOneLine) {
+    writeFile(file, "hello, this is no calibration");
+    const Outcome outcome = onFile("info");
+    EXPECT_EQ(outcome.exitCode, 1);
+    expectOneLine(outcome.error);
+    EXPECT_THAT(outcome.error, HasSubstr("is no calibration file"));
+    EXPECT_THAT(outcome.out, IsEmpty());
+}
+
+TEST_F(Zentaqctl, AFileWithMoreValuesThanACalibrationIsRefused) {
+    writeFile(file, contentOf(file) + std::string(1000, '\0'));  // 2828 + 250 > 3001
+    const Outcome outcome = onFile("info");
+    EXPECT_EQ(outcome.exitCode, 1);
+    expectOneLine(outcome.error);
+}
+
+TEST_F(Zentaqctl, AMissingFileFailsInOneLine) {
+    const Outcome outcome = run("get " + inQuotes(folder.file("none.ZQ4OA")) + " KNK_MIN");
+    EXPECT_EQ(outcome.exitCode, 1);
+    expectOneLine(outcome.error);
+}
+
+TEST_F(Zentaqctl, InfoAnswersInJson) {
+    const std::string json = onFile("info", "--json").out;
+    EXPECT_EQ(fromJson(json, "d[\"kind\"], d[\"model\"], d[\"firmwareCode\"], d[\"release\"], d[\"build\"]"),
+              "(3, 'ORB A', 5099, 5, 99)");
+    EXPECT_EQ(fromJson(json, "d[\"name\"], d[\"floats\"], d[\"bytes\"]"), "('Street 2.0 Four', 2828, 11324)");
+    EXPECT_EQ(fromJson(json, "d[\"file\"]"), file);
+}
+
+TEST_F(Zentaqctl, InfoInJsonKeepsQuotesAndLinesOfTheNotes) {
+    const std::string notes = "say \"14.7\"\\ and\nmore";
+    ASSERT_EQ(onFile("set", "NOTES_TEXT " + inQuotes(notes)).exitCode, 0);
+    EXPECT_EQ(fromJson(onFile("info", "--json").out, "d[\"notes\"]"), notes);
+}
+
+TEST_F(Zentaqctl, InfoKnowsEveryKind) {
+    for (const auto& [name, start] :
+         {std::pair("ORB L Six.ZQ4OL", "Kind:     4\nModel:    ORB L\n"),
+          std::pair("ORB C Six.ZQ4OC", "Kind:     6\nModel:    ORB C\n"),
+          std::pair("ORB D Four.ZQ4OD", "Kind:     7\nModel:    ORB D\n"),
+          std::pair("PZK-2 Classic Four.ZQ4PZK", "Kind:     5\nModel:    PZK-2\n")}) {
+        EXPECT_THAT(run("info " + inQuotes(sample(name))).out, StartsWith(start));
+    }
+}
+
+TEST_F(Zentaqctl, InfoOfAMissingFileFailsInOneLine) {
+    const std::string missing = folder.file("missing.ZQ4OA");
+    expectRefused(run("info " + inQuotes(missing)), "Cannot open " + missing + ": No such file or directory");
+    EXPECT_EQ(run("info " + inQuotes(folder.path())).exitCode, 1);
+}
+
+}  // namespace
+}  // namespace zentaq

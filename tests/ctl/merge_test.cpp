@@ -1,0 +1,62 @@
+// Two people's changes joined.
+#include "ctl/compare_fixture.h"
+
+namespace zentaq {
+namespace {
+
+TEST_F(ZentaqctlVersions, MergeTakesTheChangesOfBoth) {
+    change(mine, "KNK_MIN 50");
+    change(yours, "REV_Limiter 7200");
+    const Outcome outcome = merge(inQuotes(merged));
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_THAT(outcome.out, IsEmpty());
+    EXPECT_EQ(cellOf(merged, 34), 50);
+    EXPECT_EQ(cellOf(merged, 58), 7200);
+}
+
+TEST_F(ZentaqctlVersions, MergeChangesNothingElse) {
+    change(mine, "KNK_MIN 50");
+    merge(inQuotes(merged));
+    // The name of the file that it is written to stays out of it.
+    EXPECT_TRUE(contentOf(merged) == contentOf(mine));
+}
+
+TEST_F(ZentaqctlVersions, MergeMayWriteOverOneOfItsFiles) {
+    change(mine, "KNK_MIN 50");
+    change(yours, "REV_Limiter 7200");
+    EXPECT_EQ(merge(inQuotes(mine)).exitCode, 0);
+    EXPECT_EQ(cellOf(mine, 58), 7200);
+}
+
+TEST_F(ZentaqctlVersions, MergeListsConflictsAndWritesNothing) {
+    change(mine, "KNK_MIN 50");
+    change(yours, "KNK_MIN 60");
+    const Outcome outcome = merge(inQuotes(merged));
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.error, "1 conflict: nothing was written\n");
+    EXPECT_THAT(outcome.out, StartsWith("KNK_MIN: 40 in the base, 50 in the first, 60 in the second"));
+    EXPECT_FALSE(fs::exists(merged));
+    change(mine, "REV_Limiter 7100");
+    change(yours, "REV_Limiter 7200");
+    const Outcome both = merge(inQuotes(merged));
+    EXPECT_EQ(both.error, "2 conflicts: nothing was written\n");
+    EXPECT_EQ(linesOf(both.out).size(), 2U);
+}
+
+TEST_F(ZentaqctlVersions, MergeOfTwoKindsFails) {
+    const Outcome outcome = run("merge " + inQuotes(base) + " " + inQuotes(mine) + " " +
+                                inQuotes(sample("ORB L Six.ZQ4OL")) + " -o " + inQuotes(merged));
+    EXPECT_EQ(outcome.exitCode, 1);
+    expectOneLine(outcome.error);
+    EXPECT_FALSE(fs::exists(merged));
+}
+
+TEST_F(ZentaqctlVersions, MergeThatCannotWriteFailsInOneLine) {
+    const Outcome outcome = merge(inQuotes(folder.file("no/such/place.ZQ4OA")));
+    EXPECT_EQ(outcome.exitCode, 1);
+    expectOneLine(outcome.error);
+    expectRefused(merge("-"), "A calibration is not written to the standard output; name a file");
+}
+
+}  // namespace
+}  // namespace zentaq

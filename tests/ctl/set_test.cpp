@@ -1,0 +1,233 @@
+// A value of a file is changed, or refused.
+#include <unistd.h>
+
+#include "app/messages.h"
+#include "ctl/ctl_fixture.h"
+
+namespace zentaq {
+namespace {
+
+TEST_F(Zentaqctl, SetWritesTheValueIntoItsCell) {
+    EXPECT_EQ(onFile("set", "KNK_MIN 44").exitCode, 0);
+    EXPECT_EQ(cellOf(file, 34), 44);
+    EXPECT_EQ(onFile("get", "KNK_MIN").out, "44\n");
+}
+
+TEST_F(Zentaqctl, SetChangesNothingElse) {
+    // The copy's own name first, so that it is no difference.
+    ASSERT_EQ(onFile("set", "KNK_MIN 43").exitCode, 0);
+    std::string before = contentOf(file);
+    ASSERT_EQ(onFile("set", "KNK_MIN 44").exitCode, 0);
+    const float value = 44;
+    std::memcpy(before.data() + 12 + 4 * 34, &value, sizeof value);
+    EXPECT_EQ(contentOf(file), before);
+}
+
+TEST_F(Zentaqctl, SetTakesNegativeValuesAndAnIndex) {
+    EXPECT_EQ(onFile("set", "VE -12.5 --index 17").exitCode, 0);
+    EXPECT_EQ(cellOf(file, 912 + 17), -12.5F);
+    EXPECT_EQ(onFile("set", "VE -.5 --index 18").exitCode, 0);
+    EXPECT_EQ(cellOf(file, 912 + 18), -0.5F);
+}
+
+TEST_F(Zentaqctl, SetWithAnOutputLeavesTheFileAlone) {
+    const std::string before = contentOf(file);
+    const std::string copy = folder.file("Faster.ZQ4OA");
+    EXPECT_EQ(onFile("set", "REV_Limiter 7200 -o " + inQuotes(copy)).exitCode, 0);
+    EXPECT_EQ(contentOf(file), before);
+    EXPECT_EQ(cellOf(copy, 58), 7200);
+    EXPECT_EQ(cellOf(copy, 560), 'F');  // the calibration takes the name of its file
+}
+
+TEST_F(Zentaqctl, SetAcceptsAValueAtItsLimit) {
+    EXPECT_EQ(onFile("set", "KNK_MIN 100").exitCode, 0);
+    EXPECT_EQ(onFile("set", "KNK_MIN 2").exitCode, 0);
+}
+
+TEST_F(Zentaqctl, SetTellsTheWarningAndTheRangeOfARefusedValueAndWritesNothing) {
+    const std::string before = contentOf(file);
+    const std::string copy = folder.file("never.ZQ4OA");
+    const Outcome outcome = onFile("set", "KNK_MIN 101 -o " + inQuotes(copy));
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.error, "Warning 1001: Data Input Error: (2 to 100 units) - Invalid Entry.\n");
+    EXPECT_EQ(onFile("set", "KNK_MIN 101").exitCode, 1);
+    EXPECT_EQ(contentOf(file), before);
+    EXPECT_FALSE(fs::exists(copy));
+}
+
+TEST_F(Zentaqctl, SetRefusesTextThatIsNoNumber) {
+    const Outcome outcome = onFile("set", "KNK_MIN fast");
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.error, StartsWith("Warning 1000: "));
+    EXPECT_THAT(onFile("set", "KNK_MIN ''").error, StartsWith("Warning 1005: "));
+}
+
+TEST_F(Zentaqctl, SetUsesTheLimitsOfTheEngineInTheDatabase) {
+    // TOFFSET2 may not lie below TOFFSET1, which is 14 for this engine.
+    EXPECT_EQ(onFile("set", "TOFFSET2 13").exitCode, 1);
+    EXPECT_EQ(onFile("set", "TOFFSET2 15").exitCode, 0);
+}
+
+TEST_F(Zentaqctl, SetThatCannotWriteLeavesTheFileWhole) {
+    const std::string before = contentOf(file);
+    const Outcome outcome = onFile("set", "KNK_MIN 44 -o " + inQuotes(folder.file("no/such/place.ZQ4OA")));
+    EXPECT_EQ(outcome.exitCode, 1);
+    expectOneLine(outcome.error);
+    EXPECT_EQ(contentOf(file), before);
+}
+
+/// A box on one line, as the program tells it.
+class BoxText : public Dialogs {
+ public:
+    Answer show(const Box& box) override {
+        text = box.text;
+        if (const auto end = text.find('\n'); end != std::string::npos) text.replace(end, 1, ": ");
+        if (const auto end = text.find('\n'); end != std::string::npos) text.replace(end, 1, " ");
+        return Answer::Ok;
+    }
+    std::string openFile(const FileRequest&) override { return {}; }
+    std::string saveFile(const FileRequest&) override { return {}; }
+    std::optional<std::string> input(const std::string&, const std::string&, const std::string&) override {
+        return {};
+    }
+    std::string text;
+};
+
+TEST_F(Zentaqctl, SaysTheSameWordsAsTheBoxesOfTheWindows) {
+    BoxText box;
+    Messages messages(
+        box, [](std::string_view) {}, [](const std::string&) {});
+    messages.Check_Range(101, 2, 100, "(2 to 100 units)");
+    EXPECT_EQ(onFile("set", "KNK_MIN 101").error, box.text + "\n");
+    messages.Check_Input(1000, "fast");
+    EXPECT_EQ(onFile("set", "KNK_MIN fast").error, box.text + "\n");
+    messages.Check_Input(1003, "");
+    EXPECT_EQ(onFile("set", "KNK_MIN ''").error, box.text + "\n");
+}
+
+TEST_F(Zentaqctl, SetRefusesADecimalComma) {
+    const std::string before = contentOf(file);
+    expectRefused(onFile("set", "KNK_MIN 12,5"),
+                  "KNK_MIN: 12,5 has a comma; decimals are written with a point, such as 12.5");
+    expectRefused(onFile("set", "GPIO_Param 12,5"),
+                  "GPIO_Param: 12,5 has a comma; decimals are written with a point, such as 12.5");
+    EXPECT_EQ(contentOf(file), before);
+}
+
+TEST_F(Zentaqctl, SetTakesTheFileItselfAsItsOutput) {
+    EXPECT_EQ(onFile("set", "KNK_MIN 44 -o " + inQuotes(file)).exitCode, 0);
+    EXPECT_EQ(cellOf(file, 34), 44);
+    expectRefused(onFile("set", "KNK_MIN 44 -o -"),
+                  "A calibration is not written to the standard output; name a file");
+}
+
+TEST_F(Zentaqctl, SetOfAFileThatIsWriteProtectedFailsAndLeavesIt) {
+    const std::string before = contentOf(file);
+    const std::string locked = folder.file("locked");
+    fs::create_directory(locked);
+    fs::create_directory(locked + "/tune.ZQ4OA");  // not even the superuser writes over a folder
+    const Outcome outcome = onFile("set", "KNK_MIN 44 -o " + inQuotes(locked + "/tune.ZQ4OA"));
+    EXPECT_EQ(outcome.exitCode, 1);
+    expectOneLine(outcome.error);
+    if (geteuid() != 0) {
+        fs::permissions(file, fs::perms::owner_read);
+        EXPECT_EQ(onFile("set", "KNK_MIN 44").exitCode, 1);
+    }
+    EXPECT_EQ(contentOf(file), before);
+}
+
+TEST_F(Zentaqctl, SetRefusesWhatFollowsFromOtherMembers) {
+    for (const char* member : {"MAPMax", "TOOTHMIN", "VE.ROW-AXIS"}) {
+        expectRefused(onFile("set", std::string(member) + " 5"),
+                      std::string(member) + " follows from other members and cannot be set");
+    }
+    EXPECT_EQ(onFile("set", "ISRPM 900 --index 3").exitCode, 1);
+}
+
+TEST_F(Zentaqctl, SetWritesNotesAndName) {
+    EXPECT_EQ(onFile("set", "NOTES_TEXT 'Good on 98 octane'").exitCode, 0);
+    EXPECT_EQ(onFile("get", "NOTES_TEXT").out, "Good on 98 octane\n");
+    EXPECT_EQ(onFile("set", "BiName 'Track day'").exitCode, 0);
+    EXPECT_EQ(cellOf(file, 560), 'T');
+    EXPECT_EQ(onFile("get", "BiName").out, "Track day\n");
+    expectRefused(onFile("set", "BiName '1234567890123456789012345'"), "BiName takes at most 24 characters");
+    expectRefused(onFile("set", "BiName 'a/b'"), "BiName takes no / and no \\");
+    expectRefused(onFile("set", "NOTES_TEXT '" + std::string(501, 'x') + "'"),
+                  "NOTES_TEXT takes at most 500 characters");
+    EXPECT_EQ(onFile("set", "NOTES_TEXT '" + std::string(500, 'x') + "'").exitCode, 0);
+}
+
+TEST_F(Zentaqctl, SetTakesTheNextSaveOfAFileAsItsName) {
+    onFile("set", "BiName 'Track day'");
+    onFile("set", "KNK_MIN 44");
+    EXPECT_EQ(onFile("get", "BiName").out, "Street\n");
+}
+
+TEST_F(Zentaqctl, SetWritesThePressureUnit) {
+    EXPECT_EQ(onFile("set", "MAPUnits PSIA").exitCode, 0);
+    EXPECT_EQ(cellOf(file, 129), 2);
+    EXPECT_EQ(onFile("set", "MAPUnits %Flow").exitCode, 0);
+    EXPECT_EQ(onFile("get", "Control2 0").out, "1\n");
+    expectRefused(onFile("set", "MAPUnits bar"),
+                  "Warning 1001: Data Input Error: kPa, PSIA, PSIG, mmHg, inHg or %Flow - Invalid Entry.");
+}
+
+TEST_F(Zentaqctl, SetWritesTheFirmwareThatAFileIsFor) {
+    EXPECT_EQ(onFile("set", "FW_Release 4").exitCode, 0);
+    EXPECT_EQ(floatOf(file, 2), 4099);
+    EXPECT_EQ(onFile("set", "FW_Build 12").exitCode, 0);
+    EXPECT_EQ(floatOf(file, 2), 4012);
+    expectRefused(onFile("set", "FW_Release 6"), "Warning 1001: Data Input Error: (1 to 5) - Invalid Entry.");
+    expectRefused(onFile("set", "FW_Build 1.5"), "Warning 1002: Data Input Error: Enter Whole Numbers Only");
+}
+
+TEST_F(Zentaqctl, SetWritesControlBits) {
+    EXPECT_EQ(onFile("set", "ControlByte3 0").exitCode, 0);
+    EXPECT_EQ(onFile("set", "Control3 1 --index 5").exitCode, 0);
+    EXPECT_EQ(cellOf(file, 2), 32);
+    EXPECT_EQ(onFile("set", "Control3 0 --index 5").exitCode, 0);
+    EXPECT_EQ(cellOf(file, 2), 0);
+    EXPECT_EQ(onFile("set", "opt_FullCut 1").exitCode, 0);
+    EXPECT_EQ(cellOf(file, 2), 1);
+    expectRefused(onFile("set", "Control3 2"), "Warning 1001: Data Input Error: (0 to 1) - Invalid Entry.");
+    expectRefused(onFile("set", "ControlByte3 256"),
+                  "Warning 1001: Data Input Error: (0 to 255) - Invalid Entry.");
+    EXPECT_EQ(onFile("set", "Control3 1 --index 8").exitCode, 1);
+}
+
+TEST_F(Zentaqctl, SetWritesInputsAndOutputs) {
+    EXPECT_EQ(onFile("set", "GPIO_Func 6 --index 3").exitCode, 0);
+    EXPECT_EQ(onFile("set", "GPIO_Param 6500 --index 24").exitCode, 0);
+    EXPECT_EQ(cellOf(file, 336 + 27), 6);
+    EXPECT_EQ(cellOf(file, 336 + 28), 6500);
+    expectRefused(onFile("set", "GPIO_Func 30"),
+                  "Warning 1001: Data Input Error: (0 to 29) - Invalid Entry.");
+    expectRefused(onFile("set", "GPIO_Param x"),
+                  "Warning 1000: Data Input Error: Non-numeric value detected. Retype Data");
+}
+
+TEST_F(Zentaqctl, SetWritesTheShapeOfTables) {
+    EXPECT_EQ(onFile("set", "VE.ROWS 12").exitCode, 0);
+    EXPECT_EQ(cellOf(file, 2292), 12);
+    expectRefused(onFile("set", "VE.ROWS 7"), "Warning 1001: Data Input Error: (8 to 24) - Invalid Entry.");
+    EXPECT_EQ(onFile("set", "GPO2.COL-AXIS TPS").exitCode, 0);
+    EXPECT_EQ(cellOf(file, 2291), 3 * 16 + 4);  // rows stay on BLEND MAP
+    EXPECT_EQ(onFile("set", "GPO2.COL-AXIS SPEED").exitCode, 1);
+    EXPECT_EQ(onFile("set", "GPO2.X-Axis 2.5 --index 3").exitCode, 0);
+    EXPECT_EQ(cellOf(file, 2274 + 3), 2.5F);
+    expectRefused(onFile("set", "GPO2.X-Axis 6 --index 3"),
+                  "Warning 1001: Data Input Error: (0 to 5 Volts) - Invalid Entry.");
+}
+
+TEST_F(Zentaqctl, SetOnAKindWithFixedTablesRefusesTheirShape) {
+    const std::string classic = folder.file("Classic.ZQ4PZK");
+    fs::copy_file(sample("PZK-2 Classic Four.ZQ4PZK"), classic);
+    expectRefused(run("set " + inQuotes(classic) + " ADV.ROWS 12"),
+                  "ADV.ROWS follows from other members and cannot be set");
+    EXPECT_EQ(run("set " + inQuotes(classic) + " GPO1.X-Axis 1234 --index 0").exitCode, 0);
+    EXPECT_EQ(run("get " + inQuotes(classic) + " RPMTBL 0").out, "1234\n");
+    expectRefused(run("set " + inQuotes(classic) + " VE 5"), "PZK-2 has no member VE");
+}
+
+}  // namespace
+}  // namespace zentaq
