@@ -1,9 +1,10 @@
 """Tests of the second encoder against numbers worked out by hand.
 
-    python3 test_orba_oracle.py
+    python3 test_unit_oracle.py
 """
 
 import collections
+import math
 import os
 import struct
 import sys
@@ -13,39 +14,49 @@ import unittest
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 
 import check_srecord  # noqa: E402
-import orba_oracle  # noqa: E402
+import random_calibrations  # noqa: E402
+import unit_encoder  # noqa: E402
+import unit_oracle  # noqa: E402
 
 
-def plain_cells():
+ORB_A = unit_encoder.KINDS["A"]
+
+
+def plain_cells(kind=ORB_A):
     """Zero cells, but for those that the image divides by and the bar rating."""
-    cell = [0.0] * orba_oracle.CELLS_IN_FILE
-    cell[39] = cell[124] = 1.0
-    cell[138] = 1.0
-    cell[283:293] = [14.64] * 10
-    cell[1424:1680] = [14.7] * 256
-    cell[2225] = 14.7
-    cell[2242] = 1.0
-    cell[2290] = cell[2291] = 0x37
-    cell[2292:2298] = [16.0] * 6
+    cell = [0.0] * kind.cells
+    cell[39] = cell[kind.display] = 1.0
+    if kind.has_fuel:
+        cell[138] = 1.0
+        cell[283:293] = [14.64] * 10
+        cell[kind.ratios:kind.ratios + 256] = [14.7] * 256
+        cell[2225] = 14.7
+        cell[2242] = 1.0
+        cell[2290] = cell[2291] = 0x37
+        cell[2292:2298] = [16.0] * 6
     return cell
 
 
-def file_of(cells, code=5099, version=10.2):
-    return struct.pack("<3f%df" % len(cells), 3.0, version, code, *cells)
+def file_of(cells, code=5099, version=10.2, kind=ORB_A):
+    return struct.pack("<3f%df" % len(cells), kind.number, version, code, *cells)
 
 
-def image(changes=None, code=5099):
-    cells = plain_cells()
+def image(changes=None, code=5099, kind=ORB_A):
+    cells = plain_cells(kind)
     for index, value in (changes or {}).items():
         cells[index] = value
-    return orba_oracle.image_of(file_of(cells, code))
+    return unit_encoder.image_of(file_of(cells, code, kind=kind))
 
 
 def block(parameters, code=5099):
     """The image bytes of input/output block 0 with its function and parameters."""
     cells = plain_cells()
     cells[336:336 + len(parameters)] = parameters
-    return orba_oracle.image_of(file_of(cells, code))[336:345]
+    return unit_encoder.image_of(file_of(cells, code))[336:345]
+
+
+def lines_of(kind, code):
+    return unit_encoder.encode(file_of(plain_cells(kind), code, kind=kind)).split("\r\n")
 
 
 class Scalars(unittest.TestCase):
@@ -55,7 +66,7 @@ class Scalars(unittest.TestCase):
         self.assertEqual(image({34: 30})[34], 76)  # 76.5
 
     def test_knock_threshold_stands_in_the_third_line(self):
-        text = orba_oracle.encode(file_of([50.0 if i == 34 else v for i, v in enumerate(plain_cells())]))
+        text = unit_encoder.encode(file_of([50.0 if i == 34 else v for i, v in enumerate(plain_cells())]))
         line = text.split("\r\n")[2]
         self.assertEqual(line[:8], "S1131120")
         self.assertEqual(line[8 + 4:8 + 6], "80")
@@ -102,11 +113,11 @@ class Scalars(unittest.TestCase):
         self.assertEqual(image({124: 2.5, 39: 4})[39], 4)
 
     def test_a_number_beyond_16_bits_is_an_error(self):
-        with self.assertRaises(orba_oracle.EncodeError):
+        with self.assertRaises(unit_encoder.EncodeError):
             image({58: 40000})
 
     def test_a_bar_rating_beyond_the_table_is_an_error(self):
-        with self.assertRaises(orba_oracle.EncodeError):
+        with self.assertRaises(unit_encoder.EncodeError):
             image({39: 5})
 
 
@@ -196,15 +207,15 @@ class Pressures(unittest.TestCase):
 
     def test_absolute_and_gauge_pounds(self):
         # ratio 14.696 / 101.325 for both; the gauge sensor's zero moves by 14.696 * 0.1 volts
-        self.assertEqual(orba_oracle.sensor_words(0.1, 1.5, "PSIA"), (1215, 307))
-        self.assertEqual(orba_oracle.sensor_words(0.1, 1.5, "PSIG"), (1215, 6))
+        self.assertEqual(unit_encoder.sensor_words(0.1, 1.5, "PSIA"), (1215, 307))
+        self.assertEqual(unit_encoder.sensor_words(0.1, 1.5, "PSIG"), (1215, 6))
 
     def test_columns_of_mercury(self):
-        self.assertEqual(orba_oracle.sensor_words(0.01, 0.25, "mmHg"), (6286, 51))
-        self.assertEqual(orba_oracle.sensor_words(0.25, 0.25, "inHg"), (6187, 51))
+        self.assertEqual(unit_encoder.sensor_words(0.01, 0.25, "mmHg"), (6286, 51))
+        self.assertEqual(unit_encoder.sensor_words(0.25, 0.25, "inHg"), (6187, 51))
 
     def test_flow_sensor_has_no_gain(self):
-        self.assertEqual(orba_oracle.sensor_words(0.05, 0.5, "%Flow"), (0, 102))
+        self.assertEqual(unit_encoder.sensor_words(0.05, 0.5, "%Flow"), (0, 102))
 
 
 class Trims(unittest.TestCase):
@@ -216,7 +227,7 @@ class Trims(unittest.TestCase):
         cells = plain_cells()
         cells[8] = cylinders * 16 + 3
         cells[2312:2320] = [1, 2, 3, 4, 5, 6, 7, 8]
-        calibration = orba_oracle.Calibration(file_of(cells))
+        calibration = unit_encoder.Calibration(file_of(cells))
         calibration.Initialize_Trims()
         return calibration.cell[520:536]
 
@@ -276,7 +287,7 @@ class Blocks(unittest.TestCase):
         cells = plain_cells()
         cells[336:339] = [8, 1, 60]
         cells[345:348] = [8, 2, 99]
-        got = orba_oracle.image_of(file_of(cells))
+        got = unit_encoder.image_of(file_of(cells))
         self.assertEqual(got[345:348], [1, 2, 1])
 
     def test_full_table_other_than_1_or_2_becomes_1(self):
@@ -302,8 +313,8 @@ class Blocks(unittest.TestCase):
 class Stops(unittest.TestCase):
     def stop(self, kind, value, code=5099):
         """A stop on an axis of this kind, before it is rounded to a word."""
-        calibration = orba_oracle.Calibration(file_of(plain_cells(), code))
-        return orba_oracle._Image(calibration).stop_to_unit(value, orba_oracle.AXIS_KINDS[kind])
+        calibration = unit_encoder.Calibration(file_of(plain_cells(), code))
+        return unit_encoder._Image(calibration).stop_to_unit(value, unit_encoder.AXIS_KINDS[kind])
 
     def test_kinds(self):
         self.assertAlmostEqual(self.stop(1, 150), 255)
@@ -340,9 +351,9 @@ class Stops(unittest.TestCase):
         cells[592:624:2] = [500.0 * (i + 1) for i in range(16)]
         cells[624:656:2] = [0.5, 200.0] + [10.0 + i for i in range(14)]
         cells[2290] = cells[2291] = 0
-        calibration = orba_oracle.Calibration(file_of(cells, 2000))
+        calibration = unit_encoder.Calibration(file_of(cells, 2000))
         self.assertEqual(calibration.cell[2242:2258], [500.0 * (i + 1) for i in range(16)])
-        self.assertEqual(calibration.cell[2226:2230], [orba_oracle.f32(1.1), orba_oracle.f32(103.9), 10, 11])
+        self.assertEqual(calibration.cell[2226:2230], [unit_encoder.f32(1.1), unit_encoder.f32(103.9), 10, 11])
         self.assertEqual(calibration.cell[2258:2290], calibration.cell[2226:2258])
         self.assertEqual(calibration.cell[2290:2292], [55, 55])
 
@@ -352,42 +363,43 @@ class Stops(unittest.TestCase):
 
 class Records(unittest.TestCase):
     def test_first_line_of_zeros_sums_up_to_its_header(self):
-        lines = orba_oracle.s_records([0] * 2501, 5).split("\r\n")
+        lines = unit_encoder.s_records([0] * 2501, 147).split("\r\n")
         self.assertEqual(lines[0], "S1131100" + "00" * 16 + "DB")  # 255 - 36
         self.assertEqual(lines[1], "S1131110" + "00" * 16 + "CB")  # 255 - 52
 
     def test_small_checksum_has_two_digits(self):
         element = [0] * 2501
         element[0] = 0xDB - 5
-        self.assertTrue(orba_oracle.s_records(element, 5).startswith("S1131100D6" + "00" * 15 + "05\r\n"))
+        self.assertTrue(unit_encoder.s_records(element, 147).startswith("S1131100D6" + "00" * 15 + "05\r\n"))
 
     def test_256_prints_as_00_with_an_unchanged_checksum(self):
         cells = plain_cells()
         cells[3] = 255.5
-        self.assertEqual(orba_oracle.image_of(file_of(cells))[3], 256)
+        self.assertEqual(unit_encoder.image_of(file_of(cells))[3], 256)
         element = [0] * 2501
         element[3] = 256
-        self.assertEqual(orba_oracle.s_records(element, 5), orba_oracle.s_records([0] * 2501, 5))
+        self.assertEqual(unit_encoder.s_records(element, 147), unit_encoder.s_records([0] * 2501, 147))
 
     def test_negative_and_broken_numbers_print_two_digits(self):
         element = [0] * 2501
         element[0:4] = [-20, 15.7, 12.5, -0.3]
-        line = orba_oracle.s_records(element, 5).split("\r\n")[0]
+        line = unit_encoder.s_records(element, 147).split("\r\n")[0]
         self.assertEqual(line[8:16], "EC100C00")
         self.assertIsNone(check_srecord.check_line(line))
 
-    def test_number_of_lines_by_release(self):
-        for release, lines, last in ((4, 137, "S1131980"), (5, 147, "S1131A20")):
-            text = orba_oracle.s_records([0] * 2501, release)
-            rows = text.split("\r\n")
-            self.assertEqual(len(rows), lines + 2)  # the end record and the text behind its line end
-            self.assertEqual(rows[lines - 1][:8], last)
-            self.assertEqual(rows[lines:], ["S9030000FC", ""])
+    def test_number_of_lines(self):
+        for count, last in ((64, "S11314F0"), (137, "S1131980"), (147, "S1131A20")):
+            rows = unit_encoder.s_records([0] * 2501, count).split("\r\n")
+            self.assertEqual(len(rows), count + 2)  # the end record and the text behind its line end
+            self.assertEqual(rows[count - 1][:8], last)
+            self.assertEqual(rows[count:], ["S9030000FC", ""])
 
-    def test_release_given_takes_the_place_of_the_headers(self):
-        data = file_of(plain_cells(), 5099)
-        self.assertEqual(len(orba_oracle.encode(data, release=4).split("\r\n")), 139)
-        self.assertEqual(orba_oracle.encode(data), orba_oracle.encode(data, release=5, build=99))
+    def test_a_number_as_it_stands_prints_its_low_byte_up_to_32_bits(self):
+        element = [40000, 1e6, -300.0] + [0] * 2498
+        self.assertEqual(unit_encoder.s_records(element, 147)[8:14], "4040D4")
+        for bad in (3e9, -3e9, math.inf, math.nan):
+            with self.assertRaises(unit_encoder.EncodeError):
+                unit_encoder.s_records([bad] + [0] * 2500, 147)
 
 
 class Checker(unittest.TestCase):
@@ -409,81 +421,221 @@ class Checker(unittest.TestCase):
             check_srecord.memory("S10411228048\r\n" + self.GOOD)
 
 
+class Kinds(unittest.TestCase):
+    """What differs from the ORB A, by hand from the table of the kinds."""
+
+    L, C, D, D6, PZK = (unit_encoder.KINDS[name] for name in ("L", "C", "D", "D6", "PZK-2"))
+
+    def test_files_have_their_length_and_number(self):
+        found = {kind.name: (kind.number, 12 + 4 * kind.cells) for kind in unit_encoder.KINDS.values()}
+        self.assertEqual(found, {"A": (3, 11324), "L": (4, 11324), "C": (6, 11320), "D": (7, 11316),
+                                 "D6": (8, 11316), "PZK-2": (5, 6816)})
+
+    def test_lines_by_release(self):
+        for kind, newer in ((ORB_A, 5), (self.L, 7), (self.C, 5), (self.D, 5), (self.D6, 5)):
+            self.assertEqual(len(lines_of(kind, (newer - 1) * 1000 + 99)), 137 + 2, kind.name)
+            self.assertEqual(len(lines_of(kind, newer * 1000)), 147 + 2, kind.name)
+        for code in (1000, 4099, 5000, 9000):
+            self.assertEqual(len(lines_of(self.PZK, code)), 64 + 2)
+
+    def test_a_file_without_firmware_is_of_the_newest(self):
+        for kind, lines in ((ORB_A, 147), (self.L, 147), (self.C, 137), (self.D, 147), (self.PZK, 64)):
+            self.assertEqual(len(lines_of(kind, 0)), lines + 2, kind.name)
+
+    def test_stop_points_of_an_older_orb_l_are_cleared(self):
+        self.assertEqual(image({2242: 6000}, 6099, self.L)[2192:2208], [0] * 16)
+        self.assertEqual(image({2242: 6000}, 7000, self.L)[2196:2198], [23, 112])
+
+    def test_blocks(self):
+        # The last byte of the last block, of function 1: pressure word c7 of 100 kPa is 984 = 3 * 256 + 216.
+        for kind, last in ((ORB_A, 399), (self.L, 408), (self.C, 442), (self.D, 390), (self.PZK, 121)):
+            got = image({last: 1, last + 7: 100}, 2000, kind)
+            self.assertEqual(got[last:last + 9], [3, 0, 0, 0, 0, 0, 0, 3, 216], kind.name)
+            beyond = image({last + 9: 1}, 2000, kind)
+            self.assertNotEqual(beyond[last + 9], 3, kind.name)
+
+    def test_tables_of_orb_d(self):
+        got = image({1168: 29.4, 1423: 14.7, 1424: 100, 1680: 50, 1936: 77}, kind=self.D)
+        self.assertEqual((got[1168], got[1423], got[1424], got[1680]), (0, 128, 255, 128))
+        self.assertEqual(got[1936:2192], [0] * 256)
+
+    def test_user_trims(self):
+        for kind, first in ((ORB_A, 2312), (self.L, 2312), (self.C, 2311), (self.D, 2310), (self.PZK, 1185)):
+            place = 150 if kind is self.PZK else 520
+            got = image({first: 15, first + 7: -15}, kind=kind)
+            self.assertEqual(got[place:place + 16], ([0] + [128] * 6 + [255]) * 2, kind.name)
+
+    def test_user_fuel_trims_are_copied_for_the_next_time(self):
+        for kind, first in ((ORB_A, 2320), (self.C, 2319), (self.D, 2318)):
+            cells = plain_cells(kind)
+            cells[first], cells[first + 7] = 5, -5
+            calibration = unit_encoder.Calibration(file_of(cells, kind=kind))
+            calibration.Initialize_Trims()
+            self.assertEqual((calibration.cell[504], calibration.cell[511]), (5, -5), kind.name)
+
+    def test_pzk_places(self):
+        got = image({84: 2, 85: 400, 130: -30, 149: 30, 166: 65, 192: 500, 256: 60, 511: 10, 512: 100, 1023: 50,
+                     39: 2}, kind=self.PZK)
+        self.assertEqual(got[84:86], [50, 100])
+        self.assertEqual((got[130], got[149], got[166]), (0, 255, 65))
+        self.assertEqual(got[192:194], [1, 244])
+        self.assertEqual((got[256], got[511], got[512], got[1023]), (255, 42, 255, 128))
+        self.assertEqual(image({224: 100}, 2000, self.PZK)[224:226], [3, 216])
+        # The default sensor, as on the ORB A.
+        self.assertEqual(got[86:90], [17, 85, 0, 144])
+
+    def test_pzk_lacks_the_fuel_side(self):
+        lacking = (7, *range(9, 18), 52, 53, 65, 66, 90, 93, 190, 191)
+        got = image({i: 3 for i in lacking}, kind=self.PZK)
+        self.assertEqual([got[i] for i in lacking], [0] * len(lacking))
+        self.assertEqual(got[1024:], [0] * (2501 - 1024))
+
+    def test_pzk_file_without_a_cell_has_an_image(self):
+        self.assertEqual(len(unit_encoder.encode(struct.pack("<3f", 5, 10.2, 5099)).split("\r\n")), 66)
+
+
+class Opening(unittest.TestCase):
+    def test_old_firmware_of_a_newer_unit_finds_its_sensor_by_the_bar_rating(self):
+        sensors = {2: (0.1, 0.5, 2), 4: (0.2, 0.6, 3)}
+        for bar, scaler, units in ((2, 0.1, "PSIA"), (2.5, 0.2, "PSIG"), (4, 0.2, "PSIG")):
+            cells = plain_cells()
+            cells[124] = bar
+            calibration = unit_encoder.Calibration(file_of(cells, 0), sensors)
+            self.assertEqual(calibration.MAP_Scaler(), unit_encoder.f32(scaler))
+            self.assertEqual(calibration.MAPUnits(), units)
+        untouched = unit_encoder.Calibration(file_of(plain_cells(), 2099), sensors)
+        self.assertEqual(untouched.MAP_Scaler(), unit_encoder.f32(0.05295))
+
+    def test_a_control_byte_beyond_8_bits_is_an_error(self):
+        for value in (-1, 256, 255.5):
+            with self.assertRaises(unit_encoder.EncodeError):
+                image({2: value})
+        self.assertEqual(image({2: 254.5})[2], 254)
+
+    def test_a_file_that_is_too_long_is_an_error(self):
+        self.assertEqual(len(image({})), 2501)
+        unit_encoder.encode(file_of(plain_cells() + [7.0] * (3001 - 2828)))
+        with self.assertRaises(unit_encoder.EncodeError):
+            unit_encoder.encode(file_of(plain_cells() + [7.0] * (3002 - 2828)))
+
+    def test_a_ratio_of_0_in_the_table_is_an_error(self):
+        for index in (1424, 1679, 283):
+            with self.assertRaises(unit_encoder.EncodeError):
+                image({index: 0})
+
+    def test_program_up_to_9_44_kept_no_sizes(self):
+        cells = plain_cells()
+        cells[2292:2298] = [0.0] * 6
+        got = unit_encoder.image_of(file_of(cells, version=9.44))
+        self.assertEqual((got[590:592], got[2194:2196]), ([16, 16], [0, 0]))
+        got = unit_encoder.image_of(file_of(cells, version=9.45))
+        self.assertEqual((got[590:592], got[2194:2196]), ([16, 16], [16, 16]))
+
+    def test_an_axis_word_beyond_a_byte_names_no_row_axis(self):
+        cells = plain_cells()
+        cells[2290] = 0x137
+        calibration = unit_encoder.Calibration(file_of(cells))
+        self.assertEqual((calibration.axis_kind(1, True), calibration.axis_kind(1, False)), ("", "RPM"))
+
+
 class RandomFiles(unittest.TestCase):
+    COUNT = 300
+
     @classmethod
     def setUpClass(cls):
-        generator = orba_oracle.Generator(11)
-        cls.pairs = [generator.file() for _ in range(300)]
+        cls.pairs = {}
+        for name, kind in unit_encoder.KINDS.items():
+            generator = random_calibrations.Generator(kind, 11)
+            cls.pairs[name] = [generator.file() for _ in range(cls.COUNT)]
 
-    def test_files_have_the_full_length_and_valid_records(self):
-        for data, text in self.pairs:
-            self.assertEqual(len(data), 11324)
-            self.assertEqual(struct.unpack_from("<2f", data), (3.0, orba_oracle.f32(10.2)))
-            self.assertEqual(check_srecord.check(text), [])
+    def test_texts_are_valid_records(self):
+        for name, pairs in self.pairs.items():
+            texts = [text for _, text in pairs if text is not None]
+            self.assertGreater(len(texts), self.COUNT * 3 // 4, name)
+            self.assertLess(len(texts), self.COUNT, name)
+            for text in texts:
+                self.assertEqual(check_srecord.check(text), [])
 
     def test_records_hold_the_image(self):
-        for data, text in self.pairs[:50]:
-            memory = check_srecord.memory(text)
-            self.assertEqual(min(memory), 4352)
-            self.assertIn(len(memory), (137 * 16, 147 * 16))
-            element = orba_oracle.image_of(data)
-            for i in range(len(memory)):
-                self.assertEqual(memory[4352 + i], round(element[i]) % 256)
+        for name, pairs in self.pairs.items():
+            for data, text in pairs[:30]:
+                if text is None:
+                    continue
+                memory = check_srecord.memory(text)
+                self.assertEqual(min(memory), 4352)
+                self.assertIn(len(memory) // 16, unit_encoder.KINDS[name].rows)
+                element = unit_encoder.image_of(data)
+                for i in range(len(memory)):
+                    self.assertEqual(memory[4352 + i], round(element[i]) % 256)
 
-    def test_every_function_axis_release_and_unit_occurs(self):
-        seen = collections.defaultdict(set)
-        for data, _ in self.pairs:
-            calibration = orba_oracle.Calibration(data)
-            seen["release"].add(calibration.release)
-            seen["units"].add(calibration.MAPUnits())
-            seen["function"].update(calibration.cell[336:408:9])
-            for table in (1, 2):
-                seen["rows"].add(calibration.axis_kind(table, True))
-                seen["columns"].add(calibration.axis_kind(table, False))
-        self.assertEqual(seen["release"], {1, 2, 3, 4, 5})
-        self.assertEqual(seen["units"], {"kPa", "PSIA", "PSIG", "mmHg", "inHg", "%Flow"})
-        self.assertEqual(seen["function"], set(range(26)))
-        self.assertEqual(seen["rows"], set(orba_oracle.AXIS_KINDS[1:]))
-        self.assertEqual(seen["columns"], set(orba_oracle.AXIS_KINDS[1:]))
+    def test_every_function_axis_release_and_unit_occurs_on_every_kind(self):
+        for name, pairs in self.pairs.items():
+            kind = unit_encoder.KINDS[name]
+            seen = collections.defaultdict(set)
+            for data, text in pairs:
+                if text is not None:
+                    self._note(unit_encoder.Calibration(data), seen)
+            self.assertLessEqual(set(range(10)), seen["release"], name)
+            self.assertLessEqual({(2, 6), (2, 7), (2, 17), (2, 18), (4, 2), (4, 3)}, seen["firmware"], name)
+            self.assertLessEqual({"kPa", "PSIA", "PSIG", "mmHg", "inHg", "%Flow", ""}, seen["units"], name)
+            self.assertLessEqual(set(range(32)), seen["function"], name)
+            if kind.has_fuel:
+                self.assertEqual(seen["rows"], set(unit_encoder.AXIS_KINDS), name)
+                self.assertEqual(seen["columns"], set(unit_encoder.AXIS_KINDS), name)
 
-    def test_cells_are_in_range(self):
-        for data, _ in self.pairs:
-            cells = struct.unpack_from("<2828f", data, 12)
-            for places, low, high in orba_oracle._RANGE_CELLS:
-                for i in places:
-                    if 138 <= i < 146:
-                        continue  # some files leave the barometric trim to be seeded
-                    self.assertTrue(orba_oracle.f32(low) <= cells[i] <= orba_oracle.f32(high) or i >= 2327,
-                                    "cell %d: %r" % (i, cells[i]))
+    @staticmethod
+    def _note(calibration, seen):
+        kind = calibration.kind
+        seen["release"].add(calibration.release)
+        seen["firmware"].add((calibration.release, calibration.build))
+        seen["units"].add(calibration.MAPUnits())
+        seen["function"].update(calibration.cell[kind.first_block:kind.first_block + 9 * kind.pins:9])
+        for table in (1, 2) if kind.has_fuel else ():
+            seen["rows"].add(calibration.axis_kind(table, True))
+            seen["columns"].add(calibration.axis_kind(table, False))
+
+    def test_a_thousand_files_have_every_function_on_every_pin(self):
+        kind = unit_encoder.KINDS["C"]
+        generator = random_calibrations.Generator(kind, 1)
+        seen = [set() for _ in range(kind.pins)]
+        for _ in range(1000):
+            cells = struct.unpack_from("<451f", generator._candidate().ljust(2000, b"\0"), 12)
+            for pin, functions in enumerate(seen):
+                functions.add(cells[334 + 9 * pin])
+        for functions in seen:
+            self.assertLessEqual(set(random_calibrations.GPIO_FUNCTIONS), functions)
 
     def test_the_same_seed_gives_the_same_files(self):
-        again = orba_oracle.Generator(11)
-        self.assertEqual([again.file() for _ in range(5)], self.pairs[:5])
-        self.assertNotEqual(orba_oracle.Generator(12).file(), self.pairs[0])
+        again = random_calibrations.Generator(ORB_A, 11)
+        self.assertEqual([again.file() for _ in range(5)], self.pairs["A"][:5])
+        self.assertNotEqual(random_calibrations.Generator(ORB_A, 12).file(), self.pairs["A"][0])
 
     def test_command_line_writes_pairs(self):
-        with tempfile.TemporaryDirectory() as folder:
-            self.assertEqual(orba_oracle.main(["--count", "3", "--seed", "11", "--out", folder]), 0)
-            self.assertEqual(sorted(os.listdir(folder)),
-                             ["00000.ZQ4OA", "00000.s19", "00001.ZQ4OA", "00001.s19", "00002.ZQ4OA", "00002.s19"])
-            with open(os.path.join(folder, "00002.ZQ4OA"), "rb") as file:
-                self.assertEqual(file.read(), self.pairs[2][0])
-            with open(os.path.join(folder, "00002.s19"), "rb") as file:
-                self.assertEqual(file.read().decode("ascii"), self.pairs[2][1])
+        for name, kind in unit_encoder.KINDS.items():
+            with tempfile.TemporaryDirectory() as folder:
+                arguments = ["--kind", name, "--count", "20", "--seed", "11", "--out", folder]
+                self.assertEqual(unit_oracle.main(arguments), 0)
+                for number, (data, text) in enumerate(self.pairs[name][:20]):
+                    stem = os.path.join(folder, "%05d" % number)
+                    with open(stem + kind.extension, "rb") as file:
+                        self.assertEqual(file.read(), data)
+                    self.assertEqual(os.path.exists(stem + ".s19"), text is not None)
+                    if text is not None:
+                        with open(stem + ".s19", "rb") as file:
+                            self.assertEqual(file.read().decode("ascii"), text)
 
 
 class Files(unittest.TestCase):
-    def test_other_kinds_and_missing_firmware_are_refused(self):
-        with self.assertRaises(orba_oracle.EncodeError):
-            orba_oracle.encode(struct.pack("<4f", 4.0, 10.2, 5099, 0))
-        with self.assertRaises(orba_oracle.EncodeError):
-            orba_oracle.encode(file_of(plain_cells(), 0))
-        with self.assertRaises(orba_oracle.EncodeError):
-            orba_oracle.encode(b"")
+    def test_what_is_no_calibration_is_refused(self):
+        for data in (b"", struct.pack("<2f", 3, 10.2), struct.pack("<4f", 2, 10.2, 5099, 0),
+                     struct.pack("<4f", 9, 10.2, 5099, 0), struct.pack("<4f", 3.5, 10.2, 5099, 0)):
+            with self.assertRaises(unit_encoder.EncodeError):
+                unit_encoder.encode(data)
 
     def test_build_is_the_rest_of_the_code(self):
-        calibration = orba_oracle.Calibration(file_of(plain_cells(), 2017))
-        self.assertEqual((calibration.release, calibration.build), (2, 17))
+        for code, firmware in ((2017, (2, 17)), (2006.5, (2, 6)), (2017.5, (2, 18)), (12, (0, 12)), (0, (5, 99))):
+            calibration = unit_encoder.Calibration(file_of(plain_cells(), code))
+            self.assertEqual((calibration.release, calibration.build), firmware)
 
 
 if __name__ == "__main__":
