@@ -19,6 +19,11 @@ std::string validFirmware(const std::string& text) {
     return parseFirmware(text) ? std::string() : text + " is no firmware such as 5.99";
 }
 
+/// "-o $OUT" with nothing in OUT must not mean "write FILE itself".
+std::string namedFile(const std::string& text) {
+    return text.empty() ? "the name of the file is empty" : std::string();
+}
+
 std::string validKind(const std::string& text) {
     return unitKindOf(text) != nullptr ? std::string()
                                        : text + " is no unit kind such as A, L, C, D, D6 or PZK-2";
@@ -108,7 +113,7 @@ void CommandLine::addJson(CLI::App* command) {
 }
 
 CLI::Option* CommandLine::addOutput(CLI::App* command, const char* what) {
-    return command->add_option("-o,--output", given_.output, what);
+    return command->add_option("-o,--output", given_.output, what)->check(CLI::Validator(namedFile, "FILE"));
 }
 
 void CommandLine::addReading() {
@@ -137,11 +142,10 @@ void CommandLine::addReading() {
     show->add_option("--index", given.index, "The same")->excludes(place);
     addJson(show);
 
-    CLI::App* sent =
-        addOnFile("record", "Show the records that a change sends to a running unit, one a line",
-                  doing([&given](const Context& context) {
-                      record(context, given.file, given.member, given.value, given.index.value_or(0));
-                  }));
+    CLI::App* sent = addOnFile("record", "Show the records that a change sends to a running unit, one a line",
+                               doing([&given](const Context& context) {
+                                   record(context, given.file, given.member, given.value, given.index);
+                               }));
     addMember(sent);
     addValue(sent);
     addIndex(sent);
@@ -152,10 +156,10 @@ void CommandLine::addChanging() {
     Arguments& given = given_;
     constexpr const char* elsewhere = "Write here and leave FILE as it is";
 
-    CLI::App* change = addOnFile("set", "Change a value in a file", doing([&given](const Context& context) {
-                                     set(context, given.file, given.member, given.value,
-                                         given.index.value_or(0), given.output);
-                                 }));
+    CLI::App* change =
+        addOnFile("set", "Change a value in a file", doing([&given](const Context& context) {
+                      set(context, given.file, given.member, given.value, given.index, given.output);
+                  }));
     addMember(change);
     addValue(change);
     addIndex(change);
@@ -212,7 +216,7 @@ void CommandLine::addComparing() {
             [&given](const Context& context) {
                 return diff(context, given.file, given.second) ? done : different;
             });
-    compare->add_option("A", given.file, "Calibration file")->required();
+    compare->add_option("A", given.file, "Calibration file; - is the standard input")->required();
     compare->add_option("B", given.second, "Calibration file")->required();
     addJson(compare);
 

@@ -17,10 +17,12 @@ void members(const Context& context, const std::string& file, const UnitKind* ki
 /// Without an index all values: a table as its rows, a curve on one line.
 void get(const Context& context, const std::string& file, const std::string& member,
          std::optional<int> index);
+/// Throws BoundsError for a cell that no calibration has.
+void checkCell(int index);
 void showCell(const Context& context, const std::string& file, int index);
 /// The records that a change of a connected unit sends.
 void record(const Context& context, const std::string& file, const std::string& member,
-            const std::string& value, int index);
+            const std::string& value, std::optional<int> index);
 
 // ---- Changing: commands_change.cpp
 
@@ -32,7 +34,7 @@ struct FirmwareChoice {
 std::optional<FirmwareChoice> parseFirmware(const std::string& text);
 
 void set(const Context& context, const std::string& file, const std::string& member, const std::string& value,
-         int index, const std::string& output);
+         std::optional<int> index, const std::string& output);
 void setCell(const Context& context, const std::string& file, int index, const std::string& value,
              const std::string& output);
 void image(const Context& context, const std::string& file, std::optional<FirmwareChoice> firmware,

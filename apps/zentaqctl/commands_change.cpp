@@ -24,17 +24,26 @@ float cellNumber(const std::string& value) {
 }
 
 void store(Unit& unit, int index, float value) {
+    checkCell(index);
     if (index >= unit.kind().fileFloats) {
         throw BoundsError("Subscript out of range: a file of " + std::string(unit.kind().model) +
                           " ends at cell " + numberText(unit.kind().fileFloats - 1));
     }
-    unit.AssignDirectIndex(value, index);  // refuses an index below 0
+    unit.AssignDirectIndex(value, index);
     if (index >= controlBytes) return;
     // A save copies the control bytes to their cells.
     if (std::trunc(value) != value || value < 0 || value > 255) {
         throw Failure("cell: control bytes are whole numbers from 0 to 255");
     }
     unit.controlByte(index, static_cast<std::uint8_t>(value));
+}
+
+/// The unit kind follows from the old file; the user may have guessed another one.
+void noteForeignExtension(const Context& context, const UnitKind& kind, const std::string& file) {
+    const std::string extension = upper(extensionOf(file));
+    if (!extension.starts_with(".ZQ4") || extension == kind.extension) return;
+    context.notes << file << " holds a calibration for " << kind.model << "; such files end in "
+                  << kind.extension << '\n';
 }
 
 }  // namespace
@@ -52,11 +61,15 @@ std::optional<FirmwareChoice> parseFirmware(const std::string& text) {
 }
 
 void set(const Context& context, const std::string& file, const std::string& member, const std::string& value,
-         int index, const std::string& output) {
+         std::optional<int> index, const std::string& output) {
     Change change(context, file, output);
     QuietCalibration& calibration = change.calibration();
-    writeMember(calibration, memberOf(calibration.unit.kind(), member), value, index);
+    const Member changed = memberOf(calibration.unit.kind(), member);
+    writeMember(calibration, changed, value, index.value_or(0));
     change.save();
+    if (index || changed.count == 1) return;
+    context.notes << changed.name << " has " << numberText(changed.count)
+                  << " elements; element 0 was changed, --index chooses another\n";
 }
 
 void setCell(const Context& context, const std::string& file, int index, const std::string& value,
@@ -78,7 +91,14 @@ void image(const Context& context, const std::string& file, std::optional<Firmwa
         unit.FW_Release(firmware->release);
     }
     unit.BinFile(file);  // the unit keeps the name of the file
-    unit.ConvertData();
+    try {
+        unit.ConvertData();
+    } catch (const Overflow&) {
+        throw Failure(file +
+                      " makes no image: Overflow: a value does not fit the bytes that the unit has for it");
+    } catch (const Failure& failure) {
+        throw Failure(file + " makes no image: " + failure.what());
+    }
     writeOutput(context, output, unit.sRecordText());
     tell(context, calibration->host);
 }
@@ -90,6 +110,7 @@ void importOld(const Context& context, const std::string& file, const std::strin
     calibration->unit.BinFile(output);
     calibration->unit.SaveFile();
     tell(context, calibration->host);
+    noteForeignExtension(context, calibration->unit.kind(), output);
 }
 
 }  // namespace zentaq::ctl

@@ -5,9 +5,11 @@
 #include "base/json_writer.h"
 #include "base/number_text.h"
 #include "commands.h"
+#include "config/calibration_cells.h"
 #include "config/calibration_diff.h"
 #include "config/calibration_listing.h"
 #include "config/calibration_merge.h"
+#include "config/quiet_calibration.h"
 #include "unit/safe_file.h"
 
 namespace zentaq::ctl {
@@ -52,6 +54,10 @@ void writeJson(std::ostream& out, const std::vector<Difference>& found) {
     out << '\n';
 }
 
+std::string nameOf(const std::string& file) {
+    return file == "-" ? "standard input" : file;
+}
+
 /// A core failure tells what is wrong with the bytes; the user wants to know in which file.
 template <typename Work>
 auto naming(const std::string& file, Work&& work) {
@@ -64,12 +70,68 @@ auto naming(const std::string& file, Work&& work) {
     }
 }
 
+/// The bytes of a file that is known to be a calibration.
+std::string calibrationOf(const std::string& file) {
+    std::string bytes = readInput(file);
+    naming(nameOf(file), [&] { return knownCalibration(bytes); });
+    return bytes;
+}
+
+using Name = std::vector<CellBits>;
+
+/// The name that saving as a file gives to a calibration.
+Name nameOfFile(const UnitKind& kind, const std::string& file) {
+    QuietCalibration scratch(kind, DatabaseSource());
+    scratch.unit.BiName(file);
+    Name name;
+    for (int i = 0; i < CalibrationCells::nameLength; ++i) {
+        name.push_back(bitsOf(scratch.unit.DirectIndex(kind.cells.name + i)));
+    }
+    return name;
+}
+
+Name nameIn(const CalibrationBytes& calibration) {
+    Name name;
+    for (int i = 0; i < CalibrationCells::nameLength; ++i) {
+        name.push_back(calibration.cell(calibration.kind->cells.name + i));
+    }
+    return name;
+}
+
+bool namedAfter(std::string_view bytes, const std::string& file) {
+    const CalibrationBytes calibration = knownCalibration(bytes);
+    return nameIn(calibration) == nameOfFile(*calibration.kind, file);
+}
+
+void rename(std::string& bytes, const Name& name) {
+    CalibrationBytes calibration = knownCalibration(bytes);
+    for (std::size_t i = 0; i < name.size(); ++i) {
+        const auto cell = static_cast<std::size_t>(calibration.kind->cells.name) + i;
+        if (cell < calibration.cells.size()) calibration.cells[cell] = name[i];
+    }
+    bytes = calibration.bytes();
+}
+
+/// Each save names the calibration after its file. Where both sides have such names, and neither is the one
+/// that they began with, nobody chose them: the result is named after its own file.
+void settleNames(const std::string& base, std::string& first, std::string& second,
+                 const std::string& output) {
+    const CalibrationBytes began = knownCalibration(base);
+    const Name ofFirst = nameIn(knownCalibration(first));
+    const Name ofSecond = nameIn(knownCalibration(second));
+    if (ofFirst == ofSecond || ofFirst == nameIn(began) || ofSecond == nameIn(began)) return;
+    const Name ofResult = nameOfFile(*began.kind, output);
+    rename(first, ofResult);
+    rename(second, ofResult);
+}
+
 }  // namespace
 
 bool diff(const Context& context, const std::string& first, const std::string& second) {
-    const std::string firstBytes = readWholeFile(first);
-    const std::string secondBytes = readWholeFile(second);
-    const auto found = naming(first + ", " + second, [&] { return differences(firstBytes, secondBytes); });
+    if (first == "-" && second == "-") throw Failure("Only one of the files can be the standard input");
+    const std::string firstBytes = calibrationOf(first);
+    const std::string secondBytes = calibrationOf(second);
+    const auto found = differences(firstBytes, secondBytes);
     if (context.json) {
         writeJson(context.out, found);
     } else {
@@ -81,9 +143,12 @@ bool diff(const Context& context, const std::string& first, const std::string& s
 void mergeFiles(const Context& context, const std::string& base, const std::string& first,
                 const std::string& second, const std::string& output) {
     refuseStandardOutput(output);
-    const std::string baseBytes = readWholeFile(base);
-    const std::string firstBytes = readWholeFile(first);
-    const std::string secondBytes = readWholeFile(second);
+    const std::string baseBytes = calibrationOf(base);
+    std::string firstBytes = calibrationOf(first);
+    std::string secondBytes = calibrationOf(second);
+    if (namedAfter(firstBytes, first) && namedAfter(secondBytes, second)) {
+        settleNames(baseBytes, firstBytes, secondBytes, output);
+    }
     const MergeResult result = merge(baseBytes, firstBytes, secondBytes);
     if (result.clean()) return writeFileSafely(output, result.bytes);
     for (const MergeConflict& conflict : result.conflicts) context.out << lineOf(conflict) << '\n';
@@ -93,15 +158,14 @@ void mergeFiles(const Context& context, const std::string& base, const std::stri
 
 void exportText(const Context& context, const std::string& file, const std::string& output) {
     refuseSameFile(output, file);
-    writeOutput(context, output, naming(file, [&] { return listingOf(readWholeFile(file)); }));
+    writeOutput(context, output, naming(nameOf(file), [&] { return listingOf(readInput(file)); }));
 }
 
 void importText(const Context&, const std::string& input, const std::string& output) {
     refuseStandardOutput(output);
     refuseSameFile(output, input);
     const std::string text = readInput(input);
-    const std::string name = input == "-" ? "standard input" : input;
-    writeFileSafely(output, naming(name, [&] { return fileFromListing(text); }));
+    writeFileSafely(output, naming(nameOf(input), [&] { return fileFromListing(text); }));
 }
 
 }  // namespace zentaq::ctl

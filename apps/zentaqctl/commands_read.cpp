@@ -26,6 +26,12 @@ struct FileFacts {
         constexpr int headerFloats = 3;
         return static_cast<int>(bytes / bytesPerFloat) - headerFloats;
     }
+    /// What a file of the kind has more, as text behind the number; an older program wrote fewer.
+    std::string shortness() const {
+        const int whole = unit.kind().fileFloats;
+        if (floats() >= whole) return {};
+        return " of " + numberText(whole) + "; the others read as 0";
+    }
     std::string version() const { return formatNumber(header.programVersion, "#0.##"); }
     std::string name() const { return std::string(trimmed(unit.BiName())); }
 };
@@ -37,7 +43,7 @@ void writeText(std::ostream& out, const FileFacts& facts) {
         << "Firmware: " << numberText(facts.header.firmwareCode) << " (release " << facts.unit.FW_Release()
         << ", build " << facts.unit.FW_Build() << ")\n"
         << "Name:     " << facts.name() << '\n'
-        << "Floats:   " << facts.floats() << '\n'
+        << "Floats:   " << facts.floats() << facts.shortness() << '\n'
         << "Bytes:    " << facts.bytes << '\n'
         << "Notes:    " << facts.unit.NOTES_TEXT() << '\n';
 }
@@ -187,7 +193,14 @@ void get(const Context& context, const std::string& file, const std::string& nam
     writeElement(context, member, index, member.read(unit, index.value_or(0)));
 }
 
+void checkCell(int index) {
+    if (index >= 0 && index < Unit::cellCount) return;
+    throw BoundsError("Subscript out of range: a calibration has the cells 0 to " +
+                      numberText(Unit::cellCount - 1));
+}
+
 void showCell(const Context& context, const std::string& file, int index) {
+    checkCell(index);
     const auto calibration = openCalibration(context, file);
     const float value = calibration->unit.DirectIndex(index);
     if (context.json) {
@@ -199,11 +212,12 @@ void showCell(const Context& context, const std::string& file, int index) {
 }
 
 void record(const Context& context, const std::string& file, const std::string& name,
-            const std::string& value, int index) {
+            const std::string& value, std::optional<int> index) {
     const auto calibration = openCalibration(context, file);
     const Member member = memberOf(calibration->unit.kind(), name);
+    const int element = index.value_or(0);
     calibration->unit.ONFLY_MODE(true);
-    writeMember(*calibration, member, value, index);
+    writeMember(*calibration, member, value, element);
     // A number that fits no byte of the unit is stored but not sent, and the log says so.
     if (!calibration->host.lastLogLine().empty()) throw Failure(calibration->host.lastLogLine());
     if (!context.json) {
@@ -211,7 +225,7 @@ void record(const Context& context, const std::string& file, const std::string& 
         return;
     }
     JsonWriter json(context.out);
-    json.beginObject().member("member", std::string_view(member.name)).member("index", index);
+    json.beginObject().member("member", std::string_view(member.name)).member("index", element);
     json.key("records").beginArray();
     for (const std::string& text : calibration->host.records()) json.value(std::string_view(text));
     json.endArray().endObject();

@@ -171,9 +171,12 @@ class TableInput {
         }
         for (std::size_t line = 0; line < lines_.size(); ++line) {
             if (std::ssize(lines_[line]) == columns + 1) continue;
+            const bool oneField = lines_[line].size() == 1;
+            const bool otherSeparator = oneField && lines_[line][0].find_first_of(",;") != std::string::npos;
             refuse("line " + numberText(static_cast<int>(line) + 1),
-                   numberText(static_cast<int>(lines_[line].size())) + " fields; " + table_.name() +
-                       " has a header and " + numberText(columns) + " columns");
+                   numberText(static_cast<int>(lines_[line].size())) + (oneField ? " field; " : " fields; ") +
+                       table_.name() + " has a header and " + numberText(columns) + " columns" +
+                       (otherSeparator ? ", separated by tabs" : ""));
         }
         const std::string& corner = lines_[0][0];
         if (corner != table_.name() && findTable(corner) != nullptr) {

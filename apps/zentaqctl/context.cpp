@@ -23,7 +23,15 @@ void refuseStandardOutput(const std::string& file) {
 }
 
 std::unique_ptr<QuietCalibration> openCalibration(const Context& context, const std::string& file) {
-    return QuietCalibration::open(file, context.database);
+    try {
+        return QuietCalibration::open(file, context.database);
+    } catch (const FileError&) {
+        throw;  // names the file
+    } catch (const Overflow&) {
+        throw Failure(file + ": Overflow: the file is damaged, it holds a number out of all range");
+    } catch (const Failure& failure) {
+        throw Failure(file + ": " + failure.what());
+    }
 }
 
 void tell(const Context& context, const QuietHost& host) {

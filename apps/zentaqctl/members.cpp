@@ -10,7 +10,9 @@
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "base/text.h"
+#include "config/gui_rules.h"
 #include "tables/table_kind.h"
+#include "unit/gpio_model.h"
 #include "unit/member_index.h"
 
 namespace zentaq::ctl {
@@ -147,6 +149,19 @@ void refuseLonger(const std::string& name, const std::string& text, int most) {
     throw Refused(name + " takes at most " + numberText(most) + " characters");
 }
 
+/// The unit keeps one byte a character of a name, and a name is shown on one line.
+void refuseOddCharacters(const std::string& name) {
+    constexpr unsigned char blank = 0x20;
+    constexpr unsigned char deleteCode = 0x7F;
+    constexpr unsigned char firstOfThreeBytes = 0xC4;  // UTF-8 of code 256 and above
+    for (const char character : name) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (character == '/' || character == '\\') throw Refused("BiName takes no / and no \\");
+        if (byte < blank || byte == deleteCode) throw Refused("BiName takes no tabs and no line breaks");
+        if (byte >= firstOfThreeBytes) throw Refused("BiName takes no characters beyond Latin-1");
+    }
+}
+
 void addTexts(std::vector<Member>& members, const UnitKind& kind) {
     members.push_back({.name = "BiName",
                        .cell = kind.cells.name,
@@ -157,9 +172,7 @@ void addTexts(std::vector<Member>& members, const UnitKind& kind) {
                        .write =
                            [](QuietCalibration& calibration, const std::string& value, int) {
                                refuseLonger("BiName", value, nameLength);
-                               if (value.find_first_of("/\\") != std::string::npos) {
-                                   throw Refused("BiName takes no / and no \\");
-                               }
+                               refuseOddCharacters(value);
                                calibration.unit.BiName(value);
                            }});
     members.push_back({.name = "NOTES_TEXT",
@@ -232,6 +245,21 @@ void addControlBytes(std::vector<Member>& members) {
     }
 }
 
+/// Checked by the function that the pin has at this moment, as in the input/output manager.
+void writePinParameter(QuietCalibration& calibration, const std::string& value, int element) {
+    numberFrom(calibration.host, "GPIO_Param", value);
+    const int pin = element / pinParameters;
+    const int parameter = element % pinParameters;
+    GpioModel model(calibration.unit);
+    const int row = model.rowOf(pin, parameter);
+    if (row < 0) {
+        throw Refused("GPIO_Param: \"" + calibration.unit.GPIO_Function_Name(model.storedCode(pin)) +
+                      "\", the function of pin " + numberText(pin) + ", has no parameter " +
+                      numberText(parameter) + "; set GPIO_Func first, or change the cell as it stands");
+    }
+    if (!model.enter(pin, row, value)) throw Refused(calibration.host.refusals().back());
+}
+
 void addPins(std::vector<Member>& members, const UnitKind& kind) {
     constexpr int lastFunction = 29;
     constexpr int blockCells = 9;
@@ -250,18 +278,15 @@ void addPins(std::vector<Member>& members, const UnitKind& kind) {
                        .cell = kind.gpioBase + 1,
                        .count = pins * pinParameters,
                        .columns = pinParameters,
+                       .range = "depends on the function",
                        .unit = "by function",
                        .reach = Reach::OnTheFly,
                        .meaning = "Parameters of inputs and outputs; element 8 * pin + parameter",
                        .read = [](Unit& unit, int element) -> Value {
-                           return unit.Get_GPIO_Param(element / pinParameters, element % pinParameters);
+                           return GpioModel(unit).shownParameter(element / pinParameters,
+                                                                 element % pinParameters);
                        },
-                       .write =
-                           [](QuietCalibration& calibration, const std::string& value, int element) {
-                               const float number = numberFrom(calibration.host, "GPIO_Param", value);
-                               calibration.unit.Set_GPIO_Param(element / pinParameters,
-                                                               element % pinParameters, number);
-                           }});
+                       .write = writePinParameter});
 }
 
 void addOutputTables(std::vector<Member>& members, const UnitKind& kind) {
@@ -281,11 +306,6 @@ void addOutputTables(std::vector<Member>& members, const UnitKind& kind) {
             return unit.Get_GPIO_Table(table, element);
         };
     }
-}
-
-bool hasTable(const UnitKind& kind, std::string_view table) {
-    const TableKind* known = findTable(table);
-    return known->isGpo() || kind.members->find(known->member) != nullptr;
 }
 
 void addSize(std::vector<Member>& members, const UnitKind& kind, const std::string& table,
@@ -374,6 +394,42 @@ std::vector<Member> otherMembers(const UnitKind& kind) {
     return members;
 }
 
+/// Single characters to change, insert or leave out on the way from one word to the other.
+int editsBetween(std::string_view from, std::string_view to) {
+    std::vector<int> above(to.size() + 1);
+    for (std::size_t i = 0; i <= to.size(); ++i) above[i] = static_cast<int>(i);
+    for (std::size_t row = 1; row <= from.size(); ++row) {
+        std::vector<int> line(to.size() + 1, static_cast<int>(row));
+        for (std::size_t i = 1; i <= to.size(); ++i) {
+            const int change = above[i - 1] + (from[row - 1] == to[i - 1] ? 0 : 1);
+            line[i] = std::min({change, above[i] + 1, line[i - 1] + 1});
+        }
+        above = std::move(line);
+    }
+    return above.back();
+}
+
+/// A member that a user may have meant, capitals aside; empty for none.
+std::string nearName(const UnitKind& kind, const std::string& name) {
+    constexpr std::size_t longestWord = 100;
+    if (name.size() > longestWord) return {};
+    const std::string wanted = upper(name);
+    // Names of few letters are all near to each other.
+    const int most = wanted.size() < 4 ? 0 : wanted.size() < 7 ? 1 : 2;
+    std::string nearest;
+    int fewest = most + 1;
+    for (const Member& member : membersOf(kind)) {
+        const std::string known = upper(member.name);
+        // "KnockActive" for opt_KnockActive: the head of a name is soon forgotten.
+        const bool lacksHead = most > 0 && known.ends_with("_" + wanted);
+        const int edits = lacksHead ? 1 : editsBetween(wanted, known);
+        if (edits >= fewest) continue;
+        fewest = edits;
+        nearest = member.name;
+    }
+    return nearest;
+}
+
 std::string withoutPrefix(const std::string& name) {
     return name.starts_with("Get_") || name.starts_with("Set_") ? name.substr(4) : name;
 }
@@ -402,7 +458,9 @@ Member memberOf(const UnitKind& kind, const std::string& name) {
     for (Member& member : otherMembers(kind)) {
         if (member.name == bare) return std::move(member);
     }
-    throw NoSuchMember(std::string(kind.model) + " has no member " + name);
+    const std::string near = nearName(kind, name);
+    throw NoSuchMember(std::string(kind.model) + " has no member " + name +
+                       (near.empty() ? std::string() : "; did you mean " + near + "?"));
 }
 
 std::vector<Member> membersOf(const UnitKind& kind) {
@@ -414,8 +472,9 @@ std::vector<Member> membersOf(const UnitKind& kind) {
 
 void checkElement(const Member& member, int element) {
     if (element >= 0 && element < member.count) return;
-    throw BoundsError("Subscript out of range: " + member.name + " has " + numberText(member.count) +
-                      " elements");
+    const std::string elements = member.count == 1 ? " has one value, element 0"
+                                                   : " has elements 0 to " + numberText(member.count - 1);
+    throw BoundsError("Subscript out of range: " + member.name + elements);
 }
 
 void refuseComma(const std::string& what, const std::string& value) {

@@ -40,7 +40,7 @@ struct Member {
     std::function<void(QuietCalibration& calibration, const std::string& value, int element)> write;
 };
 
-/// Throws NoSuchMember.
+/// Throws NoSuchMember, with a member of nearly that name where there is one.
 Member memberOf(const UnitKind& kind, const std::string& name);
 
 /// All members of a kind: those of the parameter table in its order, then the others.

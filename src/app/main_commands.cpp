@@ -5,6 +5,7 @@
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/text.h"
+#include "config/gui_rules.h"
 #include "config/tree.h"
 #include "unit/file_kind.h"
 
@@ -145,6 +146,9 @@ bool MainCommands::read(int slot, const std::function<void(Unit&)>& file) {
         [&](const std::string& why) { session_.sysLog("Calibration file not read: " + why); });
     if (whole) {
         session_.header().fileState = "OLD";
+        // A table of one kind does not stand over the calibration of another, which may lack it.
+        const bool otherKind = former.currentUnit != session_.header().currentUnit;
+        if (former.currentUnit != 0 && otherKind) session_.windows().removeForms();
     } else {
         session_.header() = former;
     }
@@ -384,6 +388,8 @@ void MainCommands::nightMode() {
 
 void MainCommands::openTable(const std::string& table, const std::string& title) {
     if (session_.currentUnit() == 0) return session_.messages.Display_Error(1003);
+    // The keys of the menu ask for tables of every kind.
+    if (!hasTable(session_.currentUnitObject().kind(), table)) return;
     session_.windows().openTable(table, title);
 }
 

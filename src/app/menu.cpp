@@ -2,6 +2,9 @@
 
 #include <array>
 
+#include "config/gui_rules.h"
+#include "unit/unit_kind.h"
+
 namespace zentaq {
 
 namespace {
@@ -20,6 +23,24 @@ bool fileNamed(const Session& session) {
 
 bool unitOnLink(const Session& session) {
     return session.link.linked().LinkedUnitKind != 0 && !session.link.TransferActive();
+}
+
+/// Without a calibration the command itself tells what is missing.
+bool tableOfUnit(const Session& session, std::string_view table) {
+    const UnitKind* kind = unitKindOfSlot(session.currentUnit());
+    return session.currentUnit() == 0 || (kind != nullptr && hasTable(*kind, table));
+}
+
+bool hasVe(const Session& session) {
+    return tableOfUnit(session, "VE");
+}
+
+bool hasStaging(const Session& session) {
+    return tableOfUnit(session, "SPW");
+}
+
+bool hasRatio(const Session& session) {
+    return tableOfUnit(session, "AFR");
 }
 
 /// Commands that come with a later release of the program.
@@ -68,9 +89,9 @@ constexpr std::array menus{
 
     MenuEntry{"mnuWindow", "&Window", "", "", always},
     MenuEntry{"mnuAdvTbl", "&Advance Table", "mnuWindow", "Ctrl+1", always},
-    MenuEntry{"mnuVETbl", "&VE Table", "mnuWindow", "Ctrl+2", always},
-    MenuEntry{"mnuStgTbl", "&Staging Table", "mnuWindow", "Ctrl+3", always},
-    MenuEntry{"mnuEGOTbl", "&EGO Table", "mnuWindow", "Ctrl+4", always},
+    MenuEntry{"mnuVETbl", "&VE Table", "mnuWindow", "Ctrl+2", hasVe},
+    MenuEntry{"mnuStgTbl", "&Staging Table", "mnuWindow", "Ctrl+3", hasStaging},
+    MenuEntry{"mnuEGOTbl", "&EGO Table", "mnuWindow", "Ctrl+4", hasRatio},
 
     MenuEntry{"mnuHelp", "&Help", "", "", always},
     MenuEntry{"mnuHelpContents", "Contents...", "mnuHelp", "F1", later},

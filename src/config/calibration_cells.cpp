@@ -343,12 +343,4 @@ const std::vector<std::string_view>& OptionNames::of(int controlByte, int bit) c
     return names_.at(static_cast<std::size_t>(controlByte)).at(static_cast<std::size_t>(bit));
 }
 
-std::string_view axisKindName(int code) {
-    static constexpr std::array<std::string_view, 16> names = {
-        "",      "CLT",   "RAW MAP", "BLEND MAP", "TPS",   "ACTUAL AFR", "MAT",   "RPM",
-        "GPIO1", "GPIO2", "GPIO3",   "GPIO4",     "GPIO5", "GPIO6",      "GPIO7", "GPIO8"};
-    return code < 0 || code >= static_cast<int>(names.size()) ? std::string_view{}
-                                                              : names[static_cast<std::size_t>(code)];
-}
-
 }  // namespace zentaq

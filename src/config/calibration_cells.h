@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "unit/axis_kinds.h"
 #include "unit/parameter.h"
 #include "unit/unit_kind.h"
 
@@ -145,9 +146,6 @@ std::optional<std::vector<std::string>> quotedLines(std::span<const CellBits> ce
 std::optional<std::string> quotedText(std::span<const CellBits> cells);
 /// The cells of one such line. Throws Failure with the reason for a text that is not of the form.
 std::vector<CellBits> charactersOfQuoted(std::string_view quoted);
-
-/// The name of an axis kind by its code, empty for none.
-std::string_view axisKindName(int code);
 
 /// Release and build that a firmware code tells; nothing for a code that tells none.
 struct FirmwareOfFile {

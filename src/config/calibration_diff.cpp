@@ -1,6 +1,7 @@
 #include "config/calibration_diff.h"
 
 #include <algorithm>
+#include <span>
 #include <unordered_map>
 
 #include "base/number_text.h"
@@ -127,6 +128,14 @@ class Comparison {
         return cells;
     }
 
+    static std::span<const CellBits> withoutTail(std::span<const CellBits> cells) {
+        const CellBits blank = bitsOf(' ');
+        while (!cells.empty() && (cells.back() == blank || cells.back() == 0)) {
+            cells = cells.first(cells.size() - 1);
+        }
+        return cells;
+    }
+
     void compareText(std::string_view member, int firstOfA, int firstOfB, int count) {
         const auto a = textCells(a_, firstOfA, count);
         const auto b = textCells(b_, firstOfB, count);
@@ -134,7 +143,12 @@ class Comparison {
         const auto textA = quotedText(a);
         const auto textB = quotedText(b);
         if (textA && textB) {
-            add(DifferenceIn::Text, std::string(member), *textA, *textB);
+            // The blanks that fill up a name say nothing, unless they are the difference.
+            const auto shownA = quotedText(withoutTail(a));
+            const auto shownB = quotedText(withoutTail(b));
+            const bool tellsApart = *shownA != *shownB;
+            add(DifferenceIn::Text, std::string(member), tellsApart ? *shownA : *textA,
+                tellsApart ? *shownB : *textB);
             return;
         }
         const int zero = member == "name" ? a_.file.kind->cells.name : a_.file.kind->cells.notes;

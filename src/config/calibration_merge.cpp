@@ -358,7 +358,11 @@ class Merger {
     static std::string shownText(const Group& group, const CalibrationBytes& file) {
         std::vector<CellBits> cells;
         for (const Part& part : group.parts) cells.push_back(file.cell(part.cell));
-        return quotedText(cells).value_or("no plain text");
+        std::string text = quotedText(cells).value_or("no plain text");
+        if (group.member != "name") return text;
+        // The blanks that fill up a name say nothing.
+        while (text.ends_with(" \"")) text.erase(text.size() - 2, 1);
+        return text;
     }
 
     const CalibrationBytes base_;

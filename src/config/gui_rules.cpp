@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "config/field_pages.h"
 #include "config/tree.h"
+#include "unit/member_index.h"
 #include "unit/parameter_tables.h"
 
 namespace zentaq {
@@ -15,8 +16,7 @@ namespace {
 
 constexpr int overviewPage = 0;
 
-constexpr std::array<std::string_view, 4> mainTables = {"ADV", "AFR", "VE", "SPW"};
-constexpr std::array<std::string_view, 2> outputTables = {"GPO1", "GPO2"};
+constexpr std::array<std::string_view, 6> allTables = {"ADV", "AFR", "VE", "SPW", "GPO1", "GPO2"};
 
 // Captions that tell the limits of a temperature, in the scale of the user.
 struct TemperatureCaption {
@@ -82,12 +82,9 @@ std::vector<ControlRule> controlRules(Unit& unit, const std::vector<PageRule>& p
 
 std::vector<std::string> openTables(const Unit& unit) {
     std::vector<std::string> tables;
-    for (const std::string_view table : mainTables) {
-        // By its reader: a scalar bears the name "AFR" too.
-        if (unit.has("Get_" + std::string(table))) tables.emplace_back(table);
+    for (const std::string_view table : allTables) {
+        if (hasTable(unit.kind(), table)) tables.emplace_back(table);
     }
-    // Every unit has the two output tables.
-    if (unit.kind().hasCalibration) tables.insert(tables.end(), outputTables.begin(), outputTables.end());
     return tables;
 }
 
@@ -136,6 +133,14 @@ const ControlRule* GuiRules::control(int page, std::string_view name) const {
 
 bool GuiRules::tableOpen(std::string_view table) const {
     return std::ranges::find(tables, table) != tables.end();
+}
+
+bool hasTable(const UnitKind& kind, std::string_view table) {
+    // Every unit has the two output tables.
+    if (table == "GPO1" || table == "GPO2") return kind.hasCalibration;
+    if (std::ranges::find(allTables, table) == allTables.end()) return false;
+    // By its reader: a scalar bears the name "AFR" too.
+    return kind.members->find("Get_" + std::string(table)) != nullptr;
 }
 
 GuiRules guiRules(Unit& unit) {

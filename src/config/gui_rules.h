@@ -41,6 +41,9 @@ struct GuiRules {
     bool tableOpen(std::string_view table) const;
 };
 
+/// Whether a kind has a table: "ADV", "VE", "SPW", "AFR", "GPO1" or "GPO2".
+bool hasTable(const UnitKind& kind, std::string_view table);
+
 /// The answer depends on the kind, `FW_Release`, `FW_Build`, the option cells, `hasPIC18` and the temperature
 /// setting only, and is the same on every call.
 GuiRules guiRules(Unit& unit);

@@ -1,7 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <filesystem>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -47,14 +45,6 @@ FileContent parsed(std::string_view bytes, const std::string& path) {
     return content;
 }
 
-/// What an older, longer file holds behind `length` bytes. kept: a save writes over the file's start only.
-std::string surplusOf(const std::string& path, std::size_t length) {
-    std::error_code error;
-    if (!std::filesystem::exists(path, error)) return {};
-    const std::string old = readWholeFile(path);
-    return old.size() > length ? old.substr(length) : std::string();
-}
-
 int releaseOf(float code) {
     return toInt16(truncate(static_cast<double>(code) / 1000));
 }
@@ -91,9 +81,11 @@ void Unit::FileOpen(const std::string& path) {
 }
 
 void Unit::adoptFirmware(float code) {
-    if (code == 0 || host_.firmwareKnownFromLink()) {
+    // A code that rounds to no release and no build tells as little as 0, and is saved as unknown, too.
+    const bool unknown = toInt32(code) == 0;
+    if (unknown || host_.firmwareKnownFromLink()) {
         // What the unit on the link has told goes before what the file says.
-        if (code != 0 || release_ != 0 || build_ != 0) return;
+        if (!unknown || release_ != 0 || build_ != 0) return;
         release_ = kind_.defaultRelease;
         build_ = kind_.defaultBuild;
         return;
@@ -226,8 +218,7 @@ void Unit::seedBaroTrim() {
 void Unit::SaveFile() {
     if (!kind_.hasCalibration) return;
     storeControlBytes();
-    // The newest release of a kind is the last that its code has room for.
-    const bool unknown = (release_ == 0 && build_ == 0) || release_ > kind_.defaultRelease;
+    const bool unknown = (release_ == 0 && build_ == 0) || release_ > kind_.newestRelease;
     const int release = unknown ? kind_.defaultRelease : release_;
     const int build = unknown ? kind_.defaultBuild : build_;
     const auto firmwareCode = static_cast<float>(release * 1000 + build);
@@ -238,8 +229,8 @@ void Unit::SaveFile() {
     appendFloat(bytes, host_.programVersion());
     appendFloat(bytes, firmwareCode);
     for (int i = 0; i < kind_.fileFloats; ++i) appendFloat(bytes, cellAt(i));
-    bytes += surplusOf(binFile_, bytes.size());
-    writeFileSafely(binFile_, bytes);
+    // kept: a save writes over the file's start only, what an older, longer file holds behind it stays.
+    writeFileStartSafely(binFile_, bytes);
 
     FileHeader& header = host_.header();
     header.firmwareCode = firmwareCode;

@@ -206,14 +206,30 @@ GpioParamRow GpioModel::shown(const GpioRow& row, int pin, int code) const {
 std::vector<GpioParamRow> GpioModel::Show_GPIO_Param(int pin, int code) {
     live_ = true;
     std::vector<GpioParamRow> rows;
-    for (const GpioRow& row : gpioRowsOf(pins().kind, code, firmwareOf(unit_))) {
-        rows.push_back(shown(row, pin, code));
-    }
+    for (const GpioRow& row : rowsOf(code)) rows.push_back(shown(row, pin, code));
     return rows;
 }
 
+std::span<const GpioRow> GpioModel::rowsOf(int code) const {
+    return gpioRowsOf(pins().kind, code, firmwareOf(unit_));
+}
+
+int GpioModel::rowOf(int pin, int parameter) const {
+    constexpr int none = -1;
+    if (parameter < 0) return none;
+    const auto rows = rowsOf(storedCode(pin));
+    const auto found = std::ranges::find(rows, parameter, &GpioRow::parameter);
+    return found == rows.end() ? none : static_cast<int>(found - rows.begin());
+}
+
+float GpioModel::shownParameter(int pin, int parameter) const {
+    const float cell = unit_.Get_GPIO_Param(pin, parameter);
+    const int row = rowOf(pin, parameter);
+    return row < 0 ? cell : fromCell(rowsOf(storedCode(pin))[static_cast<std::size_t>(row)], cell);
+}
+
 bool GpioModel::enter(int pin, int row, std::string_view text) {
-    const auto rows = gpioRowsOf(pins().kind, storedCode(pin), firmwareOf(unit_));
+    const auto rows = rowsOf(storedCode(pin));
     if (row < 0 || row >= static_cast<int>(rows.size())) return false;
     const GpioRow& edited = rows[static_cast<std::size_t>(row)];
     if (!hasValue(edited.form)) return false;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -84,6 +85,11 @@ class GpioModel {
     /// in silence.
     bool enter(int pin, int row, std::string_view text);
 
+    /// The row that edits a parameter of the pin's stored function, as `enter` counts rows; -1 for none.
+    int rowOf(int pin, int parameter) const;
+    /// A parameter as its row shows it. One that no row edits: the cell as it stands.
+    float shownParameter(int pin, int parameter) const;
+
     /// The stored code, whatever IndexPolling says. BoundsError for a pin that the kind does not have.
     int storedCode(int pin) const;
 
@@ -92,6 +98,7 @@ class GpioModel {
     bool firmwareAllows(const GpioFunction& function) const;
     bool elsewhere(int code, int pin) const;
     const GpioPins& pins() const;
+    std::span<const GpioRow> rowsOf(int code) const;
     GpioParamRow shown(const GpioRow& row, int pin, int code) const;
     GpioLimits limitsOf(const GpioRow& row, const std::string& word) const;
     float fromCell(const GpioRow& row, float cell) const;

@@ -415,7 +415,7 @@ After writeTach(Unit& unit, const Parameter&, float value, int) {
         if (code != tachCodes.end()) nibble = code->nibble;
     }
     unit.AssignDirectIndex(static_cast<float>(low + nibble * 16), p2Egtp);
-    return After::Nothing;
+    return After::Send;
 }
 
 After writeToothMin(Unit& unit, const Parameter&, float value, int) {

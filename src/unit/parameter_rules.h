@@ -7,8 +7,8 @@
 namespace zentaq::rules {
 
 // ---- Values that other rules build on, whatever IndexPolling says.
-float mapBar(Unit& unit);               ///< repairs cells 39 and 124 when they are 0
-float stoichiometricRatio(Unit& unit);  ///< repairs cell 2225 when it is 0
+float mapBar(Unit& unit);               ///< repairs the cells of the rating when they are 0
+float stoichiometricRatio(Unit& unit);  ///< repairs its cell when it is 0
 float mapScaler(const Unit& unit);
 float mapOffset(const Unit& unit);
 

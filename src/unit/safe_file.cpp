@@ -5,10 +5,15 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <limits>
+#include <new>
+#include <optional>
+#include <stdexcept>
 #include <system_error>
 #include <utility>
 
@@ -16,63 +21,189 @@
 
 namespace zentaq {
 
+namespace fs = std::filesystem;
+
 namespace {
 
-[[noreturn]] void fail(const std::string& path, std::string_view action, int reason) {
-    throw FileError("Cannot " + std::string(action) + " " + path + ": " + std::strerror(reason));
+[[noreturn]] void fail(const std::string& path, std::string_view action, int reason,
+                       std::string_view where = {}) {
+    throw FileError("Cannot " + std::string(action) + " " + path + ": " + std::string(where) +
+                    std::strerror(reason));
+}
+
+/// A call that a signal broke off is made again.
+template <typename Call>
+auto retried(Call&& call) {
+    auto result = call();
+    while (result < 0 && errno == EINTR) result = call();
+    return result;
 }
 
 class OpenFile {
  public:
-    explicit OpenFile(int descriptor) : descriptor_(descriptor) {}
+    explicit OpenFile(int descriptor = -1) : descriptor_(descriptor) {}
+    OpenFile(const std::string& path, int flags)
+        : descriptor_(retried([&] { return ::open(path.c_str(), flags | O_CLOEXEC); })) {}
     ~OpenFile() {
         if (descriptor_ >= 0) ::close(descriptor_);
     }
+    OpenFile(OpenFile&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
+    OpenFile& operator=(OpenFile&&) = delete;
+
     int get() const { return descriptor_; }
-    bool close() { return ::close(std::exchange(descriptor_, -1)) == 0; }
+    bool isOpen() const { return descriptor_ >= 0; }
+    /// A close that a signal broke off has closed the file: a second one might hit another file.
+    bool close() { return ::close(std::exchange(descriptor_, -1)) == 0 || errno == EINTR; }
+    bool flush() const {
+        return retried([&] { return ::fsync(descriptor_); }) == 0;
+    }
+    /// The number of bytes, 0 at the end; negative with errno set.
+    ssize_t read(char* bytes, std::size_t most) const {
+        return retried([&] { return ::read(descriptor_, bytes, most); });
+    }
+    bool write(std::string_view content) const {
+        while (!content.empty()) {
+            const ssize_t written =
+                retried([&] { return ::write(descriptor_, content.data(), content.size()); });
+            if (written == 0) errno = EIO;  // nothing taken and no reason told: asking again would never end
+            if (written <= 0) return false;
+            content.remove_prefix(static_cast<std::size_t>(written));
+        }
+        return true;
+    }
 
  private:
     int descriptor_;
 };
 
-/// Removes a half-written file unless it was renamed.
+/// A new file in a folder, gone with the object unless it was renamed. Its name has nothing of the target's,
+/// which may be as long as the system allows already.
 class Temporary {
  public:
-    explicit Temporary(std::string path) : path_(std::move(path)) {}
+    /// Throws FileError that names `path`, the file to be written.
+    Temporary(const fs::path& folder, const std::string& path) {
+        constexpr mode_t forEveryone = 0666;  // less the user's mask
+        constexpr int most = 100;
+        for (int attempt = 0; attempt < most && !file_; ++attempt) {
+            path_ = folder / freshName();
+            // A file that is there belongs to somebody else, or to a save that was killed.
+            OpenFile file(retried(
+                [&] { return ::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, forEveryone); }));
+            if (!file.isOpen() && errno != EEXIST) break;
+            if (file.isOpen()) file_.emplace(std::move(file));
+        }
+        if (!file_) fail(path, "write", errno, "its folder takes no new file: ");
+    }
     ~Temporary() {
-        if (!path_.empty()) ::unlink(path_.c_str());
+        if (!renamed_) ::unlink(path_.c_str());
     }
     Temporary(const Temporary&) = delete;
     Temporary& operator=(const Temporary&) = delete;
-    void keep() { path_.clear(); }
+
+    OpenFile& file() { return *file_; }
+    bool rename(const fs::path& target) {
+        renamed_ = ::rename(path_.c_str(), target.c_str()) == 0;
+        return renamed_;
+    }
 
  private:
-    std::string path_;
+    // The process number alone would not do: on a shared folder two machines may have the same.
+    static std::string freshName() {
+        const auto now = std::chrono::system_clock::now().time_since_epoch().count();
+        return "zentaq-" + std::to_string(::getpid()) + "-" + std::to_string(now) + ".tmp";
+    }
+
+    fs::path path_;
+    std::optional<OpenFile> file_;
+    bool renamed_ = false;
 };
 
-bool writeAll(int descriptor, std::string_view content) {
-    while (!content.empty()) {
-        const ssize_t written = ::write(descriptor, content.data(), content.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return false;
-        content.remove_prefix(static_cast<std::size_t>(written));
+/// The file at the end of a chain of links. A target that does not exist yet will be made there.
+fs::path targetOf(const std::string& path) {
+    constexpr int mostLinks = 40;
+    fs::path target = path;
+    for (int i = 0; i < mostLinks; ++i) {
+        std::error_code error;
+        const fs::path next = fs::read_symlink(target, error);
+        if (error == std::errc::invalid_argument || error == std::errc::no_such_file_or_directory)
+            return target;
+        if (error) fail(path, "write", error.value());
+        target = target.parent_path() / next;
     }
-    return true;
+    fail(path, "write", ELOOP);
 }
 
-std::string targetOf(const std::string& path) {
-    std::error_code error;
-    const auto target = std::filesystem::weakly_canonical(path, error);
-    return error ? path : target.string();
+fs::path folderOf(const fs::path& file) {
+    const fs::path folder = file.parent_path();
+    return folder.empty() ? fs::path(".") : folder;
+}
+
+/// Nothing when there is no such file yet.
+std::optional<struct stat> statusToReplace(const fs::path& target, const std::string& path) {
+    struct stat status {};
+    if (::stat(target.c_str(), &status) != 0) {
+        if (errno == ENOENT) return std::nullopt;
+        fail(path, "write", errno);
+    }
+    if (!S_ISREG(status.st_mode)) fail(path, "write", S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
+    // A rename would pass over the write protection of the file.
+    if (::access(target.c_str(), W_OK) != 0) fail(path, "write", errno);
+    return status;
+}
+
+/// The owner first, since a change of owner may take permissions away. Only the superuser may give a file to
+/// somebody else: a save of another's file becomes the saver's own.
+bool takeOver(const OpenFile& file, const struct stat& old) {
+    constexpr mode_t permissions = 07777;
+    constexpr uid_t keepOwner = static_cast<uid_t>(-1);
+    struct stat fresh {};
+    if (::fstat(file.get(), &fresh) != 0) return false;
+    const bool otherOwner = fresh.st_uid != old.st_uid || fresh.st_gid != old.st_gid;
+    if (otherOwner && ::fchown(file.get(), old.st_uid, old.st_gid) != 0) {
+        [[maybe_unused]] const int ignored = ::fchown(file.get(), keepOwner, old.st_gid);
+    }
+    // Not asked for what is there already: some file systems refuse every change of permissions.
+    if (!otherOwner && ((fresh.st_mode ^ old.st_mode) & permissions) == 0) return true;
+    return ::fchmod(file.get(), old.st_mode & permissions) == 0;
+}
+
+/// Appends what stands behind the first `start` bytes of the old file. Throws FileError.
+void appendSurplus(const OpenFile& file, const fs::path& target, std::size_t start, const std::string& path) {
+    constexpr std::size_t pieceLength = 65536;
+    const OpenFile old(target.string(), O_RDONLY | O_NONBLOCK);
+    if (!old.isOpen() || ::lseek(old.get(), static_cast<off_t>(start), SEEK_SET) < 0)
+        fail(path, "read", errno);
+    std::array<char, pieceLength> piece;
+    while (true) {
+        const ssize_t count = old.read(piece.data(), piece.size());
+        if (count < 0) fail(path, "read", errno);
+        if (count == 0) return;
+        if (!file.write({piece.data(), static_cast<std::size_t>(count)})) fail(path, "write", errno);
+    }
 }
 
 /// So that the new name outlives a crash as well. A file system that cannot do it has still renamed the file.
-void flushFolderOf(const std::string& path) {
-    const auto folder = std::filesystem::path(path).parent_path();
-    const OpenFile file(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (file.get() >= 0) ::fsync(file.get());
+void flushFolder(const fs::path& folder) {
+    const OpenFile file(folder.string(), O_RDONLY | O_DIRECTORY);
+    if (file.isOpen()) file.flush();
+}
+
+void writeSafely(const std::string& path, std::string_view content, bool keepSurplus) {
+    if (path.empty()) throw FileError("Cannot write a file without a name");
+    const fs::path target = targetOf(path);
+    const auto old = statusToReplace(target, path);
+    const fs::path folder = folderOf(target);
+
+    Temporary temporary(folder, path);
+    OpenFile& file = temporary.file();
+    if (old && !takeOver(file, *old)) fail(path, "write", errno);
+    if (!file.write(content)) fail(path, "write", errno);
+    if (old && keepSurplus) appendSurplus(file, target, content.size(), path);
+    if (!file.flush() || !file.close()) fail(path, "write", errno);
+    if (!temporary.rename(target)) fail(path, "write", errno);
+    flushFolder(folder);
 }
 
 }  // namespace
@@ -83,16 +214,22 @@ std::string readWholeFile(const std::string& path) {
 
 std::string readFileStart(const std::string& path, std::size_t most) {
     // Not blocking: opening a pipe would wait for a writer before it could be refused.
-    const OpenFile file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    if (file.get() < 0) fail(path, "open", errno);
+    const OpenFile file(path, O_RDONLY | O_NONBLOCK);
+    if (!file.isOpen()) fail(path, "open", errno);
     struct stat status {};
     if (::fstat(file.get(), &status) != 0) fail(path, "read", errno);
     if (!S_ISREG(status.st_mode)) fail(path, "read", S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
-    std::string content(std::min(static_cast<std::size_t>(status.st_size), most), '\0');
+    std::string content;
+    try {
+        content.resize(std::min(static_cast<std::size_t>(status.st_size), most));
+    } catch (const std::bad_alloc&) {
+        fail(path, "read", EFBIG);
+    } catch (const std::length_error&) {
+        fail(path, "read", EFBIG);
+    }
     std::size_t length = 0;
     while (length < content.size()) {
-        const ssize_t count = ::read(file.get(), content.data() + length, content.size() - length);
-        if (count < 0 && errno == EINTR) continue;
+        const ssize_t count = file.read(content.data() + length, content.size() - length);
         if (count < 0) fail(path, "read", errno);
         if (count == 0) break;
         length += static_cast<std::size_t>(count);
@@ -102,24 +239,11 @@ std::string readFileStart(const std::string& path, std::size_t most) {
 }
 
 void writeFileSafely(const std::string& path, std::string_view content) {
-    if (path.empty()) throw FileError("Cannot write a file without a name");
-    const std::string target = targetOf(path);
-    struct stat old {};
-    const bool replaces = ::stat(target.c_str(), &old) == 0;
-    if (replaces && !S_ISREG(old.st_mode)) fail(path, "write", S_ISDIR(old.st_mode) ? EISDIR : EINVAL);
-    if (replaces && ::access(target.c_str(), W_OK) != 0) fail(path, "write", errno);
+    writeSafely(path, content, false);
+}
 
-    const std::string beside = target + "." + std::to_string(::getpid()) + ".tmp";
-    constexpr mode_t forEveryone = 0666;  // less the user's mask
-    OpenFile file(::open(beside.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, forEveryone));
-    if (file.get() < 0) fail(path, "write", errno);
-    Temporary temporary(beside);
-    if (replaces && ::fchmod(file.get(), old.st_mode & 07777) != 0) fail(path, "write", errno);
-    if (!writeAll(file.get(), content) || ::fsync(file.get()) != 0 || !file.close())
-        fail(path, "write", errno);
-    if (::rename(beside.c_str(), target.c_str()) != 0) fail(path, "write", errno);
-    temporary.keep();
-    flushFolderOf(target);
+void writeFileStartSafely(const std::string& path, std::string_view start) {
+    writeSafely(path, start, true);
 }
 
 }  // namespace zentaq

@@ -1,4 +1,4 @@
-// Files read whole and written whole: a crash or a full disk leaves the old file as it was.
+// Files read whole and written whole: a crash, a kill or a full disk leaves the old file as it was.
 // All throw FileError with the path and the reason.
 #pragma once
 
@@ -12,8 +12,11 @@ std::string readWholeFile(const std::string& path);
 /// At most the first `most` bytes, however long the file is.
 std::string readFileStart(const std::string& path, std::size_t most);
 
-/// Writes a temporary file beside the target, flushes it to the disk and renames it.
-/// A link is followed; the permissions of an existing file stay.
+/// Writes a temporary file beside the target, flushes it to the disk and renames it, so the folder must take
+/// new files. A link is followed, also one whose target does not exist yet. Permissions stay; the owner and
+/// the group stay where the system allows it. Another hard link to the old file keeps the old content.
 void writeFileSafely(const std::string& path, std::string_view content);
+/// The same, but what a longer file holds behind `start` stays, as if its start had been written over.
+void writeFileStartSafely(const std::string& path, std::string_view start);
 
 }  // namespace zentaq

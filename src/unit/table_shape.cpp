@@ -6,6 +6,7 @@
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
+#include "unit/axis_kinds.h"
 #include "unit/parameter_rules.h"
 #include "unit/temperature.h"
 #include "unit/unit.h"
@@ -36,10 +37,6 @@ constexpr std::array<TableShape, 6> shapes = {{{"ADV", 2292, 2290, false, 0, 0},
                                                {"VE", 2292, 2290, false, 0, 0},
                                                {"GPO1", 2294, 2290, true, 2226, 2242},
                                                {"GPO2", 2296, 2291, true, 2258, 2274}}};
-
-constexpr std::array<std::string_view, 16> axisNames = {
-    "",      "CLT",   "RAW MAP", "BLEND MAP", "TPS",   "ACTUAL AFR", "MAT",   "RPM",
-    "GPIO1", "GPIO2", "GPIO3",   "GPIO4",     "GPIO5", "GPIO6",      "GPIO7", "GPIO8"};
 
 const TableShape* shapeOf(std::string_view table) {
     const auto shape = std::ranges::find(shapes, table, &TableShape::name);
@@ -117,29 +114,28 @@ void Unit::SET_TBL_DIMENSIONS(std::string_view table, std::string_view what, int
 std::string Unit::GET_TBL_AXIS_TYPE(std::string_view table, std::string_view axis) const {
     const TableShape* shape = shapeOf(table);
     const bool rows = axis == "ROW-AXIS";
-    if (shape == nullptr || (!rows && axis != "COL-AXIS")) return {};
+    if (!kind_.hasCalibration || shape == nullptr || (!rows && axis != "COL-AXIS")) return {};
     if (!shape->hasOwnAxes || !kind_.cells.hasAxisWords) return rows ? "BLEND MAP" : "RPM";
     const int word = toInt16(static_cast<double>(cellAt(shape->axisWord)));
     const int code = rows ? static_cast<int>(truncate(word / 16.0)) : word & 15;
-    if (code < 0 || code >= static_cast<int>(axisNames.size())) return {};
-    return std::string(axisNames[static_cast<std::size_t>(code)]);
+    return std::string(axisKindName(code));
 }
 
 void Unit::SET_TBL_AXIS_TYPE(std::string_view table, std::string_view axis, std::string_view name) {
     const TableShape* shape = shapeOf(table);
     if (shape == nullptr || !shape->hasOwnAxes || !kind_.cells.hasAxisWords || name.empty()) return;
-    const auto found = std::ranges::find(axisNames, name);
-    if (found == axisNames.end()) return;
-    const int code = static_cast<int>(found - axisNames.begin());
+    const auto code = axisKindCode(name);
+    if (!code) return;
     float& cell = cellAt(shape->axisWord);
     const int word = toInt16(static_cast<double>(cell));
-    if (axis == "ROW-AXIS") cell = static_cast<float>((word & 15) | code * 16);
-    if (axis == "COL-AXIS") cell = static_cast<float>((word & 240) | code);
+    if (axis == "ROW-AXIS") cell = static_cast<float>((word & 15) | *code * 16);
+    if (axis == "COL-AXIS") cell = static_cast<float>((word & 240) | *code);
 }
 
 float Unit::Get_GPO_Stop(int i, std::string_view axis, std::string_view table) {
+    if (!kind_.hasCalibration) return 0;
     const auto cell = stopCell(i, axis, table);
-    if (!cell || !kind_.hasCalibration) return 0;
+    if (!cell) return 0;
     // A kind without stop points of its own: the axes of the main tables are the stops.
     if (!kind_.cells.hasAxisWords) return get(axisMember(axis), i);
     return cellAt(*cell);
@@ -147,8 +143,9 @@ float Unit::Get_GPO_Stop(int i, std::string_view axis, std::string_view table) {
 
 bool Unit::Set_GPO_Stop(const Entry& value, int i, std::string_view axis, std::string_view table) {
     constexpr int notEmpty = 1003;
+    if (!kind_.hasCalibration) return false;
     const auto cell = stopCell(i, axis, table);
-    if (!cell || !kind_.hasCalibration) return false;
+    if (!cell) return false;
     if (!kind_.cells.hasAxisWords) return set(axisMember(axis), value, i);
     if (host_.checkInput(notEmpty, value.text())) return false;
     const float number = value.number();

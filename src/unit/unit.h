@@ -191,7 +191,7 @@ class Unit {
     /// Hands one record to the link when ONFLY_MODE is on. A failure is logged, never thrown.
     void SendOnFly(int index, double first, int count);
     void SendOnFly(int index, double first, double second);
-    /// Sends the trim bytes of injector trim cell `index` (520 to 534) and the next one.
+    /// Sends the trim bytes of injector trim cell `index`, as the unit takes it, and of the next one.
     void SendTrimPair(int index);
 
     /// The bytes that changing a value sends: one record, no line end.

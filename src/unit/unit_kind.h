@@ -73,9 +73,9 @@ struct UnitKind {
     std::string_view fileFilterExtension;  ///< "Zentaq4 ORBA File|*.ZQ4OA"
     std::string_view firmwarePrefix;       ///< "ZQA"; empty: any firmware is valid
     int fileFilter = 0;                    ///< one-based entry in the common file filter
-    int defaultRelease =
-        0;  ///< firmware that a file gets when it is unknown; the newest that its code can hold
+    int defaultRelease = 0;                ///< firmware that a file gets when it is unknown
     int defaultBuild = 0;
+    int newestRelease = 5;  ///< the last that a file's code has room for; later ones count as unknown
     int fileFloats = 0;     ///< floats behind the header of a saved file
     int orbFileLength = 0;  ///< index of the last parameter of the calibration proper
     int numGpio = 0;        ///< highest GPIO number, counted from 0

@@ -135,6 +135,7 @@ const UnitKind& orbLiteKind() {
                                   .fileFilter = 2,
                                   .defaultRelease = 7,
                                   .defaultBuild = 99,
+                                  .newestRelease = 7,
                                   .fileFloats = 2828,
                                   .orbFileLength = 2327,
                                   .numGpio = 8,

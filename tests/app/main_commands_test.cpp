@@ -3,11 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 #include <filesystem>
 #include <fstream>
 
 #include "app/fake_platform.h"
+#include "app/menu.h"
 
 namespace zentaq {
 namespace {
@@ -45,6 +47,14 @@ class Commands : public testing::Test {
     std::string file(const std::string& name, float version = 9.44f) {
         const std::string path = fake.folder.path(name);
         writeFloats(path, orbAFloats(version));
+        return path;
+    }
+    std::string ofKind(float kind, const std::string& name) {
+        const std::string path = fake.folder.path(name);
+        std::vector<float> floats = orbAFloats();
+        floats[0] = kind;
+        if (kind == 5) floats.resize(3 + 1701);
+        writeFloats(path, floats);
         return path;
     }
     void open(const std::string& path) {
@@ -319,6 +329,59 @@ TEST_F(Commands, ATableWithoutACalibrationIsError1003) {
     commands.openTable("VE", "Volumetric Efficiency Table");
     EXPECT_EQ(box().title, "Error 1003");
     EXPECT_THAT(fake.windows.calls, Not(Contains(HasSubstr("table"))));
+}
+
+TEST_F(Commands, ATableThatTheKindLacksStaysClosedAndSilent) {
+    struct Row {
+        float kind;
+        const char* name;
+        std::vector<std::string> tables;
+    };
+    const Row rows[] = {{3, "a.ZQ4OA", {"ADV", "VE", "SPW", "AFR", "GPO1", "GPO2"}},
+                        {4, "l.ZQ4OL", {"ADV", "VE", "SPW", "AFR", "GPO1", "GPO2"}},
+                        {5, "p.ZQ4PZK", {"ADV", "GPO1", "GPO2"}},
+                        {6, "c.ZQ4OC", {"ADV", "VE", "SPW", "AFR", "GPO1", "GPO2"}},
+                        {7, "d.ZQ4OD", {"ADV", "VE", "AFR", "GPO1", "GPO2"}},
+                        {8, "d6.ZQ4OD", {"ADV", "VE", "AFR", "GPO1", "GPO2"}}};
+    for (const Row& row : rows) {
+        open(ofKind(row.kind, row.name));
+        ASSERT_EQ(session.CurrentUnit(), row.kind);
+        fake.dialogs.boxes.clear();
+        for (const std::string table : {"ADV", "VE", "SPW", "AFR", "GPO1", "GPO2", "XYZ"}) {
+            fake.windows.calls.clear();
+            commands.openTable(table, "Title");
+            std::vector<std::string> asked;
+            if (std::ranges::count(row.tables, table) != 0) asked = {"table " + table + " Title"};
+            EXPECT_EQ(fake.windows.calls, asked) << row.name << " " << table;
+        }
+        EXPECT_THAT(fake.dialogs.boxes, IsEmpty()) << row.name;
+    }
+}
+
+TEST_F(Commands, AnOpenTableGoesWhenACalibrationOfAnotherKindComes) {
+    open(file("tune.ZQ4OA"));
+    EXPECT_THAT(fake.windows.calls, Not(Contains("removeForms")));
+    open(file("second.ZQ4OA"));
+    EXPECT_THAT(fake.windows.calls, Not(Contains("removeForms")));
+    open(ofKind(5, "classic.ZQ4PZK"));
+    EXPECT_THAT(fake.windows.calls, Contains("removeForms"));
+}
+
+TEST_F(Commands, TheTablesThatTheKindLacksAreDisabledInTheMenu) {
+    const auto enabled = [&] {
+        std::string answer;
+        for (const MenuEntry& entry : menuTree()) {
+            if (entry.name.ends_with("Tbl")) answer += entry.enabled(session) ? '1' : '0';
+        }
+        return answer;  // advance, VE, staging, EGO
+    };
+    EXPECT_EQ(enabled(), "1111");  // the command tells that no calibration is in hand
+    open(ofKind(5, "classic.ZQ4PZK"));
+    EXPECT_EQ(enabled(), "1000");
+    open(ofKind(7, "street.ZQ4OD"));
+    EXPECT_EQ(enabled(), "1101");
+    open(file("tune.ZQ4OA"));
+    EXPECT_EQ(enabled(), "1111");
 }
 
 TEST_F(Commands, ATreeClickOpensATableOrAnswersItsPage) {

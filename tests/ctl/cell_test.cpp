@@ -74,5 +74,11 @@ TEST_F(Zentaqctl, CellTakesNumbersOnly) {
     EXPECT_EQ(contentOf(file), before);
 }
 
+TEST_F(Zentaqctl, CellOutsideTheCalibrationTellsWhichThereAre) {
+    for (const char* index : {"-1", "3001", "-1 5", "3001 5"}) {
+        expectRefused(onFile("cell", index), "Subscript out of range: a calibration has the cells 0 to 3000");
+    }
+}
+
 }  // namespace
 }  // namespace zentaq

@@ -62,5 +62,28 @@ TEST_F(ZentaqctlVersions, DiffIsReadyInTheTimeOfAFrameOnTheScreen) {
     EXPECT_LT(std::chrono::duration_cast<std::chrono::milliseconds>(shortest).count(), 200);
 }
 
+TEST_F(ZentaqctlVersions, DiffNamesTheFileThatIsNoCalibration) {
+    const std::string text = folder.file("text.ZQ4OA");
+    writeFile(text, "hello");
+    const std::string why = text + ": This is no calibration file: it ends inside its header, after 5 bytes";
+    expectRefused(compare(base, text), why);
+    expectRefused(compare(text, base), why);
+}
+
+TEST_F(ZentaqctlVersions, DiffTakesOneFileFromTheStandardInput) {
+    change(mine, "KNK_MIN 50");
+    const Outcome outcome = run("diff - " + inQuotes(mine), contentOf(base));
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_EQ(outcome.out, "KNK_MIN: 40 -> 50 units\n");
+    EXPECT_EQ(run("diff " + inQuotes(base) + " -", contentOf(base)).exitCode, 0);
+    expectRefused(run("diff - -", contentOf(base)), "Only one of the files can be the standard input");
+    EXPECT_THAT(run("diff - " + inQuotes(mine), "hello").error, StartsWith("standard input: "));
+}
+
+TEST_F(ZentaqctlVersions, DiffShowsNamesWithoutTheBlanksThatFillThemUp) {
+    change(mine, "BiName 'Wet track'");
+    EXPECT_EQ(compare(base, mine).out, "name: \"tune\" -> \"Wet track\"\n");
+}
+
 }  // namespace
 }  // namespace zentaq

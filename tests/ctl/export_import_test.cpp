@@ -88,5 +88,12 @@ TEST_F(ZentaqctlText, ExportOfWhatIsNoCalibrationNamesTheFile) {
     EXPECT_THAT(outcome.error, StartsWith(file + ": "));
 }
 
+TEST_F(Zentaqctl, ExportTakesAFileFromTheStandardInput) {
+    const std::string text = onFile("export").out;
+    EXPECT_THAT(text, StartsWith("Zentaq4 calibration text"));
+    EXPECT_EQ(run("export -", contentOf(file)).out, text);
+    EXPECT_THAT(run("export -", "hello").error, StartsWith("standard input: "));
+}
+
 }  // namespace
 }  // namespace zentaq

@@ -95,5 +95,21 @@ TEST_F(Zentaqctl, GetShowsTheShapeOfTables) {
     EXPECT_EQ(linesOf(onFile("get", "GPO1").out).size(), 16U);
 }
 
+TEST_F(Zentaqctl, AMemberOfNearlyTheNameIsSuggested) {
+    expectRefused(onFile("get", "KNK_MN"), "ORB A has no member KNK_MN; did you mean KNK_MIN?");
+    expectRefused(onFile("get", "knk_min"), "ORB A has no member knk_min; did you mean KNK_MIN?");
+    expectRefused(onFile("set", "ve 5 --index 3"), "ORB A has no member ve; did you mean VE?");
+    expectRefused(onFile("get", "Rev_Limit"), "ORB A has no member Rev_Limit; did you mean REV_Limiter?");
+    expectRefused(onFile("get", "KnockActive"),
+                  "ORB A has no member KnockActive; did you mean opt_KnockActive?");
+    expectRefused(onFile("get", "ax"), "ORB A has no member ax");
+    expectRefused(onFile("get", std::string(5000, 'x')), "ORB A has no member " + std::string(5000, 'x'));
+}
+
+TEST_F(Zentaqctl, AnElementOutsideAMemberTellsWhichThereAre) {
+    expectRefused(onFile("get", "ISRPM 3"), "Subscript out of range: ISRPM has elements 0 to 2");
+    expectRefused(onFile("get", "KNK_MIN 1"), "Subscript out of range: KNK_MIN has one value, element 0");
+}
+
 }  // namespace
 }  // namespace zentaq

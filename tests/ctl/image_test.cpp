@@ -85,5 +85,13 @@ TEST_F(Zentaqctl, ImageDoesNotWriteOverTheCalibration) {
     EXPECT_EQ(onFile("image", "-o " + inQuotes(folder.file("no/such/out.s19"))).exitCode, 1);
 }
 
+TEST_F(Zentaqctl, ImageOfAValueThatFitsNoByteNamesTheFile) {
+    plant(34, 1e6F);  // KNK_MIN, one byte
+    expectRefused(
+        onFile("image", "-o " + inQuotes(folder.file("x.s19"))),
+        file + " makes no image: Overflow: a value does not fit the bytes that the unit has for it");
+    EXPECT_FALSE(fs::exists(folder.file("x.s19")));
+}
+
 }  // namespace
 }  // namespace zentaq

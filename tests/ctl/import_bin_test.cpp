@@ -56,5 +56,16 @@ TEST_F(ZentaqctlOld, ImportBinOfAMissingFileFailsInOneLine) {
     expectOneLine(outcome.error);
 }
 
+TEST_F(ZentaqctlOld, ImportBinTellsWhenTheNameIsThatOfAnotherKind) {
+    constexpr std::size_t floatsOfOrbLite = 2328;
+    writeFile(old, oldFile(floatsOfOrbLite, {{sensorRating, 2}, {tableSize, 16}}));
+    const Outcome outcome = import();
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_THAT(outcome.error,
+                HasSubstr(output + " holds a calibration for ORB L; such files end in .ZQ4OL\n"));
+    output = folder.file("New name.zq4ol");
+    EXPECT_THAT(import().error, Not(HasSubstr("such files end")));
+}
+
 }  // namespace
 }  // namespace zentaq

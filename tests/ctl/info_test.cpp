@@ -73,5 +73,20 @@ TEST_F(Zentaqctl, InfoOfAMissingFileFailsInOneLine) {
     EXPECT_EQ(run("info " + inQuotes(folder.path())).exitCode, 1);
 }
 
+TEST_F(Zentaqctl, InfoTellsHowMuchAShortFileLacks) {
+    writeFile(file, contentOf(file).substr(0, 5000));  // 1250 floats, 3 of them the header
+    EXPECT_THAT(onFile("info").out, HasSubstr("\nFloats:   1247 of 2828; the others read as 0\n"));
+    EXPECT_EQ(fromJson(onFile("info", "--json").out, "d[\"floats\"]"), "1247");
+}
+
+TEST_F(Zentaqctl, ADamagedFileIsNamed) {
+    std::string bytes = contentOf(file);
+    const float code = 1e30F;
+    std::memcpy(bytes.data() + 8, &code, sizeof code);  // the firmware code
+    writeFile(file, bytes);
+    expectRefused(onFile("info"),
+                  file + ": Overflow: the file is damaged, it holds a number out of all range");
+}
+
 }  // namespace
 }  // namespace zentaq

@@ -58,5 +58,33 @@ TEST_F(ZentaqctlVersions, MergeThatCannotWriteFailsInOneLine) {
     expectRefused(merge("-"), "A calibration is not written to the standard output; name a file");
 }
 
+TEST_F(ZentaqctlVersions, MergeOfFilesUnderTwoNewNamesNamesTheResultAfterItsOwn) {
+    const std::string ann = folder.file("ann.ZQ4OA");
+    const std::string bob = folder.file("bob.ZQ4OA");
+    change(base, "KNK_MIN 50 -o " + inQuotes(ann));
+    change(base, "REV_Limiter 7200 -o " + inQuotes(bob));
+    const auto join = [&] {
+        return run("merge " + inQuotes(base) + " " + inQuotes(ann) + " " + inQuotes(bob) + " -o " +
+                   inQuotes(merged));
+    };
+    const Outcome outcome = join();
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.out << outcome.error;
+    EXPECT_EQ(run("get " + inQuotes(merged) + " BiName").out, "merged\n");
+    EXPECT_EQ(cellOf(merged, 34), 50);
+    EXPECT_EQ(cellOf(merged, 58), 7200);
+
+    // A name that somebody chose is a change like any other.
+    change(ann, "BiName 'Wet track'");
+    const Outcome chosen = join();
+    EXPECT_EQ(chosen.exitCode, 1);
+    EXPECT_EQ(chosen.out, "name: \"tune\" in the base, \"Wet track\" in the first, \"bob\" in the second\n");
+}
+
+TEST_F(ZentaqctlVersions, MergeNamesTheFileThatIsNoCalibration) {
+    writeFile(yours, "hello");
+    expectRefused(merge(inQuotes(merged)),
+                  yours + ": This is no calibration file: it ends inside its header, after 5 bytes");
+}
+
 }  // namespace
 }  // namespace zentaq

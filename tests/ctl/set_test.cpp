@@ -206,6 +206,64 @@ TEST_F(Zentaqctl, SetWritesInputsAndOutputs) {
                   "Warning 1000: Data Input Error: Non-numeric value detected. Retype Data");
 }
 
+TEST_F(Zentaqctl, SetChecksAParameterByTheFunctionOfItsPin) {
+    ASSERT_EQ(onFile("set", "GPIO_Func 6 --index 3").exitCode, 0);  // shift light: one speed
+    ASSERT_EQ(onFile("set", "GPIO_Param 20000 --index 24").exitCode, 0);
+    const std::string before = contentOf(file);
+    const std::string range = "Warning 1001: Data Input Error: (0 to 20000 RPM) - Invalid Entry.";
+    expectRefused(onFile("set", "GPIO_Param 20001 --index 24"), range);
+    expectRefused(onFile("set", "GPIO_Param -1 --index 24"), range);
+    expectRefused(onFile("set", "GPIO_Param nan --index 24"),
+                  "Warning 1000: Data Input Error: Non-numeric value detected. Retype Data");
+    EXPECT_EQ(contentOf(file), before);
+}
+
+TEST_F(Zentaqctl, SetChecksFrequencyAndTableByTheirOwnRanges) {
+    ASSERT_EQ(onFile("set", "GPIO_Func 8 --index 1").exitCode, 0);  // parameter 0 the table, 1 the frequency
+    EXPECT_EQ(onFile("set", "GPIO_Param 2 --index 8").exitCode, 0);
+    EXPECT_EQ(onFile("set", "GPIO_Param 60 --index 9").exitCode, 0);
+    EXPECT_EQ(cellOf(file, 336 + 9 + 1), 2);
+    EXPECT_EQ(cellOf(file, 336 + 9 + 2), 60);
+    expectRefused(onFile("set", "GPIO_Param 3 --index 8"),
+                  "Warning 1001: Data Input Error: (1 or 2) - Invalid Entry.");
+    expectRefused(onFile("set", "GPIO_Param 45 --index 9"),
+                  "Warning 1001: Data Input Error: (30, 60) - Invalid Entry.");
+    EXPECT_EQ(cellOf(file, 336 + 9 + 2), 60);
+}
+
+TEST_F(Zentaqctl, SetRefusesAParameterThatTheFunctionDoesNotHave) {
+    ASSERT_EQ(onFile("set", "GPIO_Func 6 --index 3").exitCode, 0);
+    ASSERT_EQ(onFile("set", "GPIO_Func 0 --index 0").exitCode, 0);
+    const std::string before = contentOf(file);
+    expectRefused(
+        onFile("set", "GPIO_Param 5 --index 26"),
+        "GPIO_Param: \"Shift Light\", the function of pin 3, has no parameter 2; set GPIO_Func first, "
+        "or change the cell as it stands");
+    expectRefused(
+        onFile("set", "GPIO_Param 5"),
+        "GPIO_Param: \"DISABLED\", the function of pin 0, has no parameter 0; set GPIO_Func first, or "
+        "change the cell as it stands");
+    EXPECT_EQ(contentOf(file), before);
+    EXPECT_EQ(onFile("cell", "339 5").exitCode, 0);  // free: 336 is the function of pin 0
+}
+
+TEST_F(Zentaqctl, APressureOfAPinIsSetAndShownInThePressureUnitOfTheCalibration) {
+    ASSERT_EQ(onFile("set", "GPIO_Func 5 --index 2").exitCode, 0);  // nitrous: parameter 4 is a pressure
+    ASSERT_EQ(onFile("set", "GPIO_Param 80.5 --index 20").exitCode, 0);
+    EXPECT_EQ(onFile("get", "GPIO_Param 20").out, "80.5\n");
+    EXPECT_EQ(onFile("set", "GPIO_Param 5000 --index 20").exitCode, 1);
+    EXPECT_EQ(onFile("get", "GPIO_Param 20").out, "80.5\n");
+}
+
+TEST_F(Zentaqctl, ASpeedInputKeepsItsPulsesPerMile) {
+    ASSERT_EQ(onFile("set", "GPIO_Func 21 --index 6").exitCode, 0);
+    for (const char* entry : {"25 --index 51", "4 --index 52", "2 --index 53"}) {
+        ASSERT_EQ(onFile("set", std::string("GPIO_Param ") + entry).exitCode, 0);
+    }
+    // 63360 / (pi * 25) * 4 * 2
+    EXPECT_NEAR(cellOf(file, 336 + 9 * 6 + 1), 6453.797, 0.01);
+}
+
 TEST_F(Zentaqctl, SetWritesTheShapeOfTables) {
     EXPECT_EQ(onFile("set", "VE.ROWS 12").exitCode, 0);
     EXPECT_EQ(cellOf(file, 2292), 12);
@@ -227,6 +285,26 @@ TEST_F(Zentaqctl, SetOnAKindWithFixedTablesRefusesTheirShape) {
     EXPECT_EQ(run("set " + inQuotes(classic) + " GPO1.X-Axis 1234 --index 0").exitCode, 0);
     EXPECT_EQ(run("get " + inQuotes(classic) + " RPMTBL 0").out, "1234\n");
     expectRefused(run("set " + inQuotes(classic) + " VE 5"), "PZK-2 has no member VE");
+}
+
+TEST_F(Zentaqctl, SetOfATableWithoutAnIndexTellsThatElement0WasMeant) {
+    const Outcome outcome = onFile("set", "VE 5");
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.error, "VE has 256 elements; element 0 was changed, --index chooses another\n");
+    EXPECT_EQ(onFile("get", "VE 0").out, "5\n");
+    EXPECT_THAT(onFile("set", "VE 6 --index 0").error, IsEmpty());
+    EXPECT_THAT(onFile("set", "KNK_MIN 45").error, IsEmpty());
+}
+
+TEST_F(Zentaqctl, ANameIsOneLineOfCharactersThatTheUnitKeeps) {
+    const std::string before = contentOf(file);
+    expectRefused(onFile("set", "BiName 'two\nlines'"), "BiName takes no tabs and no line breaks");
+    expectRefused(onFile("set", "BiName 'a\tb'"), "BiName takes no tabs and no line breaks");
+    expectRefused(onFile("set", "BiName 'Nordschleife \u2605'"), "BiName takes no characters beyond Latin-1");
+    expectRefused(onFile("set", "BiName '\u0142'"), "BiName takes no characters beyond Latin-1");
+    EXPECT_EQ(contentOf(file), before);
+    EXPECT_EQ(onFile("set", "BiName 'Kr\u00fcmmer \u00ff'").exitCode, 0);
+    EXPECT_EQ(onFile("get", "BiName").out, "Kr\u00fcmmer \u00ff\n");
 }
 
 }  // namespace

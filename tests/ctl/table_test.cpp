@@ -225,5 +225,14 @@ TEST_F(ZentaqctlTable, DoesNotWriteOverItsInput) {
     EXPECT_EQ(onFile("table", "VE --from " + inQuotes(folder.file("none.tsv"))).exitCode, 1);
 }
 
+TEST_F(Zentaqctl, ATableWithOtherSeparatorsIsRefusedWithTheRightOne) {
+    const std::string text = folder.file("ve.csv");
+    std::string table = onFile("table", "VE").out;
+    std::ranges::replace(table, '\t', ';');
+    writeFile(text, table);
+    expectRefused(onFile("table", "VE --from " + inQuotes(text)),
+                  text + ", line 1: 1 field; VE has a header and 16 columns, separated by tabs");
+}
+
 }  // namespace
 }  // namespace zentaq

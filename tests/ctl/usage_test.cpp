@@ -70,5 +70,16 @@ TEST_F(Zentaqctl, WorksWithoutADatabaseWhereNoValueDependsOnIt) {
     EXPECT_EQ(onFile("get", "TOOTHMAX").out, "58\n");
 }
 
+TEST_F(Zentaqctl, AnEmptyOutputNameDoesNotMeanTheFileItself) {
+    const std::string before = contentOf(file);
+    for (const char* arguments : {"KNK_MIN 45 -o ''", "KNK_MIN 45 --output=''"}) {
+        EXPECT_EQ(onFile("set", arguments).exitCode, 2) << arguments;
+    }
+    EXPECT_EQ(onFile("cell", "34 45 -o ''").exitCode, 2);
+    EXPECT_EQ(onFile("image", "-o ''").exitCode, 2);
+    EXPECT_EQ(onFile("export", "-o ''").exitCode, 2);
+    EXPECT_EQ(contentOf(file), before);
+}
+
 }  // namespace
 }  // namespace zentaq

@@ -18,7 +18,7 @@ NEWEST_OFTEN = 0.4
 WILD_FIRMWARE_CODES = (-1, -2006, 0.25, 999.5, 2006.5, 2017.5, 4002.5, 99999, 32767000, 32768000, 1e9)
 # Every code up to 30, with and without a recipe, and codes that nobody gave out.
 GPIO_FUNCTIONS = tuple(range(31)) + (31, 99, 255)
-WILD_GPIO_FUNCTIONS = (-1, 256, 1000, 32767)
+WILD_GPIO_FUNCTIONS = (-1, 7.5, 8.25, 256, 1000, 32767, 40000, 1e20)
 WILD_SHARE = 0.45
 PROGRAM_VERSION = 10.2
 

@@ -187,7 +187,8 @@ class Calibration:
             raise EncodeError(str(error)) from error
 
     def _take_firmware(self):
-        if self.code == 0:
+        if math.isfinite(self.code) and round(self.code) == 0:
+            # Neither a release nor a build: the firmware is unknown.
             self.release, self.build = self.kind.newest
             return
         self.release = int(self.code / 1000)

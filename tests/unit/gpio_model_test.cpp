@@ -474,5 +474,27 @@ TEST(OrbLWithoutFirmware, OffersTheFunctionsThatTellIt) {
     EXPECT_THAT(orbA.codes(0), Not(Contains(25)));
 }
 
+TEST(GpioParameters, AreFoundByTheRowThatEditsThem) {
+    GpioCalibration cal(3);
+    cal.unit.Set_GPIO_Func(0, 8);  // frequency, table, "Edit Table"
+    EXPECT_EQ(cal.model.rowOf(0, 0), 1);
+    EXPECT_EQ(cal.model.rowOf(0, 1), 0);
+    EXPECT_EQ(cal.model.rowOf(0, 2), -1);
+    EXPECT_EQ(cal.model.rowOf(0, -1), -1);  // an action's row edits nothing
+    cal.unit.Set_GPIO_Func(0, 0);
+    EXPECT_EQ(cal.model.rowOf(0, 0), -1);
+    EXPECT_THROW(cal.model.rowOf(8, 0), BoundsError);
+}
+
+TEST(GpioParameters, AreShownInTheUsersScaleAndOthersAsTheyStand) {
+    GpioCalibration cal(3);
+    cal.host.isFahrenheit = true;
+    cal.unit.Set_GPIO_Func(0, 3);
+    cal.unit.Set_GPIO_Param(0, 0, 100);
+    cal.unit.Set_GPIO_Param(0, 5, 100);
+    EXPECT_EQ(cal.model.shownParameter(0, 0), 212);
+    EXPECT_EQ(cal.model.shownParameter(0, 5), 100);
+}
+
 }  // namespace
 }  // namespace zentaq::testing

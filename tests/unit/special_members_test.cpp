@@ -102,7 +102,6 @@ TEST_F(SpecialMember, CylindersAndEventsShareACell) {
 TEST_F(SpecialMember, TachPulsesAreCodedInTheHighNibble) {
     const std::vector<std::pair<int, int>> codes = {{1, 14}, {2, 2}, {3, 8}, {4, 3}, {6, 10}};
     unit.AssignDirectIndex(0x05, 4);
-    unit.ONFLY_MODE(true);
     for (const auto& [pulses, nibble] : codes) {
         EXPECT_TRUE(unit.set("TACHTYP", pulses));
         EXPECT_EQ(unit.DirectIndex(4), static_cast<float>(nibble * 16 + 5));
@@ -111,9 +110,19 @@ TEST_F(SpecialMember, TachPulsesAreCodedInTheHighNibble) {
     EXPECT_EQ(refusal("TACHTYP", 5), "0,1,2,3,4 or 6 Pulses per revolution");
     EXPECT_EQ(refusal("TACHTYP", 7), "0,1,2,3,4 or 6 Pulses per revolution");
     EXPECT_EQ(host.warnings.front().code, 1001);
-    EXPECT_THAT(host.sent, IsEmpty());
     unit.IndexPolling(true);
     EXPECT_EQ(unit.get("TACHTYP"), 4);
+}
+
+TEST_F(SpecialMember, TachPulsesSendTheWholeCodeWhoseOtherHalfNeverSends) {
+    unit.ONFLY_MODE(true);
+    unit.set("P2EGTP", 0x05);
+    EXPECT_THAT(host.sent, IsEmpty());
+    unit.set("TACHTYP", 3);
+    EXPECT_FALSE(unit.set("TACHTYP", 5));
+    unit.set("TACHTYP", 0);
+    // Sums 4 + 4 + 17 + 0x85 = 0x9E and 4 + 4 + 17 + 5 = 0x1E.
+    EXPECT_THAT(host.sent, ElementsAre("S10411048561", "S104110405E1"));
 }
 
 TEST_F(SpecialMember, NoTachPulsesGiveBackTheEnginesCode) {

@@ -31,6 +31,7 @@ struct KindRow {
     const char* prefix;
     int fileFilter;
     float unknownFirmware;
+    int newestRelease;  ///< the last that a file can name
     int orbFileLength;
     int numGpio;
     std::vector<int> sizes;  ///< in the order of SizeConstants
@@ -89,6 +90,24 @@ TEST_P(Kinds, SaveFilesOfTheirOwnLengthThatOpenAgain) {
     EXPECT_EQ(again.FW_Release() * 1000 + again.FW_Build(), row.unknownFirmware);
 }
 
+TEST_P(Kinds, SaveReleasesUpToTheirNewestAndLaterOnesAsUnknown) {
+    const TemporaryFolder folder;
+    const std::string path = folder.file(std::string("a") + row.extension);
+    for (int release = 0; release <= 9; ++release) {
+        Unit saved(unit.kind(), host);
+        saved.FW_Release(release);
+        saved.FW_Build(10);
+        saved.BinFile(path);
+        saved.SaveFile();
+        const float code =
+            release <= row.newestRelease ? static_cast<float>(release * 1000 + 10) : row.unknownFirmware;
+        EXPECT_EQ(host.header().firmwareCode, code) << release;
+        Unit again(unit.kind(), host);
+        again.FileOpen(path);
+        EXPECT_EQ(static_cast<float>(again.FW_Release() * 1000 + again.FW_Build()), code) << release;
+    }
+}
+
 TEST_P(Kinds, KeepEveryCellOfTheirMembersInsideTheirFile) {
     for (const Parameter& parameter : unit.kind().parameters) {
         if (!parameter.hasCell()) continue;
@@ -123,6 +142,7 @@ INSTANTIATE_TEST_SUITE_P(All, Kinds,
                                                    "ZQA",
                                                    4,
                                                    5099,
+                                                   5,
                                                    2327,
                                                    7,
                                                    {35, 21, 8, 39, 2, 16, 39, 33, 8736, 65},
@@ -136,6 +156,7 @@ INSTANTIATE_TEST_SUITE_P(All, Kinds,
                                                    "ZQL",
                                                    2,
                                                    7099,
+                                                   7,
                                                    2327,
                                                    8,
                                                    {28, 21, 8, 38, 2, 16, 39, 36, 2048, 66},
@@ -149,6 +170,7 @@ INSTANTIATE_TEST_SUITE_P(All, Kinds,
                                                    "ZPK",
                                                    3,
                                                    5099,
+                                                   5,
                                                    1200,
                                                    3,
                                                    {28, 21, 8, 38, 2, 16, 39, 34, 0, 23},
@@ -162,6 +184,7 @@ INSTANTIATE_TEST_SUITE_P(All, Kinds,
                                                    "ZQC",
                                                    6,
                                                    3099,
+                                                   5,
                                                    2326,
                                                    12,
                                                    {28, 21, 8, 38, 2, 16, 39, 40, 1820, 70},
@@ -175,6 +198,7 @@ INSTANTIATE_TEST_SUITE_P(All, Kinds,
                                                    "ZQD",
                                                    5,
                                                    5099,
+                                                   5,
                                                    2325,
                                                    6,
                                                    {28, 21, 8, 38, 2, 16, 39, 34, 2184, 62},
@@ -188,6 +212,7 @@ INSTANTIATE_TEST_SUITE_P(All, Kinds,
                                                    "ZQD",
                                                    5,
                                                    5099,
+                                                   5,
                                                    2325,
                                                    6,
                                                    {28, 21, 8, 38, 2, 16, 39, 34, 2184, 62},
@@ -345,6 +370,13 @@ TEST_F(NullUnit, IsSilentAboutEverythingElse) {
     EXPECT_EQ(unit.voltsToPressure(2), 0);
     EXPECT_EQ(unit.KpaToCounts(50, true), 0);
     EXPECT_EQ(unit.GET_TBL_DIMENSIONS("VE", "ROWS"), 0);
+    EXPECT_EQ(unit.GET_TBL_AXIS_TYPE("VE", "ROW-AXIS"), "");
+    EXPECT_EQ(unit.GET_TBL_AXIS_TYPE("GPO1", "COL-AXIS"), "");
+    EXPECT_EQ(unit.Get_GPO_Stop(99, "X-Axis", "GPO1"), 0);
+    EXPECT_FALSE(unit.Set_GPO_Stop(1000, 99, "X-Axis", "GPO1"));
+    EXPECT_EQ(unit.NOTES_TEXT(), "");
+    EXPECT_EQ(unit.BiName(), "");
+    EXPECT_EQ(unit.MakeS19(), "");
     EXPECT_EQ(unit.Get_GPIO_Param(3, 3), 0);
     EXPECT_NO_THROW(unit.Set_GPIO_Param(3, 3, 1));
     EXPECT_NO_THROW(unit.ConvertData());

@@ -1,0 +1,156 @@
+// S-records with anything in them, on all ways in: one line read, a stream cut into records, a unit that is
+// programmed, and a firmware file that the link sends line by line.
+// The first byte of an input chooses the way, the rest is the text.
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "base/text.h"
+#include "fuzzing.h"
+#include "link/link.h"
+#include "link/recording_link_host.h"
+#include "live/frame_decoder.h"
+#include "live/live_values.h"
+#include "platform/manual_clock.h"
+#include "platform/scripted_port.h"
+#include "platform/settings_store.h"
+#include "sim/simulated_unit.h"
+#include "sim/srecord.h"
+
+namespace zentaq::fuzzing {
+namespace {
+
+/// The one text that a record may have been read from.
+std::string written(const sim::SRecord& record) {
+    std::string bytes;
+    unsigned sum = 0;
+    const auto add = [&](unsigned byte) {
+        std::array<char, 3> digits{};
+        std::snprintf(digits.data(), digits.size(), "%02X", byte & 255U);
+        bytes += digits.data();
+        sum += byte & 255U;
+    };
+    add(static_cast<unsigned>(record.data.size()) + 3);
+    add(static_cast<unsigned>(record.address) >> 8U);
+    add(static_cast<unsigned>(record.address));
+    for (const std::uint8_t byte : record.data) add(byte);
+    add(~sum);
+    return std::string("S") + record.type + bytes;
+}
+
+void readLine(std::string_view text) {
+    const std::string line(text);
+    const auto record = sim::parseSRecord(line);
+    if (!record) return;
+    require(record->address >= 0 && record->address <= 0xFFFF, "an address has 16 bits");
+    require(written(*record) == line, "a record that was read writes the text that it was read from");
+}
+
+void cutStream(std::string_view text) {
+    sim::SRecordCollector collector;
+    std::string fed;
+    for (const char c : text) {
+        if (c != '\r' && c != '\n') fed += c;
+        const auto state = collector.push(static_cast<std::uint8_t>(c));
+        require(collector.text() == fed, "nothing but line ends is passed over");
+        if (state == sim::SRecordCollector::State::Complete) {
+            readLine(collector.text());
+        } else {
+            require(!sim::parseSRecord(fed), "a record is complete when it can be read");
+        }
+        if (state == sim::SRecordCollector::State::Complete ||
+            state == sim::SRecordCollector::State::Broken) {
+            collector.clear();
+            fed.clear();
+        }
+    }
+}
+
+/// A programming that does not end with its last record leaves the memory alone.
+void programUnit(std::string_view text) {
+    const sim::UnitProfile& profile = *sim::findProfile("A");
+    sim::SimulatedUnit unit(profile, sim::defaultIdentity(profile));
+    const sim::Bytes before = unit.memory();
+    const std::string start = "P1";
+    const auto feed = [&](std::string_view bytes) {
+        return unit.feed({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+    };
+    feed(start);
+    bool verified = false;
+    for (const std::string& line : split(std::string(text), '\n')) {
+        const sim::Bytes reply = feed(line);
+        if (reply == sim::Bytes{'P', 'N'}) verified = true;
+        if (reply == sim::Bytes{'A', 'R'}) break;
+    }
+    require(unit.memory().size() == before.size(), "the memory keeps its size");
+    // An on-the-fly change behind the end is the only other way into the memory.
+    const bool other = text.find("P2") != std::string_view::npos;
+    require(verified || other || unit.memory() == before, "what was not verified is not in the memory");
+}
+
+struct QuietYield : Yield {
+    void yield() override {}
+};
+
+/// The link sends the lines of a file as they stand, and ends.
+void sendFirmware(std::string_view text) {
+    static RecordingLinkHost host;
+    ManualClock clock;
+    ScriptedPort port(clock);
+    LiveValues live;
+    FrameDecoder decoder(live);
+    MemorySettings settings;
+    QuietYield yield;
+    Link link(port, host, decoder, live, settings, clock, yield);
+    link.RS232_Initialize(1);
+    port.takeWritten();
+    port.otherwise([](const std::string&) -> std::optional<ScriptedReply> {
+        ScriptedReply reply;
+        reply.bytes = "AX";
+        reply.delayUs = 10;
+        reply.byteUs = 0;
+        return reply;
+    });
+    const MemoryFile file(text);
+    link.Program_Unit(TransferMode::Firmware, file.path());
+
+    std::vector<std::string> expected = {"P3"};
+    std::string_view rest = text;
+    while (!rest.empty()) {
+        const std::size_t end = rest.find('\n');
+        std::string line(rest.substr(0, end));
+        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+        if (line.ends_with('\r')) line.pop_back();
+        expected.push_back(line + "\r\n");
+    }
+    const int enough = 30 + 12 * static_cast<int>(expected.size());
+    for (int i = 0; i < enough; ++i) {
+        port.advanceUs(1000);
+        link.tick();
+    }
+    require(!link.TransferActive(), "the transfer has ended with its file");
+    require(port.written() == expected, "every line was sent, and nothing else");
+    host.calls.clear();
+    host.logLines.clear();
+    host.commLines.clear();
+    host.messages.clear();
+    host.boxes.clear();
+    host.onFlyCalls.clear();
+    host.locks.clear();
+}
+
+}  // namespace
+}  // namespace zentaq::fuzzing
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace zentaq::fuzzing;
+    static constexpr std::array ways = {readLine, cutStream, programUnit, sendFirmware};
+    if (size == 0) return 0;
+    const std::span bytes(data, size);
+    ways.at(bytes[0] % ways.size())(textOf(bytes.subspan(1)));
+    return 0;
+}
