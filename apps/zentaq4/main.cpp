@@ -1,16 +1,12 @@
 // zentaq4: the desktop program. It makes the platform, the session and the windows, runs the start sequence
 // and then the event loop.
-#include <QLockFile>
-#include <filesystem>
-#include <memory>
-
 #include "app/main_commands.h"
 #include "app/session.h"
 #include "app/start_up.h"
-#include "base/errors.h"
-#include "platform/runtime_folder.h"
+#include "platform/single_instance.h"
 #include "qt/application.h"
 #include "qt/folders.h"
+#include "qt/look.h"
 #include "qt/port_list.h"
 #include "qt/qt_clock.h"
 #include "qt/qt_dialogs.h"
@@ -24,20 +20,6 @@ namespace {
 
 using namespace zentaq;
 
-/// Beside the folder of the ports; it holds the process number, so that a lock left by a crash is known as
-/// dead.
-QString lockPath() {
-    return QString::fromStdString((createRuntimePortsFolder().parent_path() / "zentaq4.lock").string());
-}
-
-/// False when an earlier instance runs. A lock that cannot be made stops nobody from working.
-bool claimInstance(std::unique_ptr<QLockFile>& lock) {
-    const bool possible = skipFailing([&] { lock = std::make_unique<QLockFile>(lockPath()); });
-    if (!possible) return true;
-    lock->setStaleLockTime(0);
-    return lock->tryLock(0) || lock->error() != QLockFile::LockFailedError;
-}
-
 int run(Application& application, QtDialogs& dialogs) {
     QtClock clock;
     QtSettings settings;
@@ -47,6 +29,7 @@ int run(Application& application, QtDialogs& dialogs) {
     Session session({port, ticker, clock, settings, dialogs, yield, applicationFolder(), userFolder()});
     MainCommands commands(session);
     Kernel kernel(session, commands);
+    settings.onTrouble([&kernel](const std::string& trouble) { kernel.report(trouble); });
     WindowManager windows(application, session, commands, kernel);
     dialogs.setParent(&windows.main());
     application.onFailure([&](const std::string& why) {
@@ -57,6 +40,7 @@ int run(Application& application, QtDialogs& dialogs) {
     kernel.load();
     const int result = windows.closed() ? 0 : Application::exec();
     application.onFailure({});
+    settings.onTrouble({});
     return result;
 }
 
@@ -68,11 +52,8 @@ int main(int argc, char** argv) {
     Application::setApplicationVersion(QStringLiteral(ZENTAQ_VERSION));
     Application::setQuitOnLastWindowClosed(false);
     QtDialogs dialogs;
-    std::unique_ptr<QLockFile> lock;
-    if (!claimInstance(lock)) {
-        dialogs.show(
-            {"Zentaq4", "Zentaq4 already running!  Program will now close.", Icon::None, Buttons::Ok});
-        return 0;
-    }
+    const SingleInstance instance;
+    if (instance.anotherRuns()) applyLook(application, DisplayMode::Night);  // no window has done so
+    if (!firstInstance(instance, dialogs)) return 0;
     return run(application, dialogs);
 }

@@ -33,6 +33,11 @@ const UnitKind* kindOrNone(const std::string& text) {
     return text.empty() ? nullptr : unitKindOf(text);
 }
 
+std::string validSetting(const std::string& text) {
+    const auto sign = text.find('=');
+    return sign != std::string::npos && sign > 0 ? std::string() : text + " is not of the form MEMBER=VALUE";
+}
+
 /// The words behind the program's name, last one first as the parser takes them. "-.5" would be read as an
 /// option named ".5".
 std::vector<std::string> wordsOf(int argc, char** argv) {
@@ -65,6 +70,7 @@ CommandLine::CommandLine()
     addChanging();
     addTable();
     addComparing();
+    addMaking();
     addDecoding();
 }
 
@@ -239,6 +245,33 @@ void CommandLine::addComparing() {
             doing([&given](const Context& context) { importText(context, given.file, given.output); }));
     back->add_option("TEXT", given.file, "Text file; - is the standard input")->required();
     addOutput(back, "Calibration file to write")->required();
+}
+
+void CommandLine::addMaking() {
+    Arguments& given = given_;
+    constexpr const char* models =
+        "Model: \"ORB A Standard\", \"ORB A 6/12\", \"ORB AR\", \"ORB L\", "
+        "PZK-2, \"ORB D\" or \"ORB C\", or a unit kind such as A";
+    CLI::App* make = add("new", "Make a new calibration of an engine, a sensor and the default values",
+                         doing([&given](const Context& context) {
+                             makeNew(context, {given.model, given.engine, given.sensor, given.settings,
+                                               given.output, given.force});
+                         }));
+    make->add_option("--unit", given.model, models)->required()->check(CLI::Validator(wrongModel, "MODEL"));
+    make->add_option("--engine", given.engine, "Engine, as the command engines lists it")->required();
+    make->add_option("--sensor", given.sensor, "MAP sensor, as the command sensors lists it")->required();
+    make->add_option("--set", given.settings, "A value that is not the default one; may be given again")
+        ->allow_extra_args(false)
+        ->check(CLI::Validator(validSetting, "MEMBER=VALUE"));
+    make->add_flag("--force", given.force, "Take the place of a file that is there already");
+    addOutput(make, "Calibration file to write")->required();
+
+    CLI::App* engines = add("engines", "List the engines, one a line, separated by tabs",
+                            doing([&given](const Context& context) { listEngines(context, given.model); }));
+    engines->add_option("--unit", given.model, models)->check(CLI::Validator(wrongModel, "MODEL"));
+    addJson(engines);
+    addJson(add("sensors", "List the MAP sensors, one a line, separated by tabs",
+                doing([](const Context& context) { listSensors(context); })));
 }
 
 void CommandLine::addDecoding() {

@@ -26,6 +26,11 @@ struct Arguments {
     std::string reply;
     std::string calibration;
     std::vector<std::string> hex;
+    std::string engine;
+    std::string sensor;
+    std::string model;
+    std::vector<std::string> settings;
+    bool force = false;
     std::optional<int> index;
     bool json = false;
 };
@@ -58,6 +63,7 @@ class CommandLine {
     void addChanging();
     void addTable();
     void addComparing();
+    void addMaking();
     void addDecoding();
 
     CLI::App app_;

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "context.h"
 
@@ -55,6 +56,23 @@ void mergeFiles(const Context& context, const std::string& base, const std::stri
                 const std::string& second, const std::string& output);
 void exportText(const Context& context, const std::string& file, const std::string& output);
 void importText(const Context& context, const std::string& input, const std::string& output);
+
+// ---- New calibrations: commands_new.cpp
+
+struct NewCalibration {
+    std::string model;  ///< entry of the model list, or a unit kind: then any engine of the kind goes
+    std::string engine;
+    std::string sensor;
+    std::vector<std::string> settings;  ///< "MEMBER=VALUE"
+    std::string output;
+    bool force = false;  ///< take the place of a file that is there
+};
+/// What is wrong with the name of a model, with the names nearest to it; empty for a good one.
+std::string wrongModel(const std::string& text);
+void makeNew(const Context& context, const NewCalibration& wanted);
+/// Of all unit kinds where `model` is empty.
+void listEngines(const Context& context, const std::string& model);
+void listSensors(const Context& context);
 
 // ---- Replies: commands_decode.cpp
 

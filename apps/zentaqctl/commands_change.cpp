@@ -38,14 +38,6 @@ void store(Unit& unit, int index, float value) {
     unit.controlByte(index, static_cast<std::uint8_t>(value));
 }
 
-/// The unit kind follows from the old file; the user may have guessed another one.
-void noteForeignExtension(const Context& context, const UnitKind& kind, const std::string& file) {
-    const std::string extension = upper(extensionOf(file));
-    if (!extension.starts_with(".ZQ4") || extension == kind.extension) return;
-    context.notes << file << " holds a calibration for " << kind.model << "; such files end in "
-                  << kind.extension << '\n';
-}
-
 }  // namespace
 
 std::optional<FirmwareChoice> parseFirmware(const std::string& text) {

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "base/errors.h"
+#include "base/text.h"
 #include "unit/safe_file.h"
 
 namespace zentaq::ctl {
@@ -63,6 +64,13 @@ void writeOutput(const Context& context, const std::string& file, std::string_vi
     } else {
         writeFileSafely(file, content);
     }
+}
+
+void noteForeignExtension(const Context& context, const UnitKind& kind, const std::string& file) {
+    const std::string extension = upper(extensionOf(file));
+    if (!extension.starts_with(".ZQ4") || extension == kind.extension) return;
+    context.notes << file << " holds a calibration for " << kind.model << "; such files end in "
+                  << kind.extension << '\n';
 }
 
 void refuseSameFile(const std::string& output, const std::string& input) {

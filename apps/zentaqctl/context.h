@@ -44,6 +44,8 @@ std::string readInput(const std::string& file);
 void writeOutput(const Context& context, const std::string& file, std::string_view content);
 /// Throws Failure for "-" as the name of a calibration to write.
 void refuseStandardOutput(const std::string& file);
+/// Notes it where a file has the extension of another unit kind than the calibration in it.
+void noteForeignExtension(const Context& context, const UnitKind& kind, const std::string& file);
 /// Throws Failure when the output would take the place of the input, which is of another form.
 void refuseSameFile(const std::string& output, const std::string& input);
 

@@ -11,6 +11,7 @@
 #include "base/rounding.h"
 #include "base/text.h"
 #include "config/gui_rules.h"
+#include "near_names.h"
 #include "tables/table_kind.h"
 #include "unit/gpio_model.h"
 #include "unit/member_index.h"
@@ -392,21 +393,6 @@ std::vector<Member> otherMembers(const UnitKind& kind) {
     addOutputTables(members, kind);
     addShapes(members, kind);
     return members;
-}
-
-/// Single characters to change, insert or leave out on the way from one word to the other.
-int editsBetween(std::string_view from, std::string_view to) {
-    std::vector<int> above(to.size() + 1);
-    for (std::size_t i = 0; i <= to.size(); ++i) above[i] = static_cast<int>(i);
-    for (std::size_t row = 1; row <= from.size(); ++row) {
-        std::vector<int> line(to.size() + 1, static_cast<int>(row));
-        for (std::size_t i = 1; i <= to.size(); ++i) {
-            const int change = above[i - 1] + (from[row - 1] == to[i - 1] ? 0 : 1);
-            line[i] = std::min({change, above[i] + 1, line[i - 1] + 1});
-        }
-        above = std::move(line);
-    }
-    return above.back();
 }
 
 /// A member that a user may have meant, capitals aside; empty for none.

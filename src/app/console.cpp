@@ -1,44 +1,76 @@
 #include "app/console.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <limits>
 
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "base/text.h"
+#include "base/utf8.h"
 
 namespace zentaq {
+
+namespace {
+
+constexpr std::size_t sequenceWidth = 4;
+constexpr std::size_t kindWidth = 1;
+constexpr std::size_t tagWidth = 8;
+constexpr std::size_t timeWidth = 8;
+constexpr ::mode_t logMode = 0644;
+
+[[noreturn]] void refuse(const std::string& path, int reason) {
+    throw FileError("Log file " + path + " cannot be written: " + std::strerror(reason));
+}
+
+/// All bytes, however the system splits them. Answers 0 or the reason of the failure.
+int writeWhole(int file, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ::ssize_t written = ::write(file, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return errno;
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return 0;
+}
+
+}  // namespace
 
 void Console::SysLog(std::string_view kind, std::string_view tag, std::string_view text) {
     if (counter_ == std::numeric_limits<std::int32_t>::max()) throw Overflow();
     ++counter_;
-    const Record record{fixedWidth(formatNumber(counter_, "0000"), 4), fixedWidth(kind, 1),
-                        fixedWidth(tag, 8), fixedWidth(text, textWidth), fixedWidth(clock_.timeText(), 8)};
-    if (text.size() <= textWidth) {
-        writeLine(record, record.text);
+    record_ = {fixedCharacters(formatNumber(counter_, "0000"), sequenceWidth),
+               fixedCharacters(kind, kindWidth), fixedCharacters(tag, tagWidth),
+               fixedCharacters(text, textWidth), fixedCharacters(clock_.timeText(), timeWidth)};
+    const std::size_t length = characterCount(text);
+    if (length <= textWidth) {
+        writeLine(record_.text);
         return;
     }
-    // Kept: with an odd length whose half rounds down, the middle character is in neither line.
-    const auto half = static_cast<std::size_t>(toInt32(static_cast<double>(text.size()) / 2));
-    writeLine(record, text.substr(0, half).substr(0, textWidth));
-    writeLine(record, "   ..." + std::string(text.substr(text.size() - half).substr(0, textWidth)));
+    // kept: with an odd length whose half rounds down, the middle character is in neither line.
+    const auto half = static_cast<std::size_t>(toInt32(static_cast<double>(length) / 2));
+    writeLine(firstCharacters(firstCharacters(text, half), textWidth));
+    writeLine("   ..." + std::string(firstCharacters(lastCharacters(text, half), textWidth)));
 }
 
-void Console::writeLine(const Record& record, std::string_view text) {
-    const std::string line = record.time + " - " + std::string(text);
+void Console::writeLine(std::string_view text) {
+    const std::string line = record_.time + " - " + std::string(text);
     plainLine(line);
     if (logToFile_) append(line);
 }
 
 void Console::append(const std::string& line) const {
     // One open and close for every line, so that a crash loses nothing.
-    std::ofstream file(logFile_, std::ios::app | std::ios::binary);
-    if (file) file << line << '\n';
-    if (file) file.flush();
-    if (!file) throw FileError("Log file " + logFile_ + " cannot be written: " + std::strerror(errno));
+    const int file = ::open(logFile_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, logMode);
+    if (file < 0) refuse(logFile_, errno);
+    const int failure = writeWhole(file, line + "\n");
+    const bool closed = ::close(file) == 0;
+    if (failure != 0) refuse(logFile_, failure);
+    if (!closed) refuse(logFile_, errno);
 }
 
 void Console::plainLine(std::string_view text) {
@@ -48,7 +80,8 @@ void Console::plainLine(std::string_view text) {
 
 bool Console::CommLog(std::string_view text) {
     if (commLines_.size() == commLimit) commLines_.clear();
-    const bool panelDue = commLines_.size() % 5 == 0;
+    constexpr std::size_t panelEvery = 5;
+    const bool panelDue = commLines_.size() % panelEvery == 0;
     commLines_.emplace_back(text);
     ++changes_;
     return panelDue;

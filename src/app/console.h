@@ -11,9 +11,19 @@
 
 namespace zentaq {
 
+/// A log record with its fixed fields; only time and text reach an output.
+struct LogRecord {
+    std::string sequence;  ///< 4 characters: the line counter
+    std::string kind;      ///< 1 character
+    std::string tag;       ///< 8 characters
+    std::string text;      ///< 80 characters
+    std::string time;      ///< 8 characters: hh:mm:ss
+};
+
 class Console {
  public:
-    explicit Console(const Clock& clock) : clock_(clock) {}
+    /// `counter` is the number of lines written before; 0 but for tests of its end.
+    explicit Console(const Clock& clock, std::int32_t counter = 0) : clock_(clock), counter_(counter) {}
 
     /// One system line, or two halves for more than 80 characters. Throws FileError when the log file
     /// cannot be written (the line is on the console by then) and Overflow after 2^31 - 1 lines.
@@ -38,16 +48,14 @@ class Console {
     const std::deque<std::string>& lines() const { return lines_; }
     const std::deque<std::string>& commLines() const { return commLines_; }
     std::uint64_t changes() const { return changes_; }
+    /// The record of the last SysLog; kept: its first three fields are shown nowhere.
+    const LogRecord& lastRecord() const { return record_; }
 
     static constexpr std::size_t textWidth = 80;
     static constexpr std::size_t commLimit = 100;
 
  private:
-    /// A log record with its fixed fields; only time and text reach an output.
-    struct Record {
-        std::string sequence, kind, tag, text, time;
-    };
-    void writeLine(const Record& record, std::string_view text);
+    void writeLine(std::string_view text);
     void append(const std::string& line) const;
 
     const Clock& clock_;
@@ -56,6 +64,7 @@ class Console {
     std::string logFile_;
     bool logToFile_ = false;
     std::int32_t counter_ = 0;
+    LogRecord record_;
     std::uint64_t changes_ = 0;
 };
 

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "app/sensor_matching.h"
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/text.h"
@@ -57,6 +58,7 @@ Release releaseOfProgram() {
 }  // namespace
 
 bool MainCommands::offerToSave() {
+    if (!leaveGeneralConfig()) return false;
     if (!session_.DataModified) return true;
     const Answer answer =
         session_.dialogs().show({"SAVE", "Save changes?", Icon::Question, Buttons::OkCancel});
@@ -85,7 +87,25 @@ bool MainCommands::saveChecked() {
         });
 }
 
+void MainCommands::newCalibration() {
+    if (!leaveGeneralConfig()) return;
+    // Asked whether or not something was changed: the file on the disk may be all there is of this tune.
+    if (session_.header().fileState == "OLD") {
+        const Answer answer = session_.dialogs().show(
+            {"Save Data?", "Would you like to save the Current .BIN file before creating a new one?",
+             Icon::Question, Buttons::YesNo});
+        if (answer == Answer::Yes && !saveCurrent()) return;
+    }
+    session_.header().fileState = "NEW";
+    session_.windows().openGeneralConfig();
+}
+
+bool MainCommands::leaveGeneralConfig() {
+    return session_.windows().closeGeneralConfig();
+}
+
 void MainCommands::open() {
+    if (!leaveGeneralConfig()) return;
     // A save that was wanted and failed ends the command, so that nothing is lost.
     if (!session_.CurrentFile.empty() && !offerToSave()) return;
     while (openOnce() == Next::AskAgain) {
@@ -217,6 +237,8 @@ void MainCommands::finishOpening(const std::string& path) {
     // A unit that was identified before the file came takes changes from now on.
     session_.initializeOnFly(matches && linked.UnitIdentified);
     session_.windows().setupNodes();
+    // Asked with each opening until the sensor stands in the database.
+    skipFailing([&] { matchSensor(session_); });
 }
 
 // Kept: a file of any length loads, and cells behind its end are 0, because older programs wrote fewer. A
@@ -233,11 +255,14 @@ void MainCommands::noteShortFile(const std::string& path) {
 }
 
 void MainCommands::save() {
+    // The file in hand is not the place for a calibration that is being made.
+    if (session_.creating()) return session_.windows().saveGeneralConfig();
     if (session_.CurrentFile.empty()) return;
     saveCurrent();
 }
 
 void MainCommands::saveAs() {
+    if (session_.creating()) return session_.windows().saveGeneralConfig();
     if (session_.currentUnit() == 0) {
         session_.messages.Display_Error(1003);
         return;
@@ -293,6 +318,7 @@ void MainCommands::close() {
 }
 
 void MainCommands::programOrb() {
+    if (!leaveGeneralConfig()) return;
     Messages& messages = session_.messages;
     const int linkedKind = session_.link.linked().LinkedUnitKind;
     if (session_.CurrentFile.empty()) return messages.Display_Error(1003);
@@ -376,6 +402,23 @@ void MainCommands::loadCommand(int code) {
     }
 }
 
+void MainCommands::options() {
+    session_.windows().openOptions(OptionsPage::First);
+}
+
+void MainCommands::dashboardColors() {
+    session_.windows().openOptions(OptionsPage::Monitor);
+}
+
+void MainCommands::sensorManager() {
+    session_.windows().openSensorEditor();
+}
+
+void MainCommands::help() {
+    session_.sysLog("HELP: Opening Help File.");
+    session_.windows().openHelp({});
+}
+
 void MainCommands::dayMode() {
     session_.settings().set("System", "MonitorMode", "1");
     session_.windows().dayMode();
@@ -388,6 +431,8 @@ void MainCommands::nightMode() {
 
 void MainCommands::openTable(const std::string& table, const std::string& title) {
     if (session_.currentUnit() == 0) return session_.messages.Display_Error(1003);
+    // What is entered into a table before its calibration has its default values would be lost with them.
+    if (session_.creating()) return session_.windows().openGeneralConfig();
     // The keys of the menu ask for tables of every kind.
     if (!hasTable(session_.currentUnitObject().kind(), table)) return;
     session_.windows().openTable(table, title);
@@ -395,10 +440,12 @@ void MainCommands::openTable(const std::string& table, const std::string& title)
 
 int MainCommands::treeClick(const std::string& key) {
     constexpr int startPage = 0;
+    constexpr std::string_view generalParameters = "root001";
     if (session_.currentUnit() == 0) return startPage;
     for (const TreeNode& node : treeNodes(session_.currentUnitObject())) {
         if (node.key != key) continue;
         if (!node.table.empty()) openTable(node.table, node.title);
+        if (node.key == generalParameters) session_.windows().openGeneralConfig();
         return node.page;
     }
     return startPage;

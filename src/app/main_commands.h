@@ -15,10 +15,11 @@ class MainCommands {
     explicit MainCommands(Session& session) : session_(session) {}
 
     // ---- The file. All report by boxes and leave the former state on a failure.
-    void open();    ///< mnuOpen
-    void save();    ///< mnuSave: nothing without a current file
-    void saveAs();  ///< mnuSaveAs
-    void close();   ///< mnuClose
+    void newCalibration();  ///< mnuNew
+    void open();            ///< mnuOpen
+    void save();            ///< mnuSave: nothing without a current file
+    void saveAs();          ///< mnuSaveAs
+    void close();           ///< mnuClose
 
     /// Asks "Save changes?" if there are any. False when the user wanted to save and it failed: the caller
     /// then leaves everything as it is.
@@ -36,6 +37,12 @@ class MainCommands {
     int autodetectPort();
     /// 2 starts a monitor session, 3 ends it.
     void loadCommand(int code);
+
+    // ---- Windows of their own
+    void options();          ///< mnuOptions, mnuControlPanel
+    void dashboardColors();  ///< mnuMonitor_ChangeColors: the options' page of the colours
+    void sensorManager();    ///< mnuMAPSensors
+    void help();             ///< mnuHelpContents
 
     // ---- The display
     void dayMode();
@@ -57,6 +64,8 @@ class MainCommands {
     void finishOpening(const std::string& path);
     void noteShortFile(const std::string& path);
     void repairOldFields();
+    /// Ends the form of the general parameters. False: it holds a new calibration that the user keeps.
+    bool leaveGeneralConfig();
     /// Saves to the current file, one of the older generation under a new name. False when that failed or was
     /// cancelled.
     bool saveCurrent();

@@ -21,6 +21,11 @@ bool fileNamed(const Session& session) {
     return !session.CurrentFile.empty();
 }
 
+/// A new calibration gets its file by the same command.
+bool savable(const Session& session) {
+    return fileNamed(session) || session.creating();
+}
+
 bool unitOnLink(const Session& session) {
     return session.link.linked().LinkedUnitKind != 0 && !session.link.TransferActive();
 }
@@ -51,9 +56,9 @@ constexpr auto noHandler = nullptr;
 
 constexpr std::array menus{
     MenuEntry{"mnuFile", "&File", "", "", always},
-    MenuEntry{"mnuNew", "Create a New Calibration File", "mnuFile", "Ctrl+N", later},
+    MenuEntry{"mnuNew", "Create a New Calibration File", "mnuFile", "Ctrl+N", always},
     MenuEntry{"mnuOpen", "Open an Existing Calibration File", "mnuFile", "Ctrl+O", always},
-    MenuEntry{"mnuSave", "Save", "mnuFile", "Ctrl+S", fileNamed},
+    MenuEntry{"mnuSave", "Save", "mnuFile", "Ctrl+S", savable},
     MenuEntry{"mnuSaveAs", "Save As", "mnuFile", "Ctrl+Shift+S", fileInHand},
     MenuEntry{"mnuConvertBINFile", "Convert BIN File", "mnuFile", "", always},
     MenuEntry{"mnuConvertORBA", "ORB A", "mnuConvertBINFile", "", noHandler},
@@ -82,9 +87,10 @@ constexpr std::array menus{
     MenuEntry{"mnuORB_ClearCodes", "Clear Error Codes", "mnuTools", "", unitOnLink},
     MenuEntry{"mnuMonitor_DayMode", "Day Mode", "mnuTools", "F7", always},
     MenuEntry{"mnuMonitor_NightMode", "Night Mode", "mnuTools", "F8", always},
-    MenuEntry{"mnuMonitor_ChangeColors", "Change DashBoard Colors", "mnuTools", "", later},
-    MenuEntry{"mnuOptions", "Options...", "mnuTools", "", later},
-    MenuEntry{"mnuControlPanel", "Control Panel", "mnuTools", "", later},
+    MenuEntry{"mnuMonitor_ChangeColors", "Change DashBoard Colors", "mnuTools", "", always},
+    MenuEntry{"mnuMAPSensors", "MAP Sensor Manager...", "mnuTools", "", always},
+    MenuEntry{"mnuOptions", "Options...", "mnuTools", "Ctrl+,", always},
+    MenuEntry{"mnuControlPanel", "Control Panel", "mnuTools", "", always},
     MenuEntry{"mnuFirmwareUpgrade", "Firmware Upgrade", "mnuTools", "", later},
 
     MenuEntry{"mnuWindow", "&Window", "", "", always},
@@ -94,7 +100,7 @@ constexpr std::array menus{
     MenuEntry{"mnuEGOTbl", "&EGO Table", "mnuWindow", "Ctrl+4", hasRatio},
 
     MenuEntry{"mnuHelp", "&Help", "", "", always},
-    MenuEntry{"mnuHelpContents", "Contents...", "mnuHelp", "F1", later},
+    MenuEntry{"mnuHelpContents", "Contents...", "mnuHelp", "F1", always},
     MenuEntry{"mnuFastHelp", "Fast Help (Press F2)", "mnuHelp", "F2", always},
     MenuEntry{"mnuAbout", "About Zentaq", "mnuHelp", "", always},
 

@@ -136,9 +136,9 @@ bool isPassingKeyCode(std::string_view value) {
 void Messages::Display_Error(int code) {
     const Numbered* row = find(errors, code);
     if (row == nullptr) return;
-    sysLog_(row->log);
     dialogs_.show({std::string(row->title), std::string(row->title) + ":\n" + std::string(row->text),
                    row->icon, Buttons::Ok});
+    sysLog_(row->log);
 }
 
 void Messages::warn(const std::string& title, const std::string& text, std::string_view logLine) {
@@ -156,8 +156,8 @@ void Messages::Display_Warning(int code, std::string_view text) {
 void Messages::Display_Message(int code, std::string_view text) {
     const Numbered* row = find(messages, code);
     if (row == nullptr) return;
-    if (!row->log.empty()) sysLog_(filled(row->log, text));
     dialogs_.show({std::string(row->title), filled(row->text, text), row->icon, Buttons::Ok});
+    if (!row->log.empty()) sysLog_(filled(row->log, text));
 }
 
 bool Messages::Check_Input(int code, std::string_view value) {
@@ -176,18 +176,29 @@ bool Messages::Check_Input(int code, std::string_view value) {
             Display_Warning(1005);
             return true;
         case 1004:
-            return trimmed(value).empty();  // the field marks itself; no box
+            return checkAndMark(value);
         default:
             return false;
     }
+}
+
+bool Messages::checkAndMark(std::string_view value) {
+    if (!SilentEdit) mark("Modified");
+    if (!trimmed(value).empty()) return false;
+    mark("Invalid Entry");
+    return true;
+}
+
+void Messages::mark(std::string_view state) const {
+    if (markField_) markField_(state);
 }
 
 bool Messages::Check_Range(float value, float minimum, float maximum, std::string_view rangeText) {
     if (value <= maximum && value >= minimum) return false;
     Display_Warning(1001, rangeText);
     sysLog_(rangeText);
-    // The range text names both limits.
-    sysLog_("Invalid Entry: " + numberText(value) + " -> " + std::string(rangeText));
+    sysLog_("Invalid Entry: " + numberText(value) + " -> " + numberText(minimum) + " to " +
+            numberText(maximum));
     return true;
 }
 

@@ -5,7 +5,6 @@
 #include <functional>
 #include <string>
 #include <string_view>
-
 #include <vector>
 
 #include "app/console.h"
@@ -27,7 +26,10 @@ class Messages {
     void Display_Message(int code, std::string_view text = {});
 
     // The checks answer true when the input was refused and the user has been told.
+
+    /// Codes 1000 (a number), 1002 (not ".,"), 1003 (not empty) and 1004 (marks the field, no box).
     bool Check_Input(int code, std::string_view value);
+    /// Both limits are inside. A refusal is told by warning 1001 and then by two lines of the log.
     bool Check_Range(float value, float minimum, float maximum, std::string_view rangeText);
     /// Fields of an axis from left to right; `index` is the one just entered.
     bool Check_Ascending(const std::vector<std::string>& fields, int index);
@@ -35,12 +37,20 @@ class Messages {
     /// The form that gets the focus back after a warning: "frmConfig", "frmGeneralConfig" or "frmTABLE".
     std::string ActiveFormName = "frmConfig";
 
+    /// While a program fills a field nobody has edited it: check 1004 raises no "Modified" then.
+    bool SilentEdit = false;
+    /// How check 1004 marks the field of the active form: "Modified", or "Invalid Entry" for a blank one.
+    void onMark(std::function<void(std::string_view)> markField) { markField_ = std::move(markField); }
+
  private:
+    bool checkAndMark(std::string_view value);
+    void mark(std::string_view state) const;
     void warn(const std::string& title, const std::string& text, std::string_view logLine);
 
     Dialogs& dialogs_;
     std::function<void(std::string_view)> sysLog_;
     std::function<void(const std::string&)> focusForm_;
+    std::function<void(std::string_view)> markField_;
 };
 
 }  // namespace zentaq

@@ -208,7 +208,8 @@ void Session::displayMessage(int code) {
 }
 
 void Session::initializeOnFly(bool on) {
-    currentUnitObject().ONFLY_MODE(on);
+    // What is entered for a calibration that is being made must not reach the running engine.
+    currentUnitObject().ONFLY_MODE(on && !creating());
     windows_->onFlyChanged(on && currentUnitObject().ONFLY_MODE());
 }
 

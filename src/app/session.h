@@ -62,6 +62,8 @@ class Session : public UnitHost, public LinkHost {
     bool hasUnit(int slot) const;
     float CurrentUnit() const { return header_.currentUnit; }
     void CurrentUnit(float kind) { header_.currentUnit = kind; }
+    /// A new calibration is being made, and no file holds it yet.
+    bool creating() const { return header_.fileState == "NEW"; }
 
     // ---- State of the process
     std::string AppName = "Zentaq4";
@@ -74,6 +76,7 @@ class Session : public UnitHost, public LinkHost {
     int FileFilterIndex = 1;
     std::string LogFile;
     std::string DatabaseFile;
+    std::string HelpFile;
     int TableColorMode = 0;
     bool zeroAdvance = false;
     std::array<int, slotCount> FW_ReleaseTable{};

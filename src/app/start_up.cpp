@@ -1,10 +1,12 @@
 #include "app/start_up.h"
 
+#include <algorithm>
+#include <array>
 #include <chrono>
 #include <filesystem>
 #include <random>
 
-#include "base/errors.h"
+#include "app/settings_keys.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "base/text.h"
@@ -26,54 +28,69 @@ constexpr std::array expectedFirmware{
     ExpectedFirmware{6, 3, 99}, ExpectedFirmware{7, 5, 99}, ExpectedFirmware{8, 5, 99},
 };
 
+double drawFromTimeOfDay() {
+    const auto now = std::chrono::system_clock::now().time_since_epoch() / std::chrono::microseconds(1);
+    std::minstd_rand random(static_cast<unsigned>(now));
+    return std::uniform_real_distribution<double>(0, 1)(random);
+}
+
+/// Major, minor and revision, each without blanks.
+std::string versionText() {
+    std::string text;
+    for (const std::string& part : split(ZENTAQ_VERSION, '.')) {
+        text += (text.empty() ? "" : ".") + std::string(trimmed(part));
+    }
+    return text;
+}
+
+/// The reason at the end of a failure's text: a line of the log is short, and the file has one place only.
+std::string reasonBehind(const std::string& path, const std::string& failure) {
+    const auto at = failure.find(path + ": ");
+    return at == std::string::npos ? failure : failure.substr(at + path.size() + 2);
+}
+
 }  // namespace
 
-bool Kernel::onByPolicy(const char* key) const {
-    bool on = true;
-    skipFailing([&] { on = session_.settingNumber(key) == 1; });
-    return on;
+bool firstInstance(const SingleInstance& instance, Dialogs& dialogs) {
+    if (!instance.anotherRuns()) return true;
+    dialogs.show({"Zentaq4", "Zentaq4 already running!  Program will now close.", Icon::None, Buttons::Ok});
+    return false;
+}
+
+int tipNumber(double random, int count) {
+    if (count < 1) return 0;
+    const auto drawn = static_cast<int>(truncate(random * count + 1));
+    return std::clamp(drawn, 1, count);
 }
 
 void Kernel::load() {
     WindowSet& windows = session_.windows();
-    skipFailing([&] { windows.showMain(); });
-    skipFailing([&] { windows.enableToolbar(false); });
-    session_.AppName = "Zentaq4";
+    resumeNext_.statement([&] { windows.showMain(); });
+    resumeNext_.statement([&] { windows.enableToolbar(false); });
+    session_.AppName = settings::application;
     session_.StartingUp = 1;
-    skipFailing([&] { windows.splash("Setting Up Environment"); });
+    resumeNext_.statement([&] { windows.splash("Setting Up Environment"); });
     setUpEnvironment();
-    skipFailing([&] { windows.splash("Initializing Console"); });
+    resumeNext_.statement([&] { windows.splash("Initializing Console"); });
     startConsole();
-    skipFailing([&] { windows.splash("Initializing Database"); });
+    resumeNext_.statement([&] { windows.splash("Initializing Database"); });
     openDatabase();
-    skipFailing([&] { windows.showConfig(); });
+    resumeNext_.statement([&] { windows.showConfig(); });
     writeBanner();
-    skipFailing([&] { windows.splash("Program Activated"); });
-    skipFailing([&] { windows.enableToolbar(true); });
-    session_.StartingUp = 0;
-    skipFailing([&] { windows.showLink(); });
-    skipFailing([&] { session_.link.load(); });
-    skipFailing([&] { session_.platform().ticker.start(); });
-    skipFailing([&] { windows.showDashboard(); });
-    skipFailing([&] { session_.link.ORB_Initialize(); });
-    skipFailing([&] { session_.TableColorMode = toInt16(session_.settingNumber("TableColor")); });
-    skipFailing([&] { windows.showCommList(onByPolicy("CommDialog")); });
-    skipFailing([&] { windows.focusForm("frmConfig"); });
-    showTip();
-    if (onByPolicy("FileOpen")) skipFailing([&] { commands_.open(); });
+    resumeNext_.statement([&] { windows.splash("Program Activated"); });
+    activate();
 }
 
 void Kernel::setUpEnvironment() {
-    WindowSet& windows = session_.windows();
-    skipFailing([&] {
-        session_.link.commPort(toInt16(numberOf(session_.settings().get("System", "CommPort", "1"))));
+    resumeNext_.statement([&] {
+        const std::string port = session_.settings().get(settings::system, settings::CommPort, "1");
+        session_.link.commPort(toInt16(numberOf(port)));
     });
-    session_.VersionText = ZENTAQ_VERSION;
-    skipFailing([&] { session_.makeUnits(); });
-    skipFailing([&] { windows.makeGraphPools(); });
-    session_.Monitoring = false;
-    session_.AutoMonitoring = false;
-    session_.CurrentFile.clear();
+    resumeNext_.statement([&] { session_.VersionText = versionText(); });
+    resumeNext_.statement([&] { session_.makeUnits(); });
+    resumeNext_.statement([&] { session_.windows().makeGraphPools(); });
+    clearRunState();
+    resumeNext_.statement([&] { session_.HelpFile = session_.applicationFolder() + "/support/MAIN.hlp"; });
     session_.FileFilterIndex = 1;
     for (const ExpectedFirmware& row : expectedFirmware) {
         session_.FW_ReleaseTable[static_cast<std::size_t>(row.slot)] = row.release;
@@ -81,61 +98,109 @@ void Kernel::setUpEnvironment() {
     }
 }
 
+void Kernel::clearRunState() {
+    session_.Monitoring = false;
+    session_.AutoMonitoring = false;
+    session_.DataModified = false;
+    session_.zeroAdvance = false;
+    session_.CurrentFile.clear();
+    session_.CurrentUnit(0);
+}
+
 void Kernel::startConsole() {
-    session_.LogFile = session_.applicationFolder() + "/zentaq.log";
+    resumeNext_.statement([&] { session_.LogFile = session_.applicationFolder() + "/zentaq.log"; });
     session_.console.logFile(session_.LogFile);
-    // Also when the setting was never written: the log is on until a user turns it off.
-    if (!onByPolicy("AutoLog")) return;
-    skipFailing([&] { std::filesystem::remove(session_.LogFile); });
-    session_.console.LogToFile(true);
+    resumeNext_.guarded([&] { return readsOne(settings::AutoLog); },
+                        [&] {
+                            // The log holds one run only.
+                            resumeNext_.statement([&] { std::filesystem::remove(session_.LogFile); });
+                            session_.console.LogToFile(true);
+                        });
 }
 
 void Kernel::openDatabase() {
-    session_.DatabaseFile = session_.applicationFolder() + "/bin/data/zentaq410-02.pak";
-    // kept: a database that is missing stops nothing and is not logged; it shows itself with the first query
-    // that fails.
-    skipFailing([&] { session_.database = Database::open(session_.DatabaseFile); });
+    resumeNext_.statement(
+        [&] { session_.DatabaseFile = session_.applicationFolder() + "/bin/data/zentaq410-02.pak"; });
+    // kept: a database that does not open stops nothing; each later query fails on its own. The log says why.
+    endOnFailure([&] { session_.database = Database::open(session_.DatabaseFile); },
+                 [&](const std::string& why) {
+                     report("No reference database: " + reasonBehind(session_.DatabaseFile, why));
+                 });
+}
+
+void Kernel::report(const std::string& trouble) {
+    if (!bannerStands_) {
+        early_.push_back(trouble);
+        return;
+    }
+    resumeNext_.statement([&] { session_.sysLog(trouble); });
 }
 
 void Kernel::writeBanner() {
-    skipFailing([&] { session_.console.plainLine(ruler); });
-    skipFailing([&] { session_.sysLog("Norvalia Zentaq Engine Management Software"); });
-    skipFailing([&] { session_.sysLog("v" + session_.VersionText); });
-    skipFailing([&] { session_.console.plainLine(ruler); });
-    skipFailing([&] { session_.console.plainLine(""); });
-    skipFailing([&] { session_.sysLog(session_.platform().clock.dateText()); });
-    skipFailing([&] { session_.sysLog("Program Initialized on " + systemText()); });
-    skipFailing([&] { session_.sysLog("COMM: Listening on Port #" + numberText(session_.link.commPort())); });
-    skipFailing([&] { session_.sysLog("User Interface Initialized."); });
+    resumeNext_.statement([&] { session_.console.plainLine(ruler); });
+    resumeNext_.statement([&] { session_.sysLog("Norvalia Zentaq Engine Management Software"); });
+    resumeNext_.statement([&] { session_.sysLog("v" + session_.VersionText); });
+    resumeNext_.statement([&] { session_.console.plainLine(ruler); });
+    resumeNext_.statement([&] { session_.console.plainLine(""); });
+    resumeNext_.statement([&] { session_.sysLog(session_.platform().clock.dateText()); });
+    resumeNext_.statement([&] { session_.sysLog("Program Initialized on " + systemText()); });
+    resumeNext_.statement(
+        [&] { session_.sysLog("COMM: Listening on Port #" + numberText(session_.link.commPort())); });
+    resumeNext_.statement([&] { session_.sysLog("User Interface Initialized."); });
+    bannerStands_ = true;
+    for (const std::string& trouble : early_) report(trouble);
+    early_.clear();
+}
+
+void Kernel::activate() {
+    WindowSet& windows = session_.windows();
+    resumeNext_.statement([&] { windows.enableToolbar(true); });
+    session_.StartingUp = 0;
+    showLinkAndDashboard();
+    resumeNext_.statement(
+        [&] { session_.TableColorMode = toInt16(session_.settingNumber(settings::TableColor)); });
+    resumeNext_.guarded([&] { return readsOne(settings::CommDialog); }, [&] { windows.showCommList(true); },
+                        [&] { windows.showCommList(false); });
+    resumeNext_.statement([&] { windows.focusForm("frmConfig"); });
+    resumeNext_.statement([&] { showTip(); });
+    resumeNext_.guarded([&] { return readsOne(settings::FileOpen); }, [&] { commands_.open(); });
+}
+
+void Kernel::showLinkAndDashboard() {
+    resumeNext_.statement([&] { session_.windows().showLink(); });
+    resumeNext_.statement([&] { session_.link.load(); });
+    resumeNext_.statement([&] { session_.platform().ticker.start(); });
+    resumeNext_.statement([&] { session_.windows().showDashboard(); });
+    // kept: loading the link opens the port, and loading the dashboard opens it once more, with its own
+    // lines.
+    resumeNext_.statement([&] { session_.link.ORB_Initialize(); });
 }
 
 void Kernel::showTip() {
-    skipFailing([&] {
-        if (!session_.database) return;
-        const auto tips = session_.database->tips();
-        if (tips.empty()) return;
-        std::mt19937 random(static_cast<unsigned>(std::chrono::system_clock::now().time_since_epoch() /
-                                                  std::chrono::milliseconds(1)));
-        std::uniform_int_distribution<std::size_t> draw(0, tips.size() - 1);
-        session_.windows().showTip(tips[draw(random)]);
-    });
+    if (!session_.database) return;
+    const auto count = static_cast<int>(session_.database->tips().size());
+    const int number = tipNumber(drawFromTimeOfDay(), count);
+    if (number > 0) session_.windows().showTip(session_.database->tip(number));
 }
 
 bool Kernel::System_Shutdown(bool confirmed) {
+    if (ended_) return true;
     session_.sysLog("System Shutdown Requested.");
     if (!confirmed) {
         const Answer answer = session_.dialogs().show(
             {"Shutdown", "Would you like to Shutdown Zentaq?", Icon::Question, Buttons::OkCancel});
         if (answer != Answer::Ok) return false;
+        // Also on this way out: the user's work must not be lost because a menu was used for leaving.
         if (!commands_.offerToSave()) return false;
     }
+    ended_ = true;
     session_.Monitoring = false;
     session_.AutoMonitoring = false;
     skipFailing([&] { session_.windows().killTimers(); });
     skipFailing([&] { session_.link.RS232_Close(); });
     skipFailing([&] { session_.link.unload(); });
-    session_.platform().ticker.stop();
-    session_.sysLog("System Shutdown!");
+    skipFailing([&] { session_.platform().ticker.stop(); });
+    skipFailing([&] { session_.sysLog("System Shutdown!"); });
     skipFailing([&] { session_.windows().closeMain(); });
     return true;
 }

@@ -7,6 +7,9 @@
 
 namespace zentaq {
 
+/// Where frmOptions opens.
+enum class OptionsPage { First, Monitor };
+
 class WindowSet {
  public:
     virtual ~WindowSet() = default;
@@ -37,6 +40,28 @@ class WindowSet {
         (void)title;
     }
     virtual void showUnit() {}  ///< forms read the unit's values again
+
+    // ---- Windows of their own; a second call brings the open one to the front
+    virtual void openGeneralConfig() {}  ///< frmGeneralConfig
+    /// Another calibration takes its place. False: the user keeps the new one that it holds.
+    virtual bool closeGeneralConfig() { return true; }
+    virtual void saveGeneralConfig() {}                ///< its key "Save"
+    virtual void openSensorEditor() {}                 ///< frmEditMAPSensors
+    virtual void openOptions(OptionsPage) {}           ///< frmOptions
+    virtual void openHelp(const std::string& topic) {  ///< the user guide; empty: its contents
+        (void)topic;
+    }
+
+    // ---- Options
+    virtual void temperaturesChanged() {}  ///< windows that show temperatures read them again
+    virtual void updateRateChanged() {}    ///< the dashboard's timer takes the setting ADUR
+    virtual void clearTableColours() {}    ///< the grid of an open table gets a white background
+    virtual void dashboardColours(const std::string& lights, const std::string& needle) {
+        (void)lights;
+        (void)needle;
+    }
+    virtual void initializeRecorderRows() {}  ///< the recorder's graphs take the chosen data points
+    virtual void sensorsChanged() {}          ///< lists of MAP sensors are filled again
 
     // ---- Live
     virtual void dayMode() {}

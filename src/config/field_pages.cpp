@@ -225,7 +225,7 @@ constexpr std::array rows{
     fact(20, "lblINJ_Reset", "INJ_Reset"),
     fact(20, "lblPHDSEQ", "PHDSEQ", {.needs = "INJ_Mode"}),
     fact(20, "lblEngine_Type", "Engine_Type"),
-    box(20, "txtUAP", "scale1", {.caption = "Maximum Controllable PulseWidth"}),
+    box(20, "txtUAP", "scale1", {.caption = "Maximum Controllable PulseWidth", .help = "helptog"}),
     box(20, "txtTOG", "RPM_Size",
         {.caption = "Time for One Gama (TOG)", .needs = "scale1", .help = "helptog"}),
     box(20, "txtPOT", "INJ_On", {.caption = "Injector Offset Time (IOT)", .help = "helptiot"}),
@@ -321,7 +321,7 @@ constexpr std::array rows{
     box(36, "txtIDLE_ADVHI", "IS_RTD"),
     // EGO Calibration
     choice(38, "EGO_Type", "EGO_Type"),
-    choice(38, "optFuelAFR", "AFR", {.needs = "Y"}),
+    choice(38, "optFuelAFR", "AFR", {.needs = "Y", .help = "helpfuelratio"}),
     box(38, "EGO_Volts", "X", {.axis = FieldAxis::Number}),
     box(38, "EGO_AFRatio", "Y", {.axis = FieldAxis::Number}),
 };

@@ -2,10 +2,15 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 #include <string_view>
 #include <utility>
 
+#include "base/errors.h"
+#include "base/number_text.h"
 #include "base/rounding.h"
+#include "base/text.h"
+#include "refdata/schema.h"
 #include "unit/legacy_sensor.h"
 #include "unit/temperature.h"
 
@@ -14,7 +19,6 @@ namespace zentaq {
 namespace {
 
 constexpr int axisCells = 16;
-constexpr int ignitionOnlyKind = 5;
 constexpr double kpaOfOneBarSensor = 104;  ///< a sensor of rating 1 reads up to here
 
 /// One atmosphere in a pressure unit, and where the unit's zero lies: the values of the unit's sensor words.
@@ -64,9 +68,6 @@ struct Load {
     constexpr Load(const char* from, const char* into) : set(from), member(into) {}
 };
 
-/// Tables of the engine, behind their axes. The AFR table is loaded apart.
-constexpr Load tables[] = {"ADV", "VE", "SPW"};
-
 /// The order matters: `MAP_Active` opens the range of `DCCL_3`, and the duty cells are filled by the
 /// members that use them before they are set.
 constexpr Load scalars[] = {"Initial_Advance",
@@ -89,6 +90,7 @@ constexpr Load scalars[] = {"Initial_Advance",
                             "ASE1",
                             "FPT",
                             "MT",
+                            "SCALE2",
                             "MAP_Active",
                             "DCCL_CutActive",
                             "DCCL_0",
@@ -140,6 +142,34 @@ constexpr Load scalarsBehindBits[] = {"opt_IdleSpeed", "NEGPGAIN",    "POSPGAIN"
                                       "MAFMax",        "SPLITBL",     "BARO_ADV",
                                       "FuelTrim",      "INJTRIM"};
 
+/// The sets of table Defaults as one unit kind sees them: its own version of a set, or else the plain one.
+class KindDefaults {
+ public:
+    KindDefaults(const Database& database, const UnitKind& kind)
+        : database_(database), suffix_(refdata::defaultsSuffix(kind.slot)) {
+        for (const std::string& name : database.defaultsSets()) names_.insert(upper(name));
+    }
+
+    /// Throws Failure when there is neither.
+    std::vector<float> of(std::string_view set) const {
+        const std::string own = std::string(set) + std::string(suffix_);
+        return database_.defaults(names_.contains(upper(own)) ? own : set);
+    }
+    /// Throws Failure as well when the set has another number of values.
+    std::vector<float> of(std::string_view set, std::size_t count) const {
+        std::vector<float> values = of(set);
+        if (values.size() == count) return values;
+        throw Failure("Set " + std::string(set) + " of table Defaults has " +
+                      numberText(static_cast<double>(values.size())) + " values, not " +
+                      numberText(static_cast<double>(count)));
+    }
+
+ private:
+    const Database& database_;
+    std::string_view suffix_;
+    std::set<std::string> names_;
+};
+
 /// Fills members one by one and remembers who refused. On-the-fly changes rest meanwhile.
 class Filler {
  public:
@@ -153,9 +183,9 @@ class Filler {
         if (!unit_.has(member)) return;
         if (!unit_.set(member, value, element)) refused_.emplace_back(member);
     }
-    void put(const Database& database, const Load& load) {
+    void put(const KindDefaults& defaults, const Load& load) {
         if (!unit_.has(load.member)) return;
-        const std::vector<float> values = database.defaults(load.set);
+        const std::vector<float> values = defaults.of(load.set);
         for (std::size_t i = 0; i < values.size(); ++i) {
             put(load.member, inMembersUnit(load.holds, values[i]), static_cast<int>(i));
         }
@@ -192,14 +222,14 @@ void putFigures(Filler& filler, const EngineFigures& figures) {
     filler.put("INJ_FlowRate", figures.injectorFlow);
 }
 
-void putCurves(Filler& filler, Unit& unit, const Database& database, bool raceCam) {
-    filler.put(database, "BLDTBL");
-    filler.put(database, {raceCam ? "LOWBLD_RACE" : "LOWBLD_STREET", "LOWBLD"});
-    filler.put(database, {"BATCOM", "BATCom"});
-    filler.put(database, "CHKTBL");
-    filler.put(database, "MATENH");
-    filler.put(database, "CLTTBL");
-    filler.put(database, {unit.kind().slot == ignitionOnlyKind ? "MATADV_PZK2" : "MATADV", "MATADV"});
+void putCurves(Filler& filler, const KindDefaults& defaults, bool raceCam) {
+    filler.put(defaults, "BLDTBL");
+    filler.put(defaults, {raceCam ? "LOWBLD_RACE" : "LOWBLD_STREET", "LOWBLD"});
+    filler.put(defaults, {"BATCOM", "BATCom"});
+    filler.put(defaults, "CHKTBL");
+    filler.put(defaults, "MATENH");
+    filler.put(defaults, "CLTTBL");
+    filler.put(defaults, "MATADV");
 }
 
 void putShape(Unit& unit, const EngineFigures& figures) {
@@ -237,26 +267,121 @@ void putStops(Filler& filler, Unit& unit) {
     }
 }
 
-/// The set and the cells stand on the same base of 14.7, whatever the fuel.
-void putRatios(Unit& unit, const Database& database) {
-    const Parameter* table = unit.find("Get_AFR");
-    if (table == nullptr) return;
-    const std::vector<float> ratios = database.defaults("AFR");
-    for (std::size_t i = 0; i < ratios.size(); ++i) {
-        unit.AssignDirectIndex(ratios[i], table->cell(static_cast<int>(i)));
+/// Where a value lies on an axis, in cells and parts of a cell; values beyond the ends lie on the ends.
+double placeOn(const std::vector<float>& axis, double value) {
+    if (value <= axis.front()) return 0;
+    for (std::size_t i = 1; i < axis.size(); ++i) {
+        if (value > axis[i]) continue;
+        const double below = axis[i - 1];
+        return static_cast<double>(i) - 1 + (value - below) / (static_cast<double>(axis[i]) - below);
     }
+    return static_cast<double>(axis.size() - 1);
 }
 
+/// The value at a place between two cells, which lie `stride` apart.
+double between(const std::vector<float>& values, std::size_t first, std::size_t stride, double place) {
+    const auto low = static_cast<std::size_t>(place);
+    const double part = place - static_cast<double>(low);
+    const double lower = values[first + low * stride];
+    return part == 0 ? lower : lower + part * (values[first + (low + 1) * stride] - lower);
+}
+
+/// The engine tables of the defaults stand on axes of their own. A new calibration has other ones, up to its
+/// rev limit and its boost, so its cells are read between the cells of the defaults. Beyond the atmosphere
+/// the boost curves take timing off and add fuel.
+class EngineTables {
+ public:
+    EngineTables(Unit& unit, const KindDefaults& defaults)
+        : unit_(unit),
+          defaults_(defaults),
+          speeds_(defaults.of("RPMTBL", cells)),
+          pressures_(defaults.of("MAPTBL", cells)),
+          boosts_(defaults.of("BOOST", boostCells)) {}
+
+    void put(Filler& filler) const {
+        if (unit_.has("ADV")) putAdvance(filler);
+        if (unit_.has("VE")) putEfficiency(filler);
+        putRatios();
+    }
+
+ private:
+    static constexpr std::size_t cells = axisCells;
+    static constexpr std::size_t tableCells = cells * cells;
+    static constexpr std::size_t boostCells = 8;
+
+    void putAdvance(Filler& filler) const {
+        const auto table = defaults_.of("ADV", tableCells);
+        const auto retard = defaults_.of("BOOST_RTD", boostCells);
+        const double least = defaults_.of("BOOST_ADV", 1).front();
+        eachCell([&](int cell, double rpm, double kpa) {
+            const double advance = at(table, rpm, kpa);
+            const double retarded = std::max(advance - ofBoost(retard, kpa, 0), least);
+            constexpr double stepsInADegree = 2;
+            filler.put("ADV", roundHalfEven(std::min(advance, retarded) * stepsInADegree) / stepsInADegree,
+                       cell);
+        });
+    }
+    void putEfficiency(Filler& filler) const {
+        const auto table = defaults_.of("VE", tableCells);
+        const auto more = defaults_.of("BOOST_VE", boostCells);
+        eachCell([&](int cell, double rpm, double kpa) {
+            filler.put("VE", roundHalfEven(at(table, rpm, kpa) + ofBoost(more, kpa, 0)), cell);
+        });
+    }
+    /// The set and the cells stand on the same base of 14.7, whatever the fuel.
+    void putRatios() const {
+        const Parameter* row = unit_.find("Get_AFR");
+        if (row == nullptr) return;
+        const auto table = defaults_.of("AFR", tableCells);
+        const auto leanest = defaults_.of("BOOST_AFR", boostCells);
+        eachCell([&](int cell, double rpm, double kpa) {
+            const double ratio = at(table, rpm, kpa);
+            const double value = roundTo(std::min(ratio, ofBoost(leanest, kpa, ratio)), 1);
+            unit_.AssignDirectIndex(static_cast<float>(value), row->cell(cell));
+        });
+    }
+
+    template <typename Put>
+    void eachCell(Put&& put) const {
+        for (int row = 0; row < axisCells; ++row) {
+            // An air flow in percent is a load as the pressure in kPa is: 100 is all that the engine takes.
+            const double kpa = toKpa(unit_, unit_.get("MAPTBL", row));
+            for (int column = 0; column < axisCells; ++column) {
+                put(row * axisCells + column, static_cast<double>(unit_.get("RPMTBL", column)), kpa);
+            }
+        }
+    }
+    double at(const std::vector<float>& table, double rpm, double kpa) const {
+        const double row = placeOn(pressures_, kpa);
+        const double column = placeOn(speeds_, rpm);
+        const auto low = static_cast<std::size_t>(row);
+        const double lower = between(table, low * cells, 1, column);
+        if (row == static_cast<double>(low)) return lower;
+        return lower +
+               (row - static_cast<double>(low)) * (between(table, (low + 1) * cells, 1, column) - lower);
+    }
+    double ofBoost(const std::vector<float>& curve, double kpa, double withoutBoost) const {
+        const double boost = kpa - pressureUnits.front().atmosphere;
+        return boost > 0 ? between(curve, 0, 1, placeOn(boosts_, boost)) : withoutBoost;
+    }
+
+    Unit& unit_;
+    const KindDefaults& defaults_;
+    std::vector<float> speeds_;
+    std::vector<float> pressures_;
+    std::vector<float> boosts_;
+};
+
 /// Only the set bits are stored: `DCCL_CutActive` and `opt_NoFuelCut` have theirs in the same byte.
-void putControlBits(Unit& unit, const Database& database) {
-    const std::vector<float> bits = database.defaults("Set_Control");
+void putControlBits(Unit& unit, const KindDefaults& defaults) {
+    const std::vector<float> bits = defaults.of("Set_Control");
     for (std::size_t bit = 0; bit < bits.size(); ++bit) {
         if (bits[bit] != 0) unit.Set_Control(static_cast<int>(bit), true);
     }
 }
 
-void putPins(Unit& unit, const Database& database) {
-    const std::vector<float> functions = database.defaults("GPIO_Func");
+void putPins(Unit& unit, const KindDefaults& defaults) {
+    const std::vector<float> functions = defaults.of("GPIO_Func");
     const int pins = std::min(static_cast<int>(functions.size()), unit.kind().numGpio + 1);
     for (int pin = 0; pin < pins; ++pin) {
         unit.Set_GPIO_Func(pin, toInt16(functions[static_cast<std::size_t>(pin)]));
@@ -316,22 +441,33 @@ RefusedMembers chooseSensor(Unit& unit, const MapSensorRow& sensor) {
     return filler.refused();
 }
 
+EngineFigures startingFigures(const Database& database, const UnitKind& kind) {
+    const KindDefaults defaults(database, kind);
+    EngineFigures figures;
+    figures.revLimit = defaults.of("REV_Limiter", 1).front();
+    figures.fullScalePulse = defaults.of("scale1", 1).front();
+    figures.openingTime = defaults.of("INJ_On", 1).front();
+    figures.injectors = defaults.of("INJ_Number", 1).front();
+    return figures;
+}
+
 RefusedMembers loadDefaults(Unit& unit, const Database& database, const EngineFigures& figures) {
     unit.host().sysLog("Loading Default BIN File Values...");
+    const KindDefaults defaults(database, unit.kind());
     Filler filler(unit);
     putFigures(filler, figures);
-    if (const auto ratio = database.defaults("AFR_Stoich"); !ratio.empty()) filler.put("AFR", ratio.front());
-    putCurves(filler, unit, database, figures.raceCam);
+    filler.put(defaults, {"AFR_Stoich", "AFR"});
+    putCurves(filler, defaults, figures.raceCam);
     putShape(unit, figures);
     putAxes(filler, unit, figures);
-    for (const Load& table : tables) filler.put(database, table);
-    putRatios(unit, database);
+    EngineTables(unit, defaults).put(filler);
+    filler.put(defaults, "SPW");
     putStops(filler, unit);
-    for (const Load& scalar : scalars) filler.put(database, scalar);
-    putControlBits(unit, database);
-    for (const Load& scalar : scalarsBehindBits) filler.put(database, scalar);
-    putPins(unit, database);
-    filler.put(database, "BARO_TRIM");
+    for (const Load& scalar : scalars) filler.put(defaults, scalar);
+    putControlBits(unit, defaults);
+    for (const Load& scalar : scalarsBehindBits) filler.put(defaults, scalar);
+    putPins(unit, defaults);
+    filler.put(defaults, "BARO_TRIM");
     unit.host().addToLastLine("SUCCESS!");
     return filler.refused();
 }
@@ -350,9 +486,13 @@ std::vector<float> newPressureAxis(Unit& unit, float maxBoost, int count) {
     const auto full = static_cast<float>(in.atmosphere - in.zero + maxBoost);
     const float top = flow ? unit.MAPMax() : std::min(full, unit.MAPMax());
     const double topVolts = unit.pressureToVolts(top);
+    // Many sensors have volts left for less than nothing: no engine gets there.
+    const auto vacuum = static_cast<float>(-in.zero);
+    const double bottomVolts = !flow && unit.MAPMin() < vacuum ? unit.pressureToVolts(vacuum) : 0;
     std::vector<float> axis;
     for (int i = 1; i <= count; ++i) {
-        const float pressure = unit.voltsToPressure(static_cast<float>(topVolts * i / count));
+        const double volts = bottomVolts + (topVolts - bottomVolts) * i / count;
+        const float pressure = unit.voltsToPressure(static_cast<float>(volts));
         axis.push_back(std::clamp(pressure, unit.MAPMin(), unit.MAPMax()));
     }
     return axis;

@@ -38,12 +38,19 @@ RefusedMembers chooseEngine(Unit& unit, const EngineRow& engine);
 /// Copies a row of the sensor list into the calibration, and the sensor's rating in bar (`MAP_BAR`).
 RefusedMembers chooseSensor(Unit& unit, const MapSensorRow& sensor);
 
-/// Stores the figures and loads the sets of table Defaults. The engine and the sensor must have been
-/// chosen: limits depend on them. Nothing is sent to a unit. Throws Failure when the database lacks a set.
+/// What to offer before the tuner types anything: rev limit, full scale pulse, opening time and number of
+/// injectors from table Defaults, as the kind has them. Throws Failure when the database lacks one.
+EngineFigures startingFigures(const Database& database, const UnitKind& kind);
+
+/// Stores the figures and loads the sets of table Defaults, each in the version of the unit's kind if there
+/// is one. The tables of the engine are read at the new axes; above the atmosphere they are retarded and
+/// enriched. The engine and the sensor must have been chosen: limits depend on them. Nothing is sent to a
+/// unit. Throws Failure when the database lacks a set, or a table or axis of it is not whole.
 RefusedMembers loadDefaults(Unit& unit, const Database& database, const EngineFigures& figures);
 
 /// The axes that a new calibration gets: equal steps up to the rev limit, and equal steps of sensor volts
-/// up to the atmosphere plus the boost. `count` values, ascending.
+/// from 0 volts, or from the volts of no pressure at all, up to the atmosphere plus the boost. `count`
+/// values, ascending.
 std::vector<float> newSpeedAxis(float revLimit, int count);
 std::vector<float> newPressureAxis(Unit& unit, float maxBoost, int count);
 

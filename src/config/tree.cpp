@@ -101,10 +101,11 @@ constexpr std::array nodeHelps{
     NodeHelp{"child82", "helpcltadv"},  NodeHelp{"child83", "helpsplit"},  NodeHelp{"child84", "helpmatadv"},
     NodeHelp{"child85", "helpinitadv"}, NodeHelp{"child86", "helpbaro"},   NodeHelp{"child87", "helpmaf"},
     NodeHelp{"child90", "helpego"},     NodeHelp{"child91", "helpegocal"}, NodeHelp{"root00", "helpadv"},
-    NodeHelp{"root001", "helpengine"},  NodeHelp{"root01", "helpafr"},     NodeHelp{"root02", "helpve"},
-    NodeHelp{"root03", "helpspw"},      NodeHelp{"root05", "helprevl"},    NodeHelp{"root06", "helpidle"},
-    NodeHelp{"root07", "helpgpio"},     NodeHelp{"root10", "helpknock"},   NodeHelp{"root11", "helptrims"},
-    NodeHelp{"root12", "helpnotes"},
+    NodeHelp{"root000", "helpcalib"},   NodeHelp{"root001", "helpengine"}, NodeHelp{"root01", "helpafr"},
+    NodeHelp{"root02", "helpve"},       NodeHelp{"root03", "helpspw"},     NodeHelp{"root04", "helpfuel"},
+    NodeHelp{"root05", "helprevl"},     NodeHelp{"root06", "helpidle"},    NodeHelp{"root07", "helpgpio"},
+    NodeHelp{"root09", "helpsensors"},  NodeHelp{"root10", "helpknock"},   NodeHelp{"root11", "helptrims"},
+    NodeHelp{"root12", "helpnotes"},    NodeHelp{"root999", "helpadvpar"},
 };
 
 std::string helpOf(std::string_view node) {

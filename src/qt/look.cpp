@@ -5,9 +5,10 @@
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QPalette>
-#include <QStyleFactory>
 #include <QVariant>
 #include <algorithm>
+
+#include "qt/outlined_style.h"
 
 namespace zentaq {
 
@@ -113,7 +114,7 @@ QColor receiveLampColor() {
 
 void applyLook(QApplication& application, DisplayMode mode) {
     if (!application.property(modeProperty).isValid()) {
-        QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+        QApplication::setStyle(new OutlinedStyle);  // the application takes it over
         QApplication::setFont(baseFont());
     } else if (appliedLook(application) == mode) {
         return;

@@ -1,5 +1,10 @@
 #include "qt/qt_settings.h"
 
+#include <filesystem>
+#include <utility>
+
+#include "app/settings_keys.h"
+
 namespace zentaq {
 
 namespace {
@@ -8,17 +13,48 @@ QString pathOfKey(const std::string& section, const std::string& key) {
     return QString::fromStdString(section) + u'/' + QString::fromStdString(key);
 }
 
+QString nameOfStore() {
+    return QString::fromLatin1(settings::application);
+}
+
 }  // namespace
 
 QtSettings::QtSettings()
-    : settings_(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("Zentaq4"),
-                QStringLiteral("Zentaq4")) {
+    : settings_(QSettings::IniFormat, QSettings::UserScope, nameOfStore(), nameOfStore()) {
     // A store of all users would make one user's missing value another's choice.
     settings_.setFallbacksEnabled(false);
+    checkFile();
 }
 
 QtSettings::QtSettings(const std::string& path)
-    : settings_(QString::fromStdString(path), QSettings::IniFormat) {}
+    : settings_(QString::fromStdString(path), QSettings::IniFormat) {
+    checkFile();
+}
+
+bool QtSettings::opens(QFile::OpenMode mode) const {
+    return QFile(settings_.fileName()).open(mode);
+}
+
+void QtSettings::checkFile() {
+    const bool exists = QFile::exists(settings_.fileName());
+    settings_.allKeys();  // sections are read when they are asked for, and only then found damaged
+    if (settings_.status() == QSettings::FormatError) {
+        // The next value written replaces the file, so what a user could still read out of it is kept.
+        std::error_code failed;
+        std::filesystem::copy_file(path(), path() + ".damaged",
+                                   std::filesystem::copy_options::overwrite_existing, failed);
+        trouble("Settings file " + path() + " is damaged; what can be read of it is used.");
+        return;
+    }
+    if (settings_.status() == QSettings::AccessError || (exists && !opens(QFile::ReadOnly))) {
+        trouble("Settings file " + path() + " cannot be read; the program starts as newly installed.");
+        return;
+    }
+    if (exists && !opens(QFile::ReadWrite)) {
+        trouble("Settings file " + path() + " is write-protected; changed settings last for this run.");
+        writeFailed_ = true;
+    }
+}
 
 std::string QtSettings::get(const std::string& section, const std::string& key,
                             const std::string& fallback) const {
@@ -32,6 +68,22 @@ std::string QtSettings::get(const std::string& section, const std::string& key,
 void QtSettings::set(const std::string& section, const std::string& key, const std::string& value) {
     settings_.setValue(pathOfKey(section, key), QString::fromStdString(value));
     settings_.sync();
+    if (settings_.status() != QSettings::AccessError || writeFailed_) return;
+    writeFailed_ = true;
+    trouble("Settings file " + path() + " cannot be written; changed settings last for this run.");
+}
+
+void QtSettings::onTrouble(std::function<void(const std::string&)> report) {
+    report_ = std::move(report);
+    for (const std::string& what : std::exchange(untold_, {})) trouble(what);
+}
+
+void QtSettings::trouble(const std::string& what) {
+    if (report_) {
+        report_(what);
+    } else {
+        untold_.push_back(what);
+    }
 }
 
 }  // namespace zentaq

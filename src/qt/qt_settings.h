@@ -1,7 +1,12 @@
 // The per-user settings store: one file of the user's configuration folder, texts by section and key.
+// A file that is damaged or cannot be written stops nothing: values last for the run and the trouble is told.
 #pragma once
 
+#include <QFile>
 #include <QSettings>
+#include <functional>
+#include <string>
+#include <vector>
 
 #include "platform/settings_store.h"
 
@@ -16,12 +21,23 @@ class QtSettings : public SettingsStore {
 
     std::string get(const std::string& section, const std::string& key,
                     const std::string& fallback = {}) const override;
+    /// On the disk when it returns, unless the file cannot be written.
     void set(const std::string& section, const std::string& key, const std::string& value) override;
 
     std::string path() const { return settings_.fileName().toStdString(); }
 
+    /// Called once for each trouble with a sentence for the log; at once for what is known already.
+    void onTrouble(std::function<void(const std::string&)> report);
+
  private:
+    void checkFile();
+    bool opens(QFile::OpenMode mode) const;
+    void trouble(const std::string& what);
+
     QSettings settings_;
+    std::function<void(const std::string&)> report_;
+    std::vector<std::string> untold_;
+    bool writeFailed_ = false;
 };
 
 }  // namespace zentaq

@@ -1,6 +1,8 @@
 #include "refdata/database.h"
 
 #include <SQLiteCpp/SQLiteCpp.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -15,10 +17,22 @@
 
 namespace zentaq {
 
+namespace {
+
+/// Table Defaults as it was last read. Its table is wide and each new calibration asks for a hundred sets.
+struct DefaultsRead {
+    int version = 0;  ///< of the file's content; 0: nothing read yet
+    std::vector<std::string> names;
+    std::vector<std::vector<float>> sets;  ///< by name, empty cells left out
+};
+
+}  // namespace
+
 struct Database::Handle {
     std::string path;
     bool readOnly = false;
     SQLite::Database file;
+    DefaultsRead defaults;
 };
 
 namespace {
@@ -26,14 +40,28 @@ namespace {
 namespace fs = std::filesystem;
 
 // Long enough for another program's short write, short enough not to be seen by the user.
-constexpr int busyTimeoutMs = 200;
-constexpr int sqliteBusy = 5;
-constexpr int sqliteLocked = 6;
+constexpr int busyTimeoutMs = 150;
+
+/// Result codes of the database library, which keeps them for good.
+namespace sqlite_code {
+constexpr int error = 1;
+constexpr int busy = 5;
+constexpr int locked = 6;
+constexpr int corrupt = 11;
+constexpr int noDatabase = 26;
+}  // namespace sqlite_code
 
 std::string reasonOf(const SQLite::Exception& failure) {
-    const int code = failure.getErrorCode();
-    if (code == sqliteBusy || code == sqliteLocked) return "it is in use by another program";
-    return failure.what();
+    switch (failure.getErrorCode()) {
+        case sqlite_code::busy:
+        case sqlite_code::locked:
+            return "it is in use by another program";
+        case sqlite_code::corrupt:
+        case sqlite_code::noDatabase:
+            return "the file is damaged (" + std::string(failure.what()) + ")";
+        default:
+            return failure.what();
+    }
 }
 
 /// Runs a piece of work on the file; what the database layer throws comes out as a Failure.
@@ -53,7 +81,8 @@ auto guarded(const std::string& path, Work&& work) {
 void requireDatabaseFile(const std::string& path) {
     std::error_code failed;
     const fs::file_status status = fs::status(path, failed);
-    if (!fs::exists(status)) refuse(path, "the file is missing");
+    if (status.type() == fs::file_type::not_found) refuse(path, "the file is missing");
+    if (failed) refuse(path, "the file cannot be read (" + failed.message() + ")");
     if (!fs::is_regular_file(status)) refuse(path, "it is not a file");
     constexpr std::string_view mark("SQLite format 3\0", 16);
     std::ifstream file(path, std::ios::binary);
@@ -63,13 +92,14 @@ void requireDatabaseFile(const std::string& path) {
     if (!file || head != mark) refuse(path, "the file is not a database");
 }
 
-// The permission bits are asked, not the system: an administrator may write any file, yet a
-// file marked as write-protected shall stay as it is.
+// An administrator may write any file, yet a file marked as write-protected shall stay as it is; and a file
+// that others may write may still be closed to this user.
 bool writeProtected(const std::string& path) {
     std::error_code failed;
     const fs::perms all = fs::status(path, failed).permissions();
     constexpr fs::perms anyWrite = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
-    return failed || (all & anyWrite) == fs::perms::none;
+    if (failed || (all & anyWrite) == fs::perms::none) return true;
+    return ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0;
 }
 
 SQLite::Database openFile(const std::string& path, bool readOnly) {
@@ -189,6 +219,31 @@ int change(SQLite::Database& file, const char* sql, const Values&... values) {
     return statement.exec();
 }
 
+/// A number that changes when another program has changed the file. Fails as a query does.
+int contentVersion(const SQLite::Database& file) {
+    SQLite::Statement query(file, "PRAGMA data_version");
+    return query.executeStep() ? query.getColumn(0).getInt() : 0;
+}
+
+void readDefaults(const SQLite::Database& file, DefaultsRead& read) {
+    const int version = contentVersion(file);
+    if (version != 0 && version == read.version) return;
+    DefaultsRead fresh;
+    SQLite::Statement query(file, "SELECT * FROM Defaults ORDER BY rowid");
+    const int columns = query.getColumnCount();
+    for (int column = 0; column < columns; ++column) fresh.names.emplace_back(query.getColumnName(column));
+    fresh.sets.resize(fresh.names.size());
+    while (query.executeStep()) {
+        for (int column = 0; column < columns; ++column) {
+            if (query.isColumnNull(column)) continue;
+            fresh.sets[static_cast<std::size_t>(column)].push_back(
+                static_cast<float>(query.getColumn(column).getDouble()));
+        }
+    }
+    fresh.version = version;
+    read = std::move(fresh);
+}
+
 // A 32-bit 0.05295 is a hair below it; its plain decimal form is what the user and the seed tables mean.
 double plainNumber(float value) {
     return numberOf(numberText(value));
@@ -220,14 +275,15 @@ Database Database::open(const std::string& path) {
     requireDatabaseFile(path);
     const bool readOnly = writeProtected(path);
     try {
-        auto handle = std::unique_ptr<Handle>(new Handle{path, readOnly, openFile(path, readOnly)});
+        auto handle = std::unique_ptr<Handle>(new Handle{path, readOnly, openFile(path, readOnly), {}});
         requireWhole(handle->file, path);
         requireSchema(handle->file, path);
         return Database(std::move(handle));
     } catch (const SQLite::Exception& failure) {
-        const int code = failure.getErrorCode();
-        const bool busy = code == sqliteBusy || code == sqliteLocked;
-        refuse(path, busy ? reasonOf(failure) : "the file is damaged (" + std::string(failure.what()) + ")");
+        // What the library finds to be wrong while it opens a file, it finds in the file.
+        const bool spoilt = failure.getErrorCode() == sqlite_code::error;
+        refuse(path,
+               spoilt ? "the file is damaged (" + std::string(failure.what()) + ")" : reasonOf(failure));
     }
 }
 
@@ -238,14 +294,14 @@ bool Database::readOnly() const {
 std::optional<EngineRow> Database::engine(int kind, int optType) const {
     return guarded(handle_->path, [&] {
         return firstRow(handle_->file, "SELECT * FROM Engines WHERE OrbUnit = ? AND OptType = ?", readEngine,
-                        kind, optType);
+                        refdata::engineKindOfSlot(kind), optType);
     });
 }
 
 std::optional<EngineRow> Database::engineByName(std::string_view displayValue, int kind) const {
     return guarded(handle_->path, [&] {
         return firstRow(handle_->file, "SELECT * FROM Engines WHERE DisplayValue = ? AND OrbUnit = ?",
-                        readEngine, displayValue, kind);
+                        readEngine, displayValue, refdata::engineKindOfSlot(kind));
     });
 }
 
@@ -254,7 +310,7 @@ std::vector<EngineRow> Database::engines(int kind, int variant) const {
         return rows(handle_->file,
                     "SELECT * FROM Engines WHERE OrbUnit = ? AND (OrbSubType = 0 OR OrbSubType = ?) "
                     "ORDER BY DisplayValue",
-                    readEngine, kind, variant);
+                    readEngine, refdata::engineKindOfSlot(kind), variant);
     });
 }
 
@@ -323,24 +379,17 @@ bool Database::deleteMapSensor(std::string_view description) {
 }
 
 std::vector<std::string> Database::defaultsSets() const {
-    return guarded(handle_->path, [&] { return columnsOf(handle_->file, "Defaults"); });
+    guarded(handle_->path, [&] { readDefaults(handle_->file, handle_->defaults); });
+    return handle_->defaults.names;
 }
 
 std::vector<float> Database::defaults(std::string_view set) const {
-    // A column's name cannot be bound, so only a name that the table itself gave goes into the query.
-    const std::vector<std::string> sets = defaultsSets();
-    const auto column = std::find_if(sets.begin(), sets.end(),
-                                     [&](const std::string& name) { return upper(name) == upper(set); });
-    if (column == sets.end()) throw Failure("Table Defaults has no set " + std::string(set));
-    return guarded(handle_->path, [&] {
-        SQLite::Statement query(handle_->file, "SELECT \"" + *column + "\" FROM Defaults ORDER BY rowid");
-        std::vector<float> values;
-        while (query.executeStep()) {
-            if (query.isColumnNull(0)) continue;
-            values.push_back(static_cast<float>(query.getColumn(0).getDouble()));
-        }
-        return values;
-    });
+    guarded(handle_->path, [&] { readDefaults(handle_->file, handle_->defaults); });
+    const std::vector<std::string>& names = handle_->defaults.names;
+    const std::string wanted = upper(set);
+    const auto column = std::ranges::find(names, wanted, [](const std::string& name) { return upper(name); });
+    if (column == names.end()) throw Failure("Table Defaults has no set " + std::string(set));
+    return handle_->defaults.sets[static_cast<std::size_t>(column - names.begin())];
 }
 
 std::optional<HelpRow> Database::help(std::string_view key) const {

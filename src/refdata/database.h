@@ -74,7 +74,7 @@ class Database {
     // A query that the file cannot answer throws Failure. A file locked by another program for
     // longer than a fifth of a second counts as such: no call waits longer.
 
-    /// The engine of an option number.
+    /// The engine of an option number. Here and below slot 8 stands for its fellow, kind 7.
     std::optional<EngineRow> engine(int kind, int optType) const;
     std::optional<EngineRow> engineByName(std::string_view displayValue, int kind) const;
     /// The engines to choose from for a variant, by name: those for all variants and those for this one.

@@ -1,5 +1,6 @@
 #include "refdata/schema.h"
 
+#include <algorithm>
 #include <array>
 
 #include "base/errors.h"
@@ -21,6 +22,13 @@ constexpr auto sets = std::to_array<DefaultsSet>({
     {"AFR", 256, 9.8, 29.28},
     {"RPMTBL", 16, 0, 20000, true},
     {"MAPTBL", 16, minimumKpa, maximumKpa, true},
+    {"ADV_PZK2", 256, 0, 60},
+    // What boost does to them, over kPa above the atmosphere.
+    {"BOOST", 8, 0, 900, true},
+    {"BOOST_RTD", 8, 0, 60},
+    {"BOOST_AFR", 8, 9.8, 14.7},
+    {"BOOST_VE", 8, 0, 50},
+    {"BOOST_ADV", 1, 0, 60},
     // Curves.
     {"BLDTBL", 8, 0, 12000, true},
     {"LOWBLD_STREET", 8, 0, 100},
@@ -38,19 +46,35 @@ constexpr auto sets = std::to_array<DefaultsSet>({
     {"Y", 10, 0, 29.28},
     {"ISTMP", 3, -30, 80, true},
     {"ISRPM", 3, 500, 2000},
+    {"ISRPM_ORBL", 3, 500, 2000},
+    {"ISRPM_ORBC", 3, 500, 2000},
+    {"ISRPM_ORBD", 3, 500, 2000},
     {"FuelTrim", 8, -15, 15},
     {"INJTRIM", 8, -15, 15},
     {"Set_Control", 8, 0, 1},
-    {"GPIO_Func", 8, 0, 25},
+    // One function a pin, so each kind has its own number of them.
+    {"GPIO_Func", 8, 0, 29},
+    {"GPIO_Func_ORBL", 9, 0, 29},
+    {"GPIO_Func_PZK2", 4, 0, 29},
+    {"GPIO_Func_ORBC", 13, 0, 29},
+    {"GPIO_Func_ORBD", 7, 0, 29},
     // What the General Configuration page offers before the tuner types anything.
     {"REV_Limiter", 1, 1000, 20000},
+    {"REV_Limiter_ORBL", 1, 1000, 20000},
+    {"REV_Limiter_PZK2", 1, 1000, 20000},
+    {"REV_Limiter_ORBC", 1, 1000, 20000},
+    {"REV_Limiter_ORBD", 1, 1000, 20000},
     {"scale1", 1, 3, 30},
+    {"SCALE2", 1, 3, 30},
     {"INJ_On", 1, -15, 15},
     {"INJ_Number", 1, 1, 24},
+    {"INJ_Number_ORBC", 1, 1, 24},
     {"MT", 1, 0, 5},
     {"AFR_Stoich", 1, 1, 14.7},
     // Ignition.
     {"Initial_Advance", 1, 0, 30},
+    {"Initial_Advance_PZK2", 1, 0, 30},
+    {"Initial_Advance_ORBC", 1, 0, 30},
     {"KNK_MIN", 1, 2, 100},
     {"KNK_ATK", 1, 0.25, 10},
     {"KNK_DCY", 1, 0.25, 5},
@@ -79,7 +103,9 @@ constexpr auto sets = std::to_array<DefaultsSet>({
     {"DCCL_CutActive", 1, 0, 1},
     {"MAP_Active", 1, 0, 1},
     {"DCCL_0", 1, 0, 3900},
+    {"DCCL_0_ORBD", 1, 0, 3900},
     {"DCCL_1", 1, 0, 3900},
+    {"DCCL_1_ORBD", 1, 0, 3900},
     {"DCCL_3", 1, minimumKpa, maximumKpa},
     {"DCCL_4", 1, 0, 150},
     {"MAP_Max", 1, 0, maximumKpa},
@@ -93,6 +119,7 @@ constexpr auto sets = std::to_array<DefaultsSet>({
     {"EGO_MAP", 1, minimumKpa, maximumKpa},
     {"EGO_TMP", 1, 0, 80},
     {"EGO_RPML", 1, 0, 11000},
+    {"EGO_RPML_ORBD", 1, 0, 11000},
     {"EGO_HighVoltage", 1, 0, 5},
     {"EGO_LowVoltage", 1, 0, 5},
     {"EGO_Type", 1, 1, 2},
@@ -105,11 +132,15 @@ constexpr auto sets = std::to_array<DefaultsSet>({
     {"OVR2THR", 1, 0, 250},
     {"REV_Hysteresis", 1, 0, 250},
     {"REV_AuxLimiter", 1, 1000, 20000},
+    {"REV_AuxLimiter_ORBL", 1, 1000, 20000},
+    {"REV_AuxLimiter_PZK2", 1, 1000, 20000},
+    {"REV_AuxLimiter_ORBC", 1, 1000, 20000},
     {"REV_Limit_Approach", 1, 0, 1000},
     {"CYL_OvrThr", 1, 0, 1000},
     {"CYL_CutDly", 1, 0, 250},
     // Idle.
     {"opt_IdleSpeed", 1, 0, 1},
+    {"opt_IdleSpeed_ORBC", 1, 0, 1},
     {"NEGPGAIN", 1, 1, 255},
     {"POSPGAIN", 1, 1, 255},
     {"NEGDGAIN", 1, 1, 255},
@@ -140,6 +171,18 @@ constexpr auto sets = std::to_array<DefaultsSet>({
     {"MAT_Default", 1, -30, 80},
     {"MAFMax", 1, 2000, 20000},
 });
+
+struct KindSuffix {
+    int slot;
+    std::string_view suffix;
+};
+constexpr auto kindSuffixes =
+    std::to_array<KindSuffix>({{4, "_ORBL"}, {5, "_PZK2"}, {6, "_ORBC"}, {7, "_ORBD"}, {8, "_ORBD"}});
+
+struct SharedEngines {
+    int slot, kind;
+};
+constexpr auto sharedEngines = std::to_array<SharedEngines>({{8, 7}});
 
 Column text(std::string name) {
     return {std::move(name), ColumnType::Text};
@@ -233,6 +276,16 @@ std::vector<Table> makeTables() {
 
 std::span<const DefaultsSet> defaultsSets() {
     return sets;
+}
+
+std::string_view defaultsSuffix(int slot) {
+    const auto found = std::ranges::find(kindSuffixes, slot, &KindSuffix::slot);
+    return found == kindSuffixes.end() ? std::string_view{} : found->suffix;
+}
+
+int engineKindOfSlot(int slot) {
+    const auto found = std::ranges::find(sharedEngines, slot, &SharedEngines::slot);
+    return found == sharedEngines.end() ? slot : found->kind;
 }
 
 const std::vector<Table>& tables() {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <optional>
 #include <set>
 
 #include "base/number_text.h"
@@ -57,46 +58,141 @@ class Once {
     std::map<std::string, int> seen_;
 };
 
-// Tach pulses in one turn of the crank, by the high nibble of P2EgTp; 0 for a code that units do not know.
-int tachPulses(int code) {
-    constexpr std::array<std::pair<int, int>, 5> pulsesOfCode{{{14, 1}, {2, 2}, {8, 3}, {3, 4}, {10, 6}}};
+// Tach pulses in one turn of the crank, by the high nibble of P2EgTp; nothing for a code that no unit knows.
+// With code 0 a unit puts no pulses out.
+std::optional<int> tachPulses(int code) {
+    constexpr std::array<std::pair<int, int>, 6> pulsesOfCode{
+        {{0, 0}, {14, 1}, {2, 2}, {8, 3}, {3, 4}, {10, 6}}};
     for (const auto& [known, pulses] : pulsesOfCode) {
         if (known == code) return pulses;
     }
-    return 0;
+    return std::nullopt;
+}
+
+// There is no tach code for 5 pulses a turn: engines of five and ten cylinders have no tach output.
+constexpr int ignitionsWithoutTach = 5;
+
+/// The lower nibble of P1EgTp, how the coils are wired.
+namespace layout {
+constexpr int distributor = 1;
+constexpr int wasted = 2;
+constexpr int coilPerPlug = 3;
+constexpr int oddFire = 4;
+constexpr int rotary = 5;
+constexpr int dualWasted = 6;
+constexpr int dualCoilPerPlug = 7;
+}  // namespace layout
+
+/// The lower nibble of P2EgTp, how the events are spaced.
+namespace spacing {
+constexpr int even = 1;
+constexpr int odd = 2;
+constexpr int rotary = 3;
+}  // namespace spacing
+
+/// Coil outputs that an engine needs, by the layout of its coils; 0 for a layout that no unit knows.
+int coilsOf(int wiring, int cylinders, int ignitions) {
+    switch (wiring) {
+        case layout::distributor:
+            return 1;
+        case layout::wasted:
+            return ignitions;
+        case layout::coilPerPlug:
+        case layout::oddFire:
+        case layout::dualWasted:
+            return cylinders;
+        case layout::rotary:
+        case layout::dualCoilPerPlug:
+            return 2 * cylinders;
+        default:
+            return 0;
+    }
+}
+
+/// Coil outputs of a unit. Only the larger variants of the ORB A, 6/12 and AR, have more than eight.
+struct CoilOutputs {
+    int kind, smallest, largest;
+};
+constexpr std::array<CoilOutputs, 5> coilOutputs{{{3, 8, 12}, {4, 8, 8}, {5, 4, 4}, {6, 6, 6}, {7, 4, 4}}};
+constexpr int firstLargeVariant = 2;
+
+const CoilOutputs* coilOutputsOf(int kind) {
+    const auto found = std::ranges::find(coilOutputs, kind, &CoilOutputs::kind);
+    return found == coilOutputs.end() ? nullptr : &*found;
 }
 
 void checkIdentity(const SeedTable& seed, const SeedRow& row) {
-    constexpr std::array kinds{3, 4, 5, 6, 7};
     const int kind = seed.integer(row, "OrbUnit");
-    if (std::find(kinds.begin(), kinds.end(), kind) == kinds.end()) {
+    if (coilOutputsOf(kind) == nullptr) {
         seed.fail(row.line, "OrbUnit " + to_string(kind) + " is no unit kind with calibration files");
     }
-    within(seed, row, "OrbSubType", 0, kind == 3 ? 3 : 0);
+    constexpr int kindWithVariants = 3;
+    within(seed, row, "OrbSubType", 0, kind == kindWithVariants ? 3 : 0);
     within(seed, row, "OptType", 1, 255);
     filled(seed, row, "DisplayValue");
+}
+
+void checkCoils(const SeedTable& seed, const SeedRow& row, int cylinders, int ignitions) {
+    const int code = within(seed, row, "P1EgTp", 1, 255);
+    const int wiring = code % 16;
+    const int needed = coilsOf(wiring, cylinders, ignitions);
+    if (needed == 0) seed.fail(row.line, "P1EgTp has no layout of 1 to 7 in its low nibble");
+    if (code / 16 != needed) {
+        seed.fail(row.line, "P1EgTp counts " + to_string(code / 16) + " coil outputs, the engine needs " +
+                                to_string(needed));
+    }
+    const CoilOutputs& unit = *coilOutputsOf(seed.integer(row, "OrbUnit"));
+    const int outputs = seed.integer(row, "OrbSubType") >= firstLargeVariant ? unit.largest : unit.smallest;
+    if (needed > outputs) seed.fail(row.line, "the unit has only " + to_string(outputs) + " coil outputs");
+    const bool rotary = seed.integer(row, "Stroke") == 1;
+    if ((wiring == layout::rotary) != rotary) {
+        seed.fail(row.line, "layout 5 of P1EgTp and Stroke 1, rotary, go together");
+    }
+    const bool dualPlug = wiring >= layout::rotary;
+    if (dualPlug != (within(seed, row, "EditDFUB", 0, 1) == 1)) {
+        seed.fail(row.line, "EditDFUB must be 1 for the layouts with two plugs, 5 to 7, and for no other");
+    }
+    const int split = within(seed, row, "DefaultSplit", 0, 30);
+    if (!dualPlug && split != 0) seed.fail(row.line, "DefaultSplit needs an engine with dual plugs");
+}
+
+void checkOffsets(const SeedTable& seed, const SeedRow& row) {
+    const int low = within(seed, row, "MinOffset", 1, 58);
+    const int high = within(seed, row, "MaxOffset", low, 58);
+    const int primary = within(seed, row, "Offset_A", low, high);
+    const int apart = within(seed, row, "Offset_B", primary, 58) - primary;
+    if (high + apart > 58) {
+        seed.fail(row.line, "MaxOffset leaves no room on the wheel for the second bank");
+    }
+    const int type = seed.integer(row, "P2EgTp") % 16;
+    const int fits = seed.integer(row, "Stroke") == 1 ? spacing::rotary
+                     : apart != 0                     ? spacing::odd
+                                                      : spacing::even;
+    if (type != fits) {
+        seed.fail(row.line, "P2EgTp must have engine type " + to_string(fits) + " in its low nibble, not " +
+                                to_string(type));
+    }
+}
+
+// With an odd number of cylinders every coil fires once a turn: half the cylinders is no whole number.
+int ignitionsOf(int cylinders, bool rotary) {
+    return rotary || cylinders % 2 != 0 ? cylinders : cylinders / 2;
 }
 
 void checkIgnition(const SeedTable& seed, const SeedRow& row) {
     const int cylinders = within(seed, row, "Cylinders", 1, 15);
     const bool rotary = within(seed, row, "Stroke", 0, 1) == 1;
     const int ignitions = within(seed, row, "IGNRev", 1, 8);
-    if (ignitions != (rotary ? cylinders : cylinders / 2)) {
+    if (ignitions != ignitionsOf(cylinders, rotary)) {
         seed.fail(row.line, "IGNRev does not agree with Cylinders");
     }
-    within(seed, row, "P1EgTp", 1, 255);
-    const int tach = tachPulses(within(seed, row, "P2EgTp", 0, 255) / 16);
-    if (tach == 0) seed.fail(row.line, "P2EgTp has no tach code of 14, 2, 8, 3 or 10 in its high nibble");
-    if (tach != ignitions) seed.fail(row.line, "the tach code of P2EgTp does not agree with IGNRev");
-
-    const int low = within(seed, row, "MinOffset", 1, 58);
-    const int high = within(seed, row, "MaxOffset", low, 58);
-    const int primary = within(seed, row, "Offset_A", low, high);
-    within(seed, row, "Offset_B", primary, 58);
-
-    const bool dualPlug = within(seed, row, "EditDFUB", 0, 1) == 1;
-    const int split = within(seed, row, "DefaultSplit", 0, 30);
-    if (!dualPlug && split != 0) seed.fail(row.line, "DefaultSplit needs an engine with dual plugs");
+    const auto tach = tachPulses(within(seed, row, "P2EgTp", 0, 255) / 16);
+    if (!tach) seed.fail(row.line, "P2EgTp has no tach code of 0, 14, 2, 8, 3 or 10 in its high nibble");
+    if (*tach != (ignitions == ignitionsWithoutTach ? 0 : ignitions)) {
+        seed.fail(row.line, "the tach code of P2EgTp does not agree with IGNRev");
+    }
+    checkCoils(seed, row, cylinders, ignitions);
+    checkOffsets(seed, row);
 }
 
 void checkInjection(const SeedTable& seed, const SeedRow& row) {
@@ -123,10 +219,37 @@ void checkInjection(const SeedTable& seed, const SeedRow& row) {
 
 }  // namespace
 
+namespace {
+
+/// An option number stands for one engine, whatever the kind: a tuner who moves a calibration to another
+/// unit finds the same engine there, and the ORB D reads rows of the ORB L. Only the name may differ, where a
+/// unit drives no injectors, and who sees the row.
+class OneMeaning {
+ public:
+    explicit OneMeaning(const SeedTable& seed) : seed_(seed) {}
+    void add(const SeedRow& row) {
+        const auto [place, fresh] = first_.try_emplace(seed_.integer(row, "OptType"), &row);
+        if (fresh) return;
+        for (const std::string& column : seed_.columns()) {
+            if (column == "OrbUnit" || column == "OrbSubType" || column == "DisplayValue") continue;
+            if (seed_.integer(row, column) == seed_.integer(*place->second, column)) continue;
+            seed_.fail(row.line, column + " differs from the engine of the same option in line " +
+                                     to_string(place->second->line));
+        }
+    }
+
+ private:
+    const SeedTable& seed_;
+    std::map<int, const SeedRow*> first_;
+};
+
+}  // namespace
+
 void checkEngines(const SeedTable& engines) {
     checkHeader(engines, table("Engines"));
     Once options(engines, "option");
     Once names(engines, "engine");
+    OneMeaning meaning(engines);
     for (const SeedRow& row : engines.rows()) {
         checkIdentity(engines, row);
         checkIgnition(engines, row);
@@ -134,6 +257,7 @@ void checkEngines(const SeedTable& engines) {
         const std::string kind = "of kind " + engines.text(row, "OrbUnit");
         options.add(row, engines.text(row, "OptType") + " " + kind);
         names.add(row, upper(engines.text(row, "DisplayValue")) + " " + kind);
+        meaning.add(row);
     }
 }
 

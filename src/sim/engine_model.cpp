@@ -114,6 +114,10 @@ void addIdleAndOutputs(LiveValues& live, double age, double spin) {
     live.gpio[2] = live.rpm > 5500 ? 255 : 0;     // shift light
     live.gpio[3] = 51 * live.tpsVolts;            // throttle as an analog input
     live.gpio[4] = 128 + 40 * wave(age, 0.05);    // a slow analog input
+    // What the larger kinds have besides: analog inputs, each with a pace of its own.
+    for (std::size_t pin = 5; pin < 13; ++pin) {
+        live.gpio[pin] = 128 + 100 * wave(age, 0.01 * static_cast<double>(pin));
+    }
 }
 
 }  // namespace

@@ -14,6 +14,8 @@ const Bytes accepted{'A', 'X'};
 const Bytes refused{'A', 'R'};
 const Bytes verified{'P', 'N'};
 
+constexpr std::uint8_t carriageReturn = '\r';
+constexpr std::uint8_t lineFeed = '\n';
 constexpr std::uint8_t timingZero = 0xFF;
 constexpr std::uint8_t timingRestored = 0x00;
 constexpr std::uint8_t noCode = 0xFF;
@@ -22,6 +24,7 @@ constexpr int lampRows = 6;
 constexpr double logSecondsPerRecord = 0.1;
 // The high byte of an engine speed above 21000 rpm, which no real record can hold.
 constexpr std::uint8_t endOfLogMark = 0xFF;
+constexpr std::size_t optionByte = 18;
 
 void append(Bytes& target, const Bytes& more) {
     target.insert(target.end(), more.begin(), more.end());
@@ -41,12 +44,17 @@ struct SimulatedUnit::CommandRow {
 };
 
 UnitIdentity defaultIdentity(const UnitProfile& profile) {
-    return {.serial = profile.defaultSerial, .firmware = std::string(profile.defaultFirmware)};
+    return {.serial = profile.defaultSerial,
+            .firmware = std::string(profile.defaultFirmware),
+            .subtype = profile.subtype,
+            .logRecords = profile.logRecords,
+            .hasPic18 = profile.hasPic18};
 }
 
 SimulatedUnit::SimulatedUnit(const UnitProfile& profile, UnitIdentity identity)
     : profile_(profile),
       identity_(std::move(identity)),
+      serialReply_(serialReplyOf(identity_.serialFormat, identity_.serial)),
       memory_(static_cast<std::size_t>(profile.memorySize)),
       permanent_(memory_) {
     identity_.firmware = fixedWidth(identity_.firmware, firmwareLength);
@@ -168,7 +176,7 @@ Bytes SimulatedUnit::onTheFlyByte(std::uint8_t byte) {
     if (state != SRecordCollector::State::Complete) return {};
     const auto record = parseSRecord(record_.text());
     const bool oneOrTwoBytes = record && (record->data.size() == 1 || record->data.size() == 2);
-    if (!oneOrTwoBytes || !inMemory(*record)) return refuse();
+    if (!oneOrTwoBytes || !fitsIn(profile_.memorySize, *record)) return refuse();
     write(memory_, *record);
     ++revision_;
     record_.clear();
@@ -183,17 +191,27 @@ Bytes SimulatedUnit::startProgramming() {
 }
 
 Bytes SimulatedUnit::programmingByte(std::uint8_t byte) {
-    const auto state = record_.push(byte);
-    if (state == SRecordCollector::State::Broken) return refuse();
-    if (state != SRecordCollector::State::Complete) return {};
+    using State = SRecordCollector::State;
+    if (byte == carriageReturn || byte == lineFeed) return programmingLineEnd(byte);
+    // Only a unit that waits for the line's end can find something behind a whole record.
+    if (record_.state() == State::Complete) return refuse();
+    const State state = record_.push(byte);
+    if (state == State::Broken) return refuse();
+    if (state != State::Complete || profile_.linesEndInLineFeed) return {};
     return programmingRecord();
+}
+
+Bytes SimulatedUnit::programmingLineEnd(std::uint8_t byte) {
+    const bool endsRecord = byte == lineFeed && record_.state() == SRecordCollector::State::Complete;
+    return endsRecord ? programmingRecord() : Bytes{};
 }
 
 Bytes SimulatedUnit::programmingRecord() {
     const auto record = parseSRecord(record_.text());
     if (!record) return refuse();
     if (record->type == '9') return endOfProgramming();
-    if (!inMemory(*record)) return refuse();
+    // More lines than its firmware has memory for come from an image for another unit.
+    if (!fitsIn(programmedSize(), *record)) return refuse();
     write(programming_->staging, *record);
     const auto first = programming_->covered.begin() + (record->address - profile_.baseAddress);
     std::fill_n(first, record->data.size(), true);
@@ -238,6 +256,7 @@ Bytes SimulatedUnit::firmwareReply() {
 
 Bytes SimulatedUnit::configReply() {
     Bytes reply = headedReply(profile_.configReplyLength);
+    reply[optionByte] = identity_.hasPic18 ? 1 : 0;
     seal(reply);
     return reply;
 }
@@ -256,12 +275,7 @@ Bytes SimulatedUnit::nextLogRecord() {
 }
 
 Bytes SimulatedUnit::serialReply() {
-    Bytes reply = headedReply(8);
-    for (std::size_t i = 0; i < 4; ++i) {
-        reply[3 + i] = static_cast<std::uint8_t>(identity_.serial >> (24 - 8 * i));
-    }
-    seal(reply);
-    return reply;
+    return serialReply_;
 }
 
 Bytes SimulatedUnit::narrowFrame() {
@@ -273,7 +287,7 @@ Bytes SimulatedUnit::inputsFrame() {
 }
 
 Bytes SimulatedUnit::wideFrame() {
-    if (release() < profile_.wideFromRelease) return {};
+    if (profile_.wide.length == 0 || release() < profile_.wideFromRelease) return {};
     return encodeFrame(profile_.wide, liveValues());
 }
 
@@ -325,10 +339,10 @@ int SimulatedUnit::programmedSize() const {
     return release() < profile_.fullMemoryFromRelease ? profile_.memorySizeOlder : profile_.memorySize;
 }
 
-bool SimulatedUnit::inMemory(const SRecord& record) const {
+bool SimulatedUnit::fitsIn(int size, const SRecord& record) const {
     const int first = record.address - profile_.baseAddress;
-    const int size = static_cast<int>(record.data.size());
-    return record.type == '1' && size > 0 && first >= 0 && first + size <= profile_.memorySize;
+    const int length = static_cast<int>(record.data.size());
+    return record.type == '1' && length > 0 && first >= 0 && first + length <= size;
 }
 
 void SimulatedUnit::write(Bytes& target, const SRecord& record) const {

@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "sim/engine_model.h"
+#include "sim/serial_reply.h"
 #include "sim/srecord.h"
 #include "sim/unit_profile.h"
 
@@ -21,6 +22,8 @@ struct UnitIdentity {
     std::string firmware;  ///< cut or padded with blanks to 10 characters
     std::uint8_t subtype = 0;
     int logRecords = 300;  ///< records in the unit's own datalog
+    SerialFormat serialFormat = SerialFormat::Current;
+    bool hasPic18 = false;  ///< what bit 0 of byte 18 of the configuration tells
 };
 
 /// The identity a unit of this kind leaves the factory with.
@@ -34,7 +37,8 @@ class SimulatedUnit {
     /// Programming that gets no further line for this time is given up; the old calibration stays.
     static constexpr double programmingPatienceSeconds = 2.0;
 
-    /// `profile` must outlive the unit.
+    /// `profile` must outlive the unit. Throws BoundsError for a serial number that the serial format cannot
+    /// carry.
     SimulatedUnit(const UnitProfile& profile, UnitIdentity identity);
 
     /// Takes one burst of bytes as the line delivered it and gives the replies to it, joined in order.
@@ -42,6 +46,8 @@ class SimulatedUnit {
     /// Lets time pass, for the engine and for stalled input.
     void advance(double seconds);
 
+    const UnitProfile& profile() const { return profile_; }
+    const UnitIdentity& identity() const { return identity_; }
     /// The running memory, from the profile's base address.
     const Bytes& memory() const { return memory_; }
     /// Grows with every write to the memory.
@@ -69,6 +75,7 @@ class SimulatedUnit {
     Bytes programArgument(std::uint8_t byte);
     Bytes onTheFlyByte(std::uint8_t byte);
     Bytes programmingByte(std::uint8_t byte);
+    Bytes programmingLineEnd(std::uint8_t byte);
     Bytes programmingRecord();
     Bytes endOfProgramming();
     Bytes refuse();
@@ -91,11 +98,13 @@ class SimulatedUnit {
     LiveValues liveValues() const;
     int release() const;
     int programmedSize() const;
-    bool inMemory(const SRecord& record) const;
+    /// Whether a data record lies in the first `size` bytes of the memory.
+    bool fitsIn(int size, const SRecord& record) const;
     void write(Bytes& target, const SRecord& record) const;
 
     const UnitProfile& profile_;
     UnitIdentity identity_;
+    Bytes serialReply_;
     EngineModel engine_;
     std::array<std::uint8_t, codeRows> codes_{};
 

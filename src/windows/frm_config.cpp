@@ -1,6 +1,7 @@
 #include "windows/frm_config.h"
 
 #include <QHBoxLayout>
+#include <QPushButton>
 #include <QVBoxLayout>
 #include <map>
 
@@ -17,6 +18,10 @@ constexpr int helpRole = Qt::UserRole + 1;
 constexpr int startTab = 0;
 constexpr int pageTab = 1;
 constexpr int tableNode = -1;
+
+QString nothingInHand() {
+    return FrmConfig::tr("No calibration in hand.");
+}
 
 QLabel* textLabel(const char* name, QWidget* parent) {
     auto* label = new QLabel(parent);
@@ -78,12 +83,32 @@ QWidget* FrmConfig::makeStartTab() {
     auto* layout = new QVBoxLayout(tab);
     lblStart_ = textLabel("lblStart", tab);
     lblStart_->setFont(valueFont(1.2));
-    lblStart_->setText(tr("No calibration in hand. Open one with Ctrl+O."));
+    lblStart_->setText(nothingInHand());
     lblTip_ = textLabel("lblTip", tab);
     lblTip_->setAccessibleName(tr("Tip"));
     layout->addWidget(lblStart_);
+    layout->addWidget(makeDoors(tab));
     layout->addWidget(lblTip_, 1);
     return tab;
+}
+
+// What somebody does first, without a search through the menus.
+QWidget* FrmConfig::makeDoors(QWidget* tab) {
+    auto* doors = new QWidget(tab);
+    auto* row = new QHBoxLayout(doors);
+    row->setContentsMargins(0, 0, 0, 0);
+    const auto add = [&](const char* name, const QString& caption, const char* entry) {
+        auto* button = new QPushButton(caption, doors);
+        button->setObjectName(QLatin1String(name));
+        button->setAutoDefault(true);
+        connect(button, &QPushButton::clicked, this, [this, entry] { Q_EMIT entryAsked(entry); });
+        row->addWidget(button);
+    };
+    add("cmdStartNew", tr("Create a &new calibration"), "mnuNew");
+    add("cmdStartOpen", tr("&Open a calibration"), "mnuOpen");
+    add("cmdStartGuide", tr("User &guide"), "mnuHelpContents");
+    row->addStretch(1);
+    return doors;
 }
 
 QWidget* FrmConfig::makePageTab() {
@@ -163,7 +188,7 @@ void FrmConfig::showPage(int page, const QString& title) {
 void FrmConfig::showUnit() {
     pageView_->show(pageRows(session_, page_), onFly_);
     lblStart_->setText(session_.currentUnit() == 0
-                           ? tr("No calibration in hand. Open one with Ctrl+O.")
+                           ? nothingInHand()
                            : tr("Calibration in hand: ") + QString::fromStdString(session_.CurrentFile));
 }
 

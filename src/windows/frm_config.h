@@ -35,6 +35,8 @@ class FrmConfig : public QWidget {
     // ---- Called when the change counters have moved
     void refreshConsoles();
     void refreshLink();
+    /// The port was chosen elsewhere.
+    void refreshPorts() { fraComm_->ports().fill(session_.link.commPort()); }
 
     // ---- The table window inside the workspace
     void dock(QWidget* table, const QString& title);
@@ -44,8 +46,13 @@ class FrmConfig : public QWidget {
     /// The help key of the field in hand; empty when there is none.
     QString helpKey() const;
 
+ Q_SIGNALS:
+    /// A button of the start tab stands for this entry of the menu.
+    void entryAsked(const char* entry);
+
  private:
     QWidget* makeStartTab();
+    QWidget* makeDoors(QWidget* tab);
     QWidget* makePageTab();
     QWidget* makeBottom();
     void treeClicked(const QTreeWidgetItem* item);

@@ -737,6 +737,14 @@ void FrmTable::setColourMode(int mode) {
     showItems();
 }
 
+void FrmTable::clearColours() {
+    if (!model_) return;
+    model_->colourMode(session_.TableColorMode == 1 ? TableColour::Afr : TableColour::Normal);
+    model_->colorizeGraph(true);
+    showItems();
+    Grid1_->cells().refresh();
+}
+
 /// Kept: the state of a menu item; painting does not depend on it.
 void FrmTable::colorsPersist() {
     colourPersist_ = !colourPersist_;

@@ -52,6 +52,8 @@ class FrmTable : public QWidget {
     void setDocked(bool docked);
     void Day_Mode() { setMode(DisplayMode::Day); }
     void Night_Mode() { setMode(DisplayMode::Night); }
+    /// The options were applied: a white grid, and the colour mode of the session from here on.
+    void clearColours();
     /// `Load_Command`: 1 redoes the docking, 3 refreshes which toolbar items are shown.
     void Load_Command(int command);
 

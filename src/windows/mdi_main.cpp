@@ -13,6 +13,7 @@
 #include "config/tree.h"
 #include "qt/icons.h"
 #include "qt/look.h"
+#include "qt/window_placement.h"
 #include "windows/mdi_main_about.h"
 #include "windows/mdi_main_edit.h"
 
@@ -31,6 +32,7 @@ struct Command {
 };
 
 constexpr std::array commandTable{
+    Command{"mnuNew", &MainCommands::newCalibration},
     Command{"mnuOpen", &MainCommands::open},
     Command{"mnuSave", &MainCommands::save},
     Command{"mnuSaveAs", &MainCommands::saveAs},
@@ -42,6 +44,11 @@ constexpr std::array commandTable{
     Command{"mnuZeroAdv", &MainCommands::zeroAdvance},
     Command{"mnuClearDashCodes", &MainCommands::refreshCodes},
     Command{"mnuORB_ClearCodes", &MainCommands::clearCodes},
+    Command{"mnuMAPSensors", &MainCommands::sensorManager},
+    Command{"mnuOptions", &MainCommands::options},
+    Command{"mnuControlPanel", &MainCommands::options},
+    Command{"mnuMonitor_ChangeColors", &MainCommands::dashboardColors},
+    Command{"mnuHelpContents", &MainCommands::help},
     Command{"mnuMonitor_DayMode", &MainCommands::dayMode},
     Command{"mnuMonitor_NightMode", &MainCommands::nightMode},
 };
@@ -60,9 +67,6 @@ constexpr std::array tableCommands{
 
 /// Ends a monitor session, as the door for other windows does.
 constexpr int endMonitoring = 3;
-
-constexpr auto placeSection = "Forms";
-constexpr auto placeKey = "mdiMain";
 
 bool hasChildren(std::string_view name) {
     for (const MenuEntry& entry : menuTree()) {
@@ -171,10 +175,7 @@ void MdiMain::makeStatusBar() {
 }
 
 void MdiMain::showFrame() {
-    const std::string place = session_.settings().get(placeSection, placeKey);
-    const bool restored =
-        !place.empty() && restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(place)));
-    if (!restored) {
+    if (!restorePlacement(*this, session_.settings())) {
         // Where nobody manages windows the state alone changes nothing.
         setGeometry(screen()->availableGeometry());
         setWindowState(Qt::WindowMaximized);
@@ -184,13 +185,8 @@ void MdiMain::showFrame() {
 
 void MdiMain::closeNow() {
     closing_ = true;
-    storePlace();
+    storePlacement(*this, session_.settings());
     close();
-}
-
-void MdiMain::storePlace() {
-    skipFailing(
-        [&] { session_.settings().set(placeSection, placeKey, saveGeometry().toBase64().toStdString()); });
 }
 
 void MdiMain::closeEvent(QCloseEvent* event) {

@@ -66,7 +66,6 @@ class MdiMain : public QMainWindow {
     bool perform(std::string_view entry);
     bool performTable(std::string_view entry);
     void about();
-    void storePlace();
 
     Session& session_;
     MainCommands& commands_;

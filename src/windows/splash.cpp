@@ -1,9 +1,12 @@
 #include "windows/splash.h"
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "qt/look.h"
 
@@ -38,9 +41,22 @@ void FrmSplash::status(std::string_view text) {
     centre();
     show();
     raise();
-    QEventLoop hold;
-    QTimer::singleShot(holdMs, &hold, &QEventLoop::quit);
-    hold.exec();
+    hold();
+}
+
+// What the user starts meanwhile counts as well: a start that took long already is not held up further.
+void FrmSplash::hold() {
+    const int wait = std::min(holdMs, budgetMs - spentMs_);
+    if (wait <= 0) {
+        QCoreApplication::processEvents();
+        return;
+    }
+    QElapsedTimer time;
+    time.start();
+    QEventLoop events;
+    QTimer::singleShot(wait, &events, &QEventLoop::quit);
+    events.exec();
+    spentMs_ += static_cast<int>(std::min<qint64>(time.elapsed(), budgetMs));
 }
 
 void FrmSplash::centre() {

@@ -13,6 +13,8 @@ class FrmSplash : public QWidget {
  public:
     /// How long each text stays, in milliseconds of a live event loop.
     static constexpr int holdMs = 80;
+    /// All texts of a start together hold it up no longer than this.
+    static constexpr int budgetMs = 1500;
 
     explicit FrmSplash(const QString& version, QWidget* over);
 
@@ -21,8 +23,10 @@ class FrmSplash : public QWidget {
 
  private:
     void centre();
+    void hold();
 
     QWidget* over_;
+    int spentMs_ = 0;
     QLabel* lblOperation_;
 };
 

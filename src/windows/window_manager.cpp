@@ -86,6 +86,7 @@ void WindowManager::showConfig() {
     makeCentre();
     if (!config_) {
         config_ = new FrmConfig(session_, commands_, centre_);
+        connect(config_, &FrmConfig::entryAsked, main_.get(), &MdiMain::run);
         centre_->addWidget(config_);
     }
     config_->show();
@@ -118,6 +119,10 @@ void WindowManager::showCommList(bool on) {
 }
 
 void WindowManager::focusForm(const std::string& form) {
+    if (form == "frmGeneralConfig" && generalConfig_ && generalConfig_->isVisible()) {
+        generalConfig_->activateWindow();
+        return;
+    }
     if (form == "frmTABLE" && table_) {
         table_->window()->activateWindow();
         table_->setFocus();
@@ -143,6 +148,10 @@ void WindowManager::closeMain() {
     killTimers();
     hideSplash();
     removeForms();
+    const std::initializer_list<QWidget*> forms{generalConfig_, sensorEditor_, options_, fastHelp_, help_};
+    for (QWidget* form : forms) {
+        if (form != nullptr) form->close();
+    }
     if (centre_ != nullptr) {
         skipFailing([&] {
             session_.settings().set(placeSection, splitKey, centre_->saveState().toBase64().toStdString());
@@ -170,6 +179,7 @@ void WindowManager::showStartTab() {
 void WindowManager::onFlyChanged(bool on) {
     main_->showOnFly(on);
     if (config_) config_->onFlyChanged(on);
+    if (generalConfig_) generalConfig_->onFlyChanged(on);
     if (table_) table_->Load_Command(refreshToolbar);
 }
 
@@ -180,6 +190,108 @@ void WindowManager::onFlyLock(bool busy) {
 void WindowManager::showUnit() {
     if (config_) config_->showUnit();
     if (table_) table_->showUnit();
+    if (generalConfig_) generalConfig_->reset();
+}
+
+// ---- Windows of their own
+
+namespace {
+
+/// In front of all others, with the keyboard.
+void bringToFront(QWidget& window) {
+    window.show();
+    window.raise();
+    window.activateWindow();
+}
+
+}  // namespace
+
+// A form reads everything anew when it opens, so a closed one is done with.
+template <typename Form>
+void WindowManager::closesInto(QPointer<Form>& place) {
+    connect(place, &Form::closed, this, [this, &place] {
+        if (place) place->deleteLater();
+        place = nullptr;
+        if (closed_) return;
+        main_->activateWindow();
+        main_->refresh();
+        if (!config_) return;
+        config_->showUnit();
+        config_->refreshPorts();
+    });
+}
+
+void WindowManager::openGeneralConfig() {
+    if (closed_) return;
+    if (!generalConfig_) {
+        generalConfig_ = new FrmGeneralConfig(session_, commands_, main_.get());
+        connect(generalConfig_, &FrmGeneralConfig::sensorManagerAsked, this,
+                [this] { main_->run("mnuMAPSensors"); });
+        closesInto(generalConfig_);
+    }
+    bringToFront(*generalConfig_);
+}
+
+bool WindowManager::closeGeneralConfig() {
+    return !generalConfig_ || generalConfig_->close();
+}
+
+void WindowManager::saveGeneralConfig() {
+    if (generalConfig_) generalConfig_->save();
+}
+
+void WindowManager::openSensorEditor() {
+    if (closed_) return;
+    if (!sensorEditor_) {
+        sensorEditor_ = new FrmEditMAPSensors(session_, main_.get());
+        connect(sensorEditor_, &FrmEditMAPSensors::fastHelpAsked, this, &WindowManager::fastHelp);
+        closesInto(sensorEditor_);
+    }
+    bringToFront(*sensorEditor_);
+}
+
+void WindowManager::openOptions(OptionsPage page) {
+    if (closed_) return;
+    if (!options_) {
+        options_ = new FrmOptions(session_, commands_, main_.get());
+        closesInto(options_);
+    }
+    if (page == OptionsPage::Monitor) options_->showPage(FrmOptions::monitorPage);
+    bringToFront(*options_);
+}
+
+void WindowManager::openHelp(const std::string& topic) {
+    if (closed_) return;
+    if (!help_) {
+        help_ = new FrmHelp(guideFolder(session_.applicationFolder()), main_.get());
+        help_->keepPlace(session_.settings());
+    }
+    help_->open(topic);
+}
+
+void WindowManager::temperaturesChanged() {
+    showUnit();
+    if (dashboard_) dashboard_->UPDATE_DISPLAY();
+}
+
+void WindowManager::updateRateChanged() {
+    if (dashboard_) dashboard_->startTimers();
+}
+
+void WindowManager::clearTableColours() {
+    if (table_) table_->clearColours();
+}
+
+void WindowManager::dashboardColours(const std::string& lights, const std::string& needle) {
+    if (!dashboard_) return;
+    dashboard_->Set_DashBoard_Color(lights);
+    dashboard_->Set_Needle_Color(needle);
+}
+
+void WindowManager::sensorsChanged() {
+    if (generalConfig_) generalConfig_->sensorsChanged();
+    if (sensorEditor_) sensorEditor_->sensorsChanged();
+    if (config_) config_->showUnit();
 }
 
 // The table may be closing from inside one of its own events, so it goes later.
@@ -309,20 +421,28 @@ void WindowManager::refresh() {
 void WindowManager::fastHelp() {
     QString key = helpKeyOf(QApplication::focusWidget());
     if (key.isEmpty() && config_) key = config_->helpKey();
-    std::string text;
+    std::optional<HelpRow> row;
     skipFailing([&] {
-        if (key.isEmpty() || !session_.database) return;
-        const auto row = session_.database->help(key.toStdString());
-        if (row) text = row->text;
+        if (!key.isEmpty() && session_.database) row = session_.database->help(key.toStdString());
     });
-    if (text.empty()) text = "There is no help on this field.";
-    constexpr int helpMessage = 0;
-    session_.messages.Display_Message(helpMessage, text);
+    if (!row) {
+        constexpr int helpMessage = 0;
+        session_.messages.Display_Message(helpMessage, "There is no help on this field.");
+        return;
+    }
+    if (!fastHelp_) {
+        fastHelp_ = new FrmFastHelp(main_.get());
+        connect(fastHelp_, &FrmFastHelp::guideAsked, this,
+                [this](const QString& topic) { openHelp(topic.toStdString()); });
+    }
+    fastHelp_->show(*row);
 }
 
 void WindowManager::focusChanged(QWidget* now) {
     if (now == nullptr || !config_) return;
-    if (table_ && (now == table_ || table_->isAncestorOf(now))) {
+    if (generalConfig_ && generalConfig_->isAncestorOf(now)) {
+        session_.messages.ActiveFormName = "frmGeneralConfig";
+    } else if (table_ && (now == table_ || table_->isAncestorOf(now))) {
         session_.messages.ActiveFormName = "frmTABLE";
     } else if (now == config_ || config_->isAncestorOf(now)) {
         session_.messages.ActiveFormName = "frmConfig";

@@ -13,6 +13,11 @@
 #include "app/window_set.h"
 #include "windows/frm_config.h"
 #include "windows/frm_dashboard.h"
+#include "windows/frm_edit_map_sensors.h"
+#include "windows/frm_fast_help.h"
+#include "windows/frm_general_config.h"
+#include "windows/frm_help.h"
+#include "windows/frm_options.h"
 #include "windows/frm_table.h"
 #include "windows/mdi_main.h"
 #include "windows/splash.h"
@@ -35,6 +40,11 @@ class WindowManager : public QObject, public WindowSet {
     FrmConfig* config() { return config_; }
     FrmDashBoard* dashboard() { return dashboard_; }
     FrmTable* table() { return table_; }
+    FrmGeneralConfig* generalConfig() { return generalConfig_; }
+    FrmEditMAPSensors* sensorEditor() { return sensorEditor_; }
+    FrmOptions* options() { return options_; }
+    FrmHelp* help() { return help_; }
+    FrmFastHelp* fastHelpWindow() { return fastHelp_; }
     FrmSplash* splashWindow() { return splash_.get(); }
     /// The main window has been closed; the process ends.
     bool closed() const { return closed_; }
@@ -61,6 +71,19 @@ class WindowManager : public QObject, public WindowSet {
     void openTable(const std::string& table, const std::string& title) override;
     void showUnit() override;
 
+    void openGeneralConfig() override;
+    bool closeGeneralConfig() override;
+    void saveGeneralConfig() override;
+    void openSensorEditor() override;
+    void openOptions(OptionsPage page) override;
+    void openHelp(const std::string& topic) override;
+
+    void temperaturesChanged() override;
+    void updateRateChanged() override;
+    void clearTableColours() override;
+    void dashboardColours(const std::string& lights, const std::string& needle) override;
+    void sensorsChanged() override;
+
     void dayMode() override;
     void nightMode() override;
     void unitKindFound(int slot) override;
@@ -78,6 +101,8 @@ class WindowManager : public QObject, public WindowSet {
 
  private:
     void hideSplash();
+    template <typename Form>
+    void closesInto(QPointer<Form>& place);
     void tableClosed();
     void makeCentre();
     void makeTable();
@@ -94,6 +119,11 @@ class WindowManager : public QObject, public WindowSet {
     QPointer<FrmConfig> config_;
     QPointer<FrmDashBoard> dashboard_;
     QPointer<FrmTable> table_;
+    QPointer<FrmGeneralConfig> generalConfig_;
+    QPointer<FrmEditMAPSensors> sensorEditor_;
+    QPointer<FrmOptions> options_;
+    QPointer<FrmHelp> help_;
+    QPointer<FrmFastHelp> fastHelp_;
     QSplitter* centre_ = nullptr;
     QTimer tmrRefresh_;
     std::uint64_t consoleSeen_ = 0;

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <sstream>
 
 #include "app/fake_platform.h"
@@ -66,6 +67,68 @@ TEST_F(ConsoleTest, EachHalfIsCutTo80Characters) {
     EXPECT_EQ(console.lines()[1], "12:34:56 -    ..." + std::string(80, 'b'));
 }
 
+TEST_F(ConsoleTest, CharactersAreCountedAndNotBytes) {
+    // 80 characters in 81 bytes: one line.
+    const std::string fits = "Coolant 90 \u00B0C" + std::string(67, '.');
+    console.SysLog(fits);
+    ASSERT_EQ(console.lines().size(), 1u);
+    EXPECT_EQ(console.lines()[0], "12:34:56 - " + fits);
+}
+
+TEST_F(ConsoleTest, NoCutFallsInsideACharacter) {
+    // 82 characters, halves of 41: the first ends with one sign of two bytes, the second begins with another.
+    console.SysLog(std::string(40, 'a') + "\u00B0\u03BB" + std::string(40, 'b'));
+    ASSERT_EQ(console.lines().size(), 2u);
+    EXPECT_EQ(console.lines()[0], "12:34:56 - " + std::string(40, 'a') + "\u00B0");
+    EXPECT_EQ(console.lines()[1], "12:34:56 -    ...\u03BB" + std::string(40, 'b'));
+}
+
+TEST_F(ConsoleTest, ALongHalfOfWideCharactersIsCutTo80Characters) {
+    std::string degrees;
+    for (int i = 0; i < 200; ++i) degrees += "\u00B0";
+    std::string eighty;
+    for (int i = 0; i < 80; ++i) eighty += "\u00B0";
+    console.SysLog(degrees);
+    EXPECT_EQ(console.lines()[0], "12:34:56 - " + eighty);
+    EXPECT_EQ(console.lines()[1], "12:34:56 -    ..." + eighty);
+}
+
+TEST_F(ConsoleTest, TheRecordHasFieldsOfFixedWidth) {
+    console.SysLog("EX", "link", "Hello");
+    const LogRecord& record = console.lastRecord();
+    EXPECT_EQ(record.sequence, "0001");
+    EXPECT_EQ(record.kind, "E");
+    EXPECT_EQ(record.tag, "link    ");
+    EXPECT_EQ(record.text, "Hello" + std::string(75, ' '));
+    EXPECT_EQ(record.time, "12:34:56");
+}
+
+TEST_F(ConsoleTest, TheRecordOfALineWithoutKindAndTagIsBlankThere) {
+    console.SysLog(std::string(100, 'x'));
+    EXPECT_EQ(console.lastRecord().kind, " ");
+    EXPECT_EQ(console.lastRecord().tag, std::string(8, ' '));
+    EXPECT_EQ(console.lastRecord().text, std::string(80, 'x'));
+}
+
+TEST_F(ConsoleTest, ALineInTwoHalvesCountsOnce) {
+    console.SysLog(std::string(100, 'x'));
+    console.SysLog("next");
+    EXPECT_EQ(console.lastRecord().sequence, "0002");
+}
+
+TEST_F(ConsoleTest, ACounterOfFiveDigitsIsCutToFour) {
+    Console late{clock, 9999};
+    late.SysLog("x");
+    EXPECT_EQ(late.lastRecord().sequence, "1000");
+}
+
+TEST_F(ConsoleTest, TheLineAfterTheLargestCounterIsAnOverflow) {
+    Console late{clock, std::numeric_limits<std::int32_t>::max() - 1};
+    late.SysLog("the last one");
+    EXPECT_THROW(late.SysLog("one too many"), Overflow);
+    EXPECT_EQ(late.lines().size(), 1u);
+}
+
 TEST_F(ConsoleTest, NothingGoesToTheFileWhileFileLoggingIsOff) {
     console.logFile(folder.path("z.log"));
     console.SysLog("silent");
@@ -89,6 +152,56 @@ TEST_F(ConsoleTest, AnUnwritableFileIsAFailureOfTheCallerAndTheLineIsOnTheConsol
     console.LogToFile(true);
     EXPECT_THROW(console.SysLog("text"), FileError);
     EXPECT_EQ(console.lines().size(), 1u);
+}
+
+TEST_F(ConsoleTest, BothHalvesOfALongLineGoToTheFile) {
+    console.logFile(folder.path("z.log"));
+    console.LogToFile(true);
+    console.SysLog(std::string(41, 'a') + std::string(41, 'b'));
+    EXPECT_EQ(fileText(),
+              "12:34:56 - " + std::string(41, 'a') + "\n12:34:56 -    ..." + std::string(41, 'b') + "\n");
+}
+
+TEST_F(ConsoleTest, EveryLineOpensAndClosesTheFile) {
+    const auto openFiles = [] {
+        const std::filesystem::directory_iterator files("/proc/self/fd");
+        return std::distance(begin(files), end(files));
+    };
+    console.logFile(folder.path("z.log"));
+    console.LogToFile(true);
+    const auto before = openFiles();
+    console.SysLog("one");
+    EXPECT_EQ(openFiles(), before) << "the file is closed again";
+    std::filesystem::rename(console.logFile(), folder.path("moved.log"));
+    console.SysLog("two");
+    EXPECT_EQ(fileText(), "12:34:56 - two" + std::string(77, ' ') + "\n") << "the file is opened anew";
+}
+
+TEST_F(ConsoleTest, AFileThatCanBeWrittenAgainGetsTheNextLine) {
+    console.logFile(folder.path("later/z.log"));
+    console.LogToFile(true);
+    EXPECT_THROW(console.SysLog("lost"), FileError);
+    std::filesystem::create_directory(folder.path("later"));
+    console.SysLog("kept");
+    EXPECT_EQ(fileText(), "12:34:56 - kept" + std::string(76, ' ') + "\n");
+}
+
+TEST_F(ConsoleTest, TheFailureNamesTheFileAndTheReason) {
+    console.logFile(folder.path());
+    console.LogToFile(true);
+    try {
+        console.SysLog("text");
+        FAIL() << "a folder is no file";
+    } catch (const FileError& failure) {
+        EXPECT_EQ(std::string(failure.what()),
+                  "Log file " + folder.path().string() + " cannot be written: Is a directory");
+    }
+}
+
+TEST_F(ConsoleTest, AnAdditionToAnEmptyConsoleIsItsFirstLine) {
+    console.AddtoLastLine("SUCCESS!");
+    ASSERT_EQ(console.lines().size(), 1u);
+    EXPECT_EQ(console.lines()[0], "SUCCESS!");
 }
 
 TEST_F(ConsoleTest, AnAdditionFollowsTheTrimmedLastLineAfterOneBlank) {

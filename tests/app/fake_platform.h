@@ -124,10 +124,30 @@ class RecordingWindows : public WindowSet {
     void openTable(const std::string& table, const std::string& tableTitle) override {
         note("table " + table + " " + tableTitle);
     }
+    void openGeneralConfig() override { note("general config"); }
+    bool closeGeneralConfig() override {
+        note("leave general config");
+        return leavesGeneralConfig;
+    }
+    void saveGeneralConfig() override { note("save general config"); }
+    void openSensorEditor() override { note("sensor editor"); }
+    void openOptions(OptionsPage page) override {
+        note(page == OptionsPage::Monitor ? "options, monitor" : "options");
+    }
+    void openHelp(const std::string& topic) override { note("help " + topic); }
+    void temperaturesChanged() override { note("temperatures"); }
+    void updateRateChanged() override { note("update rate"); }
+    void clearTableColours() override { note("white table"); }
+    void dashboardColours(const std::string& lights, const std::string& needle) override {
+        note("colours " + lights + " " + needle);
+    }
+    void initializeRecorderRows() override { note("recorder rows"); }
+    void sensorsChanged() override { note("sensors"); }
     void dayMode() override { note("day"); }
     void nightMode() override { note("night"); }
 
     void note(const std::string& what) { calls.push_back(what); }
+    bool leavesGeneralConfig = true;  ///< false: the user keeps the new calibration in the form
     std::vector<std::string> calls;
     std::string title;
     std::string tip;

@@ -3,10 +3,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <filesystem>
 #include <fstream>
 
 #include "app/fake_platform.h"
+#include "app/settings_keys.h"
+#include "refdata/seed_builder.h"
 
 namespace zentaq {
 namespace {
@@ -27,6 +34,21 @@ class StartUp : public testing::Test {
         std::ifstream file(fake.folder.path("zentaq.log"));
         return {std::istreambuf_iterator<char>(file), {}};
     }
+    /// The texts of the console from the first ruler on, without their times and trailing blanks.
+    std::vector<std::string> banner() const {
+        std::vector<std::string> texts;
+        for (const std::string& line : session.console.lines()) {
+            std::string text = line.starts_with("12:34:56 - ") ? line.substr(11) : line;
+            text.erase(text.find_last_not_of(' ') + 1);
+            texts.push_back(text);
+        }
+        return texts;
+    }
+    std::string databasePath() const {
+        std::filesystem::create_directories(fake.folder.path("bin/data"));
+        return fake.folder.path("bin/data/zentaq410-02.pak");
+    }
+    void store(const char* key, const std::string& value) { fake.settings.set("System", key, value); }
     bool consoleHas(const std::string& text) const {
         for (const std::string& line : session.console.lines()) {
             if (line.find(text) != std::string::npos) return true;
@@ -50,19 +72,28 @@ TEST_F(StartUp, BringsUpTheWindowsInItsFixedOrder) {
     EXPECT_TRUE(fake.ticker.running());
 }
 
-TEST_F(StartUp, WritesTheBannerWithItsRulersOnTheScreenOnly) {
-    fake.settings.set("System", "FileOpen", "0");
+TEST_F(StartUp, WritesTheBannerInItsFixedOrder) {
+    store("FileOpen", "0");
+    refdata::buildDatabase(ZENTAQ_SOURCE_DIR "/data/seeds", databasePath());
     kernel.load();
     const std::string ruler(80, '-');
-    EXPECT_THAT(session.console.lines(), Contains(ruler));
-    EXPECT_TRUE(consoleHas("12:34:56 - Norvalia Zentaq Engine Management Software"));
-    EXPECT_TRUE(consoleHas("12:34:56 - v4.10.2"));
-    EXPECT_TRUE(consoleHas("12:34:56 - Saturday, 21 November 2026"));
-    EXPECT_TRUE(consoleHas("12:34:56 - Program Initialized on "));
-    EXPECT_TRUE(consoleHas("12:34:56 - COMM: Listening on Port #1"));
-    EXPECT_TRUE(consoleHas("12:34:56 - User Interface Initialized."));
-    EXPECT_THAT(logText(), HasSubstr("Norvalia Zentaq Engine Management Software"));
-    EXPECT_THAT(logText(), Not(HasSubstr(ruler)));
+    std::vector<std::string> texts = banner();
+    ASSERT_GE(texts.size(), 9u);
+    texts.resize(9);
+    EXPECT_TRUE(texts[6].starts_with("Program Initialized on Linux ")) << texts[6];
+    texts[6] = "Program Initialized on";
+    EXPECT_THAT(texts, ElementsAre(ruler, "Norvalia Zentaq Engine Management Software", "v4.10.2", ruler, "",
+                                   "Saturday, 21 November 2026", "Program Initialized on",
+                                   "COMM: Listening on Port #1", "User Interface Initialized."));
+}
+
+TEST_F(StartUp, TheRulersAndTheEmptyLineAreOnTheScreenOnly) {
+    store("FileOpen", "0");
+    kernel.load();
+    EXPECT_TRUE(logText().starts_with("12:34:56 - Norvalia Zentaq Engine Management Software"));
+    EXPECT_THAT(logText(), Not(HasSubstr("---")));
+    EXPECT_THAT(logText(), Not(HasSubstr("\n\n")));
+    EXPECT_THAT(logText(), HasSubstr("12:34:56 - User Interface Initialized."));
 }
 
 TEST_F(StartUp, AFreshInstallationLogsShowsTheCommListAndOffersAFile) {
@@ -99,6 +130,338 @@ TEST_F(StartUp, AutoLogOffLeavesAnEarlierLogUnchanged) {
     fake.settings.set("System", "AutoLog", "0");
     kernel.load();
     EXPECT_EQ(logText(), "an earlier run\n");
+}
+
+// ---- Values that are no numbers
+
+TEST_F(StartUp, ASwitchWhoseValueIsNoNumberCountsAsOn) {
+    for (const char* value : {"", "yes", "1,0,0", "--1", "\xFF"}) {
+        SCOPED_TRACE(value);
+        FakeSession again;
+        again.settings.set("System", "AutoLog", value);
+        again.settings.set("System", "CommDialog", value);
+        again.settings.set("System", "FileOpen", value);
+        MainCommands itsCommands{again.session};
+        Kernel{again.session, itsCommands}.load();
+        EXPECT_TRUE(again.session.console.LogToFile());
+        EXPECT_THAT(again.windows.calls, Contains("comm list on"));
+        EXPECT_EQ(again.dialogs.requests.size(), 1u);
+    }
+}
+
+TEST_F(StartUp, ASwitchIsOffForEveryNumberButOne) {
+    for (const char* value : {"0", "2", "-1", "1.5", "1E9"}) {
+        SCOPED_TRACE(value);
+        FakeSession again;
+        again.settings.set("System", "AutoLog", value);
+        again.settings.set("System", "CommDialog", value);
+        again.settings.set("System", "FileOpen", value);
+        MainCommands itsCommands{again.session};
+        Kernel{again.session, itsCommands}.load();
+        EXPECT_FALSE(again.session.console.LogToFile());
+        EXPECT_THAT(again.windows.calls, Contains("comm list off"));
+        EXPECT_TRUE(again.dialogs.requests.empty());
+    }
+}
+
+TEST_F(StartUp, AColourModeThatIsNo16BitNumberKeepsTheInitialOne) {
+    for (const char* value : {"", "blue", "32768"}) {
+        session.TableColorMode = 7;
+        store("TableColor", value);
+        kernel.load();
+        EXPECT_EQ(session.TableColorMode, 7) << value;
+    }
+}
+
+TEST_F(StartUp, AColourModeIsRoundedHalfToEven) {
+    store("TableColor", "2.5");
+    kernel.load();
+    EXPECT_EQ(session.TableColorMode, 2);
+}
+
+TEST_F(StartUp, APortThatIsNo16BitNumberLeavesPort1) {
+    for (const char* value : {"", "COM3", "40000"}) {
+        FakeSession again;
+        again.settings.set("System", "CommPort", value);
+        MainCommands itsCommands{again.session};
+        Kernel{again.session, itsCommands}.load();
+        EXPECT_EQ(again.session.link.commPort(), 1) << value;
+    }
+}
+
+// ---- Failures of single statements
+
+/// Windows of which one call fails; all calls are kept, the failing one too.
+class FailingWindows : public WindowSet {
+ public:
+    void showMain() override { step("showMain"); }
+    void enableToolbar(bool on) override { step(on ? "toolbar on" : "toolbar off"); }
+    void splash(std::string_view text) override { step("splash " + std::string(text)); }
+    void makeGraphPools() override { step("makeGraphPools"); }
+    void showConfig() override { step("showConfig"); }
+    void showLink() override { step("showLink"); }
+    void showDashboard() override { step("showDashboard"); }
+    void showCommList(bool on) override { step(on ? "comm list on" : "comm list off"); }
+    void focusForm(const std::string& form) override { step("focus " + form); }
+    void showTip(const std::string&) override { step("tip"); }
+    void killTimers() override { step("killTimers"); }
+    void closeMain() override { step("closeMain"); }
+
+    std::string failing;
+    std::vector<std::string> calls;
+
+ private:
+    void step(const std::string& name) {
+        calls.push_back(name);
+        if (name == failing) throw Failure("no " + name);
+    }
+};
+
+/// The start and the shutdown of a program of which one window call fails.
+struct BrokenRun {
+    FakeSession fake;
+    FailingWindows windows;
+    MainCommands commands{fake.session};
+    Kernel kernel{fake.session, commands};
+
+    explicit BrokenRun(const std::string& failing) {
+        windows.failing = failing;
+        fake.session.attach(windows);
+        std::filesystem::create_directories(fake.folder.path("bin/data"));
+        refdata::buildDatabase(ZENTAQ_SOURCE_DIR "/data/seeds",
+                               fake.folder.path("bin/data/zentaq410-02.pak"));
+        fake.settings.set("System", "TableColor", "1");
+        kernel.load();
+    }
+};
+
+TEST(StartUpWithAFailure, OfAnyWindowCallLeavesEverythingElseAsInAWholeRun) {
+    BrokenRun whole("");
+    const std::vector<std::string> expected = whole.windows.calls;
+    ASSERT_THAT(expected,
+                ElementsAre("showMain", "toolbar off", "splash Setting Up Environment", "makeGraphPools",
+                            "splash Initializing Console", "splash Initializing Database", "showConfig",
+                            "splash Program Activated", "toolbar on", "showLink", "showDashboard",
+                            "comm list on", "focus frmConfig", "tip"));
+    for (const std::string& failing : expected) {
+        SCOPED_TRACE(failing);
+        BrokenRun broken(failing);
+        EXPECT_EQ(broken.windows.calls, expected);
+        EXPECT_EQ(broken.fake.session.console.lines(), whole.fake.session.console.lines());
+        EXPECT_TRUE(broken.fake.dialogs.boxes.empty()) << "a failure of the start shows no box";
+        EXPECT_EQ(broken.fake.dialogs.requests.size(), 1u) << "the file prompt still comes";
+        EXPECT_EQ(broken.fake.session.StartingUp, 0);
+        EXPECT_EQ(broken.fake.session.TableColorMode, 1);
+        EXPECT_TRUE(broken.fake.session.hasUnit(8));
+        EXPECT_TRUE(broken.fake.ticker.running());
+        EXPECT_TRUE(broken.fake.port.isOpen());
+    }
+}
+
+TEST(ShutdownWithAFailure, OfAnyWindowCallStillEndsTheProgram) {
+    for (const char* failing : {"killTimers", "closeMain"}) {
+        SCOPED_TRACE(failing);
+        BrokenRun run("");
+        run.windows.failing = failing;
+        EXPECT_TRUE(run.kernel.System_Shutdown(true));
+        EXPECT_FALSE(run.fake.port.isOpen());
+        EXPECT_FALSE(run.fake.ticker.running());
+        EXPECT_EQ(run.windows.calls.back(), "closeMain");
+    }
+}
+
+TEST(StartUpWithAFailure, OfTheSettingsStoreStartsAsOnAFreshInstallation) {
+    class NoSettings : public SettingsStore {
+        std::string get(const std::string&, const std::string&, const std::string&) const override {
+            throw Failure("no settings");
+        }
+        void set(const std::string&, const std::string&, const std::string&) override {}
+    } settings;
+    FakeSession fake;
+    RecordingWindows windows;
+    Session session{Platform{fake.port, fake.ticker, fake.clock, settings, fake.dialogs, fake.yield,
+                             fake.folder.path(), fake.folder.path()}};
+    session.attach(windows);
+    MainCommands commands{session};
+    Kernel{session, commands}.load();
+    EXPECT_TRUE(session.console.LogToFile());
+    EXPECT_EQ(session.link.commPort(), 1);
+    EXPECT_THAT(windows.calls, Contains("comm list on"));
+    EXPECT_EQ(session.StartingUp, 0);
+}
+
+TEST_F(StartUp, TheUserWhoClosesTheWindowMeanwhileIsNotAskedForAFile) {
+    class ClosedAtTheConsole : public RecordingWindows {
+     public:
+        Kernel* kernel = nullptr;
+        void splash(std::string_view text) override {
+            RecordingWindows::splash(text);
+            if (text == "Initializing Console") kernel->System_Shutdown(true);
+        }
+    } windows;
+    windows.kernel = &kernel;
+    session.attach(windows);
+    kernel.load();
+    EXPECT_EQ(windows.calls.back(), "closeMain") << "nothing is shown after the end";
+    EXPECT_TRUE(fake.dialogs.requests.empty());
+    EXPECT_FALSE(fake.ticker.running());
+    EXPECT_FALSE(fake.port.isOpen());
+}
+
+// ---- Reference database
+
+TEST_F(StartUp, AMissingDatabaseIsToldBehindTheBannerInOneLine) {
+    store("FileOpen", "0");
+    kernel.load();
+    const std::vector<std::string> texts = banner();
+    const auto last = std::find(texts.begin(), texts.end(), "User Interface Initialized.");
+    ASSERT_NE(last, texts.end());
+    ASSERT_NE(last + 1, texts.end());
+    EXPECT_EQ(*(last + 1), "No reference database: the file is missing");
+    EXPECT_THAT(logText(), HasSubstr("12:34:56 - No reference database: the file is missing"));
+}
+
+TEST_F(StartUp, ADamagedDatabaseIsToldAndTheProgramWorksWithoutIt) {
+    std::ofstream(databasePath()) << "no database at all, but long enough for a head";
+    kernel.load();
+    EXPECT_TRUE(consoleHas("No reference database: the file is not a database"));
+    EXPECT_FALSE(session.database.has_value());
+    EXPECT_EQ(fake.dialogs.requests.size(), 1u);
+    EXPECT_FALSE(session.engine(3, 1).has_value());
+}
+
+/// A program that holds the file for writing, as a database writer locks it: the 512 bytes from 1 GiB on.
+class WriterOf {
+ public:
+    explicit WriterOf(const std::string& path) {
+        int ready[2];
+        if (pipe(ready) != 0) throw std::runtime_error("pipe");
+        child_ = fork();
+        if (child_ == 0) {
+            const int file = ::open(path.c_str(), O_RDWR);
+            struct flock lock {};
+            lock.l_type = F_WRLCK;
+            lock.l_start = 0x40000000;
+            lock.l_len = 512;
+            const char answer = fcntl(file, F_SETLK, &lock) == 0 ? 'y' : 'n';
+            if (write(ready[1], &answer, 1) != 1) _exit(1);
+            for (;;) pause();
+        }
+        char answer = 'n';
+        locked = read(ready[0], &answer, 1) == 1 && answer == 'y';
+        close(ready[0]);
+        close(ready[1]);
+    }
+    ~WriterOf() {
+        kill(child_, SIGKILL);
+        waitpid(child_, nullptr, 0);
+    }
+    bool locked = false;
+
+ private:
+    pid_t child_ = 0;
+};
+
+TEST_F(StartUp, ALockedDatabaseIsToldAndTheProgramWorksWithoutIt) {
+    refdata::buildDatabase(ZENTAQ_SOURCE_DIR "/data/seeds", databasePath());
+    const WriterOf writer(databasePath());
+    ASSERT_TRUE(writer.locked);
+    kernel.load();
+    EXPECT_TRUE(consoleHas("No reference database: it is in use by another program"));
+    EXPECT_EQ(session.StartingUp, 0);
+    EXPECT_TRUE(fake.windows.tip.empty());
+}
+
+// ---- Trouble from outside
+
+TEST_F(StartUp, TroubleBeforeTheConsoleIsToldBehindTheBannerAndLaterTroubleAtOnce) {
+    store("FileOpen", "0");
+    refdata::buildDatabase(ZENTAQ_SOURCE_DIR "/data/seeds", databasePath());
+    kernel.report("Settings file x is damaged");
+    EXPECT_TRUE(session.console.lines().empty());
+    kernel.load();
+    EXPECT_EQ(banner().at(8), "User Interface Initialized.");
+    EXPECT_EQ(banner().at(9), "Settings file x is damaged");
+    kernel.report("Settings file x cannot be written");
+    EXPECT_EQ(banner().back(), "Settings file x cannot be written");
+}
+
+// ---- One instance
+
+TEST(FirstInstance, GoesOnWithoutABox) {
+    const TemporaryFolder folder;
+    const SingleInstance first(folder.path("zentaq4.lock"));
+    ScriptedDialogs dialogs;
+    EXPECT_TRUE(firstInstance(first, dialogs));
+    EXPECT_TRUE(dialogs.boxes.empty());
+}
+
+TEST(FirstInstance, ASecondOneIsToldAndDoesNotGoOn) {
+    const TemporaryFolder folder;
+    const SingleInstance first(folder.path("zentaq4.lock"));
+    const SingleInstance second(folder.path("zentaq4.lock"));
+    ScriptedDialogs dialogs;
+    EXPECT_FALSE(firstInstance(second, dialogs));
+    ASSERT_EQ(dialogs.boxes.size(), 1u);
+    EXPECT_EQ(dialogs.boxes[0].text, "Zentaq4 already running!  Program will now close.");
+    EXPECT_EQ(dialogs.boxes[0].icon, Icon::None);
+    EXPECT_EQ(dialogs.boxes[0].buttons, Buttons::Ok);
+    EXPECT_TRUE(first.holds());
+}
+
+// ---- Tips
+
+TEST(TipNumber, IsTheWholePartOfRandomTimesCountPlusOne) {
+    EXPECT_EQ(tipNumber(0, 12), 1);
+    EXPECT_EQ(tipNumber(0.0833, 12), 1);  // 0.9996 + 1
+    EXPECT_EQ(tipNumber(0.0834, 12), 2);  // 1.0008 + 1
+    EXPECT_EQ(tipNumber(0.5, 12), 7);
+    EXPECT_EQ(tipNumber(0.999999, 12), 12);
+    EXPECT_EQ(tipNumber(0.5, 1), 1);
+}
+
+TEST(TipNumber, IsZeroWithoutTips) {
+    EXPECT_EQ(tipNumber(0.5, 0), 0);
+}
+
+TEST_F(StartUp, ShowsOneOfTheTips) {
+    refdata::buildDatabase(ZENTAQ_SOURCE_DIR "/data/seeds", databasePath());
+    kernel.load();
+    EXPECT_THAT(session.database->tips(), Contains(fake.windows.tip));
+}
+
+// ---- State of the process
+
+TEST_F(StartUp, KnowsItsFilesByTheApplicationFolder) {
+    kernel.load();
+    EXPECT_EQ(session.LogFile, fake.folder.path("zentaq.log"));
+    EXPECT_EQ(session.DatabaseFile, fake.folder.path("bin/data/zentaq410-02.pak"));
+    EXPECT_EQ(session.HelpFile, fake.folder.path("support/MAIN.hlp"));
+    EXPECT_FALSE(std::filesystem::exists(fake.folder.path("support"))) << "no folder is made";
+}
+
+TEST_F(StartUp, BeginsWithoutACalibration) {
+    session.Monitoring = true;
+    session.AutoMonitoring = true;
+    session.DataModified = true;
+    session.CurrentFile = "/old.ZQ4OA";
+    session.FileFilterIndex = 3;
+    kernel.load();
+    EXPECT_FALSE(session.Monitoring);
+    EXPECT_FALSE(session.AutoMonitoring);
+    EXPECT_FALSE(session.DataModified);
+    EXPECT_EQ(session.CurrentFile, "");
+    EXPECT_EQ(session.FileFilterIndex, 1);
+    EXPECT_EQ(session.AppName, "Zentaq4");
+    EXPECT_EQ(session.VersionText, "4.10.2");
+}
+
+TEST_F(StartUp, SlotsWithoutAKindStayEmptyAndTheTwoOfOneKindAreTwoObjects) {
+    kernel.load();
+    for (const int slot : {3, 4, 5, 6, 7, 8}) EXPECT_TRUE(session.hasUnit(slot)) << slot;
+    for (const int slot : {1, 2, 9, 50, 100}) EXPECT_FALSE(session.hasUnit(slot)) << slot;
+    EXPECT_NE(&session.Units(7), &session.Units(8));
+    EXPECT_EQ(session.Units(7).kind().className, session.Units(8).kind().className);
 }
 
 TEST_F(StartUp, AMissingDatabaseStopsNothingAndTheBannerIsTheFirstThatIsLogged) {
@@ -185,6 +548,44 @@ TEST_F(StartUp, AConfirmedShutdownStopsTimersClosesThePortAndEnds) {
     EXPECT_FALSE(fake.ticker.running());
     EXPECT_TRUE(consoleHas("System Shutdown!"));
     EXPECT_THAT(fake.windows.calls, Contains("killTimers"));
+    EXPECT_EQ(fake.windows.calls.back(), "closeMain");
+}
+
+TEST_F(StartUp, ASecondShutdownDoesNothingMore) {
+    kernel.load();
+    EXPECT_TRUE(kernel.System_Shutdown(true));
+    const auto calls = fake.windows.calls;
+    EXPECT_TRUE(kernel.System_Shutdown(false));
+    EXPECT_EQ(fake.windows.calls, calls);
+}
+
+TEST_F(StartUp, TheLinesOfAShutdownGoToTheLog) {
+    kernel.load();
+    kernel.System_Shutdown(true);
+    const std::string text = logText();
+    EXPECT_LT(text.find("System Shutdown Requested."), text.find("System Shutdown!"));
+    EXPECT_NE(text.find("System Shutdown!"), std::string::npos);
+}
+
+TEST_F(StartUp, ClosingTheWindowWithNothingUnsavedAsksNothing) {
+    kernel.load();
+    fake.dialogs.boxes.clear();
+    kernel.closeRequested();
+    EXPECT_TRUE(fake.dialogs.boxes.empty());
+    EXPECT_EQ(fake.windows.calls.back(), "closeMain");
+}
+
+TEST_F(StartUp, ClosingTheWindowOffersToSaveAndCancelDeclinesTheSaveOnly) {
+    kernel.load();
+    session.DataModified = true;
+    fake.dialogs.boxes.clear();
+    fake.dialogs.answers = {Answer::Cancel};
+    kernel.closeRequested();
+    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
+    EXPECT_EQ(fake.dialogs.boxes[0].title, "SAVE");
+    EXPECT_EQ(fake.dialogs.boxes[0].text, "Save changes?");
+    EXPECT_EQ(fake.dialogs.boxes[0].buttons, Buttons::OkCancel);
+    EXPECT_EQ(fake.dialogs.boxes[0].icon, Icon::Question);
     EXPECT_EQ(fake.windows.calls.back(), "closeMain");
 }
 

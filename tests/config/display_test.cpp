@@ -432,10 +432,10 @@ TEST_F(DisplayOfNewCalibration, ShowsTheDefaultsOfTheSeedTable) {
 
 TEST_F(DisplayOfNewCalibration, ASensorThatTheListLacksIsToldByItsRange) {
     make("4 Cylinder Coil per Plug, Sequential Injection");
-    unit.AssignDirectIndex(0.02F, 126);
+    unit.AssignDirectIndex(0.018F, 126);
     unit.AssignDirectIndex(0.5F, 127);
-    // (5 - 0.5) / 0.02 = 225 and -0.5 / 0.02 = -25, one decimal
-    EXPECT_EQ(displayNames(unit, &database).sensor, "Unknown (Range: -25 to 225 kPa)");
+    // (5 - 0.5) / 0.018 = 250 and -0.5 / 0.018 = -27.78, one decimal
+    EXPECT_EQ(displayNames(unit, &database).sensor, "Unknown (Range: -27.8 to 250 kPa)");
     EXPECT_EQ(displayNames(unit, nullptr).engine, "");
 }
 

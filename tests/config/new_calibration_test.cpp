@@ -2,9 +2,20 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <map>
+#include <set>
+
+#include "base/errors.h"
 #include "config/quiet_calibration.h"
 #include "refdata/refdata_fixture.h"
+#include "refdata/schema.h"
+#include "unit/gpio_functions.h"
+#include "unit/gpio_pins.h"
 
 namespace zentaq {
 namespace {
@@ -217,6 +228,417 @@ TEST_F(NewCalibration, SendsNothingThoughAUnitTakesChangesOnTheFly) {
     make(oneBar);
     EXPECT_THAT(calibration.host.records(), IsEmpty());
     EXPECT_TRUE(unit.ONFLY_MODE());
+}
+
+/// A model of the list and what its new calibrations are made from.
+struct Model {
+    const UnitKind& kind;
+    int variant = 0;
+};
+const std::vector<Model>& models() {
+    static const std::vector<Model> all = {{orbaKind(), 1}, {orbaKind(), 2}, {orbaKind(), 3}, {orbLiteKind()},
+                                           {pzk2Kind()},    {orbdKind()},    {orbd6Kind()},   {orbcKind()}};
+    return all;
+}
+std::string nameOf(const Model& model) {
+    return std::string(model.kind.className) + " " + std::to_string(model.kind.slot) + "/" +
+           std::to_string(model.variant);
+}
+
+/// The members with an element outside the limits in force, each with its first such value.
+std::vector<std::string> outsideTheirRange(Unit& unit) {
+    std::vector<std::string> found;
+    for (const Parameter& row : unit.kind().parameters) {
+        if (row.readOnly) continue;
+        for (int i = 0; i < row.count; ++i) {
+            const float value = unit.read(row, i);
+            // Some limits let a certain value through, such as 0 for "none".
+            const RangeOf* range = std::get_if<RangeOf>(&row.range);
+            const Limits limits = range != nullptr ? (*range)(unit, i, value) : unit.limits(row.name, i);
+            // Pressures and ratios read back rounded.
+            const float slack = 0.0001F * std::max(std::abs(limits.minimum), std::abs(limits.maximum));
+            if (limits.unlimited() || (value >= limits.minimum - slack && value <= limits.maximum + slack))
+                continue;
+            found.push_back(std::string(row.name) + "[" + std::to_string(i) + "] " + std::to_string(value) +
+                            " " + limits.text);
+            break;
+        }
+    }
+    return found;
+}
+
+TEST_F(NewCalibration, OfEachModelEngineAndSensorKeepsToEveryRangeAndMakesAnImage) {
+    struct Sensor {
+        const char* name;
+        float boost;
+    };
+    const std::array<Sensor, 2> sensors{{{oneBar, 0}, {"3 BAR (-14.5 to 31.1 PSIG)", 15}}};
+    int made = 0;
+    for (const Model& model : models()) {
+        QuietCalibration one(model.kind, &database);
+        for (const EngineRow& engine : database.engines(model.kind.slot, model.variant)) {
+            for (const Sensor& with : sensors) {
+                SCOPED_TRACE(nameOf(model) + ", " + engine.displayValue + ", " + with.name);
+                EngineFigures figures = startingFigures(database, model.kind);
+                figures.maxBoost = with.boost;
+                startNewCalibration(one.unit);
+                EXPECT_THAT(chooseEngine(one.unit, engine), IsEmpty());
+                EXPECT_THAT(chooseSensor(one.unit, sensor(with.name)), IsEmpty());
+                EXPECT_THAT(loadDefaults(one.unit, database, figures), IsEmpty());
+                EXPECT_THAT(outsideTheirRange(one.unit), IsEmpty());
+                EXPECT_NO_THROW(one.unit.ConvertData());
+                ++made;
+            }
+        }
+        EXPECT_THAT(one.host.refusals(), IsEmpty()) << nameOf(model);
+    }
+    EXPECT_GT(made, 500);
+}
+
+/// The database as another program may change it: one value of one set is another, within its limits.
+class ChangedSet {
+ public:
+    ChangedSet(const std::string& path, const refdata::DefaultsSet& set, const std::vector<float>& values)
+        : name_(set.name), row_(set.ascending ? values.size() / 2 : 0), kept_(values.at(row_)) {
+        sqlite3_open_v2(path.c_str(), &file_, SQLITE_OPEN_READWRITE, nullptr);
+        run("PRAGMA synchronous = OFF");
+        const auto lowest = static_cast<float>(set.minimum);
+        if (set.ascending) {
+            changed = values[row_ - 1] + (values[row_ + 1] - values[row_ - 1]) / 4;
+        } else if (kept_ == lowest || kept_ == 0) {
+            changed = static_cast<float>(set.maximum);
+        } else if (kept_ - lowest > 2) {
+            // Half of it, which a member that counts in powers of two takes as well.
+            changed = std::max(std::floor(kept_ / 2), lowest);
+        } else {
+            changed = kept_ - lowest == 1 ? lowest : (kept_ + lowest) / 2;
+        }
+        store(changed);
+    }
+    ChangedSet(const ChangedSet&) = delete;
+    ChangedSet& operator=(const ChangedSet&) = delete;
+    ~ChangedSet() {
+        store(kept_);
+        sqlite3_close(file_);
+    }
+
+    float changed = 0;
+
+ private:
+    void store(float value) {
+        run("UPDATE Defaults SET \"" + name_ + "\" = " + std::to_string(value) +
+            " WHERE rowid = " + std::to_string(row_ + 1));
+    }
+    void run(const std::string& sql) {
+        EXPECT_EQ(sqlite3_exec(file_, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+            << sqlite3_errmsg(file_);
+    }
+
+    std::string name_;
+    std::size_t row_;
+    float kept_;
+    sqlite3* file_ = nullptr;
+};
+
+/// Everything that the defaults lead to on a kind: the figures offered, and the cells of a calibration with a
+/// street cam and of one with a race cam, both with boost.
+std::vector<float> outcome(const UnitKind& kind, const Database& database) {
+    EngineFigures figures = startingFigures(database, kind);
+    std::vector<float> all = {figures.revLimit, figures.fullScalePulse, figures.openingTime,
+                              figures.injectors};
+    figures.maxBoost = 15;
+    for (const bool raceCam : {false, true}) {
+        figures.raceCam = raceCam;
+        QuietCalibration one(kind, &database);
+        startNewCalibration(one.unit);
+        chooseEngine(one.unit, database.engine(kind.slot, 1).value());
+        chooseSensor(one.unit, database.mapSensorByName("3 BAR (-14.5 to 31.1 PSIG)").value());
+        loadDefaults(one.unit, database, figures);
+        for (int byte = 0; byte < 3; ++byte) all.push_back(one.unit.controlByte(byte));
+        for (int cell = 0; cell < kind.orbFileLength; ++cell) all.push_back(one.unit.DirectIndex(cell));
+    }
+    return all;
+}
+
+TEST_F(NewCalibration, FollowsEachSetOfTheDefaultsOnTheKindsThatItIsFor) {
+    const std::array kinds = {&orbaKind(), &orbLiteKind(), &pzk2Kind(),
+                              &orbcKind(), &orbdKind(),    &orbd6Kind()};
+    std::map<int, std::vector<float>> before;
+    for (const UnitKind* kind : kinds) before[kind->slot] = outcome(*kind, database);
+    for (const refdata::DefaultsSet& set : refdata::defaultsSets()) {
+        const ChangedSet change(path, set, database.defaults(set.name));
+        bool ofOneKind = false;
+        for (const UnitKind* kind : kinds) {
+            const std::string_view suffix = refdata::defaultsSuffix(kind->slot);
+            if (suffix.empty() || !set.name.ends_with(suffix)) continue;
+            ofOneKind = true;
+            EXPECT_NE(outcome(*kind, database), before[kind->slot]) << set.name << " slot " << kind->slot;
+        }
+        const bool onMain = outcome(orbaKind(), database) != before[orbaKind().slot];
+        EXPECT_EQ(onMain, !ofOneKind) << set.name;
+    }
+}
+
+/// The single numbers that a new calibration takes from the defaults, by member.
+constexpr std::array singleDefaults = {"Initial_Advance",
+                                       "TBSOFF",
+                                       "ACE0",
+                                       "ACE1",
+                                       "ACE2",
+                                       "ACE3",
+                                       "ACE4",
+                                       "ACE5",
+                                       "ACE6",
+                                       "ACE7",
+                                       "ACCL_PW",
+                                       "ACCL_TM",
+                                       "SEPW",
+                                       "SECLT",
+                                       "ASE0",
+                                       "ASE1",
+                                       "DCCL_CutActive",
+                                       "DCCL_0",
+                                       "DCCL_1",
+                                       "DCCL_3",
+                                       "DCCL_4",
+                                       "MAP_Max",
+                                       "BSTCTTM",
+                                       "CONDIV",
+                                       "AVRDIV",
+                                       "Register_Number",
+                                       "EGO_LMT",
+                                       "EGO_RPM",
+                                       "EGO_MAP",
+                                       "EGO_TMP",
+                                       "EGO_RPML",
+                                       "EGO_HighVoltage",
+                                       "EGO_LowVoltage",
+                                       "EGO_Type",
+                                       "KNK_MIN",
+                                       "KNK_ATK",
+                                       "KNK_DCY",
+                                       "KNK_MAX",
+                                       "KNK_RPM",
+                                       "opt_3Stage",
+                                       "opt_NoFuelCut",
+                                       "OVR1THR",
+                                       "OVR2THR",
+                                       "REV_Hysteresis",
+                                       "REV_AuxLimiter",
+                                       "opt_IdleSpeed",
+                                       "NEGPGAIN",
+                                       "POSPGAIN",
+                                       "NEGDGAIN",
+                                       "POSDGAIN",
+                                       "Reset_Duty",
+                                       "IAC_RPM_HI",
+                                       "IAC_RPM_LO",
+                                       "IAC_Start",
+                                       "MinDuty",
+                                       "MaxDuty",
+                                       "CLT_FailHigh",
+                                       "CLT_FailLow",
+                                       "CLT_Default",
+                                       "MAP_FailHigh",
+                                       "MAP_FailLow",
+                                       "MAP_Default",
+                                       "MAP_FIL",
+                                       "TPS_FCV",
+                                       "TPS_WOV",
+                                       "TPS_FailHigh",
+                                       "TPS_FailLow",
+                                       "TPS_Default",
+                                       "EGO_FailTime",
+                                       "EGO_SUD",
+                                       "MAT_FailHigh",
+                                       "MAT_FailLow",
+                                       "MAT_Default",
+                                       "KNK_Timer",
+                                       "MAFMax"};
+
+TEST_F(NewCalibration, TakesEachSingleNumberFromTheDefaults) {
+    for (const refdata::DefaultsSet& set : refdata::defaultsSets()) {
+        if (std::ranges::find(singleDefaults, set.name) == singleDefaults.end()) continue;
+        const ChangedSet change(path, set, database.defaults(set.name));
+        make(oneBar);
+        EXPECT_NEAR(unit.get(set.name), change.changed, 0.051) << set.name;
+    }
+}
+
+TEST_F(NewCalibration, HasEverySingleNumberOnEveryKindWithAFuelSideAndTheIgnitionOnesOnThePzk2) {
+    std::set<std::string> lacking;
+    for (const char* member : singleDefaults) {
+        EXPECT_EQ(database.defaults(member).size(), 1U) << member;
+        for (const UnitKind* kind : {&orbaKind(), &orbLiteKind(), &orbcKind(), &orbdKind(), &orbd6Kind()}) {
+            EXPECT_TRUE(QuietCalibration(*kind).unit.has(member)) << member << " slot " << kind->slot;
+        }
+        if (!QuietCalibration(pzk2Kind()).unit.has(member)) lacking.insert(member);
+    }
+    const std::set<std::string> fuelAndIdle = {
+        "TBSOFF",     "ACE0",           "ACE1",           "ACE2",     "ACE3",     "ACE4",
+        "ACE5",       "ACE6",           "ACE7",           "ACCL_PW",  "ACCL_TM",  "SEPW",
+        "SECLT",      "ASE0",           "ASE1",           "DCCL_0",   "DCCL_1",   "DCCL_3",
+        "DCCL_4",     "MAP_Max",        "BSTCTTM",        "CONDIV",   "AVRDIV",   "Register_Number",
+        "EGO_LMT",    "EGO_RPM",        "EGO_MAP",        "EGO_TMP",  "EGO_RPML", "EGO_HighVoltage",
+        "EGO_Type",   "NEGPGAIN",       "EGO_LowVoltage", "POSPGAIN", "NEGDGAIN", "POSDGAIN",
+        "Reset_Duty", "IAC_RPM_HI",     "IAC_RPM_LO",     "MinDuty",  "MaxDuty",  "IAC_Start",
+        "EGO_SUD",    "DCCL_CutActive", "EGO_FailTime",   "MAFMax"};
+    EXPECT_EQ(lacking, fuelAndIdle);
+}
+
+TEST_F(NewCalibration, TakesTheValuesOfItsOwnKindAndElseThePlainOnes) {
+    const auto idleOf = [&](const UnitKind& kind) {
+        QuietCalibration one(kind, &database);
+        startNewCalibration(one.unit);
+        chooseEngine(one.unit, database.engine(kind.slot, 1).value());
+        chooseSensor(one.unit, sensor(oneBar));
+        loadDefaults(one.unit, database, {});
+        return std::make_pair(one.unit.get("ISRPM", 2), one.unit.get("KNK_MIN"));
+    };
+    EXPECT_EQ(idleOf(orbaKind()), std::make_pair(850.0F, 50.0F));
+    EXPECT_EQ(idleOf(orbLiteKind()), std::make_pair(900.0F, 50.0F));
+    EXPECT_EQ(idleOf(orbcKind()), std::make_pair(800.0F, 50.0F));
+    EXPECT_EQ(idleOf(orbdKind()), std::make_pair(1100.0F, 50.0F));
+    EXPECT_EQ(idleOf(orbd6Kind()), std::make_pair(1100.0F, 50.0F));
+}
+
+TEST_F(NewCalibration, OffersTheFiguresOfItsKind) {
+    EXPECT_EQ(startingFigures(database, orbaKind()).revLimit, 7000);
+    EXPECT_EQ(startingFigures(database, orbaKind()).fullScalePulse, 8);
+    EXPECT_EQ(startingFigures(database, orbaKind()).openingTime, 1);
+    EXPECT_EQ(startingFigures(database, orbaKind()).injectors, 4);
+    EXPECT_EQ(startingFigures(database, orbcKind()).injectors, 6);
+    EXPECT_EQ(startingFigures(database, pzk2Kind()).revLimit, 6000);
+    EXPECT_EQ(startingFigures(database, orbd6Kind()).revLimit, 8000);
+}
+
+TEST_F(NewCalibration, OfAnIgnitionOnlyUnitIsTimedForAClassicEngine) {
+    QuietCalibration one(pzk2Kind(), &database);
+    startNewCalibration(one.unit);
+    chooseEngine(one.unit, database.engine(5, 1).value());
+    chooseSensor(one.unit, sensor(oneBar));
+    loadDefaults(one.unit, database, startingFigures(database, pzk2Kind()));
+    for (int cell = 0; cell < 256; ++cell) {
+        EXPECT_GE(one.unit.get("ADV", cell), 8) << cell;
+        EXPECT_LE(one.unit.get("ADV", cell), 38) << cell;
+    }
+    // 6000 RPM: all of the weights; at 20 kPa all of the vacuum can, at full load none.
+    EXPECT_EQ(one.unit.get("ADV", 15), 38);
+    EXPECT_EQ(one.unit.get("ADV", 255), 30);
+    EXPECT_EQ(one.unit.get("Initial_Advance"), 8);
+}
+
+TEST_F(NewCalibration, ReadsTheTablesBetweenTheCellsOfTheDefaults) {
+    make(oneBar, {.revLimit = 8000});
+    // 16.0 kPa are 1/3 on the way from 14 to 20, where the lines are alike; at 1500 RPM 24.5 degrees.
+    EXPECT_EQ(unit.get("ADV", 2), 24.5F);
+    // 21.72 kPa: VE at 500 RPM is -27 at 20 kPa and -25 at 26 kPa, so -26.4.
+    EXPECT_EQ(unit.get("VE", 16), -26);
+    make(oneBar, {.revLimit = 12000});
+    // 750 RPM, halfway from 12.5 to 16.5 degrees.
+    EXPECT_EQ(unit.get("ADV", 0), 14.5F);
+    // 9000 RPM and beyond are as the last column, 44 degrees.
+    EXPECT_EQ(unit.get("ADV", 15), 44);
+}
+
+TEST_F(NewCalibration, WithBoostIsRetardedAndRich) {
+    make("2.5 BAR (10-260 kPa)", {.maxBoost = 120});
+    // The last line lies 120 kPa above the atmosphere: at 7000 RPM 17 degrees less than 30.5, and 11.4 to 1.
+    EXPECT_EQ(unit.get("ADV", 255), 13.5F);
+    EXPECT_FLOAT_EQ(unit.DirectIndex(1424 + 255), 11.4F);
+    EXPECT_EQ(unit.get("ADV", 240), 6) << "no less than the least";
+    for (int row = 1; row < 16; ++row) {
+        for (int column = 0; column < 16; ++column) {
+            const int cell = row * 16 + column;
+            EXPECT_LE(unit.get("ADV", cell), unit.get("ADV", cell - 16)) << cell;
+            if (unit.get("MAPTBL", row) <= 101.4F) continue;
+            EXPECT_LE(unit.DirectIndex(1424 + cell), 13.0F) << cell;
+            EXPECT_GE(unit.get("VE", cell), unit.get("VE", cell - 16)) << cell;
+            const float boost = unit.get("MAPTBL", row) - 101.3F;
+            EXPECT_LE(unit.get("ADV", cell), std::max(6.0F, 32.5F - boost / 8)) << cell;
+        }
+    }
+}
+
+TEST_F(NewCalibration, WithoutBoostIsNeitherRetardedNorEnriched) {
+    make("3 BAR (1-316 kPa)");
+    // 101.3 kPa at 7000 RPM: 34 at 92, 32.5 at 98 and 31 at 104 kPa in the column of 7000.
+    EXPECT_NEAR(unit.get("ADV", 255), 31.5F, 0.5);
+    EXPECT_NEAR(unit.DirectIndex(1424 + 255), 12.5F, 0.11);
+}
+
+TEST_F(NewCalibration, AnAxisBeginsAboveNoPressureAtAll) {
+    for (const MapSensorRow& row : database.mapSensors()) {
+        startNewCalibration(unit);
+        chooseSensor(unit, row);
+        const auto axis = newPressureAxis(unit, 0, 16);
+        const float vacuum = row.units == 3 ? -14.696F : 0;
+        EXPECT_GE(axis.front(), vacuum) << row.description;
+        EXPECT_TRUE(std::ranges::is_sorted(axis, std::less_equal<>())) << row.description;
+        EXPECT_EQ(std::ranges::adjacent_find(axis), axis.end()) << row.description;
+    }
+    startNewCalibration(unit);
+    chooseSensor(unit, sensor("1 Bar Absolute, 0.5-4.5 V from 0 to 100 kPa (-12 to 112 kPa)"));
+    EXPECT_THAT(newPressureAxis(unit, 0, 16).front(), FloatNear(101.325F / 16, 0.01F));
+}
+
+TEST_F(NewCalibration, SetsEachPinToAFunctionOfItsOwnSide) {
+    for (const Model& model : models()) {
+        QuietCalibration one(model.kind, &database);
+        startNewCalibration(one.unit);
+        chooseEngine(one.unit, database.engine(model.kind.slot, 1).value());
+        chooseSensor(one.unit, sensor(oneBar));
+        loadDefaults(one.unit, database, {});
+        for (const GpioPin& pin : gpioPinsOf(model.kind).rows) {
+            const int code = one.unit.Get_GPIOFUNC(pin.pin);
+            constexpr int unusedInput = 22;
+            if (pin.side == GpioSide::Input) {
+                EXPECT_EQ(code, unusedInput) << nameOf(model) << " pin " << pin.pin;
+            } else {
+                const GpioFunction* function = gpioFunctionOf(gpioPinsOf(model.kind).kind, code);
+                ASSERT_NE(function, nullptr) << nameOf(model) << " pin " << pin.pin;
+                EXPECT_NE(function->side, GpioSide::Input) << nameOf(model) << " pin " << pin.pin;
+            }
+        }
+    }
+}
+
+TEST_F(NewCalibration, OfTheSecondOrbDFindsItsEngines) {
+    EXPECT_EQ(database.engines(8, 0).size(), database.engines(7, 0).size());
+    const auto engine8 = database.engineByName("4 Cylinder Wasted Spark, Paired Injection", 8);
+    ASSERT_TRUE(engine8);
+    EXPECT_EQ(engine8->orbUnit, 7);
+    EXPECT_EQ(database.engine(8, 12)->displayValue, "V-Twin 60 Degree Odd Fire, Sequential Injection");
+    QuietCalibration one(orbd6Kind(), &database);
+    startNewCalibration(one.unit);
+    EXPECT_THAT(chooseEngine(one.unit, database.engine(8, 12).value()), IsEmpty());
+    EXPECT_EQ(one.unit.get("TOOTHMAX"), 48);
+}
+
+TEST_F(NewCalibration, StopsAtATableOfTheDefaultsThatIsNotWhole) {
+    sqlite3* file = nullptr;
+    ASSERT_EQ(sqlite3_open(path.c_str(), &file), SQLITE_OK);
+    sqlite3_exec(file, "UPDATE Defaults SET ADV = NULL WHERE rowid = 200", nullptr, nullptr, nullptr);
+    sqlite3_close(file);
+    EXPECT_EQ(refdata::failureOf<Failure>([&] { make(oneBar); }),
+              "Set ADV of table Defaults has 255 values, not 256");
+    EXPECT_EQ(unit.ONFLY_MODE(), false);
+}
+
+TEST_F(NewCalibration, OfEachModelTakesEverySensorOfTheList) {
+    for (const Model& model : models()) {
+        const EngineRow engine = database.engines(model.kind.slot, model.variant).front();
+        QuietCalibration one(model.kind, &database);
+        for (const MapSensorRow& row : database.mapSensors()) {
+            SCOPED_TRACE(nameOf(model) + ", " + row.description);
+            startNewCalibration(one.unit);
+            chooseEngine(one.unit, engine);
+            EXPECT_THAT(chooseSensor(one.unit, row), IsEmpty());
+            EXPECT_THAT(loadDefaults(one.unit, database, startingFigures(database, model.kind)), IsEmpty());
+            EXPECT_THAT(outsideTheirRange(one.unit), IsEmpty());
+            EXPECT_NO_THROW(one.unit.ConvertData());
+        }
+    }
 }
 
 TEST_F(NewCalibration, NamesAMemberThatRefusesAndGoesOn) {

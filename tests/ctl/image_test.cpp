@@ -33,7 +33,7 @@ TEST_F(Zentaqctl, ImageWritesTheMemoryAsSRecords) {
     EXPECT_EQ(bytes[58] * 256 + bytes[59], 7000);   // rev limit
     EXPECT_EQ(bytes[5], 0);                         // tooth offset 14
     EXPECT_EQ(bytes[592] * 256 + bytes[593], 438);  // 7000 / 16 = 437.5, to the even neighbour
-    EXPECT_EQ(bytes[912 + 16], 50 - 27);            // VE
+    EXPECT_EQ(bytes[912 + 16], 50 - 26);            // VE
     EXPECT_EQ(bytes[656], 53);                      // 12.5 * 4.25 = 53.125
     EXPECT_EQ(std::string(bytes.begin() + 560, bytes.begin() + 566), "Street");
 }

@@ -39,7 +39,7 @@ TEST_F(ZentaqctlTable, ShowsTheHighestRowOnTop) {
     EXPECT_EQ(grid[0][0], "ADV");
     EXPECT_EQ(grid[0][1], onFile("get", "RPMTBL 0").out.substr(0, grid[0][1].size()));
     EXPECT_EQ(grid[16][1], "12.5");  // cell 0
-    EXPECT_EQ(grid[16][16], "44");
+    EXPECT_EQ(grid[16][16], "43.5");
     EXPECT_EQ(grid[1][16] + "\n", onFile("get", "ADV 255").out);
     EXPECT_EQ(grid[1][0] + "\n", onFile("get", "MAPTBL 15").out);
     EXPECT_EQ(grid[16][0] + "\n", onFile("get", "MAPTBL 0").out);

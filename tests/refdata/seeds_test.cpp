@@ -6,6 +6,7 @@
 #include "base/errors.h"
 #include "base/rounding.h"
 #include "base/text.h"
+#include "refdata/schema.h"
 #include "refdata_fixture.h"
 
 namespace zentaq::refdata {
@@ -30,11 +31,74 @@ class Seeds : public ReferenceDatabase {
 
 // ---- Engines: the values fit the cells they go into.
 
-TEST_F(Seeds, KindThreeHasADozenEnginesAndEveryKindHasSome) {
-    std::map<int, int> count;
-    for (const EngineRow& engine : allEngines()) ++count[engine.orbUnit];
-    EXPECT_GE(count[3], 12);
-    EXPECT_EQ(count.size(), 5u);
+TEST_F(Seeds, EachModelOffersTheEnginesThatItServes) {
+    const Database database = open();
+    for (const int variant : {1, 2, 3}) EXPECT_GE(database.engines(3, variant).size(), 25u) << variant;
+    for (const int kind : {4, 5, 6, 7, 8}) EXPECT_GE(database.engines(kind, 0).size(), 15u) << kind;
+}
+
+TEST_F(Seeds, OneToTwelveCylindersOneToFourRotorsAndEachWayOfIgnitionAndInjectionAreThere) {
+    std::set<float> cylinders, rotors;
+    std::set<int> layouts, spacings;
+    std::set<float> injections;
+    for (const EngineRow& engine : allEngines()) {
+        (engine.rotary ? rotors : cylinders).insert(engine.cylinders);
+        layouts.insert(static_cast<int>(engine.p1EgTp) % 16);
+        spacings.insert(static_cast<int>(engine.p2EgTp) % 16);
+        injections.insert(engine.injMode);
+    }
+    EXPECT_EQ(cylinders, (std::set<float>{1, 2, 3, 4, 5, 6, 8, 10, 12}));
+    EXPECT_EQ(rotors, (std::set<float>{1, 2, 3, 4}));
+    EXPECT_EQ(layouts, (std::set<int>{1, 2, 3, 4, 5, 6, 7}));
+    EXPECT_EQ(spacings, (std::set<int>{1, 2, 3}));
+    EXPECT_EQ(injections, (std::set<float>{0, 1, 2, 3}));
+}
+
+// Calibrations hold the number, so it goes on meaning what it meant.
+TEST_F(Seeds, TheFirstEighteenOptionsKeepTheirMeaning) {
+    const std::vector<std::string> names{"4 Cylinder Wasted Spark, Paired Injection",
+                                         "4 Cylinder Wasted Spark, Sequential Injection",
+                                         "4 Cylinder Coil per Plug, Sequential Injection",
+                                         "4 Cylinder Distributor, Throttle Body",
+                                         "4 Cylinder Dual Plug Wasted Spark, Paired Injection",
+                                         "6 Cylinder Wasted Spark, Paired Injection",
+                                         "6 Cylinder Coil per Plug, Sequential Injection",
+                                         "V6 90 Degree Odd Fire, Sequential Injection",
+                                         "8 Cylinder Wasted Spark, Bank Injection",
+                                         "8 Cylinder Coil per Plug, Sequential Injection",
+                                         "8 Cylinder Distributor, Throttle Body",
+                                         "V-Twin 60 Degree Odd Fire, Sequential Injection",
+                                         "V-Twin 90 Degree Odd Fire, Sequential Injection",
+                                         "2 Rotor Rotary, Leading and Trailing Plugs",
+                                         "3 Rotor Rotary, Leading and Trailing Plugs",
+                                         "12 Cylinder Wasted Spark, Paired Injection",
+                                         "6 Cylinder Dual Plug Coil per Plug, Sequential Injection",
+                                         "V8 Flat Crank Coil per Plug, Sequential Injection"};
+    const Database database = open();
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        const auto engine = database.engine(3, static_cast<int>(i) + 1);
+        ASSERT_TRUE(engine) << i;
+        EXPECT_EQ(engine->displayValue, names[i]);
+    }
+}
+
+TEST_F(Seeds, TheAngleInTheNameOfATwinIsItsTeeth) {
+    static const std::regex twin(R"((V-Twin|V4) (\d+) Degree.*)");
+    int checked = 0;
+    for (const EngineRow& engine : allEngines()) {
+        std::smatch part;
+        if (!std::regex_match(engine.displayValue, part, twin)) continue;
+        EXPECT_EQ((engine.offsetB - engine.offsetA) * 6, std::stof(part[2])) << engine.displayValue;
+        ++checked;
+    }
+    EXPECT_GE(checked, 6);
+}
+
+TEST_F(Seeds, AnIgnitionOnlyUnitNamesNoInjection) {
+    for (const EngineRow& engine : open().engines(5, 0)) {
+        EXPECT_EQ(engine.displayValue.find("Injection"), std::string::npos) << engine.displayValue;
+        EXPECT_EQ(engine.displayValue.find("Throttle"), std::string::npos) << engine.displayValue;
+    }
 }
 
 TEST_F(Seeds, EngineNamesAndOptionsStandOnceInTheirKind) {
@@ -57,8 +121,9 @@ TEST_F(Seeds, TriggerOffsetsStayOnTheWheel) {
     }
 }
 
+// There is no code for 5 pulses: engines of five and ten cylinders have none.
 TEST_F(Seeds, TachCodesGiveOnePulseForEachIgnition) {
-    const std::map<int, int> pulses{{14, 1}, {2, 2}, {8, 3}, {3, 4}, {10, 6}};
+    const std::map<int, int> pulses{{14, 1}, {2, 2}, {8, 3}, {3, 4}, {10, 6}, {0, 5}};
     for (const EngineRow& engine : allEngines()) {
         const int code = static_cast<int>(engine.p2EgTp) >> 4;
         ASSERT_TRUE(pulses.contains(code)) << engine.displayValue;
@@ -144,7 +209,7 @@ TEST_F(Seeds, SensorNamesStandOnceAndAllFiveUnitsAreThere) {
         EXPECT_TRUE(names.insert(upper(sensor.description)).second) << sensor.description;
         units.insert(sensor.units);
     }
-    EXPECT_GE(sensors.size(), 12u);
+    EXPECT_GE(sensors.size(), 40u);
     EXPECT_EQ(units, (std::set<int>{1, 2, 3, 4, 5}));
 }
 
@@ -189,6 +254,23 @@ TEST_F(Seeds, SensorNamesStateTheirUnitAndTheirRangeFrom0To5Volts) {
         EXPECT_NEAR(-sensor.offset / sensor.scale, stated.low, tolerance) << sensor.description;
         EXPECT_NEAR((5 - sensor.offset) / sensor.scale, stated.high, tolerance) << sensor.description;
     }
+}
+
+// "0.5-4.5 V from 0 to 300 kPa": the line goes through both points.
+TEST_F(Seeds, SensorNamesWithVoltsAndPressuresTellTheirLine) {
+    static const std::regex form(R"(.*, ([\d.]+)-([\d.]+) V from (-?[\d.]+) to (-?[\d.]+) (\w+) \(.*)");
+    int checked = 0;
+    for (const MapSensorRow& sensor : open().mapSensors()) {
+        std::smatch part;
+        if (!std::regex_match(sensor.description, part, form)) continue;
+        EXPECT_NEAR(sensor.scale * std::stod(part[3]) + sensor.offset, std::stod(part[1]), 0.002)
+            << sensor.description;
+        EXPECT_NEAR(sensor.scale * std::stod(part[4]) + sensor.offset, std::stod(part[2]), 0.002)
+            << sensor.description;
+        EXPECT_TRUE(sensor.description.ends_with(part[5].str() + ")")) << sensor.description;
+        ++checked;
+    }
+    EXPECT_GE(checked, 30);
 }
 
 // A calibration shows slope and offset rounded to 4 decimals: the span stays true to 1 percent.
@@ -340,6 +422,69 @@ TEST_F(Seeds, AirTemperatureEnrichmentFollowsAirDensity) {
     EXPECT_EQ(enrichment.at(6), 0) << "20 Celsius";
     EXPECT_EQ(enrichment.at(4), 7) << "0 Celsius: 293 / 273 = 1.073";
     EXPECT_EQ(enrichment.at(12), -17) << "80 Celsius: 293 / 353 = 0.830";
+}
+
+TEST_F(Seeds, ASetForOneKindHasTheShapeAndTheLimitsOfThePlainOne) {
+    std::map<std::string, DefaultsSet> plain;
+    for (const DefaultsSet& set : defaultsSets()) plain.emplace(set.name, set);
+    // One value a pin, and the kinds have 9, 4, 13 and 7.
+    const std::map<std::string, int> pins{
+        {"GPIO_Func_ORBL", 9}, {"GPIO_Func_PZK2", 4}, {"GPIO_Func_ORBC", 13}, {"GPIO_Func_ORBD", 7}};
+    int compared = 0;
+    for (const auto& [name, set] : plain) {
+        for (const int slot : {4, 5, 6, 7}) {
+            const std::string suffix(defaultsSuffix(slot));
+            if (!name.ends_with(suffix)) continue;
+            const auto other = plain.find(name.substr(0, name.size() - suffix.size()));
+            ASSERT_NE(other, plain.end()) << name;
+            const int count = pins.contains(name) ? pins.at(name) : other->second.count;
+            EXPECT_EQ(set.count, count) << name;
+            EXPECT_EQ(set.minimum, other->second.minimum) << name;
+            EXPECT_EQ(set.maximum, other->second.maximum) << name;
+            EXPECT_EQ(set.ascending, other->second.ascending) << name;
+            ++compared;
+        }
+    }
+    EXPECT_GE(compared, 15);
+    EXPECT_EQ(defaultsSuffix(3), "");
+    EXPECT_EQ(defaultsSuffix(8), defaultsSuffix(7));
+}
+
+TEST_F(Seeds, DefaultsOfEachKindAgreeWithEachOther) {
+    const Database database = open();
+    const auto sets = database.defaultsSets();
+    for (const int slot : {3, 4, 5, 6, 7}) {
+        const auto value = [&](const std::string& set, std::size_t i = 0) {
+            const std::string own = set + std::string(defaultsSuffix(slot));
+            const bool has = std::find(sets.begin(), sets.end(), own) != sets.end();
+            return database.defaults(has ? own : set).at(i);
+        };
+        EXPECT_LT(value("REV_AuxLimiter"), value("REV_Limiter")) << slot;
+        EXPECT_LT(value("KNK_RPM"), value("REV_Limiter") + 1) << slot;
+        // The idle speed falls as the engine warms up, and fuel comes back above the cold idle.
+        EXPECT_GT(value("ISRPM", 0), value("ISRPM", 1)) << slot;
+        EXPECT_GT(value("ISRPM", 1), value("ISRPM", 2)) << slot;
+        EXPECT_GT(value("DCCL_1"), value("ISRPM", 0)) << slot;
+        EXPECT_GT(value("DCCL_0"), value("DCCL_1")) << slot;
+        EXPECT_GT(value("IAC_RPM_HI"), value("IAC_RPM_LO")) << slot;
+        EXPECT_GE(value("EGO_RPML"), value("ISRPM", 2)) << slot;
+        EXPECT_LE(value("Initial_Advance"), 10) << slot;
+    }
+}
+
+TEST_F(Seeds, BoostTakesTimingOffAndAddsFuelWithoutAStep) {
+    const Database database = open();
+    const auto retard = database.defaults("BOOST_RTD");
+    const auto ratio = database.defaults("BOOST_AFR");
+    const auto fuel = database.defaults("BOOST_VE");
+    EXPECT_EQ(database.defaults("BOOST").front(), 0);
+    EXPECT_EQ(retard.front(), 0);
+    EXPECT_EQ(fuel.front(), 0);
+    const auto mixture = database.defaults("AFR");
+    EXPECT_GE(ratio.front(), *std::max_element(mixture.end() - 16, mixture.end()));
+    EXPECT_TRUE(std::is_sorted(retard.begin(), retard.end()));
+    EXPECT_TRUE(std::is_sorted(fuel.begin(), fuel.end()));
+    EXPECT_TRUE(std::is_sorted(ratio.rbegin(), ratio.rend()));
 }
 
 // ---- Help and tips

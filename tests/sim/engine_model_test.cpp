@@ -109,6 +109,17 @@ TEST(EngineModel, SecondKillWhileStandingStartsTheWaitAgain) {
     EXPECT_GT(engine.values().rpm, 700);
 }
 
+TEST(EngineModel, PinsStayWithinAByteAndMoveOnTheirOwn) {
+    EngineModel engine;
+    for (int i = 0; i < 1000; ++i) {
+        engine.advance(0.1);
+        for (const double raw : engine.values().gpio) ASSERT_TRUE(raw >= 0 && raw <= 255) << raw;
+    }
+    // after 5 s a sine of 0.05 Hz is at its top, one of 0.1 Hz back in its middle
+    EXPECT_NEAR(after(5).gpio[5], 228, 0.001);
+    EXPECT_NEAR(after(5).gpio[10], 128, 0.001);
+}
+
 TEST(EngineModel, TimingIsHeldAtZeroUntilRestored) {
     EngineModel engine;
     engine.setTimingZero(true);

@@ -141,6 +141,128 @@ TEST(FrameLayout, WideFrameOfOrbACarriesHeadValuesOutputsAndChecksum) {
                         {63, 207, "eighth"}});
 }
 
+TEST(FrameLayout, NarrowFrameOfTheOtherKindsHasHeadFineStepsAndChecksum) {
+    for (const char* model : {"L", "C", "D", "D6"}) {
+        const Bytes reply = encodeFrame(findProfile(model)->narrow, handPicked());
+        ASSERT_EQ(reply.size(), 28u) << model;
+        expectBytes(reply, {{0, 0xFA, "head"},
+                            {1, 0xA5, "head"},
+                            {2, 0x55, "head"},
+                            {3, 0x0B, "3000 rpm = 0BB8"},
+                            {4, 0xB8, "3000 rpm = 0BB8"},
+                            {5, 153, "throttle, 3 V * 51"},
+                            {6, 242, "pressure, 4.74762 V * 51"},
+                            {7, 172, "coolant"},
+                            {8, 87, "air"},
+                            {9, 51, "knock"},
+                            {10, 85, "primary"},
+                            {11, 68, "secondary"},
+                            {12, 17, "retard"},
+                            {13, 0, "gamma as it stands"},
+                            {14, 100, "gamma as it stands"},
+                            {15, 140, "desired before actual"},
+                            {16, 185, "actual"},
+                            {17, 133, "correction"},
+                            {18, 41, "oxygen sensor"},
+                            {19, 0x1F, "8 ms * 1000 = 1F40"},
+                            {20, 0x40, "8 ms * 1000 = 1F40"},
+                            {21, 0x07, "2 ms * 1000 = 07D0"},
+                            {22, 0xD0, "2 ms * 1000 = 07D0"},
+                            {23, 103, "idle motor"},
+                            {24, 1, "direction"},
+                            {25, 176, "13.8 V / 0.078431 = 175.95"},
+                            {26, 1, "lamp"},
+                            {27, 41, "the bytes from the third on add up to 2345 = 9 * 256 + 41"}});
+    }
+}
+
+TEST(FrameLayout, NarrowFrameOfThePzk2HasIgnitionOnlyAndItsThrottleAtByte8) {
+    const Bytes reply = encodeFrame(findProfile("PZK-2")->narrow, handPicked());
+    ASSERT_EQ(reply.size(), 28u);
+    expectBytes(reply, {{3, 0x0B, "rpm"},
+                        {4, 0xB8, "rpm"},
+                        {5, 0, "no throttle here"},
+                        {6, 242, "pressure"},
+                        {7, 0, "none"},
+                        {8, 153, "throttle"},
+                        {9, 51, "knock"},
+                        {10, 85, "primary"},
+                        {11, 68, "second"},
+                        {12, 17, "retard"},
+                        {13, 0, "no fuel"},
+                        {14, 0, "no fuel"},
+                        {15, 0, "no fuel"},
+                        {19, 0, "no fuel"},
+                        {20, 0, "no fuel"},
+                        {23, 0, "no idle"},
+                        {24, 0, "no idle"},
+                        {25, 176, "battery"},
+                        {26, 1, "lamp"},
+                        {27, 49, "the bytes from the third on add up to 1073 = 4 * 256 + 49"}});
+}
+
+struct WideEnd {
+    const char* model;
+    std::size_t length;
+    std::size_t pins;
+    int battery;
+};
+
+TEST(FrameLayout, WideFramesDifferInBatteryScaleAndPins) {
+    // 13.8 V / 0.067432 = 204.7 on the ORB A, / 0.078431 = 175.95 on the others
+    constexpr WideEnd ends[] = {{"A", 65, 8, 205},  {"A r", 65, 8, 205}, {"L", 66, 9, 176},
+                                {"C", 70, 13, 176}, {"D", 62, 5, 176},   {"D6", 62, 5, 176}};
+    const Bytes orbA = encodeFrame(findProfile("A")->wide, handPicked());
+    for (const WideEnd& end : ends) {
+        const Bytes reply = encodeFrame(findProfile(end.model)->wide, handPicked());
+        ASSERT_EQ(reply.size(), end.length) << end.model;
+        EXPECT_TRUE(test::isSealed(reply)) << end.model;
+        EXPECT_EQ(reply[28], end.battery) << end.model;
+        for (std::size_t i = 3; i < 56; ++i) {
+            if (i != 28) {
+                EXPECT_EQ(reply[i], orbA[i]) << end.model << i;
+            }
+        }
+        EXPECT_EQ(end.length, 56 + end.pins + 1) << "pins and checksum end the frame";
+        for (std::size_t pin = 0; pin < end.pins; ++pin) EXPECT_EQ(reply[56 + pin], 200 + pin) << end.model;
+    }
+}
+
+TEST(FrameLayout, PinListsHoldThePinsOfTheKind) {
+    struct List {
+        const char* model;
+        std::size_t pins;
+    };
+    for (const List& list : {List{"L", 9}, List{"C", 13}, List{"D", 7}, List{"PZK-2", 4}}) {
+        const Bytes reply = encodeFrame(findProfile(list.model)->inputs, handPicked());
+        ASSERT_EQ(reply.size(), 21u) << list.model;
+        for (std::size_t pin = 0; pin < list.pins; ++pin) EXPECT_EQ(reply[3 + pin], 200 + pin) << list.model;
+        for (std::size_t at = 3 + list.pins; at < 20; ++at) EXPECT_EQ(reply[at], 0) << list.model << at;
+    }
+}
+
+TEST(FrameLayout, LogRecordsDifferInLengthAndBatteryScale) {
+    struct Record {
+        const char* model;
+        std::size_t length;
+    };
+    for (const Record& record : {Record{"L", 36}, Record{"C", 40}, Record{"D", 34}}) {
+        const Bytes reply = encodeFrame(findProfile(record.model)->logRecord, handPicked());
+        ASSERT_EQ(reply.size(), record.length) << record.model;
+        expectBytes(reply,
+                    {{5, 153, "throttle"}, {15, 185, "actual"}, {16, 140, "desired"}, {24, 176, "battery"}});
+    }
+    const Bytes pzk2 = encodeFrame(findProfile("PZK-2")->logRecord, handPicked());
+    ASSERT_EQ(pzk2.size(), 34u);
+    expectBytes(pzk2, {{4, 0xB8, "rpm"},
+                       {5, 153, "throttle"},
+                       {6, 242, "pressure"},
+                       {7, 0, "no coolant sensor"},
+                       {10, 85, "advance"},
+                       {15, 0, "no fuel"},
+                       {24, 176, "battery"}});
+}
+
 TEST(FrameLayout, LogRecordHasActualBeforeDesiredRatio) {
     const Bytes reply = encodeFrame(findProfile("A")->logRecord, handPicked());
     ASSERT_EQ(reply.size(), 33u);
@@ -166,8 +288,13 @@ TEST(FrameLayout, ValuesOutsideAFieldAreClippedToIt) {
 }
 
 TEST(FrameLayout, NoTwoFieldsOfALayoutShareAByte) {
-    const UnitProfile& profile = *findProfile("A");
-    for (const FrameLayout* layout : {&profile.narrow, &profile.wide, &profile.logRecord, &profile.inputs}) {
+    std::vector<const FrameLayout*> layouts;
+    for (const UnitProfile* profile : allProfiles()) {
+        layouts.insert(layouts.end(),
+                       {&profile->narrow, &profile->wide, &profile->logRecord, &profile->inputs});
+    }
+    for (const FrameLayout* layout : layouts) {
+        if (layout->length == 0) continue;
         std::vector<int> uses(static_cast<std::size_t>(layout->length));
         for (const auto& field : layout->fields) {
             for (int i = 0; i < field.width; ++i) ++uses.at(static_cast<std::size_t>(field.byte + i));

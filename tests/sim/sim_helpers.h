@@ -3,6 +3,7 @@
 
 #include <stdlib.h>
 
+#include <cctype>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -71,6 +72,15 @@ inline std::string askText(SimulatedUnit& unit, std::string_view command) {
 
 inline unsigned word(const Bytes& reply, std::size_t at) {
     return reply.at(at) * 256u + reply.at(at + 1);
+}
+
+/// The letters and digits of a model's name, which is all that the name of a test may have.
+inline std::string plainName(std::string_view model) {
+    std::string name;
+    for (const char c : model) {
+        if (std::isalnum(static_cast<unsigned char>(c)) != 0) name += c;
+    }
+    return name;
 }
 
 /// Sets or, with nullptr, unsets an environment variable until it goes.

@@ -10,6 +10,7 @@
 #include <csignal>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <sstream>
 #include <thread>
 
@@ -62,16 +63,18 @@ class Running {
     explicit Running(const SimulatorOptions& options)
         : stop_(::eventfd(0, EFD_CLOEXEC)),
           simulator_(options),
-          thread_([this] { simulator_.run(stop_.get()); }) {}
+          thread_([this] { simulator_.run(stop_.get(), power_.get()); }) {}
     ~Running() {
         ::eventfd_write(stop_.get(), 1);
         thread_.join();
     }
+    void cyclePower() { ::eventfd_write(power_.get(), 1); }
     Simulator& operator*() { return simulator_; }
     Simulator* operator->() { return &simulator_; }
 
  private:
     FileDescriptor stop_;
+    FileDescriptor power_{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
     Simulator simulator_;
     std::thread thread_;
 };
@@ -203,6 +206,128 @@ TEST(Simulator, AnnouncesItselfInThePortsFolderByModelAndSerial) {
     EXPECT_FALSE(fs::is_symlink(link));
 }
 
+TEST(Simulator, EveryModelAnswersUnderItsOwnNameInThePortsFolder) {
+    const TemporaryFolder folder;
+    const ScopedVariable variable("XDG_RUNTIME_DIR", folder.path().c_str());
+    const fs::path ports = folder.path() / "zentaq4" / "ports";
+    struct Announced {
+        const char* model;
+        const char* link;
+    };
+    for (const Announced& row : {Announced{"A", "orb-a-200001"}, Announced{"A 6/12", "orb-a612-200002"},
+                                 Announced{"Ar", "orb-ar-200003"}, Announced{"l", "orb-l-300001"},
+                                 Announced{"C", "orb-c-350001"}, Announced{"D", "orb-d-700001"},
+                                 Announced{"d6", "orb-d6-750001"}, Announced{"pzk2", "pzk-2-500001"}}) {
+        SimulatorOptions options;
+        options.model = row.model;
+        options.baud = 0;
+        Running simulator(options);
+        ASSERT_EQ(simulator->linkPath(), ports / row.link);
+        EXPECT_EQ(Line((ports / row.link).string()).ask("E", 8).size(), 8u) << row.model;
+    }
+}
+
+TEST(Simulator, SerialNumberOrFirmwareOfAnotherKindIsRefusedUnlessAskedFor) {
+    const TemporaryFolder folder;
+    SimulatorOptions options = linkedIn(folder);
+    options.model = "L";
+    options.serial = 200001;
+    EXPECT_THROW(Simulator{options}, Failure);
+    options.serial.reset();
+    options.firmware = "ZQA-405099";
+    EXPECT_THROW(Simulator{options}, Failure);
+    EXPECT_FALSE(fs::is_symlink(*options.link));
+    options.anyIdentity = true;
+    EXPECT_NO_THROW(Simulator{options});
+}
+
+TEST(Simulator, MemoryFolderHoldsAFileForEachUnit) {
+    const TemporaryFolder folder;
+    SimulatorOptions options = linkedIn(folder);
+    options.memoryFile = folder.path();
+    { const Simulator simulator(options); }
+    options.model = "PZK-2";
+    { const Simulator simulator(options); }
+    EXPECT_EQ(fs::file_size(folder.path() / "orb-a-200001.mem"), 2352u);
+    EXPECT_EQ(fs::file_size(folder.path() / "pzk-2-500001.mem"), 1024u);
+}
+
+TEST(Simulator, MemoryOfAnotherKindIsRefused) {
+    const TemporaryFolder folder;
+    SimulatorOptions options = linkedIn(folder);
+    options.memoryFile = folder.path() / "unit.mem";
+    { const Simulator simulator(options); }
+    options.model = "PZK-2";
+    EXPECT_THROW(Simulator{options}, FileError);
+}
+
+TEST(Simulator, PowerCycleTakesBackWhatWasNotStored) {
+    const TemporaryFolder folder;
+    SimulatorOptions options = linkedIn(folder);
+    options.memoryFile = folder.path() / "unit.mem";
+    options.baud = 0;
+    Running simulator(options);
+    Line line(simulator->portPath());
+    ASSERT_EQ(textOf(line.ask("P2S10411228048", 2)), "AX");
+    ASSERT_EQ(readMemoryFile(*options.memoryFile, 2352)->at(34), 0x80);
+    simulator.cyclePower();
+    const auto byte34 = [&] { return readMemoryFile(*options.memoryFile, 2352)->at(34); };
+    const auto deadline = Clock::now() + std::chrono::seconds(5);
+    while (byte34() != 0 && Clock::now() < deadline) std::this_thread::yield();
+    EXPECT_EQ(byte34(), 0);
+    EXPECT_EQ(line.ask("E", 8).size(), 8u);
+}
+
+TEST(Simulator, RefusedLineOfProgrammingIsAFaultOfTheLine) {
+    const TemporaryFolder folder;
+    SimulatorOptions options = linkedIn(folder);
+    options.baud = 0;
+    options.faults = {"refuse@line#3"};
+    Running simulator(options);
+    Line line(simulator->portPath());
+    ASSERT_EQ(textOf(line.ask("P1", 2)), "AX");
+    EXPECT_EQ(textOf(line.ask(imageRow(0, 5), 2)), "AX");
+    EXPECT_EQ(textOf(line.ask(imageRow(1, 5), 2)), "AX");
+    EXPECT_EQ(textOf(line.ask(imageRow(2, 5), 2)), "AR");
+}
+
+TEST(Simulator, LateReplyComesLate) {
+    const TemporaryFolder folder;
+    SimulatorOptions options = linkedIn(folder);
+    options.faults = {"late=120@E"};
+    Running simulator(options);
+    Line line(simulator->portPath());
+    const auto start = Clock::now();
+    ASSERT_EQ(line.ask("E", 8).size(), 8u);
+    EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(120));
+}
+
+TEST(Simulator, CableThatWasPulledComesBackUnderTheSameName) {
+    const TemporaryFolder folder;
+    SimulatorOptions options = linkedIn(folder);
+    options.baud = 0;
+    options.faults = {"hang-up=50@S#1"};
+    Running simulator(options);
+    {
+        Line line(simulator->portPath());
+        ASSERT_EQ(textOf(line.ask("P2S10411228048", 2)), "AX");
+        EXPECT_TRUE(line.ask("S", 0).empty());
+        EXPECT_TRUE(line.hungUp());
+    }
+    const auto deadline = Clock::now() + std::chrono::seconds(5);
+    while (!fs::exists(*options.link) && Clock::now() < deadline) std::this_thread::yield();
+    ASSERT_TRUE(fs::exists(*options.link));
+    Line again(options.link->string());
+    EXPECT_EQ(again.ask("E", 8).size(), 8u);
+}
+
+TEST(Simulator, WrongFaultIsRefused) {
+    const TemporaryFolder folder;
+    SimulatorOptions options = linkedIn(folder);
+    options.faults = {"thunder"};
+    EXPECT_THROW(Simulator{options}, Failure);
+}
+
 TEST(Simulator, UnknownModelIsRefused) {
     SimulatorOptions options;
     options.model = "Q";
@@ -227,7 +352,70 @@ TEST(Simulator, FailureIsToldAndEndsWithExitCodeOne) {
     std::ostringstream errors;
     EXPECT_EQ(runSimulatorUntilSignal(options, out, errors), 1);
     EXPECT_EQ(out.str(), "");
-    EXPECT_EQ(errors.str(), "zentaq-sim: There is no unit \"Q\"\n");
+    EXPECT_EQ(errors.str(),
+              "zentaq-sim: There is no unit \"Q\": the models are A, A 6/12, A r, L, C, D, D6, PZK-2\n");
+}
+
+// A simulator in a process of its own that lives no longer than the object.
+class Child {
+ public:
+    explicit Child(const SimulatorOptions& options) {
+        int pipe[2];
+        EXPECT_EQ(::pipe(pipe), 0);
+        process_ = ::fork();
+        EXPECT_GE(process_, 0);
+        if (process_ == 0) {
+            std::ofstream out("/dev/fd/" + std::to_string(pipe[1]));
+            std::ostringstream errors;
+            ::_exit(runSimulatorUntilSignal(options, out, errors));
+        }
+        ::close(pipe[1]);
+        output_.open("/dev/fd/" + std::to_string(pipe[0]));
+        ::close(pipe[0]);
+    }
+    ~Child() {
+        if (process_ > 0) endedBy(SIGKILL);
+    }
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+
+    std::string said() {
+        std::string line;
+        std::getline(output_, line);
+        return line;
+    }
+    void send(int signal) const { ::kill(process_, signal); }
+    /// The exit code; nothing when it did not end by itself.
+    std::optional<int> endedBy(int signal) {
+        send(signal);
+        int status = -1;
+        EXPECT_EQ(::waitpid(process_, &status, 0), process_);
+        process_ = 0;
+        return WIFEXITED(status) ? std::optional(WEXITSTATUS(status)) : std::nullopt;
+    }
+
+ private:
+    pid_t process_ = 0;
+    std::ifstream output_;
+};
+
+TEST(SimulatorSignals, PowerSignalTakesBackWhatWasNotStored) {
+    const TemporaryFolder folder;
+    SimulatorOptions options = linkedIn(folder);
+    options.memoryFile = folder.path() / "unit.mem";
+    options.baud = 0;
+    Child child(options);
+    ASSERT_EQ(child.said(), "ready " + options.link->string());
+    Line port(options.link->string());
+    ASSERT_EQ(textOf(port.ask("P2S10411228048", 2)), "AX");
+    ASSERT_EQ(readMemoryFile(*options.memoryFile, 2352)->at(34), 0x80);
+    child.send(SIGUSR1);
+    const auto byte34 = [&] { return readMemoryFile(*options.memoryFile, 2352)->at(34); };
+    const auto deadline = Clock::now() + std::chrono::seconds(5);
+    while (byte34() != 0 && Clock::now() < deadline) std::this_thread::yield();
+    EXPECT_EQ(byte34(), 0);
+    EXPECT_EQ(port.ask("E", 8).size(), 8u);
+    EXPECT_EQ(child.endedBy(SIGTERM), 0);
 }
 
 class SimulatorProcess : public testing::TestWithParam<int> {};
@@ -235,30 +423,14 @@ class SimulatorProcess : public testing::TestWithParam<int> {};
 TEST_P(SimulatorProcess, SaysReadyAnswersAndEndsCleanlyOnASignal) {
     const TemporaryFolder folder;
     const SimulatorOptions options = linkedIn(folder);
-    int pipe[2];
-    ASSERT_EQ(::pipe(pipe), 0);
-    const pid_t child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        std::ofstream out("/dev/fd/" + std::to_string(pipe[1]));
-        std::ostringstream errors;
-        ::_exit(runSimulatorUntilSignal(options, out, errors));
-    }
-    ::close(pipe[1]);
-    std::ifstream output("/dev/fd/" + std::to_string(pipe[0]));
-    std::string line;
-    std::getline(output, line);
-    EXPECT_EQ(line, "ready " + options.link->string());
+    Child child(options);
+    EXPECT_EQ(child.said(), "ready " + options.link->string());
+    EXPECT_EQ(child.said(), "ORB A, serial number 200001, firmware ZQA-405099");
     Line port(options.link->string());
     EXPECT_EQ(port.ask("E", 8).size(), 8u);
-    ::kill(child, GetParam());
-    int status = -1;
-    EXPECT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_EQ(child.endedBy(GetParam()), 0);
     EXPECT_FALSE(fs::is_symlink(*options.link));
     EXPECT_TRUE(port.hungUp());
-    ::close(pipe[0]);
 }
 
 INSTANTIATE_TEST_SUITE_P(Signals, SimulatorProcess, testing::Values(SIGTERM, SIGINT, SIGHUP));

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <QElapsedTimer>
 #include <QTimer>
 
 #include "windows/splash.h"
@@ -9,28 +8,6 @@
 
 namespace zentaq {
 namespace {
-
-TEST(Splash, ShowsItsTextBehindFourBlanksWhileTheEventLoopLives) {
-    FrmSplash splash("4.10.2", nullptr);
-    QString shown;
-    bool visible = false;
-    QTimer::singleShot(10, [&] {
-        shown = splash.findChild<QLabel*>("lblOperation")->text();
-        visible = splash.isVisible();
-    });
-    splash.status("Setting Up Environment");
-    EXPECT_EQ(shown, "    Setting Up Environment");
-    EXPECT_TRUE(visible);
-}
-
-TEST(Splash, HoldsEachTextForAMoment) {
-    FrmSplash splash("4.10.2", nullptr);
-    QElapsedTimer time;
-    time.start();
-    splash.status("Program Activated");
-    EXPECT_GE(time.elapsed(), FrmSplash::holdMs - 5);
-    EXPECT_LT(time.elapsed(), FrmSplash::holdMs * 10);
-}
 
 class StartSequence : public WindowTest {};
 
@@ -50,6 +27,27 @@ TEST_F(StartSequence, EndsWithTheToolbarEnabledAndTheSplashHidden) {
     ASSERT_NE(windows.splashWindow(), nullptr);
     EXPECT_FALSE(windows.splashWindow()->isVisible());
     EXPECT_EQ(windows.splashWindow()->findChild<QLabel*>("lblOperation")->text(), "    Program Activated");
+}
+
+TEST_F(StartSequence, TheSplashHidesItselfOnlyWhileTheProgramStarts) {
+    fake.session.StartingUp = 1;
+    windows.splash("Starting");
+    EXPECT_FALSE(windows.splashWindow()->isVisible());
+    fake.session.StartingUp = 0;
+    windows.splash("Working");
+    EXPECT_TRUE(windows.splashWindow()->isVisible());
+}
+
+TEST_F(StartSequence, EndsWithTheFocusInTheWorkspace) {
+    const QWidget* focus = windows.main().focusWidget();
+    ASSERT_NE(focus, nullptr);
+    EXPECT_TRUE(windows.config()->isAncestorOf(focus));
+}
+
+TEST_F(StartSequence, EndsWithTheFirstTabSelectedAndTheSecondHidden) {
+    const auto* tabs = find<QTabWidget>("sstMenu");
+    EXPECT_EQ(tabs->currentIndex(), 0);
+    EXPECT_FALSE(tabs->isTabVisible(1));
 }
 
 TEST_F(StartSequence, ShowsTheBannerInTheConsole) {

@@ -1,0 +1,91 @@
+#include "near_names.h"
+
+#include <algorithm>
+#include <sstream>
+#include <utility>
+#include <vector>
+
+#include "base/text.h"
+
+namespace zentaq::ctl {
+
+namespace {
+
+constexpr std::size_t mostSuggestions = 3;
+constexpr std::size_t longestName = 100;  ///< nobody means a name of which so much is typed
+
+bool holdsEveryWord(const std::string& name, const std::string& wanted) {
+    std::istringstream words(wanted);
+    bool any = false;
+    for (std::string word; words >> word; any = true) {
+        if (name.find(word) == std::string::npos) return false;
+    }
+    return any;
+}
+
+std::vector<std::string> withEveryWord(std::span<const std::string> names, const std::string& wanted) {
+    std::vector<std::string> found;
+    for (const std::string& name : names) {
+        if (found.size() < mostSuggestions && holdsEveryWord(upper(name), wanted)) found.push_back(name);
+    }
+    return found;
+}
+
+/// Up to a third of a name may be wrong.
+std::vector<std::string> nearest(std::span<const std::string> names, const std::string& wanted) {
+    std::vector<std::pair<int, std::string>> near;
+    for (const std::string& name : names) {
+        const int edits = editsBetween(wanted, upper(name));
+        const auto longer = std::max(name.size(), wanted.size());
+        if (edits * 3 <= static_cast<int>(longer)) near.emplace_back(edits, name);
+    }
+    std::ranges::stable_sort(near, {}, &std::pair<int, std::string>::first);
+    // Beside a name that is all but right the others only confuse.
+    if (!near.empty()) {
+        const int most = 2 * near.front().first + 1;
+        std::erase_if(near, [&](const auto& each) { return each.first > most; });
+    }
+    if (near.size() > mostSuggestions) near.resize(mostSuggestions);
+    std::vector<std::string> found;
+    found.reserve(near.size());
+    for (auto& [edits, name] : near) found.push_back(std::move(name));
+    return found;
+}
+
+}  // namespace
+
+int editsBetween(std::string_view from, std::string_view to) {
+    std::vector<int> above(to.size() + 1);
+    for (std::size_t i = 0; i <= to.size(); ++i) above[i] = static_cast<int>(i);
+    for (std::size_t row = 1; row <= from.size(); ++row) {
+        std::vector<int> line(to.size() + 1, static_cast<int>(row));
+        for (std::size_t i = 1; i <= to.size(); ++i) {
+            const int change = above[i - 1] + (from[row - 1] == to[i - 1] ? 0 : 1);
+            line[i] = std::min({change, above[i] + 1, line[i - 1] + 1});
+        }
+        above = std::move(line);
+    }
+    return above.back();
+}
+
+int placeOf(std::span<const std::string> names, std::string_view wanted) {
+    const std::string word = upper(trimmed(wanted));
+    const auto found = std::ranges::find_if(names, [&](const std::string& n) { return upper(n) == word; });
+    return found == names.end() ? -1 : static_cast<int>(found - names.begin());
+}
+
+std::string suggestion(std::span<const std::string> names, std::string_view wanted) {
+    const std::string word = upper(trimmed(wanted));
+    if (word.size() > longestName) return {};
+    std::vector<std::string> near = withEveryWord(names, word);
+    if (near.empty()) near = nearest(names, word);
+    if (near.empty()) return {};
+    // In quotes: names of engines have commas in them.
+    std::string text = "; did you mean \"" + near.front();
+    for (std::size_t i = 1; i < near.size(); ++i) {
+        text += (i + 1 == near.size() ? "\" or \"" : "\", \"") + near[i];
+    }
+    return text + "\"?";
+}
+
+}  // namespace zentaq::ctl

@@ -1,0 +1,35 @@
+// The data points that the recorder can graph: their names as the options list them, and the ten that the
+// user has chosen, as section "Datalog" of the settings keeps them.
+#pragma once
+
+#include <array>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/settings_keys.h"
+#include "platform/settings_store.h"
+
+namespace zentaq {
+
+inline constexpr int dataPointCount = 65;
+
+/// The entries of viewList in their order. A stored value is the place in this list, counted from 1.
+std::span<const std::string_view, dataPointCount> dataPointNames();
+
+/// What each of the ten keys holds: a place from 1 to 65; 0 for an unused slot, for a key never written and
+/// for a text that is no such place.
+std::array<int, settings::datalogSlots> storedDataPoints(const SettingsStore& store);
+
+/// One write to section "Datalog".
+struct DataPointWrite {
+    std::string key;
+    std::string value;
+};
+
+/// The writes that store a choice, in their order: ten zeros, then the places from 1 to 65 in list order.
+/// kept: with more than ten the keys from "Datalog11" on are written as well and never read.
+std::vector<DataPointWrite> dataPointWrites(const std::vector<int>& places);
+
+}  // namespace zentaq

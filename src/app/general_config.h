@@ -1,0 +1,131 @@
+// frmGeneralConfig without its window: the choices, fields and figures of a new calibration or of the one in
+// hand. The window shows what this answers and hands every entry to it.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/session.h"
+#include "config/injector_sizing.h"
+#include "config/model_list.h"
+#include "config/new_calibration.h"
+
+namespace zentaq {
+
+struct GeneralRow;
+
+/// What a control of the form is.
+enum class GeneralKind { Text, Choice, Option, Check };
+
+/// One control as it is to be shown now.
+struct GeneralField {
+    std::string control;  ///< "txtRPM"
+    GeneralKind kind = GeneralKind::Text;
+    std::string caption;               ///< with "&" before a mnemonic
+    std::string limits;                ///< "(1000 to 20000)" where they are not part of the caption
+    std::string text;                  ///< of a text box, or the chosen entry of a list
+    std::vector<std::string> choices;  ///< of a list; a text from elsewhere may be none of them
+    bool on = false;                   ///< of an option or check box
+    bool enabled = true;               ///< false: the model has no such parameter, or nothing may be chosen
+    bool onTheFly = false;             ///< a change acts on the running engine
+    std::string helpKey;               ///< in table FastHelp
+};
+
+class GeneralConfig {
+ public:
+    explicit GeneralConfig(Session& session);
+    ~GeneralConfig();
+
+    /// The window opens: for a new calibration while `FileState` is "NEW", else for the one in hand.
+    void load();
+    /// The window closes. A new calibration that was not saved is dropped, and what was in hand before is
+    /// back as it was.
+    void unload();
+    bool creating() const;  ///< `FileState` is "NEW"
+
+    /// Control names in the order of the form.
+    static std::span<const std::string_view> controls();
+    /// As it is to be shown now. Throws NoSuchMember for a name that is none of controls().
+    GeneralField field(std::string_view control);
+
+    /// Leaving a text box with this text, or choosing this entry of a list: checks, stores, recalculates.
+    /// False: refused, the user has been told, and field().text holds what returns to the box.
+    /// A text that field() has shown is taken without a check or a change.
+    bool enter(std::string_view control, std::string_view text);
+    /// A click on an option or a check box.
+    void click(std::string_view control, bool on);
+
+    /// "Zentaq Calculated TOG"; empty while nothing can be computed.
+    std::string lblUAP() const { return lblUAP_; }
+    const std::optional<InjectorSizing>& sizing() const { return sizing_; }
+
+    /// Key "Save" of the form's toolbar. True: the calibration is a file, and the form has done its work.
+    bool save();
+    /// Something was entered that no file holds yet.
+    bool modified() const;
+
+ private:
+    struct Former;  ///< what was in hand before a new calibration was begun
+
+    Unit& unit() { return session_.currentUnitObject(); }
+    bool inHand() const { return model_ != nullptr; }
+    const ModelEntry* modelInHand();
+    std::vector<const ModelEntry*> modelChoices();
+    std::vector<EngineRow> engines();
+    std::vector<MapSensorRow> sensors();
+    std::string textOf(const GeneralRow& row);
+    std::vector<std::string> choicesOf(const GeneralRow& row);
+    bool enabled(const GeneralRow& row);
+    std::string limitsOf(const GeneralRow& row);
+
+    bool choose(const GeneralRow& row, std::string_view text);
+    bool chooseModel(std::string_view text);
+    bool chooseEngineByName(std::string_view text);
+    bool chooseSensorByName(std::string_view text);
+    bool chooseCamshaft(const GeneralRow& row, std::string_view text);
+    bool chooseSize(const GeneralRow& row, std::string_view text);
+    bool enterText(const GeneralRow& row, std::string_view text);
+    bool refuseChoice();
+    bool write(std::string_view member, double value);
+    void noteChange(const GeneralRow& row);
+    void noteRefused(const RefusedMembers& refused);
+
+    void begin(const ModelEntry& model);
+    void takeFirmware(Unit& chosen);
+    float atFirst(std::string_view member);
+    void putFigures(const std::string& engine, int sensor);
+    void putBack();
+    void showComputed();
+    void computeFlow();
+    void computePulse();
+
+    bool saveNew();
+    bool saveInHand();
+    std::string askFile();
+    bool fillWithDefaults();
+    bool storeAs(const std::string& path);
+    void finishSaving(const std::string& path);
+    void storeConfig();
+    void tell(const std::string& title, const std::string& text);
+
+    Session& session_;
+    std::unique_ptr<Former> former_;
+    std::optional<InjectorSizing> sizing_;
+    std::string lblUAP_;
+    const ModelEntry* model_ = nullptr;  ///< nullptr while none is chosen
+    bool open_ = false;
+    bool entered_ = false;
+    std::map<std::string, float, std::less<>>
+        figures_;   ///< what was entered into a new calibration, by member
+    int rows_ = 0;  ///< of the tables of a new calibration
+    int columns_ = 0;
+    std::string formerForm_;
+};
+
+}  // namespace zentaq

@@ -1,0 +1,167 @@
+// The key "Save" of frmGeneralConfig: a new calibration gets its default values and its file; one in hand is
+// stored where it is.
+#include <filesystem>
+#include <utility>
+
+#include "app/general_config.h"
+#include "app/general_former.h"
+#include "app/main_commands.h"
+#include "base/errors.h"
+#include "base/text.h"
+#include "config/basic_figures.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr int noUnit = 1004;
+constexpr int noSensor = 1007;
+
+}  // namespace
+
+bool GeneralConfig::save() {
+    if (!inHand()) {
+        session_.messages.Display_Error(noUnit);
+        return false;
+    }
+    if (creating() && !session_.database) {
+        tell("Reference Database", "The reference database could not be opened:\n" + session_.DatabaseFile +
+                                       "\nA new calibration takes its engine, its sensor and its default "
+                                       "values from there.\nInstall the program again to get it back.");
+        return false;
+    }
+    if (unit().get("MAP_ID") == 0) {
+        session_.messages.Display_Error(noSensor);
+        return false;
+    }
+    return creating() ? saveNew() : saveInHand();
+}
+
+void GeneralConfig::tell(const std::string& title, const std::string& text) {
+    session_.dialogs().show({title, text, Icon::Critical, Buttons::Ok});
+}
+
+// ---- A new one
+
+bool GeneralConfig::saveNew() {
+    // A calibration without cylinders and trigger would run no engine.
+    if (unit().get("Option_Type") == 0) {
+        tell("Engine Type", "No engine selected.\nPlease choose the engine from the list.");
+        return false;
+    }
+    const std::string path = askFile();
+    if (path.empty()) return false;
+    // What has been entered so far is what a failure leaves in the form.
+    const UnitSnapshot entered(unit());
+    if (!fillWithDefaults() || !storeAs(path)) {
+        entered.restore(unit());
+        return false;
+    }
+    finishSaving(path);
+    return true;
+}
+
+/// Empty where the user has thought better of it.
+std::string GeneralConfig::askFile() {
+    const UnitKind& kind = unit().kind();
+    FileRequest request;
+    request.title = "Zentaq4 User Calibration Files";
+    request.folder = session_.platform().userFolder;
+    request.filter = kind.fileFilterExtension;
+    request.filterIndex = session_.FileFilterIndex;
+    request.defaultExtension = kind.extension;
+    std::string path = session_.dialogs().saveFile(request);
+    if (path.empty()) return {};
+    if (upper(extensionOf(path)) == ".BIN") path.resize(path.size() - extensionOf(path).size());
+    if (extensionOf(path).empty()) path += kind.extension;
+    std::error_code error;
+    if (!std::filesystem::exists(path, error)) return path;
+    const Answer answer = session_.dialogs().show(
+        {"File Exists", "FILE EXISTS:   " + path + "\nOverwrite?", Icon::Exclamation, Buttons::YesNo});
+    return answer == Answer::Yes ? path : std::string();
+}
+
+bool GeneralConfig::fillWithDefaults() {
+    return endOnFailure(
+        [&] {
+            Unit& made = unit();
+            const QuietUnit quiet(made, true);
+            EngineFigures figures = figuresOf(made);
+            if (made.kind().cells.hasAxisWords) {
+                figures.rows = rows_;
+                figures.columns = columns_;
+            }
+            const float turnOn = made.get("MT");
+            const float closed = made.get("TPS_FCV");
+            noteRefused(loadDefaults(made, *session_.database, figures));
+            made.store("MT", turnOn);
+            made.store("TPS_FCV", closed);
+        },
+        [&](const std::string& why) {
+            session_.addToLastLine("FAIL!");
+            session_.sysLog("Default values not loaded: " + why);
+            tell("Default Values", "The default values could not be loaded.\n" + why +
+                                       "\nNothing was stored; what you have entered is still in the form.");
+        });
+}
+
+bool GeneralConfig::storeAs(const std::string& path) {
+    return endOnFailure(
+        [&] {
+            unit().BinFile(path);
+            unit().SaveFile();
+        },
+        [&](const std::string& why) {
+            session_.sysLog("Calibration file not saved: " + why);
+            tell("File Save Error", "The calibration could not be saved.\n" + why +
+                                        "\nWhat you have entered is still in the form: save again and choose "
+                                        "another folder.");
+        });
+}
+
+void GeneralConfig::finishSaving(const std::string& path) {
+    former_.reset();  // the new one has taken its place
+    session_.CurrentFile = path;
+    session_.header().fileState = "OLD";
+    session_.DataModified = false;
+    entered_ = false;
+    session_.windows().titleChanged("Current Calibration File: " + path);
+    session_.FileFilterIndex = unit().kind().fileFilter;
+    storeConfig();
+    showComputed();
+    const LinkedUnit& linked = session_.link.linked();
+    session_.initializeOnFly(linked.LinkedUnitKind == session_.currentUnit() && linked.UnitIdentified);
+    session_.windows().setupNodes();
+}
+
+// ---- The one in hand
+
+bool GeneralConfig::saveInHand() {
+    // The main window's command knows the files of the older generation, and tells what went wrong.
+    const bool changed = std::exchange(session_.DataModified, true);
+    MainCommands commands(session_);
+    if (session_.CurrentFile.empty()) {
+        commands.saveAs();
+    } else {
+        commands.save();
+    }
+    if (session_.DataModified) {
+        session_.DataModified = changed;
+        return false;
+    }
+    entered_ = false;
+    storeConfig();
+    return true;
+}
+
+void GeneralConfig::storeConfig() {
+    endOnFailure(
+        [&] {
+            if (!session_.database) throw Failure("the reference database is not open");
+            session_.database->storeConfig(
+                {session_.CurrentFile, session_.currentUnit(), std::string(model_->name)});
+        },
+        [&](const std::string& why) { session_.sysLog("Model of the file not remembered: " + why); });
+}
+
+}  // namespace zentaq

@@ -1,0 +1,309 @@
+#include "app/options.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "app/data_points.h"
+#include "app/settings_keys.h"
+#include "base/errors.h"
+#include "base/number_text.h"
+#include "base/rounding.h"
+#include "base/text.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr std::string_view degree = "\u00B0";
+constexpr std::string_view keepAlarm = "-";
+constexpr float lowestAlarm = -40;
+constexpr float highestCelsius = 150;
+constexpr float highestFahrenheit = 302;
+constexpr float highestColour = 0xFFFFFF;
+/// Far outside every range, so that the range check refuses it.
+constexpr double hugeEntry = 1e30;
+
+/// The settings that Apply saves one behind the other, in this order.
+constexpr std::array<std::string_view, 11> savedControls{
+    "chkConsole",  "chkCOMM",      "txtNeedleColor", "txtDashLights",  "txtLabelLights", "chkGraphs",
+    "chkFileOpen", "chkAFRColors", "txtPollRate",    "chkAutoMonitor", "chkTemperature"};
+
+constexpr std::array<std::string_view, 2> alarms{"txtCLTvalue", "txtMATvalue"};
+constexpr std::array<std::string_view, 3> colours{"txtNeedleColor", "txtDashLights", "txtLabelLights"};
+
+const OptionRow& rowOf(std::string_view control) {
+    for (const OptionRow& row : optionTable()) {
+        if (row.control == control) return row;
+    }
+    throw BoundsError("No option " + std::string(control));
+}
+
+const settings::Key* settingOf(const OptionRow& row) {
+    for (const settings::Key& key : settings::systemKeys) {
+        if (row.key == key.name) return &key;
+    }
+    return nullptr;
+}
+
+bool storedOnClick(const OptionRow& row) {
+    const settings::Key* setting = settingOf(row);
+    return setting != nullptr && setting->stored != settings::Stored::OnApply;
+}
+
+float entryOf(std::string_view text) {
+    return static_cast<float>(std::clamp(numberOf(text), -hugeEntry, hugeEntry));
+}
+
+/// A number in its plain decimal form; another text as it is.
+std::string plainNumber(const std::string& text) {
+    const auto number = parseNumber(text);
+    return number ? numberText(*number) : std::string(trimmed(text));
+}
+
+}  // namespace
+
+Options::Options(Session& session) : session_(session) {
+    load();
+}
+
+// ---- Reading
+
+void Options::load() {
+    for (const OptionRow& row : optionTable()) loadRow(row);
+    dataPoints_.clear();
+    for (const int place : storedDataPoints(session_.settings())) {
+        if (place != 0) dataPoints_.insert(place);
+    }
+}
+
+bool Options::refresh() {
+    bool moved = false;
+    for (const OptionRow& row : optionTable()) {
+        if (row.key.empty() || stored(row) == seen_[std::string(row.key)]) continue;
+        moved = true;
+        // A group has a row for each of its buttons; the first one reads for all.
+        loadRow(row);
+        if (row.control == "chkTemperature") {
+            for (const std::string_view alarm : alarms) loadRow(rowOf(alarm));
+        }
+    }
+    return moved;
+}
+
+std::string Options::stored(const OptionRow& row) const {
+    const settings::Key* setting = settingOf(row);
+    return setting == nullptr ? ""
+                              : session_.settings().get(settings::system, setting->name, setting->fallback);
+}
+
+void Options::loadRow(const OptionRow& row) {
+    std::string& shown = values_[std::string(row.control)];
+    if (row.key.empty()) {
+        shown = row.design;
+        return;
+    }
+    const std::string text = stored(row);
+    seen_[std::string(row.key)] = text;
+    const auto number = parseNumber(text);
+    // No number where one is needed leaves the control at its design value.
+    shown = number ? shownNumber(row, *number) : std::string(row.design);
+    // Every value but "0" means Fahrenheit wherever a temperature is shown; none at all means Celsius.
+    if (row.control == "chkTemperature") shown = session_.fahrenheit() ? "1" : "0";
+}
+
+std::string Options::shownNumber(const OptionRow& row, double number) const {
+    switch (row.kind) {
+        case OptionKind::Check:
+        case OptionKind::Choice:
+            return number == 1 ? "1" : "0";  // the readers of these settings ask for 1
+        case OptionKind::Port:
+            return number >= 1 && number <= 255 ? numberText(toInt16(number)) : std::string(row.design);
+        case OptionKind::Slider: {
+            if (!(number > 0)) return std::string(row.design);
+            const double rate = std::clamp<double>(number, slowestUpdateRate, fastestUpdateRate);
+            return numberText(toInt16(rate));
+        }
+        case OptionKind::Colour: {
+            const bool colour = number >= 0 && number <= highestColour && number == truncate(number);
+            return colour ? numberText(number) : std::string(row.design);
+        }
+        case OptionKind::Temperature:
+            return shownTemperature(number);
+        case OptionKind::Number:
+        case OptionKind::DataPoints:
+            break;
+    }
+    return numberText(number);
+}
+
+std::string Options::shownTemperature(double celsius) const {
+    const auto value = static_cast<float>(std::clamp(celsius, -hugeEntry, hugeEntry));
+    return numberText(session_.fahrenheit() ? Ecu::toFahrenheit(value) : value);
+}
+
+const std::string& Options::value(std::string_view control) const {
+    const auto found = values_.find(control);
+    if (found == values_.end()) throw BoundsError("No option " + std::string(control));
+    return found->second;
+}
+
+std::string Options::temperatureUnit() const {
+    return std::string(degree) + (session_.fahrenheit() ? "F" : "C");
+}
+
+// ---- The user's entries
+
+void Options::store(std::string_view key, const std::string& text) {
+    seen_[std::string(key)] = text;
+    session_.settings().set(settings::system, std::string(key), text);
+}
+
+void Options::change(std::string_view control, std::string_view value) {
+    const OptionRow& row = rowOf(control);
+    values_[std::string(control)] = value;
+    if (!storedOnClick(row)) return;
+    store(row.key, std::string(value));
+    if (control == "chkTemperature") convertAlarms();
+    if (control == "sldDashAdjust") session_.windows().updateRateChanged();
+    if (control == "optMonitorMode") {
+        for (const std::string_view colour : colours) loadRow(rowOf(colour));
+    }
+}
+
+void Options::checkDataPoint(int place, bool checked) {
+    if (checked) {
+        dataPoints_.insert(place);
+    } else {
+        dataPoints_.erase(place);
+    }
+}
+
+/// The fields keep what the user has typed, in the new unit. A text that is no number stays.
+void Options::convertAlarms() {
+    for (const std::string_view control : alarms) {
+        std::string& field = values_[std::string(control)];
+        if (!isNumeric(field)) continue;
+        const float entry = entryOf(field);
+        field = numberText(session_.fahrenheit() ? Ecu::toFahrenheit(entry) : Ecu::toCelsius(entry));
+    }
+    session_.windows().temperaturesChanged();
+}
+
+int Options::detectPort(MainCommands& commands) {
+    const int port = commands.autodetectPort();
+    if (port > 0) loadRow(rowOf("cmbCOMM"));
+    return port;
+}
+
+// ---- Apply
+
+std::vector<std::string> Options::apply() {
+    refused_.clear();
+    applyPort();
+    applyLog();
+    applySettings();
+    applyAlarms();
+    applyTableColours();
+    applyDataPoints();
+    applyDashboard();
+    session_.windows().showCommList(on("chkShowCommDialog"));
+    session_.windows().initializeRecorderRows();
+    session_.sysLog("Application Options Have Been Applied.");
+    session_.sysLog("**NOTE: Some changes require program restart before taking effect.");
+    return refused_;
+}
+
+/// The port that is open stays open: the note at the end of an Apply tells of it.
+void Options::applyPort() {
+    const std::string& port = value("cmbCOMM");
+    session_.link.commPort(toInt16(numberOf(port)));
+    store(settings::CommPort, port);
+}
+
+void Options::applyLog() {
+    store(settings::AutoLog, value("chkAutoLog"));
+    session_.console.LogToFile(on("chkAutoLog"));
+}
+
+void Options::applySettings() {
+    for (const std::string_view control : savedControls) applySetting(rowOf(control));
+}
+
+void Options::applySetting(const OptionRow& row) {
+    std::string& shown = values_[std::string(row.control)];
+    const bool refused = (row.kind == OptionKind::Number && refusedNumber(shown)) ||
+                         (row.kind == OptionKind::Colour && refusedColour(shown));
+    if (refused) {
+        refused_.emplace_back(row.control);
+        return;
+    }
+    shown = plainNumber(shown);
+    store(row.key, shown);
+}
+
+bool Options::refusedNumber(const std::string& text) {
+    return !trimmed(text).empty() && session_.checkInput(1000, text);
+}
+
+bool Options::refusedColour(const std::string& text) {
+    if (trimmed(text).empty()) return false;  // the mode's own colour
+    if (session_.checkInput(1000, text)) return true;
+    if (session_.checkRange(entryOf(text), 0, highestColour, "(0 - 16777215)")) return true;
+    const double number = numberOf(text);
+    if (number == truncate(number)) return false;
+    session_.displayWarning(1002, {});
+    return true;
+}
+
+void Options::applyAlarms() {
+    for (const std::string_view control : alarms) {
+        std::string& field = values_[std::string(control)];
+        if (trimmed(field) == keepAlarm) continue;
+        if (refusedAlarm(field)) {
+            refused_.emplace_back(control);
+            continue;
+        }
+        const float entry = entryOf(field);
+        const float celsius = session_.fahrenheit() ? Ecu::toCelsius(entry) : entry;
+        store(rowOf(control).key, numberText(celsius));
+        // Shown as stored: hundredths of a degree may differ from what was typed in Fahrenheit.
+        field = shownTemperature(static_cast<double>(celsius));
+    }
+}
+
+bool Options::refusedAlarm(const std::string& text) {
+    if (session_.checkInput(1003, text) || session_.checkInput(1000, text)) return true;
+    const float highest = session_.fahrenheit() ? highestFahrenheit : highestCelsius;
+    const std::string range =
+        "(" + numberText(lowestAlarm) + " - " + numberText(highest) + temperatureUnit() + ")";
+    return session_.checkRange(entryOf(text), lowestAlarm, highest, range);
+}
+
+void Options::applyTableColours() {
+    session_.TableColorMode = on("chkAFRColors") ? 1 : 0;
+    session_.windows().clearTableColours();
+}
+
+void Options::applyDataPoints() {
+    const std::vector<int> places(dataPoints_.begin(), dataPoints_.end());
+    for (const DataPointWrite& write : dataPointWrites(places)) {
+        session_.settings().set(settings::datalog, write.key, write.value);
+    }
+}
+
+void Options::applyDashboard() {
+    if (!session_.Monitoring) return;
+    WindowSet& windows = session_.windows();
+    if (on("optMonitorMode")) {
+        windows.dayMode();
+    } else {
+        windows.nightMode();
+    }
+    // A colour that was refused leaves the stored one in force.
+    const SettingsStore& store = session_.settings();
+    windows.dashboardColours(store.get(settings::system, settings::DashLights),
+                             store.get(settings::system, settings::NeedleColor));
+}
+
+}  // namespace zentaq

@@ -1,0 +1,112 @@
+#include "config/basic_figures.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+
+#include "base/number_text.h"
+#include "base/rounding.h"
+
+namespace zentaq {
+
+namespace {
+
+/// One bar in a pressure unit, as `MAX_Boost` is read, and what the form calls the unit.
+struct BarIn {
+    std::string_view unit;
+    double perBar;
+    std::string_view shown;
+};
+constexpr std::array<BarIn, 5> bars = {{{"kPa", 100, "kPa"},
+                                        {"PSIA", 14.504, "PSI"},
+                                        {"PSIG", 14.504, "PSI"},
+                                        {"mmHg", 750.1, "mmHg"},
+                                        {"inHg", 29.53, "inHg"}}};
+
+constexpr std::string_view percentFlow = "%Flow";
+
+BarIn barIn(const Unit& unit) {
+    const auto found = std::ranges::find(bars, unit.MAPUnits(), &BarIn::unit);
+    return found == bars.end() ? bars.front() : *found;
+}
+
+Limits boostLimits(Unit& unit) {
+    if (!boostUsed(unit)) return Limits::none();
+    const float highest = sensorRange(unit);
+    return {0, highest, "(0 to " + numberText(highest) + " " + std::string(barIn(unit).shown) + ")"};
+}
+
+/// The computed flow is the least that the injectors may have; without one any flow up to the highest goes.
+Limits flowLimits(Unit& unit) {
+    constexpr float highest = 500;
+    const auto sizing = Calculate_FLOW(sizingInput(unit));
+    const std::string least = sizing ? formatNumber(sizing->InjectorFlow, "###.##") : "0";
+    const auto lowest = static_cast<float>(parseNumber(least).value_or(0));
+    return {lowest, highest, "(" + least + " to 500 Lbs/hr)"};
+}
+
+}  // namespace
+
+bool boostUsed(const Unit& unit) {
+    return unit.MAPUnits() != percentFlow;
+}
+
+float sensorRange(Unit& unit) {
+    return roundTo(static_cast<float>(unit.get("MAP_BAR") * barIn(unit).perBar), unit.MAPPrecision());
+}
+
+std::string maxBoostCaption(Unit& unit) {
+    if (!boostUsed(unit)) return "Max Boost Pressure (Not Used)";
+    return "Max Boost Pressure " + boostLimits(unit).text;
+}
+
+float enteredBoost(const Unit& unit) {
+    const Parameter* row = unit.find("MAX_Boost");
+    return row == nullptr ? 0 : unit.DirectIndex(row->index);
+}
+
+SizingInput sizingInput(Unit& unit) {
+    return {.raceCam = unit.get("CAMSTL") != 0,
+            .cylinders = unit.get("CYL_Number"),
+            .mapBar = unit.get("MAP_BAR"),
+            .horsePower = unit.get("BHP"),
+            .injectors = unit.get("INJ_Number"),
+            .alcohol = unit.get("Alcohol") != 0,
+            .phdSeq = unit.get("PHDSEQ") == 0 ? 0 : 1,
+            .revLimit = unit.get("REV_Limiter"),
+            .maxBoost = boostUsed(unit) ? unit.get("MAX_Boost") : 0};
+}
+
+EngineFigures figuresOf(Unit& unit) {
+    return {.revLimit = unit.get("REV_Limiter"),
+            .fullScalePulse = unit.get("scale1"),
+            .openingTime = unit.get("INJ_On"),
+            .injectors = unit.get("INJ_Number"),
+            .maxBoost = enteredBoost(unit),
+            .horsePower = unit.get("BHP"),
+            .injectorFlow = unit.get("INJ_FlowRate"),
+            .raceCam = unit.get("CAMSTL") != 0,
+            .alcohol = unit.get("Alcohol") != 0,
+            .fourAmpPeak = unit.get("AMP42") != 0};
+}
+
+Limits figureLimits(Unit& unit, std::string_view member) {
+    if (member == "INJ_Number") return {1, 24, "(1 to 24)"};
+    if (member == "MAX_Boost") return boostLimits(unit);
+    if (member == "INJ_FlowRate") return flowLimits(unit);
+    return unit.limits(member);
+}
+
+std::string flowText(double flow) {
+    return formatNumber(flow, "###.00");
+}
+
+int usualInjectors(const EngineRow& engine) {
+    if (engine.engType == 0) return static_cast<int>(engine.cylinders);
+    unsigned outputs = 0;
+    for (const float event : engine.injTbl)
+        outputs |= static_cast<unsigned>(toInt16(static_cast<double>(event)));
+    return std::popcount(outputs);
+}
+
+}  // namespace zentaq

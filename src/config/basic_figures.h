@@ -1,0 +1,37 @@
+// The basic figures of an engine as a calibration holds them: what may be entered, and what the injector
+// figures and the default values are computed from. The form and the command line take the same ones.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "config/injector_sizing.h"
+#include "config/new_calibration.h"
+#include "refdata/database.h"
+#include "unit/unit.h"
+
+namespace zentaq {
+
+/// The rating of the sensor (`MAP_BAR`) in the sensor's own unit, rounded as its pressures are shown.
+float sensorRange(Unit& unit);
+/// "Max Boost Pressure (0 to 100 kPa)"; a sensor of %Flow knows no boost.
+std::string maxBoostCaption(Unit& unit);
+bool boostUsed(const Unit& unit);
+/// `MAX_Boost` as it was entered, in the sensor's own unit; its reader answers bar.
+float enteredBoost(const Unit& unit);
+
+/// What the calibration holds.
+SizingInput sizingInput(Unit& unit);
+EngineFigures figuresOf(Unit& unit);
+
+/// The limits of `INJ_Number`, `MAX_Boost` and `INJ_FlowRate`, for which the parameter table has none; those
+/// of the parameter table for any other member.
+Limits figureLimits(Unit& unit, std::string_view member);
+
+/// As it is shown and stored, lb/hr: "###.00".
+std::string flowText(double flow);
+
+/// How many injectors an engine mostly has: one a cylinder, or as many as a throttle body has outputs.
+int usualInjectors(const EngineRow& engine);
+
+}  // namespace zentaq

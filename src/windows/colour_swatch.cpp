@@ -1,0 +1,55 @@
+#include "windows/colour_swatch.h"
+
+#include <QPainter>
+
+#include "base/number_text.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr int greenPlace = 256;
+constexpr int bluePlace = 65536;
+
+}  // namespace
+
+ColourSwatch::ColourSwatch(QWidget* parent) : QFrame(parent) {
+    setFrameShape(Box);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    tell();
+}
+
+void ColourSwatch::setColour(std::optional<QColor> colour) {
+    if (colour_ == colour) return;
+    colour_ = colour;
+    tell();
+    update();
+}
+
+void ColourSwatch::tell() {
+    setAccessibleDescription(
+        colour_
+            ? tr("Red %1, green %2, blue %3").arg(colour_->red()).arg(colour_->green()).arg(colour_->blue())
+            : tr("The mode's own color"));
+}
+
+QSize ColourSwatch::sizeHint() const {
+    const int height = fontMetrics().height() * 5 / 4;
+    return {height * 5 / 2, height};
+}
+
+void ColourSwatch::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const QRect inside = rect().adjusted(0, 0, -1, -1);
+    painter.setPen(palette().color(QPalette::WindowText));
+    painter.setBrush(colour_ ? QBrush(*colour_) : QBrush(palette().color(QPalette::Base)));
+    painter.drawRect(inside);
+    if (!colour_) painter.drawLine(inside.bottomLeft(), inside.topRight());
+}
+
+QString colourText(const QColor& colour) {
+    return QString::fromStdString(
+        numberText(colour.red() + greenPlace * colour.green() + bluePlace * colour.blue()));
+}
+
+}  // namespace zentaq

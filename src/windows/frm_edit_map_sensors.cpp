@@ -1,0 +1,432 @@
+#include "windows/frm_edit_map_sensors.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include "qt/look.h"
+#include "qt/window_placement.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr auto helpKeyProperty = "fastHelpKey";
+constexpr int boxDigits = 9;
+constexpr int listLetters = 34;
+/// Of the form when it opens for the first time, in lines of text.
+constexpr int preferredWidth = 62;
+constexpr int preferredHeight = 34;
+
+/// By the order of sensorUnits().
+constexpr std::array<const char*, 5> unitCaptions = {"&kPa", "&mmHg", "&PSIA", "inH&g", "PS&IG"};
+
+QString qText(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+bool isEnter(const QKeyEvent& event) {
+    return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+}
+
+}  // namespace
+
+FrmEditMAPSensors::FrmEditMAPSensors(Session& session, QWidget* parent)
+    : QWidget(parent, Qt::Window), session_(session), manager_(session) {
+    setObjectName(QStringLiteral("frmEditMAPSensors"));
+    setWindowTitle(tr("MAP Sensor Manager"));
+    setAccessibleName(tr("MAP Sensor Manager"));
+    setProperty(helpKeyProperty, QStringLiteral("helpMAPsen"));
+
+    tabMAPSensors_ = new QTabWidget(this);
+    tabMAPSensors_->setObjectName(QStringLiteral("tabMAPSensors"));
+    tabMAPSensors_->setAccessibleName(tr("MAP sensors"));
+    tabMAPSensors_->setTabBarAutoHide(true);
+    tabMAPSensors_->setDocumentMode(true);
+    auto* page = new QWidget(tabMAPSensors_);
+    auto* columns = new QHBoxLayout(page);
+    columns->setContentsMargins(0, 0, 0, 0);
+    columns->addWidget(makeList(), 3);
+    auto* right = new QVBoxLayout;
+    auto* top = new QHBoxLayout;
+    top->addWidget(makeInfo(), 1);
+    top->addWidget(makeEntry(), 2);
+    right->addLayout(top);
+    picLine_ = new SensorLinePicture(page);
+    right->addWidget(picLine_, 1);
+    columns->addLayout(right, 4);
+    tabMAPSensors_->addTab(page, tr("MAP Sensors"));
+
+    lblStatus_ = new QLabel(this);
+    lblStatus_->setObjectName(QStringLiteral("lblStatus"));
+    lblStatus_->setAccessibleName(tr("Status"));
+    lblStatus_->setTextFormat(Qt::PlainText);
+    lblStatus_->setWordWrap(true);
+    lblStatus_->setMinimumHeight(lblStatus_->fontMetrics().lineSpacing() * 2);
+    cmdExit_ = makeButton("cmdExit", tr("E&xit"), &FrmEditMAPSensors::exit);
+    auto* bottom = new QHBoxLayout;
+    bottom->addWidget(lblStatus_, 1);
+    bottom->addWidget(cmdExit_, 0, Qt::AlignBottom);
+
+    auto* whole = new QVBoxLayout(this);
+    whole->addWidget(tabMAPSensors_, 1);
+    whole->addLayout(bottom);
+    setTabOrders();
+    showAll();
+    lstMAPSensors_->setFocus();
+    if (!restorePlacement(*this, session_.settings())) {
+        const int line = fontMetrics().height();
+        resize(sizeHint().expandedTo({line * preferredWidth, line * preferredHeight}));
+        if (parent != nullptr) centreForm(*this, *parent->window());
+    }
+}
+
+// ---- Building
+
+QPushButton* FrmEditMAPSensors::makeButton(const char* name, const QString& caption,
+                                           void (FrmEditMAPSensors::*run)()) {
+    auto* button = new QPushButton(caption, this);
+    button->setObjectName(QLatin1String(name));
+    button->setAccessibleName(QString(caption).remove(u'&'));
+    connect(button, &QPushButton::clicked, this, run);
+    return button;
+}
+
+QWidget* FrmEditMAPSensors::makeList() {
+    auto* part = new QWidget(this);
+    lblInstalled_ = new QLabel(tr("Insta&lled MAP Sensors:"), part);
+    lblInstalled_->setObjectName(QStringLiteral("lblInstalled"));
+    lstMAPSensors_ = new QListWidget(part);
+    lstMAPSensors_->setObjectName(QStringLiteral("lstMAPSensors"));
+    lstMAPSensors_->setAccessibleName(tr("Installed MAP sensors"));
+    lstMAPSensors_->setProperty(helpKeyProperty, QStringLiteral("helpMAPlist"));
+    lstMAPSensors_->setAlternatingRowColors(true);
+    lstMAPSensors_->setTabKeyNavigation(false);
+    lstMAPSensors_->setMinimumWidth(lstMAPSensors_->fontMetrics().averageCharWidth() * listLetters);
+    lstMAPSensors_->installEventFilter(this);
+    lblInstalled_->setBuddy(lstMAPSensors_);
+    connect(lstMAPSensors_, &QListWidget::itemSelectionChanged, this, &FrmEditMAPSensors::selectionChanged);
+    connect(lstMAPSensors_, &QListWidget::itemDoubleClicked, this, &FrmEditMAPSensors::edit);
+    cmdEdit_ = makeButton("cmdEdit", tr("&Edit"), &FrmEditMAPSensors::edit);
+    cmdNew_ = makeButton("cmdNew", tr("Create &New"), &FrmEditMAPSensors::create);
+    cmdRemove_ = makeButton("cmdRemove", tr("&Remove"), &FrmEditMAPSensors::remove);
+
+    auto* buttons = new QHBoxLayout;
+    for (QPushButton* button : {cmdEdit_, cmdNew_, cmdRemove_}) buttons->addWidget(button);
+    auto* column = new QVBoxLayout(part);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(lblInstalled_);
+    column->addWidget(lstMAPSensors_, 1);
+    column->addLayout(buttons);
+    return part;
+}
+
+QWidget* FrmEditMAPSensors::makeInfo() {
+    fraInfo_ = new QGroupBox(tr("Sensor Info"), this);
+    fraInfo_->setObjectName(QStringLiteral("fraInfo"));
+    lblGeneral_ = new QLabel(fraInfo_);
+    lblGeneral_->setObjectName(QStringLiteral("lblGeneral"));
+    lblGeneral_->setAccessibleName(tr("Sensor info"));
+    lblGeneral_->setTextFormat(Qt::PlainText);
+    lblGeneral_->setFont(valueFont());
+    lblGeneral_->setMinimumWidth(
+        lblGeneral_->fontMetrics().horizontalAdvance(QStringLiteral("-0000 - 00000")));
+    auto* column = new QVBoxLayout(fraInfo_);
+    column->addWidget(lblGeneral_);
+    column->addStretch(1);
+    return fraInfo_;
+}
+
+QLineEdit* FrmEditMAPSensors::makeBox(SensorBox box, const QString& meaning, const char* helpKey) {
+    auto* field = new QLineEdit(this);
+    field->setObjectName(QStringLiteral("txtPV_%1").arg(static_cast<int>(box)));
+    field->setAccessibleName(meaning);
+    field->setProperty(helpKeyProperty, QLatin1String(helpKey));
+    field->setAlignment(Qt::AlignRight);
+    field->setMinimumWidth(digitsWidth(field->fontMetrics(), boxDigits));
+    connect(field, &QLineEdit::textChanged, this, &FrmEditMAPSensors::showPicture);
+    txtPV_[box] = field;
+    return field;
+}
+
+QWidget* FrmEditMAPSensors::makeEntry() {
+    auto* part = new QGroupBox(tr("Two points of the sensor's line"), this);
+    part->setObjectName(QStringLiteral("fraPoints"));
+    auto* volts = new QLabel(tr("&Volts"), part);
+    volts->setObjectName(QStringLiteral("lblVolts"));
+    auto* pressure = new QLabel(tr("Press&ure"), part);
+    pressure->setObjectName(QStringLiteral("lblPressure"));
+    auto* grid = new QGridLayout;
+    grid->addWidget(volts, 0, 1);
+    grid->addWidget(pressure, 0, 2);
+    grid->addWidget(new QLabel(tr("Low point"), part), 1, 0);
+    grid->addWidget(makeBox(firstVolts, tr("Volts of the low point, 0 to 5"), "helpMAPvolts"), 1, 1);
+    grid->addWidget(makeBox(firstPressure, tr("Pressure of the low point"), "helpMAPpressure"), 1, 2);
+    grid->addWidget(new QLabel(tr("High point"), part), 2, 0);
+    grid->addWidget(makeBox(secondVolts, tr("Volts of the high point, 0 to 5"), "helpMAPvolts"), 2, 1);
+    grid->addWidget(makeBox(secondPressure, tr("Pressure of the high point"), "helpMAPpressure"), 2, 2);
+    volts->setBuddy(txtPV_[firstVolts]);
+    pressure->setBuddy(txtPV_[firstPressure]);
+
+    cmdSave_ = makeButton("cmdSave", tr("&Save Sensor"), &FrmEditMAPSensors::save);
+    cmdCancel_ = makeButton("cmdCancel", tr("&Cancel"), &FrmEditMAPSensors::cancel);
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch(1);
+    buttons->addWidget(cmdSave_);
+    buttons->addWidget(cmdCancel_);
+
+    auto* column = new QVBoxLayout(part);
+    column->addLayout(grid);
+    column->addWidget(makeUnits());
+    column->addLayout(buttons);
+    return part;
+}
+
+QWidget* FrmEditMAPSensors::makeUnits() {
+    auto* part = new QWidget(this);
+    part->setObjectName(QStringLiteral("fraUnits"));
+    part->setAccessibleName(tr("Unit of pressure"));
+    auto* row = new QHBoxLayout(part);
+    row->setContentsMargins(0, 0, 0, 0);
+    optUnits_ = new QButtonGroup(this);
+    optUnits_->setObjectName(QStringLiteral("optUnits"));
+    for (std::size_t i = 0; i < unitCaptions.size(); ++i) {
+        auto* option = new QRadioButton(tr(unitCaptions[i]), part);
+        option->setObjectName(QStringLiteral("optUnits_%1").arg(i));
+        option->setAccessibleName(tr("Pressure in %1").arg(option->text().remove(u'&')));
+        option->setProperty(helpKeyProperty, QStringLiteral("helpMAPunits"));
+        optUnits_->addButton(option, sensorUnits()[i].code);
+        row->addWidget(option);
+        connect(option, &QRadioButton::toggled, this, &FrmEditMAPSensors::showPicture);
+    }
+    return part;
+}
+
+// A tuner reads the points one after the other: the volts of a point, then its pressure.
+void FrmEditMAPSensors::setTabOrders() {
+    QList<QWidget*> order = {lstMAPSensors_,
+                             cmdEdit_,
+                             cmdNew_,
+                             cmdRemove_,
+                             txtPV_[firstVolts],
+                             txtPV_[firstPressure],
+                             txtPV_[secondVolts],
+                             txtPV_[secondPressure]};
+    for (QAbstractButton* option : optUnits_->buttons()) order.append(option);
+    order << cmdSave_ << cmdCancel_ << cmdExit_;
+    for (qsizetype i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
+}
+
+// ---- Commands
+
+void FrmEditMAPSensors::edit() {
+    if (manager_.edit())
+        beginEntry();
+    else
+        showAll();
+}
+
+void FrmEditMAPSensors::create() {
+    if (manager_.create())
+        beginEntry();
+    else
+        showAll();
+}
+
+void FrmEditMAPSensors::remove() {
+    const std::string name = manager_.selected();
+    told_ = manager_.remove() ? "Removed: " + name : "";
+    showAll();
+    lstMAPSensors_->setFocus();
+}
+
+void FrmEditMAPSensors::save() {
+    const SensorManager::Saved saved = manager_.save(entry());
+    if (saved.done) {
+        told_ = "Saved: " + manager_.selected();
+        showAll();
+        lstMAPSensors_->setFocus();
+        return;
+    }
+    if (!saved.box) return;
+    txtPV_[*saved.box]->setFocus();
+    txtPV_[*saved.box]->selectAll();
+}
+
+void FrmEditMAPSensors::cancel() {
+    if (manager_.task() == SensorTask::None) return;
+    manager_.cancel();
+    told_.clear();
+    showAll();
+    lstMAPSensors_->setFocus();
+}
+
+void FrmEditMAPSensors::beginEntry() {
+    told_.clear();
+    showAll();
+    txtPV_[firstVolts]->setFocus();
+    txtPV_[firstVolts]->selectAll();
+}
+
+void FrmEditMAPSensors::selectionChanged() {
+    const QList<QListWidgetItem*> chosen = lstMAPSensors_->selectedItems();
+    manager_.select(chosen.isEmpty() ? std::string() : chosen.front()->text().toStdString());
+    told_.clear();
+    showAll();
+}
+
+void FrmEditMAPSensors::sensorsChanged() {
+    manager_.load();
+    const bool entering = manager_.task() != SensorTask::None;
+    if (!entering) return showAll();
+    fillList();  // what is being typed stays
+    showButtons();
+}
+
+// ---- Showing
+
+SensorEntry FrmEditMAPSensors::entry() const {
+    SensorEntry typed;
+    for (std::size_t i = 0; i < txtPV_.size(); ++i) typed.points[i] = txtPV_[i]->text().toStdString();
+    // A sensor in a unit that is no option keeps it until one is chosen.
+    typed.unitsCode = optUnits_->checkedId() >= 0 ? optUnits_->checkedId() : manager_.entry().unitsCode;
+    return typed;
+}
+
+void FrmEditMAPSensors::showAll() {
+    fillList();
+    lblGeneral_->setText(qText(manager_.lblGeneral()));
+    showEntry();
+    showButtons();
+    showPicture();
+    showStatus();
+}
+
+void FrmEditMAPSensors::fillList() {
+    const QSignalBlocker quiet(lstMAPSensors_);
+    QStringList names;
+    for (const std::string& name : manager_.sensors()) names.append(qText(name));
+    QStringList listed;
+    for (int row = 0; row < lstMAPSensors_->count(); ++row) listed.append(lstMAPSensors_->item(row)->text());
+    if (names != listed) {
+        lstMAPSensors_->clear();
+        lstMAPSensors_->addItems(names);
+    }
+    const auto row = static_cast<int>(names.indexOf(qText(manager_.selected())));
+    if (row >= 0)
+        lstMAPSensors_->setCurrentRow(row);
+    else
+        lstMAPSensors_->clearSelection();
+}
+
+void FrmEditMAPSensors::showEntry() {
+    const bool entering = manager_.task() != SensorTask::None;
+    for (std::size_t i = 0; i < txtPV_.size(); ++i) {
+        const QSignalBlocker quiet(txtPV_[i]);
+        txtPV_[i]->setText(entering ? qText(manager_.entry().points[i]) : QString());
+        txtPV_[i]->setEnabled(entering);
+        txtPV_[i]->setToolTip(entering ? QString() : qText(manager_.whyNotSave()));
+    }
+    optUnits_->setExclusive(false);
+    for (QAbstractButton* option : optUnits_->buttons()) {
+        const QSignalBlocker quiet(option);
+        option->setChecked(entering && optUnits_->id(option) == manager_.entry().unitsCode);
+        option->setEnabled(entering);
+        option->setToolTip(entering ? QString() : qText(manager_.whyNotSave()));
+    }
+    optUnits_->setExclusive(true);
+    lstMAPSensors_->setEnabled(!entering);
+}
+
+void FrmEditMAPSensors::offer(QPushButton* button, const std::string& whyNot) {
+    button->setEnabled(whyNot.empty());
+    button->setToolTip(qText(whyNot));
+    button->setAccessibleDescription(qText(whyNot));
+}
+
+void FrmEditMAPSensors::showButtons() {
+    offer(cmdEdit_, manager_.whyNotEdit());
+    offer(cmdNew_, manager_.whyNotCreate());
+    offer(cmdRemove_, manager_.whyNotRemove());
+    offer(cmdSave_, manager_.whyNotSave());
+    offer(cmdCancel_, manager_.task() == SensorTask::None ? "There is nothing to cancel." : "");
+    cmdSave_->setDefault(manager_.task() != SensorTask::None);
+}
+
+void FrmEditMAPSensors::showPicture() {
+    picLine_->show(manager_.sketch(entry()));
+}
+
+void FrmEditMAPSensors::showStatus() {
+    std::string text = manager_.problem();
+    if (text.empty()) text = manager_.inHand();
+    if (text.empty()) text = told_;
+    lblStatus_->setText(qText(text));
+}
+
+// ---- Events
+
+void FrmEditMAPSensors::closeEvent(QCloseEvent* event) {
+    manager_.cancel();
+    storePlacement(*this, session_.settings());
+    event->accept();
+    Q_EMIT closed();
+}
+
+// A database that was locked or away may be back when the user returns to the window.
+void FrmEditMAPSensors::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::ActivationChange || !isActiveWindow()) return;
+    if (picLine_ != nullptr && !manager_.problem().empty()) sensorsChanged();
+}
+
+void FrmEditMAPSensors::enterPressed() {
+    QWidget* focus = QApplication::focusWidget();
+    if (auto* button = qobject_cast<QPushButton*>(focus)) {
+        button->click();
+    } else if (focus == lstMAPSensors_) {
+        edit();
+    } else if (manager_.task() != SensorTask::None) {
+        save();
+    }
+}
+
+void FrmEditMAPSensors::keyPressEvent(QKeyEvent* event) {
+    if (isEnter(*event)) return enterPressed();
+    if (event->key() == Qt::Key_F1) {
+        Q_EMIT fastHelpAsked();
+    } else if (event->key() == Qt::Key_Escape && manager_.task() != SensorTask::None) {
+        cancel();
+    } else if (event->key() == Qt::Key_Escape) {
+        close();
+    } else {
+        QWidget::keyPressEvent(event);
+    }
+}
+
+bool FrmEditMAPSensors::listKey(const QKeyEvent& event) {
+    if (event.key() == Qt::Key_Delete) {
+        remove();
+        return true;
+    }
+    const bool arrow = event.key() == Qt::Key_Down || event.key() == Qt::Key_Up;
+    if (!arrow || !lstMAPSensors_->selectedItems().isEmpty() || lstMAPSensors_->count() == 0) return false;
+    // With nothing selected the first arrow selects the row it stands on and does not skip it.
+    lstMAPSensors_->setCurrentRow(std::max(lstMAPSensors_->currentRow(), 0),
+                                  QItemSelectionModel::ClearAndSelect);
+    return true;
+}
+
+bool FrmEditMAPSensors::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == lstMAPSensors_ && event->type() == QEvent::KeyPress &&
+        listKey(*static_cast<QKeyEvent*>(event))) {
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+}  // namespace zentaq

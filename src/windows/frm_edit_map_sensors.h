@@ -1,0 +1,89 @@
+// frmEditMAPSensors, "MAP Sensor Manager": the list of MAP sensors, and the two points from which a sensor's
+// line is made. All checks, questions and changes are SensorManager's; the form shows and hands on.
+#pragma once
+
+#include <QButtonGroup>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QWidget>
+#include <array>
+
+#include "app/sensor_manager.h"
+#include "windows/sensor_line_picture.h"
+
+namespace zentaq {
+
+class FrmEditMAPSensors : public QWidget {
+    Q_OBJECT
+
+ public:
+    FrmEditMAPSensors(Session& session, QWidget* parent);
+
+    /// Reads the list again. An entry in hand stays as it is.
+    void sensorsChanged();
+
+ Q_SIGNALS:
+    void closed();
+    /// F1: the help of the control with the focus, by its property fastHelpKey.
+    void fastHelpAsked();
+
+ protected:
+    void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+    QWidget* makeList();
+    QWidget* makeInfo();
+    QWidget* makeEntry();
+    QWidget* makeUnits();
+    QLineEdit* makeBox(SensorBox box, const QString& meaning, const char* helpKey);
+    QPushButton* makeButton(const char* name, const QString& caption, void (FrmEditMAPSensors::*run)());
+    void setTabOrders();
+
+    void edit();
+    void create();
+    void remove();
+    void save();
+    void cancel();
+    void exit() { close(); }
+    void selectionChanged();
+    bool listKey(const QKeyEvent& event);
+    void enterPressed();
+
+    SensorEntry entry() const;
+    void beginEntry();
+    void showAll();
+    void fillList();
+    void showEntry();
+    void showButtons();
+    void showPicture();
+    void showStatus();
+    void offer(QPushButton* button, const std::string& whyNot);
+
+    Session& session_;
+    SensorManager manager_;
+    QTabWidget* tabMAPSensors_ = nullptr;
+    QLabel* lblInstalled_ = nullptr;
+    QListWidget* lstMAPSensors_ = nullptr;
+    QGroupBox* fraInfo_ = nullptr;
+    QLabel* lblGeneral_ = nullptr;
+    std::array<QLineEdit*, sensorBoxes> txtPV_{};
+    QButtonGroup* optUnits_ = nullptr;
+    QPushButton* cmdEdit_ = nullptr;
+    QPushButton* cmdNew_ = nullptr;
+    QPushButton* cmdRemove_ = nullptr;
+    QPushButton* cmdSave_ = nullptr;
+    QPushButton* cmdCancel_ = nullptr;
+    QPushButton* cmdExit_ = nullptr;
+    QLabel* lblStatus_ = nullptr;
+    SensorLinePicture* picLine_ = nullptr;
+    std::string told_;  ///< what the last command did
+};
+
+}  // namespace zentaq

@@ -1,0 +1,119 @@
+#include "windows/frm_fast_help.h"
+
+#include <QApplication>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QVBoxLayout>
+
+#include "guide/help_topics.h"
+#include "qt/look.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr qreal headlineSize = 1.3;
+/// Width of the text in letters: lines of this length are read at a glance.
+constexpr int textLetters = 62;
+
+bool isHelpKey(const QEvent* event) {
+    return static_cast<const QKeyEvent*>(event)->key() == Qt::Key_F2;
+}
+
+QLabel* readableLabel(const char* name, const QString& meaning, QWidget* parent) {
+    auto* label = new QLabel(parent);
+    label->setObjectName(QLatin1String(name));
+    label->setAccessibleName(meaning);
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    return label;
+}
+
+}  // namespace
+
+FrmFastHelp::FrmFastHelp(QWidget* parent) : QDialog(parent) {
+    setObjectName(QStringLiteral("frmFastHelp"));
+    setWindowTitle(tr("Fast Help"));
+    setModal(false);
+
+    lblTopic_ = readableLabel("lblTopic", tr("Topic"), this);
+    lblTopic_->setFont(valueFont(headlineSize));
+    lblHelp_ = readableLabel("lblHelp", tr("Help text"), this);
+    lblHelp_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    lblHelp_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+
+    cmdGuide_ = new QPushButton(tr("&More in the user guide"), this);
+    cmdGuide_->setObjectName(QStringLiteral("cmdGuide"));
+    cmdGuide_->setAutoDefault(true);
+    cmdClose_ = new QPushButton(tr("&Close"), this);
+    cmdClose_->setObjectName(QStringLiteral("cmdClose"));
+    cmdClose_->setDefault(true);
+    connect(cmdGuide_, &QPushButton::clicked, this, &FrmFastHelp::askGuide);
+    connect(cmdClose_, &QPushButton::clicked, this, &QDialog::accept);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(cmdGuide_);
+    buttons->addStretch(1);
+    buttons->addWidget(cmdClose_);
+    auto* layout = new QVBoxLayout(this);
+    const int gap = fontMetrics().height();
+    layout->setContentsMargins(gap, gap, gap, gap * 2 / 3);
+    layout->setSpacing(gap * 2 / 3);
+    layout->addWidget(lblTopic_);
+    layout->addWidget(lblHelp_, 1);
+    layout->addLayout(buttons);
+    lblHelp_->setFixedWidth(fontMetrics().averageCharWidth() * textLetters);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+void FrmFastHelp::show(const HelpRow& row) {
+    rememberField();
+    topic_ =
+        QString::fromUtf8(guideTopicOf(row.key).data(), static_cast<qsizetype>(guideTopicOf(row.key).size()));
+    lblTopic_->setText(QString::fromStdString(row.topic));
+    lblHelp_->setText(QString::fromStdString(row.text));
+    // A screen reader says the whole entry as the window opens.
+    setAccessibleDescription(lblTopic_->text() + QStringLiteral(". ") + lblHelp_->text());
+    cmdGuide_->setVisible(!topic_.isEmpty());
+    cmdClose_->setFocus();
+    QDialog::show();
+    raise();
+    activateWindow();
+}
+
+/// The control in hand, unless it is one of this window's own: then the former field still waits.
+void FrmFastHelp::rememberField() {
+    QWidget* focus = QApplication::focusWidget();
+    if (focus != nullptr && focus->window() != this) field_ = focus;
+}
+
+void FrmFastHelp::askGuide() {
+    const QString topic = topic_;
+    field_.clear();  // the guide takes the focus
+    accept();
+    Q_EMIT guideAsked(topic);
+}
+
+bool FrmFastHelp::event(QEvent* event) {
+    // The main window has the same key; in here it closes.
+    if (event->type() == QEvent::ShortcutOverride && isHelpKey(event)) {
+        event->accept();
+        return true;
+    }
+    return QDialog::event(event);
+}
+
+void FrmFastHelp::keyPressEvent(QKeyEvent* event) {
+    if (isHelpKey(event)) return accept();
+    QDialog::keyPressEvent(event);
+}
+
+void FrmFastHelp::hideEvent(QHideEvent* event) {
+    QDialog::hideEvent(event);
+    if (event->spontaneous() || field_.isNull()) return;
+    field_->window()->activateWindow();
+    field_->setFocus();
+    field_.clear();
+}
+
+}  // namespace zentaq

@@ -1,0 +1,281 @@
+#include "windows/frm_general_config.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QKeyEvent>
+#include <QPointer>
+#include <QScreen>
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+#include "base/errors.h"
+#include "qt/icons.h"
+#include "qt/look.h"
+#include "qt/window_placement.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr auto formName = "frmGeneralConfig";
+constexpr auto formTitle = "General Engine Configuration";
+
+}  // namespace
+
+FrmGeneralConfig::FrmGeneralConfig(Session& session, MainCommands&, QWidget* parent)
+    : QWidget(parent, Qt::Window), session_(session), core_(session) {
+    setObjectName(QLatin1String(formName));
+    setAccessibleName(QLatin1String(formTitle));
+    setWindowTitle(QLatin1String(formTitle));
+    run([&] { core_.load(); });
+    makeToolbar();
+    makeForm();
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(Toolbar1_);
+    layout->addWidget(scroll_, 1);
+    chainTab();
+    showIcons();
+    showState();
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { focusMoved(now); });
+}
+
+FrmGeneralConfig::~FrmGeneralConfig() {
+    qApp->disconnect(this);
+    unload();
+}
+
+// ---- Making
+
+void FrmGeneralConfig::makeToolbar() {
+    Toolbar1_ = new QToolBar(tr("Toolbar"), this);
+    Toolbar1_->setObjectName(QStringLiteral("Toolbar1"));
+    Toolbar1_->setAccessibleName(tr("Toolbar"));
+    Toolbar1_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    const int size = fontMetrics().height() * 5 / 4;
+    Toolbar1_->setIconSize({size, size});
+    save_ = addKey("Save", tr("Save"), tr("Store the calibration in a file (Ctrl+S)"));
+    connect(save_, &QAction::triggered, this, &FrmGeneralConfig::save);
+    cancel_ = addKey("Cancel", tr("Cancel"), tr("Close this window (Esc)"));
+    connect(cancel_, &QAction::triggered, this, &QWidget::close);
+    lblHint_ = new QLabel(Toolbar1_);
+    lblHint_->setObjectName(QStringLiteral("lblHint"));
+    lblHint_->setAccessibleName(tr("What is still missing"));
+    lblHint_->setTextFormat(Qt::PlainText);
+    QFont bold = font();
+    bold.setBold(true);
+    lblHint_->setFont(bold);
+    lblHint_->setContentsMargins(fontMetrics().height(), 0, 0, 0);
+    Toolbar1_->addWidget(lblHint_);
+}
+
+QAction* FrmGeneralConfig::addKey(const char* key, const QString& caption, const QString& tip) {
+    QAction* action = Toolbar1_->addAction(caption);
+    action->setObjectName(QLatin1String(key));
+    action->setToolTip(tip);
+    QWidget* button = Toolbar1_->widgetForAction(action);
+    button->setObjectName(QStringLiteral("Toolbar1_") + QLatin1String(key));
+    button->setAccessibleName(caption);
+    // By Tab and not by the mouse: a click on "Cancel" drops what is being typed instead of checking it.
+    button->setFocusPolicy(Qt::TabFocus);
+    return action;
+}
+
+void FrmGeneralConfig::makeForm() {
+    scroll_ = new QScrollArea(this);
+    scroll_->setObjectName(QStringLiteral("scrGeneral"));
+    scroll_->setFrameShape(QFrame::NoFrame);
+    scroll_->setWidgetResizable(true);
+    scroll_->setFocusPolicy(Qt::NoFocus);
+    GeneralConfigForm::Core core;
+    core.field = [this](const std::string& control) {
+        GeneralField field;
+        run([&] { field = core_.field(control); });
+        return field;
+    };
+    core.enter = [this](const std::string& control, const QString& text) {
+        bool taken = false;
+        run([&] { taken = core_.enter(control, text.toStdString()); });
+        return taken;
+    };
+    core.click = [this](const std::string& control, bool on) { run([&] { core_.click(control, on); }); };
+    core.computed = [this] { return QString::fromStdString(core_.lblUAP()); };
+    form_ = new GeneralConfigForm(std::move(core), scroll_);
+    form_->highlight(session_.currentUnitObject().ONFLY_MODE());
+    connect(form_, &GeneralConfigForm::sensorManagerAsked, this, &FrmGeneralConfig::sensorManagerAsked);
+    connect(form_, &GeneralConfigForm::entered, this, &FrmGeneralConfig::showState);
+    scroll_->setWidget(form_);
+}
+
+/// From the first field to the last, then to the keys.
+void FrmGeneralConfig::chainTab() {
+    std::vector<QWidget*> order = form_->tabOrder();
+    order.push_back(Toolbar1_->widgetForAction(save_));
+    order.push_back(Toolbar1_->widgetForAction(cancel_));
+    for (std::size_t i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
+}
+
+/// Where the user has left it; else whole, over the window that it belongs to.
+void FrmGeneralConfig::place() {
+    if (restorePlacement(*this, session_.settings())) return;
+    form_->fitTo(screen()->availableSize().width());
+    const QSize whole = form_->sizeHint() + QSize(scroll_->verticalScrollBar()->sizeHint().width(),
+                                                  Toolbar1_->sizeHint().height());
+    resize(whole.boundedTo(screen()->availableSize()));
+    if (parentWidget() != nullptr) centreForm(*this, *parentWidget()->window());
+}
+
+void FrmGeneralConfig::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    form_->fitTo(width() - scroll_->verticalScrollBar()->sizeHint().width());
+}
+
+void FrmGeneralConfig::showEvent(QShowEvent* event) {
+    if (!placed_) {
+        placed_ = true;
+        place();
+        form_->focusFirst();
+    }
+    QWidget::showEvent(event);
+}
+
+// ---- Showing
+
+void FrmGeneralConfig::showState() {
+    const QString missing = form_->missing();
+    if (!core_.creating()) {
+        lblHint_->clear();
+    } else if (missing.isEmpty()) {
+        lblHint_->setText(tr("Ready to save"));
+    } else {
+        lblHint_->setText(missing);
+    }
+}
+
+void FrmGeneralConfig::showIcons() {
+    save_->setIcon(icon(QStringLiteral("Save"), lookColors(appliedLook(*qApp)).text));
+}
+
+void FrmGeneralConfig::reload() {
+    form_->bringBack();
+    run([&] { core_.load(); });
+    onFlyChanged(session_.currentUnitObject().ONFLY_MODE());
+    showState();
+    form_->focusFirst();
+}
+
+void FrmGeneralConfig::reset() {
+    form_->bringBack();
+    form_->refresh();
+    showState();
+}
+
+void FrmGeneralConfig::onFlyChanged(bool on) {
+    form_->refresh();  // which fields act on the engine follows the mode
+    form_->highlight(on);
+}
+
+void FrmGeneralConfig::sensorsChanged() {
+    form_->refresh();
+    showState();
+}
+
+void FrmGeneralConfig::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && save_ != nullptr) showIcons();
+}
+
+// ---- Keys and focus
+
+bool FrmGeneralConfig::event(QEvent* event) {
+    if (event->type() == QEvent::WindowActivate) session_.messages.ActiveFormName = formName;
+    // The main window has this key, too; here it means the form, with what is being typed.
+    if (event->type() == QEvent::ShortcutOverride &&
+        static_cast<QKeyEvent*>(event)->matches(QKeySequence::Save)) {
+        event->accept();
+        return true;
+    }
+    return QWidget::event(event);
+}
+
+void FrmGeneralConfig::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape) {
+        close();
+    } else if (event->matches(QKeySequence::Save)) {
+        save();
+    } else {
+        QWidget::keyPressEvent(event);
+    }
+}
+
+/// A field that gets the focus comes into view. Going on in another window of the program leaves the field; a
+/// box in front of it, or another program, does not.
+void FrmGeneralConfig::focusMoved(QWidget* now) {
+    if (now == nullptr || !isVisible() || busy_) return;
+    if (now->window() == this) {
+        // Also from the toolbar, which is no part of what scrolls.
+        if (form_->isAncestorOf(now)) scroll_->ensureWidgetVisible(now);
+        return;
+    }
+    if (QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr) return;
+    if (form_->commit()) return;
+    raise();
+    activateWindow();
+}
+
+// ---- The work
+
+template <typename Command>
+bool FrmGeneralConfig::run(Command&& command) {
+    return endOnFailure(std::forward<Command>(command), [&](const std::string& why) {
+        session_.sysLog(std::string(formName) + ": " + why);
+        session_.show({formTitle, why, Icon::Critical, Buttons::Ok});
+    });
+}
+
+void FrmGeneralConfig::save() {
+    if (busy_ || !form_->commit()) return;
+    const QPointer<FrmGeneralConfig> self(this);
+    busy_ = true;
+    bool stored = false;
+    run([&] { stored = core_.save(); });
+    if (!self) return;
+    busy_ = false;
+    form_->refresh();
+    showState();
+    if (!stored) return;
+    Q_EMIT saved();
+    if (self && isVisible()) close();
+}
+
+/// True when nothing would be lost, or the user wants to lose it.
+bool FrmGeneralConfig::mayClose() {
+    if (unloaded_ || !core_.creating() || !core_.modified()) return true;
+    busy_ = true;
+    const Answer answer =
+        session_.dialogs().show({formTitle, "Drop the new calibration?", Icon::Question, Buttons::YesNo});
+    busy_ = false;
+    return answer == Answer::Yes;
+}
+
+void FrmGeneralConfig::closeEvent(QCloseEvent* event) {
+    const QPointer<FrmGeneralConfig> self(this);
+    if (busy_ || !mayClose()) {
+        event->ignore();
+        return;
+    }
+    if (!self) return;
+    form_->bringBack();  // the window goes; what was being typed is not an entry
+    storePlacement(*this, session_.settings());
+    unload();
+    event->accept();
+    Q_EMIT closed();
+}
+
+void FrmGeneralConfig::unload() {
+    if (std::exchange(unloaded_, true)) return;
+    run([&] { core_.unload(); });
+}
+
+}  // namespace zentaq

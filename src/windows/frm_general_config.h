@@ -1,0 +1,81 @@
+// frmGeneralConfig: creates a new calibration and shows the basic engine parameters of the one in hand. The
+// core does the work; this window shows it and asks before a new calibration is dropped.
+#pragma once
+
+#include <QAction>
+#include <QLabel>
+#include <QScrollArea>
+#include <QToolBar>
+#include <QWidget>
+
+#include "app/general_config.h"
+#include "app/main_commands.h"
+#include "app/session.h"
+#include "windows/frm_general_config_form.h"
+
+namespace zentaq {
+
+class FrmGeneralConfig : public QWidget {
+    Q_OBJECT
+
+ public:
+    /// Loads the core. The owner shows the window, and deletes it later once closed() has come.
+    FrmGeneralConfig(Session& session, MainCommands& commands, QWidget* parent = nullptr);
+    ~FrmGeneralConfig() override;
+
+    /// Begins anew with what is in hand now, for the command that finds the window open: a new calibration
+    /// has been asked for, or another one opened.
+    void reload();
+    /// Reset: the values of the unit return to the fields. Nothing is sent.
+    void reset();
+    /// Fields that act on the running engine take the highlight colour.
+    void onFlyChanged(bool on);
+    /// The list of MAP sensors has been edited.
+    void sensorsChanged();
+    /// Key "Save" of the toolbar.
+    void save();
+
+ Q_SIGNALS:
+    void closed();
+    void sensorManagerAsked();
+    /// The calibration is a file now; closed() follows.
+    void saved();
+
+ protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+
+ private:
+    void makeToolbar();
+    void makeForm();
+    QAction* addKey(const char* key, const QString& caption, const QString& tip);
+    void chainTab();
+    void place();
+    void showState();
+    void showIcons();
+    void focusMoved(QWidget* now);
+    bool mayClose();
+    /// The core's work is over; only once.
+    void unload();
+    /// Runs a command of the core and tells the user why it failed. False then.
+    template <typename Command>
+    bool run(Command&& command);
+
+    Session& session_;
+    GeneralConfig core_;
+    QToolBar* Toolbar1_ = nullptr;
+    QLabel* lblHint_ = nullptr;
+    QScrollArea* scroll_ = nullptr;
+    GeneralConfigForm* form_ = nullptr;
+    QAction* save_ = nullptr;
+    QAction* cancel_ = nullptr;
+    bool placed_ = false;
+    bool busy_ = false;  ///< a box of this window's own is open
+    bool unloaded_ = false;
+};
+
+}  // namespace zentaq

@@ -1,0 +1,125 @@
+// The controls of frmGeneralConfig in their four groups. They show what the core answers for each control
+// and hand every entry on; nothing is checked or computed here.
+#pragma once
+
+#include <QBoxLayout>
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QWidget>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "app/general_config.h"
+#include "qt/value_label.h"
+#include "windows/frm_general_config_box.h"
+
+namespace zentaq {
+
+class GeneralConfigForm : public QWidget {
+    Q_OBJECT
+
+ public:
+    /// What the form asks of its core. A failure has been told by the time they answer.
+    struct Core {
+        std::function<GeneralField(const std::string& control)> field;
+        std::function<bool(const std::string& control, const QString& text)> enter;
+        std::function<void(const std::string& control, bool on)> click;
+        std::function<QString()> computed;  ///< "Zentaq Calculated TOG"
+    };
+
+    GeneralConfigForm(Core core, QWidget* parent);
+    ~GeneralConfigForm() override;
+
+    /// Shows every control anew. What is just being typed stays.
+    void refresh();
+    /// Forgets what has been typed and not handed over.
+    void bringBack();
+    /// Hands over what has been typed. False when it was refused.
+    bool commit();
+    /// Fields that act on the running engine take the highlight colour.
+    void highlight(bool onTheFly);
+    /// The groups stand in two columns where a window of this width has room for them, else in one.
+    void fitTo(int width);
+    /// The first control that is still to be filled, or the first of all.
+    void focusFirst();
+    /// What a new calibration still lacks, "Choose a model"; empty when nothing.
+    QString missing() const;
+    /// The controls in the order of the Tab key; of a group of options the first.
+    std::vector<QWidget*> tabOrder() const;
+
+ Q_SIGNALS:
+    void sensorManagerAsked();
+    /// Something was handed over and the controls show what followed.
+    void entered();
+
+ protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+ private:
+    struct Control {
+        std::string name;
+        QWidget* widget = nullptr;
+        QLabel* caption = nullptr;  ///< none where the control bears its caption itself
+        QLabel* limits = nullptr;
+        GeneralField shown;
+    };
+    struct Column;
+
+    // ---- Making
+    QGridLayout* makeColumn();
+    void makeUnitGroup(Column& column);
+    void makeSensorGroup(Column& column);
+    void makeEngineGroup(Column& column);
+    void makeInjectorGroup(Column& column);
+    void heading(Column& column, const char* name, const QString& text);
+    Control& box(const std::string& name);
+    Control& list(const std::string& name);
+    Control& keep(const std::string& name, QWidget* widget);
+    QLabel* caption(Control& control);
+    QLabel* limits(Control& control);
+    /// A row of caption, box and limits.
+    void boxRow(Column& column, const std::string& name);
+    void listRow(Column& column, const std::string& name);
+    void wideListRow(Column& column, const std::string& name);
+    void ratingRow(Column& column);
+    void dimensionsRow(Column& column);
+    void peakRow(Column& column);
+    void alcoholRow(Column& column);
+    void flowRow(Column& column);
+    void computedRow(Column& column);
+    QWidget* makeManagerButton();
+
+    // ---- Showing
+    void show(Control& control);
+    void showList(QComboBox& list, const GeneralField& field);
+    void showColours(Control& control);
+    Control* find(const std::string& name);
+
+    // ---- Entries
+    bool hand(const std::string& name, const QString& text);
+    void choose(const std::string& name, const QComboBox& list);
+    void clicked(const std::string& name, bool on);
+
+    Core core_;
+    QBoxLayout* columns_ = nullptr;
+    std::vector<Control> controls_;
+    QPushButton* cmdManager_ = nullptr;
+    QButtonGroup* peak_ = nullptr;
+    std::vector<QLabel*> wideCaptions_;
+    QLabel* lblDimensions_ = nullptr;
+    QLabel* lblInjectorSize_ = nullptr;
+    QLabel* lblComputed_ = nullptr;
+    QLabel* lblComputedUnit_ = nullptr;
+    ValueLabel* lblUAP_ = nullptr;
+    bool onTheFly_ = false;
+    bool swallowClick_ = false;
+};
+
+}  // namespace zentaq

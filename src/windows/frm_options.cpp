@@ -1,0 +1,316 @@
+#include "windows/frm_options.h"
+
+#include <QApplication>
+#include <QColorDialog>
+#include <QEvent>
+#include <QHBoxLayout>
+#include <QScrollArea>
+#include <QShortcut>
+#include <QTabBar>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "base/errors.h"
+#include "qt/look.h"
+#include "qt/window_placement.h"
+#include "windows/colour_swatch.h"
+#include "windows/frm_dashboard_colors.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr auto helpKeyProperty = "fastHelpKey";
+
+QString qString(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+std::optional<QColor> platformDialog(const QColor& initial, const QString& title, QWidget* parent) {
+    const QColor chosen = QColorDialog::getColor(initial, parent, title, QColorDialog::DontUseNativeDialog);
+    return chosen.isValid() ? std::optional(chosen) : std::nullopt;
+}
+
+/// A page that asks for all the room of its controls and makes do with less by scrolling.
+class PageArea : public QScrollArea {
+ public:
+    explicit PageArea(QWidget* parent) : QScrollArea(parent) {
+        setFrameShape(NoFrame);
+        setWidgetResizable(true);
+        setFocusPolicy(Qt::NoFocus);
+    }
+    QSize sizeHint() const override { return widget() == nullptr ? QSize() : widget()->sizeHint(); }
+};
+
+}  // namespace
+
+FrmOptions::FrmOptions(Session& session, MainCommands& commands, QWidget* parent)
+    : QDialog(parent),
+      session_(session),
+      commands_(commands),
+      options_(std::make_shared<Options>(session)),
+      chooseColour_(platformDialog) {
+    setObjectName(QStringLiteral("frmOptions"));
+    setWindowTitle(tr("Options"));
+    setAccessibleName(tr("Options"));
+    setModal(false);
+
+    fields_ = new OptionFields(
+        *options_, [this] { return session_.platform().port.list(); }, this);
+    finder_ = new OptionFinder(this);
+    makePages();
+    lblHelp_ = new QLabel(this);
+    lblHelp_->setObjectName(QStringLiteral("lblOptionHelp"));
+    lblHelp_->setAccessibleName(tr("Help on the option"));
+    lblHelp_->setTextFormat(Qt::PlainText);
+    lblHelp_->setWordWrap(true);
+    lblHelp_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    lblHelp_->setMinimumHeight(2 * lblHelp_->fontMetrics().lineSpacing());
+
+    auto* column = new QVBoxLayout(this);
+    column->addWidget(finder_);
+    column->addWidget(SSTab1_, 1);
+    column->addWidget(lblHelp_);
+    column->addLayout(makeButtons());
+
+    connect(finder_, &OptionFinder::chosen, this, &FrmOptions::found);
+    connect(fields_, &OptionFields::detectAsked, this, &FrmOptions::detectPort);
+    connect(fields_, &OptionFields::colourAsked, this, &FrmOptions::chooseColour);
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { focusMoved(now); });
+    auto* find = new QShortcut(QKeySequence::Find, this);
+    connect(find, &QShortcut::activated, &finder_->line(), [this] { finder_->line().setFocus(); });
+
+    load();
+    resize(sizeHint());
+    if (!restorePlacement(*this, session_.settings()) && parent != nullptr) {
+        centreForm(*this, *parent->window());
+    }
+}
+
+FrmOptions::~FrmOptions() {
+    disconnect(qApp, nullptr, this, nullptr);
+    unload();
+}
+
+// ---- Making
+
+void FrmOptions::makePages() {
+    SSTab1_ = new QTabWidget(this);
+    SSTab1_->setObjectName(QStringLiteral("SSTab1"));
+    SSTab1_->setAccessibleName(tr("Pages of options"));
+    for (const OptionPageRow& row : optionPages()) {
+        auto* scroll = new PageArea(SSTab1_);
+        scroll->setProperty(helpKeyProperty, qString(row.help));
+        QWidget* page = fields_->makePage(row.page, scroll);
+        scroll->setWidget(page);
+        page->setAutoFillBackground(false);
+        scroll->viewport()->setAutoFillBackground(false);
+        SSTab1_->addTab(scroll, qString(row.title));
+    }
+    connect(SSTab1_, &QTabWidget::currentChanged, this, [this](int page) {
+        mark(nullptr);
+        SSTab1_->setProperty(helpKeyProperty, SSTab1_->widget(page)->property(helpKeyProperty));
+    });
+    SSTab1_->setProperty(helpKeyProperty, SSTab1_->widget(0)->property(helpKeyProperty));
+}
+
+QLayout* FrmOptions::makeButtons() {
+    cmdOK_ = makeButton("cmdOK", tr("&OK"));
+    cmdCancel_ = makeButton("cmdCancel", tr("Cancel"));
+    cmdApply_ = makeButton("cmdApply", tr("&Apply"));
+    cmdOK_->setDefault(true);
+    connect(cmdOK_, &QPushButton::clicked, this, &FrmOptions::applyAndClose);
+    connect(cmdCancel_, &QPushButton::clicked, this, &FrmOptions::reject);
+    connect(cmdApply_, &QPushButton::clicked, this, &FrmOptions::applyAll);
+    auto* row = new QHBoxLayout;
+    row->addStretch(1);
+    row->addWidget(cmdOK_);
+    row->addWidget(cmdCancel_);
+    row->addWidget(cmdApply_);
+    return row;
+}
+
+QPushButton* FrmOptions::makeButton(const char* name, const QString& text) {
+    auto* button = new QPushButton(text, this);
+    button->setObjectName(QLatin1String(name));
+    button->setAccessibleName(QString(text).remove(u'&'));
+    button->setAutoDefault(false);
+    return button;
+}
+
+/// Room for all pages' tabs beside each other, which the tab widget itself does not ask for.
+QSize FrmOptions::sizeHint() const {
+    QSize size = QDialog::sizeHint();
+    const int besideTabs = 2 * fontMetrics().height();
+    size.setWidth(std::max(size.width(), SSTab1_->tabBar()->sizeHint().width() + besideTabs));
+    return size;
+}
+
+// ---- Load and unload
+
+void FrmOptions::load() {
+    loaded_ = true;
+    options_->load();
+    fields_->showAll();
+    fields_->showLook();
+    showPage(0);
+    SSTab1_->setFocus();
+    focusMoved(nullptr);
+    session_.sysLog("Control Panel Initialized.");
+}
+
+void FrmOptions::unload() {
+    if (!loaded_) return;
+    loaded_ = false;
+    storePlacement(*this, session_.settings());
+    session_.sysLog("Control Panel Terminated.");
+}
+
+void FrmOptions::done(int result) {
+    const bool wasLoaded = loaded_;
+    unload();
+    QDialog::done(result);
+    if (wasLoaded) Q_EMIT closed();
+}
+
+void FrmOptions::showEvent(QShowEvent* event) {
+    if (!loaded_) load();
+    QDialog::showEvent(event);
+}
+
+void FrmOptions::showPage(int page) {
+    SSTab1_->setCurrentIndex(page >= 0 && page < SSTab1_->count() ? page : 0);
+}
+
+// ---- What others store meanwhile
+
+bool FrmOptions::event(QEvent* event) {
+    if (event->type() == QEvent::WindowActivate) takeOver();
+    return QDialog::event(event);
+}
+
+void FrmOptions::changeEvent(QEvent* event) {
+    QDialog::changeEvent(event);
+    if (event->type() != QEvent::PaletteChange) return;
+    paintMark();
+    if (fields_ != nullptr && loaded_) fields_->showLook();
+    takeOver();  // a menu's day or night mode
+}
+
+void FrmOptions::takeOver() {
+    if (loaded_ && options_->refresh()) fields_->showAll();
+}
+
+// ---- Commands
+
+bool FrmOptions::applyAll() {
+    const QPointer<FrmOptions> alive(this);
+    const auto options = options_;
+    std::vector<std::string> refused;
+    const bool whole = endOnFailure([&] { refused = options->apply(); },
+                                    [&](const std::string& why) {
+                                        session_.sysLog("Options not applied: " + why);
+                                        session_.show({"Options", why, Icon::Critical, Buttons::Ok});
+                                    });
+    if (!alive) return false;
+    fields_->showAll();
+    if (refused.empty()) return whole;
+    // The warning has given the focus to another form; it belongs to the entry that it told of.
+    activateWindow();
+    goTo(QString::fromStdString(refused.front()));
+    return false;
+}
+
+void FrmOptions::applyAndClose() {
+    if (applyAll()) accept();
+}
+
+void FrmOptions::detectPort() {
+    const QPointer<FrmOptions> alive(this);
+    const auto options = options_;
+    searching(true);
+    endOnFailure([&] { options->detectPort(commands_); },
+                 [&](const std::string& why) {
+                     session_.show({"Options", why, Icon::Critical, Buttons::Ok});
+                 });
+    if (!alive) return;  // the search yields, and the program may have ended
+    searching(false);
+    fields_->showAll();
+}
+
+/// The search yields: nothing may start a second one or store a port under it.
+void FrmOptions::searching(bool on) {
+    for (const char* name : {"cmbCOMM", "cmdAutoDetectPort"}) {
+        fields_->control(QLatin1String(name))->setEnabled(!on);
+    }
+    cmdOK_->setEnabled(!on);
+    cmdApply_->setEnabled(!on);
+    if (on) {
+        lblHelp_->setText(tr("Searching a unit on ports 1 to 12 . . ."));
+    } else {
+        fields_->control(QStringLiteral("cmdAutoDetectPort"))->setFocus();
+    }
+}
+
+void FrmOptions::chooseColour(const QString& control) {
+    const std::string name = control.toStdString();
+    const auto former = storedColor(QString::fromStdString(options_->value(name)));
+    const QString title = fields_->control(control)->accessibleName();
+    const QPointer<FrmOptions> alive(this);
+    const std::optional<QColor> chosen = chooseColour_(former.value_or(Qt::white), title, this);
+    if (!alive || !chosen) return;
+    options_->change(name, colourText(*chosen).toStdString());
+    fields_->showAll();
+}
+
+// ---- Finding
+
+void FrmOptions::found(const QString& control, const QString& query) {
+    goTo(control);
+    if (control == QLatin1String("viewList")) fields_->showDataPoint(query);
+}
+
+void FrmOptions::goTo(const QString& control) {
+    QWidget* target = fields_->control(control);
+    QWidget* strip = fields_->strip(control);
+    const OptionRow* row = fields_->rowAt(target);
+    if (row == nullptr) return;
+    showPage(static_cast<int>(row->page));
+    if (target->isEnabled()) {
+        target->setFocus(Qt::ShortcutFocusReason);
+    } else {
+        SSTab1_->setFocus();
+    }
+    if (auto* text = qobject_cast<QLineEdit*>(target)) text->selectAll();
+    static_cast<QScrollArea*>(SSTab1_->currentWidget())->ensureWidgetVisible(strip);
+    mark(strip);
+    lblHelp_->setText(qString(row->help));
+}
+
+void FrmOptions::focusMoved(QWidget* now) {
+    if (now != nullptr && !isAncestorOf(now)) return;
+    const OptionRow* row = fields_->rowAt(now);
+    lblHelp_->setText(row == nullptr ? tr("F2 tells more about the option in hand.") : qString(row->help));
+    if (marked_ != nullptr && now != nullptr && !marked_->isAncestorOf(now)) mark(nullptr);
+}
+
+void FrmOptions::mark(QWidget* strip) {
+    if (marked_ != nullptr) {
+        marked_->setAutoFillBackground(false);
+        marked_->setPalette(QPalette());
+    }
+    marked_ = strip;
+    paintMark();
+}
+
+void FrmOptions::paintMark() {
+    if (marked_ == nullptr) return;
+    const LookColors colors = lookColors(appliedLook(*qApp));
+    QPalette palette;
+    palette.setColor(QPalette::Window, colors.highlight);
+    palette.setColor(QPalette::WindowText, colors.highlightText);
+    if (marked_->palette() != palette) marked_->setPalette(palette);
+    marked_->setAutoFillBackground(true);
+}
+
+}  // namespace zentaq

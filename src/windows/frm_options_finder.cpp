@@ -1,0 +1,125 @@
+#include "windows/frm_options_finder.h"
+
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <algorithm>
+
+namespace zentaq {
+
+namespace {
+
+constexpr int mostHitsInView = 10;
+
+QString qString(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+}  // namespace
+
+QString pageTitle(OptionPage page) {
+    QString title = qString(optionPages()[static_cast<std::size_t>(page)].title);
+    return title.replace(QStringLiteral("&&"), QStringLiteral("\n")).remove(u'&').replace(u'\n', u'&');
+}
+
+OptionFinder::OptionFinder(QWidget* window)
+    : QWidget(window), txtFind_(new QLineEdit(this)), lstFound_(new QListWidget(window)) {
+    auto* caption = new QLabel(tr("&Find an option:"), this);
+    caption->setBuddy(txtFind_);
+    txtFind_->setObjectName(QStringLiteral("txtFind"));
+    txtFind_->setAccessibleName(tr("Find an option"));
+    txtFind_->setPlaceholderText(tr("A word of its caption or its purpose"));
+    txtFind_->setClearButtonEnabled(true);
+    txtFind_->installEventFilter(this);
+    connect(txtFind_, &QLineEdit::textChanged, this, &OptionFinder::find);
+
+    lstFound_->setObjectName(QStringLiteral("lstFound"));
+    lstFound_->setAccessibleName(tr("Options found"));
+    lstFound_->setFocusPolicy(Qt::NoFocus);
+    lstFound_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    lstFound_->setTextElideMode(Qt::ElideRight);
+    lstFound_->hide();
+    connect(lstFound_, &QListWidget::itemClicked, this, [this] { choose(lstFound_->currentRow()); });
+
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(caption);
+    row->addWidget(txtFind_, 1);
+}
+
+void OptionFinder::find() {
+    const QString query = txtFind_->text();
+    found_ = findOptions(query.toStdString());
+    lstFound_->clear();
+    for (const OptionRow* row : found_) {
+        lstFound_->addItem(qString(row->caption) + QStringLiteral("  (") + pageTitle(row->page) + u')');
+    }
+    if (found_.empty()) {
+        auto* nothing = new QListWidgetItem(tr("No option found"), lstFound_);
+        nothing->setFlags(Qt::NoItemFlags);
+    } else {
+        lstFound_->setCurrentRow(0);
+    }
+    txtFind_->setAccessibleDescription(tr("%n found", nullptr, static_cast<int>(found_.size())));
+    lstFound_->setVisible(!query.trimmed().isEmpty());
+    placeList();
+}
+
+void OptionFinder::placeList() {
+    if (lstFound_->isHidden()) return;
+    const QWidget* frame = lstFound_->parentWidget();
+    const QPoint below = txtFind_->mapTo(frame, QPoint(0, txtFind_->height()));
+    const int rows = std::min(lstFound_->count(), mostHitsInView);
+    const int height = rows * lstFound_->sizeHintForRow(0) + 2 * lstFound_->frameWidth() + 2;
+    lstFound_->setGeometry(below.x(), below.y(), txtFind_->width(),
+                           std::min(height, frame->height() - below.y()));
+    lstFound_->raise();
+}
+
+bool OptionFinder::eventFilter(QObject* watched, QEvent* event) {
+    if (watched != txtFind_) return false;
+    if (event->type() == QEvent::FocusOut) lstFound_->hide();
+    if (event->type() == QEvent::FocusIn && !txtFind_->text().trimmed().isEmpty()) {
+        lstFound_->show();
+        placeList();
+    }
+    return event->type() == QEvent::KeyPress && keyPressed(static_cast<QKeyEvent*>(event)->key());
+}
+
+/// True for keys that go no further: Enter must not press OK, Escape closes the window on an empty box only.
+bool OptionFinder::keyPressed(int key) {
+    switch (key) {
+        case Qt::Key_Down:
+            step(1);
+            return true;
+        case Qt::Key_Up:
+            step(-1);
+            return true;
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            choose(lstFound_->currentRow());
+            return true;
+        case Qt::Key_Escape:
+            if (txtFind_->text().isEmpty()) return false;
+            txtFind_->clear();
+            return true;
+        default:
+            return false;
+    }
+}
+
+void OptionFinder::step(int by) {
+    if (found_.empty()) return;
+    const int last = static_cast<int>(found_.size()) - 1;
+    lstFound_->setCurrentRow(std::clamp(lstFound_->currentRow() + by, 0, last));
+}
+
+void OptionFinder::choose(int row) {
+    if (row < 0 || row >= static_cast<int>(found_.size())) return;
+    const QString control = QString::fromStdString(controlName(*found_[static_cast<std::size_t>(row)]));
+    const QString query = txtFind_->text();
+    txtFind_->clear();
+    Q_EMIT chosen(control, query);
+}
+
+}  // namespace zentaq

@@ -1,0 +1,694 @@
+#include "app/options.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <functional>
+#include <set>
+
+#include "app/fake_platform.h"
+#include "base/text.h"
+#include "platform/manual_clock.h"
+#include "platform/scripted_port.h"
+
+namespace zentaq {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+/// What is stored and what is asked of the windows, in one order.
+using Trail = std::vector<std::string>;
+
+class TrailingStore : public MemorySettings {
+ public:
+    explicit TrailingStore(Trail& trail) : trail_(trail) {}
+    void set(const std::string& section, const std::string& key, const std::string& value) override {
+        trail_.push_back(key + "=" + value);
+        MemorySettings::set(section, key, value);
+    }
+
+ private:
+    Trail& trail_;
+};
+
+class TrailingWindows : public WindowSet {
+ public:
+    explicit TrailingWindows(Trail& trail) : trail_(trail) {}
+    void temperaturesChanged() override { trail_.emplace_back("temperatures"); }
+    void updateRateChanged() override { trail_.emplace_back("update rate"); }
+    void clearTableColours() override { trail_.emplace_back("white grid"); }
+    void dayMode() override { trail_.emplace_back("day"); }
+    void nightMode() override { trail_.emplace_back("night"); }
+    void dashboardColours(const std::string& lights, const std::string& needle) override {
+        trail_.push_back("lights " + lights + " needle " + needle);
+    }
+    void showCommList(bool on) override { trail_.emplace_back(on ? "list on" : "list off"); }
+    void initializeRecorderRows() override { trail_.emplace_back("recorder rows"); }
+
+ private:
+    Trail& trail_;
+};
+
+class OptionsTest : public testing::Test {
+ protected:
+    Trail trail;
+    TemporaryFolder folder;
+    FakePort port;
+    ManualTicker ticker;
+    FakeClock clock;
+    TrailingStore settings{trail};
+    ScriptedDialogs dialogs;
+    NoYield yield;
+    TrailingWindows windows{trail};
+    Session session{Platform{port, ticker, clock, settings, dialogs, yield, folder.path(), folder.path()}};
+
+    OptionsTest() {
+        session.attach(windows);
+        session.console.logFile(folder.path("zentaq.log"));
+    }
+
+    void stored(const std::string& key, const std::string& value) {
+        settings.MemorySettings::set("System", key, value);
+    }
+    std::string read(const std::string& key) { return settings.get("System", key); }
+    std::string lastLine(std::size_t back = 0) {
+        const auto& lines = session.console.lines();
+        return lines.at(lines.size() - 1 - back);
+    }
+};
+
+// ---- The table
+
+TEST(OptionTable, HoldsEveryControlOfTheWindow) {
+    std::vector<std::string> names;
+    for (const OptionRow& row : optionTable()) names.push_back(controlName(row));
+    EXPECT_THAT(names,
+                testing::UnorderedElementsAre(
+                    "cmbCOMM", "cmdAutoDetectPort", "chkAutoLog", "chkConsole", "chkCOMM", "chkFileOpen",
+                    "optPrintButton(0)", "optPrintButton(1)", "chkShowCommDialog", "txtPollRate",
+                    "chkTemperature", "chkGraphs", "chkColumnType", "txtCLTvalue", "txtMATvalue",
+                    "sldDashAdjust", "chkAFRColors", "chkAutoMonitor", "chkAutoOutput", "optMonitorMode(0)",
+                    "optMonitorMode(1)", "txtNeedleColor", "txtDashLights", "txtLabelLights", "viewList"));
+}
+
+TEST(OptionTable, HoldsEverySettingOfTheSectionSystem) {
+    std::set<std::string_view> keys;
+    for (const OptionRow& row : optionTable()) {
+        if (!row.key.empty()) keys.insert(row.key);
+    }
+    EXPECT_THAT(keys, testing::UnorderedElementsAre("CommPort", "AutoLog", "Cnsl", "CommCnsl", "MonitorMode",
+                                                    "NeedleColor", "DashLights", "LabelLights", "ADUR",
+                                                    "Graphs", "FileOpen", "Print", "TableColor", "CommDialog",
+                                                    "PollRate", "Column_Type", "AutoMonitor",
+                                                    "TemperatureToggle", "CLTAlarmValue", "MATAlarmValue"));
+}
+
+TEST(OptionTable, GivesEveryControlAHelpAndAnAccessKeyOfItsCaptionThatIsFreeOnItsPage) {
+    std::set<std::pair<OptionPage, char>> taken;
+    std::string pageKeys = "AFO";  // Apply, Find an option, OK
+    for (const OptionPageRow& page : optionPages()) {
+        for (std::size_t at = 0; at + 1 < page.title.size(); ++at) {
+            if (page.title[at] != '&') continue;
+            if (page.title[++at] != '&') pageKeys += static_cast<char>(std::toupper(page.title[at]));
+        }
+    }
+    EXPECT_EQ(pageKeys.size(), 3u + optionPages().size());
+    EXPECT_EQ(std::set<char>(pageKeys.begin(), pageKeys.end()).size(), pageKeys.size()) << pageKeys;
+    for (const OptionRow& row : optionTable()) {
+        const std::string name = controlName(row);
+        EXPECT_FALSE(row.help.empty()) << name;
+        EXPECT_FALSE(row.helpKey.empty()) << name;
+        EXPECT_NE(row.caption.find(row.access), std::string_view::npos) << name;
+        const char key = static_cast<char>(std::toupper(row.access));
+        EXPECT_EQ(pageKeys.find(key), std::string::npos) << name;
+        EXPECT_TRUE(taken.emplace(row.page, key).second) << name;
+    }
+}
+
+TEST(OptionTable, NamesHelpTextsThatExist) {
+    std::ifstream seeds(std::string(ZENTAQ_SOURCE_DIR) + "/data/seeds/fasthelp.tsv");
+    std::set<std::string> keys;
+    for (std::string line; std::getline(seeds, line);) keys.insert(split(line, '\t').back());
+    ASSERT_GT(keys.size(), 1u);
+    for (const OptionRow& row : optionTable())
+        EXPECT_TRUE(keys.contains(std::string(row.helpKey))) << row.helpKey;
+    for (const OptionPageRow& page : optionPages())
+        EXPECT_TRUE(keys.contains(std::string(page.help))) << page.help;
+}
+
+// ---- Search
+
+std::vector<std::string> hits(std::string_view query) {
+    std::vector<std::string> names;
+    for (const OptionRow* row : findOptions(query)) names.push_back(controlName(*row));
+    return names;
+}
+
+TEST(FindOptions, FindsNothingForNothing) {
+    EXPECT_THAT(hits(""), IsEmpty());
+    EXPECT_THAT(hits("   "), IsEmpty());
+    EXPECT_THAT(hits("carburettor"), IsEmpty());
+}
+
+TEST(FindOptions, FindsByCaptionWhateverTheCase) {
+    EXPECT_THAT(hits("comm port"), testing::Contains("cmbCOMM"));
+    EXPECT_EQ(hits("COMM PORT").front(), "cmbCOMM");
+    EXPECT_THAT(hits("needle c"), ElementsAre("txtNeedleColor"));
+}
+
+TEST(FindOptions, FindsByWordsThatStandInNoCaption) {
+    EXPECT_THAT(hits("overheat"), ElementsAre("txtCLTvalue"));
+    EXPECT_THAT(hits("celsius"), ElementsAre("chkTemperature"));
+    EXPECT_THAT(hits("playback"), ElementsAre("viewList"));
+}
+
+TEST(FindOptions, FindsTheListByTheNameOfADataPoint) {
+    EXPECT_THAT(hits("knock retard"), ElementsAre("viewList"));
+}
+
+TEST(FindOptions, PutsCaptionsBeforeOtherWords) {
+    // "port" stands in the help of nothing else before these two, and "support" is a word of the log file.
+    const auto found = hits("port");
+    ASSERT_GE(found.size(), 3u);
+    EXPECT_EQ(found[0], "cmbCOMM");
+    EXPECT_EQ(found[1], "cmdAutoDetectPort");
+}
+
+TEST(FindOptions, WantsAllWords) {
+    EXPECT_THAT(hits("alarm coolant"), ElementsAre("txtCLTvalue"));
+    EXPECT_THAT(hits("alarm paper"), IsEmpty());
+}
+
+// ---- Load
+
+TEST_F(OptionsTest, ShowWhatTheProgramDoesWhileNothingIsStored) {
+    const Options options(session);
+    EXPECT_EQ(options.value("cmbCOMM"), "1");
+    // A start without these settings writes the log, asks for a file and shows the list.
+    EXPECT_TRUE(options.on("chkAutoLog"));
+    EXPECT_TRUE(options.on("chkFileOpen"));
+    EXPECT_TRUE(options.on("chkShowCommDialog"));
+    for (const char* control : {"chkConsole", "chkCOMM", "chkTemperature", "chkGraphs", "chkColumnType",
+                                "chkAFRColors", "chkAutoMonitor", "chkAutoOutput"}) {
+        EXPECT_EQ(options.value(control), "0") << control;
+    }
+    EXPECT_EQ(options.value("optPrintButton"), "0");
+    EXPECT_EQ(options.value("optMonitorMode"), "0");
+    EXPECT_EQ(options.value("sldDashAdjust"), "100");
+    EXPECT_EQ(options.value("txtPollRate"), "");
+    EXPECT_EQ(options.value("txtCLTvalue"), "-");
+    EXPECT_EQ(options.value("txtNeedleColor"), "");
+    EXPECT_THAT(options.dataPoints(), IsEmpty());
+    EXPECT_THAT(trail, IsEmpty());
+}
+
+TEST_F(OptionsTest, ShowWhatIsStored) {
+    stored("CommPort", "4");
+    stored("AutoLog", "0");
+    stored("Cnsl", "1");
+    stored("CommCnsl", "1");
+    stored("MonitorMode", "1");
+    stored("NeedleColor", "255");
+    stored("DashLights", "65280");
+    stored("LabelLights", "16711680");
+    stored("ADUR", "25");
+    stored("Graphs", "1");
+    stored("FileOpen", "0");
+    stored("Print", "1");
+    stored("TableColor", "1");
+    stored("CommDialog", "0");
+    stored("PollRate", "2.5");
+    stored("Column_Type", "1");
+    stored("AutoMonitor", "1");
+    settings.MemorySettings::set("Datalog", "Datalog1", "1");
+    settings.MemorySettings::set("Datalog", "Datalog7", "65");
+    settings.MemorySettings::set("Datalog", "Datalog11", "30");
+    const Options options(session);
+    EXPECT_EQ(options.value("cmbCOMM"), "4");
+    EXPECT_FALSE(options.on("chkAutoLog"));
+    EXPECT_TRUE(options.on("chkConsole"));
+    EXPECT_TRUE(options.on("chkCOMM"));
+    EXPECT_TRUE(options.on("optMonitorMode"));
+    EXPECT_EQ(options.value("txtNeedleColor"), "255");
+    EXPECT_EQ(options.value("txtDashLights"), "65280");
+    EXPECT_EQ(options.value("txtLabelLights"), "16711680");
+    EXPECT_EQ(options.value("sldDashAdjust"), "25");
+    EXPECT_TRUE(options.on("chkGraphs"));
+    EXPECT_FALSE(options.on("chkFileOpen"));
+    EXPECT_TRUE(options.on("optPrintButton"));
+    EXPECT_TRUE(options.on("chkAFRColors"));
+    EXPECT_FALSE(options.on("chkShowCommDialog"));
+    EXPECT_EQ(options.value("txtPollRate"), "2.5");
+    EXPECT_TRUE(options.on("chkColumnType"));
+    EXPECT_TRUE(options.on("chkAutoMonitor"));
+    EXPECT_THAT(options.dataPoints(), ElementsAre(1, 65));
+}
+
+TEST_F(OptionsTest, KeepDesignValuesWhereTheStoreHoldsNoNumber) {
+    for (const OptionRow& row : optionTable()) {
+        if (!row.key.empty() && row.key != "TemperatureToggle") stored(std::string(row.key), "abc");
+    }
+    const Options options(session);
+    for (const OptionRow& row : optionTable())
+        EXPECT_EQ(options.value(row.control), row.design) << row.control;
+}
+
+TEST_F(OptionsTest, ShowNoUpdateRateThatTheSliderCannotYield) {
+    stored("ADUR", "0");
+    EXPECT_EQ(Options(session).value("sldDashAdjust"), "100");
+    stored("ADUR", "-3");
+    EXPECT_EQ(Options(session).value("sldDashAdjust"), "100");
+    stored("ADUR", "0.2");
+    EXPECT_EQ(Options(session).value("sldDashAdjust"), "1");
+    stored("ADUR", "5000");
+    EXPECT_EQ(Options(session).value("sldDashAdjust"), "100");
+}
+
+TEST_F(OptionsTest, ShowNoColourThatIsNone) {
+    for (const char* odd : {"-1", "16777216", "12.5", "red"}) {
+        stored("NeedleColor", odd);
+        EXPECT_EQ(Options(session).value("txtNeedleColor"), "") << odd;
+    }
+    stored("NeedleColor", "16777215");
+    EXPECT_EQ(Options(session).value("txtNeedleColor"), "16777215");
+}
+
+TEST_F(OptionsTest, ShowAlarmsInCelsiusForAnEmptyToggleAndForZero) {
+    stored("CLTAlarmValue", "100");
+    stored("MATAlarmValue", "-40");
+    for (const char* toggle : {"", "0"}) {
+        stored("TemperatureToggle", toggle);
+        const Options options(session);
+        EXPECT_FALSE(options.on("chkTemperature"));
+        EXPECT_EQ(options.value("txtCLTvalue"), "100");
+        EXPECT_EQ(options.value("txtMATvalue"), "-40");
+        EXPECT_EQ(options.temperatureUnit(), "\u00B0C");
+    }
+}
+
+TEST_F(OptionsTest, ShowAlarmsInFahrenheitForAnyOtherToggle) {
+    stored("CLTAlarmValue", "100");
+    stored("MATAlarmValue", "-40");
+    for (const char* toggle : {"1", "2", "yes"}) {
+        stored("TemperatureToggle", toggle);
+        const Options options(session);
+        EXPECT_TRUE(options.on("chkTemperature"));
+        EXPECT_EQ(options.value("txtCLTvalue"), "212");
+        EXPECT_EQ(options.value("txtMATvalue"), "-40");
+        EXPECT_EQ(options.temperatureUnit(), "\u00B0F");
+    }
+}
+
+// ---- Immediate writes
+
+TEST_F(OptionsTest, WriteTheSimpleOnesOnTheClick) {
+    Options options(session);
+    options.change("chkAutoMonitor", "1");
+    options.change("chkColumnType", "1");
+    options.change("chkShowCommDialog", "0");
+    options.change("optPrintButton", "1");
+    options.change("sldDashAdjust", "40");
+    EXPECT_THAT(trail, ElementsAre("AutoMonitor=1", "Column_Type=1", "CommDialog=0", "Print=1", "ADUR=40",
+                                   "update rate"));
+}
+
+TEST_F(OptionsTest, WriteTheOthersNotBeforeApply) {
+    Options options(session);
+    for (const char* control : {"cmbCOMM", "chkAutoLog", "chkConsole", "chkCOMM", "chkFileOpen",
+                                "txtPollRate", "chkGraphs", "txtCLTvalue", "txtMATvalue", "chkAFRColors",
+                                "chkAutoOutput", "txtNeedleColor", "txtDashLights", "txtLabelLights"}) {
+        options.change(control, "1");
+    }
+    options.checkDataPoint(5, true);
+    EXPECT_THAT(trail, IsEmpty());
+}
+
+TEST_F(OptionsTest, ConvertTheAlarmsOnTheTemperatureClickAndTellTheWindows) {
+    stored("TemperatureToggle", "0");
+    stored("CLTAlarmValue", "100");
+    Options options(session);
+    options.change("txtMATvalue", "37,5");
+    options.change("chkTemperature", "1");
+    EXPECT_EQ(options.value("txtCLTvalue"), "212");
+    EXPECT_EQ(options.value("txtMATvalue"), "99.5");
+    EXPECT_EQ(options.temperatureUnit(), "\u00B0F");
+    options.change("chkTemperature", "0");
+    EXPECT_EQ(options.value("txtCLTvalue"), "100");
+    EXPECT_EQ(options.value("txtMATvalue"), "37.5");
+    EXPECT_THAT(trail,
+                ElementsAre("TemperatureToggle=1", "temperatures", "TemperatureToggle=0", "temperatures"));
+}
+
+TEST_F(OptionsTest, LeaveAnAlarmFieldThatHoldsNoNumberOnTheTemperatureClick) {
+    Options options(session);
+    options.change("txtMATvalue", "hot");
+    options.change("chkTemperature", "1");
+    EXPECT_EQ(options.value("txtCLTvalue"), "-");
+    EXPECT_EQ(options.value("txtMATvalue"), "hot");
+}
+
+TEST_F(OptionsTest, FillTheStoredColoursOnTheModeClickAndChooseNoneByDay) {
+    stored("NeedleColor", "255");
+    Options options(session);
+    options.change("txtNeedleColor", "7");
+    options.change("txtDashLights", "8");
+    EXPECT_TRUE(options.coloursChoosable());
+    options.change("optMonitorMode", "1");
+    EXPECT_FALSE(options.coloursChoosable());
+    EXPECT_EQ(options.value("txtNeedleColor"), "255");
+    EXPECT_EQ(options.value("txtDashLights"), "");
+    EXPECT_THAT(trail, ElementsAre("MonitorMode=1"));
+    options.change("optMonitorMode", "0");
+    EXPECT_TRUE(options.coloursChoosable());
+}
+
+// ---- Apply
+
+TEST_F(OptionsTest, ApplyInTheFixedOrderWhileMonitoring) {
+    session.Monitoring = true;
+    Options options(session);
+    options.change("cmbCOMM", "3");
+    options.change("chkConsole", "1");
+    options.change("txtNeedleColor", "255");
+    options.change("txtDashLights", "65535");
+    options.change("txtLabelLights", "7");
+    options.change("chkGraphs", "1");
+    options.change("chkAFRColors", "1");
+    options.change("txtPollRate", "2,5");
+    options.change("txtCLTvalue", "98");
+    options.change("txtMATvalue", "60");
+    options.checkDataPoint(65, true);
+    options.checkDataPoint(2, true);
+    EXPECT_THAT(trail, IsEmpty());
+    EXPECT_THAT(options.apply(), IsEmpty());
+    EXPECT_THAT(
+        trail,
+        ElementsAre("CommPort=3", "AutoLog=1", "Cnsl=1", "CommCnsl=0", "NeedleColor=255", "DashLights=65535",
+                    "LabelLights=7", "Graphs=1", "FileOpen=1", "TableColor=1", "PollRate=2.5",
+                    "AutoMonitor=0", "TemperatureToggle=0", "CLTAlarmValue=98", "MATAlarmValue=60",
+                    "white grid", "Datalog1=0", "Datalog2=0", "Datalog3=0", "Datalog4=0", "Datalog5=0",
+                    "Datalog6=0", "Datalog7=0", "Datalog8=0", "Datalog9=0", "Datalog10=0", "Datalog1=2",
+                    "Datalog2=65", "night", "lights 65535 needle 255", "list on", "recorder rows"));
+    EXPECT_THAT(lastLine(1), HasSubstr("Application Options Have Been Applied."));
+    EXPECT_THAT(lastLine(), HasSubstr("**NOTE: Some changes require program restart before taking effect."));
+}
+
+TEST_F(OptionsTest, ApplyLeavesTheDashboardAloneWithoutMonitoring) {
+    Options options(session);
+    options.change("optMonitorMode", "1");
+    options.apply();
+    EXPECT_THAT(trail, Not(Contains("day")));
+    EXPECT_THAT(trail, Not(Contains("night")));
+    EXPECT_THAT(trail, Contains("list on"));
+}
+
+TEST_F(OptionsTest, ApplyTurnsARunningDashboardToDay) {
+    session.Monitoring = true;
+    Options options(session);
+    options.change("optMonitorMode", "1");
+    options.apply();
+    const auto day = std::find(trail.begin(), trail.end(), "day");
+    ASSERT_NE(day, trail.end());
+    EXPECT_EQ(*(day + 1), "lights  needle ");
+}
+
+TEST_F(OptionsTest, ApplyTakesThePortIntoTheProcessAndOpensNothing) {
+    Options options(session);
+    options.change("cmbCOMM", "5");
+    options.apply();
+    EXPECT_EQ(session.link.commPort(), 5);
+    EXPECT_EQ(port.opens, 0);
+}
+
+TEST_F(OptionsTest, ApplySwitchesTheLogFileAtOnce) {
+    Options options(session);
+    options.change("chkAutoLog", "1");
+    options.apply();
+    EXPECT_TRUE(session.console.LogToFile());
+    options.change("chkAutoLog", "0");
+    options.apply();
+    EXPECT_FALSE(session.console.LogToFile());
+}
+
+TEST_F(OptionsTest, ApplySetsTheTableColourMode) {
+    Options options(session);
+    options.change("chkAFRColors", "1");
+    options.apply();
+    EXPECT_EQ(session.TableColorMode, 1);
+    options.change("chkAFRColors", "0");
+    options.apply();
+    EXPECT_EQ(session.TableColorMode, 0);
+}
+
+TEST_F(OptionsTest, ApplyWritesMoreThanTenDataPointsOfWhichTenAreReadBack) {
+    Options options(session);
+    for (int place = 1; place <= 12; ++place) options.checkDataPoint(place, true);
+    options.apply();
+    EXPECT_EQ(settings.get("Datalog", "Datalog12"), "12");
+    EXPECT_EQ(Options(session).dataPoints().size(), 10u);
+}
+
+TEST_F(OptionsTest, ApplyOfFewerDataPointsEmptiesTheOtherSlots) {
+    Options options(session);
+    for (int place = 1; place <= 10; ++place) options.checkDataPoint(place, true);
+    options.apply();
+    for (int place = 2; place <= 10; ++place) options.checkDataPoint(place, false);
+    options.apply();
+    EXPECT_THAT(Options(session).dataPoints(), ElementsAre(1));
+}
+
+TEST_F(OptionsTest, EveryAppliedOptionSurvivesARestart) {
+    {
+        Options options(session);
+        for (const OptionRow& row : optionTable()) {
+            if (row.key.empty()) continue;
+            const bool box = row.kind == OptionKind::Check;
+            options.change(row.control, box ? (row.design == "1" ? "0" : "1") : "1");
+        }
+        options.change("sldDashAdjust", "33");
+        options.change("cmbCOMM", "9");
+        options.change("txtCLTvalue", "212");  // Fahrenheit by now
+        options.change("txtMATvalue", "32");
+        EXPECT_THAT(options.apply(), IsEmpty());
+    }
+    const Options after(session);
+    for (const OptionRow& row : optionTable()) {
+        if (row.key.empty() || row.kind != OptionKind::Check) continue;
+        EXPECT_EQ(after.value(row.control), row.design == "1" ? "0" : "1") << row.control;
+    }
+    EXPECT_EQ(after.value("sldDashAdjust"), "33");
+    EXPECT_EQ(after.value("cmbCOMM"), "9");
+    EXPECT_EQ(after.value("optPrintButton"), "1");
+    EXPECT_EQ(after.value("optMonitorMode"), "1");
+    EXPECT_EQ(after.value("txtPollRate"), "1");
+    EXPECT_EQ(after.value("txtCLTvalue"), "212");
+    EXPECT_EQ(read("CLTAlarmValue"), "100");
+    EXPECT_EQ(read("MATAlarmValue"), "0");
+}
+
+TEST_F(OptionsTest, TheUnusedCheckBoxIsForgotten) {
+    Options options(session);
+    options.change("chkAutoOutput", "1");
+    options.apply();
+    EXPECT_FALSE(Options(session).on("chkAutoOutput"));
+}
+
+TEST_F(OptionsTest, AnApplyWithoutAChangeChangesNothingInTheProgram) {
+    session.console.LogToFile(true);
+    Options(session).apply();
+    EXPECT_TRUE(session.console.LogToFile());
+    EXPECT_EQ(read("FileOpen"), "1");
+    EXPECT_EQ(read("CLTAlarmValue"), "");
+    EXPECT_FALSE(session.fahrenheit());
+    EXPECT_THAT(dialogs.boxes, IsEmpty());
+}
+
+// ---- Alarms
+
+struct AlarmEntry {
+    const char* typed;
+    const char* stored;
+    const char* shown;
+};
+
+TEST_F(OptionsTest, AlarmsInCelsiusAreStoredAsEntered) {
+    stored("TemperatureToggle", "0");
+    Options options(session);
+    for (const AlarmEntry& entry :
+         {AlarmEntry{"100", "100", "100"}, AlarmEntry{"-40", "-40", "-40"}, AlarmEntry{"150", "150", "150"},
+          AlarmEntry{"95,5", "95.5", "95.5"}, AlarmEntry{" 90 ", "90", "90"}, AlarmEntry{"0", "0", "0"}}) {
+        options.change("txtCLTvalue", entry.typed);
+        EXPECT_THAT(options.apply(), IsEmpty()) << entry.typed;
+        EXPECT_EQ(read("CLTAlarmValue"), entry.stored);
+        EXPECT_EQ(options.value("txtCLTvalue"), entry.shown);
+    }
+}
+
+TEST_F(OptionsTest, AlarmsInFahrenheitAreStoredInCelsiusAndShownConvertedBack) {
+    stored("TemperatureToggle", "1");
+    Options options(session);
+    // (211 - 32) * 5 / 9 = 99.444..., kept as 99.44, which is 210.992 again.
+    for (const AlarmEntry& entry :
+         {AlarmEntry{"212", "100", "212"}, AlarmEntry{"-40", "-40", "-40"}, AlarmEntry{"302", "150", "302"},
+          AlarmEntry{"99,5", "37.5", "99.5"}, AlarmEntry{"211", "99.44", "210.99"}}) {
+        options.change("txtMATvalue", entry.typed);
+        EXPECT_THAT(options.apply(), IsEmpty()) << entry.typed;
+        EXPECT_EQ(read("MATAlarmValue"), entry.stored);
+        EXPECT_EQ(options.value("txtMATvalue"), entry.shown);
+    }
+}
+
+TEST_F(OptionsTest, AlarmsOutsideTheRangeAreRefusedWithItsText) {
+    struct Case {
+        const char* toggle;
+        const char* typed;
+        const char* range;
+    };
+    for (const Case& bad :
+         {Case{"0", "150.1", "(-40 - 150\u00B0C)"}, Case{"0", "-40,1", "(-40 - 150\u00B0C)"},
+          Case{"1", "302.1", "(-40 - 302\u00B0F)"}, Case{"1", "-41", "(-40 - 302\u00B0F)"},
+          Case{"0", "1e300", "(-40 - 150\u00B0C)"}}) {
+        stored("TemperatureToggle", bad.toggle);
+        stored("CLTAlarmValue", "98");
+        Options options(session);
+        options.change("txtCLTvalue", bad.typed);
+        dialogs.boxes.clear();
+        EXPECT_THAT(options.apply(), ElementsAre("txtCLTvalue"));
+        ASSERT_EQ(dialogs.boxes.size(), 1u);
+        EXPECT_EQ(dialogs.boxes[0].title, "Data Input Error");
+        EXPECT_EQ(dialogs.boxes[0].text,
+                  std::string("Warning 1001: Data Input Error\n") + bad.range + " - Invalid Entry.");
+        EXPECT_EQ(read("CLTAlarmValue"), "98");
+        EXPECT_EQ(options.value("txtCLTvalue"), bad.typed);
+    }
+}
+
+TEST_F(OptionsTest, AnEmptyAlarmAndOneThatIsNoNumberAreRefused) {
+    stored("MATAlarmValue", "60");
+    Options options(session);
+    options.change("txtMATvalue", "  ");
+    EXPECT_THAT(options.apply(), ElementsAre("txtMATvalue"));
+    EXPECT_THAT(dialogs.boxes.back().text, HasSubstr("Field CANNOT be NULL"));
+    options.change("txtMATvalue", "hot");
+    EXPECT_THAT(options.apply(), ElementsAre("txtMATvalue"));
+    EXPECT_THAT(dialogs.boxes.back().text, HasSubstr("Non-numeric value detected."));
+    EXPECT_EQ(read("MATAlarmValue"), "60");
+}
+
+TEST_F(OptionsTest, AHyphenKeepsTheStoredAlarm) {
+    stored("CLTAlarmValue", "98");
+    Options options(session);
+    options.change("txtCLTvalue", "-");
+    EXPECT_THAT(options.apply(), IsEmpty());
+    EXPECT_EQ(read("CLTAlarmValue"), "98");
+    EXPECT_THAT(dialogs.boxes, IsEmpty());
+}
+
+TEST_F(OptionsTest, ARefusedEntryHoldsNothingElseBack) {
+    Options options(session);
+    options.change("txtPollRate", "often");
+    options.change("txtNeedleColor", "16777216");
+    options.change("txtCLTvalue", "151");
+    options.change("txtMATvalue", "60");
+    EXPECT_THAT(options.apply(), ElementsAre("txtNeedleColor", "txtPollRate", "txtCLTvalue"));
+    EXPECT_EQ(read("MATAlarmValue"), "60");
+    EXPECT_THAT(trail, Contains("recorder rows"));
+    EXPECT_THAT(trail, Not(Contains("NeedleColor=16777216")));
+    EXPECT_THAT(trail, Not(Contains("PollRate=often")));
+}
+
+TEST_F(OptionsTest, ARefusedColourLeavesTheStoredOneOnTheDashboard) {
+    session.Monitoring = true;
+    stored("DashLights", "65280");
+    Options options(session);
+    options.change("txtDashLights", "green");
+    EXPECT_THAT(options.apply(), ElementsAre("txtDashLights"));
+    EXPECT_THAT(trail, Contains("lights 65280 needle "));
+}
+
+TEST_F(OptionsTest, ColoursAreWholeNumbersOrNothing) {
+    struct Case {
+        const char* typed;
+        bool refused;
+        const char* stored;
+    };
+    Options options(session);
+    for (const Case& entry : {Case{"0", false, "0"}, Case{"16777215", false, "16777215"}, Case{"", false, ""},
+                              Case{"-1", true, ""}, Case{"16777216", true, ""}, Case{"12.5", true, ""},
+                              Case{"1,5", true, ""}, Case{"blue", true, ""}}) {
+        options.change("txtLabelLights", entry.typed);
+        EXPECT_EQ(!options.apply().empty(), entry.refused) << entry.typed;
+        EXPECT_EQ(read("LabelLights"), entry.stored) << entry.typed;
+    }
+}
+
+// ---- The port search, and other windows that store the same settings
+
+TEST_F(OptionsTest, ASearchWithoutAUnitTellsAndKeepsThePort) {
+    stored("CommPort", "4");
+    port.presentNumber = 0;
+    session.link.commPort(4);
+    Options options(session);
+    MainCommands commands(session);
+    EXPECT_EQ(options.detectPort(commands), 0);
+    ASSERT_EQ(dialogs.boxes.size(), 1u);
+    EXPECT_EQ(dialogs.boxes[0].text, "Could not Find ORB Unit.  Please check the serial connection.");
+    EXPECT_EQ(options.value("cmbCOMM"), "4");
+    EXPECT_EQ(read("CommPort"), "4");
+}
+
+TEST_F(OptionsTest, ASearchThatFindsAUnitShowsAndStoresItsPort) {
+    class Milliseconds : public Yield {
+     public:
+        void yield() override { pass(); }
+        std::function<void()> pass;
+    } passing;
+    ManualClock time;
+    ScriptedPort line(time);
+    Session searching{Platform{line, ticker, time, settings, dialogs, passing, folder.path(), folder.path()}};
+    passing.pass = [&] {
+        line.advanceUs(1000);
+        searching.link.tick();
+    };
+    line.refuse(2);
+    line.unitOnPort(3);
+    // Serial number 300000 is 0x000493E0; 0x55 + 0x04 + 0x93 + 0xE0 = 0x1CC.
+    line.always("E", std::string("\xFA\xA5\x55\x00\x04\x93\xE0\xCC", 8));
+    stored("CommPort", "1");
+    Options options(searching);
+    options.change("txtPollRate", "5");
+    MainCommands commands(searching);
+    EXPECT_EQ(options.detectPort(commands), 3);
+    EXPECT_EQ(options.value("cmbCOMM"), "3");
+    EXPECT_EQ(options.value("txtPollRate"), "5");
+    EXPECT_EQ(read("CommPort"), "3");
+    EXPECT_THAT(dialogs.boxes, IsEmpty());
+}
+
+TEST_F(OptionsTest, TakeOverWhatOthersStoreAndKeepTheUsersEntries) {
+    Options options(session);
+    options.change("txtPollRate", "5");
+    EXPECT_FALSE(options.refresh());
+    stored("MonitorMode", "1");
+    stored("TableColor", "1");
+    EXPECT_TRUE(options.refresh());
+    EXPECT_TRUE(options.on("optMonitorMode"));
+    EXPECT_TRUE(options.on("chkAFRColors"));
+    EXPECT_EQ(options.value("txtPollRate"), "5");
+    EXPECT_FALSE(options.refresh());
+}
+
+TEST_F(OptionsTest, KnowNoOtherControls) {
+    Options options(session);
+    EXPECT_THROW(options.value("chkNone"), BoundsError);
+    EXPECT_THROW(options.change("chkNone", "1"), BoundsError);
+}
+
+}  // namespace
+}  // namespace zentaq

@@ -1,0 +1,106 @@
+// A session with a small reference database of its own: four sensors and no other row; and another program
+// that may lock the file.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "app/fake_platform.h"
+#include "refdata/schema.h"
+
+namespace zentaq {
+
+class SensorSession : public testing::Test {
+ protected:
+    /// Counts how often the lists of sensors are to be filled again.
+    struct Windows : RecordingWindows {
+        void sensorsChanged() override { ++sensorChanges; }
+        int sensorChanges = 0;
+    };
+
+    FakeSession fake;
+    Session& session = fake.session;
+    Windows windows;
+    std::string path = fake.folder.path("zentaq410-02.pak");
+
+    SensorSession() {
+        session.attach(windows);
+        makeDatabase();
+        session.database = Database::open(path);
+        add(oneBar, 0.05295F, -0.54738F, 1);
+        add(twoBar, 0.0251F, -0.2209F, 1);
+        add(sharp, 0.02F, -0.2F, 1);
+        add(streetPsia, 0.365076F, -0.54738F, 2);
+    }
+
+    static constexpr auto oneBar = "1 BAR (10-105 kPa)";
+    static constexpr auto twoBar = "2 BAR (9-208 kPa)";
+    static constexpr auto sharp = "Sharp (kPa)";  ///< 0.5 V at 35, 4.5 V at 235: both are whole numbers
+    static constexpr auto streetPsia = "Street (PSIA)";
+
+    MapSensorRow stored(const std::string& name) {
+        const auto row = session.database->mapSensorByName(name);
+        if (!row) ADD_FAILURE() << name << " is not stored";
+        return row.value_or(MapSensorRow{});
+    }
+    bool isStored(const std::string& name) { return session.database->mapSensorByName(name).has_value(); }
+    std::size_t sensorCount() { return session.database->mapSensors().size(); }
+    void add(const std::string& name, float scale, float offset, int units) {
+        session.database->addMapSensor({0, name, scale, offset, units});
+    }
+    void writeProtect() {
+        session.database.reset();
+        std::filesystem::permissions(path, std::filesystem::perms::owner_read);
+        session.database = Database::open(path);
+    }
+
+    /// Another program on the same file.
+    class OtherProgram {
+     public:
+        explicit OtherProgram(const std::string& path, int flags = SQLITE_OPEN_READWRITE) {
+            EXPECT_EQ(sqlite3_open_v2(path.c_str(), &file_, flags, nullptr), SQLITE_OK);
+        }
+        OtherProgram(const OtherProgram&) = delete;
+        OtherProgram& operator=(const OtherProgram&) = delete;
+        ~OtherProgram() { sqlite3_close(file_); }
+        void run(const std::string& sql) {
+            EXPECT_EQ(sqlite3_exec(file_, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sql;
+        }
+
+     private:
+        sqlite3* file_ = nullptr;
+    };
+    /// Holds the whole database file as long as it lives.
+    struct Lock : OtherProgram {
+        explicit Lock(const std::string& path) : OtherProgram(path) { run("BEGIN EXCLUSIVE"); }
+    };
+
+    std::vector<Box>& boxes() { return fake.dialogs.boxes; }
+    /// The last box; an empty one when none was shown.
+    Box lastBox() { return boxes().empty() ? Box{} : boxes().back(); }
+    void answer(Answer given) { fake.dialogs.answers.push_back(given); }
+    void type(const std::string& text) { fake.dialogs.inputs.push_back(text); }
+
+ private:
+    void makeDatabase() {
+        OtherProgram maker(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+        maker.run("BEGIN");
+        for (const refdata::Table& table : refdata::tables()) {
+            std::string columns;
+            for (const refdata::Column& column : table.columns) {
+                const bool name = column.type == refdata::ColumnType::NameText;
+                columns += (columns.empty() ? "\"" : ", \"") + column.name + "\"";
+                if (column.rowKey) columns += " INTEGER PRIMARY KEY AUTOINCREMENT";
+                if (name) columns += " TEXT COLLATE NOCASE";
+            }
+            maker.run("CREATE TABLE \"" + table.name + "\" (" + columns + ")");
+        }
+        maker.run("COMMIT");
+    }
+};
+
+}  // namespace zentaq

@@ -1,0 +1,209 @@
+// zentaqctl new: a calibration from nothing but names and figures.
+#include "ctl/ctl_fixture.h"
+#include "unit/unit_kind.h"
+
+namespace zentaq {
+namespace {
+
+class CtlNew : public Zentaqctl {
+ protected:
+    static constexpr const char* four = "4 Cylinder Coil per Plug, Sequential Injection";
+    static constexpr const char* oneBar = "1 BAR (10-105 kPa)";
+
+    Outcome make(const std::string& rest = {}, const std::string& unit = "ORB A Standard",
+                 const std::string& engine = four, const std::string& sensor = oneBar) {
+        return run("new --unit " + inQuotes(unit) + " --engine " + inQuotes(engine) + " --sensor " +
+                   inQuotes(sensor) + " " + rest + " -o " + inQuotes(made));
+    }
+    std::string valueOf(const std::string& member) {
+        const std::string out = run("get " + inQuotes(made) + " " + member).out;
+        return out.substr(0, out.find('\n'));
+    }
+    std::string made = folder.file("made.ZQ4OA");
+};
+
+TEST_F(CtlNew, MakesAFileOfTheModelTheEngineAndTheSensor) {
+    const Outcome outcome = make();
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_THAT(outcome.out, IsEmpty());
+    EXPECT_THAT(outcome.error, IsEmpty());
+    EXPECT_EQ(fs::file_size(made), 4U * (3 + 2828));
+    EXPECT_EQ(floatOf(made, 0), 3);
+    EXPECT_EQ(floatOf(made, 2), 5099);
+    EXPECT_EQ(valueOf("CYL_Number"), "4");
+    EXPECT_EQ(valueOf("Option_Type"), "3");
+    EXPECT_EQ(valueOf("MAP_ID"), "1");
+    EXPECT_EQ(valueOf("REV_Limiter"), "7000");
+    EXPECT_EQ(valueOf("scale1"), "8");
+    EXPECT_EQ(valueOf("INJ_On"), "1");
+    EXPECT_EQ(valueOf("INJ_Number"), "4");
+    EXPECT_EQ(valueOf("BiName"), "made");
+    EXPECT_EQ(run("image " + inQuotes(made) + " -o " + inQuotes(folder.file("made.s19"))).exitCode, 0);
+}
+
+TEST_F(CtlNew, TakesNamesWhateverTheirCapitals) {
+    EXPECT_EQ(
+        make("", "orb ar", "4 cylinder COIL per plug, sequential injection", "1 bar (10-105 KPA)").exitCode,
+        0);
+    EXPECT_EQ(valueOf("Option_Type"), "3");
+}
+
+TEST_F(CtlNew, TakesTheShortNamesOfUnitKinds) {
+    const std::pair<const char*, float> kinds[] = {{"A", 3}, {"clsORBALite", 4}, {"7", 7}, {"ZQ4OC", 6}};
+    for (const auto& [name, kind] : kinds) {
+        made = folder.file(std::string("made") + unitKindOfSlot(static_cast<int>(kind))->extension.data());
+        EXPECT_EQ(make("--force", name).exitCode, 0) << name;
+        EXPECT_EQ(floatOf(made, 0), kind) << name;
+    }
+}
+
+TEST_F(CtlNew, AUnitKindHasTheEnginesOfAllItsVariants) {
+    const char* twelve = "12 Cylinder Wasted Spark, Paired Injection";
+    EXPECT_EQ(make("", "ORB A Standard", twelve).exitCode, 1);
+    EXPECT_FALSE(fs::exists(made));
+    EXPECT_EQ(make("", "A", twelve).exitCode, 0);
+    EXPECT_EQ(make("--force", "ORB A 6/12", twelve).exitCode, 0);
+    EXPECT_EQ(valueOf("CYL_Number"), "12");
+}
+
+TEST_F(CtlNew, BasicFiguresShapeTheDefaultValues) {
+    EXPECT_EQ(make("--set REV_Limiter=6400 --set CAMSTL=1 --set AMP42=1 --set INJ_On=1.5").exitCode, 0);
+    EXPECT_EQ(valueOf("REV_Limiter"), "6400");
+    EXPECT_EQ(valueOf("RPMTBL 0"), "400");  // 6400 / 16
+    EXPECT_EQ(valueOf("RPMTBL 15"), "6400");
+    EXPECT_EQ(valueOf("LOWBLD 0"), "70") << "the blend of a race cam";
+    EXPECT_EQ(valueOf("AMP42"), "1");
+    EXPECT_EQ(valueOf("Control3 3"), "1");
+    EXPECT_EQ(valueOf("INJ_On"), "1.5");
+}
+
+TEST_F(CtlNew, BoostReachesTheTopOfThePressureAxis) {
+    EXPECT_EQ(make("--set MAX_Boost=120", "ORB A Standard", four, "2.5 BAR (10-260 kPa)").exitCode, 0);
+    EXPECT_EQ(valueOf("MAPTBL 15"), "221.3");  // 101.325 + 120
+    EXPECT_EQ(valueOf("MAX_Boost"), "1.2") << "its reader answers bar";
+}
+
+TEST_F(CtlNew, OtherMembersGoBehindTheDefaultValues) {
+    EXPECT_EQ(make("--set KNK_MIN=44 --set TPS_FCV=0.62 --set 'NOTES_TEXT=For the hill' --set VE.ROWS=12 "
+                   "--set BiName='Hill 1'")
+                  .exitCode,
+              0);
+    EXPECT_EQ(valueOf("KNK_MIN"), "44");
+    EXPECT_EQ(valueOf("TPS_FCV"), "0.62");
+    EXPECT_EQ(valueOf("NOTES_TEXT"), "For the hill");
+    EXPECT_EQ(valueOf("VE.ROWS"), "12");
+    EXPECT_EQ(valueOf("BiName"), "Hill 1");
+}
+
+TEST_F(CtlNew, ComputesTheFlowFromThePower) {
+    // k = 0.4 + 0.0125 * 4 = 0.45; 0.45 * 200 / 4 = 22.5; 22.5 * 10 / (10 - 1.2) = 25.568
+    EXPECT_EQ(make("--set BHP=200 --set REV_Limiter=6000").exitCode, 0);
+    EXPECT_EQ(valueOf("INJ_FlowRate"), "25.57");
+    EXPECT_EQ(make("--force --set BHP=200 --set REV_Limiter=6000 --set Alcohol=1").exitCode, 0);
+    EXPECT_EQ(valueOf("INJ_FlowRate"), "56.25");  // 22.5 * 2.2 * 10 / 8.8
+}
+
+TEST_F(CtlNew, KeepsAFlowThatIsGivenAndLargeEnough) {
+    EXPECT_EQ(make("--set INJ_FlowRate=42 --set BHP=200 --set REV_Limiter=6000").exitCode, 0);
+    EXPECT_EQ(valueOf("INJ_FlowRate"), "42");
+    expectRefused(make("--force --set INJ_FlowRate=25 --set BHP=200 --set REV_Limiter=6000"),
+                  "Warning 1001: Data Input Error: (25.57 to 500 Lbs/hr) - Invalid Entry.");
+    EXPECT_EQ(valueOf("INJ_FlowRate"), "42") << "the file is as it was";
+}
+
+TEST_F(CtlNew, CountsTheInjectorsOfTheEngine) {
+    EXPECT_EQ(make("", "ORB L", "8 Cylinder Coil per Plug, Sequential Injection").exitCode, 0);
+    EXPECT_EQ(valueOf("INJ_Number"), "8");
+}
+
+TEST_F(CtlNew, RefusesValuesOutsideTheirLimitsAndWritesNothing) {
+    const std::pair<const char*, const char*> refused[] = {{"REV_Limiter=999", "(1000 to 20000 RPM)"},
+                                                           {"INJ_Number=0", "(1 to 24)"},
+                                                           {"INJ_Number=25", "(1 to 24)"},
+                                                           {"MAX_Boost=100.1", "(0 to 100 kPa)"},
+                                                           {"CAMSTL=2", "(0 to 1)"},
+                                                           {"KNK_MIN=101", "(2 to 100 units)"}};
+    for (const auto& [setting, range] : refused) {
+        expectRefused(make(std::string("--set ") + setting),
+                      std::string("Warning 1001: Data Input Error: ") + range + " - Invalid Entry.");
+        EXPECT_FALSE(fs::exists(made)) << setting;
+    }
+    expectRefused(make("--set BHP=many"),
+                  "Warning 1000: Data Input Error: Non-numeric value detected. Retype Data");
+    expectRefused(make("--set BHP="),
+                  "Warning 1005: Data Input Error: Field CANNOT be NULL; please try again.");
+    expectRefused(make("--set BHP=1,5"),
+                  "BHP: 1,5 has a comma; decimals are written with a point, such as 12.5");
+    expectRefused(make("--set VE=5"),
+                  "VE has 256 elements; make the file, then change them by zentaqctl set --index");
+    EXPECT_FALSE(fs::exists(made));
+}
+
+TEST_F(CtlNew, SuggestsTheNamesThatMayBeMeant) {
+    expectRefused(make("", "ORB A Standard", "4 cylinder distributor throttle"),
+                  "There is no engine \"4 cylinder distributor throttle\"; did you mean \"4 Cylinder "
+                  "Distributor, Throttle Body\"?");
+    expectRefused(make("", "ORB A Standard", four, "1 BAR (10-106 kPa)"),
+                  "There is no sensor \"1 BAR (10-106 kPa)\"; did you mean \"1 BAR (10-105 kPa)\"?");
+    expectRefused(make("", "ORB A Standard", "steam turbine of the Turbinia"),
+                  "There is no engine \"steam turbine of the Turbinia\"");
+    expectRefused(make("--set KNK_MINN=5"), "ORB A has no member KNK_MINN; did you mean KNK_MIN?");
+    const Outcome unit = make("", "ORB A Standart");
+    EXPECT_EQ(unit.exitCode, 2);
+    EXPECT_THAT(unit.error, HasSubstr("ORB A Standart is no unit model; did you mean \"ORB A Standard\"?"));
+    EXPECT_FALSE(fs::exists(made));
+}
+
+TEST_F(CtlNew, ReplacesAFileOnlyWhenTold) {
+    writeFile(made, "something else");
+    expectRefused(make(), made + " is there already; --force puts the new calibration in its place");
+    EXPECT_EQ(contentOf(made), "something else");
+    EXPECT_EQ(make("--force").exitCode, 0);
+    EXPECT_EQ(valueOf("REV_Limiter"), "7000");
+}
+
+TEST_F(CtlNew, NotesAnExtensionOfAnotherKind) {
+    const Outcome outcome = make("", "ORB L");
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.error, made + " holds a calibration for ORB L; such files end in .ZQ4OL\n");
+}
+
+TEST_F(CtlNew, WrongUsageEndsWithTwo) {
+    const std::string names = std::string("--engine ") + inQuotes(four) + " --sensor " + inQuotes(oneBar);
+    for (const std::string& arguments :
+         {std::string("new"), "new --unit A " + names, "new --unit Z " + names + " -o x",
+          "new --unit A " + names + " --set KNK_MIN -o x", "new --unit A " + names + " --set =5 -o x",
+          "new --unit A " + names + " -o ''", "new --unit A " + names + " --json -o x",
+          std::string("engines --unit Z"), std::string("engines extra"), std::string("sensors --unit A")}) {
+        const Outcome outcome = run(arguments);
+        EXPECT_EQ(outcome.exitCode, 2) << arguments;
+        EXPECT_FALSE(outcome.error.empty()) << arguments;
+    }
+    expectRefused(run("new --unit A " + names + " -o -"),
+                  "A calibration is not written to the standard output; name a file");
+}
+
+TEST_F(CtlNew, AFolderThatIsNotThereIsToldInOneLine) {
+    made = folder.file("no/such/folder.ZQ4OA");
+    const Outcome outcome = make();
+    EXPECT_EQ(outcome.exitCode, 1);
+    expectOneLine(outcome.error);
+}
+
+TEST_F(CtlNew, NeedsTheReferenceDatabase) {
+    const std::string program = folder.file("zentaqctl");  // no database beside it
+    fs::copy_file(ZENTAQ_APP_DIR "/zentaqctl", program);
+    for (const std::string& command : {"new --unit A --engine " + inQuotes(four) + " --sensor " +
+                                           inQuotes(oneBar) + " -o " + inQuotes(made),
+                                       std::string("engines"), std::string("sensors")}) {
+        const std::string error = folder.file("error.txt");
+        const int status = std::system((inQuotes(program) + " " + command + " 2>" + inQuotes(error)).c_str());
+        ASSERT_TRUE(WIFEXITED(status));
+        EXPECT_EQ(WEXITSTATUS(status), 1);
+        EXPECT_THAT(contentOf(error), StartsWith("The reference database bin/data/zentaq410-02.pak"));
+    }
+    EXPECT_FALSE(fs::exists(made));
+}
+
+}  // namespace
+}  // namespace zentaq

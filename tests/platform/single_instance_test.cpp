@@ -1,0 +1,187 @@
+#include "platform/single_instance.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <functional>
+#include <string>
+
+#include "temporary_folder.h"
+
+namespace zentaq {
+namespace {
+
+/// A process of its own that claims a lock and lives on until it is killed.
+class OtherProcess {
+ public:
+    explicit OtherProcess(
+        const std::string& lockFile, const std::function<void()>& before = [] {}) {
+        int told[2];
+        if (pipe(told) != 0) throw std::runtime_error("pipe");
+        child_ = fork();
+        if (child_ == 0) {
+            before();
+            const SingleInstance instance(lockFile);
+            const char answer = instance.anotherRuns() ? 'r' : instance.holds() ? 'h' : 'n';
+            if (write(told[1], &answer, 1) != 1) _exit(1);
+            for (;;) pause();
+        }
+        if (read(told[0], &answer_, 1) != 1) answer_ = '?';
+        close(told[0]);
+        close(told[1]);
+    }
+    ~OtherProcess() { crash(); }
+
+    /// Ends without a chance to clean up.
+    void crash() {
+        if (child_ <= 0) return;
+        kill(child_, SIGKILL);
+        waitpid(child_, nullptr, 0);
+        child_ = 0;
+    }
+    bool claimed() const { return answer_ == 'h'; }
+    bool refused() const { return answer_ == 'r'; }
+    bool alive() const { return child_ > 0 && kill(child_, 0) == 0; }
+    pid_t id() const { return child_; }
+
+ private:
+    pid_t child_ = 0;
+    char answer_ = '?';
+};
+
+class SingleInstanceTest : public testing::Test {
+ protected:
+    TemporaryFolder folder;
+    std::string lock = folder.path("zentaq4.lock");
+};
+
+TEST_F(SingleInstanceTest, TheFirstProcessRunsAndTheSecondIsRefused) {
+    OtherProcess first(lock);
+    ASSERT_TRUE(first.claimed());
+    OtherProcess second(lock);
+    EXPECT_TRUE(second.refused());
+    EXPECT_TRUE(first.alive());
+    second.crash();
+    EXPECT_TRUE(SingleInstance(lock).anotherRuns()) << "the end of the second leaves the first its lock";
+}
+
+TEST_F(SingleInstanceTest, ACrashFreesTheLock) {
+    OtherProcess first(lock);
+    ASSERT_TRUE(first.claimed());
+    first.crash();
+    const SingleInstance next(lock);
+    EXPECT_FALSE(next.anotherRuns());
+    EXPECT_TRUE(next.holds());
+}
+
+TEST_F(SingleInstanceTest, AnOrderlyEndFreesTheLock) {
+    { const SingleInstance first(lock); }
+    EXPECT_TRUE(SingleInstance(lock).holds());
+}
+
+TEST_F(SingleInstanceTest, ALockFileLeftBehindStopsNobodyWhateverItSays) {
+    // The number of a process that runs: a number used again must not look like an earlier instance.
+    const std::string living = std::to_string(getpid()) + "\nzentaq4\nhost\n";
+    for (const std::string& content :
+         {std::string(), living, std::string("999999999"), std::string("\0\xFF", 2)}) {
+        folder.write("zentaq4.lock", content);
+        const SingleInstance instance(lock);
+        EXPECT_FALSE(instance.anotherRuns());
+        EXPECT_TRUE(instance.holds());
+    }
+}
+
+TEST_F(SingleInstanceTest, AHelperProgramDoesNotInheritTheLock) {
+    OtherProcess first(lock, [] {});
+    ASSERT_TRUE(first.claimed());
+    first.crash();
+    pid_t helper = 0;
+    {
+        const SingleInstance instance(lock);
+        ASSERT_TRUE(instance.holds());
+        helper = fork();
+        if (helper == 0) {
+            execl("/bin/sleep", "sleep", "30", nullptr);
+            _exit(1);
+        }
+        // The lock is out of the helper's hands as soon as it has become the other program.
+        const std::string name = "/proc/" + std::to_string(helper) + "/comm";
+        while (TemporaryFolder::read(name) != "sleep\n") usleep(1000);
+    }
+    EXPECT_TRUE(SingleInstance(lock).holds());
+    kill(helper, SIGKILL);
+    waitpid(helper, nullptr, 0);
+}
+
+TEST_F(SingleInstanceTest, AMissingFolderStopsNobody) {
+    const SingleInstance instance(folder.path("missing/zentaq4.lock"));
+    EXPECT_FALSE(instance.anotherRuns());
+    EXPECT_FALSE(instance.holds());
+}
+
+TEST_F(SingleInstanceTest, AFolderInPlaceOfTheFileStopsNobody) {
+    std::filesystem::create_directory(lock);
+    EXPECT_FALSE(SingleInstance(lock).anotherRuns());
+}
+
+TEST_F(SingleInstanceTest, AnUnwritableFolderStopsNobody) {
+    std::filesystem::create_directory(folder.path("closed"));
+    ASSERT_EQ(chmod(folder.path("closed").c_str(), 0500), 0);
+    constexpr uid_t somebody = 65534;  // an administrator may write anywhere
+    OtherProcess other(folder.path("closed/zentaq4.lock"), [] {
+        if (getuid() == 0 && setuid(somebody) != 0) _exit(1);
+    });
+    EXPECT_FALSE(other.refused());
+    EXPECT_TRUE(other.alive());
+}
+
+TEST_F(SingleInstanceTest, ALinkThatSomebodyPutThereIsNotFollowed) {
+    std::filesystem::create_symlink(folder.path("victim"), lock);
+    EXPECT_FALSE(SingleInstance(lock).anotherRuns());
+    EXPECT_FALSE(std::filesystem::exists(folder.path("victim")));
+}
+
+/// The runtime folder of the test's own.
+class LockOfUser : public SingleInstanceTest {
+ protected:
+    LockOfUser() { setenv("XDG_RUNTIME_DIR", folder.path().c_str(), 1); }
+    ~LockOfUser() override {
+        if (before_.empty()) {
+            unsetenv("XDG_RUNTIME_DIR");
+        } else {
+            setenv("XDG_RUNTIME_DIR", before_.c_str(), 1);
+        }
+    }
+
+ private:
+    std::string before_ = std::getenv("XDG_RUNTIME_DIR") != nullptr ? std::getenv("XDG_RUNTIME_DIR") : "";
+};
+
+TEST_F(LockOfUser, LiesInTheRuntimeFolderWhichIsMade) {
+    const SingleInstance instance;
+    EXPECT_TRUE(instance.holds());
+    EXPECT_TRUE(std::filesystem::exists(folder.path("zentaq4/zentaq4.lock")));
+    OtherProcess other(folder.path("zentaq4/zentaq4.lock"));
+    EXPECT_TRUE(other.refused());
+}
+
+TEST_F(LockOfUser, TwoUsersBothRun) {
+    const SingleInstance mine;
+    ASSERT_TRUE(mine.holds());
+    const TemporaryFolder folderOfTheOther;
+    setenv("XDG_RUNTIME_DIR", folderOfTheOther.path().c_str(), 1);
+    const SingleInstance theirs;
+    EXPECT_TRUE(theirs.holds());
+}
+
+TEST_F(LockOfUser, ARuntimeFolderThatCannotBeMadeStopsNobody) {
+    setenv("XDG_RUNTIME_DIR", folder.write("a file", "x").c_str(), 1);
+    const SingleInstance instance;
+    EXPECT_FALSE(instance.anotherRuns());
+}
+
+}  // namespace
+}  // namespace zentaq

@@ -1,0 +1,181 @@
+#include "sim/faults.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+
+#include "base/errors.h"
+#include "sim_helpers.h"
+
+namespace zentaq::sim {
+namespace {
+
+using namespace test;
+
+const Bytes tenBytes{0xFA, 0xA5, 0x55, 1, 2, 3, 4, 5, 6, 0x6A};
+
+FaultInjector injector(std::initializer_list<const char*> texts, unsigned seed = 1) {
+    std::vector<Fault> faults;
+    for (const char* text : texts) faults.push_back(parseFault(text));
+    return FaultInjector(std::move(faults), seed);
+}
+
+Bytes joined(const FaultyReply& reply) {
+    Bytes all;
+    for (const auto& piece : reply.pieces) all.insert(all.end(), piece.bytes.begin(), piece.bytes.end());
+    return all;
+}
+
+Bytes once(const char* fault, const Bytes& reply = tenBytes) {
+    return joined(injector({fault}).apply(bytesOf("W"), reply));
+}
+
+TEST(Faults, WithoutOneAReplyPassesAsItIs) {
+    FaultInjector none;
+    const FaultyReply reply = none.apply(bytesOf("W"), tenBytes);
+    ASSERT_EQ(reply.pieces.size(), 1u);
+    EXPECT_EQ(reply.pieces[0].bytes, tenBytes);
+    EXPECT_EQ(reply.pieces[0].after, Delay(0));
+    EXPECT_FALSE(reply.cableOut);
+}
+
+TEST(Faults, LostByteIsMissingAndTheOthersKeepTheirOrder) {
+    const Bytes reply = once("lose-byte");
+    ASSERT_EQ(reply.size(), 9u);
+    std::size_t at = 0;
+    for (const std::uint8_t byte : tenBytes) {
+        if (at < reply.size() && reply[at] == byte) ++at;
+    }
+    EXPECT_EQ(at, 9u);
+}
+
+TEST(Faults, ExtraByteMakesTheReplyLonger) {
+    EXPECT_EQ(once("extra-byte").size(), 11u);
+}
+
+TEST(Faults, FlippedBitIsOneBit) {
+    const Bytes reply = once("flip-bit");
+    ASSERT_EQ(reply.size(), 10u);
+    int different = 0;
+    for (std::size_t i = 0; i < 10; ++i) {
+        different += std::popcount(static_cast<unsigned>(reply[i] ^ tenBytes[i]));
+    }
+    EXPECT_EQ(different, 1);
+}
+
+TEST(Faults, WrongSumChangesTheLastByteOfAHeadedReplyOnly) {
+    Bytes expected = tenBytes;
+    expected.back() = 0x6B;
+    EXPECT_EQ(once("wrong-sum"), expected);
+    EXPECT_EQ(once("wrong-sum", bytesOf("AX")), bytesOf("AX"));
+}
+
+TEST(Faults, SilenceAndRefusalReplaceTheReply) {
+    EXPECT_TRUE(once("silence").empty());
+    EXPECT_EQ(textOf(once("refuse")), "AR");
+}
+
+TEST(Faults, LateReplyBeginsLater) {
+    const FaultyReply reply = injector({"late=350"}).apply(bytesOf("W"), tenBytes);
+    ASSERT_EQ(reply.pieces.size(), 1u);
+    EXPECT_EQ(reply.pieces[0].after, Delay(350));
+    EXPECT_EQ(reply.pieces[0].bytes, tenBytes);
+}
+
+TEST(Faults, SplitReplyPausesInItsMiddle) {
+    const FaultyReply reply = injector({"split=40", "late=5"}).apply(bytesOf("W"), tenBytes);
+    ASSERT_EQ(reply.pieces.size(), 2u);
+    EXPECT_EQ(reply.pieces[0].bytes, (Bytes{0xFA, 0xA5, 0x55, 1, 2}));
+    EXPECT_EQ(reply.pieces[0].after, Delay(5));
+    EXPECT_EQ(reply.pieces[1].bytes, (Bytes{3, 4, 5, 6, 0x6A}));
+    EXPECT_EQ(reply.pieces[1].after, Delay(45));
+}
+
+TEST(Faults, HangUpTakesTheReplyAndTheCable) {
+    const FaultyReply reply = injector({"hang-up=700"}).apply(bytesOf("W"), tenBytes);
+    EXPECT_TRUE(reply.pieces.empty());
+    EXPECT_EQ(reply.cableOut, Delay(700));
+}
+
+TEST(Faults, FaultOfACommandLeavesTheOthersAlone) {
+    FaultInjector faults = injector({"silence@P2"});
+    EXPECT_FALSE(faults.apply(bytesOf("P1"), bytesOf("AX")).pieces.empty());
+    EXPECT_FALSE(faults.apply(bytesOf("W"), tenBytes).pieces.empty());
+    EXPECT_FALSE(faults.apply(bytesOf("S"), bytesOf("AX")).pieces.empty());
+    EXPECT_TRUE(faults.apply(bytesOf("P2S10411228048"), bytesOf("AX")).pieces.empty());
+}
+
+TEST(Faults, OccurrenceStrikesOnce) {
+    FaultInjector faults = injector({"refuse@S#2"});
+    EXPECT_EQ(textOf(joined(faults.apply(bytesOf("S"), bytesOf("AX")))), "AX");
+    EXPECT_EQ(textOf(joined(faults.apply(bytesOf("A"), bytesOf("AX")))), "AX");
+    EXPECT_EQ(textOf(joined(faults.apply(bytesOf("S"), bytesOf("AX")))), "AR");
+    EXPECT_EQ(textOf(joined(faults.apply(bytesOf("S"), bytesOf("AX")))), "AX");
+}
+
+TEST(Faults, LinesAreCountedFromTheStartOfEachTransfer) {
+    FaultInjector faults = injector({"refuse@line#3"});
+    for (int transfer = 0; transfer < 2; ++transfer) {
+        faults.apply(bytesOf("P1"), bytesOf("AX"));
+        std::string replies;
+        for (int row = 0; row < 4; ++row) {
+            replies += textOf(joined(faults.apply(bytesOf(imageRow(row, 1)), bytesOf("AX"))));
+        }
+        EXPECT_EQ(replies, "AXAXARAX") << transfer;
+    }
+}
+
+TEST(Faults, BurstWithoutAReplyIsNotCounted) {
+    FaultInjector faults = injector({"refuse@Z#1"});
+    EXPECT_TRUE(faults.apply(bytesOf("Z"), {}).pieces.empty());
+    EXPECT_EQ(textOf(joined(faults.apply(Bytes{'Z', 0xFF}, bytesOf("AX")))), "AR");
+}
+
+TEST(Faults, PercentIsAChanceThatTheSeedRepeats) {
+    const auto pattern = [](unsigned seed) {
+        FaultInjector faults = injector({"silence%20"}, seed);
+        std::vector<bool> silent;
+        for (int i = 0; i < 2000; ++i) silent.push_back(faults.apply(bytesOf("W"), tenBytes).pieces.empty());
+        return silent;
+    };
+    const auto first = pattern(7);
+    EXPECT_NEAR(static_cast<double>(std::count(first.begin(), first.end(), true)), 400, 60);
+    EXPECT_EQ(first, pattern(7));
+    EXPECT_NE(first, pattern(8));
+}
+
+TEST(Faults, ChanceOfZeroNeverStrikesAndOfHundredAlways) {
+    FaultInjector never = injector({"silence%0"});
+    FaultInjector always = injector({"silence%100"});
+    for (int i = 0; i < 500; ++i) {
+        ASSERT_FALSE(never.apply(bytesOf("W"), tenBytes).pieces.empty());
+        ASSERT_TRUE(always.apply(bytesOf("W"), tenBytes).pieces.empty());
+    }
+}
+
+TEST(Faults, ByteLostFromAReplyOfOneByteIsSilence) {
+    EXPECT_TRUE(once("lose-byte", Bytes{1}).empty());
+    EXPECT_EQ(textOf(once("split", Bytes{'A'})), "A");
+}
+
+TEST(FaultText, CarriesDelayCommandOccurrenceAndChance) {
+    const Fault fault = parseFault("late=300@line#12%2.5");
+    EXPECT_EQ(fault.kind, FaultKind::Late);
+    EXPECT_EQ(fault.delay, Delay(300));
+    EXPECT_EQ(fault.command, "line");
+    EXPECT_EQ(fault.occurrence, 12);
+    EXPECT_EQ(fault.percent, 2.5);
+    EXPECT_EQ(parseFault("hang-up").delay, Delay(1000));
+    EXPECT_EQ(parseFault("flip-bit").percent, 100);
+}
+
+TEST(FaultText, AnythingElseIsRefused) {
+    for (const char* text : {"", "boo", "silence=5", "late=", "late=-1", "late=x", "silence@", "silence@Q",
+                             "silence@W#0", "silence@W#x", "silence%", "silence%101", "silence%-1", "@W"}) {
+        EXPECT_THROW(parseFault(text), Failure) << text;
+    }
+}
+
+}  // namespace
+}  // namespace zentaq::sim

@@ -1,0 +1,267 @@
+// The same protocol on every kind of unit: what each answers, and how long.
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "sim/simulated_unit.h"
+#include "sim_helpers.h"
+
+namespace zentaq::sim {
+namespace {
+
+using namespace test;
+
+struct KindCase {
+    const char* model;
+    std::uint32_t serial;
+    const char* firmware;
+    std::size_t firmwareReply;
+    std::size_t narrow;
+    std::size_t wide;  ///< 0: not answered
+    std::size_t record;
+    std::size_t lines;      ///< of an image for the firmware as delivered
+    std::size_t nameAt;     ///< in the memory
+    std::size_t memory;     ///< bytes
+    std::string_view link;  ///< start of the announced name
+};
+
+constexpr KindCase kindCases[] = {
+    {"A", 200001, "ZQA-405099", 39, 35, 65, 33, 147, 560, 2352, "orb-a"},
+    {"A 6/12", 200002, "ZQA-405099", 39, 35, 65, 33, 147, 560, 2352, "orb-a612"},
+    {"A r", 200003, "ZQA-405099", 39, 35, 65, 33, 147, 560, 2352, "orb-ar"},
+    {"L", 300001, "ZQL-407099", 38, 28, 66, 36, 147, 560, 2352, "orb-l"},
+    {"C", 350001, "ZQC-403099", 38, 28, 70, 40, 137, 560, 2352, "orb-c"},
+    {"D", 700001, "ZQD-405099", 38, 28, 62, 34, 147, 560, 2352, "orb-d"},
+    {"D6", 750001, "ZQD-405099", 38, 28, 62, 34, 147, 560, 2352, "orb-d6"},
+    {"PZK-2", 500001, "ZPK-405099", 38, 28, 0, 34, 64, 166, 1024, "pzk-2"},
+};
+
+class EveryKind : public testing::TestWithParam<KindCase> {
+ protected:
+    const KindCase& kind = GetParam();
+    const UnitProfile& profile = *findProfile(kind.model);
+    SimulatedUnit unit{profile, defaultIdentity(profile)};
+
+    /// A line as the unit wants it.
+    std::string line(std::string text) const { return profile.linesEndInLineFeed ? text + "\r\n" : text; }
+};
+
+TEST_P(EveryKind, TellsItsSerialNumber) {
+    const Bytes reply = ask(unit, "E");
+    ASSERT_EQ(reply.size(), 8u);
+    EXPECT_TRUE(isSealed(reply));
+    EXPECT_EQ(word(reply, 3) * 65536 + word(reply, 5), kind.serial);
+}
+
+TEST_P(EveryKind, TellsNameAndFirmwareInAReplyOfItsLength) {
+    unit.setCalibrationName("WET TRACK");
+    const Bytes reply = ask(unit, "B");
+    ASSERT_EQ(reply.size(), kind.firmwareReply);
+    EXPECT_TRUE(isSealed(reply));
+    EXPECT_EQ(textOf({reply.begin() + 3, reply.begin() + 12}), "WET TRACK");
+    EXPECT_EQ(textOf({reply.begin() + 27, reply.begin() + 37}), kind.firmware);
+    EXPECT_EQ(unit.memory().at(kind.nameAt), 'W');
+    EXPECT_EQ(unit.memory().at(kind.nameAt + 8), 'K');
+}
+
+TEST_P(EveryKind, AnswersEveryCommandWithItsLength) {
+    EXPECT_EQ(ask(unit, "F").size(), kind.narrow);
+    EXPECT_EQ(ask(unit, "W").size(), kind.wide);
+    EXPECT_EQ(ask(unit, "I").size(), 21u);
+    EXPECT_EQ(ask(unit, "C").size(), 39u);
+    EXPECT_EQ(ask(unit, "T").size(), 16u);
+    EXPECT_EQ(ask(unit, "D").size(), kind.record);
+    for (const char* command : {"A", "K", "S"}) EXPECT_EQ(askText(unit, command), "AX") << command;
+    EXPECT_EQ(textOf(unit.feed(Bytes{'Z', 0xFF})), "AX");
+    EXPECT_EQ(textOf(unit.feed(Bytes{'Z', 0x00})), "AX");
+    EXPECT_EQ(askText(unit, "P3"), "AR");
+}
+
+TEST_P(EveryKind, ChecksTheSumOfAllItsLongReplies) {
+    for (const char* command : {"B", "C", "D", "E", "I", "T"}) {
+        EXPECT_TRUE(isSealed(ask(unit, command))) << command;
+    }
+    EXPECT_EQ(isSealed(ask(unit, "F")), kind.narrow == 28);
+    if (kind.wide > 0) {
+        EXPECT_TRUE(isSealed(ask(unit, "W")));
+    }
+}
+
+TEST_P(EveryKind, TakesAnOnTheFlyChangeWithoutALineEnd) {
+    EXPECT_EQ(askText(unit, "P2S10411228048"), "AX");
+    EXPECT_EQ(unit.memory().at(34), 0x80);
+}
+
+TEST_P(EveryKind, KnowsTheEndOfItsMemory) {
+    const auto last = static_cast<unsigned>(0x1100 + kind.memory - 1);
+    EXPECT_EQ(unit.memory().size(), kind.memory);
+    EXPECT_EQ(askText(unit, "P2" + dataRecord(last, {7})), "AX");
+    EXPECT_EQ(askText(unit, "P2" + dataRecord(last + 1, {7})), "AR");
+}
+
+TEST_P(EveryKind, IsProgrammedWithTheLinesOfItsFirmware) {
+    ASSERT_EQ(askText(unit, "P1"), "AX");
+    const int lines = static_cast<int>(kind.lines);
+    for (int row = 0; row < lines; ++row) ASSERT_EQ(askText(unit, line(imageRow(row, 9))), "AX") << row;
+    ASSERT_EQ(askText(unit, line(endRecord)), "PN");
+    for (std::size_t i = 0; i < kind.lines * 16; ++i) ASSERT_EQ(unit.memory()[i], (i + 9) % 251) << i;
+    EXPECT_FALSE(unit.hasUnsavedChanges());
+}
+
+TEST_P(EveryKind, RefusesALineTooManyAndALineTooFew) {
+    const int lines = static_cast<int>(kind.lines);
+    const Bytes before = unit.memory();
+    ASSERT_EQ(askText(unit, "P1"), "AX");
+    for (int row = 0; row < lines; ++row) ASSERT_EQ(askText(unit, line(imageRow(row, 9))), "AX") << row;
+    EXPECT_EQ(askText(unit, line(imageRow(lines, 9))), "AR");
+    ASSERT_EQ(askText(unit, "P1"), "AX");
+    for (int row = 0; row + 1 < lines; ++row) ASSERT_EQ(askText(unit, line(imageRow(row, 9))), "AX") << row;
+    EXPECT_EQ(askText(unit, line(endRecord)), "AR");
+    EXPECT_EQ(unit.memory(), before);
+}
+
+TEST_P(EveryKind, IsAnnouncedByANameOfItsOwn) {
+    EXPECT_EQ(profile.linkStem, kind.link);
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, EveryKind, testing::ValuesIn(kindCases),
+                         [](const auto& row) { return plainName(row.param.model); });
+
+TEST(UnitKinds, SubtypesOfTheOrbATellThemselvesInTheFirmwareReply) {
+    const auto subtype = [](const char* model) {
+        const UnitProfile& profile = *findProfile(model);
+        SimulatedUnit unit(profile, defaultIdentity(profile));
+        return ask(unit, "B").at(37);
+    };
+    EXPECT_EQ(subtype("A"), 0);
+    EXPECT_EQ(subtype("A 6/12"), 1);
+    EXPECT_EQ(subtype("A r"), 2);
+}
+
+struct WideCase {
+    const char* model;
+    const char* without;
+    const char* with;
+};
+
+TEST(UnitKinds, WideFrameComesWithAReleaseOfTheKindsOwn) {
+    constexpr WideCase cases[] = {{"A", "ZQA-404099", "ZQA-405000"},
+                                  {"L", "ZQL-406099", "ZQL-407000"},
+                                  {"C", "ZQC-402099", "ZQC-403000"},
+                                  {"D", "ZQD-404099", "ZQD-405000"},
+                                  {"D6", "ZQD-404099", "ZQD-405000"}};
+    for (const WideCase& row : cases) {
+        const UnitProfile& profile = *findProfile(row.model);
+        UnitIdentity identity = defaultIdentity(profile);
+        identity.firmware = row.without;
+        SimulatedUnit older(profile, identity);
+        EXPECT_TRUE(ask(older, "W").empty()) << row.model;
+        EXPECT_EQ(ask(older, "F").size(), static_cast<std::size_t>(profile.narrow.length)) << row.model;
+        identity.firmware = row.with;
+        SimulatedUnit newer(profile, identity);
+        EXPECT_TRUE(isSealed(ask(newer, "W"))) << row.model;
+    }
+}
+
+TEST(UnitKinds, FirmwareTellsHowManyLinesAnImageHas) {
+    struct LinesCase {
+        const char* model;
+        const char* firmware;
+        int lines;
+    };
+    constexpr LinesCase cases[] = {{"A", "ZQA-404099", 137},   {"A", "ZQA-405000", 147},
+                                   {"L", "ZQL-406099", 137},   {"C", "ZQC-404099", 137},
+                                   {"C", "ZQC-405000", 147},   {"D", "ZQD-404099", 137},
+                                   {"PZK-2", "ZPK-401000", 64}};
+    for (const LinesCase& row : cases) {
+        const UnitProfile& profile = *findProfile(row.model);
+        UnitIdentity identity = defaultIdentity(profile);
+        identity.firmware = row.firmware;
+        SimulatedUnit unit(profile, identity);
+        const std::string end = profile.linesEndInLineFeed ? "\r\n" : "";
+        ASSERT_EQ(askText(unit, "P1"), "AX");
+        for (int i = 0; i < row.lines; ++i)
+            ASSERT_EQ(askText(unit, imageRow(i, 2) + end), "AX") << row.firmware;
+        EXPECT_EQ(askText(unit, endRecord + end), "PN") << row.firmware;
+    }
+}
+
+TEST(UnitKinds, AllButTheOrbAWaitForTheEndOfALine) {
+    const UnitProfile& profile = *findProfile("L");
+    SimulatedUnit unit(profile, defaultIdentity(profile));
+    ASSERT_EQ(askText(unit, "P1"), "AX");
+    EXPECT_EQ(askText(unit, imageRow(0, 1)), "");
+    EXPECT_EQ(askText(unit, "\r"), "");
+    EXPECT_EQ(askText(unit, "\n"), "AX");
+    EXPECT_EQ(askText(unit, imageRow(1, 1) + "E"), "AR");  // something behind a whole record
+}
+
+TEST(UnitKinds, ConfigurationTellsOfThePic18) {
+    for (const UnitProfile* profile : allProfiles()) {
+        UnitIdentity identity = defaultIdentity(*profile);
+        const bool always = profile->firmwarePrefix == "ZQC" || profile->firmwarePrefix == "ZQD";
+        SimulatedUnit plain(*profile, identity);
+        EXPECT_EQ(ask(plain, "C").at(18), always ? 1 : 0) << profile->model;
+        identity.hasPic18 = true;
+        SimulatedUnit fitted(*profile, identity);
+        const Bytes reply = ask(fitted, "C");
+        EXPECT_EQ(reply.at(18), 1) << profile->model;
+        EXPECT_TRUE(isSealed(reply)) << profile->model;
+    }
+}
+
+TEST(UnitKinds, LogOfThePzk2IsEmptyUntilToldOtherwise) {
+    const UnitProfile& profile = *findProfile("PZK-2");
+    UnitIdentity identity = defaultIdentity(profile);
+    SimulatedUnit empty(profile, identity);
+    EXPECT_GT(ask(empty, "D").at(3), 82);
+    identity.logRecords = 1;
+    SimulatedUnit full(profile, identity);
+    EXPECT_LE(ask(full, "D").at(3), 82);
+    EXPECT_GT(ask(full, "D").at(3), 82);
+}
+
+TEST(UnitKinds, OldAndOctalSerialRepliesComeOnDemand) {
+    const UnitProfile& profile = *findProfile("A");
+    UnitIdentity identity = defaultIdentity(profile);
+    identity.serial = 17;  // 15 as octal digits
+    identity.serialFormat = SerialFormat::Old;
+    SimulatedUnit old(profile, identity);
+    EXPECT_EQ(ask(old, "E"), (Bytes{0, 0, 0, 15, 'A', 'X'}));
+    identity.serialFormat = SerialFormat::Octal;
+    SimulatedUnit octal(profile, identity);
+    EXPECT_EQ(ask(octal, "E"), (Bytes{0xFA, 0xA5, 0x54, 0, 0, 0, 15, 0x63}));
+}
+
+TEST(UnitProfile, NamesMayBeSpelledAsPeopleDo) {
+    for (const char* spelling : {"A 6/12", "a6/12", "A612", "orb-a612", "ORB A 6/12"}) {
+        ASSERT_NE(findProfile(spelling), nullptr) << spelling;
+        EXPECT_EQ(findProfile(spelling)->model, "A 6/12") << spelling;
+    }
+    for (const char* spelling : {"A r", "ar", "AR", "orb-ar"}) {
+        ASSERT_NE(findProfile(spelling), nullptr) << spelling;
+        EXPECT_EQ(findProfile(spelling)->model, "A r") << spelling;
+    }
+    for (const char* spelling : {"PZK-2", "pzk2", "Pzk 2"}) {
+        ASSERT_NE(findProfile(spelling), nullptr) << spelling;
+        EXPECT_EQ(findProfile(spelling)->model, "PZK-2") << spelling;
+    }
+    EXPECT_EQ(findProfile("orb d")->model, "D");
+    EXPECT_EQ(findProfile("d6")->model, "D6");
+    for (const char* spelling : {"", "ORB", "B", "A6", "PZK", "D66"})
+        EXPECT_EQ(findProfile(spelling), nullptr);
+}
+
+TEST(UnitProfile, NoTwoModelsShareAnAnnouncedNameOrASerialNumber) {
+    std::set<std::string_view> stems;
+    std::set<std::uint32_t> serials;
+    for (const UnitProfile* profile : allProfiles()) {
+        EXPECT_TRUE(stems.insert(profile->linkStem).second) << profile->model;
+        EXPECT_TRUE(serials.insert(profile->defaultSerial).second) << profile->model;
+    }
+    EXPECT_EQ(stems.size(), 8u);
+    EXPECT_EQ(modelList(), "A, A 6/12, A r, L, C, D, D6, PZK-2");
+}
+
+}  // namespace
+}  // namespace zentaq::sim

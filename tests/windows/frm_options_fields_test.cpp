@@ -1,0 +1,315 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "app/data_points.h"
+#include "windows/frm_options_fixture.h"
+
+namespace zentaq {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class OptionsFields : public OptionsWindowTest {
+ protected:
+    void showing(OptionPage page) {
+        if (!form) open();
+        toPage(page);
+    }
+    std::string lastBox() { return fake.dialogs.boxes.empty() ? "" : fake.dialogs.boxes.back().text; }
+};
+
+// ---- Check boxes and buttons, each with its caption
+
+struct BoxCase {
+    OptionPage page;
+    const char* control;
+    const char* caption;
+    const char* key;
+    bool atOnce;
+    bool checkedAtFirst = false;
+};
+
+constexpr BoxCase boxes[] = {
+    {OptionPage::Communications, "chkCOMM", "Show Communication Console", "CommCnsl", false},
+    {OptionPage::Communications, "chkShowCommDialog", "Show Communications Dialog", "CommDialog", true, true},
+    {OptionPage::Start, "chkAutoLog", "Automatically Create System Log File", "AutoLog", false, true},
+    {OptionPage::Start, "chkConsole", "Show Console at Start Up", "Cnsl", false},
+    {OptionPage::Start, "chkFileOpen", "Start Program with BIN File Open Prompt", "FileOpen", false, true},
+    {OptionPage::Display, "chkTemperature", "Show Temperature in Fahrenheit", "TemperatureToggle", true},
+    {OptionPage::Tables, "chkGraphs", "Dock 2D Graphs in lower portion of the screen", "Graphs", false},
+    {OptionPage::Tables, "chkColumnType", "Override Automatic Column Resizing with Fixed Width (Tables)",
+     "Column_Type", true},
+    {OptionPage::Tables, "chkAFRColors", "Overlay AFR Colors (R,G,Y) on Tables while monitoring",
+     "TableColor", false},
+    {OptionPage::Dashboard, "chkAutoMonitor", "Automatically begin monitoring ORB unit upon startup",
+     "AutoMonitor", true},
+};
+
+TEST_F(OptionsFields, SpaceTurnsEachCheckBoxAndItsSettingFollowsInItsOwnTime) {
+    fake.settings = {};
+    for (const BoxCase& row : boxes) {
+        SCOPED_TRACE(row.control);
+        showing(row.page);
+        auto* box = the<QCheckBox>(row.control);
+        EXPECT_EQ(box->text().remove('&').toStdString(), row.caption);
+        ASSERT_EQ(box->isChecked(), row.checkedAtFirst);
+        const std::string before = stored(row.key);
+        tabTo(row.control);
+        key(Qt::Key_Space, Qt::NoModifier, " ");
+        const std::string turned = row.checkedAtFirst ? "0" : "1";
+        EXPECT_EQ(box->isChecked(), !row.checkedAtFirst);
+        EXPECT_EQ(stored(row.key), row.atOnce ? turned : before);
+    }
+    apply();
+    for (const BoxCase& row : boxes) EXPECT_EQ(stored(row.key), row.checkedAtFirst ? "0" : "1") << row.key;
+}
+
+TEST_F(OptionsFields, TheUnusedCheckBoxTurnsAndStoresNothing) {
+    showing(OptionPage::Dashboard);
+    EXPECT_EQ(the<QCheckBox>("chkAutoOutput")->text().remove('&'), "Enable Automatic Monitoring on ORB unit");
+    tabTo("chkAutoOutput");
+    key(Qt::Key_Space, Qt::NoModifier, " ");
+    EXPECT_TRUE(the<QCheckBox>("chkAutoOutput")->isChecked());
+    apply();
+    form.reset();
+    showing(OptionPage::Dashboard);
+    EXPECT_FALSE(the<QCheckBox>("chkAutoOutput")->isChecked());
+}
+
+TEST_F(OptionsFields, ArrowsChooseWhatThePrintButtonPrints) {
+    showing(OptionPage::Print);
+    EXPECT_EQ(the<QRadioButton>("optPrintButton(0)")->text().remove('&'), "Print Current Form");
+    EXPECT_EQ(the<QRadioButton>("optPrintButton(1)")->text().remove('&'), "Print BIN File");
+    EXPECT_TRUE(the<QRadioButton>("optPrintButton(0)")->isChecked());
+    tabTo("optPrintButton(0)");
+    key(Qt::Key_Down);
+    EXPECT_TRUE(the<QRadioButton>("optPrintButton(1)")->isChecked());
+    EXPECT_EQ(stored("Print"), "1");
+    key(Qt::Key_Up);
+    EXPECT_EQ(stored("Print"), "0");
+}
+
+TEST_F(OptionsFields, TheModeButtonsAndLabelsCarryTheirCaptions) {
+    showing(OptionPage::Dashboard);
+    EXPECT_EQ(the<QRadioButton>("optMonitorMode(0)")->text().remove('&'), "Night Mode (Black)");
+    EXPECT_EQ(the<QRadioButton>("optMonitorMode(1)")->text().remove('&'), "Day Mode (White)");
+    EXPECT_EQ(the<QPushButton>("cmdAutoDetectPort")->text().remove('&'), "Auto Detect Port");
+    QStringList captions;
+    for (const QLabel* caption : form->findChildren<QLabel*>()) {
+        if (caption->buddy() != nullptr) captions.append(caption->text().remove('&'));
+    }
+    for (const char* caption :
+         {"COMM PORT", "Polling Rate in Seconds", "CLT Alarm", "MAT Alarm",
+          "Adjustable Dashboard Update Rate", "Needle Color", "Dash Lights", "Dash Labels"})
+        EXPECT_TRUE(captions.contains(QLatin1String(caption))) << caption;
+}
+
+// ---- The port
+
+TEST_F(OptionsFields, ArrowsChooseAPortThatApplyStoresWithoutOpeningIt) {
+    fake.settings.set("System", "CommPort", "7");  // gone; port 1 is there
+    showing(OptionPage::Communications);
+    auto* ports = the<QComboBox>("cmbCOMM");
+    EXPECT_EQ(ports->currentData().toInt(), 7);
+    EXPECT_THAT(ports->currentText().toStdString(), HasSubstr("(not present)"));
+    const int opens = fake.port.opens;
+    tabTo("cmbCOMM");
+    key(Qt::Key_Up);
+    EXPECT_EQ(ports->currentData().toInt(), 1);
+    EXPECT_EQ(stored("CommPort"), "7");
+    apply();
+    EXPECT_EQ(stored("CommPort"), "1");
+    EXPECT_EQ(fake.session.link.commPort(), 1);
+    EXPECT_EQ(fake.port.opens, opens);
+}
+
+// ---- The slider
+
+TEST_F(OptionsFields, KeysMoveTheUpdateRateWhichIsStoredAtOnceAndNeverZero) {
+    fake.settings.set("System", "ADUR", "20");
+    showing(OptionPage::Dashboard);
+    EXPECT_EQ(label("lblADUR"), "20");
+    tabTo("sldDashAdjust");
+    key(Qt::Key_Right);
+    EXPECT_EQ(label("lblADUR"), "21");
+    EXPECT_EQ(stored("ADUR"), "21");
+    key(Qt::Key_PageUp);
+    EXPECT_EQ(stored("ADUR"), "31");
+    key(Qt::Key_Home);
+    EXPECT_EQ(stored("ADUR"), "1");
+    key(Qt::Key_Left);
+    EXPECT_EQ(stored("ADUR"), "1");
+    key(Qt::Key_End);
+    EXPECT_EQ(stored("ADUR"), "100");
+    key(Qt::Key_Right);
+    EXPECT_EQ(label("lblADUR"), "100");
+}
+
+TEST_F(OptionsFields, TheDashboardsTimerFollowsTheSliderAtOnce) {
+    fake.settings.set("System", "ADUR", "20");
+    showing(OptionPage::Dashboard);
+    const auto* timer = find<QTimer>("tmrUpdate");
+    ASSERT_NE(timer, nullptr);
+    tabTo("sldDashAdjust");
+    key(Qt::Key_Right);
+    EXPECT_EQ(timer->interval(), 47);  // the whole part of 1000 / 21
+    key(Qt::Key_Home);
+    EXPECT_EQ(timer->interval(), 1000);
+}
+
+TEST_F(OptionsFields, OpeningTheWindowStoresNothing) {
+    fake.settings = {};
+    open();
+    for (const OptionRow& row : optionTable()) {
+        if (row.key.empty()) continue;
+        EXPECT_EQ(stored(std::string(row.key).c_str()), "") << row.key;
+    }
+}
+
+// ---- Fields
+
+struct EntryCase {
+    const char* typed;
+    const char* stored;
+    const char* box;  ///< part of its text; empty: no box
+};
+
+TEST_F(OptionsFields, TheCoolantAlarmInCelsius) {
+    fake.settings.set("System", "CLTAlarmValue", "98");
+    showing(OptionPage::Display);
+    EXPECT_EQ(text("txtCLTvalue"), "98");
+    EXPECT_EQ(label("lblCLTunits"), "\u00B0C");
+    for (const EntryCase& entry :
+         {EntryCase{"95", "95", ""}, EntryCase{"-40", "-40", ""}, EntryCase{"150", "150", ""},
+          EntryCase{"-40.5", "150", "(-40 - 150\u00B0C) - Invalid Entry."},
+          EntryCase{"150.5", "150", "(-40 - 150\u00B0C) - Invalid Entry."},
+          EntryCase{"", "150", "Field CANNOT be NULL"},
+          EntryCase{"hot", "150", "Non-numeric value detected."},
+          EntryCase{"1.2.3", "150", "Non-numeric value detected."}, EntryCase{"95,5", "95.5", ""},
+          EntryCase{"-", "95.5", ""}}) {
+        SCOPED_TRACE(entry.typed);
+        fake.dialogs.boxes.clear();
+        enter("txtCLTvalue", entry.typed);
+        apply();
+        EXPECT_EQ(stored("CLTAlarmValue"), entry.stored);
+        EXPECT_THAT(lastBox(), HasSubstr(entry.box));
+        EXPECT_EQ(fake.dialogs.boxes.size(), *entry.box == 0 ? 0u : 1u);
+        EXPECT_EQ(focus(), *entry.box == 0 ? "cmdApply" : "txtCLTvalue");
+    }
+}
+
+TEST_F(OptionsFields, TheManifoldAirAlarmInFahrenheit) {
+    fake.settings.set("System", "TemperatureToggle", "1");
+    fake.settings.set("System", "MATAlarmValue", "60");
+    showing(OptionPage::Display);
+    EXPECT_EQ(text("txtMATvalue"), "140");
+    EXPECT_EQ(label("lblMATunits"), "\u00B0F");
+    for (const EntryCase& entry :
+         {EntryCase{"212", "100", ""}, EntryCase{"-40", "-40", ""}, EntryCase{"302", "150", ""},
+          EntryCase{"-40,1", "150", "(-40 - 302\u00B0F) - Invalid Entry."},
+          EntryCase{"303", "150", "(-40 - 302\u00B0F) - Invalid Entry."},
+          EntryCase{"", "150", "Field CANNOT be NULL"}, EntryCase{"x", "150", "Non-numeric value detected."},
+          EntryCase{"99,5", "37.5", ""}, EntryCase{"-", "37.5", ""}}) {
+        SCOPED_TRACE(entry.typed);
+        fake.dialogs.boxes.clear();
+        enter("txtMATvalue", entry.typed);
+        apply();
+        EXPECT_EQ(stored("MATAlarmValue"), entry.stored);
+        EXPECT_THAT(lastBox(), HasSubstr(entry.box));
+        EXPECT_EQ(fake.dialogs.boxes.size(), *entry.box == 0 ? 0u : 1u);
+    }
+}
+
+TEST_F(OptionsFields, TheTemperatureBoxConvertsBothAlarmsAtOnce) {
+    fake.settings.set("System", "TemperatureToggle", "0");
+    fake.settings.set("System", "CLTAlarmValue", "100");
+    showing(OptionPage::Display);
+    tabTo("chkTemperature");
+    key(Qt::Key_Space, Qt::NoModifier, " ");
+    EXPECT_EQ(text("txtCLTvalue"), "212");
+    EXPECT_EQ(text("txtMATvalue"), "-");
+    EXPECT_EQ(label("lblCLTunits"), "\u00B0F");
+    EXPECT_EQ(label("lblMATunits"), "\u00B0F");
+    EXPECT_TRUE(fake.session.fahrenheit());
+    key(Qt::Key_Space, Qt::NoModifier, " ");
+    EXPECT_EQ(text("txtCLTvalue"), "100");
+    EXPECT_EQ(label("lblCLTunits"), "\u00B0C");
+    EXPECT_EQ(stored("CLTAlarmValue"), "100");
+}
+
+TEST_F(OptionsFields, ThePollingRateTakesAnyNumberOrNothing) {
+    showing(OptionPage::Communications);
+    for (const EntryCase& entry :
+         {EntryCase{"5", "5", ""}, EntryCase{"0", "0", ""}, EntryCase{"2,5", "2.5", ""},
+          EntryCase{"often", "2.5", "Non-numeric value detected."}, EntryCase{"", "", ""}}) {
+        SCOPED_TRACE(entry.typed);
+        fake.dialogs.boxes.clear();
+        enter("txtPollRate", entry.typed);
+        apply();
+        EXPECT_EQ(stored("PollRate"), entry.stored);
+        EXPECT_THAT(lastBox(), HasSubstr(entry.box));
+        EXPECT_EQ(fake.dialogs.boxes.size(), *entry.box == 0 ? 0u : 1u);
+    }
+}
+
+TEST_F(OptionsFields, ColourFieldsTakeColoursOrNothing) {
+    for (const auto& [control, setting] : {std::pair("txtNeedleColor", "NeedleColor"),
+                                           {"txtDashLights", "DashLights"},
+                                           {"txtLabelLights", "LabelLights"}}) {
+        for (const EntryCase& entry :
+             {EntryCase{"255", "255", ""}, EntryCase{"0", "0", ""}, EntryCase{"16777215", "16777215", ""},
+              EntryCase{"16777216", "16777215", "(0 - 16777215) - Invalid Entry."},
+              EntryCase{"-1", "16777215", "(0 - 16777215) - Invalid Entry."},
+              EntryCase{"12,5", "16777215", "Enter Whole Numbers Only"},
+              EntryCase{"red", "16777215", "Non-numeric value detected."}, EntryCase{"", "", ""}}) {
+            SCOPED_TRACE(std::string(control) + " " + entry.typed);
+            showing(OptionPage::Dashboard);
+            fake.dialogs.boxes.clear();
+            enter(control, entry.typed);
+            apply();
+            EXPECT_EQ(stored(setting), entry.stored);
+            EXPECT_THAT(lastBox(), HasSubstr(entry.box));
+        }
+    }
+}
+
+// ---- Data points
+
+TEST_F(OptionsFields, TheListShowsAllDataPointsInTheirOrder) {
+    showing(OptionPage::DataPoints);
+    auto* list = the<QListWidget>("viewList");
+    ASSERT_EQ(list->count(), 65);
+    for (int i = 0; i < list->count(); ++i) {
+        EXPECT_EQ(list->item(i)->text().toStdString(), dataPointNames()[static_cast<std::size_t>(i)]);
+    }
+    EXPECT_EQ(label("lblViewCheck"), "Number of selected values: 0");
+}
+
+TEST_F(OptionsFields, SpaceChecksDataPointsAndMoreThanTenAreHintedAt) {
+    showing(OptionPage::DataPoints);
+    tabTo("viewList");
+    for (int i = 0; i < 10; ++i) {
+        key(Qt::Key_Space, Qt::NoModifier, " ");
+        key(Qt::Key_Down);
+    }
+    EXPECT_EQ(label("lblViewCheck"), "Number of selected values: 10");
+    EXPECT_FALSE(the<QLabel>("lblViewHint")->isVisible());
+    EXPECT_EQ(fake.settings.get("Datalog", "Datalog1"), "");
+    key(Qt::Key_Space, Qt::NoModifier, " ");
+    EXPECT_EQ(label("lblViewCheck"), "Number of selected values: 11");
+    EXPECT_TRUE(the<QLabel>("lblViewHint")->isVisible());
+    apply();
+    EXPECT_EQ(fake.settings.get("Datalog", "Datalog1"), "1");
+    EXPECT_EQ(fake.settings.get("Datalog", "Datalog11"), "11");
+    form.reset();
+    showing(OptionPage::DataPoints);
+    EXPECT_EQ(label("lblViewCheck"), "Number of selected values: 10");
+    EXPECT_EQ(the<QListWidget>("viewList")->item(10)->checkState(), Qt::Unchecked);
+    tabTo("viewList");
+    key(Qt::Key_Space, Qt::NoModifier, " ");
+    EXPECT_EQ(label("lblViewCheck"), "Number of selected values: 9");
+}
+
+}  // namespace
+}  // namespace zentaq

@@ -1,0 +1,69 @@
+#include "qt/outlined_style.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QImage>
+#include <QLineEdit>
+#include <QRadioButton>
+#include <cmath>
+
+#include "qt/look.h"
+
+namespace zentaq {
+namespace {
+
+double linear(double channel) {
+    return channel <= 0.03928 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+}
+double luminance(const QColor& color) {
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+/// Contrast as the accessibility guidelines for the web define it: 1 to 21.
+double contrast(const QColor& one, const QColor& other) {
+    const double light = std::max(luminance(one), luminance(other));
+    const double dark = std::min(luminance(one), luminance(other));
+    return (light + 0.05) / (dark + 0.05);
+}
+
+class Outlines : public testing::TestWithParam<DisplayMode> {
+ protected:
+    Outlines() : before_(appliedLook(*qApp)) { applyLook(*qApp, GetParam()); }
+    ~Outlines() override { applyLook(*qApp, before_); }
+
+    /// The best contrast with the window that any point on the row through the middle of the control has.
+    template <typename Control>
+    double edgeContrast(int from, int to) {
+        Control control;
+        control.resize(120, 30);
+        control.clearFocus();
+        const QImage picture = control.grab().toImage();
+        const QColor window = lookColors(GetParam()).background;
+        double best = 1;
+        for (int x = from; x < to; ++x) {
+            best = std::max(best, contrast(picture.pixelColor(x, picture.height() / 2), window));
+        }
+        return best;
+    }
+
+ private:
+    DisplayMode before_;
+};
+
+// 1.5 to 1 is what the eye finds without searching; the box of Fusion by night has 1.1 to 1.
+TEST_P(Outlines, OfAnEntryBoxStandOffTheWindow) {
+    EXPECT_GT(edgeContrast<QLineEdit>(0, 3), 1.5);
+}
+TEST_P(Outlines, OfACheckBoxStandOffTheWindow) {
+    EXPECT_GT(edgeContrast<QCheckBox>(0, 20), 1.5);
+}
+TEST_P(Outlines, OfARadioButtonStandOffTheWindow) {
+    EXPECT_GT(edgeContrast<QRadioButton>(0, 20), 1.5);
+}
+
+INSTANTIATE_TEST_SUITE_P(ByDayAndNight, Outlines, testing::Values(DisplayMode::Day, DisplayMode::Night),
+                         [](const auto& mode) { return mode.param == DisplayMode::Day ? "Day" : "Night"; });
+
+}  // namespace
+}  // namespace zentaq

@@ -1,0 +1,232 @@
+#include "qt/qt_settings.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+
+#include "app/settings_keys.h"
+#include "temporary_folder.h"
+
+namespace zentaq {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr const char* fileOfChild = "ZENTAQ_TEST_SETTINGS";
+
+class QtSettingsTest : public testing::Test {
+ protected:
+    TemporaryFolder folder;
+    std::string path = folder.path("Zentaq4.ini");
+    std::vector<std::string> troubles;
+
+    void listen(QtSettings& settings) {
+        settings.onTrouble([this](const std::string& what) { troubles.push_back(what); });
+    }
+    std::string fileText() const { return TemporaryFolder::read(path); }
+};
+
+TEST_F(QtSettingsTest, EveryKeyOfTheProgramSurvivesARestart) {
+    {
+        QtSettings settings(path);
+        int value = 0;
+        for (const settings::Key& key : settings::systemKeys) {
+            settings.set(settings::system, key.name, std::to_string(++value));
+        }
+        for (int slot = 1; slot <= settings::datalogSlots; ++slot) {
+            settings.set(settings::datalog, settings::datalogKey(slot), std::to_string(slot * 6));
+        }
+    }
+    const QtSettings settings(path);
+    int value = 0;
+    for (const settings::Key& key : settings::systemKeys) {
+        EXPECT_EQ(settings.get(settings::system, key.name), std::to_string(++value)) << key.name;
+    }
+    EXPECT_EQ(settings.get(settings::datalog, "Datalog10"), "60");
+    EXPECT_EQ(settings.get(settings::datalog, "Datalog11"), "");
+}
+
+TEST_F(QtSettingsTest, AKeyThatWasNeverWrittenReadsAsItsDefault) {
+    const QtSettings settings(path);
+    for (const settings::Key& key : settings::systemKeys) {
+        EXPECT_EQ(settings.get(settings::system, key.name, key.fallback), key.fallback);
+    }
+    EXPECT_FALSE(std::filesystem::exists(path)) << "reading writes nothing";
+}
+
+TEST_F(QtSettingsTest, TheFileHasTheSectionsAndKeysByTheirNames) {
+    QtSettings settings(path);
+    settings.set("System", "CommPort", "7");
+    settings.set("Datalog", "Datalog1", "12");
+    EXPECT_THAT(fileText(), HasSubstr("[System]\nCommPort=7\n"));
+    EXPECT_THAT(fileText(), HasSubstr("[Datalog]\nDatalog1=12\n"));
+}
+
+TEST_F(QtSettingsTest, OddTextsComeBackAsTheyWere) {
+    const std::vector<std::string> odd{
+        "",
+        " ",
+        "  both ends  ",
+        "a,b",
+        "a;b=c",
+        "\"quoted\"",
+        "C:\\Zentaq\\new",
+        "@bytes",
+        "@Invalid()",
+        "two\nlines\t.",
+        "100 %",
+        "%20%u",
+        "[Section]",
+        "# no comment",
+        "0",
+        "00012",
+        "1E5",
+        "true",
+        "\u03BB = 1\u00B0",
+        "\U0001F697",
+        std::string(5000, 'x'),
+    };
+    {
+        QtSettings settings(path);
+        for (std::size_t i = 0; i < odd.size(); ++i)
+            settings.set("System", "Odd" + std::to_string(i), odd[i]);
+    }
+    const QtSettings settings(path);
+    for (std::size_t i = 0; i < odd.size(); ++i) {
+        EXPECT_EQ(settings.get("System", "Odd" + std::to_string(i), "missing"), odd[i]) << i;
+    }
+}
+
+TEST_F(QtSettingsTest, AHandEditedValueWithACommaIsItsText) {
+    folder.write("Zentaq4.ini", "[System]\nADUR=1,5\n");
+    EXPECT_EQ(QtSettings(path).get("System", "ADUR"), "1,5");
+}
+
+/// Runs as a process of its own, started by the next test.
+TEST(QtSettingsOfAnotherProcess, DISABLED_StoresAValue) {
+    const char* file = std::getenv(fileOfChild);
+    ASSERT_NE(file, nullptr);
+    QtSettings settings(file);
+    settings.set("System", "MATAlarmValue", "70");
+}
+
+void runOtherProcess(const std::string& settingsFile) {
+    const pid_t child = fork();
+    if (child == 0) {
+        setenv(fileOfChild, settingsFile.c_str(), 1);
+        setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        execl("/proc/self/exe", "test_windows", "--gtest_also_run_disabled_tests",
+              "--gtest_filter=QtSettingsOfAnotherProcess.*", "--gtest_brief=1", nullptr);
+        _exit(1);
+    }
+    int status = 1;
+    waitpid(child, &status, 0);
+    ASSERT_EQ(status, 0);
+}
+
+TEST_F(QtSettingsTest, TwoProcessesKeepEachOthersValues) {
+    QtSettings settings(path);
+    settings.set("System", "CommPort", "7");
+    runOtherProcess(path);
+    settings.set("System", "CLTAlarmValue", "110");
+    EXPECT_THAT(fileText(), HasSubstr("CommPort=7\n"));
+    EXPECT_THAT(fileText(), HasSubstr("MATAlarmValue=70\n"));
+    EXPECT_THAT(fileText(), HasSubstr("CLTAlarmValue=110\n"));
+    EXPECT_EQ(settings.get("System", "MATAlarmValue"), "70");
+}
+
+TEST_F(QtSettingsTest, ASoundFileIsNoTrouble) {
+    folder.write("Zentaq4.ini", "[System]\nCommPort=7\n");
+    QtSettings settings(path);
+    listen(settings);
+    settings.set("System", "AutoLog", "1");
+    EXPECT_THAT(troubles, IsEmpty());
+}
+
+TEST_F(QtSettingsTest, ADamagedFileIsToldReadAsFarAsItGoesAndKept) {
+    const std::string damaged = "[System]\nCommPort=7\nthis line is no setting\nAutoLog=0\n";
+    folder.write("Zentaq4.ini", damaged);
+    QtSettings settings(path);
+    listen(settings);
+    EXPECT_THAT(troubles,
+                ElementsAre("Settings file " + path + " is damaged; what can be read of it is used."));
+    EXPECT_EQ(settings.get("System", "CommPort"), "7");
+    settings.set("System", "Print", "1");
+    EXPECT_EQ(TemporaryFolder::read(path + ".damaged"), damaged);
+    EXPECT_THAT(fileText(), HasSubstr("CommPort=7\n"));
+    EXPECT_THAT(fileText(), HasSubstr("Print=1\n"));
+}
+
+TEST_F(QtSettingsTest, AFileOfBytesIsAsUsableAsANewOne) {
+    std::string bytes;
+    for (int i = 0; i < 4096; ++i) bytes += static_cast<char>(i * 37 + i / 256);
+    folder.write("Zentaq4.ini", bytes);
+    QtSettings settings(path);
+    EXPECT_EQ(settings.get("System", "CommPort", "1"), "1");
+    settings.set("System", "CommPort", "7");
+    EXPECT_EQ(settings.get("System", "CommPort", "1"), "7");
+}
+
+TEST_F(QtSettingsTest, AFileThatCannotBeWrittenIsToldOnceAndValuesLastForTheRun) {
+    // The folder is a file: not even an administrator can make a file below it.
+    folder.write("Zentaq4", "x");
+    QtSettings settings(folder.path("Zentaq4/Zentaq4.ini"));
+    settings.set("System", "CommPort", "7");
+    settings.set("System", "AutoLog", "1");
+    EXPECT_EQ(settings.get("System", "CommPort"), "7");
+    listen(settings);
+    EXPECT_THAT(troubles, ElementsAre(HasSubstr("cannot be written; changed settings last for this run.")));
+}
+
+/// Whether a check holds in a process that is no administrator's, who may write any file.
+bool holdsForAnOrdinaryUser(const std::function<bool()>& check) {
+    const pid_t child = fork();
+    if (child == 0) {
+        constexpr uid_t somebody = 65534;
+        if (getuid() == 0 && setuid(somebody) != 0) _exit(2);
+        _exit(check() ? 0 : 1);
+    }
+    int status = 1;
+    waitpid(child, &status, 0);
+    return status == 0;
+}
+
+TEST_F(QtSettingsTest, AWriteProtectedFileIsToldAtTheStartAndValuesLastForTheRun) {
+    folder.write("Zentaq4.ini", "[System]\nCommPort=7\n");
+    using std::filesystem::perms;
+    std::filesystem::permissions(path, perms(0444));
+    std::filesystem::permissions(folder.path(), perms(055), std::filesystem::perm_options::add);
+    EXPECT_TRUE(holdsForAnOrdinaryUser([&] {
+        QtSettings settings(path);
+        listen(settings);
+        settings.set("System", "CommPort", "9");
+        return troubles.size() == 1 &&
+               troubles[0].ends_with("is write-protected; changed settings last for this run.") &&
+               settings.get("System", "CommPort") == "9";
+    }));
+    EXPECT_EQ(fileText(), "[System]\nCommPort=7\n");
+}
+
+TEST_F(QtSettingsTest, AnUnreadableFileIsToldAndTheProgramStartsAsNew) {
+    folder.write("Zentaq4.ini", "[System]\nCommPort=7\n");
+    using std::filesystem::perms;
+    std::filesystem::permissions(path, perms::none);
+    std::filesystem::permissions(folder.path(), perms(055), std::filesystem::perm_options::add);
+    EXPECT_TRUE(holdsForAnOrdinaryUser([&] {
+        QtSettings settings(path);
+        listen(settings);
+        return troubles.size() == 1 &&
+               troubles[0].ends_with("cannot be read; the program starts as newly installed.") &&
+               settings.get("System", "CommPort", "1") == "1";
+    }));
+}
+
+}  // namespace
+}  // namespace zentaq

@@ -1,0 +1,148 @@
+// The windows that open beside the frame: which command opens them, that a second call finds the open one,
+// and that a closed one is gone.
+#include <QLabel>
+#include <QPushButton>
+#include <QTabWidget>
+
+#include "refdata/seed_builder.h"
+#include "windows/window_fixture.h"
+
+namespace zentaq {
+namespace {
+
+class Forms : public WindowTest {
+ protected:
+    void run(std::string_view entry) {
+        windows.main().run(entry);
+        QCoreApplication::processEvents();
+    }
+    static void settle() {
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    void openDatabase() {
+        const std::string path = fake.folder.path("reference.pak");
+        refdata::buildDatabase(ZENTAQ_SOURCE_DIR "/data/seeds", path);
+        fake.session.database = Database::open(path);
+    }
+};
+
+TEST_F(Forms, NewOpensTheFormAndClosingItLeavesTheNewStateBehind) {
+    run("mnuNew");
+    ASSERT_NE(windows.generalConfig(), nullptr);
+    EXPECT_TRUE(windows.generalConfig()->isVisible());
+    EXPECT_EQ(windows.generalConfig()->windowTitle(), "General Engine Configuration");
+    EXPECT_TRUE(fake.session.creating());
+    windows.generalConfig()->close();
+    settle();
+    EXPECT_EQ(windows.generalConfig(), nullptr);
+    EXPECT_FALSE(fake.session.creating());
+}
+
+TEST_F(Forms, ASecondCallBringsTheOpenWindowToTheFront) {
+    run("mnuOptions");
+    const FrmOptions* first = windows.options();
+    ASSERT_NE(first, nullptr);
+    run("mnuControlPanel");
+    EXPECT_EQ(windows.options(), first);
+}
+
+TEST_F(Forms, AClosedWindowIsMadeAnew) {
+    run("mnuOptions");
+    windows.options()->close();
+    settle();
+    EXPECT_EQ(windows.options(), nullptr);
+    run("mnuOptions");
+    EXPECT_NE(windows.options(), nullptr);
+}
+
+TEST_F(Forms, ChangeColoursOpensTheOptionsOnTheirMonitorPage) {
+    run("mnuMonitor_ChangeColors");
+    ASSERT_NE(windows.options(), nullptr);
+    auto* pages = windows.options()->findChild<QTabWidget*>("SSTab1");
+    ASSERT_NE(pages, nullptr);
+    EXPECT_EQ(pages->currentIndex(), FrmOptions::monitorPage);
+}
+
+TEST_F(Forms, TheSensorManagerOpensFromTheMenu) {
+    openDatabase();
+    run("mnuMAPSensors");
+    ASSERT_NE(windows.sensorEditor(), nullptr);
+    EXPECT_EQ(windows.sensorEditor()->windowTitle(), "MAP Sensor Manager");
+}
+
+TEST_F(Forms, HelpOpensTheGuideAndWritesItsLine) {
+    run("mnuHelpContents");
+    ASSERT_NE(windows.help(), nullptr);
+    EXPECT_TRUE(windows.help()->isVisible());
+    EXPECT_NE(fake.session.console.lines().back().find("HELP: Opening Help File."), std::string::npos);
+}
+
+TEST_F(Forms, FastHelpShowsTheEntryOfTheControlInHand) {
+    openDatabase();
+    run("mnuNew");
+    auto* field = windows.generalConfig()->findChild<QWidget*>("txtRPM");
+    ASSERT_NE(field, nullptr);
+    field->setFocus();
+    run("mnuFastHelp");
+    ASSERT_NE(windows.fastHelpWindow(), nullptr);
+    EXPECT_TRUE(windows.fastHelpWindow()->isVisible());
+    const auto row = fake.session.database->help("helprevl");
+    ASSERT_TRUE(row.has_value());
+    QString shown;
+    for (const QLabel* label : windows.fastHelpWindow()->findChildren<QLabel*>()) shown += label->text();
+    EXPECT_TRUE(shown.contains(QString::fromStdString(row->topic))) << shown.toStdString();
+    windows.generalConfig()->close();
+}
+
+TEST_F(Forms, AFieldWithoutAnEntryIsToldInABox) {
+    run("mnuFastHelp");
+    ASSERT_FALSE(fake.dialogs.boxes.empty());
+    EXPECT_EQ(fake.dialogs.boxes.back().title, "Help");
+    EXPECT_EQ(fake.dialogs.boxes.back().text, "There is no help on this field.");
+}
+
+TEST_F(Forms, AWarningGivesTheFocusBackToTheFormNamed) {
+    run("mnuNew");
+    fake.session.messages.ActiveFormName = "frmGeneralConfig";
+    windows.focusForm("frmGeneralConfig");
+    settle();
+    EXPECT_TRUE(windows.generalConfig()->isVisible());
+    EXPECT_TRUE(windows.generalConfig()->isActiveWindow());
+    windows.generalConfig()->close();
+}
+
+TEST_F(Forms, TheUpdateRateOfTheOptionsActsAtOnce) {
+    fake.settings.set("System", "ADUR", "20");
+    windows.updateRateChanged();
+    const auto* timer = windows.dashboard()->findChild<QTimer*>("tmrUpdate");
+    ASSERT_NE(timer, nullptr);
+    EXPECT_EQ(timer->interval(), 50);
+}
+
+TEST_F(Forms, TheButtonsOfTheStartTabRunTheirEntries) {
+    auto* create = find<QPushButton>("cmdStartNew");
+    ASSERT_NE(create, nullptr);
+    create->click();
+    ASSERT_NE(windows.generalConfig(), nullptr);
+    windows.generalConfig()->close();
+    settle();
+    find<QPushButton>("cmdStartGuide")->click();
+    EXPECT_NE(windows.help(), nullptr);
+    fake.dialogs.requests.clear();
+    find<QPushButton>("cmdStartOpen")->click();
+    EXPECT_EQ(fake.dialogs.requests.size(), 1u);
+}
+
+TEST_F(Forms, ClosingTheFrameClosesThemAll) {
+    run("mnuOptions");
+    run("mnuHelpContents");
+    windows.main().close();
+    settle();
+    EXPECT_TRUE(windows.closed());
+    EXPECT_TRUE(windows.options() == nullptr || !windows.options()->isVisible());
+    EXPECT_TRUE(windows.help() == nullptr || !windows.help()->isVisible());
+}
+
+}  // namespace
+}  // namespace zentaq
