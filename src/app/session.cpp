@@ -33,6 +33,9 @@ Session::Session(const Platform& platform)
       poller(
           link, [this] { refreshCodes(); }, [this] { windows_->updateDisplay(); }),
       platform_(platform) {
+    messages.onMark([this](std::string_view state) {
+        if (state == "Modified") markModified();
+    });
     platform_.ticker.onTick([this] { link.tick(); });
     units_[0] = std::make_unique<Unit>(nullKind(), *this);
 }

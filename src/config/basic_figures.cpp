@@ -92,6 +92,7 @@ EngineFigures figuresOf(Unit& unit) {
 
 Limits figureLimits(Unit& unit, std::string_view member) {
     if (member == "INJ_Number") return {1, 24, "(1 to 24)"};
+    if (member == "BHP") return {0, 5000, "(0 to 5000 HP)"};
     if (member == "MAX_Boost") return boostLimits(unit);
     if (member == "INJ_FlowRate") return flowLimits(unit);
     return unit.limits(member);

@@ -24,7 +24,7 @@ float enteredBoost(const Unit& unit);
 SizingInput sizingInput(Unit& unit);
 EngineFigures figuresOf(Unit& unit);
 
-/// The limits of `INJ_Number`, `MAX_Boost` and `INJ_FlowRate`, for which the parameter table has none; those
+/// The limits of `INJ_Number`, `BHP`, `MAX_Boost` and `INJ_FlowRate`, for which the parameter table has none; those
 /// of the parameter table for any other member.
 Limits figureLimits(Unit& unit, std::string_view member);
 

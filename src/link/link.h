@@ -13,6 +13,7 @@
 
 #include "link/link_host.h"
 #include "link/link_status.h"
+#include "link/progress.h"
 #include "live/live_values.h"
 #include "platform/clock.h"
 #include "platform/serial_port.h"
@@ -129,6 +130,7 @@ class Link {
     void startProgress();
     void stepProgress(int current, int total);
     void removeProgress();
+    void showProgress();
 
     // Tick machine
     void sendNextCommand();
@@ -200,6 +202,7 @@ class Link {
     Yield& yield_;
     LinkedUnit linked_;
     LinkStatus status_;
+    Progress progress_;
     int commPort_ = 1;
 
     std::array<std::string, ringSize> commandQueue_;

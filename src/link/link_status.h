@@ -31,6 +31,7 @@ struct LinkStatus {
     std::string noConnectText;    ///< "Connecting...", "Updating", "AutoVE ON"
     bool progressVisible = false;
     int progressPercent = 0;    ///< 0 to 100
+    std::string progressText;   ///< "42%"
     std::uint64_t changes = 0;  ///< moves with every change; a view redraws when it moves
 };
 

@@ -194,21 +194,30 @@ void Link::log(std::string_view text) {
 }
 
 void Link::startProgress() {
-    show(&LinkStatus::progressPercent, 0);
-    show(&LinkStatus::progressVisible, true);
+    constexpr double full = 100;
+    progress_.Init(full, 0, "Processing . . . Please Wait!");
+    showProgress();
 }
 
 void Link::stepProgress(int current, int total) {
     if (total <= 0) return;
     // A frame that was still in flight when the transfer began has hidden the bar by its status.
-    show(&LinkStatus::progressVisible, true);
-    const double percent = truncate(static_cast<double>(current) / total * 100);
-    show(&LinkStatus::progressPercent, static_cast<int>(std::clamp(percent, 0.0, 100.0)));
+    if (!progress_.state().visible) startProgress();
+    const double full = progress_.state().maximum;
+    progress_.Active(std::min(truncate(static_cast<double>(current) / total * full), full), full);
+    showProgress();
 }
 
 void Link::removeProgress() {
-    show(&LinkStatus::progressPercent, 0);
-    show(&LinkStatus::progressVisible, false);
+    progress_.Remove();
+    showProgress();
+}
+
+void Link::showProgress() {
+    const Progress::State& state = progress_.state();
+    show(&LinkStatus::progressPercent, static_cast<int>(state.value));
+    show(&LinkStatus::progressText, state.percentage);
+    show(&LinkStatus::progressVisible, state.visible);
 }
 
 }  // namespace zentaq

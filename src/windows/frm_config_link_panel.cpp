@@ -263,7 +263,7 @@ void LinkPanel::render(const LinkStatus& status) {
     percentage_->setVisible(status.progressVisible);
     message_->setVisible(status.progressVisible);
     progress_->setValue(status.progressPercent);
-    setText(percentage_, status.progressVisible ? numberText(status.progressPercent) + "%" : "");
+    setText(percentage_, status.progressText);
 }
 
 void LinkPanel::showImage(LinkImage image) {

@@ -176,9 +176,13 @@ void FrmGeneralConfig::onFlyChanged(bool on) {
     form_->highlight(on);
 }
 
-void FrmGeneralConfig::sensorsChanged() {
+void FrmGeneralConfig::showUnit() {
     form_->refresh();
     showState();
+}
+
+void FrmGeneralConfig::sensorsChanged() {
+    showUnit();
 }
 
 void FrmGeneralConfig::changeEvent(QEvent* event) {

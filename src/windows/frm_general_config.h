@@ -30,6 +30,8 @@ class FrmGeneralConfig : public QWidget {
     void reset();
     /// Fields that act on the running engine take the highlight colour.
     void onFlyChanged(bool on);
+    /// The unit was changed elsewhere: the fields follow, but for the one that is being typed in.
+    void showUnit();
     /// The list of MAP sensors has been edited.
     void sensorsChanged();
     /// Key "Save" of the toolbar.

@@ -190,7 +190,7 @@ void WindowManager::onFlyLock(bool busy) {
 void WindowManager::showUnit() {
     if (config_) config_->showUnit();
     if (table_) table_->showUnit();
-    if (generalConfig_) generalConfig_->reset();
+    if (generalConfig_) generalConfig_->showUnit();
 }
 
 // ---- Windows of their own

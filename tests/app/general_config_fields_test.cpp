@@ -140,7 +140,7 @@ const BoxCase boxes[] = {
     {"txtMAP", "MAP_BAR", "2", "2,5", 2.5F, "1", "10", "0.99", "10.01", "(1.0 - 10.0 BAR)"},
     {"txtMaxBoost", "MAX_Boost", "50", "62,5", 0.625F, "0", "100", "-0.1", "100.1", "(0 to 100 kPa)"},
     {"txtINJ", "INJ_Number", "6", "7,0", 7, "1", "24", "0", "25", "(1 to 24)"},
-    {"txtBHP", "BHP", "250", "250,5", 250.5F, "", "", "", "", ""},
+    {"txtBHP", "BHP", "250", "250,5", 250.5F, "0", "5000", "-1", "5001", "(0 to 5000 HP)"},
     {"txtLBHR", "INJ_FlowRate", "42", "42,5", 42.5F, "0", "500", "-0.01", "500.01", "(0 to 500 Lbs/hr)"},
 };
 
@@ -253,7 +253,17 @@ TEST_F(GeneralConfigForm, TellsTheLimitsThatNoCaptionTells) {
     EXPECT_EQ(form.field("txtMaxBoost").limits, "");
     EXPECT_EQ(form.field("txtPOT").limits, "(-15 to 15 milliseconds (ms))");
     EXPECT_EQ(form.field("txtLBHR").limits, "(0 to 500 Lbs/hr)");
-    EXPECT_EQ(form.field("txtBHP").limits, "");
+    EXPECT_EQ(form.field("txtBHP").limits, "(0 to 5000 HP)");
+}
+
+TEST_F(GeneralConfigForm, TheNumberOfInjectorsIsAWholeOne) {
+    prepare();
+    form.enter("txtINJ", "6");
+    const int told = boxesShown();
+    EXPECT_FALSE(form.enter("txtINJ", "6.5"));
+    EXPECT_EQ(boxesShown(), told + 1);
+    EXPECT_EQ(lastBox(), "Warning 1002: Data Input Error\nEnter Whole Numbers Only");
+    EXPECT_EQ(text("txtINJ"), "6");
 }
 
 TEST_F(GeneralConfigForm, AnOffsetTimeIsKeptInEighths) {

@@ -340,6 +340,7 @@ TEST_F(CalibrationTransfer, ProgressIsTheWholePartOfLinesSentAgainstAll) {
     // The 74th line steps with 73 of 138 lines before it: 52.9 %.
     EXPECT_EQ(link.TransferLine(), 74);
     EXPECT_EQ(link.status().progressPercent, 52);
+    EXPECT_EQ(link.status().progressText, "52%");
 }
 
 TEST_F(CalibrationTransfer, EachLineShowsTheStatusOfItsTransfer) {

@@ -185,6 +185,7 @@ TEST_F(Workspace, RendersTheStateOfTheLink) {
     status.receive = Lamp::Received;
     status.progressVisible = true;
     status.progressPercent = 42;
+    status.progressText = "42%";
     windows.refresh();
     EXPECT_EQ(find<QLabel>("lblCommTitle")->text(), "Monitoring...");
     EXPECT_EQ(find<QLabel>("lblCommStatus1")->text(), "Receiving");

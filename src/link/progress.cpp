@@ -1,4 +1,4 @@
-#include "app/progress.h"
+#include "link/progress.h"
 
 #include <algorithm>
 #include <cmath>
