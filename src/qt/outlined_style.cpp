@@ -9,11 +9,21 @@ namespace {
 
 /// Fusion's outline is the window's colour made darker by this many percent.
 constexpr int fusionDarker = 140;
-constexpr int darkWindowBelow = 128;
+constexpr int darkBaseBelow = 128;
 
-bool hasOutline(QStyle::PrimitiveElement element) {
-    return element == QStyle::PE_FrameLineEdit || element == QStyle::PE_IndicatorCheckBox ||
-           element == QStyle::PE_IndicatorRadioButton || element == QStyle::PE_IndicatorItemViewItemCheck;
+bool isIndicator(QStyle::PrimitiveElement element) {
+    return element == QStyle::PE_IndicatorCheckBox || element == QStyle::PE_IndicatorRadioButton ||
+           element == QStyle::PE_IndicatorItemViewItemCheck;
+}
+
+/// The window's colour that makes Fusion draw an outline which is seen; nothing where its own one is.
+/// A check box inside a list is drawn by way of a plain one, so this must give the same when it is asked twice.
+QColor lentWindow(QStyle::PrimitiveElement element, const QPalette& palette) {
+    const QColor border = palette.color(QPalette::Mid);
+    const bool dark = palette.color(QPalette::Base).lightness() < darkBaseBelow;
+    if (isIndicator(element)) return dark ? border.lighter(fusionDarker * 2) : border;
+    const bool entry = element == QStyle::PE_FrameLineEdit;
+    return dark && entry ? border.lighter(fusionDarker * 3 / 2) : QColor();
 }
 
 }  // namespace
@@ -22,14 +32,14 @@ OutlinedStyle::OutlinedStyle() : QProxyStyle(QStyleFactory::create(QStringLitera
 
 void OutlinedStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                   const QWidget* widget) const {
-    const bool dark = option->palette.color(QPalette::Window).lightness() < darkWindowBelow;
-    if (!dark || !hasOutline(element)) {
+    const QColor window = lentWindow(element, option->palette);
+    if (!window.isValid()) {
         QProxyStyle::drawPrimitive(element, option, painter, widget);
         return;
     }
     const QPalette shown = option->palette;
     auto* lent = const_cast<QStyleOption*>(option);  // NOLINT: given back below; a copy would lose its type
-    lent->palette.setColor(QPalette::Window, shown.color(QPalette::Mid).lighter(fusionDarker * 3 / 2));
+    lent->palette.setColor(QPalette::Window, window);
     QProxyStyle::drawPrimitive(element, option, painter, widget);
     lent->palette = shown;
 }
