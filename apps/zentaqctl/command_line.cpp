@@ -61,17 +61,22 @@ Run doing(Work&& work) {
 }  // namespace
 
 CommandLine::CommandLine()
-    : app_("Reads, changes, compares and converts calibration files of Zentaq4", "zentaqctl") {
+    : app_("Reads, changes, compares and converts calibration files of Zentaq4, and speaks with a unit",
+           "zentaqctl") {
     app_.set_version_flag("--version", ZENTAQ_VERSION);
     app_.set_help_all_flag("--help-all", "Print the help of all commands and exit");
     app_.require_subcommand(1);
-    app_.footer("Exit status: 0 done, 1 refused or failed (for diff also: the files differ), 2 wrong usage.");
+    app_.footer(
+        "Exit status: 0 done, 1 refused or failed (for diff also: the files differ), 2 wrong usage, 3 no "
+        "unit "
+        "reached,\n128 and the number of the signal that ended a command of the link.");
     addReading();
     addChanging();
     addTable();
     addComparing();
     addMaking();
     addDecoding();
+    addLink();
 }
 
 Run CommandLine::parse(int argc, char** argv) {

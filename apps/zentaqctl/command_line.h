@@ -31,11 +31,17 @@ struct Arguments {
     std::string model;
     std::vector<std::string> settings;
     bool force = false;
+    std::string port = "1";
+    std::optional<double> seconds;
+    std::string log;
+    bool clear = false;
+    bool csv = false;
     std::optional<int> index;
     bool json = false;
 };
 
-/// A command does its work and answers the exit status: 0 done, 1 where `diff` found differences.
+/// A command does its work and answers the exit status: 0 done, 1 where `diff` found differences, 3 and above
+/// as the commands of the link have them.
 using Run = std::function<int(const Context& context)>;
 
 class CommandLine {
@@ -65,6 +71,11 @@ class CommandLine {
     void addComparing();
     void addMaking();
     void addDecoding();
+    // command_line_link.cpp
+    void addLink();
+    void addLinkTransfers();
+    CLI::App* addOnPort(const char* name, const char* what, Run run);
+    CLI::Option* addScaling(CLI::App* command, const char* what);
 
     CLI::App app_;
     Arguments given_;

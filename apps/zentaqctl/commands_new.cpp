@@ -1,6 +1,7 @@
 // new, engines, sensors: a calibration made of the reference database, and what there is to choose from.
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <filesystem>
 #include <iterator>
 #include <ostream>
@@ -87,6 +88,7 @@ struct Setting {
 constexpr std::array<std::string_view, 11> basicFigures = {
     "MAP_BAR", "REV_Limiter", "scale1", "INJ_On", "INJ_Number",  "MAX_Boost",
     "CAMSTL",  "Alcohol",     "AMP42",  "BHP",    "INJ_FlowRate"};
+constexpr int mustBeWhole = 1002;  ///< warning
 constexpr std::array<std::string_view, 3> switches = {"CAMSTL", "Alcohol", "AMP42"};
 
 bool isBasic(const std::string& member) {
@@ -122,7 +124,9 @@ void putFigure(QuietCalibration& calibration, const Setting& setting) {
     const bool outside =
         number && !limits.unlimited() &&
         calibration.host.checkRange(static_cast<float>(*number), limits.minimum, limits.maximum, limits.text);
-    if (outside) throw Refused(calibration.host.refusals().back());
+    const bool broken = number && isWholeFigure(member.name) && *number != std::trunc(*number);
+    if (!outside && broken) calibration.host.displayWarning(mustBeWhole, {});
+    if (outside || broken) throw Refused(calibration.host.refusals().back());
     writeMember(calibration, member, setting.value, 0);
 }
 
@@ -136,7 +140,7 @@ void putPlainFigures(Unit& unit, const Database& database, const EngineRow& engi
     for (const auto& [member, value] : figures) unit.store(member, value);
 }
 
-void putFigures(QuietCalibration& calibration, const std::vector<Setting>& settings) {
+void putFigures(QuietCalibration& calibration, const std::vector<Setting>& settings, float plainPulse) {
     const auto given = [&](std::string_view member) {
         return std::ranges::find(settings, member, &Setting::member);
     };
@@ -145,6 +149,7 @@ void putFigures(QuietCalibration& calibration, const std::vector<Setting>& setti
         if (setting != settings.end()) putFigure(calibration, *setting);
     }
     Unit& unit = calibration.unit;
+    if (given("scale1") == settings.end()) unit.store("scale1", usualPulse(unit, plainPulse));
     if (given("INJ_FlowRate") != settings.end()) return;
     const auto sizing = Calculate_FLOW(sizingInput(unit));
     if (sizing) unit.store("INJ_FlowRate", static_cast<float>(numberOf(flowText(sizing->InjectorFlow))));
@@ -251,7 +256,7 @@ void makeNew(const Context& context, const NewCalibration& wanted) {
     expectTaken(chooseEngine(unit, engine), calibration.host);
     expectTaken(chooseSensor(unit, sensor), calibration.host);
     putPlainFigures(unit, database, engine);
-    putFigures(calibration, settings);
+    putFigures(calibration, settings, startingFigures(database, unit.kind()).fullScalePulse);
     expectTaken(loadDefaults(unit, database, figuresOf(unit)), calibration.host);
     unit.Initialize_Trims();
     unit.BinFile(wanted.output);  // before the others: a name that is given stays

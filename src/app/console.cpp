@@ -47,20 +47,19 @@ void Console::SysLog(std::string_view kind, std::string_view tag, std::string_vi
                fixedCharacters(kind, kindWidth), fixedCharacters(tag, tagWidth),
                fixedCharacters(text, textWidth), fixedCharacters(clock_.timeText(), timeWidth)};
     const std::size_t length = characterCount(text);
-    if (length <= textWidth) {
-        writeLine(record_.text);
-        return;
-    }
+    const std::string head = record_.time + " - ";
+    if (length <= textWidth) return writeLines({head + record_.text});
     // kept: with an odd length whose half rounds down, the middle character is in neither line.
     const auto half = static_cast<std::size_t>(toInt32(static_cast<double>(length) / 2));
-    writeLine(firstCharacters(firstCharacters(text, half), textWidth));
-    writeLine("   ..." + std::string(firstCharacters(lastCharacters(text, half), textWidth)));
+    writeLines({head + std::string(firstCharacters(firstCharacters(text, half), textWidth)),
+                head + "   ..." + std::string(firstCharacters(lastCharacters(text, half), textWidth))});
 }
 
-void Console::writeLine(std::string_view text) {
-    const std::string line = record_.time + " - " + std::string(text);
-    plainLine(line);
-    if (logToFile_) append(line);
+// All of an event is on the screen before the file is tried: it may be the one thing that fails.
+void Console::writeLines(const std::vector<std::string>& lines) {
+    for (const std::string& line : lines) plainLine(line);
+    if (!logToFile_) return;
+    for (const std::string& line : lines) append(line);
 }
 
 void Console::append(const std::string& line) const {

@@ -6,6 +6,7 @@
 #include <deque>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/clock.h"
 
@@ -55,7 +56,7 @@ class Console {
     static constexpr std::size_t commLimit = 100;
 
  private:
-    void writeLine(std::string_view text);
+    void writeLines(const std::vector<std::string>& lines);
     void append(const std::string& line) const;
 
     const Clock& clock_;

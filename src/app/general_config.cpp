@@ -166,6 +166,8 @@ std::vector<std::string> GeneralConfig::choicesOf(const GeneralRow& row) {
 }
 
 std::string GeneralConfig::limitsOf(const GeneralRow& row) {
+    if (row.member == "MAX_Boost" && inHand() && boostUsed(unit()))
+        return "gauge, 0: none";
     if (row.kind != GeneralKind::Text || row.limitsInCaption || !inHand()) return {};
     const Limits limits = figureLimits(unit(), row.member);
     return limits.unlimited() ? std::string() : limits.text;
@@ -198,7 +200,7 @@ bool GeneralConfig::enterText(const GeneralRow& row, std::string_view text) {
         session_.checkRange(static_cast<float>(number), limits.minimum, limits.maximum, limits.text)) {
         return false;
     }
-    if (row.member == "INJ_Number" && number != std::trunc(number)) {
+    if (isWholeFigure(row.member) && number != std::trunc(number)) {
         session_.displayWarning(mustBeWhole, {});
         return false;
     }
@@ -230,6 +232,7 @@ void GeneralConfig::noteChange(const GeneralRow& row) {
         const bool boost = row.member == "MAX_Boost";
         figures_[std::string(row.member)] = boost ? enteredBoost(unit()) : unit().get(row.member);
     }
+    if (row.computes != Computes::Nothing) offerPulse();
     if (row.computes == Computes::FlowAndPulse) computeFlow();
     if (row.computes == Computes::Pulse) computePulse();
     if (creating()) return;
@@ -350,6 +353,12 @@ void GeneralConfig::showComputed() {
         if (sizing_ && fitted > 0) sizing_->InjectorFlow = fitted;
         computePulse();
     });
+}
+
+/// Until the user enters one of his own.
+void GeneralConfig::offerPulse() {
+    if (!creating() || figures_.contains("scale1") || !unit().has("scale1")) return;
+    unit().store("scale1", usualPulse(unit(), atFirst("scale1")));
 }
 
 /// A division that fails leaves the last figures.

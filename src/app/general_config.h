@@ -102,6 +102,7 @@ class GeneralConfig {
     void putFigures(const std::string& engine, int sensor);
     void putBack();
     void showComputed();
+    void offerPulse();
     void computeFlow();
     void computePulse();
 

@@ -148,6 +148,7 @@ void GeneralConfig::putFigures(const std::string& engine, int sensor) {
     }
     for (const auto& [member, value] : figures_) chosen.store(member, value);
     chosen.Initialize_Trims();
+    offerPulse();
     showComputed();
     if (!figures_.contains("INJ_FlowRate")) computeFlow();
 }
@@ -182,6 +183,7 @@ void GeneralConfig::putBack() {
     session_.initializeOnFly(sameLink ? former->onTheFly : matches);
     session_.windows().titleChanged(titleOf(session_.CurrentFile));
     session_.windows().setupNodes();
+    if (session_.currentUnit() == 0) session_.windows().showStartTab();
 }
 
 }  // namespace zentaq

@@ -7,8 +7,8 @@
 #include "app/general_former.h"
 #include "app/main_commands.h"
 #include "base/errors.h"
-#include "base/text.h"
 #include "config/basic_figures.h"
+#include "unit/file_kind.h"
 
 namespace zentaq {
 
@@ -72,8 +72,7 @@ std::string GeneralConfig::askFile() {
     request.defaultExtension = kind.extension;
     std::string path = session_.dialogs().saveFile(request);
     if (path.empty()) return {};
-    if (upper(extensionOf(path)) == ".BIN") path.resize(path.size() - extensionOf(path).size());
-    if (extensionOf(path).empty()) path += kind.extension;
+    path = calibrationFileName(path, kind);
     std::error_code error;
     if (!std::filesystem::exists(path, error)) return path;
     const Answer answer = session_.dialogs().show(

@@ -280,10 +280,7 @@ bool MainCommands::saveUnderNewName() {
     request.suggestedName = todaysName(fileNameOf(session_.CurrentFile), unit.kind());
     std::string path = session_.dialogs().saveFile(request);
     if (path.empty()) return false;
-    if (upper(path).ends_with("BIN")) {
-        path = path.substr(0, path.size() - extensionOf(path).size()) + std::string(unit.kind().extension);
-    }
-    if (extensionOf(path).empty()) path += unit.kind().extension;
+    path = calibrationFileName(path, unit.kind());
     if (std::filesystem::exists(path)) {
         const Answer answer = session_.dialogs().show(
             {"File Exists", "FILE EXISTS:   " + path + "\nOverwrite?", Icon::Exclamation, Buttons::YesNo});

@@ -108,7 +108,7 @@ void Options::loadRow(const OptionRow& row) {
     const auto number = parseNumber(text);
     // No number where one is needed leaves the control at its design value.
     shown = number ? shownNumber(row, *number) : std::string(row.design);
-    // Every value but "0" means Fahrenheit wherever a temperature is shown; none at all means Celsius.
+    // Every value but "0" means Fahrenheit wherever a temperature is shown, none at all included.
     if (row.control == "chkTemperature") shown = session_.fahrenheit() ? "1" : "0";
 }
 

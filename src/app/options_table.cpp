@@ -110,7 +110,7 @@ constexpr std::array table{
               .access = 'w',
               .page = OptionPage::Display,
               .key = settings::TemperatureToggle,
-              .design = "0",
+              .design = "1",
               .helpKey = "helpopttemp",
               .help = "Degrees Fahrenheit in place of degrees Celsius, everywhere and at once.",
               .words = "celsius degrees units clt mat"},
@@ -172,7 +172,7 @@ constexpr std::array table{
               .key = settings::AutoMonitor,
               .design = "0",
               .helpKey = "helpoptmonitor",
-              .help = "Live values run as soon as a unit answers.",
+              .help = "A monitor session begins as soon as a unit is found.",
               .words = "live connect start"},
     // kept: a check box without a setting; it starts unchecked each time and changes nothing.
     OptionRow{.control = "chkAutoOutput",
@@ -192,7 +192,8 @@ constexpr std::array table{
               .key = settings::MonitorMode,
               .design = "0",
               .helpKey = "helpoptdash",
-              .help = "A dark screen for a dark car. Stored at once; a running dashboard follows with Apply.",
+              .help = "A dark screen for a dark car. Stored at once; a monitor session follows with Apply, "
+                      "and the next start.",
               .words = "dark black colours theme background brightness"},
     OptionRow{.control = "optMonitorMode",
               .index = 1,
@@ -203,7 +204,8 @@ constexpr std::array table{
               .key = settings::MonitorMode,
               .design = "0",
               .helpKey = "helpoptdash",
-              .help = "A bright screen for daylight. Stored at once; a running dashboard follows with Apply.",
+              .help = "A bright screen for daylight. Stored at once; a monitor session follows with Apply, "
+                      "and the next start.",
               .words = "bright light white colours theme background brightness sun"},
     OptionRow{.control = "sldDashAdjust",
               .caption = "Adjustable Dashboard Update Rate",

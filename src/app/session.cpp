@@ -121,7 +121,8 @@ void Session::sysLog(std::string_view text) {
     endOnFailure([&] { console.SysLog(text); },
                  [&](const std::string& why) {
                      console.LogToFile(false);
-                     console.plainLine(why + " Logging to the file is off.");
+                     console.plainLine(why);
+                     console.plainLine("Logging to the file is off.");
                  });
 }
 
@@ -169,8 +170,8 @@ std::optional<SensorFacts> Session::mapSensor(int id) {
 }
 
 bool Session::fahrenheit() const {
-    const std::string value = platform_.settings.get("System", "TemperatureToggle");
-    return !value.empty() && value != "0";
+    // kept: only "0" is Celsius, so a fresh installation shows Fahrenheit until the options are applied.
+    return platform_.settings.get("System", "TemperatureToggle") != "0";
 }
 
 bool Session::firmwareKnownFromLink() const {

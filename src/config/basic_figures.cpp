@@ -98,8 +98,20 @@ Limits figureLimits(Unit& unit, std::string_view member) {
     return unit.limits(member);
 }
 
+bool isWholeFigure(std::string_view member) {
+    return member == "INJ_Number";
+}
+
 std::string flowText(double flow) {
     return formatNumber(flow, "###.00");
+}
+
+float usualPulse(Unit& unit, float plain) {
+    if (!unit.has("scale1") || !boostUsed(unit)) return plain;
+    const double reserve = unit.get("MAP_BAR") / (1 + unit.get("MAX_Boost"));
+    const Limits limits = unit.limits("scale1");
+    const auto pulse = static_cast<float>(roundTo(plain * std::max(reserve, 1.0), 1));
+    return std::clamp(pulse, limits.minimum, limits.maximum);
 }
 
 int usualInjectors(const EngineRow& engine) {

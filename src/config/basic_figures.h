@@ -24,12 +24,20 @@ float enteredBoost(const Unit& unit);
 SizingInput sizingInput(Unit& unit);
 EngineFigures figuresOf(Unit& unit);
 
-/// The limits of `INJ_Number`, `BHP`, `MAX_Boost` and `INJ_FlowRate`, for which the parameter table has none; those
-/// of the parameter table for any other member.
+/// The limits of `INJ_Number`, `BHP`, `MAX_Boost` and `INJ_FlowRate`, for which the parameter table has none;
+/// those of the parameter table for any other member.
 Limits figureLimits(Unit& unit, std::string_view member);
+
+/// Only a whole number makes sense: `INJ_Number`.
+bool isWholeFigure(std::string_view member);
 
 /// As it is shown and stored, lb/hr: "###.00".
 std::string flowText(double flow);
+
+/// The full scale pulse to begin with, ms. `plain`, that of table Defaults, is for a sensor that ends where
+/// the engine does; on a larger one the engine works in a part of the scale, and the whole of it takes the
+/// more.
+float usualPulse(Unit& unit, float plain);
 
 /// How many injectors an engine mostly has: one a cylinder, or as many as a throttle body has outputs.
 int usualInjectors(const EngineRow& engine);

@@ -139,8 +139,8 @@ constexpr Load scalarsBehindBits[] = {"opt_IdleSpeed", "NEGPGAIN",    "POSPGAIN"
                                       "TPS_FailHigh",  "TPS_FailLow", "TPS_Default",
                                       "EGO_FailTime",  "EGO_SUD",     "MAT_FailHigh",
                                       "MAT_FailLow",   "MAT_Default", "KNK_Timer",
-                                      "MAFMax",        "SPLITBL",     "BARO_ADV",
-                                      "FuelTrim",      "INJTRIM"};
+                                      "MAFMax",        "BARO_ADV",    "FuelTrim",
+                                      "INJTRIM"};
 
 /// The sets of table Defaults as one unit kind sees them: its own version of a set, or else the plain one.
 class KindDefaults {
@@ -267,6 +267,23 @@ void putStops(Filler& filler, Unit& unit) {
     }
 }
 
+/// The split that the engine usually has, and what the defaults add to it over the speeds.
+void putSplit(Filler& filler, Unit& unit, const KindDefaults& defaults) {
+    if (!unit.has("SPLITBL")) return;
+    const std::vector<float> more = defaults.of("SPLITBL");
+    for (std::size_t i = 0; i < more.size(); ++i) {
+        const int place = static_cast<int>(i);
+        const float split = static_cast<float>(unit.DefaultSplit()) + more[i];
+        filler.put("SPLITBL", std::min(split, unit.limits("SPLITBL", place).maximum), place);
+    }
+}
+
+bool isRotary(Unit& unit) {
+    constexpr int layoutBits = 15;
+    constexpr int rotaryLayout = 5;
+    return (toInt16(static_cast<double>(unit.get("P1EGTP"))) & layoutBits) == rotaryLayout;
+}
+
 /// Where a value lies on an axis, in cells and parts of a cell; values beyond the ends lie on the ends.
 double placeOn(const std::vector<float>& axis, double value) {
     if (value <= axis.front()) return 0;
@@ -288,7 +305,8 @@ double between(const std::vector<float>& values, std::size_t first, std::size_t 
 
 /// The engine tables of the defaults stand on axes of their own. A new calibration has other ones, up to its
 /// rev limit and its boost, so its cells are read between the cells of the defaults. Beyond the atmosphere
-/// the boost curves take timing off and add fuel.
+/// the boost curves take timing off and add fuel. The tables are those of a piston engine; a rotary one gets
+/// less advance.
 class EngineTables {
  public:
     EngineTables(Unit& unit, const KindDefaults& defaults)
@@ -313,9 +331,10 @@ class EngineTables {
         const auto table = defaults_.of("ADV", tableCells);
         const auto retard = defaults_.of("BOOST_RTD", boostCells);
         const double least = defaults_.of("BOOST_ADV", 1).front();
+        const double rotary = isRotary(unit_) ? defaults_.of("ROTARY_RTD", 1).front() : 0;
         eachCell([&](int cell, double rpm, double kpa) {
             const double advance = at(table, rpm, kpa);
-            const double retarded = std::max(advance - ofBoost(retard, kpa, 0), least);
+            const double retarded = std::max(advance - rotary - ofBoost(retard, kpa, 0), least);
             constexpr double stepsInADegree = 2;
             filler.put("ADV", roundHalfEven(std::min(advance, retarded) * stepsInADegree) / stepsInADegree,
                        cell);
@@ -462,6 +481,7 @@ RefusedMembers loadDefaults(Unit& unit, const Database& database, const EngineFi
     putAxes(filler, unit, figures);
     EngineTables(unit, defaults).put(filler);
     filler.put(defaults, "SPW");
+    putSplit(filler, unit, defaults);
     putStops(filler, unit);
     for (const Load& scalar : scalars) filler.put(defaults, scalar);
     putControlBits(unit, defaults);

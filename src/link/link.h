@@ -58,7 +58,7 @@ class Link {
     void ORB_Initialize();
     void ORB_Close();
     /// Searches ports 1 to 12; answers the port or 0. Yields: ticks, replies and user events run meanwhile.
-    /// Answers 0 at once while a transfer runs, whose line a search would cut.
+    /// Answers 0 at once while a transfer runs, whose line a search would cut, and while another search does.
     int Autodetect_COMM_Port();
     void COMM_StatusMessage(std::string_view title, std::string_view line1, std::string_view line2,
                             std::string_view state);
@@ -75,8 +75,9 @@ class Link {
 
     // ---- Transfers
     /// Starts a bulk transfer. `path`: the firmware file or the datalog to write; unused for a calibration.
-    /// Throws FileError when a file cannot be opened, and Failure while another transfer runs; nothing
-    /// has been queued then. The first failure also lets polling go on (AutoPollSuspended false).
+    /// Throws FileError when a file cannot be opened, and Failure while another transfer runs, a port is
+    /// searched or a tick is being handled; nothing has been queued then. The first failure also lets polling
+    /// go on (AutoPollSuspended false).
     void Program_Unit(TransferMode mode, const std::string& path);
     /// Closes a bulk transfer, tells the user how it ended and lets polling go on.
     void End_Transfer(bool success);
@@ -118,6 +119,7 @@ class Link {
     void drainPort();
     bool waitForUnit();
     void queueInFront(std::string command);
+    int searchPorts();
     void log(std::string_view text);
     /// The one place that changes the status: `changes` moves when the value does.
     template <typename T, typename V>
@@ -143,6 +145,7 @@ class Link {
     void waitForReply();
     void waitForFrame();
     void timeOut();
+    bool transferLost() const;
     void watchStalledTransfer();
     enum class FirmwareRestore { Always, IfUnitKnown };
     void loseLink(FirmwareRestore restore);
@@ -215,11 +218,13 @@ class Link {
     bool onFlyBusy_ = false;
     bool autoPollSuspended_ = false;
     bool handling_ = false;
+    bool searching_ = false;
     int transferLine_ = 0;
     int transferLines_ = 0;
     int tickCount_ = 0;
     int paceCount_ = 0;
     int retryCount_ = 0;
+    int stallCount_ = 0;  ///< ticks since a transfer lost its command
     std::string responseHeader_;
     std::vector<std::uint8_t> rxBuffer_;
     std::string openTransfer_;  ///< key of a transfer from its start to its end, on the wire or still queued

@@ -4,6 +4,7 @@
 
 #include "base/errors.h"
 #include "base/rounding.h"
+#include "link/flag_scope.h"
 #include "link/link.h"
 #include "link/link_commands.h"
 
@@ -18,18 +19,6 @@ constexpr int stallPatienceTicks = 1000;
 /// Bytes of an E reply of the oldest format; a newer unit's 8 bytes are there too when the line goes quiet.
 constexpr int oldIdentifyLength = 6;
 constexpr int orbaKindNumber = 3;
-
-/// Marks the span in which a handler runs, so that events that it lets in do not start it again.
-class HandlingScope {
- public:
-    explicit HandlingScope(bool& flag) : flag_(flag) { flag_ = true; }
-    ~HandlingScope() { flag_ = false; }
-    HandlingScope(const HandlingScope&) = delete;
-    HandlingScope& operator=(const HandlingScope&) = delete;
-
- private:
-    bool& flag_;
-};
 
 unsigned byteAt(const std::vector<std::uint8_t>& bytes, int index) {
     return bytes.at(static_cast<std::size_t>(index));
@@ -75,7 +64,9 @@ void Link::SEND_ONFLY(std::string_view record) {
 
 void Link::tick() {
     if (handling_) return;
-    const HandlingScope scope(handling_);
+    // Events that a handler lets in do not start it again.
+    const FlagScope scope(handling_);
+    watchStalledTransfer();
     if (currentCommand_.empty()) {
         sendNextCommand();
     } else if (responseReady_) {
@@ -87,7 +78,7 @@ void Link::tick() {
 
 void Link::PROCESS_RESPONSE() {
     if (handling_) return;
-    const HandlingScope scope(handling_);
+    const FlagScope scope(handling_);
     processResponse();
 }
 
@@ -118,7 +109,6 @@ void Link::sendNextCommand() {
         // Nobody waits in an empty ring. What an overrun or a failed write left in the count would silence
         // the pollers for good.
         if (queueHead_ == queueTail_) queuedCommands_ = 0;
-        watchStalledTransfer();
     } else {
         currentCommand_ = place(queueHead_);
         key = commandKey(currentCommand_);
@@ -157,11 +147,23 @@ void Link::dropQueueBehindHead() {
     queuedCommands_ = 1;
 }
 
+bool Link::transferLost() const {
+    if (!transferPending()) return false;
+    if (currentCommand_.empty() && nothingToSend()) return true;
+    if (openTransfer_.empty() || commandKey(currentCommand_) == openTransfer_) return false;
+    for (int index = queueHead_; index != queueTail_; index = wrapped(index + 1)) {
+        if (place(index) == openTransfer_) return false;
+    }
+    return true;
+}
+
 void Link::watchStalledTransfer() {
-    if (!transferPending()) return;
-    // A record with a bad header, or a fault in its handler, leaves the download with no command in flight.
-    // It ends by the same patience as an unanswered one.
-    if (++tickCount_ <= stallPatienceTicks) return;
+    // A record with a bad header, or a fault in its handler, leaves the download with no command in flight;
+    // an overrun of the ring may lose one that waits. It ends by the same patience as an unanswered one,
+    // whatever other commands go over the line meanwhile.
+    stallCount_ = transferLost() ? stallCount_ + 1 : 0;
+    if (stallCount_ <= stallPatienceTicks || !currentCommand_.empty()) return;
+    stallCount_ = 0;
     skipFailing([&] { End_Transfer(false); });
     loseLink(FirmwareRestore::IfUnitKnown);
     abandonCommand();

@@ -207,6 +207,12 @@ void Link::acceptUnit(std::string_view text) {
 // ---- B
 
 void Link::replyFirmware(const Reply& reply) {
+    // An answer from a unit whose kind nobody knows (its E reply was lost) identifies nothing: frames of no
+    // kind would be asked for and thrown away for good. The poller starts over with E.
+    if (linked_.LinkedUnitKind == 0) {
+        currentCommand_.clear();
+        return;
+    }
     linked_.UnitBinName = unitBinName(reply);
     storeFirmware(reply);
     warnUnitMismatch();

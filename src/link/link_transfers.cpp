@@ -36,6 +36,8 @@ int ORB_File_Length(const std::string& path) {
 
 void Link::Program_Unit(TransferMode mode, const std::string& path) {
     if (transferPending()) throw Failure("A transfer is already running.");
+    // The search would cut the line of the transfer; a tick that loses the link would drop its command.
+    if (searching_ || handling_) throw Failure("The link is busy.");
     try {
         switch (mode) {
             case TransferMode::Calibration:

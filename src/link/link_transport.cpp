@@ -4,6 +4,7 @@
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
+#include "link/flag_scope.h"
 #include "link/link.h"
 #include "link/link_commands.h"
 
@@ -105,7 +106,12 @@ void Link::ORB_Close() {
 }
 
 int Link::Autodetect_COMM_Port() {
-    if (transferPending()) return 0;
+    if (transferPending() || searching_) return 0;
+    const FlagScope scope(searching_);
+    return searchPorts();
+}
+
+int Link::searchPorts() {
     for (int number = 1; number <= highestSearchedPort; ++number) {
         // What an earlier session or port has told must not pass for an answer of this port.
         linked_.SerialNumber = 0;

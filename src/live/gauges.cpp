@@ -49,9 +49,8 @@ std::optional<float> stoichiometricOf(Unit& unit) {
 }  // namespace
 
 DashboardSettings DashboardSettings::from(const SettingsStore& store) {
-    const std::string toggle = store.get("System", "TemperatureToggle", "0");
     return {threshold(store, "CLTAlarmValue"), threshold(store, "MATAlarmValue"),
-            toggle != "0" && !toggle.empty()};
+            store.get("System", "TemperatureToggle") != "0"};
 }
 
 const std::array<NeedleFace, needleCount>& needleFaces() {

@@ -12,6 +12,7 @@ void ReceiveGate::threshold(int bytes) {
 void ReceiveGate::received(std::span<const std::uint8_t> bytes, std::int64_t nowUs) {
     if (bytes.empty()) return;
     held_.insert(held_.end(), bytes.begin(), bytes.end());
+    if (held_.size() > mostHeld) held_.erase(held_.begin(), held_.end() - mostHeld);
     lastArrivalUs_ = nowUs;
     told_ = false;
 }

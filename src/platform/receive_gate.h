@@ -16,6 +16,9 @@ class ReceiveGate {
     /// A line that never goes quiet is delivered once it holds this many bytes more than asked for.
     static constexpr std::size_t floodBytes = 256;
 
+    /// What nobody asks for is kept up to here; then the oldest bytes go.
+    static constexpr std::size_t mostHeld = 4096;
+
     explicit ReceiveGate(std::int64_t quietUs = defaultQuietUs) : quietUs_(quietUs) {}
 
     /// How many bytes make a batch; 0 (or less) never delivers. Counts bytes that came before, too.

@@ -17,11 +17,13 @@ bool isIndicator(QStyle::PrimitiveElement element) {
 }
 
 /// The window's colour that makes Fusion draw an outline which is seen; nothing where its own one is.
-/// A check box inside a list is drawn by way of a plain one, so this must give the same when it is asked twice.
+/// A check box inside a list is drawn by way of a plain one, so this must give the same when it is asked
+/// twice.
 QColor lentWindow(QStyle::PrimitiveElement element, const QPalette& palette) {
     const QColor border = palette.color(QPalette::Mid);
     const bool dark = palette.color(QPalette::Base).lightness() < darkBaseBelow;
-    if (isIndicator(element)) return dark ? border.lighter(fusionDarker * 2) : border;
+    if (isIndicator(element))
+        return dark ? border.lighter(fusionDarker * 2) : border.darker(fusionDarker - 20);
     const bool entry = element == QStyle::PE_FrameLineEdit;
     return dark && entry ? border.lighter(fusionDarker * 3 / 2) : QColor();
 }

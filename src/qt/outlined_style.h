@@ -1,5 +1,5 @@
-// Qt's Fusion with outlines that can be seen by night: Fusion darkens the window's colour for the edge of an
-// entry box, a check box and a radio button, which leaves nothing of it on a dark window.
+// Qt's Fusion with outlines that can be seen: Fusion darkens the window's colour for the edge of an entry
+// box, a check box and a radio button, which leaves nothing of it by night and little on a white list by day.
 #pragma once
 
 #include <QProxyStyle>

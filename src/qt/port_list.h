@@ -1,35 +1,15 @@
-// The one list of serial ports that a user picks from by number: simulated units first, then USB serial
-// adapters in an order that survives replugging, then the other ports that exist.
+// The serial ports of this machine as Qt knows them, in the order in which a user picks one by number.
 #pragma once
 
-#include <filesystem>
-#include <string>
 #include <vector>
 
+#include "platform/port_list.h"
 #include "platform/serial_port.h"
 
 namespace zentaq {
 
-/// What the system tells about one real port.
-struct PortFacts {
-    std::string device;       ///< "/dev/ttyUSB0"
-    std::string description;  ///< maker and product, where known
-    bool usb = false;
-    int vendorId = 0;
-    int productId = 0;
-    std::string serialNumber;  ///< of the adapter; empty for many cheap ones
-    std::string byPath;        ///< name of the socket it is plugged in, from /dev/serial/by-path
-};
-
-/// Units announced by a symbolic link in `folder`, sorted by the link's name. Dead links are left out;
-/// a folder that does not exist is an empty list. Numbers are not given yet.
-std::vector<PortInfo> simulatedPorts(const std::filesystem::path& folder);
-
 /// The real ports of the system.
 std::vector<PortFacts> realPorts();
-
-/// Orders and numbers all ports from 1.
-std::vector<PortInfo> orderedPorts(std::vector<PortInfo> simulated, const std::vector<PortFacts>& real);
 
 /// The list of this moment.
 std::vector<PortInfo> systemPorts();

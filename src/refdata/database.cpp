@@ -309,7 +309,9 @@ std::vector<EngineRow> Database::engines(int kind, int variant) const {
     return guarded(handle_->path, [&] {
         return rows(handle_->file,
                     "SELECT * FROM Engines WHERE OrbUnit = ? AND (OrbSubType = 0 OR OrbSubType = ?) "
-                    "ORDER BY DisplayValue",
+                    // By name, with 2 cylinders before 10 and names without a number last.
+                    "ORDER BY CAST(DisplayValue AS INTEGER) = 0, CAST(DisplayValue AS INTEGER), "
+                    "DisplayValue",
                     readEngine, refdata::engineKindOfSlot(kind), variant);
     });
 }

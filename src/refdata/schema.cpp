@@ -29,6 +29,8 @@ constexpr auto sets = std::to_array<DefaultsSet>({
     {"BOOST_AFR", 8, 9.8, 14.7},
     {"BOOST_VE", 8, 0, 50},
     {"BOOST_ADV", 1, 0, 60},
+    // What is taken off the advance of a rotary engine.
+    {"ROTARY_RTD", 1, 0, 60},
     // Curves.
     {"BLDTBL", 8, 0, 12000, true},
     {"LOWBLD_STREET", 8, 0, 100},

@@ -378,6 +378,19 @@ bool TableModel::enterHeader(int row, int column, std::string_view typed) {
     return kind().isGpo() ? enterStop(isColumn, line, typed) : enterMainHeader(isColumn, line, typed);
 }
 
+std::optional<AxisEntry> TableModel::axisEntry(int row, int column, std::string_view typed) const {
+    if (!headerPrompt(row, column)) return {};
+    const auto value = parseNumber(typed);
+    if (!value || (*value == 0 && !kind().isGpo())) return {};
+    const bool isColumn = row == 0;
+    AxisEntry entry;
+    for (int i = 0; i < (isColumn ? columns() : rows()); ++i)
+        entry.fields.push_back(isColumn ? grid_.text(0, i + 1) : grid_.text(gridRow(i), 0));
+    entry.index = isColumn ? column - 1 : storedRow(row);
+    entry.fields.at(static_cast<std::size_t>(entry.index)) = std::string(trimmed(typed));
+    return entry;
+}
+
 bool TableModel::enterMainHeader(bool isColumn, int line, std::string_view typed) {
     // An entry of 0, and one that is no number, is ignored.
     const auto value = static_cast<float>(parseNumber(typed).value_or(0));

@@ -56,6 +56,12 @@ struct EditStart {
     int selectedCharacters = 0;  ///< from the left
 };
 
+/// An axis as it would stand after an entry, from its lowest stop on, and the place of the entry.
+struct AxisEntry {
+    std::vector<std::string> fields;
+    int index = 0;
+};
+
 /// What the pop-up menu of the grid offers.
 struct PopupItems {
     bool rowsAndColumns = false;  ///< mnuNewCol, mnuNewRow, mnuRmvCol, mnuRmvRow are visible
@@ -147,6 +153,8 @@ class TableModel {
     // ---- Headers
     /// "Enter a New RPM Header Value..." for a header cell; nothing for other cells or in an active view.
     std::optional<std::string> headerPrompt(int row, int column) const;
+    /// The header's axis with that answer in its place; nothing for an answer that enterHeader() passes over.
+    std::optional<AxisEntry> axisEntry(int row, int column, std::string_view typed) const;
     /// The answer to that prompt. True when the header changed.
     bool enterHeader(int row, int column, std::string_view typed);
     /// A new axis kind from the toolbar. Key "X_RPM" or "Y_CLT".

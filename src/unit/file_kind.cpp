@@ -6,9 +6,9 @@
 #include <system_error>
 
 #include "base/errors.h"
+#include "base/text.h"
 #include "unit/file_floats.h"
 #include "unit/safe_file.h"
-#include "unit/unit_kind.h"
 
 namespace zentaq {
 
@@ -49,6 +49,13 @@ CalibrationFileKind kindOfCalibrationFile(const std::string& path) {
 
 int kindOfOldFile(std::uintmax_t length) {
     return slotOf(oldLengths, length);
+}
+
+std::string calibrationFileName(std::string_view path, const UnitKind& kind) {
+    const std::string extension = upper(extensionOf(path));
+    if (extension.starts_with(".ZQ4")) return std::string(path);
+    if (upper(path).ends_with("BIN")) path.remove_suffix(extension.size());
+    return std::string(path) + std::string(kind.extension);
 }
 
 }  // namespace zentaq

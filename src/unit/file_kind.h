@@ -4,6 +4,9 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
+
+#include "unit/unit_kind.h"
 
 namespace zentaq {
 
@@ -19,5 +22,10 @@ CalibrationFileKind kindOfCalibrationFile(const std::string& path);
 
 /// The kind of an older generation's file (".BIN") of so many bytes: 3, 4 or 5; 0 for none.
 int kindOfOldFile(std::uintmax_t length);
+
+/// The name under which a calibration of the kind is stored when a user has typed `path`: the kind's
+/// extension is added unless the name has the extension of a calibration, so "Street 1.2" keeps its dot.
+/// ".BIN" names files of the older generation and is replaced.
+std::string calibrationFileName(std::string_view path, const UnitKind& kind);
 
 }  // namespace zentaq

@@ -59,7 +59,7 @@ class UnitHost {
     virtual std::optional<EngineFacts> engine(int kind, int optionType) = 0;
     virtual std::optional<SensorFacts> mapSensor(int id) = 0;
 
-    /// Setting TemperatureToggle: anything but "0" and no value is Fahrenheit.
+    /// Setting TemperatureToggle: anything but "0" is Fahrenheit.
     virtual bool fahrenheit() const = 0;
     /// The unit on the link has told its own firmware.
     virtual bool firmwareKnownFromLink() const = 0;

@@ -19,7 +19,7 @@ constexpr auto helpKeyProperty = "fastHelpKey";
 constexpr int boxDigits = 9;
 constexpr int listLetters = 34;
 /// Of the form when it opens for the first time, in lines of text.
-constexpr int preferredWidth = 62;
+constexpr int preferredWidth = 70;
 constexpr int preferredHeight = 34;
 
 /// By the order of sensorUnits().
@@ -50,7 +50,7 @@ FrmEditMAPSensors::FrmEditMAPSensors(Session& session, QWidget* parent)
     auto* page = new QWidget(tabMAPSensors_);
     auto* columns = new QHBoxLayout(page);
     columns->setContentsMargins(0, 0, 0, 0);
-    columns->addWidget(makeList(), 3);
+    columns->addWidget(makeList(), 6);
     auto* right = new QVBoxLayout;
     auto* top = new QHBoxLayout;
     top->addWidget(makeInfo(), 1);
@@ -58,7 +58,7 @@ FrmEditMAPSensors::FrmEditMAPSensors(Session& session, QWidget* parent)
     right->addLayout(top);
     picLine_ = new SensorLinePicture(page);
     right->addWidget(picLine_, 1);
-    columns->addLayout(right, 4);
+    columns->addLayout(right, 7);
     tabMAPSensors_->addTab(page, tr("MAP Sensors"));
 
     lblStatus_ = new QLabel(this);
@@ -106,6 +106,10 @@ QWidget* FrmEditMAPSensors::makeList() {
     lstMAPSensors_->setProperty(helpKeyProperty, QStringLiteral("helpMAPlist"));
     lstMAPSensors_->setAlternatingRowColors(true);
     lstMAPSensors_->setTabKeyNavigation(false);
+    // Names are told apart by their ends, so a long one takes a second line and is never cut.
+    lstMAPSensors_->setWordWrap(true);
+    lstMAPSensors_->setResizeMode(QListView::Adjust);
+    lstMAPSensors_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     lstMAPSensors_->setMinimumWidth(lstMAPSensors_->fontMetrics().averageCharWidth() * listLetters);
     lstMAPSensors_->installEventFilter(this);
     lblInstalled_->setBuddy(lstMAPSensors_);
@@ -397,9 +401,7 @@ void FrmEditMAPSensors::enterPressed() {
 
 void FrmEditMAPSensors::keyPressEvent(QKeyEvent* event) {
     if (isEnter(*event)) return enterPressed();
-    if (event->key() == Qt::Key_F1) {
-        Q_EMIT fastHelpAsked();
-    } else if (event->key() == Qt::Key_Escape && manager_.task() != SensorTask::None) {
+    if (event->key() == Qt::Key_Escape && manager_.task() != SensorTask::None) {
         cancel();
     } else if (event->key() == Qt::Key_Escape) {
         close();

@@ -28,8 +28,6 @@ class FrmEditMAPSensors : public QWidget {
 
  Q_SIGNALS:
     void closed();
-    /// F1: the help of the control with the focus, by its property fastHelpKey.
-    void fastHelpAsked();
 
  protected:
     void closeEvent(QCloseEvent* event) override;

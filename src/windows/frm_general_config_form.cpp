@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QFrame>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -213,6 +214,13 @@ QLabel* GeneralConfigForm::caption(Control& control) {
     return control.caption;
 }
 
+QLabel* GeneralConfigForm::ownLabel(Control& control, const char* name, const QString& text) {
+    control.label = new QLabel(text, this);
+    control.label->setObjectName(QLatin1String(name));
+    control.label->setBuddy(control.widget);
+    return control.label;
+}
+
 QLabel* GeneralConfigForm::limits(Control& control) {
     control.limits = mutedLabel(this);
     control.limits->setObjectName(QStringLiteral("lblLimits_") + textOf(control.name));
@@ -245,10 +253,14 @@ void GeneralConfigForm::wideListRow(Column& column, const std::string& name) {
     ++column.row;
 }
 
-/// Sensor and rating stand under one caption, that of the sensor; the way to more sensors takes its place.
+/// Sensor and rating have the caption of the sensor in common; a label beside the box tells the two apart.
 void GeneralConfigForm::ratingRow(Column& column) {
+    auto* row = plainRow(*this);
+    row->addWidget(makeManagerButton());
+    row->addStretch(1);
     Control& control = box("txtMAP");
-    column.grid->addWidget(makeManagerButton(), column.row, Column::captionPlace, Qt::AlignLeft);
+    row->addWidget(ownLabel(control, "lblRange", tr("Range in bar")));
+    column.grid->addLayout(row, column.row, Column::captionPlace);
     column.grid->addWidget(control.widget, column.row, Column::controlPlace, Qt::AlignLeft);
     column.grid->addWidget(limits(control), column.row, Column::limitsPlace);
     ++column.row;
@@ -309,9 +321,8 @@ void GeneralConfigForm::alcoholRow(Column& column) {
 /// The caption of the flow is its unit and stands behind the box.
 void GeneralConfigForm::flowRow(Column& column) {
     Control& control = box("txtLBHR");
-    lblInjectorSize_ = new QLabel(tr("Injector Size"), this);
-    lblInjectorSize_->setObjectName(QStringLiteral("lblInjectorSize"));
-    column.grid->addWidget(lblInjectorSize_, column.row, Column::captionPlace);
+    column.grid->addWidget(ownLabel(control, "lblInjectorSize", tr("Injector Size")), column.row,
+                           Column::captionPlace);
     column.grid->addWidget(control.widget, column.row, Column::controlPlace, Qt::AlignLeft);
     auto* row = plainRow(*this);
     row->addWidget(caption(control));
@@ -347,7 +358,6 @@ void GeneralConfigForm::refresh() {
     lblUAP_->showValue(core_.computed());
     lblDimensions_->setEnabled(find("cmbCols")->shown.enabled);
     const bool sized = find("txtLBHR")->shown.enabled;
-    lblInjectorSize_->setEnabled(sized);
     lblComputed_->setEnabled(sized);
     showUsable(*lblComputedUnit_, sized);
 }
@@ -374,7 +384,12 @@ void GeneralConfigForm::show(Control& control) {
         if (group) peak_->setExclusive(true);
     }
     control.widget->setEnabled(field.enabled);
-    control.widget->setAccessibleName(spoken(field.caption));
+    QString name = spoken(field.caption);
+    if (control.label != nullptr) {
+        control.label->setEnabled(field.enabled);
+        name = control.label->text() + QStringLiteral(", ") + name;
+    }
+    control.widget->setAccessibleName(name);
     control.widget->setAccessibleDescription(textOf(field.limits));
     control.widget->setProperty(helpKeyProperty, textOf(field.helpKey));
     showColours(control);
@@ -498,6 +513,14 @@ bool GeneralConfigForm::eventFilter(QObject* watched, QEvent* event) {
             // Turning the wheel scrolls the form; a list under the pointer keeps its choice.
             event->ignore();
             return true;
+        case QEvent::KeyPress:
+            // A list takes the text behind Ctrl+S for the beginning of an entry; the key belongs to the
+            // window.
+            if (static_cast<QKeyEvent*>(event)->matches(QKeySequence::Save)) {
+                event->ignore();
+                return true;
+            }
+            break;
         case QEvent::MouseButtonPress:
         case QEvent::MouseButtonDblClick:
             // The click that left a refused field must not act behind the box.

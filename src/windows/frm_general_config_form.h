@@ -67,6 +67,7 @@ class GeneralConfigForm : public QWidget {
         std::string name;
         QWidget* widget = nullptr;
         QLabel* caption = nullptr;  ///< none where the control bears its caption itself
+        QLabel* label = nullptr;    ///< what the box is, where its caption alone does not tell
         QLabel* limits = nullptr;
         GeneralField shown;
     };
@@ -83,6 +84,7 @@ class GeneralConfigForm : public QWidget {
     Control& list(const std::string& name);
     Control& keep(const std::string& name, QWidget* widget);
     QLabel* caption(Control& control);
+    QLabel* ownLabel(Control& control, const char* name, const QString& text);
     QLabel* limits(Control& control);
     /// A row of caption, box and limits.
     void boxRow(Column& column, const std::string& name);
@@ -114,7 +116,6 @@ class GeneralConfigForm : public QWidget {
     QButtonGroup* peak_ = nullptr;
     std::vector<QLabel*> wideCaptions_;
     QLabel* lblDimensions_ = nullptr;
-    QLabel* lblInjectorSize_ = nullptr;
     QLabel* lblComputed_ = nullptr;
     QLabel* lblComputedUnit_ = nullptr;
     ValueLabel* lblUAP_ = nullptr;

@@ -152,7 +152,6 @@ void FrmOptions::load() {
     loaded_ = true;
     options_->load();
     fields_->showAll();
-    fields_->showLook();
     showPage(0);
     SSTab1_->setFocus();
     focusMoved(nullptr);
@@ -193,7 +192,6 @@ void FrmOptions::changeEvent(QEvent* event) {
     QDialog::changeEvent(event);
     if (event->type() != QEvent::PaletteChange) return;
     paintMark();
-    if (fields_ != nullptr && loaded_) fields_->showLook();
     takeOver();  // a menu's day or night mode
 }
 

@@ -1,6 +1,5 @@
 #include "windows/frm_options_fields.h"
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -326,13 +325,6 @@ QWidget* OptionFields::makeList(const OptionRow& row, QWidget* strip) {
     column->addWidget(viewList_, 1);
     column->addLayout(counts);
     return viewList_;
-}
-
-/// By night the style outlines a check box in a list with a colour darker than the list itself.
-void OptionFields::showLook() {
-    QPalette palette;
-    palette.setColor(QPalette::Window, lookColors(appliedLook(*qApp)).mutedText);
-    if (viewList_->palette() != palette) viewList_->setPalette(palette);
 }
 
 // ---- The user's entries

@@ -28,8 +28,6 @@ class OptionFields : public QObject {
 
     /// Brings every control up to date with the core.
     void showAll();
-    /// The day or night mode has changed.
-    void showLook();
     /// The control of an option by its name, "optMonitorMode(0)"; null for another name.
     QWidget* control(const QString& name) const;
     /// The strip of the page that an option takes up.

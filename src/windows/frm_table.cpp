@@ -591,6 +591,13 @@ void FrmTable::cellDoubleClicked() {
     openEdit(' ');
 }
 
+// From left to right and from the bottom up: the neighbour before must stay below, or the unit would look its
+// values up in an axis without order.
+bool FrmTable::breaksAxis(int row, int column, const std::string& typed) {
+    const auto entry = model_->axisEntry(row, column, typed);
+    return entry && session_.messages.Check_Ascending(entry->fields, entry->index);
+}
+
 void FrmTable::headerDoubleClicked(int row, int column) {
     if (!model_ || locked_) return;
     const auto prompt = model_->headerPrompt(row, column);
@@ -598,7 +605,7 @@ void FrmTable::headerDoubleClicked(int row, int column) {
     holdCursor();
     const auto typed = session_.dialogs().input(headerBoxTitle, *prompt, model_->grid().text(row, column));
     letCursorGo();
-    if (!typed || !model_->enterHeader(row, column, *typed)) return;
+    if (!typed || breaksAxis(row, column, *typed) || !model_->enterHeader(row, column, *typed)) return;
     session_.markModified();
     showAll();
     sizeColumns();

@@ -112,6 +112,7 @@ class FrmTable : public QWidget {
     void holdCursor();
     void letCursorGo();
     void headerDoubleClicked(int row, int column);
+    bool breaksAxis(int row, int column, const std::string& typed);
     void cellDoubleClicked();
     void copy();
     void paste();

@@ -224,10 +224,20 @@ void MdiMain::showLook() {
     showOnFly(!panel(Panel::OnFly).text().isEmpty());
 }
 
+void MdiMain::enableToolbar(bool on) {
+    commandsOn_ = on;
+    toolbar_->setEnabled(on);
+    refresh();
+}
+
+bool MdiMain::enabled(const Entry& entry) const {
+    if (!commandsOn_) return false;
+    return entry.data->enabled != nullptr ? entry.data->enabled(session_) : entry.action->menu() != nullptr;
+}
+
 void MdiMain::refresh() {
     for (const Entry& entry : entries_) {
-        const bool menu = entry.action->menu() != nullptr;
-        entry.action->setEnabled(entry.data->enabled != nullptr ? entry.data->enabled(session_) : menu);
+        entry.action->setEnabled(enabled(entry));
         if (entry.data->name == "mnuZeroAdv") entry.action->setChecked(session_.zeroAdvance);
     }
     for (const auto& [button, action] : buttons_) {

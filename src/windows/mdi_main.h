@@ -31,7 +31,9 @@ class MdiMain : public QMainWindow {
     /// Closes without asking; the core has asked.
     void closeNow();
 
-    void enableToolbar(bool on) { toolbar_->setEnabled(on); }
+    /// Off while the program starts, and with the toolbar every command of the menus and its key: what they
+    /// work on is not made yet. The window's own button still closes it.
+    void enableToolbar(bool on);
     void showTitle(const std::string& title);
     void showOnFly(bool on);
     void clearPanel3() { panel(Panel::Firmware).clear(); }
@@ -57,6 +59,7 @@ class MdiMain : public QMainWindow {
         QAction* action;
     };
 
+    bool enabled(const Entry& entry) const;
     void makeMenus();
     QAction* makeAction(const MenuEntry& entry, QWidget* parent);
     void makeToolbar();
@@ -76,6 +79,7 @@ class MdiMain : public QMainWindow {
     QToolBar* toolbar_ = nullptr;
     std::vector<QLabel*> panels_;
     std::string firmwareSeen_;
+    bool commandsOn_ = true;
     bool closing_ = false;
 };
 

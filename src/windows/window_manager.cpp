@@ -3,9 +3,12 @@
 #include <QApplication>
 #include <QSplitter>
 
+#include "app/settings_keys.h"
 #include "base/errors.h"
+#include "base/number_text.h"
 #include "config/tree.h"
 #include "qt/look.h"
+#include "qt/window_placement.h"
 
 namespace zentaq {
 
@@ -244,7 +247,6 @@ void WindowManager::openSensorEditor() {
     if (closed_) return;
     if (!sensorEditor_) {
         sensorEditor_ = new FrmEditMAPSensors(session_, main_.get());
-        connect(sensorEditor_, &FrmEditMAPSensors::fastHelpAsked, this, &WindowManager::fastHelp);
         closesInto(sensorEditor_);
     }
     bringToFront(*sensorEditor_);
@@ -298,14 +300,19 @@ void WindowManager::sensorsChanged() {
 // At once: what the table logs at its end must not stand between the lines of the command that closes it.
 void WindowManager::removeForms() {
     if (!table_) return;
-    if (config_) config_->undock();
+    leaveTable();
     delete table_;
+}
+
+void WindowManager::leaveTable() {
+    storePlacement(*table_, session_.settings());
+    if (config_) config_->undock();
 }
 
 // The table asked for its end from inside one of its own events.
 void WindowManager::tableClosed() {
     if (!table_) return;
-    if (config_) config_->undock();
+    leaveTable();
     table_->hide();
     table_->deleteLater();
     table_ = nullptr;
@@ -335,6 +342,7 @@ void WindowManager::placeTable(bool docked) {
     const QString title = QString::fromStdString(table_->title());
     table_->setWindowTitle(title);
     if (docked) {
+        storePlacement(*table_, session_.settings());
         config_->dock(table_, title);
         return;
     }
@@ -343,7 +351,7 @@ void WindowManager::placeTable(bool docked) {
     if (moves) {
         config_->undock();
         table_->setParent(main_.get(), Qt::Window);
-        table_->resize(size);
+        if (!restorePlacement(*table_, session_.settings())) table_->resize(size);
     }
     table_->show();
     table_->raise();
@@ -378,6 +386,16 @@ void WindowManager::takeStoredColors() {
 
 void WindowManager::unitKindFound(int) {
     if (dashboard_) dashboard_->unitKindFound();
+    // A monitor session opens the link anew, which cannot be done inside the reply that named the unit.
+    later([this] { beginMonitoring(); });
+}
+
+void WindowManager::beginMonitoring() {
+    if (closed_ || session_.Monitoring || session_.link.TransferActive()) return;
+    if (parseNumber(session_.settings().get(settings::system, settings::AutoMonitor)) != 1) return;
+    constexpr int monitorStart = 2;
+    endOnFailure([&] { commands_.loadCommand(monitorStart); },
+                 [&](const std::string& why) { session_.sysLog(why); });
 }
 
 void WindowManager::codesReceived() {
@@ -427,7 +445,10 @@ void WindowManager::fastHelp() {
     });
     if (!row) {
         constexpr int helpMessage = 0;
-        session_.messages.Display_Message(helpMessage, "There is no help on this field.");
+        session_.messages.Display_Message(
+            helpMessage, session_.database ? "There is no help on this field."
+                                           : "There are no help texts: the reference database "
+                                             "could not be opened.");
         return;
     }
     if (!fastHelp_) {

@@ -104,10 +104,12 @@ class WindowManager : public QObject, public WindowSet {
     template <typename Form>
     void closesInto(QPointer<Form>& place);
     void tableClosed();
+    void leaveTable();
     void makeCentre();
     void makeTable();
     void placeTable(bool docked);
     void takeStoredColors();
+    void beginMonitoring();
     void fastHelp();
     void focusChanged(QWidget* now);
 

@@ -162,6 +162,25 @@ TEST_F(ConsoleTest, BothHalvesOfALongLineGoToTheFile) {
               "12:34:56 - " + std::string(41, 'a') + "\n12:34:56 -    ..." + std::string(41, 'b') + "\n");
 }
 
+TEST_F(ConsoleTest, BothHalvesOfALongLineAreOnTheConsoleThoughTheFileCannotBeWritten) {
+    console.logFile(folder.path("no such folder/z.log"));
+    console.LogToFile(true);
+    EXPECT_THROW(console.SysLog(std::string(41, 'a') + std::string(41, 'b')), FileError);
+    ASSERT_EQ(console.lines().size(), 2u);
+    EXPECT_EQ(console.lines()[1], "12:34:56 -    ..." + std::string(41, 'b'));
+}
+
+TEST_F(ConsoleTest, AFullDiskIsAFailureThatNamesItself) {
+    console.logFile("/dev/full");
+    console.LogToFile(true);
+    try {
+        console.SysLog("text");
+        FAIL() << "nothing fits on a full disk";
+    } catch (const FileError& failure) {
+        EXPECT_STREQ(failure.what(), "Log file /dev/full cannot be written: No space left on device");
+    }
+}
+
 TEST_F(ConsoleTest, EveryLineOpensAndClosesTheFile) {
     const auto openFiles = [] {
         const std::filesystem::directory_iterator files("/proc/self/fd");

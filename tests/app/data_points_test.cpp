@@ -10,6 +10,7 @@ namespace {
 
 using testing::Each;
 using testing::ElementsAre;
+using testing::ElementsAreArray;
 
 std::vector<std::string> texts(const std::vector<DataPointWrite>& writes) {
     std::vector<std::string> lines;
@@ -17,17 +18,61 @@ std::vector<std::string> texts(const std::vector<DataPointWrite>& writes) {
     return lines;
 }
 
-TEST(DataPoints, AreTheSixtyFiveOfTheRecorderInItsOrder) {
+TEST(DataPoints, AreTheFortyNineValuesOfTheUnitAndItsSixteenPinsInTheOrderOfTheStoredPlaces) {
+    const std::vector<std::string_view> values{"RPM",
+                                               "MAP",
+                                               "Throttle Position Sensor",
+                                               "Coolant Temp",
+                                               "Manifold Air Temp",
+                                               "Battery Voltage",
+                                               "KNOCK",
+                                               "EGO Volts",
+                                               "CHKE",
+                                               "Ignition Advance",
+                                               "Secondary Advance",
+                                               "Knock Retard",
+                                               "GAMA",
+                                               "IPP",
+                                               "Primary Dutycycle",
+                                               "Pulse ON Time",
+                                               "Pulse OFF Time",
+                                               "Staged Dutycycle",
+                                               "Staged Pulse ON",
+                                               "Staged Pulse OFF",
+                                               "Secondary Percent",
+                                               "EGO Correction",
+                                               "DAFR",
+                                               "AFR",
+                                               "IAC Position",
+                                               "IACD",
+                                               "INJ_TOG",
+                                               "SEN_MAP",
+                                               "INJ_VE",
+                                               "INJ_MAT",
+                                               "INJ_CLT",
+                                               "INJ_BARO",
+                                               "INJ_SE0",
+                                               "INJ_ASE0",
+                                               "INJ_ASE1",
+                                               "MAPACCL",
+                                               "TPSACCL",
+                                               "INJ_ACE2",
+                                               "INJ_ACE5",
+                                               "INJ_ACE6",
+                                               "INJ_VLTCOMP",
+                                               "SEN_BLEND",
+                                               "INJ_STAGE",
+                                               "ADV_TBL",
+                                               "ADV_CLT",
+                                               "ADV_MAT",
+                                               "ADV_BARO",
+                                               "ADV_IDLE",
+                                               "ISRPM"};
+    ASSERT_EQ(values.size(), 49U);
     const auto names = dataPointNames();
-    ASSERT_EQ(names.size(), 65u);
-    EXPECT_EQ(names[0], "RPM");
-    EXPECT_EQ(names[2], "Throttle Position Sensor");
-    EXPECT_EQ(names[9], "Ignition Advance");
-    EXPECT_EQ(names[21], "EGO Correction");
-    EXPECT_EQ(names[40], "INJ_VLTCOMP");
-    EXPECT_EQ(names[48], "ISRPM");
-    EXPECT_EQ(names[49], "GPIO1");
-    EXPECT_EQ(names[64], "GPIO16");
+    ASSERT_EQ(names.size(), 65U);
+    EXPECT_THAT(std::vector(names.begin(), names.begin() + 49), ElementsAreArray(values));
+    for (std::size_t pin = 1; pin <= 16; ++pin) EXPECT_EQ(names[48 + pin], "GPIO" + std::to_string(pin));
 }
 
 TEST(DataPoints, HaveDistinctNames) {

@@ -165,7 +165,10 @@ struct FakeSession {
     RecordingWindows windows;
     Session session{Platform{port, ticker, clock, settings, dialogs, yield, folder.path(), folder.path()}};
 
-    FakeSession() { session.attach(windows); }
+    FakeSession() {
+        settings.set("System", "TemperatureToggle", "0");  // numbers of tests are degrees Celsius
+        session.attach(windows);
+    }
 };
 
 }  // namespace zentaq

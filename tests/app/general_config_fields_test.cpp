@@ -250,7 +250,7 @@ TEST_F(GeneralConfigForm, TellsTheLimitsThatNoCaptionTells) {
     prepare();
     EXPECT_EQ(form.field("txtRPM").limits, "");
     EXPECT_EQ(form.field("txtINJ").limits, "");
-    EXPECT_EQ(form.field("txtMaxBoost").limits, "");
+    EXPECT_EQ(form.field("txtMaxBoost").limits, "gauge, 0: none");
     EXPECT_EQ(form.field("txtPOT").limits, "(-15 to 15 milliseconds (ms))");
     EXPECT_EQ(form.field("txtLBHR").limits, "(0 to 500 Lbs/hr)");
     EXPECT_EQ(form.field("txtBHP").limits, "(0 to 5000 HP)");
@@ -430,6 +430,21 @@ TEST_F(Computed, AnEmptySpeedLeavesTheLastFigures) {
     form.enter("txtBHP", "300");
     EXPECT_EQ(text("txtLBHR"), "25.57");
     EXPECT_EQ(form.lblUAP(), "8.800");
+}
+
+// "###.##" leaves out what is nothing and keeps the point, "###.00" has its two decimals always.
+TEST_F(Computed, TheFormatsOfTheFlowWriteWholeAndSmallNumbersInTheirWay) {
+    form.enter("cmbCams", "Race / High Perf");
+    form.enter("txtBHP", "160");  // 0.55 * 160 / 4 * 10 / 8.8 = 25
+    EXPECT_EQ(text("txtLBHR"), "25.00");
+    EXPECT_EQ(form.field("txtLBHR").limits, "(25. to 500 Lbs/hr)");
+    EXPECT_TRUE(form.enter("txtLBHR", "25"));
+    form.enter("txtBHP", "1");  // 0.55 / 4 * 10 / 8.8 = 0.15625
+    EXPECT_EQ(text("txtLBHR"), ".16");
+    EXPECT_EQ(form.field("txtLBHR").limits, "(.16 to 500 Lbs/hr)");
+    EXPECT_FALSE(form.enter("txtLBHR", "0.15"));
+    EXPECT_TRUE(form.enter("txtLBHR", "0.16"));
+    EXPECT_EQ(boxesShown(), 1);
 }
 
 TEST_F(Computed, NoPowerLeavesTheLastFigures) {

@@ -172,6 +172,35 @@ TEST_F(GeneralConfigForm, WhatWasNotEnteredFollowsTheModel) {
     EXPECT_EQ(text("txtMAP"), "3");
 }
 
+TEST_F(GeneralConfigForm, ThePulseFollowsSensorAndBoostUntilItIsEntered) {
+    prepare();
+    EXPECT_EQ(text("txtUAP"), "8");
+    form.enter("txtMaxBoost", "50");
+    EXPECT_EQ(text("txtUAP"), "8") << "never less than the default value";
+    form.enter("txtMaxBoost", "0");
+    form.enter("cmbMAP", "3 BAR (1-316 kPa)");
+    EXPECT_EQ(text("txtUAP"), "24");  // 8 * 3
+    form.enter("txtMaxBoost", "150");
+    EXPECT_EQ(text("txtUAP"), "9.6");  // 8 * 3 / 2.5
+    form.enter("txtMAP", "10");
+    form.enter("txtMaxBoost", "0");
+    EXPECT_EQ(text("txtUAP"), "30") << "no more than its range takes";
+    form.enter("cmbMAP", "2 BAR (9-208 kPa)");
+    form.enter("cmbORB_UNIT", "ORB L");
+    EXPECT_EQ(text("txtUAP"), "16");
+    form.enter("txtUAP", "11");
+    form.enter("cmbMAP", "3 BAR (1-316 kPa)");
+    EXPECT_EQ(text("txtUAP"), "11");
+}
+
+TEST_F(GeneralConfigForm, APulseOfACalibrationInHandStaysWithAnotherSensor) {
+    haveInHand();
+    const std::string pulse = text("txtUAP");
+    form.enter("cmbMAP", "3 BAR (1-316 kPa)");
+    form.enter("txtMaxBoost", "20");
+    EXPECT_EQ(text("txtUAP"), pulse);
+}
+
 TEST_F(GeneralConfigForm, AnotherModelKeepsTheFlowThatWasEnteredAndComputesTheOther) {
     prepare();
     form.enter("txtRPM", "6000");

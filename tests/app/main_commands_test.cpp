@@ -319,9 +319,17 @@ TEST_F(Commands, CloseWithNothingInHandDoesNothing) {
 TEST_F(Commands, ProgramOrbRefusesWithoutAFileAndWithoutAUnit) {
     commands.programOrb();
     EXPECT_EQ(box().title, "Error 1003");
+    EXPECT_EQ(box().text,
+              "Error 1003:\nYou must have an open/active bin file before accessing this functionality\n"
+              "Please choose another file or create one and try again.");
+    EXPECT_TRUE(logged("Error 1003: No Open BIN File."));
     open(file("tune.ZQ4OA"));
     commands.programOrb();
     EXPECT_EQ(box().title, "Error 1005");
+    EXPECT_EQ(box().text,
+              "Error 1005:\nNo ORB Unit is Connected to the System!\n"
+              "Please check to make sure your ORB unit is powered on and connected to the system.");
+    EXPECT_TRUE(logged("Error 1005: Attempted Communication, No ORB Unit Found."));
     EXPECT_FALSE(session.link.TransferActive());
 }
 

@@ -194,8 +194,9 @@ TEST_F(OptionsTest, ShowWhatTheProgramDoesWhileNothingIsStored) {
     EXPECT_TRUE(options.on("chkAutoLog"));
     EXPECT_TRUE(options.on("chkFileOpen"));
     EXPECT_TRUE(options.on("chkShowCommDialog"));
-    for (const char* control : {"chkConsole", "chkCOMM", "chkTemperature", "chkGraphs", "chkColumnType",
-                                "chkAFRColors", "chkAutoMonitor", "chkAutoOutput"}) {
+    EXPECT_TRUE(options.on("chkTemperature"));  // only "0" is Celsius
+    for (const char* control : {"chkConsole", "chkCOMM", "chkGraphs", "chkColumnType", "chkAFRColors",
+                                "chkAutoMonitor", "chkAutoOutput"}) {
         EXPECT_EQ(options.value(control), "0") << control;
     }
     EXPECT_EQ(options.value("optPrintButton"), "0");
@@ -279,23 +280,21 @@ TEST_F(OptionsTest, ShowNoColourThatIsNone) {
     EXPECT_EQ(Options(session).value("txtNeedleColor"), "16777215");
 }
 
-TEST_F(OptionsTest, ShowAlarmsInCelsiusForAnEmptyToggleAndForZero) {
+TEST_F(OptionsTest, ShowAlarmsInCelsiusForAToggleOfZero) {
     stored("CLTAlarmValue", "100");
     stored("MATAlarmValue", "-40");
-    for (const char* toggle : {"", "0"}) {
-        stored("TemperatureToggle", toggle);
-        const Options options(session);
-        EXPECT_FALSE(options.on("chkTemperature"));
-        EXPECT_EQ(options.value("txtCLTvalue"), "100");
-        EXPECT_EQ(options.value("txtMATvalue"), "-40");
-        EXPECT_EQ(options.temperatureUnit(), "\u00B0C");
-    }
+    stored("TemperatureToggle", "0");
+    const Options options(session);
+    EXPECT_FALSE(options.on("chkTemperature"));
+    EXPECT_EQ(options.value("txtCLTvalue"), "100");
+    EXPECT_EQ(options.value("txtMATvalue"), "-40");
+    EXPECT_EQ(options.temperatureUnit(), "\u00B0C");
 }
 
 TEST_F(OptionsTest, ShowAlarmsInFahrenheitForAnyOtherToggle) {
     stored("CLTAlarmValue", "100");
     stored("MATAlarmValue", "-40");
-    for (const char* toggle : {"1", "2", "yes"}) {
+    for (const char* toggle : {"", "1", "2", "yes"}) {
         stored("TemperatureToggle", toggle);
         const Options options(session);
         EXPECT_TRUE(options.on("chkTemperature"));
@@ -371,6 +370,7 @@ TEST_F(OptionsTest, FillTheStoredColoursOnTheModeClickAndChooseNoneByDay) {
 // ---- Apply
 
 TEST_F(OptionsTest, ApplyInTheFixedOrderWhileMonitoring) {
+    stored("TemperatureToggle", "0");
     session.Monitoring = true;
     Options options(session);
     options.change("cmbCOMM", "3");
@@ -473,8 +473,8 @@ TEST_F(OptionsTest, EveryAppliedOptionSurvivesARestart) {
         }
         options.change("sldDashAdjust", "33");
         options.change("cmbCOMM", "9");
-        options.change("txtCLTvalue", "212");  // Fahrenheit by now
-        options.change("txtMATvalue", "32");
+        options.change("txtCLTvalue", "100");  // Celsius by now
+        options.change("txtMATvalue", "0");
         EXPECT_THAT(options.apply(), IsEmpty());
     }
     const Options after(session);
@@ -487,7 +487,7 @@ TEST_F(OptionsTest, EveryAppliedOptionSurvivesARestart) {
     EXPECT_EQ(after.value("optPrintButton"), "1");
     EXPECT_EQ(after.value("optMonitorMode"), "1");
     EXPECT_EQ(after.value("txtPollRate"), "1");
-    EXPECT_EQ(after.value("txtCLTvalue"), "212");
+    EXPECT_EQ(after.value("txtCLTvalue"), "100");
     EXPECT_EQ(read("CLTAlarmValue"), "100");
     EXPECT_EQ(read("MATAlarmValue"), "0");
 }
@@ -505,7 +505,7 @@ TEST_F(OptionsTest, AnApplyWithoutAChangeChangesNothingInTheProgram) {
     EXPECT_TRUE(session.console.LogToFile());
     EXPECT_EQ(read("FileOpen"), "1");
     EXPECT_EQ(read("CLTAlarmValue"), "");
-    EXPECT_FALSE(session.fahrenheit());
+    EXPECT_TRUE(session.fahrenheit());
     EXPECT_THAT(dialogs.boxes, IsEmpty());
 }
 
@@ -591,6 +591,7 @@ TEST_F(OptionsTest, AHyphenKeepsTheStoredAlarm) {
 }
 
 TEST_F(OptionsTest, ARefusedEntryHoldsNothingElseBack) {
+    stored("TemperatureToggle", "0");
     Options options(session);
     options.change("txtPollRate", "often");
     options.change("txtNeedleColor", "16777216");

@@ -9,10 +9,12 @@
 
 #include "app/fake_platform.h"
 #include "app/main_commands.h"
+#include "base/text.h"
 
 namespace zentaq {
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 class SessionTest : public ::testing::Test {
@@ -23,6 +25,40 @@ class SessionTest : public ::testing::Test {
 
     SessionTest() { session.makeUnits(); }
 
+    std::string calibrationOf(float kind, const std::string& name) const {
+        std::vector<float> floats{kind, 9.44f, 5099};
+        floats.resize(3 + 2828, 0.0f);
+        const std::string path = fake.folder.path(name);
+        std::ofstream file(path, std::ios::binary);
+        for (const float value : floats) {
+            const auto word = std::bit_cast<std::uint32_t>(value);
+            file.write(reinterpret_cast<const char*>(&word), sizeof word);
+        }
+        return path;
+    }
+    /// A unit on the link and a calibration of its kind in hand, unchanged.
+    void openForProgramming(const std::string& firmware = "ZQA-405099") {
+        fake.dialogs.files = {calibrationOf(3, "tune.ZQ4OA")};
+        commands.open();
+        connect(firmware);
+        session.DataModified = false;
+    }
+    /// Programs the unit, up to the first byte on the wire. False: no transfer came about.
+    bool programs() {
+        // Mixtures of 0 have no byte, and without them there is no image.
+        Unit& unit = session.currentUnitObject();
+        for (int cell = 283; cell < 293; ++cell) unit.AssignDirectIndex(14.64F, cell);
+        for (int cell = 1424; cell < 1680; ++cell) unit.AssignDirectIndex(14.7F, cell);
+        commands.programOrb();
+        for (int tick = 0; tick < 5000 && !session.link.TransferActive(); ++tick) session.link.tick();
+        return session.link.TransferActive();
+    }
+    bool logged(const std::string& text) const {
+        for (const std::string& line : session.console.lines()) {
+            if (line.find(text) != std::string::npos) return true;
+        }
+        return false;
+    }
     std::string oldCalibration() const {
         std::vector<float> floats{3, 9.44f, 2099};
         floats.resize(3 + 2828, 0.0f);
@@ -107,6 +143,116 @@ TEST_F(SessionTest, TheProgramsVersionStandsInFilesAsMinorAndRevision) {
     EXPECT_FLOAT_EQ(session.programVersion(), 10.2f);
 }
 
+TEST_F(SessionTest, AFullDiskTurnsFileLoggingOffAndSaysSoOnce) {
+    session.console.logFile("/dev/full");
+    session.console.LogToFile(true);
+    session.sysLog("first");
+    session.sysLog("second");
+    std::vector<std::string> shown;
+    for (const std::string& line : session.console.lines()) shown.emplace_back(trimmed(line));
+    EXPECT_THAT(shown, ElementsAre("12:34:56 - first",
+                                   "Log file /dev/full cannot be written: No space left on device",
+                                   "Logging to the file is off.", "12:34:56 - second"));
+    EXPECT_FALSE(session.console.LogToFile());
+}
+
+TEST_F(SessionTest, EveryFifthLinkLineEmptiesThePanelOfTheFirmwareButNotWhileATransferRuns) {
+    class Panels : public RecordingWindows {
+     public:
+        void clearPanel3() override { ++cleared; }
+        int cleared = 0;
+    } windows;
+    session.attach(windows);
+    for (int line = 0; line < 11; ++line) session.commLog("line");  // with 0, 5 and 10 lines in the list
+    EXPECT_EQ(windows.cleared, 3);
+    openForProgramming();
+    ASSERT_TRUE(programs());
+    windows.cleared = 0;
+    const std::size_t before = session.console.commLines().size();
+    for (int line = 0; line < 10; ++line) session.commLog("line");
+    EXPECT_EQ(session.console.commLines().size(), before + 10);
+    EXPECT_EQ(windows.cleared, 0);
+    session.attach(fake.windows);
+}
+
+// ---- Program ORB
+
+TEST_F(SessionTest, AUnitOfAnotherKindIsNotProgrammed) {
+    connect("ZQA-405099");
+    fake.dialogs.files = {calibrationOf(4, "lite.ZQ4OL")};
+    commands.open();
+    fake.dialogs.boxes.clear();
+    commands.programOrb();
+    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
+    EXPECT_EQ(fake.dialogs.boxes[0].title, "Error 1006");
+    EXPECT_EQ(fake.dialogs.boxes[0].text,
+              "Error 1006:\nIncorrect ORB Unit is Connected to the System!\n"
+              "Please connect a unit of the proper type or open an apprpriate file.");
+    EXPECT_TRUE(logged("Error 1006: Attempted Communication, Incorrect ORB Unit Found."));
+    EXPECT_FALSE(session.link.TransferActive());
+}
+
+TEST_F(SessionTest, AnOlderFirmwareIsWarnedOfAndProgrammedAllTheSame) {
+    session.FW_ReleaseTable[3] = 5;
+    session.FW_BuildTable[3] = 99;
+    openForProgramming("ZQA-404099");
+    fake.dialogs.boxes.clear();
+    EXPECT_TRUE(programs());
+    ASSERT_FALSE(fake.dialogs.boxes.empty());
+    EXPECT_EQ(fake.dialogs.boxes[0].title, "Warning 1007");
+    EXPECT_EQ(fake.dialogs.boxes[0].text,
+              "Warning 1007:\nOlder ORB Unit firmware detected. The firmware may need to be upgraded for the "
+              "unit to work properly with the new software.");
+    EXPECT_TRUE(logged("Warning 1007: ORB Unit needs Firmware Upgrade."));
+    EXPECT_THAT(fake.windows.calls, testing::Contains("focus frmConfig"));
+}
+
+TEST_F(SessionTest, TheExpectedFirmwareIsNotWarnedOf) {
+    session.FW_ReleaseTable[3] = 5;
+    session.FW_BuildTable[3] = 99;
+    openForProgramming("ZQA-405099");
+    fake.dialogs.boxes.clear();
+    EXPECT_TRUE(programs());
+    EXPECT_FALSE(told("Older ORB Unit firmware detected."));
+}
+
+TEST_F(SessionTest, AUnitThatFallsSilentFailsTheRunInTheUsersWords) {
+    openForProgramming();
+    fake.dialogs.boxes.clear();
+    ASSERT_TRUE(programs());
+    for (int tick = 0; tick < 20'000 && session.link.TransferActive(); ++tick) session.link.tick();
+    ASSERT_FALSE(session.link.TransferActive());
+    ASSERT_FALSE(fake.dialogs.boxes.empty());
+    const Box& box = fake.dialogs.boxes.back();
+    EXPECT_EQ(box.title, "Failed");
+    EXPECT_EQ(box.text,
+              "The BIN program operation failed.\n"
+              "Please verify that the ORB has power, the engine is off and try again.\n"
+              "The previous BIN file is still loaded.");
+    EXPECT_EQ(box.icon, Icon::Exclamation);
+    EXPECT_TRUE(logged("PROCESS FAILED - EXITED ABNORMALLY."));
+}
+
+TEST_F(SessionTest, WhatTheLinkReportsIsToldInTheUsersWords) {
+    const std::pair<int, const char*> rows[] = {
+        {1002,
+         "You have successfully programmed your ORB unit.\n"
+         "Please cycle the power on the unit before continuing."},
+        {1004,
+         "The firmware upgrade operation failed.\nPlease verify that the ORB has power and try again.\n"
+         "There is now no firmware installed on this unit, the upgrade must be completed successfully "
+         "before the unit will function."},
+        {1006, "The datalog has been successfully downloaded."},
+        {1007,
+         "The unit either has no datalog data is currently datalogging\n"
+         "Make sure you datalog switch is OFF and try again."}};
+    LinkHost& host = session;
+    for (const auto& [code, text] : rows) {
+        host.displayMessage(code);
+        EXPECT_EQ(fake.dialogs.boxes.back().text, text);
+    }
+}
+
 TEST_F(SessionTest, ABusyPortDoesNotFillTheLog) {
     class Busy : public FakePort {
         void open(int) override { throw Failure("busy"); }
@@ -122,8 +268,9 @@ TEST_F(SessionTest, ABusyPortDoesNotFillTheLog) {
     EXPECT_EQ(other.console.lines().size(), lines);
 }
 
-TEST_F(SessionTest, TemperaturesAreFahrenheitOnlyByTheSetting) {
-    EXPECT_FALSE(session.fahrenheit());
+TEST_F(SessionTest, OnlyASettingOf0ShowsCelsius) {
+    fake.settings.set("System", "TemperatureToggle", "");  // as on a fresh installation
+    EXPECT_TRUE(session.fahrenheit());
     fake.settings.set("System", "TemperatureToggle", "0");
     EXPECT_FALSE(session.fahrenheit());
     fake.settings.set("System", "TemperatureToggle", "1");

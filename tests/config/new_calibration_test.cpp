@@ -11,6 +11,7 @@
 #include <set>
 
 #include "base/errors.h"
+#include "base/rounding.h"
 #include "config/quiet_calibration.h"
 #include "refdata/refdata_fixture.h"
 #include "refdata/schema.h"
@@ -341,7 +342,7 @@ class ChangedSet {
 };
 
 /// Everything that the defaults lead to on a kind: the figures offered, and the cells of a calibration with a
-/// street cam and of one with a race cam, both with boost.
+/// street cam and of one with a race cam, of a rotary engine where the kind runs one, both with boost.
 std::vector<float> outcome(const UnitKind& kind, const Database& database) {
     EngineFigures figures = startingFigures(database, kind);
     std::vector<float> all = {figures.revLimit, figures.fullScalePulse, figures.openingTime,
@@ -351,7 +352,10 @@ std::vector<float> outcome(const UnitKind& kind, const Database& database) {
         figures.raceCam = raceCam;
         QuietCalibration one(kind, &database);
         startNewCalibration(one.unit);
-        chooseEngine(one.unit, database.engine(kind.slot, 1).value());
+        constexpr int wastedSpark = 1;
+        constexpr int rotary = 14;
+        const auto engine = raceCam ? database.engine(kind.slot, rotary) : std::nullopt;
+        chooseEngine(one.unit, engine ? *engine : database.engine(kind.slot, wastedSpark).value());
         chooseSensor(one.unit, database.mapSensorByName("3 BAR (-14.5 to 31.1 PSIG)").value());
         loadDefaults(one.unit, database, figures);
         for (int byte = 0; byte < 3; ++byte) all.push_back(one.unit.controlByte(byte));
@@ -565,6 +569,58 @@ TEST_F(NewCalibration, WithoutBoostIsNeitherRetardedNorEnriched) {
     // 101.3 kPa at 7000 RPM: 34 at 92, 32.5 at 98 and 31 at 104 kPa in the column of 7000.
     EXPECT_NEAR(unit.get("ADV", 255), 31.5F, 0.5);
     EXPECT_NEAR(unit.DirectIndex(1424 + 255), 12.5F, 0.11);
+}
+
+TEST_F(NewCalibration, ARotaryEngineHasLessAdvanceThanAPistonEngineAndASplit) {
+    make(oneBar, {.revLimit = 8000});
+    std::vector<float> piston;
+    for (int cell = 0; cell < 256; ++cell) piston.push_back(unit.get("ADV", cell));
+    EXPECT_EQ(unit.get("SPLITBL", 0), 0);
+    startNewCalibration(unit);
+    chooseEngine(unit, engine("2 Rotor Rotary, Leading and Trailing Plugs"));
+    chooseSensor(unit, sensor(oneBar));
+    EXPECT_THAT(loadDefaults(unit, database, {.revLimit = 8000}), IsEmpty());
+    for (int cell = 0; cell < 256; ++cell) {
+        const auto place = static_cast<std::size_t>(cell);
+        EXPECT_EQ(unit.get("ADV", cell), std::max(piston[place] - 8, 6.0F)) << cell;
+    }
+    // Full load at 8000 RPM, 101.3 kPa: 32.5 degrees at 98 kPa and 31 at 104, so 31.5; of these 8 less.
+    EXPECT_EQ(unit.get("ADV", 255), 23.5F);
+    for (int i = 0; i < 16; ++i) EXPECT_EQ(unit.get("SPLITBL", i), 10) << i;
+}
+
+TEST_F(NewCalibration, ADualPlugPistonEngineHasItsUsualSplitAndTheAdvanceOfAnyOther) {
+    make(oneBar);
+    const float full = unit.get("ADV", 255);
+    startNewCalibration(unit);
+    chooseEngine(unit, engine("4 Cylinder Dual Plug Wasted Spark, Paired Injection"));
+    chooseSensor(unit, sensor(oneBar));
+    loadDefaults(unit, database, {});
+    EXPECT_EQ(unit.get("ADV", 255), full);
+    EXPECT_EQ(unit.get("SPLITBL", 7), 4);
+}
+
+TEST_F(NewCalibration, TheSplitOfTheDefaultsGoesOnTopOfTheEnginesUpToItsRange) {
+    sqlite3* file = nullptr;
+    ASSERT_EQ(sqlite3_open(path.c_str(), &file), SQLITE_OK);
+    sqlite3_exec(file, "UPDATE Defaults SET SPLITBL = 2 WHERE rowid = 1", nullptr, nullptr, nullptr);
+    sqlite3_exec(file, "UPDATE Defaults SET SPLITBL = 25 WHERE rowid = 2", nullptr, nullptr, nullptr);
+    sqlite3_close(file);
+    startNewCalibration(unit);
+    chooseEngine(unit, engine("2 Rotor Rotary, Leading and Trailing Plugs"));
+    chooseSensor(unit, sensor(oneBar));
+    EXPECT_THAT(loadDefaults(unit, database, {}), IsEmpty());
+    EXPECT_EQ(unit.get("SPLITBL", 0), 12);
+    EXPECT_EQ(unit.get("SPLITBL", 1), 30);  // 0 to 30 degrees
+    EXPECT_EQ(unit.get("SPLITBL", 2), 10);
+}
+
+TEST_F(NewCalibration, TheStandardSensorIsNotTakenForBrokenOnADayOfHighPressure) {
+    make(oneBar);
+    // 104 kPa: 0.05295 * 104 - 0.54738 = 4.9594 V
+    EXPECT_GT(unit.get("MAP_FailHigh"), 4.9594F);
+    // In the unit one count of 255 below the 5 V that a short to the supply gives: 4.98 * 51 = 254.
+    EXPECT_EQ(toInt16(unit.get("MAP_FailHigh") * 51), 254);
 }
 
 TEST_F(NewCalibration, AnAxisBeginsAboveNoPressureAtAll) {

@@ -83,6 +83,18 @@ TEST_F(CtlNew, BoostReachesTheTopOfThePressureAxis) {
     EXPECT_EQ(valueOf("MAX_Boost"), "1.2") << "its reader answers bar";
 }
 
+TEST_F(CtlNew, ASensorLargerThanTheEngineNeedsTakesALongerPulseAtItsFullScale) {
+    const char* threeBar = "3 BAR (1-316 kPa)";
+    EXPECT_EQ(make("", "ORB A Standard", four, threeBar).exitCode, 0);
+    EXPECT_EQ(valueOf("scale1"), "24");  // 8 * 3
+    EXPECT_EQ(make("--force --set MAX_Boost=100", "ORB A Standard", four, threeBar).exitCode, 0);
+    EXPECT_EQ(valueOf("scale1"), "12");  // 8 * 3 / (1 + 1)
+    EXPECT_EQ(make("--force --set scale1=9.5", "ORB A Standard", four, threeBar).exitCode, 0);
+    EXPECT_EQ(valueOf("scale1"), "9.5");
+    made = folder.file("made.ZQ4PZK");
+    EXPECT_EQ(make("", "PZK-2", "4 Cylinder Coil per Plug", threeBar).exitCode, 0) << "it has no injectors";
+}
+
 TEST_F(CtlNew, OtherMembersGoBehindTheDefaultValues) {
     EXPECT_EQ(make("--set KNK_MIN=44 --set TPS_FCV=0.62 --set 'NOTES_TEXT=For the hill' --set VE.ROWS=12 "
                    "--set BiName='Hill 1'")
@@ -128,6 +140,9 @@ TEST_F(CtlNew, RefusesValuesOutsideTheirLimitsAndWritesNothing) {
                       std::string("Warning 1001: Data Input Error: ") + range + " - Invalid Entry.");
         EXPECT_FALSE(fs::exists(made)) << setting;
     }
+    expectRefused(make("--set INJ_Number=4.5"), "Warning 1002: Data Input Error: Enter Whole Numbers Only");
+    EXPECT_FALSE(fs::exists(made));
+    expectRefused(make("--set BHP=5001"), "Warning 1001: Data Input Error: (0 to 5000 HP) - Invalid Entry.");
     expectRefused(make("--set BHP=many"),
                   "Warning 1000: Data Input Error: Non-numeric value detected. Retype Data");
     expectRefused(make("--set BHP="),

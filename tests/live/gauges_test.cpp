@@ -91,6 +91,8 @@ TEST(DashboardPicture, FollowsScaleModeAndKind) {
 TEST(DashboardSettings, AreReadFromTheStore) {
     MemorySettings store;
     EXPECT_FALSE(DashboardSettings::from(store).CLTAlarmValue);
+    EXPECT_TRUE(DashboardSettings::from(store).fahrenheit);  // only "0" is Celsius
+    store.set("System", "TemperatureToggle", "0");
     EXPECT_FALSE(DashboardSettings::from(store).fahrenheit);
     store.set("System", "CLTAlarmValue", "100");
     store.set("System", "MATAlarmValue", "60.5");

@@ -23,6 +23,18 @@ TEST(ReceiveGate, ThresholdZeroNeverDelivers) {
     EXPECT_EQ(gate.size(), 8u);
 }
 
+TEST(ReceiveGate, WhatNobodyAsksForIsKeptUpTo4096BytesOfWhichTheLastStay) {
+    ReceiveGate gate;
+    for (int i = 0; i < 5000; ++i) {
+        const auto byte = static_cast<std::uint8_t>(i & 0xFF);
+        gate.received(std::span(&byte, 1), i);
+    }
+    const std::vector<std::uint8_t> held = gate.take();
+    ASSERT_EQ(held.size(), 4096u);
+    EXPECT_EQ(held.front(), (5000 - 4096) & 0xFF);
+    EXPECT_EQ(held.back(), 4999 & 0xFF);
+}
+
 TEST(ReceiveGate, NegativeThresholdNeverDelivers) {
     ReceiveGate gate;
     gate.threshold(-1);

@@ -210,10 +210,15 @@ TEST_F(DatabaseTest, EachVariantSeesItsOwnEnginesAndTheCommonOnesByName) {
                                            testing::Not(testing::Contains(18))));
     EXPECT_THAT(options(3), testing::AllOf(testing::Contains(18), testing::Not(testing::Contains(16))));
 
+    // The number of cylinders first: 4 before 12.
     const auto engines = database.engines(3, 2);
-    EXPECT_TRUE(std::is_sorted(engines.begin(), engines.end(), [](const EngineRow& a, const EngineRow& b) {
-        return a.displayValue < b.displayValue;
-    }));
+    const auto number = [](const EngineRow& row) { return std::atoi(row.displayValue.c_str()); };
+    const auto before = [&](const EngineRow& a, const EngineRow& b) {
+        const int left = number(a) == 0 ? 99 : number(a);
+        const int right = number(b) == 0 ? 99 : number(b);
+        return left != right ? left < right : a.displayValue < b.displayValue;
+    };
+    EXPECT_TRUE(std::is_sorted(engines.begin(), engines.end(), before));
 }
 
 // ---- Sensors

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <regex>
@@ -99,6 +100,20 @@ TEST_F(Seeds, AnIgnitionOnlyUnitNamesNoInjection) {
         EXPECT_EQ(engine.displayValue.find("Injection"), std::string::npos) << engine.displayValue;
         EXPECT_EQ(engine.displayValue.find("Throttle"), std::string::npos) << engine.displayValue;
     }
+}
+
+TEST_F(Seeds, EnginesAreListedByTheirNumberOfCylindersThenByName) {
+    std::vector<std::string> names;
+    for (const EngineRow& engine : open().engines(3, 2)) names.push_back(engine.displayValue);
+    const auto place = [&](std::string_view name) { return std::ranges::find(names, name) - names.begin(); };
+    EXPECT_LT(place("2 Rotor Rotary, Leading and Trailing Plugs"),
+              place("4 Cylinder Wasted Spark, Paired Injection"));
+    EXPECT_LT(place("4 Cylinder Wasted Spark, Paired Injection"),
+              place("12 Cylinder Wasted Spark, Paired Injection"));
+    EXPECT_LT(place("12 Cylinder Wasted Spark, Paired Injection"),
+              place("V-Twin 60 Degree Odd Fire, Sequential Injection"));
+    EXPECT_LT(static_cast<std::size_t>(place("V-Twin 60 Degree Odd Fire, Sequential Injection")),
+              names.size());
 }
 
 TEST_F(Seeds, EngineNamesAndOptionsStandOnceInTheirKind) {

@@ -60,6 +60,16 @@ TEST(FileKind, AFileThatEndsInItsHeaderIsNoCalibration) {
     EXPECT_THROW(kindOfCalibrationFile(folder.file("none")), FileError);
 }
 
+TEST(FileKind, ANameGetsTheExtensionOfItsKindUnlessItHasOneOfACalibration) {
+    const UnitKind& kind = *unitKindOfSlot(3);
+    EXPECT_EQ(calibrationFileName("/tunes/V-Twin", kind), "/tunes/V-Twin.ZQ4OA");
+    EXPECT_EQ(calibrationFileName("/tunes/V-Twin 1.2", kind), "/tunes/V-Twin 1.2.ZQ4OA");
+    EXPECT_EQ(calibrationFileName("/tunes/V-Twin.ZQ4OA", kind), "/tunes/V-Twin.ZQ4OA");
+    EXPECT_EQ(calibrationFileName("/tunes/V-Twin.zq4oa", kind), "/tunes/V-Twin.zq4oa");
+    EXPECT_EQ(calibrationFileName("/tunes/old.BIN", kind), "/tunes/old.ZQ4OA");
+    EXPECT_EQ(calibrationFileName("/tunes 2.0/cabin", kind), "/tunes 2.0/cabin.ZQ4OA");
+}
+
 TEST(FileKind, FilesOfTheOlderGenerationAreKnownByTheirLengthAlone) {
     for (std::uintmax_t bytes = 0; bytes <= 10008; ++bytes) {
         const int slot = bytes == 8704 || bytes == 8720 ? 3 : bytes == 9312 ? 4 : bytes == 4804 ? 5 : 0;

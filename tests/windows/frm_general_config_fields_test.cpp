@@ -279,7 +279,27 @@ TEST_F(GeneralFields, AnIgnitionOnlyUnitHasNoInjectors) {
         EXPECT_TRUE(usable(control)) << control;
     }
     EXPECT_FALSE(usable("lblInjectorSize"));
+    EXPECT_TRUE(usable("lblRange"));
     EXPECT_FALSE(usable("lblComputed"));
+}
+
+TEST_F(GeneralFields, ABoxWhoseCaptionAloneDoesNotTellHasALabelOfItsOwn) {
+    openPrepared();
+    EXPECT_EQ(label("lblRange"), "Range in bar");
+    EXPECT_EQ(find<QLabel>("lblRange")->buddy(), find("txtMAP"));
+    EXPECT_EQ(find("txtMAP")->accessibleName(), "Range in bar, MAP Sensor Installed");
+    EXPECT_EQ(find("cmbMAP")->accessibleName(), "MAP Sensor Installed");
+    EXPECT_EQ(label("lblInjectorSize"), "Injector Size");
+    EXPECT_EQ(find("txtLBHR")->accessibleName(), "Injector Size, lb/hr");
+}
+
+TEST_F(GeneralFields, TheLabelsThatStandForNoSingleBoxAreThere) {
+    openPrepared();
+    EXPECT_EQ(label("lblDimensions"), "Table Start Dimensions");
+    EXPECT_EQ(label("lblComputed"), "Zentaq Calculated TOG");
+    EXPECT_EQ(label("lblCaption_cmbCols"), "Columns");
+    EXPECT_EQ(label("lblCaption_cmbRows"), "Rows");
+    EXPECT_EQ(label("lblCaption_txtLBHR"), "lb/hr");
 }
 
 TEST_F(GeneralFields, ASensorInAnotherUnitChangesTheBoostCaption) {

@@ -350,6 +350,46 @@ TEST_F(Table, DoubleClickOnAColumnHeaderAsksForItsValue) {
     EXPECT_TRUE(fake.session.DataModified);
 }
 
+TEST_F(Table, AHeaderThatIsNotAboveTheOneToItsLeftIsRefused) {
+    fake.session.messages.ActiveFormName = "frmTABLE";
+    for (const char* entry : {"500", "250"}) {
+        fake.dialogs.boxes.clear();
+        fake.dialogs.inputs.push_back(entry);
+        Q_EMIT grid().horizontalHeader()->sectionDoubleClicked(1);  // 1000, behind 500
+        ASSERT_EQ(fake.dialogs.boxes.size(), 2u);
+        EXPECT_EQ(fake.dialogs.boxes[1].title, "Data Input Error");
+        EXPECT_EQ(
+            fake.dialogs.boxes[1].text,
+            std::string("Warning 1006: Data Input Error\nThe value you entered must be higher than that "
+                        "of the one to the left.\n500 > ") +
+                entry + " = FALSE");
+        EXPECT_THAT(fake.session.console.lines().back(),
+                    HasSubstr(" - Warning 1006: Data Input Error / Value Lesser than Left."));
+        EXPECT_EQ(windows.calls.back(), "focus frmTABLE");
+    }
+    EXPECT_EQ(unit().get("RPMTBL", 1), 1000);
+    EXPECT_FALSE(fake.session.DataModified);
+}
+
+TEST_F(Table, APressureHeaderMustBeAboveTheOneBelowIt) {
+    fake.dialogs.inputs.push_back("20");
+    Q_EMIT grid().verticalHeader()->sectionDoubleClicked(14);  // 25 kPa, above 20
+    ASSERT_EQ(fake.dialogs.boxes.size(), 2u);
+    EXPECT_THAT(fake.dialogs.boxes[1].text, HasSubstr("20 > 20 = FALSE"));
+    EXPECT_EQ(unit().get("MAPTBL", 1), 25);
+}
+
+TEST_F(Table, AnAxisIsMovedUpFromItsLowestStopOn) {
+    // Only the stop before counts, so the next one may follow with the next entry.
+    for (const auto& [section, entry] : {std::pair(0, "1200"), std::pair(1, "1700")}) {
+        fake.dialogs.inputs.push_back(entry);
+        Q_EMIT grid().horizontalHeader()->sectionDoubleClicked(section);
+    }
+    EXPECT_EQ(fake.dialogs.boxes.size(), 2u) << "the two prompts";
+    EXPECT_EQ(unit().get("RPMTBL", 0), 1200);
+    EXPECT_EQ(unit().get("RPMTBL", 1), 1700);
+}
+
 TEST_F(Table, CancelledHeaderPromptChangesNothing) {
     fake.dialogs.inputs.push_back(std::nullopt);
     Q_EMIT grid().verticalHeader()->sectionDoubleClicked(15);

@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QScreen>
 #include <QStatusBar>
 #include <QToolButton>
 
@@ -78,13 +79,13 @@ TEST_F(MainWindow, ShowsEveryEntryOfTheMenuTableWithItsCaption) {
 }
 
 TEST_F(MainWindow, EntriesWhoseCommandComesLaterAreDisabled) {
-    for (const char* name : {"mnuConvertORBA", "mnuConvertORBALite", "mnuPrintBIN", "mnuFirmwareUpgrade",
-                             "mnuInterpolate"}) {
+    for (const char* name :
+         {"mnuConvertORBA", "mnuConvertORBALite", "mnuPrintBIN", "mnuFirmwareUpgrade", "mnuInterpolate"}) {
         EXPECT_FALSE(action(name)->isEnabled()) << name;
     }
-    for (const char* name : {"mnuNew", "mnuOpen", "mnuExit", "mnuProgramORB", "mnuVETbl", "mnuAbout", "mnuFastHelp",
-                             "mnuHelpContents", "mnuOptions", "mnuControlPanel", "mnuMonitor_ChangeColors",
-                             "mnuMAPSensors"}) {
+    for (const char* name :
+         {"mnuNew", "mnuOpen", "mnuExit", "mnuProgramORB", "mnuVETbl", "mnuAbout", "mnuFastHelp",
+          "mnuHelpContents", "mnuOptions", "mnuControlPanel", "mnuMonitor_ChangeColors", "mnuMAPSensors"}) {
         EXPECT_TRUE(action(name)->isEnabled()) << name;
     }
 }
@@ -202,9 +203,47 @@ TEST_F(MainWindow, ClosingWithoutChangesAsksNothing) {
 }
 
 TEST_F(MainWindow, RemembersItsPlace) {
+    windows.main().showNormal();
     windows.main().setGeometry(40, 60, 900, 600);
     windows.main().close();
-    EXPECT_NE(fake.settings.get("Forms", "mdiMain"), "");
+    EXPECT_EQ(fake.settings.get("Forms", "mdiMain"), "40 60 900 600 0");
+}
+
+TEST_F(MainWindow, ComesBackOntoTheScreenThatIsLeft) {
+    fake.settings.set("Forms", "mdiMain", "5000 3000 640 480 0");  // on a screen that was unplugged
+    WindowManager again(*qApp, fake.session, commands, kernel);
+    again.showMain();
+    QCoreApplication::processEvents();
+    const QRect room = again.main().screen()->availableGeometry();
+    const QRect place = again.main().geometry();
+    EXPECT_TRUE(room.contains(place)) << place.x() << " " << place.y() << " " << place.width() << " "
+                                      << place.height() << " in " << room.width() << " " << room.height();
+    again.killTimers();
+    fake.session.attach(windows);
+}
+
+TEST_F(MainWindow, TheShutdownIsTheLastThatTheConsoleTells) {
+    kernel.System_Shutdown(true);
+    std::vector<std::string> last;
+    for (auto line = fake.session.console.lines().end() - 2; line != fake.session.console.lines().end();
+         ++line)
+        last.push_back(line->substr(11, line->find_last_not_of(' ') - 10));
+    EXPECT_THAT(last, ElementsAre("System Shutdown!", "Config App. Terminated."));
+}
+
+TEST_F(MainWindow, NoCommandRunsBeforeTheProgramHasStarted) {
+    windows.enableToolbar(false);
+    windows.refresh();
+    windows.main().refresh();
+    EXPECT_FALSE(find<QToolBar>("Toolbar1")->isEnabled());
+    for (const MenuEntry& entry : menuTree()) {
+        QAction* shown = action(std::string(entry.name).c_str());
+        if (shown == nullptr) shown = menu(std::string(entry.name).c_str())->menuAction();
+        EXPECT_FALSE(shown->isEnabled()) << entry.name;
+    }
+    windows.enableToolbar(true);
+    EXPECT_TRUE(action("mnuOpen")->isEnabled());
+    EXPECT_TRUE(menu("mnuFile")->menuAction()->isEnabled());
 }
 
 TEST_F(MainWindow, DayAndNightGoThroughTheWholeProgram) {

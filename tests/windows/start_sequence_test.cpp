@@ -62,19 +62,67 @@ TEST_F(StartSequence, ShowsTheBannerInTheConsole) {
     EXPECT_EQ(lines[ruler + 2].trimmed(), "12:34:56 - v4.10.2");
 }
 
-/// The user closes the frame while a splash text is held.
-TEST(StartSequenceInterrupted, LeavesNoWindowBehind) {
+/// A start that does something while a splash text is held.
+class HeldStart : public testing::TestWithParam<const char*> {
+ protected:
     FakeSession fake;
     MainCommands commands{fake.session};
     Kernel kernel{fake.session, commands};
     WindowManager windows{*qApp, fake.session, commands, kernel};
-    fake.settings.set("System", "FileOpen", "0");
-    QTimer::singleShot(20, &windows.main(), &QWidget::close);
-    kernel.load();
+    QTimer watch;
+    bool held = false;
+
+    ~HeldStart() override { windows.killTimers(); }
+
+    template <typename Event>
+    void startWith(const char* text, Event&& event) {
+        QObject::connect(&watch, &QTimer::timeout, &watch, [this, text, event] {
+            const FrmSplash* splash = windows.splashWindow();
+            if (held || splash == nullptr || !splash->isVisible()) return;
+            if (splash->findChild<QLabel*>("lblOperation")->text() != QString("    ") + text) return;
+            held = true;
+            event();
+        });
+        watch.start(5);
+        kernel.load();
+        EXPECT_TRUE(held);
+    }
+};
+
+TEST_P(HeldStart, ClosingTheFrameEndsTheProgramAndLeavesNoWindowBehind) {
+    startWith(GetParam(), [this] { windows.main().close(); });
     EXPECT_TRUE(windows.closed());
-    EXPECT_FALSE(windows.main().isVisible());
     EXPECT_EQ(windows.dashboard(), nullptr);
+    EXPECT_FALSE(windows.splashWindow()->isVisible());
+    for (const QWidget* window : QApplication::topLevelWidgets()) {
+        EXPECT_FALSE(window->isVisible()) << window->objectName().toStdString();
+    }
+    EXPECT_FALSE(fake.ticker.running());
+    EXPECT_FALSE(fake.port.isOpen());
+    EXPECT_TRUE(fake.dialogs.boxes.empty());
+    EXPECT_TRUE(fake.dialogs.requests.empty()) << "nobody is asked for a file any more";
+    int shutdowns = 0;
+    for (const std::string& line : fake.session.console.lines()) {
+        if (line.find("System Shutdown!") != std::string::npos) ++shutdowns;
+    }
+    EXPECT_EQ(shutdowns, 1);
 }
+
+TEST_P(HeldStart, ACommandOfTheMenuWaitsForTheEndOfTheStart) {
+    fake.settings.set("System", "FileOpen", "0");
+    startWith(GetParam(), [this] {
+        windows.main().refresh();
+        windows.main().findChild<QAction*>("mnuOpen")->trigger();
+    });
+    EXPECT_TRUE(fake.dialogs.requests.empty());
+    windows.main().findChild<QAction*>("mnuOpen")->trigger();
+    EXPECT_EQ(fake.dialogs.requests.size(), 1u);
+}
+
+INSTANTIATE_TEST_SUITE_P(EachText, HeldStart,
+                         testing::Values("Setting Up Environment", "Initializing Console",
+                                         "Initializing Database", "Program Activated"),
+                         [](const auto& text) { return QString(text.param).remove(u' ').toStdString(); });
 
 }  // namespace
 }  // namespace zentaq

@@ -96,10 +96,19 @@ TEST_F(Forms, FastHelpShowsTheEntryOfTheControlInHand) {
 }
 
 TEST_F(Forms, AFieldWithoutAnEntryIsToldInABox) {
+    openDatabase();
     run("mnuFastHelp");
     ASSERT_FALSE(fake.dialogs.boxes.empty());
     EXPECT_EQ(fake.dialogs.boxes.back().title, "Help");
     EXPECT_EQ(fake.dialogs.boxes.back().text, "There is no help on this field.");
+}
+
+TEST_F(Forms, WithoutADatabaseFastHelpTellsWhyThereIsNone) {
+    fake.session.database.reset();
+    run("mnuFastHelp");
+    ASSERT_FALSE(fake.dialogs.boxes.empty());
+    EXPECT_EQ(fake.dialogs.boxes.back().text,
+              "There are no help texts: the reference database could not be opened.");
 }
 
 TEST_F(Forms, AWarningGivesTheFocusBackToTheFormNamed) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QAbstractScrollArea>
+#include <QAction>
 #include <QComboBox>
 #include <QHeaderView>
 #include <QProgressBar>
@@ -31,6 +32,43 @@ TEST_F(Manager, RemovingTheFormsEndsTheTableAtOnceSoThatItsLogLineStandsBeforeTh
     EXPECT_TRUE(logged("TABLE App. Terminated."));
 }
 
+TEST_F(Manager, AfterAWarningTheActiveFormHasTheFocus) {
+    openCalibration();
+    commands.openTable("VE", "Volumetric Efficiency Table");
+    Messages& messages = fake.session.messages;
+    windows.config()->findChild<QWidget*>("lstLog")->setFocus();
+    messages.ActiveFormName = "frmTABLE";
+    messages.Display_Warning(1005);
+    const QWidget* focus = windows.main().focusWidget();
+    ASSERT_NE(focus, nullptr);
+    EXPECT_TRUE(focus == windows.table() || windows.table()->isAncestorOf(focus));
+
+    find<QWidget>("Toolbar1")->setFocusPolicy(Qt::StrongFocus);
+    find<QWidget>("Toolbar1")->setFocus();
+    messages.ActiveFormName = "frmConfig";
+    messages.Display_Warning(1005);
+    EXPECT_TRUE(windows.config()->isAncestorOf(windows.main().focusWidget()));
+}
+
+TEST_F(Manager, ATableInAWindowOfItsOwnComesBackWhereItStood) {
+    openCalibration();
+    const auto undocked = [this] {
+        commands.openTable("VE", "Volumetric Efficiency Table");
+        if (windows.table()->docked()) windows.table()->findChild<QAction*>("Docking")->trigger();
+        EXPECT_TRUE(windows.table()->isWindow());
+    };
+    undocked();
+    windows.table()->setGeometry(50, 60, 500, 400);
+    windows.table()->close();
+    EXPECT_EQ(fake.settings.get("Forms", "frmTABLE"), "50 60 500 400 0");
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    undocked();
+    EXPECT_EQ(windows.table()->geometry(), QRect(50, 60, 500, 400));
+    windows.table()->setGeometry(70, 80, 500, 400);
+    windows.table()->findChild<QAction*>("Docking")->trigger();
+    EXPECT_EQ(fake.settings.get("Forms", "frmTABLE"), "70 80 500 400 0");
+}
+
 TEST_F(Manager, WhatTheLinkTellsIsShownFromTheEventLoopAndNotFromInsideItsHandler) {
     const std::size_t boxes = fake.dialogs.boxes.size();
     fake.session.displayMessage(1002);
@@ -38,6 +76,33 @@ TEST_F(Manager, WhatTheLinkTellsIsShownFromTheEventLoopAndNotFromInsideItsHandle
     QCoreApplication::processEvents();
     ASSERT_EQ(fake.dialogs.boxes.size(), boxes + 1);
     EXPECT_EQ(fake.dialogs.boxes.back().title, "Complete!");
+}
+
+TEST_F(Manager, AUnitThatIsFoundBeginsAMonitorSessionWhereTheOptionsAskForIt) {
+    fake.settings.set("System", "AutoMonitor", "1");
+    fake.session.unitKindFound(3);
+    EXPECT_FALSE(fake.session.Monitoring);  // not inside the reply
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(fake.session.Monitoring);
+    EXPECT_TRUE(fake.session.AutoMonitoring);
+}
+
+TEST_F(Manager, AUnitThatIsFoundBeginsNoMonitorSessionByItself) {
+    for (const char* setting : {"", "0", "yes"}) {
+        fake.settings.set("System", "AutoMonitor", setting);
+        fake.session.unitKindFound(3);
+        QCoreApplication::processEvents();
+        EXPECT_FALSE(fake.session.Monitoring) << setting;
+    }
+}
+
+TEST_F(Manager, ARunningMonitorSessionIsNotBegunAgain) {
+    fake.settings.set("System", "AutoMonitor", "1");
+    fake.session.Monitoring = true;
+    const std::size_t lines = fake.session.console.lines().size();
+    fake.session.unitKindFound(3);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(fake.session.console.lines().size(), lines);  // opening the link would leave a line
 }
 
 TEST_F(Manager, ATransfersProgressTakesThePlaceOfThePort) {

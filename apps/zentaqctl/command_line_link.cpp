@@ -1,0 +1,120 @@
+// The commands that speak with a unit, on the command line.
+#include "base/number_text.h"
+#include "command_line.h"
+#include "commands_link.h"
+#include "link_desk.h"
+
+namespace zentaq::ctl {
+
+namespace {
+
+constexpr int done = 0;
+constexpr int noUnit = 3;
+constexpr int interrupted = 128;
+
+std::string validPort(const std::string& text) {
+    const PortChoice choice = portChoice(text);
+    const bool good = !text.empty() && choice.number >= 1;
+    return good ? std::string() : "\"" + text + "\" is neither a number from 1 on nor a path";
+}
+
+std::string validSeconds(const std::string& text) {
+    return parseNumber(text).value_or(0) > 0 ? std::string() : text + " is no time in seconds";
+}
+
+/// A command of the link; where no unit is reached, or a signal ends it, scripts see another status than for
+/// a unit that refused.
+template <typename Work>
+Run linking(Work&& work) {
+    return [work = std::forward<Work>(work)](const Context& context) {
+        try {
+            work(context);
+            return done;
+        } catch (const NoUnit& failure) {
+            context.notes << failure.what() << '\n';
+            return noUnit;
+        } catch (const Interrupted& failure) {
+            context.notes << failure.what() << '\n';
+            return interrupted + failure.signal;
+        }
+    };
+}
+
+MonitorForm formOf(const Arguments& given) {
+    if (given.csv) return MonitorForm::Csv;
+    return given.json ? MonitorForm::Json : MonitorForm::Seconds;
+}
+
+}  // namespace
+
+CLI::App* CommandLine::addOnPort(const char* name, const char* what, Run run) {
+    CLI::App* command = add(name, what, std::move(run));
+    command
+        ->add_option("--port", given_.port,
+                     "Number of the port, as the command ports lists it, or the path of a device")
+        ->option_text("PORT [1]")
+        ->check(CLI::Validator(validPort, "PORT"));
+    return command;
+}
+
+CLI::Option* CommandLine::addScaling(CLI::App* command, const char* what) {
+    return command->add_option("--file,--calibration", given_.calibration, what);
+}
+
+void CommandLine::addLink() {
+    Arguments& given = given_;
+    addJson(add("ports", "List the serial ports, one a line, separated by tabs; nothing is sent to them",
+                linking([](const Context& context) { listPorts(context); })));
+    addJson(addOnPort("identify", "Ask the unit who it is",
+                      linking([&given](const Context& context) { identify(context, given.port); })));
+
+    CLI::App* sent =
+        addOnPort("send", "Change a value of the running unit", linking([&given](const Context& context) {
+                      send(context, given.port,
+                           {given.member, given.value, given.index.value_or(0), given.calibration});
+                  }));
+    addMember(sent);
+    addValue(sent);
+    addIndex(sent);
+    addScaling(sent, "Calibration that the unit runs on, for values that depend on it");
+    addJson(sent);
+    addOnPort("store", "Have the unit keep the changes that were sent",
+              linking([&given](const Context& context) { store(context, given.port); }));
+    addOnPort("kill", "Stop the engine",
+              linking([&given](const Context& context) { kill(context, given.port); }));
+
+    CLI::App* list =
+        addOnPort("codes", "Show the active check-engine codes, one a line",
+                  linking([&given](const Context& context) { codes(context, given.port, given.clear); }));
+    CLI::Option* clear = list->add_flag("--clear", given.clear, "Have the unit forget its codes instead");
+    list->add_flag("--json", given.json, "Answer in JSON")->excludes(clear);
+    addLinkTransfers();
+}
+
+void CommandLine::addLinkTransfers() {
+    Arguments& given = given_;
+    CLI::App* load =
+        addOnPort("program", "Program a calibration into the unit",
+                  linking([&given](const Context& context) { program(context, given.port, given.file); }));
+    load->add_option("FILE", given.file, "Calibration file")->required();
+
+    CLI::App* log =
+        addOnPort("datalog", "Retrieve the unit's own datalog", linking([&given](const Context& context) {
+                      datalog(context, given.port, given.output, given.calibration);
+                  }));
+    log->add_option("OUT", given.output, "Datalog to write")->required();
+    addScaling(log, "Calibration file that scales the values and tells the log rate");
+
+    CLI::App* watch = addOnPort(
+        "monitor", "Show the live values, one line a second, until Ctrl-C",
+        linking([&given](const Context& context) {
+            monitor(context, given.port, {given.seconds, given.log, given.calibration, formOf(given)});
+        }));
+    watch->add_option("--seconds", given.seconds, "How long")->check(CLI::Validator(validSeconds, "SECONDS"));
+    watch->add_option("--log", given.log, "Record a datalog, as the flight recorder does");
+    addScaling(watch, "Calibration file that scales the values");
+    CLI::Option* csv = watch->add_flag("--csv", given.csv, "One line a frame, separated by commas");
+    watch->add_flag("--json", given.json, "One line of JSON a frame")->excludes(csv);
+}
+
+}  // namespace zentaq::ctl

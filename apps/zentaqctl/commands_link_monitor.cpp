@@ -1,0 +1,190 @@
+// monitor: the live values of a running unit.
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <fstream>
+#include <limits>
+#include <ostream>
+
+#include "base/errors.h"
+#include "base/json_writer.h"
+#include "base/number_text.h"
+#include "commands_link.h"
+#include "link/headless_monitor.h"
+#include "link_desk.h"
+#include "link_texts.h"
+#include "live/frame_decoder.h"
+#include "live/live_fields.h"
+
+namespace zentaq::ctl {
+
+namespace {
+
+constexpr double usPerSecond = 1e6;
+
+/// What a line a second shows.
+constexpr std::array<std::string_view, 14> glance = {"RPM",   "MAP",   "TPS",     "CLT",  "MAT",
+                                                     "BATTV", "AAFR",  "DAFR",    "EGOC", "PRIADV",
+                                                     "KNOCK", "PRIPW", "PRIDUTY", "CHKE"};
+
+/// The values that frames of this unit carry, in their order; a lamp too.
+std::vector<LiveField> fieldsOf(const UnitKind& kind, bool wide) {
+    std::vector<LiveField> fields;
+    const auto content = contentOfFrame(kind, wide ? 'W' : 'F');
+    if (!content) return fields;
+    const auto all = liveFields();
+    for (const LiveTarget& target : content->values) {
+        fields.push_back(*std::ranges::find(all, target, &LiveField::target));
+    }
+    return fields;
+}
+
+/// Before the first frame nothing is known; what cannot be worked out, such as a pressure without a sensor,
+/// stays so.
+void forget(LiveValues& live) {
+    for (const LiveField& field : liveFields()) {
+        if (const auto* number = std::get_if<float LiveValues::*>(&field.target)) {
+            live.** number = std::numeric_limits<float>::quiet_NaN();
+        }
+    }
+}
+
+/// Empty for a value that is not known.
+std::string textOf(const LiveValues& live, const LiveField& field) {
+    if (const auto* lamp = std::get_if<bool LiveValues::*>(&field.target)) return live.**lamp ? "1" : "0";
+    const float value = live.*std::get<float LiveValues::*>(field.target);
+    return std::isnan(value) ? std::string() : numberText(value);
+}
+
+class FrameWriter {
+ public:
+    FrameWriter(std::ostream& out, const LiveValues& live, std::vector<LiveField> fields)
+        : out_(out), live_(live), fields_(std::move(fields)) {}
+
+    void csvHeader() {
+        out_ << "Seconds";
+        for (const LiveField& field : fields_) out_ << ',' << field.name;
+        out_ << '\n' << std::flush;
+    }
+    void csv(std::int64_t elapsedUs) {
+        out_ << secondsText(elapsedUs);
+        for (const LiveField& field : fields_) out_ << ',' << textOf(live_, field);
+        out_ << '\n';
+    }
+    void json(std::int64_t elapsedUs) {
+        JsonWriter json(out_);
+        json.beginObject().member("Seconds",
+                                  static_cast<float>(static_cast<double>(elapsedUs) / usPerSecond));
+        for (const LiveField& field : fields_) member(json, field);
+        json.endObject();
+        out_ << '\n';
+    }
+    void second(int seconds, int frames) {
+        out_ << "t=" << numberText(seconds);
+        for (const LiveField& field : fields_) {
+            const std::string text = textOf(live_, field);
+            const bool shown = std::ranges::find(glance, field.name) != glance.end();
+            if (shown && !text.empty()) out_ << ' ' << field.name << '=' << text;
+        }
+        out_ << " frames=" << numberText(frames) << '\n' << std::flush;
+    }
+    void flush() { out_ << std::flush; }
+
+ private:
+    static std::string secondsText(std::int64_t us) {
+        return formatNumber(static_cast<double>(us) / usPerSecond, "0.000");
+    }
+    void member(JsonWriter& json, const LiveField& field) const {
+        json.key(field.name);
+        if (const auto* lamp = std::get_if<bool LiveValues::*>(&field.target)) {
+            json.value(live_.**lamp);
+            return;
+        }
+        const float value = live_.*std::get<float LiveValues::*>(field.target);
+        if (std::isnan(value)) {
+            json.null();
+        } else {
+            json.value(value);
+        }
+    }
+
+    std::ostream& out_;
+    const LiveValues& live_;
+    std::vector<LiveField> fields_;
+};
+
+std::unique_ptr<std::ofstream> openLog(const std::string& file) {
+    if (file.empty()) return nullptr;
+    auto log = std::make_unique<std::ofstream>(file, std::ios::binary | std::ios::trunc);
+    if (!*log) throw FileError("Cannot write " + file);
+    return log;
+}
+
+HeadlessMonitor::Wishes wishesOf(const Context& context, const MonitorWish& wish, FrameWriter& writer,
+                                 std::ostream* log) {
+    HeadlessMonitor::Wishes wishes;
+    if (wish.seconds) wishes.durationUs = static_cast<std::int64_t>(*wish.seconds * usPerSecond);
+    wishes.log = log;
+    if (wish.form == MonitorForm::Csv) wishes.onFrame = [&](std::int64_t us) { writer.csv(us); };
+    if (wish.form == MonitorForm::Json) wishes.onFrame = [&](std::int64_t us) { writer.json(us); };
+    wishes.onSecond = [&](int) { writer.flush(); };
+    wishes.onLink = [&](bool there) {
+        context.notes << (there ? "The unit answers again.\n" : "The unit does not answer; waiting for it.\n")
+                      << std::flush;
+    };
+    return wishes;
+}
+
+void requireFrames(Ending ending, int frames, const std::string& log) {
+    const std::string after = " (" + numberText(frames) + " frames).";
+    switch (ending) {
+        case Ending::Done:
+        case Ending::Stopped:  // the usual end of a monitor without a time
+            return;
+        case Ending::NotWritten:
+            throw FileError("Cannot write " + log);
+        case Ending::Silent:
+            throw Failure("The unit does not answer any more" + after);
+        default:
+            throw Failure("The unit answers, but its frames cannot be read" + after);
+    }
+}
+
+}  // namespace
+
+void monitor(const Context& context, const std::string& port, const MonitorWish& wish) {
+    std::unique_ptr<QuietCalibration> calibration;
+    if (!wish.calibration.empty()) {
+        calibration = openCalibration(context, wish.calibration);
+        calibration->unit.BinFile(wish.calibration);
+        calibration->host.firmwareKnown(true);
+    }
+    QuietHost host(context.database);
+    LinkDesk desk(context, port, host, calibration ? &calibration->unit : nullptr);
+    desk.findUnit();
+    Unit& unit = desk.session().linkedUnit();
+    if (calibration && unit.kind().slot != calibration->unit.kind().slot)
+        throw Failure(std::string(incorrectUnit));
+
+    const auto log = openLog(wish.log);
+    forget(desk.session().live());
+    FrameWriter writer(context.out, desk.session().live(),
+                       fieldsOf(unit.kind(), desk.link().linked().WideMonitor));
+    if (wish.form == MonitorForm::Csv) writer.csvHeader();
+    auto wishes = wishesOf(context, wish, writer, log.get());
+    std::unique_ptr<HeadlessMonitor> watch;
+    if (wish.form == MonitorForm::Seconds) {
+        wishes.onSecond = [&](int seconds) { writer.second(seconds, watch->frames()); };
+    }
+    watch = std::make_unique<HeadlessMonitor>(desk.session(), std::move(wishes));
+    const Ending ending = watch->run();
+    writer.flush();
+    if (log != nullptr) {
+        log->close();
+        if (!*log) throw FileError("Cannot write " + wish.log);
+        context.notes << numberText(watch->records()) << " lines written to " << wish.log << '\n';
+    }
+    requireFrames(ending, watch->frames(), wish.log);
+}
+
+}  // namespace zentaq::ctl

@@ -1,0 +1,180 @@
+// program, datalog: what takes a unit more than one reply.
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <ostream>
+#include <system_error>
+
+#include "base/errors.h"
+#include "base/number_text.h"
+#include "base/text.h"
+#include "commands_link.h"
+#include "link_desk.h"
+#include "link_texts.h"
+#include "unit/safe_file.h"
+
+namespace zentaq::ctl {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* previousStays = "The previous calibration is still in the unit.";
+
+/// A folder for the image on its way to a unit, gone with the object.
+class ScratchFolder {
+ public:
+    ScratchFolder() {
+        std::string name = (fs::temp_directory_path() / "zentaqctl-XXXXXX").string();
+        if (::mkdtemp(name.data()) == nullptr) throw FileError("Cannot make a folder " + name);
+        path_ = name;
+    }
+    ~ScratchFolder() {
+        std::error_code ignored;
+        fs::remove_all(path_, ignored);
+    }
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+    const std::string& path() const { return path_; }
+
+ private:
+    std::string path_;
+};
+
+/// Surroundings whose image file comes into a folder of its own, so that two runs never share one.
+class LinkingHost : public QuietHost {
+ public:
+    using QuietHost::QuietHost;
+    std::string applicationFolder() const override { return scratch_.path(); }
+
+ private:
+    ScratchFolder scratch_;
+};
+
+/// A calibration file in hand, as if it were open when the unit comes.
+struct CalibrationInHand {
+    CalibrationInHand(const Context& context, const std::string& file)
+        : host(context.database), unit(openCalibration(context, file)->unit.kind(), host) {
+        unit.FileOpen(file);
+        unit.BinFile(file);  // the unit keeps the name of the file
+        host.header().currentUnit = static_cast<float>(unit.kind().slot);
+        host.firmwareKnown(true);  // that of the unit, once it is on the link
+    }
+    LinkingHost host;
+    Unit unit;
+};
+
+std::string ofLines(const TransferEnd& end) {
+    return numberText(end.lines) + " of " + numberText(end.total) + " lines";
+}
+
+std::string whyNotProgrammed(const TransferEnd& end) {
+    const bool allSent = end.total > 0 && end.lines == end.total;
+    constexpr const char* unknown =
+        " Which calibration it holds now is not known: cycle the power on the unit and program it again.";
+    if (end.ending == Ending::Unclear) {
+        return "The unit took " + ofLines(end) + " and did not verify the program." + unknown;
+    }
+    if (end.ending == Ending::Silent && allSent) {
+        return "The unit did not answer to the last of " + numberText(end.total) + " lines." + unknown;
+    }
+    const std::string verb = end.ending == Ending::Refused ? "refused" : "did not answer to";
+    const std::string what = end.lines == 0
+                                 ? " the start of programming."
+                                 : " line " + numberText(end.lines) + " of " + numberText(end.total) + ".";
+    return std::string(notProgrammed) + " The unit " + verb + what;
+}
+
+void warnOlderFirmware(const Context& context, LinkDesk& desk) {
+    const Unit& unit = desk.session().linkedUnit();
+    if (unit.FW_Release() < desk.session().expectedRelease(unit.kind().slot)) {
+        context.notes << olderFirmware << '\n';
+    }
+}
+
+void programUnit(LinkDesk& desk, const std::string& file) {
+    TransferEnd end;
+    const auto fail = [&](const std::string& why) {
+        throw Failure(file + " makes no image: " + why + " Nothing was sent to the unit.");
+    };
+    try {
+        end = desk.session().transfer(TransferMode::Calibration);
+    } catch (const Overflow&) {
+        fail("a value does not fit the bytes that the unit has for it.");
+    } catch (const Failure& failure) {
+        fail(std::string(failure.what()) + ".");
+    }
+    desk.clearProgress();
+    if (end.ending == Ending::Stopped) {
+        throw Interrupted("Interrupted after " + ofLines(end) + ". " + previousStays +
+                              " Please cycle the power on the unit before continuing.",
+                          desk.signal());
+    }
+    if (end.ending != Ending::Done) throw Failure(whyNotProgrammed(end));
+}
+
+// ---- Datalog
+
+/// Told before the unit has sent a log of minutes in vain.
+void refuseUnwritable(const std::string& file) {
+    const fs::path folder = fs::path(file).parent_path();
+    const bool takesFiles = ::access(folder.empty() ? "." : folder.c_str(), W_OK) == 0;
+    if (!takesFiles || fs::is_directory(file)) throw FileError("Cannot write " + file);
+}
+
+std::string whyNotDownloaded(const TransferEnd& end) {
+    const std::string after = " after " + numberText(end.lines) + " records; nothing was written.";
+    switch (end.ending) {
+        case Ending::Refused:
+            return std::string(notDownloaded);
+        case Ending::NotWritten:
+            return "The datalog cannot be written" + after;
+        case Ending::Unclear:
+            return "The unit sent a damaged record" + after;
+        default:
+            return "The unit did not answer" + after;
+    }
+}
+
+}  // namespace
+
+void program(const Context& context, const std::string& port, const std::string& file) {
+    CalibrationInHand calibration(context, file);
+    LinkDesk desk(context, port, calibration.host, &calibration.unit);
+    desk.findUnit();
+    if (desk.session().linkedUnit().kind().slot != calibration.unit.kind().slot) {
+        throw Failure(std::string(incorrectUnit));
+    }
+    warnOlderFirmware(context, desk);
+    programUnit(desk, file);
+    tell(context, calibration.host);
+    context.out << desk.unitName() << ": " << programmed << '\n';
+}
+
+void datalog(const Context& context, const std::string& port, const std::string& output,
+             const std::string& file) {
+    refuseUnwritable(output);
+    std::unique_ptr<CalibrationInHand> calibration;
+    if (!file.empty()) calibration = std::make_unique<CalibrationInHand>(context, file);
+    QuietHost host(context.database);
+    LinkDesk desk(context, port, host, calibration ? &calibration->unit : nullptr);
+    desk.findUnit();
+    if (calibration && desk.session().linkedUnit().kind().slot != calibration->unit.kind().slot) {
+        throw Failure(std::string(incorrectUnit));
+    }
+    const ScratchFolder scratch;
+    const std::string fresh = scratch.path() + "/log.dat";
+    const TransferEnd end = desk.session().transfer(TransferMode::Datalog, fresh);
+    desk.clearProgress();
+    if (end.ending == Ending::Stopped) {
+        throw Interrupted("Interrupted after " + numberText(end.total) + " records; nothing was written.",
+                          desk.signal());
+    }
+    if (end.ending != Ending::Done) throw Failure(whyNotDownloaded(end));
+    writeFileSafely(output, readWholeFile(fresh));
+    context.out << desk.unitName() << ": " << downloaded << " (" << end.lines << " records in " << output
+                << ")\n";
+}
+
+}  // namespace zentaq::ctl

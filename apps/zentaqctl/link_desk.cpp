@@ -1,0 +1,139 @@
+#include "link_desk.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <ostream>
+
+#include "base/number_text.h"
+#include "link_texts.h"
+#include "platform/posix_ports.h"
+#include "unit_names.h"
+
+namespace zentaq::ctl {
+
+namespace {
+
+constexpr std::string_view mismatchTitle = "Unit Type Mismatch";
+constexpr std::string_view clearLine = "\r\033[K";
+
+bool isDigits(const std::string& text) {
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+}
+
+}  // namespace
+
+PortChoice portChoice(const std::string& text) {
+    constexpr std::size_t longest = 4;
+    if (!isDigits(text) || text.size() > longest) return {1, text};
+    return {std::stoi(text), {}};
+}
+
+// ---- Progress
+
+ProgressLine::ProgressLine(std::ostream& out) : out_(out), terminal_(::isatty(STDERR_FILENO) != 0) {}
+
+void ProgressLine::show(const LinkStatus& status) {
+    if (!terminal_) return;
+    if (!status.progressVisible) return clear();
+    const std::string text = status.title + " " + status.progressText;
+    if (text == shown_) return;
+    out_ << clearLine << text << std::flush;
+    shown_ = text;
+}
+
+void ProgressLine::clear() {
+    if (shown_.empty()) return;
+    out_ << clearLine << std::flush;
+    shown_.clear();
+}
+
+// ---- Desk
+
+LinkDesk::LinkDesk(const Context& context, const std::string& port, UnitHost& unitHost, Unit* calibration)
+    : context_(context),
+      progress_(context.notes),
+      choice_(portChoice(port)),
+      port_(clock_, portsOf(choice_)),
+      loop_(port_, clock_, signals_.descriptor()),
+      session_({.port = port_,
+                .clock = clock_,
+                .pass = loop_,
+                .unitHost = unitHost,
+                .calibration = calibration,
+                // What nobody can read any more needs no asking: a full disk behind an endless monitor.
+                .stopWanted = [this] { return signals_.received() != 0 || !context_.out; },
+                .watch = [this](const LinkStatus& status) { progress_.show(status); }}),
+      portName_(choice_.path.empty() ? "port " + numberText(choice_.number) : choice_.path) {
+    loop_.onTick([this] { session_.link().tick(); });
+    open(choice_.number);
+    loop_.start();
+}
+
+PosixSerialPort::PortSource LinkDesk::portsOf(const PortChoice& choice) const {
+    if (choice.path.empty()) return posixPorts;
+    const PortInfo named{choice.number, choice.path, {}, "path:" + choice.path};
+    return [named] { return std::vector{named}; };
+}
+
+void LinkDesk::open(int number) {
+    try {
+        session_.open(number);
+    } catch (const PortBusy& failure) {
+        throw NoUnit(std::string(portInUse) + " (" + failure.what() + ")");
+    } catch (const Failure& failure) {
+        const std::string hint = choice_.path.empty() ? "; the command ports lists those that are" : "";
+        throw NoUnit("Port not available: " + std::string(failure.what()) + hint);
+    }
+}
+
+Found LinkDesk::findAnyUnit() {
+    const Found found = session_.findUnit();
+    progress_.clear();
+    tellBoxes();
+    if (found == Found::Stopped) throw Interrupted("Interrupted. Nothing was changed in the unit.", signal());
+    if (found == Found::Nobody) throw NoUnit(std::string(noUnitConnected) + " (" + portName_ + ")");
+    if (found == Found::Untold) {
+        throw Failure(unitName() + " does not tell its firmware: nothing can be done with it.");
+    }
+    return found;
+}
+
+void LinkDesk::findUnit() {
+    if (findAnyUnit() == Found::OldFirmware) {
+        throw Failure(unitName() + " must be upgraded before it takes commands.");
+    }
+}
+
+std::string LinkDesk::unitName() {
+    return modelOf(session_.linkedUnit().kind()) + " " + link().status().serialNumber;
+}
+
+void LinkDesk::tellBoxes() {
+    const auto& boxes = session_.boxes();
+    for (; boxesTold_ < boxes.size(); ++boxesTold_) {
+        // A command that minds another kind of unit refuses it with the numbered error.
+        const Box& box = boxes[boxesTold_];
+        if (box.title != mismatchTitle) context_.notes << onOneLine(box.text) << '\n';
+    }
+}
+
+void LinkDesk::require(Ending ending, const std::string& what) {
+    switch (ending) {
+        case Ending::Done:
+            return;
+        case Ending::Refused:
+            throw Failure("The unit refused to " + what + ".");
+        case Ending::Stopped:
+            throw Interrupted("Interrupted: the unit was asked to " + what + ", the answer is not known.",
+                              signal());
+        case Ending::Silent:
+            throw Failure("The unit did not answer when it was asked to " + what +
+                          ". Whether it did is not known.");
+        default:
+            throw Failure("The unit was asked to " + what +
+                          ", and its answer was damaged. Whether it did is not known.");
+    }
+}
+
+}  // namespace zentaq::ctl

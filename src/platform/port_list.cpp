@@ -1,0 +1,78 @@
+#include "platform/port_list.h"
+
+#include <algorithm>
+#include <iterator>
+#include <system_error>
+#include <tuple>
+
+#include "base/number_text.h"
+
+namespace zentaq {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// Four digits, as such numbers are written: "0403".
+std::string hexId(int id) {
+    const std::string digits = hexText(id & 0xFFFF);
+    return std::string(4 - std::min<std::size_t>(4, digits.size()), '0') + digits;
+}
+
+/// Vendor, product and serial number tell an adapter wherever it is plugged in. Without a serial number the
+/// socket has to do, since two such adapters cannot be told apart.
+std::string identityOf(const PortFacts& port) {
+    if (!port.usb) return "port:" + port.device;
+    const std::string head = "usb:" + hexId(port.vendorId) + ":" + hexId(port.productId) + ":";
+    if (!port.serialNumber.empty()) return head + port.serialNumber;
+    return head + (port.byPath.empty() ? port.device : port.byPath);
+}
+
+PortInfo infoOf(const PortFacts& port) {
+    PortInfo info;
+    info.device = port.device;
+    info.description = port.description;
+    if (info.description.empty()) info.description = port.usb ? "USB serial adapter" : "Serial port";
+    info.identity = identityOf(port);
+    return info;
+}
+
+void appendSorted(std::vector<PortInfo>& list, std::vector<PortInfo> group) {
+    std::sort(group.begin(), group.end(), [](const PortInfo& left, const PortInfo& right) {
+        return std::tie(left.identity, left.device) < std::tie(right.identity, right.device);
+    });
+    std::move(group.begin(), group.end(), std::back_inserter(list));
+}
+
+}  // namespace
+
+std::vector<PortInfo> simulatedPorts(const fs::path& folder) {
+    std::vector<PortInfo> ports;
+    std::error_code error;
+    fs::directory_iterator entry(folder, error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+        std::error_code ignored;
+        if (!entry->is_symlink(ignored)) continue;
+        const fs::path terminal = fs::canonical(entry->path(), ignored);
+        if (ignored || !fs::is_character_file(terminal, ignored)) continue;
+        const std::string name = entry->path().filename().string();
+        ports.push_back({0, terminal.string(), "Simulated unit " + name, "sim:" + name});
+    }
+    std::sort(ports.begin(), ports.end(),
+              [](const PortInfo& left, const PortInfo& right) { return left.identity < right.identity; });
+    return ports;
+}
+
+std::vector<PortInfo> orderedPorts(std::vector<PortInfo> simulated, const std::vector<PortFacts>& real) {
+    std::vector<PortInfo> list = std::move(simulated);
+    std::vector<PortInfo> adapters;
+    std::vector<PortInfo> others;
+    for (const PortFacts& port : real) (port.usb ? adapters : others).push_back(infoOf(port));
+    appendSorted(list, std::move(adapters));
+    appendSorted(list, std::move(others));
+    int number = 0;
+    for (PortInfo& port : list) port.number = ++number;
+    return list;
+}
+
+}  // namespace zentaq

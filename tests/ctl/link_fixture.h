@@ -1,0 +1,133 @@
+// Runs the real zentaqctl against the real zentaq-sim on a terminal of a temporary folder.
+#pragma once
+
+#include <fcntl.h>
+#include <poll.h>
+#include <pty.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cctype>
+#include <chrono>
+#include <cstdlib>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "ctl/ctl_fixture.h"
+
+namespace zentaq {
+
+using Words = std::vector<std::string>;
+
+/// A program that runs beside the test; ended with the object.
+class Running {
+ public:
+    /// `out` and `error` are descriptors that become its standard output and error.
+    Running(const std::string& program, const Words& arguments, int out, int error) {
+        Words words{program};
+        words.insert(words.end(), arguments.begin(), arguments.end());
+        std::vector<char*> pointers;
+        for (std::string& word : words) pointers.push_back(word.data());
+        pointers.push_back(nullptr);
+        process_ = ::fork();
+        if (process_ == 0) {
+            ::dup2(out, STDOUT_FILENO);
+            ::dup2(error, STDERR_FILENO);
+            ::execv(program.c_str(), pointers.data());
+            ::_exit(127);
+        }
+    }
+    ~Running() {
+        if (process_ > 0) {
+            signal(SIGKILL);
+            wait();
+        }
+    }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+    void signal(int number) const { ::kill(process_, number); }
+    /// The exit code; -1 after a signal.
+    int wait() {
+        int status = 0;
+        ::waitpid(process_, &status, 0);
+        process_ = -1;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+ private:
+    pid_t process_ = -1;
+};
+
+/// Reads until `text` has come; what came so far. Gives up after ten seconds.
+inline std::string readUntil(int descriptor, const std::string& text) {
+    std::string got;
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (got.find(text) == std::string::npos && std::chrono::steady_clock::now() < end) {
+        pollfd line{descriptor, POLLIN, 0};
+        if (::poll(&line, 1, 100) <= 0) continue;
+        char buffer[512];
+        const auto count = ::read(descriptor, buffer, sizeof buffer);
+        if (count <= 0) break;
+        got.append(buffer, static_cast<std::size_t>(count));
+    }
+    return got;
+}
+
+class ZentaqctlOnLink : public Zentaqctl {
+ protected:
+    ~ZentaqctlOnLink() override {
+        unit_.reset();
+        if (ready_ >= 0) ::close(ready_);
+    }
+
+    /// Starts a unit of `model` at `port`, at the speed of a program: no pacing.
+    void startUnit(const std::string& model, const Words& more = {}) {
+        Words arguments{"--unit", model, "--link", port, "--baud", "0"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        start(arguments);
+    }
+    void start(const Words& arguments) {
+        int ends[2];
+        ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+        unit_.emplace(ZENTAQ_APP_DIR "/zentaq-sim", arguments, ends[1], STDERR_FILENO);
+        ::close(ends[1]);
+        if (ready_ >= 0) ::close(ready_);
+        ready_ = ends[0];
+        ASSERT_THAT(readUntil(ready_, "\n"), StartsWith("ready "));
+    }
+    void startUnitWith(const std::string& fault) { startUnit("A", {"--fault", fault}); }
+
+    /// A command on the unit's port.
+    Outcome onUnit(const std::string& command, const std::string& rest = {}) {
+        return run(command + " --port " + inQuotes(port) + " " + rest);
+    }
+    Outcome programFile() { return onUnit("program", inQuotes(file)); }
+
+    std::string port = folder.file("unit");
+    std::string memory = folder.file("memory");
+
+ private:
+    std::optional<Running> unit_;
+    int ready_ = -1;
+};
+
+/// A test name of the words of a fault, such as "refuse@line#12": "refuse_line_12".
+inline std::string nameOfFault(const std::string& text) {
+    std::string name;
+    for (const char letter : text)
+        name += std::isalnum(static_cast<unsigned char>(letter)) != 0 ? letter : '_';
+    return name;
+}
+
+inline void expectFailure(const Outcome& outcome, int exitCode, const std::string& part) {
+    EXPECT_EQ(outcome.exitCode, exitCode);
+    EXPECT_THAT(outcome.error, HasSubstr(part));
+    EXPECT_THAT(outcome.out, IsEmpty());
+    expectOneLine(outcome.error);
+}
+
+}  // namespace zentaq

@@ -1,0 +1,200 @@
+// monitor and datalog: live values and the unit's own log.
+#include <cmath>
+
+#include "ctl/link_fixture.h"
+
+namespace zentaq {
+namespace {
+
+constexpr std::size_t datalogColumns = 67;  ///< Frame, 46 values, 20 pins
+
+std::size_t columnsOf(const std::string& line) {
+    return static_cast<std::size_t>(std::count(line.begin(), line.end(), '\t')) + 1;
+}
+
+TEST_F(ZentaqctlOnLink, MonitorShowsALineASecond) {
+    startUnit("A");
+    const Outcome outcome = onUnit("monitor", "--seconds 2.2");
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    const auto lines = linesOf(outcome.out);
+    ASSERT_EQ(lines.size(), 2U);
+    EXPECT_THAT(lines[0], StartsWith("t=1 RPM="));
+    EXPECT_THAT(lines[1], StartsWith("t=2 RPM="));
+    EXPECT_THAT(lines[1], HasSubstr(" BATTV="));
+}
+
+TEST_F(ZentaqctlOnLink, MonitorWritesALineOfJsonAFrame) {
+    startUnit("A");
+    const auto lines = linesOf(onUnit("monitor", "--seconds 0.5 --json").out);
+    ASSERT_GE(lines.size(), 5U);
+    EXPECT_EQ(fromJson(lines[1], "d[\"RPM\"] > 100, d[\"CHKE\"], \"ISRPM\" in d"), "(True, False, True)");
+    EXPECT_EQ(fromJson(lines[4], "0 < d[\"Seconds\"] < 1"), "True");
+}
+
+TEST_F(ZentaqctlOnLink, MonitorOfANarrowUnitShowsOnlyWhatItsFramesCarry) {
+    startUnit("PZK-2");
+    const auto lines = linesOf(onUnit("monitor", "--seconds 0.5 --csv").out);
+    ASSERT_GE(lines.size(), 3U);
+    EXPECT_EQ(lines[0], "Seconds,RPM,MAP,TPS,KNOCK,PRIADV,SECADV,KNKRET,BATTV,CHKE");
+    EXPECT_EQ(std::count(lines[1].begin(), lines[1].end(), ','), 9);
+}
+
+TEST_F(ZentaqctlOnLink, MonitorRecordsADatalog) {
+    startUnit("A");
+    const std::string log = folder.file("drive.dat");
+    const Outcome outcome = onUnit("monitor", "--seconds 1 --log " + inQuotes(log));
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_THAT(outcome.error, HasSubstr(" lines written to " + log));
+    const auto lines = linesOf(contentOf(log));
+    EXPECT_EQ(lines.at(0), "ZENTAQ 4.10 DATALOG\tZQA-405099\r");
+    EXPECT_THAT(lines.at(2), StartsWith("Frame\tRPM\tMAP\tTPS\t"));
+    // 50 lines a second at most; a busy machine writes fewer, and the first frame takes its time.
+    EXPECT_LE(lines.size(), 3U + 50U);
+    ASSERT_GE(lines.size(), 3U + 20U);
+    for (std::size_t i = 3; i < lines.size(); ++i) EXPECT_EQ(columnsOf(lines[i]), datalogColumns) << lines[i];
+    EXPECT_GT(std::stoi(lines.back()), std::stoi(lines.at(3)));
+    EXPECT_LE(std::stoi(lines.back()), 51);
+}
+
+TEST_F(ZentaqctlOnLink, MonitorWaitsForAUnitThatComesBack) {
+    startUnitWith("hang-up=700@W#10");
+    const Outcome outcome = onUnit("monitor", "--seconds 4 --csv");
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_EQ(outcome.error, "The unit does not answer; waiting for it.\nThe unit answers again.\n");
+    EXPECT_GT(linesOf(outcome.out).size(), 20U);
+}
+
+TEST_F(ZentaqctlOnLink, MonitorFailsWhereTheUnitIsGoneAtTheEnd) {
+    startUnitWith("hang-up=60000@W#10");
+    const Outcome outcome = onUnit("monitor", "--seconds 2");
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.error, HasSubstr("The unit does not answer any more (9 frames).\n"));
+}
+
+TEST_F(ZentaqctlOnLink, MonitorGivesUpAUnitThatStaysAway) {
+    startUnitWith("hang-up=60000@W#10");
+    const Outcome outcome = onUnit("monitor");
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.error, HasSubstr("The unit does not answer any more (9 frames).\n"));
+}
+
+TEST_F(ZentaqctlOnLink, MonitorFailsWhereEveryFrameIsDamaged) {
+    startUnitWith("wrong-sum@W");
+    expectFailure(onUnit("monitor", "--seconds 1"), 1,
+                  "The unit answers, but its frames cannot be read (0 frames).");
+}
+
+TEST_F(ZentaqctlOnLink, MonitorDropsADamagedFrameAndGoesOn) {
+    startUnitWith("lose-byte@W#3");
+    EXPECT_EQ(onUnit("monitor", "--seconds 2").exitCode, 0);
+}
+
+TEST_F(ZentaqctlOnLink, MonitorFailsWhereTheLogCannotBeWritten) {
+    startUnit("A");
+    expectFailure(onUnit("monitor", "--seconds 1 --log " + inQuotes(folder.file("none/x.dat"))), 1,
+                  "Cannot write " + folder.file("none/x.dat"));
+    expectFailure(onUnit("monitor", "--seconds 3 --log /dev/full"), 1, "Cannot write /dev/full");
+}
+
+TEST_F(ZentaqctlOnLink, MonitorEndsByItselfWhereItsLinesCannotBeWritten) {
+    startUnit("A");
+    const std::string error = folder.file("error.txt");
+    const std::string command = inQuotes(ZENTAQ_APP_DIR "/zentaqctl") + " monitor --port " + inQuotes(port) +
+                                " >/dev/full 2>" + inQuotes(error);
+    const int status = std::system(command.c_str());
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+    EXPECT_EQ(contentOf(error), "Cannot write to the standard output\n");
+}
+
+TEST_F(ZentaqctlOnLink, MonitorTakesTheScalesOfACalibration) {
+    startUnit("A");
+    EXPECT_EQ(onUnit("monitor", "--seconds 0.5 --file " + inQuotes(file)).exitCode, 0);
+    startUnit("C");
+    expectFailure(onUnit("monitor", "--seconds 0.5 --file " + inQuotes(file)), 1, "Error 1006:");
+}
+
+TEST_F(ZentaqctlOnLink, CtrlCEndsAMonitorWellAndItsLogIsWhole) {
+    startUnit("A");
+    const std::string log = folder.file("drive.dat");
+    int ends[2];
+    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+    const int null = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+    Running program(ZENTAQ_APP_DIR "/zentaqctl", {"monitor", "--port", port, "--log", log}, ends[1], null);
+    readUntil(ends[0], "t=1 ");
+    program.signal(SIGINT);
+    EXPECT_EQ(program.wait(), 0);
+    for (const int end : {ends[0], ends[1], null}) ::close(end);
+    const std::string content = contentOf(log);
+    EXPECT_TRUE(content.ends_with("\r\n"));
+    EXPECT_EQ(columnsOf(linesOf(content).back()), datalogColumns);
+}
+
+// ---- Datalog
+
+TEST_F(ZentaqctlOnLink, DatalogRetrievesTheUnitsOwnLog) {
+    startUnit("A", {"--log-records", "25"});
+    const std::string log = folder.file("own.dat");
+    const Outcome outcome = onUnit("datalog", inQuotes(log));
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_EQ(outcome.out,
+              "ORB A 200001: The datalog has been successfully downloaded. (25 records in " + log + ")\n");
+    const auto lines = linesOf(contentOf(log));
+    ASSERT_EQ(lines.size(), 3U + 25U);
+    EXPECT_THAT(lines[0], StartsWith("ZENTAQ 4.10 DATALOG\t"));
+    EXPECT_THAT(lines[3], StartsWith("1\t"));
+    EXPECT_THAT(lines[27], StartsWith("25\t"));
+    for (std::size_t i = 3; i < lines.size(); ++i) EXPECT_EQ(columnsOf(lines[i]), datalogColumns);
+}
+
+TEST_F(ZentaqctlOnLink, DatalogCountsByTheLogRateOfTheCalibration) {
+    ASSERT_EQ(onFile("set", "GPIO_Func 15 --index 0").exitCode, 0);
+    ASSERT_EQ(onFile("cell", "339 10").exitCode, 0);  // parameter 2 of pin 0: 10 records a second
+    startUnit("A", {"--log-records", "3"});
+    const std::string log = folder.file("own.dat");
+    ASSERT_EQ(onUnit("datalog", inQuotes(log) + " --file " + inQuotes(file)).exitCode, 0);
+    const auto lines = linesOf(contentOf(log));
+    ASSERT_EQ(lines.size(), 6U);
+    EXPECT_THAT(lines[3], StartsWith("5\t")) << "50 / 10";
+    EXPECT_THAT(lines[5], StartsWith("15\t"));
+}
+
+struct DatalogFault {
+    const char* fault;
+    const char* told;
+};
+
+class ZentaqctlDatalogFault : public ZentaqctlOnLink, public testing::WithParamInterface<DatalogFault> {};
+
+TEST_P(ZentaqctlDatalogFault, LeavesTheFileAsItWas) {
+    startUnit("A", {"--log-records", "20", "--fault", GetParam().fault});
+    const std::string log = folder.file("own.dat");
+    writeFile(log, "former");
+    expectFailure(onUnit("datalog", inQuotes(log)), 1, GetParam().told);
+    EXPECT_EQ(contentOf(log), "former");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Faults, ZentaqctlDatalogFault,
+    testing::Values(
+        DatalogFault{"silence@D#1", "The unit did not answer after 0 records; nothing was written."},
+        DatalogFault{"silence@D#8", "The unit did not answer after 7 records; nothing was written."},
+        DatalogFault{"lose-byte@D#4", "The unit did not answer after 3 records; nothing was written."},
+        DatalogFault{"hang-up@D#8", "The unit did not answer after 7 records; nothing was written."}),
+    [](const auto& row) { return nameOfFault(row.param.fault); });
+
+TEST_F(ZentaqctlOnLink, DatalogOfAnEmptyLogFailsInTheWordsOfTheProgram) {
+    startUnit("A", {"--log-records", "0"});
+    const std::string log = folder.file("own.dat");
+    expectFailure(onUnit("datalog", inQuotes(log)), 1, "The unit either has no datalog data");
+    EXPECT_FALSE(fs::exists(log));
+}
+
+TEST_F(ZentaqctlOnLink, DatalogAsksNoUnitWhereTheFileCannotBeWritten) {
+    const std::string log = folder.file("none/own.dat");
+    expectFailure(onUnit("datalog", inQuotes(log)), 1, "Cannot write " + log);
+    expectFailure(onUnit("datalog", inQuotes(folder.path().string())), 1, "Cannot write ");
+}
+
+}  // namespace
+}  // namespace zentaq

@@ -1,0 +1,122 @@
+// send, store, codes, kill: single commands to a unit, and what its answers and silences come to.
+#include "ctl/link_fixture.h"
+
+namespace zentaq {
+namespace {
+
+TEST_F(ZentaqctlOnLink, SendChangesTheRunningUnit) {
+    startUnit("A", {"--memory", memory});
+    const Outcome outcome = onUnit("send", "KNK_MIN 50");
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_EQ(outcome.out, "S10411228048 accepted by ORB A 200001\n");
+    EXPECT_EQ(static_cast<unsigned char>(contentOf(memory).at(34)), 0x80) << "50 * 2.55 at index 34";
+}
+
+TEST_F(ZentaqctlOnLink, SendChangesOneElement) {
+    startUnit("A");
+    // VE 17 of -5: 45 = 0x2D at 0x1100 + 912 + 17 = 0x14A1; 4 + 0x14 + 0xA1 + 0x2D = 0xE6
+    EXPECT_EQ(onUnit("send", "VE -5 --index 17").out, "S10414A12D19 accepted by ORB A 200001\n");
+    EXPECT_EQ(fromJson(onUnit("send", "VE -5 --index 17 --json").out,
+                       "d[\"member\"], d[\"index\"], d[\"serial\"], d[\"records\"]"),
+              "('VE', 17, 200001, ['S10414A12D19'])");
+}
+
+TEST_F(ZentaqctlOnLink, SendRefusesWhatIsNeverSentOnTheFly) {
+    startUnit("A");
+    expectFailure(onUnit("send", "BiName x"), 1,
+                  "BiName is not sent on the fly: it reaches a unit with the next");
+    expectFailure(onUnit("send", "NOTES_TEXT x"), 1, "it never reaches a unit, only the program reads it.");
+}
+
+TEST_F(ZentaqctlOnLink, SendRefusesAValueOutOfRange) {
+    startUnit("A");
+    expectFailure(onUnit("send", "KNK_MIN 101"), 1, "(2 to 100 units) - Invalid Entry.");
+    expectFailure(onUnit("send", "KNK_MIN much"), 1, "Non-numeric value detected.");
+    expectFailure(onUnit("send", "VE 1 --index 256"), 1, "VE has elements 0 to 255");
+    expectFailure(onUnit("send", "KNK_MINI 5"), 1, "ORB A has no member KNK_MINI; did you mean KNK_MIN?");
+}
+
+TEST_F(ZentaqctlOnLink, SendAsksForTheCalibrationWhereTheBytesDependOnIt) {
+    startUnit("A");
+    expectFailure(onUnit("send", "EGO_MAP 80"), 1,
+                  "EGO_MAP depends on the rest of the calibration; name it with --file.");
+    const std::string record = onFile("record", "EGO_MAP 80").out;
+    const Outcome outcome = onUnit("send", "EGO_MAP 80 --file " + inQuotes(file));
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_THAT(outcome.out, StartsWith(record.substr(0, record.size() - 1) + " accepted"));
+}
+
+TEST_F(ZentaqctlOnLink, SendRefusesACalibrationOfAnotherKind) {
+    startUnit("C");
+    expectFailure(onUnit("send", "KNK_MIN 50 --file " + inQuotes(file)), 1, "Error 1006:");
+}
+
+TEST_F(ZentaqctlOnLink, SendAsksNoUnitForAMemberThatTheFileLacks) {
+    expectFailure(onUnit("send", "Nonsense 5 --file " + inQuotes(file)), 1, "ORB A has no member Nonsense");
+}
+
+struct CommandFault {
+    const char* command;
+    const char* rest;
+    const char* fault;
+    const char* told;
+};
+
+class ZentaqctlCommandFault : public ZentaqctlOnLink, public testing::WithParamInterface<CommandFault> {};
+
+TEST_P(ZentaqctlCommandFault, EndsWithOneLineAndOne) {
+    startUnitWith(GetParam().fault);
+    expectFailure(onUnit(GetParam().command, GetParam().rest), 1, GetParam().told);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Faults, ZentaqctlCommandFault,
+    testing::Values(
+        CommandFault{"send", "KNK_MIN 50", "refuse@P2", "The unit refused to take the change S10411228048."},
+        CommandFault{"send", "KNK_MIN 50", "silence@P2",
+                     "did not answer when it was asked to take the change"},
+        CommandFault{"send", "KNK_MIN 50", "flip-bit@P2", "its answer was damaged"},
+        CommandFault{"send", "KNK_MIN 50", "hang-up@P2", "did not answer"},
+        CommandFault{"store", "", "refuse@S", "The unit refused to save the changes."},
+        CommandFault{"store", "", "flip-bit@S", "its answer was damaged"},
+        CommandFault{"store", "", "silence@S", "did not answer when it was asked to save the changes"},
+        CommandFault{"kill", "", "refuse@K", "The unit refused to stop the engine."},
+        CommandFault{"kill", "", "silence@K", "Whether it did is not known."},
+        CommandFault{"codes", "--clear", "refuse@A", "The unit refused to clear its codes."},
+        CommandFault{"codes", "", "silence@T", "did not answer when it was asked to tell its codes"},
+        CommandFault{"codes", "", "wrong-sum@T", "its answer was damaged"}),
+    [](const auto& row) {
+        return nameOfFault(std::string(row.param.command) + row.param.rest + " " + row.param.fault);
+    });
+
+TEST_F(ZentaqctlOnLink, StoreIsToldInTheWordsOfTheConsole) {
+    startUnit("A");
+    EXPECT_EQ(onUnit("store").out, "ORB A 200001: ONFLY changes saved\n");
+}
+
+TEST_F(ZentaqctlOnLink, CodesShowsTheTextsOfTheActiveCodes) {
+    startUnit("A", {"--code", "35", "--code", "21"});
+    EXPECT_EQ(onUnit("codes").out, "21 - TPS Sensor Failed High\n35 - Knock Response too Long\n");
+    EXPECT_EQ(fromJson(onUnit("codes", "--json").out, "d[\"codes\"]"),
+              "['21 - TPS Sensor Failed High', '35 - Knock Response too Long']");
+}
+
+TEST_F(ZentaqctlOnLink, CodesClearHasTheUnitForgetThem) {
+    startUnit("L", {"--code", "41"});
+    EXPECT_EQ(onUnit("codes").out, "41 - GPO5 Failed\n");
+    EXPECT_THAT(onUnit("codes", "--clear").out, HasSubstr("CheckEngine Codes Successfully Cleared."));
+    EXPECT_EQ(onUnit("codes").out, "No active codes\n");
+    EXPECT_EQ(fromJson(onUnit("codes", "--json").out, "d[\"codes\"]"), "[]");
+}
+
+TEST_F(ZentaqctlOnLink, KillStopsTheEngine) {
+    startUnit("A");
+    EXPECT_EQ(onUnit("kill").out, "ORB A 200001: engine stopped\n");
+    const auto lines = linesOf(onUnit("monitor", "--seconds 1.5 --csv").out);
+    ASSERT_GT(lines.size(), 2U);
+    EXPECT_THAT(lines.front(), StartsWith("Seconds,RPM,"));
+    EXPECT_EQ(lines.back().substr(lines.back().find(',')).substr(0, 3), ",0,") << "0 RPM: " << lines.back();
+}
+
+}  // namespace
+}  // namespace zentaq
