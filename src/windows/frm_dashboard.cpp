@@ -186,8 +186,9 @@ void FrmDashBoard::drawNeedles() {
 }
 
 void FrmDashBoard::drawReadings() {
-    const auto readings =
-        dashboardReadings(session_.live, shownUnit(), DashboardSettings::from(session_.settings()));
+    const auto settings = DashboardSettings::from(session_.settings());
+    const auto readings = dashboardReadings(session_.live, shownUnit(), settings);
+    panel_->setFahrenheit(settings.fahrenheit);
     for (const auto& reading : readings) {
         LiveLabel* label = panel_->findLabel(QString::fromStdString(reading.name));
         if (label == nullptr) continue;

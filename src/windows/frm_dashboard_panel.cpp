@@ -88,18 +88,22 @@ GaugeFace idle(const DialAngles& angles) {
             .restAngle = angles.idle(0)};
 }
 
-GaugeFace temperature(const QString& name, DialAngle angle) {
+/// The needle goes by degrees Celsius whatever the face says.
+GaugeFace temperature(const QString& name, DialAngle angle, bool fahrenheit) {
     GaugeFace face{.name = name,
                    .caption = {},
                    .bounds = {-0.5, -0.8, 1.56, 1.72},
                    .readout = {-0.5, 0.42, 0.74, 0.5},
                    .captionAt = {},
-                   .ticks = ticks(angle, -40, 150, 10, 1000),
+                   .ticks = {},
                    .zones = {{angle(110), angle(150), &DashColors::redZone}},
                    .restAngle = angle(-40)};
-    for (std::size_t i = 0; i < face.ticks.size(); ++i) {
-        const int value = -40 + 10 * static_cast<int>(i);
-        face.ticks[i].label = value % 50 == 0 ? QString::number(value) : QString();
+    const int highest = fahrenheit ? 300 : 150;
+    const int step = fahrenheit ? 20 : 10;
+    const int numbered = fahrenheit ? 100 : 50;
+    for (int value = -40; value <= highest; value += step) {
+        const double celsius = fahrenheit ? (value - 32) / 1.8 : value;
+        face.ticks.push_back({angle(celsius), value % numbered == 0 ? QString::number(value) : QString()});
     }
     return face;
 }
@@ -208,9 +212,9 @@ QLayout* FrmDashBoardPanel::makeSmallDials() {
     battery->setReadout(makeLabel({"lblVolt", "VOLT", "V", "88.8"}));
     auto* iac = makeGauge(idle(angles_));
     iac->setReadout(makeLabel({"lblIAC", "IAC", "%", "888"}));
-    auto* clt = makeGauge(temperature("Coolant", angles_.coolant));
+    auto* clt = makeGauge(temperature("Coolant", angles_.coolant, fahrenheit_));
     clt->setReadout(makeLabel({"lblCLT", "CLT", "", "-888"}));
-    auto* mat = makeGauge(temperature("MAT", angles_.manifoldAir));
+    auto* mat = makeGauge(temperature("MAT", angles_.manifoldAir, fahrenheit_));
     mat->setReadout(makeLabel({"lblMAT", "MAT", "", "-888"}));
     checkEngineLamp = new LiveLamp("shpCheckEngine", "CHECK ENGINE", this);
     overRevLamp = new LiveLamp("shpOverRev", "OVER REV", this);
@@ -313,6 +317,13 @@ void FrmDashBoardPanel::setAngles(const DialAngles& angles) {
     if (angles.revScale == angles_.revScale && angles.tachometer == angles_.tachometer) return;
     angles_ = angles;
     gauge("Tachometer").setFace(tachometer(angles));
+}
+
+void FrmDashBoardPanel::setFahrenheit(bool on) {
+    if (on == fahrenheit_) return;
+    fahrenheit_ = on;
+    gauge("Coolant").setFace(temperature("Coolant", angles_.coolant, on));
+    gauge("MAT").setFace(temperature("MAT", angles_.manifoldAir, on));
 }
 
 void FrmDashBoardPanel::setColors(const DashColors& colors) {

@@ -63,6 +63,8 @@ class FrmDashBoardPanel : public QWidget {
 
     /// New ticks, for another rev scale.
     void setAngles(const DialAngles& angles);
+    /// The scale of the temperature dials.
+    void setFahrenheit(bool on);
     void setColors(const DashColors& colors);
     /// Fuel, temperature and idle instruments out of sight for a unit that only ignites.
     void showFuel(bool on);
@@ -99,6 +101,7 @@ class FrmDashBoardPanel : public QWidget {
     void fitStatusFonts();
 
     DialAngles angles_;
+    bool fahrenheit_ = false;
     DashColors colors_;
     std::map<QString, GaugeWidget*> gauges_;
     std::map<QString, LiveLabel*> labels_;

@@ -148,6 +148,22 @@ TEST_F(Dashboard, TemperaturesFollowTheFahrenheitSetting) {
     EXPECT_EQ(board->panel().label("lblCLT").unit(), "\u00B0F");
 }
 
+TEST_F(Dashboard, TheScaleOfTheTemperatureDialsFollowsTheSettingAndTheNeedleDoesNot) {
+    const auto tickAt = [&](const char* label) {
+        for (const auto& tick : board->panel().gauge("Coolant").face().ticks) {
+            if (tick.label == QLatin1String(label)) return tick.angle;
+        }
+        return -1.0;
+    };
+    show(frame());
+    EXPECT_NEAR(tickAt("100"), 0.46 * 100 + 68, 0.001);  // 100 degrees Celsius
+    fake.settings.set("System", "TemperatureToggle", "1");
+    show(frame());
+    EXPECT_NEAR(tickAt("100"), 0.46 * (100 - 32) / 1.8 + 68, 0.001);  // 37.8 degrees Celsius
+    EXPECT_NEAR(tickAt("300"), 0.46 * (300 - 32) / 1.8 + 68, 0.001);
+    EXPECT_NEAR(board->panel().gauge("Coolant").angle(), 0.46 * 88 + 68, 0.001);
+}
+
 TEST_F(Dashboard, NeedlesStandAtTheAnglesOfTheirValues) {
     show(frame());
     EXPECT_NEAR(board->panel().gauge("Tachometer").angle(), 0.031804 * 3250 - 129, 0.001);
