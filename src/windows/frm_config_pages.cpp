@@ -6,6 +6,7 @@
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/text.h"
+#include "config/gui_rules.h"
 #include "config/tree.h"
 
 namespace zentaq {
@@ -169,6 +170,7 @@ std::vector<PageRow> overviewRows(Session& session) {
     rows.push_back(plainRow("Firmware build", numberText(unit.FW_Build())));
     rows.push_back(plainRow("Serial number", unit.Serial()));
     for (const char* table : {"VE", "ADV", "AFR", "SPW"}) {
+        if (!hasTable(unit.kind(), table)) continue;
         skipFailing([&] {
             const int across = unit.GET_TBL_DIMENSIONS(table, "COLS");
             const int down = unit.GET_TBL_DIMENSIONS(table, "ROWS");

@@ -58,6 +58,20 @@ class Workspace : public WindowTest {
     }
 };
 
+TEST_F(Workspace, TheFirstPageTellsTheTablesThatTheKindHas) {
+    const auto captions = [&](int slot) {
+        fake.session.CurrentUnit(static_cast<float>(slot));
+        std::vector<std::string> names;
+        for (const PageRow& row : pageRows(fake.session, 0)) names.push_back(row.caption);
+        return names;
+    };
+    EXPECT_THAT(captions(3), testing::Contains("Volumetric Efficiency Table"));
+    EXPECT_THAT(captions(3), testing::Contains("Staged Pulsewidth"));
+    EXPECT_THAT(captions(7), testing::Not(testing::Contains("Staged Pulsewidth")));
+    EXPECT_THAT(captions(5), testing::Contains("Ignition Advance Table"));
+    EXPECT_THAT(captions(5), testing::Not(testing::Contains("Volumetric Efficiency Table")));
+}
+
 TEST_F(Workspace, StartsWithAnEmptyTreeAndTheFirstTabOnly) {
     EXPECT_EQ(tree()->topLevelItemCount(), 0);
     EXPECT_EQ(tabs()->currentIndex(), 0);
