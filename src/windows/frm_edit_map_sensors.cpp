@@ -8,6 +8,7 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
+#include "qt/help_key.h"
 #include "qt/look.h"
 #include "qt/window_placement.h"
 
@@ -15,7 +16,6 @@ namespace zentaq {
 
 namespace {
 
-constexpr auto helpKeyProperty = "fastHelpKey";
 constexpr int boxDigits = 9;
 constexpr int listLetters = 34;
 /// Of the form when it opens for the first time, in lines of text.

@@ -11,13 +11,14 @@
 #include <array>
 #include <utility>
 
+#include "qt/help_key.h"
 #include "qt/look.h"
+#include "qt/qt_text.h"
 
 namespace zentaq {
 
 namespace {
 
-constexpr auto helpKeyProperty = "fastHelpKey";
 constexpr qreal headingSize = 1.05;
 /// Width of a box for a number, in digits.
 constexpr int boxDigits = 7;
@@ -35,13 +36,9 @@ constexpr std::array needed{
     Needed{"cmbMAP", QT_TRANSLATE_NOOP("zentaq::GeneralConfigForm", "Choose a MAP sensor")},
 };
 
-QString textOf(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 /// "Maximum Engine Rev Limit (1000 to 20000)": as a screen reader says it.
 QString spoken(const std::string& caption) {
-    return textOf(caption).remove(u'&').trimmed();
+    return qString(caption).remove(u'&').trimmed();
 }
 
 /// Reads as a remark, by day and by night.
@@ -183,7 +180,7 @@ void GeneralConfigForm::makeInjectorGroup(Column& column) {
 }
 
 GeneralConfigForm::Control& GeneralConfigForm::keep(const std::string& name, QWidget* widget) {
-    widget->setObjectName(textOf(name));
+    widget->setObjectName(qString(name));
     widget->installEventFilter(this);
     controls_.push_back({.name = name, .widget = widget, .shown = {}});
     return controls_.back();
@@ -209,7 +206,7 @@ GeneralConfigForm::Control& GeneralConfigForm::list(const std::string& name) {
 
 QLabel* GeneralConfigForm::caption(Control& control) {
     control.caption = new QLabel(this);
-    control.caption->setObjectName(QStringLiteral("lblCaption_") + textOf(control.name));
+    control.caption->setObjectName(QStringLiteral("lblCaption_") + qString(control.name));
     control.caption->setBuddy(control.widget);
     return control.caption;
 }
@@ -223,7 +220,7 @@ QLabel* GeneralConfigForm::ownLabel(Control& control, const char* name, const QS
 
 QLabel* GeneralConfigForm::limits(Control& control) {
     control.limits = mutedLabel(this);
-    control.limits->setObjectName(QStringLiteral("lblLimits_") + textOf(control.name));
+    control.limits->setObjectName(QStringLiteral("lblLimits_") + qString(control.name));
     return control.limits;
 }
 
@@ -364,19 +361,19 @@ void GeneralConfigForm::refresh() {
 
 void GeneralConfigForm::show(Control& control) {
     const GeneralField& field = control.shown;
-    const QString text = textOf(field.text);
+    const QString text = qString(field.text);
     if (control.caption != nullptr) {
-        control.caption->setText(textOf(field.caption));
+        control.caption->setText(qString(field.caption));
         control.caption->setEnabled(field.enabled);
     }
     if (control.limits != nullptr) {
-        control.limits->setText(textOf(field.limits));
+        control.limits->setText(qString(field.limits));
         showUsable(*control.limits, field.enabled);
     }
     if (auto* box = qobject_cast<EntryBox*>(control.widget)) box->showText(text);
     if (auto* list = qobject_cast<QComboBox*>(control.widget)) showList(*list, field);
     if (auto* button = qobject_cast<QAbstractButton*>(control.widget)) {
-        button->setText(textOf(field.caption));
+        button->setText(qString(field.caption));
         const bool group = peak_->buttons().contains(button);
         // A group whose options are all off is only possible while it is not exclusive.
         if (group) peak_->setExclusive(false);
@@ -390,21 +387,21 @@ void GeneralConfigForm::show(Control& control) {
         name = control.label->text() + QStringLiteral(", ") + name;
     }
     control.widget->setAccessibleName(name);
-    control.widget->setAccessibleDescription(textOf(field.limits));
-    control.widget->setProperty(helpKeyProperty, textOf(field.helpKey));
+    control.widget->setAccessibleDescription(qString(field.limits));
+    control.widget->setProperty(helpKeyProperty, qString(field.helpKey));
     showColours(control);
 }
 
 void GeneralConfigForm::showList(QComboBox& list, const GeneralField& field) {
     QStringList choices;
-    for (const std::string& choice : field.choices) choices.append(textOf(choice));
+    for (const std::string& choice : field.choices) choices.append(qString(choice));
     QStringList present;
     for (int i = 0; i < list.count(); ++i) present.append(list.itemText(i));
     if (choices != present) {
         list.clear();
         list.addItems(choices);
     }
-    const QString text = textOf(field.text);
+    const QString text = qString(field.text);
     const int index = static_cast<int>(choices.indexOf(text));
     // A text that is none of the entries is shown all the same.
     const QString invitation = field.enabled ? tr("Choose...") : QString();
@@ -483,7 +480,7 @@ bool GeneralConfigForm::hand(const std::string& name, const QString& text) {
 
 void GeneralConfigForm::choose(const std::string& name, const QComboBox& list) {
     const QString text = list.currentText();
-    if (text == textOf(find(name)->shown.text)) return;
+    if (text == qString(find(name)->shown.text)) return;
     hand(name, text);
 }
 

@@ -16,6 +16,7 @@
 
 #include "base/errors.h"
 #include "qt/look.h"
+#include "qt/qt_text.h"
 #include "qt/window_placement.h"
 
 namespace zentaq {
@@ -29,10 +30,6 @@ constexpr int hitsSide = 1;
 constexpr int sideLetters = 42;
 constexpr int windowLetters = 136;
 constexpr int windowLines = 36;
-
-QString qString(const std::string& text) {
-    return QString::fromStdString(text);
-}
 
 /// A hit: its place in bold, and below it the sentence that has the words.
 class HitPainter : public QStyledItemDelegate {

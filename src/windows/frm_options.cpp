@@ -11,7 +11,9 @@
 #include <algorithm>
 
 #include "base/errors.h"
+#include "qt/help_key.h"
 #include "qt/look.h"
+#include "qt/qt_text.h"
 #include "qt/window_placement.h"
 #include "windows/colour_swatch.h"
 #include "windows/frm_dashboard_colors.h"
@@ -19,12 +21,6 @@
 namespace zentaq {
 
 namespace {
-
-constexpr auto helpKeyProperty = "fastHelpKey";
-
-QString qString(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 std::optional<QColor> platformDialog(const QColor& initial, const QString& title, QWidget* parent) {
     const QColor chosen = QColorDialog::getColor(initial, parent, title, QColorDialog::DontUseNativeDialog);

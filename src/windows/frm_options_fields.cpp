@@ -16,7 +16,9 @@
 #include "app/data_points.h"
 #include "app/settings_keys.h"
 #include "base/number_text.h"
+#include "qt/help_key.h"
 #include "qt/look.h"
+#include "qt/qt_text.h"
 #include "windows/colour_swatch.h"
 #include "windows/frm_config_link_panel.h"
 #include "windows/frm_dashboard_colors.h"
@@ -25,7 +27,6 @@ namespace zentaq {
 
 namespace {
 
-constexpr auto helpKeyProperty = "fastHelpKey";
 constexpr auto captionProperty = "optionCaption";
 constexpr int placeRole = Qt::UserRole;
 
@@ -49,10 +50,6 @@ constexpr std::array groupTitles{
     GroupTitle{"helpoptdatalog", QT_TRANSLATE_NOOP("OptionFields", "Flight recorder")},
     GroupTitle{"helpoptprint", QT_TRANSLATE_NOOP("OptionFields", "The toolbar's print button")},
 };
-
-QString qString(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 /// The caption with '&' before its access key.
 QString withAccessKey(const OptionRow& row) {

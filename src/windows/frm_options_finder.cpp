@@ -1,4 +1,5 @@
 #include "windows/frm_options_finder.h"
+#include "qt/qt_text.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -10,10 +11,6 @@ namespace zentaq {
 namespace {
 
 constexpr int mostHitsInView = 10;
-
-QString qString(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 }  // namespace
 

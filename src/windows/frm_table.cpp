@@ -13,6 +13,7 @@
 #include <QValidator>
 
 #include "base/number_text.h"
+#include "qt/help_key.h"
 #include "qt/look.h"
 
 namespace zentaq {
@@ -23,7 +24,6 @@ constexpr std::size_t mostHeldKeys = 64;
 constexpr qreal inputSize = 1.35;
 constexpr int inputBorder = 2;
 constexpr int inputPlaces = 6;
-constexpr auto helpKeyProperty = "fastHelpKey";
 constexpr auto popupName = "mnuPopupTable";
 constexpr auto dockCaption = "Dock          ";
 constexpr auto undockCaption = "Undock        ";
@@ -61,6 +61,11 @@ bool isClipboardKey(const QKeyEvent& event) {
 
 bool movesCursor(int key) {
     return (key >= Qt::Key_Home && key <= Qt::Key_PageDown) || key == Qt::Key_Tab || key == Qt::Key_Backtab;
+}
+
+/// What a number of the setting TableColor stands for.
+TableColour colourModeOf(int setting) {
+    return setting == 1 ? TableColour::Afr : TableColour::Normal;
 }
 
 }  // namespace
@@ -260,7 +265,7 @@ void FrmTable::Setup_Grid(const std::string& table, const std::string& title) {
         model_ = std::make_unique<TableModel>(unit, session_.ecu, session_.live, session_.paintMemory);
         unit_ = &unit;
     }
-    model_->colourMode(session_.TableColorMode == 1 ? TableColour::Afr : TableColour::Normal);
+    model_->colourMode(colourModeOf(session_.TableColorMode));
     model_->Setup_Grid(table, title, model_->inverted());
     const QSignalBlocker quiet(Grid1_->selectionModel());
     Grid1_->cells().show(&model_->grid());
@@ -740,13 +745,13 @@ void FrmTable::colorsAfr() {
 void FrmTable::setColourMode(int mode) {
     session_.TableColorMode = mode;
     session_.settings().set("System", "TableColor", numberText(mode));
-    model_->colourMode(mode == 1 ? TableColour::Afr : TableColour::Normal);
+    model_->colourMode(colourModeOf(mode));
     showItems();
 }
 
 void FrmTable::clearColours() {
     if (!model_) return;
-    model_->colourMode(session_.TableColorMode == 1 ? TableColour::Afr : TableColour::Normal);
+    model_->colourMode(colourModeOf(session_.TableColorMode));
     model_->colorizeGraph(true);
     showItems();
     Grid1_->cells().refresh();

@@ -13,6 +13,7 @@
 #include "config/tree.h"
 #include "qt/icons.h"
 #include "qt/look.h"
+#include "qt/qt_text.h"
 #include "qt/window_placement.h"
 #include "windows/mdi_main_about.h"
 #include "windows/mdi_main_edit.h"
@@ -20,10 +21,6 @@
 namespace zentaq {
 
 namespace {
-
-QString qString(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 /// Commands that are one call into the core.
 struct Command {

@@ -9,6 +9,7 @@
 #include <algorithm>
 
 #include "qt/look.h"
+#include "qt/qt_text.h"
 
 namespace zentaq {
 
@@ -36,8 +37,7 @@ FrmSplash::FrmSplash(const QString& version, QWidget* over)
 }
 
 void FrmSplash::status(std::string_view text) {
-    lblOperation_->setText(QStringLiteral("    ") +
-                           QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+    lblOperation_->setText(QStringLiteral("    ") + qString(text));
     centre();
     show();
     raise();

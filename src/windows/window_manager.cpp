@@ -7,6 +7,7 @@
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "config/tree.h"
+#include "qt/help_key.h"
 #include "qt/look.h"
 #include "qt/window_placement.h"
 
@@ -16,9 +17,6 @@ namespace {
 
 /// The enabled state of menu entries is looked at this often when nothing else has changed, in firings.
 constexpr int idleFiringsPerRefresh = 16;
-
-/// What help is shown for a control: a property of the control or of one that holds it.
-constexpr auto helpKeyProperty = "fastHelpKey";
 
 /// The instruments' share of the frame's height before the user has moved the splitter.
 constexpr int dashboardPercent = 26;
@@ -377,10 +375,8 @@ void WindowManager::nightMode() {
 }
 
 void WindowManager::takeStoredColors() {
-    if (!dashboard_) return;
-    SettingsStore& settings = session_.settings();
-    dashboard_->Set_DashBoard_Color(settings.get("System", "DashLights"));
-    dashboard_->Set_Needle_Color(settings.get("System", "NeedleColor"));
+    const SettingsStore& settings = session_.settings();
+    dashboardColours(settings.get("System", "DashLights"), settings.get("System", "NeedleColor"));
     // Kept: LabelLights is stored and shown by the options and changes nothing.
 }
 

@@ -15,6 +15,7 @@
 #include "config/quiet_calibration.h"
 #include "refdata/refdata_fixture.h"
 #include "refdata/schema.h"
+#include "single_defaults.h"
 #include "unit/gpio_functions.h"
 #include "unit/gpio_pins.h"
 
@@ -382,83 +383,6 @@ TEST_F(NewCalibration, FollowsEachSetOfTheDefaultsOnTheKindsThatItIsFor) {
         EXPECT_EQ(onMain, !ofOneKind) << set.name;
     }
 }
-
-/// The single numbers that a new calibration takes from the defaults, by member.
-constexpr std::array singleDefaults = {"Initial_Advance",
-                                       "TBSOFF",
-                                       "ACE0",
-                                       "ACE1",
-                                       "ACE2",
-                                       "ACE3",
-                                       "ACE4",
-                                       "ACE5",
-                                       "ACE6",
-                                       "ACE7",
-                                       "ACCL_PW",
-                                       "ACCL_TM",
-                                       "SEPW",
-                                       "SECLT",
-                                       "ASE0",
-                                       "ASE1",
-                                       "DCCL_CutActive",
-                                       "DCCL_0",
-                                       "DCCL_1",
-                                       "DCCL_3",
-                                       "DCCL_4",
-                                       "MAP_Max",
-                                       "BSTCTTM",
-                                       "CONDIV",
-                                       "AVRDIV",
-                                       "Register_Number",
-                                       "EGO_LMT",
-                                       "EGO_RPM",
-                                       "EGO_MAP",
-                                       "EGO_TMP",
-                                       "EGO_RPML",
-                                       "EGO_HighVoltage",
-                                       "EGO_LowVoltage",
-                                       "EGO_Type",
-                                       "KNK_MIN",
-                                       "KNK_ATK",
-                                       "KNK_DCY",
-                                       "KNK_MAX",
-                                       "KNK_RPM",
-                                       "opt_3Stage",
-                                       "opt_NoFuelCut",
-                                       "OVR1THR",
-                                       "OVR2THR",
-                                       "REV_Hysteresis",
-                                       "REV_AuxLimiter",
-                                       "opt_IdleSpeed",
-                                       "NEGPGAIN",
-                                       "POSPGAIN",
-                                       "NEGDGAIN",
-                                       "POSDGAIN",
-                                       "Reset_Duty",
-                                       "IAC_RPM_HI",
-                                       "IAC_RPM_LO",
-                                       "IAC_Start",
-                                       "MinDuty",
-                                       "MaxDuty",
-                                       "CLT_FailHigh",
-                                       "CLT_FailLow",
-                                       "CLT_Default",
-                                       "MAP_FailHigh",
-                                       "MAP_FailLow",
-                                       "MAP_Default",
-                                       "MAP_FIL",
-                                       "TPS_FCV",
-                                       "TPS_WOV",
-                                       "TPS_FailHigh",
-                                       "TPS_FailLow",
-                                       "TPS_Default",
-                                       "EGO_FailTime",
-                                       "EGO_SUD",
-                                       "MAT_FailHigh",
-                                       "MAT_FailLow",
-                                       "MAT_Default",
-                                       "KNK_Timer",
-                                       "MAFMax"};
 
 TEST_F(NewCalibration, TakesEachSingleNumberFromTheDefaults) {
     for (const refdata::DefaultsSet& set : refdata::defaultsSets()) {
