@@ -1,9 +1,21 @@
 # How a folder of src/, an app or a test folder becomes a target.
 
-# zentaq_library(NAME [QT] LINK targets... [PRIVATE targets...])
+# zentaq_batches(TARGET [files...]) compiles the files of a target in batches where ZENTAQ_UNITY asks for it. The files
+# named here (or matched: *.cpp) stay apart: their helpers bear names that others of the folder use too.
+function(zentaq_batches target)
+  if(ZENTAQ_UNITY)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
+    file(GLOB apart ${ARGN})
+    if(apart)
+      set_source_files_properties(${apart} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+    endif()
+  endif()
+endfunction()
+
+# zentaq_library(NAME [QT] LINK targets... [PRIVATE targets...] [APART files...])
 # makes zentaq_NAME from src/NAME/*.cpp; a folder with headers only becomes an interface.
 function(zentaq_library name)
-  cmake_parse_arguments(ARG "QT" "" "LINK;PRIVATE" ${ARGN})
+  cmake_parse_arguments(ARG "QT" "" "LINK;PRIVATE;APART" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${name}/*.cpp)
   file(GLOB headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/${name}/*.h)
   if(sources)
@@ -11,6 +23,8 @@ function(zentaq_library name)
     target_include_directories(zentaq_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
     target_compile_definitions(zentaq_${name} PRIVATE ZENTAQ_VERSION="${PROJECT_VERSION}")
     target_link_libraries(zentaq_${name} PUBLIC ${ARG_LINK} PRIVATE ${ARG_PRIVATE})
+    list(TRANSFORM ARG_APART PREPEND ${PROJECT_SOURCE_DIR}/src/${name}/)
+    zentaq_batches(zentaq_${name} ${ARG_APART})
     if(ARG_QT)
       set_target_properties(zentaq_${name} PROPERTIES AUTOMOC ON)
     endif()
@@ -21,9 +35,9 @@ function(zentaq_library name)
   endif()
 endfunction()
 
-# zentaq_program(NAME [QT] LINK targets...) makes NAME from apps/NAME/*.cpp.
+# zentaq_program(NAME [QT] LINK targets... [APART files...]) makes NAME from apps/NAME/*.cpp.
 function(zentaq_program name)
-  cmake_parse_arguments(ARG "QT" "" "LINK" ${ARGN})
+  cmake_parse_arguments(ARG "QT" "" "LINK;APART" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/apps/${name}/*.cpp)
   if(NOT sources)
     return()
@@ -31,16 +45,21 @@ function(zentaq_program name)
   add_executable(${name} ${sources})
   target_link_libraries(${name} PRIVATE ${ARG_LINK})
   target_compile_definitions(${name} PRIVATE ZENTAQ_VERSION="${PROJECT_VERSION}")
+  # A program's own files read options and print; the work is done in the libraries.
+  target_compile_options(${name} PRIVATE $<$<CONFIG:Release>:-O1>)
+  list(TRANSFORM ARG_APART PREPEND ${PROJECT_SOURCE_DIR}/apps/${name}/)
+  zentaq_batches(${name} ${ARG_APART})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/app)
   if(ARG_QT)
     set_target_properties(${name} PROPERTIES AUTOMOC ON)
   endif()
 endfunction()
 
-# zentaq_tests(NAME LABEL label LINK targets... [TIMEOUT seconds])
-# makes test_NAME from tests/NAME/*_test.cpp and the helpers beside them.
+# zentaq_tests(NAME LABEL label LINK targets... [TIMEOUT seconds] [HEADERS target] [APART files...])
+# makes test_NAME from tests/NAME/*_test.cpp and the helpers beside them. They read the precompiled headers of the
+# target under HEADERS, zentaq_test_main as a rule.
 function(zentaq_tests name)
-  cmake_parse_arguments(ARG "" "LABEL;TIMEOUT" "LINK" ${ARGN})
+  cmake_parse_arguments(ARG "" "LABEL;TIMEOUT;HEADERS" "LINK;APART" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp)
   if(NOT sources)
     return()
@@ -48,16 +67,16 @@ function(zentaq_tests name)
   if(NOT ARG_TIMEOUT)
     set(ARG_TIMEOUT 120)
   endif()
+  if(NOT ARG_HEADERS)
+    set(ARG_HEADERS zentaq_test_main)
+  endif()
   add_executable(test_${name} ${sources})
   target_link_libraries(test_${name} PRIVATE ${ARG_LINK} GTest::gmock)
   target_include_directories(test_${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-  # What nearly every test includes is read once a folder; it pays from a handful of files on.
-  list(LENGTH sources count)
-  if(count GREATER 5)
-    target_precompile_headers(test_${name} PRIVATE
-      <gmock/gmock.h> <gtest/gtest.h> <algorithm> <filesystem> <fstream> <functional> <map> <memory> <string> <vector>)
-    target_compile_options(test_${name} PRIVATE -fpch-preprocess)  # without it the compiler cache passes these by
-  endif()
+  target_precompile_headers(test_${name} REUSE_FROM ${ARG_HEADERS})
+  target_compile_options(test_${name} PRIVATE -fpch-preprocess)  # without it the compiler cache passes these by
+  list(TRANSFORM ARG_APART PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/${name}/)
+  zentaq_batches(test_${name} ${ARG_APART})
   target_compile_definitions(test_${name} PRIVATE
     ZENTAQ_VERSION="${PROJECT_VERSION}"
     ZENTAQ_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
