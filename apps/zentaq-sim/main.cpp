@@ -3,6 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "sim/simulator.h"
 
@@ -11,12 +15,74 @@ namespace {
 constexpr const char* footer =
     "When its port can be opened, the unit says \"ready\" and the path of the port on one line, and who it "
     "is on\n"
-    "the next. SIGUSR1 takes its power away for a moment: changes that were not stored are lost.\n"
-    "SIGTERM, SIGINT and SIGHUP end it.\n"
+    "the next. SIGHUP takes its power away for a moment: changes that were not stored are lost, and a new "
+    "firmware\n"
+    "starts. SIGUSR1 unplugs it, power and cable, for a second. SIGUSR2 flips its upgrade switch. SIGTERM "
+    "and SIGINT\n"
+    "end it, and so does the end of the terminal that it was started from.\n"
     "\n"
     "A fault is KIND[=MILLISECONDS][@COMMAND[#N]][%PERCENT]: \"lose-byte@W%5\" spoils one wide frame in "
     "twenty,\n"
-    "\"refuse@line#12\" refuses the twelfth line of programming, \"late=300\" delays every reply.\n";
+    "\"refuse@line#12\" refuses the twelfth line of programming, \"late=300\" delays every reply. Each kind "
+    "is "
+    "an option\n"
+    "too, with the rest of the words behind it: --lose-byte @W%5, --refuse @line#12, --late 300, --silence.\n"
+    "\n"
+    "In upgrade mode the unit takes a firmware file of --make-firmware and no other. Such a file is for\n"
+    "simulated units: none is installed anywhere, since nobody may program it into a real unit.\n";
+
+constexpr const char* faultGroup = "Faults";
+constexpr const char* adapterGroup = "Adapter";
+
+/// The fault options may stand alone; the library then gives this word, which is no part of a fault.
+constexpr std::string_view nothingGiven = "true";
+
+void addFaults(CLI::App& app, zentaq::sim::SimulatorOptions& options) {
+    app.add_option("--fault", options.faults, "What goes wrong, see below: " + zentaq::sim::faultList())
+        ->group(faultGroup);
+    app.add_option("--fault-seed", options.faultSeed, "Repeats the same chances")
+        ->capture_default_str()
+        ->group(faultGroup);
+    for (const zentaq::sim::FaultOption& fault : zentaq::sim::faultOptions()) {
+        const auto take = [&options, fault](const std::vector<std::string>& all) {
+            for (const std::string& words : all) {
+                options.faults.push_back(
+                    zentaq::sim::faultText(fault.name, words == nothingGiven ? "" : words));
+            }
+        };
+        const auto usual = fault.usualDelay.count();
+        app.add_option_function<std::vector<std::string>>(
+               "--" + std::string(fault.name), take,
+               std::string(fault.meaning) + (usual > 0 ? ", " + std::to_string(usual) + " ms" : ""))
+            ->option_text(usual > 0 ? "[MS][@COMMAND[#N]][%PERCENT]" : "[@COMMAND[#N]][%PERCENT]")
+            ->expected(0, 1)
+            ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+            ->group(faultGroup);
+    }
+}
+
+void addAdapter(CLI::App& app, zentaq::sim::SimulatorOptions& options, int& burst) {
+    app.add_option("--burst", burst,
+                   "Hand what the unit sends to the program every so many milliseconds, as an adapter with a "
+                   "latency timer of 16 does, and 62 bytes at once")
+        ->option_text("MS")
+        ->check(CLI::Range(1, 1000))
+        ->group(adapterGroup);
+    app.add_option("--drop-writes", options.adapter.dropWrites,
+                   "Lose what one write has beyond so many bytes")
+        ->option_text("BYTES")
+        ->check(CLI::NonNegativeNumber)
+        ->group(adapterGroup);
+    app.add_option("--vanish-writes", options.adapter.vanishWrites,
+                   "Vanish for 700 ms over a write of more than so many bytes")
+        ->option_text("BYTES")
+        ->check(CLI::NonNegativeNumber)
+        ->group(adapterGroup);
+    app.add_flag(
+           "--rename", options.renames,
+           "Announce the port under another name each time the cable comes back: .2, .3 behind the first")
+        ->group(adapterGroup);
+}
 
 }  // namespace
 
@@ -55,17 +121,39 @@ int main(int argc, char** argv) {
         ->check(CLI::NonNegativeNumber);
     app.add_option(
         "--memory", options.memoryFile,
-        "File that holds the unit's memory as raw bytes, or a folder for a file of the unit's name");
+        "File that holds the unit's permanent memory as raw bytes, or a folder for a file of the unit's "
+        "name. "
+        "A file beside it, FILE.firmware, tells what firmware is in the unit once that has been programmed");
+    app.add_option("--running-memory", options.runningFile,
+                   "File that shows the running memory, changes that are not stored included");
+    app.add_flag("--upgrade-mode", options.upgradeMode, "Start with the upgrade switch on: P3 is allowed");
+    std::optional<std::string> firmwareFile;
+    app.add_option(
+           "--make-firmware", firmwareFile,
+           "Write a firmware file of the firmware text for SIMULATED units of the model, and end. It is "
+           "never to be programmed into a real unit; none is installed anywhere")
+        ->option_text("FILE.nv3");
+    app.add_option("--engine", options.engine,
+                   "What the engine does: idle, drive (a varied road), dyno (steps of speed and load, and "
+                   "pulls), or a datalog of the program, whose drive it repeats")
+        ->option_text("idle|drive|dyno|FILE.dat")
+        ->capture_default_str();
     app.add_option("--log-records", options.logRecords, "Records in the unit's own datalog")
         ->check(CLI::NonNegativeNumber);
     app.add_option("--code", options.codes, "Check-engine code that is set at the start, such as 21");
-    app.add_option("--fault", options.faults, "What goes wrong, see below: " + zentaq::sim::faultList());
-    app.add_option("--fault-seed", options.faultSeed, "Repeats the same chances")->capture_default_str();
+    app.add_option("--gpio", options.pins, "Hold a pin of the reply to I at a raw value, such as 3=128")
+        ->option_text("PIN=VALUE");
+    app.add_flag("--with-parent", options.withParent, "End when the program that started it ends");
+    addFaults(app, options);
+    int burst = 0;
+    addAdapter(app, options, burst);
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         constexpr int wrongUsage = 2;
         return app.exit(error) == 0 ? 0 : wrongUsage;
     }
+    if (firmwareFile) return zentaq::sim::writeFirmwareFor(options, *firmwareFile, std::cerr);
+    options.adapter.burst = std::chrono::milliseconds(burst);
     return zentaq::sim::runSimulatorUntilSignal(options, std::cout, std::cerr);
 }

@@ -19,6 +19,14 @@ std::string hexId(int id) {
     return std::string(4 - std::min<std::size_t>(4, digits.size()), '0') + digits;
 }
 
+/// The name without the ".2", ".3" that a unit's announcement bears when its cable was out and has come back.
+std::string unitNameOf(const std::string& announced) {
+    const std::size_t dot = announced.rfind('.');
+    if (dot == std::string::npos || dot == 0 || dot + 1 == announced.size()) return announced;
+    const bool digits = announced.find_first_not_of("0123456789", dot + 1) == std::string::npos;
+    return digits ? announced.substr(0, dot) : announced;
+}
+
 /// Vendor, product and serial number tell an adapter wherever it is plugged in. Without a serial number the
 /// socket has to do, since two such adapters cannot be told apart.
 std::string identityOf(const PortFacts& port) {
@@ -56,10 +64,11 @@ std::vector<PortInfo> simulatedPorts(const fs::path& folder) {
         const fs::path terminal = fs::canonical(entry->path(), ignored);
         if (ignored || !fs::is_character_file(terminal, ignored)) continue;
         const std::string name = entry->path().filename().string();
-        ports.push_back({0, terminal.string(), "Simulated unit " + name, "sim:" + name});
+        ports.push_back({0, terminal.string(), "Simulated unit " + name, "sim:" + unitNameOf(name)});
     }
-    std::sort(ports.begin(), ports.end(),
-              [](const PortInfo& left, const PortInfo& right) { return left.identity < right.identity; });
+    std::sort(ports.begin(), ports.end(), [](const PortInfo& left, const PortInfo& right) {
+        return std::tie(left.identity, left.description) < std::tie(right.identity, right.description);
+    });
     return ports;
 }
 

@@ -22,7 +22,8 @@ struct PortFacts {
 };
 
 /// Units announced by a symbolic link in `folder`, sorted by the link's name. Dead links are left out;
-/// a folder that does not exist is an empty list. Numbers are not given yet.
+/// a folder that does not exist is an empty list. Numbers are not given yet. "orb-a-1042" and "orb-a-1042.2",
+/// its name after the cable was out, are one identity: "sim:orb-a-1042".
 std::vector<PortInfo> simulatedPorts(const std::filesystem::path& folder);
 
 /// Orders and numbers all ports from 1.

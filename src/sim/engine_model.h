@@ -1,8 +1,14 @@
-// A small make-believe engine: cycles through idle, a throttle blip, idle, a full pull and cruise,
-// and gives smooth, repeatable live values for a simulated unit to report.
+// The engine behind a simulated unit: driven by a cycle, fuelled and timed by the unit's running memory, and
+// answering with the needs of a hidden engine of its own. Gives the live values that the unit reports.
 #pragma once
 
 #include <array>
+#include <cstdint>
+
+#include "sim/drive_cycle.h"
+#include "sim/engine_calibration.h"
+#include "sim/engine_parts.h"
+#include "sim/hidden_engine.h"
 
 namespace zentaq::sim {
 
@@ -56,31 +62,107 @@ struct LiveValues {
     std::array<double, 16> gpio{};  ///< raw input and output values, 0 to 255
 };
 
-/// Deterministic in time: two models that were advanced by the same total show the same values.
+struct EngineSetup {
+    std::uint32_t serial = 0;  ///< which hidden engine it is
+    Drive drive;               ///< none: the road
+};
+
+/// Deterministic in time: it runs in steps of `engineStep`, so two models that were advanced by the same
+/// total show the same values, whatever the pieces were.
 class EngineModel {
  public:
     /// A killed engine turns again after this time.
     static constexpr double restartAfterSeconds = 5.0;
-    /// Idle, blip, idle, pull, cruise, idle: one round.
-    static constexpr double cycleSeconds = 48.0;
+
+    explicit EngineModel(const EngineSetup& setup = {});
 
     /// Lets `seconds` pass. Zero and negative times change nothing.
     void advance(double seconds);
-    /// Cuts the engine: it runs down to 0 rpm and restarts `restartAfterSeconds` after the last call.
+    /// What the engine runs by from now on; at first it is the plain calibration. Change by change: what is
+    /// bolted to the engine stays.
+    void setCalibration(const EngineCalibration& calibration);
+    /// A whole calibration came in. It brings its injectors along if the engine had none from a memory, or if
+    /// they are of another size (15 %): without that every other calibration would be hopelessly lean or
+    /// rich.
+    void program(const EngineCalibration& calibration);
+    /// Cuts the engine: it runs down to 0 rpm and restarts `restartAfterSeconds` after the last call. The
+    /// cycle begins anew.
     void kill();
+    /// The unit's power comes back: everything begins anew with the plain calibration, but on the same
+    /// injectors.
+    void cyclePower();
     /// Holds ignition timing at zero, or restores it.
-    void setTimingZero(bool zero) { timingZero_ = zero; }
+    void setTimingZero(bool zero);
 
-    LiveValues values() const;
+    const LiveValues& values() const { return live_; }
 
  private:
-    void step(double seconds);
+    struct TablePlace {
+        double column = 0;
+        double row = 0;
+    };
 
-    double age_ = 0;        // since power on
-    double cycleTime_ = 0;  // since the engine last started
-    double stopLeft_ = 0;   // until a killed engine restarts
-    double spin_ = 1;       // 0 standing, 1 running on its own
+    void step(double dt);
+    void turnStarter(double dt);
+    void moveAir(const DrivePoint& point, double dt);
+    void warm(const DrivePoint& point, double dt);
+    void charge(const DrivePoint& point, double dt);
+    void meterFuel(double dt);
+    void burn(double dt);
+    void fire(double dt);
+    void steerIdle();
+    void setPins();
+    void fit(const EngineCalibration& calibration);
+
+    bool runs() const { return spin_ >= 1; }
+    bool cut() const { return stopLeft_ > 0 || limiter_.cuts() || overrun_.cuts(); }
+    double wantedRpm(const DrivePoint& point) const;
+    double idleTarget() const;
+    double manifoldKpa(const DrivePoint& point) const;
+    TablePlace tablePlace() const;
+    bool cranks() const { return stopLeft_ <= 0 && crankLeft_ > 0; }
+    double startPercent(const EngineCalibration& by) const;
+    /// The factor on the pulse that temperatures, the start and the time since ask for by a calibration.
+    double conditionFactor(const EngineCalibration& by) const;
+    double afterStartShare() const;
+
+    EngineSetup setup_;
+    HiddenEngine engine_;
+    EngineCalibration calibration_ = plainCalibration();
+
+    // The injectors that are fitted, whatever the memory says of them.
+    struct Injectors {
+        double fullPulseMs = plainCalibration().fullPulseMs;
+        double offsetMs = plainCalibration().injectorOffsetMs;
+        bool fromMemory = false;
+    };
+    Injectors injectors_;
+
+    double owed_ = 0;        // time that is not yet a whole step
+    double age_ = 0;         // since power on
+    double cycleTime_ = 0;   // since the engine last started
+    double stopLeft_ = 0;    // until a killed engine is cranked
+    double crankLeft_ = 0;   // until it fires
+    double spin_ = 1;        // 0 standing, 1 running on its own
+    double runSeconds_ = 0;  // since it last ran on its own
     bool timingZero_ = false;
+
+    RevLimiter limiter_;
+    OverrunCut overrun_;
+    ClosedLoop closedLoop_;
+    Acceleration acceleration_;
+    KnockControl knock_;
+    double coolantC_ = 20;
+    Lag airC_{40, 24};
+    Lag batteryVolts_{0.15, 14};
+    Lag tpsBefore_{0.05, 0.5};
+    Lag kpaBefore_{0.05, 34};
+    Lag filmKpa_{0.3, 34};  // what the fuel on the walls has got used to
+    Transport exhaust_{1};
+    Lag sensor_{0.15, 1};
+    double mixture_ = 1;  // by the unit's reading of the sensor
+    TablePlace place_;
+    LiveValues live_;
 };
 
 }  // namespace zentaq::sim

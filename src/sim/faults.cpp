@@ -11,23 +11,23 @@ namespace zentaq::sim {
 
 namespace {
 
-struct FaultName {
-    std::string_view name;
-    FaultKind kind;
-    Delay usualDelay{};
+constexpr FaultOption faultTable[] = {
+    {"lose-byte", "A byte of the reply is missing", FaultKind::LoseByte},
+    {"extra-byte", "A byte of the reply is one too many", FaultKind::ExtraByte},
+    {"flip-bit", "A bit of the reply is wrong", FaultKind::FlipBit},
+    {"wrong-sum", "The checksum of the reply is wrong", FaultKind::WrongSum},
+    {"silence", "No reply", FaultKind::Silence},
+    {"late", "The reply begins later", FaultKind::Late, Delay(200)},
+    {"split", "The reply pauses in its middle", FaultKind::Split, Delay(30)},
+    {"refuse", "\"AR\" in place of the reply", FaultKind::Refuse},
+    {"hang-up", "No reply, and the cable is out for a while", FaultKind::HangUp, Delay(1000)},
+    {"reset", "The unit resets in the middle of its reply and boots for a while", FaultKind::Reset,
+     Delay(400)},
+    {"noise", "The unit is at another rate: it understands nothing and answers with random bytes",
+     FaultKind::Noise},
 };
 
-constexpr FaultName faultNames[] = {
-    {"lose-byte", FaultKind::LoseByte},
-    {"extra-byte", FaultKind::ExtraByte},
-    {"flip-bit", FaultKind::FlipBit},
-    {"wrong-sum", FaultKind::WrongSum},
-    {"silence", FaultKind::Silence},
-    {"late", FaultKind::Late, Delay(200)},
-    {"split", FaultKind::Split, Delay(30)},
-    {"refuse", FaultKind::Refuse},
-    {"hang-up", FaultKind::HangUp, Delay(1000)},
-};
+constexpr std::size_t longestNoise = 64;
 
 constexpr std::string_view lineCommand = "line";
 constexpr std::uint8_t headFirst = 0xFA;
@@ -69,6 +69,13 @@ void split(FaultyReply& reply, Delay pause) {
     reply.pieces.insert(reply.pieces.begin() + 1, std::move(second));
 }
 
+/// What a unit has sent when it stops half way.
+void cutInTheMiddle(FaultyReply& reply) {
+    Bytes& bytes = reply.pieces.front().bytes;
+    bytes.resize(bytes.size() / 2);
+    reply.pieces.resize(bytes.empty() ? 0 : 1);
+}
+
 /// "line" for an S-record, else the letter, with its digit for P.
 std::string commandOf(const Bytes& burst) {
     std::string start;
@@ -77,7 +84,8 @@ std::string commandOf(const Bytes& burst) {
         start += static_cast<char>(byte);
         if (start.size() == 2) break;
     }
-    if (start == "S1" || start == "S9") return std::string(lineCommand);
+    if (start.size() == 2 && start[0] == 'S' && start[1] >= '0' && start[1] <= '9')
+        return std::string(lineCommand);
     return start.starts_with('P') ? start : start.substr(0, 1);
 }
 
@@ -85,11 +93,20 @@ std::string commandOf(const Bytes& burst) {
 
 std::string faultList() {
     std::string list;
-    for (const FaultName& row : faultNames) {
+    for (const FaultOption& row : faultTable) {
         if (!list.empty()) list += ", ";
         list += row.name;
     }
     return list;
+}
+
+std::span<const FaultOption> faultOptions() {
+    return faultTable;
+}
+
+std::string faultText(std::string_view name, std::string_view words) {
+    const bool beginsWithTime = !words.empty() && words[0] >= '0' && words[0] <= '9';
+    return std::string(name) + (beginsWithTime ? "=" : "") + std::string(words);
 }
 
 Fault parseFault(std::string_view text) {
@@ -107,8 +124,8 @@ Fault parseFault(std::string_view text) {
         fault.command = *command;
     }
     const auto delay = cutBehind(rest, '=');
-    const auto* row = std::ranges::find(faultNames, rest, &FaultName::name);
-    if (row == std::end(faultNames)) refuseText(text);
+    const auto* row = std::ranges::find(faultTable, rest, &FaultOption::name);
+    if (row == std::end(faultTable)) refuseText(text);
     fault.kind = row->kind;
     fault.delay = row->usualDelay;
     if (delay) {
@@ -130,23 +147,40 @@ FaultyReply FaultInjector::apply(const Bytes& burst, const Bytes& reply) {
     result.pieces.push_back({Delay(0), reply});
     if (faults_.empty()) return result;
     const std::string command = commandOf(burst);
-    // Lines are counted from the start of their transfer.
-    if (command == "P1") std::erase_if(seen_, [](const auto& row) { return row.first == lineCommand; });
-    auto row = std::ranges::find(seen_, command, &std::pair<std::string, int>::first);
-    if (row == seen_.end()) row = seen_.insert(seen_.end(), {command, 0});
-    ++row->second;
+    const int occurrence = count(answered_, command);
     for (const Fault& fault : faults_) {
-        if (strikes(fault, command)) spoil(fault, result);
+        if (fault.kind != FaultKind::Noise && strikes(fault, command, occurrence)) spoil(fault, result);
     }
     return result;
 }
 
-bool FaultInjector::strikes(const Fault& fault, const std::string& command) {
-    if (!fault.command.empty() && fault.command != command) return false;
-    if (fault.occurrence > 0) {
-        const auto row = std::ranges::find(seen_, command, &std::pair<std::string, int>::first);
-        if (row->second != fault.occurrence) return false;
+std::optional<FaultyReply> FaultInjector::mishear(const Bytes& burst) {
+    const std::string command = commandOf(burst);
+    const int occurrence = count(heard_, command);
+    for (const Fault& fault : faults_) {
+        if (fault.kind != FaultKind::Noise || !strikes(fault, command, occurrence)) continue;
+        Bytes noise(1 + anyBelow(longestNoise));
+        for (std::uint8_t& byte : noise) byte = static_cast<std::uint8_t>(anyBelow(256));
+        FaultyReply reply;
+        reply.pieces.push_back({Delay(0), std::move(noise)});
+        return reply;
     }
+    return std::nullopt;
+}
+
+// Lines are counted from the start of their transfer.
+int FaultInjector::count(Counts& seen, const std::string& command) {
+    using Row = std::pair<std::string, int>;
+    const bool beginsTransfer = command == "P1" || command == "P3";
+    if (beginsTransfer) std::erase_if(seen, [](const Row& row) { return row.first == lineCommand; });
+    auto row = std::ranges::find(seen, command, &Row::first);
+    if (row == seen.end()) row = seen.insert(seen.end(), {command, 0});
+    return ++row->second;
+}
+
+bool FaultInjector::strikes(const Fault& fault, const std::string& command, int occurrence) {
+    if (!fault.command.empty() && fault.command != command) return false;
+    if (fault.occurrence > 0 && fault.occurrence != occurrence) return false;
     // Drawn by hand: the library's distributions differ between its versions, a seed should not.
     constexpr double wholeRange = 4294967296.0;
     return static_cast<double>(random_()) / wholeRange * 100 < fault.percent;
@@ -177,9 +211,14 @@ void FaultInjector::spoil(const Fault& fault, FaultyReply& reply) {
         case FaultKind::WrongSum:
             if (reply.pieces.front().bytes.front() == headFirst) ++reply.pieces.back().bytes.back();
             return;
+        case FaultKind::Reset:
+            cutInTheMiddle(reply);
+            reply.resetFor = fault.delay;
+            return;
         case FaultKind::LoseByte:
         case FaultKind::ExtraByte:
         case FaultKind::FlipBit:
+        case FaultKind::Noise:
             break;
     }
     damage(fault.kind, reply.pieces.front().bytes);

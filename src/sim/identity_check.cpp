@@ -1,16 +1,14 @@
 #include "sim/identity_check.h"
 
 #include <algorithm>
-#include <cctype>
 #include <string>
 
 #include "base/errors.h"
+#include "sim/firmware_file.h"
 
 namespace zentaq::sim {
 
 namespace {
-
-constexpr std::size_t firstReleaseDigit = 5;
 
 std::string rangesOf(const UnitProfile& profile) {
     std::string text;
@@ -38,10 +36,7 @@ void checkSerialFormat(const UnitProfile& profile, const UnitIdentity& identity)
 }
 
 void checkFirmware(const UnitProfile& profile, const std::string& firmware) {
-    const bool digits = firmware.size() == firmwareLength &&
-                        std::all_of(firmware.begin() + firstReleaseDigit, firmware.end(),
-                                    [](unsigned char c) { return std::isdigit(c) != 0; });
-    if (digits && firmware.starts_with(profile.firmwarePrefix)) return;
+    if (isFirmwareText(firmware, profile.firmwarePrefix)) return;
     throw Failure("A firmware text of the " + std::string(profile.fullName) + " looks like " +
                   std::string(profile.defaultFirmware) + ", not \"" + firmware + "\"");
 }

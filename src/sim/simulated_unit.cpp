@@ -19,6 +19,7 @@ constexpr std::uint8_t lineFeed = '\n';
 constexpr std::uint8_t timingZero = 0xFF;
 constexpr std::uint8_t timingRestored = 0x00;
 constexpr std::uint8_t noCode = 0xFF;
+constexpr std::uint8_t erased = 0xFF;
 // The lamp shows the codes of the present; the rows behind these hold the intermittent ones.
 constexpr int lampRows = 6;
 constexpr double logSecondsPerRecord = 0.1;
@@ -51,18 +52,22 @@ UnitIdentity defaultIdentity(const UnitProfile& profile) {
             .hasPic18 = profile.hasPic18};
 }
 
-SimulatedUnit::SimulatedUnit(const UnitProfile& profile, UnitIdentity identity)
+SimulatedUnit::SimulatedUnit(const UnitProfile& profile, UnitIdentity identity, Drive drive)
     : profile_(profile),
       identity_(std::move(identity)),
       serialReply_(serialReplyOf(identity_.serialFormat, identity_.serial)),
+      engineSetup_{identity_.serial, std::move(drive)},
+      engine_(engineSetup_),
       memory_(static_cast<std::size_t>(profile.memorySize)),
-      permanent_(memory_) {
+      permanent_(memory_),
+      firmware_(profile.firmwarePrefix, identity_.firmware) {
     identity_.firmware = fixedWidth(identity_.firmware, firmwareLength);
     codes_.fill(noCode);
     setCalibrationName("");
 }
 
 Bytes SimulatedUnit::feed(std::span<const std::uint8_t> burst) {
+    if (bootSeconds_ > 0) return {};
     Bytes replies;
     dropRestOfBurst_ = false;
     for (const std::uint8_t byte : burst) {
@@ -74,6 +79,7 @@ Bytes SimulatedUnit::feed(std::span<const std::uint8_t> burst) {
 }
 
 void SimulatedUnit::advance(double seconds) {
+    showMemoryToEngine();
     engine_.advance(seconds);
     quietSeconds_ += seconds;
     if (quietSeconds_ > stallSeconds) {
@@ -81,34 +87,68 @@ void SimulatedUnit::advance(double seconds) {
         record_.clear();
     }
     if (quietSeconds_ > programmingPatienceSeconds) programming_.reset();
+    if (quietSeconds_ > firmwarePatienceSeconds) firmware_.abandon();
+    bootSeconds_ = std::max(0.0, bootSeconds_ - seconds);
+}
+
+void SimulatedUnit::installFirmware(const InstalledFirmware& firmware) {
+    const bool known = firmware.state == FirmwareState::Missing ||
+                       (!firmware.text.empty() && firmware.text.starts_with(profile_.firmwarePrefix));
+    if (!known) throw BoundsError("\"" + firmware.text + "\" is firmware of another kind");
+    firmware_.install(firmware);
+    if (firmware.state == FirmwareState::Running)
+        identity_.firmware = fixedWidth(firmware.text, firmwareLength);
 }
 
 void SimulatedUnit::loadMemory(const Bytes& content) {
     if (content.size() != memory_.size()) throw BoundsError("The memory of this unit has another size");
-    memory_ = permanent_ = content;
-    ++revision_;
+    keepForGood(content);
 }
 
 void SimulatedUnit::setCalibrationName(std::string_view name) {
     placeText(memory_, profile_.nameOffset, name, nameLength);
     placeText(permanent_, profile_.nameOffset, name, nameLength);
     ++revision_;
+    ++permanentRevision_;
 }
 
 void SimulatedUnit::powerCycle() {
     memory_ = permanent_;
     ++revision_;
+    if (firmware_.cyclePower()) {
+        identity_.firmware = fixedWidth(firmware_.installed().text, firmwareLength);
+        keepForGood(Bytes(memory_.size(), erased));
+    }
     programming_.reset();
     record_.clear();
     expecting_ = Expecting::Command;
     logPosition_ = 0;
-    engine_ = {};
+    loggedEngine_.reset();
+    engine_.cyclePower();
+    showMemoryToEngine();
+}
+
+void SimulatedUnit::reset(double bootSeconds) {
+    powerCycle();
+    bootSeconds_ = bootSeconds;
+}
+
+void SimulatedUnit::lineLost() {
+    if (!firmware_.programming()) return;
+    firmware_.abandon();
+    record_.clear();
 }
 
 void SimulatedUnit::setCode(int row, int bit) {
     if (row < 1 || row > codeRows || bit < 0 || bit > 7) throw BoundsError("No such check-engine code");
     auto& code = codes_[static_cast<std::size_t>(row - 1)];
     code = static_cast<std::uint8_t>(code & ~(1u << bit));
+}
+
+void SimulatedUnit::holdPin(int pin, int value) {
+    const auto pins = static_cast<int>(profile_.inputs.gpio.size());
+    if (pin < 1 || pin > pins || value < 0 || value > 255) throw BoundsError("No such pin or value");
+    heldPins_.emplace_back(pin - 1, value);
 }
 
 Bytes SimulatedUnit::consume(std::uint8_t byte) {
@@ -122,7 +162,20 @@ Bytes SimulatedUnit::consume(std::uint8_t byte) {
         case Expecting::Command:
             break;
     }
-    return programming_ ? programmingByte(byte) : command(byte);
+    return idleByte(byte);
+}
+
+Bytes SimulatedUnit::idleByte(std::uint8_t byte) {
+    if (programming_ || firmware_.programming()) return programmingByte(byte);
+    switch (firmware_.installed().state) {
+        case FirmwareState::Programmed:
+            return {};  // it waits for its power to be cycled
+        case FirmwareState::Missing:
+            return byte == 'P' ? expectProgramArgument() : Bytes{};  // the boot loader knows P3 alone
+        case FirmwareState::Running:
+            break;
+    }
+    return command(byte);
 }
 
 Bytes SimulatedUnit::command(std::uint8_t byte) {
@@ -157,17 +210,13 @@ Bytes SimulatedUnit::timingArgument(std::uint8_t byte) {
 
 Bytes SimulatedUnit::programArgument(std::uint8_t byte) {
     expecting_ = Expecting::Command;
-    switch (byte) {
-        case '1':
-            return startProgramming();
-        case '2':
-            expecting_ = Expecting::OnTheFlyRecord;
-            return {};
-        case '3':
-            return refused;  // the firmware of this unit is fixed
-        default:
-            return consume(byte);
-    }
+    if (byte == '3') return startFirmware();
+    if (firmware_.installed().state != FirmwareState::Running) return consume(byte);
+    if (byte == '1') return startProgramming();
+    if (byte != '2') return consume(byte);
+    expectRecords(calibrationRecords);
+    expecting_ = Expecting::OnTheFlyRecord;
+    return {};
 }
 
 Bytes SimulatedUnit::onTheFlyByte(std::uint8_t byte) {
@@ -186,8 +235,20 @@ Bytes SimulatedUnit::onTheFlyByte(std::uint8_t byte) {
 
 Bytes SimulatedUnit::startProgramming() {
     programming_ = Programming{memory_, std::vector<bool>(memory_.size())};
-    record_.clear();
+    expectRecords(calibrationRecords);
     return accepted;
+}
+
+Bytes SimulatedUnit::startFirmware() {
+    const bool allowed = upgradeMode_ || firmware_.installed().state == FirmwareState::Missing;
+    if (!allowed) return refused;
+    firmware_.begin();
+    expectRecords(firmwareRecords);
+    return accepted;
+}
+
+void SimulatedUnit::expectRecords(std::string_view types) {
+    record_ = SRecordCollector(types);
 }
 
 Bytes SimulatedUnit::programmingByte(std::uint8_t byte) {
@@ -207,6 +268,7 @@ Bytes SimulatedUnit::programmingLineEnd(std::uint8_t byte) {
 }
 
 Bytes SimulatedUnit::programmingRecord() {
+    if (firmware_.programming()) return firmwareRecord();
     const auto record = parseSRecord(record_.text());
     if (!record) return refuse();
     if (record->type == '9') return endOfProgramming();
@@ -219,12 +281,18 @@ Bytes SimulatedUnit::programmingRecord() {
     return accepted;
 }
 
+Bytes SimulatedUnit::firmwareRecord() {
+    const auto verdict = firmware_.take(parseSRecord(record_.text(), firmwareRecords));
+    if (verdict == FirmwareMemory::Verdict::Refused) return refuse();
+    record_.clear();
+    return verdict == FirmwareMemory::Verdict::Verified ? verified : accepted;
+}
+
 Bytes SimulatedUnit::endOfProgramming() {
     const auto first = programming_->covered.begin();
     const bool whole = std::all_of(first, first + programmedSize(), [](bool covered) { return covered; });
     if (!whole) return refuse();
-    memory_ = permanent_ = programming_->staging;
-    ++revision_;
+    keepForGood(std::move(programming_->staging));
     programming_.reset();
     record_.clear();
     return verified;
@@ -234,6 +302,7 @@ Bytes SimulatedUnit::endOfProgramming() {
 // taken for commands.
 Bytes SimulatedUnit::refuse() {
     programming_.reset();
+    firmware_.abandon();
     record_.clear();
     expecting_ = Expecting::Command;
     dropRestOfBurst_ = true;
@@ -264,14 +333,19 @@ Bytes SimulatedUnit::configReply() {
 Bytes SimulatedUnit::nextLogRecord() {
     if (logPosition_ >= identity_.logRecords) {
         logPosition_ = 0;
+        loggedEngine_.reset();
         Bytes end = headedReply(profile_.logRecord.length);
         end[3] = endOfLogMark;
         seal(end);
         return end;
     }
-    EngineModel drive;
-    drive.advance(++logPosition_ * logSecondsPerRecord);
-    return encodeFrame(profile_.logRecord, drive.values());
+    if (!loggedEngine_) {
+        loggedEngine_.emplace(engineSetup_);
+        loggedEngine_->setCalibration(readEngineCalibration(profile_.firmwarePrefix, memory_));
+    }
+    ++logPosition_;
+    loggedEngine_->advance(logSecondsPerRecord);
+    return encodeFrame(profile_.logRecord, loggedEngine_->values());
 }
 
 Bytes SimulatedUnit::serialReply() {
@@ -308,6 +382,7 @@ Bytes SimulatedUnit::expectTimingArgument() {
 
 Bytes SimulatedUnit::storeChanges() {
     permanent_ = memory_;
+    ++permanentRevision_;
     return accepted;
 }
 
@@ -318,11 +393,28 @@ Bytes SimulatedUnit::codesReply() {
     return reply;
 }
 
+void SimulatedUnit::keepForGood(Bytes content) {
+    memory_ = permanent_ = std::move(content);
+    newCalibration_ = true;
+    ++revision_;
+    ++permanentRevision_;
+}
+
+// Only on a change: the engine runs two hundred steps a second.
+void SimulatedUnit::showMemoryToEngine() {
+    if (shownRevision_ == revision_) return;
+    shownRevision_ = revision_;
+    const EngineCalibration calibration = readEngineCalibration(profile_.firmwarePrefix, memory_);
+    newCalibration_ ? engine_.program(calibration) : engine_.setCalibration(calibration);
+    newCalibration_ = false;
+}
+
 LiveValues SimulatedUnit::liveValues() const {
     LiveValues live = engine_.values();
     const bool lamp =
         std::any_of(codes_.begin(), codes_.begin() + lampRows, [](auto code) { return code != noCode; });
     live.checkEngine = lamp ? 1 : 0;
+    for (const auto& [index, value] : heldPins_) live.gpio.at(index) = value;
     return live;
 }
 
@@ -340,8 +432,8 @@ int SimulatedUnit::programmedSize() const {
 }
 
 bool SimulatedUnit::fitsIn(int size, const SRecord& record) const {
-    const int first = record.address - profile_.baseAddress;
-    const int length = static_cast<int>(record.data.size());
+    const std::int64_t first = record.address - profile_.baseAddress;
+    const auto length = static_cast<std::int64_t>(record.data.size());
     return record.type == '1' && length > 0 && first >= 0 && first + length <= size;
 }
 

@@ -8,8 +8,11 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "sim/engine_model.h"
+#include "sim/firmware_memory.h"
 #include "sim/serial_reply.h"
 #include "sim/srecord.h"
 #include "sim/unit_profile.h"
@@ -36,10 +39,13 @@ class SimulatedUnit {
     static constexpr double stallSeconds = 0.5;
     /// Programming that gets no further line for this time is given up; the old calibration stays.
     static constexpr double programmingPatienceSeconds = 2.0;
+    /// So is programming of firmware; nothing is left then.
+    static constexpr double firmwarePatienceSeconds = 10.0;
 
     /// `profile` must outlive the unit. Throws BoundsError for a serial number that the serial format cannot
     /// carry.
-    SimulatedUnit(const UnitProfile& profile, UnitIdentity identity);
+    /// `drive` is what becomes of its engine; none: the road.
+    SimulatedUnit(const UnitProfile& profile, UnitIdentity identity, Drive drive = nullptr);
 
     /// Takes one burst of bytes as the line delivered it and gives the replies to it, joined in order.
     Bytes feed(std::span<const std::uint8_t> burst);
@@ -48,10 +54,22 @@ class SimulatedUnit {
 
     const UnitProfile& profile() const { return profile_; }
     const UnitIdentity& identity() const { return identity_; }
+    /// What the unit runs on; identity() tells the same text, and the last one while there is none.
+    const FirmwareMemory& firmware() const { return firmware_; }
+    /// Puts in what was installed in an earlier run. Throws BoundsError for firmware of another kind.
+    void installFirmware(const InstalledFirmware& firmware);
+    /// The switch that lets P3 through. A unit without firmware does not ask for it.
+    void setUpgradeMode(bool on) { upgradeMode_ = on; }
+    bool upgradeMode() const { return upgradeMode_; }
+
     /// The running memory, from the profile's base address.
     const Bytes& memory() const { return memory_; }
     /// Grows with every write to the memory.
     unsigned memoryRevision() const { return revision_; }
+    /// What a power cycle leaves.
+    const Bytes& permanentMemory() const { return permanent_; }
+    /// Grows with every write to the permanent memory.
+    unsigned permanentRevision() const { return permanentRevision_; }
     /// Whether on-the-fly changes would be lost with the power.
     bool hasUnsavedChanges() const { return memory_ != permanent_; }
     /// Replaces running and permanent memory. Throws BoundsError on any other size than the memory's.
@@ -59,10 +77,18 @@ class SimulatedUnit {
     /// Writes the calibration's name, cut or padded to 24 characters, into running and permanent memory.
     void setCalibrationName(std::string_view name);
     /// Running memory falls back to what was stored for good, and any programming in progress is gone.
+    /// Firmware that was programmed starts, with an erased calibration: all bytes FF.
     void powerCycle();
+    /// A power cycle of the unit's own: it hears nothing while it boots.
+    void reset(double bootSeconds);
+    /// The cable is out: whoever was programming firmware is gone for good.
+    void lineLost();
 
     /// Sets a check-engine code: row 1 to 12, bit 0 to 7. Throws BoundsError outside.
     void setCode(int row, int bit);
+    /// Holds an input or output at a raw value, 0 to 255, whatever the engine does. Pins count from 1 as in
+    /// the reply to I. Throws BoundsError outside.
+    void holdPin(int pin, int value);
 
  private:
     enum class Expecting { Command, TimingArgument, ProgramArgument, OnTheFlyRecord };
@@ -94,8 +120,14 @@ class SimulatedUnit {
     Bytes wideFrame();
     Bytes expectTimingArgument();
     Bytes startProgramming();
+    Bytes startFirmware();
+    Bytes firmwareRecord();
+    Bytes idleByte(std::uint8_t byte);
+    void expectRecords(std::string_view types);
+    void keepForGood(Bytes content);
 
     LiveValues liveValues() const;
+    void showMemoryToEngine();
     int release() const;
     int programmedSize() const;
     /// Whether a data record lies in the first `size` bytes of the memory.
@@ -105,12 +137,20 @@ class SimulatedUnit {
     const UnitProfile& profile_;
     UnitIdentity identity_;
     Bytes serialReply_;
+    EngineSetup engineSetup_;
     EngineModel engine_;
+    std::optional<EngineModel> loggedEngine_;  ///< at the last record that was read of the unit's own log
+    unsigned shownRevision_ = 0;               ///< of the memory that the engine runs by
+    bool newCalibration_ = false;              ///< as a whole, since then
     std::array<std::uint8_t, codeRows> codes_{};
+    std::vector<std::pair<std::size_t, int>> heldPins_;  ///< index and value
 
     Bytes memory_;
     Bytes permanent_;
     unsigned revision_ = 0;
+    unsigned permanentRevision_ = 0;
+    FirmwareMemory firmware_;
+    bool upgradeMode_ = false;
 
     // Programming works on a copy, so that a transfer that fails leaves the old calibration whole.
     struct Programming {
@@ -122,6 +162,7 @@ class SimulatedUnit {
     Expecting expecting_ = Expecting::Command;
     SRecordCollector record_;
     double quietSeconds_ = 0;
+    double bootSeconds_ = 0;
     bool dropRestOfBurst_ = false;
     int logPosition_ = 0;
 };

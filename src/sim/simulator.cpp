@@ -1,23 +1,36 @@
 #include "sim/simulator.h"
 
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/signalfd.h>
 #include <sys/timerfd.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <ostream>
+#include <sstream>
 
 #include "base/errors.h"
 #include "platform/runtime_folder.h"
+#include "sim/datalog_track.h"
+#include "sim/firmware_file.h"
+#include "sim/firmware_state_file.h"
 #include "sim/identity_check.h"
 #include "sim/memory_file.h"
 
 namespace zentaq::sim {
 
+namespace fs = std::filesystem;
+
 namespace {
+
+constexpr Delay unpluggedTime{1000};
+// The engine goes on while nobody asks; in one piece at the next question, a night of it would delay the
+// answer.
+constexpr int longestRestMs = 1000;
 
 const UnitProfile& profileOf(const SimulatorOptions& options) {
     const UnitProfile* profile = findProfile(options.model);
@@ -49,14 +62,26 @@ std::string unitName(const SimulatorOptions& options) {
     return std::string(profileOf(options).linkStem) + "-" + std::to_string(identityOf(options).serial);
 }
 
-std::filesystem::path linkOf(const SimulatorOptions& options) {
+fs::path linkOf(const SimulatorOptions& options) {
     if (options.link) return *options.link;
     return createRuntimePortsFolder() / unitName(options);
 }
 
-std::optional<std::filesystem::path> memoryFileOf(const SimulatorOptions& options) {
-    if (!options.memoryFile || !std::filesystem::is_directory(*options.memoryFile)) return options.memoryFile;
+std::optional<fs::path> memoryFileOf(const SimulatorOptions& options) {
+    if (!options.memoryFile || !fs::is_directory(*options.memoryFile)) return options.memoryFile;
     return *options.memoryFile / (unitName(options) + ".mem");
+}
+
+void holdPin(SimulatedUnit& unit, const std::string& text) {
+    int pin = 0;
+    int value = -1;
+    std::istringstream words(text);
+    char equals = 0;
+    const bool read = static_cast<bool>(words >> pin >> equals >> value) && equals == '=' && words.eof();
+    const bool held = read && skipFailing([&] { unit.holdPin(pin, value); });
+    if (held) return;
+    throw Failure("\"" + text + "\" is no pin and value: pins are 1 to " +
+                  std::to_string(unit.profile().inputs.gpio.size()) + ", values 0 to 255, such as \"3=128\"");
 }
 
 Moment now() {
@@ -75,6 +100,27 @@ void armTimer(int timer, std::optional<Moment> due) {
     ::timerfd_settime(timer, TFD_TIMER_ABSTIME, &setting, nullptr);
 }
 
+void takeNotice(int descriptor) {
+    signalfd_siginfo notice;  // room for whatever a descriptor of this sort tells
+    [[maybe_unused]] const auto taken = ::read(descriptor, &notice, sizeof notice);
+}
+
+/// What a user closes to be rid of a program.
+std::vector<int> ownTerminals() {
+    std::vector<int> terminals;
+    for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        // One that has closed already is no terminal any more, but cannot be read either.
+        if (::isatty(standard) == 1 || errno == EIO) terminals.push_back(standard);
+    }
+    return terminals;
+}
+
+void endWithParent() {
+    const pid_t parent = ::getppid();
+    if (::prctl(PR_SET_PDEATHSIG, SIGTERM) != 0) throw Failure("Cannot watch the parent process");
+    if (::getppid() != parent) ::raise(SIGTERM);  // it has gone in between
+}
+
 FileDescriptor watchSignals(std::initializer_list<int> numbers) {
     sigset_t watched;
     sigemptyset(&watched);
@@ -87,33 +133,51 @@ FileDescriptor watchSignals(std::initializer_list<int> numbers) {
 
 Simulator::Simulator(const SimulatorOptions& options)
     : options_(options),
-      unit_(profileOf(options), identityOf(options)),
+      unit_(profileOf(options), identityOf(options), driveOf(options.engine)),
       faults_(faultsOf(options), options.faultSeed),
       wire_(options.baud),
+      adapter_(options.adapter, now()),
       memoryFile_(memoryFileOf(options)),
       unitTime_(now()) {
     for (const int code : options.codes) unit_.setCode(code / 10, code % 10 - 1);
+    for (const std::string& pin : options.pins) holdPin(unit_, pin);
+    unit_.setUpgradeMode(options.upgradeMode);
     unit_.setCalibrationName(unit_.profile().calibrationName);
-    if (memoryFile_) {
-        if (const auto content = readMemoryFile(*memoryFile_, unit_.memory().size())) {
-            unit_.loadMemory(*content);
-        }
-    }
+    if (memoryFile_) restoreUnit();
     if (options.calibrationName) unit_.setCalibrationName(*options.calibrationName);
     saveMemory();
     connect();
 }
 
+// A start is a power cycle: firmware that waited for one runs.
+void Simulator::restoreUnit() {
+    const auto content = readMemoryFile(*memoryFile_, unit_.memory().size());
+    if (content) unit_.loadMemory(*content);
+    const auto firmware = readFirmwareState(firmwareStateFile(*memoryFile_));
+    if (!firmware) return;
+    unit_.installFirmware(*firmware);
+    savedFirmware_ = unit_.firmware().revision();
+    unit_.powerCycle();
+}
+
 std::string Simulator::portPath() const {
-    return options_.link ? options_.link->string() : terminal_.value().devicePath();
+    return options_.link ? linkName().string() : terminal_.value().devicePath();
+}
+
+fs::path Simulator::linkName() const {
+    fs::path name = linkOf(options_);
+    if (options_.renames && connections_ > 1) name += "." + std::to_string(connections_);
+    return name;
 }
 
 std::string Simulator::description() const {
+    const bool missing = unit_.firmware().installed().state == FirmwareState::Missing;
     return std::string(unit_.profile().fullName) + ", serial number " +
-           std::to_string(unit_.identity().serial) + ", firmware " + unit_.identity().firmware;
+           std::to_string(unit_.identity().serial) +
+           (missing ? ", no firmware" : ", firmware " + unit_.identity().firmware);
 }
 
-void Simulator::run(int stopDescriptor, int powerDescriptor) {
+void Simulator::run(const SimulatorControls& controls) {
     const FileDescriptor timer(::timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC));
     if (!timer.valid()) throw Failure(std::string("Cannot make a timer: ") + std::strerror(errno));
     for (;;) {
@@ -121,39 +185,66 @@ void Simulator::run(int stopDescriptor, int powerDescriptor) {
         // Setting the timer also takes back a firing that is still to be read.
         armTimer(timer.get(), nextDue());
         const int line = terminal_ ? terminal_->descriptor() : -1;  // a negative one is not watched
-        pollfd watched[] = {{stopDescriptor, POLLIN, 0},
-                            {powerDescriptor, POLLIN, 0},
-                            {line, POLLIN, 0},
-                            {timer.get(), POLLIN, 0}};
-        if (::poll(watched, std::size(watched), -1) < 0 && errno != EINTR) {
+        std::vector<pollfd> watched{
+            {controls.stop, POLLIN, 0},          {controls.power, POLLIN, 0}, {controls.unplug, POLLIN, 0},
+            {controls.upgradeSwitch, POLLIN, 0}, {line, POLLIN, 0},           {timer.get(), POLLIN, 0}};
+        // Of a terminal only its end counts: what a user types there is not for the unit.
+        const std::size_t firstTerminal = watched.size();
+        for (const int terminal : controls.terminals) watched.push_back({terminal, 0, 0});
+        const int ready = ::poll(watched.data(), watched.size(), longestRestMs);
+        if (ready < 0 && errno != EINTR) {
             throw Failure(std::string("Cannot wait for the line: ") + std::strerror(errno));
         }
-        if (watched[0].revents != 0) return;
-        if (watched[1].revents != 0) {
-            signalfd_siginfo notice;  // room for whatever a descriptor of this sort tells
-            if (::read(powerDescriptor, &notice, sizeof notice) > 0) powerCycle();
+        if (ready == 0 && !nextDue()) catchUp(now());
+        const auto notified = [](const pollfd& row) { return row.revents != 0; };
+        const auto terminals = watched.begin() + static_cast<std::ptrdiff_t>(firstTerminal);
+        if (notified(watched[0]) || std::any_of(terminals, watched.end(), notified)) return;
+        for (std::size_t i = 1; i < 4; ++i) {
+            if (notified(watched[i])) act(controls, watched[i].fd);
         }
     }
+}
+
+void Simulator::act(const SimulatorControls& controls, int notified) {
+    takeNotice(notified);
+    if (notified == controls.power) powerCycle();
+    if (notified == controls.unplug) unplug();
+    if (notified == controls.upgradeSwitch) unit_.setUpgradeMode(!unit_.upgradeMode());
 }
 
 void Simulator::serve() {
     if (cableBack_ && *cableBack_ <= now()) connect();
     if (!terminal_) return;
-    if (auto burst = terminal_->read(); !burst.empty()) wire_.receive(now(), std::move(burst));
+    if (auto written = terminal_->read(); !written.empty()) hear(std::move(written));
+    if (!terminal_) return;
     while (const auto arrival = wire_.takeArrival(now())) {
         answer(*arrival);
         if (!terminal_) return;
     }
-    terminal_->write(wire_.takeSent(now()));
+    const Moment moment = now();
+    adapter_.receive(moment, wire_.takeSent(moment));
+    terminal_->write(adapter_.takeForProgram(moment));
+}
+
+void Simulator::hear(Bytes written) {
+    auto passed = adapter_.written(std::move(written));
+    if (!passed) return pullCable(now() + Adapter::vanishTime);
+    wire_.receive(now(), std::move(*passed));
 }
 
 void Simulator::answer(const WirePacing::Arrival& arrival) {
     catchUp(arrival.complete);
-    const FaultyReply reply = faults_.apply(arrival.burst, unit_.feed(arrival.burst));
+    const FaultyReply reply = replyTo(arrival.burst);
+    if (reply.resetFor) unit_.reset(std::chrono::duration<double>(*reply.resetFor).count());
     // Before the reply leaves, so that whoever has it finds the change in the file.
     saveMemory();
     for (const auto& piece : reply.pieces) wire_.send(arrival.complete + piece.after, piece.bytes);
     if (reply.cableOut) pullCable(arrival.complete + *reply.cableOut);
+}
+
+FaultyReply Simulator::replyTo(const Bytes& burst) {
+    if (auto noise = faults_.mishear(burst)) return std::move(*noise);
+    return faults_.apply(burst, unit_.feed(burst));
 }
 
 void Simulator::powerCycle() {
@@ -163,49 +254,84 @@ void Simulator::powerCycle() {
     saveMemory();
 }
 
+void Simulator::unplug() {
+    powerCycle();
+    pullCable(now() + unpluggedTime);
+}
+
 void Simulator::connect() {
     cableBack_.reset();
+    ++connections_;
     terminal_.emplace();
-    announcement_.emplace(linkOf(options_), terminal_->devicePath());
+    adapter_ = Adapter(options_.adapter, now());
+    announcement_.emplace(linkName(), terminal_->devicePath());
 }
 
 void Simulator::pullCable(Moment until) {
     announcement_.reset();
     terminal_.reset();
     wire_ = WirePacing(options_.baud);
+    unit_.lineLost();
     cableBack_ = until;
 }
 
 std::optional<Moment> Simulator::nextDue() const {
-    return cableBack_ ? cableBack_ : wire_.nextDue();
+    if (cableBack_) return cableBack_;
+    const auto wire = wire_.nextDue();
+    const auto adapter = adapter_.nextDue();
+    return wire && adapter ? std::min(wire, adapter) : wire ? wire : adapter;
 }
 
 void Simulator::catchUp(Moment moment) {
+    if (moment <= unitTime_) return;
     unit_.advance(std::chrono::duration<double>(moment - unitTime_).count());
     unitTime_ = moment;
 }
 
 void Simulator::saveMemory() {
-    if (!memoryFile_ || savedRevision_ == unit_.memoryRevision()) return;
-    writeMemoryFile(*memoryFile_, unit_.memory());
-    savedRevision_ = unit_.memoryRevision();
+    if (options_.runningFile && savedRunning_ != unit_.memoryRevision()) {
+        writeMemoryFile(*options_.runningFile, unit_.memory());
+        savedRunning_ = unit_.memoryRevision();
+    }
+    if (!memoryFile_) return;
+    // The memory first: a firmware whose start erases it must not be seen started with the old one.
+    if (savedMemory_ != unit_.permanentRevision()) {
+        writeMemoryFile(*memoryFile_, unit_.permanentMemory());
+        savedMemory_ = unit_.permanentRevision();
+    }
+    if (savedFirmware_ != unit_.firmware().revision()) {
+        writeFirmwareState(firmwareStateFile(*memoryFile_), unit_.firmware().installed());
+        savedFirmware_ = unit_.firmware().revision();
+    }
 }
 
 int runSimulatorUntilSignal(const SimulatorOptions& options, std::ostream& out, std::ostream& errors) {
+    // Looked at before anybody can know of the unit and close them.
+    const std::vector<int> terminals = ownTerminals();
     // Blocked before the link appears: a signal that comes early is kept and still removes it.
-    const FileDescriptor ending = watchSignals({SIGTERM, SIGINT, SIGHUP});
-    // kept: a hang-up ends the program, as its terminal's end should; so the power has a signal of its own.
-    const FileDescriptor power = watchSignals({SIGUSR1});
+    const FileDescriptor ending = watchSignals({SIGTERM, SIGINT});
+    const FileDescriptor power = watchSignals({SIGHUP});
+    const FileDescriptor unplug = watchSignals({SIGUSR1});
+    const FileDescriptor upgrade = watchSignals({SIGUSR2});
     const bool served = endOnFailure(
         [&] {
-            if (!ending.valid() || !power.valid()) throw Failure("Cannot watch for signals");
+            const bool watching = ending.valid() && power.valid() && unplug.valid() && upgrade.valid();
+            if (!watching) throw Failure("Cannot watch for signals");
+            if (options.withParent) endWithParent();
             Simulator simulator(options);
             // In one piece: whoever waits for the first line may go away behind it.
             out << "ready " + simulator.portPath() + "\n" + simulator.description() + "\n" << std::flush;
-            simulator.run(ending.get(), power.get());
+            simulator.run({ending.get(), power.get(), unplug.get(), upgrade.get(), terminals});
         },
         [&](const std::string& reason) { errors << "zentaq-sim: " << reason << std::endl; });
     return served ? 0 : 1;
+}
+
+int writeFirmwareFor(const SimulatorOptions& options, const fs::path& file, std::ostream& errors) {
+    const bool written =
+        endOnFailure([&] { makeFirmwareFile(file, identityOf(options).firmware); },
+                     [&](const std::string& reason) { errors << "zentaq-sim: " << reason << std::endl; });
+    return written ? 0 : 1;
 }
 
 }  // namespace zentaq::sim

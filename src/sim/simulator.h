@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "sim/adapter.h"
 #include "sim/faults.h"
 #include "sim/port_announcement.h"
 #include "sim/pseudo_terminal.h"
@@ -25,13 +26,32 @@ struct SimulatorOptions {
     bool hasPic18 = false;     ///< besides the kinds that have it anyway
     bool anyIdentity = false;  ///< serial number and firmware are not checked against the kind
     std::optional<std::string> calibrationName;
-    std::optional<std::filesystem::path> link;        ///< instead of the one in the runtime ports folder
-    int baud = 38400;                                 ///< 0: no pacing
-    std::optional<std::filesystem::path> memoryFile;  ///< or a folder, for a file named after the unit
+    std::optional<std::filesystem::path> link;  ///< instead of the one in the runtime ports folder
+    int baud = 38400;                           ///< 0: no pacing
+    /// Holds the permanent memory. Or a folder, for a file named after the unit.
+    std::optional<std::filesystem::path> memoryFile;
+    /// Shows the running memory, changes that are not stored included. Written only.
+    std::optional<std::filesystem::path> runningFile;
     std::optional<int> logRecords;
+    std::string engine = "drive";     ///< or "idle", "dyno", the path of a datalog
     std::vector<std::string> faults;  ///< in the words of parseFault
     unsigned faultSeed = 1;
-    std::vector<int> codes;  ///< check-engine codes as numbered on the dashboard: 21 is row 2, bit 0
+    std::vector<int> codes;         ///< check-engine codes as numbered on the dashboard: 21 is row 2, bit 0
+    std::vector<std::string> pins;  ///< "3=128": pin 3 of the reply to I is held at 128
+    bool upgradeMode = false;       ///< the unit takes firmware
+    AdapterOptions adapter;
+    bool renames = false;     ///< the cable comes back under another name: ".2", ".3" behind the first
+    bool withParent = false;  ///< the program ends when the one that started it does
+};
+
+/// What a simulator watches besides its line. A negative descriptor is not watched. Each one but `stop` is
+/// read once for each notice.
+struct SimulatorControls {
+    int stop = -1;               ///< ends it
+    int power = -1;              ///< takes the unit's power away for a moment
+    int unplug = -1;             ///< takes power and cable away for a second
+    int upgradeSwitch = -1;      ///< flips it
+    std::vector<int> terminals;  ///< a hang-up of one of these ends it
 };
 
 class Simulator {
@@ -47,15 +67,19 @@ class Simulator {
     /// Who answers on the line, in one sentence.
     std::string description() const;
 
-    /// Serves the line until `stopDescriptor` is ready to read. Each time that `powerDescriptor` is, reads it
-    /// once and takes the unit's power away for a moment. Throws Failure when the memory file cannot be
-    /// written.
-    void run(int stopDescriptor, int powerDescriptor = -1);
+    /// Serves the line until told to stop. Throws Failure when a file of the unit cannot be written.
+    void run(const SimulatorControls& controls);
 
  private:
     void serve();
+    void hear(Bytes written);
     void answer(const WirePacing::Arrival& arrival);
+    FaultyReply replyTo(const Bytes& burst);
+    void act(const SimulatorControls& controls, int notified);
     void powerCycle();
+    void unplug();
+    void restoreUnit();
+    std::filesystem::path linkName() const;
     void connect();
     void pullCable(Moment until);
     std::optional<Moment> nextDue() const;
@@ -66,17 +90,26 @@ class Simulator {
     SimulatedUnit unit_;
     FaultInjector faults_;
     WirePacing wire_;
+    Adapter adapter_;
     std::optional<PseudoTerminal> terminal_;  ///< none while the cable is out
     std::optional<PortAnnouncement> announcement_;
     std::optional<Moment> cableBack_;
+    int connections_ = 0;
     std::optional<std::filesystem::path> memoryFile_;
     Moment unitTime_;
-    std::optional<unsigned> savedRevision_;
+    std::optional<unsigned> savedMemory_;
+    std::optional<unsigned> savedRunning_;
+    unsigned savedFirmware_ = 0;
 };
 
-/// Runs a simulator until SIGTERM, SIGINT or SIGHUP; SIGUSR1 cycles the unit's power. Writes "ready PATH" and
-/// a line about the unit to `out` when the port can be opened, and failures to `errors`. Answers the exit
-/// code.
+/// Runs a simulator until SIGTERM or SIGINT, or until a terminal that it was started from closes. SIGHUP
+/// cycles the unit's power, SIGUSR1 unplugs it for a second, SIGUSR2 flips its upgrade switch. Writes "ready
+/// PATH" and a line about the unit to `out` when the port can be opened, and failures to `errors`. Answers
+/// the exit code.
 int runSimulatorUntilSignal(const SimulatorOptions& options, std::ostream& out, std::ostream& errors);
+
+/// Writes a firmware file for units of the model and firmware of the options. Answers the exit code.
+int writeFirmwareFor(const SimulatorOptions& options, const std::filesystem::path& file,
+                     std::ostream& errors);
 
 }  // namespace zentaq::sim

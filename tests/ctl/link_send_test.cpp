@@ -5,7 +5,7 @@ namespace zentaq {
 namespace {
 
 TEST_F(ZentaqctlOnLink, SendChangesTheRunningUnit) {
-    startUnit("A", {"--memory", memory});
+    startUnit("A", {"--running-memory", memory});
     const Outcome outcome = onUnit("send", "KNK_MIN 50");
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
     EXPECT_EQ(outcome.out, "S10411228048 accepted by ORB A 200001\n");

@@ -44,7 +44,7 @@ class DecodedFrames : public testing::TestWithParam<DecodedCase> {
 
     const UnitProfile& profile = *findProfile(GetParam().model);
     SimulatedUnit simulated{profile, defaultIdentity(profile)};
-    EngineModel engine;
+    EngineModel engine{{.serial = defaultIdentity(profile).serial, .drive = nullptr}};
     PlainUnitHost host;
     Unit unit{*unitKindOfSlot(GetParam().slot), host};
     zentaq::LiveValues live;

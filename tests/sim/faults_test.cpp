@@ -98,6 +98,54 @@ TEST(Faults, HangUpTakesTheReplyAndTheCable) {
     EXPECT_EQ(reply.cableOut, Delay(700));
 }
 
+TEST(Faults, ResetCutsTheReplyInItsMiddleAndTellsHowLongTheUnitBoots) {
+    const FaultyReply reply = injector({"reset=250"}).apply(bytesOf("W"), tenBytes);
+    ASSERT_EQ(reply.pieces.size(), 1u);
+    EXPECT_EQ(reply.pieces[0].bytes, (Bytes{0xFA, 0xA5, 0x55, 1, 2}));
+    EXPECT_EQ(reply.resetFor, Delay(250));
+    EXPECT_FALSE(reply.cableOut);
+    const FaultyReply ofALine = injector({"reset@line"}).apply(bytesOf(imageRow(0, 1)), bytesOf("AX"));
+    EXPECT_EQ(textOf(joined(ofALine)), "A");
+    EXPECT_EQ(ofALine.resetFor, Delay(400));
+    const FaultyReply ofOneByte = injector({"reset"}).apply(bytesOf("W"), Bytes{1});
+    EXPECT_TRUE(ofOneByte.pieces.empty());
+}
+
+TEST(Faults, NoiseAnswersAnyRequestWithRandomBytesOfRandomCount) {
+    FaultInjector faults = injector({"noise"});
+    std::size_t shortest = 1000;
+    std::size_t longest = 0;
+    std::vector<int> seen(256);
+    for (int i = 0; i < 2000; ++i) {
+        const auto noise = faults.mishear(bytesOf("x"));  // no command of any unit
+        ASSERT_TRUE(noise);
+        const Bytes bytes = joined(*noise);
+        shortest = std::min(shortest, bytes.size());
+        longest = std::max(longest, bytes.size());
+        for (const std::uint8_t byte : bytes) ++seen[byte];
+    }
+    EXPECT_EQ(shortest, 1u);
+    EXPECT_EQ(longest, 64u);
+    EXPECT_EQ(std::count(seen.begin(), seen.end(), 0), 0) << "every value comes";
+}
+
+TEST(Faults, NoiseKeepsToItsCommandItsOccurrenceAndItsChance) {
+    FaultInjector ofOne = injector({"noise@W#2"});
+    EXPECT_FALSE(ofOne.mishear(bytesOf("W")));
+    EXPECT_FALSE(ofOne.mishear(bytesOf("E")));
+    EXPECT_TRUE(ofOne.mishear(bytesOf("W")));
+    EXPECT_FALSE(ofOne.mishear(bytesOf("W")));
+    FaultInjector ofSome = injector({"noise%25"});
+    int struck = 0;
+    for (int i = 0; i < 2000; ++i) struck += ofSome.mishear(bytesOf("W")) ? 1 : 0;
+    EXPECT_NEAR(struck, 500, 60);
+}
+
+TEST(Faults, NoiseIsNoMatterOfAReplyAndOtherFaultsNoneOfNoise) {
+    EXPECT_EQ(once("noise"), tenBytes);
+    EXPECT_FALSE(injector({"silence"}).mishear(bytesOf("W")));
+}
+
 TEST(Faults, FaultOfACommandLeavesTheOthersAlone) {
     FaultInjector faults = injector({"silence@P2"});
     EXPECT_FALSE(faults.apply(bytesOf("P1"), bytesOf("AX")).pieces.empty());
@@ -124,6 +172,23 @@ TEST(Faults, LinesAreCountedFromTheStartOfEachTransfer) {
         }
         EXPECT_EQ(replies, "AXAXARAX") << transfer;
     }
+}
+
+TEST(Faults, LinesOfFirmwareAreLinesToo) {
+    FaultInjector faults = injector({"refuse@line#2"});
+    for (int transfer = 0; transfer < 2; ++transfer) {
+        faults.apply(bytesOf("P3"), bytesOf("AX"));
+        std::string replies;
+        for (const char* line : {"S017", "S113", "S214"}) {
+            replies += textOf(joined(faults.apply(bytesOf(line), bytesOf("AX"))));
+        }
+        EXPECT_EQ(replies, "AXARAX") << transfer;
+    }
+}
+
+TEST(Faults, CommandSAloneIsNoLine) {
+    FaultInjector faults = injector({"refuse@line"});
+    EXPECT_EQ(textOf(joined(faults.apply(bytesOf("S"), bytesOf("AX")))), "AX");
 }
 
 TEST(Faults, BurstWithoutAReplyIsNotCounted) {
@@ -170,9 +235,29 @@ TEST(FaultText, CarriesDelayCommandOccurrenceAndChance) {
     EXPECT_EQ(parseFault("flip-bit").percent, 100);
 }
 
+TEST(FaultText, OptionsNameEveryKindOnce) {
+    std::vector<FaultKind> kinds;
+    for (const FaultOption& option : faultOptions()) {
+        EXPECT_EQ(parseFault(option.name).kind, option.kind) << option.name;
+        EXPECT_EQ(std::count(kinds.begin(), kinds.end(), option.kind), 0) << option.name;
+        kinds.push_back(option.kind);
+    }
+    EXPECT_EQ(kinds.size(), 11u);
+}
+
+TEST(FaultText, OptionAndTheWordsBehindItMakeAFault) {
+    EXPECT_EQ(faultText("late", "300@W"), "late=300@W");
+    EXPECT_EQ(faultText("late", "=300@W"), "late=300@W");
+    EXPECT_EQ(faultText("lose-byte", "@W%5"), "lose-byte@W%5");
+    EXPECT_EQ(faultText("silence", "@B#2"), "silence@B#2");
+    EXPECT_EQ(faultText("silence", "%20"), "silence%20");
+    EXPECT_EQ(faultText("silence", ""), "silence");
+}
+
 TEST(FaultText, AnythingElseIsRefused) {
-    for (const char* text : {"", "boo", "silence=5", "late=", "late=-1", "late=x", "silence@", "silence@Q",
-                             "silence@W#0", "silence@W#x", "silence%", "silence%101", "silence%-1", "@W"}) {
+    for (const char* text :
+         {"", "boo", "silence=5", "late=", "late=-1", "late=x", "silence@", "silence@Q", "silence@W#0",
+          "silence@W#x", "noise=5", "silence%", "silence%101", "silence%-1", "@W"}) {
         EXPECT_THROW(parseFault(text), Failure) << text;
     }
 }

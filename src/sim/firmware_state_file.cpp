@@ -1,0 +1,53 @@
+#include "sim/firmware_state_file.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+#include "base/errors.h"
+#include "sim/memory_file.h"
+
+namespace zentaq::sim {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct StateWord {
+    FirmwareState state;
+    std::string_view word;
+};
+
+constexpr StateWord words[] = {{FirmwareState::Running, "running"},
+                               {FirmwareState::Missing, "missing"},
+                               {FirmwareState::Programmed, "programmed"}};
+
+}  // namespace
+
+fs::path firmwareStateFile(const fs::path& memoryFile) {
+    fs::path path = memoryFile;
+    return path += ".firmware";
+}
+
+std::optional<InstalledFirmware> readFirmwareState(const fs::path& path) {
+    if (!fs::exists(path)) return std::nullopt;
+    std::ifstream file(path);
+    std::string line;
+    std::getline(file, line);
+    const std::size_t blank = std::min(line.find(' '), line.size());
+    const auto* row = std::ranges::find(words, std::string_view(line).substr(0, blank), &StateWord::word);
+    const std::string text = line.substr(std::min(blank + 1, line.size()));
+    const bool known = row != std::end(words) && text.empty() == (row->state == FirmwareState::Missing);
+    if (!known) throw FileError(path.string() + " does not tell the state of a firmware");
+    return InstalledFirmware{row->state, text};
+}
+
+void writeFirmwareState(const fs::path& path, const InstalledFirmware& firmware) {
+    const auto* row = std::ranges::find(words, firmware.state, &StateWord::state);
+    std::string line(row->word);
+    if (!firmware.text.empty()) line += " " + firmware.text;
+    line += "\n";
+    writeMemoryFile(path, {line.begin(), line.end()});
+}
+
+}  // namespace zentaq::sim

@@ -1,0 +1,155 @@
+// The real zentaq-sim: that its options reach the unit.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <fstream>
+#include <optional>
+
+#include "sim/file_descriptor.h"
+#include "sim_helpers.h"
+
+namespace zentaq::sim {
+namespace {
+
+namespace fs = std::filesystem;
+using namespace test;
+using Words = std::vector<std::string>;
+
+/// The program in a process of its own; ended with the object.
+class Program {
+ public:
+    explicit Program(const Words& options) {
+        int ends[2];
+        EXPECT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+        out_ = FileDescriptor(ends[0]);
+        const FileDescriptor theirs(ends[1]);
+        Words words{ZENTAQ_APP_DIR "/zentaq-sim"};
+        words.insert(words.end(), options.begin(), options.end());
+        std::vector<char*> pointers;
+        for (std::string& word : words) pointers.push_back(word.data());
+        pointers.push_back(nullptr);
+        process_ = ::fork();
+        if (process_ == 0) {
+            ::dup2(theirs.get(), STDOUT_FILENO);
+            ::dup2(theirs.get(), STDERR_FILENO);
+            ::execv(pointers[0], pointers.data());
+            ::_exit(127);
+        }
+    }
+    ~Program() {
+        if (process_ > 0) {
+            ::kill(process_, SIGKILL);
+            ::waitpid(process_, nullptr, 0);
+        }
+    }
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    /// Waits for its end, ten seconds at most. The exit code; -1 when it did not end by itself.
+    int ended() {
+        int status = -1;
+        pollfd output{out_.get(), 0, 0};  // its end closes the pipe
+        if (::poll(&output, 1, 10'000) <= 0) ::kill(process_, SIGKILL);
+        ::waitpid(process_, &status, 0);
+        process_ = 0;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    bool ready() {
+        std::string said(6, '\0');
+        pollfd watched{out_.get(), POLLIN, 0};
+        return ::poll(&watched, 1, 10'000) == 1 && ::read(out_.get(), said.data(), said.size()) == 6 &&
+               said == "ready ";
+    }
+
+ private:
+    FileDescriptor out_;
+    pid_t process_ = 0;
+};
+
+/// A unit with these options, and the port on it.
+class UnitProgram : public testing::Test {
+ protected:
+    void start(Words options) {
+        const std::string link = (folder_.path() / "unit").string();
+        options.insert(options.end(), {"--unit", "A", "--baud", "0", "--link", link});
+        program_.emplace(options);
+        ASSERT_TRUE(program_->ready());
+        port_ = FileDescriptor(::open(link.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
+        ASSERT_TRUE(port_.valid());
+    }
+    /// What comes within so many milliseconds; `length` bytes are enough.
+    Bytes ask(std::string_view command, std::size_t length, int milliseconds = 5000) const {
+        EXPECT_EQ(::write(port_.get(), command.data(), command.size()), static_cast<ssize_t>(command.size()));
+        Bytes reply;
+        pollfd watched{port_.get(), POLLIN, 0};
+        while (reply.size() < length && ::poll(&watched, 1, milliseconds) > 0) {
+            std::uint8_t buffer[256];
+            const auto count = ::read(port_.get(), buffer, sizeof buffer);
+            if (count <= 0) break;
+            reply.insert(reply.end(), buffer, buffer + count);
+        }
+        return reply;
+    }
+
+ private:
+    TemporaryFolder folder_;
+    std::optional<Program> program_;
+    FileDescriptor port_;
+};
+
+TEST_F(UnitProgram, FaultOptionsTakeTheRestOfTheWords) {
+    start({"--refuse", "@A", "--refuse", "@K", "--silence", "@T#1", "--late", "1@E"});
+    EXPECT_EQ(textOf(ask("A", 2)), "AR");
+    EXPECT_EQ(textOf(ask("K", 2)), "AR");
+    EXPECT_EQ(textOf(ask("S", 2)), "AX");
+    EXPECT_TRUE(ask("T", 16, 50).empty());
+    EXPECT_EQ(ask("T", 16).size(), 16u);
+    EXPECT_EQ(ask("E", 8).size(), 8u);
+}
+
+TEST_F(UnitProgram, FaultOptionAloneStrikesEveryCommand) {
+    start({"--refuse"});
+    EXPECT_EQ(textOf(ask("A", 2)), "AR");
+    EXPECT_EQ(textOf(ask("E", 2)), "AR");
+}
+
+TEST_F(UnitProgram, UpgradeModeAndPinsReachTheUnit) {
+    start({"--upgrade-mode", "--gpio", "2=77"});
+    EXPECT_EQ(ask("I", 21).at(4), 77);
+    EXPECT_EQ(textOf(ask("P3", 2)), "AX");
+}
+
+TEST_F(UnitProgram, AdapterOptionsReachTheAdapter) {
+    start({"--drop-writes", "2"});
+    EXPECT_EQ(ask("EEEE", 16).size(), 16u);
+    EXPECT_EQ(textOf(ask("A", 2)), "AX");
+}
+
+TEST(ProgramOptions, FirmwareFileIsMadeAndTheProgramEnds) {
+    const TemporaryFolder folder;
+    const std::string file = (folder.path() / "ZQC404001.nv3").string();
+    EXPECT_EQ(Program({"--unit", "C", "--firmware", "ZQC-404001", "--make-firmware", file}).ended(), 0);
+    std::ifstream content(file);
+    std::string header;
+    std::getline(content, header);
+    EXPECT_EQ(header.substr(0, 8), "S0170000");
+    EXPECT_EQ(Program({"--unit", "C", "--firmware", "ZQA-505100", "--make-firmware", file}).ended(), 1);
+}
+
+TEST(ProgramOptions, WrongOnesEndWithTwo) {
+    EXPECT_EQ(Program({"--unit", "A", "--burst", "0"}).ended(), 2);
+    EXPECT_EQ(Program({"--unit", "A", "--drop-writes", "-1"}).ended(), 2);
+    EXPECT_EQ(Program({"--unit", "A", "--thunder"}).ended(), 2);
+}
+
+TEST(ProgramOptions, WrongWordsOfAFaultEndWithOne) {
+    EXPECT_EQ(Program({"--unit", "A", "--silence", "300"}).ended(), 1);
+    EXPECT_EQ(Program({"--unit", "A", "--late", "@Q"}).ended(), 1);
+}
+
+}  // namespace
+}  // namespace zentaq::sim
