@@ -1,5 +1,5 @@
 // S-records with anything in them, on all ways in: one line read, a stream cut into records, a unit that is
-// programmed, and a firmware file that the link sends line by line.
+// programmed, a firmware file that the link sends line by line, and one that is looked at before.
 // The first byte of an input chooses the way, the rest is the text.
 #include <array>
 #include <cstdint>
@@ -9,8 +9,10 @@
 #include <string>
 #include <vector>
 
+#include "base/errors.h"
 #include "base/text.h"
 #include "fuzzing.h"
+#include "link/firmware_file.h"
 #include "link/link.h"
 #include "link/recording_link_host.h"
 #include "live/frame_decoder.h"
@@ -143,12 +145,45 @@ void sendFirmware(std::string_view text) {
     host.locks.clear();
 }
 
+/// All that a file is refused for, said once more: its digits add up, line by line.
+bool addsUp(std::string_view line) {
+    if (line.size() < 4 || line.size() % 2 != 0 || line.size() > 4 + 2 * 255) return false;
+    unsigned sum = 0;
+    for (std::size_t at = 2; at < line.size(); ++at) {
+        const auto digit = std::string_view("0123456789ABCDEF").find(line[at]);
+        if (digit == std::string_view::npos) return false;
+        sum += static_cast<unsigned>(digit) * (at % 2 == 0 ? 16U : 1U);
+    }
+    return (sum & 0xFFU) == 0xFFU;
+}
+
+void checkFile(std::string_view text) {
+    FirmwareFile file;
+    try {
+        file = checkFirmware(text);
+    } catch (const Failure&) {
+        return;
+    }
+    int lines = 0;
+    std::string_view last;
+    for (std::string_view rest = text; !rest.empty(); ++lines) {
+        const std::size_t end = rest.find('\n');
+        last = rest.substr(0, end);
+        if (last.ends_with('\r')) last.remove_suffix(1);
+        require(addsUp(last), "a file that is taken holds whole records only");
+        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+    }
+    require(lines == file.lines, "every line is counted");
+    require(last[1] >= '7', "the end record stands at the end");
+    require(file.dataBytes > 0, "a file that is taken holds data");
+}
+
 }  // namespace
 }  // namespace zentaq::fuzzing
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace zentaq::fuzzing;
-    static constexpr std::array ways = {readLine, cutStream, programUnit, sendFirmware};
+    static constexpr std::array ways = {readLine, cutStream, programUnit, sendFirmware, checkFile};
     if (size == 0) return 0;
     const std::span bytes(data, size);
     ways.at(bytes[0] % ways.size())(textOf(bytes.subspan(1)));

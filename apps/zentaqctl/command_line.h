@@ -34,6 +34,14 @@ struct Arguments {
     std::string port = "1";
     std::optional<double> seconds;
     std::string log;
+    std::string trace;
+    std::string command;
+    std::optional<double> fromSeconds;
+    std::optional<double> toSeconds;
+    bool problems = false;
+    bool summary = false;
+    bool confirmed = false;
+    std::string kindWithoutFirmware;
     bool clear = false;
     bool csv = false;
     std::optional<int> index;
@@ -74,6 +82,7 @@ class CommandLine {
     // command_line_link.cpp
     void addLink();
     void addLinkTransfers();
+    void addTraces();
     CLI::App* addOnPort(const char* name, const char* what, Run run);
     CLI::Option* addScaling(CLI::App* command, const char* what);
 

@@ -1,14 +1,18 @@
 // The commands that speak with a unit, on the command line.
 #include "base/number_text.h"
 #include "command_line.h"
+#include "commands.h"
 #include "commands_link.h"
+#include "link/link_commands.h"
 #include "link_desk.h"
+#include "unit_names.h"
 
 namespace zentaq::ctl {
 
 namespace {
 
 constexpr int done = 0;
+constexpr int notConfirmed = 2;
 constexpr int noUnit = 3;
 constexpr int interrupted = 128;
 
@@ -22,6 +26,23 @@ std::string validSeconds(const std::string& text) {
     return parseNumber(text).value_or(0) > 0 ? std::string() : text + " is no time in seconds";
 }
 
+std::string validKind(const std::string& text) {
+    return unitKindOf(text) != nullptr ? std::string()
+                                       : text + " is no unit kind such as A, L, C, D, D6 or PZK-2";
+}
+
+std::string validTrace(const std::string& text) {
+    return text.empty() || text == "-" ? "a trace goes to a file" : std::string();
+}
+
+std::string validTracedCommand(const std::string& text) {
+    return findCommand(text) != nullptr || text == "?" ? std::string() : text + " is no command of the line";
+}
+
+std::string validMoment(const std::string& text) {
+    return parseNumber(text).value_or(-1) >= 0 ? std::string() : text + " is no time in seconds";
+}
+
 /// A command of the link; where no unit is reached, or a signal ends it, scripts see another status than for
 /// a unit that refused.
 template <typename Work>
@@ -33,6 +54,9 @@ Run linking(Work&& work) {
         } catch (const NoUnit& failure) {
             context.notes << failure.what() << '\n';
             return noUnit;
+        } catch (const NotConfirmed& failure) {
+            context.notes << failure.what() << '\n';
+            return notConfirmed;
         } catch (const Interrupted& failure) {
             context.notes << failure.what() << '\n';
             return interrupted + failure.signal;
@@ -48,7 +72,16 @@ MonitorForm formOf(const Arguments& given) {
 }  // namespace
 
 CLI::App* CommandLine::addOnPort(const char* name, const char* what, Run run) {
-    CLI::App* command = add(name, what, std::move(run));
+    const auto traced = [this, run = std::move(run)](const Context& context) {
+        Context given = context;
+        given.trace = given_.trace;
+        return run(given);
+    };
+    CLI::App* command = add(name, what, traced);
+    command
+        ->add_option("--trace", given_.trace,
+                     "Record what passes over the line; the command trace shows the file")
+        ->check(CLI::Validator(validTrace, "FILE"));
     command
         ->add_option("--port", given_.port,
                      "Number of the port, as the command ports lists it, or the path of a device")
@@ -89,6 +122,7 @@ void CommandLine::addLink() {
     CLI::Option* clear = list->add_flag("--clear", given.clear, "Have the unit forget its codes instead");
     list->add_flag("--json", given.json, "Answer in JSON")->excludes(clear);
     addLinkTransfers();
+    addTraces();
 }
 
 void CommandLine::addLinkTransfers() {
@@ -97,6 +131,19 @@ void CommandLine::addLinkTransfers() {
         addOnPort("program", "Program a calibration into the unit",
                   linking([&given](const Context& context) { program(context, given.port, given.file); }));
     load->add_option("FILE", given.file, "Calibration file")->required();
+
+    CLI::App* upgrade =
+        addOnPort("firmware", "Give the unit a new firmware", linking([&given](const Context& context) {
+                      firmware(context, given.port, {given.file, given.confirmed, given.kindWithoutFirmware});
+                  }));
+    upgrade->add_option("FILE", given.file, "Firmware file (*.nv3)")->required();
+    upgrade->add_flag("--yes", given.confirmed,
+                      "Do not ask: I have read the guide's page on firmware upgrades");
+    upgrade
+        ->add_option(
+            "--unit-without-firmware", given.kindWithoutFirmware,
+            "Mend a unit that lost its firmware and answers nothing: its kind, A, L, C, D, D6 or PZK-2")
+        ->check(CLI::Validator(validKind, "KIND"));
 
     CLI::App* log =
         addOnPort("datalog", "Retrieve the unit's own datalog", linking([&given](const Context& context) {
@@ -115,6 +162,26 @@ void CommandLine::addLinkTransfers() {
     addScaling(watch, "Calibration file that scales the values");
     CLI::Option* csv = watch->add_flag("--csv", given.csv, "One line a frame, separated by commas");
     watch->add_flag("--json", given.json, "One line of JSON a frame")->excludes(csv);
+}
+
+void CommandLine::addTraces() {
+    Arguments& given = given_;
+    CLI::App* shown =
+        add("trace", "Show a wire trace, made by --trace or the program", [&given](const Context& context) {
+            showTrace(context, given.file,
+                      {given.command, given.fromSeconds, given.toSeconds, given.problems}, given.summary);
+            return done;
+        });
+    shown->add_option("FILE", given.file, "Wire trace")->required();
+    shown->add_option("--command", given.command, "Only what belongs to this command")
+        ->check(CLI::Validator(validTracedCommand, "COMMAND"));
+    shown->add_option("--from", given.fromSeconds, "Only from this time on, counted from the beginning")
+        ->check(CLI::Validator(validMoment, "SECONDS"));
+    shown->add_option("--to", given.toSeconds, "Only up to this time")
+        ->check(CLI::Validator(validMoment, "SECONDS"));
+    shown->add_flag("--problems", given.problems, "Only what went wrong, each with the line in front of it");
+    shown->add_flag("--summary", given.summary, "Only counts, times and problems by kind");
+    addJson(shown);
 }
 
 }  // namespace zentaq::ctl

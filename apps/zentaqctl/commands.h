@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "context.h"
+#include "link/trace_file.h"
 
 namespace zentaq::ctl {
 
@@ -73,6 +74,11 @@ void makeNew(const Context& context, const NewCalibration& wanted);
 /// Of all unit kinds where `model` is empty.
 void listEngines(const Context& context, const std::string& model);
 void listSensors(const Context& context);
+
+// ---- Wire traces: commands_trace.cpp
+
+/// The chosen lines and what they add up to, or that alone.
+void showTrace(const Context& context, const std::string& file, const TraceFilter& filter, bool summaryOnly);
 
 // ---- Replies: commands_decode.cpp
 

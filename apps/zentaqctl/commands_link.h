@@ -36,6 +36,17 @@ void program(const Context& context, const std::string& port, const std::string&
 void datalog(const Context& context, const std::string& port, const std::string& output,
              const std::string& calibration);
 
+// ---- A new firmware: commands_link_firmware.cpp
+
+struct FirmwareWish {
+    std::string file;
+    bool confirmed = false;  ///< the user knows what is told in the warning
+    std::string
+        kindWithoutFirmware;  ///< what the unit is that cannot say it any more; empty for one that can
+};
+/// Throws NotConfirmed where the user has not confirmed and cannot be asked.
+void firmware(const Context& context, const std::string& port, const FirmwareWish& wish);
+
 // ---- Watching: commands_link_monitor.cpp
 
 enum class MonitorForm { Seconds, Json, Csv };

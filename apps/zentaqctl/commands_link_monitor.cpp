@@ -10,6 +10,7 @@
 #include "base/json_writer.h"
 #include "base/number_text.h"
 #include "commands_link.h"
+#include "link/frame_timing.h"
 #include "link/headless_monitor.h"
 #include "link_desk.h"
 #include "link_texts.h"
@@ -113,6 +114,21 @@ class FrameWriter {
     std::vector<LiveField> fields_;
 };
 
+/// Measures while it lives.
+class TimedPort {
+ public:
+    explicit TimedPort(SerialPort& port) : port_(port) { port_.watch(timing_); }
+    ~TimedPort() { port_.unwatch(timing_); }
+    TimedPort(const TimedPort&) = delete;
+    TimedPort& operator=(const TimedPort&) = delete;
+
+    std::string words(std::int64_t nowUs) const { return frameTimesText(timing_.shares(nowUs)); }
+
+ private:
+    SerialPort& port_;
+    FrameTiming timing_;
+};
+
 std::unique_ptr<std::ofstream> openLog(const std::string& file) {
     if (file.empty()) return nullptr;
     auto log = std::make_unique<std::ofstream>(file, std::ios::binary | std::ios::trunc);
@@ -177,6 +193,7 @@ void monitor(const Context& context, const std::string& port, const MonitorWish&
         wishes.onSecond = [&](int seconds) { writer.second(seconds, watch->frames()); };
     }
     watch = std::make_unique<HeadlessMonitor>(desk.session(), std::move(wishes));
+    const TimedPort timed(desk.port());
     const Ending ending = watch->run();
     writer.flush();
     if (log != nullptr) {
@@ -185,6 +202,8 @@ void monitor(const Context& context, const std::string& port, const MonitorWish&
         context.notes << numberText(watch->records()) << " lines written to " << wish.log << '\n';
     }
     requireFrames(ending, watch->frames(), wish.log);
+    const std::string times = timed.words(desk.session().clock().monotonicUs());
+    if (context.out && !times.empty()) context.notes << times << '\n';
 }
 
 }  // namespace zentaq::ctl

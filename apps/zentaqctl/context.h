@@ -17,6 +17,7 @@ struct Context {
     std::ostream& out;
     std::ostream& notes;  ///< what a user must know though the command was done
     bool json = false;
+    std::string trace;  ///< file for the wire trace of a command of the link; empty for none
 };
 
 std::unique_ptr<QuietCalibration> openCalibration(const Context& context, const std::string& file);

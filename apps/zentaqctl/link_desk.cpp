@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <ostream>
 
 #include "base/number_text.h"
@@ -52,6 +53,7 @@ void ProgressLine::clear() {
 
 LinkDesk::LinkDesk(const Context& context, const std::string& port, UnitHost& unitHost, Unit* calibration)
     : context_(context),
+      trace_(clock_),
       progress_(context.notes),
       choice_(portChoice(port)),
       port_(clock_, portsOf(choice_)),
@@ -61,13 +63,24 @@ LinkDesk::LinkDesk(const Context& context, const std::string& port, UnitHost& un
                 .pass = loop_,
                 .unitHost = unitHost,
                 .calibration = calibration,
-                // What nobody can read any more needs no asking: a full disk behind an endless monitor.
-                .stopWanted = [this] { return signals_.received() != 0 || !context_.out; },
-                .watch = [this](const LinkStatus& status) { progress_.show(status); }}),
+                .stopWanted = [this] { return stopWanted(); },
+                .watch = [this](const LinkStatus& status) { progress_.show(status); },
+                .trace = &trace_}),
       portName_(choice_.path.empty() ? "port " + numberText(choice_.number) : choice_.path) {
     loop_.onTick([this] { session_.link().tick(); });
+    beginTrace();
     open(choice_.number);
     loop_.start();
+}
+
+void LinkDesk::beginTrace() {
+    if (context_.trace.empty()) return;
+    trace_.onFailure([this](const std::string& why) {
+        progress_.clear();
+        context_.notes << "The trace has ended: " << why << '\n';
+    });
+    trace_.start(context_.trace);
+    port_.watch(trace_);
 }
 
 PosixSerialPort::PortSource LinkDesk::portsOf(const PortChoice& choice) const {
@@ -87,11 +100,34 @@ void LinkDesk::open(int number) {
     }
 }
 
-Found LinkDesk::findAnyUnit() {
+Found LinkDesk::search() {
     const Found found = session_.findUnit();
     progress_.clear();
     tellBoxes();
     if (found == Found::Stopped) throw Interrupted("Interrupted. Nothing was changed in the unit.", signal());
+    return found;
+}
+
+bool LinkDesk::stopWanted() {
+    // What nobody can read any more needs no asking: a full disk behind an endless monitor.
+    if (stopWarning_.empty()) return signals_.received() != 0 || !context_.out;
+    const int number = signals_.received();
+    if (number == 0) return false;
+    constexpr std::int64_t graceUs = 3'000'000;
+    const std::int64_t now = clock_.monotonicUs();
+    const bool warned = stopWarnedUs_ != 0 && now - stopWarnedUs_ <= graceUs;
+    // The second signal stays: this is asked again until the transfer may be broken off.
+    if (number != SIGHUP && (warned || stopping_)) return stopping_ = true;
+    signals_.forget();
+    if (number == SIGHUP) return false;
+    progress_.clear();
+    context_.notes << stopWarning_ << std::endl;
+    stopWarnedUs_ = now;
+    return false;
+}
+
+Found LinkDesk::findAnyUnit() {
+    const Found found = search();
     if (found == Found::Nobody) throw NoUnit(std::string(noUnitConnected) + " (" + portName_ + ")");
     if (found == Found::Untold) {
         throw Failure(unitName() + " does not tell its firmware: nothing can be done with it.");

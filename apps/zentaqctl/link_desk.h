@@ -28,6 +28,12 @@ class Interrupted : public Failure {
     int signal;
 };
 
+/// The command needs a word of the user which nobody can give here. Exit status 2.
+class NotConfirmed : public Failure {
+ public:
+    using Failure::Failure;
+};
+
 /// The port that a user names: a number of the list, or the path of a device.
 struct PortChoice {
     int number = 1;
@@ -64,8 +70,16 @@ class LinkDesk {
     /// The same, but a unit that must be upgraded first is told on the standard error only.
     Found findAnyUnit();
 
+    /// The same, but whoever is there, or nobody, is an answer. Throws Interrupted only.
+    Found search();
+
+    /// From now on a signal is answered by a warning, and only a second one within three seconds ends.
+    /// A terminal that is closed ends nothing.
+    void stopOnSecondSignal(std::string warning) { stopWarning_ = std::move(warning); }
+
     HeadlessSession& session() { return session_; }
     Link& link() { return session_.link(); }
+    SerialPort& port() { return port_; }
     /// "ORB A 000123".
     std::string unitName();
     const std::string& portName() const { return portName_; }
@@ -78,11 +92,14 @@ class LinkDesk {
 
  private:
     PosixSerialPort::PortSource portsOf(const PortChoice& choice) const;
+    void beginTrace();
     void open(int number);
     void tellBoxes();
+    bool stopWanted();
 
     const Context& context_;
     PosixClock clock_;
+    WireTrace trace_;  ///< outlives the port, to see it closed
     PosixStopSignals signals_;
     ProgressLine progress_;
     PortChoice choice_;
@@ -91,6 +108,9 @@ class LinkDesk {
     HeadlessSession session_;
     std::string portName_;
     std::size_t boxesTold_ = 0;
+    std::string stopWarning_;        ///< empty: the first signal ends
+    bool stopping_ = false;          ///< the second signal came
+    std::int64_t stopWarnedUs_ = 0;  ///< 0: not warned yet
 };
 
 }  // namespace zentaq::ctl

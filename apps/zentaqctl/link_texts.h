@@ -31,6 +31,22 @@ inline constexpr std::string_view notDownloaded =
     "try "
     "again.";
 
+inline constexpr std::string_view loadCalibration =
+    "The BIN file MUST be loaded before starting your engine. The unit may operate upredictably until the "
+    "BIN file is loaded.";
+inline constexpr std::string_view firmwareFailed =
+    "The firmware upgrade operation failed. Please verify that the ORB has power and try again. There is now "
+    "no firmware installed on this unit, the upgrade must be completed successfully before the unit will "
+    "function.";
+inline constexpr std::string_view firmwareNotStarted =
+    "The firmware upgrade operation failed. Please verify that the ORB is in the upgrade mode then try "
+    "again. "
+    "The previous version of the firmware is still intact.";
+inline constexpr std::string_view unitLost =
+    "This unit will no longer communicate. The firmware upgrade operation failed. Please contact Norvalia "
+    "for "
+    "repairs.";
+
 /// A text of several lines on one; empty lines go.
 std::string onOneLine(std::string_view text);
 

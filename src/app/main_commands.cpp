@@ -8,6 +8,7 @@
 #include "base/text.h"
 #include "config/gui_rules.h"
 #include "config/tree.h"
+#include "link/firmware_file.h"
 #include "unit/file_kind.h"
 
 namespace zentaq {
@@ -88,6 +89,7 @@ bool MainCommands::saveChecked() {
 }
 
 void MainCommands::newCalibration() {
+    if (refusedByTransfer()) return;
     if (!leaveGeneralConfig()) return;
     // Asked whether or not something was changed: the file on the disk may be all there is of this tune.
     if (session_.header().fileState == "OLD") {
@@ -105,6 +107,7 @@ bool MainCommands::leaveGeneralConfig() {
 }
 
 void MainCommands::open() {
+    if (refusedByTransfer()) return;
     if (!leaveGeneralConfig()) return;
     // A save that was wanted and failed ends the command, so that nothing is lost.
     if (!session_.CurrentFile.empty() && !offerToSave()) return;
@@ -301,6 +304,7 @@ bool MainCommands::saveUnderNewName() {
 
 void MainCommands::close() {
     if (session_.CurrentFile.empty()) return;
+    if (refusedByTransfer()) return;
     if (!offerToSave()) return;
     session_.windows().removeForms();
     session_.initializeOnFly(false);
@@ -315,17 +319,19 @@ void MainCommands::close() {
 }
 
 void MainCommands::programOrb() {
+    if (refusedByTransfer()) return;
     if (!leaveGeneralConfig()) return;
     Messages& messages = session_.messages;
     const int linkedKind = session_.link.linked().LinkedUnitKind;
     if (session_.CurrentFile.empty()) return messages.Display_Error(1003);
     if (linkedKind == 0) return messages.Display_Error(1005);
     if (session_.currentUnit() != linkedKind) return messages.Display_Error(1006);
-    if (session_.link.TransferActive()) return;
     if (session_.currentUnitObject().FW_Release() < session_.expectedRelease(linkedKind)) {
         messages.Display_Warning(1007);
     }
     if (!offerToSave()) return;
+    // The boxes let other commands in.
+    if (refusedByTransfer()) return;
     session_.link.AutoPollSuspended(true);
     session_.windows().removeForms();
     endOnFailure(
@@ -340,38 +346,130 @@ void MainCommands::programOrb() {
         });
 }
 
+// ---- Firmware
+
+void MainCommands::firmwareUpgrade() {
+    if (refusedByTransfer()) return;
+    const Answer answer = session_.dialogs().show({.title = "FIRMWARE UPGRADE WARNING",
+                                                   .text = firmwareWarning(),
+                                                   .icon = Icon::Exclamation,
+                                                   .buttons = Buttons::OkCancel});
+    if (answer != Answer::Ok) return;
+    const std::string path = chooseFirmware();
+    if (!path.empty() && firmwareIsValid(path)) startFirmware(path);
+}
+
+std::string MainCommands::chooseFirmware() {
+    FileRequest request;  // dlgFirmware
+    request.title = "Norvalia Firmware Files";
+    request.folder = session_.applicationFolder() + "/bin";
+    request.filter = "Norvalia Firmware(*.nv3)|*.nv3";
+    return session_.dialogs().openFile(request);
+}
+
+bool MainCommands::firmwareIsValid(const std::string& path) {
+    // A unit that has lost its firmware cannot say what it is: then the calibration in hand does, and without
+    // one any name is taken, or such a unit could not be mended.
+    const int linked = session_.link.linked().LinkedUnitKind;
+    const Unit& unit = session_.Units(linked != 0 ? linked : session_.currentUnit());
+    if (!unit.ValidFirmware(fileNameOf(path))) {
+        session_.dialogs().show({"Invalid Firmware", "This firmware file is not valid for this unit.",
+                                 Icon::Critical, Buttons::Ok});
+        return false;
+    }
+    // The transfer itself takes any lines, and a file that runs out for a success. A unit would be left with
+    // half a firmware, so nothing goes out of a file that is not whole.
+    return endOnFailure(
+        [&] { checkFirmwareFile(path); },
+        [&](const std::string& why) {
+            session_.sysLog("Firmware file not sent: " + why);
+            session_.dialogs().show(
+                {"Firmware File Error",
+                 fileNameOf(path) + " is no whole firmware file.\n" + why +
+                     "\nNothing was sent to the unit.  Please get the file anew and try again.",
+                 Icon::Critical, Buttons::Ok});
+        });
+}
+
+void MainCommands::startFirmware(const std::string& path) {
+    // The boxes let other commands in.
+    if (refusedByTransfer()) return;
+    session_.link.AutoPollSuspended(true);
+    session_.windows().removeForms();
+    endOnFailure([&] { session_.link.Program_Unit(TransferMode::Firmware, path); },
+                 [&](const std::string& why) {
+                     session_.sysLog("Firmware not sent: " + why);
+                     session_.link.AutoPollSuspended(false);
+                     session_.dialogs().show(
+                         {"Firmware Upgrade",
+                          "The firmware upgrade could not begin.\n" + why + "\nNothing was sent to the unit.",
+                          Icon::Critical, Buttons::Ok});
+                 });
+}
+
+// ---- While a transfer runs
+
+bool MainCommands::refusedByTransfer() {
+    if (!session_.link.transferPending()) return false;
+    session_.inform("A transfer is running.  Please wait until it has ended.");
+    return true;
+}
+
+bool MainCommands::mayBreakTransfer() {
+    const Link& link = session_.link;
+    if (!link.transferPending()) return true;
+    const bool firmware = link.firmwarePending();
+    const Answer answer = session_.dialogs().show(
+        {.title = "Transfer Running",
+         .text = firmware ? "A firmware upgrade is running.\n"
+                            "If the program ends now there will be no firmware on this unit, and the upgrade "
+                            "must be completed successfully before the unit will function.\n"
+                            "End the program all the same?"
+                          : "The unit is being programmed, or its datalog retrieved.\n"
+                            "If the program ends now the transfer fails. The unit keeps the calibration that "
+                            "it has, and its power must be cycled.\n"
+                            "End the program all the same?",
+         .icon = Icon::Critical,
+         .buttons = Buttons::YesNo,
+         .declines = true});
+    return answer == Answer::Yes;
+}
+
 void MainCommands::killEngine() {
+    if (refusedByTransfer()) return;
     session_.link.Send_ORB_Command("K");
 }
 
 void MainCommands::zeroAdvance() {
+    if (refusedByTransfer()) return;
     session_.zeroAdvance = !session_.zeroAdvance;
     session_.link.Send_ORB_Command(session_.zeroAdvance ? std::string("Z\xFF") : std::string("Z\0", 2));
 }
 
 void MainCommands::refreshCodes() {
+    if (refusedByTransfer()) return;
     session_.refreshCodes();
 }
 
 void MainCommands::clearCodes() {
+    if (refusedByTransfer()) return;
     session_.codes.Clear_CHKE();
     session_.link.Send_ORB_Command("A");
 }
 
 void MainCommands::storeOnFly() {
+    if (refusedByTransfer()) return;
     session_.link.Send_ORB_Command("S");
 }
 
 void MainCommands::identify() {
+    if (refusedByTransfer()) return;
     session_.link.Send_ORB_Command("E");
     session_.link.Send_ORB_Command("B");
 }
 
 int MainCommands::autodetectPort() {
-    if (session_.link.TransferActive()) {
-        session_.inform("A transfer is running.  Please search the unit when it has ended.");
-        return 0;
-    }
+    if (refusedByTransfer()) return 0;
     const int former = session_.link.commPort();
     const int port = session_.link.Autodetect_COMM_Port();
     if (port == 0) {
@@ -387,8 +485,17 @@ int MainCommands::autodetectPort() {
     return port;
 }
 
+void MainCommands::choosePort(int number) {
+    if (refusedByTransfer()) return;
+    session_.link.commPort(number);
+    session_.settings().set("System", "CommPort", numberText(number));
+    session_.link.editStatus().port = numberText(number);
+    session_.link.ORB_Initialize();
+}
+
 void MainCommands::loadCommand(int code) {
     if (code == 2) {
+        if (refusedByTransfer()) return;  // it opens the port anew
         session_.Monitoring = true;
         skipFailing([&] { session_.AutoMonitoring = session_.settingNumber("AutoMonitor") == 1; });
         session_.link.ORB_Initialize();

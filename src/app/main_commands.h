@@ -26,13 +26,20 @@ class MainCommands {
     bool offerToSave();
 
     // ---- The unit
-    void programOrb();    ///< mnuProgramORB
-    void killEngine();    ///< mnuMonitor_KillEngine
-    void zeroAdvance();   ///< mnuZeroAdv: toggles
-    void refreshCodes();  ///< mnuClearDashCodes
-    void clearCodes();    ///< mnuORB_ClearCodes
-    void storeOnFly();    ///< makes on-the-fly changes permanent in the unit
-    void identify();      ///< asks the unit again who it is
+    void programOrb();       ///< mnuProgramORB
+    void firmwareUpgrade();  ///< mnuFirmwareUpgrade
+    /// While a transfer runs or waits to: tells that the command must wait, and answers true. Commands that
+    /// would change the calibration, the port or the line under it begin with this question.
+    bool refusedByTransfer();
+    /// Before the program ends: asks whether a transfer that runs or waits may be broken off. False: stay.
+    bool mayBreakTransfer();
+    void killEngine();            ///< mnuMonitor_KillEngine
+    void zeroAdvance();           ///< mnuZeroAdv: toggles
+    void refreshCodes();          ///< mnuClearDashCodes
+    void clearCodes();            ///< mnuORB_ClearCodes
+    void storeOnFly();            ///< makes on-the-fly changes permanent in the unit
+    void identify();              ///< asks the unit again who it is
+    void choosePort(int number);  ///< the user's choice: stored, and opened
     /// Port search; on success stores the port. Answers the port or 0.
     int autodetectPort();
     /// 2 starts a monitor session, 3 ends it.
@@ -70,6 +77,10 @@ class MainCommands {
     /// cancelled.
     bool saveCurrent();
     bool saveUnderNewName();
+    /// The firmware file of the user's choice, whole and for this unit; empty when there is none.
+    std::string chooseFirmware();
+    bool firmwareIsValid(const std::string& path);
+    void startFirmware(const std::string& path);
     /// Saves and tells a failure. True when the file is whole on the disk.
     bool saveChecked();
 

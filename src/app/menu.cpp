@@ -27,7 +27,17 @@ bool savable(const Session& session) {
 }
 
 bool unitOnLink(const Session& session) {
-    return session.link.linked().LinkedUnitKind != 0 && !session.link.TransferActive();
+    return session.link.linked().LinkedUnitKind != 0 && !session.link.transferPending();
+}
+
+bool noTransfer(const Session& session) {
+    return !session.link.transferPending();
+}
+
+/// Also without a unit that answers: one that has lost its firmware is mended by this command. A unit of the
+/// oldest firmware takes none.
+bool firmwareUpgradable(const Session& session) {
+    return session.link.status().firmwareUpgradeEnabled && noTransfer(session);
 }
 
 /// Without a calibration the command itself tells what is missing.
@@ -91,7 +101,7 @@ constexpr std::array menus{
     MenuEntry{"mnuMAPSensors", "MAP Sensor Manager...", "mnuTools", "", always},
     MenuEntry{"mnuOptions", "Options...", "mnuTools", "Ctrl+,", always},
     MenuEntry{"mnuControlPanel", "Control Panel", "mnuTools", "", always},
-    MenuEntry{"mnuFirmwareUpgrade", "Firmware Upgrade", "mnuTools", "", later},
+    MenuEntry{"mnuFirmwareUpgrade", "Firmware Upgrade", "mnuTools", "", firmwareUpgradable},
 
     MenuEntry{"mnuWindow", "&Window", "", "", always},
     MenuEntry{"mnuAdvTbl", "&Advance Table", "mnuWindow", "Ctrl+1", always},

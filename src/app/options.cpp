@@ -209,6 +209,7 @@ std::vector<std::string> Options::apply() {
     applyDashboard();
     session_.windows().showCommList(on("chkShowCommDialog"));
     session_.windows().initializeRecorderRows();
+    applyTrace();
     session_.sysLog("Application Options Have Been Applied.");
     session_.sysLog("**NOTE: Some changes require program restart before taking effect.");
     return refused_;
@@ -224,6 +225,11 @@ void Options::applyPort() {
 void Options::applyLog() {
     store(settings::AutoLog, value("chkAutoLog"));
     session_.console.LogToFile(on("chkAutoLog"));
+}
+
+void Options::applyTrace() {
+    store(settings::WireTrace, value("chkWireTrace"));
+    session_.applyTrace();
 }
 
 void Options::applySettings() {

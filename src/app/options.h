@@ -103,6 +103,7 @@ class Options {
     void convertAlarms();
     void applyPort();
     void applyLog();
+    void applyTrace();
     void applySettings();
     void applySetting(const OptionRow& row);
     bool refusedNumber(const std::string& text);

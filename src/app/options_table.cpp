@@ -75,6 +75,16 @@ constexpr std::array table{
               .helpKey = "helpoptcomm",
               .help = "Remembered with the other options; nothing depends on it.",
               .words = "interval sync"},
+    OptionRow{.control = "chkWireTrace",
+              .caption = "Record what passes over the serial line",
+              .access = 'e',
+              .page = OptionPage::Communications,
+              .key = settings::WireTrace,
+              .design = "0",
+              .helpKey = "helpoptcomm",
+              .help = "Writes every byte that is sent and received, with its time and meaning, to the file "
+                      "zentaq.trace beside the program, for whoever helps you. The link stays as fast.",
+              .words = "wire trace log bytes support protocol problem help"},
 
     OptionRow{.control = "chkFileOpen",
               .caption = "Start Program with BIN File Open Prompt",

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "app/settings_keys.h"
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
@@ -18,6 +19,9 @@ constexpr std::array unitSlots{0, 3, 4, 5, 6, 7, 8};
 /// How often a closed port is looked for.
 constexpr std::int64_t portCheckUs = 1'000'000;
 
+/// How often the shares of a frame are told.
+constexpr std::int64_t timesUs = 500'000;
+
 /// The version in file headers is the part of the version text behind its first two characters.
 constexpr std::size_t majorPart = 2;
 
@@ -32,11 +36,17 @@ Session::Session(const Platform& platform)
       link(platform.port, *this, decoder, live, platform.settings, platform.clock, platform.yield),
       poller(
           link, [this] { refreshCodes(); }, [this] { windows_->updateDisplay(); }),
+      trace(platform.clock),
       platform_(platform) {
+    for (LineWatch* watcher : watchers()) platform_.port.watch(*watcher);
+    trace.onFailure([this](const std::string& why) { sysLog("Wire trace ended: " + why); });
     messages.onMark([this](std::string_view state) {
         if (state == "Modified") markModified();
     });
-    platform_.ticker.onTick([this] { link.tick(); });
+    platform_.ticker.onTick([this] {
+        link.tick();
+        poller.tick();
+    });
     units_[0] = std::make_unique<Unit>(nullKind(), *this);
 }
 
@@ -44,6 +54,7 @@ Session::~Session() {
     platform_.ticker.stop();
     platform_.ticker.onTick({});
     platform_.port.onEvent({});
+    for (LineWatch* watcher : watchers()) platform_.port.unwatch(*watcher);
 }
 
 void Session::makeUnits() {
@@ -80,6 +91,31 @@ void Session::poll(bool secondTabShowing) {
         }
     }
     poller.fire({.tab2Showing = secondTabShowing, .autoVeOn = false});
+    trace.tend();
+    showFrameTimes();
+}
+
+void Session::showFrameTimes() {
+    const std::int64_t now = platform_.clock.monotonicUs();
+    if (now < nextTimesUs_) return;
+    nextTimesUs_ = now + timesUs;
+    link.showFrameTimes(frameTimesText(timing.shares(now)));
+}
+
+void Session::applyTrace() {
+    const bool wanted = platform_.settings.get(settings::system, settings::WireTrace) == "1";
+    if (wanted == trace.running()) return;
+    if (!wanted) {
+        trace.stop();
+        return sysLog("Wire trace ended: " + traceFile());
+    }
+    const LinkedUnit& linked = link.linked();
+    endOnFailure(
+        [&] {
+            trace.start(traceFile(), linked.LinkedUnitKind, linked.OldFirmware);
+            sysLog("Wire trace begun: " + traceFile());
+        },
+        [&](const std::string& why) { sysLog("No wire trace: " + why); });
 }
 
 void Session::refreshCodes() {
@@ -116,6 +152,7 @@ bool Session::checkRange(float value, float minimum, float maximum, std::string_
 }
 
 void Session::sysLog(std::string_view text) {
+    trace.note(text);
     // A log file that cannot be written must not end a command on a running engine: the line is on the
     // console by then, and the file is left alone from here on.
     endOnFailure([&] { console.SysLog(text); },
@@ -127,6 +164,7 @@ void Session::sysLog(std::string_view text) {
 }
 
 void Session::addToLastLine(std::string_view text) {
+    trace.note(text);
     console.AddtoLastLine(text);
 }
 
@@ -212,6 +250,7 @@ void Session::displayMessage(int code) {
 }
 
 void Session::initializeOnFly(bool on) {
+    if (!on && link.linked().LinkedUnitKind == 0) trace.linkLost();
     // What is entered for a calibration that is being made must not reach the running engine.
     currentUnitObject().ONFLY_MODE(on && !creating());
     windows_->onFlyChanged(on && currentUnitObject().ONFLY_MODE());

@@ -11,9 +11,11 @@
 #include "app/console.h"
 #include "app/messages.h"
 #include "app/window_set.h"
+#include "link/frame_timing.h"
 #include "link/link.h"
 #include "link/link_host.h"
 #include "link/poller.h"
+#include "link/wire_trace.h"
 #include "live/check_engine.h"
 #include "live/ecu.h"
 #include "live/frame_decoder.h"
@@ -90,6 +92,8 @@ class Session : public UnitHost, public LinkHost {
     FrameDecoder decoder;
     Link link;
     Poller poller;
+    WireTrace trace;
+    FrameTiming timing;
     CheckEngineDisplay codes;  ///< the dashboard's check-engine list
     Ecu ecu;                   ///< holds the pulse widths and duty cycles of the cells
     PaintMemory paintMemory;   ///< where the engine has been on a table; outlives the table's window
@@ -102,6 +106,10 @@ class Session : public UnitHost, public LinkHost {
     double settingNumber(const std::string& key) const;
     /// One firing of the dashboard's timer: polls the unit, and opens a port that has appeared.
     void poll(bool secondTabShowing);
+    /// Begins or ends the wire trace by the setting.
+    void applyTrace();
+    /// The file that the wire trace goes to.
+    std::string traceFile() const { return platform_.applicationFolder + "/zentaq.trace"; }
     /// Empties the code list and asks the unit for its codes.
     void refreshCodes();
     /// The file or link changed what the dashboard shows: Day_Mode or Night_Mode by the setting.
@@ -146,12 +154,16 @@ class Session : public UnitHost, public LinkHost {
     int expectedBuild(int slot) const override;
 
  private:
+    std::array<LineWatch*, 2> watchers() { return {&trace, &timing}; }
+    void showFrameTimes();
+
     Platform platform_;
     WindowSet quiet_;
     WindowSet* windows_ = &quiet_;
     FileHeader header_;
     std::array<std::unique_ptr<Unit>, slotCount> units_;
     std::int64_t nextPortCheckUs_ = 0;
+    std::int64_t nextTimesUs_ = 0;
 };
 
 }  // namespace zentaq

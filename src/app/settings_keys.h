@@ -34,6 +34,7 @@ inline constexpr const char* AutoMonitor = "AutoMonitor";
 inline constexpr const char* TemperatureToggle = "TemperatureToggle";
 inline constexpr const char* CLTAlarmValue = "CLTAlarmValue";
 inline constexpr const char* MATAlarmValue = "MATAlarmValue";
+inline constexpr const char* WireTrace = "WireTrace";
 
 /// When the options store a value.
 enum class Stored {
@@ -73,6 +74,7 @@ inline constexpr std::array systemKeys{
     Key{TemperatureToggle, "", Stored::AtOnceAndApply, true, "\"0\": Celsius; any other value: Fahrenheit"},
     Key{CLTAlarmValue, "", Stored::OnApply, true, "coolant alarm, degrees Celsius, never Fahrenheit"},
     Key{MATAlarmValue, "", Stored::OnApply, true, "manifold air alarm, degrees Celsius, never Fahrenheit"},
+    Key{WireTrace, "", Stored::OnApply, true, "1: write what passes over the serial line to a file"},
 };
 
 /// Section "Datalog": the data points graphed during recording and playback, "Datalog1" to "Datalog10". A

@@ -167,6 +167,7 @@ void Kernel::activate() {
 }
 
 void Kernel::showLinkAndDashboard() {
+    resumeNext_.statement([&] { session_.applyTrace(); });
     resumeNext_.statement([&] { session_.windows().showLink(); });
     resumeNext_.statement([&] { session_.link.load(); });
     resumeNext_.statement([&] { session_.platform().ticker.start(); });
@@ -189,11 +190,14 @@ bool Kernel::System_Shutdown(bool confirmed) {
     if (!confirmed) {
         const Answer answer = session_.dialogs().show(
             {"Shutdown", "Would you like to Shutdown Zentaq?", Icon::Question, Buttons::OkCancel});
-        if (answer != Answer::Ok) return false;
+        if (answer != Answer::Ok || !commands_.mayBreakTransfer()) return false;
         // Also on this way out: the user's work must not be lost because a menu was used for leaving.
         if (!commands_.offerToSave()) return false;
     }
     ended_ = true;
+    if (session_.link.transferPending()) {
+        skipFailing([&] { session_.sysLog("Transfer broken off by the user."); });
+    }
     session_.Monitoring = false;
     session_.AutoMonitoring = false;
     skipFailing([&] { session_.windows().killTimers(); });
@@ -208,7 +212,7 @@ bool Kernel::System_Shutdown(bool confirmed) {
 void Kernel::closeRequested() {
     // Intended: Cancel declines the save and does not keep the program open. A save that fails does, because
     // the changes would be lost with the process.
-    if (commands_.offerToSave()) System_Shutdown(true);
+    if (commands_.mayBreakTransfer() && commands_.offerToSave()) System_Shutdown(true);
 }
 
 }  // namespace zentaq

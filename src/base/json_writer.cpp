@@ -70,6 +70,13 @@ JsonWriter& JsonWriter::value(float number) {
     return *this;
 }
 
+JsonWriter& JsonWriter::value(double number) {
+    if (!std::isfinite(number)) return value(std::string_view(numberText(number)));
+    separate();
+    out_ << numberText(number);
+    return *this;
+}
+
 JsonWriter& JsonWriter::value(int number) {
     separate();
     out_ << numberText(number);

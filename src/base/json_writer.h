@@ -22,6 +22,8 @@ class JsonWriter {
     /// Up to 7 significant digits. JSON has no infinite numbers and no NaN: they are written as the texts
     /// "Infinity", "-Infinity" and "NaN".
     JsonWriter& value(float number);
+    /// Up to 15.
+    JsonWriter& value(double number);
     JsonWriter& value(int number);
     JsonWriter& value(bool truth);
     JsonWriter& null();

@@ -42,6 +42,7 @@ void HeadlessSession::open(int portNumber) {
 
 void HeadlessSession::pass() {
     around_.pass.yield();
+    if (around_.trace != nullptr) around_.trace->tend();
     if (!around_.watch || link_.status().changes == shown_) return;
     shown_ = link_.status().changes;
     around_.watch(link_.status());
@@ -100,10 +101,11 @@ Ending HeadlessSession::readCodes() {
 
 TransferEnd HeadlessSession::transfer(TransferMode mode, const std::string& path) {
     closing_ = {};
+    mode_ = mode;
     link_.Program_Unit(mode, path);
     while (closing_.message == 0) {
         if (stopWanted() && mayStop()) {
-            return {Ending::Stopped, link_.TransferLine(), link_.TransferLines()};
+            return {Ending::Stopped, link_.TransferLine(), linesOfFile(), 0};
         }
         pass();
     }
@@ -115,17 +117,24 @@ TransferEnd HeadlessSession::transfer(TransferMode mode, const std::string& path
 bool HeadlessSession::mayStop() const {
     const CommandRow* row = findCommand(commandKey(link_.CurrentCommand()));
     if (row == nullptr || !row->isBulk) return true;
-    return link_.ResponseReady() && link_.TransferLine() < link_.TransferLines();
+    return link_.ResponseReady() && link_.TransferLine() < linesOfFile();
+}
+
+// kept: the link counts one line more than a firmware file has.
+int HeadlessSession::linesOfFile() const {
+    return link_.TransferLines() - (mode_ == TransferMode::Firmware ? 1 : 0);
 }
 
 // Called before the closing routine forgets how far the transfer has come.
 void HeadlessSession::displayMessage(int code) {
-    closing_ = {code, link_.TransferLine(), link_.TransferLines(), !link_.CurrentCommand().empty()};
+    if (closing_.message != 0) return;  // what comes behind the first one tells what to do next
+    closing_ = {code, link_.TransferLine(), linesOfFile(), !link_.CurrentCommand().empty(),
+                link_.ResponseReady()};
 }
 
 TransferEnd HeadlessSession::endOf(TransferMode mode) const {
-    if (mode == TransferMode::Datalog) return {endOfDownload(), closing_.total, 0};
-    return {endOfProgramming(), closing_.lines, closing_.total};
+    if (mode == TransferMode::Datalog) return {endOfDownload(), closing_.total, 0, closing_.message};
+    return {endOfProgramming(), closing_.lines, closing_.total, closing_.message};
 }
 
 Ending HeadlessSession::endOfDownload() const {
@@ -142,7 +151,8 @@ Ending HeadlessSession::endOfDownload() const {
 
 Ending HeadlessSession::endOfProgramming() const {
     if (closing_.message != programmed) {
-        return link_.linked().UnitFound ? Ending::Refused : Ending::Silent;
+        // Who takes a firmware need not be a unit that was found.
+        return link_.linked().UnitFound || closing_.answered ? Ending::Refused : Ending::Silent;
     }
     // A file that runs out without the unit's "PN" counts as a success in the program, where the user sees
     // what the engine does next. Here nobody looks.
@@ -168,6 +178,7 @@ float HeadlessSession::fileFirmwareCode() const {
 }
 
 void HeadlessSession::initializeOnFly(bool on) {
+    if (around_.trace != nullptr && !on && link_.linked().LinkedUnitKind == 0) around_.trace->linkLost();
     if (around_.calibration != nullptr) around_.calibration->ONFLY_MODE(on);
 }
 

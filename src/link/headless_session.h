@@ -12,6 +12,7 @@
 
 #include "link/link.h"
 #include "link/link_host.h"
+#include "link/wire_trace.h"
 #include "live/frame_decoder.h"
 #include "live/live_values.h"
 #include "platform/clock.h"
@@ -44,8 +45,9 @@ enum class Ending {
 
 struct TransferEnd {
     Ending ending = Ending::Stopped;
-    int lines = 0;  ///< lines sent, or records read
-    int total = 0;  ///< lines of the file; 0 for a download
+    int lines = 0;    ///< lines sent, or records read
+    int total = 0;    ///< lines of the file; 0 for a download
+    int message = 0;  ///< the numbered message that a window would show; 0 for a stop
 };
 
 class HeadlessSession : public LinkHost {
@@ -63,6 +65,8 @@ class HeadlessSession : public LinkHost {
         std::function<bool()> stopWanted{};
         /// Called after each step that changed the link's status.
         std::function<void(const LinkStatus&)> watch{};
+        /// Gets notes of what the program does; nullptr for none.
+        WireTrace* trace = nullptr;
     };
 
     /// How long a unit is looked for: three times the patience of the command that finds it.
@@ -80,6 +84,7 @@ class HeadlessSession : public LinkHost {
     Ending readCodes();
     /// Runs a bulk transfer to its end; `path` as in Link::Program_Unit, whose failures it throws.
     /// A stop waits for the answer to the line in flight, and for the end when that is the last line.
+    /// A firmware needs no unit that was found: its start goes out all the same.
     TransferEnd transfer(TransferMode mode, const std::string& path = {});
 
     /// One step: time passes, the status is shown. For callers that wait for something else.
@@ -99,9 +104,11 @@ class HeadlessSession : public LinkHost {
     Unit& unit(int slot) override;
     int currentUnit() const override;
     float fileFirmwareCode() const override;
-    void sysLog(std::string_view) override {}
+    void sysLog(std::string_view text) override {
+        if (around_.trace != nullptr) around_.trace->note(text);
+    }
     void commLog(std::string_view) override {}
-    void addToLastLine(std::string_view) override {}
+    void addToLastLine(std::string_view text) override { sysLog(text); }
     void displayMessage(int code) override;
     void show(const Box& box) override { boxes_.push_back(box); }
     void initializeOnFly(bool on) override;
@@ -123,11 +130,13 @@ class HeadlessSession : public LinkHost {
         int lines = 0;
         int total = 0;
         bool commandInFlight = false;
+        bool answered = false;
     };
 
     bool idle() const;
     void passUntilIdle();
     bool mayStop() const;
+    int linesOfFile() const;
     Ending answer() const;
     TransferEnd endOf(TransferMode mode) const;
     Ending endOfDownload() const;
@@ -140,6 +149,7 @@ class HeadlessSession : public LinkHost {
     MemorySettings settings_;
     NoYield noYield_;  ///< the link's own yields are inside a tick, where no other one may start
     std::vector<Box> boxes_;
+    TransferMode mode_ = TransferMode::Calibration;  ///< of the transfer that runs, or ran last
     Closing closing_;
     std::function<void()> onFrame_;
     std::uint64_t shown_ = 0;

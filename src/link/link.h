@@ -39,13 +39,13 @@ struct LinkedUnit {
 
 enum class TransferMode { Calibration = 1, Firmware = 2, Datalog = 3 };
 
-class Link {
+class Link : private LineWatch {
  public:
     static constexpr int ringSize = 512;
 
     Link(SerialPort& port, LinkHost& host, FrameDecoder& decoder, LiveValues& live, SettingsStore& settings,
          Clock& clock, Yield& yield);
-    ~Link();
+    ~Link() override;
 
     // ---- Life of the hidden window
     void load();    ///< "COMM. Initialized.", opens the port, empties the ring
@@ -86,6 +86,8 @@ class Link {
     const LinkedUnit& linked() const { return linked_; }
     const LinkStatus& status() const { return status_; }
     LinkStatus& editStatus();  ///< for a window that changes what it shows itself, such as the port label
+    /// Where the time of a frame goes, in words.
+    void showFrameTimes(std::string_view text) { show(&LinkStatus::frameTimes, text); }
     /// Brings the panel over the dashboard into view with a text, or moves it out of sight.
     void showNoConnectPanel(std::string_view text);
     void hideNoConnectPanel();
@@ -100,6 +102,14 @@ class Link {
     int QueuedCommands() const { return queuedCommands_; }
     const std::string& CurrentCommand() const { return currentCommand_; }
     bool TransferActive() const { return transferActive_; }
+    /// A bulk transfer runs, or its command still waits in the queue.
+    bool transferPending() const { return transferActive_ || !openTransfer_.empty(); }
+    /// A firmware transfer, from its start to its end.
+    bool firmwarePending() const { return openTransfer_ == "P3"; }
+    /// A firmware run broke off between its lines, and neither a good run nor a unit that tells its firmware
+    /// has come since. A caller that knows it of a unit from elsewhere says so.
+    bool firmwareLost() const { return firmwareLost_; }
+    void firmwareLost(bool lost) { firmwareLost_ = lost; }
     bool OnFlyBusy() const { return onFlyBusy_; }
     bool AutoPollSuspended() const { return autoPollSuspended_; }
     void AutoPollSuspended(bool on) { autoPollSuspended_ = on; }
@@ -112,6 +122,7 @@ class Link {
     using ReplyHandler = void (Link::*)(const Reply&);
 
     // Transport
+    void tellTrouble(const std::string& trouble);
     void onComm(CommEvent event);
     void showReplyStatus();
     void showCommandStatus(std::string_view key);
@@ -133,6 +144,26 @@ class Link {
     void stepProgress(int current, int total);
     void removeProgress();
     void showProgress();
+
+    // LineWatch
+    void lost(const PortInfo& port, std::int64_t) override { adapterLost(port); }
+    void returned(const PortInfo& port, std::int64_t) override { adapterReturned(port); }
+
+    // The line and its adapter
+    enum class AdapterNews { None, Lost, Returned };
+    /// The adapter of the open port has vanished, or is back, perhaps under another name: tells the user. The
+    /// next tick gives up what the adapter took along, and asks at once who is there when it is back. A bulk
+    /// transfer keeps its own ends. May come at any time, from inside a handler too.
+    void adapterLost(const PortInfo& port);
+    void adapterReturned(const PortInfo& port);
+    void showAdapter();
+    void followAdapter();
+    void restLine();
+    bool lineAtRest();
+    bool isCurrentIdentify() const;
+    bool awaitsTail();
+    bool longFrame() const;
+    bool frameInDoubt();
 
     // Tick machine
     void sendNextCommand();
@@ -192,7 +223,8 @@ class Link {
     void openTransferFile(const std::string& path, std::ios::openmode mode);
     void closeTransferFile();
     bool Send_Next_Line();
-    bool transferPending() const { return transferActive_ || !openTransfer_.empty(); }
+    bool firmwareWaits() const;
+    int firmwareFailure();
     void reportSuccess(std::string_view key);
     void reportFailure(std::string_view key);
 
@@ -224,9 +256,18 @@ class Link {
     int tickCount_ = 0;
     int paceCount_ = 0;
     int retryCount_ = 0;
-    int stallCount_ = 0;  ///< ticks since a transfer lost its command
+    int stallCount_ = 0;    ///< ticks since a transfer lost its command
+    int askedBytes_ = 0;    ///< length of the reply to the command in flight
+    int tailTicks_ = 0;     ///< ticks that the rest of an E reply is still waited for; 0: nothing is missing
+    int restTicks_ = 0;     ///< ticks that the line must stay quiet before the next command
+    int restPatience_ = 0;  ///< ticks after which it is written all the same
+    bool longFrameCame_ = false;  ///< the frame before this one brought more bytes than it has
+    AdapterNews adapterNews_ = AdapterNews::None;
+    bool adapterAway_ = false;
+    std::string adapterLine_;  ///< what became of the adapter, in words
     std::string responseHeader_;
     std::vector<std::uint8_t> rxBuffer_;
+    bool firmwareLost_ = false;
     std::string openTransfer_;  ///< key of a transfer from its start to its end, on the wire or still queued
     std::fstream transferStream_;
 };

@@ -31,6 +31,7 @@ inline constexpr std::string_view portLine = "{port}";
 
 struct CommandRow {
     std::string_view key;
+    std::string_view meaning;                   ///< what it asks for, for a reader of a wire trace
     int SizeConstants::*replyLength = nullptr;  ///< bytes
     ChecksumRule checksum = ChecksumRule::Unchecked;
     int patienceTicks = 1000;  ///< a reply later than this is a time-out
@@ -47,6 +48,15 @@ const CommandRow* findCommand(std::string_view key);
 
 /// The row that tells the status of a key; a key in no row has the row of all others.
 const CommandRow& statusRow(std::string_view key);
+
+/// How many bytes the reply of a command has; `linked`: the kind of the unit on the link, clsNull for none
+/// yet.
+int replyLength(const CommandRow& row, const UnitKind& linked, bool oldFirmware);
+
+/// A frame that nobody can check: asked for all the time, with a patience of its own.
+inline bool isFrameKey(std::string_view key) {
+    return key == "F" || key == "I";
+}
 
 /// The key of a command text: "Z" and "P" commands carry data behind it.
 std::string_view commandKey(std::string_view command);

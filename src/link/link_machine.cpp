@@ -16,16 +16,14 @@ constexpr int lineGapTicks = 10;
 constexpr int framePatienceTicks = 21;
 constexpr int frameRetries = 3;
 constexpr int stallPatienceTicks = 1000;
-/// Bytes of an E reply of the oldest format; a newer unit's 8 bytes are there too when the line goes quiet.
-constexpr int oldIdentifyLength = 6;
-constexpr int orbaKindNumber = 3;
 
 unsigned byteAt(const std::vector<std::uint8_t>& bytes, int index) {
     return bytes.at(static_cast<std::size_t>(index));
 }
 
-bool isFrameKey(std::string_view key) {
-    return key == "F" || key == "I";
+/// What the pollers ask for all the time; which of them comes first matters to nobody.
+bool isPoll(std::string_view command) {
+    return command == "W" || command == "F" || command == "I" || command == "T";
 }
 
 int lastSummedByte(const CommandRow& row, const SizeConstants& sizes) {
@@ -60,12 +58,22 @@ void Link::queueInFront(std::string command) {
 
 void Link::SEND_ONFLY(std::string_view record) {
     Send_ORB_Command("P2" + std::string(record));
+    // While frames are monitored up to five polls wait, 17 ms each: the unit would take a keystroke some
+    // 80 ms late. The record goes in front of them, and only of them: it stays behind earlier records and
+    // behind whatever else a user has asked for, such as the storing of those.
+    int at = wrapped(queueTail_ - 1);
+    while (at != queueHead_ && isPoll(place(wrapped(at - 1)))) {
+        const int before = wrapped(at - 1);
+        std::swap(place(before), place(at));
+        at = before;
+    }
 }
 
 void Link::tick() {
     if (handling_) return;
     // Events that a handler lets in do not start it again.
     const FlagScope scope(handling_);
+    followAdapter();
     watchStalledTransfer();
     if (currentCommand_.empty()) {
         sendNextCommand();
@@ -106,19 +114,24 @@ bool Link::nothingToSend() const {
 void Link::sendNextCommand() {
     std::string_view key;
     if (nothingToSend()) {
+        if (restTicks_ > 0) lineAtRest();
         // Nobody waits in an empty ring. What an overrun or a failed write left in the count would silence
         // the pollers for good.
         if (queueHead_ == queueTail_) queuedCommands_ = 0;
-    } else {
+    } else if (lineAtRest()) {
         currentCommand_ = place(queueHead_);
         key = commandKey(currentCommand_);
         // A key in no row keeps the threshold of the command before.
-        if (findCommand(key)) skipFailing([&] { port_.setReceiveThreshold(replyLengthFor(key)); });
+        if (findCommand(key)) {
+            askedBytes_ = replyLengthFor(key);
+            skipFailing([&] { port_.setReceiveThreshold(askedBytes_); });
+        }
         prepareTransfer(key);
         skipFailing([&] { RS232_OUTPUT(currentCommand_); });
         queueHead_ = wrapped(queueHead_ + 1);
         responseReady_ = false;
         tickCount_ = 0;
+        tailTicks_ = 0;
     }
     const CommandRow* row = findCommand(key);
     onFlyBusy_ = row && row->locksTable;
@@ -126,9 +139,7 @@ void Link::sendNextCommand() {
 }
 
 int Link::replyLengthFor(std::string_view key) {
-    const bool oldFormat = linked_.LinkedUnitKind == orbaKindNumber && linked_.OldFirmware;
-    if (key == "E" && (linked_.LinkedUnitKind == 0 || oldFormat)) return oldIdentifyLength;
-    return linkedUnit().kind().sizes.*findCommand(key)->replyLength;
+    return replyLength(*findCommand(key), linkedUnit().kind(), linked_.OldFirmware);
 }
 
 void Link::prepareTransfer(std::string_view key) {
@@ -183,11 +194,14 @@ void Link::reactToReply() {
     }
     tickCount_ = 0;
     retryCount_ = 0;
+    if (frameInDoubt()) return currentCommand_.clear();
     processResponse();
 }
 
 bool Link::sendLine() {
     if (!Send_Next_Line()) return false;
+    // A stray byte in front of the answer would hide a refusal.
+    drainPort();
     skipFailing([&] { RS232_OUTPUT(place(queueHead_)); });
     queueHead_ = wrapped(queueHead_ + 1);
     responseReady_ = false;
@@ -199,6 +213,8 @@ bool Link::sendLine() {
 // ---- Waiting
 
 void Link::waitForReply() {
+    // The rest of an E reply that does not come: the handler takes what there is.
+    if (tailTicks_ > 0 && --tailTicks_ == 0) responseReady_ = true;
     ++tickCount_;
     const std::string_view key = commandKey(currentCommand_);
     if (isFrameKey(key)) {
@@ -228,7 +244,10 @@ void Link::timeOut() {
 
 void Link::loseLink(FirmwareRestore restore) {
     // A transfer whose command still waits in the ring goes with it, and must end as it would on the wire.
-    if (!openTransfer_.empty()) skipFailing([&] { End_Transfer(false); });
+    // Not so a firmware: a unit without one answers nothing else, so that the poll in front of it always
+    // ends like this.
+    const bool firmwareStays = firmwareWaits();
+    if (!openTransfer_.empty() && !firmwareStays) skipFailing([&] { End_Transfer(false); });
     queueTail_ = queueHead_;
     tickCount_ = 0;
     retryCount_ = 0;
@@ -241,9 +260,14 @@ void Link::loseLink(FirmwareRestore restore) {
     linked_.UnitIdentified = false;
     linked_.UnitFound = false;
     queuedCommands_ = 0;
+    if (firmwareStays) Send_ORB_Command(openTransfer_);
     skipFailing([&] { host_.initializeOnFly(false); });
     // Else the panel would go on saying what the last reply had been.
-    COMM_StatusMessage("Connecting...", "The unit does not answer.", "", "Warning");
+    if (adapterAway_) {
+        showAdapter();
+    } else {
+        COMM_StatusMessage("Connecting...", "The unit does not answer.", "", "Warning");
+    }
     show(&LinkStatus::send, Lamp::Rest);
     show(&LinkStatus::receive, Lamp::Rest);
 }
@@ -258,6 +282,7 @@ void Link::restoreFileFirmware() {
 void Link::abandonCommand() {
     drainPort();
     transferActive_ = false;
+    tailTicks_ = 0;
     currentCommand_.clear();
 }
 

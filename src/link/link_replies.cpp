@@ -237,6 +237,7 @@ void Link::storeFirmware(const Reply& reply) {
     const FirmwareNumber firmware = firmwareNumber(raw);
     // Before the release is stored: storing it brings a calibration in hand to this firmware.
     linked_.FirmwareTold = true;
+    firmwareLost_ = false;  // whatever an earlier run did: this unit has one
     unit.FW_Build(firmware.build);
     unit.FW_Release(firmware.release);
 }

@@ -32,6 +32,7 @@ struct LinkStatus {
     bool progressVisible = false;
     int progressPercent = 0;    ///< 0 to 100
     std::string progressText;   ///< "42%"
+    std::string frameTimes;     ///< lblFrameTimes: where the time of a frame goes, "" without frames
     std::uint64_t changes = 0;  ///< moves with every change; a view redraws when it moves
 };
 

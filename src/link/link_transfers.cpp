@@ -18,8 +18,11 @@ enum Message {
     Programmed = 1002,
     CalibrationFailed = 1003,
     FirmwareFailed = 1004,
+    FirmwareNotStarted = 1005,
     LogDone = 1006,
-    LogFailed = 1007
+    LogFailed = 1007,
+    LoadCalibration = 1008,
+    UnitLost = 1009
 };
 
 /// Lines of a text file; a last line without an end counts. Throws FileError.
@@ -151,7 +154,11 @@ void Link::reportSuccess(std::string_view key) {
     if (key == "P1" || key == "P3") {
         COMM_StatusMessage(key == "P1" ? "Program ORB Successful" : "Program Firmware Successful",
                            "PROGRAM VERIFIED", "You Must Restart ECU After download completed.", "Connected");
+        // A run that sent nothing has mended nothing.
+        if (key == "P3" && transferLine_ > 0) firmwareLost_ = false;
         skipFailing([&] { host_.displayMessage(Programmed); });
+        // The new firmware knows nothing of the calibration that the former one held.
+        if (key == "P3") skipFailing([&] { host_.displayMessage(LoadCalibration); });
     } else if (key == "D") {
         COMM_StatusMessage("Download of Datalog Complete", "", "", "Connected");
         skipFailing([&] { host_.displayMessage(LogDone); });
@@ -161,8 +168,27 @@ void Link::reportSuccess(std::string_view key) {
 void Link::reportFailure(std::string_view key) {
     skipFailing([&] { host_.addToLastLine("FAIL!"); });
     log("PROCESS FAILED - EXITED ABNORMALLY.");
-    const Message message = key == "P3" ? FirmwareFailed : key == "P1" ? CalibrationFailed : LogFailed;
+    const int message = key == "P3" ? firmwareFailure() : key == "P1" ? CalibrationFailed : LogFailed;
     skipFailing([&] { host_.displayMessage(message); });
+}
+
+// Which of the messages is true depends on how far the run came. A unit erases its firmware when it takes the
+// start of programming, so one that refused or never answered P3 still has what it had: a whole firmware, or
+// none where an earlier run broke off between its lines.
+int Link::firmwareFailure() {
+    const bool asked = commandKey(currentCommand_) == "P3";
+    const bool started = transferLine_ > 0 || (asked && responseReady_ && responseHeader_ != "AR");
+    if (started) {
+        firmwareLost_ = true;
+        return FirmwareFailed;
+    }
+    if (!firmwareLost_) return FirmwareNotStarted;
+    // It speaks, or nothing could reach it: there is hope yet.
+    return asked && !responseReady_ && port_.isOpen() ? UnitLost : FirmwareFailed;
+}
+
+bool Link::firmwareWaits() const {
+    return firmwarePending() && commandKey(currentCommand_) != "P3" && !transferLost();
 }
 
 }  // namespace zentaq

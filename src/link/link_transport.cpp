@@ -43,9 +43,11 @@ Link::Link(SerialPort& port, LinkHost& host, FrameDecoder& decoder, LiveValues& 
       clock_(clock),
       yield_(yield) {
     port_.onEvent([this](CommEvent event) { onComm(event); });
+    port_.watch(*this);
 }
 
 Link::~Link() {
+    port_.unwatch(*this);
     port_.onEvent(nullptr);
 }
 
@@ -68,10 +70,16 @@ bool Link::RS232_Initialize(int portNumber) {
         skipFailing([&] { settings_.set("System", "CommPort", "1"); });
     }
     if (port_.isOpen()) skipFailing([&] { port_.close(); });
+    adapterAway_ = false;
+    adapterNews_ = AdapterNews::None;
+    restTicks_ = 0;
     skipFailing([&] { port_.setReceiveThreshold(0); });
-    const bool opened = skipFailing([&] { port_.open(commPort_); });
+    std::string trouble;
+    const bool opened =
+        endOnFailure([&] { port_.open(commPort_); }, [&](const std::string& why) { trouble = why; });
     if (!opened) {
         log("COMM Port:" + numberText(commPort_) + " Not Available, Cannot Open Connection.");
+        tellTrouble(trouble);
         COMM_StatusMessage("No Connection Mode", "Port is Currently Not Available.",
                            "Please Check your Serial Connection and try again", "NoConnect");
         return false;
@@ -82,8 +90,18 @@ bool Link::RS232_Initialize(int portNumber) {
     return true;
 }
 
+// A port that is there tells why it cannot be opened, and what to do about it; an absent one is told above.
+void Link::tellTrouble(const std::string& trouble) {
+    if (searching_) return;
+    skipFailing([&] {
+        const std::vector<PortInfo> ports = port_.list();
+        if (std::ranges::find(ports, commPort_, &PortInfo::number) != ports.end()) log("  - " + trouble);
+    });
+}
+
 void Link::RS232_Close() {
     if (port_.isOpen()) skipFailing([&] { port_.close(); });
+    adapterAway_ = false;
     log("COMM: Connection with ORB terminated.");
 }
 
@@ -162,8 +180,14 @@ void Link::onComm(CommEvent event) {
     show(&LinkStatus::receive, Lamp::Rest);
     if (event != CommEvent::DataReceived) return;
     show(&LinkStatus::receive, Lamp::Received);
-    rxBuffer_.clear();
-    skipFailing([&] { rxBuffer_ = port_.read(); });
+    // The rest of an E reply joins its beginning; every other reply is a new one.
+    if (tailTicks_ == 0) rxBuffer_.clear();
+    skipFailing([&] {
+        const std::vector<std::uint8_t> bytes = port_.read();
+        rxBuffer_.insert(rxBuffer_.end(), bytes.begin(), bytes.end());
+    });
+    if (awaitsTail()) return;
+    if (longFrame()) restLine();
     responseReady_ = true;
     showReplyStatus();
 }

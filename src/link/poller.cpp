@@ -28,6 +28,7 @@ Poller::Poller(Link& link, std::function<void()> refreshCodes, std::function<voi
 
 void Poller::fire(const PollerView& view) {
     // While a box of a reply handler is in view the link stands still; queueing would only fill the ring.
+    searching_ = false;
     if (link_.TransferActive() || link_.handling()) return;
     if (view.tab2Showing) {
         link_.hideNoConnectPanel();
@@ -44,9 +45,22 @@ void Poller::fire(const PollerView& view) {
 void Poller::searchUnit() {
     link_.showNoConnectPanel("Connecting...");
     if (link_.AutoPollSuspended()) return;
+    searching_ = true;
     if (++connectCount_ < firingsBetweenSearches) return;
     link_.Send_ORB_Command("E");
     connectCount_ = 0;
+}
+
+void Poller::tick() {
+    const LinkedUnit& unit = link_.linked();
+    const bool idle = link_.CurrentCommand().empty() && link_.QueueHead() == link_.QueueTail();
+    if (!searching_ || !idle || unit.UnitIdentified || unit.OldFirmware || link_.handling()) {
+        idleTicks_ = 0;
+        return;
+    }
+    if (++idleTicks_ < mostIdleTicks) return;
+    link_.Send_ORB_Command("E");
+    idleTicks_ = 0;
 }
 
 void Poller::pollUnit() {

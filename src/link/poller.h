@@ -27,6 +27,10 @@ class Poller {
 
     /// One firing of tmrUpdate.
     void fire(const PollerView& view);
+    /// One tick of the link. At a low rate of updates the firings alone would leave a unit that is back
+    /// waiting for seconds: while one is searched, the line is not left idle for longer than `mostIdleTicks`.
+    void tick();
+    static constexpr int mostIdleTicks = 200;
 
     int ConnectCount() const { return connectCount_; }
     int GPIOCount() const { return gpioCount_; }
@@ -44,6 +48,8 @@ class Poller {
     int connectCount_ = 0;
     int gpioCount_ = 0;
     int codeCount_ = 0;
+    int idleTicks_ = 0;
+    bool searching_ = false;  ///< the last firing looked for a unit
 };
 
 }  // namespace zentaq

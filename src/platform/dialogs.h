@@ -16,6 +16,7 @@ struct Box {
     std::string text;
     Icon icon = Icon::None;
     Buttons buttons = Buttons::Ok;
+    bool declines = false;  ///< the key that is chosen from the start is Cancel or No
 };
 
 /// A file dialog. `filter` is "text|pattern|text|pattern"; `filterIndex` counts from 1.

@@ -4,17 +4,17 @@
 #include <sys/file.h>
 #include <termios.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <span>
 #include <system_error>
 
-#include "base/number_text.h"
-
 namespace zentaq {
 
 namespace {
+
+/// One look takes no more than this, so that a line that floods cannot hold the program.
+constexpr std::size_t mostPerLook = 65'536;
 
 std::string reasonOf(int error) {
     return std::generic_category().message(error);
@@ -24,27 +24,29 @@ std::string reasonOf(int error) {
 
 void PosixSerialPort::open(int number) {
     close();
-    const std::vector<PortInfo> ports = ports_();
-    const auto port = std::ranges::find(ports, number, &PortInfo::number);
-    if (port == ports.end()) throw Failure("Port " + numberText(number) + " is not present");
-    openDevice(port->device);
-    identity_ = port->identity;
+    const PortInfo port = portOfNumber(ports_(), number);
+    openDevice(port.device);
+    keeper_.keep(port);
+    tell(&LineWatch::opened, port, clock_.monotonicUs());
 }
 
 void PosixSerialPort::close() {
-    identity_.clear();
-    lose();
+    if (isOpen()) tell(&LineWatch::closed, clock_.monotonicUs());
+    keeper_.forget();
+    dropLine();
 }
 
 void PosixSerialPort::openDevice(const std::string& device) {
     PosixHandle line(::open(device.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
     if (!line.valid()) {
-        if (errno == EBUSY) throw PortBusy(device + ": in use by another program");
-        throw Failure(device + ": " + reasonOf(errno));
+        const std::string trouble = device + ": " + openingTrouble(device, errno);
+        if (errno == EBUSY) throw PortBusy(trouble);
+        throw Failure(trouble);
     }
     if (::isatty(line.get()) == 0) throw Failure(device + ": no serial port");
     // Before anything is set: the program that has the port must not lose its settings.
-    if (::flock(line.get(), LOCK_EX | LOCK_NB) != 0) throw PortBusy(device + ": in use by another program");
+    if (::flock(line.get(), LOCK_EX | LOCK_NB) != 0)
+        throw PortBusy(device + ": " + std::string(portBusyWords));
     setUp(line.get());
     // A reply that nobody read must not answer the first question.
     ::tcflush(line.get(), TCIOFLUSH);
@@ -67,9 +69,11 @@ void PosixSerialPort::setUp(int line) const {
 
 void PosixSerialPort::write(std::string_view bytes) {
     ++writes_;
-    if (!line_.valid()) return;
+    // What is not answered is told by the time-outs.
+    if (!line_.valid() || outgoing_.size() > mostWaiting) return;
     outgoing_ += bytes;
     send();
+    tell(&LineWatch::written, bytes, clock_.monotonicUs());
 }
 
 void PosixSerialPort::send() {
@@ -99,16 +103,22 @@ bool PosixSerialPort::service() {
     }
     if (!gate_.due(clock_.monotonicUs())) return false;
     gate_.delivered();
+    tell(&LineWatch::delivered, gate_.size(), clock_.monotonicUs());
     raise(CommEvent::DataReceived);
     return true;
 }
 
 void PosixSerialPort::drain() {
     std::array<std::uint8_t, 4096> buffer;
-    while (!lost_) {
+    std::size_t taken = 0;
+    while (!lost_ && taken < mostPerLook) {
         const auto count = ::read(line_.get(), buffer.data(), buffer.size());
         if (count > 0) {
-            gate_.received(std::span(buffer.data(), static_cast<std::size_t>(count)), clock_.monotonicUs());
+            const std::span<const std::uint8_t> lump(buffer.data(), static_cast<std::size_t>(count));
+            taken += lump.size();
+            const std::int64_t nowUs = clock_.monotonicUs();
+            gate_.received(lump, nowUs);
+            tell(&LineWatch::arrived, lump, nowUs);
         } else if (count < 0 && errno == EAGAIN) {
             return;
         } else if (count == 0 || errno != EINTR) {
@@ -118,20 +128,27 @@ void PosixSerialPort::drain() {
 }
 
 void PosixSerialPort::lose() {
+    dropLine();
+    tell(&LineWatch::lost, keeper_.device(), clock_.monotonicUs());
+}
+
+void PosixSerialPort::dropLine() {
+    // The system would wait for half a minute until a stuck line has taken what is left.
+    if (line_.valid()) ::tcflush(line_.get(), TCOFLUSH);
     line_.reset();
     gate_.take();
     outgoing_.clear();
     lost_ = false;
-    nextLookUs_ = clock_.monotonicUs() + lookUs;
+    keeper_.lookLater(clock_.monotonicUs());
 }
 
 void PosixSerialPort::lookForDevice(std::int64_t nowUs) {
-    if (nowUs < nextLookUs_) return;
-    nextLookUs_ = nowUs + lookUs;
-    const std::vector<PortInfo> ports = ports_();
-    const auto port = std::ranges::find(ports, identity_, &PortInfo::identity);
-    if (port == ports.end()) return;
-    skipFailing([&] { openDevice(port->device); });
+    if (!keeper_.timeToLook(nowUs)) return;
+    const auto port = keeper_.findIn(ports_());
+    // A device node that has just been made may not be open to users yet: the next look tries again.
+    if (!port || !skipFailing([&] { openDevice(port->device); })) return;
+    keeper_.keep(*port);
+    tell(&LineWatch::returned, *port, clock_.monotonicUs());
 }
 
 }  // namespace zentaq

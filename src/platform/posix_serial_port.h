@@ -8,6 +8,7 @@
 
 #include "base/errors.h"
 #include "platform/clock.h"
+#include "platform/device_keeper.h"
 #include "platform/posix_handle.h"
 #include "platform/receive_gate.h"
 #include "platform/serial_port.h"
@@ -25,7 +26,9 @@ class PosixSerialPort : public SerialPort {
     using PortSource = std::function<std::vector<PortInfo>()>;
 
     /// How often a vanished device is looked for.
-    static constexpr std::int64_t lookUs = 250'000;
+    static constexpr std::int64_t lookUs = DeviceKeeper::lookUs;
+    /// While this many bytes wait for a line that takes none, further commands go nowhere.
+    static constexpr std::size_t mostWaiting = 4096;
 
     PosixSerialPort(const Clock& clock, PortSource ports) : clock_(clock), ports_(std::move(ports)) {}
 
@@ -33,12 +36,12 @@ class PosixSerialPort : public SerialPort {
     void open(int number) override;
     void close() override;
     /// True also while the device is away: it is looked for by its identity until close().
-    bool isOpen() const override { return !identity_.empty(); }
+    bool isOpen() const override { return keeper_.keeps(); }
     /// Whether the device is there at this moment.
     bool present() const { return line_.valid(); }
 
     /// What the line does not take at once leaves with the next service(). While the device is away bytes
-    /// go nowhere, as with a pulled cable.
+    /// go nowhere, as with a pulled cable; so they do behind `mostWaiting` that the line does not take.
     void write(std::string_view bytes) override;
     std::vector<std::uint8_t> read() override { return gate_.take(); }
     void setReceiveThreshold(int bytes) override { gate_.threshold(bytes); }
@@ -62,17 +65,17 @@ class PosixSerialPort : public SerialPort {
     void send();
     void drain();
     void lose();
+    void dropLine();
     void lookForDevice(std::int64_t nowUs);
 
     const Clock& clock_;
     PortSource ports_;
     PosixHandle line_;
     ReceiveGate gate_;
-    std::string identity_;
+    DeviceKeeper keeper_;
     std::string outgoing_;
     bool lost_ = false;
     std::uint64_t writes_ = 0;
-    std::int64_t nextLookUs_ = 0;
 };
 
 }  // namespace zentaq

@@ -19,6 +19,8 @@ class PosixStopSignals {
 
     /// The signal that came first; 0 for none so far.
     int received();
+    /// The next signal is a first one again.
+    void forget() { received_ = 0; }
     /// For poll(): ready to read when a signal came that nobody has asked for yet.
     int descriptor() const { return handle_.get(); }
 

@@ -51,6 +51,7 @@ void ScriptedPort::advanceUs(std::int64_t us) {
             deliverArrivals();
         } else {
             gate_.delivered();
+            tell(&LineWatch::delivered, gate_.size(), clock_.monotonicUs());
             raise(CommEvent::DataReceived);
         }
     }
@@ -60,7 +61,10 @@ void ScriptedPort::advanceUs(std::int64_t us) {
 void ScriptedPort::deliverArrivals() {
     const Arrival next = arrivals_.front();
     arrivals_.pop_front();
-    if (isOpen()) gate_.received(std::span(&next.byte, 1), next.atUs);
+    if (!isOpen()) return;
+    const std::span<const std::uint8_t> lump(&next.byte, 1);
+    gate_.received(lump, next.atUs);
+    tell(&LineWatch::arrived, lump, next.atUs);
 }
 
 std::vector<std::string> ScriptedPort::takeWritten() {
@@ -71,10 +75,12 @@ void ScriptedPort::open(int number) {
     opened_.push_back(number);
     if (refuseAll_ || refused_.contains(number)) throw Failure("Port not available");
     openNumber_ = number;
+    tell(&LineWatch::opened, here_, clock_.monotonicUs());
 }
 
 void ScriptedPort::close() {
     ++closes_;
+    if (isOpen()) tell(&LineWatch::closed, clock_.monotonicUs());
     openNumber_ = 0;
     gate_.take();
     arrivals_.clear();
@@ -86,7 +92,8 @@ void ScriptedPort::write(std::string_view bytes) {
         throw Failure("Write failed");
     }
     written_.emplace_back(bytes);
-    if (silent_ || (unitPort_ != 0 && unitPort_ != openNumber_)) return;
+    tell(&LineWatch::written, bytes, clock_.monotonicUs());
+    if (silent_ || away_ || (unitPort_ != 0 && unitPort_ != openNumber_)) return;
     if (const auto reply = answerTo(written_.back())) schedule(*reply);
 }
 
@@ -102,6 +109,19 @@ std::optional<ScriptedReply> ScriptedPort::answerTo(const std::string& command) 
     return otherwise_ ? otherwise_(command) : std::nullopt;
 }
 
+void ScriptedPort::loseDevice() {
+    away_ = true;
+    arrivals_.clear();
+    gate_.take();
+    tell(&LineWatch::lost, here_, clock_.monotonicUs());
+}
+
+void ScriptedPort::returnDevice(std::string_view device) {
+    away_ = false;
+    here_.device = device;
+    tell(&LineWatch::returned, here_, clock_.monotonicUs());
+}
+
 std::vector<std::uint8_t> ScriptedPort::read() {
     if (failingReads_ > 0) {
         --failingReads_;
@@ -111,7 +131,7 @@ std::vector<std::uint8_t> ScriptedPort::read() {
 }
 
 std::vector<PortInfo> ScriptedPort::list() const {
-    return {{.number = 1, .device = "/dev/ttyUSB0", .description = "scripted", .identity = "scripted-1"}};
+    return {here_};
 }
 
 }  // namespace zentaq

@@ -55,6 +55,9 @@ class ScriptedPort : public SerialPort {
     /// The unit goes silent, or speaks again.
     void silent(bool on) { silent_ = on; }
     void raiseError() { raise(CommEvent::Error); }
+    /// The device vanishes, or comes back under a name; bytes under way are gone.
+    void loseDevice();
+    void returnDevice(std::string_view device);
 
     // ---- Time
     /// Moves the clock, delivering bytes and raising events at their times.
@@ -100,6 +103,9 @@ class ScriptedPort : public SerialPort {
     int failingWrites_ = 0;
     int failingReads_ = 0;
     int unitPort_ = 0;
+    PortInfo here_{
+        .number = 1, .device = "/dev/ttyUSB0", .description = "scripted", .identity = "scripted-1"};
+    bool away_ = false;
     int openNumber_ = 0;
     int closes_ = 0;
     std::vector<std::string> written_;

@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/line_watch.h"
+
 namespace zentaq {
 
 /// Why a port tells its owner something. Only DataReceived carries bytes.
@@ -45,13 +47,23 @@ class SerialPort {
 
     void onEvent(std::function<void(CommEvent)> handler) { handler_ = std::move(handler); }
 
+    /// Lets a watcher read along until it is taken away; it must outlive that.
+    void watch(LineWatch& watcher) { watchers_.push_back(&watcher); }
+    void unwatch(LineWatch& watcher) { std::erase(watchers_, &watcher); }
+
  protected:
+    /// Calls one operation of every watcher.
+    template <typename... Formal, typename... Actual>
+    void tell(void (LineWatch::*news)(Formal...), const Actual&... facts) {
+        for (LineWatch* watcher : watchers_) (watcher->*news)(facts...);
+    }
     void raise(CommEvent event) {
         if (handler_) handler_(event);
     }
 
  private:
     std::function<void(CommEvent)> handler_;
+    std::vector<LineWatch*> watchers_;
 };
 
 }  // namespace zentaq

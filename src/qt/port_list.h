@@ -1,4 +1,4 @@
-// The serial ports of this machine as Qt knows them, in the order in which a user picks one by number.
+// The serial ports of this machine for the windows, in the order in which a user picks one by number.
 #pragma once
 
 #include <vector>

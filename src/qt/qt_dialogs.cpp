@@ -41,6 +41,11 @@ QMessageBox::StandardButtons buttonsOf(Buttons buttons) {
     return QMessageBox::Ok;
 }
 
+QMessageBox::StandardButton defaultOf(const Box& box) {
+    if (box.buttons == Buttons::YesNo) return box.declines ? QMessageBox::No : QMessageBox::Yes;
+    return box.declines && box.buttons == Buttons::OkCancel ? QMessageBox::Cancel : QMessageBox::Ok;
+}
+
 Answer answerOf(int button, Buttons offered) {
     switch (button) {
         case QMessageBox::Ok:
@@ -68,7 +73,7 @@ Answer QtDialogs::show(const Box& box) {
     message.setText(QString::fromStdString(box.text));
     message.setIcon(iconOf(box.icon));
     message.setStandardButtons(buttonsOf(box.buttons));
-    message.setDefaultButton(box.buttons == Buttons::YesNo ? QMessageBox::Yes : QMessageBox::Ok);
+    message.setDefaultButton(defaultOf(box));
     // Escape and the window's own button decline where declining is possible.
     if (box.buttons == Buttons::YesNo) message.setEscapeButton(QMessageBox::No);
     const int button = message.exec();

@@ -1,14 +1,17 @@
 #include "qt/qt_serial_port.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
+#include <termios.h>
 
-#include <algorithm>
+#include <cerrno>
 #include <span>
 
 #include "base/errors.h"
 #include "base/number_text.h"
+#include "platform/posix_handle.h"
 
 namespace zentaq {
 
@@ -18,6 +21,12 @@ namespace {
 int waitingBytes(int handle) {
     int count = 0;
     return ::ioctl(handle, FIONREAD, &count) == 0 ? count : -1;
+}
+
+/// Qt has one word for a port that is busy and one that the user may not open: the system tells them apart.
+std::string troubleOf(const std::string& device, const QString& otherwise) {
+    const PosixHandle line(::open(device.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
+    return line.valid() ? otherwise.toStdString() : openingTrouble(device, errno);
 }
 
 bool hungUp(int handle) {
@@ -42,22 +51,21 @@ QtSerialPort::~QtSerialPort() {
 
 void QtSerialPort::open(int number) {
     close();
-    const std::vector<PortInfo> ports = ports_();
-    const auto port = std::find_if(ports.begin(), ports.end(),
-                                   [number](const PortInfo& entry) { return entry.number == number; });
-    if (port == ports.end()) throw Failure("Port " + numberText(number) + " is not present");
-    if (!openDevice(port->device)) {
-        throw Failure("Port " + numberText(number) + " (" + port->device + "): " + openError_);
+    const PortInfo port = portOfNumber(ports_(), number);
+    if (!openDevice(port.device)) {
+        throw Failure("Port " + numberText(number) + " (" + port.device + "): " + openError_);
     }
-    identity_ = port->identity;
+    keeper_.keep(port);
     number_ = number;
     heard_ = false;
+    tell(&LineWatch::opened, port, clock_.monotonicUs());
     nextNumberUs_ = clock_.monotonicUs() + numberUs;
 }
 
 void QtSerialPort::close() {
-    identity_.clear();
-    if (device_.isOpen()) device_.close();
+    if (isOpen()) tell(&LineWatch::closed, clock_.monotonicUs());
+    keeper_.forget();
+    closeDevice();
     gate_.take();
     lost_ = false;
 }
@@ -71,13 +79,13 @@ bool QtSerialPort::openDevice(const std::string& device) {
     device_.setStopBits(QSerialPort::OneStop);
     device_.setFlowControl(QSerialPort::NoFlowControl);
     if (!device_.open(QIODevice::ReadWrite)) {
-        openError_ = device_.errorString().toStdString();
+        openError_ = troubleOf(device, device_.errorString());
         lost_ = false;
         return false;
     }
     // Qt's exclusive mode does not bind an administrator; a lock binds everybody who asks for it.
     if (::flock(device_.handle(), LOCK_EX | LOCK_NB) != 0) {
-        openError_ = "in use by another program";
+        openError_ = portBusyWords;
         device_.close();
         return false;
     }
@@ -85,19 +93,29 @@ bool QtSerialPort::openDevice(const std::string& device) {
     device_.clear();
     lost_ = false;
     gate_.take();
-    nextLookUs_ = clock_.monotonicUs() + lookUs;
+    keeper_.lookLater(clock_.monotonicUs());
     return true;
+}
+
+void QtSerialPort::closeDevice() {
+    if (!device_.isOpen()) return;
+    // The system would wait for half a minute until a stuck line has taken what is left.
+    ::tcflush(static_cast<int>(device_.handle()), TCOFLUSH);
+    device_.close();
 }
 
 void QtSerialPort::write(std::string_view bytes) {
     ++writes_;
     // While the device is away bytes go nowhere, as with a pulled cable.
     if (!device_.isOpen() || lost_) return;
+    // A line that takes nothing must not fill the memory; what is not answered is told by the time-outs.
+    if (device_.bytesToWrite() > mostWaiting) return;
     if (device_.write(bytes.data(), static_cast<qint64>(bytes.size())) < 0) {
         lost_ = true;
         return;
     }
     device_.flush();
+    tell(&LineWatch::written, bytes, clock_.monotonicUs());
 }
 
 bool QtSerialPort::service() {
@@ -116,6 +134,7 @@ bool QtSerialPort::service() {
     }
     if (!gate_.due(clock_.monotonicUs())) return false;
     gate_.delivered();
+    tell(&LineWatch::delivered, gate_.size(), clock_.monotonicUs());
     raise(CommEvent::DataReceived);
     return true;
 }
@@ -133,28 +152,32 @@ void QtSerialPort::keep() {
     if (bytes.isEmpty()) return;
     heard_ = true;
     const auto* first = reinterpret_cast<const std::uint8_t*>(bytes.constData());
-    gate_.received(std::span(first, static_cast<std::size_t>(bytes.size())), clock_.monotonicUs());
+    const std::span lump(first, static_cast<std::size_t>(bytes.size()));
+    const std::int64_t nowUs = clock_.monotonicUs();
+    gate_.received(lump, nowUs);
+    tell(&LineWatch::arrived, lump, nowUs);
 }
 
 void QtSerialPort::checkLine(std::int64_t nowUs) {
-    if (nowUs < nextLookUs_) return;
-    nextLookUs_ = nowUs + lookUs;
+    if (!keeper_.timeToLook(nowUs)) return;
     if (hungUp(static_cast<int>(device_.handle()))) lost_ = true;
 }
 
 void QtSerialPort::lose() {
-    device_.close();
+    closeDevice();
     gate_.take();
     lost_ = false;
-    nextLookUs_ = clock_.monotonicUs() + lookUs;
+    keeper_.lookLater(clock_.monotonicUs());
+    tell(&LineWatch::lost, keeper_.device(), clock_.monotonicUs());
 }
 
 void QtSerialPort::lookForDevice(std::int64_t nowUs) {
-    if (nowUs < nextLookUs_) return;
-    nextLookUs_ = nowUs + lookUs;
-    for (const PortInfo& port : ports_()) {
-        if (port.identity == identity_ && openDevice(port.device)) return;
-    }
+    if (!keeper_.timeToLook(nowUs)) return;
+    const auto port = keeper_.findIn(ports_());
+    // A device node that has just been made may not be open to users yet: the next look tries again.
+    if (!port || !openDevice(port->device)) return;
+    keeper_.keep(*port);
+    tell(&LineWatch::returned, *port, clock_.monotonicUs());
 }
 
 // A user who plugs the adapter in after the start means that adapter, though another port had its number
@@ -163,10 +186,11 @@ void QtSerialPort::followNumber(std::int64_t nowUs) {
     if (heard_ || nowUs < nextNumberUs_) return;
     nextNumberUs_ = nowUs + numberUs;
     for (const PortInfo& port : ports_()) {
-        if (port.number != number_ || port.identity == identity_) continue;
-        if (device_.isOpen()) device_.close();
-        identity_ = port.identity;
-        if (!openDevice(port.device)) lose();
+        if (port.number != number_ || port.identity == keeper_.device().identity) continue;
+        closeDevice();
+        keeper_.keep(port);
+        if (!openDevice(port.device)) return lose();
+        tell(&LineWatch::opened, port, clock_.monotonicUs());
         return;
     }
 }

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "platform/clock.h"
+#include "platform/device_keeper.h"
 #include "platform/receive_gate.h"
 #include "platform/serial_port.h"
 
@@ -20,9 +21,11 @@ class QtSerialPort : public QObject, public SerialPort {
     using PortSource = std::function<std::vector<PortInfo>()>;
 
     /// How often a vanished device is looked for.
-    static constexpr std::int64_t lookUs = 250'000;
+    static constexpr std::int64_t lookUs = DeviceKeeper::lookUs;
     /// How often the number of a device that has never said anything is looked up again.
     static constexpr std::int64_t numberUs = 1'000'000;
+    /// While this many bytes wait for a line that takes none, further commands go nowhere.
+    static constexpr std::int64_t mostWaiting = 4096;
 
     explicit QtSerialPort(const Clock& clock, PortSource ports);
     ~QtSerialPort() override;
@@ -30,7 +33,7 @@ class QtSerialPort : public QObject, public SerialPort {
     void open(int number) override;
     void close() override;
     /// True also while the device is away: it is looked for until close().
-    bool isOpen() const override { return !identity_.empty(); }
+    bool isOpen() const override { return keeper_.keeps(); }
     /// Whether the device is there at this moment.
     bool present() const { return device_.isOpen(); }
 
@@ -53,6 +56,7 @@ class QtSerialPort : public QObject, public SerialPort {
     void drain();
     void keep();
     void lose();
+    void closeDevice();
     void checkLine(std::int64_t nowUs);
     void lookForDevice(std::int64_t nowUs);
     void followNumber(std::int64_t nowUs);
@@ -61,13 +65,12 @@ class QtSerialPort : public QObject, public SerialPort {
     PortSource ports_;
     QSerialPort device_;
     ReceiveGate gate_;
-    std::string identity_;
+    DeviceKeeper keeper_;
     std::string openError_;
     int number_ = 0;
     bool heard_ = false;  ///< the device has sent something since open()
     bool lost_ = false;
     std::uint64_t writes_ = 0;
-    std::int64_t nextLookUs_ = 0;
     std::int64_t nextNumberUs_ = 0;
 };
 

@@ -4,16 +4,20 @@
 #pragma once
 
 #include <QObject>
+#include <QSocketNotifier>
 #include <QTimer>
+#include <memory>
 
 #include "platform/clock.h"
+#include "platform/line_watch.h"
+#include "platform/posix_handle.h"
 #include "platform/tick_pacer.h"
 #include "platform/ticker.h"
 #include "qt/qt_serial_port.h"
 
 namespace zentaq {
 
-class QtTicker : public QObject, public Ticker {
+class QtTicker : public QObject, public Ticker, private LineWatch {
     Q_OBJECT
 
  public:
@@ -21,12 +25,17 @@ class QtTicker : public QObject, public Ticker {
     static constexpr int ticksPerWake = 20;
 
     QtTicker(QtSerialPort& port, const Clock& clock);
+    ~QtTicker() override;
 
     void start() override;
     void stop() override;
     bool running() const { return timer_.isActive(); }
 
  private:
+    // ---- LineWatch
+    void arrived(std::span<const std::uint8_t> bytes, std::int64_t nowUs) override;
+
+    void lineIsQuiet();
     void wake();
     void run();
     void runTick();
@@ -35,6 +44,8 @@ class QtTicker : public QObject, public Ticker {
     const Clock& clock_;
     QTimer timer_;
     TickPacer pacer_;
+    PosixHandle quietTimer_;
+    std::unique_ptr<QSocketNotifier> quiet_;
     bool inside_ = false;
 };
 

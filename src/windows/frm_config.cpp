@@ -240,10 +240,9 @@ void FrmConfig::autoDetect() {
 }
 
 void FrmConfig::choosePort(int number) {
-    session_.link.commPort(number);
-    session_.settings().set("System", "CommPort", numberText(number));
-    session_.link.editStatus().port = numberText(number);
-    session_.link.ORB_Initialize();
+    commands_.choosePort(number);
+    // Refused while a transfer runs: the list shows the port in use again.
+    if (session_.link.commPort() != number) fraComm_->ports().fill(session_.link.commPort());
 }
 
 }  // namespace zentaq

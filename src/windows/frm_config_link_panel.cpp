@@ -14,6 +14,9 @@ namespace zentaq {
 
 namespace {
 
+/// The size of the letters of what is for the curious.
+constexpr double smallLetters = 0.8;
+
 void setText(QLabel* label, const std::string& text) {
     const QString shown = QString::fromStdString(text);
     if (label->text() != shown) label->setText(shown);
@@ -116,6 +119,7 @@ LinkPanel::LinkPanel(std::function<std::vector<PortInfo>()> ports, QWidget* pare
     title_->setFont(bold);
     line1_ = makeLabel("lblCommStatus1", tr("Link status, first line"));
     line2_ = makeLabel("lblCommStatus2", tr("Link status, second line"));
+    frameTimes_ = makeLabel("lblFrameTimes", tr("Where the time of a frame goes"));
     activity_ = makeLabel("lblActivity", tr("Link activity"));
     activity_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     activity_->setMinimumWidth(
@@ -133,7 +137,15 @@ LinkPanel::LinkPanel(std::function<std::vector<PortInfo>()> ports, QWidget* pare
     grid->addWidget(activity_, 0, 2);
     grid->addWidget(send_, 0, 3);
     grid->addWidget(receive_, 0, 4);
-    grid->addWidget(line1_, 1, 1, 1, 4);
+    // While frames come the first line says no more than that: their times take its place, all in small
+    // letters.
+    QFont small = frameTimes_->font();
+    small.setPointSizeF(small.pointSizeF() * smallLetters);
+    frameTimes_->setFont(small);
+    line1OrTimes_ = new QStackedWidget(this);
+    line1OrTimes_->addWidget(line1_);
+    line1OrTimes_->addWidget(frameTimes_);
+    grid->addWidget(line1OrTimes_, 1, 1, 1, 4);
     // Four rows leave the height of a small screen to the tables: a second line of the status takes the place
     // of the unit's facts, and a transfer's progress that of the port, which nobody changes meanwhile.
     factsOrLine2_ = new QStackedWidget(this);
@@ -249,6 +261,7 @@ void LinkPanel::render(const LinkStatus& status) {
     setText(line1_, status.line1);
     setText(line2_, status.line2);
     factsOrLine2_->setCurrentIndex(status.line2.empty() ? 0 : 1);
+    showFrameTimes(status);
     line1_->setToolTip(line1_->text());
     line2_->setToolTip(line2_->text());
     setText(activity_, status.activity);
@@ -264,6 +277,19 @@ void LinkPanel::render(const LinkStatus& status) {
     message_->setVisible(status.progressVisible);
     progress_->setValue(status.progressPercent);
     setText(percentage_, status.progressText);
+}
+
+void LinkPanel::showFrameTimes(const LinkStatus& status) {
+    const bool none = status.frameTimes.empty();
+    setText(frameTimes_, status.frameTimes);
+    line1OrTimes_->setCurrentIndex(!none && status.image == LinkImage::Monitor ? 1 : 0);
+    if (none == frameTimes_->toolTip().isEmpty()) return;
+    frameTimes_->setToolTip(none ? QString()
+                                 : tr("Where the time of a live frame goes, averaged over the last ones:\n"
+                                      "unit: the unit thinks\n"
+                                      "wire: request and reply at 38400 baud\n"
+                                      "adapter: the USB adapter held bytes back\n"
+                                      "program: Zentaq4, until it asks for the next frame"));
 }
 
 void LinkPanel::showImage(LinkImage image) {

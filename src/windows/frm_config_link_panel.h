@@ -54,6 +54,7 @@ class LinkPanel : public QFrame {
     QWidget* makeFacts();
     QWidget* makePortRow(std::function<std::vector<PortInfo>()> ports);
     QWidget* makeProgress();
+    void showFrameTimes(const LinkStatus& status);
     void showImage(LinkImage image);
 
     LinkImage image_ = LinkImage::None;
@@ -62,6 +63,7 @@ class LinkPanel : public QFrame {
     QLabel* line1_ = nullptr;
     QLabel* line2_ = nullptr;
     QLabel* activity_ = nullptr;
+    QLabel* frameTimes_ = nullptr;
     QLabel* send_ = nullptr;
     QLabel* receive_ = nullptr;
     QLabel* port_ = nullptr;
@@ -70,6 +72,7 @@ class LinkPanel : public QFrame {
     QLabel* firmware_ = nullptr;
     PortCombo* ports_ = nullptr;
     QPushButton* autoDetect_ = nullptr;
+    QStackedWidget* line1OrTimes_ = nullptr;
     QStackedWidget* factsOrLine2_ = nullptr;
     QStackedWidget* portOrProgress_ = nullptr;
     QProgressBar* progress_ = nullptr;

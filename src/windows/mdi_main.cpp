@@ -28,13 +28,14 @@ struct Command {
     void (MainCommands::*run)();
 };
 
-constexpr std::array commandTable{
+constexpr std::array menuCommands{
     Command{"mnuNew", &MainCommands::newCalibration},
     Command{"mnuOpen", &MainCommands::open},
     Command{"mnuSave", &MainCommands::save},
     Command{"mnuSaveAs", &MainCommands::saveAs},
     Command{"mnuClose", &MainCommands::close},
     Command{"mnuProgramORB", &MainCommands::programOrb},
+    Command{"mnuFirmwareUpgrade", &MainCommands::firmwareUpgrade},
     Command{"mnuStoreONFLY", &MainCommands::storeOnFly},
     Command{"mnuIdentifyORB", &MainCommands::identify},
     Command{"mnuMonitor_KillEngine", &MainCommands::killEngine},
@@ -264,7 +265,7 @@ void MdiMain::run(std::string_view entry) {
 }
 
 bool MdiMain::perform(std::string_view entry) {
-    for (const Command& command : commandTable) {
+    for (const Command& command : menuCommands) {
         if (command.entry != entry) continue;
         (commands_.*command.run)();
         return true;

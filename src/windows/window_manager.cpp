@@ -387,7 +387,7 @@ void WindowManager::unitKindFound(int) {
 }
 
 void WindowManager::beginMonitoring() {
-    if (closed_ || session_.Monitoring || session_.link.TransferActive()) return;
+    if (closed_ || session_.Monitoring || session_.link.transferPending()) return;
     if (parseNumber(session_.settings().get(settings::system, settings::AutoMonitor)) != 1) return;
     constexpr int monitorStart = 2;
     endOnFailure([&] { commands_.loadCommand(monitorStart); },

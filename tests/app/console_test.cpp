@@ -13,7 +13,7 @@
 namespace zentaq {
 namespace {
 
-class ConsoleTest : public testing::Test {
+class ConsoleTest : public ::testing::Test {
  protected:
     FakeClock clock;
     Console console{clock};

@@ -8,9 +8,9 @@
 namespace zentaq {
 namespace {
 
-using testing::Each;
-using testing::ElementsAre;
-using testing::ElementsAreArray;
+using ::testing::Each;
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
 
 std::vector<std::string> texts(const std::vector<DataPointWrite>& writes) {
     std::vector<std::string> lines;

@@ -8,9 +8,9 @@
 namespace zentaq {
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
 
 // ---- Captions and lists
 
@@ -144,7 +144,7 @@ const BoxCase boxes[] = {
     {"txtLBHR", "INJ_FlowRate", "42", "42,5", 42.5F, "0", "500", "-0.01", "500.01", "(0 to 500 Lbs/hr)"},
 };
 
-class TextBox : public GeneralConfigForm, public testing::WithParamInterface<BoxCase> {
+class TextBox : public GeneralConfigForm, public ::testing::WithParamInterface<BoxCase> {
  protected:
     const BoxCase& box = GetParam();
 
@@ -243,7 +243,7 @@ TEST_P(TextBox, LeavingItUntouchedChangesNothing) {
     EXPECT_EQ(boxesShown(), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(GeneralConfig, TextBox, testing::ValuesIn(boxes),
+INSTANTIATE_TEST_SUITE_P(GeneralConfig, TextBox, ::testing::ValuesIn(boxes),
                          [](const auto& test) { return std::string(test.param.control); });
 
 TEST_F(GeneralConfigForm, TellsTheLimitsThatNoCaptionTells) {

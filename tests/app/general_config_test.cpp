@@ -13,11 +13,11 @@
 namespace zentaq {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
 
 constexpr std::uint32_t orbaSerial = 200001;
 
@@ -82,7 +82,7 @@ struct SerialCase {
     int slot;
 };
 
-class LinkedUnitForm : public GeneralConfigForm, public testing::WithParamInterface<SerialCase> {};
+class LinkedUnitForm : public GeneralConfigForm, public ::testing::WithParamInterface<SerialCase> {};
 
 TEST_P(LinkedUnitForm, AnOrbDIsTheD6WhenTheSerialCodeOnTheLinkSaysSo) {
     connect(GetParam().serial, "ZQD-405099");
@@ -95,8 +95,8 @@ TEST_P(LinkedUnitForm, AnOrbDIsTheD6WhenTheSerialCodeOnTheLinkSaysSo) {
 }
 
 INSTANTIATE_TEST_SUITE_P(GeneralConfig, LinkedUnitForm,
-                         testing::Values(SerialCase{700001, 7}, SerialCase{750000, 8}, SerialCase{759999, 8},
-                                         SerialCase{orbaSerial, 7}),
+                         ::testing::Values(SerialCase{700001, 7}, SerialCase{750000, 8},
+                                           SerialCase{759999, 8}, SerialCase{orbaSerial, 7}),
                          [](const auto& test) { return std::to_string(test.param.serial); });
 
 TEST(ModelList, TakesTheD6From750000To759999) {
@@ -757,7 +757,7 @@ TEST_F(GeneralConfigForm, EveryEngineOfEveryModelMakesACalibrationThatOpensAgain
             ASSERT_TRUE(saveTo(fake.folder.path("t" + std::string(unit().kind().extension)))) << what;
             // Nothing was refused: the only boxes are the two of saving.
             for (const Box& box : fake.dialogs.boxes) {
-                EXPECT_THAT(box.title, testing::AnyOf("Data Saved.", "File Exists")) << what << box.text;
+                EXPECT_THAT(box.title, ::testing::AnyOf("Data Saved.", "File Exists")) << what << box.text;
             }
             const auto again = QuietCalibration::open(session.CurrentFile, &*session.database);
             ASSERT_EQ(again->unit.kind().className, unit().kind().className) << what;

@@ -16,7 +16,7 @@
 
 namespace zentaq {
 
-class GeneralConfigForm : public testing::Test {
+class GeneralConfigForm : public ::testing::Test {
  protected:
     static constexpr const char* fourCylinders = "4 Cylinder Coil per Plug, Sequential Injection";
     static constexpr const char* oneBar = "1 BAR (10-105 kPa)";

@@ -14,10 +14,10 @@
 namespace zentaq {
 namespace {
 
-using testing::Contains;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
+using ::testing::Contains;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
 
 void writeFloats(const std::string& path, const std::vector<float>& floats, std::size_t extraBytes = 0) {
     std::ofstream file(path, std::ios::binary);
@@ -36,7 +36,7 @@ std::vector<float> orbAFloats(float version = 9.44f) {
     return floats;
 }
 
-class Commands : public testing::Test {
+class Commands : public ::testing::Test {
  protected:
     FakeSession fake;
     Session& session = fake.session;

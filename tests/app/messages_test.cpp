@@ -8,10 +8,10 @@
 namespace zentaq {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
-class MessagesTest : public testing::Test {
+class MessagesTest : public ::testing::Test {
  protected:
     ScriptedDialogs dialogs;
     std::vector<std::string> log;

@@ -12,10 +12,10 @@
 namespace zentaq {
 namespace {
 
-using testing::Contains;
-using testing::Not;
+using ::testing::Contains;
+using ::testing::Not;
 
-class NewCalibrationCommand : public testing::Test {
+class NewCalibrationCommand : public ::testing::Test {
  protected:
     FakeSession fake;
     Session& session = fake.session;
@@ -123,7 +123,7 @@ TEST_F(NewCalibrationCommand, SaveAndSaveAsBelongToTheForm) {
     fake.windows.calls.clear();
     commands.save();
     commands.saveAs();
-    EXPECT_THAT(fake.windows.calls, testing::ElementsAre("save general config", "save general config"));
+    EXPECT_THAT(fake.windows.calls, ::testing::ElementsAre("save general config", "save general config"));
     EXPECT_EQ(std::filesystem::last_write_time(path()), before);
 }
 
@@ -138,7 +138,7 @@ TEST_F(NewCalibrationCommand, TablesWaitForTheDefaultValues) {
     commands.newCalibration();
     fake.windows.calls.clear();
     commands.openTable("VE", "Volumetric Efficiency Table");
-    EXPECT_THAT(fake.windows.calls, testing::ElementsAre("general config"));
+    EXPECT_THAT(fake.windows.calls, ::testing::ElementsAre("general config"));
 }
 
 TEST_F(NewCalibrationCommand, TheNodeOfTheGeneralParametersOpensTheFormForTheCalibrationInHand) {
@@ -153,20 +153,20 @@ TEST(WindowCommands, OpenTheOptionsOnTheirPages) {
     MainCommands commands(fake.session);
     commands.options();
     commands.dashboardColors();
-    EXPECT_THAT(fake.windows.calls, testing::ElementsAre("options", "options, monitor"));
+    EXPECT_THAT(fake.windows.calls, ::testing::ElementsAre("options", "options, monitor"));
 }
 
 TEST(WindowCommands, OpenTheSensorManager) {
     FakeSession fake;
     MainCommands(fake.session).sensorManager();
-    EXPECT_THAT(fake.windows.calls, testing::ElementsAre("sensor editor"));
+    EXPECT_THAT(fake.windows.calls, ::testing::ElementsAre("sensor editor"));
 }
 
 TEST(WindowCommands, HelpIsLoggedAndOpensTheGuidesContents) {
     FakeSession fake;
     MainCommands(fake.session).help();
-    EXPECT_THAT(fake.windows.calls, testing::ElementsAre("help "));
-    EXPECT_THAT(fake.session.console.lines().back(), testing::HasSubstr(" - HELP: Opening Help File."));
+    EXPECT_THAT(fake.windows.calls, ::testing::ElementsAre("help "));
+    EXPECT_THAT(fake.session.console.lines().back(), ::testing::HasSubstr(" - HELP: Opening Help File."));
 }
 
 }  // namespace

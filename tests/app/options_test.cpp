@@ -88,13 +88,13 @@ class OptionsTest : public testing::Test {
 TEST(OptionTable, HoldsEveryControlOfTheWindow) {
     std::vector<std::string> names;
     for (const OptionRow& row : optionTable()) names.push_back(controlName(row));
-    EXPECT_THAT(names,
-                testing::UnorderedElementsAre(
-                    "cmbCOMM", "cmdAutoDetectPort", "chkAutoLog", "chkConsole", "chkCOMM", "chkFileOpen",
-                    "optPrintButton(0)", "optPrintButton(1)", "chkShowCommDialog", "txtPollRate",
-                    "chkTemperature", "chkGraphs", "chkColumnType", "txtCLTvalue", "txtMATvalue",
-                    "sldDashAdjust", "chkAFRColors", "chkAutoMonitor", "chkAutoOutput", "optMonitorMode(0)",
-                    "optMonitorMode(1)", "txtNeedleColor", "txtDashLights", "txtLabelLights", "viewList"));
+    EXPECT_THAT(names, testing::UnorderedElementsAre(
+                           "cmbCOMM", "cmdAutoDetectPort", "chkWireTrace", "chkAutoLog", "chkConsole",
+                           "chkCOMM", "chkFileOpen", "optPrintButton(0)", "optPrintButton(1)",
+                           "chkShowCommDialog", "txtPollRate", "chkTemperature", "chkGraphs", "chkColumnType",
+                           "txtCLTvalue", "txtMATvalue", "sldDashAdjust", "chkAFRColors", "chkAutoMonitor",
+                           "chkAutoOutput", "optMonitorMode(0)", "optMonitorMode(1)", "txtNeedleColor",
+                           "txtDashLights", "txtLabelLights", "viewList"));
 }
 
 TEST(OptionTable, HoldsEverySettingOfTheSectionSystem) {
@@ -102,11 +102,11 @@ TEST(OptionTable, HoldsEverySettingOfTheSectionSystem) {
     for (const OptionRow& row : optionTable()) {
         if (!row.key.empty()) keys.insert(row.key);
     }
-    EXPECT_THAT(keys, testing::UnorderedElementsAre("CommPort", "AutoLog", "Cnsl", "CommCnsl", "MonitorMode",
-                                                    "NeedleColor", "DashLights", "LabelLights", "ADUR",
-                                                    "Graphs", "FileOpen", "Print", "TableColor", "CommDialog",
-                                                    "PollRate", "Column_Type", "AutoMonitor",
-                                                    "TemperatureToggle", "CLTAlarmValue", "MATAlarmValue"));
+    EXPECT_THAT(keys, testing::UnorderedElementsAre(
+                          "CommPort", "AutoLog", "Cnsl", "CommCnsl", "MonitorMode", "NeedleColor",
+                          "DashLights", "LabelLights", "ADUR", "Graphs", "FileOpen", "Print", "TableColor",
+                          "CommDialog", "PollRate", "Column_Type", "AutoMonitor", "TemperatureToggle",
+                          "CLTAlarmValue", "MATAlarmValue", "WireTrace"));
 }
 
 TEST(OptionTable, GivesEveryControlAHelpAndAnAccessKeyOfItsCaptionThatIsFreeOnItsPage) {
@@ -319,9 +319,10 @@ TEST_F(OptionsTest, WriteTheSimpleOnesOnTheClick) {
 
 TEST_F(OptionsTest, WriteTheOthersNotBeforeApply) {
     Options options(session);
-    for (const char* control : {"cmbCOMM", "chkAutoLog", "chkConsole", "chkCOMM", "chkFileOpen",
-                                "txtPollRate", "chkGraphs", "txtCLTvalue", "txtMATvalue", "chkAFRColors",
-                                "chkAutoOutput", "txtNeedleColor", "txtDashLights", "txtLabelLights"}) {
+    for (const char* control :
+         {"cmbCOMM", "chkAutoLog", "chkConsole", "chkCOMM", "chkFileOpen", "txtPollRate", "chkGraphs",
+          "txtCLTvalue", "txtMATvalue", "chkAFRColors", "chkAutoOutput", "txtNeedleColor", "txtDashLights",
+          "txtLabelLights", "chkWireTrace"}) {
         options.change(control, "1");
     }
     options.checkDataPoint(5, true);
@@ -388,13 +389,13 @@ TEST_F(OptionsTest, ApplyInTheFixedOrderWhileMonitoring) {
     EXPECT_THAT(trail, IsEmpty());
     EXPECT_THAT(options.apply(), IsEmpty());
     EXPECT_THAT(
-        trail,
-        ElementsAre("CommPort=3", "AutoLog=1", "Cnsl=1", "CommCnsl=0", "NeedleColor=255", "DashLights=65535",
-                    "LabelLights=7", "Graphs=1", "FileOpen=1", "TableColor=1", "PollRate=2.5",
-                    "AutoMonitor=0", "TemperatureToggle=0", "CLTAlarmValue=98", "MATAlarmValue=60",
-                    "white grid", "Datalog1=0", "Datalog2=0", "Datalog3=0", "Datalog4=0", "Datalog5=0",
-                    "Datalog6=0", "Datalog7=0", "Datalog8=0", "Datalog9=0", "Datalog10=0", "Datalog1=2",
-                    "Datalog2=65", "night", "lights 65535 needle 255", "list on", "recorder rows"));
+        trail, ElementsAre("CommPort=3", "AutoLog=1", "Cnsl=1", "CommCnsl=0", "NeedleColor=255",
+                           "DashLights=65535", "LabelLights=7", "Graphs=1", "FileOpen=1", "TableColor=1",
+                           "PollRate=2.5", "AutoMonitor=0", "TemperatureToggle=0", "CLTAlarmValue=98",
+                           "MATAlarmValue=60", "white grid", "Datalog1=0", "Datalog2=0", "Datalog3=0",
+                           "Datalog4=0", "Datalog5=0", "Datalog6=0", "Datalog7=0", "Datalog8=0", "Datalog9=0",
+                           "Datalog10=0", "Datalog1=2", "Datalog2=65", "night", "lights 65535 needle 255",
+                           "list on", "recorder rows", "WireTrace=0"));
     EXPECT_THAT(lastLine(1), HasSubstr("Application Options Have Been Applied."));
     EXPECT_THAT(lastLine(), HasSubstr("**NOTE: Some changes require program restart before taking effect."));
 }
@@ -461,6 +462,22 @@ TEST_F(OptionsTest, ApplyOfFewerDataPointsEmptiesTheOtherSlots) {
     for (int place = 2; place <= 10; ++place) options.checkDataPoint(place, false);
     options.apply();
     EXPECT_THAT(Options(session).dataPoints(), ElementsAre(1));
+}
+
+TEST_F(OptionsTest, BeginAndEndTheWireTraceWithApply) {
+    Options options(session);
+    EXPECT_FALSE(options.on("chkWireTrace"));
+    options.change("chkWireTrace", "1");
+    EXPECT_FALSE(session.trace.running());
+    options.apply();
+    EXPECT_EQ(read("WireTrace"), "1");
+    EXPECT_TRUE(session.trace.running());
+    EXPECT_THAT(session.console.lines(), testing::Contains(HasSubstr("Wire trace begun: ")));
+    options.change("chkWireTrace", "0");
+    options.apply();
+    EXPECT_FALSE(session.trace.running());
+    EXPECT_THAT(TemporaryFolder::read(folder.file("zentaq.trace")),
+                HasSubstr("program: Application Options Have Been Applied."));
 }
 
 TEST_F(OptionsTest, EveryAppliedOptionSurvivesARestart) {

@@ -7,7 +7,7 @@
 namespace zentaq {
 namespace {
 
-class ResumeNextTest : public testing::Test {
+class ResumeNextTest : public ::testing::Test {
  protected:
     bool ended = false;
     ResumeNext resumeNext{ended};

@@ -14,7 +14,7 @@
 
 namespace zentaq {
 
-class SensorSession : public testing::Test {
+class SensorSession : public ::testing::Test {
  protected:
     /// Counts how often the lists of sensors are to be filled again.
     struct Windows : RecordingWindows {

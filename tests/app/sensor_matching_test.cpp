@@ -7,8 +7,8 @@
 namespace zentaq {
 namespace {
 
-using testing::HasSubstr;
-using testing::IsEmpty;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
 
 class SensorMatching : public SensorSession {
  protected:

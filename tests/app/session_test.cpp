@@ -277,5 +277,58 @@ TEST_F(SessionTest, OnlyASettingOf0ShowsCelsius) {
     EXPECT_TRUE(session.fahrenheit());
 }
 
+// ---- Wire trace
+
+TEST_F(SessionTest, TheWireTraceFollowsItsSetting) {
+    session.applyTrace();
+    EXPECT_FALSE(session.trace.running());
+    fake.settings.set("System", "WireTrace", "1");
+    session.applyTrace();
+    EXPECT_TRUE(session.trace.running());
+    EXPECT_TRUE(logged("Wire trace begun: "));
+    fake.settings.set("System", "WireTrace", "0");
+    session.applyTrace();
+    EXPECT_FALSE(session.trace.running());
+    EXPECT_TRUE(logged("Wire trace ended: "));
+}
+
+TEST_F(SessionTest, AWireTraceThatCannotBeWrittenIsToldAndEndsNothing) {
+    std::filesystem::create_directory(session.traceFile());
+    fake.settings.set("System", "WireTrace", "1");
+    session.applyTrace();
+    EXPECT_FALSE(session.trace.running());
+    EXPECT_TRUE(logged("No wire trace: "));
+}
+
+TEST_F(SessionTest, TheWireTraceHoldsTheConsoleAndTheLossOfTheLink) {
+    connect("ZQA-405099");
+    fake.settings.set("System", "WireTrace", "1");
+    session.applyTrace();
+    session.sysLog("Hello");
+    session.addToLastLine("SUCCESS!");
+    session.initializeOnFly(false);  // another calibration was opened
+    const auto content = [&] {
+        fake.settings.set("System", "WireTrace", "0");
+        session.applyTrace();
+        return TemporaryFolder::read(session.traceFile());
+    };
+    const std::string text = content();
+    EXPECT_THAT(text, HasSubstr("program: Hello\n"));
+    EXPECT_THAT(text, HasSubstr("program: SUCCESS!\n"));
+    EXPECT_THAT(text, testing::Not(HasSubstr("!link-lost")));
+}
+
+TEST_F(SessionTest, ALinkThatIsLostIsInTheWireTrace) {
+    connect("ZQA-405099");
+    fake.settings.set("System", "WireTrace", "1");
+    session.applyTrace();
+    session.link.Send_ORB_Command("T");
+    for (int tick = 0; tick < 5000; ++tick) session.link.tick();
+    ASSERT_EQ(session.link.linked().LinkedUnitKind, 0);
+    fake.settings.set("System", "WireTrace", "0");
+    session.applyTrace();
+    EXPECT_THAT(TemporaryFolder::read(session.traceFile()), HasSubstr("!link-lost the unit is given up\n"));
+}
+
 }  // namespace
 }  // namespace zentaq

@@ -17,11 +17,11 @@ std::vector<std::string> names() {
     return names;
 }
 
-TEST(SettingsKeys, AreTheTwentyPreferences) {
+TEST(SettingsKeys, AreTheTwentyPreferencesAndTheWireTrace) {
     EXPECT_THAT(names(), ElementsAre("CommPort", "AutoLog", "Cnsl", "CommCnsl", "MonitorMode", "NeedleColor",
                                      "DashLights", "LabelLights", "ADUR", "Graphs", "FileOpen", "Print",
                                      "TableColor", "CommDialog", "PollRate", "Column_Type", "AutoMonitor",
-                                     "TemperatureToggle", "CLTAlarmValue", "MATAlarmValue"));
+                                     "TemperatureToggle", "CLTAlarmValue", "MATAlarmValue", "WireTrace"));
 }
 
 TEST(SettingsKeys, OnlyThePortReadsAsSomethingWhenItWasNeverWritten) {

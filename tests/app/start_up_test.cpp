@@ -18,12 +18,12 @@
 namespace zentaq {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::Not;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::Not;
 
-class StartUp : public testing::Test {
+class StartUp : public ::testing::Test {
  protected:
     FakeSession fake;
     Session& session = fake.session;

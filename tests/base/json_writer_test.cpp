@@ -64,10 +64,12 @@ TEST(JsonWriter, WritesNumbersAsAUserSeesThem) {
     EXPECT_EQ(written(-0.1F), "-0.1");
     EXPECT_EQ(written(1e20F), "1E+20");
     EXPECT_EQ(written(-7), "-7");
+    EXPECT_EQ(written(86400000.125), "86400000.125") << "twice as many digits of a double";
 }
 
 TEST(JsonWriter, WritesWhatIsNoJsonNumberAsText) {
     EXPECT_EQ(written(std::numeric_limits<float>::quiet_NaN()), R"("NaN")");
+    EXPECT_EQ(written(std::numeric_limits<double>::infinity()), R"("Infinity")");
     EXPECT_EQ(written(std::numeric_limits<float>::infinity()), R"("Infinity")");
     EXPECT_EQ(written(-std::numeric_limits<float>::infinity()), R"("-Infinity")");
 }

@@ -25,8 +25,8 @@ using Words = std::vector<std::string>;
 /// A program that runs beside the test; ended with the object.
 class Running {
  public:
-    /// `out` and `error` are descriptors that become its standard output and error.
-    Running(const std::string& program, const Words& arguments, int out, int error) {
+    /// The descriptors become its standard output, error and input.
+    Running(const std::string& program, const Words& arguments, int out, int error, int in = STDIN_FILENO) {
         Words words{program};
         words.insert(words.end(), arguments.begin(), arguments.end());
         std::vector<char*> pointers;
@@ -34,6 +34,7 @@ class Running {
         pointers.push_back(nullptr);
         process_ = ::fork();
         if (process_ == 0) {
+            if (in != STDIN_FILENO) ::dup2(in, STDIN_FILENO);
             ::dup2(out, STDOUT_FILENO);
             ::dup2(error, STDERR_FILENO);
             ::execv(program.c_str(), pointers.data());
@@ -76,6 +77,30 @@ inline std::string readUntil(int descriptor, const std::string& text) {
     }
     return got;
 }
+
+/// zentaqctl with a terminal as its standard input and error.
+class OnTerminal {
+ public:
+    explicit OnTerminal(const Words& arguments, const std::string& out) {
+        int end = -1;
+        if (::openpty(&terminal_, &end, nullptr, nullptr, nullptr) != 0) throw std::runtime_error("no pty");
+        ::fcntl(terminal_, F_SETFD, FD_CLOEXEC);
+        const int file = ::open(out.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+        program_.emplace(ZENTAQ_APP_DIR "/zentaqctl", arguments, file, end, end);
+        ::close(file);
+        ::close(end);
+    }
+    ~OnTerminal() { ::close(terminal_); }
+    void type(const std::string& text) const {
+        if (::write(terminal_, text.data(), text.size()) < 0) throw std::runtime_error("cannot type");
+    }
+    std::string until(const std::string& text) const { return readUntil(terminal_, text); }
+    Running& program() { return *program_; }
+
+ private:
+    int terminal_ = -1;
+    std::optional<Running> program_;
+};
 
 class ZentaqctlOnLink : public Zentaqctl {
  protected:

@@ -125,27 +125,6 @@ TEST_F(ZentaqctlOnLink, ProgramTellsThatALostLastAnswerLeavesTheStateOpen) {
     EXPECT_NE(contentOf(memory).find("Street"), std::string::npos) << "this unit did take it";
 }
 
-/// zentaqctl with a terminal as its standard error.
-class OnTerminal {
- public:
-    explicit OnTerminal(const Words& arguments, const std::string& out) {
-        int end = -1;
-        if (::openpty(&terminal_, &end, nullptr, nullptr, nullptr) != 0) throw std::runtime_error("no pty");
-        ::fcntl(terminal_, F_SETFD, FD_CLOEXEC);
-        const int file = ::open(out.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
-        program_.emplace(ZENTAQ_APP_DIR "/zentaqctl", arguments, file, end);
-        ::close(file);
-        ::close(end);
-    }
-    ~OnTerminal() { ::close(terminal_); }
-    std::string until(const std::string& text) const { return readUntil(terminal_, text); }
-    Running& program() { return *program_; }
-
- private:
-    int terminal_ = -1;
-    std::optional<Running> program_;
-};
-
 TEST_F(ZentaqctlOnLink, ProgramShowsItsProgressOnATerminal) {
     startUnit("A");
     OnTerminal terminal({"program", "--port", port, file}, folder.file("out"));

@@ -40,6 +40,14 @@ TEST_F(LinkTexts, MessagesAreThoseOfTheBoxes) {
     EXPECT_EQ(box(), ctl::programmed);
     messages.Display_Message(1003);
     EXPECT_EQ(box(), ctl::notProgrammed);
+    messages.Display_Message(1004);
+    EXPECT_EQ(box(), ctl::firmwareFailed);
+    messages.Display_Message(1005);
+    EXPECT_EQ(box(), ctl::firmwareNotStarted);
+    messages.Display_Message(1008);
+    EXPECT_EQ(box(), ctl::loadCalibration);
+    messages.Display_Message(1009);
+    EXPECT_EQ(box(), ctl::unitLost);
     messages.Display_Message(1006);
     EXPECT_EQ(box(), ctl::downloaded);
     messages.Display_Message(1007);

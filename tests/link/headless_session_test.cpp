@@ -253,6 +253,115 @@ TEST_F(Headless, ACalibrationThatMakesNoImageThrows) {
     EXPECT_TRUE(port.written().empty());
 }
 
+// ---- Firmware
+
+class HeadlessFirmware : public Headless {
+ protected:
+    TransferEnd upgrade(const std::string& text = "S0a\r\nS1b\r\nS9c\r\n") {
+        return session.transfer(TransferMode::Firmware, folder.write("ZQA-505100.nv3", text));
+    }
+};
+
+TEST_F(HeadlessFirmware, AFirmwareThatTheUnitVerifiesIsDone) {
+    identify();
+    port.always("P3", atOnce("AX"));
+    answerLines(0, "");
+    const TransferEnd end = upgrade();
+    EXPECT_EQ(end.ending, Ending::Done);
+    EXPECT_EQ(end.lines, 3);
+    EXPECT_EQ(end.total, 3) << "the lines of the file, though the link counts one more";
+    EXPECT_EQ(end.message, 1002) << "what comes behind it is no other end";
+    EXPECT_THAT(port.written(), ElementsAre("P3", "S0a", "S1b", "S9c"));
+}
+
+TEST_F(HeadlessFirmware, AUnitThatIsNotInUpgradeModeRefusesTheStart) {
+    identify();
+    port.always("P3", atOnce("AR"));
+    const TransferEnd end = upgrade();
+    EXPECT_EQ(end.ending, Ending::Refused);
+    EXPECT_EQ(end.lines, 0);
+    EXPECT_EQ(end.message, 1005);
+}
+
+TEST_F(HeadlessFirmware, ARefusedLineIsTheLineThatIsTold) {
+    identify();
+    port.always("P3", atOnce("AX"));
+    answerLines(2, "AR");
+    const TransferEnd end = upgrade();
+    EXPECT_EQ(end.ending, Ending::Refused);
+    EXPECT_EQ(end.lines, 2);
+    EXPECT_EQ(end.message, 1004);
+}
+
+TEST_F(HeadlessFirmware, ASilentUnitIsTold) {
+    identify();
+    port.always("P3", atOnce("AX"));
+    answerLines(2, "");
+    const TransferEnd end = upgrade();
+    EXPECT_EQ(end.ending, Ending::Silent);
+    EXPECT_EQ(end.lines, 2);
+    EXPECT_EQ(end.message, 1004);
+}
+
+TEST_F(HeadlessFirmware, AFileThatRunsOutUnverifiedIsUnclear) {
+    identify();
+    port.always("P3", atOnce("AX"));
+    answerLines(0, "", "AX");
+    EXPECT_EQ(upgrade().ending, Ending::Unclear);
+}
+
+TEST_F(HeadlessFirmware, AUnitThatAnswersNothingButTheStartIsProgrammed) {
+    session.open(1);
+    ASSERT_EQ(session.findUnit(), Found::Nobody);
+    port.takeWritten();
+    session.link().firmwareLost(true);
+    port.always("P3", atOnce("AX"));
+    port.always("S9c\r\n", atOnce("PN"));
+    answerLines(0, "");
+    EXPECT_EQ(upgrade().ending, Ending::Done) << "the poll that is still waited for takes nothing with it";
+    EXPECT_FALSE(session.link().firmwareLost());
+}
+
+TEST_F(HeadlessFirmware, AUnitWithoutFirmwareThatRefusesTheStartIsNotTakenForASilentOne) {
+    session.open(1);
+    ASSERT_EQ(session.findUnit(), Found::Nobody);
+    session.link().firmwareLost(true);
+    port.always("P3", atOnce("AR"));
+    const TransferEnd end = upgrade();
+    EXPECT_EQ(end.ending, Ending::Refused);
+    EXPECT_EQ(end.message, 1004);
+}
+
+TEST_F(HeadlessFirmware, AUnitWithoutFirmwareThatDoesNotAnswerTheStartIsLost) {
+    session.open(1);
+    ASSERT_EQ(session.findUnit(), Found::Nobody);
+    session.link().firmwareLost(true);
+    const TransferEnd end = upgrade();
+    EXPECT_EQ(end.ending, Ending::Silent);
+    EXPECT_EQ(end.message, 1009);
+}
+
+TEST_F(HeadlessFirmware, AStopWaitsForTheEndOfTheLastLine) {
+    identify();
+    port.always("P3", atOnce("AX"));
+    answerLines(0, "");
+    pass.meanwhile = [this] { stop = lines == 3; };
+    EXPECT_EQ(upgrade().ending, Ending::Done);
+    lines = 0;
+    stop = false;
+    pass.meanwhile = [this] { stop = lines == 2; };
+    const TransferEnd end = upgrade();
+    EXPECT_EQ(end.ending, Ending::Stopped);
+    EXPECT_EQ(end.lines, 2);
+    EXPECT_EQ(end.total, 3);
+}
+
+TEST_F(HeadlessFirmware, AnAbsentFileThrowsAndSendsNothing) {
+    identify();
+    EXPECT_THROW(session.transfer(TransferMode::Firmware, folder.path("absent.nv3")), FileError);
+    EXPECT_TRUE(port.written().empty());
+}
+
 // ---- Download. A record is 33 bytes; byte 3 above 82 is the end.
 
 class HeadlessDownload : public Headless {

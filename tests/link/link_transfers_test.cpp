@@ -402,13 +402,13 @@ TEST_F(LinkTransfers, VerifiedFirmwareEndsWithItsOwnTexts) {
     upgrade("S0\nS9\n");
     runUntilIdle();
     EXPECT_EQ(port.written(), (Texts{"P3", "S0", "S9"}));
-    EXPECT_EQ(host.messages, (std::vector<int>{1002}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008})) << "done, and the calibration is still to come";
     EXPECT_EQ(host.logLines.back(), "ORB: Firmware Upload Successful, Verified!");
     EXPECT_EQ(link.status().title, "Program Firmware Successful");
     EXPECT_EQ(link.status().line1, "PROGRAM VERIFIED");
 }
 
-TEST_F(LinkTransfers, RefusedFirmwareFailsWithMessage1004) {
+TEST_F(LinkTransfers, FirmwareRefusedAtALineFailsWithMessage1004) {
     find(200000);
     answerLines("AX");
     port.always("S1", atOnce("AR"));
@@ -416,16 +416,42 @@ TEST_F(LinkTransfers, RefusedFirmwareFailsWithMessage1004) {
     runUntilIdle();
     EXPECT_EQ(host.messages, (std::vector<int>{1004}));
     EXPECT_EQ(host.logLines.back(), "Firmware Upload to ORB Unit FAILED!");
+    EXPECT_TRUE(link.firmwareLost());
 }
 
-TEST_F(LinkTransfers, AFirmwareLineHas5000TicksOfPatience) {
+TEST_F(LinkTransfers, FirmwareRefusedAtItsStartFailsWithMessage1005) {
+    find(200000);
+    answerLines("AR");
+    upgrade("S0\nS9\n");
+    runUntilIdle();
+    EXPECT_EQ(port.written(), (Texts{"P3"}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1005})) << "the unit is not in upgrade mode";
+    EXPECT_EQ(host.logLines.back(), "Firmware Upload to ORB Unit FAILED!");
+    EXPECT_FALSE(link.firmwareLost());
+}
+
+TEST_F(LinkTransfers, AFirmwareStartHas5000TicksOfPatienceAndFailsWithMessage1005) {
     find(200000);
     upgrade("S0\n");
     ticks(1 + 5000);
     EXPECT_TRUE(host.messages.empty());
     ticks(1);
-    EXPECT_EQ(host.messages, (std::vector<int>{1004}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
     EXPECT_EQ(link.linked().LinkedUnitKind, 0);
+}
+
+TEST_F(LinkTransfers, AFirmwareLineThatIsNeverAnsweredFailsAfter5001TicksWithMessage1004) {
+    find(200000);
+    answerLines("AX");
+    port.always("S1", atOnce(""));
+    upgrade("S0\nS1\nS9\n");
+    ticks(1 + 11 + 11);
+    ASSERT_EQ(port.written().back(), "S1");
+    ticks(5000);
+    EXPECT_TRUE(host.messages.empty());
+    ticks(1);
+    EXPECT_EQ(host.messages, (std::vector<int>{1004}));
+    EXPECT_TRUE(link.firmwareLost());
 }
 
 TEST_F(LinkTransfers, AnEmptyFirmwareFileCountsAsASuccess) {
@@ -434,7 +460,101 @@ TEST_F(LinkTransfers, AnEmptyFirmwareFileCountsAsASuccess) {
     upgrade("");
     ticks(6000);
     EXPECT_EQ(port.written(), (Texts{"P3"}));
-    EXPECT_EQ(host.messages, (std::vector<int>{1002}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008}));
+}
+
+/// A unit whose firmware broke off at its second line, and which then fell silent.
+class LostFirmware : public LinkTransfers {
+ protected:
+    LostFirmware() {
+        find(200000);
+        answerLines("AX");
+        port.always("S1", atOnce("AR"));
+        upgrade("S0\nS1\nS9\n");
+        runUntilIdle();
+        forget();
+        EXPECT_TRUE(link.firmwareLost());
+    }
+};
+
+TEST_F(LostFirmware, AUnitThatDoesNotAnswerTheNextStartIsToldWithMessage1009) {
+    answerLines("");
+    upgrade("S0\nS9\n");
+    ticks(1 + 5001);
+    EXPECT_EQ(host.messages, (std::vector<int>{1009}));
+}
+
+TEST_F(LostFirmware, AUnitThatRefusesTheNextStartHasNoFirmwareStill) {
+    answerLines("AR");
+    upgrade("S0\nS9\n");
+    runUntilIdle();
+    EXPECT_EQ(host.messages, (std::vector<int>{1004}));
+}
+
+TEST_F(LostFirmware, WithAClosedPortNobodyKnowsThatTheUnitIsLostForGood) {
+    link.RS232_Close();
+    upgrade("S0\nS9\n");
+    ticks(1 + 5001);
+    EXPECT_EQ(host.messages, (std::vector<int>{1004}));
+}
+
+TEST_F(LostFirmware, ASecondRunThatEndsWellMendsIt) {
+    port.always("S9", atOnce("PN"));
+    upgrade("S0\nS9\n");
+    runUntilIdle();
+    EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008}));
+    EXPECT_FALSE(link.firmwareLost());
+    forget();
+    answerLines("AR");
+    upgrade("S0\nS9\n");
+    runUntilIdle();
+    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
+}
+
+TEST_F(LostFirmware, AnEmptyFileMendsNothing) {
+    upgrade("");
+    runUntilIdle();
+    EXPECT_TRUE(link.firmwareLost());
+}
+
+TEST_F(LostFirmware, AUnitThatTellsItsFirmwareHasOne) {
+    identify(200001, "ZQA-405099");
+    EXPECT_FALSE(link.firmwareLost());
+    answerLines("");
+    upgrade("S0\nS9\n");
+    ticks(1 + 5001);
+    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
+}
+
+TEST_F(LostFirmware, TheNextRunOutlivesThePollThatTheUnitDoesNotAnswer) {
+    port.always("S9", atOnce("PN"));
+    port.always("E", atOnce(""));
+    link.Send_ORB_Command("E");
+    ticks(1);
+    upgrade("S0\nS9\n");
+    EXPECT_TRUE(link.firmwarePending());
+    ticks(1001);  // the poll dies, and the link with it
+    EXPECT_EQ(link.linked().LinkedUnitKind, 0);
+    EXPECT_TRUE(host.messages.empty());
+    EXPECT_TRUE(link.AutoPollSuspended());
+    runUntilIdle();
+    EXPECT_EQ(port.written(), (Texts{"E", "P3", "S0\r\n", "S9\r\n"}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008}));
+}
+
+TEST_F(LinkTransfers, AFirmwareOutlivesAFrameThatAUnitInUpgradeModeNoLongerAnswers) {
+    find(200000);
+    answerLines("AX");
+    port.always("S9", atOnce("PN"));
+    link.Send_ORB_Command("F");
+    ticks(1);
+    upgrade("S9\n");
+    link.Send_ORB_Command("K");
+    ticks(84);
+    EXPECT_EQ(link.QueuedCommands(), 1) << "the firmware alone stays";
+    runUntilIdle();
+    EXPECT_EQ(port.written(), (Texts{"F", "P3", "S9\r\n"}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008}));
 }
 
 TEST_F(LinkTransfers, AnAbsentFirmwareFileQueuesNothing) {
@@ -446,7 +566,7 @@ TEST_F(LinkTransfers, AnAbsentFirmwareFileQueuesNothing) {
 TEST_F(LinkTransfers, WithAClosedPortATransferFailsAndPollingGoesOn) {
     upgrade("S0\n");
     ticks(1 + 5001);
-    EXPECT_EQ(host.messages, (std::vector<int>{1004}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
     EXPECT_FALSE(link.AutoPollSuspended());
     EXPECT_FALSE(link.TransferActive());
 }

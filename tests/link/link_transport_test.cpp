@@ -215,6 +215,13 @@ class PortSearch : public LinkBench {
     }
 };
 
+TEST_F(LinkTransport, APortThatIsThereTellsWhyItCannotBeOpened) {
+    port.refuse(1);
+    EXPECT_FALSE(link.RS232_Initialize(1));
+    EXPECT_EQ(host.logLines,
+              (Texts{"COMM Port:1 Not Available, Cannot Open Connection.", "  - Port not available"}));
+}
+
 TEST_F(PortSearch, WithNoPortAtAllTriesAllTwelveAndAnswersZero) {
     port.refuseAll();
     EXPECT_EQ(link.Autodetect_COMM_Port(), 0);

@@ -110,11 +110,24 @@ void Model::tick() {
 
 void Model::deliver(const std::string& bytes) {
     inPort_ += bytes;
-    now_.rx.assign(inPort_.begin(), inPort_.end());
-    inPort_.clear();
-    now_.ready = true;
     now_.sending = false;
     now_.received = true;
+    if (tail_ == 0) now_.rx.clear();
+    now_.rx.insert(now_.rx.end(), inPort_.begin(), inPort_.end());
+    inPort_.clear();
+    const int size = static_cast<int>(now_.rx.size());
+    // Decided: a first identify asks for six bytes of eight, and the last two may come in a lump of their
+    // own.
+    const bool marked = size >= 2 && now_.rx[0] == 0xFA && now_.rx[1] == 0xA5;
+    if (now_.command == "E" && marked && size >= asked_ && size < 8) {
+        if (tail_ == 0) tail_ = 40;
+        now_.threshold = 8 - size;
+        return;
+    }
+    tail_ = 0;
+    // Decided: behind a frame that is too long the line has to be quiet for a while.
+    if ((now_.command == "F" || now_.command == "I") && size > asked_) quiet_ = 20, impatient_ = 100;
+    now_.ready = true;
     status(keyOf(now_.command));
 }
 
@@ -130,6 +143,7 @@ void Model::open() {
     now_.open = true;
     failWrite_ = false;
     inPort_.clear();
+    quiet_ = 0;
     now_.threshold = 0;
     message("Connected", imageConnected);
     now_.connected = true;
@@ -208,12 +222,14 @@ void Model::idle() {
     std::string key;
     const std::string& first = ring_.at(static_cast<std::size_t>(now_.head));
     if (first.empty() || now_.head == now_.tail) {
+        if (quiet_ > 0) lineIsQuiet();
         // Decided: nobody waits in an empty ring, whatever the count says.
         if (now_.head == now_.tail) now_.queued = 0;
-    } else {
+    } else if (lineIsQuiet()) {
         now_.command = first;
         key = keyOf(first);
-        now_.threshold = lengthOf(key);
+        now_.threshold = asked_ = lengthOf(key);
+        tail_ = 0;
         if (key == "D") now_.transferActive = true;
         if (key == "P1" || key == "P3") {
             pace_ = 0;
@@ -230,6 +246,19 @@ void Model::idle() {
     now_.locks.push_back(now_.onFlyBusy);
 }
 
+/// Decided: what is there before a command is written answers nothing.
+bool Model::lineIsQuiet() {
+    const bool some = now_.open && !inPort_.empty();
+    inPort_.clear();
+    if (quiet_ == 0) return true;
+    if (some) quiet_ = 20;
+    --impatient_;
+    if (impatient_ > 0) --quiet_;
+    if (impatient_ > 0 && quiet_ > 0) return false;
+    quiet_ = 0;
+    return true;
+}
+
 void Model::replied() {
     const std::string key = keyOf(now_.command);
     if (key == "P1" || key == "P3") {
@@ -241,6 +270,16 @@ void Model::replied() {
         }
     }
     tick_ = retry_ = 0;
+    // Decided: of frames that are too long, one behind the other, only the first is believed.
+    if (key == "F" || key == "I") {
+        const bool tooLong = static_cast<int>(now_.rx.size()) > asked_;
+        const bool again = tooLong && long_;
+        long_ = tooLong;
+        if (again) {
+            now_.command.clear();
+            return;
+        }
+    }
     handle();
 }
 
@@ -265,6 +304,7 @@ void Model::nextLine() {
         now_.head = front;
     }
     ++now_.queued;
+    inPort_.clear();
     output(line);
     now_.head = (now_.head + 1) & 0x1FF;
     now_.ready = false;
@@ -272,6 +312,7 @@ void Model::nextLine() {
 }
 
 void Model::waiting() {
+    if (tail_ > 0 && --tail_ == 0) now_.ready = true;
     ++tick_;
     const std::string key = keyOf(now_.command);
     if (key == "F" || key == "I") {
@@ -295,7 +336,14 @@ void Model::timedOut(const std::string& key) {
 }
 
 void Model::lost(bool always) {
-    if (!transfer_.empty()) end(false);  // decided: a transfer that still waits in the ring goes with it
+    // Decided: a transfer that still waits in the ring goes with it, but for a firmware, which stays.
+    bool stays = false;
+    if (transfer_ == "P3" && keyOf(now_.command) != "P3") {
+        for (int i = now_.head; i != now_.tail; i = (i + 1) & 0x1FF) {
+            if (ring_.at(static_cast<std::size_t>(i)) == "P3") stays = true;
+        }
+    }
+    if (!transfer_.empty() && !stays) end(false);
     now_.tail = now_.head;
     tick_ = retry_ = 0;
     if ((always || now_.kind != 0) && now_.kind != 0) {
@@ -305,12 +353,14 @@ void Model::lost(bool always) {
     now_.kind = 0;
     now_.found = now_.identified = false;
     now_.queued = 0;
+    if (stays) send("P3");
     now_.calls.push_back("onfly: off");
     message("Connecting...", imageWarning);
     now_.sending = now_.received = false;
 }
 
 void Model::drop() {
+    tail_ = 0;
     if (now_.open) inPort_.clear();
     now_.transferActive = false;
     now_.command.clear();
@@ -328,16 +378,31 @@ void Model::end(bool success) {
         if (key == "D") message("Download of Datalog Complete", imageConnected);
         if (key == "P1" || key == "P3" || key == "D") now_.connected = true;
         if (key == "P1" || key == "P3") now_.calls.push_back("message: 1002");
+        if (key == "P3") now_.calls.push_back("message: 1008");
+        if (key == "P3" && now_.line > 0) broken_ = false;
         if (key == "D") now_.calls.push_back("message: 1006");
     } else {
         now_.calls.push_back("add: FAIL!");
         log("PROCESS FAILED - EXITED ABNORMALLY.");
-        now_.calls.push_back(key == "P3" ? "message: 1004" : key == "P1" ? "message: 1003" : "message: 1007");
+        now_.calls.push_back("message: " + std::to_string(failureCode(key)));
     }
     now_.progress = false;
     now_.lines = now_.line = 0;
     now_.suspended = false;
     log("Automatic POLL/SYNC: ENABLED");
+}
+
+int Model::failureCode(const std::string& key) {
+    if (key != "P3") return key == "P1" ? 1003 : 1007;
+    const bool inFlight = keyOf(now_.command) == "P3";
+    const bool answered = inFlight && now_.ready;
+    const bool refused = answered && now_.rx.size() > 1 && now_.rx[0] == 'A' && now_.rx[1] == 'R';
+    if (now_.line > 0 || (answered && !refused)) {
+        broken_ = true;
+        return 1004;
+    }
+    if (!broken_) return 1005;
+    return inFlight && !answered && now_.open ? 1009 : 1004;
 }
 
 // ---- Status
@@ -527,6 +592,7 @@ void Model::firmware() {
         return n;
     };
     const int build = digits(7, 3), release = digits(5, 2);
+    broken_ = false;
     now_.build.at(kind) = build;
     now_.release.at(kind) = release;
     const int isRelease = now_.release.at(kind), isBuild = now_.build.at(kind);

@@ -93,6 +93,7 @@ class Model {
 
     void watchTransfer();
     void idle();
+    bool lineIsQuiet();
     void replied();
     void waiting();
     void output(const std::string& command);
@@ -101,6 +102,7 @@ class Model {
     void lost(bool always);
     void drop();
     void end(bool success);
+    int failureCode(const std::string& key);
     void handle();
     void identify();
     void firmware();
@@ -113,10 +115,13 @@ class Model {
     Observed now_;
     std::array<std::string, 512> ring_;
     int tick_ = 0, pace_ = 0, retry_ = 0, stall_ = 0;
+    int asked_ = 0, tail_ = 0, quiet_ = 0, impatient_ = 0;
+    bool long_ = false;  ///< the frame before was too long
     std::string inPort_;
     bool failWrite_ = false;
     int currentUnit_ = 0, fileFirmware_ = 0;
     std::array<int, 2> known_{99, 999};
+    bool broken_ = false;   ///< a firmware broke off between its lines
     std::string transfer_;  ///< key of the transfer that runs or waits
     std::vector<std::string> lines_;
     std::size_t next_ = 0;

@@ -10,10 +10,10 @@ namespace {
 
 class SoakFindings : public LinkBench {
  protected:
-    /// Answers whether the start of a firmware transfer of no lines was refused.
+    /// Answers whether the start of a download was refused.
     bool refused() {
         try {
-            link.Program_Unit(TransferMode::Firmware, folder.write("new.nv3", ""));
+            link.Program_Unit(TransferMode::Datalog, folder.path("log.dat"));
         } catch (const Failure&) {
             return true;
         }
@@ -52,7 +52,7 @@ TEST_F(SoakFindings, AFirmwareReplyOfAUnitWhoseKindIsUnknownIdentifiesNothingAnd
 TEST_F(SoakFindings, ATransferThatTheRingHasLostEndsAfter1001TicksThoughPollingGoesOn) {
     identify(200000, "ZQA-404099");
     port.always("F", std::string(35, '\0'));
-    // A frame is in flight; the firmware waits behind it and is then the oldest of too many.
+    // A frame is in flight; the download waits behind it and is then the oldest of too many.
     link.Send_ORB_Command("F");
     ticks(1);
     ASSERT_FALSE(refused());
@@ -61,7 +61,7 @@ TEST_F(SoakFindings, ATransferThatTheRingHasLostEndsAfter1001TicksThoughPollingG
     EXPECT_TRUE(host.messages.empty());
     EXPECT_TRUE(refused());
     pollFor(200);
-    EXPECT_EQ(host.messages, (std::vector<int>{1004}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1007}));
     EXPECT_FALSE(link.TransferActive());
     EXPECT_FALSE(refused());
 }
@@ -76,7 +76,7 @@ TEST_F(SoakFindings, NoTransferBeginsInsideTheBoxOfALinkThatIsBeingLost) {
     host.whileBoxShows = [&] { refusedInBox = refused(); };
     ticks(100);
     host.whileBoxShows = nullptr;
-    EXPECT_EQ(host.messages, (std::vector<int>{1004}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1007}));
     EXPECT_TRUE(refusedInBox);
     EXPECT_FALSE(refused());
 }

@@ -12,6 +12,9 @@ namespace zentaq {
 
 namespace {
 
+/// Behind a frame that was too long the line rests before the next command is written.
+constexpr int restTicks = 22;
+
 constexpr std::array<int, ReplyStorm::kinds> slots = {0, 3, 4, 5, 6, 7, 8};
 constexpr std::array<std::uint32_t, ReplyStorm::kinds> serials = {0,      200000, 300000, 500000,
                                                                   350000, 700000, 750000};
@@ -119,11 +122,11 @@ void ReplyStorm::meet(int slot) {
     if (link_.linked().LinkedUnitKind == slot) return;
     if (slot == 0) {
         link_.Send_ORB_Command("F");
-        tick(90);
+        tick(restTicks + 90);
     } else {
         const auto at = static_cast<std::size_t>(std::ranges::find(slots, slot) - slots.begin());
         link_.Send_ORB_Command("E");
-        tick(1);
+        tick(restTicks);
         port_.deliver(sim::serialReplyOf(sim::SerialFormat::Current, serials[at]));
         tick(1);
         bringToRest();
@@ -139,7 +142,7 @@ void ReplyStorm::putInFlight(const std::string& command) {
     } else {
         link_.Send_ORB_Command(command);
     }
-    tick(1);
+    for (int i = 0; i < restTicks && link_.CurrentCommand() != command; ++i) tick(1);
     require(link_.CurrentCommand() == command, "the command is in flight");
 }
 

@@ -36,7 +36,7 @@ int slotOf(std::string_view model) {
 
 bool endsOf(const std::string& key, int code) {
     if (key == "P1") return code == 1002 || code == 1003;
-    if (key == "P3") return code == 1002 || code == 1004;
+    if (key == "P3") return code == 1002 || code == 1004 || code == 1005 || code == 1009;
     return code == 1006 || code == 1007;
 }
 
@@ -427,6 +427,7 @@ void Soak::breakWith(const std::string& what) {
 }
 
 void Soak::transferEnded(int code) {
+    if (code == 1008) return;  // what is left to do behind a firmware that ended well
     ++ended_;
     if (open_.empty()) return breakWith("message " + std::to_string(code) + " with no transfer");
     const Transfer transfer = std::exchange(open_, {}).front();
@@ -434,8 +435,10 @@ void Soak::transferEnded(int code) {
     note(transfer.key + " ended " + std::to_string(code));
     if (!endsOf(transfer.key, code))
         return breakWith("message " + std::to_string(code) + " ends " + transfer.key);
-    const int good = transfer.key == "P1" ? 1002 : transfer.key == "D" ? 1006 : 1004;
-    // A unit of this make refuses every firmware, and one with an empty log has nothing to give.
+    // A unit that is not in upgrade mode refuses every firmware, with the message of what it has now; one
+    // with an empty log has nothing to give.
+    const int refused = link_.firmwareLost() ? 1004 : 1005;
+    const int good = transfer.key == "P1" ? 1002 : transfer.key == "D" ? 1006 : refused;
     const bool emptyLog = transfer.key == "D" && unit_.identity().logRecords == 0;
     if (transfer.faultless && code != (emptyLog ? 1007 : good)) {
         breakWith(transfer.key + " fails on a line that nothing disturbs");
@@ -491,7 +494,8 @@ void Soak::checkPatience() {
     const bool idle = lastCommand_.empty();
     const bool waits = idle && link_.QueueHead() != link_.QueueTail();
     waitingTicks_ = waits ? waitingTicks_ + 1 : 0;
-    if (waitingTicks_ > 2) breakWith("a command waits and none is in flight");
+    // Behind a frame that was too long the line rests, for 20 ticks on a quiet one and 100 at most.
+    if (waitingTicks_ > 102) breakWith("a command waits and none is in flight");
     if (idle && open_.empty()) quietTicks_ = 0;
     const int limit = idle ? stallTicks : lastReady_ ? 12 : patienceOf(lastCommand_);
     if (quietTicks_ > limit + 1) breakWith("the link stands still");

@@ -7,7 +7,9 @@
 #include <poll.h>
 #include <sys/file.h>
 
+#include <atomic>
 #include <functional>
+#include <thread>
 
 #include "platform/manual_clock.h"
 #include "temporary_folder.h"
@@ -201,6 +203,35 @@ TEST_F(PosixPort, AClosedPortIsNotLookedForAndWritesNothing) {
     EXPECT_FALSE(port.present());
     EXPECT_EQ(line.received(), "");
     EXPECT_EQ(port.list().size(), 1U);
+}
+
+TEST_F(PosixPort, ALineThatTakesNothingFillsNoMemory) {
+    const PtyPair line;
+    plug(line);
+    port.open(1);
+    for (int i = 0; i < 1000; ++i) port.write(std::string(100, 'x'));
+    // The terminal's own store, some commands behind it, and the rest went nowhere.
+    const std::size_t came = received(line, 100'000, [this] { port.service(); }).size();
+    EXPECT_LT(came, 40'000U);
+    EXPECT_FALSE(port.wantsToWrite());
+    port.write("E");
+    EXPECT_EQ(received(line, 1), "E");
+}
+
+TEST_F(PosixPort, OneLookTakesSoMuchOfAFloodAndNoMore) {
+    const PtyPair line;
+    plug(line);
+    port.open(1);
+    std::atomic<bool> stop = false;
+    std::thread flood([&] {
+        const std::string bytes(4096, 'x');
+        while (!stop) line.sendSome(bytes);
+    });
+    // Without an end to the look this would never return.
+    for (int i = 0; i < 200; ++i) port.service();
+    stop = true;
+    flood.join();
+    EXPECT_TRUE(port.present());
 }
 
 }  // namespace

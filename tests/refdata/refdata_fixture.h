@@ -40,7 +40,7 @@ std::string failureOf(Work&& work) {
     return "";
 }
 
-class ReferenceDatabase : public testing::Test {
+class ReferenceDatabase : public ::testing::Test {
  protected:
     ReferenceDatabase() { buildDatabase(projectSeeds, path); }
 

@@ -7,6 +7,7 @@
 #include <QProcess>
 #include <QTimer>
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -32,9 +33,8 @@ class UnitProcess {
  public:
     UnitProcess(const std::string& link, const std::string& memoryFile, QStringList options = {})
         : link_(link) {
-        options << "--unit"
-                << "A"
-                << "--link" << QString::fromStdString(link) << "--memory"
+        if (!options.contains("--unit")) options += {"--unit", "A"};
+        options << "--link" << QString::fromStdString(link) << "--memory"
                 << QString::fromStdString(memoryFile);
         process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
         process_.start(QString::fromStdString(std::string(ZENTAQ_APP_DIR) + "/zentaq-sim"), options);
@@ -49,6 +49,7 @@ class UnitProcess {
 
     bool running() const { return process_.state() == QProcess::Running; }
     bool ready() const { return ready_.contains("ready "); }
+    void signal(int number) const { ::kill(static_cast<pid_t>(process_.processId()), number); }
     void stop() {
         if (!running()) return;
         process_.terminate();
@@ -61,12 +62,16 @@ class UnitProcess {
     QByteArray ready_;
 };
 
-/// The program in this process.
-class Program {
+/// The program in this process, with the window manager or one derived from it.
+template <typename Windows>
+class ProgramWith {
  public:
-    Program(QApplication& application, const std::string& folder, const std::string& link)
+    ProgramWith(QApplication& application, const std::string& folder, const std::string& link)
+        : ProgramWith(application, folder, [link] { return portAt(link); }) {}
+    /// With a list of ports of its own, such as one of units that are announced in a folder.
+    ProgramWith(QApplication& application, const std::string& folder, QtSerialPort::PortSource ports)
         : folder_(prepared(folder)),
-          port([link] { return portAt(link); }, clock),
+          port(std::move(ports), clock),
           ticker(port.port, clock),
           session({port.port, ticker, clock, settings, dialogs, yield, folder, folder}),
           commands(session),
@@ -134,12 +139,17 @@ class Program {
     QtTicker ticker;
 
  public:
+    MemorySettings& stored() { return settings; }
+    PortHolder& serial() { return port; }
+
     ScriptedDialogs dialogs;
     Session session;
     MainCommands commands;
     Kernel kernel;
-    WindowManager windows;
+    Windows windows;
 };
+
+using Program = ProgramWith<WindowManager>;
 
 inline std::vector<std::uint8_t> bytesOf(const std::string& path) {
     std::ifstream file(path, std::ios::binary);

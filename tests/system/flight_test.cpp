@@ -20,6 +20,7 @@ class Flight : public testing::Test {
     TemporaryFolder folder;
     std::string link = folder.path("unit");
     std::string memoryFile = folder.path("memory.bin");
+    std::string runningFile = folder.path("running.bin");
     std::string calibration = folder.path("flight.ZQ4OA");
 
     void SetUp() override {
@@ -29,7 +30,8 @@ class Flight : public testing::Test {
 };
 
 TEST_F(Flight, AWholeFlightFromIdentificationToTheReturnOfTheCable) {
-    auto unit = std::make_unique<UnitProcess>(link, memoryFile, QStringList{"--serial", "200042"});
+    const QStringList options{"--serial", "200042", "--running-memory", QString::fromStdString(runningFile)};
+    auto unit = std::make_unique<UnitProcess>(link, memoryFile, options);
     ASSERT_TRUE(unit->ready());
     Program program(application, folder.path("app"), link);
     Session& session = program.session;
@@ -61,7 +63,7 @@ TEST_F(Flight, AWholeFlightFromIdentificationToTheReturnOfTheCable) {
     ASSERT_TRUE(session.currentUnitObject().set("VE", 12.0, 37));
     EXPECT_TRUE(Program::waitFor(
         [&] {
-            const auto memory = bytesOf(memoryFile);
+            const auto memory = bytesOf(runningFile);
             return memory.size() > 949 && memory[949] == 62;
         },
         patienceMs));

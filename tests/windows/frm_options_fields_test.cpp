@@ -33,6 +33,8 @@ struct BoxCase {
 constexpr BoxCase boxes[] = {
     {OptionPage::Communications, "chkCOMM", "Show Communication Console", "CommCnsl", false},
     {OptionPage::Communications, "chkShowCommDialog", "Show Communications Dialog", "CommDialog", true, true},
+    {OptionPage::Communications, "chkWireTrace", "Record what passes over the serial line", "WireTrace",
+     false},
     {OptionPage::Start, "chkAutoLog", "Automatically Create System Log File", "AutoLog", false, true},
     {OptionPage::Start, "chkConsole", "Show Console at Start Up", "Cnsl", false},
     {OptionPage::Start, "chkFileOpen", "Start Program with BIN File Open Prompt", "FileOpen", false, true},

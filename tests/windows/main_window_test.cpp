@@ -79,13 +79,12 @@ TEST_F(MainWindow, ShowsEveryEntryOfTheMenuTableWithItsCaption) {
 }
 
 TEST_F(MainWindow, EntriesWhoseCommandComesLaterAreDisabled) {
-    for (const char* name :
-         {"mnuConvertORBA", "mnuConvertORBALite", "mnuPrintBIN", "mnuFirmwareUpgrade", "mnuInterpolate"}) {
+    for (const char* name : {"mnuConvertORBA", "mnuConvertORBALite", "mnuPrintBIN", "mnuInterpolate"}) {
         EXPECT_FALSE(action(name)->isEnabled()) << name;
     }
-    for (const char* name :
-         {"mnuNew", "mnuOpen", "mnuExit", "mnuProgramORB", "mnuVETbl", "mnuAbout", "mnuFastHelp",
-          "mnuHelpContents", "mnuOptions", "mnuControlPanel", "mnuMonitor_ChangeColors", "mnuMAPSensors"}) {
+    for (const char* name : {"mnuNew", "mnuOpen", "mnuExit", "mnuProgramORB", "mnuVETbl", "mnuAbout",
+                             "mnuFastHelp", "mnuHelpContents", "mnuOptions", "mnuControlPanel",
+                             "mnuMonitor_ChangeColors", "mnuMAPSensors", "mnuFirmwareUpgrade"}) {
         EXPECT_TRUE(action(name)->isEnabled()) << name;
     }
 }

@@ -2,6 +2,7 @@
 // one.
 #pragma once
 
+#include <poll.h>
 #include <pty.h>
 #include <sys/ioctl.h>
 #include <termios.h>
@@ -42,6 +43,13 @@ class PtyPair {
         if (::write(master_, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size())) {
             throw std::runtime_error("pty write");
         }
+    }
+    /// Sends what the line takes within a few milliseconds; answers how much that was.
+    std::size_t sendSome(std::string_view bytes) const {
+        pollfd end{master_, POLLOUT, 0};
+        if (::poll(&end, 1, 5) != 1) return 0;
+        const auto count = ::write(master_, bytes.data(), bytes.size());
+        return count > 0 ? static_cast<std::size_t>(count) : 0;
     }
     /// What the program has written so far; never waits.
     std::string received() const {

@@ -237,5 +237,21 @@ TEST_F(SerialPortOnATerminal, CloseForgetsTheDeviceAndTheBytes) {
     EXPECT_FALSE(port.present());
 }
 
+TEST_F(SerialPortOnATerminal, ALineThatTakesNothingNeitherWaitsNorFillsTheMemory) {
+    const PtyPair line;
+    announce(folder.path(), "A", line.path());
+    port.open(1);
+    QElapsedTimer waiting;
+    waiting.start();
+    for (int i = 0; i < 100'000; ++i)
+        port.write("S1 a line of seventy bytes, of which a terminal holds some\r\n");
+    EXPECT_LT(waiting.elapsed(), 5000);
+    port.close();
+    EXPECT_LT(waiting.elapsed(), 5000) << "closing waits for no stuck line";
+    std::size_t came = 0;
+    for (std::string some = line.received(); !some.empty(); some = line.received()) came += some.size();
+    EXPECT_LT(came, 100'000U);
+}
+
 }  // namespace
 }  // namespace zentaq

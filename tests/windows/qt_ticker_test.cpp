@@ -6,6 +6,7 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QTimer>
+#include <atomic>
 #include <thread>
 
 #include "app/fake_platform.h"
@@ -131,6 +132,60 @@ TEST_F(TickerOnTheClock, TicksOwedFromAPauseDoNotCountAgainstACommandThatIsWritt
     ASSERT_NE(writtenUs, 0);
     EXPECT_GT(sinceWrite, 20);
     EXPECT_LE(ahead, 4);
+}
+
+/// Writes as fast as the line takes it until the end of its life.
+class Flood {
+ public:
+    explicit Flood(const PtyPair& line)
+        : writer_([this, &line] {
+              const std::string bytes(2048, '\x77');
+              while (!stop_) sent_ += line.sendSome(bytes);
+          }) {}
+    ~Flood() { stop(); }
+    std::size_t stop() {
+        stop_ = true;
+        if (writer_.joinable()) writer_.join();
+        return sent_;
+    }
+
+ private:
+    std::atomic<bool> stop_ = false;
+    std::size_t sent_ = 0;
+    std::thread writer_;
+};
+
+TEST_F(TickerOnTheClock, AUnitThatFloodsLeavesTheWindowAndTheTicksAlive) {
+    const PtyPair line;
+    announce(folder.path(), "A", line.path());
+    port.open(1);
+    port.setReceiveThreshold(2);
+    port.onEvent([&](CommEvent) { port.read(); });
+    ticker.start();
+    int windowEvents = 0;
+    QTimer window;
+    QObject::connect(&window, &QTimer::timeout, [&] { ++windowEvents; });
+    window.start(10);
+    Flood flood(line);
+    runLoop(1000);
+    const int ticksInFlood = ticks;
+    EXPECT_GT(flood.stop(), 400'000U) << "bytes in a second";
+    EXPECT_GT(windowEvents, 30) << "of 100";
+    EXPECT_GT(ticksInFlood, 500) << "of 1000";
+
+    // What was on its way is over soon, and a reply is a reply again.
+    runLoop(100);
+    std::vector<std::uint8_t> reply;
+    port.read();
+    port.onEvent([&](CommEvent) { reply = port.read(); });
+    // A terminal that was full may keep what comes next until more follows: the unit is asked more than once.
+    for (int i = 0; i < 20 && reply.empty(); ++i) {
+        line.send("AX");
+        runLoop(50);
+    }
+    ASSERT_GE(reply.size(), 2U);
+    EXPECT_EQ(reply[0], 'A');
+    EXPECT_EQ(reply[1], 'X');
 }
 
 }  // namespace

@@ -183,6 +183,20 @@ TEST(QtDialogs, ClosingABoxByOtherMeansDeclines) {
     EXPECT_EQ(dialogs.show({"File", "?", Icon::Question, Buttons::YesNo}), Answer::No);
 }
 
+TEST(QtDialogs, TheKeyAtHandAgreesUnlessTheBoxSaysOtherwise) {
+    QtDialogs dialogs;
+    const auto answerAtHand = [&](Buttons buttons, bool declines) {
+        whenOpen<QMessageBox>([](QMessageBox& box) { box.defaultButton()->click(); });
+        return dialogs.show(
+            {.title = "t", .text = "x", .icon = Icon::Question, .buttons = buttons, .declines = declines});
+    };
+    EXPECT_EQ(answerAtHand(Buttons::YesNo, false), Answer::Yes);
+    EXPECT_EQ(answerAtHand(Buttons::YesNo, true), Answer::No);
+    EXPECT_EQ(answerAtHand(Buttons::OkCancel, false), Answer::Ok);
+    EXPECT_EQ(answerAtHand(Buttons::OkCancel, true), Answer::Cancel);
+    EXPECT_EQ(answerAtHand(Buttons::Ok, true), Answer::Ok);
+}
+
 TEST(QtDialogs, SavingAddsTheDefaultExtensionAsksNothingAndCreatesNothing) {
     const TemporaryFolder folder;
     QtDialogs dialogs;

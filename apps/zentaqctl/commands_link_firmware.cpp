@@ -1,0 +1,126 @@
+// firmware: a new firmware for a unit, with all the questions asked before one byte goes out.
+#include <unistd.h>
+
+#include <iostream>
+#include <ostream>
+
+#include "base/errors.h"
+#include "base/number_text.h"
+#include "base/text.h"
+#include "commands_link.h"
+#include "link/firmware_file.h"
+#include "link_desk.h"
+#include "link_texts.h"
+#include "unit_names.h"
+
+namespace zentaq::ctl {
+
+namespace {
+
+constexpr std::string_view consent = "YES";
+constexpr const char* breakOffWarning =
+    "Press again within 3 s to break off; the unit will have no firmware then.";
+
+/// Throws NotConfirmed where nobody can be asked, Failure where the user says no.
+void askFirst(const Context& context) {
+    if (::isatty(STDIN_FILENO) == 0) {
+        throw NotConfirmed(
+            "Nothing was sent: there is no terminal to ask on. --yes goes on without a question.");
+    }
+    context.notes << firmwareWarning() << "\n\nType " << consent << " to go on: " << std::flush;
+    std::string answer;
+    std::getline(std::cin, answer);
+    if (trimmed(answer) != consent) throw Failure("Nothing was sent: the upgrade was not confirmed.");
+}
+
+FirmwareFile checkedFile(const std::string& file) {
+    try {
+        return checkFirmwareFile(file);
+    } catch (const FileError&) {
+        throw;
+    } catch (const Failure& failure) {
+        throw Failure(file + " is no whole firmware file. " + failure.what() +
+                      " Nothing was sent to the unit.");
+    }
+}
+
+void refuseForeignFile(const UnitKind& kind, const std::string& file) {
+    const std::string name = fileNameOf(file);
+    if (name.starts_with(kind.firmwarePrefix)) return;
+    throw Failure("This firmware file is not valid for this unit. The name of a file for " + modelOf(kind) +
+                  " begins with " + std::string(kind.firmwarePrefix) + ". Nothing was sent to the unit.");
+}
+
+/// Who is there, or who the user says is there. Throws where the firmware is not for that unit.
+std::string unitForFirmware(LinkDesk& desk, const FirmwareWish& wish) {
+    const UnitKind* named = wish.kindWithoutFirmware.empty() ? nullptr : unitKindOf(wish.kindWithoutFirmware);
+    const Found found = desk.search();
+    if (found == Found::Nobody) {
+        if (named == nullptr) {
+            throw NoUnit(std::string(noUnitConnected) + " (" + desk.portName() +
+                         ") A unit that has lost its firmware takes one with --unit-without-firmware.");
+        }
+        refuseForeignFile(*named, wish.file);
+        desk.link().firmwareLost(true);
+        return modelOf(*named);
+    }
+    if (found == Found::OldFirmware) {
+        throw Failure(desk.unitName() +
+                      " has a firmware that this program cannot upgrade: it must be sent to "
+                      "Norvalia. Nothing was sent to the unit.");
+    }
+    const UnitKind& kind = desk.session().linkedUnit().kind();
+    if (named != nullptr && named->slot != kind.slot) throw Failure(std::string(incorrectUnit));
+    refuseForeignFile(kind, wish.file);
+    return desk.unitName();
+}
+
+std::string howFar(const TransferEnd& end) {
+    if (end.lines == 0) return {};
+    const std::string of = numberText(end.lines) + " of " + numberText(end.total);
+    if (end.ending == Ending::Refused) return " The unit refused line " + of + ".";
+    if (end.ending == Ending::Silent) return " The unit did not answer to line " + of + ".";
+    return " The unit took " + of + " lines.";
+}
+
+std::string whyNotUpgraded(const TransferEnd& end) {
+    if (end.ending == Ending::Unclear) {
+        return "The unit took " + numberText(end.lines) + " of " + numberText(end.total) +
+               " lines and did not verify the firmware. Cycle the power on the unit and see whether it "
+               "answers.";
+    }
+    switch (end.message) {
+        case 1005:
+            return std::string(firmwareNotStarted);
+        case 1009:
+            return std::string(unitLost);
+        default:
+            return std::string(firmwareFailed) + howFar(end);
+    }
+}
+
+std::string whatABreakLeaves(const TransferEnd& end) {
+    if (end.lines == 0) return "Interrupted before the first line. Please cycle the power on the unit.";
+    return "Interrupted after " + numberText(end.lines) + " of " + numberText(end.total) +
+           " lines. There is now no firmware installed on this unit, the upgrade must be completed "
+           "successfully "
+           "before the unit will function.";
+}
+
+}  // namespace
+
+void firmware(const Context& context, const std::string& port, const FirmwareWish& wish) {
+    checkedFile(wish.file);
+    if (!wish.confirmed) askFirst(context);
+    QuietHost host(context.database);
+    LinkDesk desk(context, port, host);
+    const std::string unit = unitForFirmware(desk, wish);
+    desk.stopOnSecondSignal(breakOffWarning);
+    const TransferEnd end = desk.session().transfer(TransferMode::Firmware, wish.file);
+    desk.clearProgress();
+    if (end.ending == Ending::Stopped) throw Interrupted(whatABreakLeaves(end), desk.signal());
+    if (end.ending != Ending::Done) throw Failure(whyNotUpgraded(end));
+    context.out << unit << ": " << programmed << ' ' << loadCalibration << '\n';
+}
+
+}  // namespace zentaq::ctl

@@ -1,0 +1,31 @@
+// A firmware file as it is looked at before one byte of it goes to a unit: nothing but whole S-records, and
+// an end record behind them. Half a firmware would leave a unit with none.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace zentaq {
+
+/// What a firmware file holds.
+struct FirmwareFile {
+    int lines = 0;      ///< records, the end record included; each goes out as one line
+    int dataBytes = 0;  ///< bytes that the data records bring to the unit
+};
+
+/// The largest file that is taken for a firmware, in bytes.
+inline constexpr std::size_t largestFirmwareFile = std::size_t{16} << 20;
+
+/// Looks at the text of a firmware file. Lines end in CR LF or LF; the last one may lack its end.
+/// Throws Failure with the number of the first bad line, counted from 1, and what is wrong with it. An empty
+/// text, one without data and one that does not end in its only end record (S7, S8 or S9) are refused too.
+FirmwareFile checkFirmware(std::string_view text);
+
+/// The same for a file. Throws FileError where it cannot be read, is no regular file or is too large.
+FirmwareFile checkFirmwareFile(const std::string& path);
+
+/// What a user is told before a firmware upgrade; lines are separated by '\n'.
+std::string firmwareWarning();
+
+}  // namespace zentaq

@@ -1,0 +1,226 @@
+#include "link/trace_file.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <system_error>
+
+#include "base/errors.h"
+#include "base/number_text.h"
+#include "base/text.h"
+#include "link/trace_store.h"
+
+namespace zentaq {
+
+namespace {
+
+/// Frames further apart do not belong to one run of them.
+constexpr double longestGapMs = 1000;
+/// How a reply in several lumps is told.
+constexpr std::string_view lumpsWord = " lumps";
+
+/// The next line without its end; whether it had one.
+struct TakenLine {
+    std::string_view text;
+    bool ended = false;
+};
+
+TakenLine takeLine(std::string_view& rest) {
+    const auto end = rest.find('\n');
+    TakenLine line{rest.substr(0, end), end != std::string_view::npos};
+    rest.remove_prefix(line.ended ? end + 1 : rest.size());
+    if (line.text.ends_with('\r')) line.text.remove_suffix(1);
+    return line;
+}
+
+/// Whether the line belongs to the head, and says something known.
+bool takeHeadLine(TraceFile& trace, std::string_view text) {
+    const auto blank = text.find(' ');
+    const std::string_view name = text.substr(0, blank);
+    const std::string value = plainLine(trimmed(blank == std::string_view::npos ? "" : text.substr(blank)));
+    if (name == "program") {
+        trace.program = value;
+    } else if (name == "begun") {
+        trace.begun = value;
+    } else if (name == "port") {
+        trace.port = value;
+    } else if (name == "part") {
+        skipFailing([&] { trace.part = static_cast<int>(std::clamp(numberOf(value), 1.0, 1e9)); });
+    } else {
+        return name == "columns";
+    }
+    return true;
+}
+
+void takeEvent(TraceFile& trace, const TakenLine& line) {
+    if (auto event = parseTraceLine(line.text)) {
+        // A program that opens its port later than its trace knows none in the head.
+        if (event->text.starts_with(portOpened)) trace.port = event->text.substr(portOpened.size());
+        trace.lines.push_back(std::move(*event));
+    } else if (line.ended) {
+        ++trace.unknownLines;
+    } else {
+        trace.cut = true;
+    }
+}
+
+std::string contentOf(const std::string& path) {
+    std::error_code error;
+    if (std::filesystem::is_directory(path, error)) throw FileError(path + ": is a folder");
+    std::ifstream file(path, std::ios::binary);
+    if (!file) throw FileError(path + ": " + std::generic_category().message(errno));
+    std::string head(traceMagic.size(), '\0');
+    file.read(head.data(), static_cast<std::streamsize>(head.size()));
+    head.resize(static_cast<std::size_t>(file.gcount()));
+    // A film or a disk image is not read to its end.
+    if (head != traceMagic) return head;
+    head.append(std::istreambuf_iterator<char>(file), {});
+    return head;
+}
+
+/// The half in front of `trace`, where it stands beside it.
+std::optional<TraceFile> olderHalf(const std::string& path, const TraceFile& trace) {
+    std::optional<TraceFile> older;
+    if (trace.part < 2) return older;
+    skipFailing([&] { older = parseTrace(contentOf(TraceStore::olderPath(path))); });
+    const bool fits = older && older->begun == trace.begun && older->part == trace.part - 1;
+    return fits ? older : std::nullopt;
+}
+
+bool inTime(const TraceLine& line, const TraceFilter& filter) {
+    const double seconds = static_cast<double>(line.timeUs) / 1e6;
+    return (!filter.fromSeconds || seconds >= *filter.fromSeconds) &&
+           (!filter.toSeconds || seconds <= *filter.toSeconds);
+}
+
+bool isFrame(const TraceLine& line) {
+    return line.direction == TraceDirection::Received && line.problem.empty() &&
+           (line.command == "W" || line.command == "F");
+}
+
+bool isWholeReply(const TraceLine& line) {
+    return line.direction == TraceDirection::Received && line.problem != trouble::unasked &&
+           line.problem != trouble::tooShort;
+}
+
+double msBetween(const TraceLine& first, const TraceLine& second) {
+    return static_cast<double>(second.timeUs - first.timeUs) / 1000;
+}
+
+/// Adds the lines up one after the other.
+class Adder {
+ public:
+    explicit Adder(TraceSummary& summary) : summary_(summary) {}
+
+    void take(const TraceLine& line) {
+        if (!line.problem.empty()) ++summary_.problems[line.problem];
+        if (line.command.empty()) return;
+        CommandSummary& command = summary_.commands[line.command];
+        if (!line.problem.empty()) ++command.problems;
+        if (line.direction == TraceDirection::Written) {
+            ++command.written;
+            asked_ = &line;
+        }
+        if (isWholeReply(line)) takeReply(command, line);
+        if (isFrame(line)) takeFrame(line);
+    }
+
+    void finish() {
+        for (auto& [key, command] : summary_.commands) std::ranges::sort(command.replyMs);
+        if (spans_ > 0 && spanMs_ > 0) summary_.framesPerSecond = spans_ * 1000.0 / spanMs_;
+    }
+
+ private:
+    void takeReply(CommandSummary& command, const TraceLine& line) {
+        if (asked_ == nullptr || asked_->command != line.command) return;
+        ++command.replies;
+        command.replyMs.push_back(msBetween(*asked_, line));
+        if (line.text.find(lumpsWord) != std::string::npos) ++command.lumped;
+        asked_ = nullptr;
+    }
+
+    void takeFrame(const TraceLine& line) {
+        ++summary_.frames;
+        const double gapMs = frame_ == nullptr ? longestGapMs + 1 : msBetween(*frame_, line);
+        if (gapMs <= longestGapMs) {
+            ++spans_;
+            spanMs_ += gapMs;
+        }
+        frame_ = &line;
+    }
+
+    TraceSummary& summary_;
+    const TraceLine* asked_ = nullptr;
+    const TraceLine* frame_ = nullptr;
+    int spans_ = 0;
+    double spanMs_ = 0;
+};
+
+}  // namespace
+
+TraceFile parseTrace(std::string_view content) {
+    if (takeLine(content).text != traceMagic) throw FileError("is no wire trace");
+    TraceFile trace;
+    bool inHead = true;
+    while (!content.empty()) {
+        const TakenLine line = takeLine(content);
+        if (trimmed(line.text).empty()) {
+            inHead = false;
+        } else if (inHead && !parseTraceLine(line.text)) {
+            if (!takeHeadLine(trace, line.text)) ++trace.unknownLines;
+        } else {
+            takeEvent(trace, line);
+        }
+    }
+    return trace;
+}
+
+TraceFile readTrace(const std::string& path) {
+    const std::string content = contentOf(path);
+    TraceFile trace;
+    if (!endOnFailure([&] { trace = parseTrace(content); }, [](const std::string&) {})) {
+        throw FileError(path + ": is no wire trace");
+    }
+    if (auto older = olderHalf(path, trace)) {
+        trace.lines.insert(trace.lines.begin(), std::make_move_iterator(older->lines.begin()),
+                           std::make_move_iterator(older->lines.end()));
+        trace.unknownLines += older->unknownLines;
+    }
+    return trace;
+}
+
+std::vector<std::size_t> chosenLines(const TraceFile& trace, const TraceFilter& filter) {
+    std::vector<std::size_t> chosen;
+    for (std::size_t i = 0; i < trace.lines.size(); ++i) {
+        const TraceLine& line = trace.lines[i];
+        const bool wanted = inTime(line, filter) && (!filter.problems || !line.problem.empty()) &&
+                            (filter.command.empty() || line.command == filter.command);
+        if (!wanted) continue;
+        const bool contextMissing = filter.problems && i > 0 && (chosen.empty() || chosen.back() != i - 1);
+        if (contextMissing) chosen.push_back(i - 1);
+        chosen.push_back(i);
+    }
+    return chosen;
+}
+
+TraceSummary summaryOf(const TraceFile& trace, const std::vector<std::size_t>& chosen) {
+    TraceSummary summary;
+    summary.lines = static_cast<int>(chosen.size());
+    if (chosen.empty()) return summary;
+    summary.seconds = msBetween(trace.lines[chosen.front()], trace.lines[chosen.back()]) / 1000;
+    Adder adder(summary);
+    for (const std::size_t index : chosen) adder.take(trace.lines[index]);
+    adder.finish();
+    return summary;
+}
+
+double quantile(const std::vector<double>& ascending, double share) {
+    if (ascending.empty()) return 0;
+    const auto rank = static_cast<std::size_t>(std::ceil(share * static_cast<double>(ascending.size())));
+    return ascending[std::clamp<std::size_t>(rank, 1, ascending.size()) - 1];
+}
+
+}  // namespace zentaq

@@ -1,0 +1,94 @@
+#include "link/trace_store.h"
+
+#include <fcntl.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+#include <utility>
+
+#include "base/errors.h"
+#include "link/trace_line.h"
+
+namespace zentaq {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Gathered lines go to the file from here on, however short the time since the last ones.
+constexpr std::size_t pieceBytes = 64U << 10U;
+
+[[noreturn]] void fail(const std::string& path, int error) {
+    throw FileError(path + ": " + std::generic_category().message(error));
+}
+
+bool isTrace(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::string head(traceMagic.size(), '\0');
+    file.read(head.data(), static_cast<std::streamsize>(head.size()));
+    return file && head == traceMagic;
+}
+
+/// A wrong name on a command line must not cost anybody a calibration.
+void refuseOtherFile(const std::string& path) {
+    std::error_code ignored;
+    if (!fs::exists(path, ignored) || fs::is_character_file(path, ignored)) return;
+    if (fs::is_regular_file(path, ignored) && (fs::file_size(path, ignored) == 0 || isTrace(path))) return;
+    throw FileError(path + ": is there already and no trace; it is left alone");
+}
+
+}  // namespace
+
+TraceStore::TraceStore(std::string path, Head head, std::size_t mostBytes)
+    : path_(std::move(path)), head_(std::move(head)), mostBytes_(mostBytes) {
+    std::error_code ignored;
+    refuseOtherFile(path_);
+    bounded_ = !fs::is_character_file(path_, ignored);
+    if (bounded_) refuseOtherFile(olderPath(path_));
+    const bool former = bounded_ && isTrace(path_);
+    if (former && std::rename(path_.c_str(), olderPath(path_).c_str()) != 0) fail(path_, errno);
+    begin();
+    flush();
+}
+
+void TraceStore::begin() {
+    file_ = PosixHandle(::open(path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOCTTY, 0666));
+    if (!file_.valid()) fail(path_, errno);
+    gathered_ = head_(++part_);
+    written_ = 0;
+}
+
+// The old half is replaced in one step: an accident at any moment leaves what is newer.
+void TraceStore::turn() {
+    flush();
+    file_.reset();
+    if (std::rename(path_.c_str(), olderPath(path_).c_str()) != 0) fail(path_, errno);
+    begin();
+}
+
+void TraceStore::add(std::string_view line) {
+    const std::size_t size = written_ + gathered_.size() + line.size() + 1;
+    if (bounded_ && size > mostBytes_ / 2) turn();
+    gathered_ += line;
+    gathered_ += '\n';
+    if (gathered_.size() >= pieceBytes) flush();
+}
+
+void TraceStore::flush() {
+    std::string_view rest = gathered_;
+    while (!rest.empty()) {
+        const auto count = ::write(file_.get(), rest.data(), rest.size());
+        if (count >= 0) {
+            rest.remove_prefix(static_cast<std::size_t>(count));
+        } else if (errno != EINTR) {
+            fail(path_, errno);
+        }
+    }
+    written_ += gathered_.size();
+    gathered_.clear();
+}
+
+}  // namespace zentaq

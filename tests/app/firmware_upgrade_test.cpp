@@ -1,0 +1,314 @@
+// The command "Firmware Upgrade" and what other commands do while a transfer runs or waits.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "app/fake_platform.h"
+#include "app/main_commands.h"
+#include "app/menu.h"
+#include "app/start_up.h"
+
+namespace zentaq {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+// 05 + 10 + 00 + AA + 55 = 114, FF - 14 = EB.
+constexpr const char* wholeFirmware = "S0030000FC\r\nS1051000AA55EB\r\nS9030000FC\r\n";
+
+class FirmwareUpgrade : public testing::Test {
+ protected:
+    FirmwareUpgrade() {
+        session.makeUnits();
+        session.link.load();
+    }
+
+    /// A unit of this serial number answers E and nothing else.
+    void linkUnit(std::uint8_t b4, std::uint8_t b5, std::uint8_t b6) {
+        session.link.Send_ORB_Command("E");
+        session.link.tick();
+        const auto sum = static_cast<std::uint8_t>(0x55 + b4 + b5 + b6);
+        fake.port.deliver({0xFA, 0xA5, 0x55, 0, b4, b5, b6, sum});
+        session.link.tick();
+        session.link.tick();  // B goes out
+        fake.port.deliver({});
+        session.link.tick();
+    }
+    void linkOrbA() { linkUnit(0x03, 0x0D, 0x41); }  // 200001
+
+    std::string firmware(const std::string& name, const std::string& text = wholeFirmware) {
+        return fake.folder.write(name, text);
+    }
+    void choose(const std::string& path) {
+        fake.dialogs.boxes.clear();
+        fake.dialogs.files = {path};
+        commands.firmwareUpgrade();
+    }
+    void tickUntil(const std::string& written) {
+        for (int i = 0; i < 50 && fake.port.written.back() != written; ++i) session.link.tick();
+    }
+    void answer(const std::string& reply) {
+        fake.port.deliver({reply.begin(), reply.end()});
+        session.link.tick();
+    }
+    /// The upgrade is at its first line.
+    void runUpgrade() {
+        linkOrbA();
+        choose(firmware("ZQA-505100.nv3"));
+        tickUntil("P3");
+        answer("AX");
+        tickUntil("S0030000FC");
+        fake.dialogs.boxes.clear();
+        fake.windows.calls.clear();
+    }
+    bool enabled(std::string_view name) const {
+        for (const MenuEntry& entry : menuTree()) {
+            if (entry.name == name) return entry.enabled != nullptr && entry.enabled(session);
+        }
+        return false;
+    }
+    std::vector<std::string> titles() const {
+        std::vector<std::string> all;
+        for (const Box& box : fake.dialogs.boxes) all.push_back(box.title);
+        return all;
+    }
+    bool logged(const std::string& text) const {
+        for (const std::string& line : session.console.lines()) {
+            if (line.find(text) != std::string::npos) return true;
+        }
+        return false;
+    }
+
+    FakeSession fake;
+    Session& session = fake.session;
+    MainCommands commands{session};
+    Kernel kernel{session, commands};
+};
+
+TEST_F(FirmwareUpgrade, WarnsFirstAndCancelEndsIt) {
+    fake.dialogs.answers = {Answer::Cancel};
+    choose("");
+    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
+    const Box& box = fake.dialogs.boxes[0];
+    EXPECT_EQ(box.title, "FIRMWARE UPGRADE WARNING");
+    EXPECT_EQ(box.text,
+              "You are about to upgrade the firmware on your Norvalia product.\n"
+              "Ensure that your laptop is connected to A/C power, before proceeding.\n"
+              "Before going on, consult the software user's guide appendix on firmware\n"
+              "upgrades to ensure that the unit is ready to recieve a new firmware.\n"
+              "INFO: Select the latest firmware file correct to the type of unit being upgraded.\n"
+              "ORB A\tZQAxxxxxxx\nORB L\tZQLxxxxxxx\nORB C\tZQCxxxxxxx\nORB D\tZQDxxxxxxx\n"
+              "PZK-2\tZPKxxxxxxx");
+    EXPECT_EQ(box.buttons, Buttons::OkCancel);
+    EXPECT_THAT(fake.dialogs.requests, IsEmpty());
+}
+
+TEST_F(FirmwareUpgrade, TheDialogHasItsTitleFilterAndFolderAndNoNameEndsIt) {
+    choose("");
+    ASSERT_EQ(fake.dialogs.requests.size(), 1u);
+    EXPECT_EQ(fake.dialogs.requests[0].title, "Norvalia Firmware Files");
+    EXPECT_EQ(fake.dialogs.requests[0].filter, "Norvalia Firmware(*.nv3)|*.nv3");
+    EXPECT_EQ(fake.dialogs.requests[0].folder, fake.folder.path("bin"));
+    EXPECT_EQ(fake.dialogs.boxes.size(), 1u);
+    EXPECT_FALSE(session.link.transferPending());
+}
+
+TEST_F(FirmwareUpgrade, AFileOfTheLinkedUnitGoesOutWithPollingSuspendedAndFormsRemoved) {
+    linkOrbA();
+    ASSERT_EQ(session.link.linked().LinkedUnitKind, 3);
+    const std::string path = firmware("ZQA-505100.nv3");
+    choose(path);
+    EXPECT_THAT(titles(), ElementsAre("FIRMWARE UPGRADE WARNING"));
+    EXPECT_TRUE(session.link.firmwarePending());
+    EXPECT_TRUE(session.link.AutoPollSuspended());
+    EXPECT_THAT(fake.windows.calls, Contains("removeForms"));
+    EXPECT_TRUE(logged("Attempting Firmware Upgrade, Sending File... "));
+    EXPECT_TRUE(logged("  - " + path));
+    tickUntil("P3");
+    EXPECT_EQ(fake.port.written.back(), "P3");
+}
+
+TEST_F(FirmwareUpgrade, AFileOfAnotherUnitIsInvalid) {
+    linkOrbA();
+    const auto written = fake.port.written;
+    choose(firmware("ZQL-705100.nv3"));
+    EXPECT_THAT(titles(), ElementsAre("FIRMWARE UPGRADE WARNING", "Invalid Firmware"));
+    EXPECT_EQ(fake.dialogs.boxes.back().text, "This firmware file is not valid for this unit.");
+    EXPECT_EQ(fake.dialogs.boxes.back().icon, Icon::Critical);
+    EXPECT_FALSE(session.link.transferPending());
+    EXPECT_FALSE(session.link.AutoPollSuspended());
+    session.link.tick();
+    EXPECT_EQ(fake.port.written, written);
+}
+
+TEST_F(FirmwareUpgrade, TheLinkedUnitDecidesThoughAnotherCalibrationIsInHand) {
+    linkOrbA();
+    session.CurrentUnit(4);
+    choose(firmware("ZQL-705100.nv3"));
+    EXPECT_EQ(titles().back(), "Invalid Firmware");
+    choose(firmware("ZQA-505100.nv3"));
+    EXPECT_TRUE(session.link.firmwarePending());
+}
+
+TEST_F(FirmwareUpgrade, WithoutAUnitTheCalibrationDecidesAndWithoutOneAnyNameIsTaken) {
+    session.CurrentUnit(4);
+    choose(firmware("ZQA-505100.nv3"));
+    EXPECT_EQ(titles().back(), "Invalid Firmware");
+    session.CurrentUnit(0);
+    choose(firmware("mended.nv3"));
+    EXPECT_THAT(titles(), ElementsAre("FIRMWARE UPGRADE WARNING"));
+    EXPECT_TRUE(session.link.firmwarePending());
+}
+
+TEST_F(FirmwareUpgrade, AFileThatIsNotWholeIsToldWithItsLineAndNothingIsSent) {
+    linkOrbA();
+    const auto written = fake.port.written;
+    choose(firmware("ZQA-505100.nv3", "S0030000FC\r\nS1051000AA55EC\r\nS9030000FC\r\n"));
+    EXPECT_EQ(titles().back(), "Firmware File Error");
+    EXPECT_EQ(fake.dialogs.boxes.back().text,
+              "ZQA-505100.nv3 is no whole firmware file.\nLine 2: the checksum is wrong.\n"
+              "Nothing was sent to the unit.  Please get the file anew and try again.");
+    choose(firmware("ZQA-505101.nv3", ""));
+    EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("The file is empty."));
+    choose(fake.folder.path("ZQA-absent.nv3"));
+    EXPECT_EQ(titles().back(), "Firmware File Error");
+    EXPECT_FALSE(session.link.transferPending());
+    session.link.tick();
+    EXPECT_EQ(fake.port.written, written);
+}
+
+TEST_F(FirmwareUpgrade, AVerifiedRunSaysWhatToDoNextAndPollingGoesOn) {
+    runUpgrade();
+    answer("AX");
+    tickUntil("S1051000AA55EB");
+    answer("AX");
+    tickUntil("S9030000FC");
+    answer("PN");
+    ASSERT_EQ(fake.dialogs.boxes.size(), 2u);
+    EXPECT_EQ(fake.dialogs.boxes[0].text,
+              "You have successfully programmed your ORB unit.\n"
+              "Please cycle the power on the unit before continuing.");
+    EXPECT_EQ(fake.dialogs.boxes[1].text,
+              "The BIN file MUST be loaded before starting your engine.\n"
+              "The unit may operate upredictably until the BIN file is loaded.");
+    EXPECT_FALSE(session.link.AutoPollSuspended());
+    EXPECT_FALSE(session.link.transferPending());
+}
+
+// ---- The menu
+
+TEST_F(FirmwareUpgrade, TheEntryIsEnabledWithoutAUnitAndNotDuringATransfer) {
+    EXPECT_TRUE(enabled("mnuFirmwareUpgrade"));
+    choose(firmware("any.nv3"));
+    ASSERT_TRUE(session.link.transferPending());
+    ASSERT_FALSE(session.link.TransferActive());
+    EXPECT_FALSE(enabled("mnuFirmwareUpgrade")) << "queued counts too";
+    session.link.tick();
+    ASSERT_TRUE(session.link.TransferActive());
+    EXPECT_FALSE(enabled("mnuFirmwareUpgrade"));
+}
+
+TEST_F(FirmwareUpgrade, TheEntryIsDisabledForAUnitOfTheOldestFirmware) {
+    session.link.Send_ORB_Command("E");
+    session.link.tick();
+    fake.port.deliver({0, 3, 0x0D, 0x41, 'A', 'X'});
+    session.link.tick();
+    ASSERT_TRUE(session.link.linked().OldFirmware);
+    EXPECT_FALSE(enabled("mnuFirmwareUpgrade"));
+}
+
+// ---- While it runs
+
+TEST_F(FirmwareUpgrade, CommandsThatWouldDisturbAreRefusedWithABox) {
+    runUpgrade();
+    session.CurrentFile = "tune.ZQ4OA";
+    const auto written = fake.port.written;
+    const int queued = session.link.QueuedCommands();
+    const int opens = fake.port.opens;
+    const std::vector<std::function<void()>> disturbing = {
+        [&] { commands.newCalibration(); },  [&] { commands.open(); },
+        [&] { commands.close(); },           [&] { commands.programOrb(); },
+        [&] { commands.firmwareUpgrade(); }, [&] { commands.killEngine(); },
+        [&] { commands.zeroAdvance(); },     [&] { commands.refreshCodes(); },
+        [&] { commands.clearCodes(); },      [&] { commands.storeOnFly(); },
+        [&] { commands.identify(); },        [&] { commands.choosePort(2); },
+        [&] { commands.loadCommand(2); },    [&] { EXPECT_EQ(commands.autodetectPort(), 0); },
+    };
+    for (std::size_t i = 0; i < disturbing.size(); ++i) {
+        fake.dialogs.boxes.clear();
+        disturbing[i]();
+        ASSERT_EQ(fake.dialogs.boxes.size(), 1u) << i;
+        EXPECT_EQ(fake.dialogs.boxes[0].text, "A transfer is running.  Please wait until it has ended.") << i;
+    }
+    EXPECT_THAT(fake.windows.calls, IsEmpty());
+    EXPECT_EQ(session.CurrentFile, "tune.ZQ4OA");
+    EXPECT_EQ(session.link.QueuedCommands(), queued);
+    EXPECT_EQ(session.link.commPort(), 1);
+    EXPECT_EQ(fake.port.opens, opens);
+    EXPECT_FALSE(session.zeroAdvance);
+    EXPECT_FALSE(session.Monitoring);
+    EXPECT_TRUE(session.link.AutoPollSuspended());
+    EXPECT_EQ(fake.port.written, written);
+}
+
+TEST_F(FirmwareUpgrade, ARunThatStillWaitsInTheQueueKeepsThePortSearchAwayToo) {
+    choose(firmware("any.nv3"));
+    ASSERT_FALSE(session.link.TransferActive());
+    const int opens = fake.port.opens;
+    EXPECT_EQ(commands.autodetectPort(), 0);
+    EXPECT_EQ(fake.port.opens, opens);
+    EXPECT_EQ(fake.dialogs.boxes.back().text, "A transfer is running.  Please wait until it has ended.");
+}
+
+TEST_F(FirmwareUpgrade, ATransferThatBeganWhileTheFileWasChosenIsNotDisturbed) {
+    linkOrbA();
+    session.link.Program_Unit(TransferMode::Datalog, fake.folder.path("log.dat"));
+    session.link.AutoPollSuspended(true);
+    choose(firmware("ZQA-505100.nv3"));
+    EXPECT_TRUE(session.link.AutoPollSuspended());
+    EXPECT_FALSE(session.link.firmwarePending());
+}
+
+TEST_F(FirmwareUpgrade, ClosingTheWindowAsksAndTheChoiceAtHandIsToStay) {
+    runUpgrade();
+    session.DataModified = true;
+    kernel.closeRequested();
+    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
+    const Box& box = fake.dialogs.boxes[0];
+    EXPECT_EQ(box.title, "Transfer Running");
+    EXPECT_THAT(box.text, HasSubstr("there will be no firmware on this unit"));
+    EXPECT_EQ(box.buttons, Buttons::YesNo);
+    EXPECT_TRUE(box.declines);
+    EXPECT_THAT(fake.windows.calls, Not(Contains("closeMain")));
+    EXPECT_TRUE(fake.port.isOpen());
+    EXPECT_TRUE(session.link.firmwarePending());
+}
+
+TEST_F(FirmwareUpgrade, ExitAsksOnceMoreAndNoStays) {
+    runUpgrade();
+    fake.dialogs.answers = {Answer::Ok, Answer::No};
+    EXPECT_FALSE(kernel.System_Shutdown(false));
+    EXPECT_THAT(titles(), ElementsAre("Shutdown", "Transfer Running"));
+    EXPECT_TRUE(fake.port.isOpen());
+}
+
+TEST_F(FirmwareUpgrade, YesBreaksTheRunOffAndTheLogSaysIt) {
+    runUpgrade();
+    fake.dialogs.answers = {Answer::Yes};
+    kernel.closeRequested();
+    EXPECT_THAT(fake.windows.calls, Contains("closeMain"));
+    EXPECT_FALSE(fake.port.isOpen());
+    EXPECT_TRUE(logged("Transfer broken off by the user."));
+}
+
+TEST_F(FirmwareUpgrade, WithoutATransferNothingIsAsked) {
+    kernel.closeRequested();
+    EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
+    EXPECT_FALSE(logged("Transfer broken off"));
+}
+
+}  // namespace
+}  // namespace zentaq

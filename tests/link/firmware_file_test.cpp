@@ -1,0 +1,201 @@
+// What is taken for a firmware file and what is refused, with the line that is at fault. Checksums are worked
+// out by hand: the complement of the low byte of the sum of length, address and data.
+#include "link/firmware_file.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "base/errors.h"
+#include "temporary_folder.h"
+
+namespace zentaq {
+namespace {
+
+// 03 + 00 + 00 = 03, FF - 03 = FC.
+constexpr const char* header = "S0030000FC";
+// 05 + 10 + 00 + AA + 55 = 114, FF - 14 = EB.
+constexpr const char* data = "S1051000AA55EB";
+constexpr const char* endOfFile = "S9030000FC";
+
+std::string lines(const std::vector<std::string>& records, const std::string& end = "\r\n") {
+    std::string text;
+    for (const std::string& record : records) text += record + end;
+    return text;
+}
+
+/// What is wrong with a text; empty for nothing.
+std::string faultOf(std::string_view text) {
+    try {
+        checkFirmware(text);
+    } catch (const Failure& failure) {
+        return failure.what();
+    }
+    return {};
+}
+
+TEST(FirmwareFile, AWholeFileTellsItsLinesAndItsBytes) {
+    const FirmwareFile file = checkFirmware(lines({header, data, data, endOfFile}));
+    EXPECT_EQ(file.lines, 4);
+    EXPECT_EQ(file.dataBytes, 4);
+}
+
+TEST(FirmwareFile, LinesEndInOneWayOrTheOther) {
+    EXPECT_EQ(checkFirmware(lines({data, endOfFile}, "\r\n")).lines, 2);
+    EXPECT_EQ(checkFirmware(lines({data, endOfFile}, "\n")).lines, 2);
+    EXPECT_EQ(checkFirmware("S1051000AA55EB\nS9030000FC").lines, 2);
+    EXPECT_EQ(checkFirmware("S1051000AA55EB\r\nS9030000FC\r").lines, 2);
+}
+
+TEST(FirmwareFile, EveryTypeHasItsOwnLengthOfAddress) {
+    struct Row {
+        const char* record;
+        int dataBytes;
+    };
+    const Row rows[] = {
+        {"S1041000AA41", 1},      // 04+10+00+AA = BE
+        {"S205001000AA40", 1},    // 05+00+10+00+AA = BF
+        {"S30600001000AA3F", 1},  // 06+00+00+10+00+AA = C0
+        {"S5030001FB", 0},        // 03+00+01 = 04
+        {"S604000001FA", 0},      // 04+00+00+01 = 05
+        {"S1031000EC", 0},        // 03+10+00 = 13
+    };
+    for (const Row& row : rows) {
+        const auto file = checkFirmware(lines({data, row.record, endOfFile}));
+        EXPECT_EQ(file.dataBytes, 2 + row.dataBytes) << row.record;
+    }
+    // 05+00+00+00+00 = 05 and 04+00+00+00 = 04
+    for (const char* end : {"S70500000000FA", "S804000000FB", endOfFile}) {
+        EXPECT_EQ(checkFirmware(lines({data, end})).lines, 2) << end;
+    }
+}
+
+TEST(FirmwareFile, AFaultIsToldWithItsLine) {
+    struct Row {
+        const char* record;
+        const char* fault;
+    };
+    const Row rows[] = {
+        {"", "the line is empty"},
+        {"S1", "this is no S-record"},
+        {"X1051000AA55EB", "this is no S-record"},
+        {"s1051000AA55EB", "this is no S-record"},
+        {" S1051000AA55EB", "this is no S-record"},
+        {"S4051000AA55EB", "this is no S-record"},
+        {"SA051000AA55EB", "this is no S-record"},
+        {"S1G51000AA55EB", "the length is no number"},
+        {"S1051000AA55E", "the record has a wrong length"},
+        {"S1051000AA55EB0", "the record has a wrong length"},
+        {"S1051000AA55EB ", "the record has a wrong length"},
+        {"S1061000AA55EB", "the record has a wrong length"},
+        {"S100", "the record is too short for its address"},
+        {"S10210ED", "the record is too short for its address"},
+        {"S304100000", "the record has a wrong length"},
+        {"S3031000EC", "the record is too short for its address"},
+        {"S1051000AA5GEB", "the record holds something else than the digits 0 to 9 and A to F"},
+        {"S1051000aa55EB", "the record holds something else than the digits 0 to 9 and A to F"},
+        {"S1051000AA55EC", "the checksum is wrong"},
+        {"S1051000AB55EB", "the checksum is wrong"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(faultOf(lines({header, data, row.record, endOfFile})),
+                  std::string("Line 3: ").append(row.fault).append("."))
+            << row.record;
+    }
+}
+
+TEST(FirmwareFile, AFileThatBreaksOffIsRefused) {
+    EXPECT_EQ(faultOf(""), "The file is empty.");
+    EXPECT_EQ(faultOf("\n"), "Line 1: the line is empty.");
+    EXPECT_EQ(faultOf(lines({header, data, data})),
+              "The end record is missing behind line 3: the file is not whole.");
+    const std::string whole = lines({data, endOfFile}, "\n");
+    // Cut anywhere before its last digit.
+    for (std::size_t length = 0; length + 1 < whole.size(); ++length) {
+        EXPECT_NE(faultOf(whole.substr(0, length)), "") << length;
+    }
+}
+
+TEST(FirmwareFile, NothingStandsBehindTheEndRecordAndThereIsDataInFrontOfIt) {
+    EXPECT_EQ(faultOf(lines({data, endOfFile, data})), "Line 3: there is something behind the end record.");
+    EXPECT_EQ(faultOf(lines({data, endOfFile, endOfFile})),
+              "Line 3: there is something behind the end record.");
+    EXPECT_EQ(faultOf(lines({data, endOfFile, ""})), "Line 3: there is something behind the end record.");
+    EXPECT_EQ(faultOf(lines({header, endOfFile})), "The file holds no data.");
+    EXPECT_EQ(faultOf(lines({header, "S1031000EC", endOfFile})), "The file holds no data.");
+}
+
+TEST(FirmwareFile, AZeroByteAndALoneCarriageReturnAreFaults) {
+    EXPECT_EQ(faultOf(std::string_view("S1051000AA55EB\0\nS9030000FC", 26)),
+              "Line 1: the record has a wrong length.");
+    EXPECT_EQ(faultOf(lines({data, endOfFile}, "\r")), "Line 1: the record has a wrong length.");
+    EXPECT_EQ(faultOf(lines({data, endOfFile}, "\r\r\n")), "Line 1: the record has a wrong length.");
+}
+
+TEST(FirmwareFile, ChangingAnyOneCharacterButATypeIsNoticed) {
+    const std::string whole = lines({header, data, endOfFile}, "\n");
+    ASSERT_EQ(faultOf(whole), "");
+    for (std::size_t at = 0; at < whole.size(); ++at) {
+        for (int byte = 0; byte < 256; ++byte) {
+            std::string changed = whole;
+            changed[at] = static_cast<char>(byte);
+            if (changed == whole) continue;
+            // The end of the last line may be anything that is passed over: nothing but a CR is.
+            const bool lastEnd = at + 1 == whole.size() && byte == '\r';
+            // The type stands outside the sum.
+            const bool otherType = at > 0 && whole[at - 1] == 'S';
+            if (lastEnd || otherType) continue;
+            EXPECT_NE(faultOf(changed), "") << at << " becomes " << byte;
+        }
+    }
+}
+
+TEST(FirmwareFile, AnyBytesEndInAnAnswer) {
+    std::mt19937 random(20261121);
+    const std::string letters = "S0123456789ABCDEF\r\n";
+    for (int run = 0; run < 20'000; ++run) {
+        std::string text;
+        const auto length = random() % 64;
+        for (unsigned i = 0; i < length; ++i) {
+            text += run % 2 == 0 ? static_cast<char>(random() & 0xFFU) : letters[random() % letters.size()];
+        }
+        EXPECT_NE(faultOf(text), "") << "by chance nothing makes a whole file";
+    }
+}
+
+TEST(FirmwareFile, IsReadFromTheDisk) {
+    const TemporaryFolder folder;
+    const std::string path = folder.write("ZQA-505100.nv3", lines({header, data, endOfFile}));
+    EXPECT_EQ(checkFirmwareFile(path).lines, 3);
+    EXPECT_THROW(checkFirmwareFile(folder.write("half.nv3", lines({header, data}))), Failure);
+}
+
+TEST(FirmwareFile, WhatIsNoReadableFileIsAFileError) {
+    const TemporaryFolder folder;
+    EXPECT_THROW(checkFirmwareFile(folder.path("absent.nv3")), FileError);
+    EXPECT_THROW(checkFirmwareFile(folder.path()), FileError);
+    EXPECT_THROW(checkFirmwareFile("/dev/zero"), FileError) << "it would never end";
+    const std::string huge = folder.path("huge.nv3");
+    std::ofstream(huge) << data;
+    std::filesystem::resize_file(huge, largestFirmwareFile + 1);
+    EXPECT_THROW(checkFirmwareFile(huge), FileError);
+}
+
+TEST(FirmwareWarning, NamesEveryModelOnALineWithATab) {
+    EXPECT_EQ(firmwareWarning(),
+              "You are about to upgrade the firmware on your Norvalia product.\n"
+              "Ensure that your laptop is connected to A/C power, before proceeding.\n"
+              "Before going on, consult the software user's guide appendix on firmware\n"
+              "upgrades to ensure that the unit is ready to recieve a new firmware.\n"
+              "INFO: Select the latest firmware file correct to the type of unit being upgraded.\n"
+              "ORB A\tZQAxxxxxxx\nORB L\tZQLxxxxxxx\nORB C\tZQCxxxxxxx\nORB D\tZQDxxxxxxx\n"
+              "PZK-2\tZPKxxxxxxx");
+}
+
+}  // namespace
+}  // namespace zentaq

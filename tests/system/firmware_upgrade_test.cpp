@@ -1,0 +1,150 @@
+// A firmware upgrade of the whole program on a simulated unit in a process of its own: the good end, each way
+// to fail, and what the unit holds afterwards.
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdlib>
+
+#include "system/flight_rig.h"
+
+namespace zentaq {
+namespace {
+
+constexpr int patienceMs = 40'000;
+constexpr const char* loadCalibration = "The BIN file MUST be loaded before starting your engine.";
+constexpr const char* intact = "The previous version of the firmware is still intact.";
+constexpr const char* gone = "There is now no firmware installed on this unit";
+
+class FirmwareFlight : public testing::Test {
+ protected:
+    int argc_ = 1;
+    std::string name_ = "firmware";
+    char* argv_[2] = {name_.data(), nullptr};
+    QApplication application{argc_, argv_};
+    TemporaryFolder folder;
+    std::string link = folder.path("unit");
+    std::string memoryFile = folder.path("memory.bin");
+    std::string firmware = folder.path("ZQA-505100.nv3");
+    std::unique_ptr<UnitProcess> unit;
+    std::unique_ptr<Program> program;
+
+    void SetUp() override {
+        std::filesystem::create_directory(folder.path("app"));
+        const std::string command = "'" + std::string(ZENTAQ_APP_DIR) +
+                                    "/zentaq-sim' --unit A --firmware ZQA-505100 --make-firmware '" +
+                                    firmware + "' >/dev/null";
+        ASSERT_EQ(std::system(command.c_str()), 0);
+    }
+    /// The program has found a unit with these options.
+    void start(QStringList options) {
+        options << "--serial"
+                << "200042"
+                << "--baud"
+                << "0";
+        unit = std::make_unique<UnitProcess>(link, memoryFile, options);
+        ASSERT_TRUE(unit->ready());
+        program = std::make_unique<Program>(application, folder.path("app"), link);
+        program->kernel.load();
+        ASSERT_TRUE(Program::waitFor([&] { return program->identified(); }, patienceMs));
+    }
+    /// A whole file of few lines, so that no fault at a later line meets it.
+    void shorten() const {
+        std::ifstream in(firmware, std::ios::binary);
+        std::vector<std::string> lines;
+        for (std::string line; std::getline(in, line);) lines.push_back(line + "\n");
+        in.close();
+        ASSERT_GT(lines.size(), 100u);
+        std::ofstream(firmware, std::ios::binary) << lines[0] << lines[1] << lines[2] << lines.back();
+    }
+    void upgrade() {
+        program->dialogs.boxes.clear();
+        program->dialogs.files.push_back(firmware);
+        program->windows.main().run("mnuFirmwareUpgrade");
+        ASSERT_TRUE(program->session.link.firmwarePending());
+    }
+    bool told(const char* text) {
+        return Program::waitFor([&] { return program->boxShown(text); }, patienceMs);
+    }
+    std::string state() const {
+        const auto bytes = bytesOf(memoryFile + ".firmware");
+        return {bytes.begin(), bytes.end()};
+    }
+};
+
+TEST_F(FirmwareFlight, AnUpgradeEndsWellAndTheUnitComesBackWithItsNewFirmware) {
+    start({"--upgrade-mode"});
+    const std::string before = program->session.link.status().firmware;
+    ASSERT_NE(before, "ZQA-505100");
+    upgrade();
+
+    // Meanwhile nothing may end the program unasked, and nobody may search or change the port.
+    ASSERT_TRUE(Program::waitFor([&] { return program->session.link.TransferLine() > 20; }, patienceMs));
+    program->kernel.closeRequested();
+    EXPECT_TRUE(program->boxShown("A firmware upgrade is running."));
+    EXPECT_FALSE(program->windows.closed());
+    EXPECT_EQ(program->commands.autodetectPort(), 0);
+    EXPECT_TRUE(program->session.link.firmwarePending());
+
+    ASSERT_TRUE(told(loadCalibration));
+    EXPECT_TRUE(program->boxShown("You have successfully programmed your ORB unit."));
+    EXPECT_EQ(state().substr(0, 21), "programmed ZQA-505100");
+    EXPECT_FALSE(program->session.link.AutoPollSuspended());
+
+    // The unit is silent until its power is cycled; then it is found by itself.
+    ASSERT_TRUE(Program::waitFor([&] { return !program->identified(); }, patienceMs));
+    unit->signal(SIGHUP);
+    ASSERT_TRUE(Program::waitFor([&] { return program->identified(); }, patienceMs));
+    EXPECT_EQ(program->session.link.status().firmware, "ZQA-505100");
+    EXPECT_NE(program->log().find("ORB: Firmware Upload Successful, Verified!"), std::string::npos);
+}
+
+TEST_F(FirmwareFlight, AUnitThatIsNotInUpgradeModeKeepsItsFirmwareAndGoesOn) {
+    start({});
+    upgrade();
+    ASSERT_TRUE(told(intact));
+    EXPECT_EQ(state(), "");
+    const auto frames = program->session.live.frames;
+    EXPECT_TRUE(Program::waitFor([&] { return program->session.live.frames > frames + 20; }, patienceMs));
+    EXPECT_TRUE(program->identified());
+
+    // With its switch on it takes the same file.
+    unit->signal(SIGUSR2);
+    shorten();
+    upgrade();
+    ASSERT_TRUE(told(loadCalibration));
+}
+
+TEST_F(FirmwareFlight, ARefusedLineLeavesNoFirmwareAndASecondRunMendsTheUnit) {
+    start({"--upgrade-mode", "--fault", "refuse@line#12"});
+    upgrade();
+    ASSERT_TRUE(told(gone));
+    EXPECT_EQ(state().substr(0, 7), "missing");
+
+    // The unit answers nothing now but the start of programming; polls in front of it are in vain.
+    ASSERT_TRUE(
+        Program::waitFor([&] { return program->session.link.linked().LinkedUnitKind == 0; }, patienceMs));
+    shorten();
+    upgrade();
+    ASSERT_TRUE(told(loadCalibration));
+    EXPECT_EQ(state().substr(0, 21), "programmed ZQA-505100");
+}
+
+TEST_F(FirmwareFlight, SilenceInTheMiddleEndsByItsTimeOutAndASecondRunMendsTheUnit) {
+    start({"--upgrade-mode", "--fault", "silence@line#30"});
+    upgrade();
+    ASSERT_TRUE(told(gone));
+    EXPECT_EQ(state().substr(0, 7), "missing");
+    EXPECT_EQ(program->session.link.linked().LinkedUnitKind, 0);
+    // Its boot loader still waits for the next line: cycling the power ends that.
+    unit->signal(SIGHUP);
+    Program::runFor(500);
+    shorten();
+    upgrade();
+    ASSERT_TRUE(told(loadCalibration));
+    unit->signal(SIGHUP);
+    ASSERT_TRUE(Program::waitFor([&] { return program->identified(); }, patienceMs));
+    EXPECT_EQ(program->session.link.status().firmware, "ZQA-505100");
+}
+
+}  // namespace
+}  // namespace zentaq
