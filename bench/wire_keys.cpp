@@ -82,7 +82,10 @@ void keystroke(benchmark::State& state, const QStringList& unitOptions) {
             // At every phase of a frame, with the queue as full as monitoring alone makes it; up and down
             // again, so that no cell reaches its limit.
             Program::runFor(120 + i * 7 % 23);
-            if (!timer.press(i / 5 % 2 == 0 ? "." : ",")) return state.SkipWithError("No record was sent");
+            if (!timer.press(i / 5 % 2 == 0 ? "." : ",")) {
+                const bool there = bench.session().link.linked().UnitIdentified;
+                return state.SkipWithError(there ? "No record was sent" : "The link was lost");
+            }
         }
         std::vector<double> whole, beyond;
         for (const Keystroke& key : timer.all) {

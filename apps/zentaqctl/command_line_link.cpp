@@ -179,7 +179,7 @@ void CommandLine::addTraces() {
         ->check(CLI::Validator(validMoment, "SECONDS"));
     shown->add_option("--to", given.toSeconds, "Only up to this time")
         ->check(CLI::Validator(validMoment, "SECONDS"));
-    shown->add_flag("--problems", given.problems, "Only what went wrong, each with the line in front of it");
+    shown->add_flag("--problems", given.problems, "Only what went wrong, each behind the command before it");
     shown->add_flag("--summary", given.summary, "Only counts, times and problems by kind");
     addJson(shown);
 }

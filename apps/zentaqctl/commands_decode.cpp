@@ -26,11 +26,11 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 
 /// One decoded value; a lamp or a yes is a truth.
-struct Found {
+struct Finding {
     std::string name;
     std::variant<float, int, bool, std::string> value;
 };
-using Findings = std::vector<Found>;
+using Findings = std::vector<Finding>;
 
 int digitOf(char character) {
     if (character >= '0' && character <= '9') return character - '0';
@@ -181,7 +181,7 @@ void writeJson(std::ostream& out, const UnitKind& kind, char reply, const Findin
     JsonWriter json(out);
     json.beginObject().member("reply", std::string_view(&reply, 1)).member("kind", kind.slot);
     json.key("values").beginObject();
-    for (const Found& found : findings) {
+    for (const Finding& found : findings) {
         if (found.name == "Code") continue;
         json.key(found.name);
         std::visit(AsJson{json}, found.value);
@@ -189,7 +189,7 @@ void writeJson(std::ostream& out, const UnitKind& kind, char reply, const Findin
     json.endObject();
     if (reply == 'T') {
         json.key("codes").beginArray();
-        for (const Found& found : findings) {
+        for (const Finding& found : findings) {
             if (found.name == "Code") std::visit(AsJson{json}, found.value);
         }
         json.endArray();
@@ -239,7 +239,7 @@ void decode(const Context& context, const UnitKind* kind, char reply, const std:
     if (reply == 'C') findings = configuration(unit, bytes);
     if (reply == 'T') findings = codes(unit, bytes);
     if (context.json) return writeJson(context.out, unit.kind(), reply, findings);
-    for (const Found& found : findings)
+    for (const Finding& found : findings)
         context.out << found.name << '=' << std::visit(AsText{}, found.value) << '\n';
 }
 

@@ -1,6 +1,7 @@
 // firmware: a new firmware for a unit, with all the questions asked before one byte goes out.
 #include <unistd.h>
 
+#include <csignal>
 #include <iostream>
 #include <ostream>
 
@@ -33,11 +34,12 @@ void askFirst(const Context& context) {
     if (trimmed(answer) != consent) throw Failure("Nothing was sent: the upgrade was not confirmed.");
 }
 
-FirmwareFile checkedFile(const std::string& file) {
+/// The text of a whole firmware file.
+std::string checkedFile(const std::string& file) {
+    std::string text = readFirmwareFile(file);
     try {
-        return checkFirmwareFile(file);
-    } catch (const FileError&) {
-        throw;
+        checkFirmware(text);
+        return text;
     } catch (const Failure& failure) {
         throw Failure(file + " is no whole firmware file. " + failure.what() +
                       " Nothing was sent to the unit.");
@@ -51,8 +53,14 @@ void refuseForeignFile(const UnitKind& kind, const std::string& file) {
                   " begins with " + std::string(kind.firmwarePrefix) + ". Nothing was sent to the unit.");
 }
 
+/// Whom the firmware is for.
+struct Target {
+    std::string name;  ///< for the line of result
+    int slot = 0;
+};
+
 /// Who is there, or who the user says is there. Throws where the firmware is not for that unit.
-std::string unitForFirmware(LinkDesk& desk, const FirmwareWish& wish) {
+Target unitForFirmware(LinkDesk& desk, const FirmwareWish& wish) {
     const UnitKind* named = wish.kindWithoutFirmware.empty() ? nullptr : unitKindOf(wish.kindWithoutFirmware);
     const Found found = desk.search();
     if (found == Found::Nobody) {
@@ -62,7 +70,7 @@ std::string unitForFirmware(LinkDesk& desk, const FirmwareWish& wish) {
         }
         refuseForeignFile(*named, wish.file);
         desk.link().firmwareLost(true);
-        return modelOf(*named);
+        return {modelOf(*named), named->slot};
     }
     if (found == Found::OldFirmware) {
         throw Failure(desk.unitName() +
@@ -72,7 +80,7 @@ std::string unitForFirmware(LinkDesk& desk, const FirmwareWish& wish) {
     const UnitKind& kind = desk.session().linkedUnit().kind();
     if (named != nullptr && named->slot != kind.slot) throw Failure(std::string(incorrectUnit));
     refuseForeignFile(kind, wish.file);
-    return desk.unitName();
+    return {desk.unitName(), kind.slot};
 }
 
 std::string howFar(const TransferEnd& end) {
@@ -110,17 +118,20 @@ std::string whatABreakLeaves(const TransferEnd& end) {
 }  // namespace
 
 void firmware(const Context& context, const std::string& port, const FirmwareWish& wish) {
-    checkedFile(wish.file);
+    const std::string text = checkedFile(wish.file);
     if (!wish.confirmed) askFirst(context);
     QuietHost host(context.database);
     LinkDesk desk(context, port, host);
-    const std::string unit = unitForFirmware(desk, wish);
+    const Target unit = unitForFirmware(desk, wish);
     desk.stopOnSecondSignal(breakOffWarning);
-    const TransferEnd end = desk.session().transfer(TransferMode::Firmware, wish.file);
+    // Who reads along may be gone, as a "| tee" by the same Ctrl-C: a word that nobody hears must not end
+    // this.
+    std::signal(SIGPIPE, SIG_IGN);
+    const TransferEnd end = desk.session().transferFirmware(wish.file, text, unit.slot);
     desk.clearProgress();
     if (end.ending == Ending::Stopped) throw Interrupted(whatABreakLeaves(end), desk.signal());
     if (end.ending != Ending::Done) throw Failure(whyNotUpgraded(end));
-    context.out << unit << ": " << programmed << ' ' << loadCalibration << '\n';
+    context.out << unit.name << ": " << programmed << ' ' << loadCalibration << '\n';
 }
 
 }  // namespace zentaq::ctl

@@ -22,6 +22,8 @@ namespace zentaq::ctl {
 namespace {
 
 constexpr double usPerSecond = 1e6;
+/// Thirty years; more is as good as no end.
+constexpr double longestSeconds = 1e9;
 
 /// What a line a second shows.
 constexpr std::array<std::string_view, 14> glance = {"RPM",   "MAP",   "TPS",     "CLT",  "MAT",
@@ -139,7 +141,9 @@ std::unique_ptr<std::ofstream> openLog(const std::string& file) {
 HeadlessMonitor::Wishes wishesOf(const Context& context, const MonitorWish& wish, FrameWriter& writer,
                                  std::ostream* log) {
     HeadlessMonitor::Wishes wishes;
-    if (wish.seconds) wishes.durationUs = static_cast<std::int64_t>(*wish.seconds * usPerSecond);
+    if (wish.seconds) {
+        wishes.durationUs = static_cast<std::int64_t>(std::min(*wish.seconds, longestSeconds) * usPerSecond);
+    }
     wishes.log = log;
     if (wish.form == MonitorForm::Csv) wishes.onFrame = [&](std::int64_t us) { writer.csv(us); };
     if (wish.form == MonitorForm::Json) wishes.onFrame = [&](std::int64_t us) { writer.json(us); };

@@ -41,6 +41,8 @@ void writeTimes(std::ostream& out, const std::vector<double>& ms) {
 void writeCommands(std::ostream& out, const TraceSummary& summary) {
     out << "Command   written   replies    min ms    median      95 %       max  in lumps  problems\n";
     for (const auto& [key, command] : summary.commands) {
+        // Bytes that were under way at the beginning belong to no command.
+        if (command.written + command.replies + command.problems == 0) continue;
         out << onLeft(key, 7) << onRight(numberText(command.written), 10)
             << onRight(numberText(command.replies), 10);
         writeTimes(out, command.replyMs);
@@ -48,23 +50,59 @@ void writeCommands(std::ostream& out, const TraceSummary& summary) {
     }
 }
 
+std::string seconds(std::int64_t us) {
+    return tenths(static_cast<double>(us) / 1e6) + " s";
+}
+
+std::string troubledCommands(const ProblemSummary& problem) {
+    std::string text;
+    for (const auto& [key, count] : problem.commands) {
+        text += (text.empty() ? ", at " : ", ") + key;
+        if (count > 1) text += " " + numberText(count) + " times";
+    }
+    return text;
+}
+
+void writeProblem(std::ostream& out, const std::string& kind, const ProblemSummary& problem) {
+    out << "  " << onLeft(kind, 10) << onRight(numberText(problem.count), 6) << "  ";
+    if (problem.count > 1) out << "first ";
+    out << "at " << seconds(problem.firstUs);
+    if (problem.count > 1) out << ", last at " << seconds(problem.lastUs);
+    out << troubledCommands(problem) << '\n';
+}
+
+/// What happened first stands first: a short answer before the lost link that follows from it.
+void writeProblems(std::ostream& out, const TraceSummary& summary) {
+    if (summary.problems.empty()) {
+        out << "Problems: none\n";
+        return;
+    }
+    using Row = const std::pair<const std::string, ProblemSummary>*;
+    std::vector<Row> rows;
+    for (const auto& row : summary.problems) rows.push_back(&row);
+    std::ranges::sort(rows, {}, [](Row row) { return row->second.rank; });
+    out << "Problems:\n";
+    for (const Row row : rows) writeProblem(out, row->first, row->second);
+}
+
+void writeFrames(std::ostream& out, const TraceSummary& summary) {
+    if (summary.frames == 0) return;
+    out << ", " << many(summary.frames, "live frame", "live frames") << ", "
+        << tenths(summary.framesPerSecond) << " a second while they came";
+    if (summary.longestPauseMs <= 0) return;
+    out << ", longest pause " << tenths(summary.longestPauseMs) << " ms, until "
+        << seconds(summary.pauseEndUs);
+}
+
 void writeSummary(std::ostream& out, const TraceFile& trace, const TraceSummary& summary) {
     out << "Trace of Zentaq4 " << trace.program << ", begun " << trace.begun << "; port " << trace.port
         << "\n"
         << many(summary.lines, "line", "lines") << " in " << tenths(summary.seconds) << " s";
-    if (summary.frames > 0) {
-        out << ", " << many(summary.frames, "live frame", "live frames") << ", "
-            << tenths(summary.framesPerSecond) << " a second while they came";
-    }
+    writeFrames(out, summary);
     out << '\n';
+    for (const std::string& unit : summary.units) out << "Unit: " << unit << '\n';
     if (!summary.commands.empty()) writeCommands(out, summary);
-    out << "Problems: " << (summary.problems.empty() ? "none" : "");
-    const char* between = "";
-    for (const auto& [kind, count] : summary.problems) {
-        out << between << count << ' ' << kind;
-        between = ", ";
-    }
-    out << '\n';
+    writeProblems(out, summary);
 }
 
 // ---- JSON
@@ -86,6 +124,14 @@ void writeCommand(JsonWriter& json, const CommandSummary& command) {
     json.member("inLumps", command.lumped).member("problems", command.problems).endObject();
 }
 
+void writeProblem(JsonWriter& json, const ProblemSummary& problem) {
+    json.beginObject().member("count", problem.count);
+    json.member("firstMs", static_cast<double>(problem.firstUs) / 1000);
+    json.member("lastMs", static_cast<double>(problem.lastUs) / 1000).key("commands").beginObject();
+    for (const auto& [key, count] : problem.commands) json.member(key, count);
+    json.endObject().endObject();
+}
+
 void writeJson(std::ostream& out, const TraceFile& trace, const std::vector<std::size_t>& shown,
                const TraceSummary& summary, bool lines) {
     JsonWriter json(out);
@@ -98,10 +144,14 @@ void writeJson(std::ostream& out, const TraceFile& trace, const std::vector<std:
     }
     json.key("summary").beginObject();
     json.member("lines", summary.lines).member("seconds", summary.seconds).member("frames", summary.frames);
-    json.member("framesPerSecond", summary.framesPerSecond).key("commands").beginObject();
+    json.member("framesPerSecond", summary.framesPerSecond);
+    json.member("longestPauseMs", summary.longestPauseMs);
+    json.member("pauseEndMs", static_cast<double>(summary.pauseEndUs) / 1000).key("units").beginArray();
+    for (const std::string& unit : summary.units) json.value(std::string_view(unit));
+    json.endArray().key("commands").beginObject();
     for (const auto& [key, command] : summary.commands) writeCommand(json.key(key), command);
     json.endObject().key("problems").beginObject();
-    for (const auto& [kind, count] : summary.problems) json.member(kind, count);
+    for (const auto& [kind, problem] : summary.problems) writeProblem(json.key(kind), problem);
     json.endObject().endObject().endObject();
     out << '\n';
 }

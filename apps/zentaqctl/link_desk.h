@@ -64,6 +64,10 @@ class LinkDesk {
     /// Opens the port. Throws NoUnit where that fails. `calibration` as in HeadlessSession.
     LinkDesk(const Context& context, const std::string& port, UnitHost& unitHost,
              Unit* calibration = nullptr);
+    /// Closes the port while whoever reads along is still there to see it.
+    ~LinkDesk() { port_.close(); }
+    LinkDesk(const LinkDesk&) = delete;
+    LinkDesk& operator=(const LinkDesk&) = delete;
 
     /// Finds out who is there. Throws NoUnit where nobody is, Failure where the unit takes no commands.
     void findUnit();

@@ -1,5 +1,8 @@
 // zentaqctl: reads, changes, compares and converts calibration files without a window. The command line
 // stands in command_line.cpp, the commands in commands_*.cpp.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <exception>
@@ -61,6 +64,16 @@ int runCommand(const zentaq::ctl::Run& command, bool json) {
     return status;
 }
 
+/// A port or a file that is opened where a standard stream was closed would get what is meant for the reader.
+/// What is written to such a stream fails as before.
+void fillStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(stream, F_GETFD) != -1) continue;
+        // The lowest free descriptor is this one.
+        if (::open("/dev/null", O_RDONLY) != stream) return;
+    }
+}
+
 int runProgram(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
     zentaq::ctl::CommandLine commandLine;
@@ -75,6 +88,7 @@ int runProgram(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    fillStandardStreams();
     try {
         return runProgram(argc, argv);
     } catch (const std::exception& failure) {

@@ -356,7 +356,11 @@ void MainCommands::firmwareUpgrade() {
                                                    .buttons = Buttons::OkCancel});
     if (answer != Answer::Ok) return;
     const std::string path = chooseFirmware();
-    if (!path.empty() && firmwareIsValid(path)) startFirmware(path);
+    if (path.empty()) return;
+    const int slot = slotForFirmware();
+    if (!firmwareIsValid(path, slot)) return;
+    const std::optional<std::string> text = readFirmware(path);
+    if (text) startFirmware(path, *text, slot != 0 ? slot : slotOfFirmware(fileNameOf(path)));
 }
 
 std::string MainCommands::chooseFirmware() {
@@ -367,20 +371,31 @@ std::string MainCommands::chooseFirmware() {
     return session_.dialogs().openFile(request);
 }
 
-bool MainCommands::firmwareIsValid(const std::string& path) {
-    // A unit that has lost its firmware cannot say what it is: then the calibration in hand does, and without
-    // one any name is taken, or such a unit could not be mended.
+// A unit that has lost its firmware cannot say what it is: then the run that broke off knows it, or the
+// calibration in hand, and without one any name is taken, or such a unit could not be mended.
+int MainCommands::slotForFirmware() const {
     const int linked = session_.link.linked().LinkedUnitKind;
-    const Unit& unit = session_.Units(linked != 0 ? linked : session_.currentUnit());
-    if (!unit.ValidFirmware(fileNameOf(path))) {
-        session_.dialogs().show({"Invalid Firmware", "This firmware file is not valid for this unit.",
-                                 Icon::Critical, Buttons::Ok});
-        return false;
-    }
-    // The transfer itself takes any lines, and a file that runs out for a success. A unit would be left with
-    // half a firmware, so nothing goes out of a file that is not whole.
-    return endOnFailure(
-        [&] { checkFirmwareFile(path); },
+    if (linked != 0) return linked;
+    const int lost = session_.link.firmwareLostSlot();
+    return lost != 0 ? lost : session_.currentUnit();
+}
+
+bool MainCommands::firmwareIsValid(const std::string& path, int slot) {
+    if (session_.Units(slot).ValidFirmware(fileNameOf(path))) return true;
+    session_.dialogs().show(
+        {"Invalid Firmware", "This firmware file is not valid for this unit.", Icon::Critical, Buttons::Ok});
+    return false;
+}
+
+// The transfer itself takes any lines, and a file that runs out for a success. A unit would be left with half
+// a firmware, so nothing goes out of a file that is not whole.
+std::optional<std::string> MainCommands::readFirmware(const std::string& path) {
+    std::string text;
+    const bool whole = endOnFailure(
+        [&] {
+            text = readFirmwareFile(path);
+            checkFirmware(text);
+        },
         [&](const std::string& why) {
             session_.sysLog("Firmware file not sent: " + why);
             session_.dialogs().show(
@@ -389,14 +404,15 @@ bool MainCommands::firmwareIsValid(const std::string& path) {
                      "\nNothing was sent to the unit.  Please get the file anew and try again.",
                  Icon::Critical, Buttons::Ok});
         });
+    return whole ? std::optional(std::move(text)) : std::nullopt;
 }
 
-void MainCommands::startFirmware(const std::string& path) {
+void MainCommands::startFirmware(const std::string& path, const std::string& text, int slot) {
     // The boxes let other commands in.
     if (refusedByTransfer()) return;
     session_.link.AutoPollSuspended(true);
     session_.windows().removeForms();
-    endOnFailure([&] { session_.link.Program_Unit(TransferMode::Firmware, path); },
+    endOnFailure([&] { session_.link.programFirmware(path, text, slot); },
                  [&](const std::string& why) {
                      session_.sysLog("Firmware not sent: " + why);
                      session_.link.AutoPollSuspended(false);
@@ -491,6 +507,8 @@ void MainCommands::choosePort(int number) {
     session_.settings().set("System", "CommPort", numberText(number));
     session_.link.editStatus().port = numberText(number);
     session_.link.ORB_Initialize();
+    // Another unit may be there, and an idle link would take it for the one of the former port.
+    session_.link.Send_ORB_Command("E");
 }
 
 void MainCommands::loadCommand(int code) {

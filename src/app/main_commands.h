@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "app/session.h"
@@ -77,10 +78,14 @@ class MainCommands {
     /// cancelled.
     bool saveCurrent();
     bool saveUnderNewName();
-    /// The firmware file of the user's choice, whole and for this unit; empty when there is none.
+    /// The firmware file of the user's choice; empty when there is none.
     std::string chooseFirmware();
-    bool firmwareIsValid(const std::string& path);
-    void startFirmware(const std::string& path);
+    /// The slot of the unit that a firmware will go to; 0 when nobody knows.
+    int slotForFirmware() const;
+    bool firmwareIsValid(const std::string& path, int slot);
+    /// The text of a whole firmware file; nothing, after a box, of any other.
+    std::optional<std::string> readFirmware(const std::string& path);
+    void startFirmware(const std::string& path, const std::string& text, int slot);
     /// Saves and tells a failure. True when the file is whole on the disk.
     bool saveChecked();
 

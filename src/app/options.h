@@ -50,7 +50,7 @@ struct OptionRow {
 
 /// Updates a second that the slider can yield; it cannot yield 0.
 inline constexpr int slowestUpdateRate = 1;
-inline constexpr int fastestUpdateRate = 100;
+inline constexpr int fastestUpdateRate = 125;
 
 std::span<const OptionPageRow> optionPages();
 std::span<const OptionRow> optionTable();

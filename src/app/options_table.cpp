@@ -223,7 +223,7 @@ constexpr std::array table{
               .page = OptionPage::Dashboard,
               .kind = Slider,
               .key = settings::ADUR,
-              .design = "100",  // what an empty setting gives: one update in 10 ms
+              .design = "125",  // what an empty setting gives: one update in 8 ms
               .helpKey = "helpoptdash",
               .help = "How often a second the unit is asked for its values. Lower it when the link cannot "
                       "keep up.",

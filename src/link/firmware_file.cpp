@@ -1,11 +1,12 @@
 #include "link/firmware_file.h"
 
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <optional>
 
 #include "base/errors.h"
+#include "unit/unit_kind.h"
 
 namespace zentaq {
 
@@ -113,7 +114,7 @@ FirmwareFile checkFirmware(std::string_view text) {
     return file;
 }
 
-FirmwareFile checkFirmwareFile(const std::string& path) {
+std::string readFirmwareFile(const std::string& path) {
     std::error_code error;
     if (!std::filesystem::is_regular_file(path, error)) throw FileError("Cannot open " + path);
     const auto size = std::filesystem::file_size(path, error);
@@ -121,9 +122,22 @@ FirmwareFile checkFirmwareFile(const std::string& path) {
     if (size > largestFirmwareFile) throw FileError(path + " is too large for a firmware");
     std::ifstream file(path, std::ios::binary);
     if (!file) throw FileError("Cannot open " + path);
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    if (file.bad()) throw FileError("Cannot read " + path);
-    return checkFirmware(text);
+    std::string text(static_cast<std::size_t>(size), '\0');
+    // A file that grows or shrinks while it is read is being written: none that anybody should send.
+    if (!file.read(text.data(), static_cast<std::streamsize>(size)) || file.get() != EOF) {
+        throw FileError("Cannot read " + path);
+    }
+    return text;
+}
+
+int slotOfFirmware(std::string_view fileName) {
+    constexpr int lastSlot = 8;
+    for (int slot = 1; slot <= lastSlot; ++slot) {
+        const UnitKind* kind = unitKindOfSlot(slot);
+        if (kind == nullptr || kind->firmwarePrefix.empty()) continue;
+        if (fileName.starts_with(kind->firmwarePrefix)) return slot;
+    }
+    return 0;
 }
 
 std::string firmwareWarning() {

@@ -22,8 +22,12 @@ inline constexpr std::size_t largestFirmwareFile = std::size_t{16} << 20;
 /// text, one without data and one that does not end in its only end record (S7, S8 or S9) are refused too.
 FirmwareFile checkFirmware(std::string_view text);
 
-/// The same for a file. Throws FileError where it cannot be read, is no regular file or is too large.
-FirmwareFile checkFirmwareFile(const std::string& path);
+/// The whole text of a firmware file, not looked at. What was checked is then what is sent, whatever becomes
+/// of the file meanwhile. Throws FileError where it cannot be read, is no regular file or is too large.
+std::string readFirmwareFile(const std::string& path);
+
+/// Slot of the first unit kind whose firmware files have such a name; 0 where none does.
+int slotOfFirmware(std::string_view fileName);
 
 /// What a user is told before a firmware upgrade; lines are separated by '\n'.
 std::string firmwareWarning();

@@ -30,7 +30,9 @@ std::string tenths(double ms) {
 
 void FrameTiming::written(std::string_view bytes, std::int64_t nowUs) {
     if (!isFrameRequest(bytes)) {
-        // What the program does meanwhile for others is no share of this frame.
+        // What the program does meanwhile for others is no share of this frame; one that was never answered
+        // must not take the answer of another command for its own.
+        if (frame_ && !frame_->delivered) frame_.reset();
         if (frame_) frame_->alone = false;
         return;
     }

@@ -100,9 +100,17 @@ Ending HeadlessSession::readCodes() {
 // ---- Transfers
 
 TransferEnd HeadlessSession::transfer(TransferMode mode, const std::string& path) {
+    return passUntilEnd(mode, [&] { link_.Program_Unit(mode, path); });
+}
+
+TransferEnd HeadlessSession::transferFirmware(const std::string& path, const std::string& text, int slot) {
+    return passUntilEnd(TransferMode::Firmware, [&] { link_.programFirmware(path, text, slot); });
+}
+
+TransferEnd HeadlessSession::passUntilEnd(TransferMode mode, const std::function<void()>& start) {
     closing_ = {};
     mode_ = mode;
-    link_.Program_Unit(mode, path);
+    start();
     while (closing_.message == 0) {
         if (stopWanted() && mayStop()) {
             return {Ending::Stopped, link_.TransferLine(), linesOfFile(), 0};

@@ -84,8 +84,10 @@ class HeadlessSession : public LinkHost {
     Ending readCodes();
     /// Runs a bulk transfer to its end; `path` as in Link::Program_Unit, whose failures it throws.
     /// A stop waits for the answer to the line in flight, and for the end when that is the last line.
-    /// A firmware needs no unit that was found: its start goes out all the same.
     TransferEnd transfer(TransferMode mode, const std::string& path = {});
+    /// The same for a firmware, as in Link::programFirmware. It needs no unit that was found: its start goes
+    /// out all the same.
+    TransferEnd transferFirmware(const std::string& path, const std::string& text, int slot);
 
     /// One step: time passes, the status is shown. For callers that wait for something else.
     void pass();
@@ -135,6 +137,7 @@ class HeadlessSession : public LinkHost {
 
     bool idle() const;
     void passUntilIdle();
+    TransferEnd passUntilEnd(TransferMode mode, const std::function<void()>& start);
     bool mayStop() const;
     int linesOfFile() const;
     Ending answer() const;

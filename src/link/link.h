@@ -7,6 +7,7 @@
 #include <fstream>
 #include <functional>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -79,6 +80,9 @@ class Link : private LineWatch {
     /// searched or a tick is being handled; nothing has been queued then. The first failure also lets polling
     /// go on (AutoPollSuspended false).
     void Program_Unit(TransferMode mode, const std::string& path);
+    /// The same for a firmware that has been read: `text` goes out, `path` is only told. `slot`: the kind
+    /// that it is for, where no unit on the link tells; 0: not known.
+    void programFirmware(const std::string& path, std::string text, int slot);
     /// Closes a bulk transfer, tells the user how it ended and lets polling go on.
     void End_Transfer(bool success);
 
@@ -110,6 +114,8 @@ class Link : private LineWatch {
     /// has come since. A caller that knows it of a unit from elsewhere says so.
     bool firmwareLost() const { return firmwareLost_; }
     void firmwareLost(bool lost) { firmwareLost_ = lost; }
+    /// The kind of the unit that lost its firmware, as the run was for; 0: none did, or not known.
+    int firmwareLostSlot() const { return firmwareLost_ ? firmwareSlot_ : 0; }
     bool OnFlyBusy() const { return onFlyBusy_; }
     bool AutoPollSuspended() const { return autoPollSuspended_; }
     void AutoPollSuspended(bool on) { autoPollSuspended_ = on; }
@@ -205,6 +211,7 @@ class Link : private LineWatch {
     void replyZeroAdvance(const Reply& reply);
     bool readSerialNumber(const Reply& reply);
     bool findUnitKind();
+    void leaveFormerUnit();
     void fillDashboardDefaults();
     void acceptUnit(std::string_view text);
     void warnOldFirmware();
@@ -217,12 +224,15 @@ class Link : private LineWatch {
 
     // Transfers
     void startCalibration();
-    void startFirmware(const std::string& path);
+    void startTransfer(const std::function<void()>& start);
+    void startFirmware(const std::string& path, std::string text, int slot);
     void startDatalog(const std::string& path);
     void queueTransfer(std::string_view key);
     void openTransferFile(const std::string& path, std::ios::openmode mode);
     void closeTransferFile();
     bool Send_Next_Line();
+    bool nextLine(std::string& line);
+    int slotOfTransfer() const;
     bool firmwareWaits() const;
     int firmwareFailure();
     void reportSuccess(std::string_view key);
@@ -268,8 +278,11 @@ class Link : private LineWatch {
     std::string responseHeader_;
     std::vector<std::uint8_t> rxBuffer_;
     bool firmwareLost_ = false;
+    int firmwareSlot_ = 0;      ///< the kind that the last firmware was for; 0: not known
+    bool lineBroke_ = false;    ///< the line was not there all the time since a firmware run began
     std::string openTransfer_;  ///< key of a transfer from its start to its end, on the wire or still queued
     std::fstream transferStream_;
+    std::istringstream firmwareText_;  ///< what a firmware run sends
 };
 
 }  // namespace zentaq

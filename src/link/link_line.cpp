@@ -84,6 +84,7 @@ bool Link::frameInDoubt() {
 
 void Link::adapterLost(const PortInfo& port) {
     adapterAway_ = true;
+    lineBroke_ = true;
     adapterLine_ = nameOf(port) + " (" + port.device + ") has gone.";
     adapterNews_ = AdapterNews::Lost;
     log("COMM: " + adapterLine_ + " Looking for it.");

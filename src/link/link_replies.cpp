@@ -184,9 +184,18 @@ bool Link::findUnitKind() {
         linked_.SerialNumber = 0;
         return false;
     }
+    if (linked_.UnitIdentified && linked_.LinkedUnitKind != range->slot) leaveFormerUnit();
     linked_.LinkedUnitKind = range->slot;
     if (!linked_.UnitFound) show(&LinkStatus::unitLabel, range->label);
     return true;
+}
+
+// Another kind has taken the place of the unit that was identified, with no silence between them. Changes on
+// the fly, a transfer and whatever else waits were meant for that one.
+void Link::leaveFormerUnit() {
+    if (transferPending()) skipFailing([&] { End_Transfer(false); });
+    transferActive_ = false;
+    loseLink(FirmwareRestore::IfUnitKnown);
 }
 
 void Link::fillDashboardDefaults() {

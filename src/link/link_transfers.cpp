@@ -4,6 +4,7 @@
 
 #include "base/errors.h"
 #include "base/text.h"
+#include "link/firmware_file.h"
 #include "link/link.h"
 #include "link/link_commands.h"
 #include "live/datalog_writer.h"
@@ -25,12 +26,18 @@ enum Message {
     UnitLost = 1009
 };
 
-/// Lines of a text file; a last line without an end counts. Throws FileError.
+/// Lines of a text; a last line without an end counts.
+int lineCount(std::istream& text) {
+    int lines = 0;
+    for (std::string line; std::getline(text, line);) ++lines;
+    return lines;
+}
+
+/// Lines of a text file. Throws FileError.
 int ORB_File_Length(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file) throw FileError("Cannot open " + path);
-    int lines = 0;
-    for (std::string line; std::getline(file, line);) ++lines;
+    const int lines = lineCount(file);
     if (file.bad()) throw FileError("Cannot read " + path);
     return lines;
 }
@@ -38,18 +45,28 @@ int ORB_File_Length(const std::string& path) {
 }  // namespace
 
 void Link::Program_Unit(TransferMode mode, const std::string& path) {
-    if (transferPending()) throw Failure("A transfer is already running.");
-    // The search would cut the line of the transfer; a tick that loses the link would drop its command.
-    if (searching_ || handling_) throw Failure("The link is busy.");
-    try {
+    startTransfer([&] {
         switch (mode) {
             case TransferMode::Calibration:
                 return startCalibration();
             case TransferMode::Firmware:
-                return startFirmware(path);
+                return startFirmware(path, readFirmwareFile(path), 0);
             case TransferMode::Datalog:
                 return startDatalog(path);
         }
+    });
+}
+
+void Link::programFirmware(const std::string& path, std::string text, int slot) {
+    startTransfer([&] { startFirmware(path, std::move(text), slot); });
+}
+
+void Link::startTransfer(const std::function<void()>& start) {
+    if (transferPending()) throw Failure("A transfer is already running.");
+    // The search would cut the line of the transfer; a tick that loses the link would drop its command.
+    if (searching_ || handling_) throw Failure("The link is busy.");
+    try {
+        start();
     } catch (...) {
         closeTransferFile();
         removeProgress();
@@ -72,12 +89,22 @@ void Link::startCalibration() {
     transferLines_ = lines;
 }
 
-void Link::startFirmware(const std::string& path) {
+void Link::startFirmware(const std::string& path, std::string text, int slot) {
     log("Attempting Firmware Upgrade, Sending File... ");
     log("  - " + path);
-    const int lines = ORB_File_Length(path) + 1;
+    closeTransferFile();
+    firmwareText_.str(std::move(text));
+    const int lines = lineCount(firmwareText_) + 1;
+    firmwareText_.clear();
+    firmwareText_.seekg(0);
     startProgress();
-    openTransferFile(path, std::ios::in);
+    // A second run for the same unit knows no less of it than the one that broke off.
+    if (linked_.LinkedUnitKind != 0) {
+        firmwareSlot_ = linked_.LinkedUnitKind;
+    } else if (slot != 0 || !firmwareLost_) {
+        firmwareSlot_ = slot;
+    }
+    lineBroke_ = adapterAway_ || !port_.isOpen();
     queueTransfer("P3");
     transferLines_ = lines;
 }
@@ -108,13 +135,27 @@ void Link::openTransferFile(const std::string& path, std::ios::openmode mode) {
 void Link::closeTransferFile() {
     if (transferStream_.is_open()) transferStream_.close();
     transferStream_.clear();
+    firmwareText_.str({});
+    firmwareText_.clear();
+}
+
+// From memory, so that a disk that is pulled, or a file that is written to, does not leave half a firmware.
+bool Link::nextLine(std::string& line) {
+    std::istream& lines = firmwarePending() ? static_cast<std::istream&>(firmwareText_) : transferStream_;
+    return static_cast<bool>(std::getline(lines, line));
+}
+
+// The poll in front of a firmware may have taken along what was known of the unit, and one without firmware
+// tells nothing: then the kind that the firmware is for decides.
+int Link::slotOfTransfer() const {
+    return linked_.LinkedUnitKind == 0 && firmwarePending() ? firmwareSlot_ : linked_.LinkedUnitKind;
 }
 
 bool Link::Send_Next_Line() {
     skipFailing([&] { yield_.yield(); });
     showCommandStatus(commandKey(currentCommand_));
     std::string line;
-    if (!std::getline(transferStream_, line)) {
+    if (!nextLine(line)) {
         // kept: a file that runs out with no "PN" counts as a success, an empty file too.
         // Only a read that fails for another reason is none.
         End_Transfer(!transferStream_.bad());
@@ -124,7 +165,7 @@ bool Link::Send_Next_Line() {
     }
     if (line.ends_with('\r')) line.pop_back();
     stepProgress(transferLine_, transferLines_);
-    if (linked_.LinkedUnitKind != orbaKindNumber) line += "\r\n";
+    if (slotOfTransfer() != orbaKindNumber) line += "\r\n";
     // In front of what a user queued during the transfer: that waits until the transfer is over, and the
     // unit sees nothing but lines between the first and the last one.
     queueInFront(std::move(line));
@@ -167,7 +208,10 @@ void Link::reportSuccess(std::string_view key) {
 
 void Link::reportFailure(std::string_view key) {
     skipFailing([&] { host_.addToLastLine("FAIL!"); });
-    log("PROCESS FAILED - EXITED ABNORMALLY.");
+    constexpr std::string_view failed = "PROCESS FAILED - EXITED ABNORMALLY.";
+    log(failed);
+    // Else the panel would go on asking for patience where nothing is polled.
+    COMM_StatusMessage("Transfer failed", failed, "", "Warning");
     const int message = key == "P3" ? firmwareFailure() : key == "P1" ? CalibrationFailed : LogFailed;
     skipFailing([&] { host_.displayMessage(message); });
 }
@@ -183,8 +227,8 @@ int Link::firmwareFailure() {
         return FirmwareFailed;
     }
     if (!firmwareLost_) return FirmwareNotStarted;
-    // It speaks, or nothing could reach it: there is hope yet.
-    return asked && !responseReady_ && port_.isOpen() ? UnitLost : FirmwareFailed;
+    // It speaks, or the line was not there to reach it: there is hope yet.
+    return asked && !responseReady_ && port_.isOpen() && !lineBroke_ ? UnitLost : FirmwareFailed;
 }
 
 bool Link::firmwareWaits() const {

@@ -1,5 +1,6 @@
 // The physical end of the link: opening and closing, writing, receiving, the port search, the status display.
 #include <algorithm>
+#include <utility>
 
 #include "base/errors.h"
 #include "base/number_text.h"
@@ -14,6 +15,8 @@ namespace {
 
 constexpr int highestSearchedPort = 12;
 constexpr std::int64_t searchWaitUs = 50'000;
+/// A little more than the line's own patience, should the ticks stand still.
+constexpr std::int64_t longestRestUs = 150'000;
 
 struct StateRow {
     std::string_view state;
@@ -102,6 +105,7 @@ void Link::tellTrouble(const std::string& trouble) {
 void Link::RS232_Close() {
     if (port_.isOpen()) skipFailing([&] { port_.close(); });
     adapterAway_ = false;
+    adapterNews_ = AdapterNews::None;
     log("COMM: Connection with ORB terminated.");
 }
 
@@ -141,12 +145,16 @@ int Link::searchPorts() {
 
 bool Link::waitForUnit() {
     // The port was reopened: a frame in flight will not be answered, and those that the pollers queued would
-    // outlast the 50 ms. The search asks first.
-    currentCommand_.clear();
+    // outlast the 50 ms. The search asks first, behind what may still be on its way of that frame.
+    if (!std::exchange(currentCommand_, {}).empty()) restLine();
     queueInFront("E");
+    const std::int64_t quiet = clock_.monotonicUs() + longestRestUs;
+    while (restTicks_ > 0 && clock_.monotonicUs() < quiet) yield_.yield();
     const std::int64_t end = clock_.monotonicUs() + searchWaitUs;
     while (clock_.monotonicUs() < end) yield_.yield();
-    PROCESS_RESPONSE();
+    // Once a tick has found the unit, RxBuffer holds an answer that has been handled; taken for that of the
+    // command now in flight it would pass for a frame or a configuration.
+    if (linked_.SerialNumber == 0) PROCESS_RESPONSE();
     return linked_.SerialNumber != 0;
 }
 

@@ -13,6 +13,9 @@ constexpr int firingsBetweenSearches = 10;
 constexpr int firingsBetweenGpio = 3;
 constexpr int firingsBetweenCodes = 50;
 constexpr int queueLimit = 5;
+/// Where the firings ask for more than the wire carries, the frame of each firing takes the one place that
+/// got free, and what comes behind it would never go out. After so many firings in vain it goes first once.
+constexpr int firingsInVain = 25;
 constexpr double longestIntervalMs = 1e9;
 
 }  // namespace
@@ -71,17 +74,38 @@ void Poller::pollUnit() {
 
 void Poller::queuePolls(bool gpioReq) {
     const bool wide = link_.linked().WideMonitor;
+    const bool gpioDue = gpioReq && gpioCount_ >= firingsBetweenGpio && !wide;
+    const bool gpioFirst = gpioInVain_ >= firingsInVain;
+    const bool codesFirst = codesInVain_ >= firingsInVain;
+    if (gpioFirst) queueGpio(gpioDue);
+    if (codesFirst) queueCodes();
     if (roomInQueue()) link_.Send_ORB_Command(wide ? "W" : "F");
-    if (gpioReq && gpioCount_ >= firingsBetweenGpio && roomInQueue() && !wide) {
-        link_.Send_ORB_Command("I");
-        gpioCount_ = 0;
-    }
-    if (codeCount_ >= firingsBetweenCodes && roomInQueue()) {
-        if (refreshCodes_) refreshCodes_();
-        codeCount_ = 0;
-    }
+    if (!gpioFirst) queueGpio(gpioDue);
+    if (!codesFirst) queueCodes();
     if (gpioReq) ++gpioCount_;
     if (codeCount_ < firingsBetweenCodes) ++codeCount_;
+}
+
+void Poller::queueGpio(bool due) {
+    if (!due) return;
+    if (!roomInQueue()) {
+        ++gpioInVain_;
+        return;
+    }
+    link_.Send_ORB_Command("I");
+    gpioCount_ = 0;
+    gpioInVain_ = 0;
+}
+
+void Poller::queueCodes() {
+    if (codeCount_ < firingsBetweenCodes) return;
+    if (!roomInQueue()) {
+        ++codesInVain_;
+        return;
+    }
+    if (refreshCodes_) refreshCodes_();
+    codeCount_ = 0;
+    codesInVain_ = 0;
 }
 
 bool Poller::roomInQueue() const {

@@ -16,8 +16,9 @@ struct PollerView {
 };
 
 /// The timer's interval in ms from the setting ADUR (updates a second): the whole part of 1 / ADUR x 1000,
-/// never below 1. An empty value, zero or less and a text that is no number give `defaultPollIntervalMs`.
-inline constexpr int defaultPollIntervalMs = 10;
+/// never below 1. An empty value, zero or less and a text that is no number give `defaultPollIntervalMs`:
+/// 125 frames a second, as much as the shortest frame and what goes with it leave room for on the wire.
+inline constexpr int defaultPollIntervalMs = 8;
 int pollIntervalMs(const SettingsStore& settings);
 
 class Poller {
@@ -40,6 +41,8 @@ class Poller {
     void searchUnit();
     void pollUnit();
     void queuePolls(bool gpioReq);
+    void queueGpio(bool due);
+    void queueCodes();
     bool roomInQueue() const;
 
     Link& link_;
@@ -48,6 +51,8 @@ class Poller {
     int connectCount_ = 0;
     int gpioCount_ = 0;
     int codeCount_ = 0;
+    int gpioInVain_ = 0;
+    int codesInVain_ = 0;
     int idleTicks_ = 0;
     bool searching_ = false;  ///< the last firing looked for a unit
 };

@@ -106,6 +106,28 @@ bool isWholeReply(const TraceLine& line) {
            line.problem != trouble::tooShort;
 }
 
+bool isIdentity(const TraceLine& line) {
+    return line.direction == TraceDirection::Received && line.problem.empty() &&
+           (line.command == "E" || line.command == "B");
+}
+
+/// What stands in front of the count of bytes.
+std::string identityWords(std::string_view text) {
+    const auto count = text.rfind(" bytes");
+    const auto end = count == std::string_view::npos ? 0 : text.rfind(", ", count);
+    return std::string(text.substr(0, end == std::string_view::npos ? 0 : end));
+}
+
+/// Notes of the program stand between a command and the time-out that it is told by.
+void addCommandBefore(const TraceFile& trace, std::size_t index, std::vector<std::size_t>& chosen) {
+    const std::size_t end = chosen.empty() ? 0 : chosen.back() + 1;
+    for (std::size_t i = index; i > end; --i) {
+        if (trace.lines[i - 1].direction != TraceDirection::Written) continue;
+        chosen.push_back(i - 1);
+        return;
+    }
+}
+
 double msBetween(const TraceLine& first, const TraceLine& second) {
     return static_cast<double>(second.timeUs - first.timeUs) / 1000;
 }
@@ -116,7 +138,7 @@ class Adder {
     explicit Adder(TraceSummary& summary) : summary_(summary) {}
 
     void take(const TraceLine& line) {
-        if (!line.problem.empty()) ++summary_.problems[line.problem];
+        if (!line.problem.empty()) takeProblem(line);
         if (line.command.empty()) return;
         CommandSummary& command = summary_.commands[line.command];
         if (!line.problem.empty()) ++command.problems;
@@ -126,6 +148,7 @@ class Adder {
         }
         if (isWholeReply(line)) takeReply(command, line);
         if (isFrame(line)) takeFrame(line);
+        if (isIdentity(line)) takeIdentity(line);
     }
 
     void finish() {
@@ -134,6 +157,22 @@ class Adder {
     }
 
  private:
+    void takeProblem(const TraceLine& line) {
+        ProblemSummary& problem = summary_.problems[line.problem];
+        if (++problem.count == 1) {
+            problem.rank = summary_.problems.size();
+            problem.firstUs = line.timeUs;
+        }
+        problem.lastUs = line.timeUs;
+        if (!line.command.empty()) ++problem.commands[line.command];
+    }
+
+    void takeIdentity(const TraceLine& line) {
+        const std::string words = identityWords(line.text);
+        const bool known = std::ranges::find(summary_.units, words) != summary_.units.end();
+        if (!words.empty() && !known) summary_.units.push_back(words);
+    }
+
     void takeReply(CommandSummary& command, const TraceLine& line) {
         if (asked_ == nullptr || asked_->command != line.command) return;
         ++command.replies;
@@ -145,6 +184,10 @@ class Adder {
     void takeFrame(const TraceLine& line) {
         ++summary_.frames;
         const double gapMs = frame_ == nullptr ? longestGapMs + 1 : msBetween(*frame_, line);
+        if (frame_ != nullptr && gapMs > summary_.longestPauseMs) {
+            summary_.longestPauseMs = gapMs;
+            summary_.pauseEndUs = line.timeUs;
+        }
         if (gapMs <= longestGapMs) {
             ++spans_;
             spanMs_ += gapMs;
@@ -199,8 +242,7 @@ std::vector<std::size_t> chosenLines(const TraceFile& trace, const TraceFilter& 
         const bool wanted = inTime(line, filter) && (!filter.problems || !line.problem.empty()) &&
                             (filter.command.empty() || line.command == filter.command);
         if (!wanted) continue;
-        const bool contextMissing = filter.problems && i > 0 && (chosen.empty() || chosen.back() != i - 1);
-        if (contextMissing) chosen.push_back(i - 1);
+        if (filter.problems) addCommandBefore(trace, i, chosen);
         chosen.push_back(i);
     }
     return chosen;

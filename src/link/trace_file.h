@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -31,7 +32,7 @@ struct TraceFilter {
     std::string command;                ///< key; empty for all
     std::optional<double> fromSeconds;  ///< since the trace began
     std::optional<double> toSeconds;
-    bool problems = false;  ///< only what went wrong, each with the line in front of it
+    bool problems = false;  ///< only what went wrong, each behind the command before it
 };
 /// The chosen lines, as indexes in their order.
 std::vector<std::size_t> chosenLines(const TraceFile& trace, const TraceFilter& filter);
@@ -44,13 +45,25 @@ struct CommandSummary {
     std::vector<double> replyMs;  ///< from the command to the whole reply, ascending
 };
 
+/// One kind of trouble.
+struct ProblemSummary {
+    int count = 0;
+    std::size_t rank = 0;      ///< 1 for the kind that came first, 2 for the next one
+    std::int64_t firstUs = 0;  ///< since the trace began
+    std::int64_t lastUs = 0;
+    std::map<std::string, int> commands;  ///< how often at which; the port and the program have none
+};
+
 struct TraceSummary {
     double seconds = 0;  ///< from the first chosen line to the last
     int lines = 0;
     std::map<std::string, CommandSummary> commands;
     int frames = 0;              ///< live frames with a right sum, or without one
     double framesPerSecond = 0;  ///< while they came; 0 for fewer than two
-    std::map<std::string, int> problems;
+    double longestPauseMs = 0;   ///< between two frames
+    std::int64_t pauseEndUs = 0;
+    std::vector<std::string> units;  ///< who said who it is: serial number and kind, firmware and calibration
+    std::map<std::string, ProblemSummary> problems;
 };
 TraceSummary summaryOf(const TraceFile& trace, const std::vector<std::size_t>& chosen);
 

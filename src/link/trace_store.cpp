@@ -1,6 +1,7 @@
 #include "link/trace_store.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -77,7 +78,14 @@ void TraceStore::add(std::string_view line) {
     if (gathered_.size() >= pieceBytes) flush();
 }
 
+// What goes to a file without a name is lost, and nobody would be told.
+void TraceStore::refuseDeleted() const {
+    struct stat found {};
+    if (::fstat(file_.get(), &found) == 0 && found.st_nlink == 0) fail(path_, ENOENT);
+}
+
 void TraceStore::flush() {
+    refuseDeleted();
     std::string_view rest = gathered_;
     while (!rest.empty()) {
         const auto count = ::write(file_.get(), rest.data(), rest.size());

@@ -16,7 +16,8 @@ class TraceStore {
     /// The first lines of a file; `part` counts the files of a trace from 1.
     using Head = std::function<std::string(int part)>;
 
-    static constexpr std::size_t defaultMost = 8U << 20U;
+    /// About twenty minutes of live values.
+    static constexpr std::size_t defaultMost = 32U << 20U;
 
     /// Begins a new file. A trace that stands there becomes FILE.old; anything else that stands there is left
     /// alone. Throws FileError where that is so, and where the file cannot be written.
@@ -24,7 +25,7 @@ class TraceStore {
 
     /// A whole line, without its end. Throws FileError as `flush`.
     void add(std::string_view line);
-    /// Writes what was gathered. Throws FileError, such as for a full disk.
+    /// Writes what was gathered. Throws FileError, such as for a full disk or a deleted file.
     void flush();
 
     /// Where the former half of a trace stands.
@@ -33,6 +34,7 @@ class TraceStore {
  private:
     void begin();
     void turn();
+    void refuseDeleted() const;
 
     std::string path_;
     Head head_;

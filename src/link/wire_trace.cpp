@@ -46,8 +46,9 @@ void WireTrace::start(const std::string& path, int linkedSlot, bool oldFirmware)
     asked_ = waiting_ = false;
     pending_.clear();
     lumps_.clear();
+    begunBytes_ = 0;
     kept_.clear();
-    addEvent(startUs_, {}, "the trace begins");
+    addEvent(startUs_, {}, "the trace begins" + words_.unitText());
 }
 
 void WireTrace::stop() {
@@ -183,9 +184,14 @@ void WireTrace::arrived(std::span<const std::uint8_t> bytes, std::int64_t nowUs)
 
 void WireTrace::delivered(std::size_t bytes, std::int64_t nowUs) {
     if (!running()) return;
+    const std::size_t count = begunBytes_ + bytes;
+    if (waiting_ && restFollows(count)) {
+        begunBytes_ = count;
+        return;
+    }
     std::size_t before = 0;
     const std::string lumps = lumpsText();
-    std::string batch = batchOf(bytes, nowUs, before);
+    std::string batch = batchOf(count, nowUs, before);
     if (!waiting_) return tellUnasked(std::move(batch), nowUs);
     TraceLine line = received(std::move(batch), nowUs);
     words_.reply(line);
@@ -197,7 +203,13 @@ void WireTrace::delivered(std::size_t bytes, std::int64_t nowUs) {
 
 std::string WireTrace::takePending() {
     lumps_.clear();
+    begunBytes_ = 0;
     return std::exchange(pending_, {});
+}
+
+bool WireTrace::restFollows(std::size_t count) {
+    const std::string held = kept_ + pending_;
+    return words_.awaitsRest(std::string_view(held).substr(held.size() - std::min(count, held.size())));
 }
 
 /// The bytes that the program is given: what came since, with what the port had held before; or the end of
@@ -271,7 +283,7 @@ void WireTrace::giveUp(std::int64_t nowUs) {
     TraceLine line = lineAt(TraceDirection::Event, nowUs);
     line.problem = trouble::timeOut;
     line.command = words_.key();
-    line.text = "no answer for " + milliseconds(nowUs - askedUs_);
+    line.text = words_.lineText() + "no answer for " + milliseconds(nowUs - askedUs_);
     waiting_ = false;
     add(line);
 }

@@ -69,6 +69,7 @@ class WireTrace : public LineWatch {
     std::string head(int part) const;
 
     std::string takePending();
+    bool restFollows(std::size_t count);
     std::string batchOf(std::size_t count, std::int64_t nowUs, std::size_t& before);
     std::string lumpsText() const;
     void tellUnasked(std::string bytes, std::int64_t nowUs);
@@ -95,6 +96,7 @@ class WireTrace : public LineWatch {
     std::int64_t askedUs_ = 0;
     std::string pending_;  ///< came, and was not given to the program yet
     std::vector<Lump> lumps_;
+    std::size_t begunBytes_ = 0;  ///< of these, the beginning of an answer that the program was given already
     std::string kept_;  ///< the last bytes that were written down though the port may hold them still
 };
 

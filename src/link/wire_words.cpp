@@ -6,6 +6,7 @@
 #include "base/number_text.h"
 #include "base/text.h"
 #include "link/reply_decoding.h"
+#include "live/check_engine.h"
 
 namespace zentaq {
 
@@ -14,6 +15,9 @@ namespace {
 constexpr int orbaSlot = 3;
 /// The identification of all but the oldest units.
 constexpr int serialBytes = 8;
+/// The first word of the check-engine codes, behind the head of the reply.
+constexpr std::size_t firstCodeWord = 3;
+constexpr int mostCodesTold = 4;
 
 struct ShortAnswer {
     std::string_view head;
@@ -26,6 +30,10 @@ constexpr ShortAnswer shortAnswers[] = {
     {"AR", "refused (AR)", trouble::refused},
     {"PN", "programming finished and verified (PN)", {}},
 };
+
+std::span<const std::uint8_t> asBytes(std::string_view text) {
+    return {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()};
+}
 
 std::string_view asText(std::span<const std::uint8_t> bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
@@ -47,6 +55,11 @@ void WireWords::unit(int slot, bool oldFirmware) {
     const UnitKind* kind = unitKindOfSlot(slot);
     kind_ = kind == nullptr ? &nullKind() : kind;
     oldFirmware_ = oldFirmware;
+}
+
+std::string WireWords::unitText() const {
+    if (!knowsUnit()) return {};
+    return "; the unit on the link is of kind " + numberText(kind_->slot) + ", " + std::string(kind_->model);
 }
 
 // ---- Commands
@@ -91,6 +104,10 @@ void WireWords::command(TraceLine& line) {
 
 // ---- Replies
 
+std::string WireWords::lineText() const {
+    return bulk_.empty() || line_ == 0 ? std::string() : "line " + numberText(line_) + ", ";
+}
+
 std::string WireWords::countText(std::size_t count) const {
     const std::string number = numberText(static_cast<int>(count));
     return (expected_ == 0 ? number : number + " of " + numberText(expected_)) + " bytes";
@@ -129,6 +146,33 @@ std::string WireWords::identification(TraceLine& line, Bytes reply) {
     return text;
 }
 
+bool WireWords::awaitsRest(std::string_view beginning) {
+    const Bytes bytes = asBytes(beginning);
+    const bool whole = bytes.size() >= static_cast<std::size_t>(serialBytes);
+    if (key_ != "E" || whole || bytes.size() < static_cast<std::size_t>(expected_)) return false;
+    if (bytes.size() < 2 || !hasMarker(bytes)) return false;
+    expected_ = serialBytes;
+    return true;
+}
+
+/// A cleared bit is a code.
+std::string WireWords::codes(Bytes reply) const {
+    int set = 0;
+    std::string texts;
+    for (int row = 1; row <= CheckEngineTexts::rowCount; ++row) {
+        const std::size_t index = firstCodeWord + static_cast<std::size_t>(row) - 1;
+        if (index >= reply.size()) return {};
+        for (int bit = 0; bit < CheckEngineTexts::bitCount; ++bit) {
+            if ((reply[index] >> bit) % 2 != 0) continue;
+            const auto text = knowsUnit() ? trimmed(CheckEngineTexts::text(kind_->slot, row, bit)) : "";
+            if (++set <= mostCodesTold && !text.empty())
+                texts += (texts.empty() ? ": " : "; ") + std::string(text);
+        }
+    }
+    if (set == 0) return "no codes";
+    return numberText(set) + (set == 1 ? " code" : " codes") + texts + (set > mostCodesTold ? "; ..." : "");
+}
+
 std::string WireWords::record(Bytes reply) {
     bool last = false;
     skipFailing([&] { last = isEndOfLog(reply); });
@@ -140,6 +184,7 @@ std::string WireWords::saying(TraceLine& line, Bytes reply) {
     if (row_->checksum == ChecksumRule::Unchecked) return shortAnswer(line, reply);
     if (key_ == "E") return identification(line, reply);
     if (key_ == "D") return record(reply);
+    if (key_ == "T") return codes(reply);
     std::string text;
     if (key_ == "B") {
         skipFailing([&] {
@@ -168,11 +213,11 @@ void WireWords::judge(TraceLine& line, Bytes reply) const {
     if (!line.problem.empty() || expected_ == 0) return;
     if (reply.size() < length) line.problem = trouble::tooShort;
     if (reply.size() > length) line.problem = trouble::surplus;
-    if (summed && !right) line.problem = trouble::wrongSum;
+    if (summed && !right && reply.size() == length) line.problem = trouble::wrongSum;
 }
 
 void WireWords::reply(TraceLine& line) {
-    const Bytes reply(reinterpret_cast<const std::uint8_t*>(line.bytes.data()), line.bytes.size());
+    const Bytes reply = asBytes(line.bytes);
     line.command = key_;
     line.text = saying(line, reply);
     judge(line, reply);
@@ -181,7 +226,7 @@ void WireWords::reply(TraceLine& line) {
 void WireWords::partOfReply(TraceLine& line) const {
     line.command = key_;
     line.problem = trouble::tooShort;
-    line.text = countText(line.bytes.size()) + ", never whole";
+    line.text = lineText() + countText(line.bytes.size()) + ", never whole";
 }
 
 }  // namespace zentaq

@@ -18,9 +18,14 @@ class WireWords {
     /// The unit that the link knows already; slot 0 for none.
     void unit(int slot, bool oldFirmware);
     bool knowsUnit() const { return kind_ != &nullKind(); }
+    /// "; the unit on the link is of kind 3, ORB A"; empty for none.
+    std::string unitText() const;
 
     /// What was written. The reply that follows is taken for its answer.
     void command(TraceLine& line);
+    /// Whether `beginning` is that of an identification longer than the link asked for: the first one of a
+    /// session is asked for by the length of the oldest format. Its rest belongs to the same answer.
+    bool awaitsRest(std::string_view beginning);
     /// The answer as it was given to the program.
     void reply(TraceLine& line);
     /// An answer of which only this came.
@@ -28,6 +33,8 @@ class WireWords {
 
     /// Key of the last command; "?" for bytes that are none.
     const std::string& key() const { return key_; }
+    /// "line 12, " while the lines of a transfer go out; else empty.
+    std::string lineText() const;
 
  private:
     using Bytes = std::span<const std::uint8_t>;
@@ -40,6 +47,7 @@ class WireWords {
     std::string shortAnswer(TraceLine& line, Bytes reply);
     std::string identification(TraceLine& line, Bytes reply);
     std::string record(Bytes reply);
+    std::string codes(Bytes reply) const;
     bool hasSum(Bytes reply) const;
     void judge(TraceLine& line, Bytes reply) const;
 

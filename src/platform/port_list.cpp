@@ -1,5 +1,7 @@
 #include "platform/port_list.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <iterator>
 #include <system_error>
@@ -25,6 +27,20 @@ std::string unitNameOf(const std::string& announced) {
     if (dot == std::string::npos || dot == 0 || dot + 1 == announced.size()) return announced;
     const bool digits = announced.find_first_not_of("0123456789", dot + 1) == std::string::npos;
     return digits ? announced.substr(0, dot) : announced;
+}
+
+bool isLater(const timespec& left, const timespec& right) {
+    return std::tie(left.tv_sec, left.tv_nsec) > std::tie(right.tv_sec, right.tv_nsec);
+}
+
+/// Whether a link leads to the terminal that it was made for. One that was killed leaves its link behind, and
+/// the system gives the number of its terminal to the next window that opens one: that one is younger than
+/// the link.
+bool isOwnTerminal(const fs::path& link, const fs::path& terminal) {
+    struct stat made {};
+    struct stat device {};
+    if (::lstat(link.c_str(), &made) != 0 || ::stat(terminal.c_str(), &device) != 0) return false;
+    return S_ISCHR(device.st_mode) && !isLater(device.st_ctim, made.st_mtim);
 }
 
 /// Vendor, product and serial number tell an adapter wherever it is plugged in. Without a serial number the
@@ -62,7 +78,7 @@ std::vector<PortInfo> simulatedPorts(const fs::path& folder) {
         std::error_code ignored;
         if (!entry->is_symlink(ignored)) continue;
         const fs::path terminal = fs::canonical(entry->path(), ignored);
-        if (ignored || !fs::is_character_file(terminal, ignored)) continue;
+        if (ignored || !isOwnTerminal(entry->path(), terminal)) continue;
         const std::string name = entry->path().filename().string();
         ports.push_back({0, terminal.string(), "Simulated unit " + name, "sim:" + unitNameOf(name)});
     }

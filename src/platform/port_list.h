@@ -21,9 +21,10 @@ struct PortFacts {
     std::string byPath;        ///< name of the socket it is plugged in, from /dev/serial/by-path
 };
 
-/// Units announced by a symbolic link in `folder`, sorted by the link's name. Dead links are left out;
-/// a folder that does not exist is an empty list. Numbers are not given yet. "orb-a-1042" and "orb-a-1042.2",
-/// its name after the cable was out, are one identity: "sim:orb-a-1042".
+/// Units announced by a symbolic link in `folder`, sorted by the link's name. Dead links are left out, also
+/// those whose terminal's number has gone to somebody else since; a folder that does not exist is an empty
+/// list. Numbers are not given yet. "orb-a-1042" and "orb-a-1042.2", its name after the cable was out, are
+/// one identity: "sim:orb-a-1042".
 std::vector<PortInfo> simulatedPorts(const std::filesystem::path& folder);
 
 /// Orders and numbers all ports from 1.

@@ -2,6 +2,7 @@
 // Knows no timer; its owner asks it with a monotonic time.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 
 namespace zentaq {
@@ -29,6 +30,11 @@ class TickPacer {
     /// Whether one tick may run at once, for a reply that has just come. It is taken from later ones,
     /// so the average stays 1000 a second. True: the tick counts as run.
     bool tryEarly(std::int64_t nowUs);
+
+    /// How many ticks are due; none of them counts as run.
+    std::int64_t owed(std::int64_t nowUs) const {
+        return std::max<std::int64_t>(0, elapsedTicks(nowUs) - run_);
+    }
 
     /// Drops the ticks that are owed: something has begun now whose time must not count from before.
     /// Ticks that ran ahead stay counted.

@@ -4,7 +4,10 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QInputDialog>
+#include <QLabel>
 #include <QMessageBox>
+#include <QScreen>
+#include <QStyle>
 #include <algorithm>
 
 #include "base/text.h"
@@ -63,6 +66,19 @@ Answer answerOf(int button, Buttons offered) {
     return offered == Buttons::YesNo ? Answer::No : Answer::Ok;
 }
 
+/// A box is as wide as its longest line where the screen has room: its lines are broken where they are meant
+/// to be.
+void widenToLines(QMessageBox& message) {
+    auto* label = message.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+    if (label == nullptr) return;
+    // Qt makes no box wider than this, icon and margins included.
+    const int widestBox = std::min(message.screen()->availableGeometry().width() - 480, 1000);
+    const int besideText = 3 * message.style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, &message);
+    const int widestLine = label->fontMetrics().size(Qt::TextExpandTabs, message.text()).width();
+    // A longer line is broken by Qt, which does so only in a label that asks for nothing.
+    if (widestLine <= widestBox - besideText) label->setMinimumWidth(widestLine);
+}
+
 }  // namespace
 
 Answer QtDialogs::show(const Box& box) {
@@ -74,6 +90,7 @@ Answer QtDialogs::show(const Box& box) {
     message.setIcon(iconOf(box.icon));
     message.setStandardButtons(buttonsOf(box.buttons));
     message.setDefaultButton(defaultOf(box));
+    widenToLines(message);
     // Escape and the window's own button decline where declining is possible.
     if (box.buttons == Buttons::YesNo) message.setEscapeButton(QMessageBox::No);
     const int button = message.exec();

@@ -38,9 +38,13 @@ bool hungUp(int handle) {
 
 QtSerialPort::QtSerialPort(const Clock& clock, PortSource ports) : clock_(clock), ports_(std::move(ports)) {
     connect(&device_, &QSerialPort::readyRead, this, &QtSerialPort::keep);
-    // The device cannot be closed from inside its own signal: service() does it.
+    // The device cannot be closed from inside its own signal: service() does it. Qt also calls it an error
+    // when a notice of bytes comes that drain() has taken already, so the system is asked whether the line is
+    // there.
     connect(&device_, &QSerialPort::errorOccurred, this, [this](QSerialPort::SerialPortError error) {
-        if (error != QSerialPort::NoError && error != QSerialPort::TimeoutError) lost_ = true;
+        if (error == QSerialPort::NoError || error == QSerialPort::TimeoutError) return;
+        const auto handle = static_cast<int>(device_.handle());
+        if (waitingBytes(handle) < 0 || hungUp(handle)) lost_ = true;
     });
 }
 
@@ -187,10 +191,12 @@ void QtSerialPort::followNumber(std::int64_t nowUs) {
     nextNumberUs_ = nowUs + numberUs;
     for (const PortInfo& port : ports_()) {
         if (port.number != number_ || port.identity == keeper_.device().identity) continue;
+        // Whoever was told that the device had gone is waiting for its return.
+        const auto news = present() ? &LineWatch::opened : &LineWatch::returned;
         closeDevice();
         keeper_.keep(port);
         if (!openDevice(port.device)) return lose();
-        tell(&LineWatch::opened, port, clock_.monotonicUs());
+        tell(news, port, clock_.monotonicUs());
         return;
     }
 }

@@ -14,6 +14,9 @@ constexpr TickPacer::Limits oneByOne{.perFiring = 1};
 /// The reply is handled in one tick and the next command leaves in the one behind it.
 constexpr int ticksBehindReply = 2;
 
+/// A window that is not busy owes no more than this.
+constexpr int ticksOwedAsARule = 5;
+
 /// A little more than the time for which a reply's line has to be quiet.
 constexpr std::int64_t quietUs = ReceiveGate::defaultQuietUs + 10;
 
@@ -78,19 +81,28 @@ void QtTicker::runTick() {
 }
 
 void QtTicker::run() {
-    bool delivered = port_.service();
+    bool delivered = takeReply();
     for (int count = 0; count < ticksPerWake && running(); ++count) {
         // A reply that is about to be delivered must not be overtaken by ticks owed from a pause.
         if (port_.settling()) break;
         if (pacer_.due(clock_.monotonicUs()) == 0) break;
         runTick();
-        delivered = port_.service() || delivered;
+        delivered = takeReply() || delivered;
     }
     if (!delivered) return;
     for (int count = 0; count < ticksBehindReply && running(); ++count) {
         if (!pacer_.tryEarly(clock_.monotonicUs())) return;
         runTick();
     }
+}
+
+// What was owed before a reply was seen does not count behind it: the gap between two lines of a program is
+// real time for the unit.
+bool QtTicker::takeReply() {
+    if (!port_.service()) return false;
+    const std::int64_t nowUs = clock_.monotonicUs();
+    if (pacer_.owed(nowUs) > ticksOwedAsARule) pacer_.forgive(nowUs);
+    return true;
 }
 
 }  // namespace zentaq

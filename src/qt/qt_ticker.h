@@ -21,8 +21,9 @@ class QtTicker : public QObject, public Ticker, private LineWatch {
     Q_OBJECT
 
  public:
-    /// Ticks that one wake-up runs at most; the rest follows with the next, windows alive in between.
-    static constexpr int ticksPerWake = 20;
+    /// Ticks that one wake-up runs at most; the rest follows with the next. They take microseconds each, and
+    /// a window that stands still for a quarter of a second is no reason for a time-out to last longer.
+    static constexpr int ticksPerWake = 250;
 
     QtTicker(QtSerialPort& port, const Clock& clock);
     ~QtTicker() override;
@@ -39,6 +40,7 @@ class QtTicker : public QObject, public Ticker, private LineWatch {
     void wake();
     void run();
     void runTick();
+    bool takeReply();
 
     QtSerialPort& port_;
     const Clock& clock_;

@@ -177,6 +177,9 @@ Drive driveOf(const std::filesystem::path& word) {
     if (word == "idle") return idleDrive();
     if (word == "drive") return roadDrive();
     if (word == "dyno") return dynoDrive();
+    if (!std::filesystem::exists(word))
+        throw FileError("There is no file " + word.string() +
+                        ": --engine takes idle, drive, dyno or a datalog");
     return datalogDriveFromFile(word);
 }
 

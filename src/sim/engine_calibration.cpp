@@ -208,6 +208,10 @@ void readIdle(const Memory& memory, EngineCalibration& into) {
     into.idleControl = memory.bit(1, 1);
     into.idleC = celsius;
     memory.fill(into.idleRpm, 313, [](const Memory& from, int i) { return from.byte(i) * 16; });
+    if (memory.byte(316) < memory.byte(317)) {
+        into.idleLeastDuty = memory.byte(316);
+        into.idleMostDuty = memory.byte(317);
+    }
     into.idleRetard = memory.byte(318) / perDegree;
     into.idleAdvance = memory.byte(319) / perDegree;
 }
@@ -366,6 +370,7 @@ EngineCalibration readEngineCalibration(std::string_view firmwarePrefix,
     readPulses(memory, calibration);
     readEnrichments(memory, calibration);
     readClosedLoop(memory, calibration);
+    calibration.flowSensor = memory.bit(1, 0);
     readIdle(memory, calibration);
     return calibration;
 }

@@ -48,6 +48,8 @@ struct EngineCalibration {
     double voltsPerKpa = 0;
     double voltsAtZero = 0;
 
+    bool flowSensor = false;  ///< the load input is a flow sensor, and wide frames tell it in finer steps
+
     TableAxis speedAxis;  ///< rpm
     TableAxis loadAxis;   ///< counts of the pressure input, 204.6 a volt
     EngineTable advance;  ///< degrees
@@ -73,7 +75,7 @@ struct EngineCalibration {
 
     double throttleThreshold = 0;   ///< raw, 5 a volt per second above 0.75
     double pressureThreshold = 0;   ///< raw, as the frame tells the pressure's rise
-    double throttleEnrichment = 0;  ///< percent
+    double throttleEnrichment = 0;  ///< percent, at a throttle that opens fast
     double pressureEnrichment = 0;
     double coldEnrichment = 0;
     double enrichmentSeconds = 0;
@@ -106,6 +108,8 @@ struct EngineCalibration {
     bool idleControl = false;
     std::array<double, 3> idleC{};
     std::array<double, 3> idleRpm{};
+    double idleLeastDuty = 1;  ///< raw, where the idle motor is shut
+    double idleMostDuty = 255;
     double idleRetard = 0;
     double idleAdvance = 0;
 

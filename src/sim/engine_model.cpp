@@ -20,6 +20,12 @@ constexpr double runDownSeconds = 0.8;
 constexpr double ambientC = 20;
 constexpr double fullVolts = 5;  // of a sensor
 constexpr double countsPerVolt = 204.6;
+// Wide frames tell the byte of the narrow ones in quarters for a pressure sensor, in tenths for a flow
+// sensor.
+constexpr double widePressurePerVolt = 4 * 51;
+constexpr double wideFlowPerVolt = 10 * 51;
+// 137 counts of pressure rise are 0.0388 of the sensor's range, whose whole is 5 volts.
+constexpr double rawPerAccelerationVolt = 137 / (fullVolts * 0.0388);
 constexpr double longestGapMs = 65.5;
 // The frame's ratios are those of the fuel that the tables are kept for.
 constexpr double ratioOfMixture1 = 14.7;
@@ -158,6 +164,7 @@ void EngineModel::moveAir(const DrivePoint& point, double dt) {
     live_.rpm = between(cranked, turning, share);
     live_.mapKpa = between(atmosphereKpa, manifoldKpa(point), share);
     live_.mapSensorVolts = std::clamp(calibration_.sensorVolts(live_.mapKpa), 0.0, fullVolts);
+    live_.wideLoad = live_.mapSensorVolts * (calibration_.flowSensor ? wideFlowPerVolt : widePressurePerVolt);
     // The driver lifts when the engine dies.
     const double tps = point.tpsVolts.value_or(0.5 + 4 * point.throttle);
     live_.tpsVolts = between(std::min(0.5, tps), tps, share);
@@ -166,6 +173,7 @@ void EngineModel::moveAir(const DrivePoint& point, double dt) {
         std::max(0.0, (live_.tpsVolts - tpsBefore_.follow(live_.tpsVolts, dt)) / rateSeconds);
     live_.mapAcceleration =
         std::max(0.0, (live_.mapKpa - kpaBefore_.follow(live_.mapKpa, dt)) / rateSeconds / 100);
+    live_.mapAccelerationRaw = live_.mapAcceleration * calibration_.voltsPerKpa * rawPerAccelerationVolt;
     overrun_.step(live_.rpm, live_.tpsVolts, live_.mapSensorVolts, calibration_);
 }
 
@@ -228,7 +236,10 @@ void EngineModel::meterFuel(double dt) {
     live_.afterStart0 = by.afterStartColdPercent * cold * afterStartShare();
     live_.afterStart1 = by.afterStartWarmPercent * (1 - cold) * afterStartShare();
     live_.startEnrichment = startPercent(by);
-    acceleration_.step(live_.tpsAcceleration, live_.mapAcceleration, coolantC_, by, dt);
+    // The pressure that comes back to the manifold of an engine that dies is no acceleration.
+    const double throttleRate = runs() ? live_.tpsAcceleration : 0;
+    const double pressureRate = runs() ? live_.mapAccelerationRaw : 0;
+    acceleration_.step(throttleRate, pressureRate, coolantC_, by, dt);
     live_.acceleration2 = acceleration_.byThrottle();
     live_.acceleration5 = acceleration_.byPressure();
     live_.acceleration6 = acceleration_.byCold();
@@ -256,8 +267,10 @@ void EngineModel::meterFuel(double dt) {
 void EngineModel::burn(double dt) {
     const EngineCalibration& plain = plainCalibration();
     const double settled = std::max(10.0, filmKpa_.follow(live_.mapKpa, dt));
-    // Fuel that wets the walls is missing while the pressure rises, and comes back when it falls.
-    const double walls = std::clamp(0.25 * (live_.mapKpa / settled - 1), -0.15, 0.25);
+    // Fuel that wets the walls is missing while the pressure rises, and comes back when it falls. Cold walls
+    // hold more of it.
+    const double wetting = 0.25 * (1 + 0.6 * coldShare(coolantC_));
+    const double walls = std::clamp(wetting * (live_.mapKpa / settled - 1), -0.15, 2 * wetting);
     const double needMs = engine_.fuelFactor(live_.rpm, live_.mapKpa) * injectors_.fullPulseMs *
                           std::max(0.05, live_.mapSensorVolts / fullVolts) * conditionFactor(plain) *
                           (1 + walls);
@@ -313,6 +326,8 @@ void EngineModel::steerIdle() {
     live_.idleTargetRpm = idleTarget();
     const double position = 35 + 4 * wave(age_, 0.2) + 0.3 * std::max(0.0, 80 - coolantC_);
     live_.idlePositionPercent = between(60, position, share);
+    live_.idleDuty =
+        between(calibration_.idleLeastDuty, calibration_.idleMostDuty, live_.idlePositionPercent / 100);
     live_.idleDirection = wave(age_ + 1.25, 0.2) > 0 ? 1 : 0;  // while the position rises
 }
 

@@ -17,6 +17,7 @@ struct LiveValues {
     double rpm = 0;
     double mapKpa = 0;
     double mapSensorVolts = 0;
+    double wideLoad = 0;  ///< raw, as wide frames tell the load
     double tpsVolts = 0;
     double coolantC = 0;
     double airC = 0;
@@ -36,6 +37,7 @@ struct LiveValues {
     double desiredAfr = 0;
     double actualAfr = 0;
     double idlePositionPercent = 0;
+    double idleDuty = 0;       ///< raw: the same position between the duty limits of the memory
     double idleDirection = 0;  ///< 1 while the motor opens, else 0
     double injectionGapMs = 0;
     double veCorrection = 0;
@@ -45,7 +47,8 @@ struct LiveValues {
     double startEnrichment = 0;
     double afterStart0 = 0;
     double afterStart1 = 0;
-    double mapAcceleration = 0;
+    double mapAcceleration = 0;     ///< kPa in a hundredth of a second
+    double mapAccelerationRaw = 0;  ///< the same in the unit's counts, which go by the sensor's volts
     double tpsAcceleration = 0;
     double acceleration2 = 0;
     double acceleration5 = 0;

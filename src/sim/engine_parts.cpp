@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "sim/engine_curve.h"
-#include "sim/map_sensor.h"
 
 namespace zentaq::sim {
 
@@ -17,6 +16,11 @@ double along(const std::array<double, count>& xs, const std::array<double, count
     std::array<Knot, count> knots{};
     for (std::size_t i = 0; i < count; ++i) knots[i] = {xs[i], ys[i]};
     return interpolate(knots, x);
+}
+
+/// Share of the full enrichment: nothing up to the threshold, then as the rate is to a fast one.
+double strengthOf(double rate, double threshold, double fastRate) {
+    return rate > threshold ? std::min(1.0, rate / fastRate) : 0;
 }
 
 }  // namespace
@@ -87,16 +91,16 @@ void Acceleration::step(double throttleRate, double pressureRate, double coolant
                         const EngineCalibration& calibration, double dt) {
     constexpr double rawPerVoltPerSecond = 5;
     constexpr double rawThrottleFrom = 0.75;
-    // 137 counts span the pressure that a sensor over 5 volts can tell.
-    constexpr double rawPerPressure = 137 / (5 / mapScaler * 0.0388);
-    const bool throttle =
-        (throttleRate - rawThrottleFrom) * rawPerVoltPerSecond > calibration.throttleThreshold;
-    const bool pressure = pressureRate * rawPerPressure > calibration.pressureThreshold;
+    constexpr double fastThrottle = 25;  // 5.75 V/s
+    constexpr double fastPressure = 50;  // 130 kPa/s of a sensor for one bar
+    const double throttle = strengthOf((throttleRate - rawThrottleFrom) * rawPerVoltPerSecond,
+                                       calibration.throttleThreshold, fastThrottle);
+    const double pressure = strengthOf(pressureRate, calibration.pressureThreshold, fastPressure);
     const double cold = std::clamp((80 - coolantC) / 80, 0.0, 1.0);
     const double keep = 1 - dt / (std::max(0.05, calibration.enrichmentSeconds) + dt);
-    byThrottle_ = throttle ? calibration.throttleEnrichment : byThrottle_ * keep;
-    byPressure_ = pressure ? calibration.pressureEnrichment : byPressure_ * keep;
-    byCold_ = throttle || pressure ? calibration.coldEnrichment * cold : byCold_ * keep;
+    byThrottle_ = std::max(calibration.throttleEnrichment * throttle, byThrottle_ * keep);
+    byPressure_ = std::max(calibration.pressureEnrichment * pressure, byPressure_ * keep);
+    byCold_ = std::max(calibration.coldEnrichment * cold * std::max(throttle, pressure), byCold_ * keep);
 }
 
 void KnockControl::step(double level, double rpm, const EngineCalibration& calibration, double dt) {

@@ -87,10 +87,10 @@ class ClosedLoop {
     double burnSeconds_ = 0;  // since the last cut
 };
 
-/// Extra fuel for a moment after the throttle opened or the pressure rose.
+/// Extra fuel for a moment after the throttle opened or the pressure rose, the more the faster it did.
 class Acceleration {
  public:
-    /// Rates as the frame tells them: volts a second, and kPa in a hundredth of a second.
+    /// Rates as the frame tells them: volts a second, and counts of pressure rise.
     void step(double throttleRate, double pressureRate, double coolantC, const EngineCalibration& calibration,
               double dt);
     double byThrottle() const { return byThrottle_; }  ///< percent

@@ -15,7 +15,7 @@ namespace zentaq::sim {
 /// and build.
 bool isFirmwareText(std::string_view text, std::string_view prefix);
 
-/// The firmware text in a header record such as "SIMULATED ZQA-505100". Nothing for any other record.
+/// The firmware text in a header record such as "SIMULATED ZQA-505098". Nothing for any other record.
 std::optional<std::string> firmwareTextOfHeader(const SRecord& record);
 
 /// The whole file, with CR LF: the header, 256 lines of 16 bytes up to address FFFF, 128 above it with

@@ -12,7 +12,7 @@ namespace zentaq::sim {
 /// The file that belongs to a memory file: its name with ".firmware" behind it.
 std::filesystem::path firmwareStateFile(const std::filesystem::path& memoryFile);
 
-/// "running ZQA-505100", "programmed ZQA-505100" or "missing". Nothing if there is no file.
+/// "running ZQA-505098", "programmed ZQA-505098" or "missing". Nothing if there is no file.
 /// Throws FileError if it holds anything else.
 std::optional<InstalledFirmware> readFirmwareState(const std::filesystem::path& path);
 

@@ -31,12 +31,6 @@ void append(Bytes& target, const Bytes& more) {
     target.insert(target.end(), more.begin(), more.end());
 }
 
-void placeText(Bytes& target, int at, std::string_view text, int width) {
-    const std::string field = fixedWidth(text, static_cast<std::size_t>(width));
-    std::transform(field.begin(), field.end(), target.begin() + at,
-                   [](char c) { return static_cast<std::uint8_t>(c); });
-}
-
 }  // namespace
 
 struct SimulatedUnit::CommandRow {
@@ -58,8 +52,7 @@ SimulatedUnit::SimulatedUnit(const UnitProfile& profile, UnitIdentity identity, 
       serialReply_(serialReplyOf(identity_.serialFormat, identity_.serial)),
       engineSetup_{identity_.serial, std::move(drive)},
       engine_(engineSetup_),
-      memory_(static_cast<std::size_t>(profile.memorySize)),
-      permanent_(memory_),
+      memory_(profile.baseAddress, profile.memorySize),
       firmware_(profile.firmwarePrefix, identity_.firmware) {
     identity_.firmware = fixedWidth(identity_.firmware, firmwareLength);
     codes_.fill(noCode);
@@ -86,7 +79,7 @@ void SimulatedUnit::advance(double seconds) {
         expecting_ = Expecting::Command;
         record_.clear();
     }
-    if (quietSeconds_ > programmingPatienceSeconds) programming_.reset();
+    if (quietSeconds_ > programmingPatienceSeconds) memory_.abandonProgramming();
     if (quietSeconds_ > firmwarePatienceSeconds) firmware_.abandon();
     bootSeconds_ = std::max(0.0, bootSeconds_ - seconds);
 }
@@ -101,25 +94,20 @@ void SimulatedUnit::installFirmware(const InstalledFirmware& firmware) {
 }
 
 void SimulatedUnit::loadMemory(const Bytes& content) {
-    if (content.size() != memory_.size()) throw BoundsError("The memory of this unit has another size");
-    keepForGood(content);
+    if (content.size() != memory().size()) throw BoundsError("The memory of this unit has another size");
+    memory_.keepForGood(content);
 }
 
 void SimulatedUnit::setCalibrationName(std::string_view name) {
-    placeText(memory_, profile_.nameOffset, name, nameLength);
-    placeText(permanent_, profile_.nameOffset, name, nameLength);
-    ++revision_;
-    ++permanentRevision_;
+    memory_.keepText(profile_.nameOffset, name, nameLength);
 }
 
 void SimulatedUnit::powerCycle() {
-    memory_ = permanent_;
-    ++revision_;
+    memory_.cyclePower();
     if (firmware_.cyclePower()) {
         identity_.firmware = fixedWidth(firmware_.installed().text, firmwareLength);
-        keepForGood(Bytes(memory_.size(), erased));
+        memory_.keepForGood(Bytes(memory().size(), erased));
     }
-    programming_.reset();
     record_.clear();
     expecting_ = Expecting::Command;
     logPosition_ = 0;
@@ -166,7 +154,7 @@ Bytes SimulatedUnit::consume(std::uint8_t byte) {
 }
 
 Bytes SimulatedUnit::idleByte(std::uint8_t byte) {
-    if (programming_ || firmware_.programming()) return programmingByte(byte);
+    if (memory_.programming() || firmware_.programming()) return programmingByte(byte);
     switch (firmware_.installed().state) {
         case FirmwareState::Programmed:
             return {};  // it waits for its power to be cycled
@@ -224,17 +212,14 @@ Bytes SimulatedUnit::onTheFlyByte(std::uint8_t byte) {
     if (state == SRecordCollector::State::Broken) return refuse();
     if (state != SRecordCollector::State::Complete) return {};
     const auto record = parseSRecord(record_.text());
-    const bool oneOrTwoBytes = record && (record->data.size() == 1 || record->data.size() == 2);
-    if (!oneOrTwoBytes || !fitsIn(profile_.memorySize, *record)) return refuse();
-    write(memory_, *record);
-    ++revision_;
+    if (!record || !memory_.change(*record)) return refuse();
     record_.clear();
     expecting_ = Expecting::Command;
     return accepted;
 }
 
 Bytes SimulatedUnit::startProgramming() {
-    programming_ = Programming{memory_, std::vector<bool>(memory_.size())};
+    memory_.beginProgramming();
     expectRecords(calibrationRecords);
     return accepted;
 }
@@ -273,10 +258,7 @@ Bytes SimulatedUnit::programmingRecord() {
     if (!record) return refuse();
     if (record->type == '9') return endOfProgramming();
     // More lines than its firmware has memory for come from an image for another unit.
-    if (!fitsIn(programmedSize(), *record)) return refuse();
-    write(programming_->staging, *record);
-    const auto first = programming_->covered.begin() + (record->address - profile_.baseAddress);
-    std::fill_n(first, record->data.size(), true);
+    if (!memory_.program(*record, programmedSize())) return refuse();
     record_.clear();
     return accepted;
 }
@@ -289,11 +271,7 @@ Bytes SimulatedUnit::firmwareRecord() {
 }
 
 Bytes SimulatedUnit::endOfProgramming() {
-    const auto first = programming_->covered.begin();
-    const bool whole = std::all_of(first, first + programmedSize(), [](bool covered) { return covered; });
-    if (!whole) return refuse();
-    keepForGood(std::move(programming_->staging));
-    programming_.reset();
+    if (!memory_.finishProgramming(programmedSize())) return refuse();
     record_.clear();
     return verified;
 }
@@ -301,7 +279,7 @@ Bytes SimulatedUnit::endOfProgramming() {
 // What follows a refused record in the same burst are remains of it: hexadecimal digits that would be
 // taken for commands.
 Bytes SimulatedUnit::refuse() {
-    programming_.reset();
+    memory_.abandonProgramming();
     firmware_.abandon();
     record_.clear();
     expecting_ = Expecting::Command;
@@ -316,7 +294,7 @@ Bytes SimulatedUnit::clearCodes() {
 
 Bytes SimulatedUnit::firmwareReply() {
     Bytes reply = headedReply(profile_.firmwareReplyLength);
-    std::copy_n(memory_.begin() + profile_.nameOffset, nameLength, reply.begin() + 3);
+    std::copy_n(memory().begin() + profile_.nameOffset, nameLength, reply.begin() + 3);
     placeText(reply, 3 + nameLength, identity_.firmware, firmwareLength);
     if (profile_.subtypeByte > 0) reply[static_cast<std::size_t>(profile_.subtypeByte)] = identity_.subtype;
     seal(reply);
@@ -341,7 +319,7 @@ Bytes SimulatedUnit::nextLogRecord() {
     }
     if (!loggedEngine_) {
         loggedEngine_.emplace(engineSetup_);
-        loggedEngine_->setCalibration(readEngineCalibration(profile_.firmwarePrefix, memory_));
+        loggedEngine_->setCalibration(readEngineCalibration(profile_.firmwarePrefix, memory()));
     }
     ++logPosition_;
     loggedEngine_->advance(logSecondsPerRecord);
@@ -381,8 +359,7 @@ Bytes SimulatedUnit::expectTimingArgument() {
 }
 
 Bytes SimulatedUnit::storeChanges() {
-    permanent_ = memory_;
-    ++permanentRevision_;
+    memory_.store();
     return accepted;
 }
 
@@ -393,20 +370,14 @@ Bytes SimulatedUnit::codesReply() {
     return reply;
 }
 
-void SimulatedUnit::keepForGood(Bytes content) {
-    memory_ = permanent_ = std::move(content);
-    newCalibration_ = true;
-    ++revision_;
-    ++permanentRevision_;
-}
-
 // Only on a change: the engine runs two hundred steps a second.
 void SimulatedUnit::showMemoryToEngine() {
-    if (shownRevision_ == revision_) return;
-    shownRevision_ = revision_;
-    const EngineCalibration calibration = readEngineCalibration(profile_.firmwarePrefix, memory_);
-    newCalibration_ ? engine_.program(calibration) : engine_.setCalibration(calibration);
-    newCalibration_ = false;
+    if (shownRevision_ == memory_.runningRevision()) return;
+    shownRevision_ = memory_.runningRevision();
+    const bool whole = shownWholeRevision_ != memory_.wholeRevision();
+    shownWholeRevision_ = memory_.wholeRevision();
+    const EngineCalibration calibration = readEngineCalibration(profile_.firmwarePrefix, memory());
+    whole ? engine_.program(calibration) : engine_.setCalibration(calibration);
 }
 
 LiveValues SimulatedUnit::liveValues() const {
@@ -429,17 +400,6 @@ int SimulatedUnit::release() const {
 
 int SimulatedUnit::programmedSize() const {
     return release() < profile_.fullMemoryFromRelease ? profile_.memorySizeOlder : profile_.memorySize;
-}
-
-bool SimulatedUnit::fitsIn(int size, const SRecord& record) const {
-    const std::int64_t first = record.address - profile_.baseAddress;
-    const auto length = static_cast<std::int64_t>(record.data.size());
-    return record.type == '1' && length > 0 && first >= 0 && first + length <= size;
-}
-
-void SimulatedUnit::write(Bytes& target, const SRecord& record) const {
-    std::copy(record.data.begin(), record.data.end(),
-              target.begin() + (record.address - profile_.baseAddress));
 }
 
 }  // namespace zentaq::sim

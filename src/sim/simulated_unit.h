@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "sim/calibration_memory.h"
 #include "sim/engine_model.h"
 #include "sim/firmware_memory.h"
 #include "sim/serial_reply.h"
@@ -63,15 +64,15 @@ class SimulatedUnit {
     bool upgradeMode() const { return upgradeMode_; }
 
     /// The running memory, from the profile's base address.
-    const Bytes& memory() const { return memory_; }
+    const Bytes& memory() const { return memory_.running(); }
     /// Grows with every write to the memory.
-    unsigned memoryRevision() const { return revision_; }
+    unsigned memoryRevision() const { return memory_.runningRevision(); }
     /// What a power cycle leaves.
-    const Bytes& permanentMemory() const { return permanent_; }
+    const Bytes& permanentMemory() const { return memory_.permanent(); }
     /// Grows with every write to the permanent memory.
-    unsigned permanentRevision() const { return permanentRevision_; }
+    unsigned permanentRevision() const { return memory_.permanentRevision(); }
     /// Whether on-the-fly changes would be lost with the power.
-    bool hasUnsavedChanges() const { return memory_ != permanent_; }
+    bool hasUnsavedChanges() const { return memory_.running() != memory_.permanent(); }
     /// Replaces running and permanent memory. Throws BoundsError on any other size than the memory's.
     void loadMemory(const Bytes& content);
     /// Writes the calibration's name, cut or padded to 24 characters, into running and permanent memory.
@@ -124,15 +125,11 @@ class SimulatedUnit {
     Bytes firmwareRecord();
     Bytes idleByte(std::uint8_t byte);
     void expectRecords(std::string_view types);
-    void keepForGood(Bytes content);
 
     LiveValues liveValues() const;
     void showMemoryToEngine();
     int release() const;
     int programmedSize() const;
-    /// Whether a data record lies in the first `size` bytes of the memory.
-    bool fitsIn(int size, const SRecord& record) const;
-    void write(Bytes& target, const SRecord& record) const;
 
     const UnitProfile& profile_;
     UnitIdentity identity_;
@@ -141,23 +138,13 @@ class SimulatedUnit {
     EngineModel engine_;
     std::optional<EngineModel> loggedEngine_;  ///< at the last record that was read of the unit's own log
     unsigned shownRevision_ = 0;               ///< of the memory that the engine runs by
-    bool newCalibration_ = false;              ///< as a whole, since then
+    unsigned shownWholeRevision_ = 0;
     std::array<std::uint8_t, codeRows> codes_{};
     std::vector<std::pair<std::size_t, int>> heldPins_;  ///< index and value
 
-    Bytes memory_;
-    Bytes permanent_;
-    unsigned revision_ = 0;
-    unsigned permanentRevision_ = 0;
+    CalibrationMemory memory_;
     FirmwareMemory firmware_;
     bool upgradeMode_ = false;
-
-    // Programming works on a copy, so that a transfer that fails leaves the old calibration whole.
-    struct Programming {
-        Bytes staging;
-        std::vector<bool> covered;
-    };
-    std::optional<Programming> programming_;
 
     Expecting expecting_ = Expecting::Command;
     SRecordCollector record_;

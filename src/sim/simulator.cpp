@@ -3,6 +3,7 @@
 #include <poll.h>
 #include <sys/prctl.h>
 #include <sys/signalfd.h>
+#include <sys/stat.h>
 #include <sys/timerfd.h>
 #include <unistd.h>
 
@@ -84,6 +85,13 @@ void holdPin(SimulatedUnit& unit, const std::string& text) {
                   std::to_string(unit.profile().inputs.gpio.size()) + ", values 0 to 255, such as \"3=128\"");
 }
 
+void lightCode(SimulatedUnit& unit, int code) {
+    const bool known = skipFailing([&] { unit.setCode(code / 10, code % 10 - 1); });
+    if (known) return;
+    throw Failure("There is no check-engine code " + std::to_string(code) +
+                  ": one is a row, 1 to 12, with a digit from 1 to 8 behind it, such as 21 or 128");
+}
+
 Moment now() {
     return std::chrono::steady_clock::now();
 }
@@ -105,14 +113,27 @@ void takeNotice(int descriptor) {
     [[maybe_unused]] const auto taken = ::read(descriptor, &notice, sizeof notice);
 }
 
-/// What a user closes to be rid of a program.
-std::vector<int> ownTerminals() {
-    std::vector<int> terminals;
+bool isPipeOrSocket(int descriptor) {
+    struct stat facts {};
+    return ::fstat(descriptor, &facts) == 0 && (S_ISFIFO(facts.st_mode) || S_ISSOCK(facts.st_mode));
+}
+
+/// The streams whose other end goes when a user closes a terminal or the program that started this one dies.
+/// An input that is no terminal tells nothing: services and scripts start programs with one that has ended.
+std::vector<int> watchedStreams() {
+    std::vector<int> streams;
     for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        // One that has closed already is no terminal any more, but cannot be read either.
-        if (::isatty(standard) == 1 || errno == EIO) terminals.push_back(standard);
+        // A terminal that has closed already is none any more, but cannot be read either.
+        const bool terminal = ::isatty(standard) == 1 || errno == EIO;
+        const bool heard = standard != STDIN_FILENO && isPipeOrSocket(standard);
+        if (terminal || heard) streams.push_back(standard);
     }
-    return terminals;
+    return streams;
+}
+
+/// A write to a pipe that nobody reads must not end the process with its link left behind.
+void outliveClosedPipes() {
+    ::signal(SIGPIPE, SIG_IGN);
 }
 
 void endWithParent() {
@@ -139,7 +160,7 @@ Simulator::Simulator(const SimulatorOptions& options)
       adapter_(options.adapter, now()),
       memoryFile_(memoryFileOf(options)),
       unitTime_(now()) {
-    for (const int code : options.codes) unit_.setCode(code / 10, code % 10 - 1);
+    for (const int code : options.codes) lightCode(unit_, code);
     for (const std::string& pin : options.pins) holdPin(unit_, pin);
     unit_.setUpgradeMode(options.upgradeMode);
     unit_.setCalibrationName(unit_.profile().calibrationName);
@@ -188,17 +209,17 @@ void Simulator::run(const SimulatorControls& controls) {
         std::vector<pollfd> watched{
             {controls.stop, POLLIN, 0},          {controls.power, POLLIN, 0}, {controls.unplug, POLLIN, 0},
             {controls.upgradeSwitch, POLLIN, 0}, {line, POLLIN, 0},           {timer.get(), POLLIN, 0}};
-        // Of a terminal only its end counts: what a user types there is not for the unit.
-        const std::size_t firstTerminal = watched.size();
-        for (const int terminal : controls.terminals) watched.push_back({terminal, 0, 0});
+        // Of a stream only its end counts: what a user types there is not for the unit.
+        const std::size_t firstStream = watched.size();
+        for (const int stream : controls.streams) watched.push_back({stream, 0, 0});
         const int ready = ::poll(watched.data(), watched.size(), longestRestMs);
         if (ready < 0 && errno != EINTR) {
             throw Failure(std::string("Cannot wait for the line: ") + std::strerror(errno));
         }
         if (ready == 0 && !nextDue()) catchUp(now());
         const auto notified = [](const pollfd& row) { return row.revents != 0; };
-        const auto terminals = watched.begin() + static_cast<std::ptrdiff_t>(firstTerminal);
-        if (notified(watched[0]) || std::any_of(terminals, watched.end(), notified)) return;
+        const auto streams = watched.begin() + static_cast<std::ptrdiff_t>(firstStream);
+        if (notified(watched[0]) || std::any_of(streams, watched.end(), notified)) return;
         for (std::size_t i = 1; i < 4; ++i) {
             if (notified(watched[i])) act(controls, watched[i].fd);
         }
@@ -307,7 +328,8 @@ void Simulator::saveMemory() {
 
 int runSimulatorUntilSignal(const SimulatorOptions& options, std::ostream& out, std::ostream& errors) {
     // Looked at before anybody can know of the unit and close them.
-    const std::vector<int> terminals = ownTerminals();
+    const std::vector<int> streams = watchedStreams();
+    outliveClosedPipes();
     // Blocked before the link appears: a signal that comes early is kept and still removes it.
     const FileDescriptor ending = watchSignals({SIGTERM, SIGINT});
     const FileDescriptor power = watchSignals({SIGHUP});
@@ -319,18 +341,23 @@ int runSimulatorUntilSignal(const SimulatorOptions& options, std::ostream& out, 
             if (!watching) throw Failure("Cannot watch for signals");
             if (options.withParent) endWithParent();
             Simulator simulator(options);
-            // In one piece: whoever waits for the first line may go away behind it.
+            // In one piece: whoever waits for the first line has the second as well.
             out << "ready " + simulator.portPath() + "\n" + simulator.description() + "\n" << std::flush;
-            simulator.run({ending.get(), power.get(), unplug.get(), upgrade.get(), terminals});
+            simulator.run({ending.get(), power.get(), unplug.get(), upgrade.get(), streams});
         },
         [&](const std::string& reason) { errors << "zentaq-sim: " << reason << std::endl; });
     return served ? 0 : 1;
 }
 
-int writeFirmwareFor(const SimulatorOptions& options, const fs::path& file, std::ostream& errors) {
-    const bool written =
-        endOnFailure([&] { makeFirmwareFile(file, identityOf(options).firmware); },
-                     [&](const std::string& reason) { errors << "zentaq-sim: " << reason << std::endl; });
+int writeFirmwareFor(const SimulatorOptions& options, const fs::path& file, std::ostream& out,
+                     std::ostream& errors) {
+    const bool written = endOnFailure(
+        [&] {
+            const std::string firmware = identityOf(options).firmware;
+            makeFirmwareFile(file, firmware);
+            out << file.string() << ": firmware " << firmware << ", for simulated units only" << std::endl;
+        },
+        [&](const std::string& reason) { errors << "zentaq-sim: " << reason << std::endl; });
     return written ? 0 : 1;
 }
 

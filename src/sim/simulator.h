@@ -47,11 +47,11 @@ struct SimulatorOptions {
 /// What a simulator watches besides its line. A negative descriptor is not watched. Each one but `stop` is
 /// read once for each notice.
 struct SimulatorControls {
-    int stop = -1;               ///< ends it
-    int power = -1;              ///< takes the unit's power away for a moment
-    int unplug = -1;             ///< takes power and cable away for a second
-    int upgradeSwitch = -1;      ///< flips it
-    std::vector<int> terminals;  ///< a hang-up of one of these ends it
+    int stop = -1;             ///< ends it
+    int power = -1;            ///< takes the unit's power away for a moment
+    int unplug = -1;           ///< takes power and cable away for a second
+    int upgradeSwitch = -1;    ///< flips it
+    std::vector<int> streams;  ///< a hang-up of one of these ends it
 };
 
 class Simulator {
@@ -102,14 +102,15 @@ class Simulator {
     unsigned savedFirmware_ = 0;
 };
 
-/// Runs a simulator until SIGTERM or SIGINT, or until a terminal that it was started from closes. SIGHUP
-/// cycles the unit's power, SIGUSR1 unplugs it for a second, SIGUSR2 flips its upgrade switch. Writes "ready
-/// PATH" and a line about the unit to `out` when the port can be opened, and failures to `errors`. Answers
-/// the exit code.
+/// Runs a simulator until SIGTERM or SIGINT, or until one of the process's standard streams closes: a
+/// terminal, or a pipe or socket that it writes to. SIGHUP cycles the unit's power, SIGUSR1 unplugs it for a
+/// second, SIGUSR2 flips its upgrade switch. Writes "ready PATH" and a line about the unit to `out` when the
+/// port can be opened, and failures to `errors`. Answers the exit code.
 int runSimulatorUntilSignal(const SimulatorOptions& options, std::ostream& out, std::ostream& errors);
 
-/// Writes a firmware file for units of the model and firmware of the options. Answers the exit code.
-int writeFirmwareFor(const SimulatorOptions& options, const std::filesystem::path& file,
+/// Writes a firmware file for units of the model and firmware of the options and says so to `out`, failures
+/// to `errors`. Answers the exit code.
+int writeFirmwareFor(const SimulatorOptions& options, const std::filesystem::path& file, std::ostream& out,
                      std::ostream& errors);
 
 }  // namespace zentaq::sim

@@ -117,6 +117,8 @@ LinkPanel::LinkPanel(std::function<std::vector<PortInfo>()> ports, QWidget* pare
     QFont bold = font();
     bold.setBold(true);
     title_->setFont(bold);
+    title_->setMinimumWidth(
+        title_->fontMetrics().horizontalAdvance(QStringLiteral("Programming Firmware... ")));
     line1_ = makeLabel("lblCommStatus1", tr("Link status, first line"));
     line2_ = makeLabel("lblCommStatus2", tr("Link status, second line"));
     frameTimes_ = makeLabel("lblFrameTimes", tr("Where the time of a frame goes"));

@@ -1,12 +1,15 @@
 #include "windows/window_manager.h"
 
 #include <QApplication>
+#include <QScopeGuard>
 #include <QSplitter>
+#include <utility>
 
 #include "app/settings_keys.h"
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "config/tree.h"
+#include "link/flag_scope.h"
 #include "qt/help_key.h"
 #include "qt/look.h"
 #include "qt/window_placement.h"
@@ -383,7 +386,24 @@ void WindowManager::takeStoredColors() {
 void WindowManager::unitKindFound(int) {
     if (dashboard_) dashboard_->unitKindFound();
     // A monitor session opens the link anew, which cannot be done inside the reply that named the unit.
-    later([this] { beginMonitoring(); });
+    QTimer::singleShot(0, this, &WindowManager::beginMonitoring);
+}
+
+void WindowManager::later(const std::function<void()>& something) {
+    waiting_.push_back(something);
+    QTimer::singleShot(0, this, &WindowManager::runWaiting);
+}
+
+// A box runs an event loop of its own: the next one would stand upon it and be read first.
+void WindowManager::runWaiting() {
+    if (runsWaiting_ || waiting_.empty()) return;
+    const auto goOn = qScopeGuard([this] {
+        if (!waiting_.empty()) QTimer::singleShot(0, this, &WindowManager::runWaiting);
+    });
+    const FlagScope scope(runsWaiting_);
+    const std::function<void()> next = std::move(waiting_.front());
+    waiting_.pop_front();
+    next();
 }
 
 void WindowManager::beginMonitoring() {

@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QPointer>
 #include <QTimer>
+#include <deque>
+#include <functional>
 #include <memory>
 
 #include "app/main_commands.h"
@@ -93,7 +95,8 @@ class WindowManager : public QObject, public WindowSet {
     void updateDisplay() override;
     void resetDashboard() override;
     void clearPanel3() override { main_->clearPanel3(); }
-    void later(const std::function<void()>& something) override { QTimer::singleShot(0, this, something); }
+    /// One after the other: what shows a box ends before the next begins.
+    void later(const std::function<void()>& something) override;
 
  Q_SIGNALS:
     /// The core has shut down and the main window is closed.
@@ -110,6 +113,7 @@ class WindowManager : public QObject, public WindowSet {
     void placeTable(bool docked);
     void takeStoredColors();
     void beginMonitoring();
+    void runWaiting();
     void fastHelp();
     void focusChanged(QWidget* now);
 
@@ -128,6 +132,8 @@ class WindowManager : public QObject, public WindowSet {
     QPointer<FrmFastHelp> fastHelp_;
     QSplitter* centre_ = nullptr;
     QTimer tmrRefresh_;
+    std::deque<std::function<void()>> waiting_;  ///< by `later`
+    bool runsWaiting_ = false;
     std::uint64_t consoleSeen_ = 0;
     std::uint64_t linkSeen_ = 0;
     int idleFirings_ = 0;

@@ -48,7 +48,8 @@ class FirmwareUpgrade : public testing::Test {
         commands.firmwareUpgrade();
     }
     void tickUntil(const std::string& written) {
-        for (int i = 0; i < 50 && fake.port.written.back() != written; ++i) session.link.tick();
+        const auto& all = fake.port.written;
+        for (int i = 0; i < 50 && (all.empty() || all.back() != written); ++i) session.link.tick();
     }
     void answer(const std::string& reply) {
         fake.port.deliver({reply.begin(), reply.end()});
@@ -161,6 +162,42 @@ TEST_F(FirmwareUpgrade, WithoutAUnitTheCalibrationDecidesAndWithoutOneAnyNameIsT
     choose(firmware("mended.nv3"));
     EXPECT_THAT(titles(), ElementsAre("FIRMWARE UPGRADE WARNING"));
     EXPECT_TRUE(session.link.firmwarePending());
+}
+
+TEST_F(FirmwareUpgrade, AUnitThatLostItsFirmwareIsRememberedWhateverCalibrationIsInHand) {
+    runUpgrade();
+    answer("AR");
+    ASSERT_TRUE(session.link.firmwareLost());
+    session.link.Send_ORB_Command("T");
+    for (int i = 0; i < 1100; ++i) session.link.tick();  // nobody answers any more
+    ASSERT_EQ(session.link.linked().LinkedUnitKind, 0);
+    for (const float inHand : {0.0F, 4.0F}) {
+        session.CurrentUnit(inHand);
+        choose(firmware("ZQL-705100.nv3"));
+        EXPECT_EQ(titles().back(), "Invalid Firmware") << inHand;
+    }
+    choose(firmware("ZQA-505100.nv3"));
+    EXPECT_TRUE(session.link.firmwarePending());
+}
+
+TEST_F(FirmwareUpgrade, WhatWasCheckedIsSentThoughTheFileChangesOnTheWay) {
+    runUpgrade();
+    firmware("ZQA-505100.nv3", "S9030000FC\r\n");
+    answer("AX");
+    tickUntil("S1051000AA55EB");
+    EXPECT_EQ(fake.port.written.back(), "S1051000AA55EB");
+    std::filesystem::remove(fake.folder.path("ZQA-505100.nv3"));
+    answer("AX");
+    tickUntil("S9030000FC");
+    EXPECT_EQ(fake.port.written.back(), "S9030000FC");
+}
+
+TEST_F(FirmwareUpgrade, WithoutAUnitTheNameOfTheFileTellsHowItsLinesEnd) {
+    choose(firmware("ZQA-505100.nv3"));
+    tickUntil("P3");
+    answer("AX");
+    tickUntil("S0030000FC");
+    EXPECT_EQ(fake.port.written.back(), "S0030000FC");
 }
 
 TEST_F(FirmwareUpgrade, AFileThatIsNotWholeIsToldWithItsLineAndNothingIsSent) {

@@ -201,7 +201,7 @@ TEST_F(OptionsTest, ShowWhatTheProgramDoesWhileNothingIsStored) {
     }
     EXPECT_EQ(options.value("optPrintButton"), "0");
     EXPECT_EQ(options.value("optMonitorMode"), "0");
-    EXPECT_EQ(options.value("sldDashAdjust"), "100");
+    EXPECT_EQ(options.value("sldDashAdjust"), "125");
     EXPECT_EQ(options.value("txtPollRate"), "");
     EXPECT_EQ(options.value("txtCLTvalue"), "-");
     EXPECT_EQ(options.value("txtNeedleColor"), "");
@@ -262,13 +262,13 @@ TEST_F(OptionsTest, KeepDesignValuesWhereTheStoreHoldsNoNumber) {
 
 TEST_F(OptionsTest, ShowNoUpdateRateThatTheSliderCannotYield) {
     stored("ADUR", "0");
-    EXPECT_EQ(Options(session).value("sldDashAdjust"), "100");
+    EXPECT_EQ(Options(session).value("sldDashAdjust"), "125");
     stored("ADUR", "-3");
-    EXPECT_EQ(Options(session).value("sldDashAdjust"), "100");
+    EXPECT_EQ(Options(session).value("sldDashAdjust"), "125");
     stored("ADUR", "0.2");
     EXPECT_EQ(Options(session).value("sldDashAdjust"), "1");
     stored("ADUR", "5000");
-    EXPECT_EQ(Options(session).value("sldDashAdjust"), "100");
+    EXPECT_EQ(Options(session).value("sldDashAdjust"), "125");
 }
 
 TEST_F(OptionsTest, ShowNoColourThatIsNone) {

@@ -153,6 +153,19 @@ TEST_F(ZentaqctlFirmware, OneCtrlCIsAnsweredByAWarningAndTheUpgradeGoesOn) {
     EXPECT_THAT(state(), StartsWith("programmed"));
 }
 
+TEST_F(ZentaqctlFirmware, AWarningThatNobodyReadsAnyMoreEndsNothing) {
+    startReady();
+    const std::string code = folder.file("code");
+    const std::string line = "( " + inQuotes(ZENTAQ_APP_DIR "/zentaqctl") + " firmware --yes --port " +
+                             inQuotes(port) + " " + inQuotes(firmware) + " & p=$!; until grep -q missing " +
+                             inQuotes(memory + ".firmware") +
+                             "; do kill -0 $p || break; done; kill -TERM $p; wait $p; echo $? >" +
+                             inQuotes(code) + " ) 2>&1 >/dev/null | true";
+    ASSERT_EQ(std::system(line.c_str()), 0);
+    EXPECT_EQ(contentOf(code), "0\n");
+    EXPECT_THAT(state(), StartsWith("programmed"));
+}
+
 TEST_F(ZentaqctlFirmware, ASecondCtrlCBreaksOffAndTellsThatTheUnitHasNoFirmware) {
     startReady();
     OnTerminal terminal(words({"--yes"}), folder.file("out"));

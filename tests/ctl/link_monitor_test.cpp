@@ -131,6 +131,19 @@ TEST_F(ZentaqctlOnLink, CtrlCEndsAMonitorWellAndItsLogIsWhole) {
     EXPECT_EQ(columnsOf(linesOf(content).back()), datalogColumns);
 }
 
+TEST_F(ZentaqctlOnLink, AMonitorForLongerThanAnybodyWaitsRunsUntilItIsEnded) {
+    startUnit("A");
+    int ends[2];
+    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+    Running program(ZENTAQ_APP_DIR "/zentaqctl", {"monitor", "--port", port, "--seconds", "1e30"}, ends[1],
+                    STDERR_FILENO);
+    ::close(ends[1]);
+    EXPECT_THAT(readUntil(ends[0], "t=1 "), HasSubstr("t=1 "));
+    program.signal(SIGINT);
+    EXPECT_EQ(program.wait(), 0);
+    ::close(ends[0]);
+}
+
 // ---- Datalog
 
 TEST_F(ZentaqctlOnLink, DatalogRetrievesTheUnitsOwnLog) {

@@ -1,4 +1,6 @@
 // trace, and --trace of the commands of the link.
+#include <filesystem>
+
 #include "ctl/link_fixture.h"
 
 namespace zentaq {
@@ -26,7 +28,7 @@ TEST_F(ZentaqctlTrace, ShowsTheLinesAndWhatTheyAddUpTo) {
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.error, "");
     const auto lines = linesOf(outcome.out);
-    ASSERT_EQ(lines.size(), 10u) << outcome.out;
+    ASSERT_EQ(lines.size(), 11u) << outcome.out;
     EXPECT_THAT(lines[0], StartsWith("       10.000 >    1  S: store on-the-fly changes, 2 bytes expected "));
     EXPECT_THAT(lines[1], ::testing::EndsWith(" | 41 52"));
     EXPECT_EQ(lines[3], "");
@@ -38,7 +40,8 @@ TEST_F(ZentaqctlTrace, ShowsTheLinesAndWhatTheyAddUpTo) {
               "E               1         0         -         -         -         -         0         0");
     EXPECT_EQ(lines[8],
               "S               1         1      20.0      20.0      20.0      20.0         0         1");
-    EXPECT_EQ(lines[9], "Problems: 1 refused");
+    EXPECT_EQ(lines[9], "Problems:");
+    EXPECT_EQ(lines[10], "  refused        1  at 0.0 s, at S");
 }
 
 TEST_F(ZentaqctlTrace, ChoosesByCommandTimeAndTrouble) {
@@ -60,7 +63,8 @@ TEST_F(ZentaqctlTrace, AnswersInJson) {
     EXPECT_EQ(fromJson(answer, "d[\"lines\"][1][\"problem\"],d[\"lines\"][1][\"bytes\"]"),
               "('refused', '41 52')");
     EXPECT_EQ(fromJson(answer, "d[\"summary\"][\"commands\"][\"S\"][\"medianMs\"]"), "20");
-    EXPECT_EQ(fromJson(answer, "d[\"summary\"][\"problems\"]"), "{'refused': 1}");
+    EXPECT_EQ(fromJson(answer, "d[\"summary\"][\"problems\"]"),
+              "{'refused': {'count': 1, 'firstMs': 30, 'lastMs': 30, 'commands': {'S': 1}}}");
     EXPECT_EQ(fromJson(shown("--json --summary").out, "\"lines\" in d"), "False");
 }
 
@@ -90,6 +94,8 @@ TEST_F(ZentaqctlTrace, ACommandOfTheLinkRecordsWhatPassed) {
     EXPECT_THAT(text, HasSubstr("E: serial 201234, unit A, 8 of 8 bytes, sum right"));
     EXPECT_THAT(text, HasSubstr("B: firmware ZQA-405099, calibration "));
     EXPECT_THAT(text, HasSubstr("program: ORB :: Firmware: ZQA-405099"));
+    EXPECT_THAT(text, HasSubstr("Unit: serial 201234, unit A\n"));
+    EXPECT_THAT(text, HasSubstr("*       port closed\n")) << "the port is closed while the trace runs";
     EXPECT_THAT(text, HasSubstr("the trace ends"));
     EXPECT_THAT(text, HasSubstr("port 1, " + port));
     EXPECT_THAT(text, HasSubstr("Problems: none"));
@@ -106,7 +112,21 @@ TEST_F(ZentaqctlTrace, EveryLineOfAProgrammingIsThere) {
 TEST_F(ZentaqctlTrace, ASilentUnitLeavesItsTimeOuts) {
     startUnitWith("silence@E");
     EXPECT_EQ(onUnit("identify", "--trace " + inQuotes(trace)).exitCode, 3);
-    EXPECT_EQ(fromJson(shown("--json").out, "d[\"summary\"][\"problems\"][\"time-out\"] >= 1"), "True");
+    EXPECT_EQ(fromJson(shown("--json").out, "d[\"summary\"][\"problems\"][\"time-out\"][\"count\"] >= 1"),
+              "True");
+}
+
+// A file that is opened in the place of a closed stream would get the words for the reader.
+TEST_F(ZentaqctlTrace, ClosedStandardStreamsLeaveTheTraceAlone) {
+    startUnit("A", {"--serial-format", "old"});
+    for (const char* closed : {"<&- 2>&-", "<&- >&- 2>&-", ">&- 2>&-"}) {
+        onUnit("identify", "--trace " + inQuotes(trace) + " " + closed);
+        const Outcome outcome = shown("--summary");
+        EXPECT_EQ(outcome.exitCode, 0) << closed;
+        EXPECT_EQ(outcome.error, "") << closed;
+        EXPECT_THAT(outcome.out, HasSubstr("must be upgraded")) << closed;
+        std::filesystem::remove(trace);
+    }
 }
 
 TEST_F(ZentaqctlTrace, ACalibrationIsNotTakenForATrace) {

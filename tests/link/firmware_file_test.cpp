@@ -170,20 +170,31 @@ TEST(FirmwareFile, AnyBytesEndInAnAnswer) {
 
 TEST(FirmwareFile, IsReadFromTheDisk) {
     const TemporaryFolder folder;
-    const std::string path = folder.write("ZQA-505100.nv3", lines({header, data, endOfFile}));
-    EXPECT_EQ(checkFirmwareFile(path).lines, 3);
-    EXPECT_THROW(checkFirmwareFile(folder.write("half.nv3", lines({header, data}))), Failure);
+    const std::string text = lines({header, data, endOfFile});
+    EXPECT_EQ(readFirmwareFile(folder.write("ZQA-505100.nv3", text)), text);
+    EXPECT_EQ(readFirmwareFile(folder.write("empty.nv3", "")), "");
+}
+
+TEST(FirmwareFile, ItsNameTellsTheKindThatItIsFor) {
+    EXPECT_EQ(slotOfFirmware("ZQA-505100.nv3"), 3);
+    EXPECT_EQ(slotOfFirmware("ZQL-705100.nv3"), 4);
+    EXPECT_EQ(slotOfFirmware("ZPK-405100.nv3"), 5);
+    EXPECT_EQ(slotOfFirmware("ZQC-305100.nv3"), 6);
+    EXPECT_EQ(slotOfFirmware("ZQD-505100.nv3"), 7);
+    EXPECT_EQ(slotOfFirmware("mended.nv3"), 0);
+    EXPECT_EQ(slotOfFirmware("ZQ"), 0);
+    EXPECT_EQ(slotOfFirmware(""), 0);
 }
 
 TEST(FirmwareFile, WhatIsNoReadableFileIsAFileError) {
     const TemporaryFolder folder;
-    EXPECT_THROW(checkFirmwareFile(folder.path("absent.nv3")), FileError);
-    EXPECT_THROW(checkFirmwareFile(folder.path()), FileError);
-    EXPECT_THROW(checkFirmwareFile("/dev/zero"), FileError) << "it would never end";
+    EXPECT_THROW(readFirmwareFile(folder.path("absent.nv3")), FileError);
+    EXPECT_THROW(readFirmwareFile(folder.path()), FileError);
+    EXPECT_THROW(readFirmwareFile("/dev/zero"), FileError) << "it would never end";
     const std::string huge = folder.path("huge.nv3");
     std::ofstream(huge) << data;
     std::filesystem::resize_file(huge, largestFirmwareFile + 1);
-    EXPECT_THROW(checkFirmwareFile(huge), FileError);
+    EXPECT_THROW(readFirmwareFile(huge), FileError);
 }
 
 TEST(FirmwareWarning, NamesEveryModelOnALineWithATab) {

@@ -32,6 +32,20 @@ TEST(FrameTiming, TellsNothingBeforeTheNextRequestMakesTheFirstFrameWhole) {
     EXPECT_TRUE(timing.shares(10'000));
 }
 
+TEST(FrameTiming, AFrameThatIsNeverAnsweredDoesNotTakeTheAnswerOfAnotherCommandForItsOwn) {
+    FrameTiming timing;
+    timing.written("F", 0);
+    timing.written("E", 100'000);
+    arrive(timing, 8, 104'000);
+    timing.delivered(8, 104'520);
+    oneFrame(timing, 110'000);
+    timing.written("F", 120'000);
+    const auto shares = timing.shares(120'000);
+    ASSERT_TRUE(shares);
+    // One frame in 10 ms, not two in 120.
+    EXPECT_NEAR(shares->framesPerSecond, 100, tenthOfUs);
+}
+
 TEST(FrameTiming, OneLumpIsTheUnitsTimeSinceNothingProvesThatTheAdapterHeldItBack) {
     FrameTiming timing;
     oneFrame(timing, 0);

@@ -74,9 +74,9 @@ class Monitor : public testing::Test {
 TEST_F(Monitor, PollsAsTheDashboardDoesUntilTheTimeIsOver) {
     EXPECT_EQ(run(), Ending::Done);
     EXPECT_NEAR(static_cast<double>(elapsedUs()), 1e6, 2000);
-    // A poll each 10 ms; the codes come with each fiftieth.
-    EXPECT_GE(frames, 90);
-    EXPECT_LE(frames, 101);
+    // A poll each 8 ms, 125 a second; the codes come with each fiftieth.
+    EXPECT_GE(frames, 112);
+    EXPECT_LE(frames, 126);
     EXPECT_GE(std::ranges::count(port.written(), "T"), 1);
     EXPECT_EQ(session.live().RPM, 1200);
     EXPECT_GT(lastUs, 900'000);
@@ -86,7 +86,7 @@ TEST_F(Monitor, PollsAsTheDashboardDoesUntilTheTimeIsOver) {
 
 TEST_F(Monitor, EndsWhenTheUserWants) {
     wishes.durationUs.reset();
-    pass.meanwhile = [this] { stop = frames >= 250; };
+    pass.meanwhile = [this] { stop = frames >= 300; };
     EXPECT_EQ(run(), Ending::Stopped);
     EXPECT_THAT(seconds, ElementsAre(1, 2));
 }

@@ -322,6 +322,18 @@ TEST_F(HeadlessFirmware, AUnitThatAnswersNothingButTheStartIsProgrammed) {
     EXPECT_FALSE(session.link().firmwareLost());
 }
 
+TEST_F(HeadlessFirmware, AUnitThatAnswersNothingGetsItsLinesAsItsKindTakesThem) {
+    session.open(1);
+    ASSERT_EQ(session.findUnit(), Found::Nobody);
+    port.takeWritten();
+    port.always("P3", atOnce("AX"));
+    answerLines(0, "");
+    const TransferEnd end = session.transferFirmware("ZQA-505100.nv3", "S0a\r\nS9c\r\n", 3);
+    EXPECT_EQ(end.ending, Ending::Done);
+    EXPECT_EQ(end.total, 2);
+    EXPECT_THAT(port.written(), ElementsAre("P3", "S0a", "S9c"));
+}
+
 TEST_F(HeadlessFirmware, AUnitWithoutFirmwareThatRefusesTheStartIsNotTakenForASilentOne) {
     session.open(1);
     ASSERT_EQ(session.findUnit(), Found::Nobody);

@@ -50,6 +50,28 @@ TEST(CommandTable, ReplyLengthsByUnitKind) {
     }
 }
 
+TEST(CommandTable, TheNullUnitAnswersOneByteAndTwoWhereEveryUnitDoes) {
+    for (const CommandRow& row : commandTable()) {
+        const std::string keys = "A K P1 P2 P3 S Z ";
+        const bool misc = keys.find(std::string(row.key) + " ") != std::string::npos;
+        EXPECT_EQ(nullKind().sizes.*row.replyLength, misc ? 2 : 1) << row.key;
+    }
+}
+
+TEST(CommandTable, BothKindsOfOrbDHaveTheSameLengths) {
+    for (const CommandRow& row : commandTable()) {
+        EXPECT_EQ(unitKindOfSlot(8)->sizes.*row.replyLength, unitKindOfSlot(7)->sizes.*row.replyLength);
+    }
+}
+
+TEST(CommandTable, AFirstIdentifyAndThatOfAnOldOrbAAskForSixBytes) {
+    const CommandRow& identify = *findCommand("E");
+    EXPECT_EQ(replyLength(identify, nullKind(), false), 6);
+    EXPECT_EQ(replyLength(identify, *unitKindOfSlot(3), true), 6);
+    EXPECT_EQ(replyLength(identify, *unitKindOfSlot(3), false), 8);
+    EXPECT_EQ(replyLength(identify, *unitKindOfSlot(4), true), 8);
+}
+
 TEST(CommandTable, ClearStoreAndFirmwareHaveFiveSecondsOfPatience) {
     for (const CommandRow& row : commandTable()) {
         const bool slow = row.key == "A" || row.key == "S" || row.key == "P3";

@@ -256,6 +256,32 @@ TEST_F(LinkLine, AnotherPortForgetsTheAdapterThatIsAway) {
     EXPECT_EQ(link.status().title, "Connecting...");
 }
 
+TEST_F(LinkLine, APortThatIsClosedBeforeTheNextTickHasNoNewsOfItsAdapter) {
+    meetOrbA();
+    port.loseDevice();
+    link.RS232_Close();
+    ticks(1);
+    EXPECT_NE(link.status().title, "Adapter is back");
+    EXPECT_TRUE(link.linked().UnitIdentified) << "the close alone loses no link";
+}
+
+TEST_F(LinkLine, RecordsThatWaitWhenTheAdapterGoesReachNoUnitThatComesBack) {
+    meetOrbA();
+    port.silent(true);
+    link.Send_ORB_Command("F");
+    ticks(1);
+    link.SEND_ONFLY("S10411415059");
+    port.loseDevice();
+    port.returnDevice("/dev/ttyUSB1");
+    port.silent(false);
+    port.takeWritten();
+    port.once("E", identifyReply(200000));
+    port.once("B", firmwareReply("DEMO", "ZQA0004001"));
+    ticks(100);
+    EXPECT_EQ(port.takeWritten(), (Texts{"E", "B"}));
+    EXPECT_EQ(host.onFlyCalls.front(), false) << "nothing more is sent until it has told who it is";
+}
+
 // ---- A unit whose power comes back
 
 TEST_F(LinkLine, AtALowRateOfUpdatesASearchedUnitIsAskedForAgainAfter200IdleTicks) {

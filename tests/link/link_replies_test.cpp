@@ -309,6 +309,69 @@ TEST_F(FirmwareReply, TheMismatchBoxAppearsOncePerConnect) {
     EXPECT_EQ(host.boxes.size(), 2u);
 }
 
+TEST_F(FirmwareReply, AnotherKindInThePlaceOfAnIdentifiedOneEndsOnTheFlyAndIsWarnedOf) {
+    host.current = 3;
+    answer(200000, "ZQA0003007");
+    ASSERT_EQ(host.onFlyCalls, (std::vector<bool>{true}));
+    // The cable was put on another unit while nothing was polled: no time-out tells.
+    link.Send_ORB_Command("E");
+    link.SEND_ONFLY("S10411415059");
+    port.takeWritten();
+    port.once("E", atOnce(identifyReply(300000)));
+    port.once("B", atOnce(firmwareReply("OTHER", "ZQL0003001", 38)));
+    ticks(20);
+    EXPECT_EQ(host.onFlyCalls, (std::vector<bool>{true, false}));
+    ASSERT_EQ(host.boxes.size(), 1u);
+    EXPECT_EQ(host.boxes[0].title, "Unit Type Mismatch");
+    EXPECT_EQ(port.written(), (Texts{"E", "B"})) << "the record was meant for the former one";
+    EXPECT_EQ(link.linked().LinkedUnitKind, 4);
+    EXPECT_EQ(link.status().unitLabel, "L");
+    EXPECT_EQ(link.status().title, "Active ORB...");
+}
+
+TEST_F(FirmwareReply, ATransferThatWasMeantForAnotherKindIsNotBroughtToTheUnitThatTookItsPlace) {
+    answer(200000, "ZQA0003007");
+    const std::string firmware = folder.write("new.nv3", "S1FIRST\r\n");
+    link.Send_ORB_Command("E");
+    link.Program_Unit(TransferMode::Firmware, firmware);
+    port.takeWritten();
+    port.once("E", atOnce(identifyReply(300000)));
+    ticks(20);
+    EXPECT_EQ(port.written(), (Texts{"E", "B"}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
+    EXPECT_FALSE(link.transferPending());
+    ticks(2000);
+    EXPECT_EQ(host.messages.size(), 1u) << "it ends once";
+}
+
+TEST_F(FirmwareReply, ADownloadEndsWithTheUnitThatItCameFrom) {
+    answer(200000, "ZQA0003007");
+    link.Program_Unit(TransferMode::Datalog, folder.path("log.dat"));
+    ticks(1);
+    link.Send_ORB_Command("E");
+    port.send(atOnce(framed(33, {{3, 10}})));
+    port.once("E", atOnce(identifyReply(300000)));
+    ticks(5);
+    EXPECT_EQ(host.messages, (std::vector<int>{1007}));
+    EXPECT_FALSE(link.TransferActive());
+    ticks(2000);
+    EXPECT_EQ(host.messages.size(), 1u) << "it ends once";
+}
+
+TEST_F(FirmwareReply, TheSameKindAskedAgainKeepsOnTheFlyAndWhatWaits) {
+    host.current = 3;
+    answer(200000, "ZQA0003007");
+    link.Send_ORB_Command("E");
+    link.SEND_ONFLY("S10411415059");
+    port.takeWritten();
+    port.once("E", atOnce(identifyReply(200001)));
+    port.once("P2S10411415059", atOnce("AX"));
+    port.once("B", atOnce(firmwareReply("MY CAR", "ZQA0003007")));
+    ticks(20);
+    EXPECT_EQ(port.written(), (Texts{"E", "P2S10411415059", "B"}));
+    EXPECT_EQ(host.onFlyCalls, (std::vector<bool>{true, true}));
+}
+
 TEST_F(FirmwareReply, FileOfTheSameKindTurnsOnTheFlyOn) {
     host.current = 3;
     answer(200000, "ZQA0003007");

@@ -417,6 +417,10 @@ TEST_F(LinkTransfers, FirmwareRefusedAtALineFailsWithMessage1004) {
     EXPECT_EQ(host.messages, (std::vector<int>{1004}));
     EXPECT_EQ(host.logLines.back(), "Firmware Upload to ORB Unit FAILED!");
     EXPECT_TRUE(link.firmwareLost());
+    EXPECT_EQ(link.status().title, "Transfer failed");
+    EXPECT_EQ(link.status().line1, "PROCESS FAILED - EXITED ABNORMALLY.");
+    EXPECT_EQ(link.status().line2, "") << "nobody is to wait any more";
+    EXPECT_EQ(link.status().image, LinkImage::Warning);
 }
 
 TEST_F(LinkTransfers, FirmwareRefusedAtItsStartFailsWithMessage1005) {
@@ -498,6 +502,53 @@ TEST_F(LostFirmware, WithAClosedPortNobodyKnowsThatTheUnitIsLostForGood) {
     EXPECT_EQ(host.messages, (std::vector<int>{1004}));
 }
 
+TEST_F(LostFirmware, WithTheAdapterPulledOutNobodyKnowsThatTheUnitIsLostForGood) {
+    answerLines("");
+    upgrade("S0\nS9\n");
+    ticks(3);
+    ASSERT_EQ(port.written(), (Texts{"P3"}));
+    port.loseDevice();
+    ticks(5001);
+    EXPECT_EQ(host.messages, (std::vector<int>{1004}));
+    EXPECT_EQ(link.status().title, "Adapter unplugged");
+}
+
+TEST_F(LostFirmware, AnAdapterThatWasAwayWhenTheStartWentOutProvesNothingThoughItIsBack) {
+    answerLines("");
+    port.loseDevice();
+    upgrade("S0\nS9\n");
+    ticks(3);
+    port.returnDevice("/dev/ttyUSB0");
+    ticks(5001);
+    EXPECT_EQ(host.messages, (std::vector<int>{1004}));
+}
+
+TEST_F(LostFirmware, WithTheAdapterThereAgainTheNextRunMayTellThatTheUnitIsLost) {
+    answerLines("");
+    port.loseDevice();
+    ticks(3);
+    port.returnDevice("/dev/ttyUSB0");
+    upgrade("S0\nS9\n");
+    ticks(7000);
+    EXPECT_EQ(host.messages, (std::vector<int>{1009}));
+}
+
+TEST_F(LostFirmware, ItsKindIsKeptForTheRunThatMendsIt) {
+    EXPECT_EQ(link.firmwareLostSlot(), 3);
+    port.always("E", atOnce(""));
+    link.Send_ORB_Command("E");
+    ticks(1 + 1001);  // nobody answers any more
+    ASSERT_EQ(link.linked().LinkedUnitKind, 0);
+    EXPECT_EQ(link.firmwareLostSlot(), 3);
+    answerLines("AX");
+    port.always("S9", atOnce("PN"));
+    forget();
+    upgrade("S0\nS9\n");
+    runUntilIdle();
+    EXPECT_EQ(port.written(), (Texts{"P3", "S0", "S9"})) << "this kind takes its lines without an end";
+    EXPECT_EQ(link.firmwareLostSlot(), 0);
+}
+
 TEST_F(LostFirmware, ASecondRunThatEndsWellMendsIt) {
     port.always("S9", atOnce("PN"));
     upgrade("S0\nS9\n");
@@ -538,7 +589,7 @@ TEST_F(LostFirmware, TheNextRunOutlivesThePollThatTheUnitDoesNotAnswer) {
     EXPECT_TRUE(host.messages.empty());
     EXPECT_TRUE(link.AutoPollSuspended());
     runUntilIdle();
-    EXPECT_EQ(port.written(), (Texts{"E", "P3", "S0\r\n", "S9\r\n"}));
+    EXPECT_EQ(port.written(), (Texts{"E", "P3", "S0", "S9"})) << "the kind is still known";
     EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008}));
 }
 
@@ -553,7 +604,42 @@ TEST_F(LinkTransfers, AFirmwareOutlivesAFrameThatAUnitInUpgradeModeNoLongerAnswe
     ticks(84);
     EXPECT_EQ(link.QueuedCommands(), 1) << "the firmware alone stays";
     runUntilIdle();
-    EXPECT_EQ(port.written(), (Texts{"F", "P3", "S9\r\n"}));
+    EXPECT_EQ(port.written(), (Texts{"F", "P3", "S9"})) << "lines as the kind takes them that was found";
+    EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008}));
+}
+
+TEST_F(LinkTransfers, WithoutAUnitTheKindThatTheFirmwareIsForDecidesHowItsLinesEnd) {
+    open();
+    answerLines("AX");
+    port.always("S9", atOnce("PN"));
+    for (const int slot : {3, 5, 0}) {
+        forget();
+        link.programFirmware("ZQA.nv3", "S0\nS9\n", slot);
+        runUntilIdle();
+        const std::string end = slot == 3 ? "" : "\r\n";
+        EXPECT_EQ(port.written(), (Texts{"P3", "S0" + end, "S9" + end})) << slot;
+    }
+}
+
+TEST_F(LinkTransfers, AUnitOnTheLinkDecidesHowItsLinesEndWhateverTheCallerThinks) {
+    find(200000);
+    answerLines("AX");
+    link.programFirmware("ZQL.nv3", "S0\n", 4);
+    runUntilIdle();
+    EXPECT_EQ(port.written(), (Texts{"P3", "S0"}));
+}
+
+TEST_F(LinkTransfers, AFirmwareFileThatVanishesOnTheWayIsSentToItsEnd) {
+    find(200000);
+    answerLines("AX");
+    port.always("S9", atOnce("PN"));
+    upgrade("S0\nS1\nS9\n");
+    ticks(15);
+    ASSERT_EQ(port.written(), (Texts{"P3", "S0"}));
+    std::ofstream(folder.path("new.nv3"), std::ios::trunc) << "S2\n";
+    std::filesystem::remove(folder.path("new.nv3"));
+    runUntilIdle();
+    EXPECT_EQ(port.written(), (Texts{"P3", "S0", "S1", "S9"}));
     EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008}));
 }
 

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "link/link_bench.h"
 
 namespace zentaq {
@@ -291,6 +293,54 @@ TEST_F(PortSearch, FramesOfALivingLinkDoNotKeepTheSearchFromItsUnit) {
     ticks(1);
     ASSERT_EQ(link.CurrentCommand(), "W");
     EXPECT_EQ(link.Autodetect_COMM_Port(), 1);
+}
+
+TEST_F(PortSearch, TheEndOfAFrameThatIsStillOnTheWireDoesNotStandInFrontOfTheAnswer) {
+    identify(300000, "ZQL0007001");
+    link.Send_ORB_Command("W");
+    ticks(1);
+    ASSERT_EQ(link.CurrentCommand(), "W");
+    port.unitOnPort(1);
+    port.always("E", identifyReply(300000));
+    // The port is open again while the unit still speaks: the last 50 bytes of 66, 13 ms.
+    yielding.meanwhile = [this, first = true]() mutable {
+        if (std::exchange(first, false)) port.send(std::string(50, '\x01'));
+        ticks(1);
+    };
+    EXPECT_EQ(link.Autodetect_COMM_Port(), 1);
+    EXPECT_EQ(link.linked().SerialNumber, 300000);
+}
+
+TEST_F(PortSearch, ALineThatNeverGoesQuietDoesNotHoldTheSearch) {
+    identify(300000, "ZQL0007001");
+    link.Send_ORB_Command("W");
+    ticks(1);
+    port.silent(true);
+    yielding.meanwhile = [this] {
+        port.send(atOnce("\x77"));
+        ticks(1);
+    };
+    const std::int64_t start = clock.monotonicUs();
+    EXPECT_EQ(link.Autodetect_COMM_Port(), 0);
+    EXPECT_LE(clock.monotonicUs() - start, 12 * 50'000 + 150'000);
+}
+
+TEST_F(PortSearch, AnAnswerThatATickHasHandledIsNotTakenForTheFrameThatIsAskedForNext) {
+    port.unitOnPort(1);
+    port.always("E", identifyReply(200000));
+    port.always("B", firmwareReply("DEMO", "ZQA0004001"));
+    // The dashboard polls as soon as the unit is known; its frame is not there when the 50 ms are over.
+    port.always("F", {.bytes = std::string(35, '\x02'), .delayUs = 60'000});
+    yielding.meanwhile = [this] {
+        if (link.linked().UnitIdentified && link.QueuedCommands() == 0) link.Send_ORB_Command("F");
+        ticks(1);
+    };
+    EXPECT_EQ(link.Autodetect_COMM_Port(), 1);
+    ASSERT_EQ(link.CurrentCommand(), "F");
+    EXPECT_EQ(host.frameCount, 0);
+    EXPECT_EQ(live.RPM, 0) << "0xFAA5 would be 64165 turns";
+    ticks(60);
+    EXPECT_EQ(live.RPM, 0x0202);
 }
 
 TEST_F(PortSearch, TheDirectCallHandlesAReplyThatNoTickSaw) {

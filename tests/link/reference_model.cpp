@@ -169,6 +169,7 @@ bool Model::beginLines(const std::string& key, std::vector<std::string> lines, i
     for (const std::string& line : logLines) log(line);
     now_.progress = true;
     transfer_ = key;
+    if (key == "P3" && (now_.kind != 0 || !broken_)) firmwareKind_ = now_.kind;
     lines_ = std::move(lines);
     next_ = 0;
     send(key);
@@ -293,7 +294,10 @@ void Model::nextLine() {
     }
     now_.progress = true;
     std::string line = lines_.at(next_++);
-    if (now_.kind != 3) line += "\r\n";
+    // Decided: a firmware whose unit went silent before its first line is still written as that kind wants
+    // it.
+    const int kind = now_.kind == 0 && transfer_ == "P3" ? firmwareKind_ : now_.kind;
+    if (kind != 3) line += "\r\n";
     ++now_.line;
     // Decided: a line goes in front of what a user queued meanwhile; in a full ring the oldest gives way.
     const int front = (now_.head - 1) & 0x1FF;
@@ -384,6 +388,7 @@ void Model::end(bool success) {
     } else {
         now_.calls.push_back("add: FAIL!");
         log("PROCESS FAILED - EXITED ABNORMALLY.");
+        message("Transfer failed", imageWarning);  // decided: the display no longer asks for patience
         now_.calls.push_back("message: " + std::to_string(failureCode(key)));
     }
     now_.progress = false;
@@ -561,6 +566,13 @@ void Model::identify() {
             inPort_.clear();
             now_.serial = 0;
             return;  // decided: and no "B" follows; the poller asks again
+        }
+        // Decided: another kind in the place of an identified one ends what was agreed with that one, or
+        // changes on the fly would go to a unit of which the warning says that none will.
+        if (now_.identified && kind != now_.kind) {
+            if (now_.transferActive || !transfer_.empty()) end(false);
+            now_.transferActive = false;
+            lost(false);
         }
         now_.kind = kind;
     }

@@ -122,6 +122,7 @@ class Model {
     int currentUnit_ = 0, fileFirmware_ = 0;
     std::array<int, 2> known_{99, 999};
     bool broken_ = false;   ///< a firmware broke off between its lines
+    int firmwareKind_ = 0;  ///< of the unit that the last firmware was for
     std::string transfer_;  ///< key of the transfer that runs or waits
     std::vector<std::string> lines_;
     std::size_t next_ = 0;

@@ -133,6 +133,15 @@ TEST(TraceLines, OfTroubleComeWithTheLineBefore) {
     EXPECT_THAT(chosenLines(trace, {.command = "E", .problems = true}), IsEmpty());
 }
 
+TEST(TraceLines, OfTroubleComeWithTheCommandThoughTheProgramSpokeBetween) {
+    const TraceFile trace = parseTrace(head +
+                                       "       10.000 >    1  S: store, 2 bytes expected | 53\n"
+                                       "     5012.000 *       program: FAIL!\n"
+                                       "     5012.000 *       !time-out S: no answer for 5002.0 ms\n"
+                                       "     5012.000 *       !link-lost the unit is given up\n");
+    EXPECT_THAT(chosenLines(trace, {.problems = true}), ElementsAre(0, 2, 3));
+}
+
 TEST(TraceSummaries, CountCommandsTimesFramesLumpsAndTrouble) {
     const TraceFile trace = parseTrace(head + session);
     const TraceSummary summary = summaryOf(trace, chosenLines(trace, {}));
@@ -148,8 +157,40 @@ TEST(TraceSummaries, CountCommandsTimesFramesLumpsAndTrouble) {
     EXPECT_EQ(summary.commands.at("S").replies, 0);
     EXPECT_EQ(summary.frames, 2) << "a damaged one is none";
     EXPECT_DOUBLE_EQ(summary.framesPerSecond, 25) << "40 ms from the one to the other";
-    EXPECT_THAT(summary.problems,
-                ElementsAre(Pair("link-lost", 1), Pair("time-out", 1), Pair("wrong-sum", 1)));
+    ASSERT_EQ(summary.problems.size(), 3u);
+    EXPECT_EQ(summary.problems.at("link-lost").count, 1);
+    EXPECT_THAT(summary.problems.at("link-lost").commands, IsEmpty());
+    EXPECT_EQ(summary.problems.at("time-out").firstUs, 7'002'000);
+    EXPECT_EQ(summary.problems.at("wrong-sum").rank, 1u) << "the order in which they came";
+    EXPECT_EQ(summary.problems.at("time-out").rank, 2u);
+    EXPECT_EQ(summary.problems.at("link-lost").rank, 3u);
+    EXPECT_THAT(summary.problems.at("wrong-sum").commands, ElementsAre(Pair("W", 1)));
+    EXPECT_DOUBLE_EQ(summary.longestPauseMs, 40);
+    EXPECT_EQ(summary.pauseEndUs, 70'000);
+}
+
+TEST(TraceSummaries, TellWhoSaidWhoItIsOnce) {
+    const std::string line =
+        "       20.000 <    1  E: serial 201234, unit A, 1 of 1 bytes, sum right, after 5.0 ms | 00\n"
+        "       30.000 <    1  B: firmware ZQA-405099, calibration \"2 bytes, of mine\", 1 of 1 bytes, sum "
+        "right | 00\n";
+    const std::string damaged = "       40.000 <    1  !unclear E: no identification, 1 of 8 bytes | 00\n";
+    const TraceFile trace = parseTrace(head + line + damaged + line);
+    EXPECT_THAT(
+        summaryOf(trace, chosenLines(trace, {})).units,
+        ElementsAre("serial 201234, unit A", "firmware ZQA-405099, calibration \"2 bytes, of mine\""));
+}
+
+TEST(TraceSummaries, OfTroubleHaveItsFirstAndItsLastTime) {
+    const std::string late =
+        "       95.000 >    1  W: wide frame | 57\n"
+        "      110.000 <    3  !wrong-sum W: 3 of 3 bytes | 01 02 04\n";
+    const TraceFile trace = parseTrace(head + session + late);
+    const ProblemSummary problem = summaryOf(trace, chosenLines(trace, {})).problems.at("wrong-sum");
+    EXPECT_EQ(problem.count, 2);
+    EXPECT_EQ(problem.firstUs, 90'000);
+    EXPECT_EQ(problem.lastUs, 110'000);
+    EXPECT_THAT(problem.commands, ElementsAre(Pair("W", 2)));
 }
 
 TEST(TraceSummaries, OfNothingAreEmpty) {

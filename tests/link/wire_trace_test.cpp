@@ -204,6 +204,17 @@ TEST_F(WireTraceTest, AReplyThatIsTooLongIsSurplus) {
     EXPECT_EQ(meanings().back(), "!surplus W: 66 of 65 bytes, sum right, after 0.0 ms");
 }
 
+TEST_F(WireTraceTest, AByteTooManyIsSurplusAlsoWhereItSpoilsTheSum) {
+    begin();
+    identify();
+    write("W");
+    auto frame = wideFrame();
+    frame.insert(frame.begin() + 5, 7);
+    arrive(frame);
+    deliver(66);
+    EXPECT_EQ(meanings().back(), "!surplus W: 66 of 65 bytes, sum wrong, after 0.0 ms");
+}
+
 TEST_F(WireTraceTest, AReplyInLumpsNamesThem) {
     begin();
     identify();
@@ -217,6 +228,64 @@ TEST_F(WireTraceTest, AReplyInLumpsNamesThem) {
     deliver(65);
     EXPECT_EQ(meanings().back(),
               "W: 65 of 65 bytes, sum right, after 18.6 ms, in 2 lumps 62+3, 16.1 ms apart");
+}
+
+// The first identification of a session is asked for as if it had six bytes.
+TEST_F(WireTraceTest, AnIdentificationThatComesInTwoDeliveriesIsOneAnswer) {
+    begin();
+    write("E");
+    after(3'000);
+    arrive(std::span(orbA).first(6));
+    deliver(6);
+    after(16'000);
+    arrive(std::span(orbA).last(2));
+    deliver(2);
+    write("W");
+    const auto all = lines();
+    ASSERT_EQ(all.size(), 5u);
+    EXPECT_EQ(
+        traceMeaning(all[2]),
+        "E: serial 000123, unit A, 8 of 8 bytes, sum right, after 19.0 ms, in 2 lumps 6+2, 16.0 ms apart");
+    EXPECT_EQ(hexBytes(all[2].bytes), "FA A5 55 00 00 00 7B D0");
+    EXPECT_EQ(all[3].text, "wide frame, 65 bytes expected") << "the unit is known";
+}
+
+TEST_F(WireTraceTest, AnIdentificationWhoseRestNeverComesIsShort) {
+    begin();
+    write("E");
+    after(3'000);
+    arrive(std::span(orbA).first(7));
+    deliver(7);
+    after(41'000);
+    write("E");
+    arrive(orbA);
+    deliver(8);
+    EXPECT_THAT(meanings(), ElementsAre("E: identify, 6 bytes expected",
+                                        "!short E: 7 of 8 bytes, never whole, the last byte after 3.0 ms",
+                                        "E: identify, 6 bytes expected",
+                                        "E: serial 000123, unit A, 8 of 8 bytes, sum right, after 0.0 ms"));
+}
+
+TEST_F(WireTraceTest, CheckEngineCodesAreNamed) {
+    std::string none = "\xFA\xA5\x55" + std::string(12, '\xFF');
+    none += '\x49';  // 0x55 + 12 x 0xFF
+    std::string two = none;
+    two[3] = '\xFE';   // the lowest bit of the first word is cleared,
+    two[14] = '\x7F';  // and the highest of the last one
+    two[15] = '\xC8';  // 0x49 - 0x01 - 0x80
+    begin();
+    write("T");
+    answer(none);
+    identify();
+    write("T");
+    answer(none);
+    write("T");
+    answer(two);
+    const auto all = meanings();
+    EXPECT_EQ(all.at(1), "T: no codes, 16 bytes, after 0.0 ms");
+    EXPECT_EQ(all.at(5), "T: no codes, 16 of 16 bytes, sum right, after 0.0 ms");
+    EXPECT_THAT(all.at(7), StartsWith("T: 2 codes"));
+    EXPECT_THAT(all.at(7), EndsWith(", 16 of 16 bytes, sum right, after 0.0 ms"));
 }
 
 TEST_F(WireTraceTest, AnEarlyUnitIsToldByItsSixBytes) {
@@ -263,6 +332,27 @@ TEST_F(WireTraceTest, LinesOfATransferAreCountedUntilTheUnitHasVerifiedThem) {
                             "P1: line 2, S9030000FC, 2 bytes expected",
                             "P1: programming finished and verified (PN), 2 of 2 bytes, after 0.0 ms",
                             "W: wide frame, length of the reply not known yet"));
+}
+
+TEST_F(WireTraceTest, ALineWithoutAnAnswerIsNamed) {
+    begin();
+    identify();
+    write("P1");
+    answer("AX");
+    for (int line = 1; line <= 2; ++line) {
+        write("S113");
+        if (line == 1) answer("AX");
+    }
+    after(1'001'000);
+    trace.linkLost();
+    const auto all = meanings();
+    EXPECT_EQ(all.at(all.size() - 2), "!time-out P1: line 2, no answer for 1001.0 ms");
+    EXPECT_EQ(all.back(), "!link-lost the unit is given up");
+}
+
+TEST_F(WireTraceTest, AUnitThatWasThereBeforeIsNamedAtTheBeginning) {
+    trace.start(path, 3, false);
+    EXPECT_EQ(lines().at(0).text, "the trace begins; the unit on the link is of kind 3, ORB A");
 }
 
 TEST_F(WireTraceTest, ATransferThatRunsOutOfLinesIsFollowedByCommandsAgain) {
@@ -449,6 +539,19 @@ TEST_F(WireTraceTest, LinesReachTheFileWithinASecondAndTroubleAtOnce) {
     EXPECT_THAT(TemporaryFolder::read(path), HasSubstr("E: identify"));
     write("E");
     EXPECT_THAT(TemporaryFolder::read(path), HasSubstr("!time-out"));
+}
+
+TEST_F(WireTraceTest, AFileThatIsDeletedEndsTheTraceAndIsToldOnce) {
+    std::vector<std::string> told;
+    trace.onFailure([&](const std::string& reason) { told.push_back(reason); });
+    begin();
+    std::filesystem::remove(path);
+    for (int i = 0; i < 5; ++i) {
+        after(1'001'000);
+        trace.tend();
+    }
+    EXPECT_THAT(told, ElementsAre(path + ": No such file or directory"));
+    EXPECT_FALSE(trace.running());
 }
 
 TEST_F(WireTraceTest, AFullFileLosesItsOlderHalfOnly) {

@@ -43,6 +43,16 @@ TEST(TickPacer, CatchesUpInStepsOf20) {
     EXPECT_EQ(pacer.due(50 * ms), 0);
 }
 
+TEST(TickPacer, TellsWhatIsOwedAndLeavesItOwed) {
+    TickPacer pacer;
+    pacer.start(0);
+    EXPECT_EQ(pacer.owed(7 * ms), 7);
+    EXPECT_EQ(pacer.owed(7 * ms), 7);
+    EXPECT_TRUE(pacer.tryEarly(0));
+    EXPECT_EQ(pacer.owed(0), 0);
+    EXPECT_EQ(pacer.owed(7 * ms), 6);
+}
+
 TEST(TickPacer, StepSizeIsTheOwnersChoice) {
     TickPacer pacer({.perFiring = 7, .debt = 5000});
     pacer.start(0);

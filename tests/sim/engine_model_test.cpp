@@ -338,6 +338,86 @@ TEST(EngineModel, AccelerationEnrichmentHelpsWhenTheThrottleOpens) {
     EXPECT_GT(without, leanest(image) + 0.5);
 }
 
+TEST(EngineModel, AThrottleThatOpensSlowlyIsEnrichedLessThanOneThatIsStabbed) {
+    EngineCalibration calibration = plainCalibration();
+    constexpr double warm = 80;
+    const auto enriched = [&](double voltsPerSecond) {
+        Acceleration acceleration;
+        acceleration.step(voltsPerSecond, 0, warm, calibration, engineStep);
+        return acceleration.byThrottle();
+    };
+    EXPECT_EQ(enriched(1.5), 0);            // the threshold: (1.5 - 0.75) * 5 = 3.75, under 4
+    EXPECT_NEAR(enriched(2), 10, 0.01);     // 6.25 of 25, a quarter of 40 %
+    EXPECT_NEAR(enriched(5.75), 40, 0.01);  // 25 of 25
+    EXPECT_NEAR(enriched(10), 40, 0.01);
+}
+
+TEST(EngineModel, PressureThatRisesInADyingEngineIsNotEnriched) {
+    EngineModel engine({.serial = 200001, .drive = idleDrive()});
+    engine.advance(10);
+    engine.kill();
+    double most = 0;
+    for (int i = 0; i < 200; ++i) {
+        engine.advance(0.01);
+        most = std::max(most, engine.values().acceleration5);
+    }
+    EXPECT_GT(engine.values().mapKpa, 95);
+    EXPECT_EQ(most, 0);
+}
+
+TEST(EngineModel, TipInOfAColdPlainEngineStaysWithinWhatASensorCanTell) {
+    EngineModel engine({.serial = 200001});
+    engine.advance(15.2);  // before the full pull
+    double richest = 30;
+    double leanest = 0;
+    for (int i = 0; i < 200; ++i) {
+        engine.advance(0.01);
+        richest = std::min(richest, engine.values().actualAfr);
+        leanest = std::max(leanest, engine.values().actualAfr);
+    }
+    EXPECT_GT(richest, 10.5);
+    EXPECT_LT(leanest, 16.5);
+}
+
+TEST(EngineModel, AFlowSensorIsToldInTenthsOfTheNarrowByte) {
+    MemoryImage image = flatImage();
+    EngineModel engine({.serial = 200001});
+    engine.setCalibration(calibrationOf(image));
+    const double volts = engine.values().mapSensorVolts;
+    EXPECT_NEAR(engine.values().wideLoad, volts * 204, 1e-9);
+    image.put(1, 1);
+    engine.setCalibration(calibrationOf(image));
+    EXPECT_NEAR(engine.values().wideLoad, volts * 510, 1e-9);  // 5 V: 2550, 100 %
+}
+
+TEST(EngineModel, PressureRiseIsCountedByTheVoltsOfTheSensor) {
+    MemoryImage image = flatImage();
+    const auto countsPerKpa = [&](double gainWord) {
+        image.putWord(262, gainWord);
+        EngineModel engine({.serial = 200001});
+        engine.setCalibration(calibrationOf(image));
+        engine.advance(16.4);  // the throttle opens
+        EXPECT_GT(engine.values().mapAcceleration, 0.3);
+        return engine.values().mapAccelerationRaw / engine.values().mapAcceleration;
+    };
+    EXPECT_NEAR(countsPerKpa(4437), 137 / (94.43 * 0.0388), 0.05);  // 5 V over 94.43 kPa
+    EXPECT_NEAR(countsPerKpa(2103), 137 / (199.2 * 0.0388), 0.05);  // 0.0251 V/kPa
+}
+
+TEST(EngineModel, IdleMotorMovesBetweenTheDutiesOfTheMemory) {
+    MemoryImage image = flatImage();
+    EngineModel engine({.serial = 200001});
+    const auto shareOfDuty = [&](double least, double most) {
+        image.put(316, least);
+        image.put(317, most);
+        engine.setCalibration(calibrationOf(image));
+        return (engine.values().idleDuty - 20) / (220 - 20) * 100;
+    };
+    EXPECT_NEAR(shareOfDuty(20, 220), engine.values().idlePositionPercent, 1e-9);
+    shareOfDuty(90, 90);  // no range: the usual one, 1 to 255
+    EXPECT_NEAR(engine.values().idleDuty, 1 + 2.54 * engine.values().idlePositionPercent, 1e-9);
+}
+
 TEST(EngineModel, FuelIsCutOnTheOverrunAboveTheSpeedOfTheMemory) {
     MemoryImage image = flatImage();
     image.put(0, 2);

@@ -34,7 +34,8 @@ TEST(EngineOption, AMissingFileEndsWithOneAndItsName) {
     const Outcome outcome = startWith(path);
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(outcome.errors, "zentaq-sim: Cannot read " + path + ": No such file or directory\n");
+    EXPECT_EQ(outcome.errors,
+              "zentaq-sim: There is no file " + path + ": --engine takes idle, drive, dyno or a datalog\n");
 }
 
 TEST(EngineOption, AFileThatIsNoDatalogEndsWithOneAndTheReason) {

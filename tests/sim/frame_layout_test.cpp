@@ -21,6 +21,7 @@ LiveValues handPicked() {
     live.tpsVolts = 3;
     live.mapKpa = 100;
     live.mapSensorVolts = mapSensorVolts(100);  // 5.295 - 0.54738 = 4.74762
+    live.wideLoad = 968.514;                    // 4.74762 * 204
     live.coolantC = 88;
     live.airC = 25;
     live.batteryVolts = 13.8;
@@ -39,6 +40,7 @@ LiveValues handPicked() {
     live.desiredAfr = 14;
     live.actualAfr = 12;
     live.idlePositionPercent = 40;
+    live.idleDuty = 102.6;  // 1 + 40 % of 254
     live.idleDirection = 1;
     live.injectionGapMs = 12;
     live.veCorrection = -4;

@@ -1,10 +1,15 @@
 #include "sim/port_announcement.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <time.h>
 
 #include <fstream>
 
 #include "base/errors.h"
+#include "platform/port_list.h"
+#include "sim/pseudo_terminal.h"
 #include "sim_helpers.h"
 
 namespace zentaq::sim {
@@ -58,6 +63,21 @@ TEST(PortAnnouncement, LinkThatSomebodyElseHasTakenOverIsLeft) {
         fs::create_symlink("/dev/pts/99", link);
     }
     EXPECT_EQ(fs::read_symlink(link), "/dev/pts/99");
+}
+
+TEST(PortAnnouncement, LinkOfAKilledSimulatorIsNoPortWhenItsTerminalIsSomebodyElses) {
+    const TemporaryFolder folder;
+    const PseudoTerminal terminal;
+    const fs::path link = folder.path() / "orb-a-1";
+    const PortAnnouncement announcement(link, terminal.devicePath());
+    ASSERT_EQ(simulatedPorts(folder.path()).size(), 1u);
+    // An hour older than the terminal.
+    timespec times[2];
+    ::clock_gettime(CLOCK_REALTIME, &times[0]);
+    times[0].tv_sec -= 3600;
+    times[1] = times[0];
+    ASSERT_EQ(::utimensat(AT_FDCWD, link.c_str(), times, AT_SYMLINK_NOFOLLOW), 0);
+    EXPECT_TRUE(simulatedPorts(folder.path()).empty());
 }
 
 TEST(PortAnnouncement, MissingFolderIsAnError) {

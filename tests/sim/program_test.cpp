@@ -8,6 +8,7 @@
 #include <csignal>
 #include <fstream>
 #include <optional>
+#include <sstream>
 
 #include "sim/file_descriptor.h"
 #include "sim_helpers.h"
@@ -57,6 +58,32 @@ class Program {
         ::waitpid(process_, &status, 0);
         process_ = 0;
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    /// The exit code when it ends by itself within ten seconds, else -1.
+    int waited() {
+        int status = -1;
+        for (int i = 0; i < 1000; ++i) {
+            if (::waitpid(process_, &status, WNOHANG) == process_) {
+                process_ = 0;
+                return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+            }
+            ::usleep(10'000);
+        }
+        return -1;
+    }
+    /// The reader of its output dies.
+    void closeOutput() { out_ = FileDescriptor(); }
+    /// What it has said by its end.
+    std::string said() {
+        std::string text;
+        char buffer[4096];
+        pollfd watched{out_.get(), POLLIN, 0};
+        while (::poll(&watched, 1, 10'000) == 1) {
+            const auto count = ::read(out_.get(), buffer, sizeof buffer);
+            if (count <= 0) break;
+            text.append(buffer, static_cast<std::size_t>(count));
+        }
+        return text;
     }
     bool ready() {
         std::string said(6, '\0');
@@ -144,6 +171,36 @@ TEST(ProgramOptions, WrongOnesEndWithTwo) {
     EXPECT_EQ(Program({"--unit", "A", "--burst", "0"}).ended(), 2);
     EXPECT_EQ(Program({"--unit", "A", "--drop-writes", "-1"}).ended(), 2);
     EXPECT_EQ(Program({"--unit", "A", "--thunder"}).ended(), 2);
+}
+
+TEST(ProgramOptions, WrongOnesAreNamedInWordsOfAUser) {
+    const auto said = [](const Words& options) { return Program(options).said(); };
+    EXPECT_NE(said({"--unit", "A", "--baud", "-3"}).find("-3 not in range 0 to 4000000"), std::string::npos);
+    EXPECT_NE(said({"--unit", "A", "--serial-format", "new"}).find("current, octal or old, not new"),
+              std::string::npos);
+    EXPECT_EQ(said({"--unit", "A", "--code", "20"}),
+              "zentaq-sim: There is no check-engine code 20: one is a row, 1 to 12, with a digit from 1 to 8 "
+              "behind it, such as 21 or 128\n");
+    EXPECT_EQ(said({"--unit", "A", "--engine", "idel"}),
+              "zentaq-sim: There is no file idel: --engine takes idle, drive, dyno or a datalog\n");
+}
+
+TEST(ProgramOptions, HelpFitsATerminalOf80Columns) {
+    std::istringstream help(Program({"--help"}).said());
+    int lines = 0;
+    for (std::string line; std::getline(help, line); ++lines) EXPECT_LE(line.size(), 80u) << line;
+    EXPECT_GT(lines, 50);
+}
+
+TEST(ProgramEnd, ClosedPipeEndsItAndTakesItsLinkAway) {
+    const TemporaryFolder folder;
+    const fs::path link = folder.path() / "unit";
+    Program program({"--unit", "A", "--link", link.string()});
+    ASSERT_TRUE(program.ready());
+    ASSERT_TRUE(fs::is_symlink(link));
+    program.closeOutput();
+    EXPECT_EQ(program.waited(), 0);
+    EXPECT_FALSE(fs::is_symlink(link));
 }
 
 TEST(ProgramOptions, WrongWordsOfAFaultEndWithOne) {

@@ -547,13 +547,16 @@ TEST(Simulator, FirmwareStateOfAnotherKindIsRefused) {
 TEST(Simulator, FirmwareFileIsWrittenForTheModelAndItsFirmwareOnly) {
     const TemporaryFolder folder;
     SimulatorOptions options;
-    options.firmware = "ZQA-505100";
+    options.firmware = "ZQA-505098";
+    const fs::path file = folder.path() / "ZQA505098.nv3";
+    std::ostringstream out;
     std::ostringstream errors;
-    EXPECT_EQ(writeFirmwareFor(options, folder.path() / "ZQA505100.nv3", errors), 0);
+    EXPECT_EQ(writeFirmwareFor(options, file, out, errors), 0);
+    EXPECT_EQ(out.str(), file.string() + ": firmware ZQA-505098, for simulated units only\n");
     EXPECT_EQ(errors.str(), "");
-    EXPECT_TRUE(fs::exists(folder.path() / "ZQA505100.nv3"));
+    EXPECT_TRUE(fs::exists(file));
     options.firmware = "ZQL-407100";
-    EXPECT_EQ(writeFirmwareFor(options, folder.path() / "ZQL407100.nv3", errors), 1);
+    EXPECT_EQ(writeFirmwareFor(options, folder.path() / "ZQL407100.nv3", out, errors), 1);
     EXPECT_FALSE(fs::exists(folder.path() / "ZQL407100.nv3"));
     EXPECT_EQ(errors.str(),
               "zentaq-sim: A firmware text of the ORB A looks like ZQA-405099, not \"ZQL-407100\"\n");

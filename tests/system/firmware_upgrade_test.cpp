@@ -10,7 +10,7 @@
 namespace zentaq {
 namespace {
 
-constexpr int patienceMs = 40'000;
+constexpr int upgradePatienceMs = 40'000;
 constexpr const char* loadCalibration = "The BIN file MUST be loaded before starting your engine.";
 constexpr const char* intact = "The previous version of the firmware is still intact.";
 constexpr const char* gone = "There is now no firmware installed on this unit";
@@ -45,7 +45,7 @@ class FirmwareFlight : public testing::Test {
         ASSERT_TRUE(unit->ready());
         program = std::make_unique<Program>(application, folder.path("app"), link);
         program->kernel.load();
-        ASSERT_TRUE(Program::waitFor([&] { return program->identified(); }, patienceMs));
+        ASSERT_TRUE(Program::waitFor([&] { return program->identified(); }, upgradePatienceMs));
     }
     /// A whole file of few lines, so that no fault at a later line meets it.
     void shorten() const {
@@ -63,7 +63,7 @@ class FirmwareFlight : public testing::Test {
         ASSERT_TRUE(program->session.link.firmwarePending());
     }
     bool told(const char* text) {
-        return Program::waitFor([&] { return program->boxShown(text); }, patienceMs);
+        return Program::waitFor([&] { return program->boxShown(text); }, upgradePatienceMs);
     }
     std::string state() const {
         const auto bytes = bytesOf(memoryFile + ".firmware");
@@ -78,7 +78,8 @@ TEST_F(FirmwareFlight, AnUpgradeEndsWellAndTheUnitComesBackWithItsNewFirmware) {
     upgrade();
 
     // Meanwhile nothing may end the program unasked, and nobody may search or change the port.
-    ASSERT_TRUE(Program::waitFor([&] { return program->session.link.TransferLine() > 20; }, patienceMs));
+    ASSERT_TRUE(
+        Program::waitFor([&] { return program->session.link.TransferLine() > 20; }, upgradePatienceMs));
     program->kernel.closeRequested();
     EXPECT_TRUE(program->boxShown("A firmware upgrade is running."));
     EXPECT_FALSE(program->windows.closed());
@@ -91,9 +92,9 @@ TEST_F(FirmwareFlight, AnUpgradeEndsWellAndTheUnitComesBackWithItsNewFirmware) {
     EXPECT_FALSE(program->session.link.AutoPollSuspended());
 
     // The unit is silent until its power is cycled; then it is found by itself.
-    ASSERT_TRUE(Program::waitFor([&] { return !program->identified(); }, patienceMs));
+    ASSERT_TRUE(Program::waitFor([&] { return !program->identified(); }, upgradePatienceMs));
     unit->signal(SIGHUP);
-    ASSERT_TRUE(Program::waitFor([&] { return program->identified(); }, patienceMs));
+    ASSERT_TRUE(Program::waitFor([&] { return program->identified(); }, upgradePatienceMs));
     EXPECT_EQ(program->session.link.status().firmware, "ZQA-505100");
     EXPECT_NE(program->log().find("ORB: Firmware Upload Successful, Verified!"), std::string::npos);
 }
@@ -104,7 +105,8 @@ TEST_F(FirmwareFlight, AUnitThatIsNotInUpgradeModeKeepsItsFirmwareAndGoesOn) {
     ASSERT_TRUE(told(intact));
     EXPECT_EQ(state(), "");
     const auto frames = program->session.live.frames;
-    EXPECT_TRUE(Program::waitFor([&] { return program->session.live.frames > frames + 20; }, patienceMs));
+    EXPECT_TRUE(
+        Program::waitFor([&] { return program->session.live.frames > frames + 20; }, upgradePatienceMs));
     EXPECT_TRUE(program->identified());
 
     // With its switch on it takes the same file.
@@ -121,8 +123,8 @@ TEST_F(FirmwareFlight, ARefusedLineLeavesNoFirmwareAndASecondRunMendsTheUnit) {
     EXPECT_EQ(state().substr(0, 7), "missing");
 
     // The unit answers nothing now but the start of programming; polls in front of it are in vain.
-    ASSERT_TRUE(
-        Program::waitFor([&] { return program->session.link.linked().LinkedUnitKind == 0; }, patienceMs));
+    ASSERT_TRUE(Program::waitFor([&] { return program->session.link.linked().LinkedUnitKind == 0; },
+                                 upgradePatienceMs));
     shorten();
     upgrade();
     ASSERT_TRUE(told(loadCalibration));
@@ -142,7 +144,7 @@ TEST_F(FirmwareFlight, SilenceInTheMiddleEndsByItsTimeOutAndASecondRunMendsTheUn
     upgrade();
     ASSERT_TRUE(told(loadCalibration));
     unit->signal(SIGHUP);
-    ASSERT_TRUE(Program::waitFor([&] { return program->identified(); }, patienceMs));
+    ASSERT_TRUE(Program::waitFor([&] { return program->identified(); }, upgradePatienceMs));
     EXPECT_EQ(program->session.link.status().firmware, "ZQA-505100");
 }
 

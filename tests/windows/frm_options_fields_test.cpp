@@ -144,9 +144,9 @@ TEST_F(OptionsFields, KeysMoveTheUpdateRateWhichIsStoredAtOnceAndNeverZero) {
     key(Qt::Key_Left);
     EXPECT_EQ(stored("ADUR"), "1");
     key(Qt::Key_End);
-    EXPECT_EQ(stored("ADUR"), "100");
+    EXPECT_EQ(stored("ADUR"), "125");
     key(Qt::Key_Right);
-    EXPECT_EQ(label("lblADUR"), "100");
+    EXPECT_EQ(label("lblADUR"), "125");
 }
 
 TEST_F(OptionsFields, TheDashboardsTimerFollowsTheSliderAtOnce) {

@@ -3,9 +3,12 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QSocketNotifier>
 
 #include "app/fake_platform.h"
 #include "platform/manual_clock.h"
@@ -117,6 +120,51 @@ TEST_F(SerialPortOnATerminal, AReplyThatNobodyReadDoesNotAnswerTheFirstQuestion)
     ::close(other);
 }
 
+/// Something else that the event loop wakes up for, and that looks after the port at once.
+class OtherEvent {
+ public:
+    explicit OtherEvent(QtSerialPort& port) {
+        QObject::connect(&notifier_, &QSocketNotifier::activated, [this, &port] {
+            std::uint64_t count = 0;
+            EXPECT_EQ(::read(event_, &count, sizeof count), static_cast<ssize_t>(sizeof count));
+            port.service();
+        });
+    }
+    ~OtherEvent() { ::close(event_); }
+    OtherEvent(const OtherEvent&) = delete;
+    OtherEvent& operator=(const OtherEvent&) = delete;
+    void happen() const { ::eventfd_write(event_, 1); }
+
+ private:
+    int event_ = ::eventfd(0, EFD_NONBLOCK);
+    QSocketNotifier notifier_{event_, QSocketNotifier::Read};
+};
+
+TEST_F(SerialPortOnATerminal, ANoticeOfBytesThatWereTakenAlreadyIsNoLossOfTheDevice) {
+    struct Losses : LineWatch {
+        void lost(const PortInfo&, std::int64_t) override { ++count; }
+        int count = 0;
+    } losses;
+    port.watch(losses);
+    const PtyPair line;
+    announce(folder.path(), "A", line.path());
+    // The order in which one round of the event loop serves them is its own: some stand in front of the port.
+    const OtherEvent before(port);
+    port.open(1);
+    port.setReceiveThreshold(1);
+    const OtherEvent behind(port), further(port);
+    for (int round = 0; round < 20; ++round) {
+        line.send("AX");
+        for (const OtherEvent* event : {&before, &behind, &further}) event->happen();
+        QCoreApplication::processEvents();
+        clock.advanceUs(5000);
+        port.service();
+    }
+    EXPECT_EQ(losses.count, 0);
+    EXPECT_EQ(deliveries, 20);
+    port.unwatch(losses);
+}
+
 TEST_F(SerialPortOnATerminal, HoldsBytesWhileTheThresholdIsZero) {
     const PtyPair line;
     announce(folder.path(), "A", line.path());
@@ -179,6 +227,31 @@ TEST_F(SerialPortOnATerminal, ASilentDeviceGivesWayToTheOneThatTakesItsNumber) {
     std::string got;
     EXPECT_TRUE(eventually([&] { return !(got += unit.received()).empty(); }));
     EXPECT_EQ(silent.received(), "");
+}
+
+TEST_F(SerialPortOnATerminal, WhoTakesTheNumberOfASilentDeviceThatHasGoneIsToldAsItsReturn) {
+    struct News : LineWatch {
+        void opened(const PortInfo&, std::int64_t) override { told += "opened "; }
+        void lost(const PortInfo&, std::int64_t) override { told += "lost "; }
+        void returned(const PortInfo&, std::int64_t) override { told += "returned "; }
+        std::string told;
+    } news;
+    auto silent = std::make_unique<PtyPair>();
+    const PtyPair unit;
+    announce(folder.path(), "B", silent->path());
+    port.open(1);
+    port.watch(news);
+    silent->hangUp();
+    std::filesystem::remove(folder.path("B"));
+    ASSERT_TRUE(eventually([&] {
+        clock.advanceUs(QtSerialPort::lookUs);
+        return !port.present();
+    }));
+    announce(folder.path(), "A", unit.path());
+    pass(QtSerialPort::numberUs);
+    EXPECT_TRUE(port.present());
+    EXPECT_EQ(news.told, "lost returned ");
+    port.unwatch(news);
 }
 
 TEST_F(SerialPortOnATerminal, ADeviceThatHasSpokenIsKeptWhateverItsNumberBecomes) {

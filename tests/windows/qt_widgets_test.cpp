@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QFileDialog>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTimer>
@@ -173,6 +174,23 @@ TEST(QtDialogs, ABoxShowsTitleAndTextAndAnswersItsButton) {
     EXPECT_EQ(dialogs.show({"Print", "Are you sure?\nReally?", Icon::Question, Buttons::YesNo}), Answer::No);
     EXPECT_EQ(title, "Print");
     EXPECT_EQ(text, "Are you sure?\nReally?");
+}
+
+TEST(QtDialogs, ALineThatIsTooLongForTheScreenIsBrokenAndNotCut) {
+    QtDialogs dialogs;
+    std::string text = "The first line.\n";
+    for (int i = 0; i < 60; ++i) text += "There is now no firmware. ";
+    bool shown = false;
+    whenOpen<QMessageBox>([&](QMessageBox& box) {
+        const auto* label = box.findChild<QLabel*>("qt_msgbox_label");
+        ASSERT_NE(label, nullptr);
+        shown = true;
+        EXPECT_LE(label->geometry().right(), box.width());
+        EXPECT_GE(label->height(), label->fontMetrics().height() * 4);
+        box.close();
+    });
+    dialogs.show({.title = "Failed", .text = text, .icon = Icon::Exclamation});
+    EXPECT_TRUE(shown);
 }
 
 TEST(QtDialogs, ClosingABoxByOtherMeansDeclines) {

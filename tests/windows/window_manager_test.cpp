@@ -32,6 +32,19 @@ TEST_F(Manager, RemovingTheFormsEndsTheTableAtOnceSoThatItsLogLineStandsBeforeTh
     EXPECT_TRUE(logged("TABLE App. Terminated."));
 }
 
+TEST_F(Manager, WhatTheLinkTellsComesInItsOrderOneBoxAfterTheOther) {
+    std::vector<std::string> order;
+    windows.later([&] {
+        order.emplace_back("first");
+        QCoreApplication::processEvents();  // as a box that waits for its answer
+        order.emplace_back("first ends");
+    });
+    windows.later([&] { order.emplace_back("second"); });
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(order, (std::vector<std::string>{"first", "first ends", "second"}));
+}
+
 TEST_F(Manager, AfterAWarningTheActiveFormHasTheFocus) {
     openCalibration();
     commands.openTable("VE", "Volumetric Efficiency Table");
