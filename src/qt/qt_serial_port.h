@@ -22,6 +22,9 @@ class QtSerialPort : public QObject, public SerialPort {
 
     /// How often a vanished device is looked for.
     static constexpr std::int64_t lookUs = DeviceKeeper::lookUs;
+    /// A reply is whole when enough bytes are there and none has come for one and a half character times.
+    /// Every frame waits for it, and a byte that comes later than that is dropped before the next command.
+    static constexpr std::int64_t quietUs = 390;
     /// How often the number of a device that has never said anything is looked up again.
     static constexpr std::int64_t numberUs = 1'000'000;
     /// While this many bytes wait for a line that takes none, further commands go nowhere.
@@ -64,7 +67,7 @@ class QtSerialPort : public QObject, public SerialPort {
     const Clock& clock_;
     PortSource ports_;
     QSerialPort device_;
-    ReceiveGate gate_;
+    ReceiveGate gate_{quietUs};
     DeviceKeeper keeper_;
     std::string openError_;
     int number_ = 0;

@@ -18,7 +18,7 @@ constexpr int ticksBehindReply = 2;
 constexpr int ticksOwedAsARule = 5;
 
 /// A little more than the time for which a reply's line has to be quiet.
-constexpr std::int64_t quietUs = ReceiveGate::defaultQuietUs + 10;
+constexpr std::int64_t quietUs = QtSerialPort::quietUs + 10;
 
 }  // namespace
 

@@ -88,7 +88,7 @@ TEST_F(SerialPortOnATerminal, DeliversAReplyOnceWhenTheLineHasGoneQuiet) {
     port.setReceiveThreshold(2);
     line.send("AX");
     ASSERT_TRUE(eventually([&] { return port.settling(); }));
-    pass(519);
+    pass(389);
     EXPECT_EQ(deliveries, 0);
     pass(1);
     EXPECT_EQ(deliveries, 1);
