@@ -32,6 +32,11 @@ std::vector<std::uint8_t> ReceiveGate::take() {
     return std::exchange(held_, {});
 }
 
+std::size_t ReceiveGate::missing() const {
+    if (threshold_ <= 0 || enough()) return 0;
+    return static_cast<std::size_t>(threshold_) - held_.size();
+}
+
 bool ReceiveGate::enough() const {
     return threshold_ > 0 && held_.size() >= static_cast<std::size_t>(threshold_);
 }

@@ -41,6 +41,8 @@ class ReceiveGate {
     std::vector<std::uint8_t> take();
 
     std::size_t size() const { return held_.size(); }
+    /// Bytes that are still to come before a batch is whole.
+    std::size_t missing() const;
 
  private:
     bool enough() const;

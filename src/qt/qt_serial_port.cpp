@@ -17,6 +17,9 @@ namespace zentaq {
 
 namespace {
 
+/// What comes in a millisecond, the time from one call of service() to the next.
+constexpr std::size_t bytesInATick = 4;
+
 /// Bytes that wait in the driver; -1 when the device is gone.
 int waitingBytes(int handle) {
     int count = 0;
@@ -97,8 +100,31 @@ bool QtSerialPort::openDevice(const std::string& device) {
     device_.clear();
     lost_ = false;
     gate_.take();
+    for (QSocketNotifier* notices : device_.findChildren<QSocketNotifier*>()) {
+        if (notices->type() == QSocketNotifier::Read) notices_ = notices;
+    }
+    listen();
     keeper_.lookLater(clock_.monotonicUs());
     return true;
+}
+
+// A port that gives its bytes one by one would wake the program for each of them, thousands of times a
+// second. service() takes them once a millisecond; only the end of a reply is waited for by the byte.
+void QtSerialPort::listen() {
+    if (!notices_) return;
+    const std::size_t missing = gate_.missing();
+    notices_->setEnabled(missing > 0 && missing <= bytesInATick);
+}
+
+std::vector<std::uint8_t> QtSerialPort::read() {
+    std::vector<std::uint8_t> bytes = gate_.take();
+    listen();
+    return bytes;
+}
+
+void QtSerialPort::setReceiveThreshold(int bytes) {
+    gate_.threshold(bytes);
+    listen();
 }
 
 void QtSerialPort::closeDevice() {
@@ -148,17 +174,18 @@ void QtSerialPort::drain() {
     const int waiting = waitingBytes(static_cast<int>(device_.handle()));
     if (waiting < 0) lost_ = true;
     if (waiting > 0) device_.waitForReadyRead(0);
-    keep();
+    if (device_.bytesAvailable() > 0) keep();
 }
 
 void QtSerialPort::keep() {
-    const QByteArray bytes = device_.readAll();
-    if (bytes.isEmpty()) return;
+    const QByteArray bytes = device_.readAll();  // this also turns the notices on again
+    if (bytes.isEmpty()) return listen();
     heard_ = true;
     const auto* first = reinterpret_cast<const std::uint8_t*>(bytes.constData());
     const std::span lump(first, static_cast<std::size_t>(bytes.size()));
     const std::int64_t nowUs = clock_.monotonicUs();
     gate_.received(lump, nowUs);
+    listen();
     tell(&LineWatch::arrived, lump, nowUs);
 }
 

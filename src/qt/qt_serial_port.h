@@ -3,7 +3,9 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 #include <QSerialPort>
+#include <QSocketNotifier>
 #include <functional>
 #include <string>
 
@@ -41,8 +43,8 @@ class QtSerialPort : public QObject, public SerialPort {
     bool present() const { return device_.isOpen(); }
 
     void write(std::string_view bytes) override;
-    std::vector<std::uint8_t> read() override { return gate_.take(); }
-    void setReceiveThreshold(int bytes) override { gate_.threshold(bytes); }
+    std::vector<std::uint8_t> read() override;
+    void setReceiveThreshold(int bytes) override;
     std::vector<PortInfo> list() const override { return ports_(); }
 
     /// Takes what the line has brought, delivers a batch that is due, looks for a vanished device.
@@ -57,6 +59,7 @@ class QtSerialPort : public QObject, public SerialPort {
  private:
     bool openDevice(const std::string& device);
     void drain();
+    void listen();
     void keep();
     void lose();
     void closeDevice();
@@ -67,6 +70,7 @@ class QtSerialPort : public QObject, public SerialPort {
     const Clock& clock_;
     PortSource ports_;
     QSerialPort device_;
+    QPointer<QSocketNotifier> notices_;  ///< Qt's own, of each byte that comes
     ReceiveGate gate_{quietUs};
     DeviceKeeper keeper_;
     std::string openError_;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 namespace zentaq {
 namespace {
 
@@ -13,6 +15,18 @@ void receiveOne(ReceiveGate& gate, std::uint8_t byte, std::int64_t nowUs) {
 std::int64_t receiveLine(ReceiveGate& gate, int count, std::int64_t startUs = 0, std::uint8_t first = 1) {
     for (int i = 0; i < count; ++i) receiveOne(gate, static_cast<std::uint8_t>(first + i), startUs + i * 260);
     return startUs + (count - 1) * 260;
+}
+
+TEST(ReceiveGate, TellsHowManyBytesAreMissing) {
+    ReceiveGate gate;
+    EXPECT_EQ(gate.missing(), 0U);
+    gate.threshold(8);
+    EXPECT_EQ(gate.missing(), 8U);
+    const std::array<std::uint8_t, 6> six{};
+    gate.received(six, 0);
+    EXPECT_EQ(gate.missing(), 2U);
+    gate.received(six, 0);
+    EXPECT_EQ(gate.missing(), 0U);
 }
 
 TEST(ReceiveGate, ThresholdZeroNeverDelivers) {
