@@ -75,7 +75,7 @@ FrmTable::FrmTable(Session& session, MainCommands& commands, QWidget* parent)
     setObjectName("frmTABLE");
     setAccessibleName("Table");
     redraw_ = new RedrawGate(
-        session.platform().clock, [this] { drawLive(); }, this);
+        session.platform().clock, [this] { drawLive(); }, this, RedrawGate::markUs);
     makeToolbar();
     Grid1_ = new TableGridView(this);
     Grid1_->setObjectName("Grid1");

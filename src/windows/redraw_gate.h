@@ -1,4 +1,4 @@
-// Lets a window draw at most 60 times a second however often it is told that something is new.
+// Lets a window draw at most so many times a second, however often it is told that something is new.
 // The last news is never lost: it is drawn as soon as a frame's time has passed.
 #pragma once
 
@@ -16,9 +16,11 @@ class RedrawGate : public QObject {
     Q_OBJECT
 
  public:
-    static constexpr std::int64_t frameUs = 16'667;
+    static constexpr std::int64_t needleUs = 16'667;  ///< 60 a second, for what moves smoothly
+    static constexpr std::int64_t markUs = 33'333;    ///< 30 a second, for what jumps from place to place
 
-    RedrawGate(const Clock& clock, std::function<void()> draw, QObject* parent);
+    RedrawGate(const Clock& clock, std::function<void()> draw, QObject* parent,
+               std::int64_t frameUs = needleUs);
 
     /// Draws now when a frame's time has passed since the last drawing, else once, later.
     void request();
@@ -31,6 +33,7 @@ class RedrawGate : public QObject {
 
     const Clock& clock_;
     std::function<void()> draw_;
+    std::int64_t frameUs_;
     QTimer timer_;
     std::optional<std::int64_t> lastUs_;
 };

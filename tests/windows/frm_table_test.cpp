@@ -583,15 +583,15 @@ TEST_F(Table, TypedValueIsShadedOnTheScreenAtOnce) {
     EXPECT_EQ(shown, cellColor(255 * 256, grid().mode()));
 }
 
-TEST_F(Table, LiveCellIsDrawnAtMostSixtyTimesASecond) {
+TEST_F(Table, LiveCellIsDrawnAtMostThirtyTimesASecond) {
     const int before = form->redraws();
     fake.clock.nowUs += 1'000'000;
     for (int i = 0; i < 1000; ++i) {
         form->Show_Current_Activity(static_cast<float>(600 + 7 * i), 40);
         fake.clock.nowUs += 1000;
     }
-    EXPECT_LE(form->redraws() - before, 60);
-    EXPECT_GE(form->redraws() - before, 55);
+    EXPECT_LE(form->redraws() - before, 30);
+    EXPECT_GE(form->redraws() - before, 28);
     // Every cell on the way is painted in the grid although few frames were drawn.
     for (int column = 1; column <= 15; ++column) {
         EXPECT_EQ(form->model()->grid().colour(12, column), 0x00FFFF) << column;
