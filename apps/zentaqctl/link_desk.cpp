@@ -105,6 +105,9 @@ Found LinkDesk::search() {
     progress_.clear();
     tellBoxes();
     if (found == Found::Stopped) throw Interrupted("Interrupted. Nothing was changed in the unit.", signal());
+    if (found == Found::Damaged) {
+        throw Failure("A unit answers, but its replies are damaged: check the cable. Nothing was changed.");
+    }
     return found;
 }
 

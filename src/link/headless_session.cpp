@@ -61,16 +61,30 @@ void HeadlessSession::passUntilIdle() {
 Found HeadlessSession::findUnit(std::int64_t patienceUs) {
     const LinkedUnit& linked = link_.linked();
     const std::int64_t end = around_.clock.monotonicUs() + patienceUs;
+    bool damaged = false;
     while (around_.clock.monotonicUs() < end) {
         if (stopWanted()) return Found::Stopped;
         if (idle()) {
             if (linked.OldFirmware) return Found::OldFirmware;
-            if (linked.UnitIdentified) return Found::Identified;
+            if (linked.UnitIdentified && !damaged) return Found::Identified;
+            // What a damaged reply made the link tell is not true of this unit.
+            if (damaged) boxes_.clear();
+            damaged = false;
             link_.Send_ORB_Command("E");
         }
-        pass();
+        damaged = !passAndCheckIdentity() || damaged;
     }
+    if (damaged && linked.UnitFound) return Found::Damaged;
     return linked.UnitFound ? Found::Untold : Found::Nobody;
+}
+
+/// One step; false when it handled a reply to E or B whose checksum is wrong.
+bool HeadlessSession::passAndCheckIdentity() {
+    const std::string before = link_.CurrentCommand();
+    pass();
+    const bool handled = link_.CurrentCommand() != before;
+    if (!handled || (before != "E" && before != "B") || link_.linked().OldFirmware) return true;
+    return link_.commCheckSum(before);
 }
 
 // ---- Single commands

@@ -29,6 +29,7 @@ enum class Found {
     Nobody,
     OldFirmware,  ///< the unit must be upgraded before it takes anything
     Untold,       ///< a unit that does not tell its firmware
+    Damaged,      ///< somebody answers, but each time with a wrong checksum
     Identified,
     Stopped
 };
@@ -76,7 +77,8 @@ class HeadlessSession : public LinkHost {
 
     /// Throws Failure where the port cannot be opened, with the reason.
     void open(int portNumber);
-    /// Asks who is on the port until somebody has told all, or nobody has in `patienceUs`.
+    /// Asks who is on the port until somebody has told all, or nobody has in `patienceUs`. The link trusts
+    /// such replies as they come; here one with a wrong checksum is asked for again.
     Found findUnit(std::int64_t patienceUs = searchUs);
     /// Sends one command that is answered by "AX" or "AR", and waits for the answer.
     Ending command(std::string_view text);
@@ -137,6 +139,7 @@ class HeadlessSession : public LinkHost {
 
     bool idle() const;
     void passUntilIdle();
+    bool passAndCheckIdentity();
     TransferEnd passUntilEnd(TransferMode mode, const std::function<void()>& start);
     bool mayStop() const;
     int linesOfFile() const;

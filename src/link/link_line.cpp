@@ -100,6 +100,8 @@ void Link::adapterReturned(const PortInfo& port) {
 }
 
 void Link::showAdapter() {
+    show(&LinkStatus::send, Lamp::Rest);
+    show(&LinkStatus::receive, Lamp::Rest);
     if (adapterAway_) {
         COMM_StatusMessage("Adapter unplugged", adapterLine_, "Looking for it: plug it in again.", "Warning");
     } else {

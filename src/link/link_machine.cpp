@@ -265,6 +265,9 @@ void Link::loseLink(FirmwareRestore restore) {
     // Else the panel would go on saying what the last reply had been.
     if (adapterAway_) {
         showAdapter();
+    } else if (firmwareLost_) {
+        COMM_StatusMessage("Connecting...", "The upgrade broke off: the unit has no firmware.",
+                           "Cycle its power and run Firmware Upgrade again.", "Warning");
     } else {
         COMM_StatusMessage("Connecting...", "The unit does not answer.", "", "Warning");
     }

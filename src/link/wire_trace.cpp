@@ -10,6 +10,9 @@ namespace zentaq {
 
 namespace {
 
+/// Bytes that come closer upon each other than this belong to one lump.
+constexpr std::int64_t lumpPauseUs = 2000;
+
 constexpr std::int64_t flushUs = 1'000'000;
 /// Bytes that nobody waits for are written down when the line has been quiet for so long.
 constexpr std::int64_t quietUs = 50'000;
@@ -179,7 +182,10 @@ void WireTrace::arrived(std::span<const std::uint8_t> bytes, std::int64_t nowUs)
     if (!running()) return;
     if (pending_.size() + bytes.size() > mostPending) settle(nowUs);
     pending_.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    lumps_.push_back({bytes.size(), nowUs});
+    // A port that gives its bytes one by one makes no lumps: those have a pause between them.
+    if (lumps_.empty() || nowUs - lumps_.back().us >= lumpPauseUs) lumps_.push_back({0, nowUs, nowUs});
+    lumps_.back().bytes += bytes.size();
+    lumps_.back().us = nowUs;
 }
 
 void WireTrace::delivered(std::size_t bytes, std::int64_t nowUs) {
@@ -233,7 +239,7 @@ std::string WireTrace::lumpsText() const {
     std::int64_t longest = 0;
     for (std::size_t i = 0; i < lumps_.size(); ++i) {
         if (few) sizes += (i == 0 ? " " : "+") + numberText(static_cast<int>(lumps_[i].bytes));
-        if (i > 0) longest = std::max(longest, lumps_[i].us - lumps_[i - 1].us);
+        if (i > 0) longest = std::max(longest, lumps_[i].firstUs - lumps_[i - 1].us);
     }
     return ", in " + numberText(static_cast<int>(lumps_.size())) + " lumps" + sizes + ", " +
            (lumps_.size() == 2 ? "" : "at most ") + milliseconds(longest) + " apart";

@@ -57,7 +57,8 @@ class WireTrace : public LineWatch {
  private:
     struct Lump {
         std::size_t bytes;
-        std::int64_t us;
+        std::int64_t firstUs;
+        std::int64_t us;  ///< of its last byte
     };
 
     TraceLine lineAt(TraceDirection direction, std::int64_t nowUs) const;

@@ -1,5 +1,6 @@
 #include "windows/frm_config_link_panel.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QEvent>
 #include <QGridLayout>
@@ -258,6 +259,9 @@ QWidget* LinkPanel::makeProgress() {
 }
 
 void LinkPanel::render(const LinkStatus& status) {
+    // A unit that was found may stand on another device than the list, read a while ago, tells.
+    const bool found = status.image == LinkImage::Monitor && image_ != LinkImage::Monitor;
+    if (found && !ports_->view()->isVisible()) ports_->fill(ports_->selectedNumber());
     if (status.image != image_ || imgNotify_->pixmap(Qt::ReturnByValue).isNull()) showImage(status.image);
     setText(title_, status.title);
     setText(line1_, status.line1);

@@ -103,6 +103,30 @@ TEST_F(Headless, FindsAUnitAndWaitsUntilItHasToldAll) {
     EXPECT_GT(watched, 0);
 }
 
+TEST_F(Headless, AsksAgainWhereAReplyThatTellsTheUnitHasAWrongChecksum) {
+    answerAsOrbA();
+    std::string other = identifyReply(200001);
+    other[6] = static_cast<char>(other[6] ^ 0x04);  // the number reads 200005 now
+    port.once("E", other);
+    std::string garbled = firmwareReply("DEMO", "ZQA-405099");
+    garbled[31] = '6';
+    port.once("B", garbled);
+    session.open(1);
+    EXPECT_EQ(session.findUnit(), Found::Identified);
+    EXPECT_EQ(session.link().linked().SerialNumber, 200001);
+    EXPECT_EQ(session.linkedUnit().FirmWare(), "ZQA-405099");
+    EXPECT_TRUE(session.boxes().empty());
+}
+
+TEST_F(Headless, RepliesThatAreDamagedEachTimeIdentifyNobody) {
+    answerAsOrbA();
+    std::string other = identifyReply(200001);
+    other[7] = static_cast<char>(other[7] ^ 0x01);
+    port.always("E", other);
+    session.open(1);
+    EXPECT_EQ(session.findUnit(), Found::Damaged);
+}
+
 TEST_F(Headless, AsksThreeTimesBeforeNobodyIsThere) {
     session.open(1);
     EXPECT_EQ(session.findUnit(), Found::Nobody);
