@@ -87,6 +87,8 @@ class SimulatedUnit {
 
     /// Sets a check-engine code: row 1 to 12, bit 0 to 7. Throws BoundsError outside.
     void setCode(int row, int bit);
+    /// Records that a download still gets: one that was broken off goes on where it stopped.
+    int logRecordsLeft() const { return identity_.logRecords - logPosition_; }
     /// Holds an input or output at a raw value, 0 to 255, whatever the engine does. Pins count from 1 as in
     /// the reply to I. Throws BoundsError outside.
     void holdPin(int pin, int value);

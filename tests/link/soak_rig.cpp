@@ -332,7 +332,9 @@ void Soak::program(TransferMode mode) {
     }
     if (!open_.empty()) return breakWith("a second transfer has begun while one runs");
     const char* key = calibration ? "P1" : mode == TransferMode::Firmware ? "P3" : "D";
-    open_.push_back({key, !storming_, calibration ? host_.unit(slot_).memoryBytes() : sim::Bytes()});
+    constexpr int fewestRecords = 2;
+    open_.push_back({key, !storming_, calibration ? host_.unit(slot_).memoryBytes() : sim::Bytes(),
+                     unit_.logRecordsLeft() < fewestRecords});
     ++started_;
     count(std::string(key) + " begun");
     note(std::string(key) + " begun");
@@ -439,7 +441,7 @@ void Soak::transferEnded(int code) {
     // with an empty log has nothing to give.
     const int refused = link_.firmwareLost() ? 1004 : 1005;
     const int good = transfer.key == "P1" ? 1002 : transfer.key == "D" ? 1006 : refused;
-    const bool emptyLog = transfer.key == "D" && unit_.identity().logRecords == 0;
+    const bool emptyLog = transfer.key == "D" && transfer.shortLog;
     if (transfer.faultless && code != (emptyLog ? 1007 : good)) {
         breakWith(transfer.key + " fails on a line that nothing disturbs");
     }

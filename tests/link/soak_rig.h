@@ -71,6 +71,8 @@ class Soak {
         std::string key;
         bool faultless = true;  ///< nothing has spoilt the line since it began
         sim::Bytes image;
+        /// A log of fewer than two records counts as none; so does what an earlier download left of one.
+        bool shortLog = false;
     };
 
     /// Time that passes inside the program's own waits.
