@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/battery_input.h"
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
@@ -225,11 +226,43 @@ void putFigures(Filler& filler, const EngineFigures& figures) {
 void putCurves(Filler& filler, const KindDefaults& defaults, bool raceCam) {
     filler.put(defaults, "BLDTBL");
     filler.put(defaults, {raceCam ? "LOWBLD_RACE" : "LOWBLD_STREET", "LOWBLD"});
-    filler.put(defaults, {"BATCOM", "BATCom"});
     filler.put(defaults, "CHKTBL");
     filler.put(defaults, "MATENH");
     filler.put(defaults, "CLTTBL");
     filler.put(defaults, "MATADV");
+}
+
+/// Where a value lies on an axis, in cells and parts of a cell; values beyond the ends lie on the ends.
+double placeOn(const std::vector<float>& axis, double value) {
+    if (value <= axis.front()) return 0;
+    for (std::size_t i = 1; i < axis.size(); ++i) {
+        if (value > axis[i]) continue;
+        const double below = axis[i - 1];
+        return static_cast<double>(i) - 1 + (value - below) / (static_cast<double>(axis[i]) - below);
+    }
+    return static_cast<double>(axis.size() - 1);
+}
+
+/// The value at a place between two cells, which lie `stride` apart.
+double between(const std::vector<float>& values, std::size_t first, std::size_t stride, double place) {
+    const auto low = static_cast<std::size_t>(place);
+    const double part = place - static_cast<double>(low);
+    const double lower = values[first + low * stride];
+    return part == 0 ? lower : lower + part * (values[first + (low + 1) * stride] - lower);
+}
+
+/// The battery curve of the defaults stands on volts of its own; the cells of a kind stand where its input
+/// measures.
+void putBattery(Filler& filler, const Unit& unit, const KindDefaults& defaults) {
+    const Parameter* row = unit.find("BATCom");
+    if (row == nullptr) return;
+    constexpr double step = 10;  // microseconds; the unit takes steps of 8
+    const std::vector<float> volts = defaults.of("BATVOLTS");
+    const std::vector<float> times = defaults.of("BATCOM", volts.size());
+    for (int cell = 0; cell < row->count; ++cell) {
+        const double here = batteryinput::stop(unit.kind().batteryVoltsPerCount, cell, row->count);
+        filler.put("BATCom", roundHalfEven(between(times, 0, 1, placeOn(volts, here)) / step) * step, cell);
+    }
 }
 
 void putShape(Unit& unit, const EngineFigures& figures) {
@@ -282,25 +315,6 @@ bool isRotary(Unit& unit) {
     constexpr int layoutBits = 15;
     constexpr int rotaryLayout = 5;
     return (toInt16(static_cast<double>(unit.get("P1EGTP"))) & layoutBits) == rotaryLayout;
-}
-
-/// Where a value lies on an axis, in cells and parts of a cell; values beyond the ends lie on the ends.
-double placeOn(const std::vector<float>& axis, double value) {
-    if (value <= axis.front()) return 0;
-    for (std::size_t i = 1; i < axis.size(); ++i) {
-        if (value > axis[i]) continue;
-        const double below = axis[i - 1];
-        return static_cast<double>(i) - 1 + (value - below) / (static_cast<double>(axis[i]) - below);
-    }
-    return static_cast<double>(axis.size() - 1);
-}
-
-/// The value at a place between two cells, which lie `stride` apart.
-double between(const std::vector<float>& values, std::size_t first, std::size_t stride, double place) {
-    const auto low = static_cast<std::size_t>(place);
-    const double part = place - static_cast<double>(low);
-    const double lower = values[first + low * stride];
-    return part == 0 ? lower : lower + part * (values[first + (low + 1) * stride] - lower);
 }
 
 /// The engine tables of the defaults stand on axes of their own. A new calibration has other ones, up to its
@@ -477,6 +491,7 @@ RefusedMembers loadDefaults(Unit& unit, const Database& database, const EngineFi
     putFigures(filler, figures);
     filler.put(defaults, {"AFR_Stoich", "AFR"});
     putCurves(filler, defaults, figures.raceCam);
+    putBattery(filler, unit, defaults);
     putShape(unit, figures);
     putAxes(filler, unit, figures);
     EngineTables(unit, defaults).put(filler);

@@ -133,7 +133,7 @@ std::string Ecu::EGO_Voltage(double x) {
 }
 
 std::string Ecu::Voltage(const Unit& unit, double x) {
-    return shown(x * (unit.kind().slot == kindOrba ? 0.067432 : 0.078431), "##.0");
+    return shown(x * unit.kind().batteryVoltsPerCount, "##.0");
 }
 
 std::string Ecu::UAP(int high, int low) {

@@ -35,6 +35,7 @@ constexpr auto sets = std::to_array<DefaultsSet>({
     {"BLDTBL", 8, 0, 12000, true},
     {"LOWBLD_STREET", 8, 0, 100},
     {"LOWBLD_RACE", 8, 0, 100},
+    {"BATVOLTS", 20, 0, 20, true},
     {"BATCOM", 20, -1000, 1000},
     {"CHKTBL", 20, 0, 250},
     {"MATENH", 20, -50, 50},

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/battery_input.h"
 #include "base/errors.h"
 #include "sim/map_sensor.h"
 #include "sim/plain_engine.h"
@@ -29,14 +30,18 @@ struct Places {
     int fuel;
     int staging;
     int mixture;
+    double batteryTop;  ///< volts where the battery curve ends
 };
 
-constexpr Places usualPlaces{"", 592, 624, 590, 262, 656, 912, 1168, 1424};
+constexpr double batteryTopOrbA = batteryinput::top(batteryinput::voltsPerCountOrbA);
+constexpr double batteryTop = batteryinput::top(batteryinput::voltsPerCount);
+constexpr Places usualPlaces{"", 592, 624, 590, 262, 656, 912, 1168, 1424, batteryTop};
 constexpr Places otherPlaces[] = {
+    {"ZQA", 592, 624, 590, 262, 656, 912, 1168, 1424, batteryTopOrbA},
     // no staged injection, so the tables behind it move up
-    {"ZQD", 592, 624, 590, 262, 656, 912, none, 1168},
+    {"ZQD", 592, 624, 590, 262, 656, 912, none, 1168, batteryTop},
     // ignition only
-    {"ZPK", 192, 224, none, 86, 256, none, none, none},
+    {"ZPK", 192, 224, none, 86, 256, none, none, none, batteryTop},
 };
 
 const Places& placesOf(std::string_view firmwarePrefix) {
@@ -152,10 +157,11 @@ void readIgnition(const Memory& memory, EngineCalibration& into) {
     into.knockHighestRpm = memory.byte(38) * 51;
 }
 
-void readPulses(const Memory& memory, EngineCalibration& into) {
+void readPulses(const Memory& memory, const Places& places, EngineCalibration& into) {
     into.fullPulseMs = sensibleOr(into.fullPulseMs, memory.word(148) / 1000, 0.5, 60);
     into.injectorOffsetMs = memory.signedByte(150) / 8;
     into.shortestPulseMs = memory.byte(151) / 50;
+    into.batteryMs.last = places.batteryTop;
     memory.fill(into.batteryMs.values, 237,
                 [](const Memory& from, int i) { return (from.byte(i) * 8 - 1000) / 1000; });
     memory.fill(into.warmUpPercent.values, 158, [](const Memory& from, int i) { return from.byte(i); });
@@ -251,9 +257,9 @@ EngineCalibration makePlain() {
     plain.injectorOffsetMs = 1;
     plain.shortestPulseMs = 1.2;
     plain.batteryMs = {
-        {1, 1, 1, 1, 1, 1, 1, 1, 1, 0.9, 0.65, 0.45, 0.3, 0.18, 0.08, 0, -0.06, -0.12, -0.17, -0.21},
+        {1, 1, 1, 1, 1, 1, 1, 1, 1, 0.88, 0.65, 0.45, 0.3, 0.18, 0.08, 0, 0, -0.06, -0.11, -0.15},
         0,
-        17.2};
+        batteryTopOrbA};
     plain.warmUpPercent = {{110, 95, 80, 67, 55, 45, 36, 28, 20, 13, 7, 2, 0, 0, 0, 0, 0, 0, 3, 6}, -40, 150};
     plain.airPercent = {
         {26, 21, 16, 11, 7, 4, 0, -3, -6, -9, -12, -15, -17, -19, -21, -23, -25, -27, -29, -31}, -40, 150};
@@ -367,7 +373,7 @@ EngineCalibration readEngineCalibration(std::string_view firmwarePrefix,
     readTables(memory, places, calibration);
     readIgnition(memory, calibration);
     if (places.fuel == none) return calibration;
-    readPulses(memory, calibration);
+    readPulses(memory, places, calibration);
     readEnrichments(memory, calibration);
     readClosedLoop(memory, calibration);
     calibration.flowSensor = memory.bit(1, 0);

@@ -60,7 +60,7 @@ struct EngineCalibration {
     double fullPulseMs = 0;  ///< at 5 volts of the pressure input, without correction
     double injectorOffsetMs = 0;
     double shortestPulseMs = 0;
-    EvenCurve<curveSteps> batteryMs;  ///< 0 to 17.2 volts
+    EvenCurve<curveSteps> batteryMs;  ///< from 0 to the top of the battery input
     TemperatureCurve warmUpPercent;
     TemperatureCurve airPercent;
     TemperatureCurve coolantAdvance;

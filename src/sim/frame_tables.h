@@ -4,6 +4,7 @@
 
 #include <array>
 
+#include "base/battery_input.h"
 #include "sim/frame_layout.h"
 
 namespace zentaq::sim::frames {
@@ -18,8 +19,8 @@ inline constexpr double perDegree = 4.25;
 inline constexpr double perRetardDegree = 8.5;
 inline constexpr double perCelsius = 255.0 / 190;
 inline constexpr double celsiusOffset = 40 * perCelsius;
-inline constexpr double perBatteryVoltA = 1 / 0.067432;
-inline constexpr double perBatteryVolt = 1 / 0.078431;  // all kinds but the ORB A
+inline constexpr double perBatteryVoltA = 1 / batteryinput::voltsPerCountOrbA;
+inline constexpr double perBatteryVolt = 1 / batteryinput::voltsPerCount;  // all kinds but the ORB A
 inline constexpr double perRatio = 255;
 inline constexpr double ratioOffset = -127.5;
 inline constexpr double percentAroundZero = 50;

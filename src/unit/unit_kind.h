@@ -6,6 +6,8 @@
 #include <span>
 #include <string_view>
 
+#include "base/battery_input.h"
+
 namespace zentaq {
 
 class MemberIndex;
@@ -80,6 +82,7 @@ struct UnitKind {
     int orbFileLength = 0;  ///< index of the last parameter of the calibration proper
     int numGpio = 0;        ///< highest GPIO number, counted from 0
     int gpioBase = 0;       ///< function word of pin 0; a pin has 9 cells
+    double batteryVoltsPerCount = batteryinput::voltsPerCount;  ///< of the byte that live frames carry
     SizeConstants sizes;
     bool hasCalibration = false;  ///< false for clsNull
     bool hasWideMonitor = false;

@@ -105,6 +105,7 @@ const UnitKind& orbaKind() {
                                   .orbFileLength = 2327,
                                   .numGpio = 7,
                                   .gpioBase = 336,
+                                  .batteryVoltsPerCount = batteryinput::voltsPerCountOrbA,
                                   .sizes = {.monitorLen = 35,
                                             .gpioLen = 21,
                                             .serialLen = 8,

@@ -31,7 +31,21 @@ TEST(EngineCalibration, ReadsAxesAndTablesInATunersUnits) {
     EXPECT_EQ(read.injectorOffsetMs, 1);
     EXPECT_EQ(read.revLimit, 7000);
     EXPECT_NEAR(read.warmUpPercent.at(-15), 73.5, 0.001);  // half way from 80 at -20 to 67 at -10
-    EXPECT_NEAR(read.batteryMs.at(17.2), -0.208, 0.001);   // -210 us in steps of 8
+    EXPECT_NEAR(read.batteryMs.at(17.2), -0.152, 0.001);   // -150 us in steps of 8
+}
+
+// Cell 13 of 20 stands at 13 / 19 of a full byte: 255 * 0.067432 on the ORB A, 255 * 0.078431 on the others.
+TEST(EngineCalibration, TheBatteryCurveStandsOnTheVoltsThatTheKindMeasures) {
+    MemoryImage image = flatImage();
+    image.put(237 + 13, 250);  // 1 ms
+    const auto timeAt = [&](const char* prefix, double volts) {
+        return readEngineCalibration(prefix, image.bytes).batteryMs.at(volts);
+    };
+    EXPECT_NEAR(timeAt("ZQA", 11.765), 1, 0.001);
+    for (const char* prefix : {"ZQL", "ZQC", "ZQD"}) {
+        EXPECT_NEAR(timeAt(prefix, 13.684), 1, 0.001) << prefix;
+        EXPECT_LT(timeAt(prefix, 11.765), 0.7) << prefix;
+    }
 }
 
 TEST(EngineCalibration, ANegativeInjectorOffsetKeepsItsSign) {

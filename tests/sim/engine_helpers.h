@@ -56,8 +56,8 @@ inline MemoryImage flatImage() {
     image.putWord(148, 8000);  // 8 ms
     image.put(150, 8);         // 1 ms
     image.put(151, 60);        // 1.2 ms
-    const std::array battery = {1000, 1000, 1000, 1000, 1000, 1000, 1000, 1000, 1000, 900,
-                                650,  450,  300,  180,  80,   0,    -60,  -120, -170, -210};
+    const std::array battery = {1000, 1000, 1000, 1000, 1000, 1000, 1000, 1000, 1000, 880,
+                                650,  450,  300,  180,  80,   0,    0,    -60,  -110, -150};
     image.putAll(237, battery, 0.125, 125);
     const std::array warmUp = {110, 95, 80, 67, 55, 45, 36, 28, 20, 13, 7, 2, 0, 0, 0, 0, 0, 0, 3, 6};
     image.putAll(158, warmUp, 1, 0);
