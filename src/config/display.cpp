@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <optional>
 
 #include "base/errors.h"
@@ -10,6 +9,7 @@
 #include "base/rounding.h"
 #include "base/text.h"
 #include "config/gui_rules.h"
+#include "config/shown_value.h"
 #include "unit/temperature.h"
 
 namespace zentaq {
@@ -18,10 +18,6 @@ namespace {
 
 constexpr int trimsPage = 34;
 constexpr int notesLength = 500;
-
-bool isPressure(const Parameter& parameter) {
-    return parameter.unit == "MAP";
-}
 
 bool isTemperature(const Parameter& parameter) {
     return parameter.unit == "Celsius";
@@ -57,19 +53,6 @@ void showEngine(Unit& unit, Display& shown) {
 
 // ---- Numbers
 
-std::string valueText(Unit& unit, const FieldRow& row, const Parameter& parameter, int element) {
-    float value = unit.read(parameter, element);
-    if (isPressure(parameter)) value = roundTo(value, unit.MAPPrecision() + row.moreDecimals);
-    if (isTemperature(parameter) && unit.host().fahrenheit()) value = toFahrenheit(value);
-    return numberText(value);
-}
-
-std::string unitText(const Unit& unit, const FieldRow& row, const Parameter& parameter) {
-    if (isPressure(parameter)) return unit.MAPUnits() + std::string(row.unitTail);
-    if (isTemperature(parameter) && unit.host().fahrenheit()) return "Fahrenheit";
-    return std::string(parameter.unit);
-}
-
 /// A cell of the sensor's curve lies between its neighbours; the ends are bounded by the member's own range.
 std::string curveRange(Unit& unit, const Parameter& parameter, int element) {
     const Limits limits = unit.limits(parameter.name, element);
@@ -82,50 +65,8 @@ std::string curveRange(Unit& unit, const Parameter& parameter, int element) {
 }
 
 std::string rangeText(Unit& unit, const Parameter& parameter, int element) {
-    if (parameter.name == "Y") return curveRange(unit, parameter, element);
-    const Limits limits = unit.limits(parameter.name, element);
-    if (!std::isfinite(limits.minimum) || !std::isfinite(limits.maximum)) return {};
-    const bool converts = isTemperature(parameter) && unit.host().fahrenheit();
-    if (!converts || std::holds_alternative<RangeOf>(parameter.range)) return limits.text;
-    return "(" + numberText(toFahrenheit(limits.minimum)) + " to " +
-           numberText(toFahrenheit(limits.maximum)) + " Degrees Fahrenheit)";
-}
-
-// ---- Axes. Twenty cells spread over what the unit can measure, both ends included.
-
-double spread(double low, double high, int element, int count) {
-    return low + (high - low) * element / (count - 1);
-}
-
-std::string temperatureAt(const Unit& unit, int element, int count) {
-    const auto celsius = static_cast<float>(spread(-40, 150, element, count));
-    return numberText(unit.host().fahrenheit() ? toFahrenheit(celsius) : celsius);
-}
-
-/// Volts of a full byte, as the live frames scale it.
-double batteryTop(const Unit& unit) {
-    const bool orbA = unit.kind().className == "clsORBA";
-    return 255 * (orbA ? 0.067432 : 0.078431);
-}
-
-std::string axisText(Unit& unit, const FieldRow& row, int element, int count) {
-    constexpr double retardInputVolts = 5;
-    switch (row.axis) {
-        case FieldAxis::None:
-            return {};
-        case FieldAxis::Number:
-            return numberText(element + 1);
-        case FieldAxis::Temperature:
-            return temperatureAt(unit, element, count);
-        case FieldAxis::AirTemperature:
-            if (!ignitionOnly(unit)) return temperatureAt(unit, element, count);
-            return formatNumber(spread(0, retardInputVolts, element, count), "0.00");
-        case FieldAxis::BatteryVolts:
-            return formatNumber(spread(0, batteryTop(unit), element, count), "#0.0");
-        case FieldAxis::Speed:
-            return numberText(unit.get("RPMTBL", element));
-    }
-    return {};
+    return parameter.name == "Y" ? curveRange(unit, parameter, element)
+                                 : shownRange(unit, parameter, element);
 }
 
 // ---- Fields
@@ -146,7 +87,7 @@ std::string choiceText(Unit& unit, const FieldRow& row, const Parameter& paramet
         const bool set = unit.read(parameter) != 0;
         if (choice.control == row.control && choice.value == (set ? 1 : 0)) return std::string(choice.text);
     }
-    return valueText(unit, row, parameter, 0);
+    return shownValue(unit, parameter, row, 0);
 }
 
 void showValue(Unit& unit, const FieldRow& row, const DisplayNames& names, ShownField& field) {
@@ -166,10 +107,10 @@ void showValue(Unit& unit, const FieldRow& row, const DisplayNames& names, Shown
         case FieldKind::Fact:
             break;
     }
-    skipFailing([&] { field.text = valueText(unit, row, *parameter, field.element); });
+    skipFailing([&] { field.text = shownValue(unit, *parameter, row, field.element); });
     skipFailing([&] { field.range = rangeText(unit, *parameter, field.element); });
-    skipFailing([&] { field.axis = axisText(unit, row, field.element, parameter->count); });
-    field.unit = unitText(unit, row, *parameter);
+    skipFailing([&] { field.axis = shownStop(unit, row.axis, field.element, parameter->count); });
+    field.unit = shownUnit(unit, *parameter, row);
 }
 
 std::string helpOf(const GuiRules& rules, const FieldRow& row, const Parameter* parameter) {

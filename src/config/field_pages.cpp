@@ -116,7 +116,7 @@ constexpr std::array rows{
     // TPS/MAP Blend
     check(1, "chk_Alpha_N", "LOWBLD", {.caption = "Alpha-N: throttle alone", .isOn = throttleAlone}),
     box(1, "BND_RPMT", "BLDTBL", {.axis = FieldAxis::Number}),
-    box(1, "BND_TPST", "LOWBLD", {.axis = FieldAxis::Number}),
+    box(1, "BND_TPST", "LOWBLD", {.axis = FieldAxis::BlendSpeed}),
     box(1, "txtBOV", "TBSOFF"),
     // TPS/MAP Acceleration
     option(2, "optACE0", "ACE0", {.caption = "Throttle triggers acceleration", .isOn = throttleTrigger}),
@@ -177,7 +177,7 @@ constexpr std::array rows{
            {.caption = "Idle Speed Control", .isOn = controlBit<idleControlBit>, .needs = "ISRPM"}),
     option(10, "optIdle_Speed", "opt_IdleSpeed", {.caption = "2-wire IAC", .needs = "ISRPM"}),
     box(10, "txtIDLE_Coolant", "ISTMP", {.axis = FieldAxis::Number, .writerTakesShown = true}),
-    box(10, "txtIDLE_Speed", "ISRPM", {.axis = FieldAxis::Number}),
+    box(10, "txtIDLE_Speed", "ISRPM", {.axis = FieldAxis::IdleTemperature}),
     box(10, "txtIDLE_ErrorPlus", "POSPGAIN"),
     box(10, "txtIDLE_ErrorMinus", "NEGPGAIN"),
     box(10, "txtIDLE_RatePlus", "POSDGAIN"),
@@ -323,7 +323,7 @@ constexpr std::array rows{
     choice(38, "EGO_Type", "EGO_Type"),
     choice(38, "optFuelAFR", "AFR", {.needs = "Y", .help = "helpfuelratio"}),
     box(38, "EGO_Volts", "X", {.axis = FieldAxis::Number}),
-    box(38, "EGO_AFRatio", "Y", {.axis = FieldAxis::Number}),
+    box(38, "EGO_AFRatio", "Y", {.axis = FieldAxis::SensorVolts}),
 };
 
 }  // namespace
@@ -342,6 +342,13 @@ const FieldRow* fieldOf(std::string_view control) {
     const auto found =
         std::ranges::find_if(rows, [&](const FieldRow& row) { return upper(row.control) == wanted; });
     return found == rows.end() ? nullptr : &*found;
+}
+
+const FieldTraits& traitsOfMember(std::string_view member) {
+    static constexpr FieldTraits plain;
+    const auto shows = [&](const FieldRow& row) { return row.member == member && row.kind == Number; };
+    const auto found = std::ranges::find_if(rows, shows);
+    return found == rows.end() ? plain : *found;
 }
 
 std::vector<int> fieldPageNumbers() {

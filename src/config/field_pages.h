@@ -42,7 +42,10 @@ enum class FieldAxis : std::uint8_t {
     AirTemperature,  ///< temperature; the retard input's volts on an ignition-only unit
     Temperature,
     BatteryVolts,
-    Speed  ///< the speed axis of the tables
+    Speed,            ///< the speed axis of the tables
+    BlendSpeed,       ///< the speeds of the blend curve
+    IdleTemperature,  ///< the temperatures of the idle curve
+    SensorVolts       ///< the volts of the sensor's curve
 };
 
 using FieldState = bool (*)(Unit& unit);
@@ -79,6 +82,9 @@ std::span<const FieldRow> fieldsOfPage(int page);
 /// The first row of a control, compared without case; nullptr for none. A control may stand on two pages,
 /// always with the same member.
 const FieldRow* fieldOf(std::string_view control);
+
+/// What the first row of a member says; nothing special for a member that no control shows.
+const FieldTraits& traitsOfMember(std::string_view member);
 
 /// The numbers of the pages that have controls, ascending.
 std::vector<int> fieldPageNumbers();

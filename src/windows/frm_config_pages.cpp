@@ -1,12 +1,12 @@
 #include "windows/frm_config_pages.h"
 
 #include <array>
-#include <cmath>
 
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/text.h"
 #include "config/gui_rules.h"
+#include "config/shown_value.h"
 #include "config/tree.h"
 
 namespace zentaq {
@@ -117,29 +117,33 @@ PageRow plainRow(std::string caption, std::string value) {
     return row;
 }
 
-std::string unitText(Unit& unit, const Parameter& parameter) {
-    return parameter.unit == "MAP" ? unit.MAPUnits() : std::string(parameter.unit);
-}
-
 /// The range as the range check words it, without its parentheses.
-std::string rangeText(const Limits& limits) {
-    if (!std::isfinite(limits.minimum) || !std::isfinite(limits.maximum)) return {};
-    if (limits.text.empty()) return numberText(limits.minimum) + " to " + numberText(limits.maximum);
-    std::string text = limits.text;
-    if (text.front() == '(') text.erase(0, 1);
-    if (!text.empty() && text.back() == ')') text.pop_back();
+std::string rangeText(Unit& unit, const Parameter& parameter, int element) {
+    std::string text = shownRange(unit, parameter, element);
+    if (text.starts_with('(')) text.erase(0, 1);
+    if (text.ends_with(')')) text.pop_back();
     return text;
 }
 
 PageRow elementRow(Unit& unit, const Parameter& parameter, int element) {
+    const FieldTraits& traits = traitsOfMember(parameter.name);
     PageRow row;
     row.member = parameter.name;
     row.helpKey = parameter.help;
-    row.unit = unitText(unit, parameter);
+    row.unit = shownUnit(unit, parameter, traits);
     row.onTheFly = parameter.sentOnTheFly();
-    skipFailing([&] { row.value = numberText(unit.get(parameter.name, element)); });
-    skipFailing([&] { row.range = rangeText(unit.limits(parameter.name, element)); });
+    skipFailing([&] { row.value = shownValue(unit, parameter, traits, element); });
+    skipFailing([&] { row.range = rangeText(unit, parameter, element); });
     return row;
+}
+
+/// What a cell of a curve stands at, "-40 °C"; else which one it is.
+std::string stopText(Unit& unit, const Parameter& parameter, int element) {
+    const FieldAxis axis = traitsOfMember(parameter.name).axis;
+    const std::string where = shownStop(unit, axis, element, parameter.count);
+    const std::string in = shownStopUnit(unit, axis);
+    if (where.empty()) return numberText(element + 1);
+    return in.empty() ? where : where + " " + in;
 }
 
 PageRow memberRow(Unit& unit, const Parameter& parameter) {
@@ -152,10 +156,10 @@ PageRow memberRow(Unit& unit, const Parameter& parameter) {
     PageRow row = plainRow(caption, numberText(parameter.count) + " values");
     row.member = parameter.name;
     row.helpKey = parameter.help;
-    row.unit = unitText(unit, parameter);
+    row.unit = shownUnit(unit, parameter, traitsOfMember(parameter.name));
     for (int element = 0; element < parameter.count; ++element) {
         row.elements.push_back(elementRow(unit, parameter, element));
-        row.elements.back().caption = numberText(element + 1);
+        skipFailing([&] { row.elements.back().caption = stopText(unit, parameter, element); });
     }
     return row;
 }
