@@ -1,6 +1,6 @@
-// How a unit measures the battery: one byte, whose scale differs between the kinds. The curve of injector times
-// by battery voltage spreads its cells over the same volts, so live values, pages, defaults, help and simulator
-// all take them from here.
+// How a unit measures the battery: one byte, whose scale differs between the kinds. The curve of injector
+// times by battery voltage spreads its cells over the same volts, so live values, pages, defaults, help and
+// simulator all take them from here.
 #pragma once
 
 namespace zentaq::batteryinput {

@@ -51,8 +51,7 @@ std::string shownRange(Unit& unit, const Parameter& parameter, int element) {
     const Limits limits = unit.limits(parameter.name, element);
     if (!std::isfinite(limits.minimum) || !std::isfinite(limits.maximum)) return {};
     // A range that is worked out asks for the scale itself.
-    const bool converts =
-        inFahrenheit(unit, parameter) && !std::holds_alternative<RangeOf>(parameter.range);
+    const bool converts = inFahrenheit(unit, parameter) && !std::holds_alternative<RangeOf>(parameter.range);
     if (!converts) return limits.text;
     return "(" + numberText(toFahrenheit(limits.minimum)) + " to " +
            numberText(toFahrenheit(limits.maximum)) + " Degrees Fahrenheit)";

@@ -1,4 +1,5 @@
-// One axis a kind for the battery curve: what live values scale by, pages show, new calibrations are made for.
+// One axis a kind for the battery curve: what live values scale by, pages show, new calibrations are made
+// for.
 #include <gtest/gtest.h>
 
 #include <cmath>

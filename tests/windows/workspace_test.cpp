@@ -130,13 +130,20 @@ TEST_F(Workspace, CurvesShowTheirTemperatureVoltsOrSpeedBesideEachCell) {
         const char* stop;
     };
     // Twenty cells from -40 to 150 degrees, and from 0 to 255 * 0.067432 volts.
-    const Row rows[] = {{6, "CHKTBL", 0, "-40 \u00B0C"},   {6, "CHKTBL", 6, "20 \u00B0C"},
-                        {7, "MATENH", 19, "150 \u00B0C"},  {12, "CLTTBL", 12, "80 \u00B0C"},
-                        {14, "MATADV", 7, "30 \u00B0C"},   {19, "BATCom", 0, "0.0 V"},
-                        {19, "BATCom", 15, "13.6 V"},      {19, "BATCom", 19, "17.2 V"},
-                        {1, "LOWBLD", 1, "1500 RPM"},      {10, "ISRPM", 1, "40 \u00B0C"},
-                        {13, "SPLITBL", 4, "2500 RPM"},    {38, "Y", 2, "0.65 V"},
-                        {1, "BLDTBL", 1, "2"},             {22, "BARO_ADV", 7, "8"}};
+    const Row rows[] = {{6, "CHKTBL", 0, "-40 \u00B0C"},
+                        {6, "CHKTBL", 6, "20 \u00B0C"},
+                        {7, "MATENH", 19, "150 \u00B0C"},
+                        {12, "CLTTBL", 12, "80 \u00B0C"},
+                        {14, "MATADV", 7, "30 \u00B0C"},
+                        {19, "BATCom", 0, "0.0 V"},
+                        {19, "BATCom", 15, "13.6 V"},
+                        {19, "BATCom", 19, "17.2 V"},
+                        {1, "LOWBLD", 1, "1500 RPM"},
+                        {10, "ISRPM", 1, "40 \u00B0C"},
+                        {13, "SPLITBL", 4, "2500 RPM"},
+                        {38, "Y", 2, "0.65 V"},
+                        {1, "BLDTBL", 1, "2"},
+                        {22, "BARO_ADV", 7, "8"}};
     for (const Row& row : rows) {
         const auto stops = stopsOf(fake.session, row.page, row.member);
         ASSERT_GT(stops.size(), row.cell) << row.member;
