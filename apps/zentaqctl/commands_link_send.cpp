@@ -85,7 +85,7 @@ void send(const Context& context, const std::string& port, const SendWish& wish)
     desk.findUnit();
     const Unit& linked = desk.session().linkedUnit();
     if (!calibration) calibration = std::make_unique<QuietCalibration>(linked.kind(), context.database);
-    if (calibration->unit.kind().slot != linked.kind().slot) throw Failure(std::string(incorrectUnit));
+    if (!shareFiles(calibration->unit.kind(), linked.kind())) throw Failure(std::string(incorrectUnit));
     const Member member = memberToSend(linked.kind(), wish);
     const auto records = recordsOf(*calibration, linked, member, wish);
     for (const std::string& record : records) {

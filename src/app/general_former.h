@@ -22,7 +22,6 @@ struct GeneralConfig::Former {
     // The on-the-fly state follows the link: one that came or went meanwhile decides anew.
     int linkedKind;
     bool identified;
-    bool firmwareTold;
     std::map<int, UnitSnapshot> units;  ///< by slot
 };
 

@@ -32,8 +32,7 @@ GeneralConfig::Former::Former(Session& session)
       dataModified(session.DataModified),
       onTheFly(session.currentUnitObject().ONFLY_MODE()),
       linkedKind(session.link.linked().LinkedUnitKind),
-      identified(session.link.linked().UnitIdentified),
-      firmwareTold(session.link.linked().FirmwareTold) {
+      identified(session.link.linked().UnitIdentified) {
     header.fileState = header.currentUnit == 0 ? "" : "OLD";
     if (header.currentUnit != 0) keep(session.currentUnitObject());
 }
@@ -168,12 +167,11 @@ void GeneralConfig::putBack() {
         const int build = one.FW_Build();
         snapshot.restore(one);
         // A unit that told its firmware meanwhile has the calibration moved to it now.
-        const bool toldMeanwhile =
-            linked.LinkedUnitKind == slot && linked.FirmwareTold && !former->firmwareTold;
-        if (!toldMeanwhile) continue;
+        if (!linked.tells(slot)) continue;
         one.FW_Build(build);
         one.FW_Release(release);
     }
+    session_.followLinkedKind();
     session_.CurrentFile = former->currentFile;
     session_.FileFilterIndex = former->fileFilterIndex;
     session_.DataModified = former->dataModified;

@@ -158,23 +158,28 @@ MainCommands::Next MainCommands::openOlder(const std::string& path, std::uintmax
 }
 
 bool MainCommands::read(int slot, const std::function<void(Unit&)>& file) {
-    // The former calibration stays in place until the new one has been read whole.
+    // The former calibration stays in place until the new one has been read whole. Reading lets events in: a
+    // unit that comes meanwhile may take either of them to the other slot of its class.
     const FileHeader former = session_.header();
+    const Unit& formerUnit = session_.currentUnitObject();
     const bool whole = endOnFailure(
         [&] {
+            Unit& unit = session_.Units(slot);
             session_.CurrentUnit(static_cast<float>(slot));
-            file(session_.Units(slot));
-            session_.CurrentUnit(static_cast<float>(slot));
+            file(unit);
+            session_.CurrentUnit(static_cast<float>(unit.kind().slot));
         },
         [&](const std::string& why) { session_.sysLog("Calibration file not read: " + why); });
     if (whole) {
         session_.header().fileState = "OLD";
         // A table of one kind does not stand over the calibration of another, which may lack it.
-        const bool otherKind = former.currentUnit != session_.header().currentUnit;
+        const bool otherKind = &formerUnit != &session_.currentUnitObject();
         if (former.currentUnit != 0 && otherKind) session_.windows().removeForms();
     } else {
         session_.header() = former;
+        if (former.currentUnit != 0) session_.CurrentUnit(static_cast<float>(formerUnit.kind().slot));
     }
+    session_.followLinkedKind();
     return whole;
 }
 
@@ -203,7 +208,9 @@ MainCommands::Next MainCommands::openCalibration(const std::string& path) {
         if (next == Next::AskAgain) return next;  // No loads the newer file all the same
     }
 
-    if (!read(file.slot, [&](Unit& unit) { unit.FileOpen(path); }))
+    // The boxes let a unit come.
+    const int slot = session_.slotForFile(file.slot);
+    if (!read(slot, [&](Unit& unit) { unit.FileOpen(path); }))
         return askAgain("File Read Error", corrupt(path));
     finishOpening(path);
     return Next::Done;

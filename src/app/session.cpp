@@ -1,6 +1,7 @@
 #include "app/session.h"
 
 #include <array>
+#include <utility>
 
 #include "app/settings_keys.h"
 #include "base/errors.h"
@@ -212,8 +213,8 @@ bool Session::fahrenheit() const {
     return platform_.settings.get("System", "TemperatureToggle") != "0";
 }
 
-bool Session::firmwareKnownFromLink() const {
-    return link.linked().FirmwareTold;
+bool Session::firmwareKnownFromLink(int slot) const {
+    return link.linked().tells(slot);
 }
 
 float Session::programVersion() const {
@@ -260,7 +261,36 @@ void Session::onFlyLock(bool busy) {
     windows_->onFlyLock(busy);
 }
 
+int Session::slotForFile(int slot) const {
+    const UnitKind* file = unitKindOfSlot(slot);
+    const UnitKind* linked = unitKindOfSlot(link.linked().LinkedUnitKind);
+    return file != nullptr && linked != nullptr && shareFiles(*file, *linked) ? linked->slot : slot;
+}
+
+void Session::followLinkedKind() {
+    const int former = currentUnit();
+    const int slot = slotForFile(former);
+    if (slot == former || !hasUnit(slot)) return;
+    auto& inHand = units_[static_cast<std::size_t>(former)];
+    auto& other = units_[static_cast<std::size_t>(slot)];
+    inHand->exchangeSlots(*other);
+    std::swap(inHand, other);
+    header_.currentUnit = static_cast<float>(slot);
+    if (link.linked().tells(slot)) takeFirmwareOf(Units(former), Units(slot));
+}
+
+// What the unit has told stands in the object that was in its slot until now.
+void Session::takeFirmwareOf(Unit& told, Unit& inHand) {
+    inHand.FirmWare(told.FirmWare());
+    inHand.Serial(told.Serial());
+    inHand.gpioListRead(true);
+    told.gpioListRead(false);
+    inHand.FW_Build(told.FW_Build());
+    inHand.FW_Release(told.FW_Release());
+}
+
 void Session::unitKindFound(int slot) {
+    followLinkedKind();
     FileFilterIndex = Units(slot).kind().fileFilter;
     applyMonitorMode();
     windows_->unitKindFound(slot);

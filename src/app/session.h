@@ -115,6 +115,11 @@ class Session : public UnitHost, public LinkHost {
     /// The file or link changed what the dashboard shows: Day_Mode or Night_Mode by the setting.
     void applyMonitorMode();
     bool dayMode() const;
+    /// Two slots hold one class of units: a calibration in hand of that class is in the slot of the unit on
+    /// the link. Its object stays the same, only its slot changes.
+    void followLinkedKind();
+    /// The slot for a file of this one: that of the unit on the link, where both are one class.
+    int slotForFile(int slot) const;
     /// A value of the calibration in hand was changed by the user.
     void markModified();
 
@@ -130,7 +135,7 @@ class Session : public UnitHost, public LinkHost {
     std::optional<EngineFacts> engine(int kind, int optionType) override;
     std::optional<SensorFacts> mapSensor(int id) override;
     bool fahrenheit() const override;
-    bool firmwareKnownFromLink() const override;
+    bool firmwareKnownFromLink(int slot) const override;
     FileHeader& header() override { return header_; }
     float programVersion() const override;
     std::string applicationFolder() const override { return platform_.applicationFolder; }
@@ -156,6 +161,7 @@ class Session : public UnitHost, public LinkHost {
  private:
     std::array<LineWatch*, 2> watchers() { return {&trace, &timing}; }
     void showFrameTimes();
+    void takeFirmwareOf(Unit& told, Unit& inHand);
 
     Platform platform_;
     WindowSet quiet_;

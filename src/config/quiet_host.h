@@ -47,7 +47,8 @@ class QuietHost : public UnitHost {
     const std::vector<std::string>& told() const { return told_; }
     /// The on-the-fly records that were handed to the link.
     const std::vector<std::string>& records() const { return records_; }
-    /// As if a unit on the link had told its firmware: files are moved to it.
+    /// As if a unit on the link had told its firmware: files are moved to it. The calibration of this host is
+    /// then one for that unit.
     void firmwareKnown(bool known) { firmwareKnown_ = known; }
 
     bool checkInput(int code, std::string_view value) override;
@@ -62,7 +63,7 @@ class QuietHost : public UnitHost {
     std::optional<SensorFacts> mapSensor(int id) override;
     /// Always Celsius: a program's numbers mean the same on every machine.
     bool fahrenheit() const override { return false; }
-    bool firmwareKnownFromLink() const override { return firmwareKnown_; }
+    bool firmwareKnownFromLink(int) const override { return firmwareKnown_; }
     FileHeader& header() override { return header_; }
     float programVersion() const override;
     std::string applicationFolder() const override { return "."; }

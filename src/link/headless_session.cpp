@@ -29,7 +29,7 @@ HeadlessSession::HeadlessSession(const Surroundings& surroundings)
       link_(around_.port, *this, decoder_, live_, settings_, around_.clock, noYield_) {
     for (int slot = 0; slot <= lastSlot; ++slot) {
         if (const UnitKind* kind = unitKindOfSlot(slot)) {
-            units_[slot] = std::make_unique<Unit>(*kind, around_.unitHost);
+            units_.push_back(std::make_unique<Unit>(*kind, around_.unitHost));
         }
     }
 }
@@ -183,12 +183,27 @@ Ending HeadlessSession::endOfProgramming() const {
 
 // ---- LinkHost
 
+Unit* HeadlessSession::emptyUnit(int slot) const {
+    const auto found = std::ranges::find_if(
+        units_, [slot](const std::unique_ptr<Unit>& unit) { return unit->kind().slot == slot; });
+    return found == units_.end() ? nullptr : found->get();
+}
+
 Unit& HeadlessSession::unit(int slot) {
     if (around_.calibration != nullptr && around_.calibration->kind().slot == slot) {
         return *around_.calibration;
     }
-    const auto found = units_.find(slot);
-    return found == units_.end() ? *units_.at(0) : *found->second;
+    Unit* const unit = emptyUnit(slot);
+    return unit == nullptr ? *units_.front() : *unit;
+}
+
+void HeadlessSession::unitKindFound(int slot) {
+    Unit* calibration = around_.calibration;
+    if (calibration == nullptr || calibration->kind().slot == slot) return;
+    Unit* const empty = emptyUnit(slot);
+    if (empty == nullptr || !shareFiles(calibration->kind(), empty->kind())) return;
+    calibration->exchangeSlots(*empty);
+    calibration->host().header().currentUnit = static_cast<float>(slot);
 }
 
 int HeadlessSession::currentUnit() const {

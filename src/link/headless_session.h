@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -59,8 +58,8 @@ class HeadlessSession : public LinkHost {
         /// Lets about a millisecond pass: bytes and ticks come meanwhile.
         Yield& pass;
         UnitHost& unitHost;  ///< of the units of which no calibration is in hand
-        /// The calibration in hand; nullptr for none. It must have its file name: one without is taken for
-        /// empty and gets the values that a dashboard needs.
+        /// The calibration in hand; nullptr for none. Of two slots of its class it gets that of the unit that
+        /// is found.
         Unit* calibration = nullptr;
         /// The user wants to end; asked after each step. Empty: never.
         std::function<bool()> stopWanted{};
@@ -117,7 +116,7 @@ class HeadlessSession : public LinkHost {
     void show(const Box& box) override { boxes_.push_back(box); }
     void initializeOnFly(bool on) override;
     void onFlyLock(bool) override {}
-    void unitKindFound(int) override {}
+    void unitKindFound(int slot) override;
     void codesReceived() override {}
     void codesCleared() override {}
     void frameDecoded() override {
@@ -138,6 +137,7 @@ class HeadlessSession : public LinkHost {
     };
 
     bool idle() const;
+    Unit* emptyUnit(int slot) const;
     void passUntilIdle();
     bool passAndCheckIdentity();
     TransferEnd passUntilEnd(TransferMode mode, const std::function<void()>& start);
@@ -149,7 +149,7 @@ class HeadlessSession : public LinkHost {
     Ending endOfProgramming() const;
 
     Surroundings around_;
-    std::map<int, std::unique_ptr<Unit>> units_;
+    std::vector<std::unique_ptr<Unit>> units_;  ///< without a calibration; the null unit first
     LiveValues live_;
     FrameDecoder decoder_;
     MemorySettings settings_;

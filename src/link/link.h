@@ -15,6 +15,7 @@
 #include "link/link_host.h"
 #include "link/link_status.h"
 #include "link/progress.h"
+#include "link/reply_decoding.h"
 #include "live/live_values.h"
 #include "platform/clock.h"
 #include "platform/serial_port.h"
@@ -36,6 +37,9 @@ struct LinkedUnit {
     bool OldFirmware = false;
     int UnitSubType = 0;      ///< kind 3 only: subtype byte plus 1
     std::string UnitBinName;  ///< 24 characters, not trimmed
+
+    /// A unit of this kind has told its firmware.
+    bool tells(int slot) const { return FirmwareTold && LinkedUnitKind == slot; }
 };
 
 enum class TransferMode { Calibration = 1, Firmware = 2, Datalog = 3 };
@@ -187,6 +191,7 @@ class Link : private LineWatch {
     enum class FirmwareRestore { Always, IfUnitKnown };
     void loseLink(FirmwareRestore restore);
     void restoreFileFirmware();
+    FirmwareNumber formerFirmware();
     void abandonCommand();
     std::string& place(int index) { return commandQueue_.at(static_cast<std::size_t>(index)); }
     const std::string& place(int index) const { return commandQueue_.at(static_cast<std::size_t>(index)); }
@@ -246,6 +251,7 @@ class Link : private LineWatch {
     Clock& clock_;
     Yield& yield_;
     LinkedUnit linked_;
+    FirmwareNumber firmwareBefore_;  ///< of the linked unit's object, before the unit told its own
     LinkStatus status_;
     Progress progress_;
     int commPort_ = 1;

@@ -30,7 +30,8 @@ class LinkHost {
     virtual void initializeOnFly(bool on) = 0;
     /// Called on each idle tick; while busy the table grid is disabled.
     virtual void onFlyLock(bool busy) = 0;
-    /// A unit of this kind is on the link: the dashboard's face and the file filter follow it.
+    /// A unit of this kind is on the link: the dashboard's face and the file filter follow it, and a
+    /// calibration in hand of the other slot of its class is in this slot from now on.
     virtual void unitKindFound(int slot) = 0;
     /// Check-engine words have been stored in the unit, or (cleared) the unit has cleared them.
     virtual void codesReceived() = 0;

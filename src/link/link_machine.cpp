@@ -276,10 +276,23 @@ void Link::loseLink(FirmwareRestore restore) {
 }
 
 void Link::restoreFileFirmware() {
-    const int code = toInt32(static_cast<double>(host_.fileFirmwareCode()));
+    const FirmwareNumber former = formerFirmware();
     Unit& unit = linkedUnit();
-    skipFailing([&] { unit.FW_Release(code / 1000); });
-    unit.FW_Build(code % 1000);
+    skipFailing([&] { unit.FW_Release(former.release); });
+    unit.FW_Build(former.build);
+}
+
+// The number of the file is that of the calibration in hand, and of no other unit's object.
+FirmwareNumber Link::formerFirmware() {
+    if (host_.currentUnit() != linked_.LinkedUnitKind) {
+        const Unit& unit = linkedUnit();
+        return linked_.FirmwareTold ? firmwareBefore_ : FirmwareNumber{unit.FW_Release(), unit.FW_Build()};
+    }
+    const int code = toInt32(static_cast<double>(host_.fileFirmwareCode()));
+    // A file that tells none counts as when it is opened.
+    const UnitKind& kind = linkedUnit().kind();
+    if (code == 0) return {kind.defaultRelease, kind.defaultBuild};
+    return {code / 1000, code % 1000};
 }
 
 void Link::abandonCommand() {

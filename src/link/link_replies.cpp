@@ -176,21 +176,23 @@ void Link::warnOldFirmware() {
 }
 
 bool Link::findUnitKind() {
-    const std::int32_t number = linked_.SerialNumber;
-    if (number == 0) return true;
-    const SerialRange* range = unitOfSerial(number);
-    if (range == nullptr) {
+    const SerialRange* range = unitOfSerial(linked_.SerialNumber);
+    if (linked_.SerialNumber != 0 && range == nullptr) {
         discardInput();
         linked_.SerialNumber = 0;
         return false;
     }
-    if (linked_.UnitIdentified && linked_.LinkedUnitKind != range->slot) leaveFormerUnit();
-    linked_.LinkedUnitKind = range->slot;
-    if (!linked_.UnitFound) show(&LinkStatus::unitLabel, range->label);
+    // The number 0 tells no kind.
+    const int slot = range == nullptr ? linked_.LinkedUnitKind : range->slot;
+    // A unit of the oldest format takes no changes, whoever of its kind was there before.
+    const bool otherUnit = linked_.LinkedUnitKind != slot || linked_.OldFirmware;
+    if (linked_.UnitIdentified && otherUnit) leaveFormerUnit();
+    linked_.LinkedUnitKind = slot;
+    if (range != nullptr && !linked_.UnitFound) show(&LinkStatus::unitLabel, range->label);
     return true;
 }
 
-// Another kind has taken the place of the unit that was identified, with no silence between them. Changes on
+// Another unit has taken the place of the one that was identified, with no silence between them. Changes on
 // the fly, a transfer and whatever else waits were meant for that one.
 void Link::leaveFormerUnit() {
     if (transferPending()) skipFailing([&] { End_Transfer(false); });
@@ -199,7 +201,9 @@ void Link::leaveFormerUnit() {
 }
 
 void Link::fillDashboardDefaults() {
-    if (linkedUnit().BinFile().empty()) storeDashboardDefaults(linkedUnit());
+    // A calibration that is being made has no file yet.
+    const bool inHand = host_.currentUnit() == linked_.LinkedUnitKind;
+    if (!inHand && linkedUnit().BinFile().empty()) storeDashboardDefaults(linkedUnit());
 }
 
 void Link::acceptUnit(std::string_view text) {
@@ -244,6 +248,7 @@ void Link::storeFirmware(const Reply& reply) {
     Unit& unit = linkedUnit();
     unit.FirmWare(shown);
     const FirmwareNumber firmware = firmwareNumber(raw);
+    if (!linked_.FirmwareTold) firmwareBefore_ = {unit.FW_Release(), unit.FW_Build()};
     // Before the release is stored: storing it brings a calibration in hand to this firmware.
     linked_.FirmwareTold = true;
     firmwareLost_ = false;  // whatever an earlier run did: this unit has one

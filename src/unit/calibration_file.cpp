@@ -59,7 +59,7 @@ bool isLinear(int release) {
 // ---- Reading
 
 void Unit::FileOpen(const std::string& path) {
-    if (!kind_.hasCalibration) return;
+    if (!kind_->hasCalibration) return;
     const FileContent content = parsed(readFileStart(path, longestFile), path);
     const int fileRelease = releaseOf(content.firmwareCode);
     host_.yield();
@@ -83,11 +83,11 @@ void Unit::FileOpen(const std::string& path) {
 void Unit::adoptFirmware(float code) {
     // A code that rounds to no release and no build tells as little as 0, and is saved as unknown, too.
     const bool unknown = toInt32(code) == 0;
-    if (unknown || host_.firmwareKnownFromLink()) {
+    if (unknown || host_.firmwareKnownFromLink(kind_->slot)) {
         // What the unit on the link has told goes before what the file says.
         if (!unknown || release_ != 0 || build_ != 0) return;
-        release_ = kind_.defaultRelease;
-        build_ = kind_.defaultBuild;
+        release_ = kind_->defaultRelease;
+        build_ = kind_->defaultBuild;
         return;
     }
     release_ = releaseOf(code);
@@ -103,16 +103,26 @@ void Unit::repairAfterOpening(int fileRelease) {
 }
 
 void Unit::FW_Release(int release) {
-    if (!kind_.hasCalibration) return;
-    const int from = std::exchange(release_, release);
+    if (!kind_->hasCalibration) return;
+    const int before = std::exchange(release_, release);
     const FileHeader& header = host_.header();
     // A release of 0 is no release yet, and without a calibration in hand there is nothing to move.
-    if (from == 0 || header.currentUnit != static_cast<float>(kind_.slot)) return;
+    if (release <= 0 || header.currentUnit != static_cast<float>(kind_->slot)) return;
+    if (before == 0 && header.firmwareCode == 0) return;
+    const int madeFor = releaseOf(header.firmwareCode);
+    if (madeFor <= 0) return defineSensor();
     // The code tells what the cells are made for. A unit of the other generation that came and went must not
     // have them moved back from where they never were.
-    if (header.firmwareCode != 0 && isLinear(releaseOf(header.firmwareCode)) == isLinear(release_)) return;
+    if (isLinear(madeFor) == isLinear(release_)) return;
+    const int from = before == 0 ? madeFor : before;
     repairSensor(from);
     migrateInjectors(from);
+}
+
+// Nobody knows what the cells of such a calibration are made for, so nothing that is in them moves. A sensor
+// that was never defined is no matter of scaling: without one the unit would measure nothing.
+void Unit::defineSensor() {
+    if (cellAt(kind_->cells.mapId) == 0) repairSensor(0);
 }
 
 void Unit::repairSensor(int fromRelease) {
@@ -123,7 +133,7 @@ void Unit::adoptSensor(float bar) {
     if (!isLinear(release_)) return;
     constexpr int customSensor = 4;
     const bool rated = bar == 1 || bar == 2 || bar == 3 || bar == 4;
-    cellAt(kind_.cells.mapId) = rated ? bar : customSensor;
+    cellAt(kind_->cells.mapId) = rated ? bar : customSensor;
     if (!rated) host_.inform(customSensorText);
     const auto sensor = host_.mapSensor(rated ? static_cast<int>(bar) : customSensor);
     if (!sensor) return;
@@ -133,7 +143,7 @@ void Unit::adoptSensor(float bar) {
 }
 
 void Unit::seedStopPoints() {
-    if (!kind_.cells.hasAxisWords) return;
+    if (!kind_->cells.hasAxisWords) return;
     constexpr int stops = 16;
     constexpr int rowStops1 = 2226;
     constexpr int columnStops1 = 2242;
@@ -161,7 +171,7 @@ void Unit::seedStopPoints() {
 }
 
 void Unit::seedShape() {
-    if (!kind_.cells.hasAxisWords) return;
+    if (!kind_->cells.hasAxisWords) return;
     constexpr int axisWord1 = 2290;
     constexpr int axisWord2 = 2291;
     constexpr int oldSize = 16;
@@ -180,22 +190,25 @@ void Unit::seedShape() {
 
 void Unit::migrateInjectors(int fromRelease) {
     const bool up = isLinear(release_);
-    if (kind_.cells.scale1 == CellMap::none) return;
-    if (up == isLinear(fromRelease) || !host_.firmwareKnownFromLink()) return;
+    if (kind_->cells.scale1 == CellMap::none) return;
+    if (up == isLinear(fromRelease) || !host_.firmwareKnownFromLink(kind_->slot)) return;
+    // What a unit says about itself makes no old file of one that tells no release, nor does a unit that
+    // tells none.
+    if (fromRelease <= 0 || release_ <= 0) return;
     scaleInjectors(up);
     host_.header().firmwareCode = static_cast<float>(release_ * 1000 + build_);
     tellMigrated();
 }
 
 void Unit::scaleInjectors(bool up) {
-    if (kind_.cells.scale1 == CellMap::none) return;
+    if (kind_->cells.scale1 == CellMap::none) return;
     rules::mapBar(*this);  // repairs a rating of 0
-    const auto [k, l] = legacySensor(toInt16(cellAt(kind_.cells.legacyBar)));
-    const double scale = cellAt(kind_.cells.scale1);
+    const auto [k, l] = legacySensor(toInt16(cellAt(kind_->cells.legacyBar)));
+    const double scale = cellAt(kind_->cells.scale1);
     const double zero = scale * (l / 1023);
-    float& injOn = cellAt(kind_.cells.injectorOn);
+    float& injOn = cellAt(kind_->cells.injectorOn);
     injOn = static_cast<float>(up ? injOn + zero : injOn - zero);
-    cellAt(kind_.cells.scale1) = static_cast<float>(roundTo(up ? scale * k : scale / k, 3));
+    cellAt(kind_->cells.scale1) = static_cast<float>(roundTo(up ? scale * k : scale / k, 3));
 }
 
 void Unit::tellMigrated() {
@@ -205,30 +218,30 @@ void Unit::tellMigrated() {
 }
 
 void Unit::seedBaroTrim() {
-    if (kind_.cells.baroTrim == CellMap::none) return;
+    if (kind_->cells.baroTrim == CellMap::none) return;
     static constexpr std::array<float, 8> trims = {-50, -43, -35, -28, -20, -13, -5, 3};
-    const auto first = cells_.begin() + kind_.cells.baroTrim;
+    const auto first = cells_.begin() + kind_->cells.baroTrim;
     if (std::any_of(first, first + trims.size(), [](float cell) { return cell != 0; })) return;
     std::ranges::copy(trims, first);
-    cellAt(kind_.cells.ratio) = 14.64F;
+    cellAt(kind_->cells.ratio) = 14.64F;
 }
 
 // ---- Writing
 
 void Unit::SaveFile() {
-    if (!kind_.hasCalibration) return;
+    if (!kind_->hasCalibration) return;
     storeControlBytes();
-    const bool unknown = (release_ == 0 && build_ == 0) || release_ > kind_.newestRelease;
-    const int release = unknown ? kind_.defaultRelease : release_;
-    const int build = unknown ? kind_.defaultBuild : build_;
+    const bool unknown = (release_ == 0 && build_ == 0) || release_ > kind_->newestRelease;
+    const int release = unknown ? kind_->defaultRelease : release_;
+    const int build = unknown ? kind_->defaultBuild : build_;
     const auto firmwareCode = static_cast<float>(release * 1000 + build);
 
     std::string bytes;
     bytes.reserve((headerFloats + cellCount) * floatBytes);
-    appendFloat(bytes, kind_.fileKind);
+    appendFloat(bytes, kind_->fileKind);
     appendFloat(bytes, host_.programVersion());
     appendFloat(bytes, firmwareCode);
-    for (int i = 0; i < kind_.fileFloats; ++i) appendFloat(bytes, cellAt(i));
+    for (int i = 0; i < kind_->fileFloats; ++i) appendFloat(bytes, cellAt(i));
     // kept: a save writes over the file's start only, what an older, longer file holds behind it stays.
     writeFileStartSafely(binFile_, bytes);
 
@@ -240,7 +253,7 @@ void Unit::SaveFile() {
 }
 
 void Unit::CloseFile() {
-    if (!kind_.hasCalibration) return;
+    if (!kind_->hasCalibration) return;
     binFile_.clear();
     firmWare_.clear();
     serial_.clear();

@@ -67,20 +67,20 @@ char32_t characterOf(float cell) {
 }  // namespace
 
 std::string Unit::BiName() const {
-    if (!kind_.hasCalibration) return {};
+    if (!kind_->hasCalibration) return {};
     std::string name;
     for (int i = 0; i < nameLength; ++i) {
-        const char32_t character = characterOf(cellAt(kind_.cells.name + i));
+        const char32_t character = characterOf(cellAt(kind_->cells.name + i));
         appendCharacter(name, character == 0 ? U' ' : character);
     }
     return name;
 }
 
 void Unit::BiName(std::string_view path) {
-    if (!kind_.hasCalibration) return;
+    if (!kind_->hasCalibration) return;
     std::string name = fileNameOf(path);
-    const std::size_t tail = kind_.extension.size();
-    if (name.size() >= tail && upper(name.substr(name.size() - tail)) == kind_.extension) {
+    const std::size_t tail = kind_->extension.size();
+    if (name.size() >= tail && upper(name.substr(name.size() - tail)) == kind_->extension) {
         name.resize(name.size() - tail);
     }
     std::u32string characters = charactersOf(name);
@@ -88,15 +88,15 @@ void Unit::BiName(std::string_view path) {
     for (int i = 0; i < nameLength; ++i) {
         // The unit keeps one byte a character.
         const char32_t character = characters[static_cast<std::size_t>(i)];
-        cellAt(kind_.cells.name + i) = static_cast<float>(character > 255 ? U'?' : character);
+        cellAt(kind_->cells.name + i) = static_cast<float>(character > 255 ? U'?' : character);
     }
 }
 
 std::string Unit::NOTES_TEXT() const {
-    if (!kind_.hasCalibration) return {};
+    if (!kind_->hasCalibration) return {};
     std::string notes;
     for (int i = 0; i < notesLength; ++i) {
-        if (const char32_t character = characterOf(cellAt(kind_.cells.notes + i)); character != 0) {
+        if (const char32_t character = characterOf(cellAt(kind_->cells.notes + i)); character != 0) {
             appendCharacter(notes, character);
         }
     }
@@ -104,11 +104,11 @@ std::string Unit::NOTES_TEXT() const {
 }
 
 void Unit::NOTES_TEXT(std::string_view text) {
-    if (!kind_.hasCalibration) return;
+    if (!kind_->hasCalibration) return;
     std::u32string characters = charactersOf(text);
     characters.resize(notesLength, U'\0');
     for (int i = 0; i < notesLength; ++i) {
-        cellAt(kind_.cells.notes + i) = static_cast<float>(characters[static_cast<std::size_t>(i)]);
+        cellAt(kind_->cells.notes + i) = static_cast<float>(characters[static_cast<std::size_t>(i)]);
     }
 }
 

@@ -37,24 +37,24 @@ int tableCell(const CellMap& cells, int table, int index) {
 }  // namespace
 
 int Unit::gpioCell(int pin, int word) const {
-    if (pin < 0 || pin > kind_.numGpio || word < 0 || word >= blockCells) throw BoundsError();
-    return kind_.gpioBase + blockCells * pin + word;
+    if (pin < 0 || pin > kind_->numGpio || word < 0 || word >= blockCells) throw BoundsError();
+    return kind_->gpioBase + blockCells * pin + word;
 }
 
 int Unit::Get_GPIOFUNC(int pin) const {
-    if (!kind_.hasCalibration || pin < 0 || pin > kind_.numGpio) return 0;
+    if (!kind_->hasCalibration || pin < 0 || pin > kind_->numGpio) return 0;
     const int cell = gpioCell(pin, 0);
     return indexPolling_ ? cell : toInt16(static_cast<double>(cellAt(cell)));
 }
 
 void Unit::Set_GPIO_Func(int pin, int code) {
-    if (!kind_.hasCalibration) return;
+    if (!kind_->hasCalibration) return;
     cellAt(gpioCell(pin, 0)) = static_cast<float>(code);
     recordReleaseOf(code);
 }
 
 void Unit::recordReleaseOf(int gpioCode) {
-    const GpioPins& pins = gpioPinsOf(kind_);
+    const GpioPins& pins = gpioPinsOf(*kind_);
     float& recorded = host_.header().firmwareCode;
     if (!pins.recordsRelease || recorded != 0 || release_ != 0 || build_ != 0) return;
     const GpioFunction* function = gpioFunctionOf(pins.kind, gpioCode);
@@ -64,11 +64,11 @@ void Unit::recordReleaseOf(int gpioCode) {
 }
 
 float Unit::Get_GPIO_Param(int pin, int parameter) const {
-    return kind_.hasCalibration ? cellAt(gpioCell(pin, parameter + 1)) : 0;
+    return kind_->hasCalibration ? cellAt(gpioCell(pin, parameter + 1)) : 0;
 }
 
 void Unit::Set_GPIO_Param(int pin, int parameter, float value) {
-    if (!kind_.hasCalibration) return;
+    if (!kind_->hasCalibration) return;
     const int cell = gpioCell(pin, parameter + 1);
     if (parameter < 0) throw BoundsError();
     cellAt(cell) = value;
@@ -95,34 +95,34 @@ void Unit::sendGpioParameter(int pin, int parameter, float value) {
 }
 
 float Unit::Get_GPIO_Table(int table, int index) {
-    return kind_.hasCalibration ? cellAt(tableCell(kind_.cells, table, index)) : 0;
+    return kind_->hasCalibration ? cellAt(tableCell(kind_->cells, table, index)) : 0;
 }
 
 void Unit::Set_GPIO_Table(int table, int index, float value) {
-    if (!kind_.hasCalibration) return;
-    const int cell = tableCell(kind_.cells, table, index);
+    if (!kind_->hasCalibration) return;
+    const int cell = tableCell(kind_->cells, table, index);
     cellAt(cell) = value;
     SendOnFly(cell, value * 2.55, 1);
 }
 
 int Unit::Get_GPO_TblNum(int pin) const {
-    return kind_.hasCalibration ? toInt16(static_cast<double>(Get_GPIO_Param(pin, 0))) : 0;
+    return kind_->hasCalibration ? toInt16(static_cast<double>(Get_GPIO_Param(pin, 0))) : 0;
 }
 
 void Unit::Zeroize_GPIO(int pin) {
-    if (!kind_.hasCalibration) return;
+    if (!kind_->hasCalibration) return;
     for (int word = 0; word < blockCells; ++word) cellAt(gpioCell(pin, word)) = 0;
 }
 
 std::string Unit::GPIO_Function_Name(int code) const {
-    const GpioFunction* function = gpioFunctionOf(gpioPinsOf(kind_).kind, code);
+    const GpioFunction* function = gpioFunctionOf(gpioPinsOf(*kind_).kind, code);
     return std::string(function == nullptr ? "GPIO ERROR: ENTRY NOT FOUND!" : function->name);
 }
 
 void Unit::convertGpioBlocks() {
     const FirmwareVersion firmware = {release_, build_};
     int frequencyCode = 0;
-    for (int pin = 0; pin <= kind_.numGpio; ++pin) {
+    for (int pin = 0; pin <= kind_->numGpio; ++pin) {
         const int first = gpioCell(pin, 0);
         const GpioRecipe* recipe = gpioRecipe(functionOf(cellAt(first)), firmware);
         if (recipe == nullptr) continue;

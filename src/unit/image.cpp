@@ -62,7 +62,7 @@ void Unit::putCell(const Encoding& encoding, int index, float cell) {
 }
 
 void Unit::convertMembers() {
-    for (const Parameter& row : kind_.parameters) {
+    for (const Parameter& row : kind_->parameters) {
         if (row.image.bytes == Bytes::None) continue;
         for (int i = 0; i < row.count; ++i) {
             const int cell = row.cell(i);
@@ -72,7 +72,7 @@ void Unit::convertMembers() {
 }
 
 void Unit::convertLooseCells() {
-    const ImageLayout& layout = *kind_.image;
+    const ImageLayout& layout = *kind_->image;
     for (const auto& [cells, encoding] : layout.looseCells) {
         for (int i = cells.first; i <= cells.last; ++i) putCell(encoding, i, cellAt(i));
     }
@@ -83,7 +83,7 @@ void Unit::convertLooseCells() {
 }
 
 void Unit::convertSensorWords() {
-    const int gainIndex = kind_.image->gainWord;
+    const int gainIndex = kind_->image->gainWord;
     const int zeroIndex = gainIndex + 2;
     const auto [units, atmosphere, zero] = atmosphereOf(MAPUnits());
     const double ratio = (atmosphere - zero) / 101.325;
@@ -98,13 +98,13 @@ void Unit::convertSensorWords() {
 
 void Unit::convertStopPoints() {
     constexpr int stops = 16;
-    for (const auto& [image, cell] : kind_.image->stopRuns) {
+    for (const auto& [image, cell] : kind_->image->stopRuns) {
         for (int i = 0; i < stops; ++i) putWord(image + 2 * i, convertStopPointsToUnit(cell + i));
     }
 }
 
 void Unit::ConvertData() {
-    if (!kind_.hasCalibration) return;
+    if (!kind_->hasCalibration) return;
     storeControlBytes();
     for (int i = 0; i < 3; ++i) putByte(i, controlByte(i));
     convertMembers();
@@ -115,7 +115,7 @@ void Unit::ConvertData() {
     convertTrims();
     convertStopPoints();
     convertSensorWords();
-    if (const auto& [first, last] = kind_.image->hiddenFromOlder; release_ < kind_.image->newerFrom) {
+    if (const auto& [first, last] = kind_->image->hiddenFromOlder; release_ < kind_->image->newerFrom) {
         // Older firmware must see no stop points.
         for (int i = first; i <= last; ++i) putByte(i, 0);
     }

@@ -289,7 +289,7 @@ void OldFileMove::tables() {
 }  // namespace
 
 void Unit::OldFileOpen(const std::string& path) {
-    if (!kind_.hasCalibration) return;
+    if (!kind_->hasCalibration) return;
     OldFile file = OldFile::read(path);
     host_.yield();
 
@@ -298,7 +298,7 @@ void Unit::OldFileOpen(const std::string& path) {
     control_ = {};
     teeth_ = {};
     FileHeader& header = host_.header();
-    header = {.currentUnit = static_cast<float>(kind_.slot)};
+    header = {.currentUnit = static_cast<float>(kind_->slot)};
     adoptFirmware(0);
     if (file.refused() > 0) {
         host_.sysLog("Old file: " + numberText(file.refused()) +

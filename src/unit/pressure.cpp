@@ -61,60 +61,60 @@ int Unit::MAPPrecision() {
 }
 
 std::string Unit::MAPUnits() const {
-    if (!kind_.hasCalibration) return {};
-    const double code = roundHalfEven(cellAt(kind_.cells.mapUnits));
+    if (!kind_->hasCalibration) return {};
+    const double code = roundHalfEven(cellAt(kind_->cells.mapUnits));
     constexpr double highest = 6;
     if (!(code >= 0 && code <= highest)) return {};
     return std::string(pressureUnitsOf(static_cast<int>(code)));
 }
 
 void Unit::MAPUnits(std::string_view units) {
-    if (!kind_.hasCalibration) return;
+    if (!kind_->hasCalibration) return;
     constexpr int percentFlow = 6;
     constexpr int flowBit = 0;
     for (int code = 1; code <= percentFlow; ++code) {
         if (pressureUnitsOf(code) != units) continue;
-        cellAt(kind_.cells.mapUnits) = static_cast<float>(code);
+        cellAt(kind_->cells.mapUnits) = static_cast<float>(code);
         Set_Control2(flowBit, code == percentFlow);
     }
 }
 
 float Unit::voltsToPressure(float volts) {
-    if (!kind_.hasCalibration) return 0;
+    if (!kind_->hasCalibration) return 0;
     if (release_ < firstLinearRelease) return voltsToKPa(volts);
     return static_cast<float>((static_cast<double>(volts) - rules::mapOffset(*this)) /
                               rules::mapScaler(*this));
 }
 
 float Unit::pressureToVolts(float pressure) {
-    if (!kind_.hasCalibration) return 0;
+    if (!kind_->hasCalibration) return 0;
     if (release_ < firstLinearRelease) return KpaToVolts(pressure);
     return static_cast<float>(static_cast<double>(rules::mapScaler(*this)) * pressure +
                               rules::mapOffset(*this));
 }
 
 float Unit::pressureToRatio(float pressure) {
-    if (!kind_.hasCalibration) return 0;
+    if (!kind_->hasCalibration) return 0;
     if (release_ >= firstLinearRelease) return static_cast<float>(pressureToVolts(pressure) / 5.0);
     return static_cast<float>(pressure / (static_cast<double>(rules::mapBar(*this)) * barSpanKpa));
 }
 
 float Unit::voltsToKPa(float volts) {
-    if (!kind_.hasCalibration) return 0;
+    if (!kind_->hasCalibration) return 0;
     const double bar = rules::mapBar(*this);
     const auto [k, l] = sensorOf(*this);
     return static_cast<float>((k * (volts * countsPerVolt) + l) * kpaPerCount * bar);
 }
 
 float Unit::KpaToVolts(float kpa) {
-    if (!kind_.hasCalibration) return 0;
+    if (!kind_->hasCalibration) return 0;
     const double bar = rules::mapBar(*this);
     const auto [k, l] = sensorOf(*this);
     return static_cast<float>((((kpa / bar) / kpaPerCount - l) / k) / countsPerVolt);
 }
 
 float Unit::KpaToCounts(float kpa, bool eightBit) {
-    if (!kind_.hasCalibration) return 0;
+    if (!kind_->hasCalibration) return 0;
     // kept: the older firmware takes the same counts in both forms.
     if (release_ < firstLinearRelease) {
         return static_cast<float>((kpa / static_cast<double>(rules::mapBar(*this))) * countsPerKpa);

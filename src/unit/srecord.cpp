@@ -22,8 +22,8 @@ void appendByte(std::string& text, int value) {
 }  // namespace
 
 int Unit::sRecordRows() const {
-    if (kind_.image == nullptr) return 0;
-    return release_ >= kind_.image->newerFrom ? kind_.image->newerRows : kind_.image->olderRows;
+    if (kind_->image == nullptr) return 0;
+    return release_ >= kind_->image->newerFrom ? kind_->image->newerRows : kind_->image->olderRows;
 }
 
 std::string Unit::sRecordText() const {
@@ -63,7 +63,7 @@ std::vector<std::uint8_t> Unit::memoryBytes() const {
 }
 
 std::string Unit::MakeS19() {
-    if (!kind_.hasCalibration) return {};
+    if (!kind_->hasCalibration) return {};
     std::string path = host_.applicationFolder() + "/ORB.s19";
     writeFileSafely(path, sRecordText());
     host_.addToLastLine("SUCCESS!");

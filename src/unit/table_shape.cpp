@@ -94,8 +94,8 @@ Limits stopLimits(Unit& unit, std::string_view kind) {
 
 int Unit::GET_TBL_DIMENSIONS(std::string_view table, std::string_view what) {
     const auto cell = sizeCell(table, what);
-    if (!cell || !kind_.hasCalibration) return 0;
-    if (!kind_.cells.hasAxisWords) return fixedSize;
+    if (!cell || !kind_->hasCalibration) return 0;
+    if (!kind_->cells.hasAxisWords) return fixedSize;
     const int rows = shapeOf(table)->rowsCell;
     const bool shaped = cellAt(rows) != 0 || cellAt(rows + 1) != 0;
     if (!shaped && !(host_.header().programVersion > lastVersionWithoutShape)) {
@@ -107,15 +107,15 @@ int Unit::GET_TBL_DIMENSIONS(std::string_view table, std::string_view what) {
 
 void Unit::SET_TBL_DIMENSIONS(std::string_view table, std::string_view what, int count) {
     const auto cell = sizeCell(table, what);
-    if (!cell || !kind_.cells.hasAxisWords || count < smallestSize || count > largestSize) return;
+    if (!cell || !kind_->cells.hasAxisWords || count < smallestSize || count > largestSize) return;
     cellAt(*cell) = static_cast<float>(count);
 }
 
 std::string Unit::GET_TBL_AXIS_TYPE(std::string_view table, std::string_view axis) const {
     const TableShape* shape = shapeOf(table);
     const bool rows = axis == "ROW-AXIS";
-    if (!kind_.hasCalibration || shape == nullptr || (!rows && axis != "COL-AXIS")) return {};
-    if (!shape->hasOwnAxes || !kind_.cells.hasAxisWords) return rows ? "BLEND MAP" : "RPM";
+    if (!kind_->hasCalibration || shape == nullptr || (!rows && axis != "COL-AXIS")) return {};
+    if (!shape->hasOwnAxes || !kind_->cells.hasAxisWords) return rows ? "BLEND MAP" : "RPM";
     const int word = toInt16(static_cast<double>(cellAt(shape->axisWord)));
     const int code = rows ? static_cast<int>(truncate(word / 16.0)) : word & 15;
     return std::string(axisKindName(code));
@@ -123,7 +123,7 @@ std::string Unit::GET_TBL_AXIS_TYPE(std::string_view table, std::string_view axi
 
 void Unit::SET_TBL_AXIS_TYPE(std::string_view table, std::string_view axis, std::string_view name) {
     const TableShape* shape = shapeOf(table);
-    if (shape == nullptr || !shape->hasOwnAxes || !kind_.cells.hasAxisWords || name.empty()) return;
+    if (shape == nullptr || !shape->hasOwnAxes || !kind_->cells.hasAxisWords || name.empty()) return;
     const auto code = axisKindCode(name);
     if (!code) return;
     float& cell = cellAt(shape->axisWord);
@@ -133,20 +133,20 @@ void Unit::SET_TBL_AXIS_TYPE(std::string_view table, std::string_view axis, std:
 }
 
 float Unit::Get_GPO_Stop(int i, std::string_view axis, std::string_view table) {
-    if (!kind_.hasCalibration) return 0;
+    if (!kind_->hasCalibration) return 0;
     const auto cell = stopCell(i, axis, table);
     if (!cell) return 0;
     // A kind without stop points of its own: the axes of the main tables are the stops.
-    if (!kind_.cells.hasAxisWords) return get(axisMember(axis), i);
+    if (!kind_->cells.hasAxisWords) return get(axisMember(axis), i);
     return cellAt(*cell);
 }
 
 bool Unit::Set_GPO_Stop(const Entry& value, int i, std::string_view axis, std::string_view table) {
     constexpr int notEmpty = 1003;
-    if (!kind_.hasCalibration) return false;
+    if (!kind_->hasCalibration) return false;
     const auto cell = stopCell(i, axis, table);
     if (!cell) return false;
-    if (!kind_.cells.hasAxisWords) return set(axisMember(axis), value, i);
+    if (!kind_->cells.hasAxisWords) return set(axisMember(axis), value, i);
     if (host_.checkInput(notEmpty, value.text())) return false;
     const float number = value.number();
     const std::string kind = GET_TBL_AXIS_TYPE(table, axis == "Y-Axis" ? "ROW-AXIS" : "COL-AXIS");
@@ -164,7 +164,7 @@ double Unit::convertStopPointsToUnit(int cellIndex) {
     // The blocks follow each other: rows and columns of the first table, then of the second.
     const std::string_view table = cellIndex >= 2258 ? "GPO2" : "GPO1";
     const bool columns = cellIndex >= 2274 || (cellIndex >= 2242 && cellIndex < 2258);
-    if (cellIndex < 2226 || !kind_.cells.hasAxisWords) return 0;
+    if (cellIndex < 2226 || !kind_->cells.hasAxisWords) return 0;
     const float cell = cellAt(cellIndex);
     const double v = cell;
     const std::string kind = GET_TBL_AXIS_TYPE(table, columns ? "COL-AXIS" : "ROW-AXIS");

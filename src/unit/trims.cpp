@@ -26,12 +26,12 @@ double trimByte(double degrees) {
 }  // namespace
 
 void Unit::Initialize_Trims() {
-    if (!kind_.hasCalibration) return;
+    if (!kind_->hasCalibration) return;
     // The engine options differ in their cylinder layout: the outputs repeat the trims of the cylinders in
     // firing order. A layout of no or of more than eight cylinders takes all eight trims in turn.
     const int cylinders = (toInt32(static_cast<double>(cellAt(cylindersAndEvents))) & 240) / 16;
     const int trims = cylinders >= 1 && cylinders <= userTrims ? cylinders : userTrims;
-    const CellMap& map = kind_.cells;
+    const CellMap& map = kind_->cells;
     const bool hasFuel = map.userFuelTrim != CellMap::none;
     for (int i = 0; hasFuel && i < userTrims; ++i) {
         // The eighth user trim shares its cell with the first character of the notes: a character is no trim.
@@ -43,7 +43,7 @@ void Unit::Initialize_Trims() {
 
 void Unit::convertTrims() {
     for (int i = 0; i < injectorOutputs; ++i) {
-        const int index = kind_.cells.trimSent + i;
+        const int index = kind_->cells.trimSent + i;
         putByte(index, trimByte(cellAt(index)));
     }
 }

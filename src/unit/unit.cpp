@@ -24,8 +24,13 @@ float Entry::number() const {
 
 // ---- Members
 
-Unit::Unit(const UnitKind& kind, UnitHost& host) : kind_(kind), host_(host) {
-    if (!kind_.hasCalibration) binFile_ = "None.";
+Unit::Unit(const UnitKind& kind, UnitHost& host) : kind_(&kind), host_(host) {
+    if (!kind_->hasCalibration) binFile_ = "None.";
+}
+
+void Unit::exchangeSlots(Unit& other) {
+    if (!shareFiles(*kind_, *other.kind_)) throw Failure("Units of different classes exchange no slots");
+    std::swap(kind_, other.kind_);
 }
 
 bool Unit::has(std::string_view member) const {
@@ -33,7 +38,7 @@ bool Unit::has(std::string_view member) const {
 }
 
 const Parameter* Unit::find(std::string_view member) const {
-    return kind_.members->find(member);
+    return kind_->members->find(member);
 }
 
 namespace {
@@ -165,19 +170,19 @@ float Unit::DirectIndex(int index) const {
 
 void Unit::AssignDirectIndex(float value, int index) {
     float& cell = cellAt(index);
-    if (kind_.hasCalibration) cell = value;
+    if (kind_->hasCalibration) cell = value;
 }
 
 // ---- Identity
 
 void Unit::BinFile(const std::string& path) {
-    if (!kind_.hasCalibration) return;
+    if (!kind_->hasCalibration) return;
     BiName(path);
     binFile_ = path;
 }
 
 bool Unit::ValidFirmware(std::string_view name) const {
-    return name.substr(0, kind_.firmwarePrefix.size()) == kind_.firmwarePrefix;
+    return name.substr(0, kind_->firmwarePrefix.size()) == kind_->firmwarePrefix;
 }
 
 // ---- Option bits
@@ -188,7 +193,7 @@ bool Unit::controlBit(int which, int bit) const {
 }
 
 void Unit::setControlBit(int which, int bit, bool on) {
-    if (!kind_.hasCalibration) return;
+    if (!kind_->hasCalibration) return;
     if (bit < 0 || bit > 7) throw Overflow();
     const int mask = 1 << bit;
     const int byte = controlByte(which);

@@ -45,7 +45,11 @@ class Unit {
     Unit(const Unit&) = delete;
     Unit& operator=(const Unit&) = delete;
 
-    const UnitKind& kind() const { return kind_; }
+    const UnitKind& kind() const { return *kind_; }
+    /// Gives this object the slot of another one of its class, and that one its own: a calibration follows
+    /// the unit that it is for, and whoever holds the object goes on holding that calibration.
+    /// Throws Failure for an object of another class.
+    void exchangeSlots(Unit& other);
     UnitHost& host() const { return host_; }
 
     // ---- Members by name ("KNK_MIN", "VE", "opt_KnockActive"). A kind that lacks one is silent:
@@ -66,7 +70,7 @@ class Unit {
     // ---- Mode switches
     void IndexPolling(bool on) { indexPolling_ = on; }
     bool ONFLY_MODE() const { return onTheFly_; }
-    void ONFLY_MODE(bool on) { onTheFly_ = on && kind_.hasCalibration; }
+    void ONFLY_MODE(bool on) { onTheFly_ = on && kind_->hasCalibration; }
     bool SILENT_MODE() const { return silent_; }
     void SILENT_MODE(bool on) { silent_ = on; }
 
@@ -79,24 +83,25 @@ class Unit {
     void BinFile(const std::string& path);                   ///< also stores the calibration name
     const std::string& FirmWare() const { return firmWare_; }
     void FirmWare(const std::string& text) {
-        if (kind_.hasCalibration) firmWare_ = text;
+        if (kind_->hasCalibration) firmWare_ = text;
     }
     const std::string& Serial() const { return serial_; }
     void Serial(const std::string& text) {
-        if (kind_.hasCalibration) serial_ = text;
+        if (kind_->hasCalibration) serial_ = text;
     }
     int FW_Release() const { return release_; }
-    /// Also migrates sensor and injector scaling when the release crosses 3.
+    /// Also migrates sensor and injector scaling when the release crosses 3, where the calibration in hand
+    /// says what it was made for.
     void FW_Release(int release);
     int FW_Build() const { return build_; }
     void FW_Build(int build) {
-        if (kind_.hasCalibration) build_ = build;
+        if (kind_->hasCalibration) build_ = build;
     }
     bool ValidFirmware(std::string_view name) const;
-    bool hasPIC18() const { return answer(kind_.pic18, hasPic18_); }
+    bool hasPIC18() const { return answer(kind_->pic18, hasPic18_); }
     void hasPIC18(bool on) { hasPic18_ = on; }
     /// Live frames do not carry the input and output state: the link must ask for it.
-    bool GPIO_Req() const { return answer(kind_.gpioRequest, gpioListRead_); }
+    bool GPIO_Req() const { return answer(kind_->gpioRequest, gpioListRead_); }
     /// The link has read the list of the unit's pins, or has lost the unit.
     void gpioListRead(bool read) { gpioListRead_ = read; }
     int DefaultSplit() const { return defaultSplit_; }
@@ -236,6 +241,7 @@ class Unit {
     void sendGpioParameter(int pin, int parameter, float value);
     void repairAfterOpening(int fileRelease);
     void repairSensor(int fromRelease);
+    void defineSensor();
     /// The sensor of a bar rating takes the place of the rating, where the firmware knows sensors.
     void adoptSensor(float bar);
     void migrateInjectors(int fromRelease);
@@ -245,7 +251,7 @@ class Unit {
     void seedShape();
     void seedBaroTrim();
 
-    const UnitKind& kind_;
+    const UnitKind* kind_;  ///< slots of one class may be exchanged
     UnitHost& host_;
     std::array<float, cellCount> cells_{};
     std::array<float, imageCount> image_{};

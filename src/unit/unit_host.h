@@ -61,8 +61,9 @@ class UnitHost {
 
     /// Setting TemperatureToggle: anything but "0" is Fahrenheit.
     virtual bool fahrenheit() const = 0;
-    /// The unit on the link has told its own firmware.
-    virtual bool firmwareKnownFromLink() const = 0;
+    /// The unit on the link is of the kind of this slot and has told its own firmware. It says nothing about
+    /// the objects of other kinds.
+    virtual bool firmwareKnownFromLink(int slot) const = 0;
     virtual FileHeader& header() = 0;
     /// "Minor.Revision" of this program as a float, for file headers.
     virtual float programVersion() const = 0;

@@ -104,6 +104,9 @@ const UnitKind& orbcKind();
 const UnitKind& orbdKind();
 const UnitKind& orbd6Kind();  ///< slot 8, of the same class as slot 7
 
+/// Whether two kinds are one class, in one or in two slots: their files and calibrations are the same.
+bool shareFiles(const UnitKind& one, const UnitKind& other);
+
 /// The description that a calibration file's first number selects, nullptr for none.
 const UnitKind* unitKindOfFile(float fileKind);
 

@@ -227,6 +227,10 @@ const UnitKind* unitKindOfSlot(int slot) {
     return describe == nullptr ? nullptr : &describe();
 }
 
+bool shareFiles(const UnitKind& one, const UnitKind& other) {
+    return one.hasCalibration && one.className == other.className;
+}
+
 const UnitKind* unitKindOfFile(float fileKind) {
     // Slot 0 is no kind of file. A fraction is none either.
     for (const UnitKind* kind :

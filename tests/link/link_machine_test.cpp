@@ -274,6 +274,7 @@ TEST_F(LinkTimeOut, ALostLinkDropsAllQueuedCommandsAndTheCount) {
 }
 
 TEST_F(LinkTimeOut, ALostLinkPutsBackTheFirmwareOfTheFile) {
+    host.current = 4;
     host.fileCode = 6123;
     identify(300000, "ZQL0007045");
     ASSERT_EQ(host.unit(4).FW_Release(), 7);
@@ -281,6 +282,36 @@ TEST_F(LinkTimeOut, ALostLinkPutsBackTheFirmwareOfTheFile) {
     ticks(84);
     EXPECT_EQ(host.unit(4).FW_Release(), 6);
     EXPECT_EQ(host.unit(4).FW_Build(), 123);
+}
+
+TEST_F(LinkTimeOut, ALostLinkGivesTheObjectOfAnotherKindBackWhatItHadItself) {
+    host.current = 3;  // the file in hand is for an ORB A
+    host.fileCode = 2010;
+    host.unit(4).FW_Release(6);
+    host.unit(4).FW_Build(45);
+    host.unit(3).FW_Release(2);
+    host.unit(3).FW_Build(10);
+    identify(300000, "ZQL0007045");
+    ASSERT_EQ(host.unit(4).FW_Release(), 7);
+    port.once("C", atOnce(framed(39, {})));
+    exchange("B", firmwareReply("DEMO", "ZQL0007046", 38));  // told once more
+    ticks(20);
+    ask("F");
+    ticks(84);
+    EXPECT_EQ(host.unit(4).FW_Release(), 6);
+    EXPECT_EQ(host.unit(4).FW_Build(), 45);
+    EXPECT_EQ(host.unit(3).FW_Release(), 2);
+    EXPECT_EQ(host.unit(3).FW_Build(), 10);
+}
+
+TEST_F(LinkTimeOut, ALostLinkLeavesAFileThatTellsNoFirmwareTheOneOfItsKind) {
+    host.current = 3;
+    host.fileCode = 0;
+    identify(200000, "ZQA0002010");
+    ask("F");
+    ticks(84);
+    EXPECT_EQ(host.unit(3).FW_Release(), 5);
+    EXPECT_EQ(host.unit(3).FW_Build(), 99);
 }
 
 TEST_F(LinkTimeOut, ALostLinkClearsTheUnitAndTurnsOnTheFlyOffLast) {

@@ -212,6 +212,22 @@ TEST_F(LinkReplies, WithoutACalibrationTheDashboardGetsItsDefaults) {
     EXPECT_TRUE(host.unitHost.refusals.empty());
 }
 
+TEST_F(LinkReplies, ACalibrationThatIsBeingMadeKeepsItsValuesThoughItHasNoFileYet) {
+    Unit& unit = host.unit(3);
+    host.current = 3;
+    unit.store("REV_Limiter", 7200);
+    unit.store("PHDSEQ", 1);
+    unit.store("Engine_Type", 1);
+    unit.store("MaxDuty", 200);
+    unit.store("MinDuty", 12);
+    exchange("E", identifyReply(200000));
+    EXPECT_EQ(unit.get("REV_Limiter"), 7200);
+    EXPECT_EQ(unit.get("PHDSEQ"), 1);
+    EXPECT_EQ(unit.get("Engine_Type"), 1);
+    EXPECT_EQ(unit.get("MaxDuty"), 200);
+    EXPECT_EQ(unit.get("MinDuty"), 12);
+}
+
 TEST_F(LinkReplies, ACalibrationInHandKeepsItsValues) {
     Unit& unit = host.unit(3);
     unit.BinFile("/somewhere/my.ZQ4OA");
@@ -370,6 +386,26 @@ TEST_F(FirmwareReply, TheSameKindAskedAgainKeepsOnTheFlyAndWhatWaits) {
     ticks(20);
     EXPECT_EQ(port.written(), (Texts{"E", "P2S10411415059", "B"}));
     EXPECT_EQ(host.onFlyCalls, (std::vector<bool>{true, true}));
+}
+
+TEST_F(FirmwareReply, AUnitOfTheOldestFormatInThePlaceOfAnIdentifiedOneTakesNoChangesOnTheFly) {
+    host.current = 3;
+    answer(200000, "ZQA0003007");
+    ASSERT_EQ(host.onFlyCalls, (std::vector<bool>{true}));
+    link.Send_ORB_Command("E");
+    link.SEND_ONFLY("S10411415059");
+    port.takeWritten();
+    // 0x00010041 is 200101 in octal digits.
+    port.once("E", atOnce(bytes({0x00, 0x01, 0x00, 0x41, 'A', 'X', 0, 0})));
+    ticks(20);
+    EXPECT_EQ(link.linked().SerialNumber, 200101);
+    EXPECT_TRUE(link.linked().OldFirmware);
+    EXPECT_TRUE(link.linked().UnitFound);
+    EXPECT_FALSE(link.linked().UnitIdentified);
+    EXPECT_FALSE(link.linked().FirmwareTold);
+    EXPECT_EQ(host.onFlyCalls, (std::vector<bool>{true, false}));
+    EXPECT_EQ(port.written(), (Texts{"E"})) << "the record was meant for the former one";
+    EXPECT_EQ(link.status().line1, "ORB Unit Found but must be upgraded!");
 }
 
 TEST_F(FirmwareReply, FileOfTheSameKindTurnsOnTheFlyOn) {

@@ -44,6 +44,7 @@ class CalibrationTransfer : public LinkTransfers {
  protected:
     CalibrationTransfer() {
         host.current = 3;
+        host.fileCode = 2099;
         find(200000);
         Unit& unit = host.unit(3);
         unit.BinFile("/home/tuner/My Car.ZQ4OA");

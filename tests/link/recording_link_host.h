@@ -34,7 +34,7 @@ class PlainUnitHost : public UnitHost {
     std::optional<EngineFacts> engine(int, int) override { return std::nullopt; }
     std::optional<SensorFacts> mapSensor(int) override { return std::nullopt; }
     bool fahrenheit() const override { return false; }
-    bool firmwareKnownFromLink() const override { return false; }
+    bool firmwareKnownFromLink(int) const override { return false; }
     FileHeader& header() override { return fileHeader; }
     float programVersion() const override { return 10.2F; }
     std::string applicationFolder() const override { return folder; }

@@ -351,9 +351,17 @@ void Model::lost(bool always) {
     now_.tail = now_.head;
     tick_ = retry_ = 0;
     if ((always || now_.kind != 0) && now_.kind != 0) {
-        now_.release.at(static_cast<std::size_t>(now_.kind)) = fileFirmware_ / 1000;
-        now_.build.at(static_cast<std::size_t>(now_.kind)) = fileFirmware_ % 1000;
+        // Decided: an object that is not in hand gets back what it had, and a file without a number counts
+        // as when it is opened.
+        const std::map<int, int> unknown = {{3, 5099}, {4, 7099}, {5, 5099}, {6, 3099}, {7, 5099}, {8, 5099}};
+        const int ofFile = fileFirmware_ == 0 ? unknown.at(now_.kind) : fileFirmware_;
+        const int number = currentUnit_ == now_.kind ? ofFile : before_;
+        if (told_ || currentUnit_ == now_.kind) {
+            now_.release.at(static_cast<std::size_t>(now_.kind)) = number / 1000;
+            now_.build.at(static_cast<std::size_t>(now_.kind)) = number % 1000;
+        }
     }
+    told_ = false;
     now_.kind = 0;
     now_.found = now_.identified = false;
     now_.queued = 0;
@@ -560,16 +568,17 @@ void Model::identify() {
     }
     now_.upgradeEnabled = !now_.oldFirmware;
     if (!known) return;  // decided: noise is no unit, so no "B" follows it
-    if (now_.serial != 0) {
-        const int kind = kindOfSerial(now_.serial);
-        if (kind == 0) {
+    {
+        const int kind = now_.serial == 0 ? now_.kind : kindOfSerial(now_.serial);
+        if (kind == 0 && now_.serial != 0) {
             inPort_.clear();
             now_.serial = 0;
             return;  // decided: and no "B" follows; the poller asks again
         }
-        // Decided: another kind in the place of an identified one ends what was agreed with that one, or
-        // changes on the fly would go to a unit of which the warning says that none will.
-        if (now_.identified && kind != now_.kind) {
+        // Decided: another kind in the place of an identified one, or a unit with the oldest firmware, ends
+        // what was agreed with that one, or changes on the fly would go to a unit of which the warning says
+        // that none will.
+        if (now_.identified && (kind != now_.kind || now_.oldFirmware)) {
             if (now_.transferActive || !transfer_.empty()) end(false);
             now_.transferActive = false;
             lost(false);
@@ -605,6 +614,8 @@ void Model::firmware() {
     };
     const int build = digits(7, 3), release = digits(5, 2);
     broken_ = false;
+    if (!told_) before_ = now_.release.at(kind) * 1000 + now_.build.at(kind);
+    told_ = true;
     now_.build.at(kind) = build;
     now_.release.at(kind) = release;
     const int isRelease = now_.release.at(kind), isBuild = now_.build.at(kind);

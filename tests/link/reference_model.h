@@ -120,6 +120,8 @@ class Model {
     std::string inPort_;
     bool failWrite_ = false;
     int currentUnit_ = 0, fileFirmware_ = 0;
+    bool told_ = false;  ///< the unit has told its firmware
+    int before_ = 0;     ///< firmware number of its object before that
     std::array<int, 2> known_{99, 999};
     bool broken_ = false;   ///< a firmware broke off between its lines
     int firmwareKind_ = 0;  ///< of the unit that the last firmware was for

@@ -36,7 +36,7 @@ class NotingHost : public UnitHost {
     std::optional<EngineFacts> engine(int, int) override { return {}; }
     std::optional<SensorFacts> mapSensor(int) override { return {}; }
     bool fahrenheit() const override { return showsFahrenheit; }
-    bool firmwareKnownFromLink() const override { return false; }
+    bool firmwareKnownFromLink(int) const override { return false; }
     FileHeader& header() override { return fileHeader; }
     float programVersion() const override { return 10.02F; }
     std::string applicationFolder() const override { return {}; }

@@ -411,6 +411,65 @@ TEST_F(CalibrationFile, InjectorScalingStaysWhileNoUnitHasToldItsFirmware) {
     EXPECT_THAT(host.informed, IsEmpty());
 }
 
+TEST_F(CalibrationFile, WhatAUnitOfAnotherKindHasToldIsNotThisOnes) {
+    host.firmwareIsKnownFromLink = true;
+    host.linkedSlot = 4;
+    FileOfFloats file(9.44F, 5010);
+    file.cell(148) = 10;
+    open(file);
+    EXPECT_EQ(unit.FW_Release(), 5);
+    EXPECT_EQ(unit.FW_Build(), 10);
+    EXPECT_EQ(unit.DirectIndex(148), 10);
+    EXPECT_THAT(host.informed, IsEmpty());
+}
+
+TEST_F(CalibrationFile, AFileWithoutAReleaseIsNoOldOneForTheLink) {
+    host.firmwareIsKnownFromLink = true;
+    for (const float code : {0.0F, 1.0F, 999.0F, -2010.0F}) {
+        for (const int release : {2, 5}) {
+            unit.FW_Release(release);
+            FileOfFloats file(9.44F, code);
+            file.cell(148) = 10;
+            file.cell(150) = 1;
+            open(file);
+            unit.FW_Release(7 - release);
+            unit.FW_Release(release);
+            EXPECT_EQ(unit.DirectIndex(148), 10) << code << " " << release;
+            EXPECT_EQ(unit.DirectIndex(150), 1) << code << " " << release;
+            EXPECT_EQ(host.head.firmwareCode, code);
+        }
+    }
+    EXPECT_THAT(host.informed, IsEmpty());
+}
+
+TEST_F(CalibrationFile, AUnitThatTellsNoReleaseMovesNothing) {
+    host.firmwareIsKnownFromLink = true;
+    FileOfFloats file(9.44F, 5010);
+    file.cell(148) = 10;
+    open(file);
+    unit.FW_Release(0);
+    EXPECT_EQ(unit.DirectIndex(148), 10);
+    EXPECT_THAT(host.informed, IsEmpty());
+}
+
+TEST_F(CalibrationFile, AFileWithoutAReleaseGetsTheSensorOfItsRatingWithTheFirstNewFirmware) {
+    host.sensors[2] = {.scale = 0.0252F, .offset = 0.2F, .unitsCode = 2};
+    FileOfFloats file(9.44F, 500);
+    file.cell(39) = 2;
+    file.cell(124) = 2;
+    open(file);
+    EXPECT_EQ(unit.FW_Release(), 0);
+    EXPECT_EQ(unit.FW_Build(), 500);
+    EXPECT_EQ(unit.get("MAP_ID"), 0);
+    unit.FW_Release(5);
+    EXPECT_EQ(unit.get("MAP_ID"), 2);
+    EXPECT_EQ(unit.get("MAP_Scaler"), 0.0252F);
+    unit.set("MAP_Scaler", 0.03);
+    unit.FW_Release(2);
+    unit.FW_Release(5);
+    EXPECT_EQ(unit.get("MAP_Scaler"), 0.03F) << "one that is defined stays";
+}
+
 TEST_F(CalibrationFile, ANewReleaseOfAnOpenCalibrationMovesSensorAndInjectors) {
     host.sensors[1] = {.scale = 0.05F, .offset = 0.1F, .unitsCode = 1};
     FileOfFloats file(9.44F, 2010);

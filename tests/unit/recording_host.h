@@ -50,6 +50,7 @@ class RecordingHost : public UnitHost {
     std::map<int, SensorFacts> sensors;                  ///< by id
     bool isFahrenheit = false;
     bool firmwareIsKnownFromLink = false;
+    int linkedSlot = 3;  ///< of the unit that told it
     bool linkFails = false;
     float version = 10.2F;
     std::string folder;
@@ -91,7 +92,9 @@ class RecordingHost : public UnitHost {
         return found == sensors.end() ? std::optional<SensorFacts>() : found->second;
     }
     bool fahrenheit() const override { return isFahrenheit; }
-    bool firmwareKnownFromLink() const override { return firmwareIsKnownFromLink; }
+    bool firmwareKnownFromLink(int slot) const override {
+        return firmwareIsKnownFromLink && slot == linkedSlot;
+    }
     FileHeader& header() override { return head; }
     float programVersion() const override { return version; }
     std::string applicationFolder() const override { return folder; }
