@@ -143,7 +143,7 @@ constexpr std::array table{
               .key = settings::MATAlarmValue,
               .design = "-",
               .helpKey = "helpoptalarm",
-              .help = "Intake air temperature from which its reading on the dashboard flashes. A - keeps the "
+              .help = "Manifold air temperature from which its reading on the dashboard flashes. A - keeps the "
                       "alarm as it is.",
               .words = "manifold intake air hot warning threshold"},
 

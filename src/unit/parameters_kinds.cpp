@@ -40,6 +40,11 @@ Table moved(Table table, std::span<const Moved> moves) {
     return table;
 }
 
+Table renamed(Table table, std::string_view name, std::string_view meaning) {
+    std::ranges::find(table, name, &Parameter::name)->meaning = meaning;
+    return table;
+}
+
 constexpr std::array trimsOfOrbc = {Moved{"INJTRIM", 2311}, Moved{"FuelTrim", 2319}};
 
 constexpr std::string_view notOnOrbd[] = {"SPW", "opt_TachInv"};
@@ -171,7 +176,8 @@ std::span<const Parameter> orbdParameters() {
 }
 
 std::span<const Parameter> pzk2Parameters() {
-    static const Table table = moved(without(orbaParameters(), notOnPzk2), movedOnPzk2);
+    static const Table table = renamed(moved(without(orbaParameters(), notOnPzk2), movedOnPzk2), "MATADV",
+                                       "External Retard");  // it goes by the volts of an input
     return table;
 }
 

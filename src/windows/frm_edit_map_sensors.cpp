@@ -40,7 +40,7 @@ FrmEditMAPSensors::FrmEditMAPSensors(Session& session, QWidget* parent)
     setObjectName(QStringLiteral("frmEditMAPSensors"));
     setWindowTitle(tr("MAP Sensor Manager"));
     setAccessibleName(tr("MAP Sensor Manager"));
-    setProperty(helpKeyProperty, QStringLiteral("helpMAPsen"));
+    setProperty(helpKeyProperty, QStringLiteral("helpMAPlist"));
 
     tabMAPSensors_ = new QTabWidget(this);
     tabMAPSensors_->setObjectName(QStringLiteral("tabMAPSensors"));

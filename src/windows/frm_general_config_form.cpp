@@ -14,6 +14,7 @@
 #include "qt/help_key.h"
 #include "qt/look.h"
 #include "qt/qt_text.h"
+#include "unit/parameter_names.h"
 
 namespace zentaq {
 
@@ -256,7 +257,7 @@ void GeneralConfigForm::ratingRow(Column& column) {
     row->addWidget(makeManagerButton());
     row->addStretch(1);
     Control& control = box("txtMAP");
-    row->addWidget(ownLabel(control, "lblRange", tr("Range in bar")));
+    row->addWidget(ownLabel(control, "lblRange", qString(nameOfParameter("MAP_BAR"))));
     column.grid->addLayout(row, column.row, Column::captionPlace);
     column.grid->addWidget(control.widget, column.row, Column::controlPlace, Qt::AlignLeft);
     column.grid->addWidget(limits(control), column.row, Column::limitsPlace);
@@ -318,8 +319,8 @@ void GeneralConfigForm::alcoholRow(Column& column) {
 /// The caption of the flow is its unit and stands behind the box.
 void GeneralConfigForm::flowRow(Column& column) {
     Control& control = box("txtLBHR");
-    column.grid->addWidget(ownLabel(control, "lblInjectorSize", tr("Injector Size")), column.row,
-                           Column::captionPlace);
+    column.grid->addWidget(ownLabel(control, "lblInjectorSize", qString(nameOfParameter("INJ_FlowRate"))),
+                           column.row, Column::captionPlace);
     column.grid->addWidget(control.widget, column.row, Column::controlPlace, Qt::AlignLeft);
     auto* row = plainRow(*this);
     row->addWidget(caption(control));

@@ -15,6 +15,8 @@
 #include "base/number_text.h"
 #include "qt/help_key.h"
 #include "qt/look.h"
+#include "qt/qt_text.h"
+#include "unit/parameter_names.h"
 
 namespace zentaq {
 namespace {
@@ -216,8 +218,9 @@ void FrmTable::makeTableMenu() {
     Toolbar1_->addWidget(button);
 }
 
-QLineEdit* FrmTable::makeTimeField(const QString& name, const QString& meaning, const char* helpKey) {
+QLineEdit* FrmTable::makeTimeField(const QString& name, const char* member, const char* helpKey) {
     auto* field = new QLineEdit(Toolbar1_);
+    const QString meaning = qString(nameOfParameter(member));
     field->setObjectName(name);
     field->setAccessibleName(meaning);
     field->setToolTip(meaning);
@@ -240,10 +243,10 @@ QWidget* FrmTable::makeFields() {
         return made;
     };
     lblTOG_ = label("lblTOG", "TOG:");
-    txtTOG_ = makeTimeField("txtTOG", "Time of gap", "helptog");
+    txtTOG_ = makeTimeField("txtTOG", "scale1", "helptog");
     row->addWidget(txtTOG_);
     lblIOT_ = label("lblIOT", "IOT:");
-    txtIOT_ = makeTimeField("txtIOT", "Injector on time", "helptiot");
+    txtIOT_ = makeTimeField("txtIOT", "INJ_On", "helptiot");
     row->addWidget(txtIOT_);
     lblDspTable_ = label("lblDspTable", {});
     lblDspTableVal_ = label("lblDspTableVal", {});

@@ -85,7 +85,7 @@ class FrmTable : public QWidget {
     void makeColourMenu();
     void makeTableMenu();
     QWidget* makeFields();
-    QLineEdit* makeTimeField(const QString& name, const QString& meaning, const char* helpKey);
+    QLineEdit* makeTimeField(const QString& name, const char* member, const char* helpKey);
 
     // ---- Keys
     struct HeldKey {

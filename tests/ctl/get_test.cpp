@@ -62,7 +62,7 @@ TEST_F(Zentaqctl, GetShowsTextsAndFirmware) {
     EXPECT_EQ(onFile("get", "MAPUnits").out, "kPa\n");
     EXPECT_EQ(onFile("get", "FW_Release").out, "5\n");
     EXPECT_EQ(onFile("get", "FW_Build").out, "99\n");
-    EXPECT_THAT(onFile("get", "NOTES_TEXT").out, StartsWith("Sample: 2.0 litre four"));
+    EXPECT_THAT(onFile("get", "NOTES_TEXT").out, StartsWith("Sample: 2.0 liter four"));
     EXPECT_EQ(onFile("get", "MAPUnits --json").out, "{\"member\":\"MAPUnits\",\"value\":\"kPa\"}\n");
 }
 

@@ -13,7 +13,7 @@ TEST_F(Zentaqctl, InfoShowsWhatAFileIs) {
     EXPECT_THAT(outcome.out, HasSubstr("\nName:     Street 2.0 Four\n"));
     EXPECT_THAT(outcome.out, HasSubstr("\nFloats:   2828\n"));
     EXPECT_THAT(outcome.out, HasSubstr("\nBytes:    11324\n"));
-    EXPECT_THAT(outcome.out, HasSubstr("\nNotes:    Sample: 2.0 litre four"));
+    EXPECT_THAT(outcome.out, HasSubstr("\nNotes:    Sample: 2.0 liter four"));
 }
 
 TEST_F(Zentaqctl, InfoShowsTheVersionOfTheProgramThatWroteTheFile) {

@@ -31,6 +31,7 @@ TEST_F(Zentaqctl, MembersTellsEverythingAboutAMember) {
               (Row{"Model", "Member", "Cell", "Count", "Range", "Unit", "Sent", "Meaning"}));
     EXPECT_EQ(rows.at("KNK_MIN"), (Row{"ORB A", "KNK_MIN", "34", "1", "(2 to 100 units)", "units",
                                        "on the fly", "Knock threshold"}));
+    EXPECT_EQ(rows.at("scale1")[7], "Maximum Controllable PulseWidth");
     EXPECT_EQ(rows.at("VE")[3], "256");
     EXPECT_EQ(rows.at("MAPMax")[2], "");
     EXPECT_EQ(rows.at("MAPMax")[6], "read only, not sent");

@@ -223,7 +223,7 @@ TEST_F(BuiltGuide, FindsWhatATunerLooksFor) {
 }
 
 TEST(HelpTopics, AreFoundWithoutCaseAndStandOnce) {
-    EXPECT_EQ(guideTopicOf("HELPTOG"), "general-configuration#time-for-one-gama");
+    EXPECT_EQ(guideTopicOf("HELPTOG"), "general-configuration#maximum-controllable-pulsewidth");
     EXPECT_EQ(guideTopicOf("helparrow"), "");
     std::set<std::string_view> keys;
     for (const HelpTopic& row : helpTopics()) EXPECT_TRUE(keys.insert(row.key).second) << row.key;

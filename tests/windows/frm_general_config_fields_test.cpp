@@ -285,9 +285,9 @@ TEST_F(GeneralFields, AnIgnitionOnlyUnitHasNoInjectors) {
 
 TEST_F(GeneralFields, ABoxWhoseCaptionAloneDoesNotTellHasALabelOfItsOwn) {
     openPrepared();
-    EXPECT_EQ(label("lblRange"), "Range in bar");
+    EXPECT_EQ(label("lblRange"), "MAP Sensor Range");
     EXPECT_EQ(find<QLabel>("lblRange")->buddy(), find("txtMAP"));
-    EXPECT_EQ(find("txtMAP")->accessibleName(), "Range in bar, MAP Sensor Installed");
+    EXPECT_EQ(find("txtMAP")->accessibleName(), "MAP Sensor Range, MAP Sensor Installed");
     EXPECT_EQ(find("cmbMAP")->accessibleName(), "MAP Sensor Installed");
     EXPECT_EQ(label("lblInjectorSize"), "Injector Size");
     EXPECT_EQ(find("txtLBHR")->accessibleName(), "Injector Size, lb/hr");

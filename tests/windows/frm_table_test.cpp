@@ -711,6 +711,8 @@ TEST_F(Table, CommandsThatComeLaterStandDisabledInTheMenus) {
 
 TEST_F(Table, TimeFieldsHaveTheirOwnHelp) {
     EXPECT_EQ(form->findChild<QLineEdit*>("txtTOG")->property("fastHelpKey"), "helptog");
+    EXPECT_EQ(form->findChild<QLineEdit*>("txtTOG")->toolTip(), "Maximum Controllable PulseWidth");
+    EXPECT_EQ(form->findChild<QLineEdit*>("txtIOT")->accessibleName(), "Injector Offset Time (IOT)");
     EXPECT_EQ(form->findChild<QLineEdit*>("txtIOT")->property("fastHelpKey"), "helptiot");
 }
 

@@ -5,6 +5,7 @@
 #include <QTabWidget>
 
 #include "refdata/seed_builder.h"
+#include "windows/key_press.h"
 #include "windows/window_fixture.h"
 
 namespace zentaq {
@@ -93,6 +94,35 @@ TEST_F(Forms, FastHelpShowsTheEntryOfTheControlInHand) {
     for (const QLabel* label : windows.fastHelpWindow()->findChildren<QLabel*>()) shown += label->text();
     EXPECT_TRUE(shown.contains(QString::fromStdString(row->topic))) << shown.toStdString();
     windows.generalConfig()->close();
+}
+
+TEST_F(Forms, F2InTheSensorManagerTellsAboutTheControlInHand) {
+    openDatabase();
+    run("mnuMAPSensors");
+    auto* form = windows.sensorEditor();
+    ASSERT_NE(form, nullptr);
+    const auto topicAt = [&](const char* control) {
+        auto* widget = form->findChild<QWidget*>(QLatin1String(control));
+        form->activateWindow();
+        widget->setFocus();
+        QCoreApplication::processEvents();
+        pressKey(Qt::Key_F2);
+        QCoreApplication::processEvents();
+        const FrmFastHelp* help = windows.fastHelpWindow();
+        if (help == nullptr || !help->isVisible()) return std::string("no help");
+        const std::string topic = help->findChild<QLabel*>("lblTopic")->text().toStdString();
+        pressKey(Qt::Key_F2);
+        QCoreApplication::processEvents();
+        return topic;
+    };
+    EXPECT_EQ(topicAt("lstMAPSensors"), "Installed MAP Sensors");
+    EXPECT_EQ(topicAt("cmdNew"), "Installed MAP Sensors");
+    EXPECT_EQ(topicAt("cmdExit"), "Installed MAP Sensors");
+    fake.dialogs.answers.push_back(Answer::Yes);
+    form->findChild<QPushButton*>("cmdNew")->click();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(topicAt("txtPV_0"), "Sensor Volts");
+    EXPECT_EQ(topicAt("optUnits_1"), "Sensor Unit");
 }
 
 TEST_F(Forms, AFieldWithoutAnEntryIsToldInABox) {
