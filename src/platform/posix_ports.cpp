@@ -1,9 +1,5 @@
 #include "platform/posix_ports.h"
 
-#include <fcntl.h>
-#include <linux/serial.h>
-#include <sys/ioctl.h>
-
 #include <algorithm>
 #include <charconv>
 #include <fstream>
@@ -12,7 +8,6 @@
 #include <system_error>
 
 #include "base/text.h"
-#include "platform/posix_handle.h"
 #include "platform/runtime_folder.h"
 
 namespace zentaq {
@@ -43,11 +38,11 @@ std::optional<fs::path> usbDeviceOf(fs::path folder) {
     return std::nullopt;
 }
 
-/// The kernel offers "ttyS" places for ports that a board may have; those without one have no chip.
-bool hasChip(const fs::path& device) {
-    const PosixHandle line(::open(device.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
-    serial_struct about{};
-    return line.valid() && ::ioctl(line.get(), TIOCGSERIAL, &about) == 0 && about.type != PORT_UNKNOWN;
+/// The kernel offers "ttyS" places for ports that a board may have; those without one have no chip. Asked of
+/// the system and not of the port: opening it would move its signals, and fails while another program has it.
+bool hasChip(const fs::path& terminal) {
+    const std::string type = lineOf(terminal / "type");
+    return !type.empty() && type != "0";
 }
 
 std::string socketOf(const fs::path& device, const fs::path& sockets) {
@@ -81,7 +76,7 @@ std::optional<PortFacts> factsOf(const fs::path& terminal, const PosixFolders& f
     if (!fs::exists(port.device, error)) return std::nullopt;
     if (const auto usb = usbDeviceOf(hardware)) {
         addUsbFacts(port, *usb, folders);
-    } else if (name.starts_with("ttyS") && !hasChip(port.device)) {
+    } else if (name.starts_with("ttyS") && !hasChip(terminal)) {
         return std::nullopt;
     }
     return port;
@@ -100,7 +95,10 @@ std::vector<PortFacts> posixRealPorts(const PosixFolders& folders) {
 }
 
 std::vector<PortInfo> posixPorts() {
-    return orderedPorts(simulatedPorts(runtimePortsFolder()), posixRealPorts());
+    // In a folder that others can write to, anybody's terminal could pass for a unit.
+    const bool counts = !runtimeFolderTrouble();
+    return orderedPorts(counts ? simulatedPorts(runtimePortsFolder()) : std::vector<PortInfo>{},
+                        posixRealPorts());
 }
 
 }  // namespace zentaq

@@ -1,13 +1,13 @@
 #include "platform/posix_serial_port.h"
 
-#include <fcntl.h>
-#include <sys/file.h>
 #include <termios.h>
 
 #include <array>
 #include <cerrno>
 #include <span>
 #include <system_error>
+
+#include "platform/locked_line.h"
 
 namespace zentaq {
 
@@ -37,20 +37,13 @@ void PosixSerialPort::close() {
 }
 
 void PosixSerialPort::openDevice(const std::string& device) {
-    PosixHandle line(::open(device.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
-    if (!line.valid()) {
-        const std::string trouble = device + ": " + openingTrouble(device, errno);
-        if (errno == EBUSY) throw PortBusy(trouble);
-        throw Failure(trouble);
-    }
-    if (::isatty(line.get()) == 0) throw Failure(device + ": no serial port");
-    // Before anything is set: the program that has the port must not lose its settings.
-    if (::flock(line.get(), LOCK_EX | LOCK_NB) != 0)
-        throw PortBusy(device + ": " + std::string(portBusyWords));
-    setUp(line.get());
+    LockedLine locked = openLocked(device);
+    if (locked.busy) throw PortBusy(device + ": " + locked.trouble);
+    if (!locked.line.valid()) throw Failure(device + ": " + locked.trouble);
+    setUp(locked.line.get());
     // A reply that nobody read must not answer the first question.
-    ::tcflush(line.get(), TCIOFLUSH);
-    line_ = std::move(line);
+    ::tcflush(locked.line.get(), TCIOFLUSH);
+    line_ = std::move(locked.line);
     lost_ = false;
 }
 
@@ -60,7 +53,7 @@ void PosixSerialPort::setUp(int line) const {
     ::cfmakeraw(&settings);
     settings.c_cflag |= CLOCAL | CREAD;
     settings.c_cflag &= ~static_cast<tcflag_t>(CSTOPB | CRTSCTS);
-    // One byte at least: then a read of nothing tells that the line has hung up.
+    // One byte at least: then a line at rest and one that has hung up answer a read differently.
     settings.c_cc[VMIN] = 1;
     settings.c_cc[VTIME] = 0;
     done = done && ::cfsetspeed(&settings, B38400) == 0 && ::tcsetattr(line, TCSANOW, &settings) == 0;
@@ -119,9 +112,13 @@ void PosixSerialPort::drain() {
             const std::int64_t nowUs = clock_.monotonicUs();
             gate_.received(lump, nowUs);
             tell(&LineWatch::arrived, lump, nowUs);
-        } else if (count < 0 && errno == EAGAIN) {
+        } else if (count == 0) {
+            // A program that sets the line without asking for its lock may let reads answer nothing.
+            lost_ = hungUp(line_.get());
             return;
-        } else if (count == 0 || errno != EINTR) {
+        } else if (errno == EAGAIN) {
+            return;
+        } else if (errno != EINTR) {
             lost_ = true;
         }
     }

@@ -34,6 +34,10 @@ class SerialPort {
     virtual void close() = 0;
     virtual bool isOpen() const = 0;
 
+    /// Whether a port that is opened from now on stands for its number: while its device has said nothing, it
+    /// gives way to another one that takes the number. Else the user means that device and no other.
+    virtual void followsNumber(bool) {}
+
     /// Hands all bytes to the line at once; returns without waiting. Throws Failure on an error of the line.
     virtual void write(std::string_view bytes) = 0;
 

@@ -1,17 +1,13 @@
 #include "qt/qt_serial_port.h"
 
-#include <fcntl.h>
-#include <poll.h>
-#include <sys/file.h>
 #include <sys/ioctl.h>
 #include <termios.h>
 
-#include <cerrno>
 #include <span>
 
 #include "base/errors.h"
 #include "base/number_text.h"
-#include "platform/posix_handle.h"
+#include "platform/locked_line.h"
 
 namespace zentaq {
 
@@ -24,17 +20,6 @@ constexpr std::size_t bytesInATick = 4;
 int waitingBytes(int handle) {
     int count = 0;
     return ::ioctl(handle, FIONREAD, &count) == 0 ? count : -1;
-}
-
-/// Qt has one word for a port that is busy and one that the user may not open: the system tells them apart.
-std::string troubleOf(const std::string& device, const QString& otherwise) {
-    const PosixHandle line(::open(device.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
-    return line.valid() ? otherwise.toStdString() : openingTrouble(device, errno);
-}
-
-bool hungUp(int handle) {
-    pollfd line{handle, 0, 0};
-    return ::poll(&line, 1, 0) > 0 && (line.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0;
 }
 
 }  // namespace
@@ -79,6 +64,13 @@ void QtSerialPort::close() {
 
 bool QtSerialPort::openDevice(const std::string& device) {
     lost_ = false;
+    // Qt sets a line up as soon as it opens it. Another program in the middle of a transfer must not notice
+    // that this one wants the port, so the lock comes first.
+    LockedLine locked = openLocked(device);
+    if (!locked.line.valid()) {
+        openError_ = locked.trouble;
+        return false;
+    }
     device_.setPortName(QString::fromStdString(device));
     device_.setBaudRate(QSerialPort::Baud38400);
     device_.setDataBits(QSerialPort::Data8);
@@ -86,16 +78,11 @@ bool QtSerialPort::openDevice(const std::string& device) {
     device_.setStopBits(QSerialPort::OneStop);
     device_.setFlowControl(QSerialPort::NoFlowControl);
     if (!device_.open(QIODevice::ReadWrite)) {
-        openError_ = troubleOf(device, device_.errorString());
+        openError_ = device_.errorString().toStdString();
         lost_ = false;
         return false;
     }
-    // Qt's exclusive mode does not bind an administrator; a lock binds everybody who asks for it.
-    if (::flock(device_.handle(), LOCK_EX | LOCK_NB) != 0) {
-        openError_ = portBusyWords;
-        device_.close();
-        return false;
-    }
+    lock_ = std::move(locked.line);
     // A reply that nobody read must not answer the first question.
     device_.clear();
     lost_ = false;
@@ -131,7 +118,9 @@ void QtSerialPort::closeDevice() {
     if (!device_.isOpen()) return;
     // The system would wait for half a minute until a stuck line has taken what is left.
     ::tcflush(static_cast<int>(device_.handle()), TCOFLUSH);
+    // Qt puts the settings back that it found: under the lock, like everything else.
     device_.close();
+    lock_.reset();
 }
 
 void QtSerialPort::write(std::string_view bytes) {
@@ -211,10 +200,10 @@ void QtSerialPort::lookForDevice(std::int64_t nowUs) {
     tell(&LineWatch::returned, *port, clock_.monotonicUs());
 }
 
-// A user who plugs the adapter in after the start means that adapter, though another port had its number
-// until then. A device that has spoken is the unit's and is kept, whatever its number becomes.
+// A user who has named no device, and plugs the adapter in after the start, means that adapter, though another
+// port had its number until then. A device that has spoken is the unit's and is kept, whatever its number becomes.
 void QtSerialPort::followNumber(std::int64_t nowUs) {
-    if (heard_ || nowUs < nextNumberUs_) return;
+    if (heard_ || !followsNumber_ || nowUs < nextNumberUs_) return;
     nextNumberUs_ = nowUs + numberUs;
     for (const PortInfo& port : ports_()) {
         if (port.number != number_ || port.identity == keeper_.device().identity) continue;

@@ -11,6 +11,7 @@
 
 #include "platform/clock.h"
 #include "platform/device_keeper.h"
+#include "platform/posix_handle.h"
 #include "platform/receive_gate.h"
 #include "platform/serial_port.h"
 
@@ -46,6 +47,7 @@ class QtSerialPort : public QObject, public SerialPort {
     std::vector<std::uint8_t> read() override;
     void setReceiveThreshold(int bytes) override;
     std::vector<PortInfo> list() const override { return ports_(); }
+    void followsNumber(bool follows) override { followsNumber_ = follows; }
 
     /// Takes what the line has brought, delivers a batch that is due, looks for a vanished device.
     /// To be called about once a millisecond, never from inside onEvent's handler. True: a batch was
@@ -69,6 +71,7 @@ class QtSerialPort : public QObject, public SerialPort {
 
     const Clock& clock_;
     PortSource ports_;
+    PosixHandle lock_;  ///< of the open device; it outlives what Qt does when it closes
     QSerialPort device_;
     QPointer<QSocketNotifier> notices_;  ///< Qt's own, of each byte that comes
     ReceiveGate gate_{quietUs};
@@ -77,6 +80,7 @@ class QtSerialPort : public QObject, public SerialPort {
     int number_ = 0;
     bool heard_ = false;  ///< the device has sent something since open()
     bool lost_ = false;
+    bool followsNumber_ = true;
     std::uint64_t writes_ = 0;
     std::int64_t nextNumberUs_ = 0;
 };

@@ -94,8 +94,19 @@ TEST_F(PosixPorts, APortOfTheBoardIsListedBehindAnAdapter) {
     EXPECT_EQ(ports[1].description, "Serial port");
 }
 
+TEST_F(PosixPorts, AChipIsAskedForWithoutOpeningThePort) {
+    terminal("ttyS0", "platform/serial8250");
+    fill(folders.terminals / "ttyS0" / "type", "4");
+    fs::permissions(folders.devices / "ttyS0", fs::perms::none);  // nor may it be opened
+    const auto ports = posixRealPorts(folders);
+    ASSERT_EQ(ports.size(), 1U) << "it is told why when it is opened";
+    EXPECT_EQ(ports[0].device, (folders.devices / "ttyS0").string());
+}
+
 TEST_F(PosixPorts, APlaceWithoutAChipAndADeviceThatIsGoneAreLeftOut) {
-    terminal("ttyS3", "platform/serial8250");  // the file is no serial chip
+    terminal("ttyS3", "platform/serial8250");
+    fill(folders.terminals / "ttyS3" / "type", "0");
+    terminal("ttyS4", "platform/serial8250");  // tells nothing
     terminal("ttyUSB9", "usb1/1-9/ttyUSB9");
     fs::remove(folders.devices / "ttyUSB9");
     EXPECT_THAT(posixRealPorts(folders), IsEmpty());

@@ -112,6 +112,76 @@ TEST_F(PosixPort, RefusesAPortThatAnotherProgramHoldsAndTakesItOnceItIsFree) {
     EXPECT_THROW(second.open(1), PortBusy);
 }
 
+/// Another program's hold on a line.
+class OtherHold {
+ public:
+    explicit OtherHold(const std::string& device) : line_(::open(device.c_str(), O_RDWR | O_NOCTTY)) {}
+    ~OtherHold() { ::close(line_); }
+    OtherHold(const OtherHold&) = delete;
+    OtherHold& operator=(const OtherHold&) = delete;
+    int line() const { return line_; }
+    bool lock() const { return ::flock(line_, LOCK_EX | LOCK_NB) == 0; }
+    /// How a read answers where nothing is there: with nothing, or not at all.
+    void readsOfNothing(bool answered) const {
+        termios settings{};
+        ::tcgetattr(line_, &settings);
+        settings.c_cc[VMIN] = answered ? 0 : 1;
+        ::tcsetattr(line_, TCSANOW, &settings);
+    }
+
+ private:
+    int line_;
+};
+
+TEST_F(PosixPort, APortThatIsRefusedIsLeftAsItWas) {
+    const PtyPair line;
+    plug(line);
+    const OtherHold other(line.path());
+    ASSERT_TRUE(other.lock());
+    termios before{};
+    ASSERT_EQ(::tcgetattr(other.line(), &before), 0);
+    before.c_cc[VTIME] = 3;
+    ::cfsetspeed(&before, B9600);
+    ASSERT_EQ(::tcsetattr(other.line(), TCSANOW, &before), 0);
+    line.send("reply");
+    EXPECT_THROW(port.open(1), PortBusy);
+    termios after{};
+    ASSERT_EQ(::tcgetattr(other.line(), &after), 0);
+    EXPECT_EQ(after.c_cc[VTIME], 3);
+    EXPECT_EQ(::cfgetospeed(&after), static_cast<speed_t>(B9600));
+    pollfd waiting{other.line(), POLLIN, 0};
+    ASSERT_EQ(::poll(&waiting, 1, 1000), 1);
+    char bytes[8] = {};
+    EXPECT_EQ(::read(other.line(), bytes, sizeof bytes), 5) << "what came for the other program is still there";
+}
+
+TEST_F(PosixPort, AReadOfNothingWhileTheDeviceIsThereIsNoHangUp) {
+    const PtyPair line;
+    plug(line);
+    port.open(1);
+    port.setReceiveThreshold(2);
+    const OtherHold other(line.path());
+    other.readsOfNothing(true);
+    for (int look = 0; look < 100; ++look) pass(1000);
+    ASSERT_TRUE(port.present());
+    other.readsOfNothing(false);
+    line.send("AX");
+    arrive();
+    pass(ReceiveGate::defaultQuietUs);
+    EXPECT_EQ(deliveries, 1);
+}
+
+TEST_F(PosixPort, AHangUpIsSeenThoughReadsOfNothingAreAnswered) {
+    PtyPair line;
+    plug(line);
+    port.open(1);
+    const OtherHold other(line.path());
+    other.readsOfNothing(true);
+    line.hangUp();
+    pass(0);
+    EXPECT_FALSE(port.present());
+}
+
 TEST_F(PosixPort, WritesAllBytesAtOnceIncludingThoseAbove127) {
     const PtyPair line;
     plug(line);

@@ -4,11 +4,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/eventfd.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QSocketNotifier>
+#include <atomic>
+#include <thread>
 
 #include "app/fake_platform.h"
 #include "platform/manual_clock.h"
@@ -69,6 +72,71 @@ TEST_F(SerialPortOnATerminal, RefusesAPortThatAnotherProgramHolds) {
     other.close();
     port.open(1);
     EXPECT_TRUE(port.isOpen());
+}
+
+/// Reads the line of a program that has it, as fast as it can, and counts the reads that find it hung up.
+class BusyReader {
+ public:
+    explicit BusyReader(const std::string& device)
+        : line_(::open(device.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK)) {
+        ::flock(line_, LOCK_EX | LOCK_NB);
+        thread_ = std::thread([this] {
+            char byte = 0;
+            for (; !stop_; ++reads_) broken_ += ::read(line_, &byte, 1) == 0 ? 1 : 0;
+        });
+    }
+    ~BusyReader() {
+        end();
+        ::close(line_);
+    }
+    BusyReader(const BusyReader&) = delete;
+    BusyReader& operator=(const BusyReader&) = delete;
+    void end() {
+        stop_ = true;
+        if (thread_.joinable()) thread_.join();
+    }
+    int broken() const { return broken_; }
+    int reads() const { return reads_; }
+
+ private:
+    int line_;
+    std::atomic<bool> stop_ = false;
+    std::atomic<int> reads_ = 0;
+    std::atomic<int> broken_ = 0;
+    std::thread thread_;
+};
+
+TEST_F(SerialPortOnATerminal, WhoeverHasThePortDoesNotNoticeThatItIsWanted) {
+    const PtyPair line;
+    announce(folder.path(), "A", line.path());
+    {
+        // Whatever a line of this machine is set to: a read of nothing does not answer here.
+        const int first = ::open(line.path().c_str(), O_RDWR | O_NOCTTY);
+        termios settings{};
+        ::tcgetattr(first, &settings);
+        settings.c_cc[VMIN] = 1;
+        ::tcsetattr(first, TCSANOW, &settings);
+        ::close(first);
+    }
+    BusyReader reader(line.path());
+    for (int time = 0; time < 300; ++time) EXPECT_THROW(port.open(1), Failure);
+    while (reader.reads() < 1000) std::this_thread::yield();
+    reader.end();
+    EXPECT_EQ(reader.broken(), 0);
+}
+
+TEST_F(SerialPortOnATerminal, ADeviceThatWasNamedDoesNotGiveWayToTheOneThatTakesItsNumber) {
+    const PtyPair named;
+    const PtyPair other;
+    announce(folder.path(), "B", named.path());
+    port.followsNumber(false);
+    port.open(1);
+    announce(folder.path(), "A", other.path());
+    pass(QtSerialPort::numberUs);
+    port.write("E");
+    std::string got;
+    EXPECT_TRUE(eventually([&] { return !(got += named.received()).empty(); }));
+    EXPECT_EQ(other.received(), "");
 }
 
 TEST_F(SerialPortOnATerminal, WritesAllBytesAtOnceIncludingThoseAbove127) {
