@@ -3,6 +3,7 @@
 #include "app/main_commands.h"
 #include "app/session.h"
 #include "app/start_up.h"
+#include "platform/runtime_folder.h"
 #include "platform/single_instance.h"
 #include "qt/application.h"
 #include "qt/folders.h"
@@ -37,6 +38,7 @@ int run(Application& application, QtDialogs& dialogs) {
         dialogs.show({MdiMain::frameTitle, why, Icon::Critical, Buttons::Ok});
     });
     QObject::connect(&windows, &WindowManager::mainClosed, &application, [] { Application::exit(0); });
+    if (const auto trouble = runtimeFolderTrouble()) kernel.report(*trouble);
     kernel.load();
     const int result = windows.closed() ? 0 : Application::exec();
     application.onFailure({});

@@ -10,6 +10,7 @@
 #include "link_desk.h"
 #include "live/check_engine.h"
 #include "platform/posix_ports.h"
+#include "platform/runtime_folder.h"
 #include "unit_names.h"
 
 namespace zentaq::ctl {
@@ -55,6 +56,7 @@ void ask(const Context& context, const std::string& port, std::string_view comma
 
 void listPorts(const Context& context) {
     const std::vector<PortInfo> ports = posixPorts();
+    if (const auto trouble = runtimeFolderTrouble()) context.notes << *trouble << '\n';
     if (!context.json) {
         context.out << "Port\tDevice\tDescription\tIdentity\n";
         for (const PortInfo& port : ports) {

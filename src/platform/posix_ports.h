@@ -19,7 +19,7 @@ struct PosixFolders {
 /// Not sorted; a folder that does not exist is an empty list.
 std::vector<PortFacts> posixRealPorts(const PosixFolders& folders = {});
 
-/// The list of this moment, simulated units first.
+/// The list of this moment, simulated units first; without those where runtimeFolderTrouble() tells one.
 std::vector<PortInfo> posixPorts();
 
 }  // namespace zentaq

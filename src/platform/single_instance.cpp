@@ -1,10 +1,12 @@
 #include "platform/single_instance.h"
 
 #include <fcntl.h>
+#include <pwd.h>
 #include <sys/file.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 
 #include "base/errors.h"
 #include "platform/runtime_folder.h"
@@ -15,9 +17,29 @@ namespace {
 
 constexpr ::mode_t ownerOnly = 0600;
 
+constexpr const char* lockName = "zentaq4.lock";
+
+std::filesystem::path homeFolder() {
+    const char* home = std::getenv("HOME");
+    if (home != nullptr && std::filesystem::path(home).is_absolute()) return home;
+    const passwd* user = ::getpwuid(::getuid());
+    if (user == nullptr) throw FileError("No home folder");
+    return user->pw_dir;
+}
+
+/// For a user whose runtime folder is somebody else's: no one must be able to keep the lock from its owner, or
+/// to take it away from under a program that runs.
+std::filesystem::path lockInHome() {
+    const std::filesystem::path folder = homeFolder() / ".local" / "state" / "zentaq4";
+    std::filesystem::create_directories(folder);
+    return folder / lockName;
+}
+
 /// Beside the folder of the ports: each user has one of their own, so two users may both run the program.
 std::filesystem::path lockOfUser() {
-    return createRuntimePortsFolder().parent_path() / "zentaq4.lock";
+    std::filesystem::path lock;
+    if (skipFailing([&] { lock = createRuntimePortsFolder().parent_path() / lockName; })) return lock;
+    return lockInHome();
 }
 
 }  // namespace

@@ -11,7 +11,8 @@ class SingleInstance {
     /// Claims the lock file, made where missing. A file that cannot be made or locked (its folder is missing
     /// or write-protected, the file system knows no locks) stops nobody: anotherRuns() is false then.
     explicit SingleInstance(const std::filesystem::path& lockFile);
-    /// The lock of this program and user.
+    /// The lock of this program and user: beside the folder of the ports, or in the user's home where that
+    /// folder does not count.
     SingleInstance();
     ~SingleInstance();
     SingleInstance(const SingleInstance&) = delete;

@@ -1,7 +1,6 @@
 #include "qt/port_list.h"
 
 #include "platform/posix_ports.h"
-#include "platform/runtime_folder.h"
 
 namespace zentaq {
 
@@ -11,7 +10,7 @@ std::vector<PortFacts> realPorts() {
 }
 
 std::vector<PortInfo> systemPorts() {
-    return orderedPorts(simulatedPorts(runtimePortsFolder()), realPorts());
+    return posixPorts();
 }
 
 }  // namespace zentaq

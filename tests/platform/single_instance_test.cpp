@@ -177,10 +177,47 @@ TEST_F(LockOfUser, TwoUsersBothRun) {
     EXPECT_TRUE(theirs.holds());
 }
 
-TEST_F(LockOfUser, ARuntimeFolderThatCannotBeMadeStopsNobody) {
+/// A runtime folder that does not count, and a home.
+class LockInHome : public LockOfUser {
+ protected:
+    LockInHome() {
+        chmod(folder.path().c_str(), 0777);
+        setenv("HOME", home.path().c_str(), 1);
+    }
+    ~LockInHome() override { setenv("HOME", homeBefore.c_str(), 1); }
+
+    TemporaryFolder home;
+    std::string homeLock = home.path(".local/state/zentaq4/zentaq4.lock");
+    std::string homeBefore = std::getenv("HOME") != nullptr ? std::getenv("HOME") : "/";
+};
+
+TEST_F(LockInHome, HoldsWhereTheRuntimeFolderIsOpenToOthers) {
+    const SingleInstance instance;
+    EXPECT_TRUE(instance.holds());
+    EXPECT_FALSE(std::filesystem::exists(folder.path("zentaq4/zentaq4.lock")));
+    OtherProcess other(homeLock);
+    EXPECT_TRUE(other.refused());
+}
+
+TEST_F(LockInHome, RefusesTheSecondProcessThere) {
+    std::filesystem::create_directories(home.path(".local/state/zentaq4"));
+    OtherProcess first(homeLock);
+    ASSERT_TRUE(first.claimed());
+    EXPECT_TRUE(SingleInstance().anotherRuns());
+}
+
+TEST_F(LockInHome, HoldsWhereTheRuntimeFolderCannotBeMade) {
     setenv("XDG_RUNTIME_DIR", folder.write("a file", "x").c_str(), 1);
     const SingleInstance instance;
+    EXPECT_TRUE(instance.holds());
+    EXPECT_TRUE(std::filesystem::exists(homeLock));
+}
+
+TEST_F(LockInHome, NeitherRuntimeFolderNorHomeStopsNobody) {
+    setenv("HOME", folder.write("no home", "x").c_str(), 1);
+    const SingleInstance instance;
     EXPECT_FALSE(instance.anotherRuns());
+    EXPECT_FALSE(instance.holds());
 }
 
 }  // namespace
