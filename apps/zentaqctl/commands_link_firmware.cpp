@@ -1,7 +1,6 @@
 // firmware: a new firmware for a unit, with all the questions asked before one byte goes out.
 #include <unistd.h>
 
-#include <csignal>
 #include <iostream>
 #include <ostream>
 
@@ -115,6 +114,13 @@ std::string whatABreakLeaves(const TransferEnd& end) {
            "before the unit will function.";
 }
 
+TransferEnd upgrade(LinkDesk& desk, const std::string& file, const std::string& text, int slot) {
+    const auto hold = desk.holdSignals();
+    const TransferEnd end = desk.session().transferFirmware(file, text, slot);
+    desk.clearProgress();
+    return end;
+}
+
 }  // namespace
 
 void firmware(const Context& context, const std::string& port, const FirmwareWish& wish) {
@@ -124,11 +130,7 @@ void firmware(const Context& context, const std::string& port, const FirmwareWis
     LinkDesk desk(context, port, host);
     const Target unit = unitForFirmware(desk, wish);
     desk.stopOnSecondSignal(breakOffWarning);
-    // Who reads along may be gone, as a "| tee" by the same Ctrl-C: a word that nobody hears must not end
-    // this.
-    std::signal(SIGPIPE, SIG_IGN);
-    const TransferEnd end = desk.session().transferFirmware(wish.file, text, unit.slot);
-    desk.clearProgress();
+    const TransferEnd end = upgrade(desk, wish.file, text, unit.slot);
     if (end.ending == Ending::Stopped) throw Interrupted(whatABreakLeaves(end), desk.signal());
     if (end.ending != Ending::Done) throw Failure(whyNotUpgraded(end));
     context.out << unit.name << ": " << programmed << ' ' << loadCalibration << '\n';

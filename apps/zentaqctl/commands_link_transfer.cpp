@@ -99,13 +99,14 @@ void programUnit(LinkDesk& desk, const std::string& file) {
         throw Failure(file + " makes no image: " + why + " Nothing was sent to the unit.");
     };
     try {
+        const auto hold = desk.holdSignals();
         end = desk.session().transfer(TransferMode::Calibration);
+        desk.clearProgress();
     } catch (const Overflow&) {
         fail("a value does not fit the bytes that the unit has for it.");
     } catch (const Failure& failure) {
         fail(std::string(failure.what()) + ".");
     }
-    desk.clearProgress();
     if (end.ending == Ending::Stopped) {
         throw Interrupted("Interrupted after " + ofLines(end) + ". " + previousStays +
                               " Please cycle the power on the unit before continuing.",

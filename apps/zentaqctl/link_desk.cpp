@@ -9,6 +9,7 @@
 #include "base/number_text.h"
 #include "link_texts.h"
 #include "platform/posix_ports.h"
+#include "platform/runtime_folder.h"
 #include "unit_names.h"
 
 namespace zentaq::ctl {
@@ -32,21 +33,26 @@ PortChoice portChoice(const std::string& text) {
 
 // ---- Progress
 
-ProgressLine::ProgressLine(std::ostream& out) : out_(out), terminal_(::isatty(STDERR_FILENO) != 0) {}
+ProgressLine::ProgressLine(int descriptor) : out_(descriptor), terminal_(::isatty(descriptor) != 0) {}
 
 void ProgressLine::show(const LinkStatus& status) {
     if (!terminal_) return;
     if (!status.progressVisible) return clear();
     const std::string text = status.title + " " + status.progressText;
     if (text == shown_) return;
-    out_ << clearLine << text << std::flush;
+    out_.write(std::string(clearLine) + text);
     shown_ = text;
 }
 
 void ProgressLine::clear() {
     if (shown_.empty()) return;
-    out_ << clearLine << std::flush;
+    out_.write(clearLine);
     shown_.clear();
+}
+
+void ProgressLine::note(const std::string& text) {
+    clear();
+    out_.write(text + "\n");
 }
 
 // ---- Desk
@@ -54,7 +60,7 @@ void ProgressLine::clear() {
 LinkDesk::LinkDesk(const Context& context, const std::string& port, UnitHost& unitHost, Unit* calibration)
     : context_(context),
       trace_(clock_),
-      progress_(context.notes),
+      progress_(STDERR_FILENO),
       choice_(portChoice(port)),
       port_(clock_, portsOf(choice_)),
       loop_(port_, clock_, signals_.descriptor()),
@@ -76,8 +82,7 @@ LinkDesk::LinkDesk(const Context& context, const std::string& port, UnitHost& un
 void LinkDesk::beginTrace() {
     if (context_.trace.empty()) return;
     trace_.onFailure([this](const std::string& why) {
-        progress_.clear();
-        context_.notes << "The trace has ended: " << why << '\n';
+        progress_.note("The trace has ended: " + why);
     });
     trace_.start(context_.trace);
     port_.watch(trace_);
@@ -90,6 +95,9 @@ PosixSerialPort::PortSource LinkDesk::portsOf(const PortChoice& choice) const {
 }
 
 void LinkDesk::open(int number) {
+    // Without the simulated units the numbers of the others are not what a user may think.
+    const auto trouble = choice_.path.empty() ? runtimeFolderTrouble() : std::nullopt;
+    if (trouble) context_.notes << *trouble << '\n';
     try {
         session_.open(number);
     } catch (const PortBusy& failure) {
@@ -123,8 +131,7 @@ bool LinkDesk::stopWanted() {
     if (number != SIGHUP && (warned || stopping_)) return stopping_ = true;
     signals_.forget();
     if (number == SIGHUP) return false;
-    progress_.clear();
-    context_.notes << stopWarning_ << std::endl;
+    progress_.note(stopWarning_);
     stopWarnedUs_ = now;
     return false;
 }

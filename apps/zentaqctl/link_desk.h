@@ -8,6 +8,7 @@
 #include "base/errors.h"
 #include "context.h"
 #include "link/headless_session.h"
+#include "platform/dropping_output.h"
 #include "platform/posix_clock.h"
 #include "platform/posix_line_loop.h"
 #include "platform/posix_serial_port.h"
@@ -42,19 +43,22 @@ struct PortChoice {
 /// Of all digits a number, else a path.
 PortChoice portChoice(const std::string& text);
 
-/// Shows how far a transfer has come; nothing where the standard error is no terminal.
+/// Shows how far a transfer has come; nothing where the standard error is no terminal. Never waits for a
+/// terminal that takes nothing: a unit that is being programmed does not wait either.
 class ProgressLine {
  public:
-    explicit ProgressLine(std::ostream& out);
+    explicit ProgressLine(int descriptor);
     ~ProgressLine() { clear(); }
     ProgressLine(const ProgressLine&) = delete;
     ProgressLine& operator=(const ProgressLine&) = delete;
 
     void show(const LinkStatus& status);
     void clear();
+    /// A line of its own, on whatever the standard error is.
+    void note(const std::string& text);
 
  private:
-    std::ostream& out_;
+    DroppingOutput out_;
     bool terminal_;
     std::string shown_;
 };
@@ -80,6 +84,9 @@ class LinkDesk {
     /// From now on a signal is answered by a warning, and only a second one within three seconds ends.
     /// A terminal that is closed ends nothing.
     void stopOnSecondSignal(std::string warning) { stopWarning_ = std::move(warning); }
+
+    /// While the answer lives nothing that comes from a terminal or its user stops the program where it stands.
+    [[nodiscard]] PosixStopSignals::Hold holdSignals() { return signals_.hold(); }
 
     HeadlessSession& session() { return session_; }
     Link& link() { return session_.link(); }

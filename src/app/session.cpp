@@ -46,6 +46,7 @@ Session::Session(const Platform& platform)
     });
     platform_.ticker.onTick([this] {
         link.tick();
+        holdSignals();
         poller.tick();
     });
     units_[0] = std::make_unique<Unit>(nullKind(), *this);
@@ -85,15 +86,25 @@ void Session::poll(bool secondTabShowing) {
     // A port that was absent at the start is opened as soon as its cable is plugged in.
     if (!link.status().connected && now >= nextPortCheckUs_) {
         nextPortCheckUs_ = now + portCheckUs;
-        for (const PortInfo& port : platform_.port.list()) {
-            if (port.number != link.commPort()) continue;
-            // A port that is there but busy would fill the log with its failure, once a second.
-            if (skipFailing([&] { platform_.port.open(port.number); })) link.ORB_Initialize();
-        }
+        const auto port = link.chosenPort();
+        // A port that is there but busy would fill the log with its failure, once a second.
+        if (port && skipFailing([&] { platform_.port.open(port->number); })) link.ORB_Initialize();
     }
     poller.fire({.tab2Showing = secondTabShowing, .autoVeOn = false});
     trace.tend();
     showFrameTimes();
+}
+
+// Ctrl-C or Ctrl-Z in the terminal that the program was started from, or the end of that terminal, would leave
+// a unit with half a program.
+void Session::holdSignals() {
+    const bool wanted = link.programming();
+    if (wanted == heldSignals_.has_value()) return;
+    if (wanted) {
+        heldSignals_.emplace(userSignals);
+    } else {
+        heldSignals_.reset();
+    }
 }
 
 void Session::showFrameTimes() {

@@ -22,6 +22,7 @@
 #include "live/live_values.h"
 #include "platform/clock.h"
 #include "platform/dialogs.h"
+#include "platform/held_signals.h"
 #include "platform/serial_port.h"
 #include "platform/settings_store.h"
 #include "platform/ticker.h"
@@ -162,6 +163,7 @@ class Session : public UnitHost, public LinkHost {
     std::array<LineWatch*, 2> watchers() { return {&trace, &timing}; }
     void showFrameTimes();
     void takeFirmwareOf(Unit& told, Unit& inHand);
+    void holdSignals();
 
     Platform platform_;
     WindowSet quiet_;
@@ -170,6 +172,7 @@ class Session : public UnitHost, public LinkHost {
     std::array<std::unique_ptr<Unit>, slotCount> units_;
     std::int64_t nextPortCheckUs_ = 0;
     std::int64_t nextTimesUs_ = 0;
+    std::optional<HeldSignals> heldSignals_;
 };
 
 }  // namespace zentaq

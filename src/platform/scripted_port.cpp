@@ -75,7 +75,9 @@ void ScriptedPort::open(int number) {
     opened_.push_back(number);
     if (refuseAll_ || refused_.contains(number)) throw Failure("Port not available");
     openNumber_ = number;
-    tell(&LineWatch::opened, here_, clock_.monotonicUs());
+    PortInfo told = here_;
+    told.number = number;
+    tell(&LineWatch::opened, told, clock_.monotonicUs());
 }
 
 void ScriptedPort::close() {

@@ -1,15 +1,26 @@
 #include "platform/posix_stop_signals.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <functional>
+#include <string>
+
+#include "base/errors.h"
+#include "temporary_folder.h"
 
 namespace zentaq {
 namespace {
 
-bool isBlocked(int number) {
-    sigset_t mask;
-    ::pthread_sigmask(SIG_SETMASK, nullptr, &mask);
-    return ::sigismember(&mask, number) == 1;
+bool endsTheProgram(int number) {
+    struct sigaction action {};
+    ::sigaction(number, nullptr, &action);
+    return action.sa_handler == SIG_DFL;
 }
 
 TEST(StopSignals, ASignalIsAQuestionAndNotTheEnd) {
@@ -29,25 +40,188 @@ TEST(StopSignals, TheFirstOneCounts) {
     EXPECT_EQ(signals.received(), SIGINT);
     ::raise(SIGTERM);
     EXPECT_EQ(signals.received(), SIGINT);
+    signals.forget();
+    EXPECT_EQ(signals.received(), 0);
+    ::raise(SIGTERM);
+    EXPECT_EQ(signals.received(), SIGTERM);
 }
 
 TEST(StopSignals, AreAsBeforeWhenTheObjectGoes) {
-    ASSERT_FALSE(isBlocked(SIGINT));
+    ASSERT_TRUE(endsTheProgram(SIGINT));
     {
         const PosixStopSignals signals;
-        EXPECT_TRUE(isBlocked(SIGINT));
+        EXPECT_FALSE(endsTheProgram(SIGINT));
         ::raise(SIGINT);  // never asked for, and no end of this program either
     }
-    EXPECT_FALSE(isBlocked(SIGINT));
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGALRM}) EXPECT_TRUE(endsTheProgram(number)) << number;
 }
 
 TEST(StopSignals, OneThatIsIgnoredStaysIgnored) {
-    const auto former = ::signal(SIGHUP, SIG_IGN);
+    const auto former = std::signal(SIGHUP, SIG_IGN);
     PosixStopSignals signals;
-    EXPECT_FALSE(isBlocked(SIGHUP));
     ::raise(SIGHUP);
     EXPECT_EQ(signals.received(), 0);
-    ::signal(SIGHUP, former);
+    std::signal(SIGHUP, former);
+}
+
+TEST(StopSignals, AreWatchedByOneObjectAtATime) {
+    const PosixStopSignals signals;
+    EXPECT_THROW(PosixStopSignals(), Failure);
+}
+
+/// A process of its own; `body` is told a descriptor through which to say that it has come so far.
+class Child {
+ public:
+    explicit Child(const std::function<void(int)>& body) {
+        std::array<int, 2> ends{};
+        if (::pipe(ends.data()) != 0) throw Failure("pipe");
+        process_ = ::fork();
+        if (process_ == 0) {
+            body(ends[1]);
+            ::_exit(0);
+        }
+        ::close(ends[1]);
+        said_ = ends[0];
+    }
+    ~Child() {
+        ::kill(process_, SIGKILL);
+        if (!over_) ::waitpid(process_, nullptr, 0);
+        ::close(said_);
+    }
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+
+    char said() const {
+        char word = '?';
+        return ::read(said_, &word, 1) == 1 ? word : '?';
+    }
+    void signal(int number) const { ::kill(process_, number); }
+    bool sleeps() const {
+        const std::string line = TemporaryFolder::read("/proc/" + std::to_string(process_) + "/stat");
+        return line.find(") S ") != std::string::npos;
+    }
+    void waitUntilItSleeps() const {
+        for (int ms = 0; ms < 5000 && !sleeps(); ++ms) ::usleep(1000);
+    }
+    /// The status of waitpid; `stops` too.
+    int wait(bool stops = false) {
+        int status = 0;
+        ::waitpid(process_, &status, stops ? WUNTRACED : 0);
+        over_ = !WIFSTOPPED(status);
+        return status;
+    }
+
+ private:
+    pid_t process_ = 0;
+    int said_ = -1;
+    bool over_ = false;
+};
+
+void say(int to, char word) {
+    if (::write(to, &word, 1) != 1) ::_exit(9);
+}
+
+TEST(StopSignals, EndAWriteThatDoesNotComeBack) {
+    Child child([](int to) {
+        const PosixStopSignals signals;
+        std::array<int, 2> ends{};
+        if (::pipe(ends.data()) != 0) ::_exit(9);
+        say(to, 'w');
+        const std::string much(1 << 20, 'x');
+        while (::write(ends[1], much.data(), much.size()) > 0) {
+        }
+    });
+    ASSERT_EQ(child.said(), 'w');
+    child.waitUntilItSleeps();
+    child.signal(SIGINT);
+    const int status = child.wait();
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), SIGINT);
+}
+
+TEST(StopSignals, EndAnOpenThatDoesNotComeBack) {
+    const TemporaryFolder folder;
+    const std::string pipe = folder.path("pipe");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    Child child([&](int to) {
+        const PosixStopSignals signals;
+        say(to, 'o');
+        ::open(pipe.c_str(), O_WRONLY);
+    });
+    ASSERT_EQ(child.said(), 'o');
+    child.waitUntilItSleeps();
+    child.signal(SIGTERM);
+    const int status = child.wait();
+    ASSERT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(WTERMSIG(status), SIGTERM);
+}
+
+/// Lives through a transfer of a second, asking all the time, and tells what it was asked.
+void transfer(int to) {
+    PosixStopSignals signals;
+    {
+        const auto hold = signals.hold();
+        say(to, 'b');
+        int last = 0;
+        for (int ms = 0; ms < 1000; ++ms) {
+            ::usleep(1000);
+            if (const int number = signals.received(); number != last) say(to, number == SIGQUIT ? 'q' : 'o');
+            last = signals.received();
+        }
+        say(to, 'e');
+    }
+    say(to, 'a');
+}
+
+TEST(HeldStopSignals, CtrlZTakesEffectBehindTheTransfer) {
+    Child child(transfer);
+    ASSERT_EQ(child.said(), 'b');
+    child.signal(SIGTSTP);
+    EXPECT_EQ(child.said(), 'e');
+    const int status = child.wait(true);
+    ASSERT_TRUE(WIFSTOPPED(status));
+    EXPECT_EQ(WSTOPSIG(status), SIGTSTP);
+    child.signal(SIGCONT);
+    EXPECT_EQ(child.said(), 'a');
+}
+
+TEST(HeldStopSignals, OutputFromTheBackgroundStopsNothing) {
+    Child child(transfer);
+    ASSERT_EQ(child.said(), 'b');
+    child.signal(SIGTTOU);
+    EXPECT_EQ(child.said(), 'e');
+    EXPECT_EQ(child.said(), 'a');
+}
+
+TEST(HeldStopSignals, CtrlBackslashIsAskedForLikeCtrlC) {
+    Child child(transfer);
+    ASSERT_EQ(child.said(), 'b');
+    child.signal(SIGQUIT);
+    EXPECT_EQ(child.said(), 'q');
+    EXPECT_EQ(child.said(), 'e');
+    EXPECT_EQ(child.said(), 'a');
+    EXPECT_EQ(child.wait(), 0);
+}
+
+TEST(HeldStopSignals, NothingEndsATransferThatDoesNotAsk) {
+    Child child([](int to) {
+        PosixStopSignals signals;
+        const auto hold = signals.hold();
+        say(to, 'b');
+        for (int ms = 0; ms < 1500; ++ms) ::usleep(1000);
+        say(to, signals.received() == SIGINT ? 'i' : 'n');
+    });
+    ASSERT_EQ(child.said(), 'b');
+    child.signal(SIGINT);
+    EXPECT_EQ(child.said(), 'i');
+    EXPECT_EQ(child.wait(), 0);
+}
+
+TEST(HeldStopSignals, AreAsBeforeBehindTheTransfer) {
+    PosixStopSignals signals;
+    { const auto hold = signals.hold(); }
+    for (const int number : {SIGQUIT, SIGTSTP, SIGTTOU, SIGPIPE}) EXPECT_TRUE(endsTheProgram(number)) << number;
+    EXPECT_FALSE(endsTheProgram(SIGINT)) << "this one is still asked for";
 }
 
 }  // namespace
