@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "app/sensor_matching.h"
+#include "app/settings_keys.h"
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/text.h"
@@ -494,26 +495,34 @@ void MainCommands::identify() {
 int MainCommands::autodetectPort() {
     if (refusedByTransfer()) return 0;
     const int former = session_.link.commPort();
+    const std::string formerIdentity = session_.link.commIdentity();
     const int port = session_.link.Autodetect_COMM_Port();
     if (port == 0) {
         // The search leaves the last port it tried; the user's own is the one to wait at.
-        session_.link.commPort(former);
+        session_.link.commPort(former, formerIdentity);
         session_.link.ORB_Initialize();
         session_.inform("Could not Find ORB Unit.  Please check the serial connection.");
         return 0;
     }
-    session_.link.commPort(port);
-    session_.link.editStatus().port = std::to_string(port);
-    session_.settings().set("System", "CommPort", std::to_string(port));
+    storePort();
     return port;
 }
 
-void MainCommands::choosePort(int number) {
+void MainCommands::storePort() {
+    SettingsStore& store = session_.settings();
+    store.set(settings::system, settings::CommPort, numberText(session_.link.commPort()));
+    store.set(settings::system, settings::CommPortIdentity, session_.link.commIdentity());
+}
+
+void MainCommands::choosePort(int number, const std::string& identity) {
     if (refusedByTransfer()) return;
-    session_.link.commPort(number);
-    session_.settings().set("System", "CommPort", numberText(number));
-    session_.link.editStatus().port = numberText(number);
+    if (identity.empty()) {
+        session_.link.commPort(number);
+    } else {
+        session_.link.commPort(number, identity);
+    }
     session_.link.ORB_Initialize();
+    storePort();
     // Another unit may be there, and an idle link would take it for the one of the former port.
     session_.link.Send_ORB_Command("E");
 }

@@ -40,7 +40,9 @@ class MainCommands {
     void clearCodes();            ///< mnuORB_ClearCodes
     void storeOnFly();            ///< makes on-the-fly changes permanent in the unit
     void identify();              ///< asks the unit again who it is
-    void choosePort(int number);  ///< the user's choice: stored, and opened
+    /// The user's choice: opened, and stored by number and identity. Without an identity the device that has
+    /// the number now.
+    void choosePort(int number, const std::string& identity = {});
     /// Port search; on success stores the port. Answers the port or 0.
     int autodetectPort();
     /// 2 starts a monitor session, 3 ends it.
@@ -86,6 +88,8 @@ class MainCommands {
     /// The text of a whole firmware file; nothing, after a box, of any other.
     std::optional<std::string> readFirmware(const std::string& path);
     void startFirmware(const std::string& path, const std::string& text, int slot);
+    /// Number and identity of the port that the program means, into the settings.
+    void storePort();
     /// Saves and tells a failure. True when the file is whole on the disk.
     bool saveChecked();
 

@@ -108,8 +108,18 @@ void Options::loadRow(const OptionRow& row) {
     const auto number = parseNumber(text);
     // No number where one is needed leaves the control at its design value.
     shown = number ? shownNumber(row, *number) : std::string(row.design);
+    if (row.kind == OptionKind::Port) loadPort();
     // Every value but "0" means Fahrenheit wherever a temperature is shown, none at all included.
     if (row.control == "chkTemperature") shown = session_.fahrenheit() ? "1" : "0";
+}
+
+// The number follows the device, as at the start of the program.
+void Options::loadPort() {
+    portIdentity_ = session_.settings().get(settings::system, settings::CommPortIdentity);
+    if (portIdentity_.empty()) return;
+    for (const PortInfo& port : session_.platform().port.list()) {
+        if (port.identity == portIdentity_) values_["cmbCOMM"] = numberText(port.number);
+    }
 }
 
 std::string Options::shownNumber(const OptionRow& row, double number) const {
@@ -162,6 +172,7 @@ void Options::store(std::string_view key, const std::string& text) {
 void Options::change(std::string_view control, std::string_view value) {
     const OptionRow& row = rowOf(control);
     values_[std::string(control)] = value;
+    if (row.kind == OptionKind::Port) portIdentity_.clear();
     if (!storedOnClick(row)) return;
     store(row.key, std::string(value));
     if (control == "chkTemperature") convertAlarms();
@@ -169,6 +180,11 @@ void Options::change(std::string_view control, std::string_view value) {
     if (control == "optMonitorMode") {
         for (const std::string_view colour : colours) loadRow(rowOf(colour));
     }
+}
+
+void Options::choosePort(int number, const std::string& identity) {
+    change("cmbCOMM", numberText(number));
+    portIdentity_ = identity;
 }
 
 void Options::checkDataPoint(int place, bool checked) {
@@ -218,8 +234,15 @@ std::vector<std::string> Options::apply() {
 /// The port that is open stays open: the note at the end of an Apply tells of it.
 void Options::applyPort() {
     const std::string& port = value("cmbCOMM");
-    session_.link.commPort(toInt16(numberOf(port)));
+    const int number = toInt16(numberOf(port));
+    if (portIdentity_.empty()) {
+        session_.link.commPort(number);
+        portIdentity_ = session_.link.commIdentity();
+    } else {
+        session_.link.commPort(number, portIdentity_);
+    }
     store(settings::CommPort, port);
+    store(settings::CommPortIdentity, portIdentity_);
 }
 
 void Options::applyLog() {

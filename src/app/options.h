@@ -78,6 +78,11 @@ class Options {
     /// The user's entry. Controls that are written on the click itself store it and act at once.
     void change(std::string_view control, std::string_view value);
 
+    /// The user's choice of a port, of which the number alone may mean another device soon.
+    void choosePort(int number, const std::string& identity);
+    /// Of the device behind the port that is shown; empty where only the number is known.
+    const std::string& portIdentity() const { return portIdentity_; }
+
     /// The checked data points, as places from 1 in list order.
     const std::set<int>& dataPoints() const { return dataPoints_; }
     void checkDataPoint(int place, bool checked);
@@ -96,6 +101,7 @@ class Options {
 
  private:
     void loadRow(const OptionRow& row);
+    void loadPort();
     std::string shownNumber(const OptionRow& row, double number) const;
     std::string shownTemperature(double celsius) const;
     std::string stored(const OptionRow& row) const;
@@ -117,6 +123,7 @@ class Options {
     Session& session_;
     std::map<std::string, std::string, std::less<>> values_;
     std::map<std::string, std::string, std::less<>> seen_;  ///< stored texts when they were last looked at
+    std::string portIdentity_;
     std::set<int> dataPoints_;
     std::vector<std::string> refused_;
 };

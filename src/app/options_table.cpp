@@ -34,8 +34,8 @@ constexpr std::array table{
               .key = settings::CommPort,
               .design = "1",
               .helpKey = "helpoptcomm",
-              .help = "The serial port that the unit is connected to. A changed port is opened at the next "
-                      "start of the program.",
+              .help = "The serial port that the unit is connected to. A changed port is opened when "
+                      "monitoring begins anew, or at the next start; the link panel changes it at once.",
               .words = "serial cable usb adapter connection"},
     OptionRow{.control = "cmdAutoDetectPort",
               .caption = "Auto Detect Port",

@@ -15,6 +15,7 @@ inline constexpr const char* datalog = "Datalog";  ///< section of the recorder'
 inline constexpr const char* forms = "Forms";      ///< section of the windows' places, by window name
 
 inline constexpr const char* CommPort = "CommPort";
+inline constexpr const char* CommPortIdentity = "CommPortIdentity";
 inline constexpr const char* AutoLog = "AutoLog";
 inline constexpr const char* Cnsl = "Cnsl";
 inline constexpr const char* CommCnsl = "CommCnsl";
@@ -53,6 +54,8 @@ struct Key {
 
 inline constexpr std::array systemKeys{
     Key{CommPort, "1", Stored::OnApply, true, "serial port number; a port search stores it too"},
+    Key{CommPortIdentity, "", Stored::OnApply, true,
+        "identity of the device behind the number, which moves; stored with it"},
     Key{AutoLog, "", Stored::OnApply, true, "1: write the log file"},
     Key{Cnsl, "", Stored::OnApply, false, "check box \"Show Console at Start Up\""},
     Key{CommCnsl, "", Stored::OnApply, false, "check box \"Show Communication Console\""},

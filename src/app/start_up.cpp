@@ -82,10 +82,7 @@ void Kernel::load() {
 }
 
 void Kernel::setUpEnvironment() {
-    resumeNext_.statement([&] {
-        const std::string port = session_.settings().get(settings::system, settings::CommPort, "1");
-        session_.link.commPort(toInt16(numberOf(port)));
-    });
+    resumeNext_.statement([&] { takeStoredPort(); });
     resumeNext_.statement([&] { session_.VersionText = versionText(); });
     resumeNext_.statement([&] { session_.makeUnits(); });
     resumeNext_.statement([&] { session_.windows().makeGraphPools(); });
@@ -95,6 +92,24 @@ void Kernel::setUpEnvironment() {
     for (const ExpectedFirmware& row : expectedFirmware) {
         session_.FW_ReleaseTable[static_cast<std::size_t>(row.slot)] = row.release;
         session_.FW_BuildTable[static_cast<std::size_t>(row.slot)] = row.build;
+    }
+}
+
+// Numbers move when a unit or an adapter comes or goes, so that the device decides and its number follows. A
+// number that was stored without one keeps the device that has it now.
+void Kernel::takeStoredPort() {
+    SettingsStore& store = session_.settings();
+    const std::string written = store.get(settings::system, settings::CommPort);
+    const std::string identity = store.get(settings::system, settings::CommPortIdentity);
+    const int number = toInt16(numberOf(store.get(settings::system, settings::CommPort, "1")));
+    session_.link.commPort(number, identity);
+    if (written.empty()) return;  // nobody has chosen one yet
+    const auto port = session_.link.chosenPort();
+    if (!port) return;
+    session_.link.commPort(port->number, port->identity);
+    if (port->number != number) store.set(settings::system, settings::CommPort, numberText(port->number));
+    if (port->identity != identity) {
+        store.set(settings::system, settings::CommPortIdentity, port->identity);
     }
 }
 

@@ -42,6 +42,7 @@ class Kernel {
 
  private:
     void setUpEnvironment();
+    void takeStoredPort();
     void clearRunState();
     void startConsole();
     void openDatabase();

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -67,8 +68,16 @@ class Link : private LineWatch {
     int Autodetect_COMM_Port();
     void COMM_StatusMessage(std::string_view title, std::string_view line1, std::string_view line2,
                             std::string_view state);
+    /// The port that the program means, by its number. It is opened with the next ORB_Initialize.
     int commPort() const { return commPort_; }
-    void commPort(int number) { commPort_ = number; }
+    /// Means the device that has this number at this moment, whatever number it gets later.
+    void commPort(int number);
+    /// Means a device by its identity; without one whatever has the number.
+    void commPort(int number, std::string identity);
+    /// Empty where only the number is known.
+    const std::string& commIdentity() const { return commIdentity_; }
+    /// The port that is meant, as the list of this moment has it; nothing while it is absent.
+    std::optional<PortInfo> chosenPort() const;
 
     // ---- Queue and state machine
     void Send_ORB_Command(std::string_view command);
@@ -114,6 +123,8 @@ class Link : private LineWatch {
     bool transferPending() const { return transferActive_ || !openTransfer_.empty(); }
     /// A firmware transfer, from its start to its end.
     bool firmwarePending() const { return openTransfer_ == "P3"; }
+    /// A calibration or a firmware goes to the unit, from its start to its end.
+    bool programming() const { return openTransfer_ == "P1" || openTransfer_ == "P3"; }
     /// A firmware run broke off between its lines, and neither a good run nor a unit that tells its firmware
     /// has come since. A caller that knows it of a unit from elsewhere says so.
     bool firmwareLost() const { return firmwareLost_; }
@@ -132,6 +143,9 @@ class Link : private LineWatch {
     using ReplyHandler = void (Link::*)(const Reply&);
 
     // Transport
+    bool openChosenPort();
+    void openByIdentity();
+    void showPort(const PortInfo& port);
     void tellTrouble(const std::string& trouble);
     void onComm(CommEvent event);
     void showReplyStatus();
@@ -156,8 +170,12 @@ class Link : private LineWatch {
     void showProgress();
 
     // LineWatch
+    void opened(const PortInfo& port, std::int64_t) override { showPort(port); }
     void lost(const PortInfo& port, std::int64_t) override { adapterLost(port); }
-    void returned(const PortInfo& port, std::int64_t) override { adapterReturned(port); }
+    void returned(const PortInfo& port, std::int64_t) override {
+        showPort(port);
+        adapterReturned(port);
+    }
 
     // The line and its adapter
     enum class AdapterNews { None, Lost, Returned };
@@ -182,6 +200,7 @@ class Link : private LineWatch {
     void prepareTransfer(std::string_view key);
     void dropQueueBehindHead();
     void reactToReply();
+    bool gapIsOver() const;
     bool sendLine();
     void waitForReply();
     void waitForFrame();
@@ -255,6 +274,7 @@ class Link : private LineWatch {
     LinkStatus status_;
     Progress progress_;
     int commPort_ = 1;
+    std::string commIdentity_;
 
     std::array<std::string, ringSize> commandQueue_;
     int queueHead_ = 0;
@@ -271,6 +291,7 @@ class Link : private LineWatch {
     int transferLines_ = 0;
     int tickCount_ = 0;
     int paceCount_ = 0;
+    std::int64_t replySeenUs_ = 0;  ///< when the last reply came, by the monotonic clock
     int retryCount_ = 0;
     int stallCount_ = 0;    ///< ticks since a transfer lost its command
     int askedBytes_ = 0;    ///< length of the reply to the command in flight

@@ -13,6 +13,8 @@ namespace zentaq {
 namespace {
 
 constexpr int lineGapTicks = 10;
+/// The same by the clock: after a pause many ticks come at once, and the unit writes its memory meanwhile.
+constexpr std::int64_t lineGapUs = 10'000;
 constexpr int framePatienceTicks = 21;
 constexpr int frameRetries = 3;
 constexpr int stallPatienceTicks = 1000;
@@ -186,16 +188,20 @@ void Link::reactToReply() {
     const CommandRow* row = findCommand(commandKey(currentCommand_));
     if (row && row->isBulk) {
         // The reply stands for ten ticks: that gap is the pacing of the transfer.
-        if (paceCount_ == lineGapTicks) {
-            if (!sendLine()) return;
-        } else {
+        if (paceCount_ < lineGapTicks) {
             ++paceCount_;
+        } else if (gapIsOver() && !sendLine()) {
+            return;
         }
     }
     tickCount_ = 0;
     retryCount_ = 0;
     if (frameInDoubt()) return currentCommand_.clear();
     processResponse();
+}
+
+bool Link::gapIsOver() const {
+    return clock_.monotonicUs() - replySeenUs_ >= lineGapUs;
 }
 
 bool Link::sendLine() {

@@ -21,7 +21,8 @@ struct LinkStatus {
     std::string activity;       ///< "{Polling}", "{Monitoring}", ...
     Lamp send = Lamp::Rest;     ///< lblComm_Send_Icon
     Lamp receive = Lamp::Rest;  ///< lblComm_Rcv_Icon
-    std::string port;           ///< lblCOMM
+    std::string port;           ///< lblCOMM: the number of the port in use
+    std::string portIdentity;   ///< of the device behind it; "" before one was open
     std::string serialNumber;   ///< lblSerialNumber, "000000" form
     std::string firmware;       ///< lblFirmware
     std::string unitLabel;      ///< lblOrbUnit(0): "A", "L", "A Std", ...

@@ -66,10 +66,55 @@ void Link::unload() {
     log("COMM. Terminated.");
 }
 
+void Link::commPort(int number) {
+    std::string identity;
+    skipFailing([&] {
+        const std::vector<PortInfo> ports = port_.list();
+        const auto port = std::ranges::find(ports, number, &PortInfo::number);
+        if (port != ports.end()) identity = port->identity;
+    });
+    commPort(number, std::move(identity));
+}
+
+void Link::commPort(int number, std::string identity) {
+    commPort_ = number;
+    commIdentity_ = std::move(identity);
+}
+
+std::optional<PortInfo> Link::chosenPort() const {
+    const std::vector<PortInfo> ports = port_.list();
+    const auto port = commIdentity_.empty() ? std::ranges::find(ports, commPort_, &PortInfo::number)
+                                            : std::ranges::find(ports, commIdentity_, &PortInfo::identity);
+    return port == ports.end() ? std::nullopt : std::optional(*port);
+}
+
 bool Link::RS232_Initialize(int portNumber) {
-    commPort_ = portNumber;
+    commPort(portNumber);
+    return openChosenPort();
+}
+
+// Another device may have the number by now: a port that is known by its identity is opened as that or not at
+// all.
+void Link::openByIdentity() {
+    if (!commIdentity_.empty()) {
+        const auto port = chosenPort();
+        if (!port) throw Failure("The port is not plugged in (" + commIdentity_ + ")");
+        commPort_ = port->number;
+    }
+    show(&LinkStatus::port, numberText(commPort_));
+    show(&LinkStatus::portIdentity, commIdentity_);
+    port_.followsNumber(commIdentity_.empty());
+    port_.open(commPort_);
+}
+
+void Link::showPort(const PortInfo& port) {
+    show(&LinkStatus::port, numberText(port.number));
+    show(&LinkStatus::portIdentity, port.identity);
+}
+
+bool Link::openChosenPort() {
     if (commPort_ < 1) {
-        commPort_ = 1;
+        commPort(1, {});
         skipFailing([&] { settings_.set("System", "CommPort", "1"); });
     }
     if (port_.isOpen()) skipFailing([&] { port_.close(); });
@@ -79,7 +124,7 @@ bool Link::RS232_Initialize(int portNumber) {
     skipFailing([&] { port_.setReceiveThreshold(0); });
     std::string trouble;
     const bool opened =
-        endOnFailure([&] { port_.open(commPort_); }, [&](const std::string& why) { trouble = why; });
+        endOnFailure([&] { openByIdentity(); }, [&](const std::string& why) { trouble = why; });
     if (!opened) {
         log("COMM Port:" + numberText(commPort_) + " Not Available, Cannot Open Connection.");
         tellTrouble(trouble);
@@ -98,7 +143,8 @@ void Link::tellTrouble(const std::string& trouble) {
     if (searching_) return;
     skipFailing([&] {
         const std::vector<PortInfo> ports = port_.list();
-        if (std::ranges::find(ports, commPort_, &PortInfo::number) != ports.end()) log("  - " + trouble);
+        const bool present = std::ranges::find(ports, commPort_, &PortInfo::number) != ports.end();
+        if (present || !commIdentity_.empty()) log("  - " + trouble);
     });
 }
 
@@ -118,7 +164,7 @@ void Link::RS232_OUTPUT(std::string_view command) {
 
 void Link::ORB_Initialize() {
     log("Initializing Communication with ORB");
-    RS232_Initialize(commPort_);
+    openChosenPort();
 }
 
 void Link::ORB_Close() {
@@ -196,6 +242,8 @@ void Link::onComm(CommEvent event) {
     });
     if (awaitsTail()) return;
     if (longFrame()) restLine();
+    // Bytes behind the reply are no new one: a line that never goes quiet would hold a transfer for good.
+    if (!responseReady_) replySeenUs_ = clock_.monotonicUs();
     responseReady_ = true;
     showReplyStatus();
 }
@@ -213,7 +261,7 @@ void Link::showCommandStatus(std::string_view key) {
     const ActivityStatus& status = statusRow(key).status;
     if (status.state.empty()) return;
     const std::string line1 = status.line1 == portLine
-                                  ? "Using COM Port: " + numberText(commPort_) + " @ 38400 Baud."
+                                  ? "Using COM Port: " + status_.port + " @ 38400 Baud."
                                   : std::string(status.line1);
     COMM_StatusMessage(status.title, line1, status.line2, status.state);
 }

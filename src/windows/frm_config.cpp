@@ -129,7 +129,7 @@ QWidget* FrmConfig::makeBottom() {
     lstCommInfo_ = new ConsoleView(QStringLiteral("lstCommInfo"), tr("Communication console"),
                                    session_.console.commLines(), this);
     fraComm_ = new LinkPanel([this] { return session_.platform().port.list(); }, this);
-    fraComm_->ports().fill(session_.link.commPort());
+    refreshPorts();
     connect(fraComm_, &LinkPanel::autoDetectAsked, this, &FrmConfig::autoDetect);
     connect(fraComm_, &LinkPanel::portChosen, this, &FrmConfig::choosePort);
 
@@ -234,15 +234,22 @@ QString FrmConfig::helpKey() const {
 // The search yields, so the window stays alive; the button must not start a second one.
 void FrmConfig::autoDetect() {
     fraComm_->setEnabled(false);
-    const int found = commands_.autodetectPort();
+    commands_.autodetectPort();
     fraComm_->setEnabled(true);
-    fraComm_->ports().fill(found > 0 ? found : session_.link.commPort());
+    refreshPorts();
 }
 
 void FrmConfig::choosePort(int number) {
-    commands_.choosePort(number);
-    // Refused while a transfer runs: the list shows the port in use again.
-    if (session_.link.commPort() != number) fraComm_->ports().fill(session_.link.commPort());
+    commands_.choosePort(number, fraComm_->ports().selectedIdentity());
+    // Refused while a transfer runs, or not to be opened: the list shows the port in use.
+    refreshPorts();
+}
+
+void FrmConfig::refreshPorts() {
+    const LinkStatus& status = session_.link.status();
+    const bool opened = !status.port.empty();
+    fraComm_->ports().fill(opened ? static_cast<int>(numberOf(status.port)) : session_.link.commPort(),
+                           opened ? status.portIdentity : session_.link.commIdentity());
 }
 
 }  // namespace zentaq

@@ -36,7 +36,8 @@ class FrmConfig : public QWidget {
     void refreshConsoles();
     void refreshLink();
     /// The port was chosen elsewhere.
-    void refreshPorts() { fraComm_->ports().fill(session_.link.commPort()); }
+    /// Shows the port in use; the options may have stored another one.
+    void refreshPorts();
 
     // ---- The table window inside the workspace
     void dock(QWidget* table, const QString& title);

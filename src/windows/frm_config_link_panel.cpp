@@ -87,22 +87,28 @@ PortCombo::PortCombo(std::function<std::vector<PortInfo>()> ports, QWidget* pare
     setMinimumContentsLength(14);
 }
 
-void PortCombo::fill(int selected) {
+void PortCombo::add(const QString& text, int number, const std::string& identity) {
+    addItem(text, number);
+    setItemData(count() - 1, QString::fromStdString(identity), identityRole);
+}
+
+void PortCombo::fill(int selected, const std::string& identity) {
     const QSignalBlocker quiet(this);
     clear();
     for (const PortInfo& port : ports_()) {
-        addItem(
-            QString::fromStdString(numberText(port.number) + "  " + port.device + "  " + port.description),
-            port.number);
+        add(QString::fromStdString(numberText(port.number) + "  " + port.device + "  " + port.description),
+            port.number, port.identity);
     }
-    if (findData(selected) < 0) {
-        addItem(QString::fromStdString(numberText(selected) + "  ") + tr("(not present)"), selected);
+    const QString wanted = QString::fromStdString(identity);
+    const int place = identity.empty() ? findData(selected) : findData(wanted, identityRole);
+    if (place < 0) {
+        add(QString::fromStdString(numberText(selected) + "  ") + tr("(not present)"), selected, identity);
     }
-    setCurrentIndex(findData(selected));
+    setCurrentIndex(place < 0 ? count() - 1 : place);
 }
 
 void PortCombo::showPopup() {
-    fill(selectedNumber());
+    fill(selectedNumber(), selectedIdentity());
     QComboBox::showPopup();
 }
 
@@ -259,9 +265,7 @@ QWidget* LinkPanel::makeProgress() {
 }
 
 void LinkPanel::render(const LinkStatus& status) {
-    // A unit that was found may stand on another device than the list, read a while ago, tells.
-    const bool found = status.image == LinkImage::Monitor && image_ != LinkImage::Monitor;
-    if (found && !ports_->view()->isVisible()) ports_->fill(ports_->selectedNumber());
+    showPortInUse(status);
     if (status.image != image_ || imgNotify_->pixmap(Qt::ReturnByValue).isNull()) showImage(status.image);
     setText(title_, status.title);
     setText(line1_, status.line1);
@@ -283,6 +287,18 @@ void LinkPanel::render(const LinkStatus& status) {
     message_->setVisible(status.progressVisible);
     progress_->setValue(status.progressPercent);
     setText(percentage_, status.progressText);
+}
+
+// Whatever has opened another port: the options, a search, an adapter that came back under another number. And
+// a unit that was found may stand on another device than the list, read a while ago, tells.
+void LinkPanel::showPortInUse(const LinkStatus& status) {
+    if (ports_->view()->isVisible()) return;
+    const bool found = status.image == LinkImage::Monitor && image_ != LinkImage::Monitor;
+    const bool moved = status.port != shownPort_ || status.portIdentity != shownIdentity_;
+    if (!found && !moved) return;
+    shownPort_ = status.port;
+    shownIdentity_ = status.portIdentity;
+    ports_->fill(static_cast<int>(numberOf(status.port)), status.portIdentity);
 }
 
 void LinkPanel::showFrameTimes(const LinkStatus& status) {

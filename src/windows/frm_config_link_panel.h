@@ -23,12 +23,18 @@ class PortCombo : public QComboBox {
  public:
     PortCombo(std::function<std::vector<PortInfo>()> ports, QWidget* parent);
 
-    /// Reads the list anew and selects a port by its number.
-    void fill(int selected);
+    /// Reads the list anew and selects a port: by its identity, or by its number where that is not known. A
+    /// device that is absent is shown as such, though another one may have its number now.
+    void fill(int selected, const std::string& identity);
     int selectedNumber() const { return currentData().toInt(); }
+    std::string selectedIdentity() const { return currentData(identityRole).toString().toStdString(); }
     void showPopup() override;
 
  private:
+    static constexpr int identityRole = Qt::UserRole + 1;
+
+    void add(const QString& text, int number, const std::string& identity);
+
     std::function<std::vector<PortInfo>()> ports_;
 };
 
@@ -54,9 +60,12 @@ class LinkPanel : public QFrame {
     QWidget* makeFacts();
     QWidget* makePortRow(std::function<std::vector<PortInfo>()> ports);
     QWidget* makeProgress();
+    void showPortInUse(const LinkStatus& status);
     void showFrameTimes(const LinkStatus& status);
     void showImage(LinkImage image);
 
+    std::string shownPort_;
+    std::string shownIdentity_;
     LinkImage image_ = LinkImage::None;
     QLabel* imgNotify_ = nullptr;
     QLabel* title_ = nullptr;

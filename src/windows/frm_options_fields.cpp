@@ -183,8 +183,8 @@ QWidget* OptionFields::makePorts(const OptionRow& row, QWidget* strip) {
     QHBoxLayout* line = lineOf(strip);
     addCaption(row, strip, ports);
     line->addWidget(ports, 1);
-    connect(ports, &QComboBox::activated, this, [this, &row, ports] {
-        change(row, QString::fromStdString(numberText(ports->selectedNumber())));
+    connect(ports, &QComboBox::activated, this, [this, ports] {
+        options_.choosePort(ports->selectedNumber(), ports->selectedIdentity());
     });
     return ports;
 }
@@ -353,7 +353,9 @@ void OptionFields::show(const Field& field) {
     const std::string& value = options_.value(field.row->control);
     if (auto* ports = qobject_cast<PortCombo*>(field.control)) {
         const int number = static_cast<int>(numberOf(value));
-        if (ports->count() == 0 || ports->selectedNumber() != number) ports->fill(number);
+        const std::string& identity = options_.portIdentity();
+        const bool other = !identity.empty() && ports->selectedIdentity() != identity;
+        if (ports->count() == 0 || ports->selectedNumber() != number || other) ports->fill(number, identity);
     } else if (auto* button = qobject_cast<QRadioButton*>(field.control)) {
         if (value == numberText(field.row->index)) button->setChecked(true);
     } else if (auto* box = qobject_cast<QCheckBox*>(field.control)) {

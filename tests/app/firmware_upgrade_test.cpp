@@ -49,7 +49,12 @@ class FirmwareUpgrade : public testing::Test {
     }
     void tickUntil(const std::string& written) {
         const auto& all = fake.port.written;
-        for (int i = 0; i < 50 && (all.empty() || all.back() != written); ++i) session.link.tick();
+        for (int i = 0; i < 50 && (all.empty() || all.back() != written); ++i) tick();
+    }
+    /// A millisecond: the gap in front of a line is one of the clock too.
+    void tick() {
+        fake.clock.nowUs += 1000;
+        session.link.tick();
     }
     void answer(const std::string& reply) {
         fake.port.deliver({reply.begin(), reply.end()});

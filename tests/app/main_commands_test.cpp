@@ -446,6 +446,19 @@ TEST_F(Commands, AClosedPortIsOpenedAsSoonAsItAppears) {
     EXPECT_TRUE(fake.port.isOpen());
 }
 
+TEST_F(Commands, AChosenPortIsStoredWithItsDeviceAndOpenedAnewAsThat) {
+    session.link.load();
+    fake.port.presentNumber = 4;
+    commands.choosePort(4);
+    EXPECT_EQ(fake.settings.get("System", "CommPort"), "4");
+    EXPECT_EQ(fake.settings.get("System", "CommPortIdentity"), "fake");
+    fake.port.presentNumber = 5;
+    commands.loadCommand(2);  // opens it anew
+    EXPECT_TRUE(fake.port.isOpen());
+    EXPECT_EQ(session.link.commPort(), 5);
+    EXPECT_EQ(session.link.status().port, "5");
+}
+
 TEST_F(Commands, AFileThatWasCutLoadsAndTheLogTellsIt) {
     const std::string path = fake.folder.path("cut.ZQ4OA");
     std::vector<float> floats = orbAFloats();

@@ -389,7 +389,7 @@ TEST_F(OptionsTest, ApplyInTheFixedOrderWhileMonitoring) {
     EXPECT_THAT(trail, IsEmpty());
     EXPECT_THAT(options.apply(), IsEmpty());
     EXPECT_THAT(
-        trail, ElementsAre("CommPort=3", "AutoLog=1", "Cnsl=1", "CommCnsl=0", "NeedleColor=255",
+        trail, ElementsAre("CommPort=3", "CommPortIdentity=", "AutoLog=1", "Cnsl=1", "CommCnsl=0", "NeedleColor=255",
                            "DashLights=65535", "LabelLights=7", "Graphs=1", "FileOpen=1", "TableColor=1",
                            "PollRate=2.5", "AutoMonitor=0", "TemperatureToggle=0", "CLTAlarmValue=98",
                            "MATAlarmValue=60", "white grid", "Datalog1=0", "Datalog2=0", "Datalog3=0",
@@ -646,6 +646,39 @@ TEST_F(OptionsTest, ColoursAreWholeNumbersOrNothing) {
     }
 }
 
+// ---- The port and the device behind its number
+
+TEST_F(OptionsTest, ApplyStoresTheDeviceBesideTheNumber) {
+    Options options(session);
+    options.change("cmbCOMM", "1");
+    options.apply();
+    EXPECT_EQ(read("CommPort"), "1");
+    EXPECT_EQ(read("CommPortIdentity"), "fake");
+    EXPECT_EQ(session.link.commIdentity(), "fake");
+}
+
+TEST_F(OptionsTest, TheNumberShownFollowsTheStoredDevice) {
+    stored("CommPort", "1");
+    stored("CommPortIdentity", "fake");
+    port.presentNumber = 3;
+    Options options(session);
+    EXPECT_EQ(options.value("cmbCOMM"), "3");
+    options.apply();
+    EXPECT_EQ(read("CommPort"), "3");
+    EXPECT_EQ(read("CommPortIdentity"), "fake");
+}
+
+TEST_F(OptionsTest, AnApplyKeepsADeviceThatIsAwayThoughAnotherHasItsNumber) {
+    stored("CommPort", "1");
+    stored("CommPortIdentity", "usb:0403:6001:AB12");
+    Options options(session);
+    options.apply();
+    EXPECT_EQ(read("CommPortIdentity"), "usb:0403:6001:AB12");
+    options.choosePort(1, "fake");
+    options.apply();
+    EXPECT_EQ(read("CommPortIdentity"), "fake") << "the user chose the other one";
+}
+
 // ---- The port search, and other windows that store the same settings
 
 TEST_F(OptionsTest, ASearchWithoutAUnitTellsAndKeepsThePort) {
@@ -686,6 +719,8 @@ TEST_F(OptionsTest, ASearchThatFindsAUnitShowsAndStoresItsPort) {
     EXPECT_EQ(options.value("cmbCOMM"), "3");
     EXPECT_EQ(options.value("txtPollRate"), "5");
     EXPECT_EQ(read("CommPort"), "3");
+    EXPECT_EQ(read("CommPortIdentity"), searching.link.commIdentity());
+    EXPECT_EQ(searching.link.status().port, "3");
     EXPECT_THAT(dialogs.boxes, IsEmpty());
 }
 

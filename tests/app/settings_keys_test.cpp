@@ -17,8 +17,8 @@ std::vector<std::string> names() {
     return names;
 }
 
-TEST(SettingsKeys, AreTheTwentyPreferencesAndTheWireTrace) {
-    EXPECT_THAT(names(), ElementsAre("CommPort", "AutoLog", "Cnsl", "CommCnsl", "MonitorMode", "NeedleColor",
+TEST(SettingsKeys, AreTheTwentyPreferencesTheDeviceOfThePortAndTheWireTrace) {
+    EXPECT_THAT(names(), ElementsAre("CommPort", "CommPortIdentity", "AutoLog", "Cnsl", "CommCnsl", "MonitorMode", "NeedleColor",
                                      "DashLights", "LabelLights", "ADUR", "Graphs", "FileOpen", "Print",
                                      "TableColor", "CommDialog", "PollRate", "Column_Type", "AutoMonitor",
                                      "TemperatureToggle", "CLTAlarmValue", "MATAlarmValue", "WireTrace"));

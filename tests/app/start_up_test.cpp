@@ -119,6 +119,42 @@ TEST_F(StartUp, StoredSettingsTakeEffect) {
     EXPECT_TRUE(consoleHas("COMM: Listening on Port #7"));
 }
 
+TEST_F(StartUp, AStoredDeviceIsOpenedUnderWhateverNumberItHasNow) {
+    fake.settings.set("System", "CommPort", "1");
+    fake.settings.set("System", "CommPortIdentity", "fake");
+    fake.port.presentNumber = 2;  // a simulated unit took the first place
+    kernel.load();
+    EXPECT_TRUE(fake.port.isOpen());
+    EXPECT_EQ(session.link.commPort(), 2);
+    EXPECT_EQ(session.link.status().port, "2");
+    EXPECT_EQ(fake.settings.get("System", "CommPort"), "2");
+    EXPECT_TRUE(consoleHas("COMM: Listening on Port #2"));
+}
+
+TEST_F(StartUp, AnotherDeviceWithTheStoredNumberIsLeftAlone) {
+    fake.settings.set("System", "CommPort", "1");
+    fake.settings.set("System", "CommPortIdentity", "usb:0403:6001:AB12");
+    kernel.load();
+    EXPECT_FALSE(fake.port.isOpen());
+    EXPECT_EQ(fake.port.opens, 0);
+    fake.clock.nowUs += 2'000'000;
+    session.poll(false);
+    EXPECT_EQ(fake.port.opens, 0);
+    EXPECT_TRUE(consoleHas("The port is not plugged in (usb:0403:6001:AB12)"));
+}
+
+TEST_F(StartUp, AStoredNumberWithoutADeviceKeepsTheOneThatHasItNow) {
+    fake.settings.set("System", "CommPort", "1");
+    kernel.load();
+    EXPECT_EQ(fake.settings.get("System", "CommPortIdentity"), "fake");
+}
+
+TEST_F(StartUp, WhereNobodyHasChosenAPortNoneIsKept) {
+    kernel.load();
+    EXPECT_TRUE(fake.port.isOpen());
+    EXPECT_EQ(fake.settings.get("System", "CommPortIdentity"), "");
+}
+
 TEST_F(StartUp, TheLogHoldsOneRunOnly) {
     std::ofstream(fake.folder.path("zentaq.log")) << "an earlier run\n";
     kernel.load();

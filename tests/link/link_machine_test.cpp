@@ -489,8 +489,8 @@ struct StatusCase {
 class ReceiveStatus : public LinkBench, public testing::WithParamInterface<StatusCase> {};
 
 TEST_P(ReceiveStatus, ShowsTheRowOfItsCommand) {
-    find(200000);
-    link.commPort(7);
+    link.RS232_Initialize(7);
+    link.commPort(4);  // stored for the next time; the port in use is told
     link.COMM_StatusMessage("before", "a", "b", "Warning");
     link.Send_ORB_Command(GetParam().command);
     ticks(1);

@@ -68,6 +68,23 @@ TEST_F(CalibrationTransfer, StartWritesItsConsoleLinesAndQueuesP1) {
     EXPECT_TRUE(link.TransferActive());
 }
 
+TEST_F(CalibrationTransfer, TicksThatAreRunAfterAPauseDoNotShortenTheGapInFrontOfALine) {
+    link.AutoPollSuspended(true);
+    link.Program_Unit(TransferMode::Calibration, "");
+    link.tick();  // P1 goes out
+    port.send(atOnce("AX"));
+    port.advanceUs(1000);  // the reply is there since 530 us, its line quiet
+    const std::int64_t seen = clock.monotonicUs();
+    for (int owed = 0; owed < 500; ++owed) link.tick();
+    EXPECT_EQ(port.written(), (Texts{"P1"}));
+    clock.setUs(seen + 9'000);
+    for (int owed = 0; owed < 500; ++owed) link.tick();
+    EXPECT_EQ(port.written(), (Texts{"P1"}));
+    clock.setUs(seen + 10'000);
+    link.tick();
+    EXPECT_EQ(port.written().size(), 2U);
+}
+
 TEST_F(CalibrationTransfer, AWholeRunOfARealImageTakesElevenTicksALine) {
     answerLines("AX");
     link.AutoPollSuspended(true);

@@ -134,6 +134,7 @@ class Walk {
     void let(int ticks) {
         note("ticks " + std::to_string(ticks));
         for (int i = 0; i < ticks && agreed_; ++i) {
+            clock.advanceUs(1000);
             quiet([&] { link.tick(); }, [&] { model.tick(); });
         }
     }

@@ -51,6 +51,11 @@ class PtyPair {
         const auto count = ::write(master_, bytes.data(), bytes.size());
         return count > 0 ? static_cast<std::size_t>(count) : 0;
     }
+    /// Whether the program has written something within so many milliseconds.
+    bool waitForBytes(int ms) const {
+        pollfd end{master_, POLLIN, 0};
+        return ::poll(&end, 1, ms) == 1 && (end.revents & POLLIN) != 0;
+    }
     /// What the program has written so far; never waits.
     std::string received() const {
         int count = 0;

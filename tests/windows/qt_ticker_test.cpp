@@ -10,9 +10,14 @@
 #include <thread>
 
 #include "app/fake_platform.h"
+#include "link/link.h"
+#include "link/recording_link_host.h"
+#include "live/frame_decoder.h"
 #include "qt/port_list.h"
 #include "qt/qt_clock.h"
+#include "qt/qt_yield.h"
 #include "windows/pty_pair.h"
+#include "windows/timed_unit.h"
 
 namespace zentaq {
 namespace {
@@ -157,6 +162,38 @@ TEST_F(TickerOnTheClock, TicksOwedFromAPauseDoNotShortenTheGapBehindTheReplyThat
     ASSERT_NE(tenthUs, 0);
     // Two of the ten may run early.
     EXPECT_GE(tenthUs - deliveredUs, 7000);
+}
+
+TEST_F(TickerOnTheClock, LinesOfAFirmwareNeverFollowAnAnswerBeforeTenMillisecondsInABusyWindow) {
+    constexpr int lines = 60;
+    TimedUnit unit(lines);
+    announce(folder.path(), "A", unit.path());
+    RecordingLinkHost host;
+    LiveValues live;
+    FrameDecoder decoder{live};
+    MemorySettings settings;
+    QtYield yield;
+    Link link{port, host, decoder, live, settings, clock, yield};
+    ticker.onTick([&] { link.tick(); });
+    ASSERT_TRUE(link.RS232_Initialize(1));
+    ticker.start();
+    // A window that paints for 1 to 50 ms again and again.
+    QTimer window;
+    int paint = 0;
+    QObject::connect(&window, &QTimer::timeout,
+                     [&] { std::this_thread::sleep_for(std::chrono::milliseconds(1 + paint++ * 7 % 50)); });
+    window.start(3);
+    std::string text;
+    for (int line = 0; line < 2 * lines; ++line) text += "S10510000000EA\n";
+    link.programFirmware("test", text, 4);
+    QElapsedTimer waiting;
+    waiting.start();
+    while (!unit.done() && waiting.elapsed() < 60'000) runLoop(20);
+    ASSERT_TRUE(unit.done());
+    EXPECT_GT(unit.gaps().size(), static_cast<std::size_t>(lines));
+    EXPECT_GE(shortestOf(unit.gaps()), shortestGapUs);
+    runLoop(20);
+    ticker.onTick({});
 }
 
 /// Writes as fast as the line takes it until the end of its life.

@@ -344,13 +344,40 @@ TEST_F(Workspace, ThePortListShowsNumberDeviceAndDescription) {
 TEST_F(Workspace, ChoosingAPortStoresAndOpensIt) {
     fake.port.presentNumber = 4;
     auto* ports = qobject_cast<PortCombo*>(find<QComboBox>("cmbCOMM"));
-    ports->fill(4);
+    ports->fill(4, {});
     Q_EMIT ports->activated(ports->currentIndex());
     EXPECT_EQ(fake.settings.get("System", "CommPort"), "4");
     EXPECT_EQ(fake.session.link.commPort(), 4);
     EXPECT_TRUE(fake.session.link.status().connected);
     windows.refresh();
     EXPECT_EQ(find<QLabel>("lblCOMM")->text(), "4");
+}
+
+TEST_F(Workspace, ThePanelShowsThePortInUseWhateverTheOptionsHaveStored) {
+    fake.session.link.ORB_Initialize();
+    windows.refresh();
+    auto* ports = qobject_cast<PortCombo*>(find<QComboBox>("cmbCOMM"));
+    fake.session.link.commPort(7, {});  // what an Apply does
+    fake.settings.set("System", "CommPort", "7");
+    windows.refresh();
+    EXPECT_EQ(find<QLabel>("lblCOMM")->text(), "1");
+    EXPECT_EQ(ports->selectedNumber(), 1);
+
+    fake.port.presentNumber = 7;
+    fake.session.link.ORB_Initialize();
+    windows.refresh();
+    EXPECT_EQ(find<QLabel>("lblCOMM")->text(), "7");
+    EXPECT_EQ(ports->selectedNumber(), 7);
+}
+
+TEST_F(Workspace, ADeviceThatIsAwayIsNotShownAsTheOneThatHasItsNumberNow) {
+    auto* ports = qobject_cast<PortCombo*>(find<QComboBox>("cmbCOMM"));
+    ports->fill(1, "usb:0403:6001:AB12");
+    EXPECT_EQ(ports->currentText(), "1  (not present)");
+    EXPECT_EQ(ports->selectedIdentity(), "usb:0403:6001:AB12");
+    EXPECT_EQ(ports->itemText(0), "1  /dev/fake  A port for tests");
+    ports->fill(3, "fake");
+    EXPECT_EQ(ports->selectedNumber(), 1) << "the number follows";
 }
 
 TEST_F(Workspace, ShowsTheTipAsItIs) {
