@@ -34,6 +34,7 @@ class Running {
         pointers.push_back(nullptr);
         process_ = ::fork();
         if (process_ == 0) {
+            ::setpgid(0, 0);  // a job of its own: one of a test that nobody watches could not be stopped
             if (in != STDIN_FILENO) ::dup2(in, STDIN_FILENO);
             ::dup2(out, STDOUT_FILENO);
             ::dup2(error, STDERR_FILENO);
@@ -51,6 +52,17 @@ class Running {
     Running& operator=(const Running&) = delete;
 
     void signal(int number) const { ::kill(process_, number); }
+    /// The signal that ended it; 0 where it ended by itself.
+    int endingSignal() {
+        int status = 0;
+        ::waitpid(process_, &status, 0);
+        process_ = -1;
+        return WIFSIGNALED(status) ? WTERMSIG(status) : 0;
+    }
+    bool stopped() const {
+        int status = 0;
+        return ::waitpid(process_, &status, WUNTRACED | WNOHANG) == process_ && WIFSTOPPED(status);
+    }
     /// The exit code; -1 after a signal.
     int wait() {
         int status = 0;

@@ -135,5 +135,16 @@ TEST_F(ZentaqctlPorts, TheFirstPortOfTheListIsTakenWhereNoneIsNamed) {
     EXPECT_THAT(run("identify --port 1").out, HasSubstr(" on port 1,"));
 }
 
+TEST_F(ZentaqctlPorts, AFolderThatIsOpenToOthersHasNoUnitsAndIsTold) {
+    start({"--unit", "C", "--baud", "0"});
+    fs::permissions(folder.file(""), fs::perms::all);
+    const Outcome outcome = run("ports");
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_THAT(outcome.out, Not(HasSubstr("Simulated unit")));
+    EXPECT_THAT(outcome.error, HasSubstr(" is open to other users. Simulated units are not looked for there."));
+    expectOneLine(outcome.error);
+    EXPECT_THAT(run("identify --port 1").error, HasSubstr(" is open to other users."));
+}
+
 }  // namespace
 }  // namespace zentaq

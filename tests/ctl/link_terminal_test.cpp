@@ -1,0 +1,110 @@
+// What a user does at the terminal in the middle of a transfer: nothing of it leaves a unit with half a
+// program, and what does not come back can be ended.
+#include <sys/ioctl.h>
+
+#include "ctl/link_fixture.h"
+
+namespace zentaq {
+namespace {
+
+constexpr const char* ctrlS = "\x13";
+constexpr const char* ctrlQ = "\x11";
+
+class ZentaqctlAtATerminal : public ZentaqctlOnLink {
+ protected:
+    ZentaqctlAtATerminal() {
+        const std::string command = inQuotes(ZENTAQ_APP_DIR "/zentaq-sim") +
+                                    " --unit A --firmware ZQA-505100 --make-firmware " + inQuotes(firmware) +
+                                    " >" + inQuotes(folder.file("made.txt"));
+        EXPECT_EQ(std::system(command.c_str()), 0);
+    }
+    void startReady() { startUnit("A", {"--upgrade-mode", "--memory", memory}); }
+    Words upgrade() const { return {"firmware", "--yes", "--port", port, firmware}; }
+    /// Waits until the unit has written down that it is so; a run takes a few seconds.
+    bool becomes(const std::string& state) const {
+        for (int ms = 0; ms < 30'000; ms += 10) {
+            const std::string told = memory + ".firmware";
+            if (fs::exists(told) && contentOf(told).starts_with(state)) return true;
+            ::poll(nullptr, 0, 10);
+        }
+        return false;
+    }
+
+    static bool stops(OnTerminal& terminal) {
+        for (int ms = 0; ms < 10'000; ms += 10) {
+            if (terminal.program().stopped()) return true;
+            ::poll(nullptr, 0, 10);
+        }
+        return false;
+    }
+
+    std::string firmware = folder.file("ZQA-505100.nv3");
+};
+
+TEST_F(ZentaqctlAtATerminal, OneThatIsStoppedDoesNotStopTheUpgrade) {
+    startReady();
+    OnTerminal terminal(upgrade(), folder.file("out"));
+    terminal.until("10%");
+    terminal.type(ctrlS);
+    EXPECT_TRUE(becomes("programmed"));
+    terminal.type(ctrlQ);
+    EXPECT_EQ(terminal.program().wait(), 0);
+}
+
+TEST_F(ZentaqctlAtATerminal, CtrlZWaitsUntilTheUnitIsDone) {
+    startReady();
+    OnTerminal terminal(upgrade(), folder.file("out"));
+    terminal.until("10%");
+    terminal.program().signal(SIGTSTP);
+    EXPECT_TRUE(becomes("programmed"));
+    EXPECT_TRUE(stops(terminal)) << "and takes effect then";
+    terminal.program().signal(SIGCONT);
+    EXPECT_EQ(terminal.program().wait(), 0);
+}
+
+TEST_F(ZentaqctlAtATerminal, OutputInTheBackgroundStopsNoProgramming) {
+    startUnit("A", {"--memory", memory});
+    OnTerminal terminal({"program", "--port", port, file}, folder.file("out"));
+    terminal.until("10%");
+    terminal.program().signal(SIGTTOU);
+    terminal.program().signal(SIGTSTP);
+    EXPECT_THAT(terminal.until("99%"), HasSubstr("99%"));
+    EXPECT_TRUE(stops(terminal)) << "behind the transfer";
+    terminal.program().signal(SIGCONT);
+    EXPECT_EQ(terminal.program().wait(), 0);
+    EXPECT_THAT(contentOf(folder.file("out")), HasSubstr("You have successfully programmed your ORB unit."));
+}
+
+TEST_F(ZentaqctlAtATerminal, CtrlBackslashIsAnsweredLikeCtrlC) {
+    startReady();
+    OnTerminal terminal(upgrade(), folder.file("out"));
+    terminal.until("10%");
+    terminal.program().signal(SIGQUIT);
+    EXPECT_THAT(terminal.until("then."), HasSubstr("Press again within 3 s to break off"));
+    EXPECT_EQ(terminal.program().wait(), 0);
+    EXPECT_TRUE(becomes("programmed"));
+}
+
+TEST_F(ZentaqctlAtATerminal, ASignalEndsAMonitorWhoseReaderHasStopped) {
+    startUnit("A");
+    int ends[2];
+    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+    ASSERT_GT(::fcntl(ends[1], F_SETPIPE_SZ, 4096), 0);
+    Running monitor(ZENTAQ_APP_DIR "/zentaqctl", {"monitor", "--csv", "--port", port}, ends[1], STDERR_FILENO);
+    ::close(ends[1]);
+    // It writes once a second at least: a pipe whose content stays as it is takes no more.
+    int waiting = 0;
+    int before = -1;
+    for (int wait = 0; wait < 10 && (waiting == 0 || waiting != before); ++wait) {
+        before = waiting;
+        ::poll(nullptr, 0, 2500);
+        ::ioctl(ends[0], FIONREAD, &waiting);
+    }
+    ASSERT_EQ(waiting, before);
+    monitor.signal(SIGINT);
+    EXPECT_EQ(monitor.endingSignal(), SIGINT);
+    ::close(ends[0]);
+}
+
+}  // namespace
+}  // namespace zentaq
