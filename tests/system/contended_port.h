@@ -52,14 +52,17 @@ class ContendedPort {
     void want() {
         Session& session = program_->session;
         if (resting_ > 0) {
-            if (--resting_ == 0) session.link.RS232_Close();
+            if (--resting_ == letGo) session.link.RS232_Close();
             return;
         }
         ++tries_;
         if (!skipFailing([&] { session.platform().port.open(1); })) return;
         ++openings_;
-        resting_ = 5;
+        resting_ = letGo + 5;
     }
+
+    /// Firings for which it leaves a free port alone after it had it.
+    static constexpr int letGo = 200;
 
     Outcomes repeat(int count, const QStringList& command, const std::string& file, bool firmware) {
         Outcomes all;
