@@ -8,15 +8,17 @@
 
 namespace zentaq {
 
-/// A device with its lock. The lock goes when the handle is closed.
+/// A device with its lock.
 struct LockedLine {
+    PosixHandle lock;     ///< to be kept as long as the line, and to go behind it
     PosixHandle line;     ///< invalid where the device or its lock is not to be had
     std::string trouble;  ///< why, in words that tell what to do
     bool busy = false;    ///< another program has it
 };
 
-/// Opens the device without waiting and asks for its lock. Neither settings nor signals nor bytes of the line
-/// are touched, whether it is had or not.
+/// Asks for the lock of a device among the programs of this system, and opens the device, without waiting, only
+/// with it: even an opening that is given up at once can hold back a reply that another program waits for, until
+/// the next one comes. A lock on the device itself follows, for programs of others. Changes no setting.
 LockedLine openLocked(const std::string& device);
 
 /// Whether the device behind an open line has gone. A read of nothing alone does not tell: whoever else has

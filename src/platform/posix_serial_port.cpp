@@ -44,6 +44,7 @@ void PosixSerialPort::openDevice(const std::string& device) {
     // A reply that nobody read must not answer the first question.
     ::tcflush(locked.line.get(), TCIOFLUSH);
     line_ = std::move(locked.line);
+    lock_ = std::move(locked.lock);
     lost_ = false;
 }
 
@@ -133,6 +134,7 @@ void PosixSerialPort::dropLine() {
     // The system would wait for half a minute until a stuck line has taken what is left.
     if (line_.valid()) ::tcflush(line_.get(), TCOFLUSH);
     line_.reset();
+    lock_.reset();
     gate_.take();
     outgoing_.clear();
     lost_ = false;

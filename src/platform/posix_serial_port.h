@@ -70,6 +70,7 @@ class PosixSerialPort : public SerialPort {
 
     const Clock& clock_;
     PortSource ports_;
+    PosixHandle lock_;  ///< of the open line
     PosixHandle line_;
     ReceiveGate gate_;
     DeviceKeeper keeper_;

@@ -7,7 +7,6 @@
 
 #include "base/errors.h"
 #include "base/number_text.h"
-#include "platform/locked_line.h"
 
 namespace zentaq {
 
@@ -82,7 +81,7 @@ bool QtSerialPort::openDevice(const std::string& device) {
         lost_ = false;
         return false;
     }
-    lock_ = std::move(locked.line);
+    lock_ = std::move(locked);
     // A reply that nobody read must not answer the first question.
     device_.clear();
     lost_ = false;
@@ -120,7 +119,8 @@ void QtSerialPort::closeDevice() {
     ::tcflush(static_cast<int>(device_.handle()), TCOFLUSH);
     // Qt puts the settings back that it found: under the lock, like everything else.
     device_.close();
-    lock_.reset();
+    lock_.line.reset();
+    lock_.lock.reset();
 }
 
 void QtSerialPort::write(std::string_view bytes) {

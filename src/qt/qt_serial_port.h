@@ -11,7 +11,7 @@
 
 #include "platform/clock.h"
 #include "platform/device_keeper.h"
-#include "platform/posix_handle.h"
+#include "platform/locked_line.h"
 #include "platform/receive_gate.h"
 #include "platform/serial_port.h"
 
@@ -71,7 +71,7 @@ class QtSerialPort : public QObject, public SerialPort {
 
     const Clock& clock_;
     PortSource ports_;
-    PosixHandle lock_;  ///< of the open device; it outlives what Qt does when it closes
+    LockedLine lock_;  ///< of the open device; it outlives what Qt does when it closes
     QSerialPort device_;
     QPointer<QSocketNotifier> notices_;  ///< Qt's own, of each byte that comes
     ReceiveGate gate_{quietUs};

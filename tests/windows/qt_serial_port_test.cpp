@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <sys/eventfd.h>
 #include <sys/file.h>
+#include <sys/inotify.h>
 #include <unistd.h>
 
 #include <QCoreApplication>
@@ -15,6 +16,7 @@
 
 #include "app/fake_platform.h"
 #include "platform/manual_clock.h"
+#include "platform/posix_serial_port.h"
 #include "qt/port_list.h"
 #include "windows/pty_pair.h"
 
@@ -123,6 +125,26 @@ TEST_F(SerialPortOnATerminal, WhoeverHasThePortDoesNotNoticeThatItIsWanted) {
     while (reader.reads() < 1000) std::this_thread::yield();
     reader.end();
     EXPECT_EQ(reader.broken(), 0);
+}
+
+TEST_F(SerialPortOnATerminal, APortOfAnotherOfOurProgramsIsNotEvenOpened) {
+    const PtyPair line;
+    announce(folder.path(), "A", line.path());
+    PosixSerialPort other{clock, [this] { return orderedPorts(simulatedPorts(folder.path()), {}); }};
+    other.open(1);
+    const int opens = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    ASSERT_GE(::inotify_add_watch(opens, line.path().c_str(), IN_OPEN), 0);
+    for (int time = 0; time < 3; ++time) EXPECT_THROW(port.open(1), Failure);
+    char notice[4096];
+    EXPECT_LT(::read(opens, notice, sizeof notice), 0) << "an opening can hold back a reply of the other one";
+    other.close();
+    port.open(1);
+    EXPECT_GT(::read(opens, notice, sizeof notice), 0);
+    EXPECT_THROW(other.open(1), PortBusy);
+    port.close();
+    other.open(1);
+    EXPECT_TRUE(other.present());
+    ::close(opens);
 }
 
 TEST_F(SerialPortOnATerminal, ADeviceThatWasNamedDoesNotGiveWayToTheOneThatTakesItsNumber) {
