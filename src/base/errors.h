@@ -17,19 +17,20 @@ class Failure : public std::runtime_error {
 /// A number does not fit the integer it is turned into.
 class Overflow : public Failure {
  public:
-    explicit Overflow(const std::string& what = "Overflow") : Failure(what) {}
+    explicit Overflow(const std::string& what = "A number is too large here, or is none") : Failure(what) {}
 };
 
 /// An index outside its array: a calibration cell, a unit slot, a legacy table.
 class BoundsError : public Failure {
  public:
-    explicit BoundsError(const std::string& what = "Subscript out of range") : Failure(what) {}
+    explicit BoundsError(const std::string& what = "There is no element of that number") : Failure(what) {}
 };
 
 /// A text that is no number where a number is needed.
 class TypeMismatch : public Failure {
  public:
-    explicit TypeMismatch(const std::string& what = "Type mismatch") : Failure(what) {}
+    explicit TypeMismatch(const std::string& what = "A text is no number where one is needed")
+        : Failure(what) {}
 };
 
 /// A file that cannot be opened, read or written. The text names the file and the reason.
@@ -43,6 +44,10 @@ class NoSuchMember : public Failure {
  public:
     using Failure::Failure;
 };
+
+/// What a user is told of a failure. What the language's own library throws has words that say nothing to a
+/// tuner.
+std::string textOfFailure(const std::exception& failure);
 
 /// Policy "skip the failing statement and go on". Answers whether the statement succeeded.
 template <typename Statement>
@@ -62,7 +67,7 @@ bool endOnFailure(Command&& command, Report&& report) {
         std::forward<Command>(command)();
         return true;
     } catch (const std::exception& failure) {
-        std::forward<Report>(report)(failure.what());
+        std::forward<Report>(report)(textOfFailure(failure));
         return false;
     }
 }

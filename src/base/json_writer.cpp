@@ -1,10 +1,10 @@
 #include "base/json_writer.h"
 
 #include <cmath>
-#include <cstddef>
-#include <cstdint>
 
 #include "base/number_text.h"
+#include "base/shown_text.h"
+#include "base/utf8.h"
 
 namespace zentaq {
 
@@ -12,21 +12,16 @@ namespace {
 
 constexpr std::string_view replacement = "\xEF\xBF\xBD";  // U+FFFD
 
-/// Bytes of the UTF-8 character that a text begins with; 0 where it begins with none.
-std::size_t characterLength(std::string_view text) {
-    const auto at = [&](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
-    const std::uint8_t lead = at(0);
-    if (lead < 0x80) return 1;
-    const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-    if (lead < 0xC2 || lead > 0xF4 || text.size() < length) return 0;
-    for (std::size_t i = 1; i < length; ++i) {
-        if ((at(i) & 0xC0) != 0x80) return 0;
+/// "\u202e"; beyond the first plane as a pair.
+void writeNumbered(std::ostream& out, char32_t code) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    if (code > 0xFFFF) {
+        writeNumbered(out, 0xD800 + ((code - 0x10000) >> 10U));
+        writeNumbered(out, 0xDC00 + (code & 0x3FFU));
+        return;
     }
-    // Longer than needed, a surrogate, or beyond the last character.
-    const std::uint8_t second = at(1);
-    if ((lead == 0xE0 && second < 0xA0) || (lead == 0xED && second > 0x9F)) return 0;
-    if ((lead == 0xF0 && second < 0x90) || (lead == 0xF4 && second > 0x8F)) return 0;
-    return length;
+    out << "\\u";
+    for (int shift = 12; shift >= 0; shift -= 4) out << digits[(code >> shift) & 0xFU];
 }
 
 }  // namespace
@@ -96,25 +91,23 @@ JsonWriter& JsonWriter::null() {
 }
 
 void JsonWriter::quoted(std::string_view text) {
-    constexpr std::string_view digits = "0123456789abcdef";
     out_ << '"';
     while (!text.empty()) {
-        const std::size_t length = characterLength(text);
-        const auto byte = static_cast<std::uint8_t>(text.front());
-        if (length == 0) {
+        const auto [code, length] = firstCharacter(text);
+        if (code == noCharacter) {
             out_ << replacement;
-        } else if (byte == '"' || byte == '\\') {
+        } else if (code == '"' || code == '\\') {
             out_ << '\\' << text.front();
-        } else if (byte == '\n') {
+        } else if (code == '\n') {
             out_ << "\\n";
-        } else if (byte == '\t') {
+        } else if (code == '\t') {
             out_ << "\\t";
-        } else if (byte < 0x20 || byte == 0x7F) {
-            out_ << "\\u00" << digits[byte >> 4U] << digits[byte & 0xFU];
+        } else if (!isShownAsItIs(code)) {
+            writeNumbered(out_, code);
         } else {
             out_ << text.substr(0, length);
         }
-        text.remove_prefix(length == 0 ? 1 : length);
+        text.remove_prefix(length);
     }
     out_ << '"';
 }

@@ -1,4 +1,5 @@
-// Writes JSON text, value by value, on one line. Texts are escaped; what is no UTF-8 becomes U+FFFD.
+// Writes JSON text, value by value, on one line. Texts are escaped, whatever no reader sees among them; what
+// is no UTF-8 becomes U+FFFD.
 #pragma once
 
 #include <ostream>

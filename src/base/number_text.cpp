@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "base/errors.h"
+#include "base/shown_text.h"
 #include "base/text.h"
 
 namespace zentaq {
@@ -115,7 +116,7 @@ bool isNumeric(std::string_view text) {
 
 double numberOf(std::string_view text) {
     const auto value = parseNumber(text);
-    if (!value) throw TypeMismatch("\"" + std::string(text) + "\" is not a number");
+    if (!value) throw TypeMismatch("\"" + shownBriefly(text) + "\" is not a number");
     return *value;
 }
 

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "base/errors.h"
+#include "base/number_text.h"
 
 namespace zentaq {
 
@@ -15,10 +16,12 @@ namespace {
 
 template <typename Integer>
 Integer rounded(double value) {
+    constexpr auto least = static_cast<double>(std::numeric_limits<Integer>::min());
+    constexpr auto most = static_cast<double>(std::numeric_limits<Integer>::max());
     const double whole = roundHalfEven(value);
-    if (!(whole >= static_cast<double>(std::numeric_limits<Integer>::min()) &&
-          whole <= static_cast<double>(std::numeric_limits<Integer>::max()))) {
-        throw Overflow();
+    if (!(whole >= least && whole <= most)) {
+        throw Overflow("The number " + numberText(value) + " does not fit here: " + numberText(least) +
+                       " to " + numberText(most) + " do");
     }
     return static_cast<Integer>(whole);
 }

@@ -19,14 +19,8 @@ std::size_t announced(unsigned char lead) {
     return 1;
 }
 
-/// Bytes of the character at `at`; 1 when the bytes there are none.
 std::size_t characterLength(std::string_view text, std::size_t at) {
-    const std::size_t length = announced(static_cast<unsigned char>(text[at]));
-    if (at + length > text.size()) return 1;
-    for (std::size_t i = 1; i < length; ++i) {
-        if (!continues(text[at + i])) return 1;
-    }
-    return length;
+    return firstCharacter(text.substr(at)).length;
 }
 
 std::size_t bytesOfFirst(std::string_view text, std::size_t count) {
@@ -36,6 +30,43 @@ std::size_t bytesOfFirst(std::string_view text, std::size_t count) {
 }
 
 }  // namespace
+
+Character firstCharacter(std::string_view text) {
+    constexpr Character none{noCharacter, 1};
+    constexpr char32_t shortest[] = {0, 0, 0x80, 0x800, 0x10000};
+    constexpr unsigned leadBits[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
+    const auto lead = static_cast<unsigned char>(text.front());
+    const std::size_t length = announced(lead);
+    if (length > text.size() || (length == 1 && lead >= topBit)) return none;
+    char32_t code = lead & leadBits[length];
+    for (std::size_t i = 1; i < length; ++i) {
+        if (!continues(text[i])) return none;
+        code = (code << 6U) | (static_cast<unsigned char>(text[i]) & 0x3FU);
+    }
+    const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
+    if (code < shortest[length] || surrogate || code > 0x10FFFF) return none;
+    return {code, length};
+}
+
+void appendUtf8(std::string& text, char32_t code) {
+    const auto add = [&text](char32_t byte) { text += static_cast<char>(static_cast<unsigned char>(byte)); };
+    const auto tail = [code](unsigned shift) { return 0x80 | ((code >> shift) & 0x3FU); };
+    if (code < 0x80) {
+        add(code);
+    } else if (code < 0x800) {
+        add(0xC0 | (code >> 6U));
+        add(tail(0));
+    } else if (code < 0x10000) {
+        add(0xE0 | (code >> 12U));
+        add(tail(6));
+        add(tail(0));
+    } else {
+        add(0xF0 | (code >> 18U));
+        add(tail(12));
+        add(tail(6));
+        add(tail(0));
+    }
+}
 
 std::size_t characterCount(std::string_view text) {
     std::size_t count = 0;

@@ -7,6 +7,20 @@
 
 namespace zentaq {
 
+/// One character of a text.
+struct Character {
+    char32_t code;       ///< `noCharacter` for a byte that belongs to no valid one
+    std::size_t length;  ///< in bytes
+};
+inline constexpr char32_t noCharacter = 0xFFFFFFFF;
+
+/// The character that a text begins with; the text is not empty. What is longer than needed, a surrogate or
+/// beyond the last character is none.
+Character firstCharacter(std::string_view text);
+
+/// Appends a character that is one.
+void appendUtf8(std::string& text, char32_t code);
+
 /// Characters (code points) of a UTF-8 text. A byte that belongs to no valid character counts as one.
 std::size_t characterCount(std::string_view text);
 
