@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/errors.h"
+#include "base/file_reader.h"
 #include "fuzzing.h"
 #include "live/ecu.h"
 #include "live/live_values.h"
@@ -17,7 +18,6 @@
 #include "tables/table_model.h"
 #include "unit/every_reader.h"
 #include "unit/recording_host.h"
-#include "unit/safe_file.h"
 #include "unit/unit.h"
 
 namespace zentaq::fuzzing {
@@ -96,7 +96,7 @@ inline void checkSaveAndOpen(Unit& unit, FuzzHost& host, const std::string& path
                              bool (*mayBeSeeded)(const CellMap&, int cell) = nullptr) {
     unit.BinFile(path);
     if (!doneOrRefused([&] { unit.SaveFile(); })) return require(false, "an opened calibration can be saved");
-    const std::string saved = readWholeFile(path);
+    const std::string saved = readFile(path, limits::calibration);
 
     FuzzHost otherHost;
     otherHost.firmwareIsKnownFromLink = host.firmwareIsKnownFromLink;
@@ -117,7 +117,7 @@ inline void checkSaveAndOpen(Unit& unit, FuzzHost& host, const std::string& path
     if (seeded) return;
     other.BinFile(path);
     other.SaveFile();
-    require(readWholeFile(path) == saved, "saving it once more gives the same file");
+    require(readFile(path, limits::calibration) == saved, "saving it once more gives the same file");
 }
 
 }  // namespace zentaq::fuzzing

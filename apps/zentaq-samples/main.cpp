@@ -5,15 +5,16 @@
 #include <iostream>
 #include <vector>
 
+#include "base/file_reader.h"
 #include "config/calibration_recipe.h"
-#include "unit/safe_file.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
 void makeSample(const zentaq::Database& database, const fs::path& text, const fs::path& folder) {
-    const auto recipe = zentaq::CalibrationRecipe::parse(zentaq::readWholeFile(text.string()), text.string());
+    const auto recipe = zentaq::CalibrationRecipe::parse(
+        zentaq::readFile(text.string(), zentaq::limits::calibrationText), text.string());
     const auto calibration = zentaq::makeCalibration(recipe, database);
     zentaq::Unit& unit = calibration->unit;
     unit.BinFile((folder / text.stem()).string() + std::string(unit.kind().extension));

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/shown_text.h"
 #include "help_formatter.h"
 #include "sim/simulator.h"
 
@@ -188,7 +189,12 @@ int main(int argc, char** argv) {
         constexpr int wrongUsage = 2;
         return app.exit(error) == 0 ? 0 : wrongUsage;
     }
-    if (firmwareFile) return zentaq::sim::writeFirmwareFor(options, *firmwareFile, std::cout, std::cerr);
+    // Names of files and of the unit never speak to the terminal.
+    zentaq::ShownBuffer shownOut(*std::cout.rdbuf());
+    zentaq::ShownBuffer shownError(*std::cerr.rdbuf());
+    std::ostream out(&shownOut);
+    std::ostream error(&shownError);
+    if (firmwareFile) return zentaq::sim::writeFirmwareFor(options, *firmwareFile, out, error);
     options.adapter.burst = std::chrono::milliseconds(burst);
-    return zentaq::sim::runSimulatorUntilSignal(options, std::cout, std::cerr);
+    return zentaq::sim::runSimulatorUntilSignal(options, out, error);
 }

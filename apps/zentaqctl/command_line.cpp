@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "base/number_text.h"
+#include "base/shown_text.h"
 #include "commands.h"
 #include "unit_names.h"
 
@@ -16,7 +17,7 @@ constexpr int done = 0;
 constexpr int different = 1;
 
 std::string validFirmware(const std::string& text) {
-    return parseFirmware(text) ? std::string() : text + " is no firmware such as 5.99";
+    return parseFirmware(text) ? std::string() : shownBriefly(text) + " is no firmware such as 5.99";
 }
 
 /// "-o $OUT" with nothing in OUT must not mean "write FILE itself".
@@ -25,8 +26,9 @@ std::string namedFile(const std::string& text) {
 }
 
 std::string validKind(const std::string& text) {
-    return unitKindOf(text) != nullptr ? std::string()
-                                       : text + " is no unit kind such as A, L, C, D, D6 or PZK-2";
+    return unitKindOf(text) != nullptr
+               ? std::string()
+               : shownBriefly(text) + " is no unit kind such as A, L, C, D, D6 or PZK-2";
 }
 
 const UnitKind* kindOrNone(const std::string& text) {
@@ -35,7 +37,8 @@ const UnitKind* kindOrNone(const std::string& text) {
 
 std::string validSetting(const std::string& text) {
     const auto sign = text.find('=');
-    return sign != std::string::npos && sign > 0 ? std::string() : text + " is not of the form MEMBER=VALUE";
+    return sign != std::string::npos && sign > 0 ? std::string()
+                                                 : shownBriefly(text) + " is not of the form MEMBER=VALUE";
 }
 
 /// The words behind the program's name, last one first as the parser takes them. "-.5" would be read as an
@@ -66,6 +69,9 @@ CommandLine::CommandLine()
     app_.set_version_flag("--version", ZENTAQ_VERSION);
     app_.set_help_all_flag("--help-all", "Print the help of all commands and exit");
     app_.require_subcommand(1);
+    app_.failure_message([](const CLI::App*, const CLI::Error& error) {
+        return shownError(error.what()) + "\nRun with --help for more information.\n";
+    });
     app_.footer(
         "Exit status: 0 done, 1 refused or failed (for diff also: the files differ), 2 wrong usage, 3 no "
         "unit "
@@ -90,7 +96,8 @@ Run CommandLine::parse(int argc, char** argv) {
 void CommandLine::refuseUnknownCommand(const std::string& word) const {
     if (word.empty() || word.starts_with('-')) return;
     const auto isIt = [&](const auto& each) { return each.first->get_name() == word; };
-    if (std::ranges::none_of(commands_, isIt)) throw CLI::ValidationError(word + " is no command");
+    if (std::ranges::none_of(commands_, isIt))
+        throw CLI::ValidationError(shownBriefly(word) + " is no command");
 }
 
 CLI::App* CommandLine::add(const char* name, const char* what, Run run) {
@@ -124,7 +131,12 @@ void CommandLine::addJson(CLI::App* command) {
 }
 
 CLI::Option* CommandLine::addOutput(CLI::App* command, const char* what) {
+    addForce(command);
     return command->add_option("-o,--output", given_.output, what)->check(CLI::Validator(namedFile, "FILE"));
+}
+
+CLI::Option* CommandLine::addForce(CLI::App* command) {
+    return command->add_flag("--force", given_.force, "Take the place of a file that is there already");
 }
 
 void CommandLine::addReading() {
@@ -257,18 +269,17 @@ void CommandLine::addMaking() {
     constexpr const char* models =
         "Model: \"ORB A Standard\", \"ORB A 6/12\", \"ORB AR\", \"ORB L\", "
         "PZK-2, \"ORB D\" or \"ORB C\", or a unit kind such as A";
-    CLI::App* make = add("new", "Make a new calibration of an engine, a sensor and the default values",
-                         doing([&given](const Context& context) {
-                             makeNew(context, {given.model, given.engine, given.sensor, given.settings,
-                                               given.output, given.force});
-                         }));
+    CLI::App* make =
+        add("new", "Make a new calibration of an engine, a sensor and the default values",
+            doing([&given](const Context& context) {
+                makeNew(context, {given.model, given.engine, given.sensor, given.settings, given.output});
+            }));
     make->add_option("--unit", given.model, models)->required()->check(CLI::Validator(wrongModel, "MODEL"));
     make->add_option("--engine", given.engine, "Engine, as the command engines lists it")->required();
     make->add_option("--sensor", given.sensor, "MAP sensor, as the command sensors lists it")->required();
     make->add_option("--set", given.settings, "A value that is not the default one; may be given again")
         ->allow_extra_args(false)
         ->check(CLI::Validator(validSetting, "MEMBER=VALUE"));
-    make->add_flag("--force", given.force, "Take the place of a file that is there already");
     addOutput(make, "Calibration file to write")->required();
 
     CLI::App* engines = add("engines", "List the engines, one a line, separated by tabs",

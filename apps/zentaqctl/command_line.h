@@ -63,6 +63,7 @@ class CommandLine {
     /// Writes help, version or what is wrong; answers whether that was asked for.
     bool explain(const CLI::ParseError& error) { return app_.exit(error) == 0; }
     bool json() const { return given_.json; }
+    bool force() const { return given_.force; }
 
  private:
     void refuseUnknownCommand(const std::string& word) const;
@@ -73,6 +74,7 @@ class CommandLine {
     void addIndex(CLI::App* command);
     void addJson(CLI::App* command);
     CLI::Option* addOutput(CLI::App* command, const char* what);
+    CLI::Option* addForce(CLI::App* command);
     void addReading();
     void addChanging();
     void addTable();

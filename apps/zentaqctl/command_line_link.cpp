@@ -1,5 +1,6 @@
 // The commands that speak with a unit, on the command line.
 #include "base/number_text.h"
+#include "base/shown_text.h"
 #include "command_line.h"
 #include "commands.h"
 #include "commands_link.h"
@@ -19,16 +20,17 @@ constexpr int interrupted = 128;
 std::string validPort(const std::string& text) {
     const PortChoice choice = portChoice(text);
     const bool good = !text.empty() && choice.number >= 1;
-    return good ? std::string() : "\"" + text + "\" is neither a number from 1 on nor a path";
+    return good ? std::string() : "\"" + shownBriefly(text) + "\" is neither a number from 1 on nor a path";
 }
 
 std::string validSeconds(const std::string& text) {
-    return parseNumber(text).value_or(0) > 0 ? std::string() : text + " is no time in seconds";
+    return parseNumber(text).value_or(0) > 0 ? std::string() : shownBriefly(text) + " is no time in seconds";
 }
 
 std::string validKind(const std::string& text) {
-    return unitKindOf(text) != nullptr ? std::string()
-                                       : text + " is no unit kind such as A, L, C, D, D6 or PZK-2";
+    return unitKindOf(text) != nullptr
+               ? std::string()
+               : shownBriefly(text) + " is no unit kind such as A, L, C, D, D6 or PZK-2";
 }
 
 std::string validTrace(const std::string& text) {
@@ -36,11 +38,13 @@ std::string validTrace(const std::string& text) {
 }
 
 std::string validTracedCommand(const std::string& text) {
-    return findCommand(text) != nullptr || text == "?" ? std::string() : text + " is no command of the line";
+    return findCommand(text) != nullptr || text == "?" ? std::string()
+                                                       : shownBriefly(text) + " is no command of the line";
 }
 
 std::string validMoment(const std::string& text) {
-    return parseNumber(text).value_or(-1) >= 0 ? std::string() : text + " is no time in seconds";
+    return parseNumber(text).value_or(-1) >= 0 ? std::string()
+                                               : shownBriefly(text) + " is no time in seconds";
 }
 
 /// A command of the link; where no unit is reached, or a signal ends it, scripts see another status than for
@@ -52,13 +56,13 @@ Run linking(Work&& work) {
             work(context);
             return done;
         } catch (const NoUnit& failure) {
-            context.notes << failure.what() << '\n';
+            context.notes << shownError(failure.what()) << '\n';
             return noUnit;
         } catch (const NotConfirmed& failure) {
-            context.notes << failure.what() << '\n';
+            context.notes << shownError(failure.what()) << '\n';
             return notConfirmed;
         } catch (const Interrupted& failure) {
-            context.notes << failure.what() << '\n';
+            context.notes << shownError(failure.what()) << '\n';
             return interrupted + failure.signal;
         }
     };
@@ -150,6 +154,7 @@ void CommandLine::addLinkTransfers() {
                       datalog(context, given.port, given.output, given.calibration);
                   }));
     log->add_option("OUT", given.output, "Datalog to write")->required();
+    addForce(log);
     addScaling(log, "Calibration file that scales the values and tells the log rate");
 
     CLI::App* watch = addOnPort(
@@ -159,6 +164,7 @@ void CommandLine::addLinkTransfers() {
         }));
     watch->add_option("--seconds", given.seconds, "How long")->check(CLI::Validator(validSeconds, "SECONDS"));
     watch->add_option("--log", given.log, "Record a datalog, as the flight recorder does");
+    addForce(watch);
     addScaling(watch, "Calibration file that scales the values");
     CLI::Option* csv = watch->add_flag("--csv", given.csv, "One line a frame, separated by commas");
     watch->add_flag("--json", given.json, "One line of JSON a frame")->excludes(csv);

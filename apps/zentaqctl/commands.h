@@ -66,7 +66,6 @@ struct NewCalibration {
     std::string sensor;
     std::vector<std::string> settings;  ///< "MEMBER=VALUE"
     std::string output;
-    bool force = false;  ///< take the place of a file that is there
 };
 /// What is wrong with the name of a model, with the names nearest to it; empty for a good one.
 std::string wrongModel(const std::string& text);

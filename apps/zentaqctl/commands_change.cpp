@@ -3,9 +3,11 @@
 
 #include "base/errors.h"
 #include "base/number_text.h"
+#include "base/shown_text.h"
 #include "base/text.h"
 #include "commands.h"
 #include "members.h"
+#include "outputs.h"
 
 namespace zentaq::ctl {
 
@@ -17,7 +19,7 @@ constexpr int controlBytes = 3;
 float cellNumber(const std::string& value) {
     refuseComma("cell", value);
     const auto number = parseNumber(value);
-    if (!number) throw Failure("cell: " + value + " is no number");
+    if (!number) throw Failure("cell: " + shownBriefly(value) + " is no number");
     const auto cell = static_cast<float>(*number);
     if (!std::isfinite(cell)) throw Overflow("cell: the number is too large");
     return cell;
@@ -74,6 +76,7 @@ void setCell(const Context& context, const std::string& file, int index, const s
 void image(const Context& context, const std::string& file, std::optional<FirmwareChoice> firmware,
            const std::string& output) {
     refuseSameFile(output, file);
+    refuseReplacingOther(context, output, "image", beginsWithSRecord);
     const auto calibration = openCalibration(context, file);
     Unit& unit = calibration->unit;
     if (firmware) {
@@ -86,8 +89,7 @@ void image(const Context& context, const std::string& file, std::optional<Firmwa
     try {
         unit.ConvertData();
     } catch (const Overflow&) {
-        throw Failure(file +
-                      " makes no image: Overflow: a value does not fit the bytes that the unit has for it");
+        throw Failure(file + " makes no image: a value does not fit the bytes that the unit has for it");
     } catch (const Failure& failure) {
         throw Failure(file + " makes no image: " + failure.what());
     }
@@ -98,6 +100,7 @@ void image(const Context& context, const std::string& file, std::optional<Firmwa
 void importOld(const Context& context, const std::string& file, const std::string& output) {
     refuseSameFile(output, file);
     refuseStandardOutput(output);
+    refuseReplacing(context, output, "calibration");
     const auto calibration = QuietCalibration::importOld(file, context.database);
     calibration->unit.BinFile(output);
     calibration->unit.SaveFile();

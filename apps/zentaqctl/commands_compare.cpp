@@ -10,6 +10,7 @@
 #include "config/calibration_listing.h"
 #include "config/calibration_merge.h"
 #include "config/quiet_calibration.h"
+#include "outputs.h"
 #include "unit/safe_file.h"
 
 namespace zentaq::ctl {
@@ -72,7 +73,7 @@ auto naming(const std::string& file, Work&& work) {
 
 /// The bytes of a file that is known to be a calibration.
 std::string calibrationOf(const std::string& file) {
-    std::string bytes = readInput(file);
+    std::string bytes = readInput(file, limits::calibration);
     naming(nameOf(file), [&] { return knownCalibration(bytes); });
     return bytes;
 }
@@ -143,6 +144,7 @@ bool diff(const Context& context, const std::string& first, const std::string& s
 void mergeFiles(const Context& context, const std::string& base, const std::string& first,
                 const std::string& second, const std::string& output) {
     refuseStandardOutput(output);
+    refuseReplacing(context, output, "calibration", {base, first, second});
     const std::string baseBytes = calibrationOf(base);
     std::string firstBytes = calibrationOf(first);
     std::string secondBytes = calibrationOf(second);
@@ -158,13 +160,16 @@ void mergeFiles(const Context& context, const std::string& base, const std::stri
 
 void exportText(const Context& context, const std::string& file, const std::string& output) {
     refuseSameFile(output, file);
-    writeOutput(context, output, naming(nameOf(file), [&] { return listingOf(readInput(file)); }));
+    refuseReplacingOther(context, output, "text", beginsListing);
+    writeOutput(context, output,
+                naming(nameOf(file), [&] { return listingOf(readInput(file, limits::calibration)); }));
 }
 
-void importText(const Context&, const std::string& input, const std::string& output) {
+void importText(const Context& context, const std::string& input, const std::string& output) {
     refuseStandardOutput(output);
     refuseSameFile(output, input);
-    const std::string text = readInput(input);
+    refuseReplacing(context, output, "calibration");
+    const std::string text = readInput(input, limits::calibrationText);
     writeFileSafely(output, naming(nameOf(input), [&] { return fileFromListing(text); }));
 }
 

@@ -9,6 +9,7 @@
 #include "base/errors.h"
 #include "base/json_writer.h"
 #include "base/number_text.h"
+#include "base/shown_text.h"
 #include "base/text.h"
 #include "commands.h"
 #include "link/link_commands.h"
@@ -36,7 +37,7 @@ int digitOf(char character) {
     if (character >= '0' && character <= '9') return character - '0';
     if (character >= 'a' && character <= 'f') return character - 'a' + 10;
     if (character >= 'A' && character <= 'F') return character - 'A' + 10;
-    throw Failure(std::string("The reply is not hexadecimal: ") + character);
+    throw Failure("The reply is not hexadecimal: " + shownLine({&character, 1}));
 }
 
 bool isBlank(char character) {
@@ -224,7 +225,7 @@ void decode(const Context& context, const UnitKind* kind, char reply, const std:
             const std::string& file) {
     const auto calibration = scalingFor(context, kind, file);
     Unit& unit = calibration->unit;
-    const Bytes bytes = bytesOf(hex == "-" ? readInput(hex) : hex);
+    const Bytes bytes = bytesOf(hex == "-" ? readInput(hex, limits::reply) : hex);
     // Before the length: a kind without such a reply has no length for it either.
     const bool isFrame = std::string_view("FWID").find(reply) != std::string_view::npos;
     if (isFrame && !contentOfFrame(unit.kind(), reply)) {
@@ -240,7 +241,7 @@ void decode(const Context& context, const UnitKind* kind, char reply, const std:
     if (reply == 'T') findings = codes(unit, bytes);
     if (context.json) return writeJson(context.out, unit.kind(), reply, findings);
     for (const Finding& found : findings)
-        context.out << found.name << '=' << std::visit(AsText{}, found.value) << '\n';
+        context.out << found.name << '=' << shownLine(std::visit(AsText{}, found.value)) << '\n';
 }
 
 }  // namespace zentaq::ctl

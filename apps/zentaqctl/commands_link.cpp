@@ -6,6 +6,7 @@
 
 #include "base/errors.h"
 #include "base/json_writer.h"
+#include "base/shown_text.h"
 #include "base/text.h"
 #include "link_desk.h"
 #include "live/check_engine.h"
@@ -60,8 +61,8 @@ void listPorts(const Context& context) {
     if (!context.json) {
         context.out << "Port\tDevice\tDescription\tIdentity\n";
         for (const PortInfo& port : ports) {
-            context.out << port.number << '\t' << port.device << '\t' << port.description << '\t'
-                        << port.identity << '\n';
+            context.out << port.number << '\t' << shownLine(port.device) << '\t'
+                        << shownLine(port.description) << '\t' << shownLine(port.identity) << '\n';
         }
         return;
     }
@@ -82,10 +83,11 @@ void identify(const Context& context, const std::string& port) {
     desk.findAnyUnit();
     if (context.json) return writeIdentity(context, desk);
     const LinkedUnit& linked = desk.link().linked();
-    context.out << desk.unitName() << " (" << desk.link().status().unitLabel << ") on " << desk.portName();
+    context.out << desk.unitName() << " (" << shownLine(desk.link().status().unitLabel) << ") on "
+                << desk.portName();
     if (linked.UnitIdentified) {
-        context.out << ", firmware " << desk.session().linkedUnit().FirmWare() << ", calibration \""
-                    << trimmed(linked.UnitBinName) << '"';
+        context.out << ", firmware " << shownLine(desk.session().linkedUnit().FirmWare())
+                    << ", calibration \"" << shownLine(trimmed(linked.UnitBinName)) << '"';
     } else {
         context.out << ", must be upgraded";
     }

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <fstream>
 #include <limits>
 #include <ostream>
 
@@ -16,6 +15,7 @@
 #include "link_texts.h"
 #include "live/frame_decoder.h"
 #include "live/live_fields.h"
+#include "outputs.h"
 
 namespace zentaq::ctl {
 
@@ -131,13 +131,6 @@ class TimedPort {
     FrameTiming timing_;
 };
 
-std::unique_ptr<std::ofstream> openLog(const std::string& file) {
-    if (file.empty()) return nullptr;
-    auto log = std::make_unique<std::ofstream>(file, std::ios::binary | std::ios::trunc);
-    if (!*log) throw FileError("Cannot write " + file);
-    return log;
-}
-
 HeadlessMonitor::Wishes wishesOf(const Context& context, const MonitorWish& wish, FrameWriter& writer,
                                  std::ostream* log) {
     HeadlessMonitor::Wishes wishes;
@@ -170,9 +163,18 @@ void requireFrames(Ending ending, int frames, const std::string& log) {
     }
 }
 
+/// Before anything is asked of a unit.
+void refuseLosses(const Context& context, const MonitorWish& wish) {
+    if (wish.log.empty()) return;
+    refuseSameFile(wish.log, wish.calibration);
+    refuseSameFile(wish.log, context.trace);
+    refuseReplacing(context, wish.log, "datalog");
+}
+
 }  // namespace
 
 void monitor(const Context& context, const std::string& port, const MonitorWish& wish) {
+    refuseLosses(context, wish);
     std::unique_ptr<QuietCalibration> calibration;
     if (!wish.calibration.empty()) {
         calibration = openCalibration(context, wish.calibration);
@@ -186,7 +188,7 @@ void monitor(const Context& context, const std::string& port, const MonitorWish&
     if (calibration && unit.kind().slot != calibration->unit.kind().slot)
         throw Failure(std::string(incorrectUnit));
 
-    const auto log = openLog(wish.log);
+    const auto log = wish.log.empty() ? nullptr : openGrowing(context, wish.log, "datalog");
     forget(desk.session().live());
     FrameWriter writer(context.out, desk.session().live(),
                        fieldsOf(unit.kind(), desk.link().linked().WideMonitor));

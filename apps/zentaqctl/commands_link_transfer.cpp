@@ -7,11 +7,13 @@
 #include <system_error>
 
 #include "base/errors.h"
+#include "base/file_reader.h"
 #include "base/number_text.h"
 #include "base/text.h"
 #include "commands_link.h"
 #include "link_desk.h"
 #include "link_texts.h"
+#include "outputs.h"
 #include "unit/safe_file.h"
 
 namespace zentaq::ctl {
@@ -156,6 +158,9 @@ void program(const Context& context, const std::string& port, const std::string&
 void datalog(const Context& context, const std::string& port, const std::string& output,
              const std::string& file) {
     refuseUnwritable(output);
+    refuseReplacing(context, output, "datalog");
+    refuseSameFile(output, context.trace);
+    refuseSameFile(output, file);
     std::unique_ptr<CalibrationInHand> calibration;
     if (!file.empty()) calibration = std::make_unique<CalibrationInHand>(context, file);
     QuietHost host(context.database);
@@ -173,7 +178,8 @@ void datalog(const Context& context, const std::string& port, const std::string&
                           desk.signal());
     }
     if (end.ending != Ending::Done) throw Failure(whyNotDownloaded(end));
-    writeFileSafely(output, readWholeFile(fresh));
+    refuseReplacing(context, output, "datalog");  // minutes have passed
+    writeFileSafely(output, readFile(fresh, limits::datalog));
     context.out << desk.unitName() << ": " << downloaded << " (" << end.lines << " records in " << output
                 << ")\n";
 }

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <filesystem>
 #include <iterator>
 #include <ostream>
 
@@ -10,6 +9,7 @@
 #include "base/json_writer.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
+#include "base/shown_text.h"
 #include "base/text.h"
 #include "commands.h"
 #include "config/basic_figures.h"
@@ -17,6 +17,7 @@
 #include "config/new_calibration.h"
 #include "members.h"
 #include "near_names.h"
+#include "outputs.h"
 #include "unit/legacy_sensor.h"
 #include "unit_names.h"
 
@@ -67,7 +68,8 @@ const Row& rowNamed(const std::vector<Row>& rows, std::string Row::*name, const 
     std::vector<std::string> names;
     std::ranges::transform(rows, std::back_inserter(names), name);
     const int place = placeOf(names, wanted);
-    if (place < 0) throw Failure("There is no " + what + " \"" + wanted + '"' + suggestion(names, wanted));
+    if (place < 0)
+        throw Failure("There is no " + what + " \"" + shownBriefly(wanted) + '"' + suggestion(names, wanted));
     return rows[static_cast<std::size_t>(place)];
 }
 
@@ -155,12 +157,6 @@ void putFigures(QuietCalibration& calibration, const std::vector<Setting>& setti
     if (sizing) unit.store("INJ_FlowRate", static_cast<float>(numberOf(flowText(sizing->InjectorFlow))));
 }
 
-void refuseOverwriting(const NewCalibration& wanted) {
-    std::error_code error;
-    if (wanted.force || !std::filesystem::exists(wanted.output, error)) return;
-    throw Failure(wanted.output + " is there already; --force puts the new calibration in its place");
-}
-
 // ---- Lists
 
 std::string modelOfEngine(const UnitKind& kind, const EngineRow& engine) {
@@ -180,7 +176,7 @@ struct ListedEngine {
 };
 
 void writeText(std::ostream& out, const ListedEngine& engine) {
-    out << modelOfEngine(engine.kind, engine.row) << '\t' << engine.row.displayValue << '\t'
+    out << modelOfEngine(engine.kind, engine.row) << '\t' << shownLine(engine.row.displayValue) << '\t'
         << engine.row.optType << '\t' << numberText(engine.row.cylinders) << '\t'
         << numberText(engine.row.ignRev) << '\t' << injectionOf(engine.kind, engine.row) << '\t'
         << numberText(engine.row.minOffset) << " to " << numberText(engine.row.maxOffset) << '\n';
@@ -204,7 +200,7 @@ float pressureAt(const MapSensorRow& sensor, double volts) {
 constexpr double fullVolts = 5;
 
 void writeText(std::ostream& out, const MapSensorRow& sensor) {
-    out << sensor.id << '\t' << sensor.description << '\t' << numberText(sensor.scale) << '\t'
+    out << sensor.id << '\t' << shownLine(sensor.description) << '\t' << numberText(sensor.scale) << '\t'
         << numberText(sensor.offset) << '\t' << pressureUnitsOf(sensor.units) << '\t'
         << numberText(pressureAt(sensor, 0)) << '\t' << numberText(pressureAt(sensor, fullVolts)) << '\n';
 }
@@ -236,12 +232,12 @@ std::string wrongModel(const std::string& text) {
     if (modelNamed(text).kind != nullptr) return {};
     std::vector<std::string> names;
     for (const ModelEntry& entry : modelEntries()) names.emplace_back(entry.name);
-    return text + " is no unit model" + suggestion(names, text);
+    return shownBriefly(text) + " is no unit model" + suggestion(names, text);
 }
 
 void makeNew(const Context& context, const NewCalibration& wanted) {
     refuseStandardOutput(wanted.output);
-    refuseOverwriting(wanted);
+    refuseReplacing(context, wanted.output, "calibration");
     const Model model = modelNamed(wanted.model);
     const std::vector<Setting> settings = settingsOf(wanted, *model.kind);
     const Database& database = referenceOf(context);

@@ -6,6 +6,7 @@
 #include "base/errors.h"
 #include "base/json_writer.h"
 #include "base/number_text.h"
+#include "base/shown_text.h"
 #include "base/text.h"
 #include "commands.h"
 #include "members.h"
@@ -42,7 +43,7 @@ void writeText(std::ostream& out, const FileFacts& facts) {
         << "Version:  " << facts.version() << '\n'
         << "Firmware: " << numberText(facts.header.firmwareCode) << " (release " << facts.unit.FW_Release()
         << ", build " << facts.unit.FW_Build() << ")\n"
-        << "Name:     " << facts.name() << '\n'
+        << "Name:     " << shownLine(facts.name()) << '\n'
         << "Floats:   " << facts.floats() << facts.shortness() << '\n'
         << "Bytes:    " << facts.bytes << '\n'
         << "Notes:    " << facts.unit.NOTES_TEXT() << '\n';
@@ -146,13 +147,13 @@ void writeAll(const Context& context, const Member& member, Unit& unit) {
     if (!context.json) {
         for (int i = 0; i < member.count; ++i) {
             const bool last = (i + 1) % member.columns == 0;
-            context.out << textOf(member.read(unit, i)) << (last ? '\n' : ' ');
+            context.out << textOf(readMember(unit, member, i)) << (last ? '\n' : ' ');
         }
         return;
     }
     JsonWriter json(context.out);
     json.beginObject().member("member", std::string_view(member.name)).key("values").beginArray();
-    for (int i = 0; i < member.count; ++i) writeValue(json, member.read(unit, i));
+    for (int i = 0; i < member.count; ++i) writeValue(json, readMember(unit, member, i));
     json.endArray().endObject();
     context.out << '\n';
 }
@@ -190,7 +191,7 @@ void get(const Context& context, const std::string& file, const std::string& nam
     const Member member = memberOf(unit.kind(), name);
     if (!index && member.count > 1) return writeAll(context, member, unit);
     checkElement(member, index.value_or(0));
-    writeElement(context, member, index, member.read(unit, index.value_or(0)));
+    writeElement(context, member, index, readMember(unit, member, index.value_or(0)));
 }
 
 void checkCell(int index) {

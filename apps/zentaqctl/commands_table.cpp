@@ -256,7 +256,7 @@ void setTable(const Context& context, const std::string& file, const std::string
     refuseSameFile(output.empty() ? file : output, input);
     Change change(context, file, output);
     TableView table(change.calibration(), name);
-    TableInput(table, input, readInput(input)).apply();
+    TableInput(table, input, readInput(input, limits::table)).apply();
     change.save();
 }
 

@@ -4,6 +4,7 @@
 
 #include "base/json_writer.h"
 #include "base/number_text.h"
+#include "base/shown_text.h"
 #include "commands.h"
 #include "link/trace_file.h"
 
@@ -100,7 +101,7 @@ void writeSummary(std::ostream& out, const TraceFile& trace, const TraceSummary&
         << many(summary.lines, "line", "lines") << " in " << tenths(summary.seconds) << " s";
     writeFrames(out, summary);
     out << '\n';
-    for (const std::string& unit : summary.units) out << "Unit: " << unit << '\n';
+    for (const std::string& unit : summary.units) out << "Unit: " << shownLine(unit) << '\n';
     if (!summary.commands.empty()) writeCommands(out, summary);
     writeProblems(out, summary);
 }

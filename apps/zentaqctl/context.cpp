@@ -1,13 +1,15 @@
 #include "context.h"
 
+#include <unistd.h>
+
 #include <filesystem>
-#include <iostream>
-#include <iterator>
 #include <ostream>
 #include <system_error>
 
 #include "base/errors.h"
+#include "base/shown_text.h"
 #include "base/text.h"
+#include "outputs.h"
 #include "unit/safe_file.h"
 
 namespace zentaq::ctl {
@@ -28,20 +30,21 @@ std::unique_ptr<QuietCalibration> openCalibration(const Context& context, const 
         return QuietCalibration::open(file, context.database);
     } catch (const FileError&) {
         throw;  // names the file
-    } catch (const Overflow&) {
-        throw Failure(file + ": Overflow: the file is damaged, it holds a number out of all range");
+    } catch (const Overflow& failure) {
+        throw Failure(file + ": the file is damaged, it holds a number out of all range. " + failure.what());
     } catch (const Failure& failure) {
         throw Failure(file + ": " + failure.what());
     }
 }
 
 void tell(const Context& context, const QuietHost& host) {
-    for (const std::string& text : host.told()) context.notes << text << '\n';
+    for (const std::string& text : host.told()) context.notes << shownError(text) << '\n';
 }
 
 Change::Change(const Context& context, const std::string& file, const std::string& output)
     : context_(context) {
     refuseStandardOutput(output);
+    refuseReplacing(context, output, "calibration", {file});
     calibration_ = openCalibration(context, file);
     calibration_->unit.BinFile(output.empty() ? file : output);
 }
@@ -51,16 +54,14 @@ void Change::save() {
     tell(context_, calibration_->host);
 }
 
-std::string readInput(const std::string& file) {
-    if (file != standardStream) return readWholeFile(file);
-    std::string content(std::istreambuf_iterator<char>(std::cin), {});
-    if (std::cin.bad()) throw FileError("Cannot read the standard input");
-    return content;
+std::string readInput(const std::string& file, const FileLimit& limit) {
+    if (file == standardStream) return readStream(STDIN_FILENO, "the standard input", limit);
+    return readFile(file, limit);
 }
 
 void writeOutput(const Context& context, const std::string& file, std::string_view content) {
     if (file.empty() || file == standardStream) {
-        context.out << content;
+        context.data << content;
     } else {
         writeFileSafely(file, content);
     }

@@ -6,18 +6,22 @@
 #include <string>
 #include <string_view>
 
+#include "base/file_reader.h"
 #include "config/quiet_calibration.h"
 #include "config/quiet_host.h"
 
 namespace zentaq::ctl {
 
+/// What is written to `out` and `notes` reaches a terminal only as it may be shown.
 struct Context {
     DatabaseSource
         database;  ///< opened when it is first asked for; without it engines and sensors are unknown
     std::ostream& out;
     std::ostream& notes;  ///< what a user must know though the command was done
+    std::ostream& data;   ///< the standard output for text that is read back: nothing is escaped
     bool json = false;
-    std::string trace;  ///< file for the wire trace of a command of the link; empty for none
+    bool force = false;  ///< a file that is there already may be replaced
+    std::string trace;   ///< file for the wire trace of a command of the link; empty for none
 };
 
 std::unique_ptr<QuietCalibration> openCalibration(const Context& context, const std::string& file);
@@ -40,7 +44,7 @@ class Change {
 };
 
 /// The whole of a file; "-" is the standard input.
-std::string readInput(const std::string& file);
+std::string readInput(const std::string& file, const FileLimit& limit);
 /// To a file, or to the standard output where the name is "-" or empty.
 void writeOutput(const Context& context, const std::string& file, std::string_view content);
 /// Throws Failure for "-" as the name of a calibration to write.

@@ -7,6 +7,7 @@
 #include <ostream>
 
 #include "base/number_text.h"
+#include "base/shown_text.h"
 #include "link_texts.h"
 #include "platform/posix_ports.h"
 #include "platform/runtime_folder.h"
@@ -38,7 +39,7 @@ ProgressLine::ProgressLine(int descriptor) : out_(descriptor), terminal_(::isatt
 void ProgressLine::show(const LinkStatus& status) {
     if (!terminal_) return;
     if (!status.progressVisible) return clear();
-    const std::string text = status.title + " " + status.progressText;
+    const std::string text = shownLine(status.title + " " + status.progressText);
     if (text == shown_) return;
     out_.write(std::string(clearLine) + text);
     shown_ = text;
@@ -52,7 +53,7 @@ void ProgressLine::clear() {
 
 void ProgressLine::note(const std::string& text) {
     clear();
-    out_.write(text + "\n");
+    out_.write(shownError(text) + "\n");
 }
 
 // ---- Desk
@@ -81,9 +82,7 @@ LinkDesk::LinkDesk(const Context& context, const std::string& port, UnitHost& un
 
 void LinkDesk::beginTrace() {
     if (context_.trace.empty()) return;
-    trace_.onFailure([this](const std::string& why) {
-        progress_.note("The trace has ended: " + why);
-    });
+    trace_.onFailure([this](const std::string& why) { progress_.note("The trace has ended: " + why); });
     trace_.start(context_.trace);
     port_.watch(trace_);
 }

@@ -3,8 +3,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <iostream>
@@ -12,6 +10,7 @@
 #include <string>
 
 #include "base/errors.h"
+#include "base/shown_text.h"
 #include "command_line.h"
 
 namespace {
@@ -42,25 +41,53 @@ class ReferenceData {
     std::optional<zentaq::Database> database_;
 };
 
-std::string onOneLine(std::string text) {
-    std::ranges::replace(text, '\n', ' ');
-    return text;
-}
+/// Stands between a standard stream and its terminal while it lives: nothing that a file, a unit or the
+/// command line brought along speaks to the terminal.
+class ShownStream {
+ public:
+    explicit ShownStream(std::ostream& stream)
+        : stream_(stream), own_(*stream.rdbuf()), shown_(own_), plain_(&own_) {
+        stream_.rdbuf(&shown_);
+    }
+    ~ShownStream() { stream_.rdbuf(&own_); }
+    ShownStream(const ShownStream&) = delete;
+    ShownStream& operator=(const ShownStream&) = delete;
+
+    std::ostream& stream() { return stream_; }
+    /// Past all that.
+    std::ostream& plain() { return plain_; }
+
+ private:
+    std::ostream& stream_;
+    std::streambuf& own_;
+    zentaq::ShownBuffer shown_;
+    std::ostream plain_;
+};
+
+struct Streams {
+    ShownStream out{std::cout};
+    ShownStream error{std::cerr};
+};
 
 /// Runs one command under the policy "ends at the first failure, told in one line".
-int runCommand(const zentaq::ctl::Run& command, bool json) {
+int runCommand(const zentaq::ctl::Run& command, const zentaq::ctl::CommandLine& line, Streams& streams) {
     ReferenceData reference;
-    const zentaq::ctl::Context context{zentaq::DatabaseSource([&] { return reference.get(); }), std::cout,
-                                       std::cerr, json};
+    const zentaq::ctl::Context context{.database = zentaq::DatabaseSource([&] { return reference.get(); }),
+                                       .out = streams.out.stream(),
+                                       .notes = streams.error.stream(),
+                                       .data = streams.out.plain(),
+                                       .json = line.json(),
+                                       .force = line.force()};
     int status = refusedOrFailed;
     zentaq::endOnFailure(
         [&] {
             const int outcome = command(context);
-            std::cout.flush();
-            if (!std::cout) throw zentaq::Failure("Cannot write to the standard output");
+            context.out.flush();
+            context.data.flush();
+            if (!context.out || !context.data) throw zentaq::Failure("Cannot write to the standard output");
             status = outcome;
         },
-        [](const std::string& why) { std::cerr << onOneLine(why) << '\n'; });
+        [&](const std::string& why) { context.notes << zentaq::shownError(why) << '\n'; });
     return status;
 }
 
@@ -76,10 +103,11 @@ void fillStandardStreams() {
 
 int runProgram(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
+    Streams streams;
     zentaq::ctl::CommandLine commandLine;
     try {
         const auto command = commandLine.parse(argc, argv);
-        return runCommand(command, commandLine.json());
+        return runCommand(command, commandLine, streams);
     } catch (const CLI::ParseError& error) {
         return commandLine.explain(error) ? done : wrongUsage;
     }
@@ -92,8 +120,7 @@ int main(int argc, char** argv) {
     try {
         return runProgram(argc, argv);
     } catch (const std::exception& failure) {
-        std::fputs(failure.what(), stderr);
-        std::fputc('\n', stderr);
+        std::cerr << zentaq::shownError(zentaq::textOfFailure(failure)) << '\n';
         return refusedOrFailed;
     }
 }

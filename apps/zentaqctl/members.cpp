@@ -9,6 +9,7 @@
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
+#include "base/shown_text.h"
 #include "base/text.h"
 #include "config/gui_rules.h"
 #include "near_names.h"
@@ -366,7 +367,7 @@ void addStops(std::vector<Member>& members, const UnitKind& kind, const std::str
                  numberFrom(calibration.host, table + "." + axis, value);
                  if (setTableHeader(calibration.unit, table, axis, element, value)) return;
                  throw Refused(calibration.host.refusals().empty()
-                                   ? table + "." + axis + " does not take " + value
+                                   ? table + "." + axis + " does not take " + shownBriefly(value)
                                    : calibration.host.refusals().back());
              }});
 }
@@ -445,7 +446,7 @@ Member memberOf(const UnitKind& kind, const std::string& name) {
         if (member.name == bare) return std::move(member);
     }
     const std::string near = nearName(kind, name);
-    throw NoSuchMember(std::string(kind.model) + " has no member " + name +
+    throw NoSuchMember(std::string(kind.model) + " has no member " + shownBriefly(name) +
                        (near.empty() ? std::string() : "; did you mean " + near + "?"));
 }
 
@@ -463,9 +464,19 @@ void checkElement(const Member& member, int element) {
     throw BoundsError("Subscript out of range: " + member.name + elements);
 }
 
+Value readMember(Unit& unit, const Member& member, int element) {
+    try {
+        return member.read(unit, element);
+    } catch (const Failure& failure) {
+        throw Failure(member.name + (member.count == 1 ? "" : "[" + numberText(element) + "]") +
+                      " cannot be shown: " + failure.what() + ". The command cell shows and mends raw cells");
+    }
+}
+
 void refuseComma(const std::string& what, const std::string& value) {
     if (value.find(',') == std::string::npos) return;
-    throw Failure(what + ": " + value + " has a comma; decimals are written with a point, such as 12.5");
+    throw Failure(what + ": " + shownBriefly(value) +
+                  " has a comma; decimals are written with a point, such as 12.5");
 }
 
 void writeMember(QuietCalibration& calibration, const Member& member, const std::string& value, int element) {

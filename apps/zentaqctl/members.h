@@ -49,6 +49,9 @@ std::vector<Member> membersOf(const UnitKind& kind);
 /// Throws BoundsError where a member has no such element.
 void checkElement(const Member& member, int element);
 
+/// Reads an element. A cell out of all range is told with the member and the element.
+Value readMember(Unit& unit, const Member& member, int element);
+
 /// Checks and writes. Throws Refused, NoSuchMember where the member cannot be set, BoundsError, and Failure
 /// for a decimal comma.
 void writeMember(QuietCalibration& calibration, const Member& member, const std::string& value, int element);

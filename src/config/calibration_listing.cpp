@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/number_text.h"
+#include "base/shown_text.h"
 #include "base/text.h"
 #include "config/calibration_cells.h"
 #include "unit/gpio_functions.h"
@@ -240,7 +241,7 @@ class Writer {
 // ---- Reading
 
 [[noreturn]] void fail(int line, const std::string& what) {
-    throw ListingError("line " + numberText(line) + ": " + what);
+    throw ListingError("line " + numberText(line) + ": " + shownError(what));
 }
 
 struct Statement {
@@ -524,6 +525,10 @@ class Reader {
 std::string listingOf(std::string_view fileBytes) {
     const CalibrationBytes file = CalibrationBytes::of(fileBytes);
     return Writer(file).text();
+}
+
+bool beginsListing(std::string_view text) {
+    return text.starts_with(titleHead);
 }
 
 std::string fileFromListing(std::string_view text) {

@@ -21,6 +21,9 @@ class ListingError : public Failure {
 /// Failure when the file ends inside its header.
 std::string listingOf(std::string_view fileBytes);
 
+/// Whether a text begins as a listing does.
+bool beginsListing(std::string_view text);
+
 /// The file that a listing tells: fileFromListing(listingOf(bytes)) == bytes for every file.
 /// Throws ListingError on the first line that is wrong, and when a value is missing.
 std::string fileFromListing(std::string_view text);

@@ -7,6 +7,8 @@
 
 #include "base/errors.h"
 #include "base/number_text.h"
+#include "base/shown_text.h"
+#include "base/utf8.h"
 #include "config/calibration_cells.h"
 
 namespace zentaq {
@@ -27,32 +29,6 @@ std::optional<char32_t> characterOf(CellBits bits) {
     return character;
 }
 
-/// Whether an editor shows it and leaves it alone: no control character, no line end, nothing without width.
-bool isVisible(char32_t c) {
-    if (c < 0x20 || (c >= 0x7F && c < 0xA0) || c == 0xAD || c == 0xFEFF) return false;
-    return !((c >= 0x200B && c <= 0x200F) || (c >= 0x2028 && c <= 0x202E) || (c >= 0x2060 && c <= 0x206F));
-}
-
-void appendUtf8(std::string& text, char32_t c) {
-    const auto add = [&text](char32_t byte) { text += static_cast<char>(static_cast<std::uint8_t>(byte)); };
-    const auto tail = [c](unsigned shift) { return 0x80 | ((c >> shift) & 0x3FU); };
-    if (c < 0x80) {
-        add(c);
-    } else if (c < 0x800) {
-        add(0xC0 | (c >> 6U));
-        add(tail(0));
-    } else if (c < 0x10000) {
-        add(0xE0 | (c >> 12U));
-        add(tail(6));
-        add(tail(0));
-    } else {
-        add(0xF0 | (c >> 18U));
-        add(tail(12));
-        add(tail(6));
-        add(tail(0));
-    }
-}
-
 struct Escape {
     char letter;
     char32_t character;
@@ -66,7 +42,7 @@ void appendQuoted(std::string& text, char32_t c) {
         text += escape.letter;
         return;
     }
-    if (isVisible(c)) {
+    if (isShownAsItIs(c)) {
         appendUtf8(text, c);
     } else {
         text += "\\{" + std::to_string(static_cast<std::uint32_t>(c)) + "}";

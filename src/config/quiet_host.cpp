@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "base/number_text.h"
+#include "base/shown_text.h"
 #include "base/text.h"
 #include "config/engine_facts.h"
 
@@ -94,7 +95,8 @@ void setOrThrow(Unit& unit, QuietHost& host, std::string_view member, const Entr
         if (!std::isfinite(value.number())) throw Overflow(name + ": the number is too large");
         if (unit.write(*row, value, element)) return;
     }
-    if (host.refusals().size() == before) throw Refused(name + " does not take " + value.text());
+    if (host.refusals().size() == before)
+        throw Refused(name + " does not take " + shownBriefly(value.text()));
     throw Refused(host.refusals().back());
 }
 

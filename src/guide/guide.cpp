@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <cctype>
-#include <fstream>
 #include <optional>
 
 #include "base/errors.h"
+#include "base/file_reader.h"
 #include "base/text.h"
 
 namespace zentaq {
@@ -113,6 +113,13 @@ std::string bestSentence(const GuideSection& section, const std::vector<std::str
     return best;
 }
 
+/// Without what stands behind the last line end, where that is nothing.
+std::vector<std::string> linesOf(const std::string& text) {
+    std::vector<std::string> lines = split(text, '\n');
+    if (lines.back().empty()) lines.pop_back();
+    return lines;
+}
+
 GuideSection sectionOf(const std::string& line, const std::string& file) {
     constexpr std::size_t fixedFields = 4;
     std::vector<std::string> fields = split(line, '\t');
@@ -132,10 +139,12 @@ GuideSection sectionOf(const std::string& line, const std::string& file) {
 
 Guide Guide::read(const std::string& folder) {
     const std::string path = folder + "/" + indexName;
-    std::ifstream file(path);
-    if (!file) throw FileError("The user guide is not at " + folder);
+    std::string text;
+    endOnFailure(
+        [&] { text = readFile(path, limits::guideIndex); },
+        [&](const std::string& why) { throw FileError("The user guide is not at " + folder + ". " + why); });
     std::vector<GuideSection> sections;
-    for (std::string line; std::getline(file, line);) sections.push_back(sectionOf(line, path));
+    for (const std::string& line : linesOf(text)) sections.push_back(sectionOf(line, path));
     if (sections.empty()) throw FileError(path + " is empty");
     return Guide(std::move(sections));
 }
@@ -190,8 +199,9 @@ std::vector<std::string> searchWords(std::string_view text) {
 std::string guideFolder(const std::string& applicationFolder) {
     constexpr std::string_view head = "Start page: ";
     const std::string support = applicationFolder + "/support";
-    std::ifstream entry(support + "/MAIN.hlp");
-    for (std::string line; std::getline(entry, line);) {
+    std::string entry;
+    skipFailing([&] { entry = readFile(support + "/MAIN.hlp", limits::helpEntry); });
+    for (const std::string& line : linesOf(entry)) {
         if (!line.starts_with(head)) continue;
         const std::string page(trimmed(std::string_view(line).substr(head.size())));
         const auto slash = page.rfind('/');

@@ -1,11 +1,10 @@
 #include "link/firmware_file.h"
 
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <optional>
 
 #include "base/errors.h"
+#include "base/file_reader.h"
 #include "unit/unit_kind.h"
 
 namespace zentaq {
@@ -116,16 +115,11 @@ FirmwareFile checkFirmware(std::string_view text) {
 
 std::string readFirmwareFile(const std::string& path) {
     std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error)) throw FileError("Cannot open " + path);
     const auto size = std::filesystem::file_size(path, error);
-    if (error) throw FileError("Cannot read " + path);
-    if (size > largestFirmwareFile) throw FileError(path + " is too large for a firmware");
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw FileError("Cannot open " + path);
-    std::string text(static_cast<std::size_t>(size), '\0');
+    std::string text = readFile(path, limits::firmware);
     // A file that grows or shrinks while it is read is being written: none that anybody should send.
-    if (!file.read(text.data(), static_cast<std::streamsize>(size)) || file.get() != EOF) {
-        throw FileError("Cannot read " + path);
+    if (error || size != text.size() || std::filesystem::file_size(path, error) != size) {
+        throw FileError("Cannot read " + path + ": it is being written");
     }
     return text;
 }

@@ -14,9 +14,6 @@ struct FirmwareFile {
     int dataBytes = 0;  ///< bytes that the data records bring to the unit
 };
 
-/// The largest file that is taken for a firmware, in bytes.
-inline constexpr std::size_t largestFirmwareFile = std::size_t{16} << 20;
-
 /// Looks at the text of a firmware file. Lines end in CR LF or LF; the last one may lack its end.
 /// Throws Failure with the number of the first bad line, counted from 1, and what is wrong with it. An empty
 /// text, one without data and one that does not end in its only end record (S7, S8 or S9) are refused too.

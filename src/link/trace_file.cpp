@@ -1,15 +1,13 @@
 #include "link/trace_file.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cmath>
-#include <filesystem>
-#include <fstream>
 #include <iterator>
-#include <system_error>
 
 #include "base/errors.h"
+#include "base/file_reader.h"
 #include "base/number_text.h"
+#include "base/shown_text.h"
 #include "base/text.h"
 #include "link/trace_store.h"
 
@@ -19,6 +17,8 @@ namespace {
 
 /// Frames further apart do not belong to one run of them.
 constexpr double longestGapMs = 1000;
+/// More than the longest file has of the shortest lines that are ever written.
+constexpr std::size_t mostLines = 1'000'000;
 /// How a reply in several lumps is told.
 constexpr std::string_view lumpsWord = " lumps";
 
@@ -40,7 +40,7 @@ TakenLine takeLine(std::string_view& rest) {
 bool takeHeadLine(TraceFile& trace, std::string_view text) {
     const auto blank = text.find(' ');
     const std::string_view name = text.substr(0, blank);
-    const std::string value = plainLine(trimmed(blank == std::string_view::npos ? "" : text.substr(blank)));
+    const std::string value = shownLine(trimmed(blank == std::string_view::npos ? "" : text.substr(blank)));
     if (name == "program") {
         trace.program = value;
     } else if (name == "begun") {
@@ -59,6 +59,7 @@ void takeEvent(TraceFile& trace, const TakenLine& line) {
     if (auto event = parseTraceLine(line.text)) {
         // A program that opens its port later than its trace knows none in the head.
         if (event->text.starts_with(portOpened)) trace.port = event->text.substr(portOpened.size());
+        if (trace.lines.size() == mostLines) throw FileError("has too many lines for a wire trace");
         trace.lines.push_back(std::move(*event));
     } else if (line.ended) {
         ++trace.unknownLines;
@@ -68,17 +69,9 @@ void takeEvent(TraceFile& trace, const TakenLine& line) {
 }
 
 std::string contentOf(const std::string& path) {
-    std::error_code error;
-    if (std::filesystem::is_directory(path, error)) throw FileError(path + ": is a folder");
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw FileError(path + ": " + std::generic_category().message(errno));
-    std::string head(traceMagic.size(), '\0');
-    file.read(head.data(), static_cast<std::streamsize>(head.size()));
-    head.resize(static_cast<std::size_t>(file.gcount()));
-    // A film or a disk image is not read to its end.
-    if (head != traceMagic) return head;
-    head.append(std::istreambuf_iterator<char>(file), {});
-    return head;
+    // A film or a disk image is not called too long, but what it is.
+    std::string head = readFileStart(path, traceMagic.size());
+    return head == traceMagic ? readFile(path, limits::trace) : head;
 }
 
 /// The half in front of `trace`, where it stands beside it.
@@ -224,9 +217,8 @@ TraceFile parseTrace(std::string_view content) {
 TraceFile readTrace(const std::string& path) {
     const std::string content = contentOf(path);
     TraceFile trace;
-    if (!endOnFailure([&] { trace = parseTrace(content); }, [](const std::string&) {})) {
-        throw FileError(path + ": is no wire trace");
-    }
+    endOnFailure([&] { trace = parseTrace(content); },
+                 [&](const std::string& why) { throw FileError(path + ": " + why); });
     if (auto older = olderHalf(path, trace)) {
         trace.lines.insert(trace.lines.begin(), std::make_move_iterator(older->lines.begin()),
                            std::make_move_iterator(older->lines.end()));

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "base/shown_text.h"
+
 namespace zentaq {
 
 namespace {
@@ -119,15 +121,6 @@ std::string hexBytes(std::string_view bytes) {
     return text;
 }
 
-std::string plainLine(std::string_view text) {
-    std::string plain(text);
-    for (char& character : plain) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (byte < 0x20 || byte == 0x7F) character = ' ';
-    }
-    return plain;
-}
-
 std::string traceMeaning(const TraceLine& line) {
     std::string text;
     if (!line.problem.empty()) text += "!" + line.problem + " ";
@@ -143,14 +136,14 @@ std::string formatTraceLine(const TraceLine& line) {
     text +=
         event ? std::string(countWidth, ' ') : rightAligned(std::to_string(line.bytes.size()), countWidth);
     text += "  ";
-    std::string meaning = plainLine(traceMeaning(line));
+    std::string meaning = shownLine(traceMeaning(line));
     if (event) return text + meaning;
     if (meaning.size() < meaningWidth) meaning.resize(meaningWidth, ' ');
     return text + meaning + std::string(bytesMark) + hexBytes(line.bytes);
 }
 
 std::optional<TraceLine> parseTraceLine(std::string_view text) {
-    const std::string plain = plainLine(text);
+    const std::string plain = shownLine(text);
     std::string_view rest = plain;
     const auto time = parseTime(takeWord(rest));
     const auto direction = parseDirection(takeWord(rest));

@@ -49,9 +49,6 @@ std::string traceTime(std::int64_t us);
 /// The bytes in hexadecimal, two digits each, separated by blanks.
 std::string hexBytes(std::string_view bytes);
 
-/// `text` with blanks in the place of characters that would break a line or speak to a terminal.
-std::string plainLine(std::string_view text);
-
 /// What stands between the count and the bytes: "!wrong-sum W: 65 of 65 bytes".
 std::string traceMeaning(const TraceLine& line);
 

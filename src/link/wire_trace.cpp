@@ -5,6 +5,7 @@
 
 #include "base/errors.h"
 #include "base/number_text.h"
+#include "base/shown_text.h"
 
 namespace zentaq {
 
@@ -65,9 +66,9 @@ void WireTrace::stop() {
 }
 
 std::string WireTrace::head(int part) const {
-    return std::string(traceMagic) + "\nprogram  " + ZENTAQ_VERSION + "\nbegun    " + plainLine(begun_) +
+    return std::string(traceMagic) + "\nprogram  " + ZENTAQ_VERSION + "\nbegun    " + shownLine(begun_) +
            "\npart     " + numberText(part) + "\nport     " +
-           (port_ ? plainLine(portText(*port_)) + ", 38400,N,8,1" : "none is open") +
+           (port_ ? shownLine(portText(*port_)) + ", 38400,N,8,1" : "none is open") +
            "\ncolumns  milliseconds since the beginning, > written or < received or * port and "
            "program, number of bytes, meaning | bytes in hexadecimal; ! is what went wrong\n\n";
 }

@@ -55,7 +55,7 @@ std::string reasonOf(const SQLite::Exception& failure) {
     switch (failure.getErrorCode()) {
         case sqlite_code::busy:
         case sqlite_code::locked:
-            return "it is in use by another program";
+            return "it is locked: it is in use by another program";
         case sqlite_code::corrupt:
         case sqlite_code::noDatabase:
             return "the file is damaged (" + std::string(failure.what()) + ")";

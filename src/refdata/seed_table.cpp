@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <set>
-#include <sstream>
 
+#include "base/file_reader.h"
 #include "base/number_text.h"
 #include "base/text.h"
 
@@ -17,12 +16,11 @@ SeedError::SeedError(std::string_view file, int line, std::string_view what)
 namespace {
 
 std::string readWhole(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw FileError("Cannot read seed table " + path);
-    std::ostringstream content;
-    content << file.rdbuf();
-    if (file.bad()) throw FileError("Cannot read seed table " + path);
-    return content.str();
+    std::string content;
+    endOnFailure(
+        [&] { content = readFile(path, limits::seeds); },
+        [&](const std::string& why) { throw FileError("Cannot read seed table " + path + ". " + why); });
+    return content;
 }
 
 }  // namespace

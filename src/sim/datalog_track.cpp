@@ -2,15 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cmath>
-#include <cstring>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include "base/errors.h"
+#include "base/file_reader.h"
 #include "base/number_text.h"
 #include "base/text.h"
 #include "sim/engine_curve.h"
@@ -83,20 +80,19 @@ class Track : public DriveCycle {
 /// Reads a datalog's text line by line and says where it stumbled.
 class Reader {
  public:
-    Reader(std::string_view text, std::string_view name) : lines_(split(text, '\n')), name_(name) {
-        for (std::string& line : lines_) line = std::string(trimmed(line));
-        while (!lines_.empty() && lines_.back().empty()) lines_.pop_back();
-    }
+    /// Blank lines at the end are no fault.
+    Reader(std::string_view text, std::string_view name) : rest_(withoutBlankEnd(text)), name_(name) {}
 
     std::vector<Line> read() {
-        constexpr std::size_t headLines = 3;
         checkBanner();
-        if (lines_.size() < headLines + 2) fail("has fewer than two lines of data");
-        const PressureUnit unit = pressureUnit();
-        findColumns();
+        const std::string_view settings = takeLine();
+        const std::string_view names = takeLine();
+        if (rest_.find('\n') == std::string_view::npos) fail("has fewer than two lines of data");
+        const PressureUnit unit = pressureUnit(settings);
+        findColumns(names);
         std::vector<Line> result;
-        for (at_ = headLines; at_ < lines_.size(); ++at_) {
-            result.push_back(dataLine(unit));
+        while (!rest_.empty()) {
+            result.push_back(dataLine(takeLine(), unit));
             const std::size_t count = result.size();
             if (count > 1 && result[count - 1][Frame] <= result[count - 2][Frame])
                 failHere("its frame does not rise");
@@ -105,30 +101,46 @@ class Reader {
     }
 
  private:
-    void checkBanner() const {
-        const std::string first = lines_.empty() ? std::string() : split(lines_[0], '\t')[0];
+    static std::string_view withoutBlankEnd(std::string_view text) {
+        return text.substr(0, text.find_last_not_of(" \t\r\n") + 1);
+    }
+    /// Line by line: a hostile file of line ends alone would make millions of them.
+    std::string_view takeLine() {
+        const auto end = std::min(rest_.find('\n'), rest_.size());
+        const std::string_view line = trimmed(rest_.substr(0, end));
+        rest_.remove_prefix(std::min(end + 1, rest_.size()));
+        ++number_;
+        return line;
+    }
+    /// No line of a datalog has more; what stands behind them is not looked at.
+    static std::vector<std::string> fieldsOf(std::string_view line) {
+        constexpr std::size_t longestLine = 65536;
+        return split(line.substr(0, longestLine), '\t');
+    }
+    void checkBanner() {
+        const std::string first = fieldsOf(takeLine())[0];
         if (std::ranges::find(banners, first) != std::end(banners)) return;
         fail(
             "is no datalog: its first line does not begin with \"ZENTAQ 4.10 DATALOG\" or \"ZENTAQ 4.5 "
             "DATALOG\"");
     }
-    PressureUnit pressureUnit() const {
-        const std::vector<std::string> fields = split(lines_[1], '\t');
+    PressureUnit pressureUnit(std::string_view settings) const {
+        const std::vector<std::string> fields = fieldsOf(settings);
         const std::string unit = fields.size() > unitsField ? fields[unitsField] : std::string();
         const auto found = std::ranges::find(pressureUnits, unit, &PressureUnit::name);
         if (found == std::end(pressureUnits)) fail("names no unit of pressure in line 2");
         return *found;
     }
-    void findColumns() {
-        const std::vector<std::string> names = split(lines_[2], '\t');
+    void findColumns(std::string_view line) {
+        const std::vector<std::string> names = fieldsOf(line);
         for (std::size_t i = 0; i < channels; ++i) {
             const auto found = std::ranges::find(names, columnNames[i]);
             if (found == names.end()) fail("has no column \"" + std::string(columnNames[i]) + "\"");
             columns_[i] = static_cast<std::size_t>(found - names.begin());
         }
     }
-    Line dataLine(const PressureUnit& unit) const {
-        const std::vector<std::string> fields = split(lines_[at_], '\t');
+    Line dataLine(std::string_view text, const PressureUnit& unit) const {
+        const std::vector<std::string> fields = fieldsOf(text);
         Line line{};
         for (std::size_t i = 0; i < channels; ++i) {
             const auto number = columns_[i] < fields.size() ? parseNumber(fields[columns_[i]]) : std::nullopt;
@@ -147,13 +159,13 @@ class Reader {
     }
     [[noreturn]] void fail(const std::string& what) const { throw Failure(std::string(name_) + " " + what); }
     [[noreturn]] void failHere(const std::string& what) const {
-        throw Failure(std::string(name_) + ", line " + std::to_string(at_ + 1) + ": " + what);
+        throw Failure(std::string(name_) + ", line " + std::to_string(number_) + ": " + what);
     }
 
-    std::vector<std::string> lines_;
+    std::string_view rest_;
     std::string_view name_;
     std::array<std::size_t, channels> columns_{};
-    std::size_t at_ = 0;
+    std::size_t number_ = 0;  ///< of the line taken last, from 1
 };
 
 }  // namespace
@@ -163,21 +175,15 @@ Drive datalogDrive(std::string_view text, std::string_view name) {
 }
 
 Drive datalogDriveFromFile(const std::filesystem::path& path) {
-    std::error_code error;
-    if (std::filesystem::is_directory(path, error))
-        throw FileError(path.string() + " is a folder, not a datalog");
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw FileError("Cannot read " + path.string() + ": " + std::strerror(errno));
-    const std::string text{std::istreambuf_iterator<char>(file), {}};
-    if (file.bad()) throw FileError("Cannot read " + path.string());
-    return datalogDrive(text, path.string());
+    return datalogDrive(readFile(path.string(), limits::datalog), path.string());
 }
 
 Drive driveOf(const std::filesystem::path& word) {
     if (word == "idle") return idleDrive();
     if (word == "drive") return roadDrive();
     if (word == "dyno") return dynoDrive();
-    if (!std::filesystem::exists(word))
+    std::error_code unreadable;
+    if (!std::filesystem::exists(word, unreadable) && !unreadable)
         throw FileError("There is no file " + word.string() +
                         ": --engine takes idle, drive, dyno or a datalog");
     return datalogDriveFromFile(word);

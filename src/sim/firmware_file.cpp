@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <cctype>
-#include <fstream>
 #include <numeric>
 
 #include "base/errors.h"
+#include "base/file_reader.h"
 #include "sim/memory_file.h"
 
 namespace zentaq::sim {
@@ -33,9 +33,10 @@ std::vector<std::uint8_t> content(std::string_view firmwareText, std::int64_t ad
 }
 
 bool isSimulatedFirmware(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
+    constexpr std::size_t longestHeader = 128;
     std::string line;
-    std::getline(file, line);
+    skipFailing([&] { line = readFileStart(path.string(), longestHeader); });
+    line.erase(std::min(line.find('\n'), line.size()));
     if (line.ends_with('\r')) line.pop_back();
     const auto header = parseSRecord(line, "0");
     return header && firmwareTextOfHeader(*header);

@@ -1,10 +1,10 @@
 #include "sim/firmware_state_file.h"
 
 #include <algorithm>
-#include <fstream>
 #include <iterator>
 
 #include "base/errors.h"
+#include "base/file_reader.h"
 #include "sim/memory_file.h"
 
 namespace zentaq::sim {
@@ -30,10 +30,9 @@ fs::path firmwareStateFile(const fs::path& memoryFile) {
 }
 
 std::optional<InstalledFirmware> readFirmwareState(const fs::path& path) {
-    if (!fs::exists(path)) return std::nullopt;
-    std::ifstream file(path);
-    std::string line;
-    std::getline(file, line);
+    if (!fs::exists(fs::symlink_status(path))) return std::nullopt;
+    const std::string content = readFile(path.string(), limits::simulatedState);
+    const std::string line = content.substr(0, content.find('\n'));
     const std::size_t blank = std::min(line.find(' '), line.size());
     const auto* row = std::ranges::find(words, std::string_view(line).substr(0, blank), &StateWord::word);
     const std::string text = line.substr(std::min(blank + 1, line.size()));

@@ -15,6 +15,7 @@
 #include <sstream>
 
 #include "base/errors.h"
+#include "base/shown_text.h"
 #include "platform/runtime_folder.h"
 #include "sim/datalog_track.h"
 #include "sim/firmware_file.h"
@@ -345,7 +346,7 @@ int runSimulatorUntilSignal(const SimulatorOptions& options, std::ostream& out, 
             out << "ready " + simulator.portPath() + "\n" + simulator.description() + "\n" << std::flush;
             simulator.run({ending.get(), power.get(), unplug.get(), upgrade.get(), streams});
         },
-        [&](const std::string& reason) { errors << "zentaq-sim: " << reason << std::endl; });
+        [&](const std::string& reason) { errors << "zentaq-sim: " << shownError(reason) << std::endl; });
     return served ? 0 : 1;
 }
 
@@ -357,7 +358,7 @@ int writeFirmwareFor(const SimulatorOptions& options, const fs::path& file, std:
             makeFirmwareFile(file, firmware);
             out << file.string() << ": firmware " << firmware << ", for simulated units only" << std::endl;
         },
-        [&](const std::string& reason) { errors << "zentaq-sim: " << reason << std::endl; });
+        [&](const std::string& reason) { errors << "zentaq-sim: " << shownError(reason) << std::endl; });
     return written ? 0 : 1;
 }
 

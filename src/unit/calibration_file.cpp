@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "base/errors.h"
+#include "base/file_reader.h"
 #include "base/rounding.h"
 #include "unit/file_floats.h"
 #include "unit/legacy_sensor.h"

@@ -6,9 +6,9 @@
 #include <system_error>
 
 #include "base/errors.h"
+#include "base/file_reader.h"
 #include "base/text.h"
 #include "unit/file_floats.h"
-#include "unit/safe_file.h"
 
 namespace zentaq {
 

@@ -5,11 +5,11 @@
 #include <utility>
 
 #include "base/errors.h"
+#include "base/file_reader.h"
 #include "base/number_text.h"
 #include "unit/file_floats.h"
 #include "unit/parameter_rules.h"
 #include "unit/rollback.h"
-#include "unit/safe_file.h"
 #include "unit/unit.h"
 
 namespace zentaq {

@@ -208,36 +208,6 @@ void writeSafely(const std::string& path, std::string_view content, bool keepSur
 
 }  // namespace
 
-std::string readWholeFile(const std::string& path) {
-    return readFileStart(path, std::numeric_limits<std::size_t>::max());
-}
-
-std::string readFileStart(const std::string& path, std::size_t most) {
-    // Not blocking: opening a pipe would wait for a writer before it could be refused.
-    const OpenFile file(path, O_RDONLY | O_NONBLOCK);
-    if (!file.isOpen()) fail(path, "open", errno);
-    struct stat status {};
-    if (::fstat(file.get(), &status) != 0) fail(path, "read", errno);
-    if (!S_ISREG(status.st_mode)) fail(path, "read", S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
-    std::string content;
-    try {
-        content.resize(std::min(static_cast<std::size_t>(status.st_size), most));
-    } catch (const std::bad_alloc&) {
-        fail(path, "read", EFBIG);
-    } catch (const std::length_error&) {
-        fail(path, "read", EFBIG);
-    }
-    std::size_t length = 0;
-    while (length < content.size()) {
-        const ssize_t count = file.read(content.data() + length, content.size() - length);
-        if (count < 0) fail(path, "read", errno);
-        if (count == 0) break;
-        length += static_cast<std::size_t>(count);
-    }
-    content.resize(length);
-    return content;
-}
-
 void writeFileSafely(const std::string& path, std::string_view content) {
     writeSafely(path, content, false);
 }

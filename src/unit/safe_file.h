@@ -1,16 +1,11 @@
-// Files read whole and written whole: a crash, a kill or a full disk leaves the old file as it was.
-// All throw FileError with the path and the reason.
+// Files written whole: a crash, a kill or a full disk leaves the old file as it was. They are read by
+// base/file_reader.h. All throw FileError with the path and the reason.
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace zentaq {
-
-std::string readWholeFile(const std::string& path);
-/// At most the first `most` bytes, however long the file is.
-std::string readFileStart(const std::string& path, std::size_t most);
 
 /// Writes a temporary file beside the target, flushes it to the disk and renames it, so the folder must take
 /// new files. A link is followed, also one whose target does not exist yet. Permissions stay; the owner and

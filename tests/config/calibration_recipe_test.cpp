@@ -5,8 +5,8 @@
 
 #include <cmath>
 
+#include "base/file_reader.h"
 #include "refdata/refdata_fixture.h"
-#include "unit/safe_file.h"
 
 namespace zentaq {
 namespace {
@@ -108,7 +108,8 @@ class Samples : public MadeCalibration, public ::testing::WithParamInterface<con
  protected:
     std::unique_ptr<QuietCalibration> sample() {
         const std::string file = std::string(ZENTAQ_SOURCE_DIR "/data/samples/") + GetParam() + ".txt";
-        return makeCalibration(CalibrationRecipe::parse(readWholeFile(file), file), database);
+        return makeCalibration(CalibrationRecipe::parse(readFile(file, limits::calibrationText), file),
+                               database);
     }
 };
 
@@ -196,7 +197,8 @@ TEST_F(MadeCalibration, NotesLeaveTheFuelTrimOfTheEighthCylinderAlone) {
 
 TEST_F(MadeCalibration, TheTurboSampleRetardsUnderBoostAndCutsAboveIt) {
     const std::string file = ZENTAQ_SOURCE_DIR "/data/samples/Turbo Four.txt";
-    const auto made = makeCalibration(CalibrationRecipe::parse(readWholeFile(file), file), database);
+    const auto made =
+        makeCalibration(CalibrationRecipe::parse(readFile(file, limits::calibrationText), file), database);
     Unit& unit = made->unit;
     for (int column = 0; column < 16; ++column) {
         for (int row = 6; row < 15; ++row) {

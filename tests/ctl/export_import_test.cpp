@@ -24,7 +24,7 @@ TEST_F(ZentaqctlText, ImportMakesTheSameFileOfEverySample) {
     for (const auto& entry : fs::directory_iterator(sample(""))) {
         const std::string name = inQuotes(entry.path().string());
         ASSERT_EQ(run("export " + name + " -o " + inQuotes(text)).exitCode, 0) << name;
-        const Outcome outcome = run("import " + inQuotes(text) + " -o " + inQuotes(again));
+        const Outcome outcome = run("import --force " + inQuotes(text) + " -o " + inQuotes(again));
         EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
         EXPECT_TRUE(contentOf(again) == contentOf(entry.path().string())) << name;
     }

@@ -87,9 +87,8 @@ TEST_F(Zentaqctl, ImageDoesNotWriteOverTheCalibration) {
 
 TEST_F(Zentaqctl, ImageOfAValueThatFitsNoByteNamesTheFile) {
     plant(34, 1e6F);  // KNK_MIN, one byte
-    expectRefused(
-        onFile("image", "-o " + inQuotes(folder.file("x.s19"))),
-        file + " makes no image: Overflow: a value does not fit the bytes that the unit has for it");
+    expectRefused(onFile("image", "-o " + inQuotes(folder.file("x.s19"))),
+                  file + " makes no image: a value does not fit the bytes that the unit has for it");
     EXPECT_FALSE(fs::exists(folder.file("x.s19")));
 }
 

@@ -84,8 +84,11 @@ TEST_F(Zentaqctl, ADamagedFileIsNamed) {
     const float code = 1e30F;
     std::memcpy(bytes.data() + 8, &code, sizeof code);  // the firmware code
     writeFile(file, bytes);
-    expectRefused(onFile("info"),
-                  file + ": Overflow: the file is damaged, it holds a number out of all range");
+    const Outcome outcome = onFile("info");
+    EXPECT_EQ(outcome.exitCode, 1);
+    expectOneLine(outcome.error);
+    EXPECT_THAT(outcome.error,
+                StartsWith(file + ": the file is damaged, it holds a number out of all range. The number 1"));
 }
 
 }  // namespace

@@ -184,7 +184,7 @@ TEST_P(ZentaqctlDatalogFault, LeavesTheFileAsItWas) {
     startUnit("A", {"--log-records", "20", "--fault", GetParam().fault});
     const std::string log = folder.file("own.dat");
     writeFile(log, "former");
-    expectFailure(onUnit("datalog", inQuotes(log)), 1, GetParam().told);
+    expectFailure(onUnit("datalog", "--force " + inQuotes(log)), 1, GetParam().told);
     EXPECT_EQ(contentOf(log), "former");
 }
 
@@ -202,6 +202,60 @@ TEST_F(ZentaqctlOnLink, DatalogOfAnEmptyLogFailsInTheWordsOfTheProgram) {
     const std::string log = folder.file("own.dat");
     expectFailure(onUnit("datalog", inQuotes(log)), 1, "The unit either has no datalog data");
     EXPECT_FALSE(fs::exists(log));
+}
+
+// ---- Files that are there
+
+TEST_F(ZentaqctlOnLink, ALogThatIsThereIsLeftAloneAndNoUnitIsAsked) {
+    // No unit was started: who looked for one would end with 3.
+    const std::string log = folder.file("own.dat");
+    writeFile(log, "a day on the dyno");
+    const std::string why = log + " is there already; --force puts the new datalog in its place";
+    expectRefused(onUnit("datalog", inQuotes(log)), why);
+    expectRefused(onUnit("monitor", "--seconds 1 --log " + inQuotes(log)), why);
+    expectRefused(onUnit("monitor", "--seconds 1 --log " + inQuotes(file)),
+                  file + " is there already; --force puts the new datalog in its place");
+    EXPECT_EQ(contentOf(log), "a day on the dyno");
+}
+
+TEST_F(ZentaqctlOnLink, ALogThatIsThereIsReplacedWhereThatIsWanted) {
+    startUnit("A", {"--log-records", "5"});
+    const std::string log = folder.file("own.dat");
+    writeFile(log, std::string(1'000'000, 'x'));
+    EXPECT_EQ(onUnit("datalog", "--force " + inQuotes(log)).exitCode, 0);
+    EXPECT_EQ(linesOf(contentOf(log)).size(), 3U + 5U);
+    writeFile(log, std::string(1'000'000, 'x'));
+    EXPECT_EQ(onUnit("monitor", "--seconds 0.5 --force --log " + inQuotes(log)).exitCode, 0);
+    EXPECT_THAT(contentOf(log), StartsWith("ZENTAQ 4.10 DATALOG\t"));
+}
+
+TEST_F(ZentaqctlOnLink, AnEmptyFileIsNoLossForALog) {
+    startUnit("A", {"--log-records", "5"});
+    const std::string log = folder.file("own.dat");
+    writeFile(log, "");
+    EXPECT_EQ(onUnit("datalog", inQuotes(log)).exitCode, 0);
+    writeFile(log, "");
+    EXPECT_EQ(onUnit("monitor", "--seconds 0.5 --log " + inQuotes(log)).exitCode, 0);
+}
+
+TEST_F(ZentaqctlOnLink, ALogNeverTakesThePlaceOfWhatTheCommandReadsOrTraces) {
+    const std::string log = folder.file("own.dat");
+    for (const std::string command : {"datalog --force ", "monitor --force --seconds 1 --log "}) {
+        expectRefused(onUnit(command + inQuotes(log), "--trace " + inQuotes(log)),
+                      log + " would be overwritten; name another file");
+        expectRefused(onUnit(command + inQuotes(file), "--file " + inQuotes(file)),
+                      file + " would be overwritten; name another file");
+    }
+    EXPECT_FALSE(fs::exists(log));
+    EXPECT_EQ(contentOf(file), contentOf(sample("Street 2.0 Four.ZQ4OA")));
+}
+
+TEST_F(ZentaqctlOnLink, AMonitorWaitsForNobodyAtAPipe) {
+    startUnit("A");
+    const std::string log = folder.file("pipe");
+    ASSERT_EQ(::mkfifo(log.c_str(), 0600), 0);
+    expectFailure(onUnit("monitor", "--seconds 1 --log " + inQuotes(log)), 1,
+                  "Cannot write " + log + ": it is no file");
 }
 
 TEST_F(ZentaqctlOnLink, DatalogAsksNoUnitWhereTheFileCannotBeWritten) {

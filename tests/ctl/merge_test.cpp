@@ -75,6 +75,7 @@ TEST_F(ZentaqctlVersions, MergeOfFilesUnderTwoNewNamesNamesTheResultAfterItsOwn)
 
     // A name that somebody chose is a change like any other.
     change(ann, "BiName 'Wet track'");
+    fs::remove(merged);
     const Outcome chosen = join();
     EXPECT_EQ(chosen.exitCode, 1);
     EXPECT_EQ(chosen.out, "name: \"tune\" in the base, \"Wet track\" in the first, \"bob\" in the second\n");

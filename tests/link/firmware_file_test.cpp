@@ -193,7 +193,7 @@ TEST(FirmwareFile, WhatIsNoReadableFileIsAFileError) {
     EXPECT_THROW(readFirmwareFile("/dev/zero"), FileError) << "it would never end";
     const std::string huge = folder.path("huge.nv3");
     std::ofstream(huge) << data;
-    std::filesystem::resize_file(huge, largestFirmwareFile + 1);
+    std::filesystem::resize_file(huge, limits::firmware.bytes + 1);
     EXPECT_THROW(readFirmwareFile(huge), FileError);
 }
 

@@ -93,7 +93,7 @@ TEST(TraceFiles, FilesThatCannotBeReadAreNamed) {
         return text;
     };
     EXPECT_EQ(why(folder.file("none")), folder.file("none") + ": No such file or directory");
-    EXPECT_EQ(why(folder.path().string()), folder.path().string() + ": is a folder");
+    EXPECT_EQ(why(folder.path().string()), "Cannot read " + folder.path().string() + ": Is a directory");
     EXPECT_EQ(why(folder.write("a.log", "x")), folder.file("a.log") + ": is no wire trace");
 }
 

@@ -1,6 +1,7 @@
 #include "sim/datalog_track.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <fstream>
 #include <string>
@@ -95,6 +96,18 @@ TEST(DatalogTrack, AMissingFileAndAFolderAreFileErrors) {
     const TemporaryFolder folder;
     EXPECT_THROW(driveOf(folder.path("nowhere.dat")), FileError);
     EXPECT_THROW(driveOf(folder.path("")), FileError);
+}
+
+TEST(DatalogTrack, WhatIsNoFileOrTooLongIsRefusedUnread) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path("drive.dat");
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    EXPECT_THROW(driveOf(path), FileError) << "a pipe would hold the simulator up";
+    EXPECT_THROW(driveOf("/dev/zero"), FileError);
+    std::filesystem::remove(path);
+    std::ofstream(path, std::ios::binary) << datalog(threeLines);
+    std::filesystem::resize_file(path, std::uintmax_t{1} << 40);
+    EXPECT_THROW(driveOf(path), FileError);
 }
 
 TEST(DatalogTrack, TheWordOfTheOptionNamesACycleOrAFile) {

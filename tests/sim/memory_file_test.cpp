@@ -1,6 +1,7 @@
 #include "sim/memory_file.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <fstream>
 
@@ -33,6 +34,20 @@ TEST(MemoryFile, MissingOrEmptyFileIsNoContent) {
     EXPECT_FALSE(readMemoryFile(folder.path() / "none", 5));
     std::ofstream(folder.path() / "empty");
     EXPECT_FALSE(readMemoryFile(folder.path() / "empty", 5));
+}
+
+TEST(MemoryFile, WhatIsNoFileOrTooLongIsRefusedUnread) {
+    const TemporaryFolder folder;
+    const auto file = folder.path() / "unit.mem";
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    EXPECT_THROW(readMemoryFile(file, 5), FileError) << "a pipe would hold the simulator up";
+    std::filesystem::remove(file);
+    std::ofstream(file) << "x";
+    std::filesystem::resize_file(file, std::uintmax_t{1} << 40);
+    EXPECT_THROW(readMemoryFile(file, 5), FileError);
+    std::filesystem::remove(file);
+    std::filesystem::create_symlink("unit.mem", file);
+    EXPECT_THROW(readMemoryFile(file, 5), FileError) << "a link in a circle";
 }
 
 TEST(MemoryFile, AnotherSizeIsAnError) {

@@ -93,8 +93,6 @@ TEST_F(SafeFile, ContentOfAnyBytesAndAnyLengthComesBack) {
         for (std::size_t i = 0; i < length; ++i) content[i] = static_cast<char>(i * 7 % 256);
         writeFileSafely(path, content);
         EXPECT_EQ(contentOf(path), content);
-        EXPECT_EQ(readWholeFile(path), content);
-        EXPECT_EQ(readFileStart(path, 12), content.substr(0, 12));
     }
 }
 
@@ -214,7 +212,6 @@ TEST_F(SafeFile, LinksInACircleAreTold) {
     fs::create_symlink("Tune.ZQ4OA", folder.file("Other"));
     EXPECT_EQ(outcome(path), "FileError: Cannot write " + path + ": Too many levels of symbolic links");
     EXPECT_TRUE(fs::is_symlink(path));
-    EXPECT_THROW(readWholeFile(path), FileError);
 }
 
 // ---- What cannot be written
@@ -376,29 +373,6 @@ TEST_F(SafeFile, ASaveEndedByASignalInTheMiddleOfAWriteLeavesTheOldFile) {
     EXPECT_EQ(contentOf(path), "old");
     ASSERT_EQ(outcome(path), "done");
     EXPECT_EQ(contentOf(path), "new");
-}
-
-// ---- Reading
-
-TEST_F(SafeFile, WhatCannotBeReadIsTold) {
-    const auto reading = [](const std::string& file) { return outcomeOf([&] { readWholeFile(file); }); };
-    EXPECT_EQ(reading(path), "FileError: Cannot open " + path + ": No such file or directory");
-    EXPECT_EQ(reading(folder.path().string()),
-              "FileError: Cannot read " + folder.path().string() + ": Is a directory");
-    EXPECT_EQ(reading("/dev/zero"), "FileError: Cannot read /dev/zero: Invalid argument");
-    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
-    EXPECT_EQ(reading(path), "FileError: Cannot read " + path + ": Invalid argument");
-}
-
-TEST_F(SafeFile, AFileThatMayNotBeReadIsTold) {
-    writeContent(path, "old");
-    fs::permissions(path, fs::perms::none);
-    const std::string answer = answerOfChild([&] {
-        if (!becomeOrdinary()) return std::string(notPossible);
-        return outcomeOf([&] { readWholeFile(path); });
-    });
-    if (answer == notPossible) GTEST_SKIP() << noOrdinaryUser;
-    EXPECT_EQ(answer, "FileError: Cannot open " + path + ": Permission denied");
 }
 
 }  // namespace

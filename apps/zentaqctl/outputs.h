@@ -1,0 +1,34 @@
+// Where a command may write: a wrong name on a command line must not cost anybody a file.
+#pragma once
+
+#include <fstream>
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "context.h"
+
+namespace zentaq::ctl {
+
+/// Throws FileError where something stands at the name of a file to be made. Not for an empty file, which
+/// loses nothing; not for "-"; not for one of the `inputs`, which the user wants changed; and not where
+/// --force was given.
+/// `what` is told: "calibration".
+void refuseReplacing(const Context& context, const std::string& output, std::string_view what,
+                     std::initializer_list<std::string_view> inputs = {});
+
+/// For what can be made again at any time: a file that begins as this command writes it is replaced without
+/// --force, too.
+void refuseReplacingOther(const Context& context, const std::string& output, std::string_view what,
+                          bool (*isOwn)(std::string_view beginning));
+
+/// Whether a file begins with a whole S-record.
+bool beginsWithSRecord(std::string_view beginning);
+
+/// A file that grows line by line, made now. Never follows a file that appeared after the first look, and
+/// waits for nobody at a pipe.
+std::unique_ptr<std::ofstream> openGrowing(const Context& context, const std::string& output,
+                                           std::string_view what);
+
+}  // namespace zentaq::ctl
