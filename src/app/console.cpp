@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <limits>
@@ -10,6 +11,7 @@
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
+#include "base/shown_text.h"
 #include "base/text.h"
 #include "base/utf8.h"
 
@@ -38,11 +40,19 @@ int writeWhole(int file, std::string_view bytes) {
     return 0;
 }
 
+/// An event is one line whatever is in it, and says nothing to whoever reads the file on a terminal.
+std::string lineOf(std::string_view text) {
+    std::string line(text);
+    std::ranges::replace(line, '\n', ' ');
+    return shownLine(line);
+}
+
 }  // namespace
 
-void Console::SysLog(std::string_view kind, std::string_view tag, std::string_view text) {
+void Console::SysLog(std::string_view kind, std::string_view tag, std::string_view given) {
     if (counter_ == std::numeric_limits<std::int32_t>::max()) throw Overflow();
     ++counter_;
+    const std::string text = lineOf(given);
     record_ = {fixedCharacters(formatNumber(counter_, "0000"), sequenceWidth),
                fixedCharacters(kind, kindWidth), fixedCharacters(tag, tagWidth),
                fixedCharacters(text, textWidth), fixedCharacters(clock_.timeText(), timeWidth)};
@@ -73,7 +83,7 @@ void Console::append(const std::string& line) const {
 }
 
 void Console::plainLine(std::string_view text) {
-    lines_.emplace_back(text);
+    lines_.push_back(lineOf(text));
     ++changes_;
 }
 
@@ -81,7 +91,7 @@ bool Console::CommLog(std::string_view text) {
     if (commLines_.size() == commLimit) commLines_.clear();
     constexpr std::size_t panelEvery = 5;
     const bool panelDue = commLines_.size() % panelEvery == 0;
-    commLines_.emplace_back(text);
+    commLines_.push_back(lineOf(text));
     ++changes_;
     return panelDue;
 }
@@ -91,7 +101,7 @@ void Console::AddtoLastLine(std::string_view text) {
         plainLine(text);
         return;
     }
-    lines_.back() = std::string(trimmed(lines_.back())) + " " + std::string(text);
+    lines_.back() = std::string(trimmed(lines_.back())) + " " + lineOf(text);
     ++changes_;
 }
 

@@ -10,7 +10,9 @@
 #include <QStyle>
 #include <algorithm>
 
+#include "base/shown_text.h"
 #include "base/text.h"
+#include "qt/qt_text.h"
 
 namespace zentaq {
 
@@ -84,9 +86,9 @@ void widenToLines(QMessageBox& message) {
 Answer QtDialogs::show(const Box& box) {
     QMessageBox message(parent());
     message.setObjectName(QStringLiteral("dlgMessage"));
-    message.setWindowTitle(QString::fromStdString(box.title));
+    message.setWindowTitle(shownString(box.title));
     message.setTextFormat(Qt::PlainText);
-    message.setText(QString::fromStdString(box.text));
+    message.setText(qString(shownInBox(box.text)));
     message.setIcon(iconOf(box.icon));
     message.setStandardButtons(buttonsOf(box.buttons));
     message.setDefaultButton(defaultOf(box));
@@ -107,7 +109,7 @@ std::string QtDialogs::saveFile(const FileRequest& request) {
 }
 
 std::string QtDialogs::choose(const FileRequest& request, bool save) {
-    QFileDialog dialog(parent(), QString::fromStdString(request.title));
+    QFileDialog dialog(parent(), shownString(request.title));
     dialog.setObjectName(QStringLiteral("dlgDialog1"));
     dialog.setOption(QFileDialog::DontUseNativeDialog);
     dialog.setOption(QFileDialog::DontConfirmOverwrite);
@@ -136,8 +138,8 @@ std::optional<std::string> QtDialogs::input(const std::string& title, const std:
     QInputDialog dialog(parent());
     dialog.setObjectName(QStringLiteral("dlgInput"));
     dialog.setInputMode(QInputDialog::TextInput);
-    dialog.setWindowTitle(QString::fromStdString(title));
-    dialog.setLabelText(QString::fromStdString(prompt));
+    dialog.setWindowTitle(shownString(title));
+    dialog.setLabelText(qString(shownInBox(prompt)));
     dialog.setTextValue(QString::fromStdString(initial));
     const int result = dialog.exec();
     giveFocusBack();

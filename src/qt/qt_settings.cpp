@@ -1,9 +1,12 @@
 #include "qt/qt_settings.h"
 
+#include <QFileInfo>
 #include <filesystem>
 #include <utility>
 
 #include "app/settings_keys.h"
+#include "base/errors.h"
+#include "base/file_reader.h"
 
 namespace zentaq {
 
@@ -17,28 +20,53 @@ QString nameOfStore() {
     return QString::fromLatin1(settings::application);
 }
 
-}  // namespace
-
-QtSettings::QtSettings()
-    : settings_(QSettings::IniFormat, QSettings::UserScope, nameOfStore(), nameOfStore()) {
-    // A store of all users would make one user's missing value another's choice.
-    settings_.setFallbacksEnabled(false);
-    checkFile();
+/// Asked of a store that nobody has, since a store reads its file when it is made.
+std::string fileOfUser() {
+    const QSettings neighbor(QSettings::IniFormat, QSettings::UserScope, nameOfStore(),
+                             nameOfStore() + QStringLiteral(".none"));
+    return (QFileInfo(neighbor.fileName()).path() + u'/' + nameOfStore() + QStringLiteral(".ini"))
+        .toStdString();
 }
 
-QtSettings::QtSettings(const std::string& path)
-    : settings_(QString::fromStdString(path), QSettings::IniFormat) {
-    checkFile();
+}  // namespace
+
+// By its path and so without a store of all users, which would make one user's missing value another's
+// choice.
+QtSettings::QtSettings() : QtSettings(fileOfUser()) {}
+
+QtSettings::QtSettings(const std::string& path) : path_(path) {
+    if (isFile()) open();
+}
+
+bool QtSettings::isFile() {
+    return endOnFailure(
+        [&] { checkFile(path_, limits::settings); },
+        [&](const std::string& why) {
+            if (!std::exchange(writeFailed_, true)) {
+                trouble(why + ". Changed settings last for this run; remove what stands there.");
+            }
+        });
 }
 
 bool QtSettings::opens(QFile::OpenMode mode) const {
-    return QFile(settings_.fileName()).open(mode);
+    return QFile(settings_->fileName()).open(mode);
 }
 
-void QtSettings::checkFile() {
-    const bool exists = QFile::exists(settings_.fileName());
-    settings_.allKeys();  // sections are read when they are asked for, and only then found damaged
-    if (settings_.status() == QSettings::FormatError) {
+/// The store would read what stands there when it is closed, and so it never is.
+void QtSettings::leaveFile() {
+    for (const QString& name : settings_->allKeys()) {
+        const std::string section = name.section(u'/', 0, 0).toStdString();
+        const std::string key = name.section(u'/', 1).toStdString();
+        ofThisRun_[{section, key}] = get(section, key);
+    }
+    [[maybe_unused]] const auto* left = settings_.release();
+}
+
+void QtSettings::open() {
+    settings_ = std::make_unique<QSettings>(QString::fromStdString(path_), QSettings::IniFormat);
+    const bool exists = QFile::exists(settings_->fileName());
+    settings_->allKeys();  // sections are read when they are asked for, and only then found damaged
+    if (settings_->status() == QSettings::FormatError) {
         // The next value written replaces the file, so what a user could still read out of it is kept.
         std::error_code failed;
         std::filesystem::copy_file(path(), path() + ".damaged",
@@ -46,7 +74,7 @@ void QtSettings::checkFile() {
         trouble("Settings file " + path() + " is damaged; what can be read of it is used.");
         return;
     }
-    if (settings_.status() == QSettings::AccessError || (exists && !opens(QFile::ReadOnly))) {
+    if (settings_->status() == QSettings::AccessError || (exists && !opens(QFile::ReadOnly))) {
         trouble("Settings file " + path() + " cannot be read; the program starts as newly installed.");
         return;
     }
@@ -58,7 +86,11 @@ void QtSettings::checkFile() {
 
 std::string QtSettings::get(const std::string& section, const std::string& key,
                             const std::string& fallback) const {
-    const QVariant value = settings_.value(pathOfKey(section, key));
+    if (!settings_) {
+        const auto found = ofThisRun_.find({section, key});
+        return found == ofThisRun_.end() ? fallback : found->second;
+    }
+    const QVariant value = settings_->value(pathOfKey(section, key));
     if (!value.isValid()) return fallback;
     // A hand-edited line with a comma reads as a list.
     if (value.typeId() == QMetaType::QStringList) return value.toStringList().join(u',').toStdString();
@@ -66,9 +98,14 @@ std::string QtSettings::get(const std::string& section, const std::string& key,
 }
 
 void QtSettings::set(const std::string& section, const std::string& key, const std::string& value) {
-    settings_.setValue(pathOfKey(section, key), QString::fromStdString(value));
-    settings_.sync();
-    if (settings_.status() != QSettings::AccessError || writeFailed_) return;
+    if (settings_ && !isFile()) leaveFile();
+    if (!settings_) {
+        ofThisRun_[{section, key}] = value;
+        return;
+    }
+    settings_->setValue(pathOfKey(section, key), QString::fromStdString(value));
+    settings_->sync();
+    if (settings_->status() != QSettings::AccessError || writeFailed_) return;
     writeFailed_ = true;
     trouble("Settings file " + path() + " cannot be written; changed settings last for this run.");
 }

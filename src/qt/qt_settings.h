@@ -5,7 +5,10 @@
 #include <QFile>
 #include <QSettings>
 #include <functional>
+#include <map>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/settings_store.h"
@@ -24,17 +27,23 @@ class QtSettings : public SettingsStore {
     /// On the disk when it returns, unless the file cannot be written.
     void set(const std::string& section, const std::string& key, const std::string& value) override;
 
-    std::string path() const { return settings_.fileName().toStdString(); }
+    std::string path() const { return path_; }
 
     /// Called once for each trouble with a sentence for the log; at once for what is known already.
     void onTrouble(std::function<void(const std::string&)> report);
 
  private:
-    void checkFile();
+    /// Whether a file, or nothing, stands where the store is to be. A pipe would hold the program up for
+    /// good.
+    bool isFile();
+    void open();
+    void leaveFile();
     bool opens(QFile::OpenMode mode) const;
     void trouble(const std::string& what);
 
-    QSettings settings_;
+    std::string path_;
+    std::unique_ptr<QSettings> settings_;  ///< none where something else than a file stands
+    std::map<std::pair<std::string, std::string>, std::string> ofThisRun_;  ///< what it then holds
     std::function<void(const std::string&)> report_;
     std::vector<std::string> untold_;
     bool writeFailed_ = false;

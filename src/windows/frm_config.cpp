@@ -8,6 +8,7 @@
 #include "base/number_text.h"
 #include "config/tree.h"
 #include "qt/look.h"
+#include "qt/qt_text.h"
 
 namespace zentaq {
 
@@ -157,7 +158,7 @@ void FrmConfig::setupNodes() {
             const auto parent = items.find(node.parent);
             QTreeWidgetItem* item = parent == items.end() ? new QTreeWidgetItem(treeZentaq_)
                                                           : new QTreeWidgetItem(parent->second);
-            item->setText(0, QString::fromStdString(node.text));
+            item->setText(0, shownString(node.text));
             item->setData(0, keyRole, QString::fromStdString(node.key));
             item->setData(0, helpRole, QString::fromStdString(node.help));
             items[node.key] = item;
@@ -187,9 +188,10 @@ void FrmConfig::showPage(int page, const QString& title) {
 
 void FrmConfig::showUnit() {
     pageView_->show(pageRows(session_, page_), onFly_);
+    lblStart_->setTextFormat(Qt::PlainText);
     lblStart_->setText(session_.currentUnit() == 0
                            ? nothingInHand()
-                           : tr("Calibration in hand: ") + QString::fromStdString(session_.CurrentFile));
+                           : tr("Calibration in hand: ") + shownString(session_.CurrentFile));
 }
 
 void FrmConfig::onFlyChanged(bool on) {

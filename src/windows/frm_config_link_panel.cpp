@@ -10,6 +10,7 @@
 #include "base/number_text.h"
 #include "qt/icons.h"
 #include "qt/look.h"
+#include "qt/qt_text.h"
 
 namespace zentaq {
 
@@ -19,8 +20,10 @@ namespace {
 constexpr double smallLetters = 0.8;
 
 void setText(QLabel* label, const std::string& text) {
-    const QString shown = QString::fromStdString(text);
-    if (label->text() != shown) label->setText(shown);
+    const QString shown = qString(shownLines(text));
+    if (label->text() == shown) return;
+    label->setTextFormat(Qt::PlainText);  // a name that looks like HTML is a name
+    label->setText(shown);
 }
 
 void keepPlace(QWidget* widget) {
@@ -96,8 +99,8 @@ void PortCombo::fill(int selected, const std::string& identity) {
     const QSignalBlocker quiet(this);
     clear();
     for (const PortInfo& port : ports_()) {
-        add(QString::fromStdString(numberText(port.number) + "  " + port.device + "  " + port.description),
-            port.number, port.identity);
+        add(shownString(numberText(port.number) + "  " + port.device + "  " + port.description), port.number,
+            port.identity);
     }
     const QString wanted = QString::fromStdString(identity);
     const int place = identity.empty() ? findData(selected) : findData(wanted, identityRole);
@@ -289,8 +292,8 @@ void LinkPanel::render(const LinkStatus& status) {
     setText(percentage_, status.progressText);
 }
 
-// Whatever has opened another port: the options, a search, an adapter that came back under another number. And
-// a unit that was found may stand on another device than the list, read a while ago, tells.
+// Whatever has opened another port: the options, a search, an adapter that came back under another number.
+// And a unit that was found may stand on another device than the list, read a while ago, tells.
 void LinkPanel::showPortInUse(const LinkStatus& status) {
     if (ports_->view()->isVisible()) return;
     const bool found = status.image == LinkImage::Monitor && image_ != LinkImage::Monitor;

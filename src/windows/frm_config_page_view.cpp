@@ -4,6 +4,7 @@
 #include <QHeaderView>
 
 #include "qt/look.h"
+#include "qt/qt_text.h"
 
 namespace zentaq {
 
@@ -42,10 +43,10 @@ void PageView::show(const std::vector<PageRow>& rows, bool onTheFly) {
 }
 
 void PageView::add(QTreeWidgetItem* item, const PageRow& row, bool onTheFly) {
-    item->setText(captionColumn, QString::fromStdString(row.caption));
-    item->setText(valueColumn, QString::fromStdString(row.value));
-    item->setText(unitColumn, QString::fromStdString(row.unit));
-    item->setText(rangeColumn, QString::fromStdString(row.range));
+    item->setText(captionColumn, shownString(row.caption));
+    item->setText(valueColumn, shownString(row.value));
+    item->setText(unitColumn, shownString(row.unit));
+    item->setText(rangeColumn, shownString(row.range));
     item->setText(memberColumn, QString::fromStdString(row.member));
     // Texts of rows that are no member read from the left.
     if (!row.member.empty()) item->setTextAlignment(valueColumn, Qt::AlignRight | Qt::AlignVCenter);

@@ -6,6 +6,8 @@
 #include <QScrollBar>
 #include <QTextBlock>
 
+#include "base/errors.h"
+#include "base/file_reader.h"
 #include "qt/look.h"
 
 namespace zentaq {
@@ -93,7 +95,9 @@ bool GuidePage::findText(const QString& text, bool backward) {
 /// The pages name a style sheet for web browsers; here the colours are the program's.
 QVariant GuidePage::loadResource(int type, const QUrl& name) {
     if (name.fileName() == QLatin1String(styleName)) return QByteArray();
-    const bool inside = name.isLocalFile() || name.isRelative();
+    const QString file = source().resolved(name).toLocalFile();
+    const bool inside = (name.isLocalFile() || name.isRelative()) &&
+                        skipFailing([&] { checkFile(file.toStdString(), limits::guidePage); });
     return inside ? QTextBrowser::loadResource(type, name) : QVariant();
 }
 

@@ -199,7 +199,7 @@ void MdiMain::closeEvent(QCloseEvent* event) {
 }
 
 void MdiMain::showTitle(const std::string& title) {
-    setWindowTitle(title.empty() ? QLatin1String(frameTitle) : qString(title));
+    setWindowTitle(title.empty() ? QLatin1String(frameTitle) : shownString(title));
 }
 
 void MdiMain::showOnFly(bool on) {
@@ -246,12 +246,12 @@ void MdiMain::refresh() {
     const std::string model(session_.currentUnitObject().kind().model);
     const std::string file = fileNameOf(session_.CurrentFile);
     panel(Panel::File)
-        .setText(session_.currentUnit() == 0 ? tr("No calibration") : qString(model + "  " + file));
+        .setText(session_.currentUnit() == 0 ? tr("No calibration") : shownString(model + "  " + file));
     panel(Panel::Modified).setText(session_.DataModified ? tr("Modified") : QString());
     // A cleared panel stays empty until the link has something new to tell.
     if (session_.link.status().panel3 != firmwareSeen_) {
         firmwareSeen_ = session_.link.status().panel3;
-        panel(Panel::Firmware).setText(qString(firmwareSeen_));
+        panel(Panel::Firmware).setText(shownString(firmwareSeen_));
     }
 }
 

@@ -38,6 +38,29 @@ TEST_F(ConsoleTest, AnEmptyTextGivesTimeDashAnd80Blanks) {
     EXPECT_EQ(console.lines().back(), "12:34:56 - " + std::string(80, ' '));
 }
 
+// ---- Texts from outside
+
+TEST_F(ConsoleTest, WhatWouldSpeakToATerminalIsEscapedOnTheScreenAndInTheFile) {
+    console.logFile(folder.file("zentaq.log"));
+    console.LogToFile(true);
+    console.SysLog("Connected to \x1B[2Jred\xE2\x80\xAE");
+    const std::string line = "12:34:56 - Connected to \\x1B[2Jred\\u{202E}" + std::string(52, ' ');
+    EXPECT_EQ(console.lines().back(), line);
+    EXPECT_EQ(fileText(), line + "\n");
+    console.CommLog("E \a\xFF");
+    EXPECT_EQ(console.commLines().back(), "E \\x07\\xFF");
+    console.plainLine("a\rb");
+    console.AddtoLastLine("\x1B");
+    EXPECT_EQ(console.lines().back(), "a\\rb \\x1B");
+}
+
+TEST_F(ConsoleTest, AnEventIsOneLineOfTheFileWhateverIsInIt) {
+    console.logFile(folder.file("zentaq.log"));
+    console.LogToFile(true);
+    console.SysLog("Failure\n12:34:56 - SUCCESS!");
+    EXPECT_EQ(fileText(), "12:34:56 - Failure 12:34:56 - SUCCESS!" + std::string(53, ' ') + "\n");
+}
+
 TEST_F(ConsoleTest, ExactlyEightyCharactersStayOneLine) {
     console.SysLog(std::string(80, 'x'));
     ASSERT_EQ(console.lines().size(), 1u);

@@ -121,6 +121,17 @@ TEST_F(MainWindow, TheToolbarOpensACalibrationLikeTheMenu) {
               "Current Calibration File: " + fake.session.CurrentFile);
 }
 
+TEST_F(MainWindow, TheTitleShowsANameOfAFileEscaped) {
+    const std::string odd = fake.folder.path("x\x1B[31m\xE2\x80\xAE.ZQ4OA");
+    std::filesystem::copy_file(calibrationFile(), odd);
+    fake.dialogs.files.push_back(odd);
+    find<QToolBar>("Toolbar1")->findChild<QAction*>("Open")->trigger();
+    ASSERT_EQ(fake.session.CurrentFile, odd);
+    EXPECT_TRUE(windows.main().windowTitle().endsWith("x\\x1B[31m\\u{202E}.ZQ4OA"))
+        << windows.main().windowTitle().toStdString();
+    EXPECT_FALSE(windows.main().windowTitle().contains(u'\u202E'));
+}
+
 TEST_F(MainWindow, ShowsOnFlyInItsPanelOnlyWhileTheModeIsOn) {
     windows.onFlyChanged(true);
     EXPECT_EQ(find<QLabel>("StatusBar1_Panel2")->text(), "ONFLY");

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -107,6 +108,44 @@ TEST_F(QtSettingsTest, OddTextsComeBackAsTheyWere) {
 TEST_F(QtSettingsTest, AHandEditedValueWithACommaIsItsText) {
     folder.write("Zentaq4.ini", "[System]\nADUR=1,5\n");
     EXPECT_EQ(QtSettings(path).get("System", "ADUR"), "1,5");
+}
+
+// ---- What is no file of settings
+
+TEST_F(QtSettingsTest, APipeInThePlaceOfTheFileHoldsNobodyUp) {
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    QtSettings settings(path);
+    settings.set("System", "CommPort", "7");
+    EXPECT_EQ(settings.get("System", "CommPort", "1"), "7") << "it lasts for the run";
+    EXPECT_EQ(settings.get("System", "AutoLog", "none"), "none");
+    listen(settings);
+    EXPECT_THAT(troubles, ElementsAre("Cannot read " + path +
+                                      ": it is a pipe, not a file. Changed settings last for this run; "
+                                      "remove what stands there."));
+    EXPECT_TRUE(std::filesystem::is_fifo(path));
+}
+
+TEST_F(QtSettingsTest, APipeThatComesInThePlaceOfTheFileHoldsNobodyUpEither) {
+    QtSettings settings(path);
+    listen(settings);
+    settings.set("System", "CommPort", "7");
+    std::filesystem::remove(path);
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    settings.set("System", "CommPort", "8");
+    settings.set("System", "CommPort", "9");
+    EXPECT_EQ(settings.get("System", "CommPort"), "9");
+    EXPECT_EQ(troubles.size(), 1U) << "told once";
+}
+
+TEST_F(QtSettingsTest, AFileOfGigabytesIsNotReadAndStays) {
+    folder.write("Zentaq4.ini", "[System]\nCommPort=7\n");
+    std::filesystem::resize_file(path, std::uintmax_t{2} << 30);
+    QtSettings settings(path);
+    settings.set("System", "CommPort", "8");
+    listen(settings);
+    ASSERT_EQ(troubles.size(), 1U);
+    EXPECT_THAT(troubles[0], HasSubstr("it has 2147483648 bytes; a settings file has at most 1048576"));
+    EXPECT_EQ(std::filesystem::file_size(path), std::uintmax_t{2} << 30);
 }
 
 /// The next test runs this one as a process of its own, on its own file.

@@ -176,6 +176,25 @@ TEST(QtDialogs, ABoxShowsTitleAndTextAndAnswersItsButton) {
     EXPECT_EQ(text, "Are you sure?\nReally?");
 }
 
+TEST(QtDialogs, ABoxShowsTextsFromOutsideEscapedAndNeverTheWholeOfAFile) {
+    QtDialogs dialogs;
+    QString title;
+    QString text;
+    const auto look = [&](QMessageBox& box) {
+        title = box.windowTitle();
+        text = box.text();
+        box.close();
+    };
+    whenOpen<QMessageBox>(look);
+    dialogs.show({.title = "Tune\xE2\x80\xAE\nB", .text = "Calibration \x1B[1m\xE2\x80\x8B<b>x</b>\nkept"});
+    EXPECT_EQ(title, "Tune\\u{202E}\\nB");
+    EXPECT_EQ(text, "Calibration \\x1B[1m\\u{200B}<b>x</b>\nkept");
+    whenOpen<QMessageBox>(look);
+    dialogs.show({.title = "Failed", .text = std::string(35'000, 'x') + " is no number"});
+    EXPECT_LE(text.size(), 3000);
+    EXPECT_TRUE(text.endsWith(" is no number"));
+}
+
 TEST(QtDialogs, ALineThatIsTooLongForTheScreenIsBrokenAndNotCut) {
     QtDialogs dialogs;
     std::string text = "The first line.\n";
