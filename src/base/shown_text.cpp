@@ -124,6 +124,7 @@ bool isBegun(std::string_view text) {
 }  // namespace
 
 bool isShownAsItIs(char32_t code) {
+    if (code >= ' ' && code <= '~') return true;  // nearly all there is
     const auto* range = std::ranges::lower_bound(unseen, code, {}, &CodeRange::last);
     return range == std::end(unseen) || code < range->first;
 }

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/errors.h"
+#include "base/file_reader.h"
 #include "base/number_text.h"
 #include "unit/file_kind.h"
 
@@ -28,6 +29,7 @@ CalibrationFileKind recognised(const std::string& path) {
 }
 
 std::uintmax_t lengthOf(const std::string& path) {
+    checkFile(path, limits::calibration);
     std::error_code error;
     const auto length = std::filesystem::file_size(path, error);
     if (error) throw FileError("Cannot read " + path + ": " + error.message());

@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "base/errors.h"
+#include "base/file_reader.h"
 #include "base/text.h"
 #include "link/firmware_file.h"
 #include "link/link.h"
@@ -35,6 +36,7 @@ int lineCount(std::istream& text) {
 
 /// Lines of a text file. Throws FileError.
 int ORB_File_Length(const std::string& path) {
+    checkFile(path, limits::image);
     std::ifstream file(path, std::ios::binary);
     if (!file) throw FileError("Cannot open " + path);
     const int lines = lineCount(file);

@@ -2,13 +2,15 @@
 
 #include <QTimer>
 
+#include "base/errors.h"
+
 namespace zentaq {
 
 bool Application::notify(QObject* receiver, QEvent* event) {
     try {
         return QApplication::notify(receiver, event);
     } catch (const std::exception& failure) {
-        tell(failure.what());
+        tell(textOfFailure(failure));
     } catch (...) {
         tell("Unknown failure");
     }
