@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "base/errors.h"
+#include "base/file_reader.h"
 #include "temporary_folder.h"
 
 namespace zentaq {
