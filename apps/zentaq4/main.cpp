@@ -15,6 +15,7 @@
 #include "qt/qt_settings.h"
 #include "qt/qt_ticker.h"
 #include "qt/qt_yield.h"
+#include "unit/file_writer.h"
 #include "windows/window_manager.h"
 
 namespace {
@@ -27,7 +28,9 @@ int run(Application& application, QtDialogs& dialogs) {
     QtYield yield;
     QtSerialPort port(clock, systemPorts);
     QtTicker ticker(port, clock);
-    Session session({port, ticker, clock, settings, dialogs, yield, applicationFolder(), userFolder()});
+    ThreadedFileWriter writer;
+    Session session(
+        {port, ticker, clock, settings, dialogs, yield, applicationFolder(), userFolder(), &writer});
     MainCommands commands(session);
     Kernel kernel(session, commands);
     settings.onTrouble([&kernel](const std::string& trouble) { kernel.report(trouble); });

@@ -101,6 +101,7 @@ void importOld(const Context& context, const std::string& file, const std::strin
     refuseSameFile(output, file);
     refuseStandardOutput(output);
     refuseReplacing(context, output, "calibration");
+    const FileLock lock(output);
     const auto calibration = QuietCalibration::importOld(file, context.database);
     calibration->unit.BinFile(output);
     calibration->unit.SaveFile();

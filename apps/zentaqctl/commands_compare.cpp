@@ -11,6 +11,7 @@
 #include "config/calibration_merge.h"
 #include "config/quiet_calibration.h"
 #include "outputs.h"
+#include "unit/file_lock.h"
 #include "unit/safe_file.h"
 
 namespace zentaq::ctl {
@@ -145,6 +146,7 @@ void mergeFiles(const Context& context, const std::string& base, const std::stri
                 const std::string& second, const std::string& output) {
     refuseStandardOutput(output);
     refuseReplacing(context, output, "calibration", {base, first, second});
+    const FileLock lock(output);  // it may be one of those that are read
     const std::string baseBytes = calibrationOf(base);
     std::string firstBytes = calibrationOf(first);
     std::string secondBytes = calibrationOf(second);
@@ -170,6 +172,7 @@ void importText(const Context& context, const std::string& input, const std::str
     refuseSameFile(output, input);
     refuseReplacing(context, output, "calibration");
     const std::string text = readInput(input, limits::calibrationText);
+    const FileLock lock(output);
     writeFileSafely(output, naming(nameOf(input), [&] { return fileFromListing(text); }));
 }
 

@@ -149,6 +149,10 @@ void program(const Context& context, const std::string& port, const std::string&
     if (desk.session().linkedUnit().kind().slot != calibration.unit.kind().slot) {
         throw Failure(std::string(incorrectUnit));
     }
+    endOnFailure([&] { calibration.unit.settleFirmware(); },
+                 [&](const std::string& why) {
+                     throw Failure(file + " makes no image: " + why + ". Nothing was sent to the unit.");
+                 });
     warnOlderFirmware(context, desk);
     programUnit(desk, file);
     tell(context, calibration.host);

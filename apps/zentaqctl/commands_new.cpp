@@ -38,11 +38,12 @@ Model modelNamed(const std::string& text) {
 }
 
 const Database& referenceOf(const Context& context) {
-    const Database* database = context.database.get();
-    if (database != nullptr) return *database;
-    throw Failure(
-        "The reference database bin/data/zentaq410-02.pak beside the program is missing or damaged; engines, "
-        "sensors and default values are in it");
+    const Database* database = nullptr;
+    endOnFailure([&] { database = &context.database.get(); },
+                 [](const std::string& why) {
+                     throw Failure(why + "; engines, sensors and default values are in it");
+                 });
+    return *database;
 }
 
 /// Those of one variant, or of all variants of the kind.
@@ -261,6 +262,7 @@ void makeNew(const Context& context, const NewCalibration& wanted) {
             writeMember(calibration, memberOf(unit.kind(), setting.member), setting.value, 0);
         }
     }
+    const FileLock lock(wanted.output);
     unit.SaveFile();
     tell(context, calibration.host);
     noteForeignExtension(context, unit.kind(), wanted.output);

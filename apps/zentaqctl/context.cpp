@@ -41,10 +41,18 @@ void tell(const Context& context, const QuietHost& host) {
     for (const std::string& text : host.told()) context.notes << shownError(text) << '\n';
 }
 
-Change::Change(const Context& context, const std::string& file, const std::string& output)
-    : context_(context) {
+namespace {
+
+const std::string& targetOf(const Context& context, const std::string& file, const std::string& output) {
     refuseStandardOutput(output);
     refuseReplacing(context, output, "calibration", {file});
+    return output.empty() ? file : output;
+}
+
+}  // namespace
+
+Change::Change(const Context& context, const std::string& file, const std::string& output)
+    : context_(context), lock_(targetOf(context, file, output)) {
     calibration_ = openCalibration(context, file);
     calibration_->unit.BinFile(output.empty() ? file : output);
 }

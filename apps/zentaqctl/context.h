@@ -9,6 +9,7 @@
 #include "base/file_reader.h"
 #include "config/quiet_calibration.h"
 #include "config/quiet_host.h"
+#include "unit/file_lock.h"
 
 namespace zentaq::ctl {
 
@@ -34,12 +35,14 @@ void tell(const Context& context, const QuietHost& host);
 class Change {
  public:
     /// An empty output means `file` itself. Throws Failure for "-": a calibration does not go to a terminal.
+    /// The file that will be written is locked from before the read.
     Change(const Context& context, const std::string& file, const std::string& output);
     QuietCalibration& calibration() { return *calibration_; }
     void save();
 
  private:
     const Context& context_;
+    FileLock lock_;
     std::unique_ptr<QuietCalibration> calibration_;
 };
 

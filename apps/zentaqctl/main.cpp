@@ -19,25 +19,26 @@ constexpr int done = 0;
 constexpr int refusedOrFailed = 1;
 constexpr int wrongUsage = 2;
 
-/// The database of the application folder that this program stands in, opened when it is first asked for;
-/// none where it is missing or damaged.
+/// The database of the application folder that this program stands in, opened when it is first asked for.
 class ReferenceData {
  public:
-    const zentaq::Database* get() {
-        if (!tried_) open();
-        return database_ ? &*database_ : nullptr;
+    /// Throws Failure, with the reason, where it cannot be opened. One that another program has locked is
+    /// waited for once; whoever asks again learns the same.
+    const zentaq::Database& get() {
+        if (!database_ && why_.empty()) open();
+        if (!database_) throw zentaq::Failure(why_);
+        return *database_;
     }
 
  private:
     void open() {
-        tried_ = true;
-        zentaq::skipFailing([&] {
-            const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
-            database_ = zentaq::Database::open((folder / "bin/data/zentaq410-02.pak").string());
-        });
+        const auto folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+        const std::string path = (folder / "bin/data/zentaq410-02.pak").string();
+        zentaq::endOnFailure([&] { database_ = zentaq::Database::open(path); },
+                             [&](const std::string& why) { why_ = why; });
     }
 
-    bool tried_ = false;
+    std::string why_;
     std::optional<zentaq::Database> database_;
 };
 
@@ -72,7 +73,7 @@ struct Streams {
 /// Runs one command under the policy "ends at the first failure, told in one line".
 int runCommand(const zentaq::ctl::Run& command, const zentaq::ctl::CommandLine& line, Streams& streams) {
     ReferenceData reference;
-    const zentaq::ctl::Context context{.database = zentaq::DatabaseSource([&] { return reference.get(); }),
+    const zentaq::ctl::Context context{.database = zentaq::DatabaseSource([&]() -> const zentaq::Database& { return reference.get(); }),
                                        .out = streams.out.stream(),
                                        .notes = streams.error.stream(),
                                        .data = streams.out.plain(),

@@ -208,7 +208,10 @@ void addFirmware(std::vector<Member>& members, const UnitKind& kind) {
          .reach = Reach::Programming,
          .meaning = "Release of the firmware that the calibration is for"},
         {1, kind.defaultRelease, {}}, [](Unit& unit, int) { return unit.FW_Release(); },
-        [](Unit& unit, int, int value) { unit.FW_Release(value); }));
+        [](Unit& unit, int, int value) {
+            unit.FW_Release(value);
+            unit.settleFirmware();
+        }));
     members.push_back(wholeMember(
         {.name = "FW_Build",
          .reach = Reach::Programming,

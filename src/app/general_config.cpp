@@ -46,11 +46,12 @@ const ModelEntry* GeneralConfig::modelInHand() {
     int variant = 0;
     if (session_.link.linked().LinkedUnitKind == slot) variant = session_.link.linked().UnitSubType;
     skipFailing([&] {
-        if (!session_.database) return;
-        const auto row = session_.database->config(session_.CurrentFile);
+        const Database* database = session_.reference();
+        if (database == nullptr) return;
+        const auto row = database->config(session_.CurrentFile);
         if (row) found = modelEntryOf(row->orbName);
         const int option = toInt16(static_cast<double>(unit().get("Option_Type")));
-        const auto engine = session_.database->engine(engineListKind(unit().kind()), option);
+        const auto engine = database->engine(engineListKind(unit().kind()), option);
         if (engine && engine->orbSubType != 0) variant = engine->orbSubType;
     });
     const ModelEntry* byKind = modelEntryOfSlot(slot, variant);
@@ -69,7 +70,8 @@ std::vector<const ModelEntry*> GeneralConfig::modelChoices() {
 std::vector<EngineRow> GeneralConfig::engines() {
     std::vector<EngineRow> rows;
     skipFailing([&] {
-        if (session_.database && inHand()) rows = enginesOfModel(*session_.database, *model_);
+        const Database* database = session_.reference();
+        if (database != nullptr && inHand()) rows = enginesOfModel(*database, *model_);
     });
     return rows;
 }
@@ -77,7 +79,7 @@ std::vector<EngineRow> GeneralConfig::engines() {
 std::vector<MapSensorRow> GeneralConfig::sensors() {
     std::vector<MapSensorRow> rows;
     skipFailing([&] {
-        if (session_.database) rows = session_.database->mapSensors();
+        if (const Database* database = session_.reference()) rows = database->mapSensors();
     });
     return rows;
 }
@@ -129,7 +131,7 @@ std::string GeneralConfig::textOf(const GeneralRow& row) {
     }
     if (!inHand()) return {};
     if (row.control == "cmbORB_UNIT") return std::string(model_->name);
-    const Database* database = session_.database ? &*session_.database : nullptr;
+    const Database* database = session_.reference();
     if (row.control == "cmbEngine") {
         const auto engine = database == nullptr
                                 ? std::nullopt

@@ -19,6 +19,7 @@
 namespace zentaq {
 
 struct GeneralRow;
+class UnitSnapshot;
 
 /// What a control of the form is.
 enum class GeneralKind { Text, Choice, Option, Check };
@@ -65,7 +66,12 @@ class GeneralConfig {
     std::string lblUAP() const { return lblUAP_; }
     const std::optional<InjectorSizing>& sizing() const { return sizing_; }
 
-    /// Key "Save" of the form's toolbar. True: the calibration is a file, and the form has done its work.
+    /// Key "Save" of the form's toolbar. `then` is told whether the calibration is a file and the form has
+    /// done its work: when it is on the disk, or at once when there is nothing to write. Until then the form
+    /// takes nothing.
+    using Saved = std::function<void(bool saved)>;
+    void save(const Saved& then);
+    /// The same for callers whose saves are done at once: answers what `then` is told.
     bool save();
     /// Something was entered that no file holds yet.
     bool modified() const;
@@ -106,12 +112,13 @@ class GeneralConfig {
     void computeFlow();
     void computePulse();
 
-    bool saveNew();
-    bool saveInHand();
+    void saveNew(const Saved& then);
+    void saveInHand(const Saved& then);
+    void storeNew(const std::string& path, const UnitSnapshot& entered, const Saved& then);
     std::string askFile();
     bool fillWithDefaults();
-    bool storeAs(const std::string& path);
-    void finishSaving(const std::string& path);
+    void tellNotSaved(const std::string& why);
+    void finishSaving(const std::string& path, const FileSaved& saved);
     void storeConfig();
     void tell(const std::string& title, const std::string& text);
 
@@ -127,6 +134,7 @@ class GeneralConfig {
     int rows_ = 0;  ///< of the tables of a new calibration
     int columns_ = 0;
     std::string formerForm_;
+    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  ///< asked by what comes when a save ends
 };
 
 }  // namespace zentaq

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 
 #include "app/general_config.h"
@@ -16,6 +17,7 @@ struct GeneralConfig::Former {
 
     FileHeader header;
     std::string currentFile;
+    std::optional<std::string> fileHolds;
     int fileFilterIndex;
     bool dataModified;
     bool onTheFly;

@@ -28,6 +28,7 @@ std::string titleOf(const std::string& file) {
 GeneralConfig::Former::Former(Session& session)
     : header(session.header()),
       currentFile(session.CurrentFile),
+      fileHolds(session.fileHolds),
       fileFilterIndex(session.FileFilterIndex),
       dataModified(session.DataModified),
       onTheFly(session.currentUnitObject().ONFLY_MODE()),
@@ -92,6 +93,7 @@ void GeneralConfig::begin(const ModelEntry& model) {
 
     model_ = &model;
     session_.CurrentFile.clear();
+    session_.fileHolds.reset();
     session_.DataModified = false;
     session_.FileFilterIndex = chosen.kind().fileFilter;
     putFigures(engine, sensor);
@@ -111,7 +113,7 @@ void GeneralConfig::takeFirmware(Unit& chosen) {
 /// What the default values of the unit kind say; plain figures without a database.
 float GeneralConfig::atFirst(std::string_view member) {
     EngineFigures figures;
-    skipFailing([&] { figures = startingFigures(session_.database.value(), unit().kind()); });
+    skipFailing([&] { figures = startingFigures(session_.requireReference(), unit().kind()); });
     if (member == "REV_Limiter") return figures.revLimit;
     if (member == "scale1") return figures.fullScalePulse;
     if (member == "INJ_On") return figures.openingTime;
@@ -120,8 +122,8 @@ float GeneralConfig::atFirst(std::string_view member) {
     const std::string plain(member);
     const std::string own = plain + std::string(refdata::defaultsSuffix(unit().kind().slot));
     float value = 0;
-    skipFailing([&] { value = session_.database.value().defaults(plain).at(0); });
-    skipFailing([&] { value = session_.database.value().defaults(own).at(0); });
+    skipFailing([&] { value = session_.requireReference().defaults(plain).at(0); });
+    skipFailing([&] { value = session_.requireReference().defaults(own).at(0); });
     return value;
 }
 
@@ -130,7 +132,7 @@ void GeneralConfig::putFigures(const std::string& engine, int sensor) {
     Unit& chosen = unit();
     if (sensor != 0) {
         skipFailing([&] {
-            const auto row = session_.database.value().mapSensor(sensor);
+            const auto row = session_.requireReference().mapSensor(sensor);
             if (row) noteRefused(chooseSensor(chosen, *row));
         });
     }
@@ -173,6 +175,7 @@ void GeneralConfig::putBack() {
     }
     session_.followLinkedKind();
     session_.CurrentFile = former->currentFile;
+    session_.fileHolds = former->fileHolds;
     session_.FileFilterIndex = former->fileFilterIndex;
     session_.DataModified = former->dataModified;
     const bool sameLink =

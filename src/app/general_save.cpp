@@ -8,6 +8,7 @@
 #include "app/main_commands.h"
 #include "base/errors.h"
 #include "config/basic_figures.h"
+#include "config/unit_snapshot.h"
 #include "unit/file_kind.h"
 
 namespace zentaq {
@@ -20,21 +21,28 @@ constexpr int noSensor = 1007;
 }  // namespace
 
 bool GeneralConfig::save() {
+    bool stored = false;
+    save([&stored](bool saved) { stored = saved; });
+    return stored;
+}
+
+void GeneralConfig::save(const Saved& then) {
+    if (session_.saving.running()) return then(false);
     if (!inHand()) {
         session_.messages.Display_Error(noUnit);
-        return false;
+        return then(false);
     }
-    if (creating() && !session_.database) {
+    if (creating() && !session_.reference()) {
         tell("Reference Database", "The reference database could not be opened:\n" + session_.DatabaseFile +
                                        "\nA new calibration takes its engine, its sensor and its default "
                                        "values from there.\nInstall the program again to get it back.");
-        return false;
+        return then(false);
     }
     if (unit().get("MAP_ID") == 0) {
         session_.messages.Display_Error(noSensor);
-        return false;
+        return then(false);
     }
-    return creating() ? saveNew() : saveInHand();
+    creating() ? saveNew(then) : saveInHand(then);
 }
 
 void GeneralConfig::tell(const std::string& title, const std::string& text) {
@@ -43,22 +51,41 @@ void GeneralConfig::tell(const std::string& title, const std::string& text) {
 
 // ---- A new one
 
-bool GeneralConfig::saveNew() {
+void GeneralConfig::saveNew(const Saved& then) {
     // A calibration without cylinders and trigger would run no engine.
     if (unit().get("Option_Type") == 0) {
         tell("Engine Type", "No engine selected.\nPlease choose the engine from the list.");
-        return false;
+        return then(false);
     }
     const std::string path = askFile();
-    if (path.empty()) return false;
+    if (path.empty()) return then(false);
     // What has been entered so far is what a failure leaves in the form.
     const UnitSnapshot entered(unit());
-    if (!fillWithDefaults() || !storeAs(path)) {
+    if (!fillWithDefaults()) {
         entered.restore(unit());
-        return false;
+        return then(false);
     }
-    finishSaving(path);
-    return true;
+    storeNew(path, entered, then);
+}
+
+void GeneralConfig::storeNew(const std::string& path, const UnitSnapshot& entered, const Saved& then) {
+    unit().BinFile(path);
+    const Unit::FileContent content = unit().fileContent();
+    const auto ended = [this, alive = std::weak_ptr<bool>(alive_), path, entered, content,
+                        then](const FileSaved& saved) {
+        if (alive.expired()) return;
+        if (saved.outcome != FileSaved::Outcome::Done) {
+            entered.restore(unit());
+            tellNotSaved(saved.why);
+            return then(false);
+        }
+        unit().noteSaved(content);
+        constexpr int dataSaved = 1001;
+        session_.messages.Display_Message(dataSaved);
+        finishSaving(path, saved);
+        then(true);
+    };
+    session_.saving.begin({path, content.bytes, std::nullopt}, ended);
 }
 
 /// Empty where the user has thought better of it.
@@ -92,7 +119,7 @@ bool GeneralConfig::fillWithDefaults() {
             }
             const float turnOn = made.get("MT");
             const float closed = made.get("TPS_FCV");
-            noteRefused(loadDefaults(made, *session_.database, figures));
+            noteRefused(loadDefaults(made, session_.requireReference(), figures));
             made.store("MT", turnOn);
             made.store("TPS_FCV", closed);
         },
@@ -104,23 +131,17 @@ bool GeneralConfig::fillWithDefaults() {
         });
 }
 
-bool GeneralConfig::storeAs(const std::string& path) {
-    return endOnFailure(
-        [&] {
-            unit().BinFile(path);
-            unit().SaveFile();
-        },
-        [&](const std::string& why) {
-            session_.sysLog("Calibration file not saved: " + why);
-            tell("File Save Error", "The calibration could not be saved.\n" + why +
-                                        "\nWhat you have entered is still in the form: save again and choose "
-                                        "another folder.");
-        });
+void GeneralConfig::tellNotSaved(const std::string& why) {
+    session_.sysLog("Calibration file not saved: " + why);
+    tell("File Save Error", "The calibration could not be saved.\n" + why +
+                                "\nWhat you have entered is still in the form: save again and choose another "
+                                "folder.");
 }
 
-void GeneralConfig::finishSaving(const std::string& path) {
+void GeneralConfig::finishSaving(const std::string& path, const FileSaved& saved) {
     former_.reset();  // the new one has taken its place
     session_.CurrentFile = path;
+    session_.fileHolds = saved.holds;
     session_.header().fileState = "OLD";
     session_.DataModified = false;
     entered_ = false;
@@ -135,29 +156,22 @@ void GeneralConfig::finishSaving(const std::string& path) {
 
 // ---- The one in hand
 
-bool GeneralConfig::saveInHand() {
+void GeneralConfig::saveInHand(const Saved& then) {
     // The main window's command knows the files of the older generation, and tells what went wrong.
-    const bool changed = std::exchange(session_.DataModified, true);
-    MainCommands commands(session_);
-    if (session_.CurrentFile.empty()) {
-        commands.saveAs();
-    } else {
-        commands.save();
-    }
-    if (session_.DataModified) {
-        session_.DataModified = changed;
-        return false;
-    }
-    entered_ = false;
-    storeConfig();
-    return true;
+    MainCommands(session_).saveInHand([this, alive = std::weak_ptr<bool>(alive_), then](bool saved) {
+        if (alive.expired()) return;
+        if (saved) {
+            entered_ = false;
+            storeConfig();
+        }
+        then(saved);
+    });
 }
 
 void GeneralConfig::storeConfig() {
     endOnFailure(
         [&] {
-            if (!session_.database) throw Failure("the reference database is not open");
-            session_.database->storeConfig(
+            session_.requireReference().storeConfig(
                 {session_.CurrentFile, session_.currentUnit(), std::string(model_->name)});
         },
         [&](const std::string& why) { session_.sysLog("Model of the file not remembered: " + why); });

@@ -1,6 +1,8 @@
 #include "app/main_commands.h"
 
 #include <filesystem>
+#include <memory>
+#include <utility>
 
 #include "app/sensor_matching.h"
 #include "app/settings_keys.h"
@@ -11,6 +13,7 @@
 #include "config/tree.h"
 #include "link/firmware_file.h"
 #include "unit/file_kind.h"
+#include "unit/reference_needed.h"
 
 namespace zentaq {
 
@@ -59,37 +62,99 @@ Release releaseOfProgram() {
 
 }  // namespace
 
-bool MainCommands::offerToSave() {
-    if (!leaveGeneralConfig()) return false;
-    if (!session_.DataModified) return true;
+void MainCommands::offerToSave(std::function<void()> goOn) {
+    if (!leaveGeneralConfig()) return;
+    if (!session_.DataModified) return goOn();
     const Answer answer =
         session_.dialogs().show({"SAVE", "Save changes?", Icon::Question, Buttons::OkCancel});
-    return answer != Answer::Ok || saveCurrent();
+    if (answer != Answer::Ok) return goOn();
+    // What was changed while the disk was busy is asked about as well.
+    saveCurrent([commands = *this, goOn = std::move(goOn)](bool saved) mutable {
+        if (saved) commands.offerToSave(std::move(goOn));
+    });
+}
+
+void MainCommands::saveInHand(const Saved& then) {
+    if (session_.CurrentFile.empty()) {
+        saveUnderNewName(then);
+    } else {
+        saveCurrent(then);
+    }
 }
 
 // A file of the older generation is never written over: nothing could read the result by its name, and the
 // user was told to use Save As.
-bool MainCommands::saveCurrent() {
-    return isOldName(session_.CurrentFile) ? saveUnderNewName() : saveChecked();
+void MainCommands::saveCurrent(const Saved& then) {
+    if (isOldName(session_.CurrentFile)) return saveUnderNewName(then);
+    saveChecked(session_.fileHolds, {}, then);
 }
 
-bool MainCommands::saveChecked() {
-    return endOnFailure(
+void MainCommands::saveChecked(std::optional<std::string> known, const std::function<void()>& stored,
+                               const Saved& then) {
+    auto job = std::make_shared<SaveJob>();
+    const bool made = endOnFailure(
         [&] {
-            session_.currentUnitObject().SaveFile();
-            session_.DataModified = false;
+            Unit& unit = session_.currentUnitObject();
+            job->content = unit.fileContent();
+            job->save = {unit.BinFile(), job->content.bytes, std::move(known)};
         },
-        [&](const std::string& why) {
-            session_.sysLog("Calibration file not saved: " + why);
-            session_.dialogs().show(
-                {"File Save Error",
-                 "The calibration could not be saved.\n" + why +
-                     "\nThe calibration is still in memory: choose Save As and another folder.",
-                 Icon::Critical, Buttons::Ok});
-        });
+        [&](const std::string& why) { tellNotSaved(why); });
+    if (!made) return then(false);
+    job->formerCode = session_.header().firmwareCode;
+    job->changes = session_.userChanges();
+    job->stored = stored;
+    job->then = then;
+    // The commands may be gone by then: they are as good as their session.
+    session_.saving.begin(job->save, [job, commands = *this](const FileSaved& saved) mutable {
+        commands.saveEnded(*job, saved);
+    });
+}
+
+void MainCommands::saveEnded(SaveJob& job, const FileSaved& saved) {
+    if (saved.outcome == FileSaved::Outcome::Failed) {
+        tellNotSaved(saved.why);
+        return job.then(false);
+    }
+    if (saved.outcome == FileSaved::Outcome::Changed) {
+        if (!mayOverwriteChange(job.save.path)) return job.then(false);
+        // What it holds now has been asked about; yet another change is asked about again.
+        return saveChecked(saved.holds, job.stored, job.then);
+    }
+    // A unit that has told its firmware meanwhile has brought the calibration in hand on.
+    const float code = session_.header().firmwareCode;
+    session_.currentUnitObject().noteSaved(job.content);
+    if (code != job.formerCode) session_.header().firmwareCode = code;
+    if (session_.userChanges() == job.changes) session_.DataModified = false;
+    session_.fileHolds = saved.holds;
+    if (job.stored) job.stored();
+    constexpr int dataSaved = 1001;
+    session_.messages.Display_Message(dataSaved);
+    job.then(true);
+}
+
+bool MainCommands::mayOverwriteChange(const std::string& path) {
+    const Answer answer = session_.dialogs().show(
+        {.title = "File Changed",
+         .text = "FILE CHANGED:   " + path +
+                 "\nThe file was changed by another program since it was opened.\nOverwrite?",
+         .icon = Icon::Exclamation,
+         .buttons = Buttons::YesNo,
+         .declines = true});
+    if (answer == Answer::Yes) return true;
+    session_.sysLog("Calibration file not saved: another program has changed it.");
+    return false;
+}
+
+void MainCommands::tellNotSaved(const std::string& why) {
+    session_.sysLog("Calibration file not saved: " + why);
+    session_.dialogs().show({"File Save Error",
+                             "The calibration could not be saved.\n" + why +
+                                 "\nThe calibration is still in memory: choose Save As and another folder.",
+                             Icon::Critical, Buttons::Ok});
 }
 
 void MainCommands::newCalibration() {
+    if (session_.saving.putsOff("New", [commands = *this]() mutable { commands.newCalibration(); })) return;
     if (refusedByTransfer()) return;
     if (!leaveGeneralConfig()) return;
     // Asked whether or not something was changed: the file on the disk may be all there is of this tune.
@@ -97,8 +162,19 @@ void MainCommands::newCalibration() {
         const Answer answer = session_.dialogs().show(
             {"Save Data?", "Would you like to save the Current .BIN file before creating a new one?",
              Icon::Question, Buttons::YesNo});
-        if (answer == Answer::Yes && !saveCurrent()) return;
+        if (answer == Answer::Yes) {
+            return saveCurrent([commands = *this](bool saved) mutable {
+                if (!saved) return;
+                // What was changed while the disk was busy is asked about as well.
+                commands.session_.DataModified ? commands.newCalibration() : commands.startNew();
+            });
+        }
     }
+    startNew();
+}
+
+void MainCommands::startNew() {
+    if (refusedByTransfer()) return;  // begun while the disk was busy
     session_.header().fileState = "NEW";
     session_.windows().openGeneralConfig();
 }
@@ -108,10 +184,16 @@ bool MainCommands::leaveGeneralConfig() {
 }
 
 void MainCommands::open() {
+    if (session_.saving.putsOff("Open", [commands = *this]() mutable { commands.open(); })) return;
     if (refusedByTransfer()) return;
     if (!leaveGeneralConfig()) return;
+    if (session_.CurrentFile.empty()) return startOpening();
     // A save that was wanted and failed ends the command, so that nothing is lost.
-    if (!session_.CurrentFile.empty() && !offerToSave()) return;
+    offerToSave([commands = *this]() mutable { commands.startOpening(); });
+}
+
+void MainCommands::startOpening() {
+    if (refusedByTransfer()) return;  // begun while the disk was busy
     while (openOnce() == Next::AskAgain) {
     }
 }
@@ -151,27 +233,43 @@ MainCommands::Next MainCommands::openOlder(const std::string& path, std::uintmax
                         "INCORRECT FILE SIZE:   " + std::to_string(length) + "\nEnter a new filename?");
     }
     session_.sysLog("Opened Bin File: " + path);
-    if (!read(slot, [&](Unit& unit) { unit.OldFileOpen(path); }))
-        return askAgain("File Read Error", corrupt(path));
+    std::string why;
+    const Outcome outcome = read(
+        slot, [&](Unit& unit) { unit.OldFileOpen(path); }, why);
+    if (outcome != Outcome::Whole) return tellNotRead(outcome, path, why);
     session_.inform("This is an old format file.  You MUST do a 'Save As...' to save the file again.");
     finishOpening(path);
+    session_.fileHolds.reset();  // never written over
     return Next::Done;
 }
 
-bool MainCommands::read(int slot, const std::function<void(Unit&)>& file) {
+MainCommands::Outcome MainCommands::read(int slot, const std::function<void(Unit&)>& file,
+                                         std::string& why) {
     // The former calibration stays in place until the new one has been read whole. Reading lets events in: a
     // unit that comes meanwhile may take either of them to the other slot of its class.
     const FileHeader former = session_.header();
     const Unit& formerUnit = session_.currentUnitObject();
-    const bool whole = endOnFailure(
+    Outcome outcome = Outcome::Whole;
+    session_.retryReference();
+    endOnFailure(
         [&] {
+            outcome = Outcome::Corrupt;
             Unit& unit = session_.Units(slot);
             session_.CurrentUnit(static_cast<float>(slot));
-            file(unit);
+            try {
+                file(unit);
+            } catch (const ReferenceNeeded&) {
+                outcome = Outcome::NeedsReference;
+                throw;
+            }
             session_.CurrentUnit(static_cast<float>(unit.kind().slot));
+            outcome = Outcome::Whole;
         },
-        [&](const std::string& why) { session_.sysLog("Calibration file not read: " + why); });
-    if (whole) {
+        [&](const std::string& reason) {
+            why = reason;
+            session_.sysLog("Calibration file not read: " + why);
+        });
+    if (outcome == Outcome::Whole) {
         session_.header().fileState = "OLD";
         // A table of one kind does not stand over the calibration of another, which may lack it.
         const bool otherKind = &formerUnit != &session_.currentUnitObject();
@@ -181,7 +279,17 @@ bool MainCommands::read(int slot, const std::function<void(Unit&)>& file) {
         if (former.currentUnit != 0) session_.CurrentUnit(static_cast<float>(formerUnit.kind().slot));
     }
     session_.followLinkedKind();
-    return whole;
+    return outcome;
+}
+
+MainCommands::Next MainCommands::tellNotRead(Outcome outcome, const std::string& path,
+                                             const std::string& why) {
+    if (outcome == Outcome::Corrupt) return askAgain("File Read Error", corrupt(path));
+    return askAgain("Reference Database",
+                    "FILE CANNOT BE CONVERTED:   " + fileNameOf(path) +
+                        "\nThis file was made for another firmware and must be converted.\n" + why +
+                        "\nNothing was opened. Close the program that uses the database, or install this one "
+                        "again.\nDo you want to enter a new filename?");
 }
 
 MainCommands::Next MainCommands::openCalibration(const std::string& path) {
@@ -211,8 +319,15 @@ MainCommands::Next MainCommands::openCalibration(const std::string& path) {
 
     // The boxes let a unit come.
     const int slot = session_.slotForFile(file.slot);
-    if (!read(slot, [&](Unit& unit) { unit.FileOpen(path); }))
-        return askAgain("File Read Error", corrupt(path));
+    std::string why;
+    std::string bytes;
+    const auto openBytes = [&](Unit& unit) {
+        bytes = knownStart(path);
+        unit.FileOpen(path, bytes);
+    };
+    const Outcome outcome = read(slot, openBytes, why);
+    if (outcome != Outcome::Whole) return tellNotRead(outcome, path, why);
+    session_.fileHolds = std::move(bytes);
     finishOpening(path);
     return Next::Done;
 }
@@ -268,58 +383,78 @@ void MainCommands::noteShortFile(const std::string& path) {
 void MainCommands::save() {
     // The file in hand is not the place for a calibration that is being made.
     if (session_.creating()) return session_.windows().saveGeneralConfig();
+    if (session_.saving.putsOff("Save", [commands = *this]() mutable { commands.save(); })) return;
     if (session_.CurrentFile.empty()) return;
-    saveCurrent();
+    saveCurrent([](bool) {});
 }
 
 void MainCommands::saveAs() {
     if (session_.creating()) return session_.windows().saveGeneralConfig();
+    if (session_.saving.putsOff("Save As", [commands = *this]() mutable { commands.saveAs(); })) return;
     if (session_.currentUnit() == 0) {
         session_.messages.Display_Error(1003);
         return;
     }
-    saveUnderNewName();
+    saveUnderNewName([](bool) {});
 }
 
-bool MainCommands::saveUnderNewName() {
-    Unit& unit = session_.currentUnitObject();
+/// Empty where the user has thought better of it.
+std::string MainCommands::askNewName() {
+    const UnitKind& kind = session_.currentUnitObject().kind();
     FileRequest request;
     request.title = "Zentaq4 User Calibration Files";
     request.folder = session_.platform().userFolder;
-    request.filter = unit.kind().fileFilterExtension;
-    request.defaultExtension = unit.kind().extension;
-    request.suggestedName = todaysName(fileNameOf(session_.CurrentFile), unit.kind());
+    request.filter = kind.fileFilterExtension;
+    request.defaultExtension = kind.extension;
+    request.suggestedName = todaysName(fileNameOf(session_.CurrentFile), kind);
     std::string path = session_.dialogs().saveFile(request);
-    if (path.empty()) return false;
-    path = calibrationFileName(path, unit.kind());
-    if (std::filesystem::exists(path)) {
-        const Answer answer = session_.dialogs().show(
-            {"File Exists", "FILE EXISTS:   " + path + "\nOverwrite?", Icon::Exclamation, Buttons::YesNo});
-        if (answer != Answer::Yes) return false;
-    }
+    if (path.empty()) return {};
+    path = calibrationFileName(path, kind);
+    std::error_code error;
+    if (!std::filesystem::exists(path, error)) return path;
+    const Answer answer = session_.dialogs().show(
+        {"File Exists", "FILE EXISTS:   " + path + "\nOverwrite?", Icon::Exclamation, Buttons::YesNo});
+    return answer == Answer::Yes ? path : std::string();
+}
+
+void MainCommands::saveUnderNewName(const Saved& then) {
+    const std::string path = askNewName();
+    if (path.empty()) return then(false);
     const std::string formerFile = session_.CurrentFile;
-    unit.BinFile(path);
-    if (!saveChecked()) {  // the former name stays in force
-        unit.BinFile(formerFile);
-        return false;
-    }
+    std::error_code error;
+    const bool sameFile = std::filesystem::equivalent(path, formerFile, error);
+    session_.currentUnitObject().BinFile(path);
+    const auto stored = [commands = *this, path]() mutable { commands.takeName(path); };
+    const auto ended = [&session = session_, formerFile, then](bool saved) {
+        if (!saved) session.currentUnitObject().BinFile(formerFile);  // the former name stays in force
+        then(saved);
+    };
+    saveChecked(sameFile ? session_.fileHolds : std::nullopt, stored, ended);
+}
+
+void MainCommands::takeName(const std::string& path) {
     session_.CurrentFile = path;
     session_.windows().titleChanged("Current Calibration File: " + path);
-    session_.FileFilterIndex = unit.kind().fileFilter;
+    session_.FileFilterIndex = session_.currentUnitObject().kind().fileFilter;
     session_.windows().showUnit();  // the name stands on a page
-    return true;
 }
 
 void MainCommands::close() {
+    if (session_.saving.putsOff("Close", [commands = *this]() mutable { commands.close(); })) return;
     if (session_.CurrentFile.empty()) return;
     if (refusedByTransfer()) return;
-    if (!offerToSave()) return;
+    offerToSave([commands = *this]() mutable { commands.closeNow(); });
+}
+
+void MainCommands::closeNow() {
+    if (refusedByTransfer()) return;  // begun while the disk was busy
     session_.windows().removeForms();
     session_.initializeOnFly(false);
     session_.currentUnitObject().CloseFile();
     session_.CurrentUnit(0);
     session_.header().fileState.clear();
     session_.CurrentFile.clear();
+    session_.fileHolds.reset();
     session_.DataModified = false;
     session_.windows().titleChanged("");
     session_.windows().setupNodes();
@@ -327,6 +462,7 @@ void MainCommands::close() {
 }
 
 void MainCommands::programOrb() {
+    if (session_.saving.putsOff("Program ORB", [commands = *this]() mutable { commands.programOrb(); })) return;
     if (refusedByTransfer()) return;
     if (!leaveGeneralConfig()) return;
     Messages& messages = session_.messages;
@@ -334,10 +470,20 @@ void MainCommands::programOrb() {
     if (session_.CurrentFile.empty()) return messages.Display_Error(1003);
     if (linkedKind == 0) return messages.Display_Error(1005);
     if (session_.currentUnit() != linkedKind) return messages.Display_Error(1006);
+    if (!broughtToFirmware()) return;
     if (session_.currentUnitObject().FW_Release() < session_.expectedRelease(linkedKind)) {
         messages.Display_Warning(1007);
     }
-    if (!offerToSave()) return;
+    offerToSave([commands = *this]() mutable { commands.startProgramming(); });
+}
+
+/// Only the reference database may be missing for it, and be back by now.
+bool MainCommands::broughtToFirmware() {
+    return endOnFailure([&] { session_.currentUnitObject().settleFirmware(); },
+                        [&](const std::string& why) { tellNotConverted(why); });
+}
+
+void MainCommands::startProgramming() {
     // The boxes let other commands in.
     if (refusedByTransfer()) return;
     session_.link.AutoPollSuspended(true);
@@ -345,13 +491,18 @@ void MainCommands::programOrb() {
     endOnFailure(
         [&] { session_.link.Program_Unit(TransferMode::Calibration, {}); },
         [&](const std::string& why) {
-            session_.sysLog("Calibration not converted: " + why);
             session_.link.AutoPollSuspended(false);
-            session_.dialogs().show({"Program ORB",
-                                     "The calibration could not be turned into the unit's memory image.\n" +
-                                         why + "\nNothing was sent to the unit.",
-                                     Icon::Critical, Buttons::Ok});
+            tellNotConverted(why);
         });
+}
+
+void MainCommands::tellNotConverted(const std::string& why) {
+    session_.sysLog("Calibration not converted: " + why);
+    session_.dialogs().show(
+        {"Program ORB",
+         "The calibration could not be turned into the unit's memory image.\n" + why +
+             "\nNothing was sent to the unit.",
+         Icon::Critical, Buttons::Ok});
 }
 
 // ---- Firmware

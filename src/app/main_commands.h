@@ -16,15 +16,20 @@ class MainCommands {
     explicit MainCommands(Session& session) : session_(session) {}
 
     // ---- The file. All report by boxes and leave the former state on a failure.
+    // What needs a save that runs to have ended begins anew then.
     void newCalibration();  ///< mnuNew
     void open();            ///< mnuOpen
     void save();            ///< mnuSave: nothing without a current file
     void saveAs();          ///< mnuSaveAs
     void close();           ///< mnuClose
 
-    /// Asks "Save changes?" if there are any. False when the user wanted to save and it failed: the caller
-    /// then leaves everything as it is.
-    bool offerToSave();
+    /// Told whether the file is whole on the disk, behind the boxes about it: when the save has ended.
+    using Saved = std::function<void(bool saved)>;
+    /// Saves the calibration in hand to its file, or asks for one.
+    void saveInHand(const Saved& then);
+    /// Asks "Save changes?" if there are any, saves, and goes on. It does not go on when the user wanted to
+    /// save and it failed: everything stays as it is.
+    void offerToSave(std::function<void()> goOn);
 
     // ---- The unit
     void programOrb();       ///< mnuProgramORB
@@ -67,19 +72,21 @@ class MainCommands {
     Next openOnce();
     Next openCalibration(const std::string& path);
     Next openOlder(const std::string& path, std::uintmax_t length);
-    /// Reads a file into the object of a slot, which becomes the current one. False, with a line in the log,
-    /// when it cannot be read: all is as before.
-    bool read(int slot, const std::function<void(Unit&)>& file);
+    enum class Outcome { Whole, Corrupt, NeedsReference };
+    /// Reads a file into the object of a slot, which becomes the current one. When it cannot be read there is
+    /// a line in the log, and all is as before.
+    Outcome read(int slot, const std::function<void(Unit&)>& file, std::string& why);
+    Next tellNotRead(Outcome outcome, const std::string& path, const std::string& why);
     Next askAgain(const std::string& title, const std::string& text);
     void finishOpening(const std::string& path);
     void noteShortFile(const std::string& path);
     void repairOldFields();
     /// Ends the form of the general parameters. False: it holds a new calibration that the user keeps.
     bool leaveGeneralConfig();
-    /// Saves to the current file, one of the older generation under a new name. False when that failed or was
-    /// cancelled.
-    bool saveCurrent();
-    bool saveUnderNewName();
+    /// Saves to the current file, one of the older generation under a new name.
+    void saveCurrent(const Saved& then);
+    void saveUnderNewName(const Saved& then);
+    std::string askNewName();
     /// The firmware file of the user's choice; empty when there is none.
     std::string chooseFirmware();
     /// The slot of the unit that a firmware will go to; 0 when nobody knows.
@@ -90,8 +97,27 @@ class MainCommands {
     void startFirmware(const std::string& path, const std::string& text, int slot);
     /// Number and identity of the port that the program means, into the settings.
     void storePort();
-    /// Saves and tells a failure. True when the file is whole on the disk.
-    bool saveChecked();
+    /// What is written, what is known of the file, and what follows.
+    struct SaveJob {
+        Unit::FileContent content;
+        FileSave save;
+        float formerCode = 0;       ///< of the header
+        std::uint64_t changes = 0;  ///< of the user's, so far
+        std::function<void()> stored;
+        Saved then;
+    };
+    /// Saves under the name that the Unit object has. `stored` is run before the user is told of the end.
+    void saveChecked(std::optional<std::string> known, const std::function<void()>& stored, const Saved& then);
+    void saveEnded(SaveJob& job, const FileSaved& saved);
+    void tellNotSaved(const std::string& why);
+    bool mayOverwriteChange(const std::string& path);
+    void startOpening();
+    void startNew();
+    void closeNow();
+    void startProgramming();
+    void takeName(const std::string& path);
+    bool broughtToFirmware();
+    void tellNotConverted(const std::string& why);
 
     Session& session_;
 };

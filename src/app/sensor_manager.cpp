@@ -234,8 +234,7 @@ std::optional<std::string> askSensorName(Session& session, const std::string& ti
         typed = answer ? std::string(trimmed(*answer)) : std::string();
         if (typed.empty()) return {};
         std::string name = typed + " (" + std::string(unit) + ")";
-        if (!session.database) throw Failure("The reference database is not open.");
-        if (!session.database->mapSensorByName(name)) return name;
+        if (!session.requireReference().mapSensorByName(name)) return name;
         session.dialogs().show({"Duplicate name",
                                 "There is already a sensor with that name.\n"
                                 "Use a different name or edit that sensor.",
@@ -254,8 +253,7 @@ void SensorManager::load() {
     failure_.clear();
     endOnFailure(
         [&] {
-            if (!session_.database) throw Failure("The reference database could not be opened.");
-            for (const MapSensorRow& row : session_.database->mapSensors()) {
+            for (const MapSensorRow& row : session_.requireReference().mapSensors()) {
                 sensors_.push_back(row.description);
             }
         },
@@ -282,7 +280,7 @@ void SensorManager::showSelected() {
     if (selected_.empty()) return;
     endOnFailure(
         [&] {
-            shown_ = session_.database->mapSensorByName(selected_);
+            shown_ = session_.requireReference().mapSensorByName(selected_);
             if (!shown_) throw Failure("There is no sensor " + selected_ + " in the database any more.");
             lblGeneral_ = rangeOf(*shown_);
         },
@@ -319,7 +317,7 @@ bool SensorManager::edit() {
     if (!whyNotEdit().empty()) return false;
     if (!warned("You are about to modify the calibration for this MAP sensor.")) return false;
     return attempt([&] {
-        const auto row = session_.database->mapSensorByName(selected_);
+        const auto row = session_.requireReference().mapSensorByName(selected_);
         if (!row) throw Failure("There is no sensor " + selected_ + " in the database any more.");
         shown_ = row;
         SensorEntry entry;
@@ -351,7 +349,7 @@ bool SensorManager::remove() {
     const Box question{"Delete?", "Remove " + selected_ + "?", Icon::Question, Buttons::YesNo};
     if (session_.dialogs().show(question) != Answer::Yes) return false;
     bool removed = false;
-    attempt([&] { removed = session_.database->deleteMapSensor(selected_); });
+    attempt([&] { removed = session_.requireReference().deleteMapSensor(selected_); });
     load();
     if (removed) session_.windows().sensorsChanged();
     return removed;
@@ -382,7 +380,7 @@ bool SensorManager::store(const MapSensorRow& row) {
         MapSensorRow named = row;
         if (task_ == SensorTask::Edit) {
             named.description = selected_;
-            stored = session_.database->updateMapSensor(named);
+            stored = session_.requireReference().updateMapSensor(named);
             if (!stored) throw Failure("There is no sensor " + selected_ + " in the database any more.");
             return;
         }
@@ -390,7 +388,7 @@ bool SensorManager::store(const MapSensorRow& row) {
                                         pressureUnitsOf(row.units));
         if (!name) return;
         named.description = *name;
-        session_.database->addMapSensor(named);
+        session_.requireReference().addMapSensor(named);
         selected_ = *name;
         stored = true;
     });
@@ -422,8 +420,9 @@ std::string SensorManager::storedPoints() const {
 // ---- What can work now
 
 std::string SensorManager::whyNotWrite() const {
-    if (!session_.database) return "The reference database could not be opened.";
-    if (session_.database->readOnly()) return "The reference database is write-protected.";
+    const Database* database = session_.reference();
+    if (database == nullptr) return "The reference database could not be opened.";
+    if (database->readOnly()) return "The reference database is write-protected.";
     return {};
 }
 

@@ -27,7 +27,7 @@ MapSensorRow sensorInUse(Unit& unit) {
 /// A database that does not answer is no reason to offer the sensor once more.
 bool surelyMissing(Session& session, const MapSensorRow& row) {
     bool missing = false;
-    endOnFailure([&] { missing = !session.database->mapSensorByValues(row.scale, row.offset); },
+    endOnFailure([&] { missing = !session.requireReference().mapSensorByValues(row.scale, row.offset); },
                  [&](const std::string& why) { session.sysLog(why); });
     return missing;
 }
@@ -45,21 +45,21 @@ std::string addSensor(Session& session, MapSensorRow row) {
                                     "Enter a description for this MAP sensor:", pressureUnitsOf(row.units));
     if (!name) return {};
     row.description = *name;
-    session.database->addMapSensor(row);
+    session.requireReference().addMapSensor(row);
     return *name;
 }
 
 }  // namespace
 
 std::string sensorNameQuietly(Session& session) {
-    const Database* database = session.database ? &*session.database : nullptr;
-    return displayNames(session.currentUnitObject(), database).sensor;
+    return displayNames(session.currentUnitObject(), session.reference()).sensor;
 }
 
 std::string matchSensor(Session& session) {
     std::string shown = sensorNameQuietly(session);
     Unit& unit = session.currentUnitObject();
-    if (!unit.kind().hasCalibration || !session.database || session.database->readOnly()) return shown;
+    const Database* database = session.reference();
+    if (!unit.kind().hasCalibration || database == nullptr || database->readOnly()) return shown;
     // Taken before the question: while it stands, another calibration may come into hand.
     const MapSensorRow row = sensorInUse(unit);
     if (!surelyMissing(session, row) || !wantsToAdd(session)) return shown;

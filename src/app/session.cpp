@@ -38,6 +38,7 @@ Session::Session(const Platform& platform)
       poller(
           link, [this] { refreshCodes(); }, [this] { windows_->updateDisplay(); }),
       trace(platform.clock),
+      saving(*this, platform.writer),
       platform_(platform) {
     for (LineWatch* watcher : watchers()) platform_.port.watch(*watcher);
     trace.onFailure([this](const std::string& why) { sysLog("Wire trace ended: " + why); });
@@ -48,6 +49,7 @@ Session::Session(const Platform& platform)
         link.tick();
         holdSignals();
         poller.tick();
+        saving.poll();
     });
     units_[0] = std::make_unique<Unit>(nullKind(), *this);
 }
@@ -75,6 +77,29 @@ Unit& Session::Units(int slot) {
 
 bool Session::hasUnit(int slot) const {
     return slot > 0 && slot < slotCount && units_[static_cast<std::size_t>(slot)] != nullptr;
+}
+
+Database* Session::reference() {
+    skipFailing([&] { requireReference(); });
+    return database ? &*database : nullptr;
+}
+
+Database& Session::requireReference() {
+    if (database) return *database;
+    constexpr std::int64_t pauseUs = 1'000'000;  // a locked file costs a moment each time
+    const std::int64_t now = platform_.clock.monotonicUs();
+    if (now < nextReferenceUs_) throw Failure(noReference_);
+    const bool again = !std::exchange(noReference_, "The reference database could not be opened.").empty();
+    if (!DatabaseFile.empty()) {
+        endOnFailure([&] { database = Database::open(DatabaseFile); },
+                     [&](const std::string& why) { noReference_ = why; });
+    }
+    if (!database) {
+        nextReferenceUs_ = now + pauseUs;
+        throw Failure(noReference_);
+    }
+    if (again) sysLog("Reference database opened.");
+    return *database;
 }
 
 double Session::settingNumber(const std::string& key) const {
@@ -150,7 +175,9 @@ void Session::applyMonitorMode() {
 }
 
 void Session::markModified() {
-    if (currentUnit() != 0) DataModified = true;
+    if (currentUnit() == 0) return;
+    DataModified = true;
+    ++userChanges_;
 }
 
 // ---- UnitHost
@@ -199,24 +226,16 @@ void Session::sendOnFly(std::string_view record) {
 }
 
 std::optional<EngineFacts> Session::engine(int kind, int optionType) {
-    std::optional<EngineFacts> facts;
-    skipFailing([&] {
-        if (!database) return;
-        const auto row = database->engine(kind, optionType);
-        if (!row) return;
-        facts = engineFacts(*row);
-    });
-    return facts;
+    const auto row = requireReference().engine(kind, optionType);
+    if (!row) return {};
+    return engineFacts(*row);
 }
 
 std::optional<SensorFacts> Session::mapSensor(int id) {
-    std::optional<SensorFacts> facts;
-    skipFailing([&] {
-        if (!database) return;
-        const auto row = database->mapSensor(id);
-        if (row) facts = SensorFacts{row->scale, row->offset, row->units};
-    });
-    return facts;
+    retryReference();  // asked for when a calibration is converted, and only then
+    const auto row = requireReference().mapSensor(id);
+    if (!row) return {};
+    return SensorFacts{row->scale, row->offset, row->units};
 }
 
 bool Session::fahrenheit() const {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,6 +11,7 @@
 
 #include "app/console.h"
 #include "app/messages.h"
+#include "app/saving.h"
 #include "app/window_set.h"
 #include "link/frame_timing.h"
 #include "link/link.h"
@@ -44,6 +46,7 @@ struct Platform {
     Yield& yield;
     std::string applicationFolder;  ///< folder of the programs
     std::string userFolder;         ///< the user's documents folder + "/Zentaq"
+    FileWriter* writer = nullptr;   ///< of saves beside the program's thread; nullptr: each is done at once
 };
 
 class Session : public UnitHost, public LinkHost {
@@ -76,6 +79,7 @@ class Session : public UnitHost, public LinkHost {
     bool AutoMonitoring = false;
     bool DataModified = false;
     std::string CurrentFile;
+    std::optional<std::string> fileHolds;  ///< what CurrentFile began with when it was read or saved last
     int FileFilterIndex = 1;
     std::string LogFile;
     std::string DatabaseFile;
@@ -84,7 +88,7 @@ class Session : public UnitHost, public LinkHost {
     bool zeroAdvance = false;
     std::array<int, slotCount> FW_ReleaseTable{};
     std::array<int, slotCount> FW_BuildTable{};
-    std::optional<Database> database;  ///< empty when the file could not be opened
+    std::optional<Database> database;  ///< as the start left it: ask reference()
 
     // ---- Parts
     Console console;
@@ -98,10 +102,19 @@ class Session : public UnitHost, public LinkHost {
     CheckEngineDisplay codes;  ///< the dashboard's check-engine list
     Ecu ecu;                   ///< holds the pulse widths and duty cycles of the cells
     PaintMemory paintMemory;   ///< where the engine has been on a table; outlives the table's window
+    Saving saving;
 
     Platform& platform() { return platform_; }
     SettingsStore& settings() { return platform_.settings; }
     Dialogs& dialogs() { return platform_.dialogs; }
+
+    /// The reference database. One that could not be opened is tried again, at most once a second; nullptr
+    /// while there is none.
+    Database* reference();
+    /// The same for what cannot do without. Throws Failure with the reason.
+    Database& requireReference();
+    /// The next question tries again at once: the user has begun something that may need it.
+    void retryReference() { nextReferenceUs_ = 0; }
 
     /// A setting as a number; TypeMismatch where it has no value, which each caller's policy handles.
     double settingNumber(const std::string& key) const;
@@ -123,6 +136,8 @@ class Session : public UnitHost, public LinkHost {
     int slotForFile(int slot) const;
     /// A value of the calibration in hand was changed by the user.
     void markModified();
+    /// Goes up with each change of the user's: what was saved before the last one is not what is in hand.
+    std::uint64_t userChanges() const { return userChanges_; }
 
     // ---- UnitHost
     bool checkInput(int code, std::string_view value) override;
@@ -173,6 +188,9 @@ class Session : public UnitHost, public LinkHost {
     std::int64_t nextPortCheckUs_ = 0;
     std::int64_t nextTimesUs_ = 0;
     std::optional<HeldSignals> heldSignals_;
+    std::int64_t nextReferenceUs_ = 0;
+    std::uint64_t userChanges_ = 0;
+    std::string noReference_;  ///< why the last try failed; empty before the first
 };
 
 }  // namespace zentaq

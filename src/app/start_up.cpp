@@ -5,6 +5,7 @@
 #include <chrono>
 #include <filesystem>
 #include <random>
+#include <utility>
 
 #include "app/settings_keys.h"
 #include "base/number_text.h"
@@ -137,7 +138,8 @@ void Kernel::openDatabase() {
     resumeNext_.statement(
         [&] { session_.DatabaseFile = session_.applicationFolder() + "/bin/data/zentaq410-02.pak"; });
     // kept: a database that does not open stops nothing; each later query fails on its own. The log says why.
-    endOnFailure([&] { session_.database = Database::open(session_.DatabaseFile); },
+    // What needs it tries again.
+    endOnFailure([&] { session_.requireReference(); },
                  [&](const std::string& why) {
                      report("No reference database: " + reasonBehind(session_.DatabaseFile, why));
                  });
@@ -193,23 +195,39 @@ void Kernel::showLinkAndDashboard() {
 }
 
 void Kernel::showTip() {
-    if (!session_.database) return;
-    const auto count = static_cast<int>(session_.database->tips().size());
+    const Database* database = session_.reference();
+    if (database == nullptr) return;
+    const auto count = static_cast<int>(database->tips().size());
     const int number = tipNumber(drawFromTimeOfDay(), count);
-    if (number > 0) session_.windows().showTip(session_.database->tip(number));
+    if (number > 0) session_.windows().showTip(database->tip(number));
 }
 
 bool Kernel::System_Shutdown(bool confirmed) {
     if (ended_) return true;
+    if (session_.saving.putsOff("Shutdown", [this, confirmed] { System_Shutdown(confirmed); })) return false;
     session_.sysLog("System Shutdown Requested.");
     if (!confirmed) {
         const Answer answer = session_.dialogs().show(
             {"Shutdown", "Would you like to Shutdown Zentaq?", Icon::Question, Buttons::OkCancel});
         if (answer != Answer::Ok || !commands_.mayBreakTransfer()) return false;
         // Also on this way out: the user's work must not be lost because a menu was used for leaving.
-        if (!commands_.offerToSave()) return false;
+        afterSaving([this] { end(); });
+        return ended_;
     }
-    ended_ = true;
+    end();
+    return true;
+}
+
+void Kernel::afterSaving(const std::function<void()>& goOn) {
+    // A transfer that begins while the disk is busy has not been asked about.
+    const bool asked = session_.link.transferPending();
+    commands_.offerToSave([this, asked, goOn] {
+        if (asked || commands_.mayBreakTransfer()) goOn();
+    });
+}
+
+void Kernel::end() {
+    if (std::exchange(ended_, true)) return;
     if (session_.link.transferPending()) {
         skipFailing([&] { session_.sysLog("Transfer broken off by the user."); });
     }
@@ -221,13 +239,14 @@ bool Kernel::System_Shutdown(bool confirmed) {
     skipFailing([&] { session_.platform().ticker.stop(); });
     skipFailing([&] { session_.sysLog("System Shutdown!"); });
     skipFailing([&] { session_.windows().closeMain(); });
-    return true;
 }
 
 void Kernel::closeRequested() {
     // Intended: Cancel declines the save and does not keep the program open. A save that fails does, because
     // the changes would be lost with the process.
-    if (commands_.mayBreakTransfer() && commands_.offerToSave()) System_Shutdown(true);
+    if (session_.saving.putsOff("Close the program", [this] { closeRequested(); })) return;
+    if (!commands_.mayBreakTransfer()) return;
+    afterSaving([this] { System_Shutdown(true); });
 }
 
 }  // namespace zentaq

@@ -1,6 +1,7 @@
 // Kernel: the fixed start sequence and the one shutdown path of the process.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,7 +35,8 @@ class Kernel {
     /// Trouble that no command reports: a line of the log, behind the banner when it does not stand yet.
     void report(const std::string& trouble);
 
-    /// The only place that ends the process once the main window exists. False: the user stays.
+    /// The only place that ends the process once the main window exists. False: the user stays, or a save
+    /// has to reach the disk first; the program ends behind it.
     bool System_Shutdown(bool confirmed);
 
     /// The main window is being closed by other means: offers to save, then shuts down.
@@ -50,6 +52,9 @@ class Kernel {
     void activate();
     void showLinkAndDashboard();
     void showTip();
+    /// Offers to save, and goes on when nothing is left that would be lost.
+    void afterSaving(const std::function<void()>& goOn);
+    void end();
     /// A setting of section "System" reads 1. TypeMismatch where its value is no number.
     bool readsOne(const char* key) const { return session_.settingNumber(key) == 1; }
 

@@ -36,6 +36,12 @@ std::string warningLine(int code, std::string_view text) {
 
 }  // namespace
 
+const Database& DatabaseSource::get() const {
+    if (find_) return find_();
+    if (database_ == nullptr) throw Failure("There is no reference database");
+    return *database_;
+}
+
 bool QuietHost::refuse(int code, std::string_view text) {
     refusals_.push_back(warningLine(code, text));
     return true;
@@ -64,18 +70,15 @@ void QuietHost::displayWarning(int code, std::string_view text) {
 }
 
 std::optional<EngineFacts> QuietHost::engine(int kind, int optionType) {
-    const Database* database = database_.get();
-    if (database == nullptr) return {};
-    const auto row = database->engine(kind, optionType);
+    const auto row = database_.get().engine(kind, optionType);
     if (!row) return {};
     return engineFacts(*row);
 }
 
 std::optional<SensorFacts> QuietHost::mapSensor(int id) {
-    const Database* database = database_.get();
-    if (database == nullptr) return {};
-    const auto row = database->mapSensor(id);
-    if (!row) return {};
+    const auto row = database_.get().mapSensor(id);
+    // A window shows which sensor is in use; here nobody would see that it is another one.
+    if (!row) throw Failure("There is no such sensor in the reference database");
     return SensorFacts{row->scale, row->offset, row->units};
 }
 

@@ -27,18 +27,19 @@ class DatabaseSource {
  public:
     DatabaseSource(const Database* database = nullptr)
         : database_(database) {}  // NOLINT: converts on purpose
-    /// `find` answers nullptr for no database; it is asked for every row.
-    explicit DatabaseSource(std::function<const Database*()> find) : find_(std::move(find)) {}
-    const Database* get() const { return find_ ? find_() : database_; }
+    /// `find` throws Failure, with the reason, for no database; it is asked for every row.
+    explicit DatabaseSource(std::function<const Database&()> find) : find_(std::move(find)) {}
+    /// Throws Failure, with the reason, where there is none.
+    const Database& get() const;
 
  private:
     const Database* database_ = nullptr;
-    std::function<const Database*()> find_;
+    std::function<const Database&()> find_;
 };
 
 class QuietHost : public UnitHost {
  public:
-    /// Without a database engines and sensors are unknown, as with a database file that is missing.
+    /// Without a database what needs an engine or a sensor fails, as with a database file that is missing.
     explicit QuietHost(DatabaseSource database = {}) : database_(std::move(database)) {}
 
     /// The warnings of refused values, one line each.

@@ -5,10 +5,12 @@
 
 #include "base/errors.h"
 #include "base/file_reader.h"
+#include "base/number_text.h"
 #include "base/rounding.h"
 #include "unit/file_floats.h"
 #include "unit/legacy_sensor.h"
 #include "unit/parameter_rules.h"
+#include "unit/reference_needed.h"
 #include "unit/rollback.h"
 #include "unit/safe_file.h"
 #include "unit/unit.h"
@@ -27,20 +29,20 @@ constexpr std::string_view customSensorText =
     "Your tune has been preserved, but the senor must be defined to give accurate readings.\n"
     "You can define the customer sensor under Sensor Parameters->MAP and selecting the Custom button.";
 
-struct FileContent {
+struct ReadContent {
     float unitKind = 0;
     float programVersion = 0;
     float firmwareCode = 0;
     std::vector<float> cells;
 };
 
-FileContent parsed(std::string_view bytes, const std::string& path) {
+ReadContent parsed(std::string_view bytes, const std::string& path) {
     const std::size_t floats = bytes.size() / floatBytes;
     if (floats < headerFloats) throw FileError("Cannot read " + path + ": it ends inside its header");
     if (floats - headerFloats > Unit::cellCount) {
         throw BoundsError("Subscript out of range: " + path + " holds more values than a calibration");
     }
-    FileContent content{floatAt(bytes, 0), floatAt(bytes, 1), floatAt(bytes, 2), {}};
+    ReadContent content{floatAt(bytes, 0), floatAt(bytes, 1), floatAt(bytes, 2), {}};
     content.cells.reserve(floats - headerFloats);
     for (std::size_t i = headerFloats; i < floats; ++i) content.cells.push_back(floatAt(bytes, i));
     return content;
@@ -60,13 +62,18 @@ bool isLinear(int release) {
 // ---- Reading
 
 void Unit::FileOpen(const std::string& path) {
+    if (kind_->hasCalibration) FileOpen(path, readFileStart(path, longestFile));
+}
+
+void Unit::FileOpen(const std::string& path, std::string_view bytes) {
     if (!kind_->hasCalibration) return;
-    const FileContent content = parsed(readFileStart(path, longestFile), path);
+    const ReadContent content = parsed(bytes, path);
     const int fileRelease = releaseOf(content.firmwareCode);
     host_.yield();
 
-    Rollback rollback(cells_, control_, release_, build_, teeth_, host_.header());
+    Rollback rollback(cells_, control_, release_, owedRelease_, build_, teeth_, host_.header());
     cells_.fill(0);
+    owedRelease_ = 0;
     std::ranges::copy(content.cells, cells_.begin());
     teeth_ = {};
     FileHeader& header = host_.header();
@@ -105,10 +112,35 @@ void Unit::repairAfterOpening(int fileRelease) {
 
 void Unit::FW_Release(int release) {
     if (!kind_->hasCalibration) return;
+    owedRelease_ = 0;
+    try {
+        takeRelease(release);
+    } catch (const ReferenceNeeded& needed) {
+        owedRelease_ = release;
+        onTheFly_ = false;
+        host_.sysLog(needed.what());
+        host_.inform("The calibration could not be brought to firmware release " + numberText(release) +
+                     ".\n" + needed.what() + "\nIt stays as it is, and nothing of it is sent to the unit.");
+    }
+}
+
+void Unit::settleFirmware() {
+    if (owedRelease_ == 0) return;
+    takeRelease(owedRelease_);
+    owedRelease_ = 0;
+}
+
+void Unit::takeRelease(int release) {
+    Rollback rollback(cells_, control_, release_);
     const int before = std::exchange(release_, release);
+    moveFrom(before);
+    rollback.keep();
+}
+
+void Unit::moveFrom(int before) {
     const FileHeader& header = host_.header();
     // A release of 0 is no release yet, and without a calibration in hand there is nothing to move.
-    if (release <= 0 || header.currentUnit != static_cast<float>(kind_->slot)) return;
+    if (release_ <= 0 || header.currentUnit != static_cast<float>(kind_->slot)) return;
     if (before == 0 && header.firmwareCode == 0) return;
     const int madeFor = releaseOf(header.firmwareCode);
     if (madeFor <= 0) return defineSensor();
@@ -136,11 +168,21 @@ void Unit::adoptSensor(float bar) {
     const bool rated = bar == 1 || bar == 2 || bar == 3 || bar == 4;
     cellAt(kind_->cells.mapId) = rated ? bar : customSensor;
     if (!rated) host_.inform(customSensorText);
-    const auto sensor = host_.mapSensor(rated ? static_cast<int>(bar) : customSensor);
-    if (!sensor) return;
+    const auto sensor = sensorById(rated ? static_cast<int>(bar) : customSensor);
+    if (!sensor) return;  // kept: the former values stay where the database has no such sensor
     store("MAP_Scaler", sensor->scale);
     store("MAP_Offset", sensor->offset);
     MAPUnits(pressureUnitsOf(sensor->unitsCode));
+}
+
+std::optional<SensorFacts> Unit::sensorById(int id) {
+    std::optional<SensorFacts> sensor;
+    endOnFailure([&] { sensor = host_.mapSensor(id); },
+                 [&](const std::string& why) {
+                     throw ReferenceNeeded("MAP sensor " + numberText(id) +
+                                           " of the reference database is needed to convert it: " + why);
+                 });
+    return sensor;
 }
 
 void Unit::seedStopPoints() {
@@ -231,26 +273,34 @@ void Unit::seedBaroTrim() {
 
 void Unit::SaveFile() {
     if (!kind_->hasCalibration) return;
+    const FileContent content = fileContent();
+    // kept: a save writes over the file's start only, what an older, longer file holds behind it stays.
+    writeFileStartSafely(binFile_, content.bytes);
+    noteSaved(content);
+    constexpr int dataSaved = 1001;
+    host_.displayMessage(dataSaved, "");
+}
+
+Unit::FileContent Unit::fileContent() {
     storeControlBytes();
     const bool unknown = (release_ == 0 && build_ == 0) || release_ > kind_->newestRelease;
     const int release = unknown ? kind_->defaultRelease : release_;
     const int build = unknown ? kind_->defaultBuild : build_;
-    const auto firmwareCode = static_cast<float>(release * 1000 + build);
-
-    std::string bytes;
+    FileContent content;
+    content.firmwareCode = static_cast<float>(release * 1000 + build);
+    std::string& bytes = content.bytes;
     bytes.reserve((headerFloats + cellCount) * floatBytes);
     appendFloat(bytes, kind_->fileKind);
     appendFloat(bytes, host_.programVersion());
-    appendFloat(bytes, firmwareCode);
+    appendFloat(bytes, content.firmwareCode);
     for (int i = 0; i < kind_->fileFloats; ++i) appendFloat(bytes, cellAt(i));
-    // kept: a save writes over the file's start only, what an older, longer file holds behind it stays.
-    writeFileStartSafely(binFile_, bytes);
+    return content;
+}
 
+void Unit::noteSaved(const FileContent& content) {
     FileHeader& header = host_.header();
-    header.firmwareCode = firmwareCode;
+    header.firmwareCode = content.firmwareCode;
     header.fileState = "OLD";
-    constexpr int dataSaved = 1001;
-    host_.displayMessage(dataSaved, "");
 }
 
 void Unit::CloseFile() {
@@ -259,6 +309,7 @@ void Unit::CloseFile() {
     firmWare_.clear();
     serial_.clear();
     teeth_ = {};
+    owedRelease_ = 0;
     host_.header().firmwareCode = 0;
     cells_.fill(0);
 }

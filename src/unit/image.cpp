@@ -105,6 +105,7 @@ void Unit::convertStopPoints() {
 
 void Unit::ConvertData() {
     if (!kind_->hasCalibration) return;
+    settleFirmware();
     storeControlBytes();
     for (int i = 0; i < 3; ++i) putByte(i, controlByte(i));
     convertMembers();

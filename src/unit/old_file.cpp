@@ -9,6 +9,7 @@
 #include "base/number_text.h"
 #include "unit/file_floats.h"
 #include "unit/parameter_rules.h"
+#include "unit/reference_needed.h"
 #include "unit/rollback.h"
 #include "unit/unit.h"
 
@@ -164,6 +165,7 @@ class OldFileMove {
     void tables();
 
  private:
+    std::optional<EngineFacts> engineOfOption(int option);
     int newFunction(int pin, float oldCode);
     void block(int pin);
     void putMember(std::string_view member, float value, int element = 0);
@@ -228,12 +230,21 @@ void OldFileMove::putMember(std::string_view member, float value, int element) {
     if (place.row != nullptr) file_.put(place.cell(element), value);
 }
 
+std::optional<EngineFacts> OldFileMove::engineOfOption(int option) {
+    std::optional<EngineFacts> engine;
+    endOnFailure([&] { engine = unit_.host().engine(static_cast<int>(unit_.kind().fileKind), option); },
+                 [&](const std::string& why) {
+                     throw ReferenceNeeded("Engine " + numberText(option) +
+                                           " of the reference database is needed to convert it: " + why);
+                 });
+    return engine;
+}
+
 void OldFileMove::engineLayout() {
     constexpr float highestOption = 32767;
     const old::Place option = old::placeOf(unit_.kind(), "Option_Type");
     file_.put(option.first, file_.code(option.first, highestOption));
-    const auto engine = unit_.host().engine(static_cast<int>(unit_.kind().fileKind),
-                                            static_cast<int>(file_.at(option.first)));
+    const auto engine = engineOfOption(static_cast<int>(file_.at(option.first)));
     if (!engine) return;  // what the file says stays
     putMember("TOOTHMAX", engine->toothMax);
     putMember("TOOTHMIN", engine->toothMin);
@@ -293,8 +304,9 @@ void Unit::OldFileOpen(const std::string& path) {
     OldFile file = OldFile::read(path);
     host_.yield();
 
-    Rollback rollback(cells_, control_, release_, build_, teeth_, host_.header());
+    Rollback rollback(cells_, control_, release_, owedRelease_, build_, teeth_, host_.header());
     cells_.fill(0);
+    owedRelease_ = 0;
     control_ = {};
     teeth_ = {};
     FileHeader& header = host_.header();

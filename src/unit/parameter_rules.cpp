@@ -69,6 +69,13 @@ std::optional<EngineFacts> engineOf(Unit& unit) {
                               toInt16(static_cast<double>(unit.DirectIndex(cellsOf(unit).optionType))));
 }
 
+/// For what is only shown: without reference data the calibration's own numbers have to do.
+std::optional<EngineFacts> engineIfKnown(Unit& unit) {
+    std::optional<EngineFacts> engine;
+    skipFailing([&] { engine = engineOf(unit); });
+    return engine;
+}
+
 /// Pulses per revolution and the code that stands for them in the high nibble of P2EGTP.
 struct TachCode {
     int pulses;
@@ -282,12 +289,12 @@ float readTach(Unit& unit, const Parameter&, int) {
 }
 
 float readToothMin(Unit& unit, const Parameter&, int) {
-    const auto engine = engineOf(unit);
+    const auto engine = engineIfKnown(unit);
     return engine ? engine->toothMin : unit.teeth().minimum;
 }
 
 float readToothMax(Unit& unit, const Parameter&, int) {
-    const auto engine = engineOf(unit);
+    const auto engine = engineIfKnown(unit);
     return engine ? engine->toothMax : unit.teeth().maximum;
 }
 

@@ -1,6 +1,7 @@
 #include "unit/safe_file.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -8,6 +9,7 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
 #include <limits>
@@ -18,6 +20,7 @@
 #include <utility>
 
 #include "base/errors.h"
+#include "platform/posix_handle.h"
 
 namespace zentaq {
 
@@ -78,21 +81,53 @@ class OpenFile {
     int descriptor_;
 };
 
-/// A new file in a folder, gone with the object unless it was renamed. Its name has nothing of the target's,
-/// which may be as long as the system allows already.
+/// What the names of all temporary files of a target begin with: not its own name, which may be as long as
+/// the system allows already, but a number made of it (FNV-1a).
+std::string temporaryStart(const fs::path& target) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    std::uint64_t sum = 0xcbf29ce484222325U;
+    for (const char letter : target.filename().string()) {
+        sum = (sum ^ static_cast<unsigned char>(letter)) * 0x100000001b3U;
+    }
+    std::string text = "zentaq-";
+    for (int shift = 60; shift >= 0; shift -= 4) text += digits[sum >> shift & 15U];
+    return text + "-";
+}
+
+bool takesLock(int descriptor) {
+    return retried([&] { return ::flock(descriptor, LOCK_EX | LOCK_NB); }) == 0;
+}
+
+constexpr std::string_view temporaryEnd = ".tmp";
+
+/// Removes what killed saves of the target have left in its folder. Who saves holds the lock of his temporary
+/// file, so the one of a save that runs stays. Nothing of it is worth a failure.
+void removeLeftovers(const fs::path& folder, const std::string& start) {
+    std::error_code error;
+    for (fs::directory_iterator place(folder, error), end; !error && place != end; place.increment(error)) {
+        const std::string name = place->path().filename().string();
+        if (!name.starts_with(start) || !name.ends_with(temporaryEnd)) continue;
+        constexpr int flags = O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC;
+        PosixHandle file(::open(place->path().c_str(), O_RDONLY | flags));
+        if (!file.valid()) file = PosixHandle(::open(place->path().c_str(), O_WRONLY | flags));
+        if (file.valid() && takesLock(file.get())) ::unlink(place->path().c_str());
+    }
+}
+
+/// A new file in a folder, gone with the object unless it was renamed, and locked as long as the object lives.
 class Temporary {
  public:
     /// Throws FileError that names `path`, the file to be written.
-    Temporary(const fs::path& folder, const std::string& path) {
+    Temporary(const fs::path& folder, const std::string& start, const std::string& path) {
         constexpr mode_t forEveryone = 0666;  // less the user's mask
         constexpr int most = 100;
         for (int attempt = 0; attempt < most && !file_; ++attempt) {
-            path_ = folder / freshName();
+            path_ = folder / freshName(start);
             // A file that is there belongs to somebody else, or to a save that was killed.
             OpenFile file(retried(
                 [&] { return ::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, forEveryone); }));
             if (!file.isOpen() && errno != EEXIST) break;
-            if (file.isOpen()) file_.emplace(std::move(file));
+            if (file.isOpen() && keepsIt(file)) file_.emplace(std::move(file));
         }
         if (!file_) fail(path, "write", errno, "its folder takes no new file: ");
     }
@@ -110,12 +145,21 @@ class Temporary {
 
  private:
     // The process number alone would not do: on a shared folder two machines may have the same.
-    static std::string freshName() {
+    static std::string freshName(const std::string& start) {
         const auto now = std::chrono::system_clock::now().time_since_epoch().count();
-        return "zentaq-" + std::to_string(::getpid()) + "-" + std::to_string(now) + ".tmp";
+        return start + std::to_string(::getpid()) + "-" + std::to_string(now) + std::string(temporaryEnd);
+    }
+    /// Another save may have taken the new file for a leftover before it was locked. The lock is held beside
+    /// the file itself, which is closed before it is renamed.
+    bool keepsIt(const OpenFile& file) {
+        lock_ = PosixHandle(::fcntl(file.get(), F_DUPFD_CLOEXEC, 0));
+        if (!takesLock(file.get())) return errno != EWOULDBLOCK;  // a file system without locks
+        struct stat status {};
+        return ::fstat(file.get(), &status) != 0 || status.st_nlink > 0;
     }
 
     fs::path path_;
+    PosixHandle lock_;
     std::optional<OpenFile> file_;
     bool renamed_ = false;
 };
@@ -190,30 +234,39 @@ void flushFolder(const fs::path& folder) {
     if (file.isOpen()) file.flush();
 }
 
-void writeSafely(const std::string& path, std::string_view content, bool keepSurplus) {
+enum class Surplus { Goes, Stays };
+enum class Flush { Yes, No };
+
+void writeSafely(const std::string& path, std::string_view content, Surplus surplus, Flush flush) {
     if (path.empty()) throw FileError("Cannot write a file without a name");
     const fs::path target = targetOf(path);
     const auto old = statusToReplace(target, path);
     const fs::path folder = folderOf(target);
 
-    Temporary temporary(folder, path);
+    const std::string start = temporaryStart(target);
+    removeLeftovers(folder, start);
+    Temporary temporary(folder, start, path);
     OpenFile& file = temporary.file();
     if (old && !takeOver(file, *old)) fail(path, "write", errno);
     if (!file.write(content)) fail(path, "write", errno);
-    if (old && keepSurplus) appendSurplus(file, target, content.size(), path);
-    if (!file.flush() || !file.close()) fail(path, "write", errno);
+    if (old && surplus == Surplus::Stays) appendSurplus(file, target, content.size(), path);
+    if ((flush == Flush::Yes && !file.flush()) || !file.close()) fail(path, "write", errno);
     if (!temporary.rename(target)) fail(path, "write", errno);
-    flushFolder(folder);
+    if (flush == Flush::Yes) flushFolder(folder);
 }
 
 }  // namespace
 
 void writeFileSafely(const std::string& path, std::string_view content) {
-    writeSafely(path, content, false);
+    writeSafely(path, content, Surplus::Goes, Flush::Yes);
 }
 
 void writeFileStartSafely(const std::string& path, std::string_view start) {
-    writeSafely(path, start, true);
+    writeSafely(path, start, Surplus::Stays, Flush::Yes);
+}
+
+void writeScratchFile(const std::string& path, std::string_view content) {
+    writeSafely(path, content, Surplus::Goes, Flush::No);
 }
 
 }  // namespace zentaq

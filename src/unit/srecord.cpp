@@ -65,7 +65,7 @@ std::vector<std::uint8_t> Unit::memoryBytes() const {
 std::string Unit::MakeS19() {
     if (!kind_->hasCalibration) return {};
     std::string path = host_.applicationFolder() + "/ORB.s19";
-    writeFileSafely(path, sRecordText());
+    writeScratchFile(path, sRecordText());
     host_.addToLastLine("SUCCESS!");
     return path;
 }

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -70,7 +71,8 @@ class Unit {
     // ---- Mode switches
     void IndexPolling(bool on) { indexPolling_ = on; }
     bool ONFLY_MODE() const { return onTheFly_; }
-    void ONFLY_MODE(bool on) { onTheFly_ = on && kind_->hasCalibration; }
+    /// A calibration that could not be moved to the unit's firmware sends nothing.
+    void ONFLY_MODE(bool on) { onTheFly_ = on && kind_->hasCalibration && owedRelease_ == 0; }
     bool SILENT_MODE() const { return silent_; }
     void SILENT_MODE(bool on) { silent_ = on; }
 
@@ -91,8 +93,11 @@ class Unit {
     }
     int FW_Release() const { return release_; }
     /// Also migrates sensor and injector scaling when the release crosses 3, where the calibration in hand
-    /// says what it was made for.
+    /// says what it was made for. Where the sensor cannot be looked up nothing is changed and the user is
+    /// told; the release is then owed.
     void FW_Release(int release);
+    /// Makes up for a release that is owed. Throws ReferenceNeeded where that still cannot be done.
+    void settleFirmware();
     int FW_Build() const { return build_; }
     void FW_Build(int build) {
         if (kind_->hasCalibration) build_ = build;
@@ -170,9 +175,18 @@ class Unit {
 
     // ---- Files. All throw FileError.
     void FileOpen(const std::string& path);
+    /// The same of a file that has been read already.
+    void FileOpen(const std::string& path, std::string_view bytes);
     /// Reads a file of the older generation, which has no header, and moves it to today's places.
     void OldFileOpen(const std::string& path);
     void SaveFile();
+    /// What SaveFile writes, and the step behind it, for who writes it elsewhere.
+    struct FileContent {
+        std::string bytes;
+        float firmwareCode = 0;
+    };
+    FileContent fileContent();
+    void noteSaved(const FileContent& content);
     void CloseFile();
 
     // ---- Image
@@ -239,6 +253,9 @@ class Unit {
     void adoptFirmware(float code);
     void recordReleaseOf(int gpioCode);
     void sendGpioParameter(int pin, int parameter, float value);
+    void takeRelease(int release);
+    void moveFrom(int formerRelease);
+    std::optional<SensorFacts> sensorById(int id);
     void repairAfterOpening(int fileRelease);
     void repairSensor(int fromRelease);
     void defineSensor();
@@ -265,6 +282,7 @@ class Unit {
     Teeth teeth_;
     std::array<std::uint8_t, 3> control_{};
     int release_ = 0;
+    int owedRelease_ = 0;  ///< told, but the calibration could not be moved to it; 0 for none
     int build_ = 0;
     bool hasPic18_ = false;
     bool gpioListRead_ = false;

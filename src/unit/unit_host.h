@@ -56,6 +56,8 @@ class UnitHost {
     /// Queues one on-the-fly record with the link. Throws on failure.
     virtual void sendOnFly(std::string_view record) = 0;
 
+    // Nothing where the reference data has no such row. Throws Failure, with the reason, where it cannot be
+    // asked: a calibration is not made or moved by guesses.
     virtual std::optional<EngineFacts> engine(int kind, int optionType) = 0;
     virtual std::optional<SensorFacts> mapSensor(int id) = 0;
 

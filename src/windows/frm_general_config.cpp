@@ -242,10 +242,26 @@ void FrmGeneralConfig::save() {
     if (busy_ || !form_->commit()) return;
     const QPointer<FrmGeneralConfig> self(this);
     busy_ = true;
-    bool stored = false;
-    run([&] { stored = core_.save(); });
+    const bool begun = run([&] {
+        core_.save([self](bool stored) {
+            if (self) self->saveEnded(stored);
+        });
+    });
     if (!self) return;
+    if (!begun) return saveEnded(false);
+    // What is entered while the disk is busy would be in no file.
+    if (!busy_) return;
+    focusAtSave_ = focusWidget();
+    setEnabled(false);
+}
+
+void FrmGeneralConfig::saveEnded(bool stored) {
+    const QPointer<FrmGeneralConfig> self(this);
     busy_ = false;
+    if (!isEnabled()) {
+        setEnabled(true);
+        if (focusAtSave_) focusAtSave_->setFocus();
+    }
     form_->refresh();
     showState();
     if (!stored) return;

@@ -4,6 +4,7 @@
 
 #include <QAction>
 #include <QLabel>
+#include <QPointer>
 #include <QScrollArea>
 #include <QToolBar>
 #include <QWidget>
@@ -58,6 +59,7 @@ class FrmGeneralConfig : public QWidget {
     void chainTab();
     void place();
     void showState();
+    void saveEnded(bool stored);
     void showIcons();
     void focusMoved(QWidget* now);
     bool mayClose();
@@ -76,7 +78,8 @@ class FrmGeneralConfig : public QWidget {
     QAction* save_ = nullptr;
     QAction* cancel_ = nullptr;
     bool placed_ = false;
-    bool busy_ = false;  ///< a box of this window's own is open
+    bool busy_ = false;  ///< a box of this window's own is open, or its save is on the way to the disk
+    QPointer<QWidget> focusAtSave_;
     bool unloaded_ = false;
 };
 

@@ -457,12 +457,12 @@ void WindowManager::fastHelp() {
     if (key.isEmpty() && config_) key = config_->helpKey();
     std::optional<HelpRow> row;
     skipFailing([&] {
-        if (!key.isEmpty() && session_.database) row = session_.database->help(key.toStdString());
+        if (!key.isEmpty()) row = session_.requireReference().help(key.toStdString());
     });
     if (!row) {
         constexpr int helpMessage = 0;
         session_.messages.Display_Message(
-            helpMessage, session_.database ? "There is no help on this field."
+            helpMessage, session_.reference() != nullptr ? "There is no help on this field."
                                            : "There are no help texts: the reference database "
                                              "could not be opened.");
         return;

@@ -18,6 +18,7 @@
 #include "platform/settings_store.h"
 #include "platform/ticker.h"
 #include "platform/yield.h"
+#include "refdata/seed_builder.h"
 #include "temporary_folder.h"
 
 namespace zentaq {
@@ -152,6 +153,17 @@ class RecordingWindows : public WindowSet {
     std::string title;
     std::string tip;
 };
+
+/// The project's reference database, built once for all tests, for reading.
+inline const std::string& builtReference() {
+    static const TemporaryFolder folder;
+    static const std::string path = [] {
+        const std::string built = folder.path("reference.pak");
+        refdata::buildDatabase(ZENTAQ_SOURCE_DIR "/data/seeds", built);
+        return built;
+    }();
+    return path;
+}
 
 /// A whole session on fakes; application and user folder are temporary.
 struct FakeSession {

@@ -42,7 +42,10 @@ class Commands : public ::testing::Test {
     Session& session = fake.session;
     MainCommands commands{session};
 
-    Commands() { session.makeUnits(); }
+    Commands() {
+        session.makeUnits();
+        session.DatabaseFile = builtReference();  // opened by what needs it
+    }
 
     std::string file(const std::string& name, float version = 9.44f) {
         const std::string path = fake.folder.path(name);

@@ -113,7 +113,9 @@ TEST_F(NewCalibrationCommand, AnUnsavedNewCalibrationStopsOpeningClosingProgramm
     EXPECT_EQ(session.CurrentFile, path());
     commands.programOrb();
     EXPECT_TRUE(fake.dialogs.boxes.empty());
-    EXPECT_FALSE(commands.offerToSave());
+    bool goesOn = false;
+    commands.offerToSave([&] { goesOn = true; });
+    EXPECT_FALSE(goesOn);
 }
 
 TEST_F(NewCalibrationCommand, SaveAndSaveAsBelongToTheForm) {

@@ -28,7 +28,10 @@ class OldFileCommands : public ::testing::Test {
     Session& session = fake.session;
     MainCommands commands{session};
 
-    OldFileCommands() { session.makeUnits(); }
+    OldFileCommands() {
+        session.makeUnits();
+        session.DatabaseFile = builtReference();  // opened by what needs it
+    }
 
     std::string file(const std::string& name, std::size_t bytes = 8704) {
         LegacyFile cells(static_cast<int>(bytes / 4));

@@ -23,7 +23,10 @@ class SessionTest : public ::testing::Test {
     Session& session = fake.session;
     MainCommands commands{session};
 
-    SessionTest() { session.makeUnits(); }
+    SessionTest() {
+        session.makeUnits();
+        session.DatabaseFile = builtReference();  // opened by what needs it
+    }
 
     std::string calibrationOf(float kind, const std::string& name) const {
         std::vector<float> floats{kind, 9.44f, 5099};

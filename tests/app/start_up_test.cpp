@@ -363,7 +363,7 @@ TEST_F(StartUp, ADamagedDatabaseIsToldAndTheProgramWorksWithoutIt) {
     EXPECT_TRUE(consoleHas("No reference database: the file is not a database"));
     EXPECT_FALSE(session.database.has_value());
     EXPECT_EQ(fake.dialogs.requests.size(), 1u);
-    EXPECT_FALSE(session.engine(3, 1).has_value());
+    EXPECT_THROW(session.engine(3, 1), Failure);
 }
 
 /// A program that holds the file for writing, as a database writer locks it: the 512 bytes from 1 GiB on.

@@ -24,13 +24,15 @@ LegacyFile oldFile(int floats) {
     return file;
 }
 
-TEST(QuietCalibration, ImportsAnOldFileOfEachLengthAsItsKind) {
-    const TemporaryFolder folder;
+class ImportWithReferenceData : public refdata::ReferenceDatabase {};
+
+TEST_F(ImportWithReferenceData, TakesAnOldFileOfEachLengthAsItsKind) {
+    const Database database = open();
     const std::pair<int, const UnitKind*> lengths[] = {
         {2176, &orbaKind()}, {2180, &orbaKind()}, {2328, &orbLiteKind()}, {1201, &pzk2Kind()}};
     for (const auto& [floats, kind] : lengths) {
         const auto calibration =
-            QuietCalibration::importOld(folder.write("old.BIN", oldFile(floats).bytes()));
+            QuietCalibration::importOld(folder.write("old.BIN", oldFile(floats).bytes()), &database);
         EXPECT_EQ(&calibration->unit.kind(), kind);
         EXPECT_EQ(calibration->unit.get("REV_Limiter"), 7200);
         EXPECT_EQ(calibration->host.header().currentUnit, kind->fileKind);
@@ -38,14 +40,15 @@ TEST(QuietCalibration, ImportsAnOldFileOfEachLengthAsItsKind) {
     }
 }
 
-TEST(QuietCalibration, AnImportSavesAsACalibrationThatOpensAgain) {
-    const TemporaryFolder folder;
-    const auto calibration = QuietCalibration::importOld(folder.write("old.BIN", oldFile(2176).bytes()));
-    const std::string path = folder.file("new.ZQ4OA");
-    calibration->unit.BinFile(path);
+TEST_F(ImportWithReferenceData, SavesAsACalibrationThatOpensAgain) {
+    const Database database = open();
+    const auto calibration =
+        QuietCalibration::importOld(folder.write("old.BIN", oldFile(2176).bytes()), &database);
+    const std::string fresh = folder.file("new.ZQ4OA");
+    calibration->unit.BinFile(fresh);
     calibration->unit.SaveFile();
-    EXPECT_EQ(std::filesystem::file_size(path), 11324u);
-    const auto again = QuietCalibration::open(path);
+    EXPECT_EQ(std::filesystem::file_size(fresh), 11324u);
+    const auto again = QuietCalibration::open(fresh);
     EXPECT_EQ(again->unit.get("REV_Limiter"), 7200);
     EXPECT_THAT(again->unit.BiName(), HasSubstr("new "));
 }
@@ -61,15 +64,15 @@ TEST(QuietCalibration, RefusesToImportWhatHasNoLengthOfAnOldFile) {
     EXPECT_THAT(import(folder.file("none.BIN")), HasSubstr("none.BIN"));
 }
 
-TEST(QuietCalibration, OpensACalibrationThatItsExactLengthNames) {
-    const TemporaryFolder folder;
+TEST_F(ImportWithReferenceData, ACalibrationThatItsExactLengthNamesOpens) {
+    const Database database = open();
     const std::pair<std::size_t, const UnitKind*> lengths[] = {{8718, &orbaKind()},
                                                                {9324, &orbLiteKind()},
                                                                {9320, &orbcKind()},
                                                                {9316, &orbdKind()},
                                                                {4816, &pzk2Kind()}};
     for (const auto& [bytes, kind] : lengths) {
-        const auto calibration = QuietCalibration::open(folder.write("a.ZQ4OA", std::string(bytes, '\0')));
+        const auto calibration = QuietCalibration::open(folder.write("a.ZQ4OA", std::string(bytes, '\0')), &database);
         EXPECT_EQ(&calibration->unit.kind(), kind) << bytes;
         EXPECT_EQ(calibration->host.header().currentUnit, static_cast<float>(kind->slot));
     }
@@ -78,7 +81,13 @@ TEST(QuietCalibration, OpensACalibrationThatItsExactLengthNames) {
                 HasSubstr("does not begin with a unit kind"));
 }
 
-class ImportWithReferenceData : public refdata::ReferenceDatabase {};
+TEST(QuietCalibration, WithoutReferenceDataAnImportFailsAndSaysWhatItNeeds) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(failureOf<Failure>([&] {
+                  QuietCalibration::importOld(folder.write("old.BIN", oldFile(2176).bytes()));
+              }),
+              "Engine 9 of the reference database is needed to convert it: There is no reference database");
+}
 
 TEST_F(ImportWithReferenceData, EngineAndSensorComeFromTheDatabase) {
     const Database database = open();

@@ -83,9 +83,15 @@ TEST_F(QuietHostTest, RecordsAreKeptInOrder) {
     EXPECT_THAT(host.records(), ElementsAre("S10411415059", "S10411420A9E"));
 }
 
-TEST_F(QuietHostTest, WithoutADatabaseEnginesAndSensorsAreUnknown) {
-    EXPECT_FALSE(host.engine(3, 1));
-    EXPECT_FALSE(host.mapSensor(1));
+TEST_F(QuietHostTest, WithoutADatabaseWhatNeedsAnEngineOrASensorFails) {
+    EXPECT_EQ(failureOf<Failure>([&] { host.engine(3, 1); }), "There is no reference database");
+    EXPECT_EQ(failureOf<Failure>([&] { host.mapSensor(1); }), "There is no reference database");
+}
+
+TEST_F(QuietHostTest, TheReasonWhyThereIsNoDatabaseIsPassedOn) {
+    const auto locked = []() -> const Database& { throw Failure("it is in use by another program"); };
+    QuietHost other{DatabaseSource(std::function<const Database&()>(locked))};
+    EXPECT_EQ(failureOf<Failure>([&] { other.mapSensor(1); }), "it is in use by another program");
 }
 
 TEST(QuietHost, FileHeadersCarryTheMinorPartOfTheVersion) {

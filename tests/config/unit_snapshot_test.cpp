@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "config/quiet_calibration.h"
+#include "refdata/refdata_fixture.h"
 
 namespace zentaq {
 namespace {
@@ -53,8 +54,11 @@ TEST(UnitSnapshot, PutsBackAllThatACalibrationIs) {
     EXPECT_TRUE(calibration.host.records().empty()) << "nothing is sent";
 }
 
-TEST(UnitSnapshot, BringsBackAReleaseWithoutMovingAnything) {
-    QuietCalibration calibration(orbaKind());
+class UnitSnapshotWithReferenceData : public refdata::ReferenceDatabase {};
+
+TEST_F(UnitSnapshotWithReferenceData, BringsBackAReleaseWithoutMovingAnything) {
+    const Database database = open();
+    QuietCalibration calibration(orbaKind(), &database);
     Unit& unit = calibration.unit;
     unit.FW_Release(2);
     unit.AssignDirectIndex(10, 148);

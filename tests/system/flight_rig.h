@@ -24,6 +24,7 @@
 #include "qt/qt_serial_port.h"
 #include "qt/qt_ticker.h"
 #include "qt/qt_yield.h"
+#include "unit/file_writer.h"
 #include "windows/window_manager.h"
 
 namespace zentaq {
@@ -73,7 +74,7 @@ class ProgramWith {
         : folder_(prepared(folder)),
           port(std::move(ports), clock),
           ticker(port.port, clock),
-          session({port.port, ticker, clock, settings, dialogs, yield, folder, folder}),
+          session({port.port, ticker, clock, settings, dialogs, yield, folder, folder, &writer}),
           commands(session),
           kernel(session, commands),
           windows(application, session, commands, kernel) {
@@ -137,6 +138,7 @@ class ProgramWith {
     QtYield yield;
     PortHolder port;
     QtTicker ticker;
+    ThreadedFileWriter writer;
 
  public:
     MemorySettings& stored() { return settings; }

@@ -83,6 +83,8 @@ TEST_F(Flight, AWholeFlightFromIdentificationToTheReturnOfTheCable) {
     // The file is whole and opens again.
     session.markModified();
     program.commands.save();
+    ASSERT_TRUE(
+        Program::waitFor([&] { return program.boxShown("Data has been saved Successfully!"); }, patienceMs));
     EXPECT_EQ(std::filesystem::file_size(calibration), 11324u);
     ASSERT_TRUE(program.open(calibration));
     EXPECT_EQ(session.currentUnitObject().get("VE", 37), 12);

@@ -117,6 +117,7 @@ TEST(AKilledSave, LeavesTheOldFileOrTheNewOneWholeWhateverCallItIsKilledAt) {
             if (save.oldContent) writeContent(path, *save.oldContent);
             ASSERT_NO_THROW(save.run(path)) << "stop " << kill;
             ASSERT_EQ(now(path), save.newContent) << "stop " << kill;
+            ASSERT_EQ(folder.names().size(), 1U) << "stop " << kill;
         }
         // Twice for each of: look, make, write, flush, close, rename, and flush the folder.
         EXPECT_GE(olds, 12);

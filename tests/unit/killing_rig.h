@@ -8,12 +8,15 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <set>
+#include <string>
 
 namespace zentaq::testing {
 
@@ -22,6 +25,7 @@ class TracedChild {
     struct Stop {
         bool entry = false;  ///< before the call; else behind it
         long call = 0;       ///< SYS_write and so on, at an entry
+        std::array<std::uint64_t, 6> arguments{};  ///< the same
     };
 
     /// `action` answers the exit status of the child.
@@ -35,7 +39,9 @@ class TracedChild {
         ::waitpid(child_, &status, 0);
         running_ = WIFSTOPPED(status);
         if (!running_) return;
-        ::ptrace(PTRACE_SETOPTIONS, child_, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
+        // A child that becomes another program goes on without a word.
+        ::ptrace(PTRACE_SETOPTIONS, child_, nullptr,
+                 PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL | PTRACE_O_TRACEEXEC);
     }
     ~TracedChild() { kill(); }
     TracedChild(const TracedChild&) = delete;
@@ -60,11 +66,27 @@ class TracedChild {
                 exitStatus_ = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
             } else if (WSTOPSIG(status) == (SIGTRAP | 0x80)) {
                 return stopNow();
-            } else {
+            } else if (status >> 8 != (SIGTRAP | PTRACE_EVENT_EXEC << 8)) {
                 signal_ = WSTOPSIG(status);
             }
         }
         return std::nullopt;
+    }
+    /// The text at an address of the child; empty where none can be read.
+    std::string text(std::uint64_t address) const {
+        std::string found;
+        while (found.size() < longestText) {
+            errno = 0;
+            const long word = ::ptrace(PTRACE_PEEKDATA, child_, reinterpret_cast<void*>(address), nullptr);
+            if (errno != 0) return {};
+            for (std::size_t i = 0; i < sizeof word; ++i) {
+                const auto letter = static_cast<char>(static_cast<unsigned long>(word) >> 8 * i);
+                if (letter == '\0') return found;
+                found += letter;
+            }
+            address += sizeof word;
+        }
+        return {};
     }
     /// At once: a call at whose entry the child stands is not made any more.
     void kill() {
@@ -115,12 +137,15 @@ class TracedChild {
 
  private:
     static constexpr int notTraced = 99;
+    static constexpr std::size_t longestText = 512;
 
     Stop stopNow() {
         __ptrace_syscall_info info{};
         ::ptrace(PTRACE_GET_SYSCALL_INFO, child_, sizeof info, &info);
         const bool entry = info.op == PTRACE_SYSCALL_INFO_ENTRY;
-        return {entry, entry ? static_cast<long>(info.entry.nr) : -1};
+        Stop stop{entry, entry ? static_cast<long>(info.entry.nr) : -1, {}};
+        if (entry) std::copy_n(info.entry.args, stop.arguments.size(), stop.arguments.begin());
+        return stop;
     }
 
     pid_t child_;

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/errors.h"
 #include "base/number_text.h"
 #include "base/text.h"
 #include "unit/unit_host.h"
@@ -48,6 +49,7 @@ class RecordingHost : public UnitHost {
     FileHeader head{.currentUnit = 3, .programVersion = 0, .firmwareCode = 0, .fileState = ""};
     std::map<std::pair<int, int>, EngineFacts> engines;  ///< by kind and option type
     std::map<int, SensorFacts> sensors;                  ///< by id
+    std::string referenceTrouble;  ///< why the reference data cannot be asked; empty where it can
     bool isFahrenheit = false;
     bool firmwareIsKnownFromLink = false;
     int linkedSlot = 3;  ///< of the unit that told it
@@ -84,10 +86,12 @@ class RecordingHost : public UnitHost {
         sent.emplace_back(record);
     }
     std::optional<EngineFacts> engine(int kind, int optionType) override {
+        if (!referenceTrouble.empty()) throw Failure(referenceTrouble);
         const auto found = engines.find({kind, optionType});
         return found == engines.end() ? std::optional<EngineFacts>() : found->second;
     }
     std::optional<SensorFacts> mapSensor(int id) override {
+        if (!referenceTrouble.empty()) throw Failure(referenceTrouble);
         const auto found = sensors.find(id);
         return found == sensors.end() ? std::optional<SensorFacts>() : found->second;
     }

@@ -12,6 +12,7 @@
 #include "base/errors.h"
 #include "temporary_folder.h"
 #include "unit/child_apart.h"
+#include "unit/file_lock.h"
 #include "unit/unit_fixture.h"
 
 namespace zentaq::testing {
@@ -110,6 +111,40 @@ TEST_F(SafeFile, ABareNameIsSavedInTheCurrentFolder) {
     });
     EXPECT_EQ(answer, "done");
     EXPECT_EQ(contentOf(folder.file("Bare.ZQ4OA")), "new");
+}
+
+/// Runs a save that is killed in the middle of its write.
+void saveAndBeKilled(const std::string& path) {
+    const std::string answer = answerOfChild([&] {
+        const rlimit limit{5000, 5000};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        return outcomeOf([&] { writeFileSafely(path, std::string(11324, 'n')); });
+    });
+    ASSERT_EQ(answer, "killed by signal " + std::to_string(SIGXFSZ));
+}
+
+TEST_F(SafeFile, WhatAKilledSaveHasLeftIsRemovedByTheNextSaveOfThatFile) {
+    writeContent(path, "old");
+    saveAndBeKilled(path);
+    saveAndBeKilled(path);  // removes the first one's, and leaves its own
+    ASSERT_EQ(folder.names().size(), 2U);
+    ASSERT_EQ(outcome(folder.file("Other.ZQ4OA")), "done");
+    EXPECT_EQ(folder.names().size(), 3U) << "another file's leftovers are not its business";
+    ASSERT_EQ(outcome(path), "done");
+    EXPECT_THAT(folder.names(), UnorderedElementsAre("Tune.ZQ4OA", "Other.ZQ4OA"));
+}
+
+TEST_F(SafeFile, TheTemporaryFileOfASaveThatRunsStays) {
+    saveAndBeKilled(path);
+    ASSERT_EQ(folder.names().size(), 1U);
+    const std::string leftover = folder.file(folder.names()[0]);
+    {
+        const FileLock running(leftover);  // as the save that made it holds it
+        ASSERT_EQ(outcome(path), "done");
+        EXPECT_EQ(folder.names().size(), 2U);
+    }
+    ASSERT_EQ(outcome(path), "done");
+    EXPECT_THAT(folder.names(), ElementsAre("Tune.ZQ4OA"));
 }
 
 TEST_F(SafeFile, LeftoversOfKilledSavesDoNotHarmAndAreNotTouched) {

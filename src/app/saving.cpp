@@ -1,0 +1,58 @@
+#include "app/saving.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "app/session.h"
+#include "base/errors.h"
+
+namespace zentaq {
+
+Saving::Saving(Session& session, FileWriter* writer)
+    : session_(session), writer_(writer != nullptr ? *writer : inline_) {}
+
+void Saving::begin(FileSave save, Ended ended) {
+    ended_ = std::move(ended);
+    writer_.begin(std::move(save));
+    if (auto saved = writer_.outcome()) finish(*saved);
+}
+
+// A tick shows no boxes: what follows the save comes from the event loop.
+void Saving::poll() {
+    if (!running()) return;
+    auto saved = writer_.outcome();
+    if (!saved) return;
+    session_.windows().later([this, saved = std::move(*saved)] { finish(saved); });
+}
+
+void Saving::finish(const FileSaved& saved) {
+    const Ended ended = std::exchange(ended_, nullptr);
+    run("Save", [&] { ended(saved); });
+    runWaiting();
+}
+
+void Saving::runWaiting() {
+    while (!running() && !waiting_.empty()) {
+        const Waiting next = std::move(waiting_.front());
+        waiting_.erase(waiting_.begin());
+        run(next.name, next.command);
+    }
+}
+
+void Saving::run(const std::string& name, const std::function<void()>& command) {
+    endOnFailure(command, [&](const std::string& why) {
+        session_.sysLog(name + ": " + why);
+        session_.show({"Zentaq4", why, Icon::Critical, Buttons::Ok});
+    });
+}
+
+bool Saving::putsOff(std::string_view name, std::function<void()> command) {
+    if (!running()) return false;
+    const bool known = std::ranges::any_of(waiting_, [&](const Waiting& one) { return one.name == name; });
+    if (known) return true;
+    session_.sysLog(std::string(name) + " waits until the calibration is on the disk.");
+    waiting_.push_back({std::string(name), std::move(command)});
+    return true;
+}
+
+}  // namespace zentaq

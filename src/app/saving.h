@@ -1,0 +1,51 @@
+// Saves of the window program: the bytes are made at once, and a FileWriter brings them to the disk while the
+// windows go on. One save runs at a time; commands that need its end wait for it here.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "unit/file_writer.h"
+
+namespace zentaq {
+
+class Session;
+
+class Saving {
+ public:
+    using Ended = std::function<void(const FileSaved&)>;
+
+    /// Without a writer saves are done at once.
+    Saving(Session& session, FileWriter* writer);
+
+    bool running() const { return static_cast<bool>(ended_); }
+    /// Begins a save. `ended` is run from the event loop, or before this returns where the writer is done by
+    /// then. It may begin the next save.
+    void begin(FileSave save, Ended ended);
+    /// Looks whether the save has ended; with each tick.
+    void poll();
+    /// Answers true while a save runs: the command of this name then begins anew when it has ended, once,
+    /// however often it was given. Else the command goes on.
+    bool putsOff(std::string_view name, std::function<void()> command);
+
+ private:
+    struct Waiting {
+        std::string name;
+        std::function<void()> command;
+    };
+
+    void finish(const FileSaved& saved);
+    void runWaiting();
+    void run(const std::string& name, const std::function<void()>& command);
+
+    Session& session_;
+    InlineFileWriter inline_;
+    FileWriter& writer_;
+    Ended ended_;  ///< empty while no save runs
+    std::vector<Waiting> waiting_;
+};
+
+}  // namespace zentaq

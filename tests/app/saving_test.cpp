@@ -1,0 +1,383 @@
+// Saves beside the thread of the windows: what is told and done while one runs, and when it has ended. The disk
+// is driven by hand.
+#include "app/saving.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <deque>
+#include <filesystem>
+
+#include "app/fake_platform.h"
+#include "app/main_commands.h"
+#include "app/start_up.h"
+#include "unit/safe_file.h"
+
+namespace zentaq {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::SizeIs;
+
+/// A disk that takes a save when the test says so.
+class SlowDisk : public FileWriter {
+ public:
+    void begin(FileSave save) override {
+        EXPECT_FALSE(busy) << "one save at a time";
+        busy = true;
+        last = std::move(save);
+    }
+    std::optional<FileSaved> outcome() override {
+        if (!busy || !ready) return std::nullopt;
+        busy = ready = false;
+        return failure.empty() ? saveFile(last)
+                               : FileSaved{FileSaved::Outcome::Failed, std::exchange(failure, {}), {}};
+    }
+
+    bool busy = false;
+    bool ready = false;
+    std::string failure;
+    FileSave last;
+};
+
+/// Windows whose `later` waits for the event loop, as the real ones' does.
+class LateWindows : public RecordingWindows {
+ public:
+    void later(const std::function<void()>& something) override { waiting.push_back(something); }
+    void runEvents() {
+        while (!waiting.empty()) {
+            const auto next = std::move(waiting.front());
+            waiting.pop_front();
+            next();
+        }
+    }
+    std::deque<std::function<void()>> waiting;
+};
+
+class SavingBeside : public ::testing::Test {
+ protected:
+    TemporaryFolder folder;
+    FakePort port;
+    ManualTicker ticker;
+    FakeClock clock;
+    MemorySettings settings;
+    ScriptedDialogs dialogs;
+    NoYield yield;
+    LateWindows windows;
+    SlowDisk disk;
+    Session session{
+        Platform{port, ticker, clock, settings, dialogs, yield, folder.path(), folder.path(), &disk}};
+    MainCommands commands{session};
+    Kernel kernel{session, commands};
+    std::string path = folder.path("tune.ZQ4OA");
+
+    SavingBeside() {
+        session.attach(windows);
+        session.makeUnits();
+        ticker.start();
+        write(path, 6500);
+        dialogs.files.push_back(path);
+        commands.open();
+        EXPECT_EQ(session.CurrentFile, path);
+        windows.runEvents();
+        dialogs.boxes.clear();
+        dialogs.requests.clear();
+    }
+    static void write(const std::string& file, float revLimit) {
+        std::vector<float> floats{3, 9.44F, 5099};
+        floats.resize(3 + 2828, 0.0F);
+        floats[3 + 58] = revLimit;
+        std::ofstream out(file, std::ios::binary);
+        for (const float value : floats) {
+            const auto word = std::bit_cast<std::uint32_t>(value);
+            out.write(reinterpret_cast<const char*>(&word), sizeof word);
+        }
+    }
+    static float limitIn(const std::string& file) {
+        const std::string bytes = TemporaryFolder::read(file).substr((3 + 58) * 4, 4);
+        std::uint32_t word = 0;
+        for (int i = 3; i >= 0; --i)
+            word = word << 8U | static_cast<unsigned char>(bytes[static_cast<std::size_t>(i)]);
+        return std::bit_cast<float>(word);
+    }
+    void change(double revLimit) {
+        session.currentUnitObject().set("REV_Limiter", revLimit);
+        session.markModified();
+    }
+    /// Time passes: ticks, and what they have left for the event loop.
+    void passes(int ticks = 10) {
+        ticker.run(ticks);
+        windows.runEvents();
+    }
+    void diskIsDone() {
+        disk.ready = true;
+        passes();
+    }
+    std::vector<std::string> boxes() const {
+        std::vector<std::string> titles;
+        for (const Box& box : dialogs.boxes) titles.push_back(box.title);
+        return titles;
+    }
+};
+
+TEST_F(SavingBeside, TheCommandReturnsAtOnceAndTheBoxComesWhenTheFileIsOnTheDisk) {
+    change(7000);
+    commands.save();
+    passes(1000);
+    EXPECT_TRUE(session.saving.running());
+    EXPECT_THAT(dialogs.boxes, IsEmpty());
+    EXPECT_TRUE(session.DataModified);
+    EXPECT_EQ(limitIn(path), 6500);
+    diskIsDone();
+    EXPECT_THAT(boxes(), ElementsAre("Data Saved."));
+    EXPECT_FALSE(session.DataModified);
+    EXPECT_EQ(limitIn(path), 7000);
+    EXPECT_FALSE(session.saving.running());
+}
+
+TEST_F(SavingBeside, NoBoxComesFromInsideATick) {
+    commands.save();
+    disk.ready = true;
+    ticker.run(10);
+    EXPECT_THAT(dialogs.boxes, IsEmpty());
+    windows.runEvents();
+    EXPECT_THAT(boxes(), ElementsAre("Data Saved."));
+}
+
+TEST_F(SavingBeside, WhatIsChangedMeanwhileIsNotInTheFileAndStaysToBeSaved) {
+    change(7000);
+    commands.save();
+    change(8000);
+    diskIsDone();
+    EXPECT_EQ(limitIn(path), 7000);
+    EXPECT_TRUE(session.DataModified);
+    EXPECT_EQ(session.currentUnitObject().get("REV_Limiter"), 8000);
+}
+
+TEST_F(SavingBeside, AFailureIsToldAndTheChangesStay) {
+    change(7000);
+    commands.save();
+    disk.failure = "Cannot write " + path + ": No space left on device";
+    diskIsDone();
+    ASSERT_THAT(boxes(), ElementsAre("File Save Error"));
+    EXPECT_EQ(dialogs.boxes[0].text, "The calibration could not be saved.\nCannot write " + path +
+                                         ": No space left on device\n"
+                                         "The calibration is still in memory: choose Save As and another "
+                                         "folder.");
+    EXPECT_TRUE(session.DataModified);
+    commands.save();
+    diskIsDone();
+    EXPECT_EQ(limitIn(path), 7000);
+}
+
+TEST_F(SavingBeside, ASecondSaveWaitsForTheFirstAndComesOnce) {
+    change(7000);
+    commands.save();
+    change(8000);
+    commands.save();
+    commands.save();
+    diskIsDone();
+    EXPECT_EQ(limitIn(path), 7000);
+    EXPECT_TRUE(session.saving.running());
+    diskIsDone();
+    EXPECT_EQ(limitIn(path), 8000);
+    EXPECT_FALSE(session.saving.running());
+    EXPECT_THAT(boxes(), ElementsAre("Data Saved.", "Data Saved."));
+}
+
+TEST_F(SavingBeside, CloseWaitsForIt) {
+    change(7000);
+    commands.save();
+    commands.close();
+    passes(1000);
+    EXPECT_EQ(session.CurrentFile, path);
+    diskIsDone();
+    EXPECT_EQ(session.CurrentFile, "");
+    EXPECT_EQ(limitIn(path), 7000);
+    EXPECT_THAT(boxes(), ElementsAre("Data Saved."));
+}
+
+TEST_F(SavingBeside, CloseThatWaitedAsksForWhatWasChangedMeanwhile) {
+    commands.save();
+    change(8000);
+    commands.close();
+    diskIsDone();
+    EXPECT_THAT(boxes(), ElementsAre("Data Saved.", "SAVE"));  // answered OK: saved again
+    EXPECT_EQ(session.CurrentFile, path);
+    diskIsDone();
+    EXPECT_EQ(session.CurrentFile, "");
+    EXPECT_EQ(limitIn(path), 8000);
+}
+
+TEST_F(SavingBeside, CloseWithChangesGoesOnWhenTheyAreOnTheDisk) {
+    change(7000);
+    commands.close();  // "Save changes?" is answered OK
+    passes(1000);
+    EXPECT_EQ(session.CurrentFile, path);
+    diskIsDone();
+    EXPECT_EQ(session.CurrentFile, "");
+    EXPECT_EQ(limitIn(path), 7000);
+}
+
+TEST_F(SavingBeside, CloseWithChangesThatCannotBeSavedStaysOpen) {
+    change(7000);
+    commands.close();
+    disk.failure = "the disk is full";
+    diskIsDone();
+    EXPECT_EQ(session.CurrentFile, path);
+    EXPECT_TRUE(session.DataModified);
+}
+
+TEST_F(SavingBeside, OpenNewAndSaveAsWaitForIt) {
+    commands.save();
+    dialogs.answers = {Answer::Ok, Answer::No};  // "Data Saved.", "Save Data?"
+    commands.open();
+    commands.saveAs();
+    commands.newCalibration();
+    passes(1000);
+    EXPECT_THAT(dialogs.requests, IsEmpty());
+    EXPECT_FALSE(session.creating());
+    diskIsDone();
+    EXPECT_THAT(dialogs.requests, SizeIs(2));
+    EXPECT_TRUE(session.creating());
+}
+
+TEST_F(SavingBeside, ProgrammingWaitsForIt) {
+    commands.save();
+    commands.programOrb();
+    passes(1000);
+    EXPECT_THAT(dialogs.boxes, IsEmpty());
+    diskIsDone();
+    ASSERT_THAT(dialogs.boxes, SizeIs(2));  // then it tells that no unit is there
+    EXPECT_EQ(dialogs.boxes[1].title, "Error 1005");
+}
+
+TEST_F(SavingBeside, TheEndOfTheProgramWaitsForIt) {
+    change(7000);
+    commands.save();
+    kernel.closeRequested();
+    EXPECT_FALSE(kernel.System_Shutdown(false));
+    passes(1000);
+    EXPECT_THAT(windows.calls, Not(Contains("closeMain")));
+    EXPECT_TRUE(ticker.running());
+    diskIsDone();
+    EXPECT_THAT(windows.calls, Contains("closeMain"));
+    EXPECT_EQ(limitIn(path), 7000);
+}
+
+TEST_F(SavingBeside, TheEndOfTheProgramWithChangesComesWhenTheyAreOnTheDisk) {
+    change(7000);
+    kernel.closeRequested();
+    passes(1000);
+    EXPECT_THAT(windows.calls, Not(Contains("closeMain")));
+    diskIsDone();
+    EXPECT_THAT(windows.calls, Contains("closeMain"));
+    EXPECT_EQ(limitIn(path), 7000);
+}
+
+TEST_F(SavingBeside, TheEndOfTheProgramWithChangesThatCannotBeSavedDoesNotCome) {
+    change(7000);
+    kernel.closeRequested();
+    disk.failure = "the disk is full";
+    diskIsDone();
+    EXPECT_THAT(windows.calls, Not(Contains("closeMain")));
+}
+
+TEST_F(SavingBeside, SaveAsTakesTheNewNameWhenTheFileIsThereAndKeepsTheOldOneWhenNot) {
+    const std::string other = folder.path("other.ZQ4OA");
+    dialogs.files = {other, other};
+    commands.saveAs();
+    EXPECT_EQ(session.CurrentFile, path);
+    disk.failure = "the disk is full";
+    diskIsDone();
+    EXPECT_EQ(session.CurrentFile, path);
+    EXPECT_EQ(session.currentUnitObject().BinFile(), path);
+    commands.saveAs();
+    diskIsDone();
+    EXPECT_EQ(session.CurrentFile, other);
+    EXPECT_EQ(limitIn(other), 6500);
+    EXPECT_EQ(windows.title, "Current Calibration File: " + other);
+}
+
+TEST_F(SavingBeside, AFirmwareThatTheUnitTellsMeanwhileIsNotForgotten) {
+    commands.save();
+    session.header().firmwareCode = 4001;  // as a calibration that was moved has it
+    diskIsDone();
+    EXPECT_EQ(session.header().firmwareCode, 4001);
+}
+
+// ---- Another program on the file
+
+constexpr const char* changedTitle = "File Changed";
+
+TEST_F(SavingBeside, AFileThatAnotherProgramHasChangedIsAskedAbout) {
+    write(path, 5000);
+    change(7000);
+    dialogs.answers = {Answer::No};
+    commands.save();
+    diskIsDone();
+    ASSERT_THAT(boxes(), ElementsAre(changedTitle));
+    EXPECT_EQ(dialogs.boxes[0].text, "FILE CHANGED:   " + path +
+                                         "\nThe file was changed by another program since it was opened.\n"
+                                         "Overwrite?");
+    EXPECT_TRUE(dialogs.boxes[0].declines);
+    EXPECT_EQ(limitIn(path), 5000);
+    EXPECT_TRUE(session.DataModified);
+}
+
+TEST_F(SavingBeside, YesOverwritesWhatWasAskedAboutAndNothingLater) {
+    write(path, 5000);
+    change(7000);
+    dialogs.answers = {Answer::Yes, Answer::Yes};
+    commands.save();
+    diskIsDone();
+    write(path, 5500);  // while the question stood
+    diskIsDone();
+    EXPECT_THAT(boxes(), ElementsAre(changedTitle, changedTitle));
+    diskIsDone();
+    EXPECT_EQ(limitIn(path), 7000);
+    EXPECT_EQ(boxes().back(), "Data Saved.");
+}
+
+TEST_F(SavingBeside, ItsOwnSavesAreNoChangeOfAnotherProgram) {
+    for (const double limit : {7000.0, 7100.0, 7200.0}) {
+        change(limit);
+        commands.save();
+        diskIsDone();
+        EXPECT_EQ(limitIn(path), limit);
+    }
+    EXPECT_THAT(boxes(), Not(Contains(changedTitle)));
+}
+
+TEST_F(SavingBeside, AFileThatWasTouchedButHoldsTheSameIsNoChange) {
+    write(path, 6500);
+    change(7000);
+    commands.save();
+    diskIsDone();
+    EXPECT_THAT(boxes(), ElementsAre("Data Saved."));
+}
+
+TEST_F(SavingBeside, AFileThatIsGoneIsWrittenAnew) {
+    std::filesystem::remove(path);
+    commands.save();
+    diskIsDone();
+    EXPECT_EQ(limitIn(path), 6500);
+    EXPECT_THAT(boxes(), ElementsAre("Data Saved."));
+}
+
+TEST_F(SavingBeside, SaveAsOverTheFileInHandAsksAboutTheChangeToo) {
+    write(path, 5000);
+    dialogs.files = {path};
+    dialogs.answers = {Answer::Yes, Answer::No};
+    commands.saveAs();
+    diskIsDone();
+    EXPECT_THAT(boxes(), ElementsAre("File Exists", changedTitle));
+    EXPECT_EQ(limitIn(path), 5000);
+}
+
+}  // namespace
+}  // namespace zentaq

@@ -1,0 +1,189 @@
+// Saves that are killed at each of their system calls, and of which each call fails once: the file is the old
+// one or the new one, whole, and who asked for the save is told which.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "temporary_folder.h"
+#include "unit/killing_rig.h"
+
+namespace zentaq::testing {
+
+/// How a save says that it ended.
+enum Told { Stored = 0, NotStored = 1, Nonsense = 2 };
+
+/// A way to save. `folder` is where the file stands; what happens before the first call that names something
+/// in it is no part of the save.
+struct SaveUnderFire {
+    std::string name;
+    std::string folder;
+    std::string file;
+    std::function<void()> prepare;     ///< puts everything back as it was before
+    std::function<int()> run;          ///< in a process of its own; answers a Told
+    std::function<bool()> isSpoken = [] { return true; };  ///< whether a failure was told in words
+    /// Whether the content is the one of a save that was done; no content: there is no such file.
+    std::function<bool(const std::optional<std::string>&)> isNew;
+};
+
+class UnderFire {
+ public:
+    explicit UnderFire(const SaveUnderFire& save) : save_(save) {}
+
+    /// Returns the number of places at which it was killed.
+    int killEverywhere() {
+        prepare();
+        const std::optional<std::string> old = now();
+        int olds = 0;
+        int places = 0;
+        for (bool ended = false; !ended; ++places) {
+            prepare();
+            TracedChild child(save_.run);
+            ended = !advance(child, places);
+            child.kill();
+            if (::testing::Test::HasFatalFailure()) return places;
+            const auto found = now();
+            EXPECT_TRUE(found == old || save_.isNew(found)) << save_.name << ", killed at " << places;
+            if (found == old) ++olds;
+            nextSaveIsWhole(places);
+        }
+        EXPECT_GE(olds, 5) << save_.name;
+        EXPECT_GE(places, 15) << save_.name;
+        return places;
+    }
+
+    /// Returns the number of calls that failed.
+    int failEverywhere(int error) {
+        prepare();
+        const std::optional<std::string> old = now();
+        int refused = 0;
+        int calls = 0;
+        for (bool ended = false; !ended; ++calls) {
+            prepare();
+            TracedChild child(save_.run);
+            const auto stop = advance(child, calls);
+            ended = !stop;
+            if (stop) {
+                child.answerInstead(-error);
+                for (int stops = 0; child.next(); ++stops) {
+                    if (stops < mostStops) continue;
+                    ADD_FAILURE() << save_.name << " goes on for ever, call " << calls;
+                    return calls;
+                }
+            }
+            check(old, child.exitStatus(), stop, calls);
+            if (child.exitStatus() == NotStored) ++refused;
+        }
+        EXPECT_GE(calls, 15) << save_.name;
+        if (error != EINTR) {
+            EXPECT_GE(refused, 4) << save_.name;
+        }
+        return calls;
+    }
+
+ private:
+    static constexpr int mostStops = 20'000;
+
+    void prepare() { save_.prepare(); }
+    std::optional<std::string> now() const {
+        if (!std::filesystem::exists(save_.file)) return std::nullopt;
+        return TemporaryFolder::read(save_.file);
+    }
+    static bool namesFile(const TracedChild::Stop& stop, std::uint64_t& address) {
+        switch (stop.call) {
+            case SYS_openat:
+            case SYS_newfstatat:
+            case SYS_readlinkat:
+            case SYS_faccessat:
+                address = stop.arguments[1];
+                return true;
+            case SYS_open:
+            case SYS_stat:
+            case SYS_lstat:
+            case SYS_readlink:
+            case SYS_access:
+                address = stop.arguments[0];
+                return true;
+            default:
+                return false;
+        }
+    }
+    bool begins(const TracedChild& child, const TracedChild::Stop& stop) const {
+        std::uint64_t address = 0;
+        return namesFile(stop, address) && child.text(address).starts_with(save_.folder);
+    }
+    /// Up to the entry of the save's call number `wanted`; nothing when it ends before.
+    std::optional<TracedChild::Stop> advance(TracedChild& child, int wanted) const {
+        bool begun = false;
+        int seen = 0;
+        int stops = 0;
+        while (const auto stop = child.next()) {
+            if (++stops > mostStops) {
+                ADD_FAILURE() << save_.name << " hangs";
+                return std::nullopt;
+            }
+            if (!stop->entry || TracedChild::ofMemory(stop->call)) continue;
+            begun = begun || begins(child, *stop);
+            if (begun && seen++ == wanted) return stop;
+        }
+        return std::nullopt;
+    }
+    void check(const std::optional<std::string>& old, int told, const std::optional<TracedChild::Stop>& stop,
+               int place) const {
+        const std::string where = save_.name + ", call " + std::to_string(place) + ", number " +
+                                  std::to_string(stop ? stop->call : -1);
+        const auto found = now();
+        if (told == Stored) {
+            EXPECT_TRUE(save_.isNew(found)) << where;
+        } else if (told == NotStored) {
+            // A file that is in place may still be one that the program cannot speak for.
+            EXPECT_TRUE(found == old) << where;
+            const bool speaking = stop && stop->call == SYS_write && stop->arguments[0] == STDERR_FILENO;
+            EXPECT_TRUE(speaking || save_.isSpoken()) << where;
+        } else {
+            ADD_FAILURE() << where << ": ended with " << told;
+        }
+    }
+    /// What a killed save has left does not harm the next one, which removes it.
+    void nextSaveIsWhole(int place) {
+        const pid_t child = ::fork();
+        if (child == 0) ::_exit(save_.run());
+        int status = 0;
+        ::waitpid(child, &status, 0);
+        EXPECT_TRUE(WIFEXITED(status) && save_.isNew(now())) << save_.name << ", after a kill at " << place;
+        for (const auto& entry : std::filesystem::directory_iterator(save_.folder)) {
+            EXPECT_NE(entry.path().extension(), ".tmp") << save_.name << ", after a kill at " << place;
+        }
+    }
+
+    const SaveUnderFire& save_;
+};
+
+class SavesUnderFire : public ::testing::Test {
+ protected:
+    void SetUp() override {
+        if (!TracedChild::possible())
+            GTEST_SKIP() << "NOT TESTED: this system does not let a process trace its own child";
+        if (!TracedChild::canChangeCalls)
+            GTEST_SKIP() << "NOT TESTED: the rig changes calls on x86-64 machines only";
+    }
+    static void kill(const std::vector<SaveUnderFire>& saves) {
+        for (const SaveUnderFire& save : saves) UnderFire(save).killEverywhere();
+    }
+    static void fail(const std::vector<SaveUnderFire>& saves) {
+        for (const SaveUnderFire& save : saves) {
+            for (const int error : {EIO, ENOSPC, EINTR}) {
+                SCOPED_TRACE(error);
+                UnderFire(save).failEverywhere(error);
+            }
+        }
+    }
+};
+
+}  // namespace zentaq::testing

@@ -1,0 +1,145 @@
+// The saves of the window program under fire: Save, Save As, and the one of a new calibration.
+#include <algorithm>
+#include <bit>
+#include <memory>
+
+#include "app/fake_platform.h"
+#include "app/general_config.h"
+#include "app/main_commands.h"
+#include "saves/saved_under_fire.h"
+
+namespace zentaq::testing {
+namespace {
+
+constexpr const char* sample = ZENTAQ_APP_DIR "/samples/Street 2.0 Four.ZQ4OA";
+
+class SessionSaves : public SavesUnderFire {
+ protected:
+    SessionSaves() {
+        std::filesystem::create_directory(target);
+        std::filesystem::copy_file(builtReference(), folder.file("reference.pak"));
+    }
+
+    /// A program with the file in hand, and a change of it.
+    struct Opened {
+        explicit Opened(const std::string& file, const std::string& database) {
+            fake.session.makeUnits();
+            fake.session.DatabaseFile = database;
+            fake.dialogs.files.push_back(file);
+            commands.open();
+            fake.session.currentUnitObject().set("REV_Limiter", 6100.0);
+            fake.session.markModified();
+            fake.dialogs.boxes.clear();
+        }
+        FakeSession fake;
+        MainCommands commands{fake.session};
+    };
+
+    /// How the boxes told of the save, and whether the session agrees.
+    static int told(FakeSession& fake) {
+        const auto shown = [&](const char* title) {
+            return std::ranges::any_of(fake.dialogs.boxes, [&](const Box& box) { return box.title == title; });
+        };
+        const bool stored = shown("Data Saved.");
+        const bool not_stored = shown("File Save Error") || shown("Default Values") ||
+                                shown("Reference Database") || shown("File Changed") || shown("File Exists");
+        if (stored) return fake.session.DataModified ? Nonsense : Stored;
+        return not_stored ? NotStored : Nonsense;
+    }
+    void clear() const {
+        for (const auto& entry : std::filesystem::directory_iterator(target))
+            std::filesystem::remove(entry.path());
+    }
+    /// The session is made before the process that saves, which gets a copy of it.
+    SaveUnderFire saveOf(const std::string& name, const std::function<void(Opened&)>& command) {
+        SaveUnderFire save;
+        save.name = name;
+        save.folder = target;
+        save.file = file;
+        auto opened = std::make_shared<std::unique_ptr<Opened>>();
+        save.prepare = [this, opened] {
+            clear();
+            std::filesystem::copy_file(sample, file);
+            *opened = std::make_unique<Opened>(file, folder.file("reference.pak"));
+        };
+        save.run = [opened, command] {
+            command(**opened);
+            return told((*opened)->fake);
+        };
+        save.isNew = [](const std::optional<std::string>& found) {
+            return found && found->size() == 11324 && limitIn(*found) == 6100;
+        };
+        return save;
+    }
+    static float limitIn(const std::string& bytes) {
+        std::uint32_t word = 0;
+        for (int i = 3; i >= 0; --i)
+            word = word << 8U | static_cast<unsigned char>(bytes[static_cast<std::size_t>((3 + 58) * 4 + i)]);
+        return std::bit_cast<float>(word);
+    }
+
+    std::vector<SaveUnderFire> all() {
+        return {
+            saveOf("Save", [](Opened& opened) { opened.commands.save(); }),
+            saveOf("Save As over the file in hand",
+                   [this](Opened& opened) {
+                       opened.fake.dialogs.files = {file};
+                       opened.fake.dialogs.answers = {Answer::Yes};
+                       opened.commands.saveAs();
+                   }),
+            newCalibration(),
+        };
+    }
+    SaveUnderFire newCalibration() {
+        struct Form {
+            FakeSession fake;
+            std::unique_ptr<GeneralConfig> form;
+        };
+        auto made = std::make_shared<std::unique_ptr<Form>>();
+        SaveUnderFire save;
+        save.name = "Save of a new calibration";
+        save.folder = target;
+        save.file = file;
+        save.prepare = [this, made] {
+            clear();
+            *made = std::make_unique<Form>();
+            Session& session = (*made)->fake.session;
+            session.makeUnits();
+            session.DatabaseFile = folder.file("reference.pak");
+            session.header().fileState = "NEW";
+            (*made)->form = std::make_unique<GeneralConfig>(session);
+            GeneralConfig& form = *(*made)->form;
+            form.load();
+            form.enter("cmbORB_UNIT", "ORB A Standard");
+            form.enter("cmbEngine", "4 Cylinder Coil per Plug, Sequential Injection");
+            form.enter("cmbMAP", "1 BAR (10-105 kPa)");
+            form.enter("txtRPM", "6100");
+            (*made)->fake.dialogs.boxes.clear();
+        };
+        save.run = [this, made] {
+            (*made)->fake.dialogs.files = {file};
+            const bool stored = (*made)->form->save();
+            const int answer = told((*made)->fake);
+            return stored == (answer == Stored) ? answer : int{Nonsense};
+        };
+        save.isNew = [](const std::optional<std::string>& found) {
+            return found && found->size() == 11324 && limitIn(*found) == 6100;
+        };
+        return save;
+    }
+
+    TemporaryFolder folder;
+    std::string target = folder.file("target");
+    std::string file = target + "/Street.ZQ4OA";
+};
+
+TEST_F(SessionSaves, KilledAtAnyCallLeaveTheOldFileOrTheNewOneAndTheNextOneIsWhole) {
+    kill(all());
+}
+
+TEST_F(SessionSaves, FailingAtAnyCallLeaveTheOldFileAndSaySoOrTheNewOne) {
+    fail(all());
+}
+
+}  // namespace
+}  // namespace zentaq::testing

@@ -1,0 +1,51 @@
+// The settings file under fire: each value written stores the whole file anew.
+#include "qt/qt_settings.h"
+#include "saves/saved_under_fire.h"
+
+namespace zentaq::testing {
+namespace {
+
+constexpr const char* before = "[System]\nCommPort=7\nAutoLog=1\nADUR=30\n";
+constexpr const char* after = "[System]\nCommPort=9\nAutoLog=1\nADUR=30\n";
+
+class SettingsSaves : public SavesUnderFire {
+ protected:
+    SettingsSaves() { std::filesystem::create_directory(target); }
+
+    std::vector<SaveUnderFire> all() {
+        SaveUnderFire save;
+        save.name = "Settings";
+        save.folder = target;
+        save.file = file;
+        save.prepare = [this] {
+            for (const auto& entry : std::filesystem::directory_iterator(target))
+                std::filesystem::remove_all(entry.path());
+            std::ofstream(file) << before;
+        };
+        save.run = [this] {
+            bool trouble = false;
+            QtSettings settings(file);
+            settings.onTrouble([&](const std::string&) { trouble = true; });
+            settings.set("System", "CommPort", "9");
+            if (settings.get("System", "CommPort") != "9") return int{Nonsense};
+            return int{trouble ? NotStored : Stored};
+        };
+        save.isNew = [](const std::optional<std::string>& found) { return found == after; };
+        return {save};
+    }
+
+    TemporaryFolder folder;
+    std::string target = folder.file("target");
+    std::string file = target + "/Zentaq4.ini";
+};
+
+TEST_F(SettingsSaves, KilledAtAnyCallLeaveTheOldFileOrTheNewOneAndTheNextOneIsWhole) {
+    kill(all());
+}
+
+TEST_F(SettingsSaves, FailingAtAnyCallLeaveTheOldFileAndSaySoOrTheNewOne) {
+    fail(all());
+}
+
+}  // namespace
+}  // namespace zentaq::testing
