@@ -64,6 +64,7 @@ TEST_F(UnitSnapshotWithReferenceData, BringsBackAReleaseWithoutMovingAnything) {
     unit.AssignDirectIndex(10, 148);
     const UnitSnapshot snapshot(unit);
     calibration.host.header().currentUnit = 3;
+    calibration.host.header().firmwareCode = 2000;
     calibration.host.firmwareKnown(true);
     unit.FW_Release(5);
     ASSERT_NE(unit.DirectIndex(148), 10) << "a release across the third moves the full pulse";

@@ -11,7 +11,7 @@
 namespace zentaq::testing {
 namespace {
 
-constexpr const char* sample = ZENTAQ_APP_DIR "/samples/Street 2.0 Four.ZQ4OA";
+constexpr const char* tune = ZENTAQ_APP_DIR "/samples/Street 2.0 Four.ZQ4OA";
 
 class SessionSaves : public SavesUnderFire {
  protected:
@@ -41,10 +41,11 @@ class SessionSaves : public SavesUnderFire {
             return std::ranges::any_of(fake.dialogs.boxes, [&](const Box& box) { return box.title == title; });
         };
         const bool stored = shown("Data Saved.");
-        const bool not_stored = shown("File Save Error") || shown("Default Values") ||
-                                shown("Reference Database") || shown("File Changed") || shown("File Exists");
+        const bool refused =
+            shown("File Save Error") || shown("Default Values") || shown("Reference Database");
+        if (stored == refused) return Nonsense;
         if (stored) return fake.session.DataModified ? Nonsense : Stored;
-        return not_stored ? NotStored : Nonsense;
+        return NotStored;
     }
     void clear() const {
         for (const auto& entry : std::filesystem::directory_iterator(target))
@@ -59,7 +60,7 @@ class SessionSaves : public SavesUnderFire {
         auto opened = std::make_shared<std::unique_ptr<Opened>>();
         save.prepare = [this, opened] {
             clear();
-            std::filesystem::copy_file(sample, file);
+            std::filesystem::copy_file(tune, file);
             *opened = std::make_unique<Opened>(file, folder.file("reference.pak"));
         };
         save.run = [opened, command] {

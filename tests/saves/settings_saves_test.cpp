@@ -5,8 +5,8 @@
 namespace zentaq::testing {
 namespace {
 
-constexpr const char* before = "[System]\nCommPort=7\nAutoLog=1\nADUR=30\n";
-constexpr const char* after = "[System]\nCommPort=9\nAutoLog=1\nADUR=30\n";
+constexpr const char* storedFile = "[System]\nCommPort=7\nAutoLog=1\nADUR=30\n";
+constexpr const char* changedFile = "[System]\nCommPort=9\nAutoLog=1\nADUR=30\n";
 
 class SettingsSaves : public SavesUnderFire {
  protected:
@@ -17,10 +17,11 @@ class SettingsSaves : public SavesUnderFire {
         save.name = "Settings";
         save.folder = target;
         save.file = file;
+        save.nextWaits = true;  // for the lock of the store
         save.prepare = [this] {
             for (const auto& entry : std::filesystem::directory_iterator(target))
                 std::filesystem::remove_all(entry.path());
-            std::ofstream(file) << before;
+            std::ofstream(file) << storedFile;
         };
         save.run = [this] {
             bool trouble = false;
@@ -30,7 +31,7 @@ class SettingsSaves : public SavesUnderFire {
             if (settings.get("System", "CommPort") != "9") return int{Nonsense};
             return int{trouble ? NotStored : Stored};
         };
-        save.isNew = [](const std::optional<std::string>& found) { return found == after; };
+        save.isNew = [](const std::optional<std::string>& found) { return found == changedFile; };
         return {save};
     }
 

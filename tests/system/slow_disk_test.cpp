@@ -28,7 +28,7 @@ extern "C" int fsync(int descriptor) {
 namespace zentaq {
 namespace {
 
-constexpr int patienceMs = 20'000;
+constexpr int slowPatienceMs = 20'000;
 
 /// So that a test that fails leaves no thread waiting.
 struct BusyDisk {
@@ -61,7 +61,7 @@ TEST_F(SlowDisk, FramesGoOnWhileASaveWaitsAndTheBoxComesWhenItIsOnTheDisk) {
     Program program(application, folder.path("app"), link);
     Session& session = program.session;
     program.kernel.load();
-    ASSERT_TRUE(Program::waitFor([&] { return program.identified(); }, patienceMs));
+    ASSERT_TRUE(Program::waitFor([&] { return program.identified(); }, slowPatienceMs));
     ASSERT_TRUE(program.open(calibration));
     ASSERT_TRUE(session.currentUnitObject().set("REV_Limiter", 6100.0));
     session.markModified();
@@ -70,9 +70,9 @@ TEST_F(SlowDisk, FramesGoOnWhileASaveWaitsAndTheBoxComesWhenItIsOnTheDisk) {
 
     BusyDisk disk;
     program.commands.save();
-    ASSERT_TRUE(Program::waitFor([] { return flushesWaiting == 1; }, patienceMs));
+    ASSERT_TRUE(Program::waitFor([] { return flushesWaiting == 1; }, slowPatienceMs));
     const auto frames = session.live.frames;
-    EXPECT_TRUE(Program::waitFor([&] { return session.live.frames > frames + 50; }, patienceMs));
+    EXPECT_TRUE(Program::waitFor([&] { return session.live.frames > frames + 50; }, slowPatienceMs));
     EXPECT_FALSE(told());
     EXPECT_TRUE(session.DataModified);
     EXPECT_EQ(TemporaryFolder::read(calibration), before);
@@ -81,13 +81,13 @@ TEST_F(SlowDisk, FramesGoOnWhileASaveWaitsAndTheBoxComesWhenItIsOnTheDisk) {
     program.commands.close();
     program.commands.killEngine();
     const auto later = session.live.frames;
-    EXPECT_TRUE(Program::waitFor([&] { return session.live.frames > later + 50; }, patienceMs));
+    EXPECT_TRUE(Program::waitFor([&] { return session.live.frames > later + 50; }, slowPatienceMs));
     EXPECT_EQ(session.CurrentFile, calibration);
     EXPECT_EQ(flushesWaiting, 1);
 
     BusyDisk::end();
-    ASSERT_TRUE(Program::waitFor(told, patienceMs));
-    ASSERT_TRUE(Program::waitFor([&] { return session.CurrentFile.empty(); }, patienceMs));
+    ASSERT_TRUE(Program::waitFor(told, slowPatienceMs));
+    ASSERT_TRUE(Program::waitFor([&] { return session.CurrentFile.empty(); }, slowPatienceMs));
     EXPECT_NE(TemporaryFolder::read(calibration), before);
 }
 
@@ -102,14 +102,14 @@ TEST_F(SlowDisk, TheEndOfTheProgramWaitsForTheSaveWithTheWindowsOpen) {
 
     BusyDisk disk;
     program.windows.main().close();  // "Save changes?" is answered OK
-    ASSERT_TRUE(Program::waitFor([] { return flushesWaiting == 1; }, patienceMs));
+    ASSERT_TRUE(Program::waitFor([] { return flushesWaiting == 1; }, slowPatienceMs));
     EXPECT_TRUE(program.windows.main().isVisible());
     program.windows.main().close();
     Program::runFor(100);
     EXPECT_TRUE(program.windows.main().isVisible());
 
     BusyDisk::end();
-    ASSERT_TRUE(Program::waitFor([&] { return program.windows.closed(); }, patienceMs));
+    ASSERT_TRUE(Program::waitFor([&] { return program.windows.closed(); }, slowPatienceMs));
     EXPECT_NE(TemporaryFolder::read(calibration), before);
 }
 
