@@ -68,7 +68,6 @@ Target unitForFirmware(LinkDesk& desk, const FirmwareWish& wish) {
                          ") A unit that has lost its firmware takes one with --unit-without-firmware.");
         }
         refuseForeignFile(*named, wish.file);
-        desk.link().firmwareLost(true);
         return {modelOf(*named), named->slot};
     }
     if (found == Found::OldFirmware) {

@@ -62,6 +62,44 @@ Release releaseOfProgram() {
 
 }  // namespace
 
+// A command that stores, programs, saves or closes means what the user has typed before it, also where that
+// still waits for the unit.
+void MainCommands::afterEdits(const std::string& caption, void (MainCommands::*command)()) {
+    session_.windows().afterEdits(caption, [commands = *this, command]() mutable { (commands.*command)(); });
+}
+
+void MainCommands::newCalibration() {
+    afterEdits("Create a New Calibration File", &MainCommands::newNow);
+}
+
+void MainCommands::open() {
+    afterEdits("Open an Existing Calibration File", &MainCommands::openNow);
+}
+
+void MainCommands::save() {
+    afterEdits("Save", &MainCommands::saveNow);
+}
+
+void MainCommands::saveAs() {
+    afterEdits("Save As", &MainCommands::saveAsNow);
+}
+
+void MainCommands::close() {
+    afterEdits("Close", &MainCommands::closeNow);
+}
+
+void MainCommands::programOrb() {
+    afterEdits("Program ORB", &MainCommands::programNow);
+}
+
+void MainCommands::firmwareUpgrade() {
+    afterEdits("Firmware Upgrade", &MainCommands::upgradeNow);
+}
+
+void MainCommands::storeOnFly() {
+    afterEdits("Store Changes in ORB", &MainCommands::storeNow);
+}
+
 void MainCommands::offerToSave(std::function<void()> goOn) {
     if (!leaveGeneralConfig()) return;
     if (!session_.DataModified) return goOn();
@@ -153,7 +191,7 @@ void MainCommands::tellNotSaved(const std::string& why) {
                              Icon::Critical, Buttons::Ok});
 }
 
-void MainCommands::newCalibration() {
+void MainCommands::newNow() {
     if (session_.saving.putsOff("New", [commands = *this]() mutable { commands.newCalibration(); })) return;
     if (refusedByTransfer()) return;
     if (!leaveGeneralConfig()) return;
@@ -183,7 +221,7 @@ bool MainCommands::leaveGeneralConfig() {
     return session_.windows().closeGeneralConfig();
 }
 
-void MainCommands::open() {
+void MainCommands::openNow() {
     if (session_.saving.putsOff("Open", [commands = *this]() mutable { commands.open(); })) return;
     if (refusedByTransfer()) return;
     if (!leaveGeneralConfig()) return;
@@ -380,7 +418,7 @@ void MainCommands::noteShortFile(const std::string& path) {
                     " bytes. What is missing was taken as 0.");
 }
 
-void MainCommands::save() {
+void MainCommands::saveNow() {
     // The file in hand is not the place for a calibration that is being made.
     if (session_.creating()) return session_.windows().saveGeneralConfig();
     if (session_.saving.putsOff("Save", [commands = *this]() mutable { commands.save(); })) return;
@@ -388,7 +426,7 @@ void MainCommands::save() {
     saveCurrent([](bool) {});
 }
 
-void MainCommands::saveAs() {
+void MainCommands::saveAsNow() {
     if (session_.creating()) return session_.windows().saveGeneralConfig();
     if (session_.saving.putsOff("Save As", [commands = *this]() mutable { commands.saveAs(); })) return;
     if (session_.currentUnit() == 0) {
@@ -439,14 +477,14 @@ void MainCommands::takeName(const std::string& path) {
     session_.windows().showUnit();  // the name stands on a page
 }
 
-void MainCommands::close() {
+void MainCommands::closeNow() {
     if (session_.saving.putsOff("Close", [commands = *this]() mutable { commands.close(); })) return;
     if (session_.CurrentFile.empty()) return;
     if (refusedByTransfer()) return;
-    offerToSave([commands = *this]() mutable { commands.closeNow(); });
+    offerToSave([commands = *this]() mutable { commands.finishClosing(); });
 }
 
-void MainCommands::closeNow() {
+void MainCommands::finishClosing() {
     if (refusedByTransfer()) return;  // begun while the disk was busy
     session_.windows().removeForms();
     session_.initializeOnFly(false);
@@ -461,20 +499,17 @@ void MainCommands::closeNow() {
     session_.windows().showStartTab();
 }
 
-void MainCommands::programOrb() {
+void MainCommands::programNow() {
     if (session_.saving.putsOff("Program ORB", [commands = *this]() mutable { commands.programOrb(); })) return;
     if (refusedByTransfer()) return;
     if (!leaveGeneralConfig()) return;
-    Messages& messages = session_.messages;
-    const int linkedKind = session_.link.linked().LinkedUnitKind;
-    if (session_.CurrentFile.empty()) return messages.Display_Error(1003);
-    if (linkedKind == 0) return messages.Display_Error(1005);
-    if (session_.currentUnit() != linkedKind) return messages.Display_Error(1006);
+    if (!mayProgram()) return;
+    const LinkedIdentity unit = linkedIdentity();
     if (!broughtToFirmware()) return;
-    if (session_.currentUnitObject().FW_Release() < session_.expectedRelease(linkedKind)) {
-        messages.Display_Warning(1007);
+    if (session_.currentUnitObject().FW_Release() < session_.expectedRelease(unit.kind)) {
+        session_.messages.Display_Warning(1007);
     }
-    offerToSave([commands = *this]() mutable { commands.startProgramming(); });
+    offerToSave([commands = *this, unit]() mutable { commands.startProgramming(unit); });
 }
 
 /// Only the reference database may be missing for it, and be back by now.
@@ -483,11 +518,54 @@ bool MainCommands::broughtToFirmware() {
                         [&](const std::string& why) { tellNotConverted(why); });
 }
 
-void MainCommands::startProgramming() {
-    // The boxes let other commands in.
-    if (refusedByTransfer()) return;
-    session_.link.AutoPollSuspended(true);
+void MainCommands::startProgramming(const LinkedIdentity& unit) {
+    // The boxes let other commands in, and at the other end of the cable anything may have happened.
+    const auto stillMay = [&] {
+        return !refusedByTransfer() && mayProgram() && isStillThere(unit, "Program ORB");
+    };
+    if (!stillMay()) return;
     session_.windows().removeForms();
+    if (stillMay()) sendCalibration();
+}
+
+MainCommands::LinkedIdentity MainCommands::linkedIdentity() const {
+    const LinkedUnit& linked = session_.link.linked();
+    return {linked.LinkedUnitKind, linked.LinkedUnitKind == 0 ? 0 : linked.SerialNumber};
+}
+
+bool MainCommands::mayProgram() {
+    const LinkedUnit& linked = session_.link.linked();
+    // Until a unit has told its firmware, the image would be made for the one that the file was made for.
+    const bool known = linked.LinkedUnitKind != 0 && (linked.UnitIdentified || linked.OldFirmware);
+    int error = 0;
+    if (session_.CurrentFile.empty()) {
+        error = 1003;
+    } else if (!known) {
+        error = 1005;
+    } else if (session_.currentUnit() != linked.LinkedUnitKind) {
+        error = 1006;
+    }
+    if (error != 0) session_.messages.Display_Error(error);
+    return error == 0;
+}
+
+// A unit of the same kind in the place of the one that the user saw may belong to another engine.
+bool MainCommands::isStillThere(const LinkedIdentity& unit, const std::string& title) {
+    const LinkedIdentity now = linkedIdentity();
+    if (unit.kind == 0 || now.kind == 0 || now.serial == unit.serial) return true;
+    session_.sysLog(title + ": another unit is connected now.");
+    session_.dialogs().show({title,
+                             "Another unit is connected now: serial number " +
+                                 formatNumber(now.serial, "000000") + " in the place of " +
+                                 formatNumber(unit.serial, "000000") +
+                                 ".\nNothing was sent to it.  If it is the one that you mean, choose the command "
+                                 "again.",
+                             Icon::Exclamation, Buttons::Ok});
+    return false;
+}
+
+void MainCommands::sendCalibration() {
+    session_.link.AutoPollSuspended(true);
     endOnFailure(
         [&] { session_.link.Program_Unit(TransferMode::Calibration, {}); },
         [&](const std::string& why) {
@@ -507,8 +585,9 @@ void MainCommands::tellNotConverted(const std::string& why) {
 
 // ---- Firmware
 
-void MainCommands::firmwareUpgrade() {
+void MainCommands::upgradeNow() {
     if (refusedByTransfer()) return;
+    const LinkedIdentity unit = linkedIdentity();
     const Answer answer = session_.dialogs().show({.title = "FIRMWARE UPGRADE WARNING",
                                                    .text = firmwareWarning(),
                                                    .icon = Icon::Exclamation,
@@ -516,10 +595,9 @@ void MainCommands::firmwareUpgrade() {
     if (answer != Answer::Ok) return;
     const std::string path = chooseFirmware();
     if (path.empty()) return;
-    const int slot = slotForFirmware();
-    if (!firmwareIsValid(path, slot)) return;
+    if (!mayUpgrade(path, unit)) return;
     const std::optional<std::string> text = readFirmware(path);
-    if (text) startFirmware(path, *text, slot != 0 ? slot : slotOfFirmware(fileNameOf(path)));
+    if (text) startFirmware(path, *text, unit);
 }
 
 std::string MainCommands::chooseFirmware() {
@@ -531,10 +609,12 @@ std::string MainCommands::chooseFirmware() {
 }
 
 // A unit that has lost its firmware cannot say what it is: then the run that broke off knows it, or the
-// calibration in hand, and without one any name is taken, or such a unit could not be mended.
-int MainCommands::slotForFirmware() const {
+// calibration in hand, and without one any name is taken, or such a unit could not be mended. One that was
+// there when the command began, and has fallen silent, is the one that the user means.
+int MainCommands::slotForFirmware(const LinkedIdentity& begunWith) const {
     const int linked = session_.link.linked().LinkedUnitKind;
     if (linked != 0) return linked;
+    if (begunWith.kind != 0) return begunWith.kind;
     const int lost = session_.link.firmwareLostSlot();
     return lost != 0 ? lost : session_.currentUnit();
 }
@@ -544,6 +624,17 @@ bool MainCommands::firmwareIsValid(const std::string& path, int slot) {
     session_.dialogs().show(
         {"Invalid Firmware", "This firmware file is not valid for this unit.", Icon::Critical, Buttons::Ok});
     return false;
+}
+
+bool MainCommands::mayUpgrade(const std::string& path, const LinkedIdentity& begunWith) {
+    if (!session_.link.status().firmwareUpgradeEnabled) {
+        session_.dialogs().show({"Firmware Upgrade",
+                                 "This unit has a firmware that this program cannot upgrade: it must be sent to "
+                                 "Norvalia.\nNothing was sent to the unit.",
+                                 Icon::Critical, Buttons::Ok});
+        return false;
+    }
+    return firmwareIsValid(path, slotForFirmware(begunWith)) && isStillThere(begunWith, "Firmware Upgrade");
 }
 
 // The transfer itself takes any lines, and a file that runs out for a success. A unit would be left with half
@@ -566,11 +657,16 @@ std::optional<std::string> MainCommands::readFirmware(const std::string& path) {
     return whole ? std::optional(std::move(text)) : std::nullopt;
 }
 
-void MainCommands::startFirmware(const std::string& path, const std::string& text, int slot) {
-    // The boxes let other commands in.
-    if (refusedByTransfer()) return;
-    session_.link.AutoPollSuspended(true);
+void MainCommands::startFirmware(const std::string& path, const std::string& text,
+                                 const LinkedIdentity& begunWith) {
+    // The boxes let other commands in, and at the other end of the cable anything may have happened.
+    const auto stillMay = [&] { return !refusedByTransfer() && mayUpgrade(path, begunWith); };
+    if (!stillMay()) return;
     session_.windows().removeForms();
+    if (!stillMay()) return;
+    const int known = slotForFirmware(begunWith);
+    const int slot = known != 0 ? known : slotOfFirmware(fileNameOf(path));
+    session_.link.AutoPollSuspended(true);
     endOnFailure([&] { session_.link.programFirmware(path, text, slot); },
                  [&](const std::string& why) {
                      session_.sysLog("Firmware not sent: " + why);
@@ -587,6 +683,12 @@ void MainCommands::startFirmware(const std::string& path, const std::string& tex
 bool MainCommands::refusedByTransfer() {
     if (!session_.link.transferPending()) return false;
     session_.inform("A transfer is running.  Please wait until it has ended.");
+    return true;
+}
+
+bool MainCommands::refusedBySearch() {
+    if (!session_.link.searching()) return false;
+    session_.inform("A unit is being searched on the ports.  Please wait until that has ended.");
     return true;
 }
 
@@ -610,9 +712,14 @@ bool MainCommands::mayBreakTransfer() {
     return answer == Answer::Yes;
 }
 
+// Not refused by a download, nor by a run that still waits: it goes out in front of both.
 void MainCommands::killEngine() {
-    if (refusedByTransfer()) return;
-    session_.link.Send_ORB_Command("K");
+    session_.sysLog("USER: Kill Engine Requested.");
+    if (session_.link.wireTaken()) {
+        refusedByTransfer();
+        return;
+    }
+    session_.link.SEND_KILL();
 }
 
 void MainCommands::zeroAdvance() {
@@ -632,7 +739,7 @@ void MainCommands::clearCodes() {
     session_.link.Send_ORB_Command("A");
 }
 
-void MainCommands::storeOnFly() {
+void MainCommands::storeNow() {
     if (refusedByTransfer()) return;
     session_.link.Send_ORB_Command("S");
 }
@@ -644,7 +751,7 @@ void MainCommands::identify() {
 }
 
 int MainCommands::autodetectPort() {
-    if (refusedByTransfer()) return 0;
+    if (refusedByTransfer() || refusedBySearch()) return 0;
     const int former = session_.link.commPort();
     const std::string formerIdentity = session_.link.commIdentity();
     const int port = session_.link.Autodetect_COMM_Port();
@@ -666,7 +773,7 @@ void MainCommands::storePort() {
 }
 
 void MainCommands::choosePort(int number, const std::string& identity) {
-    if (refusedByTransfer()) return;
+    if (refusedByTransfer() || refusedBySearch()) return;
     if (identity.empty()) {
         session_.link.commPort(number);
     } else {
@@ -680,10 +787,12 @@ void MainCommands::choosePort(int number, const std::string& identity) {
 
 void MainCommands::loadCommand(int code) {
     if (code == 2) {
-        if (refusedByTransfer()) return;  // it opens the port anew
+        if (refusedByTransfer() || refusedBySearch()) return;  // it opens the port anew
         session_.Monitoring = true;
         skipFailing([&] { session_.AutoMonitoring = session_.settingNumber("AutoMonitor") == 1; });
-        session_.link.ORB_Initialize();
+        // A port that is answering stays as it is: what is in flight there would be lost.
+        const bool answering = session_.platform().port.isOpen() && session_.link.linked().UnitFound;
+        if (!answering) session_.link.ORB_Initialize();
     } else if (code == 3) {
         session_.Monitoring = false;
         session_.AutoMonitoring = false;

@@ -37,6 +37,8 @@ class MainCommands {
     /// While a transfer runs or waits to: tells that the command must wait, and answers true. Commands that
     /// would change the calibration, the port or the line under it begin with this question.
     bool refusedByTransfer();
+    /// While a port is searched: the same for commands that open a port.
+    bool refusedBySearch();
     /// Before the program ends: asks whether a transfer that runs or waits may be broken off. False: stay.
     bool mayBreakTransfer();
     void killEngine();            ///< mnuMonitor_KillEngine
@@ -87,14 +89,35 @@ class MainCommands {
     void saveCurrent(const Saved& then);
     void saveUnderNewName(const Saved& then);
     std::string askNewName();
+    void afterEdits(const std::string& caption, void (MainCommands::*command)());
+    void newNow();
+    void openNow();
+    void saveNow();
+    void saveAsNow();
+    void closeNow();
+    void programNow();
+    void upgradeNow();
+    void storeNow();
+
+    /// The unit that a command was begun with.
+    struct LinkedIdentity {
+        int kind = 0;  ///< 0: none
+        std::int32_t serial = 0;
+    };
+    LinkedIdentity linkedIdentity() const;
+    /// Tells with the numbered errors why the calibration in hand cannot go to the unit on the link.
+    bool mayProgram();
+    bool isStillThere(const LinkedIdentity& unit, const std::string& title);
+    void sendCalibration();
     /// The firmware file of the user's choice; empty when there is none.
     std::string chooseFirmware();
     /// The slot of the unit that a firmware will go to; 0 when nobody knows.
-    int slotForFirmware() const;
+    int slotForFirmware(const LinkedIdentity& begunWith) const;
     bool firmwareIsValid(const std::string& path, int slot);
+    bool mayUpgrade(const std::string& path, const LinkedIdentity& begunWith);
     /// The text of a whole firmware file; nothing, after a box, of any other.
     std::optional<std::string> readFirmware(const std::string& path);
-    void startFirmware(const std::string& path, const std::string& text, int slot);
+    void startFirmware(const std::string& path, const std::string& text, const LinkedIdentity& begunWith);
     /// Number and identity of the port that the program means, into the settings.
     void storePort();
     /// What is written, what is known of the file, and what follows.
@@ -113,8 +136,8 @@ class MainCommands {
     bool mayOverwriteChange(const std::string& path);
     void startOpening();
     void startNew();
-    void closeNow();
-    void startProgramming();
+    void finishClosing();
+    void startProgramming(const LinkedIdentity& unit);
     void takeName(const std::string& path);
     bool broughtToFirmware();
     void tellNotConverted(const std::string& why);

@@ -1,5 +1,6 @@
 #include "app/session.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -29,12 +30,15 @@ constexpr std::size_t majorPart = 2;
 }  // namespace
 
 Session::Session(const Platform& platform)
-    : console(platform.clock),
+    : dialogs_(platform.dialogs,
+               {[this] { return insideTick(); }, [this](const Box& box) { show(box); }}),
+      yield_(platform.yield, [this] { return insideTick(); }),
+      console(platform.clock),
       messages(
-          platform.dialogs, [this](std::string_view text) { sysLog(text); },
+          dialogs_, [this](std::string_view text) { sysLog(text); },
           [this](const std::string& form) { windows_->focusForm(form); }),
       decoder(live),
-      link(platform.port, *this, decoder, live, platform.settings, platform.clock, platform.yield),
+      link(platform.port, *this, decoder, live, platform.settings, platform.clock, yield_),
       poller(
           link, [this] { refreshCodes(); }, [this] { windows_->updateDisplay(); }),
       trace(platform.clock),
@@ -253,7 +257,7 @@ float Session::programVersion() const {
 }
 
 void Session::yield() {
-    platform_.yield.yield();
+    yield_.yield();
 }
 
 void Session::formsChanged() {
@@ -271,9 +275,16 @@ void Session::commLog(std::string_view text) {
 }
 
 // A reply handler that told a user something would stand still until the answer, and the frames of a running
-// engine with it: its boxes come from the event loop.
+// engine with it: its boxes come from the event loop. A link that comes and goes has the same to tell each
+// time; while a box has not been read, it stands for all of them.
 void Session::show(const Box& box) {
-    windows_->later([this, box] { platform_.dialogs.show(box); });
+    const auto same = [box](const Box& other) { return other.title == box.title && other.text == box.text; };
+    if (std::ranges::any_of(boxesToShow_, same)) return;
+    boxesToShow_.push_back(box);
+    windows_->later([this, box, same] {
+        platform_.dialogs.show(box);
+        std::erase_if(boxesToShow_, same);
+    });
 }
 
 void Session::displayMessage(int code) {
@@ -335,6 +346,7 @@ void Session::codesReceived() {
 
 void Session::codesCleared() {
     codes.Clear_CHKE();
+    codes.tellCleared();
     windows_->codesCleared();
 }
 

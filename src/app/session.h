@@ -8,10 +8,12 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "app/console.h"
 #include "app/messages.h"
 #include "app/saving.h"
+#include "app/tick_guard.h"
 #include "app/window_set.h"
 #include "link/frame_timing.h"
 #include "link/link.h"
@@ -91,6 +93,12 @@ class Session : public UnitHost, public LinkHost {
     std::optional<Database> database;  ///< as the start left it: ask reference()
 
     // ---- Parts
+ private:
+    // First, because the parts use them.
+    DialogsBetweenTicks dialogs_;
+    YieldBetweenTicks yield_;
+
+ public:
     Console console;
     Messages messages;
     LiveValues live;
@@ -106,7 +114,7 @@ class Session : public UnitHost, public LinkHost {
 
     Platform& platform() { return platform_; }
     SettingsStore& settings() { return platform_.settings; }
-    Dialogs& dialogs() { return platform_.dialogs; }
+    Dialogs& dialogs() { return dialogs_; }
 
     /// The reference database. One that could not be opened is tried again, at most once a second; nullptr
     /// while there is none.
@@ -179,6 +187,7 @@ class Session : public UnitHost, public LinkHost {
     void showFrameTimes();
     void takeFirmwareOf(Unit& told, Unit& inHand);
     void holdSignals();
+    bool insideTick() const { return link.handling(); }
 
     Platform platform_;
     WindowSet quiet_;
@@ -191,6 +200,7 @@ class Session : public UnitHost, public LinkHost {
     std::int64_t nextReferenceUs_ = 0;
     std::uint64_t userChanges_ = 0;
     std::string noReference_;  ///< why the last try failed; empty before the first
+    std::vector<Box> boxesToShow_;  ///< of the link: they wait, or the first one is being read
 };
 
 }  // namespace zentaq

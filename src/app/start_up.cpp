@@ -203,6 +203,12 @@ void Kernel::showTip() {
 }
 
 bool Kernel::System_Shutdown(bool confirmed) {
+    if (ended_ || confirmed) return shutDown(confirmed);
+    session_.windows().afterEdits("Exit Program", [this] { shutDown(false); });
+    return ended_;
+}
+
+bool Kernel::shutDown(bool confirmed) {
     if (ended_) return true;
     if (session_.saving.putsOff("Shutdown", [this, confirmed] { System_Shutdown(confirmed); })) return false;
     session_.sysLog("System Shutdown Requested.");
@@ -244,6 +250,10 @@ void Kernel::end() {
 void Kernel::closeRequested() {
     // Intended: Cancel declines the save and does not keep the program open. A save that fails does, because
     // the changes would be lost with the process.
+    session_.windows().afterEdits("Exit Program", [this] { closeNow(); });
+}
+
+void Kernel::closeNow() {
     if (session_.saving.putsOff("Close the program", [this] { closeRequested(); })) return;
     if (!commands_.mayBreakTransfer()) return;
     afterSaving([this] { System_Shutdown(true); });

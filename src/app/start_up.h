@@ -35,14 +35,16 @@ class Kernel {
     /// Trouble that no command reports: a line of the log, behind the banner when it does not stand yet.
     void report(const std::string& trouble);
 
-    /// The only place that ends the process once the main window exists. False: the user stays, or a save
-    /// has to reach the disk first; the program ends behind it.
+    /// The only place that ends the process once the main window exists. False: the user stays, or what was
+    /// typed before it is written first or a save has to reach the disk: the program ends behind it.
     bool System_Shutdown(bool confirmed);
 
     /// The main window is being closed by other means: offers to save, then shuts down.
     void closeRequested();
 
  private:
+    bool shutDown(bool confirmed);
+    void closeNow();
     void setUpEnvironment();
     void takeStoredPort();
     void clearRunState();

@@ -41,6 +41,14 @@ class WindowSet {
     }
     virtual void showUnit() {}  ///< forms read the unit's values again
 
+    /// Runs a command that stores, programs, saves or closes behind the edits typed before it: entries that
+    /// wait for the link and those still in their boxes. `caption` tells the user which command it was when
+    /// one of these is refused: then it does not run.
+    virtual void afterEdits(const std::string& caption, const std::function<void()>& command) {
+        (void)caption;
+        command();
+    }
+
     // ---- Windows of their own; a second call brings the open one to the front
     virtual void openGeneralConfig() {}  ///< frmGeneralConfig
     /// Another calibration takes its place. False: the user keeps the new one that it holds.

@@ -82,6 +82,8 @@ class Link : private LineWatch {
     // ---- Queue and state machine
     void Send_ORB_Command(std::string_view command);
     void SEND_ONFLY(std::string_view record);
+    /// "K", in front of whatever waits: only the answer to the command in flight is waited for.
+    void SEND_KILL();
     void tick();  ///< one firing of tmrSerial
     /// Whether a reply in RxBuffer carries a right checksum for a command. False for a short reply.
     bool commCheckSum(std::string_view command) const;
@@ -121,14 +123,19 @@ class Link : private LineWatch {
     bool TransferActive() const { return transferActive_; }
     /// A bulk transfer runs, or its command still waits in the queue.
     bool transferPending() const { return transferActive_ || !openTransfer_.empty(); }
+    /// Programming is on the wire: the unit takes nothing but lines.
+    bool wireTaken() const;
+    /// A port search runs.
+    bool searching() const { return searching_; }
+    /// Who is there has been asked, and not all of it is answered.
+    bool identifying() const;
     /// A firmware transfer, from its start to its end.
     bool firmwarePending() const { return openTransfer_ == "P3"; }
     /// A calibration or a firmware goes to the unit, from its start to its end.
     bool programming() const { return openTransfer_ == "P1" || openTransfer_ == "P3"; }
     /// A firmware run broke off between its lines, and neither a good run nor a unit that tells its firmware
-    /// has come since. A caller that knows it of a unit from elsewhere says so.
+    /// has come since.
     bool firmwareLost() const { return firmwareLost_; }
-    void firmwareLost(bool lost) { firmwareLost_ = lost; }
     /// The kind of the unit that lost its firmware, as the run was for; 0: none did, or not known.
     int firmwareLostSlot() const { return firmwareLost_ ? firmwareSlot_ : 0; }
     bool OnFlyBusy() const { return onFlyBusy_; }
@@ -146,7 +153,8 @@ class Link : private LineWatch {
     bool openChosenPort();
     void openByIdentity();
     void showPort(const PortInfo& port);
-    void tellTrouble(const std::string& trouble);
+    void tellTrouble();
+    void showNoConnection();
     void onComm(CommEvent event);
     void showReplyStatus();
     void showCommandStatus(std::string_view key);
@@ -199,6 +207,7 @@ class Link : private LineWatch {
     int replyLengthFor(std::string_view key);
     void prepareTransfer(std::string_view key);
     void dropQueueBehindHead();
+    bool waits(std::string_view command) const;
     void reactToReply();
     bool gapIsOver() const;
     bool sendLine();
@@ -209,6 +218,8 @@ class Link : private LineWatch {
     void watchStalledTransfer();
     enum class FirmwareRestore { Always, IfUnitKnown };
     void loseLink(FirmwareRestore restore);
+    void tellDroppedKill();
+    void showLostLink();
     void restoreFileFirmware();
     FirmwareNumber formerFirmware();
     void abandonCommand();
@@ -235,7 +246,10 @@ class Link : private LineWatch {
     void replyZeroAdvance(const Reply& reply);
     bool readSerialNumber(const Reply& reply);
     bool findUnitKind();
+    bool isStranger(int slot) const;
     void leaveFormerUnit();
+    void knowsWhoIsThere();
+    void countUnknownAnswer();
     void fillDashboardDefaults();
     void acceptUnit(std::string_view text);
     void warnOldFirmware();
@@ -259,6 +273,8 @@ class Link : private LineWatch {
     int slotOfTransfer() const;
     bool firmwareWaits() const;
     int firmwareFailure();
+    int silentFirmwareStart();
+    void firmwareMended();
     void reportSuccess(std::string_view key);
     void reportFailure(std::string_view key);
 
@@ -304,9 +320,17 @@ class Link : private LineWatch {
     std::string adapterLine_;  ///< what became of the adapter, in words
     std::string responseHeader_;
     std::vector<std::uint8_t> rxBuffer_;
+    std::string openTrouble_;  ///< why the port could not be opened
     bool firmwareLost_ = false;
-    int firmwareSlot_ = 0;      ///< the kind that the last firmware was for; 0: not known
-    bool lineBroke_ = false;    ///< the line was not there all the time since a firmware run began
+    bool brokeAfterLines_ = false;  ///< it was lost by a run of which lines had gone out
+    int silentStarts_ = 0;          ///< starts since then that got no answer at all, one behind the other
+    int firmwareSlot_ = 0;          ///< the kind that the last firmware was for; 0: not known
+    std::int32_t transferSerial_ = 0;  ///< the unit that the transfer was begun for; 0: not known
+    bool askFirst_ = false;    ///< who is there is asked before a firmware that waits goes out
+    int unknownAnswers_ = 0;   ///< to that question, from somebody who does not say who it is
+    /// Serial number, release and build of a unit whose firmware the user has been warned of.
+    std::optional<std::array<int, 3>> toldFirmware_;
+    bool lineBroke_ = false;   ///< the line was not there all the time since a firmware run began
     std::string openTransfer_;  ///< key of a transfer from its start to its end, on the wire or still queued
     std::fstream transferStream_;
     std::istringstream firmwareText_;  ///< what a firmware run sends

@@ -111,16 +111,17 @@ void Link::showAdapter() {
 
 void Link::followAdapter() {
     const AdapterNews news = std::exchange(adapterNews_, AdapterNews::None);
-    // A transfer ends by its own time-outs, and a search asks by itself.
-    if (news == AdapterNews::None || transferPending() || searching_) return;
+    // A transfer on the wire ends by its own time-outs, and a search asks by itself.
+    if (news == AdapterNews::None || transferActive_ || searching_) return;
     // What was in flight cannot be answered any more, and who is there now may be another unit.
     loseLink(FirmwareRestore::IfUnitKnown);
     abandonCommand();
     responseReady_ = false;
+    askFirst_ = firmwarePending();
     showAdapter();
     if (news == AdapterNews::Lost) return;
     restLine();
-    queueInFront("E");
+    if (!askFirst_) queueInFront("E");
 }
 
 }  // namespace zentaq

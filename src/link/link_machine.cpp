@@ -71,6 +71,11 @@ void Link::SEND_ONFLY(std::string_view record) {
     }
 }
 
+// A unit that is programmed takes nothing else, so that there it would have to wait all the same.
+void Link::SEND_KILL() {
+    queueInFront("K");
+}
+
 void Link::tick() {
     if (handling_) return;
     // Events that a handler lets in do not start it again.
@@ -113,6 +118,22 @@ bool Link::nothingToSend() const {
     return queueHead_ == queueTail_ || place(queueHead_).empty();
 }
 
+bool Link::waits(std::string_view command) const {
+    for (int index = queueHead_; index != queueTail_; index = wrapped(index + 1)) {
+        if (place(index) == command) return true;
+    }
+    return false;
+}
+
+bool Link::identifying() const {
+    return currentCommand_ == "E" || currentCommand_ == "B" || waits("E") || waits("B");
+}
+
+bool Link::wireTaken() const {
+    const CommandRow* row = findCommand(commandKey(currentCommand_));
+    return row && row->isBulk;
+}
+
 void Link::sendNextCommand() {
     std::string_view key;
     if (nothingToSend()) {
@@ -121,6 +142,7 @@ void Link::sendNextCommand() {
         // the pollers for good.
         if (queueHead_ == queueTail_) queuedCommands_ = 0;
     } else if (lineAtRest()) {
+        if (askFirst_ && place(queueHead_) == "P3") queueInFront("E");
         currentCommand_ = place(queueHead_);
         key = commandKey(currentCommand_);
         // A key in no row keeps the threshold of the command before.
@@ -164,10 +186,7 @@ bool Link::transferLost() const {
     if (!transferPending()) return false;
     if (currentCommand_.empty() && nothingToSend()) return true;
     if (openTransfer_.empty() || commandKey(currentCommand_) == openTransfer_) return false;
-    for (int index = queueHead_; index != queueTail_; index = wrapped(index + 1)) {
-        if (place(index) == openTransfer_) return false;
-    }
-    return true;
+    return !waits(openTransfer_);
 }
 
 void Link::watchStalledTransfer() {
@@ -254,6 +273,7 @@ void Link::loseLink(FirmwareRestore restore) {
     // ends like this.
     const bool firmwareStays = firmwareWaits();
     if (!openTransfer_.empty() && !firmwareStays) skipFailing([&] { End_Transfer(false); });
+    tellDroppedKill();
     queueTail_ = queueHead_;
     tickCount_ = 0;
     retryCount_ = 0;
@@ -265,20 +285,37 @@ void Link::loseLink(FirmwareRestore restore) {
     linked_.FirmwareTold = false;
     linked_.UnitIdentified = false;
     linked_.UnitFound = false;
+    toldFirmware_.reset();
     queuedCommands_ = 0;
-    if (firmwareStays) Send_ORB_Command(openTransfer_);
+    if (firmwareStays) {
+        Send_ORB_Command(openTransfer_);
+        // Another unit may have come meanwhile. Silence to that very question is the answer of a unit
+        // without firmware.
+        askFirst_ = currentCommand_ != "E";
+    }
     skipFailing([&] { host_.initializeOnFly(false); });
-    // Else the panel would go on saying what the last reply had been.
+    showLostLink();
+    show(&LinkStatus::send, Lamp::Rest);
+    show(&LinkStatus::receive, Lamp::Rest);
+}
+
+// Nobody must believe that the engine was stopped.
+void Link::tellDroppedKill() {
+    if (waits("K")) log("Kill Engine was not sent: the link is lost.");
+}
+
+// Else the panel would go on saying what the last reply had been.
+void Link::showLostLink() {
     if (adapterAway_) {
         showAdapter();
+    } else if (!port_.isOpen()) {
+        showNoConnection();
     } else if (firmwareLost_) {
         COMM_StatusMessage("Connecting...", "The upgrade broke off: the unit has no firmware.",
                            "Cycle its power and run Firmware Upgrade again.", "Warning");
     } else {
         COMM_StatusMessage("Connecting...", "The unit does not answer.", "", "Warning");
     }
-    show(&LinkStatus::send, Lamp::Rest);
-    show(&LinkStatus::receive, Lamp::Rest);
 }
 
 void Link::restoreFileFirmware() {

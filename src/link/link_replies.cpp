@@ -136,9 +136,11 @@ void Link::replyIdentify(const Reply& reply) {
     show(&LinkStatus::firmwareUpgradeEnabled, !linked_.OldFirmware);
     // A reply in no known format, or with a number in no range, is no unit: the poller asks again.
     if (!known || !findUnitKind()) {
+        countUnknownAnswer();
         currentCommand_.clear();
         return;
     }
+    knowsWhoIsThere();
     if (linked_.LinkedUnitKind != 0) host_.unitKindFound(linked_.LinkedUnitKind);
     fillDashboardDefaults();
     if (!hasMarker(reply)) {
@@ -186,16 +188,49 @@ bool Link::findUnitKind() {
     const int slot = range == nullptr ? linked_.LinkedUnitKind : range->slot;
     // A unit of the oldest format takes no changes, whoever of its kind was there before.
     const bool otherUnit = linked_.LinkedUnitKind != slot || linked_.OldFirmware;
-    if (linked_.UnitIdentified && otherUnit) leaveFormerUnit();
+    if ((linked_.UnitIdentified && otherUnit) || isStranger(slot)) leaveFormerUnit();
     linked_.LinkedUnitKind = slot;
     if (range != nullptr && !linked_.UnitFound) show(&LinkStatus::unitLabel, range->label);
     return true;
 }
 
-// Another unit has taken the place of the one that was identified, with no silence between them. Changes on
-// the fly, a transfer and whatever else waits were meant for that one.
+// Whether a transfer that still waits was meant for another unit than the one that answers now.
+bool Link::isStranger(int slot) const {
+    if (openTransfer_.empty() || transferActive_) return false;
+    if (transferSerial_ != 0 && transferSerial_ != linked_.SerialNumber) return true;
+    if (!firmwarePending()) return false;
+    // A unit of the oldest format takes no firmware from here. Kinds of one prefix take the same files.
+    const auto prefix = [&](int of) { return host_.unit(of).kind().firmwarePrefix; };
+    const bool known = slot != 0 && firmwareSlot_ != 0;
+    return linked_.OldFirmware || (known && prefix(firmwareSlot_) != prefix(slot));
+}
+
+void Link::knowsWhoIsThere() {
+    if (linked_.LinkedUnitKind == 0) return countUnknownAnswer();
+    askFirst_ = false;
+}
+
+// Who answers, but never says who it is, is no unit without firmware: that one is silent.
+void Link::countUnknownAnswer() {
+    constexpr int mostUnknownAnswers = 3;
+    if (!askFirst_ || ++unknownAnswers_ < mostUnknownAnswers) return;
+    log("Who answers does not say what it is.");
+    leaveFormerUnit();
+}
+
+// Another unit has taken the place of the one that was identified, with no silence between them, or of the
+// one that a transfer waits for. Changes on the fly, a transfer and whatever else waits were meant for that
+// one.
 void Link::leaveFormerUnit() {
-    if (transferPending()) skipFailing([&] { End_Transfer(false); });
+    if (transferPending()) {
+        skipFailing([&] {
+            host_.show({.title = "Another Unit",
+                        .text = "Another unit answers than the one that was to be programmed or read.\n"
+                                "The transfer has ended. Nothing more is sent to this unit.",
+                        .icon = Icon::Exclamation});
+        });
+        skipFailing([&] { End_Transfer(false); });
+    }
     transferActive_ = false;
     loseLink(FirmwareRestore::IfUnitKnown);
 }
@@ -251,7 +286,7 @@ void Link::storeFirmware(const Reply& reply) {
     if (!linked_.FirmwareTold) firmwareBefore_ = {unit.FW_Release(), unit.FW_Build()};
     // Before the release is stored: storing it brings a calibration in hand to this firmware.
     linked_.FirmwareTold = true;
-    firmwareLost_ = false;  // whatever an earlier run did: this unit has one
+    firmwareMended();  // whatever an earlier run did: this unit has one
     unit.FW_Build(firmware.build);
     unit.FW_Release(firmware.release);
 }
@@ -271,7 +306,12 @@ void Link::warnNewFirmware() {
     const int kind = linked_.LinkedUnitKind;
     const Unit& unit = linkedUnit();
     const std::pair known(host_.expectedRelease(kind), host_.expectedBuild(kind));
-    if (std::pair(unit.FW_Release(), unit.FW_Build()) <= known) return;
+    const std::pair firmware(unit.FW_Release(), unit.FW_Build());
+    if (firmware <= known) return;
+    // Told once: a unit whose answer was lost on the way is asked several times.
+    const std::array told{static_cast<int>(linked_.SerialNumber), firmware.first, firmware.second};
+    if (toldFirmware_ == told) return;
+    toldFirmware_ = told;
     host_.show({.title = {},
                 .text = "This version of firmware is not fully supported by this version of Zentaq.\n"
                         "You will still be able to make changes to the unit, but not all features will be "

@@ -18,6 +18,7 @@ struct LinkStatus {
     std::string title;          ///< lblCommTitle
     std::string line1;          ///< lblCommStatus1
     std::string line2;          ///< lblCommStatus2
+    std::string trouble;        ///< why the port could not be opened, in the system's words; else ""
     std::string activity;       ///< "{Polling}", "{Monitoring}", ...
     Lamp send = Lamp::Rest;     ///< lblComm_Send_Icon
     Lamp receive = Lamp::Rest;  ///< lblComm_Rcv_Icon

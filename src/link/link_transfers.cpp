@@ -108,6 +108,9 @@ void Link::startFirmware(const std::string& path, std::string text, int slot) {
     }
     lineBroke_ = adapterAway_ || !port_.isOpen();
     queueTransfer("P3");
+    // Who is there is not known: only a unit that takes this firmware, or one that has none, shall have it.
+    askFirst_ = linked_.LinkedUnitKind == 0;
+    unknownAnswers_ = 0;
     transferLines_ = lines;
 }
 
@@ -125,6 +128,7 @@ void Link::startDatalog(const std::string& path) {
 
 void Link::queueTransfer(std::string_view key) {
     openTransfer_ = key;
+    transferSerial_ = linked_.LinkedUnitKind == 0 ? 0 : linked_.SerialNumber;
     Send_ORB_Command(key);
 }
 
@@ -180,6 +184,7 @@ void Link::End_Transfer(bool success) {
     // A transfer that ends before its command was written has another one, or none, in flight.
     const std::string key = openTransfer_.empty() ? std::string(commandKey(currentCommand_)) : openTransfer_;
     openTransfer_.clear();
+    askFirst_ = false;
     if (success) {
         reportSuccess(key);
     } else {
@@ -198,7 +203,7 @@ void Link::reportSuccess(std::string_view key) {
         COMM_StatusMessage(key == "P1" ? "Program ORB Successful" : "Program Firmware Successful",
                            "PROGRAM VERIFIED", "You Must Restart ECU After download completed.", "Connected");
         // A run that sent nothing has mended nothing.
-        if (key == "P3" && transferLine_ > 0) firmwareLost_ = false;
+        if (key == "P3" && transferLine_ > 0) firmwareMended();
         skipFailing([&] { host_.displayMessage(Programmed); });
         // The new firmware knows nothing of the calibration that the former one held.
         if (key == "P3") skipFailing([&] { host_.displayMessage(LoadCalibration); });
@@ -218,19 +223,37 @@ void Link::reportFailure(std::string_view key) {
     skipFailing([&] { host_.displayMessage(message); });
 }
 
-// Which of the messages is true depends on how far the run came. A unit erases its firmware when it takes the
-// start of programming, so one that refused or never answered P3 still has what it had: a whole firmware, or
-// none where an earlier run broke off between its lines.
+// A unit erases its firmware when it takes the start of programming. One that refused the start still has
+// what it had; of one that did not answer nobody knows, and the user is told the worse of the two.
 int Link::firmwareFailure() {
     const bool asked = commandKey(currentCommand_) == "P3";
-    const bool started = transferLine_ > 0 || (asked && responseReady_ && responseHeader_ != "AR");
-    if (started) {
+    const bool answered = asked && responseReady_;
+    if (transferLine_ > 0 || (answered && responseHeader_ != "AR")) {
         firmwareLost_ = true;
+        brokeAfterLines_ = brokeAfterLines_ || transferLine_ > 0;
+        silentStarts_ = 0;
         return FirmwareFailed;
     }
-    if (!firmwareLost_) return FirmwareNotStarted;
-    // It speaks, or the line was not there to reach it: there is hope yet.
-    return asked && !responseReady_ && port_.isOpen() && !lineBroke_ ? UnitLost : FirmwareFailed;
+    if (answered) {
+        silentStarts_ = 0;
+        return FirmwareNotStarted;
+    }
+    if (asked) return silentFirmwareStart();
+    return firmwareLost_ ? FirmwareFailed : FirmwareNotStarted;
+}
+
+// That a unit will never answer again cannot be known after one silent try, nor where the line was not there
+// to reach it.
+int Link::silentFirmwareStart() {
+    constexpr int triesUntilLost = 3;
+    if (!brokeAfterLines_ || !port_.isOpen() || lineBroke_) return FirmwareFailed;
+    return ++silentStarts_ >= triesUntilLost ? UnitLost : FirmwareFailed;
+}
+
+void Link::firmwareMended() {
+    firmwareLost_ = false;
+    brokeAfterLines_ = false;
+    silentStarts_ = 0;
 }
 
 bool Link::firmwareWaits() const {

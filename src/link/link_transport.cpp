@@ -120,16 +120,16 @@ bool Link::openChosenPort() {
     if (port_.isOpen()) skipFailing([&] { port_.close(); });
     adapterAway_ = false;
     adapterNews_ = AdapterNews::None;
+    lineBroke_ = true;
     restTicks_ = 0;
     skipFailing([&] { port_.setReceiveThreshold(0); });
-    std::string trouble;
+    openTrouble_.clear();
     const bool opened =
-        endOnFailure([&] { openByIdentity(); }, [&](const std::string& why) { trouble = why; });
+        endOnFailure([&] { openByIdentity(); }, [&](const std::string& why) { openTrouble_ = why; });
     if (!opened) {
         log("COMM Port:" + numberText(commPort_) + " Not Available, Cannot Open Connection.");
-        tellTrouble(trouble);
-        COMM_StatusMessage("No Connection Mode", "Port is Currently Not Available.",
-                           "Please Check your Serial Connection and try again", "NoConnect");
+        tellTrouble();
+        showNoConnection();
         return false;
     }
     COMM_StatusMessage("Connected", "RS232 Connection Initialized!", "", "Connected");
@@ -139,19 +139,27 @@ bool Link::openChosenPort() {
 }
 
 // A port that is there tells why it cannot be opened, and what to do about it; an absent one is told above.
-void Link::tellTrouble(const std::string& trouble) {
+void Link::tellTrouble() {
     if (searching_) return;
     skipFailing([&] {
         const std::vector<PortInfo> ports = port_.list();
         const bool present = std::ranges::find(ports, commPort_, &PortInfo::number) != ports.end();
-        if (present || !commIdentity_.empty()) log("  - " + trouble);
+        if (present || !commIdentity_.empty()) log("  - " + openTrouble_);
     });
+}
+
+// Also when a command in the void runs out of patience: no unit has failed to answer.
+void Link::showNoConnection() {
+    COMM_StatusMessage("No Connection Mode", "Port is Currently Not Available.",
+                       "Please Check your Serial Connection and try again", "NoConnect");
 }
 
 void Link::RS232_Close() {
     if (port_.isOpen()) skipFailing([&] { port_.close(); });
+    openTrouble_.clear();
     adapterAway_ = false;
     adapterNews_ = AdapterNews::None;
+    lineBroke_ = true;
     log("COMM: Connection with ORB terminated.");
 }
 
@@ -213,6 +221,7 @@ void Link::COMM_StatusMessage(std::string_view title, std::string_view line1, st
     show(&LinkStatus::title, title);
     show(&LinkStatus::line1, line1);
     show(&LinkStatus::line2, line2);
+    show(&LinkStatus::trouble, state == "NoConnect" ? openTrouble_ : std::string());
 }
 
 LinkStatus& Link::editStatus() {

@@ -50,8 +50,10 @@ void Poller::searchUnit() {
     if (link_.AutoPollSuspended()) return;
     searching_ = true;
     if (++connectCount_ < firingsBetweenSearches) return;
-    link_.Send_ORB_Command("E");
     connectCount_ = 0;
+    // An answer that was lost is waited for a second: questions that pile up meanwhile would all be answered
+    // afterwards, one behind the other.
+    if (!link_.identifying()) link_.Send_ORB_Command("E");
 }
 
 void Poller::tick() {

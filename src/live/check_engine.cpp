@@ -198,7 +198,9 @@ std::optional<ShortCode> shortCode(std::string_view text) {
 
 void CheckEngineDisplay::Update_CHKE(std::string_view text) {
     const int entry = entryOf(text);
-    if (entry >= 0) filled_[static_cast<std::size_t>(entry)] = true;
+    if (entry < 0) return;
+    filled_[static_cast<std::size_t>(entry)] = true;
+    clearedSteps_ = 0;
 }
 
 void CheckEngineDisplay::Clear_CHKE() {
@@ -216,7 +218,9 @@ std::optional<ShortCode> CheckEngineDisplay::step() {
         const auto at = static_cast<std::size_t>(shownEntry_);
         if (filled_[at]) return fieldsOf(reductions[at]);
     }
-    return {};
+    if (clearedSteps_ == 0) return {};
+    --clearedSteps_;
+    return ShortCode{fixedWidth("CODES", fieldWidth), fixedWidth("CLEARED", fieldWidth)};
 }
 
 }  // namespace zentaq

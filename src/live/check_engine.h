@@ -45,13 +45,21 @@ class CheckEngineDisplay {
 
     void Update_CHKE(std::string_view text);
     void Clear_CHKE();
+    /// The unit has cleared its codes: says so for a while, unless a code comes.
+    void tellCleared() { clearedSteps_ = stepsOfCleared; }
     bool empty() const;
-    /// The next filled entry, beginning again behind the last; nothing when no entry is filled.
+    /// No code, and nothing to tell of codes either.
+    bool silent() const { return empty() && clearedSteps_ == 0; }
+    /// The next filled entry, beginning again behind the last. When no entry is filled: that codes were
+    /// cleared, for as many steps as that is told, then nothing.
     std::optional<ShortCode> step();
 
  private:
+    static constexpr int stepsOfCleared = 3;
+
     std::array<bool, entryCount> filled_{};
     int shownEntry_ = -1;
+    int clearedSteps_ = 0;
 };
 
 }  // namespace zentaq

@@ -272,7 +272,8 @@ void LinkPanel::render(const LinkStatus& status) {
     if (status.image != image_ || imgNotify_->pixmap(Qt::ReturnByValue).isNull()) showImage(status.image);
     setText(title_, status.title);
     setText(line1_, status.line1);
-    setText(line2_, status.line2);
+    // The system's reason stands in a line of its own below.
+    setText(line2_, status.trouble.empty() ? status.line2 : status.line2 + '\n' + status.trouble);
     factsOrLine2_->setCurrentIndex(status.line2.empty() ? 0 : 1);
     showFrameTimes(status);
     line1_->setToolTip(line1_->text());

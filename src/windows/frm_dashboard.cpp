@@ -214,7 +214,8 @@ void FrmDashBoard::drawPins(const std::vector<DashboardReading>& readings) {
 
 void FrmDashBoard::showChosenPin() {
     const QListWidgetItem* item = panel_->lstGPO->currentItem();
-    const QString text = item == nullptr ? QString() : item->text();
+    const QString chosen = item == nullptr ? QString() : item->text();
+    const QString text = tellsCleared() ? panel_->lblCheckEngine->text().simplified() : chosen;
     if (panel_->txtGPIO->text() == text) return;
     panel_->txtGPIO->setText(text);
     panel_->txtGPIO->setCursorPosition(0);
@@ -256,8 +257,10 @@ void FrmDashBoard::Reset_Dashboard() {
 // ---- Check-engine codes
 
 void FrmDashBoard::codesChanged() {
-    if (session_.codes.empty()) {
+    if (session_.codes.silent()) {
         panel_->lblCheckEngine->clear();
+    } else if (session_.codes.empty()) {
+        if (!tellsCleared()) stepCodes();
     } else if (panel_->lblCheckEngine->text().isEmpty()) {
         stepCodes();
     }
@@ -267,6 +270,12 @@ void FrmDashBoard::stepCodes() {
     const auto code = session_.codes.step();
     const QString text = code ? QString::fromStdString(code->top + '\n' + code->bottom) : QString();
     if (panel_->lblCheckEngine->text() != text) panel_->lblCheckEngine->setText(text);
+    showChosenPin();
+}
+
+/// That the codes were cleared stands in both fields of the column.
+bool FrmDashBoard::tellsCleared() const {
+    return panel_->lblCheckEngine->text().startsWith(QLatin1String("CODES"));
 }
 
 /// Captions of the core, in full, as tips and for a screen reader.

@@ -55,6 +55,7 @@ class FrmDashBoard : public QWidget {
     void poll();
     void flash();
     void stepCodes();
+    bool tellsCleared() const;
     void draw();
     void drawNeedles();
     void drawReadings();

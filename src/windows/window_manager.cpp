@@ -408,6 +408,11 @@ void WindowManager::runWaiting() {
 
 void WindowManager::beginMonitoring() {
     if (closed_ || session_.Monitoring || session_.link.transferPending()) return;
+    // A search that found the unit has the port, and begins with it what it has to do.
+    if (session_.link.searching()) {
+        QTimer::singleShot(refreshMs, this, &WindowManager::beginMonitoring);
+        return;
+    }
     if (parseNumber(session_.settings().get(settings::system, settings::AutoMonitor)) != 1) return;
     constexpr int monitorStart = 2;
     endOnFailure([&] { commands_.loadCommand(monitorStart); },

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <deque>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -36,6 +37,7 @@ class ScriptedDialogs : public Dialogs {
  public:
     Answer show(const Box& box) override {
         boxes.push_back(box);
+        if (meanwhile) meanwhile(box.title);
         if (!answers.empty()) {
             const Answer answer = answers.front();
             answers.pop_front();
@@ -59,10 +61,13 @@ class ScriptedDialogs : public Dialogs {
     std::deque<Answer> answers;
     std::deque<std::string> files;
     std::deque<std::optional<std::string>> inputs;
+    /// What happens while a box of this title stands; an empty title is a file dialog.
+    std::function<void(const std::string& title)> meanwhile;
 
  private:
     std::string next(const FileRequest& request) {
         requests.push_back(request);
+        if (meanwhile) meanwhile({});
         if (files.empty()) return {};
         const std::string path = files.front();
         files.pop_front();

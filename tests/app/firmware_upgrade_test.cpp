@@ -47,9 +47,9 @@ class FirmwareUpgrade : public testing::Test {
         fake.dialogs.files = {path};
         commands.firmwareUpgrade();
     }
-    void tickUntil(const std::string& written) {
+    void tickUntil(const std::string& written, int limit = 50) {
         const auto& all = fake.port.written;
-        for (int i = 0; i < 50 && (all.empty() || all.back() != written); ++i) tick();
+        for (int i = 0; i < limit && (all.empty() || all.back() != written); ++i) tick();
     }
     /// A millisecond: the gap in front of a line is one of the clock too.
     void tick() {
@@ -199,7 +199,7 @@ TEST_F(FirmwareUpgrade, WhatWasCheckedIsSentThoughTheFileChangesOnTheWay) {
 
 TEST_F(FirmwareUpgrade, WithoutAUnitTheNameOfTheFileTellsHowItsLinesEnd) {
     choose(firmware("ZQA-505100.nv3"));
-    tickUntil("P3");
+    tickUntil("P3", 1100);  // nobody answers to the question who is there
     answer("AX");
     tickUntil("S0030000FC");
     EXPECT_EQ(fake.port.written.back(), "S0030000FC");
@@ -240,6 +240,84 @@ TEST_F(FirmwareUpgrade, AVerifiedRunSaysWhatToDoNextAndPollingGoesOn) {
     EXPECT_FALSE(session.link.transferPending());
 }
 
+// ---- While its boxes stand
+
+/// Boxes and the file dialog with a world that goes on behind them: `meanwhile` happens while the box of this
+/// title stands, "" the file dialog.
+class FirmwareUpgradeMeanwhile : public FirmwareUpgrade {
+ protected:
+    void during(const std::string& title, std::function<void()> happens) {
+        fake.dialogs.meanwhile = [this, title, happens](const std::string& shown) {
+            if (shown == title) happens();
+        };
+    }
+    void loseUnit() {
+        session.link.Send_ORB_Command("F");
+        for (int i = 0; i < 90; ++i) session.link.tick();
+        ASSERT_EQ(session.link.linked().LinkedUnitKind, 0);
+    }
+    void linkOtherOrbA() { linkUnit(0x03, 0x0D, 0x42); }  // 200002
+    void linkOrbL() { linkUnit(0x04, 0x93, 0xE1); }       // 300001
+    bool asked(const char* command) const {
+        return std::ranges::count(fake.port.written, std::string(command)) != 0;
+    }
+};
+
+TEST_F(FirmwareUpgradeMeanwhile, AUnitOfAnotherKindThatComesGetsNothing) {
+    for (const std::string title : {"FIRMWARE UPGRADE WARNING", ""}) {
+        linkOrbA();
+        during(title, [&] {
+            loseUnit();
+            linkOrbL();
+        });
+        choose(firmware("ZQA-505100.nv3"));
+        EXPECT_EQ(titles().back(), "Invalid Firmware") << title;
+        EXPECT_FALSE(session.link.transferPending()) << title;
+        loseUnit();
+    }
+    EXPECT_FALSE(asked("P3"));
+}
+
+TEST_F(FirmwareUpgradeMeanwhile, AnotherUnitOfTheKindGetsNothingAndTheUserIsToldItsNumber) {
+    linkOrbA();
+    during("", [&] {
+        loseUnit();
+        linkOtherOrbA();
+    });
+    choose(firmware("ZQA-505100.nv3"));
+    EXPECT_EQ(titles().back(), "Firmware Upgrade");
+    EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("200002 in the place of 200001"));
+    EXPECT_TRUE(logged("another unit is connected now"));
+    EXPECT_FALSE(session.link.transferPending());
+    EXPECT_FALSE(session.link.AutoPollSuspended());
+    EXPECT_THAT(fake.windows.calls, Not(Contains("removeForms")));
+}
+
+TEST_F(FirmwareUpgradeMeanwhile, AUnitThatFallsSilentIsAskedBeforeItIsProgrammedAndAnotherKindGetsNothing) {
+    linkOrbA();
+    session.CurrentUnit(4);  // the calibration in hand is no reason to take another file
+    during("", [&] { loseUnit(); });
+    choose(firmware("ZQA-505100.nv3"));
+    ASSERT_TRUE(session.link.firmwarePending());
+    fake.port.written.clear();
+    linkOrbL();
+    for (int i = 0; i < 1100; ++i) session.link.tick();
+    EXPECT_FALSE(asked("P3"));
+    EXPECT_FALSE(session.link.transferPending());
+}
+
+TEST_F(FirmwareUpgradeMeanwhile, AUnitOfTheOldestFirmwareThatComesGetsNothing) {
+    during("", [&] {
+        session.link.Send_ORB_Command("E");
+        session.link.tick();
+        fake.port.deliver({0, 1, 0, 1, 'A', 'X'});
+        session.link.tick();
+    });
+    choose(firmware("ZQA-505100.nv3"));
+    EXPECT_EQ(titles().back(), "Firmware Upgrade");
+    EXPECT_FALSE(session.link.transferPending());
+}
+
 // ---- The menu
 
 TEST_F(FirmwareUpgrade, TheEntryIsEnabledWithoutAUnitAndNotDuringATransfer) {
@@ -248,7 +326,7 @@ TEST_F(FirmwareUpgrade, TheEntryIsEnabledWithoutAUnitAndNotDuringATransfer) {
     ASSERT_TRUE(session.link.transferPending());
     ASSERT_FALSE(session.link.TransferActive());
     EXPECT_FALSE(enabled("mnuFirmwareUpgrade")) << "queued counts too";
-    session.link.tick();
+    tickUntil("P3", 1100);
     ASSERT_TRUE(session.link.TransferActive());
     EXPECT_FALSE(enabled("mnuFirmwareUpgrade"));
 }

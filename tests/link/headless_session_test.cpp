@@ -338,7 +338,6 @@ TEST_F(HeadlessFirmware, AUnitThatAnswersNothingButTheStartIsProgrammed) {
     session.open(1);
     ASSERT_EQ(session.findUnit(), Found::Nobody);
     port.takeWritten();
-    session.link().firmwareLost(true);
     port.always("P3", atOnce("AX"));
     port.always("S9c\r\n", atOnce("PN"));
     answerLines(0, "");
@@ -361,20 +360,18 @@ TEST_F(HeadlessFirmware, AUnitThatAnswersNothingGetsItsLinesAsItsKindTakesThem) 
 TEST_F(HeadlessFirmware, AUnitWithoutFirmwareThatRefusesTheStartIsNotTakenForASilentOne) {
     session.open(1);
     ASSERT_EQ(session.findUnit(), Found::Nobody);
-    session.link().firmwareLost(true);
     port.always("P3", atOnce("AR"));
     const TransferEnd end = upgrade();
     EXPECT_EQ(end.ending, Ending::Refused);
-    EXPECT_EQ(end.message, 1004);
+    EXPECT_EQ(end.message, 1005);
 }
 
-TEST_F(HeadlessFirmware, AUnitWithoutFirmwareThatDoesNotAnswerTheStartIsLost) {
+TEST_F(HeadlessFirmware, AUnitThatDoesNotAnswerTheStartIsToldAsOneWithoutFirmware) {
     session.open(1);
     ASSERT_EQ(session.findUnit(), Found::Nobody);
-    session.link().firmwareLost(true);
     const TransferEnd end = upgrade();
     EXPECT_EQ(end.ending, Ending::Silent);
-    EXPECT_EQ(end.message, 1009);
+    EXPECT_EQ(end.message, 1004);
 }
 
 TEST_F(HeadlessFirmware, AStopWaitsForTheEndOfTheLastLine) {

@@ -452,13 +452,14 @@ TEST_F(LinkTransfers, FirmwareRefusedAtItsStartFailsWithMessage1005) {
     EXPECT_FALSE(link.firmwareLost());
 }
 
-TEST_F(LinkTransfers, AFirmwareStartHas5000TicksOfPatienceAndFailsWithMessage1005) {
+TEST_F(LinkTransfers, AFirmwareStartHas5000TicksOfPatienceAndFailsWithMessage1004) {
     find(200000);
     upgrade("S0\n");
     ticks(1 + 5000);
     EXPECT_TRUE(host.messages.empty());
     ticks(1);
-    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1004})) << "what it has now is not known";
+    EXPECT_FALSE(link.firmwareLost());
     EXPECT_EQ(link.linked().LinkedUnitKind, 0);
 }
 
@@ -499,56 +500,101 @@ class LostFirmware : public LinkTransfers {
     }
 };
 
-TEST_F(LostFirmware, AUnitThatDoesNotAnswerTheNextStartIsToldWithMessage1009) {
+TEST_F(LostFirmware, OnlyTheThirdStartInARowThatGetsNoAnswerIsToldWithMessage1009) {
     answerLines("");
-    upgrade("S0\nS9\n");
-    ticks(1 + 5001);
-    EXPECT_EQ(host.messages, (std::vector<int>{1009}));
+    for (const int message : {1004, 1004, 1009, 1009}) {
+        forget();
+        upgrade("S0\nS9\n");
+        runUntilIdle();
+        EXPECT_EQ(host.messages, (std::vector<int>{message}));
+    }
 }
 
-TEST_F(LostFirmware, AUnitThatRefusesTheNextStartHasNoFirmwareStill) {
+TEST_F(LostFirmware, AnAnswerBetweenTwoSilentStartsBeginsTheCountAnew) {
+    const auto next = [&](const char* reply) {
+        answerLines(reply);
+        forget();
+        upgrade("S0\nS9\n");
+        runUntilIdle();
+        return host.messages;
+    };
+    EXPECT_EQ(next(""), (std::vector<int>{1004}));
+    EXPECT_EQ(next(""), (std::vector<int>{1004}));
+    EXPECT_EQ(next("AR"), (std::vector<int>{1005}));
+    EXPECT_EQ(next(""), (std::vector<int>{1004}));
+    EXPECT_EQ(next(""), (std::vector<int>{1004}));
+    EXPECT_EQ(next(""), (std::vector<int>{1009}));
+}
+
+TEST_F(LostFirmware, AUnitThatRefusesTheNextStartIsToldWithMessage1005) {
     answerLines("AR");
     upgrade("S0\nS9\n");
     runUntilIdle();
-    EXPECT_EQ(host.messages, (std::vector<int>{1004}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
+    EXPECT_TRUE(link.firmwareLost()) << "no run has ended well since";
+}
+
+TEST_F(LinkTransfers, SilentStartsOfAUnitThatNeverGotALineProveNothing) {
+    find(200000);
+    for (int run = 0; run < 5; ++run) {
+        forget();
+        upgrade("S0\nS9\n");
+        runUntilIdle();
+        EXPECT_EQ(host.messages, (std::vector<int>{1004})) << run;
+    }
 }
 
 TEST_F(LostFirmware, WithAClosedPortNobodyKnowsThatTheUnitIsLostForGood) {
+    answerLines("");
     link.RS232_Close();
-    upgrade("S0\nS9\n");
-    ticks(1 + 5001);
-    EXPECT_EQ(host.messages, (std::vector<int>{1004}));
+    for (int run = 0; run < 4; ++run) {
+        forget();
+        upgrade("S0\nS9\n");
+        runUntilIdle();
+        EXPECT_EQ(host.messages, (std::vector<int>{1004})) << run;
+    }
 }
 
 TEST_F(LostFirmware, WithTheAdapterPulledOutNobodyKnowsThatTheUnitIsLostForGood) {
     answerLines("");
-    upgrade("S0\nS9\n");
-    ticks(3);
-    ASSERT_EQ(port.written(), (Texts{"P3"}));
-    port.loseDevice();
-    ticks(5001);
-    EXPECT_EQ(host.messages, (std::vector<int>{1004}));
-    EXPECT_EQ(link.status().title, "Adapter unplugged");
+    for (int run = 0; run < 4; ++run) {
+        forget();
+        upgrade("S0\nS9\n");
+        while (port.written().empty() || port.written().back() != "P3") ticks(1);
+        port.loseDevice();
+        runUntilIdle();
+        EXPECT_EQ(host.messages, (std::vector<int>{1004})) << run;
+        EXPECT_EQ(link.status().title, "Adapter unplugged");
+        port.returnDevice("/dev/ttyUSB0");
+        ticks(2000);
+    }
 }
 
-TEST_F(LostFirmware, AnAdapterThatWasAwayWhenTheStartWentOutProvesNothingThoughItIsBack) {
+TEST_F(LostFirmware, AnAdapterThatWasAwayWhenTheRunBeganProvesNothingThoughItIsBack) {
     answerLines("");
-    port.loseDevice();
-    upgrade("S0\nS9\n");
-    ticks(3);
-    port.returnDevice("/dev/ttyUSB0");
-    ticks(5001);
-    EXPECT_EQ(host.messages, (std::vector<int>{1004}));
+    for (int run = 0; run < 4; ++run) {
+        forget();
+        port.loseDevice();
+        upgrade("S0\nS9\n");
+        ticks(3);
+        port.returnDevice("/dev/ttyUSB0");
+        runUntilIdle();
+        EXPECT_EQ(host.messages, (std::vector<int>{1004})) << run;
+    }
 }
 
-TEST_F(LostFirmware, WithTheAdapterThereAgainTheNextRunMayTellThatTheUnitIsLost) {
+TEST_F(LostFirmware, WithTheAdapterThereAgainLaterRunsMayTellThatTheUnitIsLost) {
     answerLines("");
     port.loseDevice();
     ticks(3);
     port.returnDevice("/dev/ttyUSB0");
-    upgrade("S0\nS9\n");
-    ticks(7000);
-    EXPECT_EQ(host.messages, (std::vector<int>{1009}));
+    ticks(2000);
+    for (const int message : {1004, 1004, 1009}) {
+        forget();
+        upgrade("S0\nS9\n");
+        runUntilIdle();
+        EXPECT_EQ(host.messages, (std::vector<int>{message}));
+    }
 }
 
 TEST_F(LostFirmware, ItsKindIsKeptForTheRunThatMendsIt) {
@@ -563,7 +609,7 @@ TEST_F(LostFirmware, ItsKindIsKeptForTheRunThatMendsIt) {
     forget();
     upgrade("S0\nS9\n");
     runUntilIdle();
-    EXPECT_EQ(port.written(), (Texts{"P3", "S0", "S9"})) << "this kind takes its lines without an end";
+    EXPECT_EQ(port.written(), (Texts{"E", "P3", "S0", "S9"})) << "this kind takes its lines without an end";
     EXPECT_EQ(link.firmwareLostSlot(), 0);
 }
 
@@ -590,9 +636,12 @@ TEST_F(LostFirmware, AUnitThatTellsItsFirmwareHasOne) {
     identify(200001, "ZQA-405099");
     EXPECT_FALSE(link.firmwareLost());
     answerLines("");
-    upgrade("S0\nS9\n");
-    ticks(1 + 5001);
-    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
+    for (int run = 0; run < 4; ++run) {
+        forget();
+        upgrade("S0\nS9\n");
+        runUntilIdle();
+        EXPECT_EQ(host.messages, (std::vector<int>{1004})) << run;
+    }
 }
 
 TEST_F(LostFirmware, TheNextRunOutlivesThePollThatTheUnitDoesNotAnswer) {
@@ -622,8 +671,116 @@ TEST_F(LinkTransfers, AFirmwareOutlivesAFrameThatAUnitInUpgradeModeNoLongerAnswe
     ticks(84);
     EXPECT_EQ(link.QueuedCommands(), 1) << "the firmware alone stays";
     runUntilIdle();
-    EXPECT_EQ(port.written(), (Texts{"F", "P3", "S9"})) << "lines as the kind takes them that was found";
+    EXPECT_EQ(port.written(), (Texts{"F", "E", "P3", "S9"})) << "lines as the kind takes them that was found";
     EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008}));
+}
+
+/// A firmware for the ORB A that waits behind a frame which nobody answers any more.
+class WaitingFirmware : public LinkTransfers {
+ protected:
+    WaitingFirmware() {
+        find(200001);
+        answerLines("AX");
+        port.always("S9", atOnce("PN"));
+        link.Send_ORB_Command("F");
+        ticks(1);
+        upgrade("S0\nS9\n");
+        ticks(84);
+        EXPECT_EQ(link.linked().LinkedUnitKind, 0);
+        EXPECT_TRUE(link.firmwarePending());
+        forget();
+    }
+    bool programmed() const {
+        const Texts all = port.written();
+        return std::ranges::count(all, "P3") != 0;
+    }
+};
+
+TEST_F(WaitingFirmware, GoesOutOnceTheSameUnitHasSaidThatItIsThere) {
+    port.once("E", identifyReply(200001));
+    runUntilIdle();
+    EXPECT_EQ(port.written(), (Texts{"E", "P3", "S0", "S9"}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008}));
+    EXPECT_TRUE(host.boxes.empty());
+}
+
+TEST_F(WaitingFirmware, EndsWhereAUnitOfAnotherKindAnswers) {
+    port.once("E", identifyReply(300001));
+    ticks(3000);
+    EXPECT_FALSE(programmed());
+    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
+    ASSERT_EQ(host.boxes.size(), 1u);
+    EXPECT_EQ(host.boxes[0].title, "Another Unit");
+    EXPECT_FALSE(link.transferPending());
+    EXPECT_FALSE(link.AutoPollSuspended());
+    EXPECT_EQ(link.linked().LinkedUnitKind, 4) << "it is the unit on the link from here on";
+}
+
+TEST_F(WaitingFirmware, EndsWhereAnotherUnitOfItsKindAnswers) {
+    port.once("E", identifyReply(200002));
+    ticks(3000);
+    EXPECT_FALSE(programmed());
+    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
+}
+
+TEST_F(WaitingFirmware, EndsWhereAUnitOfTheOldestFormatAnswers) {
+    port.once("E", bytes({0x00, 0x01, 0x00, 0x01, 'A', 'X'}));
+    ticks(3000);
+    EXPECT_FALSE(programmed());
+    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
+}
+
+TEST_F(WaitingFirmware, ADamagedAnswerIsAskedForAgainAndTheThirdEndsTheRun) {
+    port.always("E", atOnce("garbage!"));
+    ticks(3000);
+    EXPECT_FALSE(programmed());
+    EXPECT_EQ(port.written(), (Texts{"E", "E", "E"}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
+}
+
+TEST_F(WaitingFirmware, GoesOutWhereNobodyAnswersAsAUnitWithoutFirmwareDoes) {
+    port.always("E", atOnce(""));
+    runUntilIdle();
+    EXPECT_EQ(port.written(), (Texts{"E", "P3", "S0", "S9"}));
+    EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008}));
+}
+
+TEST_F(LinkTransfers, AFirmwareThatWaitsWhileTheAdapterIsChangedAsksWhoIsThereNow) {
+    find(200001);
+    answerLines("AX");
+    link.Send_ORB_Command("S");
+    port.always("S", atOnce(""));
+    ticks(1);
+    upgrade("S0\nS9\n");
+    port.once("E", identifyReply(300001));
+    port.loseDevice();
+    ticks(5);
+    port.returnDevice("/dev/ttyUSB0");
+    ticks(3000);
+    EXPECT_EQ(std::ranges::count(port.written(), std::string("P3")), 0);
+    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
+}
+
+TEST_F(CalibrationTransfer, AProgramThatWaitsEndsWhereAnotherUnitOfItsKindAnswers) {
+    port.once("E", identifyReply(200009));
+    link.Send_ORB_Command("E");
+    program("S1\n");
+    ticks(3000);
+    EXPECT_EQ(port.written().front(), "E");
+    EXPECT_EQ(std::ranges::count(port.written(), std::string("P1")), 0);
+    EXPECT_EQ(host.messages, (std::vector<int>{1003}));
+}
+
+TEST_F(CalibrationTransfer, AProgramThatWaitsEndsWhenItsAdapterGoes) {
+    link.Send_ORB_Command("S");
+    ticks(1);
+    program("S1\n");
+    port.loseDevice();
+    ticks(1);
+    EXPECT_EQ(host.messages, (std::vector<int>{1003}));
+    port.returnDevice("/dev/ttyUSB0");
+    ticks(3000);
+    EXPECT_EQ(std::ranges::count(port.written(), std::string("P1")), 0);
 }
 
 TEST_F(LinkTransfers, WithoutAUnitTheKindThatTheFirmwareIsForDecidesHowItsLinesEnd) {
@@ -635,7 +792,7 @@ TEST_F(LinkTransfers, WithoutAUnitTheKindThatTheFirmwareIsForDecidesHowItsLinesE
         link.programFirmware("ZQA.nv3", "S0\nS9\n", slot);
         runUntilIdle();
         const std::string end = slot == 3 ? "" : "\r\n";
-        EXPECT_EQ(port.written(), (Texts{"P3", "S0" + end, "S9" + end})) << slot;
+        EXPECT_EQ(port.written(), (Texts{"E", "P3", "S0" + end, "S9" + end})) << slot;
     }
 }
 
@@ -669,8 +826,8 @@ TEST_F(LinkTransfers, AnAbsentFirmwareFileQueuesNothing) {
 
 TEST_F(LinkTransfers, WithAClosedPortATransferFailsAndPollingGoesOn) {
     upgrade("S0\n");
-    ticks(1 + 5001);
-    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
+    runUntilIdle();
+    EXPECT_EQ(host.messages, (std::vector<int>{1004}));
     EXPECT_FALSE(link.AutoPollSuspended());
     EXPECT_FALSE(link.TransferActive());
 }

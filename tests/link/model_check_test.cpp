@@ -199,6 +199,7 @@ class Walk {
     void startTransfer() {
         link.AutoPollSuspended(true);
         model.suspend(true);
+        if (chance(8)) return silentStarts();
         const int way = below(10);
         if (way == 0) return calibration();
         if (way < 7) return firmware();
@@ -233,8 +234,31 @@ class Walk {
         if (agreed_ && refused != refusedByModel) disagree("refusal of a second transfer");
     }
 
-    void firmware() {
-        const auto lines = someLines();
+    /// A firmware breaks off behind its first line, and its unit answers nothing any more.
+    void silentStarts() {
+        let(5002);
+        startFirmware({"S1LINE0", "S9LINE1"});
+        for (int i = 0; i < 3000 && agreed_ && model.now().command != "P3"; ++i) let(1);
+        for (int i = 0; i < 2 && agreed_; ++i) {
+            step(
+                "accepted",
+                [&] {
+                    port.waiting += "AX";
+                    port.tell(CommEvent::DataReceived);
+                },
+                [&] { model.deliver("AX"); });
+            let(11);
+        }
+        let(5002);
+        for (int i = 0; i < 4; ++i) {
+            startFirmware({"S1LINE0", "S9LINE1"});
+            let(6010);
+        }
+    }
+
+    void firmware() { startFirmware(someLines()); }
+
+    void startFirmware(const Texts& lines) {
         const std::string path = folder.write("new" + std::to_string(++files_) + ".nv3", joined(lines));
         start(TransferMode::Firmware, path, [&] {
             return model.beginLines("P3", lines, static_cast<int>(lines.size()) + 1,

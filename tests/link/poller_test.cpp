@@ -57,7 +57,7 @@ TEST_F(PollerTest, WithNoUnitItAsksOnEveryTenthFiring) {
     EXPECT_EQ(link.QueuedCommands(), 1);
     EXPECT_EQ(poller.ConnectCount(), 0);
     fire(20);
-    EXPECT_EQ(link.QueuedCommands(), 3);
+    EXPECT_EQ(link.QueuedCommands(), 1) << "the first question has not even gone out";
     EXPECT_TRUE(link.status().noConnectPanel);
     EXPECT_EQ(link.status().noConnectText, "Connecting...");
     EXPECT_EQ(displays, 0);
@@ -71,6 +71,23 @@ TEST_F(PollerTest, AFoundUnitThatIsNotIdentifiedIsAskedAgain) {
     fire(10);
     ticks(1);
     EXPECT_EQ(port.written(), (Texts{"E"}));
+}
+
+TEST_F(PollerTest, WhileAnAnswerIsWaitedForNoFurtherQuestionsPileUp) {
+    open();
+    port.once("E", identifyReply(200001));
+    fire(10);
+    ticks(20);
+    ASSERT_EQ(link.CurrentCommand(), "B");
+    for (int i = 0; i < 90; ++i) {  // the answer to B is lost
+        fire(1);
+        ticks(10);
+        ASSERT_EQ(link.QueuedCommands(), 0) << i;
+    }
+    ticks(120);
+    fire(10);
+    ticks(1);
+    EXPECT_EQ(port.written(), (Texts{"E", "B", "E"}));
 }
 
 TEST_F(PollerTest, AUnitWithOldFirmwareStaysInTheSearch) {

@@ -141,6 +141,7 @@ void Model::otherEvent() {
 
 void Model::open() {
     now_.open = true;
+    away_ = true;
     failWrite_ = false;
     inPort_.clear();
     quiet_ = 0;
@@ -153,6 +154,7 @@ void Model::open() {
 
 void Model::close() {
     now_.open = false;
+    away_ = true;
     failWrite_ = false;
     inPort_.clear();
     log("COMM: Connection with ORB terminated.");
@@ -170,6 +172,10 @@ bool Model::beginLines(const std::string& key, std::vector<std::string> lines, i
     now_.progress = true;
     transfer_ = key;
     if (key == "P3" && (now_.kind != 0 || !broken_)) firmwareKind_ = now_.kind;
+    meant_ = now_.kind == 0 ? 0 : now_.serial;
+    if (key == "P3") unknown_ = 0, away_ = !now_.open;
+    // Decided: a firmware goes to nobody who has not been asked, unless that one is silent.
+    ask_ = key == "P3" && now_.kind == 0;
     lines_ = std::move(lines);
     next_ = 0;
     send(key);
@@ -227,8 +233,9 @@ void Model::idle() {
         // Decided: nobody waits in an empty ring, whatever the count says.
         if (now_.head == now_.tail) now_.queued = 0;
     } else if (lineIsQuiet()) {
-        now_.command = first;
-        key = keyOf(first);
+        if (ask_ && first == "P3") push("E");
+        now_.command = ring_.at(static_cast<std::size_t>(now_.head));
+        key = keyOf(now_.command);
         now_.threshold = asked_ = lengthOf(key);
         tail_ = 0;
         if (key == "D") now_.transferActive = true;
@@ -299,20 +306,27 @@ void Model::nextLine() {
     const int kind = now_.kind == 0 && transfer_ == "P3" ? firmwareKind_ : now_.kind;
     if (kind != 3) line += "\r\n";
     ++now_.line;
-    // Decided: a line goes in front of what a user queued meanwhile; in a full ring the oldest gives way.
-    const int front = (now_.head - 1) & 0x1FF;
-    if (front == now_.tail) {
-        ring_.at(static_cast<std::size_t>(now_.head)) = line;
-    } else {
-        ring_.at(static_cast<std::size_t>(front)) = line;
-        now_.head = front;
-    }
-    ++now_.queued;
+    push(line);
     inPort_.clear();
     output(line);
     now_.head = (now_.head + 1) & 0x1FF;
     now_.ready = false;
     pace_ = tick_ = 0;
+}
+
+/// Decided: a line goes in front of what a user queued meanwhile; in a full ring the oldest gives way.
+void Model::push(const std::string& command) {
+    const int front = (now_.head - 1) & 0x1FF;
+    if (front != now_.tail) now_.head = front;
+    ring_.at(static_cast<std::size_t>(now_.head)) = command;
+    ++now_.queued;
+}
+
+bool Model::queued(const std::string& command) const {
+    for (int i = now_.head; i != now_.tail; i = (i + 1) & 0x1FF) {
+        if (ring_.at(static_cast<std::size_t>(i)) == command) return true;
+    }
+    return false;
 }
 
 void Model::waiting() {
@@ -341,13 +355,9 @@ void Model::timedOut(const std::string& key) {
 
 void Model::lost(bool always) {
     // Decided: a transfer that still waits in the ring goes with it, but for a firmware, which stays.
-    bool stays = false;
-    if (transfer_ == "P3" && keyOf(now_.command) != "P3") {
-        for (int i = now_.head; i != now_.tail; i = (i + 1) & 0x1FF) {
-            if (ring_.at(static_cast<std::size_t>(i)) == "P3") stays = true;
-        }
-    }
+    const bool stays = transfer_ == "P3" && keyOf(now_.command) != "P3" && queued("P3");
     if (!transfer_.empty() && !stays) end(false);
+    if (queued("K")) log("Kill Engine was not sent: the link is lost.");  // decided: not without a word
     now_.tail = now_.head;
     tick_ = retry_ = 0;
     if ((always || now_.kind != 0) && now_.kind != 0) {
@@ -365,9 +375,18 @@ void Model::lost(bool always) {
     now_.kind = 0;
     now_.found = now_.identified = false;
     now_.queued = 0;
-    if (stays) send("P3");
+    warned_ = {};
+    if (stays) {
+        send("P3");
+        ask_ = now_.command != "E";  // decided: silence to that question is an answer
+    }
     now_.calls.push_back("onfly: off");
-    message("Connecting...", imageWarning);
+    if (now_.open) {
+        message("Connecting...", imageWarning);
+    } else {  // decided: without a port no unit has failed to answer
+        message("No Connection Mode", imageNoConnect);
+        now_.connected = false;
+    }
     now_.sending = now_.received = false;
 }
 
@@ -383,6 +402,7 @@ void Model::drop() {
 void Model::end(bool success) {
     const std::string key = transfer_.empty() ? keyOf(now_.command) : transfer_;
     transfer_.clear();
+    ask_ = false;
     if (success) {
         now_.calls.push_back("add: SUCCESS!");
         if (key == "P1") message("Program ORB Successful", imageConnected);
@@ -391,7 +411,7 @@ void Model::end(bool success) {
         if (key == "P1" || key == "P3" || key == "D") now_.connected = true;
         if (key == "P1" || key == "P3") now_.calls.push_back("message: 1002");
         if (key == "P3") now_.calls.push_back("message: 1008");
-        if (key == "P3" && now_.line > 0) broken_ = false;
+        if (key == "P3" && now_.line > 0) broken_ = linesOut_ = false, silent_ = 0;
         if (key == "D") now_.calls.push_back("message: 1006");
     } else {
         now_.calls.push_back("add: FAIL!");
@@ -410,12 +430,18 @@ int Model::failureCode(const std::string& key) {
     const bool inFlight = keyOf(now_.command) == "P3";
     const bool answered = inFlight && now_.ready;
     const bool refused = answered && now_.rx.size() > 1 && now_.rx[0] == 'A' && now_.rx[1] == 'R';
+    // Decided: 1005 for a start that was refused, 1004 for one that was not answered and for a run that broke
+    // off; 1009 for the third start without an answer behind a run of which lines had gone out.
+    if (answered || now_.line > 0) silent_ = 0;
     if (now_.line > 0 || (answered && !refused)) {
         broken_ = true;
+        if (now_.line > 0) linesOut_ = true;
         return 1004;
     }
-    if (!broken_) return 1005;
-    return inFlight && !answered && now_.open ? 1009 : 1004;
+    if (answered) return 1005;
+    if (!inFlight) return broken_ ? 1004 : 1005;
+    if (linesOut_ && !away_ && ++silent_ >= 3) return 1009;
+    return 1004;
 }
 
 // ---- Status
@@ -567,23 +593,25 @@ void Model::identify() {
         known = false;
     }
     now_.upgradeEnabled = !now_.oldFirmware;
-    if (!known) return;  // decided: noise is no unit, so no "B" follows it
+    if (!known) return unknownAnswer();  // decided: noise is no unit, so no "B" follows it
     {
         const int kind = now_.serial == 0 ? now_.kind : kindOfSerial(now_.serial);
         if (kind == 0 && now_.serial != 0) {
             inPort_.clear();
             now_.serial = 0;
-            return;  // decided: and no "B" follows; the poller asks again
+            return unknownAnswer();  // decided: and no "B" follows; the poller asks again
         }
         // Decided: another kind in the place of an identified one, or a unit with the oldest firmware, ends
         // what was agreed with that one, or changes on the fly would go to a unit of which the warning says
         // that none will.
-        if (now_.identified && (kind != now_.kind || now_.oldFirmware)) {
-            if (now_.transferActive || !transfer_.empty()) end(false);
-            now_.transferActive = false;
-            lost(false);
-        }
+        const bool former = now_.identified && (kind != now_.kind || now_.oldFirmware);
+        if (former || anotherUnit(kind)) newcomer();
         now_.kind = kind;
+    }
+    if (now_.kind == 0) {
+        unknownAnswer();
+    } else {
+        ask_ = false;
     }
     if (now_.kind != 0) ++now_.kindsFound;
     inPort_.clear();
@@ -595,6 +623,30 @@ void Model::identify() {
     } else {
         now_.oldFirmware = true;
     }
+}
+
+/// Decided: what waits for one unit does not go to another.
+bool Model::anotherUnit(int kind) const {
+    if (transfer_.empty() || now_.transferActive) return false;
+    if (meant_ != 0 && meant_ != now_.serial) return true;
+    if (transfer_ != "P3") return false;
+    const auto family = [](int is) { return is == 8 ? 7 : is; };
+    return now_.oldFirmware || (kind != 0 && firmwareKind_ != 0 && family(firmwareKind_) != family(kind));
+}
+
+void Model::unknownAnswer() {
+    if (!ask_ || ++unknown_ < 3) return;
+    log("Who answers does not say what it is.");
+    newcomer();
+}
+
+void Model::newcomer() {
+    if (pending()) {
+        now_.calls.push_back("box: Another Unit");
+        end(false);
+    }
+    now_.transferActive = false;
+    lost(false);
 }
 
 void Model::firmware() {
@@ -613,7 +665,8 @@ void Model::firmware() {
         return n;
     };
     const int build = digits(7, 3), release = digits(5, 2);
-    broken_ = false;
+    broken_ = linesOut_ = false;
+    silent_ = 0;
     if (!told_) before_ = now_.release.at(kind) * 1000 + now_.build.at(kind);
     told_ = true;
     now_.build.at(kind) = build;
@@ -624,7 +677,9 @@ void Model::firmware() {
         now_.calls.push_back("box: Unit Type Mismatch");
     }
     if (known_[0] < isRelease || (known_[0] == isRelease && known_[1] < isBuild)) {
-        now_.calls.push_back("box: ");
+        const std::array<int, 3> unit{now_.serial, isRelease, isBuild};
+        if (warned_ != unit) now_.calls.push_back("box: ");  // decided: once
+        warned_ = unit;
     }
     if (kind == 3) now_.subType = byte(37) + 1;
     log("ORB :: BinFile : " + now_.binName);

@@ -142,7 +142,9 @@ void ReplyStorm::putInFlight(const std::string& command) {
     } else {
         link_.Send_ORB_Command(command);
     }
-    for (int i = 0; i < restTicks && link_.CurrentCommand() != command; ++i) tick(1);
+    // A firmware for nobody waits until nobody has answered.
+    constexpr int identifyTicks = 1010;
+    for (int i = 0; i < restTicks + identifyTicks && link_.CurrentCommand() != command; ++i) tick(1);
     require(link_.CurrentCommand() == command, "the command is in flight");
 }
 

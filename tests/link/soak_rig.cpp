@@ -437,10 +437,8 @@ void Soak::transferEnded(int code) {
     note(transfer.key + " ended " + std::to_string(code));
     if (!endsOf(transfer.key, code))
         return breakWith("message " + std::to_string(code) + " ends " + transfer.key);
-    // A unit that is not in upgrade mode refuses every firmware, with the message of what it has now; one
-    // with an empty log has nothing to give.
-    const int refused = link_.firmwareLost() ? 1004 : 1005;
-    const int good = transfer.key == "P1" ? 1002 : transfer.key == "D" ? 1006 : refused;
+    // A unit that is not in upgrade mode refuses every firmware; one with an empty log has nothing to give.
+    const int good = transfer.key == "P1" ? 1002 : transfer.key == "D" ? 1006 : 1005;
     const bool emptyLog = transfer.key == "D" && transfer.shortLog;
     if (transfer.faultless && code != (emptyLog ? 1007 : good)) {
         breakWith(transfer.key + " fails on a line that nothing disturbs");

@@ -1,0 +1,484 @@
+// The command "Program ORB" while the world behind its boxes goes on, and what other commands do to the link.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <fstream>
+
+#include "app/fake_platform.h"
+#include "app/main_commands.h"
+#include "app/menu.h"
+
+namespace zentaq {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+
+using Bytes = std::vector<std::uint8_t>;
+
+Bytes sealed(Bytes reply, std::size_t length) {
+    reply.resize(length - 1);
+    unsigned sum = 0;
+    for (std::size_t i = 2; i < reply.size(); ++i) sum += reply[i];
+    reply.push_back(static_cast<std::uint8_t>(sum));
+    return reply;
+}
+
+Bytes identifyReply(std::uint32_t serial) {
+    const auto byte = [&](int shift) { return static_cast<std::uint8_t>(serial >> shift); };
+    return sealed({0xFA, 0xA5, 0x55, byte(24), byte(16), byte(8), byte(0)}, 8);
+}
+
+Bytes firmwareReply(std::string_view firmware, std::size_t length) {
+    Bytes reply{0xFA, 0xA5, 0x55};
+    reply.resize(27, ' ');
+    reply.insert(reply.end(), firmware.begin(), firmware.end());
+    return sealed(std::move(reply), length);
+}
+
+constexpr std::uint32_t orbA = 200001;
+constexpr std::uint32_t otherOrbA = 200002;
+constexpr std::uint32_t orbL = 300001;
+
+class ProgramOrb : public testing::Test {
+ protected:
+    ProgramOrb() {
+        session.makeUnits();
+        for (int slot : {3, 4}) {
+            session.FW_ReleaseTable.at(static_cast<std::size_t>(slot)) = 5;
+            session.FW_BuildTable.at(static_cast<std::size_t>(slot)) = 99;
+        }
+        session.link.load();
+    }
+
+    void openCalibration() {
+        std::vector<float> floats{3, 9.44f, 5099};
+        floats.resize(3 + 2828, 2.0f);
+        const std::string path = fake.folder.path("tune.ZQ4OA");
+        std::ofstream file(path, std::ios::binary);
+        for (const float value : floats) {
+            const auto word = std::bit_cast<std::uint32_t>(value);
+            file.write(reinterpret_cast<const char*>(&word), sizeof word);
+        }
+        file.close();
+        fake.dialogs.files = {path};
+        commands.open();
+        ASSERT_EQ(session.currentUnit(), 3);
+        fake.dialogs.boxes.clear();
+        fake.windows.calls.clear();
+    }
+    void ticks(int count) {
+        for (int i = 0; i < count; ++i) session.link.tick();
+    }
+    void answer(const Bytes& reply) {
+        fake.port.deliver(reply);
+        ticks(2);  // handled, and the next command goes out
+    }
+    void identify(std::uint32_t serial) {
+        session.link.Send_ORB_Command("E");
+        ticks(1);
+        answer(identifyReply(serial));
+    }
+    /// The unit tells a firmware of release 4, so that its configuration is not asked for.
+    void link(std::uint32_t serial) {
+        identify(serial);
+        answer(firmwareReply(serial < 300000 ? "ZQA-504099" : "ZQL-504099", serial < 300000 ? 39 : 38));
+        ASSERT_TRUE(session.link.linked().UnitIdentified);
+    }
+    void loseUnit() {
+        session.link.Send_ORB_Command("F");
+        ticks(90);
+        ASSERT_EQ(session.link.linked().LinkedUnitKind, 0);
+    }
+    /// Happens while the first box of this title stands.
+    void during(const std::string& title, std::function<void()> happens) {
+        fake.dialogs.meanwhile = [this, title, happens](const std::string& shown) {
+            if (shown != title) return;
+            fake.dialogs.meanwhile = {};
+            happens();
+        };
+    }
+    std::vector<std::string> titles() const {
+        std::vector<std::string> all;
+        for (const Box& box : fake.dialogs.boxes) all.push_back(box.title);
+        return all;
+    }
+    bool logged(const std::string& text) const {
+        return std::ranges::any_of(session.console.lines(), [&](const std::string& line) {
+            return line.find(text) != std::string::npos;
+        });
+    }
+    bool sent(const std::string& command) const {
+        return std::ranges::count(fake.port.written, command) != 0;
+    }
+    void expectNothingSent() {
+        EXPECT_FALSE(session.link.transferPending());
+        EXPECT_FALSE(session.link.AutoPollSuspended());
+        EXPECT_THAT(fake.windows.calls, Not(Contains("removeForms")));
+        ticks(5);
+        EXPECT_FALSE(sent("P1"));
+    }
+
+    FakeSession fake;
+    Session& session = fake.session;
+    MainCommands commands{session};
+};
+
+TEST_F(ProgramOrb, GoesOutWhereNothingHappensMeanwhile) {
+    openCalibration();
+    link(orbA);
+    session.DataModified = true;
+    commands.programOrb();
+    EXPECT_THAT(titles(), ElementsAre("Warning 1007", "SAVE", "Data Saved.")) << fake.dialogs.boxes.back().text;
+    EXPECT_TRUE(session.link.transferPending());
+    ticks(3);
+    EXPECT_TRUE(sent("P1"));
+}
+
+TEST_F(ProgramOrb, ALinkThatIsLostWhileABoxStandsIsError1005) {
+    openCalibration();
+    for (const std::string title : {"Warning 1007", "SAVE", "Data Saved."}) {
+        link(orbA);
+        session.DataModified = true;
+        fake.dialogs.boxes.clear();
+        during(title, [&] { loseUnit(); });
+        commands.programOrb();
+        EXPECT_EQ(titles().back(), "Error 1005") << title;
+        expectNothingSent();
+    }
+}
+
+TEST_F(ProgramOrb, AUnitOfAnotherKindThatComesWhileABoxStandsIsError1006) {
+    openCalibration();
+    link(orbA);
+    during("Warning 1007", [&] {
+        loseUnit();
+        link(orbL);
+    });
+    commands.programOrb();
+    EXPECT_EQ(titles().back(), "Error 1006");
+    expectNothingSent();
+}
+
+TEST_F(ProgramOrb, AnotherUnitOfTheKindThatComesWhileABoxStandsIsToldByItsNumber) {
+    openCalibration();
+    link(orbA);
+    during("Warning 1007", [&] {
+        loseUnit();
+        link(otherOrbA);
+    });
+    commands.programOrb();
+    EXPECT_EQ(titles().back(), "Program ORB");
+    EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("200002 in the place of 200001"));
+    expectNothingSent();
+    commands.programOrb();
+    EXPECT_TRUE(session.link.transferPending()) << "the user means this one";
+}
+
+TEST_F(ProgramOrb, ACalibrationThatIsClosedWhileABoxStandsIsError1003) {
+    openCalibration();
+    link(orbA);
+    during("Warning 1007", [&] { session.CurrentFile.clear(); });
+    commands.programOrb();
+    EXPECT_EQ(titles().back(), "Error 1003");
+    expectNothingSent();
+}
+
+TEST_F(ProgramOrb, AUnitThatHasNotToldItsFirmwareGetsNoImageMadeForThatOfTheFile) {
+    openCalibration();
+    identify(orbA);
+    commands.programOrb();
+    EXPECT_THAT(titles(), ElementsAre("Error 1005"));
+    expectNothingSent();
+}
+
+TEST_F(ProgramOrb, AUnitThatIsSwitchedOffAndOnWhileABoxStandsHasToTellItsFirmwareFirst) {
+    openCalibration();
+    link(orbA);
+    during("Warning 1007", [&] {
+        loseUnit();
+        identify(orbA);
+    });
+    commands.programOrb();
+    EXPECT_EQ(titles().back(), "Error 1005");
+    expectNothingSent();
+}
+
+// ---- Behind what was typed before
+
+/// Windows in which an entry still waits for the unit: commands wait behind it.
+class TypingWindows : public RecordingWindows {
+ public:
+    void afterEdits(const std::string& caption, const std::function<void()>& command) override {
+        note("after " + caption);
+        waiting.push_back(command);
+    }
+    void unitAnswers() {
+        for (const auto& command : std::exchange(waiting, {})) command();
+    }
+    std::vector<std::function<void()>> waiting;
+};
+
+TEST_F(ProgramOrb, CommandsThatStoreProgramSaveOrCloseComeBehindTheEditsTypedBeforeThem) {
+    openCalibration();
+    link(orbA);
+    TypingWindows typing;
+    session.attach(typing);
+    const std::vector<std::function<void()>> all = {
+        [&] { commands.storeOnFly(); }, [&] { commands.programOrb(); },    [&] { commands.save(); },
+        [&] { commands.saveAs(); },     [&] { commands.close(); },         [&] { commands.newCalibration(); },
+        [&] { commands.open(); },       [&] { commands.firmwareUpgrade(); }};
+    for (const auto& command : all) command();
+    EXPECT_THAT(typing.calls,
+                ElementsAre("after Store Changes in ORB", "after Program ORB", "after Save", "after Save As",
+                            "after Close", "after Create a New Calibration File",
+                            "after Open an Existing Calibration File", "after Firmware Upgrade"));
+    ticks(5);
+    EXPECT_FALSE(sent("S"));
+    EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
+    EXPECT_THAT(fake.dialogs.requests, ElementsAre(testing::_)) << "of the opening at the start";
+    session.attach(fake.windows);
+}
+
+TEST_F(ProgramOrb, StoringGoesOutBehindTheRecordOfAnEditThatWaited) {
+    openCalibration();
+    link(orbA);
+    TypingWindows typing;
+    session.attach(typing);
+    commands.storeOnFly();
+    session.sendOnFly("S10411228048");
+    typing.unitAnswers();
+    fake.port.written.clear();
+    ticks(1);
+    answer({'A', 'X'});
+    EXPECT_THAT(fake.port.written, ElementsAre("P2S10411228048", "S"));
+    session.attach(fake.windows);
+}
+
+// ---- Kill Engine
+
+TEST_F(ProgramOrb, KillEnginePassesEveryCommandThatWaitsAndLeavesALine) {
+    link(orbA);
+    session.link.Send_ORB_Command("W");
+    ticks(1);
+    fake.port.written.clear();
+    session.sendOnFly("S10411228048");
+    commands.storeOnFly();
+    session.link.Send_ORB_Command("T");
+    commands.killEngine();
+    EXPECT_TRUE(logged("USER: Kill Engine Requested."));
+    answer(Bytes(65, 0));
+    EXPECT_THAT(fake.port.written, ElementsAre("K"));
+    answer({'A', 'X'});
+    EXPECT_THAT(fake.port.written, ElementsAre("K", "P2S10411228048"));
+}
+
+TEST_F(ProgramOrb, KillEngineGoesOutInADownloadWhichGoesOnBehindIt) {
+    link(orbA);
+    session.link.Program_Unit(TransferMode::Datalog, fake.folder.path("log.dat"));
+    ticks(1);
+    ASSERT_TRUE(session.link.TransferActive());
+    commands.killEngine();
+    EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
+    fake.port.written.clear();
+    answer(sealed({0xFA, 0xA5, 0x55, 10}, 33));
+    EXPECT_THAT(fake.port.written, ElementsAre("K"));
+    answer({'A', 'X'});
+    EXPECT_THAT(fake.port.written, ElementsAre("K", "D"));
+    EXPECT_TRUE(session.link.transferPending());
+}
+
+TEST_F(ProgramOrb, KillEngineIsRefusedOnlyWhereTheWireIsReallyTaken) {
+    const auto enabled = [&] {
+        for (const MenuEntry& entry : menuTree()) {
+            if (entry.name == "mnuMonitor_KillEngine") return entry.enabled(session);
+        }
+        return false;
+    };
+    openCalibration();
+    link(orbA);
+    commands.programOrb();
+    fake.dialogs.boxes.clear();
+    ASSERT_TRUE(session.link.transferPending());
+    EXPECT_TRUE(enabled()) << "the run still waits";
+    commands.killEngine();
+    EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
+    fake.port.written.clear();
+    ticks(1);
+    EXPECT_THAT(fake.port.written, ElementsAre("K"));
+    answer({'A', 'X'});
+    ASSERT_THAT(fake.port.written, ElementsAre("K", "P1"));
+    EXPECT_FALSE(enabled());
+    commands.killEngine();
+    EXPECT_THAT(titles(), ElementsAre("Zentaq4"));
+    ticks(20);
+    EXPECT_THAT(fake.port.written, ElementsAre("K", "P1"));
+}
+
+TEST_F(ProgramOrb, AKillThatIsLostWithTheLinkIsTold) {
+    link(orbA);
+    session.link.Send_ORB_Command("F");
+    ticks(1);
+    commands.killEngine();
+    ticks(90);
+    EXPECT_TRUE(logged("Kill Engine was not sent: the link is lost."));
+    EXPECT_FALSE(sent("K"));
+}
+
+// ---- Ports
+
+/// While a search yields, the user asks for more.
+class AskingYield : public Yield {
+ public:
+    AskingYield(FakeClock& clock) : clock_(clock) {}
+    void yield() override {
+        clock_.nowUs += 20'000;
+        if (once) std::exchange(once, {})();
+    }
+    std::function<void()> once;
+
+ private:
+    FakeClock& clock_;
+};
+
+class PortSearch : public testing::Test {
+ protected:
+    FakeSession fake;
+    AskingYield yield{fake.clock};
+    Session session{Platform{fake.port, fake.ticker, fake.clock, fake.settings, fake.dialogs, yield,
+                             fake.folder.path(), fake.folder.path()}};
+    MainCommands commands{session};
+};
+
+TEST_F(PortSearch, ASecondOneIsRefusedWhileOneRunsAndTheFirstGoesOn) {
+    fake.port.presentNumber = 0;
+    int second = -1;
+    int opensThen = 0;
+    yield.once = [] {};
+    session.link.commPort(1);
+    fake.port.presentNumber = 12;
+    yield.once = [&] {
+        const int before = fake.port.opens;
+        second = commands.autodetectPort();
+        opensThen = fake.port.opens - before;
+    };
+    EXPECT_EQ(commands.autodetectPort(), 0);
+    EXPECT_EQ(second, 0);
+    EXPECT_EQ(opensThen, 0) << "the port of the first search stays as it is";
+    ASSERT_FALSE(fake.dialogs.boxes.empty());
+    EXPECT_EQ(fake.dialogs.boxes.front().text,
+              "A unit is being searched on the ports.  Please wait until that has ended.");
+}
+
+TEST_F(PortSearch, NoOtherPortIsChosenUnderIt) {
+    fake.port.presentNumber = 5;
+    yield.once = [&] { commands.choosePort(3); };
+    commands.autodetectPort();
+    EXPECT_EQ(fake.settings.get("System", "CommPort"), "");
+    EXPECT_THAT(fake.dialogs.boxes.front().text, HasSubstr("is being searched"));
+}
+
+TEST_F(ProgramOrb, AMonitorSessionLeavesAPortThatIsAnsweringOpen) {
+    fake.settings.set("System", "AutoMonitor", "1");
+    identify(orbA);
+    ASSERT_EQ(session.link.CurrentCommand(), "B");
+    const int opens = fake.port.opens;
+    commands.loadCommand(2);
+    EXPECT_TRUE(session.Monitoring);
+    EXPECT_EQ(fake.port.opens, opens);
+    answer(firmwareReply("ZQA-504099", 39));
+    EXPECT_TRUE(session.link.linked().UnitIdentified);
+}
+
+// ---- Boxes of the link
+
+TEST_F(ProgramOrb, ALostAnswerIsFollowedByTheBoxesOfOneUnitOnce) {
+    session.FW_ReleaseTable.at(3) = 4;
+    session.FW_BuildTable.at(3) = 1;
+    openCalibration();
+    session.CurrentUnit(4);
+    const PollerView view;
+    session.link.Send_ORB_Command("E");
+    int lost = 1;
+    for (int i = 0; i < 4000; ++i) {
+        session.link.tick();
+        if (i % 8 == 0) session.poller.fire(view);
+        const std::string command = session.link.CurrentCommand();
+        if (session.link.ResponseReady() || command.empty()) continue;
+        if (command == "E") fake.port.deliver(identifyReply(orbA));
+        if (command == "B" && --lost < 0) fake.port.deliver(firmwareReply("ZQA-504099", 39));
+        if (command == "B" && lost == 0) lost = -1000;  // this one answer is lost
+        if (lost == -1000 && command == "B") {
+            for (int wait = 0; wait < 1001; ++wait) {
+                session.link.tick();
+                if (wait % 8 == 0) session.poller.fire(view);
+            }
+        }
+        if (command == "F") fake.port.deliver(Bytes(35, 0));
+        if (command == "T") fake.port.deliver(sealed({0xFA, 0xA5, 0x55}, 16));
+    }
+    EXPECT_TRUE(session.link.linked().UnitIdentified);
+    EXPECT_THAT(titles(), ElementsAre("Unit Type Mismatch", ""));
+}
+
+TEST_F(ProgramOrb, ABoxThatHasNotBeenReadStandsForAllThatSayTheSame) {
+    std::vector<std::function<void()>> later;
+    class LateWindows : public RecordingWindows {
+     public:
+        explicit LateWindows(std::vector<std::function<void()>>& all) : all_(all) {}
+        void later(const std::function<void()>& something) override { all_.push_back(something); }
+
+     private:
+        std::vector<std::function<void()>>& all_;
+    } windows(later);
+    session.attach(windows);
+    openCalibration();
+    session.CurrentUnit(4);
+    for (int round = 0; round < 5; ++round) {
+        link(orbA);
+        loseUnit();
+    }
+    for (const auto& show : std::exchange(later, {})) show();
+    EXPECT_THAT(titles(), ElementsAre("Unit Type Mismatch"));
+    link(orbA);
+    for (const auto& show : later) show();
+    EXPECT_THAT(titles(), ElementsAre("Unit Type Mismatch", "Unit Type Mismatch")) << "that was read";
+    session.attach(fake.windows);
+}
+
+TEST_F(ProgramOrb, ARefusalInsideATickIsToldFromTheEventLoopAndAQuestionIsDeclined) {
+    std::vector<std::function<void()>> later;
+    class LateWindows : public RecordingWindows {
+     public:
+        explicit LateWindows(Session& session, std::vector<std::function<void()>>& all)
+            : session_(session), all_(all) {}
+        void later(const std::function<void()>& something) override { all_.push_back(something); }
+        void onFlyLock(bool) override {
+            if (std::exchange(done_, true)) return;
+            EXPECT_TRUE(session_.link.handling());
+            EXPECT_TRUE(session_.checkRange(500, 0, 100, "(0 to 100)"));
+            EXPECT_EQ(session_.dialogs().show({"?", "?", Icon::Question, Buttons::YesNo}), Answer::No);
+            EXPECT_EQ(session_.dialogs().show({"?", "?", Icon::Question, Buttons::OkCancel}), Answer::Cancel);
+            EXPECT_EQ(session_.dialogs().openFile({}), "");
+        }
+
+     private:
+        Session& session_;
+        std::vector<std::function<void()>>& all_;
+        bool done_ = false;
+    } windows(session, later);
+    session.attach(windows);
+    ticks(1);
+    EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
+    ASSERT_EQ(later.size(), 1u);
+    later.front()();
+    EXPECT_THAT(titles(), ElementsAre("Data Input Error"));
+    session.attach(fake.windows);
+}
+
+}  // namespace
+}  // namespace zentaq
