@@ -128,6 +128,7 @@ void firmware(const Context& context, const std::string& port, const FirmwareWis
     QuietHost host(context.database);
     LinkDesk desk(context, port, host);
     const Target unit = unitForFirmware(desk, wish);
+    if (desk.link().linked().LinkedUnitKind != 0) desk.requireSameUnit();
     desk.stopOnSecondSignal(breakOffWarning);
     const TransferEnd end = upgrade(desk, wish.file, text, unit.slot);
     if (end.ending == Ending::Stopped) throw Interrupted(whatABreakLeaves(end), desk.signal());

@@ -154,6 +154,8 @@ void program(const Context& context, const std::string& port, const std::string&
                      throw Failure(file + " makes no image: " + why + ". Nothing was sent to the unit.");
                  });
     warnOlderFirmware(context, desk);
+    // A warning may stand on a terminal that is stopped, and this for as long as its user likes.
+    desk.requireSameUnit();
     programUnit(desk, file);
     tell(context, calibration.host);
     context.out << desk.unitName() << ": " << programmed << '\n';

@@ -150,6 +150,17 @@ void LinkDesk::findUnit() {
     }
 }
 
+void LinkDesk::requireSameUnit() {
+    const LinkedUnit before = link().linked();
+    const std::string name = unitName();
+    const Found found = session_.findAgain();
+    if (found == Found::Stopped) throw Interrupted("Interrupted. Nothing was changed in the unit.", signal());
+    if (found == Found::Nobody) throw NoUnit(name + " does not answer any more. Nothing was sent to it.");
+    const LinkedUnit& now = link().linked();
+    if (now.SerialNumber == before.SerialNumber && now.LinkedUnitKind == before.LinkedUnitKind) return;
+    throw Failure(unitName() + " answers now in the place of " + name + ". Nothing was sent to it.");
+}
+
 std::string LinkDesk::unitName() {
     return modelOf(session_.linkedUnit().kind()) + " " + link().status().serialNumber;
 }

@@ -81,6 +81,10 @@ class LinkDesk {
     /// The same, but whoever is there, or nobody, is an answer. Throws Interrupted only.
     Found search();
 
+    /// Right before what only the unit that was found may get goes out: throws where it does not answer any
+    /// more, or another one does.
+    void requireSameUnit();
+
     /// From now on a signal is answered by a warning, and only a second one within three seconds ends.
     /// A terminal that is closed ends nothing.
     void stopOnSecondSignal(std::string warning) { stopWarning_ = std::move(warning); }

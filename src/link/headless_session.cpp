@@ -78,6 +78,11 @@ Found HeadlessSession::findUnit(std::int64_t patienceUs) {
     return linked.UnitFound ? Found::Untold : Found::Nobody;
 }
 
+Found HeadlessSession::findAgain() {
+    link_.Send_ORB_Command("E");
+    return findUnit();
+}
+
 /// One step; false when it handled a reply to E or B whose checksum is wrong.
 bool HeadlessSession::passAndCheckIdentity() {
     const std::string before = link_.CurrentCommand();

@@ -79,6 +79,9 @@ class HeadlessSession : public LinkHost {
     /// Asks who is on the port until somebody has told all, or nobody has in `patienceUs`. The link trusts
     /// such replies as they come; here one with a wrong checksum is asked for again.
     Found findUnit(std::int64_t patienceUs = searchUs);
+    /// Asks anew, for a caller that is about to send what only the unit that was found may get. Tells who is
+    /// there now, which may be another one.
+    Found findAgain();
     /// Sends one command that is answered by "AX" or "AR", and waits for the answer.
     Ending command(std::string_view text);
     /// Asks for the check-engine words and stores them in the linked unit. Unclear: the answer was damaged.

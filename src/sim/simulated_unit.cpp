@@ -67,6 +67,9 @@ Bytes SimulatedUnit::feed(std::span<const std::uint8_t> burst) {
         if (dropRestOfBurst_) break;
         append(replies, consume(byte));
     }
+    // Without a line end a line is over when nothing follows it.
+    if (!profile_.linesEndInLineFeed && isProgramming() && record_.state() == SRecordCollector::State::Complete)
+        append(replies, programmingRecord());
     if (!burst.empty()) quietSeconds_ = 0;
     return replies;
 }
@@ -154,7 +157,7 @@ Bytes SimulatedUnit::consume(std::uint8_t byte) {
 }
 
 Bytes SimulatedUnit::idleByte(std::uint8_t byte) {
-    if (memory_.programming() || firmware_.programming()) return programmingByte(byte);
+    if (isProgramming()) return programmingByte(byte);
     switch (firmware_.installed().state) {
         case FirmwareState::Programmed:
             return {};  // it waits for its power to be cycled
@@ -232,6 +235,10 @@ Bytes SimulatedUnit::startFirmware() {
     return accepted;
 }
 
+bool SimulatedUnit::isProgramming() const {
+    return memory_.programming() || firmware_.programming();
+}
+
 void SimulatedUnit::expectRecords(std::string_view types) {
     record_ = SRecordCollector(types);
 }
@@ -239,15 +246,13 @@ void SimulatedUnit::expectRecords(std::string_view types) {
 Bytes SimulatedUnit::programmingByte(std::uint8_t byte) {
     using State = SRecordCollector::State;
     if (byte == carriageReturn || byte == lineFeed) return programmingLineEnd(byte);
-    // Only a unit that waits for the line's end can find something behind a whole record.
     if (record_.state() == State::Complete) return refuse();
-    const State state = record_.push(byte);
-    if (state == State::Broken) return refuse();
-    if (state != State::Complete || profile_.linesEndInLineFeed) return {};
-    return programmingRecord();
+    return record_.push(byte) == State::Broken ? refuse() : Bytes{};
 }
 
 Bytes SimulatedUnit::programmingLineEnd(std::uint8_t byte) {
+    // This kind takes its lines without an end, and one that has an end is meant for another kind.
+    if (!profile_.linesEndInLineFeed) return refuse();
     const bool endsRecord = byte == lineFeed && record_.state() == SRecordCollector::State::Complete;
     return endsRecord ? programmingRecord() : Bytes{};
 }

@@ -106,6 +106,7 @@ class SimulatedUnit {
     Bytes programmingByte(std::uint8_t byte);
     Bytes programmingLineEnd(std::uint8_t byte);
     Bytes programmingRecord();
+    bool isProgramming() const;
     Bytes endOfProgramming();
     Bytes refuse();
 

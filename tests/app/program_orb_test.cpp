@@ -40,9 +40,9 @@ Bytes firmwareReply(std::string_view firmware, std::size_t length) {
     return sealed(std::move(reply), length);
 }
 
-constexpr std::uint32_t orbA = 200001;
-constexpr std::uint32_t otherOrbA = 200002;
-constexpr std::uint32_t orbL = 300001;
+constexpr std::uint32_t firstOrbA = 200001;
+constexpr std::uint32_t secondOrbA = 200002;
+constexpr std::uint32_t someOrbL = 300001;
 
 class ProgramOrb : public testing::Test {
  protected:
@@ -130,7 +130,7 @@ class ProgramOrb : public testing::Test {
 
 TEST_F(ProgramOrb, GoesOutWhereNothingHappensMeanwhile) {
     openCalibration();
-    link(orbA);
+    link(firstOrbA);
     session.DataModified = true;
     commands.programOrb();
     EXPECT_THAT(titles(), ElementsAre("Warning 1007", "SAVE", "Data Saved.")) << fake.dialogs.boxes.back().text;
@@ -142,7 +142,7 @@ TEST_F(ProgramOrb, GoesOutWhereNothingHappensMeanwhile) {
 TEST_F(ProgramOrb, ALinkThatIsLostWhileABoxStandsIsError1005) {
     openCalibration();
     for (const std::string title : {"Warning 1007", "SAVE", "Data Saved."}) {
-        link(orbA);
+        link(firstOrbA);
         session.DataModified = true;
         fake.dialogs.boxes.clear();
         during(title, [&] { loseUnit(); });
@@ -154,10 +154,10 @@ TEST_F(ProgramOrb, ALinkThatIsLostWhileABoxStandsIsError1005) {
 
 TEST_F(ProgramOrb, AUnitOfAnotherKindThatComesWhileABoxStandsIsError1006) {
     openCalibration();
-    link(orbA);
+    link(firstOrbA);
     during("Warning 1007", [&] {
         loseUnit();
-        link(orbL);
+        link(someOrbL);
     });
     commands.programOrb();
     EXPECT_EQ(titles().back(), "Error 1006");
@@ -166,10 +166,10 @@ TEST_F(ProgramOrb, AUnitOfAnotherKindThatComesWhileABoxStandsIsError1006) {
 
 TEST_F(ProgramOrb, AnotherUnitOfTheKindThatComesWhileABoxStandsIsToldByItsNumber) {
     openCalibration();
-    link(orbA);
+    link(firstOrbA);
     during("Warning 1007", [&] {
         loseUnit();
-        link(otherOrbA);
+        link(secondOrbA);
     });
     commands.programOrb();
     EXPECT_EQ(titles().back(), "Program ORB");
@@ -181,7 +181,7 @@ TEST_F(ProgramOrb, AnotherUnitOfTheKindThatComesWhileABoxStandsIsToldByItsNumber
 
 TEST_F(ProgramOrb, ACalibrationThatIsClosedWhileABoxStandsIsError1003) {
     openCalibration();
-    link(orbA);
+    link(firstOrbA);
     during("Warning 1007", [&] { session.CurrentFile.clear(); });
     commands.programOrb();
     EXPECT_EQ(titles().back(), "Error 1003");
@@ -190,7 +190,7 @@ TEST_F(ProgramOrb, ACalibrationThatIsClosedWhileABoxStandsIsError1003) {
 
 TEST_F(ProgramOrb, AUnitThatHasNotToldItsFirmwareGetsNoImageMadeForThatOfTheFile) {
     openCalibration();
-    identify(orbA);
+    identify(firstOrbA);
     commands.programOrb();
     EXPECT_THAT(titles(), ElementsAre("Error 1005"));
     expectNothingSent();
@@ -198,10 +198,10 @@ TEST_F(ProgramOrb, AUnitThatHasNotToldItsFirmwareGetsNoImageMadeForThatOfTheFile
 
 TEST_F(ProgramOrb, AUnitThatIsSwitchedOffAndOnWhileABoxStandsHasToTellItsFirmwareFirst) {
     openCalibration();
-    link(orbA);
+    link(firstOrbA);
     during("Warning 1007", [&] {
         loseUnit();
-        identify(orbA);
+        identify(firstOrbA);
     });
     commands.programOrb();
     EXPECT_EQ(titles().back(), "Error 1005");
@@ -225,7 +225,7 @@ class TypingWindows : public RecordingWindows {
 
 TEST_F(ProgramOrb, CommandsThatStoreProgramSaveOrCloseComeBehindTheEditsTypedBeforeThem) {
     openCalibration();
-    link(orbA);
+    link(firstOrbA);
     TypingWindows typing;
     session.attach(typing);
     const std::vector<std::function<void()>> all = {
@@ -246,7 +246,7 @@ TEST_F(ProgramOrb, CommandsThatStoreProgramSaveOrCloseComeBehindTheEditsTypedBef
 
 TEST_F(ProgramOrb, StoringGoesOutBehindTheRecordOfAnEditThatWaited) {
     openCalibration();
-    link(orbA);
+    link(firstOrbA);
     TypingWindows typing;
     session.attach(typing);
     commands.storeOnFly();
@@ -262,7 +262,7 @@ TEST_F(ProgramOrb, StoringGoesOutBehindTheRecordOfAnEditThatWaited) {
 // ---- Kill Engine
 
 TEST_F(ProgramOrb, KillEnginePassesEveryCommandThatWaitsAndLeavesALine) {
-    link(orbA);
+    link(firstOrbA);
     session.link.Send_ORB_Command("W");
     ticks(1);
     fake.port.written.clear();
@@ -278,7 +278,7 @@ TEST_F(ProgramOrb, KillEnginePassesEveryCommandThatWaitsAndLeavesALine) {
 }
 
 TEST_F(ProgramOrb, KillEngineGoesOutInADownloadWhichGoesOnBehindIt) {
-    link(orbA);
+    link(firstOrbA);
     session.link.Program_Unit(TransferMode::Datalog, fake.folder.path("log.dat"));
     ticks(1);
     ASSERT_TRUE(session.link.TransferActive());
@@ -300,7 +300,7 @@ TEST_F(ProgramOrb, KillEngineIsRefusedOnlyWhereTheWireIsReallyTaken) {
         return false;
     };
     openCalibration();
-    link(orbA);
+    link(firstOrbA);
     commands.programOrb();
     fake.dialogs.boxes.clear();
     ASSERT_TRUE(session.link.transferPending());
@@ -320,7 +320,7 @@ TEST_F(ProgramOrb, KillEngineIsRefusedOnlyWhereTheWireIsReallyTaken) {
 }
 
 TEST_F(ProgramOrb, AKillThatIsLostWithTheLinkIsTold) {
-    link(orbA);
+    link(firstOrbA);
     session.link.Send_ORB_Command("F");
     ticks(1);
     commands.killEngine();
@@ -384,7 +384,7 @@ TEST_F(PortSearch, NoOtherPortIsChosenUnderIt) {
 
 TEST_F(ProgramOrb, AMonitorSessionLeavesAPortThatIsAnsweringOpen) {
     fake.settings.set("System", "AutoMonitor", "1");
-    identify(orbA);
+    identify(firstOrbA);
     ASSERT_EQ(session.link.CurrentCommand(), "B");
     const int opens = fake.port.opens;
     commands.loadCommand(2);
@@ -409,7 +409,7 @@ TEST_F(ProgramOrb, ALostAnswerIsFollowedByTheBoxesOfOneUnitOnce) {
         if (i % 8 == 0) session.poller.fire(view);
         const std::string command = session.link.CurrentCommand();
         if (session.link.ResponseReady() || command.empty()) continue;
-        if (command == "E") fake.port.deliver(identifyReply(orbA));
+        if (command == "E") fake.port.deliver(identifyReply(firstOrbA));
         if (command == "B" && --lost < 0) fake.port.deliver(firmwareReply("ZQA-504099", 39));
         if (command == "B" && lost == 0) lost = -1000;  // this one answer is lost
         if (lost == -1000 && command == "B") {
@@ -439,12 +439,12 @@ TEST_F(ProgramOrb, ABoxThatHasNotBeenReadStandsForAllThatSayTheSame) {
     openCalibration();
     session.CurrentUnit(4);
     for (int round = 0; round < 5; ++round) {
-        link(orbA);
+        link(firstOrbA);
         loseUnit();
     }
     for (const auto& show : std::exchange(later, {})) show();
     EXPECT_THAT(titles(), ElementsAre("Unit Type Mismatch"));
-    link(orbA);
+    link(firstOrbA);
     for (const auto& show : later) show();
     EXPECT_THAT(titles(), ElementsAre("Unit Type Mismatch", "Unit Type Mismatch")) << "that was read";
     session.attach(fake.windows);

@@ -298,6 +298,19 @@ TEST_F(HeadlessFirmware, AFirmwareThatTheUnitVerifiesIsDone) {
     EXPECT_THAT(port.written(), ElementsAre("P3", "S0a", "S1b", "S9c"));
 }
 
+TEST_F(HeadlessFirmware, AskedAnewItTellsWhoIsThereNow) {
+    identify();
+    const std::int32_t first = session.link().linked().SerialNumber;
+    EXPECT_EQ(session.findAgain(), Found::Identified);
+    EXPECT_EQ(session.link().linked().SerialNumber, first);
+    EXPECT_THAT(port.written(), testing::Contains("E")) << "not from memory";
+    port.always("E", atOnce(identifyReply(static_cast<std::uint32_t>(first) + 1)));
+    EXPECT_EQ(session.findAgain(), Found::Identified);
+    EXPECT_EQ(session.link().linked().SerialNumber, first + 1);
+    port.always("E", atOnce(""));
+    EXPECT_EQ(session.findAgain(), Found::Nobody);
+}
+
 TEST_F(HeadlessFirmware, AUnitThatIsNotInUpgradeModeRefusesTheStart) {
     identify();
     port.always("P3", atOnce("AR"));

@@ -19,5 +19,28 @@ TEST_F(LinkLossStatus, ALostLinkNoLongerSaysWhatItsLastReplyWas) {
     EXPECT_EQ(link.status().receive, Lamp::Rest);
 }
 
+TEST_F(LinkLossStatus, APortThatCannotBeOpenedIsNotTakenForAUnitThatDoesNotAnswer) {
+    port.refuseAll();
+    ASSERT_FALSE(link.RS232_Initialize(3));
+    ASSERT_FALSE(link.status().trouble.empty());
+    const std::string trouble = link.status().trouble;
+    link.Send_ORB_Command("E");  // as the poller does, into the void
+    ticks(1100);
+    ASSERT_TRUE(link.CurrentCommand().empty());
+    EXPECT_EQ(statusTexts(), (Texts{"No Connection Mode", "Port is Currently Not Available.",
+                                    "Please Check your Serial Connection and try again"}));
+    EXPECT_EQ(link.status().trouble, trouble) << "the system's reason";
+    EXPECT_EQ(link.status().image, LinkImage::NoConnect);
+    EXPECT_FALSE(link.status().connected);
+}
+
+TEST_F(LinkLossStatus, TheReasonGoesWithTheTrouble) {
+    port.refuse(3);
+    link.RS232_Initialize(3);
+    ASSERT_FALSE(link.status().trouble.empty());
+    link.RS232_Initialize(1);
+    EXPECT_EQ(link.status().trouble, "");
+}
+
 }  // namespace
 }  // namespace zentaq

@@ -111,5 +111,26 @@ TEST(CheckEngineDisplay, ClearingEmptiesIt) {
     EXPECT_EQ(display.step(), std::nullopt);
 }
 
+TEST(CheckEngineDisplay, ThatTheCodesWereClearedIsToldForThreeSteps) {
+    CheckEngineDisplay display;
+    display.tellCleared();
+    EXPECT_TRUE(display.empty());
+    for (int step = 0; step < 3; ++step) {
+        EXPECT_FALSE(display.silent());
+        EXPECT_EQ(display.step(), (ShortCode{"CODES  ", "CLEARED"}));
+        display.Clear_CHKE();  // the codes are asked for again all the time
+    }
+    EXPECT_TRUE(display.silent());
+    EXPECT_EQ(display.step(), std::nullopt);
+}
+
+TEST(CheckEngineDisplay, ACodeThatComesEndsWhatWasToldOfClearedOnes) {
+    CheckEngineDisplay display;
+    display.tellCleared();
+    display.Update_CHKE("58 - TACH Failed");
+    display.Clear_CHKE();
+    EXPECT_TRUE(display.silent());
+}
+
 }  // namespace
 }  // namespace zentaq

@@ -117,6 +117,7 @@ TEST(Firmware, LinesOfAllKindsButTheOrbACountWithTheirEnd) {
     SimulatedUnit orb = inUpgradeMode("A");
     ASSERT_EQ(askText(orb, "P3"), "AX");
     EXPECT_EQ(askText(orb, firmwareLines("ZQA-505100")[0]), "AX");
+    EXPECT_EQ(askText(orb, firmwareLines("ZQA-505100")[1] + "\r\n"), "AR");
 }
 
 TEST(Firmware, OfAnotherKindIsRefusedAndTheOldOneStays) {

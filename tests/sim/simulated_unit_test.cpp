@@ -316,15 +316,29 @@ TEST(Programming, NameOfTheNewCalibrationIsReported) {
     EXPECT_EQ(textOf({reply.begin() + 3, reply.begin() + 27}), std::string(24, 'N'));
 }
 
-TEST(Programming, LinesMayComeByteByByteAndWithLineEnds) {
+TEST(Programming, LinesMayComeByteByByte) {
     SimulatedUnit unit = orbA();
     startProgramming(unit);
-    const std::string line = imageRow(0, 1) + "\r\n";
     std::string replies;
-    for (const char c : line) replies += askText(unit, std::string(1, c));
+    for (const char c : imageRow(0, 1)) replies += askText(unit, std::string(1, c));
     EXPECT_EQ(replies, "AX");
-    for (int row = 1; row < 147; ++row) ASSERT_EQ(askText(unit, imageRow(row, 1) + "\r\n"), "AX");
-    EXPECT_EQ(askText(unit, std::string(endRecord) + "\r\n"), "PN");
+    for (int row = 1; row < 147; ++row) ASSERT_EQ(askText(unit, imageRow(row, 1)), "AX");
+    EXPECT_EQ(askText(unit, endRecord), "PN");
+}
+
+TEST(Programming, AnOrbARefusesALineWithAnEndWhichIsMeantForAnotherKind) {
+    for (const std::string end : {"\r\n", "\n", "\r"}) {
+        SimulatedUnit unit = orbA();
+        const Bytes before = unit.permanentMemory();
+        startProgramming(unit);
+        ASSERT_EQ(askText(unit, imageRow(0, 1)), "AX");
+        EXPECT_EQ(askText(unit, imageRow(1, 1) + end), "AR");
+        EXPECT_EQ(unit.permanentMemory(), before);
+    }
+    SimulatedUnit unit = orbA();
+    startProgramming(unit);
+    ASSERT_EQ(askText(unit, imageRow(0, 1)), "AX");
+    EXPECT_EQ(askText(unit, "\r\n"), "AR") << "also where the end comes late";
 }
 
 TEST(Programming, MissingLineIsRefusedAtTheEndRecordAndTheOldCalibrationStays) {

@@ -99,6 +99,36 @@ TEST_F(FirmwareFlight, AnUpgradeEndsWellAndTheUnitComesBackWithItsNewFirmware) {
     EXPECT_NE(program->log().find("ORB: Firmware Upload Successful, Verified!"), std::string::npos);
 }
 
+TEST_F(FirmwareFlight, NothingOfTheUserEntersInsideATickAndTheBoxOfAClosingWindowLetsTheLinesGoOn) {
+    start({"--upgrade-mode"});
+    upgrade();
+    const Link& link = program->session.link;
+    // A user who is always there: a timer that would do something at every chance that it gets.
+    int insideTick = 0;
+    QTimer always;
+    QObject::connect(&always, &QTimer::timeout, [&] { insideTick += link.handling() ? 1 : 0; });
+    always.start(0);
+    int before = 0, after = 0;
+    bool boxInsideTick = true;
+    program->dialogs.meanwhile = [&](const std::string& title) {
+        if (title != "Transfer Running") return;
+        boxInsideTick = link.handling();
+        before = link.TransferLine();
+        Program::waitFor([&] { return link.TransferLine() > before + 20 || !link.firmwarePending(); },
+                         upgradePatienceMs);
+        after = link.TransferLine();
+    };
+    ASSERT_TRUE(Program::waitFor([&] { return link.TransferLine() > 20; }, upgradePatienceMs));
+    EXPECT_FALSE(program->windows.main().close());
+    always.stop();
+    EXPECT_TRUE(program->boxShown("A firmware upgrade is running."));
+    EXPECT_FALSE(boxInsideTick);
+    EXPECT_GT(after, before + 20) << "lines went out while the box stood";
+    EXPECT_EQ(insideTick, 0);
+    ASSERT_TRUE(told(loadCalibration));
+    EXPECT_EQ(state().substr(0, 21), "programmed ZQA-505100");
+}
+
 TEST_F(FirmwareFlight, AUnitThatIsNotInUpgradeModeKeepsItsFirmwareAndGoesOn) {
     start({});
     upgrade();

@@ -408,6 +408,26 @@ TEST_F(Dashboard, CheckEngineAreaStepsThroughItsCodes) {
     EXPECT_TRUE(area->text().isEmpty());
 }
 
+TEST_F(Dashboard, AUnitThatHasClearedItsCodesIsToldForAWhileThoughFramesAndCodesGoOn) {
+    auto* area = find<QLabel>("lblCheckEngine");
+    auto* line = find<QLineEdit>("txtGPIO");
+    show(frame());
+    fake.session.codes.Update_CHKE("21 - TPS Sensor Failed High");
+    board->codesChanged();
+    const QString pin = line->text();
+    fake.session.codesCleared();
+    EXPECT_EQ(area->text(), "CODES  \nCLEARED");
+    EXPECT_EQ(line->text(), "CODES CLEARED");
+    fake.session.codes.Clear_CHKE();  // as with an answer that tells none
+    board->codesChanged();
+    show(frame());
+    EXPECT_EQ(area->text(), "CODES  \nCLEARED");
+    EXPECT_EQ(line->text(), "CODES CLEARED");
+    for (int step = 0; step < 3; ++step) fire(find<QTimer>("tmrCHKE_Status"));
+    EXPECT_EQ(area->text(), "");
+    EXPECT_EQ(line->text(), pin);
+}
+
 TEST_F(Dashboard, InputsAndOutputsAreListed) {
     show(frame());
     auto* list = find<QListWidget>("lstGPO");
