@@ -5,6 +5,7 @@
 
 #include "base/errors.h"
 #include "base/rounding.h"
+#include "unit/parameter_rules.h"
 
 namespace zentaq {
 
@@ -55,7 +56,7 @@ int shownColumns(Unit& unit, std::string_view table) {
 float get_binValueByIndex(Unit& unit, std::string_view table, int index, bool absoluteVe) {
     const TableKind* kind = findTable(table);
     if (kind == nullptr) return 0;
-    if (kind->isGpo()) return unit.Get_GPIO_Table(kind->gpoNumber, index);
+    if (kind->isGpo()) return roundTo(unit.Get_GPIO_Table(kind->gpoNumber, index), 0);
     const float value = unit.get(kind->member, index);
     if (table == "AFR") return roundTo(value, 2);
     return absoluteVe && table == "VE" ? value + 100 : value;
@@ -65,11 +66,21 @@ bool set_binValueByIndex(Unit& unit, std::string_view table, float value, int in
     const TableKind* kind = findTable(table);
     if (kind == nullptr) return false;
     if (kind->isGpo()) {
-        unit.Set_GPIO_Table(kind->gpoNumber, index, toInt16(static_cast<double>(value)));
-        return true;
+        // Checked as entered: what is out of range may fit no whole number, or round into the range.
+        const Limits limits = Unit::outputTableLimits();
+        if (unit.host().checkRange(value, limits.minimum, limits.maximum, limits.text)) return false;
+        return unit.Set_GPIO_Table(kind->gpoNumber, index, toInt16(static_cast<double>(value)));
     }
     const float stored = absoluteVe && table == "VE" ? value - 100 : value;
     return unit.set(kind->member, static_cast<double>(stored), index);
+}
+
+Limits cellLimits(Unit& unit, std::string_view table, bool absoluteVe) {
+    const TableKind* kind = findTable(table);
+    if (kind == nullptr) return Limits::none();
+    if (kind->isGpo()) return Unit::outputTableLimits();
+    if (absoluteVe && table == "VE") return {50, 150, "(50 to 150%)"};
+    return unit.limits(kind->member);
 }
 
 float tableHeader(Unit& unit, std::string_view table, std::string_view axis, int index) {
@@ -87,7 +98,12 @@ AxisSpan axisSpan(Unit& unit, std::string_view axisKind) {
     if (axisKind == "CLT" || axisKind == "MAT") return {-40, unit.host().fahrenheit() ? 302.0F : 150.0F};
     if (axisKind == "RAW MAP" || axisKind == "BLEND MAP") return {unit.MAPMin(), unit.MAPMax()};
     if (axisKind == "TPS") return {0, 5};
-    if (axisKind == "ACTUAL AFR") return {0.667F * unit.get("AFR"), 2 * unit.get("AFR")};
+    if (axisKind == "ACTUAL AFR") {
+        // The limits that each stop is checked by: worked out twice they differ by a hair, and the lowest stop
+        // of its own axis is refused.
+        const Limits limits = rules::ratioStop(unit);
+        return {limits.minimum, limits.maximum};
+    }
     if (axisKind == "RPM") return {750, unit.get("REV_Limiter")};
     for (char pin = '1'; pin <= '8'; ++pin) {
         if (axisKind == std::string("GPIO") + pin) return {0, 100};
@@ -114,15 +130,24 @@ bool hasEmptyAxis(Unit& unit, std::string_view table) {
 }
 
 void resetGpoAxes(Unit& unit) {
+    // Read first: what a damaged calibration refuses leaves both tables as they were.
+    std::array<double, storedHeaders> speeds{};
+    std::array<double, storedHeaders> pressures{};
+    for (int i = 0; i < storedHeaders; ++i) {
+        const auto at = static_cast<std::size_t>(i);
+        speeds[at] = unit.get("RPMTBL", i);
+        pressures[at] = withinPressure(unit, unit.get("MAPTBL", i));
+    }
+    for (const std::string_view table : {"GPO1", "GPO2"}) unit.GET_TBL_AXIS_TYPE(table, "ROW-AXIS");
     for (const std::string_view table : {"GPO1", "GPO2"}) {
         unit.SET_TBL_AXIS_TYPE(table, "ROW-AXIS", "BLEND MAP");
         unit.SET_TBL_AXIS_TYPE(table, "COL-AXIS", "RPM");
         unit.SET_TBL_DIMENSIONS(table, "ROWS", storedHeaders);
         unit.SET_TBL_DIMENSIONS(table, "COLS", storedHeaders);
         for (int i = 0; i < storedHeaders; ++i) {
-            const float pressure = withinPressure(unit, unit.get("MAPTBL", i));
-            unit.Set_GPO_Stop(static_cast<double>(unit.get("RPMTBL", i)), i, "X-Axis", table);
-            unit.Set_GPO_Stop(static_cast<double>(pressure), i, "Y-Axis", table);
+            const auto at = static_cast<std::size_t>(i);
+            unit.Set_GPO_Stop(speeds[at], i, "X-Axis", table);
+            unit.Set_GPO_Stop(pressures[at], i, "Y-Axis", table);
         }
     }
 }

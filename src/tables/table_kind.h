@@ -39,10 +39,13 @@ int shownRows(Unit& unit, std::string_view table);
 int shownColumns(Unit& unit, std::string_view table);
 
 // ---- Values by table index, 0 to 255. BoundsError outside; 0 for a name that is no table.
-/// AFR is rounded to 2 decimals; `absoluteVe` adds 100 to VE.
+/// AFR is rounded to 2 decimals, an output table to whole percent; `absoluteVe` adds 100 to VE.
 float get_binValueByIndex(Unit& unit, std::string_view table, int index, bool absoluteVe);
 /// The mirror of the getter; an output table takes a 16-bit whole number. False when the range check refused.
 bool set_binValueByIndex(Unit& unit, std::string_view table, float value, int index, bool absoluteVe);
+
+/// What every cell of a table takes, by whatever way it comes; Limits::none() for a name that is no table.
+Limits cellLimits(Unit& unit, std::string_view table, bool absoluteVe);
 
 // ---- Headers. Axis: "X-Axis" for columns, "Y-Axis" for rows.
 float tableHeader(Unit& unit, std::string_view table, std::string_view axis, int index);

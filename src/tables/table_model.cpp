@@ -6,6 +6,7 @@
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "base/text.h"
+#include "unit/rollback.h"
 
 namespace zentaq {
 
@@ -57,6 +58,9 @@ const TableKind& TableModel::kind() const {
 // ---- Building
 
 void TableModel::Setup_Grid(std::string_view table, std::string_view title, bool inverted) {
+    // All or nothing: a table that cannot be shown leaves the one on the screen whole, and its name with it.
+    Rollback rollback(table_, title_, inverted_, view_, grid_, cursor_, selection_, rowHeaders_,
+                      columnHeaders_, undo_, undoFilled_, base_, zones_);
     // A view of the former table would bar typing on one that has no such view and no key to leave it.
     if (!table.empty() && table != table_) leaveViews();
     if (!table.empty()) table_ = table;
@@ -67,7 +71,7 @@ void TableModel::Setup_Grid(std::string_view table, std::string_view title, bool
     fillRowHeaders();
     fillColumnHeaders();
     fillCells();
-    if (hasEstimates() && !absoluteVe_) refreshEstimates();
+    refreshEstimates();
     buildZones();
     colorizeGraph(false);
     repaintRemembered();
@@ -75,6 +79,7 @@ void TableModel::Setup_Grid(std::string_view table, std::string_view title, bool
     if (!grid_.hasCell(selection_.bottom, selection_.right)) {
         select(cursor_.row, cursor_.column, cursor_.row, cursor_.column);
     }
+    rollback.keep();
 }
 
 bool TableModel::showsFahrenheit(std::string_view axis) const {
@@ -291,7 +296,12 @@ bool TableModel::checkTyped(std::string_view typed) {
     const auto value = parseNumber(typed);
     if (!value) return false;
     const Limits limits = typingLimits();
-    return !host.checkRange(static_cast<float>(*value), limits.minimum, limits.maximum, limits.text);
+    if (host.checkRange(static_cast<float>(*value), limits.minimum, limits.maximum, limits.text)) return false;
+    // The limits of typing are a hair wider than those of the cell for some fuels.
+    CellEntry entry(unit_, table_, absoluteVe_);
+    entry.accepts(static_cast<float>(*value));
+    entry.tell();
+    return !entry.hasRefusals();
 }
 
 bool TableModel::enterValue(std::string_view typed) {
@@ -300,8 +310,15 @@ bool TableModel::enterValue(std::string_view typed) {
     for (int row = selection_.top; row <= selection_.bottom; ++row) {
         for (int column = selection_.left; column <= selection_.right; ++column) {
             if (!grid_.hasCell(row, column)) continue;
-            skipFailing([&] { writeCell(static_cast<float>(value), tableIndex(row, column), false); });
-            grid_.text(row, column, numberText(value));
+            bool written = false;
+            skipFailing(
+                [&] { written = writeCell(static_cast<float>(value), tableIndex(row, column), false); });
+            // As typed, with more digits than the cell may show, but an output table holds whole percent.
+            if (written && !kind().isGpo()) {
+                grid_.text(row, column, numberText(value));
+            } else {
+                showStored(row, column);
+            }
             if (hasEstimates()) updateEstimate(row, column);
         }
     }
@@ -339,6 +356,11 @@ bool TableModel::nudgeCell(int row, int column, double step) {
     const auto value = static_cast<float>(static_cast<double>(before) + step);
     const Limits limits = typingLimits();
     if (unit_.host().checkRange(value, limits.minimum, limits.maximum, limits.text)) return false;
+    CellEntry entry(unit_, table_, absoluteVe_);
+    if (!entry.accepts(value)) {
+        entry.tell();
+        return false;
+    }
     skipFailing([&] { writeCell(value, index, false); });
     if (!inView) grid_.text(row, column, numberText(value));
     if (hasEstimates()) updateEstimate(row, column);
@@ -464,9 +486,11 @@ void TableModel::paste(std::string_view clipboard) {
         }
         ++row;
     }
-    saveEntireTable();
+    CellEntry entry(unit_, table_, absoluteVe_);
+    saveCells(entry);
     for (const GridCell& cell : pasted) showStored(cell.row, cell.column);
     refreshEstimates();
+    entry.tell();
 }
 
 void TableModel::showStored(int row, int column) {
@@ -478,25 +502,36 @@ void TableModel::showStored(int row, int column) {
 
 bool TableModel::holdsAlready(float value, int index) const {
     // Compared as shown: a cell shows fewer digits than the calibration may hold.
-    const float kept = kind().isGpo() ? static_cast<float>(toInt16(static_cast<double>(value))) : value;
+    const float kept = kind().isGpo() ? roundTo(value, 0) : value;
     return numberText(get_binValueByIndex(table_, index)) == numberText(kept);
 }
 
-void TableModel::saveCell(int row, int column) {
+void TableModel::saveCell(int row, int column, CellEntry& entry) {
     const int index = tableIndex(row, column);
-    const auto value = static_cast<float>(numberOf(grid_.text(row, column)));
+    if (index >= storedCells) return;
+    // What shows the stored value is no entry: it may hold more digits, or what no entry gives.
+    const std::string text = grid_.text(row, column);
+    if (text == numberText(get_binValueByIndex(table_, index))) return;
     // Only what differs is written: on the fly every write is a record of about 10 ms on the wire, and 256 of
     // them would hold up the frames of a running engine for nothing. A cell left alone also keeps the digits
     // that its text does not show.
-    if (index < storedCells && !holdsAlready(value, index)) set_BinValueByIndex(table_, value, index);
+    const auto value = entry.accepted(text);
+    if (value && !holdsAlready(*value, index)) set_BinValueByIndex(table_, *value, index);
+    showStored(row, column);
 }
 
-void TableModel::saveEntireTable() {
+void TableModel::saveCells(CellEntry& entry) {
     for (int row = 1; row <= rows(); ++row) {
-        for (int column = 1; column <= columns(); ++column) skipFailing([&] { saveCell(row, column); });
+        for (int column = 1; column <= columns(); ++column) skipFailing([&] { saveCell(row, column, entry); });
     }
     unit_.SET_TBL_DIMENSIONS(table_, "ROWS", rows());
     unit_.SET_TBL_DIMENSIONS(table_, "COLS", columns());
+}
+
+void TableModel::saveEntireTable() {
+    CellEntry entry(unit_, table_, absoluteVe_);
+    saveCells(entry);
+    entry.tell();
 }
 
 void TableModel::save() {
@@ -509,12 +544,13 @@ void TableModel::save() {
 
 void TableModel::restore() {
     const Limits limits = typingLimits();
+    CellEntry entry(unit_, table_, absoluteVe_);
     for (int i = 0; i < storedCells; ++i) {
         const auto at = static_cast<std::size_t>(i);
         // What no build has filled holds 0; where 0 is no value of the table it is left out without a box.
         if (!undoFilled_[at] && (undo_[at] < limits.minimum || undo_[at] > limits.maximum)) continue;
         skipFailing([&] {
-            if (!holdsAlready(undo_[at], i)) writeCell(undo_[at], i, true);
+            if (!holdsAlready(undo_[at], i) && entry.accepts(undo_[at])) writeCell(undo_[at], i, true);
         });
     }
     // What is saved or pasted after this is meant for the unit again.
@@ -522,6 +558,7 @@ void TableModel::restore() {
     letCursorGo();
     unit_.host().sysLog("TBL: Data Restore Completed Successfully.");
     rebuild();
+    entry.tell();
 }
 
 // ---- Views

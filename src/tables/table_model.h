@@ -13,6 +13,7 @@
 #include "live/ecu.h"
 #include "live/live_values.h"
 #include "tables/cell_colours.h"
+#include "tables/cell_entry.h"
 #include "tables/live_zones.h"
 #include "tables/table_grid.h"
 #include "tables/table_kind.h"
@@ -89,7 +90,9 @@ class TableModel {
 
     // ---- Building
     /// Fills the grid from the Unit object. An empty name or title keeps the current one. Shows values; a
-    /// view flag stays only while the table does: another table begins with its values.
+    /// view flag stays only while the table does: another table begins with its values. Throws NoSuchMember for
+    /// a name that is no table, and whatever keeps a damaged calibration from being shown; nothing has changed
+    /// then.
     void Setup_Grid(std::string_view table, std::string_view title, bool inverted);
     void rebuild() { Setup_Grid({}, {}, inverted_); }
 
@@ -163,13 +166,13 @@ class TableModel {
     // ---- Clipboard: cells separated by tabs, rows by line ends
     std::string clip() const;  ///< the selected cells
     /// Fills cells from the top left of the selection on, within a selection of more than one cell or else to
-    /// the edge of the grid, and writes the grid back. A refused cell shows what the calibration holds again.
+    /// the edge of the grid, and writes the grid back as saveEntireTable() does.
     /// Does nothing in a view: its cells are estimates, which written back would be taken for values.
     void paste(std::string_view clipboard);
 
     // ---- The whole grid
     /// Writes back every cell whose text is not what the calibration holds; a refused cell keeps its stored
-    /// value and the rest goes on.
+    /// value and shows it again, the rest goes on, and one box tells of all that was refused.
     void saveEntireTable();
     /// Toolbar "Save": from an active view, goes back to values first.
     void save();
@@ -250,7 +253,8 @@ class TableModel {
     bool nudgeCell(int row, int column, double step);
     bool writeCell(float value, int index, bool silent);
     bool holdsAlready(float value, int index) const;
-    void saveCell(int row, int column);
+    void saveCell(int row, int column, CellEntry& entry);
+    void saveCells(CellEntry& entry);
     void showStored(int row, int column);
     void updateEstimate(int row, int column);
     void showEstimate(int index);

@@ -98,11 +98,15 @@ float Unit::Get_GPIO_Table(int table, int index) {
     return kind_->hasCalibration ? cellAt(tableCell(kind_->cells, table, index)) : 0;
 }
 
-void Unit::Set_GPIO_Table(int table, int index, float value) {
-    if (!kind_->hasCalibration) return;
+bool Unit::Set_GPIO_Table(int table, int index, float value) {
+    if (!kind_->hasCalibration) return false;
     const int cell = tableCell(kind_->cells, table, index);
+    const Limits limits = outputTableLimits();
+    if (host_.checkRange(value, limits.minimum, limits.maximum, limits.text)) return false;
+    if (!std::isfinite(value)) throw Overflow();
     cellAt(cell) = value;
     SendOnFly(cell, value * 2.55, 1);
+    return true;
 }
 
 int Unit::Get_GPO_TblNum(int pin) const {

@@ -145,6 +145,11 @@ Limits lambdaValue(Unit&, int, float value) {
     return limits;
 }
 
+Limits ratioStop(Unit& unit) {
+    const double ratio = stoichiometricRatio(unit);
+    return limitsOf(0.667 * ratio, 2 * ratio, ratio == 1 ? " lambda" : " AFR");
+}
+
 Limits pressure(Unit& unit, int, float) {
     const float low = unit.MAPMin();
     const float high = unit.MAPMax();

@@ -19,6 +19,8 @@ Limits initialAdvance(Unit&, int, float);
 Limits tableAdvance(Unit&, int, float);
 Limits tableRatio(Unit&, int, float);
 Limits lambdaValue(Unit&, int, float);
+/// Of a stop on an axis of measured ratios; a new axis is spread from one end to the other.
+Limits ratioStop(Unit&);
 Limits pressure(Unit&, int, float);
 Limits pressureWhileActive(Unit&, int, float);
 Limits pressureOrZero(Unit&, int, float);

@@ -4,7 +4,6 @@
 #include <optional>
 
 #include "base/errors.h"
-#include "base/number_text.h"
 #include "base/rounding.h"
 #include "unit/axis_kinds.h"
 #include "unit/parameter_rules.h"
@@ -66,10 +65,6 @@ std::string_view axisMember(std::string_view axis) {
     return axis == "X-Axis" ? "RPMTBL" : "MAPTBL";
 }
 
-std::string between(float low, float high, std::string_view tail) {
-    return "(" + numberText(low) + " to " + numberText(high) + std::string(tail) + ")";
-}
-
 /// What a stop point on an axis of this kind accepts.
 Limits stopLimits(Unit& unit, std::string_view kind) {
     if (kind == "CLT" || kind == "MAT") {
@@ -78,12 +73,7 @@ Limits stopLimits(Unit& unit, std::string_view kind) {
     }
     if (kind == "RAW MAP" || kind == "BLEND MAP") return rules::pressure(unit, 0, 0);
     if (kind == "TPS") return {0, 5, "(0 to 5 Volts)"};
-    if (kind == "ACTUAL AFR") {
-        const double ratio = rules::stoichiometricRatio(unit);
-        const auto low = static_cast<float>(0.667 * ratio);
-        const auto high = static_cast<float>(2 * ratio);
-        return {low, high, between(low, high, ratio == 1 ? " lambda" : " AFR")};
-    }
+    if (kind == "ACTUAL AFR") return rules::ratioStop(unit);
     // Wider on purpose than the span that a new axis is spread over.
     if (kind == "RPM") return {0, 20000, "(0 to 20000 RPM)"};
     if (kind.starts_with("GPIO")) return {0, 100, "(0 to 100%)"};

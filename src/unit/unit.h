@@ -152,7 +152,9 @@ class Unit {
     float Get_GPIO_Param(int pin, int parameter) const;
     void Set_GPIO_Param(int pin, int parameter, float value);
     float Get_GPIO_Table(int table, int index);
-    void Set_GPIO_Table(int table, int index, float value);
+    /// Whole percent, 0 to 100. False when refused: the user has been told, the cell is as it was.
+    bool Set_GPIO_Table(int table, int index, float value);
+    static Limits outputTableLimits() { return {0, 100, "(0 to 100%)"}; }
     int Get_GPO_TblNum(int pin) const;
     void Zeroize_GPIO(int pin);
     /// As the kind calls the function, offered or not.

@@ -260,16 +260,22 @@ QWidget* FrmTable::makeFields() {
 // ---- Building
 
 void FrmTable::Setup_Grid(const std::string& table, const std::string& title) {
+    Unit& unit = session_.currentUnitObject();
+    std::unique_ptr<TableModel> fresh;
+    if (!model_ || unit_ != &unit) {
+        fresh = std::make_unique<TableModel>(unit, session_.ecu, session_.live, session_.paintMemory);
+    }
+    TableModel& shown = fresh ? *fresh : *model_;
+    shown.colourMode(colourModeOf(session_.TableColorMode));
+    // Throws for a table that cannot be shown: the window keeps the one that it has, and an open edit.
+    shown.Setup_Grid(table, title, shown.inverted());
     closeEdit();
     held_.clear();
-    Unit& unit = session_.currentUnitObject();
-    if (!model_ || unit_ != &unit) {
+    if (fresh) {
         Grid1_->cells().show(nullptr);
-        model_ = std::make_unique<TableModel>(unit, session_.ecu, session_.live, session_.paintMemory);
+        model_ = std::move(fresh);
         unit_ = &unit;
     }
-    model_->colourMode(colourModeOf(session_.TableColorMode));
-    model_->Setup_Grid(table, title, model_->inverted());
     const QSignalBlocker quiet(Grid1_->selectionModel());
     Grid1_->cells().show(&model_->grid());
     Grid1_->placeMarker(false, 1, 1);

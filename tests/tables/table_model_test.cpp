@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
+#include "base/errors.h"
+
 #include "live/calibration_fixture.h"
 
 namespace zentaq {
@@ -1002,12 +1006,198 @@ TEST_F(TableWindow, KeyXAsksToUnload) {
     EXPECT_EQ(model.keyOnGrid('7'), KeyResult::StartEdit);
 }
 
-TEST_F(TableWindow, OutputCellsKeepTheTypedTextAndStoreAWholeNumber) {
+TEST_F(TableWindow, OutputCellsStoreAndShowWholePercent) {
     open("GPO1");
     model.select(16, 1, 16, 1);
     ASSERT_TRUE(model.enterValue("12.5"));
     EXPECT_EQ(unit.DirectIndex(gpo1Base), 12);
-    EXPECT_EQ(text(16, 1), "12.5");
+    EXPECT_EQ(text(16, 1), "12");
+}
+
+TEST_F(TableWindow, AnOutputCellOfAFileIsShownAsWholePercentAndKeepsItsDigits) {
+    unit.AssignDirectIndex(12.7F, gpo1Base);
+    open("GPO1");
+    EXPECT_EQ(text(16, 1), "13");
+    model.saveEntireTable();
+    EXPECT_EQ(unit.DirectIndex(gpo1Base), 12.7F);
+}
+
+// ---- What no cell takes
+
+TEST_F(TableWindow, OutputValuesOutOfRangeAreNotPastedAndOneBoxTells) {
+    for (const char* table : {"GPO1", "GPO2"}) {
+        const int base = table == std::string_view("GPO1") ? 1680 : 1936;
+        unit.AssignDirectIndex(33, base);
+        open(table);
+        unit.ONFLY_MODE(true);
+        host.refusals.clear();
+        host.records.clear();
+        model.select(16, 1, 16, 1);
+        model.paste("500\t-20\t444\t99999\t60");
+        EXPECT_EQ(unit.DirectIndex(base), 33) << table;
+        for (const int i : {1, 2, 3}) EXPECT_EQ(unit.DirectIndex(base + i), 0) << table << i;
+        EXPECT_EQ(unit.DirectIndex(base + 4), 60) << table;
+        EXPECT_EQ(text(16, 1), "33") << table;
+        EXPECT_EQ(text(16, 2), "0") << table;
+        EXPECT_EQ(host.refusals, Refusals{"range (0 to 100%)"}) << table;
+        EXPECT_EQ(host.records.size(), 1U) << table;
+        unit.ONFLY_MODE(false);
+    }
+}
+
+TEST_F(TableWindow, AnOutputTextLeftInTheBoxIsCheckedWhenItIsSaved) {
+    unit.AssignDirectIndex(33, gpo1Base);
+    open("GPO1");
+    model.moveTo(16, 1);
+    model.leaveEdit("444");
+    EXPECT_EQ(text(16, 1), "444");
+    model.save();
+    EXPECT_EQ(unit.DirectIndex(gpo1Base), 33);
+    EXPECT_EQ(text(16, 1), "33");
+    EXPECT_EQ(host.refusals, Refusals{"range (0 to 100%)"});
+    model.save();
+    EXPECT_EQ(host.refusals.size(), 1U);
+}
+
+TEST_F(TableWindow, ARefusedCellShowsWhatIsStoredAndIsToldOnce) {
+    unit.AssignDirectIndex(5, veBase);
+    open("VE");
+    model.grid().text(16, 1, "200");
+    model.grid().text(16, 2, "7");
+    model.grid().text(16, 3, "x");
+    model.grid().text(16, 4, "");
+    model.grid().text(16, 5, "-51");
+    model.saveEntireTable();
+    EXPECT_EQ(text(16, 1), "5");
+    EXPECT_EQ(text(16, 2), "7");
+    EXPECT_EQ(text(16, 3), "0");
+    EXPECT_EQ(text(16, 4), "0");
+    EXPECT_EQ(host.refusals, Refusals{"range (-50 to 50%)"});
+    EXPECT_EQ(host.log, (std::vector<std::string>{"Invalid Entry: no number", "Invalid Entry: blank",
+                                                  "Invalid Entry: -51 -> (-50 to 50%)"}));
+    model.saveEntireTable();
+    EXPECT_EQ(host.refusals.size(), 1U);
+}
+
+TEST_F(TableWindow, ACellThatAFileHoldsOutOfRangeIsNoEntry) {
+    unit.AssignDirectIndex(444, gpo1Base);
+    unit.AssignDirectIndex(NAN, gpo1Base + 1);
+    open("GPO1");
+    model.saveEntireTable();
+    EXPECT_TRUE(host.refusals.empty());
+    EXPECT_EQ(unit.DirectIndex(gpo1Base), 444);
+    EXPECT_EQ(model.cellsWritten(), 0);
+}
+
+TEST_F(TableWindow, TheFirstRefusalOfAPasteIsTheOneInTheBox) {
+    open("VE");
+    model.select(16, 1, 16, 1);
+    model.paste("x\t99\t");
+    EXPECT_EQ(host.refusals, Refusals{"input 1000"});
+    model.paste("\t99");
+    EXPECT_EQ(host.refusals, (Refusals{"input 1000", "input 1003"}));
+}
+
+TEST_F(TableWindow, PastingInTheAbsoluteViewIsCheckedAround100) {
+    open("VE");
+    model.toggleAbsolute();
+    model.select(16, 1, 16, 1);
+    model.paste("12\t112");
+    EXPECT_EQ(host.refusals, Refusals{"range (50 to 150%)"});
+    EXPECT_EQ(text(16, 1), "100");
+    EXPECT_EQ(unit.DirectIndex(veBase + 1), 12);
+}
+
+// 9.76 / 14.64 is 0.66667, and the cell takes 0.667 of the fuel's ratio or more.
+TEST_F(TableWindow, ARatioThatOnlyTypingTakesIsRefusedOnceForTheWholeSelection) {
+    for (int i = 0; i < 256; ++i) unit.AssignDirectIndex(14.7F, afrBase + i);
+    open("AFR");
+    model.select(1, 1, 16, 16);
+    EXPECT_FALSE(model.enterValue("9.76"));
+    EXPECT_EQ(host.refusals, Refusals{"range (9.76488 to 29.28 AFR)"});
+    EXPECT_EQ(text(1, 1), "14.64");
+    EXPECT_EQ(unit.DirectIndex(afrBase), 14.7F);
+}
+
+TEST_F(TableWindow, ANudgeIntoWhatOnlyTypingTakesStopsThere) {
+    unit.set("AFR", 30);  // typing ends at 30 * 9.76 / 14.64 = 20, the cell at 0.667 * 30 = 20.01
+    for (int i = 0; i < 256; ++i) unit.set("Get_AFR", 20.1, i);
+    open("AFR");
+    ASSERT_EQ(text(16, 1), "20.1");
+    model.select(16, 1, 16, 16);
+    model.nudge(false);
+    EXPECT_EQ(host.refusals, Refusals{"range (20.01 to 60 AFR)"});
+    EXPECT_EQ(text(16, 1), "20.1");
+    EXPECT_NEAR(unit.get("Get_AFR", 0), 20.1, 1e-5);
+}
+
+TEST_F(TableWindow, DiscardingTellsOnceOfValuesThatTheTableNoLongerTakes) {
+    for (int i = 0; i < 16; ++i) unit.AssignDirectIndex(444, gpo1Base + i);
+    open("GPO1");
+    model.select(16, 1, 16, 16);
+    ASSERT_TRUE(model.enterValue("50"));
+    model.restore();
+    EXPECT_EQ(host.refusals, Refusals{"range (0 to 100%)"});
+    EXPECT_EQ(unit.DirectIndex(gpo1Base), 50);
+    EXPECT_EQ(text(16, 1), "50");
+}
+
+// ---- A table that cannot be shown
+
+TEST_F(TableWindow, ANameThatIsNoTableChangesNothing) {
+    unit.AssignDirectIndex(7, veBase);
+    open("VE");
+    EXPECT_THROW(model.Setup_Grid("FUEL", "Fuel", true), NoSuchMember);
+    EXPECT_EQ(model.table(), "VE");
+    EXPECT_EQ(model.title(), "A table");
+    EXPECT_FALSE(model.inverted());
+    model.rebuild();
+    EXPECT_EQ(text(16, 1), "7");
+}
+
+TEST_F(TableWindow, ATableWhoseSizeIsDamagedLeavesTheFormerOneWhole) {
+    unit.AssignDirectIndex(7, veBase);
+    open("VE");
+    model.togglePulsewidth();
+    model.select(3, 3, 4, 4);
+    const std::string shown = text(16, 1);
+    unit.AssignDirectIndex(1e9F, 2294);  // rows of GPO1
+    EXPECT_THROW(model.Setup_Grid("GPO1", "Full Table", false), Overflow);
+    EXPECT_EQ(model.table(), "VE");
+    EXPECT_EQ(model.view(), TableView::PulseWidth);
+    EXPECT_EQ(text(16, 1), shown);
+    EXPECT_EQ(model.selection().bottom, 4);
+}
+
+TEST_F(TableWindow, ADamagedAxisWordLeavesBothOutputTablesAsTheyWere) {
+    unit.AssignDirectIndex(1e9F, 2291);  // axis kinds of GPO2; all stops are 0
+    open("VE");
+    EXPECT_THROW(model.Setup_Grid("GPO1", "Full Table", false), Overflow);
+    EXPECT_EQ(unit.DirectIndex(2290), 0);
+    EXPECT_EQ(unit.DirectIndex(2242), 0);
+    EXPECT_EQ(model.table(), "VE");
+}
+
+// ---- Estimates
+
+TEST_F(TableWindow, StagedOnTimesAreItsOwnAfterTheAbsoluteViewOfVe) {
+    for (int i = 0; i < 256; ++i) unit.AssignDirectIndex(50, stagedBase + i);
+    open("SPW");
+    model.togglePulsewidth();
+    const std::string staged = text(16, 1);
+    open("VE");
+    model.toggleAbsolute();
+    open("VE");
+    model.togglePulsewidth();
+    const std::string whole = text(16, 1);
+    ASSERT_NE(whole, staged);
+    open("SPW");
+    model.togglePulsewidth();
+    EXPECT_EQ(text(16, 1), staged);
+    open("VE");
+    model.togglePulsewidth();
+    EXPECT_TRUE(model.absoluteVe());
+    EXPECT_EQ(text(16, 1), whole);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include "app/fake_platform.h"
 #include "app/main_commands.h"
+#include "base/errors.h"
 
 #include <QAction>
 #include <QApplication>
@@ -422,6 +423,49 @@ TEST_F(Table, PastedTextThatIsNoValueShowsWhatTheCalibrationHolds) {
     EXPECT_EQ(shown(16, 2), "0");
     EXPECT_EQ(shown(16, 3), "5");
     EXPECT_EQ(ve(2), 5);
+}
+
+TEST_F(Table, APasteWithManyRefusalsRaisesOneBoxAndSendsNoneOfThem) {
+    form->Setup_Grid("GPO1", "Full Table - Table#1");
+    goLive();
+    fake.dialogs.boxes.clear();
+    QApplication::clipboard()->setText("500\t-20\t444\n");
+    stand(16, 1);
+    key(Qt::Key_V, "\x16", Qt::ControlModifier);
+    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
+    EXPECT_THAT(fake.dialogs.boxes[0].text, HasSubstr("(0 to 100%) - Invalid Entry."));
+    EXPECT_EQ(shown(16, 1), "0");
+    EXPECT_EQ(shown(16, 3), "0");
+    EXPECT_FALSE(fake.session.DataModified);
+    tick(3);
+    EXPECT_THAT(fake.port.written, IsEmpty());
+}
+
+TEST_F(Table, ATextLeftInTheBoxIsCheckedByTheSaveButton) {
+    form->Setup_Grid("GPO1", "Full Table - Table#1");
+    fake.dialogs.boxes.clear();
+    stand(16, 1);
+    type("444");
+    stand(15, 1);
+    ASSERT_EQ(cell(16, 1), "444");
+    form->findChild<QAction*>("Save")->trigger();
+    EXPECT_EQ(unit().Get_GPIO_Table(1, 0), 0);
+    EXPECT_EQ(shown(16, 1), "0");
+    EXPECT_EQ(fake.dialogs.boxes.size(), 1u);
+    form->findChild<QAction*>("Save")->trigger();
+    EXPECT_EQ(fake.dialogs.boxes.size(), 1u);
+}
+
+TEST_F(Table, ATableThatCannotBeShownLeavesTheOneOnTheScreen) {
+    unit().set("VE", 7, 0);
+    form->Setup_Grid("", "");
+    EXPECT_THROW(form->Setup_Grid("FUEL", "Fuel"), NoSuchMember);
+    EXPECT_EQ(form->findChild<QLabel*>("lblTitle")->text(), "Volumetric Efficiency Table");
+    EXPECT_EQ(shown(16, 1), "7");
+    stand(16, 1);
+    type("9");
+    enter();
+    EXPECT_EQ(ve(0), 9);
 }
 
 TEST_F(Table, CapitalAShowsAbsoluteValues) {
