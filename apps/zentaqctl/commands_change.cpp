@@ -8,6 +8,7 @@
 #include "commands.h"
 #include "members.h"
 #include "outputs.h"
+#include "unit/gpio_pins.h"
 
 namespace zentaq::ctl {
 
@@ -25,11 +26,34 @@ float cellNumber(const std::string& value) {
     return cell;
 }
 
-void store(Unit& unit, int index, float value) {
+/// The pin whose function a cell holds; nothing for another cell, and for a block that has no pin.
+std::optional<int> pinOfFunctionCell(const UnitKind& kind, int index) {
+    constexpr int blockCells = 9;
+    const int words = index - kind.gpioBase;
+    if (words < 0 || words % blockCells != 0) return {};
+    const GpioPin* pin = gpioPinsOf(kind).find(words / blockCells);
+    return pin == nullptr ? std::nullopt : std::optional(pin->pin);
+}
+
+/// The one cell whose change makes others mean something else: it takes the way of GPIO_Func.
+void storePinFunction(const Context& context, Unit& unit, int index, int pin, float value) {
+    const std::string what = "cell " + numberText(index) + " is the function of pin " + numberText(pin);
+    constexpr float most = 32767;
+    if (std::trunc(value) != value || value < 0 || value > most) throw Failure(what + ", a whole number");
+    if (unit.gpioFunctionWord(pin) == value) return;
+    choosePinFunction(unit, what, pin, static_cast<int>(value));
+    context.notes << what << ": the pin's parameters are 0 now\n";
+}
+
+void store(const Context& context, Unit& unit, int index, float value) {
     checkCell(index);
     if (index >= unit.kind().fileFloats) {
         throw BoundsError("Subscript out of range: a file of " + std::string(unit.kind().model) +
                           " ends at cell " + numberText(unit.kind().fileFloats - 1));
+    }
+    if (const auto pin = pinOfFunctionCell(unit.kind(), index)) {
+        storePinFunction(context, unit, index, *pin, value);
+        return;
     }
     unit.AssignDirectIndex(value, index);
     if (index >= controlBytes) return;
@@ -69,7 +93,7 @@ void set(const Context& context, const std::string& file, const std::string& mem
 void setCell(const Context& context, const std::string& file, int index, const std::string& value,
              const std::string& output) {
     Change change(context, file, output);
-    store(change.calibration().unit, index, cellNumber(value));
+    store(context, change.calibration().unit, index, cellNumber(value));
     change.save();
 }
 
@@ -88,8 +112,6 @@ void image(const Context& context, const std::string& file, std::optional<Firmwa
     unit.BinFile(file);  // the unit keeps the name of the file
     try {
         unit.ConvertData();
-    } catch (const Overflow&) {
-        throw Failure(file + " makes no image: a value does not fit the bytes that the unit has for it");
     } catch (const Failure& failure) {
         throw Failure(file + " makes no image: " + failure.what());
     }

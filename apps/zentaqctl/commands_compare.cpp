@@ -9,9 +9,11 @@
 #include "config/calibration_diff.h"
 #include "config/calibration_listing.h"
 #include "config/calibration_merge.h"
+#include "config/calibration_view.h"
 #include "config/quiet_calibration.h"
 #include "outputs.h"
 #include "unit/file_lock.h"
+#include "unit/gpio_model.h"
 #include "unit/safe_file.h"
 
 namespace zentaq::ctl {
@@ -127,6 +129,17 @@ void settleNames(const std::string& base, std::string& first, std::string& secon
     rename(second, ofResult);
 }
 
+/// A text comes back bit for bit, whatever it holds; a user who wrote it hears of what no list would offer.
+void noteOddPins(const Context& context, const std::string& file, std::string_view bytes) {
+    const CalibrationBytes calibration = CalibrationBytes::of(bytes);
+    if (calibration.kind == nullptr) return;
+    const CalibrationCells cells(calibration.kind);
+    CalibrationView view(calibration, cells);
+    for (const std::string& line : GpioModel(view.unit()).oddFunctions()) {
+        context.notes << file << ": " << line << '\n';
+    }
+}
+
 }  // namespace
 
 bool diff(const Context& context, const std::string& first, const std::string& second) {
@@ -172,8 +185,10 @@ void importText(const Context& context, const std::string& input, const std::str
     refuseSameFile(output, input);
     refuseReplacing(context, output, "calibration");
     const std::string text = readInput(input, limits::calibrationText);
+    const std::string bytes = naming(nameOf(input), [&] { return fileFromListing(text); });
     const FileLock lock(output);
-    writeFileSafely(output, naming(nameOf(input), [&] { return fileFromListing(text); }));
+    writeFileSafely(output, bytes);
+    noteOddPins(context, output, bytes);
 }
 
 }  // namespace zentaq::ctl

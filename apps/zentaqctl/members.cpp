@@ -111,6 +111,9 @@ struct Span {
     }
 };
 
+/// Codes of functions; which of them a pin takes depends on pin, kind and firmware.
+constexpr Span pinFunctions{0, 29, {}};
+
 int wholeFrom(QuietHost& host, const std::string& name, const std::string& value, const Span& span) {
     constexpr int notWhole = 1002;
     const float number = numberFrom(host, name, value);
@@ -164,18 +167,21 @@ void refuseOddCharacters(const std::string& name) {
     }
 }
 
+constexpr std::string_view nameStaysText =
+    "BiName stays until the file is saved again: a save, an image and a unit take the name of the file";
+
 void addTexts(std::vector<Member>& members, const UnitKind& kind) {
     members.push_back({.name = "BiName",
                        .cell = kind.cells.name,
                        .range = "24 characters",
-                       .reach = Reach::Programming,
-                       .meaning = "Name of the calibration that the unit keeps",
+                       .meaning = "Name in the file; a save, an image and a unit take the name of the file",
                        .read = [](Unit& unit, int) -> Value { return std::string(trimmed(unit.BiName())); },
                        .write =
                            [](QuietCalibration& calibration, const std::string& value, int) {
                                refuseLonger("BiName", value, nameLength);
                                refuseOddCharacters(value);
                                calibration.unit.BiName(value);
+                               calibration.host.inform(nameStaysText);
                            }});
     members.push_back({.name = "NOTES_TEXT",
                        .cell = kind.cells.notes,
@@ -207,7 +213,7 @@ void addFirmware(std::vector<Member>& members, const UnitKind& kind) {
         {.name = "FW_Release",
          .reach = Reach::Programming,
          .meaning = "Release of the firmware that the calibration is for"},
-        {1, kind.defaultRelease, {}}, [](Unit& unit, int) { return unit.FW_Release(); },
+        {1, kind.newestRelease, {}}, [](Unit& unit, int) { return unit.FW_Release(); },
         [](Unit& unit, int, int value) {
             unit.FW_Release(value);
             unit.settleFirmware();
@@ -265,8 +271,13 @@ void writePinParameter(QuietCalibration& calibration, const std::string& value, 
     if (!model.enter(pin, row, value)) throw Refused(calibration.host.refusals().back());
 }
 
+/// As the manager gives a pin its function: only what the pin offers, and with all parameters 0.
+void writePinFunction(QuietCalibration& calibration, const std::string& value, int pin) {
+    const int code = wholeFrom(calibration.host, "GPIO_Func", value, pinFunctions);
+    choosePinFunction(calibration.unit, "GPIO_Func", pin, code);
+}
+
 void addPins(std::vector<Member>& members, const UnitKind& kind) {
-    constexpr int lastFunction = 29;
     constexpr int blockCells = 9;
     const int pins = kind.numGpio + 1;
     members.push_back(wholeMember(
@@ -277,8 +288,8 @@ void addPins(std::vector<Member>& members, const UnitKind& kind) {
          .columns = pins,
          .reach = Reach::Programming,
          .meaning = "Function code of each input and output"},
-        {0, lastFunction, {}}, [](Unit& unit, int pin) { return unit.Get_GPIOFUNC(pin); },
-        [](Unit& unit, int pin, int code) { unit.Set_GPIO_Func(pin, code); }));
+        pinFunctions, [](Unit& unit, int pin) { return unit.Get_GPIOFUNC(pin); }, {}));
+    members.back().write = writePinFunction;
     members.push_back({.name = "GPIO_Param",
                        .cell = kind.gpioBase + 1,
                        .count = pins * pinParameters,
@@ -474,6 +485,12 @@ Value readMember(Unit& unit, const Member& member, int element) {
         throw Failure(member.name + (member.count == 1 ? "" : "[" + numberText(element) + "]") +
                       " cannot be shown: " + failure.what() + ". The command cell shows and mends raw cells");
     }
+}
+
+void choosePinFunction(Unit& unit, const std::string& what, int pin, int code) {
+    GpioModel model(unit);
+    if (model.choose(pin, code) != GpioChoice::NotOffered) return;
+    throw Refused(what + ": " + model.whyNot(pin, code));
 }
 
 void refuseComma(const std::string& what, const std::string& value) {

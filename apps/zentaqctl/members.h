@@ -56,6 +56,10 @@ Value readMember(Unit& unit, const Member& member, int element);
 /// for a decimal comma.
 void writeMember(QuietCalibration& calibration, const Member& member, const std::string& value, int element);
 
+/// Gives a pin another function as the input/output manager does: only one that it offers, with all
+/// parameters 0. Throws Refused, `what` in front of the reason.
+void choosePinFunction(Unit& unit, const std::string& what, int pin, int code);
+
 /// Throws Failure for a text with a comma: programs disagree on what it means.
 void refuseComma(const std::string& what, const std::string& value);
 

@@ -9,6 +9,7 @@
 #include "base/number_text.h"
 #include "config/calibration_cells.h"
 #include "config/calibration_view.h"
+#include "unit/gpio_model.h"
 
 namespace zentaq {
 
@@ -66,6 +67,7 @@ class Merger {
             if (!grouped_[static_cast<std::size_t>(cell)]) mergeCell(cell);
         }
         mergeLength();
+        if (result_.conflicts.empty()) findDoubledPins();
         if (result_.conflicts.empty()) {
             if (trimsCollide_) renewSentTrims();
             result_.bytes = merged_.bytes();
@@ -282,6 +284,32 @@ class Merger {
             return;
         }
         conflict(cells_.memberOf(cells_.place(cell)), cells_.elementOf(cell), shownCells(cell), unitOf(cell));
+    }
+
+    /// Two sides may each have given one function to a pin of their own, which only one pin may have.
+    void findDoubledPins() {
+        CalibrationView view(merged_, cells_);
+        const auto first = GpioModel(views().of[1].unit()).doubled();
+        const auto second = GpioModel(views().of[2].unit()).doubled();
+        for (const GpioDouble& each : GpioModel(view.unit()).doubled()) {
+            const bool known = std::ranges::find(first, each) != first.end() ||
+                               std::ranges::find(second, each) != second.end();
+            if (!known) conflictOf(each);
+        }
+    }
+
+    void conflictOf(const GpioDouble& pins) {
+        std::string element;
+        std::array<std::string, 3> shown;
+        for (const int pin : pins.pins) {
+            const std::string number = numberText(pin);
+            element += (element.empty() ? "[" : " and [") + number + "]";
+            const int cell = base_.kind->gpioBase + CalibrationCells::blockCells * pin;
+            for (std::size_t i = 0; i < shown.size(); ++i) {
+                shown[i] += (shown[i].empty() ? "" : ", ") + views().of[i].text(cell);
+            }
+        }
+        conflict("GPIO", element, shown);
     }
 
     void renewSentTrims() {

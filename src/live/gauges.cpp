@@ -41,11 +41,6 @@ bool reaches(float celsius, std::optional<float> alarm) {
     return alarm && celsius >= *alarm;
 }
 
-std::optional<float> stoichiometricOf(Unit& unit) {
-    if (!unit.kind().hasCalibration) return {};
-    return unit.get("AFR");
-}
-
 }  // namespace
 
 DashboardSettings DashboardSettings::from(const SettingsStore& store) {
@@ -142,7 +137,8 @@ void Gauges::AFR_Position(float actual, float desired, std::optional<float> stoi
     turn(Needle::AFR) = afrAngle(actual, stoichiometric);
 }
 
-void Gauges::UPDATE_DISPLAY(const LiveValues& live, Unit& unit, const DashboardSettings& settings) {
+void Gauges::UPDATE_DISPLAY(const LiveValues& live, Unit& unit, const DashboardSettings& settings,
+                            std::optional<float> stoichiometric) {
     revScale_ = revScaleOf(unit);
     Tach_Position(live.RPM);
     OverRev(live.RPM, unit.get("REV_Limiter"));
@@ -153,7 +149,7 @@ void Gauges::UPDATE_DISPLAY(const LiveValues& live, Unit& unit, const DashboardS
     if (unit.kind().slot == kindPzk2) return;
     CLT_Position(live.CLT, settings);
     MAT_Position(live.MAT, settings);
-    AFR_Position(live.AAFR, live.DAFR, stoichiometricOf(unit));
+    AFR_Position(live.AAFR, live.DAFR, stoichiometric);
     IAC_Position(live.IACP);
 }
 

@@ -46,7 +46,7 @@ constexpr auto sets = std::to_array<DefaultsSet>({
     {"BARO_ADV", 8, -50, 50},
     {"BARO_TRIM", 8, -50, 50},
     {"X", 10, 0, 5, true},
-    {"Y", 10, 0, 29.28},
+    {"Y", 10, 0.12, 29.28},
     {"ISTMP", 3, -30, 80, true},
     {"ISRPM", 3, 500, 2000},
     {"ISRPM_ORBL", 3, 500, 2000},

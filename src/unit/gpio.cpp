@@ -7,6 +7,7 @@
 #include "unit/gpio_functions.h"
 #include "unit/gpio_image.h"
 #include "unit/gpio_pins.h"
+#include "unit/image_source.h"
 #include "unit/unit.h"
 
 namespace zentaq {
@@ -132,23 +133,32 @@ void Unit::convertGpioBlocks() {
         if (recipe == nullptr) continue;
         int place = 0;
         for (const GpioByte& item : recipe->bytes) {
-            float& cell = cellAt(first + place);
-            double number = item.form == GpioForm::Constant ? item.factor : encoded(*this, item, cell);
-            if (item.form == GpioForm::TableNumber) {
-                if (cell != 1 && cell != 2) cell = 1;
-                number = cell;
-            }
-            if (item.form == GpioForm::Frequency) {
-                // A frequency that the firmware does not know keeps the code of the pin before.
-                const int code = gpioFrequencyCode(cell, firmware);
-                if (code >= 0) frequencyCode = code;
-                number = frequencyCode;
-            }
-            if (item.width() == 2) {
-                putWord(first + place, number);
-            } else {
-                putByte(first + place, item.form == GpioForm::AsItStands ? number : toCount(number));
-            }
+            const ImageSource source{.member = "GPIO",
+                                     .cell = first + place,
+                                     .value = cellAt(first + place),
+                                     .element = pin,
+                                     .count = blockCells,
+                                     .part = place == 0 ? "" : ".parameter",
+                                     .partIndex = place - 1};
+            convertFrom(source, [&] {
+                float& cell = cellAt(first + place);
+                double number = item.form == GpioForm::Constant ? item.factor : encoded(*this, item, cell);
+                if (item.form == GpioForm::TableNumber) {
+                    if (cell != 1 && cell != 2) cell = 1;
+                    number = cell;
+                }
+                if (item.form == GpioForm::Frequency) {
+                    // A frequency that the firmware does not know keeps the code of the pin before.
+                    const int code = gpioFrequencyCode(cell, firmware);
+                    if (code >= 0) frequencyCode = code;
+                    number = frequencyCode;
+                }
+                if (item.width() == 2) {
+                    putWord(first + place, number);
+                } else {
+                    putByte(first + place, item.form == GpioForm::AsItStands ? number : toCount(number));
+                }
+            });
             place += item.width();
         }
         for (; recipe->zeroRest && place < blockCells; ++place) putByte(first + place, 0);

@@ -59,6 +59,22 @@ FirmwareVersion firmwareOf(const Unit& unit) {
     return {unit.FW_Release(), unit.FW_Build()};
 }
 
+std::string pinNameOf(const GpioPin& pin) {
+    return "pin " + numberText(pin.pin) + " (" + std::string(pin.wire) + ")";
+}
+
+/// The release that a need stands for, where no firmware code says more.
+int releaseFor(GpioNeeds needs) {
+    switch (needs) {
+        case GpioNeeds::DatalogFirmware:
+            return 2;
+        case GpioNeeds::BoostFirmware:
+            return 4;
+        default:
+            return 0;
+    }
+}
+
 bool takes(GpioSide pin, GpioSide function) {
     return pin == function || pin == GpioSide::Both || function == GpioSide::Both;
 }
@@ -103,10 +119,11 @@ int GpioModel::storedCode(int pin) const {
 
 // ---- Functions
 
-bool GpioModel::elsewhere(int code, int pin) const {
-    return std::ranges::any_of(pins().rows, [&](const GpioPin& other) {
-        return other.pin != pin && other.side != GpioSide::Output && storedCode(other.pin) == code;
+const GpioPin* GpioModel::pinWith(int code, int besides) const {
+    const auto found = std::ranges::find_if(pins().rows, [&](const GpioPin& other) {
+        return other.pin != besides && other.side != GpioSide::Output && storedCode(other.pin) == code;
     });
+    return found == pins().rows.end() ? nullptr : &*found;
 }
 
 bool GpioModel::firmwareAllows(const GpioFunction& function) const {
@@ -128,13 +145,14 @@ bool GpioModel::firmwareAllows(const GpioFunction& function) const {
     return true;
 }
 
+bool GpioModel::isOnSpeedPin(const GpioFunction& function, const GpioPin& pin) const {
+    if (function.speedInput == 0) return true;
+    return pins().speedPins.at(static_cast<std::size_t>(function.speedInput - 1)) == pin.pin;
+}
+
 bool GpioModel::offers(const GpioFunction& function, const GpioPin& pin) const {
     if ((function.offeredOn & pins().kind) == 0 || !takes(pin.side, function.side)) return false;
-    if (function.speedInput != 0) {
-        const auto at = static_cast<std::size_t>(function.speedInput - 1);
-        if (pins().speedPins.at(at) != pin.pin) return false;
-    }
-    if (!firmwareAllows(function)) return false;
+    if (!isOnSpeedPin(function, pin) || !firmwareAllows(function)) return false;
     if (!function.onePinOnly) return true;
     return storedCode(pin.pin) == function.code || !elsewhere(function.code, pin.pin);
 }
@@ -154,9 +172,82 @@ GpioFunctionList GpioModel::Show_GPIO_Func(int pin) const {
 GpioChoice GpioModel::choose(int pin, int code) {
     if (unit_.ONFLY_MODE()) return GpioChoice::UnitInUse;
     if (storedCode(pin) == code) return GpioChoice::Unchanged;
+    if (!whyNot(pin, code).empty()) return GpioChoice::NotOffered;
     unit_.Zeroize_GPIO(pin);
     unit_.Set_GPIO_Func(pin, code);
     return GpioChoice::Changed;
+}
+
+std::string GpioModel::whyNot(int pin, int code) const {
+    const GpioPin* row = pins().find(pin);
+    if (row == nullptr) return std::string(unit_.kind().model) + " has no pin " + numberText(pin);
+    std::string reason;
+    for (const GpioFunction& function : gpioFunctions()) {
+        if (function.code != code) continue;
+        if (offers(function, *row)) return {};
+        // Of two rows with one code, the one that the kind has tells more.
+        if (reason.empty() || (function.offeredOn & pins().kind) != 0) reason = whyNot(function, *row);
+    }
+    if (reason.empty()) reason = numberText(code) + " is no function of " + std::string(unit_.kind().model);
+    return reason + "; " + offeredText(pin);
+}
+
+std::string GpioModel::whyNot(const GpioFunction& function, const GpioPin& pin) const {
+    const std::string name = "\"" + std::string(function.listText) + "\"";
+    const std::string here = pinNameOf(pin);
+    if ((function.offeredOn & pins().kind) == 0) {
+        return name + " is no function of " + std::string(unit_.kind().model);
+    }
+    if (!takes(pin.side, function.side)) {
+        const bool input = function.side == GpioSide::Input;
+        return name + " is for " + (input ? "inputs" : "outputs") + ", and " + here + " is an " +
+               (input ? "output" : "input");
+    }
+    if (!isOnSpeedPin(function, pin)) return name + " is not on " + here;
+    if (!firmwareAllows(function)) {
+        return name + " needs firmware of release " + numberText(releaseFor(function.needs)) +
+               ", and the calibration is for release " + numberText(unit_.FW_Release());
+    }
+    const GpioPin* other = pinWith(function.code, pin.pin);
+    return name + " is on " + (other == nullptr ? "another pin" : pinNameOf(*other)) +
+           " already, and only one input may have it";
+}
+
+std::string GpioModel::offeredText(int pin) const {
+    std::string text;
+    for (const GpioFunctionList::Item& item : Show_GPIO_Func(pin).items) {
+        text += (text.empty() ? "" : ", ") + numberText(item.code) + " " + item.text;
+    }
+    return "the pin offers " + (text.empty() ? "nothing" : text);
+}
+
+std::vector<std::string> GpioModel::oddFunctions() const {
+    std::vector<std::string> lines;
+    for (const GpioPin& pin : pins().rows) {
+        const int code = storedCode(pin.pin);
+        const std::string reason = code == 0 ? std::string() : whyNot(pin.pin, code);
+        if (!reason.empty()) lines.push_back(pinNameOf(pin) + ": " + reason);
+    }
+    for (const GpioDouble& each : doubled()) {
+        std::string on;
+        for (const int pin : each.pins) on += (on.empty() ? "" : ", ") + pinNameOf(*pins().find(pin));
+        lines.push_back("\"" + unit_.GPIO_Function_Name(each.code) + "\", which only one input may have, is on " +
+                        on);
+    }
+    return lines;
+}
+
+std::vector<GpioDouble> GpioModel::doubled() const {
+    std::vector<GpioDouble> found;
+    for (const GpioFunction& function : gpioFunctions()) {
+        if (!function.onePinOnly || (function.offeredOn & pins().kind) == 0) continue;
+        GpioDouble with{function.code, {}};
+        for (const GpioPin& pin : pins().rows) {
+            if (pin.side != GpioSide::Output && storedCode(pin.pin) == function.code) with.pins.push_back(pin.pin);
+        }
+        if (with.pins.size() > 1) found.push_back(std::move(with));
+    }
+    return found;
 }
 
 // ---- Parameters

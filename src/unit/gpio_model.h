@@ -49,11 +49,19 @@ struct GpioParamRow {
 enum class GpioChoice : std::uint8_t {
     Changed,    ///< all parameters of the pin are 0 now
     Unchanged,  ///< the pin has this function already; nothing was touched
-    UnitInUse   ///< refused: `gpioUnitInUseText` tells why, and the lists show the stored function
+    UnitInUse,  ///< refused: `gpioUnitInUseText` tells why, and the lists show the stored function
+    NotOffered  ///< refused: `whyNot` tells why
 };
 inline constexpr std::string_view gpioUnitInUseText =
     "GPIO function cannot be changed ONFLY.\nPlease turn the unit off or disconnect the serial cable.";
 inline constexpr std::string_view gpioUnitInUseTitle = "Unit Connected";
+
+/// A function that only one input may have, and the pins that have it all the same.
+struct GpioDouble {
+    int code = 0;
+    std::vector<int> pins;
+    bool operator==(const GpioDouble&) const = default;
+};
 
 /// Pulses of a speed sensor on the drive shaft in one mile. The tire's diameter is in inches.
 float gpioPulsesPerMile(float tireDiameter, float axleRatio, float pulsesPerTurn);
@@ -76,9 +84,16 @@ class GpioModel {
     /// A list of parameters is shown: it must follow changes of scale and values.
     bool parametersLive() const { return live_; }
 
-    /// Gives a pin another function, with all parameters 0. BoundsError for a pin that the kind does not
-    /// have.
+    /// Gives a pin another function that its list offers, with all parameters 0. BoundsError for a pin that
+    /// the kind does not have.
     GpioChoice choose(int pin, int code);
+    /// Why a pin may not have a function, on one line; empty where it may.
+    std::string whyNot(int pin, int code) const;
+    /// Lists never lead there, files may.
+    std::vector<GpioDouble> doubled() const;
+    /// What a file holds in spite of the lists, one line a pin. The code 0 of pins that were never set counts
+    /// as none.
+    std::vector<std::string> oddFunctions() const;
 
     /// Checks a typed value for a row of the pin's stored function and stores it; with ONFLY_MODE the unit is
     /// told. False when refused: the user has been told, the value is as it was. Rows without a value refuse
@@ -96,7 +111,11 @@ class GpioModel {
  private:
     bool offers(const GpioFunction& function, const GpioPin& pin) const;
     bool firmwareAllows(const GpioFunction& function) const;
-    bool elsewhere(int code, int pin) const;
+    bool elsewhere(int code, int pin) const { return pinWith(code, pin) != nullptr; }
+    const GpioPin* pinWith(int code, int besides) const;
+    bool isOnSpeedPin(const GpioFunction& function, const GpioPin& pin) const;
+    std::string whyNot(const GpioFunction& function, const GpioPin& pin) const;
+    std::string offeredText(int pin) const;
     const GpioPins& pins() const;
     std::span<const GpioRow> rowsOf(int code) const;
     GpioParamRow shown(const GpioRow& row, int pin, int code) const;

@@ -6,12 +6,15 @@
 #include "unit/counts.h"
 #include "unit/gpio_image.h"
 #include "unit/image_layout.h"
+#include "unit/image_source.h"
 #include "unit/parameter_rules.h"
 #include "unit/unit.h"
 
 namespace zentaq {
 
 namespace {
+
+constexpr int cylindersCell = 8;
 
 /// The high and low byte of a 16-bit number; a negative number keeps a negative high byte.
 struct WordBytes {
@@ -32,6 +35,12 @@ struct Atmosphere {
 constexpr std::array<Atmosphere, 5> atmospheres = {
     {{"kPa", 101.325, 0}, {"PSIA", 14.696, 0}, {"PSIG", 0, -14.696}, {"mmHg", 760, 0}, {"inHg", 29.921, 0}}};
 
+/// A number that goes into the image without rounding; Overflow for what no record can be made of.
+double fitting(double value) {
+    toInt32(value);
+    return value;
+}
+
 Atmosphere atmosphereOf(std::string_view units) {
     for (const Atmosphere& row : atmospheres) {
         if (row.units == units) return row;
@@ -39,11 +48,38 @@ Atmosphere atmosphereOf(std::string_view units) {
     return {units, 0, 0};
 }
 
+/// A cell that is no member: of an output table, or without a name.
+ImageSource looseSource(const CellMap& map, int cell, float value) {
+    constexpr int tableElements = 256;
+    for (const std::size_t table : {0U, 1U}) {
+        const int element = cell - map.outputTable[table];
+        if (element < 0 || element >= tableElements) continue;
+        return {table == 0 ? "GPO1" : "GPO2", cell, value, element, tableElements};
+    }
+    return {"cell", cell, value};
+}
+
+/// The axis whose stop points begin at a cell.
+std::string_view stopsAt(int cell) {
+    switch (cell) {
+        case 2226:
+            return "GPO1.Y-Axis";
+        case 2242:
+            return "GPO1.X-Axis";
+        case 2258:
+            return "GPO2.Y-Axis";
+        case 2274:
+            return "GPO2.X-Axis";
+        default:
+            return "cell";
+    }
+}
+
 }  // namespace
 
 double Encoding::number(Unit& unit, double value) const {
     const double result = special != nullptr ? special(unit, value) : (value + shift) * factor / divisor;
-    return whole ? toCount(result) : result;
+    return whole ? toCount(result) : fitting(result);
 }
 
 void Unit::putWord(int index, double value) {
@@ -66,7 +102,8 @@ void Unit::convertMembers() {
         if (row.image.bytes == Bytes::None) continue;
         for (int i = 0; i < row.count; ++i) {
             const int cell = row.cell(i);
-            putCell(row.image, cell + row.image.indexOffset, cellAt(cell));
+            convertFrom({row.name, cell, cellAt(cell), i, row.count},
+                        [&] { putCell(row.image, cell + row.image.indexOffset, cellAt(cell)); });
         }
     }
 }
@@ -74,9 +111,13 @@ void Unit::convertMembers() {
 void Unit::convertLooseCells() {
     const ImageLayout& layout = *kind_->image;
     for (const auto& [cells, encoding] : layout.looseCells) {
-        for (int i = cells.first; i <= cells.last; ++i) putCell(encoding, i, cellAt(i));
+        for (int i = cells.first; i <= cells.last; ++i) {
+            convertFrom(looseSource(kind_->cells, i, cellAt(i)), [&] { putCell(encoding, i, cellAt(i)); });
+        }
     }
-    for (const auto& [image, cell] : layout.movedCells) putByte(image, cellAt(cell));
+    for (const auto& [image, cell] : layout.movedCells) {
+        convertFrom({"cell", cell, cellAt(cell)}, [&] { putByte(image, fitting(cellAt(cell))); });
+    }
     for (const auto& [first, last] : layout.zeros) {
         for (int i = first; i <= last; ++i) putByte(i, 0);
     }
@@ -89,17 +130,22 @@ void Unit::convertSensorWords() {
     const double ratio = (atmosphere - zero) / 101.325;
     const double scale = rules::mapScaler(*this);
     const double offset = rules::mapOffset(*this);
-    putWord(gainIndex, scale * ratio * 20.46 * 4096);
+    const CellMap& map = kind_->cells;
+    convertFrom({"MAP_Scaler", map.mapScaler, cellAt(map.mapScaler)},
+                [&] { putWord(gainIndex, scale * ratio * 20.46 * 4096); });
     // A unit without an atmosphere ("%Flow") has no ratio to divide by; the product without it is the same.
     const double word = ratio == 0 ? (offset + zero * scale) * 204.6
                                    : -((((-offset) / scale) - zero) / ratio) * scale * ratio * 204.6;
-    putWord(zeroIndex, word);
+    convertFrom({"MAP_Offset", map.mapOffset, cellAt(map.mapOffset)}, [&] { putWord(zeroIndex, word); });
 }
 
 void Unit::convertStopPoints() {
     constexpr int stops = 16;
     for (const auto& [image, cell] : kind_->image->stopRuns) {
-        for (int i = 0; i < stops; ++i) putWord(image + 2 * i, convertStopPointsToUnit(cell + i));
+        for (int i = 0; i < stops; ++i) {
+            const ImageSource source{stopsAt(cell), cell + i, cellAt(cell + i), i, stops};
+            convertFrom(source, [&] { putWord(image + 2 * i, convertStopPointsToUnit(cell + i)); });
+        }
     }
 }
 
@@ -108,11 +154,13 @@ void Unit::ConvertData() {
     settleFirmware();
     storeControlBytes();
     for (int i = 0; i < 3; ++i) putByte(i, controlByte(i));
+    // First too, so that a sensor that fits no word is named itself and not the first pressure that it spoils.
+    convertSensorWords();
     convertMembers();
     convertLooseCells();
     convertGpioBlocks();
     // kept: the trims are spread behind the fuel trim bytes, which show the cells as they were before.
-    Initialize_Trims();
+    convertFrom({"CYL_Number", cylindersCell, cellAt(cylindersCell)}, [&] { Initialize_Trims(); });
     convertTrims();
     convertStopPoints();
     convertSensorWords();

@@ -116,7 +116,11 @@ float mapOffset(const Unit& unit) {
 Limits toothOffset1(Unit& unit, int, float) {
     if (!unit.hasPIC18()) return {1, 58, "(1 to 58 Tooth OffSet)"};
     const Parameter none;
-    return limitsOf(readToothMin(unit, none, 0), readToothMax(unit, none, 0), " Tooth OffSet");
+    const float first = readToothMin(unit, none, 0);
+    const float last = readToothMax(unit, none, 0);
+    // The reference data lacks the engine: every tooth of the wheel may be meant.
+    if (first == 0 && last == 0) return {1, 58, "(1 to 58 Tooth OffSet)"};
+    return limitsOf(first, last, " Tooth OffSet");
 }
 
 Limits toothOffset2(Unit& unit, int, float) {
@@ -140,7 +144,9 @@ Limits tableRatio(Unit& unit, int, float) {
 }
 
 Limits lambdaValue(Unit&, int, float value) {
-    Limits limits = limitsOf(0, 29.28, " AFR");
+    // A ratio of 0 has no reciprocal, and below this one the image has no 16 bits for it.
+    constexpr double lowest = 0.12;
+    Limits limits = limitsOf(lowest, 29.28, " AFR");
     if (!std::isnan(value)) limits.text = "Value: " + numberText(value) + " " + limits.text;
     return limits;
 }

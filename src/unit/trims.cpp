@@ -1,5 +1,6 @@
 #include "base/rounding.h"
 #include "unit/counts.h"
+#include "unit/image_source.h"
 #include "unit/unit.h"
 
 namespace zentaq {
@@ -44,7 +45,8 @@ void Unit::Initialize_Trims() {
 void Unit::convertTrims() {
     for (int i = 0; i < injectorOutputs; ++i) {
         const int index = kind_->cells.trimSent + i;
-        putByte(index, trimByte(cellAt(index)));
+        convertFrom({"INJTRIM.sent", index, cellAt(index), i, injectorOutputs},
+                    [&] { putByte(index, trimByte(cellAt(index))); });
     }
 }
 

@@ -169,7 +169,10 @@ void FrmDashBoard::draw() {
     ++redraws_;
     Unit& unit = shownUnit();
     const DashboardSettings settings = DashboardSettings::from(session_.settings());
-    gauges_.UPDATE_DISPLAY(session_.live, unit, settings);
+    // The object of a linked unit without a calibration has a ratio too, but nobody has chosen it.
+    std::optional<float> ratio;
+    if (session_.currentUnit() != 0) ratio = session_.currentUnitObject().get("AFR");
+    gauges_.UPDATE_DISPLAY(session_.live, unit, settings, ratio);
     drawNeedles();
     drawReadings();
     drawAlarms();

@@ -202,6 +202,24 @@ TEST(CalibrationMerge, APinGoesWithItsParameters) {
     EXPECT_THAT(result.conflicts[0].first, ::testing::StartsWith("8 Full Table, 1, 30, "));
 }
 
+TEST(CalibrationMerge, AFunctionOfOneInputOnTwoPinsIsAConflict) {
+    Three files({{336 + 4 * 9, 22}, {336 + 5 * 9, 22}});
+    files.first.set(336 + 4 * 9, 12);
+    files.second.set(336 + 5 * 9, 12);
+    EXPECT_THAT(files.conflicts(),
+                ElementsAre("GPIO[4] and [5]: 22 DISABLED, 22 DISABLED in the base, 12 Fuel Trim, 22 DISABLED "
+                            "in the first, 22 DISABLED, 12 Fuel Trim in the second"));
+    files.second.set(336 + 5 * 9, 14);
+    EXPECT_EQ(files.result().at(336 + 5 * 9), 14);
+}
+
+TEST(CalibrationMerge, AFunctionThatOneSideHasTwiceAlreadyIsNoQuarrel) {
+    Three files({{336 + 4 * 9, 12}, {336 + 5 * 9, 12}});
+    files.first.set(34, 60);
+    EXPECT_EQ(files.result().at(34), 60);
+    EXPECT_EQ(files.result().at(336 + 5 * 9), 12);
+}
+
 TEST(CalibrationMerge, TheSizeOfATableIsAPair) {
     Three files({{2292, 16}, {2293, 16}, {2294, 16}, {2295, 16}});
     files.first.set(2292, 12);

@@ -176,7 +176,7 @@ TEST(Display, ACellOfTheSensorCurveLiesBetweenItsNeighbours) {
     EXPECT_EQ(shown.text("EGO_AFRatio", 1), "15.89");
     EXPECT_EQ(shown.field("EGO_AFRatio", 1).range, "(14.9 to 22.4 AFR, 2)");
     EXPECT_EQ(shown.field("EGO_AFRatio", 0).range, "(15.89 to 29.28 AFR, 2)");
-    EXPECT_EQ(shown.field("EGO_AFRatio", 9).range, "(0 to 11.2 AFR, 2)");
+    EXPECT_EQ(shown.field("EGO_AFRatio", 9).range, "(0.12 to 11.2 AFR, 2)");
 }
 
 TEST(Display, CurvesBearTheirAxes) {

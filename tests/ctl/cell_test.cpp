@@ -51,6 +51,27 @@ TEST_F(Zentaqctl, CellChangesACharacterOfTheName) {
     EXPECT_EQ(cellOf(file, 561), 't');  // of "Street", the name of the file
 }
 
+TEST_F(Zentaqctl, CellOfAFunctionGoesTheWayOfGpioFunc) {
+    ASSERT_EQ(onFile("set", "GPIO_Func 6 --index 3").exitCode, 0);
+    ASSERT_EQ(onFile("set", "GPIO_Param 6500 --index 24").exitCode, 0);
+    EXPECT_EQ(onFile("cell", "363 6").exitCode, 0);  // as it is
+    EXPECT_EQ(cellOf(file, 364), 6500);
+    const std::string before = contentOf(file);
+    EXPECT_THAT(onFile("cell", "363 12").error,
+                StartsWith("cell 363 is the function of pin 3: \"Fuel Trim\" is for inputs, and pin 3 (W21) is "
+                           "an output; "));
+    expectRefused(onFile("cell", "363 6.5"), "cell 363 is the function of pin 3, a whole number");
+    expectRefused(onFile("cell", "363 -1"), "cell 363 is the function of pin 3, a whole number");
+    EXPECT_EQ(contentOf(file), before);
+    const Outcome outcome = onFile("cell", "363 8");
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.error, "cell 363 is the function of pin 3: the pin's parameters are 0 now\n");
+    EXPECT_EQ(cellOf(file, 363), 8);
+    EXPECT_EQ(cellOf(file, 364), 0);
+    EXPECT_EQ(onFile("cell", "364 6500").exitCode, 0);  // a parameter as it stands
+    EXPECT_EQ(cellOf(file, 364), 6500);
+}
+
 TEST_F(Zentaqctl, CellOutsideTheCalibrationFails) {
     for (const char* index : {"-1", "3001", "-1 5", "3001 5"}) {
         const Outcome outcome = onFile("cell", index);

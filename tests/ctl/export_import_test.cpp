@@ -30,6 +30,21 @@ TEST_F(ZentaqctlText, ImportMakesTheSameFileOfEverySample) {
     }
 }
 
+TEST_F(ZentaqctlText, ImportTellsOfFunctionsThatNoListOffers) {
+    plant(336, 16);          // an input function on the first output
+    plant(336 + 5 * 9, 12);  // and one that only one input may have on two
+    plant(336 + 6 * 9, 12);
+    ASSERT_EQ(onFile("export", "-o " + inQuotes(text)).exitCode, 0);
+    const Outcome outcome = run("import " + inQuotes(text) + " -o " + inQuotes(again));
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_TRUE(contentOf(again) == contentOf(file));
+    const auto lines = linesOf(outcome.error);
+    ASSERT_EQ(lines.size(), 2U) << outcome.error;
+    EXPECT_THAT(lines[0], StartsWith(again + ": pin 0 (W18): \"Advance Trim\" is for inputs"));
+    EXPECT_EQ(lines[1],
+              again + ": \"Fuel Trim\", which only one input may have, is on pin 5 (G17), pin 6 (G18)");
+}
+
 TEST_F(ZentaqctlText, ImportTakesTheStandardInput) {
     const std::string listing = onFile("export").out;
     EXPECT_EQ(run("import - -o " + inQuotes(again), listing).exitCode, 0);

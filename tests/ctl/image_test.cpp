@@ -85,11 +85,40 @@ TEST_F(Zentaqctl, ImageDoesNotWriteOverTheCalibration) {
     EXPECT_EQ(onFile("image", "-o " + inQuotes(folder.file("no/such/out.s19"))).exitCode, 1);
 }
 
-TEST_F(Zentaqctl, ImageOfAValueThatFitsNoByteNamesTheFile) {
-    plant(34, 1e6F);  // KNK_MIN, one byte
+struct Unfit {
+    int cell;
+    float value;
+    const char* told;
+};
+
+class ZentaqctlUnfit : public Zentaqctl, public ::testing::WithParamInterface<Unfit> {};
+
+TEST_P(ZentaqctlUnfit, ValueMakesNoImageAndIsNamedWithItsMemberAndCell) {
+    const auto& [cell, value, told] = GetParam();
+    plant(cell, value);
     expectRefused(onFile("image", "-o " + inQuotes(folder.file("x.s19"))),
-                  file + " makes no image: a value does not fit the bytes that the unit has for it");
+                  file + " makes no image: " + told +
+                      ", which does not fit the bytes that the unit has for it");
     EXPECT_FALSE(fs::exists(folder.file("x.s19")));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cells, ZentaqctlUnfit,
+    ::testing::Values(Unfit{34, 1e6F, "KNK_MIN (cell 34) holds 1000000"},
+                      Unfit{656 + 3 * 16 + 5, 1e20F, "ADV[3,5] (cell 709) holds 1E+20"},
+                      Unfit{283, 0, "Y[0] (cell 283) holds 0"},  // a ratio of 0 has no reciprocal
+                      Unfit{237 + 2, 1e7F, "BATCom[2] (cell 239) holds 1E+07"},
+                      Unfit{1680 + 17, 1e6F, "GPO1[1,1] (cell 1697) holds 1000000"},
+                      Unfit{2312 + 1, 1e6F, "INJTRIM.sent[1] (cell 521) holds 1000000"},
+                      Unfit{2242 + 3, 1e6F, "GPO1.X-Axis[3] (cell 2245) holds 1000000"},
+                      Unfit{8, 1e20F, "CYL_Number (cell 8) holds 1E+20"},
+                      Unfit{126, 1e6F, "MAP_Scaler (cell 126) holds 1000000"}));
+
+TEST_F(Zentaqctl, ImageNamesAParameterOfAPinThatFitsNoByte) {
+    ASSERT_EQ(onFile("set", "GPIO_Func 6 --index 2").exitCode, 0);
+    plant(336 + 2 * 9 + 1, 1e7F);  // speed of the shift light
+    const Outcome outcome = onFile("image", "-o " + inQuotes(folder.file("x.s19")));
+    EXPECT_THAT(outcome.error, HasSubstr("GPIO[2].parameter[0] (cell 355) holds 1E+07"));
 }
 
 }  // namespace

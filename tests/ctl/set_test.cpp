@@ -206,6 +206,65 @@ TEST_F(Zentaqctl, SetWritesInputsAndOutputs) {
                   "Warning 1000: Data Input Error: Non-numeric value detected. Retype Data");
 }
 
+TEST_F(Zentaqctl, ANewFunctionBeginsWithAllParametersZero) {
+    ASSERT_EQ(onFile("set", "GPIO_Func 6 --index 3").exitCode, 0);
+    ASSERT_EQ(onFile("set", "GPIO_Param 6500 --index 24").exitCode, 0);
+    EXPECT_EQ(onFile("set", "GPIO_Func 6 --index 3").exitCode, 0);  // the one that it has
+    EXPECT_EQ(cellOf(file, 336 + 28), 6500);
+    EXPECT_EQ(onFile("set", "GPIO_Func 8 --index 3").exitCode, 0);
+    EXPECT_EQ(cellOf(file, 336 + 27), 8);
+    for (int cell = 336 + 28; cell < 336 + 36; ++cell) EXPECT_EQ(cellOf(file, cell), 0) << cell;
+}
+
+TEST_F(Zentaqctl, AFunctionThatThePinDoesNotOfferIsRefusedWithTheReason) {
+    ASSERT_EQ(onFile("set", "GPIO_Func 12 --index 4").exitCode, 0);
+    const std::string before = contentOf(file);
+    const auto refused = [&](const char* arguments, const char* why) {
+        const Outcome outcome = onFile("set", std::string("GPIO_Func ") + arguments);
+        EXPECT_EQ(outcome.exitCode, 1) << arguments;
+        EXPECT_THAT(outcome.error, StartsWith(why));
+        expectOneLine(outcome.error);
+    };
+    refused("12 --index 0", "GPIO_Func: \"Fuel Trim\" is for inputs, and pin 0 (W18) is an output; ");
+    refused("6 --index 5", "GPIO_Func: \"Shift Light\" is for outputs, and pin 5 (G17) is an input; ");
+    refused("12 --index 5", "GPIO_Func: \"Fuel Trim\" is on pin 4 (G16) already, and only one input may have it; ");
+    refused("26 --index 0", "GPIO_Func: 26 is no function of ORB A; the pin offers 0 DISABLED, ");
+    refused("11 --index 0", "GPIO_Func: \"IAC Output\" is no function of ORB A; ");
+    EXPECT_EQ(contentOf(file), before);
+}
+
+TEST_F(Zentaqctl, AReleaseThatFilesOfTheKindCanNameIsTaken) {
+    const std::string orbC = folder.file("Six.ZQ4OC");
+    fs::copy_file(sample("ORB C Six.ZQ4OC"), orbC);
+    EXPECT_EQ(run("set " + inQuotes(orbC) + " FW_Release 5").exitCode, 0);
+    EXPECT_EQ(run("get " + inQuotes(orbC) + " FW_Release").out, "5\n");
+    EXPECT_EQ(floatOf(orbC, 2), 5099);
+    expectRefused(run("set " + inQuotes(orbC) + " FW_Release 6"),
+                  "Warning 1001: Data Input Error: (1 to 5) - Invalid Entry.");
+}
+
+TEST_F(Zentaqctl, ASensorCurveTakesNoRatioOf0OrLess) {
+    for (const char* value : {"0", "-1", "-0.0"}) {
+        const Outcome outcome = onFile("set", std::string("Y ") + value);
+        EXPECT_EQ(outcome.exitCode, 1) << value;
+        EXPECT_THAT(outcome.error, HasSubstr("(0.12 to 29.28 AFR) - Invalid Entry."));
+    }
+    EXPECT_EQ(onFile("set", "Y 0.12 --index 0").exitCode, 0);
+    EXPECT_EQ(onFile("image", "-o " + inQuotes(folder.file("out.s19"))).exitCode, 0);
+}
+
+TEST_F(Zentaqctl, ANameTellsHowLongItStays) {
+    const Outcome outcome = onFile("set", "BiName 'Track day'");
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.error,
+              "BiName stays until the file is saved again: a save, an image and a unit take the name of the "
+              "file\n");
+    EXPECT_EQ(onFile("get", "BiName").out, "Track day\n");
+    ASSERT_EQ(onFile("set", "KNK_MIN 44").exitCode, 0);
+    EXPECT_EQ(onFile("get", "BiName").out, "Street\n");
+    EXPECT_THAT(onFile("members").out, HasSubstr("\tBiName\t"));
+}
+
 TEST_F(Zentaqctl, SetChecksAParameterByTheFunctionOfItsPin) {
     ASSERT_EQ(onFile("set", "GPIO_Func 6 --index 3").exitCode, 0);  // shift light: one speed
     ASSERT_EQ(onFile("set", "GPIO_Param 20000 --index 24").exitCode, 0);

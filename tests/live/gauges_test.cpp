@@ -109,13 +109,23 @@ class Dashboard : public testing::Test {
         test::Calibration calibration(slot);
         calibration.unit.AssignDirectIndex(8500, 58);  // REV_Limiter
         calibration.unit.AssignDirectIndex(14.7F, test::afrCell);
-        gauges.UPDATE_DISPLAY(live, calibration.unit, settings);
+        gauges.UPDATE_DISPLAY(live, calibration.unit, settings, 14.7F);
     }
 
     LiveValues live;
     DashboardSettings settings{.CLTAlarmValue = 100, .MATAlarmValue = 60};
     Gauges gauges;
 };
+
+TEST_F(Dashboard, TheRatioNeedleScalesOnlyByACalibrationInHand) {
+    test::Calibration linked(3);
+    linked.unit.AssignDirectIndex(7.35F, test::afrCell);  // half of petrol: the needle would show 28
+    live.AAFR = 14.5F;
+    gauges.UPDATE_DISPLAY(live, linked.unit, settings, {});
+    EXPECT_NEAR(gauges.angle(Needle::AFR), 0.5 * 48.7 - 96, 1e-3);
+    gauges.UPDATE_DISPLAY(live, linked.unit, settings, 7.35F);
+    EXPECT_NEAR(gauges.angle(Needle::AFR), (29 - 15) * 3.4 - 40, 1e-3);
+}
 
 TEST_F(Dashboard, AlarmsBeginAtTheirThresholds) {
     live.CLT = 99;

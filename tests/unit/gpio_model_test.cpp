@@ -418,6 +418,71 @@ TEST(ChoosingAFunction, OnAPinThatTheKindDoesNotHaveThrows) {
     }
 }
 
+TEST(ChoosingAFunction, ThatThePinDoesNotOfferChangesNothing) {
+    GpioCalibration cal(3);
+    cal.unit.Set_GPIO_Func(0, 6);
+    cal.unit.Set_GPIO_Param(0, 0, 6500);
+    for (const int code : {11, 12, 22, 26, 29, 99, -1}) {
+        EXPECT_EQ(cal.model.choose(0, code), GpioChoice::NotOffered) << code;
+        EXPECT_FALSE(cal.model.whyNot(0, code).empty()) << code;
+    }
+    EXPECT_EQ(cal.unit.Get_GPIOFUNC(0), 6);
+    EXPECT_EQ(cal.unit.Get_GPIO_Param(0, 0), 6500);
+}
+
+TEST(ChoosingAFunction, IsAllowedForEveryFunctionOfTheListAndForNoOther) {
+    for (const auto& [slot, base, pins] : pinBlocks) {
+        for (const int release : {1, 2, 4, 5}) {
+            GpioCalibration cal(slot, release);
+            for (const GpioPinRow& row : cal.model.Show_GPIO()) {
+                const std::vector<int> offered = cal.codes(row.pin);
+                for (int code = -1; code <= 40; ++code) {
+                    const bool listed = std::ranges::find(offered, code) != offered.end();
+                    EXPECT_EQ(cal.model.whyNot(row.pin, code).empty(), listed)
+                        << slot << " pin " << row.pin << " code " << code;
+                }
+            }
+        }
+    }
+}
+
+TEST(RefusedFunctions, TellTheReasonAndWhatThePinOffers) {
+    GpioCalibration cal(3);
+    cal.unit.Set_GPIO_Func(4, 12);
+    const std::string inputs =
+        "; the pin offers 22 DISABLED, 13 AC Load, 14 Valet Switch, 15 Datalog Enable, 16 Advance Trim, "
+        "17 GPO Trim #1, 18 GPO Trim #2, 19 Nitrous Retard, 20 Timed Advance, 23 Timed Power Cut";
+    EXPECT_EQ(cal.model.whyNot(5, 12),
+              "\"Fuel Trim\" is on pin 4 (G16) already, and only one input may have it" + inputs);
+    EXPECT_EQ(cal.model.whyNot(5, 6),
+              "\"Shift Light\" is for outputs, and pin 5 (G17) is an input" + inputs);
+    EXPECT_EQ(cal.model.whyNot(5, 26), "26 is no function of ORB A" + inputs);
+    EXPECT_EQ(cal.model.whyNot(5, 11), "\"IAC Output\" is no function of ORB A" + inputs);
+    EXPECT_EQ(cal.model.whyNot(5, 21), "\"Speed Input 2\" is not on pin 5 (G17)" + inputs);
+    EXPECT_THAT(cal.model.whyNot(0, 16),
+                ::testing::StartsWith("\"Advance Trim\" is for inputs, and pin 0 (W18) is an output; "));
+    EXPECT_EQ(cal.model.whyNot(8, 6), "ORB A has no pin 8");
+    cal.unit.FW_Release(3);
+    cal.host.head.firmwareCode = 0;
+    EXPECT_THAT(cal.model.whyNot(0, 25),
+                ::testing::StartsWith("\"Boost Control\" needs firmware of release 4, and the calibration is "
+                                      "for release 3; "));
+}
+
+TEST(OddFunctions, OfAFileAreNamedPinByPin) {
+    GpioCalibration cal(3);
+    for (int pin = 0; pin < 8; ++pin) cal.unit.Set_GPIO_Func(pin, 0);  // an input of an older file has 0 as well
+    EXPECT_TRUE(cal.model.oddFunctions().empty());
+    cal.unit.Set_GPIO_Func(1, 12);
+    cal.unit.Set_GPIO_Func(4, 14);
+    cal.unit.Set_GPIO_Func(6, 14);
+    const auto odd = cal.model.oddFunctions();
+    ASSERT_EQ(odd.size(), 2U);
+    EXPECT_THAT(odd[0], ::testing::StartsWith("pin 1 (W19): \"Fuel Trim\" is for inputs"));
+    EXPECT_EQ(odd[1], "\"Valet Switch\", which only one input may have, is on pin 4 (G16), pin 6 (G18)");
+    EXPECT_EQ(cal.model.doubled(), (std::vector<GpioDouble>{{14, {4, 6}}}));
+}
+
 // ---- The firmware that a function tells
 
 struct Recorded {

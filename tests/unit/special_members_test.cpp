@@ -66,6 +66,27 @@ TEST_F(SpecialMember, TheFirstToothOffsetTakesTheEnginesTeethWithANewProcessor) 
     EXPECT_TRUE(lite.set("TOFFSET1", 31));
 }
 
+TEST_F(SpecialMember, AnEngineThatTheReferenceDataLacksLeavesEveryToothOffset) {
+    Unit lite(orbLiteKind(), host);
+    lite.set("Option_Type", 77);
+    lite.hasPIC18(true);
+    EXPECT_EQ(lite.limits("TOFFSET1").text, "(1 to 58 Tooth OffSet)");
+    EXPECT_TRUE(lite.set("TOFFSET1", 1));
+    EXPECT_TRUE(lite.set("TOFFSET1", 58));
+    EXPECT_FALSE(lite.set("TOFFSET1", 0));
+    EXPECT_FALSE(lite.set("TOFFSET1", 59));
+    lite.set("TOOTHMIN", 3);
+    lite.set("TOOTHMAX", 44);
+    EXPECT_EQ(lite.limits("TOFFSET1").text, "(3 to 44 Tooth OffSet)");
+}
+
+TEST_F(SpecialMember, ARatioOfTheSensorCurveIsAbove0) {
+    EXPECT_FALSE(unit.set("Y", 0, 3));
+    EXPECT_EQ(host.warnings.back().text, "Value: 0 (0.12 to 29.28 AFR)");
+    EXPECT_FALSE(unit.set("Y", -1, 3));
+    EXPECT_TRUE(unit.set("Y", 0.12, 3));
+}
+
 TEST_F(SpecialMember, TheSecondToothOffsetStartsAtTheFirst) {
     unit.set("TOFFSET1", 12);
     EXPECT_EQ(refusal("TOFFSET2", 11), "(12 to 58 Tooth OffSet)");
@@ -230,7 +251,7 @@ TEST_F(SpecialMember, TheSensorCurveTakesAnotherRatioOnTheFly) {
     EXPECT_TRUE(unit.set("Set_Y", 13.2F, 4));
     EXPECT_EQ(unit.DirectIndex(287), 13.2F);
     EXPECT_THAT(host.sent, ElementsAre(recordOf(287, {104})));
-    EXPECT_EQ(host.rangeChecks.back().text, "Value: 13.2 (0 to 29.28 AFR)");
+    EXPECT_EQ(host.rangeChecks.back().text, "Value: 13.2 (0.12 to 29.28 AFR)");
     EXPECT_FALSE(unit.set("Set_Y", 29.3F, 4));
     unit.ConvertData();
     EXPECT_EQ(cal.image(287), 155);
@@ -238,9 +259,11 @@ TEST_F(SpecialMember, TheSensorCurveTakesAnotherRatioOnTheFly) {
     EXPECT_EQ(unit.get("Y", 4), 287);
 }
 
-TEST_F(SpecialMember, ARatioOfZeroIsStoredAndItsRecordIsReportedAsNotSent) {
+TEST_F(SpecialMember, ARatioThatFitsNoRecordIsStoredAndReportedAsNotSent) {
+    unit.set("AFR", 40);  // (40 / 0.12 - 0.5) * 255 = 84872 has more than 16 bits
     unit.ONFLY_MODE(true);
-    EXPECT_TRUE(unit.set("Set_Y", 0, 0));
+    host.forget();
+    EXPECT_TRUE(unit.set("Set_Y", 0.12, 0));
     EXPECT_THAT(host.sent, IsEmpty());
     EXPECT_THAT(host.log, ElementsAre("ONFLY Conversion/Transmission Error; Data Not Sent."));
 }

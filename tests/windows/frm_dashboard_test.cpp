@@ -466,6 +466,25 @@ TEST_F(Dashboard, DayIsBrightAndNightIsDark) {
     EXPECT_LT(corner(), 60);
 }
 
+TEST_F(Dashboard, WithoutACalibrationTheRatioNeedleIsNotScaled) {
+    fake.session.link.load();
+    fake.session.link.Send_ORB_Command("E");
+    fake.session.link.tick();
+    fake.port.deliver({0xFA, 0xA5, 0x55, 0x00, 0x03, 0x0D, 0x40, 0x50});  // 200000: an ORB A
+    fake.session.link.tick();
+    ASSERT_EQ(fake.session.link.linked().LinkedUnitKind, orbA);
+    unit().AssignDirectIndex(7.35F, 2225);  // of the unit's object: half of petrol
+    fake.session.live.AAFR = 14.5F;
+    fake.clock.nowUs += 1'000'000;
+    board->UPDATE_DISPLAY();
+    EXPECT_NEAR(board->panel().gauge("AFR").angle(), (29 - 15) * 3.4 - 40, 1e-3);
+    fake.session.CurrentUnit(0);
+    fake.clock.nowUs += 1'000'000;
+    board->UPDATE_DISPLAY();
+    EXPECT_NEAR(board->panel().gauge("AFR").angle(), 0.5 * 48.7 - 96, 1e-3);
+    EXPECT_EQ(fake.session.Units(orbA).DirectIndex(2225), 7.35F);
+}
+
 TEST_F(Dashboard, WithoutACalibrationOverRevStaysDark) {
     fake.session.CurrentUnit(0);
     fake.session.live.RPM = 3250;
