@@ -9,6 +9,7 @@
 #include <array>
 
 #include "qt/look.h"
+#include "windows/outlined.h"
 
 namespace zentaq {
 namespace {
@@ -266,12 +267,13 @@ QLayout* FrmDashBoardPanel::makeStatus() {
     lblCheckEngine->setFrameShape(QFrame::StyledPanel);
     lblCheckEngine->setAutoFillBackground(true);
     lblCheckEngine->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
-    txtGPIO = new QLineEdit(this);
+    txtGPIO = new OutlinedField(this);
     txtGPIO->setObjectName("txtGPIO");
     txtGPIO->setAccessibleName("State of the chosen input or output");
     txtGPIO->setReadOnly(true);
     txtGPIO->setFocusPolicy(Qt::NoFocus);
     lstGPO = new QListWidget(this);
+    lstGPO->setItemDelegate(new OutlinedRows(lstGPO));
     lstGPO->setObjectName("lstGPO");
     lstGPO->setAccessibleName("Inputs and outputs");
     lstGPO->setUniformItemSizes(true);
@@ -296,7 +298,7 @@ void FrmDashBoardPanel::makeNoConnect() {
     fraNoConnect->setLineWidth(2);
     fraNoConnect->setAutoFillBackground(true);
     auto* layout = new QVBoxLayout(fraNoConnect);
-    lblGeneral = new QLabel(fraNoConnect);
+    lblGeneral = new OutlinedLabel(fraNoConnect);
     lblGeneral->setObjectName("lblGeneral");
     lblGeneral->setAlignment(Qt::AlignCenter);
     lblGeneral->setFont(valueFont(1.6));

@@ -8,6 +8,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "windows/outlined.h"
+
 namespace zentaq {
 namespace {
 
@@ -162,10 +164,9 @@ void GaugeWidget::drawFace(QPainter& painter) const {
     QFont caption = font();
     caption.setPixelSize(std::max(8, static_cast<int>(r * 0.13)));
     painter.setFont(caption);
-    painter.setPen(colors_.labels);
     const QPointF middle = place(face_.captionAt);
-    painter.drawText(QRectF(middle.x() - r, middle.y() - r * 0.2, 2 * r, r * 0.4), Qt::AlignCenter,
-                     face_.caption);
+    drawOutlined(painter, QRectF(middle.x() - r, middle.y() - r * 0.2, 2 * r, r * 0.4), Qt::AlignCenter,
+                 face_.caption, colors_.labels, colors_.face);
 }
 
 void GaugeWidget::drawTicks(QPainter& painter) const {
@@ -176,13 +177,13 @@ void GaugeWidget::drawTicks(QPainter& painter) const {
     painter.setFont(numbers);
     for (const auto& tick : face_.ticks) {
         const bool major = !tick.label.isEmpty();
-        painter.setPen(
-            QPen(colors_.lights, std::max(1.0, r * (major ? 0.024 : 0.012)), Qt::SolidLine, Qt::FlatCap));
-        painter.drawLine(onCircle(tick.angle, major ? majorInner : minorInner),
-                         onCircle(tick.angle, tickOuter));
+        const QPen line(colors_.lights, std::max(1.0, r * (major ? 0.024 : 0.012)), Qt::SolidLine,
+                        Qt::FlatCap);
+        drawOutlined(painter, onCircle(tick.angle, major ? majorInner : minorInner),
+                     onCircle(tick.angle, tickOuter), line, colors_.face);
         const QPointF middle = onCircle(tick.angle, numberCircle);
-        painter.drawText(QRectF(middle.x() - r / 4, middle.y() - r / 8, r / 2, r / 4), Qt::AlignCenter,
-                         tick.label);
+        drawOutlined(painter, QRectF(middle.x() - r / 4, middle.y() - r / 8, r / 2, r / 4), Qt::AlignCenter,
+                     tick.label, colors_.lights, colors_.face);
     }
 }
 
@@ -190,11 +191,11 @@ void GaugeWidget::drawNeedle(QPainter& painter) const {
     const double r = radius();
     const Needle needle = needleAt(angle_);
     const QColor color = needleColor();
-    painter.setPen(QPen(color, std::max(2.0, r * 0.032), Qt::SolidLine, Qt::RoundCap));
-    painter.drawLine(needle.tail, needle.tip);
+    drawOutlined(painter, needle.tail, needle.tip,
+                 QPen(color, std::max(2.0, r * 0.032), Qt::SolidLine, Qt::RoundCap), colors_.face);
     if (face_.twoLines) {
-        painter.setPen(QPen(color, std::max(3.0, r * 0.07), Qt::SolidLine, Qt::RoundCap));
-        painter.drawLine(place({0, 0}), needle.shortTip);
+        drawOutlined(painter, place({0, 0}), needle.shortTip,
+                     QPen(color, std::max(3.0, r * 0.07), Qt::SolidLine, Qt::RoundCap), colors_.face);
     }
     painter.setPen(QPen(colors_.edge, std::max(1.0, r * 0.012)));
     painter.setBrush(colors_.face);

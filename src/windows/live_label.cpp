@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <array>
 
+#include "windows/outlined.h"
+
 namespace zentaq {
 namespace {
 
@@ -42,6 +44,13 @@ QFont fitted(QFont font, const QString& text, double width, double height) {
 QColor inkOn(const QColor& color) {
     const int brightness = (color.red() * 299 + color.green() * 587 + color.blue() * 114) / 1000;
     return brightness > 128 ? Qt::black : Qt::white;
+}
+
+/// Around a field or a lamp: one that is lit stands out from the panel.
+QPen edgeOf(const std::optional<QColor>& lit, const DashColors& colors) {
+    constexpr double litEdge = 2;
+    const auto outline = lit ? outlineFor(*lit, colors.back) : std::nullopt;
+    return outline ? QPen(*outline, litEdge) : QPen(colors.edge, 1);
 }
 
 }  // namespace
@@ -109,16 +118,17 @@ void LiveLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const double rounding = height() * 0.08;
-    painter.setPen(QPen(colors_.edge, 1));
-    painter.setBrush(alarm_.value_or(colors_.face));
+    const QColor ground = alarm_.value_or(colors_.face);
+    painter.setPen(edgeOf(alarm_, colors_));
+    painter.setBrush(ground);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), rounding, rounding);
     const int side = std::max(2, static_cast<int>(width() * 0.05));
     const QRect head(side, static_cast<int>(height() * 0.05), width() - 2 * side,
                      static_cast<int>(height() * 0.27));
     painter.setFont(captionFont_);
-    painter.setPen(alarm_ ? inkOn(*alarm_) : colors_.labels);
-    painter.drawText(head, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, form_.caption);
-    painter.drawText(head, Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine, form_.unit);
+    const QColor ink = alarm_ ? inkOn(*alarm_) : colors_.labels;
+    drawOutlined(painter, QRectF(head), Qt::AlignLeft, form_.caption, ink, ground);
+    drawOutlined(painter, QRectF(head), Qt::AlignRight, form_.unit, ink, ground);
     paintDigits(painter, valueArea().adjusted(side, 0, -side, 0));
 }
 
@@ -126,7 +136,8 @@ void LiveLabel::paintDigits(QPainter& painter, const QRect& area) const {
     // A text longer than foreseen is made smaller, not cut.
     const QFont font = fitted(valueFont_, text_, area.width(), valueFont_.pixelSize());
     painter.setFont(font);
-    painter.setPen(alarm_ ? inkOn(*alarm_) : colors_.lights);
+    const QColor ink = alarm_ ? inkOn(*alarm_) : colors_.lights;
+    const QColor ground = alarm_.value_or(colors_.face);
     const QFontMetricsF metrics(font);
     const double digit = digitWidth(metrics);
     const double base = area.center().y() + (metrics.capHeight() + 1) / 2;
@@ -135,7 +146,7 @@ void LiveLabel::paintDigits(QPainter& painter, const QRect& area) const {
     for (auto letter = text_.crbegin(); letter != text_.crend(); ++letter) {
         const double place = placeWidth(metrics, *letter, digit);
         const double slack = place - metrics.horizontalAdvance(*letter);
-        painter.drawText(QPointF(right - place + slack / 2, base), *letter);
+        drawOutlined(painter, QPointF(right - place + slack / 2, base), QString(*letter), ink, ground);
         right -= place;
     }
 }
@@ -168,15 +179,15 @@ QSize LiveLamp::sizeHint() const {
 void LiveLamp::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(colors_.edge, 1));
+    painter.setPen(edgeOf(color_, colors_));
     painter.setBrush(color_.value_or(colors_.lampOff));
     const double radius = height() * 0.15;
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius, radius);
     QFont text = font();
     text.setWeight(QFont::Bold);
     painter.setFont(fitted(text, inscription_, width() * 0.86, height() * 0.42));
-    painter.setPen(color_ ? inkOn(*color_) : colors_.labels);
-    painter.drawText(rect(), Qt::AlignCenter, inscription_);
+    drawOutlined(painter, QRectF(rect()), Qt::AlignCenter, inscription_,
+                 color_ ? inkOn(*color_) : colors_.labels, color_.value_or(colors_.lampOff));
 }
 
 }  // namespace zentaq
