@@ -1,6 +1,7 @@
 #include "qt/qt_settings.h"
 
 #include <QFileInfo>
+#include <QLockFile>
 #include <filesystem>
 #include <utility>
 
@@ -11,6 +12,12 @@
 namespace zentaq {
 
 namespace {
+
+/// A program that writes its settings holds the lock for milliseconds. One that was killed leaves it behind,
+/// and the window stands still while it is waited for.
+constexpr int patienceMs = 700;
+/// How often a lock that stayed is looked at.
+constexpr int againMs = 5000;
 
 QString pathOfKey(const std::string& section, const std::string& key) {
     return QString::fromStdString(section) + u'/' + QString::fromStdString(key);
@@ -36,6 +43,7 @@ QtSettings::QtSettings() : QtSettings(fileOfUser()) {}
 
 QtSettings::QtSettings(const std::string& path) : path_(path) {
     if (isFile()) open();
+    tendWaiting();
 }
 
 bool QtSettings::isFile() {
@@ -46,6 +54,15 @@ bool QtSettings::isFile() {
                 trouble(why + ". Changed settings last for this run; remove what stands there.");
             }
         });
+}
+
+void QtSettings::tendWaiting() {
+    again_.setSingleShot(true);
+    QObject::connect(&again_, &QTimer::timeout, &again_, [this] { writeWaiting(); });
+}
+
+QtSettings::~QtSettings() {
+    writeWaiting();
 }
 
 bool QtSettings::opens(QFile::OpenMode mode) const {
@@ -86,6 +103,7 @@ void QtSettings::open() {
 
 std::string QtSettings::get(const std::string& section, const std::string& key,
                             const std::string& fallback) const {
+    if (const auto found = waiting_.find({section, key}); found != waiting_.end()) return found->second;
     if (!settings_) {
         const auto found = ofThisRun_.find({section, key});
         return found == ofThisRun_.end() ? fallback : found->second;
@@ -98,12 +116,38 @@ std::string QtSettings::get(const std::string& section, const std::string& key,
 }
 
 void QtSettings::set(const std::string& section, const std::string& key, const std::string& value) {
+    waiting_[{section, key}] = value;
+    writeWaiting();
+}
+
+// The store would wait for the lock itself, for half a minute: it gets nothing before the lock is free.
+bool QtSettings::lockIsFree() {
+    QLockFile lock(settings_->fileName() + QStringLiteral(".lock"));
+    if (lock.tryLock(locked_ ? 0 : patienceMs)) {
+        locked_ = false;
+        return true;
+    }
+    // A folder that takes no lock takes no settings either, which is told when they are written.
+    if (lock.error() != QLockFile::LockFailedError) return true;
+    if (!std::exchange(locked_, true)) {
+        trouble("Settings file " + path() + " is locked by another program; it is written when " + path() +
+                ".lock has gone.");
+    }
+    if (!again_.isActive()) again_.start(againMs);
+    return false;
+}
+
+void QtSettings::writeWaiting() {
+    if (waiting_.empty()) return;
     if (settings_ && !isFile()) leaveFile();
     if (!settings_) {
-        ofThisRun_[{section, key}] = value;
+        for (auto& [name, value] : std::exchange(waiting_, {})) ofThisRun_[name] = std::move(value);
         return;
     }
-    settings_->setValue(pathOfKey(section, key), QString::fromStdString(value));
+    if (!lockIsFree()) return;
+    for (const auto& [name, value] : std::exchange(waiting_, {})) {
+        settings_->setValue(pathOfKey(name.first, name.second), QString::fromStdString(value));
+    }
     settings_->sync();
     if (settings_->status() != QSettings::AccessError || writeFailed_) return;
     writeFailed_ = true;

@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QSettings>
+#include <QTimer>
 #include <functional>
 #include <map>
 #include <memory>
@@ -21,10 +22,12 @@ class QtSettings : public SettingsStore {
     QtSettings();
     /// A store in a file of its own.
     explicit QtSettings(const std::string& path);
+    ~QtSettings() override;
 
     std::string get(const std::string& section, const std::string& key,
                     const std::string& fallback = {}) const override;
-    /// On the disk when it returns, unless the file cannot be written.
+    /// On the disk when it returns, unless the file cannot be written or another program holds its lock for
+    /// longer than a moment: then it is told, and written as soon as that is over.
     void set(const std::string& section, const std::string& key, const std::string& value) override;
 
     std::string path() const { return path_; }
@@ -40,10 +43,16 @@ class QtSettings : public SettingsStore {
     void leaveFile();
     bool opens(QFile::OpenMode mode) const;
     void trouble(const std::string& what);
+    void tendWaiting();
+    bool lockIsFree();
+    void writeWaiting();
 
     std::string path_;
     std::unique_ptr<QSettings> settings_;  ///< none where something else than a file stands
     std::map<std::pair<std::string, std::string>, std::string> ofThisRun_;  ///< what it then holds
+    std::map<std::pair<std::string, std::string>, std::string> waiting_;  ///< by section and key
+    bool locked_ = false;  ///< as the last look at the lock has found
+    QTimer again_;
     std::function<void(const std::string&)> report_;
     std::vector<std::string> untold_;
     bool writeFailed_ = false;

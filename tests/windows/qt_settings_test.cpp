@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+
 #include <unistd.h>
+#include <QCoreApplication>
+#include <QElapsedTimer>
 
 #include <cstdlib>
 #include <filesystem>
@@ -223,6 +226,41 @@ TEST_F(QtSettingsTest, AFileThatCannotBeWrittenIsToldOnceAndValuesLastForTheRun)
     EXPECT_EQ(settings.get("System", "CommPort"), "7");
     listen(settings);
     EXPECT_THAT(troubles, ElementsAre(HasSubstr("cannot be written; changed settings last for this run.")));
+}
+
+// An empty lock names no process, so that nobody can know that it is dead.
+TEST_F(QtSettingsTest, ALockThatWasLeftBehindIsWaitedForAMomentAndToldOnce) {
+    folder.write("Zentaq4.ini", "[System]\nCommPort=7\n");
+    folder.write("Zentaq4.ini.lock", "");
+    QtSettings settings(path);
+    listen(settings);
+    QElapsedTimer time;
+    time.start();
+    settings.set("System", "CommPort", "9");
+    settings.set("System", "AutoLog", "1");
+    QCoreApplication::processEvents();
+    EXPECT_LT(time.elapsed(), 5000) << "the lock would be taken for a dead one's after half a minute";
+    ASSERT_EQ(troubles.size(), 1u);
+    EXPECT_EQ(troubles[0], "Settings file " + path + " is locked by another program; it is written when " +
+                               path + ".lock has gone.");
+    EXPECT_EQ(settings.get("System", "CommPort"), "9");
+    EXPECT_EQ(settings.get("System", "AutoLog"), "1");
+    EXPECT_EQ(fileText(), "[System]\nCommPort=7\n");
+    std::filesystem::remove(path + ".lock");
+    settings.set("System", "Print", "0");
+    EXPECT_THAT(fileText(), HasSubstr("CommPort=9\n"));
+    EXPECT_THAT(fileText(), HasSubstr("AutoLog=1\n"));
+    EXPECT_THAT(fileText(), HasSubstr("Print=0\n"));
+}
+
+TEST_F(QtSettingsTest, WhatWaitedForALockIsWrittenWhenTheProgramEnds) {
+    {
+        QtSettings settings(path);
+        folder.write("Zentaq4.ini.lock", "");
+        settings.set("System", "CommPort", "9");
+        std::filesystem::remove(path + ".lock");
+    }
+    EXPECT_THAT(fileText(), HasSubstr("CommPort=9\n"));
 }
 
 /// Whether a check holds in a process that is no administrator's, who may write any file.
