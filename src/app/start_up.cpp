@@ -35,15 +35,6 @@ double drawFromTimeOfDay() {
     return std::uniform_real_distribution<double>(0, 1)(random);
 }
 
-/// Major, minor and revision, each without blanks.
-std::string versionText() {
-    std::string text;
-    for (const std::string& part : split(ZENTAQ_VERSION, '.')) {
-        text += (text.empty() ? "" : ".") + std::string(trimmed(part));
-    }
-    return text;
-}
-
 /// The reason at the end of a failure's text: a line of the log is short, and the file has one place only.
 std::string reasonBehind(const std::string& path, const std::string& failure) {
     const auto at = failure.find(path + ": ");
@@ -56,6 +47,14 @@ bool firstInstance(const SingleInstance& instance, Dialogs& dialogs) {
     if (!instance.anotherRuns()) return true;
     dialogs.show({"Zentaq4", "Zentaq4 already running!  Program will now close.", Icon::None, Buttons::Ok});
     return false;
+}
+
+std::string versionText() {
+    std::string text;
+    for (const std::string& part : split(ZENTAQ_VERSION, '.')) {
+        text += (text.empty() ? "" : ".") + std::string(trimmed(part));
+    }
+    return text;
 }
 
 int tipNumber(double random, int count) {

@@ -17,6 +17,9 @@ namespace zentaq {
 /// Otherwise the user has been told that another instance runs.
 bool firstInstance(const SingleInstance& instance, Dialogs& dialogs);
 
+/// The version of the program: major, minor and revision, each without blanks.
+std::string versionText();
+
 /// The number of a random tip: the whole part of `random` * `count` + 1, 1 to `count`.
 /// `random` lies from 0 to below 1; 0 when there is no tip.
 int tipNumber(double random, int count);

@@ -22,6 +22,7 @@ FrmSplash::FrmSplash(const QString& version, QWidget* over)
     auto* name = new QLabel(QStringLiteral("Zentaq4"), this);
     name->setFont(valueFont(2.4));
     auto* maker = new QLabel(tr("Norvalia Zentaq Engine Management System") + "  " + version, this);
+    maker->setObjectName(QStringLiteral("lblProduct"));
     lblOperation_ = new QLabel(this);
     lblOperation_->setObjectName(QStringLiteral("lblOperation"));
     lblOperation_->setAccessibleName(tr("Operation"));

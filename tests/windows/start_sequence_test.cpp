@@ -29,6 +29,12 @@ TEST_F(StartSequence, EndsWithTheToolbarEnabledAndTheSplashHidden) {
     EXPECT_EQ(windows.splashWindow()->findChild<QLabel*>("lblOperation")->text(), "    Program Activated");
 }
 
+TEST_F(StartSequence, TheSplashTellsTheVersionFromItsFirstTextOn) {
+    ASSERT_NE(windows.splashWindow(), nullptr);
+    EXPECT_EQ(windows.splashWindow()->findChild<QLabel*>("lblProduct")->text().toStdString(),
+              "Norvalia Zentaq Engine Management System  4.10.2");
+}
+
 TEST_F(StartSequence, TheSplashHidesItselfOnlyWhileTheProgramStarts) {
     fake.session.StartingUp = 1;
     windows.splash("Starting");
