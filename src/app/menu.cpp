@@ -96,7 +96,7 @@ constexpr std::array menus{
     MenuEntry{"mnuProgramORB", "Program ORB", "mnuTools", "Ctrl+P", always},
     MenuEntry{"mnuStoreONFLY", "Store Changes in ORB", "mnuTools", "Ctrl+T", unitOnLink},
     MenuEntry{"mnuIdentifyORB", "Identify ORB", "mnuTools", "", always},
-    MenuEntry{"mnuMonitor_KillEngine", "Kill Engine", "mnuTools", "Ctrl+K", engineStoppable},
+    MenuEntry{"mnuMonitor_KillEngine", "Kill Engine", "mnuTools", "Ctrl+Shift+K", engineStoppable},
     MenuEntry{"mnuZeroAdv", "Set Zero Advance", "mnuTools", "", unitOnLink, true},
     MenuEntry{"mnuClearDashCodes", "Refresh Codes", "mnuTools", "", unitOnLink},
     MenuEntry{"mnuORB_ClearCodes", "Clear Error Codes", "mnuTools", "", unitOnLink},

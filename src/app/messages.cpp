@@ -142,6 +142,7 @@ void Messages::Display_Error(int code) {
 }
 
 void Messages::warn(const std::string& title, const std::string& text, std::string_view logLine) {
+    ++warnings_;
     dialogs_.show({title, text, Icon::Exclamation, Buttons::Ok});
     sysLog_(logLine);
     focusForm_(ActiveFormName);

@@ -34,8 +34,11 @@ class Messages {
     /// Fields of an axis from left to right; `index` is the one just entered.
     bool Check_Ascending(const std::vector<std::string>& fields, int index);
 
-    /// The form that gets the focus back after a warning: "frmConfig", "frmGeneralConfig" or "frmTABLE".
+    /// The form that gets the focus back after a warning: the one that the user's entries come from.
     std::string ActiveFormName = "frmConfig";
+
+    /// Warnings shown so far: it moves when an entry was refused.
+    int warningsShown() const { return warnings_; }
 
     /// While a program fills a field nobody has edited it: check 1004 raises no "Modified" then.
     bool SilentEdit = false;
@@ -51,6 +54,7 @@ class Messages {
     std::function<void(std::string_view)> sysLog_;
     std::function<void(const std::string&)> focusForm_;
     std::function<void(std::string_view)> markField_;
+    int warnings_ = 0;
 };
 
 }  // namespace zentaq

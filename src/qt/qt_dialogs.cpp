@@ -6,6 +6,8 @@
 #include <QInputDialog>
 #include <QLabel>
 #include <QMessageBox>
+#include <QPointer>
+#include <QScopeGuard>
 #include <QScreen>
 #include <QStyle>
 #include <algorithm>
@@ -81,23 +83,61 @@ void widenToLines(QMessageBox& message) {
     if (widestLine <= widestBox - besideText) label->setMinimumWidth(widestLine);
 }
 
+/// A window that the user works in, not a list or a tip over it.
+bool isWorkedIn(const QWidget* window) {
+    if (window == nullptr || !window->isVisible()) return false;
+    return window->windowType() == Qt::Window || window->windowType() == Qt::Dialog;
+}
+
 }  // namespace
 
+QtDialogs::QtDialogs() {
+    QObject::connect(qApp, &QApplication::focusChanged, &context_, [this](QWidget*, QWidget* now) {
+        if (now == nullptr || QApplication::activeModalWidget() != nullptr) return;
+        if (isWorkedIn(now->window())) last_ = now->window();
+    });
+}
+
+// A box over a window that is behind another would bring the wrong one to the front, and hide what it is
+// about.
+QWidget* QtDialogs::asker() const {
+    if (QWidget* modal = QApplication::activeModalWidget()) return modal;
+    if (QWidget* active = QApplication::activeWindow(); isWorkedIn(active)) return active;
+    return isWorkedIn(last_) ? last_ : parent_;
+}
+
+/// Runs a dialog. It ends with its window if that goes meanwhile.
+template <typename Dialog>
+int QtDialogs::ask(Dialog& dialog) {
+    const QPointer<QWidget> window = dialog.parentWidget();
+    const QPointer<QWidget> field = window != nullptr ? window->window()->focusWidget() : nullptr;
+    const QPointer<QDialog> alive = &dialog;
+    const int answer = dialog.exec();
+    if (alive) dialog.hide();
+    if (window == nullptr || !window->isVisible()) return answer;
+    // Where nobody manages windows the keyboard would stay with the closed dialog.
+    window->window()->activateWindow();
+    if (field != nullptr && field->isVisible() && field->isEnabled()) {
+        field->setFocus(Qt::ActiveWindowFocusReason);
+    }
+    return answer;
+}
+
 Answer QtDialogs::show(const Box& box) {
-    QMessageBox message(parent());
-    message.setObjectName(QStringLiteral("dlgMessage"));
-    message.setWindowTitle(shownString(box.title));
-    message.setTextFormat(Qt::PlainText);
-    message.setText(qString(shownInBox(box.text)));
-    message.setIcon(iconOf(box.icon));
-    message.setStandardButtons(buttonsOf(box.buttons));
-    message.setDefaultButton(defaultOf(box));
-    widenToLines(message);
+    // Not on the stack: the window over which it stands may go, and takes it along.
+    const QPointer<QMessageBox> message = new QMessageBox(asker());
+    const auto done = qScopeGuard([&] { delete message; });
+    message->setObjectName(QStringLiteral("dlgMessage"));
+    message->setWindowTitle(shownString(box.title));
+    message->setTextFormat(Qt::PlainText);
+    message->setText(qString(shownInBox(box.text)));
+    message->setIcon(iconOf(box.icon));
+    message->setStandardButtons(buttonsOf(box.buttons));
+    message->setDefaultButton(defaultOf(box));
+    widenToLines(*message);
     // Escape and the window's own button decline where declining is possible.
-    if (box.buttons == Buttons::YesNo) message.setEscapeButton(QMessageBox::No);
-    const int button = message.exec();
-    giveFocusBack();
-    return answerOf(button, box.buttons);
+    if (box.buttons == Buttons::YesNo) message->setEscapeButton(QMessageBox::No);
+    return answerOf(ask(*message), box.buttons);
 }
 
 std::string QtDialogs::openFile(const FileRequest& request) {
@@ -109,54 +149,40 @@ std::string QtDialogs::saveFile(const FileRequest& request) {
 }
 
 std::string QtDialogs::choose(const FileRequest& request, bool save) {
-    QFileDialog dialog(parent(), shownString(request.title));
-    dialog.setObjectName(QStringLiteral("dlgDialog1"));
-    dialog.setOption(QFileDialog::DontUseNativeDialog);
-    dialog.setOption(QFileDialog::DontConfirmOverwrite);
-    dialog.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-    dialog.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    const QPointer<QFileDialog> dialog = new QFileDialog(asker(), shownString(request.title));
+    const auto done = qScopeGuard([&] { delete dialog; });
+    dialog->setObjectName(QStringLiteral("dlgDialog1"));
+    dialog->setOption(QFileDialog::DontUseNativeDialog);
+    dialog->setOption(QFileDialog::DontConfirmOverwrite);
+    dialog->setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog->setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     const QString folder = QString::fromStdString(request.folder);
-    dialog.setDirectory(QDir(folder).exists() ? folder : QDir::homePath());
+    dialog->setDirectory(QDir(folder).exists() ? folder : QDir::homePath());
 
     const QStringList filters = nameFilters(request.filter);
     if (!filters.isEmpty()) {
-        dialog.setNameFilters(filters);
+        dialog->setNameFilters(filters);
         const auto last = static_cast<int>(filters.size()) - 1;
-        dialog.selectNameFilter(filters.at(std::clamp(request.filterIndex - 1, 0, last)));
+        dialog->selectNameFilter(filters.at(std::clamp(request.filterIndex - 1, 0, last)));
     }
-    if (save) dialog.setDefaultSuffix(bareExtension(request.defaultExtension));
-    if (!request.suggestedName.empty()) dialog.selectFile(QString::fromStdString(request.suggestedName));
-    const int result = dialog.exec();
-    giveFocusBack();
-    if (result != QDialog::Accepted) return {};
-    const QStringList chosen = dialog.selectedFiles();
+    if (save) dialog->setDefaultSuffix(bareExtension(request.defaultExtension));
+    if (!request.suggestedName.empty()) dialog->selectFile(QString::fromStdString(request.suggestedName));
+    if (ask(*dialog) != QDialog::Accepted || !dialog) return {};
+    const QStringList chosen = dialog->selectedFiles();
     return chosen.isEmpty() ? std::string() : chosen.first().toStdString();
 }
 
 std::optional<std::string> QtDialogs::input(const std::string& title, const std::string& prompt,
                                             const std::string& initial) {
-    QInputDialog dialog(parent());
-    dialog.setObjectName(QStringLiteral("dlgInput"));
-    dialog.setInputMode(QInputDialog::TextInput);
-    dialog.setWindowTitle(shownString(title));
-    dialog.setLabelText(qString(shownInBox(prompt)));
-    dialog.setTextValue(QString::fromStdString(initial));
-    const int result = dialog.exec();
-    giveFocusBack();
-    if (result != QDialog::Accepted) return std::nullopt;
-    return dialog.textValue().toStdString();
-}
-
-QWidget* QtDialogs::parent() const {
-    // A box over a dialog that is already open belongs to that dialog.
-    if (QWidget* modal = QApplication::activeModalWidget()) return modal;
-    return parent_;
-}
-
-// Where nobody manages windows the keyboard would stay with the closed dialog.
-void QtDialogs::giveFocusBack() const {
-    QWidget* below = parent();
-    if (below != nullptr && below->isVisible()) below->window()->activateWindow();
+    const QPointer<QInputDialog> dialog = new QInputDialog(asker());
+    const auto done = qScopeGuard([&] { delete dialog; });
+    dialog->setObjectName(QStringLiteral("dlgInput"));
+    dialog->setInputMode(QInputDialog::TextInput);
+    dialog->setWindowTitle(shownString(title));
+    dialog->setLabelText(qString(shownInBox(prompt)));
+    dialog->setTextValue(QString::fromStdString(initial));
+    if (ask(*dialog) != QDialog::Accepted || !dialog) return std::nullopt;
+    return dialog->textValue().toStdString();
 }
 
 QStringList nameFilters(const std::string& filter) {

@@ -2,6 +2,7 @@
 // and keyboard and screen reader reach all of them.
 #pragma once
 
+#include <QObject>
 #include <QPointer>
 #include <QString>
 #include <QStringList>
@@ -13,7 +14,10 @@ namespace zentaq {
 
 class QtDialogs : public Dialogs {
  public:
-    /// Boxes stand over this window; before it is set they stand alone.
+    QtDialogs();
+
+    /// A box stands over the window that the user works in, and gives the keyboard back to the field in hand.
+    /// This one takes the boxes that come while there is none; before it is set they stand alone.
     void setParent(QWidget* parent) { parent_ = parent; }
 
     Answer show(const Box& box) override;
@@ -24,11 +28,14 @@ class QtDialogs : public Dialogs {
                                      const std::string& initial) override;
 
  private:
-    QWidget* parent() const;
-    void giveFocusBack() const;
+    QWidget* asker() const;
+    template <typename Dialog>
+    int ask(Dialog& dialog);
     std::string choose(const FileRequest& request, bool save);
 
     QPointer<QWidget> parent_;
+    QPointer<QWidget> last_;  ///< the window that had the keyboard last: another program may be in front
+    QObject context_;
 };
 
 /// "text|pattern|text|pattern" as name filters, one an entry: "text (pattern pattern)".

@@ -1,5 +1,6 @@
 #include "windows/frm_config.h"
 
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -235,9 +236,13 @@ QString FrmConfig::helpKey() const {
 
 // The search yields, so the window stays alive; the button must not start a second one.
 void FrmConfig::autoDetect() {
+    // A control that is switched off hands its keyboard to the next one, which may be a field of a table.
+    const QPointer<QWidget> inHand = QApplication::focusWidget();
     fraComm_->setEnabled(false);
+    treeZentaq_->setFocus();
     commands_.autodetectPort();
     fraComm_->setEnabled(true);
+    if (inHand != nullptr && inHand->isVisible()) inHand->setFocus();
     refreshPorts();
 }
 

@@ -10,6 +10,7 @@
 
 #include "qt/help_key.h"
 #include "qt/look.h"
+#include "qt/second_window.h"
 #include "qt/window_placement.h"
 
 namespace zentaq {
@@ -36,7 +37,7 @@ bool isEnter(const QKeyEvent& event) {
 }  // namespace
 
 FrmEditMAPSensors::FrmEditMAPSensors(Session& session, QWidget* parent)
-    : QWidget(parent, Qt::Window), session_(session), manager_(session) {
+    : QWidget(parent, secondWindow()), session_(session), manager_(session) {
     setObjectName(QStringLiteral("frmEditMAPSensors"));
     setWindowTitle(tr("MAP Sensor Manager"));
     setAccessibleName(tr("MAP Sensor Manager"));

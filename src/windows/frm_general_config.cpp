@@ -11,6 +11,7 @@
 #include "base/errors.h"
 #include "qt/icons.h"
 #include "qt/look.h"
+#include "qt/second_window.h"
 #include "qt/window_placement.h"
 
 namespace zentaq {
@@ -23,7 +24,7 @@ constexpr auto formTitle = "General Engine Configuration";
 }  // namespace
 
 FrmGeneralConfig::FrmGeneralConfig(Session& session, MainCommands&, QWidget* parent)
-    : QWidget(parent, Qt::Window), session_(session), core_(session) {
+    : QWidget(parent, secondWindow()), session_(session), core_(session) {
     setObjectName(QLatin1String(formName));
     setAccessibleName(QLatin1String(formTitle));
     setWindowTitle(QLatin1String(formTitle));
@@ -143,6 +144,11 @@ void FrmGeneralConfig::showEvent(QShowEvent* event) {
 // ---- Showing
 
 void FrmGeneralConfig::showState() {
+    // What was accepted for a calibration in hand stays; only a new one is given up.
+    const QString close = core_.creating() ? tr("Cancel") : tr("Close");
+    cancel_->setText(close);
+    cancel_->setToolTip(tr("Close this window (Esc)"));
+    Toolbar1_->widgetForAction(cancel_)->setAccessibleName(close);
     const QString missing = form_->missing();
     if (!core_.creating()) {
         lblHint_->clear();
@@ -238,7 +244,19 @@ bool FrmGeneralConfig::run(Command&& command) {
     });
 }
 
+bool FrmGeneralConfig::finishEntry() {
+    return busy_ || !isVisible() || form_->commit();
+}
+
 void FrmGeneralConfig::save() {
+    if (busy_) return;
+    const QPointer<FrmGeneralConfig> self(this);
+    session_.windows().afterEdits(tr("Save").toStdString(), [self] {
+        if (self) self->saveNow();
+    });
+}
+
+void FrmGeneralConfig::saveNow() {
     if (busy_ || !form_->commit()) return;
     const QPointer<FrmGeneralConfig> self(this);
     busy_ = true;
@@ -273,8 +291,11 @@ void FrmGeneralConfig::saveEnded(bool stored) {
 bool FrmGeneralConfig::mayClose() {
     if (unloaded_ || !core_.creating() || !core_.modified()) return true;
     busy_ = true;
-    const Answer answer =
-        session_.dialogs().show({formTitle, "Drop the new calibration?", Icon::Question, Buttons::YesNo});
+    const Answer answer = session_.dialogs().show({.title = formTitle,
+                                                   .text = "Drop the new calibration?",
+                                                   .icon = Icon::Question,
+                                                   .buttons = Buttons::YesNo,
+                                                   .declines = true});
     busy_ = false;
     return answer == Answer::Yes;
 }

@@ -35,8 +35,10 @@ class FrmGeneralConfig : public QWidget {
     void showUnit();
     /// The list of MAP sensors has been edited.
     void sensorsChanged();
-    /// Key "Save" of the toolbar.
+    /// Key "Save" of the toolbar: behind the edits typed before it.
     void save();
+    /// What is being typed is entered. False: it was refused, and the user has been told.
+    bool finishEntry();
 
  Q_SIGNALS:
     void closed();
@@ -62,6 +64,7 @@ class FrmGeneralConfig : public QWidget {
     void saveEnded(bool stored);
     void showIcons();
     void focusMoved(QWidget* now);
+    void saveNow();
     bool mayClose();
     /// The core's work is over; only once.
     void unload();

@@ -17,6 +17,7 @@
 #include "base/errors.h"
 #include "qt/look.h"
 #include "qt/qt_text.h"
+#include "qt/second_window.h"
 #include "qt/window_placement.h"
 
 namespace zentaq {
@@ -76,7 +77,7 @@ class HitPainter : public QStyledItemDelegate {
 }  // namespace
 
 FrmHelp::FrmHelp(const std::string& guideFolder, QWidget* parent)
-    : QWidget(parent, Qt::Window), folder_(guideFolder) {
+    : QWidget(parent, secondWindow()), folder_(guideFolder) {
     setObjectName(QStringLiteral("frmHelp"));
     setAccessibleName(tr("User guide"));
     setWindowTitle(tr("Zentaq4 User Guide"));

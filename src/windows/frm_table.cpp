@@ -7,6 +7,7 @@
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QMenu>
+#include <QPointer>
 #include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -21,7 +22,10 @@
 namespace zentaq {
 namespace {
 
-constexpr std::size_t mostHeldKeys = 64;
+/// Far more than anybody types while a unit answers, or is given up.
+constexpr std::size_t mostHeldKeys = 1000;
+/// How often what waits looks whether a box over the window has gone.
+constexpr int boxPollMs = 20;
 /// Digits of the edit box against those of the grid: what is being typed is read at arm's length.
 constexpr qreal inputSize = 1.35;
 constexpr int inputBorder = 2;
@@ -63,6 +67,26 @@ bool isClipboardKey(const QKeyEvent& event) {
 
 bool movesCursor(int key) {
     return (key >= Qt::Key_Home && key <= Qt::Key_PageDown) || key == Qt::Key_Tab || key == Qt::Key_Backtab;
+}
+
+/// What waits, in words: "2 keys, Store Changes in ORB".
+template <typename Waiting>
+std::string namesOf(const Waiting& held) {
+    int keys = 0;
+    int clicks = 0;
+    std::string commands;
+    for (const auto& one : held) {
+        if (one.command) {
+            commands += ", " + one.caption;
+        } else {
+            ++(one.click != QEvent::None ? clicks : keys);
+        }
+    }
+    const auto counted = [](int count, const std::string& what) {
+        return count == 0 ? std::string() : ", " + numberText(count) + " " + what + (count == 1 ? "" : "s");
+    };
+    const std::string all = counted(keys, "key") + counted(clicks, "click") + commands;
+    return all.empty() ? all : all.substr(2);
 }
 
 /// What a number of the setting TableColor stands for.
@@ -126,6 +150,7 @@ FrmTable::~FrmTable() {
     txtIOT_->removeEventFilter(this);
     Grid1_->selectionModel()->disconnect(this);
     Grid1_->cells().show(nullptr);
+    if (!held_.empty()) session_.sysLog("TABLE: Closed before " + namesOf(held_) + ".");
     session_.sysLog("TABLE App. Terminated.");
 }
 
@@ -156,7 +181,7 @@ void FrmTable::makeToolbar() {
 
 QAction* FrmTable::addButton(const QString& key, const QString& caption, const QString& tip,
                              void (FrmTable::*run)()) {
-    QAction* action = Toolbar1_->addAction(caption, this, run);
+    QAction* action = Toolbar1_->addAction(caption, this, [this, run, caption] { inOrder(caption, run); });
     action->setObjectName(key);
     action->setToolTip(tip);
     actions_[key] = action;
@@ -178,7 +203,7 @@ void FrmTable::addLaterItem(QMenu* menu, const QString& key, const QString& capt
 }
 
 QAction* FrmTable::addItem(QMenu* menu, const QString& key, const QString& caption, void (FrmTable::*run)()) {
-    QAction* action = menu->addAction(caption, this, run);
+    QAction* action = menu->addAction(caption, this, [this, run, caption] { inOrder(caption, run); });
     action->setObjectName(key);
     actions_[key] = action;
     return action;
@@ -270,7 +295,7 @@ void FrmTable::Setup_Grid(const std::string& table, const std::string& title) {
     // Throws for a table that cannot be shown: the window keeps the one that it has, and an open edit.
     shown.Setup_Grid(table, title, shown.inverted());
     closeEdit();
-    held_.clear();
+    textLeft_ = false;
     if (fresh) {
         Grid1_->cells().show(nullptr);
         model_ = std::move(fresh);
@@ -286,12 +311,15 @@ void FrmTable::Setup_Grid(const std::string& table, const std::string& title) {
 
 void FrmTable::showUnit() {
     if (ownChange_ || !model_ || unit_ != &session_.currentUnitObject()) return;
-    closeEdit();
+    // A value elsewhere has changed; what is being typed here goes on, where its cell is still there.
+    const GridCell cell{model_->currentRow(), model_->currentColumn()};
     const TableView view = model_->view();
     model_->rebuild();
     if (view != TableView::Values) model_->showView(view);
+    if (cell != GridCell{model_->currentRow(), model_->currentColumn()}) closeEdit();
     showAll();
     sizeColumns();
+    placeEdit();
 }
 
 void FrmTable::sizeColumns() {
@@ -410,17 +438,21 @@ bool FrmTable::gridEvent(QEvent* event) {
     }
     if (event->type() != QEvent::KeyPress) return false;
     const auto& key = *static_cast<QKeyEvent*>(event);
-    return locked_ ? hold(key) : gridKey(key);
+    return waits() ? hold(key) : gridKey(key);
 }
 
-/// While a change is on its way the grid takes no clicks. Else a click holds the cursor as a key does: what
-/// is typed next is meant for the cell that was clicked, wherever the engine has gone.
-bool FrmTable::viewportEvent(const QEvent* event) {
+/// While a change is on its way a click waits as keys do: what is typed behind it is meant for its cell. A
+/// click holds the cursor, wherever the engine has gone.
+bool FrmTable::viewportEvent(QEvent* event) {
     if (event->type() != QEvent::MouseButtonPress && event->type() != QEvent::MouseButtonDblClick) {
         return false;
     }
-    if (!locked_) holdCursor();
-    return locked_;
+    if (!waits()) {
+        holdCursor();
+        return false;
+    }
+    hold(*static_cast<QMouseEvent*>(event));
+    return true;
 }
 
 bool FrmTable::gridKey(const QKeyEvent& event) {
@@ -445,13 +477,13 @@ bool FrmTable::boxEvent(QEvent* event) {
     if (event->type() == QEvent::FocusOut) {
         const auto reason = static_cast<QFocusEvent*>(event)->reason();
         const bool windowOnly = reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason;
-        if (!committing_ && !windowOnly) leaveEdit();
+        if (!committing_ && !moving_ && !windowOnly) leaveEdit();
         return false;
     }
     if (event->type() != QEvent::KeyPress) return false;
     const auto& key = *static_cast<QKeyEvent*>(event);
     // Digits show up at once even while locked; only the change itself waits, and what is typed after it.
-    if (locked_ && (isEnter(key) || !held_.empty())) return hold(key);
+    if (keysWait() || (locked_ && isEnter(key))) return hold(key);
     if (isEnter(key)) {
         commitEdit();
         return true;
@@ -468,31 +500,107 @@ void FrmTable::onFlyLock(bool busy) {
     if (busy == locked_) return;
     locked_ = busy;
     if (busy) return;
+    // The grid has the keyboard again, unless the user has begun to type into another field meanwhile.
+    if (!timeBeingTyped(*txtTOG_) && !timeBeingTyped(*txtIOT_)) takeFocus();
+    // Not from inside the link's tick: a refused entry shows a box.
+    playLater(0);
+}
+
+void FrmTable::takeFocus() {
     // An edit box that is open keeps the focus: the user has gone on typing meanwhile.
-    if (txtInputValue_->isVisible()) {
-        txtInputValue_->setFocus();
-    } else {
-        Grid1_->setFocus();
-    }
-    playBack();
+    QWidget* target = txtInputValue_->isHidden() ? static_cast<QWidget*>(Grid1_) : txtInputValue_;
+    target->setFocus();
 }
 
 bool FrmTable::hold(const QKeyEvent& event) {
     // A held-down key would go on long after it was let go.
-    if (!event.isAutoRepeat() && held_.size() < mostHeldKeys) {
-        held_.push_back({event.key(), event.modifiers(), event.text()});
-    }
+    if (event.isAutoRepeat()) return true;
+    Held held;
+    held.key = event.key();
+    held.modifiers = event.modifiers();
+    held.text = event.text();
+    hold(std::move(held));
     return true;
 }
 
+void FrmTable::hold(const QMouseEvent& event) {
+    const QModelIndex cell = Grid1_->indexAt(event.position().toPoint());
+    if (event.button() != Qt::LeftButton || !cell.isValid()) return;
+    Held held;
+    held.click = event.type();
+    held.modifiers = event.modifiers();
+    held.cell = {cell.row() + 1, cell.column() + 1};
+    hold(std::move(held));
+}
+
+void FrmTable::hold(Held held) {
+    if (held_.size() < mostHeldKeys) return held_.push_back(std::move(held));
+    QApplication::beep();
+    session_.sysLog(
+        "TABLE: Too much waits for the unit; not taken: " + namesOf(std::deque<Held>{std::move(held)}) + ".");
+}
+
+void FrmTable::behindKeys(const std::string& caption, std::function<void()> command) {
+    Held held;
+    held.caption = caption;
+    held.command = std::move(command);
+    hold(std::move(held));
+}
+
+void FrmTable::inOrder(const QString& caption, void (FrmTable::*run)()) {
+    if (!keysWait()) return (this->*run)();
+    behindKeys(caption.trimmed().toStdString(), [this, run] { (this->*run)(); });
+}
+
+void FrmTable::playLater(int ms) {
+    QTimer::singleShot(ms, this, &FrmTable::playBack);
+}
+
 void FrmTable::playBack() {
+    if (playing_ || locked_ || held_.empty()) return;
+    // What was typed before a box came is not meant for it, and its own boxes come after it.
+    if (QApplication::activeModalWidget() != nullptr) return playLater(boxPollMs);
+    const QPointer<FrmTable> self(this);
+    playing_ = true;
     while (!held_.empty() && !locked_) {
-        const HeldKey held = held_.front();
+        const Held next = std::move(held_.front());
         held_.pop_front();
-        QKeyEvent press(QEvent::KeyPress, held.key, held.modifiers, held.text);
-        QWidget* target = txtInputValue_->isVisible() ? static_cast<QWidget*>(txtInputValue_) : Grid1_;
-        QApplication::sendEvent(target, &press);
+        const int warnings = session_.messages.warningsShown();
+        play(next);
+        if (!self) return;  // the command has closed the table
+        if (!next.command && session_.messages.warningsShown() != warnings) dropHeld();
     }
+    playing_ = false;
+}
+
+void FrmTable::play(const Held& held) {
+    if (held.command) return held.command();
+    if (held.click != QEvent::None) return click(held);
+    QKeyEvent press(QEvent::KeyPress, held.key, held.modifiers, held.text);
+    QWidget* target = txtInputValue_->isVisible() ? static_cast<QWidget*>(txtInputValue_) : Grid1_;
+    QApplication::sendEvent(target, &press);
+}
+
+void FrmTable::click(const Held& held) {
+    Grid1_->setFocus(Qt::MouseFocusReason);
+    QWidget* area = Grid1_->viewport();
+    const QPointF place = Grid1_->cellRect(held.cell.row, held.cell.column).center();
+    const QPointF onScreen = area->mapToGlobal(place);
+    QMouseEvent press(held.click, place, onScreen, Qt::LeftButton, Qt::LeftButton, held.modifiers);
+    QApplication::sendEvent(area, &press);
+    QMouseEvent release(QEvent::MouseButtonRelease, place, onScreen, Qt::LeftButton, Qt::NoButton,
+                        held.modifiers);
+    QApplication::sendEvent(area, &release);
+}
+
+// What was typed behind a refused entry was meant for a grid that took it: the digits of the next cell would
+// land in this one.
+void FrmTable::dropHeld() {
+    if (held_.empty()) return;
+    const std::string names = namesOf(std::exchange(held_, {}));
+    session_.sysLog("TABLE: After the refused entry not taken: " + names + ".");
+    session_.inform("The entry was refused.\nWhat was typed behind it was not taken: " + names +
+                    ".\nPlease look at the cell and enter it again.");
 }
 
 // ---- Keys
@@ -527,6 +635,7 @@ void FrmTable::openEdit(char key) {
         Grid1_->setFocus();
         return;
     }
+    boxEntered_ = key != ' ';
     txtInputValue_->setText(QString::fromStdString(start->text));
     placeEdit();
     txtInputValue_->show();
@@ -551,7 +660,28 @@ void FrmTable::placeEdit() {
     txtInputValue_->setGeometry(place);
 }
 
-void FrmTable::commitEdit() {
+bool FrmTable::finishEntry() {
+    if (!model_) return true;
+    for (QLineEdit* field : {txtTOG_, txtIOT_}) {
+        if (timeBeingTyped(*field) && !takeTime(field)) return false;
+    }
+    if (txtInputValue_->isHidden()) return true;
+    // A box that only shows its cell must not fill a whole selection with it.
+    if (boxEntered_ || txtInputValue_->isModified()) return commitEdit();
+    closeEdit();
+    Grid1_->setFocus();
+    return true;
+}
+
+bool FrmTable::finishEdits() {
+    if (!finishEntry()) return false;
+    if (!textLeft_ || model_->view() != TableView::Values) return true;
+    const int warnings = session_.messages.warningsShown();
+    save();
+    return session_.messages.warningsShown() == warnings;
+}
+
+bool FrmTable::commitEdit() {
     committing_ = true;
     const bool accepted = model_->enterValue(txtInputValue_->text().toStdString());
     committing_ = false;
@@ -560,13 +690,15 @@ void FrmTable::commitEdit() {
         session_.markModified();
         Grid1_->setFocus();
         showAll();
-        return;
+        return true;
     }
     const std::string& old = model_->grid().text(model_->currentRow(), model_->currentColumn());
     txtInputValue_->setText(QString::fromStdString(old));
+    boxEntered_ = false;
     txtInputValue_->show();
     txtInputValue_->setFocus();
     txtInputValue_->selectAll();
+    return false;
 }
 
 /// Kept: leaving the box puts its text into the cell with no check; the unit gets it with the next "Save".
@@ -574,7 +706,9 @@ void FrmTable::leaveEdit() {
     if (!txtInputValue_->isVisible()) return;
     const int row = model_->currentRow();
     const int column = model_->currentColumn();
-    model_->leaveEdit(txtInputValue_->text().toStdString());
+    const std::string typed = txtInputValue_->text().toStdString();
+    if (typed != model_->grid().text(row, column)) textLeft_ = true;
+    model_->leaveEdit(typed);
     closeEdit();
     Grid1_->cells().refreshCell(row, column);
 }
@@ -600,7 +734,7 @@ void FrmTable::letCursorGo() {
 }
 
 void FrmTable::cellDoubleClicked() {
-    if (!model_ || locked_ || model_->view() != TableView::Values) return;
+    if (!model_ || waits() || model_->view() != TableView::Values) return;
     holdCursor();
     openEdit(' ');
 }
@@ -613,7 +747,7 @@ bool FrmTable::breaksAxis(int row, int column, const std::string& typed) {
 }
 
 void FrmTable::headerDoubleClicked(int row, int column) {
-    if (!model_ || locked_) return;
+    if (!model_ || waits()) return;
     const auto prompt = model_->headerPrompt(row, column);
     if (!prompt) return;
     holdCursor();
@@ -664,7 +798,7 @@ void FrmTable::showPopup(const QPoint& place) {
 // ---- txtTOG and txtIOT
 
 bool FrmTable::timeFieldEvent(QLineEdit* field, QEvent* event) {
-    if (event->type() == QEvent::FocusOut && !committing_) {
+    if (event->type() == QEvent::FocusOut && !committing_ && !moving_) {
         takeTime(field);
         return false;
     }
@@ -679,11 +813,18 @@ bool FrmTable::timeFieldEvent(QLineEdit* field, QEvent* event) {
     return true;
 }
 
-void FrmTable::takeTime(QLineEdit* field) {
+/// Its text is not what the calibration holds, as it is shown.
+bool FrmTable::timeBeingTyped(const QLineEdit& field) const {
+    if (!model_ || !field.hasFocus()) return false;
+    const bool gap = &field == txtTOG_;
+    return field.text().toStdString() != (gap ? model_->timeOfGap() : model_->injectorOn());
+}
+
+bool FrmTable::takeTime(QLineEdit* field) {
     const bool gap = field == txtTOG_;
     const std::string before = gap ? model_->timeOfGap() : model_->injectorOn();
     const std::string typed = field->text().toStdString();
-    if (typed == before) return;
+    if (typed == before) return true;
     committing_ = true;
     const bool accepted = model_->enterTime(gap ? "scale1" : "INJ_On", typed);
     committing_ = false;
@@ -700,6 +841,7 @@ void FrmTable::takeTime(QLineEdit* field) {
         QTimer::singleShot(0, field, [field] { field->setFocus(); });
     }
     Grid1_->cells().refresh();
+    return accepted;
 }
 
 // ---- Toolbar commands
@@ -715,6 +857,7 @@ void FrmTable::home() {
 void FrmTable::save() {
     if (!model_) return;
     if (txtInputValue_->isVisible()) leaveEdit();
+    textLeft_ = false;
     const int written = model_->cellsWritten();
     model_->save();
     markIfWritten(written);
@@ -815,6 +958,11 @@ void FrmTable::resetTable() {
 void FrmTable::closeEvent(QCloseEvent* event) {
     event->accept();
     if (closing_) return;
+    if (keysWait()) {
+        event->ignore();
+        return behindKeys("Close", [this] { close(); });
+    }
+    if (!finishEntry()) return event->ignore();
     closing_ = true;
     closeEdit();
     Q_EMIT closed();

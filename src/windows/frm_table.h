@@ -14,6 +14,7 @@
 #include <QToolBar>
 #include <QWidget>
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -47,6 +48,22 @@ class FrmTable : public QWidget {
     /// Told on each idle tick; only a change does something.
     void onFlyLock(bool busy);
     bool locked() const { return locked_; }
+
+    // ---- Edits and the commands behind them
+    /// Keys and clicks wait for a change that is on its way to the unit.
+    bool keysWait() const { return !playing_ && !held_.empty(); }
+    /// Runs a command when the keys that wait have had their turn; not at all, with a word to the user, when
+    /// an entry among them is refused.
+    void behindKeys(const std::string& caption, std::function<void()> command);
+    /// What is being typed is entered. False: it was refused, and the user has been told.
+    bool finishEntry();
+    /// The same, and what the user has left in cells without Enter is written.
+    bool finishEdits();
+
+    /// The keyboard goes to the grid, or to the box that is open over it.
+    void takeFocus();
+    /// While the table changes its place, losing the keyboard ends no entry.
+    void moves(bool on) { moving_ = on; }
 
     bool docked() const { return docked_; }
     void setDocked(bool docked);
@@ -88,24 +105,38 @@ class FrmTable : public QWidget {
     QLineEdit* makeTimeField(const QString& name, const char* member, const char* helpKey);
 
     // ---- Keys
-    struct HeldKey {
-        int key;
+    /// A key, a click on a cell or a command that waits.
+    struct Held {
+        int key = 0;
         Qt::KeyboardModifiers modifiers;
         QString text;
+        QEvent::Type click = QEvent::None;
+        GridCell cell;
+        std::string caption;
+        std::function<void()> command;
     };
     bool gridEvent(QEvent* event);
-    bool viewportEvent(const QEvent* event);
+    bool viewportEvent(QEvent* event);
     bool boxEvent(QEvent* event);
     bool timeFieldEvent(QLineEdit* field, QEvent* event);
     bool gridKey(const QKeyEvent& event);
+    bool waits() const { return locked_ || keysWait(); }
     bool hold(const QKeyEvent& event);
+    void hold(const QMouseEvent& event);
+    void hold(Held held);
+    void inOrder(const QString& caption, void (FrmTable::*run)());
+    void playLater(int ms);
     void playBack();
+    void play(const Held& held);
+    void click(const Held& held);
+    void dropHeld();
+    bool timeBeingTyped(const QLineEdit& field) const;
     void pressed(char key);
     void closeTable() { close(); }
 
     // ---- Editing
     void openEdit(char key);
-    void commitEdit();
+    bool commitEdit();
     void leaveEdit();
     void closeEdit();
     void placeEdit();
@@ -116,7 +147,7 @@ class FrmTable : public QWidget {
     void cellDoubleClicked();
     void copy();
     void paste();
-    void takeTime(QLineEdit* field);
+    bool takeTime(QLineEdit* field);
     void showPopup(const QPoint& place);
     /// Marks the calibration as changed if a command has stored a cell since `writtenBefore`.
     void markIfWritten(int writtenBefore);
@@ -166,7 +197,11 @@ class FrmTable : public QWidget {
     std::map<QString, QAction*> actions_;
     RedrawGate* redraw_ = nullptr;
 
-    std::deque<HeldKey> held_;
+    std::deque<Held> held_;
+    bool playing_ = false;     ///< what has waited has its turn
+    bool moving_ = false;      ///< from the workspace into a window of its own, or back
+    bool boxEntered_ = false;  ///< the text of the edit box is an entry, not the cell's own text shown
+    bool textLeft_ = false;    ///< a cell shows what was typed into it and left without Enter
     std::vector<GridCell> dirtyCells_;
     bool locked_ = false;
     bool docked_ = true;

@@ -6,6 +6,7 @@
 #include <QScreen>
 #include <QStatusBar>
 #include <QToolButton>
+#include <algorithm>
 #include <array>
 
 #include "base/errors.h"
@@ -51,6 +52,15 @@ constexpr std::array menuCommands{
     Command{"mnuMonitor_NightMode", &MainCommands::nightMode},
 };
 
+/// What these store, program, save or close includes the edits typed before.
+constexpr std::array comesAfterEdits{
+    std::string_view("mnuNew"),        std::string_view("mnuOpen"),
+    std::string_view("mnuSave"),       std::string_view("mnuSaveAs"),
+    std::string_view("mnuClose"),      std::string_view("mnuProgramORB"),
+    std::string_view("mnuStoreONFLY"), std::string_view("mnuFirmwareUpgrade"),
+    std::string_view("mnuExit"),
+};
+
 struct TableCommand {
     std::string_view entry;
     std::string_view table;
@@ -65,6 +75,11 @@ constexpr std::array tableCommands{
 
 /// Ends a monitor session, as the door for other windows does.
 constexpr int endMonitoring = 3;
+
+/// Without the sign of its mnemonic.
+std::string plainCaption(const MenuEntry& entry) {
+    return qString(entry.caption).remove(u'&').toStdString();
+}
 
 bool hasChildren(std::string_view name) {
     for (const MenuEntry& entry : menuTree()) {
@@ -188,14 +203,16 @@ void MdiMain::closeNow() {
 }
 
 void MdiMain::closeEvent(QCloseEvent* event) {
-    // A failure on the way out is told, and the window stays: the user may try again.
-    if (!closing_) {
-        endOnFailure([&] { kernel_.closeRequested(); },
-                     [&](const std::string& why) {
-                         session_.show({frameTitle, why, Icon::Critical, Buttons::Ok});
-                     });
-    }
+    if (!closing_) session_.windows().afterEdits(tr("Close").toStdString(), [this] { closeRequested(); });
     event->setAccepted(closing_);
+}
+
+// A failure on the way out is told, and the window stays: the user may try again.
+void MdiMain::closeRequested() {
+    endOnFailure([&] { kernel_.closeRequested(); },
+                 [&](const std::string& why) {
+                     session_.show({frameTitle, why, Icon::Critical, Buttons::Ok});
+                 });
 }
 
 void MdiMain::showTitle(const std::string& title) {
@@ -256,6 +273,30 @@ void MdiMain::refresh() {
 }
 
 void MdiMain::run(std::string_view entry) {
+    // The list of a field in a dialog lets the keys of the menu pass to here.
+    if (QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr) return;
+    if (std::ranges::find(comesAfterEdits, entry) == comesAfterEdits.end()) return runNow(entry);
+    runBehindEdits(entry);
+}
+
+const MdiMain::Entry* MdiMain::find(std::string_view entry) const {
+    const auto found = std::ranges::find(entries_, entry, [](const Entry& one) { return one.data->name; });
+    return found == entries_.end() ? nullptr : &*found;
+}
+
+// What the edits wait for may take away what the command needs.
+void MdiMain::runBehindEdits(std::string_view entry) {
+    const Entry* row = find(entry);
+    const std::string caption = row == nullptr ? std::string(entry) : plainCaption(*row->data);
+    const bool offered = row != nullptr && enabled(*row);
+    session_.windows().afterEdits(caption, [this, row, caption, offered, name = std::string(entry)] {
+        if (!offered || enabled(*row)) return runNow(name);
+        session_.sysLog("Not run: " + caption);
+        session_.inform("\"" + caption + "\" was not run: what it needs has gone meanwhile.");
+    });
+}
+
+void MdiMain::runNow(std::string_view entry) {
     endOnFailure([&] { perform(entry); },
                  [&](const std::string& why) {
                      session_.sysLog(std::string(entry) + ": " + why);

@@ -42,7 +42,8 @@ class MdiMain : public QMainWindow {
     /// Which entries are enabled and checked, and the panels of the status bar.
     void refresh();
 
-    /// Runs the command of a menu entry, as a click on it does.
+    /// Runs the command of a menu entry, as a click on it does. Not while a dialog or a list stands over the
+    /// window; behind the edits typed before it where it stores, programs, saves or closes.
     void run(std::string_view entry);
 
  Q_SIGNALS:
@@ -60,6 +61,10 @@ class MdiMain : public QMainWindow {
     };
 
     bool enabled(const Entry& entry) const;
+    const Entry* find(std::string_view entry) const;
+    void runNow(std::string_view entry);
+    void runBehindEdits(std::string_view entry);
+    void closeRequested();
     void makeMenus();
     QAction* makeAction(const MenuEntry& entry, QWidget* parent);
     void makeToolbar();

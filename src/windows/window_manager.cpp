@@ -12,6 +12,7 @@
 #include "link/flag_scope.h"
 #include "qt/help_key.h"
 #include "qt/look.h"
+#include "qt/second_window.h"
 #include "qt/window_placement.h"
 
 namespace zentaq {
@@ -68,7 +69,7 @@ void WindowManager::showMain() {
 void WindowManager::splash(std::string_view text) {
     if (closed_) return;
     if (!splash_) {
-        splash_ = std::make_unique<FrmSplash>(QString::fromStdString(session_.VersionText), main_.get());
+        splash_ = std::make_unique<FrmSplash>(QString::fromStdString(versionText()), main_.get());
     }
     splash_->status(text);
     if (session_.StartingUp == 1) hideSplash();
@@ -123,18 +124,25 @@ void WindowManager::showCommList(bool on) {
 }
 
 void WindowManager::focusForm(const std::string& form) {
-    if (form == "frmGeneralConfig" && generalConfig_ && generalConfig_->isVisible()) {
-        generalConfig_->activateWindow();
-        return;
-    }
     if (form == "frmTABLE" && table_) {
         table_->window()->activateWindow();
-        table_->setFocus();
+        table_->takeFocus();
         return;
     }
+    // A form keeps its own field in hand.
+    if (QWidget* window = formNamed(form)) return window->activateWindow();
     if (!config_) return;
     main_->activateWindow();
     if (!config_->isAncestorOf(QApplication::focusWidget())) config_->focusTree();
+}
+
+/// A window of its own that is open; nullptr for the others.
+QWidget* WindowManager::formNamed(const std::string& form) {
+    for (QWidget* window : std::initializer_list<QWidget*>{generalConfig_, sensorEditor_, options_}) {
+        if (window == nullptr || !window->isVisible()) continue;
+        if (window->objectName().toStdString() == form) return window;
+    }
+    return nullptr;
 }
 
 void WindowManager::showTip(const std::string& text) {
@@ -174,10 +182,14 @@ void WindowManager::setupNodes() {
     treeReady_ = true;
     config_->setupNodes();
     config_->showUnit();
+    // The table that may have had the keyboard stands behind a page now.
+    config_->focusTree();
 }
 
 void WindowManager::showStartTab() {
-    if (config_) config_->showStartTab();
+    if (!config_) return;
+    config_->showStartTab();
+    config_->focusTree();
 }
 
 void WindowManager::onFlyChanged(bool on) {
@@ -195,6 +207,25 @@ void WindowManager::showUnit() {
     if (config_) config_->showUnit();
     if (table_) table_->showUnit();
     if (generalConfig_) generalConfig_->showUnit();
+}
+
+// ---- What has been typed before a command
+
+void WindowManager::afterEdits(const std::string& caption, const std::function<void()>& command) {
+    const auto inTurn = [this, command] {
+        if (finishEdits()) command();
+    };
+    if (table_ && table_->keysWait()) {
+        table_->behindKeys(caption, inTurn);
+    } else {
+        inTurn();
+    }
+}
+
+/// False: an entry was refused, and the user has been told.
+bool WindowManager::finishEdits() {
+    if (generalConfig_ && !generalConfig_->finishEntry()) return false;
+    return !table_ || table_->finishEdits();
 }
 
 // ---- Windows of their own
@@ -217,7 +248,9 @@ void WindowManager::closesInto(QPointer<Form>& place) {
         if (place) place->deleteLater();
         place = nullptr;
         if (closed_) return;
-        main_->activateWindow();
+        // The sensor manager may have been opened from the general parameters.
+        QWidget* next = formNamed("frmGeneralConfig");
+        (next != nullptr ? next : main_.get())->activateWindow();
         main_->refresh();
         if (!config_) return;
         config_->showUnit();
@@ -303,6 +336,7 @@ void WindowManager::removeForms() {
     if (!table_) return;
     leaveTable();
     delete table_;
+    if (config_ && !closed_) config_->focusTree();
 }
 
 void WindowManager::leaveTable() {
@@ -317,6 +351,8 @@ void WindowManager::tableClosed() {
     table_->hide();
     table_->deleteLater();
     table_ = nullptr;
+    main_->activateWindow();
+    if (config_) config_->focusTree();
 }
 
 void WindowManager::makeTable() {
@@ -328,12 +364,20 @@ void WindowManager::makeTable() {
 
 void WindowManager::openTable(const std::string& table, const std::string& title) {
     if (!config_ || closed_) return;
+    const auto inTurn = [this, table, title] { showTable(table, title); };
+    if (table_ && table_->keysWait()) return table_->behindKeys(title, inTurn);
+    inTurn();
+}
+
+void WindowManager::showTable(const std::string& table, const std::string& title) {
     makeTable();
     // A second click on the same table keeps it as it is, selection and all.
-    if (table_->tableName() != table) table_->Setup_Grid(table, title);
+    if (table_->tableName() != table) {
+        if (!table_->finishEntry()) return;
+        table_->Setup_Grid(table, title);
+    }
     table_->setProperty(helpKeyProperty, QString::fromStdString(tableHelp(table)));
     placeTable(table_->docked());
-    table_->grid().setFocus();
 }
 
 // Inside the workspace, or in a window of its own.
@@ -342,18 +386,29 @@ void WindowManager::placeTable(bool docked) {
     table_->setDocked(docked);
     const QString title = QString::fromStdString(table_->title());
     table_->setWindowTitle(title);
+    // On its way the table loses the keyboard, and the toolkit would give it to the first field of the
+    // window.
+    table_->moves(true);
     if (docked) {
         storePlacement(*table_, session_.settings());
+        // First, or the window that goes takes the keyboard of the whole program along.
+        main_->activateWindow();
         config_->dock(table_, title);
-        return;
+    } else {
+        undockTable();
     }
-    const bool moves = config_->docked();
-    const QSize size = table_->size();
-    if (moves) {
+    table_->moves(false);
+    table_->takeFocus();
+}
+
+void WindowManager::undockTable() {
+    if (config_->docked()) {
+        const QSize size = table_->size();
         config_->undock();
-        table_->setParent(main_.get(), Qt::Window);
+        table_->setParent(main_.get(), secondWindow());
         if (!restorePlacement(*table_, session_.settings())) table_->resize(size);
     }
+    table_->takeFocus();
     table_->show();
     table_->raise();
     table_->activateWindow();
@@ -482,8 +537,10 @@ void WindowManager::fastHelp() {
 
 void WindowManager::focusChanged(QWidget* now) {
     if (now == nullptr || !config_) return;
-    if (generalConfig_ && generalConfig_->isAncestorOf(now)) {
-        session_.messages.ActiveFormName = "frmGeneralConfig";
+    // By its control: the window of a form may have become active only now.
+    const std::string form = now->window()->objectName().toStdString();
+    if (formNamed(form) != nullptr) {
+        session_.messages.ActiveFormName = form;
     } else if (table_ && (now == table_ || table_->isAncestorOf(now))) {
         session_.messages.ActiveFormName = "frmTABLE";
     } else if (now == config_ || config_->isAncestorOf(now)) {

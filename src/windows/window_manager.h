@@ -72,6 +72,7 @@ class WindowManager : public QObject, public WindowSet {
     void removeForms() override;
     void openTable(const std::string& table, const std::string& title) override;
     void showUnit() override;
+    void afterEdits(const std::string& caption, const std::function<void()>& command) override;
 
     void openGeneralConfig() override;
     bool closeGeneralConfig() override;
@@ -106,11 +107,15 @@ class WindowManager : public QObject, public WindowSet {
     void hideSplash();
     template <typename Form>
     void closesInto(QPointer<Form>& place);
+    QWidget* formNamed(const std::string& form);
+    bool finishEdits();
+    void showTable(const std::string& table, const std::string& title);
     void tableClosed();
     void leaveTable();
     void makeCentre();
     void makeTable();
     void placeTable(bool docked);
+    void undockTable();
     void takeStoredColors();
     void beginMonitoring();
     void runWaiting();

@@ -249,6 +249,7 @@ TEST_F(General, AsksBeforeANewCalibrationIsDropped) {
     EXPECT_EQ(dialogs.boxes[0].title, "General Engine Configuration");
     EXPECT_EQ(boxText(), "Drop the new calibration?");
     EXPECT_EQ(dialogs.boxes[0].buttons, Buttons::YesNo);
+    EXPECT_TRUE(dialogs.boxes[0].declines) << "Enter keeps an hour's work";
     EXPECT_TRUE(form->isVisible());
     EXPECT_EQ(closedTold, 0);
     dialogs.answers = {Answer::Yes};
@@ -256,6 +257,20 @@ TEST_F(General, AsksBeforeANewCalibrationIsDropped) {
     EXPECT_EQ(boxes(), 2u);
     EXPECT_FALSE(form->isVisible());
     EXPECT_EQ(closedTold, 1);
+}
+
+TEST_F(General, TheKeyThatClosesIsCancelForANewCalibrationAndCloseForOneInHand) {
+    const auto caption = [this] { return form->findChild<QAction*>("Cancel")->text().toStdString(); };
+    openPrepared();
+    EXPECT_EQ(caption(), "Cancel");
+    dialogs.answers = {Answer::Yes};
+    escape();
+    openInHand();
+    EXPECT_EQ(caption(), "Close");
+    EXPECT_EQ(form->findChild<QWidget*>("Toolbar1_Cancel")->accessibleName(), "Close");
+    put("txtRPM", "6500");
+    escape();
+    EXPECT_FLOAT_EQ(unit().get("REV_Limiter"), 6500.0f) << "what was accepted stays";
 }
 
 TEST_F(General, TheFirstEscapeIsTheFieldsAndTheSecondTheWindows) {

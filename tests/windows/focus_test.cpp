@@ -1,0 +1,226 @@
+// Where the keyboard is after each window and table has come, moved or gone: in the grid, in the tree or in
+// the field that was in hand, and over which window a box stands.
+#include <gtest/gtest.h>
+
+#include <QMessageBox>
+#include <QTabWidget>
+#include <QTreeWidget>
+#include <QWindow>
+
+#include "qt/qt_dialogs.h"
+#include "windows/key_press.h"
+#include "windows/window_fixture.h"
+
+namespace zentaq {
+namespace {
+
+class Focus : public WindowTest {
+ protected:
+    Focus() {
+        activate(windows.main());
+        openCalibration();
+        for (int i = 0; i < 16; ++i) {
+            unit().set("RPMTBL", 500 * (i + 1), i);
+            unit().set("MAPTBL", 20 + 5 * i, i);
+        }
+        unit().set("scale1", 5);
+    }
+    Unit& unit() { return fake.session.currentUnitObject(); }
+    QTreeWidget* tree() { return find<QTreeWidget>("treeZentaq"); }
+    TableGridView& grid() { return windows.table()->grid(); }
+    QAction* tableAction(const char* name) { return windows.table()->findChild<QAction*>(name); }
+
+    static void settle() {
+        for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCoreApplication::processEvents();
+    }
+    static void activate(QWidget& window) {
+        window.activateWindow();
+        for (int i = 0; i < 50 && !window.isActiveWindow(); ++i) QApplication::processEvents();
+    }
+    void openVe() {
+        windows.main().run("mnuVETbl");
+        settle();
+    }
+    static std::string focus() {
+        const QWidget* widget = QApplication::focusWidget();
+        return widget == nullptr ? "nothing" : widget->objectName().toStdString();
+    }
+};
+
+TEST_F(Focus, AnOpenedCalibrationIsInTheTreeAndAnOpenedTableInItsGrid) {
+    EXPECT_EQ(focus(), "treeZentaq");
+    openVe();
+    EXPECT_EQ(focus(), "Grid1");
+}
+
+TEST_F(Focus, ADigitAfterUndockGoesIntoTheCellAndNotIntoTheTimeOfGap) {
+    openVe();
+    tableAction("Docking")->trigger();
+    settle();
+    ASSERT_TRUE(windows.table()->isWindow());
+    EXPECT_EQ(focus(), "Grid1");
+    pressKey(Qt::Key_5, Qt::NoModifier, "5");
+    pressKey(Qt::Key_Return);
+    EXPECT_EQ(unit().get("scale1"), 5);
+    EXPECT_EQ(
+        unit().get("VE", windows.table()->model()->tableIndex(windows.table()->model()->currentRow(),
+                                                              windows.table()->model()->currentColumn())),
+        5);
+}
+
+TEST_F(Focus, DockingGivesTheGridTheKeyboardAgain) {
+    openVe();
+    for (int i = 0; i < 2; ++i) {
+        tableAction("Docking")->trigger();
+        settle();
+    }
+    ASSERT_FALSE(windows.table()->isWindow());
+    activate(windows.main());  // a window manager does so, there is none here
+    EXPECT_EQ(focus(), "Grid1");
+}
+
+TEST_F(Focus, AnEntryGoesOnWhileTheTableMovesIntoAWindowOfItsOwnAndBack) {
+    openVe();
+    pressKey(Qt::Key_1, Qt::NoModifier, "1");
+    ASSERT_EQ(focus(), "txtInputValue");
+    for (const char* digit : {"2", "3"}) {
+        tableAction("Docking")->trigger();
+        settle();
+        activate(windows.table()->isWindow() ? *windows.table() : static_cast<QWidget&>(windows.main()));
+        EXPECT_EQ(focus(), "txtInputValue");
+        pressKey(Qt::Key_0, Qt::NoModifier, digit);
+    }
+    EXPECT_EQ(windows.table()->inputBox().text(), "123");
+}
+
+TEST_F(Focus, ARebuildKeepsTheFieldThatIsBeingEdited) {
+    openVe();
+    pressKey(Qt::Key_1, Qt::NoModifier, "1");
+    unit().set("REV_Limiter", 7000);
+    windows.showUnit();
+    settle();
+    EXPECT_EQ(focus(), "txtInputValue");
+    EXPECT_EQ(windows.table()->inputBox().text(), "1");
+    pressKey(Qt::Key_2, Qt::NoModifier, "2");
+    pressKey(Qt::Key_Return);
+    EXPECT_EQ(windows.table()->model()->grid().text(windows.table()->model()->currentRow(),
+                                                    windows.table()->model()->currentColumn()),
+              "12");
+}
+
+TEST_F(Focus, AClosedTableLeavesTheKeyboardToTheTree) {
+    for (const bool undocked : {false, true}) {
+        openVe();
+        if (undocked) tableAction("Docking")->trigger();
+        settle();
+        tableAction("Close")->trigger();
+        settle();
+        EXPECT_EQ(windows.table(), nullptr);
+        EXPECT_EQ(focus(), "treeZentaq") << undocked;
+    }
+}
+
+TEST_F(Focus, AClosedCalibrationLeavesItToTheTree) {
+    openVe();
+    commands.close();
+    settle();
+    EXPECT_EQ(focus(), "treeZentaq");
+}
+
+TEST_F(Focus, ASearchOfThePortGivesTheButtonItsKeyboardBack) {
+    openVe();
+    auto* button = find<QPushButton>("cmdAutoDetectPort");
+    ASSERT_NE(button, nullptr);
+    button->setFocus();
+    fake.port.presentNumber = 0;
+    button->click();
+    settle();
+    EXPECT_EQ(focus(), "cmdAutoDetectPort");
+}
+
+TEST_F(Focus, TheEndOfTheLockTakesNoFieldFromUnderTheFingers) {
+    openVe();
+    auto* gap = windows.table()->findChild<QLineEdit*>("txtTOG");
+    windows.onFlyLock(true);
+    gap->setFocus();
+    gap->setText("5.5");
+    windows.onFlyLock(false);
+    settle();
+    EXPECT_EQ(focus(), "txtTOG");
+}
+
+TEST_F(Focus, EverySecondWindowBelongsToTheMainOne) {
+    openVe();
+    tableAction("Docking")->trigger();
+    for (const char* entry : {"mnuMAPSensors", "mnuOptions", "mnuHelpContents"}) windows.main().run(entry);
+    windows.openGeneralConfig();
+    settle();
+    const std::initializer_list<QWidget*> forms{windows.table(), windows.sensorEditor(), windows.options(),
+                                                windows.help(), windows.generalConfig()};
+    for (QWidget* form : forms) {
+        ASSERT_NE(form, nullptr);
+        const std::string name = form->objectName().toStdString();
+        EXPECT_EQ(form->windowType(), Qt::Dialog) << name << ": other kinds are not kept in front";
+        ASSERT_NE(form->windowHandle(), nullptr) << name;
+        EXPECT_EQ(form->windowHandle()->transientParent(), windows.main().windowHandle()) << name;
+    }
+}
+
+TEST_F(Focus, ABoxStandsOverTheWindowThatAskedAndGivesTheFieldItsKeyboardBack) {
+    QtDialogs dialogs;
+    dialogs.setParent(&windows.main());
+    windows.openGeneralConfig();
+    settle();
+    activate(*windows.generalConfig());
+    auto* field = windows.generalConfig()->findChild<QLineEdit*>("txtRPM");
+    ASSERT_NE(field, nullptr);
+    field->setFocus();
+    settle();
+    QWidget* over = nullptr;
+    QTimer::singleShot(0, [&] {
+        QWidget* box = QApplication::activeModalWidget();
+        ASSERT_NE(box, nullptr);
+        over = box->parentWidget();
+        box->close();
+    });
+    dialogs.show({"Data Input Error", "Warning", Icon::Exclamation, Buttons::Ok});
+    settle();
+    EXPECT_EQ(over, windows.generalConfig());
+    EXPECT_TRUE(windows.generalConfig()->isActiveWindow());
+    EXPECT_EQ(focus(), "txtRPM");
+}
+
+TEST_F(Focus, ABoxEndsWithTheWindowThatItStandsOver) {
+    QtDialogs dialogs;
+    dialogs.setParent(&windows.main());
+    openVe();
+    tableAction("Docking")->trigger();
+    settle();
+    activate(*windows.table());
+    QTimer::singleShot(0, [&] { windows.removeForms(); });
+    EXPECT_EQ(dialogs.show({"SAVE", "Save changes?", Icon::Question, Buttons::OkCancel}), Answer::Cancel);
+    EXPECT_EQ(windows.table(), nullptr);
+}
+
+TEST_F(Focus, AWarningLeavesTheWindowInFrontThatItsEntryCameFrom) {
+    windows.main().run("mnuMAPSensors");
+    settle();
+    activate(*windows.sensorEditor());
+    fake.session.messages.Display_Warning(1000, "Retype Data");
+    settle();
+    EXPECT_TRUE(windows.sensorEditor()->isActiveWindow());
+}
+
+TEST_F(Focus, TheSensorManagerGoesBackToTheGeneralParameters) {
+    windows.openGeneralConfig();
+    windows.main().run("mnuMAPSensors");
+    settle();
+    windows.sensorEditor()->close();
+    settle();
+    EXPECT_TRUE(windows.generalConfig()->isActiveWindow());
+}
+
+}  // namespace
+}  // namespace zentaq

@@ -1,0 +1,343 @@
+// Keys typed faster than the unit answers, and the commands behind them: everything comes in the order in
+// which it was typed, and nothing that is not written goes without a word.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QCloseEvent>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <numeric>
+
+#include "windows/key_press.h"
+#include "windows/window_fixture.h"
+
+namespace zentaq {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+class TypedAhead : public WindowTest {
+ protected:
+    TypedAhead() {
+        windows.main().activateWindow();
+        openCalibration();
+        for (int i = 0; i < 16; ++i) {
+            unit().set("RPMTBL", 500 * (i + 1), i);
+            unit().set("MAPTBL", 20 + 5 * i, i);
+        }
+        unit().set("scale1", 5);
+        windows.main().run("mnuVETbl");
+        settle();
+        windows.killTimers();  // no polls between the records
+        fake.session.link.load();
+        fake.ticker.start();
+        settle();
+        drainLink();
+        unit().ONFLY_MODE(true);
+        fake.dialogs.boxes.clear();
+        fake.port.written.clear();
+        form().grid().setCurrentIndex(form().grid().model()->index(15, 0));
+    }
+    FrmTable& form() { return *windows.table(); }
+    Unit& unit() { return fake.session.currentUnitObject(); }
+    float ve(int index) { return unit().get("VE", index); }
+    static void settle() {
+        for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    /// The commands of the start run out of patience.
+    void drainLink() {
+        const Link& link = fake.session.link;
+        fake.ticker.run(1);
+        for (int i = 0; i < 200'000 && !link.CurrentCommand().empty(); ++i) fake.ticker.run(1);
+        fake.ticker.run(2);
+        ASSERT_TRUE(link.CurrentCommand().empty());
+    }
+    void key(int code, const QString& text = {}) {
+        QKeyEvent press(QEvent::KeyPress, code, Qt::NoModifier, text);
+        QWidget* box = &form().inputBox();
+        QApplication::sendEvent(box->isVisible() ? box : static_cast<QWidget*>(&form().grid()), &press);
+    }
+    void nudge() { key(Qt::Key_Period, "."); }
+    void type(const QString& digits) {
+        for (const QChar digit : digits) key(digit.unicode(), QString(digit));
+        key(Qt::Key_Return, "\r");
+    }
+    void lock() {
+        for (int i = 0; i < 1000 && !form().locked(); ++i) fake.ticker.run(1);
+        ASSERT_TRUE(form().locked());
+    }
+    void answer() {
+        fake.port.deliver({'A', 'X'});
+        fake.ticker.run(2);
+        settle();
+    }
+    /// First bytes of what went over the wire, polls left out.
+    std::vector<std::string> wire() {
+        std::vector<std::string> keys;
+        for (const std::string& command : fake.port.written) {
+            if (command.rfind("P2", 0) == 0) keys.emplace_back("P2");
+            if (command == "S") keys.emplace_back("S");
+        }
+        return keys;
+    }
+    static std::vector<std::uint8_t> sealed(std::vector<std::uint8_t> reply) {
+        reply.push_back(static_cast<std::uint8_t>(std::accumulate(reply.begin() + 2, reply.end(), 0)));
+        return reply;
+    }
+    /// An ORB A, number 200001, tells who it is.
+    void connectUnit() {
+        const auto reply = [this](std::vector<std::uint8_t> bytes) {
+            fake.port.deliver(sealed(std::move(bytes)));
+            fake.ticker.run(2);
+        };
+        fake.session.link.Send_ORB_Command("E");
+        fake.ticker.run(1);
+        reply({0xFA, 0xA5, 0x55, 0, 0x03, 0x0D, 0x41});
+        std::vector<std::uint8_t> firmware{0xFA, 0xA5, 0x55};
+        firmware.insert(firmware.end(), 24, ' ');
+        for (const char letter : std::string("ZQA-405099"))
+            firmware.push_back(static_cast<std::uint8_t>(letter));
+        firmware.push_back(0);
+        reply(firmware);
+        drainLink();
+        ASSERT_EQ(fake.session.link.linked().LinkedUnitKind, 3);
+        windows.main().refresh();
+    }
+    std::string fileText() {
+        std::ifstream file(fake.session.CurrentFile, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    float inFile(int cell) {
+        const std::string text = fileText();
+        float value = 0;
+        std::memcpy(&value, text.data() + 12 + 4 * static_cast<std::size_t>(cell), sizeof value);
+        return value;
+    }
+};
+
+TEST_F(TypedAhead, StoreComesBehindTheStepsTypedBeforeIt) {
+    nudge();
+    lock();
+    nudge();
+    nudge();
+    windows.main().run("mnuStoreONFLY");
+    EXPECT_THAT(wire(), ElementsAre("P2"));
+    for (int i = 0; i < 5; ++i) answer();
+    EXPECT_EQ(ve(0), 3);
+    EXPECT_THAT(wire(), ElementsAre("P2", "P2", "P2", "S"));
+}
+
+TEST_F(TypedAhead, ProgramWritesTheStepsTypedBeforeItAndDropsNone) {
+    nudge();
+    lock();
+    nudge();
+    windows.main().run("mnuProgramORB");
+    EXPECT_THAT(fake.dialogs.boxes, IsEmpty()) << "its turn has not come";
+    EXPECT_NE(windows.table(), nullptr);
+    answer();
+    EXPECT_EQ(ve(0), 2);
+    ASSERT_FALSE(fake.dialogs.boxes.empty());
+    EXPECT_EQ(fake.dialogs.boxes.back().title, "Error 1005");
+}
+
+TEST_F(TypedAhead, SavePutsTheLastStepIntoTheFile) {
+    nudge();
+    lock();
+    nudge();
+    windows.main().run("mnuSave");
+    answer();
+    EXPECT_FALSE(fake.session.DataModified);
+    const int cell = unit().find("VE")->index;
+    EXPECT_EQ(inFile(cell), 2);
+}
+
+TEST_F(TypedAhead, ClosingWaitsForTheKeysAndThenAsks) {
+    nudge();
+    lock();
+    nudge();
+    QCloseEvent closing;
+    QApplication::sendEvent(&windows.main(), &closing);
+    EXPECT_FALSE(closing.isAccepted());
+    EXPECT_FALSE(windows.closed());
+    answer();
+    EXPECT_EQ(ve(0), 2);
+    EXPECT_TRUE(windows.closed());
+    ASSERT_FALSE(fake.dialogs.boxes.empty());
+    EXPECT_EQ(fake.dialogs.boxes.front().text, "Save changes?");
+}
+
+TEST_F(TypedAhead, AnotherTableOpensBehindTheKeysOfThisOne) {
+    nudge();
+    lock();
+    nudge();
+    windows.main().run("mnuAdvTbl");
+    EXPECT_EQ(form().tableName(), "VE");
+    answer();
+    EXPECT_EQ(ve(0), 2);
+    EXPECT_EQ(form().tableName(), "ADV");
+}
+
+TEST_F(TypedAhead, TheTablesOwnButtonsComeInTheirTurn) {
+    nudge();
+    lock();
+    nudge();
+    form().findChild<QAction*>("Close")->trigger();
+    EXPECT_TRUE(form().isVisible());
+    answer();
+    EXPECT_EQ(ve(0), 2);
+    EXPECT_EQ(windows.table(), nullptr);
+}
+
+TEST_F(TypedAhead, AClickThatWaitedTakesTheDigitsTypedBehindIt) {
+    nudge();
+    lock();
+    const QPointF place = form().grid().cellRect(4, 4).center();
+    QWidget* area = form().grid().viewport();
+    QMouseEvent press(QEvent::MouseButtonPress, place, area->mapToGlobal(place), Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(area, &press);
+    EXPECT_EQ(form().model()->currentRow(), 16) << "not yet";
+    type("7");
+    answer();
+    EXPECT_EQ(form().model()->currentRow(), 4);
+    EXPECT_EQ(ve(form().model()->tableIndex(4, 4)), 7);
+    EXPECT_EQ(ve(0), 1);
+}
+
+TEST_F(TypedAhead, WhatIsTypedBehindARefusedEntryIsDroppedWithAWord) {
+    nudge();
+    lock();
+    type("99");  // 50 at most
+    key(Qt::Key_Right);
+    type("8");
+    windows.main().run("mnuSave");
+    answer();
+    settle();
+    EXPECT_EQ(ve(0), 1);
+    EXPECT_EQ(ve(1), 0) << "its digits must not land in the refused cell either";
+    ASSERT_EQ(fake.dialogs.boxes.size(), 2u);
+    EXPECT_THAT(fake.dialogs.boxes[0].text, HasSubstr("(-50 to 50%)"));
+    EXPECT_EQ(fake.dialogs.boxes[1].text,
+              "The entry was refused.\nWhat was typed behind it was not taken: 3 keys, Save.\n"
+              "Please look at the cell and enter it again.");
+    EXPECT_TRUE(fake.session.DataModified) << "nothing was saved";
+}
+
+TEST_F(TypedAhead, ARefusedEntryIsToldFromTheEventLoopAndNotInsideTheTick) {
+    nudge();
+    lock();
+    type("99");
+    fake.port.deliver({'A', 'X'});
+    fake.ticker.run(2);
+    EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
+    settle();
+    EXPECT_EQ(fake.dialogs.boxes.size(), 1u);
+}
+
+TEST_F(TypedAhead, AHundredKeysWaitAndAreAllWritten) {
+    nudge();
+    lock();
+    for (int i = 0; i < 20; ++i) {
+        for (const int code :
+             {Qt::Key_Period, Qt::Key_Period, Qt::Key_Comma, Qt::Key_Period, Qt::Key_Comma}) {
+            key(code, code == Qt::Key_Period ? "." : ",");
+        }
+    }
+    for (int i = 0; i < 110; ++i) answer();
+    EXPECT_EQ(ve(0), 21);
+}
+
+TEST_F(TypedAhead, KeysThatWaitWhenTheUnitIsLostAreWrittenAllTheSame) {
+    nudge();
+    lock();
+    nudge();
+    drainLink();
+    settle();
+    EXPECT_EQ(ve(0), 2);
+}
+
+TEST_F(TypedAhead, AStoreThatWaitedForAUnitThatHasGoneIsToldAndNotSent) {
+    connectUnit();
+    unit().ONFLY_MODE(true);
+    fake.port.written.clear();
+    fake.dialogs.boxes.clear();
+    nudge();
+    lock();
+    nudge();
+    find<QAction>("mnuStoreONFLY")->trigger();
+    drainLink();
+    ASSERT_EQ(fake.session.link.linked().LinkedUnitKind, 0);
+    settle();
+    EXPECT_EQ(ve(0), 2);
+    EXPECT_THAT(wire(), ElementsAre("P2"));
+    ASSERT_FALSE(fake.dialogs.boxes.empty());
+    EXPECT_EQ(fake.dialogs.boxes.back().text,
+              "\"Store Changes in ORB\" was not run: what it needs has gone meanwhile.");
+}
+
+TEST_F(TypedAhead, SaveTakesTheTextThatStandsInTheBox) {
+    key(Qt::Key_1, "1");
+    key(Qt::Key_2, "2");
+    windows.main().run("mnuSave");
+    EXPECT_EQ(ve(0), 12);
+    EXPECT_EQ(inFile(unit().find("VE")->index), 12);
+    EXPECT_TRUE(form().inputBox().isHidden());
+}
+
+TEST_F(TypedAhead, ATextThatIsRefusedEndsTheCommand) {
+    key(Qt::Key_9, "9");
+    key(Qt::Key_9, "9");
+    fake.session.DataModified = true;
+    windows.main().run("mnuSave");
+    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
+    EXPECT_THAT(fake.dialogs.boxes[0].text, HasSubstr("(-50 to 50%)"));
+    EXPECT_TRUE(fake.session.DataModified);
+    EXPECT_EQ(ve(0), 0);
+}
+
+TEST_F(TypedAhead, ABoxThatOnlyShowsItsCellFillsNoSelection) {
+    unit().set("VE", 4, 0);
+    windows.showUnit();
+    const QAbstractItemModel* cells = form().grid().model();
+    form().grid().selectionModel()->select({cells->index(14, 0), cells->index(15, 1)},
+                                           QItemSelectionModel::ClearAndSelect);
+    key(Qt::Key_Space, " ");
+    ASSERT_FALSE(form().inputBox().isHidden());
+    windows.main().run("mnuSave");
+    EXPECT_EQ(ve(0), 4);
+    EXPECT_EQ(ve(1), 0);
+    EXPECT_EQ(ve(16), 0);
+}
+
+TEST_F(TypedAhead, SaveTakesWhatWasLeftInACellWithoutEnter) {
+    key(Qt::Key_1, "1");
+    key(Qt::Key_2, "2");
+    form().grid().setFocus(Qt::MouseFocusReason);
+    form().grid().setCurrentIndex(form().grid().model()->index(3, 3));
+    ASSERT_EQ(form().model()->grid().text(16, 1), "12");
+    ASSERT_EQ(ve(0), 0) << "left without Enter";
+    windows.main().run("mnuSave");
+    EXPECT_EQ(inFile(unit().find("VE")->index), 12);
+}
+
+TEST_F(TypedAhead, StoreTakesTheTimeOfGapThatIsBeingTyped) {
+    auto* gap = form().findChild<QLineEdit*>("txtTOG");
+    gap->setFocus();
+    gap->setText("6");
+    windows.main().run("mnuStoreONFLY");
+    EXPECT_EQ(unit().get("scale1"), 6);
+    for (int i = 0; i < 4; ++i) {
+        fake.ticker.run(1);
+        answer();
+    }
+    ASSERT_FALSE(wire().empty());
+    EXPECT_EQ(wire().front(), "P2");
+    EXPECT_EQ(wire().back(), "S");
+}
+
+}  // namespace
+}  // namespace zentaq
