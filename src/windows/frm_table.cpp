@@ -8,6 +8,7 @@
 #include <QItemSelectionModel>
 #include <QMenu>
 #include <QPointer>
+#include <QScopeGuard>
 #include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -67,6 +68,11 @@ bool isClipboardKey(const QKeyEvent& event) {
 
 bool movesCursor(int key) {
     return (key >= Qt::Key_Home && key <= Qt::Key_PageDown) || key == Qt::Key_Tab || key == Qt::Key_Backtab;
+}
+
+bool isModifier(int key) {
+    return key == Qt::Key_Shift || key == Qt::Key_Control || key == Qt::Key_Alt || key == Qt::Key_Meta ||
+           key == Qt::Key_AltGr;
 }
 
 /// What waits, in words: "2 keys, Store Changes in ORB".
@@ -513,8 +519,8 @@ void FrmTable::takeFocus() {
 }
 
 bool FrmTable::hold(const QKeyEvent& event) {
-    // A held-down key would go on long after it was let go.
-    if (event.isAutoRepeat()) return true;
+    // A held-down key would go on long after it was let go; Shift and its like come with the next key.
+    if (event.isAutoRepeat() || isModifier(event.key())) return true;
     Held held;
     held.key = event.key();
     held.modifiers = event.modifiers();
@@ -562,6 +568,12 @@ void FrmTable::playBack() {
     if (QApplication::activeModalWidget() != nullptr) return playLater(boxPollMs);
     const QPointer<FrmTable> self(this);
     playing_ = true;
+    // Also when a command fails: what waits behind it has its turn.
+    const auto done = qScopeGuard([self] {
+        if (!self) return;
+        self->playing_ = false;
+        if (!self->held_.empty() && !self->locked_) self->playLater(0);
+    });
     while (!held_.empty() && !locked_) {
         const Held next = std::move(held_.front());
         held_.pop_front();
@@ -570,7 +582,6 @@ void FrmTable::playBack() {
         if (!self) return;  // the command has closed the table
         if (!next.command && session_.messages.warningsShown() != warnings) dropHeld();
     }
-    playing_ = false;
 }
 
 void FrmTable::play(const Held& held) {

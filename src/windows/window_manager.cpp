@@ -391,8 +391,11 @@ void WindowManager::placeTable(bool docked) {
     table_->moves(true);
     if (docked) {
         storePlacement(*table_, session_.settings());
-        // First, or the window that goes takes the keyboard of the whole program along.
-        main_->activateWindow();
+        if (table_->isWindow()) {
+            // Before it becomes a part of the main window: it would take the program's keyboard along.
+            table_->hide();
+            main_->activateWindow();
+        }
         config_->dock(table_, title);
     } else {
         undockTable();

@@ -29,6 +29,7 @@ TEST(Splash, StaysOnTopAndTakesNoFocus) {
     const FrmSplash splash("4.10.2", nullptr);
     EXPECT_TRUE(splash.windowFlags() & Qt::WindowStaysOnTopHint);
     EXPECT_TRUE(splash.testAttribute(Qt::WA_ShowWithoutActivating));
+    EXPECT_TRUE(splash.windowFlags() & Qt::BypassWindowManagerHint) << "no manager may keep it on the screen";
 }
 
 TEST(Splash, BlocksNobody) {
