@@ -15,8 +15,8 @@ namespace zentaq {
 namespace {
 
 /// Of the height of the letters.
-constexpr double edgeOfLetters = 0.16;
-constexpr double thinnestEdge = 1.2;
+constexpr double edgeOfLetters = 0.11;
+constexpr double thinnestEdge = 1;
 
 /// Share of light of one part of a colour, 0 to 1, as screens show it.
 double lightOf(double part) {
