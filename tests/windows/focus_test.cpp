@@ -43,6 +43,12 @@ class Focus : public WindowTest {
         windows.main().run("mnuVETbl");
         settle();
     }
+    /// What gets the keys while the window is the active one. When a window becomes a part of another one,
+    /// the platform of the tests makes no window active again, as a window manager does.
+    static std::string focusOf(const QWidget& window) {
+        const QWidget* widget = window.focusWidget();
+        return widget == nullptr ? "nothing" : widget->objectName().toStdString();
+    }
     static std::string focus() {
         const QWidget* widget = QApplication::focusWidget();
         return widget == nullptr ? "nothing" : widget->objectName().toStdString();
@@ -77,8 +83,7 @@ TEST_F(Focus, DockingGivesTheGridTheKeyboardAgain) {
         settle();
     }
     ASSERT_FALSE(windows.table()->isWindow());
-    activate(windows.main());  // a window manager does so, there is none here
-    EXPECT_EQ(focus(), "Grid1");
+    EXPECT_EQ(focusOf(windows.main()), "Grid1");
 }
 
 TEST_F(Focus, AnEntryGoesOnWhileTheTableMovesIntoAWindowOfItsOwnAndBack) {
@@ -88,9 +93,10 @@ TEST_F(Focus, AnEntryGoesOnWhileTheTableMovesIntoAWindowOfItsOwnAndBack) {
     for (const char* digit : {"2", "3"}) {
         tableAction("Docking")->trigger();
         settle();
-        activate(windows.table()->isWindow() ? *windows.table() : static_cast<QWidget&>(windows.main()));
-        EXPECT_EQ(focus(), "txtInputValue");
-        pressKey(Qt::Key_0, Qt::NoModifier, digit);
+        QWidget* window = windows.table()->window();
+        ASSERT_EQ(focusOf(*window), "txtInputValue");
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_0, Qt::NoModifier, digit);
+        QApplication::sendEvent(window->focusWidget(), &press);
     }
     EXPECT_EQ(windows.table()->inputBox().text(), "123");
 }
