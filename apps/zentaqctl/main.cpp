@@ -73,12 +73,13 @@ struct Streams {
 /// Runs one command under the policy "ends at the first failure, told in one line".
 int runCommand(const zentaq::ctl::Run& command, const zentaq::ctl::CommandLine& line, Streams& streams) {
     ReferenceData reference;
-    const zentaq::ctl::Context context{.database = zentaq::DatabaseSource([&]() -> const zentaq::Database& { return reference.get(); }),
-                                       .out = streams.out.stream(),
-                                       .notes = streams.error.stream(),
-                                       .data = streams.out.plain(),
-                                       .json = line.json(),
-                                       .force = line.force()};
+    const zentaq::ctl::Context context{
+        .database = zentaq::DatabaseSource([&]() -> const zentaq::Database& { return reference.get(); }),
+        .out = streams.out.stream(),
+        .notes = streams.error.stream(),
+        .data = streams.out.plain(),
+        .json = line.json(),
+        .force = line.force()};
     int status = refusedOrFailed;
     zentaq::endOnFailure(
         [&] {

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "base/errors.h"
+#include "base/file_reader.h"
 #include "unit/child_apart.h"
 #include "unit/safe_file.h"
 #include "unit/unit_fixture.h"
@@ -64,7 +65,7 @@ TEST_F(AFileLock, OfAFileThatWasReplacedMeanwhileIsTheLockOfItsSuccessor) {
     std::thread second([&] {
         waits = true;
         const FileLock lock(path);
-        read = readWholeFile(path);
+        read = readFile(path, limits::calibration);
         writeFileSafely(path, read + "2");
     });
     while (!waits) std::this_thread::yield();
@@ -73,7 +74,7 @@ TEST_F(AFileLock, OfAFileThatWasReplacedMeanwhileIsTheLockOfItsSuccessor) {
     skipFailing([&] { third.emplace(path, 0ms); });
     first.reset();
     if (third) {
-        writeFileSafely(path, readWholeFile(path) + "3");
+        writeFileSafely(path, readFile(path, limits::calibration) + "3");
         third.reset();
     }
     second.join();
@@ -88,7 +89,7 @@ TEST_F(AFileLock, OfManyAtOnceLosesNoChange) {
         threads.emplace_back([&] {
             for (int change = 0; change < changes; ++change) {
                 const FileLock lock(path);
-                writeFileSafely(path, std::to_string(std::stoi(readWholeFile(path)) + 1));
+                writeFileSafely(path, std::to_string(std::stoi(readFile(path, limits::calibration)) + 1));
             }
         });
     }
