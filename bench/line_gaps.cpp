@@ -10,6 +10,7 @@
 #include <QCoreApplication>
 #include <QTimer>
 #include <algorithm>
+#include <atomic>
 #include <charconv>
 #include <csignal>
 #include <cstdio>
@@ -96,9 +97,8 @@ class Load {
         for (unsigned one = 0; one < std::max(1U, std::thread::hardware_concurrency()); ++one) {
             const pid_t child = ::fork();
             if (child == 0) {
-                std::minstd_rand numbers;
-                while (numbers() != 0) {  // it never is
-                }
+                std::atomic<unsigned> spin = 0;
+                for (;;) ++spin;
             }
             children_.push_back(child);
         }

@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
+
 #include "app/fake_platform.h"
 #include "app/main_commands.h"
 #include "app/menu.h"
@@ -428,6 +430,24 @@ TEST_F(FirmwareUpgrade, WithoutATransferNothingIsAsked) {
     kernel.closeRequested();
     EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
     EXPECT_FALSE(logged("Transfer broken off"));
+}
+
+/// Whether a signal ends or stops this program at once.
+bool actsAtOnce(int number) {
+    struct sigaction action {};
+    ::sigaction(number, nullptr, &action);
+    return action.sa_handler == SIG_DFL;
+}
+
+TEST_F(FirmwareUpgrade, WhatTheTerminalOfTheStartSendsWaitsUntilTheUnitIsDone) {
+    runUpgrade();
+    fake.ticker.start();
+    fake.ticker.run(1);
+    for (const int number : {SIGINT, SIGTSTP, SIGQUIT, SIGHUP, SIGTERM}) EXPECT_FALSE(actsAtOnce(number));
+    answer("AR");
+    ASSERT_FALSE(session.link.transferPending());
+    fake.ticker.run(1);
+    for (const int number : {SIGINT, SIGTSTP, SIGQUIT, SIGHUP, SIGTERM}) EXPECT_TRUE(actsAtOnce(number));
 }
 
 }  // namespace
