@@ -166,7 +166,7 @@ void checkFile(std::string_view text) {
     }
     int lines = 0;
     std::string_view last;
-    for (std::string_view rest = text; !rest.empty(); ++lines) {
+    for (std::string_view rest = file.text; !rest.empty(); ++lines) {
         const std::size_t end = rest.find('\n');
         last = rest.substr(0, end);
         if (last.ends_with('\r')) last.remove_suffix(1);

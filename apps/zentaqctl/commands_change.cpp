@@ -26,6 +26,15 @@ float cellNumber(const std::string& value) {
     return cell;
 }
 
+/// A file that tells no release has its injectors as they are: nobody knows what they were made for.
+void noteUnknownRelease(const Context& context, QuietCalibration& calibration, const std::string& file) {
+    constexpr float firstRelease = 1000;
+    if (calibration.host.header().firmwareCode >= firstRelease || !calibration.unit.has("scale1")) return;
+    context.notes << file
+                  << " does not tell the firmware that it was made for: its injector scaling is taken "
+                  << "as it stands\n";
+}
+
 /// The pin whose function a cell holds; nothing for another cell, and for a block that has no pin.
 std::optional<int> pinOfFunctionCell(const UnitKind& kind, int index) {
     constexpr int blockCells = 9;
@@ -108,6 +117,7 @@ void image(const Context& context, const std::string& file, std::optional<Firmwa
         calibration->host.firmwareKnown(true);
         unit.FW_Build(firmware->build);
         unit.FW_Release(firmware->release);
+        noteUnknownRelease(context, *calibration, file);
     }
     unit.BinFile(file);  // the unit keeps the name of the file
     try {

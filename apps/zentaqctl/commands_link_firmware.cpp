@@ -33,12 +33,11 @@ void askFirst(const Context& context) {
     if (trimmed(answer) != consent) throw Failure("Nothing was sent: the upgrade was not confirmed.");
 }
 
-/// The text of a whole firmware file.
+/// What a unit is sent of a whole firmware file.
 std::string checkedFile(const std::string& file) {
-    std::string text = readFirmwareFile(file);
+    const std::string text = readFirmwareFile(file);
     try {
-        checkFirmware(text);
-        return text;
+        return checkFirmware(text).text;
     } catch (const Failure& failure) {
         throw Failure(file + " is no whole firmware file. " + failure.what() +
                       " Nothing was sent to the unit.");

@@ -641,19 +641,16 @@ bool MainCommands::mayUpgrade(const std::string& path, const LinkedIdentity& beg
 // a firmware, so nothing goes out of a file that is not whole.
 std::optional<std::string> MainCommands::readFirmware(const std::string& path) {
     std::string text;
-    const bool whole = endOnFailure(
-        [&] {
-            text = readFirmwareFile(path);
-            checkFirmware(text);
-        },
-        [&](const std::string& why) {
-            session_.sysLog("Firmware file not sent: " + why);
-            session_.dialogs().show(
-                {"Firmware File Error",
-                 fileNameOf(path) + " is no whole firmware file.\n" + why +
-                     "\nNothing was sent to the unit.  Please get the file anew and try again.",
-                 Icon::Critical, Buttons::Ok});
-        });
+    const bool whole =
+        endOnFailure([&] { text = checkFirmware(readFirmwareFile(path)).text; },
+                     [&](const std::string& why) {
+                         session_.sysLog("Firmware file not sent: " + why);
+                         session_.dialogs().show(
+                             {"Firmware File Error",
+                              fileNameOf(path) + " is no whole firmware file.\n" + why +
+                                  "\nNothing was sent to the unit.  Please get the file anew and try again.",
+                              Icon::Critical, Buttons::Ok});
+                     });
     return whole ? std::optional(std::move(text)) : std::nullopt;
 }
 

@@ -1,7 +1,9 @@
 #include "link/firmware_file.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <vector>
 
 #include "base/errors.h"
 #include "base/file_reader.h"
@@ -14,7 +16,7 @@ namespace {
 /// Characters of type and count: "S1" and two digits.
 constexpr std::size_t headLength = 4;
 
-enum class RecordUse { Other, Data, End };
+enum class RecordUse { Header, Data, Count, End };
 
 struct RecordType {
     char digit;
@@ -22,11 +24,12 @@ struct RecordType {
     RecordUse use;
 };
 
-/// Motorola's S-records: S0 is a header, S5 and S6 count records, S4 is reserved.
+/// Motorola's S-records: S0 is a header, S5 and S6 tell the number of data records in the place of an
+/// address, S4 is reserved.
 constexpr RecordType recordTypes[] = {
-    {'0', 2, RecordUse::Other}, {'1', 2, RecordUse::Data},  {'2', 3, RecordUse::Data},
-    {'3', 4, RecordUse::Data},  {'5', 2, RecordUse::Other}, {'6', 3, RecordUse::Other},
-    {'7', 4, RecordUse::End},   {'8', 3, RecordUse::End},   {'9', 2, RecordUse::End},
+    {'0', 2, RecordUse::Header}, {'1', 2, RecordUse::Data},  {'2', 3, RecordUse::Data},
+    {'3', 4, RecordUse::Data},   {'5', 2, RecordUse::Count}, {'6', 3, RecordUse::Count},
+    {'7', 4, RecordUse::End},    {'8', 3, RecordUse::End},   {'9', 2, RecordUse::End},
 };
 
 const RecordType* typeOf(std::string_view line) {
@@ -52,13 +55,13 @@ std::optional<unsigned> byteAt(std::string_view line, std::size_t at) {
 }
 
 struct Record {
-    RecordUse use = RecordUse::Other;
+    RecordUse use = RecordUse::Header;
+    std::int64_t address = 0;
     int dataBytes = 0;
 };
 
 /// One line without its end. Throws Failure with what is wrong.
 Record readRecord(std::string_view line) {
-    if (line.empty()) throw Failure("the line is empty");
     const RecordType* type = typeOf(line);
     if (type == nullptr) throw Failure("this is no S-record");
     const auto count = byteAt(line, 2);
@@ -67,23 +70,95 @@ Record readRecord(std::string_view line) {
     // Address and checksum are counted as well.
     const int dataBytes = static_cast<int>(*count) - type->addressBytes - 1;
     if (dataBytes < 0) throw Failure("the record is too short for its address");
+    const std::size_t behindAddress = headLength + 2 * static_cast<std::size_t>(type->addressBytes);
     unsigned sum = *count;
+    std::int64_t address = 0;
     for (std::size_t at = headLength; at < line.size(); at += 2) {
         const auto byte = byteAt(line, at);
         if (!byte) throw Failure("the record holds something else than the digits 0 to 9 and A to F");
         sum += *byte;
+        if (at < behindAddress) address = address * 256 + *byte;
     }
     // The checksum is the complement of the sum of all before it, so everything together gives 255.
     if ((sum & 0xFFU) != 0xFFU) throw Failure("the checksum is wrong");
-    return {type->use, dataBytes};
+    return {type->use, address, dataBytes};
 }
 
-/// Takes the first line off a text, and the line end off the line.
+std::string hexAddress(std::int64_t address) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string text;
+    for (; address > 0 || text.size() < 4; address /= 16)
+        text.insert(text.begin(), digits[static_cast<std::size_t>(address % 16)]);
+    return text;
+}
+
+/// What the records of a file say about each other: a line that got lost or came twice on the file's own way
+/// here has a right checksum all the same.
+class Sequence {
+ public:
+    /// Throws Failure with what is wrong.
+    void take(const Record& record) {
+        if (ended_) throw Failure("there is something behind the end record");
+        if (record.use == RecordUse::Header && taken_) throw Failure("a header stands behind other records");
+        if (counted_ && record.use != RecordUse::End)
+            throw Failure("there is something between the number of data records and the end record");
+        taken_ = true;
+        if (record.use == RecordUse::Data) takeData(record);
+        if (record.use == RecordUse::Count) takeCount(record);
+        ended_ = record.use == RecordUse::End;
+    }
+    bool ended() const { return ended_; }
+    int dataBytes() const { return dataBytes_; }
+
+ private:
+    struct Range {
+        std::int64_t first, behind;
+    };
+
+    void takeData(const Record& record) {
+        ++dataRecords_;
+        if (record.dataBytes == 0) return;
+        dataBytes_ += record.dataBytes;
+        const std::int64_t behind = record.address + record.dataBytes;
+        if (!ranges_.empty() && record.address < ranges_.back().behind) refuse({record.address, behind});
+        if (ranges_.empty() || ranges_.back().behind != record.address) {
+            ranges_.push_back({record.address, behind});
+        } else {
+            ranges_.back().behind = behind;
+        }
+    }
+    void refuse(Range wanted) const {
+        const std::string address = "the address " + hexAddress(wanted.first);
+        for (const Range& range : ranges_) {
+            if (wanted.first < range.behind && range.first < wanted.behind)
+                throw Failure(address + " comes a second time");
+        }
+        throw Failure(address + " stands behind higher ones");
+    }
+    void takeCount(const Record& record) {
+        if (record.dataBytes != 0) throw Failure("the number of data records has data of its own");
+        if (record.address != dataRecords_) {
+            throw Failure("the file says that it has " + std::to_string(record.address) +
+                          " data records, and there are " + std::to_string(dataRecords_));
+        }
+        counted_ = true;
+    }
+
+    bool taken_ = false;
+    bool counted_ = false;
+    bool ended_ = false;
+    int dataBytes_ = 0;
+    std::int64_t dataRecords_ = 0;
+    std::vector<Range> ranges_;  ///< of addresses without a gap, in their order
+};
+
+/// Takes the first line off a text, and the line end and blanks in front of it off the line.
 std::string_view takeLine(std::string_view& text) {
     const auto end = text.find('\n');
     std::string_view line = text.substr(0, end);
     text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
     if (line.ends_with('\r')) line.remove_suffix(1);
+    while (line.ends_with(' ') || line.ends_with('\t')) line.remove_suffix(1);
     return line;
 }
 
@@ -91,24 +166,28 @@ std::string_view takeLine(std::string_view& text) {
 
 FirmwareFile checkFirmware(std::string_view text) {
     FirmwareFile file;
-    bool ended = false;
-    while (!text.empty()) {
+    file.text.reserve(text.size());
+    Sequence sequence;
+    int lastRecord = 0;
+    for (int number = 1; !text.empty(); ++number) {
         const std::string_view line = takeLine(text);
-        ++file.lines;
+        // Nothing that a unit would be sent: an editor has left it there.
+        if (line.empty()) continue;
         try {
-            if (ended) throw Failure("there is something behind the end record");
-            const Record record = readRecord(line);
-            ended = record.use == RecordUse::End;
-            if (record.use == RecordUse::Data) file.dataBytes += record.dataBytes;
+            sequence.take(readRecord(line));
         } catch (const Failure& failure) {
-            throw Failure("Line " + std::to_string(file.lines) + ": " + failure.what() + ".");
+            throw Failure("Line " + std::to_string(number) + ": " + failure.what() + ".");
         }
+        file.text.append(line).append("\r\n");
+        ++file.lines;
+        lastRecord = number;
     }
     if (file.lines == 0) throw Failure("The file is empty.");
-    if (!ended) {
-        throw Failure("The end record is missing behind line " + std::to_string(file.lines) +
+    if (!sequence.ended()) {
+        throw Failure("The end record is missing behind line " + std::to_string(lastRecord) +
                       ": the file is not whole.");
     }
+    file.dataBytes = sequence.dataBytes();
     if (file.dataBytes == 0) throw Failure("The file holds no data.");
     return file;
 }

@@ -10,13 +10,17 @@ namespace zentaq {
 
 /// What a firmware file holds.
 struct FirmwareFile {
+    std::string text;   ///< what goes out: the records alone, each with CR LF
     int lines = 0;      ///< records, the end record included; each goes out as one line
     int dataBytes = 0;  ///< bytes that the data records bring to the unit
 };
 
-/// Looks at the text of a firmware file. Lines end in CR LF or LF; the last one may lack its end.
-/// Throws Failure with the number of the first bad line, counted from 1, and what is wrong with it. An empty
-/// text, one without data and one that does not end in its only end record (S7, S8 or S9) are refused too.
+/// Looks at the text of a firmware file. Lines end in CR LF or LF; the last one may lack its end. Empty lines
+/// and blanks at the end of a line are passed over.
+/// Throws Failure with the number of the first bad line, counted from 1, and what is wrong with it. Refused
+/// are, too: an empty text, one without data, one that does not end in its only end record (S7, S8 or S9), a
+/// header (S0) behind another record, a number of data records (S5 or S6) that is not theirs or does not
+/// stand between them and the end, and addresses that come twice or do not ascend.
 FirmwareFile checkFirmware(std::string_view text);
 
 /// The whole text of a firmware file, not looked at. What was checked is then what is sent, whatever becomes

@@ -271,7 +271,8 @@ constexpr std::array wideFrame{
     FrameRow{55, 1, &L::ISRPM, idleSpeed},
 };
 
-/// D reply. Kept: AAFR and DAFR stand in the reverse order of the narrow frame; the unit logs them so.
+/// D reply, in the same places on every kind: shorter records have less behind them. Kept: AAFR and DAFR
+/// stand in the reverse order of the narrow frame; the unit logs them so.
 constexpr std::array internalRecord{
     FrameRow{3, 2, &L::RPM, rpm},
     FrameRow{5, 1, &L::TPS, throttle},
@@ -305,20 +306,16 @@ struct KindFrames {
     int slot;
     FrameTable narrowFrame;
     bool narrowZeroesWideOnly;  ///< so that a recorder writes zeros
-    bool hasInternalLog;
-    bool hasPinReply;  ///< answers I
+    bool hasPinReply;           ///< answers I
     int lastPinOfReply;
 };
 
 constexpr int firstWidePin = 56;
 
 const std::array kinds{
-    KindFrames{3, narrowOfOrba, true, true, false, 0},
-    KindFrames{4, narrowOfOthers, false, true, true, 8},
-    KindFrames{5, narrowOfPzk2, false, true, true, 8},
-    KindFrames{6, narrowOfOthers, false, true, true, 12},
-    KindFrames{7, narrowOfOthers, false, false, true, 8},
-    KindFrames{8, narrowOfOthers, false, false, true, 8},
+    KindFrames{3, narrowOfOrba, true, false, 0},   KindFrames{4, narrowOfOthers, false, true, 8},
+    KindFrames{5, narrowOfPzk2, false, true, 8},   KindFrames{6, narrowOfOthers, false, true, 12},
+    KindFrames{7, narrowOfOthers, false, true, 8}, KindFrames{8, narrowOfOthers, false, true, 8},
 };
 
 const KindFrames* framesOf(const UnitKind& unitKind) {
@@ -412,7 +409,7 @@ void FrameDecoder::Monitor_GPIO(Unit& unit, std::span<const std::uint8_t> reply)
 
 void FrameDecoder::Internal_Data_Conv(Unit& unit, std::span<const std::uint8_t> reply) {
     const KindFrames* frames = framesOf(unit.kind());
-    if (frames == nullptr || !frames->hasInternalLog) return;
+    if (frames == nullptr) return;
     decode(internalRecord, unit, live_, reply);
     ++live_.frames;
 }
@@ -443,7 +440,7 @@ std::optional<FrameContent> contentOfFrame(const UnitKind& kind, char command) {
     if (command == 'F') return contentOf(frames->narrowFrame);
     if (command == 'W' && kind.hasWideMonitor) return contentOf(wideFrame, lastPin(kind));
     if (command == 'I' && frames->hasPinReply) return contentOf({}, frames->lastPinOfReply);
-    if (command == 'D' && frames->hasInternalLog) return contentOf(internalRecord);
+    if (command == 'D') return contentOf(internalRecord);
     return {};
 }
 

@@ -60,11 +60,12 @@ std::optional<std::string> firmwareTextOfHeader(const SRecord& record) {
 std::string simulatedFirmware(std::string_view firmwareText) {
     const std::string header = std::string(headerStart) + std::string(firmwareText);
     std::string file = sRecordText({'0', 0, {header.begin(), header.end()}}) + "\r\n";
-    for (std::int64_t address = firstAddress; address < endAddress; address += lineBytes) {
+    std::int64_t dataRecords = 0;
+    for (std::int64_t address = firstAddress; address < endAddress; address += lineBytes, ++dataRecords) {
         const char type = address < firstLongAddress ? '1' : '2';
         file += sRecordText({type, address, content(firmwareText, address)}) + "\r\n";
     }
-    return file + sRecordText({'8', 0, {}}) + "\r\n";
+    return file + sRecordText({'5', dataRecords, {}}) + "\r\n" + sRecordText({'8', 0, {}}) + "\r\n";
 }
 
 void makeFirmwareFile(const fs::path& path, std::string_view firmwareText) {

@@ -19,7 +19,7 @@ bool isFirmwareText(std::string_view text, std::string_view prefix);
 std::optional<std::string> firmwareTextOfHeader(const SRecord& record);
 
 /// The whole file, with CR LF: the header, 256 lines of 16 bytes up to address FFFF, 128 above it with
-/// addresses of three bytes, and the end record.
+/// addresses of three bytes, the number of these lines, and the end record.
 std::string simulatedFirmware(std::string_view firmwareText);
 
 /// Writes simulatedFirmware() to `path`. Throws FileError when that fails, or when something other than such

@@ -18,13 +18,17 @@ void FirmwareMemory::begin() {
     step_ = Step::Header;
     incoming_.clear();
     nextAddress_.reset();
+    dataRecords_ = 0;
 }
 
 FirmwareMemory::Verdict FirmwareMemory::take(const std::optional<SRecord>& record) {
     if (!record) return refuse();
     const bool ends = record->type >= '7';
     if (ends) return takeEnd();
-    const bool good = step_ == Step::Header ? takeHeader(*record) : takeData(*record);
+    const bool counts = record->type == '5' || record->type == '6';
+    const bool good = step_ == Step::Header ? takeHeader(*record)
+                      : counts              ? takeCount(*record)
+                                            : takeData(*record);
     return good ? Verdict::Accepted : refuse();
 }
 
@@ -48,8 +52,17 @@ bool FirmwareMemory::takeHeader(const SRecord& record) {
 // A line goes on where the one before has ended: one that got lost is noticed at the next.
 bool FirmwareMemory::takeData(const SRecord& record) {
     const bool isData = record.type >= '1' && record.type <= '3' && !record.data.empty();
-    if (!isData || record.address != nextAddress_.value_or(record.address)) return false;
+    if (step_ != Step::Data || !isData || record.address != nextAddress_.value_or(record.address))
+        return false;
     nextAddress_ = record.address + static_cast<std::int64_t>(record.data.size());
+    ++dataRecords_;
+    return true;
+}
+
+// Nothing but the end comes behind it.
+bool FirmwareMemory::takeCount(const SRecord& record) {
+    if (step_ != Step::Data || !record.data.empty() || record.address != dataRecords_) return false;
+    step_ = Step::Counted;
     return true;
 }
 

@@ -50,10 +50,11 @@ class FirmwareMemory {
     bool cyclePower();
 
  private:
-    enum class Step { None, Header, Data };
+    enum class Step { None, Header, Data, Counted };
 
     bool takeHeader(const SRecord& record);
     bool takeData(const SRecord& record);
+    bool takeCount(const SRecord& record);
     Verdict takeEnd();
     Verdict refuse();
     void change(InstalledFirmware firmware);
@@ -65,6 +66,7 @@ class FirmwareMemory {
     Step step_ = Step::None;
     std::string incoming_;
     std::optional<std::int64_t> nextAddress_;
+    std::int64_t dataRecords_ = 0;
 };
 
 }  // namespace zentaq::sim

@@ -15,7 +15,7 @@ bool isOneOf(char type, std::string_view types) {
 }
 
 std::size_t addressLength(char type) {
-    if (type == '2' || type == '8') return 3;
+    if (type == '2' || type == '6' || type == '8') return 3;
     return type == '3' || type == '7' ? 4 : 2;
 }
 

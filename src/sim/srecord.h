@@ -11,11 +11,12 @@ namespace zentaq::sim {
 
 /// What a calibration comes in: data and end with addresses of two bytes.
 inline constexpr std::string_view calibrationRecords = "19";
-/// What firmware comes in: header, data and end with addresses of two, three or four bytes.
-inline constexpr std::string_view firmwareRecords = "0123789";
+/// What firmware comes in: header, data and end with addresses of two, three or four bytes, and the number of
+/// the data records in the place of an address.
+inline constexpr std::string_view firmwareRecords = "012356789";
 
 struct SRecord {
-    char type = '1';  ///< '0' header, '1' to '3' data, '7' to '9' end
+    char type = '1';  ///< '0' header, '1' to '3' data, '5' and '6' their number, '7' to '9' end
     std::int64_t address = 0;
     std::vector<std::uint8_t> data;
 };

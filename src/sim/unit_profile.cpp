@@ -98,7 +98,7 @@ constexpr UnitProfile profileL{
     .baseAddress = 0x1100,
     .memorySize = 147 * 16,
     .memorySizeOlder = 137 * 16,
-    .fullMemoryFromRelease = 7,
+    .fullMemoryFromRelease = 5,
     .nameOffset = 560,
     .linesEndInLineFeed = true,
 };

@@ -42,13 +42,6 @@ constexpr ImageLayout layoutOfOrba = {.zeros = zeros,
                                       .newerFrom = 5,
                                       .hiddenFromOlder = hiddenStops};
 
-constexpr ImageLayout withNewerFrom(ImageLayout layout, int release) {
-    layout.newerFrom = release;
-    return layout;
-}
-
-constexpr ImageLayout layoutOfOrbLite = withNewerFrom(layoutOfOrba, 7);
-
 // The blocks begin two cells earlier and are thirteen.
 constexpr std::array<Run, 7> zerosOfOrbc = {
     {{18, 33}, {268, 274}, {323, 333}, {451, 503}, {512, 519}, {536, 559}, {584, 589}}};
@@ -101,7 +94,7 @@ const ImageLayout& orbaImage() {
 }
 
 const ImageLayout& orbLiteImage() {
-    return layoutOfOrbLite;
+    return layoutOfOrba;
 }
 
 const ImageLayout& orbcImage() {

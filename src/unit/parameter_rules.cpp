@@ -488,8 +488,7 @@ After writeFuelTrim(Unit& unit, const Parameter& row, float value, int element) 
 
 After writeInjectorTrim(Unit& unit, const Parameter& row, float value, int element) {
     stored(unit, row, value, element);
-    unit.Initialize_Trims();
-    unit.SendTrimPair(cellsOf(unit).trimSent + element);
+    unit.SpreadTrim(element);
     return After::Nothing;
 }
 

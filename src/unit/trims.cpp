@@ -1,3 +1,5 @@
+#include <array>
+
 #include "base/rounding.h"
 #include "unit/counts.h"
 #include "unit/image_source.h"
@@ -26,12 +28,16 @@ double trimByte(double degrees) {
 
 }  // namespace
 
+// The engine options differ in their cylinder layout: the outputs repeat the trims of the cylinders in firing
+// order. A layout of no or of more than eight cylinders takes all eight trims in turn.
+int Unit::trimmedCylinders() const {
+    const int cylinders = (toInt32(static_cast<double>(cellAt(cylindersAndEvents))) & 240) / 16;
+    return cylinders >= 1 && cylinders <= userTrims ? cylinders : userTrims;
+}
+
 void Unit::Initialize_Trims() {
     if (!kind_->hasCalibration) return;
-    // The engine options differ in their cylinder layout: the outputs repeat the trims of the cylinders in
-    // firing order. A layout of no or of more than eight cylinders takes all eight trims in turn.
-    const int cylinders = (toInt32(static_cast<double>(cellAt(cylindersAndEvents))) & 240) / 16;
-    const int trims = cylinders >= 1 && cylinders <= userTrims ? cylinders : userTrims;
+    const int trims = trimmedCylinders();
     const CellMap& map = kind_->cells;
     const bool hasFuel = map.userFuelTrim != CellMap::none;
     for (int i = 0; hasFuel && i < userTrims; ++i) {
@@ -50,8 +56,19 @@ void Unit::convertTrims() {
     }
 }
 
-void Unit::SendTrimPair(int index) {
-    SendOnFly(index, trimByte(cellAt(index)), trimByte(cellAt(index + 1)));
+void Unit::SpreadTrim(int cylinder) {
+    const int first = kind_->cells.trimSent;
+    std::array<double, injectorOutputs> before{};
+    for (int i = 0; i < injectorOutputs; ++i)
+        before[static_cast<std::size_t>(i)] = trimByte(cellAt(first + i));
+    Initialize_Trims();
+    SendOnFly(first + cylinder, trimByte(cellAt(first + cylinder)), trimByte(cellAt(first + cylinder + 1)));
+    // An engine of fewer cylinders than outputs would go on with the old trim on the others.
+    for (int i = cylinder + trimmedCylinders(); i < injectorOutputs; i += trimmedCylinders()) {
+        const double now = trimByte(cellAt(first + i));
+        const bool inPair = i == cylinder + 1;
+        if (!inPair && now != before[static_cast<std::size_t>(i)]) SendOnFly(first + i, now, 1);
+    }
 }
 
 }  // namespace zentaq

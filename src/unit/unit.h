@@ -212,8 +212,10 @@ class Unit {
     /// Hands one record to the link when ONFLY_MODE is on. A failure is logged, never thrown.
     void SendOnFly(int index, double first, int count);
     void SendOnFly(int index, double first, double second);
-    /// Sends the trim bytes of injector trim cell `index`, as the unit takes it, and of the next one.
-    void SendTrimPair(int index);
+    /// Initialize_Trims behind a change of one cylinder's injector trim, counted from 0. Sends the bytes of
+    /// its first output and of the next one, then one record for each further output of that cylinder whose
+    /// byte has changed.
+    void SpreadTrim(int cylinder);
 
     /// The bytes that changing a value sends: one record, no line end.
     /// Throws Overflow for a number of more than 16 bits.
@@ -245,6 +247,7 @@ class Unit {
     void convertSensorWords();
     void convertGpioBlocks();
     void convertTrims();
+    int trimmedCylinders() const;
     void convertStopPoints();
 
     float& cellAt(int index);

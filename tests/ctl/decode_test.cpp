@@ -247,7 +247,12 @@ TEST_F(ZentaqctlDecode, ReadsCheckEngineCodes) {
 TEST_F(ZentaqctlDecode, AKindGivesOnlyItsOwnReplies) {
     expectRefused(decode("PZK-2", "W", reply(23, {})), "PZK-2 gives no reply W");
     expectRefused(decode("A", "I", reply(21, {})), "ORB A gives no reply I");
-    expectRefused(decode("D", "D", reply(34, {})), "ORB D gives no reply D");
+}
+
+TEST_F(ZentaqctlDecode, ARecordOfAnOrbDIsReadAsThoseOfTheOtherKinds) {
+    const Outcome outcome = decode("D", "D", reply(34, {{3, 0x0C}, {4, 0x1C}}));
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_THAT(outcome.out, HasSubstr("RPM=3100\n"));
 }
 
 // ---- How bytes are given

@@ -54,6 +54,34 @@ TEST_F(Zentaqctl, ImageForFirmwareBeforeTheLinearSensorMovesTheInjectorScaling) 
     EXPECT_EQ(bytes[148] * 256 + bytes[149], 8650);
 }
 
+// Codes 0 to 999 tell no release: nobody knows what the injectors were made for, but a unit needs a sensor.
+TEST_F(Zentaqctl, ImageOfAFileThatTellsNoReleaseHasASensorAndItsInjectorsAsTheyAre) {
+    const std::string output = folder.file("out.s19");
+    constexpr int firmwareCode = -1, sensorScale = 126, sensorId = 128;
+    plant(sensorId, 0);
+    plant(sensorScale, 0);
+    plant(firmwareCode, 2010);
+    ASSERT_EQ(onFile("image", "--firmware 5.99 -o " + inQuotes(output)).exitCode, 0);
+    const std::vector<int> ofOldFile = imageBytes(contentOf(output));
+    for (const float code : {0.0F, 1.0F, 999.0F}) {
+        plant(firmwareCode, code);
+        const Outcome outcome = onFile("image", "--firmware 5.99 -o " + inQuotes(output));
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+        EXPECT_EQ(outcome.error,
+                  file +
+                      " does not tell the firmware that it was made for: its injector scaling is "
+                      "taken as it stands\n");
+        const std::vector<int> bytes = imageBytes(contentOf(output));
+        ASSERT_EQ(bytes.size(), 147U * 16);
+        EXPECT_EQ(bytes[148] * 256 + bytes[149], 7400) << code;
+        EXPECT_NE(bytes[262] * 256 + bytes[263], 0) << code;
+        for (int i = 262; i < 266; ++i) {
+            const auto at = static_cast<std::size_t>(i);
+            EXPECT_EQ(bytes[at], ofOldFile[at]) << code << " " << i;
+        }
+    }
+}
+
 TEST_F(Zentaqctl, ImageLeavesTheCalibrationAlone) {
     const std::string before = contentOf(file);
     onFile("image", "-o " + inQuotes(folder.file("out.s19")));

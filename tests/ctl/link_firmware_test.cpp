@@ -70,7 +70,7 @@ TEST_F(ZentaqctlFirmware, ARefusedLineLeavesNoFirmwareAndASecondRunMendsTheUnit)
     startReady("A", {"--fault", "refuse@line#12"});
     const Outcome failed = upgrade();
     expectFailure(failed, 1, gone);
-    EXPECT_THAT(failed.error, HasSubstr("The unit refused line 12 of 386."));
+    EXPECT_THAT(failed.error, HasSubstr("The unit refused line 12 of 387."));
     EXPECT_THAT(state(), StartsWith("missing"));
 
     expectFailure(upgrade(), 3, "--unit-without-firmware");
@@ -86,7 +86,7 @@ TEST_F(ZentaqctlFirmware, ASilentLineIsTold) {
     startReady("A", {"--fault", "silence@line#3"});
     const Outcome failed = upgrade();
     expectFailure(failed, 1, gone);
-    EXPECT_THAT(failed.error, HasSubstr("The unit did not answer to line 3 of 386."));
+    EXPECT_THAT(failed.error, HasSubstr("The unit did not answer to line 3 of 387."));
 }
 
 TEST_F(ZentaqctlFirmware, WithoutATerminalOnlyYesGoesOn) {
@@ -173,7 +173,7 @@ TEST_F(ZentaqctlFirmware, ASecondCtrlCBreaksOffAndTellsThatTheUnitHasNoFirmware)
     terminal.program().signal(SIGINT);
     terminal.until("then.");
     terminal.program().signal(SIGINT);
-    EXPECT_THAT(terminal.until("function."), HasSubstr(" of 386 lines. There is now no firmware installed"));
+    EXPECT_THAT(terminal.until("function."), HasSubstr(" of 387 lines. There is now no firmware installed"));
     EXPECT_EQ(terminal.program().wait(), 128 + SIGINT);
     EXPECT_THAT(state(), StartsWith("missing"));
     EXPECT_EQ(contentOf(folder.file("out")), "");

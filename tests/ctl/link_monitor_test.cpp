@@ -161,6 +161,20 @@ TEST_F(ZentaqctlOnLink, DatalogRetrievesTheUnitsOwnLog) {
     for (std::size_t i = 3; i < lines.size(); ++i) EXPECT_EQ(columnsOf(lines[i]), datalogColumns);
 }
 
+TEST_F(ZentaqctlOnLink, DatalogOfAnOrbDHoldsWhatTheUnitHasLogged) {
+    for (const char* model : {"D", "D6"}) {
+        startUnit(model, {"--log-records", "40"});
+        const std::string log = folder.file(std::string("own") + model + ".dat");
+        ASSERT_EQ(onUnit("datalog", inQuotes(log)).exitCode, 0);
+        const auto lines = linesOf(contentOf(log));
+        ASSERT_EQ(lines.size(), 3U + 40U);
+        for (std::size_t i = 3; i < lines.size(); ++i) {
+            const std::size_t speed = lines[i].find('\t') + 1;
+            EXPECT_GT(std::stoi(lines[i].substr(speed)), 300) << model << ": " << lines[i];
+        }
+    }
+}
+
 TEST_F(ZentaqctlOnLink, DatalogCountsByTheLogRateOfTheCalibration) {
     ASSERT_EQ(onFile("set", "GPIO_Func 15 --index 4").exitCode, 0);
     ASSERT_EQ(onFile("set", "GPIO_Param 10 --index 34").exitCode, 0);  // parameter 2 of pin 4: 10 records a second

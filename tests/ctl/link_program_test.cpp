@@ -54,6 +54,20 @@ TEST_F(ZentaqctlOnLink, ProgramSaysThatNewerFirmwareIsNotFullySupported) {
     EXPECT_THAT(programFile().error, HasSubstr("This version of firmware is not fully supported"));
 }
 
+// The files of the ORB D and the D6 are the same, and say 7.
+TEST_F(ZentaqctlOnLink, ProgramPutsAFileOfAnOrbDIntoAD6) {
+    fs::copy_file(sample("ORB D Four.ZQ4OD"), file, fs::copy_options::overwrite_existing);
+    startUnit("D6", {"--memory", memory});
+    const Outcome outcome = programFile();
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_THAT(outcome.out, StartsWith("ORB D6 750001: You have successfully programmed your ORB unit."));
+    const std::string image = bytesOf(onFile("image", "--firmware 5.99 -o -").out);
+    EXPECT_EQ(contentOf(memory).substr(0, image.size()), image);
+    const Outcome sent = onUnit("send", "KNK_MIN 40 --file " + inQuotes(file));
+    EXPECT_EQ(sent.exitCode, 0) << sent.error;
+    EXPECT_THAT(sent.out, HasSubstr("accepted by ORB D6"));
+}
+
 TEST_F(ZentaqctlOnLink, ProgramRefusesAUnitOfAnotherKind) {
     startUnit("L", {"--memory", memory});
     ASSERT_EQ(onUnit("identify").exitCode, 0);

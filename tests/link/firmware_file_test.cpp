@@ -22,6 +22,9 @@ namespace {
 constexpr const char* header = "S0030000FC";
 // 05 + 10 + 00 + AA + 55 = 114, FF - 14 = EB.
 constexpr const char* data = "S1051000AA55EB";
+// The bytes behind them: 05 + 10 + 02 + AA + 55 = 116, FF - 16 = E9; 05 + 10 + 04 + ... = 118: E7.
+constexpr const char* secondData = "S1051002AA55E9";
+constexpr const char* thirdData = "S1051004AA55E7";
 constexpr const char* endOfFile = "S9030000FC";
 
 std::string lines(const std::vector<std::string>& records, const std::string& end = "\r\n") {
@@ -41,8 +44,9 @@ std::string faultOf(std::string_view text) {
 }
 
 TEST(FirmwareFile, AWholeFileTellsItsLinesAndItsBytes) {
-    const FirmwareFile file = checkFirmware(lines({header, data, data, endOfFile}));
+    const FirmwareFile file = checkFirmware(lines({header, data, secondData, endOfFile}, "\n"));
     EXPECT_EQ(file.lines, 4);
+    EXPECT_EQ(file.text, lines({header, data, secondData, endOfFile})) << "what goes out";
     EXPECT_EQ(file.dataBytes, 4);
 }
 
@@ -59,9 +63,9 @@ TEST(FirmwareFile, EveryTypeHasItsOwnLengthOfAddress) {
         int dataBytes;
     };
     const Row rows[] = {
-        {"S1041000AA41", 1},      // 04+10+00+AA = BE
-        {"S205001000AA40", 1},    // 05+00+10+00+AA = BF
-        {"S30600001000AA3F", 1},  // 06+00+00+10+00+AA = C0
+        {"S1042000AA31", 1},      // 04+20+00+AA = CE
+        {"S205002000AA30", 1},    // 05+00+20+00+AA = CF
+        {"S30600002000AA2F", 1},  // 06+00+00+20+00+AA = D0
         {"S5030001FB", 0},        // 03+00+01 = 04
         {"S604000001FA", 0},      // 04+00+00+01 = 05
         {"S1031000EC", 0},        // 03+10+00 = 13
@@ -82,7 +86,6 @@ TEST(FirmwareFile, AFaultIsToldWithItsLine) {
         const char* fault;
     };
     const Row rows[] = {
-        {"", "the line is empty"},
         {"S1", "this is no S-record"},
         {"X1051000AA55EB", "this is no S-record"},
         {"s1051000AA55EB", "this is no S-record"},
@@ -92,7 +95,7 @@ TEST(FirmwareFile, AFaultIsToldWithItsLine) {
         {"S1G51000AA55EB", "the length is no number"},
         {"S1051000AA55E", "the record has a wrong length"},
         {"S1051000AA55EB0", "the record has a wrong length"},
-        {"S1051000AA55EB ", "the record has a wrong length"},
+        {"S1051000AA55E B", "the record has a wrong length"},
         {"S1061000AA55EB", "the record has a wrong length"},
         {"S100", "the record is too short for its address"},
         {"S10210ED", "the record is too short for its address"},
@@ -112,8 +115,8 @@ TEST(FirmwareFile, AFaultIsToldWithItsLine) {
 
 TEST(FirmwareFile, AFileThatBreaksOffIsRefused) {
     EXPECT_EQ(faultOf(""), "The file is empty.");
-    EXPECT_EQ(faultOf("\n"), "Line 1: the line is empty.");
-    EXPECT_EQ(faultOf(lines({header, data, data})),
+    EXPECT_EQ(faultOf("\n \r\n"), "The file is empty.");
+    EXPECT_EQ(faultOf(lines({header, data, secondData, ""})),
               "The end record is missing behind line 3: the file is not whole.");
     const std::string whole = lines({data, endOfFile}, "\n");
     // Cut anywhere before its last digit.
@@ -126,9 +129,54 @@ TEST(FirmwareFile, NothingStandsBehindTheEndRecordAndThereIsDataInFrontOfIt) {
     EXPECT_EQ(faultOf(lines({data, endOfFile, data})), "Line 3: there is something behind the end record.");
     EXPECT_EQ(faultOf(lines({data, endOfFile, endOfFile})),
               "Line 3: there is something behind the end record.");
-    EXPECT_EQ(faultOf(lines({data, endOfFile, ""})), "Line 3: there is something behind the end record.");
     EXPECT_EQ(faultOf(lines({header, endOfFile})), "The file holds no data.");
     EXPECT_EQ(faultOf(lines({header, "S1031000EC", endOfFile})), "The file holds no data.");
+}
+
+TEST(FirmwareFile, EmptyLinesAndBlanksAtTheEndAreNoFaultAndDoNotGoOut) {
+    const FirmwareFile file = checkFirmware("S0030000FC \r\n\r\nS1051000AA55EB\t \nS9030000FC\r\n\r\n \n\n");
+    EXPECT_EQ(file.lines, 3);
+    EXPECT_EQ(file.text, lines({header, data, endOfFile}));
+    EXPECT_EQ(faultOf("S0030000FC\n\nS1051000AA55EC\n"), "Line 3: the checksum is wrong.")
+        << "lines are counted as an editor shows them";
+}
+
+TEST(FirmwareFile, LinesThatAreMissingOrDoubledAreToldByTheirNumber) {
+    // 03 + 00 + 02 = 05: FA; 03 + 00 + 03 = 06: F9; 04 + 00 + 00 + 02 = 06: F9
+    const std::string two = "S5030002FA", three = "S5030003F9", twoLong = "S604000002F9";
+    EXPECT_EQ(faultOf(lines({header, data, secondData, two, endOfFile})), "");
+    EXPECT_EQ(faultOf(lines({header, data, secondData, twoLong, endOfFile})), "");
+    EXPECT_EQ(faultOf(lines({header, data, thirdData, three, endOfFile})),
+              "Line 4: the file says that it has 3 data records, and there are 2.");
+    EXPECT_EQ(faultOf(lines({header, data, secondData, thirdData, two, endOfFile})),
+              "Line 5: the file says that it has 2 data records, and there are 3.");
+    EXPECT_EQ(faultOf(lines({header, data, secondData, two, thirdData, endOfFile})),
+              "Line 5: there is something between the number of data records and the end record.");
+    EXPECT_EQ(faultOf(lines({header, data, secondData, two, two, endOfFile})),
+              "Line 5: there is something between the number of data records and the end record.");
+    // 04 + 00 + 01 + AA = AF: 50
+    EXPECT_EQ(faultOf(lines({header, data, "S5040001AA50", endOfFile})),
+              "Line 3: the number of data records has data of its own.");
+}
+
+TEST(FirmwareFile, NoAddressComesTwiceAndTheyAscend) {
+    EXPECT_EQ(faultOf(lines({header, data, data, endOfFile})),
+              "Line 3: the address 1000 comes a second time.");
+    EXPECT_EQ(faultOf(lines({header, data, secondData, data, endOfFile})),
+              "Line 4: the address 1000 comes a second time.");
+    // In part: 05 + 10 + 01 + AA + 55 = 115: EA
+    EXPECT_EQ(faultOf(lines({data, "S1051001AA55EA", endOfFile})),
+              "Line 2: the address 1001 comes a second time.");
+    // The same address in four bytes: 07 + 10 + AA + 55 = 116: E9
+    EXPECT_EQ(faultOf(lines({data, "S30700001000AA55E9", endOfFile})),
+              "Line 2: the address 1000 comes a second time.");
+    EXPECT_EQ(faultOf(lines({secondData, data, endOfFile})),
+              "Line 2: the address 1000 stands behind higher ones.");
+    EXPECT_EQ(faultOf(lines({data, thirdData, secondData, endOfFile})),
+              "Line 3: the address 1002 stands behind higher ones.");
+    EXPECT_EQ(faultOf(lines({data, thirdData, endOfFile})), "") << "a gap is none of these";
+    EXPECT_EQ(faultOf(lines({header, data, header, endOfFile})),
+              "Line 3: a header stands behind other records.");
 }
 
 TEST(FirmwareFile, AZeroByteAndALoneCarriageReturnAreFaults) {
@@ -146,8 +194,8 @@ TEST(FirmwareFile, ChangingAnyOneCharacterButATypeIsNoticed) {
             std::string changed = whole;
             changed[at] = static_cast<char>(byte);
             if (changed == whole) continue;
-            // The end of the last line may be anything that is passed over: nothing but a CR is.
-            const bool lastEnd = at + 1 == whole.size() && byte == '\r';
+            // The end of the last line may be anything that is passed over: a CR or a blank.
+            const bool lastEnd = at + 1 == whole.size() && (byte == '\r' || byte == ' ' || byte == '\t');
             // The type stands outside the sum.
             const bool otherType = at > 0 && whole[at - 1] == 'S';
             if (lastEnd || otherType) continue;

@@ -57,7 +57,7 @@ TEST(FrameContent, OfThePinReplyHasPinsOnly) {
 TEST(FrameContent, IsNothingWhereAKindGivesNoSuchReply) {
     EXPECT_FALSE(contentOfFrame(orbaKind(), 'I'));
     EXPECT_FALSE(contentOfFrame(pzk2Kind(), 'W'));
-    EXPECT_FALSE(contentOfFrame(orbdKind(), 'D'));
+    EXPECT_FALSE(contentOfFrame(nullKind(), 'D'));
     EXPECT_FALSE(contentOfFrame(nullKind(), 'F'));
     EXPECT_FALSE(contentOfFrame(orbaKind(), 'X'));
 }

@@ -377,10 +377,18 @@ TEST(InternalRecord, HasActualBeforeDesiredRatioUnlikeTheNarrowFrame) {
     EXPECT_EQ(d.live.IACD, 0);
 }
 
-TEST(InternalRecord, IsUnknownToKind7) {
-    Decoding d(7);
-    d.decoder.Internal_Data_Conv(d.unit, frame(34, narrowBytesOfOthers));
-    EXPECT_EQ(d.live.RPM, 0);
+TEST(InternalRecord, OfAnOrbDIsReadAsTheOtherKindsOfItsLength) {
+    for (const int slot : {7, 8}) {
+        Decoding d(slot);
+        auto bytes = narrowBytesOfOthers;
+        bytes[24] = 180;
+        d.decoder.Internal_Data_Conv(d.unit, frame(34, bytes));
+        EXPECT_EQ(d.live.RPM, 3100);
+        EXPECT_EQ(d.live.AAFR, 9.8F);
+        EXPECT_EQ(d.live.DAFR, 14.73F);
+        EXPECT_EQ(d.live.PRIPW, 5);
+        EXPECT_EQ(d.live.BATTV, 14.1F);
+    }
 }
 
 TEST(Frames, OfAnyLengthAndContentAreTaken) {

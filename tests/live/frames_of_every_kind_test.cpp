@@ -36,7 +36,7 @@ struct KindCase {
     std::size_t wideLength;  ///< 0: no such reply
     std::size_t widePins;
     std::size_t listedPins;    ///< of the I reply; 0: none
-    std::size_t recordLength;  ///< of the unit's own log; 0: none
+    std::size_t recordLength;  ///< of the unit's own log
     float batteryVolts;        ///< of the byte 180: 0.067432 or 0.078431 volts a step
 };
 
@@ -70,11 +70,9 @@ TEST_P(EveryKind, HasRepliesOfItsOwnLengths) {
     if (GetParam().wideLength > 0) {
         EXPECT_EQ(sizes.wCmdLen, static_cast<int>(GetParam().wideLength));
     }
-    if (GetParam().recordLength > 0) {
-        EXPECT_EQ(sizes.dataRecordLen, static_cast<int>(GetParam().recordLength));
-    }
+    EXPECT_EQ(sizes.dataRecordLen, static_cast<int>(GetParam().recordLength));
     EXPECT_EQ(unit.kind().hasWideMonitor, GetParam().wideLength > 0);
-    EXPECT_EQ(contentOfFrame(unit.kind(), 'D').has_value(), GetParam().recordLength > 0);
+    EXPECT_TRUE(contentOfFrame(unit.kind(), 'D').has_value());
     EXPECT_EQ(contentOfFrame(unit.kind(), 'I').has_value(), GetParam().listedPins > 0);
 }
 
@@ -128,11 +126,7 @@ TEST_P(EveryKind, LogsActualBeforeDesiredRatioAndFineSteps) {
                                    {14, 5},    {15, 255},  {16, 127},  {17, 133},  {18, 51},
                                    {19, 0x13}, {20, 0x88}, {21, 0x09}, {22, 0xC4}, {24, 180}};
     live.CHKE = true;
-    decoder.Internal_Data_Conv(unit, frame(std::max<std::size_t>(GetParam().recordLength, 33), bytes));
-    if (GetParam().recordLength == 0) {
-        EXPECT_EQ(live.RPM, 0);
-        return;
-    }
+    decoder.Internal_Data_Conv(unit, frame(GetParam().recordLength, bytes));
     EXPECT_EQ(live.RPM, 3100);
     EXPECT_EQ(live.TPS, 2);
     EXPECT_EQ(live.CLT, 79);    // 160 * 190 / 255 - 40 = 79.2
@@ -172,8 +166,8 @@ INSTANTIATE_TEST_SUITE_P(Kinds, EveryKind,
                                          KindCase{4, 66, 9, 9, 36, 14.1F},    // 14.118
                                          KindCase{5, 0, 0, 9, 34, 14.1F},     //
                                          KindCase{6, 70, 13, 13, 40, 14.1F},  //
-                                         KindCase{7, 62, 5, 9, 0, 14.1F},     //
-                                         KindCase{8, 62, 5, 9, 0, 14.1F}));
+                                         KindCase{7, 62, 5, 9, 34, 14.1F},    //
+                                         KindCase{8, 62, 5, 9, 34, 14.1F}));
 
 }  // namespace
 }  // namespace zentaq

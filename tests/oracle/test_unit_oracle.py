@@ -432,7 +432,7 @@ class Kinds(unittest.TestCase):
                                  "D6": (8, 11316), "PZK-2": (5, 6816)})
 
     def test_lines_by_release(self):
-        for kind, newer in ((ORB_A, 5), (self.L, 7), (self.C, 5), (self.D, 5), (self.D6, 5)):
+        for kind, newer in ((ORB_A, 5), (self.L, 5), (self.C, 5), (self.D, 5), (self.D6, 5)):
             self.assertEqual(len(lines_of(kind, (newer - 1) * 1000 + 99)), 137 + 2, kind.name)
             self.assertEqual(len(lines_of(kind, newer * 1000)), 147 + 2, kind.name)
         for code in (1000, 4099, 5000, 9000):
@@ -443,8 +443,8 @@ class Kinds(unittest.TestCase):
             self.assertEqual(len(lines_of(kind, 0)), lines + 2, kind.name)
 
     def test_stop_points_of_an_older_orb_l_are_cleared(self):
-        self.assertEqual(image({2242: 6000}, 6099, self.L)[2192:2208], [0] * 16)
-        self.assertEqual(image({2242: 6000}, 7000, self.L)[2196:2198], [23, 112])
+        self.assertEqual(image({2242: 6000}, 4099, self.L)[2192:2208], [0] * 16)
+        self.assertEqual(image({2242: 6000}, 5000, self.L)[2196:2198], [23, 112])
 
     def test_blocks(self):
         # The last byte of the last block, of function 1: pressure word c7 of 100 kPa is 984 = 3 * 256 + 216.

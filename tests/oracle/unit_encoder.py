@@ -79,7 +79,7 @@ class Kind:
 
 KINDS = {kind.name: kind for kind in (
     Kind("A", 3.0, ".ZQ4OA", (5, 99), 2828, 8),
-    Kind("L", 4.0, ".ZQ4OL", (7, 99), 2828, 9, newer_from=7),
+    Kind("L", 4.0, ".ZQ4OL", (7, 99), 2828, 9),
     Kind("C", 6.0, ".ZQ4OC", (3, 99), 2827, 13, first_block=334, user_trims=2311, user_fuel_trims=2319, notes=2326),
     Kind("D", 7.0, ".ZQ4OD", (5, 99), 2826, 7, staged=None, ratios=1168, outputs=(1424, 1680),
          user_trims=2310, user_fuel_trims=2318, notes=2325),

@@ -133,7 +133,6 @@ TEST_P(DecodedFrames, PinListShowsTheOutputs) {
 }
 
 TEST_P(DecodedFrames, LogRecordShowsTheEngineOfItsMoment) {
-    if (GetParam().slot > 6) return;  // the program does not read the records of the ORB D
     UnitIdentity identity = defaultIdentity(profile);
     identity.logRecords = 300;
     SimulatedUnit logged(profile, identity);

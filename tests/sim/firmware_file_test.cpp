@@ -6,6 +6,8 @@
 #include <iterator>
 
 #include "base/errors.h"
+#include "link/firmware_file.h"
+#include "sim/firmware_memory.h"
 #include "sim/firmware_state_file.h"
 #include "sim_helpers.h"
 
@@ -31,20 +33,21 @@ std::string contentOf(const std::filesystem::path& path) {
 
 TEST(FirmwareFile, BeginsWithItsHeaderAndEndsWithItsEnd) {
     const auto lines = linesOf(simulatedFirmware("ZQA-505100"));
-    ASSERT_EQ(lines.size(), 1u + 256 + 128 + 1);
+    ASSERT_EQ(lines.size(), 1u + 256 + 128 + 1 + 1);
     // count 0x17 = 2 + 20 + 1; the characters sum to 712 and 580; 23 + 1292 = 1315 = 5 * 256 + 0x23
     EXPECT_EQ(lines.front(),
               "S0170000"
               "53494D554C4154454420"
               "5A51412D353035313030"
               "DC");
+    EXPECT_EQ(lines[lines.size() - 2], "S50301807B");  // 384 = 0x180; 3 + 1 + 0x80 = 0x84
     EXPECT_EQ(lines.back(), "S804000000FB");
 }
 
 TEST(FirmwareFile, LinesFollowEachOtherAcrossTheShortAddresses) {
     const auto lines = linesOf(simulatedFirmware("ZQA-505100"));
     std::int64_t next = 0xF000;
-    for (std::size_t i = 1; i + 1 < lines.size(); ++i) {
+    for (std::size_t i = 1; i + 2 < lines.size(); ++i) {
         const auto record = parseSRecord(lines[i], firmwareRecords);
         ASSERT_TRUE(record) << lines[i];
         EXPECT_EQ(record->type, next > 0xFFFF ? '2' : '1');
@@ -52,6 +55,47 @@ TEST(FirmwareFile, LinesFollowEachOtherAcrossTheShortAddresses) {
         next += static_cast<std::int64_t>(record->data.size());
     }
     EXPECT_EQ(next, 0x10800);
+}
+
+TEST(FirmwareFile, IsWholeForWhoeverReadsFirmwareAndForTheUnit) {
+    const std::string text = simulatedFirmware("ZQA-505100");
+    EXPECT_EQ(checkFirmware(text).text, text);
+    FirmwareMemory memory("ZQA", "ZQA-405099");
+    memory.begin();
+    auto verdict = FirmwareMemory::Verdict::Refused;
+    for (const std::string& line : linesOf(text)) {
+        verdict = memory.take(parseSRecord(line, firmwareRecords));
+        ASSERT_NE(verdict, FirmwareMemory::Verdict::Refused) << line;
+    }
+    EXPECT_EQ(verdict, FirmwareMemory::Verdict::Verified);
+}
+
+// A line that is lost or comes twice: neither reader takes it, whatever the other one would have said.
+TEST(FirmwareFile, ALineThatIsLostOrDoubledIsRefusedByBothReaders) {
+    const auto lines = linesOf(simulatedFirmware("ZQA-505100"));
+    const auto taken = [](const std::vector<std::string>& changed) {
+        std::string text;
+        for (const std::string& line : changed) text += line + "\r\n";
+        const bool file = skipFailing([&] { checkFirmware(text); });
+        FirmwareMemory memory("ZQA", "ZQA-405099");
+        memory.begin();
+        bool unit = false;
+        for (const std::string& line : changed) {
+            const auto verdict = memory.take(parseSRecord(line, firmwareRecords));
+            unit = verdict == FirmwareMemory::Verdict::Verified;
+            if (verdict == FirmwareMemory::Verdict::Refused) break;
+        }
+        return std::pair(file, unit);
+    };
+    for (const std::size_t at : {std::size_t{1}, std::size_t{200}, std::size_t{257}, lines.size() - 3}) {
+        auto lost = lines;
+        lost.erase(lost.begin() + static_cast<std::ptrdiff_t>(at));
+        EXPECT_EQ(taken(lost), std::pair(false, false)) << "lost " << at;
+        auto doubled = lines;
+        doubled.insert(doubled.begin() + static_cast<std::ptrdiff_t>(at), lines[at]);
+        EXPECT_EQ(taken(doubled), std::pair(false, false)) << "doubled " << at;
+    }
+    EXPECT_EQ(taken(lines), std::pair(true, true));
 }
 
 TEST(FirmwareFile, DiffersFromFirmwareToFirmware) {

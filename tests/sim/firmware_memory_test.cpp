@@ -90,6 +90,27 @@ TEST_F(FirmwareProgramming, WrongContentBehindTheHeaderLeavesNoFirmware) {
     }
 }
 
+TEST_F(FirmwareProgramming, TheNumberOfDataRecordsMustBeRightAndNothingButTheEndComesBehindIt) {
+    const auto begun = [&] {
+        memory.begin();
+        accept(header("SIMULATED ZQA-505100"));
+        accept(data('1', 0));
+        accept(data('1', 4));
+    };
+    for (const char type : {'5', '6'}) {
+        begun();
+        accept({type, 2, {}});
+        EXPECT_EQ(memory.take(endOfShort), Verdict::Verified);
+        begun();
+        EXPECT_EQ(memory.take(SRecord{type, 3, {}}), Verdict::Refused);
+        for (const SRecord& behind : {data('1', 8), SRecord{type, 2, {}}}) {
+            begun();
+            accept({type, 2, {}});
+            EXPECT_EQ(memory.take(behind), Verdict::Refused);
+        }
+    }
+}
+
 TEST_F(FirmwareProgramming, EndWithoutAnyDataIsRefused) {
     accept(header("SIMULATED ZQA-505100"));
     EXPECT_EQ(memory.take(endOfShort), Verdict::Refused);

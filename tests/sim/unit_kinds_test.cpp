@@ -169,10 +169,10 @@ TEST(UnitKinds, FirmwareTellsHowManyLinesAnImageHas) {
         const char* firmware;
         int lines;
     };
-    constexpr LinesCase cases[] = {{"A", "ZQA-404099", 137},   {"A", "ZQA-405000", 147},
-                                   {"L", "ZQL-406099", 137},   {"C", "ZQC-404099", 137},
-                                   {"C", "ZQC-405000", 147},   {"D", "ZQD-404099", 137},
-                                   {"PZK-2", "ZPK-401000", 64}};
+    constexpr LinesCase cases[] = {
+        {"A", "ZQA-404099", 137}, {"A", "ZQA-405000", 147}, {"L", "ZQL-404099", 137},
+        {"L", "ZQL-405000", 147}, {"L", "ZQL-406099", 147}, {"C", "ZQC-404099", 137},
+        {"C", "ZQC-405000", 147}, {"D", "ZQD-404099", 137}, {"PZK-2", "ZPK-401000", 64}};
     for (const LinesCase& row : cases) {
         const UnitProfile& profile = *findProfile(row.model);
         UnitIdentity identity = defaultIdentity(profile);

@@ -446,11 +446,58 @@ TEST_F(SpecialMember, AnInjectorTrimIsSpreadOverItsOutputsAndSentAsAPair) {
     EXPECT_EQ(unit.DirectIndex(522), 5);
     EXPECT_EQ(unit.DirectIndex(530), 5);
     EXPECT_EQ(unit.get("Get_INJTRIM", 2), 5);
-    EXPECT_THAT(host.sent, ElementsAre(recordOf(522, {85, 128})));  // 128 - 43
+    // 5 degrees are 43 counts. The pair first, then the second output of that cylinder.
+    EXPECT_THAT(host.sent, ElementsAre(recordOf(522, {85, 128}), recordOf(530, {85})));
     EXPECT_EQ(refusal("INJTRIM", -15.5F), "(-15 to 15 Degrees)");
     unit.ConvertData();
     EXPECT_EQ(cal.image(522), 85);
     EXPECT_EQ(cal.image(530), 85);
+}
+
+TEST_F(SpecialMember, EveryOutputOfACylinderTakesItsTrimOnTheFly) {
+    unit.set("CYL_Number", 4);
+    unit.ONFLY_MODE(true);
+    EXPECT_TRUE(unit.set("INJTRIM", -5, 1));  // -5 degrees: 127 + 43
+    EXPECT_THAT(host.sent, ElementsAre(recordOf(521, {170, 128}), recordOf(525, {170}), recordOf(529, {170}),
+                                       recordOf(533, {170})));
+    std::vector<int> unitBytes(16, 128);
+    for (const int output : {1, 5, 9, 13}) unitBytes[static_cast<std::size_t>(output)] = 170;
+    unit.ConvertData();
+    EXPECT_EQ(cal.imageBytes(520, 16), unitBytes) << "as a whole programming would leave it";
+}
+
+TEST_F(SpecialMember, AnOutputThatHasItsTrimAlreadyIsNotSentAgain) {
+    unit.set("CYL_Number", 6);
+    unit.set("INJTRIM", 5, 0);
+    unit.AssignDirectIndex(0, 526);  // outputs 0, 6 and 12 are those of the first cylinder
+    unit.ONFLY_MODE(true);
+    EXPECT_TRUE(unit.set("INJTRIM", 5, 0));
+    EXPECT_THAT(host.sent, ElementsAre(recordOf(520, {85, 128}), recordOf(526, {85})));
+}
+
+TEST_F(SpecialMember, ATrimOfTheOnlyCylinderGoesToAllOutputs) {
+    unit.set("CYL_Number", 1);
+    unit.ONFLY_MODE(true);
+    EXPECT_TRUE(unit.set("INJTRIM", 5, 0));
+    std::vector<std::string> records{recordOf(520, {85, 85})};
+    for (int output = 522; output < 536; ++output) records.push_back(recordOf(output, {85}));
+    EXPECT_EQ(host.sent, records);
+}
+
+TEST_F(SpecialMember, NotesBeginWithNothingThatATrimCouldBe) {
+    unit.set("CYL_Number", 8);
+    unit.NOTES_TEXT("\n\t\r\n\v\f Street tune\nby night");
+    EXPECT_EQ(unit.NOTES_TEXT(), " Street tune\nby night");
+    EXPECT_EQ(unit.DirectIndex(2327), ' ');
+    unit.set("FuelTrim", 7, 7);
+    unit.NOTES_TEXT("\nStreet");
+    unit.Initialize_Trims();
+    EXPECT_EQ(unit.DirectIndex(511), 7) << "no line break has become 10 percent";
+    unit.NOTES_TEXT("\n\n");
+    EXPECT_EQ(unit.DirectIndex(2327), 0);
+    unit.NOTES_TEXT(std::string("\0\nRace", 6));  // the shared cell is left to the trim
+    EXPECT_EQ(unit.DirectIndex(2327), 0);
+    EXPECT_EQ(unit.NOTES_TEXT(), "Race");
 }
 
 TEST_F(SpecialMember, TrimsRepeatByTheNumberOfCylinders) {

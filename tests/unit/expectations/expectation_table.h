@@ -53,8 +53,8 @@ struct Expectation {
     ExpectedNumber reads;
     std::vector<ExpectedBytes> image;
     bool otherBytesFollow = false;
-    std::string record;          ///< empty: nothing is sent
-    std::optional<int> polling;  ///< nothing: the reader does not mind IndexPolling
+    std::vector<std::string> records;  ///< in their order; empty: nothing is sent
+    std::optional<int> polling;        ///< nothing: the reader does not mind IndexPolling
 
     bool hasRange() const { return limits.has_value() || !listed.empty(); }
 };
@@ -143,7 +143,7 @@ inline Expectation expectation(const std::vector<std::string>& fields) {
             }
         }
     }
-    if (fields[11] != "-") row.record = fields[11];
+    if (fields[11] != "-") row.records = split(fields[11], "; ");
     if (fields[12] != "ignored") row.polling = std::stoi(fields[12]);
     return row;
 }
