@@ -251,6 +251,7 @@ void FrmDashBoard::Reset_Dashboard() {
     gauges_.Reset_Dashboard();
     drawNeedles();
     panel_->gauge("AFR").setNeedleColor(std::nullopt);
+    panel_->setFahrenheit(session_.fahrenheit());  // without a frame, too
     panel_->emptyLabels();
     panel_->lstGPO->clear();
     showChosenPin();

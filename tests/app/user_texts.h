@@ -61,7 +61,7 @@ inline std::string literalsOf(const std::string& source) {
     return found;
 }
 
-/// Literals with a blank are sentences and captions; others are names of the code.
+/// Literals with a blank or a capital are sentences and captions; others are names of the code.
 inline std::string sentencesOf(const fs::path& source) {
     std::string kept;
     std::istringstream lines(content(source));
@@ -72,7 +72,8 @@ inline std::string sentencesOf(const fs::path& source) {
     std::istringstream literals(literalsOf(kept));
     std::string sentences;
     for (std::string line; std::getline(literals, line);) {
-        if (line.find(' ') != std::string::npos) sentences += line + "\n";
+        const bool caption = !line.empty() && (line[0] == '&' || (line[0] >= 'A' && line[0] <= 'Z'));
+        if (caption || line.find(' ') != std::string::npos) sentences += line + "\n";
     }
     return sentences;
 }

@@ -164,6 +164,16 @@ TEST_F(Dashboard, TheScaleOfTheTemperatureDialsFollowsTheSettingAndTheNeedleDoes
     EXPECT_NEAR(board->panel().gauge("Coolant").angle(), 0.46 * 88 + 68, 0.001);
 }
 
+TEST_F(Dashboard, TheScaleOfTheTemperatureDialsIsThatOfTheSettingBeforeTheFirstFrame) {
+    const auto highest = [&] { return board->panel().gauge("MAT").face().ticks.back().label.toStdString(); };
+    fake.settings.set("System", "TemperatureToggle", "0");
+    makeBoard();
+    EXPECT_EQ(highest(), "150");
+    fake.settings.set("System", "TemperatureToggle", "1");
+    makeBoard();
+    EXPECT_EQ(highest(), "300");
+}
+
 TEST_F(Dashboard, NeedlesStandAtTheAnglesOfTheirValues) {
     show(frame());
     EXPECT_NEAR(board->panel().gauge("Tachometer").angle(), 0.031804 * 3250 - 129, 0.001);
