@@ -721,8 +721,8 @@ void MainCommands::killEngine() {
 
 void MainCommands::zeroAdvance() {
     if (refusedByTransfer()) return;
-    session_.zeroAdvance = !session_.zeroAdvance;
-    session_.link.Send_ORB_Command(session_.zeroAdvance ? std::string("Z\xFF") : std::string("Z\0", 2));
+    const bool on = !session_.link.zeroAdvanceAsked();
+    session_.link.Send_ORB_Command(on ? std::string("Z\xFF") : std::string("Z\0", 2));
 }
 
 void MainCommands::refreshCodes() {

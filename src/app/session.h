@@ -87,7 +87,6 @@ class Session : public UnitHost, public LinkHost {
     std::string DatabaseFile;
     std::string HelpFile;
     int TableColorMode = 0;
-    bool zeroAdvance = false;
     std::array<int, slotCount> FW_ReleaseTable{};
     std::array<int, slotCount> FW_BuildTable{};
     std::optional<Database> database;  ///< as the start left it: ask reference()

@@ -117,7 +117,6 @@ void Kernel::clearRunState() {
     session_.Monitoring = false;
     session_.AutoMonitoring = false;
     session_.DataModified = false;
-    session_.zeroAdvance = false;
     session_.CurrentFile.clear();
     session_.CurrentUnit(0);
 }

@@ -102,6 +102,8 @@ class Link : private LineWatch {
     void End_Transfer(bool success);
 
     // ---- State that others read
+    /// What the last Z that is still on its way asks for; without one what the unit has taken.
+    bool zeroAdvanceAsked() const;
     const LinkedUnit& linked() const { return linked_; }
     const LinkStatus& status() const { return status_; }
     LinkStatus& editStatus();  ///< for a window that changes what it shows itself, such as the port label

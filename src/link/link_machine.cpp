@@ -285,6 +285,8 @@ void Link::loseLink(FirmwareRestore restore) {
     linked_.FirmwareTold = false;
     linked_.UnitIdentified = false;
     linked_.UnitFound = false;
+    // A unit that comes back has its own timing again.
+    show(&LinkStatus::zeroAdvance, false);
     toldFirmware_.reset();
     queuedCommands_ = 0;
     if (firmwareStays) {

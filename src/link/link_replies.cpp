@@ -95,7 +95,17 @@ void Link::replyCodes(const Reply& reply) {
     host_.codesReceived();
 }
 
+bool Link::zeroAdvanceAsked() const {
+    const auto asksForZero = [](const std::string& command) { return command.back() == '\xFF'; };
+    for (int i = queueTail_; i != queueHead_;) {
+        i = wrapped(i - 1);
+        if (place(i).starts_with('Z')) return asksForZero(place(i));
+    }
+    return currentCommand_.starts_with('Z') ? asksForZero(currentCommand_) : status_.zeroAdvance;
+}
+
 void Link::replyZeroAdvance(const Reply&) {
+    if (responseHeader_ != "AR") show(&LinkStatus::zeroAdvance, currentCommand_.back() == '\xFF');
     log(currentCommand_.back() == '\xFF' ? "ORB: Ignition Timing set to Zero"
                                          : "ORB: Restored Ignition Timing");
     currentCommand_.clear();

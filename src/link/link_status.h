@@ -29,6 +29,7 @@ struct LinkStatus {
     std::string unitLabel;      ///< lblOrbUnit(0): "A", "L", "A Std", ...
     std::string panel3;         ///< status bar panel 3
     bool firmwareUpgradeEnabled = true;
+    bool zeroAdvance = false;     ///< mnuZeroAdv: the unit was told to hold the timing at zero, and took it
     bool noConnectPanel = false;  ///< fraNoConnect in view
     std::string noConnectText;    ///< "Connecting...", "Updating", "AutoVE ON"
     bool progressVisible = false;

@@ -253,7 +253,7 @@ bool MdiMain::enabled(const Entry& entry) const {
 void MdiMain::refresh() {
     for (const Entry& entry : entries_) {
         entry.action->setEnabled(enabled(entry));
-        if (entry.data->name == "mnuZeroAdv") entry.action->setChecked(session_.zeroAdvance);
+        if (entry.data->name == "mnuZeroAdv") entry.action->setChecked(session_.link.status().zeroAdvance);
     }
     for (const auto& [button, action] : buttons_) {
         for (const Entry& entry : entries_) {

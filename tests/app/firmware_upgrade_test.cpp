@@ -370,7 +370,7 @@ TEST_F(FirmwareUpgrade, CommandsThatWouldDisturbAreRefusedWithABox) {
     EXPECT_EQ(session.link.QueuedCommands(), queued);
     EXPECT_EQ(session.link.commPort(), 1);
     EXPECT_EQ(fake.port.opens, opens);
-    EXPECT_FALSE(session.zeroAdvance);
+    EXPECT_FALSE(session.link.zeroAdvanceAsked());
     EXPECT_FALSE(session.Monitoring);
     EXPECT_TRUE(session.link.AutoPollSuspended());
     EXPECT_EQ(fake.port.written, written);

@@ -404,6 +404,15 @@ TEST_F(Commands, ATreeClickOpensATableOrAnswersItsPage) {
     EXPECT_EQ(commands.treeClick("no such node"), 0);
 }
 
+TEST_F(Commands, ZeroAdvanceTwiceInARowAsksForBothThoughNothingWasAnsweredYet) {
+    session.link.load();
+    commands.zeroAdvance();
+    commands.zeroAdvance();
+    EXPECT_FALSE(session.link.zeroAdvanceAsked());
+    EXPECT_FALSE(session.link.status().zeroAdvance);
+    EXPECT_EQ(session.link.QueuedCommands(), 2);
+}
+
 TEST_F(Commands, ZeroAdvanceSendsTheByteOfItsCheckMark) {
     session.link.load();
     commands.zeroAdvance();

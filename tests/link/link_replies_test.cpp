@@ -636,6 +636,29 @@ TEST_F(LinkReplies, ZeroAdvanceIsToldByItsLastByte) {
     EXPECT_EQ(link.CurrentCommand(), "");
 }
 
+TEST_F(LinkReplies, TheMarkOfZeroAdvanceIsWhatTheUnitHasTaken) {
+    find(200000);
+    EXPECT_FALSE(link.status().zeroAdvance);
+    exchange(bytes({'Z', 0xFF}), "AX");
+    EXPECT_TRUE(link.status().zeroAdvance);
+    exchange(bytes({'Z', 0x00}), "AR");
+    EXPECT_TRUE(link.status().zeroAdvance) << "refused";
+    exchange(bytes({'Z', 0x00}), "AX");
+    EXPECT_FALSE(link.status().zeroAdvance);
+}
+
+TEST_F(LinkReplies, TheMarkOfZeroAdvanceGoesWithTheLink) {
+    find(200000);
+    exchange(bytes({'Z', 0xFF}), "AX");
+    ASSERT_TRUE(link.status().zeroAdvance);
+    link.Send_ORB_Command("F");
+    link.Send_ORB_Command(bytes({'Z', 0x00}));
+    ticks(200);  // no answer: the link is given up and the queued command dropped
+    ASSERT_EQ(link.linked().LinkedUnitKind, 0);
+    EXPECT_FALSE(link.status().zeroAdvance);
+    EXPECT_FALSE(link.zeroAdvanceAsked());
+}
+
 TEST_F(LinkReplies, StoreIsToldWhateverTheReplyHolds) {
     find(200000);
     exchange("S", "AR");
