@@ -117,7 +117,6 @@ void image(const Context& context, const std::string& file, std::optional<Firmwa
         calibration->host.firmwareKnown(true);
         unit.FW_Build(firmware->build);
         unit.FW_Release(firmware->release);
-        noteUnknownRelease(context, *calibration, file);
     }
     unit.BinFile(file);  // the unit keeps the name of the file
     try {
@@ -126,6 +125,7 @@ void image(const Context& context, const std::string& file, std::optional<Firmwa
         throw Failure(file + " makes no image: " + failure.what());
     }
     writeOutput(context, output, unit.sRecordText());
+    if (firmware) noteUnknownRelease(context, *calibration, file);
     tell(context, calibration->host);
 }
 

@@ -21,13 +21,16 @@ constexpr int noSensor = 1007;
 }  // namespace
 
 bool GeneralConfig::save() {
-    bool stored = false;
-    save([&stored](bool saved) { stored = saved; });
-    return stored;
+    const auto stored = std::make_shared<bool>(false);  // outlives this call where the save has to wait
+    save([stored](bool saved) { *stored = saved; });
+    return *stored;
 }
 
 void GeneralConfig::save(const Saved& then) {
-    if (session_.saving.running()) return then(false);
+    const auto again = [this, alive = std::weak_ptr<bool>(alive_), then] {
+        if (!alive.expired()) save(then);
+    };
+    if (session_.saving.putsOff("Save of the general parameters", again)) return;
     if (!inHand()) {
         session_.messages.Display_Error(noUnit);
         return then(false);

@@ -158,6 +158,8 @@ void MainCommands::saveEnded(SaveJob& job, const FileSaved& saved) {
         // What it holds now has been asked about; yet another change is asked about again.
         return saveChecked(saved.holds, job.stored, job.then);
     }
+    // Another calibration has come into hand meanwhile: what is known of this file is nothing about that one.
+    if (session_.currentUnitObject().BinFile() != job.save.path) return job.then(false);
     // A unit that has told its firmware meanwhile has brought the calibration in hand on.
     const float code = session_.header().firmwareCode;
     session_.currentUnitObject().noteSaved(job.content);
@@ -664,7 +666,7 @@ void MainCommands::startFirmware(const std::string& path, const std::string& tex
     const int known = slotForFirmware(begunWith);
     const int slot = known != 0 ? known : slotOfFirmware(fileNameOf(path));
     session_.link.AutoPollSuspended(true);
-    endOnFailure([&] { session_.link.programFirmware(path, text, slot); },
+    endOnFailure([&] { session_.link.programFirmware(path, text, slot, begunWith.serial); },
                  [&](const std::string& why) {
                      session_.sysLog("Firmware not sent: " + why);
                      session_.link.AutoPollSuspended(false);
@@ -714,6 +716,11 @@ void MainCommands::killEngine() {
     session_.sysLog("USER: Kill Engine Requested.");
     if (session_.link.wireTaken()) {
         refusedByTransfer();
+        return;
+    }
+    if (!session_.platform().port.isOpen()) {
+        session_.sysLog("Kill Engine was not sent: no port is open.");
+        session_.inform("Kill Engine was not sent: no port is open.");
         return;
     }
     session_.link.SEND_KILL();

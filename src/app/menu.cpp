@@ -30,11 +30,6 @@ bool unitOnLink(const Session& session) {
     return session.link.linked().LinkedUnitKind != 0 && !session.link.transferPending();
 }
 
-/// Only a unit that is being programmed takes nothing else.
-bool engineStoppable(const Session& session) {
-    return session.link.linked().LinkedUnitKind != 0 && !session.link.wireTaken();
-}
-
 bool noTransfer(const Session& session) {
     return !session.link.transferPending();
 }
@@ -96,7 +91,7 @@ constexpr std::array menus{
     MenuEntry{"mnuProgramORB", "Program ORB", "mnuTools", "Ctrl+P", always},
     MenuEntry{"mnuStoreONFLY", "Store Changes in ORB", "mnuTools", "Ctrl+T", unitOnLink},
     MenuEntry{"mnuIdentifyORB", "Identify ORB", "mnuTools", "", always},
-    MenuEntry{"mnuMonitor_KillEngine", "Kill Engine", "mnuTools", "Ctrl+Shift+K", engineStoppable},
+    MenuEntry{"mnuMonitor_KillEngine", "Kill Engine", "mnuTools", "Ctrl+Shift+K", always},
     MenuEntry{"mnuZeroAdv", "Set Zero Advance", "mnuTools", "", unitOnLink, true},
     MenuEntry{"mnuClearDashCodes", "Refresh Codes", "mnuTools", "", unitOnLink},
     MenuEntry{"mnuORB_ClearCodes", "Clear Error Codes", "mnuTools", "", unitOnLink},

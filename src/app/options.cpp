@@ -233,6 +233,11 @@ std::vector<std::string> Options::apply() {
 
 /// The port that is open stays open: the note at the end of an Apply tells of it.
 void Options::applyPort() {
+    // The search stands on the port that it tries, and stores the one that it finds.
+    if (session_.link.searching()) {
+        session_.sysLog("**NOTE: A port is being searched; the port of the options was not taken.");
+        return;
+    }
     const std::string& port = value("cmbCOMM");
     const int number = toInt16(numberOf(port));
     if (portIdentity_.empty()) {

@@ -12,17 +12,25 @@ Saving::Saving(Session& session, FileWriter* writer)
     : session_(session), writer_(writer != nullptr ? *writer : inline_) {}
 
 void Saving::begin(FileSave save, Ended ended) {
+    if (running()) throw Failure("A save is still running.");
     ended_ = std::move(ended);
     writer_.begin(std::move(save));
     if (auto saved = writer_.outcome()) finish(*saved);
 }
 
 // A tick shows no boxes: what follows the save comes from the event loop.
+// Nor does anything follow under a box: the command that showed it still stands on what would be closed.
 void Saving::poll() {
-    if (!running()) return;
-    auto saved = writer_.outcome();
-    if (!saved) return;
-    session_.windows().later([this, saved = std::move(*saved)] { finish(saved); });
+    if (!running() || posted_) return;
+    if (!saved_) saved_ = writer_.outcome();
+    if (!saved_ || session_.windows().boxOpen()) return;
+    posted_ = true;
+    session_.windows().later([this] {
+        posted_ = false;
+        if (!saved_ || session_.windows().boxOpen()) return;  // a later tick asks again
+        const FileSaved saved = *std::exchange(saved_, std::nullopt);
+        finish(saved);
+    });
 }
 
 void Saving::finish(const FileSaved& saved) {

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,6 +31,8 @@ class Saving {
     /// Answers true while a save runs: the command of this name then begins anew when it has ended, once,
     /// however often it was given. Else the command goes on.
     bool putsOff(std::string_view name, std::function<void()> command);
+    /// The program ends: nothing begins anew.
+    void dropWaiting() { waiting_.clear(); }
 
  private:
     struct Waiting {
@@ -45,6 +48,8 @@ class Saving {
     InlineFileWriter inline_;
     FileWriter& writer_;
     Ended ended_;  ///< empty while no save runs
+    std::optional<FileSaved> saved_;  ///< how it ended, until what follows may run
+    bool posted_ = false;             ///< what follows is in the event loop
     std::vector<Waiting> waiting_;
 };
 

@@ -232,6 +232,7 @@ void Kernel::afterSaving(const std::function<void()>& goOn) {
 
 void Kernel::end() {
     if (std::exchange(ended_, true)) return;
+    session_.saving.dropWaiting();
     if (session_.link.transferPending()) {
         skipFailing([&] { session_.sysLog("Transfer broken off by the user."); });
     }
@@ -252,6 +253,7 @@ void Kernel::closeRequested() {
 }
 
 void Kernel::closeNow() {
+    if (ended_) return;
     if (session_.saving.putsOff("Close the program", [this] { closeRequested(); })) return;
     if (!commands_.mayBreakTransfer()) return;
     afterSaving([this] { System_Shutdown(true); });

@@ -82,6 +82,9 @@ class WindowSet {
     virtual void resetDashboard() {}
     virtual void clearPanel3() {}
 
+    /// A box or a list over a window waits for the user.
+    virtual bool boxOpen() const { return false; }
+
     /// Runs something from the event loop, soon. Without windows at once.
     virtual void later(const std::function<void()>& something) { something(); }
 };

@@ -96,8 +96,8 @@ class Link : private LineWatch {
     /// go on (AutoPollSuspended false).
     void Program_Unit(TransferMode mode, const std::string& path);
     /// The same for a firmware that has been read: `text` goes out, `path` is only told. `slot`: the kind
-    /// that it is for, where no unit on the link tells; 0: not known.
-    void programFirmware(const std::string& path, std::string text, int slot);
+    /// that it is for, where no unit on the link tells, and `serial` the unit; 0: not known.
+    void programFirmware(const std::string& path, std::string text, int slot, std::int32_t serial = 0);
     /// Closes a bulk transfer, tells the user how it ended and lets polling go on.
     void End_Transfer(bool success);
 
@@ -247,7 +247,8 @@ class Link : private LineWatch {
     void replyWideFrame(const Reply& reply);
     void replyZeroAdvance(const Reply& reply);
     bool readSerialNumber(const Reply& reply);
-    bool findUnitKind();
+    /// `former`: the serial number told before.
+    bool findUnitKind(std::int32_t former);
     bool isStranger(int slot) const;
     void leaveFormerUnit();
     void knowsWhoIsThere();
@@ -265,7 +266,7 @@ class Link : private LineWatch {
     // Transfers
     void startCalibration();
     void startTransfer(const std::function<void()>& start);
-    void startFirmware(const std::string& path, std::string text, int slot);
+    void startFirmware(const std::string& path, std::string text, int slot, std::int32_t serial);
     void startDatalog(const std::string& path);
     void queueTransfer(std::string_view key);
     void openTransferFile(const std::string& path, std::ios::openmode mode);

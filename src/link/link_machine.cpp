@@ -303,7 +303,11 @@ void Link::loseLink(FirmwareRestore restore) {
 
 // Nobody must believe that the engine was stopped.
 void Link::tellDroppedKill() {
-    if (waits("K")) log("Kill Engine was not sent: the link is lost.");
+    if (currentCommand_ == "K") {
+        log("Kill Engine was not answered: look at the engine.");
+    } else if (waits("K")) {
+        log("Kill Engine was not sent: the link is lost.");
+    }
 }
 
 // Else the panel would go on saying what the last reply had been.

@@ -142,10 +142,11 @@ void Link::replyLine(const Reply&) {
 // ---- E
 
 void Link::replyIdentify(const Reply& reply) {
+    const std::int32_t former = linked_.SerialNumber;
     const bool known = readSerialNumber(reply);
     show(&LinkStatus::firmwareUpgradeEnabled, !linked_.OldFirmware);
     // A reply in no known format, or with a number in no range, is no unit: the poller asks again.
-    if (!known || !findUnitKind()) {
+    if (!known || !findUnitKind(former)) {
         countUnknownAnswer();
         currentCommand_.clear();
         return;
@@ -187,7 +188,7 @@ void Link::warnOldFirmware() {
          .icon = Icon::Critical});
 }
 
-bool Link::findUnitKind() {
+bool Link::findUnitKind(std::int32_t former) {
     const SerialRange* range = unitOfSerial(linked_.SerialNumber);
     if (linked_.SerialNumber != 0 && range == nullptr) {
         discardInput();
@@ -197,7 +198,8 @@ bool Link::findUnitKind() {
     // The number 0 tells no kind.
     const int slot = range == nullptr ? linked_.LinkedUnitKind : range->slot;
     // A unit of the oldest format takes no changes, whoever of its kind was there before.
-    const bool otherUnit = linked_.LinkedUnitKind != slot || linked_.OldFirmware;
+    const bool otherNumber = former != 0 && linked_.SerialNumber != 0 && former != linked_.SerialNumber;
+    const bool otherUnit = linked_.LinkedUnitKind != slot || linked_.OldFirmware || otherNumber;
     if ((linked_.UnitIdentified && otherUnit) || isStranger(slot)) leaveFormerUnit();
     linked_.LinkedUnitKind = slot;
     if (range != nullptr && !linked_.UnitFound) show(&LinkStatus::unitLabel, range->label);

@@ -52,15 +52,15 @@ void Link::Program_Unit(TransferMode mode, const std::string& path) {
             case TransferMode::Calibration:
                 return startCalibration();
             case TransferMode::Firmware:
-                return startFirmware(path, readFirmwareFile(path), 0);
+                return startFirmware(path, readFirmwareFile(path), 0, 0);
             case TransferMode::Datalog:
                 return startDatalog(path);
         }
     });
 }
 
-void Link::programFirmware(const std::string& path, std::string text, int slot) {
-    startTransfer([&] { startFirmware(path, std::move(text), slot); });
+void Link::programFirmware(const std::string& path, std::string text, int slot, std::int32_t serial) {
+    startTransfer([&] { startFirmware(path, std::move(text), slot, serial); });
 }
 
 void Link::startTransfer(const std::function<void()>& start) {
@@ -91,7 +91,7 @@ void Link::startCalibration() {
     transferLines_ = lines;
 }
 
-void Link::startFirmware(const std::string& path, std::string text, int slot) {
+void Link::startFirmware(const std::string& path, std::string text, int slot, std::int32_t serial) {
     log("Attempting Firmware Upgrade, Sending File... ");
     log("  - " + path);
     closeTransferFile();
@@ -108,6 +108,7 @@ void Link::startFirmware(const std::string& path, std::string text, int slot) {
     }
     lineBroke_ = adapterAway_ || !port_.isOpen();
     queueTransfer("P3");
+    if (linked_.LinkedUnitKind == 0) transferSerial_ = serial;
     // Who is there is not known: only a unit that takes this firmware, or one that has none, shall have it.
     askFirst_ = linked_.LinkedUnitKind == 0;
     unknownAnswers_ = 0;

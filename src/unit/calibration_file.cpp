@@ -103,7 +103,13 @@ void Unit::adoptFirmware(float code) {
 }
 
 void Unit::repairAfterOpening(int fileRelease) {
-    repairSensor(fileRelease);
+    // A code that tells no release tells nothing about the sensor either; the code 0 is an old file's.
+    const bool untold = fileRelease <= 0 && toInt32(host_.header().firmwareCode) != 0;
+    if (!untold) {
+        repairSensor(fileRelease);
+    } else if (isLinear(release_)) {
+        defineSensor();
+    }
     seedStopPoints();
     seedShape();
     migrateInjectors(fileRelease);

@@ -116,7 +116,14 @@ void Unit::convertLooseCells() {
         }
     }
     for (const auto& [image, cell] : layout.movedCells) {
-        convertFrom({"cell", cell, cellAt(cell)}, [&] { putByte(image, fitting(cellAt(cell))); });
+        // What older firmware does not see, or what no record carries to it, may hold anything.
+        const auto& [first, last] = layout.hiddenFromOlder;
+        const bool hidden = release_ < layout.newerFrom && image >= first && image <= last;
+        if (hidden || image >= sRecordRows() * bytesPerRow) {
+            putByte(image, cellAt(cell));
+        } else {
+            convertFrom({"cell", cell, cellAt(cell)}, [&] { putByte(image, fitting(cellAt(cell))); });
+        }
     }
     for (const auto& [first, last] : layout.zeros) {
         for (int i = first; i <= last; ++i) putByte(i, 0);
@@ -154,9 +161,13 @@ void Unit::ConvertData() {
     settleFirmware();
     storeControlBytes();
     for (int i = 0; i < 3; ++i) putByte(i, controlByte(i));
-    // First too, so that a sensor that fits no word is named itself and not the first pressure that it spoils.
-    convertSensorWords();
-    convertMembers();
+    try {
+        convertMembers();
+    } catch (const Overflow&) {
+        // A sensor that fits no word is named itself and not the first pressure that it spoils.
+        convertSensorWords();
+        throw;
+    }
     convertLooseCells();
     convertGpioBlocks();
     // kept: the trims are spread behind the fuel trim bytes, which show the cells as they were before.

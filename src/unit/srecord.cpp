@@ -9,7 +9,6 @@ namespace zentaq {
 
 namespace {
 
-constexpr int bytesPerRow = 16;
 constexpr std::string_view digits = "0123456789ABCDEF";
 constexpr std::string_view endRecord = "S9030000FC\r\n";
 

@@ -41,6 +41,7 @@ class Unit {
     static constexpr int cellCount = 3001;
     static constexpr int imageCount = 2501;
     static constexpr int baseAddress = 4352;  ///< unit address of cell 0, 0x1100
+    static constexpr int bytesPerRow = 16;    ///< of an S-record
 
     Unit(const UnitKind& kind, UnitHost& host);
     Unit(const Unit&) = delete;

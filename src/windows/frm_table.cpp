@@ -574,14 +574,23 @@ void FrmTable::playBack() {
         self->playing_ = false;
         if (!self->held_.empty() && !self->locked_) self->playLater(0);
     });
+    std::deque<Held> late;
     while (!held_.empty() && !locked_) {
         const Held next = std::move(held_.front());
         held_.pop_front();
+        if (closing_ && !next.command) {  // typed for a table that a command before it has closed
+            late.push_back(next);
+            continue;
+        }
         const int warnings = session_.messages.warningsShown();
         play(next);
         if (!self) return;  // the command has closed the table
         if (!next.command && session_.messages.warningsShown() != warnings) dropHeld();
     }
+    if (late.empty()) return;
+    const std::string names = namesOf(late);
+    session_.sysLog("TABLE: Closed before " + names + ".");
+    session_.inform("The table was closed.\nWhat was typed behind that was not taken: " + names + ".");
 }
 
 void FrmTable::play(const Held& held) {
@@ -762,7 +771,9 @@ void FrmTable::headerDoubleClicked(int row, int column) {
     const auto prompt = model_->headerPrompt(row, column);
     if (!prompt) return;
     holdCursor();
+    const QPointer<FrmTable> self(this);
     const auto typed = session_.dialogs().input(headerBoxTitle, *prompt, model_->grid().text(row, column));
+    if (!self) return;
     letCursorGo();
     if (!typed || breaksAxis(row, column, *typed) || !model_->enterHeader(row, column, *typed)) return;
     session_.markModified();

@@ -274,7 +274,7 @@ void MdiMain::refresh() {
 
 void MdiMain::run(std::string_view entry) {
     // The list of a field in a dialog lets the keys of the menu pass to here.
-    if (QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr) return;
+    if (session_.windows().boxOpen()) return;
     if (std::ranges::find(comesAfterEdits, entry) == comesAfterEdits.end()) return runNow(entry);
     runBehindEdits(entry);
 }

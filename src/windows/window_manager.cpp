@@ -447,6 +447,10 @@ void WindowManager::unitKindFound(int) {
     QTimer::singleShot(0, this, &WindowManager::beginMonitoring);
 }
 
+bool WindowManager::boxOpen() const {
+    return QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr;
+}
+
 void WindowManager::later(const std::function<void()>& something) {
     waiting_.push_back(something);
     QTimer::singleShot(0, this, &WindowManager::runWaiting);

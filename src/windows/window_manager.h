@@ -97,6 +97,7 @@ class WindowManager : public QObject, public WindowSet {
     void resetDashboard() override;
     void clearPanel3() override { main_->clearPanel3(); }
     /// One after the other: what shows a box ends before the next begins.
+    bool boxOpen() const override;
     void later(const std::function<void()>& something) override;
 
  Q_SIGNALS:

@@ -295,6 +295,18 @@ TEST_F(FirmwareUpgradeMeanwhile, AnotherUnitOfTheKindGetsNothingAndTheUserIsTold
     EXPECT_THAT(fake.windows.calls, Not(Contains("removeForms")));
 }
 
+TEST_F(FirmwareUpgradeMeanwhile, AnotherUnitOfTheKindThatAnswersBehindASilenceGetsNothing) {
+    linkOrbA();
+    during("", [&] { loseUnit(); });
+    choose(firmware("ZQA-505100.nv3"));
+    ASSERT_TRUE(session.link.firmwarePending());
+    fake.port.written.clear();
+    linkOtherOrbA();
+    for (int i = 0; i < 1100; ++i) session.link.tick();
+    EXPECT_FALSE(asked("P3"));
+    EXPECT_FALSE(session.link.transferPending());
+}
+
 TEST_F(FirmwareUpgradeMeanwhile, AUnitThatFallsSilentIsAskedBeforeItIsProgrammedAndAnotherKindGetsNothing) {
     linkOrbA();
     session.CurrentUnit(4);  // the calibration in hand is no reason to take another file

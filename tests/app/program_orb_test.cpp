@@ -12,11 +12,11 @@
 namespace zentaq {
 namespace {
 
-using testing::Contains;
-using testing::ElementsAre;
-using testing::HasSubstr;
-using testing::IsEmpty;
-using testing::Not;
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
 
 using Bytes = std::vector<std::uint8_t>;
 
@@ -44,7 +44,7 @@ constexpr std::uint32_t firstOrbA = 200001;
 constexpr std::uint32_t secondOrbA = 200002;
 constexpr std::uint32_t someOrbL = 300001;
 
-class ProgramOrb : public testing::Test {
+class ProgramOrb : public ::testing::Test {
  protected:
     ProgramOrb() {
         session.makeUnits();
@@ -240,7 +240,7 @@ TEST_F(ProgramOrb, CommandsThatStoreProgramSaveOrCloseComeBehindTheEditsTypedBef
     ticks(5);
     EXPECT_FALSE(sent("S"));
     EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
-    EXPECT_THAT(fake.dialogs.requests, ElementsAre(testing::_)) << "of the opening at the start";
+    EXPECT_THAT(fake.dialogs.requests, ElementsAre(::testing::_)) << "of the opening at the start";
     session.attach(fake.windows);
 }
 
@@ -312,7 +312,7 @@ TEST_F(ProgramOrb, KillEngineIsRefusedOnlyWhereTheWireIsReallyTaken) {
     EXPECT_THAT(fake.port.written, ElementsAre("K"));
     answer({'A', 'X'});
     ASSERT_THAT(fake.port.written, ElementsAre("K", "P1"));
-    EXPECT_FALSE(enabled());
+    EXPECT_TRUE(enabled()) << "its refusal says why";
     commands.killEngine();
     EXPECT_THAT(titles(), ElementsAre("Zentaq4"));
     ticks(20);
@@ -327,6 +327,27 @@ TEST_F(ProgramOrb, AKillThatIsLostWithTheLinkIsTold) {
     ticks(90);
     EXPECT_TRUE(logged("Kill Engine was not sent: the link is lost."));
     EXPECT_FALSE(sent("K"));
+}
+
+TEST_F(ProgramOrb, AKillThatNobodyAnswersIsTold) {
+    link(firstOrbA);
+    commands.killEngine();
+    ticks(1002);
+    EXPECT_TRUE(sent("K"));
+    EXPECT_TRUE(logged("Kill Engine was not answered: look at the engine."));
+}
+
+TEST_F(ProgramOrb, KillEngineGoesOutThoughNoUnitIsKnownAndIsToldWhereNoPortIsOpen) {
+    fake.port.written.clear();
+    ASSERT_EQ(session.link.linked().LinkedUnitKind, 0);
+    commands.killEngine();
+    ticks(1);
+    EXPECT_TRUE(sent("K"));
+    session.link.RS232_Close();
+    fake.dialogs.boxes.clear();
+    commands.killEngine();
+    ASSERT_FALSE(fake.dialogs.boxes.empty());
+    EXPECT_EQ(fake.dialogs.boxes.back().text, "Kill Engine was not sent: no port is open.");
 }
 
 // ---- Ports
@@ -345,7 +366,7 @@ class AskingYield : public Yield {
     FakeClock& clock_;
 };
 
-class PortSearch : public testing::Test {
+class PortSearch : public ::testing::Test {
  protected:
     FakeSession fake;
     AskingYield yield{fake.clock};

@@ -55,7 +55,9 @@ class LateWindows : public RecordingWindows {
             next();
         }
     }
+    bool boxOpen() const override { return box; }
     std::deque<std::function<void()>> waiting;
+    bool box = false;
 };
 
 class SavingBeside : public ::testing::Test {
@@ -198,6 +200,34 @@ TEST_F(SavingBeside, CloseWaitsForIt) {
     diskIsDone();
     EXPECT_EQ(session.CurrentFile, "");
     EXPECT_EQ(limitIn(path), 7000);
+    EXPECT_THAT(boxes(), ElementsAre("Data Saved."));
+}
+
+TEST_F(SavingBeside, WhatWaitedForASaveDoesNotRunUnderABox) {
+    change(7000);
+    commands.save();
+    commands.close();
+    windows.box = true;
+    diskIsDone();
+    passes(1000);
+    EXPECT_EQ(limitIn(path), 7000);
+    EXPECT_EQ(session.CurrentFile, path) << "the box stands on a window of the calibration";
+    EXPECT_THAT(dialogs.boxes, IsEmpty());
+    windows.box = false;
+    passes();
+    EXPECT_EQ(session.CurrentFile, "");
+    EXPECT_THAT(boxes(), ElementsAre("Data Saved."));
+}
+
+TEST_F(SavingBeside, ABoxThatOpensBeforeTheEventLoopHasItsTurnHoldsBackToo) {
+    commands.save();
+    disk.ready = true;
+    ticker.run(1);
+    windows.box = true;
+    windows.runEvents();
+    EXPECT_THAT(dialogs.boxes, IsEmpty());
+    windows.box = false;
+    passes();
     EXPECT_THAT(boxes(), ElementsAre("Data Saved."));
 }
 

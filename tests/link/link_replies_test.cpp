@@ -374,13 +374,13 @@ TEST_F(FirmwareReply, ADownloadEndsWithTheUnitThatItCameFrom) {
     EXPECT_EQ(host.messages.size(), 1u) << "it ends once";
 }
 
-TEST_F(FirmwareReply, TheSameKindAskedAgainKeepsOnTheFlyAndWhatWaits) {
+TEST_F(FirmwareReply, TheSameUnitAskedAgainKeepsOnTheFlyAndWhatWaits) {
     host.current = 3;
     answer(200000, "ZQA0003007");
     link.Send_ORB_Command("E");
     link.SEND_ONFLY("S10411415059");
     port.takeWritten();
-    port.once("E", atOnce(identifyReply(200001)));
+    port.once("E", atOnce(identifyReply(200000)));
     port.once("P2S10411415059", atOnce("AX"));
     port.once("B", atOnce(firmwareReply("MY CAR", "ZQA0003007")));
     ticks(20);
@@ -657,6 +657,15 @@ TEST_F(LinkReplies, TheMarkOfZeroAdvanceGoesWithTheLink) {
     ASSERT_EQ(link.linked().LinkedUnitKind, 0);
     EXPECT_FALSE(link.status().zeroAdvance);
     EXPECT_FALSE(link.zeroAdvanceAsked());
+}
+
+TEST_F(LinkReplies, AnotherUnitOfTheKindInheritsNothing) {
+    identify(200000, "ZQA-505099");
+    exchange(bytes({'Z', 0xFF}), "AX");
+    ASSERT_TRUE(link.status().zeroAdvance);
+    exchange("E", identifyReply(200001));
+    EXPECT_FALSE(link.status().zeroAdvance);
+    EXPECT_FALSE(link.linked().UnitIdentified) << "it has not told its firmware";
 }
 
 TEST_F(LinkReplies, StoreIsToldWhateverTheReplyHolds) {

@@ -357,7 +357,12 @@ void Model::lost(bool always) {
     // Decided: a transfer that still waits in the ring goes with it, but for a firmware, which stays.
     const bool stays = transfer_ == "P3" && keyOf(now_.command) != "P3" && queued("P3");
     if (!transfer_.empty() && !stays) end(false);
-    if (queued("K")) log("Kill Engine was not sent: the link is lost.");  // decided: not without a word
+    // decided: not without a word
+    if (now_.command == "K") {
+        log("Kill Engine was not answered: look at the engine.");
+    } else if (queued("K")) {
+        log("Kill Engine was not sent: the link is lost.");
+    }
     now_.tail = now_.head;
     tick_ = retry_ = 0;
     if ((always || now_.kind != 0) && now_.kind != 0) {
@@ -579,6 +584,7 @@ void Model::identify() {
         return static_cast<std::int32_t>(value);
     };
     bool known = true;
+    const std::int32_t before = now_.serial;
     if (marked && b2 == 0x55) {
         now_.serial = static_cast<std::int32_t>(number(3));
         now_.oldFirmware = false;
@@ -604,7 +610,8 @@ void Model::identify() {
         // Decided: another kind in the place of an identified one, or a unit with the oldest firmware, ends
         // what was agreed with that one, or changes on the fly would go to a unit of which the warning says
         // that none will.
-        const bool former = now_.identified && (kind != now_.kind || now_.oldFirmware);
+        const bool otherNumber = before != 0 && now_.serial != 0 && before != now_.serial;
+        const bool former = now_.identified && (kind != now_.kind || now_.oldFirmware || otherNumber);
         if (former || anotherUnit(kind)) newcomer();
         now_.kind = kind;
     }

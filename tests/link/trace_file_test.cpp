@@ -92,7 +92,7 @@ TEST(TraceFiles, FilesThatCannotBeReadAreNamed) {
         endOnFailure([&] { readTrace(path); }, [&](const std::string& reason) { text = reason; });
         return text;
     };
-    EXPECT_EQ(why(folder.file("none")), folder.file("none") + ": No such file or directory");
+    EXPECT_EQ(why(folder.file("none")), "Cannot open " + folder.file("none") + ": No such file or directory");
     EXPECT_EQ(why(folder.path().string()), "Cannot read " + folder.path().string() + ": Is a directory");
     EXPECT_EQ(why(folder.write("a.log", "x")), folder.file("a.log") + ": is no wire trace");
 }

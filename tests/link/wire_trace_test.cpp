@@ -489,7 +489,7 @@ TEST_F(WireTraceTest, AReplyThatWasUnderWayAtTheBeginningIsNoTrouble) {
 TEST_F(WireTraceTest, NotesAreTheProgramsAndStayOnOneLine) {
     begin();
     trace.note("two\nlines\x1B[31m");
-    EXPECT_THAT(meanings(), ElementsAre("program: two lines [31m"));
+    EXPECT_THAT(meanings(), ElementsAre("program: two\\nlines\\x1B[31m"));
 }
 
 TEST_F(WireTraceTest, NothingIsWrittenWhileNoTraceRuns) {

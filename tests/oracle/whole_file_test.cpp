@@ -19,9 +19,9 @@
 #include <vector>
 
 #include "base/errors.h"
-#include "config/quiet_calibration.h"
 #include "config/quiet_host.h"
 #include "temporary_folder.h"
+#include "unit/file_kind.h"
 #include "unit/unit.h"
 #include "unit/unit_kind.h"
 
@@ -49,7 +49,7 @@ struct KindCase {
 
 const KindCase orbA{"A", &orbaKind};
 const KindCase everyKind[] = {orbA,
-                              {"L", &orbLiteKind, 7},
+                              {"L", &orbLiteKind},
                               {"C", &orbcKind},
                               {"D", &orbdKind},
                               {"D6", &orbd6Kind},
@@ -60,8 +60,15 @@ std::string testName(const KindCase& kindCase) {
     return name == "PZK-2" ? "Pzk2" : "Orb" + name;
 }
 
+/// Reference data in which nothing is found.
+class EmptyReferenceHost : public QuietHost {
+ public:
+    std::optional<EngineFacts> engine(int, int) override { return std::nullopt; }
+    std::optional<SensorFacts> mapSensor(int) override { return std::nullopt; }
+};
+
 /// The known sensors of the second encoder's random_calibrations.SENSORS.
-class SensorListHost : public QuietHost {
+class SensorListHost : public EmptyReferenceHost {
  public:
     std::optional<SensorFacts> mapSensor(int id) override {
         switch (id) {
@@ -80,7 +87,7 @@ class SensorListHost : public QuietHost {
 };
 
 /// Programs into a folder of the test's own.
-class FolderHost : public QuietHost {
+class FolderHost : public EmptyReferenceHost {
  public:
     explicit FolderHost(fs::path folder) : folder_(std::move(folder)) {}
     std::string applicationFolder() const override { return folder_.string(); }
@@ -99,20 +106,12 @@ std::optional<std::string> textUnlessRefused(MakeText&& makeText) {
     }
 }
 
-/// The S-record text of a file that the first number in it brings to its kind, without reference data.
-std::optional<std::string> sRecordTextOf(const fs::path& file, const UnitKind& kind) {
+/// The S-record text of a file that the first number in it brings to its kind, by the reference data of a host.
+template <typename Host>
+std::optional<std::string> sRecordTextWith(const fs::path& file, const UnitKind& kind) {
     return textUnlessRefused([&] {
-        const auto calibration = QuietCalibration::open(file.string());
-        EXPECT_EQ(&calibration->unit.kind(), &kind) << file;
-        calibration->unit.ConvertData();
-        return calibration->unit.sRecordText();
-    });
-}
-
-/// As sRecordTextOf, in a program that knows its sensors.
-std::optional<std::string> sRecordTextWithSensors(const fs::path& file, const UnitKind& kind) {
-    return textUnlessRefused([&] {
-        SensorListHost host;
+        EXPECT_EQ(unitKindOfSlot(kindOfCalibrationFile(file.string()).slot), &kind) << file;
+        Host host;
         Unit unit(kind, host);
         unit.FileOpen(file.string());
         unit.ConvertData();
@@ -305,7 +304,7 @@ TEST_P(WholeFile, SRecordTextOfRandomCalibrationsEqualsTheSecondEncoders) {
     ASSERT_NO_FATAL_FAILURE(generate(kindCase(), filesPerSeed, seed(), folder_.path()));
     Comparison comparison;
     for (int number = 0; number < filesPerSeed; ++number) {
-        comparison.add(file(number), sRecordTextOf(file(number), kind()),
+        comparison.add(file(number), sRecordTextWith<EmptyReferenceHost>(file(number), kind()),
                        theirTextOf(folder_.path(), number));
     }
     expectNoDifference(comparison);
@@ -319,7 +318,7 @@ TEST_P(WholeFile, OfOldFirmwareFindsItsSensorAsInTheSecondEncoder) {
     ASSERT_NO_FATAL_FAILURE(generate(kindCase(), files, seed(), folder_.path(), " --sensors"));
     Comparison comparison;
     for (int number = 0; number < files; ++number) {
-        comparison.add(file(number), sRecordTextWithSensors(file(number), kind()),
+        comparison.add(file(number), sRecordTextWith<SensorListHost>(file(number), kind()),
                        theirTextOf(folder_.path(), number));
     }
     expectNoDifference(comparison);

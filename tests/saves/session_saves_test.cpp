@@ -13,7 +13,10 @@ namespace {
 
 constexpr const char* tune = ZENTAQ_APP_DIR "/samples/Street 2.0 Four.ZQ4OA";
 
-class SessionSaves : public SavesUnderFire {
+class SessionSaves : public SavesUnderFire, public ::testing::WithParamInterface<int> {
+ public:
+    static constexpr int count = 3;
+
  protected:
     SessionSaves() {
         std::filesystem::create_directory(target);
@@ -129,17 +132,26 @@ class SessionSaves : public SavesUnderFire {
         return save;
     }
 
+    SaveUnderFire chosen() {
+        auto saves = all();
+        EXPECT_EQ(saves.size(), std::size_t{count});
+        return saves.at(static_cast<std::size_t>(GetParam()));
+    }
+
     TemporaryFolder folder;
     std::string target = folder.file("target");
     std::string file = target + "/Street.ZQ4OA";
 };
 
-TEST_F(SessionSaves, KilledAtAnyCallLeaveTheOldFileOrTheNewOneAndTheNextOneIsWhole) {
-    kill(all());
+// One of them a test, so that they run side by side.
+INSTANTIATE_TEST_SUITE_P(EachOf, SessionSaves, ::testing::Range(0, SessionSaves::count));
+
+TEST_P(SessionSaves, KilledAtAnyCallLeaveTheOldFileOrTheNewOneAndTheNextOneIsWhole) {
+    kill(chosen());
 }
 
-TEST_F(SessionSaves, FailingAtAnyCallLeaveTheOldFileAndSaySoOrTheNewOne) {
-    fail(all());
+TEST_P(SessionSaves, FailingAtAnyCallLeaveTheOldFileAndSaySoOrTheNewOne) {
+    fail(chosen());
 }
 
 }  // namespace

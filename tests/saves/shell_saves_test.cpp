@@ -8,7 +8,10 @@ namespace {
 
 constexpr const char* sample = ZENTAQ_APP_DIR "/samples/Street 2.0 Four.ZQ4OA";
 
-class ShellSaves : public SavesUnderFire {
+class ShellSaves : public SavesUnderFire, public ::testing::WithParamInterface<int> {
+ public:
+    static constexpr int count = 7;
+
  protected:
     ShellSaves() {
         std::filesystem::create_directory(target);
@@ -86,14 +89,20 @@ class ShellSaves : public SavesUnderFire {
             command("set", {"set", file, "REV_Limiter", "6100"}, content),
             command("cell", {"cell", file, "34", "41"}, content),
             command("table", {"table", file, "ADV", "--from", cells}, content),
-            command("import", {"import", listing, "-o", file}, content),
+            command("import", {"import", listing, "-o", file, "--force"}, content),
             command("merge", {"merge", base, file, other, "-o", file}, content),
-            command("import-bin", {"import-bin", old, "-o", file}, content),
+            command("import-bin", {"import-bin", old, "-o", file, "--force"}, content),
             command("new",
                     {"new", "--unit", "ORB A Standard", "--engine", "4 Cylinder Coil per Plug, Sequential Injection",
                      "--sensor", "1 BAR (10-105 kPa)", "-o", file},
                     {}),
         };
+    }
+
+    SaveUnderFire chosen() {
+        auto saves = all();
+        EXPECT_EQ(saves.size(), std::size_t{count});
+        return saves.at(static_cast<std::size_t>(GetParam()));
     }
 
     TemporaryFolder folder;
@@ -104,12 +113,15 @@ class ShellSaves : public SavesUnderFire {
     std::string later;
 };
 
-TEST_F(ShellSaves, KilledAtAnyCallLeaveTheOldFileOrTheNewOneAndTheNextOneIsWhole) {
-    kill(all());
+// One of them a test, so that they run side by side.
+INSTANTIATE_TEST_SUITE_P(EachOf, ShellSaves, ::testing::Range(0, ShellSaves::count));
+
+TEST_P(ShellSaves, KilledAtAnyCallLeaveTheOldFileOrTheNewOneAndTheNextOneIsWhole) {
+    kill(chosen());
 }
 
-TEST_F(ShellSaves, FailingAtAnyCallLeaveTheOldFileAndSaySoOrTheNewOne) {
-    fail(all());
+TEST_P(ShellSaves, FailingAtAnyCallLeaveTheOldFileAndSaySoOrTheNewOne) {
+    fail(chosen());
 }
 
 }  // namespace

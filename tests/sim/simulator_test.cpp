@@ -505,7 +505,13 @@ TEST(Simulator, FirmwareAndItsStateOutliveTheProgram) {
     };
     std::istringstream file(simulatedFirmware("ZQA-505100"));
     std::string text;
-    std::getline(file, text);
+    // An ORB A takes its lines without an end.
+    const auto nextLine = [&] {
+        const bool there = static_cast<bool>(std::getline(file, text));
+        if (!text.empty() && text.back() == '\r') text.pop_back();
+        return there;
+    };
+    nextLine();
     {
         Running simulator(options);
         EXPECT_FALSE(fs::exists(state)) << "nothing has been programmed yet";
@@ -522,7 +528,7 @@ TEST(Simulator, FirmwareAndItsStateOutliveTheProgram) {
         EXPECT_TRUE(line.askFor("E", 50).empty());
         ASSERT_EQ(textOf(line.ask("P3", 2)), "AX");
         std::string reply = textOf(line.ask(text, 2));
-        while (reply == "AX" && std::getline(file, text)) reply = textOf(line.ask(text, 2));
+        while (reply == "AX" && nextLine()) reply = textOf(line.ask(text, 2));
         EXPECT_EQ(reply, "PN");
         EXPECT_EQ(stateLine(), "programmed ZQA-505100");
         EXPECT_TRUE(line.askFor("E", 50).empty());

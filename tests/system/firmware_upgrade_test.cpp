@@ -102,23 +102,23 @@ TEST_F(FirmwareFlight, AnUpgradeEndsWellAndTheUnitComesBackWithItsNewFirmware) {
 TEST_F(FirmwareFlight, NothingOfTheUserEntersInsideATickAndTheBoxOfAClosingWindowLetsTheLinesGoOn) {
     start({"--upgrade-mode"});
     upgrade();
-    const Link& link = program->session.link;
+    const Link& wire = program->session.link;
     // A user who is always there: a timer that would do something at every chance that it gets.
     int insideTick = 0;
     QTimer always;
-    QObject::connect(&always, &QTimer::timeout, [&] { insideTick += link.handling() ? 1 : 0; });
+    QObject::connect(&always, &QTimer::timeout, [&] { insideTick += wire.handling() ? 1 : 0; });
     always.start(0);
     int before = 0, after = 0;
     bool boxInsideTick = true;
     program->dialogs.meanwhile = [&](const std::string& title) {
         if (title != "Transfer Running") return;
-        boxInsideTick = link.handling();
-        before = link.TransferLine();
-        Program::waitFor([&] { return link.TransferLine() > before + 20 || !link.firmwarePending(); },
+        boxInsideTick = wire.handling();
+        before = wire.TransferLine();
+        Program::waitFor([&] { return wire.TransferLine() > before + 20 || !wire.firmwarePending(); },
                          upgradePatienceMs);
-        after = link.TransferLine();
+        after = wire.TransferLine();
     };
-    ASSERT_TRUE(Program::waitFor([&] { return link.TransferLine() > 20; }, upgradePatienceMs));
+    ASSERT_TRUE(Program::waitFor([&] { return wire.TransferLine() > 20; }, upgradePatienceMs));
     EXPECT_FALSE(program->windows.main().close());
     always.stop();
     EXPECT_TRUE(program->boxShown("A firmware upgrade is running."));

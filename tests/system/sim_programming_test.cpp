@@ -291,7 +291,7 @@ struct FirmwareCase {
 
 TEST(SimProgrammingByFirmware, ImageFollowsTheUnitOnTheLink) {
     constexpr FirmwareCase cases[] = {
-        {"A", 3, "ZQA-404099", 137, false}, {"L", 4, "ZQL-406099", 137, false},
+        {"A", 3, "ZQA-404099", 137, false}, {"L", 4, "ZQL-406099", 147, false},
         {"C", 6, "ZQC-405001", 147, true},  {"C", 6, "ZQC-402001", 137, false},
         {"D", 7, "ZQD-404001", 137, false}, {"PZK-2", 5, "ZPK-404006", 64, false}};
     for (const FirmwareCase& row : cases) {

@@ -452,6 +452,19 @@ TEST_F(CalibrationFile, AUnitThatTellsNoReleaseMovesNothing) {
     EXPECT_THAT(host.informed, IsEmpty());
 }
 
+TEST_F(CalibrationFile, AFileThatTellsNoReleaseKeepsItsSensorBesideAUnitThatTellsItsFirmware) {
+    host.firmwareIsKnownFromLink = true;
+    host.sensors[4] = {.scale = 0.0121F, .offset = 0.1F, .unitsCode = 0};
+    unit.FW_Release(5);
+    FileOfFloats file(9.44F, 500);
+    file.cell(128) = 6;
+    file.cell(126) = 0.02F;
+    open(file);
+    EXPECT_EQ(unit.FW_Release(), 5);
+    EXPECT_EQ(unit.get("MAP_ID"), 6);
+    EXPECT_EQ(unit.get("MAP_Scaler"), 0.02F);
+}
+
 TEST_F(CalibrationFile, AFileWithoutAReleaseGetsTheSensorOfItsRatingWithTheFirstNewFirmware) {
     host.sensors[2] = {.scale = 0.0252F, .offset = 0.2F, .unitsCode = 2};
     FileOfFloats file(9.44F, 500);

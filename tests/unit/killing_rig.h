@@ -33,6 +33,7 @@ class TracedChild {
         if (child_ == 0) {
             if (::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) ::_exit(notTraced);
             ::raise(SIGSTOP);
+            ::alarm(longestRunSeconds);
             ::_exit(action());
         }
         int status = 0;
@@ -62,8 +63,7 @@ class TracedChild {
             signal_ = 0;
             ::waitpid(child_, &status, 0);
             if (!WIFSTOPPED(status)) {
-                running_ = false;
-                exitStatus_ = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+                ended(status);
             } else if (WSTOPSIG(status) == (SIGTRAP | 0x80)) {
                 return stopNow();
             } else if (status >> 8 != (SIGTRAP | PTRACE_EVENT_EXEC << 8)) {
@@ -71,6 +71,17 @@ class TracedChild {
             }
         }
         return std::nullopt;
+    }
+    /// Lets the child run up to its end without a stop; SIGALRM ends one that hangs.
+    void runToEnd() {
+        while (running_) {
+            int status = 0;
+            ::ptrace(PTRACE_CONT, child_, nullptr, signal_);
+            signal_ = 0;
+            ::waitpid(child_, &status, 0);
+            if (!WIFSTOPPED(status)) return ended(status);
+            if (status >> 8 != (SIGTRAP | PTRACE_EVENT_EXEC << 8)) signal_ = WSTOPSIG(status);
+        }
     }
     /// The text at an address of the child; empty where none can be read.
     std::string text(std::uint64_t address) const {
@@ -137,8 +148,13 @@ class TracedChild {
 
  private:
     static constexpr int notTraced = 99;
+    static constexpr unsigned longestRunSeconds = 60;
     static constexpr std::size_t longestText = 512;
 
+    void ended(int status) {
+        running_ = false;
+        exitStatus_ = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    }
     Stop stopNow() {
         __ptrace_syscall_info info{};
         ::ptrace(PTRACE_GET_SYSCALL_INFO, child_, sizeof info, &info);
