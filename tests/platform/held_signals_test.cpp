@@ -11,6 +11,8 @@ namespace {
 int statusAfter(int number) {
     const pid_t child = ::fork();
     if (child == 0) {
+        // In a group of its own: the system does not stop a group whose parents are all of another session.
+        ::setpgid(0, 0);
         bool worked = false;
         {
             const HeldSignals held(userSignals);
