@@ -65,6 +65,10 @@ Release releaseOfProgram() {
 // A command that stores, programs, saves or closes means what the user has typed before it, also where that
 // still waits for the unit.
 void MainCommands::afterEdits(const std::string& caption, void (MainCommands::*command)()) {
+    const auto again = [commands = *this, caption, command]() mutable {
+        commands.afterEdits(caption, command);
+    };
+    if (session_.saving.putsOffWhileReading(caption, again)) return;
     session_.windows().afterEdits(caption, [commands = *this, command]() mutable { (commands.*command)(); });
 }
 
@@ -274,6 +278,7 @@ MainCommands::Next MainCommands::openOlder(const std::string& path, std::uintmax
     }
     session_.sysLog("Opened Bin File: " + path);
     std::string why;
+    const FlagScope reading = session_.saving.beginReading();
     const Outcome outcome = read(
         slot, [&](Unit& unit) { unit.OldFileOpen(path); }, why);
     if (outcome != Outcome::Whole) return tellNotRead(outcome, path, why);
@@ -285,7 +290,7 @@ MainCommands::Next MainCommands::openOlder(const std::string& path, std::uintmax
 
 MainCommands::Outcome MainCommands::read(int slot, const std::function<void(Unit&)>& file,
                                          std::string& why) {
-    // The former calibration stays in place until the new one has been read whole. Reading lets events in: a
+    // The former calibration stays in hand until the new one has been read whole. Reading lets events in: a
     // unit that comes meanwhile may take either of them to the other slot of its class.
     const FileHeader former = session_.header();
     const Unit& formerUnit = session_.currentUnitObject();
@@ -295,7 +300,6 @@ MainCommands::Outcome MainCommands::read(int slot, const std::function<void(Unit
         [&] {
             outcome = Outcome::Corrupt;
             Unit& unit = session_.Units(slot);
-            session_.CurrentUnit(static_cast<float>(slot));
             try {
                 file(unit);
             } catch (const ReferenceNeeded&) {
@@ -365,6 +369,7 @@ MainCommands::Next MainCommands::openCalibration(const std::string& path) {
         bytes = knownStart(path);
         unit.FileOpen(path, bytes);
     };
+    const FlagScope reading = session_.saving.beginReading();
     const Outcome outcome = read(slot, openBytes, why);
     if (outcome != Outcome::Whole) return tellNotRead(outcome, path, why);
     session_.fileHolds = std::move(bytes);
@@ -385,8 +390,8 @@ void MainCommands::finishOpening(const std::string& path) {
     unit.BinFile(path);
     repairOldFields();
     const LinkedUnit& linked = session_.link.linked();
-    const bool matches = linked.LinkedUnitKind == session_.currentUnit();
-    if (linked.LinkedUnitKind != 0 && !matches) {
+    const auto matches = [&] { return linked.LinkedUnitKind == session_.currentUnit(); };
+    if (linked.LinkedUnitKind != 0 && !matches()) {
         session_.dialogs().show(
             {"Unit Type Mismatch",
              "This calibration file is for a different system than that connected.\n"
@@ -399,9 +404,10 @@ void MainCommands::finishOpening(const std::string& path) {
     session_.sysLog("Loaded Calibration: " + path);
     if (!isOldName(path)) noteShortFile(path);
     session_.DataModified = false;
-    if (matches && session_.Monitoring) session_.applyMonitorMode();
+    // The box lets units come and go.
+    if (matches() && session_.Monitoring) session_.applyMonitorMode();
     // A unit that was identified before the file came takes changes from now on.
-    session_.initializeOnFly(matches && linked.UnitIdentified);
+    session_.initializeOnFly(matches() && linked.UnitIdentified);
     session_.windows().setupNodes();
     // Asked with each opening until the sensor stands in the database.
     skipFailing([&] { matchSensor(session_); });
@@ -832,6 +838,8 @@ void MainCommands::nightMode() {
 }
 
 void MainCommands::openTable(const std::string& table, const std::string& title) {
+    const auto again = [commands = *this, table, title]() mutable { commands.openTable(table, title); };
+    if (session_.saving.putsOffWhileReading(title, again)) return;
     if (session_.currentUnit() == 0) return session_.messages.Display_Error(1003);
     // What is entered into a table before its calibration has its default values would be lost with them.
     if (session_.creating()) return session_.windows().openGeneralConfig();
@@ -843,7 +851,8 @@ void MainCommands::openTable(const std::string& table, const std::string& title)
 int MainCommands::treeClick(const std::string& key) {
     constexpr int startPage = 0;
     constexpr std::string_view generalParameters = "root001";
-    if (session_.currentUnit() == 0) return startPage;
+    // The tree is about to be made anew.
+    if (session_.currentUnit() == 0 || session_.saving.reading()) return startPage;
     for (const TreeNode& node : treeNodes(session_.currentUnitObject())) {
         if (node.key != key) continue;
         if (!node.table.empty()) openTable(node.table, node.title);

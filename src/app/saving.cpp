@@ -19,18 +19,28 @@ void Saving::begin(FileSave save, Ended ended) {
 }
 
 // A tick shows no boxes: what follows the save comes from the event loop.
-// Nor does anything follow under a box: the command that showed it still stands on what would be closed.
 void Saving::poll() {
-    if (!running() || posted_) return;
-    if (!saved_) saved_ = writer_.outcome();
-    if (!saved_ || session_.windows().boxOpen()) return;
+    if (posted_ || (!running() && waiting_.empty())) return;
+    if (running() && !saved_) saved_ = writer_.outcome();
+    if (!mayGoOn()) return;
     posted_ = true;
     session_.windows().later([this] {
         posted_ = false;
-        if (!saved_ || session_.windows().boxOpen()) return;  // a later tick asks again
-        const FileSaved saved = *std::exchange(saved_, std::nullopt);
-        finish(saved);
+        if (mayGoOn()) goOn();  // else a later tick asks again
     });
+}
+
+// Nothing follows under a box: the command that showed it still stands on what would be closed. Nor under the
+// reading of a file.
+bool Saving::mayGoOn() const {
+    const bool ended = running() ? saved_.has_value() : !waiting_.empty();
+    return ended && !reading_ && !runsWaiting_ && !session_.windows().boxOpen();
+}
+
+void Saving::goOn() {
+    if (!running()) return runWaiting();
+    const FileSaved saved = *std::exchange(saved_, std::nullopt);
+    finish(saved);
 }
 
 void Saving::finish(const FileSaved& saved) {
@@ -40,7 +50,9 @@ void Saving::finish(const FileSaved& saved) {
 }
 
 void Saving::runWaiting() {
-    while (!running() && !waiting_.empty()) {
+    if (runsWaiting_) return;
+    const FlagScope scope(runsWaiting_);
+    while (!running() && !reading_ && !waiting_.empty()) {
         const Waiting next = std::move(waiting_.front());
         waiting_.erase(waiting_.begin());
         run(next.name, next.command);
@@ -55,12 +67,17 @@ void Saving::run(const std::string& name, const std::function<void()>& command) 
 }
 
 bool Saving::putsOff(std::string_view name, std::function<void()> command) {
-    if (!running()) return false;
+    if (!running() && !reading_) return false;
     const bool known = std::ranges::any_of(waiting_, [&](const Waiting& one) { return one.name == name; });
     if (known) return true;
-    session_.sysLog(std::string(name) + " waits until the calibration is on the disk.");
+    session_.sysLog(std::string(name) + (reading_ ? " waits until the file has been read."
+                                                  : " waits until the calibration is on the disk."));
     waiting_.push_back({std::string(name), std::move(command)});
     return true;
+}
+
+bool Saving::putsOffWhileReading(std::string_view name, std::function<void()> command) {
+    return reading_ && putsOff(name, std::move(command));
 }
 
 }  // namespace zentaq

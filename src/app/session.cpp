@@ -256,8 +256,9 @@ float Session::programVersion() const {
     return static_cast<float>(numberOf(formatNumber(numberOf(version.substr(majorPart)), "##.##")));
 }
 
+// A file is being read: the user's next command is not meant for what is half in hand.
 void Session::yield() {
-    yield_.yield();
+    yield_.yieldWithoutInput();
 }
 
 void Session::formsChanged() {

@@ -18,6 +18,9 @@ class YieldBetweenTicks : public Yield {
     void yield() override {
         if (!insideTick_()) yield_.yield();
     }
+    void yieldWithoutInput() override {
+        if (!insideTick_()) yield_.yieldWithoutInput();
+    }
 
  private:
     Yield& yield_;

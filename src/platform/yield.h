@@ -8,6 +8,9 @@ class Yield {
  public:
     virtual ~Yield() = default;
     virtual void yield() = 0;
+    /// The same for the middle of a change: ticks and replies run, what the user types and clicks comes
+    /// behind.
+    virtual void yieldWithoutInput() { yield(); }
 };
 
 /// For programs and tests without an event loop.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QEventLoop>
 
 #include "platform/yield.h"
 
@@ -11,6 +12,7 @@ class QtYield : public Yield {
  public:
     /// Runs what is pending: ticks, replies, timers and the user's keys and clicks.
     void yield() override { QCoreApplication::processEvents(); }
+    void yieldWithoutInput() override { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); }
 };
 
 }  // namespace zentaq

@@ -160,6 +160,26 @@ FrmTable::~FrmTable() {
     session_.sysLog("TABLE App. Terminated.");
 }
 
+FrmTable::Left FrmTable::takeWaiting() {
+    Left left;
+    std::deque<Held> notTaken;
+    for (Held& one : std::exchange(held_, {})) {
+        if (one.command && !one.ofTable) {
+            left.commands.push_back(std::move(one.command));
+        } else {
+            notTaken.push_back(std::move(one));
+        }
+    }
+    left.notTaken = namesOf(notTaken);
+    return left;
+}
+
+void FrmTable::tellNotTaken(Session& session, const std::string& names) {
+    if (names.empty()) return;
+    session.sysLog("TABLE: Closed before " + names + ".");
+    session.inform("The table was closed.\nWhat was typed behind that was not taken: " + names + ".");
+}
+
 // ---- Toolbar
 
 void FrmTable::makeToolbar() {
@@ -542,8 +562,11 @@ void FrmTable::hold(const QMouseEvent& event) {
 void FrmTable::hold(Held held) {
     if (held_.size() < mostHeldKeys) return held_.push_back(std::move(held));
     QApplication::beep();
-    session_.sysLog(
-        "TABLE: Too much waits for the unit; not taken: " + namesOf(std::deque<Held>{std::move(held)}) + ".");
+    const bool command = static_cast<bool>(held.command);
+    const std::string names = namesOf(std::deque<Held>{std::move(held)});
+    session_.sysLog("TABLE: Too much waits for the unit; not taken: " + names + ".");
+    // A key is missed by whoever types; a command that did not come passes for one that did.
+    if (command) session_.inform("Too much waits for the unit.\nNot taken: " + names + ".");
 }
 
 void FrmTable::behindKeys(const std::string& caption, std::function<void()> command) {
@@ -553,9 +576,17 @@ void FrmTable::behindKeys(const std::string& caption, std::function<void()> comm
     hold(std::move(held));
 }
 
+void FrmTable::behindOwnKeys(const std::string& caption, std::function<void()> command) {
+    Held held;
+    held.caption = caption;
+    held.command = std::move(command);
+    held.ofTable = true;
+    hold(std::move(held));
+}
+
 void FrmTable::inOrder(const QString& caption, void (FrmTable::*run)()) {
     if (!keysWait()) return (this->*run)();
-    behindKeys(caption.trimmed().toStdString(), [this, run] { (this->*run)(); });
+    behindOwnKeys(caption.trimmed().toStdString(), [this, run] { (this->*run)(); });
 }
 
 void FrmTable::playLater(int ms) {
@@ -574,23 +605,14 @@ void FrmTable::playBack() {
         self->playing_ = false;
         if (!self->held_.empty() && !self->locked_) self->playLater(0);
     });
-    std::deque<Held> late;
-    while (!held_.empty() && !locked_) {
+    while (!held_.empty() && !locked_ && !closing_) {
         const Held next = std::move(held_.front());
         held_.pop_front();
-        if (closing_ && !next.command) {  // typed for a table that a command before it has closed
-            late.push_back(next);
-            continue;
-        }
         const int warnings = session_.messages.warningsShown();
         play(next);
-        if (!self) return;  // the command has closed the table
+        if (!self) return;  // the command has closed the table, and what waited was taken from it
         if (!next.command && session_.messages.warningsShown() != warnings) dropHeld();
     }
-    if (late.empty()) return;
-    const std::string names = namesOf(late);
-    session_.sysLog("TABLE: Closed before " + names + ".");
-    session_.inform("The table was closed.\nWhat was typed behind that was not taken: " + names + ".");
 }
 
 void FrmTable::play(const Held& held) {
@@ -982,7 +1004,7 @@ void FrmTable::closeEvent(QCloseEvent* event) {
     if (closing_) return;
     if (keysWait()) {
         event->ignore();
-        return behindKeys("Close", [this] { close(); });
+        return behindOwnKeys("Close", [this] { close(); });
     }
     if (!finishEntry()) return event->ignore();
     closing_ = true;

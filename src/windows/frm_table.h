@@ -55,6 +55,14 @@ class FrmTable : public QWidget {
     /// Runs a command when the keys that wait have had their turn; not at all, with a word to the user, when
     /// an entry among them is refused.
     void behindKeys(const std::string& caption, std::function<void()> command);
+    /// What waited for a table that goes, for whoever removes it.
+    struct Left {
+        std::vector<std::function<void()>> commands;  ///< of the program, in order: they go on without it
+        std::string notTaken;  ///< "2 keys, Discard Changes": what means this table alone
+    };
+    Left takeWaiting();
+    /// The user is told, once, what went with a table.
+    static void tellNotTaken(Session& session, const std::string& names);
     /// What is being typed is entered. False: it was refused, and the user has been told.
     bool finishEntry();
     /// The same, and what the user has left in cells without Enter is written.
@@ -114,6 +122,7 @@ class FrmTable : public QWidget {
         GridCell cell;
         std::string caption;
         std::function<void()> command;
+        bool ofTable = false;  ///< the command is one of this window's own
     };
     bool gridEvent(QEvent* event);
     bool viewportEvent(QEvent* event);
@@ -124,6 +133,7 @@ class FrmTable : public QWidget {
     bool hold(const QKeyEvent& event);
     void hold(const QMouseEvent& event);
     void hold(Held held);
+    void behindOwnKeys(const std::string& caption, std::function<void()> command);
     void inOrder(const QString& caption, void (FrmTable::*run)());
     void playLater(int ms);
     void playBack();

@@ -8,6 +8,7 @@
 #include <QToolButton>
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "base/errors.h"
 #include "base/text.h"
@@ -22,6 +23,9 @@
 namespace zentaq {
 
 namespace {
+
+/// It waits for nothing.
+constexpr std::string_view killEngine = "mnuMonitor_KillEngine";
 
 /// Commands that are one call into the core.
 struct Command {
@@ -39,7 +43,7 @@ constexpr std::array menuCommands{
     Command{"mnuFirmwareUpgrade", &MainCommands::firmwareUpgrade},
     Command{"mnuStoreONFLY", &MainCommands::storeOnFly},
     Command{"mnuIdentifyORB", &MainCommands::identify},
-    Command{"mnuMonitor_KillEngine", &MainCommands::killEngine},
+    Command{killEngine, &MainCommands::killEngine},
     Command{"mnuZeroAdv", &MainCommands::zeroAdvance},
     Command{"mnuClearDashCodes", &MainCommands::refreshCodes},
     Command{"mnuORB_ClearCodes", &MainCommands::clearCodes},
@@ -275,6 +279,8 @@ void MdiMain::refresh() {
 void MdiMain::run(std::string_view entry) {
     // The list of a field in a dialog lets the keys of the menu pass to here.
     if (session_.windows().boxOpen()) return;
+    const auto again = [this, name = std::string(entry)] { run(name); };
+    if (entry != killEngine && session_.saving.putsOffWhileReading(entry, again)) return;
     if (std::ranges::find(comesAfterEdits, entry) == comesAfterEdits.end()) return runNow(entry);
     runBehindEdits(entry);
 }
@@ -291,8 +297,20 @@ void MdiMain::runBehindEdits(std::string_view entry) {
     const bool offered = row != nullptr && enabled(*row);
     session_.windows().afterEdits(caption, [this, row, caption, offered, name = std::string(entry)] {
         if (!offered || enabled(*row)) return runNow(name);
-        session_.sysLog("Not run: " + caption);
-        session_.inform("\"" + caption + "\" was not run: what it needs has gone meanwhile.");
+        tellNotRun(caption);
+    });
+}
+
+void MdiMain::tellNotRun(const std::string& caption) {
+    session_.sysLog("Not run: " + caption);
+    notRun_.push_back('"' + caption + '"');
+    if (notRun_.size() > 1) return;
+    session_.windows().later([this] {
+        const std::vector<std::string> captions = std::exchange(notRun_, {});
+        std::string names;
+        for (const std::string& one : captions) names += (names.empty() ? "" : ", ") + one;
+        session_.inform(names + (captions.size() == 1 ? " was not run: what it needs has gone meanwhile."
+                                                      : " were not run: what they need has gone meanwhile."));
     });
 }
 

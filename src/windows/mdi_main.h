@@ -45,6 +45,8 @@ class MdiMain : public QMainWindow {
     /// Runs the command of a menu entry, as a click on it does. Not while a dialog or a list stands over the
     /// window; behind the edits typed before it where it stores, programs, saves or closes.
     void run(std::string_view entry);
+    /// Tells, in one box for all of them, of a command that waited until it could not be run any more.
+    void tellNotRun(const std::string& caption);
 
  Q_SIGNALS:
     /// F2: help on the field in hand.
@@ -85,6 +87,7 @@ class MdiMain : public QMainWindow {
     std::vector<QLabel*> panels_;
     std::string firmwareSeen_;
     bool commandsOn_ = true;
+    std::vector<std::string> notRun_;  ///< the box about them is on its way
     bool closing_ = false;
 };
 

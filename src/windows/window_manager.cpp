@@ -8,6 +8,7 @@
 #include "app/settings_keys.h"
 #include "base/errors.h"
 #include "base/number_text.h"
+#include "config/gui_rules.h"
 #include "config/tree.h"
 #include "link/flag_scope.h"
 #include "qt/help_key.h"
@@ -212,6 +213,8 @@ void WindowManager::showUnit() {
 // ---- What has been typed before a command
 
 void WindowManager::afterEdits(const std::string& caption, const std::function<void()>& command) {
+    const auto again = [this, caption, command] { afterEdits(caption, command); };
+    if (session_.saving.putsOffWhileReading(caption, again)) return;
     const auto inTurn = [this, command] {
         if (finishEdits()) command();
     };
@@ -334,9 +337,19 @@ void WindowManager::sensorsChanged() {
 // At once: what the table logs at its end must not stand between the lines of the command that closes it.
 void WindowManager::removeForms() {
     if (!table_) return;
+    // The program ends: its log tells what was not taken.
+    const FrmTable::Left left = closed_ ? FrmTable::Left{} : table_->takeWaiting();
     leaveTable();
     delete table_;
     if (config_ && !closed_) config_->focusTree();
+    handOn(left);
+}
+
+// What was typed for the program goes on without the table that it waited for; the keys for its cells are
+// told.
+void WindowManager::handOn(const FrmTable::Left& left) {
+    FrmTable::tellNotTaken(session_, left.notTaken);
+    for (const auto& command : left.commands) later(command);
 }
 
 void WindowManager::leaveTable() {
@@ -347,12 +360,14 @@ void WindowManager::leaveTable() {
 // The table asked for its end from inside one of its own events.
 void WindowManager::tableClosed() {
     if (!table_) return;
+    const FrmTable::Left left = table_->takeWaiting();
     leaveTable();
     table_->hide();
     table_->deleteLater();
     table_ = nullptr;
     main_->activateWindow();
     if (config_) config_->focusTree();
+    handOn(left);
 }
 
 void WindowManager::makeTable() {
@@ -364,16 +379,23 @@ void WindowManager::makeTable() {
 
 void WindowManager::openTable(const std::string& table, const std::string& title) {
     if (!config_ || closed_) return;
-    const auto inTurn = [this, table, title] { showTable(table, title); };
-    if (table_ && table_->keysWait()) return table_->behindKeys(title, inTurn);
-    inTurn();
+    if (!table_ || !table_->keysWait()) return showTable(table, title);
+    // What it comes behind may take the calibration away.
+    table_->behindKeys(title, [this, table, title] {
+        offersTable(table) ? showTable(table, title) : main_->tellNotRun(title);
+    });
+}
+
+bool WindowManager::offersTable(const std::string& table) const {
+    if (session_.currentUnit() == 0 || session_.creating()) return false;
+    return hasTable(session_.currentUnitObject().kind(), table);
 }
 
 void WindowManager::showTable(const std::string& table, const std::string& title) {
     makeTable();
     // A second click on the same table keeps it as it is, selection and all.
     if (table_->tableName() != table) {
-        if (!table_->finishEntry()) return;
+        if (!table_->finishEntry() || !table_) return;
         table_->Setup_Grid(table, title);
     }
     table_->setProperty(helpKeyProperty, QString::fromStdString(tableHelp(table)));
@@ -459,6 +481,8 @@ void WindowManager::later(const std::function<void()>& something) {
 // A box runs an event loop of its own: the next one would stand upon it and be read first.
 void WindowManager::runWaiting() {
     if (runsWaiting_ || waiting_.empty()) return;
+    // A box would stand on a calibration of which one half is in hand.
+    if (session_.saving.reading()) return QTimer::singleShot(refreshMs, this, &WindowManager::runWaiting);
     const auto goOn = qScopeGuard([this] {
         if (!waiting_.empty()) QTimer::singleShot(0, this, &WindowManager::runWaiting);
     });

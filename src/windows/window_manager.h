@@ -113,6 +113,8 @@ class WindowManager : public QObject, public WindowSet {
     void showTable(const std::string& table, const std::string& title);
     void tableClosed();
     void leaveTable();
+    void handOn(const FrmTable::Left& left);
+    bool offersTable(const std::string& table) const;
     void makeCentre();
     void makeTable();
     void placeTable(bool docked);

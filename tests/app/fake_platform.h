@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/session.h"
@@ -73,6 +74,15 @@ class ScriptedDialogs : public Dialogs {
         files.pop_front();
         return path;
     }
+};
+
+/// Does what a test wants to happen at the next yield, once.
+class MeanwhileYield : public Yield {
+ public:
+    void yield() override {
+        if (const auto now = std::exchange(meanwhile, nullptr)) now();
+    }
+    std::function<void()> meanwhile;
 };
 
 /// A port that opens if it is told to, keeps what is written and delivers what a test hands it.
@@ -178,7 +188,7 @@ struct FakeSession {
     FakeClock clock;
     MemorySettings settings;
     ScriptedDialogs dialogs;
-    NoYield yield;
+    MeanwhileYield yield;
     RecordingWindows windows;
     Session session{Platform{port, ticker, clock, settings, dialogs, yield, folder.path(), folder.path()}};
 

@@ -283,5 +283,17 @@ TEST_F(TwoKinds, AUnitThatComesWhileItsFileIsReadFindsItInItsSlot) {
     EXPECT_EQ(other.currentUnitObject().BinFile(), path);
 }
 
+// A box lets events in as well.
+TEST_F(TwoKinds, AUnitThatComesUnderTheBoxAboutAnotherKindTakesChangesOfItsFile) {
+    const std::string path = fileOf("ORB L", "six.ZQ4OL");
+    connect(orbA, "ZQA-405099");
+    fake.dialogs.meanwhile = [&](const std::string& title) {
+        if (title == "Unit Type Mismatch") putInPlace(orbL, "ZQL-407099");
+    };
+    open(path);
+    fake.dialogs.meanwhile = {};
+    EXPECT_TRUE(unit().ONFLY_MODE());
+}
+
 }  // namespace
 }  // namespace zentaq

@@ -339,5 +339,87 @@ TEST_F(TypedAhead, StoreTakesTheTimeOfGapThatIsBeingTyped) {
     EXPECT_EQ(wire().back(), "S");
 }
 
+// ---- Commands that take the table away
+
+TEST_F(TypedAhead, ACommandBehindOneThatRemovesTheTableRunsAllTheSame) {
+    nudge();
+    lock();
+    nudge();
+    windows.main().run("mnuClose");
+    windows.main().run("mnuExit");
+    answer();
+    EXPECT_EQ(windows.table(), nullptr);
+    EXPECT_TRUE(windows.closed());
+}
+
+TEST_F(TypedAhead, WhatCannotComeBehindAClosedCalibrationIsToldInOneBox) {
+    nudge();
+    lock();
+    nudge();
+    windows.main().run("mnuClose");
+    windows.main().run("mnuSave");
+    windows.main().run("mnuSaveAs");
+    windows.main().run("mnuAdvTbl");
+    fake.dialogs.answers = {Answer::Cancel};  // no save
+    answer();
+    settle();
+    settle();
+    EXPECT_EQ(fake.session.currentUnit(), 0);
+    EXPECT_EQ(windows.table(), nullptr);
+    ASSERT_EQ(fake.dialogs.boxes.size(), 2u);
+    EXPECT_EQ(fake.dialogs.boxes[0].text, "Save changes?");
+    EXPECT_EQ(
+        fake.dialogs.boxes[1].text,
+        "\"Save\", \"Save As\", \"Ignition Advance Table\" were not run: what they need has gone meanwhile.");
+}
+
+TEST_F(TypedAhead, KeysAndButtonsForTheCellsOfARemovedTableAreToldInOneBox) {
+    nudge();
+    lock();
+    nudge();
+    windows.main().run("mnuClose");
+    nudge();
+    form().findChild<QAction*>("Discard")->trigger();
+    windows.main().run("mnuHelpContents");  // waits for no table
+    fake.dialogs.answers = {Answer::Cancel};
+    answer();
+    settle();
+    ASSERT_EQ(fake.dialogs.boxes.size(), 2u);
+    EXPECT_EQ(fake.dialogs.boxes[1].text,
+              "The table was closed.\nWhat was typed behind that was not taken: 1 key, Discard Changes.");
+}
+
+TEST_F(TypedAhead, AStoreBehindTheTablesOwnCloseGoesOut) {
+    nudge();
+    lock();
+    nudge();
+    form().findChild<QAction*>("Close")->trigger();
+    nudge();
+    windows.main().run("mnuStoreONFLY");
+    for (int i = 0; i < 5; ++i) answer();
+    settle();
+    EXPECT_EQ(windows.table(), nullptr);
+    EXPECT_EQ(ve(0), 2);
+    EXPECT_THAT(wire(), ElementsAre("P2", "P2", "S"));
+    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
+    EXPECT_EQ(fake.dialogs.boxes[0].text,
+              "The table was closed.\nWhat was typed behind that was not taken: 1 key.");
+}
+
+TEST_F(TypedAhead, ASaveTypedBehindAnOpenComesBehindTheOpening) {
+    nudge();
+    lock();
+    nudge();
+    windows.main().run("mnuOpen");
+    windows.main().run("mnuSave");
+    fake.dialogs.files.push_back(calibrationFile());
+    fake.dialogs.answers = {Answer::Cancel};
+    answer();
+    settle();
+    ASSERT_FALSE(fake.dialogs.boxes.empty());
+    EXPECT_EQ(fake.dialogs.boxes.back().title, "Data Saved.");
+    EXPECT_EQ(inFile(unit().find("VE")->index), 0) << "the change was declined";
+}
+
 }  // namespace
 }  // namespace zentaq

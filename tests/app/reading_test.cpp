@@ -1,0 +1,179 @@
+// What comes while a calibration file is read, since reading lets events in: it is meant for a calibration in
+// hand, and comes behind the opening.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <fstream>
+
+#include "app/fake_platform.h"
+#include "app/main_commands.h"
+#include "app/start_up.h"
+
+namespace zentaq {
+namespace {
+
+using ::testing::Contains;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+class Reading : public ::testing::Test {
+ protected:
+    FakeSession fake;
+    Session& session = fake.session;
+    MainCommands commands{session};
+    Kernel kernel{session, commands};
+    std::string former = file("former.ZQ4OA", 3);
+    std::string next = file("next.ZQ4OL", 4);
+
+    Reading() {
+        session.makeUnits();
+        session.DatabaseFile = builtReference();
+        fake.ticker.start();
+        open(former);
+        fake.ticker.run(2);
+        forget();
+    }
+    std::string file(const std::string& name, float kind) const {
+        std::vector<float> floats{kind, 9.44F, kind == 4 ? 7099.0F : 5099.0F};
+        floats.resize(3 + 2828, 0.0F);
+        floats[3 + 58] = 6500;
+        std::string path = fake.folder.path(name);
+        std::ofstream out(path, std::ios::binary);
+        for (const float value : floats) {
+            const auto word = std::bit_cast<std::uint32_t>(value);
+            out.write(reinterpret_cast<const char*>(&word), sizeof word);
+        }
+        return path;
+    }
+    void open(const std::string& path) {
+        fake.dialogs.files.push_back(path);
+        commands.open();
+    }
+    void openMeanwhile(const std::string& path, std::function<void()> meanwhile) {
+        fake.yield.meanwhile = std::move(meanwhile);
+        open(path);
+        EXPECT_FALSE(fake.yield.meanwhile) << "the reading yields";
+    }
+    void forget() {
+        fake.dialogs.boxes.clear();
+        fake.dialogs.requests.clear();
+        fake.windows.calls.clear();
+    }
+    /// Boxes, dialogs and windows so far.
+    std::size_t seen() const {
+        return fake.dialogs.boxes.size() + fake.dialogs.requests.size() + fake.windows.calls.size();
+    }
+};
+
+TEST_F(Reading, TheFormerCalibrationIsInHandUntilTheNextHasBeenRead) {
+    openMeanwhile(next, [&] {
+        EXPECT_EQ(session.currentUnit(), 3);
+        EXPECT_EQ(session.CurrentFile, former);
+        EXPECT_EQ(session.currentUnitObject().BinFile(), former);
+    });
+    EXPECT_EQ(session.currentUnit(), 4);
+    EXPECT_EQ(session.CurrentFile, next);
+}
+
+struct Given {
+    const char* name;
+    void (MainCommands::*command)();
+};
+
+class CommandWhileReading : public Reading, public ::testing::WithParamInterface<Given> {};
+
+TEST_P(CommandWhileReading, ComesBehindTheOpening) {
+    openMeanwhile(next, [&] {
+        const std::size_t before = seen();
+        const std::size_t written = fake.port.written.size();
+        for (int i = 0; i < 2; ++i) (commands.*GetParam().command)();
+        EXPECT_EQ(seen(), before);
+        EXPECT_EQ(fake.port.written.size(), written);
+        EXPECT_EQ(session.header().fileState, "OLD");
+    });
+    EXPECT_EQ(session.CurrentFile, next);
+    EXPECT_FALSE(session.saving.reading());
+    EXPECT_THAT(session.console.lines(), Contains(HasSubstr("waits until the file has been read.")));
+    forget();
+    fake.ticker.run(2);
+    EXPECT_GT(seen() + (session.link.CurrentCommand().empty() ? 0 : 1), 0u) << "it was dropped";
+    const std::size_t once = seen();
+    fake.ticker.run(20);
+    EXPECT_EQ(seen(), once) << "given twice, it begins anew once";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Reading, CommandWhileReading,
+    ::testing::Values(Given{"New", &MainCommands::newCalibration}, Given{"Open", &MainCommands::open},
+                      Given{"Save", &MainCommands::save}, Given{"SaveAs", &MainCommands::saveAs},
+                      Given{"Close", &MainCommands::close}, Given{"Program", &MainCommands::programOrb},
+                      Given{"Firmware", &MainCommands::firmwareUpgrade}),
+    [](const auto& test) { return test.param.name; });
+
+TEST_F(Reading, ASaveThatComesMeanwhileIsOneOfTheFileThatWasOpened) {
+    session.currentUnitObject().set("REV_Limiter", 7000.0);  // of the former, which nobody wanted to keep
+    const std::string before = TemporaryFolder::read(former);
+    openMeanwhile(next, [&] { commands.save(); });
+    fake.ticker.run(2);
+    EXPECT_EQ(TemporaryFolder::read(former), before);
+    EXPECT_EQ(session.CurrentFile, next);
+    EXPECT_EQ(fake.dialogs.boxes.back().title, "Data Saved.");
+}
+
+TEST_F(Reading, ATableThatIsAskedForMeanwhileIsOneOfTheNextCalibration) {
+    openMeanwhile(next, [&] {
+        commands.openTable("VE", "VE Table");
+        EXPECT_THAT(fake.windows.calls, Not(Contains(HasSubstr("table VE"))));
+    });
+    fake.ticker.run(2);
+    EXPECT_THAT(fake.windows.calls, Contains("table VE VE Table"));
+}
+
+TEST_F(Reading, TheProgramEndsBehindTheOpening) {
+    openMeanwhile(next, [&] {
+        kernel.closeRequested();
+        EXPECT_THAT(fake.windows.calls, Not(Contains("closeMain")));
+    });
+    EXPECT_EQ(session.CurrentFile, next);
+    fake.ticker.run(2);
+    EXPECT_THAT(fake.windows.calls, Contains("closeMain"));
+}
+
+TEST_F(Reading, KillEngineGoesOutMeanwhile) {
+    session.link.ORB_Initialize();
+    ASSERT_TRUE(fake.port.isOpen());
+    openMeanwhile(next, [&] {
+        commands.killEngine();
+        for (int tick = 0; tick < 20'000; ++tick) session.link.tick();
+        EXPECT_THAT(fake.port.written, Contains("K"));
+    });
+}
+
+TEST_F(Reading, AFileThatCannotBeReadLetsWhatWaitedActOnTheFormerOne) {
+    std::ofstream(next, std::ios::binary | std::ios::app) << std::string(9000, 'x');
+    fake.dialogs.answers = {Answer::No};
+    fake.dialogs.files.push_back(next);
+    fake.yield.meanwhile = [&] { commands.save(); };
+    commands.open();
+    EXPECT_EQ(session.CurrentFile, former);
+    EXPECT_EQ(session.currentUnit(), 3);
+    EXPECT_FALSE(session.saving.reading());
+}
+
+TEST_F(Reading, AnOldFileIsReadTheSameWay) {
+    const std::string old = fake.folder.path("old.BIN");
+    std::ofstream(old, std::ios::binary) << std::string(9312, '\0');
+    openMeanwhile(old, [&] {
+        EXPECT_EQ(session.currentUnit(), 3);
+        commands.close();
+        EXPECT_EQ(session.CurrentFile, former);
+    });
+    EXPECT_EQ(session.CurrentFile, old);
+    fake.ticker.run(2);
+    EXPECT_EQ(session.CurrentFile, "") << "closed behind the opening";
+}
+
+}  // namespace
+}  // namespace zentaq
