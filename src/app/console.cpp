@@ -42,6 +42,7 @@ int writeWhole(int file, std::string_view bytes) {
 
 /// An event is one line whatever is in it, and says nothing to whoever reads the file on a terminal.
 std::string lineOf(std::string_view text) {
+    if (isPlain(text)) return std::string(text);
     std::string line(text);
     std::ranges::replace(line, '\n', ' ');
     return shownLine(line);

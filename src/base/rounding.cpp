@@ -14,15 +14,18 @@ double roundHalfEven(double value) {
 
 namespace {
 
+/// Apart from the way of the numbers that fit, which every byte of an image takes.
+[[noreturn]] void refuse(double value, double least, double most) {
+    throw Overflow("The number " + numberText(value) + " does not fit here: " + numberText(least) + " to " +
+                   numberText(most) + " do");
+}
+
 template <typename Integer>
 Integer rounded(double value) {
     constexpr auto least = static_cast<double>(std::numeric_limits<Integer>::min());
     constexpr auto most = static_cast<double>(std::numeric_limits<Integer>::max());
     const double whole = roundHalfEven(value);
-    if (!(whole >= least && whole <= most)) {
-        throw Overflow("The number " + numberText(value) + " does not fit here: " + numberText(least) +
-                       " to " + numberText(most) + " do");
-    }
+    if (!(whole >= least && whole <= most)) refuse(value, least, most);
     return static_cast<Integer>(whole);
 }
 

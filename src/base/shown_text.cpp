@@ -80,6 +80,7 @@ void appendFirst(std::string& out, std::string_view text, const Character& chara
 }
 
 std::string shown(std::string_view text, bool lines) {
+    if (isPlain(text)) return std::string(text);
     std::string out;
     out.reserve(text.size());
     while (!text.empty()) {
@@ -127,6 +128,10 @@ bool isShownAsItIs(char32_t code) {
     if (code >= ' ' && code <= '~') return true;  // nearly all there is
     const auto* range = std::ranges::lower_bound(unseen, code, {}, &CodeRange::last);
     return range == std::end(unseen) || code < range->first;
+}
+
+bool isPlain(std::string_view text) {
+    return std::ranges::all_of(text, [](char byte) { return byte >= ' ' && byte <= '~'; });
 }
 
 std::string shownLine(std::string_view text) {

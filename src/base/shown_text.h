@@ -12,6 +12,8 @@ namespace zentaq {
 /// Whether a character is seen, and changes nothing around it: no control character, no line end, nothing
 /// without width, nothing that turns the direction of writing.
 bool isShownAsItIs(char32_t code);
+/// Whether a text is nothing but printable ASCII: nearly each is, and needs no second copy.
+bool isPlain(std::string_view text);
 
 /// On one line: what is not shown as it is becomes \n, \r, \t, \x1B (a control character, or a byte of no
 /// character) or \u{202E}. A backslash stays one: the text is for reading.

@@ -20,7 +20,8 @@ std::size_t announced(unsigned char lead) {
 }
 
 std::size_t characterLength(std::string_view text, std::size_t at) {
-    return firstCharacter(text.substr(at)).length;
+    const bool ascii = static_cast<unsigned char>(text[at]) < topBit;  // nearly all there is
+    return ascii ? 1 : firstCharacter(text.substr(at)).length;
 }
 
 std::size_t bytesOfFirst(std::string_view text, std::size_t count) {

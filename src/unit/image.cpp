@@ -1,5 +1,8 @@
 #include <array>
 #include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <limits>
 
 #include "base/errors.h"
 #include "base/rounding.h"
@@ -37,7 +40,7 @@ constexpr std::array<Atmosphere, 5> atmospheres = {
 
 /// A number that goes into the image without rounding; Overflow for what no record can be made of.
 double fitting(double value) {
-    toInt32(value);
+    if (!(std::abs(value) < std::numeric_limits<std::int32_t>::max())) toInt32(value);
     return value;
 }
 
@@ -100,20 +103,24 @@ void Unit::putCell(const Encoding& encoding, int index, float cell) {
 void Unit::convertMembers() {
     for (const Parameter& row : kind_->parameters) {
         if (row.image.bytes == Bytes::None) continue;
-        for (int i = 0; i < row.count; ++i) {
+        const auto source = [&](int i) -> ImageSource {
+            return {row.name, row.cell(i), cellAt(row.cell(i)), i, row.count};
+        };
+        convertEach(row.count, source, [&](int i) {
             const int cell = row.cell(i);
-            convertFrom({row.name, cell, cellAt(cell), i, row.count},
-                        [&] { putCell(row.image, cell + row.image.indexOffset, cellAt(cell)); });
-        }
+            putCell(row.image, cell + row.image.indexOffset, cellAt(cell));
+        });
     }
 }
 
 void Unit::convertLooseCells() {
     const ImageLayout& layout = *kind_->image;
-    for (const auto& [cells, encoding] : layout.looseCells) {
-        for (int i = cells.first; i <= cells.last; ++i) {
-            convertFrom(looseSource(kind_->cells, i, cellAt(i)), [&] { putCell(encoding, i, cellAt(i)); });
-        }
+    for (const auto& [cells, form] : layout.looseCells) {
+        const int first = cells.first;
+        const Encoding& encoding = form;
+        const auto source = [&](int i) { return looseSource(kind_->cells, first + i, cellAt(first + i)); };
+        convertEach(cells.last - first + 1, source,
+                    [&](int i) { putCell(encoding, first + i, cellAt(first + i)); });
     }
     for (const auto& [image, cell] : layout.movedCells) {
         // What older firmware does not see, or what no record carries to it, may hold anything.
@@ -148,11 +155,13 @@ void Unit::convertSensorWords() {
 
 void Unit::convertStopPoints() {
     constexpr int stops = 16;
-    for (const auto& [image, cell] : kind_->image->stopRuns) {
-        for (int i = 0; i < stops; ++i) {
-            const ImageSource source{stopsAt(cell), cell + i, cellAt(cell + i), i, stops};
-            convertFrom(source, [&] { putWord(image + 2 * i, convertStopPointsToUnit(cell + i)); });
-        }
+    for (const auto& [imagePlace, firstCell] : kind_->image->stopRuns) {
+        const int place = imagePlace;
+        const int cell = firstCell;
+        const auto source = [&](int i) -> ImageSource {
+            return {stopsAt(cell), cell + i, cellAt(cell + i), i, stops};
+        };
+        convertEach(stops, source, [&](int i) { putWord(place + 2 * i, convertStopPointsToUnit(cell + i)); });
     }
 }
 

@@ -45,4 +45,16 @@ void convertFrom(const ImageSource& source, Convert&& convert) {
     }
 }
 
+/// The same for each of `count` conversions. Only the one that fails is asked for its source(i): an image has
+/// thousands.
+template <typename Source, typename Convert>
+void convertEach(int count, const Source& source, const Convert& convert) {
+    int i = 0;
+    try {
+        for (; i < count; ++i) convert(i);
+    } catch (const Overflow&) {
+        throw Overflow(source(i).whyNoImage());
+    }
+}
+
 }  // namespace zentaq

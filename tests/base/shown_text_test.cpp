@@ -116,6 +116,12 @@ TEST(ShownText, ABoxKeepsItsLinesAndTakesACarriageReturnForOne) {
     EXPECT_LE(shownInBox(std::string(35'000, 'x')).size(), 3000U);
 }
 
+TEST(ShownText, PlainIsNothingButPrintableAscii) {
+    EXPECT_TRUE(isPlain("COMM: Listening on Port #1 ~"));
+    EXPECT_TRUE(isPlain(""));
+    for (const char* text : {"a\n", "\x1B[1m", "\x7F", "\xC2\xB0", "a\tb"}) EXPECT_FALSE(isPlain(text)) << text;
+}
+
 // ---- Streams
 
 class ShownStreamTest : public ::testing::Test {

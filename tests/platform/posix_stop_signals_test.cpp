@@ -77,6 +77,8 @@ class Child {
         if (::pipe(ends.data()) != 0) throw Failure("pipe");
         process_ = ::fork();
         if (process_ == 0) {
+            // In a group of its own: the system stops no group whose parents are all of another session.
+            ::setpgid(0, 0);
             body(ends[1]);
             ::_exit(0);
         }
