@@ -8,8 +8,6 @@
 #include <cerrno>
 #include <cstring>
 
-#include "base/errors.h"
-
 namespace zentaq {
 
 namespace {
@@ -18,11 +16,22 @@ namespace {
     throw FileError("Cannot " + std::string(action) + " " + path + ": " + reason);
 }
 
+[[noreturn]] void refuse(const std::string& path, const std::string& reason) {
+    throw UnfitFile("Cannot read " + path + ": " + reason);
+}
+
 /// `size`: what was seen of it.
 [[noreturn]] void tooLong(const std::string& path, const FileLimit& limit, const std::string& size) {
-    fail("read", path,
-         "it has " + size + " bytes; " + std::string(limit.what) + " has at most " +
-             std::to_string(limit.bytes));
+    refuse(path, "it has " + size + " bytes; " + std::string(limit.what) + " has at most " +
+                     std::to_string(limit.bytes));
+}
+
+/// With errno told by the call.
+[[noreturn]] void failToOpen(const std::string& path) {
+    const int reason = errno;
+    const std::string text = "Cannot open " + path + ": " + std::strerror(reason);
+    if (reason == ENOTDIR || reason == ELOOP || reason == ENAMETOOLONG) throw UnfitFile(text);
+    throw FileError(text);
 }
 
 /// Empty for a file.
@@ -36,7 +45,7 @@ std::string whatElse(const struct stat& status) {
 
 void refuseOther(const struct stat& status, const std::string& path) {
     const std::string other = whatElse(status);
-    if (!other.empty()) fail("read", path, other);
+    if (!other.empty()) refuse(path, other);
 }
 
 ssize_t readSome(int descriptor, char* bytes, std::size_t most) {
@@ -52,13 +61,13 @@ class OpenedFile {
  public:
     explicit OpenedFile(const std::string& path) : path_(path) {
         // Looked at first: a serial port that is opened raises its lines, and a unit may hear of it.
-        if (::stat(path.c_str(), &status_) != 0) fail("open", path, std::strerror(errno));
+        if (::stat(path.c_str(), &status_) != 0) failToOpen(path);
         refuseOther(status_, path);
         // Not blocking, and looked at again: it may have become a pipe in between.
         do {
             descriptor_ = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
         } while (descriptor_ < 0 && errno == EINTR);
-        if (descriptor_ < 0) fail("open", path, std::strerror(errno));
+        if (descriptor_ < 0) failToOpen(path);
         try {
             if (::fstat(descriptor_, &status_) != 0) fail("read", path, std::strerror(errno));
             refuseOther(status_, path);
@@ -105,6 +114,12 @@ std::string readFile(const std::string& path, const FileLimit& limit) {
     return content;
 }
 
+std::optional<std::string> readFileIfThere(const std::string& path, const FileLimit& limit) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0 && errno == ENOENT) return std::nullopt;
+    return readFile(path, limit);
+}
+
 std::string readFileStart(const std::string& path, std::size_t most) {
     return OpenedFile(path).bytes(most);
 }
@@ -127,7 +142,7 @@ void checkFile(const std::string& path, const FileLimit& limit) {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0) {
         if (errno == ENOENT) return;
-        fail("open", path, std::strerror(errno));
+        failToOpen(path);
     }
     refuseOther(status, path);
     if (status.st_size > static_cast<off_t>(limit.bytes))

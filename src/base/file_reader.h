@@ -4,8 +4,11 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
+
+#include "base/errors.h"
 
 namespace zentaq {
 
@@ -39,8 +42,16 @@ inline constexpr FileLimit simulatedMemory{"the memory of a simulated unit", 64 
 inline constexpr FileLimit simulatedState{"the state of a simulated unit", kilobyte};
 }  // namespace limits
 
+/// What stands there is no file, or is longer than its limit: another try finds the same.
+class UnfitFile : public FileError {
+ public:
+    using FileError::FileError;
+};
+
 /// The whole of a file.
 std::string readFile(const std::string& path, const FileLimit& limit);
+/// Nothing only where the system says that there is no such file; whatever else fails is a failure.
+std::optional<std::string> readFileIfThere(const std::string& path, const FileLimit& limit);
 /// At most the first `most` bytes, however long the file is.
 std::string readFileStart(const std::string& path, std::size_t most);
 /// What comes until the end of a stream, such as the standard input. `name` is told.

@@ -1,38 +1,54 @@
 #include "qt/qt_settings.h"
 
+#include <unistd.h>
+
+#include <QAbstractEventDispatcher>
 #include <QFileInfo>
-#include <QLockFile>
+#include <QSettings>
+#include <algorithm>
+#include <cerrno>
 #include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include "app/settings_keys.h"
 #include "base/errors.h"
 #include "base/file_reader.h"
+#include "unit/safe_file.h"
 
 namespace zentaq {
+
+namespace fs = std::filesystem;
 
 namespace {
 
 /// A program that writes its settings holds the lock for milliseconds. One that was killed leaves it behind,
 /// and the window stands still while it is waited for.
 constexpr int patienceMs = 700;
-/// How often a lock that stayed is looked at.
+/// How often a file or a lock that is not as it should be is looked at.
 constexpr int againMs = 5000;
-
-QString pathOfKey(const std::string& section, const std::string& key) {
-    return QString::fromStdString(section) + u'/' + QString::fromStdString(key);
-}
 
 QString nameOfStore() {
     return QString::fromLatin1(settings::application);
 }
 
-/// Asked of a store that nobody has, since a store reads its file when it is made.
+/// Asked of a store that nobody has, and of which nothing but its place is wanted.
 std::string fileOfUser() {
     const QSettings neighbor(QSettings::IniFormat, QSettings::UserScope, nameOfStore(),
                              nameOfStore() + QStringLiteral(".none"));
     return (QFileInfo(neighbor.fileName()).path() + u'/' + nameOfStore() + QStringLiteral(".ini"))
         .toStdString();
+}
+
+bool isWriteProtected(const std::string& path) {
+    return ::access(path.c_str(), W_OK) != 0 && (errno == EACCES || errno == EPERM || errno == EROFS);
+}
+
+void makeFolderOf(const std::string& path) {
+    const fs::path folder = fs::path(path).parent_path();
+    std::error_code failed;
+    if (!folder.empty()) fs::create_directories(folder, failed);
+    if (failed) throw FileError("Cannot write " + path + ": its folder cannot be made: " + failed.message());
 }
 
 }  // namespace
@@ -42,116 +58,128 @@ std::string fileOfUser() {
 QtSettings::QtSettings() : QtSettings(fileOfUser()) {}
 
 QtSettings::QtSettings(const std::string& path) : path_(path) {
-    if (isFile()) open();
-    tendWaiting();
-}
-
-bool QtSettings::isFile() {
-    return endOnFailure(
-        [&] { checkFile(path_, limits::settings); },
-        [&](const std::string& why) {
-            if (!std::exchange(writeFailed_, true)) {
-                trouble(why + ". Changed settings last for this run; remove what stands there.");
-            }
-        });
-}
-
-void QtSettings::tendWaiting() {
     again_.setSingleShot(true);
-    QObject::connect(&again_, &QTimer::timeout, &again_, [this] { writeWaiting(); });
+    QObject::connect(&again_, &QTimer::timeout, &again_, [this] { catchUp(); });
+    start();
 }
 
 QtSettings::~QtSettings() {
-    writeWaiting();
+    catchUp();
 }
 
-bool QtSettings::opens(QFile::OpenMode mode) const {
-    return QFile(settings_->fileName()).open(mode);
+void QtSettings::start() {
+    try {
+        read();
+        if (!isWriteProtected(path_)) return;
+        failureTold_ = true;
+        trouble("Settings file " + path_ + " is write-protected; changed settings last for this run.");
+    } catch (const UnfitFile& failure) {
+        tellOfFailure(failure);
+    } catch (const std::exception& failure) {
+        trouble(textOfFailure(failure) +
+                ". The settings file cannot be read; the program starts as newly installed.");
+        tryAgain();
+    }
 }
 
-/// The store would read what stands there when it is closed, and so it never is.
-void QtSettings::leaveFile() {
-    for (const QString& name : settings_->allKeys()) {
-        const std::string section = name.section(u'/', 0, 0).toStdString();
-        const std::string key = name.section(u'/', 1).toStdString();
-        ofThisRun_[{section, key}] = get(section, key);
-    }
-    [[maybe_unused]] const auto* left = settings_.release();
-}
-
-void QtSettings::open() {
-    settings_ = std::make_unique<QSettings>(QString::fromStdString(path_), QSettings::IniFormat);
-    const bool exists = QFile::exists(settings_->fileName());
-    settings_->allKeys();  // sections are read when they are asked for, and only then found damaged
-    if (settings_->status() == QSettings::FormatError) {
-        // The next value written replaces the file, so what a user could still read out of it is kept.
-        std::error_code failed;
-        std::filesystem::copy_file(path(), path() + ".damaged",
-                                   std::filesystem::copy_options::overwrite_existing, failed);
-        trouble("Settings file " + path() + " is damaged; what can be read of it is used.");
-        return;
-    }
-    if (settings_->status() == QSettings::AccessError || (exists && !opens(QFile::ReadOnly))) {
-        trouble("Settings file " + path() + " cannot be read; the program starts as newly installed.");
-        return;
-    }
-    if (exists && !opens(QFile::ReadWrite)) {
-        trouble("Settings file " + path() + " is write-protected; changed settings last for this run.");
-        writeFailed_ = true;
-    }
+void QtSettings::read() {
+    std::string text = readFileIfThere(path_, limits::settings).value_or(std::string());
+    values_ = IniText(text);
+    text_ = std::move(text);
+    isRead_ = true;
+    if (!values_.isDamaged()) damageTold_ = false;
+    if (values_.isDamaged() && !std::exchange(damageTold_, true))
+        trouble("Settings file " + path_ + " is damaged; what can be read of it is used.");
 }
 
 std::string QtSettings::get(const std::string& section, const std::string& key,
                             const std::string& fallback) const {
     if (const auto found = waiting_.find({section, key}); found != waiting_.end()) return found->second;
-    if (!settings_) {
-        const auto found = ofThisRun_.find({section, key});
-        return found == ofThisRun_.end() ? fallback : found->second;
-    }
-    const QVariant value = settings_->value(pathOfKey(section, key));
-    if (!value.isValid()) return fallback;
-    // A hand-edited line with a comma reads as a list.
-    if (value.typeId() == QMetaType::QStringList) return value.toStringList().join(u',').toStdString();
-    return value.toString().toStdString();
+    return values_.value(section, key).value_or(fallback);
 }
 
 void QtSettings::set(const std::string& section, const std::string& key, const std::string& value) {
     waiting_[{section, key}] = value;
-    writeWaiting();
+    catchUp();
 }
 
-// The store would wait for the lock itself, for half a minute: it gets nothing before the lock is free.
-bool QtSettings::lockIsFree() {
-    QLockFile lock(settings_->fileName() + QStringLiteral(".lock"));
+void QtSettings::catchUp() {
+    if (waiting_.empty() && isRead_) return;
+    try {
+        if (waiting_.empty()) return read();
+        storeWaiting();
+    } catch (const std::exception& failure) {
+        if (!waiting_.empty()) tellOfFailure(failure);
+    }
+    if (!waiting_.empty() || !isRead_) tryAgain();
+}
+
+void QtSettings::tryAgain() {
+    const bool ticks = QAbstractEventDispatcher::instance() != nullptr;
+    if (ticks && !again_.isActive()) again_.start(againMs);
+}
+
+void QtSettings::tellOfFailure(const std::exception& failure) {
+    if (std::exchange(failureTold_, true)) return;
+    const bool unfit = dynamic_cast<const UnfitFile*>(&failure) != nullptr;
+    trouble(textOfFailure(failure) +
+            (unfit ? ". Changed settings last for this run; remove what stands there."
+                   : ". Changed settings are kept for this run, and written as soon as that is over."));
+}
+
+void QtSettings::storeWaiting() {
+    makeFolderOf(path_);
+    // From the read to the rename: another program's change in between would be lost.
+    QLockFile lock(QString::fromStdString(path_ + ".lock"));
+    if (!takes(lock)) return;
+    read();
+    writeMerged();
+    waiting_.clear();
+    failureTold_ = false;
+}
+
+/// False when another program has the lock.
+bool QtSettings::takes(QLockFile& lock) {
     if (lock.tryLock(locked_ ? 0 : patienceMs)) {
         locked_ = false;
         return true;
     }
     // A folder that takes no lock takes no settings either, which is told when they are written.
-    if (lock.error() != QLockFile::LockFailedError) return true;
+    if (lock.error() == QLockFile::PermissionError) return true;
+    if (lock.error() != QLockFile::LockFailedError)
+        throw FileError("Cannot write " + path_ + ": its folder takes no lock " + path_ + ".lock");
     if (!std::exchange(locked_, true)) {
-        trouble("Settings file " + path() + " is locked by another program; it is written when " + path() +
+        trouble("Settings file " + path_ + " is locked by another program; it is written when " + path_ +
                 ".lock has gone.");
     }
-    if (!again_.isActive()) again_.start(againMs);
     return false;
 }
 
-void QtSettings::writeWaiting() {
-    if (waiting_.empty()) return;
-    if (settings_ && !isFile()) leaveFile();
-    if (!settings_) {
-        for (auto& [name, value] : std::exchange(waiting_, {})) ofThisRun_[name] = std::move(value);
-        return;
+void QtSettings::writeMerged() {
+    const bool isThere = std::ranges::all_of(waiting_, [this](const auto& entry) {
+        return values_.value(entry.first.first, entry.first.second) == entry.second;
+    });
+    if (isThere) return;
+    if (values_.isDamaged()) keepDamaged();
+    IniText merged = values_;
+    for (const auto& [name, value] : waiting_) merged.set(name.first, name.second, value);
+    std::string text = merged.text();
+    if (text.size() > limits::settings.bytes) {
+        throw FileError("Cannot write " + path_ + ": it would have " + std::to_string(text.size()) +
+                        " bytes; " + std::string(limits::settings.what) + " has at most " +
+                        std::to_string(limits::settings.bytes));
     }
-    if (!lockIsFree()) return;
-    for (const auto& [name, value] : std::exchange(waiting_, {})) {
-        settings_->setValue(pathOfKey(name.first, name.second), QString::fromStdString(value));
-    }
-    settings_->sync();
-    if (settings_->status() != QSettings::AccessError || writeFailed_) return;
-    writeFailed_ = true;
-    trouble("Settings file " + path() + " cannot be written; changed settings last for this run.");
+    writeFileSafely(path_, text);
+    values_ = IniText(text);
+    text_ = std::move(text);
+}
+
+/// What is written next leaves out what was no setting, and a user may still find something in it.
+void QtSettings::keepDamaged() const {
+    const std::string kept = path_ + ".damaged";
+    writeFileSafely(kept, text_);
+    std::error_code ignored;
+    fs::permissions(kept, fs::status(path_, ignored).permissions(), ignored);
 }
 
 void QtSettings::onTrouble(std::function<void(const std::string&)> report) {

@@ -1,17 +1,18 @@
 // The per-user settings store: one file of the user's configuration folder, texts by section and key.
-// A file that is damaged or cannot be written stops nothing: values last for the run and the trouble is told.
+// A file that is damaged, cannot be read or cannot be written stops nothing: values last for the run, the
+// trouble is told, and nothing is written over what could not be read.
 #pragma once
 
-#include <QFile>
-#include <QSettings>
+#include <QLockFile>
 #include <QTimer>
+#include <exception>
 #include <functional>
 #include <map>
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "base/ini_text.h"
 #include "platform/settings_store.h"
 
 namespace zentaq {
@@ -26,36 +27,41 @@ class QtSettings : public SettingsStore {
 
     std::string get(const std::string& section, const std::string& key,
                     const std::string& fallback = {}) const override;
-    /// On the disk when it returns, unless the file cannot be written or another program holds its lock for
-    /// longer than a moment: then it is told, and written as soon as that is over.
+    /// On the disk when it returns, unless the file cannot be read or written or another program holds its
+    /// lock for longer than a moment: then it is told, and written as soon as that is over.
     void set(const std::string& section, const std::string& key, const std::string& value) override;
 
     std::string path() const { return path_; }
+    /// Whether all that was set is on the disk.
+    bool isStored() const { return waiting_.empty(); }
 
     /// Called once for each trouble with a sentence for the log; at once for what is known already.
     void onTrouble(std::function<void(const std::string&)> report);
 
  private:
-    /// Whether a file, or nothing, stands where the store is to be. A pipe would hold the program up for
-    /// good.
-    bool isFile();
-    void open();
-    void leaveFile();
-    bool opens(QFile::OpenMode mode) const;
+    void start();
+    /// Throws FileError; what is known of the file stays then.
+    void read();
+    void catchUp();
+    void tryAgain();
+    void tellOfFailure(const std::exception& failure);
+    void storeWaiting();
+    bool takes(QLockFile& lock);
+    void writeMerged();
+    void keepDamaged() const;
     void trouble(const std::string& what);
-    void tendWaiting();
-    bool lockIsFree();
-    void writeWaiting();
 
     std::string path_;
-    std::unique_ptr<QSettings> settings_;  ///< none where something else than a file stands
-    std::map<std::pair<std::string, std::string>, std::string> ofThisRun_;  ///< what it then holds
+    std::string text_;  ///< of the file, as it was read last
+    IniText values_;    ///< the same, read
+    bool isRead_ = false;
     std::map<std::pair<std::string, std::string>, std::string> waiting_;  ///< by section and key
     bool locked_ = false;  ///< as the last look at the lock has found
+    bool damageTold_ = false;
+    bool failureTold_ = false;
     QTimer again_;
     std::function<void(const std::string&)> report_;
     std::vector<std::string> untold_;
-    bool writeFailed_ = false;
 };
 
 }  // namespace zentaq

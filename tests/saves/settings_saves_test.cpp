@@ -26,11 +26,13 @@ class SettingsSaves : public SavesUnderFire {
         };
         save.run = [this] {
             bool trouble = false;
-            QtSettings settings(file);
-            settings.onTrouble([&](const std::string&) { trouble = true; });
-            settings.set("System", "CommPort", "9");
-            if (settings.get("System", "CommPort") != "9") return int{Nonsense};
-            return int{trouble ? NotStored : Stored};
+            // Not destroyed, for then it would try again.
+            auto* settings = new QtSettings(file);
+            settings->onTrouble([&](const std::string&) { trouble = true; });
+            settings->set("System", "CommPort", "9");
+            if (settings->get("System", "CommPort") != "9") return int{Nonsense};
+            if (settings->isStored()) return int{Stored};
+            return int{trouble ? NotStored : Nonsense};
         };
         save.isNew = [](const std::optional<std::string>& found) { return found == changedFile; };
         return save;
@@ -41,8 +43,22 @@ class SettingsSaves : public SavesUnderFire {
     std::string file = target + "/Zentaq4.ini";
 };
 
-TEST_F(SettingsSaves, KilledAtAnyCallLeaveTheOldFileOrTheNewOneAndTheNextOneIsWhole) {
+TEST_F(SettingsSaves, KilledAtAnyCallLeaveTheOldFileOrTheNewOne) {
     kill(write());
+}
+
+TEST_F(SettingsSaves, FailingAtAnyCallLeaveTheOldFileAndSaySoOrTheNewOne) {
+    fail(write());
+}
+
+TEST_F(SettingsSaves, FailingAtAnyCallAreDoneWhenTheProgramEnds) {
+    SaveUnderFire save = write();
+    save.leastRefused = 0;
+    save.run = [this] {
+        QtSettings(file).set("System", "CommPort", "9");
+        return int{Stored};
+    };
+    fail(save);
 }
 
 }  // namespace

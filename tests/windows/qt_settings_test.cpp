@@ -11,6 +11,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 
 #include "app/settings_keys.h"
@@ -263,6 +264,70 @@ TEST_F(QtSettingsTest, WhatWaitedForALockIsWrittenWhenTheProgramEnds) {
     EXPECT_THAT(fileText(), HasSubstr("CommPort=9\n"));
 }
 
+TEST_F(QtSettingsTest, WhatCouldNotBeWrittenIsWrittenWhenWhatStoodThereHasGone) {
+    std::filesystem::create_directory(path);
+    QtSettings settings(path);
+    listen(settings);
+    settings.set("System", "CommPort", "9");
+    EXPECT_EQ(settings.get("System", "CommPort"), "9");
+    EXPECT_FALSE(settings.isStored());
+    std::filesystem::remove(path);
+    settings.set("System", "AutoLog", "1");
+    EXPECT_TRUE(settings.isStored());
+    EXPECT_EQ(fileText(), "[System]\nAutoLog=1\nCommPort=9\n");
+    EXPECT_EQ(troubles.size(), 1U);
+}
+
+TEST_F(QtSettingsTest, MoreThanAFileMayHoldIsToldAndNotWritten) {
+    QtSettings settings(path);
+    listen(settings);
+    settings.set("System", "CommPort", "9");
+    const std::string stored = fileText();
+    settings.set("System", "AutoLog", std::string(1048576, 'x'));
+    EXPECT_THAT(troubles, ElementsAre(HasSubstr("a settings file has at most 1048576. Changed settings")));
+    EXPECT_EQ(fileText(), stored);
+    EXPECT_EQ(settings.get("System", "AutoLog").size(), 1048576U) << "it lasts for the run";
+}
+
+TEST_F(QtSettingsTest, ALinkStaysALinkAndAFileKeepsItsPermissions) {
+    using std::filesystem::perms;
+    const std::string real = folder.write("real.ini", "[System]\nCommPort=7\n");
+    std::filesystem::permissions(real, perms(0640));
+    std::filesystem::create_symlink("real.ini", path);
+    QtSettings(path).set("System", "CommPort", "9");
+    EXPECT_TRUE(std::filesystem::is_symlink(path));
+    EXPECT_EQ(TemporaryFolder::read(real), "[System]\nCommPort=9\n");
+    EXPECT_EQ(std::filesystem::status(real).permissions(), perms(0640));
+}
+
+TEST_F(QtSettingsTest, AFolderThatIsMissingIsMade) {
+    const std::string below = folder.path("config/Zentaq4/Zentaq4.ini");
+    QtSettings(below).set("System", "CommPort", "9");
+    EXPECT_EQ(TemporaryFolder::read(below), "[System]\nCommPort=9\n");
+}
+
+TEST_F(QtSettingsTest, AValueThatIsThereAlreadyIsNotWrittenAgain) {
+    const std::string asTyped = "; my settings\n[System]\nCommPort=7\n";
+    folder.write("Zentaq4.ini", asTyped);
+    QtSettings(path).set("System", "CommPort", "7");
+    EXPECT_EQ(fileText(), asTyped);
+}
+
+TEST_F(QtSettingsTest, WhatCannotBeKeptOfADamagedFileIsNotWrittenOver) {
+    const std::string damaged = "[System]\nCommPort=7\nthis line is no setting\n";
+    folder.write("Zentaq4.ini", damaged);
+    std::filesystem::create_directory(path + ".damaged");
+    QtSettings settings(path);
+    settings.set("System", "Print", "1");
+    EXPECT_EQ(fileText(), damaged);
+    EXPECT_FALSE(settings.isStored());
+    EXPECT_EQ(settings.get("System", "Print"), "1");
+    std::filesystem::remove(path + ".damaged");
+    settings.set("System", "Print", "0");
+    EXPECT_EQ(fileText(), "[System]\nCommPort=7\nPrint=0\n");
+    EXPECT_EQ(TemporaryFolder::read(path + ".damaged"), damaged);
+}
+
 /// Whether a check holds in a process that is no administrator's, who may write any file.
 bool holdsForAnOrdinaryUser(const std::function<bool()>& check) {
     const pid_t child = fork();
@@ -303,6 +368,31 @@ TEST_F(QtSettingsTest, AnUnreadableFileIsToldAndTheProgramStartsAsNew) {
         return troubles.size() == 1 &&
                troubles[0].ends_with("cannot be read; the program starts as newly installed.") &&
                settings.get("System", "CommPort", "1") == "1";
+    }));
+}
+
+TEST_F(QtSettingsTest, WhatCouldNotBeReadIsMergedAndNotWrittenOver) {
+    const std::filesystem::path own = folder.path("own");
+    std::filesystem::create_directory(own);
+    std::filesystem::permissions(own, std::filesystem::perms::all);
+    std::filesystem::permissions(folder.path(), std::filesystem::perms(055),
+                                 std::filesystem::perm_options::add);
+    EXPECT_TRUE(holdsForAnOrdinaryUser([&] {
+        using std::filesystem::perms;
+        path = own / "Zentaq4.ini";
+        const std::string stored = "[System]\nADUR=30\nCommPort=7\n";
+        std::ofstream(path) << stored;
+        std::filesystem::permissions(path, perms::none);
+        QtSettings settings(path);
+        listen(settings);
+        settings.set("System", "CommPort", "9");
+        const bool waits = !settings.isStored() && settings.get("System", "CommPort") == "9" &&
+                           troubles.size() == 2 && troubles[1].find("Permission denied") != std::string::npos;
+        std::filesystem::permissions(path, perms::owner_read | perms::owner_write);
+        if (fileText() != stored) return false;
+        settings.set("System", "AutoLog", "1");
+        return waits && settings.isStored() && settings.get("System", "ADUR") == "30" &&
+               fileText() == "[System]\nADUR=30\nAutoLog=1\nCommPort=9\n";
     }));
 }
 
