@@ -79,8 +79,13 @@ void appendFirst(std::string& out, std::string_view text, const Character& chara
     }
 }
 
+bool isPlainLines(std::string_view text) {
+    return std::ranges::all_of(
+        text, [](char byte) { return (byte >= ' ' && byte <= '~') || byte == '\n' || byte == '\t'; });
+}
+
 std::string shown(std::string_view text, bool lines) {
-    if (isPlain(text)) return std::string(text);
+    if (lines ? isPlainLines(text) : isPlain(text)) return std::string(text);
     std::string out;
     out.reserve(text.size());
     while (!text.empty()) {
@@ -182,6 +187,10 @@ int ShownBuffer::sync() {
 }
 
 bool ShownBuffer::pass(std::string_view text, bool whole) {
+    const auto put = [this](std::string_view bytes) {
+        return next_.sputn(bytes.data(), std::ssize(bytes)) == std::ssize(bytes);
+    };
+    if (begun_.empty() && isPlainLines(text)) return put(text);
     std::string joined;
     if (!begun_.empty()) {
         joined = begun_ + std::string(text);
@@ -198,7 +207,7 @@ bool ShownBuffer::pass(std::string_view text, bool whole) {
         appendFirst(out, text, character, true);
         text.remove_prefix(character.length);
     }
-    return next_.sputn(out.data(), static_cast<std::streamsize>(out.size())) == std::ssize(out);
+    return put(out);
 }
 
 }  // namespace zentaq
