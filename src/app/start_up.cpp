@@ -19,6 +19,8 @@ namespace {
 
 constexpr const char* ruler =
     "--------------------------------------------------------------------------------";
+/// Both ways out: whoever waits for both is told once, and asked once.
+constexpr const char* exitProgram = "Exit Program";
 
 /// Slots in the order in which their objects are made, with the firmware that this program expects.
 struct ExpectedFirmware {
@@ -202,13 +204,13 @@ void Kernel::showTip() {
 
 bool Kernel::System_Shutdown(bool confirmed) {
     if (ended_ || confirmed) return shutDown(confirmed);
-    session_.windows().afterEdits("Exit Program", [this] { shutDown(false); });
+    session_.windows().afterEdits(exitProgram, [this] { shutDown(false); });
     return ended_;
 }
 
 bool Kernel::shutDown(bool confirmed) {
     if (ended_) return true;
-    if (session_.saving.putsOff("Shutdown", [this, confirmed] { System_Shutdown(confirmed); })) return false;
+    if (session_.saving.putsOff(exitProgram, [this, confirmed] { System_Shutdown(confirmed); })) return false;
     session_.sysLog("System Shutdown Requested.");
     if (!confirmed) {
         const Answer answer = session_.dialogs().show(
@@ -249,12 +251,12 @@ void Kernel::end() {
 void Kernel::closeRequested() {
     // Intended: Cancel declines the save and does not keep the program open. A save that fails does, because
     // the changes would be lost with the process.
-    session_.windows().afterEdits("Exit Program", [this] { closeNow(); });
+    session_.windows().afterEdits(exitProgram, [this] { closeNow(); });
 }
 
 void Kernel::closeNow() {
     if (ended_) return;
-    if (session_.saving.putsOff("Close the program", [this] { closeRequested(); })) return;
+    if (session_.saving.putsOff(exitProgram, [this] { closeRequested(); })) return;
     if (!commands_.mayBreakTransfer()) return;
     afterSaving([this] { System_Shutdown(true); });
 }

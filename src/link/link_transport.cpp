@@ -192,7 +192,13 @@ int Link::searchPorts() {
         // What an earlier session or port has told must not pass for an answer of this port.
         linked_.SerialNumber = 0;
         rxBuffer_.clear();
-        if (RS232_Initialize(number) && waitForUnit()) return number;
+        if (!RS232_Initialize(number)) continue;
+        const int opened = commPort_;
+        const std::string identity = commIdentity_;
+        if (!waitForUnit()) continue;
+        // The search lets events in, which may have named another port for the next opening.
+        commPort(opened, identity);
+        return opened;
     }
     return 0;
 }

@@ -403,6 +403,23 @@ TEST_F(PortSearch, NoOtherPortIsChosenUnderIt) {
     EXPECT_THAT(fake.dialogs.boxes.front().text, HasSubstr("is being searched"));
 }
 
+TEST_F(PortSearch, StoresThePortThatTheUnitAnsweredOn) {
+    fake.port.presentNumber = 5;
+    session.makeUnits();
+    yield.once = [&] {
+        session.link.tick();
+        ASSERT_EQ(session.link.CurrentCommand(), "E");
+        session.link.commPort(9);
+        fake.port.deliver(identifyReply(firstOrbA));
+        session.link.tick();
+    };
+    EXPECT_EQ(commands.autodetectPort(), 5);
+    EXPECT_EQ(session.link.commPort(), 5);
+    EXPECT_EQ(fake.settings.get("System", "CommPort"), "5");
+    EXPECT_EQ(fake.settings.get("System", "CommPortIdentity"), session.link.commIdentity());
+    EXPECT_TRUE(fake.port.isOpen());
+}
+
 TEST_F(ProgramOrb, AMonitorSessionLeavesAPortThatIsAnsweringOpen) {
     fake.settings.set("System", "AutoMonitor", "1");
     identify(firstOrbA);

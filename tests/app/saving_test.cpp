@@ -299,6 +299,27 @@ TEST_F(SavingBeside, TheEndOfTheProgramWaitsForIt) {
     EXPECT_EQ(limitIn(path), 7000);
 }
 
+TEST_F(SavingBeside, BothWaysOutOfTheProgramWaitAsOne) {
+    change(7000);
+    commands.save();
+    EXPECT_FALSE(kernel.System_Shutdown(false));
+    kernel.closeRequested();
+    EXPECT_FALSE(kernel.System_Shutdown(false));
+    const auto& lines = session.console.lines();
+    EXPECT_EQ(
+        std::ranges::count_if(
+            lines, [](const std::string& line) { return line.find("waits until") != std::string::npos; }),
+        1);
+    dialogs.boxes.clear();
+    dialogs.answers = {Answer::Ok, Answer::Cancel};  // "Data Saved.", then the question
+    diskIsDone();
+    passes(1000);
+    const auto asked =
+        std::ranges::count_if(dialogs.boxes, [](const Box& box) { return box.title == "Shutdown"; });
+    EXPECT_EQ(asked, 1) << "the user hears of it once";
+    EXPECT_THAT(windows.calls, Not(Contains("closeMain"))) << "and stays";
+}
+
 TEST_F(SavingBeside, TheEndOfTheProgramWithChangesComesWhenTheyAreOnTheDisk) {
     change(7000);
     kernel.closeRequested();
