@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <vector>
 
 #include "base/errors.h"
+#include "base/file_reader.h"
 #include "guide/guide.h"
 #include "markdown_page.h"
 
@@ -22,10 +22,7 @@ constexpr auto styleName = "guide.css";
 using Pages = std::map<std::string, MarkdownPage>;
 
 std::string contentOf(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::string content{std::istreambuf_iterator<char>(file), {}};
-    if (!file) throw FileError(path.string() + " cannot be read");
-    return content;
+    return readFile(path.string(), limits::guidePage);
 }
 
 void write(const fs::path& path, const std::string& content) {

@@ -1,8 +1,10 @@
 // firmware: a new firmware for a unit, with all the questions asked before one byte goes out.
 #include <unistd.h>
 
+#include <cstddef>
 #include <iostream>
 #include <ostream>
+#include <string>
 
 #include "base/errors.h"
 #include "base/number_text.h"
@@ -21,6 +23,15 @@ constexpr std::string_view consent = "YES";
 constexpr const char* breakOffWarning =
     "Press again within 3 s to break off; the unit will have no firmware then.";
 
+/// What the user types, as far as it can be the consent.
+std::string answerLine() {
+    constexpr std::size_t longest = 80;
+    std::string answer;
+    for (char letter = 0; answer.size() < longest && std::cin.get(letter) && letter != '\n';)
+        answer += letter;
+    return answer;
+}
+
 /// Throws NotConfirmed where nobody can be asked, Failure where the user says no.
 void askFirst(const Context& context) {
     if (::isatty(STDIN_FILENO) == 0) {
@@ -28,9 +39,7 @@ void askFirst(const Context& context) {
             "Nothing was sent: there is no terminal to ask on. --yes goes on without a question.");
     }
     context.notes << firmwareWarning() << "\n\nType " << consent << " to go on: " << std::flush;
-    std::string answer;
-    std::getline(std::cin, answer);
-    if (trimmed(answer) != consent) throw Failure("Nothing was sent: the upgrade was not confirmed.");
+    if (trimmed(answerLine()) != consent) throw Failure("Nothing was sent: the upgrade was not confirmed.");
 }
 
 /// What a unit is sent of a whole firmware file.

@@ -34,6 +34,13 @@ inline constexpr FileLimit image{"an S-record image", megabyte};
 /// More than an hour at fifty lines a second.
 inline constexpr FileLimit datalog{"a datalog", 64 * megabyte};
 inline constexpr FileLimit settings{"a settings file", megabyte};
+/// It names a process, a program and a machine.
+inline constexpr FileLimit lock{"a lock file", 4 * kilobyte};
+inline constexpr FileLimit database{"a reference database", 64 * megabyte};
+/// Any row, text or answer of it.
+inline constexpr FileLimit databaseText{"a row of the reference database", megabyte};
+/// One line that the system tells of a device.
+inline constexpr FileLimit deviceFact{"a fact about a device", 4 * kilobyte};
 inline constexpr FileLimit guideIndex{"the index of a guide", 8 * megabyte};
 inline constexpr FileLimit guidePage{"a page of a guide", 8 * megabyte};
 inline constexpr FileLimit helpEntry{"the entry of the help", 64 * kilobyte};

@@ -1,6 +1,7 @@
 // The operations that move more than one frame: programming a calibration or a firmware line by line,
 // retrieving the unit's own datalog, and the one routine that closes them.
 #include <fstream>
+#include <sstream>
 
 #include "base/errors.h"
 #include "base/file_reader.h"
@@ -36,12 +37,8 @@ int lineCount(std::istream& text) {
 
 /// Lines of a text file. Throws FileError.
 int ORB_File_Length(const std::string& path) {
-    checkFile(path, limits::image);
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw FileError("Cannot open " + path);
-    const int lines = lineCount(file);
-    if (file.bad()) throw FileError("Cannot read " + path);
-    return lines;
+    std::istringstream text(readFile(path, limits::image));
+    return lineCount(text);
 }
 
 }  // namespace

@@ -6,11 +6,11 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <system_error>
 #include <utility>
 
 #include "base/errors.h"
+#include "base/file_reader.h"
 #include "link/trace_line.h"
 
 namespace zentaq {
@@ -27,10 +27,9 @@ constexpr std::size_t pieceBytes = 64U << 10U;
 }
 
 bool isTrace(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::string head(traceMagic.size(), '\0');
-    file.read(head.data(), static_cast<std::streamsize>(head.size()));
-    return file && head == traceMagic;
+    std::string head;
+    skipFailing([&] { head = readFileStart(path, traceMagic.size()); });
+    return head == traceMagic;
 }
 
 /// A wrong name on a command line must not cost anybody a calibration.

@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <charconv>
-#include <fstream>
 #include <optional>
 #include <string>
 #include <system_error>
 
+#include "base/errors.h"
+#include "base/file_reader.h"
 #include "base/text.h"
 #include "platform/runtime_folder.h"
 
@@ -17,10 +18,9 @@ namespace fs = std::filesystem;
 namespace {
 
 std::string lineOf(const fs::path& file) {
-    std::ifstream in(file);
-    std::string line;
-    std::getline(in, line);
-    return std::string(trimmed(line));
+    std::string text;
+    skipFailing([&] { text = readFileStart(file.string(), limits::deviceFact.bytes); });
+    return std::string(trimmed(text.substr(0, text.find('\n'))));
 }
 
 int hexNumber(const std::string& text) {

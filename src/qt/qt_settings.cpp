@@ -129,6 +129,8 @@ void QtSettings::tellOfFailure(const std::exception& failure) {
 
 void QtSettings::storeWaiting() {
     makeFolderOf(path_);
+    // The lock is read by a library, which would wait for the other end of a pipe.
+    checkFile(path_ + ".lock", limits::lock);
     // From the read to the rename: another program's change in between would be lost.
     QLockFile lock(QString::fromStdString(path_ + ".lock"));
     if (!takes(lock)) return;

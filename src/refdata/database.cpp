@@ -2,14 +2,17 @@
 
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <fcntl.h>
+#include <sqlite3.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 
 #include "base/errors.h"
+#include "base/file_reader.h"
 #include "base/number_text.h"
 #include "base/text.h"
 #include "refdata/schema.h"
@@ -48,6 +51,7 @@ constexpr int error = 1;
 constexpr int busy = 5;
 constexpr int locked = 6;
 constexpr int corrupt = 11;
+constexpr int tooBig = 18;
 constexpr int noDatabase = 26;
 }  // namespace sqlite_code
 
@@ -59,6 +63,9 @@ std::string reasonOf(const SQLite::Exception& failure) {
         case sqlite_code::corrupt:
         case sqlite_code::noDatabase:
             return "the file is damaged (" + std::string(failure.what()) + ")";
+        case sqlite_code::tooBig:
+            return std::string(limits::databaseText.what) + " has at most " +
+                   std::to_string(limits::databaseText.bytes) + " bytes, and one here has more";
         default:
             return failure.what();
     }
@@ -84,6 +91,11 @@ void requireDatabaseFile(const std::string& path) {
     if (status.type() == fs::file_type::not_found) refuse(path, "the file is missing");
     if (failed) refuse(path, "the file cannot be read (" + failed.message() + ")");
     if (!fs::is_regular_file(status)) refuse(path, "it is not a file");
+    const std::uintmax_t size = fs::file_size(path, failed);
+    if (!failed && size > limits::database.bytes) {
+        refuse(path, "it has " + std::to_string(size) + " bytes; " + std::string(limits::database.what) +
+                         " has at most " + std::to_string(limits::database.bytes));
+    }
     constexpr std::string_view mark("SQLite format 3\0", 16);
     std::ifstream file(path, std::ios::binary);
     if (!file) refuse(path, "the file cannot be read");
@@ -104,7 +116,16 @@ bool writeProtected(const std::string& path) {
 
 SQLite::Database openFile(const std::string& path, bool readOnly) {
     const int flags = readOnly ? SQLite::OPEN_READONLY : SQLite::OPEN_READWRITE;
-    return {path, flags, busyTimeoutMs};
+    SQLite::Database file(path, flags, busyTimeoutMs);
+    sqlite3_limit(file.getHandle(), SQLITE_LIMIT_LENGTH, static_cast<int>(limits::databaseText.bytes));
+    return file;
+}
+
+/// A view can answer without end, however small the file is.
+bool isTable(const SQLite::Database& file, const std::string& name) {
+    SQLite::Statement query(file, "SELECT type FROM sqlite_master WHERE name = ? COLLATE NOCASE");
+    query.bind(1, name);
+    return query.executeStep() && query.getColumn(0).getString() == "table";
 }
 
 std::vector<std::string> columnsOf(const SQLite::Database& file, std::string_view table) {
@@ -124,6 +145,7 @@ void requireSchema(const SQLite::Database& file, const std::string& path) {
     for (const refdata::Table& table : refdata::tables()) {
         const std::vector<std::string> columns = columnsOf(file, table.name);
         if (columns.empty()) refuse(path, "table " + table.name + " is missing");
+        if (!isTable(file, table.name)) refuse(path, table.name + " is no table");
         for (const refdata::Column& column : table.columns) {
             if (std::find(columns.begin(), columns.end(), column.name) != columns.end()) continue;
             refuse(path, "table " + table.name + " has no column " + column.name);

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <fstream>
@@ -110,6 +111,22 @@ TEST_F(PosixPorts, APlaceWithoutAChipAndADeviceThatIsGoneAreLeftOut) {
     terminal("ttyUSB9", "usb1/1-9/ttyUSB9");
     fs::remove(folders.devices / "ttyUSB9");
     EXPECT_THAT(posixRealPorts(folders), IsEmpty());
+}
+
+TEST_F(PosixPorts, ALineWithoutEndIsReadAsFarAsAFactGoes) {
+    usb("1-2", "0403", "6001");
+    fill(usbDevice("1-2") / "product", std::string(1'000'000, 'x'));
+    terminal("ttyUSB0", "usb1/1-2/1-2:1.0/ttyUSB0");
+    const auto ports = posixRealPorts(folders);
+    ASSERT_EQ(ports.size(), 1U);
+    EXPECT_EQ(ports[0].description, std::string(4096, 'x'));
+}
+
+TEST_F(PosixPorts, APipeInThePlaceOfAFactHoldsNobodyUp) {
+    usb("1-2", "0403", "6001");
+    ASSERT_EQ(::mkfifo((usbDevice("1-2") / "product").c_str(), 0600), 0);
+    terminal("ttyUSB0", "usb1/1-2/1-2:1.0/ttyUSB0");
+    EXPECT_EQ(posixRealPorts(folders).size(), 1U);
 }
 
 }  // namespace

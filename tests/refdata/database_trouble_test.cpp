@@ -434,5 +434,26 @@ TEST_F(DatabaseTrouble, EmptyTablesAnswerWithNothing) {
     EXPECT_THROW(database.tip(1), BoundsError);
 }
 
+// ---- More than a reference database can have
+
+TEST_F(DatabaseTrouble, AFileOfGigabytesIsRefusedUnread) {
+    fs::resize_file(path, std::uintmax_t{2} << 30);
+    EXPECT_EQ(openFailure(), refusal("it has 2147483648 bytes; a reference database has at most 67108864"));
+}
+
+TEST_F(DatabaseTrouble, ATextOfMegabytesIsRefusedWithItsLimit) {
+    Neighbour(path).run("UPDATE FastHelp SET HELP = hex(zeroblob(1000000)) WHERE HELP_KEY = 'helpknock'");
+    std::string told = openFailure();
+    if (told.empty()) told = failureOf<Failure>([&] { open().help("helpknock"); });
+    EXPECT_THAT(told, HasSubstr("a row of the reference database has at most 1048576 bytes"));
+}
+
+TEST_F(DatabaseTrouble, AViewThatAnswersWithoutEndIsNoTable) {
+    Neighbour(path).run(
+        "DROP TABLE Tips; CREATE VIEW Tips AS WITH RECURSIVE n(ID, HELP) AS "
+        "(SELECT 1, 'x' UNION ALL SELECT ID + 1, 'x' FROM n) SELECT * FROM n");
+    EXPECT_EQ(openFailure(), refusal("Tips is no table"));
+}
+
 }  // namespace
 }  // namespace zentaq::refdata

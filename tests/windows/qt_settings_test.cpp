@@ -141,6 +141,28 @@ TEST_F(QtSettingsTest, APipeThatComesInThePlaceOfTheFileHoldsNobodyUpEither) {
     EXPECT_EQ(troubles.size(), 1U) << "told once";
 }
 
+TEST_F(QtSettingsTest, APipeInThePlaceOfTheLockHoldsNobodyUpEither) {
+    folder.write("Zentaq4.ini", "[System]\nCommPort=7\n");
+    ASSERT_EQ(::mkfifo((path + ".lock").c_str(), 0600), 0);
+    QtSettings settings(path);
+    listen(settings);
+    settings.set("System", "CommPort", "9");
+    EXPECT_EQ(settings.get("System", "CommPort"), "9");
+    EXPECT_THAT(troubles,
+                ElementsAre(HasSubstr(".lock: it is a pipe, not a file. Changed settings last for")));
+    EXPECT_EQ(fileText(), "[System]\nCommPort=7\n");
+}
+
+TEST_F(QtSettingsTest, ALockOfGigabytesIsNotReadAndStays) {
+    folder.write("Zentaq4.ini.lock", "1\n");
+    std::filesystem::resize_file(path + ".lock", std::uintmax_t{2} << 30);
+    QtSettings settings(path);
+    listen(settings);
+    settings.set("System", "CommPort", "9");
+    EXPECT_THAT(troubles, ElementsAre(HasSubstr("it has 2147483648 bytes; a lock file has at most 4096")));
+    EXPECT_FALSE(std::filesystem::exists(path));
+}
+
 TEST_F(QtSettingsTest, AFileOfGigabytesIsNotReadAndStays) {
     folder.write("Zentaq4.ini", "[System]\nCommPort=7\n");
     std::filesystem::resize_file(path, std::uintmax_t{2} << 30);
