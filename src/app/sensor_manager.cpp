@@ -7,6 +7,7 @@
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
+#include "base/shown_text.h"
 #include "base/text.h"
 #include "unit/legacy_sensor.h"
 
@@ -281,7 +282,8 @@ void SensorManager::showSelected() {
     endOnFailure(
         [&] {
             shown_ = session_.requireReference().mapSensorByName(selected_);
-            if (!shown_) throw Failure("There is no sensor " + selected_ + " in the database any more.");
+            if (!shown_)
+                throw Failure("There is no sensor " + shownLine(selected_) + " in the database any more.");
             lblGeneral_ = rangeOf(*shown_);
         },
         [&](const std::string& why) {
@@ -318,7 +320,7 @@ bool SensorManager::edit() {
     if (!warned("You are about to modify the calibration for this MAP sensor.")) return false;
     return attempt([&] {
         const auto row = session_.requireReference().mapSensorByName(selected_);
-        if (!row) throw Failure("There is no sensor " + selected_ + " in the database any more.");
+        if (!row) throw Failure("There is no sensor " + shownLine(selected_) + " in the database any more.");
         shown_ = row;
         SensorEntry entry;
         entry.points[firstVolts] = numberText(lowerPointVolts);
@@ -346,7 +348,7 @@ void SensorManager::cancel() {
 
 bool SensorManager::remove() {
     if (!whyNotRemove().empty()) return false;
-    const Box question{"Delete?", "Remove " + selected_ + "?", Icon::Question, Buttons::YesNo};
+    const Box question{"Delete?", "Remove " + shownLine(selected_) + "?", Icon::Question, Buttons::YesNo};
     if (session_.dialogs().show(question) != Answer::Yes) return false;
     bool removed = false;
     attempt([&] { removed = session_.requireReference().deleteMapSensor(selected_); });
@@ -381,7 +383,8 @@ bool SensorManager::store(const MapSensorRow& row) {
         if (task_ == SensorTask::Edit) {
             named.description = selected_;
             stored = session_.requireReference().updateMapSensor(named);
-            if (!stored) throw Failure("There is no sensor " + selected_ + " in the database any more.");
+            if (!stored)
+                throw Failure("There is no sensor " + shownLine(selected_) + " in the database any more.");
             return;
         }
         const auto name = askSensorName(session_, formTitle, "Enter a Description for this sensor.",
@@ -398,7 +401,7 @@ bool SensorManager::store(const MapSensorRow& row) {
 std::string SensorManager::inHand() const {
     if (task_ == SensorTask::Create) return "A new sensor.";
     if (task_ == SensorTask::None) return {};
-    std::string text = "Editing " + selected_ + ".";
+    std::string text = "Editing " + shownLine(selected_) + ".";
     if (const std::string points = storedPoints(); !points.empty()) text += " " + points;
     return text;
 }

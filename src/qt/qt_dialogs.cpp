@@ -180,6 +180,7 @@ std::optional<std::string> QtDialogs::input(const std::string& title, const std:
     dialog->setInputMode(QInputDialog::TextInput);
     dialog->setWindowTitle(shownString(title));
     dialog->setLabelText(qString(shownInBox(prompt)));
+    for (auto* label : dialog->findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
     dialog->setTextValue(QString::fromStdString(initial));
     if (ask(*dialog) != QDialog::Accepted || !dialog) return std::nullopt;
     return dialog->textValue().toStdString();

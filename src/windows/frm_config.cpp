@@ -201,7 +201,7 @@ void FrmConfig::onFlyChanged(bool on) {
 }
 
 void FrmConfig::showTip(const std::string& text) {
-    lblTip_->setText(QString::fromStdString(text));
+    lblTip_->setText(shownStringOfLines(text));
 }
 
 void FrmConfig::refreshConsoles() {

@@ -20,7 +20,7 @@ namespace {
 constexpr double smallLetters = 0.8;
 
 void setText(QLabel* label, const std::string& text) {
-    const QString shown = qString(shownLines(text));
+    const QString shown = shownStringOfLines(text);
     if (label->text() == shown) return;
     label->setTextFormat(Qt::PlainText);  // a name that looks like HTML is a name
     label->setText(shown);
@@ -276,8 +276,8 @@ void LinkPanel::render(const LinkStatus& status) {
     setText(line2_, status.trouble.empty() ? status.line2 : status.line2 + '\n' + status.trouble);
     factsOrLine2_->setCurrentIndex(status.line2.empty() ? 0 : 1);
     showFrameTimes(status);
-    line1_->setToolTip(line1_->text());
-    line2_->setToolTip(line2_->text());
+    line1_->setToolTip(plainTip(line1_->text()));
+    line2_->setToolTip(plainTip(line2_->text()));
     setText(activity_, status.activity);
     light(send_, status.send == Lamp::Sending, sendLampColor(), tr("at rest"), tr("sending"));
     light(receive_, status.receive == Lamp::Received, receiveLampColor(), tr("at rest"), tr("received"));

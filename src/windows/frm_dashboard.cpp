@@ -4,6 +4,7 @@
 #include <array>
 
 #include "link/poller.h"
+#include "qt/qt_text.h"
 
 namespace zentaq {
 namespace {
@@ -111,7 +112,7 @@ void FrmDashBoard::poll() {
 
 void FrmDashBoard::showLinkState() {
     const LinkStatus& status = session_.link.status();
-    panel_->showNoConnect(status.noConnectPanel, QString::fromStdString(status.noConnectText));
+    panel_->showNoConnect(status.noConnectPanel, shownString(status.noConnectText));
 }
 
 // ---- Colours

@@ -301,6 +301,7 @@ void FrmDashBoardPanel::makeNoConnect() {
     lblGeneral = new OutlinedLabel(fraNoConnect);
     lblGeneral->setObjectName("lblGeneral");
     lblGeneral->setAlignment(Qt::AlignCenter);
+    lblGeneral->setTextFormat(Qt::PlainText);
     lblGeneral->setFont(valueFont(1.6));
     layout->addWidget(lblGeneral);
     fraNoConnect->hide();

@@ -10,6 +10,7 @@
 
 #include "qt/help_key.h"
 #include "qt/look.h"
+#include "qt/qt_text.h"
 #include "qt/second_window.h"
 #include "qt/window_placement.h"
 
@@ -26,9 +27,8 @@ constexpr int preferredHeight = 34;
 /// By the order of sensorUnits().
 constexpr std::array<const char*, 5> unitCaptions = {"&kPa", "&mmHg", "&PSIA", "inH&g", "PS&IG"};
 
-QString qText(const std::string& text) {
-    return QString::fromStdString(text);
-}
+/// Of an item: the name as it is stored, which may not be the one that is shown.
+constexpr int nameRole = Qt::UserRole;
 
 bool isEnter(const QKeyEvent& event) {
     return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
@@ -243,7 +243,7 @@ void FrmEditMAPSensors::create() {
 }
 
 void FrmEditMAPSensors::remove() {
-    const std::string name = manager_.selected();
+    const std::string name = shownLine(manager_.selected());
     told_ = manager_.remove() ? "Removed: " + name : "";
     showAll();
     lstMAPSensors_->setFocus();
@@ -252,7 +252,7 @@ void FrmEditMAPSensors::remove() {
 void FrmEditMAPSensors::save() {
     const SensorManager::Saved saved = manager_.save(entry());
     if (saved.done) {
-        told_ = "Saved: " + manager_.selected();
+        told_ = "Saved: " + shownLine(manager_.selected());
         showAll();
         lstMAPSensors_->setFocus();
         return;
@@ -279,7 +279,8 @@ void FrmEditMAPSensors::beginEntry() {
 
 void FrmEditMAPSensors::selectionChanged() {
     const QList<QListWidgetItem*> chosen = lstMAPSensors_->selectedItems();
-    manager_.select(chosen.isEmpty() ? std::string() : chosen.front()->text().toStdString());
+    manager_.select(chosen.isEmpty() ? std::string()
+                                     : chosen.front()->data(nameRole).toString().toStdString());
     told_.clear();
     showAll();
 }
@@ -304,7 +305,7 @@ SensorEntry FrmEditMAPSensors::entry() const {
 
 void FrmEditMAPSensors::showAll() {
     fillList();
-    lblGeneral_->setText(qText(manager_.lblGeneral()));
+    lblGeneral_->setText(shownStringOfLines(manager_.lblGeneral()));
     showEntry();
     showButtons();
     showPicture();
@@ -314,14 +315,18 @@ void FrmEditMAPSensors::showAll() {
 void FrmEditMAPSensors::fillList() {
     const QSignalBlocker quiet(lstMAPSensors_);
     QStringList names;
-    for (const std::string& name : manager_.sensors()) names.append(qText(name));
+    for (const std::string& name : manager_.sensors()) names.append(qString(name));
     QStringList listed;
-    for (int row = 0; row < lstMAPSensors_->count(); ++row) listed.append(lstMAPSensors_->item(row)->text());
+    for (int row = 0; row < lstMAPSensors_->count(); ++row)
+        listed.append(lstMAPSensors_->item(row)->data(nameRole).toString());
     if (names != listed) {
         lstMAPSensors_->clear();
-        lstMAPSensors_->addItems(names);
+        for (const std::string& name : manager_.sensors()) {
+            auto* item = new QListWidgetItem(shownString(name), lstMAPSensors_);
+            item->setData(nameRole, qString(name));
+        }
     }
-    const auto row = static_cast<int>(names.indexOf(qText(manager_.selected())));
+    const auto row = static_cast<int>(names.indexOf(qString(manager_.selected())));
     if (row >= 0)
         lstMAPSensors_->setCurrentRow(row);
     else
@@ -332,16 +337,16 @@ void FrmEditMAPSensors::showEntry() {
     const bool entering = manager_.task() != SensorTask::None;
     for (std::size_t i = 0; i < txtPV_.size(); ++i) {
         const QSignalBlocker quiet(txtPV_[i]);
-        txtPV_[i]->setText(entering ? qText(manager_.entry().points[i]) : QString());
+        txtPV_[i]->setText(entering ? qString(manager_.entry().points[i]) : QString());
         txtPV_[i]->setEnabled(entering);
-        txtPV_[i]->setToolTip(entering ? QString() : qText(manager_.whyNotSave()));
+        txtPV_[i]->setToolTip(entering ? QString() : shownTip(manager_.whyNotSave()));
     }
     optUnits_->setExclusive(false);
     for (QAbstractButton* option : optUnits_->buttons()) {
         const QSignalBlocker quiet(option);
         option->setChecked(entering && optUnits_->id(option) == manager_.entry().unitsCode);
         option->setEnabled(entering);
-        option->setToolTip(entering ? QString() : qText(manager_.whyNotSave()));
+        option->setToolTip(entering ? QString() : shownTip(manager_.whyNotSave()));
     }
     optUnits_->setExclusive(true);
     lstMAPSensors_->setEnabled(!entering);
@@ -349,8 +354,8 @@ void FrmEditMAPSensors::showEntry() {
 
 void FrmEditMAPSensors::offer(QPushButton* button, const std::string& whyNot) {
     button->setEnabled(whyNot.empty());
-    button->setToolTip(qText(whyNot));
-    button->setAccessibleDescription(qText(whyNot));
+    button->setToolTip(shownTip(whyNot));
+    button->setAccessibleDescription(shownString(whyNot));
 }
 
 void FrmEditMAPSensors::showButtons() {
@@ -370,7 +375,7 @@ void FrmEditMAPSensors::showStatus() {
     std::string text = manager_.problem();
     if (text.empty()) text = manager_.inHand();
     if (text.empty()) text = told_;
-    lblStatus_->setText(qText(text));
+    lblStatus_->setText(shownStringOfLines(text));
 }
 
 // ---- Events

@@ -7,6 +7,7 @@
 
 #include "guide/help_topics.h"
 #include "qt/look.h"
+#include "qt/qt_text.h"
 
 namespace zentaq {
 
@@ -68,10 +69,9 @@ FrmFastHelp::FrmFastHelp(QWidget* parent) : QDialog(parent) {
 
 void FrmFastHelp::show(const HelpRow& row) {
     rememberField();
-    topic_ =
-        QString::fromUtf8(guideTopicOf(row.key).data(), static_cast<qsizetype>(guideTopicOf(row.key).size()));
-    lblTopic_->setText(QString::fromStdString(row.topic));
-    lblHelp_->setText(QString::fromStdString(row.text));
+    topic_ = qString(guideTopicOf(row.key));
+    lblTopic_->setText(shownString(row.topic));
+    lblHelp_->setText(shownStringOfLines(row.text));
     // A screen reader says the whole entry as the window opens.
     setAccessibleDescription(lblTopic_->text() + QStringLiteral(". ") + lblHelp_->text());
     cmdGuide_->setVisible(!topic_.isEmpty());

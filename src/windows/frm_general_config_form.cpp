@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <utility>
 
 #include "qt/help_key.h"
@@ -395,20 +396,21 @@ void GeneralConfigForm::show(Control& control) {
 
 void GeneralConfigForm::showList(QComboBox& list, const GeneralField& field) {
     QStringList choices;
-    for (const std::string& choice : field.choices) choices.append(qString(choice));
+    for (const std::string& choice : field.choices) choices.append(shownString(choice));
     QStringList present;
     for (int i = 0; i < list.count(); ++i) present.append(list.itemText(i));
     if (choices != present) {
         list.clear();
         list.addItems(choices);
     }
-    const QString text = qString(field.text);
-    const int index = static_cast<int>(choices.indexOf(text));
+    const QString text = shownString(field.text);
+    const auto chosen = std::ranges::find(field.choices, field.text);
+    const int index = chosen == field.choices.end() ? -1 : static_cast<int>(chosen - field.choices.begin());
     // A text that is none of the entries is shown all the same.
     const QString invitation = field.enabled ? tr("Choose...") : QString();
     list.setPlaceholderText(index < 0 && !text.isEmpty() ? text : invitation);
     list.setCurrentIndex(index);
-    list.setToolTip(text);
+    list.setToolTip(plainTip(text));
 }
 
 void GeneralConfigForm::showColours(Control& control) {
@@ -480,9 +482,12 @@ bool GeneralConfigForm::hand(const std::string& name, const QString& text) {
 }
 
 void GeneralConfigForm::choose(const std::string& name, const QComboBox& list) {
-    const QString text = list.currentText();
-    if (text == qString(find(name)->shown.text)) return;
-    hand(name, text);
+    // By its place: a name may be shown otherwise than it is.
+    const GeneralField& field = find(name)->shown;
+    const int index = list.currentIndex();
+    if (index < 0 || index >= std::ssize(field.choices)) return;
+    const std::string text = field.choices[static_cast<std::size_t>(index)];
+    if (text != field.text) hand(name, qString(text));
 }
 
 void GeneralConfigForm::clicked(const std::string& name, bool on) {

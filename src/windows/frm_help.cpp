@@ -102,10 +102,11 @@ FrmHelp::FrmHelp(const std::string& guideFolder, QWidget* parent)
 void FrmHelp::readGuide() {
     endOnFailure([&] { guide_ = Guide::read(folder_); },
                  [&](const std::string& why) {
-                     page_->showText(tr("The user guide is missing"),
-                                     qString(why) + tr(". It belongs into the folder support/guide of the "
-                                                       "program. Build or install the program again. F2 "
-                                                       "still tells about each field."));
+                     page_->showText(
+                         tr("The user guide is missing"),
+                         shownString(why) + tr(". It belongs into the folder support/guide of the "
+                                               "program. Build or install the program again. F2 "
+                                               "still tells about each field."));
                      side_->setEnabled(false);
                      txtSearch_->setEnabled(false);
                      contents_->setEnabled(false);
@@ -253,8 +254,8 @@ void FrmHelp::fillContents() {
         if (section.level > deepestShown || section.chapter == Guide::contentsChapter) continue;
         auto* item = section.level == 1 ? new QTreeWidgetItem(treeContents_) : new QTreeWidgetItem(chapter);
         if (section.level == 1) chapter = item;
-        item->setText(0, qString(section.title));
-        item->setToolTip(0, qString(section.title));
+        item->setText(0, shownString(section.title));
+        item->setToolTip(0, shownTip(section.title));
         item->setData(0, topicRole, qString(section.topic()));
     }
 }
@@ -290,7 +291,8 @@ void FrmHelp::pageChanged() {
     lblFound_->clear();
     lblNotice_->hide();
     const std::string title = guide_.chapterTitle(page_->topic().substr(0, page_->topic().find('#')));
-    setWindowTitle(title.empty() ? tr("Zentaq4 User Guide") : qString(title) + tr(" - Zentaq4 User Guide"));
+    setWindowTitle(title.empty() ? tr("Zentaq4 User Guide")
+                                 : shownString(title) + tr(" - Zentaq4 User Guide"));
     markContents();
 }
 
@@ -328,10 +330,10 @@ void FrmHelp::search() {
     page_->mark(words);
     if (words.empty()) return;
     for (const GuideHit& hit : guide_.search(text)) {
-        auto* item = new QListWidgetItem(qString(hit.title), lstHits_);
+        auto* item = new QListWidgetItem(shownString(hit.title), lstHits_);
         item->setData(topicRole, qString(hit.topic));
-        item->setData(sentenceRole, qString(hit.sentence));
-        item->setData(Qt::AccessibleTextRole, qString(hit.title + ". " + hit.sentence));
+        item->setData(sentenceRole, shownString(hit.sentence));
+        item->setData(Qt::AccessibleTextRole, shownString(hit.title + ". " + hit.sentence));
     }
     if (lstHits_->count() == 0) {
         auto* nothing = new QListWidgetItem(tr("Nothing found"), lstHits_);

@@ -9,6 +9,7 @@
 
 #include "platform/system_text.h"
 #include "qt/look.h"
+#include "qt/qt_text.h"
 
 namespace zentaq {
 
@@ -16,12 +17,12 @@ FrmAbout::FrmAbout(Session& session, QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("frmAbout"));
     setWindowTitle(tr("About Zentaq"));
 
-    auto* name = new QLabel(QString::fromStdString(session.AppName), this);
+    auto* name = new QLabel(shownString(session.AppName), this);
     name->setFont(valueFont(1.8));
     Unit& unit = session.currentUnitObject();
     auto* facts = new QFormLayout;
     const auto add = [&](const char* control, const QString& caption, const std::string& text) {
-        auto* label = new QLabel(QString::fromStdString(text), this);
+        auto* label = new QLabel(shownString(text), this);
         label->setObjectName(QLatin1String(control));
         label->setAccessibleName(caption);
         label->setTextFormat(Qt::PlainText);
@@ -46,8 +47,9 @@ FrmAbout::FrmAbout(Session& session, QWidget* parent) : QDialog(parent) {
 }
 
 void FrmAbout::showSystem() {
-    QMessageBox box(QMessageBox::Information, tr("System Info"), QString::fromStdString(systemText()),
-                    QMessageBox::Ok, this);
+    QMessageBox box(QMessageBox::Information, tr("System Info"), shownString(systemText()), QMessageBox::Ok,
+                    this);
+    box.setTextFormat(Qt::PlainText);
     box.setObjectName(QStringLiteral("dlgMessage"));
     box.exec();
 }

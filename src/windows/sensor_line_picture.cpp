@@ -9,6 +9,7 @@
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "qt/look.h"
+#include "qt/qt_text.h"
 
 namespace zentaq {
 
@@ -28,10 +29,6 @@ double niceStep(double range) {
         if (rough <= step * power) return step * power;
     }
     return 10 * power;
-}
-
-QString qText(const std::string& text) {
-    return QString::fromStdString(text);
 }
 
 LookColors colors() {
@@ -56,7 +53,7 @@ SensorLinePicture::SensorLinePicture(QWidget* parent) : QWidget(parent) {
 
 void SensorLinePicture::show(const SensorSketch& sketch) {
     sketch_ = sketch;
-    setAccessibleDescription(qText(sketch_.words));
+    setAccessibleDescription(shownString(sketch_.words));
     QAccessibleEvent told(this, QAccessible::DescriptionChanged);
     QAccessible::updateAccessibility(&told);
     update();
@@ -112,7 +109,7 @@ QPointF SensorLinePicture::place(double volts, double pressure) const {
 QString SensorLinePicture::mark(double pressure, double step) const {
     constexpr int mostDecimals = 12;
     const int decimals = std::clamp(static_cast<int>(-std::floor(std::log10(step))), 0, mostDecimals);
-    return qText(numberText(roundTo(pressure, decimals)));
+    return shownString(numberText(roundTo(pressure, decimals)));
 }
 
 // ---- Painting
@@ -141,7 +138,7 @@ void SensorLinePicture::drawVolts(QPainter& painter) const {
         painter.setPen(colors().border);
         painter.drawLine(QPointF(x, area.top()), QPointF(x, area.bottom()));
         painter.setPen(colors().mutedText);
-        const QString text = qText(numberText(volts));
+        const QString text = shownString(numberText(volts));
         const qreal width = metrics.horizontalAdvance(text);
         const qreal left = std::clamp(x - width / 2, qreal(0), QRectF(rect()).right() - width);
         painter.drawText(QPointF(left, area.bottom() + metrics.ascent() + metrics.height() / 8), text);
@@ -163,7 +160,8 @@ void SensorLinePicture::drawPressures(QPainter& painter) const {
         painter.drawText(label, Qt::AlignRight | Qt::AlignVCenter, mark(value, at.step));
     }
     const QRectF title(metrics.height() / 2, metrics.height() / 4, area.right(), metrics.height());
-    painter.drawText(title, Qt::AlignLeft | Qt::AlignVCenter, tr("Pressure, %1").arg(qText(sketch_.unit)));
+    painter.drawText(title, Qt::AlignLeft | Qt::AlignVCenter,
+                     tr("Pressure, %1").arg(shownString(sketch_.unit)));
 }
 
 void SensorLinePicture::drawFormer(QPainter& painter) const {
@@ -193,8 +191,8 @@ void SensorLinePicture::drawLine(QPainter& painter) const {
     for (const SensorSketch::Point& point : sketch_.points) {
         painter.drawEllipse(place(point.volts, point.pressure), radius, radius);
     }
-    drawEnd(painter, low, qText(sketch_.lowestText), true);
-    drawEnd(painter, high, qText(sketch_.highestText), false);
+    drawEnd(painter, low, shownString(sketch_.lowestText), true);
+    drawEnd(painter, high, shownString(sketch_.highestText), false);
 }
 
 // The low end's text stands under the line, the high end's above it: a climbing line leaves both places free.
@@ -219,10 +217,10 @@ void SensorLinePicture::drawReason(QPainter& painter) const {
     const qreal gap = QFontMetricsF(font()).height();
     painter.setPen(colors().text);
     const QRectF area = plot().adjusted(gap, gap, -gap, -gap);
-    const QRectF text =
-        painter.boundingRect(area, static_cast<int>(Qt::AlignCenter) | Qt::TextWordWrap, qText(sketch_.why));
+    const QRectF text = painter.boundingRect(area, static_cast<int>(Qt::AlignCenter) | Qt::TextWordWrap,
+                                             shownString(sketch_.why));
     painter.fillRect(text.adjusted(-gap / 2, -gap / 4, gap / 2, gap / 4), colors().surface);
-    painter.drawText(area, static_cast<int>(Qt::AlignCenter) | Qt::TextWordWrap, qText(sketch_.why));
+    painter.drawText(area, static_cast<int>(Qt::AlignCenter) | Qt::TextWordWrap, shownString(sketch_.why));
 }
 
 }  // namespace zentaq

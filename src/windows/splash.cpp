@@ -30,6 +30,7 @@ FrmSplash::FrmSplash(const QString& version, QWidget* over)
     lblOperation_ = new QLabel(this);
     lblOperation_->setObjectName(QStringLiteral("lblOperation"));
     lblOperation_->setAccessibleName(tr("Operation"));
+    lblOperation_->setTextFormat(Qt::PlainText);
 
     auto* layout = new QVBoxLayout(this);
     const int gap = fontMetrics().height();
@@ -42,7 +43,7 @@ FrmSplash::FrmSplash(const QString& version, QWidget* over)
 }
 
 void FrmSplash::status(std::string_view text) {
-    lblOperation_->setText(QStringLiteral("    ") + qString(text));
+    lblOperation_->setText(QStringLiteral("    ") + shownString(text));
     centre();
     show();
     raise();

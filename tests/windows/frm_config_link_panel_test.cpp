@@ -57,5 +57,16 @@ TEST_F(FrameTimesOnThePanel, FitOnASmallScreen) {
     EXPECT_LE(times()->fontMetrics().horizontalAdvance(times()->text()), times()->width());
 }
 
+TEST_F(FrameTimesOnThePanel, LeaveANameThatLooksLikeHtmlAName) {
+    fake.session.link.COMM_StatusMessage("Unit", "<b>ORB</b>\x1B", "", "Warning");
+    windows.refresh();
+    EXPECT_EQ(line1()->text(), "<b>ORB</b>\\x1B");
+    EXPECT_EQ(line1()->toolTip(), "<p>&lt;b&gt;ORB&lt;/b&gt;\\x1B</p>")
+        << "a tip that looks like HTML is drawn as such";
+    fake.session.link.COMM_StatusMessage("Unit", "ORB A & co", "", "Warning");
+    windows.refresh();
+    EXPECT_EQ(line1()->toolTip(), "ORB A & co");
+}
+
 }  // namespace
 }  // namespace zentaq

@@ -533,5 +533,28 @@ TEST_F(FrmEditMAPSensorsTest, ThePointsOfAnEntryAreMarked) {
     EXPECT_EQ(image.pixelColor(picture()->place(4.5, 235).toPoint()), marker);
 }
 
+TEST_F(FrmEditMAPSensorsTest, ANameIsShownEscapedAndUsedAsItIs) {
+    const std::string odd = "Turbo\x1B[31m\n<b>\xE2\x80\xAE";
+    const std::string shown = "Turbo\\x1B[31m\\n<b>\\u{202E}";
+    add(odd, 0.03F, -0.3F, 1);
+    form->sensorsChanged();
+    choose(shown);
+    EXPECT_FALSE(general().empty());
+    EXPECT_FALSE(picture()->accessibleDescription().contains(u'\x1B'));
+    edit(shown);
+    EXPECT_EQ(status().find('\x1B'), std::string::npos) << status();
+    enter("0.5");
+    answer(Answer::Yes);
+    button("cmdSave")->click();
+    EXPECT_TRUE(boxes().empty()) << boxes().back().text;
+    EXPECT_TRUE(isStored(odd)) << "the stored name stays";
+    EXPECT_EQ(status(), "Saved: " + shown);
+    fake.dialogs.answers.push_back(Answer::Yes);
+    choose(shown);
+    button("cmdRemove")->click();
+    EXPECT_FALSE(isStored(odd));
+    EXPECT_EQ(status(), "Removed: " + shown);
+}
+
 }  // namespace
 }  // namespace zentaq

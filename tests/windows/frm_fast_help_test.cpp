@@ -54,6 +54,15 @@ TEST_F(FastHelp, ShowsTopicAndTextAndDoesNotBlockTheProgram) {
     EXPECT_TRUE(help.isActiveWindow());
 }
 
+TEST_F(FastHelp, ARowOfTheDatabaseIsShownEscaped) {
+    help.show({3, "Rev\x1B[1m\n<b>Limit</b>", "Low\tfirst.\n\xE2\x80\xAEThen <i>high</i>.\x07", "helprevl"});
+    EXPECT_EQ(text("lblTopic"), "Rev\\x1B[1m\\n<b>Limit</b>");
+    EXPECT_EQ(text("lblHelp"), "Low\tfirst.\n\\u{202E}Then <i>high</i>.\\x07");
+    EXPECT_EQ(help.findChild<QLabel*>("lblTopic")->textFormat(), Qt::PlainText);
+    EXPECT_EQ(help.findChild<QLabel*>("lblHelp")->textFormat(), Qt::PlainText);
+    EXPECT_FALSE(help.accessibleDescription().contains(u'\x1B'));
+}
+
 TEST_F(FastHelp, EscClosesAndTheFieldHasTheFocusAgain) {
     pressKey(Qt::Key_Escape);
     QApplication::processEvents();

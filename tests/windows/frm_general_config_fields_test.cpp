@@ -309,5 +309,17 @@ TEST_F(GeneralFields, ASensorInAnotherUnitChangesTheBoostCaption) {
     EXPECT_EQ(label("lblCaption_txtMaxBoost"), "Max Boost Pressure (0 to 29.01 PSI)");
 }
 
+TEST_F(GeneralFields, ASensorIsShownEscapedAndChosenAsItIs) {
+    const QString shown = "Turbo\\x1B[31m <b>x</b>\\n";
+    session.database->addMapSensor({0, "Turbo\x1B[31m <b>x</b>\n", 0.03F, -0.3F, 1});
+    openPrepared();
+    pick("cmbMAP", shown);
+    EXPECT_EQ(chosen("cmbMAP"), shown.toStdString()) << "the form took it and shows it";
+    EXPECT_FALSE(Qt::mightBeRichText(find<QComboBox>("cmbMAP")->toolTip()) &&
+                 find<QComboBox>("cmbMAP")->toolTip().contains("<b>"))
+        << "no tip draws it as HTML";
+    EXPECT_EQ(session.database->mapSensorByName("Turbo\x1B[31m <b>x</b>\n")->scale, 0.03F);
+}
+
 }  // namespace
 }  // namespace zentaq

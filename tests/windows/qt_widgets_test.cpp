@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QFileDialog>
+#include <QInputDialog>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
@@ -193,6 +194,21 @@ TEST(QtDialogs, ABoxShowsTextsFromOutsideEscapedAndNeverTheWholeOfAFile) {
     dialogs.show({.title = "Failed", .text = std::string(35'000, 'x') + " is no number"});
     EXPECT_LE(text.size(), 3000);
     EXPECT_TRUE(text.endsWith(" is no number"));
+}
+
+TEST(QtDialogs, AQuestionForATextShowsANameThatLooksLikeHtmlAsAName) {
+    QtDialogs dialogs;
+    bool shown = false;
+    whenOpen<QInputDialog>([&](QInputDialog& box) {
+        EXPECT_EQ(box.labelText(), "Name of <b>x</b>\\x1B");
+        for (const auto* label : box.findChildren<QLabel*>()) {
+            shown = true;
+            EXPECT_EQ(label->textFormat(), Qt::PlainText);
+        }
+        box.reject();
+    });
+    dialogs.input("Create", "Name of <b>x</b>\x1B", "");
+    EXPECT_TRUE(shown);
 }
 
 TEST(QtDialogs, ALineThatIsTooLongForTheScreenIsBrokenAndNotCut) {

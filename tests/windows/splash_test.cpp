@@ -25,6 +25,13 @@ TEST(Splash, ShowsItsTextBehindFourBlanksWhileTheEventLoopLives) {
     EXPECT_TRUE(visible);
 }
 
+TEST(Splash, ShowsATextFromOutsideEscaped) {
+    FrmSplash splash("4.10.2", nullptr);
+    splash.status("Port <b>tty</b>\x1B[1m");
+    EXPECT_EQ(operationOf(splash), "    Port <b>tty</b>\\x1B[1m");
+    EXPECT_EQ(splash.findChild<QLabel*>("lblOperation")->textFormat(), Qt::PlainText);
+}
+
 TEST(Splash, StaysOnTopAndTakesNoFocus) {
     const FrmSplash splash("4.10.2", nullptr);
     EXPECT_TRUE(splash.windowFlags() & Qt::WindowStaysOnTopHint);

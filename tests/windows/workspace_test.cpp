@@ -72,6 +72,14 @@ TEST_F(Workspace, TheFirstPageTellsTheTablesThatTheKindHas) {
     EXPECT_THAT(captions(5), testing::Not(testing::Contains("Volumetric Efficiency Table")));
 }
 
+TEST_F(Workspace, ShowsTheTipOfTheDayEscaped) {
+    windows.showTip("Save <b>often</b>.\x1B[31m\nAnd early.");
+    const auto* tip = find<QLabel>("lblTip");
+    ASSERT_NE(tip, nullptr);
+    EXPECT_EQ(tip->text(), "Save <b>often</b>.\\x1B[31m\nAnd early.");
+    EXPECT_EQ(tip->textFormat(), Qt::PlainText);
+}
+
 TEST_F(Workspace, StartsWithAnEmptyTreeAndTheFirstTabOnly) {
     EXPECT_EQ(tree()->topLevelItemCount(), 0);
     EXPECT_EQ(tabs()->currentIndex(), 0);
