@@ -196,9 +196,10 @@ int Link::searchPorts() {
         const int opened = commPort_;
         const std::string identity = commIdentity_;
         if (!waitForUnit()) continue;
-        // The search lets events in, which may have named another port for the next opening.
-        commPort(opened, identity);
-        return opened;
+        // The search lets events in, which may have named another port for the next opening. An adapter that
+        // came back under another number is still the one that answered.
+        if (identity.empty() || commIdentity_ != identity) commPort(opened, identity);
+        return commPort_;
     }
     return 0;
 }

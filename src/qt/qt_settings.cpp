@@ -128,6 +128,24 @@ void QtSettings::tellOfFailure(const std::exception& failure) {
 }
 
 void QtSettings::storeWaiting() {
+    read();
+    if (isThere()) return wereStored();
+    storeUnderLock();
+}
+
+/// Whether the file, as it was read last, has the values that wait.
+bool QtSettings::isThere() const {
+    return std::ranges::all_of(waiting_, [this](const auto& entry) {
+        return values_.value(entry.first.first, entry.first.second) == entry.second;
+    });
+}
+
+void QtSettings::wereStored() {
+    waiting_.clear();
+    failureTold_ = false;
+}
+
+void QtSettings::storeUnderLock() {
     makeFolderOf(path_);
     // The lock is read by a library, which would wait for the other end of a pipe.
     checkFile(path_ + ".lock", limits::lock);
@@ -136,8 +154,7 @@ void QtSettings::storeWaiting() {
     if (!takes(lock)) return;
     read();
     writeMerged();
-    waiting_.clear();
-    failureTold_ = false;
+    wereStored();
 }
 
 /// False when another program has the lock.
@@ -158,10 +175,6 @@ bool QtSettings::takes(QLockFile& lock) {
 }
 
 void QtSettings::writeMerged() {
-    const bool isThere = std::ranges::all_of(waiting_, [this](const auto& entry) {
-        return values_.value(entry.first.first, entry.first.second) == entry.second;
-    });
-    if (isThere) return;
     if (values_.isDamaged()) keepDamaged();
     IniText merged = values_;
     for (const auto& [name, value] : waiting_) merged.set(name.first, name.second, value);

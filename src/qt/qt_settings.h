@@ -46,6 +46,9 @@ class QtSettings : public SettingsStore {
     void tryAgain();
     void tellOfFailure(const std::exception& failure);
     void storeWaiting();
+    bool isThere() const;
+    void wereStored();
+    void storeUnderLock();
     bool takes(QLockFile& lock);
     void writeMerged();
     void keepDamaged() const;
