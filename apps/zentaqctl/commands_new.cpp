@@ -158,6 +158,31 @@ void putFigures(QuietCalibration& calibration, const std::vector<Setting>& setti
     if (sizing) unit.store("INJ_FlowRate", static_cast<float>(numberOf(flowText(sizing->InjectorFlow))));
 }
 
+/// An empty calibration gets what was asked for, and the defaults for all else.
+void fill(QuietCalibration& calibration, const Database& database, const NewCalibration& wanted,
+          const Model& model, const std::vector<Setting>& settings) {
+    const Database::Reading reading(database);
+    const auto engines = enginesOf(database, model);
+    const auto sensors = database.mapSensors();
+    const EngineRow& engine = rowNamed(engines, &EngineRow::displayValue, wanted.engine, "engine");
+    const MapSensorRow& sensor = rowNamed(sensors, &MapSensorRow::description, wanted.sensor, "sensor");
+
+    Unit& unit = calibration.unit;
+    startNewCalibration(unit);
+    expectTaken(chooseEngine(unit, engine), calibration.host);
+    expectTaken(chooseSensor(unit, sensor), calibration.host);
+    putPlainFigures(unit, database, engine);
+    putFigures(calibration, settings, startingFigures(database, unit.kind()).fullScalePulse);
+    expectTaken(loadDefaults(unit, database, figuresOf(unit)), calibration.host);
+    unit.Initialize_Trims();
+    unit.BinFile(wanted.output);  // before the others: a name that is given stays
+    for (const Setting& setting : settings) {
+        if (!isBasic(setting.member)) {
+            writeMember(calibration, memberOf(unit.kind(), setting.member), setting.value, 0);
+        }
+    }
+}
+
 // ---- Lists
 
 std::string modelOfEngine(const UnitKind& kind, const EngineRow& engine) {
@@ -242,30 +267,12 @@ void makeNew(const Context& context, const NewCalibration& wanted) {
     const Model model = modelNamed(wanted.model);
     const std::vector<Setting> settings = settingsOf(wanted, *model.kind);
     const Database& database = referenceOf(context);
-    const auto engines = enginesOf(database, model);
-    const auto sensors = database.mapSensors();
-    const EngineRow& engine = rowNamed(engines, &EngineRow::displayValue, wanted.engine, "engine");
-    const MapSensorRow& sensor = rowNamed(sensors, &MapSensorRow::description, wanted.sensor, "sensor");
-
     QuietCalibration calibration(*model.kind, &database);
-    Unit& unit = calibration.unit;
-    startNewCalibration(unit);
-    expectTaken(chooseEngine(unit, engine), calibration.host);
-    expectTaken(chooseSensor(unit, sensor), calibration.host);
-    putPlainFigures(unit, database, engine);
-    putFigures(calibration, settings, startingFigures(database, unit.kind()).fullScalePulse);
-    expectTaken(loadDefaults(unit, database, figuresOf(unit)), calibration.host);
-    unit.Initialize_Trims();
-    unit.BinFile(wanted.output);  // before the others: a name that is given stays
-    for (const Setting& setting : settings) {
-        if (!isBasic(setting.member)) {
-            writeMember(calibration, memberOf(unit.kind(), setting.member), setting.value, 0);
-        }
-    }
+    fill(calibration, database, wanted, model, settings);
     const FileLock lock(wanted.output);
-    unit.SaveFile();
+    calibration.unit.SaveFile();
     tell(context, calibration.host);
-    noteForeignExtension(context, unit.kind(), wanted.output);
+    noteForeignExtension(context, calibration.unit.kind(), wanted.output);
 }
 
 void listEngines(const Context& context, const std::string& model) {

@@ -144,10 +144,11 @@ constexpr Load scalarsBehindBits[] = {"opt_IdleSpeed", "NEGPGAIN",    "POSPGAIN"
                                       "INJTRIM"};
 
 /// The sets of table Defaults as one unit kind sees them: its own version of a set, or else the plain one.
+/// All sets are of one state of the database.
 class KindDefaults {
  public:
     KindDefaults(const Database& database, const UnitKind& kind)
-        : database_(database), suffix_(refdata::defaultsSuffix(kind.slot)) {
+        : database_(database), reading_(database), suffix_(refdata::defaultsSuffix(kind.slot)) {
         for (const std::string& name : database.defaultsSets()) names_.insert(upper(name));
     }
 
@@ -167,6 +168,7 @@ class KindDefaults {
 
  private:
     const Database& database_;
+    Database::Reading reading_;
     std::string_view suffix_;
     std::set<std::string> names_;
 };

@@ -36,6 +36,15 @@ struct Database::Handle {
     bool readOnly = false;
     SQLite::Database file;
     DefaultsRead defaults;
+    int readings = 0;                                ///< that live, one inside another
+    std::optional<SQLite::Transaction> transaction;  ///< of the outermost one
+
+    /// Throws Failure.
+    void requireWritable() const {
+        if (readOnly) throw Failure("Reference database " + path + ": the file is write-protected");
+        // The change would be gone with the end of the reading.
+        if (readings > 0) throw Failure("Reference database " + path + ": it is being read");
+    }
 };
 
 namespace {
@@ -282,11 +291,25 @@ void requireSensor(const MapSensorRow& sensor) {
         throw Failure("MAP sensor " + sensor.description + " has no unit.");
 }
 
-void requireWritable(const std::string& path, bool readOnly) {
-    if (readOnly) throw Failure("Reference database " + path + ": the file is write-protected");
+/// Looks through the whole file, which one state of it and one lock are enough for.
+void requireSound(SQLite::Database& file, const std::string& path) {
+    const SQLite::Transaction reading(file);
+    requireWhole(file, path);
+    requireSchema(file, path);
 }
 
 }  // namespace
+
+Database::Reading::Reading(const Database& database) : handle_(*database.handle_) {
+    if (handle_.readings == 0) {
+        guarded(handle_.path, [&] { handle_.transaction.emplace(handle_.file); });
+    }
+    ++handle_.readings;
+}
+
+Database::Reading::~Reading() {
+    if (--handle_.readings == 0) handle_.transaction.reset();
+}
 
 Database::Database(std::unique_ptr<Handle> handle) : handle_(std::move(handle)) {}
 Database::Database(Database&&) noexcept = default;
@@ -297,9 +320,9 @@ Database Database::open(const std::string& path) {
     requireDatabaseFile(path);
     const bool readOnly = writeProtected(path);
     try {
-        auto handle = std::unique_ptr<Handle>(new Handle{path, readOnly, openFile(path, readOnly), {}});
-        requireWhole(handle->file, path);
-        requireSchema(handle->file, path);
+        auto handle =
+            std::unique_ptr<Handle>(new Handle{path, readOnly, openFile(path, readOnly), {}, 0, {}});
+        requireSound(handle->file, path);
         return Database(std::move(handle));
     } catch (const SQLite::Exception& failure) {
         // What the library finds to be wrong while it opens a file, it finds in the file.
@@ -373,7 +396,7 @@ std::vector<MapSensorRow> Database::mapSensors() const {
 }
 
 int Database::addMapSensor(const MapSensorRow& sensor) {
-    requireWritable(handle_->path, handle_->readOnly);
+    handle_->requireWritable();
     requireSensor(sensor);
     if (mapSensorByName(sensor.description)) throw Failure("There is already a sensor with that name.");
     return guarded(handle_->path, [&] {
@@ -385,7 +408,7 @@ int Database::addMapSensor(const MapSensorRow& sensor) {
 }
 
 bool Database::updateMapSensor(const MapSensorRow& sensor) {
-    requireWritable(handle_->path, handle_->readOnly);
+    handle_->requireWritable();
     requireSensor(sensor);
     return guarded(handle_->path, [&] {
         return change(handle_->file,
@@ -396,7 +419,7 @@ bool Database::updateMapSensor(const MapSensorRow& sensor) {
 }
 
 bool Database::deleteMapSensor(std::string_view description) {
-    requireWritable(handle_->path, handle_->readOnly);
+    handle_->requireWritable();
     return guarded(handle_->path, [&] {
         return change(handle_->file, "DELETE FROM MAPCals WHERE Description = ?", description) > 0;
     });
@@ -441,7 +464,7 @@ std::optional<ConfigRow> Database::config(std::string_view binFile) const {
 }
 
 void Database::storeConfig(const ConfigRow& config) {
-    requireWritable(handle_->path, handle_->readOnly);
+    handle_->requireWritable();
     guarded(handle_->path, [&] {
         SQLite::Transaction both(handle_->file);
         const int updated =
@@ -456,12 +479,12 @@ void Database::storeConfig(const ConfigRow& config) {
 }
 
 void Database::clearDatalog() {
-    requireWritable(handle_->path, handle_->readOnly);
+    handle_->requireWritable();
     guarded(handle_->path, [&] { change(handle_->file, "DELETE FROM Datalog"); });
 }
 
 void Database::clearDatalog2() {
-    requireWritable(handle_->path, handle_->readOnly);
+    handle_->requireWritable();
     guarded(handle_->path, [&] { change(handle_->file, "DELETE FROM Datalog2"); });
 }
 

@@ -60,6 +60,8 @@ struct HelpRow {
 };
 
 class Database {
+    struct Handle;
+
  public:
     /// Opens a database file; a write-protected one for reading only. Nothing is created.
     /// Throws FileError, with a text that names the file and the reason, when the file is missing, cannot be
@@ -70,6 +72,21 @@ class Database {
     ~Database();
 
     bool readOnly() const;
+
+    /// All that is read while it lives is of one state of the file, which is locked and looked at once for
+    /// all of it. Others cannot write meanwhile, nor can its owner: it lives as long as a few queries take,
+    /// and no box is opened under it. There may be one inside another.
+    class Reading {
+     public:
+        /// Throws Failure.
+        explicit Reading(const Database& database);
+        ~Reading();
+        Reading(const Reading&) = delete;
+        Reading& operator=(const Reading&) = delete;
+
+     private:
+        Handle& handle_;
+    };
 
     // A query that the file cannot answer throws Failure. A file locked by another program for
     // longer than a fifth of a second counts as such: no call waits longer.
@@ -121,7 +138,6 @@ class Database {
     void clearDatalog2();
 
  private:
-    struct Handle;
     explicit Database(std::unique_ptr<Handle> handle);
     std::unique_ptr<Handle> handle_;
 };

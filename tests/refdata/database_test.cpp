@@ -27,6 +27,7 @@ class OtherProgram {
     void run(const char* sql) {
         EXPECT_EQ(sqlite3_exec(file_, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sql;
     }
+    bool takes(const char* sql) { return sqlite3_exec(file_, sql, nullptr, nullptr, nullptr) == SQLITE_OK; }
     int count(const char* sql) {
         sqlite3_stmt* query = nullptr;
         EXPECT_EQ(sqlite3_prepare_v2(file_, sql, -1, &query, nullptr), SQLITE_OK) << sql;
@@ -134,6 +135,37 @@ TEST_F(DatabaseTest, AFileLockedByAnotherProgramFailsSoonAndRecovers) {
     EXPECT_TRUE(database.mapSensor(1));
     database.storeConfig({"/a.ZQ4OA", 3, "ORB A Standard"});
     EXPECT_TRUE(database.config("/a.ZQ4OA"));
+}
+
+TEST_F(DatabaseTest, WhatIsReadAtOnceIsOfOneState) {
+    Database database = open();
+    OtherProgram other(path);
+    {
+        const Database::Reading reading(database);
+        const std::size_t sensors = database.mapSensors().size();
+        {
+            const Database::Reading within(database);
+            EXPECT_EQ(database.defaults("REV_Limiter").size(), 1U);
+        }
+        other.run("BEGIN IMMEDIATE");
+        other.run("DELETE FROM MAPCals WHERE ID = 1");
+        EXPECT_FALSE(other.takes("COMMIT"));
+        EXPECT_EQ(database.mapSensors().size(), sensors);
+        EXPECT_TRUE(database.mapSensor(1));
+    }
+    EXPECT_TRUE(other.takes("COMMIT"));
+    EXPECT_FALSE(database.mapSensor(1));
+}
+
+TEST_F(DatabaseTest, WhatIsReadAtOnceIsNotWrittenMeanwhile) {
+    Database database = open();
+    {
+        const Database::Reading reading(database);
+        EXPECT_EQ(failureOf<Failure>([&] { database.addMapSensor(sensorNamed("New (PSIA)")); }),
+                  "Reference database " + path + ": it is being read");
+    }
+    EXPECT_FALSE(database.mapSensorByName("New (PSIA)"));
+    EXPECT_NO_THROW(database.addMapSensor(sensorNamed("New (PSIA)")));
 }
 
 TEST_F(DatabaseTest, TwoHandlesReadAndWriteSideBySide) {
