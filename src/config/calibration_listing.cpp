@@ -13,6 +13,7 @@
 #include "base/shown_text.h"
 #include "base/text.h"
 #include "config/calibration_cells.h"
+#include "unit/calibration_text.h"
 #include "unit/gpio_functions.h"
 #include "unit/gpio_pins.h"
 #include "unit/legacy_sensor.h"
@@ -467,6 +468,8 @@ class Reader {
         if (shared && !isTrim && *shared < file_.count() && notes_.cells.empty()) {
             throw ListingError("the value of " + cells.keyOf(*shared) + " is missing");
         }
+        // Where no trim is listed its cell is the notes', and nothing that could be a trim may stand in it.
+        if (shared && !isTrim) dropLeadingControls(notes_.cells, floatOf);
         storeText("notes", notes_, isTrim ? *shared + 1 : map.notes, last);
     }
 

@@ -10,6 +10,7 @@
 #include "base/shown_text.h"
 #include "base/utf8.h"
 #include "config/calibration_cells.h"
+#include "unit/calibration_text.h"
 
 namespace zentaq {
 
@@ -109,8 +110,7 @@ class QuotedReader {
 }  // namespace
 
 bool holdsNoteCharacter(CellBits bits) {
-    constexpr float largestTrim = 15;
-    return characterOf(bits).has_value() && floatOf(bits) > largestTrim;
+    return characterOf(bits).has_value() && floatOf(bits) > highestTrim;
 }
 
 std::optional<std::vector<std::string>> quotedLines(std::span<const CellBits> cells) {

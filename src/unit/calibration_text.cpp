@@ -1,4 +1,5 @@
-#include <algorithm>
+#include "unit/calibration_text.h"
+
 #include <cmath>
 #include <cstdint>
 
@@ -55,14 +56,6 @@ void appendCharacter(std::string& text, char32_t c) {
     }
 }
 
-/// The first character shares its cell with the last fuel trim, and the codes of line breaks and tabs are
-/// percentages that a trim may have: no notes begin with them. A cell that is left free in front stays so.
-void dropLeadingControls(std::u32string& characters) {
-    constexpr char32_t highestTrim = 15;
-    const auto first = std::ranges::find_if(characters, [](char32_t c) { return c > highestTrim; });
-    characters.erase(std::remove_if(characters.begin(), first, [](char32_t c) { return c != 0; }), first);
-}
-
 /// The character that a cell stands for; 0 for none. Cells come from files and may hold anything.
 char32_t characterOf(float cell) {
     const double code = roundHalfEven(cell);
@@ -114,7 +107,7 @@ std::string Unit::NOTES_TEXT() const {
 void Unit::NOTES_TEXT(std::string_view text) {
     if (!kind_->hasCalibration) return;
     std::u32string characters = charactersOf(text);
-    dropLeadingControls(characters);
+    dropLeadingControls(characters, [](char32_t c) { return c; });
     characters.resize(notesLength, U'\0');
     for (int i = 0; i < notesLength; ++i) {
         cellAt(kind_->cells.notes + i) = static_cast<float>(characters[static_cast<std::size_t>(i)]);

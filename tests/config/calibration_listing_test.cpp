@@ -158,6 +158,30 @@ TEST(CalibrationListing, TheNotesBeginWithTheCellThatTheyShareWithTheLastFuelTri
     EXPECT_EQ(fileFromListing(listing), file.bytes);
 }
 
+// A line break is 10 % and a tab 9 % to the injectors of that cylinder.
+TEST(CalibrationListing, NotesThatAreTypedBeginWithNothingThatATrimCouldBe) {
+    FileOf file(3);
+    file.text(2327, "Hello");
+    const std::string listing = listingOf(file.bytes);
+    for (const char* typed :
+         {"\\nHello", "\\t\\r\\nHello", "\\{15}\\{1}Hello", "\\n\"\nnotes = \"\\nHello"}) {
+        const std::string text =
+            replaced(listing, "notes = \"Hello\"", "notes = \"" + std::string(typed) + "\"");
+        EXPECT_EQ(fileFromListing(text), file.bytes) << typed;
+    }
+    const std::string nothing = fileFromListing(replaced(listing, "notes = \"Hello\"", "notes = \"\\n\""));
+    EXPECT_EQ(nothing, FileOf(3).bytes);
+}
+
+TEST(CalibrationListing, NotesBehindATrimAndOfAKindWithoutTrimsBeginAsTyped) {
+    FileOf withTrim(3);
+    withTrim.set(2327, 2).text(2328, "\nello");
+    EXPECT_EQ(fileFromListing(listingOf(withTrim.bytes)), withTrim.bytes);
+    FileOf withoutTrims(5, 1701);
+    withoutTrims.text(1200, "\nHello");
+    EXPECT_EQ(fileFromListing(listingOf(withoutTrims.bytes)), withoutTrims.bytes);
+}
+
 TEST(CalibrationListing, AFuelTrimInTheSharedCellIsNoNote) {
     FileOf file(3);
     file.set(2327, -4.5F).text(2328, "ello");
