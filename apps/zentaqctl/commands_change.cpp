@@ -124,8 +124,13 @@ void image(const Context& context, const std::string& file, std::optional<Firmwa
     } catch (const Failure& failure) {
         throw Failure(file + " makes no image: " + failure.what());
     }
-    writeOutput(context, output, unit.sRecordText());
+    const std::string records = unit.sRecordText();
+    if (!wroteNew(context, output, records)) {
+        refuseReplacingOther(context, output, "image", beginsWithSRecord);
+        writeOutput(context, output, records);
+    }
     if (firmware) noteUnknownRelease(context, *calibration, file);
+    noteOutOfRange(context, file, unit, unit.kind().fileFloats);
     tell(context, calibration->host);
 }
 
@@ -136,7 +141,7 @@ void importOld(const Context& context, const std::string& file, const std::strin
     const FileLock lock(output);
     const auto calibration = QuietCalibration::importOld(file, context.database);
     calibration->unit.BinFile(output);
-    calibration->unit.SaveFile();
+    saveCalibration(context, calibration->unit);
     tell(context, calibration->host);
     noteForeignExtension(context, calibration->unit.kind(), output);
 }

@@ -129,12 +129,13 @@ void settleNames(const std::string& base, std::string& first, std::string& secon
     rename(second, ofResult);
 }
 
-/// A text comes back bit for bit, whatever it holds; a user who wrote it hears of what no list would offer.
-void noteOddPins(const Context& context, const std::string& file, std::string_view bytes) {
+/// A text comes back bit for bit, whatever it holds; a user who wrote it hears of what no entry would give.
+void noteOddValues(const Context& context, const std::string& file, std::string_view bytes) {
     const CalibrationBytes calibration = CalibrationBytes::of(bytes);
     if (calibration.kind == nullptr) return;
     const CalibrationCells cells(calibration.kind);
     CalibrationView view(calibration, cells);
+    noteOutOfRange(context, file, view.unit(), calibration.count());
     for (const std::string& line : GpioModel(view.unit()).oddFunctions()) {
         context.notes << file << ": " << line << '\n';
     }
@@ -167,7 +168,7 @@ void mergeFiles(const Context& context, const std::string& base, const std::stri
         settleNames(baseBytes, firstBytes, secondBytes, output);
     }
     const MergeResult result = merge(baseBytes, firstBytes, secondBytes);
-    if (result.clean()) return writeFileSafely(output, result.bytes);
+    if (result.clean()) return writeCalibration(context, output, result.bytes, {base, first, second});
     for (const MergeConflict& conflict : result.conflicts) context.out << lineOf(conflict) << '\n';
     const auto count = static_cast<int>(result.conflicts.size());
     throw Failure(numberText(count) + (count == 1 ? " conflict" : " conflicts") + ": nothing was written");
@@ -176,8 +177,11 @@ void mergeFiles(const Context& context, const std::string& base, const std::stri
 void exportText(const Context& context, const std::string& file, const std::string& output) {
     refuseSameFile(output, file);
     refuseReplacingOther(context, output, "text", beginsListing);
-    writeOutput(context, output,
-                naming(nameOf(file), [&] { return listingOf(readInput(file, limits::calibration)); }));
+    const std::string text =
+        naming(nameOf(file), [&] { return listingOf(readInput(file, limits::calibration)); });
+    if (wroteNew(context, output, text)) return;
+    refuseReplacingOther(context, output, "text", beginsListing);
+    writeOutput(context, output, text);
 }
 
 void importText(const Context& context, const std::string& input, const std::string& output) {
@@ -187,8 +191,8 @@ void importText(const Context& context, const std::string& input, const std::str
     const std::string text = readInput(input, limits::calibrationText);
     const std::string bytes = naming(nameOf(input), [&] { return fileFromListing(text); });
     const FileLock lock(output);
-    writeFileSafely(output, bytes);
-    noteOddPins(context, output, bytes);
+    writeCalibration(context, output, bytes);
+    noteOddValues(context, output, bytes);
 }
 
 }  // namespace zentaq::ctl

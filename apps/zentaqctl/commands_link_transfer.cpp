@@ -157,6 +157,7 @@ void program(const Context& context, const std::string& port, const std::string&
     // A warning may stand on a terminal that is stopped, and this for as long as its user likes.
     desk.requireSameUnit();
     programUnit(desk, file);
+    noteOutOfRange(context, file, calibration.unit, calibration.unit.kind().fileFloats);
     tell(context, calibration.host);
     context.out << desk.unitName() << ": " << programmed << '\n';
 }
@@ -184,8 +185,11 @@ void datalog(const Context& context, const std::string& port, const std::string&
                           desk.signal());
     }
     if (end.ending != Ending::Done) throw Failure(whyNotDownloaded(end));
-    refuseReplacing(context, output, "datalog");  // minutes have passed
-    writeFileSafely(output, readFile(fresh, limits::datalog));
+    const std::string log = readFile(fresh, limits::datalog);
+    if (!wroteNew(context, output, log)) {
+        refuseReplacing(context, output, "datalog");  // minutes have passed
+        writeFileSafely(output, log);
+    }
     context.out << desk.unitName() << ": " << downloaded << " (" << end.lines << " records in " << output
                 << ")\n";
 }

@@ -270,7 +270,7 @@ void makeNew(const Context& context, const NewCalibration& wanted) {
     QuietCalibration calibration(*model.kind, &database);
     fill(calibration, database, wanted, model, settings);
     const FileLock lock(wanted.output);
-    calibration.unit.SaveFile();
+    saveCalibration(context, calibration.unit);
     tell(context, calibration.host);
     noteForeignExtension(context, calibration.unit.kind(), wanted.output);
 }

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <ostream>
 #include <system_error>
@@ -9,6 +10,7 @@
 #include "base/errors.h"
 #include "base/shown_text.h"
 #include "base/text.h"
+#include "config/calibration_ranges.h"
 #include "outputs.h"
 #include "unit/safe_file.h"
 
@@ -52,13 +54,13 @@ const std::string& targetOf(const Context& context, const std::string& file, con
 }  // namespace
 
 Change::Change(const Context& context, const std::string& file, const std::string& output)
-    : context_(context), lock_(targetOf(context, file, output)) {
+    : context_(context), file_(file), lock_(targetOf(context, file, output)) {
     calibration_ = openCalibration(context, file);
     calibration_->unit.BinFile(output.empty() ? file : output);
 }
 
 void Change::save() {
-    calibration_->unit.SaveFile();
+    saveCalibration(context_, calibration_->unit, {file_});
     tell(context_, calibration_->host);
 }
 
@@ -80,6 +82,16 @@ void noteForeignExtension(const Context& context, const UnitKind& kind, const st
     if (!extension.starts_with(".ZQ4") || extension == kind.extension) return;
     context.notes << file << " holds a calibration for " << kind.model << "; such files end in "
                   << kind.extension << '\n';
+}
+
+void noteOutOfRange(const Context& context, const std::string& file, Unit& unit, int count) {
+    constexpr std::size_t mostTold = 20;
+    const auto values = valuesOutOfRange(unit, count);
+    const std::size_t told = std::min(mostTold, values.size());
+    for (std::size_t i = 0; i < told; ++i) context.notes << file << ": " << values[i] << '\n';
+    if (told < values.size()) {
+        context.notes << file << ": " << values.size() - told << " more values are outside their ranges\n";
+    }
 }
 
 void refuseSameFile(const std::string& output, const std::string& input) {

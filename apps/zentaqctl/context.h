@@ -42,6 +42,7 @@ class Change {
 
  private:
     const Context& context_;
+    std::string file_;
     FileLock lock_;
     std::unique_ptr<QuietCalibration> calibration_;
 };
@@ -54,6 +55,8 @@ void writeOutput(const Context& context, const std::string& file, std::string_vi
 void refuseStandardOutput(const std::string& file);
 /// Notes it where a file has the extension of another unit kind than the calibration in it.
 void noteForeignExtension(const Context& context, const UnitKind& kind, const std::string& file);
+/// Notes which of the first `count` cells of a file hold what no entry gives: its bytes in a unit are others.
+void noteOutOfRange(const Context& context, const std::string& file, Unit& unit, int count);
 /// Throws Failure when the output would take the place of the input, which is of another form.
 void refuseSameFile(const std::string& output, const std::string& input);
 

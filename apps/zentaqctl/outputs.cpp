@@ -11,6 +11,7 @@
 
 #include "base/errors.h"
 #include "base/file_reader.h"
+#include "unit/safe_file.h"
 
 namespace zentaq::ctl {
 
@@ -57,6 +58,26 @@ void refuseReplacingOther(const Context& context, const std::string& output, std
     bool own = false;
     skipFailing([&] { own = isOwn(readFileStart(output, beginningBytes)); });
     if (!own) refuse(output, what);
+}
+
+bool wroteNew(const Context& context, const std::string& output, std::string_view content) {
+    std::error_code ignored;
+    if (context.force || output.empty() || output == "-" || fs::exists(output, ignored)) return false;
+    return writeNewFileSafely(output, content);
+}
+
+void writeCalibration(const Context& context, const std::string& output, std::string_view bytes,
+                      std::initializer_list<std::string_view> inputs) {
+    if (wroteNew(context, output, bytes)) return;
+    refuseReplacing(context, output, "calibration", inputs);
+    writeFileSafely(output, bytes);
+}
+
+void saveCalibration(const Context& context, Unit& unit, std::initializer_list<std::string_view> inputs) {
+    const Unit::FileContent content = unit.fileContent();
+    if (wroteNew(context, unit.BinFile(), content.bytes)) return unit.noteSaved(content);
+    refuseReplacing(context, unit.BinFile(), "calibration", inputs);
+    unit.SaveFile();
 }
 
 bool beginsWithSRecord(std::string_view beginning) {

@@ -23,6 +23,18 @@ void refuseReplacing(const Context& context, const std::string& output, std::str
 void refuseReplacingOther(const Context& context, const std::string& output, std::string_view what,
                           bool (*isOwn)(std::string_view beginning));
 
+/// Writes a finished file where nothing stands at its name, not even since another program's last step. False
+/// where something does, and where --force was given: then it is to be asked again whether that may be
+/// replaced.
+bool wroteNew(const Context& context, const std::string& output, std::string_view content);
+
+/// Writes a calibration for which refuseReplacing was asked before the work, and which is asked again: of two
+/// commands that make one file, the second one is refused. Who calls has the lock of the name.
+void writeCalibration(const Context& context, const std::string& output, std::string_view bytes,
+                      std::initializer_list<std::string_view> inputs = {});
+/// The same for the one in a Unit object, at the name that it has. What a longer file holds behind it stays.
+void saveCalibration(const Context& context, Unit& unit, std::initializer_list<std::string_view> inputs = {});
+
 /// Whether a file begins with a whole S-record.
 bool beginsWithSRecord(std::string_view beginning);
 

@@ -32,11 +32,16 @@ bool isTrace(const std::string& path) {
     return head == traceMagic;
 }
 
+bool losesNothing(const std::string& path) {
+    std::error_code ignored;
+    if (!fs::exists(path, ignored) || fs::is_character_file(path, ignored)) return true;
+    return fs::is_regular_file(path, ignored) && fs::file_size(path, ignored) == 0;
+}
+
 /// A wrong name on a command line must not cost anybody a calibration.
 void refuseOtherFile(const std::string& path) {
     std::error_code ignored;
-    if (!fs::exists(path, ignored) || fs::is_character_file(path, ignored)) return;
-    if (fs::is_regular_file(path, ignored) && (fs::file_size(path, ignored) == 0 || isTrace(path))) return;
+    if (losesNothing(path) || (fs::is_regular_file(path, ignored) && isTrace(path))) return;
     throw FileError(path + ": is there already and no trace; it is left alone");
 }
 
@@ -54,8 +59,15 @@ TraceStore::TraceStore(std::string path, Head head, std::size_t mostBytes)
     flush();
 }
 
+// What has appeared since the name was looked at belongs to somebody else, as a trace of another program
+// does.
 void TraceStore::begin() {
-    file_ = PosixHandle(::open(path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOCTTY, 0666));
+    constexpr int flags = O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY;
+    file_ = PosixHandle(::open(path_.c_str(), flags | O_EXCL, 0666));
+    if (!file_.valid() && errno == EEXIST) {
+        if (!losesNothing(path_)) fail(path_, EEXIST);
+        file_ = PosixHandle(::open(path_.c_str(), flags | O_TRUNC, 0666));
+    }
     if (!file_.valid()) fail(path_, errno);
     gathered_ = head_(++part_);
     written_ = 0;

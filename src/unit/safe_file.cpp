@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <limits>
@@ -142,6 +143,13 @@ class Temporary {
         renamed_ = ::rename(path_.c_str(), target.c_str()) == 0;
         return renamed_;
     }
+    /// Only where nothing has the name; else errno is EEXIST.
+    bool renameToFree(const fs::path& target) {
+        renamed_ = ::renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0;
+        if (renamed_ || (errno != EINVAL && errno != ENOSYS)) return renamed_;
+        // A file system without that. The second name goes with the object.
+        return ::link(path_.c_str(), target.c_str()) == 0;
+    }
 
  private:
     // The process number alone would not do: on a shared folder two machines may have the same.
@@ -236,11 +244,15 @@ void flushFolder(const fs::path& folder) {
 
 enum class Surplus { Goes, Stays };
 enum class Flush { Yes, No };
+enum class Taken { Replaced, Kept };  ///< what stands at the name already
 
-void writeSafely(const std::string& path, std::string_view content, Surplus surplus, Flush flush) {
+/// False where it stays as it is because the name is taken.
+bool writeSafely(const std::string& path, std::string_view content, Surplus surplus, Flush flush,
+                 Taken taken = Taken::Replaced) {
     if (path.empty()) throw FileError("Cannot write a file without a name");
     const fs::path target = targetOf(path);
     const auto old = statusToReplace(target, path);
+    if (old && taken == Taken::Kept) return false;
     const fs::path folder = folderOf(target);
 
     const std::string start = temporaryStart(target);
@@ -251,14 +263,21 @@ void writeSafely(const std::string& path, std::string_view content, Surplus surp
     if (!file.write(content)) fail(path, "write", errno);
     if (old && surplus == Surplus::Stays) appendSurplus(file, target, content.size(), path);
     if ((flush == Flush::Yes && !file.flush()) || !file.close()) fail(path, "write", errno);
-    if (!temporary.rename(target)) fail(path, "write", errno);
+    const bool renamed = taken == Taken::Kept ? temporary.renameToFree(target) : temporary.rename(target);
+    if (!renamed && taken == Taken::Kept && errno == EEXIST) return false;
+    if (!renamed) fail(path, "write", errno);
     if (flush == Flush::Yes) flushFolder(folder);
+    return true;
 }
 
 }  // namespace
 
 void writeFileSafely(const std::string& path, std::string_view content) {
     writeSafely(path, content, Surplus::Goes, Flush::Yes);
+}
+
+bool writeNewFileSafely(const std::string& path, std::string_view content) {
+    return writeSafely(path, content, Surplus::Goes, Flush::Yes, Taken::Kept);
 }
 
 void writeFileStartSafely(const std::string& path, std::string_view start) {

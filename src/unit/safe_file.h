@@ -12,7 +12,10 @@ namespace zentaq {
 /// the group stay where the system allows it. Another hard link to the old file keeps the old content.
 /// What an earlier save of the same file has left behind because it was killed is removed.
 void writeFileSafely(const std::string& path, std::string_view content);
-/// The same, but what a longer file holds behind `start` stays, as if its start had been written over.
+/// The same for a name that is free. False where it is not, also where another program took it at this
+/// moment: what stands there stays.
+bool writeNewFileSafely(const std::string& path, std::string_view content);
+/// The first, but what a longer file holds behind `start` stays, as if its start had been written over.
 void writeFileStartSafely(const std::string& path, std::string_view start);
 /// For a file that is made anew each time it is needed: whole or not at all as well, but nobody waits until
 /// it is on the disk, which may take seconds.

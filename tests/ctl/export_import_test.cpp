@@ -4,6 +4,8 @@
 namespace zentaq {
 namespace {
 
+using ::testing::UnorderedElementsAre;
+
 class ZentaqctlText : public Zentaqctl {
  protected:
     std::string text = folder.file("tune.txt");
@@ -26,6 +28,7 @@ TEST_F(ZentaqctlText, ImportMakesTheSameFileOfEverySample) {
         ASSERT_EQ(run("export " + name + " -o " + inQuotes(text)).exitCode, 0) << name;
         const Outcome outcome = run("import --force " + inQuotes(text) + " -o " + inQuotes(again));
         EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+        EXPECT_THAT(outcome.error, IsEmpty());
         EXPECT_TRUE(contentOf(again) == contentOf(entry.path().string())) << name;
     }
 }
@@ -43,6 +46,42 @@ TEST_F(ZentaqctlText, ImportTellsOfFunctionsThatNoListOffers) {
     EXPECT_THAT(lines[0], StartsWith(again + ": pin 0 (W18): \"Advance Trim\" is for inputs"));
     EXPECT_EQ(lines[1],
               again + ": \"Fuel Trim\", which only one input may have, is on pin 5 (G17), pin 6 (G18)");
+}
+
+TEST_F(ZentaqctlText, ImportTellsOfValuesThatNoEntryGives) {
+    plant(1680 + 5, 500);
+    plant(1936 + 255, -1);
+    plant(34, 5000);
+    plant(656 + 44, NAN);
+    ASSERT_EQ(onFile("export", "-o " + inQuotes(text)).exitCode, 0);
+    const Outcome outcome = run("import " + inQuotes(text) + " -o " + inQuotes(again));
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_TRUE(contentOf(again) == contentOf(file));
+    EXPECT_THAT(linesOf(outcome.error),
+                UnorderedElementsAre(again + ": KNK_MIN (cell 34) holds 5000 (2 to 100 units)",
+                                     StartsWith(again + ": ADV[2,12] (cell 700) holds "),
+                                     again + ": GPO1[0,5] (cell 1685) holds 500 (0 to 100%)",
+                                     again + ": GPO2[15,15] (cell 2191) holds -1 (0 to 100%)"));
+}
+
+TEST_F(ZentaqctlText, ImportOfAnEmptyCalibrationIsBriefAboutItsValues) {
+    constexpr std::size_t header = 12;
+    const std::string before = contentOf(file);
+    writeFile(file, before.substr(0, header) + std::string(before.size() - header, '\0'));
+    ASSERT_EQ(onFile("export", "-o " + inQuotes(text)).exitCode, 0);
+    const Outcome outcome = run("import " + inQuotes(text) + " -o " + inQuotes(again));
+    EXPECT_EQ(outcome.exitCode, 0);
+    const auto lines = linesOf(outcome.error);
+    ASSERT_EQ(lines.size(), 21U) << outcome.error;
+    EXPECT_THAT(lines[20], ::testing::MatchesRegex(".*: [0-9]+ more values are outside their ranges"));
+}
+
+TEST_F(ZentaqctlText, ImportDropsALineBreakInFrontOfTheNotes) {
+    plant(2327, 'H');
+    std::string listing = onFile("export").out;
+    listing.replace(listing.find("notes = \"H"), 10, "notes = \"\\nH");
+    ASSERT_EQ(run("import - -o " + inQuotes(again), listing).exitCode, 0);
+    EXPECT_TRUE(contentOf(again) == contentOf(file));
 }
 
 TEST_F(ZentaqctlText, ImportTakesTheStandardInput) {

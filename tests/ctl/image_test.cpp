@@ -82,6 +82,15 @@ TEST_F(Zentaqctl, ImageOfAFileThatTellsNoReleaseHasASensorAndItsInjectorsAsTheyA
     }
 }
 
+TEST_F(Zentaqctl, ImageTellsOfAnOutputCellThatNoEntryGives) {
+    const std::string output = folder.file("out.s19");
+    plant(1680 + 5, 500);
+    const Outcome outcome = onFile("image", "-o " + inQuotes(output));
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.error, file + ": GPO1[0,5] (cell 1685) holds 500 (0 to 100%)\n");
+    EXPECT_EQ(imageBytes(contentOf(output))[1680 + 5], 251);  // 1275 less 1024
+}
+
 TEST_F(Zentaqctl, ImageLeavesTheCalibrationAlone) {
     const std::string before = contentOf(file);
     onFile("image", "-o " + inQuotes(folder.file("out.s19")));

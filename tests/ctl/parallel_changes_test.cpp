@@ -31,6 +31,85 @@ TEST_F(ParallelChanges, OfTwoMembersLoseNoneInSixtyPairs) {
     }
 }
 
+/// Commands that make one new file: one of them has it, and the other one is told.
+class ParallelMakers : public ParallelChanges {
+ protected:
+    struct Maker {
+        Words words;
+        std::string made;  ///< what the file holds when this one has made it
+    };
+    static constexpr int pairs = 30;
+
+    std::string fresh = folder.file("fresh.ZQ4OA");
+
+    /// What a command makes where it is alone.
+    Maker maker(Words words) {
+        fs::remove(fresh);
+        runAll({words});
+        Maker each{std::move(words), contentOf(fresh)};
+        fs::remove(fresh);
+        return each;
+    }
+    void race(const std::vector<Maker>& makers) {
+        const std::string output = folder.file("output");
+        for (int pair = 0; pair < pairs; ++pair) {
+            fs::remove(fresh);
+            const int sink = ::open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0600);
+            std::deque<Running> programs;
+            for (const Maker& each : makers) programs.emplace_back(ZENTAQ_APP_DIR "/zentaqctl", each.words, sink, sink);
+            std::vector<std::string> left;
+            for (std::size_t i = 0; i < programs.size(); ++i) {
+                if (programs[i].wait() == 0) left.push_back(makers[i].made);
+            }
+            ::close(sink);
+            ASSERT_EQ(left.size(), 1U) << "pair " << pair << ": " << contentOf(output);
+            ASSERT_TRUE(contentOf(fresh) == left[0]) << "pair " << pair;
+            ASSERT_THAT(contentOf(output), HasSubstr(fresh + " is there already; --force puts the new "));
+        }
+    }
+    std::string changed(const std::string& name, int limit) {
+        const std::string copy = folder.file(name);
+        fs::copy_file(file, copy);
+        runAll({{"set", copy, "REV_Limiter", std::to_string(limit)}});
+        return copy;
+    }
+};
+
+TEST_F(ParallelMakers, OfNewCalibrationsLoseNone) {
+    const auto wanted = [](int limit) {
+        return "REV_Limiter=" + std::to_string(limit);
+    };
+    const auto words = [&](int limit) {
+        return Words{"new",      "--unit", "ORB A Standard",           "--engine", "4 Cylinder Coil per Plug, Sequential Injection",
+                     "--sensor", "1 BAR (10-105 kPa)", "--set", wanted(limit), "-o",       fresh};
+    };
+    race({maker(words(5000)), maker(words(6000))});
+}
+
+TEST_F(ParallelMakers, OfImportedFilesLoseNone) {
+    const std::string first = folder.file("first.BIN");
+    const std::string second = folder.file("second.BIN");
+    writeFile(first, std::string(8704, '\0'));
+    writeFile(second, std::string(40, '\0') + std::string(4, '\1') + std::string(8660, '\0'));
+    race({maker({"import-bin", first, "-o", fresh}), maker({"import-bin", second, "-o", fresh})});
+    const std::string text = folder.file("text");
+    const std::string other = folder.file("other");
+    runAll({{"export", file, "-o", text}});
+    runAll({{"export", changed("other.ZQ4OA", 5100), "-o", other}});
+    race({maker({"import", text, "-o", fresh}), maker({"import", other, "-o", fresh})});
+}
+
+TEST_F(ParallelMakers, OfChangesUnderANewNameLoseNone) {
+    const std::string other = changed("other.ZQ4OA", 5200);
+    race({maker({"set", file, "KNK_MIN", "40", "-o", fresh}), maker({"cell", other, "34", "50", "-o", fresh})});
+    race({maker({"merge", file, file, other, "-o", fresh}), maker({"set", file, "KNK_MIN", "41", "-o", fresh})});
+}
+
+TEST_F(ParallelMakers, OfATextAndACalibrationLoseNoCalibration) {
+    race({maker({"export", file, "-o", fresh}), maker({"set", file, "KNK_MIN", "40", "-o", fresh})});
+    race({maker({"image", file, "-o", fresh}), maker({"set", file, "KNK_MIN", "40", "-o", fresh})});
+}
+
 TEST_F(ParallelChanges, OfSixteenCellsLoseNone) {
     std::vector<Words> commands;
     for (int i = 0; i < 16; ++i) commands.push_back({"cell", file, std::to_string(912 + i), std::to_string(i + 1)});

@@ -1,0 +1,70 @@
+#include "config/calibration_ranges.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <variant>
+
+#include "base/errors.h"
+#include "base/number_text.h"
+#include "config/calibration_cells.h"
+
+namespace zentaq {
+
+namespace {
+
+/// Readers make a value of a cell by arithmetic, so one at the end of its range may come out a hair beyond
+/// it.
+constexpr float hair = 1e-4F;
+
+/// Nothing where the reader cannot make sense of the cell: a rating or a size that no unit has.
+std::optional<float> valueOf(Unit& unit, const CellPlace& place, int cell) {
+    if (place.role != CellRole::Member) return unit.DirectIndex(cell);
+    std::optional<float> value;
+    skipFailing([&] { value = unit.read(*place.row, place.element); });
+    return value;
+}
+
+std::optional<Limits> limitsOf(Unit& unit, const CellPlace& place, float value) {
+    if (place.role == CellRole::OutputTable) return Unit::outputTableLimits();
+    if (place.role != CellRole::Member || place.row->readOnly) return {};
+    const Range& range = place.row->range;
+    if (const auto* fixed = std::get_if<FixedRange>(&range)) {
+        return Limits{fixed->minimum, fixed->maximum, std::string(place.row->rangeText)};
+    }
+    if (const auto* listed = std::get_if<ListedValues>(&range)) {
+        return Limits{listed->values.front(), listed->values.back(), std::string(place.row->rangeText)};
+    }
+    if (const auto* rangeOf = std::get_if<RangeOf>(&range)) {
+        std::optional<Limits> limits;
+        skipFailing([&] { limits = (*rangeOf)(unit, place.element, value); });
+        return limits;
+    }
+    return {};
+}
+
+bool isWithin(float value, const Limits& limits) {
+    const float slack = hair * std::max({1.0F, std::abs(limits.minimum), std::abs(limits.maximum)});
+    // What is no number lies in no range.
+    return limits.unlimited() || (value >= limits.minimum - slack && value <= limits.maximum + slack);
+}
+
+}  // namespace
+
+std::vector<std::string> valuesOutOfRange(Unit& unit, int count) {
+    const CalibrationCells cells(&unit.kind());
+    std::vector<std::string> lines;
+    for (const int cell : cells.order()) {
+        if (cell >= count) continue;
+        const CellPlace& place = cells.place(cell);
+        const auto value = valueOf(unit, place, cell);
+        if (!value) continue;
+        const auto limits = limitsOf(unit, place, *value);
+        if (!limits || isWithin(*value, *limits)) continue;
+        lines.push_back(cells.keyOf(cell) + " (cell " + numberText(cell) + ") holds " + numberText(*value) +
+                        " " + limits->text);
+    }
+    return lines;
+}
+
+}  // namespace zentaq
