@@ -134,7 +134,8 @@ class GeneralConfig {
     int rows_ = 0;  ///< of the tables of a new calibration
     int columns_ = 0;
     std::string formerForm_;
-    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  ///< asked by what comes when a save ends
+    /// Until the form is closed: asked by what comes behind a box, and when a save ends.
+    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 
 }  // namespace zentaq

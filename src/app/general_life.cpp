@@ -42,6 +42,7 @@ void GeneralConfig::load() {
     if (former_) return;  // a new calibration is being made
     if (!open_) {
         open_ = true;
+        alive_ = std::make_shared<bool>(true);
         session_.sysLog("General Config App. Initialized.");
         formerForm_ = session_.messages.ActiveFormName;
         session_.messages.ActiveFormName = formName;
@@ -56,6 +57,7 @@ void GeneralConfig::load() {
 void GeneralConfig::unload() {
     if (!open_) return;
     open_ = false;
+    alive_.reset();
     if (creating()) putBack();
     entered_ = false;
     model_ = nullptr;

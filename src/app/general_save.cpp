@@ -60,8 +60,10 @@ void GeneralConfig::saveNew(const Saved& then) {
         tell("Engine Type", "No engine selected.\nPlease choose the engine from the list.");
         return then(false);
     }
+    const std::weak_ptr<bool> alive = alive_;
     const std::string path = askFile();
-    if (path.empty()) return then(false);
+    // A form that was closed meanwhile has given the former calibration back.
+    if (path.empty() || alive.expired()) return then(false);
     // What has been entered so far is what a failure leaves in the form.
     const UnitSnapshot entered(unit());
     if (!fillWithDefaults()) {
@@ -85,6 +87,7 @@ void GeneralConfig::storeNew(const std::string& path, const UnitSnapshot& entere
         unit().noteSaved(content);
         constexpr int dataSaved = 1001;
         session_.messages.Display_Message(dataSaved);
+        if (alive.expired()) return;
         finishSaving(path, saved);
         then(true);
     };
@@ -94,18 +97,19 @@ void GeneralConfig::storeNew(const std::string& path, const UnitSnapshot& entere
 /// Empty where the user has thought better of it.
 std::string GeneralConfig::askFile() {
     const UnitKind& kind = unit().kind();
+    Session& session = session_;
     FileRequest request;
     request.title = "Zentaq4 User Calibration Files";
-    request.folder = session_.platform().userFolder;
+    request.folder = session.platform().userFolder;
     request.filter = kind.fileFilterExtension;
-    request.filterIndex = session_.FileFilterIndex;
+    request.filterIndex = session.FileFilterIndex;
     request.defaultExtension = kind.extension;
-    std::string path = session_.dialogs().saveFile(request);
+    std::string path = session.dialogs().saveFile(request);
     if (path.empty()) return {};
     path = calibrationFileName(path, kind);
     std::error_code error;
     if (!std::filesystem::exists(path, error)) return path;
-    const Answer answer = session_.dialogs().show(
+    const Answer answer = session.dialogs().show(
         {"File Exists", "FILE EXISTS:   " + path + "\nOverwrite?", Icon::Exclamation, Buttons::YesNo});
     return answer == Answer::Yes ? path : std::string();
 }

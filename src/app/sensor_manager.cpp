@@ -317,10 +317,12 @@ void SensorManager::begin(SensorTask task, SensorEntry entry) {
 
 bool SensorManager::edit() {
     if (!whyNotEdit().empty()) return false;
+    const std::string asked = selected_;
     if (!warned("You are about to modify the calibration for this MAP sensor.")) return false;
     return attempt([&] {
-        const auto row = session_.requireReference().mapSensorByName(selected_);
-        if (!row) throw Failure("There is no sensor " + shownLine(selected_) + " in the database any more.");
+        const auto row = session_.requireReference().mapSensorByName(asked);
+        if (!row) throw Failure("There is no sensor " + shownLine(asked) + " in the database any more.");
+        selected_ = asked;
         shown_ = row;
         SensorEntry entry;
         entry.points[firstVolts] = numberText(lowerPointVolts);
@@ -348,10 +350,11 @@ void SensorManager::cancel() {
 
 bool SensorManager::remove() {
     if (!whyNotRemove().empty()) return false;
-    const Box question{"Delete?", "Remove " + shownLine(selected_) + "?", Icon::Question, Buttons::YesNo};
+    const std::string asked = selected_;  // another program's change may take the selection along
+    const Box question{"Delete?", "Remove " + shownLine(asked) + "?", Icon::Question, Buttons::YesNo};
     if (session_.dialogs().show(question) != Answer::Yes) return false;
     bool removed = false;
-    attempt([&] { removed = session_.requireReference().deleteMapSensor(selected_); });
+    attempt([&] { removed = session_.requireReference().deleteMapSensor(asked); });
     load();
     if (removed) session_.windows().sensorsChanged();
     return removed;

@@ -102,6 +102,7 @@ QtDialogs::QtDialogs() {
 // about.
 QWidget* QtDialogs::asker() const {
     if (QWidget* modal = QApplication::activeModalWidget()) return modal;
+    if (QWidget* kept = keeper_.window()) return kept;
     if (QWidget* active = QApplication::activeWindow(); isWorkedIn(active)) return active;
     return isWorkedIn(last_) ? last_ : parent_;
 }
@@ -116,7 +117,7 @@ int QtDialogs::ask(Dialog& dialog) {
     if (alive) dialog.hide();
     if (window == nullptr || !window->isVisible()) return answer;
     // Where nobody manages windows the keyboard would stay with the closed dialog.
-    window->window()->activateWindow();
+    keeper_.keep(*window->window());
     if (field != nullptr && field->isVisible() && field->isEnabled()) {
         field->setFocus(Qt::ActiveWindowFocusReason);
     }

@@ -9,6 +9,7 @@
 #include <QWidget>
 
 #include "platform/dialogs.h"
+#include "qt/focus_keeper.h"
 
 namespace zentaq {
 
@@ -35,6 +36,7 @@ class QtDialogs : public Dialogs {
 
     QPointer<QWidget> parent_;
     QPointer<QWidget> last_;  ///< the window that had the keyboard last: another program may be in front
+    FocusKeeper keeper_;
     QObject context_;
 };
 

@@ -5,6 +5,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QPointer>
 #include <QRadioButton>
 #include <QVBoxLayout>
 
@@ -37,7 +38,7 @@ bool isEnter(const QKeyEvent& event) {
 }  // namespace
 
 FrmEditMAPSensors::FrmEditMAPSensors(Session& session, QWidget* parent)
-    : QWidget(parent, secondWindow()), session_(session), manager_(session) {
+    : QWidget(parent, secondWindow()), session_(session), manager_(std::make_shared<SensorManager>(session)) {
     setObjectName(QStringLiteral("frmEditMAPSensors"));
     setWindowTitle(tr("MAP Sensor Manager"));
     setAccessibleName(tr("MAP Sensor Manager"));
@@ -229,30 +230,39 @@ void FrmEditMAPSensors::setTabOrders() {
 // ---- Commands
 
 void FrmEditMAPSensors::edit() {
-    if (manager_.edit())
-        beginEntry();
-    else
-        showAll();
+    const QPointer<FrmEditMAPSensors> self(this);
+    const auto manager = manager_;
+    const bool begun = manager->edit();
+    if (!self) return;
+    begun ? beginEntry() : showAll();
 }
 
 void FrmEditMAPSensors::create() {
-    if (manager_.create())
-        beginEntry();
-    else
-        showAll();
+    const QPointer<FrmEditMAPSensors> self(this);
+    const auto manager = manager_;
+    const bool begun = manager->create();
+    if (!self) return;
+    begun ? beginEntry() : showAll();
 }
 
 void FrmEditMAPSensors::remove() {
-    const std::string name = shownLine(manager_.selected());
-    told_ = manager_.remove() ? "Removed: " + name : "";
+    const QPointer<FrmEditMAPSensors> self(this);
+    const auto manager = manager_;
+    const std::string name = shownLine(manager->selected());
+    const bool removed = manager->remove();
+    if (!self) return;
+    told_ = removed ? "Removed: " + name : "";
     showAll();
     lstMAPSensors_->setFocus();
 }
 
 void FrmEditMAPSensors::save() {
-    const SensorManager::Saved saved = manager_.save(entry());
+    const QPointer<FrmEditMAPSensors> self(this);
+    const auto manager = manager_;
+    const SensorManager::Saved saved = manager->save(entry());
+    if (!self) return;
     if (saved.done) {
-        told_ = "Saved: " + shownLine(manager_.selected());
+        told_ = "Saved: " + shownLine(manager_->selected());
         showAll();
         lstMAPSensors_->setFocus();
         return;
@@ -263,8 +273,8 @@ void FrmEditMAPSensors::save() {
 }
 
 void FrmEditMAPSensors::cancel() {
-    if (manager_.task() == SensorTask::None) return;
-    manager_.cancel();
+    if (manager_->task() == SensorTask::None) return;
+    manager_->cancel();
     told_.clear();
     showAll();
     lstMAPSensors_->setFocus();
@@ -279,15 +289,15 @@ void FrmEditMAPSensors::beginEntry() {
 
 void FrmEditMAPSensors::selectionChanged() {
     const QList<QListWidgetItem*> chosen = lstMAPSensors_->selectedItems();
-    manager_.select(chosen.isEmpty() ? std::string()
-                                     : chosen.front()->data(nameRole).toString().toStdString());
+    manager_->select(chosen.isEmpty() ? std::string()
+                                      : chosen.front()->data(nameRole).toString().toStdString());
     told_.clear();
     showAll();
 }
 
 void FrmEditMAPSensors::sensorsChanged() {
-    manager_.load();
-    const bool entering = manager_.task() != SensorTask::None;
+    manager_->load();
+    const bool entering = manager_->task() != SensorTask::None;
     if (!entering) return showAll();
     fillList();  // what is being typed stays
     showButtons();
@@ -299,13 +309,13 @@ SensorEntry FrmEditMAPSensors::entry() const {
     SensorEntry typed;
     for (std::size_t i = 0; i < txtPV_.size(); ++i) typed.points[i] = txtPV_[i]->text().toStdString();
     // A sensor in a unit that is no option keeps it until one is chosen.
-    typed.unitsCode = optUnits_->checkedId() >= 0 ? optUnits_->checkedId() : manager_.entry().unitsCode;
+    typed.unitsCode = optUnits_->checkedId() >= 0 ? optUnits_->checkedId() : manager_->entry().unitsCode;
     return typed;
 }
 
 void FrmEditMAPSensors::showAll() {
     fillList();
-    lblGeneral_->setText(shownStringOfLines(manager_.lblGeneral()));
+    lblGeneral_->setText(shownStringOfLines(manager_->lblGeneral()));
     showEntry();
     showButtons();
     showPicture();
@@ -315,18 +325,18 @@ void FrmEditMAPSensors::showAll() {
 void FrmEditMAPSensors::fillList() {
     const QSignalBlocker quiet(lstMAPSensors_);
     QStringList names;
-    for (const std::string& name : manager_.sensors()) names.append(qString(name));
+    for (const std::string& name : manager_->sensors()) names.append(qString(name));
     QStringList listed;
     for (int row = 0; row < lstMAPSensors_->count(); ++row)
         listed.append(lstMAPSensors_->item(row)->data(nameRole).toString());
     if (names != listed) {
         lstMAPSensors_->clear();
-        for (const std::string& name : manager_.sensors()) {
+        for (const std::string& name : manager_->sensors()) {
             auto* item = new QListWidgetItem(shownString(name), lstMAPSensors_);
             item->setData(nameRole, qString(name));
         }
     }
-    const auto row = static_cast<int>(names.indexOf(qString(manager_.selected())));
+    const auto row = static_cast<int>(names.indexOf(qString(manager_->selected())));
     if (row >= 0)
         lstMAPSensors_->setCurrentRow(row);
     else
@@ -334,19 +344,19 @@ void FrmEditMAPSensors::fillList() {
 }
 
 void FrmEditMAPSensors::showEntry() {
-    const bool entering = manager_.task() != SensorTask::None;
+    const bool entering = manager_->task() != SensorTask::None;
     for (std::size_t i = 0; i < txtPV_.size(); ++i) {
         const QSignalBlocker quiet(txtPV_[i]);
-        txtPV_[i]->setText(entering ? qString(manager_.entry().points[i]) : QString());
+        txtPV_[i]->setText(entering ? qString(manager_->entry().points[i]) : QString());
         txtPV_[i]->setEnabled(entering);
-        txtPV_[i]->setToolTip(entering ? QString() : shownTip(manager_.whyNotSave()));
+        txtPV_[i]->setToolTip(entering ? QString() : shownTip(manager_->whyNotSave()));
     }
     optUnits_->setExclusive(false);
     for (QAbstractButton* option : optUnits_->buttons()) {
         const QSignalBlocker quiet(option);
-        option->setChecked(entering && optUnits_->id(option) == manager_.entry().unitsCode);
+        option->setChecked(entering && optUnits_->id(option) == manager_->entry().unitsCode);
         option->setEnabled(entering);
-        option->setToolTip(entering ? QString() : shownTip(manager_.whyNotSave()));
+        option->setToolTip(entering ? QString() : shownTip(manager_->whyNotSave()));
     }
     optUnits_->setExclusive(true);
     lstMAPSensors_->setEnabled(!entering);
@@ -359,21 +369,21 @@ void FrmEditMAPSensors::offer(QPushButton* button, const std::string& whyNot) {
 }
 
 void FrmEditMAPSensors::showButtons() {
-    offer(cmdEdit_, manager_.whyNotEdit());
-    offer(cmdNew_, manager_.whyNotCreate());
-    offer(cmdRemove_, manager_.whyNotRemove());
-    offer(cmdSave_, manager_.whyNotSave());
-    offer(cmdCancel_, manager_.task() == SensorTask::None ? "There is nothing to cancel." : "");
-    cmdSave_->setDefault(manager_.task() != SensorTask::None);
+    offer(cmdEdit_, manager_->whyNotEdit());
+    offer(cmdNew_, manager_->whyNotCreate());
+    offer(cmdRemove_, manager_->whyNotRemove());
+    offer(cmdSave_, manager_->whyNotSave());
+    offer(cmdCancel_, manager_->task() == SensorTask::None ? "There is nothing to cancel." : "");
+    cmdSave_->setDefault(manager_->task() != SensorTask::None);
 }
 
 void FrmEditMAPSensors::showPicture() {
-    picLine_->show(manager_.sketch(entry()));
+    picLine_->show(manager_->sketch(entry()));
 }
 
 void FrmEditMAPSensors::showStatus() {
-    std::string text = manager_.problem();
-    if (text.empty()) text = manager_.inHand();
+    std::string text = manager_->problem();
+    if (text.empty()) text = manager_->inHand();
     if (text.empty()) text = told_;
     lblStatus_->setText(shownStringOfLines(text));
 }
@@ -381,7 +391,7 @@ void FrmEditMAPSensors::showStatus() {
 // ---- Events
 
 void FrmEditMAPSensors::closeEvent(QCloseEvent* event) {
-    manager_.cancel();
+    manager_->cancel();
     storePlacement(*this, session_.settings());
     event->accept();
     Q_EMIT closed();
@@ -391,7 +401,7 @@ void FrmEditMAPSensors::closeEvent(QCloseEvent* event) {
 void FrmEditMAPSensors::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (event->type() != QEvent::ActivationChange || !isActiveWindow()) return;
-    if (picLine_ != nullptr && !manager_.problem().empty()) sensorsChanged();
+    if (picLine_ != nullptr && !manager_->problem().empty()) sensorsChanged();
 }
 
 void FrmEditMAPSensors::enterPressed() {
@@ -400,14 +410,14 @@ void FrmEditMAPSensors::enterPressed() {
         button->click();
     } else if (focus == lstMAPSensors_) {
         edit();
-    } else if (manager_.task() != SensorTask::None) {
+    } else if (manager_->task() != SensorTask::None) {
         save();
     }
 }
 
 void FrmEditMAPSensors::keyPressEvent(QKeyEvent* event) {
     if (isEnter(*event)) return enterPressed();
-    if (event->key() == Qt::Key_Escape && manager_.task() != SensorTask::None) {
+    if (event->key() == Qt::Key_Escape && manager_->task() != SensorTask::None) {
         cancel();
     } else if (event->key() == Qt::Key_Escape) {
         close();

@@ -11,6 +11,7 @@
 #include <QTabWidget>
 #include <QWidget>
 #include <array>
+#include <memory>
 
 #include "app/sensor_manager.h"
 #include "windows/sensor_line_picture.h"
@@ -65,7 +66,7 @@ class FrmEditMAPSensors : public QWidget {
     void offer(QPushButton* button, const std::string& whyNot);
 
     Session& session_;
-    SensorManager manager_;
+    std::shared_ptr<SensorManager> manager_;  ///< held while it may show a box: the form may go under it
     QTabWidget* tabMAPSensors_ = nullptr;
     QLabel* lblInstalled_ = nullptr;
     QListWidget* lstMAPSensors_ = nullptr;

@@ -24,11 +24,11 @@ constexpr auto formTitle = "General Engine Configuration";
 }  // namespace
 
 FrmGeneralConfig::FrmGeneralConfig(Session& session, MainCommands&, QWidget* parent)
-    : QWidget(parent, secondWindow()), session_(session), core_(session) {
+    : QWidget(parent, secondWindow()), session_(session), core_(std::make_shared<GeneralConfig>(session)) {
     setObjectName(QLatin1String(formName));
     setAccessibleName(QLatin1String(formTitle));
     setWindowTitle(QLatin1String(formTitle));
-    run([&] { core_.load(); });
+    run([&] { core_->load(); });
     makeToolbar();
     makeForm();
     auto* layout = new QVBoxLayout(this);
@@ -92,16 +92,20 @@ void FrmGeneralConfig::makeForm() {
     GeneralConfigForm::Core core;
     core.field = [this](const std::string& control) {
         GeneralField field;
-        run([&] { field = core_.field(control); });
+        run([&] { field = core_->field(control); });
         return field;
     };
     core.enter = [this](const std::string& control, const QString& text) {
         bool taken = false;
-        run([&] { taken = core_.enter(control, text.toStdString()); });
+        const auto held = core_;  // the form may go under the box of a refusal
+        run([&] { taken = held->enter(control, text.toStdString()); });
         return taken;
     };
-    core.click = [this](const std::string& control, bool on) { run([&] { core_.click(control, on); }); };
-    core.computed = [this] { return QString::fromStdString(core_.lblUAP()); };
+    core.click = [this](const std::string& control, bool on) {
+        const auto held = core_;
+        run([&] { held->click(control, on); });
+    };
+    core.computed = [this] { return QString::fromStdString(core_->lblUAP()); };
     form_ = new GeneralConfigForm(std::move(core), scroll_);
     form_->highlight(session_.currentUnitObject().ONFLY_MODE());
     connect(form_, &GeneralConfigForm::sensorManagerAsked, this, &FrmGeneralConfig::sensorManagerAsked);
@@ -145,12 +149,12 @@ void FrmGeneralConfig::showEvent(QShowEvent* event) {
 
 void FrmGeneralConfig::showState() {
     // What was accepted for a calibration in hand stays; only a new one is given up.
-    const QString close = core_.creating() ? tr("Cancel") : tr("Close");
+    const QString close = core_->creating() ? tr("Cancel") : tr("Close");
     cancel_->setText(close);
     cancel_->setToolTip(tr("Close this window (Esc)"));
     Toolbar1_->widgetForAction(cancel_)->setAccessibleName(close);
     const QString missing = form_->missing();
-    if (!core_.creating()) {
+    if (!core_->creating()) {
         lblHint_->clear();
     } else if (missing.isEmpty()) {
         lblHint_->setText(tr("Ready to save"));
@@ -165,7 +169,7 @@ void FrmGeneralConfig::showIcons() {
 
 void FrmGeneralConfig::reload() {
     form_->bringBack();
-    run([&] { core_.load(); });
+    run([&] { core_->load(); });
     onFlyChanged(session_.currentUnitObject().ONFLY_MODE());
     showState();
     form_->focusFirst();
@@ -229,7 +233,8 @@ void FrmGeneralConfig::focusMoved(QWidget* now) {
         return;
     }
     if (QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr) return;
-    if (form_->commit()) return;
+    const QPointer<FrmGeneralConfig> self(this);
+    if (form_->commit() || !self) return;
     raise();
     activateWindow();
 }
@@ -260,8 +265,9 @@ void FrmGeneralConfig::saveNow() {
     if (busy_ || !form_->commit()) return;
     const QPointer<FrmGeneralConfig> self(this);
     busy_ = true;
+    const auto held = core_;
     const bool begun = run([&] {
-        core_.save([self](bool stored) {
+        held->save([self](bool stored) {
             if (self) self->saveEnded(stored);
         });
     });
@@ -289,24 +295,24 @@ void FrmGeneralConfig::saveEnded(bool stored) {
 
 /// True when nothing would be lost, or the user wants to lose it.
 bool FrmGeneralConfig::mayClose() {
-    if (unloaded_ || !core_.creating() || !core_.modified()) return true;
+    if (unloaded_ || !core_->creating() || !core_->modified()) return true;
+    const QPointer<FrmGeneralConfig> self(this);
     busy_ = true;
     const Answer answer = session_.dialogs().show({.title = formTitle,
                                                    .text = "Drop the new calibration?",
                                                    .icon = Icon::Question,
                                                    .buttons = Buttons::YesNo,
                                                    .declines = true});
+    if (!self) return false;
     busy_ = false;
     return answer == Answer::Yes;
 }
 
 void FrmGeneralConfig::closeEvent(QCloseEvent* event) {
-    const QPointer<FrmGeneralConfig> self(this);
     if (busy_ || !mayClose()) {
         event->ignore();
         return;
     }
-    if (!self) return;
     form_->bringBack();  // the window goes; what was being typed is not an entry
     storePlacement(*this, session_.settings());
     unload();
@@ -316,7 +322,7 @@ void FrmGeneralConfig::closeEvent(QCloseEvent* event) {
 
 void FrmGeneralConfig::unload() {
     if (std::exchange(unloaded_, true)) return;
-    run([&] { core_.unload(); });
+    run([&] { core_->unload(); });
 }
 
 }  // namespace zentaq

@@ -8,6 +8,7 @@
 #include <QScrollArea>
 #include <QToolBar>
 #include <QWidget>
+#include <memory>
 
 #include "app/general_config.h"
 #include "app/main_commands.h"
@@ -73,7 +74,7 @@ class FrmGeneralConfig : public QWidget {
     bool run(Command&& command);
 
     Session& session_;
-    GeneralConfig core_;
+    std::shared_ptr<GeneralConfig> core_;  ///< held while it may show a box: the form may go under it
     QToolBar* Toolbar1_ = nullptr;
     QLabel* lblHint_ = nullptr;
     QScrollArea* scroll_ = nullptr;

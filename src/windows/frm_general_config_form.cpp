@@ -5,6 +5,7 @@
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QPointer>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -475,7 +476,9 @@ std::vector<QWidget*> GeneralConfigForm::tabOrder() const {
 // ---- Entries
 
 bool GeneralConfigForm::hand(const std::string& name, const QString& text) {
+    const QPointer<GeneralConfigForm> self(this);
     const bool taken = core_.enter(name, text);
+    if (!self) return false;  // gone under the box of a refusal
     refresh();
     Q_EMIT entered();
     return taken;
@@ -491,7 +494,9 @@ void GeneralConfigForm::choose(const std::string& name, const QComboBox& list) {
 }
 
 void GeneralConfigForm::clicked(const std::string& name, bool on) {
+    const QPointer<GeneralConfigForm> self(this);
     core_.click(name, on);
+    if (!self) return;
     refresh();
     Q_EMIT entered();
 }

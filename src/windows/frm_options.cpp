@@ -252,7 +252,9 @@ void FrmOptions::chooseColour(const QString& control) {
     const QString title = fields_->control(control)->accessibleName();
     const QPointer<FrmOptions> alive(this);
     const std::optional<QColor> chosen = chooseColour_(former.value_or(Qt::white), title, this);
-    if (!alive || !chosen) return;
+    if (!alive) return;
+    keeper_.keep(*this);
+    if (!chosen) return;
     options_->change(name, colourText(*chosen).toStdString());
     fields_->showAll();
 }

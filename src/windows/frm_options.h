@@ -15,6 +15,7 @@
 #include "app/main_commands.h"
 #include "app/options.h"
 #include "app/session.h"
+#include "qt/focus_keeper.h"
 #include "windows/frm_options_fields.h"
 #include "windows/frm_options_finder.h"
 
@@ -84,6 +85,7 @@ class FrmOptions : public QDialog {
     QPushButton* cmdApply_ = nullptr;
     QPointer<QWidget> marked_;
     ChooseColour chooseColour_;
+    FocusKeeper keeper_;
     bool loaded_ = false;
 };
 

@@ -312,9 +312,9 @@ QWidget* FrmTable::makeFields() {
 
 void FrmTable::Setup_Grid(const std::string& table, const std::string& title) {
     Unit& unit = session_.currentUnitObject();
-    std::unique_ptr<TableModel> fresh;
+    std::shared_ptr<TableModel> fresh;
     if (!model_ || unit_ != &unit) {
-        fresh = std::make_unique<TableModel>(unit, session_.ecu, session_.live, session_.paintMemory);
+        fresh = std::make_shared<TableModel>(unit, session_.ecu, session_.live, session_.paintMemory);
     }
     TableModel& shown = fresh ? *fresh : *model_;
     shown.colourMode(colourModeOf(session_.TableColorMode));
@@ -446,14 +446,19 @@ void FrmTable::selectionChanged() {
 // ---- Events
 
 bool FrmTable::eventFilter(QObject* watched, QEvent* event) {
-    if (model_) {
-        if (watched == Grid1_ && gridEvent(event)) return true;
-        if (watched == Grid1_->viewport() && viewportEvent(event)) return true;
-        if (watched == txtInputValue_ && boxEvent(event)) return true;
-        if (watched == txtTOG_ && timeFieldEvent(txtTOG_, event)) return true;
-        if (watched == txtIOT_ && timeFieldEvent(txtIOT_, event)) return true;
-    }
-    return QWidget::eventFilter(watched, event);
+    const QPointer<FrmTable> self(this);
+    if (model_ && handled(watched, event)) return true;
+    // A refusal's box may have let the table go.
+    return !self || QWidget::eventFilter(watched, event);
+}
+
+bool FrmTable::handled(const QObject* watched, QEvent* event) {
+    if (watched == Grid1_) return gridEvent(event);
+    if (watched == Grid1_->viewport()) return viewportEvent(event);
+    if (watched == txtInputValue_) return boxEvent(event);
+    if (watched == txtTOG_) return timeFieldEvent(txtTOG_, event);
+    if (watched == txtIOT_) return timeFieldEvent(txtIOT_, event);
+    return false;
 }
 
 bool FrmTable::gridEvent(QEvent* event) {
@@ -648,9 +653,13 @@ void FrmTable::dropHeld() {
 // ---- Keys
 
 void FrmTable::pressed(char key) {
-    const int written = model_->cellsWritten();
+    const QPointer<FrmTable> self(this);
+    const auto model = model_;
+    const int written = model->cellsWritten();
     const bool nudging = key == '.' || key == ',';
-    switch (model_->keyOnGrid(key)) {
+    const KeyResult result = model->keyOnGrid(key);
+    if (!self || model != model_) return;
+    switch (result) {
         case KeyResult::Unload:
             close();
             return;
@@ -718,15 +727,20 @@ bool FrmTable::finishEntry() {
 bool FrmTable::finishEdits() {
     if (!finishEntry()) return false;
     if (!textLeft_ || model_->view() != TableView::Values) return true;
+    const QPointer<FrmTable> self(this);
     const int warnings = session_.messages.warningsShown();
     save();
-    return session_.messages.warningsShown() == warnings;
+    return self && session_.messages.warningsShown() == warnings;
 }
 
 bool FrmTable::commitEdit() {
+    const QPointer<FrmTable> self(this);
+    const auto model = model_;
     committing_ = true;
-    const bool accepted = model_->enterValue(txtInputValue_->text().toStdString());
+    const bool accepted = model->enterValue(txtInputValue_->text().toStdString());
+    if (!self) return false;
     committing_ = false;
+    if (model != model_) return false;
     if (accepted) {
         closeEdit();
         session_.markModified();
@@ -794,10 +808,12 @@ void FrmTable::headerDoubleClicked(int row, int column) {
     if (!prompt) return;
     holdCursor();
     const QPointer<FrmTable> self(this);
-    const auto typed = session_.dialogs().input(headerBoxTitle, *prompt, model_->grid().text(row, column));
+    const auto model = model_;
+    const auto typed = session_.dialogs().input(headerBoxTitle, *prompt, model->grid().text(row, column));
     if (!self) return;
     letCursorGo();
-    if (!typed || breaksAxis(row, column, *typed) || !model_->enterHeader(row, column, *typed)) return;
+    if (!typed || model != model_ || model->headerPrompt(row, column) != prompt) return;
+    if (breaksAxis(row, column, *typed) || !model->enterHeader(row, column, *typed) || !self) return;
     session_.markModified();
     showAll();
     sizeColumns();
@@ -809,8 +825,11 @@ void FrmTable::copy() {
 }
 
 void FrmTable::paste() {
-    const int written = model_->cellsWritten();
-    model_->paste(QApplication::clipboard()->text().toStdString());
+    const QPointer<FrmTable> self(this);
+    const auto model = model_;
+    const int written = model->cellsWritten();
+    model->paste(QApplication::clipboard()->text().toStdString());
+    if (!self || model != model_) return;
     markIfWritten(written);
     showAll();
 }
@@ -869,8 +888,11 @@ bool FrmTable::takeTime(QLineEdit* field) {
     const std::string before = gap ? model_->timeOfGap() : model_->injectorOn();
     const std::string typed = field->text().toStdString();
     if (typed == before) return true;
+    const QPointer<FrmTable> self(this);
+    const auto model = model_;
     committing_ = true;
-    const bool accepted = model_->enterTime(gap ? "scale1" : "INJ_On", typed);
+    const bool accepted = model->enterTime(gap ? "scale1" : "INJ_On", typed);
+    if (!self) return false;
     committing_ = false;
     field->setText(
         QString::fromStdString(accepted ? (gap ? model_->timeOfGap() : model_->injectorOn()) : before));
@@ -902,8 +924,11 @@ void FrmTable::save() {
     if (!model_) return;
     if (txtInputValue_->isVisible()) leaveEdit();
     textLeft_ = false;
-    const int written = model_->cellsWritten();
-    model_->save();
+    const QPointer<FrmTable> self(this);
+    const auto model = model_;
+    const int written = model->cellsWritten();
+    model->save();
+    if (!self || model != model_) return;
     markIfWritten(written);
     showAll();
 }
@@ -915,10 +940,12 @@ void FrmTable::toggleDocking() {
 
 void FrmTable::discard() {
     if (!model_) return;
+    const QPointer<FrmTable> self(this);
+    const auto model = model_;
     const Answer answer = session_.dialogs().show(
         {"Discard Changes?", "Are you sure you want to reset the table back to it's original state?",
          Icon::Question, Buttons::YesNo});
-    if (answer != Answer::Yes) return;
+    if (!self || model != model_ || answer != Answer::Yes) return;
     closeEdit();
     const int written = model_->cellsWritten();
     model_->restore();

@@ -124,6 +124,7 @@ class FrmTable : public QWidget {
         std::function<void()> command;
         bool ofTable = false;  ///< the command is one of this window's own
     };
+    bool handled(const QObject* watched, QEvent* event);
     bool gridEvent(QEvent* event);
     bool viewportEvent(QEvent* event);
     bool boxEvent(QEvent* event);
@@ -191,7 +192,7 @@ class FrmTable : public QWidget {
 
     Session& session_;
     MainCommands& commands_;
-    std::unique_ptr<TableModel> model_;
+    std::shared_ptr<TableModel> model_;  ///< held by what shows a box: the table may go under it
     const Unit* unit_ = nullptr;
 
     QToolBar* Toolbar1_ = nullptr;

@@ -51,6 +51,7 @@ class ScriptedDialogs : public Dialogs {
     std::optional<std::string> input(const std::string& title, const std::string& prompt,
                                      const std::string& initial) override {
         boxes.push_back({title, prompt + "\n" + initial, Icon::None, Buttons::OkCancel});
+        if (meanwhile) meanwhile(title);
         if (inputs.empty()) return {};
         const auto text = inputs.front();
         inputs.pop_front();

@@ -776,5 +776,31 @@ TEST_F(GeneralConfigForm, EveryEngineOfEveryModelMakesACalibrationThatOpensAgain
     EXPECT_GE(made, 75);  // seven models
 }
 
+TEST_F(GeneralConfigForm, AFormThatIsClosedUnderItsFileDialogStoresNothing) {
+    haveInHand();
+    const std::string former = fake.folder.path("tune.ZQ4OA");
+    const std::string before = TemporaryFolder::read(former);
+    form.unload();
+    prepare("ORB L", fourCylinders);
+    const auto cells = [&] {
+        std::vector<float> all;
+        for (int cell = 0; cell < 2000; ++cell) all.push_back(session.Units(3).DirectIndex(cell));
+        return all;
+    };
+    std::vector<float> inHand;
+    fake.dialogs.meanwhile = [&](const std::string& title) {
+        if (!title.empty()) return;
+        form.unload();  // gives the former calibration back
+        inHand = cells();
+    };
+    EXPECT_FALSE(saveTo(fake.folder.path("next.ZQ4OL")));
+    fake.dialogs.meanwhile = {};
+    EXPECT_FALSE(std::filesystem::exists(fake.folder.path("next.ZQ4OL")));
+    EXPECT_EQ(session.CurrentFile, former);
+    EXPECT_EQ(unit().BinFile(), former);
+    EXPECT_EQ(cells(), inHand);
+    EXPECT_EQ(TemporaryFolder::read(former), before);
+}
+
 }  // namespace
 }  // namespace zentaq

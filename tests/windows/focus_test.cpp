@@ -2,6 +2,7 @@
 // the field that was in hand, and over which window a box stands.
 #include <gtest/gtest.h>
 
+#include <QEventLoop>
 #include <QMessageBox>
 #include <QTabWidget>
 #include <QTreeWidget>
@@ -196,6 +197,67 @@ TEST_F(Focus, ABoxStandsOverTheWindowThatAskedAndGivesTheFieldItsKeyboardBack) {
     EXPECT_EQ(over, windows.generalConfig());
     EXPECT_TRUE(windows.generalConfig()->isActiveWindow());
     EXPECT_EQ(focus(), "txtRPM");
+}
+
+/// A box over the general parameters is read; then the window manager chooses the main window, as some do
+/// whenever a dialog goes.
+class BoxOverForm : public Focus {
+ protected:
+    BoxOverForm() {
+        dialogs.setParent(&windows.main());
+        windows.openGeneralConfig();
+        settle();
+        activate(form());
+        form().findChild<QLineEdit*>("txtRPM")->setFocus();
+        settle();
+    }
+    QWidget& form() { return *windows.generalConfig(); }
+    /// Answers over which window it stood.
+    QWidget* readBox() {
+        QWidget* over = nullptr;
+        QTimer::singleShot(0, [&] {
+            over = QApplication::activeModalWidget()->parentWidget();
+            QApplication::activeModalWidget()->close();
+        });
+        dialogs.show({"Data Input Error", "Warning", Icon::Exclamation, Buttons::Ok});
+        return over;
+    }
+    QtDialogs dialogs;
+};
+
+TEST_F(BoxOverForm, TheFormHasTheKeyboardWhateverTheWindowManagerChooses) {
+    readBox();
+    for (int i = 0; i < 2; ++i) {
+        windows.main().activateWindow();
+        settle();
+        EXPECT_TRUE(form().isActiveWindow());
+        EXPECT_EQ(focus(), "txtRPM");
+    }
+}
+
+TEST_F(BoxOverForm, TheNextBoxStandsOverTheFormAsWell) {
+    readBox();
+    windows.main().activateWindow();
+    EXPECT_EQ(readBox(), &form());
+}
+
+TEST_F(BoxOverForm, AWindowThatTheCommandOpensKeepsTheKeyboard) {
+    readBox();
+    windows.openSensorEditor();
+    settle();
+    windows.main().activateWindow();
+    settle();
+    EXPECT_FALSE(form().isActiveWindow());
+}
+
+TEST_F(BoxOverForm, AUserWhoGoesToTheMainWindowAfterwardsStaysThere) {
+    readBox();
+    QEventLoop moment;
+    QTimer::singleShot(1000, &moment, &QEventLoop::quit);
+    moment.exec();
+    activate(windows.main());
+    settle();
+    EXPECT_TRUE(windows.main().isActiveWindow());
 }
 
 TEST_F(Focus, ABoxEndsWithTheWindowThatItStandsOver) {
