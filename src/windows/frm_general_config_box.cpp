@@ -4,24 +4,17 @@
 #include <QKeyEvent>
 #include <QPointer>
 
+#include "qt/field_focus.h"
+
 namespace zentaq {
-
-namespace {
-
-/// A menu, a box or another window is in front; the field has not been left.
-bool staysInField(Qt::FocusReason reason) {
-    return reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason ||
-           reason == Qt::MenuBarFocusReason;
-}
-
-}  // namespace
 
 EntryBox::EntryBox(Accept accept, QWidget* parent) : QLineEdit(parent), accept_(std::move(accept)) {
     setAlignment(Qt::AlignRight);
 }
 
 void EntryBox::showText(const QString& text) {
-    const bool typing = committing_ || (pending() && hasFocus());
+    // Also while another window is in front of what is being typed.
+    const bool typing = committing_ || (pending() && (hasFocus() || isModified()));
     shown_ = text;
     if (!typing && pending()) setText(shown_);
 }

@@ -15,6 +15,7 @@
 #include <QValidator>
 
 #include "base/number_text.h"
+#include "qt/field_focus.h"
 #include "qt/help_key.h"
 #include "qt/look.h"
 #include "qt/qt_text.h"
@@ -364,8 +365,12 @@ void FrmTable::showAll() {
 }
 
 void FrmTable::showTimes() {
-    if (!txtTOG_->hasFocus()) txtTOG_->setText(QString::fromStdString(model_->timeOfGap()));
-    if (!txtIOT_->hasFocus()) txtIOT_->setText(QString::fromStdString(model_->injectorOn()));
+    const auto show = [this](QLineEdit& field, const std::string& time) {
+        // The same text once more would only move the cursor.
+        if (!timeBeingTyped(field) && field.text().toStdString() != time) field.setText(qString(time));
+    };
+    show(*txtTOG_, model_->timeOfGap());
+    show(*txtIOT_, model_->injectorOn());
 }
 
 void FrmTable::showItems() {
@@ -506,9 +511,8 @@ bool FrmTable::gridKey(const QKeyEvent& event) {
 
 bool FrmTable::boxEvent(QEvent* event) {
     if (event->type() == QEvent::FocusOut) {
-        const auto reason = static_cast<QFocusEvent*>(event)->reason();
-        const bool windowOnly = reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason;
-        if (!committing_ && !moving_ && !windowOnly) leaveEdit();
+        const bool stays = staysInField(static_cast<QFocusEvent*>(event)->reason());
+        if (!committing_ && !moving_ && !stays) leaveEdit();
         return false;
     }
     if (event->type() != QEvent::KeyPress) return false;
@@ -532,15 +536,22 @@ void FrmTable::onFlyLock(bool busy) {
     locked_ = busy;
     if (busy) return;
     // The grid has the keyboard again, unless the user has begun to type into another field meanwhile.
-    if (!timeBeingTyped(*txtTOG_) && !timeBeingTyped(*txtIOT_)) takeFocus();
+    takeFocus();
     // Not from inside the link's tick: a refused entry shows a box.
     playLater(0);
 }
 
+// Never to the first field of the window by chance: the next digit would be an injector's time.
 void FrmTable::takeFocus() {
-    // An edit box that is open keeps the focus: the user has gone on typing meanwhile.
-    QWidget* target = txtInputValue_->isHidden() ? static_cast<QWidget*>(Grid1_) : txtInputValue_;
-    target->setFocus();
+    QWidget* typed = txtInputValue_->isHidden() ? timeInHand() : txtInputValue_;
+    (typed != nullptr ? typed : Grid1_)->setFocus();
+}
+
+QLineEdit* FrmTable::timeInHand() const {
+    for (QLineEdit* field : {txtTOG_, txtIOT_}) {
+        if (timeBeingTyped(*field)) return field;
+    }
+    return nullptr;
 }
 
 bool FrmTable::hold(const QKeyEvent& event) {
@@ -861,8 +872,9 @@ void FrmTable::showPopup(const QPoint& place) {
 // ---- txtTOG and txtIOT
 
 bool FrmTable::timeFieldEvent(QLineEdit* field, QEvent* event) {
-    if (event->type() == QEvent::FocusOut && !committing_ && !moving_) {
-        takeTime(field);
+    if (event->type() == QEvent::FocusOut) {
+        const bool stays = staysInField(static_cast<QFocusEvent*>(event)->reason());
+        if (!committing_ && !moving_ && !stays) takeTime(field);
         return false;
     }
     if (event->type() != QEvent::KeyPress) return false;
@@ -876,9 +888,9 @@ bool FrmTable::timeFieldEvent(QLineEdit* field, QEvent* event) {
     return true;
 }
 
-/// Its text is not what the calibration holds, as it is shown.
+/// Its text is the user's and not what the calibration holds; also while another window is in front of it.
 bool FrmTable::timeBeingTyped(const QLineEdit& field) const {
-    if (!model_ || !field.hasFocus()) return false;
+    if (!model_ || !field.isModified()) return false;
     const bool gap = &field == txtTOG_;
     return field.text().toStdString() != (gap ? model_->timeOfGap() : model_->injectorOn());
 }

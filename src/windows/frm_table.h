@@ -68,7 +68,7 @@ class FrmTable : public QWidget {
     /// The same, and what the user has left in cells without Enter is written.
     bool finishEdits();
 
-    /// The keyboard goes to the grid, or to the box that is open over it.
+    /// The keyboard goes to the grid, or to what is being typed: the box over a cell, or a time.
     void takeFocus();
     /// While the table changes its place, losing the keyboard ends no entry.
     void moves(bool on) { moving_ = on; }
@@ -142,6 +142,7 @@ class FrmTable : public QWidget {
     void click(const Held& held);
     void dropHeld();
     bool timeBeingTyped(const QLineEdit& field) const;
+    QLineEdit* timeInHand() const;  ///< none where none is being typed
     void pressed(char key);
     void closeTable() { close(); }
 

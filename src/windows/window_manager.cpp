@@ -424,6 +424,8 @@ void WindowManager::placeTable(bool docked) {
     }
     table_->moves(false);
     table_->takeFocus();
+    // A tool bar that has moved shows its fields from the event loop: one that is in hand can take it then.
+    QTimer::singleShot(0, table_, &FrmTable::takeFocus);
 }
 
 void WindowManager::undockTable() {

@@ -152,10 +152,56 @@ TEST_F(Focus, TheEndOfTheLockTakesNoFieldFromUnderTheFingers) {
     auto* gap = windows.table()->findChild<QLineEdit*>("txtTOG");
     windows.onFlyLock(true);
     gap->setFocus();
-    gap->setText("5.5");
+    gap->selectAll();
+    typeText("5.5");
     windows.onFlyLock(false);
     settle();
     EXPECT_EQ(focus(), "txtTOG");
+}
+
+TEST_F(Focus, ATimeThatIsBeingTypedIsNoEntryWhileAMenuOrAnotherWindowIsInFront) {
+    openVe();
+    auto* gap = windows.table()->findChild<QLineEdit*>("txtTOG");
+    gap->setFocus();
+    gap->selectAll();
+    typeText("3");
+    for (const Qt::FocusReason reason :
+         {Qt::ActiveWindowFocusReason, Qt::PopupFocusReason, Qt::MenuBarFocusReason}) {
+        QFocusEvent out(QEvent::FocusOut, reason);
+        QApplication::sendEvent(gap, &out);
+        EXPECT_EQ(unit().get("scale1"), 5) << reason;
+    }
+    windows.showUnit();
+    EXPECT_EQ(gap->text(), "3") << "a change elsewhere drops nothing of it";
+    windows.table()->grid().setFocus(Qt::MouseFocusReason);
+    EXPECT_EQ(unit().get("scale1"), 3);
+}
+
+TEST_F(Focus, ATimeThatIsBeingTypedGoesOnWhileTheTableMoves) {
+    windows.main().resize(1366, 768);  // room for the fields in the tool bar
+    openVe();
+    auto* gap = windows.table()->findChild<QLineEdit*>("txtTOG");
+    gap->setFocus();
+    gap->selectAll();
+    typeText("3");
+    for (const char* digit : {"1", "2"}) {
+        tableAction("Docking")->trigger();
+        settle();
+        EXPECT_EQ(unit().get("scale1"), 5);
+        QWidget* window = windows.table()->window();
+        ASSERT_EQ(focusOf(*window), "txtTOG");
+        QKeyEvent press(QEvent::KeyPress, Qt::Key_0, Qt::NoModifier, digit);
+        QApplication::sendEvent(window->focusWidget(), &press);
+    }
+    EXPECT_EQ(gap->text(), "312");
+}
+
+TEST_F(Focus, ATimeThatNobodyHasTouchedGivesTheGridTheKeyboardWhenTheTableMoves) {
+    openVe();
+    windows.table()->findChild<QLineEdit*>("txtTOG")->setFocus();
+    tableAction("Docking")->trigger();
+    settle();
+    EXPECT_EQ(focusOf(*windows.table()), "Grid1");
 }
 
 TEST_F(Focus, EverySecondWindowBelongsToTheMainOne) {

@@ -327,7 +327,11 @@ TEST_F(TypedAhead, SaveTakesWhatWasLeftInACellWithoutEnter) {
 TEST_F(TypedAhead, StoreTakesTheTimeOfGapThatIsBeingTyped) {
     auto* gap = form().findChild<QLineEdit*>("txtTOG");
     gap->setFocus();
-    gap->setText("6");
+    gap->selectAll();
+    typeText("6");
+    QFocusEvent menu(QEvent::FocusOut, Qt::MenuBarFocusReason);
+    QApplication::sendEvent(gap, &menu);
+    EXPECT_EQ(unit().get("scale1"), 5) << "a menu in front is no entry";
     windows.main().run("mnuStoreONFLY");
     EXPECT_EQ(unit().get("scale1"), 6);
     for (int i = 0; i < 4; ++i) {
