@@ -349,7 +349,24 @@ void WindowManager::removeForms() {
 // told.
 void WindowManager::handOn(const FrmTable::Left& left) {
     FrmTable::tellNotTaken(session_, left.notTaken);
-    for (const auto& command : left.commands) later(command);
+    if (left.commands.empty()) return;
+    handedOn_.insert(handedOn_.end(), left.commands.begin(), left.commands.end());
+    QTimer::singleShot(0, this, &WindowManager::runHandedOn);
+}
+
+// In order, and not under a box of the command that removed the table: that one has not come to its end.
+void WindowManager::runHandedOn() {
+    if (runsHandedOn_) return;
+    const auto goOn = qScopeGuard([this] {
+        if (!handedOn_.empty()) QTimer::singleShot(refreshMs, this, &WindowManager::runHandedOn);
+    });
+    const FlagScope scope(runsHandedOn_);
+    while (!handedOn_.empty() && !closed_ && !boxOpen() && !session_.saving.reading()) {
+        const std::function<void()> next = std::move(handedOn_.front());
+        handedOn_.pop_front();
+        next();
+    }
+    if (closed_) handedOn_.clear();
 }
 
 void WindowManager::leaveTable() {

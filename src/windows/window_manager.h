@@ -114,6 +114,7 @@ class WindowManager : public QObject, public WindowSet {
     void tableClosed();
     void leaveTable();
     void handOn(const FrmTable::Left& left);
+    void runHandedOn();
     bool offersTable(const std::string& table) const;
     void makeCentre();
     void makeTable();
@@ -142,6 +143,8 @@ class WindowManager : public QObject, public WindowSet {
     QTimer tmrRefresh_;
     std::deque<std::function<void()>> waiting_;  ///< by `later`
     bool runsWaiting_ = false;
+    std::deque<std::function<void()>> handedOn_;  ///< commands that waited for a table that has gone
+    bool runsHandedOn_ = false;
     std::uint64_t consoleSeen_ = 0;
     std::uint64_t linkSeen_ = 0;
     int idleFirings_ = 0;

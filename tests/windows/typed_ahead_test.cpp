@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <QCloseEvent>
+#include <QDialog>
+#include <QEventLoop>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -408,6 +410,26 @@ TEST_F(TypedAhead, AStoreBehindTheTablesOwnCloseGoesOut) {
     ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
     EXPECT_EQ(fake.dialogs.boxes[0].text,
               "The table was closed.\nWhat was typed behind that was not taken: 1 key.");
+}
+
+TEST_F(TypedAhead, WhatIsLeftByARemovedTableWaitsForTheBoxOfTheCommandThatRemovedIt) {
+    nudge();
+    lock();
+    nudge();
+    windows.main().run("mnuStoreONFLY");
+    QDialog box(&windows.main());
+    box.setModal(true);
+    box.show();
+    windows.removeForms();
+    fake.port.written.clear();
+    for (int i = 0; i < 3; ++i) answer();
+    EXPECT_THAT(wire(), IsEmpty());
+    box.close();
+    for (int i = 0; i < 50 && wire().empty(); ++i) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        fake.ticker.run(1);
+    }
+    EXPECT_THAT(wire(), ElementsAre("S"));
 }
 
 TEST_F(TypedAhead, ASaveTypedBehindAnOpenComesBehindTheOpening) {
