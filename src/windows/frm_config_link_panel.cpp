@@ -272,12 +272,13 @@ void LinkPanel::render(const LinkStatus& status) {
     if (status.image != image_ || imgNotify_->pixmap(Qt::ReturnByValue).isNull()) showImage(status.image);
     setText(title_, status.title);
     setText(line1_, status.line1);
-    // The system's reason stands in a line of its own below.
-    setText(line2_, status.trouble.empty() ? status.line2 : status.line2 + '\n' + status.trouble);
+    // There is room for one line: the system's reason says more than "try again".
+    setText(line2_, status.trouble.empty() ? status.line2 : status.trouble);
     factsOrLine2_->setCurrentIndex(status.line2.empty() ? 0 : 1);
     showFrameTimes(status);
     line1_->setToolTip(plainTip(line1_->text()));
-    line2_->setToolTip(plainTip(line2_->text()));
+    const std::string more = status.trouble.empty() ? "" : '\n' + status.line2;
+    line2_->setToolTip(plainTip(line2_->text() + shownStringOfLines(more)));
     setText(activity_, status.activity);
     light(send_, status.send == Lamp::Sending, sendLampColor(), tr("at rest"), tr("sending"));
     light(receive_, status.receive == Lamp::Received, receiveLampColor(), tr("at rest"), tr("received"));

@@ -300,6 +300,26 @@ TEST_F(Workspace, AConsoleOfAHundredThousandLinesTakesOneMoreInAFrame) {
     EXPECT_LT(time.elapsed() / frames, 100) << "ms a line";
 }
 
+TEST_F(Workspace, TheReasonWhyAPortDoesNotOpenStandsInTheOneLineThatThereIs) {
+    LinkStatus& status = fake.session.link.editStatus();
+    status.title = "No Connection Mode";
+    status.line2 = "Please Check your Serial Connection and try again";
+    status.trouble = "Port 1 (/dev/ttyS0): in use by another program";
+    windows.main().resize(1366, 768);
+    windows.refresh();
+    QApplication::processEvents();
+    const auto* line = find<QLabel>("lblCommStatus2");
+    EXPECT_EQ(line->text(), "Port 1 (/dev/ttyS0): in use by another program");
+    EXPECT_LE(line->heightForWidth(line->width()) < 0 ? line->sizeHint().height()
+                                                      : line->heightForWidth(line->width()),
+              line->height())
+        << "nothing of it is cut";
+    EXPECT_TRUE(line->toolTip().contains("Please Check your Serial Connection and try again"));
+    status.trouble.clear();
+    windows.refresh();
+    EXPECT_EQ(line->text(), "Please Check your Serial Connection and try again");
+}
+
 TEST_F(Workspace, RendersTheStateOfTheLink) {
     LinkStatus& status = fake.session.link.editStatus();
     status.title = "Monitoring...";
