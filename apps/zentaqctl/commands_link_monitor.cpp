@@ -148,14 +148,12 @@ HeadlessMonitor::Wishes wishesOf(const Context& context, const MonitorWish& wish
     return wishes;
 }
 
-void requireFrames(Ending ending, int frames, const std::string& log) {
+void requireFrames(Ending ending, int frames) {
     const std::string after = " (" + numberText(frames) + " frames).";
     switch (ending) {
         case Ending::Done:
         case Ending::Stopped:  // the usual end of a monitor without a time
             return;
-        case Ending::NotWritten:
-            throw FileError("Cannot write " + log);
         case Ending::Silent:
             throw Failure("The unit does not answer any more" + after);
         default:
@@ -203,11 +201,10 @@ void monitor(const Context& context, const std::string& port, const MonitorWish&
     const Ending ending = watch->run();
     writer.flush();
     if (log != nullptr) {
-        log->close();
-        if (!*log) throw FileError("Cannot write " + wish.log);
+        log->finish();
         context.notes << numberText(watch->records()) << " lines written to " << wish.log << '\n';
     }
-    requireFrames(ending, watch->frames(), wish.log);
+    requireFrames(ending, watch->frames());
     const std::string times = timed.words(desk.session().clock().monotonicUs());
     if (context.out && !times.empty()) context.notes << times << '\n';
 }

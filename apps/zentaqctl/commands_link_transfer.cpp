@@ -1,13 +1,16 @@
 // program, datalog: what takes a unit more than one reply.
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <ostream>
 #include <system_error>
 
 #include "base/errors.h"
 #include "base/file_reader.h"
+#include "base/file_type.h"
 #include "base/number_text.h"
 #include "base/text.h"
 #include "commands_link.h"
@@ -28,8 +31,14 @@ constexpr const char* previousStays = "The previous calibration is still in the 
 class ScratchFolder {
  public:
     ScratchFolder() {
-        std::string name = (fs::temp_directory_path() / "zentaqctl-XXXXXX").string();
-        if (::mkdtemp(name.data()) == nullptr) throw FileError("Cannot make a folder " + name);
+        std::error_code error;
+        const fs::path place = fs::temp_directory_path(error);
+        if (error)
+            throw FileError("The folder for temporary files cannot be used: " + error.message() +
+                            "; TMPDIR names it");
+        std::string name = (place / "zentaqctl-XXXXXX").string();
+        if (::mkdtemp(name.data()) == nullptr)
+            throw FileError("Cannot make the folder " + name + ": " + std::strerror(errno));
         path_ = name;
     }
     ~ScratchFolder() {
@@ -121,9 +130,11 @@ void programUnit(LinkDesk& desk, const std::string& file) {
 
 /// Told before the unit has sent a log of minutes in vain.
 void refuseUnwritable(const std::string& file) {
+    refuseOtherThanFile(file);
     const fs::path folder = fs::path(file).parent_path();
     const bool takesFiles = ::access(folder.empty() ? "." : folder.c_str(), W_OK) == 0;
-    if (!takesFiles || fs::is_directory(file)) throw FileError("Cannot write " + file);
+    if (!takesFiles)
+        throw FileError("Cannot write " + file + ": its folder takes no new file: " + std::strerror(errno));
 }
 
 std::string whyNotDownloaded(const TransferEnd& end) {

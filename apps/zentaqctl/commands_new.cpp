@@ -69,8 +69,11 @@ const Row& rowNamed(const std::vector<Row>& rows, std::string Row::*name, const 
     std::vector<std::string> names;
     std::ranges::transform(rows, std::back_inserter(names), name);
     const int place = placeOf(names, wanted);
-    if (place < 0)
-        throw Failure("There is no " + what + " \"" + shownBriefly(wanted) + '"' + suggestion(names, wanted));
+    if (place < 0) {
+        const std::string meant = suggestion(names, wanted);
+        throw Failure("There is no " + what + " \"" + shownBriefly(wanted) + '"' +
+                      (meant.empty() ? "; \"zentaqctl " + what + "s\" lists them" : meant));
+    }
     return rows[static_cast<std::size_t>(place)];
 }
 

@@ -162,7 +162,10 @@ void writeAll(const Context& context, const Member& member, Unit& unit) {
 
 void info(const Context& context, const std::string& file) {
     const auto calibration = openCalibration(context, file);
-    const FileFacts facts{calibration->host.header(), calibration->unit, std::filesystem::file_size(file)};
+    std::error_code error;
+    const auto length = std::filesystem::file_size(file, error);
+    if (error) throw FileError("Cannot read " + file + ": " + error.message());
+    const FileFacts facts{calibration->host.header(), calibration->unit, length};
     if (context.json) {
         writeJson(context.out, file, facts);
     } else {

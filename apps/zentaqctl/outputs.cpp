@@ -1,6 +1,7 @@
 #include "outputs.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -8,9 +9,11 @@
 #include <cstring>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "base/errors.h"
 #include "base/file_reader.h"
+#include "base/file_type.h"
 #include "unit/safe_file.h"
 
 namespace zentaq::ctl {
@@ -87,25 +90,65 @@ bool beginsWithSRecord(std::string_view beginning) {
     return std::ranges::all_of(beginning.substr(1, end - 1), isHexDigit);
 }
 
-std::unique_ptr<std::ofstream> openGrowing(const Context& context, const std::string& output,
-                                           std::string_view what) {
+GrowingFile::Buffer::Buffer(PosixHandle file) : file_(std::move(file)) {
+    setp(pending_.data(), pending_.data() + pending_.size());
+}
+
+// A command that ends by a failure has what came before it in the file.
+GrowingFile::Buffer::~Buffer() {
+    Buffer::sync();
+}
+
+GrowingFile::Buffer::int_type GrowingFile::Buffer::overflow(int_type character) {
+    if (sync() != 0) return traits_type::eof();
+    if (!traits_type::eq_int_type(character, traits_type::eof())) sputc(traits_type::to_char_type(character));
+    return traits_type::not_eof(character);
+}
+
+int GrowingFile::Buffer::sync() {
+    const char* from = pbase();
+    while (reason_ == 0 && from < pptr()) {
+        const ssize_t count = ::write(file_.get(), from, static_cast<std::size_t>(pptr() - from));
+        if (count > 0) from += count;
+        if (count < 0 && errno != EINTR) reason_ = errno;
+    }
+    setp(pending_.data(), pending_.data() + pending_.size());
+    return reason_ == 0 ? 0 : -1;
+}
+
+// Some disks tell only here that they are full.
+void GrowingFile::Buffer::close() {
+    const bool closed = ::close(file_.release()) == 0 || errno == EINTR;
+    if (!closed && reason_ == 0) reason_ = errno;
+}
+
+GrowingFile::GrowingFile(PosixHandle file, std::string name)
+    : std::ostream(nullptr), buffer_(std::move(file)), name_(std::move(name)) {
+    rdbuf(&buffer_);
+}
+
+void GrowingFile::finish() {
+    flush();
+    buffer_.close();
+    if (buffer_.reason() != 0)
+        throw FileError("Cannot write " + name_ + ": " + std::strerror(buffer_.reason()));
+}
+
+std::unique_ptr<GrowingFile> openGrowing(const Context& context, const std::string& output,
+                                         std::string_view what) {
+    refuseOtherThanFile(output);
     constexpr mode_t forEveryone = 0666;  // less the user's mask
     std::error_code ignored;
-    const fs::file_status found = fs::status(output, ignored);
-    const bool device = fs::is_character_file(found);
-    if (fs::exists(found) && !fs::is_regular_file(found) && !device) {
-        throw FileError("Cannot write " + output + ": it is no file");
-    }
-    const bool free = fs::exists(found) && !losesSomething(output);
+    const bool free = fs::exists(output, ignored) && !losesSomething(output);
     const int how = context.force || free ? O_TRUNC : O_EXCL;
-    const int file =
-        ::open(output.c_str(), O_WRONLY | O_CREAT | O_NOCTTY | O_NONBLOCK | O_CLOEXEC | how, forEveryone);
-    if (file < 0 && errno == EEXIST) refuse(output, what);
-    if (file < 0) throw FileError("Cannot write " + output + ": " + std::strerror(errno));
-    ::close(file);
-    auto stream = std::make_unique<std::ofstream>(output, std::ios::binary | std::ios::app);
-    if (!*stream) throw FileError("Cannot write " + output);
-    return stream;
+    constexpr int flags = O_WRONLY | O_CREAT | O_APPEND | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
+    PosixHandle file(::open(output.c_str(), flags | how, forEveryone));
+    if (!file.valid() && errno == EEXIST) refuse(output, what);
+    struct stat status {};
+    if (!file.valid() || ::fstat(file.get(), &status) != 0)
+        throw FileError("Cannot write " + output + ": " + std::strerror(errno));
+    if (!S_ISREG(status.st_mode)) throw FileError("Cannot write " + output + ": " + otherThanFile(status));
+    return std::make_unique<GrowingFile>(std::move(file), output);
 }
 
 }  // namespace zentaq::ctl

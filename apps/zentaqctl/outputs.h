@@ -1,13 +1,16 @@
 // Where a command may write: a wrong name on a command line must not cost anybody a file.
 #pragma once
 
-#include <fstream>
+#include <array>
 #include <initializer_list>
 #include <memory>
+#include <ostream>
+#include <streambuf>
 #include <string>
 #include <string_view>
 
 #include "context.h"
+#include "platform/posix_handle.h"
 
 namespace zentaq::ctl {
 
@@ -38,9 +41,42 @@ void saveCalibration(const Context& context, Unit& unit, std::initializer_list<s
 /// Whether a file begins with a whole S-record.
 bool beginsWithSRecord(std::string_view beginning);
 
-/// A file that grows line by line, made now. Never follows a file that appeared after the first look, and
-/// waits for nobody at a pipe.
-std::unique_ptr<std::ofstream> openGrowing(const Context& context, const std::string& output,
-                                           std::string_view what);
+/// A file that grows line by line. As with any stream, what cannot be written makes it fail and stay so.
+class GrowingFile : public std::ostream {
+ public:
+    /// `file` is open for writing; `name` is told.
+    GrowingFile(PosixHandle file, std::string name);
+    /// Writes what is left. Throws FileError with the reason of the first write that failed.
+    void finish();
+
+ private:
+    class Buffer : public std::streambuf {
+     public:
+        explicit Buffer(PosixHandle file);
+        ~Buffer() override;
+        Buffer(const Buffer&) = delete;
+        Buffer& operator=(const Buffer&) = delete;
+        /// 0 while nothing has failed.
+        int reason() const { return reason_; }
+        void close();
+
+     protected:
+        int_type overflow(int_type character) override;
+        int sync() override;
+
+     private:
+        PosixHandle file_;
+        std::array<char, 4096> pending_;
+        int reason_ = 0;
+    };
+
+    Buffer buffer_;
+    std::string name_;
+};
+
+/// Made now. Never follows a file that appeared after the first look, waits for nobody at a pipe, and takes
+/// nothing that is no file.
+std::unique_ptr<GrowingFile> openGrowing(const Context& context, const std::string& output,
+                                         std::string_view what);
 
 }  // namespace zentaq::ctl

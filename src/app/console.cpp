@@ -1,6 +1,7 @@
 #include "app/console.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 #include <limits>
 
 #include "base/errors.h"
+#include "base/file_type.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "base/shown_text.h"
@@ -25,8 +27,16 @@ constexpr std::size_t tagWidth = 8;
 constexpr std::size_t timeWidth = 8;
 constexpr ::mode_t logMode = 0644;
 
-[[noreturn]] void refuse(const std::string& path, int reason) {
-    throw FileError("Log file " + path + " cannot be written: " + std::strerror(reason));
+[[noreturn]] void refuse(const std::string& path, const std::string& reason) {
+    throw FileError("Log file " + path + " cannot be written: " + reason);
+}
+
+/// A pipe that nobody reads, and a socket, cannot be opened and say so in words that help nobody.
+[[noreturn]] void refuseToOpen(const std::string& path, int reason) {
+    struct stat status {};
+    const bool found = reason == ENXIO && ::stat(path.c_str(), &status) == 0;
+    const std::string other = found ? otherThanFile(status) : std::string();
+    refuse(path, other.empty() ? std::strerror(reason) : other);
 }
 
 /// All bytes, however the system splits them. Answers 0 or the reason of the failure.
@@ -74,13 +84,19 @@ void Console::writeLines(const std::vector<std::string>& lines) {
 }
 
 void Console::append(const std::string& line) const {
-    // One open and close for every line, so that a crash loses nothing.
-    const int file = ::open(logFile_.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, logMode);
-    if (file < 0) refuse(logFile_, errno);
+    // One open and close for every line, so that a crash loses nothing. A pipe is never waited for.
+    constexpr int flags = O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    const int file = ::open(logFile_.c_str(), flags, logMode);
+    if (file < 0) refuseToOpen(logFile_, errno);
+    struct stat status {};
+    if (::fstat(file, &status) == 0 && !S_ISREG(status.st_mode)) {
+        ::close(file);
+        refuse(logFile_, otherThanFile(status));
+    }
     const int failure = writeWhole(file, line + "\n");
     const bool closed = ::close(file) == 0;
-    if (failure != 0) refuse(logFile_, failure);
-    if (!closed) refuse(logFile_, errno);
+    if (failure != 0) refuse(logFile_, std::strerror(failure));
+    if (!closed) refuse(logFile_, std::strerror(errno));
 }
 
 void Console::plainLine(std::string_view text) {

@@ -1,5 +1,6 @@
 #include "base/errors.h"
 
+#include <filesystem>
 #include <new>
 #include <system_error>
 
@@ -10,7 +11,11 @@ std::string textOfFailure(const std::exception& failure) {
     if (dynamic_cast<const std::bad_alloc*>(&failure) != nullptr) {
         return "There is not enough memory for this. Close other programs and try again.";
     }
-    // Tells the system's reason and the file.
+    if (const auto* files = dynamic_cast<const std::filesystem::filesystem_error*>(&failure)) {
+        const std::string path = files->path1().string();
+        return (path.empty() ? std::string("A file or folder") : path) + ": " + files->code().message();
+    }
+    // Tells the system's reason.
     if (dynamic_cast<const std::system_error*>(&failure) != nullptr) return failure.what();
     return std::string(
                "The program has met a fault of its own and ended this command; nothing was finished. "

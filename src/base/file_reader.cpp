@@ -8,6 +8,8 @@
 #include <cerrno>
 #include <cstring>
 
+#include "base/file_type.h"
+
 namespace zentaq {
 
 namespace {
@@ -34,17 +36,8 @@ namespace {
     throw FileError(text);
 }
 
-/// Empty for a file.
-std::string whatElse(const struct stat& status) {
-    if (S_ISREG(status.st_mode)) return {};
-    if (S_ISDIR(status.st_mode)) return std::strerror(EISDIR);
-    if (S_ISFIFO(status.st_mode)) return "it is a pipe, not a file";
-    if (S_ISSOCK(status.st_mode)) return "it is a socket, not a file";
-    return "it is a device, not a file";
-}
-
 void refuseOther(const struct stat& status, const std::string& path) {
-    const std::string other = whatElse(status);
+    const std::string other = otherThanFile(status);
     if (!other.empty()) refuse(path, other);
 }
 

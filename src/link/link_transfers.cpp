@@ -1,5 +1,7 @@
 // The operations that move more than one frame: programming a calibration or a firmware line by line,
 // retrieving the unit's own datalog, and the one routine that closes them.
+#include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <sstream>
 
@@ -133,7 +135,8 @@ void Link::queueTransfer(std::string_view key) {
 void Link::openTransferFile(const std::string& path, std::ios::openmode mode) {
     closeTransferFile();
     transferStream_.open(path, mode | std::ios::binary);
-    if (!transferStream_) throw FileError("Cannot open " + path);
+    const int reason = errno;
+    if (!transferStream_) throw FileError("Cannot open " + path + ": " + std::strerror(reason));
 }
 
 void Link::closeTransferFile() {

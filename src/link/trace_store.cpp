@@ -11,6 +11,7 @@
 
 #include "base/errors.h"
 #include "base/file_reader.h"
+#include "base/file_type.h"
 #include "link/trace_line.h"
 
 namespace zentaq {
@@ -22,8 +23,12 @@ namespace fs = std::filesystem;
 /// Gathered lines go to the file from here on, however short the time since the last ones.
 constexpr std::size_t pieceBytes = 64U << 10U;
 
+[[noreturn]] void fail(const std::string& path, const std::string& reason) {
+    throw FileError("Cannot write " + path + ": " + reason);
+}
+
 [[noreturn]] void fail(const std::string& path, int error) {
-    throw FileError(path + ": " + std::generic_category().message(error));
+    fail(path, std::generic_category().message(error));
 }
 
 bool isTrace(const std::string& path) {
@@ -32,29 +37,24 @@ bool isTrace(const std::string& path) {
     return head == traceMagic;
 }
 
-bool losesNothing(const std::string& path) {
-    std::error_code ignored;
-    if (!fs::exists(path, ignored) || fs::is_character_file(path, ignored)) return true;
-    return fs::is_regular_file(path, ignored) && fs::file_size(path, ignored) == 0;
+bool isFree(const std::string& path) {
+    std::error_code missing;
+    return fs::file_size(path, missing) == 0 || missing;
 }
 
-/// A wrong name on a command line must not cost anybody a calibration.
+/// A wrong name on a command line must not cost anybody a calibration, nor wait for the reader of a pipe.
 void refuseOtherFile(const std::string& path) {
-    std::error_code ignored;
-    if (losesNothing(path) || (fs::is_regular_file(path, ignored) && isTrace(path))) return;
-    throw FileError(path + ": is there already and no trace; it is left alone");
+    refuseOtherThanFile(path);
+    if (!isFree(path) && !isTrace(path)) fail(path, "it is there already and no trace; it is left alone");
 }
 
 }  // namespace
 
 TraceStore::TraceStore(std::string path, Head head, std::size_t mostBytes)
     : path_(std::move(path)), head_(std::move(head)), mostBytes_(mostBytes) {
-    std::error_code ignored;
     refuseOtherFile(path_);
-    bounded_ = !fs::is_character_file(path_, ignored);
-    if (bounded_) refuseOtherFile(olderPath(path_));
-    const bool former = bounded_ && isTrace(path_);
-    if (former && std::rename(path_.c_str(), olderPath(path_).c_str()) != 0) fail(path_, errno);
+    refuseOtherFile(olderPath(path_));
+    if (isTrace(path_) && std::rename(path_.c_str(), olderPath(path_).c_str()) != 0) fail(path_, errno);
     begin();
     flush();
 }
@@ -62,13 +62,16 @@ TraceStore::TraceStore(std::string path, Head head, std::size_t mostBytes)
 // What has appeared since the name was looked at belongs to somebody else, as a trace of another program
 // does.
 void TraceStore::begin() {
-    constexpr int flags = O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY;
+    constexpr int flags = O_WRONLY | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     file_ = PosixHandle(::open(path_.c_str(), flags | O_EXCL, 0666));
     if (!file_.valid() && errno == EEXIST) {
-        if (!losesNothing(path_)) fail(path_, EEXIST);
+        refuseOtherThanFile(path_);
+        if (!isFree(path_)) fail(path_, EEXIST);
         file_ = PosixHandle(::open(path_.c_str(), flags | O_TRUNC, 0666));
     }
-    if (!file_.valid()) fail(path_, errno);
+    struct stat status {};
+    if (!file_.valid() || ::fstat(file_.get(), &status) != 0) fail(path_, errno);
+    if (const std::string other = otherThanFile(status); !other.empty()) fail(path_, other);
     gathered_ = head_(++part_);
     written_ = 0;
 }
@@ -83,7 +86,7 @@ void TraceStore::turn() {
 
 void TraceStore::add(std::string_view line) {
     const std::size_t size = written_ + gathered_.size() + line.size() + 1;
-    if (bounded_ && size > mostBytes_ / 2) turn();
+    if (size > mostBytes_ / 2) turn();
     gathered_ += line;
     gathered_ += '\n';
     if (gathered_.size() >= pieceBytes) flush();

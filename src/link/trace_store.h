@@ -39,7 +39,6 @@ class TraceStore {
     std::string path_;
     Head head_;
     std::size_t mostBytes_;
-    bool bounded_ = true;  ///< false for a device, which takes what it is given
     PosixHandle file_;
     int part_ = 0;
     std::size_t written_ = 0;

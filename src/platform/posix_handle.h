@@ -19,6 +19,8 @@ class PosixHandle {
 
     int get() const { return handle_; }
     bool valid() const { return handle_ >= 0; }
+    /// The descriptor is the caller's from now on.
+    int release() { return std::exchange(handle_, -1); }
     void reset() {
         if (valid()) ::close(handle_);
         handle_ = -1;

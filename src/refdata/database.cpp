@@ -68,7 +68,7 @@ std::string reasonOf(const SQLite::Exception& failure) {
     switch (failure.getErrorCode()) {
         case sqlite_code::busy:
         case sqlite_code::locked:
-            return "it is locked: it is in use by another program";
+            return "it is locked: it is in use by another program; try again";
         case sqlite_code::corrupt:
         case sqlite_code::noDatabase:
             return "the file is damaged (" + std::string(failure.what()) + ")";

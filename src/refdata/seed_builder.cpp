@@ -8,6 +8,7 @@
 #include <filesystem>
 
 #include "base/errors.h"
+#include "base/file_type.h"
 #include "refdata/schema.h"
 #include "refdata/seed_checks.h"
 #include "refdata/seed_table.h"
@@ -21,7 +22,10 @@ namespace fs = std::filesystem;
 /// A file that goes away unless it is moved to its target.
 class Draft {
  public:
-    explicit Draft(const std::string& target) : target_(target), path_(target + ".new") { remove(); }
+    explicit Draft(const std::string& target) : target_(target), path_(target + ".new") {
+        refuseOtherThanFile(target);
+        remove();
+    }
     Draft(const Draft&) = delete;
     Draft& operator=(const Draft&) = delete;
     ~Draft() { remove(); }

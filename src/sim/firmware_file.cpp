@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cctype>
 #include <numeric>
+#include <system_error>
 
 #include "base/errors.h"
 #include "base/file_reader.h"
+#include "base/file_type.h"
 #include "sim/memory_file.h"
 
 namespace zentaq::sim {
@@ -69,7 +71,9 @@ std::string simulatedFirmware(std::string_view firmwareText) {
 }
 
 void makeFirmwareFile(const fs::path& path, std::string_view firmwareText) {
-    const bool taken = fs::exists(path) && !(fs::is_regular_file(path) && fs::is_empty(path));
+    refuseOtherThanFile(path.string());
+    std::error_code error;
+    const bool taken = fs::file_size(path, error) != 0 && !error;
     if (taken && !isSimulatedFirmware(path)) {
         throw FileError(path.string() + " is no firmware of a simulated unit and stays as it is");
     }

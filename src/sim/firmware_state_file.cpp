@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <system_error>
 
 #include "base/errors.h"
 #include "base/file_reader.h"
@@ -30,7 +31,8 @@ fs::path firmwareStateFile(const fs::path& memoryFile) {
 }
 
 std::optional<InstalledFirmware> readFirmwareState(const fs::path& path) {
-    if (!fs::exists(fs::symlink_status(path))) return std::nullopt;
+    std::error_code error;
+    if (fs::symlink_status(path, error).type() == fs::file_type::not_found) return std::nullopt;
     const std::string content = readFile(path.string(), limits::simulatedState);
     const std::string line = content.substr(0, content.find('\n'));
     const std::size_t blank = std::min(line.find(' '), line.size());

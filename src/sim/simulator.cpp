@@ -13,8 +13,10 @@
 #include <cstring>
 #include <ostream>
 #include <sstream>
+#include <system_error>
 
 #include "base/errors.h"
+#include "base/file_type.h"
 #include "base/shown_text.h"
 #include "platform/runtime_folder.h"
 #include "sim/datalog_track.h"
@@ -70,7 +72,8 @@ fs::path linkOf(const SimulatorOptions& options) {
 }
 
 std::optional<fs::path> memoryFileOf(const SimulatorOptions& options) {
-    if (!options.memoryFile || !fs::is_directory(*options.memoryFile)) return options.memoryFile;
+    std::error_code error;
+    if (!options.memoryFile || !fs::is_directory(*options.memoryFile, error)) return options.memoryFile;
     return *options.memoryFile / (unitName(options) + ".mem");
 }
 
@@ -161,6 +164,7 @@ Simulator::Simulator(const SimulatorOptions& options)
       adapter_(options.adapter, now()),
       memoryFile_(memoryFileOf(options)),
       unitTime_(now()) {
+    refuseOtherFiles();
     for (const int code : options.codes) lightCode(unit_, code);
     for (const std::string& pin : options.pins) holdPin(unit_, pin);
     unit_.setUpgradeMode(options.upgradeMode);
@@ -169,6 +173,14 @@ Simulator::Simulator(const SimulatorOptions& options)
     if (options.calibrationName) unit_.setCalibrationName(*options.calibrationName);
     saveMemory();
     connect();
+}
+
+// Before anybody can know of the unit: what cannot be written would else end it in the middle of a session.
+void Simulator::refuseOtherFiles() const {
+    if (options_.runningFile) refuseOtherThanFile(options_.runningFile->string());
+    if (!memoryFile_) return;
+    refuseOtherThanFile(memoryFile_->string());
+    refuseOtherThanFile(firmwareStateFile(*memoryFile_).string());
 }
 
 // A start is a power cycle: firmware that waited for one runs.

@@ -84,6 +84,7 @@ class Simulator {
     void pullCable(Moment until);
     std::optional<Moment> nextDue() const;
     void catchUp(Moment moment);
+    void refuseOtherFiles() const;
     void saveMemory();
 
     SimulatorOptions options_;

@@ -21,6 +21,8 @@
 #include <utility>
 
 #include "base/errors.h"
+#include "base/file_reader.h"
+#include "base/file_type.h"
 #include "platform/posix_handle.h"
 
 namespace zentaq {
@@ -199,7 +201,8 @@ std::optional<struct stat> statusToReplace(const fs::path& target, const std::st
         if (errno == ENOENT) return std::nullopt;
         fail(path, "write", errno);
     }
-    if (!S_ISREG(status.st_mode)) fail(path, "write", S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
+    const std::string other = otherThanFile(status);
+    if (!other.empty()) throw FileError("Cannot write " + path + ": " + other);
     // A rename would pass over the write protection of the file.
     if (::access(target.c_str(), W_OK) != 0) fail(path, "write", errno);
     return status;
@@ -221,9 +224,18 @@ bool takeOver(const OpenFile& file, const struct stat& old) {
     return ::fchmod(file.get(), old.st_mode & permissions) == 0;
 }
 
+/// What stays of the old file is copied: gigabytes that no calibration has would cost as much again.
+void refuseLong(const struct stat& old, const std::string& path) {
+    const FileLimit& limit = limits::calibration;
+    if (old.st_size <= static_cast<off_t>(limit.bytes)) return;
+    throw FileError("Cannot write " + path + ": the file there has " + std::to_string(old.st_size) +
+                    " bytes, which would stay behind the calibration; " + std::string(limit.what) +
+                    " has at most " + std::to_string(limit.bytes) + "; name another file");
+}
+
 /// Appends what stands behind the first `start` bytes of the old file. Throws FileError.
 void appendSurplus(const OpenFile& file, const fs::path& target, std::size_t start, const std::string& path) {
-    constexpr std::size_t pieceLength = 65536;
+    constexpr std::size_t pieceLength = 16384;
     const OpenFile old(target.string(), O_RDONLY | O_NONBLOCK);
     if (!old.isOpen() || ::lseek(old.get(), static_cast<off_t>(start), SEEK_SET) < 0)
         fail(path, "read", errno);
@@ -253,6 +265,7 @@ bool writeSafely(const std::string& path, std::string_view content, Surplus surp
     const fs::path target = targetOf(path);
     const auto old = statusToReplace(target, path);
     if (old && taken == Taken::Kept) return false;
+    if (old && surplus == Surplus::Stays) refuseLong(*old, path);
     const fs::path folder = folderOf(target);
 
     const std::string start = temporaryStart(target);

@@ -15,7 +15,8 @@ void writeFileSafely(const std::string& path, std::string_view content);
 /// The same for a name that is free. False where it is not, also where another program took it at this
 /// moment: what stands there stays.
 bool writeNewFileSafely(const std::string& path, std::string_view content);
-/// The first, but what a longer file holds behind `start` stays, as if its start had been written over.
+/// For a calibration: the first, but what a longer file holds behind `start` stays, as if its start had been
+/// written over. A file that is longer than any calibration is refused at once.
 void writeFileStartSafely(const std::string& path, std::string_view start);
 /// For a file that is made anew each time it is needed: whole or not at all as well, but nobody waits until
 /// it is on the disk, which may take seconds.

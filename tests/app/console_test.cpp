@@ -1,6 +1,11 @@
 #include "app/console.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -9,6 +14,8 @@
 
 #include "app/fake_platform.h"
 #include "base/errors.h"
+#include "no_file_grows.h"
+#include "temporary_folder.h"
 
 namespace zentaq {
 namespace {
@@ -19,6 +26,13 @@ class ConsoleTest : public ::testing::Test {
     Console console{clock};
     TemporaryFolder folder;
 
+    /// What the failure of the next line says.
+    std::string refusal() {
+        console.LogToFile(true);
+        std::string why;
+        endOnFailure([&] { console.SysLog("text"); }, [&](const std::string& text) { why = text; });
+        return why;
+    }
     std::string fileText() const {
         std::ifstream file(console.logFile(), std::ios::binary);
         std::ostringstream text;
@@ -194,14 +208,34 @@ TEST_F(ConsoleTest, BothHalvesOfALongLineAreOnTheConsoleThoughTheFileCannotBeWri
 }
 
 TEST_F(ConsoleTest, AFullDiskIsAFailureThatNamesItself) {
-    console.logFile("/dev/full");
-    console.LogToFile(true);
-    try {
-        console.SysLog("text");
-        FAIL() << "nothing fits on a full disk";
-    } catch (const FileError& failure) {
-        EXPECT_STREQ(failure.what(), "Log file /dev/full cannot be written: No space left on device");
-    }
+    console.logFile(folder.file("z.log"));
+    const NoFileGrows full;
+    EXPECT_EQ(refusal(), "Log file " + console.logFile() + " cannot be written: File too large");
+}
+
+TEST_F(ConsoleTest, WhatIsNoFileIsToldAndNeverWaitedFor) {
+    const auto why = [&](const std::string& name) {
+        console.logFile(folder.file(name));
+        const std::string text = refusal();
+        const std::string start = "Log file " + console.logFile() + " cannot be written: ";
+        return text.starts_with(start) ? text.substr(start.size()) : text;
+    };
+    ASSERT_EQ(::mkfifo(folder.file("pipe").c_str(), 0600), 0);
+    EXPECT_EQ(why("pipe"), "it is a pipe, not a file");
+    const int reader = ::open(folder.file("pipe").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    EXPECT_EQ(why("pipe"), "it is a pipe, not a file") << "somebody reads it";
+    ::close(reader);
+    std::filesystem::create_symlink("/dev/full", folder.file("device"));
+    EXPECT_EQ(why("device"), "it is a device, not a file");
+    std::filesystem::create_directory(folder.file("folder"));
+    EXPECT_EQ(why("folder"), "Is a directory");
+    const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    folder.file("socket").copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    EXPECT_EQ(why("socket"), "it is a socket, not a file");
+    ::close(socket);
 }
 
 TEST_F(ConsoleTest, EveryLineOpensAndClosesTheFile) {

@@ -10,6 +10,7 @@
 #include "app/fake_platform.h"
 #include "app/main_commands.h"
 #include "base/text.h"
+#include "no_file_grows.h"
 
 namespace zentaq {
 namespace {
@@ -147,15 +148,19 @@ TEST_F(SessionTest, TheProgramsVersionStandsInFilesAsMinorAndRevision) {
 }
 
 TEST_F(SessionTest, AFullDiskTurnsFileLoggingOffAndSaysSoOnce) {
-    session.console.logFile("/dev/full");
+    const std::string path = fake.folder.path("zentaq.log");
+    session.console.logFile(path);
     session.console.LogToFile(true);
-    session.sysLog("first");
-    session.sysLog("second");
+    {
+        const NoFileGrows full;
+        session.sysLog("first");
+        session.sysLog("second");
+    }
     std::vector<std::string> shown;
     for (const std::string& line : session.console.lines()) shown.emplace_back(trimmed(line));
-    EXPECT_THAT(shown, ElementsAre("12:34:56 - first",
-                                   "Log file /dev/full cannot be written: No space left on device",
-                                   "Logging to the file is off.", "12:34:56 - second"));
+    EXPECT_THAT(shown,
+                ElementsAre("12:34:56 - first", "Log file " + path + " cannot be written: File too large",
+                            "Logging to the file is off.", "12:34:56 - second"));
     EXPECT_FALSE(session.console.LogToFile());
 }
 

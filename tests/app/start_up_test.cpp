@@ -403,7 +403,8 @@ TEST_F(StartUp, ALockedDatabaseIsToldAndTheProgramWorksWithoutIt) {
     const WriterOf writer(databasePath());
     ASSERT_TRUE(writer.locked);
     kernel.load();
-    EXPECT_TRUE(consoleHas("No reference database: it is locked: it is in use by another program"));
+    EXPECT_TRUE(
+        consoleHas("No reference database: it is locked: it is in use by another program; try again"));
     EXPECT_EQ(session.StartingUp, 0);
     EXPECT_TRUE(fake.windows.tip.empty());
 }

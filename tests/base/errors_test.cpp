@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <new>
 #include <stdexcept>
 #include <string>
@@ -23,6 +24,13 @@ TEST(FailureTexts, AFailureOfTheCoreSpeaksForItself) {
 TEST(FailureTexts, MemoryThatIsShortIsCalledThat) {
     EXPECT_EQ(textOfFailure(std::bad_alloc()),
               "There is not enough memory for this. Close other programs and try again.");
+}
+
+TEST(FailureTexts, AFolderThatCannotBeUsedIsNamedWithTheReason) {
+    std::string told;
+    endOnFailure([] { std::filesystem::create_directories("/proc/none"); },
+                 [&](const std::string& why) { told = why; });
+    EXPECT_EQ(told, "/proc/none: No such file or directory");
 }
 
 TEST(FailureTexts, AFaultOfTheProgramIsOwnedUpTo) {

@@ -94,7 +94,16 @@ TEST_F(ZentaqctlOnLink, MonitorFailsWhereTheLogCannotBeWritten) {
     startUnit("A");
     expectFailure(onUnit("monitor", "--seconds 1 --log " + inQuotes(folder.file("none/x.dat"))), 1,
                   "Cannot write " + folder.file("none/x.dat"));
-    expectFailure(onUnit("monitor", "--seconds 3 --log /dev/full"), 1, "Cannot write /dev/full");
+    const std::string log = folder.file("x.dat");
+    // No file grows beyond a kilobyte: a datalog's first line is longer.
+    const std::string narrow = "trap '' XFSZ; ulimit -f 1; exec " + inQuotes(ZENTAQ_APP_DIR "/zentaqctl");
+    const std::string error = folder.file("error.txt");
+    const std::string command = "bash -c \"" + narrow + " monitor --seconds 3 --port " + inQuotes(port) +
+                                " --log " + inQuotes(log) + "\" >/dev/null 2>" + inQuotes(error);
+    const int status = std::system(command.c_str());
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 1);
+    EXPECT_THAT(contentOf(error), HasSubstr("Cannot write " + log + ": File too large\n"));
 }
 
 TEST_F(ZentaqctlOnLink, MonitorEndsByItselfWhereItsLinesCannotBeWritten) {
@@ -269,13 +278,43 @@ TEST_F(ZentaqctlOnLink, AMonitorWaitsForNobodyAtAPipe) {
     const std::string log = folder.file("pipe");
     ASSERT_EQ(::mkfifo(log.c_str(), 0600), 0);
     expectFailure(onUnit("monitor", "--seconds 1 --log " + inQuotes(log)), 1,
-                  "Cannot write " + log + ": it is no file");
+                  "Cannot write " + log + ": it is a pipe, not a file");
+}
+
+TEST_F(ZentaqctlOnLink, NoLogOrTraceGoesToAnythingButAFile) {
+    const std::string pipe = folder.file("pipe");
+    const std::string device = folder.file("device");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    fs::create_symlink("/dev/null", device);
+    const std::pair<std::string, std::string> others[] = {{pipe, "it is a pipe, not a file"},
+                                                          {device, "it is a device, not a file"},
+                                                          {folder.path().string(), "Is a directory"}};
+    startUnit("A");
+    for (const auto& [path, what] : others) {
+        const std::string why = "Cannot write " + path + ": " + what;
+        expectRefused(onUnit("monitor", "--seconds 1 --force --log " + inQuotes(path)), why);
+        expectRefused(onUnit("datalog", "--force " + inQuotes(path)), why);
+        expectRefused(onUnit("identify", "--trace " + inQuotes(path)), why);
+        expectRefused(onFile("set", "KNK_MIN 5 --force -o " + inQuotes(path)), why);
+        expectRefused(onFile("export", "--force -o " + inQuotes(path)), why);
+    }
+    EXPECT_TRUE(fs::is_fifo(pipe));
+}
+
+TEST_F(ZentaqctlOnLink, ANameThatIsTooLongIsToldInPlainWords) {
+    const std::string log = folder.file(std::string(300, 'n'));
+    const Outcome outcome = onUnit("datalog", inQuotes(log));
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.error, HasSubstr(": File name too long\n"));
+    EXPECT_THAT(outcome.error, StartsWith("Cannot write "));
 }
 
 TEST_F(ZentaqctlOnLink, DatalogAsksNoUnitWhereTheFileCannotBeWritten) {
     const std::string log = folder.file("none/own.dat");
-    expectFailure(onUnit("datalog", inQuotes(log)), 1, "Cannot write " + log);
-    expectFailure(onUnit("datalog", inQuotes(folder.path().string())), 1, "Cannot write ");
+    expectRefused(onUnit("datalog", inQuotes(log)),
+                  "Cannot write " + log + ": its folder takes no new file: No such file or directory");
+    expectRefused(onUnit("datalog", inQuotes(folder.path().string())),
+                  "Cannot write " + folder.path().string() + ": Is a directory");
 }
 
 }  // namespace

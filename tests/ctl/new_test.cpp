@@ -161,7 +161,9 @@ TEST_F(CtlNew, SuggestsTheNamesThatMayBeMeant) {
     expectRefused(make("", "ORB A Standard", four, "1 BAR (10-106 kPa)"),
                   "There is no sensor \"1 BAR (10-106 kPa)\"; did you mean \"1 BAR (10-105 kPa)\"?");
     expectRefused(make("", "ORB A Standard", "steam turbine of the Turbinia"),
-                  "There is no engine \"steam turbine of the Turbinia\"");
+                  "There is no engine \"steam turbine of the Turbinia\"; \"zentaqctl engines\" lists them");
+    expectRefused(make("", "ORB A Standard", four, "barometer of the Turbinia"),
+                  "There is no sensor \"barometer of the Turbinia\"; \"zentaqctl sensors\" lists them");
     expectRefused(make("--set KNK_MINN=5"), "ORB A has no member KNK_MINN; did you mean KNK_MIN?");
     const Outcome unit = make("", "ORB A Standart");
     EXPECT_EQ(unit.exitCode, 2);

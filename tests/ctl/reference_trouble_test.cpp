@@ -44,7 +44,7 @@ class ZentaqctlAlone : public ZentaqctlOnLink {
         sqlite3* other = nullptr;
         ASSERT_EQ(sqlite3_open(database.c_str(), &other), SQLITE_OK);
         ASSERT_EQ(sqlite3_exec(other, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
-        check("it is locked: it is in use by another program");
+        check("it is locked: it is in use by another program; try again");
         sqlite3_close(other);
     }
     void expectNeeds(const Outcome& outcome, const std::string& words) const {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <csignal>
 #include <filesystem>
@@ -550,7 +551,7 @@ TEST_F(WireTraceTest, AFileThatIsDeletedEndsTheTraceAndIsToldOnce) {
         after(1'001'000);
         trace.tend();
     }
-    EXPECT_THAT(told, ElementsAre(path + ": No such file or directory"));
+    EXPECT_THAT(told, ElementsAre("Cannot write " + path + ": No such file or directory"));
     EXPECT_FALSE(trace.running());
 }
 
@@ -594,6 +595,26 @@ TEST_F(WireTraceTest, AFileThatIsNoTraceIsLeftAlone) {
     folder.write("other.trace.old", "my calibration");
     EXPECT_THROW(trace.start(folder.file("other.trace")), FileError);
     EXPECT_EQ(TemporaryFolder::read(folder.file("other.trace.old")), "my calibration");
+}
+
+TEST_F(WireTraceTest, WhatIsNoFileIsLeftAloneAndNeverWaitedFor) {
+    const auto refusal = [&](const std::string& name) {
+        std::string why;
+        endOnFailure([&] { trace.start(folder.file(name)); }, [&](const std::string& text) { why = text; });
+        return why;
+    };
+    const auto words = [&](const std::string& name, const std::string& what) {
+        return "Cannot write " + folder.file(name) + ": " + what;
+    };
+    ASSERT_EQ(::mkfifo(folder.file("pipe").c_str(), 0600), 0);
+    std::filesystem::create_symlink("/dev/null", folder.file("device"));
+    EXPECT_EQ(refusal("pipe"), words("pipe", "it is a pipe, not a file"));
+    EXPECT_EQ(refusal("device"), words("device", "it is a device, not a file"));
+    EXPECT_EQ(refusal(""), words("", "Is a directory"));
+    ASSERT_EQ(::mkfifo(folder.file("line.trace.old").c_str(), 0600), 0);
+    EXPECT_EQ(refusal("line.trace"), words("line.trace.old", "it is a pipe, not a file"));
+    EXPECT_TRUE(std::filesystem::is_fifo(folder.file("line.trace.old")));
+    EXPECT_FALSE(trace.running());
 }
 
 TEST_F(WireTraceTest, AFileThatCannotBeMadeIsNamed) {

@@ -266,7 +266,7 @@ TEST_F(DatabaseTrouble, ALockedFileCannotBeOpenedAndSaysSoWithinAFifthOfASecond)
     other.run("BEGIN EXCLUSIVE");
     std::string failure;
     EXPECT_LE(timeOf([&] { failure = openFailure(); }), longest);
-    EXPECT_EQ(failure, refusal("it is locked: it is in use by another program"));
+    EXPECT_EQ(failure, refusal("it is locked: it is in use by another program; try again"));
     other.run("COMMIT");
     EXPECT_TRUE(open().mapSensor(1));
 }
@@ -279,7 +279,8 @@ TEST_F(DatabaseTrouble, EachCallOnALockedFileFailsWithinAFifthOfASecondAndWorksA
     for (const auto& [name, call] : allCalls()) {
         std::string failure;
         const auto took = timeOf([&] { failure = failureOf<Failure>([&] { call(database); }); });
-        EXPECT_EQ(failure, "Reference database " + path + ": it is locked: it is in use by another program")
+        EXPECT_EQ(failure,
+                  "Reference database " + path + ": it is locked: it is in use by another program; try again")
             << name;
         EXPECT_LE(took, longest) << name << " " << took.count();
     }
@@ -293,7 +294,7 @@ TEST_F(DatabaseTrouble, WhileAnotherProgramWritesTheFileCanBeReadAndNotWritten) 
     other.run("BEGIN IMMEDIATE");
     for (const auto& [name, call] : readers()) EXPECT_NO_THROW(call(database)) << name;
     EXPECT_EQ(failureOf<Failure>([&] { database.clearDatalog(); }),
-              "Reference database " + path + ": it is locked: it is in use by another program");
+              "Reference database " + path + ": it is locked: it is in use by another program; try again");
     other.run("COMMIT");
     EXPECT_NO_THROW(database.clearDatalog());
 }

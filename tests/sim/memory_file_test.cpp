@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 
 #include <fstream>
 
@@ -57,9 +58,39 @@ TEST(MemoryFile, AnotherSizeIsAnError) {
     EXPECT_THROW(readMemoryFile(folder.path() / "unit.mem", 1), FileError);
 }
 
+std::string refusalOf(const std::filesystem::path& file) {
+    std::string why;
+    endOnFailure([&] { writeMemoryFile(file, {1}); }, [&](const std::string& text) { why = text; });
+    return why;
+}
+
 TEST(MemoryFile, FolderThatDoesNotExistIsAnError) {
     const TemporaryFolder folder;
-    EXPECT_THROW(writeMemoryFile(folder.path() / "none" / "unit.mem", {1}), FileError);
+    const auto file = folder.path() / "none" / "unit.mem";
+    EXPECT_EQ(refusalOf(file), "Cannot write " + file.string() + ": No such file or directory");
+}
+
+TEST(MemoryFile, WhatIsNoFileIsNeverReplacedByOne) {
+    const TemporaryFolder folder;
+    const auto file = folder.path() / "unit.mem";
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    EXPECT_EQ(refusalOf(file), "Cannot write " + file.string() + ": it is a pipe, not a file");
+    EXPECT_TRUE(std::filesystem::is_fifo(file));
+    std::filesystem::remove(file);
+    if (::mknod(file.c_str(), S_IFCHR | 0600, makedev(1, 7)) == 0) {  // a full device
+        EXPECT_EQ(refusalOf(file), "Cannot write " + file.string() + ": it is a device, not a file");
+        EXPECT_TRUE(std::filesystem::is_character_file(file));
+        std::filesystem::remove(file);
+    }
+    std::filesystem::create_directory(file);
+    EXPECT_EQ(refusalOf(file), "Cannot write " + file.string() + ": Is a directory");
+}
+
+TEST(MemoryFile, ANameThatIsTooLongIsToldWithIt) {
+    const TemporaryFolder folder;
+    const auto file = folder.path() / std::string(300, 'n');
+    EXPECT_EQ(refusalOf(file), "Cannot write " + file.string() + ": File name too long");
+    EXPECT_THROW(readMemoryFile(file, 5), FileError);
 }
 
 }  // namespace

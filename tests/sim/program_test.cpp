@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -183,6 +184,28 @@ TEST(ProgramOptions, WrongOnesAreNamedInWordsOfAUser) {
               "behind it, such as 21 or 128\n");
     EXPECT_EQ(said({"--unit", "A", "--engine", "idel"}),
               "zentaq-sim: There is no file idel: --engine takes idle, drive, dyno or a datalog\n");
+}
+
+TEST(ProgramOptions, AMemoryThatIsNoFileIsRefusedBeforeTheUnitIsThereAndStays) {
+    const TemporaryFolder folder;
+    const fs::path pipe = folder.path() / "pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    const std::string link = (folder.path() / "unit").string();
+    for (const char* option : {"--memory", "--running-memory"}) {
+        EXPECT_EQ(Program({"--unit", "A", "--link", link, option, pipe.string()}).said(),
+                  "zentaq-sim: Cannot write " + pipe.string() + ": it is a pipe, not a file\n");
+    }
+    EXPECT_EQ(Program({"--unit", "A", "--make-firmware", pipe.string()}).said(),
+              "zentaq-sim: Cannot write " + pipe.string() + ": it is a pipe, not a file\n");
+    EXPECT_TRUE(fs::is_fifo(pipe));
+    const std::string memory = (folder.path() / "unit.mem").string();
+    fs::rename(pipe, memory + ".firmware");
+    EXPECT_EQ(Program({"--unit", "A", "--link", link, "--memory", memory}).said(),
+              "zentaq-sim: Cannot write " + memory + ".firmware: it is a pipe, not a file\n");
+    EXPECT_FALSE(fs::exists(memory));
+    const std::string longName = (folder.path() / std::string(300, 'n')).string();
+    EXPECT_EQ(Program({"--unit", "A", "--link", link, "--memory", longName}).said(),
+              "zentaq-sim: Cannot write " + longName + ": File name too long\n");
 }
 
 TEST(ProgramOptions, HelpFitsATerminalOf80Columns) {

@@ -5,7 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 
 #include <csignal>
 
@@ -179,7 +181,7 @@ TEST_F(SafeFile, TheSurplusOfALongerFileStays) {
 }
 
 TEST_F(SafeFile, ASurplusOfManyPiecesStays) {
-    std::string content(400'000, '\0');
+    std::string content(65536, '\0');
     for (std::size_t i = 0; i < content.size(); ++i) content[i] = static_cast<char>(i * 11 % 256);
     writeContent(path, content);
     writeFileStartSafely(path, "abc");
@@ -267,8 +269,37 @@ TEST_F(SafeFile, AFolderThatIsAFileIsTold) {
 
 TEST_F(SafeFile, APipeIsToldAndNotAnEndlessWait) {
     ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
-    EXPECT_EQ(outcome(path), "FileError: Cannot write " + path + ": Invalid argument");
+    EXPECT_EQ(outcome(path), "FileError: Cannot write " + path + ": it is a pipe, not a file");
     EXPECT_TRUE(fs::is_fifo(path));
+}
+
+TEST_F(SafeFile, ADeviceAndASocketAreTold) {
+    fs::create_symlink("/dev/null", path);
+    EXPECT_EQ(outcome(path), "FileError: Cannot write " + path + ": it is a device, not a file");
+    const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    const std::string name = folder.file("socket");
+    name.copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    EXPECT_EQ(outcome(name), "FileError: Cannot write " + name + ": it is a socket, not a file");
+    EXPECT_TRUE(fs::is_socket(name));
+    ::close(socket);
+}
+
+TEST_F(SafeFile, WhatIsLongerThanAnyCalibrationIsNotCopiedBehindOne) {
+    writeContent(path, "long");
+    const auto start = [&] { return outcomeOf([&] { writeFileStartSafely(path, "new"); }); };
+    fs::resize_file(path, 65536);
+    EXPECT_EQ(start(), "done");
+    EXPECT_EQ(fs::file_size(path), 65536U);
+    writeContent(path, "long");
+    fs::resize_file(path, 65537);
+    EXPECT_EQ(start(), "FileError: Cannot write " + path +
+                           ": the file there has 65537 bytes, which would stay behind the calibration; a "
+                           "calibration has at most 65536; name another file");
+    EXPECT_TRUE(contentOf(path).starts_with("long"));
+    EXPECT_EQ(outcome(path), "done") << "where nothing stays it may be as long as it likes";
 }
 
 TEST_F(SafeFile, ANameThatIsTooLongIsTold) {
