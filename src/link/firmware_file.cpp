@@ -57,6 +57,7 @@ std::optional<unsigned> byteAt(std::string_view line, std::size_t at) {
 struct Record {
     RecordUse use = RecordUse::Header;
     std::int64_t address = 0;
+    int addressBytes = 0;
     int dataBytes = 0;
 };
 
@@ -81,7 +82,7 @@ Record readRecord(std::string_view line) {
     }
     // The checksum is the complement of the sum of all before it, so everything together gives 255.
     if ((sum & 0xFFU) != 0xFFU) throw Failure("the checksum is wrong");
-    return {type->use, address, dataBytes};
+    return {type->use, address, type->addressBytes, dataBytes};
 }
 
 std::string hexAddress(std::int64_t address) {
@@ -120,6 +121,12 @@ class Sequence {
         if (record.dataBytes == 0) return;
         dataBytes_ += record.dataBytes;
         const std::int64_t behind = record.address + record.dataBytes;
+        const std::int64_t end = std::int64_t{1} << 8 * record.addressBytes;
+        if (behind > end) {
+            throw Failure("the " + std::to_string(record.dataBytes) + " bytes at the address " +
+                          hexAddress(record.address) + " run past the last one that the record can tell, " +
+                          hexAddress(end - 1));
+        }
         if (!ranges_.empty() && record.address < ranges_.back().behind) refuse({record.address, behind});
         if (ranges_.empty() || ranges_.back().behind != record.address) {
             ranges_.push_back({record.address, behind});

@@ -50,6 +50,24 @@ TEST(FirmwareFile, AWholeFileTellsItsLinesAndItsBytes) {
     EXPECT_EQ(file.dataBytes, 4);
 }
 
+TEST(FirmwareFile, ARecordEndsWhereItsAddressesEnd) {
+    // 13 + FF + F0 + 16 * 00 = 202, FF - 02 = FD; 13 + FF + F8 = 20A, FF - 0A = F5.
+    const std::string zeros(32, '0');
+    EXPECT_EQ(faultOf(lines({"S113FFF0" + zeros + "FD", endOfFile})), "") << "the last bytes there are";
+    EXPECT_EQ(
+        faultOf(lines({header, "S113FFF8" + zeros + "F5", endOfFile})),
+        "Line 2: the 16 bytes at the address FFF8 run past the last one that the record can tell, FFFF.");
+    // The next bytes for a longer address: 14 + 00 + FF + F8 = 20B, FF - 0B = F4.
+    EXPECT_EQ(faultOf(lines({"S21400FFF8" + zeros + "F4", endOfFile})), "");
+    // 14 + FF + FF + F8 = 30A: F5; 15 + 3 * FF + F8 = 40A: F5.
+    EXPECT_EQ(faultOf(lines({"S214FFFFF8" + zeros + "F5", endOfFile})),
+              "Line 1: the 16 bytes at the address FFFFF8 run past the last one that the record can tell, "
+              "FFFFFF.");
+    EXPECT_EQ(faultOf(lines({"S315FFFFFFF8" + zeros + "F5", endOfFile})),
+              "Line 1: the 16 bytes at the address FFFFFFF8 run past the last one that the record can tell, "
+              "FFFFFFFF.");
+}
+
 TEST(FirmwareFile, LinesEndInOneWayOrTheOther) {
     EXPECT_EQ(checkFirmware(lines({data, endOfFile}, "\r\n")).lines, 2);
     EXPECT_EQ(checkFirmware(lines({data, endOfFile}, "\n")).lines, 2);
