@@ -115,6 +115,7 @@ class GeneralConfig {
     void saveNew(const Saved& then);
     void saveInHand(const Saved& then);
     void storeNew(const std::string& path, const UnitSnapshot& entered, const Saved& then);
+    void beginSavingNew(const std::string& path, const UnitSnapshot& entered, const Saved& then);
     std::string askFile();
     bool fillWithDefaults();
     void tellNotSaved(const std::string& why);

@@ -74,6 +74,15 @@ void GeneralConfig::saveNew(const Saved& then) {
 }
 
 void GeneralConfig::storeNew(const std::string& path, const UnitSnapshot& entered, const Saved& then) {
+    const bool begun = endOnFailure([&] { beginSavingNew(path, entered, then); },
+                                    [&](const std::string& why) {
+                                        entered.restore(unit());
+                                        tellNotSaved(why);
+                                    });
+    if (!begun) then(false);
+}
+
+void GeneralConfig::beginSavingNew(const std::string& path, const UnitSnapshot& entered, const Saved& then) {
     unit().BinFile(path);
     const Unit::FileContent content = unit().fileContent();
     const auto ended = [this, alive = std::weak_ptr<bool>(alive_), path, entered, content,

@@ -14,7 +14,12 @@ Saving::Saving(Session& session, FileWriter* writer)
 void Saving::begin(FileSave save, Ended ended) {
     if (running()) throw Failure("A save is still running.");
     ended_ = std::move(ended);
-    writer_.begin(std::move(save));
+    try {
+        writer_.begin(std::move(save));
+    } catch (...) {
+        ended_ = nullptr;  // nothing runs
+        throw;
+    }
     if (auto saved = writer_.outcome()) finish(*saved);
 }
 

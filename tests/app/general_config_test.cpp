@@ -456,6 +456,39 @@ TEST_F(GeneralConfigForm, ASaveThatFailsLosesNothing) {
     EXPECT_EQ(unit().get("REV_Limiter"), 8100);
 }
 
+/// A system that has nothing left for a save.
+class RefusingDisk : public FileWriter {
+ public:
+    void begin(FileSave) override { throw FileError("Cannot begin a save: no memory"); }
+    std::optional<FileSaved> outcome() override { return std::nullopt; }
+};
+
+TEST_F(GeneralConfigForm, ASaveThatCannotBeginLosesNothing) {
+    RefusingDisk disk;
+    Session refused{Platform{fake.port, fake.ticker, fake.clock, fake.settings, fake.dialogs, fake.yield,
+                             fake.folder.path(), fake.folder.path(), &disk}};
+    refused.attach(fake.windows);
+    refused.makeUnits();
+    refused.database = Database::open(database);
+    refused.header().fileState = "NEW";
+    GeneralConfig onIt{refused};
+    onIt.load();
+    ASSERT_TRUE(onIt.enter("cmbORB_UNIT", "ORB A Standard"));
+    ASSERT_TRUE(onIt.enter("cmbEngine", fourCylinders));
+    ASSERT_TRUE(onIt.enter("cmbMAP", oneBar));
+    const auto before = cellsOf(refused.currentUnitObject());
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        fake.dialogs.files.push_back(fake.folder.path("t.ZQ4OA"));
+        EXPECT_FALSE(onIt.save());
+        EXPECT_THAT(lastBox(),
+                    HasSubstr("The calibration could not be saved.\nCannot begin a save: no memory"));
+        EXPECT_FALSE(refused.saving.running());
+        EXPECT_TRUE(onIt.creating());
+        EXPECT_EQ(refused.currentUnitObject().BinFile(), "");
+        EXPECT_EQ(cellsOf(refused.currentUnitObject()), before);
+    }
+}
+
 TEST_F(GeneralConfigForm, ADatabaseThatFailsLeavesNoHalfMadeCalibration) {
     prepare();
     const auto before = cellsOf(unit());
