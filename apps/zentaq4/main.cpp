@@ -3,6 +3,7 @@
 #include "app/main_commands.h"
 #include "app/session.h"
 #include "app/start_up.h"
+#include "platform/home_folder.h"
 #include "platform/runtime_folder.h"
 #include "platform/single_instance.h"
 #include "qt/application.h"
@@ -52,6 +53,7 @@ int run(Application& application, QtDialogs& dialogs) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    settleHome();
     Application application(argc, argv);
     Application::setApplicationName(QStringLiteral("Zentaq4"));
     Application::setApplicationVersion(QStringLiteral(ZENTAQ_VERSION));

@@ -1,14 +1,14 @@
 #include "platform/single_instance.h"
 
 #include <fcntl.h>
-#include <pwd.h>
 #include <sys/file.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
+#include <system_error>
 
 #include "base/errors.h"
+#include "platform/home_folder.h"
 #include "platform/runtime_folder.h"
 
 namespace zentaq {
@@ -19,19 +19,13 @@ constexpr ::mode_t ownerOnly = 0600;
 
 constexpr const char* lockName = "zentaq4.lock";
 
-std::filesystem::path homeFolder() {
-    const char* home = std::getenv("HOME");
-    if (home != nullptr && std::filesystem::path(home).is_absolute()) return home;
-    const passwd* user = ::getpwuid(::getuid());
-    if (user == nullptr) throw FileError("No home folder");
-    return user->pw_dir;
-}
-
 /// For a user whose runtime folder is somebody else's: no one must be able to keep the lock from its owner, or
 /// to take it away from under a program that runs.
 std::filesystem::path lockInHome() {
     const std::filesystem::path folder = homeFolder() / ".local" / "state" / "zentaq4";
-    std::filesystem::create_directories(folder);
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error) throw FileError("Cannot make the folder " + folder.string() + ": " + error.message());
     return folder / lockName;
 }
 

@@ -2,6 +2,7 @@
 // only the script itself is at work.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 
 #include <chrono>
@@ -46,11 +47,12 @@ class RunScriptSamples : public ::testing::Test {
     }
     static std::string read(const fs::path& file) { return TemporaryFolder::read(file.string()); }
 
-    /// Status of ./run; `search` comes in front of the paths of the system.
-    int run(const fs::path& search = {}) const {
+    /// Status of ./run; `search` comes in front of the paths of the system, `homeWords` tell `env` of HOME.
+    int run(const fs::path& search = {}, std::string homeWords = {}) const {
         const std::string first = search.empty() ? "" : search.string() + ":";
-        const std::string command = "cd '" ZENTAQ_SOURCE_DIR "' && env -u XDG_CONFIG_HOME HOME='" +
-                                    home.string() + "' PATH='" + first + std::getenv("PATH") +
+        if (homeWords.empty()) homeWords = "HOME='" + home.string() + "'";
+        const std::string command = "cd '" ZENTAQ_SOURCE_DIR "' && timeout 60 env -u XDG_CONFIG_HOME " +
+                                    homeWords + " PATH='" + first + std::getenv("PATH") +
                                     "' ZENTAQ_APP_FOLDER='" + app.string() + "' ./run >/dev/null 2>&1";
         const int status = std::system(command.c_str());
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -120,6 +122,33 @@ TEST_F(RunScriptSamples, TheDocumentsOfTheDesktopAreFoundInAHomeWithAnAmpersand)
     EXPECT_EQ(run(), 0);
     EXPECT_EQ(read(home / "Papers" / "Zentaq" / four), sample);
     EXPECT_FALSE(fs::exists(samples));
+}
+
+TEST_F(RunScriptSamples, AHomeThatNobodyTellsIsTheOneThatTheSystemKnows) {
+    const fs::path bin = folder.path() / "bin";
+    program(bin / "getent", "[ \"$1\" = passwd ] && echo 'tuner:x:7:7::" + home.string() + ":/bin/sh'\n");
+    for (const char* words : {"-u HOME", "HOME=", "HOME=tuner"}) {
+        fs::remove_all(home / "Documents");
+        fs::remove(home / "started");
+        EXPECT_EQ(run(bin, words), 0) << words;
+        EXPECT_THAT(names(), UnorderedElementsAre(four, eight)) << words;
+        EXPECT_TRUE(started()) << words << ": the program has the same home";
+    }
+}
+
+TEST_F(RunScriptSamples, AUserWithoutAnyHomeStartsWithoutSamples) {
+    const fs::path bin = folder.path() / "bin";
+    program(bin / "getent", "exit 2\n");
+    program(app / "zentaq4", "touch '" + (folder.path() / "started").string() + "'\n");
+    EXPECT_EQ(run(bin, "-u HOME"), 0);
+    EXPECT_TRUE(fs::exists(folder.path() / "started"));
+}
+
+TEST_F(RunScriptSamples, APipeInThePlaceOfTheDesktopsFoldersIsNotWaitedFor) {
+    fs::create_directories(home / ".config");
+    ASSERT_EQ(::mkfifo((home / ".config" / "user-dirs.dirs").c_str(), 0600), 0);
+    EXPECT_EQ(run(), 0);
+    EXPECT_EQ(read(samples / four), sample);
 }
 
 TEST_F(RunScriptSamples, ADocumentsFolderThatCannotBeMadeIsNoReasonNotToStart) {

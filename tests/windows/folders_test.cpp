@@ -1,9 +1,14 @@
 #include "qt/folders.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <QDir>
 #include <QStandardPaths>
 #include <filesystem>
+
+#include "temporary_folder.h"
 
 namespace zentaq {
 namespace {
@@ -17,6 +22,17 @@ TEST(Folders, TheUserFolderIsBelowTheDocumentsFolder) {
         QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation).toStdString();
     EXPECT_EQ(userFolder(), documents + "/Zentaq");
     EXPECT_EQ(userFolder().find('\0'), std::string::npos);
+}
+
+TEST(Folders, APipeInThePlaceOfTheDesktopsFoldersIsNotWaitedFor) {
+    const TemporaryFolder folder;
+    ASSERT_EQ(::mkfifo(folder.file("user-dirs.dirs").c_str(), 0600), 0);
+    const QByteArray before = qgetenv("XDG_CONFIG_HOME");
+    qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(folder.path().string()));
+    ::alarm(20);  // ends a program that waits for good
+    EXPECT_EQ(userFolder(), (QDir::homePath() + "/Documents/Zentaq").toStdString());
+    ::alarm(0);
+    before.isNull() ? qunsetenv("XDG_CONFIG_HOME") : qputenv("XDG_CONFIG_HOME", before);
 }
 
 TEST(Folders, AskingMakesNoFolder) {
