@@ -13,17 +13,21 @@
 #include <cstring>
 
 #include "platform/device_keeper.h"
+#include "platform/name_holder.h"
 
 namespace zentaq {
 
 namespace {
 
-/// A name that belongs to one process at a time and goes with it, however it ends. Made of the device's number,
-/// since one device may have several paths.
-PosixHandle claimOf(const struct stat& device) {
+/// Made of the device's number, since one device may have several paths.
+std::string nameOfClaim(const struct stat& device) {
+    return "zentaq4-line-" + std::to_string(major(device.st_rdev)) + "-" +
+           std::to_string(minor(device.st_rdev));
+}
+
+/// A name that belongs to one process at a time and goes with it, however it ends.
+PosixHandle claimOf(const std::string& name) {
     PosixHandle claim(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
-    const std::string name = "zentaq4-line-" + std::to_string(major(device.st_rdev)) + "-" +
-                             std::to_string(minor(device.st_rdev));
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     // The first byte stays 0: a name outside the file system.
@@ -34,6 +38,13 @@ PosixHandle claimOf(const struct stat& device) {
     claim.reset();
     errno = error;
     return claim;
+}
+
+/// The name needs no right to the device, so whoever holds it is told: a user can see whether it is a program
+/// that may have the port.
+std::string wordsForHolder(const struct stat& device) {
+    const std::string holder = holderOfName(nameOfClaim(device));
+    return std::string(portBusyWords) + (holder.empty() ? "" : ": " + holder);
 }
 
 void openUnderLock(LockedLine& locked, const std::string& device) {
@@ -58,9 +69,9 @@ LockedLine openLocked(const std::string& device) {
         locked.trouble = openingTrouble(device, errno);
     } else if (!S_ISCHR(about.st_mode)) {
         locked.trouble = "no serial port";
-    } else if (locked.lock = claimOf(about); !locked.lock.valid()) {
+    } else if (locked.lock = claimOf(nameOfClaim(about)); !locked.lock.valid()) {
         locked.busy = errno == EADDRINUSE;
-        locked.trouble = locked.busy ? std::string(portBusyWords) : "cannot be locked";
+        locked.trouble = locked.busy ? wordsForHolder(about) : "cannot be locked";
     } else {
         openUnderLock(locked, device);
     }
