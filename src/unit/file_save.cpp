@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "base/errors.h"
+#include "base/file_reader.h"
 #include "unit/file_lock.h"
 #include "unit/safe_file.h"
 
