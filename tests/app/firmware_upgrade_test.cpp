@@ -320,6 +320,28 @@ TEST_F(FirmwareUpgradeMeanwhile, AUnitThatFallsSilentIsAskedBeforeItIsProgrammed
     EXPECT_FALSE(session.link.transferPending());
 }
 
+/// Windows that let the link go on while they close.
+class FormsThatCloseSlowly : public RecordingWindows {
+ public:
+    void removeForms() override { meanwhile(); }
+    std::function<void()> meanwhile;
+};
+
+TEST_F(FirmwareUpgradeMeanwhile, AUnitOfAnotherKindThatComesWhileTheFormsCloseGetsNothing) {
+    linkOrbA();
+    FormsThatCloseSlowly closing;
+    closing.meanwhile = [&] {
+        loseUnit();
+        linkOrbL();
+    };
+    session.attach(closing);
+    choose(firmware("ZQA-505100.nv3"));
+    EXPECT_EQ(titles().back(), "Invalid Firmware");
+    EXPECT_FALSE(session.link.transferPending());
+    EXPECT_FALSE(asked("P3"));
+    session.attach(fake.windows);
+}
+
 TEST_F(FirmwareUpgradeMeanwhile, AUnitOfTheOldestFirmwareThatComesGetsNothing) {
     during("", [&] {
         session.link.Send_ORB_Command("E");
@@ -399,10 +421,15 @@ TEST_F(FirmwareUpgrade, ARunThatStillWaitsInTheQueueKeepsThePortSearchAwayToo) {
 
 TEST_F(FirmwareUpgrade, ATransferThatBeganWhileTheFileWasChosenIsNotDisturbed) {
     linkOrbA();
-    session.link.Program_Unit(TransferMode::Datalog, fake.folder.path("log.dat"));
-    session.link.AutoPollSuspended(true);
+    fake.dialogs.meanwhile = [&](const std::string& shown) {
+        if (!shown.empty()) return;
+        session.link.AutoPollSuspended(true);
+        session.link.Program_Unit(TransferMode::Datalog, fake.folder.path("log.dat"));
+    };
     choose(firmware("ZQA-505100.nv3"));
+    EXPECT_EQ(fake.dialogs.boxes.back().text, "A transfer is running.  Please wait until it has ended.");
     EXPECT_TRUE(session.link.AutoPollSuspended());
+    EXPECT_TRUE(session.link.transferPending());
     EXPECT_FALSE(session.link.firmwarePending());
 }
 

@@ -188,6 +188,22 @@ TEST_F(ProgramOrb, ACalibrationThatIsClosedWhileABoxStandsIsError1003) {
     expectNothingSent();
 }
 
+TEST_F(ProgramOrb, ATransferThatBeginsWhileABoxStandsIsNotDisturbed) {
+    openCalibration();
+    link(firstOrbA);
+    during("Warning 1007", [&] {
+        session.link.AutoPollSuspended(true);
+        session.link.Program_Unit(TransferMode::Datalog, fake.folder.path("log.dat"));
+    });
+    commands.programOrb();
+    EXPECT_THAT(titles(), ElementsAre("Warning 1007", "Zentaq4"));
+    EXPECT_EQ(fake.dialogs.boxes.back().text, "A transfer is running.  Please wait until it has ended.");
+    EXPECT_TRUE(session.link.AutoPollSuspended());
+    EXPECT_TRUE(session.link.transferPending());
+    EXPECT_FALSE(session.link.programming());
+    EXPECT_THAT(fake.windows.calls, Not(Contains("removeForms")));
+}
+
 TEST_F(ProgramOrb, AUnitThatHasNotToldItsFirmwareGetsNoImageMadeForThatOfTheFile) {
     openCalibration();
     identify(firstOrbA);
@@ -206,6 +222,25 @@ TEST_F(ProgramOrb, AUnitThatIsSwitchedOffAndOnWhileABoxStandsHasToTellItsFirmwar
     commands.programOrb();
     EXPECT_EQ(titles().back(), "Error 1005");
     expectNothingSent();
+}
+
+/// Windows that let the link go on while they close.
+class SlowlyClosingWindows : public RecordingWindows {
+ public:
+    void removeForms() override { meanwhile(); }
+    std::function<void()> meanwhile;
+};
+
+TEST_F(ProgramOrb, ALinkThatIsLostWhileTheFormsCloseIsError1005) {
+    openCalibration();
+    link(firstOrbA);
+    SlowlyClosingWindows closing;
+    closing.meanwhile = [&] { loseUnit(); };
+    session.attach(closing);
+    commands.programOrb();
+    EXPECT_EQ(titles().back(), "Error 1005");
+    expectNothingSent();
+    session.attach(fake.windows);
 }
 
 // ---- Behind what was typed before

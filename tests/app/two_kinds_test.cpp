@@ -18,13 +18,17 @@ constexpr std::uint32_t orbA = 200001, orbL = 300001, orbD = 700001, orbD6 = 750
 
 class TwoKinds : public GeneralConfigForm {
  protected:
-    /// A file of a model; nothing is in hand afterwards.
+    /// A file of a model; nothing is in hand afterwards, and its object knows as little as when the program
+    /// begins.
     std::string fileOf(const char* model, const std::string& name) {
         prepare(model);
         const std::string path = fake.folder.path(name);
         EXPECT_TRUE(saveTo(path));
         form.unload();
+        Unit& made = unit();
         commands.close();
+        made.FW_Release(0);
+        made.FW_Build(0);
         fake.dialogs.boxes.clear();
         return path;
     }
