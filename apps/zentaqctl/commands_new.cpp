@@ -94,8 +94,6 @@ struct Setting {
 constexpr std::array<std::string_view, 11> basicFigures = {
     "MAP_BAR", "REV_Limiter", "scale1", "INJ_On", "INJ_Number",  "MAX_Boost",
     "CAMSTL",  "Alcohol",     "AMP42",  "BHP",    "INJ_FlowRate"};
-constexpr int mustBeWhole = 1002;  ///< warning
-constexpr std::array<std::string_view, 3> switches = {"CAMSTL", "Alcohol", "AMP42"};
 
 bool isBasic(const std::string& member) {
     return std::ranges::find(basicFigures, member) != basicFigures.end();
@@ -117,25 +115,6 @@ std::vector<Setting> settingsOf(const NewCalibration& wanted, const UnitKind& ki
     return settings;
 }
 
-Limits limitsOf(Unit& unit, const std::string& member) {
-    if (std::ranges::find(switches, member) != switches.end()) return {0, 1, "(0 to 1)"};
-    return figureLimits(unit, member);
-}
-
-void putFigure(QuietCalibration& calibration, const Setting& setting) {
-    const Member member = memberOf(calibration.unit.kind(), setting.member);
-    refuseComma(member.name, setting.value);
-    const auto number = parseNumber(setting.value);
-    const Limits limits = limitsOf(calibration.unit, member.name);
-    const bool outside =
-        number && !limits.unlimited() &&
-        calibration.host.checkRange(static_cast<float>(*number), limits.minimum, limits.maximum, limits.text);
-    const bool broken = number && isWholeFigure(member.name) && *number != std::trunc(*number);
-    if (!outside && broken) calibration.host.displayWarning(mustBeWhole, {});
-    if (outside || broken) throw Refused(calibration.host.refusals().back());
-    writeMember(calibration, member, setting.value, 0);
-}
-
 void putPlainFigures(Unit& unit, const Database& database, const EngineRow& engine) {
     const EngineFigures plain = startingFigures(database, unit.kind());
     const std::pair<std::string_view, float> figures[] = {
@@ -152,7 +131,8 @@ void putFigures(QuietCalibration& calibration, const std::vector<Setting>& setti
     };
     for (const std::string_view member : basicFigures) {
         const auto setting = given(member);
-        if (setting != settings.end()) putFigure(calibration, *setting);
+        if (setting == settings.end()) continue;
+        writeMember(calibration, memberOf(calibration.unit.kind(), setting->member), setting->value, 0);
     }
     Unit& unit = calibration.unit;
     if (given("scale1") == settings.end()) unit.store("scale1", usualPulse(unit, plainPulse));

@@ -9,6 +9,7 @@
 #include "base/shown_text.h"
 #include "base/text.h"
 #include "commands.h"
+#include "config/basic_figures.h"
 #include "members.h"
 #include "unit_names.h"
 
@@ -78,7 +79,7 @@ std::string rangeIn(const MemberList& list, const Member& member) {
     if (list.calibration == nullptr || member.row == nullptr) return member.range;
     std::string range = member.range;
     // A range that follows from a broken cell stays untold.
-    skipFailing([&] { range = list.calibration->unit.limits(member.row->name).text; });
+    skipFailing([&] { range = figureLimits(list.calibration->unit, member.row->name).text; });
     return range.empty() ? member.range : range;
 }
 

@@ -20,7 +20,6 @@ constexpr int noUnit = 1004;         ///< error: no model has been chosen
 constexpr int invalidEntry = 1004;   ///< warning
 constexpr int ownWarning = 1003;     ///< warning with a text of the caller
 constexpr int mustBeNumeric = 1000;  ///< check of an entry
-constexpr int mustBeWhole = 1002;    ///< warning
 
 }  // namespace
 
@@ -197,15 +196,7 @@ bool GeneralConfig::enterText(const GeneralRow& row, std::string_view text) {
         session_.displayWarning(mustBeNumeric, "Retype Data");
         return false;
     }
-    const Limits limits = figureLimits(unit(), row.member);
-    if (!limits.unlimited() &&
-        session_.checkRange(static_cast<float>(number), limits.minimum, limits.maximum, limits.text)) {
-        return false;
-    }
-    if (isWholeFigure(row.member) && number != std::trunc(number)) {
-        session_.displayWarning(mustBeWhole, {});
-        return false;
-    }
+    if (figureRefused(unit(), row.member, number)) return false;
     if (!write(row.member, number)) return false;
     if (row.member == "INJ_FlowRate" && sizing_) sizing_->InjectorFlow = unit().get(row.member);
     noteChange(row);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cmath>
 
 #include "base/number_text.h"
 #include "base/rounding.h"
@@ -34,6 +35,38 @@ Limits boostLimits(Unit& unit) {
     if (!boostUsed(unit)) return Limits::none();
     const float highest = sensorRange(unit);
     return {0, highest, "(0 to " + numberText(highest) + " " + std::string(barIn(unit).shown) + ")"};
+}
+
+/// A figure whose limits follow from no other one.
+struct Figure {
+    std::string_view member;
+    float minimum = 0;
+    float maximum = 1;
+    std::string_view text = "(0 to 1)";
+    bool whole = true;
+};
+constexpr std::array figures{
+    Figure{"INJ_Number", 1, 24, "(1 to 24)"},
+    Figure{"BHP", 0, 5000, "(0 to 5000 HP)", false},
+    Figure{"AFR", 1, 40, "(1 to 40 AFR)", false},
+    // The writers put these into four bits, or beside other bits, of a byte: a larger number would change
+    // those.
+    Figure{"CYL_Number", 0, 15, "(0 to 15)"},
+    Figure{"INJ_Events", 0, 15, "(0 to 15)"},
+    Figure{"PHDSEQ", 0, 3, "(0 to 3)"},
+    Figure{"Engine_Type"},
+    Figure{"EGO_Type", 1, 2, "(1 to 2)"},
+    Figure{"CAMSTL"},
+    Figure{"Alcohol"},
+    Figure{"AMP42"},
+    Figure{"DCCL_CutActive"},
+    Figure{"MAP_Active"},
+    Figure{"TPS_MARGIN_TOGGLE"},
+};
+
+const Figure* figureOf(std::string_view member) {
+    const auto found = std::ranges::find(figures, member, &Figure::member);
+    return found == figures.end() ? nullptr : &*found;
 }
 
 /// The computed flow is the least that the injectors may have; without one any flow up to the highest goes.
@@ -91,15 +124,35 @@ EngineFigures figuresOf(Unit& unit) {
 }
 
 Limits figureLimits(Unit& unit, std::string_view member) {
-    if (member == "INJ_Number") return {1, 24, "(1 to 24)"};
-    if (member == "BHP") return {0, 5000, "(0 to 5000 HP)"};
+    if (figureOf(member) != nullptr) return fixedFigureLimits(member);
     if (member == "MAX_Boost") return boostLimits(unit);
     if (member == "INJ_FlowRate") return flowLimits(unit);
     return unit.limits(member);
 }
 
-bool isWholeFigure(std::string_view member) {
-    return member == "INJ_Number";
+std::string_view figureRange(std::string_view member) {
+    if (const Figure* figure = figureOf(member)) return figure->text;
+    return member == "MAX_Boost" || member == "INJ_FlowRate" ? "depends on the calibration" : "";
+}
+
+Limits fixedFigureLimits(std::string_view member) {
+    const Figure* figure = figureOf(member);
+    if (figure == nullptr) return Limits::none();
+    return {figure->minimum, figure->maximum, std::string(figure->text)};
+}
+
+bool figureRefused(Unit& unit, std::string_view member, double number) {
+    constexpr int mustBeWhole = 1002;
+    const Limits limits = figureLimits(unit, member);
+    UnitHost& host = unit.host();
+    if (!limits.unlimited() &&
+        host.checkRange(static_cast<float>(number), limits.minimum, limits.maximum, limits.text)) {
+        return true;
+    }
+    const Figure* figure = figureOf(member);
+    if (figure == nullptr || !figure->whole || number == std::trunc(number)) return false;
+    host.displayWarning(mustBeWhole, {});
+    return true;
 }
 
 std::string flowText(double flow) {

@@ -24,12 +24,20 @@ float enteredBoost(const Unit& unit);
 SizingInput sizingInput(Unit& unit);
 EngineFigures figuresOf(Unit& unit);
 
-/// The limits of `INJ_Number`, `BHP`, `MAX_Boost` and `INJ_FlowRate`, for which the parameter table has none;
-/// those of the parameter table for any other member.
+/// The limits of an entry. Some members have none in the parameter table, since a calibration may hold
+/// anything there; what a user enters has those of this piece: basic figures, switches, codes that share a
+/// cell or a control byte with others.
 Limits figureLimits(Unit& unit, std::string_view member);
 
-/// Only a whole number makes sense: `INJ_Number`.
-bool isWholeFigure(std::string_view member);
+/// The limits of a figure as text, where no calibration is in hand; empty for a member without any here.
+std::string_view figureRange(std::string_view member);
+
+/// Limits of a figure that follow from no other member; Limits::none() for any other member.
+Limits fixedFigureLimits(std::string_view member);
+
+/// Checks an entry for a member by `figureLimits`, and whether it must be whole. True: refused, the user has
+/// been told.
+bool figureRefused(Unit& unit, std::string_view member, double number);
 
 /// As it is shown and stored, lb/hr: "###.00".
 std::string flowText(double flow);

@@ -7,6 +7,7 @@
 
 #include "base/errors.h"
 #include "base/number_text.h"
+#include "config/basic_figures.h"
 #include "config/calibration_cells.h"
 
 namespace zentaq {
@@ -40,7 +41,7 @@ std::optional<Limits> limitsOf(Unit& unit, const CellPlace& place, float value) 
         skipFailing([&] { limits = (*rangeOf)(unit, place.element, value); });
         return limits;
     }
-    return {};
+    return fixedFigureLimits(place.row->name);
 }
 
 bool isWithin(float value, const Limits& limits) {

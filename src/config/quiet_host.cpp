@@ -1,10 +1,12 @@
 #include "config/quiet_host.h"
 
 #include <cmath>
+#include <variant>
 
 #include "base/number_text.h"
 #include "base/shown_text.h"
 #include "base/text.h"
+#include "config/basic_figures.h"
 #include "config/engine_facts.h"
 
 namespace zentaq {
@@ -16,6 +18,7 @@ constexpr int outOfRange = 1001;
 constexpr int notWhole = 1002;
 constexpr int notEmpty = 1003;
 constexpr int nullValue = 1005;
+constexpr int notAscending = 1006;
 
 /// The words of the numbered warnings on one line, as the boxes of the windows have them.
 std::string warningLine(int code, std::string_view text) {
@@ -27,6 +30,9 @@ std::string warningLine(int code, std::string_view text) {
             return head + std::string(text) + " - Invalid Entry.";
         case notWhole:
             return head + "Enter Whole Numbers Only";
+        case notAscending:
+            return head + "The value you entered must be higher than that of the one to the left. " +
+                   std::string(text);
         case nullValue:
             return head + "Field CANNOT be NULL; please try again.";
         default:
@@ -96,7 +102,9 @@ void setOrThrow(Unit& unit, QuietHost& host, std::string_view member, const Entr
     // A text field tests its text when it is left; the Unit object takes numbers.
     if (!host.checkInput(notEmpty, value.text()) && !host.checkInput(nonNumeric, value.text())) {
         if (!std::isfinite(value.number())) throw Overflow(name + ": the number is too large");
-        if (unit.write(*row, value, element)) return;
+        const bool refused =
+            std::holds_alternative<NoRange>(row->range) && figureRefused(unit, row->name, value.number());
+        if (!refused && unit.write(*row, value, element)) return;
     }
     if (host.refusals().size() == before)
         throw Refused(name + " does not take " + shownBriefly(value.text()));
