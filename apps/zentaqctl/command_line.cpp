@@ -139,6 +139,10 @@ CLI::Option* CommandLine::addForce(CLI::App* command) {
     return command->add_flag("--force", given_.force, "Take the place of a file that is there already");
 }
 
+void CommandLine::addCutForce(CLI::App* command) {
+    command->add_flag("--force", given_.force, "Take a calibration file whose end is missing all the same");
+}
+
 void CommandLine::addReading() {
     Arguments& given = given_;
     addJson(addOnFile("info", "Show what a file is",
@@ -207,6 +211,8 @@ void CommandLine::addChanging() {
     memory->add_option("--firmware", given.firmware, "Image for this firmware, such as 5.99")
         ->check(CLI::Validator(validFirmware, "RELEASE.BUILD"));
     addOutput(memory, "S-record file to write; - is the standard output")->required();
+    memory->get_option("--force")->description(
+        "Take the place of a file that is there already, and a calibration file whose end is missing");
 
     CLI::App* old =
         add("import-bin", "Turn a file of the older generation into a calibration file",

@@ -75,6 +75,7 @@ class CommandLine {
     void addJson(CLI::App* command);
     CLI::Option* addOutput(CLI::App* command, const char* what);
     CLI::Option* addForce(CLI::App* command);
+    void addCutForce(CLI::App* command);
     void addReading();
     void addChanging();
     void addTable();

@@ -114,6 +114,7 @@ void CommandLine::addLink() {
     addValue(sent);
     addIndex(sent);
     addScaling(sent, "Calibration that the unit runs on, for values that depend on it");
+    addCutForce(sent);
     addJson(sent);
     addOnPort("store", "Have the unit keep the changes that were sent",
               linking([&given](const Context& context) { store(context, given.port); }));
@@ -135,6 +136,7 @@ void CommandLine::addLinkTransfers() {
         addOnPort("program", "Program a calibration into the unit",
                   linking([&given](const Context& context) { program(context, given.port, given.file); }));
     load->add_option("FILE", given.file, "Calibration file")->required();
+    addCutForce(load);
 
     CLI::App* upgrade =
         addOnPort("firmware", "Give the unit a new firmware", linking([&given](const Context& context) {

@@ -110,7 +110,7 @@ void image(const Context& context, const std::string& file, std::optional<Firmwa
            const std::string& output) {
     refuseSameFile(output, file);
     refuseReplacingOther(context, output, "image", beginsWithSRecord);
-    const auto calibration = openCalibration(context, file);
+    const auto calibration = openCalibration(context, file, CutFile::Refused);
     Unit& unit = calibration->unit;
     if (firmware) {
         // As when a unit on the link tells its firmware: sensor and injector scaling move with it.
@@ -131,6 +131,7 @@ void image(const Context& context, const std::string& file, std::optional<Firmwa
     }
     if (firmware) noteUnknownRelease(context, *calibration, file);
     noteOutOfRange(context, file, unit, unit.kind().fileFloats);
+    noteAxes(context, file, unit);
     tell(context, calibration->host);
 }
 
@@ -142,6 +143,7 @@ void importOld(const Context& context, const std::string& file, const std::strin
     const auto calibration = QuietCalibration::importOld(file, context.database);
     calibration->unit.BinFile(output);
     saveCalibration(context, calibration->unit);
+    noteAxes(context, output, calibration->unit);
     tell(context, calibration->host);
     noteForeignExtension(context, calibration->unit.kind(), output);
 }

@@ -12,6 +12,7 @@
 #include "config/calibration_view.h"
 #include "config/quiet_calibration.h"
 #include "outputs.h"
+#include "unit/file_kind.h"
 #include "unit/file_lock.h"
 #include "unit/gpio_model.h"
 #include "unit/safe_file.h"
@@ -74,10 +75,16 @@ auto naming(const std::string& file, Work&& work) {
     }
 }
 
+void noteCut(const Context& context, const std::string& file, const CalibrationBytes& calibration,
+             std::string_view bytes) {
+    if (calibration.kind == nullptr) return;
+    noteCutOff(context, file, *calibration.kind, cellsCutOff(*calibration.kind, bytes.size()));
+}
+
 /// The bytes of a file that is known to be a calibration.
-std::string calibrationOf(const std::string& file) {
+std::string calibrationOf(const Context& context, const std::string& file) {
     std::string bytes = readInput(file, limits::calibration);
-    naming(nameOf(file), [&] { return knownCalibration(bytes); });
+    noteCut(context, nameOf(file), naming(nameOf(file), [&] { return knownCalibration(bytes); }), bytes);
     return bytes;
 }
 
@@ -135,18 +142,28 @@ void noteOddValues(const Context& context, const std::string& file, std::string_
     if (calibration.kind == nullptr) return;
     const CalibrationCells cells(calibration.kind);
     CalibrationView view(calibration, cells);
+    noteCut(context, file, calibration, bytes);
     noteOutOfRange(context, file, view.unit(), calibration.count());
+    noteAxes(context, file, view.unit());
     for (const std::string& line : GpioModel(view.unit()).oddFunctions()) {
         context.notes << file << ": " << line << '\n';
     }
+}
+
+/// Each side may have moved another stop of one axis.
+void noteMergedAxes(const Context& context, const std::string& file, std::string_view bytes) {
+    const CalibrationBytes calibration = knownCalibration(bytes);
+    const CalibrationCells cells(calibration.kind);
+    CalibrationView view(calibration, cells);
+    noteAxes(context, file, view.unit());
 }
 
 }  // namespace
 
 bool diff(const Context& context, const std::string& first, const std::string& second) {
     if (first == "-" && second == "-") throw Failure("Only one of the files can be the standard input");
-    const std::string firstBytes = calibrationOf(first);
-    const std::string secondBytes = calibrationOf(second);
+    const std::string firstBytes = calibrationOf(context, first);
+    const std::string secondBytes = calibrationOf(context, second);
     const auto found = differences(firstBytes, secondBytes);
     if (context.json) {
         writeJson(context.out, found);
@@ -161,14 +178,17 @@ void mergeFiles(const Context& context, const std::string& base, const std::stri
     refuseStandardOutput(output);
     refuseReplacing(context, output, "calibration", {base, first, second});
     const FileLock lock(output);  // it may be one of those that are read
-    const std::string baseBytes = calibrationOf(base);
-    std::string firstBytes = calibrationOf(first);
-    std::string secondBytes = calibrationOf(second);
+    const std::string baseBytes = calibrationOf(context, base);
+    std::string firstBytes = calibrationOf(context, first);
+    std::string secondBytes = calibrationOf(context, second);
     if (namedAfter(firstBytes, first) && namedAfter(secondBytes, second)) {
         settleNames(baseBytes, firstBytes, secondBytes, output);
     }
     const MergeResult result = merge(baseBytes, firstBytes, secondBytes);
-    if (result.clean()) return writeCalibration(context, output, result.bytes, {base, first, second});
+    if (result.clean()) {
+        writeCalibration(context, output, result.bytes, {base, first, second});
+        return noteMergedAxes(context, output, result.bytes);
+    }
     for (const MergeConflict& conflict : result.conflicts) context.out << lineOf(conflict) << '\n';
     const auto count = static_cast<int>(result.conflicts.size());
     throw Failure(numberText(count) + (count == 1 ? " conflict" : " conflicts") + ": nothing was written");
@@ -177,8 +197,9 @@ void mergeFiles(const Context& context, const std::string& base, const std::stri
 void exportText(const Context& context, const std::string& file, const std::string& output) {
     refuseSameFile(output, file);
     refuseReplacingOther(context, output, "text", beginsListing);
-    const std::string text =
-        naming(nameOf(file), [&] { return listingOf(readInput(file, limits::calibration)); });
+    const std::string bytes = readInput(file, limits::calibration);
+    const std::string text = naming(nameOf(file), [&] { return listingOf(bytes); });
+    noteCut(context, nameOf(file), CalibrationBytes::of(bytes), bytes);
     if (wroteNew(context, output, text)) return;
     refuseReplacingOther(context, output, "text", beginsListing);
     writeOutput(context, output, text);

@@ -18,7 +18,7 @@ namespace {
 /// them.
 bool standsAlone(const Member& member) {
     const Parameter* row = member.row;
-    if (row == nullptr || row->write != nullptr || row->unit == "MAP") return false;
+    if (row == nullptr || row->write != nullptr || row->unit == "MAP" || isAxis(member)) return false;
     if (row->sending == Sending::ByWriter || row->sent().special != nullptr) return false;
     return !std::holds_alternative<RangeOf>(row->range);
 }
@@ -77,7 +77,7 @@ void writeAnswer(const Context& context, LinkDesk& desk, const Member& member, i
 void send(const Context& context, const std::string& port, const SendWish& wish) {
     std::unique_ptr<QuietCalibration> calibration;
     if (!wish.calibration.empty()) {
-        calibration = openCalibration(context, wish.calibration);
+        calibration = openCalibration(context, wish.calibration, CutFile::Refused);
         memberToSend(calibration->unit.kind(), wish);  // before anything is asked of a unit
     }
     QuietHost host(context.database);
@@ -91,6 +91,7 @@ void send(const Context& context, const std::string& port, const SendWish& wish)
     for (const std::string& record : records) {
         desk.require(desk.session().command("P2" + record), "take the change " + record);
     }
+    if (isAxis(member)) noteAxes(context, wish.calibration, calibration->unit);
     writeAnswer(context, desk, member, wish.index, records);
 }
 

@@ -65,8 +65,8 @@ class LinkingHost : public QuietHost {
 
 /// A calibration file in hand, as if it were open when the unit comes.
 struct CalibrationInHand {
-    CalibrationInHand(const Context& context, const std::string& file)
-        : host(context.database), unit(openCalibration(context, file)->unit.kind(), host) {
+    CalibrationInHand(const Context& context, const std::string& file, CutFile cut)
+        : host(context.database), unit(openCalibration(context, file, cut)->unit.kind(), host) {
         unit.FileOpen(file);
         unit.BinFile(file);  // the unit keeps the name of the file
         host.header().currentUnit = static_cast<float>(unit.kind().slot);
@@ -154,7 +154,7 @@ std::string whyNotDownloaded(const TransferEnd& end) {
 }  // namespace
 
 void program(const Context& context, const std::string& port, const std::string& file) {
-    CalibrationInHand calibration(context, file);
+    CalibrationInHand calibration(context, file, CutFile::Refused);
     LinkDesk desk(context, port, calibration.host, &calibration.unit);
     desk.findUnit();
     if (desk.session().linkedUnit().kind().slot != calibration.unit.kind().slot) {
@@ -165,6 +165,7 @@ void program(const Context& context, const std::string& port, const std::string&
                      throw Failure(file + " makes no image: " + why + ". Nothing was sent to the unit.");
                  });
     warnOlderFirmware(context, desk);
+    noteAxes(context, file, calibration.unit);
     // A warning may stand on a terminal that is stopped, and this for as long as its user likes.
     desk.requireSameUnit();
     programUnit(desk, file);
@@ -180,7 +181,7 @@ void datalog(const Context& context, const std::string& port, const std::string&
     refuseSameFile(output, context.trace);
     refuseSameFile(output, file);
     std::unique_ptr<CalibrationInHand> calibration;
-    if (!file.empty()) calibration = std::make_unique<CalibrationInHand>(context, file);
+    if (!file.empty()) calibration = std::make_unique<CalibrationInHand>(context, file, CutFile::Told);
     QuietHost host(context.database);
     LinkDesk desk(context, port, host, calibration ? &calibration->unit : nullptr);
     desk.findUnit();

@@ -214,8 +214,9 @@ class TableInput {
             const auto [at, column] = headerPlace(axis, line);
             refuse(place(at, column) + " (header)",
                    "Warning 1006: Data Input Error: The value you entered must be higher than that of the "
-                   "one to "
-                   "the left.");
+                   "one to the left. " +
+                       numberText(table_.header(axis, line - 1)) + " > " +
+                       numberText(table_.header(axis, line)) + " = FALSE");
         }
     }
 

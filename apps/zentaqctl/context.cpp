@@ -12,6 +12,8 @@
 #include "base/text.h"
 #include "config/calibration_ranges.h"
 #include "outputs.h"
+#include "unit/axis_order.h"
+#include "unit/file_kind.h"
 #include "unit/safe_file.h"
 
 namespace zentaq::ctl {
@@ -27,7 +29,9 @@ void refuseStandardOutput(const std::string& file) {
         throw Failure("A calibration is not written to the standard output; name a file");
 }
 
-std::unique_ptr<QuietCalibration> openCalibration(const Context& context, const std::string& file) {
+namespace {
+
+std::unique_ptr<QuietCalibration> readCalibration(const Context& context, const std::string& file) {
     try {
         return QuietCalibration::open(file, context.database);
     } catch (const FileError&) {
@@ -36,6 +40,30 @@ std::unique_ptr<QuietCalibration> openCalibration(const Context& context, const 
         throw Failure(file + ": the file is damaged, it holds a number out of all range. " + failure.what());
     } catch (const Failure& failure) {
         throw Failure(file + ": " + failure.what());
+    }
+}
+
+}  // namespace
+
+std::unique_ptr<QuietCalibration> openCalibration(const Context& context, const std::string& file,
+                                                  CutFile cut) {
+    auto calibration = readCalibration(context, file);
+    const int cells = calibration->host.header().cellsCutOff;
+    if (cells > 0 && cut == CutFile::Refused && !context.force) {
+        throw Failure(file + " is damaged: " + cutOffText(calibration->unit.kind(), cells) +
+                      " Look for a whole copy; --force takes it all the same");
+    }
+    noteCutOff(context, file, calibration->unit.kind(), cells);
+    return calibration;
+}
+
+void noteCutOff(const Context& context, const std::string& file, const UnitKind& kind, int cellsCutOff) {
+    if (cellsCutOff > 0) context.notes << file << " is damaged: " << cutOffText(kind, cellsCutOff) << '\n';
+}
+
+void noteAxes(const Context& context, const std::string& file, Unit& unit) {
+    for (const std::string& line : axesWithoutOrder(unit)) {
+        context.notes << file << ": " << line << "; the unit looks its values up in rising order\n";
     }
 }
 
@@ -54,13 +82,17 @@ const std::string& targetOf(const Context& context, const std::string& file, con
 }  // namespace
 
 Change::Change(const Context& context, const std::string& file, const std::string& output)
-    : context_(context), file_(file), lock_(targetOf(context, file, output)) {
+    : context_(context),
+      file_(file),
+      output_(output.empty() ? file : output),
+      lock_(targetOf(context, file, output)) {
     calibration_ = openCalibration(context, file);
-    calibration_->unit.BinFile(output.empty() ? file : output);
+    calibration_->unit.BinFile(output_);
 }
 
 void Change::save() {
     saveCalibration(context_, calibration_->unit, {file_});
+    noteAxes(context_, output_, calibration_->unit);
     tell(context_, calibration_->host);
 }
 

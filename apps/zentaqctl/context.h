@@ -25,7 +25,15 @@ struct Context {
     std::string trace;   ///< file for the wire trace of a command of the link; empty for none
 };
 
-std::unique_ptr<QuietCalibration> openCalibration(const Context& context, const std::string& file);
+/// A file that was cut is told in the notes; a command that makes bytes for a unit of it refuses it unless
+/// `force` is given.
+enum class CutFile { Told, Refused };
+std::unique_ptr<QuietCalibration> openCalibration(const Context& context, const std::string& file,
+                                                  CutFile cut = CutFile::Told);
+/// Notes it where a file has lost cells of its end.
+void noteCutOff(const Context& context, const std::string& file, const UnitKind& kind, int cellsCutOff);
+/// Notes the axes of tables that do not rise.
+void noteAxes(const Context& context, const std::string& file, Unit& unit);
 
 /// Writes the boxes that the windows would have shown, one line each.
 void tell(const Context& context, const QuietHost& host);
@@ -43,6 +51,7 @@ class Change {
  private:
     const Context& context_;
     std::string file_;
+    std::string output_;
     FileLock lock_;
     std::unique_ptr<QuietCalibration> calibration_;
 };

@@ -11,9 +11,11 @@
 #include "base/rounding.h"
 #include "base/shown_text.h"
 #include "base/text.h"
+#include "config/basic_figures.h"
 #include "config/gui_rules.h"
 #include "near_names.h"
 #include "tables/table_kind.h"
+#include "unit/axis_order.h"
 #include "unit/gpio_model.h"
 #include "unit/member_index.h"
 
@@ -57,7 +59,7 @@ Reach reachOf(const UnitKind& kind, const Parameter& row) {
 
 std::string rangeOf(const Parameter& row) {
     if (std::holds_alternative<RangeOf>(row.range)) return "depends on the calibration";
-    return std::string(row.rangeText);
+    return std::string(row.rangeText.empty() ? figureRange(row.name) : row.rangeText);
 }
 
 Member fromRow(const UnitKind& kind, const Parameter& row) {
@@ -280,15 +282,15 @@ void writePinFunction(QuietCalibration& calibration, const std::string& value, i
 void addPins(std::vector<Member>& members, const UnitKind& kind) {
     constexpr int blockCells = 9;
     const int pins = kind.numGpio + 1;
-    members.push_back(wholeMember(
-        {.name = "GPIO_Func",
-         .cell = kind.gpioBase,
-         .count = pins,
-         .stride = blockCells,
-         .columns = pins,
-         .reach = Reach::Programming,
-         .meaning = "Function code of each input and output"},
-        pinFunctions, [](Unit& unit, int pin) { return unit.Get_GPIOFUNC(pin); }, {}));
+    members.push_back(wholeMember({.name = "GPIO_Func",
+                                   .cell = kind.gpioBase,
+                                   .count = pins,
+                                   .stride = blockCells,
+                                   .columns = pins,
+                                   .reach = Reach::Programming,
+                                   .meaning = "Function code of each input and output"},
+                                  pinFunctions, [](Unit& unit, int pin) { return unit.Get_GPIOFUNC(pin); },
+                                  {}));
     members.back().write = writePinFunction;
     members.push_back({.name = "GPIO_Param",
                        .cell = kind.gpioBase + 1,
@@ -431,6 +433,33 @@ std::string nearName(const UnitKind& kind, const std::string& name) {
     return nearest;
 }
 
+/// A table, and which of its axes.
+struct AxisName {
+    std::string table;
+    std::string axis;
+};
+
+/// The axis that the elements of a member are stops of. The main tables share theirs.
+std::optional<AxisName> axisOf(const Member& member) {
+    if (member.name == "RPMTBL") return AxisName{"ADV", "X-Axis"};
+    if (member.name == "MAPTBL") return AxisName{"ADV", "Y-Axis"};
+    if (!member.name.ends_with(".X-Axis") && !member.name.ends_with(".Y-Axis")) return {};
+    const auto dot = member.name.find('.');
+    return AxisName{member.name.substr(0, dot), member.name.substr(dot + 1)};
+}
+
+/// The check that the table window makes of an entry.
+void refuseNotAscending(QuietCalibration& calibration, const AxisName& axis, const std::string& value,
+                        int element) {
+    constexpr int notAscending = 1006;
+    const auto number = parseNumber(value);
+    const auto before = stopBefore(calibration.unit, axis.table, axis.axis, element);
+    if (!number || !before || *before < static_cast<float>(*number)) return;
+    calibration.host.displayWarning(notAscending,
+                                    numberText(*before) + " > " + std::string(trimmed(value)) + " = FALSE");
+    throw Refused(calibration.host.refusals().back());
+}
+
 std::string withoutPrefix(const std::string& name) {
     return name.starts_with("Get_") || name.starts_with("Set_") ? name.substr(4) : name;
 }
@@ -471,6 +500,10 @@ std::vector<Member> membersOf(const UnitKind& kind) {
     return members;
 }
 
+bool isAxis(const Member& member) {
+    return axisOf(member).has_value();
+}
+
 void checkElement(const Member& member, int element) {
     if (element >= 0 && element < member.count) return;
     const std::string elements = member.count == 1 ? " has one value, element 0"
@@ -503,6 +536,7 @@ void writeMember(QuietCalibration& calibration, const Member& member, const std:
     checkElement(member, element);
     if (!member.write) throw NoSuchMember(member.name + " follows from other members and cannot be set");
     if (member.row != nullptr) refuseComma(member.name, value);
+    if (const auto axis = axisOf(member)) refuseNotAscending(calibration, *axis, value, element);
     member.write(calibration, value, element);
 }
 

@@ -46,6 +46,9 @@ Member memberOf(const UnitKind& kind, const std::string& name);
 /// All members of a kind: those of the parameter table in its order, then the others.
 std::vector<Member> membersOf(const UnitKind& kind);
 
+/// Whether its elements are stops of a table's axis, which must rise.
+bool isAxis(const Member& member);
+
 /// Throws BoundsError where a member has no such element.
 void checkElement(const Member& member, int element);
 

@@ -12,6 +12,7 @@
 #include "config/gui_rules.h"
 #include "config/tree.h"
 #include "link/firmware_file.h"
+#include "unit/axis_order.h"
 #include "unit/file_kind.h"
 #include "unit/reference_needed.h"
 
@@ -411,10 +412,11 @@ void MainCommands::finishOpening(const std::string& path) {
     session_.windows().setupNodes();
     // Asked with each opening until the sensor stands in the database.
     skipFailing([&] { matchSensor(session_); });
+    tellCutFile(path);
 }
 
-// Kept: a file of any length loads, and cells behind its end are 0, because older programs wrote fewer. A
-// file cut by an accident looks the same, so the log says it.
+// Kept: a file of any length loads, and cells behind its end are 0, because older programs wrote fewer. The
+// log says it of each; one as short as no program wrote it has been cut, and a box says so.
 void MainCommands::noteShortFile(const std::string& path) {
     constexpr std::uintmax_t headerBytes = 12;
     const auto whole =
@@ -424,6 +426,16 @@ void MainCommands::noteShortFile(const std::string& path) {
     if (error || length >= whole) return;
     session_.sysLog("Short file: " + std::to_string(length) + " of " + std::to_string(whole) +
                     " bytes. What is missing was taken as 0.");
+}
+
+void MainCommands::tellCutFile(const std::string& path) {
+    const int cells = session_.header().cellsCutOff;
+    if (cells == 0) return;
+    session_.dialogs().show({"Damaged File",
+                             "FILE POSSIBLY CORRUPT:   " + fileNameOf(path) + "\n" +
+                                 cutOffText(session_.currentUnitObject().kind(), cells) +
+                                 "\nPlease look for a whole copy, and program no unit with this one.",
+                             Icon::Exclamation, Buttons::Ok});
 }
 
 void MainCommands::saveNow() {
@@ -526,7 +538,29 @@ bool MainCommands::broughtToFirmware() {
                         [&](const std::string& why) { tellNotConverted(why); });
 }
 
+std::string MainCommands::doubts() {
+    Unit& unit = session_.currentUnitObject();
+    std::string lines;
+    if (const int cells = session_.header().cellsCutOff; cells > 0)
+        lines += cutOffText(unit.kind(), cells) + "\n";
+    for (const std::string& line : axesWithoutOrder(unit)) lines += line + ".\n";
+    return lines;
+}
+
 void MainCommands::startProgramming(const LinkedIdentity& unit) {
+    const std::string asked = doubts();
+    if (!asked.empty()) {
+        const Answer answer = session_.dialogs().show(
+            {.title = "Program ORB",
+             .text = "With this calibration the engine may get values that nobody chose:\n" + asked +
+                     "Program the unit all the same?",
+             .icon = Icon::Exclamation,
+             .buttons = Buttons::YesNo,
+             .declines = true});
+        if (answer != Answer::Yes) return session_.sysLog("Not programmed: the user thought better of it.");
+        // Another calibration may be in hand by now.
+        if (doubts() != asked) return startProgramming(unit);
+    }
     // The boxes let other commands in, and at the other end of the cable anything may have happened.
     const auto stillMay = [&] {
         return !refusedByTransfer() && mayProgram() && isStillThere(unit, "Program ORB");

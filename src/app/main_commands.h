@@ -82,6 +82,9 @@ class MainCommands {
     Next askAgain(const std::string& title, const std::string& text);
     void finishOpening(const std::string& path);
     void noteShortFile(const std::string& path);
+    void tellCutFile(const std::string& path);
+    /// What speaks against programming the calibration in hand, one line each; empty for nothing.
+    std::string doubts();
     void repairOldFields();
     /// Ends the form of the general parameters. False: it holds a new calibration that the user keeps.
     bool leaveGeneralConfig();

@@ -6,6 +6,7 @@
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "base/text.h"
+#include "unit/axis_order.h"
 #include "unit/rollback.h"
 
 namespace zentaq {
@@ -296,7 +297,8 @@ bool TableModel::checkTyped(std::string_view typed) {
     const auto value = parseNumber(typed);
     if (!value) return false;
     const Limits limits = typingLimits();
-    if (host.checkRange(static_cast<float>(*value), limits.minimum, limits.maximum, limits.text)) return false;
+    if (host.checkRange(static_cast<float>(*value), limits.minimum, limits.maximum, limits.text))
+        return false;
     // The limits of typing are a hair wider than those of the cell for some fuels.
     CellEntry entry(unit_, table_, absoluteVe_);
     entry.accepts(static_cast<float>(*value));
@@ -413,6 +415,14 @@ std::optional<AxisEntry> TableModel::axisEntry(int row, int column, std::string_
     return entry;
 }
 
+std::string TableModel::axisWarning(int row, int column) const {
+    if (!grid_.hasCell(std::max(row, 1), std::max(column, 1))) return {};
+    const auto entry = axisEntry(row, column, grid_.text(row, column));
+    if (!entry || entry->index + 1 >= std::ssize(entry->fields)) return {};
+    const auto at = static_cast<std::size_t>(entry->index);
+    return stopNotBelowNext(numberOrZero(entry->fields[at]), numberOrZero(entry->fields[at + 1]));
+}
+
 bool TableModel::enterMainHeader(bool isColumn, int line, std::string_view typed) {
     // An entry of 0, and one that is no number, is ignored.
     const auto value = static_cast<float>(parseNumber(typed).value_or(0));
@@ -522,7 +532,8 @@ void TableModel::saveCell(int row, int column, CellEntry& entry) {
 
 void TableModel::saveCells(CellEntry& entry) {
     for (int row = 1; row <= rows(); ++row) {
-        for (int column = 1; column <= columns(); ++column) skipFailing([&] { saveCell(row, column, entry); });
+        for (int column = 1; column <= columns(); ++column)
+            skipFailing([&] { saveCell(row, column, entry); });
     }
     unit_.SET_TBL_DIMENSIONS(table_, "ROWS", rows());
     unit_.SET_TBL_DIMENSIONS(table_, "COLS", columns());

@@ -158,6 +158,8 @@ class TableModel {
     std::optional<std::string> headerPrompt(int row, int column) const;
     /// The header's axis with that answer in its place; nothing for an answer that enterHeader() passes over.
     std::optional<AxisEntry> axisEntry(int row, int column, std::string_view typed) const;
+    /// What the tuner is told of a header that is not below the next one of its axis; empty where it is.
+    std::string axisWarning(int row, int column) const;
     /// The answer to that prompt. True when the header changed.
     bool enterHeader(int row, int column, std::string_view typed);
     /// A new axis kind from the toolbar. Key "X_RPM" or "Y_CLT".

@@ -8,6 +8,7 @@
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "unit/file_floats.h"
+#include "unit/file_kind.h"
 #include "unit/legacy_sensor.h"
 #include "unit/parameter_rules.h"
 #include "unit/reference_needed.h"
@@ -80,6 +81,7 @@ void Unit::FileOpen(const std::string& path, std::string_view bytes) {
     header.currentUnit = content.unitKind;
     header.programVersion = content.programVersion;
     header.firmwareCode = content.firmwareCode;
+    header.cellsCutOff = cellsCutOff(*kind_, bytes.size());
     adoptFirmware(content.firmwareCode);
     repairAfterOpening(fileRelease);
     for (std::size_t i = 0; i < control_.size(); ++i) control_[i] = toByte(cells_[i]);
@@ -317,6 +319,7 @@ void Unit::CloseFile() {
     teeth_ = {};
     owedRelease_ = 0;
     host_.header().firmwareCode = 0;
+    host_.header().cellsCutOff = 0;
     cells_.fill(0);
 }
 

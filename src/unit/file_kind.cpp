@@ -7,6 +7,7 @@
 
 #include "base/errors.h"
 #include "base/file_reader.h"
+#include "base/number_text.h"
 #include "base/text.h"
 #include "unit/file_floats.h"
 
@@ -49,6 +50,20 @@ CalibrationFileKind kindOfCalibrationFile(const std::string& path) {
 
 int kindOfOldFile(std::uintmax_t length) {
     return slotOf(oldLengths, length);
+}
+
+int cellsCutOff(const UnitKind& kind, std::uintmax_t length) {
+    constexpr std::uintmax_t headerFloats = 3;
+    constexpr std::uintmax_t notes = 500;  // the last cells, which the first programs did not write
+    const auto whole = headerFloats + static_cast<std::uintmax_t>(kind.fileFloats);
+    const std::uintmax_t floats = length / floatBytes;
+    const bool older = length == (whole - notes) * floatBytes || slotOf(unnamedLengths, length) == kind.slot;
+    return floats >= whole || older ? 0 : static_cast<int>(whole - floats);
+}
+
+std::string cutOffText(const UnitKind& kind, int cells) {
+    return "The file ends early: " + numberText(cells) + " of its " + numberText(kind.fileFloats) +
+           (cells == 1 ? " cells is missing and was taken as 0." : " cells are missing and were taken as 0.");
 }
 
 std::string calibrationFileName(std::string_view path, const UnitKind& kind) {

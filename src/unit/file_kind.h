@@ -23,6 +23,13 @@ CalibrationFileKind kindOfCalibrationFile(const std::string& path);
 /// The kind of an older generation's file (".BIN") of so many bytes: 3, 4 or 5; 0 for none.
 int kindOfOldFile(std::uintmax_t length);
 
+/// How many cells a file of so many bytes, its header among them, lacks at its end because it was cut. 0 for
+/// a whole one, and for one as short as an older program wrote them.
+int cellsCutOff(const UnitKind& kind, std::uintmax_t length);
+
+/// "The file ends early: 1081 of its 2828 cells are missing and were taken as 0."
+std::string cutOffText(const UnitKind& kind, int cells);
+
 /// The name under which a calibration of the kind is stored when a user has typed `path`: the kind's
 /// extension is added unless the name has the extension of a calibration, so "Street 1.2" keeps its dot.
 /// ".BIN" names files of the older generation and is replaced.

@@ -36,6 +36,7 @@ struct FileHeader {
     float programVersion = 0;  ///< version of the program that wrote the file, for example 9.44
     float firmwareCode = 0;    ///< release * 1000 + build
     std::string fileState;     ///< "", "NEW" or "OLD"
+    int cellsCutOff = 0;       ///< that the file lacks, having been cut; they were taken as 0
 };
 
 class UnitHost {

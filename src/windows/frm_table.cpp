@@ -828,6 +828,11 @@ void FrmTable::headerDoubleClicked(int row, int column) {
     session_.markModified();
     showAll();
     sizeColumns();
+    const std::string warning = model->axisWarning(row, column);
+    if (warning.empty()) return;
+    session_.sysLog("TABLE: " + warning.substr(0, warning.find('\n')));
+    // No numbered warning: the entry stands, and what was typed behind it goes on.
+    session_.dialogs().show({"Warning", warning, Icon::Exclamation, Buttons::Ok});
 }
 
 void FrmTable::copy() {

@@ -471,6 +471,47 @@ TEST_F(Commands, AChosenPortIsStoredWithItsDeviceAndOpenedAnewAsThat) {
     EXPECT_EQ(session.link.status().port, "5");
 }
 
+TEST_F(Commands, ABoxTellsHowManyCellsAFileHasLostByACut) {
+    const std::string path = fake.folder.path("cut.ZQ4OA");
+    std::vector<float> floats = orbAFloats();
+    floats.resize(1750);
+    writeFloats(path, floats);
+    open(path);
+    EXPECT_EQ(session.currentUnit(), 3);
+    EXPECT_EQ(box().title, "Damaged File");
+    EXPECT_THAT(box().text,
+                HasSubstr("FILE POSSIBLY CORRUPT:   cut.ZQ4OA\n"
+                          "The file ends early: 1081 of its 2828 cells are missing and were taken "
+                          "as 0.\n"));
+}
+
+// The first programs wrote no notes.
+TEST_F(Commands, AFileAsShortAsAnOlderProgramWroteItOpensWithoutABox) {
+    const std::string path = fake.folder.path("early.ZQ4OA");
+    std::vector<float> floats = orbAFloats();
+    floats.resize(3 + 2328);
+    writeFloats(path, floats);
+    fake.dialogs.boxes.clear();
+    open(path);
+    EXPECT_EQ(session.currentUnit(), 3);
+    for (const Box& each : fake.dialogs.boxes) EXPECT_NE(each.title, "Damaged File");
+    EXPECT_TRUE(logged("Short file: 9324 of 11324 bytes. What is missing was taken as 0."));
+}
+
+TEST_F(Commands, AWholeFileBehindACutOneIsNoLongerDoubted) {
+    const std::string path = fake.folder.path("cut.ZQ4OA");
+    std::vector<float> floats = orbAFloats();
+    floats.resize(1750);
+    writeFloats(path, floats);
+    open(path);
+    EXPECT_EQ(session.header().cellsCutOff, 1081);
+    open(file("whole.ZQ4OA"));
+    EXPECT_EQ(session.header().cellsCutOff, 0);
+    open(path);
+    commands.close();
+    EXPECT_EQ(session.header().cellsCutOff, 0);
+}
+
 TEST_F(Commands, AFileThatWasCutLoadsAndTheLogTellsIt) {
     const std::string path = fake.folder.path("cut.ZQ4OA");
     std::vector<float> floats = orbAFloats();

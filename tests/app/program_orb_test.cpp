@@ -8,6 +8,7 @@
 #include "app/fake_platform.h"
 #include "app/main_commands.h"
 #include "app/menu.h"
+#include "app/rising_axes.h"
 
 namespace zentaq {
 namespace {
@@ -55,9 +56,13 @@ class ProgramOrb : public ::testing::Test {
         session.link.load();
     }
 
-    void openCalibration() {
+    static std::vector<float> soundCalibration() {
         std::vector<float> floats{3, 9.44f, 5099};
         floats.resize(3 + 2828, 2.0f);
+        giveRisingAxes(floats);
+        return floats;
+    }
+    void openCalibration(const std::vector<float>& floats = soundCalibration()) {
         const std::string path = fake.folder.path("tune.ZQ4OA");
         std::ofstream file(path, std::ios::binary);
         for (const float value : floats) {
@@ -137,6 +142,65 @@ TEST_F(ProgramOrb, GoesOutWhereNothingHappensMeanwhile) {
     EXPECT_TRUE(session.link.transferPending());
     ticks(3);
     EXPECT_TRUE(sent("P1"));
+}
+
+// ---- A calibration that should not go into a unit
+
+TEST_F(ProgramOrb, ACutFileIsAskedAboutAndGoesOutOnYesAlone) {
+    std::vector<float> floats = soundCalibration();
+    floats.resize(1750);  // 7000 bytes
+    openCalibration(floats);
+    link(firstOrbA);
+    commands.programOrb();
+    const Box box = fake.dialogs.boxes.back();
+    EXPECT_EQ(box.title, "Program ORB");
+    EXPECT_THAT(box.text,
+                HasSubstr("The file ends early: 1081 of its 2828 cells are missing and were taken as 0."));
+    EXPECT_TRUE(box.declines);
+    EXPECT_TRUE(logged("Not programmed: the user thought better of it."));
+    expectNothingSent();
+    during("Program ORB", [&] { fake.dialogs.answers = {Answer::Yes}; });
+    commands.programOrb();
+    EXPECT_TRUE(session.link.transferPending());
+}
+
+TEST_F(ProgramOrb, ACutFileIsAskedAboutBehindItsSaveToo) {
+    std::vector<float> floats = soundCalibration();
+    floats.resize(1750);
+    openCalibration(floats);
+    link(firstOrbA);
+    commands.save();
+    commands.programOrb();
+    EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("1081 of its 2828 cells are missing"));
+    expectNothingSent();
+}
+
+TEST_F(ProgramOrb, AnAxisThatDoesNotRiseIsAskedAbout) {
+    std::vector<float> floats = soundCalibration();
+    floats[3 + 592 + 2] = 9000;  // the second speed; the third is 1500
+    floats[3 + 2292] = 16;       // rows and columns in use
+    floats[3 + 2293] = 16;
+    openCalibration(floats);
+    link(firstOrbA);
+    commands.programOrb();
+    EXPECT_THAT(
+        fake.dialogs.boxes.back().text,
+        HasSubstr("\nRPM axis of the tables: 9000 is followed by 1500.\nProgram the unit all the same?"));
+    expectNothingSent();
+}
+
+TEST_F(ProgramOrb, ALinkThatIsLostWhileACutFileIsAskedAboutIsError1005) {
+    std::vector<float> floats = soundCalibration();
+    floats.resize(1750);
+    openCalibration(floats);
+    link(firstOrbA);
+    during("Program ORB", [&] {
+        fake.dialogs.answers = {Answer::Yes};
+        loseUnit();
+    });
+    commands.programOrb();
+    EXPECT_EQ(titles().back(), "Error 1005");
+    expectNothingSent();
 }
 
 TEST_F(ProgramOrb, ALinkThatIsLostWhileABoxStandsIsError1005) {

@@ -72,8 +72,23 @@ TEST_F(ZentaqctlText, ImportOfAnEmptyCalibrationIsBriefAboutItsValues) {
     const Outcome outcome = run("import " + inQuotes(text) + " -o " + inQuotes(again));
     EXPECT_EQ(outcome.exitCode, 0);
     const auto lines = linesOf(outcome.error);
-    ASSERT_EQ(lines.size(), 21U) << outcome.error;
+    ASSERT_EQ(lines.size(), 23U) << outcome.error;
     EXPECT_THAT(lines[20], ::testing::MatchesRegex(".*: [0-9]+ more values are outside their ranges"));
+    EXPECT_EQ(lines[21],
+              again +
+                  ": RPM axis of the tables: 0 is followed by 0, and 14 more stops do not rise; the "
+                  "unit looks its values up in rising order");
+    EXPECT_THAT(lines[22], StartsWith(again + ": MAP axis of the tables: "));
+}
+
+TEST_F(ZentaqctlText, ExportAndImportTellThatTheEndOfAFileIsMissing) {
+    writeFile(file, contentOf(file).substr(0, 7000));
+    const std::string lost =
+        " is damaged: The file ends early: 1081 of its 2828 cells are missing and were taken as 0.\n";
+    EXPECT_EQ(onFile("export", "-o " + inQuotes(text)).error, file + lost);
+    EXPECT_THAT(run("import " + inQuotes(text) + " -o " + inQuotes(again)).error, HasSubstr(again + lost));
+    EXPECT_TRUE(contentOf(again) == contentOf(file));
+    EXPECT_EQ(run("diff " + inQuotes(file) + " " + inQuotes(again)).error, file + lost + again + lost);
 }
 
 TEST_F(ZentaqctlText, ImportDropsALineBreakInFrontOfTheNotes) {

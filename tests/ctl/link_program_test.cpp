@@ -32,6 +32,22 @@ TEST_F(ZentaqctlOnLink, ProgramPutsTheImageOfTheFileIntoTheUnit) {
     EXPECT_THAT(onUnit("identify").out, HasSubstr("calibration \"Street\""));
 }
 
+TEST_F(ZentaqctlOnLink, ProgramRefusesACutFileWithoutForce) {
+    startUnit("A", {"--memory", memory});
+    const std::string before = contentOf(memory);
+    writeFile(file, contentOf(file).substr(0, 7000));
+    expectFailure(onUnit("program", inQuotes(file)), 1, "1081 of its 2828 cells are missing");
+    EXPECT_TRUE(contentOf(memory) == before);
+}
+
+TEST_F(ZentaqctlOnLink, ProgramTellsOfAnAxisThatDoesNotRise) {
+    startUnit("A", {"--memory", memory});
+    plant(592 + 14, 9000);
+    const Outcome outcome = programFile();
+    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
+    EXPECT_THAT(outcome.error, HasSubstr(file + ": RPM axis of the tables: 9000 is followed by "));
+}
+
 TEST_F(ZentaqctlOnLink, ProgramLeavesNothingInTheFolderItIsCalledIn) {
     startUnit("A");
     ASSERT_EQ(programFile().exitCode, 0);

@@ -46,6 +46,27 @@ TEST_F(ZentaqctlOnLink, SendAsksForTheCalibrationWhereTheBytesDependOnIt) {
     EXPECT_THAT(outcome.out, StartsWith(record.substr(0, record.size() - 1) + " accepted"));
 }
 
+TEST_F(ZentaqctlOnLink, SendRefusesAStopThatIsNotAboveTheOneToItsLeft) {
+    startUnit("A", {"--running-memory", memory});
+    const std::string before = contentOf(memory);
+    expectFailure(onUnit("send", "RPMTBL 100 --index 7"), 1,
+                  "RPMTBL depends on the rest of the calibration; name it with --file.");
+    expectFailure(onUnit("send", "RPMTBL 100 --index 7 --file " + inQuotes(file)), 1,
+                  "must be higher than that of the one to the left.");
+    EXPECT_TRUE(contentOf(memory) == before);
+    const Outcome outcome = onUnit("send", "RPMTBL 9000 --index 7 --file " + inQuotes(file));
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_THAT(outcome.error, HasSubstr("RPM axis of the tables: 9000 is followed by "));
+}
+
+TEST_F(ZentaqctlOnLink, SendRefusesACutFileWithoutForce) {
+    startUnit("A");
+    writeFile(file, contentOf(file).substr(0, 7000));
+    expectFailure(onUnit("send", "KNK_MIN 50 --file " + inQuotes(file)), 1,
+                  "1081 of its 2828 cells are missing");
+    EXPECT_EQ(onUnit("send", "KNK_MIN 50 --force --file " + inQuotes(file)).exitCode, 0);
+}
+
 TEST_F(ZentaqctlOnLink, SendRefusesACalibrationOfAnotherKind) {
     startUnit("C");
     expectFailure(onUnit("send", "KNK_MIN 50 --file " + inQuotes(file)), 1, "Error 1006:");

@@ -330,7 +330,9 @@ TEST_F(Zentaqctl, SetWritesTheShapeOfTables) {
     EXPECT_EQ(onFile("set", "GPO2.COL-AXIS TPS").exitCode, 0);
     EXPECT_EQ(cellOf(file, 2291), 3 * 16 + 4);  // rows stay on BLEND MAP
     EXPECT_EQ(onFile("set", "GPO2.COL-AXIS SPEED").exitCode, 1);
-    EXPECT_EQ(onFile("set", "GPO2.X-Axis 2.5 --index 3").exitCode, 0);
+    // Its stops are still those of the former kind, so they are entered from the lowest on.
+    for (const char* stop : {"0.5 --index 0", "1 --index 1", "2 --index 2", "2.5 --index 3"})
+        EXPECT_EQ(onFile("set", std::string("GPO2.X-Axis ") + stop).exitCode, 0) << stop;
     EXPECT_EQ(cellOf(file, 2274 + 3), 2.5F);
     expectRefused(onFile("set", "GPO2.X-Axis 6 --index 3"),
                   "Warning 1001: Data Input Error: (0 to 5 Volts) - Invalid Entry.");
@@ -364,6 +366,69 @@ TEST_F(Zentaqctl, ANameIsOneLineOfCharactersThatTheUnitKeeps) {
     EXPECT_EQ(contentOf(file), before);
     EXPECT_EQ(onFile("set", "BiName 'Kr\u00fcmmer \u00ff'").exitCode, 0);
     EXPECT_EQ(onFile("get", "BiName").out, "Kr\u00fcmmer \u00ff\n");
+}
+
+// ---- Axes
+
+TEST_F(Zentaqctl, SetRefusesAStopThatIsNotAboveTheOneToItsLeft) {
+    const std::string before = contentOf(file);
+    const std::string words =
+        "Warning 1006: Data Input Error: The value you entered must be higher than that of the one to the "
+        "left. ";
+    const float left = cellOf(file, 592 + 2 * 6);
+    const std::string stop = onFile("get", "RPMTBL 6").out;
+    ASSERT_GT(left, 200);
+    expectRefused(onFile("set", "RPMTBL 200 --index 7"),
+                  words + stop.substr(0, stop.size() - 1) + " > 200 = FALSE");
+    for (const char* entry : {"VE.X-Axis 200 --index 7", "GPO1.X-Axis 200 --index 7", "MAPTBL 11 --index 9",
+                              "ADV.Y-Axis 11 --index 9", "GPO2.Y-Axis 11 --index 9"}) {
+        const Outcome outcome = onFile("set", entry);
+        EXPECT_EQ(outcome.exitCode, 1) << entry;
+        EXPECT_THAT(outcome.error, StartsWith(words)) << entry;
+    }
+    EXPECT_TRUE(contentOf(file) == before);
+}
+
+TEST_F(Zentaqctl, SetTellsOfAStopThatIsNotBelowTheNextOne) {
+    const std::string next = onFile("get", "RPMTBL 8").out;
+    const Outcome outcome = onFile("set", "RPMTBL 9000 --index 7");
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(cellOf(file, 592 + 14), 9000);
+    EXPECT_EQ(outcome.error, file + ": RPM axis of the tables: 9000 is followed by " +
+                                 next.substr(0, next.size() - 1) +
+                                 "; the unit looks its values up in rising order\n");
+    // As does every later command that changes the file or makes bytes of it, until the axis rises.
+    EXPECT_EQ(onFile("image", "-o -").error, outcome.error);
+    EXPECT_EQ(onFile("cell", "34 50").error, outcome.error);
+    EXPECT_EQ(onFile("set", "RPMTBL 3500 --index 7").error, "");
+}
+
+// ---- A file that was cut
+
+TEST_F(Zentaqctl, EveryCommandThatReadsACutFileTellsIt) {
+    writeFile(file, contentOf(file).substr(0, 7000));
+    const std::string lost =
+        file + " is damaged: The file ends early: 1081 of its 2828 cells are missing and were taken as 0.\n";
+    for (const auto& [command, rest] :
+         {std::pair("info", ""), std::pair("get", "KNK_MIN"), std::pair("cell", "34"),
+          std::pair("members", ""), std::pair("table", "VE"), std::pair("record", "KNK_MIN 50")}) {
+        const Outcome outcome = onFile(command, rest);
+        EXPECT_EQ(outcome.exitCode, 0) << command;
+        EXPECT_EQ(outcome.error, lost) << command;
+    }
+}
+
+TEST_F(Zentaqctl, ImageRefusesACutFileWithoutForce) {
+    const std::string records = folder.file("cut.s19");
+    writeFile(file, contentOf(file).substr(0, 7000));
+    expectRefused(
+        onFile("image", "-o " + inQuotes(records)),
+        file +
+            " is damaged: The file ends early: 1081 of its 2828 cells are missing and were taken as 0. "
+            "Look for a whole copy; --force takes it all the same");
+    EXPECT_FALSE(fs::exists(records));
+    EXPECT_EQ(onFile("image", "--force -o " + inQuotes(records)).exitCode, 0);
+    EXPECT_TRUE(fs::exists(records));
 }
 
 }  // namespace

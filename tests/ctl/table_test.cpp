@@ -130,9 +130,10 @@ TEST_F(ZentaqctlTable, RefusesAnAxisThatDoesNotRise) {
     grid[0][3] = grid[0][2];
     const Outcome outcome = written("VE", grid);
     EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_EQ(outcome.error, input +
-                                 ", line 1, column 4 (header): Warning 1006: Data Input Error: The value you "
-                                 "entered must be higher than that of the one to the left.\n");
+    EXPECT_EQ(outcome.error,
+              input +
+                  ", line 1, column 4 (header): Warning 1006: Data Input Error: The value you "
+                  "entered must be higher than that of the one to the left. 875 > 875 = FALSE\n");
     EXPECT_EQ(contentOf(file), before);
 }
 

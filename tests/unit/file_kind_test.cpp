@@ -77,5 +77,28 @@ TEST(FileKind, FilesOfTheOlderGenerationAreKnownByTheirLengthAlone) {
     }
 }
 
+TEST(FileKind, AFileIsWholeByItsCellsAndCutBelowThem) {
+    // Bytes of a whole file and of one without notes, the last 500 cells.
+    struct Lengths {
+        int slot, whole, early;
+    };
+    for (const Lengths& each : {Lengths{3, 11324, 9324}, Lengths{4, 11324, 9324}, Lengths{5, 6816, 4816},
+                                Lengths{6, 11320, 9320}, Lengths{7, 11316, 9316}, Lengths{8, 11316, 9316}}) {
+        SCOPED_TRACE(each.slot);
+        const UnitKind& kind = *unitKindOfSlot(each.slot);
+        const auto cut = [&](int length) { return cellsCutOff(kind, static_cast<std::uintmax_t>(length)); };
+        EXPECT_EQ(cut(each.whole), 0);
+        EXPECT_EQ(cut(each.whole + 400), 0) << "a longer file lacks nothing";
+        EXPECT_EQ(cut(each.whole - 1), 1);
+        EXPECT_EQ(cut(each.whole - 4), 1);
+        EXPECT_EQ(cut(each.whole - 5), 2);
+        EXPECT_EQ(cut(each.early), 0);
+        EXPECT_EQ(cut(each.early + 4), 499);
+        EXPECT_EQ(cut(each.early - 4), 501);
+        EXPECT_EQ(cut(12), (each.whole - 12) / 4) << "a header alone";
+    }
+    EXPECT_EQ(cellsCutOff(*unitKindOfSlot(3), 8718), 0) << "from before the first number named the kind";
+}
+
 }  // namespace
 }  // namespace zentaq

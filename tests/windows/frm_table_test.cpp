@@ -22,6 +22,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::StartsWith;
 
 class TableWindows : public RecordingWindows {
  public:
@@ -388,9 +389,41 @@ TEST_F(Table, AnAxisIsMovedUpFromItsLowestStopOn) {
         fake.dialogs.inputs.push_back(entry);
         Q_EMIT grid().horizontalHeader()->sectionDoubleClicked(section);
     }
-    EXPECT_EQ(fake.dialogs.boxes.size(), 2u) << "the two prompts";
     EXPECT_EQ(unit().get("RPMTBL", 0), 1200);
     EXPECT_EQ(unit().get("RPMTBL", 1), 1700);
+}
+
+TEST_F(Table, AHeaderThatIsNotBelowTheNextOneStandsAndIsTold) {
+    fake.dialogs.inputs.push_back("9000");
+    Q_EMIT grid().horizontalHeader()->sectionDoubleClicked(6);  // 3500, in front of 4000
+    EXPECT_EQ(unit().get("RPMTBL", 6), 9000);
+    ASSERT_EQ(fake.dialogs.boxes.size(), 2u);
+    EXPECT_EQ(fake.dialogs.boxes[1].title, "Warning");
+    EXPECT_THAT(fake.dialogs.boxes[1].text,
+                StartsWith("9000 is not below the next value of the axis, 4000.\n"));
+    EXPECT_THAT(fake.session.console.lines().back(),
+                HasSubstr("9000 is not below the next value of the axis"));
+    EXPECT_TRUE(fake.session.DataModified);
+}
+
+TEST_F(Table, AHeaderBetweenItsNeighborsAndTheLastOneOfAnAxisAreNotTold) {
+    for (const auto& [section, entry] : {std::pair(6, "3600"), std::pair(15, "9000")}) {
+        fake.dialogs.boxes.clear();
+        fake.dialogs.inputs.push_back(entry);
+        Q_EMIT grid().horizontalHeader()->sectionDoubleClicked(section);
+        EXPECT_EQ(fake.dialogs.boxes.size(), 1u) << entry;
+    }
+}
+
+TEST_F(Table, APressureHeaderThatIsNotBelowTheOneAboveItIsTold) {
+    for (const bool inverted : {false, true}) {
+        fake.dialogs.boxes.clear();
+        if (inverted) form->model()->invert();
+        fake.dialogs.inputs.push_back(inverted ? "33" : "32");
+        Q_EMIT grid().verticalHeader()->sectionDoubleClicked(inverted ? 1 : 14);  // 25 kPa, below 30
+        ASSERT_EQ(fake.dialogs.boxes.size(), 2u) << inverted;
+        EXPECT_THAT(fake.dialogs.boxes[1].text, HasSubstr("is not below the next value of the axis, 30."));
+    }
 }
 
 TEST_F(Table, CancelledHeaderPromptChangesNothing) {
