@@ -156,6 +156,7 @@ void GeneralConfig::tellNotSaved(const std::string& why) {
 
 void GeneralConfig::finishSaving(const std::string& path, const FileSaved& saved) {
     former_.reset();  // the new one has taken its place
+    session_.paintMemory.erase();
     session_.CurrentFile = path;
     session_.fileHolds = saved.holds;
     session_.header().fileState = "OLD";

@@ -316,6 +316,7 @@ MainCommands::Outcome MainCommands::read(int slot, const std::function<void(Unit
         });
     if (outcome == Outcome::Whole) {
         session_.header().fileState = "OLD";
+        session_.paintMemory.erase();  // behind the last frame that came while the file was read
         // A table of one kind does not stand over the calibration of another, which may lack it.
         const bool otherKind = &formerUnit != &session_.currentUnitObject();
         if (former.currentUnit != 0 && otherKind) session_.windows().removeForms();
@@ -510,6 +511,7 @@ void MainCommands::finishClosing() {
     session_.initializeOnFly(false);
     session_.currentUnitObject().CloseFile();
     session_.CurrentUnit(0);
+    session_.paintMemory.erase();
     session_.header().fileState.clear();
     session_.CurrentFile.clear();
     session_.fileHolds.reset();
@@ -721,7 +723,12 @@ void MainCommands::startFirmware(const std::string& path, const std::string& tex
 
 bool MainCommands::refusedByTransfer() {
     if (!session_.link.transferPending()) return false;
-    session_.inform("A transfer is running.  Please wait until it has ended.");
+    // It must not stand in front of what the end of the transfer has to tell.
+    session_.show({.title = "Zentaq4",
+                   .text = "A transfer is running.  Please wait until it has ended.",
+                   .icon = Icon::Information,
+                   .buttons = Buttons::Ok,
+                   .stands = [&session = session_] { return session.link.transferPending(); }});
     return true;
 }
 
@@ -731,11 +738,31 @@ bool MainCommands::refusedBySearch() {
     return true;
 }
 
-bool MainCommands::mayBreakTransfer() {
+bool MainCommands::mayLeaveUnit(LeftBehind& agreed) {
+    if (!mayBreakTransfer(agreed)) return false;
+    if (agreed.zeroAdvance || !zeroAdvanceOn()) return true;
+    agreed.zeroAdvance = mayLeaveZeroAdvance("End the program all the same?");
+    return agreed.zeroAdvance;
+}
+
+// While the box is read one transfer may end and another begin, of which there is something else to say.
+bool MainCommands::mayBreakTransfer(LeftBehind& agreed) {
     const Link& link = session_.link;
-    if (!link.transferPending()) return true;
-    const bool firmware = link.firmwarePending();
-    const Answer answer = session_.dialogs().show(
+    while (link.transferPending()) {
+        const bool firmware = link.firmwarePending();
+        bool& broken = firmware ? agreed.firmware : agreed.transfer;
+        if (broken) return true;
+        const auto stands = [&link, firmware] {
+            return link.transferPending() && link.firmwarePending() == firmware;
+        };
+        broken = askToBreakTransfer(firmware, stands) == Answer::Yes;
+        if (!broken && (stands() || !link.transferPending())) return false;
+    }
+    return true;
+}
+
+Answer MainCommands::askToBreakTransfer(bool firmware, const std::function<bool()>& stands) {
+    return session_.dialogs().show(
         {.title = "Transfer Running",
          .text = firmware ? "A firmware upgrade is running.\n"
                             "If the program ends now there will be no firmware on this unit, and the upgrade "
@@ -747,8 +774,29 @@ bool MainCommands::mayBreakTransfer() {
                             "End the program all the same?",
          .icon = Icon::Critical,
          .buttons = Buttons::YesNo,
-         .declines = true});
-    return answer == Answer::Yes;
+         .declines = true,
+         .stands = stands});
+}
+
+bool MainCommands::zeroAdvanceOn() const {
+    return session_.link.status().zeroAdvance || session_.link.zeroAdvanceAsked();
+}
+
+bool MainCommands::mayLeaveZeroAdvance(const std::string& goOn) {
+    if (!zeroAdvanceOn()) return true;
+    const Answer answer = session_.dialogs().show(
+        {.title = "Zero Advance",
+         .text = "The unit still runs with zero advance.\n"
+                 "It does so without the program too, until its power is cycled.\n"
+                 "To end it now, stay and choose Set Zero Advance once more.\n" +
+                 goOn,
+         .icon = Icon::Exclamation,
+         .buttons = Buttons::YesNo,
+         .declines = true,
+         .stands = [this] { return zeroAdvanceOn(); }});
+    if (answer == Answer::Yes) return true;
+    session_.sysLog("The unit runs with zero advance: stayed with it.");
+    return false;
 }
 
 // Not refused by a download, nor by a run that still waits: it goes out in front of both.
@@ -796,6 +844,8 @@ void MainCommands::identify() {
 
 int MainCommands::autodetectPort() {
     if (refusedByTransfer() || refusedBySearch()) return 0;
+    if (!mayLeaveZeroAdvance("Search the ports all the same?")) return 0;
+    if (refusedByTransfer() || refusedBySearch()) return 0;  // begun while the box was read
     const int former = session_.link.commPort();
     const std::string formerIdentity = session_.link.commIdentity();
     const int port = session_.link.Autodetect_COMM_Port();
@@ -818,6 +868,8 @@ void MainCommands::storePort() {
 
 void MainCommands::choosePort(int number, const std::string& identity) {
     if (refusedByTransfer() || refusedBySearch()) return;
+    if (!mayLeaveZeroAdvance("Choose another port all the same?")) return;
+    if (refusedByTransfer() || refusedBySearch()) return;  // begun while the box was read
     if (identity.empty()) {
         session_.link.commPort(number);
     } else {

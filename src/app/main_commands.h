@@ -39,8 +39,16 @@ class MainCommands {
     bool refusedByTransfer();
     /// While a port is searched: the same for commands that open a port.
     bool refusedBySearch();
-    /// Before the program ends: asks whether a transfer that runs or waits may be broken off. False: stay.
-    bool mayBreakTransfer();
+    /// What the user has agreed to leave behind at the unit.
+    struct LeftBehind {
+        bool transfer = false;  ///< of a calibration or a datalog, broken off
+        bool firmware = false;  ///< likewise
+        bool zeroAdvance = false;
+    };
+    /// Before the program ends: asks whether a transfer that runs or waits may be broken off, and whether the
+    /// unit may go on with zero advance, each unless it is agreed. False: stay. A question whose reason goes
+    /// meanwhile goes with it, and the user stays.
+    bool mayLeaveUnit(LeftBehind& agreed);
     void killEngine();            ///< mnuMonitor_KillEngine
     void zeroAdvance();           ///< mnuZeroAdv: toggles
     void refreshCodes();          ///< mnuClearDashCodes
@@ -108,6 +116,11 @@ class MainCommands {
         std::int32_t serial = 0;
     };
     LinkedIdentity linkedIdentity() const;
+    bool mayBreakTransfer(LeftBehind& agreed);
+    Answer askToBreakTransfer(bool firmware, const std::function<bool()>& stands);
+    bool zeroAdvanceOn() const;
+    /// Asks, where the unit runs with zero advance, whether to go on all the same.
+    bool mayLeaveZeroAdvance(const std::string& goOn);
     /// Tells with the numbered errors why the calibration in hand cannot go to the unit on the link.
     bool mayProgram();
     bool isStillThere(const LinkedIdentity& unit, const std::string& title);

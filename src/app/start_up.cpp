@@ -215,20 +215,20 @@ bool Kernel::shutDown(bool confirmed) {
     if (!confirmed) {
         const Answer answer = session_.dialogs().show(
             {"Shutdown", "Would you like to Shutdown Zentaq?", Icon::Question, Buttons::OkCancel});
-        if (answer != Answer::Ok || !commands_.mayBreakTransfer()) return false;
+        MainCommands::LeftBehind agreed;
+        if (answer != Answer::Ok || !commands_.mayLeaveUnit(agreed)) return false;
         // Also on this way out: the user's work must not be lost because a menu was used for leaving.
-        afterSaving([this] { end(); });
+        afterSaving(agreed, [this] { end(); });
         return ended_;
     }
     end();
     return true;
 }
 
-void Kernel::afterSaving(const std::function<void()>& goOn) {
-    // A transfer that begins while the disk is busy has not been asked about.
-    const bool asked = session_.link.transferPending();
-    commands_.offerToSave([this, asked, goOn] {
-        if (asked || commands_.mayBreakTransfer()) goOn();
+void Kernel::afterSaving(MainCommands::LeftBehind agreed, const std::function<void()>& goOn) {
+    // What begins while the disk is busy has not been asked about.
+    commands_.offerToSave([this, agreed, goOn]() mutable {
+        if (commands_.mayLeaveUnit(agreed)) goOn();
     });
 }
 
@@ -257,8 +257,9 @@ void Kernel::closeRequested() {
 void Kernel::closeNow() {
     if (ended_) return;
     if (session_.saving.putsOff(exitProgram, [this] { closeRequested(); })) return;
-    if (!commands_.mayBreakTransfer()) return;
-    afterSaving([this] { System_Shutdown(true); });
+    MainCommands::LeftBehind agreed;
+    if (!commands_.mayLeaveUnit(agreed)) return;
+    afterSaving(agreed, [this] { System_Shutdown(true); });
 }
 
 }  // namespace zentaq

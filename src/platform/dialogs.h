@@ -1,6 +1,7 @@
 // The one door through which the core asks a user something. Tests answer it.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -17,6 +18,9 @@ struct Box {
     Icon icon = Icon::None;
     Buttons buttons = Buttons::Ok;
     bool declines = false;  ///< the key that is chosen from the start is Cancel or No
+    /// Whether what the box is about still is: when it is no more, the box goes as if it was closed. None: it
+    /// waits for the user.
+    std::function<bool()> stands = {};
 };
 
 /// A file dialog. `filter` is "text|pattern|text|pattern"; `filterIndex` counts from 1.

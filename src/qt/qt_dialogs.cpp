@@ -10,6 +10,7 @@
 #include <QScopeGuard>
 #include <QScreen>
 #include <QStyle>
+#include <QTimer>
 #include <algorithm>
 
 #include "base/shown_text.h"
@@ -83,6 +84,12 @@ void widenToLines(QMessageBox& message) {
     if (widestLine <= widestBox - besideText) label->setMinimumWidth(widestLine);
 }
 
+/// Set on a box that goes when what it is about has gone.
+constexpr auto endsByItself = "endsByItself";
+/// How often it looks: what comes next waits for it.
+constexpr int lookMs = 20;
+constexpr int noButton = QMessageBox::NoButton;
+
 /// A window that the user works in, not a list or a tip over it.
 bool isWorkedIn(const QWidget* window) {
     if (window == nullptr || !window->isVisible()) return false;
@@ -138,6 +145,14 @@ Answer QtDialogs::show(const Box& box) {
     widenToLines(*message);
     // Escape and the window's own button decline where declining is possible.
     if (box.buttons == Buttons::YesNo) message->setEscapeButton(QMessageBox::No);
+    QTimer look;
+    if (box.stands) {
+        message->setProperty(endsByItself, true);
+        QObject::connect(&look, &QTimer::timeout, message, [message, &box] {
+            if (message->isVisible() && !box.stands()) message->done(noButton);
+        });
+        look.start(lookMs);
+    }
     return answerOf(ask(*message), box.buttons);
 }
 
@@ -185,6 +200,13 @@ std::optional<std::string> QtDialogs::input(const std::string& title, const std:
     dialog->setTextValue(QString::fromStdString(initial));
     if (ask(*dialog) != QDialog::Accepted || !dialog) return std::nullopt;
     return dialog->textValue().toStdString();
+}
+
+bool boxEndsByItself() {
+    const auto windows = QApplication::topLevelWidgets();
+    return std::ranges::any_of(windows, [](const QWidget* window) {
+        return window->isVisible() && window->property(endsByItself).toBool();
+    });
 }
 
 QStringList nameFilters(const std::string& filter) {

@@ -40,6 +40,9 @@ class QtDialogs : public Dialogs {
     QObject context_;
 };
 
+/// A box stands that goes when what it is about has gone (`Box::stands`).
+bool boxEndsByItself();
+
 /// "text|pattern|text|pattern" as name filters, one an entry: "text (pattern pattern)".
 /// Patterns of one entry are separated by ';'. A last text without a pattern is left out.
 QStringList nameFilters(const std::string& filter);

@@ -72,6 +72,14 @@ class FirmwareUpgrade : public testing::Test {
         fake.dialogs.boxes.clear();
         fake.windows.calls.clear();
     }
+    /// The unit takes what is left of it.
+    void finishUpgrade() {
+        answer("AX");
+        tickUntil("S1051000AA55EB");
+        answer("AX");
+        tickUntil("S9030000FC");
+        answer("PN");
+    }
     bool enabled(std::string_view name) const {
         for (const MenuEntry& entry : menuTree()) {
             if (entry.name == name) return entry.enabled != nullptr && entry.enabled(session);
@@ -445,6 +453,55 @@ TEST_F(FirmwareUpgrade, ClosingTheWindowAsksAndTheChoiceAtHandIsToStay) {
     EXPECT_TRUE(box.declines);
     EXPECT_THAT(fake.windows.calls, Not(Contains("closeMain")));
     EXPECT_TRUE(fake.port.isOpen());
+    EXPECT_TRUE(session.link.firmwarePending());
+}
+
+TEST_F(FirmwareUpgrade, TheBoxesAboutATransferStandNoLongerThanIt) {
+    runUpgrade();
+    commands.open();
+    kernel.closeRequested();
+    const std::vector<Box> boxes = fake.dialogs.boxes;
+    ASSERT_EQ(boxes.size(), 2u);
+    for (const Box& box : boxes) {
+        ASSERT_TRUE(box.stands) << box.title;
+        EXPECT_TRUE(box.stands()) << box.title;
+    }
+    finishUpgrade();
+    for (const Box& box : boxes) EXPECT_FALSE(box.stands()) << box.title;
+}
+
+TEST_F(FirmwareUpgrade, TheEndOfTheTransferUnderTheQuestionKeepsTheProgramForWhatItHasToTell) {
+    runUpgrade();
+    fake.dialogs.meanwhile = [&](const std::string& title) {
+        if (title == "Transfer Running") finishUpgrade();
+    };
+    fake.dialogs.answers = {Answer::No};  // as a box answers that goes by itself
+    kernel.closeRequested();
+    EXPECT_THAT(titles(), ElementsAre("Transfer Running", "Complete!", "Complete!"));
+    EXPECT_THAT(fake.windows.calls, Not(Contains("closeMain")));
+}
+
+TEST_F(FirmwareUpgrade, AnotherTransferThanTheOneThatWasAskedAboutIsAskedAbout) {
+    linkOrbA();
+    session.link.Program_Unit(TransferMode::Datalog, fake.folder.path("log.dat"));
+    fake.dialogs.boxes.clear();
+    std::vector<bool> firmware;
+    fake.dialogs.meanwhile = [&](const std::string& title) {
+        if (title != "Transfer Running" || !firmware.empty()) return;
+        firmware.push_back(session.link.firmwarePending());
+        session.link.End_Transfer(false);
+        session.link.programFirmware("ZQA-505100.nv3", wholeFirmware, 3, 200001);
+    };
+    fake.dialogs.answers = {Answer::Yes, Answer::No};
+    kernel.closeRequested();
+    ASSERT_EQ(firmware.size(), 1u);
+    EXPECT_FALSE(firmware[0]);
+    std::vector<std::string> questions;
+    for (const Box& box : fake.dialogs.boxes)
+        if (box.title == "Transfer Running") questions.push_back(box.text);
+    ASSERT_EQ(questions.size(), 2u);
+    EXPECT_THAT(questions[1], HasSubstr("A firmware upgrade is running."));
+    EXPECT_THAT(fake.windows.calls, Not(Contains("closeMain")));
     EXPECT_TRUE(session.link.firmwarePending());
 }
 

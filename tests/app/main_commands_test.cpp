@@ -425,6 +425,56 @@ TEST_F(Commands, ZeroAdvanceSendsTheByteOfItsCheckMark) {
     EXPECT_EQ(fake.port.written.back(), std::string("Z\0", 2));
 }
 
+TEST_F(Commands, AUnitThatRunsWithZeroAdvanceIsNotLeftUnasked) {
+    Kernel kernel(session, commands);
+    session.link.load();
+    const auto set = [&] {
+        commands.zeroAdvance();
+        session.link.tick();
+        fake.port.deliver({'A', 'X'});
+        session.link.tick();
+    };
+    set();
+    ASSERT_TRUE(session.link.status().zeroAdvance);
+    const std::vector<std::function<void()>> leaving = {
+        [&] { kernel.closeRequested(); },
+        [&] { EXPECT_FALSE(kernel.System_Shutdown(false)); },
+        [&] { commands.choosePort(2); },
+        [&] { EXPECT_EQ(commands.autodetectPort(), 0); },
+    };
+    for (std::size_t i = 0; i < leaving.size(); ++i) {
+        fake.dialogs.boxes.clear();
+        fake.dialogs.answers = {Answer::Ok, Answer::No};
+        if (i != 1) fake.dialogs.answers = {Answer::No};
+        leaving[i]();
+        ASSERT_FALSE(fake.dialogs.boxes.empty()) << i;
+        const Box& box = fake.dialogs.boxes.back();
+        EXPECT_EQ(box.title, "Zero Advance") << i;
+        EXPECT_TRUE(box.declines) << i;
+        EXPECT_TRUE(box.stands()) << i;
+    }
+    EXPECT_THAT(fake.windows.calls, Not(Contains("closeMain")));
+    EXPECT_TRUE(session.link.status().zeroAdvance);
+    EXPECT_EQ(session.link.commPort(), 1);
+
+    set();  // off again
+    fake.dialogs.boxes.clear();
+    kernel.closeRequested();
+    EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
+    EXPECT_THAT(fake.windows.calls, Contains("closeMain"));
+}
+
+TEST_F(Commands, TheUserMayLeaveAUnitWithZeroAdvance) {
+    Kernel kernel(session, commands);
+    session.link.load();
+    commands.zeroAdvance();  // not answered yet: the unit may take it when the program has gone
+    fake.dialogs.answers = {Answer::Yes};
+    kernel.closeRequested();
+    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
+    EXPECT_EQ(fake.dialogs.boxes[0].title, "Zero Advance");
+    EXPECT_THAT(fake.windows.calls, Contains("closeMain"));
+}
+
 TEST_F(Commands, TheMonitorModeIsKeptAsASetting) {
     commands.dayMode();
     EXPECT_EQ(fake.settings.get("System", "MonitorMode"), "1");

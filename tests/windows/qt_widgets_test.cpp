@@ -236,6 +236,27 @@ TEST(QtDialogs, ClosingABoxByOtherMeansDeclines) {
     EXPECT_EQ(dialogs.show({"File", "?", Icon::Question, Buttons::YesNo}), Answer::No);
 }
 
+TEST(QtDialogs, ABoxGoesWithWhatItIsAboutAndDeclines) {
+    QtDialogs dialogs;
+    bool running = true;
+    whenOpen<QMessageBox>([&](QMessageBox& box) {
+        EXPECT_TRUE(boxEndsByItself());
+        running = false;
+        // One that stays would hold the test.
+        QTimer::singleShot(5000, &box, [&box] {
+            ADD_FAILURE() << "the box stands";
+            box.close();
+        });
+    });
+    EXPECT_EQ(dialogs.show({.title = "Transfer Running",
+                            .text = "End the program all the same?",
+                            .icon = Icon::Critical,
+                            .buttons = Buttons::YesNo,
+                            .stands = [&] { return running; }}),
+              Answer::No);
+    EXPECT_FALSE(boxEndsByItself());
+}
+
 TEST(QtDialogs, TheKeyAtHandAgreesUnlessTheBoxSaysOtherwise) {
     QtDialogs dialogs;
     const auto answerAtHand = [&](Buttons buttons, bool declines) {
