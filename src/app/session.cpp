@@ -283,7 +283,7 @@ void Session::show(const Box& box) {
     if (std::ranges::any_of(boxesToShow_, same)) return;
     boxesToShow_.push_back(box);
     windows_->later([this, box, same] {
-        platform_.dialogs.show(box);
+        if (!box.stands || box.stands()) platform_.dialogs.show(box);
         std::erase_if(boxesToShow_, same);
     });
 }
@@ -352,6 +352,7 @@ void Session::codesCleared() {
 }
 
 void Session::frameDecoded() {
+    paintMemory.ofUnit(link.linked().LinkedUnitKind, link.linked().SerialNumber);
     windows_->frameDecoded();
 }
 

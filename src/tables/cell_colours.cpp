@@ -39,6 +39,20 @@ void PaintMemory::remember(int row, int column, Paint paint) {
     cells_[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)] = paint;
 }
 
+void PaintMemory::erase() {
+    cells_ = {};
+    ++erasures_;
+}
+
+void PaintMemory::ofAxes(const std::string& axes) {
+    if (std::exchange(axes_, axes) != axes) erase();
+}
+
+void PaintMemory::ofUnit(int kind, std::int32_t serialNumber) {
+    const std::pair unit(kind, serialNumber);
+    if (std::exchange(unit_, unit) != unit) erase();
+}
+
 std::int32_t shadeOf(float value, double midpoint, double scale) {
     const double v = value;
     if (v == midpoint) return white;

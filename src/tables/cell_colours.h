@@ -4,6 +4,8 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
+#include <utility>
 
 namespace zentaq {
 
@@ -12,7 +14,8 @@ enum class Paint : std::int16_t { White, Yellow, Green, Red, Blue, Cyan, LightGr
 std::int32_t paintColour(Paint paint);
 
 /// The last colour of each cell, by grid row and column 1 to 16. One for the whole program: it outlives a
-/// table window.
+/// table window, and all tables on the same axes share it. Where one engine has been tells nothing of
+/// another, nor of cells that stand for other speeds and pressures: then it begins anew.
 class PaintMemory {
  public:
     static constexpr int lines = 17;
@@ -21,10 +24,19 @@ class PaintMemory {
     Paint at(int row, int column) const;
     /// Ignored outside the memory.
     void remember(int row, int column, Paint paint);
-    void erase() { cells_ = {}; }
+    void erase();
+    /// The axes of the grid that is shown, as a text.
+    void ofAxes(const std::string& axes);
+    /// The unit whose frames come.
+    void ofUnit(int kind, std::int32_t serialNumber);
+    /// Goes up with each erasing: whoever shows the paint has to draw it anew.
+    std::uint64_t erasures() const { return erasures_; }
 
  private:
     std::array<std::array<Paint, lines>, lines> cells_{};
+    std::string axes_;
+    std::pair<int, std::int32_t> unit_{};
+    std::uint64_t erasures_ = 0;
 };
 
 /// White at the midpoint, towards green above it, towards red below it. The parts are taken modulo 256 with

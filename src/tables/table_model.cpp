@@ -75,6 +75,7 @@ void TableModel::Setup_Grid(std::string_view table, std::string_view title, bool
     refreshEstimates();
     buildZones();
     colorizeGraph(false);
+    paintMemory_.ofAxes(axesText());
     repaintRemembered();
     if (!grid_.hasCell(cursor_.row, cursor_.column)) cursor_ = {};
     if (!grid_.hasCell(selection_.bottom, selection_.right)) {
@@ -136,6 +137,14 @@ void TableModel::fillCells() {
             });
         }
     }
+}
+
+std::string TableModel::axesText() const {
+    std::string axes = unit_.GET_TBL_AXIS_TYPE(table_, "COL-AXIS");
+    for (int column = 1; column <= columns(); ++column) axes += ' ' + grid_.text(0, column);
+    axes += '\n' + unit_.GET_TBL_AXIS_TYPE(table_, "ROW-AXIS");
+    for (int row = 1; row <= rows(); ++row) axes += ' ' + grid_.text(row, 0);
+    return axes;
 }
 
 void TableModel::buildZones() {
@@ -399,7 +408,11 @@ bool TableModel::enterHeader(int row, int column, std::string_view typed) {
     if (!headerPrompt(row, column)) return false;
     const bool isColumn = row == 0;
     const int line = isColumn ? column : row;
-    return kind().isGpo() ? enterStop(isColumn, line, typed) : enterMainHeader(isColumn, line, typed);
+    const bool entered =
+        kind().isGpo() ? enterStop(isColumn, line, typed) : enterMainHeader(isColumn, line, typed);
+    paintMemory_.ofAxes(axesText());
+    if (entered) paintAnew();
+    return entered;
 }
 
 std::optional<AxisEntry> TableModel::axisEntry(int row, int column, std::string_view typed) const {
@@ -730,6 +743,15 @@ void TableModel::repaintRemembered() {
             grid_.colour(row, column, paintColour(paint));
         }
     }
+}
+
+void TableModel::paintAnew() {
+    if (view_ != TableView::Values) {
+        for (int index = 0; index < storedCells; ++index) skipFailing([&] { showEstimate(index); });
+        return;
+    }
+    colorizeGraph(table_ != "VE");
+    repaintRemembered();
 }
 
 void TableModel::whiteOut() {

@@ -213,6 +213,8 @@ class TableModel {
     /// Paints all cells from the paint memory.
     void repaint();
     void whiteOut();
+    /// The paint memory was erased by someone else: shades by value, and what it holds by now.
+    void paintAnew();
     /// Moves marker and cursor to the live point and paints its cell. Both 0: take the live values.
     void Show_Current_Activity(float x, float y);
     const LiveMarker& marker() const { return marker_; }
@@ -248,6 +250,7 @@ class TableModel {
     void shadeWritten(std::string_view table, int index);
     double shadeMidpoint() const;
     void buildZones();
+    std::string axesText() const;
     void repaintRemembered();
     float cellNumber(int row, int column) const;
     void takeCursorToSelection();

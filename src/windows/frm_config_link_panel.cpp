@@ -96,7 +96,7 @@ void PortCombo::add(const QString& text, int number, const std::string& identity
 }
 
 void PortCombo::fill(int selected, const std::string& identity) {
-    const QSignalBlocker quiet(this);
+    QSignalBlocker quiet(this);
     clear();
     for (const PortInfo& port : ports_()) {
         add(shownString(numberText(port.number) + "  " + port.device + "  " + port.description), port.number,
@@ -104,10 +104,14 @@ void PortCombo::fill(int selected, const std::string& identity) {
     }
     const QString wanted = QString::fromStdString(identity);
     const int place = identity.empty() ? findData(selected) : findData(wanted, identityRole);
-    if (place < 0) {
-        add(QString::fromStdString(numberText(selected) + "  ") + tr("(not present)"), selected, identity);
-    }
+    // By its number it would pass for the device that has it now.
+    const bool taken = place < 0 && findData(selected) >= 0;
+    numberTold_ = taken ? QStringLiteral("\u2013") : QString::number(selected);
+    if (place < 0) add(numberTold_ + "  " + tr("(not present)"), selected, identity);
     setCurrentIndex(place < 0 ? count() - 1 : place);
+    if (place >= 0) numberTold_ = QString::number(selectedNumber());
+    quiet.unblock();
+    Q_EMIT filled();
 }
 
 void PortCombo::showPopup() {
@@ -238,6 +242,7 @@ QWidget* LinkPanel::makePortRow(std::function<std::vector<PortInfo>()> ports) {
     row->addWidget(ports_, 1);
     row->addWidget(autoDetect_);
     connect(autoDetect_, &QPushButton::clicked, this, &LinkPanel::autoDetectAsked);
+    connect(ports_, &PortCombo::filled, this, &LinkPanel::showPortNumber);
     connect(ports_, &QComboBox::activated, this, [this] { Q_EMIT portChosen(ports_->selectedNumber()); });
     return area;
 }
@@ -282,7 +287,7 @@ void LinkPanel::render(const LinkStatus& status) {
     setText(activity_, status.activity);
     light(send_, status.send == Lamp::Sending, sendLampColor(), tr("at rest"), tr("sending"));
     light(receive_, status.receive == Lamp::Received, receiveLampColor(), tr("at rest"), tr("received"));
-    setText(port_, status.port);
+    showPortNumber();
     setText(unit_, status.unitLabel);
     setText(serial_, status.serialNumber);
     setText(firmware_, status.firmware);
@@ -304,6 +309,12 @@ void LinkPanel::showPortInUse(const LinkStatus& status) {
     shownPort_ = status.port;
     shownIdentity_ = status.portIdentity;
     ports_->fill(static_cast<int>(numberOf(status.port)), status.portIdentity);
+}
+
+// As the list has it by now: a device that was plugged in may have moved the others on since the port was
+// opened.
+void LinkPanel::showPortNumber() {
+    setText(port_, shownPort_.empty() ? std::string() : ports_->numberTold().toStdString());
 }
 
 void LinkPanel::showFrameTimes(const LinkStatus& status) {

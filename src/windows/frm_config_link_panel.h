@@ -27,8 +27,13 @@ class PortCombo : public QComboBox {
     /// device that is absent is shown as such, though another one may have its number now.
     void fill(int selected, const std::string& identity);
     int selectedNumber() const { return currentData().toInt(); }
+    /// The number of the port in use as the list has it; a dash where another device has its number.
+    const QString& numberTold() const { return numberTold_; }
     std::string selectedIdentity() const { return currentData(identityRole).toString().toStdString(); }
     void showPopup() override;
+
+ Q_SIGNALS:
+    void filled();
 
  private:
     static constexpr int identityRole = Qt::UserRole + 1;
@@ -36,6 +41,7 @@ class PortCombo : public QComboBox {
     void add(const QString& text, int number, const std::string& identity);
 
     std::function<std::vector<PortInfo>()> ports_;
+    QString numberTold_;
 };
 
 class LinkPanel : public QFrame {
@@ -61,6 +67,7 @@ class LinkPanel : public QFrame {
     QWidget* makePortRow(std::function<std::vector<PortInfo>()> ports);
     QWidget* makeProgress();
     void showPortInUse(const LinkStatus& status);
+    void showPortNumber();
     void showFrameTimes(const LinkStatus& status);
     void showImage(LinkImage image);
 

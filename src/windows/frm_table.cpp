@@ -202,7 +202,7 @@ void FrmTable::makeToolbar() {
     addLater("Print", "Print");
     addButton("Docking", undockCaption, "Inside the main window, or a window of its own",
               &FrmTable::toggleDocking);
-    addButton("Close", "Close", "Close the table (X)", &FrmTable::closeTable);
+    addButton("Close", "Close", "Close the table (Shift+X)", &FrmTable::closeTable);
     Toolbar1_->addWidget(makeFields());
 }
 
@@ -257,9 +257,9 @@ void FrmTable::makeTableMenu() {
     button->setObjectName("View");
     button->setPopupMode(QToolButton::InstantPopup);
     auto* menu = new QMenu(button);
-    addItem(menu, "Pulsewidth", "Pulse Width (P)", &FrmTable::pulsewidth)->setCheckable(true);
-    addItem(menu, "DutyCycle", "Duty Cycle (D)", &FrmTable::dutyCycle)->setCheckable(true);
-    addItem(menu, "Absolute", "Absolute VE (A)", &FrmTable::absolute)->setCheckable(true);
+    addItem(menu, "Pulsewidth", "Pulse Width (Shift+P)", &FrmTable::pulsewidth)->setCheckable(true);
+    addItem(menu, "DutyCycle", "Duty Cycle (Shift+D)", &FrmTable::dutyCycle)->setCheckable(true);
+    addItem(menu, "Absolute", "Absolute VE (Shift+A)", &FrmTable::absolute)->setCheckable(true);
     addItem(menu, "Invert", "Invert Rows", &FrmTable::invert)->setCheckable(true);
     addLaterItem(menu, "Graph", "Graph");
     addLaterItem(menu, "AutoVE", "AutoVE");
@@ -411,6 +411,10 @@ void FrmTable::setMode(DisplayMode mode) {
             .arg(inputBorder));
 }
 
+void FrmTable::followLook() {
+    setMode(appliedLook(*qApp));
+}
+
 void FrmTable::setDocked(bool docked) {
     docked_ = docked;
     if (model_) showAll();
@@ -423,6 +427,9 @@ void FrmTable::showCursor() {
     if (cell == Grid1_->currentIndex() || model_->selection().present) return;
     syncing_ = true;
     Grid1_->selectionModel()->setCurrentIndex(cell, QItemSelectionModel::ClearAndSelect);
+    // The view keeps the cell where a selection begins by itself: Shift would select from the one that was
+    // clicked last.
+    Grid1_->setCurrentIndex(cell);
     syncing_ = false;
 }
 
@@ -431,7 +438,10 @@ void FrmTable::selectionChanged() {
     const QModelIndex current = Grid1_->currentIndex();
     if (!current.isValid()) return;
     if (txtInputValue_->isVisible()) {
+        // A box that goes with the keyboard in it gives it to any other control.
+        const bool inHand = txtInputValue_->hasFocus();
         leaveEdit();
+        if (inHand) Grid1_->setFocus();
         holdCursor();  // the former edit has let go, and here the user stands on another cell
     }
     const int row = current.row() + 1;
@@ -1060,8 +1070,18 @@ void FrmTable::closeEvent(QCloseEvent* event) {
 
 void FrmTable::refreshLive() {
     const int linked = session_.link.linked().LinkedUnitKind;
+    followPaint();
     if (!model_ || linked == 0 || linked != session_.currentUnit()) return;
     Show_Current_Activity();
+}
+
+void FrmTable::followPaint() {
+    if (!model_ ||
+        std::exchange(erasuresSeen_, session_.paintMemory.erasures()) == session_.paintMemory.erasures()) {
+        return;
+    }
+    model_->paintAnew();
+    Grid1_->cells().refresh();
 }
 
 void FrmTable::Show_Current_Activity(float x, float y) {

@@ -42,6 +42,8 @@ class FrmTable : public QWidget {
 
     /// A frame has been decoded. Does nothing unless the calibration in hand is of the linked unit's kind.
     void refreshLive();
+    /// Another calibration or unit has come: what it has not painted goes from the cells.
+    void followPaint();
     /// The live point, or a recorded one; both 0 take the live values. The picture follows at most 60 times a
     /// second.
     void Show_Current_Activity(float x = 0, float y = 0);
@@ -77,6 +79,8 @@ class FrmTable : public QWidget {
     void setDocked(bool docked);
     void Day_Mode() { setMode(DisplayMode::Day); }
     void Night_Mode() { setMode(DisplayMode::Night); }
+    /// In another window the style sheet gives the inside of the grid the palette that it met first.
+    void followLook();
     /// The options were applied: a white grid, and the colour mode of the session from here on.
     void clearColours();
     /// `Load_Command`: 1 redoes the docking, 3 refreshes which toolbar items are shown.
@@ -223,6 +227,7 @@ class FrmTable : public QWidget {
     bool closing_ = false;
     bool ownChange_ = false;  ///< the table itself has changed the calibration
     int redraws_ = 0;
+    std::uint64_t erasuresSeen_ = 0;
 };
 
 }  // namespace zentaq

@@ -156,7 +156,9 @@ void MdiMain::makeToolbar() {
         action->setObjectName(qString(button.key));
         action->setToolTip(qString(button.tip));
         connect(action, &QAction::triggered, this, [this, &button] { pressed(button); });
-        toolbar_->widgetForAction(action)->setFocusPolicy(Qt::TabFocus);
+        // Its commands are in the menus. A button that had got the keyboard from a control that went would
+        // begin a new calibration at the next press of Space.
+        toolbar_->widgetForAction(action)->setFocusPolicy(Qt::NoFocus);
         buttons_.emplace_back(&button, action);
     }
     addToolBar(toolbar_);

@@ -1,6 +1,7 @@
 #include "windows/table_view.h"
 
 #include <QHeaderView>
+#include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
 #include <algorithm>
@@ -243,6 +244,21 @@ void TableGridView::sizeColumns(bool fixedWidth) {
     }
     sizeRows();
     moveMarker();
+}
+
+void TableGridView::mousePressEvent(QMouseEvent* event) {
+    pressing_ = true;
+    QTableView::mousePressEvent(event);
+    pressing_ = false;
+}
+
+// A hand that shakes while it presses with Shift drags by a hair, and the toolkit begins what is dragged at
+// the last press without Shift.
+void TableGridView::setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) {
+    if (pressing_) pressedFrom_ = indexAt(rect.topLeft());
+    const bool drags = state() == DragSelectingState && pressedFrom_.isValid();
+    QTableView::setSelection(drags ? QRect(visualRect(pressedFrom_).center(), rect.bottomRight()) : rect,
+                             command);
 }
 
 QRect TableGridView::cellRect(int row, int column) const {

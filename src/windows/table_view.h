@@ -7,7 +7,9 @@
 
 #include <QAbstractTableModel>
 #include <QFrame>
+#include <QItemSelectionModel>
 #include <QLabel>
+#include <QPersistentModelIndex>
 #include <QStyledItemDelegate>
 #include <QTableView>
 
@@ -88,6 +90,8 @@ class TableGridView : public QTableView {
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
     void updateGeometries() override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) override;
 
  private:
     void sizeRows();
@@ -102,6 +106,8 @@ class TableGridView : public QTableView {
     bool fixedWidth_ = false;
     double markerRow_ = 1;
     double markerColumn_ = 1;
+    bool pressing_ = false;
+    QPersistentModelIndex pressedFrom_;  ///< where the selection of the last press begins
 };
 
 }  // namespace zentaq

@@ -13,6 +13,7 @@
 #include "link/flag_scope.h"
 #include "qt/help_key.h"
 #include "qt/look.h"
+#include "qt/qt_dialogs.h"
 #include "qt/second_window.h"
 #include "qt/window_placement.h"
 
@@ -183,6 +184,7 @@ void WindowManager::setupNodes() {
     treeReady_ = true;
     config_->setupNodes();
     config_->showUnit();
+    if (table_) table_->followPaint();
     // The table that may have had the keyboard stands behind a page now.
     config_->focusTree();
 }
@@ -254,11 +256,21 @@ void WindowManager::closesInto(QPointer<Form>& place) {
         // The sensor manager may have been opened from the general parameters.
         QWidget* next = formNamed("frmGeneralConfig");
         (next != nullptr ? next : main_.get())->activateWindow();
+        if (next == nullptr) focusMain();
         main_->refresh();
         if (!config_) return;
         config_->showUnit();
         config_->refreshPorts();
     });
+}
+
+// The control in hand keeps the keyboard if it is still there and was chosen by the user.
+void WindowManager::focusMain() {
+    if (!config_) return;
+    const QWidget* inHand = main_->focusWidget();
+    if (inHand != nullptr && inHand != main_.get() && inHand->isVisibleTo(main_.get())) return;
+    if (table_ && !table_->isWindow() && table_->isVisibleTo(main_.get())) return table_->takeFocus();
+    config_->focusTree();
 }
 
 void WindowManager::openGeneralConfig() {
@@ -440,6 +452,7 @@ void WindowManager::placeTable(bool docked) {
         undockTable();
     }
     table_->moves(false);
+    table_->followLook();
     table_->takeFocus();
     // A tool bar that has moved shows its fields from the event loop: one that is in hand can take it then.
     QTimer::singleShot(0, table_, &FrmTable::takeFocus);
@@ -501,7 +514,10 @@ void WindowManager::later(const std::function<void()>& something) {
 void WindowManager::runWaiting() {
     if (runsWaiting_ || waiting_.empty()) return;
     // A box would stand on a calibration of which one half is in hand.
-    if (session_.saving.reading()) return QTimer::singleShot(refreshMs, this, &WindowManager::runWaiting);
+    // And one that is about to go would be left standing under it.
+    if (session_.saving.reading() || boxEndsByItself()) {
+        return QTimer::singleShot(refreshMs, this, &WindowManager::runWaiting);
+    }
     const auto goOn = qScopeGuard([this] {
         if (!waiting_.empty()) QTimer::singleShot(0, this, &WindowManager::runWaiting);
     });

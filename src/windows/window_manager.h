@@ -112,6 +112,7 @@ class WindowManager : public QObject, public WindowSet {
     bool finishEdits();
     void showTable(const std::string& table, const std::string& title);
     void tableClosed();
+    void focusMain();
     void leaveTable();
     void handOn(const FrmTable::Left& left);
     void runHandedOn();

@@ -51,5 +51,24 @@ TEST(PaintMemory, KeepsTheLastPaintOf16By16Cells) {
     EXPECT_EQ(memory.at(16, 16), Paint::White);
 }
 
+TEST(PaintMemory, BeginsAnewOnOtherAxesAndWithAnotherUnitAndTellsIt) {
+    PaintMemory memory;
+    memory.ofAxes("500 1000");
+    memory.ofUnit(3, 200001);
+    memory.remember(1, 1, Paint::Yellow);
+    const auto before = memory.erasures();
+    memory.ofAxes("500 1000");
+    memory.ofUnit(3, 200001);
+    EXPECT_EQ(memory.at(1, 1), Paint::Yellow);
+    EXPECT_EQ(memory.erasures(), before);
+
+    memory.ofAxes("500 1100");
+    EXPECT_EQ(memory.at(1, 1), Paint::White);
+    memory.remember(1, 1, Paint::Yellow);
+    memory.ofUnit(3, 200002);
+    EXPECT_EQ(memory.at(1, 1), Paint::White);
+    EXPECT_EQ(memory.erasures(), before + 2);
+}
+
 }  // namespace
 }  // namespace zentaq

@@ -5,10 +5,13 @@
 #include <QEventLoop>
 #include <QMessageBox>
 #include <QTabWidget>
+#include <QToolBar>
+#include <QToolButton>
 #include <QTreeWidget>
 #include <QWindow>
 
 #include "qt/qt_dialogs.h"
+#include "windows/frm_general_config.h"
 #include "windows/key_press.h"
 #include "windows/window_fixture.h"
 
@@ -134,6 +137,46 @@ TEST_F(Focus, AClosedCalibrationLeavesItToTheTree) {
     commands.close();
     settle();
     EXPECT_EQ(focus(), "treeZentaq");
+}
+
+TEST_F(Focus, AClosedGeneralConfigurationLeavesItToTheGridOrTheTree) {
+    for (const bool table : {false, true}) {
+        if (table) openVe();
+        for (const bool saved : {false, true}) {
+            windows.openGeneralConfig();
+            settle();
+            auto* form = windows.main().findChild<FrmGeneralConfig*>();
+            ASSERT_NE(form, nullptr);
+            if (saved) windows.showUnit();
+            form->close();
+            settle();
+            EXPECT_EQ(focusOf(windows.main()), table ? "Grid1" : "treeZentaq") << saved;
+        }
+    }
+}
+
+TEST_F(Focus, AFormClosedOverAControlThatWentLeavesItToTheTree) {
+    for (const char* hidden : {"cmdAutoDetectPort", "cmbCOMM", "lstLog"}) {
+        auto* inHand = find<QWidget>(hidden);
+        ASSERT_NE(inHand, nullptr) << hidden;
+        inHand->setFocus();
+        windows.openGeneralConfig();
+        settle();
+        inHand->setVisible(false);
+        windows.main().findChild<FrmGeneralConfig*>()->close();
+        settle();
+        EXPECT_NE(focusOf(windows.main()), "nothing") << hidden;
+        EXPECT_EQ(qobject_cast<QToolButton*>(windows.main().focusWidget()), nullptr) << hidden;
+        inHand->setVisible(true);
+    }
+}
+
+TEST_F(Focus, NoButtonOfTheToolBarTakesTheKeyboardFromAControlThatGoes) {
+    auto* bar = find<QToolBar>("Toolbar1");
+    ASSERT_NE(bar, nullptr);
+    ASSERT_FALSE(bar->actions().isEmpty());
+    for (QAction* action : bar->actions())
+        EXPECT_EQ(bar->widgetForAction(action)->focusPolicy(), Qt::NoFocus) << action->text().toStdString();
 }
 
 TEST_F(Focus, ASearchOfThePortGivesTheButtonItsKeyboardBack) {

@@ -89,13 +89,12 @@ class Table : public testing::Test {
     void enter() { key(Qt::Key_Return, "\r"); }
     void stand(int row, int column) { grid().setCurrentIndex(grid().model()->index(row - 1, column - 1)); }
     /// As the mouse does it: the focus moves before the grid hears of the press.
-    void click(int row, int column) {
+    void click(int row, int column, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
         grid().setFocus(Qt::MouseFocusReason);
         const QPointF place = grid().cellRect(row, column).center();
         for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
             QMouseEvent event(type, place, grid().viewport()->mapToGlobal(place), Qt::LeftButton,
-                              type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton,
-                              Qt::NoModifier);
+                              type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, modifiers);
             QApplication::sendEvent(grid().viewport(), &event);
         }
     }
@@ -630,6 +629,84 @@ TEST_F(Table, ArrowOutOfTheBoxHoldsTheCellThatItGoesTo) {
     EXPECT_EQ(form->model()->currentRow(), 5);
 }
 
+TEST_F(Table, EveryKeyOutOfTheBoxLeavesTheKeyboardToTheGridAndWritesNothing) {
+    for (const int out : {Qt::Key_Down, Qt::Key_Up, Qt::Key_PageDown, Qt::Key_PageUp}) {
+        for (const char* opened : {" ", "9"}) {
+            click(8, 4);
+            type(opened);
+            ASSERT_EQ(QApplication::focusWidget(), &box());
+            key(out);
+            EXPECT_FALSE(box().isVisible()) << out;
+            EXPECT_EQ(QApplication::focusWidget(), &grid()) << out;
+        }
+    }
+    EXPECT_EQ(form->model()->cellsWritten(), 0);
+    EXPECT_FALSE(fake.session.DataModified);
+}
+
+TEST_F(Table, AShiftedKeySelectsFromTheCellThatTheEngineHasCarriedTheCursorTo) {
+    click(3, 12);
+    key(Qt::Key_Escape);
+    form->Show_Current_Activity(1000, 40);
+    ASSERT_EQ(form->model()->currentRow(), 12);
+    key(Qt::Key_Down, {}, Qt::ShiftModifier);
+    const Selection& chosen = form->model()->selection();
+    EXPECT_EQ(chosen.top, 12);
+    EXPECT_EQ(chosen.bottom, 13);
+    EXPECT_EQ(chosen.left, 2);
+    EXPECT_EQ(chosen.right, 2);
+    key(Qt::Key_Comma, ",");
+    EXPECT_EQ(ve(4 * 16 + 1), -1);
+    EXPECT_EQ(ve(3 * 16 + 1), -1);
+    EXPECT_EQ(ve(13 * 16 + 11), 0) << "the cell that was clicked";
+    EXPECT_EQ(form->model()->cellsWritten(), 2);
+}
+
+TEST_F(Table, AShiftedClickSelectsFromTheCellThatTheEngineHasCarriedTheCursorTo) {
+    click(3, 12);
+    key(Qt::Key_Escape);
+    form->Show_Current_Activity(1000, 40);
+    click(13, 3, Qt::ShiftModifier);
+    const Selection& chosen = form->model()->selection();
+    EXPECT_EQ(chosen.top, 12);
+    EXPECT_EQ(chosen.bottom, 13);
+    EXPECT_EQ(chosen.left, 2);
+    EXPECT_EQ(chosen.right, 3);
+}
+
+TEST_F(Table, AHandThatShakesWhileItClicksWithShiftSelectsNoMore) {
+    click(3, 12);
+    key(Qt::Key_Escape);
+    form->Show_Current_Activity(1000, 40);
+    const QPointF place = grid().cellRect(13, 3).center();
+    const auto mouse = [&](QEvent::Type type, const QPointF& at, Qt::MouseButtons buttons) {
+        const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+        QMouseEvent event(type, at, grid().viewport()->mapToGlobal(at), button, buttons, Qt::ShiftModifier);
+        QApplication::sendEvent(grid().viewport(), &event);
+    };
+    mouse(QEvent::MouseButtonPress, place, Qt::LeftButton);
+    mouse(QEvent::MouseMove, place + QPointF(1, 1), Qt::LeftButton);
+    mouse(QEvent::MouseButtonRelease, place + QPointF(1, 1), Qt::NoButton);
+    const Selection& chosen = form->model()->selection();
+    EXPECT_EQ(chosen.top, 12);
+    EXPECT_EQ(chosen.bottom, 13);
+    EXPECT_EQ(chosen.left, 2);
+    EXPECT_EQ(chosen.right, 3);
+}
+
+TEST_F(Table, AShiftedKeyBehindAnEntrySelectsFromTheEnginesCell) {
+    click(3, 12);
+    type("7");
+    enter();
+    form->Show_Current_Activity(1000, 40);
+    key(Qt::Key_Right, {}, Qt::ShiftModifier);
+    const Selection& chosen = form->model()->selection();
+    EXPECT_EQ(chosen.top, 12);
+    EXPECT_EQ(chosen.bottom, 12);
+    EXPECT_EQ(chosen.left, 2);
+    EXPECT_EQ(chosen.right, 3);
+}
+
 TEST_F(Table, TurningTheRowsOverEndsAnOpenEdit) {
     click(4, 4);
     type("7");
@@ -779,6 +856,32 @@ TEST_F(Table, PaintOutlivesTheWindow) {
     windows.table = form.get();
     form->Setup_Grid("VE", "Volumetric Efficiency Table");
     EXPECT_EQ(form->model()->grid().colour(12, 2), 0x00FFFF);
+}
+
+TEST_F(Table, PaintIsOfItsAxesAlone) {
+    form->Show_Current_Activity(1000, 40);
+    ASSERT_EQ(form->model()->grid().colour(12, 2), 0x00FFFF);
+    form->Setup_Grid("ADV", "Ignition Advance Table");
+    EXPECT_EQ(form->model()->grid().colour(12, 2), 0x00FFFF) << "the same axes";
+    unit().set("RPMTBL", 1100, 1);
+    form->showUnit();
+    EXPECT_EQ(form->model()->grid().colour(12, 2), 0xFFFFFF);
+    form->Show_Current_Activity(1100, 40);
+    fake.dialogs.inputs = {"1200"};
+    QHeaderView* header = grid().horizontalHeader();
+    Q_EMIT header->sectionDoubleClicked(1);
+    ASSERT_EQ(unit().get("RPMTBL", 1), 1200);
+    EXPECT_EQ(form->model()->grid().colour(12, 2), 0xFFFFFF) << "a header that the user has changed";
+}
+
+TEST_F(Table, TheFramesOfAnotherUnitFindAGridWithoutPaint) {
+    fake.session.paintMemory.ofUnit(orbA, 200001);
+    form->Show_Current_Activity(1000, 40);
+    form->refreshLive();
+    ASSERT_EQ(form->model()->grid().colour(12, 2), 0x00FFFF);
+    fake.session.paintMemory.ofUnit(orbA, 200002);
+    form->refreshLive();
+    EXPECT_NE(form->model()->grid().colour(12, 2), 0x00FFFF);
 }
 
 TEST_F(Table, CommandsThatComeLaterStandDisabledInTheMenus) {

@@ -7,7 +7,9 @@
 #include <QComboBox>
 #include <QHeaderView>
 #include <QProgressBar>
+#include <QTimer>
 
+#include "qt/qt_dialogs.h"
 #include "windows/window_fixture.h"
 
 namespace zentaq {
@@ -159,6 +161,62 @@ TEST_F(Manager, TheInsideOfListsAndTablesFollowsDayAndNight) {
     for (std::size_t i = 0; i < night.size(); ++i)
         EXPECT_GT(day[i].lightness(), night[i].lightness() + 100) << names[i];
     EXPECT_EQ(insides(), night);
+}
+
+TEST_F(Manager, BesideTheCellsATableThatWasOpenedAtNightIsAsBrightAsTheDay) {
+    windows.nightMode();
+    openCalibration();
+    commands.openTable("VE", "Volumetric Efficiency Table");
+    QCoreApplication::processEvents();
+    QWidget* inside = windows.table()->grid().viewport();
+    const auto beside = [&] { return inside->grab().toImage().pixelColor(inside->width() - 2, 2); };
+    ASSERT_EQ(beside(), lookColors(DisplayMode::Night).surface);
+    windows.dayMode();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(beside(), lookColors(DisplayMode::Day).surface);
+    for (const char* place : {"in a window of its own", "docked again"}) {
+        windows.table()->findChild<QAction*>("Docking")->trigger();
+        QCoreApplication::processEvents();
+        EXPECT_EQ(beside(), lookColors(DisplayMode::Day).surface) << place;
+    }
+}
+
+TEST_F(Manager, WhatTheLinkHasToTellWaitsForAQuestionThatIsAboutToGo) {
+    QtDialogs dialogs;
+    bool running = true;
+    bool told = false;
+    bool underTheQuestion = false;
+    QTimer::singleShot(0, qApp, [&] {
+        windows.later([&] {
+            told = true;
+            underTheQuestion = boxEndsByItself();
+        });
+        for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
+        running = false;
+    });
+    const Box question{.title = "Transfer Running",
+                       .text = "End the program all the same?",
+                       .buttons = Buttons::YesNo,
+                       .stands = [&] { return running; }};
+    EXPECT_EQ(dialogs.show(question), Answer::No);
+    while (!told) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    EXPECT_FALSE(underTheQuestion);
+}
+
+TEST_F(Manager, ATableShowsNoPaintOfTheCalibrationBefore) {
+    openCalibration();
+    Unit& unit = fake.session.currentUnitObject();
+    commands.openTable("VE", "Volumetric Efficiency Table");
+    windows.table()->Show_Current_Activity(0.5f, 0.5f);
+    TableModel& model = *windows.table()->model();
+    const GridCell cell{model.currentRow(), model.currentColumn()};
+    const auto yellow = paintColour(Paint::Yellow);
+    ASSERT_EQ(model.grid().colour(cell.row, cell.column), yellow);
+    openCalibration();
+    ASSERT_EQ(windows.table()->model()->table(), "VE");
+    EXPECT_NE(windows.table()->model()->grid().colour(cell.row, cell.column), yellow);
+    EXPECT_EQ(fake.session.paintMemory.at(cell.row, cell.column), Paint::White);
+    EXPECT_EQ(&unit, &fake.session.currentUnitObject()) << "the same object holds both";
 }
 
 }  // namespace

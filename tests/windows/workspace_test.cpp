@@ -398,10 +398,24 @@ TEST_F(Workspace, ThePanelShowsThePortInUseWhateverTheOptionsHaveStored) {
     EXPECT_EQ(ports->selectedNumber(), 7);
 }
 
+TEST_F(Workspace, ThePortInUseHasOneNumberInThePanelAndInItsList) {
+    fake.session.link.ORB_Initialize();
+    windows.refresh();
+    ASSERT_EQ(find<QLabel>("lblCOMM")->text(), "1");
+    auto* ports = qobject_cast<PortCombo*>(find<QComboBox>("cmbCOMM"));
+    fake.port.presentNumber = 2;  // a simulated unit has come, and moved it on
+    ports->showPopup();
+    EXPECT_EQ(ports->currentText().left(1), "2");
+    EXPECT_EQ(find<QLabel>("lblCOMM")->text(), "2");
+    windows.refresh();
+    EXPECT_EQ(find<QLabel>("lblCOMM")->text(), "2");
+    ports->hidePopup();
+}
+
 TEST_F(Workspace, ADeviceThatIsAwayIsNotShownAsTheOneThatHasItsNumberNow) {
     auto* ports = qobject_cast<PortCombo*>(find<QComboBox>("cmbCOMM"));
     ports->fill(1, "usb:0403:6001:AB12");
-    EXPECT_EQ(ports->currentText(), "1  (not present)");
+    EXPECT_EQ(ports->currentText(), QStringLiteral("\u2013  (not present)")) << "its number is another's";
     EXPECT_EQ(ports->selectedIdentity(), "usb:0403:6001:AB12");
     EXPECT_EQ(ports->itemText(0), "1  /dev/fake  A port for tests");
     ports->fill(3, "fake");
