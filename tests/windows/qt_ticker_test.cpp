@@ -177,12 +177,15 @@ TEST_F(TickerOnTheClock, LinesOfAFirmwareNeverFollowAnAnswerBeforeTenMillisecond
     ticker.onTick([&] { link.tick(); });
     ASSERT_TRUE(link.RS232_Initialize(1));
     ticker.start();
-    // A window that paints for 1 to 50 ms again and again.
+    // A window that paints again and again for some milliseconds, now and then for 50, and is idle in between.
     QTimer window;
     int paint = 0;
     QObject::connect(&window, &QTimer::timeout,
-                     [&] { std::this_thread::sleep_for(std::chrono::milliseconds(1 + paint++ * 7 % 50)); });
-    window.start(3);
+                     [&] {
+                         const int ms = ++paint % 8 == 0 ? 50 : 1 + paint % 6;
+                         std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+                     });
+    window.start(11);
     std::string text;
     for (int line = 0; line < 2 * lines; ++line) text += "S10510000000EA\n";
     link.programFirmware("test", text, 4);
