@@ -287,6 +287,27 @@ TEST_F(TwoKinds, AUnitThatComesWhileItsFileIsReadFindsItInItsSlot) {
     EXPECT_EQ(other.currentUnitObject().BinFile(), path);
 }
 
+TEST_F(TwoKinds, AUnitThatComesWhileADamagedFileIsReadLeavesTheFormerCalibrationInHand) {
+    const std::string good = fileOf("ORB D", "four.ZQ4OD");
+    const std::string bad = fake.folder.path("bad.ZQ4OD");
+    std::string bytes = bytesOf(good);
+    const float noByte = 300;
+    std::memcpy(bytes.data() + 12, &noByte, sizeof noByte);  // the options of cell 0
+    std::ofstream(bad, std::ios::binary) << bytes;
+    open(good);
+    const Unit& former = unit();
+    unit().set("KNK_MIN", 31);
+    fake.yield.meanwhile = [&] { connect(orbD6, "ZQD-405010"); };
+    fake.dialogs.answers = {Answer::No};
+    open(bad);
+    ASSERT_FALSE(fake.yield.meanwhile) << "the reading yields";
+    EXPECT_EQ(titles().back(), "File Read Error");
+    EXPECT_EQ(session.currentUnit(), 8);
+    EXPECT_EQ(&unit(), &former);
+    EXPECT_EQ(unit().get("KNK_MIN"), 31);
+    EXPECT_EQ(unit().BinFile(), good);
+}
+
 // A box lets events in as well.
 TEST_F(TwoKinds, AUnitThatComesUnderTheBoxAboutAnotherKindTakesChangesOfItsFile) {
     const std::string path = fileOf("ORB L", "six.ZQ4OL");

@@ -452,6 +452,24 @@ INSTANTIATE_TEST_SUITE_P(Cases, NewFirmware,
                                          NewFirmwareCase{"OlderReleaseNewerBuild", "ZQA0004999", false}),
                          [](const auto& row) { return row.param.name; });
 
+TEST_F(FirmwareReply, AUnitThatIsAskedAgainIsWarnedOfOnceAndAfterALostLinkAnew) {
+    host.releases[4] = 5;
+    host.builds[4] = 12;
+    answer(300000, "ZQL0005013");
+    ASSERT_EQ(host.boxes.size(), 1u);
+    exchange("B", firmwareReply("MY CAR", "ZQL0005013", 38));
+    EXPECT_EQ(host.unit(4).FW_Build(), 13);
+    EXPECT_EQ(host.boxes.size(), 1u);
+    exchange("B", firmwareReply("MY CAR", "ZQL0005014", 38));
+    EXPECT_EQ(host.unit(4).FW_Build(), 14);
+    EXPECT_EQ(host.boxes.size(), 2u) << "yet another firmware";
+    link.Send_ORB_Command("F");
+    ticks(200);
+    ASSERT_FALSE(link.linked().UnitIdentified);
+    answer(300000, "ZQL0005014");
+    EXPECT_EQ(host.boxes.size(), 1u) << "of this finding";
+}
+
 TEST_F(FirmwareReply, SubTypesOfKindThreeAreLabelled) {
     const std::pair<int, const char*> cases[] = {{0, "A Std"}, {1, "A 6/12"}, {2, "A r"}, {3, "A r"}};
     for (const auto& [subType, label] : cases) {
