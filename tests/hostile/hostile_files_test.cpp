@@ -12,6 +12,7 @@
 #include <csignal>
 #include <filesystem>
 #include <functional>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -210,7 +211,18 @@ class HostileFilesTo : public ::testing::TestWithParam<Command> {
         if (outcome.code() == 0) return;
         EXPECT_FALSE(fs::exists(output)) << "refused, and written";
         if (GetParam().finds && !outcome.out.empty()) return;
-        EXPECT_EQ(std::count(outcome.error.begin(), outcome.error.end(), '\n'), 1) << outcome.error;
+        EXPECT_EQ(linesBesideCut(outcome.error), 1) << outcome.error;
+    }
+    /// A file that lost its end is told in front of the reason.
+    static int linesBesideCut(const std::string& error) {
+        std::istringstream lines(error);
+        int count = 0;
+        for (std::string line; std::getline(lines, line);) {
+            if (!line.ends_with(" missing and were taken as 0.") &&
+                !line.ends_with(" missing and was taken as 0."))
+                ++count;
+        }
+        return count;
     }
 
     TemporaryFolder folder;
