@@ -6,6 +6,7 @@
 #include <QCloseEvent>
 #include <QDialog>
 #include <QEventLoop>
+#include <QThread>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -238,6 +239,24 @@ TEST_F(TypedAhead, ARefusedEntryIsToldFromTheEventLoopAndNotInsideTheTick) {
     EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
     settle();
     EXPECT_EQ(fake.dialogs.boxes.size(), 1u);
+}
+
+TEST_F(TypedAhead, KeysThatWaitAreNotWrittenUnderABoxButBehindIt) {
+    nudge();
+    lock();
+    nudge();
+    QDialog box(&windows.main());
+    box.setModal(true);
+    box.show();
+    ASSERT_EQ(QApplication::activeModalWidget(), &box);
+    answer();
+    EXPECT_EQ(ve(0), 1);
+    box.close();
+    for (int round = 0; round < 500 && ve(0) == 1; ++round) {
+        settle();
+        QThread::msleep(1);
+    }
+    EXPECT_EQ(ve(0), 2);
 }
 
 TEST_F(TypedAhead, AHundredKeysWaitAndAreAllWritten) {
