@@ -288,6 +288,21 @@ TEST_F(ProgramOrb, AUnitThatIsSwitchedOffAndOnWhileABoxStandsHasToTellItsFirmwar
     expectNothingSent();
 }
 
+TEST_F(ProgramOrb, ACalibrationThatCannotBeBroughtToTheFirmwareOfTheUnitIsToldBeforeAnythingIsAsked) {
+    std::vector<float> floats = soundCalibration();
+    floats[2] = 2017;
+    openCalibration(floats);
+    session.database.reset();
+    session.DatabaseFile = fake.folder.path("none.pak");
+    link(firstOrbA);
+    session.DataModified = true;
+    fake.dialogs.boxes.clear();
+    commands.programOrb();
+    EXPECT_THAT(titles(), ElementsAre("Program ORB"));
+    EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("Nothing was sent to the unit."));
+    expectNothingSent();
+}
+
 /// Windows that let the link go on while they close.
 class SlowlyClosingWindows : public RecordingWindows {
  public:

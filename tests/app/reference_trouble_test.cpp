@@ -64,14 +64,15 @@ TEST_F(ReferenceTrouble, AFileThatMustBeConvertedIsNotOpenedAndTheBoxSaysWhy) {
     open(oldFile());
     ASSERT_EQ(fake.dialogs.boxes.size(), 1U);
     EXPECT_EQ(fake.dialogs.boxes[0].title, "Reference Database");
-    EXPECT_EQ(fake.dialogs.boxes[0].text,
-              "FILE CANNOT BE CONVERTED:   tune.BIN\n"
-              "This file was made for another firmware and must be converted.\n"
-              "Engine 0 of the reference database is needed to convert it: Cannot open the reference database " +
-                  database +
-                  ": the file is missing\n"
-                  "Nothing was opened. Close the program that uses the database, or install this one again.\n"
-                  "Do you want to enter a new filename?");
+    EXPECT_EQ(
+        fake.dialogs.boxes[0].text,
+        "FILE CANNOT BE CONVERTED:   tune.BIN\n"
+        "This file was made for another firmware and must be converted.\n"
+        "Engine 0 of the reference database is needed to convert it: Cannot open the reference database " +
+            database +
+            ": the file is missing\n"
+            "Nothing was opened. Close the program that uses the database, or install this one again.\n"
+            "Do you want to enter a new filename?");
     EXPECT_EQ(session.currentUnit(), 0);
     EXPECT_EQ(session.CurrentFile, "");
     EXPECT_EQ(session.Units(3).get("REV_Limiter"), 0);
@@ -101,6 +102,16 @@ TEST_F(ReferenceTrouble, ALockedDatabaseIsTriedOnceASecondForWhatIsOnlyShown) {
     EXPECT_EQ(session.reference(), nullptr);
     fake.clock.nowUs += 1'000'000;
     EXPECT_NE(session.reference(), nullptr);
+}
+
+TEST_F(ReferenceTrouble, ALockedDatabaseIsTriedAtOnceWhereACalibrationIsConverted) {
+    {
+        const WritingProgram other(database);
+        kernel.load();
+        EXPECT_THROW(session.mapSensor(2), Failure);
+    }
+    EXPECT_EQ(session.reference(), nullptr) << "no time has passed";
+    EXPECT_TRUE(session.mapSensor(2));
 }
 
 TEST_F(ReferenceTrouble, ADatabaseLockedWhileAFileIsOpenedIsNoReasonForHalfAFile) {

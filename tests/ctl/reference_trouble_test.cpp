@@ -28,8 +28,8 @@ class ZentaqctlAlone : public ZentaqctlOnLink {
     Outcome alone(const std::string& arguments) {
         const std::string out = folder.file("stdout.txt");
         const std::string error = folder.file("stderr.txt");
-        const std::string command = inQuotes(program) + " " + arguments + " </dev/null >" + inQuotes(out) +
-                                    " 2>" + inQuotes(error);
+        const std::string command =
+            inQuotes(program) + " " + arguments + " </dev/null >" + inQuotes(out) + " 2>" + inQuotes(error);
         const int status = std::system(command.c_str());
         return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentOf(out), contentOf(error)};
     }
@@ -66,6 +66,19 @@ TEST_F(ZentaqctlAlone, ImageForNewerFirmwareEndsWithoutTheDatabaseAndWritesNothi
         EXPECT_FALSE(fs::exists(output));
     });
     EXPECT_EQ(alone("image " + inQuotes(file) + " --firmware 5.99 -o " + inQuotes(output)).exitCode, 0);
+}
+
+TEST_F(ZentaqctlAlone, ImageForNewerFirmwareEndsWhereTheDatabaseLacksTheSensor) {
+    sqlite3* other = nullptr;
+    ASSERT_EQ(sqlite3_open(database.c_str(), &other), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(other, "DELETE FROM MAPCals WHERE ID = 2", nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(other);
+    const Outcome outcome = alone("image " + inQuotes(file) + " --firmware 5.99 -o " + inQuotes(output));
+    EXPECT_EQ(outcome.exitCode, 1);
+    expectOneLine(outcome.error);
+    EXPECT_THAT(outcome.error, HasSubstr("MAP sensor 2 of the reference database is needed to convert it"));
+    EXPECT_THAT(outcome.error, HasSubstr("no such sensor"));
+    EXPECT_FALSE(fs::exists(output));
 }
 
 TEST_F(ZentaqctlAlone, ImportBinEndsWithoutTheDatabaseAndWritesNothing) {

@@ -85,6 +85,22 @@ TEST_F(CalibrationTransfer, TicksThatAreRunAfterAPauseDoNotShortenTheGapInFrontO
     EXPECT_EQ(port.written().size(), 2U);
 }
 
+TEST_F(CalibrationTransfer, BytesBehindAnAnswerDoNotPutTheNextLineOff) {
+    link.AutoPollSuspended(true);
+    link.Program_Unit(TransferMode::Calibration, "");
+    link.tick();  // P1 goes out
+    port.send(atOnce("AX"));
+    port.advanceUs(1000);
+    for (int noise = 0; noise < 10; ++noise) {
+        port.send(atOnce("\x55"));
+        for (int ms = 0; ms < 2; ++ms) {
+            port.advanceUs(1000);
+            link.tick();
+        }
+    }
+    EXPECT_EQ(port.written().size(), 2U) << "twenty milliseconds have passed since the answer";
+}
+
 TEST_F(CalibrationTransfer, AWholeRunOfARealImageTakesElevenTicksALine) {
     answerLines("AX");
     link.AutoPollSuspended(true);

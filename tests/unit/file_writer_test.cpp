@@ -4,10 +4,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <thread>
 
+#include "unit/file_lock.h"
 #include "unit/unit_fixture.h"
 
 namespace zentaq::testing {
@@ -76,6 +79,24 @@ TEST_F(ASave, BesideTheThreadEndsOnceAndTheNextOneMayBegin) {
         EXPECT_FALSE(writer.outcome());
         EXPECT_EQ(contentOf(path), content + "ld content");
     }
+}
+
+TEST_F(ASave, WaitsForAProgramThatIsChangingTheFileAndFindsItsChange) {
+    ThreadedFileWriter writer;
+    {
+        const FileLock other(path);
+        writer.begin({path, "new", "old content"});
+        // Time enough for one that would not wait.
+        for (int ms = 0; ms < 100; ++ms) {
+            ASSERT_FALSE(writer.outcome());
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        std::ofstream(path) << "of the other";
+    }
+    const FileSaved saved = ended(writer);
+    EXPECT_EQ(saved.outcome, Outcome::Changed);
+    EXPECT_EQ(saved.holds, "of the other");
+    EXPECT_EQ(contentOf(path), "of the other");
 }
 
 TEST_F(ASave, BesideTheThreadIsNotCutShortByTheEndOfItsWriter) {

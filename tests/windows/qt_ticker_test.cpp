@@ -177,14 +177,14 @@ TEST_F(TickerOnTheClock, LinesOfAFirmwareNeverFollowAnAnswerBeforeTenMillisecond
     ticker.onTick([&] { link.tick(); });
     ASSERT_TRUE(link.RS232_Initialize(1));
     ticker.start();
-    // A window that paints again and again for some milliseconds, now and then for 50, and is idle in between.
+    // A window that paints again and again for some milliseconds, now and then for 50, and is idle in
+    // between.
     QTimer window;
     int paint = 0;
-    QObject::connect(&window, &QTimer::timeout,
-                     [&] {
-                         const int ms = ++paint % 8 == 0 ? 50 : 1 + paint % 6;
-                         std::this_thread::sleep_for(std::chrono::milliseconds(ms));
-                     });
+    QObject::connect(&window, &QTimer::timeout, [&] {
+        const int ms = ++paint % 8 == 0 ? 50 : 1 + paint % 6;
+        std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+    });
     window.start(11);
     std::string text;
     for (int line = 0; line < 2 * lines; ++line) text += "S10510000000EA\n";
