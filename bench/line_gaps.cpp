@@ -144,9 +144,10 @@ bool measure(const char* name, int (*loop)(const std::string&), int lines) {
         const auto place = static_cast<std::size_t>(share * static_cast<double>(gaps.size() - 1));
         return static_cast<double>(gaps[place]) / 1000;
     };
-    std::printf("%-10s %zu lines: shortest %.2f ms, 1%% %.2f, half %.2f, 99%% %.2f, longest %.2f; %td below %.1f\n",
-                name, gaps.size(), at(0), at(0.01), at(0.5), at(0.99), at(1), below,
-                static_cast<double>(shortestGapUs) / 1000);
+    std::printf(
+        "%-10s %zu lines: shortest %.2f ms, 1%% %.2f, half %.2f, 99%% %.2f, longest %.2f; %td below %.1f\n",
+        name, gaps.size(), at(0), at(0.01), at(0.5), at(0.99), at(1), below,
+        static_cast<double>(shortestGapUs) / 1000);
     std::fflush(stdout);
     return below == 0;
 }

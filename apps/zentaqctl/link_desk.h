@@ -89,7 +89,8 @@ class LinkDesk {
     /// A terminal that is closed ends nothing.
     void stopOnSecondSignal(std::string warning) { stopWarning_ = std::move(warning); }
 
-    /// While the answer lives nothing that comes from a terminal or its user stops the program where it stands.
+    /// While the answer lives nothing that comes from a terminal or its user stops the program where it
+    /// stands.
     [[nodiscard]] PosixStopSignals::Hold holdSignals() { return signals_.hold(); }
 
     HeadlessSession& session() { return session_; }

@@ -167,8 +167,7 @@ std::vector<std::string> GeneralConfig::choicesOf(const GeneralRow& row) {
 }
 
 std::string GeneralConfig::limitsOf(const GeneralRow& row) {
-    if (row.member == "MAX_Boost" && inHand() && boostUsed(unit()))
-        return "gauge, 0: none";
+    if (row.member == "MAX_Boost" && inHand() && boostUsed(unit())) return "gauge, 0: none";
     if (row.kind != GeneralKind::Text || row.limitsInCaption || !inHand()) return {};
     const Limits limits = figureLimits(unit(), row.member);
     return limits.unlimited() ? std::string() : limits.text;

@@ -289,8 +289,7 @@ MainCommands::Next MainCommands::openOlder(const std::string& path, std::uintmax
     return Next::Done;
 }
 
-MainCommands::Outcome MainCommands::read(int slot, const std::function<void(Unit&)>& file,
-                                         std::string& why) {
+MainCommands::Outcome MainCommands::read(int slot, const std::function<void(Unit&)>& file, std::string& why) {
     // The former calibration stays in hand until the new one has been read whole. Reading lets events in: a
     // unit that comes meanwhile may take either of them to the other slot of its class.
     const FileHeader former = session_.header();
@@ -522,7 +521,8 @@ void MainCommands::finishClosing() {
 }
 
 void MainCommands::programNow() {
-    if (session_.saving.putsOff("Program ORB", [commands = *this]() mutable { commands.programOrb(); })) return;
+    if (session_.saving.putsOff("Program ORB", [commands = *this]() mutable { commands.programOrb(); }))
+        return;
     if (refusedByTransfer()) return;
     if (!leaveGeneralConfig()) return;
     if (!mayProgram()) return;
@@ -598,33 +598,31 @@ bool MainCommands::isStillThere(const LinkedIdentity& unit, const std::string& t
     const LinkedIdentity now = linkedIdentity();
     if (unit.kind == 0 || now.kind == 0 || now.serial == unit.serial) return true;
     session_.sysLog(title + ": another unit is connected now.");
-    session_.dialogs().show({title,
-                             "Another unit is connected now: serial number " +
-                                 formatNumber(now.serial, "000000") + " in the place of " +
-                                 formatNumber(unit.serial, "000000") +
-                                 ".\nNothing was sent to it.  If it is the one that you mean, choose the command "
-                                 "again.",
-                             Icon::Exclamation, Buttons::Ok});
+    session_.dialogs().show(
+        {title,
+         "Another unit is connected now: serial number " + formatNumber(now.serial, "000000") +
+             " in the place of " + formatNumber(unit.serial, "000000") +
+             ".\nNothing was sent to it.  If it is the one that you mean, choose the command "
+             "again.",
+         Icon::Exclamation, Buttons::Ok});
     return false;
 }
 
 void MainCommands::sendCalibration() {
     session_.link.AutoPollSuspended(true);
-    endOnFailure(
-        [&] { session_.link.Program_Unit(TransferMode::Calibration, {}); },
-        [&](const std::string& why) {
-            session_.link.AutoPollSuspended(false);
-            tellNotConverted(why);
-        });
+    endOnFailure([&] { session_.link.Program_Unit(TransferMode::Calibration, {}); },
+                 [&](const std::string& why) {
+                     session_.link.AutoPollSuspended(false);
+                     tellNotConverted(why);
+                 });
 }
 
 void MainCommands::tellNotConverted(const std::string& why) {
     session_.sysLog("Calibration not converted: " + why);
-    session_.dialogs().show(
-        {"Program ORB",
-         "The calibration could not be turned into the unit's memory image.\n" + why +
-             "\nNothing was sent to the unit.",
-         Icon::Critical, Buttons::Ok});
+    session_.dialogs().show({"Program ORB",
+                             "The calibration could not be turned into the unit's memory image.\n" + why +
+                                 "\nNothing was sent to the unit.",
+                             Icon::Critical, Buttons::Ok});
 }
 
 // ---- Firmware
@@ -672,10 +670,11 @@ bool MainCommands::firmwareIsValid(const std::string& path, int slot) {
 
 bool MainCommands::mayUpgrade(const std::string& path, const LinkedIdentity& begunWith) {
     if (!session_.link.status().firmwareUpgradeEnabled) {
-        session_.dialogs().show({"Firmware Upgrade",
-                                 "This unit has a firmware that this program cannot upgrade: it must be sent to "
-                                 "Norvalia.\nNothing was sent to the unit.",
-                                 Icon::Critical, Buttons::Ok});
+        session_.dialogs().show(
+            {"Firmware Upgrade",
+             "This unit has a firmware that this program cannot upgrade: it must be sent to "
+             "Norvalia.\nNothing was sent to the unit.",
+             Icon::Critical, Buttons::Ok});
         return false;
     }
     return firmwareIsValid(path, slotForFirmware(begunWith)) && isStillThere(begunWith, "Firmware Upgrade");
@@ -784,16 +783,16 @@ bool MainCommands::zeroAdvanceOn() const {
 
 bool MainCommands::mayLeaveZeroAdvance(const std::string& goOn) {
     if (!zeroAdvanceOn()) return true;
-    const Answer answer = session_.dialogs().show(
-        {.title = "Zero Advance",
-         .text = "The unit still runs with zero advance.\n"
-                 "It does so without the program too, until its power is cycled.\n"
-                 "To end it now, stay and choose Set Zero Advance once more.\n" +
-                 goOn,
-         .icon = Icon::Exclamation,
-         .buttons = Buttons::YesNo,
-         .declines = true,
-         .stands = [this] { return zeroAdvanceOn(); }});
+    const Answer answer =
+        session_.dialogs().show({.title = "Zero Advance",
+                                 .text = "The unit still runs with zero advance.\n"
+                                         "It does so without the program too, until its power is cycled.\n"
+                                         "To end it now, stay and choose Set Zero Advance once more.\n" +
+                                         goOn,
+                                 .icon = Icon::Exclamation,
+                                 .buttons = Buttons::YesNo,
+                                 .declines = true,
+                                 .stands = [this] { return zeroAdvanceOn(); }});
     if (answer == Answer::Yes) return true;
     session_.sysLog("The unit runs with zero advance: stayed with it.");
     return false;

@@ -49,12 +49,12 @@ class MainCommands {
     /// unit may go on with zero advance, each unless it is agreed. False: stay. A question whose reason goes
     /// meanwhile goes with it, and the user stays.
     bool mayLeaveUnit(LeftBehind& agreed);
-    void killEngine();            ///< mnuMonitor_KillEngine
-    void zeroAdvance();           ///< mnuZeroAdv: toggles
-    void refreshCodes();          ///< mnuClearDashCodes
-    void clearCodes();            ///< mnuORB_ClearCodes
-    void storeOnFly();            ///< makes on-the-fly changes permanent in the unit
-    void identify();              ///< asks the unit again who it is
+    void killEngine();    ///< mnuMonitor_KillEngine
+    void zeroAdvance();   ///< mnuZeroAdv: toggles
+    void refreshCodes();  ///< mnuClearDashCodes
+    void clearCodes();    ///< mnuORB_ClearCodes
+    void storeOnFly();    ///< makes on-the-fly changes permanent in the unit
+    void identify();      ///< asks the unit again who it is
     /// The user's choice: opened, and stored by number and identity. Without an identity the device that has
     /// the number now.
     void choosePort(int number, const std::string& identity = {});
@@ -146,7 +146,8 @@ class MainCommands {
         Saved then;
     };
     /// Saves under the name that the Unit object has. `stored` is run before the user is told of the end.
-    void saveChecked(std::optional<std::string> known, const std::function<void()>& stored, const Saved& then);
+    void saveChecked(std::optional<std::string> known, const std::function<void()>& stored,
+                     const Saved& then);
     void saveEnded(SaveJob& job, const FileSaved& saved);
     void tellNotSaved(const std::string& why);
     bool mayOverwriteChange(const std::string& path);

@@ -143,8 +143,9 @@ constexpr std::array table{
               .key = settings::MATAlarmValue,
               .design = "-",
               .helpKey = "helpoptalarm",
-              .help = "Manifold air temperature from which its reading on the dashboard flashes. A - keeps the "
-                      "alarm as it is.",
+              .help =
+                  "Manifold air temperature from which its reading on the dashboard flashes. A - keeps the "
+                  "alarm as it is.",
               .words = "manifold intake air hot warning threshold"},
 
     OptionRow{.control = "chkGraphs",

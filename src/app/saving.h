@@ -57,7 +57,7 @@ class Saving {
     Session& session_;
     InlineFileWriter inline_;
     FileWriter& writer_;
-    Ended ended_;  ///< empty while no save runs
+    Ended ended_;                     ///< empty while no save runs
     std::optional<FileSaved> saved_;  ///< how it ended, until what follows may run
     bool posted_ = false;             ///< what follows is in the event loop
     bool reading_ = false;

@@ -30,8 +30,7 @@ constexpr std::size_t majorPart = 2;
 }  // namespace
 
 Session::Session(const Platform& platform)
-    : dialogs_(platform.dialogs,
-               {[this] { return insideTick(); }, [this](const Box& box) { show(box); }}),
+    : dialogs_(platform.dialogs, {[this] { return insideTick(); }, [this](const Box& box) { show(box); }}),
       yield_(platform.yield, [this] { return insideTick(); }),
       console(platform.clock),
       messages(
@@ -124,8 +123,8 @@ void Session::poll(bool secondTabShowing) {
     showFrameTimes();
 }
 
-// Ctrl-C or Ctrl-Z in the terminal that the program was started from, or the end of that terminal, would leave
-// a unit with half a program.
+// Ctrl-C or Ctrl-Z in the terminal that the program was started from, or the end of that terminal, would
+// leave a unit with half a program.
 void Session::holdSignals() {
     const bool wanted = link.programming();
     if (wanted == heldSignals_.has_value()) return;

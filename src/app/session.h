@@ -198,7 +198,7 @@ class Session : public UnitHost, public LinkHost {
     std::optional<HeldSignals> heldSignals_;
     std::int64_t nextReferenceUs_ = 0;
     std::uint64_t userChanges_ = 0;
-    std::string noReference_;  ///< why the last try failed; empty before the first
+    std::string noReference_;       ///< why the last try failed; empty before the first
     std::vector<Box> boxesToShow_;  ///< of the link: they wait, or the first one is being read
 };
 

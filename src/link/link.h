@@ -325,15 +325,15 @@ class Link : private LineWatch {
     std::vector<std::uint8_t> rxBuffer_;
     std::string openTrouble_;  ///< why the port could not be opened
     bool firmwareLost_ = false;
-    bool brokeAfterLines_ = false;  ///< it was lost by a run of which lines had gone out
-    int silentStarts_ = 0;          ///< starts since then that got no answer at all, one behind the other
-    int firmwareSlot_ = 0;          ///< the kind that the last firmware was for; 0: not known
+    bool brokeAfterLines_ = false;     ///< it was lost by a run of which lines had gone out
+    int silentStarts_ = 0;             ///< starts since then that got no answer at all, one behind the other
+    int firmwareSlot_ = 0;             ///< the kind that the last firmware was for; 0: not known
     std::int32_t transferSerial_ = 0;  ///< the unit that the transfer was begun for; 0: not known
-    bool askFirst_ = false;    ///< who is there is asked before a firmware that waits goes out
-    int unknownAnswers_ = 0;   ///< to that question, from somebody who does not say who it is
+    bool askFirst_ = false;            ///< who is there is asked before a firmware that waits goes out
+    int unknownAnswers_ = 0;           ///< to that question, from somebody who does not say who it is
     /// Serial number, release and build of a unit whose firmware the user has been warned of.
     std::optional<std::array<int, 3>> toldFirmware_;
-    bool lineBroke_ = false;   ///< the line was not there all the time since a firmware run began
+    bool lineBroke_ = false;    ///< the line was not there all the time since a firmware run began
     std::string openTransfer_;  ///< key of a transfer from its start to its end, on the wire or still queued
     std::fstream transferStream_;
     std::istringstream firmwareText_;  ///< what a firmware run sends

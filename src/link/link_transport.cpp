@@ -276,9 +276,8 @@ void Link::showReplyStatus() {
 void Link::showCommandStatus(std::string_view key) {
     const ActivityStatus& status = statusRow(key).status;
     if (status.state.empty()) return;
-    const std::string line1 = status.line1 == portLine
-                                  ? "Using COM Port: " + status_.port + " @ 38400 Baud."
-                                  : std::string(status.line1);
+    const std::string line1 = status.line1 == portLine ? "Using COM Port: " + status_.port + " @ 38400 Baud."
+                                                       : std::string(status.line1);
     COMM_StatusMessage(status.title, line1, status.line2, status.state);
 }
 

@@ -89,7 +89,8 @@ class Gauges {
     }
 
     /// Everything above from one set of live values. Kind 5 has no fuel side and leaves its gauges alone.
-    /// `stoichiometric`: AFR of the calibration in hand, which need not be that of `unit`; nothing without one.
+    /// `stoichiometric`: AFR of the calibration in hand, which need not be that of `unit`; nothing without
+    /// one.
     void UPDATE_DISPLAY(const LiveValues& live, Unit& unit, const DashboardSettings& settings,
                         std::optional<float> stoichiometric);
     /// All needles at the low end of their scales, no alarm, lamps off, readings empty.

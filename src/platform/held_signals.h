@@ -16,8 +16,8 @@ inline constexpr std::initializer_list<int> userSignals = {SIGINT,  SIGQUIT, SIG
 
 class HeldSignals {
  public:
-    /// A signal that the program ignores stays ignored. Objects are made and end on one thread, and end in the
-    /// opposite order. SIGTTOU is never due later: what was to be written has been written.
+    /// A signal that the program ignores stays ignored. Objects are made and end on one thread, and end in
+    /// the opposite order. SIGTTOU is never due later: what was to be written has been written.
     explicit HeldSignals(std::initializer_list<int> numbers);
     ~HeldSignals();
     HeldSignals(const HeldSignals&) = delete;

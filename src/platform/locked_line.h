@@ -16,9 +16,10 @@ struct LockedLine {
     bool busy = false;    ///< another program has it
 };
 
-/// Asks for the lock of a device among the programs of this system, and opens the device, without waiting, only
-/// with it: even an opening that is given up at once can hold back a reply that another program waits for, until
-/// the next one comes. A lock on the device itself follows, for programs of others. Changes no setting.
+/// Asks for the lock of a device among the programs of this system, and opens the device, without waiting,
+/// only with it: even an opening that is given up at once can hold back a reply that another program waits
+/// for, until the next one comes. A lock on the device itself follows, for programs of others. Changes no
+/// setting.
 LockedLine openLocked(const std::string& device);
 
 /// Whether the device behind an open line has gone. A read of nothing alone does not tell: whoever else has

@@ -17,7 +17,7 @@ constexpr long patienceNs = 300'000'000;
 
 // What the handlers work with; all of it may be used in one.
 std::atomic<int> stopWake = -1;  ///< of the one object
-std::atomic<int> firstStop = 0;        ///< the signal that came first and was not asked for yet
+std::atomic<int> firstStop = 0;  ///< the signal that came first and was not asked for yet
 std::atomic<bool> stopsHeld = false;
 std::atomic<bool> stopWarned = false;  ///< the program has had one patience already
 timer_t stopPatience;

@@ -30,8 +30,9 @@ class PosixStopSignals {
     /// For poll(): ready to read when a signal came that nobody has asked for yet.
     int descriptor() const { return handle_.get(); }
 
-    /// While it lives the program is never ended for not asking, SIGQUIT is asked for like the others, SIGTSTP
-    /// waits, and writing to a terminal from the background or to a pipe without a reader does no harm.
+    /// While it lives the program is never ended for not asking, SIGQUIT is asked for like the others,
+    /// SIGTSTP waits, and writing to a terminal from the background or to a pipe without a reader does no
+    /// harm.
     class Hold {
      public:
         explicit Hold(PosixStopSignals& signals);

@@ -36,8 +36,8 @@ fs::path runtimeDirectory() {
     return runtimeDirectoryOfSession().value_or(fallbackDirectory());
 }
 
-/// The folders on the way to the ports that have to be the user's own, outermost first: those from the runtime
-/// directory on, and those above it below the temporary folder, which is open to everybody.
+/// The folders on the way to the ports that have to be the user's own, outermost first: those from the
+/// runtime directory on, and those above it below the temporary folder, which is open to everybody.
 std::vector<fs::path> ownFolders() {
     const fs::path directory = runtimeDirectory();
     std::vector<fs::path> inner{directory, directory / "zentaq4", runtimePortsFolder()};
@@ -53,7 +53,8 @@ std::vector<fs::path> ownFolders() {
 }
 
 std::string whatToDo() {
-    return ". Simulated units are not looked for there. Remove it, or set XDG_RUNTIME_DIR to a folder of your "
+    return ". Simulated units are not looked for there. Remove it, or set XDG_RUNTIME_DIR to a folder of "
+           "your "
            "own that is closed to others (mode 0700).";
 }
 
@@ -62,8 +63,8 @@ std::optional<std::string> troubleOf(const fs::path& folder) {
     struct stat about {};
     if (::lstat(folder.c_str(), &about) != 0) {
         if (errno == ENOENT) return std::nullopt;
-        return "The folder " + folder.string() + " cannot be looked at: " +
-               std::generic_category().message(errno) + whatToDo();
+        return "The folder " + folder.string() +
+               " cannot be looked at: " + std::generic_category().message(errno) + whatToDo();
     }
     const bool outermost = folder == runtimeDirectory();
     const ::mode_t forbidden = outermost ? anythingForOthers : writingForOthers;

@@ -19,8 +19,8 @@ constexpr ::mode_t ownerOnly = 0600;
 
 constexpr const char* lockName = "zentaq4.lock";
 
-/// For a user whose runtime folder is somebody else's: no one must be able to keep the lock from its owner, or
-/// to take it away from under a program that runs.
+/// For a user whose runtime folder is somebody else's: no one must be able to keep the lock from its owner,
+/// or to take it away from under a program that runs.
 std::filesystem::path lockInHome() {
     const std::filesystem::path folder = homeFolder() / ".local" / "state" / "zentaq4";
     std::error_code error;

@@ -200,8 +200,9 @@ void QtSerialPort::lookForDevice(std::int64_t nowUs) {
     tell(&LineWatch::returned, *port, clock_.monotonicUs());
 }
 
-// A user who has named no device, and plugs the adapter in after the start, means that adapter, though another
-// port had its number until then. A device that has spoken is the unit's and is kept, whatever its number becomes.
+// A user who has named no device, and plugs the adapter in after the start, means that adapter, though
+// another port had its number until then. A device that has spoken is the unit's and is kept, whatever its
+// number becomes.
 void QtSerialPort::followNumber(std::int64_t nowUs) {
     if (heard_ || !followsNumber_ || nowUs < nextNumberUs_) return;
     nextNumberUs_ = nowUs + numberUs;

@@ -68,7 +68,8 @@ Bytes SimulatedUnit::feed(std::span<const std::uint8_t> burst) {
         append(replies, consume(byte));
     }
     // Without a line end a line is over when nothing follows it.
-    if (!profile_.linesEndInLineFeed && isProgramming() && record_.state() == SRecordCollector::State::Complete)
+    if (!profile_.linesEndInLineFeed && isProgramming() &&
+        record_.state() == SRecordCollector::State::Complete)
         append(replies, programmingRecord());
     if (!burst.empty()) quietSeconds_ = 0;
     return replies;

@@ -99,8 +99,8 @@ AxisSpan axisSpan(Unit& unit, std::string_view axisKind) {
     if (axisKind == "RAW MAP" || axisKind == "BLEND MAP") return {unit.MAPMin(), unit.MAPMax()};
     if (axisKind == "TPS") return {0, 5};
     if (axisKind == "ACTUAL AFR") {
-        // The limits that each stop is checked by: worked out twice they differ by a hair, and the lowest stop
-        // of its own axis is refused.
+        // The limits that each stop is checked by: worked out twice they differ by a hair, and the lowest
+        // stop of its own axis is refused.
         const Limits limits = rules::ratioStop(unit);
         return {limits.minimum, limits.maximum};
     }

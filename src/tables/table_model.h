@@ -90,9 +90,9 @@ class TableModel {
 
     // ---- Building
     /// Fills the grid from the Unit object. An empty name or title keeps the current one. Shows values; a
-    /// view flag stays only while the table does: another table begins with its values. Throws NoSuchMember for
-    /// a name that is no table, and whatever keeps a damaged calibration from being shown; nothing has changed
-    /// then.
+    /// view flag stays only while the table does: another table begins with its values. Throws NoSuchMember
+    /// for a name that is no table, and whatever keeps a damaged calibration from being shown; nothing has
+    /// changed then.
     void Setup_Grid(std::string_view table, std::string_view title, bool inverted);
     void rebuild() { Setup_Grid({}, {}, inverted_); }
 

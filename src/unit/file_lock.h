@@ -1,5 +1,5 @@
-// Keeps the programs of this system from changing one file at the same time: who changes a file holds its lock
-// from the read to the rename of what takes its place, or the change of another one would be lost.
+// Keeps the programs of this system from changing one file at the same time: who changes a file holds its
+// lock from the read to the rename of what takes its place, or the change of another one would be lost.
 #pragma once
 
 #include <chrono>

@@ -36,7 +36,8 @@ FileSaved saveFile(const FileSave& save) {
             }
             writeFileStartSafely(save.path, save.start);
             saved.outcome = FileSaved::Outcome::Done;
-            // The surplus of a longer file is not known. A file that cannot be read back is asked about next time.
+            // The surplus of a longer file is not known. A file that cannot be read back is asked about next
+            // time.
             saved.holds = save.start;
             skipFailing([&] { saved.holds = knownStart(save.path); });
         },

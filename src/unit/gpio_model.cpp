@@ -231,8 +231,8 @@ std::vector<std::string> GpioModel::oddFunctions() const {
     for (const GpioDouble& each : doubled()) {
         std::string on;
         for (const int pin : each.pins) on += (on.empty() ? "" : ", ") + pinNameOf(*pins().find(pin));
-        lines.push_back("\"" + unit_.GPIO_Function_Name(each.code) + "\", which only one input may have, is on " +
-                        on);
+        lines.push_back("\"" + unit_.GPIO_Function_Name(each.code) +
+                        "\", which only one input may have, is on " + on);
     }
     return lines;
 }
@@ -243,7 +243,8 @@ std::vector<GpioDouble> GpioModel::doubled() const {
         if (!function.onePinOnly || (function.offeredOn & pins().kind) == 0) continue;
         GpioDouble with{function.code, {}};
         for (const GpioPin& pin : pins().rows) {
-            if (pin.side != GpioSide::Output && storedCode(pin.pin) == function.code) with.pins.push_back(pin.pin);
+            if (pin.side != GpioSide::Output && storedCode(pin.pin) == function.code)
+                with.pins.push_back(pin.pin);
         }
         if (with.pins.size() > 1) found.push_back(std::move(with));
     }

@@ -15,7 +15,7 @@ struct ImageSource {
     int cell = 0;
     float value = 0;
     int element = 0;
-    int count = 1;              ///< of elements; a table of 256 has rows of 16
+    int count = 1;               ///< of elements; a table of 256 has rows of 16
     std::string_view part = {};  ///< ".parameter", with `partIndex`
     int partIndex = 0;
 

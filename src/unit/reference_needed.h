@@ -1,5 +1,5 @@
-// A step of a calibration that takes numbers from the reference database, which cannot be asked. Going on without
-// them would leave a calibration that looks whole and makes the wrong bytes.
+// A step of a calibration that takes numbers from the reference database, which cannot be asked. Going on
+// without them would leave a calibration that looks whole and makes the wrong bytes.
 #pragma once
 
 #include "base/errors.h"

@@ -117,7 +117,8 @@ void removeLeftovers(const fs::path& folder, const std::string& start) {
     }
 }
 
-/// A new file in a folder, gone with the object unless it was renamed, and locked as long as the object lives.
+/// A new file in a folder, gone with the object unless it was renamed, and locked as long as the object
+/// lives.
 class Temporary {
  public:
     /// Throws FileError that names `path`, the file to be written.

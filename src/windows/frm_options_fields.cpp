@@ -183,9 +183,8 @@ QWidget* OptionFields::makePorts(const OptionRow& row, QWidget* strip) {
     QHBoxLayout* line = lineOf(strip);
     addCaption(row, strip, ports);
     line->addWidget(ports, 1);
-    connect(ports, &QComboBox::activated, this, [this, ports] {
-        options_.choosePort(ports->selectedNumber(), ports->selectedIdentity());
-    });
+    connect(ports, &QComboBox::activated, this,
+            [this, ports] { options_.choosePort(ports->selectedNumber(), ports->selectedIdentity()); });
     return ports;
 }
 

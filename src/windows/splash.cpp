@@ -13,8 +13,8 @@
 
 namespace zentaq {
 
-// Past the window manager: one that is slow to show it misses that it has been hidden again, and leaves a black
-// field on the screen.
+// Past the window manager: one that is slow to show it misses that it has been hidden again, and leaves a
+// black field on the screen.
 FrmSplash::FrmSplash(const QString& version, QWidget* over)
     : QWidget(nullptr, Qt::SplashScreen | Qt::WindowStaysOnTopHint | Qt::FramelessWindowHint |
                            Qt::BypassWindowManagerHint),

@@ -589,8 +589,8 @@ void WindowManager::fastHelp() {
         constexpr int helpMessage = 0;
         session_.messages.Display_Message(
             helpMessage, session_.reference() != nullptr ? "There is no help on this field."
-                                           : "There are no help texts: the reference database "
-                                             "could not be opened.");
+                                                         : "There are no help texts: the reference database "
+                                                           "could not be opened.");
         return;
     }
     if (!fastHelp_) {

@@ -58,7 +58,8 @@ TEST_F(ConsoleTest, WhatWouldSpeakToATerminalIsEscapedOnTheScreenAndInTheFile) {
     console.logFile(folder.file("zentaq.log"));
     console.LogToFile(true);
     console.SysLog("Connected to \x1B[2Jred\xE2\x80\xAE");
-    const std::string line = "12:34:56 - Connected to \\x1B[2Jred\\u{202E}" + std::string(80 - 13 - 4 - 6 - 8, ' ');
+    const std::string line =
+        "12:34:56 - Connected to \\x1B[2Jred\\u{202E}" + std::string(80 - 13 - 4 - 6 - 8, ' ');
     EXPECT_EQ(console.lines().back(), line);
     EXPECT_EQ(fileText(), line + "\n");
     console.CommLog("E \a\xFF");

@@ -389,13 +389,13 @@ TEST_F(OptionsTest, ApplyInTheFixedOrderWhileMonitoring) {
     EXPECT_THAT(trail, IsEmpty());
     EXPECT_THAT(options.apply(), IsEmpty());
     EXPECT_THAT(
-        trail, ElementsAre("CommPort=3", "CommPortIdentity=", "AutoLog=1", "Cnsl=1", "CommCnsl=0", "NeedleColor=255",
-                           "DashLights=65535", "LabelLights=7", "Graphs=1", "FileOpen=1", "TableColor=1",
-                           "PollRate=2.5", "AutoMonitor=0", "TemperatureToggle=0", "CLTAlarmValue=98",
-                           "MATAlarmValue=60", "white grid", "Datalog1=0", "Datalog2=0", "Datalog3=0",
-                           "Datalog4=0", "Datalog5=0", "Datalog6=0", "Datalog7=0", "Datalog8=0", "Datalog9=0",
-                           "Datalog10=0", "Datalog1=2", "Datalog2=65", "night", "lights 65535 needle 255",
-                           "list on", "recorder rows", "WireTrace=0"));
+        trail, ElementsAre("CommPort=3", "CommPortIdentity=", "AutoLog=1", "Cnsl=1", "CommCnsl=0",
+                           "NeedleColor=255", "DashLights=65535", "LabelLights=7", "Graphs=1", "FileOpen=1",
+                           "TableColor=1", "PollRate=2.5", "AutoMonitor=0", "TemperatureToggle=0",
+                           "CLTAlarmValue=98", "MATAlarmValue=60", "white grid", "Datalog1=0", "Datalog2=0",
+                           "Datalog3=0", "Datalog4=0", "Datalog5=0", "Datalog6=0", "Datalog7=0", "Datalog8=0",
+                           "Datalog9=0", "Datalog10=0", "Datalog1=2", "Datalog2=65", "night",
+                           "lights 65535 needle 255", "list on", "recorder rows", "WireTrace=0"));
     EXPECT_THAT(lastLine(1), HasSubstr("Application Options Have Been Applied."));
     EXPECT_THAT(lastLine(), HasSubstr("**NOTE: Some changes require program restart before taking effect."));
 }

@@ -138,7 +138,8 @@ TEST_F(ProgramOrb, GoesOutWhereNothingHappensMeanwhile) {
     link(firstOrbA);
     session.DataModified = true;
     commands.programOrb();
-    EXPECT_THAT(titles(), ElementsAre("Warning 1007", "SAVE", "Data Saved.")) << fake.dialogs.boxes.back().text;
+    EXPECT_THAT(titles(), ElementsAre("Warning 1007", "SAVE", "Data Saved."))
+        << fake.dialogs.boxes.back().text;
     EXPECT_TRUE(session.link.transferPending());
     ticks(3);
     EXPECT_TRUE(sent("P1"));
@@ -343,8 +344,9 @@ TEST_F(ProgramOrb, CommandsThatStoreProgramSaveOrCloseComeBehindTheEditsTypedBef
     TypingWindows typing;
     session.attach(typing);
     const std::vector<std::function<void()>> all = {
-        [&] { commands.storeOnFly(); }, [&] { commands.programOrb(); },    [&] { commands.save(); },
-        [&] { commands.saveAs(); },     [&] { commands.close(); },         [&] { commands.newCalibration(); },
+        [&] { commands.storeOnFly(); }, [&] { commands.programOrb(); },
+        [&] { commands.save(); },       [&] { commands.saveAs(); },
+        [&] { commands.close(); },      [&] { commands.newCalibration(); },
         [&] { commands.open(); },       [&] { commands.firmwareUpgrade(); }};
     for (const auto& command : all) command();
     EXPECT_THAT(typing.calls,

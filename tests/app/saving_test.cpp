@@ -1,5 +1,5 @@
-// Saves beside the thread of the windows: what is told and done while one runs, and when it has ended. The disk
-// is driven by hand.
+// Saves beside the thread of the windows: what is told and done while one runs, and when it has ended. The
+// disk is driven by hand.
 #include "app/saving.h"
 
 #include <gmock/gmock.h>

@@ -18,10 +18,11 @@ std::vector<std::string> names() {
 }
 
 TEST(SettingsKeys, AreTheTwentyPreferencesTheDeviceOfThePortAndTheWireTrace) {
-    EXPECT_THAT(names(), ElementsAre("CommPort", "CommPortIdentity", "AutoLog", "Cnsl", "CommCnsl", "MonitorMode", "NeedleColor",
-                                     "DashLights", "LabelLights", "ADUR", "Graphs", "FileOpen", "Print",
-                                     "TableColor", "CommDialog", "PollRate", "Column_Type", "AutoMonitor",
-                                     "TemperatureToggle", "CLTAlarmValue", "MATAlarmValue", "WireTrace"));
+    EXPECT_THAT(names(),
+                ElementsAre("CommPort", "CommPortIdentity", "AutoLog", "Cnsl", "CommCnsl", "MonitorMode",
+                            "NeedleColor", "DashLights", "LabelLights", "ADUR", "Graphs", "FileOpen", "Print",
+                            "TableColor", "CommDialog", "PollRate", "Column_Type", "AutoMonitor",
+                            "TemperatureToggle", "CLTAlarmValue", "MATAlarmValue", "WireTrace"));
 }
 
 TEST(SettingsKeys, OnlyThePortReadsAsSomethingWhenItWasNeverWritten) {

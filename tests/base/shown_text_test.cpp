@@ -119,7 +119,8 @@ TEST(ShownText, ABoxKeepsItsLinesAndTakesACarriageReturnForOne) {
 TEST(ShownText, PlainIsNothingButPrintableAscii) {
     EXPECT_TRUE(isPlain("COMM: Listening on Port #1 ~"));
     EXPECT_TRUE(isPlain(""));
-    for (const char* text : {"a\n", "\x1B[1m", "\x7F", "\xC2\xB0", "a\tb"}) EXPECT_FALSE(isPlain(text)) << text;
+    for (const char* text : {"a\n", "\x1B[1m", "\x7F", "\xC2\xB0", "a\tb"})
+        EXPECT_FALSE(isPlain(text)) << text;
 }
 
 // ---- Streams

@@ -206,9 +206,10 @@ TEST(CalibrationMerge, AFunctionOfOneInputOnTwoPinsIsAConflict) {
     Three files({{336 + 4 * 9, 22}, {336 + 5 * 9, 22}});
     files.first.set(336 + 4 * 9, 12);
     files.second.set(336 + 5 * 9, 12);
-    EXPECT_THAT(files.conflicts(),
-                ElementsAre("GPIO[4] and [5]: 22 DISABLED, 22 DISABLED in the base, 12 Fuel Trim, 22 DISABLED "
-                            "in the first, 22 DISABLED, 12 Fuel Trim in the second"));
+    EXPECT_THAT(
+        files.conflicts(),
+        ElementsAre("GPIO[4] and [5]: 22 DISABLED, 22 DISABLED in the base, 12 Fuel Trim, 22 DISABLED "
+                    "in the first, 22 DISABLED, 12 Fuel Trim in the second"));
     files.second.set(336 + 5 * 9, 14);
     EXPECT_EQ(files.result().at(336 + 5 * 9), 14);
 }

@@ -72,7 +72,8 @@ TEST_F(ImportWithReferenceData, ACalibrationThatItsExactLengthNamesOpens) {
                                                                {9316, &orbdKind()},
                                                                {4816, &pzk2Kind()}};
     for (const auto& [bytes, kind] : lengths) {
-        const auto calibration = QuietCalibration::open(folder.write("a.ZQ4OA", std::string(bytes, '\0')), &database);
+        const auto calibration =
+            QuietCalibration::open(folder.write("a.ZQ4OA", std::string(bytes, '\0')), &database);
         EXPECT_EQ(&calibration->unit.kind(), kind) << bytes;
         EXPECT_EQ(calibration->host.header().currentUnit, static_cast<float>(kind->slot));
     }
@@ -83,9 +84,8 @@ TEST_F(ImportWithReferenceData, ACalibrationThatItsExactLengthNamesOpens) {
 
 TEST(QuietCalibration, WithoutReferenceDataAnImportFailsAndSaysWhatItNeeds) {
     const TemporaryFolder folder;
-    EXPECT_EQ(failureOf<Failure>([&] {
-                  QuietCalibration::importOld(folder.write("old.BIN", oldFile(2176).bytes()));
-              }),
+    EXPECT_EQ(failureOf<Failure>(
+                  [&] { QuietCalibration::importOld(folder.write("old.BIN", oldFile(2176).bytes())); }),
               "Engine 9 of the reference database is needed to convert it: There is no reference database");
 }
 

@@ -57,9 +57,10 @@ TEST_F(Zentaqctl, CellOfAFunctionGoesTheWayOfGpioFunc) {
     EXPECT_EQ(onFile("cell", "363 6").exitCode, 0);  // as it is
     EXPECT_EQ(cellOf(file, 364), 6500);
     const std::string before = contentOf(file);
-    EXPECT_THAT(onFile("cell", "363 12").error,
-                StartsWith("cell 363 is the function of pin 3: \"Fuel Trim\" is for inputs, and pin 3 (W21) is "
-                           "an output; "));
+    EXPECT_THAT(
+        onFile("cell", "363 12").error,
+        StartsWith("cell 363 is the function of pin 3: \"Fuel Trim\" is for inputs, and pin 3 (W21) is "
+                   "an output; "));
     expectRefused(onFile("cell", "363 6.5"), "cell 363 is the function of pin 3, a whole number");
     expectRefused(onFile("cell", "363 -1"), "cell 363 is the function of pin 3, a whole number");
     EXPECT_EQ(contentOf(file), before);

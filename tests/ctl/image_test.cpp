@@ -133,9 +133,9 @@ class ZentaqctlUnfit : public Zentaqctl, public ::testing::WithParamInterface<Un
 TEST_P(ZentaqctlUnfit, ValueMakesNoImageAndIsNamedWithItsMemberAndCell) {
     const auto& [cell, value, told] = GetParam();
     plant(cell, value);
-    expectRefused(onFile("image", "-o " + inQuotes(folder.file("x.s19"))),
-                  file + " makes no image: " + told +
-                      ", which does not fit the bytes that the unit has for it");
+    expectRefused(
+        onFile("image", "-o " + inQuotes(folder.file("x.s19"))),
+        file + " makes no image: " + told + ", which does not fit the bytes that the unit has for it");
     EXPECT_FALSE(fs::exists(folder.file("x.s19")));
 }
 

@@ -16,9 +16,9 @@ TEST_F(ZentaqctlGaps, LinesNeverFollowAnAnswerBeforeTenMillisecondsThoughTheProg
     constexpr int lines = 100;
     TimedUnit unit(lines);
     const int out = ::open(folder.file("out").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
-    Running program(
-        ZENTAQ_APP_DIR "/zentaqctl",
-        {"firmware", "--yes", "--unit-without-firmware", "L", "--port", unit.path(), firmware}, out, out);
+    Running program(ZENTAQ_APP_DIR "/zentaqctl",
+                    {"firmware", "--yes", "--unit-without-firmware", "L", "--port", unit.path(), firmware},
+                    out, out);
     // It is looked for first, which takes some seconds; the pauses begin with the lines.
     for (int ms = 0; ms < 20'000 && unit.gaps().empty(); ++ms) ::poll(nullptr, 0, 1);
     for (int pause = 0; pause < 2000 && !unit.done(); ++pause) {

@@ -141,7 +141,8 @@ TEST_F(ZentaqctlPorts, AFolderThatIsOpenToOthersHasNoUnitsAndIsTold) {
     const Outcome outcome = run("ports");
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_THAT(outcome.out, Not(HasSubstr("Simulated unit")));
-    EXPECT_THAT(outcome.error, HasSubstr(" is open to other users. Simulated units are not looked for there."));
+    EXPECT_THAT(outcome.error,
+                HasSubstr(" is open to other users. Simulated units are not looked for there."));
     expectOneLine(outcome.error);
     EXPECT_THAT(run("identify --port 1").error, HasSubstr(" is open to other users."));
 }

@@ -186,7 +186,8 @@ TEST_F(ZentaqctlOnLink, DatalogOfAnOrbDHoldsWhatTheUnitHasLogged) {
 
 TEST_F(ZentaqctlOnLink, DatalogCountsByTheLogRateOfTheCalibration) {
     ASSERT_EQ(onFile("set", "GPIO_Func 15 --index 4").exitCode, 0);
-    ASSERT_EQ(onFile("set", "GPIO_Param 10 --index 34").exitCode, 0);  // parameter 2 of pin 4: 10 records a second
+    ASSERT_EQ(onFile("set", "GPIO_Param 10 --index 34").exitCode,
+              0);  // parameter 2 of pin 4: 10 records a second
     startUnit("A", {"--log-records", "3"});
     const std::string log = folder.file("own.dat");
     ASSERT_EQ(onUnit("datalog", inQuotes(log) + " --file " + inQuotes(file)).exitCode, 0);

@@ -23,8 +23,7 @@ TEST_F(ZentaqctlOnLink, SendChangesOneElement) {
 
 TEST_F(ZentaqctlOnLink, SendRefusesWhatIsNeverSentOnTheFly) {
     startUnit("A");
-    expectFailure(onUnit("send", "BiName x"), 1,
-                  "BiName is not sent on the fly: it never reaches a unit");
+    expectFailure(onUnit("send", "BiName x"), 1, "BiName is not sent on the fly: it never reaches a unit");
     expectFailure(onUnit("send", "NOTES_TEXT x"), 1, "it never reaches a unit, only the program reads it.");
 }
 

@@ -90,7 +90,8 @@ TEST_F(ZentaqctlAtATerminal, ASignalEndsAMonitorWhoseReaderHasStopped) {
     int ends[2];
     ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
     ASSERT_GT(::fcntl(ends[1], F_SETPIPE_SZ, 4096), 0);
-    Running monitor(ZENTAQ_APP_DIR "/zentaqctl", {"monitor", "--csv", "--port", port}, ends[1], STDERR_FILENO);
+    Running monitor(ZENTAQ_APP_DIR "/zentaqctl", {"monitor", "--csv", "--port", port}, ends[1],
+                    STDERR_FILENO);
     ::close(ends[1]);
     // It writes once a second at least: a pipe whose content stays as it is takes no more.
     int waiting = 0;

@@ -217,7 +217,9 @@ TEST_F(CtlNew, NeedsTheReferenceDatabase) {
         const int status = std::system((inQuotes(program) + " " + command + " 2>" + inQuotes(error)).c_str());
         ASSERT_TRUE(WIFEXITED(status));
         EXPECT_EQ(WEXITSTATUS(status), 1);
-        EXPECT_THAT(contentOf(error), StartsWith("Cannot open the reference database " + folder.file("bin/data/zentaq410-02.pak: the file is missing")));
+        EXPECT_THAT(contentOf(error),
+                    StartsWith("Cannot open the reference database " +
+                               folder.file("bin/data/zentaq410-02.pak: the file is missing")));
     }
     EXPECT_FALSE(fs::exists(made));
 }

@@ -14,7 +14,8 @@ class ParallelChanges : public Zentaqctl {
     void runAll(const std::vector<Words>& commands) {
         const int sink = ::open(folder.file("output").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
         std::deque<Running> programs;
-        for (const Words& words : commands) programs.emplace_back(ZENTAQ_APP_DIR "/zentaqctl", words, sink, sink);
+        for (const Words& words : commands)
+            programs.emplace_back(ZENTAQ_APP_DIR "/zentaqctl", words, sink, sink);
         for (Running& program : programs) EXPECT_EQ(program.wait(), 0) << contentOf(folder.file("output"));
         ::close(sink);
     }
@@ -54,9 +55,11 @@ class ParallelMakers : public ParallelChanges {
         const std::string output = folder.file("output");
         for (int pair = 0; pair < pairs; ++pair) {
             fs::remove(fresh);
-            const int sink = ::open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0600);
+            const int sink =
+                ::open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0600);
             std::deque<Running> programs;
-            for (const Maker& each : makers) programs.emplace_back(ZENTAQ_APP_DIR "/zentaqctl", each.words, sink, sink);
+            for (const Maker& each : makers)
+                programs.emplace_back(ZENTAQ_APP_DIR "/zentaqctl", each.words, sink, sink);
             std::vector<std::string> left;
             for (std::size_t i = 0; i < programs.size(); ++i) {
                 if (programs[i].wait() == 0) left.push_back(makers[i].made);
@@ -76,12 +79,19 @@ class ParallelMakers : public ParallelChanges {
 };
 
 TEST_F(ParallelMakers, OfNewCalibrationsLoseNone) {
-    const auto wanted = [](int limit) {
-        return "REV_Limiter=" + std::to_string(limit);
-    };
+    const auto wanted = [](int limit) { return "REV_Limiter=" + std::to_string(limit); };
     const auto words = [&](int limit) {
-        return Words{"new",      "--unit", "ORB A Standard",           "--engine", "4 Cylinder Coil per Plug, Sequential Injection",
-                     "--sensor", "1 BAR (10-105 kPa)", "--set", wanted(limit), "-o",       fresh};
+        return Words{"new",
+                     "--unit",
+                     "ORB A Standard",
+                     "--engine",
+                     "4 Cylinder Coil per Plug, Sequential Injection",
+                     "--sensor",
+                     "1 BAR (10-105 kPa)",
+                     "--set",
+                     wanted(limit),
+                     "-o",
+                     fresh};
     };
     race({maker(words(5000)), maker(words(6000))});
 }
@@ -101,8 +111,10 @@ TEST_F(ParallelMakers, OfImportedFilesLoseNone) {
 
 TEST_F(ParallelMakers, OfChangesUnderANewNameLoseNone) {
     const std::string other = changed("other.ZQ4OA", 5200);
-    race({maker({"set", file, "KNK_MIN", "40", "-o", fresh}), maker({"cell", other, "34", "50", "-o", fresh})});
-    race({maker({"merge", file, file, other, "-o", fresh}), maker({"set", file, "KNK_MIN", "41", "-o", fresh})});
+    race({maker({"set", file, "KNK_MIN", "40", "-o", fresh}),
+          maker({"cell", other, "34", "50", "-o", fresh})});
+    race({maker({"merge", file, file, other, "-o", fresh}),
+          maker({"set", file, "KNK_MIN", "41", "-o", fresh})});
 }
 
 TEST_F(ParallelMakers, OfATextAndACalibrationLoseNoCalibration) {
@@ -112,7 +124,8 @@ TEST_F(ParallelMakers, OfATextAndACalibrationLoseNoCalibration) {
 
 TEST_F(ParallelChanges, OfSixteenCellsLoseNone) {
     std::vector<Words> commands;
-    for (int i = 0; i < 16; ++i) commands.push_back({"cell", file, std::to_string(912 + i), std::to_string(i + 1)});
+    for (int i = 0; i < 16; ++i)
+        commands.push_back({"cell", file, std::to_string(912 + i), std::to_string(i + 1)});
     runAll(commands);
     for (int i = 0; i < 16; ++i) EXPECT_EQ(cellOf(file, 912 + i), static_cast<float>(i + 1)) << i;
 }

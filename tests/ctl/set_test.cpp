@@ -227,7 +227,8 @@ TEST_F(Zentaqctl, AFunctionThatThePinDoesNotOfferIsRefusedWithTheReason) {
     };
     refused("12 --index 0", "GPIO_Func: \"Fuel Trim\" is for inputs, and pin 0 (W18) is an output; ");
     refused("6 --index 5", "GPIO_Func: \"Shift Light\" is for outputs, and pin 5 (G17) is an input; ");
-    refused("12 --index 5", "GPIO_Func: \"Fuel Trim\" is on pin 4 (G16) already, and only one input may have it; ");
+    refused("12 --index 5",
+            "GPIO_Func: \"Fuel Trim\" is on pin 4 (G16) already, and only one input may have it; ");
     refused("26 --index 0", "GPIO_Func: 26 is no function of ORB A; the pin offers 0 DISABLED, ");
     refused("11 --index 0", "GPIO_Func: \"IAC Output\" is no function of ORB A; ");
     EXPECT_EQ(contentOf(file), before);

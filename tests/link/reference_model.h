@@ -128,16 +128,16 @@ class Model {
     bool told_ = false;  ///< the unit has told its firmware
     int before_ = 0;     ///< firmware number of its object before that
     std::array<int, 2> known_{99, 999};
-    bool broken_ = false;       ///< a firmware broke off between its lines
-    bool linesOut_ = false;     ///< and lines of it had gone out
-    int silent_ = 0;            ///< starts since then without an answer
-    int firmwareKind_ = 0;      ///< of the unit that the last firmware was for
-    std::int32_t meant_ = 0;    ///< serial number of the unit that the transfer is for
-    bool away_ = false;         ///< the port was not open all the time since a firmware began
-    bool ask_ = false;          ///< an identify goes out before a firmware that waits
-    int unknown_ = 0;           ///< answers to it that told no kind
+    bool broken_ = false;          ///< a firmware broke off between its lines
+    bool linesOut_ = false;        ///< and lines of it had gone out
+    int silent_ = 0;               ///< starts since then without an answer
+    int firmwareKind_ = 0;         ///< of the unit that the last firmware was for
+    std::int32_t meant_ = 0;       ///< serial number of the unit that the transfer is for
+    bool away_ = false;            ///< the port was not open all the time since a firmware began
+    bool ask_ = false;             ///< an identify goes out before a firmware that waits
+    int unknown_ = 0;              ///< answers to it that told no kind
     std::array<int, 3> warned_{};  ///< serial number, release and build of the firmware that was warned of
-    std::string transfer_;  ///< key of the transfer that runs or waits
+    std::string transfer_;         ///< key of the transfer that runs or waits
     std::vector<std::string> lines_;
     std::size_t next_ = 0;
 };

@@ -106,7 +106,8 @@ std::optional<std::string> textUnlessRefused(MakeText&& makeText) {
     }
 }
 
-/// The S-record text of a file that the first number in it brings to its kind, by the reference data of a host.
+/// The S-record text of a file that the first number in it brings to its kind, by the reference data of a
+/// host.
 template <typename Host>
 std::optional<std::string> sRecordTextWith(const fs::path& file, const UnitKind& kind) {
     return textUnlessRefused([&] {

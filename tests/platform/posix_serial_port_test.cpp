@@ -152,7 +152,8 @@ TEST_F(PosixPort, APortThatIsRefusedIsLeftAsItWas) {
     pollfd waiting{other.line(), POLLIN, 0};
     ASSERT_EQ(::poll(&waiting, 1, 1000), 1);
     char bytes[8] = {};
-    EXPECT_EQ(::read(other.line(), bytes, sizeof bytes), 5) << "what came for the other program is still there";
+    EXPECT_EQ(::read(other.line(), bytes, sizeof bytes), 5)
+        << "what came for the other program is still there";
 }
 
 TEST_F(PosixPort, AReadOfNothingWhileTheDeviceIsThereIsNoHangUp) {

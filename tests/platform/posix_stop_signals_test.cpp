@@ -222,7 +222,8 @@ TEST(HeldStopSignals, NothingEndsATransferThatDoesNotAsk) {
 TEST(HeldStopSignals, AreAsBeforeBehindTheTransfer) {
     PosixStopSignals signals;
     { const auto hold = signals.hold(); }
-    for (const int number : {SIGQUIT, SIGTSTP, SIGTTOU, SIGPIPE}) EXPECT_TRUE(endsTheProgram(number)) << number;
+    for (const int number : {SIGQUIT, SIGTSTP, SIGTTOU, SIGPIPE})
+        EXPECT_TRUE(endsTheProgram(number)) << number;
     EXPECT_FALSE(endsTheProgram(SIGINT)) << "this one is still asked for";
 }
 

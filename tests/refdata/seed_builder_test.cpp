@@ -74,9 +74,9 @@ TEST_F(SeedBuilder, AFailureLeavesTheOlderFileWhole) {
 
 TEST_F(SeedBuilder, AMissingSeedTableIsNamed) {
     fs::remove(seeds + "/mapcals.tsv");
-    EXPECT_EQ(failureOf<FileError>([&] { build(); }),
-              "Cannot read seed table " + seeds + "/mapcals.tsv. Cannot open " + seeds +
-                  "/mapcals.tsv: No such file or directory");
+    EXPECT_EQ(failureOf<FileError>([&] { build(); }), "Cannot read seed table " + seeds +
+                                                          "/mapcals.tsv. Cannot open " + seeds +
+                                                          "/mapcals.tsv: No such file or directory");
 }
 
 TEST_F(SeedBuilder, AnOutputFolderThatDoesNotExistIsAFileError) {

@@ -26,10 +26,10 @@ struct SaveUnderFire {
     std::string name;
     std::string folder;
     std::string file;
-    std::function<void()> prepare;     ///< puts everything back as it was before
-    std::function<int()> run;          ///< in a process of its own; answers a Told
+    std::function<void()> prepare;                         ///< puts everything back as it was before
+    std::function<int()> run;                              ///< in a process of its own; answers a Told
     std::function<bool()> isSpoken = [] { return true; };  ///< whether a failure was told in words
-    int leastRefused = 4;  ///< of the runs in which one call fails
+    int leastRefused = 4;                                  ///< of the runs in which one call fails
     bool nextWaits = false;  ///< what a kill leaves may hold up the next save, which is then not tried
     /// Whether the content is the one of a save that was done; no content: there is no such file.
     std::function<bool(const std::optional<std::string>&)> isNew;
@@ -52,19 +52,21 @@ class UnderFire {
             child.kill();
             if (::testing::Test::HasFatalFailure()) return places;
             const auto found = now();
-            EXPECT_TRUE(found == old || save_.isNew(found)) << save_.name << ", killed at " << places << " holds " << found.value_or("nothing");
+            EXPECT_TRUE(found == old || save_.isNew(found))
+                << save_.name << ", killed at " << places << " holds " << found.value_or("nothing");
             if (found == old) ++olds;
             if (!save_.nextWaits) nextSaveIsWhole(places);
         }
         EXPECT_GE(olds, 5) << save_.name;
         EXPECT_GE(places, 15) << save_.name;
-        // Each place costs a run: a save that looks at the reference database again and again is slow as well.
+        // Each place costs a run: a save that looks at the reference database again and again is slow as
+        // well.
         EXPECT_LE(places, 200) << save_.name;
         return places;
     }
 
-    /// Each call fails with EIO, those that move or name what is on the disk with ENOSPC and EINTR too. Returns
-    /// the number of calls that failed.
+    /// Each call fails with EIO, those that move or name what is on the disk with ENOSPC and EINTR too.
+    /// Returns the number of calls that failed.
     int failEverywhere(int error) {
         prepare();
         const std::optional<std::string> old = now();
@@ -94,11 +96,10 @@ class UnderFire {
 
     static bool anyCall(long) { return true; }
     static bool ofDisk(long call) {
-        static const std::set<long> calls = {SYS_open,      SYS_openat,    SYS_close,     SYS_read,     SYS_pread64,
-                                             SYS_write,     SYS_pwrite64,  SYS_writev,    SYS_fsync,    SYS_fdatasync,
-                                             SYS_ftruncate, SYS_fallocate, SYS_flock,     SYS_fcntl,    SYS_rename,
-                                             SYS_renameat,  SYS_renameat2, SYS_link,      SYS_linkat,   SYS_unlink,
-                                             SYS_unlinkat};
+        static const std::set<long> calls = {
+            SYS_open,   SYS_openat,   SYS_close,     SYS_read,      SYS_pread64,   SYS_write,  SYS_pwrite64,
+            SYS_writev, SYS_fsync,    SYS_fdatasync, SYS_ftruncate, SYS_fallocate, SYS_flock,  SYS_fcntl,
+            SYS_rename, SYS_renameat, SYS_renameat2, SYS_link,      SYS_linkat,    SYS_unlink, SYS_unlinkat};
         return calls.contains(call);
     }
     void prepare() { save_.prepare(); }
@@ -130,7 +131,8 @@ class UnderFire {
         return namesFile(stop, address) && child.text(address).starts_with(save_.folder);
     }
     /// Up to the entry of the save's call number `wanted`; nothing when it ends before.
-    std::optional<TracedChild::Stop> advance(TracedChild& child, int wanted, bool (*counts)(long) = anyCall) const {
+    std::optional<TracedChild::Stop> advance(TracedChild& child, int wanted,
+                                             bool (*counts)(long) = anyCall) const {
         bool begun = false;
         int seen = 0;
         int stops = 0;

@@ -41,7 +41,8 @@ class SessionSaves : public SavesUnderFire, public ::testing::WithParamInterface
     /// How the boxes told of the save, and whether the session agrees.
     static int told(FakeSession& fake) {
         const auto shown = [&](const char* title) {
-            return std::ranges::any_of(fake.dialogs.boxes, [&](const Box& box) { return box.title == title; });
+            return std::ranges::any_of(fake.dialogs.boxes,
+                                       [&](const Box& box) { return box.title == title; });
         };
         const bool stored = shown("Data Saved.");
         const bool refused =

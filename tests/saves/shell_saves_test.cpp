@@ -70,7 +70,8 @@ class ShellSaves : public SavesUnderFire, public ::testing::WithParamInterface<i
     }
     std::string outputOf(const std::string& arguments) const {
         const std::string out = folder.file("out");
-        const std::string line = std::string("'" ZENTAQ_APP_DIR "/zentaqctl' ") + arguments + " >'" + out + "'";
+        const std::string line =
+            std::string("'" ZENTAQ_APP_DIR "/zentaqctl' ") + arguments + " >'" + out + "'";
         EXPECT_EQ(std::system(line.c_str()), 0) << line;
         return TemporaryFolder::read(out);
     }
@@ -93,8 +94,9 @@ class ShellSaves : public SavesUnderFire, public ::testing::WithParamInterface<i
             command("merge", {"merge", base, file, other, "-o", file}, content),
             command("import-bin", {"import-bin", old, "-o", file, "--force"}, content),
             command("new",
-                    {"new", "--unit", "ORB A Standard", "--engine", "4 Cylinder Coil per Plug, Sequential Injection",
-                     "--sensor", "1 BAR (10-105 kPa)", "-o", file},
+                    {"new", "--unit", "ORB A Standard", "--engine",
+                     "4 Cylinder Coil per Plug, Sequential Injection", "--sensor", "1 BAR (10-105 kPa)", "-o",
+                     file},
                     {}),
         };
     }

@@ -1,4 +1,5 @@
-// Two programs and one unit: a window program that wants the port breaks nothing of what zentaqctl does there.
+// Two programs and one unit: a window program that wants the port breaks nothing of what zentaqctl does
+// there.
 #include "system/contended_port.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-// The whole program while the disk does not answer: it looks at the unit, shows it and takes keys, and tells of
-// the save when the file is on the disk.
+// The whole program while the disk does not answer: it looks at the unit, shows it and takes keys, and tells
+// of the save when the file is on the disk.
 #include <gtest/gtest.h>
 #include <sys/syscall.h>
 #include <unistd.h>

@@ -454,8 +454,7 @@ TEST(RefusedFunctions, TellTheReasonAndWhatThePinOffers) {
         "17 GPO Trim #1, 18 GPO Trim #2, 19 Nitrous Retard, 20 Timed Advance, 23 Timed Power Cut";
     EXPECT_EQ(cal.model.whyNot(5, 12),
               "\"Fuel Trim\" is on pin 4 (G16) already, and only one input may have it" + inputs);
-    EXPECT_EQ(cal.model.whyNot(5, 6),
-              "\"Shift Light\" is for outputs, and pin 5 (G17) is an input" + inputs);
+    EXPECT_EQ(cal.model.whyNot(5, 6), "\"Shift Light\" is for outputs, and pin 5 (G17) is an input" + inputs);
     EXPECT_EQ(cal.model.whyNot(5, 26), "26 is no function of ORB A" + inputs);
     EXPECT_EQ(cal.model.whyNot(5, 11), "\"IAC Output\" is no function of ORB A" + inputs);
     EXPECT_EQ(cal.model.whyNot(5, 21), "\"Speed Input 2\" is not on pin 5 (G17)" + inputs);
@@ -471,7 +470,8 @@ TEST(RefusedFunctions, TellTheReasonAndWhatThePinOffers) {
 
 TEST(OddFunctions, OfAFileAreNamedPinByPin) {
     GpioCalibration cal(3);
-    for (int pin = 0; pin < 8; ++pin) cal.unit.Set_GPIO_Func(pin, 0);  // an input of an older file has 0 as well
+    for (int pin = 0; pin < 8; ++pin)
+        cal.unit.Set_GPIO_Func(pin, 0);  // an input of an older file has 0 as well
     EXPECT_TRUE(cal.model.oddFunctions().empty());
     cal.unit.Set_GPIO_Func(1, 12);
     cal.unit.Set_GPIO_Func(4, 14);

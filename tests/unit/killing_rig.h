@@ -23,8 +23,8 @@ namespace zentaq::testing {
 class TracedChild {
  public:
     struct Stop {
-        bool entry = false;  ///< before the call; else behind it
-        long call = 0;       ///< SYS_write and so on, at an entry
+        bool entry = false;                        ///< before the call; else behind it
+        long call = 0;                             ///< SYS_write and so on, at an entry
         std::array<std::uint64_t, 6> arguments{};  ///< the same
     };
 

@@ -1,5 +1,5 @@
-// Calibrations that have to be converted while the reference database cannot be asked: nothing is converted by
-// halves, and nothing is made of what was not converted.
+// Calibrations that have to be converted while the reference database cannot be asked: nothing is converted
+// by halves, and nothing is made of what was not converted.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -63,8 +63,9 @@ TEST_F(WithoutReference, AFileThatHasToBeConvertedIsNotOpenedAndTheFormerCalibra
     unit.AssignDirectIndex(6500, 58);
     const std::vector<float> before = cells();
     host.referenceTrouble = locked;
-    EXPECT_EQ(failureOf([&] { unit.FileOpen(oldRelease()); }),
-              "MAP sensor 2 of the reference database is needed to convert it: it is in use by another program");
+    EXPECT_EQ(
+        failureOf([&] { unit.FileOpen(oldRelease()); }),
+        "MAP sensor 2 of the reference database is needed to convert it: it is in use by another program");
     EXPECT_EQ(cells(), before);
     EXPECT_EQ(host.head.firmwareCode, 0);
     EXPECT_EQ(unit.FW_Release(), 5);

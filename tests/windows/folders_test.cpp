@@ -30,7 +30,7 @@ TEST(Folders, APipeInThePlaceOfTheDesktopsFoldersIsNotWaitedFor) {
     const QByteArray before = qgetenv("XDG_CONFIG_HOME");
     qputenv("XDG_CONFIG_HOME", QByteArray::fromStdString(folder.path().string()));
     QStandardPaths::setTestModeEnabled(false);  // in which Qt asks no desktop
-    ::alarm(20);  // ends a program that waits for good
+    ::alarm(20);                                // ends a program that waits for good
     EXPECT_EQ(userFolder(), (QDir::homePath() + "/Documents/Zentaq").toStdString());
     ::alarm(0);
     QStandardPaths::setTestModeEnabled(true);
