@@ -151,10 +151,22 @@ class Temporary {
         renamed_ = ::renameat2(AT_FDCWD, path_.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0;
         if (renamed_ || (errno != EINVAL && errno != ENOSYS)) return renamed_;
         // A file system without that. The second name goes with the object.
-        return ::link(path_.c_str(), target.c_str()) == 0;
+        if (::link(path_.c_str(), target.c_str()) == 0) return true;
+        const bool noLinks = errno == EPERM || errno == EOPNOTSUPP || errno == ENOSYS;
+        return noLinks && renameToTaken(target);
     }
 
  private:
+    /// A file system without links either: an empty file takes the name, and the new one its place.
+    bool renameToTaken(const fs::path& target) {
+        constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+        if (!PosixHandle(::open(target.c_str(), flags, 0600)).valid()) return false;
+        if (rename(target)) return true;
+        const int reason = errno;
+        ::unlink(target.c_str());
+        errno = reason;
+        return false;
+    }
     // The process number alone would not do: on a shared folder two machines may have the same.
     static std::string freshName(const std::string& start) {
         const auto now = std::chrono::system_clock::now().time_since_epoch().count();

@@ -90,5 +90,30 @@ TEST_F(NewFile, LeavesWhatIsMadeThereAtTheLastMomentOnSuchAFileSystem) {
     EXPECT_THAT(names(), ElementsAre("Tune.ZQ4OA"));
 }
 
+TEST_F(NewFile, IsMadeOnAFileSystemWithoutLinksAsWell) {
+    TracedChild child(write);
+    ASSERT_TRUE(advanceTo(child, SYS_renameat2));
+    child.answerInstead(-EINVAL);
+    ASSERT_TRUE(advanceTo(child, SYS_link));
+    child.answerInstead(-EPERM);
+    child.runToEnd();
+    EXPECT_EQ(child.exitStatus(), Wrote);
+    EXPECT_EQ(TemporaryFolder::read(path), "new");
+    EXPECT_THAT(names(), ElementsAre("Tune.ZQ4OA"));
+}
+
+TEST_F(NewFile, LeavesWhatIsMadeThereAtTheLastMomentOnAFileSystemWithoutLinks) {
+    TracedChild child(write);
+    ASSERT_TRUE(advanceTo(child, SYS_renameat2));
+    child.answerInstead(-EINVAL);
+    ASSERT_TRUE(advanceTo(child, SYS_link));
+    child.answerInstead(-EPERM);
+    std::ofstream(path) << "another's";
+    child.runToEnd();
+    EXPECT_EQ(child.exitStatus(), WasTaken);
+    EXPECT_EQ(TemporaryFolder::read(path), "another's");
+    EXPECT_THAT(names(), ElementsAre("Tune.ZQ4OA"));
+}
+
 }  // namespace
 }  // namespace zentaq::testing
