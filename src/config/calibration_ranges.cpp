@@ -18,6 +18,24 @@ namespace {
 /// it.
 constexpr float hair = 1e-4F;
 
+/// What the cells of a unit held, and hold again at the end: some readers mend the cell that they read.
+class KeptCells {
+ public:
+    explicit KeptCells(Unit& unit) : unit_(unit) {
+        for (int i = 0; i < Unit::cellCount; ++i) cells_.push_back(unit.DirectIndex(i));
+    }
+    ~KeptCells() {
+        for (int i = 0; i < Unit::cellCount; ++i) unit_.AssignDirectIndex(at(i), i);
+    }
+    KeptCells(const KeptCells&) = delete;
+    KeptCells& operator=(const KeptCells&) = delete;
+    float at(int cell) const { return cells_[static_cast<std::size_t>(cell)]; }
+
+ private:
+    Unit& unit_;
+    std::vector<float> cells_;
+};
+
 /// Nothing where the reader cannot make sense of the cell: a rating or a size that no unit has.
 std::optional<float> valueOf(Unit& unit, const CellPlace& place, int cell) {
     if (place.role != CellRole::Member) return unit.DirectIndex(cell);
@@ -54,6 +72,7 @@ bool isWithin(float value, const Limits& limits) {
 
 std::vector<std::string> valuesOutOfRange(Unit& unit, int count) {
     const CalibrationCells cells(&unit.kind());
+    const KeptCells kept(unit);
     std::vector<std::string> lines;
     for (const int cell : cells.order()) {
         if (cell >= count) continue;
@@ -62,7 +81,9 @@ std::vector<std::string> valuesOutOfRange(Unit& unit, int count) {
         if (!value) continue;
         const auto limits = limitsOf(unit, place, *value);
         if (!limits || isWithin(*value, *limits)) continue;
-        lines.push_back(cells.keyOf(cell) + " (cell " + numberText(cell) + ") holds " + numberText(*value) +
+        // A mended value that is no better is nothing that the file holds.
+        const float held = unit.DirectIndex(cell) == kept.at(cell) ? *value : kept.at(cell);
+        lines.push_back(cells.keyOf(cell) + " (cell " + numberText(cell) + ") holds " + numberText(held) +
                         " " + limits->text);
     }
     return lines;

@@ -11,7 +11,7 @@ namespace zentaq {
 
 /// One line each, in the order of a listing: "GPO1[0,5] (cell 1685) holds 500 (0 to 100%)". Values are those
 /// that a tuner sees. Of the first `count` cells; a range that cannot be had without the reference database
-/// is not looked at.
+/// is not looked at. The cells stay as they are.
 std::vector<std::string> valuesOutOfRange(Unit& unit, int count);
 
 }  // namespace zentaq

@@ -40,6 +40,13 @@ std::string warningLine(int code, std::string_view text) {
     }
 }
 
+/// A figure may lie outside its limits, as where they follow from others: to enter what its cell holds
+/// changes nothing. A writer of its own would put it into other cells as well.
+bool holdsAlready(const Unit& unit, const Parameter& row, float value, int element) {
+    return row.write == nullptr && row.hasCell() && element >= 0 && element < row.count &&
+           unit.DirectIndex(row.cell(element)) == value;
+}
+
 }  // namespace
 
 const Database& DatabaseSource::get() const {
@@ -102,8 +109,9 @@ void setOrThrow(Unit& unit, QuietHost& host, std::string_view member, const Entr
     // A text field tests its text when it is left; the Unit object takes numbers.
     if (!host.checkInput(notEmpty, value.text()) && !host.checkInput(nonNumeric, value.text())) {
         if (!std::isfinite(value.number())) throw Overflow(name + ": the number is too large");
-        const bool refused =
-            std::holds_alternative<NoRange>(row->range) && figureRefused(unit, row->name, value.number());
+        const bool refused = std::holds_alternative<NoRange>(row->range) &&
+                             !holdsAlready(unit, *row, value.number(), element) &&
+                             figureRefused(unit, row->name, value.number());
         if (!refused && unit.write(*row, value, element)) return;
     }
     if (host.refusals().size() == before)

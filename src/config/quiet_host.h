@@ -87,7 +87,8 @@ class QuietHost : public UnitHost {
 };
 
 /// Sets a member and throws Refused with the warning where it refuses, NoSuchMember where the kind lacks
-/// it or it cannot be set, BoundsError on an element outside it.
+/// it or it cannot be set, BoundsError on an element outside it. A basic figure takes what its cell holds
+/// already.
 void setOrThrow(Unit& unit, QuietHost& host, std::string_view member, const Entry& value, int element = 0);
 
 }  // namespace zentaq

@@ -76,6 +76,30 @@ TEST_F(QuietHostTest, ADerivedMemberCannotBeSet) {
     EXPECT_THROW(setOrThrow(unit, host, "MAPMax", 200), NoSuchMember);
 }
 
+TEST_F(QuietHostTest, ABasicFigureTakesWhatItsCellHoldsThoughItsLimitsHaveMoved) {
+    constexpr int flowCell = 2206;
+    unit.set("CYL_Number", 4);
+    unit.set("INJ_Number", 4);
+    unit.set("PHDSEQ", 1);
+    unit.set("REV_Limiter", 6000);
+    unit.set("BHP", 200);
+    unit.AssignDirectIndex(20, flowCell);
+    // (0.4 + 0.0125 * 4) * 200 / 4 = 22.5 lb/hr; of 10 ms a turn 1.2 are dead: 22.5 * 10 / 8.8
+    EXPECT_EQ(refusalOf("INJ_FlowRate", 21),
+              "Warning 1001: Data Input Error: (25.57 to 500 Lbs/hr) - Invalid Entry.");
+    const std::size_t refusals = host.refusals().size();
+    setOrThrow(unit, host, "INJ_FlowRate", "20");
+    EXPECT_EQ(unit.DirectIndex(flowCell), 20);
+    EXPECT_EQ(host.refusals().size(), refusals);
+}
+
+TEST_F(QuietHostTest, AFigureThatSharesItsCellIsNotTakenForTheCell) {
+    constexpr int cylindersAndEvents = 8;
+    unit.AssignDirectIndex(68, cylindersAndEvents);  // 4 * 16 + 4
+    EXPECT_EQ(refusalOf("CYL_Number", 68), "Warning 1001: Data Input Error: (0 to 15) - Invalid Entry.");
+    EXPECT_EQ(unit.DirectIndex(cylindersAndEvents), 68);
+}
+
 TEST_F(QuietHostTest, RecordsAreKeptInOrder) {
     unit.ONFLY_MODE(true);
     setOrThrow(unit, host, "CYL_OvrThr", 20);  // 20 * 4 = 80 = 0x50 at 0x1141

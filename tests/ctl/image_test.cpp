@@ -91,6 +91,17 @@ TEST_F(Zentaqctl, ImageTellsOfAnOutputCellThatNoEntryGives) {
     EXPECT_EQ(imageBytes(contentOf(output))[1680 + 5], 251);  // 1275 less 1024
 }
 
+TEST_F(Zentaqctl, AValueThatItsReaderMendsIsToldAsTheFileHoldsIt) {
+    plant(2196, 0);
+    const std::string told = "EGO_Type (cell 2196) holds 0 (1 to 2)";
+    EXPECT_EQ(onFile("image", "-o " + inQuotes(folder.file("out.s19"))).error, file + ": " + told + "\n");
+    const std::string again = folder.file("again.ZQ4OA");
+    EXPECT_EQ(run("import - -o " + inQuotes(again), onFile("export").out).error, again + ": " + told + "\n");
+    // As the first programs wrote it: the reader makes 1 of it.
+    plant(2196, 129);
+    EXPECT_THAT(onFile("image", "-o " + inQuotes(folder.file("out.s19"))).error, IsEmpty());
+}
+
 TEST_F(Zentaqctl, ImageLeavesTheCalibrationAlone) {
     const std::string before = contentOf(file);
     onFile("image", "-o " + inQuotes(folder.file("out.s19")));
