@@ -143,6 +143,11 @@ void CommandLine::addCutForce(CLI::App* command) {
     command->add_flag("--force", given_.force, "Take a calibration file whose end is missing all the same");
 }
 
+void CommandLine::takeCutToo(CLI::App* command) {
+    command->get_option("--force")->description(
+        "Take the place of a file that is there already, and a calibration file whose end is missing");
+}
+
 void CommandLine::addReading() {
     Arguments& given = given_;
     addJson(addOnFile("info", "Show what a file is",
@@ -191,6 +196,7 @@ void CommandLine::addChanging() {
     addValue(change);
     addIndex(change);
     addOutput(change, elsewhere);
+    takeCutToo(change);
 
     CLI::App* raw =
         addOnFile("cell", "Show or change a cell as it stands: nothing converted, no range checked",
@@ -202,6 +208,7 @@ void CommandLine::addChanging() {
     CLI::Option* value =
         raw->add_option("VALUE", given.cell, "The new content; without it the cell is shown");
     addOutput(raw, elsewhere)->needs(value);
+    takeCutToo(raw);
     raw->add_flag("--json", given.json, "Answer in JSON")->excludes(value);
 
     CLI::App* memory =
@@ -211,8 +218,7 @@ void CommandLine::addChanging() {
     memory->add_option("--firmware", given.firmware, "Image for this firmware, such as 5.99")
         ->check(CLI::Validator(validFirmware, "RELEASE.BUILD"));
     addOutput(memory, "S-record file to write; - is the standard output")->required();
-    memory->get_option("--force")->description(
-        "Take the place of a file that is there already, and a calibration file whose end is missing");
+    takeCutToo(memory);
 
     CLI::App* old =
         add("import-bin", "Turn a file of the older generation into a calibration file",
@@ -235,6 +241,7 @@ void CommandLine::addTable() {
     CLI::Option* from = table->add_option(
         "--from", given.from, "Take cells and axes from a text of the same form; - is the standard input");
     addOutput(table, "With --from: write here and leave FILE as it is")->needs(from);
+    takeCutToo(table);
     table->add_flag("--json", given.json, "Answer in JSON, lowest row first")->excludes(from);
 }
 
@@ -257,6 +264,7 @@ void CommandLine::addComparing() {
     join->add_option("A", given.second, "Calibration file")->required();
     join->add_option("B", given.third, "Calibration file")->required();
     addOutput(join, "Calibration file to write; nothing is written on a conflict")->required();
+    takeCutToo(join);
 
     CLI::App* listing =
         addOnFile("export", "Write a file as text, one value a line, for version control",

@@ -76,6 +76,8 @@ class CommandLine {
     CLI::Option* addOutput(CLI::App* command, const char* what);
     CLI::Option* addForce(CLI::App* command);
     void addCutForce(CLI::App* command);
+    /// For a command that has --force already: it takes a file that was cut as well.
+    static void takeCutToo(CLI::App* command);
     void addReading();
     void addChanging();
     void addTable();

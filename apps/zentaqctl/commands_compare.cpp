@@ -82,9 +82,15 @@ void noteCut(const Context& context, const std::string& file, const CalibrationB
 }
 
 /// The bytes of a file that is known to be a calibration.
-std::string calibrationOf(const Context& context, const std::string& file) {
+std::string calibrationOf(const Context& context, const std::string& file, CutFile cut) {
     std::string bytes = readInput(file, limits::calibration);
-    noteCut(context, nameOf(file), naming(nameOf(file), [&] { return knownCalibration(bytes); }), bytes);
+    const std::string name = nameOf(file);
+    const auto& kind = *naming(name, [&] { return knownCalibration(bytes); }).kind;
+    const int cells = cellsCutOff(kind, bytes.size());
+    if (cells > 0 && cut == CutFile::Refused && !context.force) {
+        throw Failure(cutFileRefusal(name, kind, cells) + ". Nothing was written");
+    }
+    noteCutOff(context, name, kind, cells);
     return bytes;
 }
 
@@ -162,8 +168,8 @@ void noteMergedAxes(const Context& context, const std::string& file, std::string
 
 bool diff(const Context& context, const std::string& first, const std::string& second) {
     if (first == "-" && second == "-") throw Failure("Only one of the files can be the standard input");
-    const std::string firstBytes = calibrationOf(context, first);
-    const std::string secondBytes = calibrationOf(context, second);
+    const std::string firstBytes = calibrationOf(context, first, CutFile::Told);
+    const std::string secondBytes = calibrationOf(context, second, CutFile::Told);
     const auto found = differences(firstBytes, secondBytes);
     if (context.json) {
         writeJson(context.out, found);
@@ -178,9 +184,9 @@ void mergeFiles(const Context& context, const std::string& base, const std::stri
     refuseStandardOutput(output);
     refuseReplacing(context, output, "calibration", {base, first, second});
     const FileLock lock(output);  // it may be one of those that are read
-    const std::string baseBytes = calibrationOf(context, base);
-    std::string firstBytes = calibrationOf(context, first);
-    std::string secondBytes = calibrationOf(context, second);
+    const std::string baseBytes = calibrationOf(context, base, CutFile::Refused);
+    std::string firstBytes = calibrationOf(context, first, CutFile::Refused);
+    std::string secondBytes = calibrationOf(context, second, CutFile::Refused);
     if (namedAfter(firstBytes, first) && namedAfter(secondBytes, second)) {
         settleNames(baseBytes, firstBytes, secondBytes, output);
     }

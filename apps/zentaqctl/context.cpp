@@ -50,15 +50,26 @@ std::unique_ptr<QuietCalibration> openCalibration(const Context& context, const 
     auto calibration = readCalibration(context, file);
     const int cells = calibration->host.header().cellsCutOff;
     if (cells > 0 && cut == CutFile::Refused && !context.force) {
-        throw Failure(file + " is damaged: " + cutOffText(calibration->unit.kind(), cells) +
-                      " Look for a whole copy; --force takes it all the same");
+        throw Failure(cutFileRefusal(file, calibration->unit.kind(), cells));
     }
     noteCutOff(context, file, calibration->unit.kind(), cells);
     return calibration;
 }
 
+namespace {
+
+std::string damageOf(const std::string& file, const UnitKind& kind, int cellsCutOff) {
+    return file + " is damaged: " + cutOffText(kind, cellsCutOff);
+}
+
+}  // namespace
+
 void noteCutOff(const Context& context, const std::string& file, const UnitKind& kind, int cellsCutOff) {
-    if (cellsCutOff > 0) context.notes << file << " is damaged: " << cutOffText(kind, cellsCutOff) << '\n';
+    if (cellsCutOff > 0) context.notes << damageOf(file, kind, cellsCutOff) << '\n';
+}
+
+std::string cutFileRefusal(const std::string& file, const UnitKind& kind, int cellsCutOff) {
+    return damageOf(file, kind, cellsCutOff) + " Look for a whole copy; --force takes it all the same";
 }
 
 void noteAxes(const Context& context, const std::string& file, Unit& unit) {
@@ -86,7 +97,8 @@ Change::Change(const Context& context, const std::string& file, const std::strin
       file_(file),
       output_(output.empty() ? file : output),
       lock_(targetOf(context, file, output)) {
-    calibration_ = openCalibration(context, file);
+    // A save writes whole files: what is missing would be 0 from then on, and no sign of it left.
+    calibration_ = openCalibration(context, file, CutFile::Refused);
     calibration_->unit.BinFile(output_);
 }
 

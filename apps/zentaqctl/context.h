@@ -21,17 +21,19 @@ struct Context {
     std::ostream& notes;  ///< what a user must know though the command was done
     std::ostream& data;   ///< the standard output for text that is read back: nothing is escaped
     bool json = false;
-    bool force = false;  ///< a file that is there already may be replaced
+    bool force = false;  ///< a file that is there already may be replaced, one that was cut may be taken
     std::string trace;   ///< file for the wire trace of a command of the link; empty for none
 };
 
-/// A file that was cut is told in the notes; a command that makes bytes for a unit of it refuses it unless
-/// `force` is given.
+/// A file that was cut is told in the notes; a command that makes another calibration or bytes for a unit of
+/// it refuses it unless `force` is given.
 enum class CutFile { Told, Refused };
 std::unique_ptr<QuietCalibration> openCalibration(const Context& context, const std::string& file,
                                                   CutFile cut = CutFile::Told);
 /// Notes it where a file has lost cells of its end.
 void noteCutOff(const Context& context, const std::string& file, const UnitKind& kind, int cellsCutOff);
+/// Why a file that has lost cells of its end is not taken.
+std::string cutFileRefusal(const std::string& file, const UnitKind& kind, int cellsCutOff);
 /// Notes the axes of tables that do not rise.
 void noteAxes(const Context& context, const std::string& file, Unit& unit);
 

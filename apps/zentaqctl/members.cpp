@@ -448,13 +448,20 @@ std::optional<AxisName> axisOf(const Member& member) {
     return AxisName{member.name.substr(0, dot), member.name.substr(dot + 1)};
 }
 
-/// The check that the table window makes of an entry.
-void refuseNotAscending(QuietCalibration& calibration, const AxisName& axis, const std::string& value,
-                        int element) {
+/// Whether an element is shown as this number.
+bool holdsAlready(Unit& unit, const Member& member, int element, double number) {
+    const auto shown = parseNumber(textOf(readMember(unit, member, element)));
+    return shown && static_cast<float>(*shown) == static_cast<float>(number);
+}
+
+/// The check that the table window makes of an entry. The number that the stop is already changes nothing.
+void refuseNotAscending(QuietCalibration& calibration, const Member& member, const AxisName& axis,
+                        const std::string& value, int element) {
     constexpr int notAscending = 1006;
     const auto number = parseNumber(value);
     const auto before = stopBefore(calibration.unit, axis.table, axis.axis, element);
     if (!number || !before || *before < static_cast<float>(*number)) return;
+    if (holdsAlready(calibration.unit, member, element, *number)) return;
     calibration.host.displayWarning(notAscending,
                                     numberText(*before) + " > " + std::string(trimmed(value)) + " = FALSE");
     throw Refused(calibration.host.refusals().back());
@@ -536,7 +543,7 @@ void writeMember(QuietCalibration& calibration, const Member& member, const std:
     checkElement(member, element);
     if (!member.write) throw NoSuchMember(member.name + " follows from other members and cannot be set");
     if (member.row != nullptr) refuseComma(member.name, value);
-    if (const auto axis = axisOf(member)) refuseNotAscending(calibration, *axis, value, element);
+    if (const auto axis = axisOf(member)) refuseNotAscending(calibration, member, *axis, value, element);
     member.write(calibration, value, element);
 }
 

@@ -81,6 +81,27 @@ TEST_F(ZentaqctlVersions, MergeOfFilesUnderTwoNewNamesNamesTheResultAfterItsOwn)
     EXPECT_EQ(chosen.out, "name: \"tune\" in the base, \"Wet track\" in the first, \"bob\" in the second\n");
 }
 
+TEST_F(ZentaqctlVersions, MergeRefusesACutFileWithoutForce) {
+    const std::string lost =
+        " is damaged: The file ends early: 831 of its 2828 cells are missing and were taken as 0.";
+    change(yours, "KNK_MIN 50");
+    const std::string whole = contentOf(yours);
+    for (const std::string& cut : {base, mine, yours}) {
+        const std::string before = contentOf(cut);
+        writeFile(cut, before.substr(0, 8000));  // 2000 floats, 3 of them the header
+        expectRefused(
+            merge(inQuotes(yours)),
+            cut + lost + " Look for a whole copy; --force takes it all the same. Nothing was written");
+        EXPECT_TRUE(contentOf(yours) == (cut == yours ? whole.substr(0, 8000) : whole)) << cut;
+        writeFile(cut, before);
+    }
+    writeFile(mine, contentOf(mine).substr(0, 8000));
+    const Outcome forced = merge(inQuotes(merged) + " --force");
+    EXPECT_EQ(forced.exitCode, 0) << forced.out;
+    EXPECT_EQ(linesOf(forced.error).front(), mine + lost);
+    EXPECT_EQ(cellOf(merged, 34), 50);
+}
+
 TEST_F(ZentaqctlVersions, MergeNamesTheFileThatIsNoCalibration) {
     writeFile(yours, "hello");
     expectRefused(merge(inQuotes(merged)),

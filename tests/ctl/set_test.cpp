@@ -432,5 +432,53 @@ TEST_F(Zentaqctl, ImageRefusesACutFileWithoutForce) {
     EXPECT_TRUE(fs::exists(records));
 }
 
+TEST_F(Zentaqctl, WhatChangesACutFileRefusesItWithoutForce) {
+    const std::string table = onFile("table", "VE").out;
+    const std::string cut = contentOf(file).substr(0, 7000);
+    const std::string lost =
+        file + " is damaged: The file ends early: 1081 of its 2828 cells are missing and were taken as 0.";
+    const std::string other = folder.file("other.ZQ4OA");
+    for (const auto& [command, rest] :
+         {std::pair("set", "KNK_MIN 50"), std::pair("cell", "34 50"), std::pair("table", "VE --from -")}) {
+        writeFile(file, cut);
+        for (const std::string& output : {std::string(), " -o " + inQuotes(other)}) {
+            expectRefused(onFile(command, rest + output, table),
+                          lost + " Look for a whole copy; --force takes it all the same");
+        }
+        EXPECT_TRUE(contentOf(file) == cut) << command;
+        EXPECT_FALSE(fs::exists(other)) << command;
+        const Outcome forced = onFile(command, std::string(rest) + " --force", table);
+        EXPECT_EQ(forced.exitCode, 0) << command;
+        EXPECT_THAT(forced.error, StartsWith(lost + "\n")) << command;
+        EXPECT_THAT(run(std::string(command) + " --help").out, HasSubstr("whose end is missing")) << command;
+    }
+}
+
+// ---- What is held already
+
+TEST_F(Zentaqctl, SetTakesTheStopThatIsThereThoughTheOneBeforeItIsWrong) {
+    plant(592 + 2 * 6, 9000);  // RPMTBL 6
+    const std::string stop = onFile("get", "RPMTBL 7").out;
+    ASSERT_LT(cellOf(file, 592 + 2 * 7), 9000);
+    EXPECT_EQ(onFile("set", "RPMTBL " + stop.substr(0, stop.size() - 1) + " --index 7").exitCode, 0);
+    EXPECT_EQ(onFile("set", "VE.X-Axis " + stop.substr(0, stop.size() - 1) + " --index 7").exitCode, 0);
+    EXPECT_EQ(onFile("get", "RPMTBL 7").out, stop);
+    EXPECT_EQ(onFile("set", "RPMTBL 8999 --index 7").exitCode, 1);
+}
+
+TEST_F(Zentaqctl, SetTakesTheFlowThatTheSamplesHold) {
+    for (const auto& [name, flow] :
+         {std::pair("Street 2.0 Four.ZQ4OA", "19.7"),  // 0.45 * 150 / 4 at 60000 / 7000 ms less 1.2: 19.62
+          std::pair("ORB L Six.ZQ4OL", "21.1"),        // 0.475 * 230 / 6 at 60000 / 6800 ms: 21.07
+          std::pair("ORB C Six.ZQ4OC", "21.1"),
+          std::pair("ORB D Four.ZQ4OD", "28.4")}) {  // 0.55 * 170 / 4 at 60000 / 8800 ms: 28.37
+        const std::string copy = folder.file(name);
+        fs::copy_file(sample(name), copy);
+        EXPECT_EQ(run("get " + inQuotes(copy) + " INJ_FlowRate").out, std::string(flow) + "\n") << name;
+        EXPECT_EQ(run("set " + inQuotes(copy) + " INJ_FlowRate " + flow).exitCode, 0) << name;
+        EXPECT_EQ(run("set " + inQuotes(copy) + " INJ_FlowRate 19.6").exitCode, 1) << name;
+    }
+}
+
 }  // namespace
 }  // namespace zentaq
