@@ -129,7 +129,35 @@ void MainCommands::saveInHand(const Saved& then) {
 // user was told to use Save As.
 void MainCommands::saveCurrent(const Saved& then) {
     if (isOldName(session_.CurrentFile)) return saveUnderNewName(then);
+    if (!maySaveCutFile()) return then(false);
     saveChecked(session_.fileHolds, {}, then);
+}
+
+MainCommands::InHand MainCommands::inHand() {
+    return {&session_.currentUnitObject(), session_.CurrentFile, session_.header().cellsCutOff};
+}
+
+// Its length is all that tells a file that was cut, and a save writes the whole length.
+bool MainCommands::maySaveCutFile() {
+    const InHand asked = inHand();
+    if (asked.cellsCutOff == 0) return true;
+    const Answer answer = session_.dialogs().show(
+        {.title = "Damaged File",
+         .text = cutOffText(asked.unit->kind(), asked.cellsCutOff) +
+                 "\nA save makes it look whole, and nothing will warn of it again.\nSave all the same?",
+         .icon = Icon::Exclamation,
+         .buttons = Buttons::YesNo,
+         .declines = true});
+    if (answer == Answer::Yes) return isStillInHand(asked);
+    session_.sysLog("Calibration file not saved: it was cut, and the user thought better of it.");
+    return false;
+}
+
+// The boxes in front of a save let other commands in.
+bool MainCommands::isStillInHand(const InHand& asked) {
+    if (inHand() == asked && !session_.saving.running()) return true;
+    session_.sysLog("Calibration file not saved: another command came while it was asked about.");
+    return false;
 }
 
 void MainCommands::saveChecked(std::optional<std::string> known, const std::function<void()>& stored,
@@ -476,8 +504,10 @@ std::string MainCommands::askNewName() {
 }
 
 void MainCommands::saveUnderNewName(const Saved& then) {
+    if (!maySaveCutFile()) return then(false);
+    const InHand asked = inHand();
     const std::string path = askNewName();
-    if (path.empty()) return then(false);
+    if (path.empty() || !isStillInHand(asked)) return then(false);
     const std::string formerFile = session_.CurrentFile;
     std::error_code error;
     const bool sameFile = std::filesystem::equivalent(path, formerFile, error);
@@ -740,7 +770,7 @@ bool MainCommands::refusedBySearch() {
 bool MainCommands::mayLeaveUnit(LeftBehind& agreed) {
     if (!mayBreakTransfer(agreed)) return false;
     if (agreed.zeroAdvance || !zeroAdvanceOn()) return true;
-    agreed.zeroAdvance = mayLeaveZeroAdvance("End the program all the same?");
+    agreed.zeroAdvance = askToLeaveZeroAdvance("End the program all the same?") == Answer::Yes;
     return agreed.zeroAdvance;
 }
 
@@ -781,8 +811,13 @@ bool MainCommands::zeroAdvanceOn() const {
     return session_.link.status().zeroAdvance || session_.link.zeroAdvanceAsked();
 }
 
+// A box that goes by itself is answered No, but nobody said so, and nothing is left behind any more.
 bool MainCommands::mayLeaveZeroAdvance(const std::string& goOn) {
     if (!zeroAdvanceOn()) return true;
+    return askToLeaveZeroAdvance(goOn) == Answer::Yes || !zeroAdvanceOn();
+}
+
+Answer MainCommands::askToLeaveZeroAdvance(const std::string& goOn) {
     const Answer answer =
         session_.dialogs().show({.title = "Zero Advance",
                                  .text = "The unit still runs with zero advance.\n"
@@ -793,9 +828,10 @@ bool MainCommands::mayLeaveZeroAdvance(const std::string& goOn) {
                                  .buttons = Buttons::YesNo,
                                  .declines = true,
                                  .stands = [this] { return zeroAdvanceOn(); }});
-    if (answer == Answer::Yes) return true;
-    session_.sysLog("The unit runs with zero advance: stayed with it.");
-    return false;
+    if (answer != Answer::Yes && zeroAdvanceOn()) {
+        session_.sysLog("The unit runs with zero advance: stayed with it.");
+    }
+    return answer;
 }
 
 // Not refused by a download, nor by a run that still waits: it goes out in front of both.

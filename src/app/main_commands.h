@@ -99,6 +99,19 @@ class MainCommands {
     /// Saves to the current file, one of the older generation under a new name.
     void saveCurrent(const Saved& then);
     void saveUnderNewName(const Saved& then);
+    /// The calibration that a box in front of a save is about.
+    struct InHand {
+        const Unit* unit = nullptr;
+        std::string file;
+        int cellsCutOff = 0;
+
+        bool operator==(const InHand&) const = default;
+    };
+    InHand inHand();
+    /// False, with a line in the log: another calibration, or another save, has come meanwhile.
+    bool isStillInHand(const InHand& asked);
+    /// Asks, where the file in hand was cut, whether to save it all the same.
+    bool maySaveCutFile();
     std::string askNewName();
     void afterEdits(const std::string& caption, void (MainCommands::*command)());
     void newNow();
@@ -119,8 +132,10 @@ class MainCommands {
     bool mayBreakTransfer(LeftBehind& agreed);
     Answer askToBreakTransfer(bool firmware, const std::function<bool()>& stands);
     bool zeroAdvanceOn() const;
-    /// Asks, where the unit runs with zero advance, whether to go on all the same.
+    /// Asks, where the unit runs with zero advance, whether to go on all the same. True too where zero
+    /// advance has ended meanwhile.
     bool mayLeaveZeroAdvance(const std::string& goOn);
+    Answer askToLeaveZeroAdvance(const std::string& goOn);
     /// Tells with the numbered errors why the calibration in hand cannot go to the unit on the link.
     bool mayProgram();
     bool isStillThere(const LinkedIdentity& unit, const std::string& title);

@@ -475,6 +475,66 @@ TEST_F(Commands, TheUserMayLeaveAUnitWithZeroAdvance) {
     EXPECT_THAT(fake.windows.calls, Contains("closeMain"));
 }
 
+/// The box of zero advance goes by itself, which is answered as No.
+class ZeroAdvanceThatEnds : public Commands {
+ protected:
+    ZeroAdvanceThatEnds() {
+        session.link.load();
+        set();
+        EXPECT_TRUE(session.link.status().zeroAdvance);
+        fake.dialogs.meanwhile = [this](const std::string& title) {
+            if (title != "Zero Advance") return;
+            const Box box = fake.dialogs.boxes.back();
+            set();
+            EXPECT_FALSE(box.stands());
+        };
+    }
+    void set() {
+        commands.zeroAdvance();
+        session.link.tick();
+        fake.port.deliver({'A', 'X'});
+        session.link.tick();
+    }
+    int asked() const {
+        return static_cast<int>(std::ranges::count(fake.dialogs.boxes, "Zero Advance", &Box::title));
+    }
+};
+
+TEST_F(ZeroAdvanceThatEnds, LetsTheChosenPortBeTaken) {
+    commands.choosePort(2);
+    EXPECT_EQ(asked(), 1);
+    EXPECT_EQ(session.link.commPort(), 2);
+    EXPECT_EQ(fake.settings.get("System", "CommPort"), "2");
+    EXPECT_FALSE(logged("stayed with it"));
+}
+
+TEST_F(ZeroAdvanceThatEnds, LetsThePortsBeSearched) {
+    fake.port.presentNumber = 0;
+    const int opens = fake.port.opens;
+    commands.autodetectPort();
+    EXPECT_EQ(asked(), 1);
+    EXPECT_GT(fake.port.opens, opens);
+    EXPECT_EQ(box().text, "Could not Find ORB Unit.  Please check the serial connection.");
+    EXPECT_FALSE(logged("stayed with it"));
+}
+
+TEST_F(ZeroAdvanceThatEnds, KeepsTheProgramAndTheLogSaysNothingOfIt) {
+    Kernel kernel(session, commands);
+    kernel.closeRequested();
+    EXPECT_EQ(asked(), 1);
+    EXPECT_THAT(fake.windows.calls, Not(Contains("closeMain")));
+    EXPECT_FALSE(logged("stayed with it"));
+}
+
+TEST_F(Commands, TheUserWhoStaysWithZeroAdvanceIsInTheLog) {
+    session.link.load();
+    commands.zeroAdvance();
+    fake.dialogs.answers = {Answer::No};
+    commands.choosePort(2);
+    EXPECT_EQ(session.link.commPort(), 1);
+    EXPECT_TRUE(logged("The unit runs with zero advance: stayed with it."));
+}
+
 TEST_F(Commands, TheMonitorModeIsKeptAsASetting) {
     commands.dayMode();
     EXPECT_EQ(fake.settings.get("System", "MonitorMode"), "1");

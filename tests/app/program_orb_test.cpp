@@ -170,9 +170,24 @@ TEST_F(ProgramOrb, ACutFileIsAskedAboutBehindItsSaveToo) {
     floats.resize(1750);
     openCalibration(floats);
     link(firstOrbA);
+    fake.dialogs.answers = {Answer::Yes};
     commands.save();
+    ASSERT_THAT(titles(), ElementsAre("Damaged File", "Data Saved."));
     commands.programOrb();
+    EXPECT_EQ(titles().back(), "Program ORB");
     EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("1081 of its 2828 cells are missing"));
+    expectNothingSent();
+}
+
+TEST_F(ProgramOrb, ACutFileThatIsNotToBeSavedGoesNowhere) {
+    std::vector<float> floats = soundCalibration();
+    floats.resize(1750);
+    openCalibration(floats);
+    link(firstOrbA);
+    session.DataModified = true;
+    commands.programOrb();
+    EXPECT_THAT(titles(), ElementsAre("Warning 1007", "SAVE", "Damaged File"));
+    EXPECT_TRUE(session.DataModified);
     expectNothingSent();
 }
 

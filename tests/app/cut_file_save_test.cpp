@@ -1,0 +1,236 @@
+// Saves of a calibration whose file was cut: the file would look whole, so nothing is written unasked.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <bit>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <utility>
+
+#include "app/fake_platform.h"
+#include "app/general_config.h"
+#include "app/main_commands.h"
+#include "app/start_up.h"
+
+namespace zentaq {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+constexpr std::size_t wholeFloats = 3 + 2828;
+constexpr std::size_t cutFloats = 1750;
+constexpr std::uintmax_t wholeBytes = 11324;
+constexpr std::uintmax_t cutBytes = 7000;
+constexpr const char* damaged = "Damaged File";
+
+class CutFile : public ::testing::Test {
+ protected:
+    CutFile() {
+        session.makeUnits();
+        session.DatabaseFile = builtReference();
+        write(path, cutFloats);
+        open(path);
+        EXPECT_EQ(session.header().cellsCutOff, 1081);
+        fake.dialogs.boxes.clear();
+        fake.dialogs.requests.clear();
+        fake.windows.calls.clear();
+        change(7000);
+    }
+    static void write(const std::string& file, std::size_t count) {
+        std::vector<float> floats{3, 9.44F, 5099};
+        floats.resize(count, 0.0F);
+        floats[3 + 58] = 6500;  // rev limit
+        std::ofstream out(file, std::ios::binary);
+        for (const float value : floats) {
+            const auto word = std::bit_cast<std::uint32_t>(value);
+            out.write(reinterpret_cast<const char*>(&word), sizeof word);
+        }
+    }
+    static float limitIn(const std::string& file) {
+        std::ifstream in(file, std::ios::binary);
+        in.seekg((3 + 58) * 4);
+        float limit = 0;
+        in.read(reinterpret_cast<char*>(&limit), sizeof limit);
+        return limit;
+    }
+    void open(const std::string& file) {
+        fake.dialogs.files = {file};
+        commands.open();
+    }
+    void change(double revLimit) {
+        session.currentUnitObject().set("REV_Limiter", revLimit);
+        session.markModified();
+    }
+    /// Happens while the first box of this title stands.
+    void during(const std::string& title, std::function<void()> happens) {
+        fake.dialogs.meanwhile = [this, title, happens = std::move(happens)](const std::string& shown) {
+            if (shown != title) return;
+            const auto now = happens;  // outlives the lambda
+            fake.dialogs.meanwhile = {};
+            now();
+        };
+    }
+    std::vector<std::string> titles() const {
+        std::vector<std::string> all;
+        for (const Box& box : fake.dialogs.boxes) all.push_back(box.title);
+        return all;
+    }
+    bool logged(const std::string& text) const {
+        return std::ranges::any_of(session.console.lines(), [&](const std::string& line) {
+            return line.find(text) != std::string::npos;
+        });
+    }
+    void expectAsItWas() {
+        EXPECT_EQ(std::filesystem::file_size(path), cutBytes);
+        EXPECT_EQ(limitIn(path), 6500);
+        EXPECT_EQ(session.CurrentFile, path);
+        EXPECT_EQ(session.currentUnitObject().BinFile(), path);
+        EXPECT_EQ(session.header().cellsCutOff, 1081);
+        EXPECT_TRUE(session.DataModified);
+    }
+
+    FakeSession fake;
+    Session& session = fake.session;
+    MainCommands commands{session};
+    Kernel kernel{session, commands};
+    std::string path = fake.folder.path("cut.ZQ4OA");
+};
+
+TEST_F(CutFile, ASaveAsksFirstAndNoWritesNothing) {
+    commands.save();
+    ASSERT_THAT(titles(), ElementsAre(damaged));
+    const Box& box = fake.dialogs.boxes[0];
+    EXPECT_EQ(box.text,
+              "The file ends early: 1081 of its 2828 cells are missing and were taken as 0.\n"
+              "A save makes it look whole, and nothing will warn of it again.\n"
+              "Save all the same?");
+    EXPECT_EQ(box.icon, Icon::Exclamation);
+    EXPECT_EQ(box.buttons, Buttons::YesNo);
+    EXPECT_TRUE(box.declines);
+    EXPECT_TRUE(logged("Calibration file not saved: it was cut, and the user thought better of it."));
+    expectAsItWas();
+}
+
+TEST_F(CutFile, YesSavesItAndTheSignStaysWithTheCalibrationInHand) {
+    fake.dialogs.answers = {Answer::Yes};
+    commands.save();
+    EXPECT_THAT(titles(), ElementsAre(damaged, "Data Saved."));
+    EXPECT_EQ(std::filesystem::file_size(path), wholeBytes);
+    EXPECT_EQ(limitIn(path), 7000);
+    EXPECT_FALSE(session.DataModified);
+    EXPECT_EQ(session.header().cellsCutOff, 1081);
+}
+
+TEST_F(CutFile, SaveAsAsksBeforeItAsksForAName) {
+    const std::string other = fake.folder.path("other.ZQ4OA");
+    fake.dialogs.files = {other};
+    commands.saveAs();
+    EXPECT_THAT(titles(), ElementsAre(damaged));
+    EXPECT_THAT(fake.dialogs.requests, IsEmpty());
+    EXPECT_FALSE(std::filesystem::exists(other));
+    expectAsItWas();
+
+    fake.dialogs.boxes.clear();
+    fake.dialogs.answers = {Answer::Yes};
+    commands.saveAs();
+    EXPECT_THAT(titles(), ElementsAre(damaged, "Data Saved."));
+    EXPECT_EQ(std::filesystem::file_size(other), wholeBytes);
+    EXPECT_EQ(std::filesystem::file_size(path), cutBytes);
+    EXPECT_EQ(session.header().cellsCutOff, 1081);
+}
+
+TEST_F(CutFile, ACommandWhoseSaveIsDeclinedThereEndsWithIt) {
+    const std::vector<std::function<void()>> withSave = {
+        [&] { open(path); },
+        [&] { commands.close(); },
+        [&] { kernel.closeRequested(); },
+        [&] { EXPECT_FALSE(kernel.System_Shutdown(false)); },
+        [&] {
+            during("Save Data?", [&] { fake.dialogs.answers = {Answer::Yes, Answer::No}; });
+            commands.newCalibration();
+        },
+    };
+    for (std::size_t i = 0; i < withSave.size(); ++i) {
+        SCOPED_TRACE(i);
+        fake.dialogs.boxes.clear();
+        withSave[i]();
+        ASSERT_FALSE(fake.dialogs.boxes.empty());
+        EXPECT_EQ(fake.dialogs.boxes.back().title, damaged);
+        expectAsItWas();
+        EXPECT_FALSE(session.creating());
+    }
+    EXPECT_THAT(fake.windows.calls, Not(Contains("closeMain")));
+    EXPECT_THAT(fake.windows.calls, Not(Contains("general config")));
+    EXPECT_THAT(fake.dialogs.requests, IsEmpty());
+}
+
+TEST_F(CutFile, TheKeyOfTheGeneralParametersAsksToo) {
+    session.currentUnitObject().store("MAP_ID", 1);
+    GeneralConfig form(session);
+    form.load();
+    EXPECT_FALSE(form.save());
+    EXPECT_THAT(titles(), ElementsAre(damaged));
+    expectAsItWas();
+}
+
+TEST_F(CutFile, WhatTheCalibrationHoldsBehindTheBoxIsSaved) {
+    during(damaged, [&] {
+        change(8000);
+        fake.dialogs.answers = {Answer::Yes};
+    });
+    commands.save();
+    EXPECT_EQ(limitIn(path), 8000);
+    EXPECT_FALSE(session.DataModified);
+}
+
+TEST_F(CutFile, ACalibrationThatComesIntoHandBehindTheBoxIsNotSavedByItsAnswer) {
+    const std::string whole = fake.folder.path("whole.ZQ4OA");
+    write(whole, wholeFloats);
+    const auto openWhole = [&] {
+        session.DataModified = false;
+        open(whole);
+        change(8000);
+        fake.dialogs.answers = {Answer::Yes};
+    };
+    during(damaged, openWhole);
+    commands.save();
+    EXPECT_EQ(session.CurrentFile, whole);
+    EXPECT_EQ(limitIn(whole), 6500);
+    EXPECT_EQ(std::filesystem::file_size(path), cutBytes);
+    EXPECT_THAT(titles(), Not(Contains("Data Saved.")));
+    EXPECT_TRUE(logged("Calibration file not saved: another command came while it was asked about."));
+}
+
+TEST_F(CutFile, ACutCalibrationThatComesIntoHandBehindTheNameDialogIsNotSavedUnasked) {
+    const std::string whole = fake.folder.path("whole.ZQ4OA");
+    const std::string other = fake.folder.path("other.ZQ4OA");
+    write(whole, wholeFloats);
+    session.DataModified = false;
+    open(whole);
+    fake.dialogs.boxes.clear();
+    bool opened = false;
+    fake.dialogs.meanwhile = [&](const std::string& title) {
+        if (!title.empty() || std::exchange(opened, true)) return;
+        open(path);
+        fake.dialogs.files = {other};
+    };
+    commands.saveAs();
+    EXPECT_EQ(session.CurrentFile, path);
+    EXPECT_FALSE(std::filesystem::exists(other));
+}
+
+TEST_F(CutFile, AFileThatAnotherProgramHasChangedIsAskedAboutOnceForEachReason) {
+    write(path, cutFloats + 10);
+    fake.dialogs.answers = {Answer::Yes, Answer::Yes};
+    commands.save();
+    EXPECT_THAT(titles(), ElementsAre(damaged, "File Changed", "Data Saved."));
+    EXPECT_EQ(limitIn(path), 7000);
+}
+
+}  // namespace
+}  // namespace zentaq
