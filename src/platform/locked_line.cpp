@@ -9,6 +9,7 @@
 #include <sys/un.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstddef>
 #include <cstring>
 
@@ -41,10 +42,21 @@ PosixHandle claimOf(const std::string& name) {
 }
 
 /// The name needs no right to the device, so whoever holds it is told: a user can see whether it is a program
-/// that may have the port.
+/// that may have the port. To find it is to look through all processes, so one that tries again and again
+/// asks once a second.
 std::string wordsForHolder(const struct stat& device) {
-    const std::string holder = holderOfName(nameOfClaim(device));
-    return std::string(portBusyWords) + (holder.empty() ? "" : ": " + holder);
+    using Clock = std::chrono::steady_clock;
+    struct Asked {
+        std::string name;
+        Clock::time_point when;
+        std::string holder;
+    };
+    thread_local Asked last;
+    const std::string name = nameOfClaim(device);
+    const auto now = Clock::now();
+    if (last.name != name || now - last.when >= std::chrono::seconds(1))
+        last = {name, now, holderOfName(name)};
+    return std::string(portBusyWords) + (last.holder.empty() ? "" : ": " + last.holder);
 }
 
 void openUnderLock(LockedLine& locked, const std::string& device) {
