@@ -103,8 +103,9 @@ class ProgramOrb : public ::testing::Test {
     void during(const std::string& title, std::function<void()> happens) {
         fake.dialogs.meanwhile = [this, title, happens](const std::string& shown) {
             if (shown != title) return;
+            const auto now = happens;  // outlives the lambda
             fake.dialogs.meanwhile = {};
-            happens();
+            now();
         };
     }
     std::vector<std::string> titles() const {
