@@ -13,6 +13,7 @@
 #include "app/general_config.h"
 #include "app/main_commands.h"
 #include "app/start_up.h"
+#include "app/while_box_stands.h"
 
 namespace zentaq {
 namespace {
@@ -68,23 +69,10 @@ class CutFile : public ::testing::Test {
     }
     /// Happens while the first box of this title stands.
     void during(const std::string& title, std::function<void()> happens) {
-        fake.dialogs.meanwhile = [this, title, happens = std::move(happens)](const std::string& shown) {
-            if (shown != title) return;
-            const auto now = happens;  // outlives the lambda
-            fake.dialogs.meanwhile = {};
-            now();
-        };
+        whileBoxStands(fake.dialogs, title, std::move(happens));
     }
-    std::vector<std::string> titles() const {
-        std::vector<std::string> all;
-        for (const Box& box : fake.dialogs.boxes) all.push_back(box.title);
-        return all;
-    }
-    bool logged(const std::string& text) const {
-        return std::ranges::any_of(session.console.lines(), [&](const std::string& line) {
-            return line.find(text) != std::string::npos;
-        });
-    }
+    std::vector<std::string> titles() const { return titlesOf(fake.dialogs); }
+    bool logged(const std::string& text) const { return hasLine(session.console, text); }
     void expectAsItWas() {
         EXPECT_EQ(std::filesystem::file_size(path), cutBytes);
         EXPECT_EQ(limitIn(path), 6500);

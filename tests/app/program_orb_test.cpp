@@ -9,6 +9,7 @@
 #include "app/main_commands.h"
 #include "app/menu.h"
 #include "app/rising_axes.h"
+#include "app/while_box_stands.h"
 
 namespace zentaq {
 namespace {
@@ -101,23 +102,10 @@ class ProgramOrb : public ::testing::Test {
     }
     /// Happens while the first box of this title stands.
     void during(const std::string& title, std::function<void()> happens) {
-        fake.dialogs.meanwhile = [this, title, happens](const std::string& shown) {
-            if (shown != title) return;
-            const auto now = happens;  // outlives the lambda
-            fake.dialogs.meanwhile = {};
-            now();
-        };
+        whileBoxStands(fake.dialogs, title, std::move(happens));
     }
-    std::vector<std::string> titles() const {
-        std::vector<std::string> all;
-        for (const Box& box : fake.dialogs.boxes) all.push_back(box.title);
-        return all;
-    }
-    bool logged(const std::string& text) const {
-        return std::ranges::any_of(session.console.lines(), [&](const std::string& line) {
-            return line.find(text) != std::string::npos;
-        });
-    }
+    std::vector<std::string> titles() const { return titlesOf(fake.dialogs); }
+    bool logged(const std::string& text) const { return hasLine(session.console, text); }
     bool sent(const std::string& command) const {
         return std::ranges::count(fake.port.written, command) != 0;
     }
