@@ -19,7 +19,7 @@
 #include <thread>
 
 #include "config/quiet_host.h"
-#include "link/headless_session.h"
+#include "headless/headless_session.h"
 #include "link/link.h"
 #include "link/recording_link_host.h"
 #include "live/frame_decoder.h"

@@ -6,8 +6,8 @@
 #include <span>
 #include <vector>
 
-#include "link/wire_trace.h"
-#include "platform/manual_clock.h"
+#include "trace/wire_trace.h"
+#include "testing/manual_clock.h"
 #include "temporary_folder.h"
 
 namespace zentaq {

@@ -17,7 +17,7 @@ add_custom_command(
 add_custom_target(zentaq_reference_database ALL DEPENDS ${REFERENCE_DATABASE})
 
 # The sample calibrations are made from readable texts, through the same core that a tuner's new one goes through.
-zentaq_program(zentaq-samples LINK zentaq_config)
+zentaq_program(zentaq-samples LINK zentaq_calibration)
 set_target_properties(zentaq-samples PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tools)
 set(SAMPLE_TEXTS ${PROJECT_SOURCE_DIR}/data/samples)
 file(GLOB sample_texts CONFIGURE_DEPENDS ${SAMPLE_TEXTS}/*.txt)

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "base/file_reader.h"
-#include "config/calibration_recipe.h"
+#include "calibration/calibration_recipe.h"
 
 namespace fs = std::filesystem;
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "context.h"
-#include "link/trace_file.h"
+#include "trace/trace_file.h"
 
 namespace zentaq::ctl {
 

@@ -10,7 +10,7 @@
 #include "base/number_text.h"
 #include "commands_link.h"
 #include "link/frame_timing.h"
-#include "link/headless_monitor.h"
+#include "headless/headless_monitor.h"
 #include "link_desk.h"
 #include "link_texts.h"
 #include "live/frame_decoder.h"

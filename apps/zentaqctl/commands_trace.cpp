@@ -6,7 +6,7 @@
 #include "base/number_text.h"
 #include "base/shown_text.h"
 #include "commands.h"
-#include "link/trace_file.h"
+#include "trace/trace_file.h"
 
 namespace zentaq::ctl {
 

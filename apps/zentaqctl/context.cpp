@@ -10,7 +10,7 @@
 #include "base/errors.h"
 #include "base/shown_text.h"
 #include "base/text.h"
-#include "config/calibration_ranges.h"
+#include "calibration/calibration_ranges.h"
 #include "outputs.h"
 #include "unit/axis_order.h"
 #include "unit/file_kind.h"

@@ -7,7 +7,7 @@
 
 #include "base/errors.h"
 #include "context.h"
-#include "link/headless_session.h"
+#include "headless/headless_session.h"
 #include "platform/dropping_output.h"
 #include "platform/posix_clock.h"
 #include "platform/posix_line_loop.h"

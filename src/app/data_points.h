@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/settings_keys.h"
+#include "base/settings_keys.h"
 #include "platform/settings_store.h"
 
 namespace zentaq {

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "app/sensor_matching.h"
-#include "app/settings_keys.h"
+#include "base/settings_keys.h"
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/text.h"

@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "app/data_points.h"
-#include "app/settings_keys.h"
+#include "base/settings_keys.h"
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/rounding.h"

@@ -3,7 +3,7 @@
 
 #include "app/data_points.h"
 #include "app/options.h"
-#include "app/settings_keys.h"
+#include "base/settings_keys.h"
 #include "base/number_text.h"
 #include "base/text.h"
 

@@ -4,7 +4,7 @@
 #include <array>
 #include <utility>
 
-#include "app/settings_keys.h"
+#include "base/settings_keys.h"
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/rounding.h"

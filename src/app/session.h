@@ -19,7 +19,7 @@
 #include "link/link.h"
 #include "link/link_host.h"
 #include "link/poller.h"
-#include "link/wire_trace.h"
+#include "trace/wire_trace.h"
 #include "live/check_engine.h"
 #include "live/ecu.h"
 #include "live/frame_decoder.h"

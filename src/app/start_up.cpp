@@ -7,7 +7,7 @@
 #include <random>
 #include <utility>
 
-#include "app/settings_keys.h"
+#include "base/settings_keys.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "base/text.h"

@@ -11,7 +11,7 @@
 #include <system_error>
 #include <utility>
 
-#include "app/settings_keys.h"
+#include "base/settings_keys.h"
 #include "base/errors.h"
 #include "base/file_reader.h"
 #include "unit/safe_file.h"

@@ -14,7 +14,7 @@
 #include <array>
 
 #include "app/data_points.h"
-#include "app/settings_keys.h"
+#include "base/settings_keys.h"
 #include "base/number_text.h"
 #include "qt/help_key.h"
 #include "qt/look.h"

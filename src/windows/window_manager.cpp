@@ -5,7 +5,7 @@
 #include <QSplitter>
 #include <utility>
 
-#include "app/settings_keys.h"
+#include "base/settings_keys.h"
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "config/gui_rules.h"

@@ -10,8 +10,8 @@
 
 #include "app/fake_platform.h"
 #include "base/text.h"
-#include "platform/manual_clock.h"
-#include "platform/scripted_port.h"
+#include "testing/manual_clock.h"
+#include "testing/scripted_port.h"
 
 namespace zentaq {
 namespace {

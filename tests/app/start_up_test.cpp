@@ -12,7 +12,7 @@
 #include <fstream>
 
 #include "app/fake_platform.h"
-#include "app/settings_keys.h"
+#include "base/settings_keys.h"
 #include "refdata/seed_builder.h"
 
 namespace zentaq {

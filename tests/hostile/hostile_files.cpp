@@ -14,8 +14,8 @@
 #include <stdexcept>
 
 #include "base/text.h"
-#include "config/calibration_listing.h"
-#include "link/trace_line.h"
+#include "calibration/calibration_listing.h"
+#include "trace/trace_line.h"
 #include "sim/firmware_file.h"
 #include "temporary_folder.h"
 

@@ -14,7 +14,7 @@
 #include "link/recording_link_host.h"
 #include "live/frame_decoder.h"
 #include "live/live_values.h"
-#include "platform/scripted_port.h"
+#include "testing/scripted_port.h"
 #include "platform/settings_store.h"
 #include "temporary_folder.h"
 

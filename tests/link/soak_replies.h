@@ -12,7 +12,7 @@
 #include "link/link.h"
 #include "link/recording_link_host.h"
 #include "live/frame_decoder.h"
-#include "platform/manual_clock.h"
+#include "testing/manual_clock.h"
 #include "platform/serial_port.h"
 #include "platform/settings_store.h"
 #include "sim/simulated_unit.h"

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 
-#include "platform/manual_clock.h"
+#include "testing/manual_clock.h"
 #include "platform/posix_clock.h"
 #include "windows/pty_pair.h"
 

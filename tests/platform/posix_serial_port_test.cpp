@@ -11,7 +11,7 @@
 #include <functional>
 #include <thread>
 
-#include "platform/manual_clock.h"
+#include "testing/manual_clock.h"
 #include "temporary_folder.h"
 #include "windows/pty_pair.h"
 

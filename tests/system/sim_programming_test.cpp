@@ -13,7 +13,7 @@
 #include "link/link.h"
 #include "link/recording_link_host.h"
 #include "live/frame_decoder.h"
-#include "platform/manual_clock.h"
+#include "testing/manual_clock.h"
 #include "platform/serial_port.h"
 #include "platform/settings_store.h"
 #include "platform/yield.h"

@@ -15,7 +15,7 @@
 #include <thread>
 
 #include "app/fake_platform.h"
-#include "platform/manual_clock.h"
+#include "testing/manual_clock.h"
 #include "platform/posix_serial_port.h"
 #include "qt/port_list.h"
 #include "windows/pty_pair.h"

@@ -14,7 +14,7 @@
 #include <fstream>
 #include <functional>
 
-#include "app/settings_keys.h"
+#include "base/settings_keys.h"
 #include "temporary_folder.h"
 
 namespace zentaq {
