@@ -45,7 +45,7 @@ struct Figure {
     std::string_view text = "(0 to 1)";
     bool whole = true;
 };
-constexpr std::array figures{
+constexpr std::array figuresWithLimits{
     Figure{"INJ_Number", 1, 24, "(1 to 24)"},
     Figure{"BHP", 0, 5000, "(0 to 5000 HP)", false},
     Figure{"AFR", 1, 40, "(1 to 40 AFR)", false},
@@ -65,8 +65,8 @@ constexpr std::array figures{
 };
 
 const Figure* figureOf(std::string_view member) {
-    const auto found = std::ranges::find(figures, member, &Figure::member);
-    return found == figures.end() ? nullptr : &*found;
+    const auto found = std::ranges::find(figuresWithLimits, member, &Figure::member);
+    return found == figuresWithLimits.end() ? nullptr : &*found;
 }
 
 /// The computed flow is the least that the injectors may have; without one any flow up to the highest goes.
