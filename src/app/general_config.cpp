@@ -6,6 +6,7 @@
 #include "app/general_fields.h"
 #include "app/general_former.h"
 #include "base/errors.h"
+#include "base/message_codes.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "base/text.h"
@@ -16,9 +17,6 @@ namespace zentaq {
 
 namespace {
 
-constexpr int noUnit = 1004;         ///< error: no model has been chosen
-constexpr int invalidEntry = 1004;   ///< warning
-constexpr int ownWarning = 1003;     ///< warning with a text of the caller
 constexpr int mustBeNumeric = 1000;  ///< check of an entry
 
 }  // namespace
@@ -185,7 +183,7 @@ bool GeneralConfig::enter(std::string_view control, std::string_view text) {
 
 bool GeneralConfig::enterText(const GeneralRow& row, std::string_view text) {
     if (!inHand() || trimmed(text).empty()) {
-        session_.messages.Display_Error(noUnit);
+        session_.messages.Display_Error(codes::NoModel);
         return false;
     }
     if (row.kind != GeneralKind::Text || !enabled(row)) return true;
@@ -205,7 +203,7 @@ bool GeneralConfig::enterText(const GeneralRow& row, std::string_view text) {
 void GeneralConfig::click(std::string_view control, bool on) {
     const GeneralRow& row = generalRow(control);
     if (row.kind != GeneralKind::Option && row.kind != GeneralKind::Check) return;
-    if (!inHand()) return session_.messages.Display_Error(noUnit);
+    if (!inHand()) return session_.messages.Display_Error(codes::NoModel);
     // The option that goes out says nothing: the one that comes on does.
     if (!enabled(row) || (row.kind == GeneralKind::Option && !on)) return;
     const float value = row.control == "optInjAmp2" || !on ? 0 : 1;
@@ -240,14 +238,14 @@ void GeneralConfig::noteRefused(const RefusedMembers& refused) {
 // ---- Lists
 
 bool GeneralConfig::refuseChoice() {
-    session_.messages.Display_Warning(invalidEntry);
+    session_.messages.Display_Warning(codes::InvalidEntry);
     return false;
 }
 
 bool GeneralConfig::choose(const GeneralRow& row, std::string_view text) {
     if (row.control == "cmbORB_UNIT") return chooseModel(text);
     if (!inHand() || trimmed(text).empty()) {
-        session_.messages.Display_Error(noUnit);
+        session_.messages.Display_Error(codes::NoModel);
         return false;
     }
     if (!enabled(row)) return true;
@@ -260,7 +258,7 @@ bool GeneralConfig::choose(const GeneralRow& row, std::string_view text) {
 bool GeneralConfig::chooseModel(std::string_view text) {
     const ModelEntry* model = modelEntryOf(text);
     if (model == nullptr || (!creating() && !inHand())) {
-        session_.messages.Display_Error(noUnit);
+        session_.messages.Display_Error(codes::NoModel);
         return false;
     }
     if (creating()) {
@@ -268,10 +266,10 @@ bool GeneralConfig::chooseModel(std::string_view text) {
         return true;
     }
     if (model->slot != model_->slot) {
-        session_.messages.Display_Warning(ownWarning, "This calibration is for " + std::string(model_->name) +
-                                                          " and cannot become one for " +
-                                                          std::string(model->name) +
-                                                          ".\nCreate a new calibration file for that unit.");
+        session_.messages.Display_Warning(codes::OwnWarning,
+                                          "This calibration is for " + std::string(model_->name) +
+                                              " and cannot become one for " + std::string(model->name) +
+                                              ".\nCreate a new calibration file for that unit.");
         return false;
     }
     model_ = model;

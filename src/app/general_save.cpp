@@ -7,18 +7,12 @@
 #include "app/general_former.h"
 #include "app/main_commands.h"
 #include "base/errors.h"
+#include "base/message_codes.h"
 #include "config/basic_figures.h"
 #include "config/unit_snapshot.h"
 #include "unit/file_kind.h"
 
 namespace zentaq {
-
-namespace {
-
-constexpr int noUnit = 1004;
-constexpr int noSensor = 1007;
-
-}  // namespace
 
 bool GeneralConfig::save() {
     const auto stored = std::make_shared<bool>(false);  // outlives this call where the save has to wait
@@ -32,7 +26,7 @@ void GeneralConfig::save(const Saved& then) {
     };
     if (session_.saving.putsOff("Save of the general parameters", again)) return;
     if (!inHand()) {
-        session_.messages.Display_Error(noUnit);
+        session_.messages.Display_Error(codes::NoModel);
         return then(false);
     }
     if (creating() && !session_.reference()) {
@@ -42,7 +36,7 @@ void GeneralConfig::save(const Saved& then) {
         return then(false);
     }
     if (unit().get("MAP_ID") == 0) {
-        session_.messages.Display_Error(noSensor);
+        session_.messages.Display_Error(codes::NoSensor);
         return then(false);
     }
     creating() ? saveNew(then) : saveInHand(then);
@@ -94,8 +88,7 @@ void GeneralConfig::beginSavingNew(const std::string& path, const UnitSnapshot& 
             return then(false);
         }
         unit().noteSaved(content);
-        constexpr int dataSaved = 1001;
-        session_.messages.Display_Message(dataSaved);
+        session_.messages.Display_Message(codes::DataSaved);
         if (alive.expired()) return;
         finishSaving(path, saved);
         then(true);

@@ -5,9 +5,10 @@
 #include <utility>
 
 #include "app/sensor_matching.h"
-#include "base/settings_keys.h"
 #include "base/errors.h"
+#include "base/message_codes.h"
 #include "base/number_text.h"
+#include "base/settings_keys.h"
 #include "base/text.h"
 #include "config/gui_rules.h"
 #include "config/tree.h"
@@ -200,8 +201,7 @@ void MainCommands::saveEnded(SaveJob& job, const FileSaved& saved) {
     if (session_.userChanges() == job.changes) session_.DataModified = false;
     session_.fileHolds = saved.holds;
     if (job.stored) job.stored();
-    constexpr int dataSaved = 1001;
-    session_.messages.Display_Message(dataSaved);
+    session_.messages.Display_Message(codes::DataSaved);
     job.then(true);
 }
 
@@ -478,7 +478,7 @@ void MainCommands::saveAsNow() {
     if (session_.creating()) return session_.windows().saveGeneralConfig();
     if (session_.saving.putsOff("Save As", [commands = *this]() mutable { commands.saveAs(); })) return;
     if (session_.currentUnit() == 0) {
-        session_.messages.Display_Error(1003);
+        session_.messages.Display_Error(codes::NoCalibration);
         return;
     }
     saveUnderNewName([](bool) {});
@@ -559,7 +559,7 @@ void MainCommands::programNow() {
     const LinkedIdentity unit = linkedIdentity();
     if (!broughtToFirmware()) return;
     if (session_.currentUnitObject().FW_Release() < session_.expectedRelease(unit.kind)) {
-        session_.messages.Display_Warning(1007);
+        session_.messages.Display_Warning(codes::OldFirmware);
     }
     offerToSave([commands = *this, unit]() mutable { commands.startProgramming(unit); });
 }
@@ -613,11 +613,11 @@ bool MainCommands::mayProgram() {
     const bool known = linked.LinkedUnitKind != 0 && (linked.UnitIdentified || linked.OldFirmware);
     int error = 0;
     if (session_.CurrentFile.empty()) {
-        error = 1003;
+        error = codes::NoCalibration;
     } else if (!known) {
-        error = 1005;
+        error = codes::NoUnit;
     } else if (session_.currentUnit() != linked.LinkedUnitKind) {
-        error = 1006;
+        error = codes::WrongUnit;
     }
     if (error != 0) session_.messages.Display_Error(error);
     return error == 0;
@@ -961,7 +961,7 @@ void MainCommands::nightMode() {
 void MainCommands::openTable(const std::string& table, const std::string& title) {
     const auto again = [commands = *this, table, title]() mutable { commands.openTable(table, title); };
     if (session_.saving.putsOffWhileReading(title, again)) return;
-    if (session_.currentUnit() == 0) return session_.messages.Display_Error(1003);
+    if (session_.currentUnit() == 0) return session_.messages.Display_Error(codes::NoCalibration);
     // What is entered into a table before its calibration has its default values would be lost with them.
     if (session_.creating()) return session_.windows().openGeneralConfig();
     // The keys of the menu ask for tables of every kind.

@@ -18,18 +18,17 @@ class Messages {
              std::function<void(const std::string&)> focusForm)
         : dialogs_(dialogs), sysLog_(std::move(sysLog)), focusForm_(std::move(focusForm)) {}
 
-    /// Codes 1000 to 1007; any other does nothing.
+    // The codes are those of `base/message_codes.h`; any other does nothing.
+
     void Display_Error(int code);
-    /// Codes 1000 to 1005 and 1007; 1006 is raised by Check_Ascending.
+    /// NotAscending is raised by Check_Ascending alone.
     void Display_Warning(int code, std::string_view text = {});
-    /// Codes 0 and 1000 to 1009.
     void Display_Message(int code, std::string_view text = {});
 
     // The checks answer true when the input was refused and the user has been told.
 
-    /// Codes 1000 (a number), 1002 (not ".,"), 1003 (not empty) and 1004 (marks the field, no box).
     bool Check_Input(int code, std::string_view value);
-    /// Both limits are inside. A refusal is told by warning 1001 and then by two lines of the log.
+    /// Both limits are inside. A refusal is told by OutOfRange and then by two lines of the log.
     bool Check_Range(float value, float minimum, float maximum, std::string_view rangeText);
     /// Fields of an axis from left to right; `index` is the one just entered.
     bool Check_Ascending(const std::vector<std::string>& fields, int index);
@@ -40,9 +39,10 @@ class Messages {
     /// Warnings shown so far: it moves when an entry was refused.
     int warningsShown() const { return warnings_; }
 
-    /// While a program fills a field nobody has edited it: check 1004 raises no "Modified" then.
+    /// While a program fills a field nobody has edited it: codes::MarksField raises no "Modified" then.
     bool SilentEdit = false;
-    /// How check 1004 marks the field of the active form: "Modified", or "Invalid Entry" for a blank one.
+    /// How codes::MarksField marks the field of the active form: "Modified", or "Invalid Entry" for a blank
+    /// one.
     void onMark(std::function<void(std::string_view)> markField) { markField_ = std::move(markField); }
 
  private:

@@ -5,6 +5,7 @@
 
 #include "base/errors.h"
 #include "base/file_reader.h"
+#include "base/message_codes.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "unit/file_floats.h"
@@ -285,8 +286,7 @@ void Unit::SaveFile() {
     // kept: a save writes over the file's start only, what an older, longer file holds behind it stays.
     writeFileStartSafely(binFile_, content.bytes);
     noteSaved(content);
-    constexpr int dataSaved = 1001;
-    host_.displayMessage(dataSaved, "");
+    host_.displayMessage(codes::DataSaved, "");
 }
 
 Unit::FileContent Unit::fileContent() {

@@ -5,9 +5,10 @@
 #include <QSplitter>
 #include <utility>
 
-#include "base/settings_keys.h"
 #include "base/errors.h"
+#include "base/message_codes.h"
 #include "base/number_text.h"
+#include "base/settings_keys.h"
 #include "config/gui_rules.h"
 #include "config/tree.h"
 #include "link/flag_scope.h"
@@ -586,9 +587,8 @@ void WindowManager::fastHelp() {
         if (!key.isEmpty()) row = session_.requireReference().help(key.toStdString());
     });
     if (!row) {
-        constexpr int helpMessage = 0;
         session_.messages.Display_Message(
-            helpMessage, session_.reference() != nullptr ? "There is no help on this field."
+            codes::Help, session_.reference() != nullptr ? "There is no help on this field."
                                                          : "There are no help texts: the reference database "
                                                            "could not be opened.");
         return;
