@@ -1,3 +1,4 @@
+// Readers and writers, and the values that they build on.
 #include "unit/parameter_rules.h"
 
 #include <algorithm>
@@ -5,7 +6,6 @@
 #include <cmath>
 
 #include "base/errors.h"
-#include "base/number_text.h"
 #include "base/rounding.h"
 #include "unit/counts.h"
 #include "unit/temperature.h"
@@ -17,7 +17,6 @@ namespace {
 
 constexpr int p2Egtp = 4;
 constexpr int cylindersAndEvents = 8;
-constexpr int moffset = 18;
 constexpr int ovr1Thr = 62;
 constexpr int ovr2Thr = 63;
 
@@ -31,26 +30,8 @@ float asFloat(double value) {
     return static_cast<float>(value);
 }
 
-std::string bounds(float minimum, float maximum, std::string_view tail) {
-    return "(" + numberText(minimum) + " to " + numberText(maximum) + std::string(tail) + ")";
-}
-
-Limits limitsOf(double minimum, double maximum, std::string_view tail) {
-    const float low = asFloat(minimum);
-    const float high = asFloat(maximum);
-    return {low, high, bounds(low, high, tail)};
-}
-
 int whole(float cell) {
     return toInt32(static_cast<double>(cell));
-}
-
-/// Counts of the unit's converter per user unit and second of pressure rise.
-double accelerationFactor(Unit& unit) {
-    const double range = unit.MAPRange();
-    // A sensor of next to no volts a unit has no span.
-    if (!std::isfinite(range) || range == 0) throw Overflow("Division by zero");
-    return 137 / (range * 0.0388);
 }
 
 After stored(Unit& unit, const Parameter& row, double value, int element) {
@@ -111,139 +92,6 @@ float mapOffset(const Unit& unit) {
                : roundTo(unit.DirectIndex(cellsOf(unit).mapOffset), 4);
 }
 
-// ---- Ranges
-
-Limits toothOffset1(Unit& unit, int, float) {
-    if (!unit.hasPIC18()) return {1, 58, "(1 to 58 Tooth OffSet)"};
-    const Parameter none;
-    const float first = readToothMin(unit, none, 0);
-    const float last = readToothMax(unit, none, 0);
-    // The reference data lacks the engine: every tooth of the wheel may be meant.
-    if (first == 0 && last == 0) return {1, 58, "(1 to 58 Tooth OffSet)"};
-    return limitsOf(first, last, " Tooth OffSet");
-}
-
-Limits toothOffset2(Unit& unit, int, float) {
-    constexpr int toothOffset1Cell = 5;
-    return limitsOf(unit.DirectIndex(toothOffset1Cell), 58, " Tooth OffSet");
-}
-
-Limits initialAdvance(Unit& unit, int, float) {
-    const double offset = unit.DirectIndex(moffset);
-    return limitsOf(offset, offset + 30, " Degrees");
-}
-
-Limits tableAdvance(Unit& unit, int, float) {
-    const double offset = unit.DirectIndex(moffset);
-    return limitsOf(offset, offset + 60, " Degrees");
-}
-
-Limits tableRatio(Unit& unit, int, float) {
-    const double ratio = stoichiometricRatio(unit);
-    return limitsOf(ratio * 0.667, ratio + ratio, " AFR");
-}
-
-Limits lambdaValue(Unit&, int, float value) {
-    // A ratio of 0 has no reciprocal, and below this one the image has no 16 bits for it.
-    constexpr double lowest = 0.12;
-    Limits limits = limitsOf(lowest, 29.28, " AFR");
-    if (!std::isnan(value)) limits.text = "Value: " + numberText(value) + " " + limits.text;
-    return limits;
-}
-
-Limits ratioStop(Unit& unit) {
-    const double ratio = stoichiometricRatio(unit);
-    return limitsOf(0.667 * ratio, 2 * ratio, ratio == 1 ? " lambda" : " AFR");
-}
-
-Limits pressure(Unit& unit, int, float) {
-    const float low = unit.MAPMin();
-    const float high = unit.MAPMax();
-    const int places = unit.MAPPrecision();
-    return {low, high, bounds(roundTo(low, places), roundTo(high, places), " " + unit.MAPUnits())};
-}
-
-Limits pressureWhileActive(Unit& unit, int element, float value) {
-    if (unit.DirectIndex(cellsOf(unit).mapActive) == 0) return Limits::none();
-    return pressure(unit, element, value);
-}
-
-Limits pressureOrZero(Unit& unit, int element, float value) {
-    if (value == 0) return Limits::none();
-    return pressure(unit, element, value);
-}
-
-Limits accelerationThreshold(Unit& unit, int, float) {
-    const double range = unit.MAPRange();
-    return limitsOf(range * 0.05825 / 100, range * 0.0388, "");
-}
-
-Limits upToMaxDuty(Unit& unit, int, float) {
-    return limitsOf(0, unit.DirectIndex(cellsOf(unit).maxDuty), "");
-}
-
-Limits fromMinDuty(Unit& unit, int, float) {
-    return limitsOf(unit.DirectIndex(cellsOf(unit).minDuty), 255, "");
-}
-
-Limits idleTemperature(Unit& unit, int, float) {
-    if (unit.host().fahrenheit()) return {-22, 176, "(-22 to 176 Degrees Fahrenheit)"};
-    return {-30, 80, "(-30 to 80 Degrees Celsius)"};
-}
-
-// ---- Encodings
-
-double toothByte(Unit&, double cell) {
-    const double teeth = toCount(14 - cell);
-    return teeth < 0 ? teeth + 60 : teeth;
-}
-
-double pressureByte(Unit& unit, double cell) {
-    return std::clamp<double>(unit.KpaToCounts(asFloat(cell), true), 0.0, 255.0);
-}
-
-double pressureByteOrZero(Unit& unit, double cell) {
-    return cell == 0 ? 0 : pressureByte(unit, cell);
-}
-
-double inactivePressureByte(Unit& unit, double cell) {
-    return unit.DirectIndex(cellsOf(unit).mapActive) == 0 ? 255 : pressureByteOrZero(unit, cell);
-}
-
-double pressureWord(Unit& unit, double cell) {
-    return unit.KpaToCounts(asFloat(cell), false);
-}
-
-double dutyByte(Unit& unit, double cell) {
-    const double low = unit.DirectIndex(cellsOf(unit).minDuty);
-    const double high = unit.DirectIndex(cellsOf(unit).maxDuty);
-    return (high - low) * (cell / 100) + low;
-}
-
-double eighthsByte(Unit&, double cell) {
-    return toCount(cell * 8) & 255;
-}
-
-double fiftiethsByte(Unit&, double cell) {
-    return toCount(cell * 50) & 255;
-}
-
-double quartersOfWhole(Unit&, double cell) {
-    return truncate(toCount(cell) / 4.0);
-}
-
-double accelerationByte(Unit& unit, double cell) {
-    return accelerationFactor(unit) * cell;
-}
-
-double ratioByte(Unit& unit, double value) {
-    return ((stoichiometricRatio(unit) / value) - 0.5) * 255;
-}
-
-double lambdaByte(Unit&, double cell) {
-    return ((14.64 / cell) - 0.5) * 255;
-}
-
 // ---- Readers
 
 float readPressure(Unit& unit, const Parameter& row, int element) {
@@ -260,7 +108,7 @@ float readPercent(Unit& unit, const Parameter& row, int element) {
 }
 
 float readPlusMoffset(Unit& unit, const Parameter& row, int element) {
-    return asFloat(static_cast<double>(unit.DirectIndex(row.cell(element))) + unit.DirectIndex(moffset));
+    return asFloat(static_cast<double>(unit.DirectIndex(row.cell(element))) + unit.DirectIndex(moffsetCell));
 }
 
 float readRatio(Unit& unit, const Parameter& row, int element) {
@@ -385,7 +233,7 @@ After writePercent(Unit& unit, const Parameter& row, float value, int element) {
 }
 
 After writeMinusMoffset(Unit& unit, const Parameter& row, float value, int element) {
-    return stored(unit, row, static_cast<double>(value) - unit.DirectIndex(moffset), element);
+    return stored(unit, row, static_cast<double>(value) - unit.DirectIndex(moffsetCell), element);
 }
 
 After writeRatio(Unit& unit, const Parameter& row, float value, int element) {

@@ -11,6 +11,9 @@ float mapBar(Unit& unit);               ///< repairs the cells of the rating whe
 float stoichiometricRatio(Unit& unit);  ///< repairs its cell when it is 0
 float mapScaler(const Unit& unit);
 float mapOffset(const Unit& unit);
+/// Counts of the unit's converter per user unit and second of pressure rise.
+double accelerationFactor(Unit& unit);
+constexpr int moffsetCell = 18;
 
 // ---- Ranges
 Limits toothOffset1(Unit&, int, float);
