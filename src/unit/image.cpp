@@ -38,6 +38,10 @@ struct Atmosphere {
 constexpr std::array<Atmosphere, 5> atmospheres = {
     {{"kPa", 101.325, 0}, {"PSIA", 14.696, 0}, {"PSIG", 0, -14.696}, {"mmHg", 760, 0}, {"inHg", 29.921, 0}}};
 
+constexpr Encoding asCell = {.bytes = Bytes::One};
+constexpr Encoding percent = {.bytes = Bytes::One, .factor = 2.55};
+constexpr Encoding percentAround50 = {.bytes = Bytes::One, .shift = 50};
+
 /// A number that goes into the image without rounding; Overflow for what no record can be made of.
 double fitting(double value) {
     if (!(std::abs(value) < std::numeric_limits<std::int32_t>::max())) toInt32(value);
@@ -49,33 +53,6 @@ Atmosphere atmosphereOf(std::string_view units) {
         if (row.units == units) return row;
     }
     return {units, 0, 0};
-}
-
-/// A cell that is no member: of an output table, or without a name.
-ImageSource looseSource(const CellMap& map, int cell, float value) {
-    constexpr int tableElements = 256;
-    for (const std::size_t table : {0U, 1U}) {
-        const int element = cell - map.outputTable[table];
-        if (element < 0 || element >= tableElements) continue;
-        return {table == 0 ? "GPO1" : "GPO2", cell, value, element, tableElements};
-    }
-    return {"cell", cell, value};
-}
-
-/// The axis whose stop points begin at a cell.
-std::string_view stopsAt(int cell) {
-    switch (cell) {
-        case 2226:
-            return "GPO1.Y-Axis";
-        case 2242:
-            return "GPO1.X-Axis";
-        case 2258:
-            return "GPO2.Y-Axis";
-        case 2274:
-            return "GPO2.X-Axis";
-        default:
-            return "cell";
-    }
 }
 
 }  // namespace
@@ -113,15 +90,25 @@ void Unit::convertMembers() {
     }
 }
 
-void Unit::convertLooseCells() {
+void Unit::convertRun(std::string_view name, int first, int count, const Encoding& encoding) {
+    const auto source = [&](int i) -> ImageSource {
+        const int cell = first + i;
+        return name == "cell" ? ImageSource{name, cell, cellAt(cell)}
+                              : ImageSource{name, cell, cellAt(cell), i, count};
+    };
+    convertEach(count, source, [&](int i) { putCell(encoding, first + i, cellAt(first + i)); });
+}
+
+void Unit::convertCellsWithoutMember() {
+    const CellMap& map = kind_->cells;
+    if (map.fuelTrimSent != CellMap::none) convertRun("cell", map.fuelTrimSent, 8, percentAround50);
+    convertRun("cell", map.name, 24, asCell);
+    convertRun("GPO1", map.outputTable[0], 256, percent);
+    convertRun("GPO2", map.outputTable[1], 256, percent);
+}
+
+void Unit::convertMovedCells() {
     const ImageLayout& layout = *kind_->image;
-    for (const auto& [cells, form] : layout.looseCells) {
-        const int first = cells.first;
-        const Encoding& encoding = form;
-        const auto source = [&](int i) { return looseSource(kind_->cells, first + i, cellAt(first + i)); };
-        convertEach(cells.last - first + 1, source,
-                    [&](int i) { putCell(encoding, first + i, cellAt(first + i)); });
-    }
     for (const auto& [image, cell] : layout.movedCells) {
         // What older firmware does not see, or what no record carries to it, may hold anything.
         const auto& [first, last] = layout.hiddenFromOlder;
@@ -131,9 +118,6 @@ void Unit::convertLooseCells() {
         } else {
             convertFrom({"cell", cell, cellAt(cell)}, [&] { putByte(image, fitting(cellAt(cell))); });
         }
-    }
-    for (const auto& [first, last] : layout.zeros) {
-        for (int i = first; i <= last; ++i) putByte(i, 0);
     }
 }
 
@@ -155,13 +139,12 @@ void Unit::convertSensorWords() {
 
 void Unit::convertStopPoints() {
     constexpr int stops = 16;
-    for (const auto& [imagePlace, firstCell] : kind_->image->stopRuns) {
-        const int place = imagePlace;
-        const int cell = firstCell;
+    for (const StopRun& run : kind_->image->stopRuns) {
         const auto source = [&](int i) -> ImageSource {
-            return {stopsAt(cell), cell + i, cellAt(cell + i), i, stops};
+            return {run.axis, run.cell + i, cellAt(run.cell + i), i, stops};
         };
-        convertEach(stops, source, [&](int i) { putWord(place + 2 * i, convertStopPointsToUnit(cell + i)); });
+        convertEach(stops, source,
+                    [&](int i) { putWord(run.image + 2 * i, convertStopPointsToUnit(run.cell + i)); });
     }
 }
 
@@ -177,7 +160,8 @@ void Unit::ConvertData() {
         convertSensorWords();
         throw;
     }
-    convertLooseCells();
+    convertCellsWithoutMember();
+    convertMovedCells();
     convertGpioBlocks();
     // kept: the trims are spread behind the fuel trim bytes, which show the cells as they were before.
     convertFrom({"CYL_Number", cylindersCell, cellAt(cylindersCell)}, [&] { Initialize_Trims(); });

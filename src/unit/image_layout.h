@@ -1,10 +1,9 @@
-// Where a kind's memory holds what no row of its parameter table tells: bytes that the unit keeps for itself,
-// cells that move, the sensor words, the stop points, and how many records program it.
+// Where a kind's memory holds what neither a row of its parameter table nor its cell map tells: cells that
+// move, the sensor words, the stop points, and how many records program it. What nothing tells is 0.
 #pragma once
 
 #include <span>
-
-#include "unit/parameter.h"
+#include <string_view>
 
 namespace zentaq {
 
@@ -14,27 +13,20 @@ struct Run {
     int last;
 };
 
-/// Cells that are no members of their own but have image bytes at their own index.
-struct LooseCells {
-    Run cells;
-    Encoding encoding;
-};
-
 /// A cell that moves to another index, as it stands.
 struct MovedCell {
     int image;
     int cell;
 };
 
-/// Sixteen stop points, a word each.
+/// Sixteen stop points of an axis, a word each.
 struct StopRun {
     int image;
     int cell;
+    std::string_view axis;
 };
 
 struct ImageLayout {
-    std::span<const Run> zeros;
-    std::span<const LooseCells> looseCells;
     std::span<const MovedCell> movedCells;
     std::span<const StopRun> stopRuns;
     int gainWord = 0;     ///< index of the sensor's gain; its zero follows two bytes behind
@@ -44,10 +36,7 @@ struct ImageLayout {
     Run hiddenFromOlder;  ///< bytes that older firmware must see as 0
 };
 
-const ImageLayout& orbaImage();
-const ImageLayout& orbLiteImage();
-const ImageLayout& orbcImage();
-const ImageLayout& orbdImage();
+const ImageLayout& orbImage();
 const ImageLayout& pzk2Image();
 
 }  // namespace zentaq

@@ -244,7 +244,9 @@ class Unit {
     void putWord(int index, double value);
     void putCell(const Encoding& encoding, int index, float cell);
     void convertMembers();
-    void convertLooseCells();
+    void convertRun(std::string_view name, int first, int count, const Encoding& encoding);
+    void convertCellsWithoutMember();
+    void convertMovedCells();
     void convertSensorWords();
     void convertGpioBlocks();
     void convertTrims();

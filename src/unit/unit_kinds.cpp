@@ -72,7 +72,7 @@ UnitKind orbdInSlot(int slot) {
             .pic18 = Trait::Yes,
             .gpioRequest = Trait::Written,
             .cells = orbdCells,
-            .image = &orbdImage(),
+            .image = &orbImage(),
             .parameters = orbdParameters(),
             .members = &members};
 }
@@ -118,7 +118,7 @@ const UnitKind& orbaKind() {
                                             .wCmdLen = 65},
                                   .hasCalibration = true,
                                   .hasWideMonitor = true,
-                                  .image = &orbaImage(),
+                                  .image = &orbImage(),
                                   .parameters = orbaParameters(),
                                   .members = &members};
     return kind;
@@ -146,7 +146,7 @@ const UnitKind& orbLiteKind() {
                                   .hasWideMonitor = true,
                                   .pic18 = Trait::Written,
                                   .gpioRequest = Trait::Written,
-                                  .image = &orbLiteImage(),
+                                  .image = &orbImage(),
                                   .parameters = orbLiteParameters(),
                                   .members = &members};
     return kind;
@@ -202,7 +202,7 @@ const UnitKind& orbcKind() {
                                   .pic18 = Trait::Yes,
                                   .gpioRequest = Trait::Written,
                                   .cells = orbcCells,
-                                  .image = &orbcImage(),
+                                  .image = &orbImage(),
                                   .parameters = orbcParameters(),
                                   .members = &members};
     return kind;
