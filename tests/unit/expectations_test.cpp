@@ -43,7 +43,7 @@ class Expectations : public ::testing::TestWithParam<KindCase> {
     void forEachLine(Check&& check) {
         for (const Expectation& row : rows) {
             if (row.absent) continue;
-            SCOPED_TRACE(path + ":" + std::to_string(row.line) + ": " + row.member);
+            SCOPED_TRACE(row.place + ": " + row.member);
             try {
                 check(row);
             } catch (const std::exception& failure) {

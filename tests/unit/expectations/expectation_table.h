@@ -5,8 +5,9 @@
 #include <algorithm>
 #include <cmath>
 #include <fstream>
+#include <iterator>
 #include <optional>
-#include <sstream>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -39,7 +40,7 @@ struct ExpectedBytes {
 };
 
 struct Expectation {
-    int line = 0;
+    std::string place;  ///< file and line
     std::string member;
     bool absent = false;
     int count = 1;
@@ -119,10 +120,6 @@ inline void readRange(Expectation& row, const std::string& minimum, const std::s
 inline Expectation expectation(const std::vector<std::string>& fields) {
     Expectation row;
     row.member = fields.at(0);
-    if (fields.at(1) == "absent") {
-        row.absent = true;
-        return row;
-    }
     if (fields.size() != 13) throw std::runtime_error(row.member + " has not 13 fields");
     row.count = std::stoi(fields[1]);
     row.element = std::stoi(fields[2]);
@@ -150,23 +147,40 @@ inline Expectation expectation(const std::vector<std::string>& fields) {
 
 }  // namespace table_reading
 
-/// All lines of a table of `tests/unit/expectations`. Throws when the file is missing or a line is broken.
+/// All lines of a table of `tests/unit/expectations`, those of its parent included. Throws when a file is
+/// missing or a line is broken.
 inline std::vector<Expectation> readExpectations(const std::string& path) {
     std::ifstream file(path);
     if (!file) throw std::runtime_error("cannot read " + path);
     std::vector<Expectation> rows;
+    std::vector<Expectation> inherited;
+    std::set<std::string> own;
     std::string text;
     bool heading = true;
     for (int line = 1; std::getline(file, text); ++line) {
         if (text.empty() || text.starts_with('#')) continue;
-        if (std::exchange(heading, false)) continue;
-        try {
-            rows.push_back(table_reading::expectation(table_reading::split(text, "\t")));
-        } catch (const std::exception& failure) {
-            throw std::runtime_error(path + ":" + std::to_string(line) + ": " + failure.what());
+        const std::string place = path + ":" + std::to_string(line);
+        const auto fields = table_reading::split(text, "\t");
+        if (std::exchange(heading, false)) {
+            if (fields[0] == "parent")
+                inherited = readExpectations(path.substr(0, path.rfind('/') + 1) + fields.at(1));
+            continue;
         }
-        rows.back().line = line;
+        try {
+            if (fields[0] == "absent") {
+                for (const std::string& member : table_reading::split(fields.at(1), " "))
+                    rows.push_back({.place = place, .member = member, .absent = true});
+                continue;
+            }
+            rows.push_back(table_reading::expectation(fields));
+        } catch (const std::exception& failure) {
+            throw std::runtime_error(place + ": " + failure.what());
+        }
+        rows.back().place = place;
     }
+    for (const Expectation& row : rows) own.insert(row.member);
+    std::ranges::copy_if(inherited, std::back_inserter(rows),
+                         [&](const Expectation& row) { return !own.contains(row.member); });
     return rows;
 }
 
