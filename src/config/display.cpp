@@ -71,52 +71,31 @@ std::string rangeText(Unit& unit, const Parameter& parameter, int element) {
 
 // ---- Fields
 
-struct ChoiceText {
-    std::string_view control;
-    int value;
-    std::string_view text;
-};
-constexpr std::array choiceTexts{ChoiceText{"cmbCams", 0, "Street / Stock"},
-                                 ChoiceText{"cmbCams", 1, "Race / High Perf"}};
-
 std::string choiceText(Unit& unit, const FieldRow& row, const Parameter& parameter,
                        const DisplayNames& names) {
     if (row.control == "cmbEngine" && !names.engine.empty()) return names.engine;
     if (row.control == "cmbMAPSensors" && !names.sensor.empty()) return names.sensor;
-    for (const ChoiceText& choice : choiceTexts) {
-        const bool set = unit.read(parameter) != 0;
-        if (choice.control == row.control && choice.value == (set ? 1 : 0)) return std::string(choice.text);
-    }
+    if (!row.choices[0].empty()) return std::string(row.choices[unit.read(parameter) != 0 ? 1 : 0]);
     return shownValue(unit, parameter, row, 0);
 }
 
-void showValue(Unit& unit, const FieldRow& row, const DisplayNames& names, ShownField& field) {
-    const Parameter* parameter = parameterOf(unit, row);
-    switch (row.kind) {
-        case FieldKind::Notes:
-            field.text = unit.NOTES_TEXT();
-            return;
-        case FieldKind::Option:
-        case FieldKind::Check:
-            skipFailing([&] { field.checked = fieldIsOn(unit, row); });
-            return;
-        case FieldKind::Choice:
-            skipFailing([&] { field.text = choiceText(unit, row, *parameter, names); });
-            return;
-        case FieldKind::Number:
-        case FieldKind::Fact:
-            break;
+void showValue(Unit& unit, const FieldRow& row, const DisplayNames& names, Field& field) {
+    if (row.kind == FieldKind::Notes) {
+        field.text = unit.NOTES_TEXT();
+        return;
     }
-    skipFailing([&] { field.text = shownValue(unit, *parameter, row, field.element); });
-    skipFailing([&] { field.range = rangeText(unit, *parameter, field.element); });
+    if (row.kind == FieldKind::Option || row.kind == FieldKind::Check) {
+        skipFailing([&] { field.on = fieldIsOn(unit, row); });
+    }
+    const Parameter* parameter = parameterOf(unit, row);
+    if (parameter == nullptr) return;
+    skipFailing([&] {
+        field.text = row.kind == FieldKind::Choice ? choiceText(unit, row, *parameter, names)
+                                                   : shownValue(unit, *parameter, row, field.element);
+    });
+    skipFailing([&] { field.limits = rangeText(unit, *parameter, field.element); });
     skipFailing([&] { field.axis = shownStop(unit, row.axis, field.element, parameter->count); });
     field.unit = shownUnit(unit, *parameter, row);
-}
-
-std::string helpOf(const GuiRules& rules, const FieldRow& row, const Parameter* parameter) {
-    if (!row.help.empty()) return std::string(row.help);
-    if (parameter != nullptr && !parameter->help.empty()) return std::string(parameter->help);
-    return rules.page(row.page)->help;
 }
 
 void showRow(Unit& unit, const FieldRow& row, const ControlRule& rule, const GuiRules& rules,
@@ -124,28 +103,33 @@ void showRow(Unit& unit, const FieldRow& row, const ControlRule& rule, const Gui
     int elements = 0;
     skipFailing([&] { elements = shownElements(unit, row); });
     for (int element = 0; element < elements; ++element) {
-        ShownField field;
+        Field field;
         field.page = row.page;
         field.control = row.control;
+        field.kind = row.kind;
         field.element = element;
         field.member = row.member;
         field.visible = rule.visible;
         field.enabled = rule.enabled && (row.control != "DualPLG" || shown.editDfub);
         field.caption = rule.caption;
-        field.help = helpOf(rules, row, parameterOf(unit, row));
-        field.sentOnTheFly = sentOnTheFly(unit, row);
+        field.help = row.help.empty() ? rules.page(row.page)->help : std::string(row.help);
+        field.onTheFly = sentOnTheFly(unit, row);
         showValue(unit, row, names, field);
         shown.fields.push_back(std::move(field));
     }
 }
 
-void showFields(Unit& unit, const DisplayNames& names, Display& shown) {
+constexpr int everyPage = -1;
+
+void showFields(Unit& unit, int page, const DisplayNames& names, Display& shown) {
     const GuiRules rules = guiRules(unit);
     const auto rows = fieldRows();
+    const auto wanted = [page](int number) { return page == everyPage || page == number; };
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        if (rules.controls[i].visible) showRow(unit, rows[i], rules.controls[i], rules, names, shown);
+        if (!wanted(rows[i].page) || !rules.controls[i].visible) continue;
+        showRow(unit, rows[i], rules.controls[i], rules, names, shown);
     }
-    if (rules.pageVisible(trimsPage) && unit.get("CYL_Number") == 0) {
+    if (wanted(trimsPage) && rules.pageVisible(trimsPage) && unit.get("CYL_Number") == 0) {
         shown.notices.push_back({trimsPage, "NO ENGINE CONFIGURATION CURRENTLY SELECTED"});
     }
 }
@@ -158,17 +142,17 @@ std::string unknownSensor(Unit& unit) {
 
 }  // namespace
 
-const ShownField* Display::field(std::string_view control, int element) const {
+const Field* Display::field(std::string_view control, int element) const {
     const std::string wanted = upper(control);
-    const auto found = std::ranges::find_if(fields, [&](const ShownField& field) {
+    const auto found = std::ranges::find_if(fields, [&](const Field& field) {
         return field.element == element && upper(field.control) == wanted;
     });
     return found == fields.end() ? nullptr : &*found;
 }
 
-std::vector<const ShownField*> Display::page(int number) const {
-    std::vector<const ShownField*> shown;
-    for (const ShownField& field : fields) {
+std::vector<const Field*> Display::page(int number) const {
+    std::vector<const Field*> shown;
+    for (const Field& field : fields) {
         if (field.page == number) shown.push_back(&field);
     }
     return shown;
@@ -194,14 +178,18 @@ DisplayNames displayNames(Unit& unit, const Database* database) {
 Display display(Unit& unit, const DisplayNames& names) {
     Display shown;
     showEngine(unit, shown);
-    showFields(unit, names, shown);
+    showFields(unit, everyPage, names, shown);
     shown.mapUnits = unit.MAPUnits();
-    if (const ShownField* type = shown.field("EGO_Type"))
-        shown.egoType = static_cast<float>(numberOf(type->text));
+    if (const Field* type = shown.field("EGO_Type")) shown.egoType = static_cast<float>(numberOf(type->text));
     shown.onFly = unit.ONFLY_MODE();
     shown.onFlyPanel = shown.onFly ? "ONFLY" : "";
-    if (const ShownField* notes = shown.field("txtNotesSection"))
-        shown.notesCounter = notesCounter(notes->text);
+    if (const Field* notes = shown.field("txtNotesSection")) shown.notesCounter = notesCounter(notes->text);
+    return shown;
+}
+
+Display displayOfPage(Unit& unit, int page) {
+    Display shown;
+    showFields(unit, page, {}, shown);
     return shown;
 }
 

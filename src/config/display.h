@@ -12,24 +12,6 @@
 
 namespace zentaq {
 
-/// One control, or one element of an indexed one.
-struct ShownField {
-    int page = 0;
-    std::string control;
-    int element = 0;
-    std::string member;    ///< empty for a control with no member
-    std::string text;      ///< value of a box, entry of a list
-    bool checked = false;  ///< options and check boxes
-    bool visible = false;
-    bool enabled = false;
-    bool sentOnTheFly = false;  ///< takes the highlight colour while changes are sent on the fly
-    std::string caption;
-    std::string axis;   ///< head of an element: "-40", "1500"
-    std::string unit;   ///< "RPM", "kPa", "Fahrenheit"
-    std::string range;  ///< limits as the range check words them; empty for none
-    std::string help;   ///< key in table FastHelp
-};
-
 /// A sentence in the place of a page's controls.
 struct PageNotice {
     int page = 0;
@@ -44,12 +26,12 @@ struct Display {
     bool onFly = false;        ///< fields that are sent take the highlight colour
     std::string onFlyPanel;    ///< text of the status bar panel
     std::string notesCounter;  ///< "(12 of 500 characters)"
-    std::vector<ShownField> fields;
+    std::vector<Field> fields;
     std::vector<PageNotice> notices;
 
     /// nullptr for a control that is not shown for this kind.
-    const ShownField* field(std::string_view control, int element = 0) const;
-    std::vector<const ShownField*> page(int number) const;
+    const Field* field(std::string_view control, int element = 0) const;
+    std::vector<const Field*> page(int number) const;
 };
 
 /// Names of what a calibration holds as numbers.
@@ -64,6 +46,9 @@ DisplayNames displayNames(Unit& unit, const Database* database);
 /// Looks up the engine, stores `DefaultSplit` in the Unit, and shows every control that the kind has. A field
 /// that cannot be read is empty.
 Display display(Unit& unit, const DisplayNames& names);
+
+/// The fields and notices of one page, without a look at the engine list.
+Display displayOfPage(Unit& unit, int page);
 
 /// The counter of the notes page. `notes` is UTF-8.
 std::string notesCounter(std::string_view notes);

@@ -76,7 +76,12 @@ bool hasPic18(Unit& unit) {
     return unit.hasPIC18();
 }
 
+bool hasEngine(Unit& unit) {
+    return unit.get("CYL_Number") != 0;
+}
+
 // ---- The pages. A control that the system does not name bears its member's name behind "txt" or "lbl".
+// A member whose box stands on another page is a fact where it is needed as well.
 // A box whose own value switches its option (0 is off) stays enabled: typing a value is what switches it on.
 
 constexpr auto cylinders = ElementBound::Cylinders;
@@ -112,12 +117,11 @@ constexpr FieldRow notes(int page, Name control, const FieldTraits& traits = {})
     return row(Notes, page, control, {}, traits);
 }
 
-constexpr std::array rows{
+constexpr std::array fieldTable{
     // TPS/MAP Blend
     check(1, "chk_Alpha_N", "LOWBLD", {.caption = "Alpha-N: throttle alone", .isOn = throttleAlone}),
     box(1, "BND_RPMT", "BLDTBL", {.axis = FieldAxis::Number}),
     box(1, "BND_TPST", "LOWBLD", {.axis = FieldAxis::BlendSpeed}),
-    box(1, "txtBOV", "TBSOFF"),
     // TPS/MAP Acceleration
     option(2, "optACE0", "ACE0", {.caption = "Throttle triggers acceleration", .isOn = throttleTrigger}),
     box(2, "txtTPS_SENS", "ACE0"),
@@ -131,6 +135,7 @@ constexpr std::array rows{
     box(2, "txtCON_VAR", "ACE7"),
     box(2, "txtFIXED_PW", "ACCL_PW"),
     box(2, "txtFIXED_PW_TIME", "ACCL_TM"),
+    box(2, "txtBOV", "TBSOFF"),
     // Deceleration Fuel Cut-Off
     option(3, "optDCCL_CutActive", "DCCL_CutActive"),
     box(3, "txtDCCL_0", "DCCL_0", {.switchedBy = "optDCCL_CutActive"}),
@@ -153,6 +158,7 @@ constexpr std::array rows{
     option(8, "optOverBoost", "MAP_Max", {.caption = "OverBoost Fuel Cut-Off"}),
     box(8, "txtBOOST_MaxMap", "MAP_Max"),
     box(8, "txtBOOST_Cutoff", "BSTCTTM"),
+    fact(8, "lblMAX_Boost", "MAX_Boost"),
     // Rev Limiter
     option(9, "optREV_Active", "",
            {.caption = "Rev Limiter", .isOn = controlBit<revLimiterBit>, .needs = "REV_Limiter"}),
@@ -189,6 +195,7 @@ constexpr std::array rows{
     check(10, "chkIdleMotorDeactive", "opt_IdleMotorDeactive", {.needs = "ISRPM"}),
     // Advance
     box(11, "txtInitAdv", "Initial_Advance"),
+    fact(11, "lblMOFFSET", "MOFFSET"),
     box(12, "CLT_DAT", "CLTTBL", {.axis = FieldAxis::Temperature}),
     box(13, "DualPLG", "SPLITBL", {.elements = columns, .axis = FieldAxis::Speed}),
     box(14, "MAT_DAT", "MATADV",
@@ -213,6 +220,11 @@ constexpr std::array rows{
     box(17, "txtINJFIX_PW", "INJFIX_PW"),
     box(17, "txtMIT", "MT", {.help = "helpmtot"}),
     box(17, "txtFPT", "FPT", {.help = "helpstart"}),
+    fact(17, "lblAMP42", "AMP42"),
+    fact(17, "lblINJ_Mode", "INJ_Mode"),
+    fact(17, "lblINJ_Reset", "INJ_Reset"),
+    box(17, "txtPOT", "INJ_On", {.help = "helptiot"}),
+    fact(17, "lblopt_TDCParam1", "opt_TDCParam1"),
     // Battery Voltage Compensation. kept: no unit answers to "BAT_Com", so its box stays hidden.
     box(19, "txtBatComp", "BATCom", {.axis = FieldAxis::BatteryVolts}),
     box(19, "txtBTO", "BAT_Com"),
@@ -225,6 +237,7 @@ constexpr std::array rows{
     fact(20, "lblINJ_Reset", "INJ_Reset"),
     fact(20, "lblPHDSEQ", "PHDSEQ", {.needs = "INJ_Mode"}),
     fact(20, "lblEngine_Type", "Engine_Type"),
+    fact(20, "lblAFR", "AFR"),
     box(20, "txtUAP", "scale1", {.help = "helptog"}),
     box(20, "txtTOG", "RPM_Size", {.needs = "scale1", .help = "helptog"}),
     box(20, "txtPOT", "INJ_On", {.help = "helptiot"}),
@@ -232,7 +245,10 @@ constexpr std::array rows{
     box(20, "txtLBHR", "INJ_FlowRate", {.caption = "lb/hr", .help = "helpinjsize"}),
     option(20, "optInjAmp2", "AMP42", {.caption = "2 Amp Inj Peak", .isOn = twoAmps, .help = "help42inj"}),
     option(20, "optInjAmp4", "AMP42", {.caption = "4 Amp Inj Peak", .isOn = fourAmps, .help = "help42inj"}),
-    choice(20, "cmbCams", "CAMSTL", {.caption = "Camshaft Style ", .help = "helpCamtype"}),
+    choice(20, "cmbCams", "CAMSTL",
+           {.caption = "Camshaft Style ",
+            .help = "helpCamtype",
+            .choices = {"Street / Stock", "Race / High Perf"}}),
     box(20, "txtBHP", "BHP", {.help = "helpBrakeHP"}),
     check(20, "chkAlcohol", "Alcohol",
           {.caption = "Check Box if Engine Alcohol Fueled", .help = "helpfueltype"}),
@@ -277,6 +293,8 @@ constexpr std::array rows{
     fact(28, "lblMAP_Offset", "MAP_Offset"),
     fact(28, "lblMAPMin", "MAPMin"),
     fact(28, "lblMAPMax", "MAPMax"),
+    fact(28, "lblMAP_BAR", "MAP_BAR"),
+    fact(28, "lblMAP_DISP_MULT", "MAP_DISP_MULT"),
     box(28, "txtSENSOR_MAP2", "MAP_FailHigh"),
     box(28, "txtSENSOR_MAP3", "MAP_FailLow"),
     box(28, "txtSENSOR_MAP4", "MAP_Default"),
@@ -310,6 +328,7 @@ constexpr std::array rows{
     box(33, "txtKNOCK_CTL4", "KNK_DCY", {.switchedBy = "optKnock_Active", .help = "helpknock"}),
     box(33, "txtKNOCK_CTL5", "KNK_RPM", {.switchedBy = "optKnock_Active", .help = "helpknock"}),
     // Cylinder Trims
+    fact(34, "lblCYL_Number", "CYL_Number", {.shownWhen = hasEngine}),
     box(34, "txtCYL_FIRE", "CYLORDER", {.elements = cylinders, .axis = FieldAxis::Number}),
     box(34, "txtCYL_FT", "FuelTrim", {.elements = cylinders, .axis = FieldAxis::Number}),
     box(34, "txtCYL_IT", "INJTRIM", {.elements = cylinders, .axis = FieldAxis::Number}),
@@ -328,31 +347,31 @@ constexpr std::array rows{
 }  // namespace
 
 std::span<const FieldRow> fieldRows() {
-    return rows;
+    return fieldTable;
 }
 
 std::span<const FieldRow> fieldsOfPage(int page) {
-    const auto [first, last] = std::ranges::equal_range(rows, page, {}, &FieldRow::page);
+    const auto [first, last] = std::ranges::equal_range(fieldTable, page, {}, &FieldRow::page);
     return {first, last};
 }
 
 const FieldRow* fieldOf(std::string_view control) {
     const std::string wanted = upper(control);
     const auto found =
-        std::ranges::find_if(rows, [&](const FieldRow& row) { return upper(row.control) == wanted; });
-    return found == rows.end() ? nullptr : &*found;
+        std::ranges::find_if(fieldTable, [&](const FieldRow& row) { return upper(row.control) == wanted; });
+    return found == fieldTable.end() ? nullptr : &*found;
 }
 
 const FieldTraits& traitsOfMember(std::string_view member) {
     static constexpr FieldTraits plain;
     const auto shows = [&](const FieldRow& row) { return row.member == member && row.kind == Number; };
-    const auto found = std::ranges::find_if(rows, shows);
-    return found == rows.end() ? plain : *found;
+    const auto found = std::ranges::find_if(fieldTable, shows);
+    return found == fieldTable.end() ? plain : *found;
 }
 
 std::vector<int> fieldPageNumbers() {
     std::vector<int> numbers;
-    for (const FieldRow& row : rows) {
+    for (const FieldRow& row : fieldTable) {
         if (numbers.empty() || numbers.back() != row.page) numbers.push_back(row.page);
     }
     return numbers;

@@ -2,12 +2,14 @@
 // shows. Ranges, units, elements and on-the-fly bytes come from the member's row of the parameter table.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "base/field.h"
 #include "unit/unit.h"
 
 namespace zentaq {
@@ -18,15 +20,6 @@ enum ControlBit : int { egoFeedbackBit = 3, idleControlBit = 5, revLimiterBit = 
 
 /// Bits of ControlByte2 that controls set themselves.
 enum ControlBit2 : int { massFlowBit = 0, progressiveCutBit = 5 };
-
-enum class FieldKind : std::uint8_t {
-    Number,  ///< a box that edits the member
-    Fact,    ///< a label: the value follows from another choice
-    Option,  ///< one of a group, or a switch
-    Check,
-    Choice,  ///< a list; its entries come from the reference database or from the caption
-    Notes
-};
 
 /// How many elements of an indexed member are shown.
 enum class ElementBound : std::uint8_t {
@@ -64,6 +57,7 @@ struct FieldTraits {
     std::string_view unitTail{};     ///< behind the member's unit
     int moreDecimals = 0;            ///< pressures: beyond MAPPrecision
     bool writerTakesShown = false;   ///< temperatures: the writer turns the shown scale to Celsius itself
+    std::array<std::string_view, 2> choices{};  ///< entries of a list that stands for 0 and 1
 };
 
 struct FieldRow : FieldTraits {

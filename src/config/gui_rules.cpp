@@ -14,8 +14,6 @@ namespace zentaq {
 
 namespace {
 
-constexpr int overviewPage = 0;
-
 constexpr std::array<std::string_view, 6> allTables = {"ADV", "AFR", "VE", "SPW", "GPO1", "GPO2"};
 
 // Captions that tell the limits of a temperature, in the scale of the user.

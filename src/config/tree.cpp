@@ -36,9 +36,6 @@ struct Row {
     std::string_view ignitionText{};  ///< another text in the ignition-only tree
 };
 
-constexpr int tablePage = -1;
-constexpr int managerPage = -2;
-
 constexpr std::array rows{
     Row{"root000", "", "", 0, "", Any},
     Row{"root001", "General Parameters", "", 20, "", Any},

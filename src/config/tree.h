@@ -9,11 +9,16 @@
 
 namespace zentaq {
 
+// Pages that are none of fields.
+constexpr int overviewPage = 0;
+constexpr int tablePage = -1;    ///< a table in a window of its own
+constexpr int managerPage = -2;  ///< the input/output manager
+
 struct TreeNode {
     std::string key;
     std::string text;
     std::string parent;  ///< empty for a root
-    int page = 0;        ///< tab of sstMenu; -1 for a table, -2 for the input/output manager
+    int page = 0;        ///< tab of sstMenu, or one of the above
     std::string table;   ///< "ADV", "AFR", "VE", "SPW" for a table
     std::string title;   ///< title of the table window
     std::string help;    ///< key in table FastHelp; empty for none

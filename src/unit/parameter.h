@@ -1,5 +1,5 @@
 // One row of the parameter table: name, cell, count, range, image bytes, on-the-fly bytes, polling answer,
-// unit and meaning. Readers, writers, checks, image, records, the command line and help read this row.
+// unit and meaning. Readers, writers, checks, image, records, pages and the command line read this row.
 #pragma once
 
 #include <array>
@@ -99,7 +99,6 @@ struct Parameter {
     ReadMember read = nullptr;
     WriteMember write = nullptr;  ///< stores the checked value
     std::string_view unit;        ///< "RPM", "%"; pressures say "MAP"
-    std::string_view help;        ///< key in FastHelp
     std::string_view meaning;
 
     constexpr int cell(int element) const { return index + element * stride; }

@@ -19,7 +19,6 @@ constexpr int keyRole = Qt::UserRole;
 constexpr int helpRole = Qt::UserRole + 1;
 constexpr int startTab = 0;
 constexpr int pageTab = 1;
-constexpr int tableNode = -1;
 
 QString nothingInHand() {
     return FrmConfig::tr("No calibration in hand.");
@@ -176,19 +175,23 @@ void FrmConfig::treeClicked(const QTreeWidgetItem* item) {
     if (item == nullptr) return;
     const QString title = item->text(0);
     const int page = commands_.treeClick(item->data(0, keyRole).toString().toStdString());
-    if (page != tableNode) showPage(page, title);
+    if (page != tablePage) showPage(page, title);
 }
 
 void FrmConfig::showPage(int page, const QString& title) {
     if (session_.currentUnit() == 0) return;
     page_ = page;
     lblPageTitle_->setText(title);
-    pageView_->show(pageRows(session_, page), onFly_);
+    showRows();
     sstMenu_->setCurrentIndex(pageTab);
 }
 
+void FrmConfig::showRows() {
+    pageView_->show(pageRows(session_.currentUnitObject(), page_, session_.CurrentFile), onFly_);
+}
+
 void FrmConfig::showUnit() {
-    pageView_->show(pageRows(session_, page_), onFly_);
+    showRows();
     lblStart_->setTextFormat(Qt::PlainText);
     lblStart_->setText(session_.currentUnit() == 0
                            ? nothingInHand()
@@ -197,7 +200,7 @@ void FrmConfig::showUnit() {
 
 void FrmConfig::onFlyChanged(bool on) {
     onFly_ = on;
-    pageView_->show(pageRows(session_, page_), onFly_);
+    showRows();
 }
 
 void FrmConfig::showTip(const std::string& text) {

@@ -58,6 +58,7 @@ class FrmConfig : public QWidget {
     QWidget* makeBottom();
     void treeClicked(const QTreeWidgetItem* item);
     void showPage(int page, const QString& title);
+    void showRows();
     void autoDetect();
     void choosePort(int number);
 

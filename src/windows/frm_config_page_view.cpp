@@ -35,22 +35,22 @@ void PageView::show(const std::vector<PageRow>& rows, bool onTheFly) {
     for (const PageRow& row : rows) {
         auto* item = new QTreeWidgetItem(this);
         add(item, row, onTheFly);
-        for (const PageRow& element : row.elements) add(new QTreeWidgetItem(item), element, onTheFly);
+        for (const Field& element : row.elements) add(new QTreeWidgetItem(item), element, onTheFly);
         item->setExpanded(row.elements.size() <= openElements);
     }
     if (topLevelItemCount() > 0) setCurrentItem(topLevelItem(0));
     setUpdatesEnabled(true);
 }
 
-void PageView::add(QTreeWidgetItem* item, const PageRow& row, bool onTheFly) {
+void PageView::add(QTreeWidgetItem* item, const Field& row, bool onTheFly) {
     item->setText(captionColumn, shownString(row.caption));
-    item->setText(valueColumn, shownString(row.value));
+    item->setText(valueColumn, shownString(row.text));
     item->setText(unitColumn, shownString(row.unit));
-    item->setText(rangeColumn, shownString(row.range));
+    item->setText(rangeColumn, shownString(row.limits));
     item->setText(memberColumn, QString::fromStdString(row.member));
     // Texts of rows that are no member read from the left.
     if (!row.member.empty()) item->setTextAlignment(valueColumn, Qt::AlignRight | Qt::AlignVCenter);
-    item->setData(captionColumn, helpKeyRole, QString::fromStdString(row.helpKey));
+    item->setData(captionColumn, helpKeyRole, QString::fromStdString(row.help));
     if (!onTheFly || !row.onTheFly) return;
     const LookColors colors = lookColors(appliedLook(*qApp));
     item->setBackground(valueColumn, colors.highlight);

@@ -4,7 +4,7 @@
 #include <QTreeWidget>
 #include <vector>
 
-#include "windows/frm_config_pages.h"
+#include "config/page_rows.h"
 
 namespace zentaq {
 
@@ -21,7 +21,7 @@ class PageView : public QTreeWidget {
     QString helpKey() const;
 
  private:
-    void add(QTreeWidgetItem* item, const PageRow& row, bool onTheFly);
+    void add(QTreeWidgetItem* item, const Field& row, bool onTheFly);
 };
 
 }  // namespace zentaq

@@ -48,7 +48,6 @@ void addTree(Keys& keys, const UnitKind& kind) {
         unit.FW_Release(release);
         for (const TreeNode& node : treeNodes(unit)) add(keys, node.help);
     }
-    for (const Parameter& row : kind.parameters) add(keys, row.help);
 }
 
 Keys keysInUse() {

@@ -7,14 +7,12 @@
 
 #include "config/tree.h"
 #include "qt/look.h"
-#include "windows/frm_config_pages.h"
 #include "windows/window_fixture.h"
 
 namespace zentaq {
 namespace {
 
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 class Workspace : public WindowTest {
  protected:
@@ -58,20 +56,6 @@ class Workspace : public WindowTest {
     }
 };
 
-TEST_F(Workspace, TheFirstPageTellsTheTablesThatTheKindHas) {
-    const auto captions = [&](int slot) {
-        fake.session.CurrentUnit(static_cast<float>(slot));
-        std::vector<std::string> names;
-        for (const PageRow& row : pageRows(fake.session, 0)) names.push_back(row.caption);
-        return names;
-    };
-    EXPECT_THAT(captions(3), testing::Contains("Volumetric Efficiency Table"));
-    EXPECT_THAT(captions(3), testing::Contains("Staged Pulsewidth"));
-    EXPECT_THAT(captions(7), testing::Not(testing::Contains("Staged Pulsewidth")));
-    EXPECT_THAT(captions(5), testing::Contains("Ignition Advance Table"));
-    EXPECT_THAT(captions(5), testing::Not(testing::Contains("Volumetric Efficiency Table")));
-}
-
 TEST_F(Workspace, ShowsTheTipOfTheDayEscaped) {
     windows.showTip("Save <b>often</b>.\x1B[31m\nAnd early.");
     const auto* tip = find<QLabel>("lblTip");
@@ -113,101 +97,6 @@ TEST_F(Workspace, AClickShowsThePageWithMembersValuesAndRanges) {
     EXPECT_EQ(pageColumn(3)[row], "1000 to 20000 RPM");
 }
 
-/// What stands beside the cells of a curve on a page.
-std::vector<std::string> stopsOf(Session& session, int page, std::string_view member) {
-    std::vector<std::string> stops;
-    for (const PageRow& row : pageRows(session, page)) {
-        if (row.member != member) continue;
-        for (const PageRow& cell : row.elements) stops.push_back(cell.caption);
-    }
-    return stops;
-}
-
-TEST_F(Workspace, CurvesShowTheirTemperatureVoltsOrSpeedBesideEachCell) {
-    openCalibration();
-    Unit& unit = fake.session.currentUnitObject();
-    unit.AssignDirectIndex(1500, 212 + 2);  // second speed of the blend
-    unit.AssignDirectIndex(40, 310 + 1);    // second temperature of the idle
-    unit.AssignDirectIndex(0.65F, 293 + 2);
-    unit.AssignDirectIndex(2500, 592 + 2 * 4);
-    fake.settings.set("System", "TemperatureToggle", "0");
-    struct Row {
-        int page;
-        const char* member;
-        std::size_t cell;
-        const char* stop;
-    };
-    // Twenty cells from -40 to 150 degrees, and from 0 to 255 * 0.067432 volts.
-    const Row rows[] = {{6, "CHKTBL", 0, "-40 \u00B0C"},
-                        {6, "CHKTBL", 6, "20 \u00B0C"},
-                        {7, "MATENH", 19, "150 \u00B0C"},
-                        {12, "CLTTBL", 12, "80 \u00B0C"},
-                        {14, "MATADV", 7, "30 \u00B0C"},
-                        {19, "BATCom", 0, "0.0 V"},
-                        {19, "BATCom", 15, "13.6 V"},
-                        {19, "BATCom", 19, "17.2 V"},
-                        {1, "LOWBLD", 1, "1500 RPM"},
-                        {10, "ISRPM", 1, "40 \u00B0C"},
-                        {13, "SPLITBL", 4, "2500 RPM"},
-                        {38, "Y", 2, "0.65 V"},
-                        {1, "BLDTBL", 1, "2"},
-                        {22, "BARO_ADV", 7, "8"}};
-    for (const Row& row : rows) {
-        const auto stops = stopsOf(fake.session, row.page, row.member);
-        ASSERT_GT(stops.size(), row.cell) << row.member;
-        EXPECT_EQ(stops[row.cell], row.stop) << row.member;
-    }
-    fake.settings.set("System", "TemperatureToggle", "1");
-    EXPECT_EQ(stopsOf(fake.session, 6, "CHKTBL")[19], "302 \u00B0F");
-    EXPECT_EQ(stopsOf(fake.session, 10, "ISRPM")[1], "104 \u00B0F");
-}
-
-TEST_F(Workspace, PagesShowTemperaturesInTheScaleOfTheSetting) {
-    openCalibration();
-    Unit& unit = fake.session.currentUnitObject();
-    unit.AssignDirectIndex(80, 51);   // CLT_Default
-    unit.AssignDirectIndex(40, 311);  // second idle temperature
-    const auto shown = [&](int page, std::string_view member, std::size_t cell = 0) -> PageRow {
-        for (const PageRow& row : pageRows(fake.session, page)) {
-            if (row.member == member) return row.elements.empty() ? row : row.elements[cell];
-        }
-        return {};
-    };
-    fake.settings.set("System", "TemperatureToggle", "0");
-    EXPECT_EQ(shown(27, "CLT_Default").value, "80");
-    EXPECT_EQ(shown(27, "CLT_Default").unit, "Celsius");
-    EXPECT_EQ(shown(27, "CLT_Default").range, "-40 to 150 Degrees Celsius");
-    fake.settings.set("System", "TemperatureToggle", "1");
-    EXPECT_EQ(shown(27, "CLT_Default").value, "176");
-    EXPECT_EQ(shown(27, "CLT_Default").unit, "Fahrenheit");
-    EXPECT_EQ(shown(27, "CLT_Default").range, "-40 to 302 Degrees Fahrenheit");
-    EXPECT_EQ(shown(10, "ISTMP", 1).value, "104");
-    EXPECT_EQ(shown(10, "ISTMP", 1).unit, "Fahrenheit");
-    EXPECT_EQ(shown(10, "ISTMP", 1).range, "-22 to 176 Degrees Fahrenheit");
-}
-
-TEST_F(Workspace, NoPageTellsAValueInTheScaleThatTheSettingDoesNotName) {
-    openCalibration();
-    const auto tells = [&](const char* scale) {
-        std::vector<std::string> found;
-        for (const int page : pagesWithMembers()) {
-            for (const PageRow& row : pageRows(fake.session, page)) {
-                std::string all = row.caption + row.unit + row.range;
-                for (const PageRow& cell : row.elements) all += cell.caption + cell.unit + cell.range;
-                if (all.find(scale) != std::string::npos) found.push_back(row.member);
-            }
-        }
-        return found;
-    };
-    fake.settings.set("System", "TemperatureToggle", "1");
-    EXPECT_THAT(tells("Celsius"), IsEmpty());
-    EXPECT_THAT(tells("\u00B0C"), IsEmpty());
-    EXPECT_THAT(tells("Fahrenheit"), testing::Not(IsEmpty()));
-    fake.settings.set("System", "TemperatureToggle", "0");
-    EXPECT_THAT(tells("Fahrenheit"), IsEmpty());
-    EXPECT_THAT(tells("\u00B0F"), IsEmpty());
-}
-
 TEST_F(Workspace, AnOpenPageFollowsTheSettingAtOnce) {
     fake.settings.set("System", "TemperatureToggle", "0");
     openCalibration();
@@ -219,23 +108,6 @@ TEST_F(Workspace, AnOpenPageFollowsTheSettingAtOnce) {
     fake.settings.set("System", "TemperatureToggle", "1");
     windows.temperaturesChanged();
     EXPECT_EQ(pageColumn(1)[row], "176");
-}
-
-TEST_F(Workspace, EveryPageOfTheTreeShowsSomething) {
-    openCalibration();
-    for (const TreeNode& node : treeNodes(fake.session.currentUnitObject())) {
-        if (node.page == -1) continue;
-        EXPECT_THAT(pageRows(fake.session, node.page), testing::Not(IsEmpty())) << node.text;
-    }
-}
-
-TEST_F(Workspace, EveryMemberOfAPageStandsInTheParameterTable) {
-    openCalibration();
-    for (const int page : pagesWithMembers()) {
-        for (const std::string_view member : pageMembers(page)) {
-            EXPECT_NE(fake.session.currentUnitObject().find(member), nullptr) << page << " " << member;
-        }
-    }
 }
 
 TEST_F(Workspace, AClickOnATableOpensItBesideThePages) {
