@@ -9,11 +9,11 @@
 #include <string_view>
 #include <vector>
 
+#include "base/channels.h"
 #include "base/errors.h"
 #include "base/file_reader.h"
 #include "fuzzing.h"
 #include "live/ecu.h"
-#include "live/live_values.h"
 #include "sim/srecord.h"
 #include "tables/table_model.h"
 #include "unit/every_reader.h"

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "base/channels.h"
 #include "base/errors.h"
 #include "base/text.h"
 #include "fuzzing.h"
@@ -16,12 +17,11 @@
 #include "link/link.h"
 #include "link/recording_link_host.h"
 #include "live/frame_decoder.h"
-#include "live/live_values.h"
-#include "testing/manual_clock.h"
-#include "testing/scripted_port.h"
 #include "platform/settings_store.h"
 #include "sim/simulated_unit.h"
 #include "sim/srecord.h"
+#include "testing/manual_clock.h"
+#include "testing/scripted_port.h"
 
 namespace zentaq::fuzzing {
 namespace {

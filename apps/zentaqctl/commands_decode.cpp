@@ -16,7 +16,6 @@
 #include "link/reply_decoding.h"
 #include "live/check_engine.h"
 #include "live/frame_decoder.h"
-#include "live/live_fields.h"
 #include "members.h"
 #include "unit_names.h"
 
@@ -110,27 +109,14 @@ Findings codes(Unit& unit, const Bytes& bytes) {
     return found;
 }
 
-/// Live values that no reply has written yet.
-LiveValues unwritten() {
-    LiveValues live;
-    for (const LiveField& field : liveFields()) {
-        if (const auto* number = std::get_if<float LiveValues::*>(&field.target)) {
-            live.** number = std::numeric_limits<float>::quiet_NaN();
-        }
+/// A value that cannot be worked out, such as an idle position without duty limits, stays away.
+void addValue(Findings& found, const LiveValues& live, const Channel& channel) {
+    const float value = channel.in(live);
+    if (channel.isLamp()) {
+        found.push_back({std::string(channel.name), value != 0});
+    } else if (!std::isnan(value)) {
+        found.push_back({std::string(channel.name), value});
     }
-    return live;
-}
-
-void addValue(Findings& found, const LiveValues& live, const LiveTarget& target) {
-    const auto fields = liveFields();
-    const auto field = std::ranges::find(fields, target, &LiveField::target);
-    if (const auto* lamp = std::get_if<bool LiveValues::*>(&target)) {
-        found.push_back({std::string(field->name), live.**lamp});
-        return;
-    }
-    // A value that cannot be worked out, such as an idle position without duty limits, stays away.
-    const float value = live.*std::get<float LiveValues::*>(target);
-    if (!std::isnan(value)) found.push_back({std::string(field->name), value});
 }
 
 Findings frame(Unit& unit, char reply, const Bytes& bytes, bool pinsKnown) {
@@ -142,7 +128,8 @@ Findings frame(Unit& unit, char reply, const Bytes& bytes, bool pinsKnown) {
     if (reply == 'D' && !hasMarker(bytes)) throw Failure("The reply is no record of a datalog");
     if (reply == 'D' && isEndOfLog(bytes)) return {{"EndOfLog", true}};
 
-    LiveValues live = unwritten();
+    LiveValues live;
+    forgetNumbers(live);
     FrameDecoder decoder(live);
     if (reply == 'F') decoder.Monitor(unit, bytes);
     if (reply == 'W') decoder.MonitorW(unit, bytes);
@@ -150,7 +137,7 @@ Findings frame(Unit& unit, char reply, const Bytes& bytes, bool pinsKnown) {
     if (reply == 'D') decoder.Internal_Data_Conv(unit, bytes);
 
     Findings found;
-    for (const LiveTarget& target : content->values) addValue(found, live, target);
+    for (const Channel* channel : content->values) addValue(found, live, *channel);
     for (const int pin : content->pins) {
         const auto at = static_cast<std::size_t>(pin);
         found.push_back({"GPIOData(" + numberText(pin) + ")", int{unit.GPIOData[at]}});

@@ -1,20 +1,17 @@
 // monitor: the live values of a running unit.
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <limits>
 #include <ostream>
 
 #include "base/errors.h"
 #include "base/json_writer.h"
 #include "base/number_text.h"
 #include "commands_link.h"
-#include "link/frame_timing.h"
 #include "headless/headless_monitor.h"
+#include "link/frame_timing.h"
 #include "link_desk.h"
 #include "link_texts.h"
 #include "live/frame_decoder.h"
-#include "live/live_fields.h"
 #include "outputs.h"
 
 namespace zentaq::ctl {
@@ -25,69 +22,46 @@ constexpr double usPerSecond = 1e6;
 /// Thirty years; more is as good as no end.
 constexpr double longestSeconds = 1e9;
 
-/// What a line a second shows.
-constexpr std::array<std::string_view, 14> glance = {"RPM",   "MAP",   "TPS",     "CLT",  "MAT",
-                                                     "BATTV", "AAFR",  "DAFR",    "EGOC", "PRIADV",
-                                                     "KNOCK", "PRIPW", "PRIDUTY", "CHKE"};
-
 /// The values that frames of this unit carry, in their order; a lamp too.
-std::vector<LiveField> fieldsOf(const UnitKind& kind, bool wide) {
-    std::vector<LiveField> fields;
+std::vector<const Channel*> channelsOf(const UnitKind& kind, bool wide) {
     const auto content = contentOfFrame(kind, wide ? 'W' : 'F');
-    if (!content) return fields;
-    const auto all = liveFields();
-    for (const LiveTarget& target : content->values) {
-        fields.push_back(*std::ranges::find(all, target, &LiveField::target));
-    }
-    return fields;
+    return content ? content->values : std::vector<const Channel*>{};
 }
 
-/// Before the first frame nothing is known; what cannot be worked out, such as a pressure without a sensor,
-/// stays so.
-void forget(LiveValues& live) {
-    for (const LiveField& field : liveFields()) {
-        if (const auto* number = std::get_if<float LiveValues::*>(&field.target)) {
-            live.** number = std::numeric_limits<float>::quiet_NaN();
-        }
-    }
-}
-
-/// Empty for a value that is not known.
-std::string textOf(const LiveValues& live, const LiveField& field) {
-    if (const auto* lamp = std::get_if<bool LiveValues::*>(&field.target)) return live.**lamp ? "1" : "0";
-    const float value = live.*std::get<float LiveValues::*>(field.target);
+/// Empty for a value that is not known, such as a pressure without a sensor.
+std::string textOf(const LiveValues& live, const Channel& channel) {
+    const float value = channel.in(live);
     return std::isnan(value) ? std::string() : numberText(value);
 }
 
 class FrameWriter {
  public:
-    FrameWriter(std::ostream& out, const LiveValues& live, std::vector<LiveField> fields)
-        : out_(out), live_(live), fields_(std::move(fields)) {}
+    FrameWriter(std::ostream& out, const LiveValues& live, std::vector<const Channel*> carried)
+        : out_(out), live_(live), channels_(std::move(carried)) {}
 
     void csvHeader() {
         out_ << "Seconds";
-        for (const LiveField& field : fields_) out_ << ',' << field.name;
+        for (const Channel* channel : channels_) out_ << ',' << channel->name;
         out_ << '\n' << std::flush;
     }
     void csv(std::int64_t elapsedUs) {
         out_ << secondsText(elapsedUs);
-        for (const LiveField& field : fields_) out_ << ',' << textOf(live_, field);
+        for (const Channel* channel : channels_) out_ << ',' << textOf(live_, *channel);
         out_ << '\n';
     }
     void json(std::int64_t elapsedUs) {
         JsonWriter json(out_);
         json.beginObject().member("Seconds",
                                   static_cast<float>(static_cast<double>(elapsedUs) / usPerSecond));
-        for (const LiveField& field : fields_) member(json, field);
+        for (const Channel* channel : channels_) member(json, *channel);
         json.endObject();
         out_ << '\n';
     }
     void second(int seconds, int frames) {
         out_ << "t=" << numberText(seconds);
-        for (const LiveField& field : fields_) {
-            const std::string text = textOf(live_, field);
-            const bool shown = std::ranges::find(glance, field.name) != glance.end();
-            if (shown && !text.empty()) out_ << ' ' << field.name << '=' << text;
+        for (const Channel* channel : channels_) {
+            const std::string text = textOf(live_, *channel);
+            if (channel->is(Channel::glance) && !text.empty()) out_ << ' ' << channel->name << '=' << text;
         }
         out_ << " frames=" << numberText(frames) << '\n' << std::flush;
     }
@@ -97,14 +71,12 @@ class FrameWriter {
     static std::string secondsText(std::int64_t us) {
         return formatNumber(static_cast<double>(us) / usPerSecond, "0.000");
     }
-    void member(JsonWriter& json, const LiveField& field) const {
-        json.key(field.name);
-        if (const auto* lamp = std::get_if<bool LiveValues::*>(&field.target)) {
-            json.value(live_.**lamp);
-            return;
-        }
-        const float value = live_.*std::get<float LiveValues::*>(field.target);
-        if (std::isnan(value)) {
+    void member(JsonWriter& json, const Channel& channel) const {
+        const float value = channel.in(live_);
+        json.key(channel.name);
+        if (channel.isLamp()) {
+            json.value(value != 0);
+        } else if (std::isnan(value)) {
             json.null();
         } else {
             json.value(value);
@@ -113,7 +85,7 @@ class FrameWriter {
 
     std::ostream& out_;
     const LiveValues& live_;
-    std::vector<LiveField> fields_;
+    std::vector<const Channel*> channels_;
 };
 
 /// Measures while it lives.
@@ -187,9 +159,9 @@ void monitor(const Context& context, const std::string& port, const MonitorWish&
         throw Failure(std::string(incorrectUnit));
 
     const auto log = wish.log.empty() ? nullptr : openGrowing(context, wish.log, "datalog");
-    forget(desk.session().live());
+    forgetNumbers(desk.session().live());
     FrameWriter writer(context.out, desk.session().live(),
-                       fieldsOf(unit.kind(), desk.link().linked().WideMonitor));
+                       channelsOf(unit.kind(), desk.link().linked().WideMonitor));
     if (wish.form == MonitorForm::Csv) writer.csvHeader();
     auto wishes = wishesOf(context, wish, writer, log.get());
     std::unique_ptr<HeadlessMonitor> watch;

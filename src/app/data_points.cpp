@@ -1,5 +1,7 @@
 #include "app/data_points.h"
 
+#include <algorithm>
+
 #include "base/number_text.h"
 #include "base/rounding.h"
 
@@ -7,73 +9,13 @@ namespace zentaq {
 
 namespace {
 
-constexpr std::array<std::string_view, dataPointCount> names{
-    "RPM",
-    "MAP",
-    "Throttle Position Sensor",
-    "Coolant Temp",
-    "Manifold Air Temp",
-    "Battery Voltage",
-    "KNOCK",
-    "EGO Volts",
-    "CHKE",
-    "Ignition Advance",
-    "Secondary Advance",
-    "Knock Retard",
-    "GAMA",
-    "IPP",
-    "Primary Dutycycle",
-    "Pulse ON Time",
-    "Pulse OFF Time",
-    "Staged Dutycycle",
-    "Staged Pulse ON",
-    "Staged Pulse OFF",
-    "Secondary Percent",
-    "EGO Correction",
-    "DAFR",
-    "AFR",
-    "IAC Position",
-    "IACD",
-    "INJ_TOG",
-    "SEN_MAP",
-    "INJ_VE",
-    "INJ_MAT",
-    "INJ_CLT",
-    "INJ_BARO",
-    "INJ_SE0",
-    "INJ_ASE0",
-    "INJ_ASE1",
-    "MAPACCL",
-    "TPSACCL",
-    "INJ_ACE2",
-    "INJ_ACE5",
-    "INJ_ACE6",
-    "INJ_VLTCOMP",
-    "SEN_BLEND",
-    "INJ_STAGE",
-    "ADV_TBL",
-    "ADV_CLT",
-    "ADV_MAT",
-    "ADV_BARO",
-    "ADV_IDLE",
-    "ISRPM",
-    "GPIO1",
-    "GPIO2",
-    "GPIO3",
-    "GPIO4",
-    "GPIO5",
-    "GPIO6",
-    "GPIO7",
-    "GPIO8",
-    "GPIO9",
-    "GPIO10",
-    "GPIO11",
-    "GPIO12",
-    "GPIO13",
-    "GPIO14",
-    "GPIO15",
-    "GPIO16",
-};
+constexpr auto names = [] {
+    std::array<std::string_view, dataPointCount> all;
+    auto next = std::ranges::transform(channelsBeforePins, all.begin(), &Channel::dataPoint).out;
+    next = std::ranges::copy_n(pinNames.begin(), dataPointPins, next).out;
+    std::ranges::transform(channelsBehindPins, next, &Channel::dataPoint);
+    return all;
+}();
 
 int placeOf(const std::string& text) {
     const auto number = parseNumber(text);

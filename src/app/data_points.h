@@ -8,17 +8,19 @@
 #include <string_view>
 #include <vector>
 
+#include "base/channels.h"
 #include "base/settings_keys.h"
 #include "platform/settings_store.h"
 
 namespace zentaq {
 
-inline constexpr int dataPointCount = 65;
+inline constexpr int dataPointPins = 16;
+inline constexpr int dataPointCount = static_cast<int>(channels.size()) + dataPointPins;
 
 /// The entries of viewList in their order. A stored value is the place in this list, counted from 1.
 std::span<const std::string_view, dataPointCount> dataPointNames();
 
-/// What each of the ten keys holds: a place from 1 to 65; 0 for an unused slot, for a key never written and
+/// What each of the ten keys holds: a place in that list; 0 for an unused slot, for a key never written and
 /// for a text that is no such place.
 std::array<int, settings::datalogSlots> storedDataPoints(const SettingsStore& store);
 
@@ -28,7 +30,7 @@ struct DataPointWrite {
     std::string value;
 };
 
-/// The writes that store a choice, in their order: ten zeros, then the places from 1 to 65 in list order.
+/// The writes that store a choice, in their order: ten zeros, then the places in list order.
 /// kept: with more than ten the keys from "Datalog11" on are written as well and never read.
 std::vector<DataPointWrite> dataPointWrites(const std::vector<int>& places);
 

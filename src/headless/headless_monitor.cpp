@@ -6,7 +6,6 @@
 
 #include "base/errors.h"
 #include "live/datalog_writer.h"
-#include "live/live_fields.h"
 
 namespace zentaq {
 
@@ -16,9 +15,9 @@ constexpr std::int64_t usPerSecond = 1'000'000;
 
 /// A value that no frame has told is 0 in a datalog.
 LiveValues asRecorded(LiveValues live) {
-    for (const LiveField& field : liveFields()) {
-        const auto* number = std::get_if<float LiveValues::*>(&field.target);
-        if (number != nullptr && std::isnan(live.**number)) live.** number = 0;
+    for (const Channel& channel : channels) {
+        float* number = channel.numberIn(live);
+        if (number != nullptr && std::isnan(*number)) *number = 0;
     }
     return live;
 }

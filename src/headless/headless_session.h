@@ -9,15 +9,15 @@
 #include <string_view>
 #include <vector>
 
+#include "base/channels.h"
 #include "link/link.h"
 #include "link/link_host.h"
-#include "trace/wire_trace.h"
 #include "live/frame_decoder.h"
-#include "live/live_values.h"
 #include "platform/clock.h"
 #include "platform/serial_port.h"
 #include "platform/settings_store.h"
 #include "platform/yield.h"
+#include "trace/wire_trace.h"
 #include "unit/unit.h"
 #include "unit/unit_host.h"
 

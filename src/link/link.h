@@ -13,11 +13,11 @@
 #include <string_view>
 #include <vector>
 
+#include "base/channels.h"
 #include "link/link_host.h"
 #include "link/link_status.h"
 #include "link/progress.h"
 #include "link/reply_decoding.h"
-#include "live/live_values.h"
 #include "platform/clock.h"
 #include "platform/serial_port.h"
 #include "platform/settings_store.h"

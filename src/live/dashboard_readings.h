@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/channels.h"
 #include "live/gauges.h"
-#include "live/live_values.h"
 #include "unit/unit.h"
 
 namespace zentaq {
@@ -19,9 +19,12 @@ struct DashboardReading {
     std::string unit;     ///< "rpm"
 };
 
-/// All labels of a unit, in the order of the panel; kind 5 has no fuel side.
+/// The channels of a unit, what the panel shows besides, and the pins; kind 5 has no fuel side.
 std::vector<DashboardReading> dashboardReadings(const LiveValues& live, Unit& unit,
                                                 const DashboardSettings& settings);
+
+/// False for a label of the fuel side.
+bool isOfIgnition(std::string_view label);
 
 /// The row of a name, nullptr if the list has none.
 const DashboardReading* findReading(const std::vector<DashboardReading>& readings, std::string_view name);

@@ -4,7 +4,7 @@
 #include <ostream>
 #include <string>
 
-#include "live/live_values.h"
+#include "base/channels.h"
 #include "unit/unit.h"
 
 namespace zentaq {

@@ -22,8 +22,8 @@ struct Raw {
 };
 
 using Scaling = double (*)(Unit& unit, Raw raw);
-using Number = float LiveValues::*;
-using Lamp = bool LiveValues::*;
+using Number = Channel::Number;
+using Lamp = Channel::Lamp;
 struct Pin {
     int index;
 };
@@ -294,13 +294,6 @@ constexpr std::array internalRecord{
     FrameRow{24, 1, &L::BATTV, battery},
 };
 
-/// What only the wide frame carries.
-constexpr std::array<Number, 25> wideOnly{
-    &L::PRIDUTY,  &L::SECDUTY,  &L::INJ_TOG,     &L::SEN_MAP,   &L::INJ_VE,    &L::INJ_MAT, &L::INJ_CLT,
-    &L::INJ_BARO, &L::INJ_SE0,  &L::INJ_ASE0,    &L::INJ_ASE1,  &L::MAPACCL,   &L::TPSACCL, &L::INJ_ACE2,
-    &L::INJ_ACE5, &L::INJ_ACE6, &L::INJ_VLTCOMP, &L::SEN_BLEND, &L::INJ_STAGE, &L::ADV_TBL, &L::ADV_CLT,
-    &L::ADV_MAT,  &L::ADV_BARO, &L::ADV_IDLE,    &L::ISRPM};
-
 /// What the frames of a kind look like.
 struct KindFrames {
     int slot;
@@ -386,7 +379,9 @@ void FrameDecoder::Monitor(Unit& unit, std::span<const std::uint8_t> reply) {
             numberOf(Ecu::POPD(static_cast<double>(live_.SECPW), static_cast<double>(live_.PRIPW))));
     });
     if (frames->narrowZeroesWideOnly) {
-        for (const Number number : wideOnly) live_.*number = 0;
+        for (const Channel& channel : channels) {
+            if (channel.is(Channel::wideOnly)) *channel.numberIn(live_) = 0;
+        }
     }
     ++live_.frames;
 }
@@ -419,8 +414,8 @@ namespace {
 struct Collect {
     FrameContent& content;
 
-    void operator()(Number number) const { content.values.emplace_back(number); }
-    void operator()(Lamp lamp) const { content.values.emplace_back(lamp); }
+    void operator()(Number number) const { content.values.push_back(&channelOf(number)); }
+    void operator()(Lamp lamp) const { content.values.push_back(&channelOf(lamp)); }
     void operator()(Pin pin) const { content.pins.push_back(pin.index); }
 };
 

@@ -8,8 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "live/live_fields.h"
-#include "live/live_values.h"
+#include "base/channels.h"
 #include "unit/unit.h"
 
 namespace zentaq {
@@ -33,8 +32,8 @@ class FrameDecoder {
 
 /// What a reply of a kind carries.
 struct FrameContent {
-    std::vector<LiveTarget> values;  ///< in the order of the bytes
-    std::vector<int> pins;           ///< ascending, from 0
+    std::vector<const Channel*> values;  ///< in the order of the bytes
+    std::vector<int> pins;               ///< ascending, from 0
 };
 /// `command` 'F', 'W', 'I' or 'D'. Nothing where units of the kind give no such reply, or none that is read.
 std::optional<FrameContent> contentOfFrame(const UnitKind& kind, char command);

@@ -10,26 +10,15 @@ namespace zentaq {
 
 namespace {
 
-constexpr double radiansPerDegree = 0.017453292519943278;
 constexpr double petrolRatio = 14.7;
 constexpr int kindPzk2 = 5;
 constexpr int lowRevScale = 9000;
 constexpr int highRevScale = 18000;
 
-// The low ends of the scales as painted on the background.
-constexpr float coldestShown = -40;
-constexpr float lowestVolts = 7;
-constexpr double richestScaleEnd = -145;
-
-constexpr std::array<NeedleFace, needleCount> faces{{
-    {Needle::Tachometer, "Tachometer", 223, 99, 93, 0},
-    {Needle::TPS, "TPS", 352, 59, 50, 0},
-    {Needle::MAT, "MAT", 563, 85, 50, 0},
-    {Needle::Coolant, "Coolant", 409, 85, 50, 0},
-    {Needle::VOLT, "VOLT", 352, 138, 50, 0},
-    {Needle::AFR, "AFR", 120, 72, 50, 25},
-    {Needle::IAC, "IAC", 211, 139, 50, 0},
-}};
+/// Where a needle rests: the low end of its channel.
+constexpr float lowestOf(Channel::Number value) {
+    return channelOf(value).span.low;
+}
 
 std::optional<float> threshold(const SettingsStore& store, const std::string& key) {
     const auto value = parseNumber(store.get("System", key));
@@ -46,19 +35,6 @@ bool reaches(float celsius, std::optional<float> alarm) {
 DashboardSettings DashboardSettings::from(const SettingsStore& store) {
     return {threshold(store, "CLTAlarmValue"), threshold(store, "MATAlarmValue"),
             store.get("System", "TemperatureToggle") != "0"};
-}
-
-const std::array<NeedleFace, needleCount>& needleFaces() {
-    return faces;
-}
-
-const NeedleFace& faceOf(Needle needle) {
-    return faces[static_cast<std::size_t>(needle)];
-}
-
-Point needleEnd(double centreX, double centreY, double length, double angle) {
-    return {centreX - std::sin(-angle * radiansPerDegree) * length,
-            centreY - std::sin((angle + 90) * radiansPerDegree) * length};
 }
 
 double tachAngle(float rpm, int revScale) {
@@ -145,7 +121,6 @@ void Gauges::UPDATE_DISPLAY(const LiveValues& live, Unit& unit, const DashboardS
     TPS_Position(live.TPS);
     VOLT_Position(live.BATTV);
     Check_Engine(live.CHKE);
-    hasReadings_ = true;
     if (unit.kind().slot == kindPzk2) return;
     CLT_Position(live.CLT, settings);
     MAT_Position(live.MAT, settings);
@@ -154,17 +129,16 @@ void Gauges::UPDATE_DISPLAY(const LiveValues& live, Unit& unit, const DashboardS
 }
 
 void Gauges::Reset_Dashboard() {
-    Tach_Position(0);
-    TPS_Position(0);
-    CLT_Position(coldestShown, {});
-    MAT_Position(coldestShown, {});
-    VOLT_Position(lowestVolts);
-    IAC_Position(0);
-    turn(Needle::AFR) = richestScaleEnd;
+    Tach_Position(lowestOf(&LiveValues::RPM));
+    TPS_Position(lowestOf(&LiveValues::TPS));
+    CLT_Position(lowestOf(&LiveValues::CLT), {});
+    MAT_Position(lowestOf(&LiveValues::MAT), {});
+    VOLT_Position(lowestOf(&LiveValues::BATTV));
+    IAC_Position(lowestOf(&LiveValues::IACP));
+    turn(Needle::AFR) = afrAngle(lowestOf(&LiveValues::AAFR), {});
     afrColour_ = colours::red;
     overRevColour_ = colours::black;
     checkEngineColour_ = colours::black;
-    hasReadings_ = false;
 }
 
 std::int32_t Gauges::flash() {

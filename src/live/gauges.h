@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "live/live_values.h"
+#include "base/channels.h"
 #include "platform/settings_store.h"
 #include "unit/unit.h"
 
@@ -25,26 +25,9 @@ struct DashboardSettings {
 
 enum class Needle { Tachometer, TPS, MAT, Coolant, VOLT, AFR, IAC };
 
-/// Where a needle turns. Centre and length in pixels of the background picture.
-struct NeedleFace {
-    Needle needle;
-    std::string_view name;
-    double centreX;
-    double centreY;
-    double length;
-    double secondLength;  ///< of the AFR needle's second line; 0: one line
-};
-
-constexpr int needleCount = 7;
-const std::array<NeedleFace, needleCount>& needleFaces();
-const NeedleFace& faceOf(Needle needle);
-
-struct Point {
-    double x = 0;
-    double y = 0;
-};
-/// The far end of a needle line, in the pixels of its centre.
-Point needleEnd(double centreX, double centreY, double length, double angle);
+/// In the order of Needle.
+constexpr std::array<std::string_view, 7> needleNames{"Tachometer", "TPS", "MAT", "Coolant",
+                                                      "VOLT",       "AFR", "IAC"};
 
 namespace colours {
 constexpr std::int32_t black = 0;
@@ -107,13 +90,11 @@ class Gauges {
     bool matAlarm() const { return matAlarm_; }
     int revScale() const { return revScale_; }
     void revScale(int scale) { revScale_ = scale; }
-    /// False after Reset_Dashboard: labels are empty until the next UPDATE_DISPLAY.
-    bool hasReadings() const { return hasReadings_; }
 
  private:
     double& turn(Needle needle) { return angles_[static_cast<std::size_t>(needle)]; }
 
-    std::array<double, needleCount> angles_{};
+    std::array<double, needleNames.size()> angles_{};
     int revScale_ = 9000;
     std::int32_t afrColour_ = colours::red;
     std::int32_t overRevColour_ = colours::black;
@@ -121,7 +102,6 @@ class Gauges {
     bool cltAlarm_ = false;
     bool matAlarm_ = false;
     bool flashRed_ = false;
-    bool hasReadings_ = false;
 };
 
 }  // namespace zentaq

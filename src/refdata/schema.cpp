@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "base/channels.h"
 #include "base/errors.h"
 
 namespace zentaq::refdata {
@@ -200,15 +201,9 @@ Column key(std::string name) {
     return {std::move(name), ColumnType::Integer, true};
 }
 
-Table numbersTable(std::string name, std::initializer_list<const char*> columns) {
-    Table made{std::move(name), {}};
-    for (const char* column : columns) made.columns.push_back({column, ColumnType::Number});
-    return made;
-}
-
-void addGpioColumns(Table& table, int first, int last) {
-    for (int pin = first; pin <= last; ++pin) {
-        table.columns.push_back({"GPIO" + std::to_string(pin), ColumnType::Number});
+void addPinColumns(Table& table, std::size_t first, std::size_t last) {
+    for (std::size_t pin = first; pin <= last; ++pin) {
+        table.columns.push_back({std::string(pinNames[pin - 1]), ColumnType::Number});
     }
 }
 
@@ -238,27 +233,22 @@ Table defaults() {
 
 // One row of an imported log of the oldest format.
 Table datalog() {
-    Table made =
-        numbersTable("Datalog", {"Seconds", "RPM", "MAP",  "TPS",  "CLT",  "MAT",  "VOLT", "KNK", "EGOV",
-                                 "CHKE",    "ADV", "SADV", "KNKR", "TFPW", "PIP",  "PID",  "PPW", "PIO",
-                                 "SID",     "SPW", "SIO",  "POPD", "EGOC", "DAFR", "AAFR", "IAC", "SD"});
-    addGpioColumns(made, 1, 9);
+    Table made{"Datalog", {}};
+    addColumns(made, {"Seconds", "RPM", "MAP",  "TPS",  "CLT",  "MAT",  "VOLT", "KNK", "EGOV",
+                      "CHKE",    "ADV", "SADV", "KNKR", "TFPW", "PIP",  "PID",  "PPW", "PIO",
+                      "SID",     "SPW", "SIO",  "POPD", "EGOC", "DAFR", "AAFR", "IAC", "SD"});
+    addPinColumns(made, 1, 9);
     return made;
 }
 
-// One row of an imported log of the newer formats.
+// One row of an imported log of the newer formats: the channels, and the pins where they came to be.
 Table datalog2() {
-    Table made = numbersTable(
-        "Datalog2",
-        {"Frame",   "RPM",    "MAP",        "TPS",        "CLT",  "MAT",  "BATTV",   "KNOCK", "EGOV",
-         "CHKE",    "PRIADV", "SECADV",     "KNKRET",     "GAMA", "IPP",  "PRIDUTY", "PRIPW", "PRIOFFTIME",
-         "SECDUTY", "SECPW",  "SECOFFTIME", "SECPERCENT", "EGOC", "DAFR", "AAFR",    "IACP",  "IACD"});
-    addGpioColumns(made, 1, 16);
-    addColumns(made, {"INJ_TOG",  "SEN_MAP",  "INJ_VE",      "INJ_MAT",   "INJ_CLT",   "INJ_BARO",
-                      "INJ_SE0",  "INJ_ASE0", "INJ_ASE1",    "MAPACCL",   "TPSACCL",   "INJ_ACE2",
-                      "INJ_ACE5", "INJ_ACE6", "INJ_VLTCOMP", "SEN_BLEND", "INJ_STAGE", "ADV_TBL",
-                      "ADV_CLT",  "ADV_MAT",  "ADV_BARO",    "ADV_IDLE",  "ISRPM"});
-    addGpioColumns(made, 17, 20);
+    Table made{"Datalog2", {{"Frame"}}};
+    for (const Channel& channel : channels) {
+        made.columns.push_back({std::string(channel.name)});
+        if (channel.name == "IACD") addPinColumns(made, 1, 16);
+        if (channel.name == "ISRPM") addPinColumns(made, 17, 20);
+    }
     return made;
 }
 

@@ -10,8 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "base/channels.h"
 #include "live/ecu.h"
-#include "live/live_values.h"
 #include "tables/cell_colours.h"
 #include "tables/cell_entry.h"
 #include "tables/live_zones.h"

@@ -14,18 +14,6 @@ constexpr int codeStepMs = 1500;
 constexpr int kindPzk2 = 5;
 constexpr int highRevScale = 18000;
 
-struct NeedleName {
-    Needle needle;
-    const char* name;
-};
-constexpr std::array needles{NeedleName{Needle::Tachometer, "Tachometer"},
-                             NeedleName{Needle::TPS, "TPS"},
-                             NeedleName{Needle::MAT, "MAT"},
-                             NeedleName{Needle::Coolant, "Coolant"},
-                             NeedleName{Needle::VOLT, "VOLT"},
-                             NeedleName{Needle::AFR, "AFR"},
-                             NeedleName{Needle::IAC, "IAC"}};
-
 DialAngles dialAngles(int revScale) {
     DialAngles angles;
     angles.revScale = revScale;
@@ -181,7 +169,9 @@ void FrmDashBoard::draw() {
 
 void FrmDashBoard::drawNeedles() {
     panel_->setAngles(dialAngles(gauges_.revScale()));
-    for (const auto& [needle, name] : needles) panel_->gauge(name).setAngle(gauges_.angle(needle));
+    for (std::size_t i = 0; i < needleNames.size(); ++i) {
+        panel_->gauge(qString(needleNames[i])).setAngle(gauges_.angle(static_cast<Needle>(i)));
+    }
     panel_->gauge("AFR").setNeedleColor(colorOfNumber(gauges_.afrColour()));
     panel_->checkEngineLamp->light(lampColor(gauges_.checkEngineColour()));
     // Without a calibration there is no limiter to exceed, only the 0 of an empty cell.

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 
+#include "live/dashboard_readings.h"
 #include "qt/look.h"
 #include "windows/outlined.h"
 
@@ -20,10 +21,15 @@ using Tick = GaugeFace::Tick;
 constexpr auto waitingForUnit = "Connecting...";
 constexpr float veilOpacity = 0.7F;
 
-/// Ticks from `low` to `high`; those on a whole `major` bear the value divided by `divisor`.
-std::vector<Tick> ticks(DialAngle angle, int low, int high, int minor, int major, int divisor = 1) {
+constexpr Channel::Span spanOf(Channel::Number value) {
+    return channelOf(value).span;
+}
+
+/// Ticks over a span; those on a whole `major` bear the value divided by `divisor`.
+std::vector<Tick> ticks(DialAngle angle, Channel::Span span, int minor, int major, int divisor = 1) {
     std::vector<Tick> result;
-    for (int value = low; value <= high; value += minor) {
+    const int low = static_cast<int>(span.low);
+    for (int value = low; value <= static_cast<int>(span.high); value += minor) {
         const bool numbered = (value - low) % major == 0;
         result.push_back({angle(value), numbered ? QString::number(value / divisor) : QString()});
     }
@@ -37,8 +43,8 @@ GaugeFace tachometer(const DialAngles& angles) {
             .bounds = {-1.05, -1.05, 2.1, 2.1},
             .readout = {-0.52, 0.44, 0.66, 0.42},
             .captionAt = {0, -0.36},
-            .ticks =
-                ticks(angles.tachometer, 0, angles.revScale, angles.revScale / 36, angles.revScale / 9, 1000),
+            .ticks = ticks(angles.tachometer, {0, static_cast<float>(angles.revScale)}, angles.revScale / 36,
+                           angles.revScale / 9, 1000),
             .zones = {{angles.tachometer(red), angles.tachometer(angles.revScale), &DashColors::redZone}},
             .twoLines = false,
             .restAngle = -123};
@@ -52,7 +58,7 @@ GaugeFace throttle(const DialAngles& angles) {
                    .captionAt = {},
                    .ticks = {},
                    .zones = {},
-                   .restAngle = angles.throttle(0)};
+                   .restAngle = angles.throttle(spanOf(&LiveValues::TPS).low)};
     for (int tenths = 0; tenths <= 50; tenths += 5) {
         const bool numbered = tenths % 10 == 0;
         face.ticks.push_back(
@@ -62,15 +68,16 @@ GaugeFace throttle(const DialAngles& angles) {
 }
 
 GaugeFace volt(const DialAngles& angles) {
+    constexpr Channel::Span span = spanOf(&LiveValues::BATTV);
     GaugeFace face{.name = "VOLT",
                    .caption = {},
                    .bounds = {-0.95, -0.66, 1.55, 1.72},
                    .readout = {-0.74, -0.66, 1.1, 0.52},
                    .captionAt = {},
-                   .ticks = ticks(angles.volt, 7, 18, 1, 12),
-                   .zones = {{angles.volt(7), angles.volt(11), &DashColors::redZone},
-                             {angles.volt(15.5), angles.volt(18), &DashColors::redZone}},
-                   .restAngle = angles.volt(7)};
+                   .ticks = ticks(angles.volt, span, 1, 12),
+                   .zones = {{angles.volt(span.low), angles.volt(11), &DashColors::redZone},
+                             {angles.volt(15.5), angles.volt(span.high), &DashColors::redZone}},
+                   .restAngle = angles.volt(span.low)};
     for (const int numbered : {8, 12, 16}) {
         face.ticks[static_cast<std::size_t>(numbered - 7)].label = QString::number(numbered);
     }
@@ -84,21 +91,22 @@ GaugeFace idle(const DialAngles& angles) {
             .bounds = {-0.95, -0.66, 1.55, 1.72},
             .readout = {-0.74, -0.66, 1.1, 0.52},
             .captionAt = {},
-            .ticks = ticks(angles.idle, 0, 100, 10, 50),
+            .ticks = ticks(angles.idle, spanOf(&LiveValues::IACP), 10, 50),
             .zones = {},
-            .restAngle = angles.idle(0)};
+            .restAngle = angles.idle(spanOf(&LiveValues::IACP).low)};
 }
 
 /// The needle goes by degrees Celsius whatever the face says.
 GaugeFace temperature(const QString& name, DialAngle angle, bool fahrenheit) {
+    constexpr Channel::Span span = spanOf(&LiveValues::CLT);
     GaugeFace face{.name = name,
                    .caption = {},
                    .bounds = {-0.5, -0.8, 1.56, 1.72},
                    .readout = {-0.5, 0.42, 0.74, 0.5},
                    .captionAt = {},
                    .ticks = {},
-                   .zones = {{angle(110), angle(150), &DashColors::redZone}},
-                   .restAngle = angle(-40)};
+                   .zones = {{angle(110), angle(span.high), &DashColors::redZone}},
+                   .restAngle = angle(span.low)};
     const int highest = fahrenheit ? 300 : 150;
     const int step = fahrenheit ? 20 : 10;
     const int numbered = fahrenheit ? 100 : 50;
@@ -118,7 +126,7 @@ GaugeFace mixture(const DialAngles& angles) {
                    .ticks = {},
                    .zones = {},
                    .twoLines = true,
-                   .restAngle = angles.mixture(9)};
+                   .restAngle = angles.mixture(spanOf(&LiveValues::AAFR).low)};
     for (int tenths = 90; tenths < 140; tenths += 5) {
         const bool numbered = tenths % 20 == 0;
         face.ticks.push_back(
@@ -239,8 +247,6 @@ QLayout* FrmDashBoardPanel::makeSmallDials() {
 
 QLayout* FrmDashBoardPanel::makeReadouts() {
     constexpr int columns = 4;
-    static constexpr std::array<const char*, 10> always = {
-        "lblMAP", "lblADV", "lblAMAP", "lblSADV", "lblKNK", "lblADVSplit", "lblRetard", "", "", ""};
     auto* grid = new QGridLayout;
     grid->setSpacing(4);
     int place = 0;
@@ -248,9 +254,7 @@ QLayout* FrmDashBoardPanel::makeReadouts() {
         auto* label = makeLabel(form);
         grid->addWidget(label, place / columns, place % columns);
         ++place;
-        const bool fuel =
-            std::none_of(always.begin(), always.end(), [&](const char* name) { return form.name == name; });
-        if (fuel) fuelParts_.push_back(label);
+        if (!isOfIgnition(form.name.toStdString())) fuelParts_.push_back(label);
     }
     for (int i = 0; i < columns; ++i) grid->setColumnStretch(i, 1);
     for (int i = 0; i < place / columns; ++i) grid->setRowStretch(i, 1);

@@ -10,13 +10,13 @@
 #include <string>
 #include <vector>
 
+#include "base/channels.h"
 #include "link/link.h"
 #include "link/recording_link_host.h"
 #include "live/frame_decoder.h"
-#include "live/live_values.h"
-#include "testing/scripted_port.h"
 #include "platform/settings_store.h"
 #include "temporary_folder.h"
+#include "testing/scripted_port.h"
 
 namespace zentaq {
 

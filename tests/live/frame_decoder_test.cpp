@@ -2,37 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
-#include <vector>
-
-#include "live/calibration_fixture.h"
+#include "live/decoding.h"
 
 namespace zentaq {
 namespace {
 
-using test::Calibration;
-
-/// A frame of zeros with some bytes set.
-std::vector<std::uint8_t> frame(std::size_t length, const std::map<int, int>& bytes) {
-    std::vector<std::uint8_t> reply(length);
-    for (const auto& [at, value] : bytes)
-        reply.at(static_cast<std::size_t>(at)) = static_cast<std::uint8_t>(value);
-    return reply;
-}
-
-struct Decoding {
-    explicit Decoding(int slot) : calibration(slot), unit(calibration.unit), decoder(live) {
-        unit.AssignDirectIndex(10, test::moffsetCell);
-        unit.AssignDirectIndex(55, test::minDutyCell);
-        unit.AssignDirectIndex(255, test::maxDutyCell);
-        unit.AssignDirectIndex(14.7F, test::afrCell);
-    }
-
-    Calibration calibration;
-    Unit& unit;
-    LiveValues live;
-    FrameDecoder decoder;
-};
+using test::Bytes;
+using test::Decoding;
+using test::frame;
+using test::wideBytes;
+using test::wideFrameOfOrba;
 
 const std::map<int, int> narrowBytesOfOrba{
     {0, 0x0C},  {1, 0x1C}, {2, 85},    {3, 255},   {4, 160},  {5, 0},   {6, 204},  {7, 51},   {8, 90},
@@ -218,77 +197,11 @@ TEST(NarrowFrameOfPzk2, ReadsOnlyItsNineValuesWithTheThrottleAtByte8) {
     EXPECT_EQ(d.live.PRIPW, 3);
 }
 
-std::map<int, int> wideBytes() {
-    return {{3, 0x0C}, {4, 0x1C},  {5, 102},   {6, 0x02},  {7, 0x58},  {8, 160},   {9, 90},    {10, 51},
-            {11, 85},  {12, 34},   {13, 17},   {14, 0},    {15, 103},  {16, 255},  {17, 127},  {18, 123},
-            {19, 51},  {20, 0x13}, {21, 0x88}, {22, 0x09}, {23, 0xC4}, {24, 51},   {25, 102},  {26, 128},
-            {27, 1},   {28, 205},  {29, 1},    {30, 0x23}, {31, 0x28}, {32, 0x03}, {33, 0xFF}, {34, 60},
-            {35, 40},  {36, 120},  {37, 50},   {38, 1},    {39, 2},    {40, 3},    {41, 100},  {42, 25},
-            {43, 4},   {44, 5},    {45, 6},    {46, 135},  {47, 0xEE}, {48, 70},   {49, 30},   {50, 85},
-            {51, 17},  {52, 128},  {53, 111},  {54, 145},  {55, 60},   {56, 21},   {57, 22},   {58, 23},
-            {59, 24},  {60, 25},   {61, 26}};
-}
-
 class WideFrameOfOrba : public testing::Test, public Decoding {
  protected:
-    WideFrameOfOrba() : Decoding(3) {
-        auto bytes = wideBytes();
-        bytes[62] = 27;
-        bytes[63] = 28;
-        bytes[64] = 0xCC;  // checksum
-        reply = frame(65, bytes);
-    }
-    std::vector<std::uint8_t> reply;
+    WideFrameOfOrba() : Decoding(3) {}
+    const Bytes reply = wideFrameOfOrba();
 };
-
-TEST_F(WideFrameOfOrba, CarriesTheCommonValuesInFineSteps) {
-    decoder.MonitorW(unit, reply);
-    EXPECT_EQ(live.RPM, 3100);
-    EXPECT_EQ(live.TPS, 2);
-    EXPECT_EQ(live.MAP, 65.9F);  // 600 / 4 = 150; (2.941176 + 0.54738) / 0.05295 = 65.884
-    EXPECT_EQ(live.CLT, 79);
-    EXPECT_EQ(live.MAT, 27);
-    EXPECT_EQ(live.PRIADV, 30);
-    EXPECT_EQ(live.SECADV, 18);
-    EXPECT_EQ(live.GAMA, 103);
-    EXPECT_EQ(live.DAFR, 9.8F);
-    EXPECT_EQ(live.AAFR, 14.73F);
-    EXPECT_EQ(live.EGOC, -5);
-    EXPECT_EQ(live.PRIPW, 5);
-    EXPECT_EQ(live.SECPW, 2.5F);
-    EXPECT_EQ(live.IACP, 50);  // 128 / 2.55 = 50.2
-    EXPECT_EQ(live.BATTV, 13.8F);
-    EXPECT_TRUE(live.CHKE);
-}
-
-TEST_F(WideFrameOfOrba, CarriesTheCorrections) {
-    decoder.MonitorW(unit, reply);
-    EXPECT_EQ(live.PRIDUTY, 20);
-    EXPECT_EQ(live.SECDUTY, 40);
-    EXPECT_EQ(live.INJ_TOG, 9);
-    EXPECT_EQ(live.SEN_MAP, 5);  // 1023 / 204.6
-    EXPECT_EQ(live.INJ_VE, 10);
-    EXPECT_EQ(live.INJ_MAT, -10);
-    EXPECT_EQ(live.INJ_CLT, 120);
-    EXPECT_EQ(live.INJ_BARO, 0);
-    EXPECT_EQ(live.INJ_SE0, 1);
-    EXPECT_EQ(live.INJ_ASE0, 2);
-    EXPECT_EQ(live.INJ_ASE1, 3);
-    EXPECT_NEAR(live.MAPACCL, 2.67433, 0.0001);  // 100 / (137 / (94.42871 * 0.0388))
-    EXPECT_EQ(live.TPSACCL, 5);
-    EXPECT_EQ(live.INJ_ACE2, 4);
-    EXPECT_EQ(live.INJ_ACE5, 5);
-    EXPECT_EQ(live.INJ_ACE6, 6);
-    EXPECT_EQ(live.INJ_VLTCOMP, 0.08F);  // 10 * 8 / 1000
-    EXPECT_EQ(live.SEN_BLEND, 70);
-    EXPECT_EQ(live.INJ_STAGE, 30);
-    EXPECT_EQ(live.ADV_TBL, 20);
-    EXPECT_EQ(live.ADV_CLT, 4);
-    EXPECT_EQ(live.ADV_MAT, 0);
-    EXPECT_EQ(live.ADV_BARO, -4);
-    EXPECT_EQ(live.ADV_IDLE, 4);
-    EXPECT_EQ(live.ISRPM, 960);
-}
 
 TEST_F(WideFrameOfOrba, LeavesTheSecondaryShareToNarrowFrames) {
     live.SECPERCENT = 12;

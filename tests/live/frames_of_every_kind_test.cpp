@@ -1,28 +1,16 @@
 // The replies of every kind, one frame of each made by hand: which bytes are read, and how many pins follow.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <map>
-#include <vector>
-
-#include "live/calibration_fixture.h"
 #include "live/check_engine.h"
-#include "live/frame_decoder.h"
+#include "live/decoding.h"
 
 namespace zentaq {
 namespace {
 
-using Bytes = std::vector<std::uint8_t>;
+using test::Bytes;
+using test::frame;
 
 constexpr std::int16_t untouched = -1;
-
-Bytes frame(std::size_t length, const std::map<int, int>& bytes) {
-    Bytes reply(length);
-    for (const auto& [at, value] : bytes) {
-        reply.at(static_cast<std::size_t>(at)) = static_cast<std::uint8_t>(value);
-    }
-    return reply;
-}
 
 /// A reply whose pins from `first` to its end carry 100, 101, ...
 Bytes withPins(std::size_t length, std::size_t first, std::size_t pins) {

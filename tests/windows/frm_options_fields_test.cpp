@@ -282,7 +282,7 @@ TEST_F(OptionsFields, ColourFieldsTakeColoursOrNothing) {
 TEST_F(OptionsFields, TheListShowsAllDataPointsInTheirOrder) {
     showing(OptionPage::DataPoints);
     auto* list = the<QListWidget>("viewList");
-    ASSERT_EQ(list->count(), 65);
+    ASSERT_EQ(list->count(), dataPointCount);
     for (int i = 0; i < list->count(); ++i) {
         EXPECT_EQ(list->item(i)->text().toStdString(), dataPointNames()[static_cast<std::size_t>(i)]);
     }
