@@ -77,10 +77,9 @@ const Row& rowNamed(const std::vector<Row>& rows, std::string Row::*name, const 
     return rows[static_cast<std::size_t>(place)];
 }
 
-void expectTaken(const RefusedMembers& refused, const QuietHost& host) {
+void expectTaken(const RefusedMembers& refused) {
     if (refused.empty()) return;
-    throw Failure(refused.front() + " does not take its value" +
-                  (host.refusals().empty() ? std::string() : ": " + host.refusals().back()));
+    throw Failure(refused.front().name + " does not take its value: " + refused.front().why.line());
 }
 
 // ---- Settings
@@ -152,11 +151,11 @@ void fill(QuietCalibration& calibration, const Database& database, const NewCali
 
     Unit& unit = calibration.unit;
     startNewCalibration(unit);
-    expectTaken(chooseEngine(unit, engine), calibration.host);
-    expectTaken(chooseSensor(unit, sensor), calibration.host);
+    expectTaken(chooseEngine(unit, engine));
+    expectTaken(chooseSensor(unit, sensor));
     putPlainFigures(unit, database, engine);
     putFigures(calibration, settings, startingFigures(database, unit.kind()).fullScalePulse);
-    expectTaken(loadDefaults(unit, database, figuresOf(unit)), calibration.host);
+    expectTaken(loadDefaults(unit, database, figuresOf(unit)));
     unit.Initialize_Trims();
     unit.BinFile(wanted.output);  // before the others: a name that is given stays
     for (const Setting& setting : settings) {

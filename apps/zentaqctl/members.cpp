@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/errors.h"
+#include "base/message_codes.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "base/shown_text.h"
@@ -78,26 +79,22 @@ Member fromRow(const UnitKind& kind, const Parameter& row) {
     // What stands in no cell comes from the reference data; a file has no place to keep it.
     if (row.readOnly || !row.hasCell()) return member;
     member.write = [&row](QuietCalibration& calibration, const std::string& value, int element) {
-        setOrThrow(calibration.unit, calibration.host, row.name, value, element);
+        setOrThrow(calibration.unit, row.name, value, element);
     };
     return member;
 }
 
 // ---- The others
 
-[[noreturn]] void refuseRange(QuietHost& host, const std::string& range) {
-    constexpr int outOfRange = 1001;
-    host.displayWarning(outOfRange, range);
-    throw Refused(host.refusals().back());
+[[noreturn]] void refuseRange(const std::string& range) {
+    throw Refused(Refusal{.warning = codes::OutOfRange, .text = range});
 }
 
 /// A number of an entry, or Refused with the warning that a field of the windows gives.
-float numberFrom(QuietHost& host, const std::string& name, const std::string& value) {
-    constexpr int notEmpty = 1003;
-    constexpr int nonNumeric = 1000;
+float numberFrom(const std::string& name, const std::string& value) {
     refuseComma(name, value);
-    if (host.checkInput(notEmpty, value) || host.checkInput(nonNumeric, value))
-        throw Refused(host.refusals().back());
+    throwIfRefused(checkFilled(value));
+    throwIfRefused(checkNumeric(value));
     const auto number = static_cast<float>(numberOf(value));
     if (!std::isfinite(number)) throw Overflow(name + ": the number is too large");
     return number;
@@ -111,21 +108,16 @@ struct Span {
     std::string text() const {
         return "(" + numberText(low) + " to " + numberText(high) + std::string(tail) + ")";
     }
+    Limits limits() const { return {static_cast<float>(low), static_cast<float>(high), text()}; }
 };
 
 /// Codes of functions; which of them a pin takes depends on pin, kind and firmware.
 constexpr Span pinFunctions{0, 29, {}};
 
-int wholeFrom(QuietHost& host, const std::string& name, const std::string& value, const Span& span) {
-    constexpr int notWhole = 1002;
-    const float number = numberFrom(host, name, value);
-    if (host.checkRange(number, static_cast<float>(span.low), static_cast<float>(span.high), span.text())) {
-        throw Refused(host.refusals().back());
-    }
-    if (std::trunc(number) != number) {
-        host.displayWarning(notWhole, {});
-        throw Refused(host.refusals().back());
-    }
+int wholeFrom(const std::string& name, const std::string& value, const Span& span) {
+    const float number = numberFrom(name, value);
+    throwIfRefused(checkLimits(number, span.limits()));
+    throwIfRefused(checkWhole(number));
     return static_cast<int>(number);
 }
 
@@ -141,7 +133,7 @@ Member wholeMember(Member member, const Span& span, ReadNumber read, WriteNumber
     if (!write) return member;
     member.write = [name = member.name, span, write = std::move(write)](
                        QuietCalibration& calibration, const std::string& value, int element) {
-        write(calibration.unit, element, wholeFrom(calibration.host, name, value, span));
+        write(calibration.unit, element, wholeFrom(name, value, span));
     };
     return member;
 }
@@ -205,7 +197,7 @@ void addTexts(std::vector<Member>& members, const UnitKind& kind) {
                            [](QuietCalibration& calibration, const std::string& value, int) {
                                calibration.unit.MAPUnits(value);
                                if (calibration.unit.MAPUnits() == value) return;
-                               refuseRange(calibration.host, "kPa, PSIA, PSIG, mmHg, inHg or %Flow");
+                               refuseRange("kPa, PSIA, PSIG, mmHg, inHg or %Flow");
                            }});
 }
 
@@ -260,7 +252,7 @@ void addControlBytes(std::vector<Member>& members) {
 
 /// Checked by the function that the pin has at this moment, as in the input/output manager.
 void writePinParameter(QuietCalibration& calibration, const std::string& value, int element) {
-    numberFrom(calibration.host, "GPIO_Param", value);
+    numberFrom("GPIO_Param", value);
     const int pin = element / pinParameters;
     const int parameter = element % pinParameters;
     GpioModel model(calibration.unit);
@@ -270,12 +262,12 @@ void writePinParameter(QuietCalibration& calibration, const std::string& value, 
                       "\", the function of pin " + numberText(pin) + ", has no parameter " +
                       numberText(parameter) + "; set GPIO_Func first, or change the cell as it stands");
     }
-    if (!model.enter(pin, row, value)) throw Refused(calibration.host.refusals().back());
+    throwIfRefused(model.enter(pin, row, value));
 }
 
 /// As the manager gives a pin its function: only what the pin offers, and with all parameters 0.
 void writePinFunction(QuietCalibration& calibration, const std::string& value, int pin) {
-    const int code = wholeFrom(calibration.host, "GPIO_Func", value, pinFunctions);
+    const int code = wholeFrom("GPIO_Func", value, pinFunctions);
     choosePinFunction(calibration.unit, "GPIO_Func", pin, code);
 }
 
@@ -356,7 +348,7 @@ void addAxisKind(std::vector<Member>& members, const UnitKind& kind, const std::
         member.write = [table, axis, names](QuietCalibration& calibration, const std::string& value, int) {
             calibration.unit.SET_TBL_AXIS_TYPE(table, axis, value);
             if (calibration.unit.GET_TBL_AXIS_TYPE(table, axis) != value) {
-                refuseRange(calibration.host, std::string(names));
+                refuseRange(std::string(names));
             }
         };
     }
@@ -380,11 +372,8 @@ void addStops(std::vector<Member>& members, const UnitKind& kind, const std::str
          },
          .write =
              [table, axis](QuietCalibration& calibration, const std::string& value, int element) {
-                 numberFrom(calibration.host, table + "." + axis, value);
-                 if (setTableHeader(calibration.unit, table, axis, element, value)) return;
-                 throw Refused(calibration.host.refusals().empty()
-                                   ? table + "." + axis + " does not take " + shownBriefly(value)
-                                   : calibration.host.refusals().back());
+                 numberFrom(table + "." + axis, value);
+                 throwIfRefused(setTableHeader(calibration.unit, table, axis, element, value));
              }});
 }
 
@@ -457,14 +446,11 @@ bool holdsAlready(Unit& unit, const Member& member, int element, double number) 
 /// The check that the table window makes of an entry. The number that the stop is already changes nothing.
 void refuseNotAscending(QuietCalibration& calibration, const Member& member, const AxisName& axis,
                         const std::string& value, int element) {
-    constexpr int notAscending = 1006;
     const auto number = parseNumber(value);
     const auto before = stopBefore(calibration.unit, axis.table, axis.axis, element);
     if (!number || !before || *before < static_cast<float>(*number)) return;
     if (holdsAlready(calibration.unit, member, element, *number)) return;
-    calibration.host.displayWarning(notAscending,
-                                    numberText(*before) + " > " + std::string(trimmed(value)) + " = FALSE");
-    throw Refused(calibration.host.refusals().back());
+    throwIfRefused(checkAscending(numberText(*before), trimmed(value)));
 }
 
 std::string withoutPrefix(const std::string& name) {

@@ -15,12 +15,6 @@
 
 namespace zentaq {
 
-namespace {
-
-constexpr int mustBeNumeric = 1000;  ///< check of an entry
-
-}  // namespace
-
 GeneralConfig::GeneralConfig(Session& session) : session_(session), rows_(mostCells), columns_(mostCells) {}
 
 GeneralConfig::~GeneralConfig() = default;
@@ -187,13 +181,13 @@ bool GeneralConfig::enterText(const GeneralRow& row, std::string_view text) {
         return false;
     }
     if (row.kind != GeneralKind::Text || !enabled(row)) return true;
-    if (session_.checkInput(mustBeNumeric, text)) return false;
+    if (session_.messages.tell(checkNumeric(text))) return false;
     const double number = numberOf(text);
     if (!std::isfinite(static_cast<float>(number))) {
-        session_.displayWarning(mustBeNumeric, "Retype Data");
+        session_.messages.Display_Warning(codes::NotANumber, "Retype Data");
         return false;
     }
-    if (figureRefused(unit(), row.member, number)) return false;
+    if (session_.messages.tell(checkFigure(unit(), row.member, number))) return false;
     if (!write(row.member, number)) return false;
     if (row.member == "INJ_FlowRate" && sizing_) sizing_->InjectorFlow = unit().get(row.member);
     noteChange(row);
@@ -213,7 +207,7 @@ void GeneralConfig::click(std::string_view control, bool on) {
 
 bool GeneralConfig::write(std::string_view member, double value) {
     const QuietUnit quiet(unit(), creating());
-    return unit().set(member, value);
+    return !session_.messages.tell(unit().set(member, value));
 }
 
 void GeneralConfig::noteChange(const GeneralRow& row) {
@@ -232,7 +226,10 @@ void GeneralConfig::noteChange(const GeneralRow& row) {
 }
 
 void GeneralConfig::noteRefused(const RefusedMembers& refused) {
-    for (const std::string& member : refused) session_.sysLog("Not taken: " + member);
+    std::vector<Refusal> reasons;
+    for (const RefusedMember& member : refused) noteRefusal(reasons, member.why);
+    session_.messages.tell(reasons);
+    for (const RefusedMember& member : refused) session_.sysLog("Not taken: " + member.name);
 }
 
 // ---- Lists

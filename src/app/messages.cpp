@@ -1,12 +1,13 @@
 #include "app/messages.h"
 
+#include <algorithm>
 #include <array>
-#include <span>
 
 #include "base/errors.h"
 #include "base/message_codes.h"
 #include "base/number_text.h"
 #include "base/text.h"
+#include "base/warning_texts.h"
 
 namespace zentaq {
 
@@ -51,33 +52,8 @@ constexpr std::array errors{
              "Error 1007: No MAP sensor calibration selected.", Icon::Critical},
 };
 
-constexpr std::string_view inputError = "Data Input Error";
-
-constexpr std::array warnings{
-    Numbered{codes::NotANumber, inputError, "Warning 1000: Data Input Error\nNon-numeric value detected.\n%",
-             "Warning 1000: Data Input Error / Non-numeric value", Icon::Exclamation},
-    Numbered{codes::OutOfRange, inputError, "Warning 1001: Data Input Error\n% - Invalid Entry.",
-             "Warning 1001: Data Input Error", Icon::Exclamation},
-    Numbered{codes::NotWhole, inputError, "Warning 1002: Data Input Error\nEnter Whole Numbers Only",
-             "Warning 1002: Data Input Error / Non Whole Number", Icon::Exclamation},
-    Numbered{codes::OwnWarning, "Warning", "%", "Warning 1003: %", Icon::Exclamation},
-    Numbered{codes::InvalidEntry, inputError,
-             "Warning 1004: Data Input Error\nThe information you have entered is invalid; please try again.",
-             "Warning 1004: Invalid Information Provided", Icon::Exclamation},
-    Numbered{codes::BlankEntry, inputError,
-             "Warning 1005: Data Input Error\nField CANNOT be NULL; please try again.",
-             "Warning 1005: NULL Value Entered", Icon::Exclamation},
-    Numbered{codes::OldFirmware, "Warning 1007",
-             "Warning 1007:\nOlder ORB Unit firmware detected. The firmware may need to be upgraded for the "
-             "unit to work properly with the new software.",
-             "Warning 1007: ORB Unit needs Firmware Upgrade.", Icon::Exclamation},
-};
-
-constexpr Numbered notAscending{codes::NotAscending, inputError,
-                                "Warning 1006: Data Input Error\nThe value you entered must be higher than "
-                                "that of the one to the left.\n%",
-                                "Warning 1006: Data Input Error / Value Lesser than Left.",
-                                Icon::Exclamation};
+/// The most lines of a box about many refused entries; the log has them all.
+constexpr std::size_t mostRefusalsShown = 8;
 
 constexpr std::array messages{
     Numbered{codes::Help, "Help", "%", "", Icon::Information},
@@ -125,15 +101,16 @@ const Numbered* find(std::span<const Numbered> table, int code) {
     return nullptr;
 }
 
-std::string filled(std::string_view pattern, std::string_view text) {
-    std::string result{pattern};
-    if (const auto at = result.find('%'); at != std::string::npos) result.replace(at, 1, text);
-    return result;
-}
-
-/// Key codes of the full stop and of two control keys, which a key handler hands in as they are.
-bool isPassingKeyCode(std::string_view value) {
-    return value == "46" || value == "19" || value == "8";
+/// What a box says of the refusals behind its first one.
+std::string furtherLines(std::span<const Refusal> further) {
+    std::string lines;
+    for (const Refusal& refusal : further.first(std::min(further.size(), mostRefusalsShown)))
+        lines += "\n" + refusal.brief();
+    if (further.size() > mostRefusalsShown) {
+        lines += "\nand " + numberText(static_cast<double>(further.size() - mostRefusalsShown)) +
+                 " more, which are in the console.";
+    }
+    return lines;
 }
 
 }  // namespace
@@ -146,17 +123,33 @@ void Messages::Display_Error(int code) {
     sysLog_(row->log);
 }
 
-void Messages::warn(const std::string& title, const std::string& text, std::string_view logLine) {
-    ++warnings_;
-    dialogs_.show({title, text, Icon::Exclamation, Buttons::Ok});
-    sysLog_(logLine);
+void Messages::warn(const WarningText& warning, std::string_view text, const std::string& further) {
+    dialogs_.show(
+        {std::string(warning.title), filled(warning.text, text) + further, Icon::Exclamation, Buttons::Ok});
+    sysLog_(filled(warning.log, text));
     focusForm_(ActiveFormName);
 }
 
 void Messages::Display_Warning(int code, std::string_view text) {
-    const Numbered* row = find(warnings, code);
-    if (row == nullptr) return;
-    warn(std::string(row->title), filled(row->text, text), filled(row->log, text));
+    const WarningText* warning = warningText(code);
+    if (warning != nullptr && code != codes::NotAscending) warn(*warning, text);
+}
+
+bool Messages::tell(const EntryOutcome& outcome) {
+    std::vector<Refusal> refused;
+    noteRefusal(refused, outcome);
+    tell(refused);
+    return !outcome;
+}
+
+void Messages::tell(std::span<const Refusal> refused) {
+    if (refused.empty()) return;
+    for (const Refusal& further : refused.subspan(1)) sysLog_(further.brief());
+    const Refusal& first = refused.front();
+    warn(*warningText(first.warning), first.text, furtherLines(refused.subspan(1)));
+    if (first.warning != codes::OutOfRange) return;
+    sysLog_(first.text);
+    sysLog_("Invalid Entry: " + first.entry + " -> " + first.limits);
 }
 
 void Messages::Display_Message(int code, std::string_view text) {
@@ -169,18 +162,14 @@ void Messages::Display_Message(int code, std::string_view text) {
 bool Messages::Check_Input(int code, std::string_view value) {
     switch (code) {
         case codes::IsNumber:
-            if (isNumeric(value) || isPassingKeyCode(value)) return false;
-            Display_Warning(codes::NotANumber, "Retype Data");
-            return true;
+            // kept: the key codes of the full stop and of two control keys pass, as any number does.
+            return tell(checkNumeric(value));
         case codes::IsWhole:
             // Kept: the pair ".," is refused, neither character alone; "1.5" passes.
             if (value.find(".,") == std::string_view::npos) return false;
-            Display_Warning(codes::NotWhole);
-            return true;
+            return tell(Refusal{.warning = codes::NotWhole});
         case codes::IsFilled:
-            if (!trimmed(value).empty()) return false;
-            Display_Warning(codes::BlankEntry);
-            return true;
+            return tell(checkFilled(value));
         case codes::MarksField:
             return checkAndMark(value);
         default:
@@ -200,22 +189,13 @@ void Messages::mark(std::string_view state) const {
 }
 
 bool Messages::Check_Range(float value, float minimum, float maximum, std::string_view rangeText) {
-    if (value <= maximum && value >= minimum) return false;
-    Display_Warning(codes::OutOfRange, rangeText);
-    sysLog_(rangeText);
-    sysLog_("Invalid Entry: " + numberText(value) + " -> " + numberText(minimum) + " to " +
-            numberText(maximum));
-    return true;
+    return tell(checkLimits(value, {minimum, maximum, std::string(rangeText)}));
 }
 
 bool Messages::Check_Ascending(const std::vector<std::string>& fields, int index) {
     if (index < 1 || index >= static_cast<int>(fields.size())) return false;
-    const std::string& left = fields[static_cast<std::size_t>(index) - 1];
-    const std::string& right = fields[static_cast<std::size_t>(index)];
-    if (numberOf(left) < numberOf(right)) return false;
-    warn(std::string(notAscending.title), filled(notAscending.text, left + " > " + right + " = FALSE"),
-         notAscending.log);
-    return true;
+    const auto right = fields.begin() + index;
+    return tell(checkAscending(*(right - 1), *right));
 }
 
 }  // namespace zentaq

@@ -1,14 +1,17 @@
 // Error_Handler: numbered boxes with their log lines, and the shared input checks.
-// Every text of a numbered condition stands in the tables of messages.cpp.
+// The texts of errors and messages stand in messages.cpp, those of warnings in base/warning_texts.cpp.
 #pragma once
 
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "app/console.h"
+#include "base/warning_texts.h"
 #include "platform/dialogs.h"
+#include "unit/entry_outcome.h"
 
 namespace zentaq {
 
@@ -25,6 +28,12 @@ class Messages {
     void Display_Warning(int code, std::string_view text = {});
     void Display_Message(int code, std::string_view text = {});
 
+    /// Tells why an entry was refused: its warning, and of a number out of range two more lines of the log.
+    /// True: refused; what has nothing to tell is refused in silence.
+    bool tell(const EntryOutcome& outcome);
+    /// The same of all that one command had refused, in one box: that of the first, with the others below.
+    void tell(std::span<const Refusal> refused);
+
     // The checks answer true when the input was refused and the user has been told.
 
     bool Check_Input(int code, std::string_view value);
@@ -36,9 +45,6 @@ class Messages {
     /// The form that gets the focus back after a warning: the one that the user's entries come from.
     std::string ActiveFormName = "frmConfig";
 
-    /// Warnings shown so far: it moves when an entry was refused.
-    int warningsShown() const { return warnings_; }
-
     /// While a program fills a field nobody has edited it: codes::MarksField raises no "Modified" then.
     bool SilentEdit = false;
     /// How codes::MarksField marks the field of the active form: "Modified", or "Invalid Entry" for a blank
@@ -48,13 +54,12 @@ class Messages {
  private:
     bool checkAndMark(std::string_view value);
     void mark(std::string_view state) const;
-    void warn(const std::string& title, const std::string& text, std::string_view logLine);
+    void warn(const WarningText& warning, std::string_view text, const std::string& further = {});
 
     Dialogs& dialogs_;
     std::function<void(std::string_view)> sysLog_;
     std::function<void(const std::string&)> focusForm_;
     std::function<void(std::string_view)> markField_;
-    int warnings_ = 0;
 };
 
 }  // namespace zentaq

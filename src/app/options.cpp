@@ -5,10 +5,10 @@
 #include <cmath>
 
 #include "app/data_points.h"
-#include "base/settings_keys.h"
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
+#include "base/settings_keys.h"
 #include "base/text.h"
 
 namespace zentaq {
@@ -53,6 +53,21 @@ bool storedOnClick(const OptionRow& row) {
 
 float entryOf(std::string_view text) {
     return static_cast<float>(std::clamp(numberOf(text), -hugeEntry, hugeEntry));
+}
+
+EntryOutcome checkEntered(const std::string& text, const Limits& limits) {
+    if (auto numeric = checkNumeric(text); !numeric) return numeric;
+    return checkLimits(entryOf(text), limits);
+}
+
+EntryOutcome checkNumber(const std::string& text) {
+    return trimmed(text).empty() ? EntryOutcome() : checkNumeric(text);
+}
+
+EntryOutcome checkColour(const std::string& text) {
+    if (trimmed(text).empty()) return {};  // the mode's own colour
+    if (auto within = checkEntered(text, {0, highestColour, "(0 - 16777215)"}); !within) return within;
+    return checkWhole(numberOf(text));
 }
 
 /// A number in its plain decimal form; another text as it is.
@@ -216,6 +231,7 @@ int Options::detectPort(MainCommands& commands) {
 
 std::vector<std::string> Options::apply() {
     refused_.clear();
+    refusals_.clear();
     applyPort();
     applyLog();
     applySettings();
@@ -226,6 +242,7 @@ std::vector<std::string> Options::apply() {
     session_.windows().showCommList(on("chkShowCommDialog"));
     session_.windows().initializeRecorderRows();
     applyTrace();
+    session_.messages.tell(refusals_);
     session_.sysLog("Application Options Have Been Applied.");
     session_.sysLog("**NOTE: Some changes require program restart before taking effect.");
     return refused_;
@@ -266,38 +283,24 @@ void Options::applySettings() {
 
 void Options::applySetting(const OptionRow& row) {
     std::string& shown = values_[std::string(row.control)];
-    const bool refused = (row.kind == OptionKind::Number && refusedNumber(shown)) ||
-                         (row.kind == OptionKind::Colour && refusedColour(shown));
-    if (refused) {
-        refused_.emplace_back(row.control);
-        return;
-    }
+    if (row.kind == OptionKind::Number && !taken(row.control, checkNumber(shown))) return;
+    if (row.kind == OptionKind::Colour && !taken(row.control, checkColour(shown))) return;
     shown = plainNumber(shown);
     store(row.key, shown);
 }
 
-bool Options::refusedNumber(const std::string& text) {
-    return !trimmed(text).empty() && session_.checkInput(1000, text);
-}
-
-bool Options::refusedColour(const std::string& text) {
-    if (trimmed(text).empty()) return false;  // the mode's own colour
-    if (session_.checkInput(1000, text)) return true;
-    if (session_.checkRange(entryOf(text), 0, highestColour, "(0 - 16777215)")) return true;
-    const double number = numberOf(text);
-    if (number == truncate(number)) return false;
-    session_.displayWarning(1002, {});
-    return true;
+bool Options::taken(std::string_view control, const EntryOutcome& outcome) {
+    if (outcome) return true;
+    refused_.emplace_back(control);
+    refusals_.push_back(outcome.refusal());
+    return false;
 }
 
 void Options::applyAlarms() {
     for (const std::string_view control : alarms) {
         std::string& field = values_[std::string(control)];
         if (trimmed(field) == keepAlarm) continue;
-        if (refusedAlarm(field)) {
-            refused_.emplace_back(control);
-            continue;
-        }
+        if (!taken(control, checkAlarm(field))) continue;
         const float entry = entryOf(field);
         const float celsius = session_.fahrenheit() ? Ecu::toCelsius(entry) : entry;
         store(rowOf(control).key, numberText(celsius));
@@ -306,12 +309,12 @@ void Options::applyAlarms() {
     }
 }
 
-bool Options::refusedAlarm(const std::string& text) {
-    if (session_.checkInput(1003, text) || session_.checkInput(1000, text)) return true;
+EntryOutcome Options::checkAlarm(const std::string& text) const {
+    if (auto filled = checkFilled(text); !filled) return filled;
     const float highest = session_.fahrenheit() ? highestFahrenheit : highestCelsius;
-    const std::string range =
-        "(" + numberText(lowestAlarm) + " - " + numberText(highest) + temperatureUnit() + ")";
-    return session_.checkRange(entryOf(text), lowestAlarm, highest, range);
+    return checkEntered(
+        text, {lowestAlarm, highest,
+               "(" + numberText(lowestAlarm) + " - " + numberText(highest) + temperatureUnit() + ")"});
 }
 
 void Options::applyTableColours() {

@@ -112,10 +112,9 @@ class Options {
     void applyTrace();
     void applySettings();
     void applySetting(const OptionRow& row);
-    bool refusedNumber(const std::string& text);
-    bool refusedColour(const std::string& text);
+    bool taken(std::string_view control, const EntryOutcome& outcome);
     void applyAlarms();
-    bool refusedAlarm(const std::string& text);
+    EntryOutcome checkAlarm(const std::string& text) const;
     void applyTableColours();
     void applyDataPoints();
     void applyDashboard();
@@ -126,6 +125,7 @@ class Options {
     std::string portIdentity_;
     std::set<int> dataPoints_;
     std::vector<std::string> refused_;
+    std::vector<Refusal> refusals_;
 };
 
 }  // namespace zentaq

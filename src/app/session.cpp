@@ -4,10 +4,10 @@
 #include <array>
 #include <utility>
 
-#include "base/settings_keys.h"
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
+#include "base/settings_keys.h"
 #include "base/text.h"
 #include "config/engine_facts.h"
 
@@ -185,14 +185,6 @@ void Session::markModified() {
 
 // ---- UnitHost
 
-bool Session::checkInput(int code, std::string_view value) {
-    return messages.Check_Input(code, value);
-}
-
-bool Session::checkRange(float value, float minimum, float maximum, std::string_view rangeText) {
-    return messages.Check_Range(value, minimum, maximum, rangeText);
-}
-
 void Session::sysLog(std::string_view text) {
     trace.note(text);
     // A log file that cannot be written must not end a command on a running engine: the line is on the
@@ -212,10 +204,6 @@ void Session::addToLastLine(std::string_view text) {
 
 void Session::displayMessage(int code, std::string_view text) {
     messages.Display_Message(code, text);
-}
-
-void Session::displayWarning(int code, std::string_view text) {
-    messages.Display_Warning(code, text);
 }
 
 void Session::inform(std::string_view text) {

@@ -147,12 +147,9 @@ class Session : public UnitHost, public LinkHost {
     std::uint64_t userChanges() const { return userChanges_; }
 
     // ---- UnitHost
-    bool checkInput(int code, std::string_view value) override;
-    bool checkRange(float value, float minimum, float maximum, std::string_view rangeText) override;
     void sysLog(std::string_view text) override;
     void addToLastLine(std::string_view text) override;
     void displayMessage(int code, std::string_view text) override;
-    void displayWarning(int code, std::string_view text) override;
     void inform(std::string_view text) override;
     void sendOnFly(std::string_view record) override;
     std::optional<EngineFacts> engine(int kind, int optionType) override;

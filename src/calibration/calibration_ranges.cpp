@@ -7,8 +7,8 @@
 
 #include "base/errors.h"
 #include "base/number_text.h"
-#include "config/basic_figures.h"
 #include "calibration/calibration_cells.h"
+#include "config/basic_figures.h"
 
 namespace zentaq {
 
@@ -47,19 +47,10 @@ std::optional<float> valueOf(Unit& unit, const CellPlace& place, int cell) {
 std::optional<Limits> limitsOf(Unit& unit, const CellPlace& place, float value) {
     if (place.role == CellRole::OutputTable) return Unit::outputTableLimits();
     if (place.role != CellRole::Member || place.row->readOnly) return {};
-    const Range& range = place.row->range;
-    if (const auto* fixed = std::get_if<FixedRange>(&range)) {
-        return Limits{fixed->minimum, fixed->maximum, std::string(place.row->rangeText)};
-    }
-    if (const auto* listed = std::get_if<ListedValues>(&range)) {
-        return Limits{listed->values.front(), listed->values.back(), std::string(place.row->rangeText)};
-    }
-    if (const auto* rangeOf = std::get_if<RangeOf>(&range)) {
-        std::optional<Limits> limits;
-        skipFailing([&] { limits = (*rangeOf)(unit, place.element, value); });
-        return limits;
-    }
-    return fixedFigureLimits(place.row->name);
+    if (std::holds_alternative<NoRange>(place.row->range)) return fixedFigureLimits(place.row->name);
+    std::optional<Limits> limits;
+    skipFailing([&] { limits = zentaq::limitsOf(unit, *place.row, place.element, value); });
+    return limits;
 }
 
 bool isWithin(float value, const Limits& limits) {

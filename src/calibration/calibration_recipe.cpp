@@ -142,17 +142,17 @@ const UnitKind& kindOfModel(const CalibrationRecipe& recipe) {
     throw RecipeError(recipe.file, 1, "there is no unit " + recipe.model);
 }
 
-void expectTaken(const CalibrationRecipe& recipe, const RefusedMembers& refused, const QuietHost& host) {
+void expectTaken(const CalibrationRecipe& recipe, const RefusedMembers& refused) {
     if (refused.empty()) return;
-    const std::string why = host.refusals().empty() ? std::string() : ": " + host.refusals().back();
-    throw RecipeError(recipe.file, 1, refused.front() + " refused its default value" + why);
+    const RefusedMember& first = refused.front();
+    throw RecipeError(recipe.file, 1, first.name + " refused its default value: " + first.why.line());
 }
 
 void applyValues(QuietCalibration& calibration, const CalibrationRecipe& recipe, const RecipeValues& values) {
     int element = values.firstElement;
     try {
         for (const std::string& value : values.values) {
-            setOrThrow(calibration.unit, calibration.host, values.member, value, element++);
+            setOrThrow(calibration.unit, values.member, value, element++);
         }
     } catch (const Failure& failure) {
         throw RecipeError(recipe.file, values.line, values.member + ": " + failure.what());
@@ -178,9 +178,9 @@ std::unique_ptr<QuietCalibration> makeCalibration(const CalibrationRecipe& recip
     auto calibration = std::make_unique<QuietCalibration>(kind, &database);
     Unit& unit = calibration->unit;
     startNewCalibration(unit);
-    expectTaken(recipe, chooseEngine(unit, *engine), calibration->host);
-    expectTaken(recipe, chooseSensor(unit, *sensor), calibration->host);
-    expectTaken(recipe, loadDefaults(unit, database, recipe.figures), calibration->host);
+    expectTaken(recipe, chooseEngine(unit, *engine));
+    expectTaken(recipe, chooseSensor(unit, *sensor));
+    expectTaken(recipe, loadDefaults(unit, database, recipe.figures));
     for (const RecipeValues& values : recipe.values) applyValues(*calibration, recipe, values);
     // The first note cell is also the fuel trim of the eighth cylinder. It stays empty, which readers of the
     // notes skip, so that the trim is none.

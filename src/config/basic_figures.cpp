@@ -141,18 +141,11 @@ Limits fixedFigureLimits(std::string_view member) {
     return {figure->minimum, figure->maximum, std::string(figure->text)};
 }
 
-bool figureRefused(Unit& unit, std::string_view member, double number) {
-    constexpr int mustBeWhole = 1002;
-    const Limits limits = figureLimits(unit, member);
-    UnitHost& host = unit.host();
-    if (!limits.unlimited() &&
-        host.checkRange(static_cast<float>(number), limits.minimum, limits.maximum, limits.text)) {
-        return true;
-    }
+EntryOutcome checkFigure(Unit& unit, std::string_view member, double number) {
+    auto within = checkLimits(static_cast<float>(number), figureLimits(unit, member));
     const Figure* figure = figureOf(member);
-    if (figure == nullptr || !figure->whole || number == std::trunc(number)) return false;
-    host.displayWarning(mustBeWhole, {});
-    return true;
+    if (!within || figure == nullptr || !figure->whole) return within;
+    return checkWhole(number);
 }
 
 std::string flowText(double flow) {

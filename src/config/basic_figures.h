@@ -35,9 +35,8 @@ std::string_view figureRange(std::string_view member);
 /// Limits of a figure that follow from no other member; Limits::none() for any other member.
 Limits fixedFigureLimits(std::string_view member);
 
-/// Checks an entry for a member by `figureLimits`, and whether it must be whole. True: refused, the user has
-/// been told.
-bool figureRefused(Unit& unit, std::string_view member, double number);
+/// Checks an entry for a member by `figureLimits`, and whether it must be whole.
+EntryOutcome checkFigure(Unit& unit, std::string_view member, double number);
 
 /// As it is shown and stored, lb/hr: "###.00".
 std::string flowText(double flow);

@@ -184,7 +184,7 @@ class Filler {
     /// A member that the kind lacks is passed over.
     void put(std::string_view member, double value, int element = 0) {
         if (!unit_.has(member)) return;
-        if (!unit_.set(member, value, element)) refused_.emplace_back(member);
+        note(member, unit_.set(member, value, element));
     }
     void put(const KindDefaults& defaults, const Load& load) {
         if (!unit_.has(load.member)) return;
@@ -193,7 +193,9 @@ class Filler {
             put(load.member, inMembersUnit(load.holds, values[i]), static_cast<int>(i));
         }
     }
-    void refuse(std::string_view member) { refused_.emplace_back(member); }
+    void note(std::string_view member, const EntryOutcome& outcome) {
+        if (!outcome) refused_.push_back({std::string(member), outcome.refusal()});
+    }
     RefusedMembers refused() { return std::move(refused_); }
 
  private:
@@ -295,9 +297,8 @@ void putStops(Filler& filler, Unit& unit) {
         for (int i = 0; i < axisCells; ++i) {
             // The axis reads back rounded, which may step over the end of the sensor.
             const float pressure = std::clamp(unit.get("MAPTBL", i), unit.MAPMin(), unit.MAPMax());
-            const bool taken = unit.Set_GPO_Stop(unit.get("RPMTBL", i), i, "X-Axis", table) &&
-                               unit.Set_GPO_Stop(pressure, i, "Y-Axis", table);
-            if (!taken) filler.refuse(table);
+            filler.note(table, unit.Set_GPO_Stop(unit.get("RPMTBL", i), i, "X-Axis", table));
+            filler.note(table, unit.Set_GPO_Stop(pressure, i, "Y-Axis", table));
         }
     }
 }

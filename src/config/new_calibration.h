@@ -26,8 +26,12 @@ struct EngineFigures {
     int columns = 16;
 };
 
-/// The members that refused their value, by name; empty when all was taken. A refusal stops nothing.
-using RefusedMembers = std::vector<std::string>;
+/// The members that did not take their value; empty when all was taken. A refusal stops nothing.
+struct RefusedMember {
+    std::string name;
+    Refusal why;
+};
+using RefusedMembers = std::vector<RefusedMember>;
 
 /// Empties the Unit object and gives it the firmware of its kind where it has none.
 void startNewCalibration(Unit& unit);

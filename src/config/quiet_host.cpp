@@ -4,41 +4,12 @@
 #include <variant>
 
 #include "base/number_text.h"
-#include "base/shown_text.h"
-#include "base/text.h"
 #include "config/basic_figures.h"
 #include "config/engine_facts.h"
 
 namespace zentaq {
 
 namespace {
-
-constexpr int nonNumeric = 1000;
-constexpr int outOfRange = 1001;
-constexpr int notWhole = 1002;
-constexpr int notEmpty = 1003;
-constexpr int nullValue = 1005;
-constexpr int notAscending = 1006;
-
-/// The words of the numbered warnings on one line, as the boxes of the windows have them.
-std::string warningLine(int code, std::string_view text) {
-    const std::string head = "Warning " + numberText(code) + ": Data Input Error: ";
-    switch (code) {
-        case nonNumeric:
-            return head + "Non-numeric value detected. " + std::string(text);
-        case outOfRange:
-            return head + std::string(text) + " - Invalid Entry.";
-        case notWhole:
-            return head + "Enter Whole Numbers Only";
-        case notAscending:
-            return head + "The value you entered must be higher than that of the one to the left. " +
-                   std::string(text);
-        case nullValue:
-            return head + "Field CANNOT be NULL; please try again.";
-        default:
-            return "Warning " + numberText(code) + ": " + std::string(text);
-    }
-}
 
 /// A figure may lie outside its limits, as where they follow from others: to enter what its cell holds
 /// changes nothing. A writer of its own would put it into other cells as well.
@@ -55,31 +26,8 @@ const Database& DatabaseSource::get() const {
     return *database_;
 }
 
-bool QuietHost::refuse(int code, std::string_view text) {
-    refusals_.push_back(warningLine(code, text));
-    return true;
-}
-
-bool QuietHost::checkInput(int code, std::string_view value) {
-    if (code == nonNumeric && !isNumeric(value)) return refuse(nonNumeric, "Retype Data");
-    // Kept: the pair ".," is refused, neither character alone.
-    if (code == notWhole && value.find(".,") != std::string_view::npos) return refuse(notWhole, {});
-    if (code == notEmpty && trimmed(value).empty()) return refuse(nullValue, {});
-    return false;
-}
-
-bool QuietHost::checkRange(float value, float minimum, float maximum, std::string_view rangeText) {
-    // What is no number lies in no range.
-    if (value <= maximum && value >= minimum) return false;
-    return refuse(outOfRange, rangeText);
-}
-
 void QuietHost::sysLog(std::string_view text) {
     lastLogLine_ = text;
-}
-
-void QuietHost::displayWarning(int code, std::string_view text) {
-    refuse(code, text);
 }
 
 std::optional<EngineFacts> QuietHost::engine(int kind, int optionType) {
@@ -100,23 +48,26 @@ float QuietHost::programVersion() const {
     return static_cast<float>(numberOf(std::string(ZENTAQ_VERSION).substr(majorPart)));
 }
 
-void setOrThrow(Unit& unit, QuietHost& host, std::string_view member, const Entry& value, int element) {
+Refused::Refused(const Refusal& refusal) : Failure(refusal.line()) {}
+
+void throwIfRefused(const EntryOutcome& outcome) {
+    if (!outcome) throw Refused(outcome.refusal());
+}
+
+void setOrThrow(Unit& unit, std::string_view member, const Entry& value, int element) {
     const Parameter* row = unit.find(member);
     const std::string name(member);
     if (row == nullptr) throw NoSuchMember(std::string(unit.kind().model) + " has no member " + name);
     if (row->readOnly) throw NoSuchMember(name + " follows from other members and cannot be set");
-    const std::size_t before = host.refusals().size();
     // A text field tests its text when it is left; the Unit object takes numbers.
-    if (!host.checkInput(notEmpty, value.text()) && !host.checkInput(nonNumeric, value.text())) {
-        if (!std::isfinite(value.number())) throw Overflow(name + ": the number is too large");
-        const bool refused = std::holds_alternative<NoRange>(row->range) &&
-                             !holdsAlready(unit, *row, value.number(), element) &&
-                             figureRefused(unit, row->name, value.number());
-        if (!refused && unit.write(*row, value, element)) return;
+    throwIfRefused(checkFilled(value.text()));
+    throwIfRefused(checkNumeric(value.text()));
+    const float number = value.number();
+    if (!std::isfinite(number)) throw Overflow(name + ": the number is too large");
+    if (std::holds_alternative<NoRange>(row->range) && !holdsAlready(unit, *row, number, element)) {
+        throwIfRefused(checkFigure(unit, row->name, number));
     }
-    if (host.refusals().size() == before)
-        throw Refused(name + " does not take " + shownBriefly(value.text()));
-    throw Refused(host.refusals().back());
+    throwIfRefused(unit.write(*row, value, element));
 }
 
 }  // namespace zentaq

@@ -19,7 +19,10 @@ namespace zentaq {
 class Refused : public Failure {
  public:
     using Failure::Failure;
+    explicit Refused(const Refusal& refusal);
 };
+
+void throwIfRefused(const EntryOutcome& outcome);
 
 /// Where reference data comes from: an open database, none, or one that is opened when it is first asked for.
 /// A program that only reads cells must not wait for a database.
@@ -42,8 +45,6 @@ class QuietHost : public UnitHost {
     /// Without a database what needs an engine or a sensor fails, as with a database file that is missing.
     explicit QuietHost(DatabaseSource database = {}) : database_(std::move(database)) {}
 
-    /// The warnings of refused values, one line each.
-    const std::vector<std::string>& refusals() const { return refusals_; }
     /// The boxes that a user would have seen.
     const std::vector<std::string>& told() const { return told_; }
     /// The on-the-fly records that were handed to the link.
@@ -52,12 +53,9 @@ class QuietHost : public UnitHost {
     /// then one for that unit.
     void firmwareKnown(bool known) { firmwareKnown_ = known; }
 
-    bool checkInput(int code, std::string_view value) override;
-    bool checkRange(float value, float minimum, float maximum, std::string_view rangeText) override;
     void sysLog(std::string_view text) override;
     void addToLastLine(std::string_view) override {}
     void displayMessage(int, std::string_view) override {}
-    void displayWarning(int code, std::string_view text) override;
     void inform(std::string_view text) override { told_.emplace_back(text); }
     void sendOnFly(std::string_view record) override { records_.emplace_back(record); }
     std::optional<EngineFacts> engine(int kind, int optionType) override;
@@ -75,12 +73,9 @@ class QuietHost : public UnitHost {
     const std::string& lastLogLine() const { return lastLogLine_; }
 
  private:
-    bool refuse(int code, std::string_view text);
-
     DatabaseSource database_;
     FileHeader header_;
     bool firmwareKnown_ = false;
-    std::vector<std::string> refusals_;
     std::vector<std::string> told_;
     std::vector<std::string> records_;
     std::string lastLogLine_;
@@ -89,6 +84,6 @@ class QuietHost : public UnitHost {
 /// Sets a member and throws Refused with the warning where it refuses, NoSuchMember where the kind lacks
 /// it or it cannot be set, BoundsError on an element outside it. A basic figure takes what its cell holds
 /// already.
-void setOrThrow(Unit& unit, QuietHost& host, std::string_view member, const Entry& value, int element = 0);
+void setOrThrow(Unit& unit, std::string_view member, const Entry& value, int element = 0);
 
 }  // namespace zentaq

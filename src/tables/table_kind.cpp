@@ -62,13 +62,13 @@ float get_binValueByIndex(Unit& unit, std::string_view table, int index, bool ab
     return absoluteVe && table == "VE" ? value + 100 : value;
 }
 
-bool set_binValueByIndex(Unit& unit, std::string_view table, float value, int index, bool absoluteVe) {
+EntryOutcome set_binValueByIndex(Unit& unit, std::string_view table, float value, int index,
+                                 bool absoluteVe) {
     const TableKind* kind = findTable(table);
-    if (kind == nullptr) return false;
+    if (kind == nullptr) return EntryOutcome::ignored();
     if (kind->isGpo()) {
         // Checked as entered: what is out of range may fit no whole number, or round into the range.
-        const Limits limits = Unit::outputTableLimits();
-        if (unit.host().checkRange(value, limits.minimum, limits.maximum, limits.text)) return false;
+        if (auto checked = checkLimits(value, Unit::outputTableLimits()); !checked) return checked;
         return unit.Set_GPIO_Table(kind->gpoNumber, index, toInt16(static_cast<double>(value)));
     }
     const float stored = absoluteVe && table == "VE" ? value - 100 : value;
@@ -88,8 +88,8 @@ float tableHeader(Unit& unit, std::string_view table, std::string_view axis, int
     return unit.get(mainHeaderMember(axis), index);
 }
 
-bool setTableHeader(Unit& unit, std::string_view table, std::string_view axis, int index,
-                    const Entry& value) {
+EntryOutcome setTableHeader(Unit& unit, std::string_view table, std::string_view axis, int index,
+                            const Entry& value) {
     if (isGpo(table)) return unit.Set_GPO_Stop(value, index, axis, table);
     return unit.set(mainHeaderMember(axis), value, index);
 }
@@ -111,17 +111,21 @@ AxisSpan axisSpan(Unit& unit, std::string_view axisKind) {
     return {};
 }
 
-void spreadAxis(Unit& unit, std::string_view table, std::string_view axis, std::string_view axisKind) {
+std::vector<Refusal> spreadAxis(Unit& unit, std::string_view table, std::string_view axis,
+                                std::string_view axisKind) {
+    std::vector<Refusal> refused;
     const bool rows = axis == "ROW-AXIS";
     const int count = rows ? shownRows(unit, table) : shownColumns(unit, table);
-    if (count < 2) return;
+    if (count < 2) return refused;
     const AxisSpan span = axisSpan(unit, axisKind);
     const float step = (span.high - span.low) / static_cast<float>(count - 1);
     for (int i = 0; i < std::min(count, storedHeaders); ++i) {
         const float even = roundTo(static_cast<float>(i) * step + span.low, 1);
         const float stop = even < span.low ? span.low : std::min(even, span.high);
-        unit.Set_GPO_Stop(static_cast<double>(stop), i, rows ? "Y-Axis" : "X-Axis", table);
+        const std::string_view stops = rows ? "Y-Axis" : "X-Axis";
+        noteRefusal(refused, unit.Set_GPO_Stop(static_cast<double>(stop), i, stops, table));
     }
+    return refused;
 }
 
 bool hasEmptyAxis(Unit& unit, std::string_view table) {
@@ -129,7 +133,8 @@ bool hasEmptyAxis(Unit& unit, std::string_view table) {
            allZero(unit, table, "X-Axis", shownColumns(unit, table));
 }
 
-void resetGpoAxes(Unit& unit) {
+std::vector<Refusal> resetGpoAxes(Unit& unit) {
+    std::vector<Refusal> refused;
     // Read first: what a damaged calibration refuses leaves both tables as they were.
     std::array<double, storedHeaders> speeds{};
     std::array<double, storedHeaders> pressures{};
@@ -146,10 +151,11 @@ void resetGpoAxes(Unit& unit) {
         unit.SET_TBL_DIMENSIONS(table, "COLS", storedHeaders);
         for (int i = 0; i < storedHeaders; ++i) {
             const auto at = static_cast<std::size_t>(i);
-            unit.Set_GPO_Stop(speeds[at], i, "X-Axis", table);
-            unit.Set_GPO_Stop(pressures[at], i, "Y-Axis", table);
+            noteRefusal(refused, unit.Set_GPO_Stop(speeds[at], i, "X-Axis", table));
+            noteRefusal(refused, unit.Set_GPO_Stop(pressures[at], i, "Y-Axis", table));
         }
     }
+    return refused;
 }
 
 }  // namespace zentaq

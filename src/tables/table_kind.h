@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "unit/unit.h"
 
@@ -41,15 +42,16 @@ int shownColumns(Unit& unit, std::string_view table);
 // ---- Values by table index, 0 to 255. BoundsError outside; 0 for a name that is no table.
 /// AFR is rounded to 2 decimals, an output table to whole percent; `absoluteVe` adds 100 to VE.
 float get_binValueByIndex(Unit& unit, std::string_view table, int index, bool absoluteVe);
-/// The mirror of the getter; an output table takes a 16-bit whole number. False when the range check refused.
-bool set_binValueByIndex(Unit& unit, std::string_view table, float value, int index, bool absoluteVe);
+/// The mirror of the getter; an output table takes a 16-bit whole number.
+EntryOutcome set_binValueByIndex(Unit& unit, std::string_view table, float value, int index, bool absoluteVe);
 
 /// What every cell of a table takes, by whatever way it comes; Limits::none() for a name that is no table.
 Limits cellLimits(Unit& unit, std::string_view table, bool absoluteVe);
 
 // ---- Headers. Axis: "X-Axis" for columns, "Y-Axis" for rows.
 float tableHeader(Unit& unit, std::string_view table, std::string_view axis, int index);
-bool setTableHeader(Unit& unit, std::string_view table, std::string_view axis, int index, const Entry& value);
+EntryOutcome setTableHeader(Unit& unit, std::string_view table, std::string_view axis, int index,
+                            const Entry& value);
 
 /// The span over which a new axis is spread evenly; both 0 for a name that is no axis kind.
 struct AxisSpan {
@@ -59,12 +61,13 @@ struct AxisSpan {
 AxisSpan axisSpan(Unit& unit, std::string_view axisKind);
 
 /// Rebuilds the stops of an axis of an output table: evenly over the span of a kind, rounded to 1 decimal.
-/// `axis` "ROW-AXIS" or "COL-AXIS".
-void spreadAxis(Unit& unit, std::string_view table, std::string_view axis, std::string_view axisKind);
+/// `axis` "ROW-AXIS" or "COL-AXIS". Answers what was refused, likewise the reset below.
+std::vector<Refusal> spreadAxis(Unit& unit, std::string_view table, std::string_view axis,
+                                std::string_view axisKind);
 
 /// Whether all row stops or all column stops of an output table are 0.
 bool hasEmptyAxis(Unit& unit, std::string_view table);
 /// Gives both output tables the RPM and MAP lists as axes and 16 by 16 cells.
-void resetGpoAxes(Unit& unit);
+std::vector<Refusal> resetGpoAxes(Unit& unit);
 
 }  // namespace zentaq

@@ -13,9 +13,6 @@ namespace zentaq {
 
 namespace {
 
-constexpr int numericCheck = 1000;
-constexpr int blankCheck = 1003;
-constexpr int emptyWarning = 1005;
 constexpr int selectedOnOpen = 10;
 constexpr std::int32_t alarmRed = 255;
 constexpr double afrBand = 0.5;
@@ -58,7 +55,7 @@ const TableKind& TableModel::kind() const {
 
 // ---- Building
 
-void TableModel::Setup_Grid(std::string_view table, std::string_view title, bool inverted) {
+std::vector<Refusal> TableModel::Setup_Grid(std::string_view table, std::string_view title, bool inverted) {
     // All or nothing: a table that cannot be shown leaves the one on the screen whole, and its name with it.
     Rollback rollback(table_, title_, inverted_, view_, grid_, cursor_, selection_, rowHeaders_,
                       columnHeaders_, undo_, undoFilled_, base_, zones_);
@@ -67,7 +64,8 @@ void TableModel::Setup_Grid(std::string_view table, std::string_view title, bool
     if (!table.empty()) table_ = table;
     if (!title.empty()) title_ = title;
     inverted_ = inverted;
-    if (kind().isGpo() && hasEmptyAxis(unit_, table_)) resetGpoAxes(unit_);
+    std::vector<Refusal> refused;
+    if (kind().isGpo() && hasEmptyAxis(unit_, table_)) refused = resetGpoAxes(unit_);
     grid_.resize(shownRows(unit_, table_), shownColumns(unit_, table_));
     fillRowHeaders();
     fillColumnHeaders();
@@ -82,6 +80,7 @@ void TableModel::Setup_Grid(std::string_view table, std::string_view title, bool
         select(cursor_.row, cursor_.column, cursor_.row, cursor_.column);
     }
     rollback.keep();
+    return refused;
 }
 
 bool TableModel::showsFahrenheit(std::string_view axis) const {
@@ -173,8 +172,8 @@ float TableModel::get_binValueByIndex(std::string_view table, int index) const {
     return zentaq::get_binValueByIndex(unit_, table, index, absoluteVe_);
 }
 
-bool TableModel::set_BinValueByIndex(std::string_view table, float value, int index) {
-    const bool stored = set_binValueByIndex(unit_, table, value, index, absoluteVe_);
+EntryOutcome TableModel::set_BinValueByIndex(std::string_view table, float value, int index) {
+    auto stored = set_binValueByIndex(unit_, table, value, index, absoluteVe_);
     if (stored) {
         ++cellsWritten_;
         shadeWritten(table, index);
@@ -239,10 +238,7 @@ KeyResult TableModel::keyOnGrid(char key) {
             break;
     }
     takeCursorToSelection();
-    if (key == '.' || key == ',') {
-        nudge(key == '.');
-        return KeyResult::Done;
-    }
+    if (key == '.' || key == ',') return KeyResult::Nudge;
     holdCursor();
     const bool printable = key >= ' ' && key <= '~';
     return printable && view_ == TableView::Values ? KeyResult::StartEdit : KeyResult::Ignored;
@@ -267,12 +263,16 @@ std::optional<EditStart> TableModel::openedBy(char key) {
     if (key == ' ') {
         return EditStart{grid_.text(cursor_.row, cursor_.column), selectedOnOpen};
     }
-    const std::string text(1, key);
-    if (key == '.' || key == '-') return EditStart{text, 0};
-    if (std::string_view("!#$@OUX").find(key) != std::string_view::npos) return {};
-    if (!unit_.host().checkInput(numericCheck, text)) return EditStart{text, 0};
-    letCursorGo();
+    const auto checked = checkFirstKey(key);
+    if (checked) return EditStart{std::string(1, key), 0};
+    if (checked.refusal().warning != 0) letCursorGo();
     return {};
+}
+
+EntryOutcome TableModel::checkFirstKey(char key) {
+    if (std::string_view(" .-").find(key) != std::string_view::npos) return {};
+    if (std::string_view("!#$@OUX").find(key) != std::string_view::npos) return EntryOutcome::ignored();
+    return checkNumeric({&key, 1});
 }
 
 bool TableModel::mayBeTyped(std::string_view text) {
@@ -300,30 +300,19 @@ Limits TableModel::typingLimits() const {
     return {0, 100, "(0 to 100%)"};
 }
 
-bool TableModel::checkTyped(std::string_view typed) {
-    UnitHost& host = unit_.host();
-    if (host.checkInput(blankCheck, typed) || host.checkInput(numericCheck, typed)) return false;
-    const auto value = parseNumber(typed);
-    if (!value) return false;
-    const Limits limits = typingLimits();
-    if (host.checkRange(static_cast<float>(*value), limits.minimum, limits.maximum, limits.text))
-        return false;
+EntryOutcome TableModel::enterValue(std::string_view typed) {
+    if (auto checked = checkTyped(typed, typingLimits()); !checked) return checked;
     // The limits of typing are a hair wider than those of the cell for some fuels.
-    CellEntry entry(unit_, table_, absoluteVe_);
-    entry.accepts(static_cast<float>(*value));
-    entry.tell();
-    return !entry.hasRefusals();
-}
-
-bool TableModel::enterValue(std::string_view typed) {
-    if (!checkTyped(typed)) return false;
+    if (auto checked = checkTyped(typed, limits()); !checked) return checked;
     const double value = numberOf(typed);
     for (int row = selection_.top; row <= selection_.bottom; ++row) {
         for (int column = selection_.left; column <= selection_.right; ++column) {
             if (!grid_.hasCell(row, column)) continue;
             bool written = false;
-            skipFailing(
-                [&] { written = writeCell(static_cast<float>(value), tableIndex(row, column), false); });
+            skipFailing([&] {
+                const auto stored = writeCell(static_cast<float>(value), tableIndex(row, column), false);
+                written = static_cast<bool>(stored);
+            });
             // As typed, with more digits than the cell may show, but an output table holds whole percent.
             if (written && !kind().isGpo()) {
                 grid_.text(row, column, numberText(value));
@@ -334,7 +323,7 @@ bool TableModel::enterValue(std::string_view typed) {
         }
     }
     letCursorGo();
-    return true;
+    return {};
 }
 
 void TableModel::leaveEdit(std::string_view typed) {
@@ -342,48 +331,38 @@ void TableModel::leaveEdit(std::string_view typed) {
     letCursorGo();
 }
 
-void TableModel::nudge(bool up) {
+EntryOutcome TableModel::nudge(bool up) {
     const double step = up ? kind().nudge : -kind().nudge;
-    const bool suppressed = overlaySuppressed_;
-    const bool previous = previousOverlay_;
-    holdCursor();  // frames go on coming while a refusal stands on the screen
-    bool inRange = true;
-    for (int row = selection_.top; inRange && row <= selection_.bottom; ++row) {
-        for (int column = selection_.left; inRange && column <= selection_.right; ++column) {
-            inRange = nudgeCell(row, column, step);
+    for (int row = selection_.top; row <= selection_.bottom; ++row) {
+        for (int column = selection_.left; column <= selection_.right; ++column) {
+            if (auto nudged = nudgeCell(row, column, step); !nudged) return nudged;
         }
     }
-    overlaySuppressed_ = suppressed;
-    previousOverlay_ = previous;
+    return {};
 }
 
-bool TableModel::nudgeCell(int row, int column, double step) {
-    if (!grid_.hasCell(row, column)) return false;
+EntryOutcome TableModel::nudgeCell(int row, int column, double step) {
+    if (!grid_.hasCell(row, column)) return EntryOutcome::ignored();
     // Kept: takes 16 for the row count whatever ROWS is, unlike every other path.
     const int index = sixteenRowIndex(row, column);
-    if (index < 0 || index >= storedCells) return false;
+    if (index < 0 || index >= storedCells) return EntryOutcome::ignored();
     const bool inView = view_ != TableView::Values;
     const float before = inView ? get_binValueByIndex(table_, index) : cellNumber(row, column);
     const auto value = static_cast<float>(static_cast<double>(before) + step);
-    const Limits limits = typingLimits();
-    if (unit_.host().checkRange(value, limits.minimum, limits.maximum, limits.text)) return false;
-    CellEntry entry(unit_, table_, absoluteVe_);
-    if (!entry.accepts(value)) {
-        entry.tell();
-        return false;
-    }
+    if (auto checked = checkLimits(value, typingLimits()); !checked) return checked;
+    if (auto checked = checkLimits(value, limits()); !checked) return checked;
     skipFailing([&] { writeCell(value, index, false); });
     if (!inView) grid_.text(row, column, numberText(value));
     if (hasEstimates()) updateEstimate(row, column);
     if (inView) showEstimate(index);
-    return true;
+    return {};
 }
 
 float TableModel::cellNumber(int row, int column) const {
     return numberOrZero(grid_.text(row, column));
 }
 
-bool TableModel::writeCell(float value, int index, bool silent) {
+EntryOutcome TableModel::writeCell(float value, int index, bool silent) {
     unit_.SILENT_MODE(silent);
     return set_BinValueByIndex(table_, value, index);
 }
@@ -404,12 +383,11 @@ std::optional<std::string> TableModel::headerPrompt(int row, int column) const {
     return "Enter a New " + name + " Header Value...";
 }
 
-bool TableModel::enterHeader(int row, int column, std::string_view typed) {
-    if (!headerPrompt(row, column)) return false;
+EntryOutcome TableModel::enterHeader(int row, int column, std::string_view typed) {
+    if (!headerPrompt(row, column)) return EntryOutcome::ignored();
     const bool isColumn = row == 0;
     const int line = isColumn ? column : row;
-    const bool entered =
-        kind().isGpo() ? enterStop(isColumn, line, typed) : enterMainHeader(isColumn, line, typed);
+    auto entered = kind().isGpo() ? enterStop(isColumn, line, typed) : enterMainHeader(isColumn, line, typed);
     paintMemory_.ofAxes(axesText());
     if (entered) paintAnew();
     return entered;
@@ -436,46 +414,47 @@ std::string TableModel::axisWarning(int row, int column) const {
     return stopNotBelowNext(numberOrZero(entry->fields[at]), numberOrZero(entry->fields[at + 1]));
 }
 
-bool TableModel::enterMainHeader(bool isColumn, int line, std::string_view typed) {
+EntryOutcome TableModel::enterMainHeader(bool isColumn, int line, std::string_view typed) {
     // An entry of 0, and one that is no number, is ignored.
     const auto value = static_cast<float>(parseNumber(typed).value_or(0));
-    if (value == 0) return false;
+    if (value == 0) return EntryOutcome::ignored();
     const std::string_view axis = isColumn ? "X-Axis" : "Y-Axis";
     const int index = isColumn ? line - 1 : storedRow(line);
-    if (!setTableHeader(unit_, table_, axis, index, static_cast<double>(value))) return false;
+    if (auto set = setTableHeader(unit_, table_, axis, index, static_cast<double>(value)); !set) return set;
     const float stored = tableHeader(unit_, table_, axis, index);
     if (isColumn) {
-        if (stored != value) return false;
+        if (stored != value) return EntryOutcome::ignored();
         grid_.text(0, line, numberText(stored));
         // Kept: the array entry written is one place past the header changed.
         columnHeaders_.at(static_cast<std::size_t>(line)) = stored;
         buildZones();
-        return true;
+        return {};
     }
-    if (stored != roundTo(value, std::max(unit_.MAPPrecision(), 0))) return false;
+    if (stored != roundTo(value, std::max(unit_.MAPPrecision(), 0))) return EntryOutcome::ignored();
     grid_.text(line, 0, numberText(stored));
     rowHeaders_.at(static_cast<std::size_t>(index)) = stored;
-    return true;
+    return {};
 }
 
-bool TableModel::enterStop(bool isColumn, int line, std::string_view typed) {
-    if (trimmed(typed).empty()) return false;
+EntryOutcome TableModel::enterStop(bool isColumn, int line, std::string_view typed) {
+    if (trimmed(typed).empty()) return EntryOutcome::ignored();
     const std::string_view axis = isColumn ? "X-Axis" : "Y-Axis";
     const int index = isColumn ? line - 1 : storedRow(line);
-    if (!setTableHeader(unit_, table_, axis, index, Entry(typed))) return false;
+    if (auto set = setTableHeader(unit_, table_, axis, index, Entry(typed)); !set) return set;
     const int row = isColumn ? 0 : line;
     const int column = isColumn ? line : 0;
     grid_.text(row, column, numberText(numberOf(typed)));
-    return true;
+    return {};
 }
 
-void TableModel::pickAxis(std::string_view key) {
-    if (!kind().isGpo() || key.size() < 2) return;
+std::vector<Refusal> TableModel::pickAxis(std::string_view key) {
+    if (!kind().isGpo() || key.size() < 2) return {};
     const std::string_view axis = key.front() == 'X' ? "COL-AXIS" : "ROW-AXIS";
     const std::string_view axisKind = key.substr(2);
     unit_.SET_TBL_AXIS_TYPE(table_, axis, axisKind);
-    spreadAxis(unit_, table_, axis, axisKind);
+    auto refused = spreadAxis(unit_, table_, axis, axisKind);
     rebuild();
+    return refused;
 }
 
 // ---- Clipboard
@@ -492,8 +471,8 @@ std::string TableModel::clip() const {
     return cells;
 }
 
-void TableModel::paste(std::string_view clipboard) {
-    if (clipboard.empty() || view_ != TableView::Values) return;
+std::vector<Refusal> TableModel::paste(std::string_view clipboard) {
+    if (clipboard.empty() || view_ != TableView::Values) return {};
     const int lastRow = selection_.present ? selection_.bottom : rows();
     const int lastColumn = selection_.present ? selection_.right : columns();
     std::vector<GridCell> pasted;
@@ -509,11 +488,10 @@ void TableModel::paste(std::string_view clipboard) {
         }
         ++row;
     }
-    CellEntry entry(unit_, table_, absoluteVe_);
-    saveCells(entry);
+    auto refused = saveEntireTable();
     for (const GridCell& cell : pasted) showStored(cell.row, cell.column);
     refreshEstimates();
-    entry.tell();
+    return refused;
 }
 
 void TableModel::showStored(int row, int column) {
@@ -529,52 +507,55 @@ bool TableModel::holdsAlready(float value, int index) const {
     return numberText(get_binValueByIndex(table_, index)) == numberText(kept);
 }
 
-void TableModel::saveCell(int row, int column, CellEntry& entry) {
+EntryOutcome TableModel::saveCell(int row, int column, const Limits& limits) {
     const int index = tableIndex(row, column);
-    if (index >= storedCells) return;
+    if (index >= storedCells) return EntryOutcome::ignored();
     // What shows the stored value is no entry: it may hold more digits, or what no entry gives.
     const std::string text = grid_.text(row, column);
-    if (text == numberText(get_binValueByIndex(table_, index))) return;
+    if (text == numberText(get_binValueByIndex(table_, index))) return {};
     // Only what differs is written: on the fly every write is a record of about 10 ms on the wire, and 256 of
     // them would hold up the frames of a running engine for nothing. A cell left alone also keeps the digits
     // that its text does not show.
-    const auto value = entry.accepted(text);
-    if (value && !holdsAlready(*value, index)) set_BinValueByIndex(table_, *value, index);
+    auto checked = checkTyped(text, limits);
+    const float value = checked ? static_cast<float>(numberOf(text)) : 0;
+    if (checked && !holdsAlready(value, index)) set_BinValueByIndex(table_, value, index);
     showStored(row, column);
+    return checked;
 }
 
-void TableModel::saveCells(CellEntry& entry) {
+std::vector<Refusal> TableModel::saveEntireTable() {
+    std::vector<Refusal> refused;
+    const Limits allowed = limits();
     for (int row = 1; row <= rows(); ++row) {
         for (int column = 1; column <= columns(); ++column)
-            skipFailing([&] { saveCell(row, column, entry); });
+            skipFailing([&] { noteRefusal(refused, saveCell(row, column, allowed)); });
     }
     unit_.SET_TBL_DIMENSIONS(table_, "ROWS", rows());
     unit_.SET_TBL_DIMENSIONS(table_, "COLS", columns());
+    return refused;
 }
 
-void TableModel::saveEntireTable() {
-    CellEntry entry(unit_, table_, absoluteVe_);
-    saveCells(entry);
-    entry.tell();
-}
-
-void TableModel::save() {
+std::vector<Refusal> TableModel::save() {
     if (view_ != TableView::Values) {
         leaveViews();
         rebuild();
     }
-    saveEntireTable();
+    return saveEntireTable();
 }
 
-void TableModel::restore() {
-    const Limits limits = typingLimits();
-    CellEntry entry(unit_, table_, absoluteVe_);
+std::vector<Refusal> TableModel::restore() {
+    std::vector<Refusal> refused;
+    const Limits typing = typingLimits();
+    const Limits allowed = limits();
     for (int i = 0; i < storedCells; ++i) {
         const auto at = static_cast<std::size_t>(i);
-        // What no build has filled holds 0; where 0 is no value of the table it is left out without a box.
-        if (!undoFilled_[at] && (undo_[at] < limits.minimum || undo_[at] > limits.maximum)) continue;
+        // What no build has filled holds 0; where 0 is no value of the table it is left out without a word.
+        if (!undoFilled_[at] && !checkLimits(undo_[at], typing)) continue;
         skipFailing([&] {
-            if (!holdsAlready(undo_[at], i) && entry.accepts(undo_[at])) writeCell(undo_[at], i, true);
+            if (holdsAlready(undo_[at], i)) return;
+            const auto checked = checkLimits(undo_[at], allowed);
+            noteRefusal(refused, checked);
+            if (checked) writeCell(undo_[at], i, true);
         });
     }
     // What is saved or pasted after this is meant for the unit again.
@@ -582,7 +563,7 @@ void TableModel::restore() {
     letCursorGo();
     unit_.host().sysLog("TBL: Data Restore Completed Successfully.");
     rebuild();
-    entry.tell();
+    return refused;
 }
 
 // ---- Views
@@ -679,17 +660,14 @@ std::string TableModel::injectorOn() const {
     return numberText(unit_.get("INJ_On"));
 }
 
-bool TableModel::enterTime(std::string_view member, std::string_view typed) {
-    UnitHost& host = unit_.host();
-    if (trimmed(typed).empty()) {
-        host.displayWarning(emptyWarning, {});
-        return false;
-    }
-    if (host.checkInput(numericCheck, typed) || !unit_.set(member, Entry(typed))) return false;
-    host.sysLog("Change Accepted");
+EntryOutcome TableModel::enterTime(std::string_view member, std::string_view typed) {
+    if (auto filled = checkFilled(typed); !filled) return filled;
+    if (auto numeric = checkNumeric(typed); !numeric) return numeric;
+    if (auto set = unit_.set(member, Entry(typed)); !set) return set;
+    unit_.host().sysLog("Change Accepted");
     refreshEstimates();
     if (view_ != TableView::Values) showView(view_);
-    return true;
+    return {};
 }
 
 // ---- Colours and live tracking

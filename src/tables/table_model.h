@@ -13,7 +13,6 @@
 #include "base/channels.h"
 #include "live/ecu.h"
 #include "tables/cell_colours.h"
-#include "tables/cell_entry.h"
 #include "tables/live_zones.h"
 #include "tables/table_grid.h"
 #include "tables/table_kind.h"
@@ -48,6 +47,7 @@ enum class KeyResult {
     Done,       ///< the model changed: draw it anew
     Unload,     ///< "X": close the window
     StartEdit,  ///< move the edit box over the current cell and open it with this key
+    Nudge,      ///< "." or ",": call `nudge`
     Ignored
 };
 
@@ -92,8 +92,8 @@ class TableModel {
     /// Fills the grid from the Unit object. An empty name or title keeps the current one. Shows values; a
     /// view flag stays only while the table does: another table begins with its values. Throws NoSuchMember
     /// for a name that is no table, and whatever keeps a damaged calibration from being shown; nothing has
-    /// changed then.
-    void Setup_Grid(std::string_view table, std::string_view title, bool inverted);
+    /// changed then. Answers the stops that were refused where an output table got new axes.
+    std::vector<Refusal> Setup_Grid(std::string_view table, std::string_view title, bool inverted);
     void rebuild() { Setup_Grid({}, {}, inverted_); }
 
     const TableGrid& grid() const { return grid_; }
@@ -118,7 +118,7 @@ class TableModel {
 
     // ---- Values. `column` counts from 0 here.
     float get_binValueByIndex(std::string_view table, int index) const;
-    bool set_BinValueByIndex(std::string_view table, float value, int index);
+    EntryOutcome set_BinValueByIndex(std::string_view table, float value, int index);
     /// 0 for an index of 256 or above.
     float get_BinValue(std::string_view table, int row, int column) const;
     /// Only indexes 0 to 255 reach the table.
@@ -138,18 +138,18 @@ class TableModel {
     /// The text that the edit box opens with, or nothing when this key does not start editing. Until the
     /// edit ends (`enterValue`, `leaveEdit`, `letCursorGo`) live tracking leaves the cursor alone.
     std::optional<EditStart> startEdit(char key);
+    /// Why a key begins no number.
+    static EntryOutcome checkFirstKey(char key);
     /// Whether the box may hold a text while a user types.
     static bool mayBeTyped(std::string_view text);
-    /// Enter in the edit box: checks in order, then writes to every cell of the selection. False: refused,
-    /// the user has been told, nothing changed.
-    bool enterValue(std::string_view typed);
+    /// Enter in the edit box: checks in order, then writes to every cell of the selection.
+    EntryOutcome enterValue(std::string_view typed);
     /// Leaving the box without Enter: the text goes to the cell with no check and nothing is written.
     void leaveEdit(std::string_view typed);
     /// The limits of a typed value, with the text of the range check.
     Limits typingLimits() const;
-    /// "." and ",": adds a step to every selected cell, stopping at the first that would leave its range. A
-    /// cursor that is held stays so, for the next step goes to the same cells.
-    void nudge(bool up);
+    /// "." and ",": adds a step to every selected cell, stopping at the first that would leave its range.
+    EntryOutcome nudge(bool up);
     /// Writes one value; `silent` keeps it off the wire. Ends with the overlay as it was before editing.
     void silentWrite(float value, int index, bool silent);
 
@@ -160,28 +160,28 @@ class TableModel {
     std::optional<AxisEntry> axisEntry(int row, int column, std::string_view typed) const;
     /// What the tuner is told of a header that is not below the next one of its axis; empty where it is.
     std::string axisWarning(int row, int column) const;
-    /// The answer to that prompt. True when the header changed.
-    bool enterHeader(int row, int column, std::string_view typed);
+    /// The answer to that prompt; taken when the header changed.
+    EntryOutcome enterHeader(int row, int column, std::string_view typed);
     /// A new axis kind from the toolbar. Key "X_RPM" or "Y_CLT".
-    void pickAxis(std::string_view key);
+    std::vector<Refusal> pickAxis(std::string_view key);
 
     // ---- Clipboard: cells separated by tabs, rows by line ends
     std::string clip() const;  ///< the selected cells
     /// Fills cells from the top left of the selection on, within a selection of more than one cell or else to
     /// the edge of the grid, and writes the grid back as saveEntireTable() does.
     /// Does nothing in a view: its cells are estimates, which written back would be taken for values.
-    void paste(std::string_view clipboard);
+    std::vector<Refusal> paste(std::string_view clipboard);
 
     // ---- The whole grid
     /// Writes back every cell whose text is not what the calibration holds; a refused cell keeps its stored
-    /// value and shows it again, the rest goes on, and one box tells of all that was refused.
-    void saveEntireTable();
+    /// value and shows it again, and the rest goes on.
+    std::vector<Refusal> saveEntireTable();
     /// Toolbar "Save": from an active view, goes back to values first.
-    void save();
+    std::vector<Refusal> save();
     /// Brings back the values of the last build.
     /// Kept: they were noted by a running count of shown cells and come back by table index, so in a table of
     /// fewer than 16 columns they land elsewhere.
-    void restore();
+    std::vector<Refusal> restore();
     /// Cells stored since the window was made, whoever stored them: it moves when the calibration was
     /// changed.
     int cellsWritten() const { return cellsWritten_; }
@@ -202,8 +202,8 @@ class TableModel {
     /// txtTOG and txtIOT, for "VE" and "SPW".
     std::string timeOfGap() const;
     std::string injectorOn() const;
-    /// Enter in txtTOG (`scale1`) or txtIOT (`INJ_On`). False: refused, the previous text stands.
-    bool enterTime(std::string_view member, std::string_view typed);
+    /// Enter in txtTOG (`scale1`) or txtIOT (`INJ_On`).
+    EntryOutcome enterTime(std::string_view member, std::string_view typed);
 
     // ---- Colours and live tracking
     TableColour colourMode() const { return colourMode_; }
@@ -225,6 +225,25 @@ class TableModel {
     /// The user's hand is on the grid: suppresses the overlay until `letCursorGo`. Held once more it still
     /// goes back to the state before the first.
     void holdCursor();
+    /// Keeps the live point from the cursor for a while, whatever has held it before.
+    class CursorHold {
+     public:
+        explicit CursorHold(TableModel& model)
+            : model_(model), suppressed_(model.overlaySuppressed_), previous_(model.previousOverlay_) {
+            model.holdCursor();
+        }
+        ~CursorHold() {
+            model_.overlaySuppressed_ = suppressed_;
+            model_.previousOverlay_ = previous_;
+        }
+        CursorHold(const CursorHold&) = delete;
+        CursorHold& operator=(const CursorHold&) = delete;
+
+     private:
+        TableModel& model_;
+        bool suppressed_;
+        bool previous_;
+    };
     /// The edit is over, or the user lets go: the overlay as it was before the cursor was held. Does nothing
     /// to an overlay that the user has switched off.
     void letCursorGo();
@@ -254,12 +273,11 @@ class TableModel {
     void repaintRemembered();
     float cellNumber(int row, int column) const;
     void takeCursorToSelection();
-    bool checkTyped(std::string_view typed);
-    bool nudgeCell(int row, int column, double step);
-    bool writeCell(float value, int index, bool silent);
+    Limits limits() const { return cellLimits(unit_, table_, absoluteVe_); }
+    EntryOutcome nudgeCell(int row, int column, double step);
+    EntryOutcome writeCell(float value, int index, bool silent);
     bool holdsAlready(float value, int index) const;
-    void saveCell(int row, int column, CellEntry& entry);
-    void saveCells(CellEntry& entry);
+    EntryOutcome saveCell(int row, int column, const Limits& limits);
     void showStored(int row, int column);
     void updateEstimate(int row, int column);
     void showEstimate(int index);
@@ -270,8 +288,8 @@ class TableModel {
     void placeMarker(float x, float y);
     void paintCurrent(Paint paint);
     void paintByAfr();
-    bool enterMainHeader(bool isColumn, int line, std::string_view typed);
-    bool enterStop(bool isColumn, int line, std::string_view typed);
+    EntryOutcome enterMainHeader(bool isColumn, int line, std::string_view typed);
+    EntryOutcome enterStop(bool isColumn, int line, std::string_view typed);
 
     Unit& unit_;
     Ecu& ecu_;

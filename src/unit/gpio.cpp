@@ -99,15 +99,13 @@ float Unit::Get_GPIO_Table(int table, int index) {
     return kind_->hasCalibration ? cellAt(tableCell(kind_->cells, table, index)) : 0;
 }
 
-bool Unit::Set_GPIO_Table(int table, int index, float value) {
-    if (!kind_->hasCalibration) return false;
+EntryOutcome Unit::Set_GPIO_Table(int table, int index, float value) {
+    if (!kind_->hasCalibration) return EntryOutcome::ignored();
     const int cell = tableCell(kind_->cells, table, index);
-    const Limits limits = outputTableLimits();
-    if (host_.checkRange(value, limits.minimum, limits.maximum, limits.text)) return false;
-    if (!std::isfinite(value)) throw Overflow();
+    if (auto checked = checkLimits(value, outputTableLimits()); !checked) return checked;
     cellAt(cell) = value;
     SendOnFly(cell, value * 2.55, 1);
-    return true;
+    return {};
 }
 
 int Unit::Get_GPO_TblNum(int pin) const {

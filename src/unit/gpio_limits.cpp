@@ -67,7 +67,7 @@ bool isPressure(std::string_view word) {
     return std::ranges::find(units, word) != units.end();
 }
 
-GpioLimits pressureLimits(Unit& unit) {
+Limits pressureLimits(Unit& unit) {
     const float low = unit.MAPMin();
     const float high = unit.MAPMax();
     const int places = unit.MAPPrecision();
@@ -77,64 +77,17 @@ GpioLimits pressureLimits(Unit& unit) {
         .text = "(" + numberText(roundTo(low, places)) + " to " + numberText(roundTo(high, places)) + ")"};
 }
 
-bool isStep(float value, double step) {
-    // A 32-bit entry is off its decimal form by some millionths of a step, a wrong entry by a tenth at least.
-    constexpr double slack = 1e-3;
-    const double steps = static_cast<double>(value) / step;
-    return std::abs(steps - roundHalfEven(steps)) <= slack;
-}
-
-bool isListed(const GpioLimits& limits, float value) {
-    return limits.listed.empty() || std::ranges::find(limits.listed, value) != limits.listed.end();
-}
-
-/// As the shared range check tells a refusal.
-void refuse(UnitHost& host, float value, std::string_view text) {
-    constexpr int invalidEntry = 1001;
-    host.displayWarning(invalidEntry, text);
-    host.sysLog(text);
-    host.sysLog("Invalid Entry: " + numberText(value) + " -> " + std::string(text));
-}
-
 }  // namespace
 
-bool GpioLimits::unlimited() const {
-    return minimum == -std::numeric_limits<float>::infinity();
-}
-
-GpioLimits GpioLimits::none() {
-    constexpr float far = std::numeric_limits<float>::infinity();
-    return {.minimum = -far, .maximum = far};
-}
-
-GpioLimits gpioLimitsOf(Unit& unit, std::string_view word) {
+Limits gpioLimitsOf(Unit& unit, std::string_view word) {
     if (isPressure(word)) return pressureLimits(unit);
     const auto found = std::ranges::find(words, word, &WordRow::word);
-    if (found == words.end()) return GpioLimits::none();
+    if (found == words.end()) return Limits::none();
     return {.minimum = found->minimum,
             .maximum = found->maximum,
             .text = std::string(found->text),
             .listed = found->listed,
             .step = found->step};
-}
-
-bool gpioAccepts(Unit& unit, const GpioLimits& limits, float value) {
-    UnitHost& host = unit.host();
-    if (!std::isfinite(value)) {
-        refuse(host, value, limits.text);
-        return false;
-    }
-    if (limits.unlimited()) return true;
-    if (host.checkRange(value, limits.minimum, limits.maximum, limits.text)) return false;
-    if (!isListed(limits, value)) {
-        refuse(host, value, limits.text);
-        return false;
-    }
-    if (limits.step > 0 && !isStep(value, limits.step)) {
-        refuse(host, value, limits.stepText.empty() ? limits.text : limits.stepText);
-        return false;
-    }
-    return true;
 }
 
 }  // namespace zentaq

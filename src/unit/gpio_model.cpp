@@ -13,9 +13,6 @@ namespace zentaq {
 
 namespace {
 
-constexpr int emptyCheck = 1003;
-constexpr int numericCheck = 1000;
-
 // The parameters of a speed input. The first is what the unit takes.
 constexpr int pulsesPerMileParameter = 0;
 constexpr int tireDiameterParameter = 3;
@@ -265,9 +262,9 @@ float GpioModel::toCell(const GpioRow& row, float value) const {
     return isPressure(row.form) ? unit_.voltsToKPa(unit_.pressureToVolts(value)) : value;
 }
 
-GpioLimits GpioModel::limitsOf(const GpioRow& row, const std::string& word) const {
+Limits GpioModel::limitsOf(const GpioRow& row, const std::string& word) const {
     if (row.minimum == row.maximum) {
-        GpioLimits limits = gpioLimitsOf(unit_, word);
+        Limits limits = gpioLimitsOf(unit_, word);
         if (row.step > 0) {
             limits.step = row.step;
             limits.stepText = std::string(row.hint);
@@ -320,20 +317,15 @@ float GpioModel::shownParameter(int pin, int parameter) const {
     return row < 0 ? cell : fromCell(rowsOf(storedCode(pin))[static_cast<std::size_t>(row)], cell);
 }
 
-bool GpioModel::enter(int pin, int row, std::string_view text) {
+EntryOutcome GpioModel::enter(int pin, int row, std::string_view text) {
     const auto rows = rowsOf(storedCode(pin));
-    if (row < 0 || row >= static_cast<int>(rows.size())) return false;
+    if (row < 0 || row >= static_cast<int>(rows.size())) return EntryOutcome::ignored();
     const GpioRow& edited = rows[static_cast<std::size_t>(row)];
-    if (!hasValue(edited.form)) return false;
-    UnitHost& host = unit_.host();
-    if (host.checkInput(emptyCheck, text) || host.checkInput(numericCheck, text)) return false;
-    const auto number = parseNumber(text);
-    if (!number) return false;
-    const auto value = static_cast<float>(*number);
-    if (!gpioAccepts(unit_, limitsOf(edited, wordOf(unit_, edited)), value)) return false;
-    unit_.Set_GPIO_Param(pin, edited.parameter, toCell(edited, value));
+    if (!hasValue(edited.form)) return EntryOutcome::ignored();
+    if (auto checked = checkTyped(text, limitsOf(edited, wordOf(unit_, edited))); !checked) return checked;
+    unit_.Set_GPIO_Param(pin, edited.parameter, toCell(edited, static_cast<float>(numberOf(text))));
     updatePulses(pin, edited.parameter);
-    return true;
+    return {};
 }
 
 void GpioModel::updatePulses(int pin, int parameter) {

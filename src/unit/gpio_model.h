@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "unit/entry_outcome.h"
 #include "unit/gpio_limits.h"
 #include "unit/gpio_pins.h"
 #include "unit/gpio_rows.h"
@@ -42,7 +43,7 @@ struct GpioParamRow {
     std::string unit;
     int parameter = -1;  ///< what it edits, from 0; -1 for an action or a notice
     GpioRowForm form = GpioRowForm::Number;
-    GpioLimits limits;
+    Limits limits;
 };
 
 /// What came of choosing a function.
@@ -96,9 +97,8 @@ class GpioModel {
     std::vector<std::string> oddFunctions() const;
 
     /// Checks a typed value for a row of the pin's stored function and stores it; with ONFLY_MODE the unit is
-    /// told. False when refused: the user has been told, the value is as it was. Rows without a value refuse
-    /// in silence.
-    bool enter(int pin, int row, std::string_view text);
+    /// told. Rows without a value ignore it.
+    EntryOutcome enter(int pin, int row, std::string_view text);
 
     /// The row that edits a parameter of the pin's stored function, as `enter` counts rows; -1 for none.
     int rowOf(int pin, int parameter) const;
@@ -119,7 +119,7 @@ class GpioModel {
     const GpioPins& pins() const;
     std::span<const GpioRow> rowsOf(int code) const;
     GpioParamRow shown(const GpioRow& row, int pin, int code) const;
-    GpioLimits limitsOf(const GpioRow& row, const std::string& word) const;
+    Limits limitsOf(const GpioRow& row, const std::string& word) const;
     float fromCell(const GpioRow& row, float cell) const;
     float toCell(const GpioRow& row, float value) const;
     void updatePulses(int pin, int parameter);

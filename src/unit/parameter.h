@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <limits>
+#include <span>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -14,11 +15,14 @@ namespace zentaq {
 class Unit;
 struct Parameter;
 
-/// The limits of an entry at this moment, with the text that the range check shows.
+/// The limits of an entry at this moment, both included, with the text that a refusal shows.
 struct Limits {
     float minimum = 0;
     float maximum = 0;
     std::string text;
+    std::span<const float> listed = {};  ///< nothing else is taken; in the order that the text names them
+    double step = 0;                     ///< entries are multiples of it; 0: any number
+    std::string stepText = {};           ///< told when only the step is missed; empty: `text`
 
     /// Anything is accepted.
     static Limits none() {

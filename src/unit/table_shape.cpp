@@ -131,23 +131,20 @@ float Unit::Get_GPO_Stop(int i, std::string_view axis, std::string_view table) {
     return cellAt(*cell);
 }
 
-bool Unit::Set_GPO_Stop(const Entry& value, int i, std::string_view axis, std::string_view table) {
-    constexpr int notEmpty = 1003;
-    if (!kind_->hasCalibration) return false;
+EntryOutcome Unit::Set_GPO_Stop(const Entry& value, int i, std::string_view axis, std::string_view table) {
+    if (!kind_->hasCalibration) return EntryOutcome::ignored();
     const auto cell = stopCell(i, axis, table);
-    if (!cell) return false;
+    if (!cell) return EntryOutcome::ignored();
     if (!kind_->cells.hasAxisWords) return set(axisMember(axis), value, i);
-    if (host_.checkInput(notEmpty, value.text())) return false;
+    if (value.isBlank()) return checkFilled({});
     const float number = value.number();
     const std::string kind = GET_TBL_AXIS_TYPE(table, axis == "Y-Axis" ? "ROW-AXIS" : "COL-AXIS");
-    const Limits limits = stopLimits(*this, kind);
-    if (!limits.unlimited() && host_.checkRange(number, limits.minimum, limits.maximum, limits.text))
-        return false;
+    if (auto checked = checkLimits(number, stopLimits(*this, kind)); !checked) return checked;
     if (!std::isfinite(number)) throw Overflow();  // an axis without a kind has no range
     // A user of Fahrenheit enters what the grid shows; the cell and the unit's image hold Celsius.
     const bool fahrenheit = (kind == "CLT" || kind == "MAT") && host_.fahrenheit();
     cellAt(*cell) = fahrenheit ? toCelsius(number) : number;
-    return true;
+    return {};
 }
 
 double Unit::convertStopPointsToUnit(int cellIndex) {

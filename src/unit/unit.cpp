@@ -8,6 +8,7 @@
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
+#include "base/text.h"
 #include "unit/member_index.h"
 
 namespace zentaq {
@@ -16,6 +17,10 @@ namespace zentaq {
 
 std::string Entry::text() const {
     return isText_ ? text_ : numberText(static_cast<float>(number_));
+}
+
+bool Entry::isBlank() const {
+    return isText_ && trimmed(text_).empty();
 }
 
 float Entry::number() const {
@@ -76,14 +81,15 @@ float Unit::read(const Parameter& row, int element) {
     return row.read != nullptr ? row.read(*this, row, element) : cellAt(row.cell(element));
 }
 
-bool Unit::set(std::string_view member, const Entry& value, int element) {
+EntryOutcome Unit::set(std::string_view member, const Entry& value, int element) {
     const Parameter* row = find(member);
-    return row != nullptr && write(*row, value, element);
+    return row == nullptr ? EntryOutcome::ignored() : write(*row, value, element);
 }
 
-bool Unit::write(const Parameter& row, const Entry& value, int element) {
+EntryOutcome Unit::write(const Parameter& row, const Entry& value, int element) {
     checkElement(row, element);
-    if (row.readOnly || !accepted(row, value, element)) return false;
+    if (row.readOnly) return EntryOutcome::ignored();
+    if (auto checked = checkEntry(*this, row, value, element); !checked) return checked;
     const float number = value.number();
     // A member without a range lets any number pass; what fits no cell must not get into a file.
     if (!std::isfinite(number)) throw Overflow();
@@ -94,7 +100,7 @@ bool Unit::write(const Parameter& row, const Entry& value, int element) {
         cellAt(row.cell(element)) = number;
     }
     if (onTheFly_ && after == After::Send && !(silent_ && row.obeysSilent)) send(row, element, number);
-    return true;
+    return {};
 }
 
 void Unit::store(std::string_view member, float value, int element) {
@@ -109,47 +115,11 @@ void Unit::store(std::string_view member, float value, int element) {
     row->write(*this, *row, value, element);
 }
 
-bool Unit::accepted(const Parameter& row, const Entry& value, int element) {
-    constexpr int notEmpty = 1003;
-    if (host_.checkInput(notEmpty, value.text())) return false;
-    return inRange(row, value.number(), element);
-}
-
-bool Unit::inRange(const Parameter& row, float value, int element) {
-    if (const auto* fixed = std::get_if<FixedRange>(&row.range)) {
-        return !host_.checkRange(value, fixed->minimum, fixed->maximum, row.rangeText);
-    }
-    if (const auto* rangeOf = std::get_if<RangeOf>(&row.range)) {
-        const Limits limits = (*rangeOf)(*this, element, value);
-        return limits.unlimited() || !host_.checkRange(value, limits.minimum, limits.maximum, limits.text);
-    }
-    if (const auto* listed = std::get_if<ListedValues>(&row.range)) {
-        const auto& values = listed->values;
-        if (host_.checkRange(value, values.front(), values.back(), row.rangeText)) return false;
-        if (std::ranges::find(values, value) != values.end()) return true;
-        constexpr int invalidEntry = 1001;
-        host_.displayWarning(invalidEntry, row.rangeText);
-        host_.sysLog(row.rangeText);
-        host_.sysLog("Invalid Entry: " + numberText(value) + " -> " + std::string(row.rangeText));
-        return false;
-    }
-    return true;
-}
-
 Limits Unit::limits(std::string_view member, int element) {
     const Parameter* row = find(member);
     if (row == nullptr) return Limits::none();
     checkElement(*row, element);
-    if (const auto* fixed = std::get_if<FixedRange>(&row->range)) {
-        return {fixed->minimum, fixed->maximum, std::string(row->rangeText)};
-    }
-    if (const auto* listed = std::get_if<ListedValues>(&row->range)) {
-        return {listed->values.front(), listed->values.back(), std::string(row->rangeText)};
-    }
-    if (const auto* rangeOf = std::get_if<RangeOf>(&row->range)) {
-        return (*rangeOf)(*this, element, std::numeric_limits<float>::quiet_NaN());
-    }
-    return Limits::none();
+    return limitsOf(*this, *row, element, std::numeric_limits<float>::quiet_NaN());
 }
 
 // ---- Cells

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "unit/entry_outcome.h"
 #include "unit/parameter.h"
 #include "unit/unit_host.h"
 #include "unit/unit_kind.h"
@@ -27,6 +28,7 @@ class Entry {
     Entry(const std::string& text) : text_(text), isText_(true) {}  // NOLINT
     /// The text as typed, or the number's plain text.
     std::string text() const;
+    bool isBlank() const;
     /// Throws TypeMismatch when the text is no number.
     float number() const;
 
@@ -55,17 +57,17 @@ class Unit {
     UnitHost& host() const { return host_; }
 
     // ---- Members by name ("KNK_MIN", "VE", "opt_KnockActive"). A kind that lacks one is silent:
-    // get answers 0, set stores nothing and answers false. An element outside the member throws BoundsError.
+    // get answers 0, set ignores the entry. An element outside the member throws BoundsError.
     bool has(std::string_view member) const;
     const Parameter* find(std::string_view member) const;
     float get(std::string_view member, int element = 0);
-    /// Entry check, range check, store, send. True when stored.
-    bool set(std::string_view member, const Entry& value, int element = 0);
+    /// Checks, stores and sends. What is refused changes nothing; whose command it was tells the user.
+    EntryOutcome set(std::string_view member, const Entry& value, int element = 0);
     /// The limits in force; an infinite pair where there is no range. Reading may repair cells.
     Limits limits(std::string_view member, int element = 0);
     /// The same by row, for callers that walk `kind().parameters`.
     float read(const Parameter& row, int element = 0);
-    bool write(const Parameter& row, const Entry& value, int element = 0);
+    EntryOutcome write(const Parameter& row, const Entry& value, int element = 0);
     /// Stores without checks and without sending, by the member's own rule.
     void store(std::string_view member, float value, int element = 0);
 
@@ -140,7 +142,7 @@ class Unit {
     std::string GET_TBL_AXIS_TYPE(std::string_view table, std::string_view axis) const;
     void SET_TBL_AXIS_TYPE(std::string_view table, std::string_view axis, std::string_view name);
     float Get_GPO_Stop(int i, std::string_view axis, std::string_view table);
-    bool Set_GPO_Stop(const Entry& value, int i, std::string_view axis, std::string_view table);
+    EntryOutcome Set_GPO_Stop(const Entry& value, int i, std::string_view axis, std::string_view table);
 
     // ---- Input/output blocks
     int Get_GPIOFUNC(int pin) const;
@@ -153,8 +155,8 @@ class Unit {
     float Get_GPIO_Param(int pin, int parameter) const;
     void Set_GPIO_Param(int pin, int parameter, float value);
     float Get_GPIO_Table(int table, int index);
-    /// Whole percent, 0 to 100. False when refused: the user has been told, the cell is as it was.
-    bool Set_GPIO_Table(int table, int index, float value);
+    /// Whole percent, 0 to 100.
+    EntryOutcome Set_GPIO_Table(int table, int index, float value);
     static Limits outputTableLimits() { return {0, 100, "(0 to 100%)"}; }
     int Get_GPO_TblNum(int pin) const;
     void Zeroize_GPIO(int pin);
@@ -232,8 +234,6 @@ class Unit {
     void setControlBit(int which, int bit, bool on);
     void storeControlBytes();
 
-    bool accepted(const Parameter& row, const Entry& value, int element);
-    bool inRange(const Parameter& row, float value, int element);
     void send(const Parameter& row, int element, float entry);
     template <typename MakeRecord>
     void handOver(MakeRecord&& record);

@@ -1,4 +1,4 @@
-// What a Unit object needs of the program around it: checks and boxes, the log, the link, reference data.
+// What a Unit object needs of the program around it: boxes, the log, the link, reference data.
 // The program implements it once; tests implement a recording one.
 #pragma once
 
@@ -43,14 +43,9 @@ class UnitHost {
  public:
     virtual ~UnitHost() = default;
 
-    // Shared checks; true means refused, and the user has been told.
-    virtual bool checkInput(int code, std::string_view value) = 0;
-    virtual bool checkRange(float value, float minimum, float maximum, std::string_view rangeText) = 0;
-
     virtual void sysLog(std::string_view text) = 0;
     virtual void addToLastLine(std::string_view text) = 0;
     virtual void displayMessage(int code, std::string_view text) = 0;
-    virtual void displayWarning(int code, std::string_view text) = 0;
     /// A plain box with OK; lines separated by '\n'.
     virtual void inform(std::string_view text) = 0;
 

@@ -320,7 +320,7 @@ void FrmTable::Setup_Grid(const std::string& table, const std::string& title) {
     TableModel& shown = fresh ? *fresh : *model_;
     shown.colourMode(colourModeOf(session_.TableColorMode));
     // Throws for a table that cannot be shown: the window keeps the one that it has, and an open edit.
-    shown.Setup_Grid(table, title, shown.inverted());
+    const auto refused = shown.Setup_Grid(table, title, shown.inverted());
     closeEdit();
     textLeft_ = false;
     if (fresh) {
@@ -334,6 +334,7 @@ void FrmTable::Setup_Grid(const std::string& table, const std::string& title) {
     showAll();
     sizeColumns();
     showCursor();
+    tell(refused);
 }
 
 void FrmTable::showUnit() {
@@ -634,10 +635,10 @@ void FrmTable::playBack() {
     while (!held_.empty() && !locked_ && !closing_) {
         const Held next = std::move(held_.front());
         held_.pop_front();
-        const int warnings = session_.messages.warningsShown();
+        const int refusals = refusals_;
         play(next);
         if (!self) return;  // the command has closed the table, and what waited was taken from it
-        if (!next.command && session_.messages.warningsShown() != warnings) dropHeld();
+        if (!next.command && refusals_ != refusals) dropHeld();
     }
 }
 
@@ -674,37 +675,62 @@ void FrmTable::dropHeld() {
 // ---- Keys
 
 void FrmTable::pressed(char key) {
-    const QPointer<FrmTable> self(this);
-    const auto model = model_;
-    const int written = model->cellsWritten();
-    const bool nudging = key == '.' || key == ',';
-    const KeyResult result = model->keyOnGrid(key);
-    if (!self || model != model_) return;
-    switch (result) {
+    switch (model_->keyOnGrid(key)) {
         case KeyResult::Unload:
             close();
             return;
         case KeyResult::StartEdit:
             openEdit(key);
             break;
+        case KeyResult::Nudge:
+            nudge(key == '.');
+            break;
         case KeyResult::Done:
-            markIfWritten(written);
             showAll();
-            if (!nudging) sizeColumns();
+            sizeColumns();
             break;
         case KeyResult::Ignored:
+            showItems();
             break;
     }
-    if (!closing_) showItems();
+}
+
+void FrmTable::nudge(bool up) {
+    const int written = model_->cellsWritten();
+    const auto nudged = model_->nudge(up);
+    markIfWritten(written);
+    showAll();
+    tell(nudged);
 }
 
 // ---- Editing
+
+bool FrmTable::tell(const EntryOutcome& outcome) {
+    std::vector<Refusal> refused;
+    noteRefusal(refused, outcome);
+    return tell(refused);
+}
+
+bool FrmTable::tell(std::span<const Refusal> refused) {
+    if (refused.empty()) return true;
+    ++refusals_;
+    const QPointer<FrmTable> self(this);
+    const auto model = model_;
+    // The live point stays away from the cell that the box is about.
+    const TableModel::CursorHold hold(*model);
+    committing_ = true;
+    session_.messages.tell(refused);
+    if (!self) return false;
+    committing_ = false;
+    return model == model_;
+}
 
 void FrmTable::openEdit(char key) {
     const auto start = model_->startEdit(key);
     showItems();
     if (!start) {
         Grid1_->setFocus();
+        tell(TableModel::checkFirstKey(key));
         return;
     }
     boxEntered_ = key != ' ';
@@ -747,28 +773,19 @@ bool FrmTable::finishEntry() {
 
 bool FrmTable::finishEdits() {
     if (!finishEntry()) return false;
-    if (!textLeft_ || model_->view() != TableView::Values) return true;
-    const QPointer<FrmTable> self(this);
-    const int warnings = session_.messages.warningsShown();
-    save();
-    return self && session_.messages.warningsShown() == warnings;
+    return !textLeft_ || model_->view() != TableView::Values || saveGrid();
 }
 
 bool FrmTable::commitEdit() {
-    const QPointer<FrmTable> self(this);
-    const auto model = model_;
-    committing_ = true;
-    const bool accepted = model->enterValue(txtInputValue_->text().toStdString());
-    if (!self) return false;
-    committing_ = false;
-    if (model != model_) return false;
-    if (accepted) {
+    const auto entered = model_->enterValue(txtInputValue_->text().toStdString());
+    if (entered) {
         closeEdit();
         session_.markModified();
         Grid1_->setFocus();
         showAll();
         return true;
     }
+    if (!tell(entered)) return false;
     const std::string& old = model_->grid().text(model_->currentRow(), model_->currentColumn());
     txtInputValue_->setText(QString::fromStdString(old));
     boxEntered_ = false;
@@ -818,9 +835,11 @@ void FrmTable::cellDoubleClicked() {
 
 // From left to right and from the bottom up: the neighbour before must stay below, or the unit would look its
 // values up in an axis without order.
-bool FrmTable::breaksAxis(int row, int column, const std::string& typed) {
+EntryOutcome FrmTable::checkAxis(int row, int column, const std::string& typed) const {
     const auto entry = model_->axisEntry(row, column, typed);
-    return entry && session_.messages.Check_Ascending(entry->fields, entry->index);
+    if (!entry || entry->index == 0) return {};
+    const auto at = static_cast<std::size_t>(entry->index);
+    return checkAscending(entry->fields[at - 1], entry->fields[at]);
 }
 
 void FrmTable::headerDoubleClicked(int row, int column) {
@@ -834,7 +853,9 @@ void FrmTable::headerDoubleClicked(int row, int column) {
     if (!self) return;
     letCursorGo();
     if (!typed || model != model_ || model->headerPrompt(row, column) != prompt) return;
-    if (breaksAxis(row, column, *typed) || !model->enterHeader(row, column, *typed) || !self) return;
+    auto entered = checkAxis(row, column, *typed);
+    if (entered) entered = model->enterHeader(row, column, *typed);
+    if (!entered) return static_cast<void>(tell(entered));
     session_.markModified();
     showAll();
     sizeColumns();
@@ -851,13 +872,11 @@ void FrmTable::copy() {
 }
 
 void FrmTable::paste() {
-    const QPointer<FrmTable> self(this);
-    const auto model = model_;
-    const int written = model->cellsWritten();
-    model->paste(QApplication::clipboard()->text().toStdString());
-    if (!self || model != model_) return;
+    const int written = model_->cellsWritten();
+    const auto refused = model_->paste(QApplication::clipboard()->text().toStdString());
     markIfWritten(written);
     showAll();
+    tell(refused);
 }
 
 void FrmTable::markIfWritten(int writtenBefore) {
@@ -915,15 +934,11 @@ bool FrmTable::takeTime(QLineEdit* field) {
     const std::string before = gap ? model_->timeOfGap() : model_->injectorOn();
     const std::string typed = field->text().toStdString();
     if (typed == before) return true;
-    const QPointer<FrmTable> self(this);
-    const auto model = model_;
-    committing_ = true;
-    const bool accepted = model->enterTime(gap ? "scale1" : "INJ_On", typed);
-    if (!self) return false;
-    committing_ = false;
+    const auto entered = model_->enterTime(gap ? "scale1" : "INJ_On", typed);
+    if (!tell(entered)) return false;
     field->setText(
-        QString::fromStdString(accepted ? (gap ? model_->timeOfGap() : model_->injectorOn()) : before));
-    if (accepted) {
+        QString::fromStdString(entered ? (gap ? model_->timeOfGap() : model_->injectorOn()) : before));
+    if (entered) {
         session_.markModified();
         ownChange_ =
             true;  // the table shows it already, and a new build would lose what "Discard" brings back
@@ -934,7 +949,7 @@ bool FrmTable::takeTime(QLineEdit* field) {
         QTimer::singleShot(0, field, [field] { field->setFocus(); });
     }
     Grid1_->cells().refresh();
-    return accepted;
+    return static_cast<bool>(entered);
 }
 
 // ---- Toolbar commands
@@ -947,17 +962,15 @@ void FrmTable::home() {
     sizeColumns();
 }
 
-void FrmTable::save() {
-    if (!model_) return;
+bool FrmTable::saveGrid() {
+    if (!model_) return true;
     if (txtInputValue_->isVisible()) leaveEdit();
     textLeft_ = false;
-    const QPointer<FrmTable> self(this);
-    const auto model = model_;
-    const int written = model->cellsWritten();
-    model->save();
-    if (!self || model != model_) return;
+    const int written = model_->cellsWritten();
+    const auto refused = model_->save();
     markIfWritten(written);
     showAll();
+    return tell(refused) && refused.empty();
 }
 
 void FrmTable::toggleDocking() {
@@ -975,9 +988,10 @@ void FrmTable::discard() {
     if (!self || model != model_ || answer != Answer::Yes) return;
     closeEdit();
     const int written = model_->cellsWritten();
-    model_->restore();
+    const auto refused = model_->restore();
     markIfWritten(written);
     showAll();
+    tell(refused);
 }
 
 void FrmTable::toggleColors() {

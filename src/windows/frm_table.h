@@ -17,6 +17,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -148,18 +149,22 @@ class FrmTable : public QWidget {
     bool timeBeingTyped(const QLineEdit& field) const;
     QLineEdit* timeInHand() const;  ///< none where none is being typed
     void pressed(char key);
+    void nudge(bool up);
     void closeTable() { close(); }
 
     // ---- Editing
     void openEdit(char key);
     bool commitEdit();
+    /// False: behind the box this table is gone, or another one is shown.
+    bool tell(std::span<const Refusal> refused);
+    bool tell(const EntryOutcome& outcome);
     void leaveEdit();
     void closeEdit();
     void placeEdit();
     void holdCursor();
     void letCursorGo();
     void headerDoubleClicked(int row, int column);
-    bool breaksAxis(int row, int column, const std::string& typed);
+    EntryOutcome checkAxis(int row, int column, const std::string& typed) const;
     void cellDoubleClicked();
     void copy();
     void paste();
@@ -170,7 +175,8 @@ class FrmTable : public QWidget {
 
     // ---- Toolbar commands
     void home();
-    void save();
+    void save() { saveGrid(); }
+    bool saveGrid();
     void toggleDocking();
     void discard();
     void toggleColors();
@@ -197,7 +203,7 @@ class FrmTable : public QWidget {
 
     Session& session_;
     MainCommands& commands_;
-    std::shared_ptr<TableModel> model_;  ///< held by what shows a box: the table may go under it
+    std::shared_ptr<TableModel> model_;  ///< held while a box is read: the table may go under it
     const Unit* unit_ = nullptr;
 
     QToolBar* Toolbar1_ = nullptr;
@@ -223,7 +229,8 @@ class FrmTable : public QWidget {
     bool docked_ = true;
     bool colourPersist_ = false;
     bool syncing_ = false;     ///< the view follows the model; its signals are no user's doing
-    bool committing_ = false;  ///< a check may show a box, which takes the focus from the edit box
+    bool committing_ = false;  ///< a refusal is told, or the edit box goes: its text is no entry meanwhile
+    int refusals_ = 0;         ///< told so far
     bool closing_ = false;
     bool ownChange_ = false;  ///< the table itself has changed the calibration
     int redraws_ = 0;

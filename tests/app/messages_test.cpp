@@ -3,6 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "app/fake_platform.h"
 
 namespace zentaq {
@@ -317,6 +319,37 @@ TEST_F(MessagesTest, AValueOutsideGetsWarning1001AndThreeLogLines) {
 
 TEST_F(MessagesTest, NotANumberIsOutsideEveryRange) {
     EXPECT_TRUE(messages.Check_Range(std::numeric_limits<float>::quiet_NaN(), 0, 1, "(0 to 1)"));
+}
+
+TEST_F(MessagesTest, WhatOneCommandHadRefusedIsToldInOneBoxWithTheFirstOnTop) {
+    messages.tell(std::vector<Refusal>{{1001, "(0 to 100%)", "101", "0 to 100"},
+                                       {1000, "Retype Data"},
+                                       {1001, "(0 to 100%)", "-5", "0 to 100"}});
+    ASSERT_EQ(dialogs.boxes.size(), 1u);
+    EXPECT_EQ(box().text,
+              "Warning 1001: Data Input Error\n(0 to 100%) - Invalid Entry.\n"
+              "Invalid Entry: no number\nInvalid Entry: -5 -> (0 to 100%)");
+    EXPECT_THAT(
+        log, ElementsAre("Invalid Entry: no number", "Invalid Entry: -5 -> (0 to 100%)",
+                         "Warning 1001: Data Input Error", "(0 to 100%)", "Invalid Entry: 101 -> 0 to 100"));
+    EXPECT_EQ(focus.size(), 1u);
+}
+
+TEST_F(MessagesTest, ABoxAboutManyRefusalsIsBoundedAndTheLogHasThemAll) {
+    messages.tell(std::vector<Refusal>(256, Refusal{1001, "(0 to 100%)", "300", "0 to 100"}));
+    ASSERT_EQ(dialogs.boxes.size(), 1u);
+    EXPECT_EQ(std::ranges::count(box().text, '\n'), 10);
+    EXPECT_TRUE(box().text.ends_with("\nand 247 more, which are in the console."));
+    EXPECT_EQ(log.size(), 255u + 3u);
+}
+
+TEST_F(MessagesTest, NothingIsToldOfWhatWasTakenOrIgnored) {
+    EXPECT_FALSE(messages.tell(EntryOutcome()));
+    EXPECT_TRUE(messages.tell(EntryOutcome::ignored()));
+    messages.tell(std::vector<Refusal>());
+    EXPECT_THAT(dialogs.boxes, IsEmpty());
+    EXPECT_THAT(log, IsEmpty());
+    EXPECT_THAT(focus, IsEmpty());
 }
 
 TEST_F(MessagesTest, AnAxisMustAscend) {

@@ -24,24 +24,21 @@ class QuietHostTest : public ::testing::Test {
     Unit& unit = calibration.unit;
 
     std::string refusalOf(std::string_view member, const Entry& value) {
-        return failureOf<Refused>([&] { setOrThrow(unit, host, member, value); });
+        return failureOf<Refused>([&] { setOrThrow(unit, member, value); });
     }
 };
 
 TEST_F(QuietHostTest, ARefusedValueThrowsTheWarningWithItsRangeAndChangesNothing) {
-    setOrThrow(unit, host, "KNK_MIN", 40);
+    setOrThrow(unit, "KNK_MIN", 40);
     EXPECT_EQ(refusalOf("KNK_MIN", 101), "Warning 1001: Data Input Error: (2 to 100 units) - Invalid Entry.");
     EXPECT_EQ(unit.get("KNK_MIN"), 40);
-    EXPECT_THAT(host.refusals(),
-                ElementsAre("Warning 1001: Data Input Error: (2 to 100 units) - Invalid Entry."));
 }
 
 TEST_F(QuietHostTest, AValueAtEitherEndOfItsRangeIsTaken) {
-    setOrThrow(unit, host, "KNK_MIN", 2);
+    setOrThrow(unit, "KNK_MIN", 2);
     EXPECT_EQ(unit.get("KNK_MIN"), 2);
-    setOrThrow(unit, host, "KNK_MIN", 100);
+    setOrThrow(unit, "KNK_MIN", 100);
     EXPECT_EQ(unit.get("KNK_MIN"), 100);
-    EXPECT_THAT(host.refusals(), IsEmpty());
 }
 
 TEST_F(QuietHostTest, TextThatIsNoNumberIsRefusedWithWarning1000) {
@@ -56,24 +53,18 @@ TEST_F(QuietHostTest, ANumberBetweenListedValuesIsRefused) {
     EXPECT_EQ(refusalOf("CONDIV", 3), "Warning 1001: Data Input Error: 2,4,8,16,32 or 64 - Invalid Entry.");
 }
 
-TEST_F(QuietHostTest, WhatIsNoNumberLiesInNoRange) {
-    EXPECT_TRUE(host.checkRange(std::nanf(""), 2, 100, "(2 to 100 units)"));
-    EXPECT_THAT(host.refusals(),
-                ElementsAre("Warning 1001: Data Input Error: (2 to 100 units) - Invalid Entry."));
-}
-
 TEST_F(QuietHostTest, ANumberThatFitsNoFloatIsAnOverflow) {
-    EXPECT_THROW(setOrThrow(unit, host, "BHP", "1e39"), Overflow);
+    EXPECT_THROW(setOrThrow(unit, "BHP", "1e39"), Overflow);
     EXPECT_EQ(unit.get("BHP"), 0);
 }
 
 TEST_F(QuietHostTest, AMemberThatTheKindLacksIsNamed) {
-    EXPECT_EQ(failureOf<NoSuchMember>([&] { setOrThrow(unit, host, "KNK_MEAN", 1); }),
+    EXPECT_EQ(failureOf<NoSuchMember>([&] { setOrThrow(unit, "KNK_MEAN", 1); }),
               "ORB A has no member KNK_MEAN");
 }
 
 TEST_F(QuietHostTest, ADerivedMemberCannotBeSet) {
-    EXPECT_THROW(setOrThrow(unit, host, "MAPMax", 200), NoSuchMember);
+    EXPECT_THROW(setOrThrow(unit, "MAPMax", 200), NoSuchMember);
 }
 
 TEST_F(QuietHostTest, ABasicFigureTakesWhatItsCellHoldsThoughItsLimitsHaveMoved) {
@@ -87,10 +78,8 @@ TEST_F(QuietHostTest, ABasicFigureTakesWhatItsCellHoldsThoughItsLimitsHaveMoved)
     // (0.4 + 0.0125 * 4) * 200 / 4 = 22.5 lb/hr; of 10 ms a turn 1.2 are dead: 22.5 * 10 / 8.8
     EXPECT_EQ(refusalOf("INJ_FlowRate", 21),
               "Warning 1001: Data Input Error: (25.57 to 500 Lbs/hr) - Invalid Entry.");
-    const std::size_t refusals = host.refusals().size();
-    setOrThrow(unit, host, "INJ_FlowRate", "20");
+    EXPECT_NO_THROW(setOrThrow(unit, "INJ_FlowRate", "20"));
     EXPECT_EQ(unit.DirectIndex(flowCell), 20);
-    EXPECT_EQ(host.refusals().size(), refusals);
 }
 
 TEST_F(QuietHostTest, AFigureThatSharesItsCellIsNotTakenForTheCell) {
@@ -102,8 +91,8 @@ TEST_F(QuietHostTest, AFigureThatSharesItsCellIsNotTakenForTheCell) {
 
 TEST_F(QuietHostTest, RecordsAreKeptInOrder) {
     unit.ONFLY_MODE(true);
-    setOrThrow(unit, host, "CYL_OvrThr", 20);  // 20 * 4 = 80 = 0x50 at 0x1141
-    setOrThrow(unit, host, "CYL_CutDly", 10);  // 0x0A at 0x1142: 4 + 0x11 + 0x42 + 0x0A = 0x61
+    setOrThrow(unit, "CYL_OvrThr", 20);  // 20 * 4 = 80 = 0x50 at 0x1141
+    setOrThrow(unit, "CYL_CutDly", 10);  // 0x0A at 0x1142: 4 + 0x11 + 0x42 + 0x0A = 0x61
     EXPECT_THAT(host.records(), ElementsAre("S10411415059", "S10411420A9E"));
 }
 
@@ -150,7 +139,7 @@ TEST_F(FileKinds, AMissingFileIsNamed) {
 TEST_F(FileKinds, ASavedCalibrationComesBackWithItsKindAndValues) {
     const std::string path = folder.file("Back again.ZQ4OA");
     QuietCalibration made(orbaKind());
-    setOrThrow(made.unit, made.host, "KNK_MIN", 33);
+    setOrThrow(made.unit, "KNK_MIN", 33);
     made.unit.BinFile(path);
     made.unit.SaveFile();
     const auto opened = QuietCalibration::open(path);

@@ -136,7 +136,7 @@ Reached trySetting(const std::string& path, const std::string& member) {
         after->unit.ONFLY_MODE(true);
         // A value that the member or a byte of the image does not take is no trial.
         skipFailing([&] {
-            setOrThrow(after->unit, after->host, member, static_cast<double>(other));
+            setOrThrow(after->unit, member, static_cast<double>(other));
             if (after->unit.read(*row, 0) == old) return;
             after->unit.ConvertData();
             reached.changed = true;

@@ -16,19 +16,12 @@
 
 namespace zentaq {
 
-/// What a Unit object needs; nothing is refused.
+/// What a Unit object needs.
 class PlainUnitHost : public UnitHost {
  public:
-    bool checkInput(int, std::string_view) override { return false; }
-    bool checkRange(float value, float minimum, float maximum, std::string_view text) override {
-        const bool refused = value < minimum || value > maximum;
-        if (refused) refusals.emplace_back(text);
-        return refused;
-    }
     void sysLog(std::string_view) override {}
     void addToLastLine(std::string_view) override {}
     void displayMessage(int, std::string_view) override {}
-    void displayWarning(int, std::string_view) override {}
     void inform(std::string_view) override {}
     void sendOnFly(std::string_view) override {}
     std::optional<EngineFacts> engine(int, int) override { return std::nullopt; }
@@ -41,7 +34,6 @@ class PlainUnitHost : public UnitHost {
     void yield() override {}
     void formsChanged() override {}
 
-    std::vector<std::string> refusals;
     FileHeader fileHeader;
     std::string folder;
 };

@@ -1,5 +1,4 @@
-// A calibration in hand for tests: a Unit object of any kind with a host that applies the shared checks and
-// notes what it was told.
+// A calibration in hand for tests: a Unit object of any kind with a host that notes what it was told.
 #pragma once
 
 #include <map>
@@ -8,29 +7,28 @@
 #include <vector>
 
 #include "base/number_text.h"
-#include "base/text.h"
 #include "unit/unit.h"
 
 namespace zentaq::test {
 
+/// What a user is told of entries: "1001 (-50 to 50%)" of one that was refused.
+inline std::vector<std::string> told(const std::vector<Refusal>& refused) {
+    std::vector<std::string> texts;
+    for (const Refusal& refusal : refused) texts.push_back(numberText(refusal.warning) + " " + refusal.text);
+    return texts;
+}
+
+inline std::string told(const EntryOutcome& outcome) {
+    std::vector<Refusal> refused;
+    noteRefusal(refused, outcome);
+    return refused.empty() ? "" : told(refused).front();
+}
+
 class NotingHost : public UnitHost {
  public:
-    bool checkInput(int code, std::string_view value) override {
-        const bool refused = (code == 1000 && !isNumeric(value)) || (code == 1003 && trimmed(value).empty());
-        if (refused) refusals.push_back("input " + numberText(code));
-        return refused;
-    }
-    bool checkRange(float value, float minimum, float maximum, std::string_view rangeText) override {
-        const bool refused = value < minimum || value > maximum;
-        if (refused) refusals.push_back("range " + std::string(rangeText));
-        return refused;
-    }
     void sysLog(std::string_view text) override { log.emplace_back(text); }
     void addToLastLine(std::string_view) override {}
     void displayMessage(int, std::string_view) override {}
-    void displayWarning(int code, std::string_view) override {
-        refusals.push_back("warning " + numberText(code));
-    }
     void inform(std::string_view) override {}
     void sendOnFly(std::string_view record) override { records.emplace_back(record); }
     std::optional<EngineFacts> engine(int, int) override { return {}; }
@@ -43,7 +41,6 @@ class NotingHost : public UnitHost {
     void yield() override {}
     void formsChanged() override {}
 
-    std::vector<std::string> refusals;
     std::vector<std::string> log;
     std::vector<std::string> records;
     bool showsFahrenheit = false;
@@ -54,7 +51,6 @@ class NotingHost : public UnitHost {
 struct Calibration {
     explicit Calibration(int slot) : unit(*unitKindOfSlot(slot), host) {
         unit.FW_Release(5);
-        host.refusals.clear();
         host.log.clear();
     }
 

@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "base/number_text.h"
 #include "unit/gpio_fixture.h"
 
 namespace zentaq::testing {
@@ -24,16 +25,16 @@ class SpanOf : public ::testing::TestWithParam<Span> {};
 TEST_P(SpanOf, ItsUnitWord) {
     const auto& [word, minimum, maximum, text] = GetParam();
     GpioCalibration cal(3);
-    const GpioLimits limits = gpioLimitsOf(cal.unit, word);
-    EXPECT_TRUE(gpioAccepts(cal.unit, limits, minimum));
-    EXPECT_TRUE(gpioAccepts(cal.unit, limits, maximum));
-    EXPECT_TRUE(gpioAccepts(cal.unit, limits, minimum + 0.25F));
-    EXPECT_TRUE(gpioAccepts(cal.unit, limits, maximum - 0.25F));
-    EXPECT_THAT(cal.host.warnings, IsEmpty());
-    EXPECT_FALSE(gpioAccepts(cal.unit, limits, minimum - 0.05F));
-    EXPECT_FALSE(gpioAccepts(cal.unit, limits, maximum + 0.05F));
-    EXPECT_THAT(cal.host.warnings,
-                ElementsAre(RecordingHost::Box{1001, text}, RecordingHost::Box{1001, text}));
+    const Limits limits = gpioLimitsOf(cal.unit, word);
+    EXPECT_TRUE(checkLimits(minimum, limits));
+    EXPECT_TRUE(checkLimits(maximum, limits));
+    EXPECT_TRUE(checkLimits(minimum + 0.25F, limits));
+    EXPECT_TRUE(checkLimits(maximum - 0.25F, limits));
+    for (const float beyond : {minimum - 0.05F, maximum + 0.05F}) {
+        const Refusal refusal = refusalOf(checkLimits(beyond, limits));
+        EXPECT_EQ(refusal.warning, 1001);
+        EXPECT_EQ(refusal.text, text);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -72,13 +73,12 @@ TEST(GpioLimitsOf, WordsWithListedValues) {
         {"Spd In", {1, 2}, {0, 1.5F, 3}, "(1 or 2)"}};
     for (const auto& [word, values, refused, text] : words) {
         GpioCalibration cal(3);
-        const GpioLimits limits = gpioLimitsOf(cal.unit, word);
-        for (const float value : values) EXPECT_TRUE(gpioAccepts(cal.unit, limits, value)) << word << value;
-        EXPECT_THAT(cal.host.warnings, IsEmpty());
+        const Limits limits = gpioLimitsOf(cal.unit, word);
+        for (const float value : values) EXPECT_TRUE(checkLimits(value, limits)) << word << value;
         for (const float value : refused) {
-            cal.host.forget();
-            EXPECT_FALSE(gpioAccepts(cal.unit, limits, value)) << word << " " << value;
-            EXPECT_THAT(cal.host.warnings, ElementsAre(RecordingHost::Box{1001, text}));
+            const Refusal refusal = refusalOf(checkLimits(value, limits));
+            EXPECT_EQ(refusal.warning, 1001) << word << " " << value;
+            EXPECT_EQ(refusal.text, text);
         }
     }
 }
@@ -86,14 +86,13 @@ TEST(GpioLimitsOf, WordsWithListedValues) {
 TEST(GpioLimitsOf, TimesComeInSteps) {
     GpioCalibration cal(3);
     for (const char* word : {"Secs", "Seconds"}) {
-        const GpioLimits limits = gpioLimitsOf(cal.unit, word);
+        const Limits limits = gpioLimitsOf(cal.unit, word);
         for (const float value : {0.05F, 0.1F, 0.15F, 0.35F, 1.95F}) {
-            EXPECT_TRUE(gpioAccepts(cal.unit, limits, value)) << value;
+            EXPECT_TRUE(checkLimits(value, limits)) << value;
         }
         for (const float value : {0.01F, 0.049F, 0.051F, 0.07F, 1.99F}) {
-            cal.host.forget();
-            EXPECT_FALSE(gpioAccepts(cal.unit, limits, value)) << value;
-            EXPECT_THAT(cal.host.warnings, ElementsAre(RecordingHost::Box{1001, limits.text}));
+            EXPECT_EQ(refusalOf(checkLimits(value, limits)),
+                      (Refusal{1001, limits.text, numberText(value), limits.text}));
         }
     }
 }
@@ -102,10 +101,10 @@ TEST(GpioLimitsOf, PressureWordsHaveTheSensorsRange) {
     for (const char* word : {"kPa", "PSIA", "PSIG", "mmHg", "inHg", "%Flow"}) {
         GpioCalibration cal(3);
         cal.plainSensor(word);
-        const GpioLimits limits = gpioLimitsOf(cal.unit, word);
+        const Limits limits = gpioLimitsOf(cal.unit, word);
         EXPECT_EQ(limits.text, "(-10 to 90)");
-        for (const float value : {-9.99F, 0.0F, 89.99F}) EXPECT_TRUE(gpioAccepts(cal.unit, limits, value));
-        for (const float value : {-10.01F, 90.01F}) EXPECT_FALSE(gpioAccepts(cal.unit, limits, value));
+        for (const float value : {-9.99F, 0.0F, 89.99F}) EXPECT_TRUE(checkLimits(value, limits));
+        for (const float value : {-10.01F, 90.01F}) EXPECT_FALSE(checkLimits(value, limits));
     }
 }
 
@@ -113,8 +112,7 @@ TEST(GpioLimitsOf, AnUnknownWordHasNone) {
     GpioCalibration cal(3);
     EXPECT_TRUE(gpioLimitsOf(cal.unit, "").unlimited());
     EXPECT_TRUE(gpioLimitsOf(cal.unit, "rpm").unlimited());
-    EXPECT_FALSE(gpioAccepts(cal.unit, GpioLimits::none(), std::nanf("")));
-    EXPECT_FALSE(gpioAccepts(cal.unit, GpioLimits::none(), INFINITY));
+    EXPECT_FALSE(checkTyped("1e39", Limits::none())) << "fits no cell";
 }
 
 TEST(GpioLimitsOf, EveryRowWithAValueHasThem) {
@@ -156,36 +154,28 @@ TEST(GpioEntry, IsStoredInTheRowsCell) {
 TEST(GpioEntry, OutsideTheLimitsIsRefusedAndTheValueStays) {
     Manager cal(6);
     EXPECT_TRUE(cal.model.enter(1, 0, "20000"));
-    EXPECT_FALSE(cal.model.enter(1, 0, "20001"));
+    EXPECT_EQ(refusalOf(cal.model.enter(1, 0, "20001")),
+              (Refusal{1001, "(0 to 20000 RPM)", "20001", "0 to 20000"}));
     EXPECT_EQ(cal.cell(0), 20000);
-    EXPECT_THAT(cal.host.warnings, ElementsAre(RecordingHost::Box{1001, "(0 to 20000 RPM)"}));
-    const RecordingHost::RangeCheck& check = cal.host.rangeChecks.back();
-    EXPECT_EQ(check.value, 20001);
-    EXPECT_EQ(check.minimum, 0);
-    EXPECT_EQ(check.maximum, 20000);
-    EXPECT_EQ(check.text, "(0 to 20000 RPM)");
 }
 
 TEST(GpioEntry, ThatIsNoNumberIsRefused) {
     Manager cal(6);
     for (const char* text : {"abc", "12x", "--1", "1e"}) {
-        cal.host.forget();
-        EXPECT_FALSE(cal.model.enter(1, 0, text)) << text;
-        EXPECT_THAT(cal.host.warnings, ElementsAre(RecordingHost::Box{1000, "Retype Data"})) << text;
+        EXPECT_EQ(refusalOf(cal.model.enter(1, 0, text)), (Refusal{1000, "Retype Data"})) << text;
     }
-    cal.host.forget();
-    EXPECT_FALSE(cal.model.enter(1, 0, "  "));
-    EXPECT_THAT(cal.host.warnings, ElementsAre(RecordingHost::Box{1005, ""}));
+    EXPECT_EQ(refusalOf(cal.model.enter(1, 0, "  ")), Refusal{1005});
     EXPECT_FALSE(cal.model.enter(1, 0, "1E99"));
     EXPECT_EQ(cal.cell(0), 0);
 }
 
 TEST(GpioEntry, InARowWithoutAValueDoesNothing) {
     Manager cal(8);
-    EXPECT_FALSE(cal.model.enter(1, 2, "1"));
-    EXPECT_FALSE(cal.model.enter(1, 3, "1"));
-    EXPECT_FALSE(cal.model.enter(1, -1, "1"));
-    EXPECT_THAT(cal.host.warnings, IsEmpty());
+    for (const int row : {2, 3, -1}) {
+        const auto outcome = cal.model.enter(1, row, "1");
+        EXPECT_FALSE(outcome);
+        EXPECT_EQ(refusalOf(outcome), Refusal{}) << "nothing to tell";
+    }
 }
 
 TEST(GpioEntry, OfATemperatureInFahrenheitIsKeptInCelsius) {
@@ -204,13 +194,11 @@ TEST(GpioEntry, OfATrimGoesByTheHint) {
     for (const int function : {17, 18}) {
         Manager cal(function);
         EXPECT_TRUE(cal.model.enter(1, 0, "50"));
-        EXPECT_FALSE(cal.model.enter(1, 0, "50.5"));
+        EXPECT_EQ(refusalOf(cal.model.enter(1, 0, "50.5")).text, "(0% to 50%)");
         EXPECT_FALSE(cal.model.enter(1, 0, "-1"));
         EXPECT_TRUE(cal.model.enter(1, 1, "-50"));
         EXPECT_TRUE(cal.model.enter(1, 1, "-1"));
-        EXPECT_FALSE(cal.model.enter(1, 1, "0"));
-        EXPECT_EQ(cal.host.warnings.front(), (RecordingHost::Box{1001, "(0% to 50%)"}));
-        EXPECT_EQ(cal.host.warnings.back(), (RecordingHost::Box{1001, "(-50% to -1%)"}));
+        EXPECT_EQ(refusalOf(cal.model.enter(1, 1, "0")).text, "(-50% to -1%)");
     }
 }
 
@@ -219,10 +207,8 @@ TEST(GpioEntry, OfATimedAdvanceTakesTheStepOfItsHint) {
     EXPECT_TRUE(cal.model.enter(1, 1, "0.125"));
     EXPECT_EQ(cal.cell(2), 0.125F);
     EXPECT_TRUE(cal.model.enter(1, 1, "9.995"));
-    EXPECT_FALSE(cal.model.enter(1, 1, "0.123"));
-    EXPECT_FALSE(cal.model.enter(1, 1, "10.005"));
-    EXPECT_THAT(cal.host.warnings, ElementsAre(RecordingHost::Box{1001, "(0 to 10 steps of .005)"},
-                                               RecordingHost::Box{1001, "(0 to 10 secs, steps of .05)"}));
+    EXPECT_EQ(refusalOf(cal.model.enter(1, 1, "0.123")).text, "(0 to 10 steps of .005)");
+    EXPECT_EQ(refusalOf(cal.model.enter(1, 1, "10.005")).text, "(0 to 10 secs, steps of .05)");
     Manager older(20, 4);
     EXPECT_FALSE(older.model.enter(1, 1, "0.125"));
     EXPECT_TRUE(older.model.enter(1, 1, "10"));

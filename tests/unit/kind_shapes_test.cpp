@@ -100,15 +100,11 @@ class KindShapes : public ::testing::TestWithParam<ShapeCase> {
         const auto cells = cal.cells();
         for (const float value :
              {std::nextafter(range.low, -infinity), std::nextafter(range.high, infinity)}) {
-            host.forget();
-            EXPECT_FALSE(unit.Set_GPO_Stop(static_cast<double>(value), 1, axis.axis, axis.table)) << value;
-            EXPECT_THAT(host.warnings, ElementsAre(RecordingHost::Box{1001, range.text}));
-            EXPECT_THAT(host.log,
-                        ElementsAre(range.text, "Invalid Entry: " + numberText(value) + " -> " + range.text));
+            const std::string limits = numberText(range.low) + " to " + numberText(range.high);
+            EXPECT_EQ(refusalOf(unit.Set_GPO_Stop(static_cast<double>(value), 1, axis.axis, axis.table)),
+                      (Refusal{1001, range.text, numberText(value), limits}));
         }
-        host.forget();
-        EXPECT_FALSE(unit.Set_GPO_Stop(" ", 1, axis.axis, axis.table));
-        EXPECT_THAT(host.warnings, ElementsAre(RecordingHost::Box{1005, ""}));
+        EXPECT_EQ(refusalOf(unit.Set_GPO_Stop(" ", 1, axis.axis, axis.table)), Refusal{1005});
         EXPECT_EQ(cal.cells(), cells);
     }
 };

@@ -17,8 +17,9 @@ TEST(Members, AnUnknownMemberIsSilent) {
     OrbaCalibration cal;
     EXPECT_FALSE(cal.unit.has("No_Such"));
     EXPECT_EQ(cal.unit.get("No_Such", 77), 0);
-    EXPECT_FALSE(cal.unit.set("No_Such", 1));
-    EXPECT_THAT(cal.host.inputChecks, IsEmpty());
+    const auto outcome = cal.unit.set("No_Such", 1);
+    EXPECT_FALSE(outcome);
+    EXPECT_EQ(refusalOf(outcome), Refusal{}) << "nothing to tell";
 }
 
 TEST(Members, ATextThatIsNoNumberIsATypeMismatch) {

@@ -1,32 +1,31 @@
-// A host for Unit objects that records what they ask of the program: checks, boxes, log lines, records.
-// The checks refuse as the program's own do; nothing here blocks.
+// A host for Unit objects that records what they ask of the program: boxes, log lines, records. Nothing here
+// blocks.
 #pragma once
 
 #include <map>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "base/errors.h"
-#include "base/number_text.h"
-#include "base/text.h"
+#include "unit/entry_outcome.h"
 #include "unit/unit_host.h"
 
 namespace zentaq::testing {
 
+/// What there is to tell of an entry: nothing of one that was taken.
+inline Refusal refusalOf(const EntryOutcome& outcome) {
+    return outcome ? Refusal{} : outcome.refusal();
+}
+
+inline void PrintTo(const Refusal& refusal, std::ostream* out) {
+    *out << refusal.warning << " \"" << refusal.text << "\", " << refusal.entry << " -> " << refusal.limits;
+}
+
 class RecordingHost : public UnitHost {
  public:
-    struct InputCheck {
-        int code;
-        std::string value;
-    };
-    struct RangeCheck {
-        float value;
-        float minimum;
-        float maximum;
-        std::string text;
-    };
     struct Box {
         int code;
         std::string text;
@@ -34,9 +33,6 @@ class RecordingHost : public UnitHost {
     };
 
     // ---- What happened, in order
-    std::vector<InputCheck> inputChecks;
-    std::vector<RangeCheck> rangeChecks;
-    std::vector<Box> warnings;
     std::vector<Box> messages;
     std::vector<std::string> informed;
     std::vector<std::string> log;
@@ -57,28 +53,10 @@ class RecordingHost : public UnitHost {
     float version = 10.2F;
     std::string folder;
 
-    bool checkInput(int code, std::string_view value) override {
-        inputChecks.push_back({code, std::string(value)});
-        if (code == 1000) return refusedWhen(!isNumeric(value), 1000, "Retype Data");
-        if (code == 1002) return refusedWhen(value.find(".,") != std::string_view::npos, 1002, "");
-        if (code == 1003) return refusedWhen(trimmed(value).empty(), 1005, "");
-        return false;
-    }
-    bool checkRange(float value, float minimum, float maximum, std::string_view rangeText) override {
-        rangeChecks.push_back({value, minimum, maximum, std::string(rangeText)});
-        if (!(value > maximum || value < minimum)) return false;
-        displayWarning(1001, rangeText);
-        sysLog(rangeText);
-        sysLog("Invalid Entry: " + numberText(value) + " -> " + std::string(rangeText));
-        return true;
-    }
     void sysLog(std::string_view text) override { log.emplace_back(text); }
     void addToLastLine(std::string_view text) override { lastLineAdditions.emplace_back(text); }
     void displayMessage(int code, std::string_view text) override {
         messages.push_back({code, std::string(text)});
-    }
-    void displayWarning(int code, std::string_view text) override {
-        warnings.push_back({code, std::string(text)});
     }
     void inform(std::string_view text) override { informed.emplace_back(text); }
     void sendOnFly(std::string_view record) override {
@@ -107,9 +85,6 @@ class RecordingHost : public UnitHost {
 
     /// Forgets what happened; the program around stays as it is.
     void forget() {
-        inputChecks.clear();
-        rangeChecks.clear();
-        warnings.clear();
         messages.clear();
         informed.clear();
         log.clear();
@@ -117,12 +92,6 @@ class RecordingHost : public UnitHost {
         sent.clear();
         yields = 0;
         formChanges = 0;
-    }
-
- private:
-    bool refusedWhen(bool refused, int warning, std::string_view text) {
-        if (refused) displayWarning(warning, text);
-        return refused;
     }
 };
 

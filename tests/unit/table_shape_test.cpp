@@ -143,11 +143,13 @@ TEST(StopPoints, AreCheckedAgainstTheKindOfTheirAxis) {
         cal.unit.SET_TBL_AXIS_TYPE("GPO1", "ROW-AXIS", kind);
         EXPECT_TRUE(cal.unit.Set_GPO_Stop(low, 0, "Y-Axis", "GPO1")) << kind;
         EXPECT_TRUE(cal.unit.Set_GPO_Stop(high, 1, "Y-Axis", "GPO1")) << kind;
-        EXPECT_FALSE(cal.unit.Set_GPO_Stop(low - 0.25, 0, "Y-Axis", "GPO1")) << kind;
-        EXPECT_FALSE(cal.unit.Set_GPO_Stop(high + 0.25, 1, "Y-Axis", "GPO1")) << kind;
+        for (const double beyond : {low - 0.25, high + 0.25}) {
+            const Refusal refusal = refusalOf(cal.unit.Set_GPO_Stop(beyond, 1, "Y-Axis", "GPO1"));
+            EXPECT_EQ(refusal.warning, 1001) << kind;
+            EXPECT_EQ(refusal.text, text) << kind;
+        }
         EXPECT_EQ(cal.unit.Get_GPO_Stop(0, "Y-Axis", "GPO1"), low) << kind;
         EXPECT_EQ(cal.unit.Get_GPO_Stop(1, "Y-Axis", "GPO1"), high) << kind;
-        EXPECT_EQ(cal.host.rangeChecks.back().text, text);
     }
 }
 
@@ -156,13 +158,13 @@ TEST(StopPoints, TemperatureAndLambdaTextsFollowTheSettings) {
     cal.host.isFahrenheit = true;
     cal.unit.SET_TBL_AXIS_TYPE("GPO1", "COL-AXIS", "CLT");
     EXPECT_TRUE(cal.unit.Set_GPO_Stop(302, 0, "X-Axis", "GPO1"));
-    EXPECT_EQ(cal.host.rangeChecks.back().text, "(-40 to 302 F)");
+    EXPECT_EQ(refusalOf(cal.unit.Set_GPO_Stop(303, 0, "X-Axis", "GPO1")).text, "(-40 to 302 F)");
     // 302 F is 150 C, and the cell holds Celsius.
     EXPECT_EQ(cal.unit.Get_GPO_Stop(0, "X-Axis", "GPO1"), 150);
     cal.unit.set("AFR", 1);
     cal.unit.SET_TBL_AXIS_TYPE("GPO1", "COL-AXIS", "ACTUAL AFR");
     EXPECT_TRUE(cal.unit.Set_GPO_Stop(1.5, 0, "X-Axis", "GPO1"));
-    EXPECT_EQ(cal.host.rangeChecks.back().text, "(0.667 to 2 lambda)");
+    EXPECT_EQ(refusalOf(cal.unit.Set_GPO_Stop(2.5, 0, "X-Axis", "GPO1")).text, "(0.667 to 2 lambda)");
 }
 
 }  // namespace
