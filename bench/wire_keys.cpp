@@ -33,7 +33,7 @@ class KeyTimer {
         keyUs_ = bench_.nowUs();
         // Into the grid itself: a display without a window manager gives nobody the focus.
         QKeyEvent down(QEvent::KeyPress, text == "." ? Qt::Key_Period : Qt::Key_Comma, Qt::NoModifier, text);
-        QApplication::sendEvent(&bench_.program->windows.table()->grid(), &down);
+        QApplication::sendEvent(&bench_.program->windows.form<FrmTable>()->grid(), &down);
         if (!Program::waitFor([this] { return recordUs_ != 0 && !bench_.session().link.OnFlyBusy(); },
                               2000)) {
             return false;
@@ -72,7 +72,7 @@ void keystroke(benchmark::State& state, const QStringList& unitOptions) {
     WireBench bench(unitOptions);
     if (!bench.ready) return state.SkipWithError("The unit was not found");
     bench.openTable("VE", "Volumetric Efficiency Table");
-    FrmTable* table = bench.program->windows.table();
+    FrmTable* table = bench.program->windows.form<FrmTable>();
     table->grid().setFocus();
     for (auto unused : state) {
         KeyTimer timer(bench);

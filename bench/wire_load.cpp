@@ -15,8 +15,8 @@ void load(benchmark::State& state) {
     bench.openTable("VE", "Volumetric Efficiency Table");
     Program::runFor(1000);
     constexpr double seconds = 10;
-    FrmDashBoard* dashboard = bench.program->windows.dashboard();
-    FrmTable* table = bench.program->windows.table();
+    FrmDashBoard* dashboard = bench.program->windows.form<FrmDashBoard>();
+    FrmTable* table = bench.program->windows.form<FrmTable>();
     for (auto unused : state) {
         const auto framesBefore = bench.session().live.frames;
         const int dashBefore = dashboard->redraws(), tableBefore = table->redraws();
@@ -70,7 +70,7 @@ class WindowStorm {
             small = !small;
             bench.program->windows.main().resize(small ? QSize(1300, 740) : QSize(1366, 768));
         });
-        every(10, [&bench] { bench.program->windows.table()->grid().viewport()->update(); });
+        every(10, [&bench] { bench.program->windows.form<FrmTable>()->grid().viewport()->update(); });
         every(5, [&bench] { bench.session().sysLog("A line of a console that scrolls"); });
         every(500, [&bench] {
             const std::int64_t end = bench.nowUs() + 50'000;

@@ -47,7 +47,7 @@ struct Pace {
 };
 
 Pace measure(WireBench& bench, const Wire& wire, double seconds) {
-    FrmDashBoard* dashboard = bench.program->windows.dashboard();
+    FrmDashBoard* dashboard = bench.program->windows.form<FrmDashBoard>();
     const int redrawsBefore = dashboard->redraws();
     const auto framesBefore = bench.session().live.frames;
     const std::int64_t begin = bench.nowUs();
@@ -76,9 +76,9 @@ void frames(benchmark::State& state, const Wire& wire) {
         Program::runFor(500);
         const Pace bare = measure(bench, wire, seconds);
         bench.openTable(wire.table, "Table");
-        bench.program->windows.record(bench.session(), bench.folder.path("bench.dat"));
+        FrameRecorder recorder(bench.session(), bench.folder.path("bench.dat"));
         const Pace loaded = measure(bench, wire, seconds);
-        if (!bench.program->windows.recorded()) return state.SkipWithError("Nothing was recorded");
+        if (!recorder.written()) return state.SkipWithError("Nothing was recorded");
         state.counters["limit/s"] = 1 / ((1 + wire.replyBytes) * byteSeconds);
         state.counters["bare/s"] = bare.framesPerSecond;
         state.counters["bare_%"] = bare.share;

@@ -72,31 +72,21 @@ class LineMeter : public LineWatch {
     std::function<void(std::string_view, std::int64_t)> onWritten;
 };
 
-/// Writes one datalog record for each frame when it is told to.
-class RecordingWindows : public WindowManager {
+/// Writes one datalog record for each frame.
+class FrameRecorder {
  public:
-    using WindowManager::WindowManager;
-
-    void record(Session& session, const std::string& path) {
-        session_ = &session;
-        file_.open(path, std::ios::binary);
-        writeDatalogHeader(file_, unit());
+    FrameRecorder(Session& session, const std::string& path) : file_(path, std::ios::binary) {
+        Unit& unit = session.link.linkedUnit();
+        writeDatalogHeader(file_, unit);
+        frames_ = session.frames.follow([&] { DataRecord(file_, unit, session.live, false, records_++); });
     }
     int records() const { return records_; }
-    bool recorded() { return file_.is_open() && file_.flush().good(); }
-
-    void frameDecoded() override {
-        WindowManager::frameDecoded();
-        if (!file_.is_open()) return;
-        DataRecord(file_, unit(), session_->live, false, records_++);
-    }
+    bool written() { return file_.flush().good(); }
 
  private:
-    Unit& unit() { return session_->link.linkedUnit(); }
-
-    Session* session_ = nullptr;
     std::ofstream file_;
     int records_ = 0;
+    FrameFeed::Subscription frames_;
 };
 
 inline std::string sampleOf(const std::string& extension) {
@@ -108,15 +98,13 @@ inline std::string sampleOf(const std::string& extension) {
 
 /// A program that has found its unit and opened a calibration of its kind.
 struct WireBench {
-    using BenchProgram = ProgramWith<RecordingWindows>;
-
     explicit WireBench(const QStringList& unitOptions = {}, const std::string& extension = ".ZQ4OA")
         : calibration(folder.path("bench" + extension)) {
         std::filesystem::create_directory(folder.path("app"));
         std::filesystem::copy_file(sampleOf(extension), calibration);
         unit = std::make_unique<UnitProcess>(folder.path("unit"), folder.path("memory.bin"), unitOptions);
-        program = std::make_unique<BenchProgram>(*static_cast<QApplication*>(QCoreApplication::instance()),
-                                                 folder.path("app"), folder.path("unit"));
+        program = std::make_unique<Program>(*static_cast<QApplication*>(QCoreApplication::instance()),
+                                            folder.path("app"), folder.path("unit"));
         session().platform().port.watch(meter);
         program->kernel.load();
         ready = Program::waitFor([this] { return program->identified(); }, 20'000) &&
@@ -136,7 +124,7 @@ struct WireBench {
     std::string calibration;
     LineMeter meter;
     std::unique_ptr<UnitProcess> unit;
-    std::unique_ptr<BenchProgram> program;
+    std::unique_ptr<Program> program;
     bool ready = false;
 };
 

@@ -222,7 +222,7 @@ void GeneralConfig::noteChange(const GeneralRow& row) {
     if (creating()) return;
     session_.markModified();
     session_.formsChanged();
-    if (unit().ONFLY_MODE()) session_.windows().onFlyChanged(true);
+    if (unit().ONFLY_MODE()) session_.windows().tell(&WindowNews::onFlyChanged, true);
 }
 
 void GeneralConfig::noteRefused(const RefusedMembers& refused) {

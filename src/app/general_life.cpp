@@ -101,8 +101,8 @@ void GeneralConfig::begin(const ModelEntry& model) {
     putFigures(engine, sensor);
     entered_ = true;
     if (!otherKind) return;
-    session_.windows().titleChanged("");
-    session_.windows().setupNodes();
+    session_.windows().tell(&WindowNews::titleChanged, "");
+    session_.windows().tell(&WindowNews::setupNodes);
 }
 
 void GeneralConfig::takeFirmware(Unit& chosen) {
@@ -184,9 +184,9 @@ void GeneralConfig::putBack() {
         linked.LinkedUnitKind == former->linkedKind && linked.UnitIdentified == former->identified;
     const bool matches = linked.LinkedUnitKind == session_.currentUnit() && linked.UnitIdentified;
     session_.initializeOnFly(sameLink ? former->onTheFly : matches);
-    session_.windows().titleChanged(titleOf(session_.CurrentFile));
-    session_.windows().setupNodes();
-    if (session_.currentUnit() == 0) session_.windows().showStartTab();
+    session_.windows().tell(&WindowNews::titleChanged, titleOf(session_.CurrentFile));
+    session_.windows().tell(&WindowNews::setupNodes);
+    if (session_.currentUnit() == 0) session_.windows().tell(&WindowNews::showStartTab);
 }
 
 }  // namespace zentaq

@@ -155,13 +155,13 @@ void GeneralConfig::finishSaving(const std::string& path, const FileSaved& saved
     session_.header().fileState = "OLD";
     session_.DataModified = false;
     entered_ = false;
-    session_.windows().titleChanged("Current Calibration File: " + path);
+    session_.windows().tell(&WindowNews::titleChanged, "Current Calibration File: " + path);
     session_.FileFilterIndex = unit().kind().fileFilter;
     storeConfig();
     showComputed();
     const LinkedUnit& linked = session_.link.linked();
     session_.initializeOnFly(linked.LinkedUnitKind == session_.currentUnit() && linked.UnitIdentified);
-    session_.windows().setupNodes();
+    session_.windows().tell(&WindowNews::setupNodes);
 }
 
 // ---- The one in hand

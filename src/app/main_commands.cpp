@@ -107,7 +107,7 @@ void MainCommands::storeOnFly() {
 }
 
 void MainCommands::offerToSave(std::function<void()> goOn) {
-    if (!leaveGeneralConfig()) return;
+    if (!session_.windows().close(window::generalConfig)) return;
     if (!session_.DataModified) return goOn();
     const Answer answer =
         session_.dialogs().show({"SAVE", "Save changes?", Icon::Question, Buttons::OkCancel});
@@ -229,7 +229,7 @@ void MainCommands::tellNotSaved(const std::string& why) {
 void MainCommands::newNow() {
     if (session_.saving.putsOff("New", [commands = *this]() mutable { commands.newCalibration(); })) return;
     if (refusedByTransfer()) return;
-    if (!leaveGeneralConfig()) return;
+    if (!session_.windows().close(window::generalConfig)) return;
     // Asked whether or not something was changed: the file on the disk may be all there is of this tune.
     if (session_.header().fileState == "OLD") {
         const Answer answer = session_.dialogs().show(
@@ -249,17 +249,13 @@ void MainCommands::newNow() {
 void MainCommands::startNew() {
     if (refusedByTransfer()) return;  // begun while the disk was busy
     session_.header().fileState = "NEW";
-    session_.windows().openGeneralConfig();
-}
-
-bool MainCommands::leaveGeneralConfig() {
-    return session_.windows().closeGeneralConfig();
+    session_.windows().open(window::generalConfig);
 }
 
 void MainCommands::openNow() {
     if (session_.saving.putsOff("Open", [commands = *this]() mutable { commands.open(); })) return;
     if (refusedByTransfer()) return;
-    if (!leaveGeneralConfig()) return;
+    if (!session_.windows().close(window::generalConfig)) return;
     if (session_.CurrentFile.empty()) return startOpening();
     // A save that was wanted and failed ends the command, so that nothing is lost.
     offerToSave([commands = *this]() mutable { commands.startOpening(); });
@@ -429,7 +425,7 @@ void MainCommands::finishOpening(const std::string& path) {
     }
     session_.FileFilterIndex = unit.kind().fileFilter;
     session_.CurrentFile = path;
-    session_.windows().titleChanged("Current Calibration File: " + path);
+    session_.windows().tell(&WindowNews::titleChanged, "Current Calibration File: " + path);
     session_.sysLog("Loaded Calibration: " + path);
     if (!isOldName(path)) noteShortFile(path);
     session_.DataModified = false;
@@ -437,7 +433,7 @@ void MainCommands::finishOpening(const std::string& path) {
     if (matches() && session_.Monitoring) session_.applyMonitorMode();
     // A unit that was identified before the file came takes changes from now on.
     session_.initializeOnFly(matches() && linked.UnitIdentified);
-    session_.windows().setupNodes();
+    session_.windows().tell(&WindowNews::setupNodes);
     // Asked with each opening until the sensor stands in the database.
     skipFailing([&] { matchSensor(session_); });
     tellCutFile(path);
@@ -468,14 +464,14 @@ void MainCommands::tellCutFile(const std::string& path) {
 
 void MainCommands::saveNow() {
     // The file in hand is not the place for a calibration that is being made.
-    if (session_.creating()) return session_.windows().saveGeneralConfig();
+    if (session_.creating()) return session_.windows().tell(&WindowNews::saveNew);
     if (session_.saving.putsOff("Save", [commands = *this]() mutable { commands.save(); })) return;
     if (session_.CurrentFile.empty()) return;
     saveCurrent([](bool) {});
 }
 
 void MainCommands::saveAsNow() {
-    if (session_.creating()) return session_.windows().saveGeneralConfig();
+    if (session_.creating()) return session_.windows().tell(&WindowNews::saveNew);
     if (session_.saving.putsOff("Save As", [commands = *this]() mutable { commands.saveAs(); })) return;
     if (session_.currentUnit() == 0) {
         session_.messages.Display_Error(codes::NoCalibration);
@@ -522,9 +518,9 @@ void MainCommands::saveUnderNewName(const Saved& then) {
 
 void MainCommands::takeName(const std::string& path) {
     session_.CurrentFile = path;
-    session_.windows().titleChanged("Current Calibration File: " + path);
+    session_.windows().tell(&WindowNews::titleChanged, "Current Calibration File: " + path);
     session_.FileFilterIndex = session_.currentUnitObject().kind().fileFilter;
-    session_.windows().showUnit();  // the name stands on a page
+    session_.windows().tell(&WindowNews::showUnit);  // the name stands on a page
 }
 
 void MainCommands::closeNow() {
@@ -545,16 +541,16 @@ void MainCommands::finishClosing() {
     session_.CurrentFile.clear();
     session_.fileHolds.reset();
     session_.DataModified = false;
-    session_.windows().titleChanged("");
-    session_.windows().setupNodes();
-    session_.windows().showStartTab();
+    session_.windows().tell(&WindowNews::titleChanged, "");
+    session_.windows().tell(&WindowNews::setupNodes);
+    session_.windows().tell(&WindowNews::showStartTab);
 }
 
 void MainCommands::programNow() {
     if (session_.saving.putsOff("Program ORB", [commands = *this]() mutable { commands.programOrb(); }))
         return;
     if (refusedByTransfer()) return;
-    if (!leaveGeneralConfig()) return;
+    if (!session_.windows().close(window::generalConfig)) return;
     if (!mayProgram()) return;
     const LinkedIdentity unit = linkedIdentity();
     if (!broughtToFirmware()) return;
@@ -927,35 +923,23 @@ void MainCommands::loadCommand(int code) {
     } else if (code == 3) {
         session_.Monitoring = false;
         session_.AutoMonitoring = false;
-        session_.windows().resetDashboard();
+        session_.windows().tell(&WindowNews::resetDashboard);
     }
-}
-
-void MainCommands::options() {
-    session_.windows().openOptions(OptionsPage::First);
-}
-
-void MainCommands::dashboardColors() {
-    session_.windows().openOptions(OptionsPage::Monitor);
-}
-
-void MainCommands::sensorManager() {
-    session_.windows().openSensorEditor();
 }
 
 void MainCommands::help() {
     session_.sysLog("HELP: Opening Help File.");
-    session_.windows().openHelp({});
+    session_.windows().open(window::help);
 }
 
 void MainCommands::dayMode() {
     session_.settings().set("System", "MonitorMode", "1");
-    session_.windows().dayMode();
+    session_.windows().tell(&WindowNews::look, true);
 }
 
 void MainCommands::nightMode() {
     session_.settings().set("System", "MonitorMode", "0");
-    session_.windows().nightMode();
+    session_.windows().tell(&WindowNews::look, false);
 }
 
 void MainCommands::openTable(const std::string& table, const std::string& title) {
@@ -963,10 +947,10 @@ void MainCommands::openTable(const std::string& table, const std::string& title)
     if (session_.saving.putsOffWhileReading(title, again)) return;
     if (session_.currentUnit() == 0) return session_.messages.Display_Error(codes::NoCalibration);
     // What is entered into a table before its calibration has its default values would be lost with them.
-    if (session_.creating()) return session_.windows().openGeneralConfig();
+    if (session_.creating()) return session_.windows().open(window::generalConfig);
     // The keys of the menu ask for tables of every kind.
     if (!hasTable(session_.currentUnitObject().kind(), table)) return;
-    session_.windows().openTable(table, title);
+    session_.windows().open(window::table, table, title);
 }
 
 int MainCommands::treeClick(const std::string& key) {
@@ -977,7 +961,7 @@ int MainCommands::treeClick(const std::string& key) {
     for (const TreeNode& node : treeNodes(session_.currentUnitObject())) {
         if (node.key != key) continue;
         if (!node.table.empty()) openTable(node.table, node.title);
-        if (node.key == generalParameters) session_.windows().openGeneralConfig();
+        if (node.key == generalParameters) session_.windows().open(window::generalConfig);
         return node.page;
     }
     return startPage;

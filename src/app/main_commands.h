@@ -63,13 +63,8 @@ class MainCommands {
     /// 2 starts a monitor session, 3 ends it.
     void loadCommand(int code);
 
-    // ---- Windows of their own
-    void options();          ///< mnuOptions, mnuControlPanel
-    void dashboardColors();  ///< mnuMonitor_ChangeColors: the options' page of the colours
-    void sensorManager();    ///< mnuMAPSensors
-    void help();             ///< mnuHelpContents
-
     // ---- The display
+    void help();  ///< mnuHelpContents
     void dayMode();
     void nightMode();
     /// Opens a table window; without a calibration error 1003.
@@ -94,8 +89,6 @@ class MainCommands {
     /// What speaks against programming the calibration in hand, one line each; empty for nothing.
     std::string doubts();
     void repairOldFields();
-    /// Ends the form of the general parameters. False: it holds a new calibration that the user keeps.
-    bool leaveGeneralConfig();
     /// Saves to the current file, one of the older generation under a new name.
     void saveCurrent(const Saved& then);
     void saveUnderNewName(const Saved& then);

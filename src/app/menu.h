@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "app/session.h"
+#include "app/window_set.h"
 
 namespace zentaq {
 
@@ -15,6 +16,8 @@ struct MenuEntry {
     std::string_view parent;    ///< control name of the parent; empty for a menu of the bar
     std::string_view shortcut;  ///< "Ctrl+S"; empty for none
     bool (*enabled)(const Session& session) = nullptr;  ///< null: the command comes later, stay disabled
+    std::string_view window = {};                       ///< that it opens; empty for a command
+    std::string_view on = {};                           ///< what the window opens on
     bool checkable = false;
 };
 

@@ -191,7 +191,7 @@ void Options::change(std::string_view control, std::string_view value) {
     if (!storedOnClick(row)) return;
     store(row.key, std::string(value));
     if (control == "chkTemperature") convertAlarms();
-    if (control == "sldDashAdjust") session_.windows().updateRateChanged();
+    if (control == "sldDashAdjust") session_.windows().tell(&WindowNews::updateRateChanged);
     if (control == "optMonitorMode") {
         for (const std::string_view colour : colours) loadRow(rowOf(colour));
     }
@@ -218,7 +218,7 @@ void Options::convertAlarms() {
         const float entry = entryOf(field);
         field = numberText(session_.fahrenheit() ? Ecu::toFahrenheit(entry) : Ecu::toCelsius(entry));
     }
-    session_.windows().temperaturesChanged();
+    session_.windows().tell(&WindowNews::temperaturesChanged);
 }
 
 int Options::detectPort(MainCommands& commands) {
@@ -239,8 +239,8 @@ std::vector<std::string> Options::apply() {
     applyTableColours();
     applyDataPoints();
     applyDashboard();
-    session_.windows().showCommList(on("chkShowCommDialog"));
-    session_.windows().initializeRecorderRows();
+    session_.windows().tell(&WindowNews::showCommList, on("chkShowCommDialog"));
+    session_.windows().tell(&WindowNews::initializeRecorderRows);
     applyTrace();
     session_.messages.tell(refusals_);
     session_.sysLog("Application Options Have Been Applied.");
@@ -319,7 +319,7 @@ EntryOutcome Options::checkAlarm(const std::string& text) const {
 
 void Options::applyTableColours() {
     session_.TableColorMode = on("chkAFRColors") ? 1 : 0;
-    session_.windows().clearTableColours();
+    session_.windows().tell(&WindowNews::clearTableColours);
 }
 
 void Options::applyDataPoints() {
@@ -332,15 +332,11 @@ void Options::applyDataPoints() {
 void Options::applyDashboard() {
     if (!session_.Monitoring) return;
     WindowSet& windows = session_.windows();
-    if (on("optMonitorMode")) {
-        windows.dayMode();
-    } else {
-        windows.nightMode();
-    }
+    windows.tell(&WindowNews::look, on("optMonitorMode"));
     // A colour that was refused leaves the stored one in force.
     const SettingsStore& store = session_.settings();
-    windows.dashboardColours(store.get(settings::system, settings::DashLights),
-                             store.get(settings::system, settings::NeedleColor));
+    windows.tell(&WindowNews::dashboardColours, store.get(settings::system, settings::DashLights),
+                 store.get(settings::system, settings::NeedleColor));
 }
 
 }  // namespace zentaq

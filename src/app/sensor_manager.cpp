@@ -356,7 +356,7 @@ bool SensorManager::remove() {
     bool removed = false;
     attempt([&] { removed = session_.requireReference().deleteMapSensor(asked); });
     load();
-    if (removed) session_.windows().sensorsChanged();
+    if (removed) session_.windows().tell(&WindowNews::sensorsChanged);
     return removed;
 }
 
@@ -375,7 +375,7 @@ SensorManager::Saved SensorManager::save(const SensorEntry& entry) {
     if (!store(row)) return {};
     begin(SensorTask::None, {});
     load();
-    session_.windows().sensorsChanged();
+    session_.windows().tell(&WindowNews::sensorsChanged);
     return {true, {}};
 }
 

@@ -70,7 +70,7 @@ std::string matchSensor(Session& session) {
                      session.dialogs().show({addTitle, why, Icon::Exclamation});
                  });
     if (added.empty()) return shown;
-    session.windows().sensorsChanged();
+    session.windows().tell(&WindowNews::sensorsChanged);
     return added;
 }
 

@@ -35,11 +35,11 @@ Session::Session(const Platform& platform)
       console(platform.clock),
       messages(
           dialogs_, [this](std::string_view text) { sysLog(text); },
-          [this](const std::string& form) { windows_->focusForm(form); }),
+          [this](const std::string& form) { windows_->focus(form); }),
       decoder(live),
       link(platform.port, *this, decoder, live, platform.settings, platform.clock, yield_),
       poller(
-          link, [this] { refreshCodes(); }, [this] { windows_->updateDisplay(); }),
+          link, [this] { refreshCodes(); }, [this] { windows_->tell(&WindowNews::updateDisplay); }),
       trace(platform.clock),
       saving(*this, platform.writer),
       platform_(platform) {
@@ -54,6 +54,8 @@ Session::Session(const Platform& platform)
         poller.tick();
         saving.poll();
     });
+    paintFollows_ = frames.follow(
+        [this] { paintMemory.ofUnit(link.linked().LinkedUnitKind, link.linked().SerialNumber); });
     units_[0] = std::make_unique<Unit>(nullKind(), *this);
 }
 
@@ -170,11 +172,7 @@ bool Session::dayMode() const {
 }
 
 void Session::applyMonitorMode() {
-    if (dayMode()) {
-        windows_->dayMode();
-    } else {
-        windows_->nightMode();
-    }
+    windows_->tell(&WindowNews::look, dayMode());
 }
 
 void Session::markModified() {
@@ -249,7 +247,7 @@ void Session::yield() {
 }
 
 void Session::formsChanged() {
-    windows_->showUnit();
+    windows_->tell(&WindowNews::showUnit);
 }
 
 // ---- LinkHost
@@ -259,7 +257,7 @@ int Session::currentUnit() const {
 }
 
 void Session::commLog(std::string_view text) {
-    if (console.CommLog(text) && !link.TransferActive()) windows_->clearPanel3();
+    if (console.CommLog(text) && !link.TransferActive()) windows_->tell(&WindowNews::clearPanel3);
 }
 
 // A reply handler that told a user something would stand still until the answer, and the frames of a running
@@ -283,11 +281,11 @@ void Session::initializeOnFly(bool on) {
     if (!on && link.linked().LinkedUnitKind == 0) trace.linkLost();
     // What is entered for a calibration that is being made must not reach the running engine.
     currentUnitObject().ONFLY_MODE(on && !creating());
-    windows_->onFlyChanged(on && currentUnitObject().ONFLY_MODE());
+    windows_->tell(&WindowNews::onFlyChanged, on && currentUnitObject().ONFLY_MODE());
 }
 
 void Session::onFlyLock(bool busy) {
-    windows_->onFlyLock(busy);
+    windows_->tell(&WindowNews::onFlyLock, busy);
 }
 
 int Session::slotForFile(int slot) const {
@@ -322,25 +320,24 @@ void Session::unitKindFound(int slot) {
     followLinkedKind();
     FileFilterIndex = Units(slot).kind().fileFilter;
     applyMonitorMode();
-    windows_->unitKindFound(slot);
+    windows_->tell(&WindowNews::unitKindFound, slot);
 }
 
 void Session::codesReceived() {
     const int slot = link.linked().LinkedUnitKind;
     codes.Clear_CHKE();
     for (const std::string& text : activeCodes(Units(slot))) codes.Update_CHKE(text);
-    windows_->codesReceived();
+    windows_->tell(&WindowNews::codesChanged);
 }
 
 void Session::codesCleared() {
     codes.Clear_CHKE();
     codes.tellCleared();
-    windows_->codesCleared();
+    windows_->tell(&WindowNews::codesChanged);
 }
 
 void Session::frameDecoded() {
-    paintMemory.ofUnit(link.linked().LinkedUnitKind, link.linked().SerialNumber);
-    windows_->frameDecoded();
+    frames.tell();
 }
 
 int Session::expectedRelease(int slot) const {

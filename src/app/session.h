@@ -23,6 +23,7 @@
 #include "live/check_engine.h"
 #include "live/ecu.h"
 #include "live/frame_decoder.h"
+#include "live/frame_feed.h"
 #include "platform/clock.h"
 #include "platform/dialogs.h"
 #include "platform/held_signals.h"
@@ -102,6 +103,7 @@ class Session : public UnitHost, public LinkHost {
     Messages messages;
     LiveValues live;
     FrameDecoder decoder;
+    FrameFeed frames;  ///< tells of each frame that was decoded, paint and windows alike
     Link link;
     Poller poller;
     WireTrace trace;
@@ -195,7 +197,8 @@ class Session : public UnitHost, public LinkHost {
     std::optional<HeldSignals> heldSignals_;
     std::int64_t nextReferenceUs_ = 0;
     std::uint64_t userChanges_ = 0;
-    std::string noReference_;       ///< why the last try failed; empty before the first
+    std::string noReference_;  ///< why the last try failed; empty before the first
+    FrameFeed::Subscription paintFollows_;
     std::vector<Box> boxesToShow_;  ///< of the link: they wait, or the first one is being read
 };
 

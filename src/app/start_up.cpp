@@ -7,9 +7,9 @@
 #include <random>
 #include <utility>
 
-#include "base/settings_keys.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
+#include "base/settings_keys.h"
 #include "base/text.h"
 #include "platform/system_text.h"
 
@@ -67,19 +67,19 @@ int tipNumber(double random, int count) {
 
 void Kernel::load() {
     WindowSet& windows = session_.windows();
-    resumeNext_.statement([&] { windows.showMain(); });
-    resumeNext_.statement([&] { windows.enableToolbar(false); });
+    resumeNext_.statement([&] { windows.open(window::main); });
+    resumeNext_.statement([&] { windows.tell(&WindowNews::enableToolbar, false); });
     session_.AppName = settings::application;
     session_.StartingUp = 1;
-    resumeNext_.statement([&] { windows.splash("Setting Up Environment"); });
+    resumeNext_.statement([&] { windows.open(window::splash, "Setting Up Environment"); });
     setUpEnvironment();
-    resumeNext_.statement([&] { windows.splash("Initializing Console"); });
+    resumeNext_.statement([&] { windows.open(window::splash, "Initializing Console"); });
     startConsole();
-    resumeNext_.statement([&] { windows.splash("Initializing Database"); });
+    resumeNext_.statement([&] { windows.open(window::splash, "Initializing Database"); });
     openDatabase();
-    resumeNext_.statement([&] { windows.showConfig(); });
+    resumeNext_.statement([&] { windows.open(window::config); });
     writeBanner();
-    resumeNext_.statement([&] { windows.splash("Program Activated"); });
+    resumeNext_.statement([&] { windows.open(window::splash, "Program Activated"); });
     activate();
 }
 
@@ -87,7 +87,7 @@ void Kernel::setUpEnvironment() {
     resumeNext_.statement([&] { takeStoredPort(); });
     resumeNext_.statement([&] { session_.VersionText = versionText(); });
     resumeNext_.statement([&] { session_.makeUnits(); });
-    resumeNext_.statement([&] { session_.windows().makeGraphPools(); });
+    resumeNext_.statement([&] { session_.windows().tell(&WindowNews::makeGraphPools); });
     clearRunState();
     resumeNext_.statement([&] { session_.HelpFile = session_.applicationFolder() + "/support/MAIN.hlp"; });
     session_.FileFilterIndex = 1;
@@ -171,24 +171,25 @@ void Kernel::writeBanner() {
 
 void Kernel::activate() {
     WindowSet& windows = session_.windows();
-    resumeNext_.statement([&] { windows.enableToolbar(true); });
+    resumeNext_.statement([&] { windows.tell(&WindowNews::enableToolbar, true); });
     session_.StartingUp = 0;
     showLinkAndDashboard();
     resumeNext_.statement(
         [&] { session_.TableColorMode = toInt16(session_.settingNumber(settings::TableColor)); });
-    resumeNext_.guarded([&] { return readsOne(settings::CommDialog); }, [&] { windows.showCommList(true); },
-                        [&] { windows.showCommList(false); });
-    resumeNext_.statement([&] { windows.focusForm("frmConfig"); });
+    resumeNext_.guarded([&] { return readsOne(settings::CommDialog); },
+                        [&] { windows.tell(&WindowNews::showCommList, true); },
+                        [&] { windows.tell(&WindowNews::showCommList, false); });
+    resumeNext_.statement([&] { windows.focus(window::config); });
     resumeNext_.statement([&] { showTip(); });
     resumeNext_.guarded([&] { return readsOne(settings::FileOpen); }, [&] { commands_.open(); });
 }
 
 void Kernel::showLinkAndDashboard() {
     resumeNext_.statement([&] { session_.applyTrace(); });
-    resumeNext_.statement([&] { session_.windows().showLink(); });
+    resumeNext_.statement([&] { session_.windows().open(window::link); });
     resumeNext_.statement([&] { session_.link.load(); });
     resumeNext_.statement([&] { session_.platform().ticker.start(); });
-    resumeNext_.statement([&] { session_.windows().showDashboard(); });
+    resumeNext_.statement([&] { session_.windows().open(window::dashboard); });
     // kept: loading the link opens the port, and loading the dashboard opens it once more, with its own
     // lines.
     resumeNext_.statement([&] { session_.link.ORB_Initialize(); });
@@ -199,7 +200,7 @@ void Kernel::showTip() {
     if (database == nullptr) return;
     const auto count = static_cast<int>(database->tips().size());
     const int number = tipNumber(drawFromTimeOfDay(), count);
-    if (number > 0) session_.windows().showTip(database->tip(number));
+    if (number > 0) session_.windows().tell(&WindowNews::showTip, database->tip(number));
 }
 
 bool Kernel::System_Shutdown(bool confirmed) {
@@ -240,12 +241,12 @@ void Kernel::end() {
     }
     session_.Monitoring = false;
     session_.AutoMonitoring = false;
-    skipFailing([&] { session_.windows().killTimers(); });
+    skipFailing([&] { session_.windows().tell(&WindowNews::killTimers); });
     skipFailing([&] { session_.link.RS232_Close(); });
     skipFailing([&] { session_.link.unload(); });
     skipFailing([&] { session_.platform().ticker.stop(); });
     skipFailing([&] { session_.sysLog("System Shutdown!"); });
-    skipFailing([&] { session_.windows().closeMain(); });
+    skipFailing([&] { session_.windows().close(window::main); });
 }
 
 void Kernel::closeRequested() {

@@ -1,4 +1,5 @@
-// What the core asks of the windows. A program without windows uses the quiet defaults.
+// What the core asks of the windows, by their names, and what it tells all of them. A program without windows
+// uses the quiet defaults.
 #pragma once
 
 #include <functional>
@@ -7,86 +8,99 @@
 
 namespace zentaq {
 
-/// Where frmOptions opens.
-enum class OptionsPage { First, Monitor };
+/// The windows by name. One that no window bears yet is opened and closed without effect.
+namespace window {
+inline constexpr std::string_view main = "mdiMain";
+inline constexpr std::string_view splash = "frmSplash";  ///< on a status text, which it holds for a moment
+inline constexpr std::string_view config = "frmConfig";
+inline constexpr std::string_view link = "frmCOMM";
+inline constexpr std::string_view dashboard = "frmDashBoard";
+inline constexpr std::string_view table = "frmTABLE";  ///< on a table, with its title
+inline constexpr std::string_view generalConfig = "frmGeneralConfig";
+inline constexpr std::string_view sensorEditor = "frmEditMAPSensors";
+inline constexpr std::string_view options =
+    "frmOptions";                                    ///< on a page: `monitorPage`; empty: the page in hand
+inline constexpr std::string_view help = "frmHelp";  ///< on a topic of the user guide; empty: its contents
+inline constexpr std::string_view fastHelp = "frmFastHelp";
+}  // namespace window
 
-class WindowSet {
+/// The page of the options with the dashboard's mode and colours.
+inline constexpr std::string_view monitorPage = "Monitor";
+
+/// News that the core tells all windows; each takes what concerns it.
+class WindowNews {
  public:
-    virtual ~WindowSet() = default;
+    virtual ~WindowNews() = default;
 
-    // ---- Start and end, in the order of the start sequence
-    virtual void showMain() {}
+    // ---- Start and end
     virtual void enableToolbar(bool) {}
-    virtual void splash(std::string_view) {}  ///< shows a status text and holds it for a moment
     virtual void makeGraphPools() {}
-    virtual void showConfig() {}  ///< first tab selected, second one hidden
-    virtual void showLink() {}    ///< loads the link's timers
-    virtual void showDashboard() {}
     virtual void showCommList(bool) {}  ///< lstCommInfo
-    virtual void focusForm(const std::string&) {}
     virtual void showTip(const std::string&) {}
     virtual void killTimers() {}
-    virtual void closeMain() {}
 
     // ---- The calibration in hand
     virtual void titleChanged(const std::string&) {}
     virtual void setupNodes() {}        ///< the tree, the pages and their rules for the unit in hand
     virtual void showStartTab() {}      ///< back to the first tab, second one hidden
     virtual void onFlyChanged(bool) {}  ///< colours of fields and the panel "ONFLY"
-    virtual void onFlyLock(bool) {}     ///< the table grid waits while a change is on its way
-    virtual void removeForms() {}       ///< closes frmTABLE and frmGPIO
-    virtual void openTable(const std::string& table, const std::string& title) {
-        (void)table;
-        (void)title;
-    }
-    virtual void showUnit() {}  ///< forms read the unit's values again
-
-    /// Runs a command that stores, programs, saves or closes behind the edits typed before it: entries that
-    /// wait for the link and those still in their boxes. `caption` tells the user which command it was when
-    /// one of these is refused: then it does not run.
-    virtual void afterEdits(const std::string& caption, const std::function<void()>& command) {
-        (void)caption;
-        command();
-    }
-
-    // ---- Windows of their own; a second call brings the open one to the front
-    virtual void openGeneralConfig() {}  ///< frmGeneralConfig
-    /// Another calibration takes its place. False: the user keeps the new one that it holds.
-    virtual bool closeGeneralConfig() { return true; }
-    virtual void saveGeneralConfig() {}                ///< its key "Save"
-    virtual void openSensorEditor() {}                 ///< frmEditMAPSensors
-    virtual void openOptions(OptionsPage) {}           ///< frmOptions
-    virtual void openHelp(const std::string& topic) {  ///< the user guide; empty: its contents
-        (void)topic;
-    }
+    virtual void onFlyLock(bool) {
+    }                           ///< the table grid waits while a change is on its way; with each idle tick
+    virtual void showUnit() {}  ///< the unit's values are read again
+    virtual void saveNew() {}   ///< the calibration that is being made gets its file
 
     // ---- Options
-    virtual void temperaturesChanged() {}  ///< windows that show temperatures read them again
-    virtual void updateRateChanged() {}    ///< the dashboard's timer takes the setting ADUR
-    virtual void clearTableColours() {}    ///< the grid of an open table gets a white background
-    virtual void dashboardColours(const std::string& lights, const std::string& needle) {
-        (void)lights;
-        (void)needle;
-    }
+    virtual void temperaturesChanged() { showUnit(); }
+    virtual void updateRateChanged() {}  ///< the dashboard's timer takes the setting ADUR
+    virtual void clearTableColours() {}  ///< the grid of an open table gets a white background
+    /// As stored.
+    virtual void dashboardColours(const std::string& /*lights*/, const std::string& /*needle*/) {}
     virtual void initializeRecorderRows() {}  ///< the recorder's graphs take the chosen data points
     virtual void sensorsChanged() {}          ///< lists of MAP sensors are filled again
 
     // ---- Live
-    virtual void dayMode() {}
-    virtual void nightMode() {}
-    virtual void unitKindFound(int slot) { (void)slot; }
-    virtual void codesReceived() {}
-    virtual void codesCleared() {}
-    virtual void frameDecoded() {}
+    virtual void look(bool /*day*/) {}
+    virtual void unitKindFound(int /*slot*/) {}
+    virtual void codesChanged() {}
     virtual void updateDisplay() {}  ///< the dashboard is due; it draws at most 60 times a second
     virtual void resetDashboard() {}
     virtual void clearPanel3() {}
+};
 
+class WindowSet {
+ public:
+    virtual ~WindowSet() = default;
+
+    /// Opens a window, or brings the open one to the front. `on` is what it shows, where it can show
+    /// different things, and `title` what that is called.
+    virtual void open(std::string_view /*name*/, const std::string& /*on*/ = {},
+                      const std::string& /*title*/ = {}) {}
+    /// False: it stays, since the user keeps what it holds. The main window takes all others along.
+    virtual bool close(std::string_view /*name*/) { return true; }
+    /// The keyboard goes back to a window, behind a box about an entry in it.
+    virtual void focus(std::string_view /*name*/) {}
+    /// Closes the windows that stand on the calibration in hand: frmTABLE and frmGPIO.
+    virtual void removeForms() {}
+
+    /// Runs a command that stores, programs, saves or closes behind the edits typed before it: entries that
+    /// wait for the link and those still in their boxes. `caption` tells the user which command it was when
+    /// one of these is refused: then it does not run.
+    virtual void afterEdits(const std::string& /*caption*/, const std::function<void()>& command) {
+        command();
+    }
     /// A box or a list over a window waits for the user.
     virtual bool boxOpen() const { return false; }
-
     /// Runs something from the event loop, soon. Without windows at once.
     virtual void later(const std::function<void()>& something) { something(); }
+
+    /// Tells all windows: `tell(&WindowNews::showTip, text)`.
+    template <typename... Taken, typename... Given>
+    void tell(void (WindowNews::*news)(Taken...), const Given&... given) {
+        toEach([&](WindowNews& one) { (one.*news)(given...); });
+    }
+
+ protected:
+    virtual void toEach(const std::function<void(WindowNews&)>& /*tell*/) {}
 };
 
 }  // namespace zentaq

@@ -202,6 +202,10 @@ std::optional<std::string> QtDialogs::input(const std::string& title, const std:
     return dialog->textValue().toStdString();
 }
 
+bool boxStands() {
+    return QApplication::activeModalWidget() != nullptr || QApplication::activePopupWidget() != nullptr;
+}
+
 bool boxEndsByItself() {
     const auto windows = QApplication::topLevelWidgets();
     return std::ranges::any_of(windows, [](const QWidget* window) {

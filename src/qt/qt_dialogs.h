@@ -40,6 +40,9 @@ class QtDialogs : public Dialogs {
     QObject context_;
 };
 
+/// A box, or the list of a field, stands over a window and waits for the user.
+bool boxStands();
+
 /// A box stands that goes when what it is about has gone (`Box::stands`).
 bool boxEndsByItself();
 

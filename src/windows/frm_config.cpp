@@ -5,6 +5,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <map>
+#include <utility>
 
 #include "base/number_text.h"
 #include "config/tree.h"
@@ -36,7 +37,7 @@ QLabel* textLabel(const char* name, QWidget* parent) {
 }  // namespace
 
 FrmConfig::FrmConfig(Session& session, MainCommands& commands, QWidget* parent)
-    : QWidget(parent), session_(session), commands_(commands) {
+    : QWidget(parent), Form(this), session_(session), commands_(commands) {
     setObjectName(QStringLiteral("frmConfig"));
     setAccessibleName(tr("Configuration"));
 
@@ -76,7 +77,8 @@ FrmConfig::FrmConfig(Session& session, MainCommands& commands, QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(below);
-    showStartTab();
+    dock_ = std::make_unique<Dock>(*sstMenu_, session.settings());
+    selectStartTab();
 }
 
 QWidget* FrmConfig::makeStartTab() {
@@ -146,11 +148,24 @@ QWidget* FrmConfig::makeBottom() {
 }
 
 void FrmConfig::showStartTab() {
+    selectStartTab();
+    focusTree();
+}
+
+void FrmConfig::selectStartTab() {
     sstMenu_->setTabVisible(pageTab, false);
     sstMenu_->setCurrentIndex(startTab);
 }
 
 void FrmConfig::setupNodes() {
+    if (!std::exchange(treeReady_, true)) session_.sysLog("Advanced Config Initialized.");
+    fillTree();
+    showUnit();
+    // The table that may have had the keyboard stands behind a page now.
+    focusTree();
+}
+
+void FrmConfig::fillTree() {
     treeZentaq_->clear();
     std::map<std::string, QTreeWidgetItem*> items;
     if (session_.currentUnit() != 0) {
@@ -207,27 +222,38 @@ void FrmConfig::showTip(const std::string& text) {
     lblTip_->setText(shownStringOfLines(text));
 }
 
-void FrmConfig::refreshConsoles() {
-    lstLog_->sync();
-    lstCommInfo_->sync();
+// ---- With the other windows
+
+void FrmConfig::openOn(const std::string& /*on*/, const std::string& /*title*/) {
+    show();
+    selectStartTab();
+    follow();
 }
 
-void FrmConfig::refreshLink() {
-    fraComm_->render(session_.link.status());
+void FrmConfig::takeBack() {
+    window()->activateWindow();
+    if (!isAncestorOf(QApplication::focusWidget())) focusTree();
 }
 
-void FrmConfig::dock(QWidget* table, const QString& title) {
-    if (table_ != table) undock();
-    table_ = table;
-    int index = sstMenu_->indexOf(table);
-    if (index < 0) index = sstMenu_->addTab(table, title);
-    sstMenu_->setTabText(index, title);
-    sstMenu_->setCurrentIndex(index);
+void FrmConfig::takeFocusIfFree() {
+    const QWidget* inHand = window()->focusWidget();
+    if (inHand != nullptr && inHand != window() && inHand->isVisibleTo(window())) return;
+    if (!dock_->takeFocus()) focusTree();
 }
 
-void FrmConfig::undock() {
-    if (table_ != nullptr) sstMenu_->removeTab(sstMenu_->indexOf(table_));
-    table_ = nullptr;
+void FrmConfig::follow() {
+    const std::uint64_t console = session_.console.changes();
+    if (std::exchange(consoleSeen_, console) != console) {
+        lstLog_->sync();
+        lstCommInfo_->sync();
+    }
+    const LinkStatus& status = session_.link.status();
+    if (std::exchange(linkSeen_, status.changes) != status.changes) fraComm_->render(status);
+}
+
+void FrmConfig::windowClosed() {
+    showUnit();
+    refreshPorts();
 }
 
 QString FrmConfig::helpKey() const {

@@ -3,46 +3,47 @@
 #pragma once
 
 #include <QLabel>
-#include <QPointer>
 #include <QSplitter>
 #include <QTabWidget>
 #include <QTreeWidget>
 #include <QWidget>
+#include <memory>
 
 #include "app/main_commands.h"
 #include "app/session.h"
+#include "windows/dock.h"
+#include "windows/form.h"
 #include "windows/frm_config_console.h"
 #include "windows/frm_config_link_panel.h"
 #include "windows/frm_config_page_view.h"
 
 namespace zentaq {
 
-class FrmConfig : public QWidget {
+class FrmConfig : public QWidget, public Form {
     Q_OBJECT
 
  public:
     FrmConfig(Session& session, MainCommands& commands, QWidget* parent = nullptr);
 
-    // ---- What the core asks for
-    void showStartTab();  ///< first tab selected, second one hidden
-    void setupNodes();
-    void showUnit();
-    void onFlyChanged(bool on);
-    void showCommList(bool on) { lstCommInfo_->setVisible(on); }
-    void showTip(const std::string& text);
+    void openOn(const std::string& on, const std::string& title) override;
+    void takeBack() override;
+    void follow() override;
+    void windowClosed() override;
+
+    void showStartTab() override;
+    void setupNodes() override;
+    void showUnit() override;
+    void sensorsChanged() override { showUnit(); }
+    void onFlyChanged(bool on) override;
+    void showCommList(bool on) override { lstCommInfo_->setVisible(on); }
+    void showTip(const std::string& text) override;
+
     void focusTree() { treeZentaq_->setFocus(); }
+    /// A control that the user has chosen keeps the keyboard if it is still there.
+    void takeFocusIfFree();
 
-    // ---- Called when the change counters have moved
-    void refreshConsoles();
-    void refreshLink();
-    /// The port was chosen elsewhere.
-    /// Shows the port in use; the options may have stored another one.
-    void refreshPorts();
-
-    // ---- The table window inside the workspace
-    void dock(QWidget* table, const QString& title);
-    void undock();
-    bool docked() const { return table_ != nullptr; }
+    /// The place of the table inside the workspace.
+    Dock& dock() { return *dock_; }
 
     /// The help key of the field in hand; empty when there is none.
     QString helpKey() const;
@@ -52,6 +53,10 @@ class FrmConfig : public QWidget {
     void entryAsked(const char* entry);
 
  private:
+    void selectStartTab();
+    void fillTree();
+    /// Shows the port in use; the options may have stored another one.
+    void refreshPorts();
     QWidget* makeStartTab();
     QWidget* makeDoors(QWidget* tab);
     QWidget* makePageTab();
@@ -73,7 +78,10 @@ class FrmConfig : public QWidget {
     ConsoleView* lstLog_ = nullptr;
     ConsoleView* lstCommInfo_ = nullptr;
     LinkPanel* fraComm_ = nullptr;
-    QPointer<QWidget> table_;
+    std::unique_ptr<Dock> dock_;
+    std::uint64_t consoleSeen_ = 0;
+    std::uint64_t linkSeen_ = 0;
+    bool treeReady_ = false;
     int page_ = 0;
     bool onFly_ = false;
 };

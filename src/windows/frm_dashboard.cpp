@@ -3,6 +3,7 @@
 #include <QVBoxLayout>
 #include <array>
 
+#include "base/settings_keys.h"
 #include "link/poller.h"
 #include "qt/qt_text.h"
 
@@ -47,6 +48,7 @@ std::optional<QColor> lampColor(std::int32_t color) {
 
 FrmDashBoard::FrmDashBoard(Session& session, MainCommands& commands, QWidget* parent)
     : QWidget(parent),
+      Form(this),
       session_(session),
       commands_(commands),
       panel_(new FrmDashBoardPanel(dialAngles(gauges_.revScale()), this)),
@@ -79,6 +81,12 @@ FrmDashBoard::FrmDashBoard(Session& session, MainCommands& commands, QWidget* pa
     needleColor_ = storedColor(QString::fromStdString(session.settings().get("System", "NeedleColor")));
     setMode(session.dayMode());
     Reset_Dashboard();
+}
+
+void FrmDashBoard::openOn(const std::string& /*on*/, const std::string& /*title*/) {
+    session_.applyMonitorMode();
+    show();
+    startTimers();
 }
 
 void FrmDashBoard::startTimers() {
@@ -117,6 +125,19 @@ void FrmDashBoard::setMode(bool day) {
     applyColors();
 }
 
+// Kept: LabelLights is stored and shown by the options and changes nothing.
+void FrmDashBoard::look(bool day) {
+    setMode(day);
+    const SettingsStore& settings = session_.settings();
+    dashboardColours(settings.get(settings::system, settings::DashLights),
+                     settings.get(settings::system, settings::NeedleColor));
+}
+
+void FrmDashBoard::dashboardColours(const std::string& lights, const std::string& needle) {
+    Set_DashBoard_Color(lights);
+    Set_Needle_Color(needle);
+}
+
 void FrmDashBoard::Set_DashBoard_Color(const std::string& color) {
     dashLights_ = storedColor(QString::fromStdString(color));
     applyColors();
@@ -147,7 +168,7 @@ Unit& FrmDashBoard::shownUnit() {
     return session_.hasUnit(linked) ? session_.Units(linked) : session_.currentUnitObject();
 }
 
-void FrmDashBoard::unitKindFound() {
+void FrmDashBoard::unitKindFound(int /*slot*/) {
     const bool fuel = shownUnit().kind().slot != kindPzk2;
     panel_->showFuel(fuel);
     panel_->btnShowDetail->setVisible(fuel);

@@ -12,16 +12,26 @@
 #include <functional>
 #include <string>
 
+#include "windows/form.h"
 #include "windows/frm_dashboard_panel.h"
 #include "windows/redraw_gate.h"
 
 namespace zentaq {
 
-class FrmDashBoard : public QWidget {
+class FrmDashBoard : public QWidget, public Form {
     Q_OBJECT
 
  public:
     FrmDashBoard(Session& session, MainCommands& commands, QWidget* parent = nullptr);
+
+    void openOn(const std::string& on, const std::string& title) override;
+    void killTimers() override { Kill_Timers(); }
+    void updateRateChanged() override { startTimers(); }
+    void temperaturesChanged() override { UPDATE_DISPLAY(); }
+    void updateDisplay() override { UPDATE_DISPLAY(); }
+    void resetDashboard() override { Reset_Dashboard(); }
+    void look(bool day) override;
+    void dashboardColours(const std::string& lights, const std::string& needle) override;
 
     /// Starts polling at the rate of the setting ADUR; again after the setting has changed.
     void startTimers();
@@ -41,11 +51,11 @@ class FrmDashBoard : public QWidget {
     /// All needles at rest, labels empty, no alarm.
     void Reset_Dashboard();
     /// The check-engine list has changed.
-    void codesChanged();
+    void codesChanged() override;
     /// Shows or hides fraNoConnect as the link says.
     void showLinkState();
     /// The face follows the unit on the link.
-    void unitKindFound();
+    void unitKindFound(int slot) override;
 
     FrmDashBoardPanel& panel() { return *panel_; }
     /// How often the display was brought up to date.

@@ -38,7 +38,10 @@ bool isEnter(const QKeyEvent& event) {
 }  // namespace
 
 FrmEditMAPSensors::FrmEditMAPSensors(Session& session, QWidget* parent)
-    : QWidget(parent, secondWindow()), session_(session), manager_(std::make_shared<SensorManager>(session)) {
+    : QWidget(parent, secondWindow()),
+      Form(this),
+      session_(session),
+      manager_(std::make_shared<SensorManager>(session)) {
     setObjectName(QStringLiteral("frmEditMAPSensors"));
     setWindowTitle(tr("MAP Sensor Manager"));
     setAccessibleName(tr("MAP Sensor Manager"));
@@ -394,7 +397,7 @@ void FrmEditMAPSensors::closeEvent(QCloseEvent* event) {
     manager_->cancel();
     storePlacement(*this, session_.settings());
     event->accept();
-    Q_EMIT closed();
+    tellClosed();
 }
 
 // A database that was locked or away may be back when the user returns to the window.

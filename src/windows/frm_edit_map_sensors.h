@@ -14,21 +14,19 @@
 #include <memory>
 
 #include "app/sensor_manager.h"
+#include "windows/form.h"
 #include "windows/sensor_line_picture.h"
 
 namespace zentaq {
 
-class FrmEditMAPSensors : public QWidget {
+class FrmEditMAPSensors : public QWidget, public Form {
     Q_OBJECT
 
  public:
     FrmEditMAPSensors(Session& session, QWidget* parent);
 
     /// Reads the list again. An entry in hand stays as it is.
-    void sensorsChanged();
-
- Q_SIGNALS:
-    void closed();
+    void sensorsChanged() override;
 
  protected:
     void closeEvent(QCloseEvent* event) override;

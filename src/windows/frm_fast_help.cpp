@@ -5,9 +5,12 @@
 #include <QKeyEvent>
 #include <QVBoxLayout>
 
+#include "base/errors.h"
 #include "guide/help_topics.h"
+#include "qt/help_key.h"
 #include "qt/look.h"
 #include "qt/qt_text.h"
+#include "windows/frm_config.h"
 
 namespace zentaq {
 
@@ -32,7 +35,7 @@ QLabel* readableLabel(const char* name, const QString& meaning, QWidget* parent)
 
 }  // namespace
 
-FrmFastHelp::FrmFastHelp(QWidget* parent) : QDialog(parent) {
+FrmFastHelp::FrmFastHelp(Session& session, QWidget* parent) : QDialog(parent), Form(this), session_(session) {
     setObjectName(QStringLiteral("frmFastHelp"));
     setWindowTitle(tr("Fast Help"));
     setModal(false);
@@ -67,6 +70,29 @@ FrmFastHelp::FrmFastHelp(QWidget* parent) : QDialog(parent) {
     layout->setSizeConstraint(QLayout::SetFixedSize);
 }
 
+void FrmFastHelp::openOn(const std::string& /*on*/, const std::string& /*title*/) {
+    const QString key = keyInHand();
+    std::optional<HelpRow> row;
+    skipFailing([&] {
+        if (!key.isEmpty()) row = session_.requireReference().help(key.toStdString());
+    });
+    if (row) return show(*row);
+    constexpr int helpMessage = 0;
+    session_.messages.Display_Message(
+        helpMessage, session_.reference() != nullptr
+                         ? "There is no help on this field."
+                         : "There are no help texts: the reference database could not be opened.");
+}
+
+QString FrmFastHelp::keyInHand() const {
+    for (const QWidget* one = QApplication::focusWidget(); one != nullptr; one = one->parentWidget()) {
+        const QString key = one->property(helpKeyProperty).toString();
+        if (!key.isEmpty()) return key;
+    }
+    const auto* workspace = parentWidget()->findChild<FrmConfig*>();
+    return workspace == nullptr ? QString() : workspace->helpKey();
+}
+
 void FrmFastHelp::show(const HelpRow& row) {
     rememberField();
     topic_ = qString(guideTopicOf(row.key));
@@ -88,10 +114,9 @@ void FrmFastHelp::rememberField() {
 }
 
 void FrmFastHelp::askGuide() {
-    const QString topic = topic_;
     field_.clear();  // the guide takes the focus
     accept();
-    Q_EMIT guideAsked(topic);
+    session_.windows().open(window::help, topic_.toStdString());
 }
 
 bool FrmFastHelp::event(QEvent* event) {

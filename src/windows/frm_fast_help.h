@@ -7,23 +7,24 @@
 #include <QPointer>
 #include <QPushButton>
 
+#include "app/session.h"
 #include "refdata/database.h"
+#include "windows/form.h"
 
 namespace zentaq {
 
-class FrmFastHelp : public QDialog {
+class FrmFastHelp : public QDialog, public Form {
     Q_OBJECT
 
  public:
-    explicit FrmFastHelp(QWidget* parent);
+    FrmFastHelp(Session& session, QWidget* parent);
+
+    /// The entry of the control in hand, else of the page in the workspace. A box tells where there is none.
+    void openOn(const std::string& on, const std::string& title) override;
 
     using QDialog::show;
     /// Shows an entry; an open window takes the new one. The control that has the focus now gets it back.
     void show(const HelpRow& row);
-
- Q_SIGNALS:
-    /// The user wants to read on in the guide, at "chapter" or "chapter#anchor".
-    void guideAsked(const QString& topic);
 
  protected:
     bool event(QEvent* event) override;
@@ -31,9 +32,11 @@ class FrmFastHelp : public QDialog {
     void hideEvent(QHideEvent* event) override;
 
  private:
+    QString keyInHand() const;
     void rememberField();
     void askGuide();
 
+    Session& session_;
     QLabel* lblTopic_ = nullptr;
     QLabel* lblHelp_ = nullptr;
     QPushButton* cmdGuide_ = nullptr;

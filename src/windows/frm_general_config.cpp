@@ -24,7 +24,10 @@ constexpr auto formTitle = "General Engine Configuration";
 }  // namespace
 
 FrmGeneralConfig::FrmGeneralConfig(Session& session, MainCommands&, QWidget* parent)
-    : QWidget(parent, secondWindow()), session_(session), core_(std::make_shared<GeneralConfig>(session)) {
+    : QWidget(parent, secondWindow()),
+      Form(this),
+      session_(session),
+      core_(std::make_shared<GeneralConfig>(session)) {
     setObjectName(QLatin1String(formName));
     setAccessibleName(QLatin1String(formTitle));
     setWindowTitle(QLatin1String(formTitle));
@@ -191,10 +194,6 @@ void FrmGeneralConfig::showUnit() {
     showState();
 }
 
-void FrmGeneralConfig::sensorsChanged() {
-    showUnit();
-}
-
 void FrmGeneralConfig::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::PaletteChange && save_ != nullptr) showIcons();
@@ -249,7 +248,7 @@ bool FrmGeneralConfig::run(Command&& command) {
     });
 }
 
-bool FrmGeneralConfig::finishEntry() {
+bool FrmGeneralConfig::finishEdits() {
     return busy_ || !isVisible() || form_->commit();
 }
 
@@ -317,7 +316,7 @@ void FrmGeneralConfig::closeEvent(QCloseEvent* event) {
     storePlacement(*this, session_.settings());
     unload();
     event->accept();
-    Q_EMIT closed();
+    tellClosed();
 }
 
 void FrmGeneralConfig::unload() {

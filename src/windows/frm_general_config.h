@@ -13,15 +13,16 @@
 #include "app/general_config.h"
 #include "app/main_commands.h"
 #include "app/session.h"
+#include "windows/form.h"
 #include "windows/frm_general_config_form.h"
 
 namespace zentaq {
 
-class FrmGeneralConfig : public QWidget {
+class FrmGeneralConfig : public QWidget, public Form {
     Q_OBJECT
 
  public:
-    /// Loads the core. The owner shows the window, and deletes it later once closed() has come.
+    /// Loads the core. The owner shows the window, and deletes it later once it has told that it is closed.
     FrmGeneralConfig(Session& session, MainCommands& commands, QWidget* parent = nullptr);
     ~FrmGeneralConfig() override;
 
@@ -31,20 +32,18 @@ class FrmGeneralConfig : public QWidget {
     /// Reset: the values of the unit return to the fields. Nothing is sent.
     void reset();
     /// Fields that act on the running engine take the highlight colour.
-    void onFlyChanged(bool on);
+    void onFlyChanged(bool on) override;
     /// The unit was changed elsewhere: the fields follow, but for the one that is being typed in.
-    void showUnit();
-    /// The list of MAP sensors has been edited.
-    void sensorsChanged();
+    void showUnit() override;
+    void sensorsChanged() override { showUnit(); }
+    void saveNew() override { save(); }
     /// Key "Save" of the toolbar: behind the edits typed before it.
     void save();
-    /// What is being typed is entered. False: it was refused, and the user has been told.
-    bool finishEntry();
+    bool finishEdits() override;
 
  Q_SIGNALS:
-    void closed();
     void sensorManagerAsked();
-    /// The calibration is a file now; closed() follows.
+    /// The calibration is a file now; its end follows.
     void saved();
 
  protected:

@@ -77,7 +77,7 @@ class HitPainter : public QStyledItemDelegate {
 }  // namespace
 
 FrmHelp::FrmHelp(const std::string& guideFolder, QWidget* parent)
-    : QWidget(parent, secondWindow()), folder_(guideFolder) {
+    : QWidget(parent, secondWindow()), Form(this), folder_(guideFolder) {
     setObjectName(QStringLiteral("frmHelp"));
     setAccessibleName(tr("User guide"));
     setWindowTitle(tr("Zentaq4 User Guide"));

@@ -13,11 +13,12 @@
 
 #include "guide/guide.h"
 #include "platform/settings_store.h"
+#include "windows/form.h"
 #include "windows/guide_page.h"
 
 namespace zentaq {
 
-class FrmHelp : public QWidget {
+class FrmHelp : public QWidget, public Form {
     Q_OBJECT
 
  public:
@@ -31,6 +32,7 @@ class FrmHelp : public QWidget {
     /// Shows a topic and brings the window to the front. Empty: the contents. "tables" is a chapter,
     /// "tables#axes" a place in it; a topic that the guide lacks shows the contents.
     void open(const std::string& topic);
+    void openOn(const std::string& on, const std::string& /*title*/) override { open(on); }
 
  protected:
     bool event(QEvent* event) override;

@@ -42,6 +42,7 @@ class PageArea : public QScrollArea {
 
 FrmOptions::FrmOptions(Session& session, MainCommands& commands, QWidget* parent)
     : QDialog(parent),
+      Form(this),
       session_(session),
       commands_(commands),
       options_(std::make_shared<Options>(session)),
@@ -165,12 +166,17 @@ void FrmOptions::done(int result) {
     const bool wasLoaded = loaded_;
     unload();
     QDialog::done(result);
-    if (wasLoaded) Q_EMIT closed();
+    if (wasLoaded) tellClosed();
 }
 
 void FrmOptions::showEvent(QShowEvent* event) {
     if (!loaded_) load();
     QDialog::showEvent(event);
+}
+
+void FrmOptions::openOn(const std::string& on, const std::string& title) {
+    if (on == zentaq::monitorPage) showPage(monitorPage);
+    Form::openOn(on, title);
 }
 
 void FrmOptions::showPage(int page) {

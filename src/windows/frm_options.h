@@ -16,6 +16,7 @@
 #include "app/options.h"
 #include "app/session.h"
 #include "qt/focus_keeper.h"
+#include "windows/form.h"
 #include "windows/frm_options_fields.h"
 #include "windows/frm_options_finder.h"
 
@@ -25,7 +26,7 @@ namespace zentaq {
 using ChooseColour =
     std::function<std::optional<QColor>(const QColor& initial, const QString& title, QWidget* parent)>;
 
-class FrmOptions : public QDialog {
+class FrmOptions : public QDialog, public Form {
     Q_OBJECT
 
  public:
@@ -35,6 +36,7 @@ class FrmOptions : public QDialog {
     FrmOptions(Session& session, MainCommands& commands, QWidget* parent = nullptr);
     ~FrmOptions() override;
 
+    void openOn(const std::string& on, const std::string& title) override;
     /// Turns to a page; the first one for a number that is none.
     void showPage(int page);
     /// In the place of the platform's colour dialog.
@@ -46,10 +48,6 @@ class FrmOptions : public QDialog {
 
     void done(int result) override;
     QSize sizeHint() const override;
-
- Q_SIGNALS:
-    /// The window has been closed, by whatever way.
-    void closed();
 
  protected:
     void showEvent(QShowEvent* event) override;

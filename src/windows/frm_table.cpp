@@ -15,6 +15,7 @@
 #include <QValidator>
 
 #include "base/number_text.h"
+#include "config/tree.h"
 #include "qt/field_focus.h"
 #include "qt/help_key.h"
 #include "qt/look.h"
@@ -104,7 +105,7 @@ TableColour colourModeOf(int setting) {
 }  // namespace
 
 FrmTable::FrmTable(Session& session, MainCommands& commands, QWidget* parent)
-    : QWidget(parent), session_(session), commands_(commands) {
+    : QWidget(parent), DockingForm(this), session_(session), commands_(commands) {
     setObjectName("frmTABLE");
     setAccessibleName("Table");
     redraw_ = new RedrawGate(
@@ -145,11 +146,13 @@ FrmTable::FrmTable(Session& session, MainCommands& commands, QWidget* parent)
     connect(Grid1_->verticalHeader(), &QHeaderView::sectionDoubleClicked, this,
             [this](int section) { headerDoubleClicked(section + 1, 0); });
     setMode(appliedLook(*qApp));
+    framesFollowed_ = session_.frames.follow([this] { refreshLive(); });
     session_.sysLog("TABLE App. Loaded.");
 }
 
 FrmTable::~FrmTable() {
     // Children outlive this part of the object; their last focus events are no business of the form any more.
+    framesFollowed_.reset();
     Grid1_->removeEventFilter(this);
     Grid1_->viewport()->removeEventFilter(this);
     txtInputValue_->removeEventFilter(this);
@@ -161,7 +164,7 @@ FrmTable::~FrmTable() {
     session_.sysLog("TABLE App. Terminated.");
 }
 
-FrmTable::Left FrmTable::takeWaiting() {
+Form::Left FrmTable::takeWaiting() {
     Left left;
     std::deque<Held> notTaken;
     for (Held& one : std::exchange(held_, {})) {
@@ -173,12 +176,6 @@ FrmTable::Left FrmTable::takeWaiting() {
     }
     left.notTaken = namesOf(notTaken);
     return left;
-}
-
-void FrmTable::tellNotTaken(Session& session, const std::string& names) {
-    if (names.empty()) return;
-    session.sysLog("TABLE: Closed before " + names + ".");
-    session.inform("The table was closed.\nWhat was typed behind that was not taken: " + names + ".");
 }
 
 // ---- Toolbar
@@ -311,6 +308,21 @@ QWidget* FrmTable::makeFields() {
 
 // ---- Building
 
+void FrmTable::openOn(const std::string& table, const std::string& title) {
+    if (tableName() != table) {
+        const QPointer<FrmTable> self(this);
+        if (!finishEntry() || !self) return;
+        Setup_Grid(table, title);
+    }
+    setProperty(helpKeyProperty, QString::fromStdString(tableHelp(table)));
+    Q_EMIT dockingAsked(docked_);
+}
+
+void FrmTable::takeBack() {
+    window()->activateWindow();
+    takeFocus();
+}
+
 void FrmTable::Setup_Grid(const std::string& table, const std::string& title) {
     Unit& unit = session_.currentUnitObject();
     std::shared_ptr<TableModel> fresh;
@@ -396,6 +408,11 @@ void FrmTable::showItems() {
     lblDspTable_->setText(QString::fromStdString(items.displayCaption));
     lblDspTable_->setVisible(!items.displayCaption.empty());
     lblDspTableVal_->setVisible(!items.displayCaption.empty());
+}
+
+void FrmTable::onFlyChanged(bool /*on*/) {
+    constexpr int refreshToolbar = 3;
+    Load_Command(refreshToolbar);
 }
 
 void FrmTable::Load_Command(int command) {
@@ -942,7 +959,7 @@ bool FrmTable::takeTime(QLineEdit* field) {
         session_.markModified();
         ownChange_ =
             true;  // the table shows it already, and a new build would lose what "Discard" brings back
-        session_.windows().showUnit();
+        session_.windows().tell(&WindowNews::showUnit);
         ownChange_ = false;
     } else if (!QString::fromStdString(typed).trimmed().isEmpty()) {
         // From the event loop, as the focus may be on its way to another control at this moment.
@@ -1013,7 +1030,7 @@ void FrmTable::setColourMode(int mode) {
     showItems();
 }
 
-void FrmTable::clearColours() {
+void FrmTable::clearTableColours() {
     if (!model_) return;
     model_->colourMode(colourModeOf(session_.TableColorMode));
     model_->colorizeGraph(true);
@@ -1077,7 +1094,7 @@ void FrmTable::closeEvent(QCloseEvent* event) {
     if (!finishEntry()) return event->ignore();
     closing_ = true;
     closeEdit();
-    Q_EMIT closed();
+    tellClosed();
 }
 
 // ---- Live

@@ -21,25 +21,33 @@
 #include <string>
 #include <vector>
 
+#include "windows/dock.h"
 #include "windows/redraw_gate.h"
 #include "windows/table_view.h"
 
 namespace zentaq {
 
-class FrmTable : public QWidget {
+class FrmTable : public QWidget, public DockingForm {
     Q_OBJECT
 
  public:
     FrmTable(Session& session, MainCommands& commands, QWidget* parent = nullptr);
     ~FrmTable() override;
 
+    /// A second opening of the same table keeps it as it is, selection and all.
+    void openOn(const std::string& table, const std::string& title) override;
+    void takeBack() override;
+    void setupNodes() override { followPaint(); }
+    void onFlyChanged(bool on) override;
+    void look(bool day) override { setMode(day ? DisplayMode::Day : DisplayMode::Night); }
+
     /// Builds the grid of a table of the calibration in hand. An empty name or title keeps the current one.
     void Setup_Grid(const std::string& table, const std::string& title);
     /// Empty before the first Setup_Grid.
     std::string tableName() const { return model_ ? model_->table() : std::string{}; }
-    std::string title() const { return model_ ? model_->title() : std::string{}; }
+    std::string title() const override { return model_ ? model_->title() : std::string{}; }
     /// The calibration in hand was changed elsewhere: reads it again.
-    void showUnit();
+    void showUnit() override;
 
     /// A frame has been decoded. Does nothing unless the calibration in hand is of the linked unit's kind.
     void refreshLive();
@@ -49,41 +57,28 @@ class FrmTable : public QWidget {
     /// second.
     void Show_Current_Activity(float x = 0, float y = 0);
     /// Told on each idle tick; only a change does something.
-    void onFlyLock(bool busy);
+    void onFlyLock(bool busy) override;
     bool locked() const { return locked_; }
 
     // ---- Edits and the commands behind them
     /// Keys and clicks wait for a change that is on its way to the unit.
-    bool keysWait() const { return !playing_ && !held_.empty(); }
-    /// Runs a command when the keys that wait have had their turn; not at all, with a word to the user, when
-    /// an entry among them is refused.
-    void behindKeys(const std::string& caption, std::function<void()> command);
-    /// What waited for a table that goes, for whoever removes it.
-    struct Left {
-        std::vector<std::function<void()>> commands;  ///< of the program, in order: they go on without it
-        std::string notTaken;  ///< "2 keys, Discard Changes": what means this table alone
-    };
-    Left takeWaiting();
-    /// The user is told, once, what went with a table.
-    static void tellNotTaken(Session& session, const std::string& names);
+    bool keysWait() const override { return !playing_ && !held_.empty(); }
+    void behindKeys(const std::string& caption, std::function<void()> command) override;
+    Left takeWaiting() override;
     /// What is being typed is entered. False: it was refused, and the user has been told.
     bool finishEntry();
     /// The same, and what the user has left in cells without Enter is written.
-    bool finishEdits();
+    bool finishEdits() override;
 
     /// The keyboard goes to the grid, or to what is being typed: the box over a cell, or a time.
-    void takeFocus();
-    /// While the table changes its place, losing the keyboard ends no entry.
-    void moves(bool on) { moving_ = on; }
+    void takeFocus() override;
+    void moves(bool on) override { moving_ = on; }
 
     bool docked() const { return docked_; }
-    void setDocked(bool docked);
-    void Day_Mode() { setMode(DisplayMode::Day); }
-    void Night_Mode() { setMode(DisplayMode::Night); }
-    /// In another window the style sheet gives the inside of the grid the palette that it met first.
-    void followLook();
+    void setDocked(bool docked) override;
+    void followLook() override;
     /// The options were applied: a white grid, and the colour mode of the session from here on.
-    void clearColours();
+    void clearTableColours() override;
     /// `Load_Command`: 1 redoes the docking, 3 refreshes which toolbar items are shown.
     void Load_Command(int command);
 
@@ -95,8 +90,6 @@ class FrmTable : public QWidget {
     int redraws() const { return redraws_; }
 
  Q_SIGNALS:
-    /// The user closed the table by key, button or window frame.
-    void closed();
     /// The user wants the table docked (true) or in a window of its own.
     void dockingAsked(bool docked);
 
@@ -218,6 +211,8 @@ class FrmTable : public QWidget {
     QLineEdit* txtIOT_ = nullptr;
     std::map<QString, QAction*> actions_;
     RedrawGate* redraw_ = nullptr;
+
+    FrameFeed::Subscription framesFollowed_;
 
     std::deque<Held> held_;
     bool playing_ = false;     ///< what has waited has its turn

@@ -19,6 +19,7 @@
 #include "qt/window_placement.h"
 #include "windows/mdi_main_about.h"
 #include "windows/mdi_main_edit.h"
+#include "windows/window_registry.h"
 
 namespace zentaq {
 
@@ -47,10 +48,6 @@ constexpr std::array menuCommands{
     Command{"mnuZeroAdv", &MainCommands::zeroAdvance},
     Command{"mnuClearDashCodes", &MainCommands::refreshCodes},
     Command{"mnuORB_ClearCodes", &MainCommands::clearCodes},
-    Command{"mnuMAPSensors", &MainCommands::sensorManager},
-    Command{"mnuOptions", &MainCommands::options},
-    Command{"mnuControlPanel", &MainCommands::options},
-    Command{"mnuMonitor_ChangeColors", &MainCommands::dashboardColors},
     Command{"mnuHelpContents", &MainCommands::help},
     Command{"mnuMonitor_DayMode", &MainCommands::dayMode},
     Command{"mnuMonitor_NightMode", &MainCommands::nightMode},
@@ -65,17 +62,14 @@ constexpr std::array comesAfterEdits{
     std::string_view("mnuExit"),
 };
 
-struct TableCommand {
-    std::string_view entry;
-    std::string_view table;
-};
+constexpr auto placeSection = "Forms";
+constexpr auto splitKey = "splCentre";
 
-constexpr std::array tableCommands{
-    TableCommand{"mnuAdvTbl", "ADV"},
-    TableCommand{"mnuVETbl", "VE"},
-    TableCommand{"mnuStgTbl", "SPW"},
-    TableCommand{"mnuEGOTbl", "AFR"},
-};
+/// The instruments' share of the frame's height before the user has moved the splitter.
+constexpr int abovePercent = 26;
+
+/// The enabled state of menu entries is looked at this often when nothing else has changed, in firings.
+constexpr int idleFiringsPerRefresh = 16;
 
 /// Ends a monitor session, as the door for other windows does.
 constexpr int endMonitoring = 3;
@@ -86,28 +80,26 @@ std::string plainCaption(const MenuEntry& entry) {
 }
 
 bool hasChildren(std::string_view name) {
-    for (const MenuEntry& entry : menuTree()) {
-        if (entry.parent == name) return true;
-    }
-    return false;
+    return std::ranges::any_of(menuTree(), [&](const MenuEntry& entry) { return entry.parent == name; });
 }
 
 }  // namespace
 
 MdiMain::MdiMain(Session& session, MainCommands& commands, Kernel& kernel)
-    : session_(session), commands_(commands), kernel_(kernel) {
+    : Form(this), session_(session), commands_(commands), kernel_(kernel) {
     setObjectName(QStringLiteral("mdiMain"));
     setAccessibleName(QLatin1String(frameTitle));
     setWindowTitle(QLatin1String(frameTitle));
     makeMenus();
     makeToolbar();
     makeStatusBar();
-    showLook();
+    MdiMain::look(session.dayMode());
     refresh();
 }
 
 void MdiMain::makeMenus() {
-    for (const MenuEntry& entry : menuTree()) {
+    for (const MenuEntry* row : menuEntries()) {
+        const MenuEntry& entry = *row;
         const auto parent = menus_.find(entry.parent);
         QMenu* above = parent == menus_.end() ? nullptr : parent->second;
         if (!entry.parent.empty() && !hasChildren(entry.name)) {
@@ -193,7 +185,7 @@ void MdiMain::makeStatusBar() {
     add("StatusBar1_Panel4", tr("Unsaved changes"), " Modified  ", 0);
 }
 
-void MdiMain::showFrame() {
+void MdiMain::openOn(const std::string& /*on*/, const std::string& /*title*/) {
     if (!restorePlacement(*this, session_.settings())) {
         // Where nobody manages windows the state alone changes nothing.
         setGeometry(screen()->availableGeometry());
@@ -202,8 +194,40 @@ void MdiMain::showFrame() {
     show();
 }
 
+// ---- The middle
+
+QSplitter* MdiMain::centre() {
+    if (centre_ == nullptr) {
+        centre_ = new QSplitter(Qt::Vertical, this);
+        centre_->setObjectName(QLatin1String(splitKey));
+        setCentralWidget(centre_);
+    }
+    return centre_;
+}
+
+void MdiMain::putBelow(QWidget& window) {
+    centre()->addWidget(&window);
+}
+
+void MdiMain::putAbove(QWidget& window) {
+    centre()->insertWidget(0, &window);
+    centre_->setStretchFactor(0, 0);
+    centre_->setStretchFactor(1, 1);
+    const std::string stored = session_.settings().get(placeSection, splitKey);
+    if (!stored.empty() && centre_->restoreState(QByteArray::fromBase64(QByteArray::fromStdString(stored)))) {
+        return;
+    }
+    const int above = height() * abovePercent / 100;
+    centre_->setSizes({above, height() - above});
+}
+
 void MdiMain::closeNow() {
     closing_ = true;
+    if (centre_ != nullptr) {
+        skipFailing([&] {
+            session_.settings().set(placeSection, splitKey, centre_->saveState().toBase64().toStdString());
+        });
+    }
     storePlacement(*this, session_.settings());
     close();
 }
@@ -221,11 +245,11 @@ void MdiMain::closeRequested() {
                  });
 }
 
-void MdiMain::showTitle(const std::string& title) {
+void MdiMain::titleChanged(const std::string& title) {
     setWindowTitle(title.empty() ? QLatin1String(frameTitle) : shownString(title));
 }
 
-void MdiMain::showOnFly(bool on) {
+void MdiMain::onFlyChanged(bool on) {
     QLabel& label = panel(Panel::OnFly);
     label.setText(on ? QStringLiteral("ONFLY") : QString());
     const LookColors colors = lookColors(appliedLook(*qApp));
@@ -238,11 +262,12 @@ void MdiMain::showOnFly(bool on) {
     label.setPalette(palette);
 }
 
-void MdiMain::showLook() {
+/// Icons in the colours of day or night.
+void MdiMain::look(bool /*day*/) {
     const LookColors colors = lookColors(appliedLook(*qApp));
     for (const auto& [button, action] : buttons_) action->setIcon(icon(qString(button->key), colors.text));
     setWindowIcon(icon(QStringLiteral("Zentaq4"), colors.accent));
-    showOnFly(!panel(Panel::OnFly).text().isEmpty());
+    onFlyChanged(!panel(Panel::OnFly).text().isEmpty());
 }
 
 void MdiMain::enableToolbar(bool on) {
@@ -276,6 +301,17 @@ void MdiMain::refresh() {
         firmwareSeen_ = session_.link.status().panel3;
         panel(Panel::Firmware).setText(shownString(firmwareSeen_));
     }
+}
+
+void MdiMain::follow() {
+    const std::uint64_t console = session_.console.changes();
+    const std::uint64_t link = session_.link.status().changes;
+    const bool moved = console != consoleSeen_ || link != linkSeen_;
+    if (!moved && ++idleFirings_ < idleFiringsPerRefresh) return;
+    idleFirings_ = 0;
+    consoleSeen_ = console;
+    linkSeen_ = link;
+    refresh();
 }
 
 void MdiMain::run(std::string_view entry) {
@@ -325,26 +361,22 @@ void MdiMain::runNow(std::string_view entry) {
     refresh();
 }
 
-bool MdiMain::perform(std::string_view entry) {
+void MdiMain::perform(std::string_view entry) {
     for (const Command& command : menuCommands) {
-        if (command.entry != entry) continue;
-        (commands_.*command.run)();
-        return true;
+        if (command.entry == entry) return (commands_.*command.run)();
     }
-    if (performTable(entry)) return true;
-    if (entry == "mnuExit") return kernel_.System_Shutdown(false);
+    const Entry* row = find(entry);
+    if (row != nullptr && !row->data->window.empty()) return openWindow(*row->data);
+    if (entry == "mnuExit") kernel_.System_Shutdown(false);
     if (entry == "mnuAbout") about();
-    if (entry == "mnuFastHelp") Q_EMIT fastHelpAsked();
-    return editCommand(entry, QApplication::focusWidget());
+    editCommand(entry, QApplication::focusWidget());
 }
 
-bool MdiMain::performTable(std::string_view entry) {
-    for (const TableCommand& command : tableCommands) {
-        if (command.entry != entry) continue;
-        commands_.openTable(std::string(command.table), tableTitle(command.table));
-        return true;
-    }
-    return false;
+void MdiMain::openWindow(const MenuEntry& entry) {
+    const std::string on(entry.on);
+    // A table wants a calibration that has it.
+    if (entry.window == window::table) return commands_.openTable(on, tableTitle(on));
+    session_.windows().open(entry.window, on);
 }
 
 void MdiMain::about() {

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <QMenu>
+#include <QSplitter>
 #include <QToolBar>
 #include <map>
 #include <string>
@@ -15,10 +16,11 @@
 #include "app/menu.h"
 #include "app/session.h"
 #include "app/start_up.h"
+#include "windows/form.h"
 
 namespace zentaq {
 
-class MdiMain : public QMainWindow {
+class MdiMain : public QMainWindow, public Form {
     Q_OBJECT
 
  public:
@@ -26,19 +28,24 @@ class MdiMain : public QMainWindow {
 
     MdiMain(Session& session, MainCommands& commands, Kernel& kernel);
 
-    /// Shows the frame where the user left it, at first on the whole screen's height and width.
-    void showFrame();
+    /// The frame where the user left it, at first on the whole screen's height and width.
+    void openOn(const std::string& on, const std::string& title) override;
+    /// What stands in the middle: one window above the other, shared out as the user left it.
+    QSplitter* centre();
+    void putAbove(QWidget& window);
+    void putBelow(QWidget& window);
     /// Closes without asking; the core has asked.
     void closeNow();
 
     /// Off while the program starts, and with the toolbar every command of the menus and its key: what they
     /// work on is not made yet. The window's own button still closes it.
-    void enableToolbar(bool on);
-    void showTitle(const std::string& title);
-    void showOnFly(bool on);
-    void clearPanel3() { panel(Panel::Firmware).clear(); }
-    /// Icons in the colours of day or night.
-    void showLook();
+    void enableToolbar(bool on) override;
+    void titleChanged(const std::string& title) override;
+    void onFlyChanged(bool on) override;
+    void clearPanel3() override { panel(Panel::Firmware).clear(); }
+    void look(bool day) override;
+    void windowClosed() override { refresh(); }
+    void follow() override;
     /// Which entries are enabled and checked, and the panels of the status bar.
     void refresh();
 
@@ -47,10 +54,6 @@ class MdiMain : public QMainWindow {
     void run(std::string_view entry);
     /// Tells, in one box for all of them, of a command that waited until it could not be run any more.
     void tellNotRun(const std::string& caption);
-
- Q_SIGNALS:
-    /// F2: help on the field in hand.
-    void fastHelpAsked();
 
  protected:
     void closeEvent(QCloseEvent* event) override;
@@ -73,8 +76,8 @@ class MdiMain : public QMainWindow {
     void pressed(const ToolbarButton& button);
     void makeStatusBar();
     QLabel& panel(Panel which) { return *panels_.at(static_cast<std::size_t>(which)); }
-    bool perform(std::string_view entry);
-    bool performTable(std::string_view entry);
+    void perform(std::string_view entry);
+    void openWindow(const MenuEntry& entry);
     void about();
 
     Session& session_;
@@ -84,9 +87,13 @@ class MdiMain : public QMainWindow {
     std::vector<Entry> entries_;
     std::vector<std::pair<const ToolbarButton*, QAction*>> buttons_;
     QToolBar* toolbar_ = nullptr;
+    QSplitter* centre_ = nullptr;
     std::vector<QLabel*> panels_;
     std::string firmwareSeen_;
     bool commandsOn_ = true;
+    std::uint64_t consoleSeen_ = 0;
+    std::uint64_t linkSeen_ = 0;
+    int idleFirings_ = 0;
     std::vector<std::string> notRun_;  ///< the box about them is on its way
     bool closing_ = false;
 };

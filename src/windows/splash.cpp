@@ -7,6 +7,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <utility>
 
 #include "qt/look.h"
 #include "qt/qt_text.h"
@@ -15,10 +16,12 @@ namespace zentaq {
 
 // Past the window manager: one that is slow to show it misses that it has been hidden again, and leaves a
 // black field on the screen.
-FrmSplash::FrmSplash(const QString& version, QWidget* over)
+FrmSplash::FrmSplash(const QString& version, QWidget* over, std::function<bool()> goes)
     : QWidget(nullptr, Qt::SplashScreen | Qt::WindowStaysOnTopHint | Qt::FramelessWindowHint |
                            Qt::BypassWindowManagerHint),
-      over_(over) {
+      Form(this),
+      over_(over),
+      goes_(std::move(goes)) {
     setObjectName(QStringLiteral("frmSplash"));
     setAccessibleName(tr("Start of the program"));
     setAttribute(Qt::WA_ShowWithoutActivating);
@@ -40,6 +43,11 @@ FrmSplash::FrmSplash(const QString& version, QWidget* over)
     layout->addWidget(maker);
     layout->addWidget(lblOperation_);
     lblOperation_->setMinimumWidth(fontMetrics().averageCharWidth() * 50);
+}
+
+void FrmSplash::openOn(const std::string& text, const std::string& /*title*/) {
+    status(text);
+    if (goes_ && goes_()) hide();
 }
 
 void FrmSplash::status(std::string_view text) {

@@ -8,6 +8,7 @@
 #include <deque>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -118,40 +119,41 @@ class FakePort : public SerialPort {
     bool open_ = false;
 };
 
-/// Windows that write down what they are asked.
-class RecordingWindows : public WindowSet {
+/// Windows that write down what they are asked, and what they are told.
+class RecordingWindows : public WindowSet, public WindowNews {
  public:
-    void showMain() override { note("showMain"); }
+    void open(std::string_view name, const std::string& on, const std::string& itsTitle) override {
+        static const std::map<std::string_view, std::string> opening{
+            {window::main, "showMain"},
+            {window::splash, "splash "},
+            {window::config, "showConfig"},
+            {window::link, "showLink"},
+            {window::dashboard, "showDashboard"},
+            {window::table, "table "},
+            {window::options, "options"},
+            {window::generalConfig, "general config"},
+            {window::help, "help "},
+            {window::sensorEditor, "sensor editor"}};
+        note(opening.at(name) + on + (itsTitle.empty() ? "" : " " + itsTitle));
+    }
+    bool close(std::string_view name) override {
+        if (name != window::generalConfig) return note("closeMain"), true;
+        note("leave general config");
+        return leavesGeneralConfig;
+    }
+    void focus(std::string_view form) override { note("focus " + std::string(form)); }
+    void removeForms() override { note("removeForms"); }
+
     void enableToolbar(bool on) override { note(on ? "toolbar on" : "toolbar off"); }
-    void splash(std::string_view text) override { note("splash " + std::string(text)); }
     void makeGraphPools() override { note("graph pools"); }
-    void showConfig() override { note("showConfig"); }
-    void showLink() override { note("showLink"); }
-    void showDashboard() override { note("showDashboard"); }
     void showCommList(bool on) override { note(on ? "comm list on" : "comm list off"); }
-    void focusForm(const std::string& form) override { note("focus " + form); }
     void showTip(const std::string& text) override { tip = text; }
     void killTimers() override { note("killTimers"); }
-    void closeMain() override { note("closeMain"); }
     void titleChanged(const std::string& text) override { title = text; }
     void setupNodes() override { note("setupNodes"); }
     void showStartTab() override { note("startTab"); }
     void onFlyChanged(bool on) override { note(on ? "onfly on" : "onfly off"); }
-    void removeForms() override { note("removeForms"); }
-    void openTable(const std::string& table, const std::string& tableTitle) override {
-        note("table " + table + " " + tableTitle);
-    }
-    void openGeneralConfig() override { note("general config"); }
-    bool closeGeneralConfig() override {
-        note("leave general config");
-        return leavesGeneralConfig;
-    }
-    void saveGeneralConfig() override { note("save general config"); }
-    void openSensorEditor() override { note("sensor editor"); }
-    void openOptions(OptionsPage page) override {
-        note(page == OptionsPage::Monitor ? "options, monitor" : "options");
-    }
-    void openHelp(const std::string& topic) override { note("help " + topic); }
+    void saveNew() override { note("save general config"); }
     void temperaturesChanged() override { note("temperatures"); }
     void updateRateChanged() override { note("update rate"); }
     void clearTableColours() override { note("white table"); }
@@ -160,14 +162,16 @@ class RecordingWindows : public WindowSet {
     }
     void initializeRecorderRows() override { note("recorder rows"); }
     void sensorsChanged() override { note("sensors"); }
-    void dayMode() override { note("day"); }
-    void nightMode() override { note("night"); }
+    void look(bool day) override { note(day ? "day" : "night"); }
 
-    void note(const std::string& what) { calls.push_back(what); }
+    virtual void note(const std::string& what) { calls.push_back(what); }
     bool leavesGeneralConfig = true;  ///< false: the user keeps the new calibration in the form
     std::vector<std::string> calls;
     std::string title;
     std::string tip;
+
+ protected:
+    void toEach(const std::function<void(WindowNews&)>& tell) override { tell(*this); }
 };
 
 /// The project's reference database, built once for all tests, for reading.

@@ -90,6 +90,25 @@ TEST(MenuTree, NoTwoEntriesShareAShortcut) {
     }
 }
 
+TEST(MenuTree, EntriesOpenTheirWindowsOnWhatTheyName) {
+    struct Row {
+        const char *name, *window, *on;
+    };
+    const Row rows[] = {
+        {"mnuOptions", "frmOptions", ""},           {"mnuControlPanel", "frmOptions", ""},
+        {"mnuFastHelp", "frmFastHelp", ""},         {"mnuMonitor_ChangeColors", "frmOptions", "Monitor"},
+        {"mnuAdvTbl", "frmTABLE", "ADV"},           {"mnuVETbl", "frmTABLE", "VE"},
+        {"mnuStgTbl", "frmTABLE", "SPW"},           {"mnuEGOTbl", "frmTABLE", "AFR"},
+        {"mnuMAPSensors", "frmEditMAPSensors", ""},
+    };
+    const auto entries = byName();
+    for (const Row& row : rows) {
+        ASSERT_TRUE(entries.count(row.name)) << row.name;
+        EXPECT_EQ(entries.at(row.name)->window, row.window) << row.name;
+        EXPECT_EQ(entries.at(row.name)->on, row.on) << row.name;
+    }
+}
+
 TEST(Toolbar, HasItsEightButtonsInOrderAndEachStandsForAMenuEntry) {
     const char* keys[] = {"New", "Open", "Save", "Program", "Print", "Options", "Help", "Shutdown"};
     const auto buttons = toolbarButtons();

@@ -150,20 +150,6 @@ TEST_F(NewCalibrationCommand, TheNodeOfTheGeneralParametersOpensTheFormForTheCal
     EXPECT_FALSE(session.creating());
 }
 
-TEST(WindowCommands, OpenTheOptionsOnTheirPages) {
-    FakeSession fake;
-    MainCommands commands(fake.session);
-    commands.options();
-    commands.dashboardColors();
-    EXPECT_THAT(fake.windows.calls, ::testing::ElementsAre("options", "options, monitor"));
-}
-
-TEST(WindowCommands, OpenTheSensorManager) {
-    FakeSession fake;
-    MainCommands(fake.session).sensorManager();
-    EXPECT_THAT(fake.windows.calls, ::testing::ElementsAre("sensor editor"));
-}
-
 TEST(WindowCommands, HelpIsLoggedAndOpensTheGuidesContents) {
     FakeSession fake;
     MainCommands(fake.session).help();

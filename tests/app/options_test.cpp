@@ -37,19 +37,21 @@ class TrailingStore : public MemorySettings {
     Trail& trail_;
 };
 
-class TrailingWindows : public WindowSet {
+class TrailingWindows : public WindowSet, public WindowNews {
  public:
     explicit TrailingWindows(Trail& trail) : trail_(trail) {}
     void temperaturesChanged() override { trail_.emplace_back("temperatures"); }
     void updateRateChanged() override { trail_.emplace_back("update rate"); }
     void clearTableColours() override { trail_.emplace_back("white grid"); }
-    void dayMode() override { trail_.emplace_back("day"); }
-    void nightMode() override { trail_.emplace_back("night"); }
+    void look(bool day) override { trail_.emplace_back(day ? "day" : "night"); }
     void dashboardColours(const std::string& lights, const std::string& needle) override {
         trail_.push_back("lights " + lights + " needle " + needle);
     }
     void showCommList(bool on) override { trail_.emplace_back(on ? "list on" : "list off"); }
     void initializeRecorderRows() override { trail_.emplace_back("recorder rows"); }
+
+ protected:
+    void toEach(const std::function<void(WindowNews&)>& tell) override { tell(*this); }
 
  private:
     Trail& trail_;

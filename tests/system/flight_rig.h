@@ -63,14 +63,13 @@ class UnitProcess {
     QByteArray ready_;
 };
 
-/// The program in this process, with the window manager or one derived from it.
-template <typename Windows>
-class ProgramWith {
+/// The program in this process.
+class Program {
  public:
-    ProgramWith(QApplication& application, const std::string& folder, const std::string& link)
-        : ProgramWith(application, folder, [link] { return portAt(link); }) {}
+    Program(QApplication& application, const std::string& folder, const std::string& link)
+        : Program(application, folder, [link] { return portAt(link); }) {}
     /// With a list of ports of its own, such as one of units that are announced in a folder.
-    ProgramWith(QApplication& application, const std::string& folder, QtSerialPort::PortSource ports)
+    Program(QApplication& application, const std::string& folder, QtSerialPort::PortSource ports)
         : folder_(prepared(folder)),
           port(std::move(ports), clock),
           ticker(port.port, clock),
@@ -148,10 +147,8 @@ class ProgramWith {
     Session session;
     MainCommands commands;
     Kernel kernel;
-    Windows windows;
+    WindowManager windows;
 };
-
-using Program = ProgramWith<WindowManager>;
 
 inline std::vector<std::uint8_t> bytesOf(const std::string& path) {
     std::ifstream file(path, std::ios::binary);

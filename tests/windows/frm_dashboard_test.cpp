@@ -20,11 +20,10 @@ using testing::Each;
 /// Hands the core's news to the dashboard as the program does.
 class DashboardWindows : public WindowSet {
  public:
-    void updateDisplay() override { dashboard->UPDATE_DISPLAY(); }
-    void resetDashboard() override { dashboard->Reset_Dashboard(); }
-    void codesReceived() override { dashboard->codesChanged(); }
-    void codesCleared() override { dashboard->codesChanged(); }
     FrmDashBoard* dashboard = nullptr;
+
+ protected:
+    void toEach(const std::function<void(WindowNews&)>& tell) override { tell(*dashboard); }
 };
 
 class PaintCounter : public QObject {
@@ -79,7 +78,7 @@ class Dashboard : public testing::Test {
     }
     void feed(const std::vector<std::uint8_t>& bytes) {
         fake.session.decoder.Monitor(unit(), bytes);
-        fake.session.windows().updateDisplay();
+        windows.tell(&WindowNews::updateDisplay);
     }
     /// A frame's time later, so that it is drawn at once.
     void show(const std::vector<std::uint8_t>& bytes) {
@@ -448,7 +447,7 @@ TEST_F(Dashboard, InputsAndOutputsAreListed) {
 
 TEST_F(Dashboard, ResetEmptiesTheLabelsAndRestsTheNeedles) {
     show(frame());
-    fake.session.windows().resetDashboard();
+    windows.tell(&WindowNews::resetDashboard);
     std::vector<std::string> texts;
     for (const auto* label : board->findChildren<LiveLabel*>()) texts.push_back(label->text().toStdString());
     EXPECT_EQ(texts.size(), 27u);

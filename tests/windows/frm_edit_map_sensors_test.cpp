@@ -228,7 +228,7 @@ TEST_F(FrmEditMAPSensorsTest, TabGoesFromPointToPointThenToTheUnitThenToSave) {
 
 TEST_F(FrmEditMAPSensorsTest, EscapeEndsAnEntryAndThenTheForm) {
     int closings = 0;
-    QObject::connect(form.get(), &FrmEditMAPSensors::closed, [&] { ++closings; });
+    form->onClosed([&] { ++closings; });
     edit(sharp);
     enter("1");
     press(Qt::Key_Escape);

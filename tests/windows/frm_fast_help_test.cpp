@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QVBoxLayout>
 
+#include "app/fake_platform.h"
 #include "windows/key_press.h"
 
 namespace zentaq {
@@ -16,15 +17,24 @@ namespace {
 const HelpRow revLimit{1, "Rev Limit", "Speed of the limiter. Set it low first.", "helprevl"};
 const HelpRow arrows{2, "Arrow Keys", "They move the view. Try it.", "helparrow"};
 
+/// What the guide is opened on.
+struct GuideAsked : WindowSet {
+    void open(std::string_view name, const std::string& topic, const std::string&) override {
+        if (name == window::help) topics += QString::fromStdString(topic);
+    }
+    QStringList topics;
+};
+
 class FastHelp : public ::testing::Test {
  protected:
     QWidget frame;
     QLineEdit field{&frame};
     QLineEdit other{&frame};
     QAction helpKey{&frame};
-    FrmFastHelp help{&frame};
+    FakeSession fake;
+    GuideAsked guide;
+    FrmFastHelp help{fake.session, &frame};
     int asked = 0;
-    QStringList topics;  ///< what the guide was asked for
 
     FastHelp() {
         auto* layout = new QVBoxLayout(&frame);
@@ -33,8 +43,7 @@ class FastHelp : public ::testing::Test {
         helpKey.setShortcut(Qt::Key_F2);
         helpKey.setShortcutContext(Qt::ApplicationShortcut);
         frame.addAction(&helpKey);
-        QObject::connect(&help, &FrmFastHelp::guideAsked, &frame,
-                         [this](const QString& topic) { topics += topic; });
+        fake.session.attach(guide);
         QObject::connect(&helpKey, &QAction::triggered, &frame, [this] { ++asked; });
         frame.show();
         frame.activateWindow();
@@ -111,8 +120,8 @@ TEST_F(FastHelp, TheGuideIsAskedForByKeyboardAtTheRightPlace) {
     pressKey(Qt::Key_M, Qt::AltModifier);
     // A button that is pressed by its letter stays down for a moment before it acts.
     const QDeadlineTimer patience(2000);
-    while (topics.isEmpty() && !patience.hasExpired()) QApplication::processEvents();
-    EXPECT_EQ(topics, QStringList("ignition#rev-limiter"));
+    while (guide.topics.isEmpty() && !patience.hasExpired()) QApplication::processEvents();
+    EXPECT_EQ(guide.topics, QStringList("ignition#rev-limiter"));
     EXPECT_FALSE(help.isVisible());
 }
 
@@ -120,7 +129,7 @@ TEST_F(FastHelp, EnterOnTheLinkAsksForTheGuideToo) {
     pressKey(Qt::Key_Tab);
     ASSERT_EQ(QApplication::focusWidget(), help.findChild<QPushButton*>("cmdGuide"));
     pressKey(Qt::Key_Return);
-    EXPECT_EQ(topics.count(), 1);
+    EXPECT_EQ(guide.topics.count(), 1);
 }
 
 TEST_F(FastHelp, WithoutAPlaceInTheGuideThereIsNoLink) {

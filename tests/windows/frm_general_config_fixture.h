@@ -58,7 +58,7 @@ class GeneralWindows : public RecordingWindows {
     void onFlyChanged(bool on) override {
         if (form != nullptr) form->onFlyChanged(on);
     }
-    void focusForm(const std::string&) override {
+    void focus(std::string_view) override {
         if (focusAfterWarning != nullptr) focusAfterWarning->setFocus();
     }
     FrmGeneralConfig* form = nullptr;
@@ -102,7 +102,7 @@ class GeneralWindow : public testing::Test {
         windows.form = form.get();
         dialogs.parent = form.get();
         QObject::connect(form.get(), &FrmGeneralConfig::saved, [this] { ++savedTold; });
-        QObject::connect(form.get(), &FrmGeneralConfig::closed, [this] { ++closedTold; });
+        form->onClosed([this] { ++closedTold; });
         form->show();
         form->activateWindow();
         QApplication::processEvents();

@@ -20,7 +20,7 @@ class OptionsWindowTest : public WindowTest {
 
     void open() {
         form = std::make_unique<FrmOptions>(fake.session, commands, &windows.main());
-        QObject::connect(form.get(), &FrmOptions::closed, [this] { ++closings; });
+        form->onClosed([this] { ++closings; });
         form->show();
         activate(*form);
     }

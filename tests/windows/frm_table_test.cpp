@@ -513,7 +513,7 @@ TEST_F(Table, CapitalAShowsAbsoluteValues) {
 
 TEST_F(Table, CapitalXClosesTheWindow) {
     int closed = 0;
-    QObject::connect(form.get(), &FrmTable::closed, form.get(), [&] { ++closed; });
+    form->onClosed([&] { ++closed; });
     type("X");
     EXPECT_EQ(closed, 1);
     EXPECT_FALSE(form->isVisible());
@@ -961,7 +961,7 @@ TEST_F(Table, EditBoxShowsLargeDigitsInSightAtEveryEdge) {
 
 TEST_F(Table, EditBoxStandsOutFromTheCellsByDayAndByNight) {
     for (const DisplayMode mode : {DisplayMode::Day, DisplayMode::Night}) {
-        mode == DisplayMode::Day ? form->Day_Mode() : form->Night_Mode();
+        mode == DisplayMode::Day ? form->look(true) : form->look(false);
         stand(8, 8);
         type("5");
         const QColor back = picture(box()).pixelColor(box().width() / 4, box().height() / 2);

@@ -143,7 +143,7 @@ TEST_F(MainWindow, Panel3TellsTheFirmwareUntilItIsCleared) {
     fake.session.link.editStatus().panel3 = "ZQA5099";
     windows.refresh();
     EXPECT_EQ(find<QLabel>("StatusBar1_Panel3")->text(), "ZQA5099");
-    windows.clearPanel3();
+    windows.tell(&WindowNews::clearPanel3);
     windows.main().refresh();
     EXPECT_EQ(find<QLabel>("StatusBar1_Panel3")->text(), "");
     fake.session.link.editStatus().panel3 = "ZQA5100";
@@ -221,8 +221,8 @@ TEST_F(MainWindow, RemembersItsPlace) {
 
 TEST_F(MainWindow, ComesBackOntoTheScreenThatIsLeft) {
     fake.settings.set("Forms", "mdiMain", "5000 3000 640 480 0");  // on a screen that was unplugged
-    WindowManager again(*qApp, fake.session, commands, kernel);
-    again.showMain();
+    ProgramWindows again(*qApp, fake.session, commands, kernel);
+    again.open(window::main);
     QCoreApplication::processEvents();
     const QRect room = again.main().screen()->availableGeometry();
     const QRect place = again.main().geometry();
@@ -242,7 +242,7 @@ TEST_F(MainWindow, TheShutdownIsTheLastThatTheConsoleTells) {
 }
 
 TEST_F(MainWindow, NoCommandRunsBeforeTheProgramHasStarted) {
-    windows.enableToolbar(false);
+    windows.tell(&WindowNews::enableToolbar, false);
     windows.refresh();
     windows.main().refresh();
     EXPECT_FALSE(find<QToolBar>("Toolbar1")->isEnabled());
@@ -251,7 +251,7 @@ TEST_F(MainWindow, NoCommandRunsBeforeTheProgramHasStarted) {
         if (shown == nullptr) shown = menu(std::string(entry.name).c_str())->menuAction();
         EXPECT_FALSE(shown->isEnabled()) << entry.name;
     }
-    windows.enableToolbar(true);
+    windows.tell(&WindowNews::enableToolbar, true);
     EXPECT_TRUE(action("mnuOpen")->isEnabled());
     EXPECT_TRUE(menu("mnuFile")->menuAction()->isEnabled());
 }

@@ -37,10 +37,10 @@ TEST_F(StartSequence, TheSplashTellsTheVersionFromItsFirstTextOn) {
 
 TEST_F(StartSequence, TheSplashHidesItselfOnlyWhileTheProgramStarts) {
     fake.session.StartingUp = 1;
-    windows.splash("Starting");
+    windows.open(window::splash, "Starting");
     EXPECT_FALSE(windows.splashWindow()->isVisible());
     fake.session.StartingUp = 0;
-    windows.splash("Working");
+    windows.open(window::splash, "Working");
     EXPECT_TRUE(windows.splashWindow()->isVisible());
 }
 
@@ -74,7 +74,7 @@ class HeldStart : public testing::TestWithParam<const char*> {
     FakeSession fake;
     MainCommands commands{fake.session};
     Kernel kernel{fake.session, commands};
-    WindowManager windows{*qApp, fake.session, commands, kernel};
+    ProgramWindows windows{*qApp, fake.session, commands, kernel};
     QTimer watch;
     bool held = false;
 

@@ -9,16 +9,51 @@
 
 #include "app/fake_platform.h"
 #include "app/start_up.h"
+#include "windows/frm_config.h"
+#include "windows/frm_dashboard.h"
+#include "windows/frm_edit_map_sensors.h"
+#include "windows/frm_fast_help.h"
+#include "windows/frm_general_config.h"
+#include "windows/frm_help.h"
+#include "windows/frm_options.h"
+#include "windows/frm_table.h"
+#include "windows/splash.h"
 #include "windows/window_manager.h"
 
 namespace zentaq {
+
+/// The windows of the program by the names that tests call them.
+class ProgramWindows : public WindowManager {
+ public:
+    using WindowManager::WindowManager;
+
+    FrmConfig* config() { return form<FrmConfig>(); }
+    FrmDashBoard* dashboard() { return form<FrmDashBoard>(); }
+    FrmTable* table() { return form<FrmTable>(); }
+    FrmGeneralConfig* generalConfig() { return form<FrmGeneralConfig>(); }
+    FrmEditMAPSensors* sensorEditor() { return form<FrmEditMAPSensors>(); }
+    FrmOptions* options() { return form<FrmOptions>(); }
+    FrmHelp* help() { return form<FrmHelp>(); }
+    FrmFastHelp* fastHelpWindow() { return form<FrmFastHelp>(); }
+    FrmSplash* splashWindow() { return form<FrmSplash>(); }
+
+    void openGeneralConfig() { open(window::generalConfig); }
+    void openSensorEditor() { open(window::sensorEditor); }
+    void openTable(const std::string& table, const std::string& title) { open(window::table, table, title); }
+    void showUnit() { tell(&WindowNews::showUnit); }
+    void onFlyLock(bool busy) { tell(&WindowNews::onFlyLock, busy); }
+    void onFlyChanged(bool on) { tell(&WindowNews::onFlyChanged, on); }
+    void dayMode() { tell(&WindowNews::look, true); }
+    void nightMode() { tell(&WindowNews::look, false); }
+    void killTimers() { tell(&WindowNews::killTimers); }
+};
 
 class WindowTest : public testing::Test {
  protected:
     FakeSession fake;
     MainCommands commands{fake.session};
     Kernel kernel{fake.session, commands};
-    WindowManager windows{*qApp, fake.session, commands, kernel};
+    ProgramWindows windows{*qApp, fake.session, commands, kernel};
 
     WindowTest() {
         fake.settings.set("System", "FileOpen", "0");

@@ -144,7 +144,7 @@ TEST_F(Forms, WithoutADatabaseFastHelpTellsWhyThereIsNone) {
 TEST_F(Forms, AWarningGivesTheFocusBackToTheFormNamed) {
     run("mnuNew");
     fake.session.messages.ActiveFormName = "frmGeneralConfig";
-    windows.focusForm("frmGeneralConfig");
+    windows.focus("frmGeneralConfig");
     settle();
     EXPECT_TRUE(windows.generalConfig()->isVisible());
     EXPECT_TRUE(windows.generalConfig()->isActiveWindow());
@@ -153,7 +153,7 @@ TEST_F(Forms, AWarningGivesTheFocusBackToTheFormNamed) {
 
 TEST_F(Forms, TheUpdateRateOfTheOptionsActsAtOnce) {
     fake.settings.set("System", "ADUR", "20");
-    windows.updateRateChanged();
+    windows.tell(&WindowNews::updateRateChanged);
     const auto* timer = windows.dashboard()->findChild<QTimer*>("tmrUpdate");
     ASSERT_NE(timer, nullptr);
     EXPECT_EQ(timer->interval(), 50);

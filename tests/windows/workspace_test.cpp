@@ -57,7 +57,7 @@ class Workspace : public WindowTest {
 };
 
 TEST_F(Workspace, ShowsTheTipOfTheDayEscaped) {
-    windows.showTip("Save <b>often</b>.\x1B[31m\nAnd early.");
+    windows.tell(&WindowNews::showTip, "Save <b>often</b>.\x1B[31m\nAnd early.");
     const auto* tip = find<QLabel>("lblTip");
     ASSERT_NE(tip, nullptr);
     EXPECT_EQ(tip->text(), "Save <b>often</b>.\\x1B[31m\nAnd early.");
@@ -106,7 +106,7 @@ TEST_F(Workspace, AnOpenPageFollowsTheSettingAtOnce) {
     ASSERT_GE(row, 0);
     EXPECT_EQ(pageColumn(1)[row], "80");
     fake.settings.set("System", "TemperatureToggle", "1");
-    windows.temperaturesChanged();
+    windows.tell(&WindowNews::temperaturesChanged);
     EXPECT_EQ(pageColumn(1)[row], "176");
 }
 
@@ -295,13 +295,13 @@ TEST_F(Workspace, ADeviceThatIsAwayIsNotShownAsTheOneThatHasItsNumberNow) {
 }
 
 TEST_F(Workspace, ShowsTheTipAsItIs) {
-    windows.showTip("Warm up the engine first.");
+    windows.tell(&WindowNews::showTip, "Warm up the engine first.");
     EXPECT_EQ(find<QLabel>("lblTip")->text(), "Warm up the engine first.");
 }
 
 TEST_F(Workspace, TheLinkConsoleIsShownByItsSetting) {
     EXPECT_FALSE(find<QListView>("lstCommInfo")->isHidden()) << "never stored counts as on";
-    windows.showCommList(false);
+    windows.tell(&WindowNews::showCommList, false);
     EXPECT_TRUE(find<QListView>("lstCommInfo")->isHidden());
 }
 

@@ -1,0 +1,98 @@
+#include "windows/window_registry.h"
+
+#include <array>
+#include <concepts>
+
+#include "app/start_up.h"
+#include "config/gui_rules.h"
+#include "guide/guide.h"
+#include "windows/frm_config.h"
+#include "windows/frm_dashboard.h"
+#include "windows/frm_edit_map_sensors.h"
+#include "windows/frm_fast_help.h"
+#include "windows/frm_general_config.h"
+#include "windows/frm_help.h"
+#include "windows/frm_options.h"
+#include "windows/frm_table.h"
+#include "windows/splash.h"
+
+namespace zentaq {
+
+namespace {
+
+template <typename F>
+Form* make(const FormNeeds& needs) {
+    if constexpr (std::constructible_from<F, Session&, MainCommands&, QWidget*>) {
+        return new F(needs.session, needs.commands, needs.parent);
+    } else {
+        return new F(needs.session, needs.parent);
+    }
+}
+
+Form* makeConfig(const FormNeeds& needs) {
+    auto* form = new FrmConfig(needs.session, needs.commands, needs.parent);
+    QObject::connect(form, &FrmConfig::entryAsked, form,
+                     [run = needs.run](const char* entry) { run(entry); });
+    return form;
+}
+
+Form* makeGeneralConfig(const FormNeeds& needs) {
+    auto* form = new FrmGeneralConfig(needs.session, needs.commands, needs.parent);
+    QObject::connect(form, &FrmGeneralConfig::sensorManagerAsked, form,
+                     [run = needs.run] { run("mnuMAPSensors"); });
+    return form;
+}
+
+/// Its parent is the workspace.
+Form* makeTable(const FormNeeds& needs) {
+    auto* workspace = static_cast<FrmConfig*>(needs.parent);
+    auto* form = new FrmTable(needs.session, needs.commands, workspace);
+    QObject::connect(form, &FrmTable::dockingAsked, workspace,
+                     [workspace, form](bool docked) { workspace->dock().place(*form, docked); });
+    return form;
+}
+
+bool tableOffered(Session& session, const std::string& table) {
+    if (session.currentUnit() == 0 || session.creating()) return false;
+    return hasTable(session.currentUnitObject().kind(), table);
+}
+
+Form* makeHelp(const FormNeeds& needs) {
+    auto* form = new FrmHelp(guideFolder(needs.session.applicationFolder()), needs.parent);
+    form->keepPlace(needs.session.settings());
+    return form;
+}
+
+Form* makeSplash(const FormNeeds& needs) {
+    return new FrmSplash(QString::fromStdString(versionText()), needs.parent,
+                         [&session = needs.session] { return session.StartingUp == 1; });
+}
+
+constexpr std::array rows{
+    WindowRow{window::config, FormPlace::Below, makeConfig, true},
+    WindowRow{window::dashboard, FormPlace::Above, make<FrmDashBoard>},
+    WindowRow{window::generalConfig, FormPlace::Beside, makeGeneralConfig, true},
+    WindowRow{window::table, FormPlace::Docked, makeTable, true, true, tableOffered},
+    WindowRow{window::sensorEditor, FormPlace::Beside, make<FrmEditMAPSensors>, true},
+    WindowRow{window::options, FormPlace::Beside, make<FrmOptions>, true},
+    WindowRow{window::fastHelp, FormPlace::Beside, make<FrmFastHelp>},
+    WindowRow{window::help, FormPlace::Beside, makeHelp},
+    WindowRow{window::splash, FormPlace::Beside, makeSplash},
+};
+
+}  // namespace
+
+std::span<const WindowRow> windowRows() {
+    return rows;
+}
+
+std::vector<const MenuEntry*> menuEntries() {
+    std::vector<const MenuEntry*> entries;
+    for (const MenuEntry& entry : menuTree()) entries.push_back(&entry);
+    for (const WindowRow& row : rows) {
+        if (!row.menu.name.empty()) entries.push_back(&row.menu);
+    }
+    return entries;
+}
+
+}  // namespace zentaq

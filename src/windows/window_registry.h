@@ -1,0 +1,53 @@
+// The windows of the program, one row each: a new one is its pair of files and its row here.
+#pragma once
+
+#include <functional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/main_commands.h"
+#include "app/menu.h"
+#include "app/session.h"
+#include "windows/form.h"
+
+namespace zentaq {
+
+/// What a window is made with.
+struct FormNeeds {
+    Session& session;
+    MainCommands& commands;
+    QWidget* parent;                                    ///< the main window, or where the place of its row is
+    std::function<void(std::string_view entry)> run{};  ///< an entry of the menu, as a click on it does
+};
+
+enum class FormPlace {
+    Above,   ///< the upper part of the main window
+    Below,   ///< the lower part
+    Docked,  ///< in the workspace (a DockingForm)
+    Beside,  ///< a window of its own in front of the main one, which it goes with
+};
+
+struct WindowRow {
+    std::string_view name;
+    FormPlace place;
+    Form* (*make)(const FormNeeds& needs);
+    /// It has entries that are checked: behind the box about one the keyboard comes back to it.
+    bool hasEntries = false;
+    /// It stands on the calibration in hand, and goes with it.
+    bool ofCalibration = false;
+    /// Whether it may be opened on this now; null for always.
+    bool (*offered)(Session& session, const std::string& on) = nullptr;
+    /// The entry of the menu that opens it, behind those of its parent in `menuTree`. Empty where the core's
+    /// tree has it.
+    MenuEntry menu = {};
+};
+
+/// In the order in which news come to them.
+std::span<const WindowRow> windowRows();
+
+/// The entries of the core's tree and those of the windows' rows.
+std::vector<const MenuEntry*> menuEntries();
+
+}  // namespace zentaq
