@@ -140,8 +140,8 @@ Findings frame(Unit& unit, char reply, const Bytes& bytes, bool pinsKnown) {
     for (const Channel* channel : content->values) addValue(found, live, *channel);
     for (const int pin : content->pins) {
         const auto at = static_cast<std::size_t>(pin);
-        found.push_back({"GPIOData(" + numberText(pin) + ")", int{unit.GPIOData[at]}});
-        if (pinsKnown) found.push_back({"GPIODisplay(" + numberText(pin) + ")", unit.GPIODisplay[at]});
+        found.push_back({"GPIOData(" + numberText(pin) + ")", int{unit.GPIOData()[at]}});
+        if (pinsKnown) found.push_back({"GPIODisplay(" + numberText(pin) + ")", unit.GPIODisplay()[at]});
     }
     return found;
 }

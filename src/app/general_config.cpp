@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "app/general_fields.h"
-#include "app/general_former.h"
 #include "base/errors.h"
 #include "base/message_codes.h"
 #include "base/number_text.h"
@@ -206,7 +205,6 @@ void GeneralConfig::click(std::string_view control, bool on) {
 }
 
 bool GeneralConfig::write(std::string_view member, double value) {
-    const QuietUnit quiet(unit(), creating());
     return !session_.messages.tell(unit().set(member, value));
 }
 

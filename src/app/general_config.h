@@ -19,7 +19,6 @@
 namespace zentaq {
 
 struct GeneralRow;
-class UnitSnapshot;
 
 /// What a control of the form is.
 enum class GeneralKind { Text, Choice, Option, Check };
@@ -77,7 +76,23 @@ class GeneralConfig {
     bool modified() const;
 
  private:
-    struct Former;  ///< what was in hand before a new calibration was begun
+    /// What was in hand before a new calibration was begun, so that it can come back whole.
+    struct Former {
+        explicit Former(Session& session);
+        /// Before the first change of an object.
+        void keep(const Unit& unit) { calibrations.try_emplace(unit.kind().slot, unit.calibration()); }
+
+        FileHeader header;
+        std::string currentFile;
+        std::optional<std::string> fileHolds;
+        int fileFilterIndex;
+        bool dataModified;
+        bool onTheFly;
+        // The on-the-fly state follows the link: one that came or went meanwhile decides anew.
+        int linkedKind;
+        bool identified;
+        std::map<int, Calibration> calibrations;  ///< by slot
+    };
 
     Unit& unit() { return session_.currentUnitObject(); }
     bool inHand() const { return model_ != nullptr; }
@@ -114,8 +129,8 @@ class GeneralConfig {
 
     void saveNew(const Saved& then);
     void saveInHand(const Saved& then);
-    void storeNew(const std::string& path, const UnitSnapshot& entered, const Saved& then);
-    void beginSavingNew(const std::string& path, const UnitSnapshot& entered, const Saved& then);
+    void storeNew(const std::string& path, const Calibration& entered, const Saved& then);
+    void beginSavingNew(const std::string& path, const Calibration& entered, const Saved& then);
     std::string askFile();
     bool fillWithDefaults();
     void tellNotSaved(const std::string& why);
@@ -124,7 +139,7 @@ class GeneralConfig {
     void tell(const std::string& title, const std::string& text);
 
     Session& session_;
-    std::unique_ptr<Former> former_;
+    std::optional<Former> former_;
     std::optional<InjectorSizing> sizing_;
     std::string lblUAP_;
     const ModelEntry* model_ = nullptr;  ///< nullptr while none is chosen

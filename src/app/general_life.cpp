@@ -1,10 +1,11 @@
 // The life of frmGeneralConfig: it opens, begins a new calibration beside the one in hand, and gives that one
 // back where the new one is not stored.
 #include <algorithm>
+#include <optional>
+#include <utility>
 
 #include "app/general_config.h"
 #include "app/general_fields.h"
-#include "app/general_former.h"
 #include "base/errors.h"
 #include "base/rounding.h"
 #include "config/basic_figures.h"
@@ -78,7 +79,7 @@ void GeneralConfig::begin(const ModelEntry& model) {
         skipFailing([&] { sensor = toInt16(static_cast<double>(unit().get("MAP_ID"))); });
     }
     if (!former_) {
-        former_ = std::make_unique<Former>(session_);
+        former_.emplace(session_);
         session_.initializeOnFly(false);
         session_.windows().removeForms();
     }
@@ -161,29 +162,29 @@ void GeneralConfig::putBack() {
         session_.header().fileState = session_.currentUnit() == 0 ? "" : "OLD";
         return;
     }
-    const auto former = std::move(former_);
+    const Former former = *std::exchange(former_, std::nullopt);
     const LinkedUnit& linked = session_.link.linked();
     session_.windows().removeForms();
-    session_.header() = former->header;
-    for (const auto& [slot, snapshot] : former->units) {
+    session_.header() = former.header;
+    for (const auto& [slot, calibration] : former.calibrations) {
         Unit& one = session_.Units(slot);
         const int release = one.FW_Release();
         const int build = one.FW_Build();
-        snapshot.restore(one);
+        one.calibration(calibration);
         // A unit that told its firmware meanwhile has the calibration moved to it now.
         if (!linked.tells(slot)) continue;
         one.FW_Build(build);
         one.FW_Release(release);
     }
     session_.followLinkedKind();
-    session_.CurrentFile = former->currentFile;
-    session_.fileHolds = former->fileHolds;
-    session_.FileFilterIndex = former->fileFilterIndex;
-    session_.DataModified = former->dataModified;
+    session_.CurrentFile = former.currentFile;
+    session_.fileHolds = former.fileHolds;
+    session_.FileFilterIndex = former.fileFilterIndex;
+    session_.DataModified = former.dataModified;
     const bool sameLink =
-        linked.LinkedUnitKind == former->linkedKind && linked.UnitIdentified == former->identified;
+        linked.LinkedUnitKind == former.linkedKind && linked.UnitIdentified == former.identified;
     const bool matches = linked.LinkedUnitKind == session_.currentUnit() && linked.UnitIdentified;
-    session_.initializeOnFly(sameLink ? former->onTheFly : matches);
+    session_.initializeOnFly(sameLink ? former.onTheFly : matches);
     session_.windows().tell(&WindowNews::titleChanged, titleOf(session_.CurrentFile));
     session_.windows().tell(&WindowNews::setupNodes);
     if (session_.currentUnit() == 0) session_.windows().tell(&WindowNews::showStartTab);

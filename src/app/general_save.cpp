@@ -4,12 +4,10 @@
 #include <utility>
 
 #include "app/general_config.h"
-#include "app/general_former.h"
 #include "app/main_commands.h"
 #include "base/errors.h"
 #include "base/message_codes.h"
 #include "config/basic_figures.h"
-#include "config/unit_snapshot.h"
 #include "unit/file_kind.h"
 
 namespace zentaq {
@@ -59,31 +57,31 @@ void GeneralConfig::saveNew(const Saved& then) {
     // A form that was closed meanwhile has given the former calibration back.
     if (path.empty() || alive.expired()) return then(false);
     // What has been entered so far is what a failure leaves in the form.
-    const UnitSnapshot entered(unit());
+    const Calibration entered = unit().calibration();
     if (!fillWithDefaults()) {
-        entered.restore(unit());
+        unit().calibration(entered);
         return then(false);
     }
     storeNew(path, entered, then);
 }
 
-void GeneralConfig::storeNew(const std::string& path, const UnitSnapshot& entered, const Saved& then) {
+void GeneralConfig::storeNew(const std::string& path, const Calibration& entered, const Saved& then) {
     const bool begun = endOnFailure([&] { beginSavingNew(path, entered, then); },
                                     [&](const std::string& why) {
-                                        entered.restore(unit());
+                                        unit().calibration(entered);
                                         tellNotSaved(why);
                                     });
     if (!begun) then(false);
 }
 
-void GeneralConfig::beginSavingNew(const std::string& path, const UnitSnapshot& entered, const Saved& then) {
+void GeneralConfig::beginSavingNew(const std::string& path, const Calibration& entered, const Saved& then) {
     unit().BinFile(path);
     const Unit::FileContent content = unit().fileContent();
     const auto ended = [this, alive = std::weak_ptr<bool>(alive_), path, entered, content,
                         then](const FileSaved& saved) {
         if (alive.expired()) return;
         if (saved.outcome != FileSaved::Outcome::Done) {
-            entered.restore(unit());
+            unit().calibration(entered);
             tellNotSaved(saved.why);
             return then(false);
         }
@@ -120,7 +118,6 @@ bool GeneralConfig::fillWithDefaults() {
     return endOnFailure(
         [&] {
             Unit& made = unit();
-            const QuietUnit quiet(made, true);
             EngineFigures figures = figuresOf(made);
             if (made.kind().cells.hasAxisWords) {
                 figures.rows = rows_;

@@ -303,17 +303,11 @@ void Session::followLinkedKind() {
     inHand->exchangeSlots(*other);
     std::swap(inHand, other);
     header_.currentUnit = static_cast<float>(slot);
-    if (link.linked().tells(slot)) takeFirmwareOf(Units(former), Units(slot));
-}
-
-// What the unit has told stands in the object that was in its slot until now.
-void Session::takeFirmwareOf(Unit& told, Unit& inHand) {
-    inHand.FirmWare(told.FirmWare());
-    inHand.Serial(told.Serial());
-    inHand.gpioListRead(true);
-    told.gpioListRead(false);
-    inHand.FW_Build(told.FW_Build());
-    inHand.FW_Release(told.FW_Release());
+    if (!link.linked().tells(slot)) return;
+    // The firmware that the unit has told stands in the object that was in its slot until now.
+    const Unit& told = Units(former);
+    Units(slot).FW_Build(told.FW_Build());
+    Units(slot).FW_Release(told.FW_Release());
 }
 
 void Session::unitKindFound(int slot) {

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -158,6 +159,7 @@ class Session : public UnitHost, public LinkHost {
     std::optional<SensorFacts> mapSensor(int id) override;
     bool fahrenheit() const override;
     bool firmwareKnownFromLink(int slot) const override;
+    LinkedState& linkedState(int slot) override { return linkedStates_[slot]; }
     FileHeader& header() override { return header_; }
     float programVersion() const override;
     std::string applicationFolder() const override { return platform_.applicationFolder; }
@@ -183,7 +185,6 @@ class Session : public UnitHost, public LinkHost {
  private:
     std::array<LineWatch*, 2> watchers() { return {&trace, &timing}; }
     void showFrameTimes();
-    void takeFirmwareOf(Unit& told, Unit& inHand);
     void holdSignals();
     bool insideTick() const { return link.handling(); }
 
@@ -192,6 +193,7 @@ class Session : public UnitHost, public LinkHost {
     WindowSet* windows_ = &quiet_;
     FileHeader header_;
     std::array<std::unique_ptr<Unit>, slotCount> units_;
+    std::map<int, LinkedState> linkedStates_;  ///< by slot
     std::int64_t nextPortCheckUs_ = 0;
     std::int64_t nextTimesUs_ = 0;
     std::optional<HeldSignals> heldSignals_;

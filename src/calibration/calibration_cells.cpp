@@ -329,7 +329,7 @@ OptionNames::OptionNames(const UnitKind& kind) {
     Unit unit(kind, host);
     constexpr int bits = 8;
     for (const Parameter& row : kind.parameters) {
-        if (!row.name.starts_with("opt_") || row.index < 0 || row.index >= controlBytes) continue;
+        if (!row.controlBit) continue;
         // The row knows its bit by its reader: it is the one that turns it on.
         for (int bit = 0; bit < bits; ++bit) {
             unit.controlByte(row.index, static_cast<std::uint8_t>(1 << bit));

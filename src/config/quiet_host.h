@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -63,6 +64,7 @@ class QuietHost : public UnitHost {
     /// Always Celsius: a program's numbers mean the same on every machine.
     bool fahrenheit() const override { return false; }
     bool firmwareKnownFromLink(int) const override { return firmwareKnown_; }
+    LinkedState& linkedState(int slot) override { return linkedStates_[slot]; }
     FileHeader& header() override { return header_; }
     float programVersion() const override;
     std::string applicationFolder() const override { return "."; }
@@ -75,6 +77,7 @@ class QuietHost : public UnitHost {
  private:
     DatabaseSource database_;
     FileHeader header_;
+    std::map<int, LinkedState> linkedStates_;  ///< by slot
     bool firmwareKnown_ = false;
     std::vector<std::string> told_;
     std::vector<std::string> records_;

@@ -80,7 +80,7 @@ void addOwn(std::vector<DashboardReading>& readings, const Source& source) {
 void addPins(std::vector<DashboardReading>& readings, const Source& source) {
     for (int pin = 0; pin <= source.unit.kind().numGpio; ++pin) {
         const auto at = static_cast<std::size_t>(pin);
-        if (at >= source.unit.GPIODisplay.size()) return;
+        if (at >= source.unit.GPIODisplay().size()) return;
         const std::string name{pinNames.at(at)};
         std::string caption = name;
         skipFailing([&] {
@@ -88,7 +88,7 @@ void addPins(std::vector<DashboardReading>& readings, const Source& source) {
             const std::string meaning = source.unit.GPIO_Function_Name(function);
             if (meaning != source.unit.GPIO_Function_Name(0)) caption += " " + meaning;
         });
-        readings.push_back({name, caption, source.unit.GPIODisplay[at], ""});
+        readings.push_back({name, caption, source.unit.GPIODisplay()[at], ""});
     }
 }
 

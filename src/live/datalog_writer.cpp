@@ -77,7 +77,7 @@ std::string values(std::span<const Channel> part, const LiveValues& live) {
 
 std::string dataLine(const Unit& unit, const LiveValues& live, int frame) {
     std::string line = numberText(frame) + values(channelsBeforePins, live);
-    for (std::size_t pin = 0; pin < livePins; ++pin) line += "\t" + numberText(int{unit.GPIOData[pin]});
+    for (std::size_t pin = 0; pin < livePins; ++pin) line += "\t" + numberText(int{unit.GPIOData()[pin]});
     // Kept: the pins past 9 are constant, in the text form of a number with its sign place.
     for (std::size_t pin = livePins; pin < pinNames.size(); ++pin) line += "\t 0";
     return line + values(channelsBehindPins, live);

@@ -340,7 +340,7 @@ struct Store {
         live.*number = static_cast<float>(value);
     }
     void operator()(Lamp lamp) const { live.*lamp = value != 0; }
-    void operator()(Pin pin) const { unit.GPIOData.at(static_cast<std::size_t>(pin.index)) = toInt16(value); }
+    void operator()(Pin pin) const { unit.GPIOData().at(static_cast<std::size_t>(pin.index)) = toInt16(value); }
 };
 
 void decode(FrameTable table, Unit& unit, LiveValues& live, std::span<const std::uint8_t> reply) {
@@ -354,7 +354,7 @@ void decodePins(Unit& unit, std::span<const std::uint8_t> reply, int firstByte, 
     for (int pin = 0; pin <= last; ++pin) {
         const int byte = firstByte + pin;
         if (byte >= std::ssize(reply)) return;
-        unit.GPIOData.at(static_cast<std::size_t>(pin)) = reply[static_cast<std::size_t>(byte)];
+        unit.GPIOData().at(static_cast<std::size_t>(pin)) = reply[static_cast<std::size_t>(byte)];
     }
 }
 
@@ -362,7 +362,7 @@ void showPins(Unit& unit, int last) {
     for (int pin = 0; pin <= last; ++pin) {
         const auto at = static_cast<std::size_t>(pin);
         skipFailing([&] {
-            unit.GPIODisplay.at(at) = Ecu::GPIO_Display(unit, unit.Get_GPIOFUNC(pin), unit.GPIOData.at(at));
+            unit.GPIODisplay().at(at) = Ecu::GPIO_Display(unit, unit.Get_GPIOFUNC(pin), unit.GPIOData().at(at));
         });
     }
 }

@@ -749,7 +749,7 @@ float TableModel::liveValueOf(std::string_view axis) const {
     if (axisKind == "ACTUAL AFR") return live_.AAFR;
     if (axisKind == "RPM") return live_.RPM;
     if (axisKind.size() == 5 && axisKind.starts_with("GPIO")) {
-        return leadingNumber(unit_.GPIODisplay.at(static_cast<std::size_t>(axisKind[4] - '1')));
+        return leadingNumber(unit_.GPIODisplay().at(static_cast<std::size_t>(axisKind[4] - '1')));
     }
     return 0;
 }

@@ -1,6 +1,6 @@
 #include <algorithm>
 #include <array>
-#include <utility>
+#include <span>
 #include <vector>
 
 #include "base/errors.h"
@@ -73,11 +73,13 @@ void Unit::FileOpen(const std::string& path, std::string_view bytes) {
     const int fileRelease = releaseOf(content.firmwareCode);
     host_.yield();
 
-    Rollback rollback(cells_, control_, release_, owedRelease_, build_, teeth_, host_.header());
-    cells_.fill(0);
-    owedRelease_ = 0;
-    std::ranges::copy(content.cells, cells_.begin());
-    teeth_ = {};
+    WatchedCalibration::Step reading(inHand_);
+    Rollback rollback(host_.header());
+    inHand_.cells(content.cells);
+    inHand_.facts([](Calibration::Facts& facts) {
+        facts.owedRelease = 0;
+        facts.teeth = {};
+    });
     FileHeader& header = host_.header();
     header.currentUnit = content.unitKind;
     header.programVersion = content.programVersion;
@@ -85,9 +87,10 @@ void Unit::FileOpen(const std::string& path, std::string_view bytes) {
     header.cellsCutOff = cellsCutOff(*kind_, bytes.size());
     adoptFirmware(content.firmwareCode);
     repairAfterOpening(fileRelease);
-    for (std::size_t i = 0; i < control_.size(); ++i) control_[i] = toByte(cells_[i]);
+    for (int i = 0; i < 3; ++i) controlByte(i, toByte(cellAt(i)));
     header.fileState = "OLD";
     rollback.keep();
+    reading.endAsWhole();
     host_.formsChanged();
 }
 
@@ -96,13 +99,17 @@ void Unit::adoptFirmware(float code) {
     const bool unknown = toInt32(code) == 0;
     if (unknown || host_.firmwareKnownFromLink(kind_->slot)) {
         // What the unit on the link has told goes before what the file says.
-        if (!unknown || release_ != 0 || build_ != 0) return;
-        release_ = kind_->defaultRelease;
-        build_ = kind_->defaultBuild;
+        if (!unknown || FW_Release() != 0 || FW_Build() != 0) return;
+        inHand_.facts([this](Calibration::Facts& facts) {
+            facts.release = kind_->defaultRelease;
+            facts.build = kind_->defaultBuild;
+        });
         return;
     }
-    release_ = releaseOf(code);
-    build_ = toInt16(static_cast<double>(code) - release_ * 1000.0);
+    inHand_.facts([code](Calibration::Facts& facts) {
+        facts.release = releaseOf(code);
+        facts.build = toInt16(static_cast<double>(code) - facts.release * 1000.0);
+    });
 }
 
 void Unit::repairAfterOpening(int fileRelease) {
@@ -110,7 +117,7 @@ void Unit::repairAfterOpening(int fileRelease) {
     const bool untold = fileRelease <= 0 && toInt32(host_.header().firmwareCode) != 0;
     if (!untold) {
         repairSensor(fileRelease);
-    } else if (isLinear(release_)) {
+    } else if (isLinear(FW_Release())) {
         defineSensor();
     }
     seedStopPoints();
@@ -121,11 +128,11 @@ void Unit::repairAfterOpening(int fileRelease) {
 
 void Unit::FW_Release(int release) {
     if (!kind_->hasCalibration) return;
-    owedRelease_ = 0;
+    oweRelease(0);
     try {
         takeRelease(release);
     } catch (const ReferenceNeeded& needed) {
-        owedRelease_ = release;
+        oweRelease(release);
         onTheFly_ = false;
         host_.sysLog(needed.what());
         host_.inform("The calibration could not be brought to firmware release " + numberText(release) +
@@ -134,28 +141,33 @@ void Unit::FW_Release(int release) {
 }
 
 void Unit::settleFirmware() {
-    if (owedRelease_ == 0) return;
-    takeRelease(owedRelease_);
-    owedRelease_ = 0;
+    if (facts().owedRelease == 0) return;
+    takeRelease(facts().owedRelease);
+    oweRelease(0);
+}
+
+void Unit::oweRelease(int release) {
+    inHand_.facts([release](Calibration::Facts& facts) { facts.owedRelease = release; });
 }
 
 void Unit::takeRelease(int release) {
-    Rollback rollback(cells_, control_, release_);
-    const int before = std::exchange(release_, release);
+    WatchedCalibration::Step taking(inHand_);
+    const int before = FW_Release();
+    inHand_.facts([release](Calibration::Facts& facts) { facts.release = release; });
     moveFrom(before);
-    rollback.keep();
+    taking.end();
 }
 
 void Unit::moveFrom(int before) {
     const FileHeader& header = host_.header();
     // A release of 0 is no release yet, and without a calibration in hand there is nothing to move.
-    if (release_ <= 0 || header.currentUnit != static_cast<float>(kind_->slot)) return;
+    if (FW_Release() <= 0 || header.currentUnit != static_cast<float>(kind_->slot)) return;
     if (before == 0 && header.firmwareCode == 0) return;
     const int madeFor = releaseOf(header.firmwareCode);
     if (madeFor <= 0) return defineSensor();
     // The code tells what the cells are made for. A unit of the other generation that came and went must not
     // have them moved back from where they never were.
-    if (isLinear(madeFor) == isLinear(release_)) return;
+    if (isLinear(madeFor) == isLinear(FW_Release())) return;
     const int from = before == 0 ? madeFor : before;
     repairSensor(from);
     migrateInjectors(from);
@@ -168,14 +180,14 @@ void Unit::defineSensor() {
 }
 
 void Unit::repairSensor(int fromRelease) {
-    if (!isLinear(fromRelease) && isLinear(release_)) adoptSensor(rules::mapBar(*this));
+    if (!isLinear(fromRelease) && isLinear(FW_Release())) adoptSensor(rules::mapBar(*this));
 }
 
 void Unit::adoptSensor(float bar) {
-    if (!isLinear(release_)) return;
+    if (!isLinear(FW_Release())) return;
     constexpr int customSensor = 4;
     const bool rated = bar == 1 || bar == 2 || bar == 3 || bar == 4;
-    cellAt(kind_->cells.mapId) = rated ? bar : customSensor;
+    put(kind_->cells.mapId, rated ? bar : customSensor);
     if (!rated) host_.inform(customSensorText);
     const auto sensor = sensorById(rated ? static_cast<int>(bar) : customSensor);
     if (!sensor) return;  // kept: the former values stay where the database has no such sensor
@@ -215,10 +227,10 @@ void Unit::seedStopPoints() {
             store("MAPTBL", static_cast<float>(high - 0.1), i);
         const float speed = cellAt(speeds.cell(i));
         const float pressure = rules::readPressure(*this, pressures, i);
-        cellAt(columnStops1 + i) = speed;
-        cellAt(columnStops2 + i) = speed;
-        cellAt(rowStops1 + i) = pressure;
-        cellAt(rowStops2 + i) = pressure;
+        put(columnStops1 + i, speed);
+        put(columnStops2 + i, speed);
+        put(rowStops1 + i, pressure);
+        put(rowStops2 + i, pressure);
     }
 }
 
@@ -241,14 +253,14 @@ void Unit::seedShape() {
 }
 
 void Unit::migrateInjectors(int fromRelease) {
-    const bool up = isLinear(release_);
+    const bool up = isLinear(FW_Release());
     if (kind_->cells.scale1 == CellMap::none) return;
     if (up == isLinear(fromRelease) || !host_.firmwareKnownFromLink(kind_->slot)) return;
     // What a unit says about itself makes no old file of one that tells no release, nor does a unit that
     // tells none.
-    if (fromRelease <= 0 || release_ <= 0) return;
+    if (fromRelease <= 0 || FW_Release() <= 0) return;
     scaleInjectors(up);
-    host_.header().firmwareCode = static_cast<float>(release_ * 1000 + build_);
+    host_.header().firmwareCode = static_cast<float>(FW_Release() * 1000 + FW_Build());
     tellMigrated();
 }
 
@@ -258,9 +270,9 @@ void Unit::scaleInjectors(bool up) {
     const auto [k, l] = legacySensor(toInt16(cellAt(kind_->cells.legacyBar)));
     const double scale = cellAt(kind_->cells.scale1);
     const double zero = scale * (l / 1023);
-    float& injOn = cellAt(kind_->cells.injectorOn);
-    injOn = static_cast<float>(up ? injOn + zero : injOn - zero);
-    cellAt(kind_->cells.scale1) = static_cast<float>(roundTo(up ? scale * k : scale / k, 3));
+    const float injOn = cellAt(kind_->cells.injectorOn);
+    put(kind_->cells.injectorOn, up ? injOn + zero : injOn - zero);
+    put(kind_->cells.scale1, roundTo(up ? scale * k : scale / k, 3));
 }
 
 void Unit::tellMigrated() {
@@ -272,10 +284,11 @@ void Unit::tellMigrated() {
 void Unit::seedBaroTrim() {
     if (kind_->cells.baroTrim == CellMap::none) return;
     static constexpr std::array<float, 8> trims = {-50, -43, -35, -28, -20, -13, -5, 3};
-    const auto first = cells_.begin() + kind_->cells.baroTrim;
-    if (std::any_of(first, first + trims.size(), [](float cell) { return cell != 0; })) return;
-    std::ranges::copy(trims, first);
-    cellAt(kind_->cells.ratio) = 14.64F;
+    const int first = kind_->cells.baroTrim;
+    const auto cells = std::span(calibration().cells).subspan(static_cast<std::size_t>(first), trims.size());
+    if (std::ranges::any_of(cells, [](float cell) { return cell != 0; })) return;
+    for (int i = 0; const float trim : trims) put(first + i++, trim);
+    put(kind_->cells.ratio, 14.64F);
 }
 
 // ---- Writing
@@ -284,16 +297,16 @@ void Unit::SaveFile() {
     if (!kind_->hasCalibration) return;
     const FileContent content = fileContent();
     // kept: a save writes over the file's start only, what an older, longer file holds behind it stays.
-    writeFileStartSafely(binFile_, content.bytes);
+    writeFileStartSafely(BinFile(), content.bytes);
     noteSaved(content);
     host_.displayMessage(codes::DataSaved, "");
 }
 
 Unit::FileContent Unit::fileContent() {
     storeControlBytes();
-    const bool unknown = (release_ == 0 && build_ == 0) || release_ > kind_->newestRelease;
-    const int release = unknown ? kind_->defaultRelease : release_;
-    const int build = unknown ? kind_->defaultBuild : build_;
+    const bool unknown = (FW_Release() == 0 && FW_Build() == 0) || FW_Release() > kind_->newestRelease;
+    const int release = unknown ? kind_->defaultRelease : FW_Release();
+    const int build = unknown ? kind_->defaultBuild : FW_Build();
     FileContent content;
     content.firmwareCode = static_cast<float>(release * 1000 + build);
     std::string& bytes = content.bytes;
@@ -313,14 +326,18 @@ void Unit::noteSaved(const FileContent& content) {
 
 void Unit::CloseFile() {
     if (!kind_->hasCalibration) return;
-    binFile_.clear();
-    firmWare_.clear();
-    serial_.clear();
-    teeth_ = {};
-    owedRelease_ = 0;
+    FirmWare("");
+    Serial("");
     host_.header().firmwareCode = 0;
     host_.header().cellsCutOff = 0;
-    cells_.fill(0);
+    WatchedCalibration::Step closing(inHand_);
+    inHand_.facts([](Calibration::Facts& facts) {
+        facts.binFile.clear();
+        facts.teeth = {};
+        facts.owedRelease = 0;
+    });
+    inHand_.cells({});
+    closing.endAsWhole();
 }
 
 }  // namespace zentaq

@@ -89,7 +89,7 @@ void Unit::BiName(std::string_view path) {
     for (int i = 0; i < nameLength; ++i) {
         // The unit keeps one byte a character.
         const char32_t character = characters[static_cast<std::size_t>(i)];
-        cellAt(kind_->cells.name + i) = static_cast<float>(character > 255 ? U'?' : character);
+        put(kind_->cells.name + i, character > 255 ? U'?' : character);
     }
 }
 
@@ -110,7 +110,7 @@ void Unit::NOTES_TEXT(std::string_view text) {
     dropLeadingControls(characters, [](char32_t c) { return c; });
     characters.resize(notesLength, U'\0');
     for (int i = 0; i < notesLength; ++i) {
-        cellAt(kind_->cells.notes + i) = static_cast<float>(characters[static_cast<std::size_t>(i)]);
+        put(kind_->cells.notes + i, characters[static_cast<std::size_t>(i)]);
     }
 }
 

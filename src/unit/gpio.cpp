@@ -50,14 +50,14 @@ int Unit::Get_GPIOFUNC(int pin) const {
 
 void Unit::Set_GPIO_Func(int pin, int code) {
     if (!kind_->hasCalibration) return;
-    cellAt(gpioCell(pin, 0)) = static_cast<float>(code);
+    put(gpioCell(pin, 0), code);
     recordReleaseOf(code);
 }
 
 void Unit::recordReleaseOf(int gpioCode) {
     const GpioPins& pins = gpioPinsOf(*kind_);
     float& recorded = host_.header().firmwareCode;
-    if (!pins.recordsRelease || recorded != 0 || release_ != 0 || build_ != 0) return;
+    if (!pins.recordsRelease || recorded != 0 || FW_Release() != 0 || FW_Build() != 0) return;
     const GpioFunction* function = gpioFunctionOf(pins.kind, gpioCode);
     if (function == nullptr || function->recordsRelease == 0) return;
     FW_Release(function->recordsRelease);
@@ -72,7 +72,7 @@ void Unit::Set_GPIO_Param(int pin, int parameter, float value) {
     if (!kind_->hasCalibration) return;
     const int cell = gpioCell(pin, parameter + 1);
     if (parameter < 0) throw BoundsError();
-    cellAt(cell) = value;
+    put(cell, value);
     sendGpioParameter(pin, parameter, value);
 }
 
@@ -80,7 +80,7 @@ void Unit::sendGpioParameter(int pin, int parameter, float value) {
     if (!onTheFly_) return;
     // The stored code: with IndexPolling the member answers an index.
     const int function = functionOf(gpioFunctionWord(pin));
-    const FirmwareVersion firmware = {release_, build_};
+    const FirmwareVersion firmware = {FW_Release(), FW_Build()};
     const GpioRecipe* recipe = gpioRecipe(function, firmware);
     const GpioByte* item = recipe == nullptr ? nullptr : gpioByteOfParameter(*recipe, parameter);
     // Timed advance takes its running form for every parameter, whatever the image holds.
@@ -103,7 +103,7 @@ EntryOutcome Unit::Set_GPIO_Table(int table, int index, float value) {
     if (!kind_->hasCalibration) return EntryOutcome::ignored();
     const int cell = tableCell(kind_->cells, table, index);
     if (auto checked = checkLimits(value, outputTableLimits()); !checked) return checked;
-    cellAt(cell) = value;
+    put(cell, value);
     SendOnFly(cell, value * 2.55, 1);
     return {};
 }
@@ -114,7 +114,7 @@ int Unit::Get_GPO_TblNum(int pin) const {
 
 void Unit::Zeroize_GPIO(int pin) {
     if (!kind_->hasCalibration) return;
-    for (int word = 0; word < blockCells; ++word) cellAt(gpioCell(pin, word)) = 0;
+    for (int word = 0; word < blockCells; ++word) put(gpioCell(pin, word), 0);
 }
 
 std::string Unit::GPIO_Function_Name(int code) const {
@@ -123,7 +123,7 @@ std::string Unit::GPIO_Function_Name(int code) const {
 }
 
 void Unit::convertGpioBlocks() {
-    const FirmwareVersion firmware = {release_, build_};
+    const FirmwareVersion firmware = {FW_Release(), FW_Build()};
     int frequencyCode = 0;
     for (int pin = 0; pin <= kind_->numGpio; ++pin) {
         const int first = gpioCell(pin, 0);
@@ -139,11 +139,11 @@ void Unit::convertGpioBlocks() {
                                      .part = place == 0 ? "" : ".parameter",
                                      .partIndex = place - 1};
             convertFrom(source, [&] {
-                float& cell = cellAt(first + place);
+                const float cell = cellAt(first + place);
                 double number = item.form == GpioForm::Constant ? item.factor : encoded(*this, item, cell);
                 if (item.form == GpioForm::TableNumber) {
-                    if (cell != 1 && cell != 2) cell = 1;
-                    number = cell;
+                    number = cell == 2 ? 2 : 1;
+                    put(first + place, number);
                 }
                 if (item.form == GpioForm::Frequency) {
                     // A frequency that the firmware does not know keeps the code of the pin before.

@@ -112,7 +112,7 @@ void Unit::convertMovedCells() {
     for (const auto& [image, cell] : layout.movedCells) {
         // What older firmware does not see, or what no record carries to it, may hold anything.
         const auto& [first, last] = layout.hiddenFromOlder;
-        const bool hidden = release_ < layout.newerFrom && image >= first && image <= last;
+        const bool hidden = FW_Release() < layout.newerFrom && image >= first && image <= last;
         if (hidden || image >= sRecordRows() * bytesPerRow) {
             putByte(image, cellAt(cell));
         } else {
@@ -168,7 +168,7 @@ void Unit::ConvertData() {
     convertTrims();
     convertStopPoints();
     convertSensorWords();
-    if (const auto& [first, last] = kind_->image->hiddenFromOlder; release_ < kind_->image->newerFrom) {
+    if (const auto& [first, last] = kind_->image->hiddenFromOlder; FW_Release() < kind_->image->newerFrom) {
         // Older firmware must see no stop points.
         for (int i = first; i <= last; ++i) putByte(i, 0);
     }

@@ -13,6 +13,15 @@ std::string withoutPrefix(std::string_view name) {
 
 MemberIndex::MemberIndex(std::span<const Parameter> rows) {
     rows_.reserve(rows.size() * 4);
+    for (const Parameter& row : rows) {
+        if (row.controlBit || !row.hasCell()) continue;
+        const auto end = static_cast<std::size_t>(row.cell(row.count - 1)) + 1;
+        if (cells_.size() < end) cells_.resize(end);
+        for (int i = 0; i < row.count; ++i) {
+            Place& place = cells_[static_cast<std::size_t>(row.cell(i))];
+            if (place.first == nullptr) place = {&row, i};
+        }
+    }
     // Indexed members first: "Get_AFR" is the table, though "AFR" is the scalar.
     for (const bool indexed : {true, false}) {
         for (const Parameter& row : rows) {
@@ -33,6 +42,11 @@ MemberIndex::MemberIndex(std::span<const Parameter> rows) {
 const Parameter* MemberIndex::find(std::string_view name) const {
     const auto found = rows_.find(name);
     return found == rows_.end() ? nullptr : found->second;
+}
+
+MemberIndex::Place MemberIndex::atCell(int cell) const {
+    const auto i = static_cast<std::size_t>(cell);
+    return i < cells_.size() ? cells_[i] : Place{};
 }
 
 }  // namespace zentaq

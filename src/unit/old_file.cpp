@@ -304,11 +304,14 @@ void Unit::OldFileOpen(const std::string& path) {
     OldFile file = OldFile::read(path);
     host_.yield();
 
-    Rollback rollback(cells_, control_, release_, owedRelease_, build_, teeth_, host_.header());
-    cells_.fill(0);
-    owedRelease_ = 0;
-    control_ = {};
-    teeth_ = {};
+    WatchedCalibration::Step reading(inHand_);
+    Rollback rollback(host_.header());
+    inHand_.cells({});
+    inHand_.facts([](Calibration::Facts& facts) {
+        facts.owedRelease = 0;
+        facts.teeth = {};
+    });
+    for (int i = 0; i < 3; ++i) controlByte(i, 0);
     FileHeader& header = host_.header();
     header = {.currentUnit = static_cast<float>(kind_->slot)};
     adoptFirmware(0);
@@ -336,12 +339,13 @@ void Unit::OldFileOpen(const std::string& path) {
     seedStopPoints();
     seedShape();
     constexpr int firstLinearRelease = 3;
-    if (release_ >= firstLinearRelease) scaleInjectors(true);
+    if (FW_Release() >= firstLinearRelease) scaleInjectors(true);
     storeControlBytes();
-    header.firmwareCode = static_cast<float>(release_ * 1000 + build_);
+    header.firmwareCode = static_cast<float>(FW_Release() * 1000 + FW_Build());
     tellMigrated();
     header.fileState = "OLD";
     rollback.keep();
+    reading.endAsWhole();
     host_.formsChanged();
 }
 

@@ -100,6 +100,7 @@ struct Parameter {
     Encoding onTheFly;         ///< for Sending::Own
     bool obeysSilent = false;  ///< a table cell that SILENT_MODE keeps off the wire
     bool readOnly = false;     ///< derived: a write is ignored
+    bool controlBit = false;   ///< an option: the index is a control byte and no cell
     ReadMember read = nullptr;
     WriteMember write = nullptr;  ///< stores the checked value
     std::string_view unit;        ///< "RPM", "%"; pressures say "MAP"

@@ -62,6 +62,7 @@ constexpr Parameter option(std::string_view name, int byte, std::string_view mea
     return {.name = name,
             .index = byte,
             .polling = unpolled,
+            .controlBit = true,
             .read = readOption<bit>,
             .write = write,
             .meaning = meaning};

@@ -39,12 +39,12 @@ LegacySensor legacySensor(int rating) {
 }
 
 float Unit::MAPMax() {
-    if (release_ < firstLinearRelease) return rules::mapBar(*this) * barSpanKpa;
+    if (FW_Release() < firstLinearRelease) return rules::mapBar(*this) * barSpanKpa;
     return static_cast<float>((5.0 - rules::mapOffset(*this)) / rules::mapScaler(*this));
 }
 
 float Unit::MAPMin() {
-    if (release_ < firstLinearRelease) return rules::mapBar(*this);
+    if (FW_Release() < firstLinearRelease) return rules::mapBar(*this);
     return static_cast<float>(-static_cast<double>(rules::mapOffset(*this)) / rules::mapScaler(*this));
 }
 
@@ -74,28 +74,28 @@ void Unit::MAPUnits(std::string_view units) {
     constexpr int flowBit = 0;
     for (int code = 1; code <= percentFlow; ++code) {
         if (pressureUnitsOf(code) != units) continue;
-        cellAt(kind_->cells.mapUnits) = static_cast<float>(code);
+        put(kind_->cells.mapUnits, code);
         Set_Control2(flowBit, code == percentFlow);
     }
 }
 
 float Unit::voltsToPressure(float volts) {
     if (!kind_->hasCalibration) return 0;
-    if (release_ < firstLinearRelease) return voltsToKPa(volts);
+    if (FW_Release() < firstLinearRelease) return voltsToKPa(volts);
     return static_cast<float>((static_cast<double>(volts) - rules::mapOffset(*this)) /
                               rules::mapScaler(*this));
 }
 
 float Unit::pressureToVolts(float pressure) {
     if (!kind_->hasCalibration) return 0;
-    if (release_ < firstLinearRelease) return KpaToVolts(pressure);
+    if (FW_Release() < firstLinearRelease) return KpaToVolts(pressure);
     return static_cast<float>(static_cast<double>(rules::mapScaler(*this)) * pressure +
                               rules::mapOffset(*this));
 }
 
 float Unit::pressureToRatio(float pressure) {
     if (!kind_->hasCalibration) return 0;
-    if (release_ >= firstLinearRelease) return static_cast<float>(pressureToVolts(pressure) / 5.0);
+    if (FW_Release() >= firstLinearRelease) return static_cast<float>(pressureToVolts(pressure) / 5.0);
     return static_cast<float>(pressure / (static_cast<double>(rules::mapBar(*this)) * barSpanKpa));
 }
 
@@ -116,7 +116,7 @@ float Unit::KpaToVolts(float kpa) {
 float Unit::KpaToCounts(float kpa, bool eightBit) {
     if (!kind_->hasCalibration) return 0;
     // kept: the older firmware takes the same counts in both forms.
-    if (release_ < firstLinearRelease) {
+    if (FW_Release() < firstLinearRelease) {
         return static_cast<float>((kpa / static_cast<double>(rules::mapBar(*this))) * countsPerKpa);
     }
     const double counts = KpaToVolts(kpa) * countsPerVolt;

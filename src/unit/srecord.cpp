@@ -22,7 +22,7 @@ void appendByte(std::string& text, int value) {
 
 int Unit::sRecordRows() const {
     if (kind_->image == nullptr) return 0;
-    return release_ >= kind_->image->newerFrom ? kind_->image->newerRows : kind_->image->olderRows;
+    return FW_Release() >= kind_->image->newerFrom ? kind_->image->newerRows : kind_->image->olderRows;
 }
 
 std::string Unit::sRecordText() const {

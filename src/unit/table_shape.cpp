@@ -89,8 +89,8 @@ int Unit::GET_TBL_DIMENSIONS(std::string_view table, std::string_view what) {
     const int rows = shapeOf(table)->rowsCell;
     const bool shaped = cellAt(rows) != 0 || cellAt(rows + 1) != 0;
     if (!shaped && !(host_.header().programVersion > lastVersionWithoutShape)) {
-        cellAt(rows) = oldSize;
-        cellAt(rows + 1) = oldSize;
+        put(rows, oldSize);
+        put(rows + 1, oldSize);
     }
     return toInt16(static_cast<double>(cellAt(*cell)));
 }
@@ -98,7 +98,7 @@ int Unit::GET_TBL_DIMENSIONS(std::string_view table, std::string_view what) {
 void Unit::SET_TBL_DIMENSIONS(std::string_view table, std::string_view what, int count) {
     const auto cell = sizeCell(table, what);
     if (!cell || !kind_->cells.hasAxisWords || count < smallestSize || count > largestSize) return;
-    cellAt(*cell) = static_cast<float>(count);
+    put(*cell, count);
 }
 
 std::string Unit::GET_TBL_AXIS_TYPE(std::string_view table, std::string_view axis) const {
@@ -116,10 +116,9 @@ void Unit::SET_TBL_AXIS_TYPE(std::string_view table, std::string_view axis, std:
     if (shape == nullptr || !shape->hasOwnAxes || !kind_->cells.hasAxisWords || name.empty()) return;
     const auto code = axisKindCode(name);
     if (!code) return;
-    float& cell = cellAt(shape->axisWord);
-    const int word = toInt16(static_cast<double>(cell));
-    if (axis == "ROW-AXIS") cell = static_cast<float>((word & 15) | *code * 16);
-    if (axis == "COL-AXIS") cell = static_cast<float>((word & 240) | *code);
+    const int word = toInt16(static_cast<double>(cellAt(shape->axisWord)));
+    if (axis == "ROW-AXIS") put(shape->axisWord, (word & 15) | *code * 16);
+    if (axis == "COL-AXIS") put(shape->axisWord, (word & 240) | *code);
 }
 
 float Unit::Get_GPO_Stop(int i, std::string_view axis, std::string_view table) {
@@ -143,7 +142,7 @@ EntryOutcome Unit::Set_GPO_Stop(const Entry& value, int i, std::string_view axis
     if (!std::isfinite(number)) throw Overflow();  // an axis without a kind has no range
     // A user of Fahrenheit enters what the grid shows; the cell and the unit's image hold Celsius.
     const bool fahrenheit = (kind == "CLT" || kind == "MAT") && host_.fahrenheit();
-    cellAt(*cell) = fahrenheit ? toCelsius(number) : number;
+    put(*cell, fahrenheit ? toCelsius(number) : number);
     return {};
 }
 

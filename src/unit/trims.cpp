@@ -43,9 +43,9 @@ void Unit::Initialize_Trims() {
     for (int i = 0; hasFuel && i < userTrims; ++i) {
         // The eighth user trim shares its cell with the first character of the notes: a character is no trim.
         const float percent = cellAt(map.userFuelTrim + i);
-        if (isFuelTrim(percent)) cellAt(map.fuelTrimSent + i) = percent;
+        if (isFuelTrim(percent)) put(map.fuelTrimSent + i, percent);
     }
-    for (int i = 0; i < injectorOutputs; ++i) cellAt(map.trimSent + i) = cellAt(map.userTrim + i % trims);
+    for (int i = 0; i < injectorOutputs; ++i) put(map.trimSent + i, cellAt(map.userTrim + i % trims));
 }
 
 void Unit::convertTrims() {

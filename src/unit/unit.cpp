@@ -29,17 +29,20 @@ float Entry::number() const {
 
 // ---- Members
 
-Unit::Unit(const UnitKind& kind, UnitHost& host) : kind_(&kind), host_(host) {
-    if (!kind_->hasCalibration) binFile_ = "None.";
+Unit::Unit(const UnitKind& kind, UnitHost& host) : kind_(&kind), host_(host), inHand_(*kind.members) {
+    if (!kind_->hasCalibration) inHand_.facts([](Calibration::Facts& facts) { facts.binFile = "None."; });
 }
 
 void Unit::exchangeSlots(Unit& other) {
     if (!shareFiles(*kind_, *other.kind_)) throw Failure("Units of different classes exchange no slots");
     std::swap(kind_, other.kind_);
+    inHand_.tellAll();
+    other.inHand_.tellAll();
 }
 
-bool Unit::has(std::string_view member) const {
-    return find(member) != nullptr;
+void Unit::calibration(const Calibration& value) {
+    inHand_.take(value);
+    if (facts().owedRelease != 0) onTheFly_ = false;
 }
 
 const Parameter* Unit::find(std::string_view member) const {
@@ -93,11 +96,12 @@ EntryOutcome Unit::write(const Parameter& row, const Entry& value, int element) 
     const float number = value.number();
     // A member without a range lets any number pass; what fits no cell must not get into a file.
     if (!std::isfinite(number)) throw Overflow();
+    const WatchedCalibration::Writing writing(inHand_, row, element);
     After after = After::Send;
     if (row.write != nullptr) {
         after = row.write(*this, row, number, element);
     } else {
-        cellAt(row.cell(element)) = number;
+        put(row.cell(element), number);
     }
     if (onTheFly_ && after == After::Send && !(silent_ && row.obeysSilent)) send(row, element, number);
     return {};
@@ -107,10 +111,8 @@ void Unit::store(std::string_view member, float value, int element) {
     const Parameter* row = find(member);
     if (row == nullptr || row->readOnly) return;
     checkElement(*row, element);
-    if (row->write == nullptr) {
-        cellAt(row->cell(element)) = value;
-        return;
-    }
+    const WatchedCalibration::Writing writing(inHand_, *row, element);
+    if (row->write == nullptr) return put(row->cell(element), value);
     const QuietWhile quiet(onTheFly_);
     row->write(*this, *row, value, element);
 }
@@ -124,23 +126,8 @@ Limits Unit::limits(std::string_view member, int element) {
 
 // ---- Cells
 
-float& Unit::cellAt(int index) {
-    if (index < 0 || index >= cellCount) throw BoundsError();
-    return cells_[static_cast<std::size_t>(index)];
-}
-
-float Unit::cellAt(int index) const {
-    if (index < 0 || index >= cellCount) throw BoundsError();
-    return cells_[static_cast<std::size_t>(index)];
-}
-
-float Unit::DirectIndex(int index) const {
-    return cellAt(index);
-}
-
 void Unit::AssignDirectIndex(float value, int index) {
-    float& cell = cellAt(index);
-    if (kind_->hasCalibration) cell = value;
+    inHand_.cell(index, kind_->hasCalibration ? value : cellAt(index));
 }
 
 // ---- Identity
@@ -148,7 +135,19 @@ void Unit::AssignDirectIndex(float value, int index) {
 void Unit::BinFile(const std::string& path) {
     if (!kind_->hasCalibration) return;
     BiName(path);
-    binFile_ = path;
+    inHand_.facts([&](Calibration::Facts& facts) { facts.binFile = path; });
+}
+
+void Unit::FW_Build(int build) {
+    if (kind_->hasCalibration) inHand_.facts([&](Calibration::Facts& facts) { facts.build = build; });
+}
+
+void Unit::DefaultSplit(int split) {
+    inHand_.facts([&](Calibration::Facts& facts) { facts.defaultSplit = split; });
+}
+
+void Unit::teeth(Teeth teeth) {
+    inHand_.facts([&](Calibration::Facts& facts) { facts.teeth = teeth; });
 }
 
 bool Unit::ValidFirmware(std::string_view name) const {
@@ -171,20 +170,7 @@ void Unit::setControlBit(int which, int bit, bool on) {
 }
 
 void Unit::storeControlBytes() {
-    for (std::size_t i = 0; i < control_.size(); ++i) cells_[i] = control_[i];
-}
-
-// ---- Check-engine words
-
-void Unit::Set_ECData(std::span<const std::uint8_t> reply) {
-    constexpr std::size_t firstWord = 3;  // behind the reply's head
-    if (reply.size() < firstWord + errorCodeWords_.size()) throw BoundsError();
-    std::copy_n(reply.begin() + firstWord, errorCodeWords_.size(), errorCodeWords_.begin());
-}
-
-int Unit::Get_ECData(int index) const {
-    if (index < 0 || index >= static_cast<int>(errorCodeWords_.size())) throw BoundsError();
-    return errorCodeWords_[static_cast<std::size_t>(index)];
+    for (int i = 0; i < 3; ++i) put(i, controlByte(i));
 }
 
 }  // namespace zentaq

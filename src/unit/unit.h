@@ -1,6 +1,6 @@
 // A Unit object: the whole model of one calibration for one kind of engine controller unit.
-// It owns the cells, reads and writes calibration files, makes the unit's memory image and on-the-fly
-// records.
+// It has the calibration in hand, reads and writes calibration files, makes the unit's memory image and
+// on-the-fly records.
 #pragma once
 
 #include <array>
@@ -9,8 +9,10 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "unit/calibration.h"
 #include "unit/entry_outcome.h"
 #include "unit/parameter.h"
 #include "unit/unit_host.h"
@@ -40,7 +42,7 @@ class Entry {
 
 class Unit {
  public:
-    static constexpr int cellCount = 3001;
+    static constexpr int cellCount = Calibration::cellCount;
     static constexpr int imageCount = 2501;
     static constexpr int baseAddress = 4352;  ///< unit address of cell 0, 0x1100
     static constexpr int bytesPerRow = 16;    ///< of an S-record
@@ -56,9 +58,16 @@ class Unit {
     void exchangeSlots(Unit& other);
     UnitHost& host() const { return host_; }
 
+    // ---- The calibration in hand as a value
+    const Calibration& calibration() const { return inHand_.value(); }
+    /// Puts one of the same class in hand as it stands: nothing is converted and nothing is sent.
+    void calibration(const Calibration& value);
+    /// Every change of the calibration passes this one hook, of whatever kind and from wherever it comes.
+    void watch(WatchedCalibration::Hook hook) { inHand_.watch(std::move(hook)); }
+
     // ---- Members by name ("KNK_MIN", "VE", "opt_KnockActive"). A kind that lacks one is silent:
     // get answers 0, set ignores the entry. An element outside the member throws BoundsError.
-    bool has(std::string_view member) const;
+    bool has(std::string_view member) const { return find(member) != nullptr; }
     const Parameter* find(std::string_view member) const;
     float get(std::string_view member, int element = 0);
     /// Checks, stores and sends. What is refused changes nothing; whose command it was tells the user.
@@ -75,52 +84,32 @@ class Unit {
     void IndexPolling(bool on) { indexPolling_ = on; }
     bool ONFLY_MODE() const { return onTheFly_; }
     /// A calibration that could not be moved to the unit's firmware sends nothing.
-    void ONFLY_MODE(bool on) { onTheFly_ = on && kind_->hasCalibration && owedRelease_ == 0; }
+    void ONFLY_MODE(bool on) { onTheFly_ = on && kind_->hasCalibration && facts().owedRelease == 0; }
     bool SILENT_MODE() const { return silent_; }
     void SILENT_MODE(bool on) { silent_ = on; }
 
     // ---- Raw access: nothing converted, nothing sent. BoundsError outside 0 to 3000.
-    float DirectIndex(int index) const;
+    float DirectIndex(int index) const { return cellAt(index); }
     void AssignDirectIndex(float value, int index);
 
     // ---- Identity
-    const std::string& BinFile() const { return binFile_; }  ///< clsNull: "None."
-    void BinFile(const std::string& path);                   ///< also stores the calibration name
-    const std::string& FirmWare() const { return firmWare_; }
-    void FirmWare(const std::string& text) {
-        if (kind_->hasCalibration) firmWare_ = text;
-    }
-    const std::string& Serial() const { return serial_; }
-    void Serial(const std::string& text) {
-        if (kind_->hasCalibration) serial_ = text;
-    }
-    int FW_Release() const { return release_; }
+    const std::string& BinFile() const { return facts().binFile; }  ///< clsNull: "None."
+    void BinFile(const std::string& path);                          ///< also stores the calibration name
+    int FW_Release() const { return facts().release; }
     /// Also migrates sensor and injector scaling when the release crosses 3, where the calibration in hand
     /// says what it was made for. Where the sensor cannot be looked up nothing is changed and the user is
     /// told; the release is then owed.
     void FW_Release(int release);
     /// Makes up for a release that is owed. Throws ReferenceNeeded where that still cannot be done.
     void settleFirmware();
-    int FW_Build() const { return build_; }
-    void FW_Build(int build) {
-        if (kind_->hasCalibration) build_ = build;
-    }
+    int FW_Build() const { return facts().build; }
+    void FW_Build(int build);
     bool ValidFirmware(std::string_view name) const;
-    bool hasPIC18() const { return answer(kind_->pic18, hasPic18_); }
-    void hasPIC18(bool on) { hasPic18_ = on; }
-    /// Live frames do not carry the input and output state: the link must ask for it.
-    bool GPIO_Req() const { return answer(kind_->gpioRequest, gpioListRead_); }
-    /// The link has read the list of the unit's pins, or has lost the unit.
-    void gpioListRead(bool read) { gpioListRead_ = read; }
-    int DefaultSplit() const { return defaultSplit_; }
-    void DefaultSplit(int split) { defaultSplit_ = split; }
-    /// First and last tooth offset of the engine, for engines that the reference data lacks.
-    struct Teeth {
-        float minimum = 0;
-        float maximum = 0;
-    };
-    Teeth teeth() const { return teeth_; }
-    void teeth(Teeth teeth) { teeth_ = teeth; }
+    int DefaultSplit() const { return facts().defaultSplit; }
+    void DefaultSplit(int split);
+    using Teeth = Calibration::Teeth;
+    Teeth teeth() const { return facts().teeth; }
+    void teeth(Teeth teeth);
     std::string BiName() const;
     void BiName(std::string_view path);
     std::string NOTES_TEXT() const;
@@ -133,8 +122,10 @@ class Unit {
     void Set_Control2(int bit, bool on) { setControlBit(1, bit, on); }
     bool Get_Control3(int bit) const { return controlBit(2, bit); }
     void Set_Control3(int bit, bool on) { setControlBit(2, bit, on); }
-    std::uint8_t controlByte(int which) const { return control_.at(static_cast<std::size_t>(which)); }
-    void controlByte(int which, std::uint8_t value) { control_.at(static_cast<std::size_t>(which)) = value; }
+    std::uint8_t controlByte(int which) const {
+        return calibration().control.at(static_cast<std::size_t>(which));
+    }
+    void controlByte(int which, std::uint8_t value) { inHand_.control(which, value); }
 
     // ---- Table shape. Tables: "ADV", "AFR", "SPW", "VE", "GPO1", "GPO2".
     int GET_TBL_DIMENSIONS(std::string_view table, std::string_view what);
@@ -206,11 +197,26 @@ class Unit {
     /// Writes "/ORB.s19" in the application folder and answers its path.
     std::string MakeS19();
 
-    // ---- Check-engine words and live input/output state
-    void Set_ECData(std::span<const std::uint8_t> reply);
-    int Get_ECData(int index) const;  ///< 0 to 11
-    std::array<std::int16_t, 16> GPIOData{};
-    std::array<std::string, 16> GPIODisplay{};
+    // ---- What the unit of this slot has told on the link
+    LinkedState& linked() const { return host_.linkedState(kind_->slot); }
+    const std::string& FirmWare() const { return linked().FirmWare; }
+    void FirmWare(const std::string& text) {
+        if (kind_->hasCalibration) linked().FirmWare = text;
+    }
+    const std::string& Serial() const { return linked().Serial; }
+    void Serial(const std::string& text) {
+        if (kind_->hasCalibration) linked().Serial = text;
+    }
+    bool hasPIC18() const { return answer(kind_->pic18, linked().hasPIC18); }
+    void hasPIC18(bool on) { linked().hasPIC18 = on; }
+    /// Live frames do not carry the input and output state: the link must ask for it.
+    bool GPIO_Req() const { return answer(kind_->gpioRequest, linked().gpioListRead); }
+    /// The link has read the list of the unit's pins, or has lost the unit.
+    void gpioListRead(bool read) { linked().gpioListRead = read; }
+    void Set_ECData(std::span<const std::uint8_t> reply) { linked().Set_ECData(reply); }
+    int Get_ECData(int index) const { return linked().Get_ECData(index); }  ///< 0 to 11
+    std::array<std::int16_t, 16>& GPIOData() const { return linked().GPIOData; }
+    std::array<std::string, 16>& GPIODisplay() const { return linked().GPIODisplay; }
 
     /// Hands one record to the link when ONFLY_MODE is on. A failure is logged, never thrown.
     void SendOnFly(int index, double first, int count);
@@ -253,8 +259,12 @@ class Unit {
     int trimmedCylinders() const;
     void convertStopPoints();
 
-    float& cellAt(int index);
-    float cellAt(int index) const;
+    const Calibration::Facts& facts() const { return calibration().facts; }
+    float cellAt(int index) const { return inHand_.cell(index); }
+    template <typename Number>
+    void put(int index, Number value) {
+        inHand_.cell(index, static_cast<float>(value));
+    }
     int gpioCell(int pin, int word) const;
     int sRecordRows() const;
 
@@ -262,6 +272,7 @@ class Unit {
     void recordReleaseOf(int gpioCode);
     void sendGpioParameter(int pin, int parameter, float value);
     void takeRelease(int release);
+    void oweRelease(int release);
     void moveFrom(int formerRelease);
     std::optional<SensorFacts> sensorById(int id);
     void repairAfterOpening(int fileRelease);
@@ -278,23 +289,11 @@ class Unit {
 
     const UnitKind* kind_;  ///< slots of one class may be exchanged
     UnitHost& host_;
-    std::array<float, cellCount> cells_{};
+    WatchedCalibration inHand_;
     std::array<float, imageCount> image_{};
-    std::string binFile_;
-    std::string firmWare_;
-    std::string serial_;
     bool indexPolling_ = false;
     bool onTheFly_ = false;
     bool silent_ = false;
-    int defaultSplit_ = 0;
-    Teeth teeth_;
-    std::array<std::uint8_t, 3> control_{};
-    int release_ = 0;
-    int owedRelease_ = 0;  ///< told, but the calibration could not be moved to it; 0 for none
-    int build_ = 0;
-    bool hasPic18_ = false;
-    bool gpioListRead_ = false;
-    std::array<std::uint16_t, 12> errorCodeWords_{};
 };
 
 }  // namespace zentaq

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "unit/linked_state.h"
+
 namespace zentaq {
 
 /// The row of an engine that a Unit object reads. A column that is empty in the row has its default here.
@@ -62,6 +64,8 @@ class UnitHost {
     /// The unit on the link is of the kind of this slot and has told its own firmware. It says nothing about
     /// the objects of other kinds.
     virtual bool firmwareKnownFromLink(int slot) const = 0;
+    /// What the unit of a slot has told on the link.
+    virtual LinkedState& linkedState(int slot) = 0;
     virtual FileHeader& header() = 0;
     /// "Minor.Revision" of this program as a float, for file headers.
     virtual float programVersion() const = 0;

@@ -9,7 +9,6 @@
 #include "base/number_text.h"
 #include "config/basic_figures.h"
 #include "config/quiet_calibration.h"
-#include "config/unit_snapshot.h"
 #include "tables/table_kind.h"
 
 namespace zentaq {
@@ -51,7 +50,7 @@ class EntryWays : public GeneralConfigForm {
 
 TEST_F(EntryWays, AFieldOfTheGeneralParametersTakesWhatTheShellTakes) {
     haveInHand();
-    const UnitSnapshot before(unit());
+    const Calibration before = unit().calibration();
     int refused = 0;
     for (const GeneralRow& row : generalRows()) {
         if (row.kind != GeneralKind::Text) continue;
@@ -59,7 +58,7 @@ TEST_F(EntryWays, AFieldOfTheGeneralParametersTakesWhatTheShellTakes) {
         for (const float value : around(figureLimits(unit(), row.member))) {
             const std::string text = numberText(value);
             SCOPED_TRACE(member + " " + text);
-            before.restore(unit());
+            unit().calibration(before);
             const auto copy = copyOfForms();
             const bool byForm = form.enter(row.control, text);
             EXPECT_EQ(taken(*copy, member, text), byForm);
@@ -132,12 +131,12 @@ TEST_F(EntryWays, ACodeThatSharesItsByteChangesNoNeighbor) {
 
 TEST_F(EntryWays, ACellOfATableTakesWhatTheShellTakes) {
     haveInHand();
-    const UnitSnapshot before(unit());
+    const Calibration before = unit().calibration();
     for (const char* table : {"ADV", "AFR", "SPW", "VE"}) {
         const std::string member(findTable(table)->member);
         for (const float value : around(cellLimits(unit(), table, false))) {
             SCOPED_TRACE(std::string(table) + " " + numberText(value));
-            before.restore(unit());
+            unit().calibration(before);
             const auto copy = copyOfForms();
             const auto number = static_cast<float>(numberOf(numberText(value)));
             const bool here = static_cast<bool>(set_binValueByIndex(unit(), table, number, 0, false));
@@ -149,7 +148,7 @@ TEST_F(EntryWays, ACellOfATableTakesWhatTheShellTakes) {
 /// Every parameter with a range of its own, by the writer that the pages call.
 TEST_F(EntryWays, AParameterTakesFromTheShellWhatItsWriterTakes) {
     haveInHand();
-    const UnitSnapshot before(unit());
+    const Calibration before = unit().calibration();
     int walked = 0;
     for (const Parameter& row : unit().kind().parameters) {
         if (row.readOnly || !row.hasCell() || std::holds_alternative<NoRange>(row.range)) continue;
@@ -157,7 +156,7 @@ TEST_F(EntryWays, AParameterTakesFromTheShellWhatItsWriterTakes) {
         for (const float value : around(unit().limits(row.name))) {
             const std::string text = numberText(value);
             SCOPED_TRACE(std::string(row.name) + " " + text);
-            before.restore(unit());
+            unit().calibration(before);
             const auto copy = copyOfForms();
             EXPECT_EQ(taken(*copy, std::string(row.name), text), static_cast<bool>(unit().write(row, text)));
             EXPECT_EQ(copy->unit.DirectIndex(row.index), unit().DirectIndex(row.index));

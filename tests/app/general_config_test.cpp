@@ -643,7 +643,8 @@ TEST_F(RecordKeepingSession, NothingOfANewCalibrationGoesToTheEngine) {
     fake.port.written.clear();
     startNew();
     form.enter("cmbORB_UNIT", "ORB A Standard");
-    unit().ONFLY_MODE(true);  // the unit was identified again meanwhile
+    connect(orbaSerial, "ZQA-405099");  // the unit is identified again
+    EXPECT_FALSE(unit().ONFLY_MODE());
     form.enter("cmbEngine", fourCylinders);
     form.enter("cmbMAP", oneBar);
     form.enter("txtRPM", "6500");

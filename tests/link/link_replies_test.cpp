@@ -611,8 +611,8 @@ TEST_F(LinkReplies, ADirectCallWithAWideFrameThatIsTooShortEndsTheCommand) {
 TEST_F(LinkReplies, InputAndOutputStateGoesToTheUnit) {
     find(300000);
     exchange("I", framed(21, {{3, 17}, {11, 99}}));
-    EXPECT_EQ(host.unit(4).GPIOData[0], 17);
-    EXPECT_EQ(host.unit(4).GPIOData[8], 99);
+    EXPECT_EQ(host.unit(4).GPIOData()[0], 17);
+    EXPECT_EQ(host.unit(4).GPIOData()[8], 99);
     EXPECT_EQ(link.CurrentCommand(), "");
 }
 

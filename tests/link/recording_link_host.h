@@ -28,6 +28,7 @@ class PlainUnitHost : public UnitHost {
     std::optional<SensorFacts> mapSensor(int) override { return std::nullopt; }
     bool fahrenheit() const override { return false; }
     bool firmwareKnownFromLink(int) const override { return false; }
+    LinkedState& linkedState(int slot) override { return linkedStates[slot]; }
     FileHeader& header() override { return fileHeader; }
     float programVersion() const override { return 10.2F; }
     std::string applicationFolder() const override { return folder; }
@@ -35,6 +36,7 @@ class PlainUnitHost : public UnitHost {
     void formsChanged() override {}
 
     FileHeader fileHeader;
+    std::map<int, LinkedState> linkedStates;
     std::string folder;
 };
 

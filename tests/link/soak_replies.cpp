@@ -196,8 +196,8 @@ void ReplyStorm::requireRanges() {
     for (const auto value : scaled) require(std::isfinite(live_.*value), "a live value that is no number");
     for (const int slot : slots) {
         const Unit& unit = host_.unit(slot);
-        for (const std::int16_t pin : unit.GPIOData) require(pin >= 0 && pin <= 255, "a pin beyond a byte");
-        for (const std::string& text : unit.GPIODisplay) require(text.size() < 24, "the text of a pin");
+        for (const std::int16_t pin : unit.GPIOData()) require(pin >= 0 && pin <= 255, "a pin beyond a byte");
+        for (const std::string& text : unit.GPIODisplay()) require(text.size() < 24, "the text of a pin");
         for (int word = 0; word < 12; ++word) {
             require(unit.Get_ECData(word) >= 0 && unit.Get_ECData(word) <= 255, "a code word beyond a byte");
         }

@@ -35,6 +35,7 @@ class NotingHost : public UnitHost {
     std::optional<SensorFacts> mapSensor(int) override { return {}; }
     bool fahrenheit() const override { return showsFahrenheit; }
     bool firmwareKnownFromLink(int) const override { return false; }
+    LinkedState& linkedState(int slot) override { return linkedStates[slot]; }
     FileHeader& header() override { return fileHeader; }
     float programVersion() const override { return 10.02F; }
     std::string applicationFolder() const override { return {}; }
@@ -45,6 +46,7 @@ class NotingHost : public UnitHost {
     std::vector<std::string> records;
     bool showsFahrenheit = false;
     FileHeader fileHeader;
+    std::map<int, LinkedState> linkedStates;
 };
 
 /// Firmware 5.099 with the sensor that a file without one gets: 0.05295 volts a kPa, -0.54738 volts at 0.

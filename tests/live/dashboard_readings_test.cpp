@@ -74,7 +74,7 @@ TEST_F(Readings, DutyAndOffTimeFollowFromOnTimeAndSpeed) {
 }
 
 TEST_F(Readings, PinsFollowTheLabels) {
-    calibration.unit.GPIODisplay[2] = "ON";
+    calibration.unit.GPIODisplay()[2] = "ON";
     EXPECT_EQ(text("GPIO3"), "ON");
     EXPECT_EQ(text("GPIO8"), "");
     EXPECT_EQ(text("GPIO9"), "no GPIO9");

@@ -81,9 +81,9 @@ TEST_F(Datalog, DataLineRoundsByColumn) {
     live.INJ_VLTCOMP = 0.08F;
     live.ADV_TBL = 20.47059F;
     live.ISRPM = 960;
-    unit.GPIOData[0] = 21;
-    unit.GPIOData[8] = 29;
-    unit.GPIOData[9] = 30;
+    unit.GPIOData()[0] = 21;
+    unit.GPIOData()[8] = 29;
+    unit.GPIOData()[9] = 30;
     const std::string written = line(false, 7);
     EXPECT_TRUE(written.ends_with("\r\n"));
     EXPECT_THAT(

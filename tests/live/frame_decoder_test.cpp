@@ -60,7 +60,7 @@ TEST_F(NarrowFrameOfOrba, CarriesIdleMotorAndPins) {
     EXPECT_EQ(live.IACP, 25);  // (105 - 55) / 200
     EXPECT_EQ(live.IACD, 2);
     const std::array<std::int16_t, 8> pins{7, 10, 8, 9, 11, 12, 13, 14};
-    for (std::size_t pin = 0; pin < pins.size(); ++pin) EXPECT_EQ(unit.GPIOData[pin], pins[pin]) << pin;
+    for (std::size_t pin = 0; pin < pins.size(); ++pin) EXPECT_EQ(unit.GPIOData()[pin], pins[pin]) << pin;
 }
 
 TEST_F(NarrowFrameOfOrba, AnyNonZeroLampByteLightsTheLampAndZeroClearsIt) {
@@ -122,9 +122,9 @@ TEST_F(NarrowFrameOfOrba, PinsShowTheirFunctionsText) {
     unit.AssignDirectIndex(6, 336);      // pin 0: shift light
     unit.AssignDirectIndex(8, 336 + 9);  // pin 1: table output
     monitor();
-    EXPECT_EQ(unit.GPIODisplay[0], "ON");
-    EXPECT_EQ(unit.GPIODisplay[1], "4%");  // 10 / 2.55 = 3.9
-    EXPECT_EQ(unit.GPIODisplay[2], "DISABLED");
+    EXPECT_EQ(unit.GPIODisplay()[0], "ON");
+    EXPECT_EQ(unit.GPIODisplay()[1], "4%");  // 10 / 2.55 = 3.9
+    EXPECT_EQ(unit.GPIODisplay()[2], "DISABLED");
 }
 
 TEST_F(NarrowFrameOfOrba, CountsFrames) {
@@ -216,20 +216,20 @@ TEST_F(WideFrameOfOrba, AirMassWordIsTakenInTenths) {
 }
 
 TEST_F(WideFrameOfOrba, EndsWithEightPinsBeforeTheChecksum) {
-    unit.GPIOData[8] = -1;
+    unit.GPIOData()[8] = -1;
     decoder.MonitorW(unit, reply);
-    EXPECT_EQ(unit.GPIOData[0], 21);
-    EXPECT_EQ(unit.GPIOData[7], 28);
-    EXPECT_EQ(unit.GPIOData[8], -1);
+    EXPECT_EQ(unit.GPIOData()[0], 21);
+    EXPECT_EQ(unit.GPIOData()[7], 28);
+    EXPECT_EQ(unit.GPIOData()[8], -1);
     EXPECT_EQ(live.frames, 1U);
 }
 
 TEST(WideFrame, OfKind7EndsWithFivePins) {
     Decoding d(7);
-    d.unit.GPIOData[5] = -1;
+    d.unit.GPIOData()[5] = -1;
     d.decoder.MonitorW(d.unit, frame(62, wideBytes()));
-    EXPECT_EQ(d.unit.GPIOData[4], 25);
-    EXPECT_EQ(d.unit.GPIOData[5], -1);
+    EXPECT_EQ(d.unit.GPIOData()[4], 25);
+    EXPECT_EQ(d.unit.GPIOData()[5], -1);
 }
 
 TEST(WideFrame, OfKind6EndsWithThirteenPins) {
@@ -237,7 +237,7 @@ TEST(WideFrame, OfKind6EndsWithThirteenPins) {
     auto bytes = wideBytes();
     bytes[68] = 99;
     d.decoder.MonitorW(d.unit, frame(70, bytes));
-    EXPECT_EQ(d.unit.GPIOData[12], 99);
+    EXPECT_EQ(d.unit.GPIOData()[12], 99);
 }
 
 TEST(WideFrame, IsUnknownToKind5) {
@@ -255,25 +255,25 @@ std::vector<std::uint8_t> pinReply() {
 
 TEST(PinReply, CarriesNinePins) {
     Decoding d(4);
-    d.unit.GPIOData[9] = -1;
+    d.unit.GPIOData()[9] = -1;
     d.decoder.Monitor_GPIO(d.unit, pinReply());
-    EXPECT_EQ(d.unit.GPIOData[0], 100);
-    EXPECT_EQ(d.unit.GPIOData[8], 108);
-    EXPECT_EQ(d.unit.GPIOData[9], -1);
+    EXPECT_EQ(d.unit.GPIOData()[0], 100);
+    EXPECT_EQ(d.unit.GPIOData()[8], 108);
+    EXPECT_EQ(d.unit.GPIOData()[9], -1);
 }
 
 TEST(PinReply, CarriesThirteenPinsOnKind6) {
     Decoding d(6);
-    d.unit.GPIOData[13] = -1;
+    d.unit.GPIOData()[13] = -1;
     d.decoder.Monitor_GPIO(d.unit, pinReply());
-    EXPECT_EQ(d.unit.GPIOData[12], 112);
-    EXPECT_EQ(d.unit.GPIOData[13], -1);
+    EXPECT_EQ(d.unit.GPIOData()[12], 112);
+    EXPECT_EQ(d.unit.GPIOData()[13], -1);
 }
 
 TEST(PinReply, IsUnknownToKind3) {
     Decoding d(3);
     d.decoder.Monitor_GPIO(d.unit, pinReply());
-    EXPECT_EQ(d.unit.GPIOData[0], 0);
+    EXPECT_EQ(d.unit.GPIOData()[0], 0);
 }
 
 TEST(InternalRecord, HasActualBeforeDesiredRatioUnlikeTheNarrowFrame) {

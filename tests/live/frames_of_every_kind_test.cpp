@@ -31,7 +31,7 @@ struct KindCase {
 class EveryKind : public testing::TestWithParam<KindCase> {
  protected:
     EveryKind() {
-        unit.GPIOData.fill(untouched);
+        unit.GPIOData().fill(untouched);
         unit.AssignDirectIndex(10, test::moffsetCell);
         if (GetParam().slot == 5) return;
         unit.AssignDirectIndex(55, test::minDutyCell);
@@ -40,10 +40,10 @@ class EveryKind : public testing::TestWithParam<KindCase> {
     }
     void expectPins(std::size_t count) {
         for (std::size_t pin = 0; pin < count; ++pin) {
-            EXPECT_EQ(unit.GPIOData[pin], 100 + static_cast<int>(pin)) << pin;
+            EXPECT_EQ(unit.GPIOData()[pin], 100 + static_cast<int>(pin)) << pin;
         }
-        for (std::size_t pin = count; pin < unit.GPIOData.size(); ++pin) {
-            EXPECT_EQ(unit.GPIOData[pin], untouched) << pin;
+        for (std::size_t pin = count; pin < unit.GPIOData().size(); ++pin) {
+            EXPECT_EQ(unit.GPIOData()[pin], untouched) << pin;
         }
     }
 

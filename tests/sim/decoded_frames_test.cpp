@@ -36,7 +36,7 @@ class DecodedFrames : public testing::TestWithParam<DecodedCase> {
     DecodedFrames() {
         storeDashboardDefaults(unit);
         unit.AssignDirectIndex(static_cast<float>(ratioOfPetrol), unit.kind().cells.ratio);
-        unit.GPIOData.fill(-1);
+        unit.GPIOData().fill(-1);
         engine.advance(pullSeconds);
         simulated.advance(pullSeconds);
         simulated.setCode(1, 1);
@@ -81,7 +81,7 @@ class DecodedFrames : public testing::TestWithParam<DecodedCase> {
     void expectPins(std::size_t count) const {
         const LiveValues real = engine.values();
         for (std::size_t pin = 0; pin < count; ++pin)
-            EXPECT_NEAR(unit.GPIOData[pin], real.gpio[pin], 0.51) << pin;
+            EXPECT_NEAR(unit.GPIOData()[pin], real.gpio[pin], 0.51) << pin;
     }
 };
 
@@ -123,7 +123,7 @@ TEST_P(DecodedFrames, WideFrameShowsTheEngineAndItsCorrections) {
     EXPECT_NEAR(live.ADV_MAT, real.airAdvance, 0.12);
     EXPECT_NEAR(live.ISRPM, real.idleTargetRpm, 8);
     expectPins(GetParam().widePins);
-    for (std::size_t pin = GetParam().widePins; pin < 16; ++pin) EXPECT_EQ(unit.GPIOData[pin], -1) << pin;
+    for (std::size_t pin = GetParam().widePins; pin < 16; ++pin) EXPECT_EQ(unit.GPIOData()[pin], -1) << pin;
 }
 
 TEST_P(DecodedFrames, PinListShowsTheOutputs) {

@@ -939,7 +939,7 @@ TEST_F(TableWindow, OutputTablesFollowTheLiveValuesOfTheirAxisKinds) {
 TEST_F(TableWindow, AnAxisOnAPinFollowsItsDisplayedNumber) {
     open("GPO1");
     model.pickAxis("X_GPIO2");
-    unit.GPIODisplay[1] = "40%";
+    unit.GPIODisplay()[1] = "40%";
     live.MAP = 40;
     model.Show_Current_Activity(0, 0);
     EXPECT_NEAR(model.marker().column, 7, 1e-5);  // stops of 6.667: the seventh is 40

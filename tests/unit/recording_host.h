@@ -50,6 +50,7 @@ class RecordingHost : public UnitHost {
     bool firmwareIsKnownFromLink = false;
     int linkedSlot = 3;  ///< of the unit that told it
     bool linkFails = false;
+    std::map<int, LinkedState> linkedStates;  ///< by slot
     float version = 10.2F;
     std::string folder;
 
@@ -77,6 +78,7 @@ class RecordingHost : public UnitHost {
     bool firmwareKnownFromLink(int slot) const override {
         return firmwareIsKnownFromLink && slot == linkedSlot;
     }
+    LinkedState& linkedState(int slot) override { return linkedStates[slot]; }
     FileHeader& header() override { return head; }
     float programVersion() const override { return version; }
     std::string applicationFolder() const override { return folder; }
