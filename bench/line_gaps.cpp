@@ -25,7 +25,6 @@
 #include "live/frame_decoder.h"
 #include "platform/posix_clock.h"
 #include "platform/posix_line_loop.h"
-#include "platform/settings_store.h"
 #include "qt/qt_clock.h"
 #include "qt/qt_serial_port.h"
 #include "qt/qt_ticker.h"
@@ -61,9 +60,8 @@ int runWindowLoop(const std::string& device) {
     RecordingLinkHost host;
     LiveValues live;
     FrameDecoder decoder(live);
-    MemorySettings settings;
     QtYield yield;
-    Link link(port, host, decoder, live, settings, clock, yield);
+    Link link(port, host, decoder, live, clock, yield);
     ticker.onTick([&link] { link.tick(); });
     if (!link.RS232_Initialize(1)) return 2;
     ticker.start();

@@ -17,7 +17,6 @@
 #include "link/link.h"
 #include "link/recording_link_host.h"
 #include "live/frame_decoder.h"
-#include "platform/settings_store.h"
 #include "sim/simulated_unit.h"
 #include "sim/srecord.h"
 #include "testing/manual_clock.h"
@@ -105,9 +104,8 @@ void sendFirmware(std::string_view text) {
     ScriptedPort port(clock);
     LiveValues live;
     FrameDecoder decoder(live);
-    MemorySettings settings;
     QuietYield yield;
-    Link link(port, host, decoder, live, settings, clock, yield);
+    Link link(port, host, decoder, live, clock, yield);
     link.RS232_Initialize(1);
     port.takeWritten();
     port.otherwise([](const std::string&) -> std::optional<ScriptedReply> {
@@ -134,7 +132,7 @@ void sendFirmware(std::string_view text) {
         port.advanceUs(1000);
         link.tick();
     }
-    require(!link.TransferActive(), "the transfer has ended with its file");
+    require(!link.transfer().active(), "the transfer has ended with its file");
     require(port.written() == expected, "every line was sent, and nothing else");
     host.calls.clear();
     host.logLines.clear();

@@ -27,7 +27,7 @@ void writeIdentity(const Context& context, LinkDesk& desk) {
         .member("port", std::string_view(desk.portName()))
         .member("kind", linked.LinkedUnitKind);
     json.member("model", std::string_view(modelOf(unit.kind())));
-    json.member("label", std::string_view(desk.link().status().unitLabel));
+    json.member("label", std::string_view(desk.session().linkDisplay.status().unitLabel));
     json.member("serial", int{linked.SerialNumber}).member("firmware", std::string_view(unit.FirmWare()));
     json.member("release", unit.FW_Release()).member("build", unit.FW_Build());
     json.member("calibration", trimmed(linked.UnitBinName)).member("wideFrames", linked.WideMonitor);
@@ -83,8 +83,8 @@ void identify(const Context& context, const std::string& port) {
     desk.findAnyUnit();
     if (context.json) return writeIdentity(context, desk);
     const LinkedUnit& linked = desk.link().linked();
-    context.out << desk.unitName() << " (" << shownLine(desk.link().status().unitLabel) << ") on "
-                << desk.portName();
+    context.out << desk.unitName() << " (" << shownLine(desk.session().linkDisplay.status().unitLabel)
+                << ") on " << desk.portName();
     if (linked.UnitIdentified) {
         context.out << ", firmware " << shownLine(desk.session().linkedUnit().FirmWare())
                     << ", calibration \"" << shownLine(trimmed(linked.UnitBinName)) << '"';

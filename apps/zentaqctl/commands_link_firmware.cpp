@@ -89,7 +89,7 @@ Target unitForFirmware(LinkDesk& desk, const FirmwareWish& wish) {
     return {desk.unitName(), kind.slot};
 }
 
-std::string howFar(const TransferEnd& end) {
+std::string howFar(const TransferReport& end) {
     if (end.lines == 0) return {};
     const std::string of = numberText(end.lines) + " of " + numberText(end.total);
     if (end.ending == Ending::Refused) return " The unit refused line " + of + ".";
@@ -97,23 +97,23 @@ std::string howFar(const TransferEnd& end) {
     return " The unit took " + of + " lines.";
 }
 
-std::string whyNotUpgraded(const TransferEnd& end) {
+std::string whyNotUpgraded(const TransferReport& end) {
     if (end.ending == Ending::Unclear) {
         return "The unit took " + numberText(end.lines) + " of " + numberText(end.total) +
                " lines and did not verify the firmware. Cycle the power on the unit and see whether it "
                "answers.";
     }
-    switch (end.message) {
-        case 1005:
+    switch (end.firmware) {
+        case FirmwareLeft::Former:
             return std::string(firmwareNotStarted);
-        case 1009:
+        case FirmwareLeft::Lost:
             return std::string(unitLost);
         default:
             return std::string(firmwareFailed) + howFar(end);
     }
 }
 
-std::string whatABreakLeaves(const TransferEnd& end) {
+std::string whatABreakLeaves(const TransferReport& end) {
     if (end.lines == 0) return "Interrupted before the first line. Please cycle the power on the unit.";
     return "Interrupted after " + numberText(end.lines) + " of " + numberText(end.total) +
            " lines. There is now no firmware installed on this unit, the upgrade must be completed "
@@ -121,9 +121,9 @@ std::string whatABreakLeaves(const TransferEnd& end) {
            "before the unit will function.";
 }
 
-TransferEnd upgrade(LinkDesk& desk, const std::string& file, const std::string& text, int slot) {
+TransferReport upgrade(LinkDesk& desk, const std::string& file, const std::string& text, int slot) {
     const auto hold = desk.holdSignals();
-    const TransferEnd end = desk.session().transferFirmware(file, text, slot);
+    const TransferReport end = desk.session().transferFirmware(file, text, slot);
     desk.clearProgress();
     return end;
 }
@@ -138,7 +138,7 @@ void firmware(const Context& context, const std::string& port, const FirmwareWis
     const Target unit = unitForFirmware(desk, wish);
     if (desk.link().linked().LinkedUnitKind != 0) desk.requireSameUnit();
     desk.stopOnSecondSignal(breakOffWarning);
-    const TransferEnd end = upgrade(desk, wish.file, text, unit.slot);
+    const TransferReport end = upgrade(desk, wish.file, text, unit.slot);
     if (end.ending == Ending::Stopped) throw Interrupted(whatABreakLeaves(end), desk.signal());
     if (end.ending != Ending::Done) throw Failure(whyNotUpgraded(end));
     context.out << unit.name << ": " << programmed << ' ' << loadCalibration << '\n';

@@ -76,11 +76,11 @@ struct CalibrationInHand {
     Unit unit;
 };
 
-std::string ofLines(const TransferEnd& end) {
+std::string ofLines(const TransferReport& end) {
     return numberText(end.lines) + " of " + numberText(end.total) + " lines";
 }
 
-std::string whyNotProgrammed(const TransferEnd& end) {
+std::string whyNotProgrammed(const TransferReport& end) {
     const bool allSent = end.total > 0 && end.lines == end.total;
     constexpr const char* unknown =
         " Which calibration it holds now is not known: cycle the power on the unit and program it again.";
@@ -99,13 +99,13 @@ std::string whyNotProgrammed(const TransferEnd& end) {
 
 void warnOlderFirmware(const Context& context, LinkDesk& desk) {
     const Unit& unit = desk.session().linkedUnit();
-    if (unit.FW_Release() < desk.session().expectedRelease(unit.kind().slot)) {
+    if (unit.FW_Release() < desk.session().expectedFirmware(unit.kind().slot).release) {
         context.notes << olderFirmware << '\n';
     }
 }
 
 void programUnit(LinkDesk& desk, const std::string& file) {
-    TransferEnd end;
+    TransferReport end;
     const auto fail = [&](const std::string& why) {
         throw Failure(file + " makes no image: " + why + " Nothing was sent to the unit.");
     };
@@ -137,7 +137,7 @@ void refuseUnwritable(const std::string& file) {
         throw FileError("Cannot write " + file + ": its folder takes no new file: " + std::strerror(errno));
 }
 
-std::string whyNotDownloaded(const TransferEnd& end) {
+std::string whyNotDownloaded(const TransferReport& end) {
     const std::string after = " after " + numberText(end.lines) + " records; nothing was written.";
     switch (end.ending) {
         case Ending::Refused:
@@ -190,10 +190,10 @@ void datalog(const Context& context, const std::string& port, const std::string&
     }
     const ScratchFolder scratch;
     const std::string fresh = scratch.path() + "/log.dat";
-    const TransferEnd end = desk.session().transfer(TransferMode::Datalog, fresh);
+    const TransferReport end = desk.session().transfer(TransferMode::Datalog, fresh);
     desk.clearProgress();
     if (end.ending == Ending::Stopped) {
-        throw Interrupted("Interrupted after " + numberText(end.total) + " records; nothing was written.",
+        throw Interrupted("Interrupted after " + numberText(end.lines) + " records; nothing was written.",
                           desk.signal());
     }
     if (end.ending != Ending::Done) throw Failure(whyNotDownloaded(end));

@@ -17,7 +17,6 @@ namespace zentaq::ctl {
 
 namespace {
 
-constexpr std::string_view mismatchTitle = "Unit Type Mismatch";
 constexpr std::string_view clearLine = "\r\033[K";
 
 bool isDigits(const std::string& text) {
@@ -162,16 +161,13 @@ void LinkDesk::requireSameUnit() {
 }
 
 std::string LinkDesk::unitName() {
-    return modelOf(session_.linkedUnit().kind()) + " " + link().status().serialNumber;
+    return modelOf(session_.linkedUnit().kind()) + " " + session_.linkDisplay.status().serialNumber;
 }
 
 void LinkDesk::tellBoxes() {
     const auto& boxes = session_.boxes();
-    for (; boxesTold_ < boxes.size(); ++boxesTold_) {
-        // A command that minds another kind of unit refuses it with the numbered error.
-        const Box& box = boxes[boxesTold_];
-        if (box.title != mismatchTitle) context_.notes << onOneLine(box.text) << '\n';
-    }
+    for (; boxesTold_ < boxes.size(); ++boxesTold_)
+        context_.notes << onOneLine(boxes[boxesTold_].text) << '\n';
 }
 
 void LinkDesk::require(Ending ending, const std::string& what) {

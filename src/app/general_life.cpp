@@ -108,9 +108,9 @@ void GeneralConfig::begin(const ModelEntry& model) {
 
 void GeneralConfig::takeFirmware(Unit& chosen) {
     const int slot = chosen.kind().slot;
-    if (chosen.FW_Release() != 0 || session_.expectedRelease(slot) == 0) return;
-    chosen.FW_Release(session_.expectedRelease(slot));
-    chosen.FW_Build(session_.expectedBuild(slot));
+    if (chosen.FW_Release() != 0 || session_.expectedFirmware(slot).release == 0) return;
+    chosen.FW_Release(session_.expectedFirmware(slot).release);
+    chosen.FW_Build(session_.expectedFirmware(slot).build);
 }
 
 /// What the default values of the unit kind say; plain figures without a database.

@@ -554,7 +554,7 @@ void MainCommands::programNow() {
     if (!mayProgram()) return;
     const LinkedIdentity unit = linkedIdentity();
     if (!broughtToFirmware()) return;
-    if (session_.currentUnitObject().FW_Release() < session_.expectedRelease(unit.kind)) {
+    if (session_.currentUnitObject().FW_Release() < session_.expectedFirmware(unit.kind).release) {
         session_.messages.Display_Warning(codes::OldFirmware);
     }
     offerToSave([commands = *this, unit]() mutable { commands.startProgramming(unit); });
@@ -683,7 +683,7 @@ int MainCommands::slotForFirmware(const LinkedIdentity& begunWith) const {
     const int linked = session_.link.linked().LinkedUnitKind;
     if (linked != 0) return linked;
     if (begunWith.kind != 0) return begunWith.kind;
-    const int lost = session_.link.firmwareLostSlot();
+    const int lost = session_.link.firmware().lostSlot();
     return lost != 0 ? lost : session_.currentUnit();
 }
 
@@ -695,7 +695,7 @@ bool MainCommands::firmwareIsValid(const std::string& path, int slot) {
 }
 
 bool MainCommands::mayUpgrade(const std::string& path, const LinkedIdentity& begunWith) {
-    if (!session_.link.status().firmwareUpgradeEnabled) {
+    if (session_.link.linked().OldFirmware) {
         session_.dialogs().show(
             {"Firmware Upgrade",
              "This unit has a firmware that this program cannot upgrade: it must be sent to "
@@ -774,11 +774,11 @@ bool MainCommands::mayLeaveUnit(LeftBehind& agreed) {
 bool MainCommands::mayBreakTransfer(LeftBehind& agreed) {
     const Link& link = session_.link;
     while (link.transferPending()) {
-        const bool firmware = link.firmwarePending();
+        const bool firmware = link.transfer().firmware();
         bool& broken = firmware ? agreed.firmware : agreed.transfer;
         if (broken) return true;
         const auto stands = [&link, firmware] {
-            return link.transferPending() && link.firmwarePending() == firmware;
+            return link.transferPending() && link.transfer().firmware() == firmware;
         };
         broken = askToBreakTransfer(firmware, stands) == Answer::Yes;
         if (!broken && (stands() || !link.transferPending())) return false;
@@ -804,7 +804,7 @@ Answer MainCommands::askToBreakTransfer(bool firmware, const std::function<bool(
 }
 
 bool MainCommands::zeroAdvanceOn() const {
-    return session_.link.status().zeroAdvance || session_.link.zeroAdvanceAsked();
+    return session_.link.linked().zeroAdvance || session_.link.zeroAdvanceAsked();
 }
 
 // A box that goes by itself is answered No, but nobody said so, and nothing is left behind any more.

@@ -37,7 +37,7 @@ bool noTransfer(const Session& session) {
 /// Also without a unit that answers: one that has lost its firmware is mended by this command. A unit of the
 /// oldest firmware takes none.
 bool firmwareUpgradable(const Session& session) {
-    return session.link.status().firmwareUpgradeEnabled && noTransfer(session);
+    return !session.link.linked().OldFirmware && noTransfer(session);
 }
 
 /// Without a calibration the command itself tells what is missing.

@@ -37,9 +37,10 @@ Session::Session(const Platform& platform)
           dialogs_, [this](std::string_view text) { sysLog(text); },
           [this](const std::string& form) { windows_->focus(form); }),
       decoder(live),
-      link(platform.port, *this, decoder, live, platform.settings, platform.clock, yield_),
+      link(platform.port, *this, decoder, live, platform.clock, yield_),
       poller(
-          link, [this] { refreshCodes(); }, [this] { windows_->tell(&WindowNews::updateDisplay); }),
+          link, linkDisplay, [this] { refreshCodes(); },
+          [this] { windows_->tell(&WindowNews::updateDisplay); }),
       trace(platform.clock),
       saving(*this, platform.writer),
       platform_(platform) {
@@ -114,7 +115,7 @@ double Session::settingNumber(const std::string& key) const {
 void Session::poll(bool secondTabShowing) {
     const std::int64_t now = platform_.clock.monotonicUs();
     // A port that was absent at the start is opened as soon as its cable is plugged in.
-    if (!link.status().connected && now >= nextPortCheckUs_) {
+    if (!linkDisplay.status().connected && now >= nextPortCheckUs_) {
         nextPortCheckUs_ = now + portCheckUs;
         const auto port = link.chosenPort();
         // A port that is there but busy would fill the log with its failure, once a second.
@@ -128,7 +129,7 @@ void Session::poll(bool secondTabShowing) {
 // Ctrl-C or Ctrl-Z in the terminal that the program was started from, or the end of that terminal, would
 // leave a unit with half a program.
 void Session::holdSignals() {
-    const bool wanted = link.programming();
+    const bool wanted = link.transfer().programming();
     if (wanted == heldSignals_.has_value()) return;
     if (wanted) {
         heldSignals_.emplace(userSignals);
@@ -141,7 +142,7 @@ void Session::showFrameTimes() {
     const std::int64_t now = platform_.clock.monotonicUs();
     if (now < nextTimesUs_) return;
     nextTimesUs_ = now + timesUs;
-    link.showFrameTimes(frameTimesText(timing.shares(now)));
+    linkDisplay.showFrameTimes(frameTimesText(timing.shares(now)));
 }
 
 void Session::applyTrace() {
@@ -256,8 +257,32 @@ int Session::currentUnit() const {
     return toInt16(header_.currentUnit);
 }
 
+void Session::heard(const LinkNews& news) {
+    LinkTeller::heard(news);
+    switch (news.event) {
+        case LinkEvent::PortForced:
+            return platform_.settings.set(settings::system, settings::CommPort, "1");
+        case LinkEvent::LinkLost:
+            return initializeOnFly(false);
+        case LinkEvent::UnitAgrees:
+            return initializeOnFly(true);
+        case LinkEvent::TableLock:
+            return windows_->tell(&WindowNews::onFlyLock, news.number != 0);
+        case LinkEvent::KindFound:
+            return unitKindFound(news.number);
+        case LinkEvent::CodesReceived:
+            return codesReceived();
+        case LinkEvent::CodesCleared:
+            return codesCleared();
+        case LinkEvent::FrameDecoded:
+            return frames.tell();
+        default:
+            return;
+    }
+}
+
 void Session::commLog(std::string_view text) {
-    if (console.CommLog(text) && !link.TransferActive()) windows_->tell(&WindowNews::clearPanel3);
+    if (console.CommLog(text) && !link.transfer().active()) windows_->tell(&WindowNews::clearPanel3);
 }
 
 // A reply handler that told a user something would stand still until the answer, and the frames of a running
@@ -282,10 +307,6 @@ void Session::initializeOnFly(bool on) {
     // What is entered for a calibration that is being made must not reach the running engine.
     currentUnitObject().ONFLY_MODE(on && !creating());
     windows_->tell(&WindowNews::onFlyChanged, on && currentUnitObject().ONFLY_MODE());
-}
-
-void Session::onFlyLock(bool busy) {
-    windows_->tell(&WindowNews::onFlyLock, busy);
 }
 
 int Session::slotForFile(int slot) const {
@@ -330,16 +351,9 @@ void Session::codesCleared() {
     windows_->tell(&WindowNews::codesChanged);
 }
 
-void Session::frameDecoded() {
-    frames.tell();
-}
-
-int Session::expectedRelease(int slot) const {
-    return FW_ReleaseTable.at(static_cast<std::size_t>(slot));
-}
-
-int Session::expectedBuild(int slot) const {
-    return FW_BuildTable.at(static_cast<std::size_t>(slot));
+FirmwareNumber Session::expectedFirmware(int slot) const {
+    const auto at = static_cast<std::size_t>(slot);
+    return {FW_ReleaseTable.at(at), FW_BuildTable.at(at)};
 }
 
 }  // namespace zentaq

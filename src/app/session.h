@@ -19,7 +19,7 @@
 #include "base/channels.h"
 #include "link/frame_timing.h"
 #include "link/link.h"
-#include "link/link_host.h"
+#include "link/link_teller.h"
 #include "link/poller.h"
 #include "live/check_engine.h"
 #include "live/ecu.h"
@@ -53,7 +53,7 @@ struct Platform {
     FileWriter* writer = nullptr;   ///< of saves beside the program's thread; nullptr: each is done at once
 };
 
-class Session : public UnitHost, public LinkHost {
+class Session : public UnitHost, public LinkTeller {
  public:
     static constexpr int slotCount = 101;
 
@@ -170,21 +170,20 @@ class Session : public UnitHost, public LinkHost {
     Unit& unit(int slot) override { return Units(slot); }
     int currentUnit() const override;
     float fileFirmwareCode() const override { return header_.firmwareCode; }
+    void heard(const LinkNews& news) override;
     void commLog(std::string_view text) override;
     void displayMessage(int code) override;
     void show(const Box& box) override;
-    void initializeOnFly(bool on) override;
-    void onFlyLock(bool busy) override;
-    void unitKindFound(int slot) override;
-    void codesReceived() override;
-    void codesCleared() override;
-    void frameDecoded() override;
-    int expectedRelease(int slot) const override;
-    int expectedBuild(int slot) const override;
+    FirmwareNumber expectedFirmware(int slot) const override;
+    /// The unit and the file agree (true), or they do not or the link is lost (false).
+    void initializeOnFly(bool on);
 
  private:
     std::array<LineWatch*, 2> watchers() { return {&trace, &timing}; }
     void showFrameTimes();
+    void unitKindFound(int slot);
+    void codesReceived();
+    void codesCleared();
     void holdSignals();
     bool insideTick() const { return link.handling(); }
 

@@ -27,7 +27,7 @@ LiveValues asRecorded(LiveValues live) {
 HeadlessMonitor::HeadlessMonitor(HeadlessSession& session, Wishes wishes)
     : session_(session),
       wishes_(std::move(wishes)),
-      poller_(session.link(), [this] { session_.link().Send_ORB_Command("T"); }, {}),
+      poller_(session.link(), session.linkDisplay, [this] { session_.link().Send_ORB_Command("T"); }, {}),
       pollUs_(std::int64_t{1000} * defaultPollIntervalMs) {
     session_.onFrame([this] { countFrame(); });
 }

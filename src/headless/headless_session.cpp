@@ -12,13 +12,28 @@ namespace zentaq {
 namespace {
 
 constexpr int lastSlot = 8;
-constexpr int programmed = 1002;
-constexpr int downloadDone = 1006;
-/// A log of one record is as good as none.
-constexpr int leastRecords = 2;
 
 std::string headOf(const std::vector<std::uint8_t>& reply) {
     return {reply.begin(), reply.begin() + std::min<std::ptrdiff_t>(2, std::ssize(reply))};
+}
+
+Ending endingOf(const TransferEnd& end) {
+    const bool download = end.mode == TransferMode::Datalog;
+    switch (end.result) {
+        case TransferResult::Verified:
+            return Ending::Done;
+        // Counts as a success in the program, where the user sees what the engine does next. Here nobody
+        // looks.
+        case TransferResult::RanOut:
+        case TransferResult::BadRecord:
+            return Ending::Unclear;
+        case TransferResult::Refused:
+            return Ending::Refused;
+        case TransferResult::NotWritten:
+            return Ending::NotWritten;
+        default:
+            return end.answered && !download ? Ending::Refused : Ending::Silent;
+    }
 }
 
 }  // namespace
@@ -26,7 +41,7 @@ std::string headOf(const std::vector<std::uint8_t>& reply) {
 HeadlessSession::HeadlessSession(const Surroundings& surroundings)
     : around_(surroundings),
       decoder_(live_),
-      link_(around_.port, *this, decoder_, live_, settings_, around_.clock, noYield_) {
+      link_(around_.port, *this, decoder_, live_, around_.clock, noYield_) {
     for (int slot = 0; slot <= lastSlot; ++slot) {
         if (const UnitKind* kind = unitKindOfSlot(slot)) {
             units_.push_back(std::make_unique<Unit>(*kind, around_.unitHost));
@@ -43,13 +58,13 @@ void HeadlessSession::open(int portNumber) {
 void HeadlessSession::pass() {
     around_.pass.yield();
     if (around_.trace != nullptr) around_.trace->tend();
-    if (!around_.watch || link_.status().changes == shown_) return;
-    shown_ = link_.status().changes;
-    around_.watch(link_.status());
+    if (!around_.watch || linkDisplay.status().changes == shown_) return;
+    shown_ = linkDisplay.status().changes;
+    around_.watch(linkDisplay.status());
 }
 
 bool HeadlessSession::idle() const {
-    return link_.CurrentCommand().empty() && link_.QueueHead() == link_.QueueTail();
+    return link_.CurrentCommand().empty() && link_.ring().empty();
 }
 
 void HeadlessSession::passUntilIdle() {
@@ -118,25 +133,23 @@ Ending HeadlessSession::readCodes() {
 
 // ---- Transfers
 
-TransferEnd HeadlessSession::transfer(TransferMode mode, const std::string& path) {
-    return passUntilEnd(mode, [&] { link_.Program_Unit(mode, path); });
+TransferReport HeadlessSession::transfer(TransferMode mode, const std::string& path) {
+    return passUntilEnd([&] { link_.Program_Unit(mode, path); });
 }
 
-TransferEnd HeadlessSession::transferFirmware(const std::string& path, const std::string& text, int slot) {
-    return passUntilEnd(TransferMode::Firmware, [&] { link_.programFirmware(path, text, slot); });
+TransferReport HeadlessSession::transferFirmware(const std::string& path, const std::string& text, int slot) {
+    return passUntilEnd([&] { link_.programFirmware(path, text, slot); });
 }
 
-TransferEnd HeadlessSession::passUntilEnd(TransferMode mode, const std::function<void()>& start) {
-    closing_ = {};
-    mode_ = mode;
+TransferReport HeadlessSession::passUntilEnd(const std::function<void()>& start) {
+    ended_.reset();
     start();
-    while (closing_.message == 0) {
-        if (stopWanted() && mayStop()) {
-            return {Ending::Stopped, link_.TransferLine(), linesOfFile(), 0};
-        }
+    while (!ended_) {
+        const Transfer& transfer = link_.transfer();
+        if (stopWanted() && mayStop()) return {Ending::Stopped, transfer.done(), transfer.total()};
         pass();
     }
-    return endOf(mode);
+    return {endingOf(*ended_), ended_->lines, ended_->total, ended_->firmware};
 }
 
 // A line in flight is answered first, so that the next program on this port is not told of it. The answer to
@@ -144,46 +157,7 @@ TransferEnd HeadlessSession::passUntilEnd(TransferMode mode, const std::function
 bool HeadlessSession::mayStop() const {
     const CommandRow* row = findCommand(commandKey(link_.CurrentCommand()));
     if (row == nullptr || !row->isBulk) return true;
-    return link_.ResponseReady() && link_.TransferLine() < linesOfFile();
-}
-
-// kept: the link counts one line more than a firmware file has.
-int HeadlessSession::linesOfFile() const {
-    return link_.TransferLines() - (mode_ == TransferMode::Firmware ? 1 : 0);
-}
-
-// Called before the closing routine forgets how far the transfer has come.
-void HeadlessSession::displayMessage(int code) {
-    if (closing_.message != 0) return;  // what comes behind the first one tells what to do next
-    closing_ = {code, link_.TransferLine(), linesOfFile(), !link_.CurrentCommand().empty(),
-                link_.ResponseReady()};
-}
-
-TransferEnd HeadlessSession::endOf(TransferMode mode) const {
-    if (mode == TransferMode::Datalog) return {endOfDownload(), closing_.total, 0, closing_.message};
-    return {endOfProgramming(), closing_.lines, closing_.total, closing_.message};
-}
-
-Ending HeadlessSession::endOfDownload() const {
-    if (closing_.message == downloadDone) return Ending::Done;
-    const bool alive = link_.linked().UnitFound;
-    // The end of the log came, but what was read before could not be flushed.
-    if (alive) return closing_.total < leastRecords ? Ending::Refused : Ending::NotWritten;
-    if (closing_.commandInFlight) return Ending::Silent;
-    // The download stood still behind a record that was not taken.
-    bool whole = false;
-    skipFailing([&] { whole = hasMarker(link_.RxBuffer()); });
-    return whole ? Ending::NotWritten : Ending::Unclear;
-}
-
-Ending HeadlessSession::endOfProgramming() const {
-    if (closing_.message != programmed) {
-        // Who takes a firmware need not be a unit that was found.
-        return link_.linked().UnitFound || closing_.answered ? Ending::Refused : Ending::Silent;
-    }
-    // A file that runs out without the unit's "PN" counts as a success in the program, where the user sees
-    // what the engine does next. Here nobody looks.
-    return headOf(link_.RxBuffer()) == "PN" ? Ending::Done : Ending::Unclear;
+    return link_.ResponseReady() && link_.transfer().line() < link_.transfer().total();
 }
 
 // ---- LinkHost
@@ -202,7 +176,21 @@ Unit& HeadlessSession::unit(int slot) {
     return unit == nullptr ? *units_.front() : *unit;
 }
 
-void HeadlessSession::unitKindFound(int slot) {
+void HeadlessSession::heard(const LinkNews& news) {
+    // A calibration of another kind is no news to whoever is about to compare them.
+    if (news.event != LinkEvent::UnitMismatch) LinkTeller::heard(news);
+    if (news.event == LinkEvent::KindFound) takeSlot(news.number);
+    if (news.event == LinkEvent::UnitAgrees) initializeOnFly(true);
+    if (news.event == LinkEvent::LinkLost) initializeOnFly(false);
+    if (news.event == LinkEvent::FrameDecoded && onFrame_) onFrame_();
+}
+
+void HeadlessSession::transferEnded(const TransferEnd& end) {
+    LinkTeller::transferEnded(end);
+    ended_ = end;
+}
+
+void HeadlessSession::takeSlot(int slot) {
     Unit* calibration = around_.calibration;
     if (calibration == nullptr || calibration->kind().slot == slot) return;
     Unit* const empty = emptyUnit(slot);
@@ -224,14 +212,9 @@ void HeadlessSession::initializeOnFly(bool on) {
     if (around_.calibration != nullptr) around_.calibration->ONFLY_MODE(on);
 }
 
-int HeadlessSession::expectedRelease(int slot) const {
+FirmwareNumber HeadlessSession::expectedFirmware(int slot) const {
     const UnitKind* kind = unitKindOfSlot(slot);
-    return kind == nullptr ? 0 : kind->defaultRelease;
-}
-
-int HeadlessSession::expectedBuild(int slot) const {
-    const UnitKind* kind = unitKindOfSlot(slot);
-    return kind == nullptr ? 0 : kind->defaultBuild;
+    return kind == nullptr ? FirmwareNumber{} : FirmwareNumber{kind->defaultRelease, kind->defaultBuild};
 }
 
 }  // namespace zentaq

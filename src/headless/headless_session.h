@@ -5,17 +5,17 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "base/channels.h"
 #include "link/link.h"
-#include "link/link_host.h"
+#include "link/link_teller.h"
 #include "live/frame_decoder.h"
 #include "platform/clock.h"
 #include "platform/serial_port.h"
-#include "platform/settings_store.h"
 #include "platform/yield.h"
 #include "trace/wire_trace.h"
 #include "unit/unit.h"
@@ -43,14 +43,15 @@ enum class Ending {
     Stopped      ///< the user wanted to end
 };
 
-struct TransferEnd {
+/// How a transfer ended here, and how far it has come.
+struct TransferReport {
     Ending ending = Ending::Stopped;
-    int lines = 0;    ///< lines sent, or records read
-    int total = 0;    ///< lines of the file; 0 for a download
-    int message = 0;  ///< the numbered message that a window would show; 0 for a stop
+    int lines = 0;                                 ///< lines sent, or records read
+    int total = 0;                                 ///< lines of the file; 0 for a download
+    FirmwareLeft firmware = FirmwareLeft::Former;  ///< of a firmware run that failed
 };
 
-class HeadlessSession : public LinkHost {
+class HeadlessSession : public LinkTeller {
  public:
     struct Surroundings {
         SerialPort& port;
@@ -88,10 +89,10 @@ class HeadlessSession : public LinkHost {
     Ending readCodes();
     /// Runs a bulk transfer to its end; `path` as in Link::Program_Unit, whose failures it throws.
     /// A stop waits for the answer to the line in flight, and for the end when that is the last line.
-    TransferEnd transfer(TransferMode mode, const std::string& path = {});
+    TransferReport transfer(TransferMode mode, const std::string& path = {});
     /// The same for a firmware, as in Link::programFirmware. It needs no unit that was found: its start goes
     /// out all the same.
-    TransferEnd transferFirmware(const std::string& path, const std::string& text, int slot);
+    TransferReport transferFirmware(const std::string& path, const std::string& text, int slot);
 
     /// One step: time passes, the status is shown. For callers that wait for something else.
     void pass();
@@ -115,51 +116,30 @@ class HeadlessSession : public LinkHost {
     }
     void commLog(std::string_view) override {}
     void addToLastLine(std::string_view text) override { sysLog(text); }
-    void displayMessage(int code) override;
+    void displayMessage(int) override {}
     void show(const Box& box) override { boxes_.push_back(box); }
-    void initializeOnFly(bool on) override;
-    void onFlyLock(bool) override {}
-    void unitKindFound(int slot) override;
-    void codesReceived() override {}
-    void codesCleared() override {}
-    void frameDecoded() override {
-        if (onFrame_) onFrame_();
-    }
-    std::string applicationFolder() const override { return around_.unitHost.applicationFolder(); }
-    int expectedRelease(int slot) const override;
-    int expectedBuild(int slot) const override;
+    FirmwareNumber expectedFirmware(int slot) const override;
+    void heard(const LinkNews& news) override;
+    void transferEnded(const TransferEnd& end) override;
 
  private:
-    /// What the closing routine of a transfer found.
-    struct Closing {
-        int message = 0;  ///< 0 while the transfer runs
-        int lines = 0;
-        int total = 0;
-        bool commandInFlight = false;
-        bool answered = false;
-    };
-
     bool idle() const;
     Unit* emptyUnit(int slot) const;
     void passUntilIdle();
     bool passAndCheckIdentity();
-    TransferEnd passUntilEnd(TransferMode mode, const std::function<void()>& start);
+    TransferReport passUntilEnd(const std::function<void()>& start);
     bool mayStop() const;
-    int linesOfFile() const;
     Ending answer() const;
-    TransferEnd endOf(TransferMode mode) const;
-    Ending endOfDownload() const;
-    Ending endOfProgramming() const;
+    void initializeOnFly(bool on);
+    void takeSlot(int slot);
 
     Surroundings around_;
     std::vector<std::unique_ptr<Unit>> units_;  ///< without a calibration; the null unit first
     LiveValues live_;
     FrameDecoder decoder_;
-    MemorySettings settings_;
     NoYield noYield_;  ///< the link's own yields are inside a tick, where no other one may start
     std::vector<Box> boxes_;
-    TransferMode mode_ = TransferMode::Calibration;  ///< of the transfer that runs, or ran last
-    Closing closing_;
+    std::optional<TransferEnd> ended_;  ///< nothing while a transfer runs
     std::function<void()> onFrame_;
     std::uint64_t shown_ = 0;
     Link link_;

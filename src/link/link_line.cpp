@@ -22,11 +22,6 @@ constexpr int tailPatienceTicks = 40;
 
 /// A current E reply; the first one is asked for as if it had six bytes.
 constexpr std::size_t identifyLength = 8;
-constexpr std::size_t markerLength = 2;
-
-std::string nameOf(const PortInfo& port) {
-    return port.description.empty() ? "The adapter" : port.description;
-}
 
 }  // namespace
 
@@ -49,15 +44,17 @@ void Link::restLine() {
     restPatience_ = restPatienceTicks;
 }
 
-bool Link::isCurrentIdentify() const {
-    return currentCommand_ == "E" && rxBuffer_.size() >= markerLength && hasMarker(rxBuffer_);
+bool Link::repliedWithMarker() const {
+    constexpr std::size_t markerLength = 2;
+    return rxBuffer_.size() >= markerLength && hasMarker(rxBuffer_);
 }
 
 // A first E asks for six bytes, which suit the oldest format; the rest of a current reply may stand in the
 // next lump. Left there it would stand in front of the next reply. True: it is waited for.
 bool Link::awaitsTail() {
     const std::size_t size = rxBuffer_.size();
-    if (!isCurrentIdentify() || size < static_cast<std::size_t>(askedBytes_) || size >= identifyLength) {
+    const bool current = currentCommand_ == "E" && repliedWithMarker();
+    if (!current || size < static_cast<std::size_t>(askedBytes_) || size >= identifyLength) {
         tailTicks_ = 0;
         return false;
     }
@@ -84,44 +81,38 @@ bool Link::frameInDoubt() {
 
 void Link::adapterLost(const PortInfo& port) {
     adapterAway_ = true;
-    lineBroke_ = true;
-    adapterLine_ = nameOf(port) + " (" + port.device + ") has gone.";
+    firmware_.lineBroke();
+    adapter_ = port;
     adapterNews_ = AdapterNews::Lost;
-    log("COMM: " + adapterLine_ + " Looking for it.");
-    showAdapter();
+    tellAdapter(LinkEvent::AdapterGone);
+    tellAdapter(LinkEvent::AdapterAway);
 }
 
 void Link::adapterReturned(const PortInfo& port) {
     adapterAway_ = false;
-    adapterLine_ = nameOf(port) + " is back as " + port.device + ".";
+    adapter_ = port;
     adapterNews_ = AdapterNews::Returned;
-    log("COMM: " + adapterLine_);
-    showAdapter();
+    tellAdapter(LinkEvent::AdapterBackAs);
+    tellAdapter(LinkEvent::AdapterBack);
 }
 
-void Link::showAdapter() {
-    show(&LinkStatus::send, Lamp::Rest);
-    show(&LinkStatus::receive, Lamp::Rest);
-    if (adapterAway_) {
-        COMM_StatusMessage("Adapter unplugged", adapterLine_, "Looking for it: plug it in again.", "Warning");
-    } else {
-        COMM_StatusMessage("Adapter is back", adapterLine_, "Asking who is there...", "Warning");
-    }
+void Link::tellAdapter(LinkEvent event) {
+    tell(event, adapter_.description.empty() ? "The adapter" : adapter_.description, adapter_.device);
 }
 
 void Link::followAdapter() {
     const AdapterNews news = std::exchange(adapterNews_, AdapterNews::None);
     // A transfer on the wire ends by its own time-outs, and a search asks by itself.
-    if (news == AdapterNews::None || transferActive_ || searching_) return;
+    if (news == AdapterNews::None || transfer_.active() || searching_) return;
     // What was in flight cannot be answered any more, and who is there now may be another unit.
     loseLink(FirmwareRestore::IfUnitKnown);
     abandonCommand();
     responseReady_ = false;
-    askFirst_ = firmwarePending();
-    showAdapter();
+    askFirst_ = transfer_.firmware();
+    tellAdapter(adapterAway_ ? LinkEvent::AdapterAway : LinkEvent::AdapterBack);
     if (news == AdapterNews::Lost) return;
     restLine();
-    if (!askFirst_) queueInFront("E");
+    if (!askFirst_) ring_.pushInFront("E");
 }
 
 }  // namespace zentaq

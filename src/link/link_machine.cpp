@@ -1,4 +1,4 @@
-// The command ring and the tick machine: one command in flight, every time-out a count of ticks.
+// The tick machine: one command in flight, every time-out a count of ticks.
 // A failing statement of a tick is skipped.
 #include <utility>
 
@@ -23,11 +23,6 @@ unsigned byteAt(const std::vector<std::uint8_t>& bytes, int index) {
     return bytes.at(static_cast<std::size_t>(index));
 }
 
-/// What the pollers ask for all the time; which of them comes first matters to nobody.
-bool isPoll(std::string_view command) {
-    return command == "W" || command == "F" || command == "I" || command == "T";
-}
-
 int lastSummedByte(const CommandRow& row, const SizeConstants& sizes) {
     switch (row.checksum) {
         case ChecksumRule::BeforeEnd:
@@ -40,41 +35,6 @@ int lastSummedByte(const CommandRow& row, const SizeConstants& sizes) {
 }
 
 }  // namespace
-
-void Link::Send_ORB_Command(std::string_view command) {
-    place(queueTail_) = command;
-    ++queuedCommands_;
-    queueTail_ = wrapped(queueTail_ + 1);
-    // kept: the overrun loses the oldest command, and QueuedCommands goes on counting it.
-    if (queueTail_ == queueHead_) queueHead_ = wrapped(queueHead_ + 1);
-}
-
-void Link::queueInFront(std::string command) {
-    // In a full ring the oldest command gives way.
-    const int front = wrapped(queueHead_ - 1);
-    const bool full = front == queueTail_;
-    if (!full) queueHead_ = front;
-    place(queueHead_) = std::move(command);
-    ++queuedCommands_;
-}
-
-void Link::SEND_ONFLY(std::string_view record) {
-    Send_ORB_Command("P2" + std::string(record));
-    // While frames are monitored up to five polls wait, 17 ms each: the unit would take a keystroke some
-    // 80 ms late. The record goes in front of them, and only of them: it stays behind earlier records and
-    // behind whatever else a user has asked for, such as the storing of those.
-    int at = wrapped(queueTail_ - 1);
-    while (at != queueHead_ && isPoll(place(wrapped(at - 1)))) {
-        const int before = wrapped(at - 1);
-        std::swap(place(before), place(at));
-        at = before;
-    }
-}
-
-// A unit that is programmed takes nothing else, so that there it would have to wait all the same.
-void Link::SEND_KILL() {
-    queueInFront("K");
-}
 
 void Link::tick() {
     if (handling_) return;
@@ -114,19 +74,8 @@ bool Link::commCheckSum(std::string_view command) const {
 
 // ---- Idle
 
-bool Link::nothingToSend() const {
-    return queueHead_ == queueTail_ || place(queueHead_).empty();
-}
-
-bool Link::waits(std::string_view command) const {
-    for (int index = queueHead_; index != queueTail_; index = wrapped(index + 1)) {
-        if (place(index) == command) return true;
-    }
-    return false;
-}
-
 bool Link::identifying() const {
-    return currentCommand_ == "E" || currentCommand_ == "B" || waits("E") || waits("B");
+    return currentCommand_ == "E" || currentCommand_ == "B" || ring_.holds("E") || ring_.holds("B");
 }
 
 bool Link::wireTaken() const {
@@ -136,14 +85,12 @@ bool Link::wireTaken() const {
 
 void Link::sendNextCommand() {
     std::string_view key;
-    if (nothingToSend()) {
+    if (ring_.nothingToSend()) {
         if (restTicks_ > 0) lineAtRest();
-        // Nobody waits in an empty ring. What an overrun or a failed write left in the count would silence
-        // the pollers for good.
-        if (queueHead_ == queueTail_) queuedCommands_ = 0;
+        ring_.settle();
     } else if (lineAtRest()) {
-        if (askFirst_ && place(queueHead_) == "P3") queueInFront("E");
-        currentCommand_ = place(queueHead_);
+        if (askFirst_ && ring_.front() == "P3") ring_.pushInFront("E");
+        currentCommand_ = ring_.front();
         key = commandKey(currentCommand_);
         // A key in no row keeps the threshold of the command before.
         if (findCommand(key)) {
@@ -152,14 +99,14 @@ void Link::sendNextCommand() {
         }
         prepareTransfer(key);
         skipFailing([&] { RS232_OUTPUT(currentCommand_); });
-        queueHead_ = wrapped(queueHead_ + 1);
+        ring_.pop();
         responseReady_ = false;
         tickCount_ = 0;
         tailTicks_ = 0;
     }
     const CommandRow* row = findCommand(key);
     onFlyBusy_ = row && row->locksTable;
-    skipFailing([&] { host_.onFlyLock(onFlyBusy_); });
+    skipFailing([&] { tellNumber(LinkEvent::TableLock, onFlyBusy_ ? 1 : 0); });
 }
 
 int Link::replyLengthFor(std::string_view key) {
@@ -170,23 +117,17 @@ void Link::prepareTransfer(std::string_view key) {
     const CommandRow* row = findCommand(key);
     if (row && row->isBulk) {
         paceCount_ = 0;
-        dropQueueBehindHead();
-        transferActive_ = true;
+        ring_.dropBehindFront();
+        transfer_.activate();
     }
-    if (key == "D") transferActive_ = true;
-}
-
-void Link::dropQueueBehindHead() {
-    queueTail_ = wrapped(queueHead_ + 1);
-    // The dropped commands no longer wait; left in the count they would silence the pollers for good.
-    queuedCommands_ = 1;
+    if (key == "D") transfer_.activate();
 }
 
 bool Link::transferLost() const {
     if (!transferPending()) return false;
-    if (currentCommand_.empty() && nothingToSend()) return true;
-    if (openTransfer_.empty() || commandKey(currentCommand_) == openTransfer_) return false;
-    return !waits(openTransfer_);
+    if (currentCommand_.empty() && ring_.nothingToSend()) return true;
+    if (!transfer_.open() || commandKey(currentCommand_) == transfer_.key()) return false;
+    return !ring_.holds(transfer_.key());
 }
 
 void Link::watchStalledTransfer() {
@@ -196,9 +137,15 @@ void Link::watchStalledTransfer() {
     stallCount_ = transferLost() ? stallCount_ + 1 : 0;
     if (stallCount_ <= stallPatienceTicks || !currentCommand_.empty()) return;
     stallCount_ = 0;
-    skipFailing([&] { End_Transfer(false); });
+    skipFailing([&] { End_Transfer(stalledResult()); });
     loseLink(FirmwareRestore::IfUnitKnown);
     abandonCommand();
+}
+
+// What the record says behind which a download stands still.
+TransferResult Link::stalledResult() const {
+    if (transfer_.key() != "D" || !transfer_.active()) return TransferResult::NotAnswered;
+    return repliedWithMarker() ? TransferResult::NotWritten : TransferResult::BadRecord;
 }
 
 // ---- A reply is there
@@ -227,8 +174,8 @@ bool Link::sendLine() {
     if (!Send_Next_Line()) return false;
     // A stray byte in front of the answer would hide a refusal.
     drainPort();
-    skipFailing([&] { RS232_OUTPUT(place(queueHead_)); });
-    queueHead_ = wrapped(queueHead_ + 1);
+    skipFailing([&] { RS232_OUTPUT(ring_.front()); });
+    ring_.pop();
     responseReady_ = false;
     tickCount_ = 0;
     paceCount_ = 0;
@@ -261,7 +208,9 @@ void Link::waitForFrame() {
 void Link::timeOut() {
     const std::string key(commandKey(currentCommand_));
     if (key != "B" && key != "C") {
-        if (key == "P1" || key == "P3" || key == "D") skipFailing([&] { End_Transfer(false); });
+        if (key == "P1" || key == "P3" || key == "D") {
+            skipFailing([&] { End_Transfer(TransferResult::NotAnswered); });
+        }
         loseLink(FirmwareRestore::IfUnitKnown);
     }
     abandonCommand();
@@ -272,9 +221,11 @@ void Link::loseLink(FirmwareRestore restore) {
     // Not so a firmware: a unit without one answers nothing else, so that the poll in front of it always
     // ends like this.
     const bool firmwareStays = firmwareWaits();
-    if (!openTransfer_.empty() && !firmwareStays) skipFailing([&] { End_Transfer(false); });
+    if (transfer_.open() && !firmwareStays) {
+        skipFailing([&] { End_Transfer(TransferResult::NotAnswered); });
+    }
     tellDroppedKill();
-    queueTail_ = queueHead_;
+    ring_.clear();
     tickCount_ = 0;
     retryCount_ = 0;
     if (restore == FirmwareRestore::Always || linked_.LinkedUnitKind != 0) {
@@ -286,41 +237,34 @@ void Link::loseLink(FirmwareRestore restore) {
     linked_.UnitIdentified = false;
     linked_.UnitFound = false;
     // A unit that comes back has its own timing again.
-    show(&LinkStatus::zeroAdvance, false);
+    linked_.zeroAdvance = false;
     toldFirmware_.reset();
-    queuedCommands_ = 0;
     if (firmwareStays) {
-        Send_ORB_Command(openTransfer_);
+        Send_ORB_Command(transfer_.key());
         // Another unit may have come meanwhile. Silence to that very question is the answer of a unit
         // without firmware.
         askFirst_ = currentCommand_ != "E";
     }
-    skipFailing([&] { host_.initializeOnFly(false); });
-    showLostLink();
-    show(&LinkStatus::send, Lamp::Rest);
-    show(&LinkStatus::receive, Lamp::Rest);
+    skipFailing([&] { tell(LinkEvent::LinkLost); });
+    tellLostLink();
 }
 
-// Nobody must believe that the engine was stopped.
 void Link::tellDroppedKill() {
     if (currentCommand_ == "K") {
-        log("Kill Engine was not answered: look at the engine.");
-    } else if (waits("K")) {
-        log("Kill Engine was not sent: the link is lost.");
+        tell(LinkEvent::KillNotAnswered);
+    } else if (ring_.holds("K")) {
+        tell(LinkEvent::KillNotSent);
     }
 }
 
 // Else the panel would go on saying what the last reply had been.
-void Link::showLostLink() {
+void Link::tellLostLink() {
     if (adapterAway_) {
-        showAdapter();
+        tellAdapter(LinkEvent::AdapterAway);
     } else if (!port_.isOpen()) {
-        showNoConnection();
-    } else if (firmwareLost_) {
-        COMM_StatusMessage("Connecting...", "The upgrade broke off: the unit has no firmware.",
-                           "Cycle its power and run Firmware Upgrade again.", "Warning");
+        tell(LinkEvent::NoPort);
     } else {
-        COMM_StatusMessage("Connecting...", "The unit does not answer.", "", "Warning");
+        tell(firmware_.lost() ? LinkEvent::FirmwareMissing : LinkEvent::UnitSilent);
     }
 }
 
@@ -346,7 +290,7 @@ FirmwareNumber Link::formerFirmware() {
 
 void Link::abandonCommand() {
     drainPort();
-    transferActive_ = false;
+    transfer_.deactivate();
     tailTicks_ = 0;
     currentCommand_.clear();
 }

@@ -66,14 +66,13 @@ void Link::replyNothing(const Reply&) {
 void Link::replyClearCodes(const Reply&) {
     currentCommand_.clear();
     if (responseHeader_ != "AX") return;
-    log("ORB CheckEngine Codes Successfully Cleared.");
-    host_.codesCleared();
+    tell(LinkEvent::CodesCleared);
 }
 
 void Link::replyFrame(const Reply& reply) {
     decoder_.Monitor(linkedUnit(), reply);
     currentCommand_.clear();
-    host_.frameDecoded();
+    tell(LinkEvent::FrameDecoded);
 }
 
 void Link::replyGpio(const Reply& reply) {
@@ -86,39 +85,36 @@ void Link::replyWideFrame(const Reply& reply) {
     const bool right = frameSumIsRight(reply, unit.kind().sizes.wCmdLen);
     if (right) decoder_.MonitorW(unit, reply);
     currentCommand_.clear();
-    if (right) host_.frameDecoded();
+    if (right) tell(LinkEvent::FrameDecoded);
 }
 
 void Link::replyCodes(const Reply& reply) {
     linkedUnit().Set_ECData(reply);
     currentCommand_.clear();
-    host_.codesReceived();
+    tell(LinkEvent::CodesReceived);
 }
 
 bool Link::zeroAdvanceAsked() const {
     const auto asksForZero = [](const std::string& command) { return command.back() == '\xFF'; };
-    for (int i = queueTail_; i != queueHead_;) {
-        i = wrapped(i - 1);
-        if (place(i).starts_with('Z')) return asksForZero(place(i));
-    }
-    return currentCommand_.starts_with('Z') ? asksForZero(currentCommand_) : status_.zeroAdvance;
+    if (const std::string* waiting = ring_.last('Z')) return asksForZero(*waiting);
+    return currentCommand_.starts_with('Z') ? asksForZero(currentCommand_) : linked_.zeroAdvance;
 }
 
 void Link::replyZeroAdvance(const Reply&) {
-    if (responseHeader_ != "AR") show(&LinkStatus::zeroAdvance, currentCommand_.back() == '\xFF');
-    log(currentCommand_.back() == '\xFF' ? "ORB: Ignition Timing set to Zero"
-                                         : "ORB: Restored Ignition Timing");
+    const bool zero = currentCommand_.back() == '\xFF';
+    if (responseHeader_ != "AR") linked_.zeroAdvance = zero;
+    tell(zero ? LinkEvent::ZeroAdvanceOn : LinkEvent::ZeroAdvanceOff);
     currentCommand_.clear();
 }
 
 void Link::replySaved(const Reply&) {
     // Whatever the reply holds.
-    log("ORB: ONFLY changes saved");
+    tell(LinkEvent::ChangesSaved);
     currentCommand_.clear();
 }
 
 void Link::replyOnTheFly(const Reply&) {
-    if (responseHeader_ == "AR") log("ONFLY: Change Failed!");
+    if (responseHeader_ == "AR") tell(LinkEvent::ChangeRefused);
     currentCommand_.clear();
 }
 
@@ -126,17 +122,8 @@ void Link::replyLine(const Reply&) {
     const bool verified = responseHeader_ == "PN";
     // "AX" above all leaves everything standing: the tick sends the next line.
     if (!verified && responseHeader_ != "AR") return;
-    const bool firmware = commandKey(currentCommand_) == "P3";
-    End_Transfer(verified);
-    if (verified) {
-        log(firmware ? "ORB: Firmware Upload Successful, Verified!"
-                     : "ORB: Upload Successful, Program Verified!");
-    } else {
-        log(firmware ? "Firmware Upload to ORB Unit FAILED!" : "Data Upload to ORB Unit FAILED!");
-    }
+    End_Transfer(verified ? TransferResult::Verified : TransferResult::Refused);
     currentCommand_.clear();
-    transferLine_ = 0;
-    transferActive_ = false;
 }
 
 // ---- E
@@ -144,7 +131,6 @@ void Link::replyLine(const Reply&) {
 void Link::replyIdentify(const Reply& reply) {
     const std::int32_t former = linked_.SerialNumber;
     const bool known = readSerialNumber(reply);
-    show(&LinkStatus::firmwareUpgradeEnabled, !linked_.OldFirmware);
     // A reply in no known format, or with a number in no range, is no unit: the poller asks again.
     if (!known || !findUnitKind(former)) {
         countUnknownAnswer();
@@ -152,13 +138,13 @@ void Link::replyIdentify(const Reply& reply) {
         return;
     }
     knowsWhoIsThere();
-    if (linked_.LinkedUnitKind != 0) host_.unitKindFound(linked_.LinkedUnitKind);
+    if (linked_.LinkedUnitKind != 0) tellNumber(LinkEvent::KindFound, linked_.LinkedUnitKind);
     fillDashboardDefaults();
     if (!hasMarker(reply)) {
-        acceptUnit("ORB Unit Found but must be upgraded!");
+        acceptUnit(LinkEvent::UnitMustUpgrade);
         linked_.OldFirmware = true;
     } else {
-        acceptUnit("ORB Unit Found and Ready!");
+        acceptUnit(LinkEvent::UnitReady);
         Send_ORB_Command("B");
     }
     currentCommand_.clear();
@@ -177,15 +163,7 @@ bool Link::readSerialNumber(const Reply& reply) {
 }
 
 void Link::warnOldFirmware() {
-    const bool told = linked_.OldFirmware;
-    linked_.OldFirmware = true;
-    if (told) return;
-    host_.show(
-        {.title = "Old ORBA Firmware",
-         .text = "This system contains an old firmware.  It MUST be sent to Norvalia for upgrade before it "
-                 "can be used with Zentaq4.\n"
-                 "The old BIN file must then be opened, converted and programmed to the unit.",
-         .icon = Icon::Critical});
+    if (!std::exchange(linked_.OldFirmware, true)) tell(LinkEvent::OldFirmware);
 }
 
 bool Link::findUnitKind(std::int32_t former) {
@@ -202,19 +180,19 @@ bool Link::findUnitKind(std::int32_t former) {
     const bool otherUnit = linked_.LinkedUnitKind != slot || linked_.OldFirmware || otherNumber;
     if ((linked_.UnitIdentified && otherUnit) || isStranger(slot)) leaveFormerUnit();
     linked_.LinkedUnitKind = slot;
-    if (range != nullptr && !linked_.UnitFound) show(&LinkStatus::unitLabel, range->label);
+    if (range != nullptr && !linked_.UnitFound) tell(LinkEvent::LabelTold, range->label);
     return true;
 }
 
 // Whether a transfer that still waits was meant for another unit than the one that answers now.
 bool Link::isStranger(int slot) const {
-    if (openTransfer_.empty() || transferActive_) return false;
-    if (transferSerial_ != 0 && transferSerial_ != linked_.SerialNumber) return true;
-    if (!firmwarePending()) return false;
+    if (!transfer_.open() || transfer_.active()) return false;
+    if (transfer_.serial() != 0 && transfer_.serial() != linked_.SerialNumber) return true;
+    if (!transfer_.firmware()) return false;
     // A unit of the oldest format takes no firmware from here. Kinds of one prefix take the same files.
     const auto prefix = [&](int of) { return host_.unit(of).kind().firmwarePrefix; };
-    const bool known = slot != 0 && firmwareSlot_ != 0;
-    return linked_.OldFirmware || (known && prefix(firmwareSlot_) != prefix(slot));
+    const bool known = slot != 0 && firmware_.slot() != 0;
+    return linked_.OldFirmware || (known && prefix(firmware_.slot()) != prefix(slot));
 }
 
 void Link::knowsWhoIsThere() {
@@ -226,7 +204,7 @@ void Link::knowsWhoIsThere() {
 void Link::countUnknownAnswer() {
     constexpr int mostUnknownAnswers = 3;
     if (!askFirst_ || ++unknownAnswers_ < mostUnknownAnswers) return;
-    log("Who answers does not say what it is.");
+    tell(LinkEvent::UnknownAnswers);
     leaveFormerUnit();
 }
 
@@ -235,15 +213,10 @@ void Link::countUnknownAnswer() {
 // one.
 void Link::leaveFormerUnit() {
     if (transferPending()) {
-        skipFailing([&] {
-            host_.show({.title = "Another Unit",
-                        .text = "Another unit answers than the one that was to be programmed or read.\n"
-                                "The transfer has ended. Nothing more is sent to this unit.",
-                        .icon = Icon::Exclamation});
-        });
-        skipFailing([&] { End_Transfer(false); });
+        skipFailing([&] { tell(LinkEvent::OtherUnit); });
+        skipFailing([&] { End_Transfer(TransferResult::OtherUnit); });
     }
-    transferActive_ = false;
+    transfer_.deactivate();
     loseLink(FirmwareRestore::IfUnitKnown);
 }
 
@@ -253,14 +226,11 @@ void Link::fillDashboardDefaults() {
     if (!inHand && linkedUnit().BinFile().empty()) storeDashboardDefaults(linkedUnit());
 }
 
-void Link::acceptUnit(std::string_view text) {
-    hideNoConnectPanel();
+void Link::acceptUnit(LinkEvent how) {
     discardInput();
-    COMM_StatusMessage("CONNECTED!", text, "", "Connected");
     const std::string serial = formatNumber(linked_.SerialNumber, "000000");
-    show(&LinkStatus::serialNumber, serial);
+    tell(how, serial);
     linkedUnit().Serial(serial);
-    show(&LinkStatus::panel3, "");
     linked_.UnitFound = true;
 }
 
@@ -277,12 +247,11 @@ void Link::replyFirmware(const Reply& reply) {
     storeFirmware(reply);
     warnUnitMismatch();
     warnNewFirmware();
-    if (linked_.LinkedUnitKind == orbaKindNumber) showSubType(unitSubType(reply));
-    show(&LinkStatus::panel3, linkedUnit().FirmWare());
-    log("ORB :: BinFile : " + linked_.UnitBinName);
+    if (linked_.LinkedUnitKind == orbaKindNumber) tellSubType(unitSubType(reply));
+    tell(LinkEvent::UnitIdentified, linkedUnit().FirmWare(), linked_.UnitBinName);
     linked_.UnitIdentified = true;
     linkedUnit().gpioListRead(true);
-    if (linked_.LinkedUnitKind == host_.currentUnit()) host_.initializeOnFly(true);
+    if (linked_.LinkedUnitKind == host_.currentUnit()) tell(LinkEvent::UnitAgrees);
     askForConfiguration();
     currentCommand_.clear();
 }
@@ -290,15 +259,14 @@ void Link::replyFirmware(const Reply& reply) {
 void Link::storeFirmware(const Reply& reply) {
     const std::string raw = firmwareBytes(reply);
     const std::string shown = shownText(raw);
-    log("ORB :: Firmware: " + shown);
-    show(&LinkStatus::firmware, shown);
+    tell(LinkEvent::FirmwareTold, shown);
     Unit& unit = linkedUnit();
     unit.FirmWare(shown);
     const FirmwareNumber firmware = firmwareNumber(raw);
     if (!linked_.FirmwareTold) firmwareBefore_ = {unit.FW_Release(), unit.FW_Build()};
     // Before the release is stored: storing it brings a calibration in hand to this firmware.
     linked_.FirmwareTold = true;
-    firmwareMended();  // whatever an earlier run did: this unit has one
+    firmware_.mended();  // whatever an earlier run did: this unit has one
     unit.FW_Build(firmware.build);
     unit.FW_Release(firmware.release);
 }
@@ -307,32 +275,23 @@ void Link::warnUnitMismatch() {
     const int current = host_.currentUnit();
     if (current == 0 || current == linked_.LinkedUnitKind) return;
     if (linked_.UnitIdentified) return;  // told once per connect
-    host_.show({.title = "Unit Type Mismatch",
-                .text = "The currently open file is for a different system than the one just connected.\n"
-                        "\n"
-                        "You may still edit the calibration file, but no changes may be made to the unit.",
-                .icon = Icon::Exclamation});
+    tell(LinkEvent::UnitMismatch);
 }
 
 void Link::warnNewFirmware() {
-    const int kind = linked_.LinkedUnitKind;
     const Unit& unit = linkedUnit();
-    const std::pair known(host_.expectedRelease(kind), host_.expectedBuild(kind));
-    const std::pair firmware(unit.FW_Release(), unit.FW_Build());
-    if (firmware <= known) return;
+    const FirmwareNumber firmware{unit.FW_Release(), unit.FW_Build()};
+    if (firmware <= host_.expectedFirmware(linked_.LinkedUnitKind)) return;
     // Told once: a unit whose answer was lost on the way is asked several times.
-    const std::array told{static_cast<int>(linked_.SerialNumber), firmware.first, firmware.second};
+    const std::array told{static_cast<int>(linked_.SerialNumber), firmware.release, firmware.build};
     if (toldFirmware_ == told) return;
     toldFirmware_ = told;
-    host_.show({.title = {},
-                .text = "This version of firmware is not fully supported by this version of Zentaq.\n"
-                        "You will still be able to make changes to the unit, but not all features will be "
-                        "available."});
+    tell(LinkEvent::NewFirmware);
 }
 
-void Link::showSubType(int subType) {
+void Link::tellSubType(int subType) {
     const std::string_view label = subTypeLabel(subType);
-    if (!label.empty()) show(&LinkStatus::unitLabel, label);
+    if (!label.empty()) tell(LinkEvent::LabelTold, label);
     linked_.UnitSubType = subType + 1;
 }
 
@@ -359,7 +318,7 @@ void Link::replyConfiguration(const Reply& reply) {
 
 void Link::replyDatalogRecord(const Reply& reply) {
     if (isEndOfLog(reply)) return endDownload();
-    ++transferLines_;
+    transfer_.recordCame();
     if (!hasMarker(reply)) {
         // No message: the download stalls and ends by its time-out.
         currentCommand_.clear();
@@ -367,19 +326,22 @@ void Link::replyDatalogRecord(const Reply& reply) {
     }
     Unit& unit = linkedUnit();
     decoder_.Internal_Data_Conv(unit, reply);
-    DataRecord(transferStream_, unit, live_, true, transferLines_);
-    if (!transferStream_) throw FileError("The datalog cannot be written.");
-    stepProgress(transferLines_, unit.kind().sizes.datalogMax);
+    DataRecord(transfer_.file(), unit, live_, true, transfer_.lines());
+    if (!transfer_.file()) throw FileError("The datalog cannot be written.");
+    host_.transferStep(transfer_.lines(), unit.kind().sizes.datalogMax);
     Send_ORB_Command("D");
     currentCommand_.clear();
 }
 
 void Link::endDownload() {
-    // A first record that is at once the end: the unit had nothing to give.
-    const bool complete = transferLines_ >= 2 && transferStream_.flush().good();
-    End_Transfer(complete);
-    if (complete) log("ORB: Datalog download complete!");
-    transferActive_ = false;
+    constexpr int leastRecords = 2;
+    if (transfer_.lines() < leastRecords) {
+        // A first record that is at once the end: the unit had nothing to give.
+        End_Transfer(TransferResult::Refused);
+    } else {
+        const bool written = transfer_.file().flush().good();
+        End_Transfer(written ? TransferResult::Verified : TransferResult::NotWritten);
+    }
     currentCommand_.clear();
 }
 

@@ -1,4 +1,4 @@
-// What the link shows: plain data that a window renders and a test reads. It is written by the link only.
+// What is shown of the link: plain data that a window renders and a test reads. `LinkDisplay` writes it.
 #pragma once
 
 #include <cstdint>
@@ -15,21 +15,19 @@ enum class Lamp { Rest, Sending, Received };
 struct LinkStatus {
     bool connected = false;  ///< `Connected`: the port is open; says nothing about a unit
     LinkImage image = LinkImage::None;
-    std::string title;          ///< lblCommTitle
-    std::string line1;          ///< lblCommStatus1
-    std::string line2;          ///< lblCommStatus2
-    std::string trouble;        ///< why the port could not be opened, in the system's words; else ""
-    std::string activity;       ///< "{Polling}", "{Monitoring}", ...
-    Lamp send = Lamp::Rest;     ///< lblComm_Send_Icon
-    Lamp receive = Lamp::Rest;  ///< lblComm_Rcv_Icon
-    std::string port;           ///< lblCOMM: the number of the port in use
-    std::string portIdentity;   ///< of the device behind it; "" before one was open
-    std::string serialNumber;   ///< lblSerialNumber, "000000" form
-    std::string firmware;       ///< lblFirmware
-    std::string unitLabel;      ///< lblOrbUnit(0): "A", "L", "A Std", ...
-    std::string panel3;         ///< status bar panel 3
-    bool firmwareUpgradeEnabled = true;
-    bool zeroAdvance = false;     ///< mnuZeroAdv: the unit was told to hold the timing at zero, and took it
+    std::string title;            ///< lblCommTitle
+    std::string line1;            ///< lblCommStatus1
+    std::string line2;            ///< lblCommStatus2
+    std::string trouble;          ///< why the port could not be opened, in the system's words; else ""
+    std::string activity;         ///< "{Polling}", "{Monitoring}", ...
+    Lamp send = Lamp::Rest;       ///< lblComm_Send_Icon
+    Lamp receive = Lamp::Rest;    ///< lblComm_Rcv_Icon
+    std::string port;             ///< lblCOMM: the number of the port in use
+    std::string portIdentity;     ///< of the device behind it; "" before one was open
+    std::string serialNumber;     ///< lblSerialNumber, "000000" form
+    std::string firmware;         ///< lblFirmware
+    std::string unitLabel;        ///< lblOrbUnit(0): "A", "L", "A Std", ...
+    std::string panel3;           ///< status bar panel 3
     bool noConnectPanel = false;  ///< fraNoConnect in view
     std::string noConnectText;    ///< "Connecting...", "Updating", "AutoVE ON"
     bool progressVisible = false;

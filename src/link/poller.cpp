@@ -26,27 +26,31 @@ int pollIntervalMs(const SettingsStore& settings) {
     return static_cast<int>(std::clamp(truncate(1 / *rate * 1000), 1.0, longestIntervalMs));
 }
 
-Poller::Poller(Link& link, std::function<void()> refreshCodes, std::function<void()> updateDisplay)
-    : link_(link), refreshCodes_(std::move(refreshCodes)), updateDisplay_(std::move(updateDisplay)) {}
+Poller::Poller(Link& link, LinkDisplay& display, std::function<void()> refreshCodes,
+               std::function<void()> updateDisplay)
+    : link_(link),
+      display_(display),
+      refreshCodes_(std::move(refreshCodes)),
+      updateDisplay_(std::move(updateDisplay)) {}
 
 void Poller::fire(const PollerView& view) {
     // While a box of a reply handler is in view the link stands still; queueing would only fill the ring.
     searching_ = false;
-    if (link_.TransferActive() || link_.handling()) return;
+    if (link_.transfer().active() || link_.handling()) return;
     if (view.tab2Showing) {
-        link_.hideNoConnectPanel();
+        display_.hideNoConnectPanel();
     } else if (link_.linked().OldFirmware || !link_.linked().UnitIdentified) {
         searchUnit();
     } else if (link_.OnFlyBusy()) {
-        link_.showNoConnectPanel("Updating");
+        display_.showNoConnectPanel("Updating");
     } else {
         pollUnit();
     }
-    if (view.autoVeOn) link_.showNoConnectPanel("AutoVE ON");
+    if (view.autoVeOn) display_.showNoConnectPanel("AutoVE ON");
 }
 
 void Poller::searchUnit() {
-    link_.showNoConnectPanel("Connecting...");
+    display_.showNoConnectPanel("Connecting...");
     if (link_.AutoPollSuspended()) return;
     searching_ = true;
     if (++connectCount_ < firingsBetweenSearches) return;
@@ -58,7 +62,7 @@ void Poller::searchUnit() {
 
 void Poller::tick() {
     const LinkedUnit& unit = link_.linked();
-    const bool idle = link_.CurrentCommand().empty() && link_.QueueHead() == link_.QueueTail();
+    const bool idle = link_.CurrentCommand().empty() && link_.ring().empty();
     if (!searching_ || !idle || unit.UnitIdentified || unit.OldFirmware || link_.handling()) {
         idleTicks_ = 0;
         return;
@@ -70,7 +74,7 @@ void Poller::tick() {
 
 void Poller::pollUnit() {
     if (!link_.AutoPollSuspended()) queuePolls(link_.linkedUnit().GPIO_Req());
-    link_.hideNoConnectPanel();
+    display_.hideNoConnectPanel();
     if (updateDisplay_) updateDisplay_();
 }
 
@@ -111,7 +115,7 @@ void Poller::queueCodes() {
 }
 
 bool Poller::roomInQueue() const {
-    return link_.QueuedCommands() < queueLimit;
+    return link_.ring().count() < queueLimit;
 }
 
 }  // namespace zentaq

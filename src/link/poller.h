@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "link/link.h"
+#include "link/link_display.h"
 #include "platform/settings_store.h"
 
 namespace zentaq {
@@ -24,7 +25,8 @@ int pollIntervalMs(const SettingsStore& settings);
 class Poller {
  public:
     /// `refreshCodes` empties the code list and queues "T"; `updateDisplay` redraws the dashboard.
-    Poller(Link& link, std::function<void()> refreshCodes, std::function<void()> updateDisplay);
+    Poller(Link& link, LinkDisplay& display, std::function<void()> refreshCodes,
+           std::function<void()> updateDisplay);
 
     /// One firing of tmrUpdate.
     void fire(const PollerView& view);
@@ -46,6 +48,7 @@ class Poller {
     bool roomInQueue() const;
 
     Link& link_;
+    LinkDisplay& display_;
     std::function<void()> refreshCodes_;
     std::function<void()> updateDisplay_;
     int connectCount_ = 0;

@@ -247,7 +247,7 @@ void FrmConfig::follow() {
         lstLog_->sync();
         lstCommInfo_->sync();
     }
-    const LinkStatus& status = session_.link.status();
+    const LinkStatus& status = session_.linkDisplay.status();
     if (std::exchange(linkSeen_, status.changes) != status.changes) fraComm_->render(status);
 }
 
@@ -282,7 +282,7 @@ void FrmConfig::choosePort(int number) {
 }
 
 void FrmConfig::refreshPorts() {
-    const LinkStatus& status = session_.link.status();
+    const LinkStatus& status = session_.linkDisplay.status();
     const bool opened = !status.port.empty();
     fraComm_->ports().fill(opened ? static_cast<int>(numberOf(status.port)) : session_.link.commPort(),
                            opened ? status.portIdentity : session_.link.commIdentity());

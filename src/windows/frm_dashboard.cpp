@@ -107,7 +107,7 @@ void FrmDashBoard::poll() {
 }
 
 void FrmDashBoard::showLinkState() {
-    const LinkStatus& status = session_.link.status();
+    const LinkStatus& status = session_.linkDisplay.status();
     panel_->showNoConnect(status.noConnectPanel, shownString(status.noConnectText));
 }
 

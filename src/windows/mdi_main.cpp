@@ -284,7 +284,7 @@ bool MdiMain::enabled(const Entry& entry) const {
 void MdiMain::refresh() {
     for (const Entry& entry : entries_) {
         entry.action->setEnabled(enabled(entry));
-        if (entry.data->name == "mnuZeroAdv") entry.action->setChecked(session_.link.status().zeroAdvance);
+        if (entry.data->name == "mnuZeroAdv") entry.action->setChecked(session_.link.linked().zeroAdvance);
     }
     for (const auto& [button, action] : buttons_) {
         for (const Entry& entry : entries_) {
@@ -297,15 +297,15 @@ void MdiMain::refresh() {
         .setText(session_.currentUnit() == 0 ? tr("No calibration") : shownString(model + "  " + file));
     panel(Panel::Modified).setText(session_.DataModified ? tr("Modified") : QString());
     // A cleared panel stays empty until the link has something new to tell.
-    if (session_.link.status().panel3 != firmwareSeen_) {
-        firmwareSeen_ = session_.link.status().panel3;
+    if (session_.linkDisplay.status().panel3 != firmwareSeen_) {
+        firmwareSeen_ = session_.linkDisplay.status().panel3;
         panel(Panel::Firmware).setText(shownString(firmwareSeen_));
     }
 }
 
 void MdiMain::follow() {
     const std::uint64_t console = session_.console.changes();
-    const std::uint64_t link = session_.link.status().changes;
+    const std::uint64_t link = session_.linkDisplay.status().changes;
     const bool moved = console != consoleSeen_ || link != linkSeen_;
     if (!moved && ++idleFirings_ < idleFiringsPerRefresh) return;
     idleFirings_ = 0;

@@ -138,7 +138,7 @@ TEST_F(FirmwareUpgrade, AFileOfTheLinkedUnitGoesOutWithPollingSuspendedAndFormsR
     const std::string path = firmware("ZQA-505100.nv3");
     choose(path);
     EXPECT_THAT(titles(), ElementsAre("FIRMWARE UPGRADE WARNING"));
-    EXPECT_TRUE(session.link.firmwarePending());
+    EXPECT_TRUE(session.link.transfer().firmware());
     EXPECT_TRUE(session.link.AutoPollSuspended());
     EXPECT_THAT(fake.windows.calls, Contains("removeForms"));
     EXPECT_TRUE(logged("Attempting Firmware Upgrade, Sending File... "));
@@ -166,7 +166,7 @@ TEST_F(FirmwareUpgrade, TheLinkedUnitDecidesThoughAnotherCalibrationIsInHand) {
     choose(firmware("ZQL-705100.nv3"));
     EXPECT_EQ(titles().back(), "Invalid Firmware");
     choose(firmware("ZQA-505100.nv3"));
-    EXPECT_TRUE(session.link.firmwarePending());
+    EXPECT_TRUE(session.link.transfer().firmware());
 }
 
 TEST_F(FirmwareUpgrade, WithoutAUnitTheCalibrationDecidesAndWithoutOneAnyNameIsTaken) {
@@ -176,13 +176,13 @@ TEST_F(FirmwareUpgrade, WithoutAUnitTheCalibrationDecidesAndWithoutOneAnyNameIsT
     session.CurrentUnit(0);
     choose(firmware("mended.nv3"));
     EXPECT_THAT(titles(), ElementsAre("FIRMWARE UPGRADE WARNING"));
-    EXPECT_TRUE(session.link.firmwarePending());
+    EXPECT_TRUE(session.link.transfer().firmware());
 }
 
 TEST_F(FirmwareUpgrade, AUnitThatLostItsFirmwareIsRememberedWhateverCalibrationIsInHand) {
     runUpgrade();
     answer("AR");
-    ASSERT_TRUE(session.link.firmwareLost());
+    ASSERT_TRUE(session.link.firmware().lost());
     session.link.Send_ORB_Command("T");
     for (int i = 0; i < 1100; ++i) session.link.tick();  // nobody answers any more
     ASSERT_EQ(session.link.linked().LinkedUnitKind, 0);
@@ -192,7 +192,7 @@ TEST_F(FirmwareUpgrade, AUnitThatLostItsFirmwareIsRememberedWhateverCalibrationI
         EXPECT_EQ(titles().back(), "Invalid Firmware") << inHand;
     }
     choose(firmware("ZQA-505100.nv3"));
-    EXPECT_TRUE(session.link.firmwarePending());
+    EXPECT_TRUE(session.link.transfer().firmware());
 }
 
 TEST_F(FirmwareUpgrade, WhatWasCheckedIsSentThoughTheFileChangesOnTheWay) {
@@ -307,7 +307,7 @@ TEST_F(FirmwareUpgradeMeanwhile, AnotherUnitOfTheKindThatAnswersBehindASilenceGe
     linkOrbA();
     during("", [&] { loseUnit(); });
     choose(firmware("ZQA-505100.nv3"));
-    ASSERT_TRUE(session.link.firmwarePending());
+    ASSERT_TRUE(session.link.transfer().firmware());
     fake.port.written.clear();
     linkOtherOrbA();
     for (int i = 0; i < 1100; ++i) session.link.tick();
@@ -320,7 +320,7 @@ TEST_F(FirmwareUpgradeMeanwhile, AUnitThatFallsSilentIsAskedBeforeItIsProgrammed
     session.CurrentUnit(4);  // the calibration in hand is no reason to take another file
     during("", [&] { loseUnit(); });
     choose(firmware("ZQA-505100.nv3"));
-    ASSERT_TRUE(session.link.firmwarePending());
+    ASSERT_TRUE(session.link.transfer().firmware());
     fake.port.written.clear();
     linkOrbL();
     for (int i = 0; i < 1100; ++i) session.link.tick();
@@ -368,10 +368,10 @@ TEST_F(FirmwareUpgrade, TheEntryIsEnabledWithoutAUnitAndNotDuringATransfer) {
     EXPECT_TRUE(enabled("mnuFirmwareUpgrade"));
     choose(firmware("any.nv3"));
     ASSERT_TRUE(session.link.transferPending());
-    ASSERT_FALSE(session.link.TransferActive());
+    ASSERT_FALSE(session.link.transfer().active());
     EXPECT_FALSE(enabled("mnuFirmwareUpgrade")) << "queued counts too";
     tickUntil("P3", 1100);
-    ASSERT_TRUE(session.link.TransferActive());
+    ASSERT_TRUE(session.link.transfer().active());
     EXPECT_FALSE(enabled("mnuFirmwareUpgrade"));
 }
 
@@ -390,7 +390,7 @@ TEST_F(FirmwareUpgrade, CommandsThatWouldDisturbAreRefusedWithABox) {
     runUpgrade();
     session.CurrentFile = "tune.ZQ4OA";
     const auto written = fake.port.written;
-    const int queued = session.link.QueuedCommands();
+    const int queued = session.link.ring().count();
     const int opens = fake.port.opens;
     const std::vector<std::function<void()>> disturbing = {
         [&] { commands.newCalibration(); },  [&] { commands.open(); },
@@ -409,7 +409,7 @@ TEST_F(FirmwareUpgrade, CommandsThatWouldDisturbAreRefusedWithABox) {
     }
     EXPECT_THAT(fake.windows.calls, IsEmpty());
     EXPECT_EQ(session.CurrentFile, "tune.ZQ4OA");
-    EXPECT_EQ(session.link.QueuedCommands(), queued);
+    EXPECT_EQ(session.link.ring().count(), queued);
     EXPECT_EQ(session.link.commPort(), 1);
     EXPECT_EQ(fake.port.opens, opens);
     EXPECT_FALSE(session.link.zeroAdvanceAsked());
@@ -420,7 +420,7 @@ TEST_F(FirmwareUpgrade, CommandsThatWouldDisturbAreRefusedWithABox) {
 
 TEST_F(FirmwareUpgrade, ARunThatStillWaitsInTheQueueKeepsThePortSearchAwayToo) {
     choose(firmware("any.nv3"));
-    ASSERT_FALSE(session.link.TransferActive());
+    ASSERT_FALSE(session.link.transfer().active());
     const int opens = fake.port.opens;
     EXPECT_EQ(commands.autodetectPort(), 0);
     EXPECT_EQ(fake.port.opens, opens);
@@ -438,7 +438,7 @@ TEST_F(FirmwareUpgrade, ATransferThatBeganWhileTheFileWasChosenIsNotDisturbed) {
     EXPECT_EQ(fake.dialogs.boxes.back().text, "A transfer is running.  Please wait until it has ended.");
     EXPECT_TRUE(session.link.AutoPollSuspended());
     EXPECT_TRUE(session.link.transferPending());
-    EXPECT_FALSE(session.link.firmwarePending());
+    EXPECT_FALSE(session.link.transfer().firmware());
 }
 
 TEST_F(FirmwareUpgrade, ClosingTheWindowAsksAndTheChoiceAtHandIsToStay) {
@@ -453,7 +453,7 @@ TEST_F(FirmwareUpgrade, ClosingTheWindowAsksAndTheChoiceAtHandIsToStay) {
     EXPECT_TRUE(box.declines);
     EXPECT_THAT(fake.windows.calls, Not(Contains("closeMain")));
     EXPECT_TRUE(fake.port.isOpen());
-    EXPECT_TRUE(session.link.firmwarePending());
+    EXPECT_TRUE(session.link.transfer().firmware());
 }
 
 TEST_F(FirmwareUpgrade, TheBoxesAboutATransferStandNoLongerThanIt) {
@@ -488,8 +488,8 @@ TEST_F(FirmwareUpgrade, AnotherTransferThanTheOneThatWasAskedAboutIsAskedAbout) 
     std::vector<bool> firmware;
     fake.dialogs.meanwhile = [&](const std::string& title) {
         if (title != "Transfer Running" || !firmware.empty()) return;
-        firmware.push_back(session.link.firmwarePending());
-        session.link.End_Transfer(false);
+        firmware.push_back(session.link.transfer().firmware());
+        while (session.link.transferPending()) session.link.tick();  // nobody answers
         session.link.programFirmware("ZQA-505100.nv3", wholeFirmware, 3, 200001);
     };
     fake.dialogs.answers = {Answer::Yes, Answer::No};
@@ -502,7 +502,7 @@ TEST_F(FirmwareUpgrade, AnotherTransferThanTheOneThatWasAskedAboutIsAskedAbout) 
     ASSERT_EQ(questions.size(), 2u);
     EXPECT_THAT(questions[1], HasSubstr("A firmware upgrade is running."));
     EXPECT_THAT(fake.windows.calls, Not(Contains("closeMain")));
-    EXPECT_TRUE(session.link.firmwarePending());
+    EXPECT_TRUE(session.link.transfer().firmware());
 }
 
 TEST_F(FirmwareUpgrade, ExitAsksOnceMoreAndNoStays) {

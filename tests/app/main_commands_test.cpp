@@ -333,7 +333,7 @@ TEST_F(Commands, ProgramOrbRefusesWithoutAFileAndWithoutAUnit) {
               "Error 1005:\nNo ORB Unit is Connected to the System!\n"
               "Please check to make sure your ORB unit is powered on and connected to the system.");
     EXPECT_TRUE(logged("Error 1005: Attempted Communication, No ORB Unit Found."));
-    EXPECT_FALSE(session.link.TransferActive());
+    EXPECT_FALSE(session.link.transfer().active());
 }
 
 TEST_F(Commands, ATableWithoutACalibrationIsError1003) {
@@ -409,8 +409,8 @@ TEST_F(Commands, ZeroAdvanceTwiceInARowAsksForBothThoughNothingWasAnsweredYet) {
     commands.zeroAdvance();
     commands.zeroAdvance();
     EXPECT_FALSE(session.link.zeroAdvanceAsked());
-    EXPECT_FALSE(session.link.status().zeroAdvance);
-    EXPECT_EQ(session.link.QueuedCommands(), 2);
+    EXPECT_FALSE(session.link.linked().zeroAdvance);
+    EXPECT_EQ(session.link.ring().count(), 2);
 }
 
 TEST_F(Commands, ZeroAdvanceSendsTheByteOfItsCheckMark) {
@@ -435,7 +435,7 @@ TEST_F(Commands, AUnitThatRunsWithZeroAdvanceIsNotLeftUnasked) {
         session.link.tick();
     };
     set();
-    ASSERT_TRUE(session.link.status().zeroAdvance);
+    ASSERT_TRUE(session.link.linked().zeroAdvance);
     const std::vector<std::function<void()>> leaving = {
         [&] { kernel.closeRequested(); },
         [&] { EXPECT_FALSE(kernel.System_Shutdown(false)); },
@@ -454,7 +454,7 @@ TEST_F(Commands, AUnitThatRunsWithZeroAdvanceIsNotLeftUnasked) {
         EXPECT_TRUE(box.stands()) << i;
     }
     EXPECT_THAT(fake.windows.calls, Not(Contains("closeMain")));
-    EXPECT_TRUE(session.link.status().zeroAdvance);
+    EXPECT_TRUE(session.link.linked().zeroAdvance);
     EXPECT_EQ(session.link.commPort(), 1);
 
     set();  // off again
@@ -481,7 +481,7 @@ class ZeroAdvanceThatEnds : public Commands {
     ZeroAdvanceThatEnds() {
         session.link.load();
         set();
-        EXPECT_TRUE(session.link.status().zeroAdvance);
+        EXPECT_TRUE(session.link.linked().zeroAdvance);
         fake.dialogs.meanwhile = [this](const std::string& title) {
             if (title != "Zero Advance") return;
             const Box box = fake.dialogs.boxes.back();
@@ -578,7 +578,7 @@ TEST_F(Commands, AChosenPortIsStoredWithItsDeviceAndOpenedAnewAsThat) {
     commands.loadCommand(2);  // opens it anew
     EXPECT_TRUE(fake.port.isOpen());
     EXPECT_EQ(session.link.commPort(), 5);
-    EXPECT_EQ(session.link.status().port, "5");
+    EXPECT_EQ(session.linkDisplay.status().port, "5");
 }
 
 TEST_F(Commands, ABoxTellsHowManyCellsAFileHasLostByACut) {

@@ -722,7 +722,7 @@ TEST_F(OptionsTest, ASearchThatFindsAUnitShowsAndStoresItsPort) {
     EXPECT_EQ(options.value("txtPollRate"), "5");
     EXPECT_EQ(read("CommPort"), "3");
     EXPECT_EQ(read("CommPortIdentity"), searching.link.commIdentity());
-    EXPECT_EQ(searching.link.status().port, "3");
+    EXPECT_EQ(searching.linkDisplay.status().port, "3");
     EXPECT_THAT(dialogs.boxes, IsEmpty());
 }
 

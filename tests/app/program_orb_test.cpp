@@ -269,7 +269,7 @@ TEST_F(ProgramOrb, ATransferThatBeginsWhileABoxStandsIsNotDisturbed) {
     EXPECT_EQ(fake.dialogs.boxes.back().text, "A transfer is running.  Please wait until it has ended.");
     EXPECT_TRUE(session.link.AutoPollSuspended());
     EXPECT_TRUE(session.link.transferPending());
-    EXPECT_FALSE(session.link.programming());
+    EXPECT_FALSE(session.link.transfer().programming());
     EXPECT_THAT(fake.windows.calls, Not(Contains("removeForms")));
 }
 
@@ -401,7 +401,7 @@ TEST_F(ProgramOrb, KillEngineGoesOutInADownloadWhichGoesOnBehindIt) {
     link(firstOrbA);
     session.link.Program_Unit(TransferMode::Datalog, fake.folder.path("log.dat"));
     ticks(1);
-    ASSERT_TRUE(session.link.TransferActive());
+    ASSERT_TRUE(session.link.transfer().active());
     commands.killEngine();
     EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
     fake.port.written.clear();

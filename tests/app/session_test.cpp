@@ -57,8 +57,8 @@ class SessionTest : public ::testing::Test {
         for (int cell = 283; cell < 293; ++cell) unit.AssignDirectIndex(14.64F, cell);
         for (int cell = 1424; cell < 1680; ++cell) unit.AssignDirectIndex(14.7F, cell);
         commands.programOrb();
-        for (int tick = 0; tick < 5000 && !session.link.TransferActive(); ++tick) session.link.tick();
-        return session.link.TransferActive();
+        for (int tick = 0; tick < 5000 && !session.link.transfer().active(); ++tick) session.link.tick();
+        return session.link.transfer().active();
     }
     bool logged(const std::string& text) const {
         for (const std::string& line : session.console.lines()) {
@@ -200,7 +200,7 @@ TEST_F(SessionTest, AUnitOfAnotherKindIsNotProgrammed) {
               "Error 1006:\nIncorrect ORB Unit is Connected to the System!\n"
               "Please connect a unit of the proper type or open an apprpriate file.");
     EXPECT_TRUE(logged("Error 1006: Attempted Communication, Incorrect ORB Unit Found."));
-    EXPECT_FALSE(session.link.TransferActive());
+    EXPECT_FALSE(session.link.transfer().active());
 }
 
 TEST_F(SessionTest, AnOlderFirmwareIsWarnedOfAndProgrammedAllTheSame) {
@@ -231,8 +231,8 @@ TEST_F(SessionTest, AUnitThatFallsSilentFailsTheRunInTheUsersWords) {
     openForProgramming();
     fake.dialogs.boxes.clear();
     ASSERT_TRUE(programs());
-    for (int tick = 0; tick < 20'000 && session.link.TransferActive(); ++tick) session.link.tick();
-    ASSERT_FALSE(session.link.TransferActive());
+    for (int tick = 0; tick < 20'000 && session.link.transfer().active(); ++tick) session.link.tick();
+    ASSERT_FALSE(session.link.transfer().active());
     ASSERT_FALSE(fake.dialogs.boxes.empty());
     const Box& box = fake.dialogs.boxes.back();
     EXPECT_EQ(box.title, "Failed");
@@ -257,11 +257,19 @@ TEST_F(SessionTest, WhatTheLinkReportsIsToldInTheUsersWords) {
         {1007,
          "The unit either has no datalog data is currently datalogging\n"
          "Make sure you datalog switch is OFF and try again."}};
-    LinkHost& host = session;
+    LinkTeller& host = session;
     for (const auto& [code, text] : rows) {
         host.displayMessage(code);
         EXPECT_EQ(fake.dialogs.boxes.back().text, text);
     }
+}
+
+TEST_F(SessionTest, APortNumberBelowOneIsOneFromThenOn) {
+    fake.settings.set("System", "CommPort", "0");
+    session.link.commPort(0);
+    session.link.ORB_Initialize();
+    EXPECT_EQ(session.link.commPort(), 1);
+    EXPECT_EQ(fake.settings.get("System", "CommPort"), "1");
 }
 
 TEST_F(SessionTest, ABusyPortDoesNotFillTheLog) {

@@ -126,7 +126,7 @@ TEST_F(StartUp, AStoredDeviceIsOpenedUnderWhateverNumberItHasNow) {
     kernel.load();
     EXPECT_TRUE(fake.port.isOpen());
     EXPECT_EQ(session.link.commPort(), 2);
-    EXPECT_EQ(session.link.status().port, "2");
+    EXPECT_EQ(session.linkDisplay.status().port, "2");
     EXPECT_EQ(fake.settings.get("System", "CommPort"), "2");
     EXPECT_TRUE(consoleHas("COMM: Listening on Port #2"));
 }
@@ -503,10 +503,10 @@ TEST_F(StartUp, MakesTheUnitObjectsAndTheTablesOfExpectedFirmware) {
     EXPECT_TRUE(session.hasUnit(3));
     EXPECT_EQ(session.Units(0).kind().className, "clsNull");
     EXPECT_EQ(session.Units(1).kind().className, "clsNull");
-    EXPECT_EQ(session.expectedRelease(3), 5);
-    EXPECT_EQ(session.expectedRelease(4), 7);
-    EXPECT_EQ(session.expectedRelease(6), 3);
-    EXPECT_EQ(session.expectedBuild(8), 99);
+    EXPECT_EQ(session.expectedFirmware(3).release, 5);
+    EXPECT_EQ(session.expectedFirmware(4).release, 7);
+    EXPECT_EQ(session.expectedFirmware(6).release, 3);
+    EXPECT_EQ(session.expectedFirmware(8).build, 99);
     EXPECT_EQ(session.currentUnit(), 0);
 }
 

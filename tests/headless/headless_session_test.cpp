@@ -66,7 +66,7 @@ class Headless : public testing::Test {
             return atOnce(line.starts_with("S9") ? end : "AX");
         });
     }
-    TransferEnd program() { return session.transfer(TransferMode::Calibration); }
+    TransferReport program() { return session.transfer(TransferMode::Calibration); }
 
     TemporaryFolder folder;
     ManualClock clock;
@@ -202,7 +202,7 @@ TEST_F(Headless, AProgramThatTheUnitVerifiesIsDone) {
     identify();
     port.once("P1", "AX");
     answerLines(0, {});
-    const TransferEnd end = program();
+    const TransferReport end = program();
     EXPECT_EQ(end.ending, Ending::Done);
     EXPECT_EQ(end.lines, 148);
     EXPECT_EQ(end.total, 148);
@@ -221,7 +221,7 @@ TEST_F(Headless, ARefusedLineEndsAProgramAndTellsWhichOne) {
     identify();
     port.once("P1", "AX");
     answerLines(9, "AR");
-    const TransferEnd end = program();
+    const TransferReport end = program();
     EXPECT_EQ(end.ending, Ending::Refused);
     EXPECT_EQ(end.lines, 9);
     EXPECT_EQ(lines, 9);
@@ -230,7 +230,7 @@ TEST_F(Headless, ARefusedLineEndsAProgramAndTellsWhichOne) {
 TEST_F(Headless, ARefusedStartHasSentNoLine) {
     identify();
     port.once("P1", "AR");
-    const TransferEnd end = program();
+    const TransferReport end = program();
     EXPECT_EQ(end.ending, Ending::Refused);
     EXPECT_EQ(end.lines, 0);
 }
@@ -239,7 +239,7 @@ TEST_F(Headless, AnUnansweredLineIsSilent) {
     identify();
     port.once("P1", "AX");
     answerLines(9, "");
-    const TransferEnd end = program();
+    const TransferReport end = program();
     EXPECT_EQ(end.ending, Ending::Silent);
     EXPECT_EQ(end.lines, 9);
 }
@@ -249,7 +249,7 @@ TEST_F(Headless, AStopWaitsForTheAnswerToTheLineInFlight) {
     port.once("P1", "AX");
     answerLines(9, "AX");
     pass.meanwhile = [this] { stop = lines >= 9; };
-    const TransferEnd end = program();
+    const TransferReport end = program();
     EXPECT_EQ(end.ending, Ending::Stopped);
     EXPECT_EQ(end.lines, 9);
     EXPECT_TRUE(session.link().ResponseReady());
@@ -281,7 +281,7 @@ TEST_F(Headless, ACalibrationThatMakesNoImageThrows) {
 
 class HeadlessFirmware : public Headless {
  protected:
-    TransferEnd upgrade(const std::string& text = "S0a\r\nS1b\r\nS9c\r\n") {
+    TransferReport upgrade(const std::string& text = "S0a\r\nS1b\r\nS9c\r\n") {
         return session.transfer(TransferMode::Firmware, folder.write("ZQA-505100.nv3", text));
     }
 };
@@ -290,11 +290,10 @@ TEST_F(HeadlessFirmware, AFirmwareThatTheUnitVerifiesIsDone) {
     identify();
     port.always("P3", atOnce("AX"));
     answerLines(0, "");
-    const TransferEnd end = upgrade();
+    const TransferReport end = upgrade();
     EXPECT_EQ(end.ending, Ending::Done);
     EXPECT_EQ(end.lines, 3);
     EXPECT_EQ(end.total, 3) << "the lines of the file, though the link counts one more";
-    EXPECT_EQ(end.message, 1002) << "what comes behind it is no other end";
     EXPECT_THAT(port.written(), ElementsAre("P3", "S0a", "S1b", "S9c"));
 }
 
@@ -314,30 +313,30 @@ TEST_F(HeadlessFirmware, AskedAnewItTellsWhoIsThereNow) {
 TEST_F(HeadlessFirmware, AUnitThatIsNotInUpgradeModeRefusesTheStart) {
     identify();
     port.always("P3", atOnce("AR"));
-    const TransferEnd end = upgrade();
+    const TransferReport end = upgrade();
     EXPECT_EQ(end.ending, Ending::Refused);
     EXPECT_EQ(end.lines, 0);
-    EXPECT_EQ(end.message, 1005);
+    EXPECT_EQ(end.firmware, FirmwareLeft::Former);
 }
 
 TEST_F(HeadlessFirmware, ARefusedLineIsTheLineThatIsTold) {
     identify();
     port.always("P3", atOnce("AX"));
     answerLines(2, "AR");
-    const TransferEnd end = upgrade();
+    const TransferReport end = upgrade();
     EXPECT_EQ(end.ending, Ending::Refused);
     EXPECT_EQ(end.lines, 2);
-    EXPECT_EQ(end.message, 1004);
+    EXPECT_EQ(end.firmware, FirmwareLeft::None);
 }
 
 TEST_F(HeadlessFirmware, ASilentUnitIsTold) {
     identify();
     port.always("P3", atOnce("AX"));
     answerLines(2, "");
-    const TransferEnd end = upgrade();
+    const TransferReport end = upgrade();
     EXPECT_EQ(end.ending, Ending::Silent);
     EXPECT_EQ(end.lines, 2);
-    EXPECT_EQ(end.message, 1004);
+    EXPECT_EQ(end.firmware, FirmwareLeft::None);
 }
 
 TEST_F(HeadlessFirmware, AFileThatRunsOutUnverifiedIsUnclear) {
@@ -355,7 +354,7 @@ TEST_F(HeadlessFirmware, AUnitThatAnswersNothingButTheStartIsProgrammed) {
     port.always("S9c\r\n", atOnce("PN"));
     answerLines(0, "");
     EXPECT_EQ(upgrade().ending, Ending::Done) << "the poll that is still waited for takes nothing with it";
-    EXPECT_FALSE(session.link().firmwareLost());
+    EXPECT_FALSE(session.link().firmware().lost());
 }
 
 TEST_F(HeadlessFirmware, AUnitThatAnswersNothingGetsItsLinesAsItsKindTakesThem) {
@@ -364,7 +363,7 @@ TEST_F(HeadlessFirmware, AUnitThatAnswersNothingGetsItsLinesAsItsKindTakesThem) 
     port.takeWritten();
     port.always("P3", atOnce("AX"));
     answerLines(0, "");
-    const TransferEnd end = session.transferFirmware("ZQA-505100.nv3", "S0a\r\nS9c\r\n", 3);
+    const TransferReport end = session.transferFirmware("ZQA-505100.nv3", "S0a\r\nS9c\r\n", 3);
     EXPECT_EQ(end.ending, Ending::Done);
     EXPECT_EQ(end.total, 2);
     EXPECT_THAT(port.written(), ElementsAre("P3", "S0a", "S9c"));
@@ -374,17 +373,17 @@ TEST_F(HeadlessFirmware, AUnitWithoutFirmwareThatRefusesTheStartIsNotTakenForASi
     session.open(1);
     ASSERT_EQ(session.findUnit(), Found::Nobody);
     port.always("P3", atOnce("AR"));
-    const TransferEnd end = upgrade();
+    const TransferReport end = upgrade();
     EXPECT_EQ(end.ending, Ending::Refused);
-    EXPECT_EQ(end.message, 1005);
+    EXPECT_EQ(end.firmware, FirmwareLeft::Former);
 }
 
 TEST_F(HeadlessFirmware, AUnitThatDoesNotAnswerTheStartIsToldAsOneWithoutFirmware) {
     session.open(1);
     ASSERT_EQ(session.findUnit(), Found::Nobody);
-    const TransferEnd end = upgrade();
+    const TransferReport end = upgrade();
     EXPECT_EQ(end.ending, Ending::Silent);
-    EXPECT_EQ(end.message, 1004);
+    EXPECT_EQ(end.firmware, FirmwareLeft::None);
 }
 
 TEST_F(HeadlessFirmware, AStopWaitsForTheEndOfTheLastLine) {
@@ -396,7 +395,7 @@ TEST_F(HeadlessFirmware, AStopWaitsForTheEndOfTheLastLine) {
     lines = 0;
     stop = false;
     pass.meanwhile = [this] { stop = lines == 2; };
-    const TransferEnd end = upgrade();
+    const TransferReport end = upgrade();
     EXPECT_EQ(end.ending, Ending::Stopped);
     EXPECT_EQ(end.lines, 2);
     EXPECT_EQ(end.total, 3);
@@ -413,14 +412,14 @@ TEST_F(HeadlessFirmware, AnAbsentFileThrowsAndSendsNothing) {
 class HeadlessDownload : public Headless {
  protected:
     void record(int rpmHigh) { port.once("D", framed(33, {{3, rpmHigh}})); }
-    TransferEnd download() { return session.transfer(TransferMode::Datalog, log); }
+    TransferReport download() { return session.transfer(TransferMode::Datalog, log); }
     std::string log = folder.path("log.dat");
 };
 
 TEST_F(HeadlessDownload, IsDoneAtTheEndMark) {
     identify();
     for (const int high : {3, 4, 5, 83}) record(high);
-    const TransferEnd end = download();
+    const TransferReport end = download();
     EXPECT_EQ(end.ending, Ending::Done);
     EXPECT_EQ(end.lines, 3);
 }
@@ -438,7 +437,7 @@ TEST_F(HeadlessDownload, WithoutAnAnswerIsSilent) {
     identify();
     record(3);
     record(4);
-    const TransferEnd end = download();
+    const TransferReport end = download();
     EXPECT_EQ(end.ending, Ending::Silent);
     EXPECT_EQ(end.lines, 2);
 }
@@ -470,10 +469,10 @@ TEST_F(HeadlessDownload, TellsThatAShortFileCannotBeWrittenToo) {
 TEST_F(HeadlessDownload, StopsAtOnce) {
     identify();
     for (int i = 0; i < 50; ++i) record(3);
-    pass.meanwhile = [this] { stop = session.link().TransferLines() >= 5; };
-    const TransferEnd end = download();
+    pass.meanwhile = [this] { stop = session.link().transfer().lines() >= 5; };
+    const TransferReport end = download();
     EXPECT_EQ(end.ending, Ending::Stopped);
-    EXPECT_EQ(end.total, 5);
+    EXPECT_EQ(end.lines, 5);
 }
 
 }  // namespace

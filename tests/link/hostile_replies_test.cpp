@@ -46,12 +46,12 @@ class HostileReplies : public LinkBench, public testing::WithParamInterface<int>
     /// Lets time pass until nothing is in flight, active or queued.
     void runToRest() {
         const auto busy = [&] {
-            return link.TransferActive() || !link.CurrentCommand().empty() || link.QueuedCommands() > 0;
+            return link.transfer().active() || !link.CurrentCommand().empty() || link.ring().count() > 0;
         };
         for (int i = 0; i < 10'000 && busy(); ++i) ticks(1);
-        EXPECT_FALSE(link.TransferActive());
+        EXPECT_FALSE(link.transfer().active());
         EXPECT_EQ(link.CurrentCommand(), "");
-        EXPECT_EQ(link.QueuedCommands(), 0);
+        EXPECT_EQ(link.ring().count(), 0);
     }
 
     /// A unit of this kind is on the link and nothing is in flight; slot 0: no unit.

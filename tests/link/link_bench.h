@@ -14,7 +14,6 @@
 #include "link/link.h"
 #include "link/recording_link_host.h"
 #include "live/frame_decoder.h"
-#include "platform/settings_store.h"
 #include "temporary_folder.h"
 #include "testing/scripted_port.h"
 
@@ -137,7 +136,10 @@ class LinkBench : public testing::Test {
         ticks(2);
     }
 
-    Texts statusTexts() const { return {link.status().title, link.status().line1, link.status().line2}; }
+    Texts statusTexts() const {
+        return {host.linkDisplay.status().title, host.linkDisplay.status().line1,
+                host.linkDisplay.status().line2};
+    }
 
     TemporaryFolder folder;
     ManualClock clock;
@@ -145,9 +147,8 @@ class LinkBench : public testing::Test {
     RecordingLinkHost host;
     LiveValues live;
     FrameDecoder decoder{live};
-    MemorySettings settings;
     BenchYield yielding;
-    Link link{port, host, decoder, live, settings, clock, yielding};
+    Link link{port, host, decoder, live, clock, yielding};
 };
 
 }  // namespace zentaq

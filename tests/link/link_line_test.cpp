@@ -32,7 +32,9 @@ class LinkLine : public LinkBench {
         ticks(60);
         return live.RPM;
     }
-    std::string statusLine() const { return link.status().title + " | " + link.status().line1; }
+    std::string statusLine() const {
+        return host.linkDisplay.status().title + " | " + host.linkDisplay.status().line1;
+    }
 };
 
 // ---- Lumps
@@ -130,7 +132,7 @@ TEST_F(LinkLine, ALineThatNeverGoesQuietIsWrittenToAllTheSameAndTheLinkRecovers)
     for (int ms = 0; ms < 2000; ++ms) {
         port.send(atOnce(std::string(400, '\x77')));
         ticks(1);
-        if (ms % 10 == 0 && link.QueuedCommands() < 5) link.Send_ORB_Command("F");
+        if (ms % 10 == 0 && link.ring().count() < 5) link.Send_ORB_Command("F");
     }
     const auto asked = port.takeWritten().size();
     EXPECT_GE(asked, 15U) << "every 100 ms or so";
@@ -147,7 +149,6 @@ TEST_F(LinkLine, ALineThatNeverGoesQuietIsWrittenToAllTheSameAndTheLinkRecovers)
 TEST_F(LinkLine, AStrayByteInATransferDoesNotHideARefusal) {
     meetOrbA();
     host.current = 3;
-    settings.set("System", "CommPort", "1");
     const std::string firmware = folder.write("new.nv3", "S1FIRST\r\nS1SECOND\r\nS1THIRD\r\n");
     port.once("P3", atOnce("AX"));
     port.once("S1FIRST", atOnce("AX"));
@@ -156,7 +157,7 @@ TEST_F(LinkLine, AStrayByteInATransferDoesNotHideARefusal) {
     ticks(5);
     port.send("\x55");  // in the gap in front of the first line
     ticks(60);
-    EXPECT_FALSE(link.TransferActive());
+    EXPECT_FALSE(link.transfer().active());
     EXPECT_THAT(host.logLines, Contains("Firmware Upload to ORB Unit FAILED!"));
 }
 
@@ -168,12 +169,12 @@ TEST_F(LinkLine, ALostAdapterIsToldWithItsNameAndTheLinkGoesDownAtOnce) {
     ticks(2);
     port.loseDevice();
     EXPECT_EQ(statusLine(), "Adapter unplugged | scripted (/dev/ttyUSB0) has gone.");
-    EXPECT_EQ(link.status().image, LinkImage::Warning);
+    EXPECT_EQ(host.linkDisplay.status().image, LinkImage::Warning);
     EXPECT_THAT(host.logLines, Contains("COMM: scripted (/dev/ttyUSB0) has gone. Looking for it."));
     ticks(1);
     EXPECT_EQ(link.CurrentCommand(), "");
     EXPECT_FALSE(link.linked().UnitIdentified);
-    EXPECT_TRUE(link.status().connected) << "the port comes back by itself";
+    EXPECT_TRUE(host.linkDisplay.status().connected) << "the port comes back by itself";
 }
 
 TEST_F(LinkLine, PollsInTheVoidDoNotHideThatTheAdapterIsAway) {
@@ -219,14 +220,14 @@ TEST_F(LinkLine, ATransferKeepsItsOwnEndWhenTheAdapterIsPulled) {
     const std::string firmware = folder.write("new.nv3", "S1FIRST\r\nS1SECOND\r\n");
     link.Program_Unit(TransferMode::Firmware, firmware);
     ticks(2);
-    ASSERT_TRUE(link.TransferActive());
+    ASSERT_TRUE(link.transfer().active());
     port.loseDevice();
     ticks(300);
     port.returnDevice("/dev/ttyUSB1");
     ticks(4000);
-    EXPECT_TRUE(link.TransferActive()) << "5000 ticks are its patience";
+    EXPECT_TRUE(link.transfer().active()) << "5000 ticks are its patience";
     ticks(1000);
-    EXPECT_FALSE(link.TransferActive());
+    EXPECT_FALSE(link.transfer().active());
     EXPECT_THAT(host.logLines, Contains("PROCESS FAILED - EXITED ABNORMALLY."));
 }
 
@@ -253,7 +254,7 @@ TEST_F(LinkLine, AnotherPortForgetsTheAdapterThatIsAway) {
     open();
     link.Send_ORB_Command("E");
     ticks(1100);
-    EXPECT_EQ(link.status().title, "Connecting...");
+    EXPECT_EQ(host.linkDisplay.status().title, "Connecting...");
 }
 
 TEST_F(LinkLine, APortThatIsClosedBeforeTheNextTickHasNoNewsOfItsAdapter) {
@@ -261,7 +262,7 @@ TEST_F(LinkLine, APortThatIsClosedBeforeTheNextTickHasNoNewsOfItsAdapter) {
     port.loseDevice();
     link.RS232_Close();
     ticks(1);
-    EXPECT_NE(link.status().title, "Adapter is back");
+    EXPECT_NE(host.linkDisplay.status().title, "Adapter is back");
     EXPECT_TRUE(link.linked().UnitIdentified) << "the close alone loses no link";
 }
 
@@ -287,7 +288,7 @@ TEST_F(LinkLine, RecordsThatWaitWhenTheAdapterGoesReachNoUnitThatComesBack) {
 TEST_F(LinkLine, AtALowRateOfUpdatesASearchedUnitIsAskedForAgainAfter200IdleTicks) {
     open();
     Poller poller(
-        link, [] {}, [] {});
+        link, host.linkDisplay, [] {}, [] {});
     poller.fire({});  // five a second: the tenth firing is two seconds away
     for (int ms = 0; ms < 199; ++ms) {
         ticks(1);
@@ -312,13 +313,13 @@ TEST_F(LinkLine, AtALowRateOfUpdatesASearchedUnitIsAskedForAgainAfter200IdleTick
 TEST_F(LinkLine, OnTheSecondTabAndWhilePollingIsSuspendedNothingIsSearched) {
     open();
     Poller poller(
-        link, [] {}, [] {});
+        link, host.linkDisplay, [] {}, [] {});
     poller.fire({.tab2Showing = true});
     for (int ms = 0; ms < 500; ++ms) poller.tick();
     link.AutoPollSuspended(true);
     poller.fire({});
     for (int ms = 0; ms < 500; ++ms) poller.tick();
-    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(link.ring().count(), 0);
 }
 
 }  // namespace

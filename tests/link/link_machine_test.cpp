@@ -16,16 +16,16 @@ TEST_F(LinkMachine, CommandsGoOutInOrderOneAtATime) {
     port.always("P2S10411415059", atOnce("AX"));
     link.Send_ORB_Command("K");
     link.SEND_ONFLY("S10411415059");
-    EXPECT_EQ(link.QueuedCommands(), 2);
+    EXPECT_EQ(link.ring().count(), 2);
     ticks(1);
     EXPECT_EQ(port.written(), (Texts{"K"}));
     EXPECT_EQ(link.CurrentCommand(), "K");
-    EXPECT_EQ(link.QueuedCommands(), 1);
+    EXPECT_EQ(link.ring().count(), 1);
     ticks(1);
     EXPECT_EQ(link.CurrentCommand(), "");
     ticks(1);
     EXPECT_EQ(port.written(), (Texts{"K", "P2S10411415059"}));
-    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(link.ring().count(), 0);
 }
 
 TEST_F(LinkMachine, TheRingHolds511Commands) {
@@ -37,26 +37,26 @@ TEST_F(LinkMachine, TheRingHolds511Commands) {
 
 TEST_F(LinkMachine, The512thCommandLosesTheOldestAndTheCountIsNotCorrected) {
     for (int i = 0; i < 512; ++i) link.Send_ORB_Command("K" + std::to_string(i));
-    EXPECT_EQ(link.QueuedCommands(), 512);
-    EXPECT_EQ(link.QueueHead(), 1);
-    EXPECT_EQ(link.QueueTail(), 0);
+    EXPECT_EQ(link.ring().count(), 512);
+    EXPECT_EQ(link.ring().head(), 1);
+    EXPECT_EQ(link.ring().tail(), 0);
     open();
     ticks(1);
     EXPECT_EQ(port.written(), (Texts{"K1"}));
-    EXPECT_EQ(link.QueuedCommands(), 511);
+    EXPECT_EQ(link.ring().count(), 511);
 }
 
 TEST_F(LinkMachine, AnEmptyRingHoldsNoCommandsWhateverAnOverrunLeftInTheCount) {
     find(200000);
     port.always("K", atOnce("AX"));
     for (int i = 0; i < 520; ++i) link.Send_ORB_Command("K");
-    EXPECT_EQ(link.QueuedCommands(), 520);
+    EXPECT_EQ(link.ring().count(), 520);
     // The ring holds 511; with two ticks a command it is empty after 1022.
     ticks(1022);
     EXPECT_EQ(port.written().size(), 511u);
-    EXPECT_EQ(link.QueuedCommands(), 9);
+    EXPECT_EQ(link.ring().count(), 9);
     ticks(1);
-    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(link.ring().count(), 0);
 }
 
 TEST_F(LinkMachine, FailedWritesDoNotSilenceThePollersForGood) {
@@ -68,7 +68,7 @@ TEST_F(LinkMachine, FailedWritesDoNotSilenceThePollersForGood) {
         EXPECT_EQ(link.CurrentCommand(), "");
     }
     ticks(1);
-    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(link.ring().count(), 0);
 }
 
 TEST_F(LinkMachine, TheRingWrapsBehindItsLastPlace) {
@@ -79,7 +79,7 @@ TEST_F(LinkMachine, TheRingWrapsBehindItsLastPlace) {
         ticks(2);
     }
     EXPECT_EQ(port.written(), Texts(600, "K"));
-    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(link.ring().count(), 0);
 }
 
 TEST_F(LinkMachine, AnEmptyCommandStallsTheRing) {
@@ -179,8 +179,8 @@ TEST_F(LinkMachine, OnAClosedPortACommandRunsIntoItsTimeOutAndTheCountIsCleared)
     for (int i = 0; i < 7; ++i) link.Send_ORB_Command("E");
     ticks(1 + 1001);
     EXPECT_EQ(link.CurrentCommand(), "");
-    EXPECT_EQ(link.QueuedCommands(), 0);
-    EXPECT_EQ(link.QueueHead(), link.QueueTail());
+    EXPECT_EQ(link.ring().count(), 0);
+    EXPECT_EQ(link.ring().head(), link.ring().tail());
 }
 
 // ---- The lock of the table grid
@@ -267,8 +267,8 @@ TEST_F(LinkTimeOut, ALostLinkDropsAllQueuedCommandsAndTheCount) {
     ask("F");
     for (int i = 0; i < 4; ++i) link.Send_ORB_Command("K");
     ticks(84);
-    EXPECT_EQ(link.QueuedCommands(), 0);
-    EXPECT_EQ(link.QueueHead(), link.QueueTail());
+    EXPECT_EQ(link.ring().count(), 0);
+    EXPECT_EQ(link.ring().head(), link.ring().tail());
     ticks(100);
     EXPECT_EQ(port.written(), (Texts{"F"}));
 }
@@ -320,7 +320,7 @@ TEST_F(LinkTimeOut, ALostLinkClearsTheUnitAndTurnsOnTheFlyOffLast) {
     bool cleared = false;
     host.whenOnFly = [&] {
         cleared = link.linked().LinkedUnitKind == 0 && !link.linked().UnitIdentified &&
-                  !link.linked().UnitFound && link.QueuedCommands() == 0;
+                  !link.linked().UnitFound && link.ring().count() == 0;
     };
     ask("W");
     link.Send_ORB_Command("K");
@@ -450,7 +450,7 @@ TEST_P(SplitBehindThreshold, AFirstIdentifyThatPausesLongAfterSixBytesCostsPolls
     port.always("E", identifyReply(300000));
     port.always("B", firmwareReply("DEMO", "ZQL0003001", 38));
     Poller poller(
-        link, [] {}, [] {});
+        link, host.linkDisplay, [] {}, [] {});
     for (int firing = 0; firing < 300 && !link.linked().UnitIdentified; ++firing) {
         poller.fire({});
         ticks(10);
@@ -491,14 +491,14 @@ class ReceiveStatus : public LinkBench, public testing::WithParamInterface<Statu
 TEST_P(ReceiveStatus, ShowsTheRowOfItsCommand) {
     link.RS232_Initialize(7);
     link.commPort(4);  // stored for the next time; the port in use is told
-    link.COMM_StatusMessage("before", "a", "b", "Warning");
+    host.linkDisplay.COMM_StatusMessage("before", "a", "b", "Warning");
     link.Send_ORB_Command(GetParam().command);
     ticks(1);
     port.send(atOnce(std::string(80, 'x')));
     port.advanceUs(1000);
-    EXPECT_EQ(link.status().activity, GetParam().activity);
+    EXPECT_EQ(host.linkDisplay.status().activity, GetParam().activity);
     EXPECT_EQ(statusTexts(), GetParam().texts);
-    EXPECT_EQ(link.status().image, GetParam().image);
+    EXPECT_EQ(host.linkDisplay.status().image, GetParam().image);
 }
 
 const Texts unchangedTexts{"before", "a", "b"};
@@ -589,7 +589,7 @@ TEST_F(CommCheckSum, AShortReplyFails) {
 TEST_F(LinkMachine, WhileABoxShowsTheLinkStandsStillAndPollersQueueNothing) {
     host.current = 4;
     Poller poller(
-        link, [&] { link.Send_ORB_Command("T"); }, [] {});
+        link, host.linkDisplay, [&] { link.Send_ORB_Command("T"); }, [] {});
     host.whileBoxShows = [&] {
         host.whileBoxShows = nullptr;
         for (int i = 0; i < 500; ++i) {
@@ -605,7 +605,7 @@ TEST_F(LinkMachine, WhileABoxShowsTheLinkStandsStillAndPollersQueueNothing) {
     EXPECT_EQ(host.boxes.size(), 1u);
     EXPECT_TRUE(link.linked().UnitIdentified);
     EXPECT_EQ(port.written(), (Texts{"E", "B"}));
-    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(link.ring().count(), 0);
 }
 
 }  // namespace

@@ -44,9 +44,9 @@ TEST_F(LinkReplies, OldestFormatIsFourSerialBytesAndAX) {
     EXPECT_TRUE(link.linked().OldFirmware);
     EXPECT_TRUE(link.linked().UnitFound);
     EXPECT_EQ(link.linked().LinkedUnitKind, 3);
-    EXPECT_FALSE(link.status().firmwareUpgradeEnabled);
+    EXPECT_TRUE(link.linked().OldFirmware);
     EXPECT_EQ(statusTexts(), (Texts{"CONNECTED!", "ORB Unit Found but must be upgraded!", ""}));
-    EXPECT_EQ(link.status().serialNumber, "001234");
+    EXPECT_EQ(host.linkDisplay.status().serialNumber, "001234");
     ASSERT_EQ(host.boxes.size(), 1u);
     EXPECT_EQ(host.boxes[0].title, "Old ORBA Firmware");
     EXPECT_EQ(host.boxes[0].text,
@@ -70,18 +70,18 @@ TEST_F(LinkReplies, TheOldFirmwareBoxComesOncePerSession) {
 TEST_F(LinkReplies, ACurrentUnitEnablesTheFirmwareUpgradeAgain) {
     exchange("E", bytes({0x00, 0x00, 0x02, 0x9C, 'A', 'X'}));
     exchange("E", identifyReply(200000));
-    EXPECT_TRUE(link.status().firmwareUpgradeEnabled);
+    EXPECT_FALSE(link.linked().OldFirmware);
     EXPECT_FALSE(link.linked().OldFirmware);
 }
 
 TEST_F(LinkReplies, AnAcceptedUnitIsShownAndAskedForItsFirmware) {
-    link.showNoConnectPanel("Connecting...");
+    host.linkDisplay.showNoConnectPanel("Connecting...");
     exchange("E", identifyReply(10));
     EXPECT_EQ(statusTexts(), (Texts{"CONNECTED!", "ORB Unit Found and Ready!", ""}));
-    EXPECT_EQ(link.status().image, LinkImage::Connected);
-    EXPECT_EQ(link.status().serialNumber, "000010");
-    EXPECT_EQ(link.status().panel3, "");
-    EXPECT_FALSE(link.status().noConnectPanel);
+    EXPECT_EQ(host.linkDisplay.status().image, LinkImage::Connected);
+    EXPECT_EQ(host.linkDisplay.status().serialNumber, "000010");
+    EXPECT_EQ(host.linkDisplay.status().panel3, "");
+    EXPECT_FALSE(host.linkDisplay.status().noConnectPanel);
     EXPECT_EQ(host.kindsFound, (std::vector<int>{3}));
     ticks(1);
     EXPECT_EQ(port.written(), (Texts{"E", "B"}));
@@ -145,7 +145,7 @@ TEST_P(SerialRange, GivesTheUnitKindAndItsLabel) {
     open();
     exchange("E", identifyReply(GetParam().serial));
     EXPECT_EQ(link.linked().LinkedUnitKind, GetParam().kind);
-    EXPECT_EQ(link.status().unitLabel, GetParam().label);
+    EXPECT_EQ(host.linkDisplay.status().unitLabel, GetParam().label);
     EXPECT_EQ(link.linked().SerialNumber,
               GetParam().kind == 0 ? 0 : static_cast<std::int32_t>(GetParam().serial));
     EXPECT_EQ(link.linked().UnitFound, GetParam().kind != 0);
@@ -176,7 +176,7 @@ TEST_F(LinkReplies, ANumberInNoRangeKeepsTheKindAndClearsTheNumber) {
 TEST_F(LinkReplies, AfterANumberInNoRangeThePollerAsksAgain) {
     port.always("E", identifyReply(9));
     Poller poller(
-        link, [] {}, [] {});
+        link, host.linkDisplay, [] {}, [] {});
     for (int i = 0; i < 20; ++i) {
         poller.fire({});
         ticks(10);
@@ -189,14 +189,14 @@ TEST_F(LinkReplies, TheLabelIsWrittenOnlyWhileNoUnitIsFound) {
     ticks(1100);
     exchange("E", identifyReply(350000));
     EXPECT_EQ(link.linked().LinkedUnitKind, 6);
-    EXPECT_EQ(link.status().unitLabel, "L");
+    EXPECT_EQ(host.linkDisplay.status().unitLabel, "L");
 }
 
 TEST_F(LinkReplies, SerialNumberZeroLeavesTheKindAndIsAccepted) {
     exchange("E", identifyReply(0));
     EXPECT_EQ(link.linked().LinkedUnitKind, 0);
     EXPECT_TRUE(link.linked().UnitFound);
-    EXPECT_EQ(link.QueuedCommands(), 1);
+    EXPECT_EQ(link.ring().count(), 1);
 }
 
 TEST_F(LinkReplies, WithoutACalibrationTheDashboardGetsItsDefaults) {
@@ -257,8 +257,8 @@ TEST_F(FirmwareReply, IdentifiesTheUnit) {
     EXPECT_EQ(host.unit(3).FW_Build(), 7);
     EXPECT_EQ(host.logLines,
               (Texts{"ORB :: Firmware: ZQA0003007", "ORB :: BinFile : MY CAR                  "}));
-    EXPECT_EQ(link.status().firmware, "ZQA0003007");
-    EXPECT_EQ(link.status().panel3, "ZQA0003007");
+    EXPECT_EQ(host.linkDisplay.status().firmware, "ZQA0003007");
+    EXPECT_EQ(host.linkDisplay.status().panel3, "ZQA0003007");
     EXPECT_EQ(link.CurrentCommand(), "");
     EXPECT_TRUE(host.boxes.empty());
 }
@@ -274,7 +274,7 @@ TEST_F(FirmwareReply, AReleaseThatIsNoNumberLeavesTheUnitUnidentified) {
     EXPECT_FALSE(link.linked().UnitIdentified);
     EXPECT_EQ(link.CurrentCommand(), "");
     Poller poller(
-        link, [] {}, [] {});
+        link, host.linkDisplay, [] {}, [] {});
     for (int i = 0; i < 10; ++i) poller.fire({});
     ticks(1);
     EXPECT_EQ(port.written().back(), "E");
@@ -340,8 +340,8 @@ TEST_F(FirmwareReply, AnotherKindInThePlaceOfAnIdentifiedOneEndsOnTheFlyAndIsWar
     EXPECT_EQ(host.boxes[0].title, "Unit Type Mismatch");
     EXPECT_EQ(port.written(), (Texts{"E", "B"})) << "the record was meant for the former one";
     EXPECT_EQ(link.linked().LinkedUnitKind, 4);
-    EXPECT_EQ(link.status().unitLabel, "L");
-    EXPECT_EQ(link.status().title, "Active ORB...");
+    EXPECT_EQ(host.linkDisplay.status().unitLabel, "L");
+    EXPECT_EQ(host.linkDisplay.status().title, "Active ORB...");
 }
 
 TEST_F(FirmwareReply, ATransferThatWasMeantForAnotherKindIsNotBroughtToTheUnitThatTookItsPlace) {
@@ -368,7 +368,7 @@ TEST_F(FirmwareReply, ADownloadEndsWithTheUnitThatItCameFrom) {
     port.once("E", atOnce(identifyReply(300000)));
     ticks(5);
     EXPECT_EQ(host.messages, (std::vector<int>{1007}));
-    EXPECT_FALSE(link.TransferActive());
+    EXPECT_FALSE(link.transfer().active());
     ticks(2000);
     EXPECT_EQ(host.messages.size(), 1u) << "it ends once";
 }
@@ -404,7 +404,7 @@ TEST_F(FirmwareReply, AUnitOfTheOldestFormatInThePlaceOfAnIdentifiedOneTakesNoCh
     EXPECT_FALSE(link.linked().FirmwareTold);
     EXPECT_EQ(host.onFlyCalls, (std::vector<bool>{true, false}));
     EXPECT_EQ(port.written(), (Texts{"E"})) << "the record was meant for the former one";
-    EXPECT_EQ(link.status().line1, "ORB Unit Found but must be upgraded!");
+    EXPECT_EQ(host.linkDisplay.status().line1, "ORB Unit Found but must be upgraded!");
 }
 
 TEST_F(FirmwareReply, FileOfTheSameKindTurnsOnTheFlyOn) {
@@ -473,7 +473,7 @@ TEST_F(FirmwareReply, SubTypesOfKindThreeAreLabelled) {
     const std::pair<int, const char*> cases[] = {{0, "A Std"}, {1, "A 6/12"}, {2, "A r"}, {3, "A r"}};
     for (const auto& [subType, label] : cases) {
         answer(200000, "ZQA0003007", subType);
-        EXPECT_EQ(link.status().unitLabel, label) << subType;
+        EXPECT_EQ(host.linkDisplay.status().unitLabel, label) << subType;
         EXPECT_EQ(link.linked().UnitSubType, subType + 1);
     }
 }
@@ -481,7 +481,7 @@ TEST_F(FirmwareReply, SubTypesOfKindThreeAreLabelled) {
 TEST_F(FirmwareReply, OtherKindsHaveNoSubType) {
     answer(300000, "ZQL0003001");
     EXPECT_EQ(link.linked().UnitSubType, 0);
-    EXPECT_EQ(link.status().unitLabel, "L");
+    EXPECT_EQ(host.linkDisplay.status().unitLabel, "L");
 }
 
 struct WideCase {
@@ -655,33 +655,33 @@ TEST_F(LinkReplies, ZeroAdvanceIsToldByItsLastByte) {
 
 TEST_F(LinkReplies, TheMarkOfZeroAdvanceIsWhatTheUnitHasTaken) {
     find(200000);
-    EXPECT_FALSE(link.status().zeroAdvance);
+    EXPECT_FALSE(link.linked().zeroAdvance);
     exchange(bytes({'Z', 0xFF}), "AX");
-    EXPECT_TRUE(link.status().zeroAdvance);
+    EXPECT_TRUE(link.linked().zeroAdvance);
     exchange(bytes({'Z', 0x00}), "AR");
-    EXPECT_TRUE(link.status().zeroAdvance) << "refused";
+    EXPECT_TRUE(link.linked().zeroAdvance) << "refused";
     exchange(bytes({'Z', 0x00}), "AX");
-    EXPECT_FALSE(link.status().zeroAdvance);
+    EXPECT_FALSE(link.linked().zeroAdvance);
 }
 
 TEST_F(LinkReplies, TheMarkOfZeroAdvanceGoesWithTheLink) {
     find(200000);
     exchange(bytes({'Z', 0xFF}), "AX");
-    ASSERT_TRUE(link.status().zeroAdvance);
+    ASSERT_TRUE(link.linked().zeroAdvance);
     link.Send_ORB_Command("F");
     link.Send_ORB_Command(bytes({'Z', 0x00}));
     ticks(200);  // no answer: the link is given up and the queued command dropped
     ASSERT_EQ(link.linked().LinkedUnitKind, 0);
-    EXPECT_FALSE(link.status().zeroAdvance);
+    EXPECT_FALSE(link.linked().zeroAdvance);
     EXPECT_FALSE(link.zeroAdvanceAsked());
 }
 
 TEST_F(LinkReplies, AnotherUnitOfTheKindInheritsNothing) {
     identify(200000, "ZQA-505099");
     exchange(bytes({'Z', 0xFF}), "AX");
-    ASSERT_TRUE(link.status().zeroAdvance);
+    ASSERT_TRUE(link.linked().zeroAdvance);
     exchange("E", identifyReply(200001));
-    EXPECT_FALSE(link.status().zeroAdvance);
+    EXPECT_FALSE(link.linked().zeroAdvance);
     EXPECT_FALSE(link.linked().UnitIdentified) << "it has not told its firmware";
 }
 
@@ -732,7 +732,7 @@ TEST_F(LinkReplies, ALogThatCannotBeWrittenDoesNotStopAHandler) {
 
 TEST_F(LinkReplies, TheLinkConsoleTellsEachChangeOfActivityOnce) {
     find(200000);
-    link.editStatus().activity = "";
+    host.linkDisplay.editStatus().activity = "";
     exchange("K", "AX");
     exchange("K", "AX");
     exchange("T", framed(16, {}));
@@ -745,7 +745,7 @@ TEST_F(LinkReplies, AGoodStartIsIdentifyFirmwareConfigurationAndThenWideFrames) 
     port.always("C", framed(39, {}));
     port.always("W", framed(65, {}));
     Poller poller(
-        link, [] {}, [] {});
+        link, host.linkDisplay, [] {}, [] {});
     for (int firing = 0; firing < 30; ++firing) {
         poller.fire({});
         ticks(30);

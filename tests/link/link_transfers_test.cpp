@@ -32,7 +32,7 @@ class LinkTransfers : public LinkBench {
     }
 
     void runUntilIdle(int limit = 20'000) {
-        for (int i = 0; i < limit && (link.TransferActive() || link.QueuedCommands() > 0); ++i) ticks(1);
+        for (int i = 0; i < limit && (link.transfer().active() || link.ring().count() > 0); ++i) ticks(1);
     }
 
     static std::string dataRecord(int rpmHigh, std::size_t length = 33) {
@@ -60,12 +60,12 @@ TEST_F(CalibrationTransfer, StartWritesItsConsoleLinesAndQueuesP1) {
     EXPECT_EQ(host.logLines, (Texts{"Preparing My Car.ZQ4OA for output to ORB Unit...",
                                     "  - Converting Data...", "  - Programming ORB..."}));
     EXPECT_TRUE(std::filesystem::exists(folder.path("ORB.s19")));
-    EXPECT_EQ(link.QueuedCommands(), 1);
-    EXPECT_TRUE(link.status().progressVisible);
-    EXPECT_EQ(link.status().progressPercent, 0);
+    EXPECT_EQ(link.ring().count(), 1);
+    EXPECT_TRUE(host.linkDisplay.status().progressVisible);
+    EXPECT_EQ(host.linkDisplay.status().progressPercent, 0);
     ticks(1);
     EXPECT_EQ(port.written(), (Texts{"P1"}));
-    EXPECT_TRUE(link.TransferActive());
+    EXPECT_TRUE(link.transfer().active());
 }
 
 TEST_F(CalibrationTransfer, TicksThatAreRunAfterAPauseDoNotShortenTheGapInFrontOfALine) {
@@ -106,7 +106,7 @@ TEST_F(CalibrationTransfer, AWholeRunOfARealImageTakesElevenTicksALine) {
     link.AutoPollSuspended(true);
     link.Program_Unit(TransferMode::Calibration, "");
     constexpr int lineCount = 137 + 1;  // data lines of a firmware below 5, and the end record
-    ASSERT_EQ(link.TransferLines(), lineCount);
+    ASSERT_EQ(link.transfer().lines(), lineCount);
     Texts lines = split(TemporaryFolder::read(folder.path("ORB.s19")), '\n');
     lines.resize(lineCount);  // nothing stands behind the last line end
     for (std::string& line : lines) {
@@ -118,10 +118,10 @@ TEST_F(CalibrationTransfer, AWholeRunOfARealImageTakesElevenTicksALine) {
     // The reply to the last line is handled on the tick behind its writing.
     ticks(lineCount * 11);
     EXPECT_EQ(port.written().size(), 1u + lineCount);
-    EXPECT_TRUE(link.TransferActive());
+    EXPECT_TRUE(link.transfer().active());
     EXPECT_TRUE(host.messages.empty());
     ticks(1);
-    EXPECT_FALSE(link.TransferActive());
+    EXPECT_FALSE(link.transfer().active());
     EXPECT_EQ(host.messages, (std::vector<int>{1002}));
     EXPECT_EQ(Texts(port.written().begin() + 1, port.written().end()), lines);
 }
@@ -166,10 +166,10 @@ TEST_F(CalibrationTransfer, VerifiedEndsInOrder) {
     EXPECT_EQ(host.logLines[2], "  - Programming ORB... SUCCESS!");
     EXPECT_EQ(statusTexts(), (Texts{"Program ORB Successful", "PROGRAM VERIFIED",
                                     "You Must Restart ECU After download completed."}));
-    EXPECT_EQ(link.status().image, LinkImage::Connected);
-    EXPECT_FALSE(link.status().progressVisible);
-    EXPECT_EQ(link.TransferLine(), 0);
-    EXPECT_EQ(link.TransferLines(), 0);
+    EXPECT_EQ(host.linkDisplay.status().image, LinkImage::Connected);
+    EXPECT_FALSE(host.linkDisplay.status().progressVisible);
+    EXPECT_EQ(link.transfer().line(), 0);
+    EXPECT_EQ(link.transfer().lines(), 0);
     EXPECT_FALSE(link.AutoPollSuspended());
     EXPECT_EQ(link.CurrentCommand(), "");
 }
@@ -191,7 +191,7 @@ TEST_F(CalibrationTransfer, RefusedBeforeAnyLineFailsWithMessage1003) {
               (Texts{"add: FAIL!", "log: PROCESS FAILED - EXITED ABNORMALLY.", "message: 1003",
                      "log: Automatic POLL/SYNC: ENABLED", "log: Data Upload to ORB Unit FAILED!"}));
     EXPECT_EQ(port.written(), (Texts{"P1"}));
-    EXPECT_FALSE(link.TransferActive());
+    EXPECT_FALSE(link.transfer().active());
     EXPECT_FALSE(link.AutoPollSuspended());
     EXPECT_EQ(link.linked().LinkedUnitKind, 3);
 }
@@ -204,7 +204,7 @@ TEST_F(CalibrationTransfer, RefusedAtTheThirdLineFailsThere) {
     ticks(100);
     EXPECT_EQ(port.written(), (Texts{"P1", "S1a", "S1b", "S1c"}));
     EXPECT_EQ(host.messages, (std::vector<int>{1003}));
-    EXPECT_EQ(link.TransferLine(), 0);
+    EXPECT_EQ(link.transfer().line(), 0);
 }
 
 TEST_F(CalibrationTransfer, ALostReplyFailsAfter1000TicksAndTheLinkIsLostToo) {
@@ -219,7 +219,7 @@ TEST_F(CalibrationTransfer, ALostReplyFailsAfter1000TicksAndTheLinkIsLostToo) {
     EXPECT_EQ(host.messages, (std::vector<int>{1003}));
     EXPECT_EQ(link.linked().LinkedUnitKind, 0);
     EXPECT_EQ(host.onFlyCalls, (std::vector<bool>{false}));
-    EXPECT_FALSE(link.TransferActive());
+    EXPECT_FALSE(link.transfer().active());
     EXPECT_EQ(link.CurrentCommand(), "");
     EXPECT_FALSE(link.AutoPollSuspended());
 }
@@ -233,16 +233,16 @@ TEST_F(CalibrationTransfer, APortThatVanishesOnTheWayFailsWithMessage1003AndTheU
     port.silent(true);
     ticks(11 + 1001);
     EXPECT_EQ(host.messages, (std::vector<int>{1003}));
-    EXPECT_FALSE(link.TransferActive());
+    EXPECT_FALSE(link.transfer().active());
     EXPECT_FALSE(link.AutoPollSuspended());
-    EXPECT_FALSE(link.status().progressVisible);
-    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_FALSE(host.linkDisplay.status().progressVisible);
+    EXPECT_EQ(link.ring().count(), 0);
 
     port.silent(false);
     forget();
     port.always("E", identifyReply(200000));
     Poller poller(
-        link, [] {}, [] {});
+        link, host.linkDisplay, [] {}, [] {});
     for (int i = 0; i < 10; ++i) poller.fire({});
     ticks(10);
     ASSERT_EQ(link.linked().LinkedUnitKind, 3);
@@ -266,7 +266,7 @@ TEST_F(CalibrationTransfer, AFrameThatIsNeverAnsweredInFrontOfP1FailsTheTransfer
     EXPECT_EQ(host.messages, (std::vector<int>{1003}));
     EXPECT_EQ(host.logLines, (Texts{"PROCESS FAILED - EXITED ABNORMALLY.", "Automatic POLL/SYNC: ENABLED"}));
     EXPECT_FALSE(link.AutoPollSuspended());
-    EXPECT_FALSE(link.status().progressVisible);
+    EXPECT_FALSE(host.linkDisplay.status().progressVisible);
     ticks(50);
     EXPECT_TRUE(port.written().empty()) << "the transfer went with the queue";
 }
@@ -300,7 +300,7 @@ TEST_F(CalibrationTransfer, AnEmptyFileCountsAsASuccess) {
     ticks(2000);
     EXPECT_EQ(port.written(), (Texts{"P1"}));
     EXPECT_EQ(host.messages, (std::vector<int>{1002}));
-    EXPECT_FALSE(link.TransferActive());
+    EXPECT_FALSE(link.transfer().active());
     EXPECT_EQ(link.CurrentCommand(), "");
     EXPECT_EQ(link.linked().LinkedUnitKind, 3);
 }
@@ -311,8 +311,8 @@ TEST_F(CalibrationTransfer, AFileThatRunsOutWithNoVerificationCountsAsASuccess) 
     ticks(2000);
     EXPECT_EQ(port.written(), (Texts{"P1", "S1a", "S9"}));
     EXPECT_EQ(host.messages, (std::vector<int>{1002}));
-    EXPECT_EQ(link.QueueHead(), link.QueueTail());
-    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(link.ring().head(), link.ring().tail());
+    EXPECT_EQ(link.ring().count(), 0);
 }
 
 TEST_F(CalibrationTransfer, OtherUnitsGetEachLineWithItsLineEnd) {
@@ -330,7 +330,7 @@ TEST_F(CalibrationTransfer, CommandsQueuedBehindP1AreThrownAway) {
     link.Send_ORB_Command("T");
     link.Send_ORB_Command("K");
     ticks(1);
-    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(link.ring().count(), 0);
     ticks(200);
     EXPECT_EQ(port.written(), (Texts{"P1", "S1a"}));
 }
@@ -372,20 +372,20 @@ TEST_F(CalibrationTransfer, ProgressIsTheWholePartOfLinesSentAgainstAll) {
     link.Program_Unit(TransferMode::Calibration, "");
     ticks(1 + 74 * 11);
     // The 74th line steps with 73 of 138 lines before it: 52.9 %.
-    EXPECT_EQ(link.TransferLine(), 74);
-    EXPECT_EQ(link.status().progressPercent, 52);
-    EXPECT_EQ(link.status().progressText, "52%");
+    EXPECT_EQ(link.transfer().line(), 74);
+    EXPECT_EQ(host.linkDisplay.status().progressPercent, 52);
+    EXPECT_EQ(host.linkDisplay.status().progressText, "52%");
 }
 
 TEST_F(CalibrationTransfer, EachLineShowsTheStatusOfItsTransfer) {
     answerLines("AX");
     program("S1a\r\nS1b\r\n");
     ticks(11);
-    link.COMM_StatusMessage("x", "y", "z", "Warning");
+    host.linkDisplay.COMM_StatusMessage("x", "y", "z", "Warning");
     ticks(1);
     EXPECT_EQ(statusTexts(), (Texts{"Programming ORB...", "Using COM Port: 1 @ 38400 Baud.",
                                     "Please wait... this may take a moment."}));
-    EXPECT_EQ(link.status().image, LinkImage::Transfer);
+    EXPECT_EQ(host.linkDisplay.status().image, LinkImage::Transfer);
 }
 
 TEST_F(CalibrationTransfer, ThePollerStandsStill) {
@@ -394,9 +394,9 @@ TEST_F(CalibrationTransfer, ThePollerStandsStill) {
     ticks(1);
     link.AutoPollSuspended(false);
     Poller poller(
-        link, [] {}, [] {});
+        link, host.linkDisplay, [] {}, [] {});
     for (int i = 0; i < 50; ++i) poller.fire({});
-    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(link.ring().count(), 0);
 }
 
 TEST_F(CalibrationTransfer, ASecondTransferIsRefusedWhileOneRuns) {
@@ -405,16 +405,16 @@ TEST_F(CalibrationTransfer, ASecondTransferIsRefusedWhileOneRuns) {
     ticks(1);
     EXPECT_THROW(link.Program_Unit(TransferMode::Calibration, ""), Failure);
     EXPECT_TRUE(link.AutoPollSuspended());
-    EXPECT_TRUE(link.TransferActive());
+    EXPECT_TRUE(link.transfer().active());
 }
 
 TEST_F(CalibrationTransfer, AnUnwritableFolderQueuesNothingAndLetsPollingGoOn) {
     host.unitHost.folder = folder.path("absent");
     link.AutoPollSuspended(true);
     EXPECT_THROW(link.Program_Unit(TransferMode::Calibration, ""), FileError);
-    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(link.ring().count(), 0);
     EXPECT_FALSE(link.AutoPollSuspended());
-    EXPECT_FALSE(link.status().progressVisible);
+    EXPECT_FALSE(host.linkDisplay.status().progressVisible);
 }
 
 // ---- Programming firmware
@@ -424,7 +424,7 @@ TEST_F(LinkTransfers, FirmwareStartWritesItsLinesAndCountsOneMore) {
     upgrade("S0\nS1\nS9\n");
     EXPECT_EQ(host.logLines,
               (Texts{"Attempting Firmware Upgrade, Sending File... ", "  - " + folder.path("new.nv3")}));
-    EXPECT_EQ(link.TransferLines(), 4);
+    EXPECT_EQ(link.transfer().lines(), 4);
     ticks(1);
     EXPECT_EQ(port.written(), (Texts{"P3"}));
 }
@@ -438,8 +438,8 @@ TEST_F(LinkTransfers, VerifiedFirmwareEndsWithItsOwnTexts) {
     EXPECT_EQ(port.written(), (Texts{"P3", "S0", "S9"}));
     EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008})) << "done, and the calibration is still to come";
     EXPECT_EQ(host.logLines.back(), "ORB: Firmware Upload Successful, Verified!");
-    EXPECT_EQ(link.status().title, "Program Firmware Successful");
-    EXPECT_EQ(link.status().line1, "PROGRAM VERIFIED");
+    EXPECT_EQ(host.linkDisplay.status().title, "Program Firmware Successful");
+    EXPECT_EQ(host.linkDisplay.status().line1, "PROGRAM VERIFIED");
 }
 
 TEST_F(LinkTransfers, FirmwareRefusedAtALineFailsWithMessage1004) {
@@ -450,11 +450,11 @@ TEST_F(LinkTransfers, FirmwareRefusedAtALineFailsWithMessage1004) {
     runUntilIdle();
     EXPECT_EQ(host.messages, (std::vector<int>{1004}));
     EXPECT_EQ(host.logLines.back(), "Firmware Upload to ORB Unit FAILED!");
-    EXPECT_TRUE(link.firmwareLost());
-    EXPECT_EQ(link.status().title, "Transfer failed");
-    EXPECT_EQ(link.status().line1, "PROCESS FAILED - EXITED ABNORMALLY.");
-    EXPECT_EQ(link.status().line2, "") << "nobody is to wait any more";
-    EXPECT_EQ(link.status().image, LinkImage::Warning);
+    EXPECT_TRUE(link.firmware().lost());
+    EXPECT_EQ(host.linkDisplay.status().title, "Transfer failed");
+    EXPECT_EQ(host.linkDisplay.status().line1, "PROCESS FAILED - EXITED ABNORMALLY.");
+    EXPECT_EQ(host.linkDisplay.status().line2, "") << "nobody is to wait any more";
+    EXPECT_EQ(host.linkDisplay.status().image, LinkImage::Warning);
 }
 
 TEST_F(LinkTransfers, FirmwareRefusedAtItsStartFailsWithMessage1005) {
@@ -465,7 +465,7 @@ TEST_F(LinkTransfers, FirmwareRefusedAtItsStartFailsWithMessage1005) {
     EXPECT_EQ(port.written(), (Texts{"P3"}));
     EXPECT_EQ(host.messages, (std::vector<int>{1005})) << "the unit is not in upgrade mode";
     EXPECT_EQ(host.logLines.back(), "Firmware Upload to ORB Unit FAILED!");
-    EXPECT_FALSE(link.firmwareLost());
+    EXPECT_FALSE(link.firmware().lost());
 }
 
 TEST_F(LinkTransfers, AFirmwareStartHas5000TicksOfPatienceAndFailsWithMessage1004) {
@@ -475,7 +475,7 @@ TEST_F(LinkTransfers, AFirmwareStartHas5000TicksOfPatienceAndFailsWithMessage100
     EXPECT_TRUE(host.messages.empty());
     ticks(1);
     EXPECT_EQ(host.messages, (std::vector<int>{1004})) << "what it has now is not known";
-    EXPECT_FALSE(link.firmwareLost());
+    EXPECT_FALSE(link.firmware().lost());
     EXPECT_EQ(link.linked().LinkedUnitKind, 0);
 }
 
@@ -490,7 +490,7 @@ TEST_F(LinkTransfers, AFirmwareLineThatIsNeverAnsweredFailsAfter5001TicksWithMes
     EXPECT_TRUE(host.messages.empty());
     ticks(1);
     EXPECT_EQ(host.messages, (std::vector<int>{1004}));
-    EXPECT_TRUE(link.firmwareLost());
+    EXPECT_TRUE(link.firmware().lost());
 }
 
 TEST_F(LinkTransfers, AnEmptyFirmwareFileCountsAsASuccess) {
@@ -512,7 +512,7 @@ class LostFirmware : public LinkTransfers {
         upgrade("S0\nS1\nS9\n");
         runUntilIdle();
         forget();
-        EXPECT_TRUE(link.firmwareLost());
+        EXPECT_TRUE(link.firmware().lost());
     }
 };
 
@@ -547,7 +547,7 @@ TEST_F(LostFirmware, AUnitThatRefusesTheNextStartIsToldWithMessage1005) {
     upgrade("S0\nS9\n");
     runUntilIdle();
     EXPECT_EQ(host.messages, (std::vector<int>{1005}));
-    EXPECT_TRUE(link.firmwareLost()) << "no run has ended well since";
+    EXPECT_TRUE(link.firmware().lost()) << "no run has ended well since";
 }
 
 TEST_F(LinkTransfers, SilentStartsOfAUnitThatNeverGotALineProveNothing) {
@@ -580,7 +580,7 @@ TEST_F(LostFirmware, WithTheAdapterPulledOutNobodyKnowsThatTheUnitIsLostForGood)
         port.loseDevice();
         runUntilIdle();
         EXPECT_EQ(host.messages, (std::vector<int>{1004})) << run;
-        EXPECT_EQ(link.status().title, "Adapter unplugged");
+        EXPECT_EQ(host.linkDisplay.status().title, "Adapter unplugged");
         port.returnDevice("/dev/ttyUSB0");
         ticks(2000);
     }
@@ -614,19 +614,19 @@ TEST_F(LostFirmware, WithTheAdapterThereAgainLaterRunsMayTellThatTheUnitIsLost) 
 }
 
 TEST_F(LostFirmware, ItsKindIsKeptForTheRunThatMendsIt) {
-    EXPECT_EQ(link.firmwareLostSlot(), 3);
+    EXPECT_EQ(link.firmware().lostSlot(), 3);
     port.always("E", atOnce(""));
     link.Send_ORB_Command("E");
     ticks(1 + 1001);  // nobody answers any more
     ASSERT_EQ(link.linked().LinkedUnitKind, 0);
-    EXPECT_EQ(link.firmwareLostSlot(), 3);
+    EXPECT_EQ(link.firmware().lostSlot(), 3);
     answerLines("AX");
     port.always("S9", atOnce("PN"));
     forget();
     upgrade("S0\nS9\n");
     runUntilIdle();
     EXPECT_EQ(port.written(), (Texts{"E", "P3", "S0", "S9"})) << "this kind takes its lines without an end";
-    EXPECT_EQ(link.firmwareLostSlot(), 0);
+    EXPECT_EQ(link.firmware().lostSlot(), 0);
 }
 
 TEST_F(LostFirmware, ASecondRunThatEndsWellMendsIt) {
@@ -634,7 +634,7 @@ TEST_F(LostFirmware, ASecondRunThatEndsWellMendsIt) {
     upgrade("S0\nS9\n");
     runUntilIdle();
     EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008}));
-    EXPECT_FALSE(link.firmwareLost());
+    EXPECT_FALSE(link.firmware().lost());
     forget();
     answerLines("AR");
     upgrade("S0\nS9\n");
@@ -645,12 +645,12 @@ TEST_F(LostFirmware, ASecondRunThatEndsWellMendsIt) {
 TEST_F(LostFirmware, AnEmptyFileMendsNothing) {
     upgrade("");
     runUntilIdle();
-    EXPECT_TRUE(link.firmwareLost());
+    EXPECT_TRUE(link.firmware().lost());
 }
 
 TEST_F(LostFirmware, AUnitThatTellsItsFirmwareHasOne) {
     identify(200001, "ZQA-405099");
-    EXPECT_FALSE(link.firmwareLost());
+    EXPECT_FALSE(link.firmware().lost());
     answerLines("");
     for (int run = 0; run < 4; ++run) {
         forget();
@@ -666,7 +666,7 @@ TEST_F(LostFirmware, TheNextRunOutlivesThePollThatTheUnitDoesNotAnswer) {
     link.Send_ORB_Command("E");
     ticks(1);
     upgrade("S0\nS9\n");
-    EXPECT_TRUE(link.firmwarePending());
+    EXPECT_TRUE(link.transfer().firmware());
     ticks(1001);  // the poll dies, and the link with it
     EXPECT_EQ(link.linked().LinkedUnitKind, 0);
     EXPECT_TRUE(host.messages.empty());
@@ -685,7 +685,7 @@ TEST_F(LinkTransfers, AFirmwareOutlivesAFrameThatAUnitInUpgradeModeNoLongerAnswe
     upgrade("S9\n");
     link.Send_ORB_Command("K");
     ticks(84);
-    EXPECT_EQ(link.QueuedCommands(), 1) << "the firmware alone stays";
+    EXPECT_EQ(link.ring().count(), 1) << "the firmware alone stays";
     runUntilIdle();
     EXPECT_EQ(port.written(), (Texts{"F", "E", "P3", "S9"})) << "lines as the kind takes them that was found";
     EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008}));
@@ -703,7 +703,7 @@ class WaitingFirmware : public LinkTransfers {
         upgrade("S0\nS9\n");
         ticks(84);
         EXPECT_EQ(link.linked().LinkedUnitKind, 0);
-        EXPECT_TRUE(link.firmwarePending());
+        EXPECT_TRUE(link.transfer().firmware());
         forget();
     }
     bool programmed() const {
@@ -837,7 +837,7 @@ TEST_F(LinkTransfers, AFirmwareFileThatVanishesOnTheWayIsSentToItsEnd) {
 TEST_F(LinkTransfers, AnAbsentFirmwareFileQueuesNothing) {
     find(200000);
     EXPECT_THROW(link.Program_Unit(TransferMode::Firmware, folder.path("absent.nv3")), FileError);
-    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(link.ring().count(), 0);
 }
 
 TEST_F(LinkTransfers, WithAClosedPortATransferFailsAndPollingGoesOn) {
@@ -845,7 +845,7 @@ TEST_F(LinkTransfers, WithAClosedPortATransferFailsAndPollingGoesOn) {
     runUntilIdle();
     EXPECT_EQ(host.messages, (std::vector<int>{1004}));
     EXPECT_FALSE(link.AutoPollSuspended());
-    EXPECT_FALSE(link.TransferActive());
+    EXPECT_FALSE(link.transfer().active());
 }
 
 // ---- The unit's own datalog
@@ -867,12 +867,12 @@ TEST_F(DatalogTransfer, StartWritesItsLinesAndTheHeaderOfTheFile) {
     download();
     EXPECT_EQ(host.logLines, (Texts{"Downloading on-board datalog file... ",
                                     "Saving data to: " + folder.path("log.dat"), "  - Downloading data..."}));
-    EXPECT_EQ(link.TransferLines(), 0);
-    EXPECT_FALSE(link.TransferActive());
+    EXPECT_EQ(link.transfer().lines(), 0);
+    EXPECT_FALSE(link.transfer().active());
     ticks(1);
     EXPECT_EQ(port.written(), (Texts{"D"}));
-    EXPECT_TRUE(link.TransferActive());
-    link.End_Transfer(false);
+    EXPECT_TRUE(link.transfer().active());
+    ticks(1001);
     EXPECT_EQ(linesOfLog(), 3u);
 }
 
@@ -906,7 +906,7 @@ TEST_F(DatalogTransfer, TheEndAtOnceIsAnEmptyLogAndMessage1007) {
     runUntilIdle();
     EXPECT_EQ(host.messages, (std::vector<int>{1007}));
     EXPECT_EQ(host.logLines[2], "  - Downloading data... FAIL!");
-    EXPECT_FALSE(link.TransferActive());
+    EXPECT_FALSE(link.transfer().active());
     EXPECT_EQ(link.linked().LinkedUnitKind, 3);
 }
 
@@ -924,14 +924,14 @@ TEST_F(DatalogTransfer, ABadHeaderRaisesNoMessageAndStallsIntoTheTimeOut) {
     download();
     ticks(5);
     EXPECT_EQ(link.CurrentCommand(), "");
-    EXPECT_EQ(link.TransferLines(), 2);
+    EXPECT_EQ(link.transfer().lines(), 2);
     EXPECT_TRUE(host.messages.empty());
     ticks(995);
     EXPECT_TRUE(host.messages.empty());
-    EXPECT_TRUE(link.TransferActive());
+    EXPECT_TRUE(link.transfer().active());
     ticks(10);
     EXPECT_EQ(host.messages, (std::vector<int>{1007}));
-    EXPECT_FALSE(link.TransferActive());
+    EXPECT_FALSE(link.transfer().active());
     EXPECT_FALSE(link.AutoPollSuspended());
     EXPECT_EQ(port.written(), (Texts{"D", "D"}));
 }
@@ -953,13 +953,13 @@ TEST_F(DatalogTransfer, AFullLogReachesAHundredPercentAndGoesOnCounting) {
     port.always("D", atOnce(dataRecord(1, 40)));
     download();
     ticks(1 + 2 * 910);
-    EXPECT_EQ(link.TransferLines(), 910);
-    EXPECT_EQ(link.status().progressPercent, 50);
+    EXPECT_EQ(link.transfer().lines(), 910);
+    EXPECT_EQ(host.linkDisplay.status().progressPercent, 50);
     ticks(2 * 910);
-    EXPECT_EQ(link.status().progressPercent, 100);
+    EXPECT_EQ(host.linkDisplay.status().progressPercent, 100);
     ticks(2 * 10);
-    EXPECT_EQ(link.TransferLines(), 1830);
-    EXPECT_EQ(link.status().progressPercent, 100);
+    EXPECT_EQ(link.transfer().lines(), 1830);
+    EXPECT_EQ(host.linkDisplay.status().progressPercent, 100);
 }
 
 TEST_F(DatalogTransfer, AUserCommandIsWrittenBetweenTwoRecords) {
@@ -982,14 +982,14 @@ TEST_F(DatalogTransfer, AUserCommandThatIsNeverAnsweredEndsTheDownloadWithTheLin
     ticks(1001);
     EXPECT_EQ(host.messages, (std::vector<int>{1007}));
     EXPECT_FALSE(link.AutoPollSuspended());
-    EXPECT_FALSE(link.TransferActive());
-    EXPECT_FALSE(link.status().progressVisible);
+    EXPECT_FALSE(link.transfer().active());
+    EXPECT_FALSE(host.linkDisplay.status().progressVisible);
 }
 
 TEST_F(DatalogTransfer, AFileThatCannotBeMadeQueuesNothing) {
     link.AutoPollSuspended(true);
     EXPECT_THROW(link.Program_Unit(TransferMode::Datalog, folder.path("absent/log.dat")), FileError);
-    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(link.ring().count(), 0);
     EXPECT_FALSE(link.AutoPollSuspended());
 }
 
@@ -1001,15 +1001,6 @@ TEST_F(DatalogTransfer, AFullDiskFailsTheDownload) {
     link.Program_Unit(TransferMode::Datalog, "/dev/full");
     runUntilIdle();
     EXPECT_EQ(host.messages, (std::vector<int>{1007}));
-}
-
-// ---- The closing routine
-
-TEST_F(LinkTransfers, EndWithNoTransferSaysThatPollingGoesOn) {
-    link.AutoPollSuspended(true);
-    link.End_Transfer(true);
-    EXPECT_EQ(host.calls, (Texts{"add: SUCCESS!", "log: Automatic POLL/SYNC: ENABLED"}));
-    EXPECT_FALSE(link.AutoPollSuspended());
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ TEST_F(LinkTransport, LoadWritesItsLinesShowsThePortAndOpensIt) {
     link.load();
     EXPECT_EQ(host.logLines, (Texts{"COMM. Initialized.", "Initializing Communication with ORB",
                                     "Connection with ORB Established."}));
-    EXPECT_EQ(link.status().port, "4");
+    EXPECT_EQ(host.linkDisplay.status().port, "4");
     EXPECT_EQ(port.openedPorts(), (std::vector<int>{4}));
 }
 
@@ -32,8 +32,8 @@ TEST_F(LinkTransport, UnloadWritesItsLine) {
 
 TEST_F(LinkTransport, OpeningReportsConnected) {
     EXPECT_TRUE(link.RS232_Initialize(2));
-    EXPECT_TRUE(link.status().connected);
-    EXPECT_EQ(link.status().image, LinkImage::Connected);
+    EXPECT_TRUE(host.linkDisplay.status().connected);
+    EXPECT_EQ(host.linkDisplay.status().image, LinkImage::Connected);
     EXPECT_EQ(statusTexts(), (Texts{"Connected", "RS232 Connection Initialized!", ""}));
     EXPECT_EQ(host.logLines, (Texts{"Connection with ORB Established."}));
     EXPECT_EQ(port.threshold(), 0);
@@ -42,18 +42,18 @@ TEST_F(LinkTransport, OpeningReportsConnected) {
 TEST_F(LinkTransport, APortThatCannotBeOpenedReportsNoConnection) {
     port.refuse(3);
     EXPECT_FALSE(link.RS232_Initialize(3));
-    EXPECT_FALSE(link.status().connected);
-    EXPECT_EQ(link.status().image, LinkImage::NoConnect);
+    EXPECT_FALSE(host.linkDisplay.status().connected);
+    EXPECT_EQ(host.linkDisplay.status().image, LinkImage::NoConnect);
     EXPECT_EQ(statusTexts(), (Texts{"No Connection Mode", "Port is Currently Not Available.",
                                     "Please Check your Serial Connection and try again"}));
     EXPECT_EQ(host.logLines, (Texts{"COMM Port:3 Not Available, Cannot Open Connection."}));
 }
 
-TEST_F(LinkTransport, CommPortZeroOpensPortOneAndIsStored) {
+TEST_F(LinkTransport, CommPortZeroOpensPortOneAndIsTold) {
     EXPECT_TRUE(link.RS232_Initialize(0));
     EXPECT_EQ(port.openedPorts(), (std::vector<int>{1}));
     EXPECT_EQ(link.commPort(), 1);
-    EXPECT_EQ(settings.get("System", "CommPort"), "1");
+    EXPECT_EQ(host.portsForced, 1);
 }
 
 TEST_F(LinkTransport, NegativeCommPortOpensPortOne) {
@@ -64,7 +64,7 @@ TEST_F(LinkTransport, NegativeCommPortOpensPortOne) {
 
 TEST_F(LinkTransport, APortWithNoUnitOpensFineAndOnlyTheSerialNumberTells) {
     EXPECT_TRUE(link.RS232_Initialize(1));
-    EXPECT_TRUE(link.status().connected);
+    EXPECT_TRUE(host.linkDisplay.status().connected);
     EXPECT_EQ(link.linked().SerialNumber, 0);
 }
 
@@ -78,15 +78,15 @@ TEST_F(LinkTransport, ASecondInitializeClosesAndReopens) {
 
 TEST_F(LinkTransport, ReopeningWithAnIdentifiedUnitHidesTheProgressBar) {
     identify(200000, "ZQA0005001");
-    link.editStatus().progressVisible = true;
+    host.linkDisplay.editStatus().progressVisible = true;
     link.RS232_Initialize(1);
-    EXPECT_FALSE(link.status().progressVisible);
+    EXPECT_FALSE(host.linkDisplay.status().progressVisible);
 }
 
 TEST_F(LinkTransport, ReopeningWithNoUnitLeavesTheProgressBar) {
-    link.editStatus().progressVisible = true;
+    host.linkDisplay.editStatus().progressVisible = true;
     link.RS232_Initialize(1);
-    EXPECT_TRUE(link.status().progressVisible);
+    EXPECT_TRUE(host.linkDisplay.status().progressVisible);
 }
 
 TEST_F(LinkTransport, ClosingWritesItsLineAlsoWhenNothingIsOpen) {
@@ -104,7 +104,7 @@ TEST_F(LinkTransport, OrbCloseLeavesItsKInTheQueue) {
     link.ORB_Close();
     ticks(1);
     EXPECT_TRUE(port.written().empty());
-    EXPECT_EQ(link.QueuedCommands(), 1);
+    EXPECT_EQ(link.ring().count(), 1);
 }
 
 TEST_F(LinkTransport, OutputGoesOutWholeAndCountsOneCommandLess) {
@@ -113,15 +113,15 @@ TEST_F(LinkTransport, OutputGoesOutWholeAndCountsOneCommandLess) {
     link.Send_ORB_Command("T");
     link.RS232_OUTPUT(bytes({0x5A, 0x00, 0x80, 0xFF}));
     EXPECT_EQ(port.written(), (Texts{bytes({0x5A, 0x00, 0x80, 0xFF})}));
-    EXPECT_EQ(link.QueuedCommands(), 1);
-    EXPECT_EQ(link.status().send, Lamp::Sending);
+    EXPECT_EQ(link.ring().count(), 1);
+    EXPECT_EQ(host.linkDisplay.status().send, Lamp::Sending);
 }
 
 TEST_F(LinkTransport, OutputOnAClosedPortDoesNothing) {
     link.Send_ORB_Command("T");
     link.RS232_OUTPUT("T");
-    EXPECT_EQ(link.QueuedCommands(), 1);
-    EXPECT_EQ(link.status().send, Lamp::Rest);
+    EXPECT_EQ(link.ring().count(), 1);
+    EXPECT_EQ(host.linkDisplay.status().send, Lamp::Rest);
     EXPECT_TRUE(host.logLines.empty());
 }
 
@@ -132,7 +132,7 @@ TEST_F(LinkTransport, ReceivedBytesReplaceRxBufferAndLightTheLamp) {
     port.advanceUs(1000);
     EXPECT_EQ(link.RxBuffer(), (std::vector<std::uint8_t>{'f', 'i', 'r', 's', 't'}));
     EXPECT_TRUE(link.ResponseReady());
-    EXPECT_EQ(link.status().receive, Lamp::Received);
+    EXPECT_EQ(host.linkDisplay.status().receive, Lamp::Received);
     port.send(atOnce("AX"));
     port.advanceUs(1000);
     EXPECT_EQ(link.RxBuffer(), (std::vector<std::uint8_t>{'A', 'X'}));
@@ -143,9 +143,9 @@ TEST_F(LinkTransport, TheSendLampRestsWhenTheReplyCame) {
     port.always("K", atOnce("AX"));
     link.Send_ORB_Command("K");
     ticks(1);
-    EXPECT_EQ(link.status().send, Lamp::Sending);
+    EXPECT_EQ(host.linkDisplay.status().send, Lamp::Sending);
     ticks(1);
-    EXPECT_EQ(link.status().send, Lamp::Rest);
+    EXPECT_EQ(host.linkDisplay.status().send, Lamp::Rest);
 }
 
 TEST_F(LinkTransport, AnotherEventLeavesTheReplyAloneButResetsTheLamps) {
@@ -155,8 +155,8 @@ TEST_F(LinkTransport, AnotherEventLeavesTheReplyAloneButResetsTheLamps) {
     port.advanceUs(1000);
     link.RS232_OUTPUT("T");
     port.raiseError();
-    EXPECT_EQ(link.status().send, Lamp::Rest);
-    EXPECT_EQ(link.status().receive, Lamp::Rest);
+    EXPECT_EQ(host.linkDisplay.status().send, Lamp::Rest);
+    EXPECT_EQ(host.linkDisplay.status().receive, Lamp::Rest);
     EXPECT_TRUE(link.ResponseReady());
     EXPECT_EQ(link.RxBuffer(), (std::vector<std::uint8_t>{'A', 'X'}));
 }
@@ -184,12 +184,12 @@ TEST_F(LinkTransport, EachStateHasItsImageAndEffect) {
         {"Warning", LinkImage::Warning, false, false, true},
     };
     for (const StateCase& row : cases) {
-        link.editStatus().connected = row.connectedBefore;
-        link.editStatus().progressVisible = true;
-        link.COMM_StatusMessage("t", "1", "2", row.state);
-        EXPECT_EQ(link.status().image, row.image) << row.state;
-        EXPECT_EQ(link.status().connected, row.connectedAfter) << row.state;
-        EXPECT_EQ(link.status().progressVisible, row.progressAfter) << row.state;
+        host.linkDisplay.editStatus().connected = row.connectedBefore;
+        host.linkDisplay.editStatus().progressVisible = true;
+        host.linkDisplay.COMM_StatusMessage("t", "1", "2", row.state);
+        EXPECT_EQ(host.linkDisplay.status().image, row.image) << row.state;
+        EXPECT_EQ(host.linkDisplay.status().connected, row.connectedAfter) << row.state;
+        EXPECT_EQ(host.linkDisplay.status().progressVisible, row.progressAfter) << row.state;
         EXPECT_EQ(statusTexts(), (Texts{"t", "1", "2"})) << row.state;
     }
     EXPECT_EQ(static_cast<int>(LinkImage::Connected), 2);
@@ -200,12 +200,12 @@ TEST_F(LinkTransport, EachStateHasItsImageAndEffect) {
 }
 
 TEST_F(LinkTransport, ChangesMovesOnlyWhenTheStatusDoes) {
-    link.COMM_StatusMessage("t", "1", "2", "Monitor");
-    const auto before = link.status().changes;
-    link.COMM_StatusMessage("t", "1", "2", "Monitor");
-    EXPECT_EQ(link.status().changes, before);
-    link.COMM_StatusMessage("t", "1", "3", "Monitor");
-    EXPECT_EQ(link.status().changes, before + 1);
+    host.linkDisplay.COMM_StatusMessage("t", "1", "2", "Monitor");
+    const auto before = host.linkDisplay.status().changes;
+    host.linkDisplay.COMM_StatusMessage("t", "1", "2", "Monitor");
+    EXPECT_EQ(host.linkDisplay.status().changes, before);
+    host.linkDisplay.COMM_StatusMessage("t", "1", "3", "Monitor");
+    EXPECT_EQ(host.linkDisplay.status().changes, before + 1);
 }
 
 // ---- Port search
@@ -231,14 +231,14 @@ TEST_F(PortSearch, WithNoPortAtAllTriesAllTwelveAndAnswersZero) {
     ASSERT_EQ(host.logLines.size(), 12u);
     EXPECT_EQ(host.logLines.front(), "COMM Port:1 Not Available, Cannot Open Connection.");
     EXPECT_EQ(host.logLines.back(), "COMM Port:12 Not Available, Cannot Open Connection.");
-    EXPECT_EQ(link.status().title, "No Connection Mode");
+    EXPECT_EQ(host.linkDisplay.status().title, "No Connection Mode");
     EXPECT_EQ(link.commPort(), 12);
 }
 
 TEST_F(PortSearch, FailedPortsLeaveNoCommandsBehindThatWouldSilenceThePollers) {
     port.refuseAll();
     link.Autodetect_COMM_Port();
-    EXPECT_LT(link.QueuedCommands(), 5);
+    EXPECT_LT(link.ring().count(), 5);
 }
 
 TEST_F(PortSearch, FindsTheUnitOnItsPortAndLeavesItOpen) {
@@ -332,7 +332,7 @@ TEST_F(PortSearch, AnAnswerThatATickHasHandledIsNotTakenForTheFrameThatIsAskedFo
     // The dashboard polls as soon as the unit is known; its frame is not there when the 50 ms are over.
     port.always("F", {.bytes = std::string(35, '\x02'), .delayUs = 60'000});
     yielding.meanwhile = [this] {
-        if (link.linked().UnitIdentified && link.QueuedCommands() == 0) link.Send_ORB_Command("F");
+        if (link.linked().UnitIdentified && link.ring().count() == 0) link.Send_ORB_Command("F");
         ticks(1);
     };
     EXPECT_EQ(link.Autodetect_COMM_Port(), 1);

@@ -405,10 +405,10 @@ class Walk {
     Observed observe() {
         Observed seen;
         seen.command = link.CurrentCommand();
-        seen.head = link.QueueHead(), seen.tail = link.QueueTail(), seen.queued = link.QueuedCommands();
-        seen.ready = link.ResponseReady(), seen.transferActive = link.TransferActive();
+        seen.head = link.ring().head(), seen.tail = link.ring().tail(), seen.queued = link.ring().count();
+        seen.ready = link.ResponseReady(), seen.transferActive = link.transfer().active();
         seen.onFlyBusy = link.OnFlyBusy(), seen.suspended = link.AutoPollSuspended();
-        seen.line = link.TransferLine(), seen.lines = link.TransferLines();
+        seen.line = link.transfer().line(), seen.lines = link.transfer().lines();
         seen.rx = link.RxBuffer();
         seen.open = port.isOpen(), seen.threshold = port.threshold, seen.waiting = port.waiting.size();
         const LinkedUnit& unit = link.linked();
@@ -421,11 +421,11 @@ class Walk {
             seen.build.at(at) = host.unit(slot).FW_Build();
             seen.pic18.at(at) = host.unit(slot).hasPIC18();
         }
-        const LinkStatus& status = link.status();
+        const LinkStatus& status = host.linkDisplay.status();
         seen.activity = status.activity, seen.title = status.title,
         seen.image = static_cast<int>(status.image);
         seen.connected = status.connected, seen.progress = status.progressVisible;
-        seen.upgradeEnabled = status.firmwareUpgradeEnabled;
+        seen.upgradeEnabled = !unit.OldFirmware;
         seen.sending = status.send == Lamp::Sending, seen.received = status.receive == Lamp::Received;
         seen.written = std::exchange(port.written, {});
         seen.calls = std::exchange(host.calls, {});
@@ -489,9 +489,8 @@ class Walk {
     RecordingLinkHost host;
     LiveValues live;
     FrameDecoder decoder{live};
-    MemorySettings settings;
     NoYield yield;
-    Link link{port, host, decoder, live, settings, clock, yield};
+    Link link{port, host, decoder, live, clock, yield};
     Model model;
 
     std::mt19937 random_;

@@ -26,7 +26,7 @@ class OnTheFlyOrder : public LinkBench {
 TEST_F(OnTheFlyOrder, ARecordGoesInFrontOfThePollsThatWait) {
     queue({"W", "W", "I", "T", "F"});
     link.SEND_ONFLY("one");
-    EXPECT_EQ(link.QueuedCommands(), 6);
+    EXPECT_EQ(link.ring().count(), 6);
     EXPECT_EQ(sent(), (Texts{"P2one", "W", "W", "I", "T", "F"}));
 }
 
@@ -64,25 +64,25 @@ TEST_F(OnTheFlyOrder, ARecordPassesNoCommandOfTheUser) {
 }
 
 TEST_F(OnTheFlyOrder, ItHoldsAcrossTheEndOfTheRing) {
-    for (int i = 0; i < Link::ringSize - 2; ++i) {
+    for (int i = 0; i < CommandRing::size - 2; ++i) {
         queue({"W"});
         ticks(3);
     }
     port.takeWritten();
-    EXPECT_EQ(link.QueueTail(), Link::ringSize - 2);
+    EXPECT_EQ(link.ring().tail(), CommandRing::size - 2);
     queue({"W", "W", "W"});
-    EXPECT_EQ(link.QueueTail(), 1);
+    EXPECT_EQ(link.ring().tail(), 1);
     link.SEND_ONFLY("one");
-    EXPECT_EQ(link.QueueTail(), 2);
+    EXPECT_EQ(link.ring().tail(), 2);
     EXPECT_EQ(sent(), (Texts{"P2one", "W", "W", "W"}));
-    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(link.ring().count(), 0);
 }
 
 TEST_F(OnTheFlyOrder, AFullRingLosesItsOldestPollAndNoRecord) {
-    for (int i = 0; i < Link::ringSize - 1; ++i) queue({"W"});
+    for (int i = 0; i < CommandRing::size - 1; ++i) queue({"W"});
     link.SEND_ONFLY("one");
-    const int waiting = (link.QueueTail() - link.QueueHead()) & (Link::ringSize - 1);
-    EXPECT_EQ(waiting, Link::ringSize - 1);
+    const int waiting = (link.ring().tail() - link.ring().head()) & (CommandRing::size - 1);
+    EXPECT_EQ(waiting, CommandRing::size - 1);
     ticks(1);
     EXPECT_EQ(port.written(), (Texts{"P2one"}));
 }

@@ -40,7 +40,7 @@ class PollerTest : public LinkBench {
 
     int refreshes = 0;
     int displays = 0;
-    Poller poller{link,
+    Poller poller{link, host.linkDisplay,
                   [this] {
                       ++refreshes;
                       link.Send_ORB_Command("T");
@@ -51,15 +51,15 @@ class PollerTest : public LinkBench {
 TEST_F(PollerTest, WithNoUnitItAsksOnEveryTenthFiring) {
     open();
     fire(9);
-    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(link.ring().count(), 0);
     EXPECT_EQ(poller.ConnectCount(), 9);
     fire(1);
-    EXPECT_EQ(link.QueuedCommands(), 1);
+    EXPECT_EQ(link.ring().count(), 1);
     EXPECT_EQ(poller.ConnectCount(), 0);
     fire(20);
-    EXPECT_EQ(link.QueuedCommands(), 1) << "the first question has not even gone out";
-    EXPECT_TRUE(link.status().noConnectPanel);
-    EXPECT_EQ(link.status().noConnectText, "Connecting...");
+    EXPECT_EQ(link.ring().count(), 1) << "the first question has not even gone out";
+    EXPECT_TRUE(host.linkDisplay.status().noConnectPanel);
+    EXPECT_EQ(host.linkDisplay.status().noConnectText, "Connecting...");
     EXPECT_EQ(displays, 0);
     ticks(1);
     EXPECT_EQ(port.written(), (Texts{"E"}));
@@ -82,7 +82,7 @@ TEST_F(PollerTest, WhileAnAnswerIsWaitedForNoFurtherQuestionsPileUp) {
     for (int i = 0; i < 90; ++i) {  // the answer to B is lost
         fire(1);
         ticks(10);
-        ASSERT_EQ(link.QueuedCommands(), 0) << i;
+        ASSERT_EQ(link.ring().count(), 0) << i;
     }
     ticks(120);
     fire(10);
@@ -94,16 +94,16 @@ TEST_F(PollerTest, AUnitWithOldFirmwareStaysInTheSearch) {
     open();
     exchange("E", bytes({0x00, 0x00, 0x02, 0x9C, 'A', 'X'}));
     fire(10);
-    EXPECT_EQ(link.status().noConnectText, "Connecting...");
-    EXPECT_TRUE(link.status().noConnectPanel);
-    EXPECT_EQ(link.QueuedCommands(), 1);
+    EXPECT_EQ(host.linkDisplay.status().noConnectText, "Connecting...");
+    EXPECT_TRUE(host.linkDisplay.status().noConnectPanel);
+    EXPECT_EQ(link.ring().count(), 1);
 }
 
 TEST_F(PollerTest, AnIdentifiedUnitIsAskedForNarrowFrames) {
     identify(200000, "ZQA0004001");
     fire(1);
     EXPECT_EQ(displays, 1);
-    EXPECT_FALSE(link.status().noConnectPanel);
+    EXPECT_FALSE(host.linkDisplay.status().noConnectPanel);
     EXPECT_EQ(queued(), (Texts{"F"}));
 }
 
@@ -117,7 +117,7 @@ TEST_F(PollerTest, AUnitWithTheWideMonitorIsAskedForWideFrames) {
 TEST_F(PollerTest, FiveWaitingCommandsAreEnoughButTheDisplayGoesOn) {
     identify(200000, "ZQA0004001");
     fire(8);
-    EXPECT_EQ(link.QueuedCommands(), 5);
+    EXPECT_EQ(link.ring().count(), 5);
     EXPECT_EQ(displays, 8);
 }
 
@@ -125,9 +125,9 @@ TEST_F(PollerTest, FourWaitingCommandsLeaveRoomForOne) {
     identify(200000, "ZQA0004001");
     for (int i = 0; i < 4; ++i) link.Send_ORB_Command("K");
     fire(1);
-    EXPECT_EQ(link.QueuedCommands(), 5);
+    EXPECT_EQ(link.ring().count(), 5);
     fire(1);
-    EXPECT_EQ(link.QueuedCommands(), 5);
+    EXPECT_EQ(link.ring().count(), 5);
 }
 
 TEST_F(PollerTest, InputAndOutputStateIsAskedForOnEveryFourthFiring) {
@@ -153,7 +153,7 @@ TEST_F(PollerTest, AUnitWhoseFramesCarryTheStateIsNotAskedForIt) {
 TEST_F(PollerTest, TheWideMonitorCarriesTheStateItself) {
     identify(300000, "ZQL0007001");
     fire(4);
-    EXPECT_EQ(link.QueuedCommands(), 4);
+    EXPECT_EQ(link.ring().count(), 4);
     EXPECT_EQ(poller.GPIOCount(), 4);
 }
 
@@ -204,25 +204,25 @@ TEST_F(PollerTest, WhileAChangeIsOnTheWireThePanelSaysUpdating) {
     ticks(1);
     ASSERT_TRUE(link.OnFlyBusy());
     fire(3);
-    EXPECT_TRUE(link.status().noConnectPanel);
-    EXPECT_EQ(link.status().noConnectText, "Updating");
-    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_TRUE(host.linkDisplay.status().noConnectPanel);
+    EXPECT_EQ(host.linkDisplay.status().noConnectText, "Updating");
+    EXPECT_EQ(link.ring().count(), 0);
     EXPECT_EQ(displays, 0);
 }
 
 TEST_F(PollerTest, BehindTheSecondTabItOnlyMovesThePanelAway) {
     identify(200000, "ZQA0004001");
-    link.showNoConnectPanel("Connecting...");
+    host.linkDisplay.showNoConnectPanel("Connecting...");
     fire(20, {.tab2Showing = true});
-    EXPECT_FALSE(link.status().noConnectPanel);
-    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_FALSE(host.linkDisplay.status().noConnectPanel);
+    EXPECT_EQ(link.ring().count(), 0);
     EXPECT_EQ(displays, 0);
 }
 
 TEST_F(PollerTest, BehindTheSecondTabNoUnitIsSearched) {
     open();
     fire(30, {.tab2Showing = true});
-    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(link.ring().count(), 0);
     EXPECT_EQ(poller.ConnectCount(), 0);
 }
 
@@ -230,28 +230,28 @@ TEST_F(PollerTest, AutoVeCoversTheDashboardOnEveryTab) {
     identify(200000, "ZQA0004001");
     for (const bool second : {false, true}) {
         fire(1, {.tab2Showing = second, .autoVeOn = true});
-        EXPECT_TRUE(link.status().noConnectPanel);
-        EXPECT_EQ(link.status().noConnectText, "AutoVE ON");
+        EXPECT_TRUE(host.linkDisplay.status().noConnectPanel);
+        EXPECT_EQ(host.linkDisplay.status().noConnectText, "AutoVE ON");
     }
-    EXPECT_EQ(link.QueuedCommands(), 1);
+    EXPECT_EQ(link.ring().count(), 1);
 }
 
 TEST_F(PollerTest, SuspendedPollingQueuesNothing) {
     identify(200000, "ZQA0004001");
     link.AutoPollSuspended(true);
     fire(60);
-    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(link.ring().count(), 0);
     EXPECT_EQ(refreshes, 0);
     link.AutoPollSuspended(false);
     fire(1);
-    EXPECT_EQ(link.QueuedCommands(), 1);
+    EXPECT_EQ(link.ring().count(), 1);
 }
 
 TEST_F(PollerTest, SuspendedPollingSearchesNoUnit) {
     open();
     link.AutoPollSuspended(true);
     fire(30);
-    EXPECT_EQ(link.QueuedCommands(), 0);
+    EXPECT_EQ(link.ring().count(), 0);
 }
 
 TEST_F(PollerTest, ALostLinkGoesBackToTheSearch) {
@@ -260,7 +260,7 @@ TEST_F(PollerTest, ALostLinkGoesBackToTheSearch) {
     ticks(1 + 84);
     ASSERT_FALSE(link.linked().UnitIdentified);
     fire(10);
-    EXPECT_EQ(link.status().noConnectText, "Connecting...");
+    EXPECT_EQ(host.linkDisplay.status().noConnectText, "Connecting...");
     ticks(1);
     EXPECT_EQ(port.written(), (Texts{"F", "E"}));
 }
@@ -269,7 +269,7 @@ TEST_F(PollerTest, OnAClosedPortTheQueueDoesNotGrowWithoutBound) {
     for (int i = 0; i < 2000; ++i) {
         fire(1);
         ticks(10);
-        ASSERT_LE(link.QueuedCommands(), 12);
+        ASSERT_LE(link.ring().count(), 12);
     }
 }
 

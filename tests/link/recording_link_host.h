@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "link/link_host.h"
+#include "link/link_teller.h"
 #include "unit/unit.h"
 #include "unit/unit_host.h"
 #include "unit/unit_kind.h"
@@ -40,7 +40,7 @@ class PlainUnitHost : public UnitHost {
     std::string folder;
 };
 
-class RecordingLinkHost : public LinkHost {
+class RecordingLinkHost : public LinkTeller {
  public:
     RecordingLinkHost() {
         for (const int slot : {0, 3, 4, 5, 6, 7, 8}) {
@@ -75,19 +75,26 @@ class RecordingLinkHost : public LinkHost {
         calls.push_back("box: " + box.title);
         if (whileBoxShows) whileBoxShows();
     }
-    void initializeOnFly(bool on) override {
-        onFlyCalls.push_back(on);
-        calls.push_back(on ? "onfly: on" : "onfly: off");
-        if (whenOnFly) whenOnFly();
+    void heard(const LinkNews& news) override {
+        LinkTeller::heard(news);
+        if (news.event == LinkEvent::LinkLost || news.event == LinkEvent::UnitAgrees) {
+            initializeOnFly(news.event == LinkEvent::UnitAgrees);
+        }
+        if (news.event == LinkEvent::TableLock) locks.push_back(news.number != 0);
+        if (news.event == LinkEvent::KindFound) kindsFound.push_back(news.number);
+        if (news.event == LinkEvent::CodesReceived) ++codesReceivedCount;
+        if (news.event == LinkEvent::CodesCleared) ++codesClearedCount;
+        if (news.event == LinkEvent::FrameDecoded) ++frameCount;
+        if (news.event == LinkEvent::PortForced) ++portsForced;
     }
-    void onFlyLock(bool busy) override { locks.push_back(busy); }
-    void unitKindFound(int slot) override { kindsFound.push_back(slot); }
-    void codesReceived() override { ++codesReceivedCount; }
-    void codesCleared() override { ++codesClearedCount; }
-    void frameDecoded() override { ++frameCount; }
-    std::string applicationFolder() const override { return unitHost.folder; }
-    int expectedRelease(int slot) const override { return releases.contains(slot) ? releases.at(slot) : 99; }
-    int expectedBuild(int slot) const override { return builds.contains(slot) ? builds.at(slot) : 999; }
+    void transferEnded(const TransferEnd& end) override {
+        ends.push_back(end);
+        LinkTeller::transferEnded(end);
+    }
+    FirmwareNumber expectedFirmware(int slot) const override {
+        return {releases.contains(slot) ? releases.at(slot) : 99,
+                builds.contains(slot) ? builds.at(slot) : 999};
+    }
 
     PlainUnitHost unitHost;
     std::map<int, std::unique_ptr<Unit>> units;
@@ -100,6 +107,7 @@ class RecordingLinkHost : public LinkHost {
     std::function<void()> whenOnFly;
 
     std::vector<std::string> calls;
+    std::vector<TransferEnd> ends;
     std::vector<std::string> logLines;
     std::vector<std::string> commLines;
     std::vector<int> messages;
@@ -107,9 +115,17 @@ class RecordingLinkHost : public LinkHost {
     std::vector<bool> onFlyCalls;
     std::vector<bool> locks;
     std::vector<int> kindsFound;
+    int portsForced = 0;
     int codesReceivedCount = 0;
     int codesClearedCount = 0;
     int frameCount = 0;
+
+ private:
+    void initializeOnFly(bool on) {
+        onFlyCalls.push_back(on);
+        calls.push_back(on ? "onfly: on" : "onfly: off");
+        if (whenOnFly) whenOnFly();
+    }
 };
 
 }  // namespace zentaq

@@ -24,18 +24,19 @@ TEST_F(LinkEdges, ASearchInVainShowsTheFailureOfEachPort) {
     port.refuseAll();
     Texts shown;
     for (int number = 1; number <= 12; ++number) {
-        link.COMM_StatusMessage("before", "", "", "Connected");
+        host.linkDisplay.COMM_StatusMessage("before", "", "", "Connected");
         EXPECT_FALSE(link.RS232_Initialize(number));
-        shown.push_back(link.status().title + "|" + link.status().line1 + "|" + link.status().line2);
-        EXPECT_FALSE(link.status().connected) << number;
+        shown.push_back(host.linkDisplay.status().title + "|" + host.linkDisplay.status().line1 + "|" +
+                        host.linkDisplay.status().line2);
+        EXPECT_FALSE(host.linkDisplay.status().connected) << number;
     }
     const Texts wanted(12,
                        "No Connection Mode|Port is Currently Not Available.|Please Check your Serial "
                        "Connection and try again");
     EXPECT_EQ(shown, wanted);
     EXPECT_EQ(link.Autodetect_COMM_Port(), 0);
-    EXPECT_EQ(link.status().title, "No Connection Mode");
-    EXPECT_EQ(link.status().port, "12") << "the port tried last";
+    EXPECT_EQ(host.linkDisplay.status().title, "No Connection Mode");
+    EXPECT_EQ(host.linkDisplay.status().port, "12") << "the port tried last";
     EXPECT_EQ(host.logLines.size(), 25u);  // twice twelve, and why the one that is in the list cannot be had
 }
 

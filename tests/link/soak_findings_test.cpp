@@ -28,7 +28,7 @@ class SoakFindings : public LinkBench {
         }
     }
 
-    Poller poller{link, [] {}, [] {}};
+    Poller poller{link, host.linkDisplay, [] {}, [] {}};
 };
 
 TEST_F(SoakFindings, AFirmwareReplyOfAUnitWhoseKindIsUnknownIdentifiesNothingAndThePollerStartsOver) {
@@ -56,13 +56,13 @@ TEST_F(SoakFindings, ATransferThatTheRingHasLostEndsAfter1001TicksThoughPollingG
     link.Send_ORB_Command("F");
     ticks(1);
     ASSERT_FALSE(refused());
-    for (int i = 0; i < Link::ringSize; ++i) link.Send_ORB_Command("F");
+    for (int i = 0; i < CommandRing::size; ++i) link.Send_ORB_Command("F");
     pollFor(900);
     EXPECT_TRUE(host.messages.empty());
     EXPECT_TRUE(refused());
     pollFor(200);
     EXPECT_EQ(host.messages, (std::vector<int>{1007}));
-    EXPECT_FALSE(link.TransferActive());
+    EXPECT_FALSE(link.transfer().active());
     EXPECT_FALSE(refused());
 }
 

@@ -102,7 +102,7 @@ void ReplyStorm::tick(int count) {
 
 void ReplyStorm::bringToRest() {
     const auto busy = [&] {
-        return link_.TransferActive() || !link_.CurrentCommand().empty() || link_.QueuedCommands() > 0;
+        return link_.transfer().active() || !link_.CurrentCommand().empty() || link_.ring().count() > 0;
     };
     const sim::Bytes refusal{'A', 'R'};
     const sim::Bytes endOfLog{0xFA, 0xA5, 0x55, 0xFF};
@@ -175,10 +175,10 @@ void ReplyStorm::requireState() {
     require(!unit.UnitIdentified || unit.LinkedUnitKind != 0, "identified without a kind");
     require(unit.UnitBinName.size() <= 48, "a name of more than 24 characters");
     require(unit.UnitSubType >= 0 && unit.UnitSubType <= 256, "a subtype");
-    require(link_.QueueHead() >= 0 && link_.QueueHead() < Link::ringSize, "the ring's head");
-    require(link_.QueueTail() >= 0 && link_.QueueTail() < Link::ringSize, "the ring's tail");
-    require(link_.QueuedCommands() >= 0 && link_.QueuedCommands() < 5, "commands that nobody asked for");
-    const LinkStatus& status = link_.status();
+    require(link_.ring().head() >= 0 && link_.ring().head() < CommandRing::size, "the ring's head");
+    require(link_.ring().tail() >= 0 && link_.ring().tail() < CommandRing::size, "the ring's tail");
+    require(link_.ring().count() >= 0 && link_.ring().count() < 5, "commands that nobody asked for");
+    const LinkStatus& status = host_.linkDisplay.status();
     require(status.progressPercent >= 0 && status.progressPercent <= 100, "the progress");
     for (const int slot : slots) {
         const Unit& object = host_.unit(slot);

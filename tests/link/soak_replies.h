@@ -12,11 +12,10 @@
 #include "link/link.h"
 #include "link/recording_link_host.h"
 #include "live/frame_decoder.h"
-#include "testing/manual_clock.h"
 #include "platform/serial_port.h"
-#include "platform/settings_store.h"
 #include "sim/simulated_unit.h"
 #include "temporary_folder.h"
+#include "testing/manual_clock.h"
 
 namespace zentaq {
 
@@ -67,9 +66,8 @@ class ReplyStorm {
     RecordingLinkHost host_;
     LiveValues live_;
     FrameDecoder decoder_{live_};
-    MemorySettings settings_;
     NoYield yield_;
-    Link link_{port_, host_, decoder_, live_, settings_, clock_, yield_};
+    Link link_{port_, host_, decoder_, live_, clock_, yield_};
     std::string firmware_;
     std::string broken_;
 };

@@ -67,7 +67,7 @@ Soak::Soak(const SoakOptions& options)
     : options_(options),
       random_(options.seed),
       poller_(
-          link_, [this] { link_.Send_ORB_Command("T"); }, [] {}),
+          link_, host_.linkDisplay, [this] { link_.Send_ORB_Command("T"); }, [] {}),
       unit_(*sim::findProfile(options.model), sim::defaultIdentity(*sim::findProfile(options.model))),
       slot_(slotOf(options.model)) {
     host_.unitHost.folder = folder_.path().string();
@@ -240,7 +240,7 @@ void Soak::storm() {
 
 bool Soak::alive() const {
     return link_.linked().UnitIdentified && link_.linked().LinkedUnitKind == slot_ && open_.empty() &&
-           link_.QueuedCommands() <= 5;
+           link_.ring().count() <= 5;
 }
 
 bool Soak::misread() {
@@ -254,7 +254,7 @@ void Soak::recover() {
         link_.commPort(unitPort);
         link_.ORB_Initialize();
     }
-    const int waiting = (link_.QueueTail() - link_.QueueHead()) & (Link::ringSize - 1);
+    const int waiting = (link_.ring().tail() - link_.ring().head()) & (CommandRing::size - 1);
     const std::int64_t from = counts_.ticks;
     const std::int64_t bound =
         longestPatienceTicks + 2 * stallTicks + unitPatienceMs + 10 * pollMs + waiting * exchangeMs + slackMs;
@@ -316,7 +316,7 @@ std::string Soak::firmwareFile() {
 void Soak::program(TransferMode mode) {
     const bool calibration = mode == TransferMode::Calibration;
     // As the program's own command asks before it goes on.
-    if (link_.TransferActive()) return;
+    if (link_.transfer().active()) return;
     if (calibration && link_.linked().LinkedUnitKind != slot_) return;
     const std::string path =
         mode == TransferMode::Firmware && open_.empty() ? firmwareFile() : folder_.path("log.zql");
@@ -341,7 +341,7 @@ void Soak::program(TransferMode mode) {
 }
 
 void Soak::search() {
-    if (searching_ || link_.TransferActive() || link_.handling()) return;
+    if (searching_ || link_.transfer().active() || link_.handling()) return;
     searching_ = true;
     note("search");
     const int former = link_.commPort();
@@ -412,18 +412,18 @@ void Soak::note(std::string what) {
 
 void Soak::breakWith(const std::string& what) {
     if (!broken_.empty()) return;
-    broken_ = "seed " + std::to_string(options_.seed) + ", model " + std::string(options_.model) + ", tick " +
-              std::to_string(counts_.ticks) + ": " + what + "\n  in flight \"" + link_.CurrentCommand() +
-              "\", ring " + std::to_string(link_.QueueHead()) + " to " + std::to_string(link_.QueueTail()) +
-              ", queued " + std::to_string(link_.QueuedCommands()) + ", ready " +
-              std::to_string(link_.ResponseReady()) + ", active " + std::to_string(link_.TransferActive()) +
-              ", suspended " + std::to_string(link_.AutoPollSuspended()) + ", kind " +
-              std::to_string(link_.linked().LinkedUnitKind) + ", found " +
-              std::to_string(link_.linked().UnitFound) + ", identified " +
-              std::to_string(link_.linked().UnitIdentified) + ", threshold " +
-              std::to_string(port_.threshold()) + ", held " + std::to_string(port_.bytesHeld()) + ", quiet " +
-              std::to_string(quietTicks_) + ", port " + std::to_string(link_.commPort()) +
-              (port_.isOpen() ? " open" : " closed") + "\n";
+    broken_ =
+        "seed " + std::to_string(options_.seed) + ", model " + std::string(options_.model) + ", tick " +
+        std::to_string(counts_.ticks) + ": " + what + "\n  in flight \"" + link_.CurrentCommand() +
+        "\", ring " + std::to_string(link_.ring().head()) + " to " + std::to_string(link_.ring().tail()) +
+        ", queued " + std::to_string(link_.ring().count()) + ", ready " +
+        std::to_string(link_.ResponseReady()) + ", active " + std::to_string(link_.transfer().active()) +
+        ", suspended " + std::to_string(link_.AutoPollSuspended()) + ", kind " +
+        std::to_string(link_.linked().LinkedUnitKind) + ", found " +
+        std::to_string(link_.linked().UnitFound) + ", identified " +
+        std::to_string(link_.linked().UnitIdentified) + ", threshold " + std::to_string(port_.threshold()) +
+        ", held " + std::to_string(port_.bytesHeld()) + ", quiet " + std::to_string(quietTicks_) + ", port " +
+        std::to_string(link_.commPort()) + (port_.isOpen() ? " open" : " closed") + "\n";
     const std::size_t from = notes_.size() > 25 ? notes_.size() - 25 : 0;
     for (std::size_t i = from; i < notes_.size(); ++i) broken_ += "  " + notes_[i] + "\n";
 }
@@ -466,11 +466,12 @@ void Soak::check() {
 }
 
 void Soak::checkRing() {
-    const int head = link_.QueueHead(), tail = link_.QueueTail();
-    if (head < 0 || head >= Link::ringSize || tail < 0 || tail >= Link::ringSize) breakWith("a ring index");
-    const int length = (tail - head) & (Link::ringSize - 1);
-    if (link_.QueuedCommands() < length) breakWith("fewer commands counted than wait");
-    const bool residue = length == 0 && link_.CurrentCommand().empty() && link_.QueuedCommands() != 0;
+    const int head = link_.ring().head(), tail = link_.ring().tail();
+    if (head < 0 || head >= CommandRing::size || tail < 0 || tail >= CommandRing::size)
+        breakWith("a ring index");
+    const int length = (tail - head) & (CommandRing::size - 1);
+    if (link_.ring().count() < length) breakWith("fewer commands counted than wait");
+    const bool residue = length == 0 && link_.CurrentCommand().empty() && link_.ring().count() != 0;
     residueTicks_ = residue ? residueTicks_ + 1 : 0;
     if (residueTicks_ > 2) breakWith("an empty ring goes on counting commands");
 }
@@ -478,21 +479,21 @@ void Soak::checkRing() {
 void Soak::checkTransfers() {
     if (started_ - ended_ != static_cast<int>(open_.size())) breakWith("a transfer ended twice");
     if (!open_.empty()) return;
-    if (link_.TransferActive()) breakWith("TransferActive with no transfer");
+    if (link_.transfer().active()) breakWith("TransferActive with no transfer");
     if (link_.AutoPollSuspended()) breakWith("AutoPollSuspended with no transfer");
-    if (link_.TransferLine() != 0) breakWith("lines sent with no transfer");
+    if (link_.transfer().line() != 0) breakWith("lines sent with no transfer");
 }
 
 void Soak::checkPatience() {
-    const bool changed = link_.CurrentCommand() != lastCommand_ || link_.QueueHead() != lastHead_ ||
+    const bool changed = link_.CurrentCommand() != lastCommand_ || link_.ring().head() != lastHead_ ||
                          link_.ResponseReady() != lastReady_ || writes_ != lastWrites_;
     lastCommand_ = link_.CurrentCommand();
-    lastHead_ = link_.QueueHead();
+    lastHead_ = link_.ring().head();
     lastReady_ = link_.ResponseReady();
     lastWrites_ = writes_;
     quietTicks_ = changed ? 0 : quietTicks_ + 1;
     const bool idle = lastCommand_.empty();
-    const bool waits = idle && link_.QueueHead() != link_.QueueTail();
+    const bool waits = idle && link_.ring().head() != link_.ring().tail();
     waitingTicks_ = waits ? waitingTicks_ + 1 : 0;
     // Behind a frame that was too long the line rests, for 20 ticks on a quiet one and 100 at most.
     if (waitingTicks_ > 102) breakWith("a command waits and none is in flight");

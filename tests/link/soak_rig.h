@@ -15,12 +15,11 @@
 #include "link/poller.h"
 #include "link/recording_link_host.h"
 #include "live/frame_decoder.h"
-#include "testing/manual_clock.h"
-#include "testing/scripted_port.h"
-#include "platform/settings_store.h"
 #include "sim/faults.h"
 #include "sim/simulated_unit.h"
 #include "temporary_folder.h"
+#include "testing/manual_clock.h"
+#include "testing/scripted_port.h"
 
 namespace zentaq {
 
@@ -47,9 +46,8 @@ class SoakHost : public RecordingLinkHost {
     void addToLastLine(std::string_view) override {}
     void displayMessage(int code) override;
     void show(const Box& box) override;
-    void initializeOnFly(bool) override {}
-    void onFlyLock(bool) override {}
-    void unitKindFound(int) override {}
+    void heard(const LinkNews& news) override { LinkTeller::heard(news); }
+    void transferEnded(const TransferEnd& end) override { LinkTeller::transferEnded(end); }
 
     std::function<void(std::string_view)> onLog;
     std::function<void(int)> onMessage;
@@ -142,9 +140,8 @@ class Soak {
     SoakHost host_;
     LiveValues live_;
     FrameDecoder decoder_{live_};
-    MemorySettings settings_;
     SoakYield yield_{*this};
-    Link link_{port_, host_, decoder_, live_, settings_, clock_, yield_};
+    Link link_{port_, host_, decoder_, live_, clock_, yield_};
     Poller poller_;
     sim::SimulatedUnit unit_;
     sim::FaultInjector faults_;

@@ -56,7 +56,7 @@ class AdapterFlight : public testing::Test {
     bool back() {
         return Program::waitFor([&] { return program->identified(); }, patienceMs) && framesCome(3);
     }
-    const LinkStatus& status() const { return program->session.link.status(); }
+    const LinkStatus& status() const { return program->session.linkDisplay.status(); }
 };
 
 TEST_F(AdapterFlight, FramesInLumpsOf16MillisecondsAreDecodedWhole) {

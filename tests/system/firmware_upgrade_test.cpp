@@ -60,7 +60,7 @@ class FirmwareFlight : public testing::Test {
         program->dialogs.boxes.clear();
         program->dialogs.files.push_back(firmware);
         program->windows.main().run("mnuFirmwareUpgrade");
-        ASSERT_TRUE(program->session.link.firmwarePending());
+        ASSERT_TRUE(program->session.link.transfer().firmware());
     }
     bool told(const char* text) {
         return Program::waitFor([&] { return program->boxShown(text); }, upgradePatienceMs);
@@ -73,18 +73,18 @@ class FirmwareFlight : public testing::Test {
 
 TEST_F(FirmwareFlight, AnUpgradeEndsWellAndTheUnitComesBackWithItsNewFirmware) {
     start({"--upgrade-mode"});
-    const std::string before = program->session.link.status().firmware;
+    const std::string before = program->session.linkDisplay.status().firmware;
     ASSERT_NE(before, "ZQA-505100");
     upgrade();
 
     // Meanwhile nothing may end the program unasked, and nobody may search or change the port.
     ASSERT_TRUE(
-        Program::waitFor([&] { return program->session.link.TransferLine() > 20; }, upgradePatienceMs));
+        Program::waitFor([&] { return program->session.link.transfer().line() > 20; }, upgradePatienceMs));
     program->kernel.closeRequested();
     EXPECT_TRUE(program->boxShown("A firmware upgrade is running."));
     EXPECT_FALSE(program->windows.closed());
     EXPECT_EQ(program->commands.autodetectPort(), 0);
-    EXPECT_TRUE(program->session.link.firmwarePending());
+    EXPECT_TRUE(program->session.link.transfer().firmware());
 
     ASSERT_TRUE(told(loadCalibration));
     EXPECT_TRUE(program->boxShown("You have successfully programmed your ORB unit."));
@@ -95,7 +95,7 @@ TEST_F(FirmwareFlight, AnUpgradeEndsWellAndTheUnitComesBackWithItsNewFirmware) {
     ASSERT_TRUE(Program::waitFor([&] { return !program->identified(); }, upgradePatienceMs));
     unit->signal(SIGHUP);
     ASSERT_TRUE(Program::waitFor([&] { return program->identified(); }, upgradePatienceMs));
-    EXPECT_EQ(program->session.link.status().firmware, "ZQA-505100");
+    EXPECT_EQ(program->session.linkDisplay.status().firmware, "ZQA-505100");
     EXPECT_NE(program->log().find("ORB: Firmware Upload Successful, Verified!"), std::string::npos);
 }
 
@@ -113,12 +113,12 @@ TEST_F(FirmwareFlight, NothingOfTheUserEntersInsideATickAndTheBoxOfAClosingWindo
     program->dialogs.meanwhile = [&](const std::string& title) {
         if (title != "Transfer Running") return;
         boxInsideTick = wire.handling();
-        before = wire.TransferLine();
-        Program::waitFor([&] { return wire.TransferLine() > before + 20 || !wire.firmwarePending(); },
+        before = wire.transfer().line();
+        Program::waitFor([&] { return wire.transfer().line() > before + 20 || !wire.transfer().firmware(); },
                          upgradePatienceMs);
-        after = wire.TransferLine();
+        after = wire.transfer().line();
     };
-    ASSERT_TRUE(Program::waitFor([&] { return wire.TransferLine() > 20; }, upgradePatienceMs));
+    ASSERT_TRUE(Program::waitFor([&] { return wire.transfer().line() > 20; }, upgradePatienceMs));
     EXPECT_FALSE(program->windows.main().close());
     always.stop();
     EXPECT_TRUE(program->boxShown("A firmware upgrade is running."));
@@ -175,7 +175,7 @@ TEST_F(FirmwareFlight, SilenceInTheMiddleEndsByItsTimeOutAndASecondRunMendsTheUn
     ASSERT_TRUE(told(loadCalibration));
     unit->signal(SIGHUP);
     ASSERT_TRUE(Program::waitFor([&] { return program->identified(); }, upgradePatienceMs));
-    EXPECT_EQ(program->session.link.status().firmware, "ZQA-505100");
+    EXPECT_EQ(program->session.linkDisplay.status().firmware, "ZQA-505100");
 }
 
 }  // namespace

@@ -41,7 +41,7 @@ TEST_F(Flight, AWholeFlightFromIdentificationToTheReturnOfTheCable) {
     ASSERT_TRUE(Program::waitFor([&] { return program.identified(); }, patienceMs));
     EXPECT_EQ(session.link.linked().SerialNumber, 200042);
     EXPECT_EQ(session.link.linked().LinkedUnitKind, 3);
-    EXPECT_EQ(session.link.status().serialNumber, "200042");
+    EXPECT_EQ(session.linkDisplay.status().serialNumber, "200042");
     EXPECT_TRUE(session.link.linked().WideMonitor);
     ASSERT_TRUE(program.open(calibration));
     EXPECT_TRUE(session.currentUnitObject().ONFLY_MODE());
@@ -70,7 +70,7 @@ TEST_F(Flight, AWholeFlightFromIdentificationToTheReturnOfTheCable) {
 
     // Programming: 147 lines and the unit's memory is the image.
     program.commands.programOrb();
-    EXPECT_TRUE(session.link.TransferActive() || session.link.QueuedCommands() > 0);
+    EXPECT_TRUE(session.link.transfer().active() || session.link.ring().count() > 0);
     ASSERT_TRUE(Program::waitFor(
         [&] { return program.boxShown("You have successfully programmed your ORB unit."); }, patienceMs));
     const std::vector<std::uint8_t> image = session.currentUnitObject().memoryBytes();
@@ -78,7 +78,7 @@ TEST_F(Flight, AWholeFlightFromIdentificationToTheReturnOfTheCable) {
     const std::vector<std::uint8_t> memory = bytesOf(memoryFile);
     ASSERT_GE(memory.size(), image.size());
     EXPECT_TRUE(std::equal(image.begin(), image.end(), memory.begin()));
-    EXPECT_FALSE(session.link.TransferActive());
+    EXPECT_FALSE(session.link.transfer().active());
 
     // The file is whole and opens again.
     session.markModified();
@@ -92,8 +92,8 @@ TEST_F(Flight, AWholeFlightFromIdentificationToTheReturnOfTheCable) {
     // The cable is pulled: the link goes down and says so.
     unit->stop();
     ASSERT_TRUE(Program::waitFor([&] { return session.link.linked().LinkedUnitKind == 0; }, patienceMs));
-    ASSERT_TRUE(
-        Program::waitFor([&] { return session.link.status().noConnectText == "Connecting..."; }, patienceMs));
+    ASSERT_TRUE(Program::waitFor(
+        [&] { return session.linkDisplay.status().noConnectText == "Connecting..."; }, patienceMs));
     EXPECT_FALSE(session.currentUnitObject().ONFLY_MODE());
 
     // It comes back by itself, and changes reach the unit again.

@@ -13,13 +13,12 @@
 #include "link/link.h"
 #include "link/recording_link_host.h"
 #include "live/frame_decoder.h"
-#include "testing/manual_clock.h"
 #include "platform/serial_port.h"
-#include "platform/settings_store.h"
 #include "platform/yield.h"
 #include "sim/faults.h"
 #include "sim/image_check.h"
 #include "temporary_folder.h"
+#include "testing/manual_clock.h"
 
 namespace zentaq {
 namespace {
@@ -96,9 +95,8 @@ struct Bench {
     RecordingLinkHost host;
     LiveValues live;
     FrameDecoder decoder{live};
-    MemorySettings settings;
     NoYield yield;
-    Link link{port, host, decoder, live, settings, clock, yield};
+    Link link{port, host, decoder, live, clock, yield};
 };
 
 /// The calibration that comes with the program for a kind.

@@ -14,11 +14,13 @@ class FrameTimesOnThePanel : public WindowTest {
     QLabel* times() { return find<QLabel>("lblFrameTimes"); }
     QLabel* line1() { return find<QLabel>("lblCommStatus1"); }
     void show(const char* text) {
-        fake.session.link.showFrameTimes(text);
+        fake.session.linkDisplay.showFrameTimes(text);
         windows.refresh();
         windows.main().refresh();
     }
-    void monitoring() { fake.session.link.COMM_StatusMessage("Monitoring...", "Receiving", "", "Monitor"); }
+    void monitoring() {
+        fake.session.linkDisplay.COMM_StatusMessage("Monitoring...", "Receiving", "", "Monitor");
+    }
 };
 
 TEST_F(FrameTimesOnThePanel, TakeThePlaceOfTheFirstLineWhileFramesCome) {
@@ -34,7 +36,7 @@ TEST_F(FrameTimesOnThePanel, TakeThePlaceOfTheFirstLineWhileFramesCome) {
 }
 
 TEST_F(FrameTimesOnThePanel, NeverHideAWarning) {
-    fake.session.link.COMM_StatusMessage("Adapter unplugged", "It has gone.", "", "Warning");
+    fake.session.linkDisplay.COMM_StatusMessage("Adapter unplugged", "It has gone.", "", "Warning");
     show("53 frames/s: unit 0.4, wire 17.2, adapter 0.0, program 1.3 ms");
     EXPECT_TRUE(times()->isHidden());
     EXPECT_FALSE(line1()->isHidden());
@@ -58,12 +60,12 @@ TEST_F(FrameTimesOnThePanel, FitOnASmallScreen) {
 }
 
 TEST_F(FrameTimesOnThePanel, LeaveANameThatLooksLikeHtmlAName) {
-    fake.session.link.COMM_StatusMessage("Unit", "<b>ORB</b>\x1B", "", "Warning");
+    fake.session.linkDisplay.COMM_StatusMessage("Unit", "<b>ORB</b>\x1B", "", "Warning");
     windows.refresh();
     EXPECT_EQ(line1()->text(), "<b>ORB</b>\\x1B");
     EXPECT_EQ(line1()->toolTip(), "<p>&lt;b&gt;ORB&lt;/b&gt;\\x1B</p>")
         << "a tip that looks like HTML is drawn as such";
-    fake.session.link.COMM_StatusMessage("Unit", "ORB A & co", "", "Warning");
+    fake.session.linkDisplay.COMM_StatusMessage("Unit", "ORB A & co", "", "Warning");
     windows.refresh();
     EXPECT_EQ(line1()->toolTip(), "ORB A & co");
 }

@@ -246,10 +246,10 @@ TEST_F(Dashboard, NoConnectPanelFollowsTheLink) {
     fire(find<QTimer>("tmrUpdate"));  // nothing has been identified yet
     EXPECT_FALSE(panel->isHidden());
     EXPECT_EQ(general->text(), "Connecting...");
-    fake.session.link.showNoConnectPanel("Updating");
+    fake.session.linkDisplay.showNoConnectPanel("Updating");
     board->showLinkState();
     EXPECT_EQ(general->text(), "Updating");
-    fake.session.link.hideNoConnectPanel();
+    fake.session.linkDisplay.hideNoConnectPanel();
     board->showLinkState();
     EXPECT_TRUE(panel->isHidden());
 }
@@ -260,14 +260,14 @@ TEST_F(Dashboard, VeilLiesOverTheInstrumentsOnlyWhileAUnitIsWaitedFor) {
     fire(find<QTimer>("tmrUpdate"));  // nothing has been identified yet: "Connecting..."
     EXPECT_FALSE(veil.isHidden());
     for (const char* text : {"Updating", "AutoVE ON"}) {
-        fake.session.link.showNoConnectPanel(text);
+        fake.session.linkDisplay.showNoConnectPanel(text);
         board->showLinkState();
         EXPECT_TRUE(veil.isHidden()) << text;
     }
-    fake.session.link.showNoConnectPanel("Connecting...");
+    fake.session.linkDisplay.showNoConnectPanel("Connecting...");
     board->showLinkState();
     EXPECT_FALSE(veil.isHidden());
-    fake.session.link.hideNoConnectPanel();
+    fake.session.linkDisplay.hideNoConnectPanel();
     board->showLinkState();
     EXPECT_TRUE(veil.isHidden());
 }
@@ -318,10 +318,10 @@ TEST_F(Dashboard, VeiledNumbersAreDimByDayAndByNight) {
     };
     for (const bool day : {true, false}) {
         day ? board->Day_Mode() : board->Night_Mode();
-        fake.session.link.showNoConnectPanel("Connecting...");
+        fake.session.linkDisplay.showNoConnectPanel("Connecting...");
         board->showLinkState();
         const int veiled = contrast();
-        fake.session.link.hideNoConnectPanel();
+        fake.session.linkDisplay.hideNoConnectPanel();
         board->showLinkState();
         const int live = contrast();
         EXPECT_GT(live, 150) << day;
@@ -424,7 +424,7 @@ TEST_F(Dashboard, AUnitThatHasClearedItsCodesIsToldForAWhileThoughFramesAndCodes
     fake.session.codes.Update_CHKE("21 - TPS Sensor Failed High");
     board->codesChanged();
     const QString pin = line->text();
-    fake.session.codesCleared();
+    fake.session.heard({LinkEvent::CodesCleared});
     EXPECT_EQ(area->text(), "CODES  \nCLEARED");
     EXPECT_EQ(line->text(), "CODES CLEARED");
     fake.session.codes.Clear_CHKE();  // as with an answer that tells none

@@ -140,13 +140,13 @@ TEST_F(MainWindow, ShowsOnFlyInItsPanelOnlyWhileTheModeIsOn) {
 }
 
 TEST_F(MainWindow, Panel3TellsTheFirmwareUntilItIsCleared) {
-    fake.session.link.editStatus().panel3 = "ZQA5099";
+    fake.session.linkDisplay.editStatus().panel3 = "ZQA5099";
     windows.refresh();
     EXPECT_EQ(find<QLabel>("StatusBar1_Panel3")->text(), "ZQA5099");
     windows.tell(&WindowNews::clearPanel3);
     windows.main().refresh();
     EXPECT_EQ(find<QLabel>("StatusBar1_Panel3")->text(), "");
-    fake.session.link.editStatus().panel3 = "ZQA5100";
+    fake.session.linkDisplay.editStatus().panel3 = "ZQA5100";
     windows.refresh();
     EXPECT_EQ(find<QLabel>("StatusBar1_Panel3")->text(), "ZQA5100");
 }

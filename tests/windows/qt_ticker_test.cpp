@@ -171,9 +171,8 @@ TEST_F(TickerOnTheClock, LinesOfAFirmwareNeverFollowAnAnswerBeforeTenMillisecond
     RecordingLinkHost host;
     LiveValues live;
     FrameDecoder decoder{live};
-    MemorySettings settings;
     QtYield yield;
-    Link link{port, host, decoder, live, settings, clock, yield};
+    Link link{port, host, decoder, live, clock, yield};
     ticker.onTick([&] { link.tick(); });
     ASSERT_TRUE(link.RS232_Initialize(1));
     ticker.start();

@@ -95,7 +95,7 @@ TEST_F(Manager, WhatTheLinkTellsIsShownFromTheEventLoopAndNotFromInsideItsHandle
 
 TEST_F(Manager, AUnitThatIsFoundBeginsAMonitorSessionWhereTheOptionsAskForIt) {
     fake.settings.set("System", "AutoMonitor", "1");
-    fake.session.unitKindFound(3);
+    fake.session.heard({.event = LinkEvent::KindFound, .number = 3});
     EXPECT_FALSE(fake.session.Monitoring);  // not inside the reply
     QCoreApplication::processEvents();
     EXPECT_TRUE(fake.session.Monitoring);
@@ -105,7 +105,7 @@ TEST_F(Manager, AUnitThatIsFoundBeginsAMonitorSessionWhereTheOptionsAskForIt) {
 TEST_F(Manager, AUnitThatIsFoundBeginsNoMonitorSessionByItself) {
     for (const char* setting : {"", "0", "yes"}) {
         fake.settings.set("System", "AutoMonitor", setting);
-        fake.session.unitKindFound(3);
+        fake.session.heard({.event = LinkEvent::KindFound, .number = 3});
         QCoreApplication::processEvents();
         EXPECT_FALSE(fake.session.Monitoring) << setting;
     }
@@ -115,7 +115,7 @@ TEST_F(Manager, ARunningMonitorSessionIsNotBegunAgain) {
     fake.settings.set("System", "AutoMonitor", "1");
     fake.session.Monitoring = true;
     const std::size_t lines = fake.session.console.lines().size();
-    fake.session.unitKindFound(3);
+    fake.session.heard({.event = LinkEvent::KindFound, .number = 3});
     QCoreApplication::processEvents();
     EXPECT_EQ(fake.session.console.lines().size(), lines);  // opening the link would leave a line
 }
@@ -125,14 +125,14 @@ TEST_F(Manager, ATransfersProgressTakesThePlaceOfThePort) {
     auto* port = find<QComboBox>("cmbCOMM");
     ASSERT_TRUE(progress && port);
     EXPECT_TRUE(port->isVisible());
-    LinkStatus& status = fake.session.link.editStatus();
+    LinkStatus& status = fake.session.linkDisplay.editStatus();
     status.progressVisible = true;
     status.progressPercent = 40;
     windows.refresh();
     EXPECT_TRUE(progress->isVisible());
     EXPECT_EQ(progress->value(), 40);
     EXPECT_FALSE(port->isVisible());
-    fake.session.link.editStatus().progressVisible = false;
+    fake.session.linkDisplay.editStatus().progressVisible = false;
     windows.refresh();
     EXPECT_TRUE(port->isVisible());
 }

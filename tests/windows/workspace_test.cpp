@@ -173,7 +173,7 @@ TEST_F(Workspace, AConsoleOfAHundredThousandLinesTakesOneMoreInAFrame) {
 }
 
 TEST_F(Workspace, TheReasonWhyAPortDoesNotOpenStandsInTheOneLineThatThereIs) {
-    LinkStatus& status = fake.session.link.editStatus();
+    LinkStatus& status = fake.session.linkDisplay.editStatus();
     status.title = "No Connection Mode";
     status.line2 = "Please Check your Serial Connection and try again";
     status.trouble = "Port 1 (/dev/ttyS0): in use by another program";
@@ -193,7 +193,7 @@ TEST_F(Workspace, TheReasonWhyAPortDoesNotOpenStandsInTheOneLineThatThereIs) {
 }
 
 TEST_F(Workspace, RendersTheStateOfTheLink) {
-    LinkStatus& status = fake.session.link.editStatus();
+    LinkStatus& status = fake.session.linkDisplay.editStatus();
     status.title = "Monitoring...";
     status.line1 = "Receiving";
     status.line2 = "second";
@@ -226,9 +226,9 @@ TEST_F(Workspace, RendersTheStateOfTheLink) {
 }
 
 TEST_F(Workspace, LampsAtRestHaveTheColourOfAButton) {
-    fake.session.link.editStatus().send = Lamp::Sending;
+    fake.session.linkDisplay.editStatus().send = Lamp::Sending;
     windows.refresh();
-    fake.session.link.editStatus().send = Lamp::Rest;
+    fake.session.linkDisplay.editStatus().send = Lamp::Rest;
     windows.refresh();
     EXPECT_EQ(find<QLabel>("lblComm_Send_Icon")->palette().color(QPalette::Window),
               lookColors(DisplayMode::Night).button);
@@ -248,7 +248,7 @@ TEST_F(Workspace, ChoosingAPortStoresAndOpensIt) {
     Q_EMIT ports->activated(ports->currentIndex());
     EXPECT_EQ(fake.settings.get("System", "CommPort"), "4");
     EXPECT_EQ(fake.session.link.commPort(), 4);
-    EXPECT_TRUE(fake.session.link.status().connected);
+    EXPECT_TRUE(fake.session.linkDisplay.status().connected);
     windows.refresh();
     EXPECT_EQ(find<QLabel>("lblCOMM")->text(), "4");
 }
