@@ -6,14 +6,13 @@
 #include <span>
 #include <vector>
 
-#include "trace/wire_trace.h"
-#include "testing/manual_clock.h"
 #include "temporary_folder.h"
+#include "testing/manual_clock.h"
+#include "trace/wire_trace.h"
 
 namespace zentaq {
 namespace {
 
-constexpr int orbaSlot = 3;
 constexpr std::int64_t frameUs = 17'300;
 
 std::vector<std::uint8_t> wideFrame() {
@@ -41,7 +40,7 @@ void tracedFrame(benchmark::State& state) {
     const TemporaryFolder folder;
     ManualClock clock;
     WireTrace trace(clock);
-    trace.start(folder.file("line.trace"), orbaSlot);
+    trace.start(folder.file("line.trace"), orbaKind().slot);
     passFrames(state, trace, clock);
 }
 BENCHMARK(tracedFrame)->Arg(1)->Arg(5)->Arg(65);

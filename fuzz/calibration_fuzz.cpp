@@ -1,7 +1,6 @@
 // Calibration files with anything in them: opened or refused whole, read, turned into an image, saved, opened
 // again. The first byte of an input says for which unit and link, the rest is the file.
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -20,10 +19,8 @@ struct Surroundings {
 };
 
 Surroundings surroundingsOf(std::uint8_t byte) {
-    static constexpr std::array<int, 6> slots = {3, 4, 5, 6, 7, 8};
-    const UnitKind* kind = unitKindOfSlot(slots.at((byte & 7U) % slots.size()));
-    return {kind == nullptr ? &orbaKind() : kind, (byte & 8U) != 0, (byte & 16U) != 0, (byte & 32U) != 0,
-            (byte & 64U) != 0};
+    return {&unitKinds()[(byte & 7U) % unitKinds().size()], (byte & 8U) != 0, (byte & 16U) != 0,
+            (byte & 32U) != 0, (byte & 64U) != 0};
 }
 
 /// The program around a calibration: nothing on the link, or a unit that has told its firmware.

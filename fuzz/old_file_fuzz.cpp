@@ -1,6 +1,5 @@
 // Files of the older generation with anything in them: imported or refused whole, read, turned into an image,
 // saved as a calibration of today. The first byte of an input says for which unit, the rest is the file.
-#include <array>
 #include <cmath>
 #include <cstdint>
 #include <span>
@@ -38,8 +37,8 @@ bool isBarometric(const CellMap& cells, int cell) {
 
 void run(std::uint8_t byte, std::string_view content) {
     static const ScratchFolder folder;
-    static constexpr std::array<int, 3> slots = {3, 4, 5};
-    const UnitKind& kind = *unitKindOfSlot(slots.at((byte & 3U) % slots.size()));
+    constexpr unsigned kindsWithOldFiles = 3;  // the first ones
+    const UnitKind& kind = unitKinds()[(byte & 3U) % kindsWithOldFiles];
     const bool linked = (byte & 8U) != 0;
     OldFileHost host((byte & 4U) != 0);
     Unit unit(kind, host);

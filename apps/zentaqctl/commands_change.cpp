@@ -40,7 +40,7 @@ std::optional<int> pinOfFunctionCell(const UnitKind& kind, int index) {
     constexpr int blockCells = 9;
     const int words = index - kind.gpioBase;
     if (words < 0 || words % blockCells != 0) return {};
-    const GpioPin* pin = gpioPinsOf(kind).find(words / blockCells);
+    const GpioPin* pin = kind.pins->find(words / blockCells);
     return pin == nullptr ? std::nullopt : std::optional(pin->pin);
 }
 

@@ -17,7 +17,6 @@
 #include "live/check_engine.h"
 #include "live/frame_decoder.h"
 #include "members.h"
-#include "unit_names.h"
 
 namespace zentaq::ctl {
 
@@ -59,8 +58,8 @@ void checkLength(const UnitKind& kind, char reply, const Bytes& bytes) {
     const CommandRow* row = findCommand(std::string_view(&reply, 1));
     const int length = kind.sizes.*row->replyLength;
     if (std::ssize(bytes) == length) return;
-    throw Failure("A reply " + std::string(1, reply) + " of " + modelOf(kind) + " has " + numberText(length) +
-                  " bytes, not " + numberText(static_cast<int>(bytes.size())));
+    throw Failure("A reply " + std::string(1, reply) + " of " + std::string(kind.name) + " has " +
+                  numberText(length) + " bytes, not " + numberText(static_cast<int>(bytes.size())));
 }
 
 // ---- One reply after the other
@@ -69,32 +68,31 @@ Findings identification(const Bytes& bytes) {
     const auto serial = decodeSerial(bytes);
     if (!serial) throw Failure("The reply is no identification");
     Findings found{{"SerialNumber", int{serial->serialNumber}}, {"OldFirmware", serial->oldFirmware}};
-    if (const SerialRange* range = unitOfSerial(serial->serialNumber)) {
-        found.push_back({"LinkedUnitKind", range->slot});
-        found.push_back({"Unit", std::string(range->label)});
+    if (const UnitKind* kind = unitKindOfSerial(serial->serialNumber)) {
+        found.push_back({"LinkedUnitKind", kind->slot});
+        found.push_back({"Unit", std::string(kind->label)});
     }
     return found;
 }
 
 Findings firmware(const UnitKind& kind, const Bytes& bytes) {
-    constexpr int orbaSlot = 3;
     const std::string raw = firmwareBytes(bytes);
     Findings found{{"UnitBinName", std::string(trimmed(unitBinName(bytes)))}, {"FirmWare", shownText(raw)}};
     const bool numbered = skipFailing([&] {
-        const FirmwareNumber number = firmwareNumber(raw);
+        const FirmwareVersion number = firmwareNumber(raw);
         found.push_back({"FW_Release", number.release});
         found.push_back({"FW_Build", number.build});
     });
     if (!numbered) throw Failure("The reply holds no firmware number: " + shownText(raw));
-    if (kind.slot == orbaSlot) {
+    if (tellsSubType(kind)) {
         found.push_back({"UnitSubType", unitSubType(bytes) + 1});
-        found.push_back({"Unit", std::string(subTypeLabel(unitSubType(bytes)))});
+        found.push_back({"Unit", std::string(subTypeLabel(kind, unitSubType(bytes)))});
     }
     return found;
 }
 
 Findings configuration(const Unit& unit, const Bytes& bytes) {
-    const auto pic18 = decodePic18(bytes, unit.kind().slot, {unit.FW_Release(), unit.FW_Build()});
+    const auto pic18 = decodePic18(bytes, unit.kind(), {unit.FW_Release(), unit.FW_Build()});
     return pic18 ? Findings{{"hasPIC18", *pic18}} : Findings{};
 }
 
@@ -121,7 +119,7 @@ void addValue(Findings& found, const LiveValues& live, const Channel& channel) {
 
 Findings frame(Unit& unit, char reply, const Bytes& bytes, bool pinsKnown) {
     const auto content = contentOfFrame(unit.kind(), reply);
-    if (!content) throw Failure(modelOf(unit.kind()) + " gives no reply " + std::string(1, reply));
+    if (!content) throw Failure(std::string(unit.kind().name) + " gives no reply " + std::string(1, reply));
     if (reply == 'W' && !frameSumIsRight(bytes, static_cast<int>(bytes.size()))) {
         throw Failure("The checksum of the reply is wrong");
     }
@@ -193,8 +191,8 @@ std::unique_ptr<QuietCalibration> scalingFor(const Context& context, const UnitK
     if (!file.empty()) {
         auto calibration = openCalibration(context, file);
         const UnitKind& own = calibration->unit.kind();
-        if (kind != nullptr && kind->fileKind != own.fileKind) {
-            throw Failure(file + " is for " + modelOf(own) + ", not for " + modelOf(*kind));
+        if (kind != nullptr && !shareFiles(*kind, own)) {
+            throw Failure(file + " is for " + std::string(own.name) + ", not for " + std::string(kind->name));
         }
         return calibration;
     }
@@ -216,7 +214,7 @@ void decode(const Context& context, const UnitKind* kind, char reply, const std:
     // Before the length: a kind without such a reply has no length for it either.
     const bool isFrame = std::string_view("FWID").find(reply) != std::string_view::npos;
     if (isFrame && !contentOfFrame(unit.kind(), reply)) {
-        throw Failure(modelOf(unit.kind()) + " gives no reply " + std::string(1, reply));
+        throw Failure(std::string(unit.kind().name) + " gives no reply " + std::string(1, reply));
     }
     checkLength(unit.kind(), reply, bytes);
 

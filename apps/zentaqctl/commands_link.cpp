@@ -12,7 +12,6 @@
 #include "live/check_engine.h"
 #include "platform/posix_ports.h"
 #include "platform/runtime_folder.h"
-#include "unit_names.h"
 
 namespace zentaq::ctl {
 
@@ -26,7 +25,7 @@ void writeIdentity(const Context& context, LinkDesk& desk) {
     json.beginObject()
         .member("port", std::string_view(desk.portName()))
         .member("kind", linked.LinkedUnitKind);
-    json.member("model", std::string_view(modelOf(unit.kind())));
+    json.member("model", unit.kind().name);
     json.member("label", std::string_view(desk.session().linkDisplay.status().unitLabel));
     json.member("serial", int{linked.SerialNumber}).member("firmware", std::string_view(unit.FirmWare()));
     json.member("release", unit.FW_Release()).member("build", unit.FW_Build());

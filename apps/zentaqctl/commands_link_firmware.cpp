@@ -56,8 +56,9 @@ std::string checkedFile(const std::string& file) {
 void refuseForeignFile(const UnitKind& kind, const std::string& file) {
     const std::string name = fileNameOf(file);
     if (name.starts_with(kind.firmwarePrefix)) return;
-    throw Failure("This firmware file is not valid for this unit. The name of a file for " + modelOf(kind) +
-                  " begins with " + std::string(kind.firmwarePrefix) + ". Nothing was sent to the unit.");
+    throw Failure("This firmware file is not valid for this unit. The name of a file for " +
+                  std::string(kind.name) + " begins with " + std::string(kind.firmwarePrefix) +
+                  ". Nothing was sent to the unit.");
 }
 
 /// Whom the firmware is for.
@@ -76,7 +77,7 @@ Target unitForFirmware(LinkDesk& desk, const FirmwareWish& wish) {
                          ") A unit that has lost its firmware takes one with --unit-without-firmware.");
         }
         refuseForeignFile(*named, wish.file);
-        return {modelOf(*named), named->slot};
+        return {std::string(named->name), named->slot};
     }
     if (found == Found::OldFirmware) {
         throw Failure(desk.unitName() +

@@ -8,7 +8,6 @@
 #include "link_desk.h"
 #include "link_texts.h"
 #include "members.h"
-#include "unit_names.h"
 
 namespace zentaq::ctl {
 

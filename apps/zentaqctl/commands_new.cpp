@@ -52,7 +52,7 @@ std::vector<EngineRow> enginesOf(const Database& database, const Model& model) {
     constexpr int lastVariant = 3;
     std::vector<EngineRow> engines;
     for (int variant = 0; variant <= lastVariant; ++variant) {
-        for (EngineRow& engine : database.engines(engineListKind(*model.kind), variant)) {
+        for (EngineRow& engine : database.engines(model.kind->engines, variant)) {
             const bool known =
                 std::ranges::find(engines, engine.optType, &EngineRow::optType) != engines.end();
             if (!known) engines.push_back(std::move(engine));
@@ -168,13 +168,13 @@ void fill(QuietCalibration& calibration, const Database& database, const NewCali
 // ---- Lists
 
 std::string modelOfEngine(const UnitKind& kind, const EngineRow& engine) {
-    const ModelEntry* entry = modelEntryOfSlot(kind.slot, engine.orbSubType);
-    return engine.orbSubType != 0 && entry != nullptr ? std::string(entry->name) : modelOf(kind);
+    const ModelEntry* entry = modelEntryOf(kind, engine.orbSubType);
+    return std::string(engine.orbSubType != 0 && entry != nullptr ? entry->name : kind.name);
 }
 
 std::string injectionOf(const UnitKind& kind, const EngineRow& engine) {
     constexpr std::array<std::string_view, 4> modes = {"sequential", "paired", "bank", "throttle body"};
-    if (kind.cells.scale1 == CellMap::none) return "none";
+    if (!kind.fuelSide) return "none";
     return std::string(modes.at(static_cast<std::size_t>(std::clamp(engine.injMode, 0.0F, 3.0F))));
 }
 
@@ -263,10 +263,9 @@ void listEngines(const Context& context, const std::string& model) {
     if (!model.empty()) {
         models.push_back(modelNamed(model));
     } else {
-        for (const UnitKind* kind : allUnitKinds()) {
+        for (const UnitKind& kind : unitKinds()) {
             // The second kind of a class has the engines of the first.
-            if (models.empty() || models.back().kind->className != kind->className)
-                models.push_back({kind, nullptr});
+            if (models.empty() || !shareFiles(*models.back().kind, kind)) models.push_back({&kind, nullptr});
         }
     }
     std::vector<ListedEngine> engines;

@@ -11,7 +11,6 @@
 #include "commands.h"
 #include "config/basic_figures.h"
 #include "members.h"
-#include "unit_names.h"
 
 namespace zentaq::ctl {
 
@@ -90,7 +89,7 @@ std::string unitIn(const MemberList& list, const Member& member) {
 
 void writeText(std::ostream& out, const MemberList& list) {
     for (const Member& member : membersOf(list.kind)) {
-        out << modelOf(list.kind) << '\t' << member.name << '\t'
+        out << list.kind.name << '\t' << member.name << '\t'
             << (member.cell >= 0 ? numberText(member.cell) : std::string()) << '\t' << member.count << '\t'
             << rangeIn(list, member) << '\t' << unitIn(list, member) << '\t'
             << (member.write ? "" : "read only, ") << textOf(member.reach) << '\t' << member.meaning << '\n';
@@ -99,9 +98,7 @@ void writeText(std::ostream& out, const MemberList& list) {
 
 void writeJson(JsonWriter& json, const MemberList& list) {
     for (const Member& member : membersOf(list.kind)) {
-        json.beginObject()
-            .member("kind", list.kind.slot)
-            .member("model", std::string_view(modelOf(list.kind)));
+        json.beginObject().member("kind", list.kind.slot).member("model", list.kind.name);
         json.member("name", std::string_view(member.name)).key("cell");
         if (member.cell >= 0) {
             json.value(member.cell).member("stride", member.stride);
@@ -181,10 +178,10 @@ void members(const Context& context, const std::string& file, const UnitKind* ki
         return writeLists(context, {{calibration->unit.kind(), calibration.get()}});
     }
     std::vector<MemberList> lists;
-    for (const UnitKind* each : allUnitKinds()) {
+    for (const UnitKind& each : unitKinds()) {
         // The second kind of a class has the members of the first.
-        const bool repeats = !lists.empty() && lists.back().kind.className == each->className;
-        if (kind == nullptr ? !repeats : kind == each) lists.push_back({*each});
+        const bool repeats = !lists.empty() && shareFiles(lists.back().kind, each);
+        if (kind == nullptr ? !repeats : kind == &each) lists.push_back({each});
     }
     writeLists(context, lists);
 }

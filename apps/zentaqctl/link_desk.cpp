@@ -11,7 +11,6 @@
 #include "link_texts.h"
 #include "platform/posix_ports.h"
 #include "platform/runtime_folder.h"
-#include "unit_names.h"
 
 namespace zentaq::ctl {
 
@@ -161,7 +160,7 @@ void LinkDesk::requireSameUnit() {
 }
 
 std::string LinkDesk::unitName() {
-    return modelOf(session_.linkedUnit().kind()) + " " + session_.linkDisplay.status().serialNumber;
+    return std::string(session_.linkedUnit().kind().name) + " " + session_.linkDisplay.status().serialNumber;
 }
 
 void LinkDesk::tellBoxes() {

@@ -41,10 +41,10 @@ const ModelEntry* GeneralConfig::modelInHand() {
         const auto row = database->config(session_.CurrentFile);
         if (row) found = modelEntryOf(row->orbName);
         const int option = toInt16(static_cast<double>(unit().get("Option_Type")));
-        const auto engine = database->engine(engineListKind(unit().kind()), option);
+        const auto engine = database->engine(unit().kind().engines, option);
         if (engine && engine->orbSubType != 0) variant = engine->orbSubType;
     });
-    const ModelEntry* byKind = modelEntryOfSlot(slot, variant);
+    const ModelEntry* byKind = modelEntryOf(unit().kind(), variant);
     return found != nullptr && byKind != nullptr && found->slot == byKind->slot ? found : byKind;
 }
 
@@ -125,7 +125,7 @@ std::string GeneralConfig::textOf(const GeneralRow& row) {
     if (row.control == "cmbEngine") {
         const auto engine = database == nullptr
                                 ? std::nullopt
-                                : database->engine(engineListKind(unit().kind()),
+                                : database->engine(unit().kind().engines,
                                                    toInt16(static_cast<double>(unit().get("Option_Type"))));
         return engine ? engine->displayValue : std::string();
     }

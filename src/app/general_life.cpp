@@ -9,7 +9,6 @@
 #include "base/errors.h"
 #include "base/rounding.h"
 #include "config/basic_figures.h"
-#include "refdata/schema.h"
 
 namespace zentaq {
 
@@ -123,7 +122,7 @@ float GeneralConfig::atFirst(std::string_view member) {
     if (member == "INJ_Number") return figures.injectors;
     if (std::ranges::find(fromDefaults, member) == std::end(fromDefaults)) return 0;
     const std::string plain(member);
-    const std::string own = plain + std::string(refdata::defaultsSuffix(unit().kind().slot));
+    const std::string own = plain + std::string(unit().kind().defaultsSuffix);
     float value = 0;
     skipFailing([&] { value = session_.requireReference().defaults(plain).at(0); });
     skipFailing([&] { value = session_.requireReference().defaults(own).at(0); });

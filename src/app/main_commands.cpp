@@ -1,6 +1,7 @@
 #include "app/main_commands.h"
 
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <utility>
 
@@ -21,9 +22,14 @@ namespace zentaq {
 
 namespace {
 
-constexpr const char* openFilter =
-    "Zentaq4 File|*.ZQ4*|Zentaq4 ORBL File|*.ZQ4OL|Zentaq4 PZK-2 File|*.ZQ4PZK|Zentaq4 ORBA File|*.ZQ4OA|"
-    "Zentaq4 ORBd File|*.ZQ4OD|Zentaq4 ORBc File|*.ZQ4OC|Zentaq BIN file|*.BIN";
+/// All calibrations, those of each kind, and files of the older generation.
+std::string openFilter() {
+    std::map<int, std::string_view> ofKinds;
+    for (const UnitKind& kind : unitKinds()) ofKinds[kind.fileFilter] = kind.fileFilterExtension;
+    std::string filter = "Zentaq4 File|*.ZQ4*|";
+    for (const auto& [place, text] : ofKinds) filter += std::string(text) + "|";
+    return filter + "Zentaq BIN file|*.BIN";
+}
 
 /// The extension of the older generation's files.
 bool isOldName(const std::string& path) {
@@ -276,7 +282,7 @@ MainCommands::Next MainCommands::openOnce() {
     FileRequest request;
     request.title = "Open Zentaq4 User Calibration Files";
     request.folder = session_.platform().userFolder;
-    request.filter = openFilter;
+    request.filter = openFilter();
     request.filterIndex = session_.FileFilterIndex;
     const std::string path = session_.dialogs().openFile(request);
     if (path.empty()) return Next::Done;

@@ -1,7 +1,6 @@
 #include "app/session.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "base/errors.h"
@@ -16,7 +15,6 @@ namespace zentaq {
 namespace {
 
 /// The order in which the objects are made. Slots 7 and 8 hold two objects of one class.
-constexpr std::array unitSlots{0, 3, 4, 5, 6, 7, 8};
 
 /// How often a closed port is looked for.
 constexpr std::int64_t portCheckUs = 1'000'000;
@@ -68,10 +66,9 @@ Session::~Session() {
 }
 
 void Session::makeUnits() {
-    for (const int slot : unitSlots) {
-        const UnitKind* kind = unitKindOfSlot(slot);
-        auto& place = units_[static_cast<std::size_t>(slot)];
-        if (kind != nullptr && !place) place = std::make_unique<Unit>(*kind, *this);
+    for (const UnitKind& kind : unitKinds()) {
+        auto& place = units_[static_cast<std::size_t>(kind.slot)];
+        if (!place) place = std::make_unique<Unit>(kind, *this);
     }
 }
 
@@ -351,7 +348,7 @@ void Session::codesCleared() {
     windows_->tell(&WindowNews::codesChanged);
 }
 
-FirmwareNumber Session::expectedFirmware(int slot) const {
+FirmwareVersion Session::expectedFirmware(int slot) const {
     const auto at = static_cast<std::size_t>(slot);
     return {FW_ReleaseTable.at(at), FW_BuildTable.at(at)};
 }

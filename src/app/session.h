@@ -174,7 +174,7 @@ class Session : public UnitHost, public LinkTeller {
     void commLog(std::string_view text) override;
     void displayMessage(int code) override;
     void show(const Box& box) override;
-    FirmwareNumber expectedFirmware(int slot) const override;
+    FirmwareVersion expectedFirmware(int slot) const override;
     /// The unit and the file agree (true), or they do not or the link is lost (false).
     void initializeOnFly(bool on);
 

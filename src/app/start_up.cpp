@@ -1,7 +1,6 @@
 #include "app/start_up.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <filesystem>
 #include <random>
@@ -21,15 +20,6 @@ constexpr const char* ruler =
     "--------------------------------------------------------------------------------";
 /// Both ways out: whoever waits for both is told once, and asked once.
 constexpr const char* exitProgram = "Exit Program";
-
-/// Slots in the order in which their objects are made, with the firmware that this program expects.
-struct ExpectedFirmware {
-    int slot, release, build;
-};
-constexpr std::array expectedFirmware{
-    ExpectedFirmware{3, 5, 99}, ExpectedFirmware{4, 7, 99}, ExpectedFirmware{5, 5, 99},
-    ExpectedFirmware{6, 3, 99}, ExpectedFirmware{7, 5, 99}, ExpectedFirmware{8, 5, 99},
-};
 
 double drawFromTimeOfDay() {
     const auto now = std::chrono::system_clock::now().time_since_epoch() / std::chrono::microseconds(1);
@@ -91,9 +81,9 @@ void Kernel::setUpEnvironment() {
     clearRunState();
     resumeNext_.statement([&] { session_.HelpFile = session_.applicationFolder() + "/support/MAIN.hlp"; });
     session_.FileFilterIndex = 1;
-    for (const ExpectedFirmware& row : expectedFirmware) {
-        session_.FW_ReleaseTable[static_cast<std::size_t>(row.slot)] = row.release;
-        session_.FW_BuildTable[static_cast<std::size_t>(row.slot)] = row.build;
+    for (const UnitKind& kind : unitKinds()) {
+        session_.FW_ReleaseTable[static_cast<std::size_t>(kind.slot)] = kind.defaultRelease;
+        session_.FW_BuildTable[static_cast<std::size_t>(kind.slot)] = kind.defaultBuild;
     }
 }
 

@@ -207,7 +207,7 @@ class Writer {
         if (!byte) return {};
         if (place.role == CellRole::Units) return std::string(pressureUnitsOf(*byte));
         if (place.role == CellRole::PinFunction) {
-            const GpioFunction* function = gpioFunctionOf(gpioPinsOf(*file_.kind).kind, *byte);
+            const GpioFunction* function = gpioFunctionOf(file_.kind->pins->kind, *byte);
             return function == nullptr ? std::string() : std::string(function->name);
         }
         if (place.role != CellRole::AxisKinds || *byte == 0) return {};

@@ -134,10 +134,8 @@ class Parser {
 };
 
 const UnitKind& kindOfModel(const CalibrationRecipe& recipe) {
-    constexpr int lastSlot = 8;
-    for (int slot = 1; slot <= lastSlot; ++slot) {
-        const UnitKind* kind = unitKindOfSlot(slot);
-        if (kind != nullptr && kind->model == recipe.model) return *kind;
+    for (const UnitKind& kind : unitKinds()) {
+        if (kind.model == recipe.model) return kind;
     }
     throw RecipeError(recipe.file, 1, "there is no unit " + recipe.model);
 }
@@ -170,7 +168,7 @@ CalibrationRecipe CalibrationRecipe::parse(std::string_view text, const std::str
 
 std::unique_ptr<QuietCalibration> makeCalibration(const CalibrationRecipe& recipe, const Database& database) {
     const UnitKind& kind = kindOfModel(recipe);
-    const auto engine = database.engineByName(recipe.engine, kind.slot);
+    const auto engine = database.engineByName(recipe.engine, kind.engines);
     if (!engine) throw RecipeError(recipe.file, 1, "there is no engine " + recipe.engine);
     const auto sensor = database.mapSensorByName(recipe.sensor);
     if (!sensor) throw RecipeError(recipe.file, 1, "there is no sensor " + recipe.sensor);

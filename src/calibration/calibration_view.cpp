@@ -61,7 +61,7 @@ const GpioRow* CalibrationView::rowOf(const CellPlace& place) const {
     const auto code = functionOf(file_, place.number);
     if (!code) return nullptr;
     const FirmwareVersion firmware = {unit_.FW_Release(), unit_.FW_Build()};
-    for (const GpioRow& row : gpioRowsOf(gpioPinsOf(*file_.kind).kind, *code, firmware)) {
+    for (const GpioRow& row : gpioRowsOf(file_.kind->pins->kind, *code, firmware)) {
         if (row.parameter == place.element) return &row;
     }
     return nullptr;
@@ -138,12 +138,12 @@ std::string CalibrationView::headerText(const CellPlace& place, bool rows) {
 }
 
 std::string CalibrationView::functionName(int code) const {
-    const GpioFunction* function = gpioFunctionOf(gpioPinsOf(*file_.kind).kind, code);
+    const GpioFunction* function = gpioFunctionOf(file_.kind->pins->kind, code);
     return function == nullptr ? std::string() : std::string(function->name);
 }
 
 std::string CalibrationView::pinText(const CellPlace& place) const {
-    const GpioPin* pin = gpioPinsOf(*file_.kind).find(place.number);
+    const GpioPin* pin = file_.kind->pins->find(place.number);
     std::string text = pin == nullptr ? std::string() : "pin " + std::string(pin->wire);
     const GpioRow* row = rowOf(place);
     if (row == nullptr) return text;

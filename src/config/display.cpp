@@ -25,24 +25,13 @@ bool isTemperature(const Parameter& parameter) {
 
 // ---- The engine
 
-/// The engine list is asked for the kind's own number. kept: the display of the ORB D reads the engines of
-/// kind 4; the rows of its own kind serve the choice of an engine and the tach codes only.
-struct EngineKind {
-    int slot, asked;
-};
-constexpr std::array engineKinds{EngineKind{7, 4}, EngineKind{8, 4}};
-
-int engineKindOf(const Unit& unit) {
-    const auto found = std::ranges::find(engineKinds, unit.kind().slot, &EngineKind::slot);
-    return found == engineKinds.end() ? unit.kind().slot : found->asked;
-}
-
 /// An engine that the list lacks leaves the split as it was and the table open.
 void showEngine(Unit& unit, Display& shown) {
     std::optional<EngineFacts> engine;
     if (unit.kind().hasCalibration) {
-        skipFailing(
-            [&] { engine = unit.host().engine(engineKindOf(unit), toInt16(unit.get("Option_Type"))); });
+        skipFailing([&] {
+            engine = unit.host().engine(unit.kind().displayedEngines, toInt16(unit.get("Option_Type")));
+        });
     }
     if (engine) {
         shown.editDfub = engine->editDfub;
@@ -164,8 +153,7 @@ DisplayNames displayNames(Unit& unit, const Database* database) {
     skipFailing([&] { names.sensor = unknownSensor(unit); });
     if (database == nullptr) return names;
     skipFailing([&] {
-        const int kind = toInt16(unit.kind().fileKind);
-        const auto engine = database->engine(kind, toInt16(unit.get("Option_Type")));
+        const auto engine = database->engine(unit.kind().engines, toInt16(unit.get("Option_Type")));
         if (engine) names.engine = engine->displayValue;
     });
     skipFailing([&] {

@@ -377,10 +377,6 @@ std::vector<int> fieldPageNumbers() {
     return numbers;
 }
 
-bool ignitionOnly(const Unit& unit) {
-    return unit.kind().hasCalibration && !unit.has("VE");
-}
-
 const Parameter* parameterOf(const Unit& unit, const FieldRow& row) {
     return row.member.empty() ? nullptr : unit.find(row.member);
 }

@@ -83,9 +83,6 @@ const FieldTraits& traitsOfMember(std::string_view member);
 /// The numbers of the pages that have controls, ascending.
 std::vector<int> fieldPageNumbers();
 
-/// An ignition-only unit has no fuel side.
-bool ignitionOnly(const Unit& unit);
-
 /// The parameter row that a control shows; nullptr when the kind lacks the member or the control has none.
 const Parameter* parameterOf(const Unit& unit, const FieldRow& row);
 

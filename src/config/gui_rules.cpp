@@ -33,7 +33,7 @@ std::string captionOf(const Unit& unit, const FieldRow& row) {
             return std::string(unit.host().fahrenheit() ? told.fahrenheit : told.celsius);
         }
     }
-    if (!row.ignitionCaption.empty() && ignitionOnly(unit)) return std::string(row.ignitionCaption);
+    if (!row.ignitionCaption.empty() && !unit.kind().fuelSide) return std::string(row.ignitionCaption);
     if (!row.caption.empty()) return std::string(row.caption);
     const Parameter* parameter = parameterOf(unit, row);
     if (parameter == nullptr) return {};

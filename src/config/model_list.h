@@ -23,13 +23,11 @@ std::span<const ModelEntry> modelEntries();
 const ModelEntry* modelEntryOf(std::string_view name);
 /// The first entry of a kind, of this variant where the kind has it; nullptr for a kind without a
 /// calibration.
-const ModelEntry* modelEntryOfSlot(int slot, int variant = 0);
+const ModelEntry* modelEntryOf(const UnitKind& kind, int variant = 0);
 
 /// What `CurrentUnit` becomes. `serialNumber` is that of the unit on the link, 0 for none.
 int slotOfModel(const ModelEntry& model, int serialNumber);
 
-/// The number under which the engine list has the engines of a kind.
-int engineListKind(const UnitKind& kind);
 /// The engines to choose from, by name. Throws Failure when the database cannot answer.
 std::vector<EngineRow> enginesOfModel(const Database& database, const ModelEntry& model);
 

@@ -11,7 +11,6 @@
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "base/text.h"
-#include "refdata/schema.h"
 #include "unit/legacy_sensor.h"
 #include "unit/temperature.h"
 
@@ -148,7 +147,7 @@ constexpr Load scalarsBehindBits[] = {"opt_IdleSpeed", "NEGPGAIN",    "POSPGAIN"
 class KindDefaults {
  public:
     KindDefaults(const Database& database, const UnitKind& kind)
-        : database_(database), reading_(database), suffix_(refdata::defaultsSuffix(kind.slot)) {
+        : database_(database), reading_(database), suffix_(kind.defaultsSuffix) {
         for (const std::string& name : database.defaultsSets()) names_.insert(upper(name));
     }
 

@@ -58,7 +58,6 @@ std::string shownRange(Unit& unit, const Parameter& parameter, int element) {
 }
 
 std::string shownStop(Unit& unit, FieldAxis axis, int element, int count) {
-    constexpr double retardInputVolts = 5;
     switch (axis) {
         case FieldAxis::None:
             return {};
@@ -67,8 +66,8 @@ std::string shownStop(Unit& unit, FieldAxis axis, int element, int count) {
         case FieldAxis::Temperature:
             return temperatureAt(unit, element, count);
         case FieldAxis::AirTemperature:
-            if (!ignitionOnly(unit)) return temperatureAt(unit, element, count);
-            return formatNumber(spread(0, retardInputVolts, element, count), "0.00");
+            if (unit.kind().retardInputVolts == 0) return temperatureAt(unit, element, count);
+            return formatNumber(spread(0, unit.kind().retardInputVolts, element, count), "0.00");
         case FieldAxis::BatteryVolts:
             return formatNumber(batteryinput::stop(unit.kind().batteryVoltsPerCount, element, count), "#0.0");
         case FieldAxis::Speed:
@@ -90,7 +89,7 @@ std::string shownStopUnit(const Unit& unit, FieldAxis axis) {
         case FieldAxis::Number:
             return {};
         case FieldAxis::AirTemperature:
-            return ignitionOnly(unit) ? "V" : degrees;
+            return unit.kind().retardInputVolts != 0 ? "V" : degrees;
         case FieldAxis::Temperature:
         case FieldAxis::IdleTemperature:
             return degrees;

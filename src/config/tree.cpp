@@ -6,8 +6,14 @@ namespace zentaq {
 
 namespace {
 
-/// Which of the three trees a row belongs to.
-enum TreeSet : unsigned { Full = 1, Small = 2, Ignition = 4, All = Full | Small, Any = All | Ignition };
+/// The shapes of the tree that have a row.
+enum TreeSet : unsigned {
+    Full = static_cast<unsigned>(TreeShape::Full),
+    Small = static_cast<unsigned>(TreeShape::Small),
+    Ignition = static_cast<unsigned>(TreeShape::Ignition),
+    All = Full | Small,
+    Any = All | Ignition
+};
 
 /// What must hold for a node beyond its tree.
 using Condition = bool (*)(Unit&);
@@ -112,22 +118,6 @@ std::string helpOf(std::string_view node) {
     return {};
 }
 
-unsigned treeOf(int slot) {
-    switch (slot) {
-        case 3:
-        case 4:
-        case 6:
-            return Full;
-        case 7:
-        case 8:
-            return Small;
-        case 5:
-            return Ignition;
-        default:
-            return 0;
-    }
-}
-
 std::string textOf(const Row& row, unsigned tree, const Unit& unit) {
     if (row.key == "root000") return std::string(unit.kind().model);
     if (row.key == "root12" && tree == Full) return "Notes";
@@ -163,7 +153,7 @@ std::string tableHelp(std::string_view table) {
 
 std::vector<TreeNode> treeNodes(Unit& unit) {
     std::vector<TreeNode> nodes;
-    const unsigned tree = treeOf(unit.kind().slot);
+    const auto tree = static_cast<unsigned>(unit.kind().tree);
     for (const Row& row : rows) {
         if ((row.trees & tree) == 0) continue;
         if (row.condition != nullptr && !row.condition(unit)) continue;

@@ -11,8 +11,6 @@ namespace zentaq {
 
 namespace {
 
-constexpr int lastSlot = 8;
-
 std::string headOf(const std::vector<std::uint8_t>& reply) {
     return {reply.begin(), reply.begin() + std::min<std::ptrdiff_t>(2, std::ssize(reply))};
 }
@@ -42,11 +40,8 @@ HeadlessSession::HeadlessSession(const Surroundings& surroundings)
     : around_(surroundings),
       decoder_(live_),
       link_(around_.port, *this, decoder_, live_, around_.clock, noYield_) {
-    for (int slot = 0; slot <= lastSlot; ++slot) {
-        if (const UnitKind* kind = unitKindOfSlot(slot)) {
-            units_.push_back(std::make_unique<Unit>(*kind, around_.unitHost));
-        }
-    }
+    units_.push_back(std::make_unique<Unit>(nullKind(), around_.unitHost));
+    for (const UnitKind& kind : unitKinds()) units_.push_back(std::make_unique<Unit>(kind, around_.unitHost));
 }
 
 // Opened past RS232_Initialize, which keeps the reason of a failure to itself.
@@ -212,9 +207,9 @@ void HeadlessSession::initializeOnFly(bool on) {
     if (around_.calibration != nullptr) around_.calibration->ONFLY_MODE(on);
 }
 
-FirmwareNumber HeadlessSession::expectedFirmware(int slot) const {
+FirmwareVersion HeadlessSession::expectedFirmware(int slot) const {
     const UnitKind* kind = unitKindOfSlot(slot);
-    return kind == nullptr ? FirmwareNumber{} : FirmwareNumber{kind->defaultRelease, kind->defaultBuild};
+    return kind == nullptr ? FirmwareVersion{} : FirmwareVersion{kind->defaultRelease, kind->defaultBuild};
 }
 
 }  // namespace zentaq

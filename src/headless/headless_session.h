@@ -118,7 +118,7 @@ class HeadlessSession : public LinkTeller {
     void addToLastLine(std::string_view text) override { sysLog(text); }
     void displayMessage(int) override {}
     void show(const Box& box) override { boxes_.push_back(box); }
-    FirmwareNumber expectedFirmware(int slot) const override;
+    FirmwareVersion expectedFirmware(int slot) const override;
     void heard(const LinkNews& news) override;
     void transferEnded(const TransferEnd& end) override;
 

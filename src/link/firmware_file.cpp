@@ -211,11 +211,8 @@ std::string readFirmwareFile(const std::string& path) {
 }
 
 int slotOfFirmware(std::string_view fileName) {
-    constexpr int lastSlot = 8;
-    for (int slot = 1; slot <= lastSlot; ++slot) {
-        const UnitKind* kind = unitKindOfSlot(slot);
-        if (kind == nullptr || kind->firmwarePrefix.empty()) continue;
-        if (fileName.starts_with(kind->firmwarePrefix)) return slot;
+    for (const UnitKind& kind : unitKinds()) {
+        if (fileName.starts_with(kind.firmwarePrefix)) return kind.slot;
     }
     return 0;
 }

@@ -33,7 +33,7 @@ struct LinkedUnit {
     bool WideMonitor = false;
     bool OldFirmware = false;
     bool zeroAdvance = false;  ///< mnuZeroAdv: the unit was told to hold the timing at zero, and took it
-    int UnitSubType = 0;       ///< kind 3 only: subtype byte plus 1
+    int UnitSubType = 0;       ///< of a kind with variants: subtype byte plus 1
     std::string UnitBinName;   ///< 24 characters, not trimmed
 
     /// A unit of this kind has told its firmware.
@@ -182,7 +182,7 @@ class Link : private LineWatch {
     void tellDroppedKill();
     void tellLostLink();
     void restoreFileFirmware();
-    FirmwareNumber formerFirmware();
+    FirmwareVersion formerFirmware();
     void abandonCommand();
 
     // Replies
@@ -238,7 +238,7 @@ class Link : private LineWatch {
     Clock& clock_;
     Yield& yield_;
     LinkedUnit linked_;
-    FirmwareNumber firmwareBefore_;  ///< of the linked unit's object, before the unit told its own
+    FirmwareVersion firmwareBefore_;  ///< of the linked unit's object, before the unit told its own
     CommandRing ring_;
     Transfer transfer_;
     FirmwareMemory firmware_;

@@ -97,7 +97,6 @@ constexpr CommandRow otherRow{};
 
 /// Bytes of an E reply of the oldest format; a newer unit's 8 bytes are there too when the line goes quiet.
 constexpr int oldIdentifyLength = 6;
-constexpr int orbaKindNumber = 3;
 
 }  // namespace
 
@@ -116,8 +115,8 @@ const CommandRow& statusRow(std::string_view key) {
 }
 
 int replyLength(const CommandRow& row, const UnitKind& linked, bool oldFirmware) {
-    const bool oldFormat = linked.slot == orbaKindNumber && oldFirmware;
-    if (row.key == "E" && (linked.slot == 0 || oldFormat)) return oldIdentifyLength;
+    const bool oldFormat = !linked.hasCalibration || (linked.answersOldIdentify && oldFirmware);
+    if (row.key == "E" && oldFormat) return oldIdentifyLength;
     return linked.sizes.*row.replyLength;
 }
 

@@ -18,7 +18,7 @@ class LinkHost {
     /// The firmware number of the calibration in hand: release * 1000 + build.
     virtual float fileFirmwareCode() const = 0;
     /// FW_ReleaseTable and FW_BuildTable.
-    virtual FirmwareNumber expectedFirmware(int slot) const = 0;
+    virtual FirmwareVersion expectedFirmware(int slot) const = 0;
 
     virtual void heard(const LinkNews& news) = 0;
     /// How far a transfer is: lines sent or records read, of how many.

@@ -269,17 +269,17 @@ void Link::tellLostLink() {
 }
 
 void Link::restoreFileFirmware() {
-    const FirmwareNumber former = formerFirmware();
+    const FirmwareVersion former = formerFirmware();
     Unit& unit = linkedUnit();
     skipFailing([&] { unit.FW_Release(former.release); });
     unit.FW_Build(former.build);
 }
 
 // The number of the file is that of the calibration in hand, and of no other unit's object.
-FirmwareNumber Link::formerFirmware() {
+FirmwareVersion Link::formerFirmware() {
     if (host_.currentUnit() != linked_.LinkedUnitKind) {
         const Unit& unit = linkedUnit();
-        return linked_.FirmwareTold ? firmwareBefore_ : FirmwareNumber{unit.FW_Release(), unit.FW_Build()};
+        return linked_.FirmwareTold ? firmwareBefore_ : FirmwareVersion{unit.FW_Release(), unit.FW_Build()};
     }
     const int code = toInt32(static_cast<double>(host_.fileFirmwareCode()));
     // A file that tells none counts as when it is opened.

@@ -14,19 +14,6 @@ namespace zentaq {
 
 namespace {
 
-constexpr int orbaKindNumber = 3;
-
-/// From which release a kind answers W, and from which it is asked for its configuration. 0: never.
-struct MonitorRule {
-    int slot;
-    int wideFrom;
-    int configurationFrom;
-};
-
-constexpr MonitorRule monitorRules[] = {
-    {3, 5, 5}, {4, 7, 7}, {5, 0, 5}, {6, 3, 3}, {7, 5, 5}, {8, 5, 5},
-};
-
 std::string headerOf(const std::vector<std::uint8_t>& reply) {
     return {static_cast<char>(reply.at(0)), static_cast<char>(reply.at(1))};
 }
@@ -167,20 +154,20 @@ void Link::warnOldFirmware() {
 }
 
 bool Link::findUnitKind(std::int32_t former) {
-    const SerialRange* range = unitOfSerial(linked_.SerialNumber);
-    if (linked_.SerialNumber != 0 && range == nullptr) {
+    const UnitKind* kind = unitKindOfSerial(linked_.SerialNumber);
+    if (linked_.SerialNumber != 0 && kind == nullptr) {
         discardInput();
         linked_.SerialNumber = 0;
         return false;
     }
     // The number 0 tells no kind.
-    const int slot = range == nullptr ? linked_.LinkedUnitKind : range->slot;
+    const int slot = kind == nullptr ? linked_.LinkedUnitKind : kind->slot;
     // A unit of the oldest format takes no changes, whoever of its kind was there before.
     const bool otherNumber = former != 0 && linked_.SerialNumber != 0 && former != linked_.SerialNumber;
     const bool otherUnit = linked_.LinkedUnitKind != slot || linked_.OldFirmware || otherNumber;
     if ((linked_.UnitIdentified && otherUnit) || isStranger(slot)) leaveFormerUnit();
     linked_.LinkedUnitKind = slot;
-    if (range != nullptr && !linked_.UnitFound) tell(LinkEvent::LabelTold, range->label);
+    if (kind != nullptr && !linked_.UnitFound) tell(LinkEvent::LabelTold, kind->label);
     return true;
 }
 
@@ -247,7 +234,7 @@ void Link::replyFirmware(const Reply& reply) {
     storeFirmware(reply);
     warnUnitMismatch();
     warnNewFirmware();
-    if (linked_.LinkedUnitKind == orbaKindNumber) tellSubType(unitSubType(reply));
+    if (tellsSubType(linkedUnit().kind())) tellSubType(unitSubType(reply));
     tell(LinkEvent::UnitIdentified, linkedUnit().FirmWare(), linked_.UnitBinName);
     linked_.UnitIdentified = true;
     linkedUnit().gpioListRead(true);
@@ -262,7 +249,7 @@ void Link::storeFirmware(const Reply& reply) {
     tell(LinkEvent::FirmwareTold, shown);
     Unit& unit = linkedUnit();
     unit.FirmWare(shown);
-    const FirmwareNumber firmware = firmwareNumber(raw);
+    const FirmwareVersion firmware = firmwareNumber(raw);
     if (!linked_.FirmwareTold) firmwareBefore_ = {unit.FW_Release(), unit.FW_Build()};
     // Before the release is stored: storing it brings a calibration in hand to this firmware.
     linked_.FirmwareTold = true;
@@ -280,7 +267,7 @@ void Link::warnUnitMismatch() {
 
 void Link::warnNewFirmware() {
     const Unit& unit = linkedUnit();
-    const FirmwareNumber firmware{unit.FW_Release(), unit.FW_Build()};
+    const FirmwareVersion firmware{unit.FW_Release(), unit.FW_Build()};
     if (firmware <= host_.expectedFirmware(linked_.LinkedUnitKind)) return;
     // Told once: a unit whose answer was lost on the way is asked several times.
     const std::array told{static_cast<int>(linked_.SerialNumber), firmware.release, firmware.build};
@@ -290,18 +277,16 @@ void Link::warnNewFirmware() {
 }
 
 void Link::tellSubType(int subType) {
-    const std::string_view label = subTypeLabel(subType);
+    const std::string_view label = subTypeLabel(linkedUnit().kind(), subType);
     if (!label.empty()) tell(LinkEvent::LabelTold, label);
     linked_.UnitSubType = subType + 1;
 }
 
 void Link::askForConfiguration() {
-    const auto rule = std::ranges::find(monitorRules, linked_.LinkedUnitKind, &MonitorRule::slot);
-    linked_.WideMonitor = false;
-    if (rule == std::end(monitorRules)) return;
+    const UnitKind& kind = linkedUnit().kind();
     const int release = linkedUnit().FW_Release();
-    linked_.WideMonitor = rule->wideFrom != 0 && release >= rule->wideFrom;
-    if (release >= rule->configurationFrom) Send_ORB_Command("C");
+    linked_.WideMonitor = kind.hasWideMonitor() && release >= kind.wideFrom;
+    if (kind.hasCalibration && release >= kind.configurationFrom) Send_ORB_Command("C");
 }
 
 // ---- C
@@ -309,7 +294,7 @@ void Link::askForConfiguration() {
 void Link::replyConfiguration(const Reply& reply) {
     Unit& unit = linkedUnit();
     unit.hasPIC18(false);
-    const auto pic18 = decodePic18(reply, linked_.LinkedUnitKind, {unit.FW_Release(), unit.FW_Build()});
+    const auto pic18 = decodePic18(reply, unit.kind(), {unit.FW_Release(), unit.FW_Build()});
     if (pic18) unit.hasPIC18(*pic18);
     currentCommand_.clear();
 }

@@ -9,12 +9,6 @@
 
 namespace zentaq {
 
-namespace {
-
-constexpr int orbaKindNumber = 3;
-
-}  // namespace
-
 void Link::Program_Unit(TransferMode mode, const std::string& path) {
     startTransfer([&] {
         switch (mode) {
@@ -97,7 +91,7 @@ bool Link::Send_Next_Line() {
         return false;
     }
     host_.transferStep(transfer_.line(), transfer_.lines());
-    if (slotOfTransfer() != orbaKindNumber) line += "\r\n";
+    if (!host_.unit(slotOfTransfer()).kind().bareProgramLines) line += "\r\n";
     // In front of what a user queued during the transfer: that waits until the transfer is over, and the
     // unit sees nothing but lines between the first and the last one.
     ring_.pushInFront(std::move(line));

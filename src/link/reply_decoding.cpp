@@ -20,22 +20,6 @@ constexpr std::uint8_t octalFormat = 0x54;
 /// The high byte of engine speed in a record: above 82 (21000 rpm) it can be no record, so it marks the end.
 constexpr int highestRecordByte = 82;
 
-constexpr SerialRange serialRanges[] = {
-    {10, 9999, 3, "A"},        {200000, 209999, 3, "A"},     {300000, 309999, 4, "L"},
-    {350000, 359999, 6, "C"},  {500000, 509999, 5, "PZK-2"}, {700000, 709999, 7, "D"},
-    {750000, 759999, 8, "D6"},
-};
-
-constexpr std::string_view subTypeLabels[] = {"A Std", "A 6/12", "A r"};
-
-/// From which firmware on byte 18 of the configuration tells hasPIC18.
-struct Pic18Rule {
-    int slot;
-    FirmwareNumber from;
-};
-
-constexpr Pic18Rule pic18Rules[] = {{4, {7, 0}}, {5, {4, 6}}};
-
 struct DashboardDefault {
     std::string_view member;
     float value;
@@ -89,13 +73,6 @@ std::optional<SerialReply> decodeSerial(ReplyBytes reply) {
     return SerialReply{octalDigitsAsDecimal(bigEndian32(reply, 0)), true};
 }
 
-const SerialRange* unitOfSerial(std::int32_t serialNumber) {
-    const auto range = std::ranges::find_if(serialRanges, [&](const SerialRange& row) {
-        return serialNumber >= row.first && serialNumber <= row.last;
-    });
-    return range == std::end(serialRanges) ? nullptr : range;
-}
-
 std::string unitBinName(ReplyBytes reply) {
     return shownText(bytesAsText(reply, 3, 24));
 }
@@ -118,7 +95,7 @@ std::string shownText(std::string_view bytes) {
     return text;
 }
 
-FirmwareNumber firmwareNumber(const std::string& firmwareBytes) {
+FirmwareVersion firmwareNumber(const std::string& firmwareBytes) {
     const int build = toInt16(numberOf(firmwareBytes.substr(7, 3)));
     const int release = toInt16(numberOf(firmwareBytes.substr(5, 2)));
     return {release, build};
@@ -128,13 +105,17 @@ int unitSubType(ReplyBytes reply) {
     return byteAt(reply, 37);
 }
 
-std::string_view subTypeLabel(int subType) {
-    return subType >= 0 && subType < std::ssize(subTypeLabels) ? subTypeLabels[subType] : std::string_view();
+bool tellsSubType(const UnitKind& kind) {
+    return kind.models.size() > 1;
 }
 
-std::optional<bool> decodePic18(ReplyBytes reply, int slot, FirmwareNumber firmware) {
-    const auto rule = std::ranges::find(pic18Rules, slot, &Pic18Rule::slot);
-    if (rule == std::end(pic18Rules) || firmware < rule->from) return {};
+std::string_view subTypeLabel(const UnitKind& kind, int subType) {
+    const auto model = std::ranges::find(kind.models, subType + 1, &UnitModel::variant);
+    return model == kind.models.end() ? std::string_view() : model->label;
+}
+
+std::optional<bool> decodePic18(ReplyBytes reply, const UnitKind& kind, FirmwareVersion firmware) {
+    if (!kind.pic18From || firmware < *kind.pic18From) return {};
     return (byteAt(reply, 18) & 1) != 0;
 }
 

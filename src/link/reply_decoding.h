@@ -27,16 +27,6 @@ struct SerialReply {
 /// Nothing for a reply in no known format. Throws Overflow for octal digits beyond 32 bits.
 std::optional<SerialReply> decodeSerial(ReplyBytes reply);
 
-/// Serial numbers tell the unit kind.
-struct SerialRange {
-    std::int32_t first;
-    std::int32_t last;
-    int slot;                ///< in Units
-    std::string_view label;  ///< "A", "PZK-2"
-};
-/// nullptr for a number in no range.
-const SerialRange* unitOfSerial(std::int32_t serialNumber);
-
 // ---- B
 
 /// The calibration name that the unit holds: 24 characters, not trimmed.
@@ -46,24 +36,19 @@ std::string firmwareBytes(ReplyBytes reply);
 /// Single bytes of the unit as the core's text: characters 128 to 255 take two bytes each.
 std::string shownText(std::string_view bytes);
 
-struct FirmwareNumber {
-    int release = 0;
-    int build = 0;
-
-    auto operator<=>(const FirmwareNumber&) const = default;
-};
 /// Release and build in a text such as "ZQA  05099". Throws where the places hold no number.
-FirmwareNumber firmwareNumber(const std::string& firmwareBytes);
+FirmwareVersion firmwareNumber(const std::string& firmwareBytes);
 
-/// Kind 3 only.
+/// Whether a kind has variants, which this reply tells.
+bool tellsSubType(const UnitKind& kind);
 int unitSubType(ReplyBytes reply);
 /// "A Std", "A 6/12", "A r"; empty for a byte that stands for none.
-std::string_view subTypeLabel(int subType);
+std::string_view subTypeLabel(const UnitKind& kind, int subType);
 
 // ---- C
 
 /// `hasPIC18` of a unit; nothing where kind and firmware do not tell it.
-std::optional<bool> decodePic18(ReplyBytes reply, int slot, FirmwareNumber firmware);
+std::optional<bool> decodePic18(ReplyBytes reply, const UnitKind& kind, FirmwareVersion firmware);
 
 // ---- D
 

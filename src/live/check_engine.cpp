@@ -9,7 +9,6 @@ namespace zentaq {
 
 namespace {
 
-constexpr int kindOrba = 3;
 constexpr std::size_t fieldWidth = 7;
 
 using CodeRow = std::array<std::string_view, CheckEngineTexts::bitCount>;
@@ -44,14 +43,14 @@ constexpr std::array<CodeRow, CheckEngineTexts::rowCount> codeRows{{
      "Intermittent ISC3 Short to Ground", " ", " ", " ", " ", " "},
 }};
 
-/// Rows 4 and 10 of kind 3.
-constexpr CodeRow orbaRow4{"41 - AD1 Failed High", "42 - AD1 Failed Low",  "43 - AD2 Failed High",
-                           "44 - AD2 Failed Low",  "45 - AD3 Failed High", "46 - AD3 Failed Low",
-                           "47 - AD4 Failed High", "48 - AD4 Failed Low"};
-constexpr CodeRow orbaRow10{"Intermittent AD1 Failed High", "Intermittent AD1 Failed Low",
-                            "Intermittent AD2 Failed High", "Intermittent AD2 Failed Low",
-                            "Intermittent AD3 Failed High", "Intermittent AD3 Failed Low",
-                            "Intermittent AD4 Failed High", "Intermittent AD4 Failed Low"};
+/// Rows 4 and 10 of a kind with analog inputs there.
+constexpr CodeRow analogRow4{"41 - AD1 Failed High", "42 - AD1 Failed Low",  "43 - AD2 Failed High",
+                             "44 - AD2 Failed Low",  "45 - AD3 Failed High", "46 - AD3 Failed Low",
+                             "47 - AD4 Failed High", "48 - AD4 Failed Low"};
+constexpr CodeRow analogRow10{"Intermittent AD1 Failed High", "Intermittent AD1 Failed Low",
+                              "Intermittent AD2 Failed High", "Intermittent AD2 Failed Low",
+                              "Intermittent AD3 Failed High", "Intermittent AD3 Failed Low",
+                              "Intermittent AD4 Failed High", "Intermittent AD4 Failed Low"};
 
 struct Reduction {
     std::string_view text;
@@ -170,11 +169,11 @@ ShortCode fieldsOf(const Reduction& entry) {
 
 }  // namespace
 
-std::string_view CheckEngineTexts::text(int kindSlot, int row, int bit) {
+std::string_view CheckEngineTexts::text(const UnitKind& kind, int row, int bit) {
     if (row < 1 || row > rowCount || bit < 0 || bit >= bitCount) throw BoundsError();
     const auto column = static_cast<std::size_t>(bit);
-    if (kindSlot == kindOrba && row == 4) return orbaRow4[column];
-    if (kindSlot == kindOrba && row == 10) return orbaRow10[column];
+    if (kind.analogCodes && row == 4) return analogRow4[column];
+    if (kind.analogCodes && row == 10) return analogRow10[column];
     return codeRows[static_cast<std::size_t>(row) - 1][column];
 }
 
@@ -184,7 +183,7 @@ std::vector<std::string> activeCodes(const Unit& unit) {
         const int word = unit.Get_ECData(row - 1);
         for (int bit = 0; bit < CheckEngineTexts::bitCount; ++bit) {
             if ((word >> bit) % 2 != 0) continue;
-            texts.emplace_back(CheckEngineTexts::text(unit.kind().slot, row, bit));
+            texts.emplace_back(CheckEngineTexts::text(unit.kind(), row, bit));
         }
     }
     return texts;

@@ -18,9 +18,9 @@ class CheckEngineTexts {
     static constexpr int rowCount = 12;
     static constexpr int bitCount = 8;
 
-    /// `row` 1 to 12, `bit` 0 to 7; BoundsError outside. Kind 3 has analogue inputs where the others have
+    /// `row` 1 to 12, `bit` 0 to 7; BoundsError outside. The ORB A has analogue inputs where the others have
     /// outputs.
-    static std::string_view text(int kindSlot, int row, int bit);
+    static std::string_view text(const UnitKind& kind, int row, int bit);
 };
 
 /// The texts of all set codes of a unit, by row and bit: a cleared bit is a set code, a word of 255 holds

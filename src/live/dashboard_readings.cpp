@@ -11,8 +11,6 @@ namespace zentaq {
 
 namespace {
 
-constexpr int kindPzk2 = 5;
-
 struct Source {
     const LiveValues& live;
     Unit& unit;
@@ -50,7 +48,7 @@ std::string textOf(const Channel& channel, const Source& source) {
 }
 
 bool isShown(bool ofIgnition, const Source& source) {
-    return ofIgnition || source.unit.kind().slot != kindPzk2;
+    return ofIgnition || source.unit.kind().fuelSide;
 }
 
 void addChannels(std::vector<DashboardReading>& readings, const Source& source) {

@@ -19,7 +19,8 @@ struct DashboardReading {
     std::string unit;     ///< "rpm"
 };
 
-/// The channels of a unit, what the panel shows besides, and the pins; kind 5 has no fuel side.
+/// The channels of a unit, what the panel shows besides, and the pins; one for ignition only has no fuel
+/// side.
 std::vector<DashboardReading> dashboardReadings(const LiveValues& live, Unit& unit,
                                                 const DashboardSettings& settings);
 

@@ -6,14 +6,13 @@
 
 #include "base/errors.h"
 #include "base/number_text.h"
+#include "unit/gpio_pins.h"
 #include "unit/temperature.h"
 
 namespace zentaq {
 
 namespace {
 
-constexpr int kindOrba = 3;
-constexpr int kindPzk2 = 5;
 constexpr double celsiusPerCount = 190.0 / 255.0;
 
 std::string shown(double value, std::string_view pattern) {
@@ -26,7 +25,7 @@ double word(int high, int low) {
 }
 
 bool isFine(const Unit& unit, PulseScale scale) {
-    return !scale.internalLog && (unit.kind().slot != kindOrba || scale.fastFlag);
+    return !scale.internalLog && (!unit.kind().coarsePulses || scale.fastFlag);
 }
 
 std::string temperature(double x, TemperatureMode mode) {
@@ -42,7 +41,7 @@ std::string ratio(Unit& unit, double x) {
 /// The sort of text that a pin's function shows.
 enum class PinShow { Disabled, Switch, Duty, Speed, Volts, Number };
 
-PinShow pinShow(int kind, int function) {
+PinShow pinShow(const UnitKind& kind, int function) {
     switch (function) {
         case 0:
             return PinShow::Disabled;
@@ -59,7 +58,7 @@ PinShow pinShow(int kind, int function) {
         case 21:
             return PinShow::Speed;
         case 22:  // an input without a function where there is no voltage input
-            return kind == kindOrba || kind == kindPzk2 ? PinShow::Disabled : PinShow::Volts;
+            return (kind.pins->kind & gpio_kinds::withVoltageInput) != 0 ? PinShow::Volts : PinShow::Disabled;
         default:
             return (function >= 1 && function <= 24) ? PinShow::Switch : PinShow::Number;
     }
@@ -172,7 +171,7 @@ std::string Ecu::POPD(double secondary, double primary) {
 }
 
 std::string Ecu::GPIO_Display(const Unit& unit, int function, int raw) {
-    switch (pinShow(unit.kind().slot, function)) {
+    switch (pinShow(unit.kind(), function)) {
         case PinShow::Disabled:
             return "DISABLED";
         case PinShow::Switch:

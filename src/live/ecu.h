@@ -13,7 +13,7 @@ namespace zentaq {
 /// How the temperature members answer.
 enum class TemperatureMode { Celsius = 1, Fahrenheit = 2 };
 
-/// What a 16-bit pulse count of a frame means: the narrow frame of kind 3 counts in steps of 1/125 ms, and
+/// What a 16-bit pulse count of a frame means: the narrow frame of the ORB A counts in steps of 1/125 ms, and
 /// its fuel factor in 1/255; every other frame carries whole microseconds and whole percents.
 struct PulseScale {
     bool fastFlag = false;     ///< the frame is a wide one

@@ -153,7 +153,7 @@ double idleSpeed(Unit&, Raw raw) {
 
 using L = LiveValues;
 
-/// F reply of kind 3; it has no head.
+/// F reply of the ORB A; it has no head.
 constexpr std::array narrowOfOrba{
     FrameRow{0, 2, &L::RPM, rpm},
     FrameRow{2, 1, &L::PRIADV, advance},
@@ -209,7 +209,7 @@ constexpr std::array narrowOfOthers{
     FrameRow{26, 1, &L::CHKE, plain},
 };
 
-/// F reply of the ignition-only kind 5: the throttle stands where the others have the air temperature.
+/// F reply of the ignition-only kind: the throttle stands where the others have the air temperature.
 constexpr std::array narrowOfPzk2{
     FrameRow{3, 2, &L::RPM, rpm},
     FrameRow{6, 1, &L::MAP, load},
@@ -294,33 +294,25 @@ constexpr std::array internalRecord{
     FrameRow{24, 1, &L::BATTV, battery},
 };
 
-/// What the frames of a kind look like.
-struct KindFrames {
-    int slot;
-    FrameTable narrowFrame;
-    bool narrowZeroesWideOnly;  ///< so that a recorder writes zeros
-    bool hasPinReply;           ///< answers I
-    int lastPinOfReply;
-};
-
 constexpr int firstWidePin = 56;
 
-const std::array kinds{
-    KindFrames{3, narrowOfOrba, true, false, 0},   KindFrames{4, narrowOfOthers, false, true, 8},
-    KindFrames{5, narrowOfPzk2, false, true, 8},   KindFrames{6, narrowOfOthers, false, true, 12},
-    KindFrames{7, narrowOfOthers, false, true, 8}, KindFrames{8, narrowOfOthers, false, true, 8},
-};
-
-const KindFrames* framesOf(const UnitKind& unitKind) {
-    for (const KindFrames& kind : kinds) {
-        if (kind.slot == unitKind.slot) return &kind;
+FrameTable narrowFrameOf(const UnitKind& kind) {
+    switch (kind.narrowFrame) {
+        case NarrowFrame::None:
+            break;
+        case NarrowFrame::OrbA:
+            return narrowOfOrba;
+        case NarrowFrame::Usual:
+            return narrowOfOthers;
+        case NarrowFrame::Ignition:
+            return narrowOfPzk2;
     }
-    return nullptr;
+    return {};
 }
 
 /// The highest pin that the frames of a kind show, counted from 0.
 int lastPin(const UnitKind& kind) {
-    return kind.hasWideMonitor ? kind.sizes.wCmdLen - 2 - firstWidePin : kind.numGpio;
+    return kind.hasWideMonitor() ? kind.sizes.wCmdLen - 2 - firstWidePin : kind.numGpio;
 }
 
 Raw rawAt(std::span<const std::uint8_t> reply, const FrameRow& row) {
@@ -370,15 +362,15 @@ void showPins(Unit& unit, int last) {
 }  // namespace
 
 void FrameDecoder::Monitor(Unit& unit, std::span<const std::uint8_t> reply) {
-    const KindFrames* frames = framesOf(unit.kind());
-    if (frames == nullptr) return;
-    decode(frames->narrowFrame, unit, live_, reply);
+    const NarrowFrame frame = unit.kind().narrowFrame;
+    if (frame == NarrowFrame::None) return;
+    decode(narrowFrameOf(unit.kind()), unit, live_, reply);
     showPins(unit, lastPin(unit.kind()));
     skipFailing([&] {
         live_.SECPERCENT = static_cast<float>(
             numberOf(Ecu::POPD(static_cast<double>(live_.SECPW), static_cast<double>(live_.PRIPW))));
     });
-    if (frames->narrowZeroesWideOnly) {
+    if (frame == NarrowFrame::OrbA) {  // so that a recorder writes zeros
         for (const Channel& channel : channels) {
             if (channel.is(Channel::wideOnly)) *channel.numberIn(live_) = 0;
         }
@@ -387,7 +379,7 @@ void FrameDecoder::Monitor(Unit& unit, std::span<const std::uint8_t> reply) {
 }
 
 void FrameDecoder::MonitorW(Unit& unit, std::span<const std::uint8_t> reply) {
-    if (!unit.kind().hasWideMonitor) return;
+    if (!unit.kind().hasWideMonitor()) return;
     decode(wideFrame, unit, live_, reply);
     const int last = lastPin(unit.kind());
     decodePins(unit, reply, firstWidePin, last);
@@ -396,15 +388,13 @@ void FrameDecoder::MonitorW(Unit& unit, std::span<const std::uint8_t> reply) {
 }
 
 void FrameDecoder::Monitor_GPIO(Unit& unit, std::span<const std::uint8_t> reply) {
-    const KindFrames* frames = framesOf(unit.kind());
-    if (frames == nullptr || !frames->hasPinReply) return;
-    decodePins(unit, reply, 3, frames->lastPinOfReply);
-    showPins(unit, frames->lastPinOfReply);
+    const int last = unit.kind().lastPinOfReply;
+    decodePins(unit, reply, 3, last);
+    showPins(unit, last);
 }
 
 void FrameDecoder::Internal_Data_Conv(Unit& unit, std::span<const std::uint8_t> reply) {
-    const KindFrames* frames = framesOf(unit.kind());
-    if (frames == nullptr) return;
+    if (!unit.kind().hasCalibration) return;
     decode(internalRecord, unit, live_, reply);
     ++live_.frames;
 }
@@ -430,11 +420,10 @@ FrameContent contentOf(FrameTable table, int last = -1) {
 }  // namespace
 
 std::optional<FrameContent> contentOfFrame(const UnitKind& kind, char command) {
-    const KindFrames* frames = framesOf(kind);
-    if (frames == nullptr) return {};
-    if (command == 'F') return contentOf(frames->narrowFrame);
-    if (command == 'W' && kind.hasWideMonitor) return contentOf(wideFrame, lastPin(kind));
-    if (command == 'I' && frames->hasPinReply) return contentOf({}, frames->lastPinOfReply);
+    if (!kind.hasCalibration) return {};
+    if (command == 'F') return contentOf(narrowFrameOf(kind));
+    if (command == 'W' && kind.hasWideMonitor()) return contentOf(wideFrame, lastPin(kind));
+    if (command == 'I' && kind.lastPinOfReply >= 0) return contentOf({}, kind.lastPinOfReply);
     if (command == 'D') return contentOf(internalRecord);
     return {};
 }

@@ -17,7 +17,7 @@ class FrameDecoder {
  public:
     explicit FrameDecoder(LiveValues& live) : live_(live) {}
 
-    /// F reply. Shape: MonitorLen bytes; kind 3 has no head.
+    /// F reply. Shape: MonitorLen bytes; the ORB A's has no head.
     void Monitor(Unit& unit, std::span<const std::uint8_t> reply);
     /// W reply. Shape: wCmdLen bytes, checksum tested by the caller.
     void MonitorW(Unit& unit, std::span<const std::uint8_t> reply);

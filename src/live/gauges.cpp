@@ -1,7 +1,6 @@
 #include "live/gauges.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "base/errors.h"
 #include "base/number_text.h"
@@ -11,7 +10,6 @@ namespace zentaq {
 namespace {
 
 constexpr double petrolRatio = 14.7;
-constexpr int kindPzk2 = 5;
 constexpr int lowRevScale = 9000;
 constexpr int highRevScale = 18000;
 
@@ -88,16 +86,6 @@ int revScaleOf(Unit& unit) {
     return unit.get("REV_Limiter") > lowRevScale ? highRevScale : lowRevScale;
 }
 
-std::string dashboardImage(bool night, int revScale, int kindSlot) {
-    const bool high = revScale == highRevScale;
-    std::string name = R"(\bin\images\)";
-    // Kept: the picture of the high scale is spelled with a small b, except for kind 5.
-    name += high && kindSlot != kindPzk2 ? "Dashboard_" : "DashBoard_";
-    name += high ? "18000" : "9000";
-    if (kindSlot == kindPzk2) name += "_PZK2";
-    return name + (night ? "_Black.jpg" : "_White.bmp");
-}
-
 void Gauges::CLT_Position(float celsius, const DashboardSettings& settings) {
     turn(Needle::Coolant) = temperatureAngle(celsius);
     cltAlarm_ = reaches(celsius, settings.CLTAlarmValue);
@@ -121,7 +109,7 @@ void Gauges::UPDATE_DISPLAY(const LiveValues& live, Unit& unit, const DashboardS
     TPS_Position(live.TPS);
     VOLT_Position(live.BATTV);
     Check_Engine(live.CHKE);
-    if (unit.kind().slot == kindPzk2) return;
+    if (!unit.kind().fuelSide) return;
     CLT_Position(live.CLT, settings);
     MAT_Position(live.MAT, settings);
     AFR_Position(live.AAFR, live.DAFR, stoichiometric);

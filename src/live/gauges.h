@@ -52,8 +52,6 @@ std::int32_t afrNeedleColour(float actual, float desired, std::optional<float> s
 
 /// 9000, or 18000 for a rev limiter above 9000 rpm.
 int revScaleOf(Unit& unit);
-/// The background picture under the application folder, for example "\bin\images\DashBoard_9000_Black.jpg".
-std::string dashboardImage(bool night, int revScale, int kindSlot);
 
 class Gauges {
  public:
@@ -71,7 +69,7 @@ class Gauges {
         overRevColour_ = rpm > limiter ? colours::yellow : colours::black;
     }
 
-    /// Everything above from one set of live values. Kind 5 has no fuel side and leaves its gauges alone.
+    /// Everything above from one set of live values. A kind without a fuel side leaves its gauges alone.
     /// `stoichiometric`: AFR of the calibration in hand, which need not be that of `unit`; nothing without
     /// one.
     void UPDATE_DISPLAY(const LiveValues& live, Unit& unit, const DashboardSettings& settings,

@@ -339,14 +339,14 @@ bool Database::readOnly() const {
 std::optional<EngineRow> Database::engine(int kind, int optType) const {
     return guarded(handle_->path, [&] {
         return firstRow(handle_->file, "SELECT * FROM Engines WHERE OrbUnit = ? AND OptType = ?", readEngine,
-                        refdata::engineKindOfSlot(kind), optType);
+                        kind, optType);
     });
 }
 
 std::optional<EngineRow> Database::engineByName(std::string_view displayValue, int kind) const {
     return guarded(handle_->path, [&] {
         return firstRow(handle_->file, "SELECT * FROM Engines WHERE DisplayValue = ? AND OrbUnit = ?",
-                        readEngine, displayValue, refdata::engineKindOfSlot(kind));
+                        readEngine, displayValue, kind);
     });
 }
 
@@ -357,7 +357,7 @@ std::vector<EngineRow> Database::engines(int kind, int variant) const {
                     // By name, with 2 cylinders before 10 and names without a number last.
                     "ORDER BY CAST(DisplayValue AS INTEGER) = 0, CAST(DisplayValue AS INTEGER), "
                     "DisplayValue",
-                    readEngine, refdata::engineKindOfSlot(kind), variant);
+                    readEngine, kind, variant);
     });
 }
 

@@ -13,7 +13,7 @@ namespace zentaq {
 
 /// One engine configuration for one unit kind. Numbers go into the calibration member of the same meaning.
 struct EngineRow {
-    int orbUnit = 0;           ///< unit kind, 3 to 7
+    int orbUnit = 0;           ///< unit kind: UnitKind::engines
     int orbSubType = 0;        ///< 0 for all variants of the kind, or a variant number
     int optType = 0;           ///< engine option number, `Option_Type`
     std::string displayValue;  ///< name in the engine lists
@@ -91,7 +91,7 @@ class Database {
     // A query that the file cannot answer throws Failure. A file locked by another program for
     // longer than a fifth of a second counts as such: no call waits longer.
 
-    /// The engine of an option number. Here and below slot 8 stands for its fellow, kind 7.
+    /// The engine of an option number. Here and below `kind` is UnitKind::engines.
     std::optional<EngineRow> engine(int kind, int optType) const;
     std::optional<EngineRow> engineByName(std::string_view displayValue, int kind) const;
     /// The engines to choose from for a variant, by name: those for all variants and those for this one.

@@ -176,18 +176,6 @@ constexpr auto sets = std::to_array<DefaultsSet>({
     {"MAFMax", 1, 2000, 20000},
 });
 
-struct KindSuffix {
-    int slot;
-    std::string_view suffix;
-};
-constexpr auto kindSuffixes =
-    std::to_array<KindSuffix>({{4, "_ORBL"}, {5, "_PZK2"}, {6, "_ORBC"}, {7, "_ORBD"}, {8, "_ORBD"}});
-
-struct SharedEngines {
-    int slot, kind;
-};
-constexpr auto sharedEngines = std::to_array<SharedEngines>({{8, 7}});
-
 Column text(std::string name) {
     return {std::move(name), ColumnType::Text};
 }
@@ -269,16 +257,6 @@ std::vector<Table> makeTables() {
 
 std::span<const DefaultsSet> defaultsSets() {
     return sets;
-}
-
-std::string_view defaultsSuffix(int slot) {
-    const auto found = std::ranges::find(kindSuffixes, slot, &KindSuffix::slot);
-    return found == kindSuffixes.end() ? std::string_view{} : found->suffix;
-}
-
-int engineKindOfSlot(int slot) {
-    const auto found = std::ranges::find(sharedEngines, slot, &SharedEngines::slot);
-    return found == sharedEngines.end() ? slot : found->kind;
 }
 
 const std::vector<Table>& tables() {

@@ -34,14 +34,6 @@ struct DefaultsSet {
 /// Every set that table Defaults holds. Pressures are in kPa, temperatures in Celsius.
 std::span<const DefaultsSet> defaultsSets();
 
-/// What stands behind the name of a set that is for one unit kind only: "_PZK2" for slot 5. Empty for the
-/// kind that the plain sets are made for. A kind without a set of its own takes the plain one.
-std::string_view defaultsSuffix(int slot);
-
-/// The number under which the engines of a unit stand in table Engines: its slot, and for the D6 of slot 8
-/// the 7 of the ORB D, whose engines and files it shares.
-int engineKindOfSlot(int slot);
-
 /// All tables in the order in which they are made.
 const std::vector<Table>& tables();
 

@@ -10,6 +10,7 @@
 #include "base/text.h"
 #include "refdata/schema.h"
 #include "refdata/sensor_match.h"
+#include "unit/unit_kind.h"
 
 namespace zentaq::refdata {
 
@@ -109,25 +110,21 @@ int coilsOf(int wiring, int cylinders, int ignitions) {
     }
 }
 
-/// Coil outputs of a unit. Only the larger variants of the ORB A, 6/12 and AR, have more than eight.
-struct CoilOutputs {
-    int kind, smallest, largest;
-};
-constexpr std::array<CoilOutputs, 5> coilOutputs{{{3, 8, 12}, {4, 8, 8}, {5, 4, 4}, {6, 6, 6}, {7, 4, 4}}};
+/// Only the larger variants of a kind have as many coil outputs as its largest.
 constexpr int firstLargeVariant = 2;
 
-const CoilOutputs* coilOutputsOf(int kind) {
-    const auto found = std::ranges::find(coilOutputs, kind, &CoilOutputs::kind);
-    return found == coilOutputs.end() ? nullptr : &*found;
+const UnitKind* kindOfEngines(int number) {
+    const auto found = std::ranges::find(unitKinds(), number, &UnitKind::engines);
+    return found == unitKinds().end() ? nullptr : &*found;
 }
 
 void checkIdentity(const SeedTable& seed, const SeedRow& row) {
-    const int kind = seed.integer(row, "OrbUnit");
-    if (coilOutputsOf(kind) == nullptr) {
-        seed.fail(row.line, "OrbUnit " + to_string(kind) + " is no unit kind with calibration files");
+    const int number = seed.integer(row, "OrbUnit");
+    const UnitKind* kind = kindOfEngines(number);
+    if (kind == nullptr) {
+        seed.fail(row.line, "OrbUnit " + to_string(number) + " is no unit kind with calibration files");
     }
-    constexpr int kindWithVariants = 3;
-    within(seed, row, "OrbSubType", 0, kind == kindWithVariants ? 3 : 0);
+    within(seed, row, "OrbSubType", 0, kind->models.back().variant);
     within(seed, row, "OptType", 1, 255);
     filled(seed, row, "DisplayValue");
 }
@@ -141,8 +138,8 @@ void checkCoils(const SeedTable& seed, const SeedRow& row, int cylinders, int ig
         seed.fail(row.line, "P1EgTp counts " + to_string(code / 16) + " coil outputs, the engine needs " +
                                 to_string(needed));
     }
-    const CoilOutputs& unit = *coilOutputsOf(seed.integer(row, "OrbUnit"));
-    const int outputs = seed.integer(row, "OrbSubType") >= firstLargeVariant ? unit.largest : unit.smallest;
+    const auto [smallest, largest] = kindOfEngines(seed.integer(row, "OrbUnit"))->coilOutputs;
+    const int outputs = seed.integer(row, "OrbSubType") >= firstLargeVariant ? largest : smallest;
     if (needed > outputs) seed.fail(row.line, "the unit has only " + to_string(outputs) + " coil outputs");
     const bool rotary = seed.integer(row, "Stroke") == 1;
     if ((wiring == layout::rotary) != rotary) {

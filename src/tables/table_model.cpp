@@ -822,16 +822,10 @@ void TableModel::toggleOverlay() {
 // ---- What the window offers
 
 PopupItems TableModel::popupItems() const {
-    struct Offer {
-        int kindSlot;
-        int release;
-    };
-    constexpr std::array offers{Offer{3, 5}, Offer{4, 7}, Offer{6, 5}, Offer{7, 5}, Offer{8, 5}};
     PopupItems items;
     items.interpolateAndSmooth = selection_.present;
-    const bool offered = std::any_of(offers.begin(), offers.end(), [&](const Offer& offer) {
-        return offer.kindSlot == unit_.kind().slot && unit_.FW_Release() >= offer.release;
-    });
+    const int from = unit_.kind().resizesFrom;
+    const bool offered = from != 0 && unit_.FW_Release() >= from;
     items.rowsAndColumns = offered && !selection_.present;
     items.newColumn = columns() < 16;
     items.newRow = rows() < 16;
@@ -841,7 +835,6 @@ PopupItems TableModel::popupItems() const {
 }
 
 ToolbarItems TableModel::toolbarItems() const {
-    constexpr int kindPzk2 = 5;
     ToolbarItems items;
     items.onFlyItems = unit_.ONFLY_MODE();
     items.fuelViews = kind().isFuel();
@@ -850,7 +843,7 @@ ToolbarItems TableModel::toolbarItems() const {
     items.rowAxis = "Y: " + unit_.GET_TBL_AXIS_TYPE(table_, "ROW-AXIS");
     if (table_ == "VE") items.displayCaption = "VE %";
     if (table_ == "SPW") items.displayCaption = "Staged %";
-    if (table_ == "ADV" && unit_.kind().slot != kindPzk2) items.displayCaption = "Table Adv";
+    if (table_ == "ADV" && unit_.kind().fuelSide) items.displayCaption = "Table Adv";
     items.overlayItem = overlaySuppressed_ ? "Turn Overlay ON" : "Turn Overlay OFF";
     return items;
 }

@@ -12,7 +12,6 @@ namespace zentaq {
 
 namespace {
 
-constexpr int orbaSlot = 3;
 /// The identification of all but the oldest units.
 constexpr int serialBytes = 8;
 /// The first word of the check-engine codes, behind the head of the reply.
@@ -136,10 +135,10 @@ std::string WireWords::identification(TraceLine& line, Bytes reply) {
         if (!told) return;
         if (marked) expected_ = serialBytes;
         text = "serial " + formatNumber(told->serialNumber, "000000");
-        const SerialRange* range = unitOfSerial(told->serialNumber);
-        text += range == nullptr ? ", of no unit kind" : ", unit " + std::string(range->label);
+        const UnitKind* kind = unitKindOfSerial(told->serialNumber);
+        text += kind == nullptr ? ", of no unit kind" : ", unit " + std::string(kind->label);
         if (told->oldFirmware) text += ", must be upgraded";
-        if (range != nullptr) unit(range->slot, told->oldFirmware);
+        if (kind != nullptr) unit(kind->slot, told->oldFirmware);
         oldFirmware_ = told->oldFirmware;
     });
     if (text == unknown) line.problem = trouble::unclear;
@@ -164,7 +163,7 @@ std::string WireWords::codes(Bytes reply) const {
         if (index >= reply.size()) return {};
         for (int bit = 0; bit < CheckEngineTexts::bitCount; ++bit) {
             if ((reply[index] >> bit) % 2 != 0) continue;
-            const auto text = knowsUnit() ? trimmed(CheckEngineTexts::text(kind_->slot, row, bit)) : "";
+            const auto text = knowsUnit() ? trimmed(CheckEngineTexts::text(*kind_, row, bit)) : "";
             if (++set <= mostCodesTold && !text.empty())
                 texts += (texts.empty() ? ": " : "; ") + std::string(text);
         }
@@ -201,7 +200,7 @@ bool WireWords::hasSum(Bytes reply) const {
     if (expected_ == 0 || reply.size() < static_cast<std::size_t>(expected_)) return false;
     if (row_ == nullptr || row_->checksum == ChecksumRule::Unchecked) return false;
     if (key_ == "E") return expected_ == serialBytes;
-    return key_ != "F" || kind_->slot != orbaSlot;
+    return key_ != "F" || kind_->narrowFrameHasSum;
 }
 
 void WireWords::judge(TraceLine& line, Bytes reply) const {

@@ -254,7 +254,7 @@ void Unit::seedShape() {
 
 void Unit::migrateInjectors(int fromRelease) {
     const bool up = isLinear(FW_Release());
-    if (kind_->cells.scale1 == CellMap::none) return;
+    if (!kind_->fuelSide) return;
     if (up == isLinear(fromRelease) || !host_.firmwareKnownFromLink(kind_->slot)) return;
     // What a unit says about itself makes no old file of one that tells no release, nor does a unit that
     // tells none.
@@ -265,7 +265,7 @@ void Unit::migrateInjectors(int fromRelease) {
 }
 
 void Unit::scaleInjectors(bool up) {
-    if (kind_->cells.scale1 == CellMap::none) return;
+    if (!kind_->fuelSide) return;
     rules::mapBar(*this);  // repairs a rating of 0
     const auto [k, l] = legacySensor(toInt16(cellAt(kind_->cells.legacyBar)));
     const double scale = cellAt(kind_->cells.scale1);

@@ -1,8 +1,7 @@
 #include "unit/file_kind.h"
 
-#include <array>
+#include <algorithm>
 #include <filesystem>
-#include <span>
 #include <system_error>
 
 #include "base/errors.h"
@@ -15,20 +14,18 @@ namespace zentaq {
 
 namespace {
 
-struct LengthOfKind {
-    std::uintmax_t bytes;
-    int slot;
-};
+/// Before its first number named the kind.
+bool isUnnamedLength(const UnitKind& kind, std::uintmax_t bytes) {
+    return kind.unnamedFileBytes == bytes;
+}
 
-/// Calibration files from before their first number named the kind.
-constexpr std::array unnamedLengths = {LengthOfKind{8718, 3}, LengthOfKind{9324, 4}, LengthOfKind{9320, 6},
-                                       LengthOfKind{9316, 7}, LengthOfKind{4816, 5}};
-constexpr std::array oldLengths = {LengthOfKind{8704, 3}, LengthOfKind{8720, 3}, LengthOfKind{9312, 4},
-                                   LengthOfKind{4804, 5}};
+bool isOldLength(const UnitKind& kind, std::uintmax_t bytes) {
+    return std::ranges::find(kind.oldFileBytes, bytes) != kind.oldFileBytes.end();
+}
 
-int slotOf(std::span<const LengthOfKind> lengths, std::uintmax_t bytes) {
-    for (const LengthOfKind& row : lengths) {
-        if (row.bytes == bytes) return row.slot;
+int slotWhere(bool (*isLength)(const UnitKind&, std::uintmax_t), std::uintmax_t bytes) {
+    for (const UnitKind& kind : unitKinds()) {
+        if (isLength(kind, bytes)) return kind.slot;
     }
     return 0;
 }
@@ -45,11 +42,11 @@ CalibrationFileKind kindOfCalibrationFile(const std::string& path) {
     if (named != nullptr) return {named->slot, false, floatAt(header, 1)};
     std::error_code error;
     const auto length = std::filesystem::file_size(path, error);
-    return {error ? 0 : slotOf(unnamedLengths, length), true, 0};
+    return {error ? 0 : slotWhere(isUnnamedLength, length), true, 0};
 }
 
 int kindOfOldFile(std::uintmax_t length) {
-    return slotOf(oldLengths, length);
+    return slotWhere(isOldLength, length);
 }
 
 int cellsCutOff(const UnitKind& kind, std::uintmax_t length) {
@@ -57,7 +54,7 @@ int cellsCutOff(const UnitKind& kind, std::uintmax_t length) {
     constexpr std::uintmax_t notes = 500;  // the last cells, which the first programs did not write
     const auto whole = headerFloats + static_cast<std::uintmax_t>(kind.fileFloats);
     const std::uintmax_t floats = length / floatBytes;
-    const bool older = length == (whole - notes) * floatBytes || slotOf(unnamedLengths, length) == kind.slot;
+    const bool older = length == (whole - notes) * floatBytes || isUnnamedLength(kind, length);
     return floats >= whole || older ? 0 : static_cast<int>(whole - floats);
 }
 

@@ -55,7 +55,7 @@ void Unit::Set_GPIO_Func(int pin, int code) {
 }
 
 void Unit::recordReleaseOf(int gpioCode) {
-    const GpioPins& pins = gpioPinsOf(*kind_);
+    const GpioPins& pins = *kind_->pins;
     float& recorded = host_.header().firmwareCode;
     if (!pins.recordsRelease || recorded != 0 || FW_Release() != 0 || FW_Build() != 0) return;
     const GpioFunction* function = gpioFunctionOf(pins.kind, gpioCode);
@@ -118,7 +118,7 @@ void Unit::Zeroize_GPIO(int pin) {
 }
 
 std::string Unit::GPIO_Function_Name(int code) const {
-    const GpioFunction* function = gpioFunctionOf(gpioPinsOf(*kind_).kind, code);
+    const GpioFunction* function = gpioFunctionOf(kind_->pins->kind, code);
     return std::string(function == nullptr ? "GPIO ERROR: ENTRY NOT FOUND!" : function->name);
 }
 

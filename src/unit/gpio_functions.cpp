@@ -10,7 +10,6 @@ using namespace gpio_kinds;
 using enum GpioSide;
 using enum GpioNeeds;
 
-constexpr GpioKinds withVoltageInput = orbL | orbC | orbD;
 constexpr GpioKinds withoutVoltageInput = all & ~withVoltageInput;
 constexpr bool once = true;
 constexpr bool anyNumber = false;

@@ -21,6 +21,7 @@ inline constexpr GpioKinds orbD = 8;  ///< both sizes
 inline constexpr GpioKinds pzk2 = 16;
 inline constexpr GpioKinds noUnit = 128;  ///< clsNull
 inline constexpr GpioKinds withFuel = orbA | orbL | orbC | orbD;
+inline constexpr GpioKinds withVoltageInput = orbL | orbC | orbD;
 inline constexpr GpioKinds all = 255;
 }  // namespace gpio_kinds
 

@@ -5,14 +5,9 @@
 #include <cstdint>
 #include <span>
 
-namespace zentaq {
+#include "unit/firmware_version.h"
 
-/// A firmware release and build, in their order.
-struct FirmwareVersion {
-    int release = 0;
-    int build = 0;
-    auto operator<=>(const FirmwareVersion&) const = default;
-};
+namespace zentaq {
 
 enum class GpioForm : std::uint8_t {
     Constant,      ///< `factor` itself

@@ -88,7 +88,7 @@ float gpioPulsesPerMile(float tireDiameter, float axleRatio, float pulsesPerTurn
 // ---- Pins
 
 const GpioPins& GpioModel::pins() const {
-    return gpioPinsOf(unit_.kind());
+    return *unit_.kind().pins;
 }
 
 std::vector<GpioPinRow> GpioModel::Show_GPIO() const {

@@ -10,8 +10,6 @@
 
 namespace zentaq {
 
-struct UnitKind;
-
 /// One row of the pin list.
 struct GpioPin {
     int pin = 0;            ///< block of the calibration, from 0
@@ -33,6 +31,7 @@ struct GpioPins {
     const GpioPin* find(int pin) const;
 };
 
-const GpioPins& gpioPinsOf(const UnitKind& kind);
+extern const GpioPins orbaPins, orbLitePins, pzk2Pins, orbcPins, orbdPins, orbd6Pins;
+extern const GpioPins noPins;  ///< of clsNull
 
 }  // namespace zentaq

@@ -232,7 +232,7 @@ void OldFileMove::putMember(std::string_view member, float value, int element) {
 
 std::optional<EngineFacts> OldFileMove::engineOfOption(int option) {
     std::optional<EngineFacts> engine;
-    endOnFailure([&] { engine = unit_.host().engine(static_cast<int>(unit_.kind().fileKind), option); },
+    endOnFailure([&] { engine = unit_.host().engine(unit_.kind().engines, option); },
                  [&](const std::string& why) {
                      throw ReferenceNeeded("Engine " + numberText(option) +
                                            " of the reference database is needed to convert it: " + why);

@@ -178,9 +178,8 @@ std::vector<Loose> looseCells(const UnitKind& kind) {
 }
 
 std::vector<Table> tables(const UnitKind& kind) {
-    const bool hasFuel = kind.members->find("VE") != nullptr;
-    const std::span<const NamedTable> named =
-        hasFuel ? std::span<const NamedTable>(wholeTables) : std::span<const NamedTable>(ignitionTables);
+    const std::span<const NamedTable> named = kind.fuelSide ? std::span<const NamedTable>(wholeTables)
+                                                            : std::span<const NamedTable>(ignitionTables);
     std::vector<Table> all;
     for (const auto& [name, first] : named) {
         const int cell = cellOfTable(kind, name);

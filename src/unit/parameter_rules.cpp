@@ -46,7 +46,7 @@ void controlBits(Unit& unit, int which, int kept, double added) {
 }
 
 std::optional<EngineFacts> engineOf(Unit& unit) {
-    return unit.host().engine(toInt16(static_cast<double>(unit.kind().fileKind)),
+    return unit.host().engine(unit.kind().engines,
                               toInt16(static_cast<double>(unit.DirectIndex(cellsOf(unit).optionType))));
 }
 

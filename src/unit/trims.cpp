@@ -39,8 +39,7 @@ void Unit::Initialize_Trims() {
     if (!kind_->hasCalibration) return;
     const int trims = trimmedCylinders();
     const CellMap& map = kind_->cells;
-    const bool hasFuel = map.userFuelTrim != CellMap::none;
-    for (int i = 0; hasFuel && i < userTrims; ++i) {
+    for (int i = 0; kind_->fuelSide && i < userTrims; ++i) {
         // The eighth user trim shares its cell with the first character of the notes: a character is no trim.
         const float percent = cellAt(map.userFuelTrim + i);
         if (isFuelTrim(percent)) put(map.fuelTrimSent + i, percent);

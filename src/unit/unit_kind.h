@@ -3,14 +3,17 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string_view>
 
 #include "base/battery_input.h"
+#include "unit/firmware_version.h"
 
 namespace zentaq {
 
 class MemberIndex;
+struct GpioPins;
 struct ImageLayout;
 struct Parameter;
 
@@ -66,36 +69,100 @@ enum class Trait : std::uint8_t {
     Written  ///< as it was last set; false at first
 };
 
+/// Serial numbers of a kind, both ends included.
+struct SerialRange {
+    std::int32_t first;
+    std::int32_t last;
+};
+
+/// What a new calibration can be for: a kind, or one of the variants of its engine list.
+struct UnitModel {
+    int place;               ///< in the list of models, from 1
+    std::string_view name;   ///< "ORB A Standard"
+    int variant = 0;         ///< of the engine list
+    std::string_view label;  ///< "A Std": of the unit on the link; empty: the kind's own
+};
+
+/// Which nodes the configuration tree has. One bit each: a node is of several shapes.
+enum class TreeShape : std::uint8_t { None = 0, Full = 1, Small = 2, Ignition = 4 };
+
+/// Which values the narrow frame ("F") has, and where.
+enum class NarrowFrame : std::uint8_t { None, OrbA, Usual, Ignition };
+
 struct UnitKind {
     int slot = 0;                          ///< index in Units
     float fileKind = 0;                    ///< first float of its calibration files; 0: no file
-    std::string_view className;            ///< "clsORBA"
+    std::string_view className;            ///< "clsORBA"; two kinds of one class share files and calibrations
     std::string_view model;                ///< "ORB A"
+    std::string_view name;                 ///< as `model`, with the kinds of one class told apart: "ORB D6"
+    std::string_view label;                ///< of the unit on the link: "A", "D6"
     std::string_view extension;            ///< ".ZQ4OA"
     std::string_view fileFilterExtension;  ///< "Zentaq4 ORBA File|*.ZQ4OA"
-    std::string_view firmwarePrefix;       ///< "ZQA"; empty: any firmware is valid
     int fileFilter = 0;                    ///< one-based entry in the common file filter
-    int defaultRelease = 0;                ///< firmware that a file gets when it is unknown
+    std::span<const SerialRange> serials;
+    std::span<const UnitModel> models;  ///< empty for the second kind of a class
+    bool hasCalibration = false;        ///< false for clsNull
+    bool fuelSide = true;  ///< tables, curves, gauges and readings of the fuel; false: ignition only
+
+    // Firmware.
+    std::string_view firmwarePrefix;  ///< "ZQA"; empty: any firmware is valid
+    int defaultRelease = 0;           ///< that the program expects, and that a file gets when it is unknown
     int defaultBuild = 0;
-    int newestRelease = 5;  ///< the last that a file's code has room for; later ones count as unknown
-    int fileFloats = 0;     ///< floats behind the header of a saved file
-    int orbFileLength = 0;  ///< index of the last parameter of the calibration proper
-    int numGpio = 0;        ///< highest GPIO number, counted from 0
-    int gpioBase = 0;       ///< function word of pin 0; a pin has 9 cells
-    double batteryVoltsPerCount = batteryinput::voltsPerCount;  ///< of the byte that live frames carry
-    SizeConstants sizes;
-    bool hasCalibration = false;  ///< false for clsNull
-    bool hasWideMonitor = false;
+    int newestRelease = 5;      ///< the last that a file's code has room for; later ones count as unknown
+    int wideFrom = 0;           ///< first release that answers "W"; 0: none does
+    int configurationFrom = 0;  ///< first release that is asked for its configuration ("C")
+    int resizesFrom = 0;        ///< first release whose tables may have other than 16 rows; 0: none
+    std::optional<FirmwareVersion> pic18From;  ///< from here on the configuration tells `hasPIC18`
     Trait pic18 = Trait::No;
     Trait gpioRequest = Trait::No;
+
+    // Files and cells.
+    int fileFloats = 0;                           ///< floats behind the header of a saved file
+    int orbFileLength = 0;                        ///< index of the last parameter of the calibration proper
+    std::uint32_t unnamedFileBytes = 0;           ///< of files from before their first number named the kind
+    std::span<const std::uint32_t> oldFileBytes;  ///< of files of the older generation
     CellMap cells;
     const ImageLayout* image = nullptr;
     std::span<const Parameter> parameters;
     const MemberIndex* members = nullptr;  ///< the same rows by name
+
+    // Inputs and outputs.
+    int numGpio = 0;   ///< highest GPIO number, counted from 0
+    int gpioBase = 0;  ///< function word of pin 0; a pin has 9 cells
+    const GpioPins* pins = nullptr;
+    int lastPinOfReply = -1;           ///< of the reply to "I"; -1: the kind knows no "I"
+    std::array<int, 2> coilOutputs{};  ///< of the smallest and of the largest variant
+
+    // Frames and replies.
+    SizeConstants sizes;
+    NarrowFrame narrowFrame = NarrowFrame::None;
+    bool narrowFrameHasSum = true;                              ///< its last byte is a checksum, and no value
+    double batteryVoltsPerCount = batteryinput::voltsPerCount;  ///< of the byte that live frames carry
+    bool coarsePulses = false;        ///< frames tell pulse widths in the coarse scale of the unit's own log
+    bool analogCodes = false;         ///< words 4 and 10 of the codes are of analog inputs, not of outputs
+    bool answersOldIdentify = false;  ///< old firmware identifies itself by six bytes
+    bool bareProgramLines = false;    ///< takes the lines of a program without CR and LF
+
+    // What the program shows and offers.
+    TreeShape tree = TreeShape::None;
+    double retardInputVolts = 0;      ///< span of MATADV's axis: a retard input; 0: the air temperature
+    std::string_view defaultsSuffix;  ///< of sets of default values that are for this kind: "_PZK2"
+    int engines = 0;                  ///< number of the kind's engines in the reference database
+    int displayedEngines = 0;         ///< kept: the display of the ORB D reads the engines of the ORB L
+
+    bool hasWideMonitor() const { return wideFrom != 0; }
 };
 
-/// The descriptions, by slot. Slots without an object have no description: nullptr.
+/// The kinds with a calibration, by slot.
+std::span<const UnitKind> unitKinds();
+
+/// nullptr for a slot without an object.
 const UnitKind* unitKindOfSlot(int slot);
+/// nullptr for a number in no range.
+const UnitKind* unitKindOfSerial(std::int32_t serialNumber);
+/// The description that a calibration file's first number selects, nullptr for none.
+const UnitKind* unitKindOfFile(float fileKind);
+
 const UnitKind& nullKind();
 const UnitKind& orbaKind();
 const UnitKind& orbLiteKind();
@@ -106,8 +173,5 @@ const UnitKind& orbd6Kind();  ///< slot 8, of the same class as slot 7
 
 /// Whether two kinds are one class, in one or in two slots: their files and calibrations are the same.
 bool shareFiles(const UnitKind& one, const UnitKind& other);
-
-/// The description that a calibration file's first number selects, nullptr for none.
-const UnitKind* unitKindOfFile(float fileKind);
 
 }  // namespace zentaq

@@ -1,3 +1,6 @@
+#include <algorithm>
+
+#include "unit/gpio_pins.h"
 #include "unit/image_layout.h"
 #include "unit/member_index.h"
 #include "unit/parameter_tables.h"
@@ -50,194 +53,326 @@ constexpr CellMap pzk2Cells = {.mapBar = 84,
                                .userFuelTrim = CellMap::none,
                                .notes = 1200};
 
-UnitKind orbdInSlot(int slot) {
+// No two kinds share a number.
+constexpr SerialRange orbaSerials[] = {{10, 9'999}, {200'000, 209'999}};
+constexpr SerialRange orbLiteSerials[] = {{300'000, 309'999}};
+constexpr SerialRange pzk2Serials[] = {{500'000, 509'999}};
+constexpr SerialRange orbcSerials[] = {{350'000, 359'999}};
+constexpr SerialRange orbdSerials[] = {{700'000, 709'999}};
+constexpr SerialRange orbd6Serials[] = {{750'000, 759'999}};
+
+constexpr UnitModel orbaModels[] = {
+    {1, "ORB A Standard", 1, "A Std"}, {2, "ORB A 6/12", 2, "A 6/12"}, {3, "ORB AR", 3, "A r"}};
+constexpr UnitModel orbLiteModels[] = {{4, "ORB L"}};
+constexpr UnitModel pzk2Models[] = {{5, "PZK-2"}};
+constexpr UnitModel orbdModels[] = {{6, "ORB D"}};
+constexpr UnitModel orbcModels[] = {{7, "ORB C"}};
+
+constexpr std::uint32_t orbaOldFiles[] = {8704, 8720};
+constexpr std::uint32_t orbLiteOldFiles[] = {9312};
+constexpr std::uint32_t pzk2OldFiles[] = {4804};
+
+UnitKind orba() {
+    static const MemberIndex members(orbaParameters());
+    return {.slot = 3,
+            .fileKind = 3,
+            .className = "clsORBA",
+            .model = "ORB A",
+            .name = "ORB A",
+            .label = "A",
+            .extension = ".ZQ4OA",
+            .fileFilterExtension = "Zentaq4 ORBA File|*.ZQ4OA",
+            .fileFilter = 4,
+            .serials = orbaSerials,
+            .models = orbaModels,
+            .hasCalibration = true,
+            .firmwarePrefix = "ZQA",
+            .defaultRelease = 5,
+            .defaultBuild = 99,
+            .wideFrom = 5,
+            .configurationFrom = 5,
+            .resizesFrom = 5,
+            .fileFloats = 2828,
+            .orbFileLength = 2327,
+            .unnamedFileBytes = 8718,
+            .oldFileBytes = orbaOldFiles,
+            .image = &orbImage(),
+            .parameters = orbaParameters(),
+            .members = &members,
+            .numGpio = 7,
+            .gpioBase = 336,
+            .pins = &orbaPins,
+            .coilOutputs = {8, 12},
+            .sizes = {.monitorLen = 35,
+                      .gpioLen = 21,
+                      .serialLen = 8,
+                      .binFirmLen = 39,
+                      .miscLen = 2,
+                      .codesLen = 16,
+                      .configLen = 39,
+                      .dataRecordLen = 33,
+                      .datalogMax = 8736,
+                      .wCmdLen = 65},
+            .narrowFrame = NarrowFrame::OrbA,
+            .narrowFrameHasSum = false,
+            .batteryVoltsPerCount = batteryinput::voltsPerCountOrbA,
+            .coarsePulses = true,
+            .analogCodes = true,
+            .answersOldIdentify = true,
+            .bareProgramLines = true,
+            .tree = TreeShape::Full,
+            .engines = 3,
+            .displayedEngines = 3};
+}
+
+UnitKind orbLite() {
+    static const MemberIndex members(orbLiteParameters());
+    return {.slot = 4,
+            .fileKind = 4,
+            .className = "clsORBALite",
+            .model = "ORB L",
+            .name = "ORB L",
+            .label = "L",
+            .extension = ".ZQ4OL",
+            .fileFilterExtension = "Zentaq4 ORBL File|*.ZQ4OL",
+            .fileFilter = 2,
+            .serials = orbLiteSerials,
+            .models = orbLiteModels,
+            .hasCalibration = true,
+            .firmwarePrefix = "ZQL",
+            .defaultRelease = 7,
+            .defaultBuild = 99,
+            .newestRelease = 7,
+            .wideFrom = 7,
+            .configurationFrom = 7,
+            .resizesFrom = 7,
+            .pic18From = FirmwareVersion{7, 0},
+            .pic18 = Trait::Written,
+            .gpioRequest = Trait::Written,
+            .fileFloats = 2828,
+            .orbFileLength = 2327,
+            .unnamedFileBytes = 9324,
+            .oldFileBytes = orbLiteOldFiles,
+            .image = &orbImage(),
+            .parameters = orbLiteParameters(),
+            .members = &members,
+            .numGpio = 8,
+            .gpioBase = 336,
+            .pins = &orbLitePins,
+            .lastPinOfReply = 8,
+            .coilOutputs = {8, 8},
+            .sizes = sizesOf(36, 2048, 66),
+            .narrowFrame = NarrowFrame::Usual,
+            .tree = TreeShape::Full,
+            .defaultsSuffix = "_ORBL",
+            .engines = 4,
+            .displayedEngines = 4};
+}
+
+UnitKind pzk2() {
+    static const MemberIndex members(pzk2Parameters());
+    constexpr int noLog = 0;
+    return {.slot = 5,
+            .fileKind = 5,
+            .className = "clsPZK2",
+            .model = "PZK-2",
+            .name = "PZK-2",
+            .label = "PZK-2",
+            .extension = ".ZQ4PZK",
+            .fileFilterExtension = "Zentaq4 PZK-2 File|*.ZQ4PZK",
+            .fileFilter = 3,
+            .serials = pzk2Serials,
+            .models = pzk2Models,
+            .hasCalibration = true,
+            .fuelSide = false,
+            .firmwarePrefix = "ZPK",
+            .defaultRelease = 5,
+            .defaultBuild = 99,
+            .configurationFrom = 5,
+            .pic18From = FirmwareVersion{4, 6},
+            .pic18 = Trait::Written,
+            .gpioRequest = Trait::Yes,
+            .fileFloats = 1701,
+            .orbFileLength = 1200,
+            .unnamedFileBytes = 4816,
+            .oldFileBytes = pzk2OldFiles,
+            .cells = pzk2Cells,
+            .image = &pzk2Image(),
+            .parameters = pzk2Parameters(),
+            .members = &members,
+            .numGpio = 3,
+            .gpioBase = 94,
+            .pins = &pzk2Pins,
+            .lastPinOfReply = 8,
+            .coilOutputs = {4, 4},
+            .sizes = sizesOf(34, noLog, 23),
+            .narrowFrame = NarrowFrame::Ignition,
+            .tree = TreeShape::Ignition,
+            .retardInputVolts = 5,
+            .defaultsSuffix = "_PZK2",
+            .engines = 5,
+            .displayedEngines = 5};
+}
+
+UnitKind orbc() {
+    static const MemberIndex members(orbcParameters());
+    return {.slot = 6,
+            .fileKind = 6,
+            .className = "clsORBC",
+            .model = "ORB C",
+            .name = "ORB C",
+            .label = "C",
+            .extension = ".ZQ4OC",
+            .fileFilterExtension = "Zentaq4 ORBc File|*.ZQ4OC",
+            .fileFilter = 6,
+            .serials = orbcSerials,
+            .models = orbcModels,
+            .hasCalibration = true,
+            .firmwarePrefix = "ZQC",
+            .defaultRelease = 3,
+            .defaultBuild = 99,
+            .wideFrom = 3,
+            .configurationFrom = 3,
+            .resizesFrom = 5,
+            .pic18 = Trait::Yes,
+            .gpioRequest = Trait::Written,
+            .fileFloats = 2827,
+            .orbFileLength = 2326,
+            .unnamedFileBytes = 9320,
+            .cells = orbcCells,
+            .image = &orbImage(),
+            .parameters = orbcParameters(),
+            .members = &members,
+            .numGpio = 12,
+            .gpioBase = 334,
+            .pins = &orbcPins,
+            .lastPinOfReply = 12,
+            .coilOutputs = {6, 6},
+            .sizes = sizesOf(40, 1820, 70),
+            .narrowFrame = NarrowFrame::Usual,
+            .tree = TreeShape::Full,
+            .defaultsSuffix = "_ORBC",
+            .engines = 6,
+            .displayedEngines = 6};
+}
+
+UnitKind orbd() {
     static const MemberIndex members(orbdParameters());
-    return {.slot = slot,
+    return {.slot = 7,
             .fileKind = 7,
             .className = "clsORBd",
             .model = "ORB D",
+            .name = "ORB D",
+            .label = "D",
             .extension = ".ZQ4OD",
             .fileFilterExtension = "Zentaq4 ORBd File|*.ZQ4OD",
-            .firmwarePrefix = "ZQD",
             .fileFilter = 5,
+            .serials = orbdSerials,
+            .models = orbdModels,
+            .hasCalibration = true,
+            .firmwarePrefix = "ZQD",
             .defaultRelease = 5,
             .defaultBuild = 99,
-            .fileFloats = 2826,
-            .orbFileLength = 2325,
-            .numGpio = 6,
-            .gpioBase = 336,
-            .sizes = sizesOf(34, 2184, 62),
-            .hasCalibration = true,
-            .hasWideMonitor = true,
+            .wideFrom = 5,
+            .configurationFrom = 5,
+            .resizesFrom = 5,
             .pic18 = Trait::Yes,
             .gpioRequest = Trait::Written,
+            .fileFloats = 2826,
+            .orbFileLength = 2325,
+            .unnamedFileBytes = 9316,
             .cells = orbdCells,
             .image = &orbImage(),
             .parameters = orbdParameters(),
-            .members = &members};
+            .members = &members,
+            .numGpio = 6,
+            .gpioBase = 336,
+            .pins = &orbdPins,
+            .lastPinOfReply = 8,
+            .coilOutputs = {4, 4},
+            .sizes = sizesOf(34, 2184, 62),
+            .narrowFrame = NarrowFrame::Usual,
+            .tree = TreeShape::Small,
+            .defaultsSuffix = "_ORBD",
+            .engines = 7,
+            .displayedEngines = 4};
+}
+
+/// The smaller size of the ORB D: its files, its engines and its list entry are those of the larger one.
+UnitKind orbd6() {
+    UnitKind kind = orbd();
+    kind.slot = 8;
+    kind.name = "ORB D6";
+    kind.label = "D6";
+    kind.serials = orbd6Serials;
+    kind.models = {};
+    kind.pins = &orbd6Pins;
+    return kind;
 }
 
 }  // namespace
 
-const UnitKind& nullKind() {
-    static const MemberIndex members(nullParameters());
-    static const UnitKind kind = {.className = "clsNull",
-                                  .numGpio = -1,
-                                  .cells = {.hasAxisWords = false},
-                                  .parameters = nullParameters(),
-                                  .members = &members};
-    return kind;
-}
-
-const UnitKind& orbaKind() {
-    static const MemberIndex members(orbaParameters());
-    static const UnitKind kind = {.slot = 3,
-                                  .fileKind = 3,
-                                  .className = "clsORBA",
-                                  .model = "ORB A",
-                                  .extension = ".ZQ4OA",
-                                  .fileFilterExtension = "Zentaq4 ORBA File|*.ZQ4OA",
-                                  .firmwarePrefix = "ZQA",
-                                  .fileFilter = 4,
-                                  .defaultRelease = 5,
-                                  .defaultBuild = 99,
-                                  .fileFloats = 2828,
-                                  .orbFileLength = 2327,
-                                  .numGpio = 7,
-                                  .gpioBase = 336,
-                                  .batteryVoltsPerCount = batteryinput::voltsPerCountOrbA,
-                                  .sizes = {.monitorLen = 35,
-                                            .gpioLen = 21,
-                                            .serialLen = 8,
-                                            .binFirmLen = 39,
-                                            .miscLen = 2,
-                                            .codesLen = 16,
-                                            .configLen = 39,
-                                            .dataRecordLen = 33,
-                                            .datalogMax = 8736,
-                                            .wCmdLen = 65},
-                                  .hasCalibration = true,
-                                  .hasWideMonitor = true,
-                                  .image = &orbImage(),
-                                  .parameters = orbaParameters(),
-                                  .members = &members};
-    return kind;
-}
-
-const UnitKind& orbLiteKind() {
-    static const MemberIndex members(orbLiteParameters());
-    static const UnitKind kind = {.slot = 4,
-                                  .fileKind = 4,
-                                  .className = "clsORBALite",
-                                  .model = "ORB L",
-                                  .extension = ".ZQ4OL",
-                                  .fileFilterExtension = "Zentaq4 ORBL File|*.ZQ4OL",
-                                  .firmwarePrefix = "ZQL",
-                                  .fileFilter = 2,
-                                  .defaultRelease = 7,
-                                  .defaultBuild = 99,
-                                  .newestRelease = 7,
-                                  .fileFloats = 2828,
-                                  .orbFileLength = 2327,
-                                  .numGpio = 8,
-                                  .gpioBase = 336,
-                                  .sizes = sizesOf(36, 2048, 66),
-                                  .hasCalibration = true,
-                                  .hasWideMonitor = true,
-                                  .pic18 = Trait::Written,
-                                  .gpioRequest = Trait::Written,
-                                  .image = &orbImage(),
-                                  .parameters = orbLiteParameters(),
-                                  .members = &members};
-    return kind;
-}
-
-const UnitKind& pzk2Kind() {
-    static const MemberIndex members(pzk2Parameters());
-    constexpr int noLog = 0;
-    static const UnitKind kind = {.slot = 5,
-                                  .fileKind = 5,
-                                  .className = "clsPZK2",
-                                  .model = "PZK-2",
-                                  .extension = ".ZQ4PZK",
-                                  .fileFilterExtension = "Zentaq4 PZK-2 File|*.ZQ4PZK",
-                                  .firmwarePrefix = "ZPK",
-                                  .fileFilter = 3,
-                                  .defaultRelease = 5,
-                                  .defaultBuild = 99,
-                                  .fileFloats = 1701,
-                                  .orbFileLength = 1200,
-                                  .numGpio = 3,
-                                  .gpioBase = 94,
-                                  .sizes = sizesOf(34, noLog, 23),
-                                  .hasCalibration = true,
-                                  .pic18 = Trait::Written,
-                                  .gpioRequest = Trait::Yes,
-                                  .cells = pzk2Cells,
-                                  .image = &pzk2Image(),
-                                  .parameters = pzk2Parameters(),
-                                  .members = &members};
-    return kind;
-}
-
-const UnitKind& orbcKind() {
-    static const MemberIndex members(orbcParameters());
-    static const UnitKind kind = {.slot = 6,
-                                  .fileKind = 6,
-                                  .className = "clsORBC",
-                                  .model = "ORB C",
-                                  .extension = ".ZQ4OC",
-                                  .fileFilterExtension = "Zentaq4 ORBc File|*.ZQ4OC",
-                                  .firmwarePrefix = "ZQC",
-                                  .fileFilter = 6,
-                                  .defaultRelease = 3,
-                                  .defaultBuild = 99,
-                                  .fileFloats = 2827,
-                                  .orbFileLength = 2326,
-                                  .numGpio = 12,
-                                  .gpioBase = 334,
-                                  .sizes = sizesOf(40, 1820, 70),
-                                  .hasCalibration = true,
-                                  .hasWideMonitor = true,
-                                  .pic18 = Trait::Yes,
-                                  .gpioRequest = Trait::Written,
-                                  .cells = orbcCells,
-                                  .image = &orbImage(),
-                                  .parameters = orbcParameters(),
-                                  .members = &members};
-    return kind;
-}
-
-const UnitKind& orbdKind() {
-    static const UnitKind kind = orbdInSlot(7);
-    return kind;
-}
-
-const UnitKind& orbd6Kind() {
-    static const UnitKind kind = orbdInSlot(8);
-    return kind;
+std::span<const UnitKind> unitKinds() {
+    static const std::array kinds = {orba(), orbLite(), pzk2(), orbc(), orbd(), orbd6()};
+    return kinds;
 }
 
 const UnitKind* unitKindOfSlot(int slot) {
-    using Describe = const UnitKind& (*)();
-    static constexpr std::array<Describe, 9> slots = {nullKind, nullptr,  nullptr,  orbaKind, orbLiteKind,
-                                                      pzk2Kind, orbcKind, orbdKind, orbd6Kind};
-    if (slot < 0 || slot >= static_cast<int>(slots.size())) return nullptr;
-    const Describe describe = slots[static_cast<std::size_t>(slot)];
-    return describe == nullptr ? nullptr : &describe();
+    if (slot == nullKind().slot) return &nullKind();
+    const auto found = std::ranges::find(unitKinds(), slot, &UnitKind::slot);
+    return found == unitKinds().end() ? nullptr : &*found;
 }
 
-bool shareFiles(const UnitKind& one, const UnitKind& other) {
-    return one.hasCalibration && one.className == other.className;
+const UnitKind* unitKindOfSerial(std::int32_t serialNumber) {
+    for (const UnitKind& kind : unitKinds()) {
+        for (const SerialRange& range : kind.serials) {
+            if (serialNumber >= range.first && serialNumber <= range.last) return &kind;
+        }
+    }
+    return nullptr;
 }
 
 const UnitKind* unitKindOfFile(float fileKind) {
     // Slot 0 is no kind of file. A fraction is none either.
-    for (const UnitKind* kind :
-         {&orbaKind(), &orbLiteKind(), &pzk2Kind(), &orbcKind(), &orbdKind(), &orbd6Kind()}) {
-        if (fileKind == static_cast<float>(kind->slot)) return kind;
+    for (const UnitKind& kind : unitKinds()) {
+        if (fileKind == static_cast<float>(kind.slot)) return &kind;
     }
     return nullptr;
+}
+
+const UnitKind& nullKind() {
+    static const MemberIndex members(nullParameters());
+    static const UnitKind kind = {.className = "clsNull",
+                                  .cells = {.hasAxisWords = false},
+                                  .parameters = nullParameters(),
+                                  .members = &members,
+                                  .numGpio = -1,
+                                  .pins = &noPins};
+    return kind;
+}
+
+// In the order of unitKinds.
+const UnitKind& orbaKind() {
+    return unitKinds()[0];
+}
+const UnitKind& orbLiteKind() {
+    return unitKinds()[1];
+}
+const UnitKind& pzk2Kind() {
+    return unitKinds()[2];
+}
+const UnitKind& orbcKind() {
+    return unitKinds()[3];
+}
+const UnitKind& orbdKind() {
+    return unitKinds()[4];
+}
+const UnitKind& orbd6Kind() {
+    return unitKinds()[5];
+}
+
+bool shareFiles(const UnitKind& one, const UnitKind& other) {
+    return one.hasCalibration && one.className == other.className;
 }
 
 }  // namespace zentaq

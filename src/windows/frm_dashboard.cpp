@@ -12,7 +12,6 @@ namespace {
 
 constexpr int flashMs = 350;
 constexpr int codeStepMs = 1500;
-constexpr int kindPzk2 = 5;
 constexpr int highRevScale = 18000;
 
 DialAngles dialAngles(int revScale) {
@@ -169,7 +168,7 @@ Unit& FrmDashBoard::shownUnit() {
 }
 
 void FrmDashBoard::unitKindFound(int /*slot*/) {
-    const bool fuel = shownUnit().kind().slot != kindPzk2;
+    const bool fuel = shownUnit().kind().fuelSide;
     panel_->showFuel(fuel);
     panel_->btnShowDetail->setVisible(fuel);
     nameReadings();

@@ -277,7 +277,7 @@ TEST_F(NewCalibration, OfEachModelEngineAndSensorKeepsToEveryRangeAndMakesAnImag
     int made = 0;
     for (const Model& model : models()) {
         QuietCalibration one(model.kind, &database);
-        for (const EngineRow& engine : database.engines(model.kind.slot, model.variant)) {
+        for (const EngineRow& engine : database.engines(model.kind.engines, model.variant)) {
             for (const Sensor& with : sensors) {
                 SCOPED_TRACE(nameOf(model) + ", " + engine.displayValue + ", " + with.name);
                 EngineFigures figures = startingFigures(database, model.kind);
@@ -353,8 +353,8 @@ std::vector<float> outcome(const UnitKind& kind, const Database& database) {
         startNewCalibration(one.unit);
         constexpr int wastedSpark = 1;
         constexpr int rotary = 14;
-        const auto engine = raceCam ? database.engine(kind.slot, rotary) : std::nullopt;
-        chooseEngine(one.unit, engine ? *engine : database.engine(kind.slot, wastedSpark).value());
+        const auto engine = raceCam ? database.engine(kind.engines, rotary) : std::nullopt;
+        chooseEngine(one.unit, engine ? *engine : database.engine(kind.engines, wastedSpark).value());
         chooseSensor(one.unit, database.mapSensorByName("3 BAR (-14.5 to 31.1 PSIG)").value());
         loadDefaults(one.unit, database, figures);
         for (int byte = 0; byte < 3; ++byte) all.push_back(one.unit.controlByte(byte));
@@ -364,18 +364,16 @@ std::vector<float> outcome(const UnitKind& kind, const Database& database) {
 }
 
 TEST_F(NewCalibration, FollowsEachSetOfTheDefaultsOnTheKindsThatItIsFor) {
-    const std::array kinds = {&orbaKind(), &orbLiteKind(), &pzk2Kind(),
-                              &orbcKind(), &orbdKind(),    &orbd6Kind()};
     std::map<int, std::vector<float>> before;
-    for (const UnitKind* kind : kinds) before[kind->slot] = outcome(*kind, database);
+    for (const UnitKind& kind : unitKinds()) before[kind.slot] = outcome(kind, database);
     for (const refdata::DefaultsSet& set : refdata::defaultsSets()) {
         const ChangedSet change(path, set, database.defaults(set.name));
         bool ofOneKind = false;
-        for (const UnitKind* kind : kinds) {
-            const std::string_view suffix = refdata::defaultsSuffix(kind->slot);
+        for (const UnitKind& kind : unitKinds()) {
+            const std::string_view suffix = kind.defaultsSuffix;
             if (suffix.empty() || !set.name.ends_with(suffix)) continue;
             ofOneKind = true;
-            EXPECT_NE(outcome(*kind, database), before[kind->slot]) << set.name << " slot " << kind->slot;
+            EXPECT_NE(outcome(kind, database), before[kind.slot]) << set.name << " slot " << kind.slot;
         }
         const bool onMain = outcome(orbaKind(), database) != before[orbaKind().slot];
         EXPECT_EQ(onMain, !ofOneKind) << set.name;
@@ -416,7 +414,7 @@ TEST_F(NewCalibration, TakesTheValuesOfItsOwnKindAndElseThePlainOnes) {
     const auto idleOf = [&](const UnitKind& kind) {
         QuietCalibration one(kind, &database);
         startNewCalibration(one.unit);
-        chooseEngine(one.unit, database.engine(kind.slot, 1).value());
+        chooseEngine(one.unit, database.engine(kind.engines, 1).value());
         chooseSensor(one.unit, sensor(oneBar));
         loadDefaults(one.unit, database, {});
         return std::make_pair(one.unit.get("ISRPM", 2), one.unit.get("KNK_MIN"));
@@ -564,16 +562,16 @@ TEST_F(NewCalibration, SetsEachPinToAFunctionOfItsOwnSide) {
     for (const Model& model : models()) {
         QuietCalibration one(model.kind, &database);
         startNewCalibration(one.unit);
-        chooseEngine(one.unit, database.engine(model.kind.slot, 1).value());
+        chooseEngine(one.unit, database.engine(model.kind.engines, 1).value());
         chooseSensor(one.unit, sensor(oneBar));
         loadDefaults(one.unit, database, {});
-        for (const GpioPin& pin : gpioPinsOf(model.kind).rows) {
+        for (const GpioPin& pin : model.kind.pins->rows) {
             const int code = one.unit.Get_GPIOFUNC(pin.pin);
             constexpr int unusedInput = 22;
             if (pin.side == GpioSide::Input) {
                 EXPECT_EQ(code, unusedInput) << nameOf(model) << " pin " << pin.pin;
             } else {
-                const GpioFunction* function = gpioFunctionOf(gpioPinsOf(model.kind).kind, code);
+                const GpioFunction* function = gpioFunctionOf(model.kind.pins->kind, code);
                 ASSERT_NE(function, nullptr) << nameOf(model) << " pin " << pin.pin;
                 EXPECT_NE(function->side, GpioSide::Input) << nameOf(model) << " pin " << pin.pin;
             }
@@ -582,14 +580,14 @@ TEST_F(NewCalibration, SetsEachPinToAFunctionOfItsOwnSide) {
 }
 
 TEST_F(NewCalibration, OfTheSecondOrbDFindsItsEngines) {
-    EXPECT_EQ(database.engines(8, 0).size(), database.engines(7, 0).size());
-    const auto engine8 = database.engineByName("4 Cylinder Wasted Spark, Paired Injection", 8);
+    const int engines = orbd6Kind().engines;
+    const auto engine8 = database.engineByName("4 Cylinder Wasted Spark, Paired Injection", engines);
     ASSERT_TRUE(engine8);
     EXPECT_EQ(engine8->orbUnit, 7);
-    EXPECT_EQ(database.engine(8, 12)->displayValue, "V-Twin 60 Degree Odd Fire, Sequential Injection");
+    EXPECT_EQ(database.engine(engines, 12)->displayValue, "V-Twin 60 Degree Odd Fire, Sequential Injection");
     QuietCalibration one(orbd6Kind(), &database);
     startNewCalibration(one.unit);
-    EXPECT_THAT(chooseEngine(one.unit, database.engine(8, 12).value()), IsEmpty());
+    EXPECT_THAT(chooseEngine(one.unit, database.engine(engines, 12).value()), IsEmpty());
     EXPECT_EQ(one.unit.get("TOOTHMAX"), 48);
 }
 
@@ -605,7 +603,7 @@ TEST_F(NewCalibration, StopsAtATableOfTheDefaultsThatIsNotWhole) {
 
 TEST_F(NewCalibration, OfEachModelTakesEverySensorOfTheList) {
     for (const Model& model : models()) {
-        const EngineRow engine = database.engines(model.kind.slot, model.variant).front();
+        const EngineRow engine = database.engines(model.kind.engines, model.variant).front();
         QuietCalibration one(model.kind, &database);
         for (const MapSensorRow& row : database.mapSensors()) {
             SCOPED_TRACE(nameOf(model) + ", " + row.description);

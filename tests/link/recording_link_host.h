@@ -91,7 +91,7 @@ class RecordingLinkHost : public LinkTeller {
         ends.push_back(end);
         LinkTeller::transferEnded(end);
     }
-    FirmwareNumber expectedFirmware(int slot) const override {
+    FirmwareVersion expectedFirmware(int slot) const override {
         return {releases.contains(slot) ? releases.at(slot) : 99,
                 builds.contains(slot) ? builds.at(slot) : 999};
     }

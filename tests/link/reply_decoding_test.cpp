@@ -74,9 +74,9 @@ struct SerialRow {
 class UnitOfSerial : public ::testing::TestWithParam<SerialRow> {};
 
 TEST_P(UnitOfSerial, FollowsTheRanges) {
-    const SerialRange* range = unitOfSerial(GetParam().number);
-    EXPECT_EQ(range == nullptr ? 0 : range->slot, GetParam().slot);
-    EXPECT_EQ(range == nullptr ? "" : range->label, GetParam().label);
+    const UnitKind* kind = unitKindOfSerial(GetParam().number);
+    EXPECT_EQ(kind == nullptr ? 0 : kind->slot, GetParam().slot);
+    EXPECT_EQ(kind == nullptr ? "" : kind->label, GetParam().label);
 }
 
 INSTANTIATE_TEST_SUITE_P(Ends, UnitOfSerial,
@@ -102,7 +102,7 @@ TEST(FirmwareBytes, HoldsTheNameWithItsBlanks) {
 TEST(FirmwareBytes, HoldsReleaseAndBuild) {
     const std::string text = firmwareBytes(firmwareReply("ZQA  05099"));
     EXPECT_EQ(text, "ZQA  05099");
-    EXPECT_EQ(firmwareNumber(text), (FirmwareNumber{5, 99}));
+    EXPECT_EQ(firmwareNumber(text), (FirmwareVersion{5, 99}));
 }
 
 TEST(FirmwareBytes, WithoutANumberThrows) {
@@ -112,11 +112,11 @@ TEST(FirmwareBytes, WithoutANumberThrows) {
 
 TEST(FirmwareBytes, TellsTheSubtype) {
     EXPECT_EQ(unitSubType(firmwareReply("ZQA  05099", 2)), 2);
-    EXPECT_EQ(subTypeLabel(0), "A Std");
-    EXPECT_EQ(subTypeLabel(1), "A 6/12");
-    EXPECT_EQ(subTypeLabel(2), "A r");
-    EXPECT_EQ(subTypeLabel(3), "");
-    EXPECT_EQ(subTypeLabel(-1), "");
+    EXPECT_EQ(subTypeLabel(orbaKind(), 0), "A Std");
+    EXPECT_EQ(subTypeLabel(orbaKind(), 1), "A 6/12");
+    EXPECT_EQ(subTypeLabel(orbaKind(), 2), "A r");
+    EXPECT_EQ(subTypeLabel(orbaKind(), 3), "");
+    EXPECT_EQ(subTypeLabel(orbaKind(), -1), "");
     EXPECT_THROW(unitSubType(padded({}, 37)), BoundsError);
 }
 
@@ -125,14 +125,15 @@ TEST(FirmwareBytes, TellsTheSubtype) {
 TEST(ConfigurationBytes, TellsThePicOfTwoKindsFromAReleaseOn) {
     Bytes bytes(39);
     bytes[18] = 3;
-    EXPECT_EQ(decodePic18(bytes, 4, {7, 0}), true);
-    EXPECT_EQ(decodePic18(bytes, 4, {6, 99}), std::nullopt);
-    EXPECT_EQ(decodePic18(bytes, 5, {4, 6}), true);
-    EXPECT_EQ(decodePic18(bytes, 5, {4, 5}), std::nullopt);
-    for (const int slot : {0, 3, 6, 7, 8}) EXPECT_EQ(decodePic18(bytes, slot, {9, 99}), std::nullopt);
+    EXPECT_EQ(decodePic18(bytes, *unitKindOfSlot(4), {7, 0}), true);
+    EXPECT_EQ(decodePic18(bytes, *unitKindOfSlot(4), {6, 99}), std::nullopt);
+    EXPECT_EQ(decodePic18(bytes, *unitKindOfSlot(5), {4, 6}), true);
+    EXPECT_EQ(decodePic18(bytes, *unitKindOfSlot(5), {4, 5}), std::nullopt);
+    for (const int slot : {0, 3, 6, 7, 8})
+        EXPECT_EQ(decodePic18(bytes, *unitKindOfSlot(slot), {9, 99}), std::nullopt);
     bytes[18] = 2;
-    EXPECT_EQ(decodePic18(bytes, 4, {7, 0}), false);
-    EXPECT_THROW(decodePic18(padded({}, 18), 4, {7, 0}), BoundsError);
+    EXPECT_EQ(decodePic18(bytes, *unitKindOfSlot(4), {7, 0}), false);
+    EXPECT_THROW(decodePic18(padded({}, 18), *unitKindOfSlot(4), {7, 0}), BoundsError);
 }
 
 // ---- D, W

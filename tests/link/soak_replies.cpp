@@ -215,15 +215,16 @@ void ReplyStorm::decodeDirectly(std::span<const std::uint8_t> reply) {
     mayFail([&] { (void)hasMarker(reply); });
     mayFail([&] {
         const auto serial = decodeSerial(reply);
-        if (serial) (void)unitOfSerial(serial->serialNumber);
+        if (serial) (void)unitKindOfSerial(serial->serialNumber);
     });
     mayFail([&] { (void)unitBinName(reply); });
     mayFail([&] { (void)shownText(firmwareBytes(reply)); });
-    mayFail([&] { require(subTypeLabel(unitSubType(reply)).size() < 8, "the label of a subtype"); });
+    mayFail(
+        [&] { require(subTypeLabel(orbaKind(), unitSubType(reply)).size() < 8, "the label of a subtype"); });
     mayFail([&] { (void)isEndOfLog(reply); });
     for (const int slot : slots) {
         Unit& unit = host_.unit(slot);
-        mayFail([&] { (void)decodePic18(reply, slot, {7, 1}); });
+        mayFail([&] { (void)decodePic18(reply, *unitKindOfSlot(slot), {7, 1}); });
         mayFail([&] { (void)frameSumIsRight(reply, unit.kind().sizes.wCmdLen); });
         mayFail([&] { unit.Set_ECData(reply); });
         decoder_.Monitor(unit, reply);

@@ -49,10 +49,10 @@ TEST(CheckEngine, Kind3HasAnalogueInputsWhereOthersHaveOutputs) {
 }
 
 TEST(CheckEngine, TheIntermittentRowsKeepTheirOddPlaces) {
-    EXPECT_EQ(CheckEngineTexts::text(3, 7, 0), " ");
-    EXPECT_EQ(CheckEngineTexts::text(3, 11, 6), "Spare Out");
-    EXPECT_THROW(CheckEngineTexts::text(3, 0, 0), BoundsError);
-    EXPECT_THROW(CheckEngineTexts::text(3, 13, 0), BoundsError);
+    EXPECT_EQ(CheckEngineTexts::text(*unitKindOfSlot(3), 7, 0), " ");
+    EXPECT_EQ(CheckEngineTexts::text(*unitKindOfSlot(3), 11, 6), "Spare Out");
+    EXPECT_THROW(CheckEngineTexts::text(*unitKindOfSlot(3), 0, 0), BoundsError);
+    EXPECT_THROW(CheckEngineTexts::text(*unitKindOfSlot(3), 13, 0), BoundsError);
 }
 
 TEST(CheckEngine, AskingPastTheTwelveWordsIsAnError) {
@@ -75,7 +75,7 @@ TEST(ShortCodes, CoverEveryTextOfEveryKindWithoutRepeating) {
     for (const int slot : {3, 4}) {
         for (int row = 1; row <= 12; ++row) {
             for (int bit = 0; bit < 8; ++bit) {
-                const std::string_view text = CheckEngineTexts::text(slot, row, bit);
+                const std::string_view text = CheckEngineTexts::text(*unitKindOfSlot(slot), row, bit);
                 if (text == " ") continue;
                 const auto code = shortCode(text);
                 ASSERT_TRUE(code) << text;

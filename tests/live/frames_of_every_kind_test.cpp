@@ -59,7 +59,7 @@ TEST_P(EveryKind, HasRepliesOfItsOwnLengths) {
         EXPECT_EQ(sizes.wCmdLen, static_cast<int>(GetParam().wideLength));
     }
     EXPECT_EQ(sizes.dataRecordLen, static_cast<int>(GetParam().recordLength));
-    EXPECT_EQ(unit.kind().hasWideMonitor, GetParam().wideLength > 0);
+    EXPECT_EQ(unit.kind().hasWideMonitor(), GetParam().wideLength > 0);
     EXPECT_TRUE(contentOfFrame(unit.kind(), 'D').has_value());
     EXPECT_EQ(contentOfFrame(unit.kind(), 'I').has_value(), GetParam().listedPins > 0);
 }

@@ -60,14 +60,6 @@ TEST(RatioNeedleColour, TheBandIsThatOfTheFuel) {
     EXPECT_EQ(afrNeedleColour(0.75F, 1, 1.0F), colours::yellow);  // band 0.034
 }
 
-TEST(DashboardPicture, FollowsScaleModeAndKind) {
-    EXPECT_EQ(dashboardImage(true, 9000, 3), R"(\bin\images\DashBoard_9000_Black.jpg)");
-    EXPECT_EQ(dashboardImage(true, 18000, 3), R"(\bin\images\Dashboard_18000_Black.jpg)");
-    EXPECT_EQ(dashboardImage(true, 18000, 5), R"(\bin\images\DashBoard_18000_PZK2_Black.jpg)");
-    EXPECT_EQ(dashboardImage(false, 9000, 5), R"(\bin\images\DashBoard_9000_PZK2_White.bmp)");
-    EXPECT_EQ(dashboardImage(false, 18000, 4), R"(\bin\images\Dashboard_18000_White.bmp)");
-}
-
 TEST(DashboardSettings, AreReadFromTheStore) {
     MemorySettings store;
     EXPECT_FALSE(DashboardSettings::from(store).CLTAlarmValue);

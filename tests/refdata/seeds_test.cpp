@@ -10,6 +10,7 @@
 #include "refdata/schema.h"
 #include "refdata_fixture.h"
 #include "single_defaults.h"
+#include "unit/unit_kind.h"
 
 namespace zentaq::refdata {
 namespace {
@@ -36,7 +37,7 @@ class Seeds : public ReferenceDatabase {
 TEST_F(Seeds, EachModelOffersTheEnginesThatItServes) {
     const Database database = open();
     for (const int variant : {1, 2, 3}) EXPECT_GE(database.engines(3, variant).size(), 25u) << variant;
-    for (const int kind : {4, 5, 6, 7, 8}) EXPECT_GE(database.engines(kind, 0).size(), 15u) << kind;
+    for (const int kind : {4, 5, 6, 7}) EXPECT_GE(database.engines(kind, 0).size(), 15u) << kind;
 }
 
 TEST_F(Seeds, OneToTwelveCylindersOneToFourRotorsAndEachWayOfIgnitionAndInjectionAreThere) {
@@ -375,7 +376,7 @@ TEST_F(Seeds, ASetForOneKindHasTheShapeAndTheLimitsOfThePlainOne) {
     int compared = 0;
     for (const auto& [name, set] : plain) {
         for (const int slot : {4, 5, 6, 7}) {
-            const std::string suffix(defaultsSuffix(slot));
+            const std::string suffix(unitKindOfSlot(slot)->defaultsSuffix);
             if (!name.ends_with(suffix)) continue;
             const auto other = plain.find(name.substr(0, name.size() - suffix.size()));
             ASSERT_NE(other, plain.end()) << name;
@@ -388,8 +389,8 @@ TEST_F(Seeds, ASetForOneKindHasTheShapeAndTheLimitsOfThePlainOne) {
         }
     }
     EXPECT_GE(compared, 15);
-    EXPECT_EQ(defaultsSuffix(3), "");
-    EXPECT_EQ(defaultsSuffix(8), defaultsSuffix(7));
+    EXPECT_EQ(orbaKind().defaultsSuffix, "");
+    EXPECT_EQ(orbd6Kind().defaultsSuffix, orbdKind().defaultsSuffix);
 }
 
 TEST_F(Seeds, DefaultsOfEachKindAgreeWithEachOther) {
@@ -397,7 +398,7 @@ TEST_F(Seeds, DefaultsOfEachKindAgreeWithEachOther) {
     const auto sets = database.defaultsSets();
     for (const int slot : {3, 4, 5, 6, 7}) {
         const auto value = [&](const std::string& set, std::size_t i = 0) {
-            const std::string own = set + std::string(defaultsSuffix(slot));
+            const std::string own = set + std::string(unitKindOfSlot(slot)->defaultsSuffix);
             const bool has = std::find(sets.begin(), sets.end(), own) != sets.end();
             return database.defaults(has ? own : set).at(i);
         };

@@ -104,7 +104,7 @@ TEST_P(DecodedFrames, NarrowFrameShowsTheEngine) {
 
 TEST_P(DecodedFrames, WideFrameShowsTheEngineAndItsCorrections) {
     const Bytes reply = ask(simulated, "W");
-    ASSERT_EQ(!reply.empty(), unit.kind().hasWideMonitor);
+    ASSERT_EQ(!reply.empty(), unit.kind().hasWideMonitor());
     if (reply.empty()) return;
     ASSERT_TRUE(frameSumIsRight(reply, unit.kind().sizes.wCmdLen));
     decoder.MonitorW(unit, reply);
@@ -147,12 +147,12 @@ TEST_P(DecodedFrames, LogRecordShowsTheEngineOfItsMoment) {
 TEST_P(DecodedFrames, IdentityIsThatOfTheKind) {
     const auto serial = decodeSerial(ask(simulated, "E"));
     ASSERT_TRUE(serial);
-    ASSERT_NE(unitOfSerial(serial->serialNumber), nullptr);
-    EXPECT_EQ(unitOfSerial(serial->serialNumber)->slot, GetParam().slot);
+    ASSERT_NE(unitKindOfSerial(serial->serialNumber), nullptr);
+    EXPECT_EQ(unitKindOfSerial(serial->serialNumber)->slot, GetParam().slot);
     const Bytes reply = ask(simulated, "B");
     ASSERT_EQ(std::ssize(reply), unit.kind().sizes.binFirmLen);
     EXPECT_TRUE(unit.ValidFirmware(firmwareBytes(reply)));
-    EXPECT_EQ(firmwareNumber(firmwareBytes(reply)), (FirmwareNumber{unit.kind().defaultRelease, 99}));
+    EXPECT_EQ(firmwareNumber(firmwareBytes(reply)), (FirmwareVersion{unit.kind().defaultRelease, 99}));
     EXPECT_EQ(ask(simulated, "D").size(), static_cast<std::size_t>(unit.kind().sizes.dataRecordLen));
 }
 
