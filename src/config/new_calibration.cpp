@@ -1,16 +1,12 @@
 #include "config/new_calibration.h"
 
 #include <algorithm>
-#include <array>
-#include <set>
 #include <string_view>
 #include <utility>
 
-#include "base/battery_input.h"
-#include "base/errors.h"
-#include "base/number_text.h"
 #include "base/rounding.h"
-#include "base/text.h"
+#include "config/kind_defaults.h"
+#include "config/pressure_units.h"
 #include "unit/legacy_sensor.h"
 #include "unit/temperature.h"
 
@@ -20,39 +16,6 @@ namespace {
 
 constexpr int axisCells = 16;
 constexpr double kpaOfOneBarSensor = 104;  ///< a sensor of rating 1 reads up to here
-
-/// One atmosphere in a pressure unit, and where the unit's zero lies: the values of the unit's sensor words.
-struct PressureUnit {
-    std::string_view name;
-    double atmosphere;
-    double zero;
-};
-constexpr std::array<PressureUnit, 5> pressureUnits = {{{"kPa", 101.325, 0},
-                                                        {"PSIA", 14.696, 0},
-                                                        {"PSIG", 14.696, 14.696},
-                                                        {"mmHg", 760, 0},
-                                                        {"inHg", 29.921, 0}}};
-
-PressureUnit pressureUnitOf(const Unit& unit) {
-    const std::string name = unit.MAPUnits();
-    const auto found = std::ranges::find(pressureUnits, name, &PressureUnit::name);
-    return found == pressureUnits.end() ? pressureUnits.front() : *found;
-}
-
-double fromKpa(const Unit& unit, double kpa) {
-    const PressureUnit in = pressureUnitOf(unit);
-    return kpa * in.atmosphere / pressureUnits.front().atmosphere - in.zero;
-}
-
-/// A difference or a rate: the zero does not count.
-double spanFromKpa(const Unit& unit, double kpa) {
-    return kpa * pressureUnitOf(unit).atmosphere / pressureUnits.front().atmosphere;
-}
-
-double toKpa(const Unit& unit, double pressure) {
-    const PressureUnit in = pressureUnitOf(unit);
-    return (pressure + in.zero) * pressureUnits.front().atmosphere / in.atmosphere;
-}
 
 /// What the numbers of a set are, beside the member's own unit.
 enum class Holds { MembersUnit, Kpa, KpaSpan, Celsius };
@@ -142,36 +105,6 @@ constexpr Load scalarsBehindBits[] = {"opt_IdleSpeed", "NEGPGAIN",    "POSPGAIN"
                                       "MAFMax",        "BARO_ADV",    "FuelTrim",
                                       "INJTRIM"};
 
-/// The sets of table Defaults as one unit kind sees them: its own version of a set, or else the plain one.
-/// All sets are of one state of the database.
-class KindDefaults {
- public:
-    KindDefaults(const Database& database, const UnitKind& kind)
-        : database_(database), reading_(database), suffix_(kind.defaultsSuffix) {
-        for (const std::string& name : database.defaultsSets()) names_.insert(upper(name));
-    }
-
-    /// Throws Failure when there is neither.
-    std::vector<float> of(std::string_view set) const {
-        const std::string own = std::string(set) + std::string(suffix_);
-        return database_.defaults(names_.contains(upper(own)) ? own : set);
-    }
-    /// Throws Failure as well when the set has another number of values.
-    std::vector<float> of(std::string_view set, std::size_t count) const {
-        std::vector<float> values = of(set);
-        if (values.size() == count) return values;
-        throw Failure("Set " + std::string(set) + " of table Defaults has " +
-                      numberText(static_cast<double>(values.size())) + " values, not " +
-                      numberText(static_cast<double>(count)));
-    }
-
- private:
-    const Database& database_;
-    Database::Reading reading_;
-    std::string_view suffix_;
-    std::set<std::string> names_;
-};
-
 /// Fills members one by one and remembers who refused. On-the-fly changes rest meanwhile.
 class Filler {
  public:
@@ -235,39 +168,6 @@ void putCurves(Filler& filler, const KindDefaults& defaults, bool raceCam) {
     filler.put(defaults, "MATADV");
 }
 
-/// Where a value lies on an axis, in cells and parts of a cell; values beyond the ends lie on the ends.
-double placeOn(const std::vector<float>& axis, double value) {
-    if (value <= axis.front()) return 0;
-    for (std::size_t i = 1; i < axis.size(); ++i) {
-        if (value > axis[i]) continue;
-        const double below = axis[i - 1];
-        return static_cast<double>(i) - 1 + (value - below) / (static_cast<double>(axis[i]) - below);
-    }
-    return static_cast<double>(axis.size() - 1);
-}
-
-/// The value at a place between two cells, which lie `stride` apart.
-double between(const std::vector<float>& values, std::size_t first, std::size_t stride, double place) {
-    const auto low = static_cast<std::size_t>(place);
-    const double part = place - static_cast<double>(low);
-    const double lower = values[first + low * stride];
-    return part == 0 ? lower : lower + part * (values[first + (low + 1) * stride] - lower);
-}
-
-/// The battery curve of the defaults stands on volts of its own; the cells of a kind stand where its input
-/// measures.
-void putBattery(Filler& filler, const Unit& unit, const KindDefaults& defaults) {
-    const Parameter* row = unit.find("BATCom");
-    if (row == nullptr) return;
-    constexpr double step = 10;  // microseconds; the unit takes steps of 8
-    const std::vector<float> volts = defaults.of("BATVOLTS");
-    const std::vector<float> times = defaults.of("BATCOM", volts.size());
-    for (int cell = 0; cell < row->count; ++cell) {
-        const double here = batteryinput::stop(unit.kind().batteryVoltsPerCount, cell, row->count);
-        filler.put("BATCom", roundHalfEven(between(times, 0, 1, placeOn(volts, here)) / step) * step, cell);
-    }
-}
-
 void putShape(Unit& unit, const EngineFigures& figures) {
     for (const std::string_view table : {"ADV", "GPO1", "GPO2"}) {
         unit.SET_TBL_DIMENSIONS(table, "ROWS", figures.rows);
@@ -312,100 +212,6 @@ void putSplit(Filler& filler, Unit& unit, const KindDefaults& defaults) {
         filler.put("SPLITBL", std::min(split, unit.limits("SPLITBL", place).maximum), place);
     }
 }
-
-bool isRotary(Unit& unit) {
-    constexpr int layoutBits = 15;
-    constexpr int rotaryLayout = 5;
-    return (toInt16(static_cast<double>(unit.get("P1EGTP"))) & layoutBits) == rotaryLayout;
-}
-
-/// The engine tables of the defaults stand on axes of their own. A new calibration has other ones, up to its
-/// rev limit and its boost, so its cells are read between the cells of the defaults. Beyond the atmosphere
-/// the boost curves take timing off and add fuel. The tables are those of a piston engine; a rotary one gets
-/// less advance.
-class EngineTables {
- public:
-    EngineTables(Unit& unit, const KindDefaults& defaults)
-        : unit_(unit),
-          defaults_(defaults),
-          speeds_(defaults.of("RPMTBL", cells)),
-          pressures_(defaults.of("MAPTBL", cells)),
-          boosts_(defaults.of("BOOST", boostCells)) {}
-
-    void put(Filler& filler) const {
-        if (unit_.has("ADV")) putAdvance(filler);
-        if (unit_.has("VE")) putEfficiency(filler);
-        putRatios();
-    }
-
- private:
-    static constexpr std::size_t cells = axisCells;
-    static constexpr std::size_t tableCells = cells * cells;
-    static constexpr std::size_t boostCells = 8;
-
-    void putAdvance(Filler& filler) const {
-        const auto table = defaults_.of("ADV", tableCells);
-        const auto retard = defaults_.of("BOOST_RTD", boostCells);
-        const double least = defaults_.of("BOOST_ADV", 1).front();
-        const double rotary = isRotary(unit_) ? defaults_.of("ROTARY_RTD", 1).front() : 0;
-        eachCell([&](int cell, double rpm, double kpa) {
-            const double advance = at(table, rpm, kpa);
-            const double retarded = std::max(advance - rotary - ofBoost(retard, kpa, 0), least);
-            constexpr double stepsInADegree = 2;
-            filler.put("ADV", roundHalfEven(std::min(advance, retarded) * stepsInADegree) / stepsInADegree,
-                       cell);
-        });
-    }
-    void putEfficiency(Filler& filler) const {
-        const auto table = defaults_.of("VE", tableCells);
-        const auto more = defaults_.of("BOOST_VE", boostCells);
-        eachCell([&](int cell, double rpm, double kpa) {
-            filler.put("VE", roundHalfEven(at(table, rpm, kpa) + ofBoost(more, kpa, 0)), cell);
-        });
-    }
-    /// The set and the cells stand on the same base of 14.7, whatever the fuel.
-    void putRatios() const {
-        const Parameter* row = unit_.find("Get_AFR");
-        if (row == nullptr) return;
-        const auto table = defaults_.of("AFR", tableCells);
-        const auto leanest = defaults_.of("BOOST_AFR", boostCells);
-        eachCell([&](int cell, double rpm, double kpa) {
-            const double ratio = at(table, rpm, kpa);
-            const double value = roundTo(std::min(ratio, ofBoost(leanest, kpa, ratio)), 1);
-            unit_.AssignDirectIndex(static_cast<float>(value), row->cell(cell));
-        });
-    }
-
-    template <typename Put>
-    void eachCell(Put&& put) const {
-        for (int row = 0; row < axisCells; ++row) {
-            // An air flow in percent is a load as the pressure in kPa is: 100 is all that the engine takes.
-            const double kpa = toKpa(unit_, unit_.get("MAPTBL", row));
-            for (int column = 0; column < axisCells; ++column) {
-                put(row * axisCells + column, static_cast<double>(unit_.get("RPMTBL", column)), kpa);
-            }
-        }
-    }
-    double at(const std::vector<float>& table, double rpm, double kpa) const {
-        const double row = placeOn(pressures_, kpa);
-        const double column = placeOn(speeds_, rpm);
-        const auto low = static_cast<std::size_t>(row);
-        const double lower = between(table, low * cells, 1, column);
-        if (row == static_cast<double>(low)) return lower;
-        return lower +
-               (row - static_cast<double>(low)) * (between(table, (low + 1) * cells, 1, column) - lower);
-    }
-    double ofBoost(const std::vector<float>& curve, double kpa, double withoutBoost) const {
-        const double boost = kpa - pressureUnits.front().atmosphere;
-        return boost > 0 ? between(curve, 0, 1, placeOn(boosts_, boost)) : withoutBoost;
-    }
-
-    Unit& unit_;
-    const KindDefaults& defaults_;
-    std::vector<float> speeds_;
-    std::vector<float> pressures_;
-    std::vector<float> boosts_;
-};
 
 /// Only the set bits are stored: `DCCL_CutActive` and `opt_NoFuelCut` have theirs in the same byte.
 void putControlBits(Unit& unit, const KindDefaults& defaults) {
@@ -493,10 +299,13 @@ RefusedMembers loadDefaults(Unit& unit, const Database& database, const EngineFi
     putFigures(filler, figures);
     filler.put(defaults, {"AFR_Stoich", "AFR"});
     putCurves(filler, defaults, figures.raceCam);
-    putBattery(filler, unit, defaults);
+    const PutCell put = [&](std::string_view member, double value, int cell) {
+        filler.put(member, value, cell);
+    };
+    putBatteryCurve(unit, defaults, put);
     putShape(unit, figures);
     putAxes(filler, unit, figures);
-    EngineTables(unit, defaults).put(filler);
+    putEngineTables(unit, defaults, put);
     filler.put(defaults, "SPW");
     putSplit(filler, unit, defaults);
     putStops(filler, unit);
