@@ -14,6 +14,14 @@
 
 namespace zentaq {
 
+namespace {
+
+bool isButton(const GeneralRow& row) {
+    return row.kind == FieldKind::Option || row.kind == FieldKind::Check;
+}
+
+}  // namespace
+
 GeneralConfig::GeneralConfig(Session& session) : session_(session), rows_(mostCells), columns_(mostCells) {}
 
 GeneralConfig::~GeneralConfig() = default;
@@ -76,25 +84,24 @@ std::vector<MapSensorRow> GeneralConfig::sensors() {
 
 // ---- Showing
 
-GeneralField GeneralConfig::field(std::string_view control) {
+Field GeneralConfig::field(std::string_view control) {
     const GeneralRow& row = generalRow(control);
-    GeneralField field;
+    Field field;
     field.control = row.control;
     field.kind = row.kind;
-    field.caption = row.caption;
-    field.helpKey = row.help;
+    field.member = row.member;
+    field.caption = captionOf(row);
+    field.help = row.help;
     skipFailing([&] {
         if (row.member == "MAX_Boost" && inHand()) field.caption = maxBoostCaption(unit());
     });
     field.enabled = enabled(row);
-    if (row.kind == GeneralKind::Choice) field.choices = choicesOf(row);
+    if (row.kind == FieldKind::Choice) field.choices = choicesOf(row);
     // A value that cannot be read leaves the field empty.
     skipFailing([&] { field.text = textOf(row); });
     skipFailing([&] { field.limits = limitsOf(row); });
     if (!inHand() || row.member.empty()) return field;
-    const float value = unit().get(row.member);
-    field.on = row.control == "optInjAmp2" ? value == 0 : value != 0;
-    if (row.kind == GeneralKind::Text || row.kind == GeneralKind::Choice || !field.enabled) field.on = false;
+    field.on = isButton(row) && field.enabled && fieldIsOn(unit(), row);
     const Parameter* parameter = unit().find(row.member);
     field.onTheFly = !creating() && unit().ONFLY_MODE() && parameter != nullptr && parameter->sentOnTheFly();
     return field;
@@ -112,7 +119,7 @@ bool GeneralConfig::enabled(const GeneralRow& row) {
 }
 
 std::string GeneralConfig::textOf(const GeneralRow& row) {
-    if (row.kind == GeneralKind::Option || row.kind == GeneralKind::Check) return {};
+    if (isButton(row)) return {};
     if (row.control == "cmbCols" || row.control == "cmbRows") {
         const bool columns = row.control == "cmbCols";
         const bool fixed = inHand() && !(creating() && unit().kind().cells.hasAxisWords);
@@ -133,7 +140,7 @@ std::string GeneralConfig::textOf(const GeneralRow& row) {
         return unit().get("MAP_ID") == 0 ? std::string() : displayNames(unit(), database).sensor;
     }
     if (!unit().has(row.member)) return {};
-    if (row.control == "cmbCams") return std::string(unit().get(row.member) != 0 ? raceCam : streetCam);
+    if (row.control == "cmbCams") return std::string(row.choices[unit().get(row.member) != 0 ? 1 : 0]);
     if (row.member == "MAX_Boost")
         return boostUsed(unit()) ? numberText(enteredBoost(unit())) : std::string();
     const float value = unit().get(row.member);
@@ -150,7 +157,7 @@ std::vector<std::string> GeneralConfig::choicesOf(const GeneralRow& row) {
     } else if (row.control == "cmbMAP") {
         for (MapSensorRow& sensor : sensors()) choices.push_back(std::move(sensor.description));
     } else if (row.control == "cmbCams") {
-        choices = {std::string(streetCam), std::string(raceCam)};
+        choices.assign(row.choices.begin(), row.choices.end());
     } else {
         for (int cells = fewestCells; cells <= mostCells; ++cells) choices.push_back(numberText(cells));
     }
@@ -159,7 +166,7 @@ std::vector<std::string> GeneralConfig::choicesOf(const GeneralRow& row) {
 
 std::string GeneralConfig::limitsOf(const GeneralRow& row) {
     if (row.member == "MAX_Boost" && inHand() && boostUsed(unit())) return "gauge, 0: none";
-    if (row.kind != GeneralKind::Text || row.limitsInCaption || !inHand()) return {};
+    if (row.kind != FieldKind::Number || row.limitsInCaption || !inHand()) return {};
     const Limits limits = figureLimits(unit(), row.member);
     return limits.unlimited() ? std::string() : limits.text;
 }
@@ -168,10 +175,14 @@ std::string GeneralConfig::limitsOf(const GeneralRow& row) {
 
 bool GeneralConfig::enter(std::string_view control, std::string_view text) {
     const GeneralRow& row = generalRow(control);
+    if (isButton(row)) {
+        click(control, text == "1");
+        return true;
+    }
     std::string shown;
     skipFailing([&] { shown = textOf(row); });
     if (text == shown) return true;
-    return row.kind == GeneralKind::Choice ? choose(row, text) : enterText(row, text);
+    return row.kind == FieldKind::Choice ? choose(row, text) : enterText(row, text);
 }
 
 bool GeneralConfig::enterText(const GeneralRow& row, std::string_view text) {
@@ -179,7 +190,7 @@ bool GeneralConfig::enterText(const GeneralRow& row, std::string_view text) {
         session_.messages.Display_Error(codes::NoModel);
         return false;
     }
-    if (row.kind != GeneralKind::Text || !enabled(row)) return true;
+    if (row.kind != FieldKind::Number || !enabled(row)) return true;
     if (session_.messages.tell(checkNumeric(text))) return false;
     const double number = numberOf(text);
     if (!std::isfinite(static_cast<float>(number))) {
@@ -195,10 +206,10 @@ bool GeneralConfig::enterText(const GeneralRow& row, std::string_view text) {
 
 void GeneralConfig::click(std::string_view control, bool on) {
     const GeneralRow& row = generalRow(control);
-    if (row.kind != GeneralKind::Option && row.kind != GeneralKind::Check) return;
+    if (!isButton(row)) return;
     if (!inHand()) return session_.messages.Display_Error(codes::NoModel);
     // The option that goes out says nothing: the one that comes on does.
-    if (!enabled(row) || (row.kind == GeneralKind::Option && !on)) return;
+    if (!enabled(row) || (row.kind == FieldKind::Option && !on)) return;
     const float value = row.control == "optInjAmp2" || !on ? 0 : 1;
     if (unit().get(row.member) == value || !write(row.member, value)) return;
     noteChange(row);
@@ -310,8 +321,9 @@ bool GeneralConfig::chooseSensorByName(std::string_view text) {
 }
 
 bool GeneralConfig::chooseCamshaft(const GeneralRow& row, std::string_view text) {
-    if (text != streetCam && text != raceCam) return refuseChoice();
-    if (!write(row.member, text == raceCam ? 1 : 0)) return false;
+    const auto chosen = std::ranges::find(row.choices, text);
+    if (chosen == row.choices.end()) return refuseChoice();
+    if (!write(row.member, chosen == row.choices.begin() ? 0 : 1)) return false;
     noteChange(row);
     return true;
 }

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "app/session.h"
+#include "base/field.h"
 #include "config/injector_sizing.h"
 #include "config/model_list.h"
 #include "config/new_calibration.h"
@@ -19,23 +20,6 @@
 namespace zentaq {
 
 struct GeneralRow;
-
-/// What a control of the form is.
-enum class GeneralKind { Text, Choice, Option, Check };
-
-/// One control as it is to be shown now.
-struct GeneralField {
-    std::string control;  ///< "txtRPM"
-    GeneralKind kind = GeneralKind::Text;
-    std::string caption;               ///< with "&" before a mnemonic
-    std::string limits;                ///< "(1000 to 20000)" where they are not part of the caption
-    std::string text;                  ///< of a text box, or the chosen entry of a list
-    std::vector<std::string> choices;  ///< of a list; a text from elsewhere may be none of them
-    bool on = false;                   ///< of an option or check box
-    bool enabled = true;               ///< false: the model has no such parameter, or nothing may be chosen
-    bool onTheFly = false;             ///< a change acts on the running engine
-    std::string helpKey;               ///< in table FastHelp
-};
 
 class GeneralConfig {
  public:
@@ -52,13 +36,13 @@ class GeneralConfig {
     /// Control names in the order of the form.
     static std::span<const std::string_view> controls();
     /// As it is to be shown now. Throws NoSuchMember for a name that is none of controls().
-    GeneralField field(std::string_view control);
+    Field field(std::string_view control);
 
     /// Leaving a text box with this text, or choosing this entry of a list: checks, stores, recalculates.
     /// False: refused, the user has been told, and field().text holds what returns to the box.
     /// A text that field() has shown is taken without a check or a change.
     bool enter(std::string_view control, std::string_view text);
-    /// A click on an option or a check box.
+    /// A click on an option or a check box, which enter() takes as "1" or "0".
     void click(std::string_view control, bool on);
 
     /// "Zentaq Calculated TOG"; empty while nothing can be computed.

@@ -1,115 +1,96 @@
 #include "app/general_fields.h"
 
 #include <algorithm>
-#include <array>
+#include <vector>
 
 #include "base/errors.h"
+#include "unit/parameter_names.h"
 
 namespace zentaq {
 
 namespace {
 
-// "MT" is the member of the shortest pulse, the only one that the field of the turn-on time can mean.
-constexpr std::array rows{
-    GeneralRow{
-        .control = "cmbORB_UNIT", .kind = GeneralKind::Choice, .caption = "ORB Unit", .help = "helpunit"},
-    GeneralRow{
-        .control = "cmbEngine", .kind = GeneralKind::Choice, .caption = "Engine Type", .help = "helpengine"},
-    GeneralRow{.control = "cmbMAP",
-               .kind = GeneralKind::Choice,
-               .caption = "MAP Sensor Installed",
-               .help = "helpmapsel"},
-    GeneralRow{.control = "txtMAP",
-               .caption = "MAP Sensor Installed",
-               .member = "MAP_BAR",
-               .help = "helpmaprange",
-               .computes = Computes::FlowAndPulse},
-    GeneralRow{.control = "txtMaxBoost",
-               .caption = "Max Boost Pressure",
-               .member = "MAX_Boost",
-               .help = "helpMboost",
-               .computes = Computes::Pulse,
-               .limitsInCaption = true},
-    GeneralRow{.control = "txtRPM",
-               .caption = "Maximum Engine &Rev Limit (1000 to 20000) ",
-               .member = "REV_Limiter",
-               .help = "helprevl",
-               .computes = Computes::FlowAndPulse,
-               .limitsInCaption = true},
-    GeneralRow{.control = "cmbCams",
-               .kind = GeneralKind::Choice,
-               .caption = "Camshaft Style ",
-               .member = "CAMSTL",
-               .help = "helpCamtype",
-               .computes = Computes::FlowAndPulse},
-    GeneralRow{.control = "txtTPS",
-               .caption = "TPS Fully Closed Throttle Voltage",
-               .member = "TPS_FCV",
-               .help = "helpdace3"},
-    GeneralRow{.control = "txtBHP",
-               .caption = "Estimated Brake HorsePower",
-               .member = "BHP",
-               .help = "helpBrakeHP",
-               .computes = Computes::FlowAndPulse},
-    GeneralRow{.control = "chkAlcohol",
-               .kind = GeneralKind::Check,
-               .caption = "Check Box if Engine Alcohol Fueled",
-               .member = "Alcohol",
-               .help = "helpfueltype",
-               .computes = Computes::FlowAndPulse},
-    GeneralRow{.control = "txtINJ",
-               .caption = "Number of Injectors (1 to 24) ",
-               .member = "INJ_Number",
-               .help = "helpinjnum",
-               .computes = Computes::FlowAndPulse,
-               .limitsInCaption = true},
-    GeneralRow{.control = "optInjAmp2",
-               .kind = GeneralKind::Option,
-               .caption = "2 Amp Inj Peak",
-               .member = "AMP42",
-               .help = "help42inj"},
-    GeneralRow{.control = "optInjAmp4",
-               .kind = GeneralKind::Option,
-               .caption = "4 Amp Inj Peak",
-               .member = "AMP42",
-               .help = "help42inj"},
-    GeneralRow{.control = "txtLBHR",
-               .caption = "lb/hr",
-               .member = "INJ_FlowRate",
-               .help = "helpinjsize",
-               .computes = Computes::Pulse},
-    GeneralRow{
-        .control = "txtTOG", .caption = "Time for One Gama (TOG)", .member = "RPM_Size", .help = "helptog"},
-    GeneralRow{.control = "txtUAP",
-               .caption = "Maximum Controllable PulseWidth",
-               .member = "scale1",
-               .help = "helptog"},
-    GeneralRow{
-        .control = "txtPOT", .caption = "Injector Offset Time (IOT)", .member = "INJ_On", .help = "helptiot"},
-    GeneralRow{.control = "txtMIT",
-               .caption = "Minimum Injector Turn-on Time (MIT)",
-               .member = "MT",
-               .help = "helpmtot"},
-    GeneralRow{.control = "cmbCols", .kind = GeneralKind::Choice, .caption = "Columns", .help = "helptbldim"},
-    GeneralRow{.control = "cmbRows", .kind = GeneralKind::Choice, .caption = "Rows", .help = "helptbldim"},
-};
+using enum Computes;
+
+/// A list that stands for several members, or for none.
+GeneralRow list(std::string_view control, std::string_view caption, std::string_view help) {
+    GeneralRow row;
+    row.control = control;
+    row.kind = FieldKind::Choice;
+    row.caption = caption;
+    row.help = help;
+    return row;
+}
+
+/// A box of this form alone.
+GeneralRow box(std::string_view control, std::string_view member, std::string_view caption,
+               std::string_view help, Computes computes) {
+    GeneralRow row;
+    row.control = control;
+    row.member = member;
+    row.caption = caption;
+    row.help = help;
+    row.computes = computes;
+    return row;
+}
+
+GeneralRow ofPages(std::string_view control, Computes computes) {
+    return {*fieldOf(control), computes};
+}
+
+GeneralRow withLimits(GeneralRow row) {
+    row.limitsInCaption = true;
+    return row;
+}
+
+const std::vector<GeneralRow>& table() {
+    // "MT" of txtMIT is the member of the shortest pulse, the only one that the turn-on time can mean.
+    static const std::vector<GeneralRow> rows{
+        list("cmbORB_UNIT", "ORB Unit", "helpunit"),
+        list("cmbEngine", "Engine Type", "helpengine"),
+        list("cmbMAP", "MAP Sensor Installed", "helpmapsel"),
+        box("txtMAP", "MAP_BAR", "MAP Sensor Installed", "helpmaprange", FlowAndPulse),
+        withLimits(ofPages("txtMaxBoost", Pulse)),
+        withLimits(box("txtRPM", "REV_Limiter", "Maximum Engine &Rev Limit (1000 to 20000) ", "helprevl",
+                       FlowAndPulse)),
+        ofPages("cmbCams", FlowAndPulse),
+        box("txtTPS", "TPS_FCV", "TPS Fully Closed Throttle Voltage", "helpdace3", Nothing),
+        ofPages("txtBHP", FlowAndPulse),
+        ofPages("chkAlcohol", FlowAndPulse),
+        withLimits(ofPages("txtINJ", FlowAndPulse)),
+        ofPages("optInjAmp2", Nothing),
+        ofPages("optInjAmp4", Nothing),
+        ofPages("txtLBHR", Pulse),
+        ofPages("txtTOG", Nothing),
+        ofPages("txtUAP", Nothing),
+        ofPages("txtPOT", Nothing),
+        ofPages("txtMIT", Nothing),
+        list("cmbCols", "Columns", "helptbldim"),
+        list("cmbRows", "Rows", "helptbldim"),
+    };
+    return rows;
+}
 
 }  // namespace
 
 std::span<const GeneralRow> generalRows() {
-    return rows;
+    return table();
 }
 
 const GeneralRow& generalRow(std::string_view control) {
-    const auto found = std::ranges::find(rows, control, &GeneralRow::control);
-    if (found == rows.end()) throw NoSuchMember("frmGeneralConfig has no control " + std::string(control));
+    const auto found = std::ranges::find(table(), control, &GeneralRow::control);
+    if (found == table().end()) throw NoSuchMember("frmGeneralConfig has no control " + std::string(control));
     return *found;
 }
 
+std::string_view captionOf(const GeneralRow& row) {
+    return row.caption.empty() ? nameOfParameter(row.member) : row.caption;
+}
+
 std::span<const std::string_view> GeneralConfig::controls() {
-    static constexpr auto names = [] {
-        std::array<std::string_view, rows.size()> all{};
-        std::ranges::transform(rows, all.begin(), &GeneralRow::control);
+    static const std::vector<std::string_view> names = [] {
+        std::vector<std::string_view> all;
+        for (const GeneralRow& row : table()) all.push_back(row.control);
         return all;
     }();
     return names;

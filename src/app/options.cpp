@@ -24,31 +24,11 @@ constexpr float highestColour = 0xFFFFFF;
 /// Far outside every range, so that the range check refuses it.
 constexpr double hugeEntry = 1e30;
 
-/// The settings that Apply saves one behind the other, in this order.
-constexpr std::array<std::string_view, 11> savedControls{
-    "chkConsole",  "chkCOMM",      "txtNeedleColor", "txtDashLights",  "txtLabelLights", "chkGraphs",
-    "chkFileOpen", "chkAFRColors", "txtPollRate",    "chkAutoMonitor", "chkTemperature"};
-
-constexpr std::array<std::string_view, 2> alarms{"txtCLTvalue", "txtMATvalue"};
-constexpr std::array<std::string_view, 3> colours{"txtNeedleColor", "txtDashLights", "txtLabelLights"};
-
 const OptionRow& rowOf(std::string_view control) {
     for (const OptionRow& row : optionTable()) {
         if (row.control == control) return row;
     }
     throw BoundsError("No option " + std::string(control));
-}
-
-const settings::Key* settingOf(const OptionRow& row) {
-    for (const settings::Key& key : settings::systemKeys) {
-        if (row.key == key.name) return &key;
-    }
-    return nullptr;
-}
-
-bool storedOnClick(const OptionRow& row) {
-    const settings::Key* setting = settingOf(row);
-    return setting != nullptr && setting->stored != settings::Stored::OnApply;
 }
 
 float entryOf(std::string_view text) {
@@ -99,17 +79,23 @@ bool Options::refresh() {
         moved = true;
         // A group has a row for each of its buttons; the first one reads for all.
         loadRow(row);
-        if (row.control == "chkTemperature") {
-            for (const std::string_view alarm : alarms) loadRow(rowOf(alarm));
-        }
+        if (row.control == "chkTemperature") loadAll(FieldKind::Alarm);
     }
     return moved;
 }
 
 std::string Options::stored(const OptionRow& row) const {
-    const settings::Key* setting = settingOf(row);
-    return setting == nullptr ? ""
-                              : session_.settings().get(settings::system, setting->name, setting->fallback);
+    return session_.settings().get(settings::system, std::string(row.key));
+}
+
+void Options::loadAll(FieldKind kind) {
+    for (const OptionRow& row : optionTable()) {
+        if (row.kind == kind) loadRow(row);
+    }
+}
+
+void Options::loadColours() {
+    loadAll(FieldKind::Colour);
 }
 
 void Options::loadRow(const OptionRow& row) {
@@ -123,7 +109,7 @@ void Options::loadRow(const OptionRow& row) {
     const auto number = parseNumber(text);
     // No number where one is needed leaves the control at its design value.
     shown = number ? shownNumber(row, *number) : std::string(row.design);
-    if (row.kind == OptionKind::Port) loadPort();
+    if (row.kind == FieldKind::Port) loadPort();
     // Every value but "0" means Fahrenheit wherever a temperature is shown, none at all included.
     if (row.control == "chkTemperature") shown = session_.fahrenheit() ? "1" : "0";
 }
@@ -139,27 +125,25 @@ void Options::loadPort() {
 
 std::string Options::shownNumber(const OptionRow& row, double number) const {
     switch (row.kind) {
-        case OptionKind::Check:
-        case OptionKind::Choice:
+        case FieldKind::Check:
+        case FieldKind::Option:
             return number == 1 ? "1" : "0";  // the readers of these settings ask for 1
-        case OptionKind::Port:
+        case FieldKind::Port:
             return number >= 1 && number <= 255 ? numberText(toInt16(number)) : std::string(row.design);
-        case OptionKind::Slider: {
+        case FieldKind::Slider: {
             if (!(number > 0)) return std::string(row.design);
-            const double rate = std::clamp<double>(number, slowestUpdateRate, fastestUpdateRate);
+            const double rate = std::clamp<double>(number, row.least, row.most);
             return numberText(toInt16(rate));
         }
-        case OptionKind::Colour: {
+        case FieldKind::Colour: {
             const bool colour = number >= 0 && number <= highestColour && number == truncate(number);
             return colour ? numberText(number) : std::string(row.design);
         }
-        case OptionKind::Temperature:
+        case FieldKind::Alarm:
             return shownTemperature(number);
-        case OptionKind::Number:
-        case OptionKind::DataPoints:
-            break;
+        default:
+            return numberText(number);
     }
-    return numberText(number);
 }
 
 std::string Options::shownTemperature(double celsius) const {
@@ -171,6 +155,23 @@ const std::string& Options::value(std::string_view control) const {
     const auto found = values_.find(control);
     if (found == values_.end()) throw BoundsError("No option " + std::string(control));
     return found->second;
+}
+
+Field Options::field(const OptionRow& row) const {
+    const bool button = row.kind == FieldKind::Option;
+    const std::string& text = value(row.control);
+    return {.control = controlName(row),
+            .kind = row.kind,
+            .caption = std::string(row.caption),
+            .text = text,
+            .on = text == (button ? numberText(row.index) : "1"),
+            .enabled = row.kind != FieldKind::Colour || coloursChoosable(),
+            .unit = row.kind == FieldKind::Alarm ? temperatureUnit() : std::string(row.unit),
+            .help = std::string(row.help),
+            .tip = std::string(row.tip),
+            .beside = std::string(row.beside),
+            .least = row.least,
+            .most = row.most};
 }
 
 std::string Options::temperatureUnit() const {
@@ -187,14 +188,10 @@ void Options::store(std::string_view key, const std::string& text) {
 void Options::change(std::string_view control, std::string_view value) {
     const OptionRow& row = rowOf(control);
     values_[std::string(control)] = value;
-    if (row.kind == OptionKind::Port) portIdentity_.clear();
-    if (!storedOnClick(row)) return;
+    if (row.kind == FieldKind::Port) portIdentity_.clear();
+    if (row.stored == Stored::OnApply) return;
     store(row.key, std::string(value));
-    if (control == "chkTemperature") convertAlarms();
-    if (control == "sldDashAdjust") session_.windows().tell(&WindowNews::updateRateChanged);
-    if (control == "optMonitorMode") {
-        for (const std::string_view colour : colours) loadRow(rowOf(colour));
-    }
+    if (row.clicked != nullptr) row.clicked(*this, session_);
 }
 
 void Options::choosePort(int number, const std::string& identity) {
@@ -210,15 +207,14 @@ void Options::checkDataPoint(int place, bool checked) {
     }
 }
 
-/// The fields keep what the user has typed, in the new unit. A text that is no number stays.
 void Options::convertAlarms() {
-    for (const std::string_view control : alarms) {
-        std::string& field = values_[std::string(control)];
+    for (const OptionRow& row : optionTable()) {
+        if (row.kind != FieldKind::Alarm) continue;
+        std::string& field = values_[std::string(row.control)];
         if (!isNumeric(field)) continue;
         const float entry = entryOf(field);
         field = numberText(session_.fahrenheit() ? Ecu::toFahrenheit(entry) : Ecu::toCelsius(entry));
     }
-    session_.windows().tell(&WindowNews::temperaturesChanged);
 }
 
 int Options::detectPort(MainCommands& commands) {
@@ -230,26 +226,48 @@ int Options::detectPort(MainCommands& commands) {
 // ---- Apply
 
 std::vector<std::string> Options::apply() {
+    struct Step {
+        int turn;
+        const OptionRow* row;
+        OptionAct act;  ///< none: the row is stored
+    };
+    std::vector<Step> steps;
+    for (const OptionRow& row : optionTable()) {
+        const bool isStored = !row.key.empty() && row.stored != Stored::AtOnce;
+        if (isStored || row.kind == FieldKind::List) steps.push_back({row.turn, &row, nullptr});
+        if (row.applied.act != nullptr) steps.push_back({row.applied.turn, &row, row.applied.act});
+    }
+    std::ranges::stable_sort(steps, {}, &Step::turn);
     refused_.clear();
     refusals_.clear();
-    applyPort();
-    applyLog();
-    applySettings();
-    applyAlarms();
-    applyTableColours();
-    applyDataPoints();
-    applyDashboard();
-    session_.windows().tell(&WindowNews::showCommList, on("chkShowCommDialog"));
-    session_.windows().tell(&WindowNews::initializeRecorderRows);
-    applyTrace();
+    for (const Step& step : steps) {
+        if (step.act == nullptr) {
+            storeRow(*step.row);
+        } else {
+            step.act(*this, session_);
+        }
+    }
     session_.messages.tell(refusals_);
     session_.sysLog("Application Options Have Been Applied.");
     session_.sysLog("**NOTE: Some changes require program restart before taking effect.");
     return refused_;
 }
 
+void Options::storeRow(const OptionRow& row) {
+    switch (row.kind) {
+        case FieldKind::Port:
+            return storePort();
+        case FieldKind::List:
+            return storeDataPoints();
+        case FieldKind::Alarm:
+            return storeAlarm(row);
+        default:
+            return storeSetting(row);
+    }
+}
+
 /// The port that is open stays open: the note at the end of an Apply tells of it.
-void Options::applyPort() {
+void Options::storePort() {
     // The search stands on the port that it tries, and stores the one that it finds.
     if (session_.link.searching()) {
         session_.sysLog("**NOTE: A port is being searched; the port of the options was not taken.");
@@ -267,24 +285,10 @@ void Options::applyPort() {
     store(settings::CommPortIdentity, portIdentity_);
 }
 
-void Options::applyLog() {
-    store(settings::AutoLog, value("chkAutoLog"));
-    session_.console.LogToFile(on("chkAutoLog"));
-}
-
-void Options::applyTrace() {
-    store(settings::WireTrace, value("chkWireTrace"));
-    session_.applyTrace();
-}
-
-void Options::applySettings() {
-    for (const std::string_view control : savedControls) applySetting(rowOf(control));
-}
-
-void Options::applySetting(const OptionRow& row) {
+void Options::storeSetting(const OptionRow& row) {
     std::string& shown = values_[std::string(row.control)];
-    if (row.kind == OptionKind::Number && !taken(row.control, checkNumber(shown))) return;
-    if (row.kind == OptionKind::Colour && !taken(row.control, checkColour(shown))) return;
+    if (row.kind == FieldKind::Text && !taken(row.control, checkNumber(shown))) return;
+    if (row.kind == FieldKind::Colour && !taken(row.control, checkColour(shown))) return;
     shown = plainNumber(shown);
     store(row.key, shown);
 }
@@ -296,17 +300,14 @@ bool Options::taken(std::string_view control, const EntryOutcome& outcome) {
     return false;
 }
 
-void Options::applyAlarms() {
-    for (const std::string_view control : alarms) {
-        std::string& field = values_[std::string(control)];
-        if (trimmed(field) == keepAlarm) continue;
-        if (!taken(control, checkAlarm(field))) continue;
-        const float entry = entryOf(field);
-        const float celsius = session_.fahrenheit() ? Ecu::toCelsius(entry) : entry;
-        store(rowOf(control).key, numberText(celsius));
-        // Shown as stored: hundredths of a degree may differ from what was typed in Fahrenheit.
-        field = shownTemperature(static_cast<double>(celsius));
-    }
+void Options::storeAlarm(const OptionRow& row) {
+    std::string& field = values_[std::string(row.control)];
+    if (trimmed(field) == keepAlarm || !taken(row.control, checkAlarm(field))) return;
+    const float entry = entryOf(field);
+    const float celsius = session_.fahrenheit() ? Ecu::toCelsius(entry) : entry;
+    store(row.key, numberText(celsius));
+    // Shown as stored: hundredths of a degree may differ from what was typed in Fahrenheit.
+    field = shownTemperature(static_cast<double>(celsius));
 }
 
 EntryOutcome Options::checkAlarm(const std::string& text) const {
@@ -317,26 +318,11 @@ EntryOutcome Options::checkAlarm(const std::string& text) const {
                "(" + numberText(lowestAlarm) + " - " + numberText(highest) + temperatureUnit() + ")"});
 }
 
-void Options::applyTableColours() {
-    session_.TableColorMode = on("chkAFRColors") ? 1 : 0;
-    session_.windows().tell(&WindowNews::clearTableColours);
-}
-
-void Options::applyDataPoints() {
+void Options::storeDataPoints() {
     const std::vector<int> places(dataPoints_.begin(), dataPoints_.end());
     for (const DataPointWrite& write : dataPointWrites(places)) {
         session_.settings().set(settings::datalog, write.key, write.value);
     }
-}
-
-void Options::applyDashboard() {
-    if (!session_.Monitoring) return;
-    WindowSet& windows = session_.windows();
-    windows.tell(&WindowNews::look, on("optMonitorMode"));
-    // A colour that was refused leaves the stored one in force.
-    const SettingsStore& store = session_.settings();
-    windows.tell(&WindowNews::dashboardColours, store.get(settings::system, settings::DashLights),
-                 store.get(settings::system, settings::NeedleColor));
 }
 
 }  // namespace zentaq

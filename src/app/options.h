@@ -11,21 +11,18 @@
 
 #include "app/main_commands.h"
 #include "app/session.h"
+#include "base/field.h"
 
 namespace zentaq {
 
 /// The pages of SSTab1, in their order.
 enum class OptionPage { Communications, Start, Display, Tables, Dashboard, DataPoints, Print };
 
-enum class OptionKind {
-    Port,         ///< number of a serial port
-    Check,        ///< "0" or "1"
-    Choice,       ///< index of the chosen button of a group
-    Number,       ///< a field that takes any number, or nothing
-    Temperature,  ///< a field in the user's unit, stored in degrees Celsius
-    Slider,       ///< a whole number from slowestUpdateRate to fastestUpdateRate
-    Colour,       ///< red + 256 * green + 65536 * blue in decimal; nothing takes the mode's own colour
-    DataPoints,   ///< the check list of data points; its value is held apart
+/// When a value is stored.
+enum class Stored {
+    OnApply,
+    AtOnce,         ///< with the click
+    AtOnceAndApply  ///< with the click, and again by Apply
 };
 
 struct OptionPageRow {
@@ -34,18 +31,45 @@ struct OptionPageRow {
     std::string_view help;   ///< key of its fast help
 };
 
+/// Rows of one help key that follow each other stand in a group.
+struct OptionGroupRow {
+    std::string_view help;
+    std::string_view title;
+};
+
+class Options;
+
+/// What an option does beyond being stored.
+using OptionAct = void (*)(Options& options, Session& session);
+
+/// All that there is to know of an option: its setting, its control, and what it does.
 struct OptionRow {
+    static constexpr int lastTurn = 100;
+
+    /// Of what an Apply does, each thing has its turn.
+    struct Applied {
+        int turn = lastTurn;
+        OptionAct act = nullptr;
+    };
+
     std::string_view control;
-    int index = -1;  ///< of a button in its group, which shares the control's name
-    std::string_view caption;
-    char access = 0;  ///< letter of the caption that reaches the control with Alt
+    int index = -1;            ///< of a button in its group, which shares the control's name
+    std::string_view caption;  ///< with '&' before its access key
     OptionPage page = OptionPage::Communications;
-    OptionKind kind = OptionKind::Check;
-    std::string_view key;      ///< in section "System", which tells when it is stored; empty: no setting
-    std::string_view design;   ///< shown when the store holds nothing or an odd text
-    std::string_view helpKey;  ///< of its fast help
-    std::string_view help;     ///< a sentence for the tuner; also searched
-    std::string_view words;    ///< further words that a tuner may search by
+    FieldKind kind = FieldKind::Check;
+    std::string_view key;     ///< in section "System"; empty: no setting
+    std::string_view design;  ///< shown when the store holds nothing or an odd text
+    Stored stored = Stored::OnApply;
+    int turn = lastTurn;      ///< of its storing in an Apply; rows of one turn in the table's order
+    std::string_view help;    ///< key of its fast help
+    std::string_view tip;     ///< a sentence for the tuner; also searched
+    std::string_view words;   ///< further words that a tuner may search by
+    std::string_view beside;  ///< name of what stands beside the control
+    int least = 0;            ///< of a slider
+    int most = 0;
+    std::string_view unit;
+    OptionAct clicked = nullptr;  ///< behind a value that was stored with the click
+    Applied applied{};            ///< behind the storing, in its own turn
 };
 
 /// Updates a second that the slider can yield; it cannot yield 0.
@@ -53,6 +77,7 @@ inline constexpr int slowestUpdateRate = 1;
 inline constexpr int fastestUpdateRate = 125;
 
 std::span<const OptionPageRow> optionPages();
+std::span<const OptionGroupRow> optionGroups();
 std::span<const OptionRow> optionTable();
 
 /// "optMonitorMode(0)" for a button of a group, else the control's name.
@@ -87,10 +112,17 @@ class Options {
     const std::set<int>& dataPoints() const { return dataPoints_; }
     void checkDataPoint(int place, bool checked);
 
+    /// The control of a row as it is to be shown now.
+    Field field(const OptionRow& row) const;
     /// The unit behind the alarm fields, with its degree sign.
     std::string temperatureUnit() const;
     /// Day mode takes its own colours: nothing to choose.
     bool coloursChoosable() const { return value("optMonitorMode") == "0"; }
+
+    /// The fields keep what the user has typed, in the new unit. A text that is no number stays.
+    void convertAlarms();
+    /// The colours as they are stored.
+    void loadColours();
 
     /// Stores and acts in a fixed order. Answers the controls whose entries were refused, in that order: the
     /// user has been told, their stored values stay, and everything else has been applied.
@@ -101,23 +133,19 @@ class Options {
 
  private:
     void loadRow(const OptionRow& row);
+    void loadAll(FieldKind kind);
     void loadPort();
     std::string shownNumber(const OptionRow& row, double number) const;
     std::string shownTemperature(double celsius) const;
     std::string stored(const OptionRow& row) const;
     void store(std::string_view key, const std::string& text);
-    void convertAlarms();
-    void applyPort();
-    void applyLog();
-    void applyTrace();
-    void applySettings();
-    void applySetting(const OptionRow& row);
+    void storeRow(const OptionRow& row);
+    void storePort();
+    void storeDataPoints();
+    void storeAlarm(const OptionRow& row);
+    void storeSetting(const OptionRow& row);
     bool taken(std::string_view control, const EntryOutcome& outcome);
-    void applyAlarms();
     EntryOutcome checkAlarm(const std::string& text) const;
-    void applyTableColours();
-    void applyDataPoints();
-    void applyDashboard();
 
     Session& session_;
     std::map<std::string, std::string, std::less<>> values_;

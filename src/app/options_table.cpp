@@ -3,15 +3,15 @@
 
 #include "app/data_points.h"
 #include "app/options.h"
-#include "base/settings_keys.h"
 #include "base/number_text.h"
+#include "base/settings_keys.h"
 #include "base/text.h"
 
 namespace zentaq {
 
 namespace {
 
-using enum OptionKind;
+using enum FieldKind;
 
 constexpr std::array pages{
     OptionPageRow{OptionPage::Communications, "&Communications", "helpoptcomm"},
@@ -23,275 +23,343 @@ constexpr std::array pages{
     OptionPageRow{OptionPage::Print, "P&rint", "helpoptprint"},
 };
 
+constexpr std::array groups{
+    OptionGroupRow{"helpoptcomm", "Serial link"},
+    OptionGroupRow{"helpoptstart", "Start of the program"},
+    OptionGroupRow{"helpoptlog", "System log"},
+    OptionGroupRow{"helpopttemp", "Unit of temperatures"},
+    OptionGroupRow{"helpoptalarm", "Temperature alarms"},
+    OptionGroupRow{"helpopttable", "Tables and graphs"},
+    OptionGroupRow{"helpoptmonitor", "Monitoring"},
+    OptionGroupRow{"helpoptdash", "Dashboard"},
+    OptionGroupRow{"helpoptcolor", "Dashboard colors"},
+    OptionGroupRow{"helpoptdatalog", "Flight recorder"},
+    OptionGroupRow{"helpoptprint", "The toolbar's print button"},
+};
+
+// ---- What options do beyond being stored
+
+void convertAlarms(Options& options, Session& session) {
+    options.convertAlarms();
+    session.windows().tell(&WindowNews::temperaturesChanged);
+}
+void tellUpdateRate(Options&, Session& session) {
+    session.windows().tell(&WindowNews::updateRateChanged);
+}
+void showStoredColours(Options& options, Session&) {
+    options.loadColours();
+}
+void switchLog(Options& options, Session& session) {
+    session.console.LogToFile(options.on("chkAutoLog"));
+}
+void switchTableColours(Options& options, Session& session) {
+    session.TableColorMode = options.on("chkAFRColors") ? 1 : 0;
+    session.windows().tell(&WindowNews::clearTableColours);
+}
+void turnDashboard(Options& options, Session& session) {
+    if (!session.Monitoring) return;
+    WindowSet& windows = session.windows();
+    windows.tell(&WindowNews::look, options.on("optMonitorMode"));
+    // A colour that was refused leaves the stored one in force.
+    const SettingsStore& store = session.settings();
+    windows.tell(&WindowNews::dashboardColours, store.get(settings::system, settings::DashLights),
+                 store.get(settings::system, settings::NeedleColor));
+}
+void showCommList(Options& options, Session& session) {
+    session.windows().tell(&WindowNews::showCommList, options.on("chkShowCommDialog"));
+}
+void showRecorderRows(Options&, Session& session) {
+    session.windows().tell(&WindowNews::initializeRecorderRows);
+}
+void switchTrace(Options&, Session& session) {
+    session.applyTrace();
+}
+
+// The turns are those of the first options; a further one is stored behind them.
 // A design value is what the program does while the setting has never been written, so that an Apply that
 // changes nothing on the screen changes nothing in the program either.
 constexpr std::array table{
     OptionRow{.control = "cmbCOMM",
-              .caption = "COMM PORT",
-              .access = 'M',
+              .caption = "CO&MM PORT",
               .page = OptionPage::Communications,
               .kind = Port,
               .key = settings::CommPort,
               .design = "1",
-              .helpKey = "helpoptcomm",
-              .help = "The serial port that the unit is connected to. A changed port is opened when "
-                      "monitoring begins anew, or at the next start; the link panel changes it at once.",
+              .turn = 1,
+              .help = "helpoptcomm",
+              .tip = "The serial port that the unit is connected to. A changed port is opened when "
+                     "monitoring begins anew, or at the next start; the link panel changes it at once.",
               .words = "serial cable usb adapter connection"},
     OptionRow{.control = "cmdAutoDetectPort",
-              .caption = "Auto Detect Port",
-              .access = 'u',
+              .caption = "A&uto Detect Port",
               .page = OptionPage::Communications,
-              .kind = Port,
-              .helpKey = "helpoptcomm",
-              .help = "Searches ports 1 to 12 for a unit and keeps the one that answers.",
+              .kind = Action,
+              .help = "helpoptcomm",
+              .tip = "Searches ports 1 to 12 for a unit and keeps the one that answers.",
               .words = "serial cable usb adapter find search connect"},
     // kept: CommCnsl is stored and shown here and read by nobody else.
     OptionRow{.control = "chkCOMM",
-              .caption = "Show Communication Console",
-              .access = 'w',
+              .caption = "Sho&w Communication Console",
               .page = OptionPage::Communications,
-              .key = settings::CommCnsl,
+              .key = "CommCnsl",
               .design = "0",
-              .helpKey = "helpoptcomm",
-              .help = "Remembered with the other options; nothing depends on it.",
+              .turn = 4,
+              .help = "helpoptcomm",
+              .tip = "Remembered with the other options; nothing depends on it.",
               .words = "link list"},
     OptionRow{.control = "chkShowCommDialog",
-              .caption = "Show Communications Dialog",
-              .access = 'g',
+              .caption = "Show Communications Dialo&g",
               .page = OptionPage::Communications,
               .key = settings::CommDialog,
               .design = "1",
-              .helpKey = "helpoptcomm",
-              .help = "Shows the list of what is sent and received below the workspace. Stored at once; the "
-                      "list follows with Apply.",
-              .words = "console link messages list"},
+              .stored = Stored::AtOnce,
+              .help = "helpoptcomm",
+              .tip = "Shows the list of what is sent and received below the workspace. Stored at once; the "
+                     "list follows with Apply.",
+              .words = "console link messages list",
+              .applied = {19, showCommList}},
     // kept: PollRate is stored and shown here and read by nobody else.
     OptionRow{.control = "txtPollRate",
-              .caption = "Polling Rate in Seconds",
-              .access = 'l',
+              .caption = "Po&lling Rate in Seconds",
               .page = OptionPage::Communications,
-              .kind = Number,
-              .key = settings::PollRate,
-              .helpKey = "helpoptcomm",
-              .help = "Remembered with the other options; nothing depends on it.",
+              .kind = Text,
+              .key = "PollRate",
+              .turn = 11,
+              .help = "helpoptcomm",
+              .tip = "Remembered with the other options; nothing depends on it.",
               .words = "interval sync"},
     OptionRow{.control = "chkWireTrace",
-              .caption = "Record what passes over the serial line",
-              .access = 'e',
+              .caption = "R&ecord what passes over the serial line",
               .page = OptionPage::Communications,
               .key = settings::WireTrace,
               .design = "0",
-              .helpKey = "helpoptcomm",
-              .help = "Writes every byte that is sent and received, with its time and meaning, to the file "
-                      "zentaq.trace beside the program, for whoever helps you. The link stays as fast.",
-              .words = "wire trace log bytes support protocol problem help"},
+              .help = "helpoptcomm",
+              .tip = "Writes every byte that is sent and received, with its time and meaning, to the file "
+                     "zentaq.trace beside the program, for whoever helps you. The link stays as fast.",
+              .words = "wire trace log bytes support protocol problem help",
+              .applied = {OptionRow::lastTurn, switchTrace}},
 
     OptionRow{.control = "chkFileOpen",
-              .caption = "Start Program with BIN File Open Prompt",
-              .access = 'm',
+              .caption = "Start Progra&m with BIN File Open Prompt",
               .page = OptionPage::Start,
               .key = settings::FileOpen,
               .design = "1",
-              .helpKey = "helpoptstart",
-              .help = "Asks for a calibration file when the program starts.",
+              .turn = 9,
+              .help = "helpoptstart",
+              .tip = "Asks for a calibration file when the program starts.",
               .words = "startup calibration dialog"},
     // kept: Cnsl is stored and shown here and read by nobody else.
     OptionRow{.control = "chkConsole",
-              .caption = "Show Console at Start Up",
-              .access = 'w',
+              .caption = "Sho&w Console at Start Up",
               .page = OptionPage::Start,
-              .key = settings::Cnsl,
+              .key = "Cnsl",
               .design = "0",
-              .helpKey = "helpoptstart",
-              .help = "Remembered with the other options; nothing depends on it.",
+              .turn = 3,
+              .help = "helpoptstart",
+              .tip = "Remembered with the other options; nothing depends on it.",
               .words = "startup log"},
     OptionRow{.control = "chkAutoLog",
-              .caption = "Automatically Create System Log File",
-              .access = 'u',
+              .caption = "A&utomatically Create System Log File",
               .page = OptionPage::Start,
               .key = settings::AutoLog,
               .design = "1",
-              .helpKey = "helpoptlog",
-              .help = "Writes every line of the system console to the file zentaq.log beside the program.",
-              .words = "console record support"},
+              .turn = 2,
+              .help = "helpoptlog",
+              .tip = "Writes every line of the system console to the file zentaq.log beside the program.",
+              .words = "console record support",
+              .applied = {2, switchLog}},
 
     OptionRow{.control = "chkTemperature",
-              .caption = "Show Temperature in Fahrenheit",
-              .access = 'w',
+              .caption = "Sho&w Temperature in Fahrenheit",
               .page = OptionPage::Display,
               .key = settings::TemperatureToggle,
               .design = "1",
-              .helpKey = "helpopttemp",
-              .help = "Degrees Fahrenheit in place of degrees Celsius, everywhere and at once.",
-              .words = "celsius degrees units clt mat"},
+              .stored = Stored::AtOnceAndApply,
+              .turn = 13,
+              .help = "helpopttemp",
+              .tip = "Degrees Fahrenheit in place of degrees Celsius, everywhere and at once.",
+              .words = "celsius degrees units clt mat",
+              .clicked = convertAlarms},
     OptionRow{.control = "txtCLTvalue",
-              .caption = "CLT Alarm",
-              .access = 'L',
+              .caption = "C&LT Alarm",
               .page = OptionPage::Display,
-              .kind = Temperature,
+              .kind = Alarm,
               .key = settings::CLTAlarmValue,
               .design = "-",
-              .helpKey = "helpoptalarm",
-              .help = "Coolant temperature from which its reading on the dashboard flashes. A - keeps the "
-                      "alarm as it is.",
-              .words = "coolant overheat hot warning threshold"},
+              .turn = 14,
+              .help = "helpoptalarm",
+              .tip = "Coolant temperature from which its reading on the dashboard flashes. A - keeps the "
+                     "alarm as it is.",
+              .words = "coolant overheat hot warning threshold",
+              .beside = "lblCLTunits"},
     OptionRow{.control = "txtMATvalue",
-              .caption = "MAT Alarm",
-              .access = 'M',
+              .caption = "&MAT Alarm",
               .page = OptionPage::Display,
-              .kind = Temperature,
+              .kind = Alarm,
               .key = settings::MATAlarmValue,
               .design = "-",
-              .helpKey = "helpoptalarm",
-              .help =
+              .turn = 15,
+              .help = "helpoptalarm",
+              .tip =
                   "Manifold air temperature from which its reading on the dashboard flashes. A - keeps the "
                   "alarm as it is.",
-              .words = "manifold intake air hot warning threshold"},
+              .words = "manifold intake air hot warning threshold",
+              .beside = "lblMATunits"},
 
     OptionRow{.control = "chkGraphs",
-              .caption = "Dock 2D Graphs in lower portion of the screen",
-              .access = 'k',
+              .caption = "Doc&k 2D Graphs in lower portion of the screen",
               .page = OptionPage::Tables,
               .key = settings::Graphs,
               .design = "0",
-              .helpKey = "helpopttable",
-              .help = "Puts the curve of a table below the table.",
+              .turn = 8,
+              .help = "helpopttable",
+              .tip = "Puts the curve of a table below the table.",
               .words = "curve window layout"},
     OptionRow{.control = "chkColumnType",
-              .caption = "Override Automatic Column Resizing with Fixed Width (Tables)",
-              .access = 'w',
+              .caption = "Override Automatic Column Resizing &with Fixed Width (Tables)",
               .page = OptionPage::Tables,
               .key = settings::Column_Type,
               .design = "0",
-              .helpKey = "helpopttable",
-              .help = "All columns of a table take one width.",
+              .stored = Stored::AtOnce,
+              .help = "helpopttable",
+              .tip = "All columns of a table take one width.",
               .words = "grid cells layout"},
     OptionRow{.control = "chkAFRColors",
-              .caption = "Overlay AFR Colors (R,G,Y) on Tables while monitoring",
-              .access = 'v',
+              .caption = "O&verlay AFR Colors (R,G,Y) on Tables while monitoring",
               .page = OptionPage::Tables,
               .key = settings::TableColor,
               .design = "0",
-              .helpKey = "helpopttable",
-              .help = "Cells that the engine has run in show whether it was lean, rich or on target.",
-              .words = "red green yellow air fuel ratio mixture colours paint"},
+              .turn = 10,
+              .help = "helpopttable",
+              .tip = "Cells that the engine has run in show whether it was lean, rich or on target.",
+              .words = "red green yellow air fuel ratio mixture colours paint",
+              .applied = {16, switchTableColours}},
 
     OptionRow{.control = "chkAutoMonitor",
-              .caption = "Automatically begin monitoring ORB unit upon startup",
-              .access = 'g',
+              .caption = "Automatically be&gin monitoring ORB unit upon startup",
               .page = OptionPage::Dashboard,
               .key = settings::AutoMonitor,
               .design = "0",
-              .helpKey = "helpoptmonitor",
-              .help = "A monitor session begins as soon as a unit is found.",
+              .stored = Stored::AtOnceAndApply,
+              .turn = 12,
+              .help = "helpoptmonitor",
+              .tip = "A monitor session begins as soon as a unit is found.",
               .words = "live connect start"},
     // kept: a check box without a setting; it starts unchecked each time and changes nothing.
     OptionRow{.control = "chkAutoOutput",
-              .caption = "Enable Automatic Monitoring on ORB unit",
-              .access = 'u',
+              .caption = "Enable A&utomatic Monitoring on ORB unit",
               .page = OptionPage::Dashboard,
               .design = "0",
-              .helpKey = "helpoptmonitor",
-              .help = "Not in use.",
+              .help = "helpoptmonitor",
+              .tip = "Not in use.",
               .words = "live output"},
     OptionRow{.control = "optMonitorMode",
               .index = 0,
-              .caption = "Night Mode (Black)",
-              .access = 'N',
+              .caption = "&Night Mode (Black)",
               .page = OptionPage::Dashboard,
-              .kind = Choice,
+              .kind = Option,
               .key = settings::MonitorMode,
               .design = "0",
-              .helpKey = "helpoptdash",
-              .help = "A dark screen for a dark car. Stored at once; a monitor session follows with Apply, "
-                      "and the next start.",
-              .words = "dark black colours theme background brightness"},
+              .stored = Stored::AtOnce,
+              .help = "helpoptdash",
+              .tip = "A dark screen for a dark car. Stored at once; a monitor session follows with Apply, "
+                     "and the next start.",
+              .words = "dark black colours theme background brightness",
+              .clicked = showStoredColours,
+              .applied = {18, turnDashboard}},
     OptionRow{.control = "optMonitorMode",
               .index = 1,
-              .caption = "Day Mode (White)",
-              .access = 'y',
+              .caption = "Da&y Mode (White)",
               .page = OptionPage::Dashboard,
-              .kind = Choice,
+              .kind = Option,
               .key = settings::MonitorMode,
               .design = "0",
-              .helpKey = "helpoptdash",
-              .help = "A bright screen for daylight. Stored at once; a monitor session follows with Apply, "
-                      "and the next start.",
+              .stored = Stored::AtOnce,
+              .help = "helpoptdash",
+              .tip = "A bright screen for daylight. Stored at once; a monitor session follows with Apply, "
+                     "and the next start.",
               .words = "bright light white colours theme background brightness sun"},
     OptionRow{.control = "sldDashAdjust",
-              .caption = "Adjustable Dashboard Update Rate",
-              .access = 'j',
+              .caption = "Ad&justable Dashboard Update Rate",
               .page = OptionPage::Dashboard,
               .kind = Slider,
               .key = settings::ADUR,
               .design = "125",  // what an empty setting gives: one update in 8 ms
-              .helpKey = "helpoptdash",
-              .help = "How often a second the unit is asked for its values. Lower it when the link cannot "
-                      "keep up.",
-              .words = "speed polling refresh frames second"},
+              .stored = Stored::AtOnce,
+              .help = "helpoptdash",
+              .tip = "How often a second the unit is asked for its values. Lower it when the link cannot "
+                     "keep up.",
+              .words = "speed polling refresh frames second",
+              .beside = "lblADUR",
+              .least = slowestUpdateRate,
+              .most = fastestUpdateRate,
+              .unit = "updates a second",
+              .clicked = tellUpdateRate},
     OptionRow{.control = "txtNeedleColor",
-              .caption = "Needle Color",
-              .access = 'l',
+              .caption = "Need&le Color",
               .page = OptionPage::Dashboard,
               .kind = Colour,
               .key = settings::NeedleColor,
-              .helpKey = "helpoptcolor",
-              .help =
-                  "Color of the dashboard's needles, as red + 256 x green + 65536 x blue. Empty takes the "
-                  "mode's own.",
-              .words = "colour gauge pointer choose"},
+              .turn = 5,
+              .help = "helpoptcolor",
+              .tip = "Color of the dashboard's needles, as red + 256 x green + 65536 x blue. Empty takes the "
+                     "mode's own.",
+              .words = "colour gauge pointer choose",
+              .beside = "cmdChoose"},
     OptionRow{.control = "txtDashLights",
-              .caption = "Dash Lights",
-              .access = 'h',
+              .caption = "Das&h Lights",
               .page = OptionPage::Dashboard,
               .kind = Colour,
               .key = settings::DashLights,
-              .helpKey = "helpoptcolor",
-              .help =
-                  "Color of the dashboard's scales and values, as red + 256 x green + 65536 x blue. Empty "
-                  "takes the mode's own.",
-              .words = "colour gauge numbers ticks choose"},
+              .turn = 6,
+              .help = "helpoptcolor",
+              .tip = "Color of the dashboard's scales and values, as red + 256 x green + 65536 x blue. Empty "
+                     "takes the mode's own.",
+              .words = "colour gauge numbers ticks choose",
+              .beside = "cmdChoose2"},
     // kept: LabelLights is stored and shown here and read by nobody else.
     OptionRow{.control = "txtLabelLights",
-              .caption = "Dash Labels",
-              .access = 'e',
+              .caption = "Dash Lab&els",
               .page = OptionPage::Dashboard,
               .kind = Colour,
-              .key = settings::LabelLights,
-              .helpKey = "helpoptcolor",
-              .help = "Remembered with the other colors; no label takes it.",
-              .words = "colour caption text choose"},
+              .key = "LabelLights",
+              .turn = 7,
+              .help = "helpoptcolor",
+              .tip = "Remembered with the other colors; no label takes it.",
+              .words = "colour caption text choose",
+              .beside = "cmdChoose3"},
 
     OptionRow{.control = "viewList",
-              .caption = "Choose 10 data points for graphing during flight recording",
-              .access = 'h',
+              .caption = "C&hoose 10 data points for graphing during flight recording",
               .page = OptionPage::DataPoints,
-              .kind = DataPoints,
-              .helpKey = "helpoptdatalog",
-              .help = "The values that are drawn while a log is recorded or played.",
-              .words = "datalog recorder playback channels log graph curves"},
+              .kind = List,
+              .turn = 17,
+              .help = "helpoptdatalog",
+              .tip = "The values that are drawn while a log is recorded or played.",
+              .words = "datalog recorder playback channels log graph curves",
+              .applied = {20, showRecorderRows}},
 
     OptionRow{.control = "optPrintButton",
               .index = 0,
-              .caption = "Print Current Form",
-              .access = 'm',
+              .caption = "Print Current For&m",
               .page = OptionPage::Print,
-              .kind = Choice,
+              .kind = Option,
               .key = settings::Print,
               .design = "0",
-              .helpKey = "helpoptprint",
-              .help = "The toolbar's print button prints what is on the screen.",
+              .stored = Stored::AtOnce,
+              .help = "helpoptprint",
+              .tip = "The toolbar's print button prints what is on the screen.",
               .words = "paper printer toolbar window"},
     OptionRow{.control = "optPrintButton",
               .index = 1,
-              .caption = "Print BIN File",
-              .access = 'l',
+              .caption = "Print BIN Fi&le",
               .page = OptionPage::Print,
-              .kind = Choice,
+              .kind = Option,
               .key = settings::Print,
               .design = "0",
-              .helpKey = "helpoptprint",
-              .help = "The toolbar's print button prints the calibration.",
+              .stored = Stored::AtOnce,
+              .help = "helpoptprint",
+              .tip = "The toolbar's print button prints the calibration.",
               .words = "paper printer toolbar calibration listing"},
 };
 
@@ -299,16 +367,10 @@ std::string_view pageTitle(OptionPage page) {
     return pages.at(static_cast<std::size_t>(page)).title;
 }
 
-std::string withoutAccessKeys(std::string_view text) {
-    std::string plain{text};
-    std::erase(plain, '&');
-    return plain;
-}
-
 std::string searchedText(const OptionRow& row) {
-    std::string text = std::string(row.caption) + ' ' + withoutAccessKeys(pageTitle(row.page)) + ' ' +
-                       std::string(row.help) + ' ' + std::string(row.words);
-    if (row.kind == DataPoints) {
+    std::string text = plainCaption(row.caption) + ' ' + plainCaption(pageTitle(row.page)) + ' ' +
+                       std::string(row.tip) + ' ' + std::string(row.words);
+    if (row.kind == List) {
         for (const std::string_view name : dataPointNames()) text += ' ' + std::string(name);
     }
     return upper(text);
@@ -323,6 +385,10 @@ bool holdsAll(const std::string& text, const std::vector<std::string>& words) {
 
 std::span<const OptionPageRow> optionPages() {
     return pages;
+}
+
+std::span<const OptionGroupRow> optionGroups() {
+    return groups;
 }
 
 std::span<const OptionRow> optionTable() {
@@ -342,8 +408,9 @@ std::vector<const OptionRow*> findOptions(std::string_view query) {
     for (const OptionRow& row : table) {
         if (holdsAll(searchedText(row), words)) found.push_back(&row);
     }
-    std::stable_partition(found.begin(), found.end(),
-                          [&](const OptionRow* row) { return holdsAll(upper(row->caption), words); });
+    std::stable_partition(found.begin(), found.end(), [&](const OptionRow* row) {
+        return holdsAll(upper(plainCaption(row->caption)), words);
+    });
     return found;
 }
 

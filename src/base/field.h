@@ -5,17 +5,18 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zentaq {
 
 enum class FieldKind : std::uint8_t {
-    Number,       ///< a box, checked when it is left
-    Text,         ///< a box, taken as it is typed
-    Temperature,  ///< the same in the user's scale
-    Colour,       ///< the same for red + 256 * green + 65536 * blue, with a swatch and a choice
-    Fact,         ///< a label: the value follows from another choice
-    Option,       ///< one of a group, or a switch
+    Number,  ///< a box, checked when it is left
+    Text,    ///< a box, taken as it is typed
+    Alarm,   ///< the same: a temperature in the user's scale from which an alarm is raised
+    Colour,  ///< the same for red + 256 * green + 65536 * blue, with a swatch and a choice
+    Fact,    ///< a label: the value follows from another choice
+    Option,  ///< one of a group, or a switch
     Check,
     Choice,  ///< one of a list
     List,    ///< a list to check entries of
@@ -40,9 +41,15 @@ struct Field {
     std::string unit;       ///< "RPM", "kPa", "Fahrenheit"
     std::string help;       ///< key in table FastHelp
     std::string tip;        ///< a sentence for the tuner
+    std::string beside;     ///< name of what stands beside the control: a number, a unit, a button
+    int least = 0;          ///< of a slider
+    int most = 0;
     int page = 0;
     int element = 0;   ///< of an indexed member
     std::string axis;  ///< what stands at its head: "-40", "1500"
 };
+
+/// A caption without its access key, as a search or a screen reader takes it.
+std::string plainCaption(std::string_view caption);
 
 }  // namespace zentaq

@@ -69,7 +69,7 @@ bool twoAmps(Unit& unit) {
     return unit.get("AMP42") == 0;
 }
 bool fourAmps(Unit& unit) {
-    return unit.get("AMP42") == 1;
+    return unit.get("AMP42") != 0;
 }
 
 bool hasPic18(Unit& unit) {

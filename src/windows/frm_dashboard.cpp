@@ -5,6 +5,7 @@
 
 #include "base/settings_keys.h"
 #include "link/poller.h"
+#include "qt/colour_swatch.h"
 #include "qt/qt_text.h"
 
 namespace zentaq {

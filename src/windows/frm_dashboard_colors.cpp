@@ -20,15 +20,4 @@ DashColors dashColors(bool day) {
     return colors;
 }
 
-QColor colorOfNumber(int number) {
-    return {number & 0xFF, (number >> 8) & 0xFF, (number >> 16) & 0xFF};
-}
-
-std::optional<QColor> storedColor(const QString& text) {
-    bool isNumber = false;
-    const int number = text.trimmed().toInt(&isNumber);
-    if (!isNumber || number < 0 || number > 0xFFFFFF) return std::nullopt;
-    return colorOfNumber(number);
-}
-
 }  // namespace zentaq

@@ -3,8 +3,6 @@
 #pragma once
 
 #include <QColor>
-#include <QString>
-#include <optional>
 
 namespace zentaq {
 
@@ -22,10 +20,5 @@ struct DashColors {
 };
 
 DashColors dashColors(bool day);
-
-/// A stored colour, red + 256 * green + 65536 * blue as decimal text; nothing for a text that is no such
-/// number.
-std::optional<QColor> storedColor(const QString& text);
-QColor colorOfNumber(int number);
 
 }  // namespace zentaq

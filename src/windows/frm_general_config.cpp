@@ -94,19 +94,15 @@ void FrmGeneralConfig::makeForm() {
     scroll_->setFocusPolicy(Qt::NoFocus);
     GeneralConfigForm::Core core;
     core.field = [this](const std::string& control) {
-        GeneralField field;
+        Field field;
         run([&] { field = core_->field(control); });
         return field;
     };
-    core.enter = [this](const std::string& control, const QString& text) {
+    core.enter = [this](const std::string& control, const std::string& text) {
         bool taken = false;
         const auto held = core_;  // the form may go under the box of a refusal
-        run([&] { taken = held->enter(control, text.toStdString()); });
+        run([&] { taken = held->enter(control, text); });
         return taken;
-    };
-    core.click = [this](const std::string& control, bool on) {
-        const auto held = core_;
-        run([&] { held->click(control, on); });
     };
     core.computed = [this] { return QString::fromStdString(core_->lblUAP()); };
     form_ = new GeneralConfigForm(std::move(core), scroll_);

@@ -1,6 +1,7 @@
 #include "windows/frm_general_config_form.h"
 
-#include <QApplication>
+#include <QButtonGroup>
+#include <QComboBox>
 #include <QEvent>
 #include <QFrame>
 #include <QHBoxLayout>
@@ -13,6 +14,7 @@
 #include <iterator>
 #include <utility>
 
+#include "qt/entry_box.h"
 #include "qt/help_key.h"
 #include "qt/look.h"
 #include "qt/qt_text.h"
@@ -23,10 +25,6 @@ namespace zentaq {
 namespace {
 
 constexpr qreal headingSize = 1.05;
-/// Width of a box for a number, in digits.
-constexpr int boxDigits = 7;
-/// A list is never narrower than this many letters; its entries open to their full length.
-constexpr int listLetters = 16;
 constexpr int dimensionLetters = 2;
 /// Controls without which no new calibration can be stored, in the order of the form.
 struct Needed {
@@ -39,29 +37,10 @@ constexpr std::array needed{
     Needed{"cmbMAP", QT_TRANSLATE_NOOP("zentaq::GeneralConfigForm", "Choose a MAP sensor")},
 };
 
-/// "Maximum Engine Rev Limit (1000 to 20000)": as a screen reader says it.
-QString spoken(const std::string& caption) {
-    return qString(caption).remove(u'&').trimmed();
-}
-
-/// Reads as a remark, by day and by night.
-QLabel* mutedLabel(QWidget* parent) {
-    auto* label = new QLabel(parent);
-    label->setTextFormat(Qt::PlainText);
-    label->setForegroundRole(QPalette::PlaceholderText);
-    return label;
-}
-
 QFont bold(QFont font, qreal factor = 1.0) {
     font.setBold(true);
     font.setPointSizeF(font.pointSizeF() * factor);
     return font;
-}
-
-/// Muted while the field can be used, and as pale as the field while it cannot.
-void showUsable(QLabel& remark, bool usable) {
-    remark.setEnabled(usable);
-    remark.setForegroundRole(usable ? QPalette::PlaceholderText : QPalette::WindowText);
 }
 
 QHBoxLayout* plainRow(const QWidget& form) {
@@ -82,8 +61,6 @@ struct GeneralConfigForm::Column {
 
 GeneralConfigForm::GeneralConfigForm(Core core, QWidget* parent) : QWidget(parent), core_(std::move(core)) {
     setObjectName(QStringLiteral("fraGeneral"));
-    constexpr std::size_t roomForAll = 32;
-    controls_.reserve(roomForAll);  // rows keep a reference while they are made
     columns_ = new QBoxLayout(QBoxLayout::LeftToRight, this);
     const int gap = fontMetrics().height();
     columns_->setContentsMargins(gap, gap / 2, gap, gap / 2);
@@ -106,9 +83,10 @@ GeneralConfigForm::GeneralConfigForm(Core core, QWidget* parent) : QWidget(paren
 
 GeneralConfigForm::~GeneralConfigForm() {
     // Children outlive this part of the object; their last events are no business of the form any more.
-    for (const Control& control : controls_) {
-        control.widget->removeEventFilter(this);
-        control.widget->disconnect(this);
+    for (FieldControl* control : controls_) {
+        control->widget()->removeEventFilter(this);
+        control->widget()->disconnect(this);
+        delete control;
     }
 }
 
@@ -182,73 +160,42 @@ void GeneralConfigForm::makeInjectorGroup(Column& column) {
     computedRow(column);
 }
 
-GeneralConfigForm::Control& GeneralConfigForm::keep(const std::string& name, QWidget* widget) {
-    widget->setObjectName(qString(name));
-    widget->installEventFilter(this);
-    controls_.push_back({.name = name, .widget = widget, .shown = {}});
-    return controls_.back();
-}
-
-GeneralConfigForm::Control& GeneralConfigForm::box(const std::string& name) {
-    auto* made = new EntryBox([this, name](const QString& text) { return hand(name, text); }, this);
-    made->setFixedWidth(digitsWidth(made->fontMetrics(), boxDigits) + made->fontMetrics().height());
-    connect(made, &EntryBox::clickRefused, this, [this] {
-        swallowClick_ = true;
-        QTimer::singleShot(0, this, [this] { swallowClick_ = false; });
-    });
-    return keep(name, made);
-}
-
-GeneralConfigForm::Control& GeneralConfigForm::list(const std::string& name) {
-    auto* made = new QComboBox(this);
-    made->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    made->setMinimumContentsLength(listLetters);
-    connect(made, &QComboBox::activated, this, [this, name, made] { choose(name, *made); });
-    return keep(name, made);
-}
-
-QLabel* GeneralConfigForm::caption(Control& control) {
-    control.caption = new QLabel(this);
-    control.caption->setObjectName(QStringLiteral("lblCaption_") + qString(control.name));
-    control.caption->setBuddy(control.widget);
-    return control.caption;
-}
-
-QLabel* GeneralConfigForm::ownLabel(Control& control, const char* name, const QString& text) {
-    control.label = new QLabel(text, this);
-    control.label->setObjectName(QLatin1String(name));
-    control.label->setBuddy(control.widget);
-    return control.label;
-}
-
-QLabel* GeneralConfigForm::limits(Control& control) {
-    control.limits = mutedLabel(this);
-    control.limits->setObjectName(QStringLiteral("lblLimits_") + qString(control.name));
-    return control.limits;
+FieldControl& GeneralConfigForm::field(const std::string& name) {
+    auto* made = new FieldControl(
+        core_.field(name), [this, name](const std::string& text) { return hand(name, text); }, this);
+    made->widget()->installEventFilter(this);
+    if (auto* box = qobject_cast<EntryBox*>(made->widget())) {
+        connect(box, &EntryBox::clickRefused, this, [this] {
+            swallowClick_ = true;
+            QTimer::singleShot(0, this, [this] { swallowClick_ = false; });
+        });
+    }
+    controls_.push_back(made);
+    return *made;
 }
 
 void GeneralConfigForm::boxRow(Column& column, const std::string& name) {
-    Control& control = box(name);
-    column.grid->addWidget(caption(control), column.row, Column::captionPlace);
-    column.grid->addWidget(control.widget, column.row, Column::controlPlace, Qt::AlignLeft);
-    column.grid->addWidget(limits(control), column.row, Column::limitsPlace);
+    FieldControl& box = field(name);
+    column.grid->addWidget(box.addCaption(), column.row, Column::captionPlace);
+    column.grid->addWidget(box.widget(), column.row, Column::controlPlace, Qt::AlignLeft);
+    column.grid->addWidget(box.addLimits(), column.row, Column::limitsPlace);
     ++column.row;
 }
 
 void GeneralConfigForm::listRow(Column& column, const std::string& name) {
-    Control& control = list(name);
-    column.grid->addWidget(caption(control), column.row, Column::captionPlace);
-    column.grid->addWidget(control.widget, column.row, Column::controlPlace, 1, 2);
+    FieldControl& list = field(name);
+    column.grid->addWidget(list.addCaption(), column.row, Column::captionPlace);
+    column.grid->addWidget(list.widget(), column.row, Column::controlPlace, 1, 2);
     ++column.row;
 }
 
 /// The names of engines and sensors are long: their lists begin right behind the captions.
 void GeneralConfigForm::wideListRow(Column& column, const std::string& name) {
-    Control& control = list(name);
+    FieldControl& list = field(name);
     auto* row = plainRow(*this);
-    row->addWidget(caption(control));
-    row->addWidget(control.widget, 1);
-    wideCaptions_.push_back(control.caption);
+    wideCaptions_.push_back(list.addCaption());
+    row->addWidget(wideCaptions_.back());
+    row->addWidget(list.widget(), 1);
     column.grid->addLayout(row, column.row, 0, 1, Column::places);
     ++column.row;
 }
@@ -258,11 +205,11 @@ void GeneralConfigForm::ratingRow(Column& column) {
     auto* row = plainRow(*this);
     row->addWidget(makeManagerButton());
     row->addStretch(1);
-    Control& control = box("txtMAP");
-    row->addWidget(ownLabel(control, "lblRange", qString(nameOfParameter("MAP_BAR"))));
+    FieldControl& box = field("txtMAP");
+    row->addWidget(box.addOwnLabel("lblRange", qString(nameOfParameter("MAP_BAR"))));
     column.grid->addLayout(row, column.row, Column::captionPlace);
-    column.grid->addWidget(control.widget, column.row, Column::controlPlace, Qt::AlignLeft);
-    column.grid->addWidget(limits(control), column.row, Column::limitsPlace);
+    column.grid->addWidget(box.widget(), column.row, Column::controlPlace, Qt::AlignLeft);
+    column.grid->addWidget(box.addLimits(), column.row, Column::limitsPlace);
     ++column.row;
 }
 
@@ -283,10 +230,10 @@ void GeneralConfigForm::dimensionsRow(Column& column) {
     auto* row = plainRow(*this);
     row->addWidget(lblDimensions_);
     for (const char* name : {"cmbCols", "cmbRows"}) {
-        Control& control = list(name);
-        qobject_cast<QComboBox*>(control.widget)->setMinimumContentsLength(dimensionLetters);
-        row->addWidget(caption(control));
-        row->addWidget(control.widget);
+        FieldControl& list = field(name);
+        static_cast<QComboBox*>(list.widget())->setMinimumContentsLength(dimensionLetters);
+        row->addWidget(list.addCaption());
+        row->addWidget(list.widget());
         row->addSpacing(fontMetrics().height());
     }
     row->addStretch(1);
@@ -296,14 +243,12 @@ void GeneralConfigForm::dimensionsRow(Column& column) {
 
 void GeneralConfigForm::peakRow(Column& column) {
     auto* row = plainRow(*this);
-    peak_ = new QButtonGroup(this);
-    for (const std::string name : {"optInjAmp2", "optInjAmp4"}) {
-        auto* option = new QRadioButton(this);
-        peak_->addButton(option);
-        connect(option, &QRadioButton::clicked, this, [this, name](bool on) { clicked(name, on); });
-        row->addWidget(option);
+    auto* peak = new QButtonGroup(this);
+    for (const char* name : {"optInjAmp2", "optInjAmp4"}) {
+        FieldControl& option = field(name);
+        option.join(*peak);
+        row->addWidget(option.widget());
         row->addSpacing(fontMetrics().height());
-        keep(name, option);
     }
     row->addStretch(1);
     column.grid->addLayout(row, column.row, Column::controlPlace, 1, 2);
@@ -311,22 +256,19 @@ void GeneralConfigForm::peakRow(Column& column) {
 }
 
 void GeneralConfigForm::alcoholRow(Column& column) {
-    auto* check = new QCheckBox(this);
-    connect(check, &QCheckBox::clicked, this, [this](bool on) { clicked("chkAlcohol", on); });
-    keep("chkAlcohol", check);
-    column.grid->addWidget(check, column.row, Column::controlPlace, 1, 2);
+    column.grid->addWidget(field("chkAlcohol").widget(), column.row, Column::controlPlace, 1, 2);
     ++column.row;
 }
 
 /// The caption of the flow is its unit and stands behind the box.
 void GeneralConfigForm::flowRow(Column& column) {
-    Control& control = box("txtLBHR");
-    column.grid->addWidget(ownLabel(control, "lblInjectorSize", qString(nameOfParameter("INJ_FlowRate"))),
+    FieldControl& box = field("txtLBHR");
+    column.grid->addWidget(box.addOwnLabel("lblInjectorSize", qString(nameOfParameter("INJ_FlowRate"))),
                            column.row, Column::captionPlace);
-    column.grid->addWidget(control.widget, column.row, Column::controlPlace, Qt::AlignLeft);
+    column.grid->addWidget(box.widget(), column.row, Column::controlPlace, Qt::AlignLeft);
     auto* row = plainRow(*this);
-    row->addWidget(caption(control));
-    row->addWidget(limits(control), 1);
+    row->addWidget(box.addCaption());
+    row->addWidget(box.addLimits(), 1);
     column.grid->addLayout(row, column.row, Column::limitsPlace);
     ++column.row;
 }
@@ -342,7 +284,7 @@ void GeneralConfigForm::computedRow(Column& column) {
     lblComputedUnit_ = mutedLabel(this);
     lblComputedUnit_->setText(tr("ms"));
     column.grid->addWidget(lblComputed_, column.row, Column::captionPlace);
-    column.grid->setRowMinimumHeight(column.row, find("txtTOG")->widget->sizeHint().height());
+    column.grid->setRowMinimumHeight(column.row, find("txtTOG").widget()->sizeHint().height());
     column.grid->addWidget(lblUAP_, column.row, Column::controlPlace);
     column.grid->addWidget(lblComputedUnit_, column.row, Column::limitsPlace);
     ++column.row;
@@ -351,87 +293,18 @@ void GeneralConfigForm::computedRow(Column& column) {
 // ---- Showing
 
 void GeneralConfigForm::refresh() {
-    for (Control& control : controls_) {
-        control.shown = core_.field(control.name);
-        show(control);
-    }
+    for (FieldControl* control : controls_) control->show(core_.field(control->shown().control));
+    highlight(onTheFly_);
     lblUAP_->showValue(core_.computed());
-    lblDimensions_->setEnabled(find("cmbCols")->shown.enabled);
-    const bool sized = find("txtLBHR")->shown.enabled;
+    lblDimensions_->setEnabled(find("cmbCols").shown().enabled);
+    const bool sized = find("txtLBHR").shown().enabled;
     lblComputed_->setEnabled(sized);
     showUsable(*lblComputedUnit_, sized);
 }
 
-void GeneralConfigForm::show(Control& control) {
-    const GeneralField& field = control.shown;
-    const QString text = qString(field.text);
-    if (control.caption != nullptr) {
-        control.caption->setText(qString(field.caption));
-        control.caption->setEnabled(field.enabled);
-    }
-    if (control.limits != nullptr) {
-        control.limits->setText(qString(field.limits));
-        showUsable(*control.limits, field.enabled);
-    }
-    if (auto* box = qobject_cast<EntryBox*>(control.widget)) box->showText(text);
-    if (auto* list = qobject_cast<QComboBox*>(control.widget)) showList(*list, field);
-    if (auto* button = qobject_cast<QAbstractButton*>(control.widget)) {
-        button->setText(qString(field.caption));
-        const bool group = peak_->buttons().contains(button);
-        // A group whose options are all off is only possible while it is not exclusive.
-        if (group) peak_->setExclusive(false);
-        button->setChecked(field.on);
-        if (group) peak_->setExclusive(true);
-    }
-    control.widget->setEnabled(field.enabled);
-    QString name = spoken(field.caption);
-    if (control.label != nullptr) {
-        control.label->setEnabled(field.enabled);
-        name = control.label->text() + QStringLiteral(", ") + name;
-    }
-    control.widget->setAccessibleName(name);
-    control.widget->setAccessibleDescription(qString(field.limits));
-    control.widget->setProperty(helpKeyProperty, qString(field.helpKey));
-    showColours(control);
-}
-
-void GeneralConfigForm::showList(QComboBox& list, const GeneralField& field) {
-    QStringList choices;
-    for (const std::string& choice : field.choices) choices.append(shownString(choice));
-    QStringList present;
-    for (int i = 0; i < list.count(); ++i) present.append(list.itemText(i));
-    if (choices != present) {
-        list.clear();
-        list.addItems(choices);
-    }
-    const QString text = shownString(field.text);
-    const auto chosen = std::ranges::find(field.choices, field.text);
-    const int index = chosen == field.choices.end() ? -1 : static_cast<int>(chosen - field.choices.begin());
-    // A text that is none of the entries is shown all the same.
-    const QString invitation = field.enabled ? tr("Choose...") : QString();
-    list.setPlaceholderText(index < 0 && !text.isEmpty() ? text : invitation);
-    list.setCurrentIndex(index);
-    list.setToolTip(plainTip(text));
-}
-
-void GeneralConfigForm::showColours(Control& control) {
-    QPalette palette;
-    const LookColors colors = lookColors(appliedLook(*qApp));
-    palette.setColor(QPalette::Disabled, QPalette::Base, colors.background);
-    // By night the frame of an empty option or check box cannot be seen; its inside stands out instead.
-    const bool option = qobject_cast<QAbstractButton*>(control.widget) != nullptr;
-    if (option && appliedLook(*qApp) == DisplayMode::Night) palette.setColor(QPalette::Base, colors.border);
-    if (onTheFly_ && control.shown.onTheFly && control.shown.enabled) {
-        for (const auto role : {QPalette::Base, QPalette::Button}) palette.setColor(role, colors.highlight);
-        for (const auto role : {QPalette::Text, QPalette::ButtonText, QPalette::WindowText})
-            palette.setColor(role, colors.highlightText);
-    }
-    if (control.widget->palette() != palette) control.widget->setPalette(palette);
-}
-
 void GeneralConfigForm::highlight(bool onTheFly) {
     onTheFly_ = onTheFly;
-    for (Control& control : controls_) showColours(control);
+    for (FieldControl* control : controls_) control->mark(onTheFly);
 }
 
 void GeneralConfigForm::changeEvent(QEvent* event) {
@@ -443,39 +316,39 @@ void GeneralConfigForm::changeEvent(QEvent* event) {
 
 QString GeneralConfigForm::missing() const {
     for (const Needed& need : needed) {
-        const auto control = std::ranges::find(controls_, need.control, &Control::name);
-        if (control->shown.enabled && control->shown.text.empty()) return tr(need.hint);
+        const Field& field = find(need.control).shown();
+        if (field.enabled && field.text.empty()) return tr(need.hint);
     }
     return {};
 }
 
 void GeneralConfigForm::focusFirst() {
     for (const Needed& need : needed) {
-        const Control* control = find(std::string(need.control));
-        if (!control->shown.enabled || !control->shown.text.empty()) continue;
-        control->widget->setFocus();
-        return;
+        const FieldControl& control = find(need.control);
+        if (control.shown().enabled && control.shown().text.empty()) return control.widget()->setFocus();
     }
-    const auto first = std::ranges::find_if(controls_, [](const Control& c) { return c.shown.enabled; });
-    if (first != controls_.end()) first->widget->setFocus();
+    const auto first =
+        std::ranges::find_if(controls_, [](auto* control) { return control->shown().enabled; });
+    if (first != controls_.end()) (*first)->widget()->setFocus();
 }
 
-GeneralConfigForm::Control* GeneralConfigForm::find(const std::string& name) {
-    return &*std::ranges::find(controls_, name, &Control::name);
+FieldControl& GeneralConfigForm::find(std::string_view name) const {
+    return **std::ranges::find(
+        controls_, name, [](auto* control) -> auto& { return control->shown().control; });
 }
 
 std::vector<QWidget*> GeneralConfigForm::tabOrder() const {
     std::vector<QWidget*> order;
-    for (const Control& control : controls_) {
-        order.push_back(control.widget);
-        if (control.name == "cmbMAP") order.push_back(cmdManager_);
+    for (const FieldControl* control : controls_) {
+        order.push_back(control->widget());
+        if (control->shown().control == "cmbMAP") order.push_back(cmdManager_);
     }
     return order;
 }
 
 // ---- Entries
 
-bool GeneralConfigForm::hand(const std::string& name, const QString& text) {
+bool GeneralConfigForm::hand(const std::string& name, const std::string& text) {
     const QPointer<GeneralConfigForm> self(this);
     const bool taken = core_.enter(name, text);
     if (!self) return false;  // gone under the box of a refusal
@@ -484,35 +357,12 @@ bool GeneralConfigForm::hand(const std::string& name, const QString& text) {
     return taken;
 }
 
-void GeneralConfigForm::choose(const std::string& name, const QComboBox& list) {
-    // By its place: a name may be shown otherwise than it is.
-    const GeneralField& field = find(name)->shown;
-    const int index = list.currentIndex();
-    if (index < 0 || index >= std::ssize(field.choices)) return;
-    const std::string text = field.choices[static_cast<std::size_t>(index)];
-    if (text != field.text) hand(name, qString(text));
-}
-
-void GeneralConfigForm::clicked(const std::string& name, bool on) {
-    const QPointer<GeneralConfigForm> self(this);
-    core_.click(name, on);
-    if (!self) return;
-    refresh();
-    Q_EMIT entered();
-}
-
 void GeneralConfigForm::bringBack() {
-    for (const Control& control : controls_) {
-        if (auto* box = qobject_cast<EntryBox*>(control.widget)) box->bringBack();
-    }
+    for (FieldControl* control : controls_) control->bringBack();
 }
 
 bool GeneralConfigForm::commit() {
-    for (const Control& control : controls_) {
-        auto* box = qobject_cast<EntryBox*>(control.widget);
-        if (box != nullptr && !box->commit()) return false;
-    }
-    return true;
+    return std::ranges::all_of(controls_, &FieldControl::commit);
 }
 
 bool GeneralConfigForm::eventFilter(QObject* watched, QEvent* event) {

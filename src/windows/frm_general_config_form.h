@@ -3,21 +3,17 @@
 #pragma once
 
 #include <QBoxLayout>
-#include <QButtonGroup>
-#include <QCheckBox>
-#include <QComboBox>
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QRadioButton>
 #include <QWidget>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "app/general_config.h"
+#include "qt/field_control.h"
 #include "qt/value_label.h"
-#include "windows/frm_general_config_box.h"
 
 namespace zentaq {
 
@@ -27,9 +23,8 @@ class GeneralConfigForm : public QWidget {
  public:
     /// What the form asks of its core. A failure has been told by the time they answer.
     struct Core {
-        std::function<GeneralField(const std::string& control)> field;
-        std::function<bool(const std::string& control, const QString& text)> enter;
-        std::function<void(const std::string& control, bool on)> click;
+        std::function<Field(const std::string& control)> field;
+        std::function<bool(const std::string& control, const std::string& text)> enter;
         std::function<QString()> computed;  ///< "Zentaq Calculated TOG"
     };
 
@@ -63,14 +58,6 @@ class GeneralConfigForm : public QWidget {
     void changeEvent(QEvent* event) override;
 
  private:
-    struct Control {
-        std::string name;
-        QWidget* widget = nullptr;
-        QLabel* caption = nullptr;  ///< none where the control bears its caption itself
-        QLabel* label = nullptr;    ///< what the box is, where its caption alone does not tell
-        QLabel* limits = nullptr;
-        GeneralField shown;
-    };
     struct Column;
 
     // ---- Making
@@ -80,12 +67,7 @@ class GeneralConfigForm : public QWidget {
     void makeEngineGroup(Column& column);
     void makeInjectorGroup(Column& column);
     void heading(Column& column, const char* name, const QString& text);
-    Control& box(const std::string& name);
-    Control& list(const std::string& name);
-    Control& keep(const std::string& name, QWidget* widget);
-    QLabel* caption(Control& control);
-    QLabel* ownLabel(Control& control, const char* name, const QString& text);
-    QLabel* limits(Control& control);
+    FieldControl& field(const std::string& name);
     /// A row of caption, box and limits.
     void boxRow(Column& column, const std::string& name);
     void listRow(Column& column, const std::string& name);
@@ -98,22 +80,13 @@ class GeneralConfigForm : public QWidget {
     void computedRow(Column& column);
     QWidget* makeManagerButton();
 
-    // ---- Showing
-    void show(Control& control);
-    void showList(QComboBox& list, const GeneralField& field);
-    void showColours(Control& control);
-    Control* find(const std::string& name);
-
-    // ---- Entries
-    bool hand(const std::string& name, const QString& text);
-    void choose(const std::string& name, const QComboBox& list);
-    void clicked(const std::string& name, bool on);
+    FieldControl& find(std::string_view name) const;
+    bool hand(const std::string& name, const std::string& text);
 
     Core core_;
     QBoxLayout* columns_ = nullptr;
-    std::vector<Control> controls_;
+    std::vector<FieldControl*> controls_;
     QPushButton* cmdManager_ = nullptr;
-    QButtonGroup* peak_ = nullptr;
     std::vector<QLabel*> wideCaptions_;
     QLabel* lblDimensions_ = nullptr;
     QLabel* lblComputed_ = nullptr;

@@ -11,12 +11,11 @@
 #include <algorithm>
 
 #include "base/errors.h"
+#include "qt/colour_swatch.h"
 #include "qt/help_key.h"
 #include "qt/look.h"
 #include "qt/qt_text.h"
 #include "qt/window_placement.h"
-#include "windows/colour_swatch.h"
-#include "windows/frm_dashboard_colors.h"
 
 namespace zentaq {
 
@@ -286,13 +285,13 @@ void FrmOptions::goTo(const QString& control) {
     if (auto* text = qobject_cast<QLineEdit*>(target)) text->selectAll();
     static_cast<QScrollArea*>(SSTab1_->currentWidget())->ensureWidgetVisible(strip);
     mark(strip);
-    lblHelp_->setText(qString(row->help));
+    lblHelp_->setText(qString(row->tip));
 }
 
 void FrmOptions::focusMoved(QWidget* now) {
     if (now != nullptr && !isAncestorOf(now)) return;
     const OptionRow* row = fields_->rowAt(now);
-    lblHelp_->setText(row == nullptr ? tr("F2 tells more about the option in hand.") : qString(row->help));
+    lblHelp_->setText(row == nullptr ? tr("F2 tells more about the option in hand.") : qString(row->tip));
     if (marked_ != nullptr && now != nullptr && !marked_->isAncestorOf(now)) mark(nullptr);
 }
 

@@ -1,85 +1,49 @@
 #include "windows/frm_options_fields.h"
 
-#include <QCheckBox>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QRadioButton>
 #include <QSignalBlocker>
-#include <QSlider>
 #include <QStyle>
 #include <QVBoxLayout>
 #include <algorithm>
-#include <array>
 
 #include "app/data_points.h"
-#include "base/settings_keys.h"
 #include "base/number_text.h"
+#include "base/settings_keys.h"
 #include "qt/help_key.h"
-#include "qt/look.h"
 #include "qt/qt_text.h"
-#include "windows/colour_swatch.h"
 #include "windows/frm_config_link_panel.h"
-#include "windows/frm_dashboard_colors.h"
 
 namespace zentaq {
 
 namespace {
 
-constexpr auto captionProperty = "optionCaption";
 constexpr int placeRole = Qt::UserRole;
 
 /// Columns of the list of data points; wide enough names stand in full.
 constexpr int listColumns = 4;
 
-struct GroupTitle {
-    std::string_view helpKey;
-    const char* title;
-};
-constexpr std::array groupTitles{
-    GroupTitle{"helpoptcomm", QT_TRANSLATE_NOOP("OptionFields", "Serial link")},
-    GroupTitle{"helpoptstart", QT_TRANSLATE_NOOP("OptionFields", "Start of the program")},
-    GroupTitle{"helpoptlog", QT_TRANSLATE_NOOP("OptionFields", "System log")},
-    GroupTitle{"helpopttemp", QT_TRANSLATE_NOOP("OptionFields", "Unit of temperatures")},
-    GroupTitle{"helpoptalarm", QT_TRANSLATE_NOOP("OptionFields", "Temperature alarms")},
-    GroupTitle{"helpopttable", QT_TRANSLATE_NOOP("OptionFields", "Tables and graphs")},
-    GroupTitle{"helpoptmonitor", QT_TRANSLATE_NOOP("OptionFields", "Monitoring")},
-    GroupTitle{"helpoptdash", QT_TRANSLATE_NOOP("OptionFields", "Dashboard")},
-    GroupTitle{"helpoptcolor", QT_TRANSLATE_NOOP("OptionFields", "Dashboard colors")},
-    GroupTitle{"helpoptdatalog", QT_TRANSLATE_NOOP("OptionFields", "Flight recorder")},
-    GroupTitle{"helpoptprint", QT_TRANSLATE_NOOP("OptionFields", "The toolbar's print button")},
-};
-
-/// The caption with '&' before its access key.
-QString withAccessKey(const OptionRow& row) {
-    QString text = qString(row.caption);
-    const qsizetype at = text.indexOf(QLatin1Char(row.access));
-    return at < 0 ? text : text.insert(at, u'&');
+int stripGap(const QWidget* widget) {
+    return widget->fontMetrics().height() / 5;
 }
 
-QString nameOf(const OptionRow& row) {
-    return QString::fromStdString(controlName(row));
-}
-
-QHBoxLayout* lineOf(QWidget* strip) {
-    auto* line = new QHBoxLayout(strip);
-    const int gap = strip->fontMetrics().height() / 5;
-    line->setContentsMargins(gap, gap, gap, gap);
-    return line;
-}
-
-QLabel* addLabel(const char* name, QWidget* strip) {
-    auto* label = new QLabel(strip);
+QLabel* hintLabel(const char* name, const QString& text, QWidget* parent) {
+    auto* label = new QLabel(text, parent);
     label->setObjectName(QLatin1String(name));
     label->setTextFormat(Qt::PlainText);
+    QSizePolicy policy = label->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    label->setSizePolicy(policy);
     return label;
 }
 
-void keepPlace(QWidget* widget) {
-    QSizePolicy policy = widget->sizePolicy();
-    policy.setRetainSizeWhenHidden(true);
-    widget->setSizePolicy(policy);
+/// These fill the width of a page.
+bool fillsTheLine(FieldKind kind) {
+    return kind == FieldKind::Port || kind == FieldKind::Slider;
+}
+
+bool bearsItsCaption(FieldKind kind) {
+    return kind == FieldKind::Check || kind == FieldKind::Option || kind == FieldKind::Action;
 }
 
 }  // namespace
@@ -96,19 +60,13 @@ QWidget* OptionFields::makePage(OptionPage page, QWidget* parent) {
     std::string_view helpKey;
     for (const OptionRow& row : optionTable()) {
         if (row.page != page) continue;
-        if (group == nullptr || row.helpKey != helpKey) {
-            group = makeGroup(row.helpKey, area);
+        if (group == nullptr || row.help != helpKey) {
+            group = makeGroup(row.help, area);
             column->addWidget(group, page == OptionPage::DataPoints ? 1 : 0);
         }
-        helpKey = row.helpKey;
+        helpKey = row.help;
         addRow(row, group);
-        if (row.control == "txtLabelLights") {
-            lblColorHint_ = addLabel("lblColorHint", group);
-            lblColorHint_->setText(tr("Day mode keeps its colors: choose them in night mode."));
-            lblColorHint_->setIndent(group->fontMetrics().height() / 5);
-            keepPlace(lblColorHint_);
-            group->layout()->addWidget(lblColorHint_);
-        }
+        if (row.control == "txtLabelLights") addColourHint(group);
     }
     if (page != OptionPage::DataPoints) column->addStretch(1);
     alignCaptions(area);
@@ -117,54 +75,60 @@ QWidget* OptionFields::makePage(OptionPage page, QWidget* parent) {
 
 QWidget* OptionFields::makeGroup(std::string_view helpKey, QWidget* parent) {
     auto* group = new QGroupBox(parent);
-    for (const GroupTitle& row : groupTitles) {
-        if (row.helpKey == helpKey) group->setTitle(tr(row.title));
-    }
+    const auto row = std::ranges::find(optionGroups(), helpKey, &OptionGroupRow::help);
+    if (row != optionGroups().end()) group->setTitle(qString(row->title));
     group->setProperty(helpKeyProperty, qString(helpKey));
     auto* column = new QVBoxLayout(group);
     column->setSpacing(0);
     return group;
 }
 
+void OptionFields::addColourHint(QWidget* group) {
+    lblColorHint_ =
+        hintLabel("lblColorHint", tr("Day mode keeps its colors: choose them in night mode."), group);
+    lblColorHint_->setIndent(stripGap(group));
+    group->layout()->addWidget(lblColorHint_);
+}
+
 void OptionFields::addRow(const OptionRow& row, QWidget* group) {
     auto* strip = new QWidget(group);
-    QWidget* control = makeControl(row, strip);
-    control->setObjectName(nameOf(row));
-    control->setAccessibleName(qString(row.caption));
-    control->setAccessibleDescription(qString(row.help));
-    control->setToolTip(qString(row.help));
-    fields_[nameOf(row)] = {&row, control, strip};
+    FieldControl* field = makeField(row, strip);
+    if (row.kind != FieldKind::List) addLine(row, strip, *field);
+    strips_[qString(controlName(row))] = {&row, field, strip};
     group->layout()->addWidget(strip);
 }
 
-QWidget* OptionFields::makeControl(const OptionRow& row, QWidget* strip) {
-    switch (row.kind) {
-        case OptionKind::Port:
-            return row.key.empty() ? makeDetectButton(row, strip) : makePorts(row, strip);
-        case OptionKind::Choice:
-            return makeChoice(row, strip);
-        case OptionKind::Number:
-        case OptionKind::Temperature:
-            return makeText(row, strip);
-        case OptionKind::Colour:
-            return makeColour(row, strip);
-        case OptionKind::Slider:
-            return makeSlider(row, strip);
-        case OptionKind::DataPoints:
-            return makeList(row, strip);
-        case OptionKind::Check:
-            break;
+FieldControl* OptionFields::makeField(const OptionRow& row, QWidget* strip) {
+    const Field field = options_.field(row);
+    if (row.kind == FieldKind::Port) return new FieldControl(field, makePorts(strip), this);
+    if (row.kind == FieldKind::List) return new FieldControl(field, makeList(row, strip), this);
+    auto* made = new FieldControl(
+        field, [this, &row](const std::string& text) { return enter(row, text); }, strip);
+    const QString name = qString(row.control);
+    if (row.kind == FieldKind::Action)
+        connect(made, &FieldControl::pressed, this, &OptionFields::detectAsked);
+    if (row.kind == FieldKind::Colour) {
+        connect(made, &FieldControl::pressed, this, [this, name] { Q_EMIT colourAsked(name); });
     }
-    return makeCheck(row, strip);
+    if (row.kind == FieldKind::Option) {
+        QButtonGroup*& group = groups_[row.control];
+        if (group == nullptr) group = new QButtonGroup(this);
+        made->join(*group);
+    }
+    return made;
 }
 
-QLabel* OptionFields::addCaption(const OptionRow& row, QWidget* strip, QWidget* buddy) {
-    auto* caption = new QLabel(withAccessKey(row), strip);
-    caption->setProperty(captionProperty, true);
-    caption->setBuddy(buddy);
-    strip->layout()->addWidget(caption);
-    captions_.push_back(caption);
-    return caption;
+void OptionFields::addLine(const OptionRow& row, QWidget* strip, FieldControl& field) {
+    auto* line = new QHBoxLayout(strip);
+    const int gap = stripGap(strip);
+    line->setContentsMargins(gap, gap, gap, gap);
+    if (!bearsItsCaption(row.kind)) {
+        captions_.push_back(field.addCaption());
+        line->addWidget(captions_.back());
+    }
+    line->addWidget(field.widget(), fillsTheLine(row.kind) ? 1 : 0);
+    for (QWidget* beside : field.beside()) line->addWidget(beside);
+    if (!fillsTheLine(row.kind)) line->addStretch(1);
 }
 
 /// The fields of a page begin below each other.
@@ -178,114 +142,18 @@ void OptionFields::alignCaptions(const QWidget* page) const {
     }
 }
 
-QWidget* OptionFields::makePorts(const OptionRow& row, QWidget* strip) {
-    auto* ports = new PortCombo(ports_, strip);
-    QHBoxLayout* line = lineOf(strip);
-    addCaption(row, strip, ports);
-    line->addWidget(ports, 1);
-    connect(ports, &QComboBox::activated, this,
-            [this, ports] { options_.choosePort(ports->selectedNumber(), ports->selectedIdentity()); });
-    return ports;
-}
-
-QWidget* OptionFields::makeDetectButton(const OptionRow& row, QWidget* strip) {
-    auto* button = new QPushButton(withAccessKey(row), strip);
-    QHBoxLayout* line = lineOf(strip);
-    line->addWidget(button);
-    line->addStretch(1);
-    button->setAutoDefault(false);
-    button->setMinimumWidth(button->sizeHint().width() + 2 * button->fontMetrics().height());
-    connect(button, &QPushButton::clicked, this, &OptionFields::detectAsked);
-    return button;
-}
-
-QWidget* OptionFields::makeCheck(const OptionRow& row, QWidget* strip) {
-    auto* box = new QCheckBox(withAccessKey(row), strip);
-    QHBoxLayout* line = lineOf(strip);
-    line->addWidget(box);
-    line->addStretch(1);
-    connect(box, &QCheckBox::clicked, this,
-            [this, &row](bool on) { change(row, on ? QStringLiteral("1") : QStringLiteral("0")); });
-    return box;
-}
-
-QWidget* OptionFields::makeChoice(const OptionRow& row, QWidget* strip) {
-    auto* button = new QRadioButton(withAccessKey(row), strip);
-    QHBoxLayout* line = lineOf(strip);
-    line->addWidget(button);
-    line->addStretch(1);
-    QButtonGroup*& group = groups_[row.control];
-    if (group == nullptr) group = new QButtonGroup(this);
-    group->addButton(button, row.index);
-    connect(button, &QRadioButton::clicked, this,
-            [this, &row] { change(row, QString::fromStdString(numberText(row.index))); });
-    return button;
-}
-
-QWidget* OptionFields::makeText(const OptionRow& row, QWidget* strip) {
-    auto* text = new QLineEdit(strip);
-    QHBoxLayout* line = lineOf(strip);
-    addCaption(row, strip, text);
-    constexpr int digits = 12;
-    text->setFixedWidth(digitsWidth(text->fontMetrics(), digits));
-    line->addWidget(text);
-    if (row.kind == OptionKind::Temperature) addUnit(row, strip);
-    line->addStretch(1);
-    connect(text, &QLineEdit::textEdited, this, [this, &row](const QString& value) { change(row, value); });
-    return text;
-}
-
-void OptionFields::addUnit(const OptionRow& row, QWidget* strip) {
-    const bool coolant = row.control == "txtCLTvalue";
-    QLabel*& unit = coolant ? lblCLTunits_ : lblMATunits_;
-    unit = addLabel(coolant ? "lblCLTunits" : "lblMATunits", strip);
-    unit->setAccessibleName(tr("Unit of the alarm"));
-    strip->layout()->addWidget(unit);
-}
-
-QWidget* OptionFields::makeColour(const OptionRow& row, QWidget* strip) {
-    QWidget* text = makeText(row, strip);
-    auto* line = static_cast<QHBoxLayout*>(strip->layout());
-    auto* swatch = new ColourSwatch(strip);
-    swatch->setObjectName(QStringLiteral("sw") + qString(row.control));
-    swatch->setAccessibleName(qString(row.caption));
-    auto* choose = new QPushButton(tr("Choose"), strip);
-    // "cmdChoose", "cmdChoose2", "cmdChoose3"
-    const int number = ++colourButtons_;
-    choose->setObjectName(QStringLiteral("cmdChoose") +
-                          (number == 1 ? QString() : QString::fromStdString(numberText(number))));
-    choose->setAccessibleName(tr("Choose: ") + qString(row.caption));
-    choose->setToolTip(tr("Opens the color dialog"));
-    choose->setAutoDefault(false);
-    line->insertWidget(line->count() - 1, swatch);
-    line->insertWidget(line->count() - 1, choose);
-    connect(choose, &QPushButton::clicked, this, [this, &row] { Q_EMIT colourAsked(nameOf(row)); });
-    return text;
-}
-
-QWidget* OptionFields::makeSlider(const OptionRow& row, QWidget* strip) {
-    auto* slider = new QSlider(Qt::Horizontal, strip);
-    QHBoxLayout* line = lineOf(strip);
-    addCaption(row, strip, slider);
-    slider->setRange(slowestUpdateRate, fastestUpdateRate);
-    slider->setPageStep(10);
-    line->addWidget(slider, 1);
-    lblADUR_ = addLabel("lblADUR", strip);
-    lblADUR_->setAccessibleName(tr("Updates a second"));
-    lblADUR_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    lblADUR_->setMinimumWidth(digitsWidth(lblADUR_->fontMetrics(), 3));
-    line->addWidget(lblADUR_);
-    line->addWidget(new QLabel(tr("updates a second"), strip));
-    connect(slider, &QSlider::valueChanged, this,
-            [this, &row](int value) { change(row, QString::fromStdString(numberText(value))); });
-    return slider;
+QWidget* OptionFields::makePorts(QWidget* strip) {
+    cmbCOMM_ = new PortCombo(ports_, strip);
+    connect(cmbCOMM_, &QComboBox::activated, this,
+            [this] { options_.choosePort(cmbCOMM_->selectedNumber(), cmbCOMM_->selectedIdentity()); });
+    return cmbCOMM_;
 }
 
 QWidget* OptionFields::makeList(const OptionRow& row, QWidget* strip) {
     viewList_ = new QListWidget(strip);
     auto* column = new QVBoxLayout(strip);
     column->setContentsMargins(0, 0, 0, 0);
-    auto* prompt = new QLabel(withAccessKey(row), strip);
+    auto* prompt = new QLabel(qString(row.caption), strip);
     prompt->setBuddy(viewList_);
     viewList_->setFlow(QListView::TopToBottom);
     viewList_->setWrapping(true);
@@ -307,11 +175,9 @@ QWidget* OptionFields::makeList(const OptionRow& row, QWidget* strip) {
     const int frame = 2 * viewList_->frameWidth() + bar;
     viewList_->setMinimumSize(listColumns * cell.width() + frame, rows * cell.height() + frame);
     connect(viewList_, &QListWidget::itemChanged, this, &OptionFields::itemChanged);
-    lblViewCheck_ = addLabel("lblViewCheck", strip);
+    lblViewCheck_ = hintLabel("lblViewCheck", {}, strip);
     lblViewCheck_->setAccessibleName(tr("Number of selected values"));
-    lblViewHint_ = addLabel("lblViewHint", strip);
-    lblViewHint_->setText(tr("Only the first ten are graphed."));
-    keepPlace(lblViewHint_);
+    lblViewHint_ = hintLabel("lblViewHint", tr("Only the first ten are graphed."), strip);
     auto* counts = new QHBoxLayout;
     counts->addWidget(lblViewCheck_);
     counts->addSpacing(strip->fontMetrics().height());
@@ -325,9 +191,11 @@ QWidget* OptionFields::makeList(const OptionRow& row, QWidget* strip) {
 
 // ---- The user's entries
 
-void OptionFields::change(const OptionRow& row, const QString& value) {
-    options_.change(row.control, value.toStdString());
+bool OptionFields::enter(const OptionRow& row, const std::string& text) {
+    // Of a group the button that comes on tells which one it is.
+    options_.change(row.control, row.kind == FieldKind::Option ? numberText(row.index) : text);
     showAll();
+    return true;
 }
 
 void OptionFields::itemChanged(const QListWidgetItem* item) {
@@ -338,52 +206,26 @@ void OptionFields::itemChanged(const QListWidgetItem* item) {
 // ---- Showing
 
 void OptionFields::showAll() {
-    for (const auto& [name, field] : fields_) show(field);
-    const QString unit = QString::fromStdString(options_.temperatureUnit());
-    lblCLTunits_->setText(unit);
-    lblMATunits_->setText(unit);
-    lblADUR_->setText(QString::fromStdString(options_.value("sldDashAdjust")));
-    showColours();
+    for (const auto& [name, strip] : strips_) strip.field->show(options_.field(*strip.row));
+    showPort();
+    showList();
+    lblColorHint_->setVisible(!options_.coloursChoosable());
     showCount();
 }
 
-void OptionFields::show(const Field& field) {
-    const QSignalBlocker quiet(field.control);
-    const std::string& value = options_.value(field.row->control);
-    if (auto* ports = qobject_cast<PortCombo*>(field.control)) {
-        const int number = static_cast<int>(numberOf(value));
-        const std::string& identity = options_.portIdentity();
-        const bool other = !identity.empty() && ports->selectedIdentity() != identity;
-        if (ports->count() == 0 || ports->selectedNumber() != number || other) ports->fill(number, identity);
-    } else if (auto* button = qobject_cast<QRadioButton*>(field.control)) {
-        if (value == numberText(field.row->index)) button->setChecked(true);
-    } else if (auto* box = qobject_cast<QCheckBox*>(field.control)) {
-        box->setChecked(value == "1");
-    } else if (auto* text = qobject_cast<QLineEdit*>(field.control)) {
-        const QString shown = QString::fromStdString(value);
-        if (text->text() != shown) text->setText(shown);
-    } else if (auto* slider = qobject_cast<QSlider*>(field.control)) {
-        slider->setValue(static_cast<int>(numberOf(value)));
-    } else if (auto* list = qobject_cast<QListWidget*>(field.control)) {
-        showList(*list);
-    }
+void OptionFields::showPort() {
+    const int number = static_cast<int>(numberOf(options_.value("cmbCOMM")));
+    const std::string& identity = options_.portIdentity();
+    const bool other = !identity.empty() && cmbCOMM_->selectedIdentity() != identity;
+    if (cmbCOMM_->count() != 0 && cmbCOMM_->selectedNumber() == number && !other) return;
+    const QSignalBlocker quiet(cmbCOMM_);
+    cmbCOMM_->fill(number, identity);
 }
 
-void OptionFields::showColours() {
-    const bool choosable = options_.coloursChoosable();
-    for (const auto& [name, field] : fields_) {
-        if (field.row->kind != OptionKind::Colour) continue;
-        field.control->setEnabled(choosable);
-        for (auto* choose : field.strip->findChildren<QPushButton*>()) choose->setEnabled(choosable);
-        const QString text = QString::fromStdString(options_.value(field.row->control));
-        for (auto* swatch : field.strip->findChildren<ColourSwatch*>()) swatch->setColour(storedColor(text));
-    }
-    lblColorHint_->setVisible(!choosable);
-}
-
-void OptionFields::showList(QListWidget& list) const {
-    for (int i = 0; i < list.count(); ++i) {
-        QListWidgetItem* item = list.item(i);
+void OptionFields::showList() const {
+    const QSignalBlocker quiet(viewList_);
+    for (int i = 0; i < viewList_->count(); ++i) {
+        QListWidgetItem* item = viewList_->item(i);
         const bool checked = options_.dataPoints().contains(item->data(placeRole).toInt());
         const Qt::CheckState state = checked ? Qt::Checked : Qt::Unchecked;
         if (item->checkState() != state) item->setCheckState(state);
@@ -392,25 +234,25 @@ void OptionFields::showList(QListWidget& list) const {
 
 void OptionFields::showCount() const {
     const auto count = static_cast<int>(options_.dataPoints().size());
-    lblViewCheck_->setText(tr("Number of selected values: ") + QString::fromStdString(numberText(count)));
+    lblViewCheck_->setText(tr("Number of selected values: ") + qString(numberText(count)));
     lblViewHint_->setVisible(count > settings::datalogSlots);
 }
 
 // ---- Finding
 
 QWidget* OptionFields::control(const QString& name) const {
-    const auto found = fields_.find(name);
-    return found == fields_.end() ? nullptr : found->second.control;
+    const auto found = strips_.find(name);
+    return found == strips_.end() ? nullptr : found->second.field->widget();
 }
 
 QWidget* OptionFields::strip(const QString& name) const {
-    const auto found = fields_.find(name);
-    return found == fields_.end() ? nullptr : found->second.strip;
+    const auto found = strips_.find(name);
+    return found == strips_.end() ? nullptr : found->second.strip;
 }
 
 const OptionRow* OptionFields::rowAt(const QWidget* widget) const {
-    for (const auto& [name, field] : fields_) {
-        if (widget != nullptr && field.strip->isAncestorOf(widget)) return field.row;
+    for (const auto& [name, strip] : strips_) {
+        if (widget != nullptr && strip.strip->isAncestorOf(widget)) return strip.row;
     }
     return nullptr;
 }

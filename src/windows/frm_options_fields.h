@@ -1,5 +1,5 @@
-// The controls of the options window, made from the table of options: one row of controls for each option.
-// They show what the core holds and tell what the user enters.
+// The pages of the options window, made from the table of options: a strip for each option, in groups of what
+// belongs together. The controls show what the core holds and tell what the user enters.
 #pragma once
 
 #include <QButtonGroup>
@@ -13,8 +13,11 @@
 
 #include "app/options.h"
 #include "platform/serial_port.h"
+#include "qt/field_control.h"
 
 namespace zentaq {
+
+class PortCombo;
 
 class OptionFields : public QObject {
     Q_OBJECT
@@ -23,7 +26,7 @@ class OptionFields : public QObject {
     /// `ports` is the list of this moment.
     OptionFields(Options& options, std::function<std::vector<PortInfo>()> ports, QWidget* parent);
 
-    /// One page with all its controls, in groups of what belongs together.
+    /// One page with all its controls.
     QWidget* makePage(OptionPage page, QWidget* parent);
 
     /// Brings every control up to date with the core.
@@ -43,46 +46,36 @@ class OptionFields : public QObject {
     void colourAsked(const QString& control);
 
  private:
-    struct Field {
+    struct Strip {
         const OptionRow* row = nullptr;
-        QWidget* control = nullptr;
+        FieldControl* field = nullptr;
         QWidget* strip = nullptr;
     };
 
     QWidget* makeGroup(std::string_view helpKey, QWidget* parent);
     void addRow(const OptionRow& row, QWidget* group);
-    QWidget* makeControl(const OptionRow& row, QWidget* strip);
-    QWidget* makePorts(const OptionRow& row, QWidget* strip);
-    QWidget* makeDetectButton(const OptionRow& row, QWidget* strip);
-    QWidget* makeCheck(const OptionRow& row, QWidget* strip);
-    QWidget* makeChoice(const OptionRow& row, QWidget* strip);
-    QWidget* makeText(const OptionRow& row, QWidget* strip);
-    QWidget* makeColour(const OptionRow& row, QWidget* strip);
-    QWidget* makeSlider(const OptionRow& row, QWidget* strip);
+    void addLine(const OptionRow& row, QWidget* strip, FieldControl& field);
+    FieldControl* makeField(const OptionRow& row, QWidget* strip);
+    QWidget* makePorts(QWidget* strip);
     QWidget* makeList(const OptionRow& row, QWidget* strip);
-    QLabel* addCaption(const OptionRow& row, QWidget* strip, QWidget* buddy);
-    void addUnit(const OptionRow& row, QWidget* strip);
+    void addColourHint(QWidget* group);
     void alignCaptions(const QWidget* page) const;
-    void change(const OptionRow& row, const QString& value);
+    bool enter(const OptionRow& row, const std::string& text);
     void itemChanged(const QListWidgetItem* item);
-    void show(const Field& field);
-    void showColours();
-    void showList(QListWidget& list) const;
+    void showPort();
+    void showList() const;
     void showCount() const;
 
     Options& options_;
     std::function<std::vector<PortInfo>()> ports_;
-    std::map<QString, Field> fields_;
+    std::map<QString, Strip> strips_;
     std::map<std::string_view, QButtonGroup*> groups_;
     std::vector<QLabel*> captions_;
+    PortCombo* cmbCOMM_ = nullptr;
     QListWidget* viewList_ = nullptr;
     QLabel* lblViewCheck_ = nullptr;
     QLabel* lblViewHint_ = nullptr;
     QLabel* lblColorHint_ = nullptr;
-    QLabel* lblADUR_ = nullptr;
-    QLabel* lblCLTunits_ = nullptr;
-    QLabel* lblMATunits_ = nullptr;
-    int colourButtons_ = 0;
 };
 
 }  // namespace zentaq

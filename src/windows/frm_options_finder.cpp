@@ -49,7 +49,8 @@ void OptionFinder::find() {
     found_ = findOptions(query.toStdString());
     lstFound_->clear();
     for (const OptionRow* row : found_) {
-        lstFound_->addItem(qString(row->caption) + QStringLiteral("  (") + pageTitle(row->page) + u')');
+        lstFound_->addItem(qString(plainCaption(row->caption)) + QStringLiteral("  (") +
+                           pageTitle(row->page) + u')');
     }
     if (found_.empty()) {
         auto* nothing = new QListWidgetItem(tr("No option found"), lstFound_);

@@ -5,6 +5,7 @@
 #include <QPixmap>
 #include <QRectF>
 #include <QWidget>
+#include <optional>
 #include <vector>
 
 #include "windows/frm_dashboard_colors.h"

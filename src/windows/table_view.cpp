@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "qt/colour_swatch.h"
 #include "windows/frm_dashboard_colors.h"
 
 namespace zentaq {

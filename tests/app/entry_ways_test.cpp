@@ -53,7 +53,7 @@ TEST_F(EntryWays, AFieldOfTheGeneralParametersTakesWhatTheShellTakes) {
     const Calibration before = unit().calibration();
     int refused = 0;
     for (const GeneralRow& row : generalRows()) {
-        if (row.kind != GeneralKind::Text) continue;
+        if (row.kind != FieldKind::Number) continue;
         const std::string member(row.member);
         for (const float value : around(figureLimits(unit(), row.member))) {
             const std::string text = numberText(value);

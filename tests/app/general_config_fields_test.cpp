@@ -47,9 +47,9 @@ TEST_F(GeneralConfigForm, NamesTheHelpOfItsFields) {
         {"txtMAP", "helpmaprange"},     {"txtMaxBoost", "helpMboost"}, {"txtINJ", "helpinjnum"},
         {"optInjAmp2", "help42inj"},    {"optInjAmp4", "help42inj"},   {"txtBHP", "helpBrakeHP"},
         {"chkAlcohol", "helpfueltype"}, {"txtLBHR", "helpinjsize"}};
-    for (const auto& [control, key] : keys) EXPECT_EQ(form.field(control).helpKey, key) << control;
+    for (const auto& [control, key] : keys) EXPECT_EQ(form.field(control).help, key) << control;
     for (const std::string_view control : GeneralConfig::controls()) {
-        EXPECT_TRUE(session.database->help(form.field(control).helpKey)) << control;
+        EXPECT_TRUE(session.database->help(form.field(control).help)) << control;
     }
 }
 
@@ -62,7 +62,7 @@ TEST_F(GeneralConfigForm, HasNoOtherControls) {
 TEST_F(GeneralConfigForm, OffersTableDimensionsOf8To16AndBeginsWith16) {
     prepare();
     for (const char* control : {"cmbCols", "cmbRows"}) {
-        const GeneralField field = form.field(control);
+        const Field field = form.field(control);
         EXPECT_EQ(field.text, "16");
         EXPECT_THAT(field.choices, ElementsAre("8", "9", "10", "11", "12", "13", "14", "15", "16"));
         EXPECT_TRUE(form.enter(control, "8"));
@@ -83,7 +83,7 @@ TEST_F(GeneralConfigForm, FieldsThatAModelLacksAreEmptyAndOff) {
     prepare("PZK-2", "4 Cylinder Coil per Plug");
     for (const char* control : {"txtUAP", "txtPOT", "txtMIT", "cmbCams", "txtINJ", "optInjAmp2", "optInjAmp4",
                                 "txtBHP", "chkAlcohol", "txtLBHR"}) {
-        const GeneralField field = form.field(control);
+        const Field field = form.field(control);
         EXPECT_FALSE(field.enabled) << control;
         EXPECT_FALSE(field.on) << control;
         EXPECT_EQ(field.text, "") << control;
@@ -297,7 +297,7 @@ TEST_F(GeneralConfigForm, AnAirFlowSensorHasNoBoost) {
     prepare();
     form.enter("txtMaxBoost", "30");
     ASSERT_TRUE(form.enter("cmbMAP", "Meter"));
-    const GeneralField field = form.field("txtMaxBoost");
+    const Field field = form.field("txtMaxBoost");
     EXPECT_EQ(field.caption, "Max Boost Pressure (Not Used)");
     EXPECT_FALSE(field.enabled);
     EXPECT_EQ(field.text, "");

@@ -111,6 +111,21 @@ TEST(OptionTable, HoldsEverySettingOfTheSectionSystem) {
                           "CLTAlarmValue", "MATAlarmValue", "WireTrace"));
 }
 
+TEST(OptionTable, FourSettingsAreStoredAndShownAndChangeNothing) {
+    std::set<std::string_view> idle;
+    for (const OptionRow& row : optionTable()) {
+        if (row.tip.starts_with("Remembered with the other")) idle.insert(row.key);
+    }
+    EXPECT_THAT(idle, ElementsAre("Cnsl", "CommCnsl", "LabelLights", "PollRate"));
+}
+
+TEST(OptionTable, HasATitleForEveryGroup) {
+    for (const OptionRow& row : optionTable()) {
+        EXPECT_NE(std::ranges::find(optionGroups(), row.help, &OptionGroupRow::help), optionGroups().end())
+            << row.control;
+    }
+}
+
 TEST(OptionTable, GivesEveryControlAHelpAndAnAccessKeyOfItsCaptionThatIsFreeOnItsPage) {
     std::set<std::pair<OptionPage, char>> taken;
     std::string pageKeys = "AFO";  // Apply, Find an option, OK
@@ -124,10 +139,10 @@ TEST(OptionTable, GivesEveryControlAHelpAndAnAccessKeyOfItsCaptionThatIsFreeOnIt
     EXPECT_EQ(std::set<char>(pageKeys.begin(), pageKeys.end()).size(), pageKeys.size()) << pageKeys;
     for (const OptionRow& row : optionTable()) {
         const std::string name = controlName(row);
+        EXPECT_FALSE(row.tip.empty()) << name;
         EXPECT_FALSE(row.help.empty()) << name;
-        EXPECT_FALSE(row.helpKey.empty()) << name;
-        EXPECT_NE(row.caption.find(row.access), std::string_view::npos) << name;
-        const char key = static_cast<char>(std::toupper(row.access));
+        ASSERT_NE(row.caption.find('&'), std::string_view::npos) << name;
+        const char key = static_cast<char>(std::toupper(row.caption.at(row.caption.find('&') + 1)));
         EXPECT_EQ(pageKeys.find(key), std::string::npos) << name;
         EXPECT_TRUE(taken.emplace(row.page, key).second) << name;
     }
@@ -138,8 +153,7 @@ TEST(OptionTable, NamesHelpTextsThatExist) {
     std::set<std::string> keys;
     for (std::string line; std::getline(seeds, line);) keys.insert(split(line, '\t').back());
     ASSERT_GT(keys.size(), 1u);
-    for (const OptionRow& row : optionTable())
-        EXPECT_TRUE(keys.contains(std::string(row.helpKey))) << row.helpKey;
+    for (const OptionRow& row : optionTable()) EXPECT_TRUE(keys.contains(std::string(row.help))) << row.help;
     for (const OptionPageRow& page : optionPages())
         EXPECT_TRUE(keys.contains(std::string(page.help))) << page.help;
 }
@@ -487,7 +501,7 @@ TEST_F(OptionsTest, EveryAppliedOptionSurvivesARestart) {
         Options options(session);
         for (const OptionRow& row : optionTable()) {
             if (row.key.empty()) continue;
-            const bool box = row.kind == OptionKind::Check;
+            const bool box = row.kind == FieldKind::Check;
             options.change(row.control, box ? (row.design == "1" ? "0" : "1") : "1");
         }
         options.change("sldDashAdjust", "33");
@@ -498,7 +512,7 @@ TEST_F(OptionsTest, EveryAppliedOptionSurvivesARestart) {
     }
     const Options after(session);
     for (const OptionRow& row : optionTable()) {
-        if (row.key.empty() || row.kind != OptionKind::Check) continue;
+        if (row.key.empty() || row.kind != FieldKind::Check) continue;
         EXPECT_EQ(after.value(row.control), row.design == "1" ? "0" : "1") << row.control;
     }
     EXPECT_EQ(after.value("sldDashAdjust"), "33");

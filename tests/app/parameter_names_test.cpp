@@ -29,11 +29,9 @@ const UnitKind* const kinds[] = {&orbaKind(), &orbLiteKind(), &pzk2Kind(),
                                  &orbcKind(), &orbdKind(),    &orbd6Kind()};
 
 /// A caption without the mark of its letter, its limits and the blank at its end.
-std::string plainCaption(std::string_view caption) {
+std::string nameIn(std::string_view caption) {
     static const std::regex limits(" \\([-0-9.]+ to [-0-9.]+\\)");
-    std::string plain(caption);
-    std::erase(plain, '&');
-    return std::string(trimmed(std::regex_replace(plain, limits, "")));
+    return std::regex_replace(plainCaption(caption), limits, "");
 }
 
 TEST(ParameterNames, EachParameterHasANameThatNoOtherHas) {
@@ -60,9 +58,9 @@ TEST(ParameterNames, TheGeneralConfigurationCallsThemSo) {
     const std::set<std::string_view> beside{"txtMAP", "txtLBHR"};
     int compared = 0;
     for (const GeneralRow& row : generalRows()) {
-        if (row.member.empty() || row.kind == GeneralKind::Option || beside.contains(row.control)) continue;
+        if (row.member.empty() || row.kind == FieldKind::Option || beside.contains(row.control)) continue;
         ++compared;
-        const std::string caption = plainCaption(row.caption);
+        const std::string caption = nameIn(captionOf(row));
         const std::string name(nameOfParameter(row.member));
         // "Check Box if Engine Alcohol Fueled"
         EXPECT_TRUE(caption.ends_with(name)) << row.control << ": " << caption << " | " << name;
@@ -84,7 +82,7 @@ TEST(ParameterNames, TheBoxesOfThePagesCallThemSo) {
         if (!named || rows[i].member.empty() || heads.contains(rows[i].control)) continue;
         if (!unit.has(rows[i].member) || rows[i].control == "txtLBHR") continue;
         ++compared;
-        const std::string caption = plainCaption(rules.controls[i].caption);
+        const std::string caption = nameIn(rules.controls[i].caption);
         EXPECT_TRUE(caption.starts_with(nameOfParameter(rows[i].member)))
             << rows[i].control << ": " << caption;
     }
@@ -134,7 +132,7 @@ std::set<std::string> knownNames() {
     for (const UnitKind* kind : kinds) {
         for (const Parameter& row : kind->parameters) known.insert(std::string(row.meaning));
     }
-    for (const GeneralRow& row : generalRows()) known.insert(plainCaption(row.caption));
+    for (const GeneralRow& row : generalRows()) known.insert(nameIn(captionOf(row)));
     // What the windows say of themselves stands in their sources.
     for (const char* folder : {"/src/app", "/src/windows", "/src/config"}) {
         for (const auto& file : fs::recursive_directory_iterator(ZENTAQ_SOURCE_DIR + std::string(folder))) {

@@ -7,8 +7,8 @@
 #include <QScrollBar>
 #include <QTabBar>
 
+#include "qt/colour_swatch.h"
 #include "qt/look.h"
-#include "windows/colour_swatch.h"
 #include "windows/frm_options_fixture.h"
 
 namespace zentaq {
@@ -361,11 +361,11 @@ TEST_F(OptionsWindow, EveryControlHasAnAccessibleNameAndAHelpKey) {
         const std::string name = controlName(row);
         auto* control = the<QWidget>(name.c_str());
         ASSERT_NE(control, nullptr) << name;
-        EXPECT_EQ(control->accessibleName().toStdString(), row.caption);
+        EXPECT_EQ(control->accessibleName().toStdString(), plainCaption(row.caption));
         QString helpKey;
         for (const QWidget* at = control; at != nullptr && helpKey.isEmpty(); at = at->parentWidget())
             helpKey = at->property("fastHelpKey").toString();
-        EXPECT_EQ(helpKey.toStdString(), row.helpKey) << name;
+        EXPECT_EQ(helpKey.toStdString(), row.help) << name;
     }
 }
 

@@ -1,4 +1,4 @@
-// The text box of frmGeneralConfig: it hands an entry over when the user presses Enter or leaves it, and
+// A text box for one entry: it hands the entry over when the user presses Enter or leaves it, and
 // brings the former text back on Esc and after a refusal.
 #pragma once
 

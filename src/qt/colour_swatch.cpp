@@ -1,4 +1,4 @@
-#include "windows/colour_swatch.h"
+#include "qt/colour_swatch.h"
 
 #include <QPainter>
 
@@ -50,6 +50,17 @@ void ColourSwatch::paintEvent(QPaintEvent*) {
 QString colourText(const QColor& colour) {
     return QString::fromStdString(
         numberText(colour.red() + greenPlace * colour.green() + bluePlace * colour.blue()));
+}
+
+QColor colorOfNumber(int number) {
+    return {number & 0xFF, (number >> 8) & 0xFF, (number >> 16) & 0xFF};
+}
+
+std::optional<QColor> storedColor(const QString& text) {
+    bool isNumber = false;
+    const int number = text.trimmed().toInt(&isNumber);
+    if (!isNumber || number < 0 || number > 0xFFFFFF) return std::nullopt;
+    return colorOfNumber(number);
 }
 
 }  // namespace zentaq

@@ -1,4 +1,4 @@
-#include "windows/frm_general_config_box.h"
+#include "qt/entry_box.h"
 
 #include <QFocusEvent>
 #include <QKeyEvent>
