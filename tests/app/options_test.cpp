@@ -276,24 +276,25 @@ TEST_F(OptionsTest, KeepDesignValuesWhereTheStoreHoldsNoNumber) {
         EXPECT_EQ(options.value(row.control), row.design) << row.control;
 }
 
-TEST_F(OptionsTest, ShowNoUpdateRateThatTheSliderCannotYield) {
-    stored("ADUR", "0");
-    EXPECT_EQ(Options(session).value("sldDashAdjust"), "125");
-    stored("ADUR", "-3");
-    EXPECT_EQ(Options(session).value("sldDashAdjust"), "125");
-    stored("ADUR", "0.2");
-    EXPECT_EQ(Options(session).value("sldDashAdjust"), "1");
-    stored("ADUR", "5000");
-    EXPECT_EQ(Options(session).value("sldDashAdjust"), "125");
-}
-
-TEST_F(OptionsTest, ShowNoColourThatIsNone) {
-    for (const char* odd : {"-1", "16777216", "12.5", "red"}) {
-        stored("NeedleColor", odd);
-        EXPECT_EQ(Options(session).value("txtNeedleColor"), "") << odd;
+TEST_F(OptionsTest, ShowNoUpdateRateThatTheSliderCannotYieldAndNoColourThatIsNone) {
+    struct Odd {
+        const char* key;
+        const char* stored;
+        const char* control;
+        const char* shown;
+    };
+    for (const Odd& odd : {Odd{"ADUR", "0", "sldDashAdjust", "125"},
+                           {"ADUR", "-3", "sldDashAdjust", "125"},
+                           {"ADUR", "0.2", "sldDashAdjust", "1"},
+                           {"ADUR", "5000", "sldDashAdjust", "125"},
+                           {"NeedleColor", "-1", "txtNeedleColor", ""},
+                           {"NeedleColor", "16777216", "txtNeedleColor", ""},
+                           {"NeedleColor", "12.5", "txtNeedleColor", ""},
+                           {"NeedleColor", "red", "txtNeedleColor", ""},
+                           {"NeedleColor", "16777215", "txtNeedleColor", "16777215"}}) {
+        stored(odd.key, odd.stored);
+        EXPECT_EQ(Options(session).value(odd.control), odd.shown) << odd.key << " " << odd.stored;
     }
-    stored("NeedleColor", "16777215");
-    EXPECT_EQ(Options(session).value("txtNeedleColor"), "16777215");
 }
 
 TEST_F(OptionsTest, ShowAlarmsInCelsiusForAToggleOfZero) {
@@ -443,24 +444,15 @@ TEST_F(OptionsTest, ApplyTakesThePortIntoTheProcessAndOpensNothing) {
     EXPECT_EQ(port.opens, 0);
 }
 
-TEST_F(OptionsTest, ApplySwitchesTheLogFileAtOnce) {
+TEST_F(OptionsTest, ApplySwitchesTheLogFileAndTheTableColoursAtOnce) {
     Options options(session);
-    options.change("chkAutoLog", "1");
-    options.apply();
-    EXPECT_TRUE(session.console.LogToFile());
-    options.change("chkAutoLog", "0");
-    options.apply();
-    EXPECT_FALSE(session.console.LogToFile());
-}
-
-TEST_F(OptionsTest, ApplySetsTheTableColourMode) {
-    Options options(session);
-    options.change("chkAFRColors", "1");
-    options.apply();
-    EXPECT_EQ(session.TableColorMode, 1);
-    options.change("chkAFRColors", "0");
-    options.apply();
-    EXPECT_EQ(session.TableColorMode, 0);
+    for (const char* on : {"1", "0"}) {
+        options.change("chkAutoLog", on);
+        options.change("chkAFRColors", on);
+        options.apply();
+        EXPECT_EQ(session.console.LogToFile(), *on == '1');
+        EXPECT_EQ(session.TableColorMode, *on == '1' ? 1 : 0);
+    }
 }
 
 TEST_F(OptionsTest, ApplyWritesMoreThanTenDataPointsOfWhichTenAreReadBack) {
@@ -544,82 +536,99 @@ TEST_F(OptionsTest, AnApplyWithoutAChangeChangesNothingInTheProgram) {
 
 // ---- Alarms
 
-struct AlarmEntry {
+TEST_F(OptionsTest, AlarmsAreStoredInCelsiusAndShownInTheScaleInUse) {
+    struct Entry {
+        const char* typed;
+        const char* stored;
+        const char* shown;
+    };
+    const Entry celsius[] = {{"100", "100", "100"},    {"-40", "-40", "-40"}, {"150", "150", "150"},
+                             {"95,5", "95.5", "95.5"}, {" 90 ", "90", "90"},  {"0", "0", "0"}};
+    // (211 - 32) * 5 / 9 = 99.444..., kept as 99.44, which is 210.992 again.
+    const Entry fahrenheit[] = {{"212", "100", "212"},
+                                {"-40", "-40", "-40"},
+                                {"302", "150", "302"},
+                                {"99,5", "37.5", "99.5"},
+                                {"211", "99.44", "210.99"}};
+    const auto expectTaken = [&](const char* toggle, const char* control, const char* key, auto& entries) {
+        stored("TemperatureToggle", toggle);
+        Options options(session);
+        for (const Entry& entry : entries) {
+            options.change(control, entry.typed);
+            EXPECT_THAT(options.apply(), IsEmpty()) << entry.typed;
+            EXPECT_EQ(read(key), entry.stored);
+            EXPECT_EQ(options.value(control), entry.shown);
+        }
+    };
+    expectTaken("0", "txtCLTvalue", "CLTAlarmValue", celsius);
+    expectTaken("1", "txtMATvalue", "MATAlarmValue", fahrenheit);
+}
+
+// ---- Refused entries: one box, what is stored stays, and so does what was typed
+
+struct Refusal {
+    const char* control;
+    const char* key;
+    const char* toggle;
     const char* typed;
-    const char* stored;
-    const char* shown;
+    const char* told;
 };
 
-TEST_F(OptionsTest, AlarmsInCelsiusAreStoredAsEntered) {
-    stored("TemperatureToggle", "0");
-    Options options(session);
-    for (const AlarmEntry& entry :
-         {AlarmEntry{"100", "100", "100"}, AlarmEntry{"-40", "-40", "-40"}, AlarmEntry{"150", "150", "150"},
-          AlarmEntry{"95,5", "95.5", "95.5"}, AlarmEntry{" 90 ", "90", "90"}, AlarmEntry{"0", "0", "0"}}) {
-        options.change("txtCLTvalue", entry.typed);
-        EXPECT_THAT(options.apply(), IsEmpty()) << entry.typed;
-        EXPECT_EQ(read("CLTAlarmValue"), entry.stored);
-        EXPECT_EQ(options.value("txtCLTvalue"), entry.shown);
-    }
-}
-
-TEST_F(OptionsTest, AlarmsInFahrenheitAreStoredInCelsiusAndShownConvertedBack) {
-    stored("TemperatureToggle", "1");
-    Options options(session);
-    // (211 - 32) * 5 / 9 = 99.444..., kept as 99.44, which is 210.992 again.
-    for (const AlarmEntry& entry :
-         {AlarmEntry{"212", "100", "212"}, AlarmEntry{"-40", "-40", "-40"}, AlarmEntry{"302", "150", "302"},
-          AlarmEntry{"99,5", "37.5", "99.5"}, AlarmEntry{"211", "99.44", "210.99"}}) {
-        options.change("txtMATvalue", entry.typed);
-        EXPECT_THAT(options.apply(), IsEmpty()) << entry.typed;
-        EXPECT_EQ(read("MATAlarmValue"), entry.stored);
-        EXPECT_EQ(options.value("txtMATvalue"), entry.shown);
-    }
-}
-
-TEST_F(OptionsTest, AlarmsOutsideTheRangeAreRefusedWithItsText) {
-    struct Case {
-        const char* toggle;
-        const char* typed;
-        const char* range;
-    };
-    for (const Case& bad :
-         {Case{"0", "150.1", "(-40 - 150\u00B0C)"}, Case{"0", "-40,1", "(-40 - 150\u00B0C)"},
-          Case{"1", "302.1", "(-40 - 302\u00B0F)"}, Case{"1", "-41", "(-40 - 302\u00B0F)"},
-          Case{"0", "1e300", "(-40 - 150\u00B0C)"}}) {
+TEST_F(OptionsTest, RefusedEntriesAreToldAndLeaveTheStoredOnes) {
+    const char* celsius = "Warning 1001: Data Input Error\n(-40 - 150\u00B0C) - Invalid Entry.";
+    const char* fahrenheit = "Warning 1001: Data Input Error\n(-40 - 302\u00B0F) - Invalid Entry.";
+    const char* colour = "Warning 1001: Data Input Error\n(0 - 16777215) - Invalid Entry.";
+    const char* whole = "Enter Whole Numbers Only";
+    const char* noNumber = "Non-numeric value detected.";
+    const char* empty = "Field CANNOT be NULL";
+    for (const Refusal& bad : {Refusal{"txtCLTvalue", "CLTAlarmValue", "0", "150.1", celsius},
+                               {"txtCLTvalue", "CLTAlarmValue", "0", "-40,1", celsius},
+                               {"txtCLTvalue", "CLTAlarmValue", "0", "1e300", celsius},
+                               {"txtCLTvalue", "CLTAlarmValue", "1", "302.1", fahrenheit},
+                               {"txtMATvalue", "MATAlarmValue", "1", "-41", fahrenheit},
+                               {"txtMATvalue", "MATAlarmValue", "1", "  ", empty},
+                               {"txtMATvalue", "MATAlarmValue", "0", "hot", noNumber},
+                               {"txtPollRate", "PollRate", "0", "often", noNumber},
+                               {"txtNeedleColor", "NeedleColor", "0", "16777216", colour},
+                               {"txtDashLights", "DashLights", "0", "-1", colour},
+                               {"txtLabelLights", "LabelLights", "0", "12.5", whole},
+                               {"txtLabelLights", "LabelLights", "0", "1,5", whole},
+                               {"txtNeedleColor", "NeedleColor", "0", "blue", noNumber}}) {
+        SCOPED_TRACE(std::string(bad.control) + " " + bad.typed);
         stored("TemperatureToggle", bad.toggle);
-        stored("CLTAlarmValue", "98");
+        stored(bad.key, "98");
         Options options(session);
-        options.change("txtCLTvalue", bad.typed);
+        options.change(bad.control, bad.typed);
         dialogs.boxes.clear();
-        EXPECT_THAT(options.apply(), ElementsAre("txtCLTvalue"));
+        EXPECT_THAT(options.apply(), ElementsAre(bad.control));
         ASSERT_EQ(dialogs.boxes.size(), 1u);
         EXPECT_EQ(dialogs.boxes[0].title, "Data Input Error");
-        EXPECT_EQ(dialogs.boxes[0].text,
-                  std::string("Warning 1001: Data Input Error\n") + bad.range + " - Invalid Entry.");
-        EXPECT_EQ(read("CLTAlarmValue"), "98");
-        EXPECT_EQ(options.value("txtCLTvalue"), bad.typed);
+        EXPECT_THAT(dialogs.boxes[0].text, HasSubstr(bad.told));
+        EXPECT_EQ(read(bad.key), "98");
+        EXPECT_EQ(options.value(bad.control), bad.typed);
     }
 }
 
-TEST_F(OptionsTest, AnEmptyAlarmAndOneThatIsNoNumberAreRefused) {
-    stored("MATAlarmValue", "60");
-    Options options(session);
-    options.change("txtMATvalue", "  ");
-    EXPECT_THAT(options.apply(), ElementsAre("txtMATvalue"));
-    EXPECT_THAT(dialogs.boxes.back().text, HasSubstr("Field CANNOT be NULL"));
-    options.change("txtMATvalue", "hot");
-    EXPECT_THAT(options.apply(), ElementsAre("txtMATvalue"));
-    EXPECT_THAT(dialogs.boxes.back().text, HasSubstr("Non-numeric value detected."));
-    EXPECT_EQ(read("MATAlarmValue"), "60");
-}
-
-TEST_F(OptionsTest, AHyphenKeepsTheStoredAlarm) {
-    stored("CLTAlarmValue", "98");
-    Options options(session);
-    options.change("txtCLTvalue", "-");
-    EXPECT_THAT(options.apply(), IsEmpty());
-    EXPECT_EQ(read("CLTAlarmValue"), "98");
+TEST_F(OptionsTest, NothingIsAColourAndAPollingRateAndAHyphenKeepsTheStoredAlarm) {
+    struct Taken {
+        const char* control;
+        const char* key;
+        const char* typed;
+        const char* stored;
+    };
+    for (const Taken& good : {Taken{"txtLabelLights", "LabelLights", "0", "0"},
+                              {"txtNeedleColor", "NeedleColor", "16777215", "16777215"},
+                              {"txtDashLights", "DashLights", "", ""},
+                              {"txtPollRate", "PollRate", "0", "0"},
+                              {"txtPollRate", "PollRate", "2,5", "2.5"},
+                              {"txtPollRate", "PollRate", "", ""},
+                              {"txtCLTvalue", "CLTAlarmValue", "-", "98"}}) {
+        stored(good.key, "98");
+        Options options(session);
+        options.change(good.control, good.typed);
+        EXPECT_THAT(options.apply(), IsEmpty()) << good.control << " " << good.typed;
+        EXPECT_EQ(read(good.key), good.stored) << good.control << " " << good.typed;
+    }
     EXPECT_THAT(dialogs.boxes, IsEmpty());
 }
 
@@ -644,22 +653,6 @@ TEST_F(OptionsTest, ARefusedColourLeavesTheStoredOneOnTheDashboard) {
     options.change("txtDashLights", "green");
     EXPECT_THAT(options.apply(), ElementsAre("txtDashLights"));
     EXPECT_THAT(trail, Contains("lights 65280 needle "));
-}
-
-TEST_F(OptionsTest, ColoursAreWholeNumbersOrNothing) {
-    struct Case {
-        const char* typed;
-        bool refused;
-        const char* stored;
-    };
-    Options options(session);
-    for (const Case& entry : {Case{"0", false, "0"}, Case{"16777215", false, "16777215"}, Case{"", false, ""},
-                              Case{"-1", true, ""}, Case{"16777216", true, ""}, Case{"12.5", true, ""},
-                              Case{"1,5", true, ""}, Case{"blue", true, ""}}) {
-        options.change("txtLabelLights", entry.typed);
-        EXPECT_EQ(!options.apply().empty(), entry.refused) << entry.typed;
-        EXPECT_EQ(read("LabelLights"), entry.stored) << entry.typed;
-    }
 }
 
 // ---- The port and the device behind its number
