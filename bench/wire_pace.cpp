@@ -99,7 +99,7 @@ void programming(benchmark::State& state) {
     for (auto unused : state) {
         bench.program->dialogs.boxes.clear();
         const std::int64_t start = bench.nowUs();
-        bench.program->commands.programOrb();
+        bench.program->commands.programming.programOrb();
         Program::waitFor([&] { return !bench.program->dialogs.boxes.empty(); }, 60'000);
         const double took = static_cast<double>(bench.nowUs() - start) / 1e6;
         const std::string text = session.currentUnitObject().sRecordText();

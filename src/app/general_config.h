@@ -115,7 +115,6 @@ class GeneralConfig {
     void saveInHand(const Saved& then);
     void storeNew(const std::string& path, const Calibration& entered, const Saved& then);
     void beginSavingNew(const std::string& path, const Calibration& entered, const Saved& then);
-    std::string askFile();
     bool fillWithDefaults();
     void tellNotSaved(const std::string& why);
     void finishSaving(const std::string& path, const FileSaved& saved);

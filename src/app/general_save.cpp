@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "app/general_config.h"
-#include "app/main_commands.h"
+#include "app/save_commands.h"
 #include "base/errors.h"
 #include "base/message_codes.h"
 #include "config/basic_figures.h"
@@ -53,7 +53,7 @@ void GeneralConfig::saveNew(const Saved& then) {
         return then(false);
     }
     const std::weak_ptr<bool> alive = alive_;
-    const std::string path = askFile();
+    const std::string path = askCalibrationFile(session_, {}, session_.FileFilterIndex);
     // A form that was closed meanwhile has given the former calibration back.
     if (path.empty() || alive.expired()) return then(false);
     // What has been entered so far is what a failure leaves in the form.
@@ -92,26 +92,6 @@ void GeneralConfig::beginSavingNew(const std::string& path, const Calibration& e
         then(true);
     };
     session_.saving.begin({path, content.bytes, std::nullopt}, ended);
-}
-
-/// Empty where the user has thought better of it.
-std::string GeneralConfig::askFile() {
-    const UnitKind& kind = unit().kind();
-    Session& session = session_;
-    FileRequest request;
-    request.title = "Zentaq4 User Calibration Files";
-    request.folder = session.platform().userFolder;
-    request.filter = kind.fileFilterExtension;
-    request.filterIndex = session.FileFilterIndex;
-    request.defaultExtension = kind.extension;
-    std::string path = session.dialogs().saveFile(request);
-    if (path.empty()) return {};
-    path = calibrationFileName(path, kind);
-    std::error_code error;
-    if (!std::filesystem::exists(path, error)) return path;
-    const Answer answer = session.dialogs().show(
-        {"File Exists", "FILE EXISTS:   " + path + "\nOverwrite?", Icon::Exclamation, Buttons::YesNo});
-    return answer == Answer::Yes ? path : std::string();
 }
 
 bool GeneralConfig::fillWithDefaults() {
@@ -165,7 +145,7 @@ void GeneralConfig::finishSaving(const std::string& path, const FileSaved& saved
 
 void GeneralConfig::saveInHand(const Saved& then) {
     // The main window's command knows the files of the older generation, and tells what went wrong.
-    MainCommands(session_).saveInHand([this, alive = std::weak_ptr<bool>(alive_), then](bool saved) {
+    SaveCommands(session_).saveInHand([this, alive = std::weak_ptr<bool>(alive_), then](bool saved) {
         if (alive.expired()) return;
         if (saved) {
             entered_ = false;

@@ -217,7 +217,7 @@ void Options::convertAlarms() {
     }
 }
 
-int Options::detectPort(MainCommands& commands) {
+int Options::detectPort(UnitCommands& commands) {
     const int port = commands.autodetectPort();
     if (port > 0) loadRow(rowOf("cmbCOMM"));
     return port;

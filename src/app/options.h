@@ -9,8 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "app/main_commands.h"
 #include "app/session.h"
+#include "app/unit_commands.h"
 #include "base/field.h"
 
 namespace zentaq {
@@ -129,7 +129,7 @@ class Options {
     std::vector<std::string> apply();
 
     /// Searches the unit; the port found is stored and shown. 0 and a box without one.
-    int detectPort(MainCommands& commands);
+    int detectPort(UnitCommands& commands);
 
  private:
     void loadRow(const OptionRow& row);

@@ -171,7 +171,7 @@ void Kernel::activate() {
                         [&] { windows.tell(&WindowNews::showCommList, false); });
     resumeNext_.statement([&] { windows.focus(window::config); });
     resumeNext_.statement([&] { showTip(); });
-    resumeNext_.guarded([&] { return readsOne(settings::FileOpen); }, [&] { commands_.open(); });
+    resumeNext_.guarded([&] { return readsOne(settings::FileOpen); }, [&] { commands_.files.open(); });
 }
 
 void Kernel::showLinkAndDashboard() {
@@ -206,8 +206,8 @@ bool Kernel::shutDown(bool confirmed) {
     if (!confirmed) {
         const Answer answer = session_.dialogs().show(
             {"Shutdown", "Would you like to Shutdown Zentaq?", Icon::Question, Buttons::OkCancel});
-        MainCommands::LeftBehind agreed;
-        if (answer != Answer::Ok || !commands_.mayLeaveUnit(agreed)) return false;
+        UnitCommands::LeftBehind agreed;
+        if (answer != Answer::Ok || !commands_.unit.mayLeave(agreed)) return false;
         // Also on this way out: the user's work must not be lost because a menu was used for leaving.
         afterSaving(agreed, [this] { end(); });
         return ended_;
@@ -216,10 +216,10 @@ bool Kernel::shutDown(bool confirmed) {
     return true;
 }
 
-void Kernel::afterSaving(MainCommands::LeftBehind agreed, const std::function<void()>& goOn) {
+void Kernel::afterSaving(UnitCommands::LeftBehind agreed, const std::function<void()>& goOn) {
     // What begins while the disk is busy has not been asked about.
-    commands_.offerToSave([this, agreed, goOn]() mutable {
-        if (commands_.mayLeaveUnit(agreed)) goOn();
+    commands_.saves.offerToSave([this, agreed, goOn]() mutable {
+        if (commands_.unit.mayLeave(agreed)) goOn();
     });
 }
 
@@ -248,8 +248,8 @@ void Kernel::closeRequested() {
 void Kernel::closeNow() {
     if (ended_) return;
     if (session_.saving.putsOff(exitProgram, [this] { closeRequested(); })) return;
-    MainCommands::LeftBehind agreed;
-    if (!commands_.mayLeaveUnit(agreed)) return;
+    UnitCommands::LeftBehind agreed;
+    if (!commands_.unit.mayLeave(agreed)) return;
     afterSaving(agreed, [this] { System_Shutdown(true); });
 }
 

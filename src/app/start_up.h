@@ -58,7 +58,7 @@ class Kernel {
     void showLinkAndDashboard();
     void showTip();
     /// Offers to save, and goes on when nothing is left that would be lost.
-    void afterSaving(MainCommands::LeftBehind agreed, const std::function<void()>& goOn);
+    void afterSaving(UnitCommands::LeftBehind agreed, const std::function<void()>& goOn);
     void end();
     /// A setting of section "System" reads 1. TypeMismatch where its value is no number.
     bool readsOne(const char* key) const { return session_.settingNumber(key) == 1; }

@@ -63,6 +63,10 @@ std::string cutOffText(const UnitKind& kind, int cells) {
            (cells == 1 ? " cells is missing and was taken as 0." : " cells are missing and were taken as 0.");
 }
 
+bool isOldFileName(std::string_view path) {
+    return upper(extensionOf(path)) == ".BIN";
+}
+
 std::string calibrationFileName(std::string_view path, const UnitKind& kind) {
     const std::string extension = upper(extensionOf(path));
     if (extension.starts_with(".ZQ4")) return std::string(path);

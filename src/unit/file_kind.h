@@ -30,6 +30,9 @@ int cellsCutOff(const UnitKind& kind, std::uintmax_t length);
 /// "The file ends early: 1081 of its 2828 cells are missing and were taken as 0."
 std::string cutOffText(const UnitKind& kind, int cells);
 
+/// The extension of the older generation's files, ".BIN".
+bool isOldFileName(std::string_view path);
+
 /// The name under which a calibration of the kind is stored when a user has typed `path`: the kind's
 /// extension is added unless the name has the extension of a calibration, so "Street 1.2" keeps its dot.
 /// ".BIN" names files of the older generation and is replaced.

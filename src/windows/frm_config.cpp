@@ -269,14 +269,14 @@ void FrmConfig::autoDetect() {
     const QPointer<QWidget> inHand = QApplication::focusWidget();
     fraComm_->setEnabled(false);
     treeZentaq_->setFocus();
-    commands_.autodetectPort();
+    commands_.unit.autodetectPort();
     fraComm_->setEnabled(true);
     if (inHand != nullptr && inHand->isVisible()) inHand->setFocus();
     refreshPorts();
 }
 
 void FrmConfig::choosePort(int number) {
-    commands_.choosePort(number, fraComm_->ports().selectedIdentity());
+    commands_.unit.choosePort(number, fraComm_->ports().selectedIdentity());
     // Refused while a transfer runs, or not to be opened: the list shows the port in use.
     refreshPorts();
 }

@@ -228,7 +228,7 @@ void FrmOptions::detectPort() {
     const QPointer<FrmOptions> alive(this);
     const auto options = options_;
     searching(true);
-    endOnFailure([&] { options->detectPort(commands_); },
+    endOnFailure([&] { options->detectPort(commands_.unit); },
                  [&](const std::string& why) {
                      session_.show({"Options", why, Icon::Critical, Buttons::Ok});
                  });

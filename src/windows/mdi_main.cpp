@@ -31,26 +31,26 @@ constexpr std::string_view killEngine = "mnuMonitor_KillEngine";
 /// Commands that are one call into the core.
 struct Command {
     std::string_view entry;
-    void (MainCommands::*run)();
+    void (*run)(MainCommands& commands);
 };
 
 constexpr std::array menuCommands{
-    Command{"mnuNew", &MainCommands::newCalibration},
-    Command{"mnuOpen", &MainCommands::open},
-    Command{"mnuSave", &MainCommands::save},
-    Command{"mnuSaveAs", &MainCommands::saveAs},
-    Command{"mnuClose", &MainCommands::close},
-    Command{"mnuProgramORB", &MainCommands::programOrb},
-    Command{"mnuFirmwareUpgrade", &MainCommands::firmwareUpgrade},
-    Command{"mnuStoreONFLY", &MainCommands::storeOnFly},
-    Command{"mnuIdentifyORB", &MainCommands::identify},
-    Command{killEngine, &MainCommands::killEngine},
-    Command{"mnuZeroAdv", &MainCommands::zeroAdvance},
-    Command{"mnuClearDashCodes", &MainCommands::refreshCodes},
-    Command{"mnuORB_ClearCodes", &MainCommands::clearCodes},
-    Command{"mnuHelpContents", &MainCommands::help},
-    Command{"mnuMonitor_DayMode", &MainCommands::dayMode},
-    Command{"mnuMonitor_NightMode", &MainCommands::nightMode},
+    Command{"mnuNew", [](MainCommands& commands) { commands.files.newCalibration(); }},
+    Command{"mnuOpen", [](MainCommands& commands) { commands.files.open(); }},
+    Command{"mnuSave", [](MainCommands& commands) { commands.saves.save(); }},
+    Command{"mnuSaveAs", [](MainCommands& commands) { commands.saves.saveAs(); }},
+    Command{"mnuClose", [](MainCommands& commands) { commands.files.close(); }},
+    Command{"mnuProgramORB", [](MainCommands& commands) { commands.programming.programOrb(); }},
+    Command{"mnuFirmwareUpgrade", [](MainCommands& commands) { commands.programming.firmwareUpgrade(); }},
+    Command{"mnuStoreONFLY", [](MainCommands& commands) { commands.unit.storeOnFly(); }},
+    Command{"mnuIdentifyORB", [](MainCommands& commands) { commands.unit.identify(); }},
+    Command{killEngine, [](MainCommands& commands) { commands.unit.killEngine(); }},
+    Command{"mnuZeroAdv", [](MainCommands& commands) { commands.unit.zeroAdvance(); }},
+    Command{"mnuClearDashCodes", [](MainCommands& commands) { commands.unit.refreshCodes(); }},
+    Command{"mnuORB_ClearCodes", [](MainCommands& commands) { commands.unit.clearCodes(); }},
+    Command{"mnuHelpContents", [](MainCommands& commands) { commands.help(); }},
+    Command{"mnuMonitor_DayMode", [](MainCommands& commands) { commands.dayMode(); }},
+    Command{"mnuMonitor_NightMode", [](MainCommands& commands) { commands.nightMode(); }},
 };
 
 /// What these store, program, save or close includes the edits typed before.
@@ -159,7 +159,7 @@ void MdiMain::makeToolbar() {
 void MdiMain::pressed(const ToolbarButton& button) {
     // Only a session that runs is ended: without one the dashboard keeps its numbers if the user stays.
     if (button.key == "Shutdown" && session_.Monitoring) {
-        endOnFailure([&] { commands_.loadCommand(endMonitoring); }, [](auto&&) {});
+        endOnFailure([&] { commands_.unit.loadCommand(endMonitoring); }, [](auto&&) {});
     }
     run(button.command);
 }
@@ -363,7 +363,7 @@ void MdiMain::runNow(std::string_view entry) {
 
 void MdiMain::perform(std::string_view entry) {
     for (const Command& command : menuCommands) {
-        if (command.entry == entry) return (commands_.*command.run)();
+        if (command.entry == entry) return command.run(commands_);
     }
     const Entry* row = find(entry);
     if (row != nullptr && !row->data->window.empty()) return openWindow(*row->data);

@@ -240,7 +240,7 @@ void WindowManager::beginMonitoring() {
     }
     if (parseNumber(session_.settings().get(settings::system, settings::AutoMonitor)) != 1) return;
     constexpr int monitorStart = 2;
-    endOnFailure([&] { commands_.loadCommand(monitorStart); },
+    endOnFailure([&] { commands_.unit.loadCommand(monitorStart); },
                  [&](const std::string& why) { session_.sysLog(why); });
 }
 

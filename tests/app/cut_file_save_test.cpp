@@ -61,7 +61,7 @@ class CutFile : public ::testing::Test {
     }
     void open(const std::string& file) {
         fake.dialogs.files = {file};
-        commands.open();
+        commands.files.open();
     }
     void change(double revLimit) {
         session.currentUnitObject().set("REV_Limiter", revLimit);
@@ -90,7 +90,7 @@ class CutFile : public ::testing::Test {
 };
 
 TEST_F(CutFile, ASaveAsksFirstAndNoWritesNothing) {
-    commands.save();
+    commands.saves.save();
     ASSERT_THAT(titles(), ElementsAre(damaged));
     const Box& box = fake.dialogs.boxes[0];
     EXPECT_EQ(box.text,
@@ -106,7 +106,7 @@ TEST_F(CutFile, ASaveAsksFirstAndNoWritesNothing) {
 
 TEST_F(CutFile, YesSavesItAndTheSignStaysWithTheCalibrationInHand) {
     fake.dialogs.answers = {Answer::Yes};
-    commands.save();
+    commands.saves.save();
     EXPECT_THAT(titles(), ElementsAre(damaged, "Data Saved."));
     EXPECT_EQ(std::filesystem::file_size(path), wholeBytes);
     EXPECT_EQ(limitIn(path), 7000);
@@ -117,7 +117,7 @@ TEST_F(CutFile, YesSavesItAndTheSignStaysWithTheCalibrationInHand) {
 TEST_F(CutFile, SaveAsAsksBeforeItAsksForAName) {
     const std::string other = fake.folder.path("other.ZQ4OA");
     fake.dialogs.files = {other};
-    commands.saveAs();
+    commands.saves.saveAs();
     EXPECT_THAT(titles(), ElementsAre(damaged));
     EXPECT_THAT(fake.dialogs.requests, IsEmpty());
     EXPECT_FALSE(std::filesystem::exists(other));
@@ -125,7 +125,7 @@ TEST_F(CutFile, SaveAsAsksBeforeItAsksForAName) {
 
     fake.dialogs.boxes.clear();
     fake.dialogs.answers = {Answer::Yes};
-    commands.saveAs();
+    commands.saves.saveAs();
     EXPECT_THAT(titles(), ElementsAre(damaged, "Data Saved."));
     EXPECT_EQ(std::filesystem::file_size(other), wholeBytes);
     EXPECT_EQ(std::filesystem::file_size(path), cutBytes);
@@ -135,12 +135,12 @@ TEST_F(CutFile, SaveAsAsksBeforeItAsksForAName) {
 TEST_F(CutFile, ACommandWhoseSaveIsDeclinedThereEndsWithIt) {
     const std::vector<std::function<void()>> withSave = {
         [&] { open(path); },
-        [&] { commands.close(); },
+        [&] { commands.files.close(); },
         [&] { kernel.closeRequested(); },
         [&] { EXPECT_FALSE(kernel.System_Shutdown(false)); },
         [&] {
             during("Save Data?", [&] { fake.dialogs.answers = {Answer::Yes, Answer::No}; });
-            commands.newCalibration();
+            commands.files.newCalibration();
         },
     };
     for (std::size_t i = 0; i < withSave.size(); ++i) {
@@ -171,7 +171,7 @@ TEST_F(CutFile, WhatTheCalibrationHoldsBehindTheBoxIsSaved) {
         change(8000);
         fake.dialogs.answers = {Answer::Yes};
     });
-    commands.save();
+    commands.saves.save();
     EXPECT_EQ(limitIn(path), 8000);
     EXPECT_FALSE(session.DataModified);
 }
@@ -186,7 +186,7 @@ TEST_F(CutFile, ACalibrationThatComesIntoHandBehindTheBoxIsNotSavedByItsAnswer) 
         fake.dialogs.answers = {Answer::Yes};
     };
     during(damaged, openWhole);
-    commands.save();
+    commands.saves.save();
     EXPECT_EQ(session.CurrentFile, whole);
     EXPECT_EQ(limitIn(whole), 6500);
     EXPECT_EQ(std::filesystem::file_size(path), cutBytes);
@@ -207,7 +207,7 @@ TEST_F(CutFile, ACutCalibrationThatComesIntoHandBehindTheNameDialogIsNotSavedUna
         open(path);
         fake.dialogs.files = {other};
     };
-    commands.saveAs();
+    commands.saves.saveAs();
     EXPECT_EQ(session.CurrentFile, path);
     EXPECT_FALSE(std::filesystem::exists(other));
 }
@@ -215,7 +215,7 @@ TEST_F(CutFile, ACutCalibrationThatComesIntoHandBehindTheNameDialogIsNotSavedUna
 TEST_F(CutFile, AFileThatAnotherProgramHasChangedIsAskedAboutOnceForEachReason) {
     write(path, cutFloats + 10);
     fake.dialogs.answers = {Answer::Yes, Answer::Yes};
-    commands.save();
+    commands.saves.save();
     EXPECT_THAT(titles(), ElementsAre(damaged, "File Changed", "Data Saved."));
     EXPECT_EQ(limitIn(path), 7000);
 }

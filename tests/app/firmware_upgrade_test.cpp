@@ -47,7 +47,7 @@ class FirmwareUpgrade : public testing::Test {
     void choose(const std::string& path) {
         fake.dialogs.boxes.clear();
         fake.dialogs.files = {path};
-        commands.firmwareUpgrade();
+        commands.programming.firmwareUpgrade();
     }
     void tickUntil(const std::string& written, int limit = 50) {
         const auto& all = fake.port.written;
@@ -393,13 +393,20 @@ TEST_F(FirmwareUpgrade, CommandsThatWouldDisturbAreRefusedWithABox) {
     const int queued = session.link.ring().count();
     const int opens = fake.port.opens;
     const std::vector<std::function<void()>> disturbing = {
-        [&] { commands.newCalibration(); },  [&] { commands.open(); },
-        [&] { commands.close(); },           [&] { commands.programOrb(); },
-        [&] { commands.firmwareUpgrade(); }, [&] { commands.killEngine(); },
-        [&] { commands.zeroAdvance(); },     [&] { commands.refreshCodes(); },
-        [&] { commands.clearCodes(); },      [&] { commands.storeOnFly(); },
-        [&] { commands.identify(); },        [&] { commands.choosePort(2); },
-        [&] { commands.loadCommand(2); },    [&] { EXPECT_EQ(commands.autodetectPort(), 0); },
+        [&] { commands.files.newCalibration(); },
+        [&] { commands.files.open(); },
+        [&] { commands.files.close(); },
+        [&] { commands.programming.programOrb(); },
+        [&] { commands.programming.firmwareUpgrade(); },
+        [&] { commands.unit.killEngine(); },
+        [&] { commands.unit.zeroAdvance(); },
+        [&] { commands.unit.refreshCodes(); },
+        [&] { commands.unit.clearCodes(); },
+        [&] { commands.unit.storeOnFly(); },
+        [&] { commands.unit.identify(); },
+        [&] { commands.unit.choosePort(2); },
+        [&] { commands.unit.loadCommand(2); },
+        [&] { EXPECT_EQ(commands.unit.autodetectPort(), 0); },
     };
     for (std::size_t i = 0; i < disturbing.size(); ++i) {
         fake.dialogs.boxes.clear();
@@ -422,7 +429,7 @@ TEST_F(FirmwareUpgrade, ARunThatStillWaitsInTheQueueKeepsThePortSearchAwayToo) {
     choose(firmware("any.nv3"));
     ASSERT_FALSE(session.link.transfer().active());
     const int opens = fake.port.opens;
-    EXPECT_EQ(commands.autodetectPort(), 0);
+    EXPECT_EQ(commands.unit.autodetectPort(), 0);
     EXPECT_EQ(fake.port.opens, opens);
     EXPECT_EQ(fake.dialogs.boxes.back().text, "A transfer is running.  Please wait until it has ended.");
 }
@@ -458,7 +465,7 @@ TEST_F(FirmwareUpgrade, ClosingTheWindowAsksAndTheChoiceAtHandIsToStay) {
 
 TEST_F(FirmwareUpgrade, TheBoxesAboutATransferStandNoLongerThanIt) {
     runUpgrade();
-    commands.open();
+    commands.files.open();
     kernel.closeRequested();
     const std::vector<Box> boxes = fake.dialogs.boxes;
     ASSERT_EQ(boxes.size(), 2u);

@@ -1,4 +1,5 @@
 #include "app/main_commands.h"
+#include "app/start_up.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -62,7 +63,7 @@ class Commands : public ::testing::Test {
     }
     void open(const std::string& path) {
         fake.dialogs.files.push_back(path);
-        commands.open();
+        commands.files.open();
     }
     bool logged(const std::string& text) const {
         for (const std::string& line : session.console.lines()) {
@@ -91,7 +92,7 @@ TEST_F(Commands, OpenLoadsACalibrationAndNamesItInTheTitleBar) {
 }
 
 TEST_F(Commands, TheOpenDialogHasItsTitleFilterAndFolder) {
-    commands.open();
+    commands.files.open();
     ASSERT_EQ(fake.dialogs.requests.size(), 1u);
     EXPECT_EQ(fake.dialogs.requests[0].title, "Open Zentaq4 User Calibration Files");
     EXPECT_EQ(fake.dialogs.requests[0].filter,
@@ -117,7 +118,7 @@ TEST_F(Commands, TheExtensionTestLooksAtFourCharactersOnly) {
 TEST_F(Commands, YesAtTheExtensionBoxAsksForAFileAgain) {
     fake.dialogs.files = {file("wrong.txt"), file("right.ZQ4OA")};
     fake.dialogs.answers = {Answer::Yes};
-    commands.open();
+    commands.files.open();
     EXPECT_EQ(fake.dialogs.requests.size(), 2u);
     EXPECT_THAT(session.CurrentFile, HasSubstr("right.ZQ4OA"));
 }
@@ -241,14 +242,14 @@ TEST_F(Commands, SaveWritesTheWholeFileAndShowsMessage1001) {
     const std::string path = file("tune.ZQ4OA");
     open(path);
     session.markModified();
-    commands.save();
+    commands.saves.save();
     EXPECT_EQ(box().title, "Data Saved.");
     EXPECT_FALSE(session.DataModified);
     EXPECT_EQ(std::filesystem::file_size(path), 11324u);
 }
 
 TEST_F(Commands, SaveWithNoFileDoesNothing) {
-    commands.save();
+    commands.saves.save();
     EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
 }
 
@@ -256,7 +257,7 @@ TEST_F(Commands, ASaveThatFailsTellsSoAndKeepsTheChangesMarked) {
     open(file("tune.ZQ4OA"));
     session.markModified();
     session.currentUnitObject().BinFile(fake.folder.path("gone/tune.ZQ4OA"));
-    commands.save();
+    commands.saves.save();
     EXPECT_EQ(box().title, "File Save Error");
     EXPECT_TRUE(session.DataModified);
 }
@@ -266,7 +267,7 @@ TEST_F(Commands, SaveAsWritesUnderTheNewNameAndGoesOnWithIt) {
     open(first);
     const std::string second = fake.folder.path("second.ZQ4OA");
     fake.dialogs.files = {second};
-    commands.saveAs();
+    commands.saves.saveAs();
     EXPECT_EQ(fake.dialogs.requests.back().title, "Zentaq4 User Calibration Files");
     EXPECT_EQ(fake.dialogs.requests.back().filter, "Zentaq4 ORBA File|*.ZQ4OA");
     EXPECT_EQ(std::filesystem::file_size(second), 11324u);
@@ -278,7 +279,7 @@ TEST_F(Commands, SaveAsWritesUnderTheNewNameAndGoesOnWithIt) {
 TEST_F(Commands, SaveAsTurnsABinNameIntoACalibrationName) {
     open(file("first.ZQ4OA"));
     fake.dialogs.files = {fake.folder.path("old.BIN")};
-    commands.saveAs();
+    commands.saves.saveAs();
     EXPECT_EQ(session.CurrentFile, fake.folder.path("old.ZQ4OA"));
 }
 
@@ -288,7 +289,7 @@ TEST_F(Commands, SaveAsOverAnExistingFileAsksAndNoWritesNothing) {
     std::ofstream(second) << "keep me";
     fake.dialogs.files = {second};
     fake.dialogs.answers = {Answer::No};
-    commands.saveAs();
+    commands.saves.saveAs();
     EXPECT_EQ(fake.dialogs.boxes.back().title, "File Exists");
     EXPECT_EQ(fake.dialogs.boxes.back().text, "FILE EXISTS:   " + second + "\nOverwrite?");
     EXPECT_EQ(std::filesystem::file_size(second), 7u);
@@ -299,14 +300,14 @@ TEST_F(Commands, SaveAsThatFailsKeepsTheFormerName) {
     const std::string first = file("first.ZQ4OA");
     open(first);
     fake.dialogs.files = {fake.folder.path("gone/second.ZQ4OA")};
-    commands.saveAs();
+    commands.saves.saveAs();
     EXPECT_EQ(session.CurrentFile, first);
     EXPECT_EQ(session.currentUnitObject().BinFile(), first);
 }
 
 TEST_F(Commands, CloseEmptiesTheUnitAndGoesBackToTheStart) {
     open(file("tune.ZQ4OA"));
-    commands.close();
+    commands.files.close();
     EXPECT_EQ(session.currentUnit(), 0);
     EXPECT_EQ(session.CurrentFile, "");
     EXPECT_EQ(session.Units(3).get("REV_Limiter"), 0);
@@ -315,19 +316,19 @@ TEST_F(Commands, CloseEmptiesTheUnitAndGoesBackToTheStart) {
 }
 
 TEST_F(Commands, CloseWithNothingInHandDoesNothing) {
-    commands.close();
+    commands.files.close();
     EXPECT_THAT(fake.windows.calls, IsEmpty());
 }
 
 TEST_F(Commands, ProgramOrbRefusesWithoutAFileAndWithoutAUnit) {
-    commands.programOrb();
+    commands.programming.programOrb();
     EXPECT_EQ(box().title, "Error 1003");
     EXPECT_EQ(box().text,
               "Error 1003:\nYou must have an open/active bin file before accessing this functionality\n"
               "Please choose another file or create one and try again.");
     EXPECT_TRUE(logged("Error 1003: No Open BIN File."));
     open(file("tune.ZQ4OA"));
-    commands.programOrb();
+    commands.programming.programOrb();
     EXPECT_EQ(box().title, "Error 1005");
     EXPECT_EQ(box().text,
               "Error 1005:\nNo ORB Unit is Connected to the System!\n"
@@ -406,8 +407,8 @@ TEST_F(Commands, ATreeClickOpensATableOrAnswersItsPage) {
 
 TEST_F(Commands, ZeroAdvanceTwiceInARowAsksForBothThoughNothingWasAnsweredYet) {
     session.link.load();
-    commands.zeroAdvance();
-    commands.zeroAdvance();
+    commands.unit.zeroAdvance();
+    commands.unit.zeroAdvance();
     EXPECT_FALSE(session.link.zeroAdvanceAsked());
     EXPECT_FALSE(session.link.linked().zeroAdvance);
     EXPECT_EQ(session.link.ring().count(), 2);
@@ -415,12 +416,12 @@ TEST_F(Commands, ZeroAdvanceTwiceInARowAsksForBothThoughNothingWasAnsweredYet) {
 
 TEST_F(Commands, ZeroAdvanceSendsTheByteOfItsCheckMark) {
     session.link.load();
-    commands.zeroAdvance();
+    commands.unit.zeroAdvance();
     session.link.tick();
     EXPECT_EQ(fake.port.written.back(), "Z\xFF");
     fake.port.deliver({'A', 'X'});
     session.link.tick();
-    commands.zeroAdvance();
+    commands.unit.zeroAdvance();
     session.link.tick();
     EXPECT_EQ(fake.port.written.back(), std::string("Z\0", 2));
 }
@@ -429,7 +430,7 @@ TEST_F(Commands, AUnitThatRunsWithZeroAdvanceIsNotLeftUnasked) {
     Kernel kernel(session, commands);
     session.link.load();
     const auto set = [&] {
-        commands.zeroAdvance();
+        commands.unit.zeroAdvance();
         session.link.tick();
         fake.port.deliver({'A', 'X'});
         session.link.tick();
@@ -439,8 +440,8 @@ TEST_F(Commands, AUnitThatRunsWithZeroAdvanceIsNotLeftUnasked) {
     const std::vector<std::function<void()>> leaving = {
         [&] { kernel.closeRequested(); },
         [&] { EXPECT_FALSE(kernel.System_Shutdown(false)); },
-        [&] { commands.choosePort(2); },
-        [&] { EXPECT_EQ(commands.autodetectPort(), 0); },
+        [&] { commands.unit.choosePort(2); },
+        [&] { EXPECT_EQ(commands.unit.autodetectPort(), 0); },
     };
     for (std::size_t i = 0; i < leaving.size(); ++i) {
         fake.dialogs.boxes.clear();
@@ -467,7 +468,7 @@ TEST_F(Commands, AUnitThatRunsWithZeroAdvanceIsNotLeftUnasked) {
 TEST_F(Commands, TheUserMayLeaveAUnitWithZeroAdvance) {
     Kernel kernel(session, commands);
     session.link.load();
-    commands.zeroAdvance();  // not answered yet: the unit may take it when the program has gone
+    commands.unit.zeroAdvance();  // not answered yet: the unit may take it when the program has gone
     fake.dialogs.answers = {Answer::Yes};
     kernel.closeRequested();
     ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
@@ -490,7 +491,7 @@ class ZeroAdvanceThatEnds : public Commands {
         };
     }
     void set() {
-        commands.zeroAdvance();
+        commands.unit.zeroAdvance();
         session.link.tick();
         fake.port.deliver({'A', 'X'});
         session.link.tick();
@@ -501,7 +502,7 @@ class ZeroAdvanceThatEnds : public Commands {
 };
 
 TEST_F(ZeroAdvanceThatEnds, LetsTheChosenPortBeTaken) {
-    commands.choosePort(2);
+    commands.unit.choosePort(2);
     EXPECT_EQ(asked(), 1);
     EXPECT_EQ(session.link.commPort(), 2);
     EXPECT_EQ(fake.settings.get("System", "CommPort"), "2");
@@ -511,7 +512,7 @@ TEST_F(ZeroAdvanceThatEnds, LetsTheChosenPortBeTaken) {
 TEST_F(ZeroAdvanceThatEnds, LetsThePortsBeSearched) {
     fake.port.presentNumber = 0;
     const int opens = fake.port.opens;
-    commands.autodetectPort();
+    commands.unit.autodetectPort();
     EXPECT_EQ(asked(), 1);
     EXPECT_GT(fake.port.opens, opens);
     EXPECT_EQ(box().text, "Could not Find ORB Unit.  Please check the serial connection.");
@@ -528,9 +529,9 @@ TEST_F(ZeroAdvanceThatEnds, KeepsTheProgramAndTheLogSaysNothingOfIt) {
 
 TEST_F(Commands, TheUserWhoStaysWithZeroAdvanceIsInTheLog) {
     session.link.load();
-    commands.zeroAdvance();
+    commands.unit.zeroAdvance();
     fake.dialogs.answers = {Answer::No};
-    commands.choosePort(2);
+    commands.unit.choosePort(2);
     EXPECT_EQ(session.link.commPort(), 1);
     EXPECT_TRUE(logged("The unit runs with zero advance: stayed with it."));
 }
@@ -547,11 +548,11 @@ TEST_F(Commands, TheMonitorModeIsKeptAsASetting) {
 
 TEST_F(Commands, AMonitorSessionFollowsTheSettingAndItsEndResetsTheDashboard) {
     fake.settings.set("System", "AutoMonitor", "1");
-    commands.loadCommand(2);
+    commands.unit.loadCommand(2);
     EXPECT_TRUE(session.Monitoring);
     EXPECT_TRUE(session.AutoMonitoring);
     EXPECT_TRUE(fake.port.isOpen());
-    commands.loadCommand(3);
+    commands.unit.loadCommand(3);
     EXPECT_FALSE(session.Monitoring);
     EXPECT_FALSE(session.AutoMonitoring);
 }
@@ -571,11 +572,11 @@ TEST_F(Commands, AClosedPortIsOpenedAsSoonAsItAppears) {
 TEST_F(Commands, AChosenPortIsStoredWithItsDeviceAndOpenedAnewAsThat) {
     session.link.load();
     fake.port.presentNumber = 4;
-    commands.choosePort(4);
+    commands.unit.choosePort(4);
     EXPECT_EQ(fake.settings.get("System", "CommPort"), "4");
     EXPECT_EQ(fake.settings.get("System", "CommPortIdentity"), "fake");
     fake.port.presentNumber = 5;
-    commands.loadCommand(2);  // opens it anew
+    commands.unit.loadCommand(2);  // opens it anew
     EXPECT_TRUE(fake.port.isOpen());
     EXPECT_EQ(session.link.commPort(), 5);
     EXPECT_EQ(session.linkDisplay.status().port, "5");
@@ -618,7 +619,7 @@ TEST_F(Commands, AWholeFileBehindACutOneIsNoLongerDoubted) {
     open(file("whole.ZQ4OA"));
     EXPECT_EQ(session.header().cellsCutOff, 0);
     open(path);
-    commands.close();
+    commands.files.close();
     EXPECT_EQ(session.header().cellsCutOff, 0);
 }
 
@@ -647,7 +648,7 @@ TEST_F(Commands, AFailedPortSearchGoesBackToTheUsersPort) {
                            fake.folder.path(), fake.folder.path()}};
     MainCommands search{other};
     other.link.commPort(1);
-    EXPECT_EQ(search.autodetectPort(), 0);
+    EXPECT_EQ(search.unit.autodetectPort(), 0);
     EXPECT_EQ(box().text, "Could not Find ORB Unit.  Please check the serial connection.");
     EXPECT_EQ(other.link.commPort(), 1);
     EXPECT_TRUE(fake.port.isOpen());
@@ -656,7 +657,7 @@ TEST_F(Commands, AFailedPortSearchGoesBackToTheUsersPort) {
 TEST_F(Commands, AFailedSaveAsDoesNotMarkAnUnchangedCalibration) {
     open(file("first.ZQ4OA"));
     fake.dialogs.files = {fake.folder.path("gone/second.ZQ4OA")};
-    commands.saveAs();
+    commands.saves.saveAs();
     EXPECT_FALSE(session.DataModified);
 }
 

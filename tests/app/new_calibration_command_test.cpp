@@ -34,7 +34,7 @@ class NewCalibrationCommand : public ::testing::Test {
         }
         file.close();
         fake.dialogs.files.push_back(path());
-        commands.open();
+        commands.files.open();
         fake.dialogs.boxes.clear();
         fake.windows.calls.clear();
     }
@@ -50,7 +50,7 @@ class NewCalibrationCommand : public ::testing::Test {
 };
 
 TEST_F(NewCalibrationCommand, OpensTheFormWithoutAQuestionWhenNothingIsInHand) {
-    commands.newCalibration();
+    commands.files.newCalibration();
     EXPECT_TRUE(fake.dialogs.boxes.empty());
     EXPECT_TRUE(session.creating());
     EXPECT_THAT(fake.windows.calls, Contains("general config"));
@@ -59,7 +59,7 @@ TEST_F(NewCalibrationCommand, OpensTheFormWithoutAQuestionWhenNothingIsInHand) {
 TEST_F(NewCalibrationCommand, OffersToSaveTheCalibrationInHand) {
     openFile();
     fake.dialogs.answers = {Answer::No};
-    commands.newCalibration();
+    commands.files.newCalibration();
     ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
     EXPECT_EQ(fake.dialogs.boxes[0].title, "Save Data?");
     EXPECT_EQ(fake.dialogs.boxes[0].text,
@@ -72,7 +72,7 @@ TEST_F(NewCalibrationCommand, SavesOnYesBeforeTheFormOpens) {
     openFile();
     session.currentUnitObject().set("REV_Limiter", 6250.0);
     fake.dialogs.answers = {Answer::Yes};
-    commands.newCalibration();
+    commands.files.newCalibration();
     std::ifstream file(path(), std::ios::binary);
     file.seekg((3 + 58) * 4);
     float limit = 0;
@@ -86,58 +86,58 @@ TEST_F(NewCalibrationCommand, StaysWithTheCalibrationInHandWhenItCannotBeSaved) 
     std::filesystem::remove(path());
     std::filesystem::create_directory(path());  // a file cannot take a folder's place
     fake.dialogs.answers = {Answer::Yes};
-    commands.newCalibration();
+    commands.files.newCalibration();
     EXPECT_FALSE(session.creating());
     EXPECT_EQ(session.header().fileState, "OLD");
     EXPECT_THAT(fake.windows.calls, Not(Contains("general config")));
 }
 
 TEST_F(NewCalibrationCommand, KeepsAFormWhoseUserStays) {
-    commands.newCalibration();
+    commands.files.newCalibration();
     fake.windows.calls.clear();
     fake.windows.leavesGeneralConfig = false;
-    commands.newCalibration();
+    commands.files.newCalibration();
     EXPECT_THAT(fake.windows.calls, Not(Contains("general config")));
 }
 
 TEST_F(NewCalibrationCommand, AnUnsavedNewCalibrationStopsOpeningClosingProgrammingAndLeaving) {
     openFile();
-    commands.newCalibration();
+    commands.files.newCalibration();
     fake.windows.leavesGeneralConfig = false;
     fake.dialogs.requests.clear();
     fake.dialogs.boxes.clear();
 
-    commands.open();
+    commands.files.open();
     EXPECT_TRUE(fake.dialogs.requests.empty());
-    commands.close();
+    commands.files.close();
     EXPECT_EQ(session.CurrentFile, path());
-    commands.programOrb();
+    commands.programming.programOrb();
     EXPECT_TRUE(fake.dialogs.boxes.empty());
     bool goesOn = false;
-    commands.offerToSave([&] { goesOn = true; });
+    commands.saves.offerToSave([&] { goesOn = true; });
     EXPECT_FALSE(goesOn);
 }
 
 TEST_F(NewCalibrationCommand, SaveAndSaveAsBelongToTheForm) {
     openFile();
     const auto before = std::filesystem::last_write_time(path());
-    commands.newCalibration();
+    commands.files.newCalibration();
     fake.windows.calls.clear();
-    commands.save();
-    commands.saveAs();
+    commands.saves.save();
+    commands.saves.saveAs();
     EXPECT_THAT(fake.windows.calls, ::testing::ElementsAre("save general config", "save general config"));
     EXPECT_EQ(std::filesystem::last_write_time(path()), before);
 }
 
 TEST_F(NewCalibrationCommand, SaveIsEnabledWhileOneIsMade) {
     EXPECT_FALSE(enabled("mnuSave"));
-    commands.newCalibration();
+    commands.files.newCalibration();
     EXPECT_TRUE(enabled("mnuSave"));
 }
 
 TEST_F(NewCalibrationCommand, TablesWaitForTheDefaultValues) {
     openFile();
-    commands.newCalibration();
+    commands.files.newCalibration();
     fake.windows.calls.clear();
     commands.openTable("VE", "Volumetric Efficiency Table");
     EXPECT_THAT(fake.windows.calls, ::testing::ElementsAre("general config"));

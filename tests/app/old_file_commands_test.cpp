@@ -43,7 +43,7 @@ class OldFileCommands : public ::testing::Test {
     }
     void open(const std::string& path) {
         fake.dialogs.files.push_back(path);
-        commands.open();
+        commands.files.open();
     }
     std::vector<std::string> boxTexts() const {
         std::vector<std::string> texts;
@@ -104,7 +104,7 @@ TEST_F(OldFileCommands, YesAtTheFormatBoxAsksForAnotherFile) {
     const std::string good = file("good.BIN");
     fake.dialogs.files = {fake.folder.write("bad.BIN", "12345"), good};
     fake.dialogs.answers = {Answer::Yes};
-    commands.open();
+    commands.files.open();
     EXPECT_EQ(fake.dialogs.requests.size(), 2u);
     EXPECT_EQ(session.CurrentFile, good);
 }
@@ -125,14 +125,14 @@ TEST_F(OldFileCommands, SaveGoesTheWayOfSaveAsAndLeavesTheOldFileWhole) {
     open(path);
     const std::string target = fake.folder.path("tune.ZQ4OA");
     fake.dialogs.files = {target};
-    commands.save();
+    commands.saves.save();
     EXPECT_EQ(fake.dialogs.requests.back().suggestedName, "tune.ZQ4OA");
     EXPECT_EQ(TemporaryFolder::read(path), before);
     EXPECT_EQ(std::filesystem::file_size(target), 11324u);
     EXPECT_EQ(floatAt(TemporaryFolder::read(target), 0), 3.0F);
     EXPECT_EQ(session.CurrentFile, target);
     fake.dialogs.requests.clear();
-    commands.save();  // from now on a calibration like any other
+    commands.saves.save();  // from now on a calibration like any other
     EXPECT_THAT(fake.dialogs.requests, IsEmpty());
 }
 
@@ -140,7 +140,7 @@ TEST_F(OldFileCommands, ACancelledSaveWritesNothing) {
     const std::string path = file("tune.BIN");
     const std::string before = TemporaryFolder::read(path);
     open(path);
-    commands.save();
+    commands.saves.save();
     EXPECT_EQ(TemporaryFolder::read(path), before);
     EXPECT_EQ(session.CurrentFile, path);
 }
@@ -155,7 +155,7 @@ TEST_F(OldFileCommands, ChangesAreSavedUnderANewNameBeforeAnotherFileComes) {
     session.markModified();
     fake.dialogs.boxes.clear();
     fake.dialogs.files = {target, second};
-    commands.open();
+    commands.files.open();
     EXPECT_EQ(fake.dialogs.boxes[0].text, "Save changes?");
     EXPECT_EQ(TemporaryFolder::read(path), before);
     EXPECT_EQ(std::filesystem::file_size(target), 11324u);
@@ -168,7 +168,7 @@ TEST_F(OldFileCommands, AWantedSaveThatIsCancelledKeepsTheCalibrationInHand) {
     open(path);
     session.currentUnitObject().set("KNK_MIN", 50.0);
     session.markModified();
-    commands.open();  // OK to save, then no name
+    commands.files.open();  // OK to save, then no name
     EXPECT_EQ(session.CurrentFile, path);
     EXPECT_TRUE(session.DataModified);
     EXPECT_EQ(session.currentUnitObject().get("KNK_MIN"), 50);

@@ -695,7 +695,7 @@ TEST_F(OptionsTest, ASearchWithoutAUnitTellsAndKeepsThePort) {
     port.presentNumber = 0;
     session.link.commPort(4);
     Options options(session);
-    MainCommands commands(session);
+    UnitCommands commands(session);
     EXPECT_EQ(options.detectPort(commands), 0);
     ASSERT_EQ(dialogs.boxes.size(), 1u);
     EXPECT_EQ(dialogs.boxes[0].text, "Could not Find ORB Unit.  Please check the serial connection.");
@@ -723,7 +723,7 @@ TEST_F(OptionsTest, ASearchThatFindsAUnitShowsAndStoresItsPort) {
     stored("CommPort", "1");
     Options options(searching);
     options.change("txtPollRate", "5");
-    MainCommands commands(searching);
+    UnitCommands commands(searching);
     EXPECT_EQ(options.detectPort(commands), 3);
     EXPECT_EQ(options.value("cmbCOMM"), "3");
     EXPECT_EQ(options.value("txtPollRate"), "5");

@@ -72,7 +72,7 @@ class ProgramOrb : public ::testing::Test {
         }
         file.close();
         fake.dialogs.files = {path};
-        commands.open();
+        commands.files.open();
         ASSERT_EQ(session.currentUnit(), 3);
         fake.dialogs.boxes.clear();
         fake.windows.calls.clear();
@@ -126,7 +126,7 @@ TEST_F(ProgramOrb, GoesOutWhereNothingHappensMeanwhile) {
     openCalibration();
     link(firstOrbA);
     session.DataModified = true;
-    commands.programOrb();
+    commands.programming.programOrb();
     EXPECT_THAT(titles(), ElementsAre("Warning 1007", "SAVE", "Data Saved."))
         << fake.dialogs.boxes.back().text;
     EXPECT_TRUE(session.link.transferPending());
@@ -141,7 +141,7 @@ TEST_F(ProgramOrb, ACutFileIsAskedAboutAndGoesOutOnYesAlone) {
     floats.resize(1750);  // 7000 bytes
     openCalibration(floats);
     link(firstOrbA);
-    commands.programOrb();
+    commands.programming.programOrb();
     const Box box = fake.dialogs.boxes.back();
     EXPECT_EQ(box.title, "Program ORB");
     EXPECT_THAT(box.text,
@@ -150,7 +150,7 @@ TEST_F(ProgramOrb, ACutFileIsAskedAboutAndGoesOutOnYesAlone) {
     EXPECT_TRUE(logged("Not programmed: the user thought better of it."));
     expectNothingSent();
     during("Program ORB", [&] { fake.dialogs.answers = {Answer::Yes}; });
-    commands.programOrb();
+    commands.programming.programOrb();
     EXPECT_TRUE(session.link.transferPending());
 }
 
@@ -160,9 +160,9 @@ TEST_F(ProgramOrb, ACutFileIsAskedAboutBehindItsSaveToo) {
     openCalibration(floats);
     link(firstOrbA);
     fake.dialogs.answers = {Answer::Yes};
-    commands.save();
+    commands.saves.save();
     ASSERT_THAT(titles(), ElementsAre("Damaged File", "Data Saved."));
-    commands.programOrb();
+    commands.programming.programOrb();
     EXPECT_EQ(titles().back(), "Program ORB");
     EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("1081 of its 2828 cells are missing"));
     expectNothingSent();
@@ -174,7 +174,7 @@ TEST_F(ProgramOrb, ACutFileThatIsNotToBeSavedGoesNowhere) {
     openCalibration(floats);
     link(firstOrbA);
     session.DataModified = true;
-    commands.programOrb();
+    commands.programming.programOrb();
     EXPECT_THAT(titles(), ElementsAre("Warning 1007", "SAVE", "Damaged File"));
     EXPECT_TRUE(session.DataModified);
     expectNothingSent();
@@ -187,7 +187,7 @@ TEST_F(ProgramOrb, AnAxisThatDoesNotRiseIsAskedAbout) {
     floats[3 + 2293] = 16;
     openCalibration(floats);
     link(firstOrbA);
-    commands.programOrb();
+    commands.programming.programOrb();
     EXPECT_THAT(
         fake.dialogs.boxes.back().text,
         HasSubstr("\nRPM axis of the tables: 9000 is followed by 1500.\nProgram the unit all the same?"));
@@ -203,7 +203,7 @@ TEST_F(ProgramOrb, ALinkThatIsLostWhileACutFileIsAskedAboutIsError1005) {
         fake.dialogs.answers = {Answer::Yes};
         loseUnit();
     });
-    commands.programOrb();
+    commands.programming.programOrb();
     EXPECT_EQ(titles().back(), "Error 1005");
     expectNothingSent();
 }
@@ -215,7 +215,7 @@ TEST_F(ProgramOrb, ALinkThatIsLostWhileABoxStandsIsError1005) {
         session.DataModified = true;
         fake.dialogs.boxes.clear();
         during(title, [&] { loseUnit(); });
-        commands.programOrb();
+        commands.programming.programOrb();
         EXPECT_EQ(titles().back(), "Error 1005") << title;
         expectNothingSent();
     }
@@ -228,7 +228,7 @@ TEST_F(ProgramOrb, AUnitOfAnotherKindThatComesWhileABoxStandsIsError1006) {
         loseUnit();
         link(someOrbL);
     });
-    commands.programOrb();
+    commands.programming.programOrb();
     EXPECT_EQ(titles().back(), "Error 1006");
     expectNothingSent();
 }
@@ -240,11 +240,11 @@ TEST_F(ProgramOrb, AnotherUnitOfTheKindThatComesWhileABoxStandsIsToldByItsNumber
         loseUnit();
         link(secondOrbA);
     });
-    commands.programOrb();
+    commands.programming.programOrb();
     EXPECT_EQ(titles().back(), "Program ORB");
     EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("200002 in the place of 200001"));
     expectNothingSent();
-    commands.programOrb();
+    commands.programming.programOrb();
     EXPECT_TRUE(session.link.transferPending()) << "the user means this one";
 }
 
@@ -252,7 +252,7 @@ TEST_F(ProgramOrb, ACalibrationThatIsClosedWhileABoxStandsIsError1003) {
     openCalibration();
     link(firstOrbA);
     during("Warning 1007", [&] { session.CurrentFile.clear(); });
-    commands.programOrb();
+    commands.programming.programOrb();
     EXPECT_EQ(titles().back(), "Error 1003");
     expectNothingSent();
 }
@@ -264,7 +264,7 @@ TEST_F(ProgramOrb, ATransferThatBeginsWhileABoxStandsIsNotDisturbed) {
         session.link.AutoPollSuspended(true);
         session.link.Program_Unit(TransferMode::Datalog, fake.folder.path("log.dat"));
     });
-    commands.programOrb();
+    commands.programming.programOrb();
     EXPECT_THAT(titles(), ElementsAre("Warning 1007", "Zentaq4"));
     EXPECT_EQ(fake.dialogs.boxes.back().text, "A transfer is running.  Please wait until it has ended.");
     EXPECT_TRUE(session.link.AutoPollSuspended());
@@ -276,7 +276,7 @@ TEST_F(ProgramOrb, ATransferThatBeginsWhileABoxStandsIsNotDisturbed) {
 TEST_F(ProgramOrb, AUnitThatHasNotToldItsFirmwareGetsNoImageMadeForThatOfTheFile) {
     openCalibration();
     identify(firstOrbA);
-    commands.programOrb();
+    commands.programming.programOrb();
     EXPECT_THAT(titles(), ElementsAre("Error 1005"));
     expectNothingSent();
 }
@@ -288,7 +288,7 @@ TEST_F(ProgramOrb, AUnitThatIsSwitchedOffAndOnWhileABoxStandsHasToTellItsFirmwar
         loseUnit();
         identify(firstOrbA);
     });
-    commands.programOrb();
+    commands.programming.programOrb();
     EXPECT_EQ(titles().back(), "Error 1005");
     expectNothingSent();
 }
@@ -302,7 +302,7 @@ TEST_F(ProgramOrb, ACalibrationThatCannotBeBroughtToTheFirmwareOfTheUnitIsToldBe
     link(firstOrbA);
     session.DataModified = true;
     fake.dialogs.boxes.clear();
-    commands.programOrb();
+    commands.programming.programOrb();
     EXPECT_THAT(titles(), ElementsAre("Program ORB"));
     EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("Nothing was sent to the unit."));
     expectNothingSent();
@@ -321,7 +321,7 @@ TEST_F(ProgramOrb, ALinkThatIsLostWhileTheFormsCloseIsError1005) {
     SlowlyClosingWindows closing;
     closing.meanwhile = [&] { loseUnit(); };
     session.attach(closing);
-    commands.programOrb();
+    commands.programming.programOrb();
     EXPECT_EQ(titles().back(), "Error 1005");
     expectNothingSent();
     session.attach(fake.windows);
@@ -348,10 +348,10 @@ TEST_F(ProgramOrb, CommandsThatStoreProgramSaveOrCloseComeBehindTheEditsTypedBef
     TypingWindows typing;
     session.attach(typing);
     const std::vector<std::function<void()>> all = {
-        [&] { commands.storeOnFly(); }, [&] { commands.programOrb(); },
-        [&] { commands.save(); },       [&] { commands.saveAs(); },
-        [&] { commands.close(); },      [&] { commands.newCalibration(); },
-        [&] { commands.open(); },       [&] { commands.firmwareUpgrade(); }};
+        [&] { commands.unit.storeOnFly(); }, [&] { commands.programming.programOrb(); },
+        [&] { commands.saves.save(); },      [&] { commands.saves.saveAs(); },
+        [&] { commands.files.close(); },     [&] { commands.files.newCalibration(); },
+        [&] { commands.files.open(); },      [&] { commands.programming.firmwareUpgrade(); }};
     for (const auto& command : all) command();
     EXPECT_THAT(typing.calls,
                 ElementsAre("after Store Changes in ORB", "after Program ORB", "after Save", "after Save As",
@@ -369,7 +369,7 @@ TEST_F(ProgramOrb, StoringGoesOutBehindTheRecordOfAnEditThatWaited) {
     link(firstOrbA);
     TypingWindows typing;
     session.attach(typing);
-    commands.storeOnFly();
+    commands.unit.storeOnFly();
     session.sendOnFly("S10411228048");
     typing.unitAnswers();
     fake.port.written.clear();
@@ -387,9 +387,9 @@ TEST_F(ProgramOrb, KillEnginePassesEveryCommandThatWaitsAndLeavesALine) {
     ticks(1);
     fake.port.written.clear();
     session.sendOnFly("S10411228048");
-    commands.storeOnFly();
+    commands.unit.storeOnFly();
     session.link.Send_ORB_Command("T");
-    commands.killEngine();
+    commands.unit.killEngine();
     EXPECT_TRUE(logged("USER: Kill Engine Requested."));
     answer(Bytes(65, 0));
     EXPECT_THAT(fake.port.written, ElementsAre("K"));
@@ -402,7 +402,7 @@ TEST_F(ProgramOrb, KillEngineGoesOutInADownloadWhichGoesOnBehindIt) {
     session.link.Program_Unit(TransferMode::Datalog, fake.folder.path("log.dat"));
     ticks(1);
     ASSERT_TRUE(session.link.transfer().active());
-    commands.killEngine();
+    commands.unit.killEngine();
     EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
     fake.port.written.clear();
     answer(sealed({0xFA, 0xA5, 0x55, 10}, 33));
@@ -421,11 +421,11 @@ TEST_F(ProgramOrb, KillEngineIsRefusedOnlyWhereTheWireIsReallyTaken) {
     };
     openCalibration();
     link(firstOrbA);
-    commands.programOrb();
+    commands.programming.programOrb();
     fake.dialogs.boxes.clear();
     ASSERT_TRUE(session.link.transferPending());
     EXPECT_TRUE(enabled()) << "the run still waits";
-    commands.killEngine();
+    commands.unit.killEngine();
     EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
     fake.port.written.clear();
     ticks(1);
@@ -433,7 +433,7 @@ TEST_F(ProgramOrb, KillEngineIsRefusedOnlyWhereTheWireIsReallyTaken) {
     answer({'A', 'X'});
     ASSERT_THAT(fake.port.written, ElementsAre("K", "P1"));
     EXPECT_TRUE(enabled()) << "its refusal says why";
-    commands.killEngine();
+    commands.unit.killEngine();
     EXPECT_THAT(titles(), ElementsAre("Zentaq4"));
     ticks(20);
     EXPECT_THAT(fake.port.written, ElementsAre("K", "P1"));
@@ -443,7 +443,7 @@ TEST_F(ProgramOrb, AKillThatIsLostWithTheLinkIsTold) {
     link(firstOrbA);
     session.link.Send_ORB_Command("F");
     ticks(1);
-    commands.killEngine();
+    commands.unit.killEngine();
     ticks(90);
     EXPECT_TRUE(logged("Kill Engine was not sent: the link is lost."));
     EXPECT_FALSE(sent("K"));
@@ -451,7 +451,7 @@ TEST_F(ProgramOrb, AKillThatIsLostWithTheLinkIsTold) {
 
 TEST_F(ProgramOrb, AKillThatNobodyAnswersIsTold) {
     link(firstOrbA);
-    commands.killEngine();
+    commands.unit.killEngine();
     ticks(1002);
     EXPECT_TRUE(sent("K"));
     EXPECT_TRUE(logged("Kill Engine was not answered: look at the engine."));
@@ -460,12 +460,12 @@ TEST_F(ProgramOrb, AKillThatNobodyAnswersIsTold) {
 TEST_F(ProgramOrb, KillEngineGoesOutThoughNoUnitIsKnownAndIsToldWhereNoPortIsOpen) {
     fake.port.written.clear();
     ASSERT_EQ(session.link.linked().LinkedUnitKind, 0);
-    commands.killEngine();
+    commands.unit.killEngine();
     ticks(1);
     EXPECT_TRUE(sent("K"));
     session.link.RS232_Close();
     fake.dialogs.boxes.clear();
-    commands.killEngine();
+    commands.unit.killEngine();
     ASSERT_FALSE(fake.dialogs.boxes.empty());
     EXPECT_EQ(fake.dialogs.boxes.back().text, "Kill Engine was not sent: no port is open.");
 }
@@ -504,10 +504,10 @@ TEST_F(PortSearch, ASecondOneIsRefusedWhileOneRunsAndTheFirstGoesOn) {
     fake.port.presentNumber = 12;
     yield.once = [&] {
         const int before = fake.port.opens;
-        second = commands.autodetectPort();
+        second = commands.unit.autodetectPort();
         opensThen = fake.port.opens - before;
     };
-    EXPECT_EQ(commands.autodetectPort(), 0);
+    EXPECT_EQ(commands.unit.autodetectPort(), 0);
     EXPECT_EQ(second, 0);
     EXPECT_EQ(opensThen, 0) << "the port of the first search stays as it is";
     ASSERT_FALSE(fake.dialogs.boxes.empty());
@@ -517,8 +517,8 @@ TEST_F(PortSearch, ASecondOneIsRefusedWhileOneRunsAndTheFirstGoesOn) {
 
 TEST_F(PortSearch, NoOtherPortIsChosenUnderIt) {
     fake.port.presentNumber = 5;
-    yield.once = [&] { commands.choosePort(3); };
-    commands.autodetectPort();
+    yield.once = [&] { commands.unit.choosePort(3); };
+    commands.unit.autodetectPort();
     EXPECT_EQ(fake.settings.get("System", "CommPort"), "");
     EXPECT_THAT(fake.dialogs.boxes.front().text, HasSubstr("is being searched"));
 }
@@ -533,7 +533,7 @@ TEST_F(PortSearch, StoresThePortThatTheUnitAnsweredOn) {
         fake.port.deliver(identifyReply(firstOrbA));
         session.link.tick();
     };
-    EXPECT_EQ(commands.autodetectPort(), 5);
+    EXPECT_EQ(commands.unit.autodetectPort(), 5);
     EXPECT_EQ(session.link.commPort(), 5);
     EXPECT_EQ(fake.settings.get("System", "CommPort"), "5");
     EXPECT_EQ(fake.settings.get("System", "CommPortIdentity"), session.link.commIdentity());
@@ -545,7 +545,7 @@ TEST_F(ProgramOrb, AMonitorSessionLeavesAPortThatIsAnsweringOpen) {
     identify(firstOrbA);
     ASSERT_EQ(session.link.CurrentCommand(), "B");
     const int opens = fake.port.opens;
-    commands.loadCommand(2);
+    commands.unit.loadCommand(2);
     EXPECT_TRUE(session.Monitoring);
     EXPECT_EQ(fake.port.opens, opens);
     answer(firmwareReply("ZQA-504099", 39));

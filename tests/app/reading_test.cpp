@@ -49,7 +49,7 @@ class Reading : public ::testing::Test {
     }
     void open(const std::string& path) {
         fake.dialogs.files.push_back(path);
-        commands.open();
+        commands.files.open();
     }
     void openMeanwhile(const std::string& path, std::function<void()> meanwhile) {
         fake.yield.meanwhile = std::move(meanwhile);
@@ -79,7 +79,7 @@ TEST_F(Reading, TheFormerCalibrationIsInHandUntilTheNextHasBeenRead) {
 
 struct Given {
     const char* name;
-    void (MainCommands::*command)();
+    void (*command)(MainCommands& commands);
 };
 
 class CommandWhileReading : public Reading, public ::testing::WithParamInterface<Given> {};
@@ -88,7 +88,7 @@ TEST_P(CommandWhileReading, ComesBehindTheOpening) {
     openMeanwhile(next, [&] {
         const std::size_t before = seen();
         const std::size_t written = fake.port.written.size();
-        for (int i = 0; i < 2; ++i) (commands.*GetParam().command)();
+        for (int i = 0; i < 2; ++i) GetParam().command(commands);
         EXPECT_EQ(seen(), before);
         EXPECT_EQ(fake.port.written.size(), written);
         EXPECT_EQ(session.header().fileState, "OLD");
@@ -106,16 +106,19 @@ TEST_P(CommandWhileReading, ComesBehindTheOpening) {
 
 INSTANTIATE_TEST_SUITE_P(
     Reading, CommandWhileReading,
-    ::testing::Values(Given{"New", &MainCommands::newCalibration}, Given{"Open", &MainCommands::open},
-                      Given{"Save", &MainCommands::save}, Given{"SaveAs", &MainCommands::saveAs},
-                      Given{"Close", &MainCommands::close}, Given{"Program", &MainCommands::programOrb},
-                      Given{"Firmware", &MainCommands::firmwareUpgrade}),
+    ::testing::Values(Given{"New", [](MainCommands& c) { c.files.newCalibration(); }},
+                      Given{"Open", [](MainCommands& c) { c.files.open(); }},
+                      Given{"Save", [](MainCommands& c) { c.saves.save(); }},
+                      Given{"SaveAs", [](MainCommands& c) { c.saves.saveAs(); }},
+                      Given{"Close", [](MainCommands& c) { c.files.close(); }},
+                      Given{"Program", [](MainCommands& c) { c.programming.programOrb(); }},
+                      Given{"Firmware", [](MainCommands& c) { c.programming.firmwareUpgrade(); }}),
     [](const auto& test) { return test.param.name; });
 
 TEST_F(Reading, ASaveThatComesMeanwhileIsOneOfTheFileThatWasOpened) {
     session.currentUnitObject().set("REV_Limiter", 7000.0);  // of the former, which nobody wanted to keep
     const std::string before = TemporaryFolder::read(former);
-    openMeanwhile(next, [&] { commands.save(); });
+    openMeanwhile(next, [&] { commands.saves.save(); });
     fake.ticker.run(2);
     EXPECT_EQ(TemporaryFolder::read(former), before);
     EXPECT_EQ(session.CurrentFile, next);
@@ -145,7 +148,7 @@ TEST_F(Reading, KillEngineGoesOutMeanwhile) {
     session.link.ORB_Initialize();
     ASSERT_TRUE(fake.port.isOpen());
     openMeanwhile(next, [&] {
-        commands.killEngine();
+        commands.unit.killEngine();
         for (int tick = 0; tick < 20'000; ++tick) session.link.tick();
         EXPECT_THAT(fake.port.written, Contains("K"));
     });
@@ -155,8 +158,8 @@ TEST_F(Reading, AFileThatCannotBeReadLetsWhatWaitedActOnTheFormerOne) {
     std::ofstream(next, std::ios::binary | std::ios::app) << std::string(9000, 'x');
     fake.dialogs.answers = {Answer::No};
     fake.dialogs.files.push_back(next);
-    fake.yield.meanwhile = [&] { commands.save(); };
-    commands.open();
+    fake.yield.meanwhile = [&] { commands.saves.save(); };
+    commands.files.open();
     EXPECT_EQ(session.CurrentFile, former);
     EXPECT_EQ(session.currentUnit(), 3);
     EXPECT_FALSE(session.saving.reading());
@@ -167,7 +170,7 @@ TEST_F(Reading, AnOldFileIsReadTheSameWay) {
     std::ofstream(old, std::ios::binary) << std::string(9312, '\0');
     openMeanwhile(old, [&] {
         EXPECT_EQ(session.currentUnit(), 3);
-        commands.close();
+        commands.files.close();
         EXPECT_EQ(session.CurrentFile, former);
     });
     EXPECT_EQ(session.CurrentFile, old);

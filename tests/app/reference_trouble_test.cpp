@@ -54,7 +54,7 @@ class ReferenceTrouble : public ::testing::Test {
     }
     void open(const std::string& path) {
         fake.dialogs.files.push_back(path);
-        commands.open();
+        commands.files.open();
     }
 };
 

@@ -83,7 +83,7 @@ class SavingBeside : public ::testing::Test {
         ticker.start();
         write(path, 6500);
         dialogs.files.push_back(path);
-        commands.open();
+        commands.files.open();
         EXPECT_EQ(session.CurrentFile, path);
         windows.runEvents();
         dialogs.boxes.clear();
@@ -128,7 +128,7 @@ class SavingBeside : public ::testing::Test {
 
 TEST_F(SavingBeside, TheCommandReturnsAtOnceAndTheBoxComesWhenTheFileIsOnTheDisk) {
     change(7000);
-    commands.save();
+    commands.saves.save();
     passes(1000);
     EXPECT_TRUE(session.saving.running());
     EXPECT_THAT(dialogs.boxes, IsEmpty());
@@ -142,7 +142,7 @@ TEST_F(SavingBeside, TheCommandReturnsAtOnceAndTheBoxComesWhenTheFileIsOnTheDisk
 }
 
 TEST_F(SavingBeside, NoBoxComesFromInsideATick) {
-    commands.save();
+    commands.saves.save();
     disk.ready = true;
     ticker.run(10);
     EXPECT_THAT(dialogs.boxes, IsEmpty());
@@ -152,7 +152,7 @@ TEST_F(SavingBeside, NoBoxComesFromInsideATick) {
 
 TEST_F(SavingBeside, WhatIsChangedMeanwhileIsNotInTheFileAndStaysToBeSaved) {
     change(7000);
-    commands.save();
+    commands.saves.save();
     change(8000);
     diskIsDone();
     EXPECT_EQ(limitIn(path), 7000);
@@ -162,7 +162,7 @@ TEST_F(SavingBeside, WhatIsChangedMeanwhileIsNotInTheFileAndStaysToBeSaved) {
 
 TEST_F(SavingBeside, AFailureIsToldAndTheChangesStay) {
     change(7000);
-    commands.save();
+    commands.saves.save();
     disk.failure = "Cannot write " + path + ": No space left on device";
     diskIsDone();
     ASSERT_THAT(boxes(), ElementsAre("File Save Error"));
@@ -171,17 +171,17 @@ TEST_F(SavingBeside, AFailureIsToldAndTheChangesStay) {
                                          "The calibration is still in memory: choose Save As and another "
                                          "folder.");
     EXPECT_TRUE(session.DataModified);
-    commands.save();
+    commands.saves.save();
     diskIsDone();
     EXPECT_EQ(limitIn(path), 7000);
 }
 
 TEST_F(SavingBeside, ASecondSaveWaitsForTheFirstAndComesOnce) {
     change(7000);
-    commands.save();
+    commands.saves.save();
     change(8000);
-    commands.save();
-    commands.save();
+    commands.saves.save();
+    commands.saves.save();
     diskIsDone();
     EXPECT_EQ(limitIn(path), 7000);
     EXPECT_TRUE(session.saving.running());
@@ -193,8 +193,8 @@ TEST_F(SavingBeside, ASecondSaveWaitsForTheFirstAndComesOnce) {
 
 TEST_F(SavingBeside, CloseWaitsForIt) {
     change(7000);
-    commands.save();
-    commands.close();
+    commands.saves.save();
+    commands.files.close();
     passes(1000);
     EXPECT_EQ(session.CurrentFile, path);
     diskIsDone();
@@ -205,8 +205,8 @@ TEST_F(SavingBeside, CloseWaitsForIt) {
 
 TEST_F(SavingBeside, WhatWaitedForASaveDoesNotRunUnderABox) {
     change(7000);
-    commands.save();
-    commands.close();
+    commands.saves.save();
+    commands.files.close();
     windows.box = true;
     diskIsDone();
     passes(1000);
@@ -220,7 +220,7 @@ TEST_F(SavingBeside, WhatWaitedForASaveDoesNotRunUnderABox) {
 }
 
 TEST_F(SavingBeside, ABoxThatOpensBeforeTheEventLoopHasItsTurnHoldsBackToo) {
-    commands.save();
+    commands.saves.save();
     disk.ready = true;
     ticker.run(1);
     windows.box = true;
@@ -232,9 +232,9 @@ TEST_F(SavingBeside, ABoxThatOpensBeforeTheEventLoopHasItsTurnHoldsBackToo) {
 }
 
 TEST_F(SavingBeside, CloseThatWaitedAsksForWhatWasChangedMeanwhile) {
-    commands.save();
+    commands.saves.save();
     change(8000);
-    commands.close();
+    commands.files.close();
     diskIsDone();
     EXPECT_THAT(boxes(), ElementsAre("Data Saved.", "SAVE"));  // answered OK: saved again
     EXPECT_EQ(session.CurrentFile, path);
@@ -245,7 +245,7 @@ TEST_F(SavingBeside, CloseThatWaitedAsksForWhatWasChangedMeanwhile) {
 
 TEST_F(SavingBeside, CloseWithChangesGoesOnWhenTheyAreOnTheDisk) {
     change(7000);
-    commands.close();  // "Save changes?" is answered OK
+    commands.files.close();  // "Save changes?" is answered OK
     passes(1000);
     EXPECT_EQ(session.CurrentFile, path);
     diskIsDone();
@@ -255,7 +255,7 @@ TEST_F(SavingBeside, CloseWithChangesGoesOnWhenTheyAreOnTheDisk) {
 
 TEST_F(SavingBeside, CloseWithChangesThatCannotBeSavedStaysOpen) {
     change(7000);
-    commands.close();
+    commands.files.close();
     disk.failure = "the disk is full";
     diskIsDone();
     EXPECT_EQ(session.CurrentFile, path);
@@ -263,11 +263,11 @@ TEST_F(SavingBeside, CloseWithChangesThatCannotBeSavedStaysOpen) {
 }
 
 TEST_F(SavingBeside, OpenNewAndSaveAsWaitForIt) {
-    commands.save();
+    commands.saves.save();
     dialogs.answers = {Answer::Ok, Answer::No};  // "Data Saved.", "Save Data?"
-    commands.open();
-    commands.saveAs();
-    commands.newCalibration();
+    commands.files.open();
+    commands.saves.saveAs();
+    commands.files.newCalibration();
     passes(1000);
     EXPECT_THAT(dialogs.requests, IsEmpty());
     EXPECT_FALSE(session.creating());
@@ -277,8 +277,8 @@ TEST_F(SavingBeside, OpenNewAndSaveAsWaitForIt) {
 }
 
 TEST_F(SavingBeside, ProgrammingWaitsForIt) {
-    commands.save();
-    commands.programOrb();
+    commands.saves.save();
+    commands.programming.programOrb();
     passes(1000);
     EXPECT_THAT(dialogs.boxes, IsEmpty());
     diskIsDone();
@@ -288,7 +288,7 @@ TEST_F(SavingBeside, ProgrammingWaitsForIt) {
 
 TEST_F(SavingBeside, TheEndOfTheProgramWaitsForIt) {
     change(7000);
-    commands.save();
+    commands.saves.save();
     kernel.closeRequested();
     EXPECT_FALSE(kernel.System_Shutdown(false));
     passes(1000);
@@ -301,7 +301,7 @@ TEST_F(SavingBeside, TheEndOfTheProgramWaitsForIt) {
 
 TEST_F(SavingBeside, BothWaysOutOfTheProgramWaitAsOne) {
     change(7000);
-    commands.save();
+    commands.saves.save();
     EXPECT_FALSE(kernel.System_Shutdown(false));
     kernel.closeRequested();
     EXPECT_FALSE(kernel.System_Shutdown(false));
@@ -341,13 +341,13 @@ TEST_F(SavingBeside, TheEndOfTheProgramWithChangesThatCannotBeSavedDoesNotCome) 
 TEST_F(SavingBeside, SaveAsTakesTheNewNameWhenTheFileIsThereAndKeepsTheOldOneWhenNot) {
     const std::string other = folder.path("other.ZQ4OA");
     dialogs.files = {other, other};
-    commands.saveAs();
+    commands.saves.saveAs();
     EXPECT_EQ(session.CurrentFile, path);
     disk.failure = "the disk is full";
     diskIsDone();
     EXPECT_EQ(session.CurrentFile, path);
     EXPECT_EQ(session.currentUnitObject().BinFile(), path);
-    commands.saveAs();
+    commands.saves.saveAs();
     diskIsDone();
     EXPECT_EQ(session.CurrentFile, other);
     EXPECT_EQ(limitIn(other), 6500);
@@ -355,7 +355,7 @@ TEST_F(SavingBeside, SaveAsTakesTheNewNameWhenTheFileIsThereAndKeepsTheOldOneWhe
 }
 
 TEST_F(SavingBeside, AFirmwareThatTheUnitTellsMeanwhileIsNotForgotten) {
-    commands.save();
+    commands.saves.save();
     session.header().firmwareCode = 4001;  // as a calibration that was moved has it
     diskIsDone();
     EXPECT_EQ(session.header().firmwareCode, 4001);
@@ -369,7 +369,7 @@ TEST_F(SavingBeside, AFileThatAnotherProgramHasChangedIsAskedAbout) {
     write(path, 5000);
     change(7000);
     dialogs.answers = {Answer::No};
-    commands.save();
+    commands.saves.save();
     diskIsDone();
     ASSERT_THAT(boxes(), ElementsAre(changedTitle));
     EXPECT_EQ(dialogs.boxes[0].text, "FILE CHANGED:   " + path +
@@ -384,7 +384,7 @@ TEST_F(SavingBeside, YesOverwritesWhatWasAskedAboutAndNothingLater) {
     write(path, 5000);
     change(7000);
     dialogs.answers = {Answer::Yes, Answer::Yes};
-    commands.save();
+    commands.saves.save();
     diskIsDone();
     write(path, 5500);  // while the question stood
     diskIsDone();
@@ -397,7 +397,7 @@ TEST_F(SavingBeside, YesOverwritesWhatWasAskedAboutAndNothingLater) {
 TEST_F(SavingBeside, ItsOwnSavesAreNoChangeOfAnotherProgram) {
     for (const double limit : {7000.0, 7100.0, 7200.0}) {
         change(limit);
-        commands.save();
+        commands.saves.save();
         diskIsDone();
         EXPECT_EQ(limitIn(path), limit);
     }
@@ -407,14 +407,14 @@ TEST_F(SavingBeside, ItsOwnSavesAreNoChangeOfAnotherProgram) {
 TEST_F(SavingBeside, AFileThatWasTouchedButHoldsTheSameIsNoChange) {
     write(path, 6500);
     change(7000);
-    commands.save();
+    commands.saves.save();
     diskIsDone();
     EXPECT_THAT(boxes(), ElementsAre("Data Saved."));
 }
 
 TEST_F(SavingBeside, AFileThatIsGoneIsWrittenAnew) {
     std::filesystem::remove(path);
-    commands.save();
+    commands.saves.save();
     diskIsDone();
     EXPECT_EQ(limitIn(path), 6500);
     EXPECT_THAT(boxes(), ElementsAre("Data Saved."));
@@ -424,7 +424,7 @@ TEST_F(SavingBeside, SaveAsOverTheFileInHandAsksAboutTheChangeToo) {
     write(path, 5000);
     dialogs.files = {path};
     dialogs.answers = {Answer::Yes, Answer::No};
-    commands.saveAs();
+    commands.saves.saveAs();
     diskIsDone();
     EXPECT_THAT(boxes(), ElementsAre("File Exists", changedTitle));
     EXPECT_EQ(limitIn(path), 5000);

@@ -46,7 +46,7 @@ class SessionTest : public ::testing::Test {
     /// A unit on the link and a calibration of its kind in hand, unchanged.
     void openForProgramming(const std::string& firmware = "ZQA-405099") {
         fake.dialogs.files = {calibrationOf(3, "tune.ZQ4OA")};
-        commands.open();
+        commands.files.open();
         connect(firmware);
         session.DataModified = false;
     }
@@ -56,7 +56,7 @@ class SessionTest : public ::testing::Test {
         Unit& unit = session.currentUnitObject();
         for (int cell = 283; cell < 293; ++cell) unit.AssignDirectIndex(14.64F, cell);
         for (int cell = 1424; cell < 1680; ++cell) unit.AssignDirectIndex(14.7F, cell);
-        commands.programOrb();
+        commands.programming.programOrb();
         for (int tick = 0; tick < 5000 && !session.link.transfer().active(); ++tick) session.link.tick();
         return session.link.transfer().active();
     }
@@ -110,7 +110,7 @@ class SessionTest : public ::testing::Test {
 
 TEST_F(SessionTest, AnOldCalibrationInHandIsBroughtToTheFirmwareThatTheUnitTells) {
     fake.dialogs.files = {oldCalibration()};
-    commands.open();
+    commands.files.open();
     Unit& unit = session.currentUnitObject();
     ASSERT_EQ(unit.FW_Release(), 2);
     connect("ZQA-405099");
@@ -125,7 +125,7 @@ TEST_F(SessionTest, AnOldCalibrationInHandIsBroughtToTheFirmwareThatTheUnitTells
 
 TEST_F(SessionTest, AUnitOfTheCalibrationsKindTurnsOnTheFlyOnAndItsLossOff) {
     fake.dialogs.files = {oldCalibration()};
-    commands.open();
+    commands.files.open();
     EXPECT_FALSE(session.currentUnitObject().ONFLY_MODE());
     connect("ZQA-402099");
     EXPECT_TRUE(session.currentUnitObject().ONFLY_MODE());
@@ -139,7 +139,7 @@ TEST_F(SessionTest, AUnitOfTheCalibrationsKindTurnsOnTheFlyOnAndItsLossOff) {
 TEST_F(SessionTest, AFileOpenedAfterTheUnitWasFoundTakesChangesOnTheFlyToo) {
     connect("ZQA-402099");
     fake.dialogs.files = {oldCalibration()};
-    commands.open();
+    commands.files.open();
     EXPECT_TRUE(session.currentUnitObject().ONFLY_MODE());
     ASSERT_TRUE(session.currentUnitObject().set("KNK_MIN", 50.0));
     session.link.tick();
@@ -191,9 +191,9 @@ TEST_F(SessionTest, EveryFifthLinkLineEmptiesThePanelOfTheFirmwareButNotWhileATr
 TEST_F(SessionTest, AUnitOfAnotherKindIsNotProgrammed) {
     connect("ZQA-405099");
     fake.dialogs.files = {calibrationOf(4, "lite.ZQ4OL")};
-    commands.open();
+    commands.files.open();
     fake.dialogs.boxes.clear();
-    commands.programOrb();
+    commands.programming.programOrb();
     ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
     EXPECT_EQ(fake.dialogs.boxes[0].title, "Error 1006");
     EXPECT_EQ(fake.dialogs.boxes[0].text,

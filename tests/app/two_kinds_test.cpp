@@ -26,7 +26,7 @@ class TwoKinds : public GeneralConfigForm {
         EXPECT_TRUE(saveTo(path));
         form.unload();
         Unit& made = unit();
-        commands.close();
+        commands.files.close();
         made.FW_Release(0);
         made.FW_Build(0);
         fake.dialogs.boxes.clear();
@@ -34,7 +34,7 @@ class TwoKinds : public GeneralConfigForm {
     }
     void open(const std::string& path) {
         fake.dialogs.files = {path};
-        commands.open();
+        commands.files.open();
     }
     static std::string bytesOf(const std::string& path) { return TemporaryFolder::read(path); }
     /// The firmware code of a file.
@@ -90,7 +90,7 @@ TEST_P(OtherKind, AFileForAnotherKindThanTheLinkedUnitsIsOpenedAndSavedAsItIs) {
     EXPECT_THAT(titles(), ElementsAre("Unit Type Mismatch"));
     EXPECT_EQ(unit().FW_Release(), GetParam().release);
     EXPECT_EQ(unit().FW_Build(), 99);
-    commands.save();
+    commands.saves.save();
     EXPECT_EQ(bytesOf(path), before);
 }
 
@@ -134,7 +134,7 @@ TEST_F(TwoKinds, AFileThatTellsNoReleaseKeepsItsInjectorsWhoeverIsOnTheLink) {
             EXPECT_EQ(unit().DirectIndex(148), 8) << code << " " << firmware;
             EXPECT_THAT(titles(), IsEmpty()) << code << " " << firmware;
             EXPECT_NE(unit().get("MAP_ID"), 0) << "a sensor is needed all the same";
-            commands.close();
+            commands.files.close();
         }
     }
 }
@@ -181,7 +181,7 @@ TEST_F(TwoKinds, AFileThatSays7IsInSlot8WhileAUnitOfThatSlotIsLinked) {
     EXPECT_EQ(unit().kind().slot, 8);
     EXPECT_EQ(unit().FW_Build(), 10);
     EXPECT_TRUE(unit().ONFLY_MODE());
-    commands.save();
+    commands.saves.save();
     float kind = 0;
     std::memcpy(&kind, bytesOf(path).data(), sizeof kind);
     EXPECT_EQ(kind, 7) << "the file is one for both";
@@ -211,7 +211,7 @@ TEST_F(TwoKinds, ACalibrationForAD6IsProgrammedFromItsFile) {
     open(fileOf("ORB D", "four.ZQ4OD"));
     connect(orbD6, "ZQD-405099");
     fake.dialogs.boxes.clear();
-    commands.programOrb();
+    commands.programming.programOrb();
     EXPECT_THAT(titles(), IsEmpty());
     EXPECT_TRUE(session.link.transferPending());
 }
@@ -281,7 +281,7 @@ TEST_F(TwoKinds, AUnitThatComesWhileItsFileIsReadFindsItInItsSlot) {
         other.link.tick();
     };
     fake.dialogs.files = {path};
-    asked.open();
+    asked.files.open();
     EXPECT_EQ(other.link.linked().LinkedUnitKind, 8);
     EXPECT_EQ(other.currentUnit(), 8);
     EXPECT_EQ(other.currentUnitObject().BinFile(), path);

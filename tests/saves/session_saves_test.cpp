@@ -29,7 +29,7 @@ class SessionSaves : public SavesUnderFire, public ::testing::WithParamInterface
             fake.session.makeUnits();
             fake.session.DatabaseFile = database;
             fake.dialogs.files.push_back(file);
-            commands.open();
+            commands.files.open();
             fake.session.currentUnitObject().set("REV_Limiter", 6100.0);
             fake.session.markModified();
             fake.dialogs.boxes.clear();
@@ -85,12 +85,12 @@ class SessionSaves : public SavesUnderFire, public ::testing::WithParamInterface
 
     std::vector<SaveUnderFire> all() {
         return {
-            saveOf("Save", [](Opened& opened) { opened.commands.save(); }),
+            saveOf("Save", [](Opened& opened) { opened.commands.saves.save(); }),
             saveOf("Save As over the file in hand",
                    [this](Opened& opened) {
                        opened.fake.dialogs.files = {file};
                        opened.fake.dialogs.answers = {Answer::Yes};
-                       opened.commands.saveAs();
+                       opened.commands.saves.saveAs();
                    }),
             newCalibration(),
         };

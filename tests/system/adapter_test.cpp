@@ -124,7 +124,7 @@ TEST_F(AdapterFlight, AProgrammingRunThatTheAdapterSwallowsEndsAsFailedAndTheLin
     const std::string calibration = folder.path("car.ZQ4OA");
     std::filesystem::copy_file(anySample(), calibration);
     ASSERT_TRUE(program->open(calibration));
-    program->commands.programOrb();
+    program->commands.programming.programOrb();
     EXPECT_TRUE(
         Program::waitFor([&] { return program->boxShown("The BIN program operation failed."); }, patienceMs));
     EXPECT_TRUE(back());

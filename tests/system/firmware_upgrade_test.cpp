@@ -83,7 +83,7 @@ TEST_F(FirmwareFlight, AnUpgradeEndsWellAndTheUnitComesBackWithItsNewFirmware) {
     program->kernel.closeRequested();
     EXPECT_TRUE(program->boxShown("A firmware upgrade is running."));
     EXPECT_FALSE(program->windows.closed());
-    EXPECT_EQ(program->commands.autodetectPort(), 0);
+    EXPECT_EQ(program->commands.unit.autodetectPort(), 0);
     EXPECT_TRUE(program->session.link.transfer().firmware());
 
     ASSERT_TRUE(told(loadCalibration));

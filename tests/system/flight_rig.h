@@ -99,7 +99,7 @@ class Program {
     bool identified() const { return session.link.linked().UnitIdentified; }
     bool open(const std::string& path) {
         dialogs.files.push_back(path);
-        commands.open();
+        commands.files.open();
         return session.CurrentFile == path;
     }
     bool boxShown(const std::string& text) const {

@@ -69,7 +69,7 @@ TEST_F(Flight, AWholeFlightFromIdentificationToTheReturnOfTheCable) {
         patienceMs));
 
     // Programming: 147 lines and the unit's memory is the image.
-    program.commands.programOrb();
+    program.commands.programming.programOrb();
     EXPECT_TRUE(session.link.transfer().active() || session.link.ring().count() > 0);
     ASSERT_TRUE(Program::waitFor(
         [&] { return program.boxShown("You have successfully programmed your ORB unit."); }, patienceMs));
@@ -82,7 +82,7 @@ TEST_F(Flight, AWholeFlightFromIdentificationToTheReturnOfTheCable) {
 
     // The file is whole and opens again.
     session.markModified();
-    program.commands.save();
+    program.commands.saves.save();
     ASSERT_TRUE(
         Program::waitFor([&] { return program.boxShown("Data has been saved Successfully!"); }, patienceMs));
     EXPECT_EQ(std::filesystem::file_size(calibration), 11324u);

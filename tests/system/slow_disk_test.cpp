@@ -69,7 +69,7 @@ TEST_F(SlowDisk, FramesGoOnWhileASaveWaitsAndTheBoxComesWhenItIsOnTheDisk) {
     const auto told = [&] { return program.boxShown("Data has been saved Successfully!"); };
 
     BusyDisk disk;
-    program.commands.save();
+    program.commands.saves.save();
     ASSERT_TRUE(Program::waitFor([] { return flushesWaiting == 1; }, slowPatienceMs));
     const auto frames = session.live.frames;
     EXPECT_TRUE(Program::waitFor([&] { return session.live.frames > frames + 50; }, slowPatienceMs));
@@ -78,8 +78,8 @@ TEST_F(SlowDisk, FramesGoOnWhileASaveWaitsAndTheBoxComesWhenItIsOnTheDisk) {
     EXPECT_EQ(TemporaryFolder::read(calibration), before);
 
     // What needs the save waits for it, with the frames going on; the engine can be stopped.
-    program.commands.close();
-    program.commands.killEngine();
+    program.commands.files.close();
+    program.commands.unit.killEngine();
     const auto later = session.live.frames;
     EXPECT_TRUE(Program::waitFor([&] { return session.live.frames > later + 50; }, slowPatienceMs));
     EXPECT_EQ(session.CurrentFile, calibration);

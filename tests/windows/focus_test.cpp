@@ -134,7 +134,7 @@ TEST_F(Focus, AClosedTableLeavesTheKeyboardToTheTree) {
 
 TEST_F(Focus, AClosedCalibrationLeavesItToTheTree) {
     openVe();
-    commands.close();
+    commands.files.close();
     settle();
     EXPECT_EQ(focus(), "treeZentaq");
 }

@@ -41,7 +41,7 @@ class ReadingWindows : public WindowTest {
     void openMeanwhile(std::function<void()> meanwhile) {
         fake.yield.meanwhile = std::move(meanwhile);
         fake.dialogs.files.push_back(calibrationFile());
-        commands.open();
+        commands.files.open();
         EXPECT_FALSE(fake.yield.meanwhile) << "the reading yields";
     }
     bool logged(const std::string& text) const {

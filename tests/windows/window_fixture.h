@@ -81,7 +81,7 @@ class WindowTest : public testing::Test {
     }
     void openCalibration() {
         fake.dialogs.files.push_back(calibrationFile());
-        commands.open();
+        commands.files.open();
         windows.refresh();
         windows.main().refresh();
     }

@@ -79,7 +79,7 @@ TEST_F(Workspace, ShowsTheTreeOfTheCalibrationInHand) {
 
 TEST_F(Workspace, GoesBackToTheStartWhenTheFileIsClosed) {
     openCalibration();
-    commands.close();
+    commands.files.close();
     EXPECT_EQ(tree()->topLevelItemCount(), 0);
     EXPECT_EQ(tabs()->currentIndex(), 0);
     EXPECT_FALSE(tabs()->isTabVisible(1));
@@ -135,7 +135,7 @@ TEST_F(Workspace, ATableMovesIntoAWindowOfItsOwnAndBack) {
 TEST_F(Workspace, ClosingTheCalibrationClosesTheTable) {
     openCalibration();
     click("Volumetric Efficiency Table");
-    commands.close();
+    commands.files.close();
     EXPECT_EQ(windows.table(), nullptr);
     EXPECT_EQ(tabs()->count(), 2);
 }

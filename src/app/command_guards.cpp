@@ -1,0 +1,36 @@
+#include "app/command_guards.h"
+
+#include "app/session.h"
+#include "app/window_set.h"
+
+namespace zentaq {
+
+void afterEdits(Session& session, const std::string& caption, const std::function<void()>& command) {
+    const auto again = [&session, caption, command] { afterEdits(session, caption, command); };
+    if (session.saving.putsOffWhileReading(caption, again)) return;
+    session.windows().afterEdits(caption, command);
+}
+
+bool refusedByTransfer(Session& session) {
+    if (!session.link.transferPending()) return false;
+    // It must not stand in front of what the end of the transfer has to tell.
+    session.show({.title = "Zentaq4",
+                  .text = "A transfer is running.  Please wait until it has ended.",
+                  .icon = Icon::Information,
+                  .buttons = Buttons::Ok,
+                  .stands = [&session] { return session.link.transferPending(); }});
+    return true;
+}
+
+bool refusedBySearch(Session& session) {
+    if (!session.link.searching()) return false;
+    session.inform("A unit is being searched on the ports.  Please wait until that has ended.");
+    return true;
+}
+
+bool agrees(Session& session, const std::string& title, const std::string& text) {
+    const Box box{title, text, Icon::Exclamation, Buttons::YesNo, true};
+    return session.dialogs().show(box) == Answer::Yes;
+}
+
+}  // namespace zentaq

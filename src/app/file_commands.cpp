@@ -1,0 +1,326 @@
+#include "app/file_commands.h"
+
+#include <filesystem>
+#include <map>
+#include <utility>
+
+#include "app/command_guards.h"
+#include "app/save_commands.h"
+#include "app/sensor_matching.h"
+#include "base/errors.h"
+#include "base/number_text.h"
+#include "base/text.h"
+#include "unit/file_kind.h"
+#include "unit/reference_needed.h"
+
+namespace zentaq {
+
+namespace {
+
+/// All calibrations, those of each kind, and files of the older generation.
+std::string openFilter() {
+    std::map<int, std::string_view> ofKinds;
+    for (const UnitKind& kind : unitKinds()) ofKinds[kind.fileFilter] = kind.fileFilterExtension;
+    std::string filter = "Zentaq4 File|*.ZQ4*|";
+    for (const auto& [place, text] : ofKinds) filter += std::string(text) + "|";
+    return filter + "Zentaq BIN file|*.BIN";
+}
+
+/// Releases are counted, not measured: 10.15 is the fifteenth of 10 and newer than 10.2.
+using Release = std::pair<double, double>;
+
+std::string corrupt(const std::string& path) {
+    return "FILE POSSIBLY CORRUPT:   " + fileNameOf(path) + "\nDo you want to enter a new filename?";
+}
+
+double countAt(const std::vector<std::string>& parts, std::size_t place) {
+    return place < parts.size() ? parseNumber(parts[place]).value_or(0) : 0;
+}
+
+Release releaseOfFile(float version) {
+    const auto parts = split(formatNumber(static_cast<double>(version), "##0.##"), '.');
+    return {countAt(parts, 0), countAt(parts, 1)};
+}
+
+/// What this program writes into files: its version behind the first number.
+Release releaseOfProgram() {
+    const auto parts = split(ZENTAQ_VERSION, '.');
+    return {countAt(parts, 1), countAt(parts, 2)};
+}
+
+}  // namespace
+
+void FileCommands::newCalibration() {
+    afterEdits(session_, "Create a New Calibration File",
+               [commands = *this]() mutable { commands.newNow(); });
+}
+
+void FileCommands::open() {
+    afterEdits(session_, "Open an Existing Calibration File",
+               [commands = *this]() mutable { commands.openNow(); });
+}
+
+void FileCommands::close() {
+    afterEdits(session_, "Close", [commands = *this]() mutable { commands.closeNow(); });
+}
+
+void FileCommands::newNow() {
+    if (session_.saving.putsOff("New", [commands = *this]() mutable { commands.newCalibration(); })) return;
+    if (refusedByTransfer(session_)) return;
+    if (!session_.windows().close(window::generalConfig)) return;
+    // Asked whether or not something was changed: the file on the disk may be all there is of this tune.
+    if (session_.header().fileState == "OLD") {
+        const Answer answer = session_.dialogs().show(
+            {"Save Data?", "Would you like to save the Current .BIN file before creating a new one?",
+             Icon::Question, Buttons::YesNo});
+        if (answer == Answer::Yes) {
+            return SaveCommands(session_).saveCurrent([commands = *this](bool saved) mutable {
+                if (!saved) return;
+                // What was changed while the disk was busy is asked about as well.
+                commands.session_.DataModified ? commands.newCalibration() : commands.startNew();
+            });
+        }
+    }
+    startNew();
+}
+
+void FileCommands::startNew() {
+    if (refusedByTransfer(session_)) return;  // begun while the disk was busy
+    session_.header().fileState = "NEW";
+    session_.windows().open(window::generalConfig);
+}
+
+void FileCommands::openNow() {
+    if (session_.saving.putsOff("Open", [commands = *this]() mutable { commands.open(); })) return;
+    if (refusedByTransfer(session_)) return;
+    if (!session_.windows().close(window::generalConfig)) return;
+    if (session_.CurrentFile.empty()) return startOpening();
+    // A save that was wanted and failed ends the command, so that nothing is lost.
+    SaveCommands(session_).offerToSave([commands = *this]() mutable { commands.startOpening(); });
+}
+
+void FileCommands::startOpening() {
+    if (refusedByTransfer(session_)) return;  // begun while the disk was busy
+    while (openOnce() == Next::AskAgain) {
+    }
+}
+
+FileCommands::Next FileCommands::askAgain(const std::string& title, const std::string& text) {
+    const Answer answer = session_.dialogs().show({title, text, Icon::Exclamation, Buttons::YesNo});
+    return answer == Answer::Yes ? Next::AskAgain : Next::Done;
+}
+
+FileCommands::Next FileCommands::openOnce() {
+    FileRequest request;
+    request.title = "Open Zentaq4 User Calibration Files";
+    request.folder = session_.platform().userFolder;
+    request.filter = openFilter();
+    request.filterIndex = session_.FileFilterIndex;
+    const std::string path = session_.dialogs().openFile(request);
+    if (path.empty()) return Next::Done;
+
+    const std::string extension = upper(extensionOf(path));
+    if (isOldFileName(path)) {
+        std::error_code error;
+        const auto length = std::filesystem::file_size(path, error);
+        return openOlder(path, error ? 0 : length);
+    }
+    // Only the first four characters count, so ".ZQ4OA" and ".ZQ4" both pass.
+    if (extension.substr(0, 4) != ".ZQ4") {
+        return askAgain("File Extension Error", "INCORRECT FILE EXTENSION:   " + fileNameOf(path) +
+                                                    "\nDo you want to enter a new filename?");
+    }
+    return openCalibration(path);
+}
+
+FileCommands::Next FileCommands::openOlder(const std::string& path, std::uintmax_t length) {
+    const int slot = kindOfOldFile(length);
+    if (slot == 0) {
+        return askAgain("File Format Error",
+                        "INCORRECT FILE SIZE:   " + std::to_string(length) + "\nEnter a new filename?");
+    }
+    session_.sysLog("Opened Bin File: " + path);
+    std::string why;
+    const FlagScope reading = session_.saving.beginReading();
+    const Outcome outcome = read(
+        slot, [&](Unit& unit) { unit.OldFileOpen(path); }, why);
+    if (outcome != Outcome::Whole) return tellNotRead(outcome, path, why);
+    session_.inform("This is an old format file.  You MUST do a 'Save As...' to save the file again.");
+    finishOpening(path);
+    session_.fileHolds.reset();  // never written over
+    return Next::Done;
+}
+
+FileCommands::Outcome FileCommands::read(int slot, const std::function<void(Unit&)>& file, std::string& why) {
+    // The former calibration stays in hand until the new one has been read whole. Reading lets events in: a
+    // unit that comes meanwhile may take either of them to the other slot of its class.
+    const FileHeader former = session_.header();
+    const Unit& formerUnit = session_.currentUnitObject();
+    Outcome outcome = Outcome::Whole;
+    session_.retryReference();
+    endOnFailure(
+        [&] {
+            outcome = Outcome::Corrupt;
+            Unit& unit = session_.Units(slot);
+            try {
+                file(unit);
+            } catch (const ReferenceNeeded&) {
+                outcome = Outcome::NeedsReference;
+                throw;
+            }
+            session_.CurrentUnit(static_cast<float>(unit.kind().slot));
+            outcome = Outcome::Whole;
+        },
+        [&](const std::string& reason) {
+            why = reason;
+            session_.sysLog("Calibration file not read: " + why);
+        });
+    if (outcome == Outcome::Whole) {
+        session_.header().fileState = "OLD";
+        session_.paintMemory.erase();  // behind the last frame that came while the file was read
+        // A table of one kind does not stand over the calibration of another, which may lack it.
+        const bool otherKind = &formerUnit != &session_.currentUnitObject();
+        if (former.currentUnit != 0 && otherKind) session_.windows().removeForms();
+    } else {
+        session_.header() = former;
+        if (former.currentUnit != 0) session_.CurrentUnit(static_cast<float>(formerUnit.kind().slot));
+    }
+    session_.followLinkedKind();
+    return outcome;
+}
+
+FileCommands::Next FileCommands::tellNotRead(Outcome outcome, const std::string& path,
+                                             const std::string& why) {
+    if (outcome == Outcome::Corrupt) return askAgain("File Read Error", corrupt(path));
+    return askAgain("Reference Database",
+                    "FILE CANNOT BE CONVERTED:   " + fileNameOf(path) +
+                        "\nThis file was made for another firmware and must be converted.\n" + why +
+                        "\nNothing was opened. Close the program that uses the database, or install this one "
+                        "again.\nDo you want to enter a new filename?");
+}
+
+FileCommands::Next FileCommands::openCalibration(const std::string& path) {
+    const std::string name = fileNameOf(path);
+    session_.sysLog("Opened Calibration File: " + path);
+
+    CalibrationFileKind file;
+    if (!skipFailing([&] { file = kindOfCalibrationFile(path); }) || file.slot == 0) {
+        return askAgain("File Read Error", corrupt(path));
+    }
+    if (!session_.hasUnit(file.slot)) {
+        return askAgain("Unit Support Error",
+                        "INCORRECT ORB UNIT TYPE:   " + name +
+                            "\nThis file was generated by a version of Zentaq newer than this,\n"
+                            "and was built for a unit not supported by this version.\n"
+                            "Do you want to enter a new filename?");
+    }
+    if (!file.byLength && releaseOfFile(file.programVersion) > releaseOfProgram()) {
+        const Next next =
+            askAgain("Version Support Error",
+                     "FILE CREATED WITH NEWER ZENTAQ:   " + formatNumber(file.programVersion, "##.0#") +
+                         "\nThis file was generated by a version of Zentaq newer than this\n"
+                         "version.  Some features enabled in this file may not be supported.\n"
+                         "Do you want to load another file?");
+        if (next == Next::AskAgain) return next;  // No loads the newer file all the same
+    }
+
+    // The boxes let a unit come.
+    const int slot = session_.slotForFile(file.slot);
+    std::string why;
+    std::string bytes;
+    const auto openBytes = [&](Unit& unit) {
+        bytes = knownStart(path);
+        unit.FileOpen(path, bytes);
+    };
+    const FlagScope reading = session_.saving.beginReading();
+    const Outcome outcome = read(slot, openBytes, why);
+    if (outcome != Outcome::Whole) return tellNotRead(outcome, path, why);
+    session_.fileHolds = std::move(bytes);
+    finishOpening(path);
+    return Next::Done;
+}
+
+void FileCommands::repairOldFields() {
+    Unit& unit = session_.currentUnitObject();
+    const float toggle = unit.get("TPS_MARGIN_TOGGLE");
+    if (toggle == 0 || toggle == 1) return;
+    unit.set("TPS_MARGIN_TOGGLE", 0.0);
+    unit.set("TPS_MARGIN_VALUE", 0.08);
+}
+
+void FileCommands::finishOpening(const std::string& path) {
+    Unit& unit = session_.currentUnitObject();
+    unit.BinFile(path);
+    repairOldFields();
+    const LinkedUnit& linked = session_.link.linked();
+    const auto matches = [&] { return linked.LinkedUnitKind == session_.currentUnit(); };
+    if (linked.LinkedUnitKind != 0 && !matches()) {
+        session_.dialogs().show(
+            {"Unit Type Mismatch",
+             "This calibration file is for a different system than that connected.\n"
+             "You may still edit the calibration file, but no changes will be made to the unit.",
+             Icon::Exclamation, Buttons::Ok});
+    }
+    session_.FileFilterIndex = unit.kind().fileFilter;
+    session_.CurrentFile = path;
+    session_.windows().tell(&WindowNews::titleChanged, "Current Calibration File: " + path);
+    session_.sysLog("Loaded Calibration: " + path);
+    if (!isOldFileName(path)) noteShortFile(path);
+    session_.DataModified = false;
+    // The box lets units come and go.
+    if (matches() && session_.Monitoring) session_.applyMonitorMode();
+    // A unit that was identified before the file came takes changes from now on.
+    session_.initializeOnFly(matches() && linked.UnitIdentified);
+    session_.windows().tell(&WindowNews::setupNodes);
+    // Asked with each opening until the sensor stands in the database.
+    skipFailing([&] { matchSensor(session_); });
+    tellCutFile(path);
+}
+
+// Kept: a file of any length loads, and cells behind its end are 0, because older programs wrote fewer. The
+// log says it of each; one as short as no program wrote it has been cut, and a box says so.
+void FileCommands::noteShortFile(const std::string& path) {
+    constexpr std::uintmax_t headerBytes = 12;
+    const auto whole =
+        headerBytes + 4 * static_cast<std::uintmax_t>(session_.currentUnitObject().kind().fileFloats);
+    std::error_code error;
+    const auto length = std::filesystem::file_size(path, error);
+    if (error || length >= whole) return;
+    session_.sysLog("Short file: " + std::to_string(length) + " of " + std::to_string(whole) +
+                    " bytes. What is missing was taken as 0.");
+}
+
+void FileCommands::tellCutFile(const std::string& path) {
+    const int cells = session_.header().cellsCutOff;
+    if (cells == 0) return;
+    session_.dialogs().show({"Damaged File",
+                             "FILE POSSIBLY CORRUPT:   " + fileNameOf(path) + "\n" +
+                                 cutOffText(session_.currentUnitObject().kind(), cells) +
+                                 "\nPlease look for a whole copy, and program no unit with this one.",
+                             Icon::Exclamation, Buttons::Ok});
+}
+
+void FileCommands::closeNow() {
+    if (session_.saving.putsOff("Close", [commands = *this]() mutable { commands.close(); })) return;
+    if (session_.CurrentFile.empty()) return;
+    if (refusedByTransfer(session_)) return;
+    SaveCommands(session_).offerToSave([commands = *this]() mutable { commands.finishClosing(); });
+}
+
+void FileCommands::finishClosing() {
+    if (refusedByTransfer(session_)) return;  // begun while the disk was busy
+    session_.windows().removeForms();
+    session_.initializeOnFly(false);
+    session_.currentUnitObject().CloseFile();
+    session_.CurrentUnit(0);
+    session_.paintMemory.erase();
+    session_.header().fileState.clear();
+    session_.CurrentFile.clear();
+    session_.fileHolds.reset();
+    session_.DataModified = false;
+    session_.windows().tell(&WindowNews::titleChanged, "");
+    session_.windows().tell(&WindowNews::setupNodes);
+    session_.windows().tell(&WindowNews::showStartTab);
+}
+
+}  // namespace zentaq

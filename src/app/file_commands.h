@@ -1,0 +1,47 @@
+// The calibration in hand comes and goes: a new one, one from a file, none.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "app/session.h"
+
+namespace zentaq {
+
+/// All report by boxes and leave the former state on a failure. What needs a save that runs to have ended
+/// begins anew then.
+class FileCommands {
+ public:
+    explicit FileCommands(Session& session) : session_(session) {}
+
+    void newCalibration();  ///< mnuNew
+    void open();            ///< mnuOpen
+    void close();           ///< mnuClose
+
+ private:
+    void newNow();
+    void startNew();
+    void openNow();
+    void startOpening();
+    enum class Next { Done, AskAgain };
+    Next openOnce();
+    Next openCalibration(const std::string& path);
+    Next openOlder(const std::string& path, std::uintmax_t length);
+    enum class Outcome { Whole, Corrupt, NeedsReference };
+    /// Reads a file into the object of a slot, which becomes the current one. When it cannot be read there is
+    /// a line in the log, and all is as before.
+    Outcome read(int slot, const std::function<void(Unit&)>& file, std::string& why);
+    Next tellNotRead(Outcome outcome, const std::string& path, const std::string& why);
+    Next askAgain(const std::string& title, const std::string& text);
+    void finishOpening(const std::string& path);
+    void repairOldFields();
+    void noteShortFile(const std::string& path);
+    void tellCutFile(const std::string& path);
+    void closeNow();
+    void finishClosing();
+
+    Session& session_;
+};
+
+}  // namespace zentaq
