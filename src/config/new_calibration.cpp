@@ -1,12 +1,14 @@
 #include "config/new_calibration.h"
 
 #include <algorithm>
+#include <array>
 #include <string_view>
 #include <utility>
 
 #include "base/rounding.h"
 #include "config/kind_defaults.h"
 #include "config/pressure_units.h"
+#include "refdata/schema.h"
 #include "unit/legacy_sensor.h"
 #include "unit/temperature.h"
 
@@ -29,81 +31,31 @@ struct Load {
     constexpr Load(const char* name, Holds what = Holds::MembersUnit)  // NOLINT: mostly one name
         : set(name), member(name), holds(what) {}
     constexpr Load(const char* from, const char* into) : set(from), member(into) {}
+    constexpr explicit Load(std::string_view name) : set(name), member(name) {}
 };
 
-/// The order matters: `MAP_Active` opens the range of `DCCL_3`, and the duty cells are filled by the
-/// members that use them before they are set.
-constexpr Load scalars[] = {"Initial_Advance",
-                            "TBSOFF",
-                            "ACE0",
-                            {"ACE1", Holds::KpaSpan},
-                            "ACE2",
-                            "ACE3",
-                            "ACE4",
-                            "ACE5",
-                            "ACE6",
-                            "ACE7",
-                            "ACCL_PW",
-                            "ACCL_TM",
-                            "SE0",
-                            "SE1",
-                            "SEPW",
-                            "SECLT",
-                            "ASE0",
-                            "ASE1",
-                            "FPT",
-                            "MT",
-                            "SCALE2",
+/// Sets of one number are loaded by their member's name; here stand those that hold something else or have an
+/// order. `MAP_Active` opens the range of `DCCL_3`, and options write bits of the control bytes.
+constexpr Load scalars[] = {{"ACE1", Holds::KpaSpan},
                             "MAP_Active",
                             "DCCL_CutActive",
-                            "DCCL_0",
-                            "DCCL_1",
                             {"DCCL_3", Holds::Kpa},
-                            "DCCL_4",
                             {"MAP_Max", Holds::Kpa},
-                            "BSTCTTM",
-                            "CONDIV",
-                            "AVRDIV",
-                            "Register_Number",
-                            "EGO_LMT",
-                            "EGO_RPM",
                             {"EGO_MAP", Holds::Kpa},
-                            "EGO_TMP",
-                            "EGO_RPML",
                             "Y",
                             "X",
-                            "EGO_HighVoltage",
-                            "EGO_LowVoltage",
                             "EGO_Type",
-                            "KNK_MIN",
-                            "KNK_ATK",
-                            "KNK_DCY",
-                            "KNK_MAX",
-                            "KNK_RPM",
                             "opt_3Stage",
-                            "opt_NoFuelCut",
-                            "OVR1THR",
-                            "OVR2THR",
-                            "REV_Hysteresis",
-                            "REV_AuxLimiter",
-                            "REV_Limit_Approach",
-                            "CYL_OvrThr",
-                            "CYL_CutDly"};
+                            "opt_NoFuelCut"};
 
-/// Behind the bits of the first control byte.
-constexpr Load scalarsBehindBits[] = {"opt_IdleSpeed", "NEGPGAIN",    "POSPGAIN",
-                                      "NEGDGAIN",      "POSDGAIN",    "Reset_Duty",
-                                      "IAC_RPM_HI",    "IAC_RPM_LO",  "IAC_Start",
-                                      "IS_RTD",        "IS_ADV",      {"ISTMP", Holds::Celsius},
-                                      "ISRPM",         "MinDuty",     "MaxDuty",
-                                      "CLT_FailHigh",  "CLT_FailLow", "CLT_Default",
-                                      "MAP_FailHigh",  "MAP_FailLow", {"MAP_Default", Holds::Kpa},
-                                      "MAP_FIL",       "TPS_FCV",     "TPS_WOV",
-                                      "TPS_FailHigh",  "TPS_FailLow", "TPS_Default",
-                                      "EGO_FailTime",  "EGO_SUD",     "MAT_FailHigh",
-                                      "MAT_FailLow",   "MAT_Default", "KNK_Timer",
-                                      "MAFMax",        "BARO_ADV",    "FuelTrim",
-                                      "INJTRIM"};
+/// Behind the bits of the first control byte. The duty cells are filled by the members that use them before
+/// they are set.
+constexpr Load scalarsBehindBits[] = {"opt_IdleSpeed", "Reset_Duty", "IAC_Start", {"ISTMP", Holds::Celsius},
+                                      "ISRPM",         "MinDuty",    "MaxDuty",   {"MAP_Default", Holds::Kpa},
+                                      "BARO_ADV",      "FuelTrim",   "INJTRIM"};
+
+/// Entered, or offered by startingFigures.
+constexpr std::array<std::string_view, 4> figureSets{"REV_Limiter", "scale1", "INJ_On", "INJ_Number"};
 
 /// Fills members one by one and remembers who refused. On-the-fly changes rest meanwhile.
 class Filler {
@@ -229,6 +181,17 @@ void putPins(Unit& unit, const KindDefaults& defaults) {
     }
 }
 
+/// A set that is one kind's own version of another one bears no member's name.
+void putNumbers(Filler& filler, const KindDefaults& defaults) {
+    for (const refdata::DefaultsSet& set : refdata::defaultsSets()) {
+        const auto bears = [&](const Load& load) { return load.set == set.name; };
+        const bool loaded = std::ranges::any_of(scalars, bears) ||
+                            std::ranges::any_of(scalarsBehindBits, bears) ||
+                            std::ranges::find(figureSets, set.name) != figureSets.end();
+        if (set.count == 1 && !loaded) filler.put(defaults, Load(set.name));
+    }
+}
+
 }  // namespace
 
 void startNewCalibration(Unit& unit) {
@@ -312,6 +275,7 @@ RefusedMembers loadDefaults(Unit& unit, const Database& database, const EngineFi
     for (const Load& scalar : scalars) filler.put(defaults, scalar);
     putControlBits(unit, defaults);
     for (const Load& scalar : scalarsBehindBits) filler.put(defaults, scalar);
+    putNumbers(filler, defaults);
     putPins(unit, defaults);
     filler.put(defaults, "BARO_TRIM");
     unit.host().addToLastLine("SUCCESS!");
