@@ -5,7 +5,7 @@
 
 #include <sstream>
 
-#include "link/link_bench.h"
+#include "headless/headless_bench.h"
 
 namespace zentaq {
 namespace {
@@ -14,34 +14,12 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-class StepOfAMonitor : public Yield {
- public:
-    explicit StepOfAMonitor(ScriptedPort& port) : port_(port) {}
-    void yield() override {
-        port_.advanceUs(1000);
-        if (tick) tick();
-        if (meanwhile) meanwhile();
-    }
-    std::function<void()> tick;
-    std::function<void()> meanwhile;
-
- private:
-    ScriptedPort& port_;
-};
-
-class Monitor : public testing::Test {
+class Monitor : public HeadlessBench {
  protected:
-    /// A unit of kind 3 and release 5 sends wide frames of 65 bytes.
     void SetUp() override {
-        pass.tick = [this] { session.link().tick(); };
-        port.always("E", identifyReply(200001));
-        port.always("B", firmwareReply("DEMO", "ZQA-405099"));
-        port.always("C", framed(39, {}));
         port.always("T", framed(16, {}));
         port.always("W", atOnce(framed(65, {{3, 4}, {4, 176}})));  // 4 * 256 + 176 = 1200 rpm
-        session.open(1);
-        ASSERT_EQ(session.findUnit(), Found::Identified);
-        port.takeWritten();
+        identify();
         wishes.durationUs = 1'000'000;
         wishes.onLink = [this](bool there) { link.push_back(there); };
         wishes.onSecond = [this](int second) { seconds.push_back(second); };
@@ -54,15 +32,6 @@ class Monitor : public testing::Test {
     Ending run() { return HeadlessMonitor(session, wishes).run(); }
     std::int64_t elapsedUs() const { return clock.monotonicUs() - startUs; }
 
-    ManualClock clock;
-    ScriptedPort port{clock};
-    StepOfAMonitor pass{port};
-    PlainUnitHost unitHost;
-    bool stop = false;
-    HeadlessSession session{
-        {.port = port, .clock = clock, .pass = pass, .unitHost = unitHost, .stopWanted = [this] {
-             return stop;
-         }}};
     HeadlessMonitor::Wishes wishes;
     std::vector<bool> link;
     std::vector<int> seconds;

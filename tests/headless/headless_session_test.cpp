@@ -7,34 +7,17 @@
 #include <fstream>
 
 #include "base/errors.h"
-#include "link/link_bench.h"
+#include "headless/headless_bench.h"
 
 namespace zentaq {
 namespace {
 
 using testing::ElementsAre;
 
-/// A step lets one millisecond pass.
-class StepOfABench : public Yield {
- public:
-    explicit StepOfABench(ScriptedPort& port) : port_(port) {}
-    void yield() override {
-        port_.advanceUs(1000);
-        if (tick) tick();
-        if (meanwhile) meanwhile();
-        ++count;
-    }
-    std::function<void()> tick;
-    std::function<void()> meanwhile;
-    int count = 0;
-
- private:
-    ScriptedPort& port_;
-};
-
-class Headless : public testing::Test {
+/// With a calibration in hand.
+class Headless : public HeadlessBench {
  protected:
-    Headless() {
+    Headless() : HeadlessBench(&calibration) {
         unitHost.folder = folder.path();
         // Any calibration that converts: some cells are divisors, and the sensor must be one.
         for (int index = 0; index < Unit::cellCount; ++index) calibration.AssignDirectIndex(20, index);
@@ -43,19 +26,6 @@ class Headless : public testing::Test {
         calibration.AssignDirectIndex(1, cells.mapUnits);
         calibration.AssignDirectIndex(0.05F, cells.mapScaler);
         calibration.AssignDirectIndex(0.5F, cells.mapOffset);
-        pass.tick = [this] { session.link().tick(); };
-    }
-
-    void answerAsOrbA(const std::string& firmware = "ZQA-405099") {
-        port.always("E", identifyReply(200001));
-        port.always("B", firmwareReply("DEMO", firmware));
-        port.always("C", framed(39, {}));
-    }
-    void identify() {
-        answerAsOrbA();
-        session.open(1);
-        ASSERT_EQ(session.findUnit(), Found::Identified);
-        port.takeWritten();
     }
     /// Every line of a program is answered; the n-th by `odd`.
     void answerLines(int number, const std::string& odd, const std::string& end = "PN") {
@@ -69,21 +39,19 @@ class Headless : public testing::Test {
     TransferReport program() { return session.transfer(TransferMode::Calibration); }
 
     TemporaryFolder folder;
-    ManualClock clock;
-    ScriptedPort port{clock};
-    StepOfABench pass{port};
-    PlainUnitHost unitHost;
     Unit calibration{orbaKind(), unitHost};
-    bool stop = false;
     int lines = 0;
-    int watched = 0;
-    HeadlessSession session{{.port = port,
-                             .clock = clock,
-                             .pass = pass,
-                             .unitHost = unitHost,
-                             .calibration = &calibration,
-                             .stopWanted = [this] { return stop; },
-                             .watch = [this](const LinkStatus&) { ++watched; }}};
+};
+
+/// How the start and the lines of a transfer are answered, and how it ends.
+struct AnsweredLines {
+    const char* start;
+    int oddLine;  ///< 0: none
+    const char* odd;
+    const char* last;
+    Ending ending;
+    int lines;
+    FirmwareLeft left = FirmwareLeft::Former;
 };
 
 TEST_F(Headless, APortThatCannotBeOpenedThrows) {
@@ -198,50 +166,23 @@ TEST_F(Headless, CodesAreReadOnlyFromAWholeReply) {
 
 // ---- Programming: an image of 147 rows and the end record
 
-TEST_F(Headless, AProgramThatTheUnitVerifiesIsDone) {
-    identify();
-    port.once("P1", "AX");
-    answerLines(0, {});
-    const TransferReport end = program();
-    EXPECT_EQ(end.ending, Ending::Done);
-    EXPECT_EQ(end.lines, 148);
-    EXPECT_EQ(end.total, 148);
-    EXPECT_EQ(lines, 148);
-}
-
-TEST_F(Headless, AProgramWhoseEndIsNotVerifiedIsUnclearThoughEveryLineWasTaken) {
-    identify();
-    port.once("P1", "AX");
-    answerLines(0, {}, "AX");
-    EXPECT_EQ(program().ending, Ending::Unclear);
-    EXPECT_EQ(lines, 148);
-}
-
-TEST_F(Headless, ARefusedLineEndsAProgramAndTellsWhichOne) {
-    identify();
-    port.once("P1", "AX");
-    answerLines(9, "AR");
-    const TransferReport end = program();
-    EXPECT_EQ(end.ending, Ending::Refused);
-    EXPECT_EQ(end.lines, 9);
-    EXPECT_EQ(lines, 9);
-}
-
-TEST_F(Headless, ARefusedStartHasSentNoLine) {
-    identify();
-    port.once("P1", "AR");
-    const TransferReport end = program();
-    EXPECT_EQ(end.ending, Ending::Refused);
-    EXPECT_EQ(end.lines, 0);
-}
-
-TEST_F(Headless, AnUnansweredLineIsSilent) {
-    identify();
-    port.once("P1", "AX");
-    answerLines(9, "");
-    const TransferReport end = program();
-    EXPECT_EQ(end.ending, Ending::Silent);
-    EXPECT_EQ(end.lines, 9);
+TEST_F(Headless, AProgramEndsAsItsLinesAreAnswered) {
+    constexpr AnsweredLines rows[] = {{"AX", 0, "", "PN", Ending::Done, 148},
+                                      {"AX", 0, "", "AX", Ending::Unclear, 148},  // taken, not verified
+                                      {"AX", 9, "AR", "PN", Ending::Refused, 9},
+                                      {"AR", 0, "", "PN", Ending::Refused, 0},
+                                      {"AX", 9, "", "PN", Ending::Silent, 9}};
+    for (const AnsweredLines& row : rows) {
+        identify();
+        lines = 0;
+        port.once("P1", row.start);
+        answerLines(row.oddLine, row.odd, row.last);
+        const TransferReport end = program();
+        EXPECT_EQ(end.ending, row.ending);
+        EXPECT_EQ(end.lines, row.lines);
+        EXPECT_EQ(end.total, 148);
+        EXPECT_EQ(lines, row.lines);
+    }
 }
 
 TEST_F(Headless, AStopWaitsForTheAnswerToTheLineInFlight) {
@@ -286,15 +227,25 @@ class HeadlessFirmware : public Headless {
     }
 };
 
-TEST_F(HeadlessFirmware, AFirmwareThatTheUnitVerifiesIsDone) {
-    identify();
-    port.always("P3", atOnce("AX"));
-    answerLines(0, "");
-    const TransferReport end = upgrade();
-    EXPECT_EQ(end.ending, Ending::Done);
-    EXPECT_EQ(end.lines, 3);
-    EXPECT_EQ(end.total, 3) << "the lines of the file, though the link counts one more";
-    EXPECT_THAT(port.written(), ElementsAre("P3", "S0a", "S1b", "S9c"));
+TEST_F(HeadlessFirmware, AFirmwareEndsAsItsLinesAreAnswered) {
+    constexpr AnsweredLines rows[] = {{"AX", 0, "", "PN", Ending::Done, 3},
+                                      {"AX", 0, "", "AX", Ending::Unclear, 3},
+                                      {"AR", 0, "", "PN", Ending::Refused, 0, FirmwareLeft::Former},
+                                      {"AX", 2, "AR", "PN", Ending::Refused, 2, FirmwareLeft::None},
+                                      {"AX", 2, "", "PN", Ending::Silent, 2, FirmwareLeft::None}};
+    for (const AnsweredLines& row : rows) {
+        identify();
+        lines = 0;
+        port.always("P3", atOnce(row.start));
+        answerLines(row.oddLine, row.odd, row.last);
+        const TransferReport end = upgrade();
+        EXPECT_EQ(end.ending, row.ending);
+        EXPECT_EQ(end.lines, row.lines);
+        EXPECT_EQ(end.total, 3) << "the lines of the file, though the link counts one more";
+        EXPECT_EQ(end.firmware, row.left);
+        const Texts sent{"P3", "S0a", "S1b", "S9c"};
+        EXPECT_EQ(port.written(), Texts(sent.begin(), sent.begin() + 1 + row.lines));
+    }
 }
 
 TEST_F(HeadlessFirmware, AskedAnewItTellsWhoIsThereNow) {
@@ -308,42 +259,6 @@ TEST_F(HeadlessFirmware, AskedAnewItTellsWhoIsThereNow) {
     EXPECT_EQ(session.link().linked().SerialNumber, first + 1);
     port.always("E", atOnce(""));
     EXPECT_EQ(session.findAgain(), Found::Nobody);
-}
-
-TEST_F(HeadlessFirmware, AUnitThatIsNotInUpgradeModeRefusesTheStart) {
-    identify();
-    port.always("P3", atOnce("AR"));
-    const TransferReport end = upgrade();
-    EXPECT_EQ(end.ending, Ending::Refused);
-    EXPECT_EQ(end.lines, 0);
-    EXPECT_EQ(end.firmware, FirmwareLeft::Former);
-}
-
-TEST_F(HeadlessFirmware, ARefusedLineIsTheLineThatIsTold) {
-    identify();
-    port.always("P3", atOnce("AX"));
-    answerLines(2, "AR");
-    const TransferReport end = upgrade();
-    EXPECT_EQ(end.ending, Ending::Refused);
-    EXPECT_EQ(end.lines, 2);
-    EXPECT_EQ(end.firmware, FirmwareLeft::None);
-}
-
-TEST_F(HeadlessFirmware, ASilentUnitIsTold) {
-    identify();
-    port.always("P3", atOnce("AX"));
-    answerLines(2, "");
-    const TransferReport end = upgrade();
-    EXPECT_EQ(end.ending, Ending::Silent);
-    EXPECT_EQ(end.lines, 2);
-    EXPECT_EQ(end.firmware, FirmwareLeft::None);
-}
-
-TEST_F(HeadlessFirmware, AFileThatRunsOutUnverifiedIsUnclear) {
-    identify();
-    port.always("P3", atOnce("AX"));
-    answerLines(0, "", "AX");
-    EXPECT_EQ(upgrade().ending, Ending::Unclear);
 }
 
 TEST_F(HeadlessFirmware, AUnitThatAnswersNothingButTheStartIsProgrammed) {

@@ -31,6 +31,14 @@ class LinkTransfers : public LinkBench {
         std::ofstream(folder.path("ORB.s19"), std::ios::binary | std::ios::trunc) << content;
     }
 
+    /// One more run of two lines; the messages that it ends with.
+    std::vector<int> again() {
+        forget();
+        upgrade("S0\nS9\n");
+        runUntilIdle();
+        return host.messages;
+    }
+
     void runUntilIdle(int limit = 20'000) {
         for (int i = 0; i < limit && (link.transfer().active() || link.ring().count() > 0); ++i) ticks(1);
     }
@@ -519,44 +527,29 @@ class LostFirmware : public LinkTransfers {
 TEST_F(LostFirmware, OnlyTheThirdStartInARowThatGetsNoAnswerIsToldWithMessage1009) {
     answerLines("");
     for (const int message : {1004, 1004, 1009, 1009}) {
-        forget();
-        upgrade("S0\nS9\n");
-        runUntilIdle();
-        EXPECT_EQ(host.messages, (std::vector<int>{message}));
+        EXPECT_EQ(again(), (std::vector<int>{message}));
     }
 }
 
 TEST_F(LostFirmware, AnAnswerBetweenTwoSilentStartsBeginsTheCountAnew) {
-    const auto next = [&](const char* reply) {
+    const std::pair<const char*, int> starts[] = {{"", 1004}, {"", 1004}, {"AR", 1005},
+                                                  {"", 1004}, {"", 1004}, {"", 1009}};
+    for (const auto& [reply, message] : starts) {
         answerLines(reply);
-        forget();
-        upgrade("S0\nS9\n");
-        runUntilIdle();
-        return host.messages;
-    };
-    EXPECT_EQ(next(""), (std::vector<int>{1004}));
-    EXPECT_EQ(next(""), (std::vector<int>{1004}));
-    EXPECT_EQ(next("AR"), (std::vector<int>{1005}));
-    EXPECT_EQ(next(""), (std::vector<int>{1004}));
-    EXPECT_EQ(next(""), (std::vector<int>{1004}));
-    EXPECT_EQ(next(""), (std::vector<int>{1009}));
+        EXPECT_EQ(again(), (std::vector<int>{message}));
+    }
 }
 
 TEST_F(LostFirmware, AUnitThatRefusesTheNextStartIsToldWithMessage1005) {
     answerLines("AR");
-    upgrade("S0\nS9\n");
-    runUntilIdle();
-    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
+    EXPECT_EQ(again(), (std::vector<int>{1005}));
     EXPECT_TRUE(link.firmware().lost()) << "no run has ended well since";
 }
 
 TEST_F(LinkTransfers, SilentStartsOfAUnitThatNeverGotALineProveNothing) {
     find(200000);
     for (int run = 0; run < 5; ++run) {
-        forget();
-        upgrade("S0\nS9\n");
-        runUntilIdle();
-        EXPECT_EQ(host.messages, (std::vector<int>{1004})) << run;
+        EXPECT_EQ(again(), (std::vector<int>{1004})) << run;
     }
 }
 
@@ -564,10 +557,7 @@ TEST_F(LostFirmware, WithAClosedPortNobodyKnowsThatTheUnitIsLostForGood) {
     answerLines("");
     link.RS232_Close();
     for (int run = 0; run < 4; ++run) {
-        forget();
-        upgrade("S0\nS9\n");
-        runUntilIdle();
-        EXPECT_EQ(host.messages, (std::vector<int>{1004})) << run;
+        EXPECT_EQ(again(), (std::vector<int>{1004})) << run;
     }
 }
 
@@ -606,10 +596,7 @@ TEST_F(LostFirmware, WithTheAdapterThereAgainLaterRunsMayTellThatTheUnitIsLost) 
     port.returnDevice("/dev/ttyUSB0");
     ticks(2000);
     for (const int message : {1004, 1004, 1009}) {
-        forget();
-        upgrade("S0\nS9\n");
-        runUntilIdle();
-        EXPECT_EQ(host.messages, (std::vector<int>{message}));
+        EXPECT_EQ(again(), (std::vector<int>{message}));
     }
 }
 
@@ -631,15 +618,10 @@ TEST_F(LostFirmware, ItsKindIsKeptForTheRunThatMendsIt) {
 
 TEST_F(LostFirmware, ASecondRunThatEndsWellMendsIt) {
     port.always("S9", atOnce("PN"));
-    upgrade("S0\nS9\n");
-    runUntilIdle();
-    EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008}));
+    EXPECT_EQ(again(), (std::vector<int>{1002, 1008}));
     EXPECT_FALSE(link.firmware().lost());
-    forget();
     answerLines("AR");
-    upgrade("S0\nS9\n");
-    runUntilIdle();
-    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
+    EXPECT_EQ(again(), (std::vector<int>{1005}));
 }
 
 TEST_F(LostFirmware, AnEmptyFileMendsNothing) {
@@ -653,10 +635,7 @@ TEST_F(LostFirmware, AUnitThatTellsItsFirmwareHasOne) {
     EXPECT_FALSE(link.firmware().lost());
     answerLines("");
     for (int run = 0; run < 4; ++run) {
-        forget();
-        upgrade("S0\nS9\n");
-        runUntilIdle();
-        EXPECT_EQ(host.messages, (std::vector<int>{1004})) << run;
+        EXPECT_EQ(again(), (std::vector<int>{1004})) << run;
     }
 }
 
@@ -706,9 +685,10 @@ class WaitingFirmware : public LinkTransfers {
         EXPECT_TRUE(link.transfer().firmware());
         forget();
     }
-    bool programmed() const {
-        const Texts all = port.written();
-        return std::ranges::count(all, "P3") != 0;
+    void expectItEnds() {
+        ticks(3000);
+        EXPECT_EQ(std::ranges::count(port.written(), std::string("P3")), 0);
+        EXPECT_EQ(host.messages, (std::vector<int>{1005}));
     }
 };
 
@@ -722,9 +702,7 @@ TEST_F(WaitingFirmware, GoesOutOnceTheSameUnitHasSaidThatItIsThere) {
 
 TEST_F(WaitingFirmware, EndsWhereAUnitOfAnotherKindAnswers) {
     port.once("E", identifyReply(300001));
-    ticks(3000);
-    EXPECT_FALSE(programmed());
-    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
+    expectItEnds();
     ASSERT_EQ(host.boxes.size(), 1u);
     EXPECT_EQ(host.boxes[0].title, "Another Unit");
     EXPECT_FALSE(link.transferPending());
@@ -734,24 +712,18 @@ TEST_F(WaitingFirmware, EndsWhereAUnitOfAnotherKindAnswers) {
 
 TEST_F(WaitingFirmware, EndsWhereAnotherUnitOfItsKindAnswers) {
     port.once("E", identifyReply(200002));
-    ticks(3000);
-    EXPECT_FALSE(programmed());
-    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
+    expectItEnds();
 }
 
 TEST_F(WaitingFirmware, EndsWhereAUnitOfTheOldestFormatAnswers) {
     port.once("E", bytes({0x00, 0x01, 0x00, 0x01, 'A', 'X'}));
-    ticks(3000);
-    EXPECT_FALSE(programmed());
-    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
+    expectItEnds();
 }
 
 TEST_F(WaitingFirmware, ADamagedAnswerIsAskedForAgainAndTheThirdEndsTheRun) {
     port.always("E", atOnce("garbage!"));
-    ticks(3000);
-    EXPECT_FALSE(programmed());
+    expectItEnds();
     EXPECT_EQ(port.written(), (Texts{"E", "E", "E"}));
-    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
 }
 
 TEST_F(WaitingFirmware, GoesOutWhereNobodyAnswersAsAUnitWithoutFirmwareDoes) {

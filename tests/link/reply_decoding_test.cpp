@@ -37,10 +37,16 @@ TEST(DecodeSerial, ReadsABigEndianNumber) {
 }
 
 TEST(DecodeSerial, ReadsOctalDigitsAsDecimal) {
-    const auto serial = decodeSerial(Bytes{0xFA, 0xA5, 0x54, 0, 0, 0, 64, 0});  // 64 is 100 in octal
-    ASSERT_TRUE(serial);
-    EXPECT_EQ(serial->serialNumber, 100);
-    EXPECT_FALSE(serial->oldFirmware);
+    // 64 is 100 in octal, 668 is 1234, 65536 is 200000.
+    const std::pair<Bytes, int> rows[] = {
+        {{0, 0, 0, 64}, 100}, {{0, 0, 2, 0x9C}, 1234}, {{0, 1, 0, 0}, 200000}};
+    for (const auto& [number, shown] : rows) {
+        const auto serial =
+            decodeSerial(Bytes{0xFA, 0xA5, 0x54, number[0], number[1], number[2], number[3], 0});
+        ASSERT_TRUE(serial);
+        EXPECT_EQ(serial->serialNumber, shown);
+        EXPECT_FALSE(serial->oldFirmware);
+    }
 }
 
 TEST(DecodeSerial, ReadsTheSixBytesOfAnOldUnit) {
@@ -79,14 +85,18 @@ TEST_P(UnitOfSerial, FollowsTheRanges) {
     EXPECT_EQ(kind == nullptr ? "" : kind->label, GetParam().label);
 }
 
-INSTANTIATE_TEST_SUITE_P(Ends, UnitOfSerial,
-                         ::testing::Values(SerialRow{0, 0, ""}, SerialRow{9, 0, ""}, SerialRow{10, 3, "A"},
-                                           SerialRow{9999, 3, "A"}, SerialRow{10000, 0, ""},
-                                           SerialRow{199999, 0, ""}, SerialRow{209999, 3, "A"},
-                                           SerialRow{210000, 0, ""}, SerialRow{300000, 4, "L"},
-                                           SerialRow{350000, 6, "C"}, SerialRow{509999, 5, "PZK-2"},
-                                           SerialRow{700000, 7, "D"}, SerialRow{750000, 8, "D6"},
-                                           SerialRow{760000, 0, ""}, SerialRow{-1, 0, ""}));
+INSTANTIATE_TEST_SUITE_P(
+    Ends, UnitOfSerial,
+    ::testing::Values(SerialRow{-1, 0, ""}, SerialRow{0, 0, ""}, SerialRow{9, 0, ""}, SerialRow{10, 3, "A"},
+                      SerialRow{9999, 3, "A"}, SerialRow{10000, 0, ""}, SerialRow{199999, 0, ""},
+                      SerialRow{200000, 3, "A"}, SerialRow{209999, 3, "A"}, SerialRow{210000, 0, ""},
+                      SerialRow{299999, 0, ""}, SerialRow{300000, 4, "L"}, SerialRow{309999, 4, "L"},
+                      SerialRow{310000, 0, ""}, SerialRow{349999, 0, ""}, SerialRow{350000, 6, "C"},
+                      SerialRow{359999, 6, "C"}, SerialRow{360000, 0, ""}, SerialRow{499999, 0, ""},
+                      SerialRow{500000, 5, "PZK-2"}, SerialRow{509999, 5, "PZK-2"}, SerialRow{510000, 0, ""},
+                      SerialRow{699999, 0, ""}, SerialRow{700000, 7, "D"}, SerialRow{709999, 7, "D"},
+                      SerialRow{710000, 0, ""}, SerialRow{749999, 0, ""}, SerialRow{750000, 8, "D6"},
+                      SerialRow{759999, 8, "D6"}, SerialRow{760000, 0, ""}));
 
 // ---- B
 
@@ -125,10 +135,17 @@ TEST(FirmwareBytes, TellsTheSubtype) {
 TEST(ConfigurationBytes, TellsThePicOfTwoKindsFromAReleaseOn) {
     Bytes bytes(39);
     bytes[18] = 3;
-    EXPECT_EQ(decodePic18(bytes, *unitKindOfSlot(4), {7, 0}), true);
-    EXPECT_EQ(decodePic18(bytes, *unitKindOfSlot(4), {6, 99}), std::nullopt);
-    EXPECT_EQ(decodePic18(bytes, *unitKindOfSlot(5), {4, 6}), true);
-    EXPECT_EQ(decodePic18(bytes, *unitKindOfSlot(5), {4, 5}), std::nullopt);
+    struct Row {
+        int slot;
+        FirmwareVersion firmware;
+        bool tells;
+    };
+    for (const auto& [slot, firmware, tells] :
+         {Row{4, {7, 0}, true}, Row{4, {6, 99}, false}, Row{4, {8, 0}, true}, Row{5, {5, 0}, true},
+          Row{5, {4, 6}, true}, Row{5, {4, 5}, false}, Row{5, {3, 9}, false}}) {
+        EXPECT_EQ(decodePic18(bytes, *unitKindOfSlot(slot), firmware),
+                  tells ? std::optional(true) : std::nullopt);
+    }
     for (const int slot : {0, 3, 6, 7, 8})
         EXPECT_EQ(decodePic18(bytes, *unitKindOfSlot(slot), {9, 99}), std::nullopt);
     bytes[18] = 2;
@@ -146,6 +163,7 @@ TEST(EndOfLog, IsARecordTooFastForAnyEngine) {
 
 TEST(FrameSum, IsThatOfTheBytesFromTheThirdOn) {
     EXPECT_TRUE(frameSumIsRight(Bytes{9, 9, 200, 100, 44}, 5));  // 300 - 256
+    EXPECT_TRUE(frameSumIsRight(Bytes{0xFA, 0xA5, 0x55, 0xFF, 0xFF, 0x53}, 6));
     EXPECT_FALSE(frameSumIsRight(Bytes{9, 9, 200, 100, 45}, 5));
     EXPECT_THROW(frameSumIsRight(Bytes{9, 9, 200}, 5), BoundsError);
 }

@@ -9,10 +9,10 @@
 #include <filesystem>
 
 #include "base/errors.h"
-#include "trace/trace_file.h"
+#include "temporary_folder.h"
 #include "testing/manual_clock.h"
 #include "testing/scripted_port.h"
-#include "temporary_folder.h"
+#include "trace/trace_file.h"
 
 namespace zentaq {
 namespace {
@@ -45,10 +45,17 @@ class WireTraceTest : public ::testing::Test {
         arrive(text);
         deliver(text.size());
     }
-    void identify() {
-        write("E");
-        arrive(orbA);
-        deliver(8);
+    void answer(std::string_view command, std::string_view text) {
+        write(command);
+        answer(text);
+    }
+    void identify() { exchange("E", orbA); }
+    /// A command and its whole reply.
+    template <typename Bytes>
+    void exchange(std::string_view command, const Bytes& reply) {
+        write(command);
+        arrive(reply);
+        deliver(std::size(reply));
     }
     /// A wide frame of an ORB A: head and zeroes, so that its sum is byte 2.
     static std::vector<std::uint8_t> wideFrame() {
@@ -154,9 +161,7 @@ TEST_F(WireTraceTest, AnIdentificationTellsSerialAndUnitAndGivesLaterRepliesThei
 TEST_F(WireTraceTest, TheBytesOfAFrameAreComplete) {
     begin();
     identify();
-    write("W");
-    arrive(wideFrame());
-    deliver(65);
+    exchange("W", wideFrame());
     const auto all = lines();
     const auto frame = wideFrame();
     EXPECT_EQ(all.at(4).bytes, std::string(frame.begin(), frame.end()));
@@ -174,46 +179,27 @@ TEST_F(WireTraceTest, WithoutAUnitTheLengthOfAFrameIsNotKnown) {
     EXPECT_THAT(meanings(), ElementsAre("W: wide frame, length of the reply not known yet"));
 }
 
-TEST_F(WireTraceTest, ADamagedFrameHasAWrongSum) {
-    begin();
-    identify();
-    auto frame = wideFrame();
-    frame[30] = 1;
-    write("W");
-    arrive(frame);
-    deliver(65);
-    EXPECT_EQ(meanings().back(), "!wrong-sum W: 65 of 65 bytes, sum wrong, after 0.0 ms");
-}
-
-TEST_F(WireTraceTest, TheNarrowFrameOfTheOrbAHasNoSum) {
-    begin();
-    identify();
-    write("F");
-    arrive(std::vector<std::uint8_t>(35, 9));
-    deliver(35);
-    EXPECT_EQ(meanings().back(), "F: 35 of 35 bytes, after 0.0 ms");
-}
-
-TEST_F(WireTraceTest, AReplyThatIsTooLongIsSurplus) {
-    begin();
-    identify();
-    write("W");
-    auto frame = wideFrame();
-    frame.push_back(7);
-    arrive(frame);
-    deliver(66);
-    EXPECT_EQ(meanings().back(), "!surplus W: 66 of 65 bytes, sum right, after 0.0 ms");
-}
-
-TEST_F(WireTraceTest, AByteTooManyIsSurplusAlsoWhereItSpoilsTheSum) {
-    begin();
-    identify();
-    write("W");
-    auto frame = wideFrame();
-    frame.insert(frame.begin() + 5, 7);
-    arrive(frame);
-    deliver(66);
-    EXPECT_EQ(meanings().back(), "!surplus W: 66 of 65 bytes, sum wrong, after 0.0 ms");
+TEST_F(WireTraceTest, AFrameTellsWhetherItIsWholeAndRight) {
+    std::vector<std::uint8_t> damaged = wideFrame(), tooLong = wideFrame(), tooMany = wideFrame();
+    damaged[30] = 1;
+    tooLong.push_back(7);
+    tooMany.insert(tooMany.begin() + 5, 7);  // a byte too many that spoils the sum as well
+    struct Row {
+        const char* command;
+        std::vector<std::uint8_t> reply;
+        const char* meaning;
+    };
+    const Row rows[] = {
+        {"W", damaged, "!wrong-sum W: 65 of 65 bytes, sum wrong, after 0.0 ms"},
+        {"F", std::vector<std::uint8_t>(35, 9), "F: 35 of 35 bytes, after 0.0 ms"},  // has no sum on an ORB A
+        {"W", tooLong, "!surplus W: 66 of 65 bytes, sum right, after 0.0 ms"},
+        {"W", tooMany, "!surplus W: 66 of 65 bytes, sum wrong, after 0.0 ms"}};
+    for (const Row& row : rows) {
+        begin();
+        identify();
+        exchange(row.command, row.reply);
+        EXPECT_EQ(meanings().back(), row.meaning);
+    }
 }
 
 TEST_F(WireTraceTest, AReplyInLumpsNamesThem) {
@@ -275,13 +261,10 @@ TEST_F(WireTraceTest, CheckEngineCodesAreNamed) {
     two[14] = '\x7F';  // and the highest of the last one
     two[15] = '\xC8';  // 0x49 - 0x01 - 0x80
     begin();
-    write("T");
-    answer(none);
+    answer("T", none);
     identify();
-    write("T");
-    answer(none);
-    write("T");
-    answer(two);
+    answer("T", none);
+    answer("T", two);
     const auto all = meanings();
     EXPECT_EQ(all.at(1), "T: no codes, 16 bytes, after 0.0 ms");
     EXPECT_EQ(all.at(5), "T: no codes, 16 of 16 bytes, sum right, after 0.0 ms");
@@ -293,20 +276,15 @@ TEST_F(WireTraceTest, AnEarlyUnitIsToldByItsSixBytes) {
     // Octal 1234 is 668: 0x029C.
     constexpr std::uint8_t early[] = {0, 0, 2, 0x9C, 'A', 'X'};
     begin();
-    write("E");
-    arrive(early);
-    deliver(6);
+    exchange("E", early);
     EXPECT_EQ(meanings().back(), "E: serial 001234, unit A, must be upgraded, 6 of 6 bytes, after 0.0 ms");
 }
 
 TEST_F(WireTraceTest, TwoByteAnswersAreSaidInWords) {
     begin();
-    write("P2S10411415059");
-    answer("AX");
-    write("P2S10411415059");
-    answer("AR");
-    write("S");
-    answer("?!");
+    answer("P2S10411415059", "AX");
+    answer("P2S10411415059", "AR");
+    answer("S", "?!");
     EXPECT_THAT(meanings(),
                 ElementsAre("P2: on-the-fly change S10411415059, 2 bytes expected",
                             "P2: accepted (AX), 2 of 2 bytes, after 0.0 ms",
@@ -318,12 +296,9 @@ TEST_F(WireTraceTest, TwoByteAnswersAreSaidInWords) {
 
 TEST_F(WireTraceTest, LinesOfATransferAreCountedUntilTheUnitHasVerifiedThem) {
     begin();
-    write("P1");
-    answer("AX");
-    write("S1130000AA\r\n");
-    answer("AX");
-    write("S9030000FC\r\n");
-    answer("PN");
+    answer("P1", "AX");
+    answer("S1130000AA\r\n", "AX");
+    answer("S9030000FC\r\n", "PN");
     write("W");
     EXPECT_THAT(meanings(),
                 ElementsAre("P1: program a calibration, 2 bytes expected",
@@ -338,8 +313,7 @@ TEST_F(WireTraceTest, LinesOfATransferAreCountedUntilTheUnitHasVerifiedThem) {
 TEST_F(WireTraceTest, ALineWithoutAnAnswerIsNamed) {
     begin();
     identify();
-    write("P1");
-    answer("AX");
+    answer("P1", "AX");
     for (int line = 1; line <= 2; ++line) {
         write("S113");
         if (line == 1) answer("AX");
@@ -358,10 +332,8 @@ TEST_F(WireTraceTest, AUnitThatWasThereBeforeIsNamedAtTheBeginning) {
 
 TEST_F(WireTraceTest, ATransferThatRunsOutOfLinesIsFollowedByCommandsAgain) {
     begin();
-    write("P1");
-    answer("AX");
-    write("S9030000FC");
-    answer("AX");
+    answer("P1", "AX");
+    answer("S9030000FC", "AX");
     write("E");
     EXPECT_EQ(meanings().back(), "E: identify, 6 bytes expected");
 }
@@ -372,13 +344,9 @@ TEST_F(WireTraceTest, RecordsOfTheLogAreCountedToItsEnd) {
     std::vector<std::uint8_t> record(33, 0);
     record[0] = 0xFA;
     record[1] = 0xA5;
-    write("D");
-    arrive(record);
-    deliver(33);
+    exchange("D", record);
     record[3] = record[32] = 83;  // above 82 x 256 rpm
-    write("D");
-    arrive(record);
-    deliver(33);
+    exchange("D", record);
     const auto all = meanings();
     EXPECT_EQ(all.at(3), "D: record 1, 33 of 33 bytes, sum right, after 0.0 ms");
     EXPECT_EQ(all.at(5), "D: end of the log, 33 of 33 bytes, sum right, after 0.0 ms");
@@ -386,8 +354,7 @@ TEST_F(WireTraceTest, RecordsOfTheLogAreCountedToItsEnd) {
 
 TEST_F(WireTraceTest, TimingCommandsAreToldByTheirSecondByte) {
     begin();
-    write("Z\xFF");
-    answer("AX");
+    answer("Z\xFF", "AX");
     write(std::string_view("Z\0", 2));
     const auto all = meanings();
     EXPECT_EQ(all.at(0), "Z: ignition timing to zero, 2 bytes expected");
