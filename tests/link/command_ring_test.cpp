@@ -32,10 +32,24 @@ TEST(CommandRing, TheCommandNumber512LosesTheOldestAndIsCountedAllTheSame) {
     CommandRing ring;
     for (int i = 0; i < CommandRing::size; ++i) ring.push(std::to_string(i));
     EXPECT_EQ(ring.front(), "1");
+    EXPECT_EQ(ring.head(), 1);
+    EXPECT_EQ(ring.tail(), 0);
     EXPECT_EQ(ring.count(), 512);
     EXPECT_EQ(emptied(ring).size(), 511U);
     ring.settle();
     EXPECT_EQ(ring.count(), 0) << "nobody waits in an empty ring";
+}
+
+TEST(CommandRing, WrapsBehindItsLastPlace) {
+    CommandRing ring;
+    for (int i = 0; i < 600; ++i) {
+        ring.push(std::to_string(i));
+        EXPECT_EQ(ring.front(), std::to_string(i));
+        ring.written();
+        ring.pop();
+    }
+    EXPECT_TRUE(ring.empty());
+    EXPECT_EQ(ring.count(), 0);
 }
 
 TEST(CommandRing, InAFullRingTheOldestGivesWayToOneInFront) {

@@ -12,6 +12,7 @@
 
 #include "base/channels.h"
 #include "link/link.h"
+#include "link/poller.h"
 #include "link/recording_link_host.h"
 #include "live/frame_decoder.h"
 #include "temporary_folder.h"
@@ -136,6 +137,14 @@ class LinkBench : public testing::Test {
         ticks(2);
     }
 
+    /// The dashboard's timer, each time with some ticks behind it.
+    void poll(int firings, int ticksBehind = 0) {
+        for (int i = 0; i < firings; ++i) {
+            poller.fire({});
+            ticks(ticksBehind);
+        }
+    }
+
     Texts statusTexts() const {
         return {host.linkDisplay.status().title, host.linkDisplay.status().line1,
                 host.linkDisplay.status().line2};
@@ -149,6 +158,7 @@ class LinkBench : public testing::Test {
     FrameDecoder decoder{live};
     BenchYield yielding;
     Link link{port, host, decoder, live, clock, yielding};
+    Poller poller{link, host.linkDisplay, {}, {}};
 };
 
 }  // namespace zentaq

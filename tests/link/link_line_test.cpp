@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include "link/link_bench.h"
-#include "link/poller.h"
 
 namespace zentaq {
 namespace {
@@ -287,8 +286,6 @@ TEST_F(LinkLine, RecordsThatWaitWhenTheAdapterGoesReachNoUnitThatComesBack) {
 
 TEST_F(LinkLine, AtALowRateOfUpdatesASearchedUnitIsAskedForAgainAfter200IdleTicks) {
     open();
-    Poller poller(
-        link, host.linkDisplay, [] {}, [] {});
     poller.fire({});  // five a second: the tenth firing is two seconds away
     for (int ms = 0; ms < 199; ++ms) {
         ticks(1);
@@ -312,8 +309,6 @@ TEST_F(LinkLine, AtALowRateOfUpdatesASearchedUnitIsAskedForAgainAfter200IdleTick
 
 TEST_F(LinkLine, OnTheSecondTabAndWhilePollingIsSuspendedNothingIsSearched) {
     open();
-    Poller poller(
-        link, host.linkDisplay, [] {}, [] {});
     poller.fire({.tab2Showing = true});
     for (int ms = 0; ms < 500; ++ms) poller.tick();
     link.AutoPollSuspended(true);

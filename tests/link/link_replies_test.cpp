@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "link/link_bench.h"
-#include "link/poller.h"
 
 namespace zentaq {
 namespace {
@@ -147,12 +146,7 @@ TEST_F(LinkReplies, ANumberInNoRangeKeepsTheKindAndClearsTheNumber) {
 
 TEST_F(LinkReplies, AfterANumberInNoRangeThePollerAsksAgain) {
     port.always("E", identifyReply(9));
-    Poller poller(
-        link, host.linkDisplay, [] {}, [] {});
-    for (int i = 0; i < 20; ++i) {
-        poller.fire({});
-        ticks(10);
-    }
+    poll(20, 10);
     EXPECT_EQ(port.written(), (Texts{"E", "E"}));
 }
 
@@ -245,9 +239,7 @@ TEST_F(FirmwareReply, AReleaseThatIsNoNumberLeavesTheUnitUnidentified) {
     answer(200000, "ZQA00XX007");
     EXPECT_FALSE(link.linked().UnitIdentified);
     EXPECT_EQ(link.CurrentCommand(), "");
-    Poller poller(
-        link, host.linkDisplay, [] {}, [] {});
-    for (int i = 0; i < 10; ++i) poller.fire({});
+    poll(10);
     ticks(1);
     EXPECT_EQ(port.written().back(), "E");
 }
@@ -678,12 +670,7 @@ TEST_F(LinkReplies, AGoodStartIsIdentifyFirmwareConfigurationAndThenWideFrames) 
     port.always("B", firmwareReply("DEMO", "ZQA0005001"));
     port.always("C", framed(39, {}));
     port.always("W", framed(65, {}));
-    Poller poller(
-        link, host.linkDisplay, [] {}, [] {});
-    for (int firing = 0; firing < 30; ++firing) {
-        poller.fire({});
-        ticks(30);
-    }
+    poll(30, 30);
     const Texts written = port.written();
     ASSERT_GT(written.size(), 4u);
     EXPECT_EQ(Texts(written.begin(), written.begin() + 4), (Texts{"E", "B", "C", "W"}));

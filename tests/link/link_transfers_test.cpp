@@ -3,7 +3,6 @@
 #include "base/errors.h"
 #include "base/text.h"
 #include "link/link_bench.h"
-#include "link/poller.h"
 
 namespace zentaq {
 namespace {
@@ -249,9 +248,7 @@ TEST_F(CalibrationTransfer, APortThatVanishesOnTheWayFailsWithMessage1003AndTheU
     port.silent(false);
     forget();
     port.always("E", identifyReply(200000));
-    Poller poller(
-        link, host.linkDisplay, [] {}, [] {});
-    for (int i = 0; i < 10; ++i) poller.fire({});
+    poll(10);
     ticks(10);
     ASSERT_EQ(link.linked().LinkedUnitKind, 3);
     ticks(1010);  // the B that nobody answers
@@ -401,9 +398,7 @@ TEST_F(CalibrationTransfer, ThePollerStandsStill) {
     program("S1a\r\n");
     ticks(1);
     link.AutoPollSuspended(false);
-    Poller poller(
-        link, host.linkDisplay, [] {}, [] {});
-    for (int i = 0; i < 50; ++i) poller.fire({});
+    poll(50);
     EXPECT_EQ(link.ring().count(), 0);
 }
 

@@ -7,98 +7,93 @@
 namespace zentaq {
 namespace {
 
-TEST(Progress, IsHiddenBeforeAnyWork) {
-    EXPECT_FALSE(Progress().state().visible);
-    EXPECT_EQ(Progress().state().percentage, "");
+class ProgressTest : public ::testing::Test {
+ protected:
+    Progress progress;
+    const Progress::State& state = progress.state();
+};
+
+TEST_F(ProgressTest, IsHiddenBeforeAnyWork) {
+    EXPECT_FALSE(state.visible);
+    EXPECT_EQ(state.percentage, "");
 }
 
-TEST(Progress, InitShowsTheFrameWithItsBoundsItsMessageAndZeroPercent) {
-    Progress progress;
+TEST_F(ProgressTest, InitShowsTheFrameWithItsBoundsItsMessageAndZeroPercent) {
     progress.Init(250, 10, "Reading");
-    EXPECT_TRUE(progress.state().visible);
-    EXPECT_EQ(progress.state().minimum, 10);
-    EXPECT_EQ(progress.state().maximum, 250);
-    EXPECT_EQ(progress.state().value, 10);
-    EXPECT_EQ(progress.state().percentage, "0%");
-    EXPECT_EQ(progress.state().message, "Reading");
+    EXPECT_TRUE(state.visible);
+    EXPECT_EQ(state.minimum, 10);
+    EXPECT_EQ(state.maximum, 250);
+    EXPECT_EQ(state.value, 10);
+    EXPECT_EQ(state.percentage, "0%");
+    EXPECT_EQ(state.message, "Reading");
 }
 
-TEST(Progress, ThePercentageIsAWholeNumberWithHalvesToEven) {
-    Progress progress;
+TEST_F(ProgressTest, ThePercentageIsAWholeNumberWithHalvesToEven) {
     progress.Init(200, 0, "");
     progress.Active(50, 200);
-    EXPECT_EQ(progress.state().value, 50);
-    EXPECT_EQ(progress.state().percentage, "25%");
-    progress.Active(1, 200);  // 0.5
-    EXPECT_EQ(progress.state().percentage, "0%");
-    progress.Active(3, 200);  // 1.5
-    EXPECT_EQ(progress.state().percentage, "2%");
-    progress.Active(5, 200);  // 2.5
-    EXPECT_EQ(progress.state().percentage, "2%");
+    EXPECT_EQ(state.value, 50);
+    EXPECT_EQ(state.percentage, "25%");
+    for (const auto& [done, shown] : {std::pair(1, "0%"), {3, "2%"}, {5, "2%"}}) {  // 0.5, 1.5, 2.5
+        progress.Active(done, 200);
+        EXPECT_EQ(state.percentage, shown);
+    }
     progress.Active(200, 200);
-    EXPECT_EQ(progress.state().percentage, "100%");
+    EXPECT_EQ(state.percentage, "100%");
 }
 
-TEST(Progress, AMaximumOfZeroLeavesThePercentageAndFailsNothing) {
-    Progress progress;
+TEST_F(ProgressTest, AMaximumOfZeroLeavesThePercentageAndFailsNothing) {
     progress.Init(0, 0, "Nothing to do");
     progress.Active(0, 0);
-    EXPECT_EQ(progress.state().percentage, "0%");
+    EXPECT_EQ(state.percentage, "0%");
     progress.Active(7, 0);
-    EXPECT_EQ(progress.state().percentage, "0%");
-    EXPECT_EQ(progress.state().value, 0);
+    EXPECT_EQ(state.percentage, "0%");
+    EXPECT_EQ(state.value, 0);
 }
 
-TEST(Progress, AShareBeyond16BitsLeavesThePercentage) {
-    Progress progress;
+TEST_F(ProgressTest, AShareBeyond16BitsLeavesThePercentage) {
     progress.Init(100, 0, "");
     progress.Active(327.67, 1);
-    EXPECT_EQ(progress.state().percentage, "32767%");
+    EXPECT_EQ(state.percentage, "32767%");
     progress.Active(328, 1);  // 32800
-    EXPECT_EQ(progress.state().percentage, "32767%");
+    EXPECT_EQ(state.percentage, "32767%");
 }
 
-TEST(Progress, TheBarStaysInsideItsBounds) {
-    Progress progress;
+TEST_F(ProgressTest, TheBarStaysInsideItsBounds) {
     progress.Init(100, 0, "");
     progress.Active(120, 100);
-    EXPECT_EQ(progress.state().value, 100);
-    EXPECT_EQ(progress.state().percentage, "120%");
+    EXPECT_EQ(state.value, 100);
+    EXPECT_EQ(state.percentage, "120%");
     progress.Active(-5, 100);
-    EXPECT_EQ(progress.state().value, 0);
+    EXPECT_EQ(state.value, 0);
     progress.Active(std::numeric_limits<double>::quiet_NaN(), 100);
-    EXPECT_EQ(progress.state().value, 0);
+    EXPECT_EQ(state.value, 0);
 }
 
-TEST(Progress, BoundsTheWrongWayRoundGiveAnEmptyBar) {
-    Progress progress;
+TEST_F(ProgressTest, BoundsTheWrongWayRoundGiveAnEmptyBar) {
     progress.Init(1, 10, "");
     progress.Active(5, 10);
-    EXPECT_EQ(progress.state().value, 10);
+    EXPECT_EQ(state.value, 10);
 }
 
-TEST(Progress, ClearEmptiesThePercentageAndKeepsTheFrame) {
-    Progress progress;
+TEST_F(ProgressTest, ClearEmptiesThePercentageAndKeepsTheFrame) {
     progress.Init(100, 20, "Sending");
     progress.Active(80, 100);
     progress.Clear();
-    EXPECT_TRUE(progress.state().visible);
-    EXPECT_EQ(progress.state().value, 20);
-    EXPECT_EQ(progress.state().percentage, "");
+    EXPECT_TRUE(state.visible);
+    EXPECT_EQ(state.value, 20);
+    EXPECT_EQ(state.percentage, "");
 }
 
-TEST(Progress, RemoveClearsAndHidesTheFrame) {
-    Progress progress;
+TEST_F(ProgressTest, RemoveClearsAndHidesTheFrame) {
     progress.Init(100, 0, "Sending");
     progress.Active(80, 100);
     progress.Remove();
-    EXPECT_FALSE(progress.state().visible);
-    EXPECT_EQ(progress.state().value, 0);
-    EXPECT_EQ(progress.state().percentage, "");
+    EXPECT_FALSE(state.visible);
+    EXPECT_EQ(state.value, 0);
+    EXPECT_EQ(state.percentage, "");
 }
 
-TEST(Progress, EveryChangeMovesTheCounter) {
-    Progress progress;
+TEST_F(ProgressTest, EveryChangeMovesTheCounter) {
     const auto before = progress.changes();
     progress.Init(100, 0, "");
     const auto shown = progress.changes();

@@ -3,7 +3,6 @@
 
 #include "base/errors.h"
 #include "link/link_bench.h"
-#include "link/poller.h"
 
 namespace zentaq {
 namespace {
@@ -27,8 +26,6 @@ class SoakFindings : public LinkBench {
             ticks(1);
         }
     }
-
-    Poller poller{link, host.linkDisplay, [] {}, [] {}};
 };
 
 TEST_F(SoakFindings, AFirmwareReplyOfAUnitWhoseKindIsUnknownIdentifiesNothingAndThePollerStartsOver) {

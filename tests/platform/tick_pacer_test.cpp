@@ -7,9 +7,14 @@ namespace {
 
 constexpr std::int64_t ms = 1000;
 
-TEST(TickPacer, OneTickAMillisecond) {
-    TickPacer pacer;
+TickPacer started(const TickPacer::Limits& limits = {}) {
+    TickPacer pacer(limits);
     pacer.start(0);
+    return pacer;
+}
+
+TEST(TickPacer, OneTickAMillisecond) {
+    TickPacer pacer = started();
     EXPECT_EQ(pacer.due(999), 0);
     EXPECT_EQ(pacer.due(1000), 1);
     EXPECT_EQ(pacer.due(1999), 0);
@@ -25,8 +30,7 @@ TEST(TickPacer, CountsFromTheTimeOfItsStart) {
 }
 
 TEST(TickPacer, AThousandTicksAreOneSecondThoughTheTimerFiresEvery1300Microseconds) {
-    TickPacer pacer;
-    pacer.start(0);
+    TickPacer pacer = started();
     int ticks = 0;
     for (std::int64_t now = 0; now <= 1000 * ms; now += 1300) ticks += pacer.due(now);
     // The last firing stands at 769 * 1300 us = 999.7 ms.
@@ -35,8 +39,7 @@ TEST(TickPacer, AThousandTicksAreOneSecondThoughTheTimerFiresEvery1300Microsecon
 }
 
 TEST(TickPacer, CatchesUpInStepsOf20) {
-    TickPacer pacer;
-    pacer.start(0);
+    TickPacer pacer = started();
     EXPECT_EQ(pacer.due(50 * ms), 20);
     EXPECT_EQ(pacer.due(50 * ms), 20);
     EXPECT_EQ(pacer.due(50 * ms), 10);
@@ -44,8 +47,7 @@ TEST(TickPacer, CatchesUpInStepsOf20) {
 }
 
 TEST(TickPacer, TellsWhatIsOwedAndLeavesItOwed) {
-    TickPacer pacer;
-    pacer.start(0);
+    TickPacer pacer = started();
     EXPECT_EQ(pacer.owed(7 * ms), 7);
     EXPECT_EQ(pacer.owed(7 * ms), 7);
     EXPECT_TRUE(pacer.tryEarly(0));
@@ -54,29 +56,25 @@ TEST(TickPacer, TellsWhatIsOwedAndLeavesItOwed) {
 }
 
 TEST(TickPacer, StepSizeIsTheOwnersChoice) {
-    TickPacer pacer({.perFiring = 7, .debt = 5000});
-    pacer.start(0);
+    TickPacer pacer = started({.perFiring = 7, .debt = 5000});
     EXPECT_EQ(pacer.due(10 * ms), 7);
     EXPECT_EQ(pacer.due(10 * ms), 3);
 }
 
 TEST(TickPacer, DebtOf5000TicksIsKept) {
-    TickPacer pacer({.perFiring = 100'000, .debt = 5000});
-    pacer.start(0);
+    TickPacer pacer = started({.perFiring = 100'000, .debt = 5000});
     EXPECT_EQ(pacer.due(5000 * ms), 5000);
 }
 
 TEST(TickPacer, DebtBeyond5000TicksIsDropped) {
-    TickPacer pacer({.perFiring = 100'000, .debt = 5000});
-    pacer.start(0);
+    TickPacer pacer = started({.perFiring = 100'000, .debt = 5000});
     EXPECT_EQ(pacer.due(5001 * ms), 5000);
     EXPECT_EQ(pacer.due(5001 * ms), 0);
     EXPECT_EQ(pacer.due(5002 * ms), 1);
 }
 
 TEST(TickPacer, AfterALongSleepItPaysTheKeptDebtInSteps) {
-    TickPacer pacer;
-    pacer.start(0);
+    TickPacer pacer = started();
     const std::int64_t hour = 3'600'000 * ms;
     int ticks = 0;
     int firings = 0;
@@ -86,16 +84,14 @@ TEST(TickPacer, AfterALongSleepItPaysTheKeptDebtInSteps) {
 }
 
 TEST(TickPacer, TwoTicksMayRunAheadAndAThirdMayNot) {
-    TickPacer pacer;
-    pacer.start(0);
+    TickPacer pacer = started();
     EXPECT_TRUE(pacer.tryEarly(100));
     EXPECT_TRUE(pacer.tryEarly(100));
     EXPECT_FALSE(pacer.tryEarly(100));
 }
 
 TEST(TickPacer, EarlyTicksAreTakenFromLaterOnes) {
-    TickPacer pacer;
-    pacer.start(0);
+    TickPacer pacer = started();
     ASSERT_TRUE(pacer.tryEarly(100));
     ASSERT_TRUE(pacer.tryEarly(100));
     EXPECT_EQ(pacer.due(1 * ms), 0);
@@ -104,8 +100,7 @@ TEST(TickPacer, EarlyTicksAreTakenFromLaterOnes) {
 }
 
 TEST(TickPacer, TheAverageStays1000ASecondWithAnEarlyTickInEveryFiring) {
-    TickPacer pacer;
-    pacer.start(0);
+    TickPacer pacer = started();
     int ticks = 0;
     for (std::int64_t now = 0; now <= 1000 * ms; now += 700) {
         ticks += pacer.tryEarly(now) ? 1 : 0;
@@ -116,15 +111,13 @@ TEST(TickPacer, TheAverageStays1000ASecondWithAnEarlyTickInEveryFiring) {
 }
 
 TEST(TickPacer, AnEarlyTickWhileTicksAreOwedPaysOneOfThem) {
-    TickPacer pacer;
-    pacer.start(0);
+    TickPacer pacer = started();
     ASSERT_TRUE(pacer.tryEarly(5 * ms));
     EXPECT_EQ(pacer.due(5 * ms), 4);
 }
 
 TEST(TickPacer, ForgivingDropsWhatIsOwed) {
-    TickPacer pacer({.perFiring = 1});
-    pacer.start(0);
+    TickPacer pacer = started({.perFiring = 1});
     EXPECT_EQ(pacer.due(300'000), 1);
     pacer.forgive(300'000);
     EXPECT_EQ(pacer.due(300'999), 0);
@@ -133,8 +126,7 @@ TEST(TickPacer, ForgivingDropsWhatIsOwed) {
 }
 
 TEST(TickPacer, ForgivingKeepsTicksThatRanAhead) {
-    TickPacer pacer;
-    pacer.start(0);
+    TickPacer pacer = started();
     EXPECT_TRUE(pacer.tryEarly(0));
     EXPECT_TRUE(pacer.tryEarly(0));
     pacer.forgive(0);
@@ -143,16 +135,14 @@ TEST(TickPacer, ForgivingKeepsTicksThatRanAhead) {
 }
 
 TEST(TickPacer, StartForgetsTheDebt) {
-    TickPacer pacer;
-    pacer.start(0);
+    TickPacer pacer = started();
     pacer.start(100 * ms);
     EXPECT_EQ(pacer.due(100 * ms), 0);
     EXPECT_EQ(pacer.due(101 * ms), 1);
 }
 
 TEST(TickPacer, NextDueStandsInThePastWhileTicksAreOwed) {
-    TickPacer pacer;
-    pacer.start(0);
+    TickPacer pacer = started();
     EXPECT_EQ(pacer.due(30 * ms), 20);
     EXPECT_EQ(pacer.nextDueUs(), 21 * ms);
 }
