@@ -68,7 +68,7 @@ int runWindowLoop(const std::string& device) {
     link.programFirmware("lines", manyLines(), slotOfLines);
     QTimer end;
     QObject::connect(&end, &QTimer::timeout, [&] {
-        if (!link.transferPending()) QCoreApplication::quit();
+        if (!link.transfer().pending()) QCoreApplication::quit();
     });
     end.start(10);
     return QCoreApplication::exec();

@@ -12,13 +12,13 @@ void afterEdits(Session& session, const std::string& caption, const std::functio
 }
 
 bool refusedByTransfer(Session& session) {
-    if (!session.link.transferPending()) return false;
+    if (!session.link.transfer().pending()) return false;
     // It must not stand in front of what the end of the transfer has to tell.
     session.show({.title = "Zentaq4",
                   .text = "A transfer is running.  Please wait until it has ended.",
                   .icon = Icon::Information,
                   .buttons = Buttons::Ok,
-                  .stands = [&session] { return session.link.transferPending(); }});
+                  .stands = [&session] { return session.link.transfer().pending(); }});
     return true;
 }
 

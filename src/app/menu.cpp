@@ -27,11 +27,11 @@ bool savable(const Session& session) {
 }
 
 bool unitOnLink(const Session& session) {
-    return session.link.linked().LinkedUnitKind != 0 && !session.link.transferPending();
+    return session.link.linked().LinkedUnitKind != 0 && !session.link.transfer().pending();
 }
 
 bool noTransfer(const Session& session) {
-    return !session.link.transferPending();
+    return !session.link.transfer().pending();
 }
 
 /// Also without a unit that answers: one that has lost its firmware is mended by this command. A unit of the

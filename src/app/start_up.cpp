@@ -226,7 +226,7 @@ void Kernel::afterSaving(UnitCommands::LeftBehind agreed, const std::function<vo
 void Kernel::end() {
     if (std::exchange(ended_, true)) return;
     session_.saving.dropWaiting();
-    if (session_.link.transferPending()) {
+    if (session_.link.transfer().pending()) {
         skipFailing([&] { session_.sysLog("Transfer broken off by the user."); });
     }
     session_.Monitoring = false;

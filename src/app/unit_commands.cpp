@@ -21,15 +21,15 @@ bool UnitCommands::mayLeave(LeftBehind& agreed) {
 // While the box is read one transfer may end and another begin, of which there is something else to say.
 bool UnitCommands::mayBreakTransfer(LeftBehind& agreed) {
     const Link& link = session_.link;
-    while (link.transferPending()) {
+    while (link.transfer().pending()) {
         const bool firmware = link.transfer().firmware();
         bool& broken = firmware ? agreed.firmware : agreed.transfer;
         if (broken) return true;
         const auto stands = [&link, firmware] {
-            return link.transferPending() && link.transfer().firmware() == firmware;
+            return link.transfer().pending() && link.transfer().firmware() == firmware;
         };
         broken = askToBreakTransfer(firmware, stands) == Answer::Yes;
-        if (!broken && (stands() || !link.transferPending())) return false;
+        if (!broken && (stands() || !link.transfer().pending())) return false;
     }
     return true;
 }

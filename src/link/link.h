@@ -105,7 +105,6 @@ class Link : private LineWatch {
     /// that it is for, where no unit on the link tells, and `serial` the unit; 0: not known.
     void programFirmware(const std::string& path, std::string text, int slot, std::int32_t serial = 0);
     const Transfer& transfer() const { return transfer_; }
-    bool transferPending() const { return transfer_.pending(); }
     /// What is known of firmwares that broke off.
     const FirmwareMemory& firmware() const { return firmware_; }
     /// Programming is on the wire: the unit takes nothing but lines.

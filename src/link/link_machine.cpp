@@ -124,7 +124,7 @@ void Link::prepareTransfer(std::string_view key) {
 }
 
 bool Link::transferLost() const {
-    if (!transferPending()) return false;
+    if (!transfer_.pending()) return false;
     if (currentCommand_.empty() && ring_.nothingToSend()) return true;
     if (!transfer_.open() || commandKey(currentCommand_) == transfer_.key()) return false;
     return !ring_.holds(transfer_.key());

@@ -199,7 +199,7 @@ void Link::countUnknownAnswer() {
 // one that a transfer waits for. Changes on the fly, a transfer and whatever else waits were meant for that
 // one.
 void Link::leaveFormerUnit() {
-    if (transferPending()) {
+    if (transfer_.pending()) {
         skipFailing([&] { tell(LinkEvent::OtherUnit); });
         skipFailing([&] { End_Transfer(TransferResult::OtherUnit); });
     }

@@ -27,7 +27,7 @@ void Link::programFirmware(const std::string& path, std::string text, int slot, 
 }
 
 void Link::startTransfer(const std::function<void()>& start) {
-    if (transferPending()) throw Failure("A transfer is already running.");
+    if (transfer_.pending()) throw Failure("A transfer is already running.");
     // The search would cut the line of the transfer; a tick that loses the link would drop its command.
     if (searching_ || handling_) throw Failure("The link is busy.");
     try {

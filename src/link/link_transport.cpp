@@ -144,7 +144,7 @@ void Link::ORB_Close() {
 }
 
 int Link::Autodetect_COMM_Port() {
-    if (transferPending() || searching_) return 0;
+    if (transfer_.pending() || searching_) return 0;
     const FlagScope scope(searching_);
     return searchPorts();
 }

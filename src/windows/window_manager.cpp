@@ -232,7 +232,7 @@ void WindowManager::Own::unitKindFound(int /*slot*/) {
 }
 
 void WindowManager::beginMonitoring() {
-    if (closed_ || session_.Monitoring || session_.link.transferPending()) return;
+    if (closed_ || session_.Monitoring || session_.link.transfer().pending()) return;
     // A search that found the unit has the port, and begins with it what it has to do.
     if (session_.link.searching()) {
         QTimer::singleShot(refreshMs, this, &WindowManager::beginMonitoring);

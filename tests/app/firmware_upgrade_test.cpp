@@ -129,7 +129,7 @@ TEST_F(FirmwareUpgrade, TheDialogHasItsTitleFilterAndFolderAndNoNameEndsIt) {
     EXPECT_EQ(fake.dialogs.requests[0].filter, "Norvalia Firmware(*.nv3)|*.nv3");
     EXPECT_EQ(fake.dialogs.requests[0].folder, fake.folder.path("bin"));
     EXPECT_EQ(fake.dialogs.boxes.size(), 1u);
-    EXPECT_FALSE(session.link.transferPending());
+    EXPECT_FALSE(session.link.transfer().pending());
 }
 
 TEST_F(FirmwareUpgrade, AFileOfTheLinkedUnitGoesOutWithPollingSuspendedAndFormsRemoved) {
@@ -154,7 +154,7 @@ TEST_F(FirmwareUpgrade, AFileOfAnotherUnitIsInvalid) {
     EXPECT_THAT(titles(), ElementsAre("FIRMWARE UPGRADE WARNING", "Invalid Firmware"));
     EXPECT_EQ(fake.dialogs.boxes.back().text, "This firmware file is not valid for this unit.");
     EXPECT_EQ(fake.dialogs.boxes.back().icon, Icon::Critical);
-    EXPECT_FALSE(session.link.transferPending());
+    EXPECT_FALSE(session.link.transfer().pending());
     EXPECT_FALSE(session.link.AutoPollSuspended());
     session.link.tick();
     EXPECT_EQ(fake.port.written, written);
@@ -227,7 +227,7 @@ TEST_F(FirmwareUpgrade, AFileThatIsNotWholeIsToldWithItsLineAndNothingIsSent) {
     EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("The file is empty."));
     choose(fake.folder.path("ZQA-absent.nv3"));
     EXPECT_EQ(titles().back(), "Firmware File Error");
-    EXPECT_FALSE(session.link.transferPending());
+    EXPECT_FALSE(session.link.transfer().pending());
     session.link.tick();
     EXPECT_EQ(fake.port.written, written);
 }
@@ -247,7 +247,7 @@ TEST_F(FirmwareUpgrade, AVerifiedRunSaysWhatToDoNextAndPollingGoesOn) {
               "The BIN file MUST be loaded before starting your engine.\n"
               "The unit may operate upredictably until the BIN file is loaded.");
     EXPECT_FALSE(session.link.AutoPollSuspended());
-    EXPECT_FALSE(session.link.transferPending());
+    EXPECT_FALSE(session.link.transfer().pending());
 }
 
 // ---- While its boxes stand
@@ -282,7 +282,7 @@ TEST_F(FirmwareUpgradeMeanwhile, AUnitOfAnotherKindThatComesGetsNothing) {
         });
         choose(firmware("ZQA-505100.nv3"));
         EXPECT_EQ(titles().back(), "Invalid Firmware") << title;
-        EXPECT_FALSE(session.link.transferPending()) << title;
+        EXPECT_FALSE(session.link.transfer().pending()) << title;
         loseUnit();
     }
     EXPECT_FALSE(asked("P3"));
@@ -298,7 +298,7 @@ TEST_F(FirmwareUpgradeMeanwhile, AnotherUnitOfTheKindGetsNothingAndTheUserIsTold
     EXPECT_EQ(titles().back(), "Firmware Upgrade");
     EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("200002 in the place of 200001"));
     EXPECT_TRUE(logged("another unit is connected now"));
-    EXPECT_FALSE(session.link.transferPending());
+    EXPECT_FALSE(session.link.transfer().pending());
     EXPECT_FALSE(session.link.AutoPollSuspended());
     EXPECT_THAT(fake.windows.calls, Not(Contains("removeForms")));
 }
@@ -312,7 +312,7 @@ TEST_F(FirmwareUpgradeMeanwhile, AnotherUnitOfTheKindThatAnswersBehindASilenceGe
     linkOtherOrbA();
     for (int i = 0; i < 1100; ++i) session.link.tick();
     EXPECT_FALSE(asked("P3"));
-    EXPECT_FALSE(session.link.transferPending());
+    EXPECT_FALSE(session.link.transfer().pending());
 }
 
 TEST_F(FirmwareUpgradeMeanwhile, AUnitThatFallsSilentIsAskedBeforeItIsProgrammedAndAnotherKindGetsNothing) {
@@ -325,7 +325,7 @@ TEST_F(FirmwareUpgradeMeanwhile, AUnitThatFallsSilentIsAskedBeforeItIsProgrammed
     linkOrbL();
     for (int i = 0; i < 1100; ++i) session.link.tick();
     EXPECT_FALSE(asked("P3"));
-    EXPECT_FALSE(session.link.transferPending());
+    EXPECT_FALSE(session.link.transfer().pending());
 }
 
 /// Windows that let the link go on while they close.
@@ -345,7 +345,7 @@ TEST_F(FirmwareUpgradeMeanwhile, AUnitOfAnotherKindThatComesWhileTheFormsCloseGe
     session.attach(closing);
     choose(firmware("ZQA-505100.nv3"));
     EXPECT_EQ(titles().back(), "Invalid Firmware");
-    EXPECT_FALSE(session.link.transferPending());
+    EXPECT_FALSE(session.link.transfer().pending());
     EXPECT_FALSE(asked("P3"));
     session.attach(fake.windows);
 }
@@ -359,7 +359,7 @@ TEST_F(FirmwareUpgradeMeanwhile, AUnitOfTheOldestFirmwareThatComesGetsNothing) {
     });
     choose(firmware("ZQA-505100.nv3"));
     EXPECT_EQ(titles().back(), "Firmware Upgrade");
-    EXPECT_FALSE(session.link.transferPending());
+    EXPECT_FALSE(session.link.transfer().pending());
 }
 
 // ---- The menu
@@ -367,7 +367,7 @@ TEST_F(FirmwareUpgradeMeanwhile, AUnitOfTheOldestFirmwareThatComesGetsNothing) {
 TEST_F(FirmwareUpgrade, TheEntryIsEnabledWithoutAUnitAndNotDuringATransfer) {
     EXPECT_TRUE(enabled("mnuFirmwareUpgrade"));
     choose(firmware("any.nv3"));
-    ASSERT_TRUE(session.link.transferPending());
+    ASSERT_TRUE(session.link.transfer().pending());
     ASSERT_FALSE(session.link.transfer().active());
     EXPECT_FALSE(enabled("mnuFirmwareUpgrade")) << "queued counts too";
     tickUntil("P3", 1100);
@@ -444,7 +444,7 @@ TEST_F(FirmwareUpgrade, ATransferThatBeganWhileTheFileWasChosenIsNotDisturbed) {
     choose(firmware("ZQA-505100.nv3"));
     EXPECT_EQ(fake.dialogs.boxes.back().text, "A transfer is running.  Please wait until it has ended.");
     EXPECT_TRUE(session.link.AutoPollSuspended());
-    EXPECT_TRUE(session.link.transferPending());
+    EXPECT_TRUE(session.link.transfer().pending());
     EXPECT_FALSE(session.link.transfer().firmware());
 }
 
@@ -496,7 +496,7 @@ TEST_F(FirmwareUpgrade, AnotherTransferThanTheOneThatWasAskedAboutIsAskedAbout) 
     fake.dialogs.meanwhile = [&](const std::string& title) {
         if (title != "Transfer Running" || !firmware.empty()) return;
         firmware.push_back(session.link.transfer().firmware());
-        while (session.link.transferPending()) session.link.tick();  // nobody answers
+        while (session.link.transfer().pending()) session.link.tick();  // nobody answers
         session.link.programFirmware("ZQA-505100.nv3", wholeFirmware, 3, 200001);
     };
     fake.dialogs.answers = {Answer::Yes, Answer::No};
@@ -548,7 +548,7 @@ TEST_F(FirmwareUpgrade, WhatTheTerminalOfTheStartSendsWaitsUntilTheUnitIsDone) {
     fake.ticker.run(1);
     for (const int number : {SIGINT, SIGTSTP, SIGQUIT, SIGHUP, SIGTERM}) EXPECT_FALSE(actsAtOnce(number));
     answer("AR");
-    ASSERT_FALSE(session.link.transferPending());
+    ASSERT_FALSE(session.link.transfer().pending());
     fake.ticker.run(1);
     for (const int number : {SIGINT, SIGTSTP, SIGQUIT, SIGHUP, SIGTERM}) EXPECT_TRUE(actsAtOnce(number));
 }

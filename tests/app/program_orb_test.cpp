@@ -110,7 +110,7 @@ class ProgramOrb : public ::testing::Test {
         return std::ranges::count(fake.port.written, command) != 0;
     }
     void expectNothingSent() {
-        EXPECT_FALSE(session.link.transferPending());
+        EXPECT_FALSE(session.link.transfer().pending());
         EXPECT_FALSE(session.link.AutoPollSuspended());
         EXPECT_THAT(fake.windows.calls, Not(Contains("removeForms")));
         ticks(5);
@@ -129,7 +129,7 @@ TEST_F(ProgramOrb, GoesOutWhereNothingHappensMeanwhile) {
     commands.programming.programOrb();
     EXPECT_THAT(titles(), ElementsAre("Warning 1007", "SAVE", "Data Saved."))
         << fake.dialogs.boxes.back().text;
-    EXPECT_TRUE(session.link.transferPending());
+    EXPECT_TRUE(session.link.transfer().pending());
     ticks(3);
     EXPECT_TRUE(sent("P1"));
 }
@@ -151,7 +151,7 @@ TEST_F(ProgramOrb, ACutFileIsAskedAboutAndGoesOutOnYesAlone) {
     expectNothingSent();
     during("Program ORB", [&] { fake.dialogs.answers = {Answer::Yes}; });
     commands.programming.programOrb();
-    EXPECT_TRUE(session.link.transferPending());
+    EXPECT_TRUE(session.link.transfer().pending());
 }
 
 TEST_F(ProgramOrb, ACutFileIsAskedAboutBehindItsSaveToo) {
@@ -245,7 +245,7 @@ TEST_F(ProgramOrb, AnotherUnitOfTheKindThatComesWhileABoxStandsIsToldByItsNumber
     EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("200002 in the place of 200001"));
     expectNothingSent();
     commands.programming.programOrb();
-    EXPECT_TRUE(session.link.transferPending()) << "the user means this one";
+    EXPECT_TRUE(session.link.transfer().pending()) << "the user means this one";
 }
 
 TEST_F(ProgramOrb, ACalibrationThatIsClosedWhileABoxStandsIsError1003) {
@@ -268,7 +268,7 @@ TEST_F(ProgramOrb, ATransferThatBeginsWhileABoxStandsIsNotDisturbed) {
     EXPECT_THAT(titles(), ElementsAre("Warning 1007", "Zentaq4"));
     EXPECT_EQ(fake.dialogs.boxes.back().text, "A transfer is running.  Please wait until it has ended.");
     EXPECT_TRUE(session.link.AutoPollSuspended());
-    EXPECT_TRUE(session.link.transferPending());
+    EXPECT_TRUE(session.link.transfer().pending());
     EXPECT_FALSE(session.link.transfer().programming());
     EXPECT_THAT(fake.windows.calls, Not(Contains("removeForms")));
 }
@@ -409,7 +409,7 @@ TEST_F(ProgramOrb, KillEngineGoesOutInADownloadWhichGoesOnBehindIt) {
     EXPECT_THAT(fake.port.written, ElementsAre("K"));
     answer({'A', 'X'});
     EXPECT_THAT(fake.port.written, ElementsAre("K", "D"));
-    EXPECT_TRUE(session.link.transferPending());
+    EXPECT_TRUE(session.link.transfer().pending());
 }
 
 TEST_F(ProgramOrb, KillEngineIsRefusedOnlyWhereTheWireIsReallyTaken) {
@@ -423,7 +423,7 @@ TEST_F(ProgramOrb, KillEngineIsRefusedOnlyWhereTheWireIsReallyTaken) {
     link(firstOrbA);
     commands.programming.programOrb();
     fake.dialogs.boxes.clear();
-    ASSERT_TRUE(session.link.transferPending());
+    ASSERT_TRUE(session.link.transfer().pending());
     EXPECT_TRUE(enabled()) << "the run still waits";
     commands.unit.killEngine();
     EXPECT_THAT(fake.dialogs.boxes, IsEmpty());

@@ -213,7 +213,7 @@ TEST_F(TwoKinds, ACalibrationForAD6IsProgrammedFromItsFile) {
     fake.dialogs.boxes.clear();
     commands.programming.programOrb();
     EXPECT_THAT(titles(), IsEmpty());
-    EXPECT_TRUE(session.link.transferPending());
+    EXPECT_TRUE(session.link.transfer().pending());
 }
 
 TEST_F(TwoKinds, ACalibrationThatIsBeingMadeMovesAlongToo) {

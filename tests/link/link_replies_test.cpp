@@ -318,7 +318,7 @@ TEST_F(FirmwareReply, ATransferThatWasMeantForAnotherKindIsNotBroughtToTheUnitTh
     ticks(20);
     EXPECT_EQ(port.written(), (Texts{"E", "B"}));
     EXPECT_EQ(host.messages, (std::vector<int>{1005}));
-    EXPECT_FALSE(link.transferPending());
+    EXPECT_FALSE(link.transfer().pending());
     ticks(2000);
     EXPECT_EQ(host.messages.size(), 1u) << "it ends once";
 }

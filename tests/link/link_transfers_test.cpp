@@ -700,7 +700,7 @@ TEST_F(WaitingFirmware, EndsWhereAUnitOfAnotherKindAnswers) {
     expectItEnds();
     ASSERT_EQ(host.boxes.size(), 1u);
     EXPECT_EQ(host.boxes[0].title, "Another Unit");
-    EXPECT_FALSE(link.transferPending());
+    EXPECT_FALSE(link.transfer().pending());
     EXPECT_FALSE(link.AutoPollSuspended());
     EXPECT_EQ(link.linked().LinkedUnitKind, 4) << "it is the unit on the link from here on";
 }
