@@ -12,28 +12,6 @@ namespace {
 
 using ::testing::ElementsAre;
 
-TEST(Image, ThePartsThatTheUnitKeepsForItselfAreZero) {
-    OrbaCalibration cal;
-    for (int i = 0; i < Unit::cellCount; ++i) cal.unit.AssignDirectIndex(7, i);
-    cal.unit.AssignDirectIndex(1, 39);
-    cal.unit.AssignDirectIndex(0, 126);
-    cal.unit.AssignDirectIndex(1, 2290);
-    cal.unit.AssignDirectIndex(1, 2291);
-    cal.unit.ConvertData();
-    for (const auto& [first, last] : std::vector<std::pair<int, int>>{
-             {18, 33}, {268, 274}, {323, 335}, {417, 503}, {512, 519}, {536, 559}, {584, 589}}) {
-        for (int i = first; i <= last; ++i) EXPECT_EQ(cal.image(i), 0) << i;
-    }
-}
-
-TEST(Image, BytesWithoutAMeaningStayAsTheyWere) {
-    OrbaCalibration cal;
-    cal.unit.AssignDirectIndex(99, 134);
-    cal.unit.ConvertData();
-    for (int i = 134; i <= 139; ++i) EXPECT_EQ(cal.image(i), 0) << i;
-    for (int i = 408; i <= 416; ++i) EXPECT_EQ(cal.image(i), 0) << i;
-}
-
 TEST(Image, TablesDimensionsAndAxisWordsStandAtTheirPlaces) {
     OrbaCalibration cal;
     cal.unit.Set_GPIO_Table(1, 3, 40);
