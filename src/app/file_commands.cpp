@@ -253,7 +253,7 @@ void FileCommands::finishOpening(const std::string& path) {
     unit.BinFile(path);
     repairOldFields();
     const LinkedUnit& linked = session_.link.linked();
-    const auto matches = [&] { return linked.LinkedUnitKind == session_.currentUnit(); };
+    const auto matches = [&] { return linked.LinkedUnitKind == session_.slotInHand(); };
     if (linked.LinkedUnitKind != 0 && !matches()) {
         session_.dialogs().show(
             {"Unit Type Mismatch",

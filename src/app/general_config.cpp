@@ -38,7 +38,7 @@ bool GeneralConfig::modified() const {
 
 /// The list remembers a model by the file; else the engine or the unit on the link tells the variant.
 const ModelEntry* GeneralConfig::modelInHand() {
-    const int slot = session_.currentUnit();
+    const int slot = session_.slotInHand();
     if (slot == 0) return nullptr;
     const ModelEntry* found = nullptr;
     int variant = 0;

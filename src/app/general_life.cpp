@@ -70,7 +70,7 @@ void GeneralConfig::unload() {
 
 void GeneralConfig::begin(const ModelEntry& model) {
     const int slot = slotOfModel(model, session_.link.linked().SerialNumber);
-    const bool otherKind = !inHand() || session_.currentUnit() != slot;
+    const bool otherKind = !inHand() || session_.slotInHand() != slot;
     std::string engine;
     int sensor = 0;
     if (inHand()) {
@@ -158,7 +158,7 @@ void GeneralConfig::putFigures(const std::string& engine, int sensor) {
 
 void GeneralConfig::putBack() {
     if (!former_) {
-        session_.header().fileState = session_.currentUnit() == 0 ? "" : "OLD";
+        session_.header().fileState = session_.slotInHand() == 0 ? "" : "OLD";
         return;
     }
     const Former former = *std::exchange(former_, std::nullopt);
@@ -182,11 +182,11 @@ void GeneralConfig::putBack() {
     session_.DataModified = former.dataModified;
     const bool sameLink =
         linked.LinkedUnitKind == former.linkedKind && linked.UnitIdentified == former.identified;
-    const bool matches = linked.LinkedUnitKind == session_.currentUnit() && linked.UnitIdentified;
+    const bool matches = linked.LinkedUnitKind == session_.slotInHand() && linked.UnitIdentified;
     session_.initializeOnFly(sameLink ? former.onTheFly : matches);
     session_.windows().tell(&WindowNews::titleChanged, titleOf(session_.CurrentFile));
     session_.windows().tell(&WindowNews::setupNodes);
-    if (session_.currentUnit() == 0) session_.windows().tell(&WindowNews::showStartTab);
+    if (session_.slotInHand() == 0) session_.windows().tell(&WindowNews::showStartTab);
 }
 
 }  // namespace zentaq

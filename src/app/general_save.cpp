@@ -137,7 +137,7 @@ void GeneralConfig::finishSaving(const std::string& path, const FileSaved& saved
     storeConfig();
     showComputed();
     const LinkedUnit& linked = session_.link.linked();
-    session_.initializeOnFly(linked.LinkedUnitKind == session_.currentUnit() && linked.UnitIdentified);
+    session_.initializeOnFly(linked.LinkedUnitKind == session_.slotInHand() && linked.UnitIdentified);
     session_.windows().tell(&WindowNews::setupNodes);
 }
 
@@ -159,7 +159,7 @@ void GeneralConfig::storeConfig() {
     endOnFailure(
         [&] {
             session_.requireReference().storeConfig(
-                {session_.CurrentFile, session_.currentUnit(), std::string(model_->name)});
+                {session_.CurrentFile, session_.slotInHand(), std::string(model_->name)});
         },
         [&](const std::string& why) { session_.sysLog("Model of the file not remembered: " + why); });
 }

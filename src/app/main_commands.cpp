@@ -25,7 +25,7 @@ void MainCommands::nightMode() {
 void MainCommands::openTable(const std::string& table, const std::string& title) {
     const auto again = [commands = *this, table, title]() mutable { commands.openTable(table, title); };
     if (session_.saving.putsOffWhileReading(title, again)) return;
-    if (session_.currentUnit() == 0) return session_.messages.Display_Error(codes::NoCalibration);
+    if (session_.slotInHand() == 0) return session_.messages.Display_Error(codes::NoCalibration);
     // What is entered into a table before its calibration has its default values would be lost with them.
     if (session_.creating()) return session_.windows().open(window::generalConfig);
     // The keys of the menu ask for tables of every kind.
@@ -37,7 +37,7 @@ int MainCommands::treeClick(const std::string& key) {
     constexpr int startPage = 0;
     constexpr std::string_view generalParameters = "root001";
     // The tree is about to be made anew.
-    if (session_.currentUnit() == 0 || session_.saving.reading()) return startPage;
+    if (session_.slotInHand() == 0 || session_.saving.reading()) return startPage;
     for (const TreeNode& node : treeNodes(session_.currentUnitObject())) {
         if (node.key != key) continue;
         if (!node.table.empty()) openTable(node.table, node.title);

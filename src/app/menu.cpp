@@ -14,7 +14,7 @@ bool always(const Session&) {
 }
 
 bool fileInHand(const Session& session) {
-    return session.currentUnit() != 0;
+    return session.slotInHand() != 0;
 }
 
 bool fileNamed(const Session& session) {
@@ -42,8 +42,8 @@ bool firmwareUpgradable(const Session& session) {
 
 /// Without a calibration the command itself tells what is missing.
 bool tableOfUnit(const Session& session, std::string_view table) {
-    const UnitKind* kind = unitKindOfSlot(session.currentUnit());
-    return session.currentUnit() == 0 || (kind != nullptr && hasTable(*kind, table));
+    const UnitKind* kind = unitKindOfSlot(session.slotInHand());
+    return session.slotInHand() == 0 || (kind != nullptr && hasTable(*kind, table));
 }
 
 bool hasVe(const Session& session) {

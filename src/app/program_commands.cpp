@@ -85,7 +85,7 @@ bool ProgramCommands::mayProgram() {
         error = codes::NoCalibration;
     } else if (!known) {
         error = codes::NoUnit;
-    } else if (session_.currentUnit() != linked.LinkedUnitKind) {
+    } else if (session_.slotInHand() != linked.LinkedUnitKind) {
         error = codes::WrongUnit;
     }
     if (error != 0) session_.messages.Display_Error(error);
@@ -157,7 +157,7 @@ int ProgramCommands::slotForFirmware(const LinkedIdentity& begunWith) const {
     if (linked != 0) return linked;
     if (begunWith.kind != 0) return begunWith.kind;
     const int lost = session_.link.firmware().lostSlot();
-    return lost != 0 ? lost : session_.currentUnit();
+    return lost != 0 ? lost : session_.slotInHand();
 }
 
 bool ProgramCommands::firmwareIsValid(const std::string& path, int slot) {

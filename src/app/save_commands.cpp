@@ -171,7 +171,7 @@ void SaveCommands::saveNow() {
 void SaveCommands::saveAsNow() {
     if (session_.creating()) return session_.windows().tell(&WindowNews::saveNew);
     if (session_.saving.putsOff("Save As", [commands = *this]() mutable { commands.saveAs(); })) return;
-    if (session_.currentUnit() == 0) {
+    if (session_.slotInHand() == 0) {
         session_.messages.Display_Error(codes::NoCalibration);
         return;
     }

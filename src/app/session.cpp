@@ -174,7 +174,7 @@ void Session::applyMonitorMode() {
 }
 
 void Session::markModified() {
-    if (currentUnit() == 0) return;
+    if (slotInHand() == 0) return;
     DataModified = true;
     ++userChanges_;
 }
@@ -250,7 +250,7 @@ void Session::formsChanged() {
 
 // ---- LinkHost
 
-int Session::currentUnit() const {
+int Session::slotInHand() const {
     return toInt16(header_.currentUnit);
 }
 
@@ -313,7 +313,7 @@ int Session::slotForFile(int slot) const {
 }
 
 void Session::followLinkedKind() {
-    const int former = currentUnit();
+    const int former = slotInHand();
     const int slot = slotForFile(former);
     if (slot == former || !hasUnit(slot)) return;
     auto& inHand = units_[static_cast<std::size_t>(former)];

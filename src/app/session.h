@@ -64,12 +64,13 @@ class Session : public UnitHost, public LinkTeller {
     WindowSet& windows() { return *windows_; }
 
     // ---- Units
-    /// Makes the objects of all known kinds, in the order 0, 3, 4, 5, 6, 7, 8.
+    /// Makes the objects of all known kinds.
     void makeUnits();
     /// Units(slot). BoundsError outside 0 to 100; an empty slot answers as slot 0.
     Unit& Units(int slot);
-    Unit& currentUnitObject() { return Units(currentUnit()); }
+    Unit& currentUnitObject() { return Units(slotInHand()); }
     bool hasUnit(int slot) const;
+    /// The kind in the header of the calibration in hand, as its file has it; 0 for none.
     float CurrentUnit() const { return header_.currentUnit; }
     void CurrentUnit(float kind) { header_.currentUnit = kind; }
     /// A new calibration is being made, and no file holds it yet.
@@ -168,7 +169,7 @@ class Session : public UnitHost, public LinkTeller {
 
     // ---- LinkHost
     Unit& unit(int slot) override { return Units(slot); }
-    int currentUnit() const override;
+    int slotInHand() const override;
     float fileFirmwareCode() const override { return header_.firmwareCode; }
     void heard(const LinkNews& news) override;
     void commLog(std::string_view text) override;

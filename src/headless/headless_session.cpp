@@ -194,7 +194,7 @@ void HeadlessSession::takeSlot(int slot) {
     calibration->host().header().currentUnit = static_cast<float>(slot);
 }
 
-int HeadlessSession::currentUnit() const {
+int HeadlessSession::slotInHand() const {
     return around_.calibration == nullptr ? 0 : around_.calibration->kind().slot;
 }
 

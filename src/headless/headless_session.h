@@ -109,7 +109,7 @@ class HeadlessSession : public LinkTeller {
 
     // ---- LinkHost
     Unit& unit(int slot) override;
-    int currentUnit() const override;
+    int slotInHand() const override;
     float fileFirmwareCode() const override;
     void sysLog(std::string_view text) override {
         if (around_.trace != nullptr) around_.trace->note(text);

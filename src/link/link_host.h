@@ -13,8 +13,8 @@ class LinkHost {
 
     /// Units(slot); slot 0 answers for slots without an object.
     virtual Unit& unit(int slot) = 0;
-    /// Kind of the calibration in hand, 0 for none.
-    virtual int currentUnit() const = 0;
+    /// Slot of the calibration in hand, 0 for none.
+    virtual int slotInHand() const = 0;
     /// The firmware number of the calibration in hand: release * 1000 + build.
     virtual float fileFirmwareCode() const = 0;
     /// FW_ReleaseTable and FW_BuildTable.

@@ -277,7 +277,7 @@ void Link::restoreFileFirmware() {
 
 // The number of the file is that of the calibration in hand, and of no other unit's object.
 FirmwareVersion Link::formerFirmware() {
-    if (host_.currentUnit() != linked_.LinkedUnitKind) {
+    if (host_.slotInHand() != linked_.LinkedUnitKind) {
         const Unit& unit = linkedUnit();
         return linked_.FirmwareTold ? firmwareBefore_ : FirmwareVersion{unit.FW_Release(), unit.FW_Build()};
     }

@@ -209,7 +209,7 @@ void Link::leaveFormerUnit() {
 
 void Link::fillDashboardDefaults() {
     // A calibration that is being made has no file yet.
-    const bool inHand = host_.currentUnit() == linked_.LinkedUnitKind;
+    const bool inHand = host_.slotInHand() == linked_.LinkedUnitKind;
     if (!inHand && linkedUnit().BinFile().empty()) storeDashboardDefaults(linkedUnit());
 }
 
@@ -238,7 +238,7 @@ void Link::replyFirmware(const Reply& reply) {
     tell(LinkEvent::UnitIdentified, linkedUnit().FirmWare(), linked_.UnitBinName);
     linked_.UnitIdentified = true;
     linkedUnit().gpioListRead(true);
-    if (linked_.LinkedUnitKind == host_.currentUnit()) tell(LinkEvent::UnitAgrees);
+    if (linked_.LinkedUnitKind == host_.slotInHand()) tell(LinkEvent::UnitAgrees);
     askForConfiguration();
     currentCommand_.clear();
 }
@@ -259,7 +259,7 @@ void Link::storeFirmware(const Reply& reply) {
 }
 
 void Link::warnUnitMismatch() {
-    const int current = host_.currentUnit();
+    const int current = host_.slotInHand();
     if (current == 0 || current == linked_.LinkedUnitKind) return;
     if (linked_.UnitIdentified) return;  // told once per connect
     tell(LinkEvent::UnitMismatch);

@@ -41,7 +41,7 @@ void Link::startTransfer(const std::function<void()>& start) {
 }
 
 void Link::startCalibration() {
-    Unit& unit = host_.unit(host_.currentUnit());
+    Unit& unit = host_.unit(host_.slotInHand());
     tell(LinkEvent::ConversionBegins, fileNameOf(unit.BinFile()));
     unit.ConvertData();
     const std::string path = unit.MakeS19();

@@ -168,7 +168,7 @@ void FrmConfig::setupNodes() {
 void FrmConfig::fillTree() {
     treeZentaq_->clear();
     std::map<std::string, QTreeWidgetItem*> items;
-    if (session_.currentUnit() != 0) {
+    if (session_.slotInHand() != 0) {
         for (const TreeNode& node : treeNodes(session_.currentUnitObject())) {
             const auto parent = items.find(node.parent);
             QTreeWidgetItem* item = parent == items.end() ? new QTreeWidgetItem(treeZentaq_)
@@ -194,7 +194,7 @@ void FrmConfig::treeClicked(const QTreeWidgetItem* item) {
 }
 
 void FrmConfig::showPage(int page, const QString& title) {
-    if (session_.currentUnit() == 0) return;
+    if (session_.slotInHand() == 0) return;
     page_ = page;
     lblPageTitle_->setText(title);
     showRows();
@@ -208,7 +208,7 @@ void FrmConfig::showRows() {
 void FrmConfig::showUnit() {
     showRows();
     lblStart_->setTextFormat(Qt::PlainText);
-    lblStart_->setText(session_.currentUnit() == 0
+    lblStart_->setText(session_.slotInHand() == 0
                            ? nothingInHand()
                            : tr("Calibration in hand: ") + shownString(session_.CurrentFile));
 }

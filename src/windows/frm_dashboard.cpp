@@ -181,7 +181,7 @@ void FrmDashBoard::draw() {
     const DashboardSettings settings = DashboardSettings::from(session_.settings());
     // The object of a linked unit without a calibration has a ratio too, but nobody has chosen it.
     std::optional<float> ratio;
-    if (session_.currentUnit() != 0) ratio = session_.currentUnitObject().get("AFR");
+    if (session_.slotInHand() != 0) ratio = session_.currentUnitObject().get("AFR");
     gauges_.UPDATE_DISPLAY(session_.live, unit, settings, ratio);
     drawNeedles();
     drawReadings();

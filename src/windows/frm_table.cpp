@@ -1102,7 +1102,7 @@ void FrmTable::closeEvent(QCloseEvent* event) {
 void FrmTable::refreshLive() {
     const int linked = session_.link.linked().LinkedUnitKind;
     followPaint();
-    if (!model_ || linked == 0 || linked != session_.currentUnit()) return;
+    if (!model_ || linked == 0 || linked != session_.slotInHand()) return;
     Show_Current_Activity();
 }
 

@@ -294,7 +294,7 @@ void MdiMain::refresh() {
     const std::string model(session_.currentUnitObject().kind().model);
     const std::string file = fileNameOf(session_.CurrentFile);
     panel(Panel::File)
-        .setText(session_.currentUnit() == 0 ? tr("No calibration") : shownString(model + "  " + file));
+        .setText(session_.slotInHand() == 0 ? tr("No calibration") : shownString(model + "  " + file));
     panel(Panel::Modified).setText(session_.DataModified ? tr("Modified") : QString());
     // A cleared panel stays empty until the link has something new to tell.
     if (session_.linkDisplay.status().panel3 != firmwareSeen_) {

@@ -53,7 +53,7 @@ Form* makeTable(const FormNeeds& needs) {
 }
 
 bool tableOffered(Session& session, const std::string& table) {
-    if (session.currentUnit() == 0 || session.creating()) return false;
+    if (session.slotInHand() == 0 || session.creating()) return false;
     return hasTable(session.currentUnitObject().kind(), table);
 }
 

@@ -70,7 +70,7 @@ TEST_F(GeneralConfigForm, AModelChoosesTheUnitKindAndItsFileFilter) {
                   {"PZK-2", 5, 3},          {"ORB D", 7, 5},      {"ORB C", 6, 6}};
     for (const auto& model : models) {
         ASSERT_TRUE(form.enter("cmbORB_UNIT", model.name));
-        EXPECT_EQ(session.currentUnit(), model.slot) << model.name;
+        EXPECT_EQ(session.slotInHand(), model.slot) << model.name;
         EXPECT_EQ(session.FileFilterIndex, model.filter) << model.name;
         EXPECT_EQ(text("cmbORB_UNIT"), model.name);
         EXPECT_TRUE(form.creating());
@@ -89,7 +89,7 @@ TEST_P(LinkedUnitForm, AnOrbDIsTheD6WhenTheSerialCodeOnTheLinkSaysSo) {
     ASSERT_EQ(session.link.linked().SerialNumber, static_cast<std::int32_t>(GetParam().serial));
     startNew();
     ASSERT_TRUE(form.enter("cmbORB_UNIT", "ORB D"));
-    EXPECT_EQ(session.currentUnit(), GetParam().slot);
+    EXPECT_EQ(session.slotInHand(), GetParam().slot);
     EXPECT_EQ(text("cmbORB_UNIT"), "ORB D");
     EXPECT_THAT(form.field("cmbEngine").choices, Contains(fourCylinders));
 }
@@ -224,7 +224,7 @@ TEST_F(GeneralConfigForm, AnUnknownModelIsNone) {
     startNew();
     EXPECT_FALSE(form.enter("cmbORB_UNIT", "ORB Z"));
     EXPECT_EQ(lastTitle(), "Error 1004");
-    EXPECT_EQ(session.currentUnit(), 0);
+    EXPECT_EQ(session.slotInHand(), 0);
 }
 
 // ---- Engine and sensor
@@ -318,7 +318,7 @@ TEST_F(GeneralConfigForm, WithoutADatabaseNothingIsSaved) {
     EXPECT_THAT(lastBox(), HasSubstr("The reference database could not be opened:\n/app/bin/data/"));
     EXPECT_TRUE(form.creating());
     form.unload();
-    EXPECT_EQ(session.currentUnit(), 0);
+    EXPECT_EQ(session.slotInHand(), 0);
     EXPECT_EQ(session.header().fileState, "");
 }
 
@@ -507,7 +507,7 @@ class FormerCalibration : public GeneralConfigForm {
         header = session.header();
     }
     void expectItBack() {
-        EXPECT_EQ(session.currentUnit(), 3);
+        EXPECT_EQ(session.slotInHand(), 3);
         EXPECT_EQ(session.header().fileState, "OLD");
         EXPECT_EQ(session.header().firmwareCode, header.firmwareCode);
         EXPECT_EQ(session.header().programVersion, header.programVersion);
@@ -554,7 +554,7 @@ TEST_F(FormerCalibration, ComesBackWholeAfterASaveThatFailed) {
 
 TEST_F(FormerCalibration, StaysInHandUntilAModelIsChosen) {
     startNew();
-    EXPECT_EQ(session.currentUnit(), 3);
+    EXPECT_EQ(session.slotInHand(), 3);
     EXPECT_EQ(cellsOf(unit()), cells);
     form.unload();
     expectItBack();
@@ -564,7 +564,7 @@ TEST_F(FormerCalibration, IsReplacedByANewOneThatWasSaved) {
     prepare("ORB L");
     ASSERT_TRUE(saveTo(fake.folder.path("new.ZQ4OL")));
     form.unload();
-    EXPECT_EQ(session.currentUnit(), 4);
+    EXPECT_EQ(session.slotInHand(), 4);
     EXPECT_EQ(session.CurrentFile, fake.folder.path("new.ZQ4OL"));
     EXPECT_FALSE(session.DataModified);
 }
@@ -736,7 +736,7 @@ TEST_F(GeneralConfigForm, ACalibrationInHandKeepsItsKind) {
     haveInHand();
     EXPECT_FALSE(form.enter("cmbORB_UNIT", "ORB L"));
     EXPECT_THAT(lastBox(), HasSubstr("cannot become one for ORB L"));
-    EXPECT_EQ(session.currentUnit(), 3);
+    EXPECT_EQ(session.slotInHand(), 3);
     EXPECT_TRUE(form.enter("cmbORB_UNIT", "ORB A 6/12"));
     EXPECT_EQ(session.database->config(session.CurrentFile)->orbName, "ORB A 6/12");
 }
@@ -761,7 +761,7 @@ TEST_F(GeneralConfigForm, WithNothingInHandThereIsNothingToChoose) {
     form.load();
     EXPECT_FALSE(form.field("cmbORB_UNIT").enabled);
     EXPECT_FALSE(form.enter("cmbORB_UNIT", "ORB L"));
-    EXPECT_EQ(session.currentUnit(), 0);
+    EXPECT_EQ(session.slotInHand(), 0);
 }
 
 // ---- Every model, every engine

@@ -64,7 +64,7 @@ TEST_F(OldFileCommands, EachLengthOpensAsItsKind) {
         const std::string path = file("tune.BIN", bytes);
         fake.dialogs.boxes.clear();
         open(path);
-        EXPECT_EQ(session.currentUnit(), slot) << bytes;
+        EXPECT_EQ(session.slotInHand(), slot) << bytes;
         EXPECT_EQ(session.CurrentFile, path);
         EXPECT_EQ(session.currentUnitObject().BinFile(), path);
         EXPECT_EQ(session.currentUnitObject().get("REV_Limiter"), 6500);
@@ -81,7 +81,7 @@ TEST_F(OldFileCommands, EachLengthOpensAsItsKind) {
 
 TEST_F(OldFileCommands, TheExtensionCountsInSmallLettersToo) {
     open(file("tune.bin"));
-    EXPECT_EQ(session.currentUnit(), 3);
+    EXPECT_EQ(session.slotInHand(), 3);
 }
 
 TEST_F(OldFileCommands, OtherLengthsEndInTheFormatBoxWithTheFormerCalibrationInPlace) {
@@ -160,7 +160,7 @@ TEST_F(OldFileCommands, ChangesAreSavedUnderANewNameBeforeAnotherFileComes) {
     EXPECT_EQ(TemporaryFolder::read(path), before);
     EXPECT_EQ(std::filesystem::file_size(target), 11324u);
     EXPECT_EQ(session.CurrentFile, second);
-    EXPECT_EQ(session.currentUnit(), 4);
+    EXPECT_EQ(session.slotInHand(), 4);
 }
 
 TEST_F(OldFileCommands, AWantedSaveThatIsCancelledKeepsTheCalibrationInHand) {
@@ -196,7 +196,7 @@ TEST_F(OldFileCommands, AnImportThatFailsHalfWayLeavesTheFormerCalibration) {
               "FILE POSSIBLY CORRUPT:   other.BIN\nDo you want to enter a new filename?");
     EXPECT_TRUE(logged("Calibration file not read: no window"));
     EXPECT_EQ(session.CurrentFile, first);
-    EXPECT_EQ(session.currentUnit(), 3);
+    EXPECT_EQ(session.slotInHand(), 3);
     EXPECT_EQ(session.currentUnitObject().get("REV_Limiter"), 6500);
     EXPECT_EQ(session.Units(4).get("REV_Limiter"), 0);
 }
@@ -205,7 +205,7 @@ TEST_F(OldFileCommands, ACalibrationOfAnExactLengthOpensThoughItsFirstNumberName
     const std::pair<std::size_t, int> lengths[] = {{8718, 3}, {9324, 4}, {9320, 6}, {9316, 7}, {4816, 5}};
     for (const auto& [bytes, slot] : lengths) {
         open(fake.folder.write("old.ZQ4OA", std::string(bytes, '\0')));
-        EXPECT_EQ(session.currentUnit(), slot) << bytes;
+        EXPECT_EQ(session.slotInHand(), slot) << bytes;
     }
 }
 

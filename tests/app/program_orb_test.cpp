@@ -73,7 +73,7 @@ class ProgramOrb : public ::testing::Test {
         file.close();
         fake.dialogs.files = {path};
         commands.files.open();
-        ASSERT_EQ(session.currentUnit(), 3);
+        ASSERT_EQ(session.slotInHand(), 3);
         fake.dialogs.boxes.clear();
         fake.windows.calls.clear();
     }

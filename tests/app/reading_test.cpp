@@ -69,11 +69,11 @@ class Reading : public ::testing::Test {
 
 TEST_F(Reading, TheFormerCalibrationIsInHandUntilTheNextHasBeenRead) {
     openMeanwhile(next, [&] {
-        EXPECT_EQ(session.currentUnit(), 3);
+        EXPECT_EQ(session.slotInHand(), 3);
         EXPECT_EQ(session.CurrentFile, former);
         EXPECT_EQ(session.currentUnitObject().BinFile(), former);
     });
-    EXPECT_EQ(session.currentUnit(), 4);
+    EXPECT_EQ(session.slotInHand(), 4);
     EXPECT_EQ(session.CurrentFile, next);
 }
 
@@ -161,7 +161,7 @@ TEST_F(Reading, AFileThatCannotBeReadLetsWhatWaitedActOnTheFormerOne) {
     fake.yield.meanwhile = [&] { commands.saves.save(); };
     commands.files.open();
     EXPECT_EQ(session.CurrentFile, former);
-    EXPECT_EQ(session.currentUnit(), 3);
+    EXPECT_EQ(session.slotInHand(), 3);
     EXPECT_FALSE(session.saving.reading());
 }
 
@@ -169,7 +169,7 @@ TEST_F(Reading, AnOldFileIsReadTheSameWay) {
     const std::string old = fake.folder.path("old.BIN");
     std::ofstream(old, std::ios::binary) << std::string(9312, '\0');
     openMeanwhile(old, [&] {
-        EXPECT_EQ(session.currentUnit(), 3);
+        EXPECT_EQ(session.slotInHand(), 3);
         commands.files.close();
         EXPECT_EQ(session.CurrentFile, former);
     });

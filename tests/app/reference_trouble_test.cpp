@@ -73,7 +73,7 @@ TEST_F(ReferenceTrouble, AFileThatMustBeConvertedIsNotOpenedAndTheBoxSaysWhy) {
             ": the file is missing\n"
             "Nothing was opened. Close the program that uses the database, or install this one again.\n"
             "Do you want to enter a new filename?");
-    EXPECT_EQ(session.currentUnit(), 0);
+    EXPECT_EQ(session.slotInHand(), 0);
     EXPECT_EQ(session.CurrentFile, "");
     EXPECT_EQ(session.Units(3).get("REV_Limiter"), 0);
 }
@@ -85,10 +85,10 @@ TEST_F(ReferenceTrouble, ADatabaseThatWasLockedAtTheStartIsTriedAgainWhenItIsNee
         EXPECT_FALSE(session.database);
         open(oldFile());
         EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("it is in use by another program"));
-        EXPECT_EQ(session.currentUnit(), 0);
+        EXPECT_EQ(session.slotInHand(), 0);
     }
     open(oldFile());  // no time has passed
-    EXPECT_EQ(session.currentUnit(), 3);
+    EXPECT_EQ(session.slotInHand(), 3);
     EXPECT_EQ(session.currentUnitObject().get("MAP_ID"), 2);
     EXPECT_FLOAT_EQ(session.currentUnitObject().get("MAP_Scaler"), 0.0251F);
     EXPECT_TRUE(session.database);
@@ -120,10 +120,10 @@ TEST_F(ReferenceTrouble, ADatabaseLockedWhileAFileIsOpenedIsNoReasonForHalfAFile
     {
         const WritingProgram other(database);
         open(oldFile());
-        EXPECT_EQ(session.currentUnit(), 0);
+        EXPECT_EQ(session.slotInHand(), 0);
     }
     open(oldFile());
-    EXPECT_EQ(session.currentUnit(), 3);
+    EXPECT_EQ(session.slotInHand(), 3);
 }
 
 }  // namespace

@@ -507,7 +507,7 @@ TEST_F(StartUp, MakesTheUnitObjectsAndTheTablesOfExpectedFirmware) {
     EXPECT_EQ(session.expectedFirmware(4).release, 7);
     EXPECT_EQ(session.expectedFirmware(6).release, 3);
     EXPECT_EQ(session.expectedFirmware(8).build, 99);
-    EXPECT_EQ(session.currentUnit(), 0);
+    EXPECT_EQ(session.slotInHand(), 0);
 }
 
 TEST_F(StartUp, ASlotAbove100IsABoundsError) {

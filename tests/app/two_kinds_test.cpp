@@ -177,7 +177,7 @@ TEST_F(TwoKinds, AFileThatSays7IsInSlot8WhileAUnitOfThatSlotIsLinked) {
     fake.dialogs.boxes.clear();
     open(path);
     EXPECT_THAT(titles(), IsEmpty());
-    EXPECT_EQ(session.currentUnit(), 8);
+    EXPECT_EQ(session.slotInHand(), 8);
     EXPECT_EQ(unit().kind().slot, 8);
     EXPECT_EQ(unit().FW_Build(), 10);
     EXPECT_TRUE(unit().ONFLY_MODE());
@@ -193,7 +193,7 @@ TEST_F(TwoKinds, ACalibrationInHandMovesToTheSlotOfItsUnitAndBackBeforeAnyMismat
     const auto moved = [&](int slot, std::uint32_t serial) {
         unit().set("KNK_MIN", 20 + slot);
         putInPlace(serial, "ZQD-405010");
-        EXPECT_EQ(session.currentUnit(), slot);
+        EXPECT_EQ(session.slotInHand(), slot);
         EXPECT_EQ(&unit(), &object) << "whoever holds the object goes on holding the calibration";
         EXPECT_EQ(unit().kind().slot, slot);
         EXPECT_EQ(unit().get("KNK_MIN"), 20 + slot);
@@ -218,15 +218,15 @@ TEST_F(TwoKinds, ACalibrationForAD6IsProgrammedFromItsFile) {
 
 TEST_F(TwoKinds, ACalibrationThatIsBeingMadeMovesAlongToo) {
     prepare("ORB D");
-    ASSERT_EQ(session.currentUnit(), 7);
+    ASSERT_EQ(session.slotInHand(), 7);
     ASSERT_TRUE(form.enter("txtRPM", "6700"));
     connect(orbD6, "ZQD-405010");
-    EXPECT_EQ(session.currentUnit(), 8);
+    EXPECT_EQ(session.slotInHand(), 8);
     EXPECT_EQ(text("cmbORB_UNIT"), "ORB D");
     EXPECT_EQ(text("txtRPM"), "6700");
     EXPECT_TRUE(form.creating());
     EXPECT_TRUE(saveTo(fake.folder.path("new.ZQ4OD")));
-    EXPECT_EQ(session.currentUnit(), 8);
+    EXPECT_EQ(session.slotInHand(), 8);
     EXPECT_TRUE(unit().ONFLY_MODE());
 }
 
@@ -235,9 +235,9 @@ TEST_F(TwoKinds, WhatComesBackFromBehindADroppedCalibrationIsInTheSlotOfItsUnit)
     unit().set("KNK_MIN", 31);
     prepare("ORB L");
     connect(orbD6, "ZQD-405010");
-    ASSERT_EQ(session.currentUnit(), 4);
+    ASSERT_EQ(session.slotInHand(), 4);
     form.unload();
-    EXPECT_EQ(session.currentUnit(), 8);
+    EXPECT_EQ(session.slotInHand(), 8);
     EXPECT_EQ(unit().get("KNK_MIN"), 31);
     EXPECT_EQ(unit().FW_Build(), 10);
     EXPECT_EQ(unit().FirmWare(), "ZQD-405010");
@@ -253,7 +253,7 @@ TEST_F(TwoKinds, AFileThatCannotBeReadLeavesTheMovedCalibrationInHand) {
     fake.dialogs.answers = {Answer::No};
     open(bad);
     EXPECT_EQ(titles().back(), "File Read Error");
-    EXPECT_EQ(session.currentUnit(), 8);
+    EXPECT_EQ(session.slotInHand(), 8);
     EXPECT_EQ(unit().BinFile(), good);
     EXPECT_TRUE(unit().ONFLY_MODE());
 }
@@ -283,7 +283,7 @@ TEST_F(TwoKinds, AUnitThatComesWhileItsFileIsReadFindsItInItsSlot) {
     fake.dialogs.files = {path};
     asked.files.open();
     EXPECT_EQ(other.link.linked().LinkedUnitKind, 8);
-    EXPECT_EQ(other.currentUnit(), 8);
+    EXPECT_EQ(other.slotInHand(), 8);
     EXPECT_EQ(other.currentUnitObject().BinFile(), path);
 }
 
@@ -302,7 +302,7 @@ TEST_F(TwoKinds, AUnitThatComesWhileADamagedFileIsReadLeavesTheFormerCalibration
     open(bad);
     ASSERT_FALSE(fake.yield.meanwhile) << "the reading yields";
     EXPECT_EQ(titles().back(), "File Read Error");
-    EXPECT_EQ(session.currentUnit(), 8);
+    EXPECT_EQ(session.slotInHand(), 8);
     EXPECT_EQ(&unit(), &former);
     EXPECT_EQ(unit().get("KNK_MIN"), 31);
     EXPECT_EQ(unit().BinFile(), good);

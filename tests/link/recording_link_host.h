@@ -52,7 +52,7 @@ class RecordingLinkHost : public LinkTeller {
         const auto found = units.find(slot);
         return found == units.end() ? *units.at(0) : *found->second;
     }
-    int currentUnit() const override { return current; }
+    int slotInHand() const override { return current; }
     float fileFirmwareCode() const override { return fileCode; }
 
     void sysLog(std::string_view text) override {

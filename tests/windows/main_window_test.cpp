@@ -116,7 +116,7 @@ TEST_F(MainWindow, HasTheToolbarButtonsByKey) {
 TEST_F(MainWindow, TheToolbarOpensACalibrationLikeTheMenu) {
     fake.dialogs.files.push_back(calibrationFile());
     find<QToolBar>("Toolbar1")->findChild<QAction*>("Open")->trigger();
-    EXPECT_EQ(fake.session.currentUnit(), 3);
+    EXPECT_EQ(fake.session.slotInHand(), 3);
     EXPECT_EQ(windows.main().windowTitle().toStdString(),
               "Current Calibration File: " + fake.session.CurrentFile);
 }

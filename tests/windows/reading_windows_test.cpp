@@ -78,12 +78,12 @@ TEST_F(ReadingWindows, AMenuEntryComesBehindTheOpening) {
     openMeanwhile([&] {
         find<QAction>("mnuClose")->trigger();
         EXPECT_FALSE(fake.session.CurrentFile.empty());
-        EXPECT_EQ(fake.session.currentUnit(), 3);
+        EXPECT_EQ(fake.session.slotInHand(), 3);
     });
     EXPECT_FALSE(fake.session.CurrentFile.empty());
     settle();
     EXPECT_EQ(fake.session.CurrentFile, "");
-    EXPECT_EQ(fake.session.currentUnit(), 0);
+    EXPECT_EQ(fake.session.slotInHand(), 0);
 }
 
 TEST_F(ReadingWindows, TheButtonOfTheWindowEndsTheProgramBehindTheOpening) {

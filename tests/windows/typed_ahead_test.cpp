@@ -389,7 +389,7 @@ TEST_F(TypedAhead, WhatCannotComeBehindAClosedCalibrationIsToldInOneBox) {
     answer();
     settle();
     settle();
-    EXPECT_EQ(fake.session.currentUnit(), 0);
+    EXPECT_EQ(fake.session.slotInHand(), 0);
     EXPECT_EQ(windows.table(), nullptr);
     ASSERT_EQ(fake.dialogs.boxes.size(), 2u);
     EXPECT_EQ(fake.dialogs.boxes[0].text, "Save changes?");
