@@ -362,13 +362,6 @@ const FieldRow* fieldOf(std::string_view control) {
     return found == fieldTable.end() ? nullptr : &*found;
 }
 
-const FieldTraits& traitsOfMember(std::string_view member) {
-    static constexpr FieldTraits plain;
-    const auto shows = [&](const FieldRow& row) { return row.member == member && row.kind == Number; };
-    const auto found = std::ranges::find_if(fieldTable, shows);
-    return found == fieldTable.end() ? plain : *found;
-}
-
 std::vector<int> fieldPageNumbers() {
     std::vector<int> numbers;
     for (const FieldRow& row : fieldTable) {

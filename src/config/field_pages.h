@@ -77,9 +77,6 @@ std::span<const FieldRow> fieldsOfPage(int page);
 /// always with the same member.
 const FieldRow* fieldOf(std::string_view control);
 
-/// What the first row of a member says; nothing special for a member that no control shows.
-const FieldTraits& traitsOfMember(std::string_view member);
-
 /// The numbers of the pages that have controls, ascending.
 std::vector<int> fieldPageNumbers();
 

@@ -5,10 +5,6 @@
 namespace zentaq {
 
 // The system's own files tell the same as Qt's list, ten times as fast, and all programs number ports alike.
-std::vector<PortFacts> realPorts() {
-    return posixRealPorts();
-}
-
 std::vector<PortInfo> systemPorts() {
     return posixPorts();
 }

@@ -8,9 +8,6 @@
 
 namespace zentaq {
 
-/// The real ports of the system.
-std::vector<PortFacts> realPorts();
-
 /// The list of this moment.
 std::vector<PortInfo> systemPorts();
 

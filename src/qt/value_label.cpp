@@ -32,12 +32,6 @@ ValueLabel::ValueLabel(const QString& pattern, QWidget* parent) : QLabel(parent)
     setTextFormat(Qt::PlainText);
 }
 
-void ValueLabel::setPattern(const QString& pattern) {
-    if (pattern == pattern_) return;
-    pattern_ = pattern;
-    updateGeometry();
-}
-
 void ValueLabel::showValue(const QString& shown) {
     if (shown != text()) setText(shown);
 }

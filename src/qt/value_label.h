@@ -14,7 +14,6 @@ class ValueLabel : public QLabel {
     explicit ValueLabel(const QString& pattern, QWidget* parent = nullptr);
 
     const QString& pattern() const { return pattern_; }
-    void setPattern(const QString& pattern);
     /// Shows a text; costs nothing when it is already shown.
     void showValue(const QString& text);
 
