@@ -11,7 +11,8 @@
 #include "base/text.h"
 #include "commands.h"
 #include "members.h"
-#include "tables/table_kind.h"
+#include "tables/table_cells.h"
+#include "unit/axis_kinds.h"
 
 namespace zentaq::ctl {
 
@@ -66,13 +67,8 @@ class TableView {
 };
 
 std::string TableView::axisUnit(const Axis& axis) {
-    const std::string kind = axisKind(axis);
-    if (kind.ends_with("MAP")) return unit_.MAPUnits();
-    if (kind == "CLT" || kind == "MAT") return "Celsius";
-    if (kind == "TPS") return "Volts";
-    if (kind == "ACTUAL AFR") return "AFR";
-    if (kind.starts_with("GPIO")) return "%";
-    return kind;
+    const AxisKind* kind = axisKindOf(axisKind(axis));
+    return kind != nullptr && kind->temperature ? "Celsius" : zentaq::axisUnit(unit_, kind);
 }
 
 void writeText(std::ostream& out, TableView& table) {

@@ -1,7 +1,6 @@
 #include "members.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <optional>
 #include <utility>
@@ -13,12 +12,11 @@
 #include "base/shown_text.h"
 #include "base/text.h"
 #include "config/basic_figures.h"
-#include "config/gui_rules.h"
 #include "near_names.h"
-#include "tables/table_kind.h"
 #include "unit/axis_order.h"
 #include "unit/gpio_model.h"
 #include "unit/member_index.h"
+#include "unit/table_kinds.h"
 
 namespace zentaq::ctl {
 
@@ -28,7 +26,6 @@ constexpr int pinParameters = 8;
 constexpr int bits = 8;
 constexpr int nameLength = 24;
 constexpr int notesLength = 500;
-constexpr std::array<std::string_view, 6> tableNames = {"ADV", "AFR", "SPW", "VE", "GPO1", "GPO2"};
 
 // ---- Members of the parameter table
 
@@ -378,9 +375,9 @@ void addStops(std::vector<Member>& members, const UnitKind& kind, const std::str
 }
 
 void addShapes(std::vector<Member>& members, const UnitKind& kind) {
-    for (const std::string_view name : tableNames) {
-        if (!hasTable(kind, name)) continue;
-        const std::string table(name);
+    for (const TableKind& each : tableKinds()) {
+        if (!hasTable(kind, each)) continue;
+        const std::string table(each.name);
         addSize(members, kind, table, "ROWS");
         addSize(members, kind, table, "COLS");
         addAxisKind(members, kind, table, "ROW-AXIS");

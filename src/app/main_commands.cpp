@@ -2,8 +2,8 @@
 
 #include "base/message_codes.h"
 #include "base/settings_keys.h"
-#include "config/gui_rules.h"
 #include "config/tree.h"
+#include "unit/table_kinds.h"
 
 namespace zentaq {
 

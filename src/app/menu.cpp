@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "config/gui_rules.h"
+#include "unit/table_kinds.h"
 #include "unit/unit_kind.h"
 
 namespace zentaq {

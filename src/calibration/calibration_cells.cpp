@@ -16,16 +16,11 @@ namespace zentaq {
 
 namespace {
 
-constexpr int tableCells = 256;
 constexpr int tableColumns = 16;
 constexpr int controlBytes = 3;
 constexpr std::string_view nanPrefix = "nan:";
 
 // Where the axis words stand on every kind that has them.
-constexpr int axisWords = 2290;
-constexpr int sizes = 2292;
-constexpr int firstStop = 2226;
-constexpr int stops = 16;
 
 CellBits bitsAt(std::string_view bytes, std::size_t index) {
     CellBits bits = 0;
@@ -166,7 +161,7 @@ int mostCells(const UnitKind* kind) {
 // ---- What cells stand for
 
 bool CellPlace::isTable() const {
-    return role == CellRole::OutputTable || (role == CellRole::Member && row->count == tableCells);
+    return role == CellRole::OutputTable || (role == CellRole::Member && row->count == storedCells);
 }
 
 CalibrationCells::CalibrationCells(const UnitKind* kind)
@@ -218,22 +213,24 @@ void CalibrationCells::claimPins() {
 
 void CalibrationCells::claimOutputTables() {
     const bool hasWords = kind_->cells.hasAxisWords;
-    for (int table = 0; hasWords && table <= 2; ++table) {
-        claim(sizes + 2 * table, {.role = CellRole::Rows, .number = table});
-        claim(sizes + 2 * table + 1, {.role = CellRole::Columns, .number = table});
-    }
-    for (int table = 1; table <= 2; ++table) {
-        const int rowStops = firstStop + (table - 1) * 2 * stops;
-        if (hasWords) claim(axisWords + table - 1, {.role = CellRole::AxisKinds, .number = table});
-        for (int i = 0; hasWords && i < stops; ++i) {
-            claim(rowStops + i, {.role = CellRole::RowStop, .number = table, .element = i});
+    const auto claimSizes = [&](const TableKind& table) {
+        claim(table.rowsCell, {.role = CellRole::Rows, .number = table.gpoNumber});
+        claim(table.rowsCell + 1, {.role = CellRole::Columns, .number = table.gpoNumber});
+    };
+    if (hasWords) claimSizes(tableKinds().front());
+    if (hasWords) std::ranges::for_each(outputTables(), claimSizes);
+    for (const TableKind& table : outputTables()) {
+        const int number = table.gpoNumber;
+        if (hasWords) claim(table.axisWord, {.role = CellRole::AxisKinds, .number = number});
+        for (int i = 0; hasWords && i < storedHeaders; ++i) {
+            claim(table.rowStops + i, {.role = CellRole::RowStop, .number = number, .element = i});
         }
-        for (int i = 0; hasWords && i < stops; ++i) {
-            claim(rowStops + stops + i, {.role = CellRole::ColumnStop, .number = table, .element = i});
+        for (int i = 0; hasWords && i < storedHeaders; ++i) {
+            claim(table.columnStops + i, {.role = CellRole::ColumnStop, .number = number, .element = i});
         }
-        const int first = kind_->cells.outputTable[static_cast<std::size_t>(table - 1)];
-        for (int i = 0; i < tableCells; ++i) {
-            claim(first + i, {.role = CellRole::OutputTable, .number = table, .element = i});
+        for (int i = 0; i < storedCells; ++i) {
+            claim(table.firstCell(*kind_) + i,
+                  {.role = CellRole::OutputTable, .number = number, .element = i});
         }
     }
 }

@@ -13,6 +13,7 @@
 
 #include "unit/axis_kinds.h"
 #include "unit/parameter.h"
+#include "unit/table_kinds.h"
 #include "unit/unit_kind.h"
 
 namespace zentaq {

@@ -15,7 +15,6 @@ namespace {
 constexpr int tableColumns = 16;
 constexpr int shownStops = 16;
 constexpr int controlBytes = 3;
-constexpr int axisWords = 2290;
 
 std::optional<int> functionOf(const CalibrationBytes& file, int pin) {
     return byteOf(file.cell(file.kind->gpioBase + CalibrationCells::blockCells * pin));
@@ -99,13 +98,8 @@ std::string CalibrationView::text(int cell) {
 
 std::string CalibrationView::stopUnit(int table, bool rows) const {
     if (!file_.kind->cells.hasAxisWords) return rows ? unit_.MAPUnits() : "RPM";
-    const auto word = byteOf(file_.cell(axisWords + table - 1));
-    const std::string_view kind = axisKindName(!word ? 0 : rows ? *word / 16 : *word % 16);
-    if (kind == "RAW MAP" || kind == "BLEND MAP") return unit_.MAPUnits();
-    if (kind == "CLT" || kind == "MAT") return "C";
-    if (kind == "TPS") return "Volts";
-    if (kind == "ACTUAL AFR") return "AFR";
-    return kind.starts_with("GPIO") ? "%" : std::string(kind);
+    const auto word = byteOf(file_.cell(outputTable(table).axisWord));
+    return axisUnit(unit_, axisKindOf(!word ? 0 : rows ? *word / 16 : *word % 16));
 }
 
 std::string CalibrationView::axesText(const CellPlace& place) {
@@ -116,6 +110,7 @@ std::string CalibrationView::axesText(const CellPlace& place) {
 std::string CalibrationView::headerText(const CellPlace& place, bool rows) {
     const int index = rows ? place.element / tableColumns : place.element % tableColumns;
     const int table = place.role == CellRole::OutputTable ? place.number : 0;
+    const std::string_view axis = rows ? "Y-Axis" : "X-Axis";
     const auto at = static_cast<std::size_t>(index + (rows ? 0 : shownStops));
     std::optional<std::string>& header = headers_[static_cast<std::size_t>(table)][at];
     if (header) return *header;
@@ -124,11 +119,10 @@ std::string CalibrationView::headerText(const CellPlace& place, bool rows) {
     try {
         if (table == 0) {
             unit = rows ? unit_.MAPUnits() : "RPM";
-            value = numberText(unit_.get(rows ? "MAPTBL" : "RPMTBL", index));
+            value = numberText(unit_.get(mainAxisMember(axis), index));
         } else {
             unit = stopUnit(table, rows);
-            const std::string_view name = table == 1 ? "GPO1" : "GPO2";
-            value = numberText(unit_.Get_GPO_Stop(index, rows ? "Y-Axis" : "X-Axis", name));
+            value = numberText(unit_.Get_GPO_Stop(index, axis, outputTable(table).name));
         }
     } catch (const Failure&) {
         value = "?";  // an axis that no sensor of the file explains

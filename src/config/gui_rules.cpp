@@ -14,8 +14,6 @@ namespace zentaq {
 
 namespace {
 
-constexpr std::array<std::string_view, 6> allTables = {"ADV", "AFR", "VE", "SPW", "GPO1", "GPO2"};
-
 // Captions that tell the limits of a temperature, in the scale of the user.
 struct TemperatureCaption {
     std::string_view control, celsius, fahrenheit;
@@ -78,14 +76,6 @@ std::vector<ControlRule> controlRules(Unit& unit, const std::vector<PageRule>& p
     return controls;
 }
 
-std::vector<std::string> openTables(const Unit& unit) {
-    std::vector<std::string> tables;
-    for (const std::string_view table : allTables) {
-        if (hasTable(unit.kind(), table)) tables.emplace_back(table);
-    }
-    return tables;
-}
-
 /// No kind has a member that the ORB A lacks.
 std::vector<std::string> lackingMembers(const Unit& unit) {
     std::vector<std::string> names;
@@ -129,23 +119,10 @@ const ControlRule* GuiRules::control(int page, std::string_view name) const {
     return found == controls.end() ? nullptr : &*found;
 }
 
-bool GuiRules::tableOpen(std::string_view table) const {
-    return std::ranges::find(tables, table) != tables.end();
-}
-
-bool hasTable(const UnitKind& kind, std::string_view table) {
-    // Every unit has the two output tables.
-    if (table == "GPO1" || table == "GPO2") return kind.hasCalibration;
-    if (std::ranges::find(allTables, table) == allTables.end()) return false;
-    // By its reader: a scalar bears the name "AFR" too.
-    return kind.members->find("Get_" + std::string(table)) != nullptr;
-}
-
 GuiRules guiRules(Unit& unit) {
     GuiRules rules;
     rules.pages = pageRules(unit);
     rules.controls = controlRules(unit, rules.pages);
-    rules.tables = openTables(unit);
     rules.lacking = lackingMembers(unit);
     rules.firmware = firmwareText(unit);
     return rules;

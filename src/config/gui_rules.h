@@ -1,4 +1,4 @@
-// What kind and firmware allow the windows to show: visible pages, controls and tables, enabled controls, and
+// What kind and firmware allow the windows to show: visible pages and controls, enabled controls, and
 // captions. Asks only: nothing changes but the cells that every reading repairs.
 #pragma once
 
@@ -28,7 +28,6 @@ struct ControlRule {
 struct GuiRules {
     std::vector<PageRule> pages;        ///< every page that some kind has, ascending
     std::vector<ControlRule> controls;  ///< every control, in the order of the pages
-    std::vector<std::string> tables;    ///< the tables that may be opened: "ADV", "VE", ...
     std::vector<std::string> lacking;   ///< members that other kinds have and this one lacks
     std::string firmware;               ///< "5.99": release and build; empty without a calibration
 
@@ -38,11 +37,7 @@ struct GuiRules {
     /// Compared without case.
     const ControlRule* control(std::string_view name) const;
     const ControlRule* control(int page, std::string_view name) const;
-    bool tableOpen(std::string_view table) const;
 };
-
-/// Whether a kind has a table: "ADV", "VE", "SPW", "AFR", "GPO1" or "GPO2".
-bool hasTable(const UnitKind& kind, std::string_view table);
 
 /// The answer depends on the kind, `FW_Release`, `FW_Build`, the option cells, `hasPIC18` and the temperature
 /// setting only, and is the same on every call.

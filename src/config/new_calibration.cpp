@@ -10,6 +10,7 @@
 #include "config/pressure_units.h"
 #include "refdata/schema.h"
 #include "unit/legacy_sensor.h"
+#include "unit/table_kinds.h"
 #include "unit/temperature.h"
 
 namespace zentaq {
@@ -121,13 +122,13 @@ void putCurves(Filler& filler, const KindDefaults& defaults, bool raceCam) {
 }
 
 void putShape(Unit& unit, const EngineFigures& figures) {
-    for (const std::string_view table : {"ADV", "GPO1", "GPO2"}) {
-        unit.SET_TBL_DIMENSIONS(table, "ROWS", figures.rows);
-        unit.SET_TBL_DIMENSIONS(table, "COLS", figures.columns);
+    for (const TableKind& table : tableKinds()) {
+        unit.SET_TBL_DIMENSIONS(table.name, "ROWS", figures.rows);
+        unit.SET_TBL_DIMENSIONS(table.name, "COLS", figures.columns);
     }
-    for (const std::string_view table : {"GPO1", "GPO2"}) {
-        unit.SET_TBL_AXIS_TYPE(table, "COL-AXIS", "RPM");
-        unit.SET_TBL_AXIS_TYPE(table, "ROW-AXIS", "BLEND MAP");
+    for (const TableKind& table : outputTables()) {
+        unit.SET_TBL_AXIS_TYPE(table.name, "COL-AXIS", "RPM");
+        unit.SET_TBL_AXIS_TYPE(table.name, "ROW-AXIS", "BLEND MAP");
     }
 }
 
@@ -144,7 +145,8 @@ void putAxes(Filler& filler, Unit& unit, const EngineFigures& figures) {
 }
 
 void putStops(Filler& filler, Unit& unit) {
-    for (const std::string_view table : {"GPO1", "GPO2"}) {
+    for (const TableKind& output : outputTables()) {
+        const std::string_view table = output.name;
         for (int i = 0; i < axisCells; ++i) {
             // The axis reads back rounded, which may step over the end of the sensor.
             const float pressure = std::clamp(unit.get("MAPTBL", i), unit.MAPMin(), unit.MAPMax());

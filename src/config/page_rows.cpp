@@ -5,9 +5,9 @@
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/text.h"
-#include "config/gui_rules.h"
 #include "config/shown_value.h"
 #include "config/tree.h"
+#include "unit/table_kinds.h"
 
 namespace zentaq {
 

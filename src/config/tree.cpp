@@ -2,6 +2,8 @@
 
 #include <array>
 
+#include "unit/table_kinds.h"
+
 namespace zentaq {
 
 namespace {
@@ -125,24 +127,7 @@ std::string textOf(const Row& row, unsigned tree, const Unit& unit) {
     return std::string(row.text);
 }
 
-struct TableTitle {
-    std::string_view table, title;
-};
-
-constexpr std::array titles{
-    TableTitle{"ADV", "Ignition Advance Table"}, TableTitle{"VE", "Volumetric Efficiency Table"},
-    TableTitle{"SPW", "Staged Pulsewidth"},      TableTitle{"AFR", "EGO Wideband / AFR Table"},
-    TableTitle{"GPO1", "Full Table - Table#1"},  TableTitle{"GPO2", "Full Table - Table#2"},
-};
-
 }  // namespace
-
-std::string tableTitle(std::string_view table) {
-    for (const TableTitle& row : titles) {
-        if (row.table == table) return std::string(row.title);
-    }
-    return {};
-}
 
 std::string tableHelp(std::string_view table) {
     for (const Row& row : rows) {

@@ -27,9 +27,6 @@ struct TreeNode {
 /// The tree for the unit in hand, parents before children. Kind 0 has an empty tree.
 std::vector<TreeNode> treeNodes(Unit& unit);
 
-/// Names of the six tables with the titles of their windows.
-std::string tableTitle(std::string_view table);
-
 /// The key in table FastHelp for a table; empty for none.
 std::string tableHelp(std::string_view table);
 

@@ -1,28 +1,40 @@
-// What an axis of a table can carry, by the code that calibrations keep in a nibble.
+// What an axis of a table can carry: one row a kind, by the code that calibrations keep in a nibble.
 #pragma once
 
-#include <algorithm>
-#include <array>
-#include <optional>
+#include <span>
+#include <string>
 #include <string_view>
+
+#include "base/channels.h"
+#include "unit/parameter.h"
 
 namespace zentaq {
 
-inline constexpr std::array<std::string_view, 16> axisKindNames = {
-    "",      "CLT",   "RAW MAP", "BLEND MAP", "TPS",   "ACTUAL AFR", "MAT",   "RPM",
-    "GPIO1", "GPIO2", "GPIO3",   "GPIO4",     "GPIO5", "GPIO6",      "GPIO7", "GPIO8"};
+/// The span over which a new axis is spread evenly.
+struct AxisSpan {
+    float low = 0;
+    float high = 0;
+};
 
-/// The name of a code from 0 to 15, empty for none.
-constexpr std::string_view axisKindName(int code) {
-    if (code < 0 || code >= static_cast<int>(axisKindNames.size())) return {};
-    return axisKindNames[static_cast<std::size_t>(code)];
-}
+struct AxisKind {
+    int code = 0;             ///< 1 to 15
+    std::string_view name;    ///< "BLEND MAP"
+    std::string_view unit;    ///< of the stops in their cells; empty for pressures: that of the sensor
+    Limits (*limits)(Unit&);  ///< of a stop that a user enters
+    AxisSpan (*span)(Unit&);
+    double (*image)(Unit&, double cell);  ///< the number that the unit's memory takes
+    float LiveValues::*live;              ///< what a point on it follows; none where that is a pin's state
+    int pin = -1;                         ///< of an input or output, from 0
+    bool temperature = false;             ///< a user of Fahrenheit enters and sees it in his scale
+};
 
-/// The code of a name, nothing for a text that is none.
-constexpr std::optional<int> axisKindCode(std::string_view name) {
-    const auto found = std::ranges::find(axisKindNames, name);
-    if (found == axisKindNames.end()) return {};
-    return static_cast<int>(found - axisKindNames.begin());
-}
+std::span<const AxisKind> axisKinds();
+/// nullptr for a code or a name that is none.
+const AxisKind* axisKindOf(int code);
+const AxisKind* axisKindOf(std::string_view name);
+/// The name of a code, empty for none.
+std::string_view axisKindName(int code);
+/// The unit of stops as their cells hold them; empty for no kind.
+std::string axisUnit(const Unit& unit, const AxisKind* kind);
 
 }  // namespace zentaq

@@ -5,6 +5,7 @@
 
 #include "base/errors.h"
 #include "base/number_text.h"
+#include "unit/table_kinds.h"
 
 namespace zentaq {
 
@@ -22,19 +23,10 @@ constexpr std::array axes{
     Axis{"GPO1", "X-Axis", "X-Axis of GPO1"},        Axis{"GPO1", "Y-Axis", "Y-Axis of GPO1"},
     Axis{"GPO2", "X-Axis", "X-Axis of GPO2"},        Axis{"GPO2", "Y-Axis", "Y-Axis of GPO2"}};
 
-bool isOutputTable(std::string_view table) {
-    return table.starts_with("GPO");
-}
-
-float stopOf(Unit& unit, std::string_view table, std::string_view axis, int index) {
-    if (isOutputTable(table)) return unit.Get_GPO_Stop(index, axis, table);
-    return unit.get(axis == "X-Axis" ? "RPMTBL" : "MAPTBL", index);
-}
-
 std::vector<float> stopsInUse(Unit& unit, std::string_view table, std::string_view axis) {
     const int count = unit.GET_TBL_DIMENSIONS(table, axis == "X-Axis" ? "COLS" : "ROWS");
     std::vector<float> stops;
-    for (int i = 0; i < std::min(count, mostStops); ++i) stops.push_back(stopOf(unit, table, axis, i));
+    for (int i = 0; i < std::min(count, mostStops); ++i) stops.push_back(tableHeader(unit, table, axis, i));
     return stops;
 }
 
@@ -65,7 +57,7 @@ std::string lineOf(const Axis& axis, const std::vector<float>& stops) {
 std::vector<std::string> axesWithoutOrder(Unit& unit) {
     std::vector<std::string> lines;
     for (const Axis& axis : axes) {
-        const bool output = isOutputTable(axis.table);
+        const bool output = findTable(axis.table)->isGpo();
         // Without stops of its own an output table has those of the main tables.
         if (!unit.kind().hasCalibration || (output && !unit.kind().cells.hasAxisWords)) continue;
         skipFailing([&] {

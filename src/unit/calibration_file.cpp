@@ -15,6 +15,7 @@
 #include "unit/reference_needed.h"
 #include "unit/rollback.h"
 #include "unit/safe_file.h"
+#include "unit/table_kinds.h"
 #include "unit/unit.h"
 
 namespace zentaq {
@@ -209,13 +210,9 @@ std::optional<SensorFacts> Unit::sensorById(int id) {
 void Unit::seedStopPoints() {
     if (!kind_->cells.hasAxisWords) return;
     constexpr int stops = 16;
-    constexpr int rowStops1 = 2226;
-    constexpr int columnStops1 = 2242;
-    constexpr int rowStops2 = 2258;
-    constexpr int columnStops2 = 2274;
     constexpr int seen = 4;
     for (int i = 0; i < seen; ++i) {
-        if (cellAt(columnStops1 + i) != 0) return;
+        if (cellAt(outputTables().front().columnStops + i) != 0) return;
     }
     const Parameter& pressures = *find("MAPTBL");
     const Parameter& speeds = *find("RPMTBL");
@@ -227,28 +224,27 @@ void Unit::seedStopPoints() {
             store("MAPTBL", static_cast<float>(high - 0.1), i);
         const float speed = cellAt(speeds.cell(i));
         const float pressure = rules::readPressure(*this, pressures, i);
-        put(columnStops1 + i, speed);
-        put(columnStops2 + i, speed);
-        put(rowStops1 + i, pressure);
-        put(rowStops2 + i, pressure);
+        for (const TableKind& table : outputTables()) {
+            put(table.columnStops + i, speed);
+            put(table.rowStops + i, pressure);
+        }
     }
 }
 
 void Unit::seedShape() {
     if (!kind_->cells.hasAxisWords) return;
-    constexpr int axisWord1 = 2290;
-    constexpr int axisWord2 = 2291;
     constexpr int oldSize = 16;
-    if (cellAt(axisWord1) == 0 && cellAt(axisWord2) == 0) {
-        for (const std::string_view table : {"GPO1", "GPO2"}) {
-            SET_TBL_AXIS_TYPE(table, "ROW-AXIS", "BLEND MAP");
-            SET_TBL_AXIS_TYPE(table, "COL-AXIS", "RPM");
+    const auto hasNoAxes = [&](const TableKind& table) { return cellAt(table.axisWord) == 0; };
+    if (std::ranges::all_of(outputTables(), hasNoAxes)) {
+        for (const TableKind& table : outputTables()) {
+            SET_TBL_AXIS_TYPE(table.name, "ROW-AXIS", "BLEND MAP");
+            SET_TBL_AXIS_TYPE(table.name, "COL-AXIS", "RPM");
         }
     }
     if (GET_TBL_DIMENSIONS("ADV", "ROWS") != 0) return;
-    for (const std::string_view table : {"ADV", "AFR", "SPW", "VE", "GPO1", "GPO2"}) {
-        SET_TBL_DIMENSIONS(table, "ROWS", oldSize);
-        SET_TBL_DIMENSIONS(table, "COLS", oldSize);
+    for (const TableKind& table : tableKinds()) {
+        SET_TBL_DIMENSIONS(table.name, "ROWS", oldSize);
+        SET_TBL_DIMENSIONS(table.name, "COLS", oldSize);
     }
 }
 

@@ -11,6 +11,7 @@
 #include "unit/image_layout.h"
 #include "unit/image_source.h"
 #include "unit/parameter_rules.h"
+#include "unit/table_kinds.h"
 #include "unit/unit.h"
 
 namespace zentaq {
@@ -103,8 +104,8 @@ void Unit::convertCellsWithoutMember() {
     const CellMap& map = kind_->cells;
     if (map.fuelTrimSent != CellMap::none) convertRun("cell", map.fuelTrimSent, 8, percentAround50);
     convertRun("cell", map.name, 24, asCell);
-    convertRun("GPO1", map.outputTable[0], 256, percent);
-    convertRun("GPO2", map.outputTable[1], 256, percent);
+    for (const TableKind& table : outputTables())
+        convertRun(table.name, table.firstCell(*kind_), storedCells, percent);
 }
 
 void Unit::convertMovedCells() {

@@ -43,7 +43,7 @@ class TypingValidator : public QValidator {
  public:
     using QValidator::QValidator;
     State validate(QString& text, int&) const override {
-        return TableModel::mayBeTyped(text.toStdString()) ? Acceptable : Invalid;
+        return TableEditor::mayBeTyped(text.toStdString()) ? Acceptable : Invalid;
     }
 };
 
@@ -330,9 +330,9 @@ void FrmTable::Setup_Grid(const std::string& table, const std::string& title) {
         fresh = std::make_shared<TableModel>(unit, session_.ecu, session_.live, session_.paintMemory);
     }
     TableModel& shown = fresh ? *fresh : *model_;
-    shown.colourMode(colourModeOf(session_.TableColorMode));
+    shown.overlay().colourMode(colourModeOf(session_.TableColorMode));
     // Throws for a table that cannot be shown: the window keeps the one that it has, and an open edit.
-    const auto refused = shown.Setup_Grid(table, title, shown.inverted());
+    const auto refused = shown.Setup_Grid(table, title, shown.sheet().inverted());
     closeEdit();
     textLeft_ = false;
     if (fresh) {
@@ -341,7 +341,7 @@ void FrmTable::Setup_Grid(const std::string& table, const std::string& title) {
         unit_ = &unit;
     }
     const QSignalBlocker quiet(Grid1_->selectionModel());
-    Grid1_->cells().show(&model_->grid());
+    Grid1_->cells().show(&model_->sheet().grid());
     Grid1_->placeMarker(false, 1, 1);
     showAll();
     sizeColumns();
@@ -352,11 +352,11 @@ void FrmTable::Setup_Grid(const std::string& table, const std::string& title) {
 void FrmTable::showUnit() {
     if (ownChange_ || !model_ || unit_ != &session_.currentUnitObject()) return;
     // A value elsewhere has changed; what is being typed here goes on, where its cell is still there.
-    const GridCell cell{model_->currentRow(), model_->currentColumn()};
-    const TableView view = model_->view();
+    const GridCell cell{model_->cursor().row(), model_->cursor().column()};
+    const TableView view = model_->estimates().view();
     model_->rebuild();
     if (view != TableView::Values) model_->showView(view);
-    if (cell != GridCell{model_->currentRow(), model_->currentColumn()}) closeEdit();
+    if (cell != GridCell{model_->cursor().row(), model_->cursor().column()}) closeEdit();
     showAll();
     sizeColumns();
     placeEdit();
@@ -367,7 +367,7 @@ void FrmTable::sizeColumns() {
 }
 
 void FrmTable::showAll() {
-    const QString title = QString::fromStdString(model_->title());
+    const QString title = QString::fromStdString(model_->sheet().title());
     lblTitle_->setText(title);
     setWindowTitle(docked_ ? QString() : title);
     Grid1_->setAccessibleName(title);
@@ -382,8 +382,8 @@ void FrmTable::showTimes() {
         // The same text once more would only move the cursor.
         if (!timeBeingTyped(field) && field.text().toStdString() != time) field.setText(qString(time));
     };
-    show(*txtTOG_, model_->timeOfGap());
-    show(*txtIOT_, model_->injectorOn());
+    show(*txtTOG_, model_->estimates().timeOfGap());
+    show(*txtIOT_, model_->estimates().injectorOn());
 }
 
 void FrmTable::showItems() {
@@ -396,14 +396,14 @@ void FrmTable::showItems() {
         field->setVisible(items.fuelViews);
     }
     actions_.at("Colors")->setText(QString::fromStdString(items.overlayItem));
-    actions_.at("Absolute")->setVisible(model_->table() == "VE");
-    actions_.at("Absolute")->setChecked(model_->absoluteVe());
-    actions_.at("Pulsewidth")->setChecked(model_->view() == TableView::PulseWidth);
-    actions_.at("DutyCycle")->setChecked(model_->view() == TableView::DutyCycle);
-    actions_.at("Invert")->setChecked(model_->inverted());
+    actions_.at("Absolute")->setVisible(model_->sheet().table() == "VE");
+    actions_.at("Absolute")->setChecked(model_->sheet().absoluteVe());
+    actions_.at("Pulsewidth")->setChecked(model_->estimates().view() == TableView::PulseWidth);
+    actions_.at("DutyCycle")->setChecked(model_->estimates().view() == TableView::DutyCycle);
+    actions_.at("Invert")->setChecked(model_->sheet().inverted());
     actions_.at("Invert")->setEnabled(!items.axisButtons);
-    actions_.at("ColorsNorm")->setChecked(model_->colourMode() == TableColour::Normal);
-    actions_.at("ColorsAFR")->setChecked(model_->colourMode() == TableColour::Afr);
+    actions_.at("ColorsNorm")->setChecked(model_->overlay().colourMode() == TableColour::Normal);
+    actions_.at("ColorsAFR")->setChecked(model_->overlay().colourMode() == TableColour::Afr);
     actions_.at("Docking")->setText(docked_ ? undockCaption : dockCaption);
     lblDspTable_->setText(QString::fromStdString(items.displayCaption));
     lblDspTable_->setVisible(!items.displayCaption.empty());
@@ -441,8 +441,8 @@ void FrmTable::setDocked(bool docked) {
 // ---- Cursor and selection
 
 void FrmTable::showCursor() {
-    const QModelIndex cell = Grid1_->cells().index(model_->currentRow() - 1, model_->currentColumn() - 1);
-    if (cell == Grid1_->currentIndex() || model_->selection().present) return;
+    const QModelIndex cell = Grid1_->cells().index(model_->cursor().row() - 1, model_->cursor().column() - 1);
+    if (cell == Grid1_->currentIndex() || model_->cursor().selection().present) return;
     syncing_ = true;
     Grid1_->selectionModel()->setCurrentIndex(cell, QItemSelectionModel::ClearAndSelect);
     // The view keeps the cell where a selection begins by itself: Shift would select from the one that was
@@ -466,14 +466,14 @@ void FrmTable::selectionChanged() {
     const int column = current.column() + 1;
     const QItemSelection chosen = Grid1_->selectionModel()->selection();
     if (chosen.isEmpty() || !chosen.contains(current)) {
-        model_->select(row, column, row, column);
+        model_->cursor().select(row, column, row, column);
         return;
     }
     const QItemSelectionRange& block = chosen.first();
     // The corner across from the current cell; between two corners the far one makes the block.
     const int otherRow = row == block.top() + 1 ? block.bottom() + 1 : block.top() + 1;
     const int otherColumn = column == block.left() + 1 ? block.right() + 1 : block.left() + 1;
-    model_->select(row, column, otherRow, otherColumn);
+    model_->cursor().select(row, column, otherRow, otherColumn);
 }
 
 // ---- Events
@@ -713,8 +713,8 @@ void FrmTable::pressed(char key) {
 }
 
 void FrmTable::nudge(bool up) {
-    const int written = model_->cellsWritten();
-    const auto nudged = model_->nudge(up);
+    const int written = model_->sheet().cellsWritten();
+    const auto nudged = model_->editor().nudge(up);
     markIfWritten(written);
     showAll();
     tell(nudged);
@@ -734,7 +734,7 @@ bool FrmTable::tell(std::span<const Refusal> refused) {
     const QPointer<FrmTable> self(this);
     const auto model = model_;
     // The live point stays away from the cell that the box is about.
-    const TableModel::CursorHold hold(*model);
+    const TableCursor::Hold hold(model->cursor());
     committing_ = true;
     session_.messages.tell(refused);
     if (!self) return false;
@@ -743,11 +743,11 @@ bool FrmTable::tell(std::span<const Refusal> refused) {
 }
 
 void FrmTable::openEdit(char key) {
-    const auto start = model_->startEdit(key);
+    const auto start = model_->editor().startEdit(key);
     showItems();
     if (!start) {
         Grid1_->setFocus();
-        tell(TableModel::checkFirstKey(key));
+        tell(TableEditor::checkFirstKey(key));
         return;
     }
     boxEntered_ = key != ' ';
@@ -762,7 +762,7 @@ void FrmTable::openEdit(char key) {
 
 void FrmTable::placeEdit() {
     if (!model_) return;
-    const QRect cell = Grid1_->cellRect(model_->currentRow(), model_->currentColumn());
+    const QRect cell = Grid1_->cellRect(model_->cursor().row(), model_->cursor().column());
     // Larger than its cell, so that the digits are; it grows to the left and to both sides in height, and
     // stays in sight at the edges of the grid.
     const QFontMetrics metrics = txtInputValue_->fontMetrics();
@@ -790,11 +790,11 @@ bool FrmTable::finishEntry() {
 
 bool FrmTable::finishEdits() {
     if (!finishEntry()) return false;
-    return !textLeft_ || model_->view() != TableView::Values || saveGrid();
+    return !textLeft_ || !model_->estimates().showsValues() || saveGrid();
 }
 
 bool FrmTable::commitEdit() {
-    const auto entered = model_->enterValue(txtInputValue_->text().toStdString());
+    const auto entered = model_->editor().enterValue(txtInputValue_->text().toStdString());
     if (entered) {
         closeEdit();
         session_.markModified();
@@ -803,7 +803,7 @@ bool FrmTable::commitEdit() {
         return true;
     }
     if (!tell(entered)) return false;
-    const std::string& old = model_->grid().text(model_->currentRow(), model_->currentColumn());
+    const std::string& old = model_->sheet().grid().text(model_->cursor().row(), model_->cursor().column());
     txtInputValue_->setText(QString::fromStdString(old));
     boxEntered_ = false;
     txtInputValue_->show();
@@ -815,11 +815,11 @@ bool FrmTable::commitEdit() {
 /// Kept: leaving the box puts its text into the cell with no check; the unit gets it with the next "Save".
 void FrmTable::leaveEdit() {
     if (!txtInputValue_->isVisible()) return;
-    const int row = model_->currentRow();
-    const int column = model_->currentColumn();
+    const int row = model_->cursor().row();
+    const int column = model_->cursor().column();
     const std::string typed = txtInputValue_->text().toStdString();
-    if (typed != model_->grid().text(row, column)) textLeft_ = true;
-    model_->leaveEdit(typed);
+    if (typed != model_->sheet().grid().text(row, column)) textLeft_ = true;
+    model_->editor().leaveEdit(typed);
     closeEdit();
     Grid1_->cells().refreshCell(row, column);
 }
@@ -835,48 +835,40 @@ void FrmTable::closeEdit() {
 }
 
 void FrmTable::holdCursor() {
-    model_->holdCursor();
+    model_->cursor().hold();
     showItems();
 }
 
 void FrmTable::letCursorGo() {
-    model_->letCursorGo();
+    model_->cursor().letGo();
     showItems();
 }
 
 void FrmTable::cellDoubleClicked() {
-    if (!model_ || waits() || model_->view() != TableView::Values) return;
+    if (!model_ || waits() || !model_->estimates().showsValues()) return;
     holdCursor();
     openEdit(' ');
 }
 
-// From left to right and from the bottom up: the neighbour before must stay below, or the unit would look its
-// values up in an axis without order.
-EntryOutcome FrmTable::checkAxis(int row, int column, const std::string& typed) const {
-    const auto entry = model_->axisEntry(row, column, typed);
-    if (!entry || entry->index == 0) return {};
-    const auto at = static_cast<std::size_t>(entry->index);
-    return checkAscending(entry->fields[at - 1], entry->fields[at]);
-}
-
 void FrmTable::headerDoubleClicked(int row, int column) {
     if (!model_ || waits()) return;
-    const auto prompt = model_->headerPrompt(row, column);
+    const auto prompt = model_->editor().headerPrompt(row, column);
     if (!prompt) return;
     holdCursor();
     const QPointer<FrmTable> self(this);
     const auto model = model_;
-    const auto typed = session_.dialogs().input(headerBoxTitle, *prompt, model->grid().text(row, column));
+    const auto typed =
+        session_.dialogs().input(headerBoxTitle, *prompt, model->sheet().grid().text(row, column));
     if (!self) return;
     letCursorGo();
-    if (!typed || model != model_ || model->headerPrompt(row, column) != prompt) return;
-    auto entered = checkAxis(row, column, *typed);
-    if (entered) entered = model->enterHeader(row, column, *typed);
+    if (!typed || model != model_ || model->editor().headerPrompt(row, column) != prompt) return;
+    auto entered = model->editor().checkHeader(row, column, *typed);
+    if (entered) entered = model->editor().enterHeader(row, column, *typed);
     if (!entered) return static_cast<void>(tell(entered));
     session_.markModified();
     showAll();
     sizeColumns();
-    const std::string warning = model->axisWarning(row, column);
+    const std::string warning = model->editor().axisWarning(row, column);
     if (warning.empty()) return;
     session_.sysLog("TABLE: " + warning.substr(0, warning.find('\n')));
     // No numbered warning: the entry stands, and what was typed behind it goes on.
@@ -885,19 +877,19 @@ void FrmTable::headerDoubleClicked(int row, int column) {
 
 void FrmTable::copy() {
     QApplication::clipboard()->setText(
-        QString::fromStdString(model_->clip()).replace(QLatin1Char('\r'), QLatin1Char('\n')));
+        QString::fromStdString(model_->editor().clip()).replace(QLatin1Char('\r'), QLatin1Char('\n')));
 }
 
 void FrmTable::paste() {
-    const int written = model_->cellsWritten();
-    const auto refused = model_->paste(QApplication::clipboard()->text().toStdString());
+    const int written = model_->sheet().cellsWritten();
+    const auto refused = model_->editor().paste(QApplication::clipboard()->text().toStdString());
     markIfWritten(written);
     showAll();
     tell(refused);
 }
 
 void FrmTable::markIfWritten(int writtenBefore) {
-    if (model_->cellsWritten() != writtenBefore) session_.markModified();
+    if (model_->sheet().cellsWritten() != writtenBefore) session_.markModified();
 }
 
 /// The pop-up of the main window, with the entries that suit the selection.
@@ -910,7 +902,7 @@ void FrmTable::showPopup(const QPoint& place) {
     }
     if (popup == nullptr) return;
     const QModelIndex cell = Grid1_->indexAt(place);
-    if (cell.isValid() && !model_->selection().present) Grid1_->setCurrentIndex(cell);
+    if (cell.isValid() && !model_->cursor().selection().present) Grid1_->setCurrentIndex(cell);
     const PopupItems items = model_->popupItems();
     for (QAction* entry : popup->actions()) {
         const QString name = entry->menu() != nullptr ? entry->menu()->objectName() : entry->objectName();
@@ -935,7 +927,8 @@ bool FrmTable::timeFieldEvent(QLineEdit* field, QEvent* event) {
         return true;
     }
     if (key.key() != Qt::Key_Escape) return false;
-    field->setText(QString::fromStdString(field == txtTOG_ ? model_->timeOfGap() : model_->injectorOn()));
+    field->setText(QString::fromStdString(field == txtTOG_ ? model_->estimates().timeOfGap()
+                                                           : model_->estimates().injectorOn()));
     return true;
 }
 
@@ -943,18 +936,19 @@ bool FrmTable::timeFieldEvent(QLineEdit* field, QEvent* event) {
 bool FrmTable::timeBeingTyped(const QLineEdit& field) const {
     if (!model_ || !field.isModified()) return false;
     const bool gap = &field == txtTOG_;
-    return field.text().toStdString() != (gap ? model_->timeOfGap() : model_->injectorOn());
+    return field.text().toStdString() !=
+           (gap ? model_->estimates().timeOfGap() : model_->estimates().injectorOn());
 }
 
 bool FrmTable::takeTime(QLineEdit* field) {
     const bool gap = field == txtTOG_;
-    const std::string before = gap ? model_->timeOfGap() : model_->injectorOn();
+    const std::string before = gap ? model_->estimates().timeOfGap() : model_->estimates().injectorOn();
     const std::string typed = field->text().toStdString();
     if (typed == before) return true;
     const auto entered = model_->enterTime(gap ? "scale1" : "INJ_On", typed);
     if (!tell(entered)) return false;
-    field->setText(
-        QString::fromStdString(entered ? (gap ? model_->timeOfGap() : model_->injectorOn()) : before));
+    field->setText(QString::fromStdString(
+        entered ? (gap ? model_->estimates().timeOfGap() : model_->estimates().injectorOn()) : before));
     if (entered) {
         session_.markModified();
         ownChange_ =
@@ -983,7 +977,7 @@ bool FrmTable::saveGrid() {
     if (!model_) return true;
     if (txtInputValue_->isVisible()) leaveEdit();
     textLeft_ = false;
-    const int written = model_->cellsWritten();
+    const int written = model_->sheet().cellsWritten();
     const auto refused = model_->save();
     markIfWritten(written);
     showAll();
@@ -1004,7 +998,7 @@ void FrmTable::discard() {
          Icon::Question, Buttons::YesNo});
     if (!self || model != model_ || answer != Answer::Yes) return;
     closeEdit();
-    const int written = model_->cellsWritten();
+    const int written = model_->sheet().cellsWritten();
     const auto refused = model_->restore();
     markIfWritten(written);
     showAll();
@@ -1012,7 +1006,7 @@ void FrmTable::discard() {
 }
 
 void FrmTable::toggleColors() {
-    model_->toggleOverlay();
+    model_->cursor().toggleOverlay();
     showItems();
 }
 
@@ -1026,14 +1020,14 @@ void FrmTable::colorsAfr() {
 void FrmTable::setColourMode(int mode) {
     session_.TableColorMode = mode;
     session_.settings().set("System", "TableColor", numberText(mode));
-    model_->colourMode(colourModeOf(mode));
+    model_->overlay().colourMode(colourModeOf(mode));
     showItems();
 }
 
 void FrmTable::clearTableColours() {
     if (!model_) return;
-    model_->colourMode(colourModeOf(session_.TableColorMode));
-    model_->colorizeGraph(true);
+    model_->overlay().colourMode(colourModeOf(session_.TableColorMode));
+    model_->overlay().colorizeGraph(true);
     showItems();
     Grid1_->cells().refresh();
 }
@@ -1045,7 +1039,7 @@ void FrmTable::colorsPersist() {
 }
 
 void FrmTable::colorsWhiteOut() {
-    model_->whiteOut();
+    model_->overlay().whiteOut();
     Grid1_->cells().refresh();
 }
 
@@ -1111,16 +1105,16 @@ void FrmTable::followPaint() {
         std::exchange(erasuresSeen_, session_.paintMemory.erasures()) == session_.paintMemory.erasures()) {
         return;
     }
-    model_->paintAnew();
+    model_->overlay().paintAnew();
     Grid1_->cells().refresh();
 }
 
 void FrmTable::Show_Current_Activity(float x, float y) {
     if (!model_) return;
     // Each frame paints its cell; only the screen waits.
-    dirtyCells_.push_back({model_->currentRow(), model_->currentColumn()});
-    model_->Show_Current_Activity(x, y);
-    dirtyCells_.push_back({model_->currentRow(), model_->currentColumn()});
+    dirtyCells_.push_back({model_->cursor().row(), model_->cursor().column()});
+    model_->overlay().Show_Current_Activity(x, y);
+    dirtyCells_.push_back({model_->cursor().row(), model_->cursor().column()});
     redraw_->request();
 }
 
@@ -1132,7 +1126,7 @@ void FrmTable::drawLive() {
         if (last == nullptr || !(cell == *last)) Grid1_->cells().refreshCell(cell.row, cell.column);
         last = &cell;
     }
-    const LiveMarker& marker = model_->marker();
+    const LiveMarker& marker = model_->overlay().marker();
     Grid1_->placeMarker(marker.visible, marker.row, marker.column);
     showCursor();
     const LiveValues& live = session_.live;

@@ -44,8 +44,8 @@ class FrmTable : public QWidget, public DockingForm {
     /// Builds the grid of a table of the calibration in hand. An empty name or title keeps the current one.
     void Setup_Grid(const std::string& table, const std::string& title);
     /// Empty before the first Setup_Grid.
-    std::string tableName() const { return model_ ? model_->table() : std::string{}; }
-    std::string title() const override { return model_ ? model_->title() : std::string{}; }
+    std::string tableName() const { return model_ ? model_->sheet().table() : std::string{}; }
+    std::string title() const override { return model_ ? model_->sheet().title() : std::string{}; }
     /// The calibration in hand was changed elsewhere: reads it again.
     void showUnit() override;
 
@@ -157,7 +157,6 @@ class FrmTable : public QWidget, public DockingForm {
     void holdCursor();
     void letCursorGo();
     void headerDoubleClicked(int row, int column);
-    EntryOutcome checkAxis(int row, int column, const std::string& typed) const;
     void cellDoubleClicked();
     void copy();
     void paste();

@@ -12,11 +12,11 @@
 
 #include "base/errors.h"
 #include "base/text.h"
-#include "config/tree.h"
 #include "qt/icons.h"
 #include "qt/look.h"
 #include "qt/qt_text.h"
 #include "qt/window_placement.h"
+#include "unit/table_kinds.h"
 #include "windows/mdi_main_about.h"
 #include "windows/mdi_main_edit.h"
 #include "windows/window_registry.h"

@@ -4,8 +4,8 @@
 #include <concepts>
 
 #include "app/start_up.h"
-#include "config/gui_rules.h"
 #include "guide/guide.h"
+#include "unit/table_kinds.h"
 #include "windows/frm_config.h"
 #include "windows/frm_dashboard.h"
 #include "windows/frm_edit_map_sensors.h"

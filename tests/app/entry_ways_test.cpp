@@ -9,7 +9,7 @@
 #include "base/number_text.h"
 #include "config/basic_figures.h"
 #include "config/quiet_calibration.h"
-#include "tables/table_kind.h"
+#include "tables/table_cells.h"
 
 namespace zentaq {
 namespace {

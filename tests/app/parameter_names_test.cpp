@@ -17,6 +17,7 @@
 #include "config/tree.h"
 #include "unit/parameter_names.h"
 #include "unit/recording_host.h"
+#include "unit/table_kinds.h"
 
 namespace zentaq {
 namespace {

@@ -8,6 +8,7 @@
 #include "config/field_pages.h"
 #include "config/tree.h"
 #include "unit/recording_host.h"
+#include "unit/table_kinds.h"
 
 namespace zentaq {
 namespace {
@@ -30,6 +31,14 @@ std::vector<int> visiblePages(const GuiRules& rules) {
         if (page.visible) pages.push_back(page.number);
     }
     return pages;
+}
+
+std::vector<std::string_view> tablesOf(const UnitKind& kind) {
+    std::vector<std::string_view> names;
+    for (const TableKind& table : tableKinds()) {
+        if (hasTable(kind, table)) names.push_back(table.name);
+    }
+    return names;
 }
 
 /// A calibration with a throttle-only blend, so that the barometer pages are in use.
@@ -64,7 +73,7 @@ TEST(GuiRules, TheOrbDHasNoDualPlugPageAndNoStagedPulsewidth) {
         EXPECT_THAT(visiblePages(rules),
                     ElementsAre(0, 1, 2, 3, 5, 6, 7, 8, 9, 10, 11, 12, 14, 15, 16, 17, 19, 20, 21, 22, 23, 26,
                                 27, 28, 29, 30, 31, 32, 33, 34, 35, 36, 38));
-        EXPECT_THAT(rules.tables, ElementsAre("ADV", "AFR", "VE", "GPO1", "GPO2"));
+        EXPECT_THAT(tablesOf(*kind), ElementsAre("ADV", "AFR", "VE", "GPO1", "GPO2"));
         EXPECT_THAT(rules.lacking, ElementsAre("SPW", "opt_TachInv"));
         EXPECT_FALSE(rules.control("DualPLG")->visible);
         EXPECT_FALSE(rules.control("optTDC_Param4")->visible);
@@ -76,8 +85,8 @@ TEST(GuiRules, ThePzk2ShowsItsIgnitionPagesOnly) {
     Calibration calibration(pzk2Kind());
     const GuiRules rules = calibration.rules();
     EXPECT_THAT(visiblePages(rules), ElementsAre(0, 9, 11, 13, 14, 15, 17, 20, 21, 28, 32, 33, 34));
-    EXPECT_THAT(rules.tables, ElementsAre("ADV", "GPO1", "GPO2"));
-    EXPECT_FALSE(rules.tableOpen("AFR"));  // though it has a scalar of this name
+    EXPECT_THAT(tablesOf(pzk2Kind()), ElementsAre("ADV", "GPO1", "GPO2"));
+    EXPECT_FALSE(hasTable(pzk2Kind(), "AFR"));  // though it has a scalar of this name
     EXPECT_THAT(rules.lacking, Contains("VE"));
     EXPECT_THAT(rules.lacking, Contains("Get_AFR"));
     EXPECT_THAT(rules.lacking, Not(Contains("AFR")));
@@ -101,7 +110,7 @@ TEST(GuiRules, ThePzk2HidesTheFuelSideOfSharedPages) {
 TEST(GuiRules, TheOrbAHasEveryTableAndMember) {
     Calibration calibration(orbaKind());
     const GuiRules rules = calibration.rules();
-    EXPECT_THAT(rules.tables, ElementsAre("ADV", "AFR", "VE", "SPW", "GPO1", "GPO2"));
+    EXPECT_THAT(tablesOf(orbaKind()), ElementsAre("ADV", "AFR", "SPW", "VE", "GPO1", "GPO2"));
     EXPECT_THAT(rules.lacking, IsEmpty());
     EXPECT_EQ(rules.page(14)->title, "MAT Density Advance/Retard");
     EXPECT_EQ(rules.control("MAT_DAT")->caption, "MAT ADV");
@@ -114,7 +123,7 @@ TEST(GuiRules, WithoutACalibrationOnlyTheOverviewIsLeft) {
     Unit none{nullKind(), host};
     const GuiRules rules = guiRules(none);
     EXPECT_THAT(visiblePages(rules), ElementsAre(0));
-    EXPECT_THAT(rules.tables, IsEmpty());
+    EXPECT_THAT(tablesOf(nullKind()), IsEmpty());
     EXPECT_EQ(rules.firmware, "");
     for (const ControlRule& control : rules.controls) EXPECT_FALSE(control.visible) << control.control;
 }
@@ -128,7 +137,7 @@ TEST(GuiRules, EveryPageAndTableOfEveryTreeIsOpenAndNoHiddenOneIsReachable) {
                 std::set<int> reachable;
                 for (const TreeNode& node : treeNodes(calibration.unit)) {
                     if (!node.table.empty()) {
-                        EXPECT_TRUE(rules.tableOpen(node.table)) << kind->className << " " << node.text;
+                        EXPECT_TRUE(hasTable(*kind, node.table)) << kind->className << " " << node.text;
                         EXPECT_GT(calibration.unit.find("Get_" + node.table)->count, 1) << node.text;
                     }
                     if (node.page < 0) continue;

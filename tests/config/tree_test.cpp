@@ -120,14 +120,6 @@ TEST_F(Tree, KindZeroHasAnEmptyTree) {
     EXPECT_THAT(treeNodes(none), IsEmpty());
 }
 
-TEST(TableTitles, AreThoseOfTheirWindows) {
-    EXPECT_EQ(tableTitle("ADV"), "Ignition Advance Table");
-    EXPECT_EQ(tableTitle("VE"), "Volumetric Efficiency Table");
-    EXPECT_EQ(tableTitle("SPW"), "Staged Pulsewidth");
-    EXPECT_EQ(tableTitle("AFR"), "EGO Wideband / AFR Table");
-    EXPECT_EQ(tableTitle("none"), "");
-}
-
 TEST(TableTitles, HaveTheirHelp) {
     EXPECT_EQ(tableHelp("VE"), "helpve");
     EXPECT_EQ(tableHelp("AFR"), "helpafr");

@@ -74,10 +74,10 @@ TEST_F(Focus, ADigitAfterUndockGoesIntoTheCellAndNotIntoTheTimeOfGap) {
     pressKey(Qt::Key_5, Qt::NoModifier, "5");
     pressKey(Qt::Key_Return);
     EXPECT_EQ(unit().get("scale1"), 5);
-    EXPECT_EQ(
-        unit().get("VE", windows.table()->model()->tableIndex(windows.table()->model()->currentRow(),
-                                                              windows.table()->model()->currentColumn())),
-        5);
+    EXPECT_EQ(unit().get("VE", windows.table()->model()->sheet().tableIndex(
+                                   windows.table()->model()->cursor().row(),
+                                   windows.table()->model()->cursor().column())),
+              5);
 }
 
 TEST_F(Focus, DockingGivesTheGridTheKeyboardAgain) {
@@ -115,8 +115,8 @@ TEST_F(Focus, ARebuildKeepsTheFieldThatIsBeingEdited) {
     EXPECT_EQ(windows.table()->inputBox().text(), "1");
     pressKey(Qt::Key_2, Qt::NoModifier, "2");
     pressKey(Qt::Key_Return);
-    EXPECT_EQ(windows.table()->model()->grid().text(windows.table()->model()->currentRow(),
-                                                    windows.table()->model()->currentColumn()),
+    EXPECT_EQ(windows.table()->model()->sheet().grid().text(windows.table()->model()->cursor().row(),
+                                                            windows.table()->model()->cursor().column()),
               "12");
 }
 

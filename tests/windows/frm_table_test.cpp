@@ -70,7 +70,7 @@ class Table : public testing::Test {
     Unit& unit() { return fake.session.currentUnitObject(); }
     TableGridView& grid() { return form->grid(); }
     QLineEdit& box() { return form->inputBox(); }
-    std::string cell(int row, int column) { return form->model()->grid().text(row, column); }
+    std::string cell(int row, int column) { return form->model()->sheet().grid().text(row, column); }
     std::string shown(int row, int column) {
         return grid().model()->index(row - 1, column - 1).data().toString().toStdString();
     }
@@ -285,7 +285,7 @@ TEST_F(Table, KeysTypedWhileAChangeIsOnItsWayAreNotLost) {
     QApplication::processEvents();
     EXPECT_FALSE(form->locked());
     EXPECT_EQ(ve(0), 34);
-    EXPECT_EQ(form->model()->currentColumn(), 2);
+    EXPECT_EQ(form->model()->cursor().column(), 2);
     EXPECT_EQ(box().text(), "56");
 }
 
@@ -325,10 +325,10 @@ TEST_F(Table, AClickOnTheLockedGridWaitsForTheEndOfTheLock) {
     QMouseEvent press(QEvent::MouseButtonPress, place, grid().viewport()->mapToGlobal(place), Qt::LeftButton,
                       Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(grid().viewport(), &press);
-    EXPECT_EQ(form->model()->currentRow(), 16);
+    EXPECT_EQ(form->model()->cursor().row(), 16);
     form->onFlyLock(false);
     QApplication::processEvents();
-    EXPECT_EQ(form->model()->currentRow(), 4);
+    EXPECT_EQ(form->model()->cursor().row(), 4);
 }
 
 TEST_F(Table, HeldDownKeyDoesNotGoOnAfterTheLock) {
@@ -531,13 +531,13 @@ TEST_F(Table, MarkerStandsBetweenTheHeadersOfTheLivePoint) {
 
 TEST_F(Table, LiveCellTurnsYellowAndTheCursorFollows) {
     form->Show_Current_Activity(1000, 40);
-    EXPECT_EQ(form->model()->grid().colour(12, 2), 0x00FFFF);
+    EXPECT_EQ(form->model()->sheet().grid().colour(12, 2), 0x00FFFF);
     EXPECT_EQ(grid().currentIndex().row(), 11);
     EXPECT_EQ(grid().currentIndex().column(), 1);
     stand(1, 1);
     key(Qt::Key_Left);  // a key of the user ends the following
     form->Show_Current_Activity(2000, 40);
-    EXPECT_EQ(form->model()->currentColumn(), 1);
+    EXPECT_EQ(form->model()->cursor().column(), 1);
 }
 
 TEST_F(Table, ClickedCellTakesWhatIsTypedWhileTheEngineRunsElsewhere) {
@@ -545,7 +545,7 @@ TEST_F(Table, ClickedCellTakesWhatIsTypedWhileTheEngineRunsElsewhere) {
     click(4, 4);
     EXPECT_EQ(overlayItem(), "Turn Overlay ON");
     form->Show_Current_Activity(1000, 40);
-    EXPECT_EQ(form->model()->currentRow(), 4);
+    EXPECT_EQ(form->model()->cursor().row(), 4);
     type("44");
     form->Show_Current_Activity(1500, 45);
     enter();
@@ -554,23 +554,23 @@ TEST_F(Table, ClickedCellTakesWhatIsTypedWhileTheEngineRunsElsewhere) {
     EXPECT_EQ(ve(5 * 16 + 2), 0);
     EXPECT_EQ(overlayItem(), "Turn Overlay OFF");
     form->Show_Current_Activity(1000, 40);
-    EXPECT_EQ(form->model()->currentRow(), 12);
+    EXPECT_EQ(form->model()->cursor().row(), 12);
 }
 
 TEST_F(Table, ArrowKeyThenTypingEndsWithTheOverlayAsItWas) {
     stand(16, 1);
     key(Qt::Key_Right);
-    EXPECT_TRUE(form->model()->overlaySuppressed());
+    EXPECT_TRUE(form->model()->cursor().overlaySuppressed());
     type("5");
     enter();
     EXPECT_EQ(ve(1), 5);
-    EXPECT_FALSE(form->model()->overlaySuppressed());
+    EXPECT_FALSE(form->model()->cursor().overlaySuppressed());
     type("O");
     key(Qt::Key_Right);
     type("6");
     enter();
     EXPECT_EQ(ve(2), 6);
-    EXPECT_TRUE(form->model()->overlaySuppressed()) << "off before, off afterwards";
+    EXPECT_TRUE(form->model()->cursor().overlaySuppressed()) << "off before, off afterwards";
 }
 
 TEST_F(Table, KeyOAndEscapeOnTheGridLetTheCursorFollowAgain) {
@@ -581,7 +581,7 @@ TEST_F(Table, KeyOAndEscapeOnTheGridLetTheCursorFollowAgain) {
     key(Qt::Key_Escape);
     EXPECT_EQ(overlayItem(), "Turn Overlay OFF");
     form->Show_Current_Activity(1000, 40);
-    EXPECT_EQ(form->model()->currentRow(), 12);
+    EXPECT_EQ(form->model()->cursor().row(), 12);
     type("O");
     click(4, 4);
     key(Qt::Key_Escape);
@@ -596,7 +596,7 @@ TEST_F(Table, RefusedAndEscapedEntriesGiveTheOverlayBack) {
             enter();
             ASSERT_TRUE(box().isVisible());
             form->Show_Current_Activity(1000, 40);
-            EXPECT_EQ(form->model()->currentRow(), 4) << "an open box holds its cell";
+            EXPECT_EQ(form->model()->cursor().row(), 4) << "an open box holds its cell";
         }
         key(Qt::Key_Escape);
         EXPECT_EQ(overlayItem(), "Turn Overlay OFF") << round;
@@ -612,11 +612,11 @@ TEST_F(Table, ClickOnAnotherCellEndsTheEditAndHoldsThere) {
     click(5, 5);
     EXPECT_EQ(cell(4, 4), "7");
     form->Show_Current_Activity(1000, 40);
-    EXPECT_EQ(form->model()->currentRow(), 5);
+    EXPECT_EQ(form->model()->cursor().row(), 5);
     type("8");
     enter();
     EXPECT_EQ(ve(11 * 16 + 4), 8);
-    EXPECT_FALSE(form->model()->overlaySuppressed());
+    EXPECT_FALSE(form->model()->cursor().overlaySuppressed());
 }
 
 TEST_F(Table, ArrowOutOfTheBoxHoldsTheCellThatItGoesTo) {
@@ -626,7 +626,7 @@ TEST_F(Table, ArrowOutOfTheBoxHoldsTheCellThatItGoesTo) {
     ASSERT_FALSE(box().isVisible());
     EXPECT_EQ(cell(4, 4), "7");
     form->Show_Current_Activity(1000, 40);
-    EXPECT_EQ(form->model()->currentRow(), 5);
+    EXPECT_EQ(form->model()->cursor().row(), 5);
 }
 
 TEST_F(Table, EveryKeyOutOfTheBoxLeavesTheKeyboardToTheGridAndWritesNothing) {
@@ -640,7 +640,7 @@ TEST_F(Table, EveryKeyOutOfTheBoxLeavesTheKeyboardToTheGridAndWritesNothing) {
             EXPECT_EQ(QApplication::focusWidget(), &grid()) << out;
         }
     }
-    EXPECT_EQ(form->model()->cellsWritten(), 0);
+    EXPECT_EQ(form->model()->sheet().cellsWritten(), 0);
     EXPECT_FALSE(fake.session.DataModified);
 }
 
@@ -648,9 +648,9 @@ TEST_F(Table, AShiftedKeySelectsFromTheCellThatTheEngineHasCarriedTheCursorTo) {
     click(3, 12);
     key(Qt::Key_Escape);
     form->Show_Current_Activity(1000, 40);
-    ASSERT_EQ(form->model()->currentRow(), 12);
+    ASSERT_EQ(form->model()->cursor().row(), 12);
     key(Qt::Key_Down, {}, Qt::ShiftModifier);
-    const Selection& chosen = form->model()->selection();
+    const Selection& chosen = form->model()->cursor().selection();
     EXPECT_EQ(chosen.top, 12);
     EXPECT_EQ(chosen.bottom, 13);
     EXPECT_EQ(chosen.left, 2);
@@ -659,7 +659,7 @@ TEST_F(Table, AShiftedKeySelectsFromTheCellThatTheEngineHasCarriedTheCursorTo) {
     EXPECT_EQ(ve(4 * 16 + 1), -1);
     EXPECT_EQ(ve(3 * 16 + 1), -1);
     EXPECT_EQ(ve(13 * 16 + 11), 0) << "the cell that was clicked";
-    EXPECT_EQ(form->model()->cellsWritten(), 2);
+    EXPECT_EQ(form->model()->sheet().cellsWritten(), 2);
 }
 
 TEST_F(Table, AShiftedClickSelectsFromTheCellThatTheEngineHasCarriedTheCursorTo) {
@@ -667,7 +667,7 @@ TEST_F(Table, AShiftedClickSelectsFromTheCellThatTheEngineHasCarriedTheCursorTo)
     key(Qt::Key_Escape);
     form->Show_Current_Activity(1000, 40);
     click(13, 3, Qt::ShiftModifier);
-    const Selection& chosen = form->model()->selection();
+    const Selection& chosen = form->model()->cursor().selection();
     EXPECT_EQ(chosen.top, 12);
     EXPECT_EQ(chosen.bottom, 13);
     EXPECT_EQ(chosen.left, 2);
@@ -687,7 +687,7 @@ TEST_F(Table, AHandThatShakesWhileItClicksWithShiftSelectsNoMore) {
     mouse(QEvent::MouseButtonPress, place, Qt::LeftButton);
     mouse(QEvent::MouseMove, place + QPointF(1, 1), Qt::LeftButton);
     mouse(QEvent::MouseButtonRelease, place + QPointF(1, 1), Qt::NoButton);
-    const Selection& chosen = form->model()->selection();
+    const Selection& chosen = form->model()->cursor().selection();
     EXPECT_EQ(chosen.top, 12);
     EXPECT_EQ(chosen.bottom, 13);
     EXPECT_EQ(chosen.left, 2);
@@ -700,7 +700,7 @@ TEST_F(Table, AShiftedKeyBehindAnEntrySelectsFromTheEnginesCell) {
     enter();
     form->Show_Current_Activity(1000, 40);
     key(Qt::Key_Right, {}, Qt::ShiftModifier);
-    const Selection& chosen = form->model()->selection();
+    const Selection& chosen = form->model()->cursor().selection();
     EXPECT_EQ(chosen.top, 12);
     EXPECT_EQ(chosen.bottom, 12);
     EXPECT_EQ(chosen.left, 2);
@@ -712,20 +712,20 @@ TEST_F(Table, TurningTheRowsOverEndsAnOpenEdit) {
     type("7");
     form->findChild<QAction*>("Invert")->trigger();
     EXPECT_FALSE(box().isVisible());
-    EXPECT_FALSE(form->model()->overlaySuppressed());
+    EXPECT_FALSE(form->model()->cursor().overlaySuppressed());
     EXPECT_EQ(cell(4, 4), "0");
 }
 
 TEST_F(Table, HeaderPromptEndsWithTheOverlayAsItWas) {
     fake.dialogs.inputs.push_back(std::nullopt);
     Q_EMIT grid().verticalHeader()->sectionDoubleClicked(15);
-    EXPECT_FALSE(form->model()->overlaySuppressed());
+    EXPECT_FALSE(form->model()->cursor().overlaySuppressed());
 }
 
 TEST_F(Table, LockedGridIsNotHeldByAClick) {
     form->onFlyLock(true);
     click(4, 4);
-    EXPECT_FALSE(form->model()->overlaySuppressed());
+    EXPECT_FALSE(form->model()->cursor().overlaySuppressed());
     form->onFlyLock(false);
 }
 
@@ -750,7 +750,7 @@ TEST_F(Table, LiveCellIsDrawnAtMostThirtyTimesASecond) {
     EXPECT_GE(form->redraws() - before, 28);
     // Every cell on the way is painted in the grid although few frames were drawn.
     for (int column = 1; column <= 15; ++column) {
-        EXPECT_EQ(form->model()->grid().colour(12, column), 0x00FFFF) << column;
+        EXPECT_EQ(form->model()->sheet().grid().colour(12, column), 0x00FFFF) << column;
     }
 }
 
@@ -855,33 +855,33 @@ TEST_F(Table, PaintOutlivesTheWindow) {
     form = std::make_unique<FrmTable>(fake.session, commands);
     windows.table = form.get();
     form->Setup_Grid("VE", "Volumetric Efficiency Table");
-    EXPECT_EQ(form->model()->grid().colour(12, 2), 0x00FFFF);
+    EXPECT_EQ(form->model()->sheet().grid().colour(12, 2), 0x00FFFF);
 }
 
 TEST_F(Table, PaintIsOfItsAxesAlone) {
     form->Show_Current_Activity(1000, 40);
-    ASSERT_EQ(form->model()->grid().colour(12, 2), 0x00FFFF);
+    ASSERT_EQ(form->model()->sheet().grid().colour(12, 2), 0x00FFFF);
     form->Setup_Grid("ADV", "Ignition Advance Table");
-    EXPECT_EQ(form->model()->grid().colour(12, 2), 0x00FFFF) << "the same axes";
+    EXPECT_EQ(form->model()->sheet().grid().colour(12, 2), 0x00FFFF) << "the same axes";
     unit().set("RPMTBL", 1100, 1);
     form->showUnit();
-    EXPECT_EQ(form->model()->grid().colour(12, 2), 0xFFFFFF);
+    EXPECT_EQ(form->model()->sheet().grid().colour(12, 2), 0xFFFFFF);
     form->Show_Current_Activity(1100, 40);
     fake.dialogs.inputs = {"1200"};
     QHeaderView* header = grid().horizontalHeader();
     Q_EMIT header->sectionDoubleClicked(1);
     ASSERT_EQ(unit().get("RPMTBL", 1), 1200);
-    EXPECT_EQ(form->model()->grid().colour(12, 2), 0xFFFFFF) << "a header that the user has changed";
+    EXPECT_EQ(form->model()->sheet().grid().colour(12, 2), 0xFFFFFF) << "a header that the user has changed";
 }
 
 TEST_F(Table, TheFramesOfAnotherUnitFindAGridWithoutPaint) {
     fake.session.paintMemory.ofUnit(orbA, 200001);
     form->Show_Current_Activity(1000, 40);
     form->refreshLive();
-    ASSERT_EQ(form->model()->grid().colour(12, 2), 0x00FFFF);
+    ASSERT_EQ(form->model()->sheet().grid().colour(12, 2), 0x00FFFF);
     fake.session.paintMemory.ofUnit(orbA, 200002);
     form->refreshLive();
-    EXPECT_NE(form->model()->grid().colour(12, 2), 0x00FFFF);
+    EXPECT_NE(form->model()->sheet().grid().colour(12, 2), 0x00FFFF);
 }
 
 TEST_F(Table, CommandsThatComeLaterStandDisabledInTheMenus) {
@@ -930,7 +930,7 @@ TEST_F(Table, AcceptedTimeIsHandedToTheOtherFormsAndKeepsWhatDiscardBringsBack) 
     enter();
     EXPECT_EQ(unit().get("scale1"), 20);
     EXPECT_EQ(windows.shownUnits, 1);
-    EXPECT_EQ(form->model()->undoCopy(0), 7);
+    EXPECT_EQ(form->model()->sheet().undoCopy(0), 7);
 }
 
 TEST_F(Table, NameOfTheColumnAxisStandsInTheCornerOfTheHeaders) {
@@ -992,13 +992,13 @@ TEST_F(Table, RightClickOpensThePopUpOfTheMainWindowWithTheEntriesForTheSelectio
     form->show();
     Q_EMIT grid().customContextMenuRequested(grid().cellRect(3, 4).center());
     EXPECT_TRUE(popup.isVisible());
-    EXPECT_EQ(form->model()->currentRow(), 3);
-    EXPECT_EQ(form->model()->currentColumn(), 4);
+    EXPECT_EQ(form->model()->cursor().row(), 3);
+    EXPECT_EQ(form->model()->cursor().column(), 4);
     EXPECT_THAT(visible(), ElementsAre("mnuGraphTable", "mnuNewCol", "mnuRmvRow"));
     popup.hide();
     select(3, 4, 5, 6);
     Q_EMIT grid().customContextMenuRequested(grid().cellRect(9, 9).center());
-    EXPECT_EQ(form->model()->selection().bottom, 5);
+    EXPECT_EQ(form->model()->cursor().selection().bottom, 5);
     EXPECT_THAT(visible(), ElementsAre("mnuGraphTable", "mnuInterpolate"));
     popup.hide();
     form->setParent(nullptr);

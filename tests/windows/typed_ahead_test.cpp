@@ -203,11 +203,11 @@ TEST_F(TypedAhead, AClickThatWaitedTakesTheDigitsTypedBehindIt) {
     QMouseEvent press(QEvent::MouseButtonPress, place, area->mapToGlobal(place), Qt::LeftButton,
                       Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(area, &press);
-    EXPECT_EQ(form().model()->currentRow(), 16) << "not yet";
+    EXPECT_EQ(form().model()->cursor().row(), 16) << "not yet";
     type("7");
     answer();
-    EXPECT_EQ(form().model()->currentRow(), 4);
-    EXPECT_EQ(ve(form().model()->tableIndex(4, 4)), 7);
+    EXPECT_EQ(form().model()->cursor().row(), 4);
+    EXPECT_EQ(ve(form().model()->sheet().tableIndex(4, 4)), 7);
     EXPECT_EQ(ve(0), 1);
 }
 
@@ -339,7 +339,7 @@ TEST_F(TypedAhead, SaveTakesWhatWasLeftInACellWithoutEnter) {
     key(Qt::Key_2, "2");
     form().grid().setFocus(Qt::MouseFocusReason);
     form().grid().setCurrentIndex(form().grid().model()->index(3, 3));
-    ASSERT_EQ(form().model()->grid().text(16, 1), "12");
+    ASSERT_EQ(form().model()->sheet().grid().text(16, 1), "12");
     ASSERT_EQ(ve(0), 0) << "left without Enter";
     windows.main().run("mnuSave");
     EXPECT_EQ(inFile(unit().find("VE")->index), 12);

@@ -209,12 +209,12 @@ TEST_F(Manager, ATableShowsNoPaintOfTheCalibrationBefore) {
     commands.openTable("VE", "Volumetric Efficiency Table");
     windows.table()->Show_Current_Activity(0.5f, 0.5f);
     TableModel& model = *windows.table()->model();
-    const GridCell cell{model.currentRow(), model.currentColumn()};
+    const GridCell cell = model.cursor().cell();
     const auto yellow = paintColour(Paint::Yellow);
-    ASSERT_EQ(model.grid().colour(cell.row, cell.column), yellow);
+    ASSERT_EQ(model.sheet().grid().colour(cell.row, cell.column), yellow);
     openCalibration();
-    ASSERT_EQ(windows.table()->model()->table(), "VE");
-    EXPECT_NE(windows.table()->model()->grid().colour(cell.row, cell.column), yellow);
+    ASSERT_EQ(windows.table()->model()->sheet().table(), "VE");
+    EXPECT_NE(windows.table()->model()->sheet().grid().colour(cell.row, cell.column), yellow);
     EXPECT_EQ(fake.session.paintMemory.at(cell.row, cell.column), Paint::White);
     EXPECT_EQ(&unit, &fake.session.currentUnitObject()) << "the same object holds both";
 }

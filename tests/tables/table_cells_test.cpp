@@ -1,9 +1,10 @@
-#include "tables/table_kind.h"
+#include "tables/table_cells.h"
 
 #include <gtest/gtest.h>
 
 #include "base/errors.h"
 #include "live/calibration_fixture.h"
+#include "unit/axis_kinds.h"
 
 namespace zentaq {
 namespace {
@@ -113,17 +114,17 @@ TEST_F(Tables, HeadersOfOutputTablesAreTheirOwnStops) {
 }
 
 TEST_F(Tables, SpansOfAxisKinds) {
-    EXPECT_EQ(axisSpan(unit, "CLT").high, 150);
+    EXPECT_EQ(axisKindOf("CLT")->span(unit).high, 150);
     host.showsFahrenheit = true;
-    EXPECT_EQ(axisSpan(unit, "MAT").low, -40);
-    EXPECT_EQ(axisSpan(unit, "MAT").high, 302);
-    EXPECT_FLOAT_EQ(axisSpan(unit, "ACTUAL AFR").low, 9.8049F);
-    EXPECT_FLOAT_EQ(axisSpan(unit, "ACTUAL AFR").high, 29.4F);
-    EXPECT_EQ(axisSpan(unit, "RPM").low, 750);
-    EXPECT_EQ(axisSpan(unit, "RPM").high, 8750);
-    EXPECT_EQ(axisSpan(unit, "GPIO8").high, 100);
-    EXPECT_EQ(axisSpan(unit, "GPIO9").high, 0);
-    EXPECT_EQ(axisSpan(unit, "").high, 0);
+    EXPECT_EQ(axisKindOf("MAT")->span(unit).low, -40);
+    EXPECT_EQ(axisKindOf("MAT")->span(unit).high, 302);
+    EXPECT_FLOAT_EQ(axisKindOf("ACTUAL AFR")->span(unit).low, 9.8049F);
+    EXPECT_FLOAT_EQ(axisKindOf("ACTUAL AFR")->span(unit).high, 29.4F);
+    EXPECT_EQ(axisKindOf("RPM")->span(unit).low, 750);
+    EXPECT_EQ(axisKindOf("RPM")->span(unit).high, 8750);
+    EXPECT_EQ(axisKindOf("GPIO8")->span(unit).high, 100);
+    EXPECT_EQ(axisKindOf("GPIO9"), nullptr);
+    EXPECT_EQ(axisKindOf(""), nullptr);
 }
 
 TEST_F(Tables, SpreadingAnAxisFillsItEvenlyToOneDecimal) {

@@ -1,0 +1,168 @@
+#include "tables/live_overlay.h"
+
+#include <span>
+
+#include "base/errors.h"
+#include "base/number_text.h"
+#include "unit/axis_kinds.h"
+#include "unit/temperature.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr double afrBand = 0.5;
+
+/// The number that a text begins with: "45%" is 45, "ON" is 0.
+float leadingNumber(std::string_view text) {
+    const auto end = text.find_first_not_of("+-0123456789.");
+    return static_cast<float>(parseNumber(text.substr(0, end)).value_or(0));
+}
+
+}  // namespace
+
+LiveOverlay::LiveOverlay(TableSheet& sheet, TableEstimates& estimates, TableCursor& cursor,
+                         const LiveValues& live, PaintMemory& paintMemory)
+    : sheet_(sheet), estimates_(estimates), cursor_(cursor), live_(live), paintMemory_(paintMemory) {
+    sheet.onWritten([this](std::string_view table, int index) { shadeWritten(table, index); });
+}
+
+void LiveOverlay::rebuild() {
+    buildZones();
+    colorizeGraph(false);
+    paintMemory_.ofAxes(sheet_.axesText());
+    repaintRemembered();
+}
+
+void LiveOverlay::headersChanged(bool zonesToo, bool taken) {
+    if (zonesToo) buildZones();
+    paintMemory_.ofAxes(sheet_.axesText());
+    if (taken) paintAnew();
+}
+
+void LiveOverlay::buildZones() {
+    std::vector<float> headers;
+    for (int c = 1; c <= sheet_.columns(); ++c) headers.push_back(sheet_.shownNumber(0, c));
+    zones_.buildColumns(headers);
+    headers.clear();
+    for (int r = 1; r <= sheet_.rows(); ++r) headers.push_back(sheet_.shownNumber(r, 0));
+    zones_.buildRows(headers);
+}
+
+// ---- Shades and paint
+
+void LiveOverlay::colorizeGraph(bool white) {
+    if (sheet_.table() != "VE" && !white) return;
+    for (int row = 1; row <= sheet_.rows(); ++row) {
+        for (int column = 1; column <= sheet_.columns(); ++column) {
+            sheet_.grid().colour(row, column, TableGrid::white);
+            if (!white) shadeCell(row, column);
+        }
+    }
+}
+
+void LiveOverlay::shadeCell(int row, int column) {
+    skipFailing([&] {
+        const TableKind& kind = sheet_.kind();
+        const double midpoint = sheet_.table() == "VE" && sheet_.absoluteVe() ? 100 : kind.colourMidpoint;
+        const float value = sheet_.value(sheet_.tableIndex(row, column));
+        sheet_.grid().colour(row, column, shadeOf(value, midpoint, kind.colourScale));
+    });
+}
+
+/// The shade of a stored cell follows its new value at once; the paint of the live point stays on top.
+void LiveOverlay::shadeWritten(std::string_view table, int index) {
+    if (table != "VE" || sheet_.table() != "VE" || !estimates_.showsValues()) return;
+    const int row = sheet_.gridRow(index / storedColumns);
+    const int column = index % storedColumns + 1;
+    if (!sheet_.grid().hasCell(row, column) || paintMemory_.at(row, column) != Paint::White) return;
+    shadeCell(row, column);
+}
+
+void LiveOverlay::repaint() {
+    for (int column = 1; column <= storedColumns; ++column) {
+        for (int row = 1; row <= storedHeaders; ++row) {
+            if (!sheet_.grid().hasCell(row, column)) continue;
+            sheet_.grid().colour(row, column, paintColour(paintMemory_.at(row, column)));
+        }
+    }
+}
+
+void LiveOverlay::repaintRemembered() {
+    // A cell that was never painted keeps the shade of its value.
+    for (int column = 1; column <= storedColumns; ++column) {
+        for (int row = 1; row <= storedHeaders; ++row) {
+            const Paint paint = paintMemory_.at(row, column);
+            if (paint == Paint::White || !sheet_.grid().hasCell(row, column)) continue;
+            sheet_.grid().colour(row, column, paintColour(paint));
+        }
+    }
+}
+
+void LiveOverlay::paintAnew() {
+    if (!estimates_.showsValues()) return estimates_.showAll();
+    colorizeGraph(sheet_.table() != "VE");
+    repaintRemembered();
+}
+
+void LiveOverlay::whiteOut() {
+    paintMemory_.erase();
+    repaint();
+}
+
+// ---- The live point
+
+float LiveOverlay::liveValueOf(bool columns) const {
+    const AxisKind* kind = sheet_.axisKind(columns);
+    if (kind == nullptr) return 0;
+    if (kind->pin >= 0) {
+        return leadingNumber(sheet_.unit().GPIODisplay().at(static_cast<std::size_t>(kind->pin)));
+    }
+    const float value = live_.*kind->live;
+    return sheet_.showsFahrenheit(columns) ? toFahrenheit(value) : value;
+}
+
+void LiveOverlay::placeMarker(float x, float y) {
+    const std::span<const float> columns(sheet_.columnHeaders());
+    const std::span<const float> rows(sheet_.rowHeaders());
+    const auto column = placeOfColumn(columns.first(static_cast<std::size_t>(sheet_.columns())), x);
+    const auto row = placeOfRow(rows.first(static_cast<std::size_t>(sheet_.rows())), y);
+    if (column) marker_.column = 1 + *column;
+    if (row) marker_.row = sheet_.inverted() ? 1 + *row : sheet_.rows() - *row;
+    marker_.visible = true;
+}
+
+void LiveOverlay::Show_Current_Activity(float x, float y) {
+    if (x == 0 && y == 0) {
+        const bool output = sheet_.kind().isGpo();
+        x = output ? liveValueOf(true) : live_.RPM;
+        y = output ? liveValueOf(false) : live_.MAP;
+    }
+    placeMarker(x, y);
+    if (!cursor_.followsEngine()) return;
+    const GridCell cell = zones_.cellOf(x, y, cursor_.cell());
+    if (!cursor_.moveTo(cell.row, cell.column) || autoVeActive_) return;
+    if (colourMode_ == TableColour::Afr) return paintByAfr();
+    paintCurrent(Paint::Yellow);
+    paintMemory_.remember(cursor_.row(), cursor_.column(), Paint::Yellow);
+}
+
+void LiveOverlay::paintCurrent(Paint paint) {
+    sheet_.grid().colour(cursor_.row(), cursor_.column(), paintColour(paint));
+}
+
+void LiveOverlay::paintByAfr() {
+    const double actual = live_.AAFR;
+    const double desired = live_.DAFR;
+    const auto paint = [&](Paint shown, Paint remembered) {
+        paintCurrent(shown);
+        paintMemory_.remember(cursor_.row(), cursor_.column(), remembered);
+    };
+    // Kept: yellow and green are crossed over between the cell and the memory, so a repaint exchanges them.
+    if (desired - afrBand > actual) paint(Paint::Yellow, Paint::Green);
+    if (actual >= desired - afrBand && actual <= desired + afrBand) paint(Paint::Green, Paint::Yellow);
+    if (desired + afrBand <= actual) paint(Paint::Red, Paint::Red);
+    if (actual == desired) paint(Paint::Blue, Paint::Blue);
+}
+
+}  // namespace zentaq

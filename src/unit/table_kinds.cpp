@@ -1,0 +1,106 @@
+#include "unit/table_kinds.h"
+
+#include <algorithm>
+#include <array>
+
+#include "unit/member_index.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr int mainSizes = 2292;
+constexpr int mainAxes = 2290;  ///< not looked at: it is that of the first output table
+constexpr std::size_t mainCount = 4;
+
+constexpr std::array<TableKind, 6> tables = {{
+    {.name = "ADV",
+     .member = "Get_ADV",
+     .title = "Ignition Advance Table",
+     .rowsCell = mainSizes,
+     .axisWord = mainAxes,
+     .colourMidpoint = 30,
+     .colourScale = 30,
+     .liveCaption = "Table Adv",
+     .live = &LiveValues::ADV_TBL,
+     .liveFormat = "#0.0"},
+    {.name = "AFR",
+     .member = "Get_AFR",
+     .title = "EGO Wideband / AFR Table",
+     .rowsCell = mainSizes,
+     .axisWord = mainAxes,
+     .nudge = 0.1},
+    {.name = "SPW",
+     .member = "Get_SPW",
+     .title = "Staged Pulsewidth",
+     .rowsCell = mainSizes,
+     .axisWord = mainAxes,
+     .colourMidpoint = 50,
+     .liveCaption = "Staged %",
+     .live = &LiveValues::INJ_STAGE},
+    {.name = "VE",
+     .member = "Get_VE",
+     .title = "Volumetric Efficiency Table",
+     .rowsCell = mainSizes,
+     .axisWord = mainAxes,
+     .liveCaption = "VE %"},
+    {.name = "GPO1",
+     .title = "Full Table - Table#1",
+     .gpoNumber = 1,
+     .rowsCell = 2294,
+     .axisWord = 2290,
+     .rowStops = 2226,
+     .columnStops = 2242},
+    {.name = "GPO2",
+     .title = "Full Table - Table#2",
+     .gpoNumber = 2,
+     .rowsCell = 2296,
+     .axisWord = 2291,
+     .rowStops = 2258,
+     .columnStops = 2274},
+}};
+
+}  // namespace
+
+std::span<const TableKind> tableKinds() {
+    return tables;
+}
+
+std::span<const TableKind> outputTables() {
+    return tableKinds().subspan(mainCount);
+}
+
+const TableKind* findTable(std::string_view name) {
+    const auto found = std::ranges::find(tables, name, &TableKind::name);
+    return found == tables.end() ? nullptr : &*found;
+}
+
+std::string tableTitle(std::string_view name) {
+    const TableKind* kind = findTable(name);
+    return kind == nullptr ? std::string() : std::string(kind->title);
+}
+
+bool hasTable(const UnitKind& kind, const TableKind& table) {
+    // Every unit has the two output tables.
+    return table.isGpo() ? kind.hasCalibration : kind.members->find(table.member) != nullptr;
+}
+
+bool hasTable(const UnitKind& kind, std::string_view table) {
+    const TableKind* row = findTable(table);
+    return row != nullptr && hasTable(kind, *row);
+}
+
+float tableHeader(Unit& unit, std::string_view table, std::string_view axis, int index) {
+    const TableKind* kind = findTable(table);
+    if (kind != nullptr && kind->isGpo()) return unit.Get_GPO_Stop(index, axis, table);
+    return unit.get(mainAxisMember(axis), index);
+}
+
+EntryOutcome setTableHeader(Unit& unit, std::string_view table, std::string_view axis, int index,
+                            const Entry& value) {
+    const TableKind* kind = findTable(table);
+    if (kind != nullptr && kind->isGpo()) return unit.Set_GPO_Stop(value, index, axis, table);
+    return unit.set(mainAxisMember(axis), value, index);
+}
+
+}  // namespace zentaq
