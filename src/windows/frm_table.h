@@ -7,23 +7,21 @@
 #include "app/session.h"
 #include "tables/table_model.h"
 
-#include <QAction>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QLineEdit>
-#include <QToolBar>
 #include <QWidget>
-#include <deque>
 #include <functional>
-#include <map>
 #include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "windows/cell_box.h"
 #include "windows/dock.h"
 #include "windows/redraw_gate.h"
+#include "windows/table_toolbar.h"
 #include "windows/table_view.h"
+#include "windows/typed_ahead.h"
 
 namespace zentaq {
 
@@ -62,9 +60,11 @@ class FrmTable : public QWidget, public DockingForm {
 
     // ---- Edits and the commands behind them
     /// Keys and clicks wait for a change that is on its way to the unit.
-    bool keysWait() const override { return !playing_ && !held_.empty(); }
-    void behindKeys(const std::string& caption, std::function<void()> command) override;
-    Left takeWaiting() override;
+    bool keysWait() const override { return ahead_->waits(); }
+    void behindKeys(const std::string& caption, std::function<void()> command) override {
+        ahead_->holdCommand(caption, std::move(command), false);
+    }
+    Left takeWaiting() override { return ahead_->take(); }
     /// What is being typed is entered. False: it was refused, and the user has been told.
     bool finishEntry();
     /// The same, and what the user has left in cells without Enter is written.
@@ -100,28 +100,10 @@ class FrmTable : public QWidget, public DockingForm {
  private:
     // ---- Making
     void makeToolbar();
-    QAction* addButton(const QString& key, const QString& caption, const QString& tip,
-                       void (FrmTable::*run)());
-    void addLater(const QString& key, const QString& caption);
-    void addLaterItem(QMenu* menu, const QString& key, const QString& caption);
-    QAction* addItem(QMenu* menu, const QString& key, const QString& caption, void (FrmTable::*run)());
-    void makeColourMenu();
-    void makeTableMenu();
-    QWidget* makeFields();
-    QLineEdit* makeTimeField(const QString& name, const char* member, const char* helpKey);
+    void inOrder(const QString& caption, void (FrmTable::*run)());
+    std::vector<QObject*> watchedObjects() const;
 
     // ---- Keys
-    /// A key, a click on a cell or a command that waits.
-    struct Held {
-        int key = 0;
-        Qt::KeyboardModifiers modifiers;
-        QString text;
-        QEvent::Type click = QEvent::None;
-        GridCell cell;
-        std::string caption;
-        std::function<void()> command;
-        bool ofTable = false;  ///< the command is one of this window's own
-    };
     bool handled(const QObject* watched, QEvent* event);
     bool gridEvent(QEvent* event);
     bool viewportEvent(QEvent* event);
@@ -129,16 +111,12 @@ class FrmTable : public QWidget, public DockingForm {
     bool timeFieldEvent(QLineEdit* field, QEvent* event);
     bool gridKey(const QKeyEvent& event);
     bool waits() const { return locked_ || keysWait(); }
-    bool hold(const QKeyEvent& event);
-    void hold(const QMouseEvent& event);
-    void hold(Held held);
-    void behindOwnKeys(const std::string& caption, std::function<void()> command);
-    void inOrder(const QString& caption, void (FrmTable::*run)());
-    void playLater(int ms);
-    void playBack();
-    void play(const Held& held);
-    void click(const Held& held);
-    void dropHeld();
+    /// False: an entry was refused.
+    bool play(const TypedAhead::Held& held);
+    void click(const TypedAhead::Held& held);
+    QLineEdit* txtTOG() const { return Toolbar1_->timeOfGap(); }
+    QLineEdit* txtIOT() const { return Toolbar1_->injectorOn(); }
+    std::string storedTime(const QLineEdit& field) const;
     bool timeBeingTyped(const QLineEdit& field) const;
     QLineEdit* timeInHand() const;  ///< none where none is being typed
     void pressed(char key);
@@ -198,26 +176,16 @@ class FrmTable : public QWidget, public DockingForm {
     std::shared_ptr<TableModel> model_;  ///< held while a box is read: the table may go under it
     const Unit* unit_ = nullptr;
 
-    QToolBar* Toolbar1_ = nullptr;
-    QLabel* lblTitle_ = nullptr;
+    TableToolbar* Toolbar1_ = nullptr;
     TableGridView* Grid1_ = nullptr;
-    QLineEdit* txtInputValue_ = nullptr;
-    QLabel* lblDspTable_ = nullptr;
-    QLabel* lblDspTableVal_ = nullptr;
-    QLabel* lblTOG_ = nullptr;
-    QLabel* lblIOT_ = nullptr;
-    QLineEdit* txtTOG_ = nullptr;
-    QLineEdit* txtIOT_ = nullptr;
-    std::map<QString, QAction*> actions_;
+    CellBox* txtInputValue_ = nullptr;
+    TypedAhead* ahead_ = nullptr;
     RedrawGate* redraw_ = nullptr;
 
     FrameFeed::Subscription framesFollowed_;
 
-    std::deque<Held> held_;
-    bool playing_ = false;     ///< what has waited has its turn
-    bool moving_ = false;      ///< from the workspace into a window of its own, or back
-    bool boxEntered_ = false;  ///< the text of the edit box is an entry, not the cell's own text shown
-    bool textLeft_ = false;    ///< a cell shows what was typed into it and left without Enter
+    bool moving_ = false;    ///< from the workspace into a window of its own, or back
+    bool textLeft_ = false;  ///< a cell shows what was typed into it and left without Enter
     std::vector<GridCell> dirtyCells_;
     bool locked_ = false;
     bool docked_ = true;

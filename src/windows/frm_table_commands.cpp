@@ -1,0 +1,162 @@
+// The toolbar of the table window and what its commands do.
+#include <QPointer>
+
+#include "base/number_text.h"
+#include "windows/frm_table.h"
+
+namespace zentaq {
+
+void FrmTable::makeToolbar() {
+    Toolbar1_ = new TableToolbar(this);
+    const auto run = [this](void (FrmTable::*command)()) {
+        return [this, command](const QString& caption) { inOrder(caption, command); };
+    };
+    constexpr auto overlay = "Overlay";
+    constexpr auto view = "View";
+    Toolbar1_->add({"Home", "Home", "Show the values with the lowest row at the bottom"},
+                   run(&FrmTable::home));
+    Toolbar1_->add({"Save", "Save", "Write the grid back to the calibration"}, run(&FrmTable::save));
+    Toolbar1_->add({"Colors", "Turn Overlay OFF"}, run(&FrmTable::toggleColors), overlay);
+    Toolbar1_->add({"ColorsNorm", "Normal Colors", "", true}, run(&FrmTable::colorsNorm), overlay);
+    Toolbar1_->add({"ColorsAFR", "AFR Colors", "", true}, run(&FrmTable::colorsAfr), overlay);
+    Toolbar1_->add({"ColorsPersist", "Color Persist ON"}, run(&FrmTable::colorsPersist), overlay);
+    Toolbar1_->add({"ColorsWhiteOut", "White Out"}, run(&FrmTable::colorsWhiteOut), overlay);
+    Toolbar1_->add({"Pulsewidth", "Pulse Width (Shift+P)", "", true}, run(&FrmTable::pulsewidth), view);
+    Toolbar1_->add({"DutyCycle", "Duty Cycle (Shift+D)", "", true}, run(&FrmTable::dutyCycle), view);
+    Toolbar1_->add({"Absolute", "Absolute VE (Shift+A)", "", true}, run(&FrmTable::absolute), view);
+    Toolbar1_->add({"Invert", "Invert Rows", "", true}, run(&FrmTable::invert), view);
+    Toolbar1_->add({"Graph", "Graph"}, {}, view);
+    Toolbar1_->add({"AutoVE", "AutoVE"}, {}, view);
+    Toolbar1_->addSeparatorTo(view);
+    Toolbar1_->add({"Reset", "Reset"}, run(&FrmTable::resetTable), view);
+    Toolbar1_->add({"Discard", "Discard Changes"}, run(&FrmTable::discard), view);
+    Toolbar1_->add({"Manage", "Manage"}, {});
+    Toolbar1_->add({"Print", "Print"}, {});
+    Toolbar1_->add({"Docking", "Undock        ", "Inside the main window, or a window of its own"},
+                   run(&FrmTable::toggleDocking));
+    Toolbar1_->add({"Close", "Close", "Close the table (Shift+X)"}, run(&FrmTable::closeTable));
+    Toolbar1_->addFields();
+}
+
+void FrmTable::inOrder(const QString& caption, void (FrmTable::*run)()) {
+    if (!keysWait()) return (this->*run)();
+    ahead_->holdCommand(
+        caption.trimmed().toStdString(), [this, run] { (this->*run)(); }, true);
+}
+
+// ---- The commands
+
+void FrmTable::home() {
+    if (!model_) return;
+    closeEdit();
+    model_->home();
+    showAll();
+    sizeColumns();
+}
+
+bool FrmTable::saveGrid() {
+    if (!model_) return true;
+    if (txtInputValue_->isVisible()) leaveEdit();
+    textLeft_ = false;
+    const int written = model_->sheet().cellsWritten();
+    const auto refused = model_->save();
+    markIfWritten(written);
+    showAll();
+    return tell(refused) && refused.empty();
+}
+
+void FrmTable::toggleDocking() {
+    setDocked(!docked_);
+    Q_EMIT dockingAsked(docked_);
+}
+
+void FrmTable::discard() {
+    if (!model_) return;
+    const QPointer<FrmTable> self(this);
+    const auto model = model_;
+    const Answer answer = session_.dialogs().show(
+        {"Discard Changes?", "Are you sure you want to reset the table back to it's original state?",
+         Icon::Question, Buttons::YesNo});
+    if (!self || model != model_ || answer != Answer::Yes) return;
+    closeEdit();
+    const int written = model_->sheet().cellsWritten();
+    const auto refused = model_->restore();
+    markIfWritten(written);
+    showAll();
+    tell(refused);
+}
+
+void FrmTable::toggleColors() {
+    model_->cursor().toggleOverlay();
+    showItems();
+}
+
+void FrmTable::colorsNorm() {
+    setColourMode(0);
+}
+void FrmTable::colorsAfr() {
+    setColourMode(1);
+}
+
+void FrmTable::setColourMode(int mode) {
+    session_.TableColorMode = mode;
+    session_.settings().set("System", "TableColor", numberText(mode));
+    model_->overlay().colourMode(colourModeOf(mode));
+    showItems();
+}
+
+void FrmTable::clearTableColours() {
+    if (!model_) return;
+    model_->overlay().colourMode(colourModeOf(session_.TableColorMode));
+    model_->overlay().colorizeGraph(true);
+    showItems();
+    Grid1_->cells().refresh();
+}
+
+/// Kept: the state of a menu item; painting does not depend on it.
+void FrmTable::colorsPersist() {
+    colourPersist_ = !colourPersist_;
+    Toolbar1_->action("ColorsPersist")->setText(colourPersist_ ? "Color Persist OFF" : "Color Persist ON");
+}
+
+void FrmTable::colorsWhiteOut() {
+    model_->overlay().whiteOut();
+    Grid1_->cells().refresh();
+}
+
+void FrmTable::invert() {
+    closeEdit();
+    model_->invert();
+    showAll();
+    sizeColumns();
+}
+
+void FrmTable::pulsewidth() {
+    closeEdit();
+    model_->togglePulsewidth();
+    showAll();
+    sizeColumns();
+}
+
+void FrmTable::dutyCycle() {
+    closeEdit();
+    model_->toggleDutyCycle();
+    showAll();
+    sizeColumns();
+}
+
+void FrmTable::absolute() {
+    closeEdit();
+    model_->toggleAbsolute();
+    showAll();
+    sizeColumns();
+}
+
+void FrmTable::resetTable() {
+    closeEdit();
+    model_->reset();
+    showAll();
+    sizeColumns();
+}
+
+}  // namespace zentaq
