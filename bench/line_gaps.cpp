@@ -26,7 +26,6 @@
 #include "platform/posix_clock.h"
 #include "platform/posix_line_loop.h"
 #include "qt/qt_clock.h"
-#include "qt/qt_serial_port.h"
 #include "qt/qt_ticker.h"
 #include "qt/qt_yield.h"
 #include "windows/timed_unit.h"
@@ -48,14 +47,14 @@ auto onlyPort(const std::string& device) {
     return [device] { return std::vector<PortInfo>{{1, device, "unit", "unit"}}; };
 }
 
-/// The windows' loop: Qt's event loop, the ticker and the port on Qt.
+/// The windows' loop: Qt's event loop and the ticker.
 int runWindowLoop(const std::string& device) {
     int count = 1;
     char name[] = "line_gaps";
     char* words[] = {name, nullptr};
     QCoreApplication application(count, words);
     QtClock clock;
-    QtSerialPort port(clock, onlyPort(device));
+    PosixSerialPort port(clock, onlyPort(device), windowPort);
     QtTicker ticker(port, clock);
     RecordingLinkHost host;
     LiveValues live;

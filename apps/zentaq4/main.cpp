@@ -4,15 +4,14 @@
 #include "app/session.h"
 #include "app/start_up.h"
 #include "platform/home_folder.h"
+#include "platform/posix_ports.h"
 #include "platform/runtime_folder.h"
 #include "platform/single_instance.h"
 #include "qt/application.h"
 #include "qt/folders.h"
 #include "qt/look.h"
-#include "qt/port_list.h"
 #include "qt/qt_clock.h"
 #include "qt/qt_dialogs.h"
-#include "qt/qt_serial_port.h"
 #include "qt/qt_settings.h"
 #include "qt/qt_ticker.h"
 #include "qt/qt_yield.h"
@@ -27,7 +26,7 @@ int run(Application& application, QtDialogs& dialogs) {
     QtClock clock;
     QtSettings settings;
     QtYield yield;
-    QtSerialPort port(clock, systemPorts);
+    PosixSerialPort port(clock, posixPorts, windowPort);
     QtTicker ticker(port, clock);
     ThreadedFileWriter writer;
     Session session(

@@ -1,5 +1,6 @@
 #include "platform/posix_serial_port.h"
 
+#include <sys/ioctl.h>
 #include <termios.h>
 
 #include <array>
@@ -7,6 +8,7 @@
 #include <span>
 #include <system_error>
 
+#include "base/number_text.h"
 #include "platform/locked_line.h"
 
 namespace zentaq {
@@ -25,9 +27,12 @@ std::string reasonOf(int error) {
 void PosixSerialPort::open(int number) {
     close();
     const PortInfo port = portOfNumber(ports_(), number);
-    openDevice(port.device);
+    openDevice(port);
     keeper_.keep(port);
+    number_ = number;
+    heard_ = false;
     tell(&LineWatch::opened, port, clock_.monotonicUs());
+    nextNumberUs_ = clock_.monotonicUs() + numberUs;
 }
 
 void PosixSerialPort::close() {
@@ -36,11 +41,16 @@ void PosixSerialPort::close() {
     dropLine();
 }
 
-void PosixSerialPort::openDevice(const std::string& device) {
-    LockedLine locked = openLocked(device);
-    if (locked.busy) throw PortBusy(device + ": " + locked.trouble);
-    if (!locked.line.valid()) throw Failure(device + ": " + locked.trouble);
+void PosixSerialPort::openDevice(const PortInfo& port) {
+    LockedLine locked = openLocked(port.device);
+    if (!locked.line.valid()) {
+        const std::string name =
+            manner_.tellsNumber ? "Port " + numberText(port.number) + " (" + port.device + ")" : port.device;
+        if (locked.busy) throw PortBusy(name + ": " + locked.trouble);
+        throw Failure(name + ": " + locked.trouble);
+    }
     setUp(locked.line.get());
+    if (manner_.exclusive) ::ioctl(locked.line.get(), TIOCEXCL);
     // A reply that nobody read must not answer the first question.
     ::tcflush(locked.line.get(), TCIOFLUSH);
     line_ = std::move(locked.line);
@@ -85,6 +95,7 @@ void PosixSerialPort::send() {
 
 bool PosixSerialPort::service() {
     if (!isOpen()) return false;
+    followNumber(clock_.monotonicUs());
     if (!line_.valid()) {
         lookForDevice(clock_.monotonicUs());
         return false;
@@ -110,6 +121,7 @@ void PosixSerialPort::drain() {
         if (count > 0) {
             const std::span<const std::uint8_t> lump(buffer.data(), static_cast<std::size_t>(count));
             taken += lump.size();
+            heard_ = true;
             const std::int64_t nowUs = clock_.monotonicUs();
             gate_.received(lump, nowUs);
             tell(&LineWatch::arrived, lump, nowUs);
@@ -133,6 +145,7 @@ void PosixSerialPort::lose() {
 void PosixSerialPort::dropLine() {
     // The system would wait for half a minute until a stuck line has taken what is left.
     if (line_.valid()) ::tcflush(line_.get(), TCOFLUSH);
+    if (line_.valid() && manner_.exclusive) ::ioctl(line_.get(), TIOCNXCL);
     line_.reset();
     lock_.reset();
     gate_.take();
@@ -145,9 +158,27 @@ void PosixSerialPort::lookForDevice(std::int64_t nowUs) {
     if (!keeper_.timeToLook(nowUs)) return;
     const auto port = keeper_.findIn(ports_());
     // A device node that has just been made may not be open to users yet: the next look tries again.
-    if (!port || !skipFailing([&] { openDevice(port->device); })) return;
+    if (!port || !skipFailing([&] { openDevice(*port); })) return;
     keeper_.keep(*port);
     tell(&LineWatch::returned, *port, clock_.monotonicUs());
+}
+
+// A user who has named no device, and plugs the adapter in after the start, means that adapter, though
+// another port had its number until then. A device that has spoken is the unit's and is kept, whatever its
+// number becomes.
+void PosixSerialPort::followNumber(std::int64_t nowUs) {
+    if (heard_ || !followsNumber_ || nowUs < nextNumberUs_) return;
+    nextNumberUs_ = nowUs + numberUs;
+    for (const PortInfo& port : ports_()) {
+        if (port.number != number_ || port.identity == keeper_.device().identity) continue;
+        // Whoever was told that the device had gone is waiting for its return.
+        const auto news = present() ? &LineWatch::opened : &LineWatch::returned;
+        dropLine();
+        keeper_.keep(port);
+        if (!skipFailing([&] { openDevice(port); })) return lose();
+        tell(news, port, clock_.monotonicUs());
+        return;
+    }
 }
 
 }  // namespace zentaq

@@ -1,5 +1,6 @@
-// The serial port for programs without Qt: 38400,N,8,1 over the system's terminal interface, whole replies
-// through the gate, and a device that may be pulled and plugged again. Never waits; its owner polls.
+// The serial port: 38400,N,8,1 over the system's terminal interface, whole replies through the gate, and a
+// device that may be pulled and plugged again. It is remembered by its identity, so that it comes back even
+// under another number. Never waits; its owner looks after it about once a millisecond.
 #pragma once
 
 #include <functional>
@@ -30,7 +31,21 @@ class PosixSerialPort : public SerialPort {
     /// While this many bytes wait for a line that takes none, further commands go nowhere.
     static constexpr std::size_t mostWaiting = 4096;
 
-    PosixSerialPort(const Clock& clock, PortSource ports) : clock_(clock), ports_(std::move(ports)) {}
+    /// How often the number of a device that has never said anything is looked up again.
+    static constexpr std::int64_t numberUs = 1'000'000;
+
+    /// What programs want differently.
+    struct Manner {
+        /// A reply is whole when enough bytes are there and none has come for this long.
+        std::int64_t quietUs = ReceiveGate::defaultQuietUs;
+        bool exclusive = false;    ///< programs that know no locks cannot open the device meanwhile
+        bool tellsNumber = false;  ///< failures tell the number of the port as well
+    };
+
+    PosixSerialPort(const Clock& clock, PortSource ports) : PosixSerialPort(clock, std::move(ports), {}) {}
+    PosixSerialPort(const Clock& clock, PortSource ports, const Manner& manner)
+        : clock_(clock), ports_(std::move(ports)), manner_(manner), gate_(manner.quietUs) {}
+    ~PosixSerialPort() override { dropLine(); }
 
     /// Throws PortBusy while another program has the port, Failure where it is absent or no serial port.
     void open(int number) override;
@@ -46,6 +61,7 @@ class PosixSerialPort : public SerialPort {
     std::vector<std::uint8_t> read() override { return gate_.take(); }
     void setReceiveThreshold(int bytes) override { gate_.threshold(bytes); }
     std::vector<PortInfo> list() const override { return ports_(); }
+    void followsNumber(bool follows) override { followsNumber_ = follows; }
 
     /// Takes what the line has brought, delivers a batch that is due, looks for a vanished device. Never to
     /// be called from inside onEvent's handler. True: a batch was delivered.
@@ -58,25 +74,33 @@ class PosixSerialPort : public SerialPort {
     std::uint64_t writes() const { return writes_; }
     /// When service() delivers a reply that is there, if no further byte comes.
     std::optional<std::int64_t> nextDueUs() const { return gate_.nextDueUs(); }
+    /// Bytes that are still to come before a reply is whole.
+    std::size_t missing() const { return gate_.missing(); }
 
  private:
-    void openDevice(const std::string& device);
+    void openDevice(const PortInfo& port);
     void setUp(int line) const;
     void send();
     void drain();
     void lose();
     void dropLine();
     void lookForDevice(std::int64_t nowUs);
+    void followNumber(std::int64_t nowUs);
 
     const Clock& clock_;
     PortSource ports_;
+    Manner manner_;
     PosixHandle lock_;  ///< of the open line
     PosixHandle line_;
     ReceiveGate gate_;
     DeviceKeeper keeper_;
     std::string outgoing_;
+    int number_ = 0;
+    bool heard_ = false;  ///< the device has sent something since open()
     bool lost_ = false;
+    bool followsNumber_ = false;
     std::uint64_t writes_ = 0;
+    std::int64_t nextNumberUs_ = 0;
 };
 
 }  // namespace zentaq

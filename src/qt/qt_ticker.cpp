@@ -17,12 +17,15 @@ constexpr int ticksBehindReply = 2;
 /// A window that is not busy owes no more than this.
 constexpr int ticksOwedAsARule = 5;
 
-/// A little more than the time for which a reply's line has to be quiet.
-constexpr std::int64_t quietUs = QtSerialPort::quietUs + 10;
+/// The reply is asked for a little later than it is due.
+constexpr std::int64_t marginUs = 10;
+
+/// What comes in a millisecond, the time from one tick to the next.
+constexpr std::size_t bytesInATick = 4;
 
 }  // namespace
 
-QtTicker::QtTicker(QtSerialPort& port, const Clock& clock)
+QtTicker::QtTicker(PosixSerialPort& port, const Clock& clock)
     : port_(port),
       clock_(clock),
       pacer_(oneByOne),
@@ -44,11 +47,40 @@ QtTicker::~QtTicker() {
 
 // Qt's timers know whole milliseconds, and the quiet behind a reply lasts half of one. Waiting for the next
 // whole one would cost a narrow frame a twentieth of the wire's pace.
-void QtTicker::arrived(std::span<const std::uint8_t>, std::int64_t) {
-    if (!quiet_ || !running() || !port_.settling()) return;
+void QtTicker::arrived(std::span<const std::uint8_t>, std::int64_t nowUs) {
+    const auto dueUs = port_.nextDueUs();
+    if (!quiet_ || !running() || !dueUs) return;
     itimerspec setting{};
-    setting.it_value.tv_nsec = quietUs * 1000;
+    setting.it_value.tv_nsec = (*dueUs - nowUs + marginUs) * 1000;
     ::timerfd_settime(quietTimer_.get(), 0, &setting, nullptr);
+}
+
+void QtTicker::watchLine() {
+    leaveLine();
+    bytes_ = std::make_unique<QSocketNotifier>(port_.descriptor(), QSocketNotifier::Read, this);
+    connect(bytes_.get(), &QSocketNotifier::activated, this, &QtTicker::bytesCame);
+    listen();
+}
+
+// The news may come from inside the notifier's own signal.
+void QtTicker::leaveLine() {
+    if (!bytes_) return;
+    bytes_->setEnabled(false);
+    bytes_.release()->deleteLater();
+}
+
+// A port that gives its bytes one by one would wake the program for each of them, thousands of times a
+// second. The ticks take them once a millisecond; only the end of a reply is waited for by the byte.
+void QtTicker::listen() {
+    if (!bytes_) return;
+    const std::size_t missing = port_.missing();
+    bytes_->setEnabled(running() && missing > 0 && missing <= bytesInATick);
+}
+
+// Where a tick is waited in, it takes the bytes: the notices would not end until then.
+void QtTicker::bytesCame() {
+    bytes_->setEnabled(false);
+    wake();
 }
 
 void QtTicker::lineIsQuiet() {
@@ -63,6 +95,7 @@ void QtTicker::start() {
 
 void QtTicker::stop() {
     timer_.stop();
+    listen();
 }
 
 // A tick may show a box, and a box runs the event loop: no tick starts inside another one.
@@ -70,6 +103,7 @@ void QtTicker::wake() {
     if (inside_) return;
     const QScopedValueRollback guard(inside_, true);
     run();
+    listen();
 }
 
 // The patience of a command begins when it is written: what is owed from a pause before that would give up a
@@ -84,7 +118,7 @@ void QtTicker::run() {
     bool delivered = takeReply();
     for (int count = 0; count < ticksPerWake && running(); ++count) {
         // A reply that is about to be delivered must not be overtaken by ticks owed from a pause.
-        if (port_.settling()) break;
+        if (port_.nextDueUs()) break;
         if (pacer_.due(clock_.monotonicUs()) == 0) break;
         runTick();
         delivered = takeReply() || delivered;

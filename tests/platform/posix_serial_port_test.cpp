@@ -6,13 +6,16 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/file.h>
+#include <sys/inotify.h>
+#include <sys/ioctl.h>
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <thread>
 
-#include "testing/manual_clock.h"
 #include "temporary_folder.h"
+#include "testing/manual_clock.h"
 #include "windows/pty_pair.h"
 
 namespace zentaq {
@@ -44,10 +47,19 @@ class PosixPort : public testing::Test {
     void plug(const PtyPair& line, const std::string& identity = "one") {
         ports = {{1, line.path(), "", identity}};
     }
+    /// Another line is the first of the list from now on.
+    void plugInFront(const PtyPair& line) {
+        ports.insert(ports.begin(), {1, line.path(), "", "another"});
+        ports.back().number = static_cast<int>(ports.size());
+    }
 
     ManualClock clock;
     std::vector<PortInfo> ports;
-    PosixSerialPort port{clock, [this] { return ports; }};
+    int looks = 0;  ///< at the list
+    PosixSerialPort port{clock, [this] {
+                             ++looks;
+                             return ports;
+                         }};
     int deliveries = 0;
     std::vector<std::uint8_t> delivered;
 };
@@ -112,6 +124,47 @@ TEST_F(PosixPort, RefusesAPortThatAnotherProgramHoldsAndTakesItOnceItIsFree) {
     EXPECT_THROW(second.open(1), PortBusy);
 }
 
+TEST_F(PosixPort, WhereItIsAskedForAFailureTellsTheNumberOfThePortToo) {
+    PosixSerialPort telling{clock, [this] { return ports; }, {.tellsNumber = true}};
+    ports = {{2, "/nonexistent/tty", "", "gone"}};
+    EXPECT_EQ(failureOf(telling, 2), "Port 2 (/nonexistent/tty): No such file or directory");
+}
+
+TEST_F(PosixPort, APortOfAnotherOfOurProgramsIsNotEvenOpened) {
+    const PtyPair line;
+    plug(line);
+    PosixSerialPort other{clock, [this] { return ports; }};
+    other.open(1);
+    const int opens = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    ASSERT_GE(::inotify_add_watch(opens, line.path().c_str(), IN_OPEN), 0);
+    for (int time = 0; time < 3; ++time) EXPECT_THROW(port.open(1), PortBusy);
+    char notice[4096];
+    EXPECT_LT(::read(opens, notice, sizeof notice), 0) << "an opening can hold back a reply of the other one";
+    other.close();
+    port.open(1);
+    EXPECT_GT(::read(opens, notice, sizeof notice), 0);
+    ::close(opens);
+}
+
+TEST_F(PosixPort, WhereItIsAskedForTheDeviceIsItsOwnUntilItIsClosed) {
+    PosixSerialPort alone{clock, [this] { return ports; }, {.exclusive = true}};
+    const PtyPair line;
+    plug(line);
+    const auto exclusive = [](int descriptor) {
+        int held = 0;
+        EXPECT_EQ(::ioctl(descriptor, TIOCGEXCL, &held), 0);
+        return held != 0;
+    };
+    const int other = ::open(line.path().c_str(), O_RDWR | O_NOCTTY);
+    alone.open(1);
+    EXPECT_TRUE(exclusive(other));
+    alone.close();
+    EXPECT_FALSE(exclusive(other));
+    ::close(other);
+    port.open(1);
+    EXPECT_FALSE(exclusive(port.descriptor()));
+}
+
 /// Another program's hold on a line.
 class OtherHold {
  public:
@@ -154,6 +207,50 @@ TEST_F(PosixPort, APortThatIsRefusedIsLeftAsItWas) {
     char bytes[8] = {};
     EXPECT_EQ(::read(other.line(), bytes, sizeof bytes), 5)
         << "what came for the other program is still there";
+}
+
+/// Reads the line of a program that has it, as fast as it can, and counts the reads that find it hung up.
+class BusyReader {
+ public:
+    explicit BusyReader(const std::string& device)
+        : line_(::open(device.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK)) {
+        ::flock(line_, LOCK_EX | LOCK_NB);
+        thread_ = std::thread([this] {
+            char byte = 0;
+            for (; !stop_; ++reads_) broken_ += ::read(line_, &byte, 1) == 0 ? 1 : 0;
+        });
+    }
+    ~BusyReader() {
+        end();
+        ::close(line_);
+    }
+    BusyReader(const BusyReader&) = delete;
+    BusyReader& operator=(const BusyReader&) = delete;
+    void end() {
+        stop_ = true;
+        if (thread_.joinable()) thread_.join();
+    }
+    int broken() const { return broken_; }
+    int reads() const { return reads_; }
+
+ private:
+    int line_;
+    std::atomic<bool> stop_ = false;
+    std::atomic<int> reads_ = 0;
+    std::atomic<int> broken_ = 0;
+    std::thread thread_;
+};
+
+TEST_F(PosixPort, WhoeverHasThePortDoesNotNoticeThatItIsWanted) {
+    const PtyPair line;
+    plug(line);
+    // Whatever a line of this machine is set to: a read of nothing does not answer here.
+    OtherHold(line.path()).readsOfNothing(false);
+    BusyReader reader(line.path());
+    for (int time = 0; time < 300; ++time) EXPECT_THROW(port.open(1), PortBusy);
+    while (reader.reads() < 1000) std::this_thread::yield();
+    reader.end();
+    EXPECT_EQ(reader.broken(), 0);
 }
 
 TEST_F(PosixPort, AReadOfNothingWhileTheDeviceIsThereIsNoHangUp) {
@@ -224,23 +321,62 @@ TEST_F(PosixPort, DeliversOnceWhenEnoughIsThereAndTheLineIsQuiet) {
     EXPECT_EQ(deliveries, 1);
 }
 
-TEST_F(PosixPort, AReplyFromBeforeDoesNotAnswerTheFirstQuestion) {
+TEST_F(PosixPort, AShorterQuietIsEnoughWhereItIsAskedFor) {
+    PosixSerialPort quick{clock, [this] { return ports; }, {.quietUs = 390}};
+    const PtyPair line;
+    plug(line);
+    quick.open(1);
+    quick.setReceiveThreshold(2);
+    EXPECT_EQ(quick.missing(), 2U);
+    line.send("AX");
+    pollfd end{quick.descriptor(), POLLIN, 0};
+    ASSERT_EQ(::poll(&end, 1, 1000), 1);
+    quick.service();
+    EXPECT_EQ(quick.missing(), 0U);
+    clock.advanceUs(389);
+    EXPECT_FALSE(quick.service());
+    clock.advanceUs(1);
+    EXPECT_TRUE(quick.service());
+}
+
+TEST_F(PosixPort, HoldsBytesWhileTheThresholdIsZero) {
     const PtyPair line;
     plug(line);
     port.open(1);
+    port.setReceiveThreshold(0);
     line.send("AX");
-    pollfd end{port.descriptor(), POLLIN, 0};
-    ASSERT_EQ(::poll(&end, 1, 1000), 1);
-    port.open(1);
-    port.setReceiveThreshold(1);
+    arrive();
+    pass(100'000);
+    EXPECT_EQ(deliveries, 0);
+    EXPECT_THAT(port.read(), ElementsAre('A', 'X'));
+}
+
+TEST_F(PosixPort, AReplyThatNobodyReadDoesNotAnswerTheFirstQuestion) {
+    const PtyPair line;
+    plug(line);
+    {
+        // Whoever had the line before leaves without reading the reply.
+        const OtherHold other(line.path());
+        line.send("OLDREPLY");
+        pollfd end{other.line(), POLLIN, 0};
+        ASSERT_EQ(::poll(&end, 1, 1000), 1);
+        port.open(1);
+    }
+    port.setReceiveThreshold(2);
     pass(10'000);
     EXPECT_EQ(deliveries, 0);
+    line.send("AX");
+    arrive();
+    pass(10'000);
+    EXPECT_THAT(delivered, ElementsAre('A', 'X'));
+    EXPECT_EQ(deliveries, 1);
 }
 
 TEST_F(PosixPort, APulledDeviceComesBackUnderAnotherName) {
     auto line = std::make_unique<PtyPair>();
     plug(*line);
     port.open(1);
+    port.setReceiveThreshold(2);
     line->hangUp();
     pass(0);
     EXPECT_TRUE(port.isOpen());
@@ -261,19 +397,102 @@ TEST_F(PosixPort, APulledDeviceComesBackUnderAnotherName) {
     port.write("E");
     EXPECT_EQ(received(again, 1), "E");
     EXPECT_EQ(stranger.received(), "");
+    again.send("PN");
+    arrive();
+    pass(ReceiveGate::defaultQuietUs);
+    EXPECT_THAT(delivered, ElementsAre('P', 'N'));
+}
+
+TEST_F(PosixPort, LooksForAVanishedDeviceFourTimesASecondOnly) {
+    PtyPair line;
+    plug(line);
+    port.open(1);
+    line.hangUp();
+    pass(0);
+    ASSERT_FALSE(port.present());
+    looks = 0;
+    ports.clear();
+    for (int ms = 0; ms < 1000; ++ms) pass(1000);
+    EXPECT_EQ(looks, 4);
+}
+
+TEST_F(PosixPort, ASilentDeviceGivesWayToTheOneThatTakesItsNumberUnlessItWasNamed) {
+    for (const bool follows : {true, false}) {
+        const PtyPair first;
+        const PtyPair second;
+        plug(first);
+        port.followsNumber(follows);
+        port.open(1);
+        plugInFront(second);
+        pass(PosixSerialPort::numberUs);
+        port.write("E");
+        EXPECT_EQ(received(follows ? second : first, 1), "E");
+        EXPECT_EQ((follows ? first : second).received(), "");
+    }
+}
+
+TEST_F(PosixPort, WhoTakesTheNumberOfASilentDeviceThatHasGoneIsToldAsItsReturn) {
+    struct News : LineWatch {
+        void opened(const PortInfo&, std::int64_t) override { told += "opened "; }
+        void lost(const PortInfo&, std::int64_t) override { told += "lost "; }
+        void returned(const PortInfo&, std::int64_t) override { told += "returned "; }
+        std::string told;
+    } news;
+    PtyPair silent;
+    const PtyPair unit;
+    plug(silent);
+    port.followsNumber(true);
+    port.open(1);
+    port.watch(news);
+    silent.hangUp();
+    pass(0);
+    ASSERT_FALSE(port.present());
+    plug(unit, "another");
+    pass(PosixSerialPort::numberUs);
+    EXPECT_TRUE(port.present());
+    EXPECT_EQ(news.told, "lost returned ");
+    port.unwatch(news);
+}
+
+TEST_F(PosixPort, ADeviceThatHasSpokenIsKeptWhateverItsNumberBecomes) {
+    const PtyPair unit;
+    const PtyPair other;
+    plug(unit);
+    port.followsNumber(true);
+    port.open(1);
+    unit.send("AX");
+    arrive();
+    plugInFront(other);
+    pass(PosixSerialPort::numberUs);
+    port.write("E");
+    EXPECT_EQ(received(unit, 1), "E");
+    EXPECT_EQ(other.received(), "");
 }
 
 TEST_F(PosixPort, AClosedPortIsNotLookedForAndWritesNothing) {
     const PtyPair line;
     plug(line);
     port.open(1);
+    line.send("A");
+    arrive();
     port.close();
     EXPECT_FALSE(port.isOpen());
+    EXPECT_THAT(port.read(), IsEmpty());
     port.write("E");
     pass(PosixSerialPort::lookUs);
     EXPECT_FALSE(port.present());
     EXPECT_EQ(line.received(), "");
     EXPECT_EQ(port.list().size(), 1U);
+}
+
+TEST_F(PosixPort, ALineThatTakesNothingIsNotWaitedFor) {
+    const PtyPair line;
+    plug(line);
+    port.open(1);
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < 100'000; ++i) port.write(std::string(60, 'x'));
+    port.close();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }
 
 TEST_F(PosixPort, ALineThatTakesNothingFillsNoMemory) {

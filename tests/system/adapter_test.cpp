@@ -39,9 +39,9 @@ class AdapterFlight : public testing::Test {
     void start(QStringList options, const char* updates = "100") {
         unit = std::make_unique<UnitProcess>(ports + "/unit", folder.path("memory.bin"), std::move(options));
         ASSERT_TRUE(unit->ready());
-        program = std::make_unique<Program>(application, folder.path("app"), QtSerialPort::PortSource([this] {
-                                                return orderedPorts(simulatedPorts(ports), {});
-                                            }));
+        program = std::make_unique<Program>(
+            application, folder.path("app"),
+            PosixSerialPort::PortSource([this] { return orderedPorts(simulatedPorts(ports), {}); }));
         program->stored().set("System", "ADUR", updates);
         program->kernel.load();
         ASSERT_TRUE(Program::waitFor([&] { return program->identified(); }, patienceMs));

@@ -21,7 +21,6 @@
 #include "app/session.h"
 #include "app/start_up.h"
 #include "qt/qt_clock.h"
-#include "qt/qt_serial_port.h"
 #include "qt/qt_ticker.h"
 #include "qt/qt_yield.h"
 #include "unit/file_writer.h"
@@ -69,7 +68,7 @@ class Program {
     Program(QApplication& application, const std::string& folder, const std::string& link)
         : Program(application, folder, [link] { return portAt(link); }) {}
     /// With a list of ports of its own, such as one of units that are announced in a folder.
-    Program(QApplication& application, const std::string& folder, QtSerialPort::PortSource ports)
+    Program(QApplication& application, const std::string& folder, PosixSerialPort::PortSource ports)
         : folder_(prepared(folder)),
           port(std::move(ports), clock),
           ticker(port.port, clock),
@@ -127,8 +126,9 @@ class Program {
         return folder;
     }
     struct PortHolder {
-        PortHolder(QtSerialPort::PortSource source, const Clock& clock) : port(clock, std::move(source)) {}
-        QtSerialPort port;
+        PortHolder(PosixSerialPort::PortSource source, const Clock& clock)
+            : port(clock, std::move(source), windowPort) {}
+        PosixSerialPort port;
     };
 
     std::string folder_;

@@ -1,6 +1,8 @@
 #include "qt/qt_ticker.h"
 
 #include <gtest/gtest.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -13,7 +15,7 @@
 #include "link/link.h"
 #include "link/recording_link_host.h"
 #include "live/frame_decoder.h"
-#include "qt/port_list.h"
+#include "platform/port_list.h"
 #include "qt/qt_clock.h"
 #include "qt/qt_yield.h"
 #include "windows/pty_pair.h"
@@ -27,7 +29,8 @@ class TickerOnTheClock : public testing::Test {
  protected:
     TemporaryFolder folder;
     QtClock clock;
-    QtSerialPort port{clock, [this] { return orderedPorts(simulatedPorts(folder.path()), {}); }};
+    PosixSerialPort port{clock, [this] { return orderedPorts(simulatedPorts(folder.path()), {}); },
+                         windowPort};
     QtTicker ticker{port, clock};
     int ticks = 0;
 
@@ -110,6 +113,80 @@ TEST_F(TickerOnTheClock, AReplyThatCameDuringAPauseIsDeliveredBeforeTheOwedTicks
     runLoop(60);
     ASSERT_GE(ticksAtDelivery, 0);
     EXPECT_LE(ticksAtDelivery - before, 3) << "ticks owed from the pause must not count against the reply";
+}
+
+/// Something else that the event loop wakes up for, and that looks after the port at once.
+class OtherEvent {
+ public:
+    explicit OtherEvent(PosixSerialPort& port) {
+        QObject::connect(&notifier_, &QSocketNotifier::activated, [this, &port] {
+            std::uint64_t count = 0;
+            EXPECT_EQ(::read(event_, &count, sizeof count), static_cast<ssize_t>(sizeof count));
+            port.service();
+        });
+    }
+    ~OtherEvent() { ::close(event_); }
+    OtherEvent(const OtherEvent&) = delete;
+    OtherEvent& operator=(const OtherEvent&) = delete;
+    void happen() const { ::eventfd_write(event_, 1); }
+
+ private:
+    int event_ = ::eventfd(0, EFD_NONBLOCK);
+    QSocketNotifier notifier_{event_, QSocketNotifier::Read};
+};
+
+TEST_F(TickerOnTheClock, ANoticeOfBytesThatWereTakenAlreadyIsNoLossOfTheDevice) {
+    struct Losses : LineWatch {
+        void lost(const PortInfo&, std::int64_t) override { ++count; }
+        int count = 0;
+    } losses;
+    port.watch(losses);
+    int deliveries = 0;
+    port.onEvent([&](CommEvent) {
+        ++deliveries;
+        port.read();
+    });
+    const PtyPair line;
+    announce(folder.path(), "A", line.path());
+    ticker.start();
+    // The order in which one round of the event loop serves them is its own: some stand in front of the port.
+    const OtherEvent before(port);
+    port.open(1);
+    port.setReceiveThreshold(1);
+    const OtherEvent behind(port), further(port);
+    for (int round = 0; round < 20; ++round) {
+        line.send("AX");
+        for (const OtherEvent* event : {&before, &behind, &further}) event->happen();
+        runLoop(5);
+    }
+    EXPECT_EQ(losses.count, 0);
+    EXPECT_EQ(deliveries, 20);
+    port.unwatch(losses);
+}
+
+TEST_F(TickerOnTheClock, WakesForTheLastBytesOfAReplyAndForNoOtherOnes) {
+    const PtyPair line;
+    announce(folder.path(), "A", line.path());
+    ticker.start();
+    port.open(1);
+    port.setReceiveThreshold(100);
+    runLoop(5);
+    const auto listens = [this] {
+        for (const QSocketNotifier* notifier : ticker.findChildren<QSocketNotifier*>()) {
+            if (notifier->socket() == port.descriptor()) return notifier->isEnabled();
+        }
+        return false;
+    };
+    EXPECT_FALSE(listens());
+    line.send(std::string(96, 'x'));
+    runLoop(20);
+    EXPECT_TRUE(listens()) << "four are missing";
+    line.send("xxxx");
+    runLoop(20);
+    EXPECT_FALSE(listens());
+    port.close();
+    runLoop(5);
+    EXPECT_TRUE(ticker.findChildren<QSocketNotifier*>().isEmpty());
 }
 
 TEST_F(TickerOnTheClock, TicksOwedFromAPauseDoNotCountAgainstACommandThatIsWrittenBehindIt) {

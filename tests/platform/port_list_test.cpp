@@ -1,18 +1,18 @@
-#include "qt/port_list.h"
+#include "platform/port_list.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <fstream>
 
-#include "app/fake_platform.h"
+#include "temporary_folder.h"
 #include "windows/pty_pair.h"
 
 namespace zentaq {
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 PortFacts adapter(const std::string& device, const std::string& serial, const std::string& byPath = {}) {
     PortFacts port;
