@@ -1,6 +1,7 @@
 #include "platform/locked_line.h"
 
 #include <fcntl.h>
+#include <grp.h>
 #include <poll.h>
 #include <sys/file.h>
 #include <sys/socket.h>
@@ -12,13 +13,24 @@
 #include <chrono>
 #include <cstddef>
 #include <cstring>
+#include <system_error>
 
-#include "platform/device_keeper.h"
 #include "platform/name_holder.h"
 
 namespace zentaq {
 
 namespace {
+
+constexpr std::string_view portBusyWords = "in use by another program";
+
+/// The group that may use a device. Where the device does not tell one that helps, the usual one of systems.
+std::string groupOf(const std::string& device) {
+    constexpr std::string_view usual = "dialout";
+    struct stat about {};
+    if (::stat(device.c_str(), &about) != 0 || about.st_gid == 0) return std::string(usual);
+    const group* entry = ::getgrgid(about.st_gid);
+    return entry == nullptr ? std::string(usual) : entry->gr_name;
+}
 
 /// Made of the device's number, since one device may have several paths.
 std::string nameOfClaim(const struct stat& device) {
@@ -73,6 +85,25 @@ void openUnderLock(LockedLine& locked, const std::string& device) {
 }
 
 }  // namespace
+
+std::string openingTrouble(const std::string& device, int error) {
+    switch (error) {
+        case EACCES:
+        case EPERM: {
+            const std::string group = groupOf(device);
+            return "you may not use it: join the group " + group + " (sudo usermod -aG " + group +
+                   " $USER) and log in again";
+        }
+        case EBUSY:
+            return std::string(portBusyWords);
+        case ENXIO:
+        case ENODEV:
+        case EIO:
+            return "the adapter has gone";
+        default:
+            return std::generic_category().message(error);
+    }
+}
 
 LockedLine openLocked(const std::string& device) {
     LockedLine locked;

@@ -1,5 +1,5 @@
 // Opens a serial device only together with its lock, so that a program that merely wants a port changes
-// nothing on the line of the one that has it. The ports of every platform share it.
+// nothing on the line of the one that has it.
 #pragma once
 
 #include <string>
@@ -21,6 +21,9 @@ struct LockedLine {
 /// for, until the next one comes. A lock on the device itself follows, for programs of others. Changes no
 /// setting.
 LockedLine openLocked(const std::string& device);
+
+/// Why a device could not be opened, in words that tell what to do; `error` as errno gives it.
+std::string openingTrouble(const std::string& device, int error);
 
 /// Whether the device behind an open line has gone. A read of nothing alone does not tell: whoever else has
 /// the line may have set it to answer so.

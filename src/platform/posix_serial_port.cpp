@@ -3,6 +3,7 @@
 #include <sys/ioctl.h>
 #include <termios.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <span>
@@ -26,9 +27,12 @@ std::string reasonOf(int error) {
 
 void PosixSerialPort::open(int number) {
     close();
-    const PortInfo port = portOfNumber(ports_(), number);
+    const std::vector<PortInfo> ports = ports_();
+    const auto found = std::ranges::find(ports, number, &PortInfo::number);
+    if (found == ports.end()) throw Failure("Port " + numberText(number) + " is not present");
+    const PortInfo port = *found;
     openDevice(port);
-    keeper_.keep(port);
+    device_ = port;
     number_ = number;
     heard_ = false;
     tell(&LineWatch::opened, port, clock_.monotonicUs());
@@ -37,7 +41,7 @@ void PosixSerialPort::open(int number) {
 
 void PosixSerialPort::close() {
     if (isOpen()) tell(&LineWatch::closed, clock_.monotonicUs());
-    keeper_.forget();
+    device_.reset();
     dropLine();
 }
 
@@ -139,7 +143,7 @@ void PosixSerialPort::drain() {
 
 void PosixSerialPort::lose() {
     dropLine();
-    tell(&LineWatch::lost, keeper_.device(), clock_.monotonicUs());
+    tell(&LineWatch::lost, *device_, clock_.monotonicUs());
 }
 
 void PosixSerialPort::dropLine() {
@@ -151,15 +155,17 @@ void PosixSerialPort::dropLine() {
     gate_.take();
     outgoing_.clear();
     lost_ = false;
-    keeper_.lookLater(clock_.monotonicUs());
+    nextLookUs_ = clock_.monotonicUs() + lookUs;
 }
 
 void PosixSerialPort::lookForDevice(std::int64_t nowUs) {
-    if (!keeper_.timeToLook(nowUs)) return;
-    const auto port = keeper_.findIn(ports_());
+    if (nowUs < nextLookUs_) return;
+    nextLookUs_ = nowUs + lookUs;
+    const std::vector<PortInfo> ports = ports_();
+    const auto port = std::ranges::find(ports, device_->identity, &PortInfo::identity);
     // A device node that has just been made may not be open to users yet: the next look tries again.
-    if (!port || !skipFailing([&] { openDevice(*port); })) return;
-    keeper_.keep(*port);
+    if (port == ports.end() || !skipFailing([&] { openDevice(*port); })) return;
+    device_ = *port;
     tell(&LineWatch::returned, *port, clock_.monotonicUs());
 }
 
@@ -170,11 +176,11 @@ void PosixSerialPort::followNumber(std::int64_t nowUs) {
     if (heard_ || !followsNumber_ || nowUs < nextNumberUs_) return;
     nextNumberUs_ = nowUs + numberUs;
     for (const PortInfo& port : ports_()) {
-        if (port.number != number_ || port.identity == keeper_.device().identity) continue;
+        if (port.number != number_ || port.identity == device_->identity) continue;
         // Whoever was told that the device had gone is waiting for its return.
         const auto news = present() ? &LineWatch::opened : &LineWatch::returned;
         dropLine();
-        keeper_.keep(port);
+        device_ = port;
         if (!skipFailing([&] { openDevice(port); })) return lose();
         tell(news, port, clock_.monotonicUs());
         return;

@@ -9,7 +9,6 @@
 
 #include "base/errors.h"
 #include "platform/clock.h"
-#include "platform/device_keeper.h"
 #include "platform/posix_handle.h"
 #include "platform/receive_gate.h"
 #include "platform/serial_port.h"
@@ -26,11 +25,11 @@ class PosixSerialPort : public SerialPort {
  public:
     using PortSource = std::function<std::vector<PortInfo>()>;
 
-    /// How often a vanished device is looked for.
-    static constexpr std::int64_t lookUs = DeviceKeeper::lookUs;
+    /// How often a vanished device is looked for. Reading the list takes a few milliseconds; a device that is
+    /// back is open within a quarter of a second.
+    static constexpr std::int64_t lookUs = 250'000;
     /// While this many bytes wait for a line that takes none, further commands go nowhere.
     static constexpr std::size_t mostWaiting = 4096;
-
     /// How often the number of a device that has never said anything is looked up again.
     static constexpr std::int64_t numberUs = 1'000'000;
 
@@ -51,7 +50,7 @@ class PosixSerialPort : public SerialPort {
     void open(int number) override;
     void close() override;
     /// True also while the device is away: it is looked for by its identity until close().
-    bool isOpen() const override { return keeper_.keeps(); }
+    bool isOpen() const override { return device_.has_value(); }
     /// Whether the device is there at this moment.
     bool present() const { return line_.valid(); }
 
@@ -93,7 +92,8 @@ class PosixSerialPort : public SerialPort {
     PosixHandle lock_;  ///< of the open line
     PosixHandle line_;
     ReceiveGate gate_;
-    DeviceKeeper keeper_;
+    std::optional<PortInfo> device_;  ///< the port's, whatever name and number it gets
+    std::int64_t nextLookUs_ = 0;     ///< for a device that has vanished
     std::string outgoing_;
     int number_ = 0;
     bool heard_ = false;  ///< the device has sent something since open()

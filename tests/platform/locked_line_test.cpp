@@ -13,6 +13,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstddef>
 #include <cstdlib>
@@ -117,6 +118,14 @@ TEST_F(LineOfOthers, ItIsFreeWhenTheProgramHasGone) {
     ::waitpid(child, nullptr, 0);
     child = 0;
     EXPECT_TRUE(openLocked(device).line.valid());
+}
+
+TEST(OpeningTrouble, TellsWhatToDo) {
+    EXPECT_EQ(openingTrouble("/nonexistent", EACCES),
+              "you may not use it: join the group dialout (sudo usermod -aG dialout $USER) and log in again");
+    EXPECT_EQ(openingTrouble("/nonexistent", EBUSY), "in use by another program");
+    EXPECT_EQ(openingTrouble("/nonexistent", ENODEV), "the adapter has gone");
+    EXPECT_EQ(openingTrouble("/nonexistent", ENOENT), "No such file or directory");
 }
 
 }  // namespace
