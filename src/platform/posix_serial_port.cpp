@@ -17,7 +17,7 @@ namespace zentaq {
 namespace {
 
 /// One look takes no more than this, so that a line that floods cannot hold the program.
-constexpr std::size_t mostPerLook = 65'536;
+constexpr std::size_t mostPerLook = 16'384;
 
 std::string reasonOf(int error) {
     return std::generic_category().message(error);
