@@ -1,39 +1,14 @@
 #include "unit/calibration.h"
 
-#include <algorithm>
-#include <bit>
 #include <cstring>
 
-#include "base/errors.h"
 #include "unit/member_index.h"
 
 namespace zentaq {
 
-namespace {
-
-std::size_t checkedCell(int index) {
-    if (index < 0 || index >= Calibration::cellCount) throw BoundsError();
-    return static_cast<std::size_t>(index);
-}
-
-bool sameBits(float one, float other) {
-    return std::bit_cast<std::uint32_t>(one) == std::bit_cast<std::uint32_t>(other);
-}
-
-}  // namespace
-
 bool Calibration::operator==(const Calibration& other) const {
     return std::memcmp(cells.data(), other.cells.data(), sizeof cells) == 0 && control == other.control &&
            facts == other.facts;
-}
-
-float WatchedCalibration::cell(int index) const {
-    return value_.cells[checkedCell(index)];
-}
-
-void WatchedCalibration::cell(int index, float value) {
-    const float before = std::exchange(value_.cells[checkedCell(index)], value);
-    if (isWatched() && !sameBits(before, value)) tellCell(index, before);
 }
 
 void WatchedCalibration::cells(std::span<const float> all) {

@@ -3,11 +3,14 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <functional>
 #include <span>
 #include <string>
 #include <utility>
+
+#include "base/errors.h"
 
 namespace zentaq {
 
@@ -70,8 +73,12 @@ class WatchedCalibration {
     const Calibration& value() const { return value_; }
     void watch(Hook hook) { hook_ = std::move(hook); }
 
-    float cell(int index) const;             ///< BoundsError
-    void cell(int index, float value);       ///< BoundsError
+    // An image reads some thousand cells, so both stand here. BoundsError.
+    float cell(int index) const { return value_.cells[place(index)]; }
+    void cell(int index, float value) {
+        const float before = std::exchange(value_.cells[place(index)], value);
+        if (isWatched() && !sameBits(before, value)) tellCell(index, before);
+    }
     void cells(std::span<const float> all);  ///< those behind its end become 0
     void control(int which, std::uint8_t value);
     template <typename Change>
@@ -116,6 +123,13 @@ class WatchedCalibration {
     };
 
  private:
+    static std::size_t place(int index) {
+        if (index < 0 || index >= Calibration::cellCount) throw BoundsError();
+        return static_cast<std::size_t>(index);
+    }
+    static bool sameBits(float one, float other) {
+        return std::bit_cast<std::uint32_t>(one) == std::bit_cast<std::uint32_t>(other);
+    }
     bool isWatched() const { return hook_ && steps_ == 0; }
     void tell(const CalibrationChange& change) const;
     void tellCell(int index, float before) const;
