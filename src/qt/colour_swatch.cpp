@@ -27,10 +27,11 @@ void ColourSwatch::setColour(std::optional<QColor> colour) {
 }
 
 void ColourSwatch::tell() {
-    setAccessibleDescription(
-        colour_
-            ? tr("Red %1, green %2, blue %3").arg(colour_->red()).arg(colour_->green()).arg(colour_->blue())
-            : tr("The mode's own color"));
+    setAccessibleDescription(colour_ ? QStringLiteral("Red %1, green %2, blue %3")
+                                           .arg(colour_->red())
+                                           .arg(colour_->green())
+                                           .arg(colour_->blue())
+                                     : "The mode's own color");
 }
 
 QSize ColourSwatch::sizeHint() const {

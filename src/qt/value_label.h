@@ -13,7 +13,6 @@ class ValueLabel : public QLabel {
     /// `pattern` is the widest text to expect, "-000.0".
     explicit ValueLabel(const QString& pattern, QWidget* parent = nullptr);
 
-    const QString& pattern() const { return pattern_; }
     /// Shows a text; costs nothing when it is already shown.
     void showValue(const QString& text);
 
@@ -27,7 +26,7 @@ class ValueLabel : public QLabel {
     qreal cellWidth(QChar character) const;
     qreal textWidth(const QString& text) const;
 
-    QString pattern_;
+    const QString pattern_;
 };
 
 }  // namespace zentaq

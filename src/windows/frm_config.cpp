@@ -10,6 +10,7 @@
 #include "base/number_text.h"
 #include "config/tree.h"
 #include "qt/look.h"
+#include "qt/plain_label.h"
 #include "qt/qt_text.h"
 
 namespace zentaq {
@@ -22,14 +23,11 @@ constexpr int startTab = 0;
 constexpr int pageTab = 1;
 
 QString nothingInHand() {
-    return FrmConfig::tr("No calibration in hand.");
+    return "No calibration in hand.";
 }
 
 QLabel* textLabel(const char* name, QWidget* parent) {
-    auto* label = new QLabel(parent);
-    label->setObjectName(QLatin1String(name));
-    label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(true);
+    QLabel* label = plainLines(name, {}, parent);
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     return label;
 }
@@ -39,11 +37,11 @@ QLabel* textLabel(const char* name, QWidget* parent) {
 FrmConfig::FrmConfig(Session& session, MainCommands& commands, QWidget* parent)
     : QWidget(parent), Form(this), session_(session), commands_(commands) {
     setObjectName(QStringLiteral("frmConfig"));
-    setAccessibleName(tr("Configuration"));
+    setAccessibleName("Configuration");
 
     treeZentaq_ = new QTreeWidget(this);
     treeZentaq_->setObjectName(QStringLiteral("treeZentaq"));
-    treeZentaq_->setAccessibleName(tr("Configuration tree"));
+    treeZentaq_->setAccessibleName("Configuration tree");
     treeZentaq_->setHeaderHidden(true);
     treeZentaq_->setUniformRowHeights(true);
     connect(treeZentaq_, &QTreeWidget::itemClicked, this, &FrmConfig::treeClicked);
@@ -51,10 +49,10 @@ FrmConfig::FrmConfig(Session& session, MainCommands& commands, QWidget* parent)
 
     sstMenu_ = new QTabWidget(this);
     sstMenu_->setObjectName(QStringLiteral("sstMenu"));
-    sstMenu_->setAccessibleName(tr("Pages"));
+    sstMenu_->setAccessibleName("Pages");
     sstMenu_->setDocumentMode(true);
-    sstMenu_->addTab(makeStartTab(), tr("Start"));
-    sstMenu_->addTab(makePageTab(), tr("Calibration"));
+    sstMenu_->addTab(makeStartTab(), "Start");
+    sstMenu_->addTab(makePageTab(), "Calibration");
 
     auto* beside = new QSplitter(Qt::Horizontal, this);
     beside->setObjectName(QStringLiteral("splTree"));
@@ -88,7 +86,7 @@ QWidget* FrmConfig::makeStartTab() {
     lblStart_->setFont(valueFont(1.2));
     lblStart_->setText(nothingInHand());
     lblTip_ = textLabel("lblTip", tab);
-    lblTip_->setAccessibleName(tr("Tip"));
+    lblTip_->setAccessibleName("Tip");
     layout->addWidget(lblStart_);
     layout->addWidget(makeDoors(tab));
     layout->addWidget(lblTip_, 1);
@@ -107,9 +105,9 @@ QWidget* FrmConfig::makeDoors(QWidget* tab) {
         connect(button, &QPushButton::clicked, this, [this, entry] { Q_EMIT entryAsked(entry); });
         row->addWidget(button);
     };
-    add("cmdStartNew", tr("Create a &new calibration"), "mnuNew");
-    add("cmdStartOpen", tr("&Open a calibration"), "mnuOpen");
-    add("cmdStartGuide", tr("User &guide"), "mnuHelpContents");
+    add("cmdStartNew", "Create a &new calibration", "mnuNew");
+    add("cmdStartOpen", "&Open a calibration", "mnuOpen");
+    add("cmdStartGuide", "User &guide", "mnuHelpContents");
     row->addStretch(1);
     return doors;
 }
@@ -128,8 +126,8 @@ QWidget* FrmConfig::makePageTab() {
 }
 
 QWidget* FrmConfig::makeBottom() {
-    lstLog_ = new ConsoleView(QStringLiteral("lstLog"), tr("System console"), session_.console.lines(), this);
-    lstCommInfo_ = new ConsoleView(QStringLiteral("lstCommInfo"), tr("Communication console"),
+    lstLog_ = new ConsoleView(QStringLiteral("lstLog"), "System console", session_.console.lines(), this);
+    lstCommInfo_ = new ConsoleView(QStringLiteral("lstCommInfo"), "Communication console",
                                    session_.console.commLines(), this);
     fraComm_ = new LinkPanel([this] { return session_.platform().port.list(); }, this);
     refreshPorts();
@@ -207,10 +205,9 @@ void FrmConfig::showRows() {
 
 void FrmConfig::showUnit() {
     showRows();
-    lblStart_->setTextFormat(Qt::PlainText);
     lblStart_->setText(session_.slotInHand() == 0
                            ? nothingInHand()
-                           : tr("Calibration in hand: ") + shownString(session_.CurrentFile));
+                           : "Calibration in hand: " + shownString(session_.CurrentFile));
 }
 
 void FrmConfig::onFlyChanged(bool on) {

@@ -10,6 +10,7 @@
 #include "base/number_text.h"
 #include "qt/icons.h"
 #include "qt/look.h"
+#include "qt/plain_label.h"
 #include "qt/qt_text.h"
 
 namespace zentaq {
@@ -85,7 +86,7 @@ void light(QLabel* lamp, bool on, const QColor& color, const QString& meaning, c
 PortCombo::PortCombo(std::function<std::vector<PortInfo>()> ports, QWidget* parent)
     : QComboBox(parent), ports_(std::move(ports)) {
     setObjectName(QStringLiteral("cmbCOMM"));
-    setAccessibleName(QObject::tr("COMM port"));
+    setAccessibleName("COMM port");
     setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
     setMinimumContentsLength(14);
 }
@@ -107,7 +108,7 @@ void PortCombo::fill(int selected, const std::string& identity) {
     // By its number it would pass for the device that has it now.
     const bool taken = place < 0 && findData(selected) >= 0;
     numberTold_ = taken ? QStringLiteral("\u2013") : QString::number(selected);
-    if (place < 0) add(numberTold_ + "  " + tr("(not present)"), selected, identity);
+    if (place < 0) add(numberTold_ + "  (not present)", selected, identity);
     setCurrentIndex(place < 0 ? count() - 1 : place);
     if (place >= 0) numberTold_ = QString::number(selectedNumber());
     quiet.unblock();
@@ -121,27 +122,27 @@ void PortCombo::showPopup() {
 
 LinkPanel::LinkPanel(std::function<std::vector<PortInfo>()> ports, QWidget* parent) : QFrame(parent) {
     setObjectName(QStringLiteral("fraComm"));
-    setAccessibleName(tr("Communications"));
+    setAccessibleName("Communications");
     setFrameShape(StyledPanel);
 
-    imgNotify_ = makeLabel("imgNotify", tr("State of the link"));
+    imgNotify_ = makeLabel("imgNotify", "State of the link");
     const int iconSize = fontMetrics().height() * 2;
     imgNotify_->setFixedSize(iconSize, iconSize);
-    title_ = makeLabel("lblCommTitle", tr("Link"));
+    title_ = makeLabel("lblCommTitle", "Link");
     QFont bold = font();
     bold.setBold(true);
     title_->setFont(bold);
     title_->setMinimumWidth(
         title_->fontMetrics().horizontalAdvance(QStringLiteral("Programming Firmware... ")));
-    line1_ = makeLabel("lblCommStatus1", tr("Link status, first line"));
-    line2_ = makeLabel("lblCommStatus2", tr("Link status, second line"));
-    frameTimes_ = makeLabel("lblFrameTimes", tr("Where the time of a frame goes"));
-    activity_ = makeLabel("lblActivity", tr("Link activity"));
+    line1_ = makeLabel("lblCommStatus1", "Link status, first line");
+    line2_ = makeLabel("lblCommStatus2", "Link status, second line");
+    frameTimes_ = makeLabel("lblFrameTimes", "Where the time of a frame goes");
+    activity_ = makeLabel("lblActivity", "Link activity");
     activity_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     activity_->setMinimumWidth(
         activity_->fontMetrics().horizontalAdvance(QStringLiteral("{Transfer ONFLY} ")));
-    send_ = makeLamp("lblComm_Send_Icon", tr("TX"), tr("Send lamp"));
-    receive_ = makeLamp("lblComm_Rcv_Icon", tr("RX"), tr("Receive lamp"));
+    send_ = makeLamp("lblComm_Send_Icon", "TX", "Send lamp");
+    receive_ = makeLamp("lblComm_Rcv_Icon", "RX", "Receive lamp");
 
     auto* grid = new QGridLayout(this);
     const int gap = fontMetrics().height() / 4;
@@ -178,10 +179,7 @@ LinkPanel::LinkPanel(std::function<std::vector<PortInfo>()> ports, QWidget* pare
 }
 
 QLabel* LinkPanel::makeLabel(const char* name, const QString& meaning) {
-    auto* label = new QLabel(this);
-    label->setObjectName(QLatin1String(name));
-    label->setAccessibleName(meaning);
-    label->setTextFormat(Qt::PlainText);
+    QLabel* label = plainLabel(name, meaning, this);
     label->setTextInteractionFlags(Qt::NoTextInteraction);
     // Long texts are cut, never allowed to push the panel wider.
     label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
@@ -217,9 +215,9 @@ QWidget* LinkPanel::makeFacts() {
         label->setFont(bold);
         row->addWidget(label, stretch);
     };
-    add(unit_, "lblOrbUnit", tr("ORB"), tr("Unit on the link"), "A Stdd", 0);
-    add(serial_, "lblSerialNumber", tr("S/N"), tr("Serial number of the unit"), "0000000", 0);
-    add(firmware_, "lblFirmware", tr("F/W"), tr("Firmware of the unit"), "ZQA0000", 1);
+    add(unit_, "lblOrbUnit", "ORB", "Unit on the link", "A Stdd", 0);
+    add(serial_, "lblSerialNumber", "S/N", "Serial number of the unit", "0000000", 0);
+    add(firmware_, "lblFirmware", "F/W", "Firmware of the unit", "ZQA0000", 1);
     return facts;
 }
 
@@ -227,16 +225,16 @@ QWidget* LinkPanel::makePortRow(std::function<std::vector<PortInfo>()> ports) {
     auto* area = new QWidget(this);
     auto* row = new QHBoxLayout(area);
     row->setContentsMargins(0, 0, 0, 0);
-    auto* caption = new QLabel(tr("&Port"), area);
-    port_ = makeLabel("lblCOMM", tr("Port in use"));
+    auto* caption = new QLabel("&Port", area);
+    port_ = makeLabel("lblCOMM", "Port in use");
     port_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     port_->setMinimumWidth(digitsWidth(port_->fontMetrics(), 3));
     ports_ = new PortCombo(std::move(ports), area);
     caption->setBuddy(ports_);
-    autoDetect_ = new QPushButton(tr("Auto &Detect Port"), area);
+    autoDetect_ = new QPushButton("Auto &Detect Port", area);
     autoDetect_->setObjectName(QStringLiteral("cmdAutoDetectPort"));
-    autoDetect_->setAccessibleName(tr("Auto Detect Port"));
-    autoDetect_->setToolTip(tr("Search ports 1 to 12 for a unit"));
+    autoDetect_->setAccessibleName("Auto Detect Port");
+    autoDetect_->setToolTip("Search ports 1 to 12 for a unit");
     row->addWidget(caption);
     row->addWidget(port_);
     row->addWidget(ports_, 1);
@@ -251,14 +249,14 @@ QWidget* LinkPanel::makeProgress() {
     auto* area = new QWidget(this);
     auto* row = new QHBoxLayout(area);
     row->setContentsMargins(0, 0, 0, 0);
-    message_ = makeLabel("lblProgress_Message", tr("Progress message"));
-    message_->setText(tr("Processing . . . Please Wait!"));
+    message_ = makeLabel("lblProgress_Message", "Progress message");
+    message_->setText("Processing . . . Please Wait!");
     progress_ = new QProgressBar(area);
     progress_->setObjectName(QStringLiteral("ProgressBar1"));
-    progress_->setAccessibleName(tr("Progress"));
+    progress_->setAccessibleName("Progress");
     progress_->setRange(0, 100);
     progress_->setTextVisible(false);
-    percentage_ = makeLabel("lblProgress_Percentage", tr("Progress in percent"));
+    percentage_ = makeLabel("lblProgress_Percentage", "Progress in percent");
     percentage_->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     percentage_->setMinimumWidth(percentage_->fontMetrics().horizontalAdvance(QStringLiteral("100%")));
     percentage_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -285,8 +283,8 @@ void LinkPanel::render(const LinkStatus& status) {
     const std::string more = status.trouble.empty() ? "" : '\n' + status.line2;
     line2_->setToolTip(plainTip(line2_->text() + shownStringOfLines(more)));
     setText(activity_, status.activity);
-    light(send_, status.send == Lamp::Sending, sendLampColor(), tr("at rest"), tr("sending"));
-    light(receive_, status.receive == Lamp::Received, receiveLampColor(), tr("at rest"), tr("received"));
+    light(send_, status.send == Lamp::Sending, sendLampColor(), "at rest", "sending");
+    light(receive_, status.receive == Lamp::Received, receiveLampColor(), "at rest", "received");
     showPortNumber();
     setText(unit_, status.unitLabel);
     setText(serial_, status.serialNumber);
@@ -323,11 +321,11 @@ void LinkPanel::showFrameTimes(const LinkStatus& status) {
     line1OrTimes_->setCurrentIndex(!none && status.image == LinkImage::Monitor ? 1 : 0);
     if (none == frameTimes_->toolTip().isEmpty()) return;
     frameTimes_->setToolTip(none ? QString()
-                                 : tr("Where the time of a live frame goes, averaged over the last ones:\n"
-                                      "unit: the unit thinks\n"
-                                      "wire: request and reply at 38400 baud\n"
-                                      "adapter: the USB adapter held bytes back\n"
-                                      "program: Zentaq4, until it asks for the next frame"));
+                                 : "Where the time of a live frame goes, averaged over the last ones:\n"
+                                   "unit: the unit thinks\n"
+                                   "wire: request and reply at 38400 baud\n"
+                                   "adapter: the USB adapter held bytes back\n"
+                                   "program: Zentaq4, until it asks for the next frame");
 }
 
 void LinkPanel::showImage(LinkImage image) {

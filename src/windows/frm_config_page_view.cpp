@@ -20,8 +20,8 @@ constexpr std::size_t openElements = 20;
 
 PageView::PageView(QWidget* parent) : QTreeWidget(parent) {
     setObjectName(QStringLiteral("lstPage"));
-    setAccessibleName(tr("Values of the page"));
-    setHeaderLabels({tr("Parameter"), tr("Value"), tr("Unit"), tr("Range"), tr("Member")});
+    setAccessibleName("Values of the page");
+    setHeaderLabels({"Parameter", "Value", "Unit", "Range", "Member"});
     setAlternatingRowColors(true);
     setUniformRowHeights(true);
     setEditTriggers(NoEditTriggers);

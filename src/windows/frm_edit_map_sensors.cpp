@@ -11,6 +11,7 @@
 
 #include "qt/help_key.h"
 #include "qt/look.h"
+#include "qt/plain_label.h"
 #include "qt/qt_text.h"
 #include "qt/second_window.h"
 #include "qt/window_placement.h"
@@ -43,13 +44,13 @@ FrmEditMAPSensors::FrmEditMAPSensors(Session& session, QWidget* parent)
       session_(session),
       manager_(std::make_shared<SensorManager>(session)) {
     setObjectName(QStringLiteral("frmEditMAPSensors"));
-    setWindowTitle(tr("MAP Sensor Manager"));
-    setAccessibleName(tr("MAP Sensor Manager"));
+    setWindowTitle("MAP Sensor Manager");
+    setAccessibleName("MAP Sensor Manager");
     setProperty(helpKeyProperty, QStringLiteral("helpMAPlist"));
 
     tabMAPSensors_ = new QTabWidget(this);
     tabMAPSensors_->setObjectName(QStringLiteral("tabMAPSensors"));
-    tabMAPSensors_->setAccessibleName(tr("MAP sensors"));
+    tabMAPSensors_->setAccessibleName("MAP sensors");
     tabMAPSensors_->setTabBarAutoHide(true);
     tabMAPSensors_->setDocumentMode(true);
     auto* page = new QWidget(tabMAPSensors_);
@@ -64,15 +65,11 @@ FrmEditMAPSensors::FrmEditMAPSensors(Session& session, QWidget* parent)
     picLine_ = new SensorLinePicture(page);
     right->addWidget(picLine_, 1);
     columns->addLayout(right, 7);
-    tabMAPSensors_->addTab(page, tr("MAP Sensors"));
+    tabMAPSensors_->addTab(page, "MAP Sensors");
 
-    lblStatus_ = new QLabel(this);
-    lblStatus_->setObjectName(QStringLiteral("lblStatus"));
-    lblStatus_->setAccessibleName(tr("Status"));
-    lblStatus_->setTextFormat(Qt::PlainText);
-    lblStatus_->setWordWrap(true);
+    lblStatus_ = plainLines("lblStatus", "Status", this);
     lblStatus_->setMinimumHeight(lblStatus_->fontMetrics().lineSpacing() * 2);
-    cmdExit_ = makeButton("cmdExit", tr("E&xit"), &FrmEditMAPSensors::exit);
+    cmdExit_ = makeButton("cmdExit", "E&xit", &FrmEditMAPSensors::exit);
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(lblStatus_, 1);
     bottom->addWidget(cmdExit_, 0, Qt::AlignBottom);
@@ -103,11 +100,11 @@ QPushButton* FrmEditMAPSensors::makeButton(const char* name, const QString& capt
 
 QWidget* FrmEditMAPSensors::makeList() {
     auto* part = new QWidget(this);
-    lblInstalled_ = new QLabel(tr("Insta&lled MAP Sensors:"), part);
+    lblInstalled_ = new QLabel("Insta&lled MAP Sensors:", part);
     lblInstalled_->setObjectName(QStringLiteral("lblInstalled"));
     lstMAPSensors_ = new QListWidget(part);
     lstMAPSensors_->setObjectName(QStringLiteral("lstMAPSensors"));
-    lstMAPSensors_->setAccessibleName(tr("Installed MAP sensors"));
+    lstMAPSensors_->setAccessibleName("Installed MAP sensors");
     lstMAPSensors_->setProperty(helpKeyProperty, QStringLiteral("helpMAPlist"));
     lstMAPSensors_->setAlternatingRowColors(true);
     lstMAPSensors_->setTabKeyNavigation(false);
@@ -120,9 +117,9 @@ QWidget* FrmEditMAPSensors::makeList() {
     lblInstalled_->setBuddy(lstMAPSensors_);
     connect(lstMAPSensors_, &QListWidget::itemSelectionChanged, this, &FrmEditMAPSensors::selectionChanged);
     connect(lstMAPSensors_, &QListWidget::itemDoubleClicked, this, &FrmEditMAPSensors::edit);
-    cmdEdit_ = makeButton("cmdEdit", tr("&Edit"), &FrmEditMAPSensors::edit);
-    cmdNew_ = makeButton("cmdNew", tr("Create &New"), &FrmEditMAPSensors::create);
-    cmdRemove_ = makeButton("cmdRemove", tr("&Remove"), &FrmEditMAPSensors::remove);
+    cmdEdit_ = makeButton("cmdEdit", "&Edit", &FrmEditMAPSensors::edit);
+    cmdNew_ = makeButton("cmdNew", "Create &New", &FrmEditMAPSensors::create);
+    cmdRemove_ = makeButton("cmdRemove", "&Remove", &FrmEditMAPSensors::remove);
 
     auto* buttons = new QHBoxLayout;
     for (QPushButton* button : {cmdEdit_, cmdNew_, cmdRemove_}) buttons->addWidget(button);
@@ -135,12 +132,9 @@ QWidget* FrmEditMAPSensors::makeList() {
 }
 
 QWidget* FrmEditMAPSensors::makeInfo() {
-    fraInfo_ = new QGroupBox(tr("Sensor Info"), this);
+    fraInfo_ = new QGroupBox("Sensor Info", this);
     fraInfo_->setObjectName(QStringLiteral("fraInfo"));
-    lblGeneral_ = new QLabel(fraInfo_);
-    lblGeneral_->setObjectName(QStringLiteral("lblGeneral"));
-    lblGeneral_->setAccessibleName(tr("Sensor info"));
-    lblGeneral_->setTextFormat(Qt::PlainText);
+    lblGeneral_ = plainLabel("lblGeneral", "Sensor info", fraInfo_);
     lblGeneral_->setFont(valueFont());
     lblGeneral_->setMinimumWidth(
         lblGeneral_->fontMetrics().horizontalAdvance(QStringLiteral("-0000 - 00000")));
@@ -163,26 +157,26 @@ QLineEdit* FrmEditMAPSensors::makeBox(SensorBox box, const QString& meaning, con
 }
 
 QWidget* FrmEditMAPSensors::makeEntry() {
-    auto* part = new QGroupBox(tr("Two points of the sensor's line"), this);
+    auto* part = new QGroupBox("Two points of the sensor's line", this);
     part->setObjectName(QStringLiteral("fraPoints"));
-    auto* volts = new QLabel(tr("&Volts"), part);
+    auto* volts = new QLabel("&Volts", part);
     volts->setObjectName(QStringLiteral("lblVolts"));
-    auto* pressure = new QLabel(tr("Press&ure"), part);
+    auto* pressure = new QLabel("Press&ure", part);
     pressure->setObjectName(QStringLiteral("lblPressure"));
     auto* grid = new QGridLayout;
     grid->addWidget(volts, 0, 1);
     grid->addWidget(pressure, 0, 2);
-    grid->addWidget(new QLabel(tr("Low point"), part), 1, 0);
-    grid->addWidget(makeBox(firstVolts, tr("Volts of the low point, 0 to 5"), "helpMAPvolts"), 1, 1);
-    grid->addWidget(makeBox(firstPressure, tr("Pressure of the low point"), "helpMAPpressure"), 1, 2);
-    grid->addWidget(new QLabel(tr("High point"), part), 2, 0);
-    grid->addWidget(makeBox(secondVolts, tr("Volts of the high point, 0 to 5"), "helpMAPvolts"), 2, 1);
-    grid->addWidget(makeBox(secondPressure, tr("Pressure of the high point"), "helpMAPpressure"), 2, 2);
+    grid->addWidget(new QLabel("Low point", part), 1, 0);
+    grid->addWidget(makeBox(firstVolts, "Volts of the low point, 0 to 5", "helpMAPvolts"), 1, 1);
+    grid->addWidget(makeBox(firstPressure, "Pressure of the low point", "helpMAPpressure"), 1, 2);
+    grid->addWidget(new QLabel("High point", part), 2, 0);
+    grid->addWidget(makeBox(secondVolts, "Volts of the high point, 0 to 5", "helpMAPvolts"), 2, 1);
+    grid->addWidget(makeBox(secondPressure, "Pressure of the high point", "helpMAPpressure"), 2, 2);
     volts->setBuddy(txtPV_[firstVolts]);
     pressure->setBuddy(txtPV_[firstPressure]);
 
-    cmdSave_ = makeButton("cmdSave", tr("&Save Sensor"), &FrmEditMAPSensors::save);
-    cmdCancel_ = makeButton("cmdCancel", tr("&Cancel"), &FrmEditMAPSensors::cancel);
+    cmdSave_ = makeButton("cmdSave", "&Save Sensor", &FrmEditMAPSensors::save);
+    cmdCancel_ = makeButton("cmdCancel", "&Cancel", &FrmEditMAPSensors::cancel);
     auto* buttons = new QHBoxLayout;
     buttons->addStretch(1);
     buttons->addWidget(cmdSave_);
@@ -198,15 +192,15 @@ QWidget* FrmEditMAPSensors::makeEntry() {
 QWidget* FrmEditMAPSensors::makeUnits() {
     auto* part = new QWidget(this);
     part->setObjectName(QStringLiteral("fraUnits"));
-    part->setAccessibleName(tr("Unit of pressure"));
+    part->setAccessibleName("Unit of pressure");
     auto* row = new QHBoxLayout(part);
     row->setContentsMargins(0, 0, 0, 0);
     optUnits_ = new QButtonGroup(this);
     optUnits_->setObjectName(QStringLiteral("optUnits"));
     for (std::size_t i = 0; i < unitCaptions.size(); ++i) {
-        auto* option = new QRadioButton(tr(unitCaptions[i]), part);
+        auto* option = new QRadioButton(unitCaptions[i], part);
         option->setObjectName(QStringLiteral("optUnits_%1").arg(i));
-        option->setAccessibleName(tr("Pressure in %1").arg(option->text().remove(u'&')));
+        option->setAccessibleName(QStringLiteral("Pressure in %1").arg(option->text().remove(u'&')));
         option->setProperty(helpKeyProperty, QStringLiteral("helpMAPunits"));
         optUnits_->addButton(option, sensorUnits()[i].code);
         row->addWidget(option);

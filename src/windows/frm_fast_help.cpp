@@ -9,6 +9,7 @@
 #include "guide/help_topics.h"
 #include "qt/help_key.h"
 #include "qt/look.h"
+#include "qt/plain_label.h"
 #include "qt/qt_text.h"
 #include "windows/frm_config.h"
 
@@ -24,32 +25,23 @@ bool isHelpKey(const QEvent* event) {
     return static_cast<const QKeyEvent*>(event)->key() == Qt::Key_F2;
 }
 
-QLabel* readableLabel(const char* name, const QString& meaning, QWidget* parent) {
-    auto* label = new QLabel(parent);
-    label->setObjectName(QLatin1String(name));
-    label->setAccessibleName(meaning);
-    label->setTextFormat(Qt::PlainText);
-    label->setWordWrap(true);
-    return label;
-}
-
 }  // namespace
 
 FrmFastHelp::FrmFastHelp(Session& session, QWidget* parent) : QDialog(parent), Form(this), session_(session) {
     setObjectName(QStringLiteral("frmFastHelp"));
-    setWindowTitle(tr("Fast Help"));
+    setWindowTitle("Fast Help");
     setModal(false);
 
-    lblTopic_ = readableLabel("lblTopic", tr("Topic"), this);
+    lblTopic_ = plainLines("lblTopic", "Topic", this);
     lblTopic_->setFont(valueFont(headlineSize));
-    lblHelp_ = readableLabel("lblHelp", tr("Help text"), this);
+    lblHelp_ = plainLines("lblHelp", "Help text", this);
     lblHelp_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     lblHelp_->setTextInteractionFlags(Qt::TextSelectableByMouse);
 
-    cmdGuide_ = new QPushButton(tr("&More in the user guide"), this);
+    cmdGuide_ = new QPushButton("&More in the user guide", this);
     cmdGuide_->setObjectName(QStringLiteral("cmdGuide"));
     cmdGuide_->setAutoDefault(true);
-    cmdClose_ = new QPushButton(tr("&Close"), this);
+    cmdClose_ = new QPushButton("&Close", this);
     cmdClose_->setObjectName(QStringLiteral("cmdClose"));
     cmdClose_->setDefault(true);
     connect(cmdGuide_, &QPushButton::clicked, this, &FrmFastHelp::askGuide);

@@ -16,6 +16,7 @@
 
 #include "base/errors.h"
 #include "qt/look.h"
+#include "qt/plain_label.h"
 #include "qt/qt_text.h"
 #include "qt/second_window.h"
 #include "qt/window_placement.h"
@@ -79,8 +80,8 @@ class HitPainter : public QStyledItemDelegate {
 FrmHelp::FrmHelp(const std::string& guideFolder, QWidget* parent)
     : QWidget(parent, secondWindow()), Form(this), folder_(guideFolder) {
     setObjectName(QStringLiteral("frmHelp"));
-    setAccessibleName(tr("User guide"));
-    setWindowTitle(tr("Zentaq4 User Guide"));
+    setAccessibleName("User guide");
+    setWindowTitle("Zentaq4 User Guide");
     makeToolbar();
     auto* split = new QSplitter(Qt::Horizontal, this);
     split->setObjectName(QStringLiteral("splHelp"));
@@ -102,11 +103,11 @@ FrmHelp::FrmHelp(const std::string& guideFolder, QWidget* parent)
 void FrmHelp::readGuide() {
     endOnFailure([&] { guide_ = Guide::read(folder_); },
                  [&](const std::string& why) {
-                     page_->showText(
-                         tr("The user guide is missing"),
-                         shownString(why) + tr(". It belongs into the folder support/guide of the "
-                                               "program. Build or install the program again. F2 "
-                                               "still tells about each field."));
+                     page_->showText("The user guide is missing",
+                                     shownString(why) +
+                                         ". It belongs into the folder support/guide of the "
+                                         "program. Build or install the program again. F2 "
+                                         "still tells about each field.");
                      side_->setEnabled(false);
                      txtSearch_->setEnabled(false);
                      contents_->setEnabled(false);
@@ -117,9 +118,9 @@ void FrmHelp::readGuide() {
 // ---- Making
 
 void FrmHelp::makeToolbar() {
-    toolbar_ = new QToolBar(tr("Toolbar"), this);
+    toolbar_ = new QToolBar("Toolbar", this);
     toolbar_->setObjectName(QStringLiteral("Toolbar1"));
-    toolbar_->setAccessibleName(tr("Toolbar"));
+    toolbar_->setAccessibleName("Toolbar");
     const auto add = [&](const char* name, const QString& caption, const QKeySequence& keys) {
         QAction* action = toolbar_->addAction(caption);
         action->setObjectName(QLatin1String(name));
@@ -128,10 +129,10 @@ void FrmHelp::makeToolbar() {
         toolbar_->widgetForAction(action)->setFocusPolicy(Qt::TabFocus);
         return action;
     };
-    back_ = add("Back", tr("Back"), Qt::ALT | Qt::Key_Left);
-    forward_ = add("Forward", tr("Forward"), Qt::ALT | Qt::Key_Right);
-    contents_ = add("Contents", tr("Contents"), Qt::ALT | Qt::Key_Home);
-    QAction* find = add("Find", tr("Find in page"), QKeySequence::Find);
+    back_ = add("Back", "Back", Qt::ALT | Qt::Key_Left);
+    forward_ = add("Forward", "Forward", Qt::ALT | Qt::Key_Right);
+    contents_ = add("Contents", "Contents", Qt::ALT | Qt::Key_Home);
+    QAction* find = add("Find", "Find in page", QKeySequence::Find);
     back_->setEnabled(false);
     forward_->setEnabled(false);
     connect(contents_, &QAction::triggered, this, [this] { open({}); });
@@ -154,15 +155,15 @@ QWidget* FrmHelp::makeSide() {
     auto* side = new QWidget(this);
     txtSearch_ = new QLineEdit(side);
     txtSearch_->setObjectName(QStringLiteral("txtSearch"));
-    txtSearch_->setAccessibleName(tr("Search the guide"));
-    txtSearch_->setPlaceholderText(tr("Search the guide (Ctrl+L)"));
+    txtSearch_->setAccessibleName("Search the guide");
+    txtSearch_->setPlaceholderText("Search the guide (Ctrl+L)");
     txtSearch_->setClearButtonEnabled(true);
     txtSearch_->installEventFilter(this);
     connect(txtSearch_, &QLineEdit::textChanged, this, &FrmHelp::search);
 
     treeContents_ = new QTreeWidget(side);
     treeContents_->setObjectName(QStringLiteral("treeContents"));
-    treeContents_->setAccessibleName(tr("Contents"));
+    treeContents_->setAccessibleName("Contents");
     treeContents_->setHeaderHidden(true);
     treeContents_->setUniformRowHeights(true);
     const auto chosen = [this](QTreeWidgetItem* item) {
@@ -173,7 +174,7 @@ QWidget* FrmHelp::makeSide() {
 
     lstHits_ = new QListWidget(side);
     lstHits_->setObjectName(QStringLiteral("lstHits"));
-    lstHits_->setAccessibleName(tr("Hits"));
+    lstHits_->setAccessibleName("Hits");
     lstHits_->setItemDelegate(new HitPainter(lstHits_));
     lstHits_->setResizeMode(QListView::Adjust);
     lstHits_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -200,14 +201,10 @@ QWidget* FrmHelp::makeReading() {
     connect(page_, &GuidePage::forwardAvailable, forward_, &QAction::setEnabled);
     connect(back_, &QAction::triggered, page_, &GuidePage::backward);
     connect(forward_, &QAction::triggered, page_, &GuidePage::forward);
-    lblNotice_ = new QLabel(reading);
-    lblNotice_->setObjectName(QStringLiteral("lblNotice"));
-    lblNotice_->setAccessibleName(tr("Notice"));
-    lblNotice_->setTextFormat(Qt::PlainText);
-    lblNotice_->setWordWrap(true);
+    lblNotice_ = plainLines("lblNotice", "Notice", reading);
     lblNotice_->hide();
     connect(page_, &GuidePage::outsideRefused, this, [this](const QString& address) {
-        lblNotice_->setText(tr("This link leads out of the guide: ") + address);
+        lblNotice_->setText("This link leads out of the guide: " + address);
         lblNotice_->show();
     });
     auto* layout = new QVBoxLayout(reading);
@@ -222,17 +219,14 @@ QWidget* FrmHelp::makeReading() {
 QWidget* FrmHelp::makeFindBar() {
     fraFind_ = new QWidget(this);
     fraFind_->setObjectName(QStringLiteral("fraFind"));
-    auto* caption = new QLabel(tr("Fi&nd:"), fraFind_);
+    auto* caption = new QLabel("Fi&nd:", fraFind_);
     txtFind_ = new QLineEdit(fraFind_);
     txtFind_->setObjectName(QStringLiteral("txtFind"));
-    txtFind_->setAccessibleName(tr("Find in page"));
+    txtFind_->setAccessibleName("Find in page");
     caption->setBuddy(txtFind_);
-    lblFound_ = new QLabel(fraFind_);
-    lblFound_->setObjectName(QStringLiteral("lblFound"));
-    lblFound_->setAccessibleName(tr("Result of the search"));
-    lblFound_->setTextFormat(Qt::PlainText);
-    auto* next = new QPushButton(tr("Next (F3)"), fraFind_);
-    auto* close = new QPushButton(tr("Close (Esc)"), fraFind_);
+    lblFound_ = plainLabel("lblFound", "Result of the search", fraFind_);
+    auto* next = new QPushButton("Next (F3)", fraFind_);
+    auto* close = new QPushButton("Close (Esc)", fraFind_);
     connect(txtFind_, &QLineEdit::returnPressed, this, [this] { findText(false); });
     connect(next, &QPushButton::clicked, this, [this] { findText(false); });
     connect(close, &QPushButton::clicked, this, &FrmHelp::hideFindBar);
@@ -291,8 +285,7 @@ void FrmHelp::pageChanged() {
     lblFound_->clear();
     lblNotice_->hide();
     const std::string title = guide_.chapterTitle(page_->topic().substr(0, page_->topic().find('#')));
-    setWindowTitle(title.empty() ? tr("Zentaq4 User Guide")
-                                 : shownString(title) + tr(" - Zentaq4 User Guide"));
+    setWindowTitle(title.empty() ? "Zentaq4 User Guide" : shownString(title) + " - Zentaq4 User Guide");
     markContents();
 }
 
@@ -336,8 +329,8 @@ void FrmHelp::search() {
         item->setData(Qt::AccessibleTextRole, shownString(hit.title + ". " + hit.sentence));
     }
     if (lstHits_->count() == 0) {
-        auto* nothing = new QListWidgetItem(tr("Nothing found"), lstHits_);
-        nothing->setData(sentenceRole, tr("No section has all of these words. Try fewer or shorter ones."));
+        auto* nothing = new QListWidgetItem("Nothing found", lstHits_);
+        nothing->setData(sentenceRole, "No section has all of these words. Try fewer or shorter ones.");
         nothing->setFlags(Qt::ItemIsEnabled);
         return;
     }
@@ -383,7 +376,7 @@ void FrmHelp::hideFindBar() {
 void FrmHelp::findText(bool backward) {
     if (txtFind_->text().isEmpty()) return showFindBar();
     const bool found = page_->findText(txtFind_->text(), backward);
-    lblFound_->setText(found ? QString() : tr("Not in this page"));
+    lblFound_->setText(found ? QString() : "Not in this page");
 }
 
 bool FrmHelp::event(QEvent* event) {

@@ -29,7 +29,7 @@ bool isWordCharacter(QChar letter) {
 GuidePage::GuidePage(const std::string& folder, QWidget* parent)
     : QTextBrowser(parent), folder_(QFileInfo(QString::fromStdString(folder)).absoluteFilePath()) {
     setObjectName(QStringLiteral("txtPage"));
-    setAccessibleName(tr("Page of the guide"));
+    setAccessibleName("Page of the guide");
     setOpenLinks(false);
     setOpenExternalLinks(false);
     document()->setDocumentMargin(fontMetrics().height() * margin);

@@ -14,6 +14,7 @@
 #include "base/text.h"
 #include "qt/icons.h"
 #include "qt/look.h"
+#include "qt/plain_label.h"
 #include "qt/qt_text.h"
 #include "qt/window_placement.h"
 #include "unit/table_kinds.h"
@@ -98,8 +99,7 @@ MdiMain::MdiMain(Session& session, MainCommands& commands, Kernel& kernel)
 }
 
 void MdiMain::makeMenus() {
-    for (const MenuEntry* row : menuEntries()) {
-        const MenuEntry& entry = *row;
+    for (const MenuEntry& entry : menuEntries()) {
         const auto parent = menus_.find(entry.parent);
         QMenu* above = parent == menus_.end() ? nullptr : parent->second;
         if (!entry.parent.empty() && !hasChildren(entry.name)) {
@@ -135,9 +135,9 @@ QAction* MdiMain::makeAction(const MenuEntry& entry, QWidget* parent) {
 }
 
 void MdiMain::makeToolbar() {
-    toolbar_ = new QToolBar(tr("Toolbar"), this);
+    toolbar_ = new QToolBar("Toolbar", this);
     toolbar_->setObjectName(QStringLiteral("Toolbar1"));
-    toolbar_->setAccessibleName(tr("Toolbar"));
+    toolbar_->setAccessibleName("Toolbar");
     toolbar_->setMovable(false);
     toolbar_->setContextMenuPolicy(Qt::PreventContextMenu);
     toolbar_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
@@ -167,22 +167,19 @@ void MdiMain::pressed(const ToolbarButton& button) {
 void MdiMain::makeStatusBar() {
     QStatusBar* bar = statusBar();
     bar->setObjectName(QStringLiteral("StatusBar1"));
-    bar->setAccessibleName(tr("Status"));
+    bar->setAccessibleName("Status");
     const auto add = [&](const char* name, const QString& meaning, const char* widest, int stretch) {
-        auto* label = new QLabel(bar);
-        label->setObjectName(QLatin1String(name));
-        label->setAccessibleName(meaning);
-        label->setTextFormat(Qt::PlainText);
+        QLabel* label = plainLabel(name, meaning, bar);
         label->setToolTip(meaning);
         label->setMinimumWidth(label->fontMetrics().horizontalAdvance(QLatin1String(widest)));
         if (stretch > 0) label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
         bar->addPermanentWidget(label, stretch);
         panels_.push_back(label);
     };
-    add("StatusBar1_Panel1", tr("Unit and calibration"), "", 1);
-    add("StatusBar1_Panel2", tr("Changes act on the running engine"), " ONFLY  ", 0);
-    add("StatusBar1_Panel3", tr("Firmware of the unit"), "ZQA000000000000", 0);
-    add("StatusBar1_Panel4", tr("Unsaved changes"), " Modified  ", 0);
+    add("StatusBar1_Panel1", "Unit and calibration", "", 1);
+    add("StatusBar1_Panel2", "Changes act on the running engine", " ONFLY  ", 0);
+    add("StatusBar1_Panel3", "Firmware of the unit", "ZQA000000000000", 0);
+    add("StatusBar1_Panel4", "Unsaved changes", " Modified  ", 0);
 }
 
 void MdiMain::openOn(const std::string& /*on*/, const std::string& /*title*/) {
@@ -233,7 +230,7 @@ void MdiMain::closeNow() {
 }
 
 void MdiMain::closeEvent(QCloseEvent* event) {
-    if (!closing_) session_.windows().afterEdits(tr("Close").toStdString(), [this] { closeRequested(); });
+    if (!closing_) session_.windows().afterEdits("Close", [this] { closeRequested(); });
     event->setAccepted(closing_);
 }
 
@@ -294,8 +291,8 @@ void MdiMain::refresh() {
     const std::string model(session_.currentUnitObject().kind().model);
     const std::string file = fileNameOf(session_.CurrentFile);
     panel(Panel::File)
-        .setText(session_.slotInHand() == 0 ? tr("No calibration") : shownString(model + "  " + file));
-    panel(Panel::Modified).setText(session_.DataModified ? tr("Modified") : QString());
+        .setText(session_.slotInHand() == 0 ? "No calibration" : shownString(model + "  " + file));
+    panel(Panel::Modified).setText(session_.DataModified ? "Modified" : QString());
     // A cleared panel stays empty until the link has something new to tell.
     if (session_.linkDisplay.status().panel3 != firmwareSeen_) {
         firmwareSeen_ = session_.linkDisplay.status().panel3;

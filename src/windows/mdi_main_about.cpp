@@ -9,33 +9,32 @@
 
 #include "platform/system_text.h"
 #include "qt/look.h"
+#include "qt/plain_label.h"
 #include "qt/qt_text.h"
 
 namespace zentaq {
 
 FrmAbout::FrmAbout(Session& session, QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("frmAbout"));
-    setWindowTitle(tr("About Zentaq"));
+    setWindowTitle("About Zentaq");
 
     auto* name = new QLabel(shownString(session.AppName), this);
     name->setFont(valueFont(1.8));
     Unit& unit = session.currentUnitObject();
     auto* facts = new QFormLayout;
     const auto add = [&](const char* control, const QString& caption, const std::string& text) {
-        auto* label = new QLabel(shownString(text), this);
-        label->setObjectName(QLatin1String(control));
-        label->setAccessibleName(caption);
-        label->setTextFormat(Qt::PlainText);
+        QLabel* label = plainLabel(control, caption, this);
+        label->setText(shownString(text));
         label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
         facts->addRow(caption, label);
     };
-    add("lblVersion", tr("Version"), session.VersionText);
-    add("lblFile", tr("File"), session.CurrentFile);
-    add("lblFirmwareVersion", tr("Firmware version"), unit.FirmWare());
-    add("lblSerial", tr("Serial number"), unit.Serial());
+    add("lblVersion", "Version", session.VersionText);
+    add("lblFile", "File", session.CurrentFile);
+    add("lblFirmwareVersion", "Firmware version", unit.FirmWare());
+    add("lblSerial", "Serial number", unit.Serial());
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok, this);
-    QPushButton* system = buttons->addButton(tr("&System Info..."), QDialogButtonBox::ActionRole);
+    QPushButton* system = buttons->addButton("&System Info...", QDialogButtonBox::ActionRole);
     system->setObjectName(QStringLiteral("cmdSysInfo"));
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(system, &QPushButton::clicked, this, &FrmAbout::showSystem);
@@ -47,7 +46,7 @@ FrmAbout::FrmAbout(Session& session, QWidget* parent) : QDialog(parent) {
 }
 
 void FrmAbout::showSystem() {
-    QMessageBox box(QMessageBox::Information, tr("System Info"), shownString(systemText()), QMessageBox::Ok,
+    QMessageBox box(QMessageBox::Information, "System Info", shownString(systemText()), QMessageBox::Ok,
                     this);
     box.setTextFormat(Qt::PlainText);
     box.setObjectName(QStringLiteral("dlgMessage"));

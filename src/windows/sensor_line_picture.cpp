@@ -47,7 +47,7 @@ void backText(QPainter& painter, const QRectF& place) {
 
 SensorLinePicture::SensorLinePicture(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("picLine"));
-    setAccessibleName(tr("Line of the sensor"));
+    setAccessibleName("Line of the sensor");
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
 
@@ -144,7 +144,7 @@ void SensorLinePicture::drawVolts(QPainter& painter) const {
         painter.drawText(QPointF(left, area.bottom() + metrics.ascent() + metrics.height() / 8), text);
     }
     const QRectF title(area.left(), area.bottom() + metrics.height(), area.width(), metrics.height());
-    painter.drawText(title, Qt::AlignCenter, tr("Volts"));
+    painter.drawText(title, Qt::AlignCenter, "Volts");
 }
 
 void SensorLinePicture::drawPressures(QPainter& painter) const {
@@ -161,7 +161,7 @@ void SensorLinePicture::drawPressures(QPainter& painter) const {
     }
     const QRectF title(metrics.height() / 2, metrics.height() / 4, area.right(), metrics.height());
     painter.drawText(title, Qt::AlignLeft | Qt::AlignVCenter,
-                     tr("Pressure, %1").arg(shownString(sketch_.unit)));
+                     QStringLiteral("Pressure, %1").arg(shownString(sketch_.unit)));
 }
 
 void SensorLinePicture::drawFormer(QPainter& painter) const {
@@ -170,7 +170,7 @@ void SensorLinePicture::drawFormer(QPainter& painter) const {
     painter.setPen(QPen(colors().mutedText, metrics.lineWidth() * 1.5, Qt::DashLine));
     painter.drawLine(place(0, sketch_.former->front()), place(fullVolts, sketch_.former->back()));
     // The line climbs, so the lower right corner is free.
-    const QString text = tr("dashed: as stored");
+    const QString text = "dashed: as stored";
     const QSizeF size(metrics.horizontalAdvance(text), metrics.height());
     const qreal gap = metrics.height() / 2;
     const QRectF legend(plot().bottomRight() - QPointF(size.width() + gap, size.height() + gap), size);

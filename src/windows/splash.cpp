@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "qt/look.h"
+#include "qt/plain_label.h"
 #include "qt/qt_text.h"
 
 namespace zentaq {
@@ -23,17 +24,14 @@ FrmSplash::FrmSplash(const QString& version, QWidget* over, std::function<bool()
       over_(over),
       goes_(std::move(goes)) {
     setObjectName(QStringLiteral("frmSplash"));
-    setAccessibleName(tr("Start of the program"));
+    setAccessibleName("Start of the program");
     setAttribute(Qt::WA_ShowWithoutActivating);
 
     auto* name = new QLabel(QStringLiteral("Zentaq4"), this);
     name->setFont(valueFont(2.4));
-    auto* maker = new QLabel(tr("Norvalia Zentaq Engine Management System") + "  " + version, this);
+    auto* maker = new QLabel("Norvalia Zentaq Engine Management System  " + version, this);
     maker->setObjectName(QStringLiteral("lblProduct"));
-    lblOperation_ = new QLabel(this);
-    lblOperation_->setObjectName(QStringLiteral("lblOperation"));
-    lblOperation_->setAccessibleName(tr("Operation"));
-    lblOperation_->setTextFormat(Qt::PlainText);
+    lblOperation_ = plainLabel("lblOperation", "Operation", this);
 
     auto* layout = new QVBoxLayout(this);
     const int gap = fontMetrics().height();

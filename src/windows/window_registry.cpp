@@ -2,6 +2,7 @@
 
 #include <array>
 #include <concepts>
+#include <vector>
 
 #include "app/start_up.h"
 #include "guide/guide.h"
@@ -86,13 +87,18 @@ std::span<const WindowRow> windowRows() {
     return rows;
 }
 
-std::vector<const MenuEntry*> menuEntries() {
-    std::vector<const MenuEntry*> entries;
-    for (const MenuEntry& entry : menuTree()) entries.push_back(&entry);
-    for (const WindowRow& row : rows) {
-        if (!row.menu.name.empty()) entries.push_back(&row.menu);
-    }
-    return entries;
+std::span<const MenuEntry> menuEntries() {
+    static const std::vector<MenuEntry> all = [] {
+        std::vector<MenuEntry> entries(menuTree().begin(), menuTree().end());
+        for (const WindowRow& row : rows) {
+            const WindowEntry& entry = row.menu;
+            if (entry.name.empty()) continue;
+            entries.push_back({entry.name, entry.caption, entry.parent, entry.shortcut,
+                               [](const Session&) { return true; }, row.name});
+        }
+        return entries;
+    }();
+    return all;
 }
 
 }  // namespace zentaq

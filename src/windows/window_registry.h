@@ -5,7 +5,6 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "app/main_commands.h"
 #include "app/menu.h"
@@ -29,8 +28,16 @@ enum class FormPlace {
     Beside,  ///< a window of its own in front of the main one, which it goes with
 };
 
+/// The entry of the menu that opens a window, behind those that the core's tree has under the same parent.
+struct WindowEntry {
+    std::string_view name = {};     ///< "mnuFlightRecorder"
+    std::string_view caption = {};  ///< with "&" before a mnemonic
+    std::string_view parent = {};   ///< "mnuTools"
+    std::string_view shortcut = {};
+};
+
 struct WindowRow {
-    std::string_view name;
+    std::string_view name;  ///< of the object, too
     FormPlace place;
     Form* (*make)(const FormNeeds& needs);
     /// It has entries that are checked: behind the box about one the keyboard comes back to it.
@@ -39,15 +46,13 @@ struct WindowRow {
     bool ofCalibration = false;
     /// Whether it may be opened on this now; null for always.
     bool (*offered)(Session& session, const std::string& on) = nullptr;
-    /// The entry of the menu that opens it, behind those of its parent in `menuTree`. Empty where the core's
-    /// tree has it.
-    MenuEntry menu = {};
+    WindowEntry menu = {};  ///< empty where the core's tree has one, or none opens it
 };
 
 /// In the order in which news come to them.
 std::span<const WindowRow> windowRows();
 
-/// The entries of the core's tree and those of the windows' rows.
-std::vector<const MenuEntry*> menuEntries();
+/// The entries of the core's tree and behind them those of the windows' rows.
+std::span<const MenuEntry> menuEntries();
 
 }  // namespace zentaq

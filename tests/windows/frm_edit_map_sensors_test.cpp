@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include <QApplication>
-#include <QKeyEvent>
 #include <QRadioButton>
 #include <QScrollBar>
 #include <QSet>
@@ -11,6 +10,7 @@
 
 #include "app/sensor_fixture.h"
 #include "qt/look.h"
+#include "windows/key_press.h"
 
 namespace zentaq {
 namespace {
@@ -46,64 +46,46 @@ class FrmEditMAPSensorsTest : public SensorSession {
     std::string general() { return find<QLabel>("lblGeneral")->text().toStdString(); }
     std::string status() { return find<QLabel>("lblStatus")->text().toStdString(); }
     SensorLinePicture* picture() { return find<SensorLinePicture>("picLine"); }
-    std::string focus() {
-        const QWidget* now = QApplication::focusWidget();
-        return now == nullptr ? "" : now->objectName().toStdString();
-    }
     std::vector<std::string> texts() {
         std::vector<std::string> all;
         for (int i = 0; i < sensorBoxes; ++i) all.push_back(box(i)->text().toStdString());
         return all;
     }
 
-    static void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier, const QString& text = {}) {
-        QWidget* target = QApplication::focusWidget();
-        ASSERT_NE(target, nullptr);
-        QKeyEvent down(QEvent::KeyPress, key, modifiers, text);
-        QApplication::sendEvent(target, &down);
-        QKeyEvent up(QEvent::KeyRelease, key, modifiers, text);
-        QApplication::sendEvent(target, &up);
-    }
     static void pressTimes(int key, int times) {
-        for (int i = 0; i < times; ++i) press(key);
-    }
-    /// What stands in the field gives way to what is typed.
-    static void enter(const QString& text) {
-        press(Qt::Key_A, Qt::ControlModifier);
-        press(Qt::Key_Delete);
-        for (const QChar letter : text) press(0, Qt::NoModifier, QString(letter));
+        for (int i = 0; i < times; ++i) sendKey(key);
     }
 
     /// By keyboard: down the list to a sensor.
     void choose(const std::string& name) {
         list()->setFocus();
-        press(Qt::Key_Home);
+        sendKey(Qt::Key_Home);
         for (int i = 0; i < list()->count(); ++i) {
             if (list()->selectedItems().value(0) != nullptr &&
                 list()->selectedItems().front()->text().toStdString() == name) {
                 return;
             }
-            press(Qt::Key_Down);
+            sendKey(Qt::Key_Down);
         }
         FAIL() << name << " is not in the list";
     }
     void edit(const std::string& name) {
         choose(name);
         answer(Answer::Yes);
-        press(Qt::Key_Return);
+        sendKey(Qt::Key_Return);
         boxes().clear();
     }
     void createNew() {
         answer(Answer::Yes);
         button("cmdNew")->setFocus();
-        press(Qt::Key_Space);
+        sendKey(Qt::Key_Space);
         boxes().clear();
     }
     /// From the first box: the volts of a point, then its pressure.
     void goTo(SensorBox wanted) {
         constexpr std::array<int, sensorBoxes> tabs = {0, 2, 1, 3};
         pressTimes(Qt::Key_Tab, tabs[wanted]);
-        ASSERT_EQ(focus(), "txtPV_" + std::to_string(wanted));
+        ASSERT_EQ(focusName(), "txtPV_" + std::to_string(wanted));
     }
 };
 
@@ -140,7 +122,7 @@ TEST_F(FrmEditMAPSensorsTest, OpensWithTheListAndNothingSelected) {
     EXPECT_EQ(list()->count(), static_cast<int>(sensorCount()));
     EXPECT_THAT(list()->selectedItems(), IsEmpty());
     EXPECT_EQ(general(), "None Selected");
-    EXPECT_EQ(focus(), "lstMAPSensors");
+    EXPECT_EQ(focusName(), "lstMAPSensors");
 }
 
 TEST_F(FrmEditMAPSensorsTest, FitsASmallLaptop) {
@@ -187,28 +169,28 @@ TEST_F(FrmEditMAPSensorsTest, EveryCommandAndFieldHasALetterOfItsOwn) {
 // ---- The list by keyboard
 
 TEST_F(FrmEditMAPSensorsTest, TheFirstArrowSelectsTheFirstSensor) {
-    press(Qt::Key_Down);
+    sendKey(Qt::Key_Down);
     EXPECT_EQ(list()->selectedItems().front()->text().toStdString(), oneBar);
     EXPECT_EQ(general(), "Range:\n10 - 105\nUnits: kPa");
-    press(Qt::Key_Down);
+    sendKey(Qt::Key_Down);
     EXPECT_EQ(general(), "Range:\n9 - 208\nUnits: kPa");
 }
 
 TEST_F(FrmEditMAPSensorsTest, DeleteAsksAndRemoves) {
     choose(oneBar);
     answer(Answer::Yes);
-    press(Qt::Key_Delete);
+    sendKey(Qt::Key_Delete);
     EXPECT_EQ(lastBox().text, "Remove 1 BAR (10-105 kPa)?");
     EXPECT_FALSE(isStored(oneBar));
     EXPECT_EQ(list()->count(), static_cast<int>(sensorCount()));
     EXPECT_EQ(general(), "None Selected");
-    EXPECT_EQ(focus(), "lstMAPSensors");
+    EXPECT_EQ(focusName(), "lstMAPSensors");
 }
 
 TEST_F(FrmEditMAPSensorsTest, EnterEditsTheSelectedSensor) {
     edit(sharp);
     EXPECT_THAT(texts(), ElementsAre("0.5", "4.5", "35", "235"));
-    EXPECT_EQ(focus(), "txtPV_0");
+    EXPECT_EQ(focusName(), "txtPV_0");
     EXPECT_EQ(box(0)->selectedText(), "0.5");
     EXPECT_TRUE(find<QRadioButton>("optUnits_0")->isChecked());
     EXPECT_FALSE(list()->isEnabled());
@@ -219,8 +201,8 @@ TEST_F(FrmEditMAPSensorsTest, TabGoesFromPointToPointThenToTheUnitThenToSave) {
     edit(sharp);
     std::vector<std::string> visited;
     for (int i = 0; i < 7; ++i) {
-        visited.push_back(focus());
-        press(Qt::Key_Tab);
+        visited.push_back(focusName());
+        sendKey(Qt::Key_Tab);
     }
     EXPECT_THAT(visited, ElementsAre("txtPV_0", "txtPV_2", "txtPV_1", "txtPV_3", "optUnits_0", "cmdSave",
                                      "cmdCancel"));
@@ -230,13 +212,13 @@ TEST_F(FrmEditMAPSensorsTest, EscapeEndsAnEntryAndThenTheForm) {
     int closings = 0;
     form->onClosed([&] { ++closings; });
     edit(sharp);
-    enter("1");
-    press(Qt::Key_Escape);
+    typeInstead("1");
+    sendKey(Qt::Key_Escape);
     EXPECT_EQ(closings, 0);
     EXPECT_THAT(texts(), ElementsAre("", "", "", ""));
-    EXPECT_EQ(focus(), "lstMAPSensors");
+    EXPECT_EQ(focusName(), "lstMAPSensors");
     EXPECT_FLOAT_EQ(stored(sharp).scale, 0.02F);
-    press(Qt::Key_Escape);
+    sendKey(Qt::Key_Escape);
     EXPECT_EQ(closings, 1);
     EXPECT_FALSE(form->isVisible());
 }
@@ -245,7 +227,7 @@ TEST_F(FrmEditMAPSensorsTest, ClosingKeepsThePlaceOfTheForm) {
     form->resize(form->width(), form->minimumSizeHint().height() + 30);
     const int height = form->height();
     button("cmdExit")->setFocus();
-    press(Qt::Key_Return);
+    sendKey(Qt::Key_Return);
     EXPECT_FALSE(form->isVisible());
     open();
     EXPECT_EQ(form->height(), height);
@@ -277,19 +259,19 @@ TEST_F(FrmEditMAPSensorsTest, ALongNameTakesASecondLineAndIsNotCut) {
 
 TEST_F(FrmEditMAPSensorsTest, ANewSensorIsTypedAndSavedWithoutAMouse) {
     createNew();
-    EXPECT_EQ(focus(), "txtPV_0");
-    enter("0.5");
-    press(Qt::Key_Tab);
-    enter("20");
-    press(Qt::Key_Tab);
-    enter("4.5");
-    press(Qt::Key_Tab);
-    enter("250");
-    press(Qt::Key_Tab);
+    EXPECT_EQ(focusName(), "txtPV_0");
+    typeInstead("0.5");
+    sendKey(Qt::Key_Tab);
+    typeInstead("20");
+    sendKey(Qt::Key_Tab);
+    typeInstead("4.5");
+    sendKey(Qt::Key_Tab);
+    typeInstead("250");
+    sendKey(Qt::Key_Tab);
     pressTimes(Qt::Key_Right, 2);  // from kPa over mmHg to PSIA
-    EXPECT_EQ(focus(), "optUnits_2");
+    EXPECT_EQ(focusName(), "optUnits_2");
     type("Bob's turbo");
-    press(Qt::Key_Return);
+    sendKey(Qt::Key_Return);
     const MapSensorRow row = stored("Bob's turbo (PSIA)");
     EXPECT_FLOAT_EQ(row.scale, 4.0F / 230.0F);
     EXPECT_FLOAT_EQ(row.offset, 35.0F / 230.0F);
@@ -297,7 +279,7 @@ TEST_F(FrmEditMAPSensorsTest, ANewSensorIsTypedAndSavedWithoutAMouse) {
     EXPECT_EQ(list()->selectedItems().front()->text(), "Bob's turbo (PSIA)");
     EXPECT_EQ(general(), "Range:\n-9 - 279\nUnits: PSIA");
     EXPECT_EQ(status(), "Saved: Bob's turbo (PSIA)");
-    EXPECT_EQ(focus(), "lstMAPSensors");
+    EXPECT_EQ(focusName(), "lstMAPSensors");
     EXPECT_EQ(windows.sensorChanges, 1);
 }
 
@@ -308,7 +290,7 @@ TEST_F(FrmEditMAPSensorsTest, ACancelledNameKeepsWhatWasTyped) {
         box(number)->setText(text);
     }
     type("");
-    press(Qt::Key_Return);
+    sendKey(Qt::Key_Return);
     EXPECT_THAT(texts(), ElementsAre("0.5", "4.5", "20", "250"));
     EXPECT_TRUE(box(0)->isEnabled());
 }
@@ -336,12 +318,12 @@ TEST_P(EntryOfOneBox, IsStoredOrToldAndTheBoxAtFaultHasTheFocus) {
     const BoxCase& row = GetParam();
     edit(sharp);
     goTo(row.box);
-    enter(row.typed);
-    press(Qt::Key_Return);
+    typeInstead(row.typed);
+    sendKey(Qt::Key_Return);
     EXPECT_EQ(lastBox().title, row.title);
     EXPECT_EQ(lastBox().text, row.text);
     EXPECT_FLOAT_EQ(stored(sharp).scale, row.scale);
-    EXPECT_EQ(focus(), row.focus);
+    EXPECT_EQ(focusName(), row.focus);
 }
 
 constexpr auto lst = "lstMAPSensors";
@@ -424,9 +406,9 @@ TEST_F(FrmEditMAPSensorsTest, WithoutADatabaseNothingCanBeStartedAndTheFormSaysS
         EXPECT_EQ(button(name)->toolTip(), "The reference database could not be opened.");
     }
     EXPECT_EQ(status(), "The reference database could not be opened.");
-    press(Qt::Key_Down);
-    press(Qt::Key_Delete);
-    press(Qt::Key_Return);
+    sendKey(Qt::Key_Down);
+    sendKey(Qt::Key_Delete);
+    sendKey(Qt::Key_Return);
     EXPECT_THAT(boxes(), IsEmpty());
 }
 
@@ -436,8 +418,8 @@ TEST_F(FrmEditMAPSensorsTest, AWriteProtectedDatabaseIsShownOnly) {
     choose(oneBar);
     EXPECT_EQ(general(), "Range:\n10 - 105\nUnits: kPa");
     EXPECT_EQ(button("cmdEdit")->toolTip(), "The reference database is write-protected.");
-    press(Qt::Key_Return);
-    press(Qt::Key_Delete);
+    sendKey(Qt::Key_Return);
+    sendKey(Qt::Key_Delete);
     EXPECT_THAT(boxes(), IsEmpty());
 }
 
@@ -460,12 +442,12 @@ TEST_F(FrmEditMAPSensorsTest, AListThatWasLockedComesBackWithTheWindow) {
 
 TEST_F(FrmEditMAPSensorsTest, ASensorAddedElsewhereAppearsAndWhatIsTypedStays) {
     edit(sharp);
-    enter("1.25");
+    typeInstead("1.25");
     add("Elsewhere (kPa)", 0.03F, 0.1F, 1);
     form->sensorsChanged();
     EXPECT_EQ(list()->count(), static_cast<int>(sensorCount()));
     EXPECT_EQ(box(0)->text(), "1.25");
-    press(Qt::Key_Return);
+    sendKey(Qt::Key_Return);
     EXPECT_FLOAT_EQ(stored(sharp).scale, 3.25F / 200);
 }
 
@@ -493,11 +475,11 @@ TEST_F(FrmEditMAPSensorsTest, ThePictureFollowsTheTyping) {
     EXPECT_TRUE(picture()->sketch().drawn);
     EXPECT_EQ(picture()->accessibleDescription(),
               "Line from 10 kPa at 0 V to 260 kPa at 5 V, through 0.5 V at 35 kPa and 4.5 V at 235 kPa.");
-    enter("9");
+    typeInstead("9");
     EXPECT_FALSE(picture()->sketch().drawn);
     EXPECT_EQ(picture()->accessibleDescription(),
               "No line. Low point volts: 9 is out of range.  Must be 0 - 5v");
-    enter("0");
+    typeInstead("0");
     EXPECT_TRUE(picture()->sketch().drawn);
 }
 
@@ -516,12 +498,12 @@ TEST_F(FrmEditMAPSensorsTest, TheLineIsDrawnByDayAndByNightAndOnlyForAGoodEntry)
         EXPECT_TRUE(nearlyAround(good, middle, lookColors(mode).accent));
         EXPECT_EQ(good.pixelColor(2, 2), lookColors(mode).surface);
         edit(sharp);
-        enter("");
+        typeInstead("");
         const QImage bad = picture()->grab().toImage();
         for (int x = 0; x < bad.width(); ++x) {
             ASSERT_FALSE(nearly(bad.pixelColor(x, middle.y()), lookColors(mode).accent)) << x;
         }
-        press(Qt::Key_Escape);
+        sendKey(Qt::Key_Escape);
     }
 }
 
@@ -543,7 +525,7 @@ TEST_F(FrmEditMAPSensorsTest, ANameIsShownEscapedAndUsedAsItIs) {
     EXPECT_FALSE(picture()->accessibleDescription().contains(u'\x1B'));
     edit(shown);
     EXPECT_EQ(status().find('\x1B'), std::string::npos) << status();
-    enter("0.5");
+    typeInstead("0.5");
     answer(Answer::Yes);
     button("cmdSave")->click();
     EXPECT_TRUE(boxes().empty()) << boxes().back().text;

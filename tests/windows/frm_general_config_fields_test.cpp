@@ -39,7 +39,7 @@ class GeneralNumber : public GeneralWindow, public testing::WithParamInterface<N
     void expectFormerText(std::size_t told) {
         EXPECT_EQ(boxes(), told);
         EXPECT_EQ(shown(GetParam().control), GetParam().first) << "the former text returns";
-        EXPECT_EQ(focused(), GetParam().control) << "the field keeps the focus";
+        EXPECT_EQ(focusName(), GetParam().control) << "the field keeps the focus";
     }
 };
 
@@ -72,7 +72,7 @@ TEST_P(GeneralNumber, RefusesOnceByEnterAndByTheTabKeyAndBringsTheFormerTextBack
     expectFormerText(4);
     tab();
     EXPECT_EQ(boxes(), 4u) << "the former text is left without a check";
-    EXPECT_NE(focused(), GetParam().control);
+    EXPECT_NE(focusName(), GetParam().control);
 }
 
 INSTANTIATE_TEST_SUITE_P(Every, GeneralNumber, testing::ValuesIn(numberBoxes),
@@ -94,7 +94,7 @@ TEST_F(GeneralFields, LeavingAFieldTakesItsTextAndShowsTheNumber) {
     tab();
     EXPECT_FLOAT_EQ(unit().get("scale1"), 8.5f);
     EXPECT_EQ(shown("txtUAP"), "8.5");
-    EXPECT_EQ(focused(), "txtTOG");
+    EXPECT_EQ(focusName(), "txtTOG");
 }
 
 // k = 0.4 + 0.0125 * 4 = 0.45; 0.45 * 200 / 4 = 22.5 lb/hr; 60000 / 7000 = 8.5714 ms between injections;
@@ -122,7 +122,7 @@ TEST_F(GeneralFields, TheArrowKeysChangeThePeakCurrent) {
     openPrepared();
     go("optInjAmp2");
     key(Qt::Key_Right);
-    EXPECT_EQ(focused(), "optInjAmp4");
+    EXPECT_EQ(focusName(), "optInjAmp4");
     EXPECT_EQ(unit().get("AMP42"), 1.0f);
     EXPECT_TRUE(find<QRadioButton>("optInjAmp4")->isChecked());
     key(Qt::Key_Left);
@@ -134,7 +134,7 @@ TEST_F(GeneralFields, AnEntryWithoutAModelAnswersError1004AndTheFieldIsEmptyAgai
     const auto told = [&](const char* control) {
         EXPECT_EQ(boxes(), 1u) << control;
         EXPECT_EQ(boxText(), noUnitText) << control;
-        EXPECT_EQ(focused(), control);
+        EXPECT_EQ(focusName(), control);
         dialogs.boxes.clear();
     };
     openNew();

@@ -20,6 +20,7 @@
 #include "qt/qt_dialogs.h"
 #include "refdata/seed_builder.h"
 #include "windows/frm_general_config.h"
+#include "windows/key_press.h"
 
 // A key as the window system delivers it, with shortcuts and mnemonics; exported by QtGui for such tests.
 Q_GUI_EXPORT void qt_handleKeyEvent(QWindow* window, QEvent::Type type, int key,
@@ -154,15 +155,11 @@ class GeneralWindow : public testing::Test {
     static void type(const QString& text) {
         for (const QChar letter : text) key(letter.toUpper().unicode(), Qt::NoModifier, letter);
     }
-    static std::string focused() {
-        const QWidget* focus = QApplication::focusWidget();
-        return focus == nullptr ? std::string() : focus->objectName().toStdString();
-    }
     /// By the Tab key.
     static void go(const std::string& control) {
         constexpr int onceAround = 40;
-        for (int i = 0; i < onceAround && focused() != control; ++i) tab();
-        ASSERT_EQ(focused(), control);
+        for (int i = 0; i < onceAround && focusName() != control; ++i) tab();
+        ASSERT_EQ(focusName(), control);
     }
     /// Types over the text of a box; it is not handed over yet.
     static void typeOver(const std::string& control, const QString& text) {

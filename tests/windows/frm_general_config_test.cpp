@@ -22,8 +22,8 @@ class General : public GeneralWindow {
         std::vector<std::string> stops;
         constexpr int onceAround = 40;
         for (int i = 0; i < onceAround; ++i) {
-            if (!stops.empty() && stops.front() == focused()) return stops;
-            stops.push_back(focused());
+            if (!stops.empty() && stops.front() == focusName()) return stops;
+            stops.push_back(focusName());
             tab();
         }
         return stops;
@@ -82,7 +82,7 @@ TEST_F(General, TheTabKeyWalksFromTheModelToTheInjectorsAndThenToTheKeys) {
 TEST_F(General, AMnemonicOfACaptionLeadsToItsBox) {
     openPrepared();
     key(Qt::Key_R, Qt::AltModifier);
-    EXPECT_EQ(focused(), "txtRPM");
+    EXPECT_EQ(focusName(), "txtRPM");
 }
 
 TEST_F(General, TheManagerButtonAsksForTheSensorManager) {
@@ -97,7 +97,7 @@ TEST_F(General, TheManagerButtonAsksForTheSensorManager) {
 
 TEST_F(General, OneLineTellsWhatIsStillMissing) {
     openNew();
-    EXPECT_EQ(focused(), "cmbORB_UNIT");
+    EXPECT_EQ(focusName(), "cmbORB_UNIT");
     EXPECT_EQ(hint(), "Choose a model");
     pick("cmbORB_UNIT", "ORB A Standard");
     EXPECT_EQ(hint(), "Choose an engine");
@@ -178,7 +178,7 @@ TEST_F(General, ARefusedEntryKeepsTheSaveKeyFromSaving) {
     EXPECT_EQ(boxText(), "Warning 1001: Data Input Error\n(1000 to 20000 RPM) - Invalid Entry.");
     EXPECT_THAT(dialogs.requests, IsEmpty());
     EXPECT_EQ(savedTold, 0);
-    EXPECT_EQ(focused(), "txtRPM");
+    EXPECT_EQ(focusName(), "txtRPM");
     EXPECT_EQ(shown("txtRPM"), "7000");
 }
 
@@ -295,7 +295,7 @@ TEST_F(General, AWindowThatIsOpenBeginsTheNewCalibrationThatIsAskedFor) {
     EXPECT_EQ(hint(), "Choose a model");
     EXPECT_EQ(chosen("cmbORB_UNIT"), "");
     EXPECT_EQ(shown("txtRPM"), "");
-    EXPECT_EQ(focused(), "cmbORB_UNIT");
+    EXPECT_EQ(focusName(), "cmbORB_UNIT");
     pick("cmbORB_UNIT", "ORB L");
     EXPECT_EQ(session.CurrentUnit(), 4.0f);
     dialogs.answers = {Answer::Yes};
@@ -401,7 +401,7 @@ TEST_F(General, TheHighlightFollowsDayAndNight) {
 TEST_F(General, ARefusedEntryOpensOneBoxAndTheFieldHasTheFocusBehindIt) {
     const auto expectOneBox = [&] {
         EXPECT_EQ(boxes(), 1u);
-        EXPECT_EQ(focused(), "txtRPM");
+        EXPECT_EQ(focusName(), "txtRPM");
         EXPECT_EQ(shown("txtRPM"), "7000");
         dialogs.boxes.clear();
     };
@@ -425,7 +425,7 @@ TEST_F(General, TheNextFieldIsLeftInPeaceWhenTheFocusPassesIt) {
     tab();
     EXPECT_EQ(boxes(), 1u);
     EXPECT_EQ(boxText(), noUnitText);
-    EXPECT_EQ(focused(), "txtRPM");
+    EXPECT_EQ(focusName(), "txtRPM");
 }
 
 TEST_F(General, AClickThatLeavesARefusedFieldDoesNothingBehindTheBox) {
@@ -443,7 +443,7 @@ TEST_F(General, AClickThatLeavesARefusedFieldDoesNothingBehindTheBox) {
     QApplication::processEvents();
     EXPECT_FALSE(check->isChecked());
     EXPECT_EQ(boxes(), 1u);
-    EXPECT_EQ(focused(), "txtRPM");
+    EXPECT_EQ(focusName(), "txtRPM");
 }
 
 TEST_F(General, AHelpBoxInFrontOfAHalfTypedNumberChecksNothing) {

@@ -59,7 +59,7 @@ TEST_F(OptionsFields, SpaceTurnsEachCheckBoxAndItsSettingFollowsInItsOwnTime) {
         ASSERT_EQ(box->isChecked(), row.checkedAtFirst);
         const std::string before = stored(row.key);
         tabTo(row.control);
-        key(Qt::Key_Space, Qt::NoModifier, " ");
+        sendKey(Qt::Key_Space, Qt::NoModifier, " ");
         const std::string turned = row.checkedAtFirst ? "0" : "1";
         EXPECT_EQ(box->isChecked(), !row.checkedAtFirst);
         EXPECT_EQ(stored(row.key), row.atOnce ? turned : before);
@@ -72,7 +72,7 @@ TEST_F(OptionsFields, TheUnusedCheckBoxTurnsAndStoresNothing) {
     showing(OptionPage::Dashboard);
     EXPECT_EQ(the<QCheckBox>("chkAutoOutput")->text().remove('&'), "Enable Automatic Monitoring on ORB unit");
     tabTo("chkAutoOutput");
-    key(Qt::Key_Space, Qt::NoModifier, " ");
+    sendKey(Qt::Key_Space, Qt::NoModifier, " ");
     EXPECT_TRUE(the<QCheckBox>("chkAutoOutput")->isChecked());
     apply();
     form.reset();
@@ -86,10 +86,10 @@ TEST_F(OptionsFields, ArrowsChooseWhatThePrintButtonPrints) {
     EXPECT_EQ(the<QRadioButton>("optPrintButton(1)")->text().remove('&'), "Print BIN File");
     EXPECT_TRUE(the<QRadioButton>("optPrintButton(0)")->isChecked());
     tabTo("optPrintButton(0)");
-    key(Qt::Key_Down);
+    sendKey(Qt::Key_Down);
     EXPECT_TRUE(the<QRadioButton>("optPrintButton(1)")->isChecked());
     EXPECT_EQ(stored("Print"), "1");
-    key(Qt::Key_Up);
+    sendKey(Qt::Key_Up);
     EXPECT_EQ(stored("Print"), "0");
 }
 
@@ -118,7 +118,7 @@ TEST_F(OptionsFields, ArrowsChooseAPortThatApplyStoresWithoutOpeningIt) {
     EXPECT_THAT(ports->currentText().toStdString(), HasSubstr("(not present)"));
     const int opens = fake.port.opens;
     tabTo("cmbCOMM");
-    key(Qt::Key_Up);
+    sendKey(Qt::Key_Up);
     EXPECT_EQ(ports->currentData().toInt(), 1);
     EXPECT_EQ(stored("CommPort"), "7");
     apply();
@@ -134,18 +134,18 @@ TEST_F(OptionsFields, KeysMoveTheUpdateRateWhichIsStoredAtOnceAndNeverZero) {
     showing(OptionPage::Dashboard);
     EXPECT_EQ(label("lblADUR"), "20");
     tabTo("sldDashAdjust");
-    key(Qt::Key_Right);
+    sendKey(Qt::Key_Right);
     EXPECT_EQ(label("lblADUR"), "21");
     EXPECT_EQ(stored("ADUR"), "21");
-    key(Qt::Key_PageUp);
+    sendKey(Qt::Key_PageUp);
     EXPECT_EQ(stored("ADUR"), "31");
-    key(Qt::Key_Home);
+    sendKey(Qt::Key_Home);
     EXPECT_EQ(stored("ADUR"), "1");
-    key(Qt::Key_Left);
+    sendKey(Qt::Key_Left);
     EXPECT_EQ(stored("ADUR"), "1");
-    key(Qt::Key_End);
+    sendKey(Qt::Key_End);
     EXPECT_EQ(stored("ADUR"), "125");
-    key(Qt::Key_Right);
+    sendKey(Qt::Key_Right);
     EXPECT_EQ(label("lblADUR"), "125");
 }
 
@@ -155,9 +155,9 @@ TEST_F(OptionsFields, TheDashboardsTimerFollowsTheSliderAtOnce) {
     const auto* timer = find<QTimer>("tmrUpdate");
     ASSERT_NE(timer, nullptr);
     tabTo("sldDashAdjust");
-    key(Qt::Key_Right);
+    sendKey(Qt::Key_Right);
     EXPECT_EQ(timer->interval(), 47);  // the whole part of 1000 / 21
-    key(Qt::Key_Home);
+    sendKey(Qt::Key_Home);
     EXPECT_EQ(timer->interval(), 1000);
 }
 
@@ -194,7 +194,7 @@ TEST_F(OptionsFields, ARefusedEntryStaysInItsBoxWithTheFocusAndATakenOneIsStored
         EXPECT_EQ(stored("CLTAlarmValue"), entry.stored);
         EXPECT_THAT(lastBox(), HasSubstr(entry.box));
         EXPECT_EQ(fake.dialogs.boxes.size(), *entry.box == 0 ? 0u : 1u);
-        EXPECT_EQ(focus(), *entry.box == 0 ? "cmdApply" : "txtCLTvalue");
+        EXPECT_EQ(focusName(), *entry.box == 0 ? "cmdApply" : "txtCLTvalue");
     }
 }
 
@@ -203,13 +203,13 @@ TEST_F(OptionsFields, TheTemperatureBoxConvertsBothAlarmsAtOnce) {
     fake.settings.set("System", "CLTAlarmValue", "100");
     showing(OptionPage::Display);
     tabTo("chkTemperature");
-    key(Qt::Key_Space, Qt::NoModifier, " ");
+    sendKey(Qt::Key_Space, Qt::NoModifier, " ");
     EXPECT_EQ(text("txtCLTvalue"), "212");
     EXPECT_EQ(text("txtMATvalue"), "-");
     EXPECT_EQ(label("lblCLTunits"), "\u00B0F");
     EXPECT_EQ(label("lblMATunits"), "\u00B0F");
     EXPECT_TRUE(fake.session.fahrenheit());
-    key(Qt::Key_Space, Qt::NoModifier, " ");
+    sendKey(Qt::Key_Space, Qt::NoModifier, " ");
     EXPECT_EQ(text("txtCLTvalue"), "100");
     EXPECT_EQ(label("lblCLTunits"), "\u00B0C");
     EXPECT_EQ(stored("CLTAlarmValue"), "100");
@@ -231,13 +231,13 @@ TEST_F(OptionsFields, SpaceChecksDataPointsAndMoreThanTenAreHintedAt) {
     showing(OptionPage::DataPoints);
     tabTo("viewList");
     for (int i = 0; i < 10; ++i) {
-        key(Qt::Key_Space, Qt::NoModifier, " ");
-        key(Qt::Key_Down);
+        sendKey(Qt::Key_Space, Qt::NoModifier, " ");
+        sendKey(Qt::Key_Down);
     }
     EXPECT_EQ(label("lblViewCheck"), "Number of selected values: 10");
     EXPECT_FALSE(the<QLabel>("lblViewHint")->isVisible());
     EXPECT_EQ(fake.settings.get("Datalog", "Datalog1"), "");
-    key(Qt::Key_Space, Qt::NoModifier, " ");
+    sendKey(Qt::Key_Space, Qt::NoModifier, " ");
     EXPECT_EQ(label("lblViewCheck"), "Number of selected values: 11");
     EXPECT_TRUE(the<QLabel>("lblViewHint")->isVisible());
     apply();
@@ -248,7 +248,7 @@ TEST_F(OptionsFields, SpaceChecksDataPointsAndMoreThanTenAreHintedAt) {
     EXPECT_EQ(label("lblViewCheck"), "Number of selected values: 10");
     EXPECT_EQ(the<QListWidget>("viewList")->item(10)->checkState(), Qt::Unchecked);
     tabTo("viewList");
-    key(Qt::Key_Space, Qt::NoModifier, " ");
+    sendKey(Qt::Key_Space, Qt::NoModifier, " ");
     EXPECT_EQ(label("lblViewCheck"), "Number of selected values: 9");
 }
 

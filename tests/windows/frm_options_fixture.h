@@ -3,12 +3,12 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QKeyEvent>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSlider>
 
 #include "windows/frm_options.h"
+#include "windows/key_press.h"
 #include "windows/window_fixture.h"
 
 namespace zentaq {
@@ -40,38 +40,19 @@ class OptionsWindowTest : public WindowTest {
     std::string text(const char* name) { return the<QLineEdit>(name)->text().toStdString(); }
     std::string label(const char* name) { return the<QLabel>(name)->text().toStdString(); }
     int page() { return the<QTabWidget>("SSTab1")->currentIndex(); }
-    static QString focus() {
-        const QWidget* widget = QApplication::focusWidget();
-        return widget == nullptr ? QString() : widget->objectName();
-    }
-
-    static void key(int code, Qt::KeyboardModifiers modifiers = Qt::NoModifier, const QString& text = {}) {
-        QWidget* target = QApplication::focusWidget();
-        ASSERT_NE(target, nullptr);
-        QKeyEvent down(QEvent::KeyPress, code, modifiers, text);
-        QApplication::sendEvent(target, &down);
-        if (QApplication::focusWidget() != nullptr) target = QApplication::focusWidget();
-        QKeyEvent up(QEvent::KeyRelease, code, modifiers, text);
-        QApplication::sendEvent(target, &up);
-    }
-    static void type(const QString& text) {
-        for (const QChar letter : text) key(0, Qt::NoModifier, letter);
-    }
     /// Walks there with the tab key, as a user without a mouse does.
     void tabTo(const char* name) {
-        for (int i = 0; i < 60 && focus() != QLatin1String(name); ++i) key(Qt::Key_Tab);
-        ASSERT_EQ(focus(), QLatin1String(name));
+        for (int i = 0; i < 60 && focusName() != name; ++i) sendKey(Qt::Key_Tab);
+        ASSERT_EQ(focusName(), name);
     }
     void toPage(OptionPage page) { form->showPage(static_cast<int>(page)); }
     void enter(const char* name, const QString& text) {
         tabTo(name);
-        static_cast<QLineEdit*>(QApplication::focusWidget())->selectAll();
-        key(Qt::Key_Delete);
-        type(text);
+        typeInstead(text);
     }
     void press(const char* button) {
         tabTo(button);
-        key(Qt::Key_Space, Qt::NoModifier, " ");
+        sendKey(Qt::Key_Space, Qt::NoModifier, " ");
     }
     void apply() { press("cmdApply"); }
     std::string lastLog(std::size_t back = 0) {

@@ -60,7 +60,7 @@ TEST_F(OptionsWindow, CancelClosesAndAppliesNothing) {
 
 TEST_F(OptionsWindow, EscapeAndTheWindowsOwnButtonCloseAsCancelDoes) {
     open();
-    key(Qt::Key_Escape);
+    sendKey(Qt::Key_Escape);
     EXPECT_FALSE(form->isVisible());
     EXPECT_EQ(closings, 1);
     open();
@@ -83,7 +83,7 @@ TEST_F(OptionsWindow, OkAppliesAndCloses) {
 TEST_F(OptionsWindow, EnterInAFieldIsOk) {
     open();
     enter("txtPollRate", "6");
-    key(Qt::Key_Return);
+    sendKey(Qt::Key_Return);
     EXPECT_FALSE(form->isVisible());
     EXPECT_EQ(stored("PollRate"), "6");
 }
@@ -126,7 +126,7 @@ TEST_F(OptionsWindow, OkStaysOpenWithTheFocusInARefusedAlarm) {
     EXPECT_TRUE(form->isVisible());
     EXPECT_EQ(closings, 0);
     EXPECT_EQ(page(), static_cast<int>(OptionPage::Display));
-    EXPECT_EQ(focus(), "txtMATvalue");
+    EXPECT_EQ(focusName(), "txtMATvalue");
     EXPECT_EQ(the<QLineEdit>("txtMATvalue")->selectedText(), "151");
     ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
     EXPECT_THAT(fake.dialogs.boxes[0].text, HasSubstr("(-40 - 150\u00B0C) - Invalid Entry."));
@@ -138,55 +138,55 @@ TEST_F(OptionsWindow, OkStaysOpenWithTheFocusInARefusedAlarm) {
 TEST_F(OptionsWindow, ASearchLeadsToTheOptionAndMarksIt) {
     open();
     tabTo("txtFind");
-    type("overheat");
+    sendText("overheat");
     EXPECT_THAT(hits(), ElementsAre("CLT Alarm  (Display & temperatures)"));
     EXPECT_TRUE(the<QListWidget>("lstFound")->isVisible());
-    key(Qt::Key_Return);
+    sendKey(Qt::Key_Return);
     EXPECT_TRUE(form->isVisible());
     EXPECT_EQ(page(), static_cast<int>(OptionPage::Display));
-    EXPECT_EQ(focus(), "txtCLTvalue");
+    EXPECT_EQ(focusName(), "txtCLTvalue");
     ASSERT_NE(form->marked(), nullptr);
     EXPECT_TRUE(form->marked()->isAncestorOf(the<QLineEdit>("txtCLTvalue")));
     EXPECT_EQ(form->marked()->palette().color(QPalette::Window), lookColors(DisplayMode::Night).highlight);
     EXPECT_FALSE(the<QListWidget>("lstFound")->isVisible());
     EXPECT_EQ(text("txtFind"), "");
-    key(Qt::Key_Tab);
+    sendKey(Qt::Key_Tab);
     EXPECT_EQ(form->marked(), nullptr);
 }
 
 TEST_F(OptionsWindow, ArrowsMoveOverTheOptionsFound) {
     open();
     tabTo("txtFind");
-    type("port");
-    key(Qt::Key_Up);
+    sendText("port");
+    sendKey(Qt::Key_Up);
     EXPECT_EQ(the<QListWidget>("lstFound")->currentRow(), 0);
-    key(Qt::Key_Down);
+    sendKey(Qt::Key_Down);
     EXPECT_EQ(the<QListWidget>("lstFound")->currentRow(), 1);
-    key(Qt::Key_Enter);
-    EXPECT_EQ(focus(), "cmdAutoDetectPort");
+    sendKey(Qt::Key_Enter);
+    EXPECT_EQ(focusName(), "cmdAutoDetectPort");
 }
 
 TEST_F(OptionsWindow, ASearchInVainSaysSoAndPressesNothing) {
     open();
     tabTo("txtFind");
-    type("carburettor");
+    sendText("carburettor");
     EXPECT_THAT(hits(), ElementsAre("No option found"));
-    key(Qt::Key_Down);
-    key(Qt::Key_Return);
+    sendKey(Qt::Key_Down);
+    sendKey(Qt::Key_Return);
     EXPECT_TRUE(form->isVisible());
-    key(Qt::Key_Escape);
+    sendKey(Qt::Key_Escape);
     EXPECT_TRUE(form->isVisible());
     EXPECT_EQ(text("txtFind"), "");
-    key(Qt::Key_Escape);
+    sendKey(Qt::Key_Escape);
     EXPECT_FALSE(form->isVisible());
 }
 
 TEST_F(OptionsWindow, ASearchForADataPointLeadsToItsEntry) {
     open();
     tabTo("txtFind");
-    type("knock retard");
-    key(Qt::Key_Return);
-    EXPECT_EQ(focus(), "viewList");
+    sendText("knock retard");
+    sendKey(Qt::Key_Return);
+    EXPECT_EQ(focusName(), "viewList");
     EXPECT_EQ(the<QListWidget>("viewList")->currentItem()->text(), "Knock Retard");
 }
 
@@ -262,13 +262,13 @@ TEST_F(OptionsWindow, DayModeLeavesNothingToChoose) {
     form->showPage(FrmOptions::monitorPage);
     EXPECT_FALSE(the<QLabel>("lblColorHint")->isVisible());
     tabTo("optMonitorMode(0)");
-    key(Qt::Key_Down);
+    sendKey(Qt::Key_Down);
     EXPECT_EQ(stored("MonitorMode"), "1");
     for (const char* button : {"cmdChoose", "cmdChoose2", "cmdChoose3"})
         EXPECT_FALSE(the<QPushButton>(button)->isEnabled()) << button;
     EXPECT_FALSE(the<QLineEdit>("txtNeedleColor")->isEnabled());
     EXPECT_TRUE(the<QLabel>("lblColorHint")->isVisible());
-    key(Qt::Key_Up);
+    sendKey(Qt::Key_Up);
     EXPECT_EQ(stored("MonitorMode"), "0");
     EXPECT_TRUE(the<QPushButton>("cmdChoose")->isEnabled());
 }
@@ -298,7 +298,7 @@ TEST_F(OptionsWindow, ApplyTurnsAMonitoringProgramToDay) {
     open();
     form->showPage(FrmOptions::monitorPage);
     tabTo("optMonitorMode(0)");
-    key(Qt::Key_Down);
+    sendKey(Qt::Key_Down);
     EXPECT_EQ(appliedLook(*qApp), DisplayMode::Night);
     apply();
     EXPECT_EQ(appliedLook(*qApp), DisplayMode::Day);
@@ -330,29 +330,29 @@ TEST_F(OptionsWindow, ASearchWithoutAUnitTellsAndGivesTheButtonsBack) {
     EXPECT_EQ(stored("CommPort"), "4");
     EXPECT_EQ(the<QComboBox>("cmbCOMM")->currentData().toInt(), 4);
     EXPECT_TRUE(the<QPushButton>("cmdOK")->isEnabled());
-    EXPECT_EQ(focus(), "cmdAutoDetectPort");
+    EXPECT_EQ(focusName(), "cmdAutoDetectPort");
 }
 
 // ---- For every user
 
 TEST_F(OptionsWindow, EveryControlIsReachedWithTheTabKey) {
     open();
-    std::set<QString> reached;
+    std::set<std::string> reached;
     for (const OptionPageRow& row : optionPages()) {
         toPage(row.page);
         the<QTabWidget>("SSTab1")->setFocus();
         for (int i = 0; i < 60; ++i) {
-            key(Qt::Key_Tab);
-            reached.insert(focus());
+            sendKey(Qt::Key_Tab);
+            reached.insert(focusName());
         }
     }
     for (const OptionRow& row : optionTable()) {
         if (row.index == 1) continue;  // the arrows lead to the other button of a group
-        EXPECT_TRUE(reached.contains(QString::fromStdString(controlName(row)))) << controlName(row);
+        EXPECT_TRUE(reached.contains(controlName(row))) << controlName(row);
     }
     for (const char* name :
          {"txtFind", "cmdChoose", "cmdChoose2", "cmdChoose3", "cmdOK", "cmdCancel", "cmdApply"})
-        EXPECT_TRUE(reached.contains(QLatin1String(name))) << name;
+        EXPECT_TRUE(reached.contains(name)) << name;
 }
 
 TEST_F(OptionsWindow, EveryControlHasAnAccessibleNameAndAHelpKey) {

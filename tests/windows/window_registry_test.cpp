@@ -23,21 +23,20 @@ TEST_F(Registry, EveryRowMakesAWindowThatBearsItsName) {
 }
 
 TEST_F(Registry, EveryEntryOfTheMenusStandsInThemOnce) {
-    for (const MenuEntry* entry : menuEntries()) {
-        const QString name =
-            QString::fromUtf8(entry->name.data(), static_cast<qsizetype>(entry->name.size()));
+    for (const MenuEntry& entry : menuEntries()) {
+        const QString name = QString::fromUtf8(entry.name.data(), static_cast<qsizetype>(entry.name.size()));
         const auto actions = windows.main().findChildren<QAction*>(name).size();
         const auto menus = windows.main().findChildren<QMenu*>(name).size();
-        EXPECT_EQ(actions + menus, 1) << entry->name;
+        EXPECT_EQ(actions + menus, 1) << entry.name;
     }
 }
 
 TEST_F(Registry, AnEntryOpensAWindowThatThereIs) {
-    for (const MenuEntry* entry : menuEntries()) {
-        if (entry->window.empty()) continue;
+    for (const MenuEntry& entry : menuEntries()) {
+        if (entry.window.empty()) continue;
         EXPECT_TRUE(std::ranges::any_of(windowRows(), [&](const WindowRow& row) {
-            return row.name == entry->window;
-        })) << entry->name;
+            return row.name == entry.window;
+        })) << entry.name;
     }
 }
 
