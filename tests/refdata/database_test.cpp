@@ -1,141 +1,22 @@
 #include <gmock/gmock.h>
-#include <sqlite3.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 
 #include "base/errors.h"
 #include "base/rounding.h"
+#include "other_program.h"
 #include "refdata_fixture.h"
 
 namespace zentaq::refdata {
 namespace {
 
-namespace fs = std::filesystem;
-using testing::HasSubstr;
-
-/// Another program at work on the same file.
-class OtherProgram {
- public:
-    explicit OtherProgram(const std::string& path) {
-        EXPECT_EQ(sqlite3_open_v2(path.c_str(), &file_, SQLITE_OPEN_READWRITE, nullptr), SQLITE_OK);
-    }
-    OtherProgram(const OtherProgram&) = delete;
-    OtherProgram& operator=(const OtherProgram&) = delete;
-    ~OtherProgram() { sqlite3_close(file_); }
-    void run(const char* sql) {
-        EXPECT_EQ(sqlite3_exec(file_, sql, nullptr, nullptr, nullptr), SQLITE_OK) << sql;
-    }
-    bool takes(const char* sql) { return sqlite3_exec(file_, sql, nullptr, nullptr, nullptr) == SQLITE_OK; }
-    int count(const char* sql) {
-        sqlite3_stmt* query = nullptr;
-        EXPECT_EQ(sqlite3_prepare_v2(file_, sql, -1, &query, nullptr), SQLITE_OK) << sql;
-        EXPECT_EQ(sqlite3_step(query), SQLITE_ROW);
-        const int value = sqlite3_column_int(query, 0);
-        sqlite3_finalize(query);
-        return value;
-    }
-
- private:
-    sqlite3* file_ = nullptr;
-};
-
 class DatabaseTest : public ReferenceDatabase {
  protected:
-    std::string openFailure() const {
-        return failureOf<FileError>([&] { open(); });
-    }
-    std::string refusal(const std::string& reason) const {
-        return "Cannot open the reference database " + path + ": " + reason;
-    }
     static MapSensorRow sensorNamed(const std::string& name) { return {0, name, 0.0333f, 0.25f, 2}; }
 };
 
-// ---- Opening
-
-TEST_F(DatabaseTest, AMissingFileIsNamed) {
-    fs::remove(path);
-    EXPECT_EQ(openFailure(), refusal("the file is missing"));
-    EXPECT_FALSE(fs::exists(path)) << "nothing is created";
-}
-
-TEST_F(DatabaseTest, AFolderIsNoDatabase) {
-    EXPECT_EQ(failureOf<FileError>([&] { Database::open(folder.path().string()); }),
-              "Cannot open the reference database " + folder.path().string() + ": it is not a file");
-}
-
-TEST_F(DatabaseTest, ATextFileIsNoDatabase) {
-    writeFile(path, "This is a note and no database at all.");
-    EXPECT_EQ(openFailure(), refusal("the file is not a database"));
-}
-
-TEST_F(DatabaseTest, AnEmptyFileIsNoDatabase) {
-    writeFile(path, "");
-    EXPECT_EQ(openFailure(), refusal("the file is not a database"));
-}
-
-TEST_F(DatabaseTest, AFileCutInHalfIsDamaged) {
-    fs::resize_file(path, fs::file_size(path) / 2);
-    EXPECT_THAT(openFailure(), HasSubstr("the file is damaged"));
-}
-
-TEST_F(DatabaseTest, AFileWithAPageOverwrittenIsDamaged) {
-    std::string content = contentOf(path);
-    content.replace(content.size() - 4096, 4096, std::string(4096, '\x55'));
-    writeFile(path, content);
-    EXPECT_THAT(openFailure(), HasSubstr("the file is damaged"));
-}
-
-TEST_F(DatabaseTest, ADatabaseWithoutATableIsRefused) {
-    OtherProgram(path).run("DROP TABLE Tips");
-    EXPECT_EQ(openFailure(), refusal("table Tips is missing"));
-}
-
-TEST_F(DatabaseTest, ADatabaseWithoutAColumnIsRefused) {
-    OtherProgram(path).run("ALTER TABLE Engines DROP COLUMN InjMode");
-    EXPECT_EQ(openFailure(), refusal("table Engines has no column InjMode"));
-}
-
-TEST_F(DatabaseTest, AWriteProtectedFileReadsAndRefusesToWrite) {
-    fs::permissions(path, fs::perms::owner_read);
-    const std::string before = contentOf(path);
-    Database database = open();
-    EXPECT_TRUE(database.readOnly());
-    EXPECT_TRUE(database.mapSensor(1));
-    EXPECT_FALSE(database.tips().empty());
-    EXPECT_THROW(database.addMapSensor(sensorNamed("New")), Failure);
-    EXPECT_THROW(database.updateMapSensor(sensorNamed("1 BAR (10-105 kPa)")), Failure);
-    EXPECT_THROW(database.deleteMapSensor("1 BAR (10-105 kPa)"), Failure);
-    EXPECT_THROW(database.storeConfig({"/a.ZQ4OA", 3, "ORB A Standard"}), Failure);
-    EXPECT_THROW(database.clearDatalog(), Failure);
-    EXPECT_THROW(database.clearDatalog2(), Failure);
-    EXPECT_EQ(contentOf(path), before);
-}
-
-TEST_F(DatabaseTest, AWritableFileIsNotReadOnly) {
-    EXPECT_FALSE(open().readOnly());
-}
-
 // ---- Two programs on one file
-
-TEST_F(DatabaseTest, AFileLockedByAnotherProgramFailsSoonAndRecovers) {
-    Database database = open();
-    OtherProgram other(path);
-    other.run("BEGIN EXCLUSIVE");
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_THAT(failureOf<Failure>([&] { database.mapSensor(1); }),
-                HasSubstr("it is in use by another program"));
-    EXPECT_THAT(failureOf<Failure>([&] {
-                    database.storeConfig({"/a.ZQ4OA", 3, "ORB A Standard"});
-                }),
-                HasSubstr("it is in use by another program"));
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
-    other.run("COMMIT");
-    EXPECT_TRUE(database.mapSensor(1));
-    database.storeConfig({"/a.ZQ4OA", 3, "ORB A Standard"});
-    EXPECT_TRUE(database.config("/a.ZQ4OA"));
-}
 
 TEST_F(DatabaseTest, WhatIsReadAtOnceIsOfOneState) {
     Database database = open();
@@ -313,8 +194,7 @@ TEST_F(DatabaseTest, AnAddedSensorLastsAndKeepsItsNumbersAsTyped) {
     EXPECT_EQ(sensor->offset, -0.5474f);
     EXPECT_EQ(sensor->units, 5);
     const std::string byText = "SELECT count(*) FROM MAPCals WHERE Scale=0.1793 AND \"Offset\"=-0.5474";
-    EXPECT_EQ(OtherProgram(path).count(byText.c_str()), 1)
-        << "stored as the decimal number, not as its 32-bit form";
+    EXPECT_EQ(OtherProgram(path).count(byText), 1) << "stored as the decimal number, not as its 32-bit form";
 }
 
 // A calibration's sensor may be one of flow, and the user may add it from there.

@@ -1,6 +1,5 @@
 // The reference database in trouble: gone, closed, locked, cut, overwritten, or without what belongs in it.
 #include <gmock/gmock.h>
-#include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,6 +9,7 @@
 #include <random>
 
 #include "base/errors.h"
+#include "other_program.h"
 #include "refdata/schema.h"
 #include "refdata_fixture.h"
 
@@ -18,24 +18,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::HasSubstr;
-
-/// Another program that has the file open.
-class Neighbour {
- public:
-    explicit Neighbour(const std::string& path) {
-        EXPECT_EQ(sqlite3_open_v2(path.c_str(), &file_, SQLITE_OPEN_READWRITE, nullptr), SQLITE_OK);
-    }
-    Neighbour(const Neighbour&) = delete;
-    Neighbour& operator=(const Neighbour&) = delete;
-    ~Neighbour() { sqlite3_close(file_); }
-    void run(const std::string& sql) {
-        EXPECT_EQ(sqlite3_exec(file_, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
-            << sqlite3_errmsg(file_);
-    }
-
- private:
-    sqlite3* file_ = nullptr;
-};
 
 /// Permissions hold no administrator back, so the work is done as a user that they do hold back.
 class AsOrdinaryUser {
@@ -148,25 +130,24 @@ std::chrono::milliseconds timeOf(const std::function<void()>& work) {
 
 // ---- No such file, or no file at all
 
-TEST_F(DatabaseTrouble, AMissingFolderIsAMissingFile) {
-    const std::string file = folder.file("nowhere/bin/zentaq410-02.pak");
-    EXPECT_EQ(openFailure(file), refusal(file, "the file is missing"));
-    EXPECT_FALSE(fs::exists(folder.file("nowhere")));
-}
-
-TEST_F(DatabaseTrouble, AnEmptyPathIsAMissingFile) {
-    EXPECT_EQ(openFailure(""), refusal("", "the file is missing"));
-}
-
-TEST_F(DatabaseTrouble, AFileInAFileIsAMissingFile) {
-    const std::string file = path + "/zentaq410-02.pak";
-    EXPECT_EQ(openFailure(file), refusal(file, "the file is missing"));
-}
-
-TEST_F(DatabaseTrouble, ALinkToNothingIsAMissingFile) {
+TEST_F(DatabaseTrouble, WhatIsNoFileIsRefusedWithTheReasonAndKeepsNobodyWaiting) {
+    const std::string missing = "the file is missing";
+    const std::string noFile = "it is not a file";
     const std::string link = folder.file("link.pak");
     fs::create_symlink(folder.file("gone.pak"), link);
-    EXPECT_EQ(openFailure(link), refusal(link, "the file is missing"));
+    const std::string pipe = folder.file("pipe.pak");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), S_IRUSR | S_IWUSR), 0);
+    for (const auto& [file, reason] :
+         {std::pair(folder.file("gone.pak"), missing),
+          std::pair(folder.file("nowhere/bin/zentaq410-02.pak"), missing), std::pair(std::string(), missing),
+          std::pair(path + "/zentaq410-02.pak", missing), std::pair(link, missing),
+          std::pair(folder.path().string(), noFile), std::pair(pipe, noFile),
+          std::pair(std::string("/dev/null"), noFile)}) {
+        EXPECT_EQ(openFailure(file), refusal(file, reason));
+    }
+    for (const char* name : {"gone.pak", "nowhere"}) {
+        EXPECT_FALSE(fs::exists(folder.file(name))) << "nothing is created";
+    }
 }
 
 TEST_F(DatabaseTrouble, ALinkToItselfCannotBeRead) {
@@ -183,19 +164,6 @@ TEST_F(DatabaseTrouble, ALinkToTheFileWorks) {
 
 TEST_F(DatabaseTrouble, ANameTooLongForTheDiskCannotBeRead) {
     EXPECT_THAT(openFailure(folder.file(std::string(300, 'x'))), HasSubstr("the file cannot be read"));
-}
-
-TEST_F(DatabaseTrouble, AFolderIsNoFile) {
-    const std::string name = folder.file("folder.pak");
-    fs::create_directory(name);
-    EXPECT_EQ(openFailure(name), refusal(name, "it is not a file"));
-}
-
-TEST_F(DatabaseTrouble, APipeIsNoFileAndKeepsNobodyWaiting) {
-    const std::string pipe = folder.file("pipe.pak");
-    ASSERT_EQ(::mkfifo(pipe.c_str(), S_IRUSR | S_IWUSR), 0);
-    EXPECT_EQ(openFailure(pipe), refusal(pipe, "it is not a file"));
-    EXPECT_EQ(openFailure("/dev/null"), refusal("/dev/null", "it is not a file"));
 }
 
 // ---- Permissions
@@ -219,6 +187,7 @@ TEST_F(DatabaseTrouble, AFileInAClosedFolderCannotBeRead) {
 }
 
 TEST_F(DatabaseTrouble, AReadOnlyFileWorksForReadingAndRefusesEachWrite) {
+    EXPECT_FALSE(open().readOnly());
     fs::permissions(path, readOnlyForAll);
     const std::string before = contentOf(path);
     Database database = open();
@@ -262,7 +231,7 @@ TEST_F(DatabaseTrouble, AFileInAFolderThatTakesNoJournalReadsAndFailsToWrite) {
 // ---- In use by another program
 
 TEST_F(DatabaseTrouble, ALockedFileCannotBeOpenedAndSaysSoWithinAFifthOfASecond) {
-    Neighbour other(path);
+    OtherProgram other(path);
     other.run("BEGIN EXCLUSIVE");
     std::string failure;
     EXPECT_LE(timeOf([&] { failure = openFailure(); }), longest);
@@ -274,7 +243,7 @@ TEST_F(DatabaseTrouble, ALockedFileCannotBeOpenedAndSaysSoWithinAFifthOfASecond)
 TEST_F(DatabaseTrouble, EachCallOnALockedFileFailsWithinAFifthOfASecondAndWorksAfterwards) {
     Database database = open();
     database.defaults("ADV");
-    Neighbour other(path);
+    OtherProgram other(path);
     other.run("BEGIN EXCLUSIVE");
     for (const auto& [name, call] : allCalls()) {
         std::string failure;
@@ -286,11 +255,12 @@ TEST_F(DatabaseTrouble, EachCallOnALockedFileFailsWithinAFifthOfASecondAndWorksA
     }
     other.run("COMMIT");
     for (const auto& [name, call] : allCalls()) EXPECT_NO_THROW(call(database)) << name;
+    EXPECT_TRUE(database.config("/a.ZQ4OA"));
 }
 
 TEST_F(DatabaseTrouble, WhileAnotherProgramWritesTheFileCanBeReadAndNotWritten) {
     Database database = open();
-    Neighbour other(path);
+    OtherProgram other(path);
     other.run("BEGIN IMMEDIATE");
     for (const auto& [name, call] : readers()) EXPECT_NO_THROW(call(database)) << name;
     EXPECT_EQ(failureOf<Failure>([&] { database.clearDatalog(); }),
@@ -301,7 +271,7 @@ TEST_F(DatabaseTrouble, WhileAnotherProgramWritesTheFileCanBeReadAndNotWritten) 
 
 TEST_F(DatabaseTrouble, AnotherProgramThatReadsKeepsNobodyFromReading) {
     Database database = open();
-    Neighbour other(path);
+    OtherProgram other(path);
     other.run("BEGIN; SELECT * FROM Tips");
     for (const auto& [name, call] : readers()) EXPECT_NO_THROW(call(database)) << name;
 }
@@ -309,7 +279,7 @@ TEST_F(DatabaseTrouble, AnotherProgramThatReadsKeepsNobodyFromReading) {
 TEST_F(DatabaseTrouble, DefaultsThatAnotherProgramChangesAreReadAfresh) {
     const Database database = open();
     EXPECT_EQ(database.defaults("KNK_MIN"), std::vector<float>{50});
-    Neighbour(path).run("UPDATE Defaults SET KNK_MIN = 60 WHERE KNK_MIN IS NOT NULL");
+    OtherProgram(path).run("UPDATE Defaults SET KNK_MIN = 60 WHERE KNK_MIN IS NOT NULL");
     EXPECT_EQ(database.defaults("KNK_MIN"), std::vector<float>{60});
 }
 
@@ -333,20 +303,27 @@ TEST_F(DatabaseTrouble, GarbageIsNoDatabase) {
     std::mt19937 random(7);
     std::string garbage(50'000, ' ');
     std::ranges::generate(garbage, [&] { return static_cast<char>(random()); });
-    writeFile(path, garbage);
-    EXPECT_EQ(openFailure(), refusal("the file is not a database"));
+    for (const std::string& content : {garbage, std::string(50'000, '\0'), std::string(),
+                                       std::string("This is a note and no database at all.")}) {
+        writeFile(path, content);
+        EXPECT_EQ(openFailure(), refusal("the file is not a database"));
+    }
     writeFile(path, std::string("SQLite format 3\0", 16) + garbage);
     EXPECT_THAT(openFailure(), HasSubstr("the file is damaged"));
-    writeFile(path, std::string(50'000, '\0'));
-    EXPECT_EQ(openFailure(), refusal("the file is not a database"));
 }
 
 TEST_F(DatabaseTrouble, AGoodHeadBeforeGarbageIsDamaged) {
-    std::string content = contentOf(path);
+    const std::string whole = contentOf(path);
+    std::string lastPage = whole;
+    lastPage.replace(whole.size() - 4096, 4096, std::string(4096, '\x55'));
+    std::string allButTheHead = whole;
     std::mt19937 random(11);
-    std::generate(content.begin() + 100, content.end(), [&] { return static_cast<char>(random()); });
-    writeFile(path, content);
-    EXPECT_THAT(openFailure(), HasSubstr("the file is damaged"));
+    std::generate(allButTheHead.begin() + 100, allButTheHead.end(),
+                  [&] { return static_cast<char>(random()); });
+    for (const std::string& content : {lastPage, allButTheHead}) {
+        writeFile(path, content);
+        EXPECT_THAT(openFailure(), HasSubstr("the file is damaged"));
+    }
 }
 
 TEST_F(DatabaseTrouble, BytesOverwrittenAnywhereEndInAnAnswerOrAFailure) {
@@ -394,19 +371,23 @@ TEST_F(DatabaseTrouble, AJournalOfGarbageIsPassedOver) {
 TEST_F(DatabaseTrouble, EachMissingTableIsNamed) {
     for (const Table& table : tables()) {
         buildDatabase(projectSeeds, path);
-        Neighbour(path).run("DROP TABLE \"" + table.name + "\"");
+        OtherProgram(path).run("DROP TABLE \"" + table.name + "\"");
         EXPECT_EQ(openFailure(), refusal("table " + table.name + " is missing"));
     }
 }
 
-TEST_F(DatabaseTrouble, AMissingSetOfDefaultsIsNamed) {
-    Neighbour(path).run("ALTER TABLE Defaults DROP COLUMN BOOST_RTD");
-    EXPECT_EQ(openFailure(), refusal("table Defaults has no column BOOST_RTD"));
+TEST_F(DatabaseTrouble, AMissingColumnOrSetOfDefaultsIsNamed) {
+    for (const auto& [table, column] :
+         {std::pair("Engines", "InjMode"), std::pair("Defaults", "BOOST_RTD")}) {
+        buildDatabase(projectSeeds, path);
+        OtherProgram(path).run(std::string("ALTER TABLE ") + table + " DROP COLUMN " + column);
+        EXPECT_EQ(openFailure(), refusal(std::string("table ") + table + " has no column " + column));
+    }
 }
 
 TEST_F(DatabaseTrouble, ATableDroppedWhileTheFileIsOpenFailsInItsOwnCallsOnly) {
     Database database = open();
-    Neighbour(path).run("DROP TABLE MAPCals; DROP TABLE Defaults");
+    OtherProgram(path).run("DROP TABLE MAPCals; DROP TABLE Defaults");
     EXPECT_THAT(failureOf<Failure>([&] { database.mapSensor(1); }), HasSubstr("no such table: MAPCals"));
     EXPECT_THROW(database.mapSensors(), Failure);
     EXPECT_THROW(database.defaults("ADV"), Failure);
@@ -416,7 +397,8 @@ TEST_F(DatabaseTrouble, ATableDroppedWhileTheFileIsOpenFailsInItsOwnCallsOnly) {
 }
 
 TEST_F(DatabaseTrouble, ATextWhereANumberBelongsReadsAsZero) {
-    Neighbour(path).run("UPDATE Engines SET IGNRev = 'many', OptType = 1 WHERE OrbUnit = 3 AND OptType = 1");
+    OtherProgram(path).run(
+        "UPDATE Engines SET IGNRev = 'many', OptType = 1 WHERE OrbUnit = 3 AND OptType = 1");
     const auto engine = open().engine(3, 1);
     ASSERT_TRUE(engine);
     EXPECT_EQ(engine->ignRev, 0);
@@ -424,7 +406,7 @@ TEST_F(DatabaseTrouble, ATextWhereANumberBelongsReadsAsZero) {
 }
 
 TEST_F(DatabaseTrouble, EmptyTablesAnswerWithNothing) {
-    for (const Table& table : tables()) Neighbour(path).run("DELETE FROM \"" + table.name + "\"");
+    for (const Table& table : tables()) OtherProgram(path).run("DELETE FROM \"" + table.name + "\"");
     const Database database = open();
     EXPECT_FALSE(database.engine(3, 1));
     EXPECT_TRUE(database.engines(3, 1).empty());
@@ -443,14 +425,14 @@ TEST_F(DatabaseTrouble, AFileOfGigabytesIsRefusedUnread) {
 }
 
 TEST_F(DatabaseTrouble, ATextOfMegabytesIsRefusedWithItsLimit) {
-    Neighbour(path).run("UPDATE FastHelp SET HELP = hex(zeroblob(1000000)) WHERE HELP_KEY = 'helpknock'");
+    OtherProgram(path).run("UPDATE FastHelp SET HELP = hex(zeroblob(1000000)) WHERE HELP_KEY = 'helpknock'");
     std::string told = openFailure();
     if (told.empty()) told = failureOf<Failure>([&] { open().help("helpknock"); });
     EXPECT_THAT(told, HasSubstr("a row of the reference database has at most 1048576 bytes"));
 }
 
 TEST_F(DatabaseTrouble, AViewThatAnswersWithoutEndIsNoTable) {
-    Neighbour(path).run(
+    OtherProgram(path).run(
         "DROP TABLE Tips; CREATE VIEW Tips AS WITH RECURSIVE n(ID, HELP) AS "
         "(SELECT 1, 'x' UNION ALL SELECT ID + 1, 'x' FROM n) SELECT * FROM n");
     EXPECT_EQ(openFailure(), refusal("Tips is no table"));
