@@ -21,12 +21,34 @@ LiveValues after(double seconds) {
     return engine.values();
 }
 
-/// Warm, idling, by this memory.
-EngineModel idling(const MemoryImage& image) {
-    EngineModel engine({.serial = 200001, .drive = idleDrive()});
+EngineModel drivenBy(const MemoryImage& image, double seconds = 0, Drive drive = roadDrive()) {
+    EngineModel engine({.serial = 200001, .drive = std::move(drive)});
     engine.setCalibration(calibrationOf(image));
-    engine.advance(400);
+    engine.advance(seconds);
     return engine;
+}
+
+/// The flat image without its closed loop.
+MemoryImage openLoopImage() {
+    MemoryImage image = flatImage();
+    image.put(278, 0);
+    return image;
+}
+
+struct Extremes {
+    double least = std::numeric_limits<double>::infinity();
+    double most = -least;
+};
+
+/// Of a value while the engine runs on in steps of a hundredth of a second.
+Extremes extremesOf(double LiveValues::*value, EngineModel& engine, int steps) {
+    Extremes found;
+    for (int i = 0; i < steps; ++i) {
+        engine.advance(0.01);
+        found.least = std::min(found.least, engine.values().*value);
+        found.most = std::max(found.most, engine.values().*value);
+    }
+    return found;
 }
 
 /// Holds one speed and load, warm, for tests that need both.
@@ -41,10 +63,7 @@ class Held : public DriveCycle {
 };
 
 EngineModel heldAt(double rpm, double kpa, const MemoryImage& image, double seconds = 400) {
-    EngineModel engine({.serial = 200001, .drive = std::make_shared<Held>(rpm, kpa)});
-    engine.setCalibration(calibrationOf(image));
-    engine.advance(seconds);
-    return engine;
+    return drivenBy(image, seconds, std::make_shared<Held>(rpm, kpa));
 }
 
 TEST(EngineModel, IdlesAtPowerOnWithAColdEngine) {
@@ -204,7 +223,7 @@ TEST(EngineModel, TablesAreReadWhereTheEngineRuns) {
     MemoryImage image = flatImage();
     image.fill(fuelPlace + 3 * 16, 32, 60);
     image.fill(advancePlace + 3 * 16, 32, 51);
-    const LiveValues live = idling(image).values();
+    const LiveValues live = drivenBy(image, 400, idleDrive()).values();
     EXPECT_NEAR(live.veCorrection, 10, 0.001);
     EXPECT_NEAR(live.tableAdvance, 12, 0.001);
     const LiveValues cruise = heldAt(2500, 62, image).values();
@@ -214,8 +233,7 @@ TEST(EngineModel, TablesAreReadWhereTheEngineRuns) {
 
 // 1 ms dead time, 8 ms at 5 volts, 62 kPa are 2.7355 V: 1 + 8 * 0.5471 * gamma, and the battery's part.
 TEST(EngineModel, PulseAndDutyFollowTheFormulaOfTheFuelTable) {
-    MemoryImage image = flatImage();
-    image.put(278, 0);
+    MemoryImage image = openLoopImage();
     image.putAll(237 + 15, std::array{-80, -80}, 0.125, 125);  // the cells of 13.6 and 14.5 volts
     const LiveValues live = heldAt(2500, 62, image).values();
     const double expected =
@@ -227,8 +245,7 @@ TEST(EngineModel, PulseAndDutyFollowTheFormulaOfTheFuelTable) {
 
 // The heart of it: leaner table, leaner engine, by the same share.
 TEST(EngineModel, TheMixtureFollowsTheFuelTableWithinHalfASecond) {
-    MemoryImage image = flatImage();
-    image.put(278, 0);  // open loop
+    MemoryImage image = openLoopImage();
     EngineModel engine = heldAt(2500, 50, image);
     const double before = engine.values().actualAfr;
     image.fill(fuelPlace, 256, 60);
@@ -240,8 +257,7 @@ TEST(EngineModel, TheMixtureFollowsTheFuelTableWithinHalfASecond) {
 }
 
 TEST(EngineModel, MoreGamaTimeOnTheRunIsMoreFuelOnTheSameInjectors) {
-    MemoryImage image = flatImage();
-    image.put(278, 0);
+    MemoryImage image = openLoopImage();
     EngineModel engine = heldAt(2500, 50, image);
     const double before = engine.values().actualAfr;
     image.putWord(148, 8800);
@@ -255,8 +271,7 @@ TEST(EngineModel, MoreGamaTimeOnTheRunIsMoreFuelOnTheSameInjectors) {
 }
 
 TEST(EngineModel, ACalibrationForOtherInjectorsBringsThemAlong) {
-    MemoryImage image = flatImage();
-    image.put(278, 0);
+    MemoryImage image = openLoopImage();
     EngineModel engine = heldAt(2500, 50, image);
     const double before = engine.values().actualAfr;
     image.putWord(148, 4000);
@@ -294,43 +309,21 @@ class Steps : public DriveCycle {
 };
 
 TEST(EngineModel, RisingPressureLeansTheMixtureForAMomentAndFallingPressureEnrichesIt) {
-    MemoryImage image = flatImage();
-    image.put(278, 0);
-    EngineModel engine({.serial = 200001, .drive = std::make_shared<Steps>()});
-    engine.setCalibration(calibrationOf(image));
-    const auto extremes = [&](double seconds) {
-        const double first = engine.values().actualAfr;
-        std::pair<double, double> found{first, first};
-        for (double passed = 0; passed < seconds; passed += 0.01) {
-            engine.advance(0.01);
-            found.first = std::min(found.first, engine.values().actualAfr);
-            found.second = std::max(found.second, engine.values().actualAfr);
-        }
-        return found;
-    };
-    engine.advance(30 * 15 + 5);
+    EngineModel engine = drivenBy(openLoopImage(), 30 * 15 + 5, std::make_shared<Steps>());
     const double low = engine.values().actualAfr;
-    const double leanest = extremes(1).second;
+    const double leanest = extremesOf(&LiveValues::actualAfr, engine, 100).most;
     engine.advance(3.9);
     const double high = engine.values().actualAfr;
-    const double richest = extremes(1.2).first;
+    const double richest = extremesOf(&LiveValues::actualAfr, engine, 120).least;
     EXPECT_GT(leanest, std::max(low, high) + 0.2);
     EXPECT_LT(richest, std::min(low, high) - 0.2);
 }
 
 TEST(EngineModel, AccelerationEnrichmentHelpsWhenTheThrottleOpens) {
-    MemoryImage image = flatImage();
-    image.put(278, 0);
+    MemoryImage image = openLoopImage();
     const auto leanest = [](const MemoryImage& by) {
-        EngineModel engine({.serial = 200001, .drive = roadDrive()});
-        engine.setCalibration(calibrationOf(by));
-        engine.advance(roadDrive()->length() * 2 + 16.2);
-        double most = 0;
-        for (int i = 0; i < 100; ++i) {
-            engine.advance(0.01);
-            most = std::max(most, engine.values().actualAfr);
-        }
-        return most;
+        EngineModel engine = drivenBy(by, roadDrive()->length() * 2 + 16.2);
+        return extremesOf(&LiveValues::actualAfr, engine, 100).most;
     };
     const double without = leanest(image);
     image.put(198, 4);  // from 1.55 V/s on
@@ -357,33 +350,21 @@ TEST(EngineModel, PressureThatRisesInADyingEngineIsNotEnriched) {
     EngineModel engine({.serial = 200001, .drive = idleDrive()});
     engine.advance(10);
     engine.kill();
-    double most = 0;
-    for (int i = 0; i < 200; ++i) {
-        engine.advance(0.01);
-        most = std::max(most, engine.values().acceleration5);
-    }
+    EXPECT_EQ(extremesOf(&LiveValues::acceleration5, engine, 200).most, 0);
     EXPECT_GT(engine.values().mapKpa, 95);
-    EXPECT_EQ(most, 0);
 }
 
 TEST(EngineModel, TipInOfAColdPlainEngineStaysWithinWhatASensorCanTell) {
     EngineModel engine({.serial = 200001});
     engine.advance(15.2);  // before the full pull
-    double richest = 30;
-    double leanest = 0;
-    for (int i = 0; i < 200; ++i) {
-        engine.advance(0.01);
-        richest = std::min(richest, engine.values().actualAfr);
-        leanest = std::max(leanest, engine.values().actualAfr);
-    }
-    EXPECT_GT(richest, 10.5);
-    EXPECT_LT(leanest, 16.5);
+    const Extremes mixture = extremesOf(&LiveValues::actualAfr, engine, 200);
+    EXPECT_GT(mixture.least, 10.5);
+    EXPECT_LT(mixture.most, 16.5);
 }
 
 TEST(EngineModel, AFlowSensorIsToldInTenthsOfTheNarrowByte) {
     MemoryImage image = flatImage();
-    EngineModel engine({.serial = 200001});
-    engine.setCalibration(calibrationOf(image));
+    EngineModel engine = drivenBy(image);
     const double volts = engine.values().mapSensorVolts;
     EXPECT_NEAR(engine.values().wideLoad, volts * 204, 1e-9);
     image.put(1, 1);
@@ -395,9 +376,7 @@ TEST(EngineModel, PressureRiseIsCountedByTheVoltsOfTheSensor) {
     MemoryImage image = flatImage();
     const auto countsPerKpa = [&](double gainWord) {
         image.putWord(262, gainWord);
-        EngineModel engine({.serial = 200001});
-        engine.setCalibration(calibrationOf(image));
-        engine.advance(16.4);  // the throttle opens
+        EngineModel engine = drivenBy(image, 16.4);  // the throttle opens
         EXPECT_GT(engine.values().mapAcceleration, 0.3);
         return engine.values().mapAccelerationRaw / engine.values().mapAcceleration;
     };
@@ -425,16 +404,12 @@ TEST(EngineModel, FuelIsCutOnTheOverrunAboveTheSpeedOfTheMemory) {
     image.put(208, 2208 / 16);
     image.put(209, 1600 / 16);
     image.put(210, (0.05295 * 30 - 0.54738) * 51);
-    EngineModel engine({.serial = 200001});
-    engine.setCalibration(calibrationOf(image));
-    engine.advance(27.6);  // the overrun behind the pull
+    EngineModel engine = drivenBy(image, 27.6);  // the overrun behind the pull
     EXPECT_EQ(engine.values().primaryPulseMs, 0);
     engine.advance(0.7);
     EXPECT_GT(engine.values().actualAfr, 20);
     image.put(0, 0);
-    EngineModel uncut({.serial = 200001});
-    uncut.setCalibration(calibrationOf(image));
-    uncut.advance(27.6);
+    EngineModel uncut = drivenBy(image, 27.6);
     EXPECT_GT(uncut.values().primaryPulseMs, 1);
 }
 
@@ -442,9 +417,7 @@ TEST(EngineModel, TheRevLimiterOfTheMemoryHoldsTheEngineByCuttingFuel) {
     MemoryImage image = flatImage();
     image.putWord(58, 5000);
     image.put(64, 100);
-    EngineModel engine({.serial = 200001});
-    engine.setCalibration(calibrationOf(image));
-    engine.advance(24);
+    EngineModel engine = drivenBy(image, 24);
     double highest = 0;
     double lowest = 10000;
     int cuts = 0;
@@ -489,9 +462,7 @@ TEST(EngineModel, IdleControlHoldsTheSpeedOfTheMemory) {
         image.put(310 + i, (40.0 + std::array{0, 40, 75}[i]) * 255 / 190);
         image.put(313 + i, std::array{1504, 1200, 960}[i] / 16);
     }
-    EngineModel engine({.serial = 200001, .drive = idleDrive()});
-    engine.setCalibration(calibrationOf(image));
-    engine.advance(0.1);
+    EngineModel engine = drivenBy(image, 0.1, idleDrive());
     EXPECT_NEAR(engine.values().rpm, 1352, 30) << "20 Celsius is half way from 1504 to 1200";
     EXPECT_NEAR(engine.values().idleTargetRpm, 1352, 8);
     engine.advance(600);
@@ -505,9 +476,7 @@ TEST(EngineModel, ALoadAxisBeyondTheAtmosphereBringsBoost) {
     for (std::size_t i = 0; i < 16; ++i) {
         image.putWord(624 + 2 * i, (0.02 * (20 + 12 * static_cast<double>(i)) - 0.2) * 204.6);
     }
-    EngineModel engine({.serial = 200001});
-    engine.setCalibration(calibrationOf(image));
-    engine.advance(22);
+    EngineModel engine = drivenBy(image, 22);
     EXPECT_NEAR(engine.values().mapKpa, 190, 3) << "95 % of 200";
     EXPECT_NEAR(engine.values().mapSensorVolts, 0.02 * engine.values().mapKpa - 0.2, 0.005);
     EXPECT_NEAR(heldAt(2600, 48, image).values().mapKpa, 48, 1) << "none at part load";

@@ -26,14 +26,19 @@ void sendRows(SimulatedUnit& unit, int rows, unsigned seed) {
     for (int row = 0; row < rows; ++row) ASSERT_EQ(askText(unit, imageRow(row, seed)), "AX") << row;
 }
 
-TEST(SimulatedUnit, EGivesTheSerialNumberHighByteFirst) {
+class OrbA : public testing::Test {
+ protected:
     SimulatedUnit unit = orbA();
+};
+using OnTheFly = OrbA;
+using Programming = OrbA;
+
+TEST_F(OrbA, EGivesTheSerialNumberHighByteFirst) {
     // 200001 = 00030D41; 55 + 00 + 03 + 0D + 41 = A6
     EXPECT_EQ(ask(unit, "E"), (Bytes{0xFA, 0xA5, 0x55, 0x00, 0x03, 0x0D, 0x41, 0xA6}));
 }
 
-TEST(SimulatedUnit, BGivesNameFirmwareAndSubtype) {
-    SimulatedUnit unit = orbA();
+TEST_F(OrbA, BGivesNameFirmwareAndSubtype) {
     unit.setCalibrationName("BASE MAP");
     const Bytes reply = ask(unit, "B");
     ASSERT_EQ(reply.size(), 39u);
@@ -56,24 +61,21 @@ TEST(SimulatedUnit, ShortFirmwareTextIsPaddedWithBlanksAndALongOneCut) {
     EXPECT_EQ(textOf({cut.begin() + 27, cut.begin() + 37}), "ABCDEFGHIJ");
 }
 
-TEST(SimulatedUnit, CGivesThirtyNineBytesWithNoOptionBit) {
-    SimulatedUnit unit = orbA();
+TEST_F(OrbA, CGivesThirtyNineBytesWithNoOptionBit) {
     const Bytes reply = ask(unit, "C");
     ASSERT_EQ(reply.size(), 39u);
     EXPECT_EQ(reply[18] & 1, 0);
     EXPECT_EQ(reply[38], 0x55);  // only the third head byte adds to the sum
 }
 
-TEST(SimulatedUnit, FGivesTheNarrowFrameFromByteZero) {
-    SimulatedUnit unit = orbA();
+TEST_F(OrbA, FGivesTheNarrowFrameFromByteZero) {
     const Bytes reply = ask(unit, "F");
     ASSERT_EQ(reply.size(), 35u);
     EXPECT_NEAR(word(reply, 0), 850, 30);
     EXPECT_EQ(reply[9], 26);  // closed throttle, 0.5 V * 51 = 25.5, the even neighbour is 26
 }
 
-TEST(SimulatedUnit, WGivesTheWideFrameAfterItsHead) {
-    SimulatedUnit unit = orbA();
+TEST_F(OrbA, WGivesTheWideFrameAfterItsHead) {
     const Bytes reply = ask(unit, "W");
     ASSERT_EQ(reply.size(), 65u);
     EXPECT_TRUE(isSealed(reply));
@@ -86,16 +88,14 @@ TEST(SimulatedUnit, FirmwareBelowReleaseFiveDoesNotKnowTheWideFrame) {
     EXPECT_EQ(ask(unit, "F").size(), 35u);
 }
 
-TEST(SimulatedUnit, IGivesTwentyOneBytesWithTheOutputs) {
-    SimulatedUnit unit = orbA();
+TEST_F(OrbA, IGivesTwentyOneBytesWithTheOutputs) {
     const Bytes reply = ask(unit, "I");
     ASSERT_EQ(reply.size(), 21u);
     EXPECT_TRUE(isSealed(reply));
     EXPECT_EQ(reply[3], 255);  // the fuel pump runs
 }
 
-TEST(SimulatedUnit, TOfAHealthyUnitHasNoCode) {
-    SimulatedUnit unit = orbA();
+TEST_F(OrbA, TOfAHealthyUnitHasNoCode) {
     Bytes expected(16, 0xFF);
     expected[0] = 0xFA;
     expected[1] = 0xA5;
@@ -105,8 +105,7 @@ TEST(SimulatedUnit, TOfAHealthyUnitHasNoCode) {
     EXPECT_EQ(ask(unit, "W").at(29), 0);
 }
 
-TEST(SimulatedUnit, ASetCodeIsAClearedBitAndLightsTheLampUntilACommandA) {
-    SimulatedUnit unit = orbA();
+TEST_F(OrbA, ASetCodeIsAClearedBitAndLightsTheLampUntilACommandA) {
     unit.setCode(2, 0);  // throttle sensor high
     unit.setCode(9, 7);
     const Bytes codes = ask(unit, "T");
@@ -120,23 +119,20 @@ TEST(SimulatedUnit, ASetCodeIsAClearedBitAndLightsTheLampUntilACommandA) {
     EXPECT_EQ(ask(unit, "W").at(29), 0);
 }
 
-TEST(SimulatedUnit, AnIntermittentCodeLeavesTheLampDark) {
-    SimulatedUnit unit = orbA();
+TEST_F(OrbA, AnIntermittentCodeLeavesTheLampDark) {
     unit.setCode(7, 1);
     EXPECT_EQ(ask(unit, "T").at(9), 0xFD);
     EXPECT_EQ(ask(unit, "F").at(11), 0);
 }
 
-TEST(SimulatedUnit, CodesOutsideTheTableAreRefused) {
-    SimulatedUnit unit = orbA();
+TEST_F(OrbA, CodesOutsideTheTableAreRefused) {
     EXPECT_THROW(unit.setCode(0, 0), BoundsError);
     EXPECT_THROW(unit.setCode(13, 0), BoundsError);
     EXPECT_THROW(unit.setCode(1, 8), BoundsError);
     EXPECT_THROW(unit.setCode(1, -1), BoundsError);
 }
 
-TEST(SimulatedUnit, KStopsTheEngineForAWhile) {
-    SimulatedUnit unit = orbA();
+TEST_F(OrbA, KStopsTheEngineForAWhile) {
     EXPECT_EQ(askText(unit, "K"), "AX");
     unit.advance(2);
     EXPECT_EQ(wideRpm(unit), 0u);
@@ -144,16 +140,14 @@ TEST(SimulatedUnit, KStopsTheEngineForAWhile) {
     EXPECT_GT(wideRpm(unit), 700u);
 }
 
-TEST(SimulatedUnit, ZSetsTimingToZeroAndRestoresIt) {
-    SimulatedUnit unit = orbA();
+TEST_F(OrbA, ZSetsTimingToZeroAndRestoresIt) {
     EXPECT_EQ(textOf(unit.feed(timing(0xFF))), "AX");
     EXPECT_EQ(ask(unit, "W").at(11), 0);
     EXPECT_EQ(textOf(unit.feed(timing(0x00))), "AX");
     EXPECT_GT(ask(unit, "W").at(11), 40);
 }
 
-TEST(SimulatedUnit, P3IsRefused) {
-    SimulatedUnit unit = orbA();
+TEST_F(OrbA, P3IsRefused) {
     EXPECT_EQ(askText(unit, "P3"), "AR");
     EXPECT_EQ(ask(unit, "E").size(), 8u);
 }
@@ -179,8 +173,7 @@ TEST(SimulatedUnit, EmptyLogIsItsEndAtOnce) {
     EXPECT_GT(ask(unit, "D").at(3), 82);
 }
 
-TEST(SimulatedUnit, GluedCommandsAreAnsweredInOrder) {
-    SimulatedUnit unit = orbA();
+TEST_F(OrbA, GluedCommandsAreAnsweredInOrder) {
     const Bytes reply = ask(unit, "EP2S10411228048AET");
     ASSERT_EQ(reply.size(), 8u + 2 + 2 + 8 + 16);
     EXPECT_EQ(reply[0], 0xFA);
@@ -190,8 +183,7 @@ TEST(SimulatedUnit, GluedCommandsAreAnsweredInOrder) {
     EXPECT_EQ(unit.memory()[34], 0x80);
 }
 
-TEST(SimulatedUnit, CommandsByteByByteAreAnsweredAtTheirLastByte) {
-    SimulatedUnit unit = orbA();
+TEST_F(OrbA, CommandsByteByByteAreAnsweredAtTheirLastByte) {
     const std::string record = "P2S10411228048";
     for (std::size_t i = 0; i + 1 < record.size(); ++i)
         EXPECT_EQ(askText(unit, record.substr(i, 1)), "") << i;
@@ -202,21 +194,18 @@ TEST(SimulatedUnit, CommandsByteByByteAreAnsweredAtTheirLastByte) {
     EXPECT_EQ(askText(unit, "3"), "AR");
 }
 
-TEST(SimulatedUnit, UnknownBytesAndLineEndsAreIgnored) {
-    SimulatedUnit unit = orbA();
+TEST_F(OrbA, UnknownBytesAndLineEndsAreIgnored) {
     EXPECT_TRUE(ask(unit, "\r\nxyz01 ").empty());
     EXPECT_EQ(ask(unit, "\r\nE\r\n").size(), 8u);
 }
 
-TEST(SimulatedUnit, BrokenTwoByteCommandLetsTheNextOneThrough) {
-    SimulatedUnit unit = orbA();
+TEST_F(OrbA, BrokenTwoByteCommandLetsTheNextOneThrough) {
     EXPECT_EQ(ask(unit, "ZE").size(), 8u);
     EXPECT_EQ(ask(unit, "PE").size(), 8u);
     EXPECT_EQ(askText(unit, "PP3"), "AR");
 }
 
-TEST(SimulatedUnit, HalfACommandIsDroppedAfterHalfASecond) {
-    SimulatedUnit unit = orbA();
+TEST_F(OrbA, HalfACommandIsDroppedAfterHalfASecond) {
     ask(unit, "Z");
     unit.advance(0.51);
     EXPECT_TRUE(unit.feed(Bytes{0xFF}).empty());  // no argument any more, but noise
@@ -225,8 +214,7 @@ TEST(SimulatedUnit, HalfACommandIsDroppedAfterHalfASecond) {
     EXPECT_EQ(ask(unit, "E").size(), 8u);
 }
 
-TEST(SimulatedUnit, HalfACommandSurvivesAShorterPause) {
-    SimulatedUnit unit = orbA();
+TEST_F(OrbA, HalfACommandSurvivesAShorterPause) {
     ask(unit, "P2S1041122");
     unit.advance(0.49);
     EXPECT_EQ(askText(unit, "80"), "");
@@ -234,16 +222,14 @@ TEST(SimulatedUnit, HalfACommandSurvivesAShorterPause) {
     EXPECT_EQ(askText(unit, "48"), "AX");
 }
 
-TEST(OnTheFly, TwoByteRecordChangesBothBytes) {
-    SimulatedUnit unit = orbA();
+TEST_F(OnTheFly, TwoByteRecordChangesBothBytes) {
     // 5 + 12 + 06 + 12 + 34 = 63 hexadecimal; the complement is 9C
     EXPECT_EQ(askText(unit, "P2S105120612349C"), "AX");
     EXPECT_EQ(unit.memory()[0x106], 0x12);
     EXPECT_EQ(unit.memory()[0x107], 0x34);
 }
 
-TEST(OnTheFly, BadChecksumAddressOrFormIsRefusedAndChangesNothing) {
-    SimulatedUnit unit = orbA();
+TEST_F(OnTheFly, BadChecksumAddressOrFormIsRefusedAndChangesNothing) {
     const Bytes before = unit.memory();
     const unsigned revision = unit.memoryRevision();
     for (const std::string& record :
@@ -256,23 +242,20 @@ TEST(OnTheFly, BadChecksumAddressOrFormIsRefusedAndChangesNothing) {
     EXPECT_EQ(unit.memoryRevision(), revision);
 }
 
-TEST(OnTheFly, FirstAndLastByteOfTheMemoryCanBeChanged) {
-    SimulatedUnit unit = orbA();
+TEST_F(OnTheFly, FirstAndLastByteOfTheMemoryCanBeChanged) {
     EXPECT_EQ(askText(unit, "P2" + dataRecord(0x1100, {0x11})), "AX");
     EXPECT_EQ(askText(unit, "P2" + dataRecord(0x1A2F, {0x22})), "AX");
     EXPECT_EQ(unit.memory().front(), 0x11);
     EXPECT_EQ(unit.memory().back(), 0x22);
 }
 
-TEST(OnTheFly, RemainsOfARefusedRecordAreNotTakenForCommands) {
-    SimulatedUnit unit = orbA();
+TEST_F(OnTheFly, RemainsOfARefusedRecordAreNotTakenForCommands) {
     // more digits than the count tells: A, B, C, E and F at its end would all be commands
     EXPECT_EQ(askText(unit, "P2S1051122FFFFFF80ABCEF"), "AR");
     EXPECT_EQ(ask(unit, "E").size(), 8u);
 }
 
-TEST(OnTheFly, ChangesAreLostWithThePowerUntilStored) {
-    SimulatedUnit unit = orbA();
+TEST_F(OnTheFly, ChangesAreLostWithThePowerUntilStored) {
     ask(unit, "P2S10411228048");
     EXPECT_TRUE(unit.hasUnsavedChanges());
     unit.powerCycle();
@@ -284,8 +267,7 @@ TEST(OnTheFly, ChangesAreLostWithThePowerUntilStored) {
     EXPECT_EQ(unit.memory()[34], 0x80);
 }
 
-TEST(Programming, WholeImageIsVerifiedAndTakesEffectAtTheEndRecord) {
-    SimulatedUnit unit = orbA();
+TEST_F(Programming, WholeImageIsVerifiedAndTakesEffectAtTheEndRecord) {
     const Bytes before = unit.memory();
     startProgramming(unit);
     sendRows(unit, 147, 7);
@@ -297,15 +279,13 @@ TEST(Programming, WholeImageIsVerifiedAndTakesEffectAtTheEndRecord) {
     EXPECT_EQ(ask(unit, "E").size(), 8u);
 }
 
-TEST(Programming, ZeroRowIsTheKnownRecord) {
-    SimulatedUnit unit = orbA();
+TEST_F(Programming, ZeroRowIsTheKnownRecord) {
     startProgramming(unit);
     // 13 + 11 + 00 hexadecimal = 36; 255 - 36 = 219 = DB
     EXPECT_EQ(askText(unit, "S1131100" + std::string(32, '0') + "DB"), "AX");
 }
 
-TEST(Programming, NameOfTheNewCalibrationIsReported) {
-    SimulatedUnit unit = orbA();
+TEST_F(Programming, NameOfTheNewCalibrationIsReported) {
     startProgramming(unit);
     for (int row = 0; row < 147; ++row) {
         Bytes data(16, row == 35 || row == 36 ? 'N' : 0);  // 560 = 35 * 16
@@ -316,8 +296,7 @@ TEST(Programming, NameOfTheNewCalibrationIsReported) {
     EXPECT_EQ(textOf({reply.begin() + 3, reply.begin() + 27}), std::string(24, 'N'));
 }
 
-TEST(Programming, LinesMayComeByteByByte) {
-    SimulatedUnit unit = orbA();
+TEST_F(Programming, LinesMayComeByteByByte) {
     startProgramming(unit);
     std::string replies;
     for (const char c : imageRow(0, 1)) replies += askText(unit, std::string(1, c));
@@ -326,7 +305,7 @@ TEST(Programming, LinesMayComeByteByByte) {
     EXPECT_EQ(askText(unit, endRecord), "PN");
 }
 
-TEST(Programming, AnOrbARefusesALineWithAnEndWhichIsMeantForAnotherKind) {
+TEST(SimulatedUnit, AnOrbARefusesALineWithAnEndWhichIsMeantForAnotherKind) {
     for (const std::string end : {"\r\n", "\n", "\r"}) {
         SimulatedUnit unit = orbA();
         const Bytes before = unit.permanentMemory();
@@ -341,8 +320,7 @@ TEST(Programming, AnOrbARefusesALineWithAnEndWhichIsMeantForAnotherKind) {
     EXPECT_EQ(askText(unit, "\r\n"), "AR") << "also where the end comes late";
 }
 
-TEST(Programming, MissingLineIsRefusedAtTheEndRecordAndTheOldCalibrationStays) {
-    SimulatedUnit unit = orbA();
+TEST_F(Programming, MissingLineIsRefusedAtTheEndRecordAndTheOldCalibrationStays) {
     const Bytes before = unit.memory();
     startProgramming(unit);
     for (int row = 0; row < 147; ++row) {
@@ -353,7 +331,7 @@ TEST(Programming, MissingLineIsRefusedAtTheEndRecordAndTheOldCalibrationStays) {
     EXPECT_EQ(unit.memory(), before);
 }
 
-TEST(Programming, OlderFirmwareIsCompleteWith137Lines) {
+TEST(SimulatedUnit, OlderFirmwareIsCompleteWith137Lines) {
     SimulatedUnit unit(*findProfile("A"), {.serial = 200001, .firmware = "ZQA-404099"});
     startProgramming(unit);
     sendRows(unit, 137, 3);
@@ -362,13 +340,12 @@ TEST(Programming, OlderFirmwareIsCompleteWith137Lines) {
     EXPECT_EQ(unit.memory()[2192], 0);
 }
 
-TEST(Programming, EndRecordAloneIsRefused) {
-    SimulatedUnit unit = orbA();
+TEST_F(Programming, EndRecordAloneIsRefused) {
     startProgramming(unit);
     EXPECT_EQ(askText(unit, endRecord), "AR");
 }
 
-TEST(Programming, BadLineIsRefusedEndsProgrammingAndLeavesTheOldCalibration) {
+TEST(SimulatedUnit, BadLineIsRefusedEndsProgrammingAndLeavesTheOldCalibration) {
     std::string flipped = imageRow(5, 3);
     flipped[20] = flipped[20] == '0' ? '1' : '0';
     for (const std::string& bad :
@@ -384,8 +361,7 @@ TEST(Programming, BadLineIsRefusedEndsProgrammingAndLeavesTheOldCalibration) {
     }
 }
 
-TEST(Programming, LineThatStallsIsDroppedAndCanBeSentAgain) {
-    SimulatedUnit unit = orbA();
+TEST_F(Programming, LineThatStallsIsDroppedAndCanBeSentAgain) {
     startProgramming(unit);
     const std::string line = imageRow(0, 3);
     EXPECT_EQ(askText(unit, line.substr(0, 20)), "");
@@ -393,8 +369,7 @@ TEST(Programming, LineThatStallsIsDroppedAndCanBeSentAgain) {
     EXPECT_EQ(askText(unit, line), "AX");
 }
 
-TEST(Programming, IsGivenUpWhenNoLineComes) {
-    SimulatedUnit unit = orbA();
+TEST_F(Programming, IsGivenUpWhenNoLineComes) {
     const Bytes before = unit.memory();
     startProgramming(unit);
     sendRows(unit, 5, 3);
@@ -403,14 +378,12 @@ TEST(Programming, IsGivenUpWhenNoLineComes) {
     EXPECT_EQ(unit.memory(), before);
 }
 
-TEST(Programming, RecordsAreNoCommandsOutsideOfIt) {
-    SimulatedUnit unit = orbA();
+TEST_F(Programming, RecordsAreNoCommandsOutsideOfIt) {
     // the letter S on its own stores, the digits behind it are noise
     EXPECT_EQ(askText(unit, "S1"), "AX");
 }
 
-TEST(UnitMemory, ContentOfAnotherSizeIsRefused) {
-    SimulatedUnit unit = orbA();
+TEST_F(OrbA, ContentOfAnotherSizeIsRefused) {
     EXPECT_THROW(unit.loadMemory(Bytes(2351)), BoundsError);
     unit.loadMemory(Bytes(2352, 9));
     EXPECT_EQ(unit.memory()[100], 9);

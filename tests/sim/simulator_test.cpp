@@ -72,36 +72,18 @@ class Line {
 class Running {
  public:
     explicit Running(const SimulatorOptions& options)
-        : stop_(::eventfd(0, EFD_CLOEXEC)), simulator_(options), thread_([this] {
-              simulator_.run({.stop = stop_.get(),
-                              .power = power_.get(),
-                              .unplug = unplug_.get(),
-                              .upgradeSwitch = upgrade_.get()});
-          }) {}
+        : simulator_(options), thread_([this] { simulator_.run({.stop = stop_.get()}); }) {}
     ~Running() {
         ::eventfd_write(stop_.get(), 1);
         thread_.join();
     }
-    void cyclePower() { ::eventfd_write(power_.get(), 1); }
-    void unplug() { ::eventfd_write(unplug_.get(), 1); }
-    void flipUpgradeSwitch() { ::eventfd_write(upgrade_.get(), 1); }
-    Simulator& operator*() { return simulator_; }
-    Simulator* operator->() { return &simulator_; }
+    const Simulator& operator*() const { return simulator_; }
 
  private:
-    FileDescriptor stop_;
-    FileDescriptor power_{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
-    FileDescriptor unplug_{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
-    FileDescriptor upgrade_{::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
+    FileDescriptor stop_{::eventfd(0, EFD_CLOEXEC)};
     Simulator simulator_;
     std::thread thread_;
 };
-
-SimulatorOptions linkedIn(const TemporaryFolder& folder) {
-    SimulatorOptions options;
-    options.link = folder.path() / "unit";
-    return options;
-}
 
 /// Waits at most five seconds for something to become true.
 template <typename Condition>
@@ -118,13 +100,34 @@ std::chrono::nanoseconds wireTime(int bytes) {
     return std::chrono::nanoseconds(bytes * 10'000'000'000LL / 38400);
 }
 
-TEST(Simulator, IdentifiesItselfOverTheTerminal) {
+/// What a unit in a folder of its own is told before it runs: its link, no pacing, and the file of its
+/// running memory.
+class SimulatorTest : public testing::Test {
+ protected:
+    SimulatorTest() {
+        options.link = folder.path() / "unit";
+        options.runningFile = folder.path() / "unit.running";
+        options.baud = 0;
+    }
+    /// Runs the unit in the background until the test ends.
+    Line begin() {
+        simulator.emplace(options);
+        return Line((**simulator).portPath());
+    }
+    static int byte34(const std::optional<fs::path>& memory) { return readMemoryFile(*memory, 2352)->at(34); }
+    int running34() const { return byte34(options.runningFile); }
+    std::string link() const { return options.link->string(); }
+
     const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
+    SimulatorOptions options;
+    std::optional<Running> simulator;
+};
+using SimulatorSignals = SimulatorTest;
+
+TEST_F(SimulatorTest, IdentifiesItselfOverTheTerminal) {
     options.serial = 209999;  // 0x0003344F
     options.calibrationName = "TRACK DAY";
-    Running simulator(options);
-    Line line(simulator->portPath());
+    Line line = begin();
     // 55 + 03 + 34 + 4F = DB
     EXPECT_EQ(line.ask("E", 8), (Bytes{0xFA, 0xA5, 0x55, 0x00, 0x03, 0x34, 0x4F, 0xDB}));
     const Bytes reply = line.ask("B", 39);
@@ -132,13 +135,9 @@ TEST(Simulator, IdentifiesItselfOverTheTerminal) {
     EXPECT_EQ(textOf({reply.begin() + 3, reply.begin() + 12}), "TRACK DAY");
 }
 
-TEST(Simulator, AllByteValuesPassTheTerminalUnchanged) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
-    options.baud = 0;
+TEST_F(SimulatorTest, AllByteValuesPassTheTerminalUnchanged) {
     options.calibrationName = std::string("\x03\x04\x0a\x0d\x11\x13\x1a\x7f\xff", 9);
-    Running simulator(options);
-    Line line(simulator->portPath());
+    Line line = begin();
     const Bytes reply = line.ask("B", 39);
     ASSERT_EQ(reply.size(), 39u);
     EXPECT_EQ(textOf({reply.begin() + 3, reply.begin() + 12}), *options.calibrationName);
@@ -146,10 +145,9 @@ TEST(Simulator, AllByteValuesPassTheTerminalUnchanged) {
     EXPECT_EQ(textOf(line.ask(Bytes{'Z', 0x00}, 2)), "AX");
 }
 
-TEST(Simulator, ReplyIsNeverFasterThanTheWire) {
-    const TemporaryFolder folder;
-    Running simulator(linkedIn(folder));
-    Line line(simulator->portPath());
+TEST_F(SimulatorTest, ReplyIsNeverFasterThanTheWire) {
+    options.baud = 38400;
+    Line line = begin();
     for (int i = 0; i < 5; ++i) {
         const auto start = Clock::now();
         ASSERT_EQ(line.ask("W", 65).size(), 65u);
@@ -160,36 +158,26 @@ TEST(Simulator, ReplyIsNeverFasterThanTheWire) {
     EXPECT_GE(Clock::now() - start, wireTime(14 + 2));
 }
 
-TEST(Simulator, LineSurvivesAProgramThatClosesAndReopensIt) {
-    const TemporaryFolder folder;
-    Running simulator(linkedIn(folder));
-    { EXPECT_EQ(Line(simulator->portPath()).ask("E", 8).size(), 8u); }
-    { EXPECT_EQ(Line(simulator->portPath()).ask("E", 8).size(), 8u); }
+TEST_F(SimulatorTest, LineSurvivesAProgramThatClosesAndReopensIt) {
+    { EXPECT_EQ(begin().ask("E", 8).size(), 8u); }
+    { EXPECT_EQ(Line((**simulator).portPath()).ask("E", 8).size(), 8u); }
 }
 
-TEST(Simulator, CableIsPulledWhenItEnds) {
-    const TemporaryFolder folder;
-    auto simulator = std::make_unique<Running>(linkedIn(folder));
-    Line line((*simulator)->portPath());
+TEST_F(SimulatorTest, CableIsPulledWhenItEnds) {
+    Line line = begin();
     ASSERT_EQ(line.ask("E", 8).size(), 8u);
     simulator.reset();
     EXPECT_TRUE(line.hungUp());
 }
 
-TEST(Simulator, WhatIsForGoodIsInTheMemoryFileWhenItsReplyIsThere) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
+TEST_F(SimulatorTest, WhatIsForGoodIsInTheMemoryFileWhenItsReplyIsThere) {
     options.memoryFile = folder.path() / "unit.mem";
-    options.runningFile = folder.path() / "unit.running";
-    options.baud = 0;
     {
-        Running simulator(options);
-        const auto stored = [&] { return readMemoryFile(*options.memoryFile, 2352)->at(34); };
-        const auto running = [&] { return readMemoryFile(*options.runningFile, 2352)->at(34); };
+        Line line = begin();
+        const auto stored = [&] { return byte34(options.memoryFile); };
         ASSERT_EQ(stored(), 0);
-        Line line(simulator->portPath());
         ASSERT_EQ(textOf(line.ask("P2S10411228048", 2)), "AX");
-        EXPECT_EQ(running(), 0x80);
+        EXPECT_EQ(running34(), 0x80);
         EXPECT_EQ(stored(), 0);
         ASSERT_EQ(textOf(line.ask("S", 2)), "AX");
         EXPECT_EQ(stored(), 0x80);
@@ -197,32 +185,26 @@ TEST(Simulator, WhatIsForGoodIsInTheMemoryFileWhenItsReplyIsThere) {
         for (int row = 0; row < 147; ++row) ASSERT_EQ(textOf(line.ask(imageRow(row, 5), 2)), "AX");
         ASSERT_EQ(textOf(line.ask(endRecord, 2)), "PN");
         EXPECT_EQ(stored(), 39);
-        EXPECT_EQ(running(), 39);
+        EXPECT_EQ(running34(), 39);
     }
-    Running again(options);
-    Line line(again->portPath());
-    const Bytes reply = line.ask("B", 39);
+    const Bytes reply = begin().ask("B", 39);
     ASSERT_EQ(reply.size(), 39u);
     EXPECT_EQ(reply[3], (560 + 5) % 251);
 }
 
-TEST(Simulator, ChangeThatWasNotStoredDoesNotSurviveARestart) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
+TEST_F(SimulatorTest, ChangeThatWasNotStoredDoesNotSurviveARestart) {
     options.memoryFile = folder.path() / "unit.mem";
-    options.runningFile = folder.path() / "unit.running";
-    options.baud = 0;
     const auto change = [&](bool store) {
-        Running simulator(options);
-        Line line(simulator->portPath());
+        Line line = begin();
         ASSERT_EQ(textOf(line.ask("P2S10411228048", 2)), "AX");
         if (store) {
             ASSERT_EQ(textOf(line.ask("S", 2)), "AX");
         }
+        simulator.reset();
     };
     const auto afterRestart = [&] {
-        const Simulator simulator(options);
-        return readMemoryFile(*options.runningFile, 2352)->at(34);
+        const Simulator again(options);
+        return running34();
     };
     change(false);
     EXPECT_EQ(afterRestart(), 0);
@@ -230,20 +212,16 @@ TEST(Simulator, ChangeThatWasNotStoredDoesNotSurviveARestart) {
     EXPECT_EQ(afterRestart(), 0x80);
 }
 
-TEST(Simulator, NameGivenOnTheCommandLineGoesIntoALoadedMemory) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
+TEST_F(SimulatorTest, NameGivenOnTheCommandLineGoesIntoALoadedMemory) {
     options.memoryFile = folder.path() / "unit.mem";
     writeMemoryFile(*options.memoryFile, Bytes(2352, 'x'));
     options.calibrationName = "SECOND";
-    const Simulator simulator(options);
+    const Simulator unit(options);
     const auto content = readMemoryFile(*options.memoryFile, 2352);
     EXPECT_EQ(textOf({content->begin() + 558, content->begin() + 586}), "xxSECOND                  xx");
 }
 
-TEST(Simulator, MemoryFileOfAnotherSizeIsRefusedAndKept) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
+TEST_F(SimulatorTest, MemoryFileOfAnotherSizeIsRefusedAndKept) {
     options.memoryFile = folder.path() / "unit.mem";
     std::ofstream(*options.memoryFile) << "something else";
     EXPECT_THROW(Simulator{options}, FileError);
@@ -251,45 +229,39 @@ TEST(Simulator, MemoryFileOfAnotherSizeIsRefusedAndKept) {
     EXPECT_FALSE(fs::is_symlink(*options.link));
 }
 
-TEST(Simulator, AnnouncesItselfInThePortsFolderByModelAndSerial) {
-    const TemporaryFolder folder;
+TEST_F(SimulatorTest, AnnouncesItselfInThePortsFolderByModelAndSerial) {
     const ScopedVariable variable("XDG_RUNTIME_DIR", folder.path().c_str());
-    const fs::path link = folder.path() / "zentaq4" / "ports" / "orb-a-200007";
-    {
-        SimulatorOptions options;
-        options.serial = 200007;
-        Running simulator(options);
-        EXPECT_EQ(simulator->linkPath(), link);
-        EXPECT_EQ(fs::read_symlink(link), simulator->portPath());
-        EXPECT_EQ(Line(link.string()).ask("E", 8).size(), 8u);
-    }
-    EXPECT_FALSE(fs::is_symlink(link));
+    const fs::path announced = folder.path() / "zentaq4" / "ports" / "orb-a-200007";
+    options.link.reset();
+    options.serial = 200007;
+    begin();
+    EXPECT_EQ((**simulator).linkPath(), announced);
+    EXPECT_EQ(fs::read_symlink(announced), (**simulator).portPath());
+    EXPECT_EQ(Line(announced.string()).ask("E", 8).size(), 8u);
+    simulator.reset();
+    EXPECT_FALSE(fs::is_symlink(announced));
 }
 
-TEST(Simulator, EveryModelAnswersUnderItsOwnNameInThePortsFolder) {
-    const TemporaryFolder folder;
+TEST_F(SimulatorTest, EveryModelAnswersUnderItsOwnNameInThePortsFolder) {
     const ScopedVariable variable("XDG_RUNTIME_DIR", folder.path().c_str());
     const fs::path ports = folder.path() / "zentaq4" / "ports";
     struct Announced {
         const char* model;
         const char* link;
     };
+    options.link.reset();
     for (const Announced& row : {Announced{"A", "orb-a-200001"}, Announced{"A 6/12", "orb-a612-200002"},
                                  Announced{"Ar", "orb-ar-200003"}, Announced{"l", "orb-l-300001"},
                                  Announced{"C", "orb-c-350001"}, Announced{"D", "orb-d-700001"},
                                  Announced{"d6", "orb-d6-750001"}, Announced{"pzk2", "pzk-2-500001"}}) {
-        SimulatorOptions options;
         options.model = row.model;
-        options.baud = 0;
-        Running simulator(options);
-        ASSERT_EQ(simulator->linkPath(), ports / row.link);
+        begin();
+        ASSERT_EQ((**simulator).linkPath(), ports / row.link);
         EXPECT_EQ(Line((ports / row.link).string()).ask("E", 8).size(), 8u) << row.model;
     }
 }
 
-TEST(Simulator, SerialNumberOrFirmwareOfAnotherKindIsRefusedUnlessAskedFor) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
+TEST_F(SimulatorTest, SerialNumberOrFirmwareOfAnotherKindIsRefusedUnlessAskedFor) {
     options.model = "L";
     options.serial = 200001;
     EXPECT_THROW(Simulator{options}, Failure);
@@ -301,92 +273,60 @@ TEST(Simulator, SerialNumberOrFirmwareOfAnotherKindIsRefusedUnlessAskedFor) {
     EXPECT_NO_THROW(Simulator{options});
 }
 
-TEST(Simulator, MemoryFolderHoldsAFileForEachUnit) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
+TEST_F(SimulatorTest, MemoryFolderHoldsAFileForEachUnit) {
     options.memoryFile = folder.path();
-    { const Simulator simulator(options); }
+    { const Simulator unit(options); }
     options.model = "PZK-2";
-    { const Simulator simulator(options); }
+    { const Simulator unit(options); }
     EXPECT_EQ(fs::file_size(folder.path() / "orb-a-200001.mem"), 2352u);
     EXPECT_EQ(fs::file_size(folder.path() / "pzk-2-500001.mem"), 1024u);
 }
 
-TEST(Simulator, MemoryOfAnotherKindIsRefused) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
+TEST_F(SimulatorTest, MemoryOfAnotherKindIsRefused) {
     options.memoryFile = folder.path() / "unit.mem";
-    { const Simulator simulator(options); }
+    { const Simulator unit(options); }
     options.model = "PZK-2";
     EXPECT_THROW(Simulator{options}, FileError);
 }
 
-TEST(Simulator, PowerCycleTakesBackWhatWasNotStored) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
-    options.runningFile = folder.path() / "unit.running";
-    options.baud = 0;
-    Running simulator(options);
-    Line line(simulator->portPath());
-    ASSERT_EQ(textOf(line.ask("P2S10411228048", 2)), "AX");
-    const auto byte34 = [&] { return readMemoryFile(*options.runningFile, 2352)->at(34); };
-    ASSERT_EQ(byte34(), 0x80);
-    simulator.cyclePower();
-    EXPECT_TRUE(comesTrue([&] { return byte34() == 0; }));
-    EXPECT_EQ(line.ask("E", 8).size(), 8u);
-}
-
-TEST(Simulator, RefusedLineOfProgrammingIsAFaultOfTheLine) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
-    options.baud = 0;
+TEST_F(SimulatorTest, RefusedLineOfProgrammingIsAFaultOfTheLine) {
     options.faults = {"refuse@line#3"};
-    Running simulator(options);
-    Line line(simulator->portPath());
+    Line line = begin();
     ASSERT_EQ(textOf(line.ask("P1", 2)), "AX");
     EXPECT_EQ(textOf(line.ask(imageRow(0, 5), 2)), "AX");
     EXPECT_EQ(textOf(line.ask(imageRow(1, 5), 2)), "AX");
     EXPECT_EQ(textOf(line.ask(imageRow(2, 5), 2)), "AR");
 }
 
-TEST(Simulator, LateReplyComesLate) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
+TEST_F(SimulatorTest, LateReplyComesLate) {
     options.faults = {"late=120@E"};
-    Running simulator(options);
-    Line line(simulator->portPath());
+    Line line = begin();
     const auto start = Clock::now();
     ASSERT_EQ(line.ask("E", 8).size(), 8u);
     EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(120));
 }
 
-TEST(Simulator, CableThatWasPulledComesBackUnderTheSameName) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
-    options.baud = 0;
+TEST_F(SimulatorTest, CableThatWasPulledComesBackUnderTheSameName) {
     options.faults = {"hang-up=50@S#1"};
-    Running simulator(options);
     {
-        Line line(simulator->portPath());
+        Line line = begin();
         ASSERT_EQ(textOf(line.ask("P2S10411228048", 2)), "AX");
         EXPECT_TRUE(line.ask("S", 0).empty());
         EXPECT_TRUE(line.hungUp());
     }
     ASSERT_TRUE(comesTrue([&] { return fs::exists(*options.link); }));
-    Line again(options.link->string());
+    Line again(link());
     EXPECT_EQ(again.ask("E", 8).size(), 8u);
 }
 
-TEST(Simulator, CableComesBackUnderOtherNamesWhenToldTo) {
-    const TemporaryFolder folder;
+TEST_F(SimulatorTest, CableComesBackUnderOtherNamesWhenToldTo) {
     const ScopedVariable variable("XDG_RUNTIME_DIR", folder.path().c_str());
     const fs::path ports = folder.path() / "zentaq4" / "ports";
-    SimulatorOptions options;
+    options.link.reset();
     options.serial = 1042;
-    options.baud = 0;
     options.renames = true;
     options.faults = {"hang-up=10@S"};
-    Running simulator(options);
+    begin();
     for (const char* name : {"orb-a-1042", "orb-a-1042.2", "orb-a-1042.3"}) {
         ASSERT_TRUE(comesTrue([&] { return fs::exists(ports / name); })) << name;
         EXPECT_EQ(std::distance(fs::directory_iterator(ports), fs::directory_iterator()), 1) << name;
@@ -397,14 +337,10 @@ TEST(Simulator, CableComesBackUnderOtherNamesWhenToldTo) {
     }
 }
 
-TEST(Simulator, AdapterVanishesOverALongWriteAndComesBack) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
-    options.baud = 0;
+TEST_F(SimulatorTest, AdapterVanishesOverALongWriteAndComesBack) {
     options.adapter.vanishWrites = 20;
-    Running simulator(options);
     {
-        Line line(options.link->string());
+        Line line = begin();
         EXPECT_EQ(textOf(line.ask("P2S10411228048", 2)), "AX");  // 14 bytes
         const auto start = Clock::now();
         EXPECT_TRUE(line.ask(imageRow(0, 1), 0).empty());  // 42 bytes
@@ -412,45 +348,32 @@ TEST(Simulator, AdapterVanishesOverALongWriteAndComesBack) {
         ASSERT_TRUE(comesTrue([&] { return fs::exists(*options.link); }));
         EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(700));
     }
-    EXPECT_EQ(Line(options.link->string()).ask("E", 8).size(), 8u);
+    EXPECT_EQ(Line(link()).ask("E", 8).size(), 8u);
 }
 
-TEST(Simulator, AdapterLosesTheRestOfALongWrite) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
-    options.baud = 0;
+TEST_F(SimulatorTest, AdapterLosesTheRestOfALongWrite) {
     options.adapter.dropWrites = 4;
-    Running simulator(options);
-    Line line(options.link->string());
+    Line line = begin();
     EXPECT_EQ(line.ask("EEEEEE", 4 * 8).size(), 32u);
     EXPECT_EQ(textOf(line.ask("A", 2)), "AX") << "nothing of a fifth reply stands before it";
 }
 
-TEST(Simulator, AdapterWithATimerKeepsAReplyUntilItFires) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
-    options.baud = 0;
+TEST_F(SimulatorTest, AdapterWithATimerKeepsAReplyUntilItFires) {
     options.adapter.burst = Delay(200);
-    Running simulator(options);
-    Line line(options.link->string());
+    Line line = begin();
     ASSERT_EQ(line.ask("E", 8).size(), 8u);  // the timer has just fired
     const auto start = Clock::now();
     ASSERT_EQ(line.ask("E", 8).size(), 8u);
     EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(100));
 }
 
-TEST(Simulator, UnitThatResetsIsSilentWhileItBootsAndForgetsWhatWasNotStored) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
-    options.baud = 0;
-    options.runningFile = folder.path() / "unit.running";
+TEST_F(SimulatorTest, UnitThatResetsIsSilentWhileItBootsAndForgetsWhatWasNotStored) {
     options.faults = {"reset=300@A"};
-    Running simulator(options);
-    Line line(options.link->string());
+    Line line = begin();
     ASSERT_EQ(textOf(line.ask("P2S10411228048", 2)), "AX");
     EXPECT_EQ(textOf(line.ask("A", 1)), "A");
     const auto start = Clock::now();
-    EXPECT_EQ(readMemoryFile(*options.runningFile, 2352)->at(34), 0);
+    EXPECT_EQ(running34(), 0);
     Bytes reply;
     // Asked again and again; what comes is the answer to the first that is heard.
     while (reply.empty() && Clock::now() - start < std::chrono::seconds(5)) reply = line.askFor("E", 20);
@@ -458,42 +381,32 @@ TEST(Simulator, UnitThatResetsIsSilentWhileItBootsAndForgetsWhatWasNotStored) {
     EXPECT_EQ(reply.at(0), 0xFA);
 }
 
-TEST(Simulator, UnitAtAnotherRateUnderstandsNothing) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
-    options.baud = 0;
-    options.runningFile = folder.path() / "unit.running";
+TEST_F(SimulatorTest, UnitAtAnotherRateUnderstandsNothing) {
     options.faults = {"noise@P2"};
-    Running simulator(options);
-    Line line(options.link->string());
+    Line line = begin();
     EXPECT_FALSE(line.ask("P2S10411228048", 1).empty());
-    EXPECT_EQ(readMemoryFile(*options.runningFile, 2352)->at(34), 0);
+    EXPECT_EQ(running34(), 0);
 }
 
-TEST(Simulator, PinThatIsHeldShowsInTheReply) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
+TEST_F(SimulatorTest, PinThatIsHeldShowsInTheReply) {
     options.pins = {"9=201"};
-    Running simulator(options);
-    const Bytes reply = Line(simulator->portPath()).ask("I", 21);
+    const Bytes reply = begin().ask("I", 21);
     ASSERT_EQ(reply.size(), 21u);
     EXPECT_EQ(reply[11], 201);  // pin 1 is byte 3
     EXPECT_TRUE(isSealed(reply));
 }
 
-TEST(Simulator, PinThatTheUnitHasNotIsRefused) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
+TEST_F(SimulatorTest, PinThatTheUnitHasNotAndAFaultThatIsNoneAreRefused) {
     for (const char* pin : {"10=1", "0=1", "3=256", "3=-1", "3", "=4", "3=4x", "x=1", ""}) {
         options.pins = {pin};
         EXPECT_THROW(Simulator{options}, Failure) << pin;
     }
+    options.pins.clear();
+    options.faults = {"thunder"};
+    EXPECT_THROW(Simulator{options}, Failure);
 }
 
-TEST(Simulator, FirmwareAndItsStateOutliveTheProgram) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
-    options.baud = 0;
+TEST_F(SimulatorTest, FirmwareAndItsStateOutliveTheProgram) {
     options.memoryFile = folder.path() / "unit.mem";
     options.upgradeMode = true;
     const std::string state = options.memoryFile->string() + ".firmware";
@@ -513,18 +426,16 @@ TEST(Simulator, FirmwareAndItsStateOutliveTheProgram) {
     };
     nextLine();
     {
-        Running simulator(options);
+        Line line = begin();
         EXPECT_FALSE(fs::exists(state)) << "nothing has been programmed yet";
-        Line line(options.link->string());
         ASSERT_EQ(textOf(line.ask("P3", 2)), "AX");
         ASSERT_EQ(textOf(line.ask(text, 2)), "AX");
         EXPECT_EQ(stateLine(), "missing");
     }
     options.upgradeMode = false;
     {
-        Running simulator(options);
-        EXPECT_EQ(simulator->description(), "ORB A, serial number 200001, no firmware");
-        Line line(options.link->string());
+        Line line = begin();
+        EXPECT_EQ((**simulator).description(), "ORB A, serial number 200001, no firmware");
         EXPECT_TRUE(line.askFor("E", 50).empty());
         ASSERT_EQ(textOf(line.ask("P3", 2)), "AX");
         std::string reply = textOf(line.ask(text, 2));
@@ -534,25 +445,21 @@ TEST(Simulator, FirmwareAndItsStateOutliveTheProgram) {
         EXPECT_TRUE(line.askFor("E", 50).empty());
         EXPECT_NE(readMemoryFile(*options.memoryFile, 2352)->at(560), 0xFF);
     }
-    Running simulator(options);
+    Line line = begin();
     EXPECT_EQ(stateLine(), "running ZQA-505100");
     EXPECT_EQ(*readMemoryFile(*options.memoryFile, 2352), Bytes(2352, 0xFF));
-    const Bytes reply = Line(options.link->string()).ask("B", 39);
+    const Bytes reply = line.ask("B", 39);
     ASSERT_EQ(reply.size(), 39u);
     EXPECT_EQ(textOf({reply.begin() + 27, reply.begin() + 37}), "ZQA-505100");
 }
 
-TEST(Simulator, FirmwareStateOfAnotherKindIsRefused) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
+TEST_F(SimulatorTest, FirmwareStateOfAnotherKindIsRefused) {
     options.memoryFile = folder.path() / "unit.mem";
     std::ofstream(options.memoryFile->string() + ".firmware") << "running ZQL-407099\n";
     EXPECT_THROW(Simulator{options}, Failure);
 }
 
-TEST(Simulator, FirmwareFileIsWrittenForTheModelAndItsFirmwareOnly) {
-    const TemporaryFolder folder;
-    SimulatorOptions options;
+TEST_F(SimulatorTest, FirmwareFileIsWrittenForTheModelAndItsFirmwareOnly) {
     options.firmware = "ZQA-505098";
     const fs::path file = folder.path() / "ZQA505098.nv3";
     std::ostringstream out;
@@ -568,32 +475,15 @@ TEST(Simulator, FirmwareFileIsWrittenForTheModelAndItsFirmwareOnly) {
               "zentaq-sim: A firmware text of the ORB A looks like ZQA-405099, not \"ZQL-407100\"\n");
 }
 
-TEST(Simulator, WrongFaultIsRefused) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
-    options.faults = {"thunder"};
-    EXPECT_THROW(Simulator{options}, Failure);
-}
-
-TEST(Simulator, UnknownModelIsRefused) {
-    SimulatorOptions options;
-    options.model = "Q";
-    EXPECT_THROW(Simulator{options}, Failure);
-}
-
-TEST(Simulator, CodesOfTheCommandLineAreSet) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
+TEST_F(SimulatorTest, CodesOfTheCommandLineAreSet) {
     options.codes = {21, 128};
-    Running simulator(options);
-    const Bytes reply = Line(simulator->portPath()).ask("T", 16);
+    const Bytes reply = begin().ask("T", 16);
     ASSERT_EQ(reply.size(), 16u);
     EXPECT_EQ(reply[4], 0xFE);
     EXPECT_EQ(reply[14], 0x7F);
 }
 
-TEST(Simulator, FailureIsToldAndEndsWithExitCodeOne) {
-    SimulatorOptions options;
+TEST_F(SimulatorTest, FailureIsToldAndEndsWithExitCodeOne) {
     options.model = "Q";
     std::ostringstream out;
     std::ostringstream errors;
@@ -646,33 +536,26 @@ class Child {
     std::ifstream output_;
 };
 
-TEST(SimulatorSignals, HangUpSignalCyclesThePowerAndTheUnitGoesOn) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
-    options.runningFile = folder.path() / "unit.running";
-    options.baud = 0;
+TEST_F(SimulatorSignals, HangUpSignalCyclesThePowerAndTheUnitGoesOn) {
     Child child(options);
-    ASSERT_EQ(child.said(), "ready " + options.link->string());
-    Line port(options.link->string());
+    ASSERT_EQ(child.said(), "ready " + link());
+    Line port(link());
     ASSERT_EQ(textOf(port.ask("P2S10411228048", 2)), "AX");
-    const auto byte34 = [&] { return readMemoryFile(*options.runningFile, 2352)->at(34); };
-    ASSERT_EQ(byte34(), 0x80);
+    ASSERT_EQ(running34(), 0x80);
     child.send(SIGHUP);
-    EXPECT_TRUE(comesTrue([&] { return byte34() == 0; }));
+    EXPECT_TRUE(comesTrue([&] { return running34() == 0; }));
     EXPECT_EQ(port.ask("E", 8).size(), 8u);
     EXPECT_EQ(child.endedBy(SIGTERM), 0);
 }
 
-TEST(SimulatorSignals, FirstUserSignalUnplugsTheUnitAndItComesBack) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
+TEST_F(SimulatorSignals, FirstUserSignalUnplugsTheUnitAndItComesBack) {
     options.renames = true;
     Child child(options);
-    ASSERT_EQ(child.said(), "ready " + options.link->string());
-    Line port(options.link->string());
+    ASSERT_EQ(child.said(), "ready " + link());
+    Line port(link());
     child.send(SIGUSR1);
     EXPECT_TRUE(port.hungUp());
-    const std::string second = options.link->string() + ".2";
+    const std::string second = link() + ".2";
     ASSERT_TRUE(comesTrue([&] { return fs::exists(second); }));
     EXPECT_FALSE(fs::is_symlink(*options.link));
     EXPECT_EQ(Line(second).ask("E", 8).size(), 8u);
@@ -680,13 +563,10 @@ TEST(SimulatorSignals, FirstUserSignalUnplugsTheUnitAndItComesBack) {
     EXPECT_FALSE(fs::is_symlink(second));
 }
 
-TEST(SimulatorSignals, SecondUserSignalFlipsTheUpgradeSwitch) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
-    options.baud = 0;
+TEST_F(SimulatorSignals, SecondUserSignalFlipsTheUpgradeSwitch) {
     Child child(options);
-    ASSERT_EQ(child.said(), "ready " + options.link->string());
-    Line port(options.link->string());
+    ASSERT_EQ(child.said(), "ready " + link());
+    Line port(link());
     ASSERT_EQ(textOf(port.ask("P3", 2)), "AR");
     child.send(SIGUSR2);
     EXPECT_TRUE(comesTrue([&] { return textOf(port.ask("P3", 2)) == "AX"; }));
@@ -695,9 +575,7 @@ TEST(SimulatorSignals, SecondUserSignalFlipsTheUpgradeSwitch) {
 
 /// Ends when its terminal does. The simulator's standard streams are the terminal, which only this process
 /// keeps.
-TEST(SimulatorSignals, EndOfItsTerminalEndsIt) {
-    const TemporaryFolder folder;
-    const SimulatorOptions options = linkedIn(folder);
+TEST_F(SimulatorSignals, EndOfItsTerminalEndsIt) {
     std::optional<PseudoTerminal> terminal(std::in_place);
     const pid_t process = ::fork();
     ASSERT_GE(process, 0);
@@ -724,9 +602,7 @@ TEST(SimulatorSignals, EndOfItsTerminalEndsIt) {
     EXPECT_FALSE(fs::is_symlink(*options.link));
 }
 
-TEST(SimulatorSignals, EndOfTheParentEndsItWhenAskedFor) {
-    const TemporaryFolder folder;
-    SimulatorOptions options = linkedIn(folder);
+TEST_F(SimulatorSignals, EndOfTheParentEndsItWhenAskedFor) {
     options.withParent = true;
     const pid_t parent = ::fork();
     ASSERT_GE(parent, 0);
@@ -744,15 +620,13 @@ TEST(SimulatorSignals, EndOfTheParentEndsItWhenAskedFor) {
     EXPECT_TRUE(comesTrue([&] { return !fs::is_symlink(*options.link); }));
 }
 
-class SimulatorProcess : public testing::TestWithParam<int> {};
+class SimulatorProcess : public SimulatorTest, public testing::WithParamInterface<int> {};
 
 TEST_P(SimulatorProcess, SaysReadyAnswersAndEndsCleanlyOnASignal) {
-    const TemporaryFolder folder;
-    const SimulatorOptions options = linkedIn(folder);
     Child child(options);
-    EXPECT_EQ(child.said(), "ready " + options.link->string());
+    EXPECT_EQ(child.said(), "ready " + link());
     EXPECT_EQ(child.said(), "ORB A, serial number 200001, firmware ZQA-405099");
-    Line port(options.link->string());
+    Line port(link());
     EXPECT_EQ(port.ask("E", 8).size(), 8u);
     EXPECT_EQ(child.endedBy(GetParam()), 0);
     EXPECT_FALSE(fs::is_symlink(*options.link));
