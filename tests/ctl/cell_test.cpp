@@ -64,9 +64,8 @@ TEST_F(Zentaqctl, CellOfAFunctionGoesTheWayOfGpioFunc) {
     expectRefused(onFile("cell", "363 6.5"), "cell 363 is the function of pin 3, a whole number");
     expectRefused(onFile("cell", "363 -1"), "cell 363 is the function of pin 3, a whole number");
     EXPECT_EQ(contentOf(file), before);
-    const Outcome outcome = onFile("cell", "363 8");
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.error, "cell 363 is the function of pin 3: the pin's parameters are 0 now\n");
+    EXPECT_THAT(onFile("cell", "363 8"),
+                Succeeds(_, "cell 363 is the function of pin 3: the pin's parameters are 0 now\n"));
     EXPECT_EQ(cellOf(file, 363), 8);
     EXPECT_EQ(cellOf(file, 364), 0);
     EXPECT_EQ(onFile("cell", "364 6500").exitCode, 0);  // a parameter as it stands
@@ -75,9 +74,7 @@ TEST_F(Zentaqctl, CellOfAFunctionGoesTheWayOfGpioFunc) {
 
 TEST_F(Zentaqctl, CellOutsideTheCalibrationFails) {
     for (const char* index : {"-1", "3001", "-1 5", "3001 5"}) {
-        const Outcome outcome = onFile("cell", index);
-        EXPECT_EQ(outcome.exitCode, 1) << index;
-        expectOneLine(outcome.error);
+        EXPECT_THAT(onFile("cell", index), Fails(1, isOneLine)) << index;
     }
 }
 

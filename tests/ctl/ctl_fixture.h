@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,8 @@ namespace fs = std::filesystem;
 using refdata::contentOf;
 using refdata::TemporaryFolder;
 using refdata::writeFile;
+using ::testing::_;
+using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
@@ -32,6 +35,23 @@ struct Outcome {
     std::string out;
     std::string error;
 };
+
+inline void PrintTo(const Outcome& outcome, std::ostream* stream) {
+    *stream << "exit code " << outcome.exitCode << ", output: " << outcome.out
+            << ", errors: " << outcome.error;
+}
+
+using TextMatcher = ::testing::Matcher<const std::string&>;
+
+inline auto Fails(int exitCode, const TextMatcher& error, const TextMatcher& out = _) {
+    return AllOf(::testing::Field("exitCode", &Outcome::exitCode, exitCode),
+                 ::testing::Field("error", &Outcome::error, error),
+                 ::testing::Field("out", &Outcome::out, out));
+}
+inline auto Succeeds(const TextMatcher& out = _, const TextMatcher& error = _) {
+    return Fails(0, error, out);
+}
+inline const TextMatcher isOneLine = ::testing::MatchesRegex("[^\n]*\n");
 
 inline std::string inQuotes(const std::string& text) {
     return "'" + text + "'";

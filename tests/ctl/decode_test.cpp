@@ -85,19 +85,14 @@ TEST_F(ZentaqctlDecode, ReadsFirmwareAndName) {
 }
 
 TEST_F(ZentaqctlDecode, FirmwareWithoutANumberIsRefused) {
-    const Outcome outcome = decode("L", "B", reply(38, {{27, 'Z'}, {28, 'Q'}, {29, 'L'}}));
-    EXPECT_EQ(outcome.exitCode, 1);
-    expectOneLine(outcome.error);
-    EXPECT_THAT(outcome.error, StartsWith("The reply holds no firmware number"));
-    EXPECT_THAT(outcome.out, IsEmpty());
+    EXPECT_THAT(decode("L", "B", reply(38, {{27, 'Z'}, {28, 'Q'}, {29, 'L'}})),
+                Fails(1, AllOf(isOneLine, StartsWith("The reply holds no firmware number")), IsEmpty()));
 }
 
 TEST_F(ZentaqctlDecode, TheConfigurationTellsOneThingOnTwoKinds) {
     EXPECT_EQ(decode("L", "C", reply(39, {{18, 3}})).out, "hasPIC18=1\n");
     EXPECT_EQ(decode("PZK-2", "C", reply(39, {{18, 2}})).out, "hasPIC18=0\n");
-    const Outcome outcome = decode("A", "C", reply(39, {{18, 1}}));
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_THAT(outcome.out, IsEmpty());
+    EXPECT_THAT(decode("A", "C", reply(39, {{18, 1}})), Succeeds(IsEmpty()));
 }
 
 // ---- F
@@ -146,10 +141,8 @@ TEST_F(ZentaqctlDecode, ACalibrationScalesTheValuesAndNamesTheFunctionsOfPins) {
     ASSERT_EQ(onFile("set", "MOFFSET 10").exitCode, 0);
     ASSERT_EQ(onFile("set", "GPIO_Func 6 --index 0").exitCode, 0);  // shift light
     const std::string hex = narrowFrame({{2, 85}, {12, 1}});
-    const Outcome outcome = run("decode --reply F --calibration " + inQuotes(file) + " " + hex);
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
-    EXPECT_THAT(outcome.out, HasSubstr("PRIADV=30\n"));
-    EXPECT_THAT(outcome.out, HasSubstr("GPIOData(0)=1\nGPIODisplay(0)=O"));
+    EXPECT_THAT(run("decode --reply F --calibration " + inQuotes(file) + " " + hex),
+                Succeeds(AllOf(HasSubstr("PRIADV=30\n"), HasSubstr("GPIOData(0)=1\nGPIODisplay(0)=O"))));
 }
 
 TEST_F(ZentaqctlDecode, ACalibrationOfAnotherKindIsRefused) {
@@ -250,9 +243,7 @@ TEST_F(ZentaqctlDecode, AKindGivesOnlyItsOwnReplies) {
 }
 
 TEST_F(ZentaqctlDecode, ARecordOfAnOrbDIsReadAsThoseOfTheOtherKinds) {
-    const Outcome outcome = decode("D", "D", reply(34, {{3, 0x0C}, {4, 0x1C}}));
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
-    EXPECT_THAT(outcome.out, HasSubstr("RPM=3100\n"));
+    EXPECT_THAT(decode("D", "D", reply(34, {{3, 0x0C}, {4, 0x1C}})), Succeeds(HasSubstr("RPM=3100\n")));
 }
 
 // ---- How bytes are given

@@ -7,10 +7,7 @@ namespace zentaq {
 namespace {
 
 TEST_F(ZentaqctlVersions, DiffOfEqualFilesIsSilentAndDone) {
-    const Outcome outcome = compare(base, mine);
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_THAT(outcome.out, IsEmpty());
-    EXPECT_THAT(outcome.error, IsEmpty());
+    EXPECT_THAT(compare(base, mine), Succeeds(IsEmpty(), IsEmpty()));
     EXPECT_EQ(compare(base, mine, "--json").out, "[]\n");
 }
 
@@ -72,9 +69,7 @@ TEST_F(ZentaqctlVersions, DiffNamesTheFileThatIsNoCalibration) {
 
 TEST_F(ZentaqctlVersions, DiffTakesOneFileFromTheStandardInput) {
     change(mine, "KNK_MIN 50");
-    const Outcome outcome = run("diff - " + inQuotes(mine), contentOf(base));
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_EQ(outcome.out, "KNK_MIN: 40 -> 50 units\n");
+    EXPECT_THAT(run("diff - " + inQuotes(mine), contentOf(base)), Fails(1, _, "KNK_MIN: 40 -> 50 units\n"));
     EXPECT_EQ(run("diff " + inQuotes(base) + " -", contentOf(base)).exitCode, 0);
     expectRefused(run("diff - -", contentOf(base)), "Only one of the files can be the standard input");
     EXPECT_THAT(run("diff - " + inQuotes(mine), "hello").error, StartsWith("standard input: "));

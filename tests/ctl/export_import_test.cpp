@@ -26,9 +26,8 @@ TEST_F(ZentaqctlText, ImportMakesTheSameFileOfEverySample) {
     for (const auto& entry : fs::directory_iterator(sample(""))) {
         const std::string name = inQuotes(entry.path().string());
         ASSERT_EQ(run("export " + name + " -o " + inQuotes(text)).exitCode, 0) << name;
-        const Outcome outcome = run("import --force " + inQuotes(text) + " -o " + inQuotes(again));
-        EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
-        EXPECT_THAT(outcome.error, IsEmpty());
+        EXPECT_THAT(run("import --force " + inQuotes(text) + " -o " + inQuotes(again)),
+                    Succeeds(_, IsEmpty()));
         EXPECT_TRUE(contentOf(again) == contentOf(entry.path().string())) << name;
     }
 }
@@ -117,11 +116,9 @@ TEST_F(ZentaqctlText, ImportOfABrokenTextNamesTheFileAndTheLine) {
     std::string listing = onFile("export").out;
     listing.insert(listing.find("KNK_MIN = "), "what is this\n");
     writeFile(text, listing);
-    const Outcome outcome = run("import " + inQuotes(text) + " -o " + inQuotes(again));
-    EXPECT_EQ(outcome.exitCode, 1);
-    expectOneLine(outcome.error);
-    EXPECT_THAT(outcome.error, StartsWith(text + ": "));
-    EXPECT_THAT(outcome.error, ::testing::ContainsRegex("[Ll]ine [0-9]+"));
+    EXPECT_THAT(
+        run("import " + inQuotes(text) + " -o " + inQuotes(again)),
+        Fails(1, AllOf(isOneLine, StartsWith(text + ": "), ::testing::ContainsRegex("[Ll]ine [0-9]+"))));
     EXPECT_FALSE(fs::exists(again));
 }
 
@@ -144,17 +141,12 @@ TEST_F(ZentaqctlText, AMissingFileOrFolderFailsInOneLine) {
                   "Cannot open " + missing + ": No such file or directory");
     expectRefused(run("import " + inQuotes(missing) + " -o " + inQuotes(again)),
                   "Cannot open " + missing + ": No such file or directory");
-    const Outcome outcome = onFile("export", "-o " + inQuotes(folder.file("no/such/place.txt")));
-    EXPECT_EQ(outcome.exitCode, 1);
-    expectOneLine(outcome.error);
+    EXPECT_THAT(onFile("export", "-o " + inQuotes(folder.file("no/such/place.txt"))), Fails(1, isOneLine));
 }
 
 TEST_F(ZentaqctlText, ExportOfWhatIsNoCalibrationNamesTheFile) {
     writeFile(file, "short");
-    const Outcome outcome = onFile("export");
-    EXPECT_EQ(outcome.exitCode, 1);
-    expectOneLine(outcome.error);
-    EXPECT_THAT(outcome.error, StartsWith(file + ": "));
+    EXPECT_THAT(onFile("export"), Fails(1, AllOf(isOneLine, StartsWith(file + ": "))));
 }
 
 TEST_F(Zentaqctl, ExportTakesAFileFromTheStandardInput) {

@@ -24,16 +24,12 @@ TEST_F(Zentaqctl, GetShowsATableAsItsRows) {
 }
 
 TEST_F(Zentaqctl, GetOfAnUnknownMemberFails) {
-    const Outcome outcome = onFile("get", "KNOCK");
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_EQ(outcome.error, "ORB A has no member KNOCK\n");
+    EXPECT_THAT(onFile("get", "KNOCK"), Fails(1, "ORB A has no member KNOCK\n"));
 }
 
 TEST_F(Zentaqctl, GetOutsideATableFails) {
     for (const char* index : {"256", "-1"}) {
-        const Outcome outcome = onFile("get", std::string("VE ") + index);
-        EXPECT_EQ(outcome.exitCode, 1) << index;
-        expectOneLine(outcome.error);
+        EXPECT_THAT(onFile("get", std::string("VE ") + index), Fails(1, isOneLine)) << index;
     }
 }
 

@@ -46,9 +46,8 @@ TEST_F(Zentaqctl, ImageForOlderFirmwareHasFewerRowsAndNoStopPoints) {
 
 TEST_F(Zentaqctl, ImageForFirmwareBeforeTheLinearSensorMovesTheInjectorScaling) {
     const std::string output = folder.file("out.s19");
-    const Outcome outcome = onFile("image", "--firmware 2.17 -o " + inQuotes(output));
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_THAT(outcome.error, HasSubstr("Your BIN file has been updated to work with this firmware."));
+    EXPECT_THAT(onFile("image", "--firmware 2.17 -o " + inQuotes(output)),
+                Succeeds(_, HasSubstr("Your BIN file has been updated to work with this firmware.")));
     // 7.4 ms / (876 / 1024) = 8.650 ms in microseconds
     const std::vector<int> bytes = imageBytes(contentOf(output));
     EXPECT_EQ(bytes[148] * 256 + bytes[149], 8650);
@@ -65,12 +64,10 @@ TEST_F(Zentaqctl, ImageOfAFileThatTellsNoReleaseHasASensorAndItsInjectorsAsTheyA
     const std::vector<int> ofOldFile = imageBytes(contentOf(output));
     for (const float code : {0.0F, 1.0F, 999.0F}) {
         plant(firmwareCode, code);
-        const Outcome outcome = onFile("image", "--firmware 5.99 -o " + inQuotes(output));
-        EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
-        EXPECT_EQ(outcome.error,
-                  file +
-                      " does not tell the firmware that it was made for: its injector scaling is "
-                      "taken as it stands\n");
+        EXPECT_THAT(
+            onFile("image", "--firmware 5.99 -o " + inQuotes(output)),
+            Succeeds(_, file + " does not tell the firmware that it was made for: its injector scaling is "
+                               "taken as it stands\n"));
         const std::vector<int> bytes = imageBytes(contentOf(output));
         ASSERT_EQ(bytes.size(), 147U * 16);
         EXPECT_EQ(bytes[148] * 256 + bytes[149], 7400) << code;
@@ -85,9 +82,8 @@ TEST_F(Zentaqctl, ImageOfAFileThatTellsNoReleaseHasASensorAndItsInjectorsAsTheyA
 TEST_F(Zentaqctl, ImageTellsOfAnOutputCellThatNoEntryGives) {
     const std::string output = folder.file("out.s19");
     plant(1680 + 5, 500);
-    const Outcome outcome = onFile("image", "-o " + inQuotes(output));
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.error, file + ": GPO1[0,5] (cell 1685) holds 500 (0 to 100%)\n");
+    EXPECT_THAT(onFile("image", "-o " + inQuotes(output)),
+                Succeeds(_, file + ": GPO1[0,5] (cell 1685) holds 500 (0 to 100%)\n"));
     EXPECT_EQ(imageBytes(contentOf(output))[1680 + 5], 251);  // 1275 less 1024
 }
 
@@ -114,9 +110,7 @@ TEST_F(Zentaqctl, ImageOfACellThatFitsNoWordFailsAndWritesNothing) {
     std::memcpy(bytes.data() + 12 + 4 * 58, &tooFast, sizeof tooFast);
     writeFile(file, bytes);
     const std::string output = folder.file("out.s19");
-    const Outcome outcome = onFile("image", "-o " + inQuotes(output));
-    EXPECT_EQ(outcome.exitCode, 1);
-    expectOneLine(outcome.error);
+    EXPECT_THAT(onFile("image", "-o " + inQuotes(output)), Fails(1, isOneLine));
     EXPECT_FALSE(fs::exists(output));
 }
 

@@ -26,9 +26,8 @@ class ZentaqctlOld : public Zentaqctl {
 
 TEST_F(ZentaqctlOld, ImportBinWritesACalibrationOfToday) {
     writeFile(old, oldFile(oldFloats, {{sensorRating, 2}, {tableSize, 16}}));
-    const Outcome outcome = import();
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
-    EXPECT_THAT(outcome.error, HasSubstr("Your BIN file has been updated to work with this firmware."));
+    EXPECT_THAT(import(),
+                Succeeds(_, HasSubstr("Your BIN file has been updated to work with this firmware.")));
     EXPECT_EQ(contentOf(output).size(), 11324U);
     EXPECT_EQ(floatOf(output, 0), 3);
     EXPECT_EQ(run("get " + inQuotes(output) + " MAP_BAR").out, "2\n");
@@ -37,9 +36,7 @@ TEST_F(ZentaqctlOld, ImportBinWritesACalibrationOfToday) {
 
 TEST_F(ZentaqctlOld, ImportBinKnowsOldFilesByTheirLength) {
     writeFile(old, oldFile(oldFloats - 1, {}));
-    const Outcome outcome = import();
-    EXPECT_EQ(outcome.exitCode, 1);
-    expectOneLine(outcome.error);
+    EXPECT_THAT(import(), Fails(1, isOneLine));
     EXPECT_FALSE(fs::exists(output));
 }
 
@@ -51,18 +48,15 @@ TEST_F(ZentaqctlOld, ImportBinDoesNotWriteOverItsInput) {
 }
 
 TEST_F(ZentaqctlOld, ImportBinOfAMissingFileFailsInOneLine) {
-    const Outcome outcome = import();
-    EXPECT_EQ(outcome.exitCode, 1);
-    expectOneLine(outcome.error);
+    EXPECT_THAT(import(), Fails(1, isOneLine));
 }
 
 TEST_F(ZentaqctlOld, ImportBinTellsWhenTheNameIsThatOfAnotherKind) {
     constexpr std::size_t floatsOfOrbLite = 2328;
     writeFile(old, oldFile(floatsOfOrbLite, {{sensorRating, 2}, {tableSize, 16}}));
-    const Outcome outcome = import();
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_THAT(outcome.error,
-                HasSubstr(output + " holds a calibration for ORB L; such files end in .ZQ4OL\n"));
+    EXPECT_THAT(
+        import(),
+        Succeeds(_, HasSubstr(output + " holds a calibration for ORB L; such files end in .ZQ4OL\n")));
     output = folder.file("New name.zq4ol");
     EXPECT_THAT(import().error, Not(HasSubstr("such files end")));
 }

@@ -5,15 +5,13 @@ namespace zentaq {
 namespace {
 
 TEST_F(Zentaqctl, InfoShowsWhatAFileIs) {
-    const Outcome outcome = onFile("info");
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_THAT(outcome.error, IsEmpty());
-    EXPECT_THAT(outcome.out, StartsWith("Kind:     3\nModel:    ORB A\n"));
-    EXPECT_THAT(outcome.out, HasSubstr("\nFirmware: 5099 (release 5, build 99)\n"));
-    EXPECT_THAT(outcome.out, HasSubstr("\nName:     Street 2.0 Four\n"));
-    EXPECT_THAT(outcome.out, HasSubstr("\nFloats:   2828\n"));
-    EXPECT_THAT(outcome.out, HasSubstr("\nBytes:    11324\n"));
-    EXPECT_THAT(outcome.out, HasSubstr("\nNotes:    Sample: 2.0 liter four"));
+    EXPECT_THAT(
+        onFile("info"),
+        Succeeds(AllOf(StartsWith("Kind:     3\nModel:    ORB A\n"),
+                       HasSubstr("\nFirmware: 5099 (release 5, build 99)\n"),
+                       HasSubstr("\nName:     Street 2.0 Four\n"), HasSubstr("\nFloats:   2828\n"),
+                       HasSubstr("\nBytes:    11324\n"), HasSubstr("\nNotes:    Sample: 2.0 liter four")),
+                 IsEmpty()));
 }
 
 TEST_F(Zentaqctl, InfoShowsTheVersionOfTheProgramThatWroteTheFile) {
@@ -23,24 +21,16 @@ TEST_F(Zentaqctl, InfoShowsTheVersionOfTheProgramThatWroteTheFile) {
 
 TEST_F(Zentaqctl, AFileThatIsNoCalibrationIsRefusedInOneLine) {
     writeFile(file, "hello, this is no calibration");
-    const Outcome outcome = onFile("info");
-    EXPECT_EQ(outcome.exitCode, 1);
-    expectOneLine(outcome.error);
-    EXPECT_THAT(outcome.error, HasSubstr("is no calibration file"));
-    EXPECT_THAT(outcome.out, IsEmpty());
+    EXPECT_THAT(onFile("info"), Fails(1, AllOf(isOneLine, HasSubstr("is no calibration file")), IsEmpty()));
 }
 
 TEST_F(Zentaqctl, AFileWithMoreValuesThanACalibrationIsRefused) {
     writeFile(file, contentOf(file) + std::string(1000, '\0'));  // 2828 + 250 > 3001
-    const Outcome outcome = onFile("info");
-    EXPECT_EQ(outcome.exitCode, 1);
-    expectOneLine(outcome.error);
+    EXPECT_THAT(onFile("info"), Fails(1, isOneLine));
 }
 
 TEST_F(Zentaqctl, AMissingFileFailsInOneLine) {
-    const Outcome outcome = run("get " + inQuotes(folder.file("none.ZQ4OA")) + " KNK_MIN");
-    EXPECT_EQ(outcome.exitCode, 1);
-    expectOneLine(outcome.error);
+    EXPECT_THAT(run("get " + inQuotes(folder.file("none.ZQ4OA")) + " KNK_MIN"), Fails(1, isOneLine));
 }
 
 TEST_F(Zentaqctl, InfoAnswersInJson) {
@@ -84,11 +74,12 @@ TEST_F(Zentaqctl, ADamagedFileIsNamed) {
     const float code = 1e30F;
     std::memcpy(bytes.data() + 8, &code, sizeof code);  // the firmware code
     writeFile(file, bytes);
-    const Outcome outcome = onFile("info");
-    EXPECT_EQ(outcome.exitCode, 1);
-    expectOneLine(outcome.error);
-    EXPECT_THAT(outcome.error,
-                StartsWith(file + ": the file is damaged, it holds a number out of all range. The number 1"));
+    EXPECT_THAT(
+        onFile("info"),
+        Fails(1,
+              AllOf(isOneLine,
+                    StartsWith(file +
+                               ": the file is damaged, it holds a number out of all range. The number 1"))));
 }
 
 }  // namespace

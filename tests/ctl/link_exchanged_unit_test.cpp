@@ -68,10 +68,9 @@ class ZentaqctlExchanged : public ZentaqctlOnLink {
  protected:
     void expectNothingSent(const std::string& command, const std::string& sentFile) {
         ExchangedUnit unit;
-        const Outcome outcome = run(command + " --port " + inQuotes(unit.path()) + " " + inQuotes(sentFile));
-        EXPECT_EQ(outcome.exitCode, 1) << outcome.out;
-        EXPECT_THAT(outcome.error, HasSubstr("200002 answers now in the place of ORB A 200001. Nothing was "
-                                             "sent to it.\n"));
+        EXPECT_THAT(run(command + " --port " + inQuotes(unit.path()) + " " + inQuotes(sentFile)),
+                    Fails(1, HasSubstr("200002 answers now in the place of ORB A 200001. Nothing was "
+                                       "sent to it.\n")));
         EXPECT_EQ(unit.commands(), "EBEB");
     }
 };

@@ -52,10 +52,7 @@ class ZentaqctlFirmware : public ZentaqctlOnLink {
 TEST_F(ZentaqctlFirmware, PutsTheFileIntoTheUnitAndSaysWhatToDoNext) {
     shorten();
     startReady();
-    const Outcome outcome = upgrade();
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
-    EXPECT_EQ(outcome.out, std::string("ORB A 200001: ") + done);
-    EXPECT_EQ(outcome.error, "");
+    EXPECT_THAT(upgrade(), Succeeds(std::string("ORB A 200001: ") + done, ""));
     EXPECT_THAT(state(), StartsWith("programmed ZQA-505100"));
 }
 
@@ -76,9 +73,7 @@ TEST_F(ZentaqctlFirmware, ARefusedLineLeavesNoFirmwareAndASecondRunMendsTheUnit)
     expectFailure(upgrade(), 3, "--unit-without-firmware");
     EXPECT_THAT(state(), StartsWith("missing"));
     shorten();
-    const Outcome mended = upgrade("--yes --unit-without-firmware A");
-    EXPECT_EQ(mended.exitCode, 0) << mended.error;
-    EXPECT_EQ(mended.out, std::string("ORB A: ") + done);
+    EXPECT_THAT(upgrade("--yes --unit-without-firmware A"), Succeeds(std::string("ORB A: ") + done));
     EXPECT_THAT(state(), StartsWith("programmed ZQA-505100"));
 }
 

@@ -8,11 +8,10 @@ namespace {
 
 TEST_F(ZentaqctlOnLink, IdentifyTellsTheUnitOnOneLine) {
     startUnit("A", {"--serial", "201234", "--name", "TRACK"});
-    const Outcome outcome = onUnit("identify");
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.out,
-              "ORB A 201234 (A Std) on " + port + ", firmware ZQA-405099, calibration \"TRACK\"\n");
-    EXPECT_EQ(outcome.error, "") << "progress is for terminals";
+    EXPECT_THAT(
+        onUnit("identify"),
+        Succeeds("ORB A 201234 (A Std) on " + port + ", firmware ZQA-405099, calibration \"TRACK\"\n", ""))
+        << "progress is for terminals";
 }
 
 TEST_F(ZentaqctlOnLink, IdentifyTellsEveryUnitKind) {
@@ -41,14 +40,9 @@ TEST_F(ZentaqctlOnLink, IdentifyAnswersInJson) {
 
 TEST_F(ZentaqctlOnLink, AnEarlyUnitIsToldAndTakesNoCommands) {
     startUnit("A", {"--serial-format", "old"});
-    const Outcome told = onUnit("identify");
-    EXPECT_EQ(told.exitCode, 0);
-    EXPECT_THAT(told.out, HasSubstr("must be upgraded"));
-    EXPECT_THAT(told.error, HasSubstr("It MUST be sent to Norvalia for upgrade"));
-    const Outcome refused = programFile();
-    EXPECT_EQ(refused.exitCode, 1);
-    EXPECT_THAT(refused.error, HasSubstr("must be upgraded before it takes commands."));
-    EXPECT_EQ(refused.out, "");
+    EXPECT_THAT(onUnit("identify"), Succeeds(HasSubstr("must be upgraded"),
+                                             HasSubstr("It MUST be sent to Norvalia for upgrade")));
+    EXPECT_THAT(programFile(), Fails(1, HasSubstr("must be upgraded before it takes commands."), ""));
 }
 
 TEST_F(ZentaqctlOnLink, ASilentUnitIsNoUnit) {
@@ -138,12 +132,11 @@ TEST_F(ZentaqctlPorts, TheFirstPortOfTheListIsTakenWhereNoneIsNamed) {
 TEST_F(ZentaqctlPorts, AFolderThatIsOpenToOthersHasNoUnitsAndIsTold) {
     start({"--unit", "C", "--baud", "0"});
     fs::permissions(folder.file(""), fs::perms::all);
-    const Outcome outcome = run("ports");
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_THAT(outcome.out, Not(HasSubstr("Simulated unit")));
-    EXPECT_THAT(outcome.error,
-                HasSubstr(" is open to other users. Simulated units are not looked for there."));
-    expectOneLine(outcome.error);
+    EXPECT_THAT(
+        run("ports"),
+        Succeeds(Not(HasSubstr("Simulated unit")),
+                 AllOf(HasSubstr(" is open to other users. Simulated units are not looked for there."),
+                       isOneLine)));
     EXPECT_THAT(run("identify --port 1").error, HasSubstr(" is open to other users."));
 }
 

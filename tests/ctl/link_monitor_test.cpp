@@ -42,9 +42,8 @@ TEST_F(ZentaqctlOnLink, MonitorOfANarrowUnitShowsOnlyWhatItsFramesCarry) {
 TEST_F(ZentaqctlOnLink, MonitorRecordsADatalog) {
     startUnit("A");
     const std::string log = folder.file("drive.dat");
-    const Outcome outcome = onUnit("monitor", "--seconds 1 --log " + inQuotes(log));
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_THAT(outcome.error, HasSubstr(" lines written to " + log));
+    EXPECT_THAT(onUnit("monitor", "--seconds 1 --log " + inQuotes(log)),
+                Succeeds(_, HasSubstr(" lines written to " + log)));
     const auto lines = linesOf(contentOf(log));
     EXPECT_EQ(lines.at(0), "ZENTAQ 4.10 DATALOG\tZQA-405099\r");
     EXPECT_THAT(lines.at(2), StartsWith("Frame\tRPM\tMAP\tTPS\t"));
@@ -67,16 +66,13 @@ TEST_F(ZentaqctlOnLink, MonitorWaitsForAUnitThatComesBack) {
 
 TEST_F(ZentaqctlOnLink, MonitorFailsWhereTheUnitIsGoneAtTheEnd) {
     startUnitWith("hang-up=60000@W#10");
-    const Outcome outcome = onUnit("monitor", "--seconds 2");
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_THAT(outcome.error, HasSubstr("The unit does not answer any more (9 frames).\n"));
+    EXPECT_THAT(onUnit("monitor", "--seconds 2"),
+                Fails(1, HasSubstr("The unit does not answer any more (9 frames).\n")));
 }
 
 TEST_F(ZentaqctlOnLink, MonitorGivesUpAUnitThatStaysAway) {
     startUnitWith("hang-up=60000@W#10");
-    const Outcome outcome = onUnit("monitor");
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_THAT(outcome.error, HasSubstr("The unit does not answer any more (9 frames).\n"));
+    EXPECT_THAT(onUnit("monitor"), Fails(1, HasSubstr("The unit does not answer any more (9 frames).\n")));
 }
 
 TEST_F(ZentaqctlOnLink, MonitorFailsWhereEveryFrameIsDamaged) {
@@ -158,10 +154,9 @@ TEST_F(ZentaqctlOnLink, AMonitorForLongerThanAnybodyWaitsRunsUntilItIsEnded) {
 TEST_F(ZentaqctlOnLink, DatalogRetrievesTheUnitsOwnLog) {
     startUnit("A", {"--log-records", "25"});
     const std::string log = folder.file("own.dat");
-    const Outcome outcome = onUnit("datalog", inQuotes(log));
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
-    EXPECT_EQ(outcome.out,
-              "ORB A 200001: The datalog has been successfully downloaded. (25 records in " + log + ")\n");
+    EXPECT_THAT(onUnit("datalog", inQuotes(log)),
+                Succeeds("ORB A 200001: The datalog has been successfully downloaded. (25 records in " + log +
+                         ")\n"));
     const auto lines = linesOf(contentOf(log));
     ASSERT_EQ(lines.size(), 3U + 25U);
     EXPECT_THAT(lines[0], StartsWith("ZENTAQ 4.10 DATALOG\t"));
@@ -304,10 +299,8 @@ TEST_F(ZentaqctlOnLink, NoLogOrTraceGoesToAnythingButAFile) {
 
 TEST_F(ZentaqctlOnLink, ANameThatIsTooLongIsToldInPlainWords) {
     const std::string log = folder.file(std::string(300, 'n'));
-    const Outcome outcome = onUnit("datalog", inQuotes(log));
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_THAT(outcome.error, HasSubstr(": File name too long\n"));
-    EXPECT_THAT(outcome.error, StartsWith("Cannot write "));
+    EXPECT_THAT(onUnit("datalog", inQuotes(log)),
+                Fails(1, AllOf(HasSubstr(": File name too long\n"), StartsWith("Cannot write "))));
 }
 
 TEST_F(ZentaqctlOnLink, DatalogAsksNoUnitWhereTheFileCannotBeWritten) {

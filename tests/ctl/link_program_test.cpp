@@ -20,12 +20,12 @@ std::string bytesOf(const std::string& records) {
 
 TEST_F(ZentaqctlOnLink, ProgramPutsTheImageOfTheFileIntoTheUnit) {
     startUnit("A", {"--memory", memory});
-    const Outcome outcome = programFile();
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
-    EXPECT_EQ(outcome.out,
-              "ORB A 200001: You have successfully programmed your ORB unit. Please cycle the power on the "
-              "unit before continuing.\n");
-    EXPECT_EQ(outcome.error, "");
+    EXPECT_THAT(
+        programFile(),
+        Succeeds(
+            "ORB A 200001: You have successfully programmed your ORB unit. Please cycle the power on the "
+            "unit before continuing.\n",
+            ""));
     const std::string image = bytesOf(onFile("image", "--firmware 5.99 -o -").out);
     ASSERT_EQ(image.size(), 147U * 16U);
     EXPECT_EQ(contentOf(memory).substr(0, image.size()), image);
@@ -43,9 +43,8 @@ TEST_F(ZentaqctlOnLink, ProgramRefusesACutFileWithoutForce) {
 TEST_F(ZentaqctlOnLink, ProgramTellsOfAnAxisThatDoesNotRise) {
     startUnit("A", {"--memory", memory});
     plant(592 + 14, 9000);
-    const Outcome outcome = programFile();
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
-    EXPECT_THAT(outcome.error, HasSubstr(file + ": RPM axis of the tables: 9000 is followed by "));
+    EXPECT_THAT(programFile(),
+                Succeeds(_, HasSubstr(file + ": RPM axis of the tables: 9000 is followed by ")));
 }
 
 TEST_F(ZentaqctlOnLink, ProgramLeavesNothingInTheFolderItIsCalledIn) {
@@ -57,9 +56,7 @@ TEST_F(ZentaqctlOnLink, ProgramLeavesNothingInTheFolderItIsCalledIn) {
 
 TEST_F(ZentaqctlOnLink, ProgramFollowsTheFirmwareOfTheUnitAndWarnsOfAnOlderOne) {
     startUnit("A", {"--firmware", "ZQA-404099", "--memory", memory});
-    const Outcome outcome = programFile();
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_THAT(outcome.error, StartsWith("Warning 1007: Older ORB Unit firmware detected."));
+    EXPECT_THAT(programFile(), Succeeds(_, StartsWith("Warning 1007: Older ORB Unit firmware detected.")));
     const std::string image = bytesOf(onFile("image", "--firmware 4.99 -o -").out);
     ASSERT_EQ(image.size(), 137U * 16U);
     EXPECT_EQ(contentOf(memory).substr(0, image.size()), image);
@@ -74,14 +71,12 @@ TEST_F(ZentaqctlOnLink, ProgramSaysThatNewerFirmwareIsNotFullySupported) {
 TEST_F(ZentaqctlOnLink, ProgramPutsAFileOfAnOrbDIntoAD6) {
     fs::copy_file(sample("ORB D Four.ZQ4OD"), file, fs::copy_options::overwrite_existing);
     startUnit("D6", {"--memory", memory});
-    const Outcome outcome = programFile();
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
-    EXPECT_THAT(outcome.out, StartsWith("ORB D6 750001: You have successfully programmed your ORB unit."));
+    EXPECT_THAT(programFile(),
+                Succeeds(StartsWith("ORB D6 750001: You have successfully programmed your ORB unit.")));
     const std::string image = bytesOf(onFile("image", "--firmware 5.99 -o -").out);
     EXPECT_EQ(contentOf(memory).substr(0, image.size()), image);
-    const Outcome sent = onUnit("send", "KNK_MIN 40 --file " + inQuotes(file));
-    EXPECT_EQ(sent.exitCode, 0) << sent.error;
-    EXPECT_THAT(sent.out, HasSubstr("accepted by ORB D6"));
+    EXPECT_THAT(onUnit("send", "KNK_MIN 40 --file " + inQuotes(file)),
+                Succeeds(HasSubstr("accepted by ORB D6")));
 }
 
 TEST_F(ZentaqctlOnLink, ProgramRefusesAUnitOfAnotherKind) {

@@ -6,9 +6,7 @@ namespace {
 
 TEST_F(ZentaqctlOnLink, SendChangesTheRunningUnit) {
     startUnit("A", {"--running-memory", memory});
-    const Outcome outcome = onUnit("send", "KNK_MIN 50");
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
-    EXPECT_EQ(outcome.out, "S10411228048 accepted by ORB A 200001\n");
+    EXPECT_THAT(onUnit("send", "KNK_MIN 50"), Succeeds("S10411228048 accepted by ORB A 200001\n"));
     EXPECT_EQ(static_cast<unsigned char>(contentOf(memory).at(34)), 0x80) << "50 * 2.55 at index 34";
 }
 
@@ -40,9 +38,8 @@ TEST_F(ZentaqctlOnLink, SendAsksForTheCalibrationWhereTheBytesDependOnIt) {
     expectFailure(onUnit("send", "EGO_MAP 80"), 1,
                   "EGO_MAP depends on the rest of the calibration; name it with --file.");
     const std::string record = onFile("record", "EGO_MAP 80").out;
-    const Outcome outcome = onUnit("send", "EGO_MAP 80 --file " + inQuotes(file));
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
-    EXPECT_THAT(outcome.out, StartsWith(record.substr(0, record.size() - 1) + " accepted"));
+    EXPECT_THAT(onUnit("send", "EGO_MAP 80 --file " + inQuotes(file)),
+                Succeeds(StartsWith(record.substr(0, record.size() - 1) + " accepted")));
 }
 
 TEST_F(ZentaqctlOnLink, SendRefusesAStopThatIsNotAboveTheOneToItsLeft) {
@@ -53,9 +50,8 @@ TEST_F(ZentaqctlOnLink, SendRefusesAStopThatIsNotAboveTheOneToItsLeft) {
     expectFailure(onUnit("send", "RPMTBL 100 --index 7 --file " + inQuotes(file)), 1,
                   "must be higher than that of the one to the left.");
     EXPECT_TRUE(contentOf(memory) == before);
-    const Outcome outcome = onUnit("send", "RPMTBL 9000 --index 7 --file " + inQuotes(file));
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_THAT(outcome.error, HasSubstr("RPM axis of the tables: 9000 is followed by "));
+    EXPECT_THAT(onUnit("send", "RPMTBL 9000 --index 7 --file " + inQuotes(file)),
+                Succeeds(_, HasSubstr("RPM axis of the tables: 9000 is followed by ")));
 }
 
 TEST_F(ZentaqctlOnLink, SendRefusesACutFileWithoutForce) {

@@ -7,9 +7,7 @@ namespace {
 TEST_F(ZentaqctlVersions, MergeTakesTheChangesOfBoth) {
     change(mine, "KNK_MIN 50");
     change(yours, "REV_Limiter 7200");
-    const Outcome outcome = merge(inQuotes(merged));
-    EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
-    EXPECT_THAT(outcome.out, IsEmpty());
+    EXPECT_THAT(merge(inQuotes(merged)), Succeeds(IsEmpty()));
     EXPECT_EQ(cellOf(merged, 34), 50);
     EXPECT_EQ(cellOf(merged, 58), 7200);
 }
@@ -31,10 +29,9 @@ TEST_F(ZentaqctlVersions, MergeMayWriteOverOneOfItsFiles) {
 TEST_F(ZentaqctlVersions, MergeListsConflictsAndWritesNothing) {
     change(mine, "KNK_MIN 50");
     change(yours, "KNK_MIN 60");
-    const Outcome outcome = merge(inQuotes(merged));
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_EQ(outcome.error, "1 conflict: nothing was written\n");
-    EXPECT_THAT(outcome.out, StartsWith("KNK_MIN: 40 in the base, 50 in the first, 60 in the second"));
+    EXPECT_THAT(merge(inQuotes(merged)),
+                Fails(1, "1 conflict: nothing was written\n",
+                      StartsWith("KNK_MIN: 40 in the base, 50 in the first, 60 in the second")));
     EXPECT_FALSE(fs::exists(merged));
     change(mine, "REV_Limiter 7100");
     change(yours, "REV_Limiter 7200");
@@ -44,17 +41,14 @@ TEST_F(ZentaqctlVersions, MergeListsConflictsAndWritesNothing) {
 }
 
 TEST_F(ZentaqctlVersions, MergeOfTwoKindsFails) {
-    const Outcome outcome = run("merge " + inQuotes(base) + " " + inQuotes(mine) + " " +
-                                inQuotes(sample("ORB L Six.ZQ4OL")) + " -o " + inQuotes(merged));
-    EXPECT_EQ(outcome.exitCode, 1);
-    expectOneLine(outcome.error);
+    EXPECT_THAT(run("merge " + inQuotes(base) + " " + inQuotes(mine) + " " +
+                    inQuotes(sample("ORB L Six.ZQ4OL")) + " -o " + inQuotes(merged)),
+                Fails(1, isOneLine));
     EXPECT_FALSE(fs::exists(merged));
 }
 
 TEST_F(ZentaqctlVersions, MergeThatCannotWriteFailsInOneLine) {
-    const Outcome outcome = merge(inQuotes(folder.file("no/such/place.ZQ4OA")));
-    EXPECT_EQ(outcome.exitCode, 1);
-    expectOneLine(outcome.error);
+    EXPECT_THAT(merge(inQuotes(folder.file("no/such/place.ZQ4OA"))), Fails(1, isOneLine));
     expectRefused(merge("-"), "A calibration is not written to the standard output; name a file");
 }
 
@@ -76,9 +70,9 @@ TEST_F(ZentaqctlVersions, MergeOfFilesUnderTwoNewNamesNamesTheResultAfterItsOwn)
     // A name that somebody chose is a change like any other.
     change(ann, "BiName 'Wet track'");
     fs::remove(merged);
-    const Outcome chosen = join();
-    EXPECT_EQ(chosen.exitCode, 1);
-    EXPECT_EQ(chosen.out, "name: \"tune\" in the base, \"Wet track\" in the first, \"bob\" in the second\n");
+    EXPECT_THAT(
+        join(),
+        Fails(1, _, "name: \"tune\" in the base, \"Wet track\" in the first, \"bob\" in the second\n"));
 }
 
 TEST_F(ZentaqctlVersions, MergeRefusesACutFileWithoutForce) {

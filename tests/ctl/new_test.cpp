@@ -23,10 +23,7 @@ class CtlNew : public Zentaqctl {
 };
 
 TEST_F(CtlNew, MakesAFileOfTheModelTheEngineAndTheSensor) {
-    const Outcome outcome = make();
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_THAT(outcome.out, IsEmpty());
-    EXPECT_THAT(outcome.error, IsEmpty());
+    EXPECT_THAT(make(), Succeeds(IsEmpty(), IsEmpty()));
     EXPECT_EQ(fs::file_size(made), 4U * (3 + 2828));
     EXPECT_EQ(floatOf(made, 0), 3);
     EXPECT_EQ(floatOf(made, 2), 5099);
@@ -165,9 +162,8 @@ TEST_F(CtlNew, SuggestsTheNamesThatMayBeMeant) {
     expectRefused(make("", "ORB A Standard", four, "barometer of the Turbinia"),
                   "There is no sensor \"barometer of the Turbinia\"; \"zentaqctl sensors\" lists them");
     expectRefused(make("--set KNK_MINN=5"), "ORB A has no member KNK_MINN; did you mean KNK_MIN?");
-    const Outcome unit = make("", "ORB A Standart");
-    EXPECT_EQ(unit.exitCode, 2);
-    EXPECT_THAT(unit.error, HasSubstr("ORB A Standart is no unit model; did you mean \"ORB A Standard\"?"));
+    EXPECT_THAT(make("", "ORB A Standart"),
+                Fails(2, HasSubstr("ORB A Standart is no unit model; did you mean \"ORB A Standard\"?")));
     EXPECT_FALSE(fs::exists(made));
 }
 
@@ -180,9 +176,8 @@ TEST_F(CtlNew, ReplacesAFileOnlyWhenTold) {
 }
 
 TEST_F(CtlNew, NotesAnExtensionOfAnotherKind) {
-    const Outcome outcome = make("", "ORB L");
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.error, made + " holds a calibration for ORB L; such files end in .ZQ4OL\n");
+    EXPECT_THAT(make("", "ORB L"),
+                Succeeds(_, made + " holds a calibration for ORB L; such files end in .ZQ4OL\n"));
 }
 
 TEST_F(CtlNew, WrongUsageEndsWithTwo) {
@@ -202,9 +197,7 @@ TEST_F(CtlNew, WrongUsageEndsWithTwo) {
 
 TEST_F(CtlNew, AFolderThatIsNotThereIsToldInOneLine) {
     made = folder.file("no/such/folder.ZQ4OA");
-    const Outcome outcome = make();
-    EXPECT_EQ(outcome.exitCode, 1);
-    expectOneLine(outcome.error);
+    EXPECT_THAT(make(), Fails(1, isOneLine));
 }
 
 TEST_F(CtlNew, NeedsTheReferenceDatabase) {

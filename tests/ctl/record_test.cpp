@@ -6,9 +6,7 @@ namespace {
 
 TEST_F(Zentaqctl, RecordShowsTheLineThatAChangeSends) {
     const std::string before = contentOf(file);
-    const Outcome outcome = onFile("record", "KNK_MIN 50");
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.out, "S10411228048\n");
+    EXPECT_THAT(onFile("record", "KNK_MIN 50"), Succeeds("S10411228048\n"));
     EXPECT_EQ(contentOf(file), before);
 }
 
@@ -22,16 +20,12 @@ TEST_F(Zentaqctl, RecordShowsTheElementsAddress) {
 }
 
 TEST_F(Zentaqctl, RecordShowsNothingWhereNothingIsSent) {
-    const Outcome outcome = onFile("record", "INJ_Number 8");
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_THAT(outcome.out, IsEmpty());
+    EXPECT_THAT(onFile("record", "INJ_Number 8"), Succeeds(IsEmpty()));
 }
 
 TEST_F(Zentaqctl, RecordOfARefusedValueFails) {
-    const Outcome outcome = onFile("record", "KNK_MIN 1");
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_EQ(outcome.error, "Warning 1001: Data Input Error: (2 to 100 units) - Invalid Entry.\n");
-    EXPECT_THAT(outcome.out, IsEmpty());
+    EXPECT_THAT(onFile("record", "KNK_MIN 1"),
+                Fails(1, "Warning 1001: Data Input Error: (2 to 100 units) - Invalid Entry.\n", IsEmpty()));
 }
 
 TEST_F(Zentaqctl, RecordAnswersInJson) {

@@ -73,11 +73,10 @@ TEST_F(ZentaqctlAlone, ImageForNewerFirmwareEndsWhereTheDatabaseLacksTheSensor) 
     ASSERT_EQ(sqlite3_open(database.c_str(), &other), SQLITE_OK);
     EXPECT_EQ(sqlite3_exec(other, "DELETE FROM MAPCals WHERE ID = 2", nullptr, nullptr, nullptr), SQLITE_OK);
     sqlite3_close(other);
-    const Outcome outcome = alone("image " + inQuotes(file) + " --firmware 5.99 -o " + inQuotes(output));
-    EXPECT_EQ(outcome.exitCode, 1);
-    expectOneLine(outcome.error);
-    EXPECT_THAT(outcome.error, HasSubstr("MAP sensor 2 of the reference database is needed to convert it"));
-    EXPECT_THAT(outcome.error, HasSubstr("no such sensor"));
+    EXPECT_THAT(
+        alone("image " + inQuotes(file) + " --firmware 5.99 -o " + inQuotes(output)),
+        Fails(1, AllOf(isOneLine, HasSubstr("MAP sensor 2 of the reference database is needed to convert it"),
+                       HasSubstr("no such sensor"))));
     EXPECT_FALSE(fs::exists(output));
 }
 

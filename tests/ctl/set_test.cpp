@@ -47,18 +47,15 @@ TEST_F(Zentaqctl, SetAcceptsAValueAtItsLimit) {
 TEST_F(Zentaqctl, SetTellsTheWarningAndTheRangeOfARefusedValueAndWritesNothing) {
     const std::string before = contentOf(file);
     const std::string copy = folder.file("never.ZQ4OA");
-    const Outcome outcome = onFile("set", "KNK_MIN 101 -o " + inQuotes(copy));
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_EQ(outcome.error, "Warning 1001: Data Input Error: (2 to 100 units) - Invalid Entry.\n");
+    EXPECT_THAT(onFile("set", "KNK_MIN 101 -o " + inQuotes(copy)),
+                Fails(1, "Warning 1001: Data Input Error: (2 to 100 units) - Invalid Entry.\n"));
     EXPECT_EQ(onFile("set", "KNK_MIN 101").exitCode, 1);
     EXPECT_EQ(contentOf(file), before);
     EXPECT_FALSE(fs::exists(copy));
 }
 
 TEST_F(Zentaqctl, SetRefusesTextThatIsNoNumber) {
-    const Outcome outcome = onFile("set", "KNK_MIN fast");
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_THAT(outcome.error, StartsWith("Warning 1000: "));
+    EXPECT_THAT(onFile("set", "KNK_MIN fast"), Fails(1, StartsWith("Warning 1000: ")));
     EXPECT_THAT(onFile("set", "KNK_MIN ''").error, StartsWith("Warning 1005: "));
 }
 
@@ -70,9 +67,8 @@ TEST_F(Zentaqctl, SetUsesTheLimitsOfTheEngineInTheDatabase) {
 
 TEST_F(Zentaqctl, SetThatCannotWriteLeavesTheFileWhole) {
     const std::string before = contentOf(file);
-    const Outcome outcome = onFile("set", "KNK_MIN 44 -o " + inQuotes(folder.file("no/such/place.ZQ4OA")));
-    EXPECT_EQ(outcome.exitCode, 1);
-    expectOneLine(outcome.error);
+    EXPECT_THAT(onFile("set", "KNK_MIN 44 -o " + inQuotes(folder.file("no/such/place.ZQ4OA"))),
+                Fails(1, isOneLine));
     EXPECT_EQ(contentOf(file), before);
 }
 
@@ -126,9 +122,7 @@ TEST_F(Zentaqctl, SetOfAFileThatIsWriteProtectedFailsAndLeavesIt) {
     const std::string locked = folder.file("locked");
     fs::create_directory(locked);
     fs::create_directory(locked + "/tune.ZQ4OA");  // not even the superuser writes over a folder
-    const Outcome outcome = onFile("set", "KNK_MIN 44 -o " + inQuotes(locked + "/tune.ZQ4OA"));
-    EXPECT_EQ(outcome.exitCode, 1);
-    expectOneLine(outcome.error);
+    EXPECT_THAT(onFile("set", "KNK_MIN 44 -o " + inQuotes(locked + "/tune.ZQ4OA")), Fails(1, isOneLine));
     if (geteuid() != 0) {
         fs::permissions(file, fs::perms::owner_read);
         EXPECT_EQ(onFile("set", "KNK_MIN 44").exitCode, 1);
@@ -220,10 +214,9 @@ TEST_F(Zentaqctl, AFunctionThatThePinDoesNotOfferIsRefusedWithTheReason) {
     ASSERT_EQ(onFile("set", "GPIO_Func 12 --index 4").exitCode, 0);
     const std::string before = contentOf(file);
     const auto refused = [&](const char* arguments, const char* why) {
-        const Outcome outcome = onFile("set", std::string("GPIO_Func ") + arguments);
-        EXPECT_EQ(outcome.exitCode, 1) << arguments;
-        EXPECT_THAT(outcome.error, StartsWith(why));
-        expectOneLine(outcome.error);
+        EXPECT_THAT(onFile("set", std::string("GPIO_Func ") + arguments),
+                    Fails(1, AllOf(StartsWith(why), isOneLine)))
+            << arguments;
     };
     refused("12 --index 0", "GPIO_Func: \"Fuel Trim\" is for inputs, and pin 0 (W18) is an output; ");
     refused("6 --index 5", "GPIO_Func: \"Shift Light\" is for outputs, and pin 5 (G17) is an input; ");
@@ -246,20 +239,21 @@ TEST_F(Zentaqctl, AReleaseThatFilesOfTheKindCanNameIsTaken) {
 
 TEST_F(Zentaqctl, ASensorCurveTakesNoRatioOf0OrLess) {
     for (const char* value : {"0", "-1", "-0.0"}) {
-        const Outcome outcome = onFile("set", std::string("Y ") + value);
-        EXPECT_EQ(outcome.exitCode, 1) << value;
-        EXPECT_THAT(outcome.error, HasSubstr("(0.12 to 29.28 AFR) - Invalid Entry."));
+        EXPECT_THAT(onFile("set", std::string("Y ") + value),
+                    Fails(1, HasSubstr("(0.12 to 29.28 AFR) - Invalid Entry.")))
+            << value;
     }
     EXPECT_EQ(onFile("set", "Y 0.12 --index 0").exitCode, 0);
     EXPECT_EQ(onFile("image", "-o " + inQuotes(folder.file("out.s19"))).exitCode, 0);
 }
 
 TEST_F(Zentaqctl, ANameTellsHowLongItStays) {
-    const Outcome outcome = onFile("set", "BiName 'Track day'");
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.error,
-              "BiName stays until the file is saved again: a save, an image and a unit take the name of the "
-              "file\n");
+    EXPECT_THAT(
+        onFile("set", "BiName 'Track day'"),
+        Succeeds(
+            _,
+            "BiName stays until the file is saved again: a save, an image and a unit take the name of the "
+            "file\n"));
     EXPECT_EQ(onFile("get", "BiName").out, "Track day\n");
     ASSERT_EQ(onFile("set", "KNK_MIN 44").exitCode, 0);
     EXPECT_EQ(onFile("get", "BiName").out, "Street\n");
@@ -350,9 +344,8 @@ TEST_F(Zentaqctl, SetOnAKindWithFixedTablesRefusesTheirShape) {
 }
 
 TEST_F(Zentaqctl, SetOfATableWithoutAnIndexTellsThatElement0WasMeant) {
-    const Outcome outcome = onFile("set", "VE 5");
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.error, "VE has 256 elements; element 0 was changed, --index chooses another\n");
+    EXPECT_THAT(onFile("set", "VE 5"),
+                Succeeds(_, "VE has 256 elements; element 0 was changed, --index chooses another\n"));
     EXPECT_EQ(onFile("get", "VE 0").out, "5\n");
     EXPECT_THAT(onFile("set", "VE 6 --index 0").error, IsEmpty());
     EXPECT_THAT(onFile("set", "KNK_MIN 45").error, IsEmpty());
@@ -383,9 +376,7 @@ TEST_F(Zentaqctl, SetRefusesAStopThatIsNotAboveTheOneToItsLeft) {
                   words + stop.substr(0, stop.size() - 1) + " > 200 = FALSE");
     for (const char* entry : {"VE.X-Axis 200 --index 7", "GPO1.X-Axis 200 --index 7", "MAPTBL 11 --index 9",
                               "ADV.Y-Axis 11 --index 9", "GPO2.Y-Axis 11 --index 9"}) {
-        const Outcome outcome = onFile("set", entry);
-        EXPECT_EQ(outcome.exitCode, 1) << entry;
-        EXPECT_THAT(outcome.error, StartsWith(words)) << entry;
+        EXPECT_THAT(onFile("set", entry), Fails(1, StartsWith(words))) << entry;
     }
     EXPECT_TRUE(contentOf(file) == before);
 }
@@ -413,9 +404,7 @@ TEST_F(Zentaqctl, EveryCommandThatReadsACutFileTellsIt) {
     for (const auto& [command, rest] :
          {std::pair("info", ""), std::pair("get", "KNK_MIN"), std::pair("cell", "34"),
           std::pair("members", ""), std::pair("table", "VE"), std::pair("record", "KNK_MIN 50")}) {
-        const Outcome outcome = onFile(command, rest);
-        EXPECT_EQ(outcome.exitCode, 0) << command;
-        EXPECT_EQ(outcome.error, lost) << command;
+        EXPECT_THAT(onFile(command, rest), Succeeds(_, lost)) << command;
     }
 }
 
@@ -447,9 +436,9 @@ TEST_F(Zentaqctl, WhatChangesACutFileRefusesItWithoutForce) {
         }
         EXPECT_TRUE(contentOf(file) == cut) << command;
         EXPECT_FALSE(fs::exists(other)) << command;
-        const Outcome forced = onFile(command, std::string(rest) + " --force", table);
-        EXPECT_EQ(forced.exitCode, 0) << command;
-        EXPECT_THAT(forced.error, StartsWith(lost + "\n")) << command;
+        EXPECT_THAT(onFile(command, std::string(rest) + " --force", table),
+                    Succeeds(_, StartsWith(lost + "\n")))
+            << command;
         EXPECT_THAT(run(std::string(command) + " --help").out, HasSubstr("whose end is missing")) << command;
     }
 }

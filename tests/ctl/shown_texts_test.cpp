@@ -54,9 +54,7 @@ TEST_F(ZentaqctlShown, NamesOfFilesAndWordsOfTheCommandLineAreEscapedInErrors) {
     EXPECT_TRUE(isReadable(missing.error));
     const Outcome value = run("get " + inQuotes(file) + " \"$(printf 'KNK\\033[31m')\"");
     EXPECT_THAT(value.error, StartsWith("ORB A has no member KNK\\x1B[31m"));
-    const Outcome usage = run("\"$(printf '\\033[31m')\"");
-    EXPECT_EQ(usage.exitCode, 2);
-    EXPECT_THAT(usage.error, StartsWith("\\x1B[31m is no command"));
+    EXPECT_THAT(run("\"$(printf '\\033[31m')\""), Fails(2, StartsWith("\\x1B[31m is no command")));
 }
 
 TEST_F(ZentaqctlShown, WhatIsReadBackByAProgramStaysAsItIs) {
@@ -120,12 +118,9 @@ TEST_F(ZentaqctlShown, AFileInsideAnErrorIsCutToALine) {
 
 TEST_F(ZentaqctlShown, ANumberOutOfAllRangeIsToldWithTheFileAndWhatItIs) {
     plant(0, 1e30F);  // a control byte
-    const Outcome outcome = onFile("info");
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_THAT(outcome.error,
-                StartsWith(file + ": the file is damaged, it holds a number out of all range"));
-    EXPECT_THAT(outcome.error, HasSubstr(" to 255 do"));
-    expectOneLine(outcome.error);
+    EXPECT_THAT(onFile("info"),
+                Fails(1, AllOf(StartsWith(file + ": the file is damaged, it holds a number out of all range"),
+                               HasSubstr(" to 255 do"), isOneLine)));
 }
 
 // ---- Limits
@@ -150,9 +145,8 @@ TEST_F(ZentaqctlShown, EveryReaderRefusesTwoGigabytesAtOnceWithItsLimit) {
     const std::string trace = folder.file("wire.trace");
     ASSERT_EQ(run("identify --port none --trace " + inQuotes(trace)).exitCode, 3);
     expectRefused(run("trace " + grown(contentOf(trace))), start + "a wire trace has at most 20971520");
-    const Outcome info = run("info " + grown(calibration));
-    EXPECT_EQ(info.exitCode, 1);
-    EXPECT_THAT(info.error, HasSubstr("holds more values than a calibration"));
+    EXPECT_THAT(run("info " + grown(calibration)),
+                Fails(1, HasSubstr("holds more values than a calibration")));
 }
 
 TEST_F(ZentaqctlShown, TheStandardInputHasTheLimitOfItsReader) {

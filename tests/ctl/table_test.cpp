@@ -47,9 +47,7 @@ TEST_F(ZentaqctlTable, ShowsTheHighestRowOnTop) {
 
 TEST_F(ZentaqctlTable, ShowsAllSixTables) {
     for (const char* name : {"ADV", "AFR", "SPW", "VE", "GPO1", "GPO2"}) {
-        const Outcome outcome = onFile("table", name);
-        EXPECT_EQ(outcome.exitCode, 0) << name;
-        EXPECT_THAT(outcome.out, StartsWith(std::string(name) + "\t"));
+        EXPECT_THAT(onFile("table", name), Succeeds(StartsWith(std::string(name) + "\t"))) << name;
     }
 }
 
@@ -128,12 +126,10 @@ TEST_F(ZentaqctlTable, RefusesAnAxisThatDoesNotRise) {
     const std::string before = contentOf(file);
     Grid grid = shown("VE");
     grid[0][3] = grid[0][2];
-    const Outcome outcome = written("VE", grid);
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_EQ(outcome.error,
-              input +
-                  ", line 1, column 4 (header): Warning 1006: Data Input Error: The value you "
-                  "entered must be higher than that of the one to the left. 875 > 875 = FALSE\n");
+    EXPECT_THAT(
+        written("VE", grid),
+        Fails(1, input + ", line 1, column 4 (header): Warning 1006: Data Input Error: The value you "
+                         "entered must be higher than that of the one to the left. 875 > 875 = FALSE\n"));
     EXPECT_EQ(contentOf(file), before);
 }
 
@@ -153,10 +149,9 @@ TEST_F(ZentaqctlTable, NamesARefusedCellAndWritesNothing) {
     grid[16][1] = "10";
     grid[3][5] = "50.5";
     const std::string before = contentOf(file);
-    const Outcome outcome = written("VE", grid);
-    EXPECT_EQ(outcome.exitCode, 1);
-    EXPECT_EQ(outcome.error, input + ", line 4, column 6 (" + grid[3][0] + " kPa, " + grid[0][5] +
-                                 " RPM): Warning 1001: Data Input Error: (-50 to 50%) - Invalid Entry.\n");
+    EXPECT_THAT(written("VE", grid),
+                Fails(1, input + ", line 4, column 6 (" + grid[3][0] + " kPa, " + grid[0][5] +
+                             " RPM): Warning 1001: Data Input Error: (-50 to 50%) - Invalid Entry.\n"));
     EXPECT_EQ(contentOf(file), before);
 }
 

@@ -33,9 +33,7 @@ TEST_F(Zentaqctl, FailsWhenItsAnswerCannotBeWritten) {
 }
 
 TEST_F(Zentaqctl, AnUnknownCommandIsNamed) {
-    const Outcome outcome = run("inof x");
-    EXPECT_EQ(outcome.exitCode, 2);
-    EXPECT_THAT(outcome.error, StartsWith("inof is no command\n"));
+    EXPECT_THAT(run("inof x"), Fails(2, StartsWith("inof is no command\n")));
 }
 
 TEST_F(Zentaqctl, WrongUsageOfTheCommandsThatWriteEndsWithTwo) {
