@@ -13,8 +13,7 @@ namespace {
 using namespace test;
 
 SimulatedUnit inUpgradeMode(std::string_view model = "A") {
-    const UnitProfile& profile = *findProfile(model);
-    SimulatedUnit unit(profile, defaultIdentity(profile));
+    SimulatedUnit unit = unitOf(model);
     unit.setUpgradeMode(true);
     return unit;
 }
@@ -57,16 +56,19 @@ void expectBootLoaderOnly(SimulatedUnit& unit) {
     EXPECT_EQ(askText(unit, "P3"), "AX");
 }
 
-TEST(Firmware, IsRefusedOutsideOfUpgradeModeAndNothingChanges) {
+class FirmwareOfOrbA : public testing::Test {
+ protected:
     SimulatedUnit unit = inUpgradeMode();
+};
+
+TEST_F(FirmwareOfOrbA, IsRefusedOutsideOfUpgradeModeAndNothingChanges) {
     unit.setUpgradeMode(false);
     EXPECT_EQ(askText(unit, "P3"), "AR");
     EXPECT_EQ(firmwareTold(unit), "ZQA-405099");
     EXPECT_EQ(unit.firmware().revision(), 0u);
 }
 
-TEST(Firmware, UpgradeModeAloneChangesNothingElse) {
-    SimulatedUnit unit = inUpgradeMode();
+TEST_F(FirmwareOfOrbA, UpgradeModeAloneChangesNothingElse) {
     EXPECT_EQ(ask(unit, "E").size(), 8u);
     EXPECT_EQ(ask(unit, "W").size(), 65u);
 }
@@ -99,8 +101,7 @@ INSTANTIATE_TEST_SUITE_P(Models, FirmwareOfEveryKind,
                          [](const auto& row) { return plainName(row.param->model); });
 
 TEST(Firmware, BringsTheWideFrameWithItsRelease) {
-    const UnitProfile& profile = *findProfile("A");
-    SimulatedUnit unit(profile, {.serial = 200001, .firmware = "ZQA-404099"});
+    SimulatedUnit unit = unitOf("A", "ZQA-404099");
     unit.setUpgradeMode(true);
     ASSERT_TRUE(ask(unit, "W").empty());
     program(unit, "ZQA-405001");
@@ -120,8 +121,7 @@ TEST(Firmware, LinesOfAllKindsButTheOrbACountWithTheirEnd) {
     EXPECT_EQ(askText(orb, firmwareLines("ZQA-505100")[1] + "\r\n"), "AR");
 }
 
-TEST(Firmware, OfAnotherKindIsRefusedAndTheOldOneStays) {
-    SimulatedUnit unit = inUpgradeMode();
+TEST_F(FirmwareOfOrbA, OfAnotherKindIsRefusedAndTheOldOneStays) {
     ASSERT_EQ(askText(unit, "P3"), "AX");
     EXPECT_EQ(askText(unit, firmwareLines("ZQL-408001")[0]), "AR");
     EXPECT_EQ(firmwareTold(unit), "ZQA-405099");
@@ -141,8 +141,7 @@ TEST(Firmware, DamagedLineIsRefusedAndLeavesOnlyTheBootLoader) {
     }
 }
 
-TEST(Firmware, MissingOneIsPutInWithoutTheUpgradeSwitch) {
-    SimulatedUnit unit = inUpgradeMode();
+TEST_F(FirmwareOfOrbA, MissingOneIsPutInWithoutTheUpgradeSwitch) {
     begin(unit, "ZQA-505100", 3);
     unit.setUpgradeMode(false);
     EXPECT_EQ(askText(unit, "X"), "AR");
@@ -152,31 +151,28 @@ TEST(Firmware, MissingOneIsPutInWithoutTheUpgradeSwitch) {
 }
 
 TEST(Firmware, ResetHangUpOrTenSecondsOnTheWayLeaveOnlyTheBootLoader) {
-    SimulatedUnit reset = inUpgradeMode();
-    begin(reset, "ZQA-505100", 3);
-    reset.powerCycle();
-    expectBootLoaderOnly(reset);
-
-    SimulatedUnit hungUp = inUpgradeMode();
-    begin(hungUp, "ZQA-505100", 3);
-    hungUp.lineLost();
-    expectBootLoaderOnly(hungUp);
-
-    SimulatedUnit leftAlone = inUpgradeMode();
-    begin(leftAlone, "ZQA-505100", 3);
-    leftAlone.advance(10.1);
-    expectBootLoaderOnly(leftAlone);
+    struct Row {
+        const char* what;
+        void (*ends)(SimulatedUnit&);
+    };
+    for (const Row& row : {Row{"reset", [](SimulatedUnit& unit) { unit.powerCycle(); }},
+                           Row{"hung up", [](SimulatedUnit& unit) { unit.lineLost(); }},
+                           Row{"left alone", [](SimulatedUnit& unit) { unit.advance(10.1); }}}) {
+        SCOPED_TRACE(row.what);
+        SimulatedUnit unit = inUpgradeMode();
+        begin(unit, "ZQA-505100", 3);
+        row.ends(unit);
+        expectBootLoaderOnly(unit);
+    }
 }
 
-TEST(Firmware, PauseOfLessThanTenSecondsIsBorne) {
-    SimulatedUnit unit = inUpgradeMode();
+TEST_F(FirmwareOfOrbA, PauseOfLessThanTenSecondsIsBorne) {
     begin(unit, "ZQA-505100", 3);
     unit.advance(9.9);
     EXPECT_EQ(askText(unit, firmwareLines("ZQA-505100")[3]), "AX");
 }
 
-TEST(Firmware, TransferThatNeverSendsALineLeavesTheOldOneAtWork) {
-    SimulatedUnit unit = inUpgradeMode();
+TEST_F(FirmwareOfOrbA, TransferThatNeverSendsALineLeavesTheOldOneAtWork) {
     ASSERT_EQ(askText(unit, "P3"), "AX");
     unit.advance(10.1);
     EXPECT_EQ(firmwareTold(unit), "ZQA-405099");
@@ -185,24 +181,21 @@ TEST(Firmware, TransferThatNeverSendsALineLeavesTheOldOneAtWork) {
     EXPECT_EQ(firmwareTold(unit), "ZQA-405099");
 }
 
-TEST(Firmware, CalibrationStaysUntilTheNewOneStarts) {
-    SimulatedUnit unit = inUpgradeMode();
+TEST_F(FirmwareOfOrbA, CalibrationStaysUntilTheNewOneStarts) {
     ask(unit, "P2S10411228048");
     ask(unit, "S");
     program(unit, "ZQA-505100");
     EXPECT_EQ(unit.permanentMemory()[34], 0x80);
 }
 
-TEST(Firmware, WithoutItACalibrationCannotBeProgrammed) {
-    SimulatedUnit unit = inUpgradeMode();
+TEST_F(FirmwareOfOrbA, WithoutItACalibrationCannotBeProgrammed) {
     begin(unit, "ZQA-505100", 2);
     unit.powerCycle();
     EXPECT_EQ(askText(unit, "P1"), "");
     EXPECT_EQ(askText(unit, imageRow(0, 1)), "");
 }
 
-TEST(Firmware, OfAnEarlierRunIsTakenUp) {
-    SimulatedUnit unit = inUpgradeMode();
+TEST_F(FirmwareOfOrbA, OfAnEarlierRunIsTakenUp) {
     unit.installFirmware({FirmwareState::Running, "ZQA-505100"});
     EXPECT_EQ(firmwareTold(unit), "ZQA-505100");
     unit.installFirmware({FirmwareState::Missing, ""});

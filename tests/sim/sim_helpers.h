@@ -58,9 +58,15 @@ inline std::string imageRow(int row, unsigned seed) {
 
 inline constexpr const char* endRecord = "S9030000FC";
 
+/// A unit as delivered, or with another firmware.
+inline SimulatedUnit unitOf(std::string_view model, std::string_view firmware = {}) {
+    const UnitProfile& profile = *findProfile(model);
+    UnitIdentity identity = defaultIdentity(profile);
+    if (!firmware.empty()) identity.firmware = firmware;
+    return {profile, identity};
+}
 inline SimulatedUnit orbA() {
-    const UnitProfile& profile = *findProfile("A");
-    return {profile, defaultIdentity(profile)};
+    return unitOf("A");
 }
 
 inline Bytes ask(SimulatedUnit& unit, std::string_view command) {

@@ -83,7 +83,7 @@ TEST_F(OrbA, WGivesTheWideFrameAfterItsHead) {
 }
 
 TEST(SimulatedUnit, FirmwareBelowReleaseFiveDoesNotKnowTheWideFrame) {
-    SimulatedUnit unit(*findProfile("A"), {.serial = 200001, .firmware = "ZQA-404099"});
+    SimulatedUnit unit = unitOf("A", "ZQA-404099");
     EXPECT_TRUE(ask(unit, "W").empty());
     EXPECT_EQ(ask(unit, "F").size(), 35u);
 }
@@ -332,7 +332,7 @@ TEST_F(Programming, MissingLineIsRefusedAtTheEndRecordAndTheOldCalibrationStays)
 }
 
 TEST(SimulatedUnit, OlderFirmwareIsCompleteWith137Lines) {
-    SimulatedUnit unit(*findProfile("A"), {.serial = 200001, .firmware = "ZQA-404099"});
+    SimulatedUnit unit = unitOf("A", "ZQA-404099");
     startProgramming(unit);
     sendRows(unit, 137, 3);
     EXPECT_EQ(askText(unit, endRecord), "PN");

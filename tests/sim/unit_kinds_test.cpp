@@ -1,6 +1,7 @@
 // The same protocol on every kind of unit: what each answers, and how long.
 #include <gtest/gtest.h>
 
+#include <map>
 #include <set>
 
 #include "sim/simulated_unit.h"
@@ -129,8 +130,7 @@ INSTANTIATE_TEST_SUITE_P(Models, EveryKind, testing::ValuesIn(kindCases),
 
 TEST(UnitKinds, SubtypesOfTheOrbATellThemselvesInTheFirmwareReply) {
     const auto subtype = [](const char* model) {
-        const UnitProfile& profile = *findProfile(model);
-        SimulatedUnit unit(profile, defaultIdentity(profile));
+        SimulatedUnit unit = unitOf(model);
         return ask(unit, "B").at(37);
     };
     EXPECT_EQ(subtype("A"), 0);
@@ -151,14 +151,11 @@ TEST(UnitKinds, WideFrameComesWithAReleaseOfTheKindsOwn) {
                                   {"D", "ZQD-404099", "ZQD-405000"},
                                   {"D6", "ZQD-404099", "ZQD-405000"}};
     for (const WideCase& row : cases) {
-        const UnitProfile& profile = *findProfile(row.model);
-        UnitIdentity identity = defaultIdentity(profile);
-        identity.firmware = row.without;
-        SimulatedUnit older(profile, identity);
+        SimulatedUnit older = unitOf(row.model, row.without);
         EXPECT_TRUE(ask(older, "W").empty()) << row.model;
-        EXPECT_EQ(ask(older, "F").size(), static_cast<std::size_t>(profile.narrow.length)) << row.model;
-        identity.firmware = row.with;
-        SimulatedUnit newer(profile, identity);
+        EXPECT_EQ(ask(older, "F").size(), static_cast<std::size_t>(older.profile().narrow.length))
+            << row.model;
+        SimulatedUnit newer = unitOf(row.model, row.with);
         EXPECT_TRUE(isSealed(ask(newer, "W"))) << row.model;
     }
 }
@@ -174,11 +171,8 @@ TEST(UnitKinds, FirmwareTellsHowManyLinesAnImageHas) {
         {"L", "ZQL-405000", 147}, {"L", "ZQL-406099", 147}, {"C", "ZQC-404099", 137},
         {"C", "ZQC-405000", 147}, {"D", "ZQD-404099", 137}, {"PZK-2", "ZPK-401000", 64}};
     for (const LinesCase& row : cases) {
-        const UnitProfile& profile = *findProfile(row.model);
-        UnitIdentity identity = defaultIdentity(profile);
-        identity.firmware = row.firmware;
-        SimulatedUnit unit(profile, identity);
-        const std::string end = profile.linesEndInLineFeed ? "\r\n" : "";
+        SimulatedUnit unit = unitOf(row.model, row.firmware);
+        const std::string end = unit.profile().linesEndInLineFeed ? "\r\n" : "";
         ASSERT_EQ(askText(unit, "P1"), "AX");
         for (int i = 0; i < row.lines; ++i)
             ASSERT_EQ(askText(unit, imageRow(i, 2) + end), "AX") << row.firmware;
@@ -187,8 +181,7 @@ TEST(UnitKinds, FirmwareTellsHowManyLinesAnImageHas) {
 }
 
 TEST(UnitKinds, AllButTheOrbAWaitForTheEndOfALine) {
-    const UnitProfile& profile = *findProfile("L");
-    SimulatedUnit unit(profile, defaultIdentity(profile));
+    SimulatedUnit unit = unitOf("L");
     ASSERT_EQ(askText(unit, "P1"), "AX");
     EXPECT_EQ(askText(unit, imageRow(0, 1)), "");
     EXPECT_EQ(askText(unit, "\r"), "");
@@ -234,20 +227,18 @@ TEST(UnitKinds, OldAndOctalSerialRepliesComeOnDemand) {
 }
 
 TEST(UnitProfile, NamesMayBeSpelledAsPeopleDo) {
-    for (const char* spelling : {"A 6/12", "a6/12", "A612", "orb-a612", "ORB A 6/12"}) {
-        ASSERT_NE(findProfile(spelling), nullptr) << spelling;
-        EXPECT_EQ(findProfile(spelling)->model, "A 6/12") << spelling;
+    const std::map<std::string_view, std::vector<const char*>> spellings{
+        {"A 6/12", {"A 6/12", "a6/12", "A612", "orb-a612", "ORB A 6/12"}},
+        {"A r", {"A r", "ar", "AR", "orb-ar"}},
+        {"PZK-2", {"PZK-2", "pzk2", "Pzk 2"}},
+        {"D", {"orb d"}},
+        {"D6", {"d6"}}};
+    for (const auto& [model, ways] : spellings) {
+        for (const char* spelling : ways) {
+            ASSERT_NE(findProfile(spelling), nullptr) << spelling;
+            EXPECT_EQ(findProfile(spelling)->model, model) << spelling;
+        }
     }
-    for (const char* spelling : {"A r", "ar", "AR", "orb-ar"}) {
-        ASSERT_NE(findProfile(spelling), nullptr) << spelling;
-        EXPECT_EQ(findProfile(spelling)->model, "A r") << spelling;
-    }
-    for (const char* spelling : {"PZK-2", "pzk2", "Pzk 2"}) {
-        ASSERT_NE(findProfile(spelling), nullptr) << spelling;
-        EXPECT_EQ(findProfile(spelling)->model, "PZK-2") << spelling;
-    }
-    EXPECT_EQ(findProfile("orb d")->model, "D");
-    EXPECT_EQ(findProfile("d6")->model, "D6");
     for (const char* spelling : {"", "ORB", "B", "A6", "PZK", "D66"})
         EXPECT_EQ(findProfile(spelling), nullptr);
 }
