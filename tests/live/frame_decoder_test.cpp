@@ -253,21 +253,18 @@ std::vector<std::uint8_t> pinReply() {
     return frame(21, bytes);
 }
 
-TEST(PinReply, CarriesNinePins) {
-    Decoding d(4);
-    d.unit.GPIOData()[9] = -1;
-    d.decoder.Monitor_GPIO(d.unit, pinReply());
-    EXPECT_EQ(d.unit.GPIOData()[0], 100);
-    EXPECT_EQ(d.unit.GPIOData()[8], 108);
-    EXPECT_EQ(d.unit.GPIOData()[9], -1);
-}
-
-TEST(PinReply, CarriesThirteenPinsOnKind6) {
-    Decoding d(6);
-    d.unit.GPIOData()[13] = -1;
-    d.decoder.Monitor_GPIO(d.unit, pinReply());
-    EXPECT_EQ(d.unit.GPIOData()[12], 112);
-    EXPECT_EQ(d.unit.GPIOData()[13], -1);
+TEST(PinReply, CarriesThePinsOfItsKind) {
+    for (const auto& [slot, pins] : {std::pair(4, 9), std::pair(6, 13)}) {
+        Decoding d(slot);
+        const auto shown = [&](int pin) -> auto& {
+            return d.unit.GPIOData()[static_cast<std::size_t>(pin)];
+        };
+        shown(pins) = -1;
+        d.decoder.Monitor_GPIO(d.unit, pinReply());
+        EXPECT_EQ(shown(0), 100) << slot;
+        EXPECT_EQ(shown(pins - 1), 99 + pins) << slot;
+        EXPECT_EQ(shown(pins), -1) << slot;
+    }
 }
 
 TEST(PinReply, IsUnknownToKind3) {
@@ -277,30 +274,19 @@ TEST(PinReply, IsUnknownToKind3) {
 }
 
 TEST(InternalRecord, HasActualBeforeDesiredRatioUnlikeTheNarrowFrame) {
-    Decoding d(4);
-    auto bytes = narrowBytesOfOthers;
-    bytes[24] = 180;
-    d.decoder.Internal_Data_Conv(d.unit, frame(36, bytes));
-    EXPECT_EQ(d.live.AAFR, 9.8F);
-    EXPECT_EQ(d.live.DAFR, 14.73F);
-    EXPECT_EQ(d.live.RPM, 3100);
-    EXPECT_EQ(d.live.PRIPW, 5);
-    EXPECT_EQ(d.live.IACP, 25);
-    EXPECT_EQ(d.live.BATTV, 14.1F);
-    EXPECT_EQ(d.live.IACD, 0);
-}
-
-TEST(InternalRecord, OfAnOrbDIsReadAsTheOtherKindsOfItsLength) {
-    for (const int slot : {7, 8}) {
+    for (const auto& [slot, length] : {std::pair(4, 36), std::pair(7, 34), std::pair(8, 34)}) {
+        SCOPED_TRACE(slot);
         Decoding d(slot);
         auto bytes = narrowBytesOfOthers;
         bytes[24] = 180;
-        d.decoder.Internal_Data_Conv(d.unit, frame(34, bytes));
-        EXPECT_EQ(d.live.RPM, 3100);
+        d.decoder.Internal_Data_Conv(d.unit, frame(length, bytes));
         EXPECT_EQ(d.live.AAFR, 9.8F);
         EXPECT_EQ(d.live.DAFR, 14.73F);
+        EXPECT_EQ(d.live.RPM, 3100);
         EXPECT_EQ(d.live.PRIPW, 5);
+        EXPECT_EQ(d.live.IACP, 25);
         EXPECT_EQ(d.live.BATTV, 14.1F);
+        EXPECT_EQ(d.live.IACD, 0);
     }
 }
 
