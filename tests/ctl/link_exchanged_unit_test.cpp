@@ -80,11 +80,7 @@ TEST_F(ZentaqctlExchanged, ProgramSendsNothingToIt) {
 }
 
 TEST_F(ZentaqctlExchanged, FirmwareSendsNothingToIt) {
-    const std::string firmware = folder.file("ZQA-505100.nv3");
-    const std::string make = inQuotes(ZENTAQ_APP_DIR "/zentaq-sim") +
-                             " --unit A --firmware ZQA-505100 --make-firmware " + inQuotes(firmware) + " >" +
-                             inQuotes(folder.file("made.txt"));
-    ASSERT_EQ(std::system(make.c_str()), 0);
+    const std::string firmware = makeFirmware("A", "ZQA-505100");
     expectNothingSent("firmware --yes", firmware);
 }
 

@@ -16,13 +16,6 @@ constexpr const char* done =
 
 class ZentaqctlFirmware : public ZentaqctlOnLink {
  protected:
-    ZentaqctlFirmware() {
-        const std::string command = inQuotes(ZENTAQ_APP_DIR "/zentaq-sim") +
-                                    " --unit A --firmware ZQA-505100 --make-firmware " + inQuotes(firmware) +
-                                    " >" + inQuotes(folder.file("made.txt"));
-        EXPECT_EQ(std::system(command.c_str()), 0);
-    }
-
     void startReady(const std::string& model = "A", const Words& more = {}) {
         Words words{"--upgrade-mode", "--memory", memory};
         words.insert(words.end(), more.begin(), more.end());
@@ -46,7 +39,7 @@ class ZentaqctlFirmware : public ZentaqctlOnLink {
         return all;
     }
 
-    std::string firmware = folder.file("ZQA-505100.nv3");
+    std::string firmware = makeFirmware("A", "ZQA-505100");
 };
 
 TEST_F(ZentaqctlFirmware, PutsTheFileIntoTheUnitAndSaysWhatToDoNext) {

@@ -121,6 +121,15 @@ class ZentaqctlOnLink : public Zentaqctl {
         if (ready_ >= 0) ::close(ready_);
     }
 
+    /// A firmware file for simulated units, which is named after what it holds.
+    std::string makeFirmware(const std::string& model, const std::string& text) {
+        const std::string made = folder.file(text + ".nv3");
+        const std::string command = inQuotes(ZENTAQ_APP_DIR "/zentaq-sim") + " --unit " + model +
+                                    " --firmware " + text + " --make-firmware " + inQuotes(made) + " >" +
+                                    inQuotes(folder.file("made.txt"));
+        EXPECT_EQ(std::system(command.c_str()), 0);
+        return made;
+    }
     /// Starts a unit of `model` at `port`, at the speed of a program: no pacing.
     void startUnit(const std::string& model, const Words& more = {}) {
         Words arguments{"--unit", model, "--link", port, "--baud", "0"};

@@ -8,11 +8,7 @@ namespace {
 using ZentaqctlGaps = ZentaqctlOnLink;
 
 TEST_F(ZentaqctlGaps, LinesNeverFollowAnAnswerBeforeTenMillisecondsThoughTheProgramIsStoppedAgainAndAgain) {
-    const std::string firmware = folder.file("ZQL-707100.nv3");
-    const std::string make = inQuotes(ZENTAQ_APP_DIR "/zentaq-sim") +
-                             " --unit L --firmware ZQL-707100 --make-firmware " + inQuotes(firmware) + " >" +
-                             inQuotes(folder.file("made.txt"));
-    ASSERT_EQ(std::system(make.c_str()), 0);
+    const std::string firmware = makeFirmware("L", "ZQL-707100");
     constexpr int lines = 100;
     TimedUnit unit(lines);
     const int out = ::open(folder.file("out").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);

@@ -12,12 +12,6 @@ constexpr const char* ctrlQ = "\x11";
 
 class ZentaqctlAtATerminal : public ZentaqctlOnLink {
  protected:
-    ZentaqctlAtATerminal() {
-        const std::string command = inQuotes(ZENTAQ_APP_DIR "/zentaq-sim") +
-                                    " --unit A --firmware ZQA-505100 --make-firmware " + inQuotes(firmware) +
-                                    " >" + inQuotes(folder.file("made.txt"));
-        EXPECT_EQ(std::system(command.c_str()), 0);
-    }
     void startReady() { startUnit("A", {"--upgrade-mode", "--memory", memory}); }
     Words upgrade() const { return {"firmware", "--yes", "--port", port, firmware}; }
     /// Waits until the unit has written down that it is so; a run takes a few seconds.
@@ -38,7 +32,7 @@ class ZentaqctlAtATerminal : public ZentaqctlOnLink {
         return false;
     }
 
-    std::string firmware = folder.file("ZQA-505100.nv3");
+    std::string firmware = makeFirmware("A", "ZQA-505100");
 };
 
 TEST_F(ZentaqctlAtATerminal, OneThatIsStoppedDoesNotStopTheUpgrade) {
