@@ -259,7 +259,7 @@ void writePinParameter(QuietCalibration& calibration, const std::string& value, 
                       "\", the function of pin " + numberText(pin) + ", has no parameter " +
                       numberText(parameter) + "; set GPIO_Func first, or change the cell as it stands");
     }
-    throwIfRefused(model.enter(pin, row, value));
+    throwIfRefused(model.enter(pin, row, value), "GPIO_Param", value);
 }
 
 /// As the manager gives a pin its function: only what the pin offers, and with all parameters 0.
@@ -370,7 +370,8 @@ void addStops(std::vector<Member>& members, const UnitKind& kind, const std::str
          .write =
              [table, axis](QuietCalibration& calibration, const std::string& value, int element) {
                  numberFrom(table + "." + axis, value);
-                 throwIfRefused(setTableHeader(calibration.unit, table, axis, element, value));
+                 throwIfRefused(setTableHeader(calibration.unit, table, axis, element, value),
+                                table + "." + axis, value);
              }});
 }
 

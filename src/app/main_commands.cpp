@@ -13,12 +13,12 @@ void MainCommands::help() {
 }
 
 void MainCommands::dayMode() {
-    session_.settings().set("System", "MonitorMode", "1");
+    session_.settings().set(settings::system, settings::MonitorMode, "1");
     session_.windows().tell(&WindowNews::look, true);
 }
 
 void MainCommands::nightMode() {
-    session_.settings().set("System", "MonitorMode", "0");
+    session_.settings().set(settings::system, settings::MonitorMode, "0");
     session_.windows().tell(&WindowNews::look, false);
 }
 

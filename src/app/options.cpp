@@ -240,12 +240,18 @@ std::vector<std::string> Options::apply() {
     std::ranges::stable_sort(steps, {}, &Step::turn);
     refused_.clear();
     refusals_.clear();
-    for (const Step& step : steps) {
-        if (step.act == nullptr) {
-            storeRow(*step.row);
-        } else {
-            step.act(*this, session_);
+    try {
+        for (const Step& step : steps) {
+            if (step.act == nullptr) {
+                storeRow(*step.row);
+            } else {
+                step.act(*this, session_);
+            }
         }
+    } catch (...) {
+        // What was refused until then is not stored either, and its user is told so.
+        session_.messages.tell(refusals_);
+        throw;
     }
     session_.messages.tell(refusals_);
     session_.sysLog("Application Options Have Been Applied.");

@@ -14,8 +14,6 @@ namespace zentaq {
 
 namespace {
 
-/// The order in which the objects are made. Slots 7 and 8 hold two objects of one class.
-
 /// How often a closed port is looked for.
 constexpr std::int64_t portCheckUs = 1'000'000;
 
@@ -106,7 +104,7 @@ Database& Session::requireReference() {
 }
 
 double Session::settingNumber(const std::string& key) const {
-    return numberOf(platform_.settings.get("System", key));
+    return numberOf(platform_.settings.get(settings::system, key));
 }
 
 void Session::poll(bool secondTabShowing) {
@@ -165,7 +163,7 @@ void Session::refreshCodes() {
 
 bool Session::dayMode() const {
     bool day = false;
-    skipFailing([&] { day = settingNumber("MonitorMode") == 1; });
+    skipFailing([&] { day = settingNumber(settings::MonitorMode) == 1; });
     return day;
 }
 
@@ -227,7 +225,7 @@ std::optional<SensorFacts> Session::mapSensor(int id) {
 
 bool Session::fahrenheit() const {
     // kept: only "0" is Celsius, so a fresh installation shows Fahrenheit until the options are applied.
-    return platform_.settings.get("System", "TemperatureToggle") != "0";
+    return platform_.settings.get(settings::system, settings::TemperatureToggle) != "0";
 }
 
 bool Session::firmwareKnownFromLink(int slot) const {

@@ -150,8 +150,9 @@ void putStops(Filler& filler, Unit& unit) {
         for (int i = 0; i < axisCells; ++i) {
             // The axis reads back rounded, which may step over the end of the sensor.
             const float pressure = std::clamp(unit.get("MAPTBL", i), unit.MAPMin(), unit.MAPMax());
-            filler.note(table, unit.Set_GPO_Stop(unit.get("RPMTBL", i), i, "X-Axis", table));
-            filler.note(table, unit.Set_GPO_Stop(pressure, i, "Y-Axis", table));
+            auto set = unit.Set_GPO_Stop(unit.get("RPMTBL", i), i, "X-Axis", table);
+            if (set) set = unit.Set_GPO_Stop(pressure, i, "Y-Axis", table);
+            filler.note(table, set);
         }
     }
 }

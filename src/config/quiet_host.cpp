@@ -4,6 +4,7 @@
 #include <variant>
 
 #include "base/number_text.h"
+#include "base/shown_text.h"
 #include "config/basic_figures.h"
 #include "config/engine_facts.h"
 
@@ -50,8 +51,10 @@ float QuietHost::programVersion() const {
 
 Refused::Refused(const Refusal& refusal) : Failure(refusal.line()) {}
 
-void throwIfRefused(const EntryOutcome& outcome) {
-    if (!outcome) throw Refused(outcome.refusal());
+void throwIfRefused(const EntryOutcome& outcome, std::string_view name, std::string_view value) {
+    if (outcome) return;
+    if (outcome.refusal().warning != 0) throw Refused(outcome.refusal());
+    throw Refused(std::string(name) + " does not take " + shownBriefly(value));
 }
 
 void setOrThrow(Unit& unit, std::string_view member, const Entry& value, int element) {
@@ -67,7 +70,7 @@ void setOrThrow(Unit& unit, std::string_view member, const Entry& value, int ele
     if (std::holds_alternative<NoRange>(row->range) && !holdsAlready(unit, *row, number, element)) {
         throwIfRefused(checkFigure(unit, row->name, number));
     }
-    throwIfRefused(unit.write(*row, value, element));
+    throwIfRefused(unit.write(*row, value, element), name, value.text());
 }
 
 }  // namespace zentaq

@@ -23,7 +23,8 @@ class Refused : public Failure {
     explicit Refused(const Refusal& refusal);
 };
 
-void throwIfRefused(const EntryOutcome& outcome);
+/// What is ignored comes with no warning: then the text tells what does not take which value.
+void throwIfRefused(const EntryOutcome& outcome, std::string_view name = {}, std::string_view value = {});
 
 /// Where reference data comes from: an open database, none, or one that is opened when it is first asked for.
 /// A program that only reads cells must not wait for a database.

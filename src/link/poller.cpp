@@ -4,6 +4,7 @@
 
 #include "base/number_text.h"
 #include "base/rounding.h"
+#include "base/settings_keys.h"
 
 namespace zentaq {
 
@@ -21,7 +22,7 @@ constexpr double longestIntervalMs = 1e9;
 }  // namespace
 
 int pollIntervalMs(const SettingsStore& settings) {
-    const auto rate = parseNumber(settings.get("System", "ADUR"));
+    const auto rate = parseNumber(settings.get(settings::system, settings::ADUR));
     if (!rate || !(*rate > 0)) return defaultPollIntervalMs;
     return static_cast<int>(std::clamp(truncate(1 / *rate * 1000), 1.0, longestIntervalMs));
 }

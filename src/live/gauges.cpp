@@ -4,6 +4,7 @@
 
 #include "base/errors.h"
 #include "base/number_text.h"
+#include "base/settings_keys.h"
 
 namespace zentaq {
 
@@ -19,7 +20,7 @@ constexpr float lowestOf(Channel::Number value) {
 }
 
 std::optional<float> threshold(const SettingsStore& store, const std::string& key) {
-    const auto value = parseNumber(store.get("System", key));
+    const auto value = parseNumber(store.get(settings::system, key));
     if (!value) return {};
     return static_cast<float>(*value);
 }
@@ -32,7 +33,7 @@ bool reaches(float celsius, std::optional<float> alarm) {
 
 DashboardSettings DashboardSettings::from(const SettingsStore& store) {
     return {threshold(store, "CLTAlarmValue"), threshold(store, "MATAlarmValue"),
-            store.get("System", "TemperatureToggle") != "0"};
+            store.get(settings::system, settings::TemperatureToggle) != "0"};
 }
 
 double tachAngle(float rpm, int revScale) {

@@ -1,7 +1,6 @@
 #include "platform/posix_serial_port.h"
 
 #include <sys/ioctl.h>
-#include <termios.h>
 
 #include <algorithm>
 #include <array>
@@ -53,7 +52,7 @@ void PosixSerialPort::openDevice(const PortInfo& port) {
         if (locked.busy) throw PortBusy(name + ": " + locked.trouble);
         throw Failure(name + ": " + locked.trouble);
     }
-    setUp(locked.line.get());
+    found_ = setUp(locked.line.get());
     if (manner_.exclusive) ::ioctl(locked.line.get(), TIOCEXCL);
     // A reply that nobody read must not answer the first question.
     ::tcflush(locked.line.get(), TCIOFLUSH);
@@ -62,9 +61,10 @@ void PosixSerialPort::openDevice(const PortInfo& port) {
     lost_ = false;
 }
 
-void PosixSerialPort::setUp(int line) const {
-    termios settings{};
-    bool done = ::tcgetattr(line, &settings) == 0;
+termios PosixSerialPort::setUp(int line) {
+    termios found{};
+    bool done = ::tcgetattr(line, &found) == 0;
+    termios settings = found;
     ::cfmakeraw(&settings);
     settings.c_cflag |= CLOCAL | CREAD;
     settings.c_cflag &= ~static_cast<tcflag_t>(CSTOPB | CRTSCTS);
@@ -73,6 +73,7 @@ void PosixSerialPort::setUp(int line) const {
     settings.c_cc[VTIME] = 0;
     done = done && ::cfsetspeed(&settings, B38400) == 0 && ::tcsetattr(line, TCSANOW, &settings) == 0;
     if (!done) throw Failure("The port cannot be set to 38400 baud: " + reasonOf(errno));
+    return found;
 }
 
 void PosixSerialPort::write(std::string_view bytes) {
@@ -147,9 +148,13 @@ void PosixSerialPort::lose() {
 }
 
 void PosixSerialPort::dropLine() {
-    // The system would wait for half a minute until a stuck line has taken what is left.
-    if (line_.valid()) ::tcflush(line_.get(), TCOFLUSH);
-    if (line_.valid() && manner_.exclusive) ::ioctl(line_.get(), TIOCNXCL);
+    if (line_.valid()) {
+        // The system would wait for half a minute until a stuck line has taken what is left.
+        ::tcflush(line_.get(), TCOFLUSH);
+        // Under the lock, like everything else. A line that has vanished takes nothing any more.
+        if (manner_.restores) ::tcsetattr(line_.get(), TCSANOW, &found_);
+        if (manner_.exclusive) ::ioctl(line_.get(), TIOCNXCL);
+    }
     line_.reset();
     lock_.reset();
     gate_.take();

@@ -3,6 +3,8 @@
 // under another number. Never waits; its owner looks after it about once a millisecond.
 #pragma once
 
+#include <termios.h>
+
 #include <functional>
 #include <optional>
 #include <string>
@@ -39,6 +41,7 @@ class PosixSerialPort : public SerialPort {
         std::int64_t quietUs = ReceiveGate::defaultQuietUs;
         bool exclusive = false;    ///< programs that know no locks cannot open the device meanwhile
         bool tellsNumber = false;  ///< failures tell the number of the port as well
+        bool restores = false;     ///< leaves the line with the settings that it had
     };
 
     PosixSerialPort(const Clock& clock, PortSource ports) : PosixSerialPort(clock, std::move(ports), {}) {}
@@ -78,7 +81,8 @@ class PosixSerialPort : public SerialPort {
 
  private:
     void openDevice(const PortInfo& port);
-    void setUp(int line) const;
+    /// Answers the settings that it found.
+    static termios setUp(int line);
     void send();
     void drain();
     void lose();
@@ -91,6 +95,7 @@ class PosixSerialPort : public SerialPort {
     Manner manner_;
     PosixHandle lock_;  ///< of the open line
     PosixHandle line_;
+    termios found_{};  ///< the settings of the open line before it was opened
     ReceiveGate gate_;
     std::optional<PortInfo> device_;  ///< the port's, whatever name and number it gets
     std::int64_t nextLookUs_ = 0;     ///< for a device that has vanished

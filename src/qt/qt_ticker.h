@@ -20,7 +20,8 @@ namespace zentaq {
 /// The port of the window program. A reply is whole when enough bytes are there and none has come for one and
 /// a half character times: every frame waits for it, and a byte that comes later than that is dropped before
 /// the next command.
-inline constexpr PosixSerialPort::Manner windowPort{.quietUs = 390, .exclusive = true, .tellsNumber = true};
+inline constexpr PosixSerialPort::Manner windowPort{
+    .quietUs = 390, .exclusive = true, .tellsNumber = true, .restores = true};
 
 class QtTicker : public QObject, public Ticker, private LineWatch {
     Q_OBJECT

@@ -2,6 +2,14 @@
 
 namespace zentaq {
 
+namespace {
+
+void append(std::vector<Refusal>& refused, const std::vector<Refusal>& further) {
+    refused.insert(refused.end(), further.begin(), further.end());
+}
+
+}  // namespace
+
 std::vector<Refusal> TableModel::Setup_Grid(std::string_view table, std::string_view title, bool inverted) {
     const bool another = !table.empty() && table != sheet_.table();
     auto refused = sheet_.read(table, title, inverted);
@@ -18,6 +26,7 @@ KeyResult TableModel::keyOnGrid(char key) {
     const bool fuel = estimates_.offered();
     if (key == 'X') return KeyResult::Unload;
     if ((key == 'A' && sheet_.table() == "VE") || (fuel && (key == 'D' || key == 'P')) || key == 'O') {
+        // No view of an output table is among them, so no build has stops to be refused.
         if (key == 'A') toggleAbsolute();
         if (key == 'D') toggleDutyCycle();
         if (key == 'P') togglePulsewidth();
@@ -33,37 +42,39 @@ KeyResult TableModel::keyOnGrid(char key) {
 
 // ---- Views
 
-void TableModel::showView(TableView view) {
+std::vector<Refusal> TableModel::showView(TableView view) {
     estimates_.view(view);
     overlay_.erasePaint();
     if (view == TableView::Values) return rebuild();
     estimates_.showAll();
+    return {};
 }
 
-void TableModel::toggleView(TableView view) {
-    if (estimates_.offered()) showView(estimates_.view() == view ? TableView::Values : view);
+std::vector<Refusal> TableModel::toggleView(TableView view) {
+    if (!estimates_.offered()) return {};
+    return showView(estimates_.view() == view ? TableView::Values : view);
 }
 
-void TableModel::toggleAbsolute() {
-    if (sheet_.table() != "VE") return;
+std::vector<Refusal> TableModel::toggleAbsolute() {
+    if (sheet_.table() != "VE") return {};
     sheet_.absoluteVe(!sheet_.absoluteVe());
-    reset();
+    return reset();
 }
 
-void TableModel::invert() {
-    if (sheet_.kind().isGpo()) return;
+std::vector<Refusal> TableModel::invert() {
+    if (sheet_.kind().isGpo()) return {};
     estimates_.view(TableView::Values);
-    Setup_Grid({}, {}, !sheet_.inverted());
+    return Setup_Grid({}, {}, !sheet_.inverted());
 }
 
-void TableModel::home() {
+std::vector<Refusal> TableModel::home() {
     estimates_.view(TableView::Values);
-    Setup_Grid({}, {}, false);
+    return Setup_Grid({}, {}, false);
 }
 
-void TableModel::reset() {
+std::vector<Refusal> TableModel::reset() {
     estimates_.view(TableView::Values);
-    rebuild();
+    return rebuild();
 }
 
 EntryOutcome TableModel::enterTime(std::string_view member, std::string_view typed) {
@@ -75,14 +86,17 @@ EntryOutcome TableModel::enterTime(std::string_view member, std::string_view typ
 // ---- The whole grid
 
 std::vector<Refusal> TableModel::save() {
-    if (!estimates_.showsValues()) reset();
-    return sheet_.saveEntireTable();
+    if (estimates_.showsValues()) return sheet_.saveEntireTable();
+    auto refused = reset();
+    append(refused, sheet_.saveEntireTable());
+    return refused;
 }
 
 std::vector<Refusal> TableModel::restore() {
-    auto refused = sheet_.restore();
+    const auto cells = sheet_.restore();
     cursor_.letGo();
-    rebuild();
+    auto refused = rebuild();
+    append(refused, cells);
     return refused;
 }
 
@@ -93,7 +107,7 @@ std::vector<Refusal> TableModel::pickAxis(std::string_view key) {
     Unit& unit = sheet_.unit();
     unit.SET_TBL_AXIS_TYPE(sheet_.table(), axis, axisKind);
     auto refused = spreadAxis(unit, sheet_.table(), axis, axisKind);
-    rebuild();
+    append(refused, rebuild());
     return refused;
 }
 

@@ -59,17 +59,17 @@ class TableModel {
 
     /// Shows a table, with its values: a view stays only while the table does. As TableSheet::read().
     std::vector<Refusal> Setup_Grid(std::string_view table, std::string_view title, bool inverted);
-    void rebuild() { Setup_Grid({}, {}, sheet_.inverted()); }
+    std::vector<Refusal> rebuild() { return Setup_Grid({}, {}, sheet_.inverted()); }
     KeyResult keyOnGrid(char key);
 
-    // ---- Views
-    void showView(TableView view);
-    void togglePulsewidth() { toggleView(TableView::PulseWidth); }
-    void toggleDutyCycle() { toggleView(TableView::DutyCycle); }
-    void toggleAbsolute();
-    void invert();
-    void home();   ///< values, not inverted
-    void reset();  ///< values
+    // ---- Views. As Setup_Grid(), which brings the values back.
+    std::vector<Refusal> showView(TableView view);
+    std::vector<Refusal> togglePulsewidth() { return toggleView(TableView::PulseWidth); }
+    std::vector<Refusal> toggleDutyCycle() { return toggleView(TableView::DutyCycle); }
+    std::vector<Refusal> toggleAbsolute();
+    std::vector<Refusal> invert();
+    std::vector<Refusal> home();   ///< values, not inverted
+    std::vector<Refusal> reset();  ///< values
     /// Enter in txtTOG or txtIOT; an active view follows.
     EntryOutcome enterTime(std::string_view member, std::string_view typed);
 
@@ -86,7 +86,7 @@ class TableModel {
     ToolbarItems toolbarItems() const;
 
  private:
-    void toggleView(TableView view);
+    std::vector<Refusal> toggleView(TableView view);
 
     TableSheet sheet_;
     TableCursor cursor_;

@@ -77,8 +77,10 @@ FrmDashBoard::FrmDashBoard(Session& session, MainCommands& commands, QWidget* pa
     panel_->btnShowDetail->setEnabled(false);
 
     nameReadings();
-    dashLights_ = storedColor(QString::fromStdString(session.settings().get("System", "DashLights")));
-    needleColor_ = storedColor(QString::fromStdString(session.settings().get("System", "NeedleColor")));
+    dashLights_ =
+        storedColor(QString::fromStdString(session.settings().get(settings::system, settings::DashLights)));
+    needleColor_ =
+        storedColor(QString::fromStdString(session.settings().get(settings::system, settings::NeedleColor)));
     setMode(session.dayMode());
     Reset_Dashboard();
 }

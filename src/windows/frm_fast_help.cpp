@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 
 #include "base/errors.h"
+#include "base/message_codes.h"
 #include "guide/help_topics.h"
 #include "qt/help_key.h"
 #include "qt/look.h"
@@ -69,9 +70,8 @@ void FrmFastHelp::openOn(const std::string& /*on*/, const std::string& /*title*/
         if (!key.isEmpty()) row = session_.requireReference().help(key.toStdString());
     });
     if (row) return show(*row);
-    constexpr int helpMessage = 0;
     session_.messages.Display_Message(
-        helpMessage, session_.reference() != nullptr
+        codes::Help, session_.reference() != nullptr
                          ? "There is no help on this field."
                          : "There are no help texts: the reference database could not be opened.");
 }

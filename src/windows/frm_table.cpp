@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 
 #include "base/number_text.h"
+#include "base/settings_keys.h"
 #include "config/tree.h"
 #include "qt/field_focus.h"
 #include "qt/help_key.h"
@@ -145,16 +146,17 @@ void FrmTable::showUnit() {
     // A value elsewhere has changed; what is being typed here goes on, where its cell is still there.
     const GridCell cell{model_->cursor().row(), model_->cursor().column()};
     const TableView view = model_->estimates().view();
-    model_->rebuild();
+    const auto refused = model_->rebuild();
     if (view != TableView::Values) model_->showView(view);
     if (cell != GridCell{model_->cursor().row(), model_->cursor().column()}) closeEdit();
     showAll();
     sizeColumns();
     placeEdit();
+    tell(refused);
 }
 
 void FrmTable::sizeColumns() {
-    Grid1_->sizeColumns(session_.settings().get("System", "Column_Type") == "1");
+    Grid1_->sizeColumns(session_.settings().get(settings::system, settings::Column_Type) == "1");
 }
 
 void FrmTable::showAll() {

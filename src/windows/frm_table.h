@@ -144,6 +144,7 @@ class FrmTable : public QWidget, public DockingForm {
     void markIfWritten(int writtenBefore);
 
     // ---- Toolbar commands
+    void rebuilt(std::span<const Refusal> refused);
     void home();
     void save() { saveGrid(); }
     bool saveGrid();

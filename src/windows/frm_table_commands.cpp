@@ -2,6 +2,7 @@
 #include <QPointer>
 
 #include "base/number_text.h"
+#include "base/settings_keys.h"
 #include "windows/frm_table.h"
 
 namespace zentaq {
@@ -46,12 +47,16 @@ void FrmTable::inOrder(const QString& caption, void (FrmTable::*run)()) {
 
 // ---- The commands
 
+void FrmTable::rebuilt(std::span<const Refusal> refused) {
+    showAll();
+    sizeColumns();
+    tell(refused);
+}
+
 void FrmTable::home() {
     if (!model_) return;
     closeEdit();
-    model_->home();
-    showAll();
-    sizeColumns();
+    rebuilt(model_->home());
 }
 
 bool FrmTable::saveGrid() {
@@ -100,7 +105,7 @@ void FrmTable::colorsAfr() {
 
 void FrmTable::setColourMode(int mode) {
     session_.TableColorMode = mode;
-    session_.settings().set("System", "TableColor", numberText(mode));
+    session_.settings().set(settings::system, settings::TableColor, numberText(mode));
     model_->overlay().colourMode(colourModeOf(mode));
     showItems();
 }
@@ -126,37 +131,27 @@ void FrmTable::colorsWhiteOut() {
 
 void FrmTable::invert() {
     closeEdit();
-    model_->invert();
-    showAll();
-    sizeColumns();
+    rebuilt(model_->invert());
 }
 
 void FrmTable::pulsewidth() {
     closeEdit();
-    model_->togglePulsewidth();
-    showAll();
-    sizeColumns();
+    rebuilt(model_->togglePulsewidth());
 }
 
 void FrmTable::dutyCycle() {
     closeEdit();
-    model_->toggleDutyCycle();
-    showAll();
-    sizeColumns();
+    rebuilt(model_->toggleDutyCycle());
 }
 
 void FrmTable::absolute() {
     closeEdit();
-    model_->toggleAbsolute();
-    showAll();
-    sizeColumns();
+    rebuilt(model_->toggleAbsolute());
 }
 
 void FrmTable::resetTable() {
     closeEdit();
-    model_->reset();
-    showAll();
-    sizeColumns();
+    rebuilt(model_->reset());
 }
 
 }  // namespace zentaq

@@ -9,6 +9,7 @@
 #include <set>
 
 #include "app/fake_platform.h"
+#include "base/errors.h"
 #include "base/text.h"
 #include "testing/manual_clock.h"
 #include "testing/scripted_port.h"
@@ -48,7 +49,12 @@ class TrailingWindows : public WindowSet, public WindowNews {
         trail_.push_back("lights " + lights + " needle " + needle);
     }
     void showCommList(bool on) override { trail_.emplace_back(on ? "list on" : "list off"); }
-    void initializeRecorderRows() override { trail_.emplace_back("recorder rows"); }
+    void initializeRecorderRows() override {
+        if (fails) throw Failure("no rows");
+        trail_.emplace_back("recorder rows");
+    }
+
+    bool fails = false;
 
  protected:
     void toEach(const std::function<void(WindowNews&)>& tell) override { tell(*this); }
@@ -578,9 +584,9 @@ TEST_F(OptionsTest, RefusedEntriesAreToldAndLeaveTheStoredOnes) {
     const char* celsius = "Warning 1001: Data Input Error\n(-40 - 150\u00B0C) - Invalid Entry.";
     const char* fahrenheit = "Warning 1001: Data Input Error\n(-40 - 302\u00B0F) - Invalid Entry.";
     const char* colour = "Warning 1001: Data Input Error\n(0 - 16777215) - Invalid Entry.";
-    const char* whole = "Enter Whole Numbers Only";
-    const char* noNumber = "Non-numeric value detected.";
-    const char* empty = "Field CANNOT be NULL";
+    const char* whole = "Warning 1002: Data Input Error\nEnter Whole Numbers Only";
+    const char* noNumber = "Warning 1000: Data Input Error\nNon-numeric value detected.\nRetype Data";
+    const char* empty = "Warning 1005: Data Input Error\nField CANNOT be NULL; please try again.";
     for (const Refusal& bad : {Refusal{"txtCLTvalue", "CLTAlarmValue", "0", "150.1", celsius},
                                {"txtCLTvalue", "CLTAlarmValue", "0", "-40,1", celsius},
                                {"txtCLTvalue", "CLTAlarmValue", "0", "1e300", celsius},
@@ -603,10 +609,22 @@ TEST_F(OptionsTest, RefusedEntriesAreToldAndLeaveTheStoredOnes) {
         EXPECT_THAT(options.apply(), ElementsAre(bad.control));
         ASSERT_EQ(dialogs.boxes.size(), 1u);
         EXPECT_EQ(dialogs.boxes[0].title, "Data Input Error");
-        EXPECT_THAT(dialogs.boxes[0].text, HasSubstr(bad.told));
+        EXPECT_EQ(dialogs.boxes[0].text, bad.told);
         EXPECT_EQ(read(bad.key), "98");
         EXPECT_EQ(options.value(bad.control), bad.typed);
     }
+}
+
+TEST_F(OptionsTest, WhatIsRefusedIsToldAlsoWhereAStepBehindItFails) {
+    stored("CLTAlarmValue", "98");
+    Options options(session);
+    options.change("txtCLTvalue", "hot");
+    windows.fails = true;
+    EXPECT_THROW(options.apply(), Failure);
+    ASSERT_EQ(dialogs.boxes.size(), 1u);
+    EXPECT_EQ(dialogs.boxes[0].text,
+              "Warning 1000: Data Input Error\nNon-numeric value detected.\nRetype Data");
+    EXPECT_EQ(read("CLTAlarmValue"), "98");
 }
 
 TEST_F(OptionsTest, NothingIsAColourAndAPollingRateAndAHyphenKeepsTheStoredAlarm) {

@@ -207,6 +207,30 @@ TEST_F(TwoKinds, ACalibrationInHandMovesToTheSlotOfItsUnitAndBackBeforeAnyMismat
     EXPECT_THAT(titles(), IsEmpty());
 }
 
+TEST_F(TwoKinds, WhatAUnitHasToldOfItselfStaysInItsSlotWhenAFileForBothKindsIsOpened) {
+    const std::string path = fileOf("ORB D", "four.ZQ4OD");
+    connect(orbD6, "ZQD-405010");
+    LinkedState& told = session.Units(8).linked();
+    told.GPIOData[3] = 513;
+    told.GPIODisplay[3] = "2.5 V";
+    told.hasPIC18 = true;
+    const std::vector<std::uint8_t> codes{0xFA, 0xA5, 12, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+    told.Set_ECData(codes);
+    open(path);
+    ASSERT_EQ(session.slotInHand(), 8);
+    ASSERT_EQ(unit().BinFile(), path);
+    EXPECT_EQ(unit().GPIOData()[3], 513);
+    EXPECT_EQ(unit().GPIODisplay()[3], "2.5 V");
+    EXPECT_TRUE(unit().linked().hasPIC18);
+    EXPECT_EQ(unit().Get_ECData(0), 1);
+    EXPECT_EQ(unit().Get_ECData(11), 12);
+    const LinkedState& other = session.Units(7).linked();
+    EXPECT_EQ(other.GPIOData[3], 0);
+    EXPECT_EQ(other.GPIODisplay[3], "");
+    EXPECT_FALSE(other.hasPIC18);
+    EXPECT_EQ(other.Get_ECData(0), 0);
+}
+
 TEST_F(TwoKinds, ACalibrationForAD6IsProgrammedFromItsFile) {
     open(fileOf("ORB D", "four.ZQ4OD"));
     connect(orbD6, "ZQD-405099");

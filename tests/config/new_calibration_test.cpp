@@ -625,5 +625,20 @@ TEST_F(NewCalibration, NamesAMemberThatRefusesAndGoesOn) {
     EXPECT_EQ(unit.get("MAFMax"), 8000);
 }
 
+TEST_F(NewCalibration, AStopThatAnOutputTableRefusesIsNamedOnceAndTheOtherAxisKeepsItsOwn) {
+    startNewCalibration(unit);
+    chooseEngine(unit, engine("4 Cylinder Coil per Plug, Sequential Injection"));
+    chooseSensor(unit, sensor(oneBar));
+    // The axis refuses its top and keeps what it has, which is no stop either.
+    unit.AssignDirectIndex(30000, unit.find("RPMTBL")->cell(15));
+    const RefusedMembers refused = loadDefaults(unit, database, {.revLimit = 60000});
+    for (const char* table : {"GPO1", "GPO2"}) {
+        EXPECT_EQ(std::ranges::count(refused, table, &RefusedMember::name), 1) << table;
+        EXPECT_EQ(unit.Get_GPO_Stop(15, "X-Axis", table), 0) << table;
+        EXPECT_EQ(unit.Get_GPO_Stop(15, "Y-Axis", table), 0) << table;
+        EXPECT_NE(unit.Get_GPO_Stop(14, "Y-Axis", table), 0) << table;
+    }
+}
+
 }  // namespace
 }  // namespace zentaq

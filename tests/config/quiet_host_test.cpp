@@ -67,6 +67,12 @@ TEST_F(QuietHostTest, ADerivedMemberCannotBeSet) {
     EXPECT_THROW(setOrThrow(unit, "MAPMax", 200), NoSuchMember);
 }
 
+TEST_F(QuietHostTest, WhatIsIgnoredIsNamed) {
+    EXPECT_NO_THROW(throwIfRefused({}, "BHP", "5"));
+    EXPECT_EQ(failureOf<Refused>([] { throwIfRefused(EntryOutcome::ignored(), "GPO1.X-Axis", "5"); }),
+              "GPO1.X-Axis does not take 5");
+}
+
 TEST_F(QuietHostTest, ABasicFigureTakesWhatItsCellHoldsThoughItsLimitsHaveMoved) {
     constexpr int flowCell = 2206;
     unit.set("CYL_Number", 4);

@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "ctl/link_fixture.h"
-#include "windows/pty_pair.h"
+#include "platform/pty_pair.h"
 
 namespace zentaq {
 namespace {

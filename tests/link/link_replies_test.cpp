@@ -30,6 +30,12 @@ TEST_F(LinkReplies, EarlierFormatShowsTheNumberInOctal) {
     EXPECT_FALSE(link.linked().OldFirmware);
 }
 
+TEST_F(LinkReplies, EarlierFormatReadsSixOctalDigits) {
+    // 0x00010000 = 65536 = 2 * 8^5, so its octal digits are 200000.
+    exchange("E", bytes({0xFA, 0xA5, 0x54, 0x00, 0x01, 0x00, 0x00, 0x55}));
+    EXPECT_EQ(link.linked().SerialNumber, 200000);
+}
+
 TEST_F(LinkReplies, OldestFormatIsFourSerialBytesAndAX) {
     // 0x0000029C = 668: 1234 in octal.
     exchange("E", bytes({0x00, 0x00, 0x02, 0x9C, 'A', 'X'}));
@@ -485,19 +491,22 @@ INSTANTIATE_TEST_SUITE_P(Cases, WideMonitor,
 TEST_F(LinkReplies, ByteEighteenOfAConfigurationTellsThePic18) {
     struct Row {
         std::uint32_t serial;
-        int release, byte18;
+        int release, build, byte18;
         bool has;
     };
     // Units of kind C and D have one whatever they say.
-    for (const Row& row : {Row{300000, 7, 1, true}, Row{300000, 7, 0xFE, false}, Row{300000, 6, 1, false},
-                           Row{200000, 7, 1, false}, Row{350000, 7, 0, true}, Row{700000, 7, 0, true}}) {
+    for (const Row& row :
+         {Row{300000, 7, 0, 1, true}, Row{300000, 7, 0, 0xFE, false}, Row{300000, 6, 999, 1, false},
+          Row{300000, 8, 0, 0xFF, true}, Row{500000, 5, 0, 1, true}, Row{500000, 4, 6, 1, true},
+          Row{500000, 4, 5, 1, false}, Row{500000, 3, 9, 1, false}, Row{200000, 7, 0, 1, false},
+          Row{350000, 7, 0, 0, true}, Row{700000, 7, 0, 0, true}}) {
         find(row.serial);
         Unit& unit = host.unit(link.linked().LinkedUnitKind);
         unit.FW_Release(row.release);
-        unit.FW_Build(0);
+        unit.FW_Build(row.build);
         unit.hasPIC18(!row.has);
         exchange("C", framed(39, {{18, row.byte18}}));
-        EXPECT_EQ(unit.hasPIC18(), row.has) << row.serial;
+        EXPECT_EQ(unit.hasPIC18(), row.has) << row.serial << ", " << row.release << "." << row.build;
         EXPECT_EQ(link.CurrentCommand(), "");
     }
 }

@@ -5,8 +5,8 @@
 
 #include <fstream>
 
+#include "platform/pty_pair.h"
 #include "temporary_folder.h"
-#include "windows/pty_pair.h"
 
 namespace zentaq {
 namespace {

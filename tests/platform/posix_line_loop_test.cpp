@@ -4,9 +4,9 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 
-#include "testing/manual_clock.h"
 #include "platform/posix_clock.h"
-#include "windows/pty_pair.h"
+#include "platform/pty_pair.h"
+#include "testing/manual_clock.h"
 
 namespace zentaq {
 namespace {

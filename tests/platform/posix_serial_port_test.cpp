@@ -14,9 +14,9 @@
 #include <functional>
 #include <thread>
 
+#include "platform/pty_pair.h"
 #include "temporary_folder.h"
 #include "testing/manual_clock.h"
-#include "windows/pty_pair.h"
 
 namespace zentaq {
 namespace {
@@ -94,6 +94,41 @@ TEST_F(PosixPort, RefusesWhatIsNoPort) {
     ports = {{1, folder.write("file", "text"), "", "file"}};
     EXPECT_THAT(failureOf(port, 1), HasSubstr("no serial port"));
     EXPECT_FALSE(port.isOpen());
+}
+
+TEST_F(PosixPort, PutsBackTheSettingsThatItFoundWhereThatIsWanted) {
+    const PtyPair line;
+    plug(line);
+    for (const bool restores : {true, false}) {
+        const PosixHandle other(::open(line.path().c_str(), O_RDWR | O_NOCTTY));
+        termios before{};
+        ASSERT_EQ(::tcgetattr(other.get(), &before), 0);
+        ::cfsetspeed(&before, B9600);
+        before.c_cc[VMIN] = 5;
+        before.c_iflag |= IXON;
+        ASSERT_EQ(::tcsetattr(other.get(), TCSANOW, &before), 0);
+        PosixSerialPort leaving{clock, [this] { return ports; }, {.exclusive = true, .restores = restores}};
+        leaving.open(1);
+        termios now{};
+        ASSERT_EQ(::tcgetattr(other.get(), &now), 0);
+        ASSERT_EQ(::cfgetospeed(&now), static_cast<speed_t>(B38400));
+        leaving.close();
+        ASSERT_EQ(::tcgetattr(other.get(), &now), 0);
+        EXPECT_EQ(::cfgetospeed(&now), static_cast<speed_t>(restores ? B9600 : B38400));
+        EXPECT_EQ(now.c_cc[VMIN], restores ? 5 : 1);
+        EXPECT_EQ((now.c_iflag & IXON) != 0, restores);
+    }
+}
+
+TEST_F(PosixPort, ALineThatHasVanishedIsClosedWithoutItsSettings) {
+    PtyPair line;
+    plug(line);
+    PosixSerialPort leaving{clock, [this] { return ports; }, {.exclusive = true, .restores = true}};
+    leaving.open(1);
+    line.hangUp();
+    leaving.close();
+    EXPECT_FALSE(leaving.isOpen());
+    EXPECT_FALSE(leaving.present());
 }
 
 TEST_F(PosixPort, SetsTheLineTo38400Baud8BitsNoParityOneStopBit) {

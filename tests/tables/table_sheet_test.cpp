@@ -226,6 +226,30 @@ TEST_F(TableWindow, RestoringRaisesNoBoxForCellsThatNoBuildHasSeen) {
     EXPECT_EQ(unit.DirectIndex(afrBase + 255), 14.7F);
 }
 
+// ---- Stops that an output table does not take
+
+/// Column 3 of the output tables cannot follow the speeds, and no cell shows it.
+TEST_F(TableWindow, EveryBuildOfAnOutputTableWithoutStopsTellsThoseRefused) {
+    open("GPO1");
+    const auto withoutStops = [&](auto build) {
+        for (int i = 0; i < 16; ++i) {
+            unit.AssignDirectIndex(0, 2226 + i);
+            unit.AssignDirectIndex(0, 2242 + i);
+        }
+        unit.AssignDirectIndex(30000, unit.find("RPMTBL")->cell(2));
+        return told(build());
+    };
+    // For both output tables.
+    const Refusals twice(2, "1001 (0 to 20000 RPM)");
+    EXPECT_EQ(withoutStops([&] { return model.rebuild(); }), twice);
+    EXPECT_EQ(withoutStops([&] { return model.home(); }), twice);
+    EXPECT_EQ(withoutStops([&] { return model.reset(); }), twice);
+    EXPECT_EQ(withoutStops([&] { return model.restore(); }), twice);
+    EXPECT_EQ(withoutStops([&] { return model.showView(TableView::Values); }), twice);
+    EXPECT_EQ(text(0, 3), "0");
+    EXPECT_EQ(text(0, 4), "2000");
+}
+
 // ---- A table that cannot be shown
 
 TEST_F(TableWindow, ANameThatIsNoTableChangesNothing) {

@@ -108,14 +108,26 @@ TEST_F(GeneralFields, ThePowerGivesTheInjectorsAndTheirPulse) {
     EXPECT_EQ(label("lblUAP"), "7.371");
 }
 
-TEST_F(GeneralFields, TheSpaceKeyTurnsTheFuelBox) {
+// 22.5 * 2.2 = 49.5; 49.5 * 8.5714 / 7.3714 = 57.558.
+TEST_F(GeneralFields, TheSpaceKeyTurnsTheFuelBoxAndTheFlowFollows) {
     openPrepared();
+    put("txtBHP", "200");
     go("chkAlcohol");
     for (const bool on : {true, false}) {
         key(Qt::Key_Space, Qt::NoModifier, " ");
         EXPECT_EQ(find<QCheckBox>("chkAlcohol")->isChecked(), on);
         EXPECT_EQ(unit().get("Alcohol"), on ? 1.0f : 0.0f);
+        EXPECT_EQ(shown("txtLBHR"), on ? "57.56" : "26.16");
     }
+}
+
+// 0.55 * 200 / 4 = 27.5; 27.5 * 8.5714 / 7.3714 = 31.977.
+TEST_F(GeneralFields, ARaceCamTakesItsOwnFactor) {
+    openPrepared();
+    put("txtBHP", "200");
+    pick("cmbCams", "Race / High Perf");
+    EXPECT_EQ(unit().get("CAMSTL"), 1.0f);
+    EXPECT_EQ(shown("txtLBHR"), "31.98");
 }
 
 TEST_F(GeneralFields, TheArrowKeysChangeThePeakCurrent) {

@@ -490,6 +490,17 @@ TEST_F(Table, ATextLeftInTheBoxIsCheckedByTheSaveButton) {
     EXPECT_EQ(fake.dialogs.boxes.size(), 1u);
 }
 
+TEST_F(Table, AnAxisThatHasBecomeEmptyIsFilledAndTheStopsRefusedAreTold) {
+    form->Setup_Grid("GPO1", "Full Table - Table#1");
+    fake.dialogs.boxes.clear();
+    for (int i = 0; i < lines; ++i) unit().AssignDirectIndex(0, 2242 + i);
+    unit().AssignDirectIndex(30000, unit().find("RPMTBL")->cell(2));
+    form->showUnit();
+    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
+    EXPECT_THAT(fake.dialogs.boxes[0].text, StartsWith("Warning 1001: Data Input Error\n"));
+    EXPECT_EQ(cell(0, 4), "2000");
+}
+
 TEST_F(Table, ATableThatCannotBeShownLeavesTheOneOnTheScreen) {
     unit().set("VE", 7, 0);
     form->Setup_Grid("", "");

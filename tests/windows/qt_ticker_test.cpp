@@ -16,9 +16,9 @@
 #include "link/recording_link_host.h"
 #include "live/frame_decoder.h"
 #include "platform/port_list.h"
+#include "platform/pty_pair.h"
 #include "qt/qt_clock.h"
 #include "qt/qt_yield.h"
-#include "windows/pty_pair.h"
 #include "windows/timed_unit.h"
 
 namespace zentaq {

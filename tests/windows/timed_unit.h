@@ -13,7 +13,7 @@
 #include <thread>
 #include <vector>
 
-#include "windows/pty_pair.h"
+#include "platform/pty_pair.h"
 
 namespace zentaq {
 
