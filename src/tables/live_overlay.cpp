@@ -123,8 +123,8 @@ float LiveOverlay::liveValueOf(bool columns) const {
 }
 
 void LiveOverlay::placeMarker(float x, float y) {
-    const std::span<const float> columns(sheet_.columnHeaders());
-    const std::span<const float> rows(sheet_.rowHeaders());
+    const std::span<const float> columns(sheet_.headers(true));
+    const std::span<const float> rows(sheet_.headers(false));
     const auto column = placeOfColumn(columns.first(static_cast<std::size_t>(sheet_.columns())), x);
     const auto row = placeOfRow(rows.first(static_cast<std::size_t>(sheet_.rows())), y);
     if (column) marker_.column = 1 + *column;

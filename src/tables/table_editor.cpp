@@ -188,12 +188,12 @@ EntryOutcome TableEditor::enterMainHeader(bool isColumn, int line, std::string_v
         if (stored != value) return EntryOutcome::ignored();
         sheet_.grid().text(0, line, numberText(stored));
         // Kept: the array entry written is one place past the header changed.
-        sheet_.columnHeaders().at(static_cast<std::size_t>(line)) = stored;
+        sheet_.headers(true).at(static_cast<std::size_t>(line)) = stored;
         return {};
     }
     if (stored != roundTo(value, std::max(unit.MAPPrecision(), 0))) return EntryOutcome::ignored();
     sheet_.grid().text(line, 0, numberText(stored));
-    sheet_.rowHeaders().at(static_cast<std::size_t>(index)) = stored;
+    sheet_.headers(false).at(static_cast<std::size_t>(index)) = stored;
     return {};
 }
 

@@ -46,7 +46,7 @@ bool TableSheet::showsFahrenheit(bool columns) const {
 
 void TableSheet::readHeaders(bool columns) {
     const bool fahrenheit = showsFahrenheit(columns);
-    std::vector<float>& headers = columns ? content_.columnHeaders : content_.rowHeaders;
+    std::vector<float>& shown = headers(columns);
     for (int i = 0; i < (columns ? this->columns() : rows()); ++i) {
         const int row = columns ? 0 : gridRow(i);
         const int column = columns ? i + 1 : 0;
@@ -55,7 +55,7 @@ void TableSheet::readHeaders(bool columns) {
             if (fahrenheit) header = roundTo(toFahrenheit(header), 1);
             grid().text(row, column, numberText(header));
         });
-        headers[static_cast<std::size_t>(i)] = shownNumber(row, column);
+        shown[static_cast<std::size_t>(i)] = shownNumber(row, column);
     }
 }
 

@@ -84,10 +84,12 @@ class TableSheet {
 
     // ---- Axes
     /// Headers as shown, entry 0 the first of the list: the lowest row, the leftmost column.
-    const std::vector<float>& rowHeaders() const { return content_.rowHeaders; }
-    const std::vector<float>& columnHeaders() const { return content_.columnHeaders; }
-    std::vector<float>& rowHeaders() { return content_.rowHeaders; }
-    std::vector<float>& columnHeaders() { return content_.columnHeaders; }
+    const std::vector<float>& headers(bool columns) const {
+        return columns ? content_.columnHeaders : content_.rowHeaders;
+    }
+    std::vector<float>& headers(bool columns) {
+        return columns ? content_.columnHeaders : content_.rowHeaders;
+    }
     /// nullptr for an axis word that names none.
     const AxisKind* axisKind(bool columns) const;
     /// Whether the stops of this axis are shown in Fahrenheit.

@@ -303,8 +303,8 @@ TEST_F(TableWindow, ANewSpeedHeaderMovesZonesAndWritesTheArrayOnePlaceOn) {
     EXPECT_EQ(unit.get("RPMTBL", 1), 1100);
     EXPECT_EQ(text(0, 2), "1100");
     EXPECT_EQ(overlay.zones().column(1).high, 800);
-    EXPECT_EQ(sheet.columnHeaders()[1], 1000);
-    EXPECT_EQ(sheet.columnHeaders()[2], 1100);
+    EXPECT_EQ(sheet.headers(true)[1], 1000);
+    EXPECT_EQ(sheet.headers(true)[2], 1100);
     EXPECT_TRUE(editor.enterHeader(0, 16, "8100"));
 }
 
@@ -313,7 +313,7 @@ TEST_F(TableWindow, ANewPressureHeaderFollowsInCellAndArray) {
     ASSERT_TRUE(editor.enterHeader(15, 0, "22.5"));
     EXPECT_EQ(unit.get("MAPTBL", 1), 22.5F);
     EXPECT_EQ(text(15, 0), "22.5");
-    EXPECT_EQ(sheet.rowHeaders()[1], 22.5F);
+    EXPECT_EQ(sheet.headers(false)[1], 22.5F);
 }
 
 TEST_F(TableWindow, AHeaderOf0OrNothingIsIgnored) {

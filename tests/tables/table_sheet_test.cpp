@@ -19,8 +19,8 @@ TEST_F(TableWindow, ShowsTheLowestStoredRowAtTheBottom) {
     EXPECT_EQ(text(1, 0), "90");
     EXPECT_EQ(text(0, 1), "500");
     EXPECT_EQ(text(0, 16), "8000");
-    EXPECT_EQ(sheet.rowHeaders()[0], 15);
-    EXPECT_EQ(sheet.columnHeaders()[15], 8000);
+    EXPECT_EQ(sheet.headers(false)[0], 15);
+    EXPECT_EQ(sheet.headers(true)[15], 8000);
     EXPECT_EQ(sheet.title(), "A table");
 }
 

@@ -13,39 +13,28 @@
 #include "qt/qt_dialogs.h"
 #include "windows/frm_general_config.h"
 #include "windows/key_press.h"
-#include "windows/window_fixture.h"
+#include "windows/table_windows_fixture.h"
 
 namespace zentaq {
 namespace {
 
-class Focus : public WindowTest {
+class Focus : public TableWindowsTest {
  protected:
-    Focus() {
-        activate(windows.main());
-        openCalibration();
-        for (int i = 0; i < 16; ++i) {
-            unit().set("RPMTBL", 500 * (i + 1), i);
-            unit().set("MAPTBL", 20 + 5 * i, i);
-        }
-        unit().set("scale1", 5);
-    }
-    Unit& unit() { return fake.session.currentUnitObject(); }
-    QTreeWidget* tree() { return find<QTreeWidget>("treeZentaq"); }
-    TableGridView& grid() { return windows.table()->grid(); }
-    QAction* tableAction(const char* name) { return windows.table()->findChild<QAction*>(name); }
-
-    static void settle() {
-        for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QCoreApplication::processEvents();
-    }
-    static void activate(QWidget& window) {
-        window.activateWindow();
-        for (int i = 0; i < 50 && !window.isActiveWindow(); ++i) QApplication::processEvents();
-    }
-    void openVe() {
-        windows.main().run("mnuVETbl");
+    void dockOrUndock() {
+        tableAction("Docking")->trigger();
         settle();
+    }
+    std::pair<int, int> cell() { return {form().model()->cursor().row(), form().model()->cursor().column()}; }
+    void typeTimeOfGap(const QString& text) {
+        timeOfGap()->setFocus();
+        timeOfGap()->selectAll();
+        typeText(text);
+    }
+    /// A letter to what has the keyboard in the table's window, which has to be this.
+    void typeWhileMoving(const std::string& name, const char* letter) {
+        QWidget* window = form().window();
+        ASSERT_EQ(focusOf(*window), name);
+        keyTo(*window->focusWidget(), Qt::Key_0, letter);
     }
     /// What gets the keys while the window is the active one. When a window becomes a part of another one,
     /// the platform of the tests makes no window active again, as a window manager does.
@@ -67,24 +56,20 @@ TEST_F(Focus, AnOpenedCalibrationIsInTheTreeAndAnOpenedTableInItsGrid) {
 
 TEST_F(Focus, ADigitAfterUndockGoesIntoTheCellAndNotIntoTheTimeOfGap) {
     openVe();
-    tableAction("Docking")->trigger();
-    settle();
+    dockOrUndock();
     ASSERT_TRUE(windows.table()->isWindow());
     EXPECT_EQ(focus(), "Grid1");
     pressKey(Qt::Key_5, Qt::NoModifier, "5");
     pressKey(Qt::Key_Return);
     EXPECT_EQ(unit().get("scale1"), 5);
-    EXPECT_EQ(unit().get("VE", windows.table()->model()->sheet().tableIndex(
-                                   windows.table()->model()->cursor().row(),
-                                   windows.table()->model()->cursor().column())),
-              5);
+    const auto [row, column] = cell();
+    EXPECT_EQ(ve(form().model()->sheet().tableIndex(row, column)), 5);
 }
 
 TEST_F(Focus, DockingGivesTheGridTheKeyboardAgain) {
     openVe();
     for (int i = 0; i < 2; ++i) {
-        tableAction("Docking")->trigger();
-        settle();
+        dockOrUndock();
     }
     ASSERT_FALSE(windows.table()->isWindow());
     EXPECT_EQ(focusOf(windows.main()), "Grid1");
@@ -95,14 +80,10 @@ TEST_F(Focus, AnEntryGoesOnWhileTheTableMovesIntoAWindowOfItsOwnAndBack) {
     pressKey(Qt::Key_1, Qt::NoModifier, "1");
     ASSERT_EQ(focus(), "txtInputValue");
     for (const char* digit : {"2", "3"}) {
-        tableAction("Docking")->trigger();
-        settle();
-        QWidget* window = windows.table()->window();
-        ASSERT_EQ(focusOf(*window), "txtInputValue");
-        QKeyEvent press(QEvent::KeyPress, Qt::Key_0, Qt::NoModifier, digit);
-        QApplication::sendEvent(window->focusWidget(), &press);
+        dockOrUndock();
+        typeWhileMoving("txtInputValue", digit);
     }
-    EXPECT_EQ(windows.table()->inputBox().text(), "123");
+    EXPECT_EQ(form().inputBox().text(), "123");
 }
 
 TEST_F(Focus, ARebuildKeepsTheFieldThatIsBeingEdited) {
@@ -112,12 +93,11 @@ TEST_F(Focus, ARebuildKeepsTheFieldThatIsBeingEdited) {
     windows.showUnit();
     settle();
     EXPECT_EQ(focus(), "txtInputValue");
-    EXPECT_EQ(windows.table()->inputBox().text(), "1");
+    EXPECT_EQ(form().inputBox().text(), "1");
     pressKey(Qt::Key_2, Qt::NoModifier, "2");
     pressKey(Qt::Key_Return);
-    EXPECT_EQ(windows.table()->model()->sheet().grid().text(windows.table()->model()->cursor().row(),
-                                                            windows.table()->model()->cursor().column()),
-              "12");
+    const auto [row, column] = cell();
+    EXPECT_EQ(form().model()->sheet().grid().text(row, column), "12");
 }
 
 TEST_F(Focus, AClosedTableLeavesTheKeyboardToTheTree) {
@@ -192,11 +172,8 @@ TEST_F(Focus, ASearchOfThePortGivesTheButtonItsKeyboardBack) {
 
 TEST_F(Focus, TheEndOfTheLockTakesNoFieldFromUnderTheFingers) {
     openVe();
-    auto* gap = windows.table()->findChild<QLineEdit*>("txtTOG");
     windows.onFlyLock(true);
-    gap->setFocus();
-    gap->selectAll();
-    typeText("5.5");
+    typeTimeOfGap("5.5");
     windows.onFlyLock(false);
     settle();
     EXPECT_EQ(focus(), "txtTOG");
@@ -204,18 +181,15 @@ TEST_F(Focus, TheEndOfTheLockTakesNoFieldFromUnderTheFingers) {
 
 TEST_F(Focus, ATimeThatIsBeingTypedIsNoEntryWhileAMenuOrAnotherWindowIsInFront) {
     openVe();
-    auto* gap = windows.table()->findChild<QLineEdit*>("txtTOG");
-    gap->setFocus();
-    gap->selectAll();
-    typeText("3");
+    typeTimeOfGap("3");
     for (const Qt::FocusReason reason :
          {Qt::ActiveWindowFocusReason, Qt::PopupFocusReason, Qt::MenuBarFocusReason}) {
         QFocusEvent out(QEvent::FocusOut, reason);
-        QApplication::sendEvent(gap, &out);
+        QApplication::sendEvent(timeOfGap(), &out);
         EXPECT_EQ(unit().get("scale1"), 5) << reason;
     }
     windows.showUnit();
-    EXPECT_EQ(gap->text(), "3") << "a change elsewhere drops nothing of it";
+    EXPECT_EQ(timeOfGap()->text(), "3") << "a change elsewhere drops nothing of it";
     windows.table()->grid().setFocus(Qt::MouseFocusReason);
     EXPECT_EQ(unit().get("scale1"), 3);
 }
@@ -223,27 +197,19 @@ TEST_F(Focus, ATimeThatIsBeingTypedIsNoEntryWhileAMenuOrAnotherWindowIsInFront) 
 TEST_F(Focus, ATimeThatIsBeingTypedGoesOnWhileTheTableMoves) {
     windows.main().resize(1366, 768);  // room for the fields in the tool bar
     openVe();
-    auto* gap = windows.table()->findChild<QLineEdit*>("txtTOG");
-    gap->setFocus();
-    gap->selectAll();
-    typeText("3");
+    typeTimeOfGap("3");
     for (const char* digit : {"1", "2"}) {
-        tableAction("Docking")->trigger();
-        settle();
+        dockOrUndock();
         EXPECT_EQ(unit().get("scale1"), 5);
-        QWidget* window = windows.table()->window();
-        ASSERT_EQ(focusOf(*window), "txtTOG");
-        QKeyEvent press(QEvent::KeyPress, Qt::Key_0, Qt::NoModifier, digit);
-        QApplication::sendEvent(window->focusWidget(), &press);
+        typeWhileMoving("txtTOG", digit);
     }
-    EXPECT_EQ(gap->text(), "312");
+    EXPECT_EQ(timeOfGap()->text(), "312");
 }
 
 TEST_F(Focus, ATimeThatNobodyHasTouchedGivesTheGridTheKeyboardWhenTheTableMoves) {
     openVe();
-    windows.table()->findChild<QLineEdit*>("txtTOG")->setFocus();
-    tableAction("Docking")->trigger();
-    settle();
+    timeOfGap()->setFocus();
+    dockOrUndock();
     EXPECT_EQ(focusOf(*windows.table()), "Grid1");
 }
 
@@ -296,11 +262,11 @@ class BoxOverForm : public Focus {
         dialogs.setParent(&windows.main());
         windows.openGeneralConfig();
         settle();
-        activate(form());
-        form().findChild<QLineEdit*>("txtRPM")->setFocus();
+        activate(general());
+        general().findChild<QLineEdit*>("txtRPM")->setFocus();
         settle();
     }
-    QWidget& form() { return *windows.generalConfig(); }
+    QWidget& general() { return *windows.generalConfig(); }
     /// Answers over which window it stood.
     QWidget* readBox() {
         QWidget* over = nullptr;
@@ -319,7 +285,7 @@ TEST_F(BoxOverForm, TheFormHasTheKeyboardWhateverTheWindowManagerChooses) {
     for (int i = 0; i < 2; ++i) {
         windows.main().activateWindow();
         settle();
-        EXPECT_TRUE(form().isActiveWindow());
+        EXPECT_TRUE(general().isActiveWindow());
         EXPECT_EQ(focus(), "txtRPM");
     }
 }
@@ -327,7 +293,7 @@ TEST_F(BoxOverForm, TheFormHasTheKeyboardWhateverTheWindowManagerChooses) {
 TEST_F(BoxOverForm, TheNextBoxStandsOverTheFormAsWell) {
     readBox();
     windows.main().activateWindow();
-    EXPECT_EQ(readBox(), &form());
+    EXPECT_EQ(readBox(), &general());
 }
 
 TEST_F(BoxOverForm, AWindowThatTheCommandOpensKeepsTheKeyboard) {
@@ -336,7 +302,7 @@ TEST_F(BoxOverForm, AWindowThatTheCommandOpensKeepsTheKeyboard) {
     settle();
     windows.main().activateWindow();
     settle();
-    EXPECT_FALSE(form().isActiveWindow());
+    EXPECT_FALSE(general().isActiveWindow());
 }
 
 TEST_F(BoxOverForm, AUserWhoGoesToTheMainWindowAfterwardsStaysThere) {
@@ -353,8 +319,7 @@ TEST_F(Focus, ABoxEndsWithTheWindowThatItStandsOver) {
     QtDialogs dialogs;
     dialogs.setParent(&windows.main());
     openVe();
-    tableAction("Docking")->trigger();
-    settle();
+    dockOrUndock();
     activate(*windows.table());
     QTimer::singleShot(0, [&] { windows.removeForms(); });
     EXPECT_EQ(dialogs.show({"SAVE", "Save changes?", Icon::Question, Buttons::OkCancel}), Answer::Cancel);

@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "app/fake_platform.h"
-#include "app/main_commands.h"
 #include "base/errors.h"
 
 #include <QAction>
@@ -14,7 +12,7 @@
 #include <QMenu>
 #include <QScrollBar>
 
-#include "windows/frm_table.h"
+#include "windows/table_windows_fixture.h"
 
 namespace zentaq {
 namespace {
@@ -38,7 +36,6 @@ class TableWindows : public RecordingWindows {
 class Table : public testing::Test {
  protected:
     static constexpr int orbA = 3;
-    static constexpr int lines = 16;
     FakeSession fake;
     MainCommands commands{fake.session};
     TableWindows windows;
@@ -49,10 +46,7 @@ class Table : public testing::Test {
         fake.session.CurrentUnit(orbA);
         fake.session.header().programVersion = 9.44f;
         unit().FW_Release(5);
-        for (int i = 0; i < lines; ++i) {
-            unit().set("RPMTBL", 500 * (i + 1), i);
-            unit().set("MAPTBL", 20 + 5 * i, i);
-        }
+        giveRisingAxes(unit());
         form = std::make_unique<FrmTable>(fake.session, commands);
         windows.table = form.get();
         fake.session.attach(windows);
@@ -75,6 +69,9 @@ class Table : public testing::Test {
         return grid().model()->index(row - 1, column - 1).data().toString().toStdString();
     }
     float ve(int index) { return unit().get("VE", index); }
+    TableCursor& cursor() { return form->model()->cursor(); }
+    int colour(int row, int column) { return form->model()->sheet().grid().colour(row, column); }
+    QLineEdit* timeOfGap() { return form->findChild<QLineEdit*>("txtTOG"); }
 
     /// A key to whatever has the focus, as the keyboard would send it.
     void key(int code, const QString& text = {}, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
@@ -86,19 +83,54 @@ class Table : public testing::Test {
     void type(const QString& text) {
         for (const QChar letter : text) key(letter.toUpper().unicode(), letter);
     }
-    void enter() { key(Qt::Key_Return, "\r"); }
+    void enter(const QString& text = {}) {
+        type(text);
+        key(Qt::Key_Return, "\r");
+    }
+    void paste() { key(Qt::Key_V, "\x16", Qt::ControlModifier); }
+    void paste(const QString& text) {
+        QApplication::clipboard()->setText(text);
+        paste();
+    }
+    /// The prompt that a double click on a header raises; the boxes are those of this entry alone.
+    void enterHeader(Qt::Orientation axis, int section, const std::optional<std::string>& entry) {
+        fake.dialogs.boxes.clear();
+        fake.dialogs.inputs.push_back(entry);
+        QHeaderView* header = axis == Qt::Horizontal ? grid().horizontalHeader() : grid().verticalHeader();
+        Q_EMIT header->sectionDoubleClicked(section);
+    }
+    /// The first cell of the calibration, and the grid read again.
+    void showStored(double value) {
+        unit().set("VE", value, 0);
+        form->Setup_Grid("", "");
+    }
     void stand(int row, int column) { grid().setCurrentIndex(grid().model()->index(row - 1, column - 1)); }
     /// As the mouse does it: the focus moves before the grid hears of the press.
     void click(int row, int column, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
         grid().setFocus(Qt::MouseFocusReason);
-        const QPointF place = grid().cellRect(row, column).center();
         for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonRelease}) {
-            QMouseEvent event(type, place, grid().viewport()->mapToGlobal(place), Qt::LeftButton,
-                              type == QEvent::MouseButtonPress ? Qt::LeftButton : Qt::NoButton, modifiers);
-            QApplication::sendEvent(grid().viewport(), &event);
+            mouse(type, grid().cellRect(row, column).center(), modifiers);
         }
     }
-    std::string overlayItem() { return form->findChild<QAction*>("Colors")->text().toStdString(); }
+    void mouse(QEvent::Type type, const QPointF& at, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+        const auto held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+        QMouseEvent event(type, at, grid().viewport()->mapToGlobal(at), button, held, modifiers);
+        QApplication::sendEvent(grid().viewport(), &event);
+    }
+    /// The cursor of a cell that was clicked goes to that of 1000 rpm and 40 kPa, row 12 and column 2.
+    void clickAndLetTheEngineTakeOver() {
+        click(3, 12);
+        key(Qt::Key_Escape);
+        form->Show_Current_Activity(1000, 40);
+    }
+    /// Top, left, bottom, right.
+    std::vector<int> selected() {
+        const Selection& chosen = cursor().selection();
+        return {chosen.top, chosen.left, chosen.bottom, chosen.right};
+    }
+    QAction* tool(const char* name) { return form->findChild<QAction*>(QLatin1String(name)); }
+    std::string overlayItem() { return tool("Colors")->text().toStdString(); }
     void select(int top, int left, int bottom, int right) {
         const QAbstractItemModel* model = grid().model();
         stand(top, left);
@@ -113,7 +145,11 @@ class Table : public testing::Test {
         unit().ONFLY_MODE(true);
     }
     void tick(int count = 1) { fake.ticker.run(count); }
-    void answerOnFly() { fake.port.deliver({'A', 'X'}); }
+    void answerOnFly() {
+        fake.port.deliver({'A', 'X'});
+        tick(2);
+        QApplication::processEvents();
+    }
     static QImage picture(QWidget& widget) { return widget.grab().toImage(); }
 };
 
@@ -124,7 +160,7 @@ TEST_F(Table, HasEveryNamedControl) {
         EXPECT_NE(form->findChild<QWidget*>(QLatin1String(name)), nullptr) << name;
     }
     for (const char* name : {"Home", "Save", "Manage", "Print", "Docking", "Close"}) {
-        EXPECT_NE(form->findChild<QAction*>(QLatin1String(name)), nullptr) << name;
+        EXPECT_NE(tool(name), nullptr) << name;
     }
     EXPECT_EQ(form->findChild<QLabel*>("lblTitle")->text(), "Volumetric Efficiency Table");
 }
@@ -164,8 +200,7 @@ TEST_F(Table, TypingANumberAndEnterWritesTheCell) {
 TEST_F(Table, TypedValueGoesToTheRunningUnitAtOnce) {
     goLive();
     stand(1, 1);  // stored row 15: index 240, address 4352 + 912 + 240 = 0x1580
-    type("12");
-    enter();
+    enter("12");
     tick();
     // 12 + 50 = 0x3E; 0x04 + 0x15 + 0x80 + 0x3E = 0xD7, inverted 0x28
     EXPECT_THAT(fake.port.written, ElementsAre("P2S10415803E28"));
@@ -174,8 +209,7 @@ TEST_F(Table, TypedValueGoesToTheRunningUnitAtOnce) {
 TEST_F(Table, RefusedValueWarnsAndTheBoxHoldsTheOldText) {
     goLive();
     stand(16, 1);
-    type("51");
-    enter();
+    enter("51");
     ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
     EXPECT_EQ(fake.dialogs.boxes[0].title, "Data Input Error");
     EXPECT_THAT(fake.dialogs.boxes[0].text, HasSubstr("(-50 to 50%) - Invalid Entry."));
@@ -222,8 +256,7 @@ TEST_F(Table, EscapeLeavesTheCellAsItWas) {
 }
 
 TEST_F(Table, SpaceOpensTheCellsOwnText) {
-    unit().set("VE", 7, 0);
-    form->Setup_Grid("", "");
+    showStored(7);
     stand(16, 1);
     type(" ");
     EXPECT_EQ(box().text(), "7");
@@ -241,8 +274,7 @@ TEST_F(Table, LeavingTheBoxPutsItsTextIntoTheCellUnchecked) {
 
 TEST_F(Table, EnterFillsTheWholeSelection) {
     select(15, 2, 16, 4);
-    type("8");
-    enter();
+    enter("8");
     EXPECT_THAT((std::vector{ve(1), ve(2), ve(3), ve(17), ve(18), ve(19)}), ElementsAre(8, 8, 8, 8, 8, 8));
     EXPECT_EQ(ve(0), 0);
     EXPECT_EQ(ve(4), 0);
@@ -259,8 +291,7 @@ TEST_F(Table, FullStopAndCommaNudgeTheSelection) {
 }
 
 TEST_F(Table, NudgeBeyondTheRangeWarnsAndModifiesNothing) {
-    unit().set("VE", 50, 0);
-    form->Setup_Grid("", "");
+    showStored(50);
     stand(16, 1);
     type(".");
     EXPECT_EQ(ve(0), 50);
@@ -271,29 +302,24 @@ TEST_F(Table, NudgeBeyondTheRangeWarnsAndModifiesNothing) {
 TEST_F(Table, KeysTypedWhileAChangeIsOnItsWayAreNotLost) {
     goLive();
     stand(16, 1);
-    type("12");
-    enter();
+    enter("12");
     tick();
     ASSERT_TRUE(form->locked());
-    type("34");
-    enter();
+    enter("34");
     key(Qt::Key_Right);
     type("56");
     EXPECT_EQ(ve(0), 12) << "nothing is changed while locked";
     answerOnFly();
-    tick(2);
-    QApplication::processEvents();
     EXPECT_FALSE(form->locked());
     EXPECT_EQ(ve(0), 34);
-    EXPECT_EQ(form->model()->cursor().column(), 2);
+    EXPECT_EQ(cursor().column(), 2);
     EXPECT_EQ(box().text(), "56");
 }
 
 TEST_F(Table, BoxOpenedBeforeTheLockKeepsTheFocusAndItsEnterWaits) {
     goLive();
     stand(16, 1);
-    type("12");
-    enter();
+    enter("12");
     type("3");  // the change is queued, the lock comes with the next tick
     tick();
     ASSERT_TRUE(form->locked());
@@ -302,18 +328,16 @@ TEST_F(Table, BoxOpenedBeforeTheLockKeepsTheFocusAndItsEnterWaits) {
     enter();
     EXPECT_EQ(ve(0), 12);
     answerOnFly();
-    tick(2);
-    QApplication::processEvents();
     EXPECT_EQ(ve(0), 34);
 }
 
 TEST_F(Table, FocusReturnsToTheGridWhenTheLockEnds) {
     form->onFlyLock(true);
-    form->findChild<QLineEdit*>("txtTOG")->setFocus();
+    timeOfGap()->setFocus();
     form->onFlyLock(false);
     EXPECT_EQ(QApplication::focusWidget(), &grid());
     // Only the change from busy to free does it.
-    form->findChild<QLineEdit*>("txtTOG")->setFocus();
+    timeOfGap()->setFocus();
     form->onFlyLock(false);
     EXPECT_NE(QApplication::focusWidget(), &grid());
 }
@@ -321,14 +345,11 @@ TEST_F(Table, FocusReturnsToTheGridWhenTheLockEnds) {
 TEST_F(Table, AClickOnTheLockedGridWaitsForTheEndOfTheLock) {
     stand(16, 1);
     form->onFlyLock(true);
-    const QPointF place = grid().cellRect(4, 4).center();
-    QMouseEvent press(QEvent::MouseButtonPress, place, grid().viewport()->mapToGlobal(place), Qt::LeftButton,
-                      Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(grid().viewport(), &press);
-    EXPECT_EQ(form->model()->cursor().row(), 16);
+    mouse(QEvent::MouseButtonPress, grid().cellRect(4, 4).center());
+    EXPECT_EQ(cursor().row(), 16);
     form->onFlyLock(false);
     QApplication::processEvents();
-    EXPECT_EQ(form->model()->cursor().row(), 4);
+    EXPECT_EQ(cursor().row(), 4);
 }
 
 TEST_F(Table, HeldDownKeyDoesNotGoOnAfterTheLock) {
@@ -343,8 +364,7 @@ TEST_F(Table, HeldDownKeyDoesNotGoOnAfterTheLock) {
 }
 
 TEST_F(Table, DoubleClickOnAColumnHeaderAsksForItsValue) {
-    fake.dialogs.inputs.push_back("750");
-    Q_EMIT grid().horizontalHeader()->sectionDoubleClicked(0);
+    enterHeader(Qt::Horizontal, 0, "750");
     ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
     EXPECT_EQ(fake.dialogs.boxes[0].title, "Table Setup");
     EXPECT_EQ(fake.dialogs.boxes[0].text, "Enter a New RPM Header Value...\n500");
@@ -353,48 +373,38 @@ TEST_F(Table, DoubleClickOnAColumnHeaderAsksForItsValue) {
     EXPECT_TRUE(fake.session.DataModified);
 }
 
-TEST_F(Table, AHeaderThatIsNotAboveTheOneToItsLeftIsRefused) {
+TEST_F(Table, AHeaderThatIsNotAboveTheOneBeforeItIsRefused) {
     fake.session.messages.ActiveFormName = "frmTABLE";
-    for (const char* entry : {"500", "250"}) {
-        fake.dialogs.boxes.clear();
-        fake.dialogs.inputs.push_back(entry);
-        Q_EMIT grid().horizontalHeader()->sectionDoubleClicked(1);  // 1000, behind 500
+    for (const std::string entry : {"500", "250"}) {
+        enterHeader(Qt::Horizontal, 1, entry);  // 1000, behind 500
         ASSERT_EQ(fake.dialogs.boxes.size(), 2u);
         EXPECT_EQ(fake.dialogs.boxes[1].title, "Data Input Error");
-        EXPECT_EQ(
-            fake.dialogs.boxes[1].text,
-            std::string("Warning 1006: Data Input Error\nThe value you entered must be higher than that "
-                        "of the one to the left.\n500 > ") +
-                entry + " = FALSE");
+        EXPECT_EQ(fake.dialogs.boxes[1].text,
+                  "Warning 1006: Data Input Error\nThe value you entered must be higher than that of the one "
+                  "to the left.\n500 > " +
+                      entry + " = FALSE");
         EXPECT_THAT(fake.session.console.lines().back(),
                     HasSubstr(" - Warning 1006: Data Input Error / Value Lesser than Left."));
         EXPECT_EQ(windows.calls.back(), "focus frmTABLE");
     }
     EXPECT_EQ(unit().get("RPMTBL", 1), 1000);
-    EXPECT_FALSE(fake.session.DataModified);
-}
-
-TEST_F(Table, APressureHeaderMustBeAboveTheOneBelowIt) {
-    fake.dialogs.inputs.push_back("20");
-    Q_EMIT grid().verticalHeader()->sectionDoubleClicked(14);  // 25 kPa, above 20
+    enterHeader(Qt::Vertical, 14, "20");  // 25 kPa, above 20
     ASSERT_EQ(fake.dialogs.boxes.size(), 2u);
     EXPECT_THAT(fake.dialogs.boxes[1].text, HasSubstr("20 > 20 = FALSE"));
     EXPECT_EQ(unit().get("MAPTBL", 1), 25);
+    EXPECT_FALSE(fake.session.DataModified);
 }
 
 TEST_F(Table, AnAxisIsMovedUpFromItsLowestStopOn) {
     // Only the stop before counts, so the next one may follow with the next entry.
-    for (const auto& [section, entry] : {std::pair(0, "1200"), std::pair(1, "1700")}) {
-        fake.dialogs.inputs.push_back(entry);
-        Q_EMIT grid().horizontalHeader()->sectionDoubleClicked(section);
-    }
+    enterHeader(Qt::Horizontal, 0, "1200");
+    enterHeader(Qt::Horizontal, 1, "1700");
     EXPECT_EQ(unit().get("RPMTBL", 0), 1200);
     EXPECT_EQ(unit().get("RPMTBL", 1), 1700);
 }
 
 TEST_F(Table, AHeaderThatIsNotBelowTheNextOneStandsAndIsTold) {
-    fake.dialogs.inputs.push_back("9000");
-    Q_EMIT grid().horizontalHeader()->sectionDoubleClicked(6);  // 3500, in front of 4000
+    enterHeader(Qt::Horizontal, 6, "9000");  // 3500, in front of 4000
     EXPECT_EQ(unit().get("RPMTBL", 6), 9000);
     ASSERT_EQ(fake.dialogs.boxes.size(), 2u);
     EXPECT_EQ(fake.dialogs.boxes[1].title, "Warning");
@@ -403,34 +413,27 @@ TEST_F(Table, AHeaderThatIsNotBelowTheNextOneStandsAndIsTold) {
     EXPECT_THAT(fake.session.console.lines().back(),
                 HasSubstr("9000 is not below the next value of the axis"));
     EXPECT_TRUE(fake.session.DataModified);
-}
-
-TEST_F(Table, AHeaderBetweenItsNeighborsAndTheLastOneOfAnAxisAreNotTold) {
-    for (const auto& [section, entry] : {std::pair(6, "3600"), std::pair(15, "9000")}) {
-        fake.dialogs.boxes.clear();
-        fake.dialogs.inputs.push_back(entry);
-        Q_EMIT grid().horizontalHeader()->sectionDoubleClicked(section);
-        EXPECT_EQ(fake.dialogs.boxes.size(), 1u) << entry;
-    }
-}
-
-TEST_F(Table, APressureHeaderThatIsNotBelowTheOneAboveItIsTold) {
     for (const bool inverted : {false, true}) {
-        fake.dialogs.boxes.clear();
         if (inverted) form->model()->invert();
-        fake.dialogs.inputs.push_back(inverted ? "33" : "32");
-        Q_EMIT grid().verticalHeader()->sectionDoubleClicked(inverted ? 1 : 14);  // 25 kPa, below 30
+        enterHeader(Qt::Vertical, inverted ? 1 : 14, inverted ? "33" : "32");  // 25 kPa, below 30
         ASSERT_EQ(fake.dialogs.boxes.size(), 2u) << inverted;
         EXPECT_THAT(fake.dialogs.boxes[1].text, HasSubstr("is not below the next value of the axis, 30."));
     }
 }
 
+TEST_F(Table, AHeaderBetweenItsNeighborsAndTheLastOneOfAnAxisAreNotTold) {
+    for (const auto& [section, entry] : {std::pair(6, "3600"), std::pair(15, "9000")}) {
+        enterHeader(Qt::Horizontal, section, entry);
+        EXPECT_EQ(fake.dialogs.boxes.size(), 1u) << entry;
+    }
+}
+
 TEST_F(Table, CancelledHeaderPromptChangesNothing) {
-    fake.dialogs.inputs.push_back(std::nullopt);
-    Q_EMIT grid().verticalHeader()->sectionDoubleClicked(15);
+    enterHeader(Qt::Vertical, 15, std::nullopt);
     ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
     EXPECT_EQ(fake.dialogs.boxes[0].text, "Enter a New MAP Header Value...\n20");
     EXPECT_FALSE(fake.session.DataModified);
+    EXPECT_FALSE(cursor().overlaySuppressed()) << "the overlay is as it was";
 }
 
 TEST_F(Table, CopyGivesTabSeparatedRowsAndPasteWritesThem) {
@@ -443,29 +446,18 @@ TEST_F(Table, CopyGivesTabSeparatedRowsAndPasteWritesThem) {
     key(Qt::Key_C, "\x03", Qt::ControlModifier);
     EXPECT_EQ(QApplication::clipboard()->text(), "1\t2\n3\t4");
     stand(1, 15);
-    key(Qt::Key_V, "\x16", Qt::ControlModifier);
+    paste();
     EXPECT_THAT((std::vector{ve(254), ve(255), ve(238), ve(239)}), ElementsAre(1, 2, 3, 4));
     EXPECT_EQ(shown(2, 16), "4");
     EXPECT_TRUE(fake.session.DataModified);
-}
-
-TEST_F(Table, PastedTextThatIsNoValueShowsWhatTheCalibrationHolds) {
-    QApplication::clipboard()->setText("abc\t99\t5\n");
-    stand(16, 1);
-    key(Qt::Key_V, "\x16", Qt::ControlModifier);
-    EXPECT_EQ(shown(16, 1), "0");
-    EXPECT_EQ(shown(16, 2), "0");
-    EXPECT_EQ(shown(16, 3), "5");
-    EXPECT_EQ(ve(2), 5);
 }
 
 TEST_F(Table, APasteWithManyRefusalsRaisesOneBoxAndSendsNoneOfThem) {
     form->Setup_Grid("GPO1", "Full Table - Table#1");
     goLive();
     fake.dialogs.boxes.clear();
-    QApplication::clipboard()->setText("500\t-20\t444\n");
     stand(16, 1);
-    key(Qt::Key_V, "\x16", Qt::ControlModifier);
+    paste("500\t-20\t444\n");
     ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
     EXPECT_THAT(fake.dialogs.boxes[0].text, HasSubstr("(0 to 100%) - Invalid Entry."));
     EXPECT_EQ(shown(16, 1), "0");
@@ -482,11 +474,11 @@ TEST_F(Table, ATextLeftInTheBoxIsCheckedByTheSaveButton) {
     type("444");
     stand(15, 1);
     ASSERT_EQ(cell(16, 1), "444");
-    form->findChild<QAction*>("Save")->trigger();
+    tool("Save")->trigger();
     EXPECT_EQ(unit().Get_GPIO_Table(1, 0), 0);
     EXPECT_EQ(shown(16, 1), "0");
     EXPECT_EQ(fake.dialogs.boxes.size(), 1u);
-    form->findChild<QAction*>("Save")->trigger();
+    tool("Save")->trigger();
     EXPECT_EQ(fake.dialogs.boxes.size(), 1u);
 }
 
@@ -502,20 +494,17 @@ TEST_F(Table, AnAxisThatHasBecomeEmptyIsFilledAndTheStopsRefusedAreTold) {
 }
 
 TEST_F(Table, ATableThatCannotBeShownLeavesTheOneOnTheScreen) {
-    unit().set("VE", 7, 0);
-    form->Setup_Grid("", "");
+    showStored(7);
     EXPECT_THROW(form->Setup_Grid("FUEL", "Fuel"), NoSuchMember);
     EXPECT_EQ(form->findChild<QLabel*>("lblTitle")->text(), "Volumetric Efficiency Table");
     EXPECT_EQ(shown(16, 1), "7");
     stand(16, 1);
-    type("9");
-    enter();
+    enter("9");
     EXPECT_EQ(ve(0), 9);
 }
 
 TEST_F(Table, CapitalAShowsAbsoluteValues) {
-    unit().set("VE", 7, 0);
-    form->Setup_Grid("", "");
+    showStored(7);
     type("A");
     EXPECT_EQ(shown(16, 1), "107");
     type("A");
@@ -542,13 +531,13 @@ TEST_F(Table, MarkerStandsBetweenTheHeadersOfTheLivePoint) {
 
 TEST_F(Table, LiveCellTurnsYellowAndTheCursorFollows) {
     form->Show_Current_Activity(1000, 40);
-    EXPECT_EQ(form->model()->sheet().grid().colour(12, 2), 0x00FFFF);
+    EXPECT_EQ(colour(12, 2), 0x00FFFF);
     EXPECT_EQ(grid().currentIndex().row(), 11);
     EXPECT_EQ(grid().currentIndex().column(), 1);
     stand(1, 1);
     key(Qt::Key_Left);  // a key of the user ends the following
     form->Show_Current_Activity(2000, 40);
-    EXPECT_EQ(form->model()->cursor().column(), 1);
+    EXPECT_EQ(cursor().column(), 1);
 }
 
 TEST_F(Table, ClickedCellTakesWhatIsTypedWhileTheEngineRunsElsewhere) {
@@ -556,7 +545,7 @@ TEST_F(Table, ClickedCellTakesWhatIsTypedWhileTheEngineRunsElsewhere) {
     click(4, 4);
     EXPECT_EQ(overlayItem(), "Turn Overlay ON");
     form->Show_Current_Activity(1000, 40);
-    EXPECT_EQ(form->model()->cursor().row(), 4);
+    EXPECT_EQ(cursor().row(), 4);
     type("44");
     form->Show_Current_Activity(1500, 45);
     enter();
@@ -565,23 +554,21 @@ TEST_F(Table, ClickedCellTakesWhatIsTypedWhileTheEngineRunsElsewhere) {
     EXPECT_EQ(ve(5 * 16 + 2), 0);
     EXPECT_EQ(overlayItem(), "Turn Overlay OFF");
     form->Show_Current_Activity(1000, 40);
-    EXPECT_EQ(form->model()->cursor().row(), 12);
+    EXPECT_EQ(cursor().row(), 12);
 }
 
 TEST_F(Table, ArrowKeyThenTypingEndsWithTheOverlayAsItWas) {
     stand(16, 1);
     key(Qt::Key_Right);
-    EXPECT_TRUE(form->model()->cursor().overlaySuppressed());
-    type("5");
-    enter();
+    EXPECT_TRUE(cursor().overlaySuppressed());
+    enter("5");
     EXPECT_EQ(ve(1), 5);
-    EXPECT_FALSE(form->model()->cursor().overlaySuppressed());
+    EXPECT_FALSE(cursor().overlaySuppressed());
     type("O");
     key(Qt::Key_Right);
-    type("6");
-    enter();
+    enter("6");
     EXPECT_EQ(ve(2), 6);
-    EXPECT_TRUE(form->model()->cursor().overlaySuppressed()) << "off before, off afterwards";
+    EXPECT_TRUE(cursor().overlaySuppressed()) << "off before, off afterwards";
 }
 
 TEST_F(Table, KeyOAndEscapeOnTheGridLetTheCursorFollowAgain) {
@@ -592,7 +579,7 @@ TEST_F(Table, KeyOAndEscapeOnTheGridLetTheCursorFollowAgain) {
     key(Qt::Key_Escape);
     EXPECT_EQ(overlayItem(), "Turn Overlay OFF");
     form->Show_Current_Activity(1000, 40);
-    EXPECT_EQ(form->model()->cursor().row(), 12);
+    EXPECT_EQ(cursor().row(), 12);
     type("O");
     click(4, 4);
     key(Qt::Key_Escape);
@@ -603,11 +590,10 @@ TEST_F(Table, RefusedAndEscapedEntriesGiveTheOverlayBack) {
     for (int round = 0; round < 3; ++round) {
         click(4, 4);
         for (const char* entry : {"99", "88"}) {
-            type(entry);
-            enter();
+            enter(entry);
             ASSERT_TRUE(box().isVisible());
             form->Show_Current_Activity(1000, 40);
-            EXPECT_EQ(form->model()->cursor().row(), 4) << "an open box holds its cell";
+            EXPECT_EQ(cursor().row(), 4) << "an open box holds its cell";
         }
         key(Qt::Key_Escape);
         EXPECT_EQ(overlayItem(), "Turn Overlay OFF") << round;
@@ -623,11 +609,10 @@ TEST_F(Table, ClickOnAnotherCellEndsTheEditAndHoldsThere) {
     click(5, 5);
     EXPECT_EQ(cell(4, 4), "7");
     form->Show_Current_Activity(1000, 40);
-    EXPECT_EQ(form->model()->cursor().row(), 5);
-    type("8");
-    enter();
+    EXPECT_EQ(cursor().row(), 5);
+    enter("8");
     EXPECT_EQ(ve(11 * 16 + 4), 8);
-    EXPECT_FALSE(form->model()->cursor().overlaySuppressed());
+    EXPECT_FALSE(cursor().overlaySuppressed());
 }
 
 TEST_F(Table, ArrowOutOfTheBoxHoldsTheCellThatItGoesTo) {
@@ -637,7 +622,7 @@ TEST_F(Table, ArrowOutOfTheBoxHoldsTheCellThatItGoesTo) {
     ASSERT_FALSE(box().isVisible());
     EXPECT_EQ(cell(4, 4), "7");
     form->Show_Current_Activity(1000, 40);
-    EXPECT_EQ(form->model()->cursor().row(), 5);
+    EXPECT_EQ(cursor().row(), 5);
 }
 
 TEST_F(Table, EveryKeyOutOfTheBoxLeavesTheKeyboardToTheGridAndWritesNothing) {
@@ -656,16 +641,10 @@ TEST_F(Table, EveryKeyOutOfTheBoxLeavesTheKeyboardToTheGridAndWritesNothing) {
 }
 
 TEST_F(Table, AShiftedKeySelectsFromTheCellThatTheEngineHasCarriedTheCursorTo) {
-    click(3, 12);
-    key(Qt::Key_Escape);
-    form->Show_Current_Activity(1000, 40);
-    ASSERT_EQ(form->model()->cursor().row(), 12);
+    clickAndLetTheEngineTakeOver();
+    ASSERT_EQ(cursor().row(), 12);
     key(Qt::Key_Down, {}, Qt::ShiftModifier);
-    const Selection& chosen = form->model()->cursor().selection();
-    EXPECT_EQ(chosen.top, 12);
-    EXPECT_EQ(chosen.bottom, 13);
-    EXPECT_EQ(chosen.left, 2);
-    EXPECT_EQ(chosen.right, 2);
+    EXPECT_THAT(selected(), ElementsAre(12, 2, 13, 2));
     key(Qt::Key_Comma, ",");
     EXPECT_EQ(ve(4 * 16 + 1), -1);
     EXPECT_EQ(ve(3 * 16 + 1), -1);
@@ -674,76 +653,47 @@ TEST_F(Table, AShiftedKeySelectsFromTheCellThatTheEngineHasCarriedTheCursorTo) {
 }
 
 TEST_F(Table, AShiftedClickSelectsFromTheCellThatTheEngineHasCarriedTheCursorTo) {
-    click(3, 12);
-    key(Qt::Key_Escape);
-    form->Show_Current_Activity(1000, 40);
+    clickAndLetTheEngineTakeOver();
     click(13, 3, Qt::ShiftModifier);
-    const Selection& chosen = form->model()->cursor().selection();
-    EXPECT_EQ(chosen.top, 12);
-    EXPECT_EQ(chosen.bottom, 13);
-    EXPECT_EQ(chosen.left, 2);
-    EXPECT_EQ(chosen.right, 3);
+    EXPECT_THAT(selected(), ElementsAre(12, 2, 13, 3));
 }
 
 TEST_F(Table, AHandThatShakesWhileItClicksWithShiftSelectsNoMore) {
-    click(3, 12);
-    key(Qt::Key_Escape);
-    form->Show_Current_Activity(1000, 40);
+    clickAndLetTheEngineTakeOver();
     const QPointF place = grid().cellRect(13, 3).center();
-    const auto mouse = [&](QEvent::Type type, const QPointF& at, Qt::MouseButtons buttons) {
-        const auto button = type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
-        QMouseEvent event(type, at, grid().viewport()->mapToGlobal(at), button, buttons, Qt::ShiftModifier);
-        QApplication::sendEvent(grid().viewport(), &event);
-    };
-    mouse(QEvent::MouseButtonPress, place, Qt::LeftButton);
-    mouse(QEvent::MouseMove, place + QPointF(1, 1), Qt::LeftButton);
-    mouse(QEvent::MouseButtonRelease, place + QPointF(1, 1), Qt::NoButton);
-    const Selection& chosen = form->model()->cursor().selection();
-    EXPECT_EQ(chosen.top, 12);
-    EXPECT_EQ(chosen.bottom, 13);
-    EXPECT_EQ(chosen.left, 2);
-    EXPECT_EQ(chosen.right, 3);
+    mouse(QEvent::MouseButtonPress, place, Qt::ShiftModifier);
+    mouse(QEvent::MouseMove, place + QPointF(1, 1), Qt::ShiftModifier);
+    mouse(QEvent::MouseButtonRelease, place + QPointF(1, 1), Qt::ShiftModifier);
+    EXPECT_THAT(selected(), ElementsAre(12, 2, 13, 3));
 }
 
 TEST_F(Table, AShiftedKeyBehindAnEntrySelectsFromTheEnginesCell) {
     click(3, 12);
-    type("7");
-    enter();
+    enter("7");
     form->Show_Current_Activity(1000, 40);
     key(Qt::Key_Right, {}, Qt::ShiftModifier);
-    const Selection& chosen = form->model()->cursor().selection();
-    EXPECT_EQ(chosen.top, 12);
-    EXPECT_EQ(chosen.bottom, 12);
-    EXPECT_EQ(chosen.left, 2);
-    EXPECT_EQ(chosen.right, 3);
+    EXPECT_THAT(selected(), ElementsAre(12, 2, 12, 3));
 }
 
 TEST_F(Table, TurningTheRowsOverEndsAnOpenEdit) {
     click(4, 4);
     type("7");
-    form->findChild<QAction*>("Invert")->trigger();
+    tool("Invert")->trigger();
     EXPECT_FALSE(box().isVisible());
-    EXPECT_FALSE(form->model()->cursor().overlaySuppressed());
+    EXPECT_FALSE(cursor().overlaySuppressed());
     EXPECT_EQ(cell(4, 4), "0");
-}
-
-TEST_F(Table, HeaderPromptEndsWithTheOverlayAsItWas) {
-    fake.dialogs.inputs.push_back(std::nullopt);
-    Q_EMIT grid().verticalHeader()->sectionDoubleClicked(15);
-    EXPECT_FALSE(form->model()->cursor().overlaySuppressed());
 }
 
 TEST_F(Table, LockedGridIsNotHeldByAClick) {
     form->onFlyLock(true);
     click(4, 4);
-    EXPECT_FALSE(form->model()->cursor().overlaySuppressed());
+    EXPECT_FALSE(cursor().overlaySuppressed());
     form->onFlyLock(false);
 }
 
 TEST_F(Table, TypedValueIsShadedOnTheScreenAtOnce) {
     click(4, 4);
-    type("50");
-    enter();
+    enter("50");
     stand(1, 1);
     const QRect place = grid().cellRect(4, 4);
     const QColor shown = picture(*grid().viewport()).pixelColor(place.topLeft() + QPoint(3, 3));
@@ -761,7 +711,7 @@ TEST_F(Table, LiveCellIsDrawnAtMostThirtyTimesASecond) {
     EXPECT_GE(form->redraws() - before, 28);
     // Every cell on the way is painted in the grid although few frames were drawn.
     for (int column = 1; column <= 15; ++column) {
-        EXPECT_EQ(form->model()->sheet().grid().colour(12, column), 0x00FFFF) << column;
+        EXPECT_EQ(colour(12, column), 0x00FFFF) << column;
     }
 }
 
@@ -784,14 +734,14 @@ TEST_F(Table, NightTurnsWhiteCellsDarkAndKeepsTheHueOfAShade) {
 TEST_F(Table, SavedButtonWritesWhatTheGridShows) {
     stand(16, 1);
     type("44");
-    form->findChild<QAction*>("Save")->trigger();
+    tool("Save")->trigger();
     EXPECT_EQ(ve(0), 44);
     EXPECT_TRUE(fake.session.DataModified);
 }
 
 TEST_F(Table, SavingAnUnchangedGridSendsNothingAndModifiesNothing) {
     goLive();
-    form->findChild<QAction*>("Save")->trigger();
+    tool("Save")->trigger();
     tick(3);
     EXPECT_THAT(fake.port.written, IsEmpty());
     EXPECT_FALSE(fake.session.DataModified);
@@ -799,27 +749,24 @@ TEST_F(Table, SavingAnUnchangedGridSendsNothingAndModifiesNothing) {
 
 TEST_F(Table, PastingOverEqualCellsSendsOnlyTheOneThatDiffers) {
     goLive();
-    QApplication::clipboard()->setText("0\t0\t5");
     stand(16, 1);
-    key(Qt::Key_V, "\x16", Qt::ControlModifier);
+    paste("0\t0\t5");
     tick();
     // Index 2: address 4352 + 912 + 2 = 0x1492; 5 + 50 = 0x37; 0x04 + 0x14 + 0x92 + 0x37 = 0xE1, inverted
     // 0x1E
     EXPECT_THAT(fake.port.written, ElementsAre("P2S1041492371E"));
     answerOnFly();
-    tick(3);
+    tick();
     EXPECT_EQ(fake.port.written.size(), 1u);
 }
 
 TEST_F(Table, DiscardingBringsBackTheValuesAndCountsAsAChange) {
-    unit().set("VE", 7, 0);
-    form->Setup_Grid("", "");
+    showStored(7);
     stand(16, 1);
-    type("12");
-    enter();
+    enter("12");
     fake.session.DataModified = false;  // the file holds 12 now
     fake.dialogs.answers.push_back(Answer::Yes);
-    form->findChild<QAction*>("Discard")->trigger();
+    tool("Discard")->trigger();
     EXPECT_EQ(fake.dialogs.boxes.back().title, "Discard Changes?");
     EXPECT_EQ(fake.dialogs.boxes.back().text,
               "Are you sure you want to reset the table back to it's original state?");
@@ -856,7 +803,7 @@ TEST_F(Table, ViewFollowsACalibrationThatWasChangedElsewhere) {
     unit().set("INJ_On", 0.75);
     form->showUnit();
     EXPECT_EQ(shown(16, 1), "0.75");
-    EXPECT_TRUE(form->findChild<QAction*>("Pulsewidth")->isChecked());
+    EXPECT_TRUE(tool("Pulsewidth")->isChecked());
 }
 
 TEST_F(Table, PaintOutlivesTheWindow) {
@@ -866,45 +813,43 @@ TEST_F(Table, PaintOutlivesTheWindow) {
     form = std::make_unique<FrmTable>(fake.session, commands);
     windows.table = form.get();
     form->Setup_Grid("VE", "Volumetric Efficiency Table");
-    EXPECT_EQ(form->model()->sheet().grid().colour(12, 2), 0x00FFFF);
+    EXPECT_EQ(colour(12, 2), 0x00FFFF);
 }
 
 TEST_F(Table, PaintIsOfItsAxesAlone) {
     form->Show_Current_Activity(1000, 40);
-    ASSERT_EQ(form->model()->sheet().grid().colour(12, 2), 0x00FFFF);
+    ASSERT_EQ(colour(12, 2), 0x00FFFF);
     form->Setup_Grid("ADV", "Ignition Advance Table");
-    EXPECT_EQ(form->model()->sheet().grid().colour(12, 2), 0x00FFFF) << "the same axes";
+    EXPECT_EQ(colour(12, 2), 0x00FFFF) << "the same axes";
     unit().set("RPMTBL", 1100, 1);
     form->showUnit();
-    EXPECT_EQ(form->model()->sheet().grid().colour(12, 2), 0xFFFFFF);
+    EXPECT_EQ(colour(12, 2), 0xFFFFFF);
     form->Show_Current_Activity(1100, 40);
-    fake.dialogs.inputs = {"1200"};
-    QHeaderView* header = grid().horizontalHeader();
-    Q_EMIT header->sectionDoubleClicked(1);
+    enterHeader(Qt::Horizontal, 1, "1200");
     ASSERT_EQ(unit().get("RPMTBL", 1), 1200);
-    EXPECT_EQ(form->model()->sheet().grid().colour(12, 2), 0xFFFFFF) << "a header that the user has changed";
+    EXPECT_EQ(colour(12, 2), 0xFFFFFF) << "a header that the user has changed";
 }
 
 TEST_F(Table, TheFramesOfAnotherUnitFindAGridWithoutPaint) {
     fake.session.paintMemory.ofUnit(orbA, 200001);
     form->Show_Current_Activity(1000, 40);
     form->refreshLive();
-    ASSERT_EQ(form->model()->sheet().grid().colour(12, 2), 0x00FFFF);
+    ASSERT_EQ(colour(12, 2), 0x00FFFF);
     fake.session.paintMemory.ofUnit(orbA, 200002);
     form->refreshLive();
-    EXPECT_NE(form->model()->sheet().grid().colour(12, 2), 0x00FFFF);
+    EXPECT_NE(colour(12, 2), 0x00FFFF);
 }
 
 TEST_F(Table, CommandsThatComeLaterStandDisabledInTheMenus) {
     for (const char* name : {"Graph", "AutoVE", "Manage", "Print"}) {
-        ASSERT_NE(form->findChild<QAction*>(QLatin1String(name)), nullptr) << name;
-        EXPECT_FALSE(form->findChild<QAction*>(QLatin1String(name))->isEnabled()) << name;
+        ASSERT_NE(tool(name), nullptr) << name;
+        EXPECT_FALSE(tool(name)->isEnabled()) << name;
     }
 }
 
 TEST_F(Table, TimeFieldsHaveTheirOwnHelp) {
-    EXPECT_EQ(form->findChild<QLineEdit*>("txtTOG")->property("fastHelpKey"), "helptog");
-    EXPECT_EQ(form->findChild<QLineEdit*>("txtTOG")->toolTip(), "Maximum Controllable PulseWidth");
+    EXPECT_EQ(timeOfGap()->property("fastHelpKey"), "helptog");
+    EXPECT_EQ(timeOfGap()->toolTip(), "Maximum Controllable PulseWidth");
     EXPECT_EQ(form->findChild<QLineEdit*>("txtIOT")->accessibleName(), "Injector Offset Time (IOT)");
     EXPECT_EQ(form->findChild<QLineEdit*>("txtIOT")->property("fastHelpKey"), "helptiot");
 }
@@ -912,7 +857,7 @@ TEST_F(Table, TimeFieldsHaveTheirOwnHelp) {
 TEST_F(Table, TimeThatIsNoNumberReturnsWithTheFocusAndAnEmptyOneWarns) {
     unit().set("scale1", 10);
     form->Setup_Grid("", "");
-    auto* gap = form->findChild<QLineEdit*>("txtTOG");
+    QLineEdit* gap = timeOfGap();
     gap->setFocus();
     gap->setText("-");
     enter();
@@ -930,12 +875,10 @@ TEST_F(Table, TimeThatIsNoNumberReturnsWithTheFocusAndAnEmptyOneWarns) {
 }
 
 TEST_F(Table, AcceptedTimeIsHandedToTheOtherFormsAndKeepsWhatDiscardBringsBack) {
-    unit().set("VE", 7, 0);
-    form->Setup_Grid("", "");
+    showStored(7);
     stand(16, 1);
-    type("12");
-    enter();
-    auto* gap = form->findChild<QLineEdit*>("txtTOG");
+    enter("12");
+    QLineEdit* gap = timeOfGap();
     gap->setFocus();
     gap->setText("20");
     enter();
@@ -1003,13 +946,13 @@ TEST_F(Table, RightClickOpensThePopUpOfTheMainWindowWithTheEntriesForTheSelectio
     form->show();
     Q_EMIT grid().customContextMenuRequested(grid().cellRect(3, 4).center());
     EXPECT_TRUE(popup.isVisible());
-    EXPECT_EQ(form->model()->cursor().row(), 3);
-    EXPECT_EQ(form->model()->cursor().column(), 4);
+    EXPECT_EQ(cursor().row(), 3);
+    EXPECT_EQ(cursor().column(), 4);
     EXPECT_THAT(visible(), ElementsAre("mnuGraphTable", "mnuNewCol", "mnuRmvRow"));
     popup.hide();
     select(3, 4, 5, 6);
     Q_EMIT grid().customContextMenuRequested(grid().cellRect(9, 9).center());
-    EXPECT_EQ(form->model()->cursor().selection().bottom, 5);
+    EXPECT_EQ(cursor().selection().bottom, 5);
     EXPECT_THAT(visible(), ElementsAre("mnuGraphTable", "mnuInterpolate"));
     popup.hide();
     form->setParent(nullptr);
@@ -1019,7 +962,7 @@ TEST_F(Table, DockingButtonAsksAndSwapsItsPaddedCaption) {
     std::vector<bool> asked;
     QObject::connect(form.get(), &FrmTable::dockingAsked, form.get(),
                      [&](bool docked) { asked.push_back(docked); });
-    auto* button = form->findChild<QAction*>("Docking");
+    auto* button = tool("Docking");
     EXPECT_EQ(button->text(), "Undock        ");
     button->trigger();
     EXPECT_EQ(button->text(), "Dock          ");
@@ -1044,7 +987,7 @@ TEST_F(Table, ShowsEveryMainTable) {
 }
 
 TEST_F(Table, FuelFieldsShowOnlyOnFuelTables) {
-    auto* gap = form->findChild<QLineEdit*>("txtTOG");
+    QLineEdit* gap = timeOfGap();
     EXPECT_FALSE(gap->isHidden());
     form->Setup_Grid("ADV", "Ignition Advance Table");
     EXPECT_TRUE(gap->isHidden());

@@ -5,46 +5,25 @@
 #include <QHeaderView>
 #include <QListWidget>
 
-#include "windows/window_fixture.h"
+#include "windows/table_windows_fixture.h"
 
 namespace zentaq {
 namespace {
 
-class GoneUnderBox : public WindowTest {
+class GoneUnderBox : public TableWindowsTest {
  protected:
     GoneUnderBox() {
-        windows.main().activateWindow();
-        openCalibration();
-        for (int i = 0; i < 16; ++i) {
-            unit().set("RPMTBL", 500 * (i + 1), i);
-            unit().set("MAPTBL", 20 + 5 * i, i);
-        }
-        unit().set("scale1", 5);
-        windows.main().run("mnuVETbl");
-        settle();
-        form().grid().setCurrentIndex(form().grid().model()->index(15, 0));
+        openVe();
+        stand(16, 1);
         fake.dialogs.boxes.clear();
         fake.session.DataModified = false;
-    }
-    Unit& unit() { return fake.session.currentUnitObject(); }
-    FrmTable& form() { return *windows.table(); }
-    static void settle() {
-        for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     void tableGoes() {
         fake.dialogs.meanwhile = [this](const std::string&) { windows.removeForms(); };
     }
-    static void key(QWidget& target, int code, const QString& text = {}) {
-        QKeyEvent press(QEvent::KeyPress, code, Qt::NoModifier, text);
-        QApplication::sendEvent(&target, &press);
-    }
-    void type(const QString& digits) {
-        for (const QChar digit : digits) {
-            QWidget* box = &form().inputBox();
-            key(box->isVisible() ? *box : static_cast<QWidget&>(form().grid()), digit.unicode(),
-                QString(digit));
-        }
+    void typeTimeOfGap() {
+        timeOfGap()->setFocus();
+        timeOfGap()->setText("99999");
     }
     void expectGoneBehindOneBox() {
         settle();
@@ -59,35 +38,30 @@ class GoneUnderBox : public WindowTest {
 TEST_F(GoneUnderBox, ATableUnderTheRefusalOfACell) {
     type("99");
     tableGoes();
-    key(form().inputBox(), Qt::Key_Return, "\r");
+    key(Qt::Key_Return, "\r");
     expectGoneBehindOneBox();
 }
 
 TEST_F(GoneUnderBox, ATableUnderTheRefusalOfItsTimeOfGap) {
-    auto* gap = form().findChild<QLineEdit*>("txtTOG");
-    gap->setFocus();
-    gap->setText("99999");
+    typeTimeOfGap();
     tableGoes();
-    key(*gap, Qt::Key_Return, "\r");
+    keyTo(*timeOfGap(), Qt::Key_Return, "\r");
     expectGoneBehindOneBox();
 }
 
 TEST_F(GoneUnderBox, ATableWhoseTimeOfGapWasLeft) {
-    auto* gap = form().findChild<QLineEdit*>("txtTOG");
-    gap->setFocus();
-    gap->setText("99999");
+    typeTimeOfGap();
     tableGoes();
     QFocusEvent leaves(QEvent::FocusOut, Qt::MouseFocusReason);
-    QApplication::sendEvent(gap, &leaves);
+    QApplication::sendEvent(timeOfGap(), &leaves);
     expectGoneBehindOneBox();
 }
 
 TEST_F(GoneUnderBox, ATableUnderTheRefusalOfWhatWasPasted) {
     QApplication::clipboard()->setText("99\t99\n99\t99");
     tableGoes();
-    key(form().grid(), Qt::Key_V);  // no text: the shortcut follows
-    QKeyEvent paste(QEvent::KeyPress, Qt::Key_V, Qt::ControlModifier);
-    QApplication::sendEvent(&form().grid(), &paste);
+    key(Qt::Key_V);  // no text: the shortcut follows
+    keyTo(grid(), Qt::Key_V, {}, Qt::ControlModifier);
     expectGoneBehindOneBox();
 }
 
@@ -95,7 +69,7 @@ TEST_F(GoneUnderBox, ATableUnderTheRefusalOfAStep) {
     unit().set("VE", 50, 0);
     windows.showUnit();
     tableGoes();
-    key(form().grid(), Qt::Key_Period, ".");
+    key(Qt::Key_Period, ".");
     settle();
     EXPECT_EQ(windows.table(), nullptr);
     EXPECT_EQ(unit().get("VE", 0), 50);
@@ -104,7 +78,7 @@ TEST_F(GoneUnderBox, ATableUnderTheRefusalOfAStep) {
 TEST_F(GoneUnderBox, ATableUnderTheQuestionWhetherToDiscard) {
     fake.dialogs.answers = {Answer::Yes};
     tableGoes();
-    form().findChild<QAction*>("Discard")->trigger();
+    tableAction("Discard")->trigger();
     expectGoneBehindOneBox();
 }
 
@@ -113,7 +87,7 @@ TEST_F(GoneUnderBox, ATableUnderTheRefusalOfAnAxisStop) {
     fake.dialogs.meanwhile = [this](const std::string& title) {
         if (title != "Table Setup") windows.removeForms();
     };
-    Q_EMIT form().grid().horizontalHeader()->sectionDoubleClicked(3);
+    Q_EMIT grid().horizontalHeader()->sectionDoubleClicked(3);
     settle();
     EXPECT_EQ(windows.table(), nullptr);
     EXPECT_EQ(unit().get("RPMTBL", 3), 2000);
@@ -125,7 +99,7 @@ TEST_F(GoneUnderBox, ATableThatShowsAnotherOneWhenItsAxisStopIsGiven) {
         if (title == "Table Setup") windows.removeForms();
         windows.openTable("ADV", "Ignition Advance Table");
     };
-    Q_EMIT form().grid().horizontalHeader()->sectionDoubleClicked(3);
+    Q_EMIT grid().horizontalHeader()->sectionDoubleClicked(3);
     settle();
     EXPECT_EQ(unit().get("RPMTBL", 3), 2000);
 }
@@ -154,7 +128,7 @@ TEST_F(GoneUnderBox, TheFormOfTheGeneralParametersUnderTheRefusalOfAField) {
     field->setFocus();
     field->setText("999999");
     fake.dialogs.meanwhile = [this](const std::string&) { delete windows.generalConfig(); };
-    key(*field, Qt::Key_Return, "\r");
+    keyTo(*field, Qt::Key_Return, "\r");
     settle();
     EXPECT_EQ(windows.generalConfig(), nullptr);
     EXPECT_EQ(fake.dialogs.boxes.size(), 1u);

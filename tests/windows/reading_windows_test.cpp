@@ -1,6 +1,5 @@
 // What the user does while a calibration file is read: keys, menus, tree and the window's own button come
 // behind the opening, whatever the platform lets in.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QCloseEvent>
@@ -8,29 +7,18 @@
 #include <QTreeWidget>
 
 #include "qt/qt_yield.h"
-#include "windows/window_fixture.h"
+#include "windows/table_windows_fixture.h"
 
 namespace zentaq {
 namespace {
 
-using testing::Contains;
-using testing::HasSubstr;
-using testing::Not;
-
-class ReadingWindows : public WindowTest {
+class ReadingWindows : public TableWindowsTest {
  protected:
     ReadingWindows() {
-        windows.main().activateWindow();
-        openCalibration();
-        for (int i = 0; i < 16; ++i) {
-            unit().set("RPMTBL", 500 * (i + 1), i);
-            unit().set("MAPTBL", 20 + 5 * i, i);
-        }
         settle();
         fake.dialogs.boxes.clear();
         fake.session.DataModified = false;
     }
-    Unit& unit() { return fake.session.currentUnitObject(); }
     void settle() {
         for (int i = 0; i < 3; ++i) {
             fake.ticker.run(1);
@@ -43,12 +31,6 @@ class ReadingWindows : public WindowTest {
         fake.dialogs.files.push_back(calibrationFile());
         commands.files.open();
         EXPECT_FALSE(fake.yield.meanwhile) << "the reading yields";
-    }
-    bool logged(const std::string& text) const {
-        for (const std::string& line : fake.session.console.lines()) {
-            if (line.find(text) != std::string::npos) return true;
-        }
-        return false;
     }
 };
 

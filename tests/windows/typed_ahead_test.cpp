@@ -13,7 +13,7 @@
 #include <numeric>
 
 #include "windows/key_press.h"
-#include "windows/window_fixture.h"
+#include "windows/table_windows_fixture.h"
 
 namespace zentaq {
 namespace {
@@ -22,18 +22,10 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-class TypedAhead : public WindowTest {
+class TypedAhead : public TableWindowsTest {
  protected:
     TypedAhead() {
-        windows.main().activateWindow();
-        openCalibration();
-        for (int i = 0; i < 16; ++i) {
-            unit().set("RPMTBL", 500 * (i + 1), i);
-            unit().set("MAPTBL", 20 + 5 * i, i);
-        }
-        unit().set("scale1", 5);
-        windows.main().run("mnuVETbl");
-        settle();
+        openVe();
         windows.killTimers();  // no polls between the records
         fake.session.link.load();
         fake.ticker.start();
@@ -42,14 +34,7 @@ class TypedAhead : public WindowTest {
         unit().ONFLY_MODE(true);
         fake.dialogs.boxes.clear();
         fake.port.written.clear();
-        form().grid().setCurrentIndex(form().grid().model()->index(15, 0));
-    }
-    FrmTable& form() { return *windows.table(); }
-    Unit& unit() { return fake.session.currentUnitObject(); }
-    float ve(int index) { return unit().get("VE", index); }
-    static void settle() {
-        for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        stand(16, 1);
     }
     /// The commands of the start run out of patience.
     void drainLink() {
@@ -59,19 +44,20 @@ class TypedAhead : public WindowTest {
         fake.ticker.run(2);
         ASSERT_TRUE(link.CurrentCommand().empty());
     }
-    void key(int code, const QString& text = {}) {
-        QKeyEvent press(QEvent::KeyPress, code, Qt::NoModifier, text);
-        QWidget* box = &form().inputBox();
-        QApplication::sendEvent(box->isVisible() ? box : static_cast<QWidget*>(&form().grid()), &press);
-    }
     void nudge() { key(Qt::Key_Period, "."); }
-    void type(const QString& digits) {
-        for (const QChar digit : digits) key(digit.unicode(), QString(digit));
+    void enter(const QString& digits) {
+        type(digits);
         key(Qt::Key_Return, "\r");
     }
     void lock() {
         for (int i = 0; i < 1000 && !form().locked(); ++i) fake.ticker.run(1);
         ASSERT_TRUE(form().locked());
+    }
+    /// One step is on its way to the unit, and the next is typed behind it.
+    void nudgeTwice() {
+        nudge();
+        lock();
+        nudge();
     }
     void answer() {
         fake.port.deliver({'A', 'X'});
@@ -123,9 +109,7 @@ class TypedAhead : public WindowTest {
 };
 
 TEST_F(TypedAhead, StoreComesBehindTheStepsTypedBeforeIt) {
-    nudge();
-    lock();
-    nudge();
+    nudgeTwice();
     nudge();
     windows.main().run("mnuStoreONFLY");
     EXPECT_THAT(wire(), ElementsAre("P2"));
@@ -135,9 +119,7 @@ TEST_F(TypedAhead, StoreComesBehindTheStepsTypedBeforeIt) {
 }
 
 TEST_F(TypedAhead, ProgramWritesTheStepsTypedBeforeItAndDropsNone) {
-    nudge();
-    lock();
-    nudge();
+    nudgeTwice();
     windows.main().run("mnuProgramORB");
     EXPECT_THAT(fake.dialogs.boxes, IsEmpty()) << "its turn has not come";
     EXPECT_NE(windows.table(), nullptr);
@@ -148,9 +130,7 @@ TEST_F(TypedAhead, ProgramWritesTheStepsTypedBeforeItAndDropsNone) {
 }
 
 TEST_F(TypedAhead, SavePutsTheLastStepIntoTheFile) {
-    nudge();
-    lock();
-    nudge();
+    nudgeTwice();
     windows.main().run("mnuSave");
     answer();
     EXPECT_FALSE(fake.session.DataModified);
@@ -159,9 +139,7 @@ TEST_F(TypedAhead, SavePutsTheLastStepIntoTheFile) {
 }
 
 TEST_F(TypedAhead, ClosingWaitsForTheKeysAndThenAsks) {
-    nudge();
-    lock();
-    nudge();
+    nudgeTwice();
     QCloseEvent closing;
     QApplication::sendEvent(&windows.main(), &closing);
     EXPECT_FALSE(closing.isAccepted());
@@ -174,9 +152,7 @@ TEST_F(TypedAhead, ClosingWaitsForTheKeysAndThenAsks) {
 }
 
 TEST_F(TypedAhead, AnotherTableOpensBehindTheKeysOfThisOne) {
-    nudge();
-    lock();
-    nudge();
+    nudgeTwice();
     windows.main().run("mnuAdvTbl");
     EXPECT_EQ(form().tableName(), "VE");
     answer();
@@ -185,10 +161,8 @@ TEST_F(TypedAhead, AnotherTableOpensBehindTheKeysOfThisOne) {
 }
 
 TEST_F(TypedAhead, TheTablesOwnButtonsComeInTheirTurn) {
-    nudge();
-    lock();
-    nudge();
-    form().findChild<QAction*>("Close")->trigger();
+    nudgeTwice();
+    tableAction("Close")->trigger();
     EXPECT_TRUE(form().isVisible());
     answer();
     EXPECT_EQ(ve(0), 2);
@@ -198,13 +172,13 @@ TEST_F(TypedAhead, TheTablesOwnButtonsComeInTheirTurn) {
 TEST_F(TypedAhead, AClickThatWaitedTakesTheDigitsTypedBehindIt) {
     nudge();
     lock();
-    const QPointF place = form().grid().cellRect(4, 4).center();
-    QWidget* area = form().grid().viewport();
+    const QPointF place = grid().cellRect(4, 4).center();
+    QWidget* area = grid().viewport();
     QMouseEvent press(QEvent::MouseButtonPress, place, area->mapToGlobal(place), Qt::LeftButton,
                       Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(area, &press);
     EXPECT_EQ(form().model()->cursor().row(), 16) << "not yet";
-    type("7");
+    enter("7");
     answer();
     EXPECT_EQ(form().model()->cursor().row(), 4);
     EXPECT_EQ(ve(form().model()->sheet().tableIndex(4, 4)), 7);
@@ -214,9 +188,9 @@ TEST_F(TypedAhead, AClickThatWaitedTakesTheDigitsTypedBehindIt) {
 TEST_F(TypedAhead, WhatIsTypedBehindARefusedEntryIsDroppedWithAWord) {
     nudge();
     lock();
-    type("99");  // 50 at most
+    enter("99");  // 50 at most
     key(Qt::Key_Right);
-    type("8");
+    enter("8");
     windows.main().run("mnuSave");
     answer();
     settle();
@@ -233,7 +207,7 @@ TEST_F(TypedAhead, WhatIsTypedBehindARefusedEntryIsDroppedWithAWord) {
 TEST_F(TypedAhead, ARefusedEntryIsToldFromTheEventLoopAndNotInsideTheTick) {
     nudge();
     lock();
-    type("99");
+    enter("99");
     fake.port.deliver({'A', 'X'});
     fake.ticker.run(2);
     EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
@@ -242,9 +216,7 @@ TEST_F(TypedAhead, ARefusedEntryIsToldFromTheEventLoopAndNotInsideTheTick) {
 }
 
 TEST_F(TypedAhead, KeysThatWaitAreNotWrittenUnderABoxButBehindIt) {
-    nudge();
-    lock();
-    nudge();
+    nudgeTwice();
     QDialog box(&windows.main());
     box.setModal(true);
     box.show();
@@ -273,9 +245,7 @@ TEST_F(TypedAhead, AHundredKeysWaitAndAreAllWritten) {
 }
 
 TEST_F(TypedAhead, KeysThatWaitWhenTheUnitIsLostAreWrittenAllTheSame) {
-    nudge();
-    lock();
-    nudge();
+    nudgeTwice();
     drainLink();
     settle();
     EXPECT_EQ(ve(0), 2);
@@ -286,9 +256,7 @@ TEST_F(TypedAhead, AStoreThatWaitedForAUnitThatHasGoneIsToldAndNotSent) {
     unit().ONFLY_MODE(true);
     fake.port.written.clear();
     fake.dialogs.boxes.clear();
-    nudge();
-    lock();
-    nudge();
+    nudgeTwice();
     find<QAction>("mnuStoreONFLY")->trigger();
     drainLink();
     ASSERT_EQ(fake.session.link.linked().LinkedUnitKind, 0);
@@ -301,8 +269,7 @@ TEST_F(TypedAhead, AStoreThatWaitedForAUnitThatHasGoneIsToldAndNotSent) {
 }
 
 TEST_F(TypedAhead, SaveTakesTheTextThatStandsInTheBox) {
-    key(Qt::Key_1, "1");
-    key(Qt::Key_2, "2");
+    type("12");
     windows.main().run("mnuSave");
     EXPECT_EQ(ve(0), 12);
     EXPECT_EQ(inFile(unit().find("VE")->index), 12);
@@ -310,8 +277,7 @@ TEST_F(TypedAhead, SaveTakesTheTextThatStandsInTheBox) {
 }
 
 TEST_F(TypedAhead, ATextThatIsRefusedEndsTheCommand) {
-    key(Qt::Key_9, "9");
-    key(Qt::Key_9, "9");
+    type("99");
     fake.session.DataModified = true;
     windows.main().run("mnuSave");
     ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
@@ -323,9 +289,9 @@ TEST_F(TypedAhead, ATextThatIsRefusedEndsTheCommand) {
 TEST_F(TypedAhead, ABoxThatOnlyShowsItsCellFillsNoSelection) {
     unit().set("VE", 4, 0);
     windows.showUnit();
-    const QAbstractItemModel* cells = form().grid().model();
-    form().grid().selectionModel()->select({cells->index(14, 0), cells->index(15, 1)},
-                                           QItemSelectionModel::ClearAndSelect);
+    const QAbstractItemModel* cells = grid().model();
+    grid().selectionModel()->select({cells->index(14, 0), cells->index(15, 1)},
+                                    QItemSelectionModel::ClearAndSelect);
     key(Qt::Key_Space, " ");
     ASSERT_FALSE(form().inputBox().isHidden());
     windows.main().run("mnuSave");
@@ -335,10 +301,9 @@ TEST_F(TypedAhead, ABoxThatOnlyShowsItsCellFillsNoSelection) {
 }
 
 TEST_F(TypedAhead, SaveTakesWhatWasLeftInACellWithoutEnter) {
-    key(Qt::Key_1, "1");
-    key(Qt::Key_2, "2");
-    form().grid().setFocus(Qt::MouseFocusReason);
-    form().grid().setCurrentIndex(form().grid().model()->index(3, 3));
+    type("12");
+    grid().setFocus(Qt::MouseFocusReason);
+    stand(4, 4);
     ASSERT_EQ(form().model()->sheet().grid().text(16, 1), "12");
     ASSERT_EQ(ve(0), 0) << "left without Enter";
     windows.main().run("mnuSave");
@@ -346,7 +311,7 @@ TEST_F(TypedAhead, SaveTakesWhatWasLeftInACellWithoutEnter) {
 }
 
 TEST_F(TypedAhead, StoreTakesTheTimeOfGapThatIsBeingTyped) {
-    auto* gap = form().findChild<QLineEdit*>("txtTOG");
+    QLineEdit* gap = timeOfGap();
     gap->setFocus();
     gap->selectAll();
     typeText("6");
@@ -367,9 +332,7 @@ TEST_F(TypedAhead, StoreTakesTheTimeOfGapThatIsBeingTyped) {
 // ---- Commands that take the table away
 
 TEST_F(TypedAhead, ACommandBehindOneThatRemovesTheTableRunsAllTheSame) {
-    nudge();
-    lock();
-    nudge();
+    nudgeTwice();
     windows.main().run("mnuClose");
     windows.main().run("mnuExit");
     answer();
@@ -378,9 +341,7 @@ TEST_F(TypedAhead, ACommandBehindOneThatRemovesTheTableRunsAllTheSame) {
 }
 
 TEST_F(TypedAhead, WhatCannotComeBehindAClosedCalibrationIsToldInOneBox) {
-    nudge();
-    lock();
-    nudge();
+    nudgeTwice();
     windows.main().run("mnuClose");
     windows.main().run("mnuSave");
     windows.main().run("mnuSaveAs");
@@ -399,12 +360,10 @@ TEST_F(TypedAhead, WhatCannotComeBehindAClosedCalibrationIsToldInOneBox) {
 }
 
 TEST_F(TypedAhead, KeysAndButtonsForTheCellsOfARemovedTableAreToldInOneBox) {
-    nudge();
-    lock();
-    nudge();
+    nudgeTwice();
     windows.main().run("mnuClose");
     nudge();
-    form().findChild<QAction*>("Discard")->trigger();
+    tableAction("Discard")->trigger();
     windows.main().run("mnuHelpContents");  // waits for no table
     fake.dialogs.answers = {Answer::Cancel};
     answer();
@@ -415,10 +374,8 @@ TEST_F(TypedAhead, KeysAndButtonsForTheCellsOfARemovedTableAreToldInOneBox) {
 }
 
 TEST_F(TypedAhead, AStoreBehindTheTablesOwnCloseGoesOut) {
-    nudge();
-    lock();
-    nudge();
-    form().findChild<QAction*>("Close")->trigger();
+    nudgeTwice();
+    tableAction("Close")->trigger();
     nudge();
     windows.main().run("mnuStoreONFLY");
     for (int i = 0; i < 5; ++i) answer();
@@ -432,9 +389,7 @@ TEST_F(TypedAhead, AStoreBehindTheTablesOwnCloseGoesOut) {
 }
 
 TEST_F(TypedAhead, WhatIsLeftByARemovedTableWaitsForTheBoxOfTheCommandThatRemovedIt) {
-    nudge();
-    lock();
-    nudge();
+    nudgeTwice();
     windows.main().run("mnuStoreONFLY");
     QDialog box(&windows.main());
     box.setModal(true);
@@ -452,9 +407,7 @@ TEST_F(TypedAhead, WhatIsLeftByARemovedTableWaitsForTheBoxOfTheCommandThatRemove
 }
 
 TEST_F(TypedAhead, ASaveTypedBehindAnOpenComesBehindTheOpening) {
-    nudge();
-    lock();
-    nudge();
+    nudgeTwice();
     windows.main().run("mnuOpen");
     windows.main().run("mnuSave");
     fake.dialogs.files.push_back(calibrationFile());
