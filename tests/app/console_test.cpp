@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <limits>
+#include <optional>
 #include <sstream>
 
 #include "app/fake_platform.h"
@@ -76,59 +77,41 @@ TEST_F(ConsoleTest, AnEventIsOneLineOfTheFileWhateverIsInIt) {
     EXPECT_EQ(fileText(), "12:34:56 - Failure 12:34:56 - SUCCESS!" + std::string(53, ' ') + "\n");
 }
 
-TEST_F(ConsoleTest, ExactlyEightyCharactersStayOneLine) {
-    console.SysLog(std::string(80, 'x'));
-    ASSERT_EQ(console.lines().size(), 1u);
-    EXPECT_EQ(console.lines()[0], "12:34:56 - " + std::string(80, 'x'));
-}
-
-TEST_F(ConsoleTest, EightyOneCharactersGiveTwoHalvesOf40AndLoseTheMiddleOne) {
-    // 81 / 2 = 40.5 rounds to the even 40: characters 1 to 40 and the last 40; the 41st is in neither.
-    const std::string text = std::string(40, 'a') + "M" + std::string(40, 'b');
-    console.SysLog(text);
-    ASSERT_EQ(console.lines().size(), 2u);
-    EXPECT_EQ(console.lines()[0], "12:34:56 - " + std::string(40, 'a'));
-    EXPECT_EQ(console.lines()[1], "12:34:56 -    ..." + std::string(40, 'b'));
-}
-
-TEST_F(ConsoleTest, EightyThreeCharactersRoundTheHalfUpToTheEven42AndRepeatTheMiddleOne) {
-    // 83 / 2 = 41.5 rounds to the even 42.
-    const std::string text = std::string(41, 'a') + "M" + std::string(41, 'b');
-    console.SysLog(text);
-    EXPECT_EQ(console.lines()[0], "12:34:56 - " + std::string(41, 'a') + "M");
-    EXPECT_EQ(console.lines()[1], "12:34:56 -    ...M" + std::string(41, 'b'));
-}
-
-TEST_F(ConsoleTest, EachHalfIsCutTo80Characters) {
-    console.SysLog(std::string(100, 'a') + std::string(100, 'b'));
-    EXPECT_EQ(console.lines()[0], "12:34:56 - " + std::string(80, 'a'));
-    EXPECT_EQ(console.lines()[1], "12:34:56 -    ..." + std::string(80, 'b'));
-}
-
-TEST_F(ConsoleTest, CharactersAreCountedAndNotBytes) {
-    // 80 characters in 81 bytes: one line.
-    const std::string fits = "Coolant 90 \u00B0C" + std::string(67, '.');
-    console.SysLog(fits);
-    ASSERT_EQ(console.lines().size(), 1u);
-    EXPECT_EQ(console.lines()[0], "12:34:56 - " + fits);
-}
-
-TEST_F(ConsoleTest, NoCutFallsInsideACharacter) {
-    // 82 characters, halves of 41: the first ends with one sign of two bytes, the second begins with another.
-    console.SysLog(std::string(40, 'a') + "\u00B0\u03BB" + std::string(40, 'b'));
-    ASSERT_EQ(console.lines().size(), 2u);
-    EXPECT_EQ(console.lines()[0], "12:34:56 - " + std::string(40, 'a') + "\u00B0");
-    EXPECT_EQ(console.lines()[1], "12:34:56 -    ...\u03BB" + std::string(40, 'b'));
-}
-
-TEST_F(ConsoleTest, ALongHalfOfWideCharactersIsCutTo80Characters) {
-    std::string degrees;
-    for (int i = 0; i < 200; ++i) degrees += "\u00B0";
-    std::string eighty;
-    for (int i = 0; i < 80; ++i) eighty += "\u00B0";
-    console.SysLog(degrees);
-    EXPECT_EQ(console.lines()[0], "12:34:56 - " + eighty);
-    EXPECT_EQ(console.lines()[1], "12:34:56 -    ..." + eighty);
+TEST_F(ConsoleTest, ALongTextIsCutIntoTwoHalvesByItsCharacters) {
+    const auto many = [](int count, std::string_view sign) {
+        std::string text;
+        for (int i = 0; i < count; ++i) text += sign;
+        return text;
+    };
+    struct Cut {
+        const char* why;
+        std::string text;
+        std::string first;
+        std::optional<std::string> second = {};
+    };
+    const std::string fits = "Coolant 90 \u00B0C" + many(67, ".");
+    const Cut cuts[] = {
+        {"exactly 80 characters stay one line", many(80, "x"), many(80, "x")},
+        {"81 / 2 = 40.5 rounds to the even 40: the first 40 and the last 40, the 41st is in neither",
+         many(40, "a") + "M" + many(40, "b"), many(40, "a"), many(40, "b")},
+        {"83 / 2 = 41.5 rounds to the even 42: the middle one is in both",
+         many(41, "a") + "M" + many(41, "b"), many(41, "a") + "M", "M" + many(41, "b")},
+        {"each half is cut to 80", many(100, "a") + many(100, "b"), many(80, "a"), many(80, "b")},
+        {"80 characters in 81 bytes are one line", fits, fits},
+        {"82 characters, halves of 41: one ends with a sign of two bytes, the other begins with one",
+         many(40, "a") + "\u00B0\u03BB" + many(40, "b"), many(40, "a") + "\u00B0", "\u03BB" + many(40, "b")},
+        {"a long half of wide characters is cut to 80", many(200, "\u00B0"), many(80, "\u00B0"),
+         many(80, "\u00B0")}};
+    for (const Cut& cut : cuts) {
+        SCOPED_TRACE(cut.why);
+        const std::size_t before = console.lines().size();
+        console.SysLog(cut.text);
+        ASSERT_EQ(console.lines().size(), before + (cut.second ? 2 : 1));
+        EXPECT_EQ(console.lines()[before], "12:34:56 - " + cut.first);
+        if (cut.second) {
+            EXPECT_EQ(console.lines().back(), "12:34:56 -    ..." + *cut.second);
+        }
+    }
 }
 
 TEST_F(ConsoleTest, TheRecordHasFieldsOfFixedWidth) {

@@ -3,12 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <bit>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <utility>
 
+#include "app/calibration_floats.h"
 #include "app/fake_platform.h"
 #include "app/general_config.h"
 #include "app/main_commands.h"
@@ -23,8 +23,8 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
-constexpr std::size_t wholeFloats = 3 + 2828;
-constexpr std::size_t cutFloats = 1750;
+constexpr std::size_t wholeCount = 3 + 2828;
+constexpr std::size_t cutCount = 1750;
 constexpr std::uintmax_t wholeBytes = 11324;
 constexpr std::uintmax_t cutBytes = 7000;
 constexpr const char* damaged = "Damaged File";
@@ -34,7 +34,7 @@ class CutFile : public ::testing::Test {
     CutFile() {
         session.makeUnits();
         session.DatabaseFile = builtReference();
-        write(path, cutFloats);
+        write(path, cutCount);
         open(path);
         EXPECT_EQ(session.header().cellsCutOff, 1081);
         fake.dialogs.boxes.clear();
@@ -43,14 +43,10 @@ class CutFile : public ::testing::Test {
         change(7000);
     }
     static void write(const std::string& file, std::size_t count) {
-        std::vector<float> floats{3, 9.44F, 5099};
-        floats.resize(count, 0.0F);
+        std::vector<float> floats = wholeFloats();
+        floats.resize(count);
         floats[3 + 58] = 6500;  // rev limit
-        std::ofstream out(file, std::ios::binary);
-        for (const float value : floats) {
-            const auto word = std::bit_cast<std::uint32_t>(value);
-            out.write(reinterpret_cast<const char*>(&word), sizeof word);
-        }
+        writeFloats(file, floats);
     }
     static float limitIn(const std::string& file) {
         std::ifstream in(file, std::ios::binary);
@@ -178,7 +174,7 @@ TEST_F(CutFile, WhatTheCalibrationHoldsBehindTheBoxIsSaved) {
 
 TEST_F(CutFile, ACalibrationThatComesIntoHandBehindTheBoxIsNotSavedByItsAnswer) {
     const std::string whole = fake.folder.path("whole.ZQ4OA");
-    write(whole, wholeFloats);
+    write(whole, wholeCount);
     const auto openWhole = [&] {
         session.DataModified = false;
         open(whole);
@@ -197,7 +193,7 @@ TEST_F(CutFile, ACalibrationThatComesIntoHandBehindTheBoxIsNotSavedByItsAnswer) 
 TEST_F(CutFile, ACutCalibrationThatComesIntoHandBehindTheNameDialogIsNotSavedUnasked) {
     const std::string whole = fake.folder.path("whole.ZQ4OA");
     const std::string other = fake.folder.path("other.ZQ4OA");
-    write(whole, wholeFloats);
+    write(whole, wholeCount);
     session.DataModified = false;
     open(whole);
     fake.dialogs.boxes.clear();
@@ -213,7 +209,7 @@ TEST_F(CutFile, ACutCalibrationThatComesIntoHandBehindTheNameDialogIsNotSavedUna
 }
 
 TEST_F(CutFile, AFileThatAnotherProgramHasChangedIsAskedAboutOnceForEachReason) {
-    write(path, cutFloats + 10);
+    write(path, cutCount + 10);
     fake.dialogs.answers = {Answer::Yes, Answer::Yes};
     commands.saves.save();
     EXPECT_THAT(titles(), ElementsAre(damaged, "File Changed", "Data Saved."));

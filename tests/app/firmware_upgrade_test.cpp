@@ -8,6 +8,7 @@
 #include "app/main_commands.h"
 #include "app/menu.h"
 #include "app/start_up.h"
+#include "app/while_box_stands.h"
 
 namespace zentaq {
 namespace {
@@ -86,17 +87,8 @@ class FirmwareUpgrade : public testing::Test {
         }
         return false;
     }
-    std::vector<std::string> titles() const {
-        std::vector<std::string> all;
-        for (const Box& box : fake.dialogs.boxes) all.push_back(box.title);
-        return all;
-    }
-    bool logged(const std::string& text) const {
-        for (const std::string& line : session.console.lines()) {
-            if (line.find(text) != std::string::npos) return true;
-        }
-        return false;
-    }
+    std::vector<std::string> titles() const { return titlesOf(fake.dialogs); }
+    bool logged(const std::string& text) const { return hasLine(session.console, text); }
 
     FakeSession fake;
     Session& session = fake.session;

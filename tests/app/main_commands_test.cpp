@@ -5,12 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <bit>
 #include <filesystem>
 #include <fstream>
 
+#include "app/calibration_floats.h"
 #include "app/fake_platform.h"
 #include "app/menu.h"
+#include "app/while_box_stands.h"
 
 namespace zentaq {
 namespace {
@@ -20,19 +21,10 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
-void writeFloats(const std::string& path, const std::vector<float>& floats, std::size_t extraBytes = 0) {
-    std::ofstream file(path, std::ios::binary);
-    for (const float value : floats) {
-        const auto word = std::bit_cast<std::uint32_t>(value);
-        file.write(reinterpret_cast<const char*>(&word), sizeof word);
-    }
-    file << std::string(extraBytes, '\0');
-}
-
 /// A whole ORB A calibration: header and 2828 cells of 0 but for the firmware-independent basics.
 std::vector<float> orbAFloats(float version = 9.44f) {
-    std::vector<float> floats{3, version, 5099};
-    floats.resize(3 + 2828, 0.0f);
+    std::vector<float> floats = wholeFloats();
+    floats[1] = version;
     floats[3 + 58] = 6500;  // rev limit
     return floats;
 }
@@ -49,28 +41,32 @@ class Commands : public ::testing::Test {
     }
 
     std::string file(const std::string& name, float version = 9.44f) {
-        const std::string path = fake.folder.path(name);
-        writeFloats(path, orbAFloats(version));
-        return path;
+        return writeFloats(fake.folder.path(name), orbAFloats(version));
+    }
+    /// Another number of floats than a whole file has: cut, or filled up with 1.
+    std::string ofLength(std::size_t count, const std::string& name) {
+        std::vector<float> floats = orbAFloats();
+        floats.resize(count, 1.0f);
+        return writeFloats(fake.folder.path(name), floats);
+    }
+    /// The unit takes the command.
+    void zeroAdvanceTaken() {
+        commands.unit.zeroAdvance();
+        session.link.tick();
+        fake.port.deliver({'A', 'X'});
+        session.link.tick();
     }
     std::string ofKind(float kind, const std::string& name) {
-        const std::string path = fake.folder.path(name);
         std::vector<float> floats = orbAFloats();
         floats[0] = kind;
         if (kind == 5) floats.resize(3 + 1701);
-        writeFloats(path, floats);
-        return path;
+        return writeFloats(fake.folder.path(name), floats);
     }
     void open(const std::string& path) {
         fake.dialogs.files.push_back(path);
         commands.files.open();
     }
-    bool logged(const std::string& text) const {
-        for (const std::string& line : session.console.lines()) {
-            if (line.find(text) != std::string::npos) return true;
-        }
-        return false;
-    }
+    bool logged(const std::string& text) const { return hasLine(session.console, text); }
     const Box& box() const { return fake.dialogs.boxes.back(); }
 };
 
@@ -126,9 +122,7 @@ TEST_F(Commands, YesAtTheExtensionBoxAsksForAFileAgain) {
 TEST_F(Commands, AFileOfUnknownKindAndLengthIsPossiblyCorruptAndTheFormerCalibrationStays) {
     const std::string good = file("good.ZQ4OA");
     open(good);
-    const std::string bad = fake.folder.path("bad.ZQ4OA");
-    writeFloats(bad, {42, 1, 2, 3});
-    open(bad);
+    open(writeFloats(fake.folder.path("bad.ZQ4OA"), {42, 1, 2, 3}));
     EXPECT_EQ(box().title, "File Read Error");
     EXPECT_EQ(box().text, "FILE POSSIBLY CORRUPT:   bad.ZQ4OA\nDo you want to enter a new filename?");
     EXPECT_EQ(session.CurrentFile, good);
@@ -137,9 +131,7 @@ TEST_F(Commands, AFileOfUnknownKindAndLengthIsPossiblyCorruptAndTheFormerCalibra
 }
 
 TEST_F(Commands, AFileTooShortForAHeaderIsPossiblyCorrupt) {
-    const std::string path = fake.folder.path("tiny.ZQ4OA");
-    writeFloats(path, {3, 9}, 3);
-    open(path);
+    open(writeFloats(fake.folder.path("tiny.ZQ4OA"), {3, 9}, 3));
     EXPECT_EQ(box().title, "File Read Error");
     EXPECT_EQ(session.slotInHand(), 0);
 }
@@ -147,11 +139,7 @@ TEST_F(Commands, AFileTooShortForAHeaderIsPossiblyCorrupt) {
 TEST_F(Commands, AFileWithMoreThan3001CellsIsRefusedAndTheFormerCalibrationStays) {
     const std::string good = file("good.ZQ4OA");
     open(good);
-    const std::string bad = fake.folder.path("long.ZQ4OA");
-    std::vector<float> floats = orbAFloats();
-    floats.resize(3 + 3002, 1.0f);
-    writeFloats(bad, floats);
-    open(bad);
+    open(ofLength(3 + 3002, "long.ZQ4OA"));
     EXPECT_EQ(box().title, "File Read Error");
     EXPECT_EQ(session.CurrentFile, good);
     EXPECT_EQ(session.currentUnitObject().get("REV_Limiter"), 6500);
@@ -296,13 +284,14 @@ TEST_F(Commands, SaveAsOverAnExistingFileAsksAndNoWritesNothing) {
     EXPECT_THAT(session.CurrentFile, HasSubstr("first.ZQ4OA"));
 }
 
-TEST_F(Commands, SaveAsThatFailsKeepsTheFormerName) {
+TEST_F(Commands, SaveAsThatFailsKeepsTheFormerNameAndMarksNothing) {
     const std::string first = file("first.ZQ4OA");
     open(first);
     fake.dialogs.files = {fake.folder.path("gone/second.ZQ4OA")};
     commands.saves.saveAs();
     EXPECT_EQ(session.CurrentFile, first);
     EXPECT_EQ(session.currentUnitObject().BinFile(), first);
+    EXPECT_FALSE(session.DataModified);
 }
 
 TEST_F(Commands, CloseEmptiesTheUnitAndGoesBackToTheStart) {
@@ -429,13 +418,7 @@ TEST_F(Commands, ZeroAdvanceSendsTheByteOfItsCheckMark) {
 TEST_F(Commands, AUnitThatRunsWithZeroAdvanceIsNotLeftUnasked) {
     Kernel kernel(session, commands);
     session.link.load();
-    const auto set = [&] {
-        commands.unit.zeroAdvance();
-        session.link.tick();
-        fake.port.deliver({'A', 'X'});
-        session.link.tick();
-    };
-    set();
+    zeroAdvanceTaken();
     ASSERT_TRUE(session.link.linked().zeroAdvance);
     const std::vector<std::function<void()>> leaving = {
         [&] { kernel.closeRequested(); },
@@ -458,7 +441,7 @@ TEST_F(Commands, AUnitThatRunsWithZeroAdvanceIsNotLeftUnasked) {
     EXPECT_TRUE(session.link.linked().zeroAdvance);
     EXPECT_EQ(session.link.commPort(), 1);
 
-    set();  // off again
+    zeroAdvanceTaken();  // off again
     fake.dialogs.boxes.clear();
     kernel.closeRequested();
     EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
@@ -481,20 +464,14 @@ class ZeroAdvanceThatEnds : public Commands {
  protected:
     ZeroAdvanceThatEnds() {
         session.link.load();
-        set();
+        zeroAdvanceTaken();
         EXPECT_TRUE(session.link.linked().zeroAdvance);
         fake.dialogs.meanwhile = [this](const std::string& title) {
             if (title != "Zero Advance") return;
             const Box box = fake.dialogs.boxes.back();
-            set();
+            zeroAdvanceTaken();
             EXPECT_FALSE(box.stands());
         };
-    }
-    void set() {
-        commands.unit.zeroAdvance();
-        session.link.tick();
-        fake.port.deliver({'A', 'X'});
-        session.link.tick();
     }
     int asked() const {
         return static_cast<int>(std::ranges::count(fake.dialogs.boxes, "Zero Advance", &Box::title));
@@ -583,11 +560,7 @@ TEST_F(Commands, AChosenPortIsStoredWithItsDeviceAndOpenedAnewAsThat) {
 }
 
 TEST_F(Commands, ABoxTellsHowManyCellsAFileHasLostByACut) {
-    const std::string path = fake.folder.path("cut.ZQ4OA");
-    std::vector<float> floats = orbAFloats();
-    floats.resize(1750);
-    writeFloats(path, floats);
-    open(path);
+    open(ofLength(1750, "cut.ZQ4OA"));
     EXPECT_EQ(session.slotInHand(), 3);
     EXPECT_EQ(box().title, "Damaged File");
     EXPECT_THAT(box().text,
@@ -598,22 +571,14 @@ TEST_F(Commands, ABoxTellsHowManyCellsAFileHasLostByACut) {
 
 // The first programs wrote no notes.
 TEST_F(Commands, AFileAsShortAsAnOlderProgramWroteItOpensWithoutABox) {
-    const std::string path = fake.folder.path("early.ZQ4OA");
-    std::vector<float> floats = orbAFloats();
-    floats.resize(3 + 2328);
-    writeFloats(path, floats);
-    fake.dialogs.boxes.clear();
-    open(path);
+    open(ofLength(3 + 2328, "early.ZQ4OA"));
     EXPECT_EQ(session.slotInHand(), 3);
     for (const Box& each : fake.dialogs.boxes) EXPECT_NE(each.title, "Damaged File");
     EXPECT_TRUE(logged("Short file: 9324 of 11324 bytes. What is missing was taken as 0."));
 }
 
 TEST_F(Commands, AWholeFileBehindACutOneIsNoLongerDoubted) {
-    const std::string path = fake.folder.path("cut.ZQ4OA");
-    std::vector<float> floats = orbAFloats();
-    floats.resize(1750);
-    writeFloats(path, floats);
+    const std::string path = ofLength(1750, "cut.ZQ4OA");
     open(path);
     EXPECT_EQ(session.header().cellsCutOff, 1081);
     open(file("whole.ZQ4OA"));
@@ -624,11 +589,7 @@ TEST_F(Commands, AWholeFileBehindACutOneIsNoLongerDoubted) {
 }
 
 TEST_F(Commands, AFileThatWasCutLoadsAndTheLogTellsIt) {
-    const std::string path = fake.folder.path("cut.ZQ4OA");
-    std::vector<float> floats = orbAFloats();
-    floats.resize(1000);
-    writeFloats(path, floats);
-    open(path);
+    open(ofLength(1000, "cut.ZQ4OA"));
     EXPECT_EQ(session.slotInHand(), 3);
     EXPECT_TRUE(logged("Short file: 4000 of 11324 bytes. What is missing was taken as 0."));
 }
@@ -652,13 +613,6 @@ TEST_F(Commands, AFailedPortSearchGoesBackToTheUsersPort) {
     EXPECT_EQ(box().text, "Could not Find ORB Unit.  Please check the serial connection.");
     EXPECT_EQ(other.link.commPort(), 1);
     EXPECT_TRUE(fake.port.isOpen());
-}
-
-TEST_F(Commands, AFailedSaveAsDoesNotMarkAnUnchangedCalibration) {
-    open(file("first.ZQ4OA"));
-    fake.dialogs.files = {fake.folder.path("gone/second.ZQ4OA")};
-    commands.saves.saveAs();
-    EXPECT_FALSE(session.DataModified);
 }
 
 }  // namespace

@@ -167,13 +167,6 @@ TEST_F(MessagesTest, EveryErrorHasItsTextAndLogLine) {
     }
 }
 
-TEST_F(MessagesTest, ErrorCodes999And1008ShowAndLogNothing) {
-    messages.Display_Error(999);
-    messages.Display_Error(1008);
-    EXPECT_THAT(dialogs.boxes, IsEmpty());
-    EXPECT_THAT(log, IsEmpty());
-}
-
 TEST_F(MessagesTest, EveryMessageHasItsTitleTextAndIcon) {
     struct Row {
         int code;

@@ -1,10 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <filesystem>
 #include <fstream>
 
+#include "app/calibration_floats.h"
 #include "app/fake_platform.h"
 #include "app/main_commands.h"
 #include "app/menu.h"
@@ -25,15 +25,7 @@ class NewCalibrationCommand : public ::testing::Test {
 
     /// An ORB A calibration of the newest length, in hand.
     void openFile() {
-        std::vector<float> floats{3, 9.44f, 5099};
-        floats.resize(3 + 2828, 0.0f);
-        std::ofstream file(path(), std::ios::binary);
-        for (const float value : floats) {
-            const auto word = std::bit_cast<std::uint32_t>(value);
-            file.write(reinterpret_cast<const char*>(&word), sizeof word);
-        }
-        file.close();
-        fake.dialogs.files.push_back(path());
+        fake.dialogs.files.push_back(writeFloats(path(), wholeFloats()));
         commands.files.open();
         fake.dialogs.boxes.clear();
         fake.windows.calls.clear();

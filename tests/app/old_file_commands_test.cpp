@@ -6,6 +6,7 @@
 
 #include "app/fake_platform.h"
 #include "app/main_commands.h"
+#include "app/while_box_stands.h"
 #include "base/errors.h"
 #include "unit/old_file_encoder.h"
 
@@ -50,12 +51,7 @@ class OldFileCommands : public ::testing::Test {
         for (const Box& box : fake.dialogs.boxes) texts.push_back(box.text);
         return texts;
     }
-    bool logged(const std::string& text) const {
-        for (const std::string& line : session.console.lines()) {
-            if (line.find(text) != std::string::npos) return true;
-        }
-        return false;
-    }
+    bool logged(const std::string& text) const { return hasLine(session.console, text); }
 };
 
 TEST_F(OldFileCommands, EachLengthOpensAsItsKind) {

@@ -2,13 +2,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <bit>
-#include <fstream>
-
+#include "app/calibration_floats.h"
 #include "app/fake_platform.h"
 #include "app/main_commands.h"
 #include "app/menu.h"
-#include "app/rising_axes.h"
 #include "app/while_box_stands.h"
 
 namespace zentaq {
@@ -58,24 +55,22 @@ class ProgramOrb : public ::testing::Test {
     }
 
     static std::vector<float> soundCalibration() {
-        std::vector<float> floats{3, 9.44f, 5099};
-        floats.resize(3 + 2828, 2.0f);
+        std::vector<float> floats = wholeFloats(3, 5099, 2);
         giveRisingAxes(floats);
         return floats;
     }
     void openCalibration(const std::vector<float>& floats = soundCalibration()) {
-        const std::string path = fake.folder.path("tune.ZQ4OA");
-        std::ofstream file(path, std::ios::binary);
-        for (const float value : floats) {
-            const auto word = std::bit_cast<std::uint32_t>(value);
-            file.write(reinterpret_cast<const char*>(&word), sizeof word);
-        }
-        file.close();
-        fake.dialogs.files = {path};
+        fake.dialogs.files = {writeFloats(fake.folder.path("tune.ZQ4OA"), floats)};
         commands.files.open();
         ASSERT_EQ(session.slotInHand(), 3);
         fake.dialogs.boxes.clear();
         fake.windows.calls.clear();
+    }
+    /// 7000 bytes of it.
+    void openCutCalibration() {
+        std::vector<float> floats = soundCalibration();
+        floats.resize(1750);
+        openCalibration(floats);
     }
     void ticks(int count) {
         for (int i = 0; i < count; ++i) session.link.tick();
@@ -137,9 +132,7 @@ TEST_F(ProgramOrb, GoesOutWhereNothingHappensMeanwhile) {
 // ---- A calibration that should not go into a unit
 
 TEST_F(ProgramOrb, ACutFileIsAskedAboutAndGoesOutOnYesAlone) {
-    std::vector<float> floats = soundCalibration();
-    floats.resize(1750);  // 7000 bytes
-    openCalibration(floats);
+    openCutCalibration();
     link(firstOrbA);
     commands.programming.programOrb();
     const Box box = fake.dialogs.boxes.back();
@@ -155,9 +148,7 @@ TEST_F(ProgramOrb, ACutFileIsAskedAboutAndGoesOutOnYesAlone) {
 }
 
 TEST_F(ProgramOrb, ACutFileIsAskedAboutBehindItsSaveToo) {
-    std::vector<float> floats = soundCalibration();
-    floats.resize(1750);
-    openCalibration(floats);
+    openCutCalibration();
     link(firstOrbA);
     fake.dialogs.answers = {Answer::Yes};
     commands.saves.save();
@@ -169,9 +160,7 @@ TEST_F(ProgramOrb, ACutFileIsAskedAboutBehindItsSaveToo) {
 }
 
 TEST_F(ProgramOrb, ACutFileThatIsNotToBeSavedGoesNowhere) {
-    std::vector<float> floats = soundCalibration();
-    floats.resize(1750);
-    openCalibration(floats);
+    openCutCalibration();
     link(firstOrbA);
     session.DataModified = true;
     commands.programming.programOrb();
@@ -195,9 +184,7 @@ TEST_F(ProgramOrb, AnAxisThatDoesNotRiseIsAskedAbout) {
 }
 
 TEST_F(ProgramOrb, ALinkThatIsLostWhileACutFileIsAskedAboutIsError1005) {
-    std::vector<float> floats = soundCalibration();
-    floats.resize(1750);
-    openCalibration(floats);
+    openCutCalibration();
     link(firstOrbA);
     during("Program ORB", [&] {
         fake.dialogs.answers = {Answer::Yes};
@@ -221,16 +208,27 @@ TEST_F(ProgramOrb, ALinkThatIsLostWhileABoxStandsIsError1005) {
     }
 }
 
-TEST_F(ProgramOrb, AUnitOfAnotherKindThatComesWhileABoxStandsIsError1006) {
-    openCalibration();
-    link(firstOrbA);
-    during("Warning 1007", [&] {
-        loseUnit();
-        link(someOrbL);
-    });
-    commands.programming.programOrb();
-    EXPECT_EQ(titles().back(), "Error 1006");
-    expectNothingSent();
+TEST_F(ProgramOrb, WhatChangesUnderTheFirstBoxEndsTheRunWithItsError) {
+    struct Change {
+        const char* what;
+        std::function<void()> happens;
+        const char* title;
+    };
+    const Change changes[] = {
+        {"a unit of another kind comes", [&] { loseUnit(), link(someOrbL); }, "Error 1006"},
+        {"the calibration is closed", [&] { session.CurrentFile.clear(); }, "Error 1003"},
+        {"the unit is switched off and on, and has not told its firmware",
+         [&] { loseUnit(), identify(firstOrbA); }, "Error 1005"}};
+    for (const Change& change : changes) {
+        SCOPED_TRACE(change.what);
+        if (session.link.linked().UnitIdentified) loseUnit();
+        openCalibration();
+        link(firstOrbA);
+        during("Warning 1007", change.happens);
+        commands.programming.programOrb();
+        EXPECT_EQ(titles().back(), change.title);
+        expectNothingSent();
+    }
 }
 
 TEST_F(ProgramOrb, AnotherUnitOfTheKindThatComesWhileABoxStandsIsToldByItsNumber) {
@@ -246,15 +244,6 @@ TEST_F(ProgramOrb, AnotherUnitOfTheKindThatComesWhileABoxStandsIsToldByItsNumber
     expectNothingSent();
     commands.programming.programOrb();
     EXPECT_TRUE(session.link.transfer().pending()) << "the user means this one";
-}
-
-TEST_F(ProgramOrb, ACalibrationThatIsClosedWhileABoxStandsIsError1003) {
-    openCalibration();
-    link(firstOrbA);
-    during("Warning 1007", [&] { session.CurrentFile.clear(); });
-    commands.programming.programOrb();
-    EXPECT_EQ(titles().back(), "Error 1003");
-    expectNothingSent();
 }
 
 TEST_F(ProgramOrb, ATransferThatBeginsWhileABoxStandsIsNotDisturbed) {
@@ -278,18 +267,6 @@ TEST_F(ProgramOrb, AUnitThatHasNotToldItsFirmwareGetsNoImageMadeForThatOfTheFile
     identify(firstOrbA);
     commands.programming.programOrb();
     EXPECT_THAT(titles(), ElementsAre("Error 1005"));
-    expectNothingSent();
-}
-
-TEST_F(ProgramOrb, AUnitThatIsSwitchedOffAndOnWhileABoxStandsHasToTellItsFirmwareFirst) {
-    openCalibration();
-    link(firstOrbA);
-    during("Warning 1007", [&] {
-        loseUnit();
-        identify(firstOrbA);
-    });
-    commands.programming.programOrb();
-    EXPECT_EQ(titles().back(), "Error 1005");
     expectNothingSent();
 }
 
@@ -584,15 +561,7 @@ TEST_F(ProgramOrb, ALostAnswerIsFollowedByTheBoxesOfOneUnitOnce) {
 }
 
 TEST_F(ProgramOrb, ABoxThatHasNotBeenReadStandsForAllThatSayTheSame) {
-    std::vector<std::function<void()>> later;
-    class LateWindows : public RecordingWindows {
-     public:
-        explicit LateWindows(std::vector<std::function<void()>>& all) : all_(all) {}
-        void later(const std::function<void()>& something) override { all_.push_back(something); }
-
-     private:
-        std::vector<std::function<void()>>& all_;
-    } windows(later);
+    LateWindows windows;
     session.attach(windows);
     openCalibration();
     session.CurrentUnit(4);
@@ -600,21 +569,18 @@ TEST_F(ProgramOrb, ABoxThatHasNotBeenReadStandsForAllThatSayTheSame) {
         link(firstOrbA);
         loseUnit();
     }
-    for (const auto& show : std::exchange(later, {})) show();
+    windows.runEvents();
     EXPECT_THAT(titles(), ElementsAre("Unit Type Mismatch"));
     link(firstOrbA);
-    for (const auto& show : later) show();
+    windows.runEvents();
     EXPECT_THAT(titles(), ElementsAre("Unit Type Mismatch", "Unit Type Mismatch")) << "that was read";
     session.attach(fake.windows);
 }
 
 TEST_F(ProgramOrb, ARefusalInsideATickIsToldFromTheEventLoopAndAQuestionIsDeclined) {
-    std::vector<std::function<void()>> later;
-    class LateWindows : public RecordingWindows {
+    class AskingWindows : public LateWindows {
      public:
-        explicit LateWindows(Session& session, std::vector<std::function<void()>>& all)
-            : session_(session), all_(all) {}
-        void later(const std::function<void()>& something) override { all_.push_back(something); }
+        explicit AskingWindows(Session& session) : session_(session) {}
         void onFlyLock(bool) override {
             if (std::exchange(done_, true)) return;
             EXPECT_TRUE(session_.link.handling());
@@ -626,14 +592,13 @@ TEST_F(ProgramOrb, ARefusalInsideATickIsToldFromTheEventLoopAndAQuestionIsDeclin
 
      private:
         Session& session_;
-        std::vector<std::function<void()>>& all_;
         bool done_ = false;
-    } windows(session, later);
+    } windows(session);
     session.attach(windows);
     ticks(1);
     EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
-    ASSERT_EQ(later.size(), 1u);
-    later.front()();
+    ASSERT_EQ(windows.waiting.size(), 1u);
+    windows.runEvents();
     EXPECT_THAT(titles(), ElementsAre("Data Input Error"));
     session.attach(fake.windows);
 }

@@ -3,9 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <fstream>
 
+#include "app/calibration_floats.h"
 #include "app/fake_platform.h"
 #include "app/main_commands.h"
 #include "app/start_up.h"
@@ -36,16 +36,9 @@ class Reading : public ::testing::Test {
         forget();
     }
     std::string file(const std::string& name, float kind) const {
-        std::vector<float> floats{kind, 9.44F, kind == 4 ? 7099.0F : 5099.0F};
-        floats.resize(3 + 2828, 0.0F);
+        std::vector<float> floats = wholeFloats(kind, kind == 4 ? 7099.0F : 5099.0F);
         floats[3 + 58] = 6500;
-        std::string path = fake.folder.path(name);
-        std::ofstream out(path, std::ios::binary);
-        for (const float value : floats) {
-            const auto word = std::bit_cast<std::uint32_t>(value);
-            out.write(reinterpret_cast<const char*>(&word), sizeof word);
-        }
-        return path;
+        return writeFloats(fake.folder.path(name), floats);
     }
     void open(const std::string& path) {
         fake.dialogs.files.push_back(path);

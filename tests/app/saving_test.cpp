@@ -6,12 +6,13 @@
 #include <gtest/gtest.h>
 
 #include <bit>
-#include <deque>
 #include <filesystem>
 
+#include "app/calibration_floats.h"
 #include "app/fake_platform.h"
 #include "app/main_commands.h"
 #include "app/start_up.h"
+#include "app/while_box_stands.h"
 #include "unit/safe_file.h"
 
 namespace zentaq {
@@ -44,22 +45,6 @@ class SlowDisk : public FileWriter {
     FileSave last;
 };
 
-/// Windows whose `later` waits for the event loop, as the real ones' does.
-class LateWindows : public RecordingWindows {
- public:
-    void later(const std::function<void()>& something) override { waiting.push_back(something); }
-    void runEvents() {
-        while (!waiting.empty()) {
-            const auto next = std::move(waiting.front());
-            waiting.pop_front();
-            next();
-        }
-    }
-    bool boxOpen() const override { return box; }
-    std::deque<std::function<void()>> waiting;
-    bool box = false;
-};
-
 class SavingBeside : public ::testing::Test {
  protected:
     TemporaryFolder folder;
@@ -90,14 +75,9 @@ class SavingBeside : public ::testing::Test {
         dialogs.requests.clear();
     }
     static void write(const std::string& file, float revLimit) {
-        std::vector<float> floats{3, 9.44F, 5099};
-        floats.resize(3 + 2828, 0.0F);
+        std::vector<float> floats = wholeFloats();
         floats[3 + 58] = revLimit;
-        std::ofstream out(file, std::ios::binary);
-        for (const float value : floats) {
-            const auto word = std::bit_cast<std::uint32_t>(value);
-            out.write(reinterpret_cast<const char*>(&word), sizeof word);
-        }
+        writeFloats(file, floats);
     }
     static float limitIn(const std::string& file) {
         const std::string bytes = TemporaryFolder::read(file).substr((3 + 58) * 4, 4);

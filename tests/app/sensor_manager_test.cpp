@@ -23,94 +23,72 @@ SensorEntry points(const std::string& volts1, const std::string& volts2, const s
 
 // ---- The checks of an entry
 
-TEST(SensorEntryChecks, TwoGoodPointsPass) {
-    EXPECT_FALSE(sensorFault(points("0.5", "4.5", "20", "250")));
-}
+struct EntryFault {
+    const char* why;
+    SensorEntry entry;
+    const char* title;
+    const char* text;
+    std::optional<SensorBox> box = {};
+};
 
-TEST(SensorEntryChecks, EachOfTheFourBoxesMustBeANumber) {
-    const SensorEntry good = points("0.5", "4.5", "20", "250");
-    for (const SensorBox box : {firstVolts, secondVolts, firstPressure, secondPressure}) {
-        SensorEntry bad = good;
-        bad.points[box] = "abc";
-        const auto fault = sensorFault(bad);
+TEST(SensorEntryChecks, AnEntryThatIsRefusedIsToldWithItsBox) {
+    const auto noNumber = "Invalid entry";
+    const auto range = "Entry out of Range";
+    const auto order = "Entry out of Order";
+    const EntryFault faults[] = {
+        {"the first volts are no number", points("abc", "4.5", "20", "250"), noNumber,
+         "abc not a valid number", firstVolts},
+        {"the second volts are no number", points("0.5", "abc", "20", "250"), noNumber,
+         "abc not a valid number", secondVolts},
+        {"the first pressure is no number", points("0.5", "4.5", "abc", "250"), noNumber,
+         "abc not a valid number", firstPressure},
+        {"the second pressure is no number", points("0.5", "4.5", "20", "abc"), noNumber,
+         "abc not a valid number", secondPressure},
+        {"an empty box is no number", points("", "4.5", "20", "250"), noNumber, " not a valid number",
+         firstVolts},
+        {"all boxes are read before the volts are compared with their limits", points("9", "4.5", "20", "x"),
+         noNumber, "x not a valid number", secondPressure},
+        {"the first volts are below 0", points("-0.01", "5", "20", "250"), range,
+         "-0.01 is out of range.  Must be 0 - 5v", firstVolts},
+        {"the second volts are below 0", points("0", "-0.01", "20", "250"), range,
+         "-0.01 is out of range.  Must be 0 - 5v", secondVolts},
+        {"the first volts are above 5", points("5.01", "5", "20", "250"), range,
+         "5.01 is out of range.  Must be 0 - 5v", firstVolts},
+        {"the second volts are above 5", points("0", "5.01", "20", "250"), range,
+         "5.01 is out of range.  Must be 0 - 5v", secondVolts},
+        {"volts must climb", points("4.5", "0.5", "20", "250"), order,
+         "4.5 Must be smaller than 0.5\nPlease rearrange your entries.", firstVolts},
+        {"pressures must climb", points("0.5", "4.5", "250", "20"), order,
+         "250 Must be smaller than 20\nPlease rearrange your entries.", firstPressure},
+        {"volts out of range are told before volts out of order", points("6", "1", "20", "250"), range,
+         "6 is out of range.  Must be 0 - 5v", firstVolts},
+        {"volts out of order are told before pressures out of order", points("4", "1", "250", "20"), order,
+         "4 Must be smaller than 1\nPlease rearrange your entries.", firstVolts},
+        {"equal pressures pass the order and fail as a division by zero",
+         points("0.5", "4.5", "100", "100.0"), noNumber,
+         "Division by zero: both pressures are the same.\nPlease enter two different pressures.",
+         secondPressure},
+        {"equal volts pass the order and make no sensor", points("2", "2", "20", "250"), noNumber,
+         "Both volts are the same, so the sensor has no slope.\nPlease enter two different volts."}};
+    for (const EntryFault& expected : faults) {
+        SCOPED_TRACE(expected.why);
+        const auto fault = sensorFault(expected.entry);
         ASSERT_TRUE(fault);
-        EXPECT_EQ(fault->title, "Invalid entry");
-        EXPECT_EQ(fault->text, "abc not a valid number");
-        EXPECT_EQ(fault->box, box);
-    }
-}
-
-TEST(SensorEntryChecks, AnEmptyBoxIsNoNumber) {
-    EXPECT_EQ(sensorFault(points("", "4.5", "20", "250"))->text, " not a valid number");
-}
-
-TEST(SensorEntryChecks, AllBoxesAreReadBeforeTheVoltsAreComparedWithTheirLimits) {
-    EXPECT_EQ(sensorFault(points("9", "4.5", "20", "x"))->text, "x not a valid number");
-}
-
-TEST(SensorEntryChecks, VoltsReachFrom0To5Inclusive) {
-    EXPECT_FALSE(sensorFault(points("0", "5", "20", "250")));
-    for (const std::string outside : {"-0.01", "5.01"}) {
-        for (const SensorBox box : {firstVolts, secondVolts}) {
-            SensorEntry bad = points("0", "5", "20", "250");
-            bad.points[box] = outside;
-            const auto fault = sensorFault(bad);
-            ASSERT_TRUE(fault) << outside;
-            EXPECT_EQ(fault->title, "Entry out of Range");
-            EXPECT_EQ(fault->text, outside + " is out of range.  Must be 0 - 5v");
-            EXPECT_EQ(fault->box, box);
+        EXPECT_EQ(fault->title, expected.title);
+        EXPECT_EQ(fault->text, expected.text);
+        if (expected.box) {
+            EXPECT_EQ(fault->box, *expected.box);
         }
     }
 }
 
-TEST(SensorEntryChecks, PressuresHaveNoLimits) {
-    EXPECT_FALSE(sensorFault(points("0", "5", "-500", "9000")));
-}
-
-TEST(SensorEntryChecks, VoltsMustClimb) {
-    const auto fault = sensorFault(points("4.5", "0.5", "20", "250"));
-    ASSERT_TRUE(fault);
-    EXPECT_EQ(fault->title, "Entry out of Order");
-    EXPECT_EQ(fault->text, "4.5 Must be smaller than 0.5\nPlease rearrange your entries.");
-    EXPECT_EQ(fault->box, firstVolts);
-}
-
-TEST(SensorEntryChecks, PressuresMustClimb) {
-    const auto fault = sensorFault(points("0.5", "4.5", "250", "20"));
-    ASSERT_TRUE(fault);
-    EXPECT_EQ(fault->title, "Entry out of Order");
-    EXPECT_EQ(fault->text, "250 Must be smaller than 20\nPlease rearrange your entries.");
-    EXPECT_EQ(fault->box, firstPressure);
-}
-
-TEST(SensorEntryChecks, TheOrderIsThatOfNumbersNotOfTexts) {
-    EXPECT_FALSE(sensorFault(points("0.5", "4.5", "9", "10")));
-}
-
-TEST(SensorEntryChecks, VoltsOutOfRangeAreToldBeforeVoltsOutOfOrder) {
-    EXPECT_EQ(sensorFault(points("6", "1", "20", "250"))->title, "Entry out of Range");
-}
-
-TEST(SensorEntryChecks, VoltsOutOfOrderAreToldBeforePressuresOutOfOrder) {
-    EXPECT_EQ(sensorFault(points("4", "1", "250", "20"))->text,
-              "4 Must be smaller than 1\nPlease rearrange your entries.");
-}
-
-TEST(SensorEntryChecks, EqualPressuresPassTheOrderAndFailAsADivisionByZero) {
-    const auto fault = sensorFault(points("0.5", "4.5", "100", "100.0"));
-    ASSERT_TRUE(fault);
-    EXPECT_EQ(fault->title, "Invalid entry");
-    EXPECT_EQ(fault->text,
-              "Division by zero: both pressures are the same.\nPlease enter two different pressures.");
-    EXPECT_EQ(fault->box, secondPressure);
-}
-
-TEST(SensorEntryChecks, EqualVoltsPassTheOrderAndMakeNoSensor) {
-    const auto fault = sensorFault(points("2", "2", "20", "250"));
-    ASSERT_TRUE(fault);
-    EXPECT_EQ(fault->title, "Invalid entry");
-    EXPECT_EQ(fault->text,
-              "Both volts are the same, so the sensor has no slope.\nPlease enter two different volts.");
+TEST(SensorEntryChecks, AnEntryOfTwoPointsThatClimbPasses) {
+    const std::pair<const char*, SensorEntry> entries[] = {
+        {"two good points", points("0.5", "4.5", "20", "250")},
+        {"volts reach from 0 to 5 inclusive", points("0", "5", "20", "250")},
+        {"pressures have no limits", points("0", "5", "-500", "9000")},
+        {"the order is that of numbers, not of texts", points("0.5", "4.5", "9", "10")}};
+    for (const auto& [why, entry] : entries) EXPECT_FALSE(sensorFault(entry)) << why;
 }
 
 TEST(SensorEntryChecks, ALineThatNoCalibrationCanHoldIsRefused) {

@@ -3,13 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <bit>
-#include <fstream>
 #include <numeric>
 
+#include "app/calibration_floats.h"
 #include "app/fake_platform.h"
 #include "app/main_commands.h"
-#include "app/rising_axes.h"
+#include "app/while_box_stands.h"
 #include "base/text.h"
 #include "no_file_grows.h"
 
@@ -31,17 +30,10 @@ class SessionTest : public ::testing::Test {
     }
 
     std::string calibrationOf(float kind, const std::string& name) const {
-        std::vector<float> floats{kind, 9.44f, 5099};
-        floats.resize(3 + 2828, 0.0f);
+        std::vector<float> floats = wholeFloats(kind);
         floats[3 + 126] = 0.05f;  // volts a kPa: pressures that differ are read as different ones
         giveRisingAxes(floats);
-        const std::string path = fake.folder.path(name);
-        std::ofstream file(path, std::ios::binary);
-        for (const float value : floats) {
-            const auto word = std::bit_cast<std::uint32_t>(value);
-            file.write(reinterpret_cast<const char*>(&word), sizeof word);
-        }
-        return path;
+        return writeFloats(fake.folder.path(name), floats);
     }
     /// A unit on the link and a calibration of its kind in hand, unchanged.
     void openForProgramming(const std::string& firmware = "ZQA-405099") {
@@ -60,25 +52,13 @@ class SessionTest : public ::testing::Test {
         for (int tick = 0; tick < 5000 && !session.link.transfer().active(); ++tick) session.link.tick();
         return session.link.transfer().active();
     }
-    bool logged(const std::string& text) const {
-        for (const std::string& line : session.console.lines()) {
-            if (line.find(text) != std::string::npos) return true;
-        }
-        return false;
-    }
+    bool logged(const std::string& text) const { return hasLine(session.console, text); }
     std::string oldCalibration() const {
-        std::vector<float> floats{3, 9.44f, 2099};
-        floats.resize(3 + 2828, 0.0f);
+        std::vector<float> floats = wholeFloats(3, 2099);
         floats[3 + 39] = 1;  // bar rating
         floats[3 + 124] = 1;
         floats[3 + 148] = 10;  // scale1, ms
-        const std::string path = fake.folder.path("old.ZQ4OA");
-        std::ofstream file(path, std::ios::binary);
-        for (const float value : floats) {
-            const auto word = std::bit_cast<std::uint32_t>(value);
-            file.write(reinterpret_cast<const char*>(&word), sizeof word);
-        }
-        return path;
+        return writeFloats(fake.folder.path("old.ZQ4OA"), floats);
     }
     static std::vector<std::uint8_t> sealed(std::vector<std::uint8_t> reply) {
         reply.push_back(static_cast<std::uint8_t>(std::accumulate(reply.begin() + 2, reply.end(), 0)));

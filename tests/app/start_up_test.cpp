@@ -12,6 +12,7 @@
 #include <fstream>
 
 #include "app/fake_platform.h"
+#include "app/while_box_stands.h"
 #include "base/settings_keys.h"
 #include "refdata/seed_builder.h"
 
@@ -49,16 +50,11 @@ class StartUp : public ::testing::Test {
         return fake.folder.path("bin/data/zentaq410-02.pak");
     }
     void store(const char* key, const std::string& value) { fake.settings.set("System", key, value); }
-    bool consoleHas(const std::string& text) const {
-        for (const std::string& line : session.console.lines()) {
-            if (line.find(text) != std::string::npos) return true;
-        }
-        return false;
-    }
+    bool consoleHas(const std::string& text) const { return hasLine(session.console, text); }
 };
 
 TEST_F(StartUp, BringsUpTheWindowsInItsFixedOrder) {
-    fake.settings.set("System", "FileOpen", "0");
+    store("FileOpen", "0");
     kernel.load();
     std::vector<std::string> calls;
     for (const std::string& call : fake.windows.calls) {
@@ -107,10 +103,10 @@ TEST_F(StartUp, AFreshInstallationLogsShowsTheCommListAndOffersAFile) {
 }
 
 TEST_F(StartUp, StoredSettingsTakeEffect) {
-    fake.settings.set("System", "FileOpen", "0");
-    fake.settings.set("System", "CommDialog", "0");
-    fake.settings.set("System", "TableColor", "1");
-    fake.settings.set("System", "CommPort", "7");
+    store("FileOpen", "0");
+    store("CommDialog", "0");
+    store("TableColor", "1");
+    store("CommPort", "7");
     kernel.load();
     EXPECT_TRUE(fake.dialogs.requests.empty());
     EXPECT_THAT(fake.windows.calls, Contains("comm list off"));
@@ -120,8 +116,8 @@ TEST_F(StartUp, StoredSettingsTakeEffect) {
 }
 
 TEST_F(StartUp, AStoredDeviceIsOpenedUnderWhateverNumberItHasNow) {
-    fake.settings.set("System", "CommPort", "1");
-    fake.settings.set("System", "CommPortIdentity", "fake");
+    store("CommPort", "1");
+    store("CommPortIdentity", "fake");
     fake.port.presentNumber = 2;  // a simulated unit took the first place
     kernel.load();
     EXPECT_TRUE(fake.port.isOpen());
@@ -132,8 +128,8 @@ TEST_F(StartUp, AStoredDeviceIsOpenedUnderWhateverNumberItHasNow) {
 }
 
 TEST_F(StartUp, AnotherDeviceWithTheStoredNumberIsLeftAlone) {
-    fake.settings.set("System", "CommPort", "1");
-    fake.settings.set("System", "CommPortIdentity", "usb:0403:6001:AB12");
+    store("CommPort", "1");
+    store("CommPortIdentity", "usb:0403:6001:AB12");
     kernel.load();
     EXPECT_FALSE(fake.port.isOpen());
     EXPECT_EQ(fake.port.opens, 0);
@@ -144,7 +140,7 @@ TEST_F(StartUp, AnotherDeviceWithTheStoredNumberIsLeftAlone) {
 }
 
 TEST_F(StartUp, AStoredNumberWithoutADeviceKeepsTheOneThatHasItNow) {
-    fake.settings.set("System", "CommPort", "1");
+    store("CommPort", "1");
     kernel.load();
     EXPECT_EQ(fake.settings.get("System", "CommPortIdentity"), "fake");
 }
@@ -163,40 +159,27 @@ TEST_F(StartUp, TheLogHoldsOneRunOnly) {
 
 TEST_F(StartUp, AutoLogOffLeavesAnEarlierLogUnchanged) {
     std::ofstream(fake.folder.path("zentaq.log")) << "an earlier run\n";
-    fake.settings.set("System", "AutoLog", "0");
+    store("AutoLog", "0");
     kernel.load();
     EXPECT_EQ(logText(), "an earlier run\n");
 }
 
 // ---- Values that are no numbers
 
-TEST_F(StartUp, ASwitchWhoseValueIsNoNumberCountsAsOn) {
-    for (const char* value : {"", "yes", "1,0,0", "--1", "\xFF"}) {
+TEST_F(StartUp, ASwitchIsOnForOneAndForWhatIsNoNumberAndOffForEveryOtherNumber) {
+    const std::pair<const char*, bool> values[] = {
+        {"", true},   {"yes", true}, {"1,0,0", true}, {"--1", true},  {"\xFF", true},
+        {"0", false}, {"2", false},  {"-1", false},   {"1.5", false}, {"1E9", false}};
+    for (const auto& [value, on] : values) {
         SCOPED_TRACE(value);
         FakeSession again;
-        again.settings.set("System", "AutoLog", value);
-        again.settings.set("System", "CommDialog", value);
-        again.settings.set("System", "FileOpen", value);
+        for (const char* key : {"AutoLog", "CommDialog", "FileOpen"})
+            again.settings.set("System", key, value);
         MainCommands itsCommands{again.session};
         Kernel{again.session, itsCommands}.load();
-        EXPECT_TRUE(again.session.console.LogToFile());
-        EXPECT_THAT(again.windows.calls, Contains("comm list on"));
-        EXPECT_EQ(again.dialogs.requests.size(), 1u);
-    }
-}
-
-TEST_F(StartUp, ASwitchIsOffForEveryNumberButOne) {
-    for (const char* value : {"0", "2", "-1", "1.5", "1E9"}) {
-        SCOPED_TRACE(value);
-        FakeSession again;
-        again.settings.set("System", "AutoLog", value);
-        again.settings.set("System", "CommDialog", value);
-        again.settings.set("System", "FileOpen", value);
-        MainCommands itsCommands{again.session};
-        Kernel{again.session, itsCommands}.load();
-        EXPECT_FALSE(again.session.console.LogToFile());
-        EXPECT_THAT(again.windows.calls, Contains("comm list off"));
-        EXPECT_TRUE(again.dialogs.requests.empty());
+        EXPECT_EQ(again.session.console.LogToFile(), on);
+        EXPECT_THAT(again.windows.calls, Contains(on ? "comm list on" : "comm list off"));
+        EXPECT_EQ(again.dialogs.requests.size(), on ? 1u : 0u);
     }
 }
 
@@ -489,7 +472,7 @@ TEST_F(StartUp, SlotsWithoutAKindStayEmptyAndTheTwoOfOneKindAreTwoObjects) {
 }
 
 TEST_F(StartUp, AMissingDatabaseStopsNothingAndTheBannerIsTheFirstThatIsLogged) {
-    fake.settings.set("System", "FileOpen", "0");
+    store("FileOpen", "0");
     kernel.load();
     EXPECT_FALSE(session.database.has_value());
     EXPECT_TRUE(fake.dialogs.boxes.empty());

@@ -7,6 +7,7 @@
 
 #include "app/general_fixture.h"
 #include "app/main_commands.h"
+#include "app/while_box_stands.h"
 
 namespace zentaq {
 namespace {
@@ -43,11 +44,7 @@ class TwoKinds : public GeneralConfigForm {
         std::memcpy(bytes.data() + 8, &code, sizeof code);
         std::ofstream(path, std::ios::binary) << bytes;
     }
-    std::vector<std::string> titles() const {
-        std::vector<std::string> all;
-        for (const Box& box : fake.dialogs.boxes) all.push_back(box.title);
-        return all;
-    }
+    std::vector<std::string> titles() const { return titlesOf(fake.dialogs); }
     /// Another unit takes the place of the one on the link, with no silence between them.
     void putInPlace(std::uint32_t serial, const char* firmware) {
         const Link& link = session.link;

@@ -1,7 +1,9 @@
-// What tests ask of the boxes of a command: what happens while one stands, which there were, what was logged.
+// What tests ask of the boxes of a command: what happens while one stands, which there were, what was logged,
+// which come later.
 #pragma once
 
 #include <algorithm>
+#include <deque>
 #include <functional>
 #include <string>
 #include <utility>
@@ -33,5 +35,21 @@ inline bool hasLine(const Console& console, const std::string& text) {
     return std::ranges::any_of(console.lines(),
                                [&](const std::string& line) { return line.find(text) != std::string::npos; });
 }
+
+/// Windows whose `later` waits for the event loop, as the real ones' does.
+class LateWindows : public RecordingWindows {
+ public:
+    void later(const std::function<void()>& something) override { waiting.push_back(something); }
+    void runEvents() {
+        while (!waiting.empty()) {
+            const auto next = std::move(waiting.front());
+            waiting.pop_front();
+            next();
+        }
+    }
+    bool boxOpen() const override { return box; }
+    std::deque<std::function<void()>> waiting;
+    bool box = false;
+};
 
 }  // namespace zentaq
