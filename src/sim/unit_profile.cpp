@@ -18,193 +18,82 @@ constexpr SerialNumbers serialsD[] = {{700000, 709999}};
 constexpr SerialNumbers serialsD6[] = {{750000, 759999}};
 constexpr SerialNumbers serialsPzk2[] = {{500000, 509999}};
 
-constexpr int usualLogRecords = 300;
-
+// clang-format off
 constexpr UnitProfile profileA{
-    .model = "A",
-    .fullName = "ORB A",
-    .linkStem = "orb-a",
-    .calibrationName = "SIMULATED ORB",
-    .serialNumbers = serialsA,
-    .defaultSerial = 200001,
-    .knowsOldSerialReply = true,
-    .firmwarePrefix = "ZQA",
-    .defaultFirmware = "ZQA-405099",
-    .firmwareReplyLength = 39,
-    .subtypeByte = 37,
-    .subtype = 0,
-    .configReplyLength = 39,
-    .hasPic18 = false,
-    .codesReplyLength = 16,
+    .model = "A", .fullName = "ORB A", .linkStem = "orb-a",
+    .serialNumbers = serialsA, .defaultSerial = 200001, .knowsOldSerialReply = true,
+    .firmwarePrefix = "ZQA", .defaultFirmware = "ZQA-405099", .firmwareReplyLength = 39, .subtypeByte = 37,
     // The narrow frame has neither head nor checksum: its last byte is the direction of the idle motor.
     .narrow = {.length = 35, .headed = false, .fields = narrowFieldsA, .gpio = narrowGpioA},
-    .wide = {.length = 65, .headed = true, .fields = wideFieldsA, .gpio = widePinsA},
-    .wideFromRelease = 5,
-    .inputs = {.length = 21, .headed = true, .fields = {}, .gpio = listedPinsA},
-    .logRecord = {.length = 33, .headed = true, .fields = logFieldsA, .gpio = {}},
-    .logRecords = usualLogRecords,
-    .baseAddress = 0x1100,
-    .memorySize = 147 * 16,
-    .memorySizeOlder = 137 * 16,
-    .fullMemoryFromRelease = 5,
-    .nameOffset = 560,
-    .linesEndInLineFeed = false,
-};
+    .wide = {.length = 65, .fields = wideFieldsA, .gpio = widePinsA}, .wideFromRelease = 5,
+    .inputs = {.length = 21, .gpio = listedPinsA},
+    .logRecord = {.length = 33, .fields = logFieldsA},
+    .linesEndInLineFeed = false};
 
-// The subtypes of the ORB A tell themselves apart in the firmware reply only.
-struct Subtype {
-    std::string_view model;
-    std::string_view fullName;
-    std::string_view linkStem;
-    std::uint32_t defaultSerial;
-    std::uint8_t subtype;
-};
-
-constexpr UnitProfile subtypeOfA(const Subtype& type) {
-    UnitProfile profile = profileA;
-    profile.model = type.model;
-    profile.fullName = type.fullName;
-    profile.linkStem = type.linkStem;
-    profile.defaultSerial = type.defaultSerial;
-    profile.subtype = type.subtype;
+/// A model that another one's profile describes but for its names and its serial number.
+constexpr UnitProfile variant(UnitProfile profile, std::string_view model, std::string_view fullName,
+                              std::string_view linkStem, std::uint32_t defaultSerial) {
+    profile.model = model;
+    profile.fullName = fullName;
+    profile.linkStem = linkStem;
+    profile.defaultSerial = defaultSerial;
     return profile;
 }
 
-constexpr UnitProfile profileA612 = subtypeOfA({"A 6/12", "ORB A 6/12", "orb-a612", 200002, 1});
-constexpr UnitProfile profileAr = subtypeOfA({"A r", "ORB A r", "orb-ar", 200003, 2});
+// The subtypes of the ORB A tell themselves apart in the firmware reply only.
+constexpr UnitProfile withSubtype(UnitProfile profile, std::uint8_t subtype) {
+    profile.subtype = subtype;
+    return profile;
+}
+constexpr auto profileA612 = withSubtype(variant(profileA, "A 6/12", "ORB A 6/12", "orb-a612", 200002), 1);
+constexpr auto profileAr = withSubtype(variant(profileA, "A r", "ORB A r", "orb-ar", 200003), 2);
 
 constexpr UnitProfile profileL{
-    .model = "L",
-    .fullName = "ORB L",
-    .linkStem = "orb-l",
-    .calibrationName = "SIMULATED ORB",
-    .serialNumbers = serialsL,
-    .defaultSerial = 300001,
-    .knowsOldSerialReply = false,
-    .firmwarePrefix = "ZQL",
-    .defaultFirmware = "ZQL-407099",
-    .firmwareReplyLength = 38,
-    .subtypeByte = 0,
-    .subtype = 0,
-    .configReplyLength = 39,
-    .hasPic18 = false,
-    .codesReplyLength = 16,
-    .narrow = {.length = 28, .headed = true, .fields = narrowFields, .gpio = {}},
-    .wide = {.length = 66, .headed = true, .fields = wideFields, .gpio = widePinsL},
-    .wideFromRelease = 7,
-    .inputs = {.length = 21, .headed = true, .fields = {}, .gpio = listedPinsL},
-    .logRecord = {.length = 36, .headed = true, .fields = logFields, .gpio = {}},
-    .logRecords = usualLogRecords,
-    .baseAddress = 0x1100,
-    .memorySize = 147 * 16,
-    .memorySizeOlder = 137 * 16,
-    .fullMemoryFromRelease = 5,
-    .nameOffset = 560,
-    .linesEndInLineFeed = true,
-};
+    .model = "L", .fullName = "ORB L", .linkStem = "orb-l",
+    .serialNumbers = serialsL, .defaultSerial = 300001,
+    .firmwarePrefix = "ZQL", .defaultFirmware = "ZQL-407099",
+    .narrow = {.length = 28, .fields = narrowFields},
+    .wide = {.length = 66, .fields = wideFields, .gpio = widePinsL}, .wideFromRelease = 7,
+    .inputs = {.length = 21, .gpio = listedPinsL},
+    .logRecord = {.length = 36, .fields = logFields}};
 
 constexpr UnitProfile profileC{
-    .model = "C",
-    .fullName = "ORB C",
-    .linkStem = "orb-c",
-    .calibrationName = "SIMULATED ORB",
-    .serialNumbers = serialsC,
-    .defaultSerial = 350001,
-    .knowsOldSerialReply = false,
-    .firmwarePrefix = "ZQC",
-    .defaultFirmware = "ZQC-403099",
-    .firmwareReplyLength = 38,
-    .subtypeByte = 0,
-    .subtype = 0,
-    .configReplyLength = 39,
-    .hasPic18 = true,
-    .codesReplyLength = 16,
-    .narrow = {.length = 28, .headed = true, .fields = narrowFields, .gpio = {}},
-    .wide = {.length = 70, .headed = true, .fields = wideFields, .gpio = widePinsC},
-    .wideFromRelease = 3,
-    .inputs = {.length = 21, .headed = true, .fields = {}, .gpio = listedPinsC},
-    .logRecord = {.length = 40, .headed = true, .fields = logFields, .gpio = {}},
-    .logRecords = usualLogRecords,
-    .baseAddress = 0x1100,
-    .memorySize = 147 * 16,
-    .memorySizeOlder = 137 * 16,
-    .fullMemoryFromRelease = 5,
-    .nameOffset = 560,
-    .linesEndInLineFeed = true,
-};
+    .model = "C", .fullName = "ORB C", .linkStem = "orb-c",
+    .serialNumbers = serialsC, .defaultSerial = 350001,
+    .firmwarePrefix = "ZQC", .defaultFirmware = "ZQC-403099", .hasPic18 = true,
+    .narrow = {.length = 28, .fields = narrowFields},
+    .wide = {.length = 70, .fields = wideFields, .gpio = widePinsC}, .wideFromRelease = 3,
+    .inputs = {.length = 21, .gpio = listedPinsC},
+    .logRecord = {.length = 40, .fields = logFields}};
 
 constexpr UnitProfile profileD{
-    .model = "D",
-    .fullName = "ORB D",
-    .linkStem = "orb-d",
-    .calibrationName = "SIMULATED ORB",
-    .serialNumbers = serialsD,
-    .defaultSerial = 700001,
-    .knowsOldSerialReply = false,
-    .firmwarePrefix = "ZQD",
-    .defaultFirmware = "ZQD-405099",
-    .firmwareReplyLength = 38,
-    .subtypeByte = 0,
-    .subtype = 0,
-    .configReplyLength = 39,
-    .hasPic18 = true,
-    .codesReplyLength = 16,
-    .narrow = {.length = 28, .headed = true, .fields = narrowFields, .gpio = {}},
-    .wide = {.length = 62, .headed = true, .fields = wideFields, .gpio = widePinsD},
-    .wideFromRelease = 5,
-    .inputs = {.length = 21, .headed = true, .fields = {}, .gpio = listedPinsD},
-    .logRecord = {.length = 34, .headed = true, .fields = logFields, .gpio = {}},
-    .logRecords = usualLogRecords,
-    .baseAddress = 0x1100,
-    .memorySize = 147 * 16,
-    .memorySizeOlder = 137 * 16,
-    .fullMemoryFromRelease = 5,
-    .nameOffset = 560,
-    .linesEndInLineFeed = true,
-};
+    .model = "D", .fullName = "ORB D", .linkStem = "orb-d",
+    .serialNumbers = serialsD, .defaultSerial = 700001,
+    .firmwarePrefix = "ZQD", .defaultFirmware = "ZQD-405099", .hasPic18 = true,
+    .narrow = {.length = 28, .fields = narrowFields},
+    .wide = {.length = 62, .fields = wideFields, .gpio = widePinsD}, .wideFromRelease = 5,
+    .inputs = {.length = 21, .gpio = listedPinsD},
+    .logRecord = {.length = 34, .fields = logFields}};
 
 // The same unit for six cylinders, told apart by its serial numbers only.
 constexpr UnitProfile sixCylinderD() {
-    UnitProfile profile = profileD;
-    profile.model = "D6";
-    profile.fullName = "ORB D6";
-    profile.linkStem = "orb-d6";
+    UnitProfile profile = variant(profileD, "D6", "ORB D6", "orb-d6", 750001);
     profile.serialNumbers = serialsD6;
-    profile.defaultSerial = 750001;
     return profile;
 }
 
 constexpr UnitProfile profileD6 = sixCylinderD();
 
 constexpr UnitProfile profilePzk2{
-    .model = "PZK-2",
-    .fullName = "PZK-2",
-    .linkStem = "pzk-2",
-    .calibrationName = "SIMULATED PZK-2",
-    .serialNumbers = serialsPzk2,
-    .defaultSerial = 500001,
-    .knowsOldSerialReply = false,
-    .firmwarePrefix = "ZPK",
-    .defaultFirmware = "ZPK-405099",
-    .firmwareReplyLength = 38,
-    .subtypeByte = 0,
-    .subtype = 0,
-    .configReplyLength = 39,
-    .hasPic18 = false,
-    .codesReplyLength = 16,
-    .narrow = {.length = 28, .headed = true, .fields = narrowFieldsPzk2, .gpio = {}},
-    .wide = {},
-    .wideFromRelease = 0,
-    .inputs = {.length = 21, .headed = true, .fields = {}, .gpio = listedPinsPzk2},
-    .logRecord = {.length = 34, .headed = true, .fields = logFieldsPzk2, .gpio = {}},
+    .model = "PZK-2", .fullName = "PZK-2", .linkStem = "pzk-2", .calibrationName = "SIMULATED PZK-2",
+    .serialNumbers = serialsPzk2, .defaultSerial = 500001,
+    .firmwarePrefix = "ZPK", .defaultFirmware = "ZPK-405099",
+    .narrow = {.length = 28, .fields = narrowFieldsPzk2},
+    .inputs = {.length = 21, .gpio = listedPinsPzk2},
+    .logRecord = {.length = 34, .fields = logFieldsPzk2},
     .logRecords = 0,  // it answers D, but has no room for records of its own
-    .baseAddress = 0x1100,
-    .memorySize = 64 * 16,
-    .memorySizeOlder = 64 * 16,
-    .fullMemoryFromRelease = 0,
-    .nameOffset = 166,
-    .linesEndInLineFeed = true,
-};
+    .memorySize = 64 * 16, .memorySizeOlder = 64 * 16, .fullMemoryFromRelease = 0, .nameOffset = 166};
+// clang-format on
 
 constexpr const UnitProfile* profiles[] = {&profileA, &profileA612, &profileAr, &profileL,
                                            &profileC, &profileD,    &profileD6, &profilePzk2};

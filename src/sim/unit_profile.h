@@ -17,39 +17,40 @@ struct SerialNumbers {
     std::uint32_t last;
 };
 
+/// A value that stands here is that of most kinds.
 struct UnitProfile {
-    std::string_view model;            ///< as given to --unit, "A 6/12"
-    std::string_view fullName;         ///< as people say it, "ORB A 6/12"
-    std::string_view linkStem;         ///< start of the announced name, "orb-a612"; no two models share one
-    std::string_view calibrationName;  ///< what a new unit holds, up to 24 characters
+    std::string_view model;     ///< as given to --unit, "A 6/12"
+    std::string_view fullName;  ///< as people say it, "ORB A 6/12"
+    std::string_view linkStem;  ///< start of the announced name, "orb-a612"; no two models share one
+    std::string_view calibrationName = "SIMULATED ORB";  ///< what a new unit holds, up to 24 characters
 
     std::span<const SerialNumbers> serialNumbers;
-    std::uint32_t defaultSerial;
-    bool knowsOldSerialReply;  ///< early units of the kind answer E with six bytes and no head
+    std::uint32_t defaultSerial = 0;
+    bool knowsOldSerialReply = false;  ///< early units of the kind answer E with six bytes and no head
 
     std::string_view firmwarePrefix;   ///< "ZQA"
     std::string_view defaultFirmware;  ///< 10 characters; 6 and 7 the release, 8 to 10 the build
 
-    int firmwareReplyLength;
-    int subtypeByte;  ///< index in the firmware reply; 0 for a kind that sends none
-    std::uint8_t subtype;
-    int configReplyLength;
-    bool hasPic18;  ///< as delivered; the configuration tells it
-    int codesReplyLength;
+    int firmwareReplyLength = 38;
+    int subtypeByte = 0;  ///< index in the firmware reply; 0 for a kind that sends none
+    std::uint8_t subtype = 0;
+    int configReplyLength = 39;
+    bool hasPic18 = false;  ///< as delivered; the configuration tells it
+    int codesReplyLength = 16;
 
     FrameLayout narrow;
-    FrameLayout wide;     ///< length 0: the kind has no wide frame
-    int wideFromRelease;  ///< older firmware does not know the wide frame
+    FrameLayout wide;         ///< length 0: the kind has no wide frame
+    int wideFromRelease = 0;  ///< older firmware does not know the wide frame
     FrameLayout inputs;
     FrameLayout logRecord;
-    int logRecords;  ///< in the log of a unit as it is delivered
+    int logRecords = 300;  ///< in the log of a unit as it is delivered
 
-    int baseAddress;
-    int memorySize;       ///< bytes from baseAddress
-    int memorySizeOlder;  ///< what firmware below `fullMemoryFromRelease` is programmed with
-    int fullMemoryFromRelease;
-    int nameOffset;           ///< of the 24 characters of the calibration's name
-    bool linesEndInLineFeed;  ///< a line of programming counts only with its CR LF
+    int baseAddress = 0x1100;
+    int memorySize = 147 * 16;       ///< bytes from baseAddress
+    int memorySizeOlder = 137 * 16;  ///< what firmware below `fullMemoryFromRelease` is programmed with
+    int fullMemoryFromRelease = 5;
+    int nameOffset = 560;            ///< of the 24 characters of the calibration's name
+    bool linesEndInLineFeed = true;  ///< a line of programming counts only with its CR LF
 };
 
 inline constexpr int nameLength = 24;
