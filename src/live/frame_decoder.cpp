@@ -38,80 +38,44 @@ struct FrameRow {
 
 using FrameTable = std::span<const FrameRow>;
 
-constexpr PulseScale narrow{};
-constexpr PulseScale wide{.fastFlag = true};
-
-double withOffset(Unit& unit, const std::string& advance) {
-    const double sum = numberOf(advance) + static_cast<double>(unit.get("MOFFSET"));
-    return numberOf(formatNumber(sum, "##.0"));
-}
-
 // ---- Scalings. Going through text is part of the value: PRIADV carries one decimal.
 double plain(Unit&, Raw raw) {
     return raw.value;
 }
+template <auto textOf>
+double text(Unit&, Raw raw) {
+    return numberOf(textOf(raw.value));
+}
+template <auto textOf>
+double textOfUnit(Unit& unit, Raw raw) {
+    return numberOf(textOf(unit, raw.value));
+}
+template <auto textOf>
+double temperature(Unit&, Raw raw) {
+    return numberOf(textOf(raw.value, TemperatureMode::Celsius));
+}
+template <auto textOf>
+double advanceBy(Unit& unit, Raw raw) {
+    const double sum = numberOf(textOf(raw.value)) + static_cast<double>(unit.get("MOFFSET"));
+    return numberOf(formatNumber(sum, "##.0"));
+}
+template <auto textOf, bool fastFlag>
+double pulse(Unit& unit, Raw raw) {
+    return numberOf(textOf(unit, raw.high, raw.low, PulseScale{.fastFlag = fastFlag}));
+}
+template <double divisor, int zero = 0>
+double over(Unit&, Raw raw) {
+    return (raw.value - zero) / divisor;
+}
+
 double rpm(Unit&, Raw raw) {
     return numberOf(Ecu::RPM(raw.high, raw.low));
-}
-double advance(Unit& unit, Raw raw) {
-    return withOffset(unit, Ecu::Advance(raw.value));
-}
-double secondaryAdvance(Unit& unit, Raw raw) {
-    return withOffset(unit, Ecu::Secondary_Advance(raw.value));
-}
-double knockRetard(Unit&, Raw raw) {
-    return numberOf(Ecu::Knock_Retard(raw.value));
 }
 double load(Unit& unit, Raw raw) {
     return numberOf(unit.Get_Control2(0) ? Ecu::MAF(raw.value) : Ecu::MAP(unit, raw.value));
 }
 double wideLoad(Unit& unit, Raw raw) {
     return numberOf(unit.Get_Control2(0) ? Ecu::MAF(raw.value / 10.0) : Ecu::MAP(unit, raw.value / 4.0));
-}
-double coolant(Unit&, Raw raw) {
-    return numberOf(Ecu::CLT(raw.value, TemperatureMode::Celsius));
-}
-double airTemperature(Unit&, Raw raw) {
-    return numberOf(Ecu::MAT(raw.value, TemperatureMode::Celsius));
-}
-double gama(Unit& unit, Raw raw) {
-    return numberOf(Ecu::TFPW(unit, raw.high, raw.low, narrow));
-}
-double wideGama(Unit& unit, Raw raw) {
-    return numberOf(Ecu::TFPW(unit, raw.high, raw.low, wide));
-}
-double knock(Unit&, Raw raw) {
-    return numberOf(Ecu::KNOCK(raw.value));
-}
-double throttle(Unit&, Raw raw) {
-    return numberOf(Ecu::TPS(raw.value));
-}
-double oxygenVolts(Unit&, Raw raw) {
-    return numberOf(Ecu::EGO_Voltage(raw.value));
-}
-double battery(Unit& unit, Raw raw) {
-    return numberOf(Ecu::Voltage(unit, raw.value));
-}
-double actualAfr(Unit& unit, Raw raw) {
-    return numberOf(Ecu::Actual_AFR(unit, raw.value));
-}
-double desiredAfr(Unit& unit, Raw raw) {
-    return numberOf(Ecu::Desired_AFR(unit, raw.value));
-}
-double oxygenCorrection(Unit&, Raw raw) {
-    return numberOf(Ecu::EGO_Correction(raw.value));
-}
-double primaryWidth(Unit& unit, Raw raw) {
-    return numberOf(Ecu::PPW(unit, raw.high, raw.low, narrow));
-}
-double secondaryWidth(Unit& unit, Raw raw) {
-    return numberOf(Ecu::SPW(unit, raw.high, raw.low, narrow));
-}
-double widePrimaryWidth(Unit& unit, Raw raw) {
-    return numberOf(Ecu::PPW(unit, raw.high, raw.low, wide));
-}
-double wideSecondaryWidth(Unit& unit, Raw raw) {
-    return numberOf(Ecu::SPW(unit, raw.high, raw.low, wide));
 }
 double idleMotor(Unit& unit, Raw raw) {
     return numberOf(Ecu::IAC(raw.value, static_cast<double>(unit.get("MinDuty")),
@@ -123,33 +87,40 @@ double duty(Unit&, Raw raw) {
 double wideIdleMotor(Unit&, Raw raw) {
     return roundHalfEven(raw.value / 2.55);
 }
-double thousandths(Unit&, Raw raw) {
-    return raw.value / 1000.0;
-}
-double converterVolts(Unit&, Raw raw) {
-    return raw.value / 204.6;
-}
-double around50(Unit&, Raw raw) {
-    return raw.value - 50;
-}
 double pressureRate(Unit& unit, Raw raw) {
     return raw.value / (137 / (static_cast<double>(unit.MAPRange()) * 0.0388));
-}
-double throttleRate(Unit&, Raw raw) {
-    return raw.value / 5.0;
 }
 double voltageTime(Unit&, Raw raw) {
     return (raw.value - 125) * 8 / 1000.0;
 }
-double degrees(Unit&, Raw raw) {
-    return raw.value / 4.25;
-}
-double degreesAround0(Unit&, Raw raw) {
-    return (raw.value - 128) / 4.25;
-}
 double idleSpeed(Unit&, Raw raw) {
     return raw.value * 16;
 }
+
+constexpr Scaling advance = advanceBy<Ecu::Advance>;
+constexpr Scaling secondaryAdvance = advanceBy<Ecu::Secondary_Advance>;
+constexpr Scaling knockRetard = text<Ecu::Knock_Retard>;
+constexpr Scaling coolant = temperature<Ecu::CLT>;
+constexpr Scaling airTemperature = temperature<Ecu::MAT>;
+constexpr Scaling gama = pulse<Ecu::TFPW, false>;
+constexpr Scaling wideGama = pulse<Ecu::TFPW, true>;
+constexpr Scaling primaryWidth = pulse<Ecu::PPW, false>;
+constexpr Scaling secondaryWidth = pulse<Ecu::SPW, false>;
+constexpr Scaling widePrimaryWidth = pulse<Ecu::PPW, true>;
+constexpr Scaling wideSecondaryWidth = pulse<Ecu::SPW, true>;
+constexpr Scaling knock = text<Ecu::KNOCK>;
+constexpr Scaling throttle = text<Ecu::TPS>;
+constexpr Scaling oxygenVolts = text<Ecu::EGO_Voltage>;
+constexpr Scaling oxygenCorrection = text<Ecu::EGO_Correction>;
+constexpr Scaling battery = textOfUnit<Ecu::Voltage>;
+constexpr Scaling actualAfr = textOfUnit<Ecu::Actual_AFR>;
+constexpr Scaling desiredAfr = textOfUnit<Ecu::Desired_AFR>;
+constexpr Scaling thousandths = over<1000.0>;
+constexpr Scaling converterVolts = over<204.6>;
+constexpr Scaling around50 = over<1.0, 50>;
+constexpr Scaling throttleRate = over<5.0>;
+constexpr Scaling degrees = over<4.25>;
+constexpr Scaling degreesAround0 = over<4.25, 128>;
 
 using L = LiveValues;
 
@@ -332,7 +303,9 @@ struct Store {
         live.*number = static_cast<float>(value);
     }
     void operator()(Lamp lamp) const { live.*lamp = value != 0; }
-    void operator()(Pin pin) const { unit.GPIOData().at(static_cast<std::size_t>(pin.index)) = toInt16(value); }
+    void operator()(Pin pin) const {
+        unit.GPIOData().at(static_cast<std::size_t>(pin.index)) = toInt16(value);
+    }
 };
 
 void decode(FrameTable table, Unit& unit, LiveValues& live, std::span<const std::uint8_t> reply) {
@@ -354,7 +327,8 @@ void showPins(Unit& unit, int last) {
     for (int pin = 0; pin <= last; ++pin) {
         const auto at = static_cast<std::size_t>(pin);
         skipFailing([&] {
-            unit.GPIODisplay().at(at) = Ecu::GPIO_Display(unit, unit.Get_GPIOFUNC(pin), unit.GPIOData().at(at));
+            unit.GPIODisplay().at(at) =
+                Ecu::GPIO_Display(unit, unit.Get_GPIOFUNC(pin), unit.GPIOData().at(at));
         });
     }
 }
