@@ -25,12 +25,6 @@ std::string namedFile(const std::string& text) {
     return text.empty() ? "the name of the file is empty" : std::string();
 }
 
-std::string validKind(const std::string& text) {
-    return unitKindOf(text) != nullptr
-               ? std::string()
-               : shownBriefly(text) + " is no unit kind such as A, L, C, D, D6 or PZK-2";
-}
-
 const UnitKind* kindOrNone(const std::string& text) {
     return text.empty() ? nullptr : unitKindOf(text);
 }

@@ -27,12 +27,6 @@ std::string validSeconds(const std::string& text) {
     return parseNumber(text).value_or(0) > 0 ? std::string() : shownBriefly(text) + " is no time in seconds";
 }
 
-std::string validKind(const std::string& text) {
-    return unitKindOf(text) != nullptr
-               ? std::string()
-               : shownBriefly(text) + " is no unit kind such as A, L, C, D, D6 or PZK-2";
-}
-
 std::string validTrace(const std::string& text) {
     return text.empty() || text == "-" ? "a trace goes to a file" : std::string();
 }

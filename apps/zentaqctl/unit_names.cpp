@@ -1,6 +1,7 @@
 #include "unit_names.h"
 
 #include "base/number_text.h"
+#include "base/shown_text.h"
 #include "base/text.h"
 
 namespace zentaq::ctl {
@@ -25,6 +26,12 @@ const UnitKind* unitKindOf(std::string_view text) {
         if (names(kind, wanted)) return &kind;
     }
     return nullptr;
+}
+
+std::string validKind(const std::string& text) {
+    return unitKindOf(text) != nullptr
+               ? std::string()
+               : shownBriefly(text) + " is no unit kind such as A, L, C, D, D6 or PZK-2";
 }
 
 }  // namespace zentaq::ctl

@@ -15,45 +15,18 @@ struct MemberPlace {
 };
 
 /// Members that did not stand where they stand on an ORB A today.
-constexpr std::array moved = {MemberPlace{"RPM_Size", columnsCell},
-                              MemberPlace{"MAPTBL", pressureFirst},
-                              MemberPlace{"MAP_FailLow", 77},
-                              MemberPlace{"MAP_FailHigh", 78},
-                              MemberPlace{"SPLITBL", 79},
-                              MemberPlace{"DCCL_CutActive", 100},
-                              MemberPlace{"MAP_Active", 101},
-                              MemberPlace{"EGO_TMP", coolantCell},
-                              MemberPlace{"EGO_Type", 147},
-                              MemberPlace{"X", voltsFirst},
-                              MemberPlace{"Y", ratiosFirst},
-                              MemberPlace{"IGN_REV", 284},
-                              MemberPlace{"INJ_Number", 291},
-                              MemberPlace{"MATENH", 323},
-                              MemberPlace{"ACE0", 343},
-                              MemberPlace{"OVR1THR", 344},
-                              MemberPlace{"OVR2THR", 345},
-                              MemberPlace{"REV_Hysteresis", 346},
-                              MemberPlace{"CYL_OvrThr", 347},
-                              MemberPlace{"CYL_CutDly", 348},
-                              MemberPlace{"Initial_Advance", 349},
-                              MemberPlace{"CAMSTL", 350},
-                              MemberPlace{"MAX_Boost", 352},
-                              MemberPlace{"BHP", 353},
-                              MemberPlace{"Engine_Type", 354},
-                              MemberPlace{"Option_Type", 355},
-                              MemberPlace{"AMP42", 357},
-                              MemberPlace{"PHDSEQ", 358},
-                              MemberPlace{"INJ_FlowRate", 359},
-                              MemberPlace{"CYLORDER", 520},
-                              MemberPlace{"Alcohol", 533},
-                              MemberPlace{"TPS_MARGIN_TOGGLE", 534},
-                              MemberPlace{"TPS_MARGIN_VALUE", 535},
-                              MemberPlace{"AFR", 536},
-                              MemberPlace{"CLTTBL", 549},
-                              MemberPlace{"RPMTBL", 592},
-                              MemberPlace{"Register_Number", 622},
-                              MemberPlace{"INJTRIM", 624},
-                              MemberPlace{"FuelTrim", 632}};
+// clang-format off
+constexpr std::array<MemberPlace, 39> moved = {{
+    {"RPM_Size", columnsCell}, {"MAPTBL", pressureFirst}, {"MAP_FailLow", 77}, {"MAP_FailHigh", 78},
+    {"SPLITBL", 79}, {"DCCL_CutActive", 100}, {"MAP_Active", 101}, {"EGO_TMP", coolantCell},
+    {"EGO_Type", 147}, {"X", voltsFirst}, {"Y", ratiosFirst}, {"IGN_REV", 284}, {"INJ_Number", 291},
+    {"MATENH", 323}, {"ACE0", 343}, {"OVR1THR", 344}, {"OVR2THR", 345}, {"REV_Hysteresis", 346},
+    {"CYL_OvrThr", 347}, {"CYL_CutDly", 348}, {"Initial_Advance", 349}, {"CAMSTL", 350}, {"MAX_Boost", 352},
+    {"BHP", 353}, {"Engine_Type", 354}, {"Option_Type", 355}, {"AMP42", 357}, {"PHDSEQ", 358},
+    {"INJ_FlowRate", 359}, {"CYLORDER", 520}, {"Alcohol", 533}, {"TPS_MARGIN_TOGGLE", 534},
+    {"TPS_MARGIN_VALUE", 535}, {"AFR", 536}, {"CLTTBL", 549}, {"RPMTBL", 592}, {"Register_Number", 622},
+    {"INJTRIM", 624}, {"FuelTrim", 632}}};
+// clang-format on
 
 /// Members that share a cell with another one, follow from the rating, or came with later firmware.
 constexpr std::array<std::string_view, 7> withoutPlace = {
