@@ -35,6 +35,7 @@ bool approachKnown(Unit& unit) {
 
 struct Row {
     std::string_view key;
+    std::string_view help;  ///< entry of table FastHelp that tells what the node's page or table is for
     std::string_view text;
     std::string_view parent;
     int page;
@@ -45,80 +46,53 @@ struct Row {
 };
 
 constexpr std::array rows{
-    Row{"root000", "", "", 0, "", Any},
-    Row{"root001", "General Parameters", "", 20, "", Any},
-    Row{"root999", "Advanced Parameters", "", 17, "", Any},
-    Row{"root00", "Ignition Advance Table", "", tablePage, "ADV", Any, nullptr, "Ignition Advance"},
-    Row{"child85", "Initial Advance", "root00", 11, "", Any},
-    Row{"child82", "Coolant Advance", "root00", 12, "", All},
-    Row{"child83", "Dual Plug Timing Split", "root00", 13, "", Full | Ignition},
-    Row{"child84", "MAT Density Advance/Retard", "root00", 14, "", Any, nullptr, "External Retard"},
-    Row{"child86", "Baro Advance/Retard", "root00", 22, "", All, baroInUse},
-    Row{"root01", "EGO Wideband / AFR Table", "", tablePage, "AFR", All},
-    Row{"child90", "EGO Parameters", "root01", 16, "", All},
-    Row{"child91", "EGO Calibration", "root01", 38, "", All},
-    Row{"root02", "Volumetric Efficiency Table", "", tablePage, "VE", All},
-    Row{"root03", "Staged Pulsewidth", "", tablePage, "SPW", Full},
-    Row{"root04", "Fuel Enrichment", "", 0, "", All},
-    Row{"child00", "TPS/MAP Blend", "root04", 1, "", All},
-    Row{"child01", "TPS/MAP Acceleration", "root04", 2, "", All},
-    Row{"child02", "Deceleration Fuel Cut-Off", "root04", 3, "", All},
-    Row{"child03", "Battery Voltage Compensation", "root04", 19, "", All},
-    Row{"child04", "Starting Enrichments", "root04", 5, "", All},
-    Row{"child05", "Warm-Up Enrichments", "root04", 6, "", All},
-    Row{"child06", "MAT Fuel Enrichment", "root04", 7, "", All},
-    Row{"child07", "OverBoost Fuel Cut-Off", "root04", 8, "", All},
-    Row{"child08", "Barometric Trim", "root04", 23, "", All, baroInUse},
-    Row{"root05", "Rev Limiter", "", 9, "", Any},
-    Row{"child50", "Rev Limit Approach Retard", "root05", 21, "", Any, approachKnown},
-    Row{"root06", "Idle Speed", "", 10, "", All},
-    Row{"child80", "Idle Min/Max Duty Cycle", "root06", 35, "", All},
-    Row{"child81", "Idle Advance", "root06", 36, "", All},
-    Row{"root07", "General Purpose Input/Output", "", managerPage, "", Any},
-    Row{"root09", "Sensor Parameters", "", 0, "", Any},
-    Row{"child74", "Coolant", "root09", 27, "", All},
-    Row{"child75", "MAP", "root09", 28, "", Any},
-    Row{"child87", "MAF", "root09", 26, "", All},
-    Row{"child76", "TPS", "root09", 29, "", All},
-    Row{"child77", "EGO", "root09", 30, "", All},
-    Row{"child78", "MAT", "root09", 31, "", All},
-    Row{"child79", "Knock", "root09", 32, "", Any},
-    Row{"root10", "Knock Control", "", 33, "", Any},
-    Row{"root11", "Cylinder Trims", "", 34, "", Any},
-    Row{"root12", "Notes Section", "", 15, "", Any},
+    Row{"root000", "helpcalib", "", "", 0, "", Any},
+    Row{"root001", "helpengine", "General Parameters", "", 20, "", Any},
+    Row{"root999", "helpadvpar", "Advanced Parameters", "", 17, "", Any},
+    Row{"root00", "helpadv", "Ignition Advance Table", "", tablePage, "ADV", Any, nullptr,
+        "Ignition Advance"},
+    Row{"child85", "helpinitadv", "Initial Advance", "root00", 11, "", Any},
+    Row{"child82", "helpcltadv", "Coolant Advance", "root00", 12, "", All},
+    Row{"child83", "helpsplit", "Dual Plug Timing Split", "root00", 13, "", Full | Ignition},
+    Row{"child84", "helpmatadv", "MAT Density Advance/Retard", "root00", 14, "", Any, nullptr,
+        "External Retard"},
+    Row{"child86", "helpbaro", "Baro Advance/Retard", "root00", 22, "", All, baroInUse},
+    Row{"root01", "helpafr", "EGO Wideband / AFR Table", "", tablePage, "AFR", All},
+    Row{"child90", "helpego", "EGO Parameters", "root01", 16, "", All},
+    Row{"child91", "helpegocal", "EGO Calibration", "root01", 38, "", All},
+    Row{"root02", "helpve", "Volumetric Efficiency Table", "", tablePage, "VE", All},
+    Row{"root03", "helpspw", "Staged Pulsewidth", "", tablePage, "SPW", Full},
+    Row{"root04", "helpfuel", "Fuel Enrichment", "", 0, "", All},
+    Row{"child00", "helpblend", "TPS/MAP Blend", "root04", 1, "", All},
+    Row{"child01", "helpaccel", "TPS/MAP Acceleration", "root04", 2, "", All},
+    Row{"child02", "helpdecel", "Deceleration Fuel Cut-Off", "root04", 3, "", All},
+    Row{"child03", "helpbattery", "Battery Voltage Compensation", "root04", 19, "", All},
+    Row{"child04", "helpstart", "Starting Enrichments", "root04", 5, "", All},
+    Row{"child05", "helpwarmup", "Warm-Up Enrichments", "root04", 6, "", All},
+    Row{"child06", "helpmatfuel", "MAT Fuel Enrichment", "root04", 7, "", All},
+    Row{"child07", "helpboost", "OverBoost Fuel Cut-Off", "root04", 8, "", All},
+    Row{"child08", "helpbaro", "Barometric Trim", "root04", 23, "", All, baroInUse},
+    Row{"root05", "helprevl", "Rev Limiter", "", 9, "", Any},
+    Row{"child50", "helprevapp", "Rev Limit Approach Retard", "root05", 21, "", Any, approachKnown},
+    Row{"root06", "helpidle", "Idle Speed", "", 10, "", All},
+    Row{"child80", "helpidle", "Idle Min/Max Duty Cycle", "root06", 35, "", All},
+    Row{"child81", "helpidle", "Idle Advance", "root06", 36, "", All},
+    Row{"root07", "helpgpio", "General Purpose Input/Output", "", managerPage, "", Any},
+    Row{"root09", "helpsensors", "Sensor Parameters", "", 0, "", Any},
+    Row{"child74", "helpCLTsen", "Coolant", "root09", 27, "", All},
+    Row{"child75", "helpMAPsen", "MAP", "root09", 28, "", Any},
+    Row{"child87", "helpmaf", "MAF", "root09", 26, "", All},
+    Row{"child76", "helpTPSsen", "TPS", "root09", 29, "", All},
+    Row{"child77", "helpEGOsen", "EGO", "root09", 30, "", All},
+    Row{"child78", "helpMATsen", "MAT", "root09", 31, "", All},
+    Row{"child79", "helpknksen", "Knock", "root09", 32, "", Any},
+    Row{"root10", "helpknock", "Knock Control", "", 33, "", Any},
+    Row{"root11", "helptrims", "Cylinder Trims", "", 34, "", Any},
+    Row{"root12", "helpnotes", "Notes Section", "", 15, "", Any},
 };
 
 /// Page of the bar-rating sensor, for firmware from before the linear sensors.
 constexpr int oldSensorPage = 25;
-
-struct NodeHelp {
-    std::string_view node, key;
-};
-
-/// The entry of table FastHelp that tells what a node's page or table is for.
-constexpr std::array nodeHelps{
-    NodeHelp{"child00", "helpblend"},   NodeHelp{"child01", "helpaccel"},  NodeHelp{"child02", "helpdecel"},
-    NodeHelp{"child03", "helpbattery"}, NodeHelp{"child04", "helpstart"},  NodeHelp{"child05", "helpwarmup"},
-    NodeHelp{"child06", "helpmatfuel"}, NodeHelp{"child07", "helpboost"},  NodeHelp{"child08", "helpbaro"},
-    NodeHelp{"child50", "helprevapp"},  NodeHelp{"child74", "helpCLTsen"}, NodeHelp{"child75", "helpMAPsen"},
-    NodeHelp{"child76", "helpTPSsen"},  NodeHelp{"child77", "helpEGOsen"}, NodeHelp{"child78", "helpMATsen"},
-    NodeHelp{"child79", "helpknksen"},  NodeHelp{"child80", "helpidle"},   NodeHelp{"child81", "helpidle"},
-    NodeHelp{"child82", "helpcltadv"},  NodeHelp{"child83", "helpsplit"},  NodeHelp{"child84", "helpmatadv"},
-    NodeHelp{"child85", "helpinitadv"}, NodeHelp{"child86", "helpbaro"},   NodeHelp{"child87", "helpmaf"},
-    NodeHelp{"child90", "helpego"},     NodeHelp{"child91", "helpegocal"}, NodeHelp{"root00", "helpadv"},
-    NodeHelp{"root000", "helpcalib"},   NodeHelp{"root001", "helpengine"}, NodeHelp{"root01", "helpafr"},
-    NodeHelp{"root02", "helpve"},       NodeHelp{"root03", "helpspw"},     NodeHelp{"root04", "helpfuel"},
-    NodeHelp{"root05", "helprevl"},     NodeHelp{"root06", "helpidle"},    NodeHelp{"root07", "helpgpio"},
-    NodeHelp{"root09", "helpsensors"},  NodeHelp{"root10", "helpknock"},   NodeHelp{"root11", "helptrims"},
-    NodeHelp{"root12", "helpnotes"},    NodeHelp{"root999", "helpadvpar"},
-};
-
-std::string helpOf(std::string_view node) {
-    for (const NodeHelp& row : nodeHelps) {
-        if (row.node == node) return std::string(row.key);
-    }
-    return {};
-}
 
 std::string textOf(const Row& row, unsigned tree, const Unit& unit) {
     if (row.key == "root000") return std::string(unit.kind().model);
@@ -131,7 +105,7 @@ std::string textOf(const Row& row, unsigned tree, const Unit& unit) {
 
 std::string tableHelp(std::string_view table) {
     for (const Row& row : rows) {
-        if (!row.table.empty() && row.table == table) return helpOf(row.key);
+        if (!row.table.empty() && row.table == table) return std::string(row.help);
     }
     return {};
 }
@@ -145,7 +119,7 @@ std::vector<TreeNode> treeNodes(Unit& unit) {
         const bool oldSensor = row.key == "child75" && unit.FW_Release() < linearSensorRelease;
         nodes.push_back({std::string(row.key), textOf(row, tree, unit), std::string(row.parent),
                          oldSensor ? oldSensorPage : row.page, std::string(row.table), tableTitle(row.table),
-                         helpOf(row.key)});
+                         std::string(row.help)});
     }
     return nodes;
 }
