@@ -11,6 +11,7 @@ namespace {
 std::string localTime(const char* pattern) {
     const std::time_t now = std::time(nullptr);
     std::tm parts{};
+    ::tzset();  // the zone may have changed since the start
     if (::localtime_r(&now, &parts) == nullptr) return {};
     std::array<char, 64> text{};
     return {text.data(), std::strftime(text.data(), text.size(), pattern, &parts)};

@@ -1,15 +1,12 @@
-// Clock on Qt: the computer's local time for texts, and a clock that never jumps for waiting.
+// The system's clock with dates as Qt writes them.
 #pragma once
 
-#include "platform/clock.h"
+#include "platform/posix_clock.h"
 
 namespace zentaq {
 
-class QtClock : public Clock {
+class QtClock : public PosixClock {
  public:
-    /// Microseconds of the system's steady clock.
-    std::int64_t monotonicUs() const override;
-    std::string timeText() const override;
     /// The short date form of the user's locale.
     std::string dateText() const override;
 };
