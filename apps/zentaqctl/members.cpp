@@ -306,7 +306,9 @@ void addOutputTables(std::vector<Member>& members, const UnitKind& kind) {
                                        .reach = Reach::OnTheFly,
                                        .meaning = "Output table " + numberText(table)},
                                       {0, 100, "%"}, {}, [table](Unit& unit, int element, int value) {
-                                          unit.Set_GPIO_Table(table, element, static_cast<float>(value));
+                                          throwIfRefused(
+                                              unit.Set_GPIO_Table(table, element, static_cast<float>(value)),
+                                              "GPO" + numberText(table), numberText(value));
                                       }));
         // As it stands: a file may hold what no entry gives.
         members.back().read = [table](Unit& unit, int element) -> Value {

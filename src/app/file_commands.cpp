@@ -244,8 +244,8 @@ void FileCommands::repairOldFields() {
     Unit& unit = session_.currentUnitObject();
     const float toggle = unit.get("TPS_MARGIN_TOGGLE");
     if (toggle == 0 || toggle == 1) return;
-    unit.set("TPS_MARGIN_TOGGLE", 0.0);
-    unit.set("TPS_MARGIN_VALUE", 0.08);
+    session_.messages.tell(unit.set("TPS_MARGIN_TOGGLE", 0.0));
+    session_.messages.tell(unit.set("TPS_MARGIN_VALUE", 0.08));
 }
 
 void FileCommands::finishOpening(const std::string& path) {

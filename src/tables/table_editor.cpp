@@ -108,16 +108,20 @@ EntryOutcome TableEditor::nudgeCell(int row, int column, double step) {
     const auto value = static_cast<float>(static_cast<double>(before) + step);
     if (auto checked = checkLimits(value, sheet_.typingLimits()); !checked) return checked;
     if (auto checked = checkLimits(value, sheet_.limits()); !checked) return checked;
-    skipFailing([&] { sheet_.writeCell(value, index, false); });
+    EntryOutcome written;
+    skipFailing([&] { written = sheet_.writeCell(value, index, false); });
+    if (!written) return written;
     if (!inView) sheet_.grid().text(row, column, numberText(value));
     estimates_.update(row, column);
     if (inView) estimates_.show(index);
     return {};
 }
 
-void TableEditor::silentWrite(float value, int index, bool silent) {
-    skipFailing([&] { sheet_.writeCell(value, index, silent); });
+EntryOutcome TableEditor::silentWrite(float value, int index, bool silent) {
+    EntryOutcome written;
+    skipFailing([&] { written = sheet_.writeCell(value, index, silent); });
     cursor_.letGo();
+    return written;
 }
 
 // ---- Headers

@@ -42,7 +42,7 @@ class TableEditor {
     /// "." and ",": adds a step to every selected cell, stopping at the first that would leave its range.
     EntryOutcome nudge(bool up);
     /// Writes one value; `silent` keeps it off the wire. Ends with the overlay as it was before editing.
-    void silentWrite(float value, int index, bool silent);
+    EntryOutcome silentWrite(float value, int index, bool silent);
 
     // ---- Headers
     /// "Enter a New RPM Header Value..." for a header cell; nothing for other cells or in an active view.

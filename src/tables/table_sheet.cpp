@@ -109,9 +109,10 @@ float TableSheet::get_BinValue(std::string_view table, int row, int column) cons
     return get_binValueByIndex(table, index);
 }
 
-void TableSheet::set_BinValue(std::string_view table, int row, int column, float value) {
+EntryOutcome TableSheet::set_BinValue(std::string_view table, int row, int column, float value) {
     const int index = (shownRows(unit_, table) - row) * storedColumns + column;
-    if (index >= 0 && index < storedCells) set_BinValueByIndex(table, value, index);
+    if (index < 0 || index >= storedCells) return EntryOutcome::ignored();
+    return set_BinValueByIndex(table, value, index);
 }
 
 EntryOutcome TableSheet::writeCell(float value, int index, bool silent) {
@@ -146,7 +147,7 @@ EntryOutcome TableSheet::saveCell(int row, int column, const Limits& limits) {
     // that its text does not show.
     auto checked = checkTyped(text, limits);
     const float typed = checked ? static_cast<float>(numberOf(text)) : 0;
-    if (checked && !holdsAlready(typed, index)) set_BinValueByIndex(table(), typed, index);
+    if (checked && !holdsAlready(typed, index)) checked = set_BinValueByIndex(table(), typed, index);
     showStored(row, column);
     return checked;
 }
@@ -174,9 +175,9 @@ std::vector<Refusal> TableSheet::restore() {
         if (!content_.undoFilled[at] && !checkLimits(before, typing)) continue;
         skipFailing([&] {
             if (holdsAlready(before, i)) return;
-            const auto checked = checkLimits(before, allowed);
-            noteRefusal(refused, checked);
-            if (checked) writeCell(before, i, true);
+            auto restored = checkLimits(before, allowed);
+            if (restored) restored = writeCell(before, i, true);
+            noteRefusal(refused, restored);
         });
     }
     // What is saved or pasted after this is meant for the unit again.

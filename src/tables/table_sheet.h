@@ -52,7 +52,7 @@ class TableSheet {
     /// 0 for an index of 256 or above.
     float get_BinValue(std::string_view table, int row, int column) const;
     /// Only indexes 0 to 255 reach the table.
-    void set_BinValue(std::string_view table, int row, int column, float value);
+    EntryOutcome set_BinValue(std::string_view table, int row, int column, float value);
     /// Told of each cell that was stored.
     void onWritten(std::function<void(std::string_view table, int index)> told) {
         written_ = std::move(told);

@@ -28,7 +28,8 @@ struct Refusal {
     std::string brief() const;
 };
 
-class EntryOutcome {
+/// Whoever gets one tells it, hands it on, or says why it may be passed over.
+class [[nodiscard]] EntryOutcome {
  public:
     EntryOutcome() = default;                                        ///< taken
     EntryOutcome(Refusal refusal) : refusal_(std::move(refusal)) {}  // NOLINT: a refusal is an outcome

@@ -101,10 +101,10 @@ TEST_F(TableWindow, ValuesByRowCountFromTheTopAndColumnsFromZero) {
     open("VE");
     EXPECT_EQ(sheet.get_BinValue("VE", 1, 3), 5);
     EXPECT_EQ(sheet.get_BinValue("VE", -9, 0), 0);  // index 272
-    sheet.set_BinValue("VE", 8, 0, 4);
+    EXPECT_TRUE(sheet.set_BinValue("VE", 8, 0, 4));
     EXPECT_EQ(unit.DirectIndex(veBase), 4);
-    sheet.set_BinValue("VE", -9, 0, 4);
-    sheet.set_BinValue("VE", 9, 0, 4);
+    EXPECT_FALSE(sheet.set_BinValue("VE", -9, 0, 4));
+    EXPECT_FALSE(sheet.set_BinValue("VE", 9, 0, 4));
     EXPECT_EQ(unit.DirectIndex(veBase + 256), 0);
     EXPECT_EQ(unit.DirectIndex(veBase - 16), 0);
 }
