@@ -485,7 +485,7 @@ TEST_F(Table, ATextLeftInTheBoxIsCheckedByTheSaveButton) {
 TEST_F(Table, AnAxisThatHasBecomeEmptyIsFilledAndTheStopsRefusedAreTold) {
     form->Setup_Grid("GPO1", "Full Table - Table#1");
     fake.dialogs.boxes.clear();
-    for (int i = 0; i < lines; ++i) unit().AssignDirectIndex(0, 2242 + i);
+    for (int i = 0; i < 16; ++i) unit().AssignDirectIndex(0, 2242 + i);
     unit().AssignDirectIndex(30000, unit().find("RPMTBL")->cell(2));
     form->showUnit();
     ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
