@@ -5,6 +5,7 @@
 #include "base/json_writer.h"
 #include "base/number_text.h"
 #include "base/shown_text.h"
+#include "base/text.h"
 #include "commands.h"
 #include "trace/trace_file.h"
 
@@ -14,11 +15,6 @@ namespace {
 
 constexpr double medianShare = 0.5;
 constexpr double highShare = 0.95;
-
-std::string onRight(std::string text, std::size_t width) {
-    if (text.size() < width) text.insert(0, width - text.size(), ' ');
-    return text;
-}
 
 std::string onLeft(std::string text, std::size_t width) {
     if (text.size() < width) text.resize(width, ' ');
@@ -35,7 +31,7 @@ std::string many(int count, const char* one, const char* more) {
 
 void writeTimes(std::ostream& out, const std::vector<double>& ms) {
     for (const double share : {0.0, medianShare, highShare, 1.0}) {
-        out << onRight(ms.empty() ? "-" : tenths(quantile(ms, share)), 10);
+        out << rightAligned(ms.empty() ? "-" : tenths(quantile(ms, share)), 10);
     }
 }
 
@@ -44,10 +40,11 @@ void writeCommands(std::ostream& out, const TraceSummary& summary) {
     for (const auto& [key, command] : summary.commands) {
         // Bytes that were under way at the beginning belong to no command.
         if (command.written + command.replies + command.problems == 0) continue;
-        out << onLeft(key, 7) << onRight(numberText(command.written), 10)
-            << onRight(numberText(command.replies), 10);
+        out << onLeft(key, 7) << rightAligned(numberText(command.written), 10)
+            << rightAligned(numberText(command.replies), 10);
         writeTimes(out, command.replyMs);
-        out << onRight(numberText(command.lumped), 10) << onRight(numberText(command.problems), 10) << '\n';
+        out << rightAligned(numberText(command.lumped), 10) << rightAligned(numberText(command.problems), 10)
+            << '\n';
     }
 }
 
@@ -65,7 +62,7 @@ std::string troubledCommands(const ProblemSummary& problem) {
 }
 
 void writeProblem(std::ostream& out, const std::string& kind, const ProblemSummary& problem) {
-    out << "  " << onLeft(kind, 10) << onRight(numberText(problem.count), 6) << "  ";
+    out << "  " << onLeft(kind, 10) << rightAligned(numberText(problem.count), 6) << "  ";
     if (problem.count > 1) out << "first ";
     out << "at " << seconds(problem.firstUs);
     if (problem.count > 1) out << ", last at " << seconds(problem.lastUs);

@@ -106,11 +106,6 @@ std::optional<SensorFault> lineFault(const Numbers& at) {
                        secondPressure};
 }
 
-/// The number that the decimal form of a 32-bit value names: a user means 0.1, not the float below it.
-double plainNumber(float value) {
-    return numberOf(numberText(value));
-}
-
 double pressureAt(const SensorLine& line, double volts) {
     return (volts - line.offset) / line.scale;
 }

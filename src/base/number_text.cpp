@@ -120,6 +120,10 @@ double numberOf(std::string_view text) {
     return *value;
 }
 
+double plainNumber(float value) {
+    return numberOf(numberText(value));
+}
+
 std::string hexText(int value) {
     if (value < 0 && value >= -32768) return fmt::format("{:X}", static_cast<std::uint16_t>(value));
     return fmt::format("{:X}", static_cast<std::uint32_t>(value));

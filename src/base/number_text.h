@@ -29,6 +29,8 @@ std::optional<double> parseNumber(std::string_view text);
 
 /// parseNumber, throwing TypeMismatch on no number.
 double numberOf(std::string_view text);
+/// What the decimal form of a 32-bit value names: a user means 0.05295, not the float a hair below it.
+double plainNumber(float value);
 
 /// Upper-case hexadecimal text of a 32-bit value: no padding; negative numbers as two's complement of 16 bits
 /// where they fit, else of 32 bits.

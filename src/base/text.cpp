@@ -30,6 +30,11 @@ std::string fixedWidth(std::string_view text, std::size_t width) {
     return field;
 }
 
+std::string rightAligned(std::string text, std::size_t width) {
+    if (text.size() < width) text.insert(0, width - text.size(), ' ');
+    return text;
+}
+
 std::vector<std::string> split(std::string_view text, char separator) {
     std::vector<std::string> parts;
     for (;;) {

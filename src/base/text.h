@@ -11,6 +11,8 @@ std::string_view trimmed(std::string_view text);
 std::string upper(std::string_view text);
 /// Left-justified, blank-padded or cut to exactly `width` characters.
 std::string fixedWidth(std::string_view text, std::size_t width);
+/// Blanks in front, up to `width` characters; a longer text stays whole.
+std::string rightAligned(std::string text, std::size_t width);
 std::vector<std::string> split(std::string_view text, char separator);
 bool startsWithNoCase(std::string_view text, std::string_view head);
 

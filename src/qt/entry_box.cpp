@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QPointer>
 
+#include "qt/enter_key.h"
 #include "qt/field_focus.h"
 
 namespace zentaq {
@@ -40,7 +41,7 @@ bool EntryBox::commit() {
 }
 
 void EntryBox::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+    if (isEnterKey(*event)) {
         if (commit()) selectAll();
         return;
     }

@@ -275,11 +275,6 @@ void readDefaults(const SQLite::Database& file, DefaultsRead& read) {
     read = std::move(fresh);
 }
 
-// A 32-bit 0.05295 is a hair below it; its plain decimal form is what the user and the seed tables mean.
-double plainNumber(float value) {
-    return numberOf(numberText(value));
-}
-
 void requireSensor(const MapSensorRow& sensor) {
     if (trimmed(sensor.description).empty()) throw Failure("A MAP sensor needs a name.");
     if (!std::isfinite(sensor.scale) || !std::isfinite(sensor.offset) || sensor.scale == 0) {

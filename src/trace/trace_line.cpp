@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "base/shown_text.h"
+#include "base/text.h"
 
 namespace zentaq {
 
@@ -13,11 +14,6 @@ constexpr std::size_t timeWidth = 13;  // a day and more
 constexpr std::size_t countWidth = 5;
 constexpr std::size_t meaningWidth = 60;
 constexpr std::string_view bytesMark = " | ";
-
-std::string rightAligned(std::string text, std::size_t width) {
-    if (text.size() < width) text.insert(0, width - text.size(), ' ');
-    return text;
-}
 
 /// Cuts the next word off; blanks in front of it are skipped.
 std::string_view takeWord(std::string_view& rest) {

@@ -54,10 +54,6 @@ double temperatureCounts(Unit&, double cell) {
     return (cell + 40) * (255.0 / 190.0);
 }
 
-double pressureCounts(Unit& unit, double cell) {
-    return unit.KpaToCounts(static_cast<float>(cell), false);
-}
-
 double throttleCounts(Unit&, double cell) {
     return cell * 51;
 }
@@ -84,7 +80,7 @@ constexpr AxisKind temperatureKind(int code, std::string_view name, float LiveVa
 }
 
 constexpr AxisKind pressureKind(int code, std::string_view name, float LiveValues::*live) {
-    return {code, name, "", pressures, allOf<pressures>, pressureCounts, live};
+    return {code, name, "", pressures, allOf<pressures>, rules::pressureWord, live};
 }
 
 constexpr std::array<AxisKind, 15> kinds = {

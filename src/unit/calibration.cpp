@@ -1,5 +1,6 @@
 #include "unit/calibration.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "unit/member_index.h"
@@ -9,11 +10,6 @@ namespace zentaq {
 bool Calibration::operator==(const Calibration& other) const {
     return std::memcmp(cells.data(), other.cells.data(), sizeof cells) == 0 && control == other.control &&
            facts == other.facts;
-}
-
-void WatchedCalibration::cells(std::span<const float> all) {
-    for (std::size_t i = 0; i < value_.cells.size(); ++i)
-        cell(static_cast<int>(i), i < all.size() ? all[i] : 0);
 }
 
 void WatchedCalibration::control(int which, std::uint8_t value) {
@@ -55,6 +51,12 @@ WatchedCalibration::Step::~Step() {
     if (ended_) return;
     --inHand_.steps_;
     inHand_.value_ = before_;
+}
+
+void WatchedCalibration::Step::cells(std::span<const float> all) {
+    auto& cells = inHand_.value_.cells;
+    const auto behind = std::ranges::copy(all.first(std::min(all.size(), cells.size())), cells.begin()).out;
+    std::fill(behind, cells.end(), 0.0F);
 }
 
 void WatchedCalibration::Step::end() {

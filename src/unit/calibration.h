@@ -79,7 +79,6 @@ class WatchedCalibration {
         const float before = std::exchange(value_.cells[place(index)], value);
         if (isWatched() && !sameBits(before, value)) tellCell(index, before);
     }
-    void cells(std::span<const float> all);  ///< those behind its end become 0
     void control(int which, std::uint8_t value);
     template <typename Change>
     void facts(Change&& change) {
@@ -113,8 +112,9 @@ class WatchedCalibration {
         ~Step();
         Step(const Step&) = delete;
         Step& operator=(const Step&) = delete;
-        void end();         ///< tells what is different now
-        void endAsWhole();  ///< tells that all may be
+        void cells(std::span<const float> all);  ///< those behind its end become 0
+        void end();                              ///< tells what is different now
+        void endAsWhole();                       ///< tells that all may be
 
      private:
         WatchedCalibration& inHand_;

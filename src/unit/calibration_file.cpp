@@ -76,7 +76,7 @@ void Unit::FileOpen(const std::string& path, std::string_view bytes) {
 
     WatchedCalibration::Step reading(inHand_);
     Rollback rollback(host_.header());
-    inHand_.cells(content.cells);
+    reading.cells(content.cells);
     inHand_.facts([](Calibration::Facts& facts) {
         facts.owedRelease = 0;
         facts.teeth = {};
@@ -332,7 +332,7 @@ void Unit::CloseFile() {
         facts.teeth = {};
         facts.owedRelease = 0;
     });
-    inHand_.cells({});
+    closing.cells({});
     closing.endAsWhole();
 }
 

@@ -306,7 +306,7 @@ void Unit::OldFileOpen(const std::string& path) {
 
     WatchedCalibration::Step reading(inHand_);
     Rollback rollback(host_.header());
-    inHand_.cells({});
+    reading.cells({});
     inHand_.facts([](Calibration::Facts& facts) {
         facts.owedRelease = 0;
         facts.teeth = {};

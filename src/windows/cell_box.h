@@ -20,10 +20,6 @@ class TypingValidator : public QValidator {
     }
 };
 
-inline bool isEnterKey(const QKeyEvent& event) {
-    return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
-}
-
 class CellBox : public QLineEdit {
     Q_OBJECT
 

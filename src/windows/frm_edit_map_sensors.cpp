@@ -9,6 +9,7 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
+#include "qt/enter_key.h"
 #include "qt/help_key.h"
 #include "qt/look.h"
 #include "qt/plain_label.h"
@@ -31,10 +32,6 @@ constexpr std::array<const char*, 5> unitCaptions = {"&kPa", "&mmHg", "&PSIA", "
 
 /// Of an item: the name as it is stored, which may not be the one that is shown.
 constexpr int nameRole = Qt::UserRole;
-
-bool isEnter(const QKeyEvent& event) {
-    return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
-}
 
 }  // namespace
 
@@ -413,7 +410,7 @@ void FrmEditMAPSensors::enterPressed() {
 }
 
 void FrmEditMAPSensors::keyPressEvent(QKeyEvent* event) {
-    if (isEnter(*event)) return enterPressed();
+    if (isEnterKey(*event)) return enterPressed();
     if (event->key() == Qt::Key_Escape && manager_->task() != SensorTask::None) {
         cancel();
     } else if (event->key() == Qt::Key_Escape) {

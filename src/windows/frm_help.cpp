@@ -15,6 +15,7 @@
 #include <map>
 
 #include "base/errors.h"
+#include "qt/enter_key.h"
 #include "qt/look.h"
 #include "qt/plain_label.h"
 #include "qt/qt_text.h"
@@ -345,8 +346,9 @@ void FrmHelp::openHit(const QListWidgetItem* hit) {
 
 bool FrmHelp::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
-    const int key = static_cast<QKeyEvent*>(event)->key();
-    const bool enter = key == Qt::Key_Return || key == Qt::Key_Enter;
+    const auto& pressed = static_cast<const QKeyEvent&>(*event);
+    const int key = pressed.key();
+    const bool enter = isEnterKey(pressed);
     const bool searching = side_->currentIndex() == hitsSide;
     if (enter && searching && (watched == txtSearch_ || watched == lstHits_)) {
         openHit(lstHits_->currentItem());

@@ -10,6 +10,7 @@
 #include "base/number_text.h"
 #include "base/settings_keys.h"
 #include "config/tree.h"
+#include "qt/enter_key.h"
 #include "qt/field_focus.h"
 #include "qt/help_key.h"
 #include "qt/look.h"

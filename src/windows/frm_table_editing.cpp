@@ -5,6 +5,7 @@
 #include <QPointer>
 #include <QTimer>
 
+#include "qt/enter_key.h"
 #include "qt/field_focus.h"
 #include "qt/qt_text.h"
 #include "windows/frm_table.h"

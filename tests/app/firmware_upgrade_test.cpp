@@ -320,16 +320,9 @@ TEST_F(FirmwareUpgradeMeanwhile, AUnitThatFallsSilentIsAskedBeforeItIsProgrammed
     EXPECT_FALSE(session.link.transfer().pending());
 }
 
-/// Windows that let the link go on while they close.
-class FormsThatCloseSlowly : public RecordingWindows {
- public:
-    void removeForms() override { meanwhile(); }
-    std::function<void()> meanwhile;
-};
-
 TEST_F(FirmwareUpgradeMeanwhile, AUnitOfAnotherKindThatComesWhileTheFormsCloseGetsNothing) {
     linkOrbA();
-    FormsThatCloseSlowly closing;
+    SlowlyClosingWindows closing;
     closing.meanwhile = [&] {
         loseUnit();
         linkOrbL();

@@ -285,13 +285,6 @@ TEST_F(ProgramOrb, ACalibrationThatCannotBeBroughtToTheFirmwareOfTheUnitIsToldBe
     expectNothingSent();
 }
 
-/// Windows that let the link go on while they close.
-class SlowlyClosingWindows : public RecordingWindows {
- public:
-    void removeForms() override { meanwhile(); }
-    std::function<void()> meanwhile;
-};
-
 TEST_F(ProgramOrb, ALinkThatIsLostWhileTheFormsCloseIsError1005) {
     openCalibration();
     link(firstOrbA);

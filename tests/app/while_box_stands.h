@@ -52,4 +52,11 @@ class LateWindows : public RecordingWindows {
     bool box = false;
 };
 
+/// Windows that let the link go on while they close.
+class SlowlyClosingWindows : public RecordingWindows {
+ public:
+    void removeForms() override { meanwhile(); }
+    std::function<void()> meanwhile;
+};
+
 }  // namespace zentaq

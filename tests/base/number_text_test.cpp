@@ -92,6 +92,12 @@ TEST(NumberOf, ThrowsTypeMismatchOnNoNumber) {
     EXPECT_THROW(numberOf("2.5 ms"), TypeMismatch);
 }
 
+TEST(PlainNumber, IsWhatTheDecimalFormOfA32BitValueNames) {
+    EXPECT_NE(static_cast<double>(0.05295F), 0.05295);
+    EXPECT_EQ(plainNumber(0.05295F), 0.05295);
+    EXPECT_EQ(plainNumber(-2), -2);
+}
+
 TEST(HexText, IsUpperCaseWithoutPadding) {
     EXPECT_EQ(hexText(0), "0");
     EXPECT_EQ(hexText(171), "AB");

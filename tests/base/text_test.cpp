@@ -31,6 +31,12 @@ TEST(Text, HeadsCompareWithoutCase) {
     EXPECT_EQ(upper("zq4-oa"), "ZQ4-OA");
 }
 
+TEST(Text, BlanksInFrontAlignATextOnTheRightAndALongOneStaysWhole) {
+    EXPECT_EQ(rightAligned("7.5", 5), "  7.5");
+    EXPECT_EQ(rightAligned("7.5", 3), "7.5");
+    EXPECT_EQ(rightAligned("1234", 3), "1234");
+}
+
 TEST(Text, FileNamesEndAtEitherSlash) {
     EXPECT_EQ(fileNameOf(R"(C:\cars\Race.ZQ4OA)"), "Race.ZQ4OA");
     EXPECT_EQ(fileNameOf("/home/x/race.ZQ4OA"), "race.ZQ4OA");
