@@ -40,30 +40,6 @@ TEST(Image, TheCalibrationNameIsOneByteACharacter) {
     EXPECT_EQ(cal.image(583), ' ');
 }
 
-TEST(Image, SensorWordsOfTheDefaultSensor) {
-    OrbaCalibration cal;
-    cal.unit.ConvertData();
-    EXPECT_EQ(cal.word(262), 4437);                                       // 0.05295 * 20.46 * 4096 = 4437.43
-    EXPECT_EQ(cal.imageBytes(264, 2), (std::vector<int>{0, 256 - 112}));  // -112: high truncate(-0.4375) = 0
-}
-
-TEST(Image, SensorWordsFollowTheAtmosphereOfTheUnits) {
-    OrbaCalibration cal;
-    cal.unit.MAPUnits("PSIG");
-    cal.unit.set("MAP_Scaler", 0.1F);
-    cal.unit.set("MAP_Offset", 0.5F);
-    cal.unit.ConvertData();
-    EXPECT_EQ(cal.word(262), 1215);  // 0.1 * (14.696 / 101.325) * 20.46 * 4096 = 1215.48
-    EXPECT_EQ(cal.image(264), 0);    // (0.5 - 14.696 * 0.1) * 204.6 = -198.38
-    EXPECT_EQ(cal.image(265), 256 - 198);
-    cal.unit.MAPUnits("mmHg");
-    cal.unit.set("MAP_Scaler", 0.006F);
-    cal.unit.set("MAP_Offset", 0.2F);
-    cal.unit.ConvertData();
-    EXPECT_EQ(cal.word(262), 3771);  // 0.006 * (760 / 101.325) * 20.46 * 4096 = 3771.5 less float's share
-    EXPECT_EQ(cal.word(264), 41);    // 0.2 * 204.6 = 40.92
-}
-
 TEST(Image, AFlowSensorHasNoGainAndKeepsItsZero) {
     OrbaCalibration cal;
     cal.unit.MAPUnits("%Flow");
@@ -91,55 +67,10 @@ TEST(Image, ANumberOfMoreThan16BitsFailsAndNoFileIsWritten) {
     EXPECT_THAT(folder.names(), ::testing::IsEmpty());
 }
 
-TEST(Image, OldFirmwareSeesNoStopPoints) {
-    for (const int release : {4, 5}) {
-        OrbaCalibration cal(release);
-        cal.unit.SET_TBL_AXIS_TYPE("GPO1", "COL-AXIS", "RPM");
-        cal.unit.SET_TBL_AXIS_TYPE("GPO1", "ROW-AXIS", "RPM");
-        cal.unit.SET_TBL_DIMENSIONS("GPO1", "ROWS", 9);
-        for (int i = 0; i < 16; ++i) cal.unit.Set_GPO_Stop(256 + i, i, "X-Axis", "GPO1");
-        cal.unit.ConvertData();
-        EXPECT_EQ(cal.image(2192), release == 5 ? 0x77 : 0);
-        EXPECT_EQ(cal.image(2195), release == 5 ? 9 : 0);
-        EXPECT_EQ(cal.word(2196), release == 5 ? 256 : 0);
-        EXPECT_EQ(cal.word(2206), release == 5 ? 261 : 0);
-        EXPECT_EQ(cal.word(2208), 262);
-    }
-}
-
-TEST(Image, StopPointsOfEachAxisHaveTheirPlace) {
+TEST(Image, AStopWithoutAKindAndACellThatIsNoStopAreZero) {
     OrbaCalibration cal;
-    for (const char* table : {"GPO1", "GPO2"}) {
-        for (const char* axis : {"ROW-AXIS", "COL-AXIS"}) cal.unit.SET_TBL_AXIS_TYPE(table, axis, "RPM");
-    }
-    cal.unit.AssignDirectIndex(1000, 2226 + 15);
-    cal.unit.AssignDirectIndex(2000, 2242 + 15);
-    cal.unit.AssignDirectIndex(3000, 2258 + 15);
-    cal.unit.AssignDirectIndex(4000, 2274 + 15);
-    cal.unit.ConvertData();
-    EXPECT_EQ(cal.word(2228 + 30), 1000);
-    EXPECT_EQ(cal.word(2196 + 30), 2000);
-    EXPECT_EQ(cal.word(2294 + 30), 3000);
-    EXPECT_EQ(cal.word(2262 + 30), 4000);
-}
-
-TEST(StopPoints, AreConvertedByTheKindOfTheirAxis) {
-    OrbaCalibration cal;
-    const auto converted = [&](const char* kind, float stop) {
-        cal.unit.SET_TBL_AXIS_TYPE("GPO2", "COL-AXIS", kind);
-        cal.unit.AssignDirectIndex(stop, 2274);
-        return cal.unit.convertStopPointsToUnit(2274);
-    };
-    EXPECT_EQ(converted("", 500), 0);
-    EXPECT_NEAR(converted("CLT", 150), 255, 1e-9);
-    EXPECT_NEAR(converted("MAT", -40), 0, 1e-9);
-    EXPECT_EQ(converted("RAW MAP", 60), cal.unit.KpaToCounts(60, false));
-    EXPECT_EQ(converted("BLEND MAP", 60), cal.unit.KpaToCounts(60, false));
-    EXPECT_NEAR(converted("TPS", 2), 102, 1e-9);
-    EXPECT_NEAR(converted("ACTUAL AFR", 14.64F), 127.5, 1e-6);
-    EXPECT_EQ(converted("RPM", 6500), 6500);
-    EXPECT_NEAR(converted("GPIO1", 40), 102, 1e-9);
-    EXPECT_NEAR(converted("GPIO8", 100), 255, 1e-9);
+    cal.unit.AssignDirectIndex(500, 2274);
+    EXPECT_EQ(cal.unit.convertStopPointsToUnit(2274), 0);
     EXPECT_EQ(cal.unit.convertStopPointsToUnit(2225), 0);
 }
 

@@ -11,20 +11,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-TEST(OnTheFlyRecord, KnockThresholdOf50SendsByte128AtIndex34) {
-    OrbaCalibration cal;
-    cal.unit.ONFLY_MODE(true);
-    cal.unit.set("KNK_MIN", 50);
-    EXPECT_THAT(cal.host.sent, ElementsAre("S10411228048"));
-}
-
-TEST(OnTheFlyRecord, CylinderDropTimeUsesItsOwnScale) {
-    OrbaCalibration cal;
-    cal.unit.ONFLY_MODE(true);
-    cal.unit.set("CYL_OvrThr", 20);
-    EXPECT_THAT(cal.host.sent, ElementsAre("S10411415059"));
-}
-
 TEST(OnTheFlyRecord, SmallBytesAndChecksumsHaveALeadingZero) {
     EXPECT_EQ(Unit::onTheFlyRecord(0, 5, 1), "S104110005E5");
     EXPECT_EQ(Unit::onTheFlyRecord(0, 15, 1), "S10411000FDB");

@@ -8,7 +8,6 @@
 namespace zentaq::testing {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 TEST(Pressure, TheDefaultSensorOfNewFirmware) {
@@ -109,58 +108,13 @@ TEST(Pressure, DecimalsSuitTheSpan) {
     EXPECT_EQ(precision(-5), 4);
 }
 
-TEST(PressureUnits, EveryTextHasItsCode) {
-    const std::vector<std::pair<std::string, float>> codes = {{"kPa", 1},  {"PSIA", 2}, {"PSIG", 3},
-                                                              {"mmHg", 4}, {"inHg", 5}, {"%Flow", 6}};
+TEST(PressureUnits, ACodeOutsideTheListHasNoText) {
     OrbaCalibration cal;
-    EXPECT_EQ(cal.unit.MAPUnits(), "kPa");
-    for (const auto& [text, code] : codes) {
-        cal.unit.MAPUnits(text);
-        EXPECT_EQ(cal.unit.DirectIndex(129), code);
-        EXPECT_EQ(cal.unit.MAPUnits(), text);
-        EXPECT_EQ(cal.unit.Get_Control2(0), text == "%Flow");
-    }
-    cal.unit.MAPUnits("bar");
-    EXPECT_EQ(cal.unit.MAPUnits(), "%Flow");
     cal.unit.AssignDirectIndex(99, 129);
     EXPECT_EQ(cal.unit.MAPUnits(), "");
 }
 
 // ---- Pressure cells
-
-TEST(PressureCell, IsKeptOnTheLegacyScaleAndReadInUserUnits) {
-    OrbaCalibration cal;
-    EXPECT_TRUE(cal.unit.set("MAP_Default", 50));
-    EXPECT_FLOAT_EQ(cal.unit.DirectIndex(42), 47.535198F);
-    EXPECT_EQ(cal.unit.get("MAP_Default"), 50);
-    cal.unit.ConvertData();
-    EXPECT_EQ(cal.image(42), 107);  // 2.1001 V * 51.15
-    cal.unit.IndexPolling(true);
-    EXPECT_EQ(cal.unit.get("MAP_Default"), 42);
-}
-
-TEST(PressureCell, IsSentAsItsByte) {
-    OrbaCalibration cal;
-    cal.unit.ONFLY_MODE(true);
-    cal.unit.set("MAP_Default", 50);
-    cal.unit.set("EGO_MAP", 80);
-    cal.unit.set("MAP_Max", 100);
-    cal.unit.set("Set_MAPTBL", 80, 15);
-    EXPECT_THAT(cal.host.sent, ElementsAre(recordOf(42, {107}), recordOf(280, {189}), recordOf(257, {243}),
-                                           recordOf(654, {2, 243})));  // 755
-    cal.unit.ConvertData();
-    EXPECT_EQ(cal.image(280), 189);
-    EXPECT_EQ(cal.image(257), 243);
-    EXPECT_EQ(cal.word(654), 755);
-}
-
-TEST(PressureCell, TheRangeTextIsRoundedToTheSensorsDecimals) {
-    OrbaCalibration cal;
-    EXPECT_EQ(refusalOf(cal.unit.set("MAP_Default", 105)).text, "(10.3 to 104.8 kPa)");
-    EXPECT_EQ(refusalOf(cal.unit.set("MAPTBL", 10.3F, 0)).text, "(10.3 to 104.8 kPa)");
-    EXPECT_TRUE(cal.unit.set("MAP_Default", cal.unit.MAPMax()));
-    EXPECT_TRUE(cal.unit.set("MAP_Default", cal.unit.MAPMin()));
-}
 
 TEST(PressureCell, ANewSensorReadsTheSameVolts) {
     OrbaCalibration cal;
@@ -192,41 +146,6 @@ TEST(BoostCut, ZeroClearsItWithoutSending) {
     EXPECT_EQ(cal.image(257), 0);
     EXPECT_FALSE(cal.unit.set("MAP_Max", 5));
     EXPECT_EQ(cal.unit.limits("MAP_Max").text, "(10.3 to 104.8 kPa)");
-}
-
-TEST(DecelerationPressure, WithoutASensorAnyEntryStores0AndSends255) {
-    OrbaCalibration cal;
-    cal.unit.ONFLY_MODE(true);
-    EXPECT_TRUE(cal.unit.set("DCCL_3", 5000));
-    EXPECT_EQ(cal.unit.DirectIndex(210), 0);
-    EXPECT_THAT(cal.host.sent, ElementsAre(recordOf(210, {255})));
-    cal.unit.ConvertData();
-    EXPECT_EQ(cal.image(210), 0);
-}
-
-TEST(DecelerationPressure, WithASensorItIsAPressureCell) {
-    OrbaCalibration cal;
-    cal.unit.set("MAP_Active", 1);
-    cal.unit.ONFLY_MODE(true);
-    EXPECT_FALSE(cal.unit.set("DCCL_3", 5000));
-    EXPECT_TRUE(cal.unit.set("DCCL_3", 50));
-    EXPECT_THAT(cal.host.sent, ElementsAre(recordOf(210, {107})));
-    cal.unit.ConvertData();
-    EXPECT_EQ(cal.image(210), 107);
-}
-
-TEST(AccelerationPressure, IsScaledByTheSensorsSpan) {
-    OrbaCalibration cal;
-    cal.unit.ONFLY_MODE(true);
-    EXPECT_EQ(refusalOf(cal.unit.set("ACE1", 3.7F)).text, "(0.05500472 to 3.663834)");
-    EXPECT_TRUE(cal.unit.set("ACE1", 2));
-    EXPECT_FLOAT_EQ(cal.unit.DirectIndex(199), 2.1803222F);
-    EXPECT_EQ(cal.unit.get("ACE1"), 2);
-    EXPECT_THAT(cal.host.sent, ElementsAre(recordOf(199, {82})));
-    cal.unit.ConvertData();
-    EXPECT_EQ(cal.image(199), 82);
-    cal.unit.IndexPolling(true);
-    EXPECT_EQ(cal.unit.get("ACE1"), 199);
 }
 
 }  // namespace

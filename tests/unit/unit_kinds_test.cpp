@@ -261,38 +261,6 @@ class Pzk2 : public ::testing::Test {
     Unit unit{pzk2Kind(), host};
 };
 
-TEST_F(Pzk2, LacksTheFuelSideInSilence) {
-    for (const char* member : {"VE", "SPW", "Get_AFR", "FuelTrim", "scale1", "INJ_On", "EGO_Type", "ACE0",
-                               "CLTTBL", "IAC_Start", "MinDuty", "MaxDuty", "BATCom", "CYL_OvrThr"}) {
-        EXPECT_FALSE(unit.has(member)) << member;
-        EXPECT_EQ(unit.get(member, 5), 0) << member;
-        EXPECT_FALSE(unit.set(member, 5, 5)) << member;
-        EXPECT_EQ(refusalOf(unit.set(member, "", 5)), Refusal{}) << "nothing to tell of " << member;
-    }
-}
-
-TEST_F(Pzk2, HasTablesOf16By16OnFixedAxes) {
-    for (const char* table : {"ADV", "GPO1", "GPO2"}) {
-        unit.SET_TBL_DIMENSIONS(table, "ROWS", 8);
-        unit.SET_TBL_AXIS_TYPE(table, "ROW-AXIS", "CLT");
-        EXPECT_EQ(unit.GET_TBL_DIMENSIONS(table, "ROWS"), 16);
-        EXPECT_EQ(unit.GET_TBL_DIMENSIONS(table, "COLS"), 16);
-        EXPECT_EQ(unit.GET_TBL_AXIS_TYPE(table, "ROW-AXIS"), "BLEND MAP");
-        EXPECT_EQ(unit.GET_TBL_AXIS_TYPE(table, "COL-AXIS"), "RPM");
-    }
-    for (int cell = 1058; cell <= 1200; ++cell) EXPECT_EQ(unit.DirectIndex(cell), 0) << cell;
-}
-
-TEST_F(Pzk2, TakesItsAxesAsTheStopPointsOfTheOutputTables) {
-    EXPECT_TRUE(unit.Set_GPO_Stop(4500, 3, "X-Axis", "GPO2"));
-    EXPECT_EQ(unit.get("RPMTBL", 3), 4500);
-    EXPECT_EQ(unit.Get_GPO_Stop(3, "X-Axis", "GPO1"), 4500);
-    EXPECT_EQ(unit.DirectIndex(192 + 6), 4500);
-    unit.set("MAPTBL", 60, 2);
-    EXPECT_EQ(unit.Get_GPO_Stop(2, "Y-Axis", "GPO1"), unit.get("MAPTBL", 2));
-    EXPECT_EQ(refusalOf(unit.Set_GPO_Stop(20001, 0, "X-Axis", "GPO1")).text, "(0 to 20000 RPM)");
-}
-
 TEST_F(Pzk2, OpensWithoutSeedingStopPointsShapesOrTrims) {
     const TemporaryFolder folder;
     const std::string path = folder.file("a.ZQ4PZK");
