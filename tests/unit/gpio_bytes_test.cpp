@@ -1,7 +1,9 @@
-// Image bytes and on-the-fly records of every input/output function on every kind of unit.
+// Cells of the input/output blocks; image bytes and on-the-fly records of every input/output function on
+// every kind of unit.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "base/errors.h"
 #include "unit/gpio_fixture.h"
 
 namespace zentaq::testing {
@@ -42,10 +44,13 @@ const std::vector<Block> blocks = {
     {8, {1, 30}, {0x01, 0x01, 0x00, 0, 0, 0, kept, kept, kept}, 2, 7},
     {8, {1, 60}, {0x01, 0x01, 0x00, 0, 0, 0, kept, kept, kept}, 2, 6},
     {8, {2, 120}, {0x01, 0x02, 0x01, 0, 0, 0, kept, kept, kept}, 1, 99},
+    {8, {1, 60}, {0x01, 0x01, 0x01, 0, 0, 0, kept, kept, kept}, 2, 7},
+    {8, {1, 120}, {0x01, 0x01, 0x01, 0, 0, 0, kept, kept, kept}, 2, 6},
     {9, {3000, 2, 6500, 4, oneVolt, 6, twoVolts}, {0x03, 0x0B, 0xB8, 0x19, 0x64, 0x00, 0xCD, 0x01, 0x99}},
     {10, {3000, 2, 6500, 4, oneVolt, 6, twoVolts}, {0x02, 0x0B, 0xB8, 0x19, 0x64, 0x00, 0xCD, 0x01, 0x99}},
     {11, {1, 2, 3, 4, 5, 6, 7, 8}, {0x06, 0, 0, 0, 0, 0, 0, 0, 0}},
     {12, {35, 20}, {0x12, 0x23, 0x14, 0, 0, 0, kept, kept, kept}},
+    {12, {40, -10}, {0x12, 0x28, -10, 0, 0, 0, kept, kept, kept}},
     {13, {300, 9}, {0x19, 0x01, 0x2C, 0, 0, 0, 0, 0, 0}},
     {14, {45, 200}, {0x1A, 0x2D, 0xC8, kept, kept, kept, kept, kept, kept}},
     {15, {3000, 2, 20}, {0x1B, 0x0B, 0xB8, 0x14, 0, 0, 0, 0, 0}},
@@ -58,9 +63,11 @@ const std::vector<Block> blocks = {
     {19, {-14, 0}, {0x13, 0x44, 0x80, 0, kept, kept, kept, kept, kept}},
     // (10 + 30) * 4.25 = 170 = AA. 1.5 * 122 = 183 = B7, 0.5 * 122 = 61 = 3D
     {20, {10, 1.5F, 0.5F}, {0x16, 0xAA, 0xB7, 0x3D, 0, kept, kept, kept, kept}, 2, 17},
+    {20, {10, 1, 2}, {0x16, 0xAA, 0x7A, 0xF4, 0, kept, kept, kept, kept}, 1, 30},
     // 5 * 122 = 610 = 02 62, 0.5 * 122 = 61
     {20, {10, 2, 3, 5, 9, 0.5F}, {0x16, 0xAA, 0, 0, 0x02, 0x62, 0x00, 0x3D, 0}, 2, 18},
     {20, {10, 2, 3, 5, 9, 0.5F}, {0x16, 0xAA, 0, 0, 0x02, 0x62, 0x00, 0x3D, 0}, 4, 99},
+    {20, {10, 1, 1, 4, 1, 4}, {0x16, 0xAA, 0, 0, 0x01, 0xE8, 0x01, 0xE8, 0}, 3, 0},
     // 0.5 * 244 = 122 = 7A, 10 * 244 = 2440 = 09 88, 2 * 244 = 488 = 01 E8
     {20, {10, 1, 0.5F, 9, 10, 9, 2}, {0x16, 0xAA, 0xFF, 0x00, 0x7A, 0x09, 0x88, 0x01, 0xE8}, 5, 0},
     {20, {10, 0, 0.5F, 9, 10, 9, 2}, {0x16, 0xAA, 0x00, 0x00, 0x7A, 0x09, 0x88, 0x01, 0xE8}, 7, 99},
@@ -73,6 +80,10 @@ const std::vector<Block> blocks = {
     {25, {30, 90, 40, 80, 2}, {0x09, 0x1E, 0x5A, 0x66, 0xCC, 0x02, 0, 0, 0}, 4, 2},
     {25, {30, 90, 40, 80, 2}, {0x09, 0x1E, 0x5A, 0x66, 0xCC, 0x02, 0, 0, 0}, 3, 99},
     {25, {30, 60, 90, 120, 0, 20, 40, 80}, {0x09, 0x1E, 0x3C, 0x5A, 0x78, 0x00, 0x33, 0x66, 0xCC}, 4, 3},
+    // 50 and 70 percent are ties: 127.5 and 178.5 go to the even count.
+    {25, {10, 20, 30, 40, 50, 60, 70, 80}, {0x09, 10, 20, 30, 40, 128, 153, 178, 204}, 5, 0},
+    {99, {1, 2}, {kept, kept, kept, kept, kept, kept, kept, kept, kept}},
+    {-1, {1, 2}, {kept, kept, kept, kept, kept, kept, kept, kept, kept}},
     {29, {1, 2, 3, 4, 5, 6, 7, 8}, {kept, kept, kept, kept, kept, kept, kept, kept, kept}},
 };
 
@@ -140,9 +151,52 @@ TEST(GpioBytes, ATableNumberOtherThan1Or2Becomes1) {
             cal.unit.Set_GPIO_Param(0, 0, number);
             cal.unit.ConvertData();
             EXPECT_EQ(cal.bytes(base + 1, 1).front(), 1);
+            EXPECT_EQ(cal.unit.DirectIndex(base + 1), 1);
             EXPECT_EQ(cal.unit.Get_GPO_TblNum(0), 1);
         }
     }
+}
+
+TEST(GpioBytes, AnUnknownFrequencyKeepsTheCodeOfTheBlockBefore) {
+    OrbaCalibration cal;
+    for (const int pin : {0, 1}) {
+        cal.unit.Set_GPIO_Func(pin, 8);
+        cal.unit.Set_GPIO_Param(pin, 0, 1);
+    }
+    cal.unit.Set_GPIO_Param(0, 1, 60);
+    cal.unit.Set_GPIO_Param(1, 1, 45);
+    cal.unit.ConvertData();
+    EXPECT_EQ(cal.image(338), 1);
+    EXPECT_EQ(cal.image(338 + 9), 1);
+    cal.unit.Set_GPIO_Param(0, 1, 30);
+    cal.unit.ConvertData();
+    EXPECT_EQ(cal.image(338 + 9), 0);
+}
+
+TEST(Gpio, CellsOfAPin) {
+    OrbaCalibration cal;
+    cal.unit.Set_GPIO_Func(7, 12);
+    cal.unit.Set_GPIO_Param(7, 7, 3.5F);
+    EXPECT_EQ(cal.unit.DirectIndex(399), 12);
+    EXPECT_EQ(cal.unit.DirectIndex(407), 3.5F);
+    EXPECT_EQ(cal.unit.Get_GPIOFUNC(7), 12);
+    EXPECT_EQ(cal.unit.Get_GPIO_Param(7, 7), 3.5F);
+    EXPECT_EQ(cal.unit.Get_GPIOFUNC(8), 0);
+    EXPECT_EQ(cal.unit.Get_GPIOFUNC(15), 0);
+    cal.unit.IndexPolling(true);
+    EXPECT_EQ(cal.unit.Get_GPIOFUNC(7), 399);
+    EXPECT_THROW(cal.unit.Set_GPIO_Param(8, 0, 1), BoundsError);
+    EXPECT_THROW(cal.unit.Set_GPIO_Param(0, 8, 1), BoundsError);
+    EXPECT_THROW(cal.unit.Set_GPIO_Param(0, -1, 1), BoundsError);
+    EXPECT_THROW(cal.unit.Get_GPIO_Table(3, 0), BoundsError);
+    EXPECT_THROW(cal.unit.Get_GPIO_Table(1, 256), BoundsError);
+}
+
+TEST(Gpio, ClearingAPinTouchesOnlyItsNineWords) {
+    OrbaCalibration cal;
+    for (int i = 336; i < 408; ++i) cal.unit.AssignDirectIndex(1, i);
+    cal.unit.Zeroize_GPIO(1);
+    for (int i = 336; i < 408; ++i) EXPECT_EQ(cal.unit.DirectIndex(i), i >= 345 && i < 354 ? 0 : 1) << i;
 }
 
 // ---- On the fly
@@ -183,6 +237,7 @@ const std::vector<Sent> records = {
     {8, 1, 120, {1}, 2, 6},
     {8, 1, 120, {}},
     {8, 1, 30, {}, 2, 6},
+    {8, 1, 45, {}},
     {9, 0, 3000, {0x0B, 0xB8}},
     {9, 2, 6500, {0x19, 0x64}},
     {9, 4, oneVolt, {0x00, 0xCD}},
@@ -210,6 +265,7 @@ const std::vector<Sent> records = {
     {20, 1, 2, {244}, 2, 17},
     {20, 2, 1.5F, {183}, 2, 17},
     {20, 3, 5, {0x02, 0x62}, 2, 18},
+    {20, 2, 2, {244}, 4, 0},
     {20, 5, 0.5F, {0x00, 0x3D}, 4, 99},
     {20, 1, 1, {122}},
     {20, 1, 0, {0}},
@@ -241,6 +297,11 @@ const std::vector<Sent> records = {
     {22, 0, 1, {}},
     {24, 0, 1, {}},
     {29, 0, 1, {}},
+    // Parameters that the image does not hold.
+    {6, 1, 1000, {}},
+    {12, 5, 1, {}},
+    {14, 2, 1, {}},
+    {99, 0, 1, {}},
     {1, 4, 100, {}},  // the hysteresis of the ORB C
 };
 
@@ -280,23 +341,31 @@ TEST(GpioRecords, EveryRowThatTheUnitsMemoryHoldsIsSent) {
     }
 }
 
-TEST(GpioRecords, OutputTablesStandWhereTheKindHasThem) {
-    struct Tables {
-        int slot;
-        int first;
-        int second;
-    };
-    for (const auto& [slot, first, second] :
-         {Tables{3, 1680, 1936}, Tables{4, 1680, 1936}, Tables{5, 512, 768}, Tables{6, 1680, 1936},
-          Tables{7, 1424, 1680}, Tables{8, 1424, 1680}}) {
-        GpioCalibration cal(slot);
-        cal.unit.ONFLY_MODE(true);
-        cal.unit.Set_GPIO_Table(1, 5, 40);
-        cal.unit.Set_GPIO_Table(2, 255, 100);
-        EXPECT_THAT(cal.host.sent, ElementsAre(recordOf(first + 5, {102}), recordOf(second + 255, {255})))
-            << slot;
-        EXPECT_EQ(cal.unit.Get_GPIO_Table(2, 255), 100);
-    }
+TEST(GpioRecords, IndexPollingDoesNotChangeWhatIsSent) {
+    OrbaCalibration cal;
+    cal.unit.Set_GPIO_Func(1, 6);
+    cal.unit.ONFLY_MODE(true);
+    cal.unit.IndexPolling(true);
+    cal.unit.Set_GPIO_Param(1, 0, 1000);
+    EXPECT_THAT(cal.host.sent, ElementsAre(recordOf(336 + 9 + 1, {3, 232})));
+}
+
+TEST(GpioRecords, TableCellsAreSentInCountsInSilentModeToo) {
+    OrbaCalibration cal;
+    cal.unit.ONFLY_MODE(true);
+    cal.unit.SILENT_MODE(true);
+    cal.unit.Set_GPIO_Table(1, 5, 40);
+    cal.unit.Set_GPIO_Table(2, 255, 100);
+    EXPECT_THAT(cal.host.sent, ElementsAre(recordOf(1685, {102}), recordOf(2191, {255})));
+    EXPECT_EQ(cal.unit.Get_GPIO_Table(2, 255), 100);
+}
+
+TEST(GpioRecords, TheFunctionItselfIsNeverSent) {
+    OrbaCalibration cal;
+    cal.unit.ONFLY_MODE(true);
+    cal.unit.Set_GPIO_Func(0, 5);
+    cal.unit.Zeroize_GPIO(0);
+    EXPECT_THAT(cal.host.sent, IsEmpty());
 }
 
 }  // namespace

@@ -712,17 +712,6 @@ TEST(OldFile, AnOptionThatIsNoNumberOfAnOptionIsNone) {
 
 // ---- The moves, by number
 
-TEST(OldFile, SingleCellsGoToTheirPlaces) {
-    const std::vector<std::pair<int, int>> moves = {{146, 2195}, {284, 2197}, {291, 2198}, {350, 2199},
-                                                    {352, 2200}, {353, 2201}, {359, 2206}, {533, 2220},
-                                                    {101, 2222}, {535, 2224}, {536, 2225}};
-    LegacyFile file = ratedFile();
-    for (const auto& [from, to] : moves) file[from] = static_cast<float>(from) / 8;
-    Import import;
-    import.open(file);
-    for (const auto& [from, to] : moves) EXPECT_EQ(import.cell(to), static_cast<float>(from) / 8) << from;
-}
-
 TEST(OldFile, TablesOf12ColumnsAreSpreadOverRowsOf16) {
     LegacyFile file = ratedFile();
     file[27] = 12;

@@ -2,7 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "unit/temperature.h"
 #include "unit/unit_fixture.h"
 
 namespace zentaq::testing {
@@ -63,12 +62,6 @@ TEST_F(SpecialMember, ARatioThatFitsNoRecordIsStoredAndReportedAsNotSent) {
     EXPECT_TRUE(unit.set("Set_Y", 0.12, 0));
     EXPECT_THAT(host.sent, IsEmpty());
     EXPECT_THAT(host.log, ElementsAre("ONFLY Conversion/Transmission Error; Data Not Sent."));
-}
-
-TEST(Temperature, GoesThereAndBack) {
-    EXPECT_EQ(toFahrenheit(20), 68);
-    EXPECT_EQ(toCelsius(toFahrenheit(20)), 20);
-    EXPECT_EQ(toCelsius(100), 37.78F);
 }
 
 TEST_F(SpecialMember, TheEighthFuelTrimSharesItsCellWithTheNotes) {
