@@ -55,12 +55,6 @@ TEST(CheckEngine, TheIntermittentRowsKeepTheirOddPlaces) {
     EXPECT_THROW(CheckEngineTexts::text(*unitKindOfSlot(3), 13, 0), BoundsError);
 }
 
-TEST(CheckEngine, AskingPastTheTwelveWordsIsAnError) {
-    test::Calibration calibration(3);
-    EXPECT_NO_THROW(calibration.unit.Get_ECData(11));
-    EXPECT_THROW(calibration.unit.Get_ECData(12), BoundsError);
-}
-
 TEST(ShortCodes, AreTwoFieldsOf7Characters) {
     EXPECT_EQ(shortCode("21 - TPS Sensor Failed High"), (ShortCode{"TPS SEN", "FAIL HI"}));
     EXPECT_EQ(shortCode("12 - Trigger Wheel Error"), (ShortCode{"TRIGGER", "ERROR  "}));

@@ -11,6 +11,7 @@
 namespace zentaq {
 namespace {
 
+using ::testing::EndsWith;
 using ::testing::StartsWith;
 
 class Datalog : public testing::Test {
@@ -41,7 +42,7 @@ class Datalog : public testing::Test {
     LiveValues live;
 };
 
-TEST_F(Datalog, HeaderHasBannerSettingsAndColumnNames) {
+TEST_F(Datalog, HeaderHasBannerAndSettings) {
     unit.AssignDirectIndex(6, 336);           // pin 0: shift light
     unit.AssignDirectIndex(15, 336 + 9 * 7);  // pin 7: datalog switch
     const auto lines = headerLines();
@@ -50,13 +51,7 @@ TEST_F(Datalog, HeaderHasBannerSettingsAndColumnNames) {
     EXPECT_EQ(lines[1],
               "1\t1\t255\t6\t0\t0\t0\t0\t0\t0\t15\t0\t0\t0\t0\t0\t0\t0\t0\t0\t0\t0\t0\tkPa\t14.64\r");
     EXPECT_EQ(lines[3], "");
-    const auto names = split(lines[2], '\t');  // all of them in channels_test.cpp
-    ASSERT_GE(names.size(), 67U);
-    EXPECT_EQ(names[0], "Frame");
-    EXPECT_EQ(names[46], "Idle Speed");
-    EXPECT_EQ(names[47], "GPIO1");
-    EXPECT_EQ(names[66].substr(0, 6), "GPIO20");
-    EXPECT_EQ(names.back().back(), '\r');
+    EXPECT_THAT(lines[2], EndsWith("\r"));  // the names are in channels_test.cpp
 }
 
 TEST_F(Datalog, DataLineRoundsByColumn) {
@@ -85,17 +80,13 @@ TEST_F(Datalog, DataLineRoundsByColumn) {
     unit.GPIOData()[8] = 29;
     unit.GPIOData()[9] = 30;
     const std::string written = line(false, 7);
-    EXPECT_TRUE(written.ends_with("\r\n"));
+    EXPECT_THAT(written, EndsWith("\r\n"));
     EXPECT_THAT(
         written,
         StartsWith("7\t3100\t65.9\t2\t79\t27\t13.9\t20\t0.12\t1\t30.2\t0\t0\t103\t20\t5.13\t0\t0\t0\t-5\t14."
                    "7\t0\t50\t0\t9\t0"
                    "\t0\t0\t0\t0\t0\t0\t0\t2.674\t0\t0\t0\t0\t0.08\t0\t0\t20.47059\t0\t0\t0\t0\t960"
                    "\t21\t0\t0\t0\t0\t0\t0\t0\t29\t 0\t 0\t 0\t 0\t 0\t 0\t 0\t 0\t 0\t 0\t 0"));
-}
-
-TEST_F(Datalog, HasAsManyFieldsAsColumns) {
-    EXPECT_EQ(split(line(false, 1), '\t').size(), split(headerLines()[2], '\t').size());
 }
 
 TEST_F(Datalog, LampIs1Or0) {

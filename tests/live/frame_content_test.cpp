@@ -30,20 +30,6 @@ TEST(FrameContent, OfTheIgnitionUnitHasNineValues) {
     EXPECT_TRUE(content->pins.empty());
 }
 
-TEST(FrameContent, OfAWideFrameEndsWithThePinsOfItsKind) {
-    EXPECT_EQ(contentOfFrame(orbaKind(), 'W')->pins.back(), 7);
-    EXPECT_EQ(contentOfFrame(orbLiteKind(), 'W')->pins.back(), 8);
-    EXPECT_EQ(contentOfFrame(orbcKind(), 'W')->pins.back(), 12);
-    EXPECT_EQ(contentOfFrame(orbdKind(), 'W')->pins.back(), 4);
-    EXPECT_TRUE(carries(*contentOfFrame(orbaKind(), 'W'), &LiveValues::INJ_TOG));
-}
-
-TEST(FrameContent, OfThePinReplyHasPinsOnly) {
-    EXPECT_TRUE(contentOfFrame(orbLiteKind(), 'I')->values.empty());
-    EXPECT_EQ(contentOfFrame(orbLiteKind(), 'I')->pins.size(), 9U);
-    EXPECT_EQ(contentOfFrame(orbcKind(), 'I')->pins.size(), 13U);
-}
-
 TEST(FrameContent, IsNothingWhereAKindGivesNoSuchReply) {
     EXPECT_FALSE(contentOfFrame(orbaKind(), 'I'));
     EXPECT_FALSE(contentOfFrame(pzk2Kind(), 'W'));

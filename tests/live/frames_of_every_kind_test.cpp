@@ -38,6 +38,14 @@ class EveryKind : public testing::TestWithParam<KindCase> {
         unit.AssignDirectIndex(255, test::maxDutyCell);
         unit.AssignDirectIndex(14.7F, test::afrCell);
     }
+    /// A kind gives no reply of a sort that carries no pins.
+    void expectContent(char command, std::size_t pins) {
+        const auto content = contentOfFrame(unit.kind(), command);
+        ASSERT_EQ(content.has_value(), pins > 0) << command;
+        if (!content) return;
+        EXPECT_EQ(content->pins.size(), pins) << command;
+        EXPECT_EQ(content->values.empty(), command == 'I');
+    }
     void expectPins(std::size_t count) {
         for (std::size_t pin = 0; pin < count; ++pin) {
             EXPECT_EQ(unit.GPIOData()[pin], 100 + static_cast<int>(pin)) << pin;
@@ -61,17 +69,21 @@ TEST_P(EveryKind, HasRepliesOfItsOwnLengths) {
     EXPECT_EQ(sizes.dataRecordLen, static_cast<int>(GetParam().recordLength));
     EXPECT_EQ(unit.kind().hasWideMonitor(), GetParam().wideLength > 0);
     EXPECT_TRUE(contentOfFrame(unit.kind(), 'D').has_value());
-    EXPECT_EQ(contentOfFrame(unit.kind(), 'I').has_value(), GetParam().listedPins > 0);
+    expectContent('W', GetParam().widePins);
+    expectContent('I', GetParam().listedPins);
 }
 
 TEST_P(EveryKind, EndsItsWideFrameWithItsPinsAndAChecksum) {
     if (GetParam().wideLength == 0) {
         decoder.MonitorW(unit, withPins(70, 56, 13));
+        EXPECT_EQ(live.RPM, 0);
+        EXPECT_EQ(live.frames, 0U);
         return expectPins(0);
     }
     // One pin more than there is would show the checksum, 0xEE.
     decoder.MonitorW(unit, withPins(GetParam().wideLength, 56, GetParam().widePins));
     expectPins(GetParam().widePins);
+    EXPECT_EQ(live.frames, 1U);
 }
 
 TEST_P(EveryKind, ReadsTheValuesOfItsWideFrame) {
@@ -109,10 +121,10 @@ TEST_P(EveryKind, ListsItsPinsBehindAHeadOfThreeBytes) {
 }
 
 TEST_P(EveryKind, LogsActualBeforeDesiredRatioAndFineSteps) {
-    const std::map<int, int> bytes{{3, 0x0C},  {4, 0x1C},  {5, 102},   {7, 160},   {8, 90},
-                                   {9, 51},    {10, 85},   {11, 34},   {12, 17},   {13, 1},
-                                   {14, 5},    {15, 255},  {16, 127},  {17, 133},  {18, 51},
-                                   {19, 0x13}, {20, 0x88}, {21, 0x09}, {22, 0xC4}, {24, 180}};
+    const std::map<int, int> bytes{{3, 0x0C},  {4, 0x1C}, {5, 102}, {7, 160},   {8, 90},    {9, 51},
+                                   {10, 85},   {11, 34},  {12, 17}, {13, 1},    {14, 5},    {15, 255},
+                                   {16, 127},  {17, 133}, {18, 51}, {19, 0x13}, {20, 0x88}, {21, 0x09},
+                                   {22, 0xC4}, {23, 105}, {24, 180}};
     live.CHKE = true;
     decoder.Internal_Data_Conv(unit, frame(GetParam().recordLength, bytes));
     EXPECT_EQ(live.RPM, 3100);
@@ -130,7 +142,9 @@ TEST_P(EveryKind, LogsActualBeforeDesiredRatioAndFineSteps) {
     EXPECT_EQ(live.EGOV, 1);
     EXPECT_EQ(live.BATTV, GetParam().batteryVolts);
     EXPECT_TRUE(live.CHKE) << "a record has no lamp";
-    if (GetParam().slot == 5) return;  // no stoichiometric ratio to scale by
+    EXPECT_EQ(live.IACD, 0) << "nor the direction of the idle motor";
+    if (GetParam().slot == 5) return;  // no stoichiometric ratio to scale by, no idle motor
+    EXPECT_EQ(live.IACP, 25);          // (105 - 55) / 200
     EXPECT_EQ(live.AAFR, 9.8F);        // 14.7 / (255 / 255 + 0.5)
     EXPECT_EQ(live.DAFR, 14.73F);      // 14.7 / (127 / 255 + 0.5)
 }
