@@ -3,9 +3,12 @@
 
 #include <bit>
 #include <cstdint>
+#include <cstring>
 #include <fstream>
 #include <string>
 #include <vector>
+
+#include "temporary_folder.h"
 
 namespace zentaq {
 
@@ -38,6 +41,13 @@ inline std::string writeFloats(const std::string& path, const std::vector<float>
     }
     file << std::string(extraBytes, '\0');
     return path;
+}
+
+/// The rev limit in a file.
+inline float limitIn(const std::string& path) {
+    float limit = 0;
+    std::memcpy(&limit, TemporaryFolder::read(path).substr((3 + 58) * 4, 4).data(), sizeof limit);
+    return limit;
 }
 
 }  // namespace zentaq

@@ -1,19 +1,9 @@
 // Saves of a calibration whose file was cut: the file would look whole, so nothing is written unasked.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <functional>
-#include <utility>
 
 #include "app/calibration_floats.h"
-#include "app/fake_platform.h"
+#include "app/command_fixture.h"
 #include "app/general_config.h"
-#include "app/main_commands.h"
-#include "app/start_up.h"
-#include "app/while_box_stands.h"
 
 namespace zentaq {
 namespace {
@@ -29,17 +19,13 @@ constexpr std::uintmax_t wholeBytes = 11324;
 constexpr std::uintmax_t cutBytes = 7000;
 constexpr const char* damaged = "Damaged File";
 
-class CutFile : public ::testing::Test {
+class CutFile : public CommandTest {
  protected:
     CutFile() {
-        session.makeUnits();
-        session.DatabaseFile = builtReference();
         write(path, cutCount);
         open(path);
         EXPECT_EQ(session.header().cellsCutOff, 1081);
-        fake.dialogs.boxes.clear();
-        fake.dialogs.requests.clear();
-        fake.windows.calls.clear();
+        forget();
         change(7000);
     }
     static void write(const std::string& file, std::size_t count) {
@@ -48,54 +34,28 @@ class CutFile : public ::testing::Test {
         floats[3 + 58] = 6500;  // rev limit
         writeFloats(file, floats);
     }
-    static float limitIn(const std::string& file) {
-        std::ifstream in(file, std::ios::binary);
-        in.seekg((3 + 58) * 4);
-        float limit = 0;
-        in.read(reinterpret_cast<char*>(&limit), sizeof limit);
-        return limit;
-    }
-    void open(const std::string& file) {
-        fake.dialogs.files = {file};
-        commands.files.open();
-    }
-    void change(double revLimit) {
-        session.currentUnitObject().set("REV_Limiter", revLimit);
-        session.markModified();
-    }
-    /// Happens while the first box of this title stands.
-    void during(const std::string& title, std::function<void()> happens) {
-        whileBoxStands(fake.dialogs, title, std::move(happens));
-    }
-    std::vector<std::string> titles() const { return titlesOf(fake.dialogs); }
-    bool logged(const std::string& text) const { return hasLine(session.console, text); }
     void expectAsItWas() {
         EXPECT_EQ(std::filesystem::file_size(path), cutBytes);
         EXPECT_EQ(limitIn(path), 6500);
         EXPECT_EQ(session.CurrentFile, path);
-        EXPECT_EQ(session.currentUnitObject().BinFile(), path);
+        EXPECT_EQ(unit().BinFile(), path);
         EXPECT_EQ(session.header().cellsCutOff, 1081);
         EXPECT_TRUE(session.DataModified);
     }
 
-    FakeSession fake;
-    Session& session = fake.session;
-    MainCommands commands{session};
-    Kernel kernel{session, commands};
     std::string path = fake.folder.path("cut.ZQ4OA");
 };
 
 TEST_F(CutFile, ASaveAsksFirstAndNoWritesNothing) {
     commands.saves.save();
-    ASSERT_THAT(titles(), ElementsAre(damaged));
-    const Box& box = fake.dialogs.boxes[0];
-    EXPECT_EQ(box.text,
-              "The file ends early: 1081 of its 2828 cells are missing and were taken as 0.\n"
-              "A save makes it look whole, and nothing will warn of it again.\n"
-              "Save all the same?");
-    EXPECT_EQ(box.icon, Icon::Exclamation);
-    EXPECT_EQ(box.buttons, Buttons::YesNo);
-    EXPECT_TRUE(box.declines);
+    EXPECT_THAT(boxes(), ElementsAre(IsBox(
+                             damaged,
+                             "The file ends early: 1081 of its 2828 cells are missing and were taken as 0.\n"
+                             "A save makes it look whole, and nothing will warn of it again.\n"
+                             "Save all the same?")));
+    EXPECT_EQ(box().icon, Icon::Exclamation);
+    EXPECT_EQ(box().buttons, Buttons::YesNo);
+    EXPECT_TRUE(box().declines);
     EXPECT_TRUE(logged("Calibration file not saved: it was cut, and the user thought better of it."));
     expectAsItWas();
 }
@@ -119,7 +79,7 @@ TEST_F(CutFile, SaveAsAsksBeforeItAsksForAName) {
     EXPECT_FALSE(std::filesystem::exists(other));
     expectAsItWas();
 
-    fake.dialogs.boxes.clear();
+    boxes().clear();
     fake.dialogs.answers = {Answer::Yes};
     commands.saves.saveAs();
     EXPECT_THAT(titles(), ElementsAre(damaged, "Data Saved."));
@@ -141,10 +101,9 @@ TEST_F(CutFile, ACommandWhoseSaveIsDeclinedThereEndsWithIt) {
     };
     for (std::size_t i = 0; i < withSave.size(); ++i) {
         SCOPED_TRACE(i);
-        fake.dialogs.boxes.clear();
+        boxes().clear();
         withSave[i]();
-        ASSERT_FALSE(fake.dialogs.boxes.empty());
-        EXPECT_EQ(fake.dialogs.boxes.back().title, damaged);
+        EXPECT_EQ(box().title, damaged);
         expectAsItWas();
         EXPECT_FALSE(session.creating());
     }
@@ -154,7 +113,7 @@ TEST_F(CutFile, ACommandWhoseSaveIsDeclinedThereEndsWithIt) {
 }
 
 TEST_F(CutFile, TheKeyOfTheGeneralParametersAsksToo) {
-    session.currentUnitObject().store("MAP_ID", 1);
+    unit().store("MAP_ID", 1);
     GeneralConfig form(session);
     form.load();
     EXPECT_FALSE(form.save());
@@ -196,7 +155,7 @@ TEST_F(CutFile, ACutCalibrationThatComesIntoHandBehindTheNameDialogIsNotSavedUna
     write(whole, wholeCount);
     session.DataModified = false;
     open(whole);
-    fake.dialogs.boxes.clear();
+    boxes().clear();
     bool opened = false;
     fake.dialogs.meanwhile = [&](const std::string& title) {
         if (!title.empty() || std::exchange(opened, true)) return;

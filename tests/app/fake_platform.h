@@ -78,12 +78,14 @@ class ScriptedDialogs : public Dialogs {
     }
 };
 
-/// Does what a test wants to happen at the next yield, once.
+/// Does what a test wants to happen at the next yield, once, behind what each yield brings.
 class MeanwhileYield : public Yield {
  public:
     void yield() override {
+        if (passing) passing();
         if (const auto now = std::exchange(meanwhile, nullptr)) now();
     }
+    std::function<void()> passing;
     std::function<void()> meanwhile;
 };
 
@@ -92,6 +94,7 @@ class FakePort : public SerialPort {
  public:
     void open(int number) override {
         ++opens;
+        if (busy) throw Failure("busy");
         if (number != presentNumber) throw Failure("no such port");
         open_ = true;
     }
@@ -104,12 +107,13 @@ class FakePort : public SerialPort {
         if (presentNumber == 0) return {};
         return {{presentNumber, "/dev/fake", "A port for tests", "fake"}};
     }
-    void deliver(std::vector<std::uint8_t> reply) {
-        buffer = std::move(reply);
+    void deliver(const std::string& reply) {
+        buffer.assign(reply.begin(), reply.end());
         raise(CommEvent::DataReceived);
     }
 
     int presentNumber = 1;  ///< 0: no port at all
+    bool busy = false;      ///< another program has it
     int opens = 0;
     int threshold = 0;
     std::vector<std::string> written;
@@ -117,6 +121,16 @@ class FakePort : public SerialPort {
 
  private:
     bool open_ = false;
+};
+
+/// Settings that write down what they are given, in a trail of the test's.
+class TrailingSettings : public MemorySettings {
+ public:
+    void set(const std::string& section, const std::string& key, const std::string& value) override {
+        if (trail != nullptr) trail->push_back(key + "=" + value);
+        MemorySettings::set(section, key, value);
+    }
+    std::vector<std::string>* trail = nullptr;
 };
 
 /// Windows that write down what they are asked, and what they are told.
@@ -147,7 +161,10 @@ class RecordingWindows : public WindowSet, public WindowNews {
     void enableToolbar(bool on) override { note(on ? "toolbar on" : "toolbar off"); }
     void makeGraphPools() override { note("graph pools"); }
     void showCommList(bool on) override { note(on ? "comm list on" : "comm list off"); }
-    void showTip(const std::string& text) override { tip = text; }
+    void showTip(const std::string& text) override {
+        tip = text;
+        note("tip");
+    }
     void killTimers() override { note("killTimers"); }
     void titleChanged(const std::string& text) override { title = text; }
     void setupNodes() override { note("setupNodes"); }
@@ -164,7 +181,11 @@ class RecordingWindows : public WindowSet, public WindowNews {
     void sensorsChanged() override { note("sensors"); }
     void look(bool day) override { note(day ? "day" : "night"); }
 
-    virtual void note(const std::string& what) { calls.push_back(what); }
+    void note(const std::string& what) {
+        calls.push_back(what);
+        if (meanwhile) meanwhile(what);
+    }
+    std::function<void(const std::string& call)> meanwhile;  ///< what happens while a call runs
     bool leavesGeneralConfig = true;  ///< false: the user keeps the new calibration in the form
     std::vector<std::string> calls;
     std::string title;
@@ -191,13 +212,14 @@ struct FakeSession {
     FakePort port;
     ManualTicker ticker;
     FakeClock clock;
-    MemorySettings settings;
+    TrailingSettings settings;
     ScriptedDialogs dialogs;
     MeanwhileYield yield;
     RecordingWindows windows;
-    Session session{Platform{port, ticker, clock, settings, dialogs, yield, folder.path(), folder.path()}};
+    Session session;
 
-    FakeSession() {
+    explicit FakeSession(FileWriter* disk = nullptr)
+        : session({port, ticker, clock, settings, dialogs, yield, folder.path(), folder.path(), disk}) {
         settings.set("System", "TemperatureToggle", "0");  // numbers of tests are degrees Celsius
         session.attach(windows);
     }

@@ -1,14 +1,7 @@
 // The command "Firmware Upgrade" and what other commands do while a transfer runs or waits.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <csignal>
 
-#include "app/fake_platform.h"
-#include "app/main_commands.h"
-#include "app/menu.h"
-#include "app/start_up.h"
-#include "app/while_box_stands.h"
+#include "app/command_fixture.h"
 
 namespace zentaq {
 namespace {
@@ -22,7 +15,9 @@ using testing::Not;
 // 05 + 10 + 00 + AA + 55 = 114, FF - 14 = EB.
 constexpr const char* wholeFirmware = "S0030000FC\r\nS1051000AA55EB\r\nS9030000FC\r\n";
 
-class FirmwareUpgrade : public testing::Test {
+constexpr const char* running = "A transfer is running.  Please wait until it has ended.";
+
+class FirmwareUpgrade : public ProgramTest {
  protected:
     FirmwareUpgrade() {
         session.makeUnits();
@@ -30,23 +25,17 @@ class FirmwareUpgrade : public testing::Test {
     }
 
     /// A unit of this serial number answers E and nothing else.
-    void linkUnit(std::uint8_t b4, std::uint8_t b5, std::uint8_t b6) {
-        session.link.Send_ORB_Command("E");
-        session.link.tick();
-        const auto sum = static_cast<std::uint8_t>(0x55 + b4 + b5 + b6);
-        fake.port.deliver({0xFA, 0xA5, 0x55, 0, b4, b5, b6, sum});
-        session.link.tick();
-        session.link.tick();  // B goes out
-        fake.port.deliver({});
-        session.link.tick();
+    void linkUnit(std::uint32_t serial) {
+        identify(serial);
+        answer("");
     }
-    void linkOrbA() { linkUnit(0x03, 0x0D, 0x41); }  // 200001
+    void linkOrbA() { linkUnit(200001); }
 
     std::string firmware(const std::string& name, const std::string& text = wholeFirmware) {
         return fake.folder.write(name, text);
     }
     void choose(const std::string& path) {
-        fake.dialogs.boxes.clear();
+        boxes().clear();
         fake.dialogs.files = {path};
         commands.programming.firmwareUpgrade();
     }
@@ -60,7 +49,7 @@ class FirmwareUpgrade : public testing::Test {
         session.link.tick();
     }
     void answer(const std::string& reply) {
-        fake.port.deliver({reply.begin(), reply.end()});
+        fake.port.deliver(reply);
         session.link.tick();
     }
     /// The upgrade is at its first line.
@@ -70,7 +59,7 @@ class FirmwareUpgrade : public testing::Test {
         tickUntil("P3");
         answer("AX");
         tickUntil("S0030000FC");
-        fake.dialogs.boxes.clear();
+        boxes().clear();
         fake.windows.calls.clear();
     }
     /// The unit takes what is left of it.
@@ -81,36 +70,22 @@ class FirmwareUpgrade : public testing::Test {
         tickUntil("S9030000FC");
         answer("PN");
     }
-    bool enabled(std::string_view name) const {
-        for (const MenuEntry& entry : menuTree()) {
-            if (entry.name == name) return entry.enabled != nullptr && entry.enabled(session);
-        }
-        return false;
-    }
-    std::vector<std::string> titles() const { return titlesOf(fake.dialogs); }
-    bool logged(const std::string& text) const { return hasLine(session.console, text); }
-
-    FakeSession fake;
-    Session& session = fake.session;
-    MainCommands commands{session};
-    Kernel kernel{session, commands};
 };
 
 TEST_F(FirmwareUpgrade, WarnsFirstAndCancelEndsIt) {
     fake.dialogs.answers = {Answer::Cancel};
     choose("");
-    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
-    const Box& box = fake.dialogs.boxes[0];
-    EXPECT_EQ(box.title, "FIRMWARE UPGRADE WARNING");
-    EXPECT_EQ(box.text,
-              "You are about to upgrade the firmware on your Norvalia product.\n"
-              "Ensure that your laptop is connected to A/C power, before proceeding.\n"
-              "Before going on, consult the software user's guide appendix on firmware\n"
-              "upgrades to ensure that the unit is ready to recieve a new firmware.\n"
-              "INFO: Select the latest firmware file correct to the type of unit being upgraded.\n"
-              "ORB A\tZQAxxxxxxx\nORB L\tZQLxxxxxxx\nORB C\tZQCxxxxxxx\nORB D\tZQDxxxxxxx\n"
-              "PZK-2\tZPKxxxxxxx");
-    EXPECT_EQ(box.buttons, Buttons::OkCancel);
+    EXPECT_THAT(boxes(),
+                ElementsAre(IsBox(
+                    "FIRMWARE UPGRADE WARNING",
+                    "You are about to upgrade the firmware on your Norvalia product.\n"
+                    "Ensure that your laptop is connected to A/C power, before proceeding.\n"
+                    "Before going on, consult the software user's guide appendix on firmware\n"
+                    "upgrades to ensure that the unit is ready to recieve a new firmware.\n"
+                    "INFO: Select the latest firmware file correct to the type of unit being upgraded.\n"
+                    "ORB A\tZQAxxxxxxx\nORB L\tZQLxxxxxxx\nORB C\tZQCxxxxxxx\nORB D\tZQDxxxxxxx\n"
+                    "PZK-2\tZPKxxxxxxx")));
+    EXPECT_EQ(box().buttons, Buttons::OkCancel);
     EXPECT_THAT(fake.dialogs.requests, IsEmpty());
 }
 
@@ -120,7 +95,7 @@ TEST_F(FirmwareUpgrade, TheDialogHasItsTitleFilterAndFolderAndNoNameEndsIt) {
     EXPECT_EQ(fake.dialogs.requests[0].title, "Norvalia Firmware Files");
     EXPECT_EQ(fake.dialogs.requests[0].filter, "Norvalia Firmware(*.nv3)|*.nv3");
     EXPECT_EQ(fake.dialogs.requests[0].folder, fake.folder.path("bin"));
-    EXPECT_EQ(fake.dialogs.boxes.size(), 1u);
+    EXPECT_EQ(boxes().size(), 1u);
     EXPECT_FALSE(session.link.transfer().pending());
 }
 
@@ -144,8 +119,8 @@ TEST_F(FirmwareUpgrade, AFileOfAnotherUnitIsInvalid) {
     const auto written = fake.port.written;
     choose(firmware("ZQL-705100.nv3"));
     EXPECT_THAT(titles(), ElementsAre("FIRMWARE UPGRADE WARNING", "Invalid Firmware"));
-    EXPECT_EQ(fake.dialogs.boxes.back().text, "This firmware file is not valid for this unit.");
-    EXPECT_EQ(fake.dialogs.boxes.back().icon, Icon::Critical);
+    EXPECT_EQ(box().text, "This firmware file is not valid for this unit.");
+    EXPECT_EQ(boxes().back().icon, Icon::Critical);
     EXPECT_FALSE(session.link.transfer().pending());
     EXPECT_FALSE(session.link.AutoPollSuspended());
     session.link.tick();
@@ -176,7 +151,7 @@ TEST_F(FirmwareUpgrade, AUnitThatLostItsFirmwareIsRememberedWhateverCalibrationI
     answer("AR");
     ASSERT_TRUE(session.link.firmware().lost());
     session.link.Send_ORB_Command("T");
-    for (int i = 0; i < 1100; ++i) session.link.tick();  // nobody answers any more
+    ticks(1100);  // nobody answers any more
     ASSERT_EQ(session.link.linked().LinkedUnitKind, 0);
     for (const float inHand : {0.0F, 4.0F}) {
         session.CurrentUnit(inHand);
@@ -212,11 +187,11 @@ TEST_F(FirmwareUpgrade, AFileThatIsNotWholeIsToldWithItsLineAndNothingIsSent) {
     const auto written = fake.port.written;
     choose(firmware("ZQA-505100.nv3", "S0030000FC\r\nS1051000AA55EC\r\nS9030000FC\r\n"));
     EXPECT_EQ(titles().back(), "Firmware File Error");
-    EXPECT_EQ(fake.dialogs.boxes.back().text,
+    EXPECT_EQ(box().text,
               "ZQA-505100.nv3 is no whole firmware file.\nLine 2: the checksum is wrong.\n"
               "Nothing was sent to the unit.  Please get the file anew and try again.");
     choose(firmware("ZQA-505101.nv3", ""));
-    EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("The file is empty."));
+    EXPECT_THAT(box().text, HasSubstr("The file is empty."));
     choose(fake.folder.path("ZQA-absent.nv3"));
     EXPECT_EQ(titles().back(), "Firmware File Error");
     EXPECT_FALSE(session.link.transfer().pending());
@@ -226,42 +201,30 @@ TEST_F(FirmwareUpgrade, AFileThatIsNotWholeIsToldWithItsLineAndNothingIsSent) {
 
 TEST_F(FirmwareUpgrade, AVerifiedRunSaysWhatToDoNextAndPollingGoesOn) {
     runUpgrade();
-    answer("AX");
-    tickUntil("S1051000AA55EB");
-    answer("AX");
-    tickUntil("S9030000FC");
-    answer("PN");
-    ASSERT_EQ(fake.dialogs.boxes.size(), 2u);
-    EXPECT_EQ(fake.dialogs.boxes[0].text,
-              "You have successfully programmed your ORB unit.\n"
-              "Please cycle the power on the unit before continuing.");
-    EXPECT_EQ(fake.dialogs.boxes[1].text,
-              "The BIN file MUST be loaded before starting your engine.\n"
-              "The unit may operate upredictably until the BIN file is loaded.");
+    finishUpgrade();
+    ASSERT_EQ(boxes().size(), 2u);
+    EXPECT_THAT(boxes()[0].text, HasSubstr("You have successfully programmed your ORB unit."));
+    EXPECT_THAT(boxes()[1].text, HasSubstr("The BIN file MUST be loaded before starting your engine."));
     EXPECT_FALSE(session.link.AutoPollSuspended());
     EXPECT_FALSE(session.link.transfer().pending());
 }
 
 // ---- While its boxes stand
 
-/// Boxes and the file dialog with a world that goes on behind them: `meanwhile` happens while the box of this
-/// title stands, "" the file dialog.
 class FirmwareUpgradeMeanwhile : public FirmwareUpgrade {
  protected:
-    void during(const std::string& title, std::function<void()> happens) {
-        fake.dialogs.meanwhile = [this, title, happens](const std::string& shown) {
-            if (shown == title) happens();
-        };
-    }
-    void loseUnit() {
-        session.link.Send_ORB_Command("F");
-        for (int i = 0; i < 90; ++i) session.link.tick();
-        ASSERT_EQ(session.link.linked().LinkedUnitKind, 0);
-    }
-    void linkOtherOrbA() { linkUnit(0x03, 0x0D, 0x42); }  // 200002
-    void linkOrbL() { linkUnit(0x04, 0x93, 0xE1); }       // 300001
-    bool asked(const char* command) const {
-        return std::ranges::count(fake.port.written, std::string(command)) != 0;
+    static constexpr std::uint32_t otherOrbA = 200002, orbL = 300001;
+    /// Behind a silence another unit comes while the run waits, and gets nothing.
+    void expectNothingForOneThatComes(std::uint32_t serial) {
+        linkOrbA();
+        during("", [&] { loseUnit(); });
+        choose(firmware("ZQA-505100.nv3"));
+        ASSERT_TRUE(session.link.transfer().firmware());
+        fake.port.written.clear();
+        linkUnit(serial);
+        ticks(1100);
+        EXPECT_FALSE(sent("P3"));
+        EXPECT_FALSE(session.link.transfer().pending());
     }
 };
 
@@ -270,25 +233,25 @@ TEST_F(FirmwareUpgradeMeanwhile, AUnitOfAnotherKindThatComesGetsNothing) {
         linkOrbA();
         during(title, [&] {
             loseUnit();
-            linkOrbL();
+            linkUnit(orbL);
         });
         choose(firmware("ZQA-505100.nv3"));
         EXPECT_EQ(titles().back(), "Invalid Firmware") << title;
         EXPECT_FALSE(session.link.transfer().pending()) << title;
         loseUnit();
     }
-    EXPECT_FALSE(asked("P3"));
+    EXPECT_FALSE(sent("P3"));
 }
 
 TEST_F(FirmwareUpgradeMeanwhile, AnotherUnitOfTheKindGetsNothingAndTheUserIsToldItsNumber) {
     linkOrbA();
     during("", [&] {
         loseUnit();
-        linkOtherOrbA();
+        linkUnit(otherOrbA);
     });
     choose(firmware("ZQA-505100.nv3"));
     EXPECT_EQ(titles().back(), "Firmware Upgrade");
-    EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("200002 in the place of 200001"));
+    EXPECT_THAT(box().text, HasSubstr("200002 in the place of 200001"));
     EXPECT_TRUE(logged("another unit is connected now"));
     EXPECT_FALSE(session.link.transfer().pending());
     EXPECT_FALSE(session.link.AutoPollSuspended());
@@ -296,28 +259,12 @@ TEST_F(FirmwareUpgradeMeanwhile, AnotherUnitOfTheKindGetsNothingAndTheUserIsTold
 }
 
 TEST_F(FirmwareUpgradeMeanwhile, AnotherUnitOfTheKindThatAnswersBehindASilenceGetsNothing) {
-    linkOrbA();
-    during("", [&] { loseUnit(); });
-    choose(firmware("ZQA-505100.nv3"));
-    ASSERT_TRUE(session.link.transfer().firmware());
-    fake.port.written.clear();
-    linkOtherOrbA();
-    for (int i = 0; i < 1100; ++i) session.link.tick();
-    EXPECT_FALSE(asked("P3"));
-    EXPECT_FALSE(session.link.transfer().pending());
+    expectNothingForOneThatComes(otherOrbA);
 }
 
 TEST_F(FirmwareUpgradeMeanwhile, AUnitThatFallsSilentIsAskedBeforeItIsProgrammedAndAnotherKindGetsNothing) {
-    linkOrbA();
     session.CurrentUnit(4);  // the calibration in hand is no reason to take another file
-    during("", [&] { loseUnit(); });
-    choose(firmware("ZQA-505100.nv3"));
-    ASSERT_TRUE(session.link.transfer().firmware());
-    fake.port.written.clear();
-    linkOrbL();
-    for (int i = 0; i < 1100; ++i) session.link.tick();
-    EXPECT_FALSE(asked("P3"));
-    EXPECT_FALSE(session.link.transfer().pending());
+    expectNothingForOneThatComes(orbL);
 }
 
 TEST_F(FirmwareUpgradeMeanwhile, AUnitOfAnotherKindThatComesWhileTheFormsCloseGetsNothing) {
@@ -325,13 +272,13 @@ TEST_F(FirmwareUpgradeMeanwhile, AUnitOfAnotherKindThatComesWhileTheFormsCloseGe
     SlowlyClosingWindows closing;
     closing.meanwhile = [&] {
         loseUnit();
-        linkOrbL();
+        linkUnit(orbL);
     };
     session.attach(closing);
     choose(firmware("ZQA-505100.nv3"));
     EXPECT_EQ(titles().back(), "Invalid Firmware");
     EXPECT_FALSE(session.link.transfer().pending());
-    EXPECT_FALSE(asked("P3"));
+    EXPECT_FALSE(sent("P3"));
     session.attach(fake.windows);
 }
 
@@ -339,8 +286,7 @@ TEST_F(FirmwareUpgradeMeanwhile, AUnitOfTheOldestFirmwareThatComesGetsNothing) {
     during("", [&] {
         session.link.Send_ORB_Command("E");
         session.link.tick();
-        fake.port.deliver({0, 1, 0, 1, 'A', 'X'});
-        session.link.tick();
+        answer(bytes({0, 1, 0, 1, 'A', 'X'}));
     });
     choose(firmware("ZQA-505100.nv3"));
     EXPECT_EQ(titles().back(), "Firmware Upgrade");
@@ -363,8 +309,7 @@ TEST_F(FirmwareUpgrade, TheEntryIsEnabledWithoutAUnitAndNotDuringATransfer) {
 TEST_F(FirmwareUpgrade, TheEntryIsDisabledForAUnitOfTheOldestFirmware) {
     session.link.Send_ORB_Command("E");
     session.link.tick();
-    fake.port.deliver({0, 3, 0x0D, 0x41, 'A', 'X'});
-    session.link.tick();
+    answer(bytes({0, 3, 0x0D, 0x41, 'A', 'X'}));
     ASSERT_TRUE(session.link.linked().OldFirmware);
     EXPECT_FALSE(enabled("mnuFirmwareUpgrade"));
 }
@@ -394,10 +339,9 @@ TEST_F(FirmwareUpgrade, CommandsThatWouldDisturbAreRefusedWithABox) {
         [&] { EXPECT_EQ(commands.unit.autodetectPort(), 0); },
     };
     for (std::size_t i = 0; i < disturbing.size(); ++i) {
-        fake.dialogs.boxes.clear();
+        boxes().clear();
         disturbing[i]();
-        ASSERT_EQ(fake.dialogs.boxes.size(), 1u) << i;
-        EXPECT_EQ(fake.dialogs.boxes[0].text, "A transfer is running.  Please wait until it has ended.") << i;
+        EXPECT_THAT(boxes(), ElementsAre(IsBox("Zentaq4", running))) << i;
     }
     EXPECT_THAT(fake.windows.calls, IsEmpty());
     EXPECT_EQ(session.CurrentFile, "tune.ZQ4OA");
@@ -416,18 +360,17 @@ TEST_F(FirmwareUpgrade, ARunThatStillWaitsInTheQueueKeepsThePortSearchAwayToo) {
     const int opens = fake.port.opens;
     EXPECT_EQ(commands.unit.autodetectPort(), 0);
     EXPECT_EQ(fake.port.opens, opens);
-    EXPECT_EQ(fake.dialogs.boxes.back().text, "A transfer is running.  Please wait until it has ended.");
+    EXPECT_EQ(box().text, running);
 }
 
 TEST_F(FirmwareUpgrade, ATransferThatBeganWhileTheFileWasChosenIsNotDisturbed) {
     linkOrbA();
-    fake.dialogs.meanwhile = [&](const std::string& shown) {
-        if (!shown.empty()) return;
+    during("", [&] {
         session.link.AutoPollSuspended(true);
         session.link.Program_Unit(TransferMode::Datalog, fake.folder.path("log.dat"));
-    };
+    });
     choose(firmware("ZQA-505100.nv3"));
-    EXPECT_EQ(fake.dialogs.boxes.back().text, "A transfer is running.  Please wait until it has ended.");
+    EXPECT_EQ(box().text, running);
     EXPECT_TRUE(session.link.AutoPollSuspended());
     EXPECT_TRUE(session.link.transfer().pending());
     EXPECT_FALSE(session.link.transfer().firmware());
@@ -437,12 +380,10 @@ TEST_F(FirmwareUpgrade, ClosingTheWindowAsksAndTheChoiceAtHandIsToStay) {
     runUpgrade();
     session.DataModified = true;
     kernel.closeRequested();
-    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
-    const Box& box = fake.dialogs.boxes[0];
-    EXPECT_EQ(box.title, "Transfer Running");
-    EXPECT_THAT(box.text, HasSubstr("there will be no firmware on this unit"));
-    EXPECT_EQ(box.buttons, Buttons::YesNo);
-    EXPECT_TRUE(box.declines);
+    EXPECT_THAT(titles(), ElementsAre("Transfer Running"));
+    EXPECT_THAT(box().text, HasSubstr("there will be no firmware on this unit"));
+    EXPECT_EQ(box().buttons, Buttons::YesNo);
+    EXPECT_TRUE(box().declines);
     EXPECT_THAT(fake.windows.calls, Not(Contains("closeMain")));
     EXPECT_TRUE(fake.port.isOpen());
     EXPECT_TRUE(session.link.transfer().firmware());
@@ -452,21 +393,19 @@ TEST_F(FirmwareUpgrade, TheBoxesAboutATransferStandNoLongerThanIt) {
     runUpgrade();
     commands.files.open();
     kernel.closeRequested();
-    const std::vector<Box> boxes = fake.dialogs.boxes;
-    ASSERT_EQ(boxes.size(), 2u);
-    for (const Box& box : boxes) {
+    const std::vector<Box> both = boxes();
+    ASSERT_EQ(both.size(), 2u);
+    for (const Box& box : both) {
         ASSERT_TRUE(box.stands) << box.title;
         EXPECT_TRUE(box.stands()) << box.title;
     }
     finishUpgrade();
-    for (const Box& box : boxes) EXPECT_FALSE(box.stands()) << box.title;
+    for (const Box& box : both) EXPECT_FALSE(box.stands()) << box.title;
 }
 
 TEST_F(FirmwareUpgrade, TheEndOfTheTransferUnderTheQuestionKeepsTheProgramForWhatItHasToTell) {
     runUpgrade();
-    fake.dialogs.meanwhile = [&](const std::string& title) {
-        if (title == "Transfer Running") finishUpgrade();
-    };
+    during("Transfer Running", [&] { finishUpgrade(); });
     fake.dialogs.answers = {Answer::No};  // as a box answers that goes by itself
     kernel.closeRequested();
     EXPECT_THAT(titles(), ElementsAre("Transfer Running", "Complete!", "Complete!"));
@@ -476,20 +415,16 @@ TEST_F(FirmwareUpgrade, TheEndOfTheTransferUnderTheQuestionKeepsTheProgramForWha
 TEST_F(FirmwareUpgrade, AnotherTransferThanTheOneThatWasAskedAboutIsAskedAbout) {
     linkOrbA();
     session.link.Program_Unit(TransferMode::Datalog, fake.folder.path("log.dat"));
-    fake.dialogs.boxes.clear();
-    std::vector<bool> firmware;
-    fake.dialogs.meanwhile = [&](const std::string& title) {
-        if (title != "Transfer Running" || !firmware.empty()) return;
-        firmware.push_back(session.link.transfer().firmware());
+    boxes().clear();
+    during("Transfer Running", [&] {
+        EXPECT_FALSE(session.link.transfer().firmware());
         while (session.link.transfer().pending()) session.link.tick();  // nobody answers
         session.link.programFirmware("ZQA-505100.nv3", wholeFirmware, 3, 200001);
-    };
+    });
     fake.dialogs.answers = {Answer::Yes, Answer::No};
     kernel.closeRequested();
-    ASSERT_EQ(firmware.size(), 1u);
-    EXPECT_FALSE(firmware[0]);
     std::vector<std::string> questions;
-    for (const Box& box : fake.dialogs.boxes)
+    for (const Box& box : boxes())
         if (box.title == "Transfer Running") questions.push_back(box.text);
     ASSERT_EQ(questions.size(), 2u);
     EXPECT_THAT(questions[1], HasSubstr("A firmware upgrade is running."));
@@ -516,7 +451,7 @@ TEST_F(FirmwareUpgrade, YesBreaksTheRunOffAndTheLogSaysIt) {
 
 TEST_F(FirmwareUpgrade, WithoutATransferNothingIsAsked) {
     kernel.closeRequested();
-    EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
+    EXPECT_THAT(boxes(), IsEmpty());
     EXPECT_FALSE(logged("Transfer broken off"));
 }
 

@@ -1,6 +1,3 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "app/general_config.h"
 #include "app/general_fixture.h"
 #include "base/errors.h"
@@ -146,64 +143,64 @@ const BoxCase boxes[] = {
 
 class TextBox : public GeneralConfigForm, public ::testing::WithParamInterface<BoxCase> {
  protected:
-    const BoxCase& box = GetParam();
+    const BoxCase& row = GetParam();
 
     void expectRefused(const char* entry) {
-        const std::string shown = text(box.control);
-        const float stored = unit().get(box.member);
+        const std::string shown = text(row.control);
+        const float stored = unit().get(row.member);
         const int told = boxesShown();
-        EXPECT_FALSE(form.enter(box.control, entry)) << entry;
+        EXPECT_FALSE(form.enter(row.control, entry)) << entry;
         EXPECT_EQ(boxesShown(), told + 1) << entry;
-        EXPECT_EQ(text(box.control), shown) << entry << ": the former text returns";
-        EXPECT_EQ(unit().get(box.member), stored) << entry;
+        EXPECT_EQ(text(row.control), shown) << entry << ": the former text returns";
+        EXPECT_EQ(unit().get(row.member), stored) << entry;
     }
     void expectOutside(const char* entry) {
         expectRefused(entry);
-        EXPECT_EQ(lastBox(),
-                  "Warning 1001: Data Input Error\n" + std::string(box.limits) + " - Invalid Entry.");
-        EXPECT_EQ(lastTitle(), "Data Input Error");
+        EXPECT_EQ(box().text,
+                  "Warning 1001: Data Input Error\n" + std::string(row.limits) + " - Invalid Entry.");
+        EXPECT_EQ(box().title, "Data Input Error");
         EXPECT_EQ(fake.windows.calls.back(), "focus frmGeneralConfig");
     }
 };
 
 TEST_P(TextBox, TakesAValueInsideItsLimits) {
     prepare();
-    EXPECT_TRUE(form.enter(box.control, box.inside));
+    EXPECT_TRUE(form.enter(row.control, row.inside));
     EXPECT_EQ(boxesShown(), 0);
     EXPECT_TRUE(form.modified());
-    EXPECT_TRUE(form.enter(box.control, text(box.control))) << "what is shown is taken again";
+    EXPECT_TRUE(form.enter(row.control, text(row.control))) << "what is shown is taken again";
 }
 
 TEST_P(TextBox, TakesADecimalCommaAsAPoint) {
     prepare();
-    EXPECT_TRUE(form.enter(box.control, box.withComma));
-    EXPECT_FLOAT_EQ(unit().get(box.member), box.commaValue);
+    EXPECT_TRUE(form.enter(row.control, row.withComma));
+    EXPECT_FLOAT_EQ(unit().get(row.member), row.commaValue);
     EXPECT_EQ(boxesShown(), 0);
 }
 
 TEST_P(TextBox, TakesItsLimitsAndNothingBeyond) {
     prepare();
-    if (std::string(box.lowest).empty()) {
-        EXPECT_TRUE(form.enter(box.control, "-123456"));
-        EXPECT_TRUE(form.enter(box.control, "123456"));
+    if (std::string(row.lowest).empty()) {
+        EXPECT_TRUE(form.enter(row.control, "-123456"));
+        EXPECT_TRUE(form.enter(row.control, "123456"));
         EXPECT_EQ(boxesShown(), 0);
         return;
     }
-    EXPECT_TRUE(form.enter(box.control, box.lowest)) << box.lowest;
-    EXPECT_TRUE(form.enter(box.control, box.highest)) << box.highest;
+    EXPECT_TRUE(form.enter(row.control, row.lowest)) << row.lowest;
+    EXPECT_TRUE(form.enter(row.control, row.highest)) << row.highest;
     EXPECT_EQ(boxesShown(), 0);
-    expectOutside(box.below);
-    expectOutside(box.above);
+    expectOutside(row.below);
+    expectOutside(row.above);
     expectOutside("-1e30");
     expectOutside("1e30");
 }
 
 TEST_P(TextBox, RefusesAnEmptyEntry) {
     prepare();
-    form.enter(box.control, box.inside);
+    form.enter(row.control, row.inside);
     for (const char* entry : {"", "   "}) {
         expectRefused(entry);
-        EXPECT_EQ(lastTitle(), "Error 1004") << entry;
+        EXPECT_EQ(box().title, "Error 1004") << entry;
     }
 }
 
@@ -212,33 +209,33 @@ TEST_P(TextBox, RefusesWhatIsNoNumber) {
     for (const char* entry :
          {"-", "abc", "12x", "1.5.2", "1,5,2", "1.,5", "--3", "nan", "inf", "0x10", "1e99"}) {
         expectRefused(entry);
-        EXPECT_EQ(lastBox(), "Warning 1000: Data Input Error\nNon-numeric value detected.\nRetype Data")
+        EXPECT_EQ(box().text, "Warning 1000: Data Input Error\nNon-numeric value detected.\nRetype Data")
             << entry;
     }
 }
 
 TEST_P(TextBox, RefusesAnEntryBeforeAModelIsChosen) {
     startNew();
-    EXPECT_FALSE(form.enter(box.control, box.inside));
-    EXPECT_EQ(lastTitle(), "Error 1004");
-    EXPECT_EQ(text(box.control), "");
+    EXPECT_FALSE(form.enter(row.control, row.inside));
+    EXPECT_EQ(box().title, "Error 1004");
+    EXPECT_EQ(text(row.control), "");
     EXPECT_FALSE(form.modified());
 }
 
 TEST_P(TextBox, ShowsWhatIsStoredAndChangesTheCalibrationInHand) {
     haveInHand();
-    EXPECT_TRUE(form.enter(box.control, box.inside));
+    EXPECT_TRUE(form.enter(row.control, row.inside));
     EXPECT_TRUE(session.DataModified);
     EXPECT_TRUE(form.modified());
-    const std::string shown = text(box.control);
+    const std::string shown = text(row.control);
     form.unload();
     form.load();
-    EXPECT_EQ(text(box.control), shown);
+    EXPECT_EQ(text(row.control), shown);
 }
 
 TEST_P(TextBox, LeavingItUntouchedChangesNothing) {
     haveInHand();
-    EXPECT_TRUE(form.enter(box.control, text(box.control)));
+    EXPECT_TRUE(form.enter(row.control, text(row.control)));
     EXPECT_FALSE(session.DataModified);
     EXPECT_EQ(boxesShown(), 0);
 }
@@ -262,7 +259,7 @@ TEST_F(GeneralConfigForm, TheNumberOfInjectorsIsAWholeOne) {
     const int told = boxesShown();
     EXPECT_FALSE(form.enter("txtINJ", "6.5"));
     EXPECT_EQ(boxesShown(), told + 1);
-    EXPECT_EQ(lastBox(), "Warning 1002: Data Input Error\nEnter Whole Numbers Only");
+    EXPECT_EQ(box().text, "Warning 1002: Data Input Error\nEnter Whole Numbers Only");
     EXPECT_EQ(text("txtINJ"), "6");
 }
 
@@ -288,7 +285,7 @@ TEST_F(GeneralConfigForm, TheBoostIsLimitedByTheSensorInItsOwnUnit) {
     }
     EXPECT_TRUE(form.enter("txtMaxBoost", "59.06"));
     EXPECT_FALSE(form.enter("txtMaxBoost", "59.07"));
-    EXPECT_THAT(lastBox(), HasSubstr("(0 to 59.06 inHg) - Invalid Entry."));
+    EXPECT_THAT(box().text, HasSubstr("(0 to 59.06 inHg) - Invalid Entry."));
     EXPECT_NEAR(unit().get("MAX_Boost"), 2, 1e-4);  // its reader answers bar
 }
 
@@ -337,7 +334,7 @@ TEST_F(GeneralConfigForm, OneOfThePeakCurrentsIsOn) {
 TEST_F(GeneralConfigForm, AClickBeforeAModelIsChosenIsRefused) {
     startNew();
     form.click("chkAlcohol", true);
-    EXPECT_EQ(lastTitle(), "Error 1004");
+    EXPECT_EQ(box().title, "Error 1004");
     EXPECT_FALSE(form.field("chkAlcohol").on);
     EXPECT_FALSE(form.enter("cmbCams", "Race / High Perf"));
     EXPECT_FALSE(form.enter("cmbEngine", fourCylinders));
@@ -415,7 +412,7 @@ TEST_F(Computed, LargerInjectorsTakeAShorterPulseAndSmallerOnesAreRefused) {
     EXPECT_EQ(text("txtLBHR"), "45.00");
     EXPECT_EQ(form.lblUAP(), "5.000");  // 10 * 22.5 / 45
     EXPECT_FALSE(form.enter("txtLBHR", "25.56"));
-    EXPECT_EQ(lastBox(), "Warning 1001: Data Input Error\n(25.57 to 500 Lbs/hr) - Invalid Entry.");
+    EXPECT_EQ(box().text, "Warning 1001: Data Input Error\n(25.57 to 500 Lbs/hr) - Invalid Entry.");
     EXPECT_EQ(text("txtLBHR"), "45.00");
     EXPECT_TRUE(form.enter("txtLBHR", "25.57"));
     EXPECT_TRUE(form.enter("txtLBHR", "500"));

@@ -1,13 +1,9 @@
 #include "app/general_config.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <fstream>
 
 #include "app/general_fixture.h"
-#include "app/main_commands.h"
 #include "config/quiet_calibration.h"
 
 namespace zentaq {
@@ -223,7 +219,7 @@ TEST_F(GeneralConfigForm, AnotherVariantKeepsAnEngineThatItHas) {
 TEST_F(GeneralConfigForm, AnUnknownModelIsNone) {
     startNew();
     EXPECT_FALSE(form.enter("cmbORB_UNIT", "ORB Z"));
-    EXPECT_EQ(lastTitle(), "Error 1004");
+    EXPECT_EQ(box().title, "Error 1004");
     EXPECT_EQ(session.slotInHand(), 0);
 }
 
@@ -287,7 +283,7 @@ TEST_F(GeneralConfigForm, NamesNoSensorUntilOneIsChosen) {
     form.enter("cmbORB_UNIT", "ORB A Standard");
     EXPECT_EQ(text("cmbMAP"), "");
     EXPECT_FALSE(form.enter("cmbMAP", "no such sensor"));
-    EXPECT_THAT(lastBox(), HasSubstr("Warning 1004"));
+    EXPECT_THAT(box().text, HasSubstr("Warning 1004"));
     EXPECT_FALSE(form.enter("cmbEngine", "no such engine"));
     EXPECT_EQ(text("cmbEngine"), "");
 }
@@ -297,7 +293,7 @@ TEST_F(GeneralConfigForm, NamesNoSensorUntilOneIsChosen) {
 TEST_F(GeneralConfigForm, WithoutAModelASensorOrAnEngineNothingIsSaved) {
     const auto expectTold = [&](const char* told) {
         EXPECT_FALSE(form.save());
-        EXPECT_THAT(lastTitle() + lastBox(), HasSubstr(told));
+        EXPECT_THAT(box().title + box().text, HasSubstr(told));
         EXPECT_THAT(fake.dialogs.requests, IsEmpty());
     };
     startNew();
@@ -315,7 +311,7 @@ TEST_F(GeneralConfigForm, WithoutADatabaseNothingIsSaved) {
     ASSERT_TRUE(form.enter("cmbORB_UNIT", "ORB A Standard"));
     EXPECT_THAT(form.field("cmbEngine").choices, IsEmpty());
     EXPECT_FALSE(form.save());
-    EXPECT_THAT(lastBox(), HasSubstr("The reference database could not be opened:\n/app/bin/data/"));
+    EXPECT_THAT(box().text, HasSubstr("The reference database could not be opened:\n/app/bin/data/"));
     EXPECT_TRUE(form.creating());
     form.unload();
     EXPECT_EQ(session.slotInHand(), 0);
@@ -351,7 +347,7 @@ TEST_F(GeneralConfigForm, SavesANewCalibrationWithItsDefaultValues) {
     EXPECT_EQ(session.FileFilterIndex, 4);
     EXPECT_EQ(fake.windows.title, "Current Calibration File: " + path);
     EXPECT_EQ(fake.windows.calls.back(), "setupNodes");
-    EXPECT_EQ(lastBox(), "Data has been saved Successfully!");
+    EXPECT_EQ(box().text, "Data has been saved Successfully!");
     EXPECT_EQ(unit().get("REV_Limiter"), 6400);
     EXPECT_EQ(unit().get("RPMTBL", 15), 6400);
     EXPECT_EQ(unit().get("RPMTBL", 0), 400);  // 6400 / 16
@@ -411,8 +407,8 @@ TEST_F(GeneralConfigForm, AsksBeforeItOverwritesAFile) {
     prepare();
     fake.dialogs.answers = {Answer::No};
     EXPECT_FALSE(saveTo(path));
-    EXPECT_EQ(lastTitle(), "File Exists");
-    EXPECT_EQ(lastBox(), "FILE EXISTS:   " + path + "\nOverwrite?");
+    EXPECT_EQ(box().title, "File Exists");
+    EXPECT_EQ(box().text, "FILE EXISTS:   " + path + "\nOverwrite?");
     EXPECT_EQ(TemporaryFolder::read(path), "something else");
     EXPECT_TRUE(form.creating());
     fake.dialogs.answers = {Answer::Yes};
@@ -435,7 +431,7 @@ TEST_F(GeneralConfigForm, ASaveThatFailsLosesNothing) {
     form.enter("txtRPM", "8100");
     const auto before = cellsOf(unit());
     EXPECT_FALSE(saveTo(fake.folder.path("no/such/folder/t.ZQ4OA")));
-    EXPECT_THAT(lastBox(), HasSubstr("The calibration could not be saved.\n"));
+    EXPECT_THAT(box().text, HasSubstr("The calibration could not be saved.\n"));
     EXPECT_TRUE(form.creating());
     EXPECT_TRUE(form.modified());
     EXPECT_EQ(session.CurrentFile, "");
@@ -470,7 +466,7 @@ TEST_F(GeneralConfigForm, ASaveThatCannotBeginLosesNothing) {
     for (int attempt = 0; attempt < 2; ++attempt) {
         fake.dialogs.files.push_back(fake.folder.path("t.ZQ4OA"));
         EXPECT_FALSE(onIt.save());
-        EXPECT_THAT(lastBox(),
+        EXPECT_THAT(box().text,
                     HasSubstr("The calibration could not be saved.\nCannot begin a save: no memory"));
         EXPECT_FALSE(refused.saving.running());
         EXPECT_TRUE(onIt.creating());
@@ -485,7 +481,7 @@ TEST_F(GeneralConfigForm, ADatabaseThatFailsLeavesNoHalfMadeCalibration) {
     // The file is damaged behind the back of the open handle.
     std::ofstream(database, std::ios::binary | std::ios::trunc) << std::string(4096, 'x');
     EXPECT_FALSE(saveTo(fake.folder.path("t.ZQ4OA")));
-    EXPECT_THAT(lastBox(), HasSubstr("The default values could not be loaded."));
+    EXPECT_THAT(box().text, HasSubstr("The default values could not be loaded."));
     EXPECT_FALSE(std::filesystem::exists(fake.folder.path("t.ZQ4OA")));
     EXPECT_EQ(cellsOf(unit()), before);
     EXPECT_TRUE(form.creating());
@@ -727,7 +723,7 @@ TEST_F(GeneralConfigForm, ACalibrationInHandThatCannotBeSavedStaysModified) {
     session.CurrentFile = gone;
     unit().BinFile(gone);
     EXPECT_FALSE(form.save());
-    EXPECT_EQ(lastTitle(), "File Save Error");
+    EXPECT_EQ(box().title, "File Save Error");
     EXPECT_TRUE(session.DataModified);
     EXPECT_TRUE(form.modified());
 }
@@ -735,7 +731,7 @@ TEST_F(GeneralConfigForm, ACalibrationInHandThatCannotBeSavedStaysModified) {
 TEST_F(GeneralConfigForm, ACalibrationInHandKeepsItsKind) {
     haveInHand();
     EXPECT_FALSE(form.enter("cmbORB_UNIT", "ORB L"));
-    EXPECT_THAT(lastBox(), HasSubstr("cannot become one for ORB L"));
+    EXPECT_THAT(box().text, HasSubstr("cannot become one for ORB L"));
     EXPECT_EQ(session.slotInHand(), 3);
     EXPECT_TRUE(form.enter("cmbORB_UNIT", "ORB A 6/12"));
     EXPECT_EQ(session.database->config(session.CurrentFile)->orbName, "ORB A 6/12");
@@ -771,7 +767,7 @@ TEST_F(GeneralConfigForm, EveryEngineOfEveryModelMakesACalibrationThatOpensAgain
     for (const ModelEntry& model : modelEntries()) {
         for (const EngineRow& engine : enginesOfModel(*session.database, model)) {
             const std::string what = std::string(model.name) + ", " + engine.displayValue;
-            fake.dialogs.boxes.clear();
+            boxes().clear();
             session.header().fileState = "NEW";
             form.load();
             ASSERT_TRUE(form.enter("cmbORB_UNIT", model.name)) << what;
@@ -780,7 +776,7 @@ TEST_F(GeneralConfigForm, EveryEngineOfEveryModelMakesACalibrationThatOpensAgain
             fake.dialogs.answers = {Answer::Yes, Answer::Yes};
             ASSERT_TRUE(saveTo(fake.folder.path("t" + std::string(unit().kind().extension)))) << what;
             // Nothing was refused: the only boxes are the two of saving.
-            for (const Box& box : fake.dialogs.boxes) {
+            for (const Box& box : boxes()) {
                 EXPECT_THAT(box.title, ::testing::AnyOf("Data Saved.", "File Exists")) << what << box.text;
             }
             const auto again = QuietCalibration::open(session.CurrentFile, &*session.database);

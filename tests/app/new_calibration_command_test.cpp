@@ -1,49 +1,28 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <filesystem>
-#include <fstream>
 
 #include "app/calibration_floats.h"
-#include "app/fake_platform.h"
-#include "app/main_commands.h"
-#include "app/menu.h"
+#include "app/command_fixture.h"
 
 namespace zentaq {
 namespace {
 
 using ::testing::Contains;
+using ::testing::ElementsAre;
 using ::testing::Not;
 
-class NewCalibrationCommand : public ::testing::Test {
+class NewCalibrationCommand : public CommandTest {
  protected:
-    FakeSession fake;
-    Session& session = fake.session;
-    MainCommands commands{session};
-
-    NewCalibrationCommand() { session.makeUnits(); }
-
     /// An ORB A calibration of the newest length, in hand.
     void openFile() {
-        fake.dialogs.files.push_back(writeFloats(path(), wholeFloats()));
-        commands.files.open();
-        fake.dialogs.boxes.clear();
-        fake.windows.calls.clear();
+        open(writeFloats(path(), wholeFloats()));
+        forget();
     }
     std::string path() const { return fake.folder.path("tune.ZQ4OA"); }
-
-    bool enabled(std::string_view entry) const {
-        for (const MenuEntry& row : menuTree()) {
-            if (row.name == entry) return row.enabled != nullptr && row.enabled(fake.session);
-        }
-        ADD_FAILURE() << entry << " is no entry";
-        return false;
-    }
 };
 
 TEST_F(NewCalibrationCommand, OpensTheFormWithoutAQuestionWhenNothingIsInHand) {
     commands.files.newCalibration();
-    EXPECT_TRUE(fake.dialogs.boxes.empty());
+    EXPECT_TRUE(boxes().empty());
     EXPECT_TRUE(session.creating());
     EXPECT_THAT(fake.windows.calls, Contains("general config"));
 }
@@ -52,24 +31,19 @@ TEST_F(NewCalibrationCommand, OffersToSaveTheCalibrationInHand) {
     openFile();
     fake.dialogs.answers = {Answer::No};
     commands.files.newCalibration();
-    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
-    EXPECT_EQ(fake.dialogs.boxes[0].title, "Save Data?");
-    EXPECT_EQ(fake.dialogs.boxes[0].text,
-              "Would you like to save the Current .BIN file before creating a new one?");
-    EXPECT_EQ(fake.dialogs.boxes[0].buttons, Buttons::YesNo);
+    EXPECT_THAT(boxes(), ElementsAre(IsBox(
+                             "Save Data?",
+                             "Would you like to save the Current .BIN file before creating a new one?")));
+    EXPECT_EQ(box().buttons, Buttons::YesNo);
     EXPECT_TRUE(session.creating());
 }
 
 TEST_F(NewCalibrationCommand, SavesOnYesBeforeTheFormOpens) {
     openFile();
-    session.currentUnitObject().set("REV_Limiter", 6250.0);
+    unit().set("REV_Limiter", 6250.0);
     fake.dialogs.answers = {Answer::Yes};
     commands.files.newCalibration();
-    std::ifstream file(path(), std::ios::binary);
-    file.seekg((3 + 58) * 4);
-    float limit = 0;
-    file.read(reinterpret_cast<char*>(&limit), sizeof limit);
-    EXPECT_EQ(limit, 6250.0f);
+    EXPECT_EQ(limitIn(path()), 6250);
     EXPECT_THAT(fake.windows.calls, Contains("general config"));
 }
 
@@ -96,15 +70,14 @@ TEST_F(NewCalibrationCommand, AnUnsavedNewCalibrationStopsOpeningClosingProgramm
     openFile();
     commands.files.newCalibration();
     fake.windows.leavesGeneralConfig = false;
-    fake.dialogs.requests.clear();
-    fake.dialogs.boxes.clear();
+    forget();
 
     commands.files.open();
     EXPECT_TRUE(fake.dialogs.requests.empty());
     commands.files.close();
     EXPECT_EQ(session.CurrentFile, path());
     commands.programming.programOrb();
-    EXPECT_TRUE(fake.dialogs.boxes.empty());
+    EXPECT_TRUE(boxes().empty());
     bool goesOn = false;
     commands.saves.offerToSave([&] { goesOn = true; });
     EXPECT_FALSE(goesOn);
@@ -117,7 +90,7 @@ TEST_F(NewCalibrationCommand, SaveAndSaveAsBelongToTheForm) {
     fake.windows.calls.clear();
     commands.saves.save();
     commands.saves.saveAs();
-    EXPECT_THAT(fake.windows.calls, ::testing::ElementsAre("save general config", "save general config"));
+    EXPECT_THAT(fake.windows.calls, ElementsAre("save general config", "save general config"));
     EXPECT_EQ(std::filesystem::last_write_time(path()), before);
 }
 
@@ -132,7 +105,7 @@ TEST_F(NewCalibrationCommand, TablesWaitForTheDefaultValues) {
     commands.files.newCalibration();
     fake.windows.calls.clear();
     commands.openTable("VE", "Volumetric Efficiency Table");
-    EXPECT_THAT(fake.windows.calls, ::testing::ElementsAre("general config"));
+    EXPECT_THAT(fake.windows.calls, ElementsAre("general config"));
 }
 
 TEST_F(NewCalibrationCommand, TheNodeOfTheGeneralParametersOpensTheFormForTheCalibrationInHand) {
@@ -145,7 +118,7 @@ TEST_F(NewCalibrationCommand, TheNodeOfTheGeneralParametersOpensTheFormForTheCal
 TEST(WindowCommands, HelpIsLoggedAndOpensTheGuidesContents) {
     FakeSession fake;
     MainCommands(fake.session).help();
-    EXPECT_THAT(fake.windows.calls, ::testing::ElementsAre("help "));
+    EXPECT_THAT(fake.windows.calls, ElementsAre("help "));
     EXPECT_THAT(fake.session.console.lines().back(), ::testing::HasSubstr(" - HELP: Opening Help File."));
 }
 

@@ -1,18 +1,12 @@
 // The open and save commands on files of the older generation.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <filesystem>
-
-#include "app/fake_platform.h"
-#include "app/main_commands.h"
-#include "app/while_box_stands.h"
+#include "app/command_fixture.h"
 #include "base/errors.h"
 #include "unit/old_file_encoder.h"
 
 namespace zentaq {
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using zentaq::testing::LegacyFile;
@@ -23,17 +17,8 @@ constexpr const char* updated =
 constexpr const char* oldFormat =
     "This is an old format file.  You MUST do a 'Save As...' to save the file again.";
 
-class OldFileCommands : public ::testing::Test {
+class OldFileCommands : public CommandTest {
  protected:
-    FakeSession fake;
-    Session& session = fake.session;
-    MainCommands commands{session};
-
-    OldFileCommands() {
-        session.makeUnits();
-        session.DatabaseFile = builtReference();  // opened by what needs it
-    }
-
     std::string file(const std::string& name, std::size_t bytes = 8704) {
         LegacyFile cells(static_cast<int>(bytes / 4));
         cells[292] = 1;
@@ -42,33 +27,28 @@ class OldFileCommands : public ::testing::Test {
         content.resize(bytes, '\0');
         return fake.folder.write(name, content);
     }
-    void open(const std::string& path) {
-        fake.dialogs.files.push_back(path);
-        commands.files.open();
-    }
-    std::vector<std::string> boxTexts() const {
+    std::vector<std::string> boxTexts() {
         std::vector<std::string> texts;
-        for (const Box& box : fake.dialogs.boxes) texts.push_back(box.text);
+        for (const Box& box : boxes()) texts.push_back(box.text);
         return texts;
     }
-    bool logged(const std::string& text) const { return hasLine(session.console, text); }
 };
 
 TEST_F(OldFileCommands, EachLengthOpensAsItsKind) {
     const std::pair<std::size_t, int> lengths[] = {{8704, 3}, {8720, 3}, {9312, 4}, {4804, 5}};
     for (const auto& [bytes, slot] : lengths) {
         const std::string path = file("tune.BIN", bytes);
-        fake.dialogs.boxes.clear();
+        boxes().clear();
         open(path);
         EXPECT_EQ(session.slotInHand(), slot) << bytes;
         EXPECT_EQ(session.CurrentFile, path);
-        EXPECT_EQ(session.currentUnitObject().BinFile(), path);
-        EXPECT_EQ(session.currentUnitObject().get("REV_Limiter"), 6500);
-        EXPECT_EQ(session.FileFilterIndex, session.currentUnitObject().kind().fileFilter);
+        EXPECT_EQ(unit().BinFile(), path);
+        EXPECT_EQ(unit().get("REV_Limiter"), 6500);
+        EXPECT_EQ(session.FileFilterIndex, unit().kind().fileFilter);
         EXPECT_EQ(session.header().fileState, "OLD");
         EXPECT_FALSE(session.DataModified);
         EXPECT_EQ(fake.windows.title, "Current Calibration File: " + path);
-        EXPECT_THAT(boxTexts(), ::testing::ElementsAre(updated, oldFormat));
+        EXPECT_THAT(boxTexts(), ElementsAre(updated, oldFormat));
         EXPECT_TRUE(logged("Opened Bin File: "));
         EXPECT_TRUE(logged("Loaded Calibration: "));
         EXPECT_FALSE(logged("Short file")) << "old files have their own lengths";
@@ -85,14 +65,13 @@ TEST_F(OldFileCommands, OtherLengthsEndInTheFormatBoxWithTheFormerCalibrationInP
     open(first);
     for (const std::size_t bytes : {std::size_t{0}, std::size_t{8703}, std::size_t{8705}, std::size_t{8718},
                                     std::size_t{11324}, std::size_t{20000}}) {
-        fake.dialogs.boxes.clear();
+        boxes().clear();
         open(fake.folder.write("other.BIN", std::string(bytes, '\0')));
-        ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
-        EXPECT_EQ(fake.dialogs.boxes[0].title, "File Format Error");
-        EXPECT_EQ(fake.dialogs.boxes[0].text,
-                  "INCORRECT FILE SIZE:   " + std::to_string(bytes) + "\nEnter a new filename?");
+        EXPECT_THAT(boxes(),
+                    ElementsAre(IsBox("File Format Error", "INCORRECT FILE SIZE:   " + std::to_string(bytes) +
+                                                               "\nEnter a new filename?")));
         EXPECT_EQ(session.CurrentFile, first);
-        EXPECT_EQ(session.currentUnitObject().get("REV_Limiter"), 6500);
+        EXPECT_EQ(unit().get("REV_Limiter"), 6500);
     }
 }
 
@@ -109,10 +88,8 @@ TEST_F(OldFileCommands, ACustomSensorIsToldBeforeTheUpdate) {
     LegacyFile cells;
     cells[292] = 5;
     open(fake.folder.write("custom.BIN", cells.bytes()));
-    ASSERT_EQ(fake.dialogs.boxes.size(), 3u);
-    EXPECT_THAT(fake.dialogs.boxes[0].text, HasSubstr("appears to use a custom MAP sensor."));
-    EXPECT_EQ(fake.dialogs.boxes[1].text, updated);
-    EXPECT_EQ(fake.dialogs.boxes[2].text, oldFormat);
+    EXPECT_THAT(boxTexts(),
+                ElementsAre(HasSubstr("appears to use a custom MAP sensor."), updated, oldFormat));
 }
 
 TEST_F(OldFileCommands, SaveGoesTheWayOfSaveAsAndLeavesTheOldFileWhole) {
@@ -147,12 +124,12 @@ TEST_F(OldFileCommands, ChangesAreSavedUnderANewNameBeforeAnotherFileComes) {
     const std::string target = fake.folder.path("kept.ZQ4OA");
     const std::string second = file("second.BIN", 9312);
     open(path);
-    session.currentUnitObject().set("KNK_MIN", 50.0);
+    unit().set("KNK_MIN", 50.0);
     session.markModified();
-    fake.dialogs.boxes.clear();
+    boxes().clear();
     fake.dialogs.files = {target, second};
     commands.files.open();
-    EXPECT_EQ(fake.dialogs.boxes[0].text, "Save changes?");
+    EXPECT_EQ(boxes()[0].text, "Save changes?");
     EXPECT_EQ(TemporaryFolder::read(path), before);
     EXPECT_EQ(std::filesystem::file_size(target), 11324u);
     EXPECT_EQ(session.CurrentFile, second);
@@ -162,12 +139,12 @@ TEST_F(OldFileCommands, ChangesAreSavedUnderANewNameBeforeAnotherFileComes) {
 TEST_F(OldFileCommands, AWantedSaveThatIsCancelledKeepsTheCalibrationInHand) {
     const std::string path = file("tune.BIN");
     open(path);
-    session.currentUnitObject().set("KNK_MIN", 50.0);
+    unit().set("KNK_MIN", 50.0);
     session.markModified();
     commands.files.open();  // OK to save, then no name
     EXPECT_EQ(session.CurrentFile, path);
     EXPECT_TRUE(session.DataModified);
-    EXPECT_EQ(session.currentUnitObject().get("KNK_MIN"), 50);
+    EXPECT_EQ(unit().get("KNK_MIN"), 50);
 }
 
 /// Windows that cannot show a box while a file is read.
@@ -183,17 +160,16 @@ TEST_F(OldFileCommands, AnImportThatFailsHalfWayLeavesTheFormerCalibration) {
     other[58] = 8000;
     FailingWindows failing;
     session.attach(failing);
-    fake.dialogs.boxes.clear();
+    boxes().clear();
     open(fake.folder.write("other.BIN", other.bytes()));
     session.attach(fake.windows);
-    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
-    EXPECT_EQ(fake.dialogs.boxes[0].title, "File Read Error");
-    EXPECT_EQ(fake.dialogs.boxes[0].text,
-              "FILE POSSIBLY CORRUPT:   other.BIN\nDo you want to enter a new filename?");
+    EXPECT_THAT(boxes(), ElementsAre(IsBox(
+                             "File Read Error",
+                             "FILE POSSIBLY CORRUPT:   other.BIN\nDo you want to enter a new filename?")));
     EXPECT_TRUE(logged("Calibration file not read: no window"));
     EXPECT_EQ(session.CurrentFile, first);
     EXPECT_EQ(session.slotInHand(), 3);
-    EXPECT_EQ(session.currentUnitObject().get("REV_Limiter"), 6500);
+    EXPECT_EQ(unit().get("REV_Limiter"), 6500);
     EXPECT_EQ(session.Units(4).get("REV_Limiter"), 0);
 }
 

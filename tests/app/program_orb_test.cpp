@@ -1,12 +1,6 @@
 // The command "Program ORB" while the world behind its boxes goes on, and what other commands do to the link.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include "app/calibration_floats.h"
-#include "app/fake_platform.h"
-#include "app/main_commands.h"
-#include "app/menu.h"
-#include "app/while_box_stands.h"
+#include "app/command_fixture.h"
 
 namespace zentaq {
 namespace {
@@ -17,33 +11,11 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
-using Bytes = std::vector<std::uint8_t>;
-
-Bytes sealed(Bytes reply, std::size_t length) {
-    reply.resize(length - 1);
-    unsigned sum = 0;
-    for (std::size_t i = 2; i < reply.size(); ++i) sum += reply[i];
-    reply.push_back(static_cast<std::uint8_t>(sum));
-    return reply;
-}
-
-Bytes identifyReply(std::uint32_t serial) {
-    const auto byte = [&](int shift) { return static_cast<std::uint8_t>(serial >> shift); };
-    return sealed({0xFA, 0xA5, 0x55, byte(24), byte(16), byte(8), byte(0)}, 8);
-}
-
-Bytes firmwareReply(std::string_view firmware, std::size_t length) {
-    Bytes reply{0xFA, 0xA5, 0x55};
-    reply.resize(27, ' ');
-    reply.insert(reply.end(), firmware.begin(), firmware.end());
-    return sealed(std::move(reply), length);
-}
-
 constexpr std::uint32_t firstOrbA = 200001;
 constexpr std::uint32_t secondOrbA = 200002;
 constexpr std::uint32_t someOrbL = 300001;
 
-class ProgramOrb : public ::testing::Test {
+class ProgramOrb : public ProgramTest {
  protected:
     ProgramOrb() {
         session.makeUnits();
@@ -60,10 +32,9 @@ class ProgramOrb : public ::testing::Test {
         return floats;
     }
     void openCalibration(const std::vector<float>& floats = soundCalibration()) {
-        fake.dialogs.files = {writeFloats(fake.folder.path("tune.ZQ4OA"), floats)};
-        commands.files.open();
+        open(writeFloats(fake.folder.path("tune.ZQ4OA"), floats));
         ASSERT_EQ(session.slotInHand(), 3);
-        fake.dialogs.boxes.clear();
+        boxes().clear();
         fake.windows.calls.clear();
     }
     /// 7000 bytes of it.
@@ -72,37 +43,12 @@ class ProgramOrb : public ::testing::Test {
         floats.resize(1750);
         openCalibration(floats);
     }
-    void ticks(int count) {
-        for (int i = 0; i < count; ++i) session.link.tick();
-    }
-    void answer(const Bytes& reply) {
-        fake.port.deliver(reply);
-        ticks(2);  // handled, and the next command goes out
-    }
-    void identify(std::uint32_t serial) {
-        session.link.Send_ORB_Command("E");
-        ticks(1);
-        answer(identifyReply(serial));
-    }
     /// The unit tells a firmware of release 4, so that its configuration is not asked for.
     void link(std::uint32_t serial) {
         identify(serial);
-        answer(firmwareReply(serial < 300000 ? "ZQA-504099" : "ZQL-504099", serial < 300000 ? 39 : 38));
+        const bool orbA = serial < 300000;
+        answer(firmwareReply("", orbA ? "ZQA-504099" : "ZQL-504099", orbA ? 39 : 38));
         ASSERT_TRUE(session.link.linked().UnitIdentified);
-    }
-    void loseUnit() {
-        session.link.Send_ORB_Command("F");
-        ticks(90);
-        ASSERT_EQ(session.link.linked().LinkedUnitKind, 0);
-    }
-    /// Happens while the first box of this title stands.
-    void during(const std::string& title, std::function<void()> happens) {
-        whileBoxStands(fake.dialogs, title, std::move(happens));
-    }
-    std::vector<std::string> titles() const { return titlesOf(fake.dialogs); }
-    bool logged(const std::string& text) const { return hasLine(session.console, text); }
-    bool sent(const std::string& command) const {
-        return std::ranges::count(fake.port.written, command) != 0;
     }
     void expectNothingSent() {
         EXPECT_FALSE(session.link.transfer().pending());
@@ -111,10 +57,6 @@ class ProgramOrb : public ::testing::Test {
         ticks(5);
         EXPECT_FALSE(sent("P1"));
     }
-
-    FakeSession fake;
-    Session& session = fake.session;
-    MainCommands commands{session};
 };
 
 TEST_F(ProgramOrb, GoesOutWhereNothingHappensMeanwhile) {
@@ -122,8 +64,7 @@ TEST_F(ProgramOrb, GoesOutWhereNothingHappensMeanwhile) {
     link(firstOrbA);
     session.DataModified = true;
     commands.programming.programOrb();
-    EXPECT_THAT(titles(), ElementsAre("Warning 1007", "SAVE", "Data Saved."))
-        << fake.dialogs.boxes.back().text;
+    EXPECT_THAT(titles(), ElementsAre("Warning 1007", "SAVE", "Data Saved.")) << box().text;
     EXPECT_TRUE(session.link.transfer().pending());
     ticks(3);
     EXPECT_TRUE(sent("P1"));
@@ -135,11 +76,10 @@ TEST_F(ProgramOrb, ACutFileIsAskedAboutAndGoesOutOnYesAlone) {
     openCutCalibration();
     link(firstOrbA);
     commands.programming.programOrb();
-    const Box box = fake.dialogs.boxes.back();
-    EXPECT_EQ(box.title, "Program ORB");
-    EXPECT_THAT(box.text,
+    EXPECT_EQ(box().title, "Program ORB");
+    EXPECT_THAT(box().text,
                 HasSubstr("The file ends early: 1081 of its 2828 cells are missing and were taken as 0."));
-    EXPECT_TRUE(box.declines);
+    EXPECT_TRUE(box().declines);
     EXPECT_TRUE(logged("Not programmed: the user thought better of it."));
     expectNothingSent();
     during("Program ORB", [&] { fake.dialogs.answers = {Answer::Yes}; });
@@ -155,7 +95,7 @@ TEST_F(ProgramOrb, ACutFileIsAskedAboutBehindItsSaveToo) {
     ASSERT_THAT(titles(), ElementsAre("Damaged File", "Data Saved."));
     commands.programming.programOrb();
     EXPECT_EQ(titles().back(), "Program ORB");
-    EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("1081 of its 2828 cells are missing"));
+    EXPECT_THAT(box().text, HasSubstr("1081 of its 2828 cells are missing"));
     expectNothingSent();
 }
 
@@ -178,7 +118,7 @@ TEST_F(ProgramOrb, AnAxisThatDoesNotRiseIsAskedAbout) {
     link(firstOrbA);
     commands.programming.programOrb();
     EXPECT_THAT(
-        fake.dialogs.boxes.back().text,
+        box().text,
         HasSubstr("\nRPM axis of the tables: 9000 is followed by 1500.\nProgram the unit all the same?"));
     expectNothingSent();
 }
@@ -200,7 +140,7 @@ TEST_F(ProgramOrb, ALinkThatIsLostWhileABoxStandsIsError1005) {
     for (const std::string title : {"Warning 1007", "SAVE", "Data Saved."}) {
         link(firstOrbA);
         session.DataModified = true;
-        fake.dialogs.boxes.clear();
+        boxes().clear();
         during(title, [&] { loseUnit(); });
         commands.programming.programOrb();
         EXPECT_EQ(titles().back(), "Error 1005") << title;
@@ -240,7 +180,7 @@ TEST_F(ProgramOrb, AnotherUnitOfTheKindThatComesWhileABoxStandsIsToldByItsNumber
     });
     commands.programming.programOrb();
     EXPECT_EQ(titles().back(), "Program ORB");
-    EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("200002 in the place of 200001"));
+    EXPECT_THAT(box().text, HasSubstr("200002 in the place of 200001"));
     expectNothingSent();
     commands.programming.programOrb();
     EXPECT_TRUE(session.link.transfer().pending()) << "the user means this one";
@@ -255,7 +195,7 @@ TEST_F(ProgramOrb, ATransferThatBeginsWhileABoxStandsIsNotDisturbed) {
     });
     commands.programming.programOrb();
     EXPECT_THAT(titles(), ElementsAre("Warning 1007", "Zentaq4"));
-    EXPECT_EQ(fake.dialogs.boxes.back().text, "A transfer is running.  Please wait until it has ended.");
+    EXPECT_EQ(box().text, "A transfer is running.  Please wait until it has ended.");
     EXPECT_TRUE(session.link.AutoPollSuspended());
     EXPECT_TRUE(session.link.transfer().pending());
     EXPECT_FALSE(session.link.transfer().programming());
@@ -278,10 +218,10 @@ TEST_F(ProgramOrb, ACalibrationThatCannotBeBroughtToTheFirmwareOfTheUnitIsToldBe
     session.DatabaseFile = fake.folder.path("none.pak");
     link(firstOrbA);
     session.DataModified = true;
-    fake.dialogs.boxes.clear();
+    boxes().clear();
     commands.programming.programOrb();
     EXPECT_THAT(titles(), ElementsAre("Program ORB"));
-    EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("Nothing was sent to the unit."));
+    EXPECT_THAT(box().text, HasSubstr("Nothing was sent to the unit."));
     expectNothingSent();
 }
 
@@ -329,7 +269,7 @@ TEST_F(ProgramOrb, CommandsThatStoreProgramSaveOrCloseComeBehindTheEditsTypedBef
                             "after Open an Existing Calibration File", "after Firmware Upgrade"));
     ticks(5);
     EXPECT_FALSE(sent("S"));
-    EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
+    EXPECT_THAT(boxes(), IsEmpty());
     EXPECT_THAT(fake.dialogs.requests, ElementsAre(::testing::_)) << "of the opening at the start";
     session.attach(fake.windows);
 }
@@ -344,7 +284,7 @@ TEST_F(ProgramOrb, StoringGoesOutBehindTheRecordOfAnEditThatWaited) {
     typing.unitAnswers();
     fake.port.written.clear();
     ticks(1);
-    answer({'A', 'X'});
+    answer("AX");
     EXPECT_THAT(fake.port.written, ElementsAre("P2S10411228048", "S"));
     session.attach(fake.windows);
 }
@@ -361,9 +301,9 @@ TEST_F(ProgramOrb, KillEnginePassesEveryCommandThatWaitsAndLeavesALine) {
     session.link.Send_ORB_Command("T");
     commands.unit.killEngine();
     EXPECT_TRUE(logged("USER: Kill Engine Requested."));
-    answer(Bytes(65, 0));
+    answer(std::string(65, '\0'));
     EXPECT_THAT(fake.port.written, ElementsAre("K"));
-    answer({'A', 'X'});
+    answer("AX");
     EXPECT_THAT(fake.port.written, ElementsAre("K", "P2S10411228048"));
 }
 
@@ -373,34 +313,29 @@ TEST_F(ProgramOrb, KillEngineGoesOutInADownloadWhichGoesOnBehindIt) {
     ticks(1);
     ASSERT_TRUE(session.link.transfer().active());
     commands.unit.killEngine();
-    EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
+    EXPECT_THAT(boxes(), IsEmpty());
     fake.port.written.clear();
-    answer(sealed({0xFA, 0xA5, 0x55, 10}, 33));
+    answer(framed(33, {{3, 10}}));
     EXPECT_THAT(fake.port.written, ElementsAre("K"));
-    answer({'A', 'X'});
+    answer("AX");
     EXPECT_THAT(fake.port.written, ElementsAre("K", "D"));
     EXPECT_TRUE(session.link.transfer().pending());
 }
 
 TEST_F(ProgramOrb, KillEngineIsRefusedOnlyWhereTheWireIsReallyTaken) {
-    const auto enabled = [&] {
-        for (const MenuEntry& entry : menuTree()) {
-            if (entry.name == "mnuMonitor_KillEngine") return entry.enabled(session);
-        }
-        return false;
-    };
+    const auto enabled = [&] { return ProgramTest::enabled("mnuMonitor_KillEngine"); };
     openCalibration();
     link(firstOrbA);
     commands.programming.programOrb();
-    fake.dialogs.boxes.clear();
+    boxes().clear();
     ASSERT_TRUE(session.link.transfer().pending());
     EXPECT_TRUE(enabled()) << "the run still waits";
     commands.unit.killEngine();
-    EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
+    EXPECT_THAT(boxes(), IsEmpty());
     fake.port.written.clear();
     ticks(1);
     EXPECT_THAT(fake.port.written, ElementsAre("K"));
-    answer({'A', 'X'});
+    answer("AX");
     ASSERT_THAT(fake.port.written, ElementsAre("K", "P1"));
     EXPECT_TRUE(enabled()) << "its refusal says why";
     commands.unit.killEngine();
@@ -434,45 +369,28 @@ TEST_F(ProgramOrb, KillEngineGoesOutThoughNoUnitIsKnownAndIsToldWhereNoPortIsOpe
     ticks(1);
     EXPECT_TRUE(sent("K"));
     session.link.RS232_Close();
-    fake.dialogs.boxes.clear();
+    boxes().clear();
     commands.unit.killEngine();
-    ASSERT_FALSE(fake.dialogs.boxes.empty());
-    EXPECT_EQ(fake.dialogs.boxes.back().text, "Kill Engine was not sent: no port is open.");
+    ASSERT_FALSE(boxes().empty());
+    EXPECT_EQ(box().text, "Kill Engine was not sent: no port is open.");
 }
 
 // ---- Ports
 
-/// While a search yields, the user asks for more.
-class AskingYield : public Yield {
- public:
-    AskingYield(FakeClock& clock) : clock_(clock) {}
-    void yield() override {
-        clock_.nowUs += 20'000;
-        if (once) std::exchange(once, {})();
-    }
-    std::function<void()> once;
-
- private:
-    FakeClock& clock_;
-};
-
-class PortSearch : public ::testing::Test {
+/// While a search yields time passes, and the user asks for more.
+class PortSearch : public ProgramTest {
  protected:
-    FakeSession fake;
-    AskingYield yield{fake.clock};
-    Session session{Platform{fake.port, fake.ticker, fake.clock, fake.settings, fake.dialogs, yield,
-                             fake.folder.path(), fake.folder.path()}};
-    MainCommands commands{session};
+    PortSearch() {
+        fake.yield.passing = [this] { fake.clock.nowUs += 20'000; };
+    }
 };
 
 TEST_F(PortSearch, ASecondOneIsRefusedWhileOneRunsAndTheFirstGoesOn) {
-    fake.port.presentNumber = 0;
     int second = -1;
     int opensThen = 0;
-    yield.once = [] {};
     session.link.commPort(1);
     fake.port.presentNumber = 12;
-    yield.once = [&] {
+    fake.yield.meanwhile = [&] {
         const int before = fake.port.opens;
         second = commands.unit.autodetectPort();
         opensThen = fake.port.opens - before;
@@ -480,23 +398,23 @@ TEST_F(PortSearch, ASecondOneIsRefusedWhileOneRunsAndTheFirstGoesOn) {
     EXPECT_EQ(commands.unit.autodetectPort(), 0);
     EXPECT_EQ(second, 0);
     EXPECT_EQ(opensThen, 0) << "the port of the first search stays as it is";
-    ASSERT_FALSE(fake.dialogs.boxes.empty());
-    EXPECT_EQ(fake.dialogs.boxes.front().text,
+    ASSERT_FALSE(boxes().empty());
+    EXPECT_EQ(boxes().front().text,
               "A unit is being searched on the ports.  Please wait until that has ended.");
 }
 
 TEST_F(PortSearch, NoOtherPortIsChosenUnderIt) {
     fake.port.presentNumber = 5;
-    yield.once = [&] { commands.unit.choosePort(3); };
+    fake.yield.meanwhile = [&] { commands.unit.choosePort(3); };
     commands.unit.autodetectPort();
     EXPECT_EQ(fake.settings.get("System", "CommPort"), "");
-    EXPECT_THAT(fake.dialogs.boxes.front().text, HasSubstr("is being searched"));
+    EXPECT_THAT(boxes().front().text, HasSubstr("is being searched"));
 }
 
 TEST_F(PortSearch, StoresThePortThatTheUnitAnsweredOn) {
     fake.port.presentNumber = 5;
     session.makeUnits();
-    yield.once = [&] {
+    fake.yield.meanwhile = [&] {
         session.link.tick();
         ASSERT_EQ(session.link.CurrentCommand(), "E");
         session.link.commPort(9);
@@ -518,7 +436,7 @@ TEST_F(ProgramOrb, AMonitorSessionLeavesAPortThatIsAnsweringOpen) {
     commands.unit.loadCommand(2);
     EXPECT_TRUE(session.Monitoring);
     EXPECT_EQ(fake.port.opens, opens);
-    answer(firmwareReply("ZQA-504099", 39));
+    answer(firmwareReply("", "ZQA-504099"));
     EXPECT_TRUE(session.link.linked().UnitIdentified);
 }
 
@@ -538,7 +456,7 @@ TEST_F(ProgramOrb, ALostAnswerIsFollowedByTheBoxesOfOneUnitOnce) {
         const std::string command = session.link.CurrentCommand();
         if (session.link.ResponseReady() || command.empty()) continue;
         if (command == "E") fake.port.deliver(identifyReply(firstOrbA));
-        if (command == "B" && --lost < 0) fake.port.deliver(firmwareReply("ZQA-504099", 39));
+        if (command == "B" && --lost < 0) fake.port.deliver(firmwareReply("", "ZQA-504099"));
         if (command == "B" && lost == 0) lost = -1000;  // this one answer is lost
         if (lost == -1000 && command == "B") {
             for (int wait = 0; wait < 1001; ++wait) {
@@ -546,8 +464,8 @@ TEST_F(ProgramOrb, ALostAnswerIsFollowedByTheBoxesOfOneUnitOnce) {
                 if (wait % 8 == 0) session.poller.fire(view);
             }
         }
-        if (command == "F") fake.port.deliver(Bytes(35, 0));
-        if (command == "T") fake.port.deliver(sealed({0xFA, 0xA5, 0x55}, 16));
+        if (command == "F") fake.port.deliver(std::string(35, '\0'));
+        if (command == "T") fake.port.deliver(framed(16, {}));
     }
     EXPECT_TRUE(session.link.linked().UnitIdentified);
     EXPECT_THAT(titles(), ElementsAre("Unit Type Mismatch", ""));
@@ -589,7 +507,7 @@ TEST_F(ProgramOrb, ARefusalInsideATickIsToldFromTheEventLoopAndAQuestionIsDeclin
     } windows(session);
     session.attach(windows);
     ticks(1);
-    EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
+    EXPECT_THAT(boxes(), IsEmpty());
     ASSERT_EQ(windows.waiting.size(), 1u);
     windows.runEvents();
     EXPECT_THAT(titles(), ElementsAre("Data Input Error"));

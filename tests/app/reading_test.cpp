@@ -1,14 +1,9 @@
 // What comes while a calibration file is read, since reading lets events in: it is meant for a calibration in
 // hand, and comes behind the opening.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <fstream>
 
 #include "app/calibration_floats.h"
-#include "app/fake_platform.h"
-#include "app/main_commands.h"
-#include "app/start_up.h"
+#include "app/command_fixture.h"
 
 namespace zentaq {
 namespace {
@@ -18,18 +13,12 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
-class Reading : public ::testing::Test {
+class Reading : public CommandTest {
  protected:
-    FakeSession fake;
-    Session& session = fake.session;
-    MainCommands commands{session};
-    Kernel kernel{session, commands};
     std::string former = file("former.ZQ4OA", 3);
     std::string next = file("next.ZQ4OL", 4);
 
     Reading() {
-        session.makeUnits();
-        session.DatabaseFile = builtReference();
         fake.ticker.start();
         open(former);
         fake.ticker.run(2);
@@ -40,19 +29,10 @@ class Reading : public ::testing::Test {
         floats[3 + 58] = 6500;
         return writeFloats(fake.folder.path(name), floats);
     }
-    void open(const std::string& path) {
-        fake.dialogs.files.push_back(path);
-        commands.files.open();
-    }
     void openMeanwhile(const std::string& path, std::function<void()> meanwhile) {
         fake.yield.meanwhile = std::move(meanwhile);
         open(path);
         EXPECT_FALSE(fake.yield.meanwhile) << "the reading yields";
-    }
-    void forget() {
-        fake.dialogs.boxes.clear();
-        fake.dialogs.requests.clear();
-        fake.windows.calls.clear();
     }
     /// Boxes, dialogs and windows so far.
     std::size_t seen() const {
@@ -64,7 +44,7 @@ TEST_F(Reading, TheFormerCalibrationIsInHandUntilTheNextHasBeenRead) {
     openMeanwhile(next, [&] {
         EXPECT_EQ(session.slotInHand(), 3);
         EXPECT_EQ(session.CurrentFile, former);
-        EXPECT_EQ(session.currentUnitObject().BinFile(), former);
+        EXPECT_EQ(unit().BinFile(), former);
     });
     EXPECT_EQ(session.slotInHand(), 4);
     EXPECT_EQ(session.CurrentFile, next);
@@ -88,7 +68,7 @@ TEST_P(CommandWhileReading, ComesBehindTheOpening) {
     });
     EXPECT_EQ(session.CurrentFile, next);
     EXPECT_FALSE(session.saving.reading());
-    EXPECT_THAT(session.console.lines(), Contains(HasSubstr("waits until the file has been read.")));
+    EXPECT_TRUE(logged("waits until the file has been read."));
     forget();
     fake.ticker.run(2);
     EXPECT_GT(seen() + (session.link.CurrentCommand().empty() ? 0 : 1), 0u) << "it was dropped";
@@ -109,13 +89,13 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& test) { return test.param.name; });
 
 TEST_F(Reading, ASaveThatComesMeanwhileIsOneOfTheFileThatWasOpened) {
-    session.currentUnitObject().set("REV_Limiter", 7000.0);  // of the former, which nobody wanted to keep
+    unit().set("REV_Limiter", 7000.0);  // of the former, which nobody wanted to keep
     const std::string before = TemporaryFolder::read(former);
     openMeanwhile(next, [&] { commands.saves.save(); });
     fake.ticker.run(2);
     EXPECT_EQ(TemporaryFolder::read(former), before);
     EXPECT_EQ(session.CurrentFile, next);
-    EXPECT_EQ(fake.dialogs.boxes.back().title, "Data Saved.");
+    EXPECT_EQ(box().title, "Data Saved.");
 }
 
 TEST_F(Reading, ATableThatIsAskedForMeanwhileIsOneOfTheNextCalibration) {

@@ -1,44 +1,24 @@
 // The commands of the main window while the reference database cannot be asked, and when it is back.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sqlite3.h>
-
 #include <filesystem>
 
-#include "app/fake_platform.h"
-#include "app/main_commands.h"
-#include "app/start_up.h"
+#include "app/command_fixture.h"
+#include "other_program.h"
 #include "unit/old_file_encoder.h"
 
 namespace zentaq {
 namespace {
 
-using ::testing::Contains;
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 using zentaq::testing::LegacyFile;
 
 /// Another program that writes to the database: nobody else reads it meanwhile.
-class WritingProgram {
- public:
-    explicit WritingProgram(const std::string& path) {
-        EXPECT_EQ(sqlite3_open_v2(path.c_str(), &file_, SQLITE_OPEN_READWRITE, nullptr), SQLITE_OK);
-        EXPECT_EQ(sqlite3_exec(file_, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
-    }
-    ~WritingProgram() { sqlite3_close(file_); }
-    WritingProgram(const WritingProgram&) = delete;
-    WritingProgram& operator=(const WritingProgram&) = delete;
-
- private:
-    sqlite3* file_ = nullptr;
+struct WritingProgram : OtherProgram {
+    explicit WritingProgram(const std::string& path) : OtherProgram(path) { run("BEGIN EXCLUSIVE"); }
 };
 
-class ReferenceTrouble : public ::testing::Test {
+class ReferenceTrouble : public ProgramTest {
  protected:
-    FakeSession fake;
-    Session& session = fake.session;
-    MainCommands commands{session};
-    Kernel kernel{session, commands};
     std::string database = fake.folder.path("bin/data/zentaq410-02.pak");
 
     ReferenceTrouble() {
@@ -52,27 +32,24 @@ class ReferenceTrouble : public ::testing::Test {
         cells[58] = 6500;
         return fake.folder.write("tune.BIN", cells.bytes());
     }
-    void open(const std::string& path) {
-        fake.dialogs.files.push_back(path);
-        commands.files.open();
-    }
 };
 
 TEST_F(ReferenceTrouble, AFileThatMustBeConvertedIsNotOpenedAndTheBoxSaysWhy) {
     std::filesystem::remove(database);
     kernel.load();
     open(oldFile());
-    ASSERT_EQ(fake.dialogs.boxes.size(), 1U);
-    EXPECT_EQ(fake.dialogs.boxes[0].title, "Reference Database");
-    EXPECT_EQ(
-        fake.dialogs.boxes[0].text,
-        "FILE CANNOT BE CONVERTED:   tune.BIN\n"
-        "This file was made for another firmware and must be converted.\n"
-        "Engine 0 of the reference database is needed to convert it: Cannot open the reference database " +
-            database +
-            ": the file is missing\n"
-            "Nothing was opened. Close the program that uses the database, or install this one again.\n"
-            "Do you want to enter a new filename?");
+    EXPECT_THAT(
+        boxes(),
+        ElementsAre(IsBox(
+            "Reference Database",
+            "FILE CANNOT BE CONVERTED:   tune.BIN\n"
+            "This file was made for another firmware and must be converted.\n"
+            "Engine 0 of the reference database is needed to convert it: Cannot open the reference "
+            "database " +
+                database +
+                ": the file is missing\n"
+                "Nothing was opened. Close the program that uses the database, or install this one again.\n"
+                "Do you want to enter a new filename?")));
     EXPECT_EQ(session.slotInHand(), 0);
     EXPECT_EQ(session.CurrentFile, "");
     EXPECT_EQ(session.Units(3).get("REV_Limiter"), 0);
@@ -83,14 +60,18 @@ TEST_F(ReferenceTrouble, ADatabaseThatWasLockedAtTheStartIsTriedAgainWhenItIsNee
         const WritingProgram other(database);
         kernel.load();
         EXPECT_FALSE(session.database);
+        EXPECT_TRUE(
+            logged("No reference database: it is locked: it is in use by another program; try again"));
+        EXPECT_EQ(session.StartingUp, 0);
+        EXPECT_TRUE(fake.windows.tip.empty());
         open(oldFile());
-        EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("it is in use by another program"));
+        EXPECT_THAT(box().text, HasSubstr("it is in use by another program"));
         EXPECT_EQ(session.slotInHand(), 0);
     }
     open(oldFile());  // no time has passed
     EXPECT_EQ(session.slotInHand(), 3);
-    EXPECT_EQ(session.currentUnitObject().get("MAP_ID"), 2);
-    EXPECT_FLOAT_EQ(session.currentUnitObject().get("MAP_Scaler"), 0.0251F);
+    EXPECT_EQ(unit().get("MAP_ID"), 2);
+    EXPECT_FLOAT_EQ(unit().get("MAP_Scaler"), 0.0251F);
     EXPECT_TRUE(session.database);
 }
 

@@ -2,17 +2,10 @@
 // disk is driven by hand.
 #include "app/saving.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <bit>
 #include <filesystem>
 
 #include "app/calibration_floats.h"
-#include "app/fake_platform.h"
-#include "app/main_commands.h"
-#include "app/start_up.h"
-#include "app/while_box_stands.h"
+#include "app/command_fixture.h"
 #include "unit/safe_file.h"
 
 namespace zentaq {
@@ -45,64 +38,34 @@ class SlowDisk : public FileWriter {
     FileSave last;
 };
 
-class SavingBeside : public ::testing::Test {
+class SavingBeside : public CommandTest {
  protected:
-    TemporaryFolder folder;
-    FakePort port;
-    ManualTicker ticker;
-    FakeClock clock;
-    MemorySettings settings;
-    ScriptedDialogs dialogs;
-    NoYield yield;
-    LateWindows windows;
     SlowDisk disk;
-    Session session{
-        Platform{port, ticker, clock, settings, dialogs, yield, folder.path(), folder.path(), &disk}};
-    MainCommands commands{session};
-    Kernel kernel{session, commands};
-    std::string path = folder.path("tune.ZQ4OA");
+    LateWindows windows;
+    std::string path = fake.folder.path("tune.ZQ4OA");
 
-    SavingBeside() {
+    SavingBeside() : CommandTest(&disk) {
         session.attach(windows);
-        session.makeUnits();
-        ticker.start();
+        fake.ticker.start();
         write(path, 6500);
-        dialogs.files.push_back(path);
-        commands.files.open();
+        open(path);
         EXPECT_EQ(session.CurrentFile, path);
         windows.runEvents();
-        dialogs.boxes.clear();
-        dialogs.requests.clear();
+        forget();
     }
     static void write(const std::string& file, float revLimit) {
         std::vector<float> floats = wholeFloats();
         floats[3 + 58] = revLimit;
         writeFloats(file, floats);
     }
-    static float limitIn(const std::string& file) {
-        const std::string bytes = TemporaryFolder::read(file).substr((3 + 58) * 4, 4);
-        std::uint32_t word = 0;
-        for (int i = 3; i >= 0; --i)
-            word = word << 8U | static_cast<unsigned char>(bytes[static_cast<std::size_t>(i)]);
-        return std::bit_cast<float>(word);
-    }
-    void change(double revLimit) {
-        session.currentUnitObject().set("REV_Limiter", revLimit);
-        session.markModified();
-    }
     /// Time passes: ticks, and what they have left for the event loop.
     void passes(int ticks = 10) {
-        ticker.run(ticks);
+        fake.ticker.run(ticks);
         windows.runEvents();
     }
     void diskIsDone() {
         disk.ready = true;
         passes();
-    }
-    std::vector<std::string> boxes() const {
-        std::vector<std::string> titles;
-        for (const Box& box : dialogs.boxes) titles.push_back(box.title);
-        return titles;
     }
 };
 
@@ -111,11 +74,11 @@ TEST_F(SavingBeside, TheCommandReturnsAtOnceAndTheBoxComesWhenTheFileIsOnTheDisk
     commands.saves.save();
     passes(1000);
     EXPECT_TRUE(session.saving.running());
-    EXPECT_THAT(dialogs.boxes, IsEmpty());
+    EXPECT_THAT(boxes(), IsEmpty());
     EXPECT_TRUE(session.DataModified);
     EXPECT_EQ(limitIn(path), 6500);
     diskIsDone();
-    EXPECT_THAT(boxes(), ElementsAre("Data Saved."));
+    EXPECT_THAT(titles(), ElementsAre("Data Saved."));
     EXPECT_FALSE(session.DataModified);
     EXPECT_EQ(limitIn(path), 7000);
     EXPECT_FALSE(session.saving.running());
@@ -124,10 +87,10 @@ TEST_F(SavingBeside, TheCommandReturnsAtOnceAndTheBoxComesWhenTheFileIsOnTheDisk
 TEST_F(SavingBeside, NoBoxComesFromInsideATick) {
     commands.saves.save();
     disk.ready = true;
-    ticker.run(10);
-    EXPECT_THAT(dialogs.boxes, IsEmpty());
+    fake.ticker.run(10);
+    EXPECT_THAT(boxes(), IsEmpty());
     windows.runEvents();
-    EXPECT_THAT(boxes(), ElementsAre("Data Saved."));
+    EXPECT_THAT(titles(), ElementsAre("Data Saved."));
 }
 
 TEST_F(SavingBeside, WhatIsChangedMeanwhileIsNotInTheFileAndStaysToBeSaved) {
@@ -137,7 +100,7 @@ TEST_F(SavingBeside, WhatIsChangedMeanwhileIsNotInTheFileAndStaysToBeSaved) {
     diskIsDone();
     EXPECT_EQ(limitIn(path), 7000);
     EXPECT_TRUE(session.DataModified);
-    EXPECT_EQ(session.currentUnitObject().get("REV_Limiter"), 8000);
+    EXPECT_EQ(unit().get("REV_Limiter"), 8000);
 }
 
 TEST_F(SavingBeside, AFailureIsToldAndTheChangesStay) {
@@ -145,11 +108,11 @@ TEST_F(SavingBeside, AFailureIsToldAndTheChangesStay) {
     commands.saves.save();
     disk.failure = "Cannot write " + path + ": No space left on device";
     diskIsDone();
-    ASSERT_THAT(boxes(), ElementsAre("File Save Error"));
-    EXPECT_EQ(dialogs.boxes[0].text, "The calibration could not be saved.\nCannot write " + path +
-                                         ": No space left on device\n"
-                                         "The calibration is still in memory: choose Save As and another "
-                                         "folder.");
+    ASSERT_THAT(titles(), ElementsAre("File Save Error"));
+    EXPECT_EQ(boxes()[0].text, "The calibration could not be saved.\nCannot write " + path +
+                                   ": No space left on device\n"
+                                   "The calibration is still in memory: choose Save As and another "
+                                   "folder.");
     EXPECT_TRUE(session.DataModified);
     commands.saves.save();
     diskIsDone();
@@ -168,7 +131,7 @@ TEST_F(SavingBeside, ASecondSaveWaitsForTheFirstAndComesOnce) {
     diskIsDone();
     EXPECT_EQ(limitIn(path), 8000);
     EXPECT_FALSE(session.saving.running());
-    EXPECT_THAT(boxes(), ElementsAre("Data Saved.", "Data Saved."));
+    EXPECT_THAT(titles(), ElementsAre("Data Saved.", "Data Saved."));
 }
 
 TEST_F(SavingBeside, CloseWaitsForIt) {
@@ -180,7 +143,7 @@ TEST_F(SavingBeside, CloseWaitsForIt) {
     diskIsDone();
     EXPECT_EQ(session.CurrentFile, "");
     EXPECT_EQ(limitIn(path), 7000);
-    EXPECT_THAT(boxes(), ElementsAre("Data Saved."));
+    EXPECT_THAT(titles(), ElementsAre("Data Saved."));
 }
 
 TEST_F(SavingBeside, WhatWaitedForASaveDoesNotRunUnderABox) {
@@ -192,23 +155,23 @@ TEST_F(SavingBeside, WhatWaitedForASaveDoesNotRunUnderABox) {
     passes(1000);
     EXPECT_EQ(limitIn(path), 7000);
     EXPECT_EQ(session.CurrentFile, path) << "the box stands on a window of the calibration";
-    EXPECT_THAT(dialogs.boxes, IsEmpty());
+    EXPECT_THAT(boxes(), IsEmpty());
     windows.box = false;
     passes();
     EXPECT_EQ(session.CurrentFile, "");
-    EXPECT_THAT(boxes(), ElementsAre("Data Saved."));
+    EXPECT_THAT(titles(), ElementsAre("Data Saved."));
 }
 
 TEST_F(SavingBeside, ABoxThatOpensBeforeTheEventLoopHasItsTurnHoldsBackToo) {
     commands.saves.save();
     disk.ready = true;
-    ticker.run(1);
+    fake.ticker.run(1);
     windows.box = true;
     windows.runEvents();
-    EXPECT_THAT(dialogs.boxes, IsEmpty());
+    EXPECT_THAT(boxes(), IsEmpty());
     windows.box = false;
     passes();
-    EXPECT_THAT(boxes(), ElementsAre("Data Saved."));
+    EXPECT_THAT(titles(), ElementsAre("Data Saved."));
 }
 
 TEST_F(SavingBeside, CloseThatWaitedAsksForWhatWasChangedMeanwhile) {
@@ -216,7 +179,7 @@ TEST_F(SavingBeside, CloseThatWaitedAsksForWhatWasChangedMeanwhile) {
     change(8000);
     commands.files.close();
     diskIsDone();
-    EXPECT_THAT(boxes(), ElementsAre("Data Saved.", "SAVE"));  // answered OK: saved again
+    EXPECT_THAT(titles(), ElementsAre("Data Saved.", "SAVE"));  // answered OK: saved again
     EXPECT_EQ(session.CurrentFile, path);
     diskIsDone();
     EXPECT_EQ(session.CurrentFile, "");
@@ -244,15 +207,15 @@ TEST_F(SavingBeside, CloseWithChangesThatCannotBeSavedStaysOpen) {
 
 TEST_F(SavingBeside, OpenNewAndSaveAsWaitForIt) {
     commands.saves.save();
-    dialogs.answers = {Answer::Ok, Answer::No};  // "Data Saved.", "Save Data?"
+    fake.dialogs.answers = {Answer::Ok, Answer::No};  // "Data Saved.", "Save Data?"
     commands.files.open();
     commands.saves.saveAs();
     commands.files.newCalibration();
     passes(1000);
-    EXPECT_THAT(dialogs.requests, IsEmpty());
+    EXPECT_THAT(fake.dialogs.requests, IsEmpty());
     EXPECT_FALSE(session.creating());
     diskIsDone();
-    EXPECT_THAT(dialogs.requests, SizeIs(2));
+    EXPECT_THAT(fake.dialogs.requests, SizeIs(2));
     EXPECT_TRUE(session.creating());
 }
 
@@ -260,10 +223,10 @@ TEST_F(SavingBeside, ProgrammingWaitsForIt) {
     commands.saves.save();
     commands.programming.programOrb();
     passes(1000);
-    EXPECT_THAT(dialogs.boxes, IsEmpty());
+    EXPECT_THAT(boxes(), IsEmpty());
     diskIsDone();
-    ASSERT_THAT(dialogs.boxes, SizeIs(2));  // then it tells that no unit is there
-    EXPECT_EQ(dialogs.boxes[1].title, "Error 1005");
+    ASSERT_THAT(boxes(), SizeIs(2));  // then it tells that no unit is there
+    EXPECT_EQ(boxes()[1].title, "Error 1005");
 }
 
 TEST_F(SavingBeside, TheEndOfTheProgramWaitsForIt) {
@@ -273,7 +236,7 @@ TEST_F(SavingBeside, TheEndOfTheProgramWaitsForIt) {
     EXPECT_FALSE(kernel.System_Shutdown(false));
     passes(1000);
     EXPECT_THAT(windows.calls, Not(Contains("closeMain")));
-    EXPECT_TRUE(ticker.running());
+    EXPECT_TRUE(fake.ticker.running());
     diskIsDone();
     EXPECT_THAT(windows.calls, Contains("closeMain"));
     EXPECT_EQ(limitIn(path), 7000);
@@ -285,18 +248,15 @@ TEST_F(SavingBeside, BothWaysOutOfTheProgramWaitAsOne) {
     EXPECT_FALSE(kernel.System_Shutdown(false));
     kernel.closeRequested();
     EXPECT_FALSE(kernel.System_Shutdown(false));
-    const auto& lines = session.console.lines();
-    EXPECT_EQ(
-        std::ranges::count_if(
-            lines, [](const std::string& line) { return line.find("waits until") != std::string::npos; }),
-        1);
-    dialogs.boxes.clear();
-    dialogs.answers = {Answer::Ok, Answer::Cancel};  // "Data Saved.", then the question
+    EXPECT_EQ(std::ranges::count_if(
+                  session.console.lines(),
+                  [](const std::string& line) { return line.find("waits until") != std::string::npos; }),
+              1);
+    boxes().clear();
+    fake.dialogs.answers = {Answer::Ok, Answer::Cancel};  // "Data Saved.", then the question
     diskIsDone();
     passes(1000);
-    const auto asked =
-        std::ranges::count_if(dialogs.boxes, [](const Box& box) { return box.title == "Shutdown"; });
-    EXPECT_EQ(asked, 1) << "the user hears of it once";
+    EXPECT_EQ(std::ranges::count(boxes(), "Shutdown", &Box::title), 1) << "the user hears of it once";
     EXPECT_THAT(windows.calls, Not(Contains("closeMain"))) << "and stays";
 }
 
@@ -319,14 +279,14 @@ TEST_F(SavingBeside, TheEndOfTheProgramWithChangesThatCannotBeSavedDoesNotCome) 
 }
 
 TEST_F(SavingBeside, SaveAsTakesTheNewNameWhenTheFileIsThereAndKeepsTheOldOneWhenNot) {
-    const std::string other = folder.path("other.ZQ4OA");
-    dialogs.files = {other, other};
+    const std::string other = fake.folder.path("other.ZQ4OA");
+    fake.dialogs.files = {other, other};
     commands.saves.saveAs();
     EXPECT_EQ(session.CurrentFile, path);
     disk.failure = "the disk is full";
     diskIsDone();
     EXPECT_EQ(session.CurrentFile, path);
-    EXPECT_EQ(session.currentUnitObject().BinFile(), path);
+    EXPECT_EQ(unit().BinFile(), path);
     commands.saves.saveAs();
     diskIsDone();
     EXPECT_EQ(session.CurrentFile, other);
@@ -348,14 +308,14 @@ constexpr const char* changedTitle = "File Changed";
 TEST_F(SavingBeside, AFileThatAnotherProgramHasChangedIsAskedAbout) {
     write(path, 5000);
     change(7000);
-    dialogs.answers = {Answer::No};
+    fake.dialogs.answers = {Answer::No};
     commands.saves.save();
     diskIsDone();
-    ASSERT_THAT(boxes(), ElementsAre(changedTitle));
-    EXPECT_EQ(dialogs.boxes[0].text, "FILE CHANGED:   " + path +
-                                         "\nThe file was changed by another program since it was opened.\n"
-                                         "Overwrite?");
-    EXPECT_TRUE(dialogs.boxes[0].declines);
+    ASSERT_THAT(titles(), ElementsAre(changedTitle));
+    EXPECT_EQ(boxes()[0].text, "FILE CHANGED:   " + path +
+                                   "\nThe file was changed by another program since it was opened.\n"
+                                   "Overwrite?");
+    EXPECT_TRUE(boxes()[0].declines);
     EXPECT_EQ(limitIn(path), 5000);
     EXPECT_TRUE(session.DataModified);
 }
@@ -363,15 +323,15 @@ TEST_F(SavingBeside, AFileThatAnotherProgramHasChangedIsAskedAbout) {
 TEST_F(SavingBeside, YesOverwritesWhatWasAskedAboutAndNothingLater) {
     write(path, 5000);
     change(7000);
-    dialogs.answers = {Answer::Yes, Answer::Yes};
+    fake.dialogs.answers = {Answer::Yes, Answer::Yes};
     commands.saves.save();
     diskIsDone();
     write(path, 5500);  // while the question stood
     diskIsDone();
-    EXPECT_THAT(boxes(), ElementsAre(changedTitle, changedTitle));
+    EXPECT_THAT(titles(), ElementsAre(changedTitle, changedTitle));
     diskIsDone();
     EXPECT_EQ(limitIn(path), 7000);
-    EXPECT_EQ(boxes().back(), "Data Saved.");
+    EXPECT_EQ(titles().back(), "Data Saved.");
 }
 
 TEST_F(SavingBeside, ItsOwnSavesAreNoChangeOfAnotherProgram) {
@@ -381,7 +341,7 @@ TEST_F(SavingBeside, ItsOwnSavesAreNoChangeOfAnotherProgram) {
         diskIsDone();
         EXPECT_EQ(limitIn(path), limit);
     }
-    EXPECT_THAT(boxes(), Not(Contains(changedTitle)));
+    EXPECT_THAT(titles(), Not(Contains(changedTitle)));
 }
 
 TEST_F(SavingBeside, AFileThatWasTouchedButHoldsTheSameIsNoChange) {
@@ -389,7 +349,7 @@ TEST_F(SavingBeside, AFileThatWasTouchedButHoldsTheSameIsNoChange) {
     change(7000);
     commands.saves.save();
     diskIsDone();
-    EXPECT_THAT(boxes(), ElementsAre("Data Saved."));
+    EXPECT_THAT(titles(), ElementsAre("Data Saved."));
 }
 
 TEST_F(SavingBeside, AFileThatIsGoneIsWrittenAnew) {
@@ -397,16 +357,16 @@ TEST_F(SavingBeside, AFileThatIsGoneIsWrittenAnew) {
     commands.saves.save();
     diskIsDone();
     EXPECT_EQ(limitIn(path), 6500);
-    EXPECT_THAT(boxes(), ElementsAre("Data Saved."));
+    EXPECT_THAT(titles(), ElementsAre("Data Saved."));
 }
 
 TEST_F(SavingBeside, SaveAsOverTheFileInHandAsksAboutTheChangeToo) {
     write(path, 5000);
-    dialogs.files = {path};
-    dialogs.answers = {Answer::Yes, Answer::No};
+    fake.dialogs.files = {path};
+    fake.dialogs.answers = {Answer::Yes, Answer::No};
     commands.saves.saveAs();
     diskIsDone();
-    EXPECT_THAT(boxes(), ElementsAre("File Exists", changedTitle));
+    EXPECT_THAT(titles(), ElementsAre("File Exists", changedTitle));
     EXPECT_EQ(limitIn(path), 5000);
 }
 

@@ -1,20 +1,9 @@
 #include "app/start_up.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <fcntl.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <filesystem>
 #include <fstream>
 
-#include "app/fake_platform.h"
-#include "app/while_box_stands.h"
-#include "base/settings_keys.h"
-#include "refdata/seed_builder.h"
+#include "app/command_fixture.h"
 
 namespace zentaq {
 namespace {
@@ -24,13 +13,8 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-class StartUp : public ::testing::Test {
+class StartUp : public ProgramTest {
  protected:
-    FakeSession fake;
-    Session& session = fake.session;
-    MainCommands commands{session};
-    Kernel kernel{session, commands};
-
     std::string logText() const {
         std::ifstream file(fake.folder.path("zentaq.log"));
         return {std::istreambuf_iterator<char>(file), {}};
@@ -49,13 +33,16 @@ class StartUp : public ::testing::Test {
         std::filesystem::create_directories(fake.folder.path("bin/data"));
         return fake.folder.path("bin/data/zentaq410-02.pak");
     }
+    void haveDatabase() const { std::filesystem::copy_file(builtReference(), databasePath()); }
     void store(const char* key, const std::string& value) { fake.settings.set("System", key, value); }
-    bool consoleHas(const std::string& text) const { return hasLine(session.console, text); }
+    void startWithoutFilePrompt() {
+        store("FileOpen", "0");
+        kernel.load();
+    }
 };
 
 TEST_F(StartUp, BringsUpTheWindowsInItsFixedOrder) {
-    store("FileOpen", "0");
-    kernel.load();
+    startWithoutFilePrompt();
     std::vector<std::string> calls;
     for (const std::string& call : fake.windows.calls) {
         if (call != "night" && call != "day") calls.push_back(call);
@@ -70,7 +57,7 @@ TEST_F(StartUp, BringsUpTheWindowsInItsFixedOrder) {
 
 TEST_F(StartUp, WritesTheBannerInItsFixedOrder) {
     store("FileOpen", "0");
-    refdata::buildDatabase(ZENTAQ_SOURCE_DIR "/data/seeds", databasePath());
+    haveDatabase();
     kernel.load();
     const std::string ruler(80, '-');
     std::vector<std::string> texts = banner();
@@ -84,8 +71,8 @@ TEST_F(StartUp, WritesTheBannerInItsFixedOrder) {
 }
 
 TEST_F(StartUp, TheRulersAndTheEmptyLineAreOnTheScreenOnly) {
-    store("FileOpen", "0");
-    kernel.load();
+    startWithoutFilePrompt();
+    EXPECT_EQ(session.console.lines().front(), std::string(80, '-'));
     EXPECT_TRUE(logText().starts_with("12:34:56 - Norvalia Zentaq Engine Management Software"));
     EXPECT_THAT(logText(), Not(HasSubstr("---")));
     EXPECT_THAT(logText(), Not(HasSubstr("\n\n")));
@@ -112,7 +99,7 @@ TEST_F(StartUp, StoredSettingsTakeEffect) {
     EXPECT_THAT(fake.windows.calls, Contains("comm list off"));
     EXPECT_EQ(session.TableColorMode, 1);
     EXPECT_EQ(session.link.commPort(), 7);
-    EXPECT_TRUE(consoleHas("COMM: Listening on Port #7"));
+    EXPECT_TRUE(logged("COMM: Listening on Port #7"));
 }
 
 TEST_F(StartUp, AStoredDeviceIsOpenedUnderWhateverNumberItHasNow) {
@@ -124,7 +111,7 @@ TEST_F(StartUp, AStoredDeviceIsOpenedUnderWhateverNumberItHasNow) {
     EXPECT_EQ(session.link.commPort(), 2);
     EXPECT_EQ(session.linkDisplay.status().port, "2");
     EXPECT_EQ(fake.settings.get("System", "CommPort"), "2");
-    EXPECT_TRUE(consoleHas("COMM: Listening on Port #2"));
+    EXPECT_TRUE(logged("COMM: Listening on Port #2"));
 }
 
 TEST_F(StartUp, AnotherDeviceWithTheStoredNumberIsLeftAlone) {
@@ -136,7 +123,7 @@ TEST_F(StartUp, AnotherDeviceWithTheStoredNumberIsLeftAlone) {
     fake.clock.nowUs += 2'000'000;
     session.poll(false);
     EXPECT_EQ(fake.port.opens, 0);
-    EXPECT_TRUE(consoleHas("The port is not plugged in (usb:0403:6001:AB12)"));
+    EXPECT_TRUE(logged("The port is not plugged in (usb:0403:6001:AB12)"));
 }
 
 TEST_F(StartUp, AStoredNumberWithoutADeviceKeepsTheOneThatHasItNow) {
@@ -210,49 +197,39 @@ TEST_F(StartUp, APortThatIsNo16BitNumberLeavesPort1) {
 
 // ---- Failures of single statements
 
-/// Windows of which one call fails; all calls of the start and the end are kept, the failing one too.
-class FailingWindows : public RecordingWindows {
- public:
-    void makeGraphPools() override { note("makeGraphPools"); }
-    void showTip(const std::string&) override { note("tip"); }
-    void note(const std::string& what) override {
-        if (what == "leave general config") return;  // the file prompt's
-        RecordingWindows::note(what);
-        if (what == failing) throw Failure("no " + what);
-    }
-    std::string failing;
-};
-
 /// The start and the shutdown of a program of which one window call fails.
 struct BrokenRun {
     FakeSession fake;
-    FailingWindows windows;
     MainCommands commands{fake.session};
     Kernel kernel{fake.session, commands};
 
     explicit BrokenRun(const std::string& failing) {
-        windows.failing = failing;
-        fake.session.attach(windows);
+        failAt(failing);
         std::filesystem::create_directories(fake.folder.path("bin/data"));
-        refdata::buildDatabase(ZENTAQ_SOURCE_DIR "/data/seeds",
-                               fake.folder.path("bin/data/zentaq410-02.pak"));
+        std::filesystem::copy_file(builtReference(), fake.folder.path("bin/data/zentaq410-02.pak"));
         fake.settings.set("System", "TableColor", "1");
         kernel.load();
+    }
+    void failAt(const std::string& failing) {
+        fake.windows.meanwhile = [failing](const std::string& call) {
+            if (call == failing) throw Failure("no " + call);
+        };
     }
 };
 
 TEST(StartUpWithAFailure, OfAnyWindowCallLeavesEverythingElseAsInAWholeRun) {
     BrokenRun whole("");
-    const std::vector<std::string> expected = whole.windows.calls;
+    const std::vector<std::string> expected = whole.fake.windows.calls;
     ASSERT_THAT(expected,
-                ElementsAre("showMain", "toolbar off", "splash Setting Up Environment", "makeGraphPools",
+                ElementsAre("showMain", "toolbar off", "splash Setting Up Environment", "graph pools",
                             "splash Initializing Console", "splash Initializing Database", "showConfig",
                             "splash Program Activated", "toolbar on", "showLink", "showDashboard",
-                            "comm list on", "focus frmConfig", "tip"));
+                            "comm list on", "focus frmConfig", "tip", "leave general config"));
     for (const std::string& failing : expected) {
+        if (failing == expected.back()) continue;  // the file prompt's
         SCOPED_TRACE(failing);
         BrokenRun broken(failing);
-        EXPECT_EQ(broken.windows.calls, expected);
+        EXPECT_EQ(broken.fake.windows.calls, expected);
         EXPECT_EQ(broken.fake.session.console.lines(), whole.fake.session.console.lines());
         EXPECT_TRUE(broken.fake.dialogs.boxes.empty()) << "a failure of the start shows no box";
         EXPECT_EQ(broken.fake.dialogs.requests.size(), 1u) << "the file prompt still comes";
@@ -268,11 +245,11 @@ TEST(ShutdownWithAFailure, OfAnyWindowCallStillEndsTheProgram) {
     for (const char* failing : {"killTimers", "closeMain"}) {
         SCOPED_TRACE(failing);
         BrokenRun run("");
-        run.windows.failing = failing;
+        run.failAt(failing);
         EXPECT_TRUE(run.kernel.System_Shutdown(true));
         EXPECT_FALSE(run.fake.port.isOpen());
         EXPECT_FALSE(run.fake.ticker.running());
-        EXPECT_EQ(run.windows.calls.back(), "closeMain");
+        EXPECT_EQ(run.fake.windows.calls.back(), "closeMain");
     }
 }
 
@@ -297,18 +274,11 @@ TEST(StartUpWithAFailure, OfTheSettingsStoreStartsAsOnAFreshInstallation) {
 }
 
 TEST_F(StartUp, TheUserWhoClosesTheWindowMeanwhileIsNotAskedForAFile) {
-    class ClosedAtTheConsole : public RecordingWindows {
-     public:
-        Kernel* kernel = nullptr;
-        void note(const std::string& what) override {
-            RecordingWindows::note(what);
-            if (what == "splash Initializing Console") kernel->System_Shutdown(true);
-        }
-    } windows;
-    windows.kernel = &kernel;
-    session.attach(windows);
+    fake.windows.meanwhile = [this](const std::string& call) {
+        if (call == "splash Initializing Console") kernel.System_Shutdown(true);
+    };
     kernel.load();
-    EXPECT_EQ(windows.calls.back(), "closeMain") << "nothing is shown after the end";
+    EXPECT_EQ(fake.windows.calls.back(), "closeMain") << "nothing is shown after the end";
     EXPECT_TRUE(fake.dialogs.requests.empty());
     EXPECT_FALSE(fake.ticker.running());
     EXPECT_FALSE(fake.port.isOpen());
@@ -316,74 +286,33 @@ TEST_F(StartUp, TheUserWhoClosesTheWindowMeanwhileIsNotAskedForAFile) {
 
 // ---- Reference database
 
-TEST_F(StartUp, AMissingDatabaseIsToldBehindTheBannerInOneLine) {
-    store("FileOpen", "0");
-    kernel.load();
+TEST_F(StartUp, AMissingDatabaseIsToldBehindTheBannerInOneLineAndStopsNothing) {
+    startWithoutFilePrompt();
     const std::vector<std::string> texts = banner();
     const auto last = std::find(texts.begin(), texts.end(), "User Interface Initialized.");
     ASSERT_NE(last, texts.end());
     ASSERT_NE(last + 1, texts.end());
     EXPECT_EQ(*(last + 1), "No reference database: the file is missing");
     EXPECT_THAT(logText(), HasSubstr("12:34:56 - No reference database: the file is missing"));
+    EXPECT_FALSE(session.database.has_value());
+    EXPECT_TRUE(boxes().empty());
+    EXPECT_EQ(session.StartingUp, 0);
 }
 
 TEST_F(StartUp, ADamagedDatabaseIsToldAndTheProgramWorksWithoutIt) {
     std::ofstream(databasePath()) << "no database at all, but long enough for a head";
     kernel.load();
-    EXPECT_TRUE(consoleHas("No reference database: the file is not a database"));
+    EXPECT_TRUE(logged("No reference database: the file is not a database"));
     EXPECT_FALSE(session.database.has_value());
     EXPECT_EQ(fake.dialogs.requests.size(), 1u);
     EXPECT_THROW(session.engine(3, 1), Failure);
-}
-
-/// A program that holds the file for writing, as a database writer locks it: the 512 bytes from 1 GiB on.
-class WriterOf {
- public:
-    explicit WriterOf(const std::string& path) {
-        int ready[2];
-        if (pipe(ready) != 0) throw std::runtime_error("pipe");
-        child_ = fork();
-        if (child_ == 0) {
-            const int file = ::open(path.c_str(), O_RDWR);
-            struct flock lock {};
-            lock.l_type = F_WRLCK;
-            lock.l_start = 0x40000000;
-            lock.l_len = 512;
-            const char answer = fcntl(file, F_SETLK, &lock) == 0 ? 'y' : 'n';
-            if (write(ready[1], &answer, 1) != 1) _exit(1);
-            for (;;) pause();
-        }
-        char answer = 'n';
-        locked = read(ready[0], &answer, 1) == 1 && answer == 'y';
-        close(ready[0]);
-        close(ready[1]);
-    }
-    ~WriterOf() {
-        kill(child_, SIGKILL);
-        waitpid(child_, nullptr, 0);
-    }
-    bool locked = false;
-
- private:
-    pid_t child_ = 0;
-};
-
-TEST_F(StartUp, ALockedDatabaseIsToldAndTheProgramWorksWithoutIt) {
-    refdata::buildDatabase(ZENTAQ_SOURCE_DIR "/data/seeds", databasePath());
-    const WriterOf writer(databasePath());
-    ASSERT_TRUE(writer.locked);
-    kernel.load();
-    EXPECT_TRUE(
-        consoleHas("No reference database: it is locked: it is in use by another program; try again"));
-    EXPECT_EQ(session.StartingUp, 0);
-    EXPECT_TRUE(fake.windows.tip.empty());
 }
 
 // ---- Trouble from outside
 
 TEST_F(StartUp, TroubleBeforeTheConsoleIsToldBehindTheBannerAndLaterTroubleAtOnce) {
     store("FileOpen", "0");
-    refdata::buildDatabase(ZENTAQ_SOURCE_DIR "/data/seeds", databasePath());
+    haveDatabase();
     kernel.report("Settings file x is damaged");
     EXPECT_TRUE(session.console.lines().empty());
     kernel.load();
@@ -432,7 +361,7 @@ TEST(TipNumber, IsZeroWithoutTips) {
 }
 
 TEST_F(StartUp, ShowsOneOfTheTips) {
-    refdata::buildDatabase(ZENTAQ_SOURCE_DIR "/data/seeds", databasePath());
+    haveDatabase();
     kernel.load();
     EXPECT_THAT(session.database->tips(), Contains(fake.windows.tip));
 }
@@ -471,16 +400,6 @@ TEST_F(StartUp, SlotsWithoutAKindStayEmptyAndTheTwoOfOneKindAreTwoObjects) {
     EXPECT_EQ(session.Units(7).kind().className, session.Units(8).kind().className);
 }
 
-TEST_F(StartUp, AMissingDatabaseStopsNothingAndTheBannerIsTheFirstThatIsLogged) {
-    store("FileOpen", "0");
-    kernel.load();
-    EXPECT_FALSE(session.database.has_value());
-    EXPECT_TRUE(fake.dialogs.boxes.empty());
-    EXPECT_EQ(session.console.lines().front(), std::string(80, '-'));
-    EXPECT_EQ(logText().substr(0, 53), "12:34:56 - Norvalia Zentaq Engine Management Software");
-    EXPECT_EQ(session.StartingUp, 0);
-}
-
 TEST_F(StartUp, MakesTheUnitObjectsAndTheTablesOfExpectedFirmware) {
     kernel.load();
     EXPECT_TRUE(session.hasUnit(3));
@@ -498,53 +417,38 @@ TEST_F(StartUp, ASlotAbove100IsABoundsError) {
     EXPECT_THROW(session.Units(-1), BoundsError);
 }
 
-TEST_F(StartUp, AWindowThatFailsDoesNotStopTheSequence) {
-    class Broken : public RecordingWindows {
-        void note(const std::string& what) override {
-            if (what == "showConfig") throw Failure("no screen");
-            RecordingWindows::note(what);
-        }
-    } broken;
-    session.attach(broken);
-    kernel.load();
-    EXPECT_THAT(broken.calls, Contains("focus frmConfig"));
-}
-
 TEST_F(StartUp, AnUnwritableLogTurnsItselfOffAndTheProgramGoesOn) {
     std::filesystem::create_directory(fake.folder.path("zentaq.log"));
     std::ofstream(fake.folder.path("zentaq.log/occupied")) << "x";
     kernel.load();
     EXPECT_FALSE(session.console.LogToFile());
-    EXPECT_TRUE(consoleHas("Logging to the file is off."));
-    EXPECT_TRUE(consoleHas("User Interface Initialized."));
+    EXPECT_TRUE(logged("Logging to the file is off."));
+    EXPECT_TRUE(logged("User Interface Initialized."));
 }
 
 TEST_F(StartUp, ShutdownAsksAndCancelLeavesEverythingButTheLogLine) {
     kernel.load();
     session.Monitoring = true;
-    fake.dialogs.boxes.clear();
+    boxes().clear();
     fake.dialogs.answers = {Answer::Cancel};
     EXPECT_FALSE(kernel.System_Shutdown(false));
-    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
-    EXPECT_EQ(fake.dialogs.boxes[0].title, "Shutdown");
-    EXPECT_EQ(fake.dialogs.boxes[0].text, "Would you like to Shutdown Zentaq?");
-    EXPECT_EQ(fake.dialogs.boxes[0].buttons, Buttons::OkCancel);
-    EXPECT_EQ(fake.dialogs.boxes[0].icon, Icon::Question);
+    EXPECT_THAT(boxes(), ElementsAre(IsBox("Shutdown", "Would you like to Shutdown Zentaq?")));
+    EXPECT_EQ(boxes()[0].buttons, Buttons::OkCancel);
+    EXPECT_EQ(boxes()[0].icon, Icon::Question);
     EXPECT_TRUE(session.Monitoring);
     EXPECT_TRUE(fake.port.isOpen());
-    EXPECT_TRUE(consoleHas("System Shutdown Requested."));
-    EXPECT_FALSE(consoleHas("System Shutdown!"));
+    EXPECT_TRUE(logged("System Shutdown Requested."));
+    EXPECT_FALSE(logged("System Shutdown!"));
 }
 
 TEST_F(StartUp, ShutdownFromTheMenuOffersToSaveWhatIsUnsaved) {
     kernel.load();
     session.DataModified = true;
-    fake.dialogs.boxes.clear();
+    boxes().clear();
     fake.dialogs.answers = {Answer::Ok, Answer::Cancel};
     EXPECT_TRUE(kernel.System_Shutdown(false));
-    ASSERT_EQ(fake.dialogs.boxes.size(), 2u);
-    EXPECT_EQ(fake.dialogs.boxes[1].title, "SAVE");
-    EXPECT_EQ(fake.dialogs.boxes[1].text, "Save changes?");
+    ASSERT_EQ(boxes().size(), 2u);
+    EXPECT_THAT(boxes()[1], IsBox("SAVE", "Save changes?"));
 }
 
 TEST_F(StartUp, AConfirmedShutdownStopsTimersClosesThePortAndEnds) {
@@ -556,7 +460,7 @@ TEST_F(StartUp, AConfirmedShutdownStopsTimersClosesThePortAndEnds) {
     EXPECT_FALSE(session.AutoMonitoring);
     EXPECT_FALSE(fake.port.isOpen());
     EXPECT_FALSE(fake.ticker.running());
-    EXPECT_TRUE(consoleHas("System Shutdown!"));
+    EXPECT_TRUE(logged("System Shutdown!"));
     EXPECT_THAT(fake.windows.calls, Contains("killTimers"));
     EXPECT_EQ(fake.windows.calls.back(), "closeMain");
 }
@@ -579,23 +483,21 @@ TEST_F(StartUp, TheLinesOfAShutdownGoToTheLog) {
 
 TEST_F(StartUp, ClosingTheWindowWithNothingUnsavedAsksNothing) {
     kernel.load();
-    fake.dialogs.boxes.clear();
+    boxes().clear();
     kernel.closeRequested();
-    EXPECT_TRUE(fake.dialogs.boxes.empty());
+    EXPECT_TRUE(boxes().empty());
     EXPECT_EQ(fake.windows.calls.back(), "closeMain");
 }
 
 TEST_F(StartUp, ClosingTheWindowOffersToSaveAndCancelDeclinesTheSaveOnly) {
     kernel.load();
     session.DataModified = true;
-    fake.dialogs.boxes.clear();
+    boxes().clear();
     fake.dialogs.answers = {Answer::Cancel};
     kernel.closeRequested();
-    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
-    EXPECT_EQ(fake.dialogs.boxes[0].title, "SAVE");
-    EXPECT_EQ(fake.dialogs.boxes[0].text, "Save changes?");
-    EXPECT_EQ(fake.dialogs.boxes[0].buttons, Buttons::OkCancel);
-    EXPECT_EQ(fake.dialogs.boxes[0].icon, Icon::Question);
+    EXPECT_THAT(boxes(), ElementsAre(IsBox("SAVE", "Save changes?")));
+    EXPECT_EQ(boxes()[0].buttons, Buttons::OkCancel);
+    EXPECT_EQ(boxes()[0].icon, Icon::Question);
     EXPECT_EQ(fake.windows.calls.back(), "closeMain");
 }
 

@@ -1,13 +1,8 @@
 // A calibration in hand and a unit on the link are two things: of two kinds, or of the two slots of one.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <cstring>
 #include <fstream>
 
 #include "app/general_fixture.h"
-#include "app/main_commands.h"
-#include "app/while_box_stands.h"
 
 namespace zentaq {
 namespace {
@@ -30,12 +25,8 @@ class TwoKinds : public GeneralConfigForm {
         commands.files.close();
         made.FW_Release(0);
         made.FW_Build(0);
-        fake.dialogs.boxes.clear();
+        boxes().clear();
         return path;
-    }
-    void open(const std::string& path) {
-        fake.dialogs.files = {path};
-        commands.files.open();
     }
     static std::string bytesOf(const std::string& path) { return TemporaryFolder::read(path); }
     /// The firmware code of a file.
@@ -44,7 +35,6 @@ class TwoKinds : public GeneralConfigForm {
         std::memcpy(bytes.data() + 8, &code, sizeof code);
         std::ofstream(path, std::ios::binary) << bytes;
     }
-    std::vector<std::string> titles() const { return titlesOf(fake.dialogs); }
     /// Another unit takes the place of the one on the link, with no silence between them.
     void putInPlace(std::uint32_t serial, const char* firmware) {
         const Link& link = session.link;
@@ -53,16 +43,6 @@ class TwoKinds : public GeneralConfigForm {
         ASSERT_EQ(link.linked().SerialNumber, static_cast<std::int32_t>(serial));
         ASSERT_EQ(session.Units(link.linked().LinkedUnitKind).FirmWare(), firmware);
     }
-    /// The unit on the link falls silent.
-    void lose() {
-        session.link.Send_ORB_Command("F");
-        for (int tick = 0; tick < 6000 && session.link.linked().LinkedUnitKind != 0; ++tick) {
-            session.link.tick();
-        }
-        ASSERT_EQ(session.link.linked().LinkedUnitKind, 0);
-    }
-
-    MainCommands commands{session};
 };
 
 // ---- Firmware of the unit, injectors of the file
@@ -82,7 +62,7 @@ TEST_P(OtherKind, AFileForAnotherKindThanTheLinkedUnitsIsOpenedAndSavedAsItIs) {
     const std::string path = fileOf(GetParam().model, GetParam().file);
     const std::string before = bytesOf(path);
     connect(GetParam().serial, GetParam().firmware);
-    fake.dialogs.boxes.clear();
+    boxes().clear();
     open(path);
     EXPECT_THAT(titles(), ElementsAre("Unit Type Mismatch"));
     EXPECT_EQ(unit().FW_Release(), GetParam().release);
@@ -120,14 +100,14 @@ TEST_F(TwoKinds, AFileThatTellsNoReleaseKeepsItsInjectorsWhoeverIsOnTheLink) {
         for (const auto& [firmware, other] :
              {std::pair("ZQA-405010", "ZQA-402010"), {"ZQA-402010", "ZQA-405010"}}) {
             putInPlace(orbA, firmware);
-            fake.dialogs.boxes.clear();
+            boxes().clear();
             open(path);
             EXPECT_THAT(titles(), IsEmpty()) << code << " " << firmware;
             EXPECT_EQ(unit().DirectIndex(148), 8) << code << " " << firmware;
             // The unit is exchanged for one of the other generation without a word.
             putInPlace(orbA, other);
             EXPECT_EQ(unit().DirectIndex(148), 8) << code << " " << firmware;
-            lose();
+            loseUnit();
             EXPECT_EQ(unit().DirectIndex(148), 8) << code << " " << firmware;
             EXPECT_THAT(titles(), IsEmpty()) << code << " " << firmware;
             EXPECT_NE(unit().get("MAP_ID"), 0) << "a sensor is needed all the same";
@@ -143,7 +123,7 @@ TEST_F(TwoKinds, ALostLinkLeavesTheObjectOfAnotherKindItsOwnFirmware) {
     open(path);
     connect(orbA, "ZQA-405010");
     ASSERT_EQ(session.Units(3).FW_Release(), 5);
-    lose();
+    loseUnit();
     EXPECT_EQ(session.Units(3).FW_Release(), 4);
     EXPECT_EQ(session.Units(3).FW_Build(), 17);
     EXPECT_EQ(unit().FW_Release(), 7);
@@ -171,7 +151,7 @@ TEST_F(TwoKinds, AUnitThatAnswersWhileACalibrationIsBeingMadeChangesNothingOfIt)
 TEST_F(TwoKinds, AFileThatSays7IsInSlot8WhileAUnitOfThatSlotIsLinked) {
     const std::string path = fileOf("ORB D", "four.ZQ4OD");
     connect(orbD6, "ZQD-405010");
-    fake.dialogs.boxes.clear();
+    boxes().clear();
     open(path);
     EXPECT_THAT(titles(), IsEmpty());
     EXPECT_EQ(session.slotInHand(), 8);
@@ -231,7 +211,7 @@ TEST_F(TwoKinds, WhatAUnitHasToldOfItselfStaysInItsSlotWhenAFileForBothKindsIsOp
 TEST_F(TwoKinds, ACalibrationForAD6IsProgrammedFromItsFile) {
     open(fileOf("ORB D", "four.ZQ4OD"));
     connect(orbD6, "ZQD-405099");
-    fake.dialogs.boxes.clear();
+    boxes().clear();
     commands.programming.programOrb();
     EXPECT_THAT(titles(), IsEmpty());
     EXPECT_TRUE(session.link.transfer().pending());
@@ -281,31 +261,13 @@ TEST_F(TwoKinds, AFileThatCannotBeReadLeavesTheMovedCalibrationInHand) {
 
 // Reading a file lets events in.
 TEST_F(TwoKinds, AUnitThatComesWhileItsFileIsReadFindsItInItsSlot) {
-    class UnitComes : public Yield {
-     public:
-        void yield() override {
-            if (then) std::exchange(then, {})();
-        }
-        std::function<void()> then;
-    } yielding;
-    Session other{Platform{fake.port, fake.ticker, fake.clock, fake.settings, fake.dialogs, yielding,
-                           fake.folder.path(), fake.folder.path()}};
-    other.makeUnits();
-    MainCommands asked(other);
     const std::string path = fileOf("ORB D", "four.ZQ4OD");
-    yielding.then = [&] {
-        other.link.load();
-        other.link.Send_ORB_Command("E");
-        other.link.tick();
-        fake.port.deliver({0xFA, 0xA5, 0x55, 0, 0x0B, 0x71, 0xB1, 0x82});  // 750001
-        other.link.tick();
-        other.link.tick();
-    };
-    fake.dialogs.files = {path};
-    asked.files.open();
-    EXPECT_EQ(other.link.linked().LinkedUnitKind, 8);
-    EXPECT_EQ(other.slotInHand(), 8);
-    EXPECT_EQ(other.currentUnitObject().BinFile(), path);
+    session.link.load();
+    fake.yield.meanwhile = [&] { identify(orbD6); };
+    open(path);
+    EXPECT_EQ(session.link.linked().LinkedUnitKind, 8);
+    EXPECT_EQ(session.slotInHand(), 8);
+    EXPECT_EQ(unit().BinFile(), path);
 }
 
 TEST_F(TwoKinds, AUnitThatComesWhileADamagedFileIsReadLeavesTheFormerCalibrationInHand) {
@@ -333,11 +295,8 @@ TEST_F(TwoKinds, AUnitThatComesWhileADamagedFileIsReadLeavesTheFormerCalibration
 TEST_F(TwoKinds, AUnitThatComesUnderTheBoxAboutAnotherKindTakesChangesOfItsFile) {
     const std::string path = fileOf("ORB L", "six.ZQ4OL");
     connect(orbA, "ZQA-405099");
-    fake.dialogs.meanwhile = [&](const std::string& title) {
-        if (title == "Unit Type Mismatch") putInPlace(orbL, "ZQL-407099");
-    };
+    during("Unit Type Mismatch", [&] { putInPlace(orbL, "ZQL-407099"); });
     open(path);
-    fake.dialogs.meanwhile = {};
     EXPECT_TRUE(unit().ONFLY_MODE());
 }
 

@@ -9,6 +9,7 @@
 #include <QElapsedTimer>
 
 #include "qt/look.h"
+#include "unit_replies.h"
 #include "windows/frm_dashboard.h"
 #include "windows/window_fixture.h"
 
@@ -479,7 +480,7 @@ TEST_F(Dashboard, WithoutACalibrationTheRatioNeedleIsNotScaled) {
     fake.session.link.load();
     fake.session.link.Send_ORB_Command("E");
     fake.session.link.tick();
-    fake.port.deliver({0xFA, 0xA5, 0x55, 0x00, 0x03, 0x0D, 0x40, 0x50});  // 200000: an ORB A
+    fake.port.deliver(identifyReply(200000));  // an ORB A
     fake.session.link.tick();
     ASSERT_EQ(fake.session.link.linked().LinkedUnitKind, orbA);
     unit().AssignDirectIndex(7.35F, 2225);  // of the unit's object: half of petrol

@@ -10,8 +10,8 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
-#include <numeric>
 
+#include "unit_replies.h"
 #include "windows/key_press.h"
 #include "windows/table_windows_fixture.h"
 
@@ -73,25 +73,14 @@ class TypedAhead : public TableWindowsTest {
         }
         return keys;
     }
-    static std::vector<std::uint8_t> sealed(std::vector<std::uint8_t> reply) {
-        reply.push_back(static_cast<std::uint8_t>(std::accumulate(reply.begin() + 2, reply.end(), 0)));
-        return reply;
-    }
     /// An ORB A, number 200001, tells who it is.
     void connectUnit() {
-        const auto reply = [this](std::vector<std::uint8_t> bytes) {
-            fake.port.deliver(sealed(std::move(bytes)));
-            fake.ticker.run(2);
-        };
         fake.session.link.Send_ORB_Command("E");
         fake.ticker.run(1);
-        reply({0xFA, 0xA5, 0x55, 0, 0x03, 0x0D, 0x41});
-        std::vector<std::uint8_t> firmware{0xFA, 0xA5, 0x55};
-        firmware.insert(firmware.end(), 24, ' ');
-        for (const char letter : std::string("ZQA-405099"))
-            firmware.push_back(static_cast<std::uint8_t>(letter));
-        firmware.push_back(0);
-        reply(firmware);
+        for (const std::string& reply : {identifyReply(200001), firmwareReply("", "ZQA-405099")}) {
+            fake.port.deliver(reply);
+            fake.ticker.run(2);
+        }
         drainLink();
         ASSERT_EQ(fake.session.link.linked().LinkedUnitKind, 3);
         windows.main().refresh();
