@@ -1,18 +1,12 @@
 #include "app/options.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <fstream>
-#include <functional>
 #include <set>
 
-#include "app/fake_platform.h"
+#include "app/command_fixture.h"
 #include "base/errors.h"
 #include "base/text.h"
-#include "testing/manual_clock.h"
-#include "testing/scripted_port.h"
 
 namespace zentaq {
 namespace {
@@ -23,62 +17,17 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
 
-/// What is stored and what is asked of the windows, in one order.
-using Trail = std::vector<std::string>;
-
-class TrailingStore : public MemorySettings {
- public:
-    explicit TrailingStore(Trail& trail) : trail_(trail) {}
-    void set(const std::string& section, const std::string& key, const std::string& value) override {
-        trail_.push_back(key + "=" + value);
-        MemorySettings::set(section, key, value);
-    }
-
- private:
-    Trail& trail_;
-};
-
-class TrailingWindows : public WindowSet, public WindowNews {
- public:
-    explicit TrailingWindows(Trail& trail) : trail_(trail) {}
-    void temperaturesChanged() override { trail_.emplace_back("temperatures"); }
-    void updateRateChanged() override { trail_.emplace_back("update rate"); }
-    void clearTableColours() override { trail_.emplace_back("white grid"); }
-    void look(bool day) override { trail_.emplace_back(day ? "day" : "night"); }
-    void dashboardColours(const std::string& lights, const std::string& needle) override {
-        trail_.push_back("lights " + lights + " needle " + needle);
-    }
-    void showCommList(bool on) override { trail_.emplace_back(on ? "list on" : "list off"); }
-    void initializeRecorderRows() override {
-        if (fails) throw Failure("no rows");
-        trail_.emplace_back("recorder rows");
-    }
-
-    bool fails = false;
-
+class OptionsTest : public ProgramTest {
  protected:
-    void toEach(const std::function<void(WindowNews&)>& tell) override { tell(*this); }
-
- private:
-    Trail& trail_;
-};
-
-class OptionsTest : public testing::Test {
- protected:
-    Trail trail;
-    TemporaryFolder folder;
-    FakePort port;
-    ManualTicker ticker;
-    FakeClock clock;
-    TrailingStore settings{trail};
-    ScriptedDialogs dialogs;
-    NoYield yield;
-    TrailingWindows windows{trail};
-    Session session{Platform{port, ticker, clock, settings, dialogs, yield, folder.path(), folder.path()}};
+    /// What is stored and what is asked of the windows, in one order.
+    std::vector<std::string>& trail = fake.windows.calls;
+    TrailingSettings& settings = fake.settings;
+    ScriptedDialogs& dialogs = fake.dialogs;
 
     OptionsTest() {
-        session.attach(windows);
-        session.console.logFile(folder.path("zentaq.log"));
+        stored("TemperatureToggle", "");  // as on a fresh installation
+        settings.trail = &trail;
+        session.console.logFile(fake.folder.path("zentaq.log"));
     }
 
     void stored(const std::string& key, const std::string& value) {
@@ -211,65 +160,50 @@ TEST(FindOptions, WantsAllWords) {
 
 TEST_F(OptionsTest, ShowWhatTheProgramDoesWhileNothingIsStored) {
     const Options options(session);
-    EXPECT_EQ(options.value("cmbCOMM"), "1");
-    // A start without these settings writes the log, asks for a file and shows the list.
-    EXPECT_TRUE(options.on("chkAutoLog"));
-    EXPECT_TRUE(options.on("chkFileOpen"));
-    EXPECT_TRUE(options.on("chkShowCommDialog"));
-    EXPECT_TRUE(options.on("chkTemperature"));  // only "0" is Celsius
+    // A start without these settings writes the log, asks for a file and shows the list; only "0" is Celsius.
+    for (const char* control : {"chkAutoLog", "chkFileOpen", "chkShowCommDialog", "chkTemperature"})
+        EXPECT_EQ(options.value(control), "1") << control;
     for (const char* control : {"chkConsole", "chkCOMM", "chkGraphs", "chkColumnType", "chkAFRColors",
-                                "chkAutoMonitor", "chkAutoOutput"}) {
+                                "chkAutoMonitor", "chkAutoOutput", "optPrintButton", "optMonitorMode"}) {
         EXPECT_EQ(options.value(control), "0") << control;
     }
-    EXPECT_EQ(options.value("optPrintButton"), "0");
-    EXPECT_EQ(options.value("optMonitorMode"), "0");
-    EXPECT_EQ(options.value("sldDashAdjust"), "125");
-    EXPECT_EQ(options.value("txtPollRate"), "");
-    EXPECT_EQ(options.value("txtCLTvalue"), "-");
-    EXPECT_EQ(options.value("txtNeedleColor"), "");
+    const std::pair<const char*, const char*> others[] = {{"cmbCOMM", "1"},
+                                                          {"sldDashAdjust", "125"},
+                                                          {"txtPollRate", ""},
+                                                          {"txtCLTvalue", "-"},
+                                                          {"txtNeedleColor", ""}};
+    for (const auto& [control, value] : others) EXPECT_EQ(options.value(control), value) << control;
     EXPECT_THAT(options.dataPoints(), IsEmpty());
     EXPECT_THAT(trail, IsEmpty());
 }
 
 TEST_F(OptionsTest, ShowWhatIsStored) {
-    stored("CommPort", "4");
-    stored("AutoLog", "0");
-    stored("Cnsl", "1");
-    stored("CommCnsl", "1");
-    stored("MonitorMode", "1");
-    stored("NeedleColor", "255");
-    stored("DashLights", "65280");
-    stored("LabelLights", "16711680");
-    stored("ADUR", "25");
-    stored("Graphs", "1");
-    stored("FileOpen", "0");
-    stored("Print", "1");
-    stored("TableColor", "1");
-    stored("CommDialog", "0");
-    stored("PollRate", "2.5");
-    stored("Column_Type", "1");
-    stored("AutoMonitor", "1");
-    settings.MemorySettings::set("Datalog", "Datalog1", "1");
-    settings.MemorySettings::set("Datalog", "Datalog7", "65");
-    settings.MemorySettings::set("Datalog", "Datalog11", "30");
+    struct Setting {
+        const char *key, *control, *value;
+    };
+    const Setting all[] = {{"CommPort", "cmbCOMM", "4"},
+                           {"AutoLog", "chkAutoLog", "0"},
+                           {"Cnsl", "chkConsole", "1"},
+                           {"CommCnsl", "chkCOMM", "1"},
+                           {"MonitorMode", "optMonitorMode", "1"},
+                           {"NeedleColor", "txtNeedleColor", "255"},
+                           {"DashLights", "txtDashLights", "65280"},
+                           {"LabelLights", "txtLabelLights", "16711680"},
+                           {"ADUR", "sldDashAdjust", "25"},
+                           {"Graphs", "chkGraphs", "1"},
+                           {"FileOpen", "chkFileOpen", "0"},
+                           {"Print", "optPrintButton", "1"},
+                           {"TableColor", "chkAFRColors", "1"},
+                           {"CommDialog", "chkShowCommDialog", "0"},
+                           {"PollRate", "txtPollRate", "2.5"},
+                           {"Column_Type", "chkColumnType", "1"},
+                           {"AutoMonitor", "chkAutoMonitor", "1"}};
+    for (const Setting& setting : all) stored(setting.key, setting.value);
+    for (const auto& [key, place] : {std::pair("Datalog1", "1"), {"Datalog7", "65"}, {"Datalog11", "30"}})
+        settings.set("Datalog", key, place);
     const Options options(session);
-    EXPECT_EQ(options.value("cmbCOMM"), "4");
-    EXPECT_FALSE(options.on("chkAutoLog"));
-    EXPECT_TRUE(options.on("chkConsole"));
-    EXPECT_TRUE(options.on("chkCOMM"));
-    EXPECT_TRUE(options.on("optMonitorMode"));
-    EXPECT_EQ(options.value("txtNeedleColor"), "255");
-    EXPECT_EQ(options.value("txtDashLights"), "65280");
-    EXPECT_EQ(options.value("txtLabelLights"), "16711680");
-    EXPECT_EQ(options.value("sldDashAdjust"), "25");
-    EXPECT_TRUE(options.on("chkGraphs"));
-    EXPECT_FALSE(options.on("chkFileOpen"));
-    EXPECT_TRUE(options.on("optPrintButton"));
-    EXPECT_TRUE(options.on("chkAFRColors"));
-    EXPECT_FALSE(options.on("chkShowCommDialog"));
-    EXPECT_EQ(options.value("txtPollRate"), "2.5");
-    EXPECT_TRUE(options.on("chkColumnType"));
-    EXPECT_TRUE(options.on("chkAutoMonitor"));
+    for (const Setting& setting : all)
+        EXPECT_EQ(options.value(setting.control), setting.value) << setting.control;
     EXPECT_THAT(options.dataPoints(), ElementsAre(1, 65));
 }
 
@@ -415,10 +349,10 @@ TEST_F(OptionsTest, ApplyInTheFixedOrderWhileMonitoring) {
         trail, ElementsAre("CommPort=3", "CommPortIdentity=", "AutoLog=1", "Cnsl=1", "CommCnsl=0",
                            "NeedleColor=255", "DashLights=65535", "LabelLights=7", "Graphs=1", "FileOpen=1",
                            "TableColor=1", "PollRate=2.5", "AutoMonitor=0", "TemperatureToggle=0",
-                           "CLTAlarmValue=98", "MATAlarmValue=60", "white grid", "Datalog1=0", "Datalog2=0",
+                           "CLTAlarmValue=98", "MATAlarmValue=60", "white table", "Datalog1=0", "Datalog2=0",
                            "Datalog3=0", "Datalog4=0", "Datalog5=0", "Datalog6=0", "Datalog7=0", "Datalog8=0",
                            "Datalog9=0", "Datalog10=0", "Datalog1=2", "Datalog2=65", "night",
-                           "lights 65535 needle 255", "list on", "recorder rows", "WireTrace=0"));
+                           "colours 65535 255", "comm list on", "recorder rows", "WireTrace=0"));
     EXPECT_THAT(lastLine(1), HasSubstr("Application Options Have Been Applied."));
     EXPECT_THAT(lastLine(), HasSubstr("**NOTE: Some changes require program restart before taking effect."));
 }
@@ -429,7 +363,7 @@ TEST_F(OptionsTest, ApplyLeavesTheDashboardAloneWithoutMonitoring) {
     options.apply();
     EXPECT_THAT(trail, Not(Contains("day")));
     EXPECT_THAT(trail, Not(Contains("night")));
-    EXPECT_THAT(trail, Contains("list on"));
+    EXPECT_THAT(trail, Contains("comm list on"));
 }
 
 TEST_F(OptionsTest, ApplyTurnsARunningDashboardToDay) {
@@ -439,7 +373,7 @@ TEST_F(OptionsTest, ApplyTurnsARunningDashboardToDay) {
     options.apply();
     const auto day = std::find(trail.begin(), trail.end(), "day");
     ASSERT_NE(day, trail.end());
-    EXPECT_EQ(*(day + 1), "lights  needle ");
+    EXPECT_EQ(*(day + 1), "colours  ");
 }
 
 TEST_F(OptionsTest, ApplyTakesThePortIntoTheProcessAndOpensNothing) {
@@ -447,7 +381,7 @@ TEST_F(OptionsTest, ApplyTakesThePortIntoTheProcessAndOpensNothing) {
     options.change("cmbCOMM", "5");
     options.apply();
     EXPECT_EQ(session.link.commPort(), 5);
-    EXPECT_EQ(port.opens, 0);
+    EXPECT_EQ(fake.port.opens, 0);
 }
 
 TEST_F(OptionsTest, ApplySwitchesTheLogFileAndTheTableColoursAtOnce) {
@@ -490,7 +424,7 @@ TEST_F(OptionsTest, BeginAndEndTheWireTraceWithApply) {
     options.change("chkWireTrace", "0");
     options.apply();
     EXPECT_FALSE(session.trace.running());
-    EXPECT_THAT(TemporaryFolder::read(folder.file("zentaq.trace")),
+    EXPECT_THAT(TemporaryFolder::read(fake.folder.file("zentaq.trace")),
                 HasSubstr("program: Application Options Have Been Applied."));
 }
 
@@ -619,7 +553,9 @@ TEST_F(OptionsTest, WhatIsRefusedIsToldAlsoWhereAStepBehindItFails) {
     stored("CLTAlarmValue", "98");
     Options options(session);
     options.change("txtCLTvalue", "hot");
-    windows.fails = true;
+    fake.windows.meanwhile = [](const std::string& call) {
+        if (call == "recorder rows") throw Failure("no rows");
+    };
     EXPECT_THROW(options.apply(), Failure);
     ASSERT_EQ(dialogs.boxes.size(), 1u);
     EXPECT_EQ(dialogs.boxes[0].text,
@@ -670,7 +606,7 @@ TEST_F(OptionsTest, ARefusedColourLeavesTheStoredOneOnTheDashboard) {
     Options options(session);
     options.change("txtDashLights", "green");
     EXPECT_THAT(options.apply(), ElementsAre("txtDashLights"));
-    EXPECT_THAT(trail, Contains("lights 65280 needle "));
+    EXPECT_THAT(trail, Contains("colours 65280 "));
 }
 
 // ---- The port and the device behind its number
@@ -687,7 +623,7 @@ TEST_F(OptionsTest, ApplyStoresTheDeviceBesideTheNumber) {
 TEST_F(OptionsTest, TheNumberShownFollowsTheStoredDevice) {
     stored("CommPort", "1");
     stored("CommPortIdentity", "fake");
-    port.presentNumber = 3;
+    fake.port.presentNumber = 3;
     Options options(session);
     EXPECT_EQ(options.value("cmbCOMM"), "3");
     options.apply();
@@ -710,44 +646,33 @@ TEST_F(OptionsTest, AnApplyKeepsADeviceThatIsAwayThoughAnotherHasItsNumber) {
 
 TEST_F(OptionsTest, ASearchWithoutAUnitTellsAndKeepsThePort) {
     stored("CommPort", "4");
-    port.presentNumber = 0;
+    fake.port.presentNumber = 0;
     session.link.commPort(4);
     Options options(session);
-    UnitCommands commands(session);
-    EXPECT_EQ(options.detectPort(commands), 0);
+    EXPECT_EQ(options.detectPort(commands.unit), 0);
     ASSERT_EQ(dialogs.boxes.size(), 1u);
-    EXPECT_EQ(dialogs.boxes[0].text, "Could not Find ORB Unit.  Please check the serial connection.");
+    EXPECT_EQ(box().text, "Could not Find ORB Unit.  Please check the serial connection.");
     EXPECT_EQ(options.value("cmbCOMM"), "4");
     EXPECT_EQ(read("CommPort"), "4");
 }
 
 TEST_F(OptionsTest, ASearchThatFindsAUnitShowsAndStoresItsPort) {
-    class Milliseconds : public Yield {
-     public:
-        void yield() override { pass(); }
-        std::function<void()> pass;
-    } passing;
-    ManualClock time;
-    ScriptedPort line(time);
-    Session searching{Platform{line, ticker, time, settings, dialogs, passing, folder.path(), folder.path()}};
-    passing.pass = [&] {
-        line.advanceUs(1000);
-        searching.link.tick();
+    fake.yield.passing = [this] { fake.clock.nowUs += 20'000; };
+    fake.yield.meanwhile = [this] {
+        ticks(1);
+        answer(identifyReply(300000));
     };
-    line.refuse(2);
-    line.unitOnPort(3);
-    // Serial number 300000 is 0x000493E0; 0x55 + 0x04 + 0x93 + 0xE0 = 0x1CC.
-    line.always("E", std::string("\xFA\xA5\x55\x00\x04\x93\xE0\xCC", 8));
+    session.makeUnits();
+    fake.port.presentNumber = 3;
     stored("CommPort", "1");
-    Options options(searching);
+    Options options(session);
     options.change("txtPollRate", "5");
-    UnitCommands commands(searching);
-    EXPECT_EQ(options.detectPort(commands), 3);
+    EXPECT_EQ(options.detectPort(commands.unit), 3);
     EXPECT_EQ(options.value("cmbCOMM"), "3");
     EXPECT_EQ(options.value("txtPollRate"), "5");
     EXPECT_EQ(read("CommPort"), "3");
-    EXPECT_EQ(read("CommPortIdentity"), searching.link.commIdentity());
-    EXPECT_EQ(searching.linkDisplay.status().port, "3");
+    EXPECT_EQ(read("CommPortIdentity"), session.link.commIdentity());
+    EXPECT_EQ(session.linkDisplay.status().port, "3");
     EXPECT_THAT(dialogs.boxes, IsEmpty());
 }
 

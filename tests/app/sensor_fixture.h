@@ -3,13 +3,14 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
 #include "app/fake_platform.h"
+#include "other_program.h"
 #include "refdata/schema.h"
 
 namespace zentaq {
@@ -58,22 +59,6 @@ class SensorSession : public ::testing::Test {
         session.database = Database::open(path);
     }
 
-    /// Another program on the same file.
-    class OtherProgram {
-     public:
-        explicit OtherProgram(const std::string& path, int flags = SQLITE_OPEN_READWRITE) {
-            EXPECT_EQ(sqlite3_open_v2(path.c_str(), &file_, flags, nullptr), SQLITE_OK);
-        }
-        OtherProgram(const OtherProgram&) = delete;
-        OtherProgram& operator=(const OtherProgram&) = delete;
-        ~OtherProgram() { sqlite3_close(file_); }
-        void run(const std::string& sql) {
-            EXPECT_EQ(sqlite3_exec(file_, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK) << sql;
-        }
-
-     private:
-        sqlite3* file_ = nullptr;
-    };
     /// Holds the whole database file as long as it lives.
     struct Lock : OtherProgram {
         explicit Lock(const std::string& path) : OtherProgram(path) { run("BEGIN EXCLUSIVE"); }
@@ -87,7 +72,8 @@ class SensorSession : public ::testing::Test {
 
  private:
     void makeDatabase() {
-        OtherProgram maker(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE);
+        std::ofstream(path).flush();
+        OtherProgram maker(path);
         maker.run("BEGIN");
         for (const refdata::Table& table : refdata::tables()) {
             std::string columns;

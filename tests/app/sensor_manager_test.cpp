@@ -26,60 +26,65 @@ SensorEntry points(const std::string& volts1, const std::string& volts2, const s
 struct EntryFault {
     const char* why;
     SensorEntry entry;
-    const char* title;
     const char* text;
     std::optional<SensorBox> box = {};
 };
 
-TEST(SensorEntryChecks, AnEntryThatIsRefusedIsToldWithItsBox) {
-    const auto noNumber = "Invalid entry";
-    const auto range = "Entry out of Range";
-    const auto order = "Entry out of Order";
-    const EntryFault faults[] = {
-        {"the first volts are no number", points("abc", "4.5", "20", "250"), noNumber,
-         "abc not a valid number", firstVolts},
-        {"the second volts are no number", points("0.5", "abc", "20", "250"), noNumber,
-         "abc not a valid number", secondVolts},
-        {"the first pressure is no number", points("0.5", "4.5", "abc", "250"), noNumber,
-         "abc not a valid number", firstPressure},
-        {"the second pressure is no number", points("0.5", "4.5", "20", "abc"), noNumber,
-         "abc not a valid number", secondPressure},
-        {"an empty box is no number", points("", "4.5", "20", "250"), noNumber, " not a valid number",
-         firstVolts},
-        {"all boxes are read before the volts are compared with their limits", points("9", "4.5", "20", "x"),
-         noNumber, "x not a valid number", secondPressure},
-        {"the first volts are below 0", points("-0.01", "5", "20", "250"), range,
-         "-0.01 is out of range.  Must be 0 - 5v", firstVolts},
-        {"the second volts are below 0", points("0", "-0.01", "20", "250"), range,
-         "-0.01 is out of range.  Must be 0 - 5v", secondVolts},
-        {"the first volts are above 5", points("5.01", "5", "20", "250"), range,
-         "5.01 is out of range.  Must be 0 - 5v", firstVolts},
-        {"the second volts are above 5", points("0", "5.01", "20", "250"), range,
-         "5.01 is out of range.  Must be 0 - 5v", secondVolts},
-        {"volts must climb", points("4.5", "0.5", "20", "250"), order,
-         "4.5 Must be smaller than 0.5\nPlease rearrange your entries.", firstVolts},
-        {"pressures must climb", points("0.5", "4.5", "250", "20"), order,
-         "250 Must be smaller than 20\nPlease rearrange your entries.", firstPressure},
-        {"volts out of range are told before volts out of order", points("6", "1", "20", "250"), range,
-         "6 is out of range.  Must be 0 - 5v", firstVolts},
-        {"volts out of order are told before pressures out of order", points("4", "1", "250", "20"), order,
-         "4 Must be smaller than 1\nPlease rearrange your entries.", firstVolts},
-        {"equal pressures pass the order and fail as a division by zero",
-         points("0.5", "4.5", "100", "100.0"), noNumber,
-         "Division by zero: both pressures are the same.\nPlease enter two different pressures.",
-         secondPressure},
-        {"equal volts pass the order and make no sensor", points("2", "2", "20", "250"), noNumber,
-         "Both volts are the same, so the sensor has no slope.\nPlease enter two different volts."}};
+void expectTold(const char* title, const std::vector<EntryFault>& faults) {
     for (const EntryFault& expected : faults) {
         SCOPED_TRACE(expected.why);
         const auto fault = sensorFault(expected.entry);
         ASSERT_TRUE(fault);
-        EXPECT_EQ(fault->title, expected.title);
+        EXPECT_EQ(fault->title, title);
         EXPECT_EQ(fault->text, expected.text);
         if (expected.box) {
             EXPECT_EQ(fault->box, *expected.box);
         }
     }
+}
+
+TEST(SensorEntryChecks, ABoxWithoutANumberIsToldBeforeAnythingElse) {
+    expectTold(
+        "Invalid entry",
+        {{"the first volts", points("abc", "4.5", "20", "250"), "abc not a valid number", firstVolts},
+         {"the second volts", points("0.5", "abc", "20", "250"), "abc not a valid number", secondVolts},
+         {"the first pressure", points("0.5", "4.5", "abc", "250"), "abc not a valid number", firstPressure},
+         {"the second pressure", points("0.5", "4.5", "20", "abc"), "abc not a valid number", secondPressure},
+         {"an empty box", points("", "4.5", "20", "250"), " not a valid number", firstVolts},
+         {"though volts are out of range", points("9", "4.5", "20", "x"), "x not a valid number",
+          secondPressure}});
+}
+
+TEST(SensorEntryChecks, VoltsOutOfRangeAreToldBeforeWhatIsOutOfOrder) {
+    expectTold("Entry out of Range", {{"the first below 0", points("-0.01", "5", "20", "250"),
+                                       "-0.01 is out of range.  Must be 0 - 5v", firstVolts},
+                                      {"the second below 0", points("0", "-0.01", "20", "250"),
+                                       "-0.01 is out of range.  Must be 0 - 5v", secondVolts},
+                                      {"the first above 5", points("5.01", "5", "20", "250"),
+                                       "5.01 is out of range.  Must be 0 - 5v", firstVolts},
+                                      {"the second above 5", points("0", "5.01", "20", "250"),
+                                       "5.01 is out of range.  Must be 0 - 5v", secondVolts},
+                                      {"out of order too", points("6", "1", "20", "250"),
+                                       "6 is out of range.  Must be 0 - 5v", firstVolts}});
+}
+
+TEST(SensorEntryChecks, VoltsAndThenPressuresMustClimb) {
+    expectTold("Entry out of Order",
+               {{"volts", points("4.5", "0.5", "20", "250"),
+                 "4.5 Must be smaller than 0.5\nPlease rearrange your entries.", firstVolts},
+                {"pressures", points("0.5", "4.5", "250", "20"),
+                 "250 Must be smaller than 20\nPlease rearrange your entries.", firstPressure},
+                {"both", points("4", "1", "250", "20"),
+                 "4 Must be smaller than 1\nPlease rearrange your entries.", firstVolts}});
+}
+
+TEST(SensorEntryChecks, EqualOnesPassTheOrderAndMakeNoSensor) {
+    expectTold("Invalid entry",
+               {{"pressures", points("0.5", "4.5", "100", "100.0"),
+                 "Division by zero: both pressures are the same.\nPlease enter two different pressures.",
+                 secondPressure},
+                {"volts", points("2", "2", "20", "250"),
+                 "Both volts are the same, so the sensor has no slope.\nPlease enter two different volts."}});
 }
 
 TEST(SensorEntryChecks, AnEntryOfTwoPointsThatClimbPasses) {
