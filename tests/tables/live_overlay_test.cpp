@@ -79,6 +79,7 @@ TEST_F(TableWindow, TypingShadesNoOtherTableThanVe) {
     open("SPW");
     cursor.select(16, 1, 16, 1);
     ASSERT_TRUE(editor.enterValue("25"));
+    EXPECT_EQ(text(16, 1), "25");
     EXPECT_EQ(sheet.grid().colour(16, 1), TableGrid::white);
 }
 

@@ -49,6 +49,7 @@ TEST_F(TableWindow, AdvanceIsTypedWithTheEnginesOffset) {
     cursor.select(16, 1, 16, 1);
     ASSERT_TRUE(editor.enterValue("25"));
     EXPECT_EQ(unit.DirectIndex(advanceBase), 15);
+    EXPECT_EQ(text(16, 1), "25");
     EXPECT_FALSE(editor.enterValue("9.9"));
 }
 

@@ -69,6 +69,7 @@ TEST_F(TableWindow, NudgingInAViewChangesTheTableValue) {
     cursor.select(1, 16, 1, 16);
     press('.');
     EXPECT_EQ(unit.DirectIndex(veBase + 255), 1);
+    EXPECT_EQ(sheet.cellsWritten(), 1);
     EXPECT_EQ(text(1, 16), "9.02");  // 0.5 + 1.01 * 8.43624 = 9.0206
 }
 

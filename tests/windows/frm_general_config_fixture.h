@@ -12,13 +12,13 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QWindow>
+#include <filesystem>
 #include <memory>
 #include <string>
 
 #include "app/fake_platform.h"
 #include "app/main_commands.h"
 #include "qt/qt_dialogs.h"
-#include "refdata/seed_builder.h"
 #include "windows/frm_general_config.h"
 #include "windows/key_press.h"
 
@@ -87,7 +87,7 @@ class GeneralWindow : public testing::Test {
     GeneralWindow() {
         session.makeUnits();
         const std::string path = fake.folder.path("reference.pak");
-        refdata::buildDatabase(ZENTAQ_SOURCE_DIR "/data/seeds", path);
+        std::filesystem::copy_file(builtReference(), path);
         session.database = Database::open(path);
         session.attach(windows);
     }

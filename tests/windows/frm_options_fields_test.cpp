@@ -8,7 +8,6 @@ namespace zentaq {
 namespace {
 
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 class OptionsFields : public OptionsWindowTest {
  protected:
@@ -68,18 +67,6 @@ TEST_F(OptionsFields, SpaceTurnsEachCheckBoxAndItsSettingFollowsInItsOwnTime) {
     for (const BoxCase& row : boxes) EXPECT_EQ(stored(row.key), row.checkedAtFirst ? "0" : "1") << row.key;
 }
 
-TEST_F(OptionsFields, TheUnusedCheckBoxTurnsAndStoresNothing) {
-    showing(OptionPage::Dashboard);
-    EXPECT_EQ(the<QCheckBox>("chkAutoOutput")->text().remove('&'), "Enable Automatic Monitoring on ORB unit");
-    tabTo("chkAutoOutput");
-    sendKey(Qt::Key_Space, Qt::NoModifier, " ");
-    EXPECT_TRUE(the<QCheckBox>("chkAutoOutput")->isChecked());
-    apply();
-    form.reset();
-    showing(OptionPage::Dashboard);
-    EXPECT_FALSE(the<QCheckBox>("chkAutoOutput")->isChecked());
-}
-
 TEST_F(OptionsFields, ArrowsChooseWhatThePrintButtonPrints) {
     showing(OptionPage::Print);
     EXPECT_EQ(the<QRadioButton>("optPrintButton(0)")->text().remove('&'), "Print Current Form");
@@ -98,6 +85,7 @@ TEST_F(OptionsFields, TheModeButtonsAndLabelsCarryTheirCaptions) {
     EXPECT_EQ(the<QRadioButton>("optMonitorMode(0)")->text().remove('&'), "Night Mode (Black)");
     EXPECT_EQ(the<QRadioButton>("optMonitorMode(1)")->text().remove('&'), "Day Mode (White)");
     EXPECT_EQ(the<QPushButton>("cmdAutoDetectPort")->text().remove('&'), "Auto Detect Port");
+    EXPECT_EQ(the<QCheckBox>("chkAutoOutput")->text().remove('&'), "Enable Automatic Monitoring on ORB unit");
     QStringList captions;
     for (const QLabel* caption : form->findChildren<QLabel*>()) {
         if (caption->buddy() != nullptr) captions.append(caption->text().remove('&'));

@@ -14,7 +14,6 @@
 namespace zentaq {
 namespace {
 
-using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -291,19 +290,6 @@ TEST_F(OptionsWindow, FollowsTheDayModeOfTheMenu) {
     EXPECT_FALSE(the<QPushButton>("cmdChoose")->isEnabled());
     commands.nightMode();
     EXPECT_TRUE(the<QRadioButton>("optMonitorMode(0)")->isChecked());
-}
-
-TEST_F(OptionsWindow, ApplyTurnsAMonitoringProgramToDay) {
-    fake.session.Monitoring = true;
-    open();
-    form->showPage(FrmOptions::monitorPage);
-    tabTo("optMonitorMode(0)");
-    sendKey(Qt::Key_Down);
-    EXPECT_EQ(appliedLook(*qApp), DisplayMode::Night);
-    apply();
-    EXPECT_EQ(appliedLook(*qApp), DisplayMode::Day);
-    EXPECT_TRUE(the<QRadioButton>("optMonitorMode(1)")->isChecked());
-    commands.nightMode();
 }
 
 TEST_F(OptionsWindow, FollowsTheTableWindowWhenItComesToTheFront) {

@@ -73,17 +73,11 @@ class Table : public testing::Test {
     int colour(int row, int column) { return form->model()->sheet().grid().colour(row, column); }
     QLineEdit* timeOfGap() { return form->findChild<QLineEdit*>("txtTOG"); }
 
-    /// A key to whatever has the focus, as the keyboard would send it.
-    void key(int code, const QString& text = {}, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        QWidget* target = QApplication::focusWidget();
-        ASSERT_NE(target, nullptr);
-        QKeyEvent press(QEvent::KeyPress, code, modifiers, text);
-        QApplication::sendEvent(target, &press);
+    static void key(int code, const QString& text = {}, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        sendKey(code, modifiers, text);
     }
-    void type(const QString& text) {
-        for (const QChar letter : text) key(letter.toUpper().unicode(), letter);
-    }
-    void enter(const QString& text = {}) {
+    static void type(const QString& text) { sendText(text); }
+    static void enter(const QString& text = {}) {
         type(text);
         key(Qt::Key_Return, "\r");
     }
@@ -222,15 +216,6 @@ TEST_F(Table, RefusedValueWarnsAndTheBoxHoldsTheOldText) {
     EXPECT_THAT(fake.port.written, IsEmpty());
 }
 
-TEST_F(Table, EmptyBoxWarnsAsNull) {
-    stand(16, 1);
-    type("5");
-    key(Qt::Key_Backspace);
-    enter();
-    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
-    EXPECT_THAT(fake.dialogs.boxes[0].text, HasSubstr("Field CANNOT be NULL; please try again."));
-}
-
 TEST_F(Table, LettersAreNoStartOfANumber) {
     stand(16, 1);
     type("a");
@@ -250,6 +235,7 @@ TEST_F(Table, EscapeLeavesTheCellAsItWas) {
     type("33");
     key(Qt::Key_Escape);
     EXPECT_FALSE(box().isVisible());
+    EXPECT_FALSE(cursor().overlaySuppressed());
     EXPECT_EQ(cell(16, 1), "0");
     EXPECT_EQ(ve(0), 0);
     EXPECT_EQ(QApplication::focusWidget(), &grid());
@@ -263,24 +249,6 @@ TEST_F(Table, SpaceOpensTheCellsOwnText) {
     EXPECT_EQ(box().selectedText(), "7");
 }
 
-TEST_F(Table, LeavingTheBoxPutsItsTextIntoTheCellUnchecked) {
-    stand(16, 1);
-    type("44");
-    stand(15, 1);
-    EXPECT_FALSE(box().isVisible());
-    EXPECT_EQ(cell(16, 1), "44");
-    EXPECT_EQ(ve(0), 0);
-}
-
-TEST_F(Table, EnterFillsTheWholeSelection) {
-    select(15, 2, 16, 4);
-    enter("8");
-    EXPECT_THAT((std::vector{ve(1), ve(2), ve(3), ve(17), ve(18), ve(19)}), ElementsAre(8, 8, 8, 8, 8, 8));
-    EXPECT_EQ(ve(0), 0);
-    EXPECT_EQ(ve(4), 0);
-    EXPECT_EQ(ve(33), 0);
-}
-
 TEST_F(Table, FullStopAndCommaNudgeTheSelection) {
     select(15, 1, 16, 2);
     type("...");
@@ -288,15 +256,6 @@ TEST_F(Table, FullStopAndCommaNudgeTheSelection) {
     EXPECT_THAT((std::vector{ve(0), ve(1), ve(16), ve(17)}), ElementsAre(2, 2, 2, 2));
     EXPECT_EQ(shown(16, 2), "2");
     EXPECT_TRUE(fake.session.DataModified);
-}
-
-TEST_F(Table, NudgeBeyondTheRangeWarnsAndModifiesNothing) {
-    showStored(50);
-    stand(16, 1);
-    type(".");
-    EXPECT_EQ(ve(0), 50);
-    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
-    EXPECT_FALSE(fake.session.DataModified);
 }
 
 TEST_F(Table, KeysTypedWhileAChangeIsOnItsWayAreNotLost) {
@@ -342,16 +301,6 @@ TEST_F(Table, FocusReturnsToTheGridWhenTheLockEnds) {
     EXPECT_NE(QApplication::focusWidget(), &grid());
 }
 
-TEST_F(Table, AClickOnTheLockedGridWaitsForTheEndOfTheLock) {
-    stand(16, 1);
-    form->onFlyLock(true);
-    mouse(QEvent::MouseButtonPress, grid().cellRect(4, 4).center());
-    EXPECT_EQ(cursor().row(), 16);
-    form->onFlyLock(false);
-    QApplication::processEvents();
-    EXPECT_EQ(cursor().row(), 4);
-}
-
 TEST_F(Table, HeldDownKeyDoesNotGoOnAfterTheLock) {
     stand(16, 1);
     form->onFlyLock(true);
@@ -393,14 +342,6 @@ TEST_F(Table, AHeaderThatIsNotAboveTheOneBeforeItIsRefused) {
     EXPECT_THAT(fake.dialogs.boxes[1].text, HasSubstr("20 > 20 = FALSE"));
     EXPECT_EQ(unit().get("MAPTBL", 1), 25);
     EXPECT_FALSE(fake.session.DataModified);
-}
-
-TEST_F(Table, AnAxisIsMovedUpFromItsLowestStopOn) {
-    // Only the stop before counts, so the next one may follow with the next entry.
-    enterHeader(Qt::Horizontal, 0, "1200");
-    enterHeader(Qt::Horizontal, 1, "1700");
-    EXPECT_EQ(unit().get("RPMTBL", 0), 1200);
-    EXPECT_EQ(unit().get("RPMTBL", 1), 1700);
 }
 
 TEST_F(Table, AHeaderThatIsNotBelowTheNextOneStandsAndIsTold) {
@@ -503,14 +444,6 @@ TEST_F(Table, ATableThatCannotBeShownLeavesTheOneOnTheScreen) {
     EXPECT_EQ(ve(0), 9);
 }
 
-TEST_F(Table, CapitalAShowsAbsoluteValues) {
-    showStored(7);
-    type("A");
-    EXPECT_EQ(shown(16, 1), "107");
-    type("A");
-    EXPECT_EQ(shown(16, 1), "7");
-}
-
 TEST_F(Table, CapitalXClosesTheWindow) {
     int closed = 0;
     form->onClosed([&] { ++closed; });
@@ -557,20 +490,6 @@ TEST_F(Table, ClickedCellTakesWhatIsTypedWhileTheEngineRunsElsewhere) {
     EXPECT_EQ(cursor().row(), 12);
 }
 
-TEST_F(Table, ArrowKeyThenTypingEndsWithTheOverlayAsItWas) {
-    stand(16, 1);
-    key(Qt::Key_Right);
-    EXPECT_TRUE(cursor().overlaySuppressed());
-    enter("5");
-    EXPECT_EQ(ve(1), 5);
-    EXPECT_FALSE(cursor().overlaySuppressed());
-    type("O");
-    key(Qt::Key_Right);
-    enter("6");
-    EXPECT_EQ(ve(2), 6);
-    EXPECT_TRUE(cursor().overlaySuppressed()) << "off before, off afterwards";
-}
-
 TEST_F(Table, KeyOAndEscapeOnTheGridLetTheCursorFollowAgain) {
     click(4, 4);
     type("O");
@@ -584,23 +503,6 @@ TEST_F(Table, KeyOAndEscapeOnTheGridLetTheCursorFollowAgain) {
     click(4, 4);
     key(Qt::Key_Escape);
     EXPECT_EQ(overlayItem(), "Turn Overlay ON") << "switched off by the user";
-}
-
-TEST_F(Table, RefusedAndEscapedEntriesGiveTheOverlayBack) {
-    for (int round = 0; round < 3; ++round) {
-        click(4, 4);
-        for (const char* entry : {"99", "88"}) {
-            enter(entry);
-            ASSERT_TRUE(box().isVisible());
-            form->Show_Current_Activity(1000, 40);
-            EXPECT_EQ(cursor().row(), 4) << "an open box holds its cell";
-        }
-        key(Qt::Key_Escape);
-        EXPECT_EQ(overlayItem(), "Turn Overlay OFF") << round;
-        type("a");
-        EXPECT_FALSE(box().isVisible());
-        EXPECT_EQ(overlayItem(), "Turn Overlay OFF") << round;
-    }
 }
 
 TEST_F(Table, ClickOnAnotherCellEndsTheEditAndHoldsThere) {
@@ -731,35 +633,6 @@ TEST_F(Table, NightTurnsWhiteCellsDarkAndKeepsTheHueOfAShade) {
     EXPECT_EQ(cellColor(-1, DisplayMode::Day), QColor(255, 255, 255));
 }
 
-TEST_F(Table, SavedButtonWritesWhatTheGridShows) {
-    stand(16, 1);
-    type("44");
-    tool("Save")->trigger();
-    EXPECT_EQ(ve(0), 44);
-    EXPECT_TRUE(fake.session.DataModified);
-}
-
-TEST_F(Table, SavingAnUnchangedGridSendsNothingAndModifiesNothing) {
-    goLive();
-    tool("Save")->trigger();
-    tick(3);
-    EXPECT_THAT(fake.port.written, IsEmpty());
-    EXPECT_FALSE(fake.session.DataModified);
-}
-
-TEST_F(Table, PastingOverEqualCellsSendsOnlyTheOneThatDiffers) {
-    goLive();
-    stand(16, 1);
-    paste("0\t0\t5");
-    tick();
-    // Index 2: address 4352 + 912 + 2 = 0x1492; 5 + 50 = 0x37; 0x04 + 0x14 + 0x92 + 0x37 = 0xE1, inverted
-    // 0x1E
-    EXPECT_THAT(fake.port.written, ElementsAre("P2S1041492371E"));
-    answerOnFly();
-    tick();
-    EXPECT_EQ(fake.port.written.size(), 1u);
-}
-
 TEST_F(Table, DiscardingBringsBackTheValuesAndCountsAsAChange) {
     showStored(7);
     stand(16, 1);
@@ -773,26 +646,6 @@ TEST_F(Table, DiscardingBringsBackTheValuesAndCountsAsAChange) {
     EXPECT_EQ(ve(0), 7);
     EXPECT_EQ(shown(16, 1), "7");
     EXPECT_TRUE(fake.session.DataModified);
-}
-
-TEST_F(Table, NudgeInAViewCountsAsAChangeEvenIfTheShownTextStays) {
-    unit().set("scale1", 0.5);
-    form->Setup_Grid("", "");
-    select(15, 1, 16, 1);
-    type("D");
-    const std::string before = shown(15, 1);
-    type(".");
-    EXPECT_EQ(shown(15, 1), before);
-    EXPECT_EQ(ve(16), 1);
-    EXPECT_TRUE(fake.session.DataModified);
-}
-
-TEST_F(Table, AnotherTableTakesTypingAfterAView) {
-    type("P");
-    form->Setup_Grid("ADV", "Ignition Advance Table");
-    stand(16, 1);
-    type("9");
-    EXPECT_TRUE(box().isVisible());
 }
 
 TEST_F(Table, ViewFollowsACalibrationThatWasChangedElsewhere) {
@@ -970,20 +823,6 @@ TEST_F(Table, DockingButtonAsksAndSwapsItsPaddedCaption) {
     button->trigger();
     EXPECT_EQ(form->windowTitle(), "");
     EXPECT_THAT(asked, ElementsAre(false, true));
-}
-
-TEST_F(Table, ShowsEveryMainTable) {
-    for (const auto& [table, index, value, text] :
-         {std::tuple("ADV", 656, 20.0f, "20"), std::tuple("SPW", 1168, 35.0f, "35"),
-          std::tuple("VE", 912, -5.0f, "-5")}) {
-        unit().AssignDirectIndex(value, index);
-        form->Setup_Grid(table, "A Table");
-        EXPECT_EQ(form->tableName(), table);
-        EXPECT_EQ(shown(16, 1), text) << table;
-    }
-    unit().set("Get_AFR", 13.5, 0);
-    form->Setup_Grid("AFR", "A Table");
-    EXPECT_EQ(shown(16, 1), "13.5");
 }
 
 TEST_F(Table, FuelFieldsShowOnlyOnFuelTables) {

@@ -50,12 +50,6 @@ TEST_F(StartSequence, EndsWithTheFocusInTheWorkspace) {
     EXPECT_TRUE(windows.config()->isAncestorOf(focus));
 }
 
-TEST_F(StartSequence, EndsWithTheFirstTabSelectedAndTheSecondHidden) {
-    const auto* tabs = find<QTabWidget>("sstMenu");
-    EXPECT_EQ(tabs->currentIndex(), 0);
-    EXPECT_FALSE(tabs->isTabVisible(1));
-}
-
 TEST_F(StartSequence, ShowsTheBannerInTheConsole) {
     windows.refresh();
     const QAbstractItemModel* model = find<QListView>("lstLog")->model();

@@ -4,7 +4,6 @@
 #include <QPushButton>
 #include <QTabWidget>
 
-#include "refdata/seed_builder.h"
 #include "windows/key_press.h"
 #include "windows/window_fixture.h"
 
@@ -22,9 +21,7 @@ class Forms : public WindowTest {
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
     void openDatabase() {
-        const std::string path = fake.folder.path("reference.pak");
-        refdata::buildDatabase(ZENTAQ_SOURCE_DIR "/data/seeds", path);
-        fake.session.database = Database::open(path);
+        fake.session.database = Database::open(builtReference());
     }
 };
 
@@ -63,13 +60,6 @@ TEST_F(Forms, ChangeColoursOpensTheOptionsOnTheirMonitorPage) {
     auto* pages = windows.options()->findChild<QTabWidget*>("SSTab1");
     ASSERT_NE(pages, nullptr);
     EXPECT_EQ(pages->currentIndex(), FrmOptions::monitorPage);
-}
-
-TEST_F(Forms, TheSensorManagerOpensFromTheMenu) {
-    openDatabase();
-    run("mnuMAPSensors");
-    ASSERT_NE(windows.sensorEditor(), nullptr);
-    EXPECT_EQ(windows.sensorEditor()->windowTitle(), "MAP Sensor Manager");
 }
 
 TEST_F(Forms, HelpOpensTheGuideAndWritesItsLine) {
@@ -149,14 +139,6 @@ TEST_F(Forms, AWarningGivesTheFocusBackToTheFormNamed) {
     EXPECT_TRUE(windows.generalConfig()->isVisible());
     EXPECT_TRUE(windows.generalConfig()->isActiveWindow());
     windows.generalConfig()->close();
-}
-
-TEST_F(Forms, TheUpdateRateOfTheOptionsActsAtOnce) {
-    fake.settings.set("System", "ADUR", "20");
-    windows.tell(&WindowNews::updateRateChanged);
-    const auto* timer = windows.dashboard()->findChild<QTimer*>("tmrUpdate");
-    ASSERT_NE(timer, nullptr);
-    EXPECT_EQ(timer->interval(), 50);
 }
 
 TEST_F(Forms, TheButtonsOfTheStartTabRunTheirEntries) {

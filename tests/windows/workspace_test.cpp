@@ -150,12 +150,6 @@ TEST_F(Workspace, TheConsoleShowsTheLastLineAndAddsToIt) {
     EXPECT_EQ(log()->currentIndex().row(), log()->model()->rowCount() - 1);
 }
 
-TEST_F(Workspace, TheLinkConsoleNeverShowsMoreThanAHundredLines) {
-    for (int i = 0; i < 101; ++i) fake.session.commLog("line");
-    windows.refresh();
-    EXPECT_LE(find<QListView>("lstCommInfo")->model()->rowCount(), 100);
-}
-
 TEST_F(Workspace, AConsoleOfAHundredThousandLinesTakesOneMoreInAFrame) {
     for (int i = 0; i < 100'000; ++i) fake.session.console.plainLine("a line of the log");
     windows.refresh();
@@ -292,11 +286,6 @@ TEST_F(Workspace, ADeviceThatIsAwayIsNotShownAsTheOneThatHasItsNumberNow) {
     EXPECT_EQ(ports->itemText(0), "1  /dev/fake  A port for tests");
     ports->fill(3, "fake");
     EXPECT_EQ(ports->selectedNumber(), 1) << "the number follows";
-}
-
-TEST_F(Workspace, ShowsTheTipAsItIs) {
-    windows.tell(&WindowNews::showTip, "Warm up the engine first.");
-    EXPECT_EQ(find<QLabel>("lblTip")->text(), "Warm up the engine first.");
 }
 
 TEST_F(Workspace, TheLinkConsoleIsShownByItsSetting) {
