@@ -57,9 +57,9 @@ QColor colorOfNumber(int number) {
     return {number & 0xFF, (number >> 8) & 0xFF, (number >> 16) & 0xFF};
 }
 
-std::optional<QColor> storedColor(const QString& text) {
+std::optional<QColor> storedColor(const std::string& text) {
     bool isNumber = false;
-    const int number = text.trimmed().toInt(&isNumber);
+    const int number = QString::fromStdString(text).trimmed().toInt(&isNumber);
     if (!isNumber || number < 0 || number > 0xFFFFFF) return std::nullopt;
     return colorOfNumber(number);
 }

@@ -4,6 +4,7 @@
 #include <QColor>
 #include <QFrame>
 #include <optional>
+#include <string>
 
 namespace zentaq {
 
@@ -32,7 +33,7 @@ class ColourSwatch : public QFrame {
 /// The number of a colour as it is stored: red + 256 * green + 65536 * blue in decimal.
 QString colourText(const QColor& colour);
 /// A stored colour; nothing for a text that is no such number.
-std::optional<QColor> storedColor(const QString& text);
+std::optional<QColor> storedColor(const std::string& text);
 QColor colorOfNumber(int number);
 
 }  // namespace zentaq

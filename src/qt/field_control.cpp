@@ -16,6 +16,7 @@
 #include "qt/entry_box.h"
 #include "qt/help_key.h"
 #include "qt/look.h"
+#include "qt/plain_label.h"
 #include "qt/qt_text.h"
 
 namespace zentaq {
@@ -30,17 +31,10 @@ constexpr int sliderDigits = 3;
 constexpr int listLetters = 16;
 constexpr int sliderPage = 10;
 
-QLabel* plainLabel(const QString& name, QWidget* parent) {
-    auto* label = new QLabel(parent);
-    label->setObjectName(name);
-    label->setTextFormat(Qt::PlainText);
-    return label;
-}
-
 }  // namespace
 
 QLabel* mutedLabel(QWidget* parent) {
-    QLabel* label = plainLabel({}, parent);
+    QLabel* label = plainLabel({}, {}, parent);
     label->setForegroundRole(QPalette::PlaceholderText);
     return label;
 }
@@ -124,12 +118,10 @@ void FieldControl::makeText() {
 
 void FieldControl::makeColour() {
     makeText();
-    auto* swatch = new ColourSwatch(parent_);
-    swatch->setObjectName(QStringLiteral("sw") + qString(shown_.control));
-    swatch->setAccessibleName(qString(plainCaption(shown_.caption)));
-    auto* choose = new QPushButton(tr("Choose"), parent_);
-    choose->setObjectName(qString(shown_.beside));
-    choose->setAccessibleName(tr("Choose: ") + swatch->accessibleName());
+    auto* swatch = named(new ColourSwatch(parent_), QStringLiteral("sw") + qString(shown_.control),
+                         qString(plainCaption(shown_.caption)));
+    auto* choose = named(new QPushButton(tr("Choose"), parent_), qString(shown_.beside),
+                         tr("Choose: ") + swatch->accessibleName());
     choose->setToolTip(tr("Opens the color dialog"));
     choose->setAutoDefault(false);
     connect(choose, &QPushButton::clicked, this, &FieldControl::pressed);
@@ -152,14 +144,14 @@ void FieldControl::makeSlider() {
 }
 
 QLabel* FieldControl::addBeside(const QString& name) {
-    QLabel* label = plainLabel(name, parent_);
+    QLabel* label = plainLabel(name, {}, parent_);
     beside_.push_back(label);
     return label;
 }
 
 QLabel* FieldControl::addCaption() {
-    caption_ = new QLabel(qString(shown_.caption), parent_);
-    caption_->setObjectName(QStringLiteral("lblCaption_") + qString(shown_.control));
+    caption_ = named(new QLabel(qString(shown_.caption), parent_),
+                     QStringLiteral("lblCaption_") + qString(shown_.control));
     caption_->setBuddy(widget_);
     return caption_;
 }
@@ -171,8 +163,7 @@ QLabel* FieldControl::addLimits() {
 }
 
 QLabel* FieldControl::addOwnLabel(const char* name, const QString& text) {
-    ownLabel_ = new QLabel(text, parent_);
-    ownLabel_->setObjectName(QLatin1String(name));
+    ownLabel_ = named(new QLabel(text, parent_), name);
     ownLabel_->setBuddy(widget_);
     return ownLabel_;
 }
@@ -254,7 +245,7 @@ void FieldControl::showBeside() {
     if (number_ != nullptr) number_->setText(qString(shown_.text));
     if (unit_ != nullptr) unit_->setText(qString(shown_.unit));
     if (shown_.kind != FieldKind::Colour) return;
-    static_cast<ColourSwatch*>(beside_[0])->setColour(storedColor(qString(shown_.text)));
+    static_cast<ColourSwatch*>(beside_[0])->setColour(storedColor(shown_.text));
     beside_[1]->setEnabled(shown_.enabled);
 }
 

@@ -18,47 +18,22 @@ constexpr auto modeProperty = "zentaqDisplayMode";
 constexpr qreal baseSizePoints = 11.0;
 constexpr qreal consoleSizePoints = 10.0;
 
-LookColors dayColors() {
-    LookColors colors;
-    colors.background = QColor(0xEE, 0xF0, 0xF3);
-    colors.surface = QColor(0xFF, 0xFF, 0xFF);
-    colors.alternate = QColor(0xF4, 0xF6, 0xF9);
-    colors.text = QColor(0x10, 0x14, 0x1A);
-    colors.mutedText = QColor(0x3C, 0x46, 0x54);
-    colors.disabledText = QColor(0x7A, 0x82, 0x8E);
-    colors.border = QColor(0xB4, 0xBC, 0xC8);
-    colors.accent = QColor(0x0B, 0x4F, 0x9E);
-    colors.accentText = QColor(0xFF, 0xFF, 0xFF);
-    colors.button = QColor(0xE0, 0xE4, 0xEA);
-    colors.good = QColor(0x0B, 0x6B, 0x2C);
-    colors.warning = QColor(0x8A, 0x4B, 0x00);
-    colors.alarm = QColor(0xB0, 0x10, 0x10);
-    colors.highlight = QColor(0xFF, 0xF3, 0xB0);
-    colors.highlightText = QColor(0x10, 0x14, 0x1A);
-    colors.liveMarker = QColor(0xC2, 0x18, 0x5B);
-    return colors;
-}
+struct ColourRow {
+    QColor LookColors::*part;
+    QRgb day;
+    QRgb night;
+};
 
-LookColors nightColors() {
-    LookColors colors;
-    colors.background = QColor(0x14, 0x17, 0x1C);
-    colors.surface = QColor(0x0B, 0x0D, 0x10);
-    colors.alternate = QColor(0x12, 0x15, 0x1A);
-    colors.text = QColor(0xF0, 0xF2, 0xF5);
-    colors.mutedText = QColor(0xB4, 0xBE, 0xCA);
-    colors.disabledText = QColor(0x74, 0x7E, 0x8C);
-    colors.border = QColor(0x3A, 0x42, 0x4E);
-    colors.accent = QColor(0x6C, 0xB4, 0xFF);
-    colors.accentText = QColor(0x06, 0x10, 0x1C);
-    colors.button = QColor(0x24, 0x2A, 0x33);
-    colors.good = QColor(0x5C, 0xE0, 0x84);
-    colors.warning = QColor(0xFF, 0xC2, 0x4D);
-    colors.alarm = QColor(0xFF, 0x7B, 0x72);
-    colors.highlight = QColor(0x4A, 0x40, 0x08);
-    colors.highlightText = QColor(0xFF, 0xF3, 0xB0);
-    colors.liveMarker = QColor(0xFF, 0x6F, 0xB5);
-    return colors;
-}
+constexpr ColourRow colourRows[] = {
+    {&LookColors::background, 0xEEF0F3, 0x14171C},    {&LookColors::surface, 0xFFFFFF, 0x0B0D10},
+    {&LookColors::alternate, 0xF4F6F9, 0x12151A},     {&LookColors::text, 0x10141A, 0xF0F2F5},
+    {&LookColors::mutedText, 0x3C4654, 0xB4BECA},     {&LookColors::disabledText, 0x7A828E, 0x747E8C},
+    {&LookColors::border, 0xB4BCC8, 0x3A424E},        {&LookColors::accent, 0x0B4F9E, 0x6CB4FF},
+    {&LookColors::accentText, 0xFFFFFF, 0x06101C},    {&LookColors::button, 0xE0E4EA, 0x242A33},
+    {&LookColors::good, 0x0B6B2C, 0x5CE084},          {&LookColors::warning, 0x8A4B00, 0xFFC24D},
+    {&LookColors::alarm, 0xB01010, 0xFF7B72},         {&LookColors::highlight, 0xFFF3B0, 0x4A4008},
+    {&LookColors::highlightText, 0x10141A, 0xFFF3B0}, {&LookColors::liveMarker, 0xC2185B, 0xFF6FB5},
+};
 
 QPalette paletteOf(const LookColors& colors) {
     QPalette palette;
@@ -101,7 +76,11 @@ QString styleSheetOf(const LookColors& colors) {
 }  // namespace
 
 LookColors lookColors(DisplayMode mode) {
-    return mode == DisplayMode::Day ? dayColors() : nightColors();
+    LookColors colors;
+    for (const auto& [part, day, night] : colourRows) {
+        colors.*part = QColor(mode == DisplayMode::Day ? day : night);
+    }
+    return colors;
 }
 
 QColor sendLampColor() {

@@ -3,19 +3,19 @@
 
 #include <QLabel>
 
+#include "qt/named.h"
+
 namespace zentaq {
 
 /// `meaning` is for a screen reader.
-inline QLabel* plainLabel(const char* name, const QString& meaning, QWidget* parent) {
-    auto* label = new QLabel(parent);
-    label->setObjectName(QLatin1String(name));
-    label->setAccessibleName(meaning);
+inline QLabel* plainLabel(const QString& name, const QString& meaning, QWidget* parent) {
+    auto* label = named(new QLabel(parent), name, meaning);
     label->setTextFormat(Qt::PlainText);
     return label;
 }
 
 /// For lines of text, broken at the width that there is.
-inline QLabel* plainLines(const char* name, const QString& meaning, QWidget* parent) {
+inline QLabel* plainLines(const QString& name, const QString& meaning, QWidget* parent) {
     QLabel* label = plainLabel(name, meaning, parent);
     label->setWordWrap(true);
     return label;

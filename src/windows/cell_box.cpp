@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "qt/look.h"
+#include "qt/named.h"
 #include "qt/qt_text.h"
 
 namespace zentaq {
@@ -16,8 +17,7 @@ constexpr int inputPlaces = 6;
 }  // namespace
 
 CellBox::CellBox(TableGridView& grid) : QLineEdit(grid.viewport()), grid_(grid) {
-    setObjectName("txtInputValue");
-    setAccessibleName("New value of the selected cells");
+    named(this, "txtInputValue", "New value of the selected cells");
     setFrame(false);
     setAlignment(Qt::AlignRight);
     setFont(valueFont(inputSize));

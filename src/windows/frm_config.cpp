@@ -36,34 +36,27 @@ QLabel* textLabel(const char* name, QWidget* parent) {
 
 FrmConfig::FrmConfig(Session& session, MainCommands& commands, QWidget* parent)
     : QWidget(parent), Form(this), session_(session), commands_(commands) {
-    setObjectName(QStringLiteral("frmConfig"));
-    setAccessibleName("Configuration");
+    named(this, "frmConfig", "Configuration");
 
-    treeZentaq_ = new QTreeWidget(this);
-    treeZentaq_->setObjectName(QStringLiteral("treeZentaq"));
-    treeZentaq_->setAccessibleName("Configuration tree");
+    treeZentaq_ = named(new QTreeWidget(this), "treeZentaq", "Configuration tree");
     treeZentaq_->setHeaderHidden(true);
     treeZentaq_->setUniformRowHeights(true);
     connect(treeZentaq_, &QTreeWidget::itemClicked, this, &FrmConfig::treeClicked);
     connect(treeZentaq_, &QTreeWidget::itemActivated, this, &FrmConfig::treeClicked);
 
-    sstMenu_ = new QTabWidget(this);
-    sstMenu_->setObjectName(QStringLiteral("sstMenu"));
-    sstMenu_->setAccessibleName("Pages");
+    sstMenu_ = named(new QTabWidget(this), "sstMenu", "Pages");
     sstMenu_->setDocumentMode(true);
     sstMenu_->addTab(makeStartTab(), "Start");
     sstMenu_->addTab(makePageTab(), "Calibration");
 
-    auto* beside = new QSplitter(Qt::Horizontal, this);
-    beside->setObjectName(QStringLiteral("splTree"));
+    auto* beside = named(new QSplitter(Qt::Horizontal, this), "splTree");
     beside->addWidget(treeZentaq_);
     beside->addWidget(sstMenu_);
     beside->setStretchFactor(1, 1);
     const int letter = fontMetrics().averageCharWidth();
     beside->setSizes({letter * 32, letter * 120});
 
-    auto* below = new QSplitter(Qt::Vertical, this);
-    below->setObjectName(QStringLiteral("splConsole"));
+    auto* below = named(new QSplitter(Qt::Vertical, this), "splConsole");
     below->addWidget(beside);
     below->addWidget(makeBottom());
     below->setStretchFactor(0, 1);
@@ -99,8 +92,7 @@ QWidget* FrmConfig::makeDoors(QWidget* tab) {
     auto* row = new QHBoxLayout(doors);
     row->setContentsMargins(0, 0, 0, 0);
     const auto add = [&](const char* name, const QString& caption, const char* entry) {
-        auto* button = new QPushButton(caption, doors);
-        button->setObjectName(QLatin1String(name));
+        auto* button = named(new QPushButton(caption, doors), name);
         button->setAutoDefault(true);
         connect(button, &QPushButton::clicked, this, [this, entry] { Q_EMIT entryAsked(entry); });
         row->addWidget(button);
@@ -134,8 +126,7 @@ QWidget* FrmConfig::makeBottom() {
     connect(fraComm_, &LinkPanel::autoDetectAsked, this, &FrmConfig::autoDetect);
     connect(fraComm_, &LinkPanel::portChosen, this, &FrmConfig::choosePort);
 
-    auto* bottom = new QSplitter(Qt::Horizontal, this);
-    bottom->setObjectName(QStringLiteral("splBottom"));
+    auto* bottom = named(new QSplitter(Qt::Horizontal, this), "splBottom");
     bottom->addWidget(lstLog_);
     bottom->addWidget(lstCommInfo_);
     bottom->addWidget(fraComm_);

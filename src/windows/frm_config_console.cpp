@@ -6,14 +6,14 @@
 #include <algorithm>
 
 #include "qt/look.h"
+#include "qt/named.h"
 
 namespace zentaq {
 
 ConsoleView::ConsoleView(const QString& name, const QString& meaning, const std::deque<std::string>& lines,
                          QWidget* parent)
     : QListView(parent), model_(lines) {
-    setObjectName(name);
-    setAccessibleName(meaning);
+    named(this, name, meaning);
     setToolTip(meaning);
     setFont(consoleFont());
     setUniformItemSizes(true);

@@ -85,8 +85,7 @@ void light(QLabel* lamp, bool on, const QColor& color, const QString& meaning, c
 
 PortCombo::PortCombo(std::function<std::vector<PortInfo>()> ports, QWidget* parent)
     : QComboBox(parent), ports_(std::move(ports)) {
-    setObjectName(QStringLiteral("cmbCOMM"));
-    setAccessibleName("COMM port");
+    named(this, "cmbCOMM", "COMM port");
     setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
     setMinimumContentsLength(14);
 }
@@ -121,8 +120,7 @@ void PortCombo::showPopup() {
 }
 
 LinkPanel::LinkPanel(std::function<std::vector<PortInfo>()> ports, QWidget* parent) : QFrame(parent) {
-    setObjectName(QStringLiteral("fraComm"));
-    setAccessibleName("Communications");
+    named(this, "fraComm", "Communications");
     setFrameShape(StyledPanel);
 
     imgNotify_ = makeLabel("imgNotify", "State of the link");
@@ -231,9 +229,7 @@ QWidget* LinkPanel::makePortRow(std::function<std::vector<PortInfo>()> ports) {
     port_->setMinimumWidth(digitsWidth(port_->fontMetrics(), 3));
     ports_ = new PortCombo(std::move(ports), area);
     caption->setBuddy(ports_);
-    autoDetect_ = new QPushButton("Auto &Detect Port", area);
-    autoDetect_->setObjectName(QStringLiteral("cmdAutoDetectPort"));
-    autoDetect_->setAccessibleName("Auto Detect Port");
+    autoDetect_ = namedButton("cmdAutoDetectPort", "Auto &Detect Port", area);
     autoDetect_->setToolTip("Search ports 1 to 12 for a unit");
     row->addWidget(caption);
     row->addWidget(port_);
@@ -251,9 +247,7 @@ QWidget* LinkPanel::makeProgress() {
     row->setContentsMargins(0, 0, 0, 0);
     message_ = makeLabel("lblProgress_Message", "Progress message");
     message_->setText("Processing . . . Please Wait!");
-    progress_ = new QProgressBar(area);
-    progress_->setObjectName(QStringLiteral("ProgressBar1"));
-    progress_->setAccessibleName("Progress");
+    progress_ = named(new QProgressBar(area), "ProgressBar1", "Progress");
     progress_->setRange(0, 100);
     progress_->setTextVisible(false);
     percentage_ = makeLabel("lblProgress_Percentage", "Progress in percent");

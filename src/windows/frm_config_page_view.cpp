@@ -4,6 +4,7 @@
 #include <QHeaderView>
 
 #include "qt/look.h"
+#include "qt/named.h"
 #include "qt/qt_text.h"
 
 namespace zentaq {
@@ -19,8 +20,7 @@ constexpr std::size_t openElements = 20;
 }  // namespace
 
 PageView::PageView(QWidget* parent) : QTreeWidget(parent) {
-    setObjectName(QStringLiteral("lstPage"));
-    setAccessibleName("Values of the page");
+    named(this, "lstPage", "Values of the page");
     setHeaderLabels({"Parameter", "Value", "Unit", "Range", "Member"});
     setAlternatingRowColors(true);
     setUniformRowHeights(true);

@@ -6,6 +6,7 @@
 #include "base/settings_keys.h"
 #include "link/poller.h"
 #include "qt/colour_swatch.h"
+#include "qt/named.h"
 #include "qt/qt_text.h"
 
 namespace zentaq {
@@ -52,35 +53,29 @@ FrmDashBoard::FrmDashBoard(Session& session, MainCommands& commands, QWidget* pa
       session_(session),
       commands_(commands),
       panel_(new FrmDashBoardPanel(dialAngles(gauges_.revScale()), this)),
-      tmrUpdate_(new QTimer(this)),
-      flashTimer_(new QTimer(this)),
-      tmrCHKE_Status_(new QTimer(this)),
+      tmrUpdate_(named(new QTimer(this), "tmrUpdate")),
+      flashTimer_(named(new QTimer(this), "flashTimer")),
+      tmrCHKE_Status_(named(new QTimer(this), "tmrCHKE_Status")),
       redraw_(new RedrawGate(
           session.platform().clock, [this] { draw(); }, this)),
       secondTabShowing_([] { return false; }) {
-    setObjectName("frmDashBoard");
-    setAccessibleName("Dashboard");
+    named(this, "frmDashBoard", "Dashboard");
     auto* whole = new QVBoxLayout(this);
     whole->setContentsMargins(0, 0, 0, 0);
     whole->addWidget(panel_);
 
-    tmrUpdate_->setObjectName("tmrUpdate");
     tmrUpdate_->setTimerType(Qt::PreciseTimer);
     connect(tmrUpdate_, &QTimer::timeout, this, &FrmDashBoard::poll);
-    flashTimer_->setObjectName("flashTimer");
     flashTimer_->setInterval(flashMs);
     connect(flashTimer_, &QTimer::timeout, this, &FrmDashBoard::flash);
-    tmrCHKE_Status_->setObjectName("tmrCHKE_Status");
     tmrCHKE_Status_->setInterval(codeStepMs);
     connect(tmrCHKE_Status_, &QTimer::timeout, this, &FrmDashBoard::stepCodes);
     connect(panel_->lstGPO, &QListWidget::currentRowChanged, this, &FrmDashBoard::showChosenPin);
     panel_->btnShowDetail->setEnabled(false);
 
     nameReadings();
-    dashLights_ =
-        storedColor(QString::fromStdString(session.settings().get(settings::system, settings::DashLights)));
-    needleColor_ =
-        storedColor(QString::fromStdString(session.settings().get(settings::system, settings::NeedleColor)));
+    dashLights_ = storedColor(session.settings().get(settings::system, settings::DashLights));
+    needleColor_ = storedColor(session.settings().get(settings::system, settings::NeedleColor));
     setMode(session.dayMode());
     Reset_Dashboard();
 }
@@ -141,17 +136,17 @@ void FrmDashBoard::dashboardColours(const std::string& lights, const std::string
 }
 
 void FrmDashBoard::Set_DashBoard_Color(const std::string& color) {
-    dashLights_ = storedColor(QString::fromStdString(color));
+    dashLights_ = storedColor(color);
     applyColors();
 }
 
 void FrmDashBoard::Set_Needle_Color(const std::string& color) {
-    needleColor_ = storedColor(QString::fromStdString(color));
+    needleColor_ = storedColor(color);
     applyColors();
 }
 
 void FrmDashBoard::Set_Label_Color(const std::string& color) {
-    labelLights_ = storedColor(QString::fromStdString(color));
+    labelLights_ = storedColor(color);
     applyColors();
 }
 

@@ -10,6 +10,7 @@
 
 #include "live/dashboard_readings.h"
 #include "qt/look.h"
+#include "qt/named.h"
 #include "windows/outlined.h"
 
 namespace zentaq {
@@ -164,8 +165,7 @@ const std::array<LiveLabel::Form, 20>& readoutForms() {
 }  // namespace
 
 DashBoardVeil::DashBoardVeil(QWidget* parent) : QWidget(parent) {
-    setObjectName("dashBoardVeil");
-    setAccessibleName("The values shown are not live");
+    named(this, "dashBoardVeil", "The values shown are not live");
     setAttribute(Qt::WA_TransparentForMouseEvents);
     hide();
 }
@@ -264,28 +264,20 @@ QLayout* FrmDashBoardPanel::makeReadouts() {
 QLayout* FrmDashBoardPanel::makeStatus() {
     auto* box = new QVBoxLayout;
     box->setSpacing(4);
-    lblCheckEngine = new QLabel(this);
-    lblCheckEngine->setObjectName("lblCheckEngine");
-    lblCheckEngine->setAccessibleName("Check engine codes");
+    lblCheckEngine = named(new QLabel(this), "lblCheckEngine", "Check engine codes");
     lblCheckEngine->setAlignment(Qt::AlignCenter);
     lblCheckEngine->setFrameShape(QFrame::StyledPanel);
     lblCheckEngine->setAutoFillBackground(true);
     lblCheckEngine->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
-    txtGPIO = new OutlinedField(this);
-    txtGPIO->setObjectName("txtGPIO");
-    txtGPIO->setAccessibleName("State of the chosen input or output");
+    txtGPIO = named(new OutlinedField(this), "txtGPIO", "State of the chosen input or output");
     txtGPIO->setReadOnly(true);
     txtGPIO->setFocusPolicy(Qt::NoFocus);
-    lstGPO = new QListWidget(this);
+    lstGPO = named(new QListWidget(this), "lstGPO", "Inputs and outputs");
     lstGPO->setItemDelegate(new OutlinedRows(lstGPO));
-    lstGPO->setObjectName("lstGPO");
-    lstGPO->setAccessibleName("Inputs and outputs");
     lstGPO->setUniformItemSizes(true);
     lstGPO->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     lstGPO->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
-    btnShowDetail = new QPushButton("Detail", this);
-    btnShowDetail->setObjectName("btnShowDetail");
-    btnShowDetail->setAccessibleName("Show all live values");
+    btnShowDetail = named(new QPushButton("Detail", this), "btnShowDetail", "Show all live values");
     box->addWidget(lblCheckEngine, 3);
     box->addWidget(lstGPO, 7);
     box->addWidget(txtGPIO);
@@ -295,15 +287,12 @@ QLayout* FrmDashBoardPanel::makeStatus() {
 
 void FrmDashBoardPanel::makeNoConnect() {
     veil = new DashBoardVeil(this);
-    fraNoConnect = new QFrame(this);
-    fraNoConnect->setObjectName("fraNoConnect");
-    fraNoConnect->setAccessibleName("State of the link");
+    fraNoConnect = named(new QFrame(this), "fraNoConnect", "State of the link");
     fraNoConnect->setFrameShape(QFrame::Box);
     fraNoConnect->setLineWidth(2);
     fraNoConnect->setAutoFillBackground(true);
     auto* layout = new QVBoxLayout(fraNoConnect);
-    lblGeneral = new OutlinedLabel(fraNoConnect);
-    lblGeneral->setObjectName("lblGeneral");
+    lblGeneral = named(new OutlinedLabel(fraNoConnect), "lblGeneral");
     lblGeneral->setAlignment(Qt::AlignCenter);
     lblGeneral->setTextFormat(Qt::PlainText);
     lblGeneral->setFont(valueFont(1.6));

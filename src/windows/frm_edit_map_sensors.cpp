@@ -40,14 +40,11 @@ FrmEditMAPSensors::FrmEditMAPSensors(Session& session, QWidget* parent)
       Form(this),
       session_(session),
       manager_(std::make_shared<SensorManager>(session)) {
-    setObjectName(QStringLiteral("frmEditMAPSensors"));
-    setWindowTitle("MAP Sensor Manager");
-    setAccessibleName("MAP Sensor Manager");
+    named(this, "frmEditMAPSensors", "MAP Sensor Manager");
+    setWindowTitle(accessibleName());
     setProperty(helpKeyProperty, QStringLiteral("helpMAPlist"));
 
-    tabMAPSensors_ = new QTabWidget(this);
-    tabMAPSensors_->setObjectName(QStringLiteral("tabMAPSensors"));
-    tabMAPSensors_->setAccessibleName("MAP sensors");
+    tabMAPSensors_ = named(new QTabWidget(this), "tabMAPSensors", "MAP sensors");
     tabMAPSensors_->setTabBarAutoHide(true);
     tabMAPSensors_->setDocumentMode(true);
     auto* page = new QWidget(tabMAPSensors_);
@@ -88,20 +85,15 @@ FrmEditMAPSensors::FrmEditMAPSensors(Session& session, QWidget* parent)
 
 QPushButton* FrmEditMAPSensors::makeButton(const char* name, const QString& caption,
                                            void (FrmEditMAPSensors::*run)()) {
-    auto* button = new QPushButton(caption, this);
-    button->setObjectName(QLatin1String(name));
-    button->setAccessibleName(QString(caption).remove(u'&'));
+    QPushButton* button = namedButton(name, caption, this);
     connect(button, &QPushButton::clicked, this, run);
     return button;
 }
 
 QWidget* FrmEditMAPSensors::makeList() {
     auto* part = new QWidget(this);
-    lblInstalled_ = new QLabel("Insta&lled MAP Sensors:", part);
-    lblInstalled_->setObjectName(QStringLiteral("lblInstalled"));
-    lstMAPSensors_ = new QListWidget(part);
-    lstMAPSensors_->setObjectName(QStringLiteral("lstMAPSensors"));
-    lstMAPSensors_->setAccessibleName("Installed MAP sensors");
+    lblInstalled_ = named(new QLabel("Insta&lled MAP Sensors:", part), "lblInstalled");
+    lstMAPSensors_ = named(new QListWidget(part), "lstMAPSensors", "Installed MAP sensors");
     lstMAPSensors_->setProperty(helpKeyProperty, QStringLiteral("helpMAPlist"));
     lstMAPSensors_->setAlternatingRowColors(true);
     lstMAPSensors_->setTabKeyNavigation(false);
@@ -129,8 +121,7 @@ QWidget* FrmEditMAPSensors::makeList() {
 }
 
 QWidget* FrmEditMAPSensors::makeInfo() {
-    fraInfo_ = new QGroupBox("Sensor Info", this);
-    fraInfo_->setObjectName(QStringLiteral("fraInfo"));
+    fraInfo_ = named(new QGroupBox("Sensor Info", this), "fraInfo");
     lblGeneral_ = plainLabel("lblGeneral", "Sensor info", fraInfo_);
     lblGeneral_->setFont(valueFont());
     lblGeneral_->setMinimumWidth(
@@ -142,9 +133,7 @@ QWidget* FrmEditMAPSensors::makeInfo() {
 }
 
 QLineEdit* FrmEditMAPSensors::makeBox(SensorBox box, const QString& meaning, const char* helpKey) {
-    auto* field = new QLineEdit(this);
-    field->setObjectName(QStringLiteral("txtPV_%1").arg(static_cast<int>(box)));
-    field->setAccessibleName(meaning);
+    auto* field = named(new QLineEdit(this), QStringLiteral("txtPV_%1").arg(static_cast<int>(box)), meaning);
     field->setProperty(helpKeyProperty, QLatin1String(helpKey));
     field->setAlignment(Qt::AlignRight);
     field->setMinimumWidth(digitsWidth(field->fontMetrics(), boxDigits));
@@ -154,12 +143,9 @@ QLineEdit* FrmEditMAPSensors::makeBox(SensorBox box, const QString& meaning, con
 }
 
 QWidget* FrmEditMAPSensors::makeEntry() {
-    auto* part = new QGroupBox("Two points of the sensor's line", this);
-    part->setObjectName(QStringLiteral("fraPoints"));
-    auto* volts = new QLabel("&Volts", part);
-    volts->setObjectName(QStringLiteral("lblVolts"));
-    auto* pressure = new QLabel("Press&ure", part);
-    pressure->setObjectName(QStringLiteral("lblPressure"));
+    auto* part = named(new QGroupBox("Two points of the sensor's line", this), "fraPoints");
+    auto* volts = named(new QLabel("&Volts", part), "lblVolts");
+    auto* pressure = named(new QLabel("Press&ure", part), "lblPressure");
     auto* grid = new QGridLayout;
     grid->addWidget(volts, 0, 1);
     grid->addWidget(pressure, 0, 2);
@@ -187,17 +173,13 @@ QWidget* FrmEditMAPSensors::makeEntry() {
 }
 
 QWidget* FrmEditMAPSensors::makeUnits() {
-    auto* part = new QWidget(this);
-    part->setObjectName(QStringLiteral("fraUnits"));
-    part->setAccessibleName("Unit of pressure");
+    auto* part = named(new QWidget(this), "fraUnits", "Unit of pressure");
     auto* row = new QHBoxLayout(part);
     row->setContentsMargins(0, 0, 0, 0);
-    optUnits_ = new QButtonGroup(this);
-    optUnits_->setObjectName(QStringLiteral("optUnits"));
+    optUnits_ = named(new QButtonGroup(this), "optUnits");
     for (std::size_t i = 0; i < unitCaptions.size(); ++i) {
-        auto* option = new QRadioButton(unitCaptions[i], part);
-        option->setObjectName(QStringLiteral("optUnits_%1").arg(i));
-        option->setAccessibleName(QStringLiteral("Pressure in %1").arg(option->text().remove(u'&')));
+        auto* option = named(new QRadioButton(unitCaptions[i], part), QStringLiteral("optUnits_%1").arg(i),
+                             "Pressure in " + QString(unitCaptions[i]).remove(u'&'));
         option->setProperty(helpKeyProperty, QStringLiteral("helpMAPunits"));
         optUnits_->addButton(option, sensorUnits()[i].code);
         row->addWidget(option);

@@ -39,11 +39,9 @@ FrmFastHelp::FrmFastHelp(Session& session, QWidget* parent) : QDialog(parent), F
     lblHelp_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     lblHelp_->setTextInteractionFlags(Qt::TextSelectableByMouse);
 
-    cmdGuide_ = new QPushButton("&More in the user guide", this);
-    cmdGuide_->setObjectName(QStringLiteral("cmdGuide"));
+    cmdGuide_ = named(new QPushButton("&More in the user guide", this), "cmdGuide");
     cmdGuide_->setAutoDefault(true);
-    cmdClose_ = new QPushButton("&Close", this);
-    cmdClose_->setObjectName(QStringLiteral("cmdClose"));
+    cmdClose_ = named(new QPushButton("&Close", this), "cmdClose");
     cmdClose_->setDefault(true);
     connect(cmdGuide_, &QPushButton::clicked, this, &FrmFastHelp::askGuide);
     connect(cmdClose_, &QPushButton::clicked, this, &QDialog::accept);

@@ -11,6 +11,7 @@
 #include "base/errors.h"
 #include "qt/icons.h"
 #include "qt/look.h"
+#include "qt/plain_label.h"
 #include "qt/second_window.h"
 #include "qt/window_placement.h"
 
@@ -28,8 +29,7 @@ FrmGeneralConfig::FrmGeneralConfig(Session& session, MainCommands&, QWidget* par
       Form(this),
       session_(session),
       core_(std::make_shared<GeneralConfig>(session)) {
-    setObjectName(QLatin1String(formName));
-    setAccessibleName(QLatin1String(formTitle));
+    named(this, formName, formTitle);
     setWindowTitle(QLatin1String(formTitle));
     run([&] { core_->load(); });
     makeToolbar();
@@ -53,9 +53,7 @@ FrmGeneralConfig::~FrmGeneralConfig() {
 // ---- Making
 
 void FrmGeneralConfig::makeToolbar() {
-    Toolbar1_ = new QToolBar(tr("Toolbar"), this);
-    Toolbar1_->setObjectName(QStringLiteral("Toolbar1"));
-    Toolbar1_->setAccessibleName(tr("Toolbar"));
+    Toolbar1_ = named(new QToolBar(tr("Toolbar"), this), "Toolbar1", tr("Toolbar"));
     Toolbar1_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     const int size = fontMetrics().height() * 5 / 4;
     Toolbar1_->setIconSize({size, size});
@@ -63,10 +61,7 @@ void FrmGeneralConfig::makeToolbar() {
     connect(save_, &QAction::triggered, this, &FrmGeneralConfig::save);
     cancel_ = addKey("Cancel", tr("Cancel"), tr("Close this window (Esc)"));
     connect(cancel_, &QAction::triggered, this, &QWidget::close);
-    lblHint_ = new QLabel(Toolbar1_);
-    lblHint_->setObjectName(QStringLiteral("lblHint"));
-    lblHint_->setAccessibleName(tr("What is still missing"));
-    lblHint_->setTextFormat(Qt::PlainText);
+    lblHint_ = plainLabel("lblHint", tr("What is still missing"), Toolbar1_);
     QFont bold = font();
     bold.setBold(true);
     lblHint_->setFont(bold);
@@ -79,16 +74,14 @@ QAction* FrmGeneralConfig::addKey(const char* key, const QString& caption, const
     action->setObjectName(QLatin1String(key));
     action->setToolTip(tip);
     QWidget* button = Toolbar1_->widgetForAction(action);
-    button->setObjectName(QStringLiteral("Toolbar1_") + QLatin1String(key));
-    button->setAccessibleName(caption);
+    named(button, QStringLiteral("Toolbar1_") + QLatin1String(key), caption);
     // By Tab and not by the mouse: a click on "Cancel" drops what is being typed instead of checking it.
     button->setFocusPolicy(Qt::TabFocus);
     return action;
 }
 
 void FrmGeneralConfig::makeForm() {
-    scroll_ = new QScrollArea(this);
-    scroll_->setObjectName(QStringLiteral("scrGeneral"));
+    scroll_ = named(new QScrollArea(this), "scrGeneral");
     scroll_->setFrameShape(QFrame::NoFrame);
     scroll_->setWidgetResizable(true);
     scroll_->setFocusPolicy(Qt::NoFocus);

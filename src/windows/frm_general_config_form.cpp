@@ -17,6 +17,7 @@
 #include "qt/entry_box.h"
 #include "qt/help_key.h"
 #include "qt/look.h"
+#include "qt/named.h"
 #include "qt/qt_text.h"
 #include "unit/parameter_names.h"
 
@@ -112,8 +113,7 @@ QGridLayout* GeneralConfigForm::makeColumn() {
 }
 
 void GeneralConfigForm::heading(Column& column, const char* name, const QString& text) {
-    auto* label = new QLabel(text, this);
-    label->setObjectName(QLatin1String(name));
+    auto* label = named(new QLabel(text, this), name);
     label->setFont(bold(font(), headingSize));
     auto* line = new QFrame(this);
     line->setFrameStyle(QFrame::HLine | QFrame::Plain);
@@ -214,9 +214,8 @@ void GeneralConfigForm::ratingRow(Column& column) {
 }
 
 QWidget* GeneralConfigForm::makeManagerButton() {
-    cmdManager_ = new QPushButton(tr("MAP Sensor &Manager..."), this);
-    cmdManager_->setObjectName(QStringLiteral("cmdMAPSensorManager"));
-    cmdManager_->setAccessibleName(tr("MAP Sensor Manager"));
+    cmdManager_ = named(new QPushButton(tr("MAP Sensor &Manager..."), this), "cmdMAPSensorManager",
+                        tr("MAP Sensor Manager"));
     cmdManager_->setProperty(helpKeyProperty, QStringLiteral("helpmapsel"));
     cmdManager_->setAutoDefault(false);
     connect(cmdManager_, &QPushButton::clicked, this, &GeneralConfigForm::sensorManagerAsked);
@@ -224,8 +223,7 @@ QWidget* GeneralConfigForm::makeManagerButton() {
 }
 
 void GeneralConfigForm::dimensionsRow(Column& column) {
-    lblDimensions_ = new QLabel(tr("Table Start Dimensions"), this);
-    lblDimensions_->setObjectName(QStringLiteral("lblDimensions"));
+    lblDimensions_ = named(new QLabel(tr("Table Start Dimensions"), this), "lblDimensions");
     wideCaptions_.push_back(lblDimensions_);
     auto* row = plainRow(*this);
     row->addWidget(lblDimensions_);
@@ -274,11 +272,8 @@ void GeneralConfigForm::flowRow(Column& column) {
 }
 
 void GeneralConfigForm::computedRow(Column& column) {
-    lblComputed_ = new QLabel(tr("Zentaq Calculated TOG"), this);
-    lblComputed_->setObjectName(QStringLiteral("lblComputed"));
-    lblUAP_ = new ValueLabel(QStringLiteral("000.000"), this);
-    lblUAP_->setObjectName(QStringLiteral("lblUAP"));
-    lblUAP_->setAccessibleName(lblComputed_->text());
+    lblComputed_ = named(new QLabel(tr("Zentaq Calculated TOG"), this), "lblComputed");
+    lblUAP_ = named(new ValueLabel(QStringLiteral("000.000"), this), "lblUAP", lblComputed_->text());
     lblUAP_->setProperty(helpKeyProperty, QStringLiteral("helptog"));
     lblUAP_->setFont(bold(font()));
     lblComputedUnit_ = mutedLabel(this);

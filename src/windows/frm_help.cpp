@@ -80,12 +80,10 @@ class HitPainter : public QStyledItemDelegate {
 
 FrmHelp::FrmHelp(const std::string& guideFolder, QWidget* parent)
     : QWidget(parent, secondWindow()), Form(this), folder_(guideFolder) {
-    setObjectName(QStringLiteral("frmHelp"));
-    setAccessibleName("User guide");
+    named(this, "frmHelp", "User guide");
     setWindowTitle("Zentaq4 User Guide");
     makeToolbar();
-    auto* split = new QSplitter(Qt::Horizontal, this);
-    split->setObjectName(QStringLiteral("splHelp"));
+    auto* split = named(new QSplitter(Qt::Horizontal, this), "splHelp");
     split->addWidget(makeSide());
     split->addWidget(makeReading());
     split->setStretchFactor(1, 1);
@@ -119,9 +117,7 @@ void FrmHelp::readGuide() {
 // ---- Making
 
 void FrmHelp::makeToolbar() {
-    toolbar_ = new QToolBar("Toolbar", this);
-    toolbar_->setObjectName(QStringLiteral("Toolbar1"));
-    toolbar_->setAccessibleName("Toolbar");
+    toolbar_ = named(new QToolBar("Toolbar", this), "Toolbar1", "Toolbar");
     const auto add = [&](const char* name, const QString& caption, const QKeySequence& keys) {
         QAction* action = toolbar_->addAction(caption);
         action->setObjectName(QLatin1String(name));
@@ -154,17 +150,13 @@ void FrmHelp::makeToolbar() {
 
 QWidget* FrmHelp::makeSide() {
     auto* side = new QWidget(this);
-    txtSearch_ = new QLineEdit(side);
-    txtSearch_->setObjectName(QStringLiteral("txtSearch"));
-    txtSearch_->setAccessibleName("Search the guide");
+    txtSearch_ = named(new QLineEdit(side), "txtSearch", "Search the guide");
     txtSearch_->setPlaceholderText("Search the guide (Ctrl+L)");
     txtSearch_->setClearButtonEnabled(true);
     txtSearch_->installEventFilter(this);
     connect(txtSearch_, &QLineEdit::textChanged, this, &FrmHelp::search);
 
-    treeContents_ = new QTreeWidget(side);
-    treeContents_->setObjectName(QStringLiteral("treeContents"));
-    treeContents_->setAccessibleName("Contents");
+    treeContents_ = named(new QTreeWidget(side), "treeContents", "Contents");
     treeContents_->setHeaderHidden(true);
     treeContents_->setUniformRowHeights(true);
     const auto chosen = [this](QTreeWidgetItem* item) {
@@ -173,9 +165,7 @@ QWidget* FrmHelp::makeSide() {
     connect(treeContents_, &QTreeWidget::itemClicked, this, chosen);
     connect(treeContents_, &QTreeWidget::itemActivated, this, chosen);
 
-    lstHits_ = new QListWidget(side);
-    lstHits_->setObjectName(QStringLiteral("lstHits"));
-    lstHits_->setAccessibleName("Hits");
+    lstHits_ = named(new QListWidget(side), "lstHits", "Hits");
     lstHits_->setItemDelegate(new HitPainter(lstHits_));
     lstHits_->setResizeMode(QListView::Adjust);
     lstHits_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -218,12 +208,9 @@ QWidget* FrmHelp::makeReading() {
 }
 
 QWidget* FrmHelp::makeFindBar() {
-    fraFind_ = new QWidget(this);
-    fraFind_->setObjectName(QStringLiteral("fraFind"));
+    fraFind_ = named(new QWidget(this), "fraFind");
     auto* caption = new QLabel("Fi&nd:", fraFind_);
-    txtFind_ = new QLineEdit(fraFind_);
-    txtFind_->setObjectName(QStringLiteral("txtFind"));
-    txtFind_->setAccessibleName("Find in page");
+    txtFind_ = named(new QLineEdit(fraFind_), "txtFind", "Find in page");
     caption->setBuddy(txtFind_);
     lblFound_ = plainLabel("lblFound", "Result of the search", fraFind_);
     auto* next = new QPushButton("Next (F3)", fraFind_);

@@ -14,6 +14,7 @@
 #include "qt/colour_swatch.h"
 #include "qt/help_key.h"
 #include "qt/look.h"
+#include "qt/plain_label.h"
 #include "qt/qt_text.h"
 #include "qt/window_placement.h"
 
@@ -55,11 +56,7 @@ FrmOptions::FrmOptions(Session& session, MainCommands& commands, QWidget* parent
         *options_, [this] { return session_.platform().port.list(); }, this);
     finder_ = new OptionFinder(this);
     makePages();
-    lblHelp_ = new QLabel(this);
-    lblHelp_->setObjectName(QStringLiteral("lblOptionHelp"));
-    lblHelp_->setAccessibleName(tr("Help on the option"));
-    lblHelp_->setTextFormat(Qt::PlainText);
-    lblHelp_->setWordWrap(true);
+    lblHelp_ = plainLines("lblOptionHelp", tr("Help on the option"), this);
     lblHelp_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     lblHelp_->setMinimumHeight(2 * lblHelp_->fontMetrics().lineSpacing());
 
@@ -91,9 +88,7 @@ FrmOptions::~FrmOptions() {
 // ---- Making
 
 void FrmOptions::makePages() {
-    SSTab1_ = new QTabWidget(this);
-    SSTab1_->setObjectName(QStringLiteral("SSTab1"));
-    SSTab1_->setAccessibleName(tr("Pages of options"));
+    SSTab1_ = named(new QTabWidget(this), "SSTab1", tr("Pages of options"));
     for (const OptionPageRow& row : optionPages()) {
         auto* scroll = new PageArea(SSTab1_);
         scroll->setProperty(helpKeyProperty, qString(row.help));
@@ -127,9 +122,7 @@ QLayout* FrmOptions::makeButtons() {
 }
 
 QPushButton* FrmOptions::makeButton(const char* name, const QString& text) {
-    auto* button = new QPushButton(text, this);
-    button->setObjectName(QLatin1String(name));
-    button->setAccessibleName(QString(text).remove(u'&'));
+    QPushButton* button = namedButton(name, text, this);
     button->setAutoDefault(false);
     return button;
 }
@@ -253,7 +246,7 @@ void FrmOptions::searching(bool on) {
 
 void FrmOptions::chooseColour(const QString& control) {
     const std::string name = control.toStdString();
-    const auto former = storedColor(QString::fromStdString(options_->value(name)));
+    const auto former = storedColor(options_->value(name));
     const QString title = fields_->control(control)->accessibleName();
     const QPointer<FrmOptions> alive(this);
     const std::optional<QColor> chosen = chooseColour_(former.value_or(Qt::white), title, this);

@@ -11,6 +11,7 @@
 #include "base/number_text.h"
 #include "base/settings_keys.h"
 #include "qt/help_key.h"
+#include "qt/named.h"
 #include "qt/qt_text.h"
 #include "windows/frm_config_link_panel.h"
 
@@ -28,8 +29,7 @@ int stripGap(const QWidget* widget) {
 }
 
 QLabel* hintLabel(const char* name, const QString& text, QWidget* parent) {
-    auto* label = new QLabel(text, parent);
-    label->setObjectName(QLatin1String(name));
+    auto* label = named(new QLabel(text, parent), name);
     label->setTextFormat(Qt::PlainText);
     QSizePolicy policy = label->sizePolicy();
     policy.setRetainSizeWhenHidden(true);

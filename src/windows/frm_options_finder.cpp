@@ -1,4 +1,5 @@
 #include "windows/frm_options_finder.h"
+#include "qt/named.h"
 #include "qt/qt_text.h"
 
 #include <QHBoxLayout>
@@ -23,15 +24,13 @@ OptionFinder::OptionFinder(QWidget* window)
     : QWidget(window), txtFind_(new QLineEdit(this)), lstFound_(new QListWidget(window)) {
     auto* caption = new QLabel(tr("&Find an option:"), this);
     caption->setBuddy(txtFind_);
-    txtFind_->setObjectName(QStringLiteral("txtFind"));
-    txtFind_->setAccessibleName(tr("Find an option"));
+    named(txtFind_, "txtFind", tr("Find an option"));
     txtFind_->setPlaceholderText(tr("A word of its caption or its purpose"));
     txtFind_->setClearButtonEnabled(true);
     txtFind_->installEventFilter(this);
     connect(txtFind_, &QLineEdit::textChanged, this, &OptionFinder::find);
 
-    lstFound_->setObjectName(QStringLiteral("lstFound"));
-    lstFound_->setAccessibleName(tr("Options found"));
+    named(lstFound_, "lstFound", tr("Options found"));
     lstFound_->setFocusPolicy(Qt::NoFocus);
     lstFound_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     lstFound_->setTextElideMode(Qt::ElideRight);

@@ -14,6 +14,7 @@
 #include "qt/field_focus.h"
 #include "qt/help_key.h"
 #include "qt/look.h"
+#include "qt/named.h"
 #include "qt/qt_text.h"
 
 namespace zentaq {
@@ -44,14 +45,11 @@ bool movesCursor(int key) {
 
 FrmTable::FrmTable(Session& session, MainCommands& commands, QWidget* parent)
     : QWidget(parent), DockingForm(this), session_(session), commands_(commands) {
-    setObjectName("frmTABLE");
-    setAccessibleName("Table");
+    named(this, "frmTABLE", "Table");
     redraw_ = new RedrawGate(
         session.platform().clock, [this] { drawLive(); }, this, RedrawGate::markUs);
     makeToolbar();
-    Grid1_ = new TableGridView(this);
-    Grid1_->setObjectName("Grid1");
-    Grid1_->setAccessibleName("Cells of the table");
+    Grid1_ = named(new TableGridView(this), "Grid1", "Cells of the table");
     Grid1_->setContextMenuPolicy(Qt::CustomContextMenu);
     txtInputValue_ = new CellBox(*Grid1_);
     ahead_ = new TypedAhead(session,

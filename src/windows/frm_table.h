@@ -100,7 +100,7 @@ class FrmTable : public QWidget, public DockingForm {
  private:
     // ---- Making
     void makeToolbar();
-    void inOrder(const QString& caption, void (FrmTable::*run)());
+    void inOrder(const QString& caption, const std::function<void()>& command);
     std::vector<QObject*> watchedObjects() const;
 
     // ---- Keys
@@ -121,7 +121,6 @@ class FrmTable : public QWidget, public DockingForm {
     QLineEdit* timeInHand() const;  ///< none where none is being typed
     void pressed(char key);
     void nudge(bool up);
-    void closeTable() { close(); }
 
     // ---- Editing
     void openEdit(char key);
@@ -145,21 +144,12 @@ class FrmTable : public QWidget, public DockingForm {
 
     // ---- Toolbar commands
     void rebuilt(std::span<const Refusal> refused);
-    void home();
-    void save() { saveGrid(); }
     bool saveGrid();
     void toggleDocking();
     void discard();
     void toggleColors();
-    void colorsNorm();
-    void colorsAfr();
     void colorsWhiteOut();
     void colorsPersist();
-    void invert();
-    void pulsewidth();
-    void dutyCycle();
-    void absolute();
-    void resetTable();
 
     // ---- Showing
     void setMode(DisplayMode mode);

@@ -9,40 +9,49 @@ namespace zentaq {
 
 void FrmTable::makeToolbar() {
     Toolbar1_ = new TableToolbar(this);
-    const auto run = [this](void (FrmTable::*command)()) {
+    const auto run = [this](const std::function<void()>& command) {
         return [this, command](const QString& caption) { inOrder(caption, command); };
+    };
+    const auto rebuild = [&](std::vector<Refusal> (TableModel::*command)()) {
+        return run([this, command] {
+            if (!model_) return;
+            closeEdit();
+            rebuilt((model_.get()->*command)());
+        });
     };
     constexpr auto overlay = "Overlay";
     constexpr auto view = "View";
     Toolbar1_->add({"Home", "Home", "Show the values with the lowest row at the bottom"},
-                   run(&FrmTable::home));
-    Toolbar1_->add({"Save", "Save", "Write the grid back to the calibration"}, run(&FrmTable::save));
-    Toolbar1_->add({"Colors", "Turn Overlay OFF"}, run(&FrmTable::toggleColors), overlay);
-    Toolbar1_->add({"ColorsNorm", "Normal Colors", "", true}, run(&FrmTable::colorsNorm), overlay);
-    Toolbar1_->add({"ColorsAFR", "AFR Colors", "", true}, run(&FrmTable::colorsAfr), overlay);
-    Toolbar1_->add({"ColorsPersist", "Color Persist ON"}, run(&FrmTable::colorsPersist), overlay);
-    Toolbar1_->add({"ColorsWhiteOut", "White Out"}, run(&FrmTable::colorsWhiteOut), overlay);
-    Toolbar1_->add({"Pulsewidth", "Pulse Width (Shift+P)", "", true}, run(&FrmTable::pulsewidth), view);
-    Toolbar1_->add({"DutyCycle", "Duty Cycle (Shift+D)", "", true}, run(&FrmTable::dutyCycle), view);
-    Toolbar1_->add({"Absolute", "Absolute VE (Shift+A)", "", true}, run(&FrmTable::absolute), view);
-    Toolbar1_->add({"Invert", "Invert Rows", "", true}, run(&FrmTable::invert), view);
+                   rebuild(&TableModel::home));
+    Toolbar1_->add({"Save", "Save", "Write the grid back to the calibration"}, run([this] { saveGrid(); }));
+    Toolbar1_->add({"Colors", "Turn Overlay OFF"}, run([this] { toggleColors(); }), overlay);
+    Toolbar1_->add({"ColorsNorm", "Normal Colors", "", true}, run([this] { setColourMode(0); }), overlay);
+    Toolbar1_->add({"ColorsAFR", "AFR Colors", "", true}, run([this] { setColourMode(1); }), overlay);
+    Toolbar1_->add({"ColorsPersist", "Color Persist ON"}, run([this] { colorsPersist(); }), overlay);
+    Toolbar1_->add({"ColorsWhiteOut", "White Out"}, run([this] { colorsWhiteOut(); }), overlay);
+    Toolbar1_->add({"Pulsewidth", "Pulse Width (Shift+P)", "", true}, rebuild(&TableModel::togglePulsewidth),
+                   view);
+    Toolbar1_->add({"DutyCycle", "Duty Cycle (Shift+D)", "", true}, rebuild(&TableModel::toggleDutyCycle),
+                   view);
+    Toolbar1_->add({"Absolute", "Absolute VE (Shift+A)", "", true}, rebuild(&TableModel::toggleAbsolute),
+                   view);
+    Toolbar1_->add({"Invert", "Invert Rows", "", true}, rebuild(&TableModel::invert), view);
     Toolbar1_->add({"Graph", "Graph"}, {}, view);
     Toolbar1_->add({"AutoVE", "AutoVE"}, {}, view);
     Toolbar1_->addSeparatorTo(view);
-    Toolbar1_->add({"Reset", "Reset"}, run(&FrmTable::resetTable), view);
-    Toolbar1_->add({"Discard", "Discard Changes"}, run(&FrmTable::discard), view);
+    Toolbar1_->add({"Reset", "Reset"}, rebuild(&TableModel::reset), view);
+    Toolbar1_->add({"Discard", "Discard Changes"}, run([this] { discard(); }), view);
     Toolbar1_->add({"Manage", "Manage"}, {});
     Toolbar1_->add({"Print", "Print"}, {});
     Toolbar1_->add({"Docking", "Undock        ", "Inside the main window, or a window of its own"},
-                   run(&FrmTable::toggleDocking));
-    Toolbar1_->add({"Close", "Close", "Close the table (Shift+X)"}, run(&FrmTable::closeTable));
+                   run([this] { toggleDocking(); }));
+    Toolbar1_->add({"Close", "Close", "Close the table (Shift+X)"}, run([this] { close(); }));
     Toolbar1_->addFields();
 }
 
-void FrmTable::inOrder(const QString& caption, void (FrmTable::*run)()) {
-    if (!keysWait()) return (this->*run)();
-    ahead_->holdCommand(
-        caption.trimmed().toStdString(), [this, run] { (this->*run)(); }, true);
+void FrmTable::inOrder(const QString& caption, const std::function<void()>& command) {
+    if (!keysWait()) return command();
+    ahead_->holdCommand(caption.trimmed().toStdString(), command, true);
 }
 
 // ---- The commands
@@ -51,12 +60,6 @@ void FrmTable::rebuilt(std::span<const Refusal> refused) {
     showAll();
     sizeColumns();
     tell(refused);
-}
-
-void FrmTable::home() {
-    if (!model_) return;
-    closeEdit();
-    rebuilt(model_->home());
 }
 
 bool FrmTable::saveGrid() {
@@ -96,13 +99,6 @@ void FrmTable::toggleColors() {
     showItems();
 }
 
-void FrmTable::colorsNorm() {
-    setColourMode(0);
-}
-void FrmTable::colorsAfr() {
-    setColourMode(1);
-}
-
 void FrmTable::setColourMode(int mode) {
     session_.TableColorMode = mode;
     session_.settings().set(settings::system, settings::TableColor, numberText(mode));
@@ -127,31 +123,6 @@ void FrmTable::colorsPersist() {
 void FrmTable::colorsWhiteOut() {
     model_->overlay().whiteOut();
     Grid1_->cells().refresh();
-}
-
-void FrmTable::invert() {
-    closeEdit();
-    rebuilt(model_->invert());
-}
-
-void FrmTable::pulsewidth() {
-    closeEdit();
-    rebuilt(model_->togglePulsewidth());
-}
-
-void FrmTable::dutyCycle() {
-    closeEdit();
-    rebuilt(model_->toggleDutyCycle());
-}
-
-void FrmTable::absolute() {
-    closeEdit();
-    rebuilt(model_->toggleAbsolute());
-}
-
-void FrmTable::resetTable() {
-    closeEdit();
-    rebuilt(model_->reset());
 }
 
 }  // namespace zentaq

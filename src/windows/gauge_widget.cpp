@@ -8,6 +8,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "qt/named.h"
 #include "windows/outlined.h"
 
 namespace zentaq {
@@ -31,8 +32,7 @@ QPointF direction(double angle) {
 
 GaugeWidget::GaugeWidget(const GaugeFace& face, QWidget* parent)
     : QWidget(parent), face_(face), colors_(dashColors(false)), angle_(face.restAngle) {
-    setObjectName(face.name);
-    setAccessibleName(face.caption.isEmpty() ? face.name : face.caption);
+    named(this, face.name, face.caption.isEmpty() ? face.name : face.caption);
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
 }
 

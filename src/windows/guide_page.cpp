@@ -9,6 +9,7 @@
 #include "base/errors.h"
 #include "base/file_reader.h"
 #include "qt/look.h"
+#include "qt/named.h"
 
 namespace zentaq {
 
@@ -28,8 +29,7 @@ bool isWordCharacter(QChar letter) {
 
 GuidePage::GuidePage(const std::string& folder, QWidget* parent)
     : QTextBrowser(parent), folder_(QFileInfo(QString::fromStdString(folder)).absoluteFilePath()) {
-    setObjectName(QStringLiteral("txtPage"));
-    setAccessibleName("Page of the guide");
+    named(this, "txtPage", "Page of the guide");
     setOpenLinks(false);
     setOpenExternalLinks(false);
     document()->setDocumentMargin(fontMetrics().height() * margin);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 
+#include "qt/named.h"
 #include "windows/outlined.h"
 
 namespace zentaq {
@@ -57,8 +58,7 @@ QPen edgeOf(const std::optional<QColor>& lit, const DashColors& colors) {
 
 LiveLabel::LiveLabel(const Form& form, QWidget* parent)
     : QWidget(parent), form_(form), colors_(dashColors(false)) {
-    setObjectName(form.name);
-    setAccessibleName(form.caption.isEmpty() ? form.name : form.caption);
+    named(this, form.name, form.caption.isEmpty() ? form.name : form.caption);
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
 }
 
@@ -153,8 +153,7 @@ void LiveLabel::paintDigits(QPainter& painter, const QRect& area) const {
 
 LiveLamp::LiveLamp(const QString& name, const QString& inscription, QWidget* parent)
     : QWidget(parent), inscription_(inscription), colors_(dashColors(false)) {
-    setObjectName(name);
-    setAccessibleName(inscription);
+    named(this, name, inscription);
     setAccessibleDescription(QStringLiteral("off"));
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
 }

@@ -88,8 +88,7 @@ bool hasChildren(std::string_view name) {
 
 MdiMain::MdiMain(Session& session, MainCommands& commands, Kernel& kernel)
     : Form(this), session_(session), commands_(commands), kernel_(kernel) {
-    setObjectName(QStringLiteral("mdiMain"));
-    setAccessibleName(QLatin1String(frameTitle));
+    named(this, "mdiMain", frameTitle);
     setWindowTitle(QLatin1String(frameTitle));
     makeMenus();
     makeToolbar();
@@ -108,9 +107,8 @@ void MdiMain::makeMenus() {
             entries_.push_back({&entry, action});
             continue;
         }
-        auto* menu = new QMenu(qString(entry.caption), this);
-        menu->setObjectName(qString(entry.name));
-        menu->setAccessibleName(qString(entry.caption).remove(u'&'));
+        auto* menu = named(new QMenu(qString(entry.caption), this), qString(entry.name),
+                           qString(entry.caption).remove(u'&'));
         menus_[entry.name] = menu;
         entries_.push_back({&entry, menu->menuAction()});
         if (above != nullptr) {
@@ -122,8 +120,7 @@ void MdiMain::makeMenus() {
 }
 
 QAction* MdiMain::makeAction(const MenuEntry& entry, QWidget* parent) {
-    auto* action = new QAction(qString(entry.caption), parent);
-    action->setObjectName(qString(entry.name));
+    auto* action = named(new QAction(qString(entry.caption), parent), qString(entry.name));
     action->setCheckable(entry.checkable);
     if (!entry.shortcut.empty()) {
         action->setShortcut(QKeySequence(qString(entry.shortcut)));
@@ -135,9 +132,7 @@ QAction* MdiMain::makeAction(const MenuEntry& entry, QWidget* parent) {
 }
 
 void MdiMain::makeToolbar() {
-    toolbar_ = new QToolBar("Toolbar", this);
-    toolbar_->setObjectName(QStringLiteral("Toolbar1"));
-    toolbar_->setAccessibleName("Toolbar");
+    toolbar_ = named(new QToolBar("Toolbar", this), "Toolbar1", "Toolbar");
     toolbar_->setMovable(false);
     toolbar_->setContextMenuPolicy(Qt::PreventContextMenu);
     toolbar_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
@@ -166,8 +161,7 @@ void MdiMain::pressed(const ToolbarButton& button) {
 
 void MdiMain::makeStatusBar() {
     QStatusBar* bar = statusBar();
-    bar->setObjectName(QStringLiteral("StatusBar1"));
-    bar->setAccessibleName("Status");
+    named(bar, "StatusBar1", "Status");
     const auto add = [&](const char* name, const QString& meaning, const char* widest, int stretch) {
         QLabel* label = plainLabel(name, meaning, bar);
         label->setToolTip(meaning);
@@ -195,8 +189,7 @@ void MdiMain::openOn(const std::string& /*on*/, const std::string& /*title*/) {
 
 QSplitter* MdiMain::centre() {
     if (centre_ == nullptr) {
-        centre_ = new QSplitter(Qt::Vertical, this);
-        centre_->setObjectName(QLatin1String(splitKey));
+        centre_ = named(new QSplitter(Qt::Vertical, this), splitKey);
         setCentralWidget(centre_);
     }
     return centre_;

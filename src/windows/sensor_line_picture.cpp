@@ -9,6 +9,7 @@
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "qt/look.h"
+#include "qt/named.h"
 #include "qt/qt_text.h"
 
 namespace zentaq {
@@ -46,8 +47,7 @@ void backText(QPainter& painter, const QRectF& place) {
 }  // namespace
 
 SensorLinePicture::SensorLinePicture(QWidget* parent) : QWidget(parent) {
-    setObjectName(QStringLiteral("picLine"));
-    setAccessibleName("Line of the sensor");
+    named(this, "picLine", "Line of the sensor");
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
 

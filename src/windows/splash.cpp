@@ -23,14 +23,13 @@ FrmSplash::FrmSplash(const QString& version, QWidget* over, std::function<bool()
       Form(this),
       over_(over),
       goes_(std::move(goes)) {
-    setObjectName(QStringLiteral("frmSplash"));
-    setAccessibleName("Start of the program");
+    named(this, "frmSplash", "Start of the program");
     setAttribute(Qt::WA_ShowWithoutActivating);
 
     auto* name = new QLabel(QStringLiteral("Zentaq4"), this);
     name->setFont(valueFont(2.4));
-    auto* maker = new QLabel("Norvalia Zentaq Engine Management System  " + version, this);
-    maker->setObjectName(QStringLiteral("lblProduct"));
+    auto* maker =
+        named(new QLabel("Norvalia Zentaq Engine Management System  " + version, this), "lblProduct");
     lblOperation_ = plainLabel("lblOperation", "Operation", this);
 
     auto* layout = new QVBoxLayout(this);

@@ -6,6 +6,7 @@
 #include "base/number_text.h"
 #include "qt/help_key.h"
 #include "qt/look.h"
+#include "qt/named.h"
 #include "qt/qt_text.h"
 #include "unit/parameter_names.h"
 #include "windows/cell_box.h"
@@ -21,8 +22,7 @@ constexpr auto undockCaption = "Undock        ";
 TableToolbar::TableToolbar(QWidget* parent) : QToolBar(parent) {
     setObjectName("Toolbar1");
     setToolButtonStyle(Qt::ToolButtonTextOnly);
-    lblTitle_ = new QLabel(this);
-    lblTitle_->setObjectName("lblTitle");
+    lblTitle_ = named(new QLabel(this), "lblTitle");
     QFont bold = lblTitle_->font();
     bold.setBold(true);
     lblTitle_->setFont(bold);
@@ -35,9 +35,8 @@ TableToolbar::TableToolbar(QWidget* parent) : QToolBar(parent) {
 QMenu* TableToolbar::menu(const char* name) {
     QMenu*& made = menus_[name];
     if (made != nullptr) return made;
-    auto* button = new QToolButton(this);
+    auto* button = named(new QToolButton(this), name);
     button->setText(name);
-    button->setObjectName(name);
     button->setPopupMode(QToolButton::InstantPopup);
     made = new QMenu(button);
     button->setMenu(made);
@@ -60,8 +59,7 @@ void TableToolbar::add(const Item& item, std::function<void(const QString& capti
 QLineEdit* TableToolbar::makeTimeField(const char* name, const char* member, const char* helpKey) {
     auto* field = new QLineEdit(this);
     const QString meaning = qString(nameOfParameter(member));
-    field->setObjectName(name);
-    field->setAccessibleName(meaning);
+    named(field, name, meaning);
     field->setToolTip(meaning);
     field->setProperty(helpKeyProperty, QLatin1String(helpKey));
     field->setAlignment(Qt::AlignRight);
@@ -75,8 +73,7 @@ void TableToolbar::addFields() {
     auto* row = new QHBoxLayout(fields);
     row->setContentsMargins(12, 0, 6, 0);
     const auto label = [&](const QString& name, const QString& text) {
-        auto* made = new QLabel(text, fields);
-        made->setObjectName(name);
+        auto* made = named(new QLabel(text, fields), name);
         row->addWidget(made);
         return made;
     };

@@ -8,6 +8,7 @@
 #include <cmath>
 
 #include "qt/colour_swatch.h"
+#include "qt/named.h"
 #include "windows/frm_dashboard_colors.h"
 
 namespace zentaq {
@@ -141,8 +142,7 @@ QColor cellColor(std::int32_t colour, DisplayMode mode) {
 // ---- Marker
 
 TableMarker::TableMarker(QWidget* parent) : QWidget(parent), color_(Qt::magenta) {
-    setObjectName("TblMarker");
-    setAccessibleName("Present point of the engine");
+    named(this, "TblMarker", "Present point of the engine");
     setAttribute(Qt::WA_TransparentForMouseEvents);
     hide();
 }
