@@ -61,49 +61,36 @@ TEST(LiveZones, TheLastColumnOfANarrowTableReadsThe15thPairOfTheBuildBefore) {
     EXPECT_EQ(fresh.column(8).low, 1);
 }
 
+struct Point {
+    const char* why;
+    float x, y;
+    GridCell cursor;
+    GridCell cell;
+};
+
 TEST(LiveZones, FindTheCellOfAPoint) {
     LiveZones zones;
     zones.buildColumns(speeds(16));
     zones.buildRows(pressures(16));
-    EXPECT_EQ(zones.cellOf(1200, 40, {1, 1}), (GridCell{11, 2}));
-    EXPECT_EQ(zones.cellOf(600, 16, {1, 1}), (GridCell{16, 1}));
+    for (const Point& point :
+         {Point{"inside", 1200, 40, {1, 1}, {11, 2}}, Point{"in the first zones", 600, 16, {1, 1}, {16, 1}},
+          Point{"beyond the upper ends the outer cells answer", 9000, 200, {5, 5}, {1, 16}},
+          Point{"below the lower end the outer cell answers", 600, -3, {5, 5}, {16, 1}},
+          Point{"in a gap the cursor stays", 750.5F, 40, {7, 9}, {11, 9}},
+          Point{"where rows overlap the lower wins", 600, 82.49995F, {1, 1}, {3, 1}}}) {
+        EXPECT_EQ(zones.cellOf(point.x, point.y, point.cursor), point.cell) << point.why;
+    }
 }
 
-TEST(LiveZones, BeyondTheEndsTheOuterCellsAnswer) {
-    LiveZones zones;
-    zones.buildColumns(speeds(16));
-    zones.buildRows(pressures(16));
-    EXPECT_EQ(zones.cellOf(9000, 200, {5, 5}), (GridCell{1, 16}));
-    EXPECT_EQ(zones.cellOf(600, -3, {5, 5}), (GridCell{16, 1}));
-}
-
-TEST(LiveZones, InAGapTheCursorStays) {
-    LiveZones zones;
-    zones.buildColumns(speeds(16));
-    zones.buildRows(pressures(16));
-    EXPECT_EQ(zones.cellOf(750.5F, 40, {7, 9}), (GridCell{11, 9}));
-}
-
-TEST(LiveZones, WhereRowsOverlapTheLowerWins) {
-    LiveZones zones;
-    zones.buildColumns(speeds(16));
-    zones.buildRows(pressures(16));
-    EXPECT_EQ(zones.cellOf(600, 82.49995F, {1, 1}).row, 3);
-}
-
-TEST(MarkerPlace, IsTheShareBetweenTwoHeaders) {
+TEST(MarkerPlace, IsTheShareBetweenTwoHeadersAndStopsAtTheEnds) {
     const auto columns = speeds(16);
-    EXPECT_DOUBLE_EQ(*placeOfColumn(columns, 1200), 1.4);
-    EXPECT_DOUBLE_EQ(*placeOfColumn(columns, 500), 0);
-    EXPECT_DOUBLE_EQ(*placeOfColumn(columns, 8000), 15);
+    for (const auto& [speed, place] :
+         {std::pair(1200.0F, 1.4), std::pair(500.0F, 0.0), std::pair(8000.0F, 15.0), std::pair(100.0F, 0.0),
+          std::pair(9000.0F, 15.0)}) {
+        EXPECT_DOUBLE_EQ(*placeOfColumn(columns, speed), place) << speed;
+    }
     EXPECT_DOUBLE_EQ(*placeOfRow(std::vector<float>{15, 20, 30}, 25), 1.5);
     EXPECT_DOUBLE_EQ(*placeOfRow(std::vector<float>{15, 20, 30}, 30), 2);
-}
-
-TEST(MarkerPlace, StopsAtTheEnds) {
-    const auto columns = speeds(16);
-    EXPECT_DOUBLE_EQ(*placeOfColumn(columns, 100), 0);
-    EXPECT_DOUBLE_EQ(*placeOfColumn(columns, 9000), 15);
     EXPECT_DOUBLE_EQ(*placeOfRow(columns, 100), 0);
     EXPECT_DOUBLE_EQ(*placeOfRow(columns, 9000), 15);
 }

@@ -91,12 +91,6 @@ TEST_F(Tables, EveryRatioTakesTheStopsThatItsOwnAxisIsSpreadOver) {
     }
 }
 
-TEST_F(Tables, AValueOutsideItsRangeLeavesTheCell) {
-    EXPECT_EQ(test::told(set_binValueByIndex(unit, "VE", 51, 0, false)), "1001 (-50 to 50%)");
-    EXPECT_EQ(test::told(set_binValueByIndex(unit, "SPW", -1, 0, false)), "1001 (0 to 100%)");
-    EXPECT_EQ(unit.DirectIndex(912), 0);
-}
-
 TEST_F(Tables, HeadersOfMainTablesAreTheSharedLists) {
     EXPECT_EQ(tableHeader(unit, "ADV", "X-Axis", 2), 1500);
     EXPECT_EQ(tableHeader(unit, "SPW", "Y-Axis", 2), 25);

@@ -130,18 +130,6 @@ TEST_F(TableWindow, AShrinkingTableTakesItsCursorAndSelectionAlong) {
     EXPECT_EQ(unit.DirectIndex(veBase + 7 * 16), 5);
 }
 
-TEST_F(TableWindow, SavingKeepsTheStoredValueOfARefusedCell) {
-    unit.AssignDirectIndex(5, veBase);
-    open("VE");
-    sheet.grid().text(16, 1, "200");
-    sheet.grid().text(16, 2, "7");
-    sheet.grid().text(16, 3, "");
-    sheet.saveEntireTable();
-    EXPECT_EQ(unit.DirectIndex(veBase), 5);
-    EXPECT_EQ(unit.DirectIndex(veBase + 1), 7);
-    EXPECT_EQ(unit.DirectIndex(veBase + 2), 0);
-}
-
 TEST_F(TableWindow, SavingSendsOnlyTheCellsWhoseValueDiffers) {
     unit.AssignDirectIndex(5, veBase);
     open("VE");

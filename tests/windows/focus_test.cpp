@@ -42,23 +42,19 @@ class Focus : public TableWindowsTest {
         const QWidget* widget = window.focusWidget();
         return widget == nullptr ? "nothing" : widget->objectName().toStdString();
     }
-    static std::string focus() {
-        const QWidget* widget = QApplication::focusWidget();
-        return widget == nullptr ? "nothing" : widget->objectName().toStdString();
-    }
 };
 
 TEST_F(Focus, AnOpenedCalibrationIsInTheTreeAndAnOpenedTableInItsGrid) {
-    EXPECT_EQ(focus(), "treeZentaq");
+    EXPECT_EQ(focusName(), "treeZentaq");
     openVe();
-    EXPECT_EQ(focus(), "Grid1");
+    EXPECT_EQ(focusName(), "Grid1");
 }
 
 TEST_F(Focus, ADigitAfterUndockGoesIntoTheCellAndNotIntoTheTimeOfGap) {
     openVe();
     dockOrUndock();
     ASSERT_TRUE(windows.table()->isWindow());
-    EXPECT_EQ(focus(), "Grid1");
+    EXPECT_EQ(focusName(), "Grid1");
     pressKey(Qt::Key_5, Qt::NoModifier, "5");
     pressKey(Qt::Key_Return);
     EXPECT_EQ(unit().get("scale1"), 5);
@@ -78,7 +74,7 @@ TEST_F(Focus, DockingGivesTheGridTheKeyboardAgain) {
 TEST_F(Focus, AnEntryGoesOnWhileTheTableMovesIntoAWindowOfItsOwnAndBack) {
     openVe();
     pressKey(Qt::Key_1, Qt::NoModifier, "1");
-    ASSERT_EQ(focus(), "txtInputValue");
+    ASSERT_EQ(focusName(), "txtInputValue");
     for (const char* digit : {"2", "3"}) {
         dockOrUndock();
         typeWhileMoving("txtInputValue", digit);
@@ -92,7 +88,7 @@ TEST_F(Focus, ARebuildKeepsTheFieldThatIsBeingEdited) {
     unit().set("REV_Limiter", 7000);
     windows.showUnit();
     settle();
-    EXPECT_EQ(focus(), "txtInputValue");
+    EXPECT_EQ(focusName(), "txtInputValue");
     EXPECT_EQ(form().inputBox().text(), "1");
     pressKey(Qt::Key_2, Qt::NoModifier, "2");
     pressKey(Qt::Key_Return);
@@ -108,7 +104,7 @@ TEST_F(Focus, AClosedTableLeavesTheKeyboardToTheTree) {
         tableAction("Close")->trigger();
         settle();
         EXPECT_EQ(windows.table(), nullptr);
-        EXPECT_EQ(focus(), "treeZentaq") << undocked;
+        EXPECT_EQ(focusName(), "treeZentaq") << undocked;
     }
 }
 
@@ -116,7 +112,7 @@ TEST_F(Focus, AClosedCalibrationLeavesItToTheTree) {
     openVe();
     commands.files.close();
     settle();
-    EXPECT_EQ(focus(), "treeZentaq");
+    EXPECT_EQ(focusName(), "treeZentaq");
 }
 
 TEST_F(Focus, AClosedGeneralConfigurationLeavesItToTheGridOrTheTree) {
@@ -167,7 +163,7 @@ TEST_F(Focus, ASearchOfThePortGivesTheButtonItsKeyboardBack) {
     fake.port.presentNumber = 0;
     button->click();
     settle();
-    EXPECT_EQ(focus(), "cmdAutoDetectPort");
+    EXPECT_EQ(focusName(), "cmdAutoDetectPort");
 }
 
 TEST_F(Focus, TheEndOfTheLockTakesNoFieldFromUnderTheFingers) {
@@ -176,7 +172,7 @@ TEST_F(Focus, TheEndOfTheLockTakesNoFieldFromUnderTheFingers) {
     typeTimeOfGap("5.5");
     windows.onFlyLock(false);
     settle();
-    EXPECT_EQ(focus(), "txtTOG");
+    EXPECT_EQ(focusName(), "txtTOG");
 }
 
 TEST_F(Focus, ATimeThatIsBeingTypedIsNoEntryWhileAMenuOrAnotherWindowIsInFront) {
@@ -251,7 +247,7 @@ TEST_F(Focus, ABoxStandsOverTheWindowThatAskedAndGivesTheFieldItsKeyboardBack) {
     settle();
     EXPECT_EQ(over, windows.generalConfig());
     EXPECT_TRUE(windows.generalConfig()->isActiveWindow());
-    EXPECT_EQ(focus(), "txtRPM");
+    EXPECT_EQ(focusName(), "txtRPM");
 }
 
 /// A box over the general parameters is read; then the window manager chooses the main window, as some do
@@ -286,7 +282,7 @@ TEST_F(BoxOverForm, TheFormHasTheKeyboardWhateverTheWindowManagerChooses) {
         windows.main().activateWindow();
         settle();
         EXPECT_TRUE(general().isActiveWindow());
-        EXPECT_EQ(focus(), "txtRPM");
+        EXPECT_EQ(focusName(), "txtRPM");
     }
 }
 

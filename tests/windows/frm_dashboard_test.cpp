@@ -37,26 +37,18 @@ class PaintCounter : public QObject {
     int paints = 0;
 };
 
-class Dashboard : public testing::Test {
+class Dashboard : public OrbASession {
  protected:
-    static constexpr int orbA = 3;
-    FakeSession fake;
-    MainCommands commands{fake.session};
     DashboardWindows windows;
     std::unique_ptr<FrmDashBoard> board;
 
     Dashboard() {
         fake.session.attach(windows);
-        fake.session.makeUnits();
-        fake.session.CurrentUnit(orbA);
-        fake.session.header().programVersion = 9.44f;
-        unit().FW_Release(5);
         unit().set("REV_Limiter", 6500);
         makeBoard();
     }
     ~Dashboard() override { fake.session.attach(fake.windows); }
 
-    Unit& unit() { return fake.session.currentUnitObject(); }
     void makeBoard() {
         board = std::make_unique<FrmDashBoard>(fake.session, commands);
         windows.dashboard = board.get();
@@ -85,6 +77,14 @@ class Dashboard : public testing::Test {
     void show(const std::vector<std::uint8_t>& bytes) {
         fake.clock.nowUs += 1'000'000;
         feed(bytes);
+    }
+    void waitsFor(const std::string& text) {
+        fake.session.linkDisplay.showNoConnectPanel(text);
+        board->showLinkState();
+    }
+    void waitsNoMore() {
+        fake.session.linkDisplay.hideNoConnectPanel();
+        board->showLinkState();
     }
     std::string text(const char* name) { return board->panel().label(name).text().toStdString(); }
     template <typename Object>
@@ -247,11 +247,9 @@ TEST_F(Dashboard, NoConnectPanelFollowsTheLink) {
     fire(find<QTimer>("tmrUpdate"));  // nothing has been identified yet
     EXPECT_FALSE(panel->isHidden());
     EXPECT_EQ(general->text(), "Connecting...");
-    fake.session.linkDisplay.showNoConnectPanel("Updating");
-    board->showLinkState();
+    waitsFor("Updating");
     EXPECT_EQ(general->text(), "Updating");
-    fake.session.linkDisplay.hideNoConnectPanel();
-    board->showLinkState();
+    waitsNoMore();
     EXPECT_TRUE(panel->isHidden());
 }
 
@@ -261,15 +259,12 @@ TEST_F(Dashboard, VeilLiesOverTheInstrumentsOnlyWhileAUnitIsWaitedFor) {
     fire(find<QTimer>("tmrUpdate"));  // nothing has been identified yet: "Connecting..."
     EXPECT_FALSE(veil.isHidden());
     for (const char* text : {"Updating", "AutoVE ON"}) {
-        fake.session.linkDisplay.showNoConnectPanel(text);
-        board->showLinkState();
+        waitsFor(text);
         EXPECT_TRUE(veil.isHidden()) << text;
     }
-    fake.session.linkDisplay.showNoConnectPanel("Connecting...");
-    board->showLinkState();
+    waitsFor("Connecting...");
     EXPECT_FALSE(veil.isHidden());
-    fake.session.linkDisplay.hideNoConnectPanel();
-    board->showLinkState();
+    waitsNoMore();
     EXPECT_TRUE(veil.isHidden());
 }
 
@@ -319,11 +314,9 @@ TEST_F(Dashboard, VeiledNumbersAreDimByDayAndByNight) {
     };
     for (const bool day : {true, false}) {
         day ? board->Day_Mode() : board->Night_Mode();
-        fake.session.linkDisplay.showNoConnectPanel("Connecting...");
-        board->showLinkState();
+        waitsFor("Connecting...");
         const int veiled = contrast();
-        fake.session.linkDisplay.hideNoConnectPanel();
-        board->showLinkState();
+        waitsNoMore();
         const int live = contrast();
         EXPECT_GT(live, 150) << day;
         EXPECT_LT(veiled, live / 2) << day;

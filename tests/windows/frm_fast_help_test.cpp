@@ -72,18 +72,15 @@ TEST_F(FastHelp, ARowOfTheDatabaseIsShownEscaped) {
     EXPECT_FALSE(help.accessibleDescription().contains(u'\x1B'));
 }
 
-TEST_F(FastHelp, EscClosesAndTheFieldHasTheFocusAgain) {
-    pressKey(Qt::Key_Escape);
-    QApplication::processEvents();
-    EXPECT_FALSE(help.isVisible());
-    EXPECT_EQ(QApplication::focusWidget(), &field);
-}
-
-TEST_F(FastHelp, EnterClosesAndTheFieldHasTheFocusAgain) {
-    pressKey(Qt::Key_Return);
-    QApplication::processEvents();
-    EXPECT_FALSE(help.isVisible());
-    EXPECT_EQ(QApplication::focusWidget(), &field);
+TEST_F(FastHelp, EscAndEnterCloseAndTheFieldHasTheFocusAgain) {
+    for (const int key : {Qt::Key_Escape, Qt::Key_Return}) {
+        help.show(revLimit);
+        QApplication::processEvents();
+        pressKey(key);
+        QApplication::processEvents();
+        EXPECT_FALSE(help.isVisible()) << key;
+        EXPECT_EQ(QApplication::focusWidget(), &field) << key;
+    }
 }
 
 TEST_F(FastHelp, F2ClosesAndDoesNotAskForHelpAgain) {

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "app/while_box_stands.h"
 #include "qt/look.h"
 #include "windows/frm_general_config_fixture.h"
 
@@ -28,12 +29,6 @@ class General : public GeneralWindow {
     }
     std::string hint() { return label("lblHint"); }
     QColor inside(const std::string& control) { return find(control)->palette().color(QPalette::Base); }
-    bool logged(const std::string& text) {
-        for (const std::string& line : session.console.lines()) {
-            if (line.find(text) != std::string::npos) return true;
-        }
-        return false;
-    }
 };
 
 TEST_F(General, IsAWindowOfItsOwnBesideTheMainWindow) {
@@ -199,7 +194,7 @@ TEST_F(General, AFormWithNothingEnteredClosesWithoutAsking) {
     EXPECT_EQ(closedTold, 1);
     EXPECT_EQ(boxes(), 0u);
     EXPECT_EQ(session.header().fileState, "");
-    EXPECT_TRUE(logged("General Config App. Terminated."));
+    EXPECT_TRUE(hasLine(session.console, "General Config App. Terminated."));
 }
 
 TEST_F(General, AsksBeforeANewCalibrationIsDropped) {

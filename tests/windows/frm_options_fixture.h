@@ -24,12 +24,6 @@ class OptionsWindowTest : public WindowTest {
         form->show();
         activate(*form);
     }
-    static void activate(QWidget& window) {
-        window.activateWindow();
-        for (int i = 0; i < 50 && !window.isActiveWindow(); ++i) QApplication::processEvents();
-        QApplication::processEvents();
-    }
-
     template <typename Object>
     Object* the(const char* name) {
         auto* object = form->findChild<Object*>(QLatin1String(name));

@@ -19,6 +19,10 @@ using testing::HasSubstr;
 
 class OptionsWindow : public OptionsWindowTest {
  protected:
+    void openMonitorPage() {
+        open();
+        form->showPage(FrmOptions::monitorPage);
+    }
     std::vector<std::string> hits() {
         std::vector<std::string> lines;
         const auto* list = the<QListWidget>("lstFound");
@@ -39,8 +43,7 @@ TEST_F(OptionsWindow, OpensOnItsFirstPageAndSaysSoInTheLog) {
 }
 
 TEST_F(OptionsWindow, OpensThePageWithTheColoursForTheMenu) {
-    open();
-    form->showPage(FrmOptions::monitorPage);
+    openMonitorPage();
     EXPECT_EQ(page(), FrmOptions::monitorPage);
     EXPECT_TRUE(the<QPushButton>("cmdChoose")->isVisible());
     form->showPage(99);
@@ -202,8 +205,7 @@ TEST_F(OptionsWindow, ASearchForADisabledOptionStillShowsItsPage) {
 
 TEST_F(OptionsWindow, AChosenColourIsShownAndStoredWithApply) {
     fake.settings.set("System", "DashLights", "65280");
-    open();
-    form->showPage(FrmOptions::monitorPage);
+    openMonitorPage();
     EXPECT_EQ(the<ColourSwatch>("swtxtDashLights")->colour(), QColor(0, 255, 0));
     EXPECT_EQ(the<ColourSwatch>("swtxtNeedleColor")->colour(), std::nullopt);
     QColor offered;
@@ -225,8 +227,7 @@ TEST_F(OptionsWindow, AChosenColourIsShownAndStoredWithApply) {
 }
 
 TEST_F(OptionsWindow, EachChooseButtonHasItsField) {
-    open();
-    form->showPage(FrmOptions::monitorPage);
+    openMonitorPage();
     int red = 0;
     form->chooseColourWith(
         [&](const QColor&, const QString&, QWidget*) { return std::optional(QColor(++red, 0, 0)); });
@@ -240,16 +241,14 @@ TEST_F(OptionsWindow, EachChooseButtonHasItsField) {
 
 TEST_F(OptionsWindow, ADeclinedColourDialogChangesNothing) {
     fake.settings.set("System", "NeedleColor", "255");
-    open();
-    form->showPage(FrmOptions::monitorPage);
+    openMonitorPage();
     form->chooseColourWith([](const QColor&, const QString&, QWidget*) { return std::nullopt; });
     press("cmdChoose");
     EXPECT_EQ(text("txtNeedleColor"), "255");
 }
 
 TEST_F(OptionsWindow, ASwatchFollowsATypedNumber) {
-    open();
-    form->showPage(FrmOptions::monitorPage);
+    openMonitorPage();
     enter("txtNeedleColor", "16711680");
     EXPECT_EQ(the<ColourSwatch>("swtxtNeedleColor")->colour(), QColor(0, 0, 255));
     enter("txtNeedleColor", "blue");
@@ -257,8 +256,7 @@ TEST_F(OptionsWindow, ASwatchFollowsATypedNumber) {
 }
 
 TEST_F(OptionsWindow, DayModeLeavesNothingToChoose) {
-    open();
-    form->showPage(FrmOptions::monitorPage);
+    openMonitorPage();
     EXPECT_FALSE(the<QLabel>("lblColorHint")->isVisible());
     tabTo("optMonitorMode(0)");
     sendKey(Qt::Key_Down);

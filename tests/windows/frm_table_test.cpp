@@ -33,19 +33,12 @@ class TableWindows : public RecordingWindows {
     int shownUnits = 0;
 };
 
-class Table : public testing::Test {
+class Table : public OrbASession {
  protected:
-    static constexpr int orbA = 3;
-    FakeSession fake;
-    MainCommands commands{fake.session};
     TableWindows windows;
     std::unique_ptr<FrmTable> form;
 
     Table() {
-        fake.session.makeUnits();
-        fake.session.CurrentUnit(orbA);
-        fake.session.header().programVersion = 9.44f;
-        unit().FW_Release(5);
         giveRisingAxes(unit());
         form = std::make_unique<FrmTable>(fake.session, commands);
         windows.table = form.get();
@@ -61,7 +54,6 @@ class Table : public testing::Test {
     }
     ~Table() override { fake.session.attach(fake.windows); }
 
-    Unit& unit() { return fake.session.currentUnitObject(); }
     TableGridView& grid() { return form->grid(); }
     QLineEdit& box() { return form->inputBox(); }
     std::string cell(int row, int column) { return form->model()->sheet().grid().text(row, column); }

@@ -8,25 +8,12 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QRadioButton>
-#include <cmath>
 
 #include "qt/look.h"
+#include "windows/outlined.h"
 
 namespace zentaq {
 namespace {
-
-double linear(double channel) {
-    return channel <= 0.03928 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
-}
-double luminance(const QColor& color) {
-    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
-}
-/// Contrast as the accessibility guidelines for the web define it: 1 to 21.
-double contrast(const QColor& one, const QColor& other) {
-    const double light = std::max(luminance(one), luminance(other));
-    const double dark = std::min(luminance(one), luminance(other));
-    return (light + 0.05) / (dark + 0.05);
-}
 
 class Outlines : public testing::TestWithParam<DisplayMode> {
  protected:

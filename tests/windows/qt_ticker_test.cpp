@@ -42,12 +42,20 @@ class TickerOnTheClock : public testing::Test {
         QTimer::singleShot(ms, Qt::PreciseTimer, &loop, &QEventLoop::quit);
         loop.exec();
     }
+    static void pause(int ms) { std::this_thread::sleep_for(std::chrono::milliseconds(ms)); }
     /// Runs until the ticks that are owed have been caught up with, and compares with the clock.
     void expectOneTickAMillisecond(std::int64_t startUs) {
         runLoop(60);
         const auto elapsedMs = static_cast<double>(clock.monotonicUs() - startUs) / 1000.0;
         EXPECT_NEAR(ticks, elapsedMs, 25);
     }
+};
+
+class TickerOnALine : public TickerOnTheClock {
+ protected:
+    const PtyPair line;
+
+    TickerOnALine() { announce(folder.path(), "A", line.path()); }
 };
 
 TEST_F(TickerOnTheClock, RunsAThousandTicksASecond) {
@@ -61,7 +69,7 @@ TEST_F(TickerOnTheClock, CatchesUpAfterTheWindowWasBusy) {
     const std::int64_t start = clock.monotonicUs();
     ticker.start();
     runLoop(50);
-    std::this_thread::sleep_for(std::chrono::milliseconds(150));  // A window that paints for long.
+    pause(150);  // A window that paints for long.
     expectOneTickAMillisecond(start);
 }
 
@@ -95,9 +103,7 @@ TEST_F(TickerOnTheClock, StoppedRunsNoTick) {
     EXPECT_EQ(ticks, 0);
 }
 
-TEST_F(TickerOnTheClock, AReplyThatCameDuringAPauseIsDeliveredBeforeTheOwedTicks) {
-    const PtyPair line;
-    announce(folder.path(), "A", line.path());
+TEST_F(TickerOnALine, AReplyThatCameDuringAPauseIsDeliveredBeforeTheOwedTicks) {
     port.open(1);
     port.setReceiveThreshold(2);
     int ticksAtDelivery = -1;
@@ -109,7 +115,7 @@ TEST_F(TickerOnTheClock, AReplyThatCameDuringAPauseIsDeliveredBeforeTheOwedTicks
     runLoop(20);
     const int before = ticks;
     line.send("AX");
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    pause(100);
     runLoop(60);
     ASSERT_GE(ticksAtDelivery, 0);
     EXPECT_LE(ticksAtDelivery - before, 3) << "ticks owed from the pause must not count against the reply";
@@ -135,7 +141,7 @@ class OtherEvent {
     QSocketNotifier notifier_{event_, QSocketNotifier::Read};
 };
 
-TEST_F(TickerOnTheClock, ANoticeOfBytesThatWereTakenAlreadyIsNoLossOfTheDevice) {
+TEST_F(TickerOnALine, ANoticeOfBytesThatWereTakenAlreadyIsNoLossOfTheDevice) {
     struct Losses : LineWatch {
         void lost(const PortInfo&, std::int64_t) override { ++count; }
         int count = 0;
@@ -146,8 +152,6 @@ TEST_F(TickerOnTheClock, ANoticeOfBytesThatWereTakenAlreadyIsNoLossOfTheDevice) 
         ++deliveries;
         port.read();
     });
-    const PtyPair line;
-    announce(folder.path(), "A", line.path());
     ticker.start();
     // The order in which one round of the event loop serves them is its own: some stand in front of the port.
     const OtherEvent before(port);
@@ -164,9 +168,7 @@ TEST_F(TickerOnTheClock, ANoticeOfBytesThatWereTakenAlreadyIsNoLossOfTheDevice) 
     port.unwatch(losses);
 }
 
-TEST_F(TickerOnTheClock, WakesForTheLastBytesOfAReplyAndForNoOtherOnes) {
-    const PtyPair line;
-    announce(folder.path(), "A", line.path());
+TEST_F(TickerOnALine, WakesForTheLastBytesOfAReplyAndForNoOtherOnes) {
     ticker.start();
     port.open(1);
     port.setReceiveThreshold(100);
@@ -189,9 +191,7 @@ TEST_F(TickerOnTheClock, WakesForTheLastBytesOfAReplyAndForNoOtherOnes) {
     EXPECT_TRUE(ticker.findChildren<QSocketNotifier*>().isEmpty());
 }
 
-TEST_F(TickerOnTheClock, TicksOwedFromAPauseDoNotCountAgainstACommandThatIsWrittenBehindIt) {
-    const PtyPair line;
-    announce(folder.path(), "A", line.path());
+TEST_F(TickerOnALine, TicksOwedFromAPauseDoNotCountAgainstACommandThatIsWrittenBehindIt) {
     port.open(1);
     bool paused = false;
     std::int64_t writtenUs = 0;
@@ -208,7 +208,7 @@ TEST_F(TickerOnTheClock, TicksOwedFromAPauseDoNotCountAgainstACommandThatIsWritt
     });
     ticker.start();
     runLoop(20);
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    pause(200);
     paused = true;
     runLoop(60);
     ASSERT_NE(writtenUs, 0);
@@ -216,9 +216,7 @@ TEST_F(TickerOnTheClock, TicksOwedFromAPauseDoNotCountAgainstACommandThatIsWritt
     EXPECT_LE(ahead, 4);
 }
 
-TEST_F(TickerOnTheClock, TicksOwedFromAPauseDoNotShortenTheGapBehindTheReplyThatItBrought) {
-    const PtyPair line;
-    announce(folder.path(), "A", line.path());
+TEST_F(TickerOnALine, TicksOwedFromAPauseDoNotShortenTheGapBehindTheReplyThatItBrought) {
     port.open(1);
     port.setReceiveThreshold(2);
     std::int64_t deliveredUs = 0;
@@ -234,7 +232,7 @@ TEST_F(TickerOnTheClock, TicksOwedFromAPauseDoNotShortenTheGapBehindTheReplyThat
     ticker.start();
     runLoop(20);
     line.send("AX");
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    pause(200);
     runLoop(100);
     ASSERT_NE(tenthUs, 0);
     // Two of the ten may run early.
@@ -259,7 +257,7 @@ TEST_F(TickerOnTheClock, LinesOfAFirmwareNeverFollowAnAnswerBeforeTenMillisecond
     int paint = 0;
     QObject::connect(&window, &QTimer::timeout, [&] {
         const int ms = ++paint % 8 == 0 ? 50 : 1 + paint % 6;
-        std::this_thread::sleep_for(std::chrono::milliseconds(ms));
+        pause(ms);
     });
     window.start(11);
     std::string text;
@@ -296,9 +294,7 @@ class Flood {
     std::thread writer_;
 };
 
-TEST_F(TickerOnTheClock, AUnitThatFloodsLeavesTheWindowAndTheTicksAlive) {
-    const PtyPair line;
-    announce(folder.path(), "A", line.path());
+TEST_F(TickerOnALine, AUnitThatFloodsLeavesTheWindowAndTheTicksAlive) {
     port.open(1);
     port.setReceiveThreshold(2);
     port.onEvent([&](CommEvent) { port.read(); });

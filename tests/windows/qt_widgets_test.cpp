@@ -8,7 +8,6 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTimer>
-#include <cmath>
 #include <deque>
 
 #include "app/fake_platform.h"
@@ -17,24 +16,11 @@
 #include "qt/line_model.h"
 #include "qt/look.h"
 #include "qt/qt_dialogs.h"
-#include "qt/qt_settings.h"
 #include "qt/value_label.h"
+#include "windows/outlined.h"
 
 namespace zentaq {
 namespace {
-
-/// Contrast of two colours as accessibility guidelines count it, 1 to 21.
-double contrast(const QColor& left, const QColor& right) {
-    const auto luminance = [](const QColor& color) {
-        const auto part = [](double value) {
-            return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-        };
-        return 0.2126 * part(color.redF()) + 0.7152 * part(color.greenF()) + 0.0722 * part(color.blueF());
-    };
-    const double a = luminance(left) + 0.05;
-    const double b = luminance(right) + 0.05;
-    return std::max(a, b) / std::min(a, b);
-}
 
 TEST(Look, TextIsReadableByDayAndByNight) {
     for (const DisplayMode mode : {DisplayMode::Day, DisplayMode::Night}) {
@@ -122,22 +108,6 @@ TEST(LineModel, StartsAnewWhenTheListWasCleared) {
     EXPECT_FALSE(model.data(model.index(50), Qt::DisplayRole).isValid());
     EXPECT_TRUE(model.sync());
     EXPECT_EQ(model.rowCount(), 1);
-}
-
-TEST(QtSettings, KeepsTextsOverARestartAndTellsAMissingKeyByItsDefault) {
-    const TemporaryFolder folder;
-    {
-        QtSettings settings(folder.path("settings.ini"));
-        settings.set("System", "CommPort", "7");
-        settings.set("System", "Empty", "");
-        settings.set("Datalog", "Datalog1", "a, b; c=d");
-    }
-    const QtSettings settings(folder.path("settings.ini"));
-    EXPECT_EQ(settings.get("System", "CommPort", "1"), "7");
-    EXPECT_EQ(settings.get("System", "Empty", "x"), "");
-    EXPECT_EQ(settings.get("Datalog", "Datalog1"), "a, b; c=d");
-    EXPECT_EQ(settings.get("System", "AutoLog"), "");
-    EXPECT_EQ(settings.get("System", "Other", "1"), "1");
 }
 
 TEST(FileFilters, BecomeNameFilters) {

@@ -27,7 +27,12 @@ std::vector<QString> texts() {
         QStringLiteral(""),
         QStringLiteral(" "),
         QStringLiteral("\tblanks\t "),
+        QStringLiteral("  both ends  "),
         QStringLiteral("7"),
+        QStringLiteral("1E5"),
+        QStringLiteral("true"),
+        QStringLiteral("@bytes"),
+        QStringLiteral("100 %"),
         QStringLiteral("-1.5e-3"),
         QStringLiteral("00012"),
         QStringLiteral("a,b"),
@@ -99,7 +104,7 @@ TEST_F(SettingsFormat, WhatTheToolkitsStoreWroteStaysWhenAnotherKeyIsSet) {
     EXPECT_EQ(store.status(), QSettings::NoError);
 }
 
-TEST_F(SettingsFormat, TheToolkitsStoreReadsWhatIsWritten) {
+TEST_F(SettingsFormat, TheToolkitsStoreAndTheProgramReadWhatIsWritten) {
     const auto wanted = texts();
     {
         QtSettings settings(path);
@@ -109,9 +114,12 @@ TEST_F(SettingsFormat, TheToolkitsStoreReadsWhatIsWritten) {
         settings.set("General", "on", "1");
     }
     const QSettings store = toolkits();
+    const QtSettings again(path);
     EXPECT_EQ(store.status(), QSettings::NoError);
-    for (std::size_t i = 0; i < wanted.size(); ++i)
+    for (std::size_t i = 0; i < wanted.size(); ++i) {
         EXPECT_EQ(store.value(QStringLiteral("System/Odd%1").arg(i)).toString(), wanted[i]) << i;
+        EXPECT_EQ(again.get("System", "Odd" + std::to_string(i), "none"), wanted[i].toStdString()) << i;
+    }
     EXPECT_EQ(store.value(QStringLiteral("Forms/a \u03BB\U0001F697/b%")).toString(), QStringLiteral("7"));
     EXPECT_EQ(store.value(QStringLiteral("General/on")).toString(), QStringLiteral("1"));
 }

@@ -50,10 +50,6 @@ class TableWindowsTest : public WindowTest {
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         QCoreApplication::processEvents();
     }
-    static void activate(QWidget& window) {
-        window.activateWindow();
-        for (int i = 0; i < 50 && !window.isActiveWindow(); ++i) QApplication::processEvents();
-    }
 };
 
 }  // namespace zentaq

@@ -48,6 +48,22 @@ class ProgramWindows : public WindowManager {
     void killTimers() { tell(&WindowNews::killTimers); }
 };
 
+/// An ORB A calibration in hand, for a window by itself.
+class OrbASession : public testing::Test {
+ protected:
+    static constexpr int orbA = 3;
+    FakeSession fake;
+    MainCommands commands{fake.session};
+
+    OrbASession() {
+        fake.session.makeUnits();
+        fake.session.CurrentUnit(orbA);
+        fake.session.header().programVersion = 9.44f;
+        unit().FW_Release(5);
+    }
+    Unit& unit() { return fake.session.currentUnitObject(); }
+};
+
 class WindowTest : public testing::Test {
  protected:
     FakeSession fake;
@@ -78,6 +94,11 @@ class WindowTest : public testing::Test {
             file.write(reinterpret_cast<const char*>(&word), sizeof word);
         }
         return fake.folder.path("tune.ZQ4OA");
+    }
+    static void activate(QWidget& window) {
+        window.activateWindow();
+        for (int i = 0; i < 50 && !window.isActiveWindow(); ++i) QApplication::processEvents();
+        QApplication::processEvents();
     }
     void openCalibration() {
         fake.dialogs.files.push_back(calibrationFile());

@@ -20,9 +20,7 @@ class Forms : public WindowTest {
         QCoreApplication::processEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
-    void openDatabase() {
-        fake.session.database = Database::open(builtReference());
-    }
+    void openDatabase() { fake.session.database = Database::open(builtReference()); }
 };
 
 TEST_F(Forms, NewOpensTheFormAndClosingItLeavesTheNewStateBehind) {

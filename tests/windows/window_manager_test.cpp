@@ -9,21 +9,14 @@
 #include <QProgressBar>
 #include <QTimer>
 
+#include "app/while_box_stands.h"
 #include "qt/qt_dialogs.h"
 #include "windows/window_fixture.h"
 
 namespace zentaq {
 namespace {
 
-class Manager : public WindowTest {
- protected:
-    bool logged(const std::string& text) const {
-        for (const std::string& line : fake.session.console.lines()) {
-            if (line.find(text) != std::string::npos) return true;
-        }
-        return false;
-    }
-};
+using Manager = WindowTest;
 
 TEST_F(Manager, RemovingTheFormsEndsTheTableAtOnceSoThatItsLogLineStandsBeforeTheCommandsOwn) {
     openCalibration();
@@ -31,7 +24,7 @@ TEST_F(Manager, RemovingTheFormsEndsTheTableAtOnceSoThatItsLogLineStandsBeforeTh
     ASSERT_NE(windows.table(), nullptr);
     windows.removeForms();
     EXPECT_EQ(windows.table(), nullptr);
-    EXPECT_TRUE(logged("TABLE App. Terminated."));
+    EXPECT_TRUE(hasLine(fake.session.console, "TABLE App. Terminated."));
 }
 
 TEST_F(Manager, WhatTheLinkTellsComesInItsOrderOneBoxAfterTheOther) {

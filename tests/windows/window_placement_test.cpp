@@ -53,36 +53,35 @@ class WindowPlacement : public testing::Test {
     MemorySettings settings;
 
     static QRect screen() { return QApplication::primaryScreen()->availableGeometry(); }
-    static void nameIt(QWidget& window) { window.setObjectName(QStringLiteral("frmTABLE")); }
+    struct Named : QWidget {
+        explicit Named(const QRect& place = {}, QWidget* parent = nullptr) : QWidget(parent) {
+            setObjectName(QStringLiteral("frmTABLE"));
+            if (place.isValid()) setGeometry(place);
+        }
+    };
     void keep(const std::string& place) { settings.set("Forms", "frmTABLE", place); }
     QRect restored(bool expected = true) const {
-        QWidget window;
-        nameIt(window);
+        Named window;
         EXPECT_EQ(restorePlacement(window, settings), expected);
         return window.geometry();
     }
 };
 
 TEST_F(WindowPlacement, AWindowComesBackWhereItStood) {
-    QWidget window;
-    nameIt(window);
-    window.setGeometry(60, 70, 300, 200);
+    Named window(QRect(60, 70, 300, 200));
     window.show();
     storePlacement(window, settings);
     EXPECT_EQ(restored(), QRect(60, 70, 300, 200));
 }
 
 TEST_F(WindowPlacement, AMaximisedWindowComesBackMaximisedOverItsFormerPlace) {
-    QWidget window;
-    nameIt(window);
-    window.setGeometry(60, 70, 300, 200);
+    Named window(QRect(60, 70, 300, 200));
     window.show();
     window.showMaximized();
     QApplication::processEvents();
     storePlacement(window, settings);
     EXPECT_EQ(settings.get("Forms", "frmTABLE"), "60 70 300 200 1");
-    QWidget again;
-    nameIt(again);
+    Named again;
     ASSERT_TRUE(restorePlacement(again, settings));
     EXPECT_TRUE(again.isMaximized());
     again.show();
@@ -92,15 +91,12 @@ TEST_F(WindowPlacement, AMaximisedWindowComesBackMaximisedOverItsFormerPlace) {
 }
 
 TEST_F(WindowPlacement, AMinimisedWindowComesBackInItsPlace) {
-    QWidget window;
-    nameIt(window);
-    window.setGeometry(60, 70, 300, 200);
+    Named window(QRect(60, 70, 300, 200));
     window.show();
     window.showMinimized();
     QApplication::processEvents();
     storePlacement(window, settings);
-    QWidget again;
-    nameIt(again);
+    Named again;
     ASSERT_TRUE(restorePlacement(again, settings));
     EXPECT_FALSE(again.isMinimized());
     EXPECT_EQ(again.geometry(), QRect(60, 70, 300, 200));
@@ -128,9 +124,7 @@ TEST_F(WindowPlacement, AWindowLargerThanTheScreenIsShrunk) {
 }
 
 TEST_F(WindowPlacement, NothingStoredChangesNothing) {
-    QWidget window;
-    nameIt(window);
-    window.setGeometry(10, 20, 300, 200);
+    Named window(QRect(10, 20, 300, 200));
     EXPECT_FALSE(restorePlacement(window, settings));
     EXPECT_EQ(window.geometry(), QRect(10, 20, 300, 200));
 }
@@ -140,9 +134,7 @@ TEST_F(WindowPlacement, AnUnreadableTextChangesNothing) {
          {"", "maximised", "1 2 3", "1 2 3 4 5 6", "a b c d e", "10 20 0 0 0", "10 20 -300 200 0",
           "10 20 300 200000000 0", "1.5 2 300 200 0", "99999999999 0 300 200 0"}) {
         keep(text);
-        QWidget window;
-        nameIt(window);
-        window.setGeometry(10, 20, 300, 200);
+        Named window(QRect(10, 20, 300, 200));
         EXPECT_FALSE(restorePlacement(window, settings)) << text;
         EXPECT_EQ(window.geometry(), QRect(10, 20, 300, 200)) << text;
     }
@@ -150,8 +142,7 @@ TEST_F(WindowPlacement, AnUnreadableTextChangesNothing) {
 
 TEST_F(WindowPlacement, AFormInsideAnotherWindowStoresNothing) {
     QWidget outer;
-    QWidget inner(&outer);
-    nameIt(inner);
+    Named inner({}, &outer);
     storePlacement(inner, settings);
     EXPECT_EQ(settings.get("Forms", "frmTABLE", "none"), "none");
 }
@@ -162,8 +153,7 @@ TEST_F(WindowPlacement, AStoreThatCannotBeWrittenIsPassedOver) {
             throw FileError("no space");
         }
     } closed;
-    QWidget window;
-    nameIt(window);
+    Named window;
     EXPECT_NO_THROW(storePlacement(window, closed));
 }
 
