@@ -1,5 +1,6 @@
 #include "windows/window_manager.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QAbstractScrollArea>
@@ -9,7 +10,6 @@
 #include <QProgressBar>
 #include <QTimer>
 
-#include "app/while_box_stands.h"
 #include "qt/qt_dialogs.h"
 #include "windows/window_fixture.h"
 
@@ -24,7 +24,8 @@ TEST_F(Manager, RemovingTheFormsEndsTheTableAtOnceSoThatItsLogLineStandsBeforeTh
     ASSERT_NE(windows.table(), nullptr);
     windows.removeForms();
     EXPECT_EQ(windows.table(), nullptr);
-    EXPECT_TRUE(hasLine(fake.session.console, "TABLE App. Terminated."));
+    EXPECT_THAT(fake.session.console.lines(),
+                testing::Contains(testing::HasSubstr("TABLE App. Terminated.")));
 }
 
 TEST_F(Manager, WhatTheLinkTellsComesInItsOrderOneBoxAfterTheOther) {
