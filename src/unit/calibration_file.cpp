@@ -45,9 +45,9 @@ ReadContent parsed(std::string_view bytes, const std::string& path) {
     if (floats - headerFloats > Unit::cellCount) {
         throw BoundsError("Subscript out of range: " + path + " holds more values than a calibration");
     }
-    ReadContent content{floatAt(bytes, 0), floatAt(bytes, 1), floatAt(bytes, 2), {}};
-    content.cells.reserve(floats - headerFloats);
-    for (std::size_t i = headerFloats; i < floats; ++i) content.cells.push_back(floatAt(bytes, i));
+    ReadContent content{floatAt(bytes, 0), floatAt(bytes, 1), floatAt(bytes, 2),
+                        std::vector<float>(floats - headerFloats)};
+    for (std::size_t i = headerFloats; i < floats; ++i) content.cells[i - headerFloats] = floatAt(bytes, i);
     return content;
 }
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <iterator>
 #include <utility>
 
 #include "base/errors.h"
@@ -83,7 +85,7 @@ float OldFile::code(int cell, float highest) const {
 
 void OldFile::fillDefaults() {
     fillCurve();
-    for (const old::Default& item : old::defaults()) {
+    for (const old::Default& item : old::defaults) {
         for (int cell = item.first; cell < item.first + item.count; ++cell) {
             if (at(cell) == 0) put(cell, item.value);
         }
@@ -97,8 +99,8 @@ void OldFile::fillCurve() {
     for (int i = 0; i < old::curvePoints; ++i) hasVolts = hasVolts || at(old::voltsFirst + i) != 0;
     for (int i = 0; i < old::curvePoints; ++i) {
         const auto point = static_cast<std::size_t>(i);
-        if (!hasVolts) put(old::voltsFirst + i, old::curveVolts()[point]);
-        if (at(old::ratiosFirst + i) == 0) put(old::ratiosFirst + i, old::curveRatios()[point]);
+        if (!hasVolts) put(old::voltsFirst + i, old::curveVolts[point]);
+        if (at(old::ratiosFirst + i) == 0) put(old::ratiosFirst + i, old::curveRatios[point]);
     }
 }
 
@@ -109,7 +111,7 @@ void OldFile::fillBlocks() {
         return at(cell) == 0 && at(old::blockCell(block, 0)) == 0;
     };
     if (isFree(coolantParameter)) put(coolantParameter, at(old::coolantCell));
-    for (const old::Default& item : old::blockDefaults()) {
+    for (const old::Default& item : old::blockDefaults) {
         if (isFree(item.first)) put(item.first, item.value);
     }
 }
@@ -128,7 +130,7 @@ void OldFile::scale(int first, int count, double factor) {
 }
 
 void OldFile::clearRubbish() {
-    for (const old::Cleared& run : old::cleared()) {
+    for (const old::Cleared& run : old::cleared) {
         for (int cell = run.first; cell < run.first + run.count; ++cell) {
             const float value = at(cell);
             const bool legal =
@@ -175,7 +177,7 @@ class OldFileMove {
 };
 
 int OldFileMove::newFunction(int pin, float oldCode) {
-    for (const old::Function& function : old::functions()) {
+    for (const old::Function& function : old::functions) {
         if (oldCode == static_cast<float>(function.oldCode)) return function.newCode;
     }
     if (oldCode != old::noFunction) {
@@ -192,7 +194,7 @@ void OldFileMove::block(int pin) {
     unit_.AssignDirectIndex(static_cast<float>(function), first);
     for (int word = 1; word < old::blockCells; ++word) {
         double value = file_.at(old::blockCell(pin, word));
-        for (const old::OldTiming& timing : old::oldTimings()) {
+        for (const old::OldTiming& timing : old::oldTimings) {
             if (timing.newCode == function && timing.parameter == word - 1) value /= timing.divisor;
         }
         unit_.AssignDirectIndex(static_cast<float>(value), first + word);
@@ -213,13 +215,12 @@ void OldFileMove::blocks() {
 }
 
 void OldFileMove::optionBits() {
-    constexpr float byte = 255;
-    for (const old::OptionBit& option : old::optionBits()) {
-        const int flags = static_cast<int>(file_.code(option.byte, byte));
-        const bool on = (flags & (1 << option.bit)) != 0;
-        if (option.byte == 0) unit_.Set_Control(option.bit, on);
-        if (option.byte == 1) unit_.Set_Control2(option.bit, on);
-        if (option.byte == 2) unit_.Set_Control3(option.bit, on);
+    constexpr float largest = 255;
+    for (int byte = 0; byte < std::ssize(old::optionBits); ++byte) {
+        const int options = old::optionBits[static_cast<std::size_t>(byte)];
+        const int others = unit_.controlByte(byte) & ~options;
+        const int flags = static_cast<int>(file_.code(byte, largest)) & options;
+        unit_.controlByte(byte, static_cast<std::uint8_t>(others | flags));
     }
 }
 
@@ -267,7 +268,7 @@ void OldFileMove::scalars() {
         for (int i = 0; i < run.count; ++i) unit_.AssignDirectIndex(file_.at(run.first + i), run.cell + i);
     }
     unit_.store("RPM_Size", static_cast<float>(file_.columns()));
-    for (const std::string_view member : old::membersWithBits()) {
+    for (const std::string_view member : old::membersWithBits) {
         const old::Place place = old::placeOf(unit_.kind(), member);
         if (place.row == nullptr) continue;
         constexpr float byte = 255;

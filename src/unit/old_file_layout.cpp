@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 
 #include "unit/member_index.h"
+#include "unit/table_kinds.h"
 
 namespace zentaq::old {
 
@@ -40,16 +42,10 @@ constexpr int strideOf(const Parameter& row) {
     return row.index >= endOfScalars ? 1 : row.stride;
 }
 
-constexpr std::array<std::string_view, 4> tableMembers = {"ADV", "VE", "SPW", "Get_AFR"};
-
-bool isIn(std::span<const std::string_view> names, std::string_view name) {
-    return std::ranges::find(names, name) != names.end();
-}
-
 bool hasPlace(const Parameter& row) {
     // Rows of option bits carry the number of their control byte in the place of a cell.
-    return row.hasCell() && row.index > lastControlByte && !isIn(withoutPlace, row.name) &&
-           !isIn(tableMembers, row.name);
+    return row.hasCell() && row.index > lastControlByte &&
+           std::ranges::find(withoutPlace, row.name) == withoutPlace.end() && row.count != tableCells;
 }
 
 struct NamedTable {
@@ -57,70 +53,9 @@ struct NamedTable {
     int first;
 };
 constexpr std::array<NamedTable, 6> wholeTables = {
-    {{"VE", 640}, {"SPW", 896}, {"Get_AFR", ratioTableFirst}, {"GPO1", 1408}, {"GPO2", 1664}, {"ADV", 1920}}};
+    {{"VE", 640}, {"SPW", 896}, {"AFR", ratioTableFirst}, {"GPO1", 1408}, {"GPO2", 1664}, {"ADV", 1920}}};
 /// A unit without a fuel side has a shorter file.
 constexpr std::array<NamedTable, 2> ignitionTables = {{{"GPO1", percentFirst}, {"ADV", 896}}};
-
-/// Today's first cell of a table, CellMap::none when the kind lacks it.
-int cellOfTable(const UnitKind& kind, std::string_view name) {
-    if (name == "GPO1") return kind.cells.outputTable[0];
-    if (name == "GPO2") return kind.cells.outputTable[1];
-    const Parameter* row = kind.members->find(name);
-    return row == nullptr ? CellMap::none : row->index;
-}
-
-// The list of functions grew in its middle: 11 (idle output) and 20 (timed advance) came later.
-constexpr std::array<Function, 21> functionTable = {
-    {{0, 0},   {1, 1},   {2, 2},   {3, 3},   {4, 4},   {5, 5},   {6, 6},
-     {7, 7},   {8, 8},   {9, 9},   {10, 10}, {11, 12}, {12, 13}, {13, 14},
-     {14, 15}, {15, 16}, {16, 17}, {17, 18}, {18, 19}, {19, 21}, {20, 22}}};
-
-constexpr double oldSpeed = 2.54;
-constexpr double oldTime = 4.23333;
-constexpr std::array<OldTiming, 4> timingTable = {{{7, 0, oldSpeed},    // converter locks above
-                                                   {7, 1, oldSpeed},    // converter opens below
-                                                   {14, 0, oldSpeed},   // valet speed limit
-                                                   {15, 1, oldTime}}};  // log samples
-
-constexpr std::array<Default, 6> defaultTable = {{{77, 1, 0},
-                                                  {78, 1, 5.0F},
-                                                  {147, 1, 1.0F},
-                                                  {ratioTableFirst, tableCells, 14.64F},
-                                                  {622, 1, 12.0F},
-                                                  {coolantCell, 1, 80}}};
-constexpr std::array<Default, 4> blockDefaultTable = {
-    {{410, 1, 3500}, {411, 1, noFunction}, {415, 1, 0}, {416, 1, 0}}};
-constexpr std::array<float, curvePoints> defaultVolts = {0, 0.45F, 0.65F, 1.6F, 2.5F,
-                                                         4, 4.2F,  4.62F, 4.8F, 5.0F};
-constexpr std::array<float, curvePoints> defaultRatios = {22.4F, 15.89F, 14.9F, 14.72F, 14.64F,
-                                                          14.3F, 13.8F,  12.6F, 11.2F,  10.0F};
-
-constexpr float largestTrim = 15;
-constexpr float mostCylinders = 16;
-constexpr std::array<Cleared, 5> clearedTable = {{{.first = 417, .count = 13},
-                                                  {.first = 430, .count = 90},
-                                                  {624, 8, -largestTrim, largestTrim, false},
-                                                  {632, 8, -largestTrim, largestTrim, false},
-                                                  {520, 13, 0, mostCylinders, true}}};
-
-constexpr std::array<OptionBit, 16> optionTable = {{{0, 0},
-                                                    {0, 2},
-                                                    {0, 3},
-                                                    {0, 4},
-                                                    {0, 5},
-                                                    {0, 6},
-                                                    {0, 7},
-                                                    {1, 1},
-                                                    {1, 2},
-                                                    {1, 3},
-                                                    {1, 4},
-                                                    {1, 5},
-                                                    {1, 6},
-                                                    {2, 0},
-                                                    {2, 1},
-                                                    {2, 2}}};
-constexpr std::array<std::string_view, 5> bitMembers = {"DCCL_CutActive", "EGO_Type", "AMP42", "Engine_Type",
-                                                        "PHDSEQ"};
 
 }  // namespace
 
@@ -155,38 +90,12 @@ std::vector<Table> tables(const UnitKind& kind) {
                                                             : std::span<const NamedTable>(ignitionTables);
     std::vector<Table> all;
     for (const auto& [name, first] : named) {
-        const int cell = cellOfTable(kind, name);
-        if (cell != CellMap::none) all.push_back({first, cell});
+        const TableKind& table = *findTable(name);
+        if (!hasTable(kind, table)) continue;
+        all.push_back(
+            {first, table.isGpo() ? table.firstCell(kind) : kind.members->find(table.member)->index});
     }
     return all;
-}
-
-std::span<const Function> functions() {
-    return functionTable;
-}
-std::span<const OldTiming> oldTimings() {
-    return timingTable;
-}
-std::span<const Default> defaults() {
-    return defaultTable;
-}
-std::span<const Default> blockDefaults() {
-    return blockDefaultTable;
-}
-std::span<const float, curvePoints> curveVolts() {
-    return defaultVolts;
-}
-std::span<const float, curvePoints> curveRatios() {
-    return defaultRatios;
-}
-std::span<const Cleared> cleared() {
-    return clearedTable;
-}
-std::span<const OptionBit> optionBits() {
-    return optionTable;
-}
-std::span<const std::string_view> membersWithBits() {
-    return bitMembers;
 }
 
 }  // namespace zentaq::old

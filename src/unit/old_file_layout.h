@@ -2,9 +2,8 @@
 // docs/legacy-files.md shows the same as one table and gives the reasons.
 #pragma once
 
-#include <cstdint>
+#include <array>
 #include <limits>
-#include <span>
 #include <string_view>
 #include <vector>
 
@@ -71,8 +70,12 @@ struct Function {
     int oldCode = 0;
     int newCode = 0;
 };
-/// Codes that are not in it never were functions.
-std::span<const Function> functions();
+/// Codes that are not in it never were functions. The list grew in its middle: 11 (idle output) and 20 (timed
+/// advance) came later.
+inline constexpr std::array<Function, 21> functions = {
+    {{0, 0},   {1, 1},   {2, 2},   {3, 3},   {4, 4},   {5, 5},   {6, 6},
+     {7, 7},   {8, 8},   {9, 9},   {10, 10}, {11, 12}, {12, 13}, {13, 14},
+     {14, 15}, {15, 16}, {16, 17}, {17, 18}, {18, 19}, {19, 21}, {20, 22}}};
 
 /// A parameter that the old format kept in other steps.
 struct OldTiming {
@@ -80,7 +83,12 @@ struct OldTiming {
     int parameter = 0;  ///< from 0
     double divisor = 1;
 };
-std::span<const OldTiming> oldTimings();
+inline constexpr double oldSpeed = 2.54;
+inline constexpr double oldTime = 4.23333;
+inline constexpr std::array<OldTiming, 4> oldTimings = {{{7, 0, oldSpeed},    // converter locks above
+                                                         {7, 1, oldSpeed},    // converter opens below
+                                                         {14, 0, oldSpeed},   // valet speed limit
+                                                         {15, 1, oldTime}}};  // log samples
 
 // ---- What the file never had, and what it holds in other measures
 /// A cell that is 0 takes a value.
@@ -89,14 +97,22 @@ struct Default {
     int count = 1;
     float value = 0;
 };
-std::span<const Default> defaults();
+inline constexpr std::array<Default, 6> defaults = {{{77, 1, 0},
+                                                     {78, 1, 5.0F},
+                                                     {147, 1, 1.0F},
+                                                     {ratioTableFirst, tableCells, 14.64F},
+                                                     {622, 1, 12.0F},
+                                                     {coolantCell, 1, 80}}};
 /// The curve of the oxygen sensor for files without one.
-std::span<const float, curvePoints> curveVolts();
-std::span<const float, curvePoints> curveRatios();
-/// Defaults of cells of input/output blocks, for blocks without a function.
-std::span<const Default> blockDefaults();
+inline constexpr std::array<float, curvePoints> curveVolts = {0, 0.45F, 0.65F, 1.6F, 2.5F,
+                                                              4, 4.2F,  4.62F, 4.8F, 5.0F};
+inline constexpr std::array<float, curvePoints> curveRatios = {22.4F, 15.89F, 14.9F, 14.72F, 14.64F,
+                                                               14.3F, 13.8F,  12.6F, 11.2F,  10.0F};
 /// The code that a block without a function gets from `blockDefaults`; no function has it.
 inline constexpr float noFunction = 1500;
+/// Defaults of cells of input/output blocks, for blocks without a function.
+inline constexpr std::array<Default, 4> blockDefaults = {
+    {{410, 1, 3500}, {411, 1, noFunction}, {415, 1, 0}, {416, 1, 0}}};
 
 inline constexpr int percentFirst = 640;  ///< a table kept as shares of 1
 inline constexpr int pressureFirst = 61;  ///< the pressure axis, kept for a rating of 1
@@ -110,7 +126,13 @@ struct Cleared {
     float highest = -std::numeric_limits<float>::infinity();
     bool wholeOnly = false;
 };
-std::span<const Cleared> cleared();
+inline constexpr float largestTrim = 15;
+inline constexpr float mostCylinders = 16;
+inline constexpr std::array<Cleared, 5> cleared = {{{.first = 417, .count = 13},
+                                                    {.first = 430, .count = 90},
+                                                    {624, 8, -largestTrim, largestTrim, false},
+                                                    {632, 8, -largestTrim, largestTrim, false},
+                                                    {520, 13, 0, mostCylinders, true}}};
 
 /// Cells that hold "true" for a function in use, and become its number.
 inline constexpr int functionFlagsFirst = 534;
@@ -118,14 +140,11 @@ inline constexpr int functionFlagsCount = 11;
 inline constexpr float flagSet = -1;  ///< "true" as the older programs wrote it
 
 // ---- Option bits
-/// A bit of the control byte in old cell `byte` that is an option of its own. The other bits follow from
-/// members.
-struct OptionBit {
-    int byte = 0;
-    int bit = 0;
-};
-std::span<const OptionBit> optionBits();
+/// Bits of the three control bytes, which stand in old cells 0 to 2, that are options of their own. The other
+/// bits follow from members.
+inline constexpr std::array<int, 3> optionBits = {0b1111'1101, 0b0111'1110, 0b0000'0111};
 /// Members whose writers keep a bit of the control bytes in step.
-std::span<const std::string_view> membersWithBits();
+inline constexpr std::array<std::string_view, 5> membersWithBits = {"DCCL_CutActive", "EGO_Type", "AMP42",
+                                                                    "Engine_Type", "PHDSEQ"};
 
 }  // namespace zentaq::old
