@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <optional>
 #include <ostream>
@@ -19,9 +18,10 @@
 #include <vector>
 
 #include "base/errors.h"
-#include "config/quiet_host.h"
+#include "base/text.h"
 #include "temporary_folder.h"
 #include "unit/file_kind.h"
+#include "unit/recording_host.h"
 #include "unit/unit.h"
 #include "unit/unit_kind.h"
 
@@ -60,70 +60,27 @@ std::string testName(const KindCase& kindCase) {
     return name == "PZK-2" ? "Pzk2" : "Orb" + name;
 }
 
-/// Reference data in which nothing is found.
-class EmptyReferenceHost : public QuietHost {
- public:
-    std::optional<EngineFacts> engine(int, int) override { return std::nullopt; }
-    std::optional<SensorFacts> mapSensor(int) override { return std::nullopt; }
-};
-
 /// The known sensors of the second encoder's random_calibrations.SENSORS.
-class SensorListHost : public EmptyReferenceHost {
- public:
-    std::optional<SensorFacts> mapSensor(int id) override {
-        switch (id) {
-            case 1:
-                return SensorFacts{0.05295f, -0.54738f, 1};
-            case 2:
-                return SensorFacts{0.16931f, 0.21384f, 2};
-            case 3:
-                return SensorFacts{0.11427f, 1.68125f, 3};
-            case 4:
-                return SensorFacts{0.00158f, 0.05f, 4};
-            default:
-                return std::nullopt;
-        }
-    }
-};
+const std::map<int, SensorFacts> sensors = {{1, {0.05295f, -0.54738f, 1}},
+                                            {2, {0.16931f, 0.21384f, 2}},
+                                            {3, {0.11427f, 1.68125f, 3}},
+                                            {4, {0.00158f, 0.05f, 4}}};
 
-/// Programs into a folder of the test's own.
-class FolderHost : public EmptyReferenceHost {
- public:
-    explicit FolderHost(fs::path folder) : folder_(std::move(folder)) {}
-    std::string applicationFolder() const override { return folder_.string(); }
-
- private:
-    fs::path folder_;
-};
-
-/// What `makeText` answers; nothing where it fails as the program fails on purpose.
-template <typename MakeText>
-std::optional<std::string> textUnlessRefused(MakeText&& makeText) {
+/// The S-record text of a file that the first number in it brings to its kind; nothing where it fails as the
+/// program fails on purpose.
+std::optional<std::string> sRecordTextOf(const fs::path& file, const UnitKind& kind,
+                                         const std::map<int, SensorFacts>& known = {}) {
     try {
-        return makeText();
-    } catch (const Failure&) {
-        return std::nullopt;
-    }
-}
-
-/// The S-record text of a file that the first number in it brings to its kind, by the reference data of a
-/// host.
-template <typename Host>
-std::optional<std::string> sRecordTextWith(const fs::path& file, const UnitKind& kind) {
-    return textUnlessRefused([&] {
         EXPECT_EQ(unitKindOfSlot(kindOfCalibrationFile(file.string()).slot), &kind) << file;
-        Host host;
+        testing::RecordingHost host;
+        host.sensors = known;
         Unit unit(kind, host);
         unit.FileOpen(file.string());
         unit.ConvertData();
         return unit.sRecordText();
-    });
-}
-
-std::string contentOf(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    EXPECT_TRUE(file.is_open()) << path;
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    } catch (const Failure&) {
+        return std::nullopt;
+    }
 }
 
 std::string quoted(const fs::path& path) {
@@ -139,7 +96,7 @@ struct Outcome {
 Outcome run(const std::string& command, const fs::path& scratch) {
     const fs::path log = scratch / "output.txt";
     const int status = std::system((command + " >" + quoted(log) + " 2>&1").c_str());
-    return {status, contentOf(log)};
+    return {status, TemporaryFolder::read(log)};
 }
 
 bool isInstalled(const std::string& program) {
@@ -168,18 +125,6 @@ fs::path numbered(const fs::path& folder, int number, std::string_view extension
     return folder / digits.append(extension);
 }
 
-std::vector<std::string> linesOf(std::string_view text) {
-    std::vector<std::string> lines(1);
-    for (const char character : text) {
-        if (character == '\n') {
-            lines.emplace_back();
-        } else {
-            lines.back() += character;
-        }
-    }
-    return lines;
-}
-
 /// Where two texts part, in terms of a data line: "S113", four digits of address, then two digits a byte.
 struct Difference {
     std::size_t line = 0;  ///< counted from 1
@@ -194,8 +139,8 @@ std::optional<Difference> firstDifference(const std::string& ours, const std::st
     if (ours == theirs) {
         return std::nullopt;
     }
-    const auto left = linesOf(ours);
-    const auto right = linesOf(theirs);
+    const auto left = split(ours, '\n');
+    const auto right = split(theirs, '\n');
     std::size_t line = 0;
     while (line < left.size() && line < right.size() && left[line] == right[line]) {
         ++line;
@@ -246,7 +191,7 @@ TEST(FirstDifference, SeesAMissingLineAndOtherLineEnds) {
 /// The second encoder's text of a numbered file; nothing where it says that none can be made.
 std::optional<std::string> theirTextOf(const fs::path& folder, int number) {
     const fs::path path = numbered(folder, number, ".s19");
-    return fs::exists(path) ? std::optional(contentOf(path)) : std::nullopt;
+    return fs::exists(path) ? std::optional(TemporaryFolder::read(path)) : std::nullopt;
 }
 
 /// Counts what two encoders made of the same files, and describes the first few that differ.
@@ -288,7 +233,7 @@ class Comparison {
 
 using WholeFileCase = std::tuple<KindCase, int>;
 
-class WholeFile : public testing::TestWithParam<WholeFileCase> {
+class WholeFile : public ::testing::TestWithParam<WholeFileCase> {
  protected:
     const KindCase& kindCase() const { return std::get<0>(GetParam()); }
     const UnitKind& kind() const { return kindCase().kind(); }
@@ -305,7 +250,7 @@ TEST_P(WholeFile, SRecordTextOfRandomCalibrationsEqualsTheSecondEncoders) {
     ASSERT_NO_FATAL_FAILURE(generate(kindCase(), filesPerSeed, seed(), folder_.path()));
     Comparison comparison;
     for (int number = 0; number < filesPerSeed; ++number) {
-        comparison.add(file(number), sRecordTextWith<EmptyReferenceHost>(file(number), kind()),
+        comparison.add(file(number), sRecordTextOf(file(number), kind()),
                        theirTextOf(folder_.path(), number));
     }
     expectNoDifference(comparison);
@@ -319,21 +264,21 @@ TEST_P(WholeFile, OfOldFirmwareFindsItsSensorAsInTheSecondEncoder) {
     ASSERT_NO_FATAL_FAILURE(generate(kindCase(), files, seed(), folder_.path(), " --sensors"));
     Comparison comparison;
     for (int number = 0; number < files; ++number) {
-        comparison.add(file(number), sRecordTextWith<SensorListHost>(file(number), kind()),
+        comparison.add(file(number), sRecordTextOf(file(number), kind(), sensors),
                        theirTextOf(folder_.path(), number));
     }
     expectNoDifference(comparison);
     EXPECT_GT(comparison.encoded(), files / 2);
 }
 
-std::string nameOf(const testing::TestParamInfo<WholeFileCase>& info) {
+std::string nameOf(const ::testing::TestParamInfo<WholeFileCase>& info) {
     return testName(std::get<0>(info.param)) + "Seed" + std::to_string(std::get<1>(info.param));
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryKind, WholeFile,
-                         testing::Combine(testing::ValuesIn(everyKind), testing::Values(1)), nameOf);
-INSTANTIATE_TEST_SUITE_P(MoreSeeds, WholeFile, testing::Combine(testing::Values(orbA), testing::Values(20)),
-                         nameOf);
+                         ::testing::Combine(::testing::ValuesIn(everyKind), ::testing::Values(1)), nameOf);
+INSTANTIATE_TEST_SUITE_P(MoreSeeds, WholeFile,
+                         ::testing::Combine(::testing::Values(orbA), ::testing::Values(20)), nameOf);
 
 TEST(SecondEncoder, PassesItsOwnHandWorkedTests) {
     const TemporaryFolder folder;
@@ -342,7 +287,7 @@ TEST(SecondEncoder, PassesItsOwnHandWorkedTests) {
 }
 
 /// Random calibrations programmed into "/ORB.s19" of a temporary application folder.
-class PublicTools : public testing::TestWithParam<KindCase> {
+class PublicTools : public ::testing::TestWithParam<KindCase> {
  protected:
     static constexpr int files = 20;
 
@@ -351,6 +296,7 @@ class PublicTools : public testing::TestWithParam<KindCase> {
             GTEST_SKIP() << "srec_cat and srec_info of the package srecord are not installed";
         }
         ASSERT_NO_FATAL_FAILURE(generate(GetParam(), files, 77, folder_.path()));
+        host_.folder = folder_.path();
     }
 
     /// Opens calibration `number`. False where no image can be made from it.
@@ -383,7 +329,7 @@ class PublicTools : public testing::TestWithParam<KindCase> {
     }
 
     TemporaryFolder folder_;
-    FolderHost host_{folder_.path()};
+    testing::RecordingHost host_;
     Unit unit_{GetParam().kind(), host_};
 };
 
@@ -416,7 +362,7 @@ TEST_P(PublicTools, AcceptEveryOneOfManyFiles) {
         const Outcome outcome = run(command, folder_.path());
         ASSERT_EQ(outcome.status, 0) << outcome.output;
         int described = 0;
-        for (const std::string& line : linesOf(outcome.output))
+        for (const std::string& line : split(outcome.output, '\n'))
             described += line.find("Format:") != std::string::npos;
         EXPECT_EQ(described, written) << outcome.output;
     }
@@ -426,7 +372,7 @@ TEST_P(PublicTools, RefuseTheFileWithOneDigitChanged) {
     int number = 0;
     while (!convert(number)) ++number;
     const fs::path file = programmed();
-    std::string text = contentOf(file);
+    std::string text = TemporaryFolder::read(file);
     text.at(9) = text.at(9) == '0' ? '1' : '0';
     std::ofstream(file, std::ios::binary | std::ios::trunc) << text;
     const Outcome outcome = run("srec_info " + quoted(file) + " -motorola", folder_.path());
@@ -443,7 +389,7 @@ TEST_P(PublicTools, ReadBackTheBytesOfTheImage) {
                     std::to_string(Unit::baseAddress) + " -o " + quoted(binary) + " -binary",
                 folder_.path());
         ASSERT_EQ(outcome.status, 0) << outcome.output;
-        const std::string content = contentOf(binary);
+        const std::string content = TemporaryFolder::read(binary);
         const std::vector<std::uint8_t> read(content.begin(), content.end());
         EXPECT_EQ(read, lowBytes()) << number;
         EXPECT_EQ(read, unit_.memoryBytes()) << number;
@@ -458,7 +404,7 @@ TEST_P(PublicTools, AgreeWithOurOwnCheckerThatEveryLineIsValid) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryKind, PublicTools, testing::ValuesIn(everyKind),
+INSTANTIATE_TEST_SUITE_P(EveryKind, PublicTools, ::testing::ValuesIn(everyKind),
                          [](const auto& kindCase) { return testName(kindCase.param); });
 
 }  // namespace

@@ -180,11 +180,24 @@ class UnderFire {
 
 class SavesUnderFire : public ::testing::Test {
  protected:
+    SavesUnderFire() { std::filesystem::create_directory(target); }
     void SetUp() override {
         if (!TracedChild::possible())
             GTEST_SKIP() << "NOT TESTED: this system does not let a process trace its own child";
         if (!TracedChild::canChangeCalls)
             GTEST_SKIP() << "NOT TESTED: the rig changes calls on x86-64 machines only";
+    }
+    void clear() const {
+        for (const auto& entry : std::filesystem::directory_iterator(target))
+            std::filesystem::remove_all(entry.path());
+    }
+    /// Of the file in the folder that is cleared.
+    SaveUnderFire saveNamed(const std::string& name) const {
+        SaveUnderFire save;
+        save.name = name;
+        save.folder = target;
+        save.file = file;
+        return save;
     }
     static void kill(const SaveUnderFire& save) { UnderFire(save).killEverywhere(); }
     static void fail(const SaveUnderFire& save) {
@@ -193,6 +206,10 @@ class SavesUnderFire : public ::testing::Test {
             UnderFire(save).failEverywhere(error);
         }
     }
+
+    TemporaryFolder folder;
+    std::string target = folder.file("target");
+    std::string file = target + "/Street.ZQ4OA";
 };
 
 }  // namespace zentaq::testing

@@ -1,12 +1,12 @@
 // The saves of the window program under fire: Save, Save As, and the one of a new calibration.
 #include <algorithm>
-#include <bit>
 #include <memory>
 
 #include "app/fake_platform.h"
 #include "app/general_config.h"
 #include "app/main_commands.h"
 #include "saves/saved_under_fire.h"
+#include "unit/file_floats.h"
 
 namespace zentaq::testing {
 namespace {
@@ -18,10 +18,7 @@ class SessionSaves : public SavesUnderFire, public ::testing::WithParamInterface
     static constexpr int count = 3;
 
  protected:
-    SessionSaves() {
-        std::filesystem::create_directory(target);
-        std::filesystem::copy_file(builtReference(), folder.file("reference.pak"));
-    }
+    SessionSaves() { std::filesystem::copy_file(builtReference(), folder.file("reference.pak")); }
 
     /// A program with the file in hand, and a change of it.
     struct Opened {
@@ -51,16 +48,10 @@ class SessionSaves : public SavesUnderFire, public ::testing::WithParamInterface
         if (stored) return fake.session.DataModified ? Nonsense : Stored;
         return NotStored;
     }
-    void clear() const {
-        for (const auto& entry : std::filesystem::directory_iterator(target))
-            std::filesystem::remove(entry.path());
-    }
     /// The session is made before the process that saves, which gets a copy of it.
     SaveUnderFire saveOf(const std::string& name, const std::function<void(Opened&)>& command) {
-        SaveUnderFire save;
-        save.name = name;
-        save.folder = target;
-        save.file = file;
+        SaveUnderFire save = saveNamed(name);
+        save.isNew = holdsTheLimit;
         auto opened = std::make_shared<std::unique_ptr<Opened>>();
         save.prepare = [this, opened] {
             clear();
@@ -71,16 +62,10 @@ class SessionSaves : public SavesUnderFire, public ::testing::WithParamInterface
             command(**opened);
             return told((*opened)->fake);
         };
-        save.isNew = [](const std::optional<std::string>& found) {
-            return found && found->size() == 11324 && limitIn(*found) == 6100;
-        };
         return save;
     }
-    static float limitIn(const std::string& bytes) {
-        std::uint32_t word = 0;
-        for (int i = 3; i >= 0; --i)
-            word = word << 8U | static_cast<unsigned char>(bytes[static_cast<std::size_t>((3 + 58) * 4 + i)]);
-        return std::bit_cast<float>(word);
+    static bool holdsTheLimit(const std::optional<std::string>& found) {
+        return found && found->size() == 11324 && floatAt(*found, 3 + 58) == 6100;
     }
 
     std::vector<SaveUnderFire> all() {
@@ -101,10 +86,8 @@ class SessionSaves : public SavesUnderFire, public ::testing::WithParamInterface
             std::unique_ptr<GeneralConfig> form;
         };
         auto made = std::make_shared<std::unique_ptr<Form>>();
-        SaveUnderFire save;
-        save.name = "Save of a new calibration";
-        save.folder = target;
-        save.file = file;
+        SaveUnderFire save = saveNamed("Save of a new calibration");
+        save.isNew = holdsTheLimit;
         save.prepare = [this, made] {
             clear();
             *made = std::make_unique<Form>();
@@ -127,9 +110,6 @@ class SessionSaves : public SavesUnderFire, public ::testing::WithParamInterface
             const int answer = told((*made)->fake);
             return stored == (answer == Stored) ? answer : int{Nonsense};
         };
-        save.isNew = [](const std::optional<std::string>& found) {
-            return found && found->size() == 11324 && limitIn(*found) == 6100;
-        };
         return save;
     }
 
@@ -138,10 +118,6 @@ class SessionSaves : public SavesUnderFire, public ::testing::WithParamInterface
         EXPECT_EQ(saves.size(), std::size_t{count});
         return saves.at(static_cast<std::size_t>(GetParam()));
     }
-
-    TemporaryFolder folder;
-    std::string target = folder.file("target");
-    std::string file = target + "/Street.ZQ4OA";
 };
 
 // One of them a test, so that they run side by side.

@@ -11,17 +11,13 @@ constexpr const char* changedFile = "[System]\nADUR=30\nAutoLog=1\nCommPort=9\n"
 
 class SettingsSaves : public SavesUnderFire {
  protected:
-    SettingsSaves() { std::filesystem::create_directory(target); }
+    SettingsSaves() { file = target + "/Zentaq4.ini"; }
 
     SaveUnderFire write() {
-        SaveUnderFire save;
-        save.name = "Settings";
-        save.folder = target;
-        save.file = file;
+        SaveUnderFire save = saveNamed("Settings");
         save.nextWaits = true;  // for the lock of the store
         save.prepare = [this] {
-            for (const auto& entry : std::filesystem::directory_iterator(target))
-                std::filesystem::remove_all(entry.path());
+            clear();
             std::ofstream(file) << storedFile;
         };
         save.run = [this] {
@@ -37,10 +33,6 @@ class SettingsSaves : public SavesUnderFire {
         save.isNew = [](const std::optional<std::string>& found) { return found == changedFile; };
         return save;
     }
-
-    TemporaryFolder folder;
-    std::string target = folder.file("target");
-    std::string file = target + "/Zentaq4.ini";
 };
 
 TEST_F(SettingsSaves, KilledAtAnyCallLeaveTheOldFileOrTheNewOne) {

@@ -14,7 +14,6 @@ class ShellSaves : public SavesUnderFire, public ::testing::WithParamInterface<i
 
  protected:
     ShellSaves() {
-        std::filesystem::create_directory(target);
         content = TemporaryFolder::read(sample);
         later = content;
         later.replace(12 + 4 * 34, 4, std::string("\0\0\x40\x42", 4));  // KNK_MIN 48
@@ -37,13 +36,9 @@ class ShellSaves : public SavesUnderFire, public ::testing::WithParamInterface<i
     /// A command that writes `file`, which holds `before`, or is not there.
     SaveUnderFire command(const std::string& name, const std::vector<std::string>& words,
                           std::optional<std::string> before) {
-        SaveUnderFire save;
-        save.name = name;
-        save.folder = target;
-        save.file = file;
+        SaveUnderFire save = saveNamed(name);
         save.prepare = [this, before] {
-            for (const auto& entry : std::filesystem::directory_iterator(target))
-                std::filesystem::remove(entry.path());
+            clear();
             if (before) std::ofstream(file, std::ios::binary) << *before;
         };
         save.run = [this, words] { return exec(words); };
@@ -107,9 +102,6 @@ class ShellSaves : public SavesUnderFire, public ::testing::WithParamInterface<i
         return saves.at(static_cast<std::size_t>(GetParam()));
     }
 
-    TemporaryFolder folder;
-    std::string target = folder.file("target");
-    std::string file = target + "/Street.ZQ4OA";
     std::string messages = folder.file("messages");
     std::string content;
     std::string later;

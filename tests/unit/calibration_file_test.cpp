@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <cstring>
-
 #include "base/errors.h"
 #include "unit/unit_fixture.h"
 
@@ -14,30 +12,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-std::string bytesOf(const std::vector<float>& floats) {
-    std::string bytes(floats.size() * 4, '\0');
-    std::memcpy(bytes.data(), floats.data(), bytes.size());
-    return bytes;
-}
-
-std::vector<float> floatsOf(const std::string& bytes) {
-    std::vector<float> floats(bytes.size() / 4);
-    std::memcpy(floats.data(), bytes.data(), floats.size() * 4);
-    return floats;
-}
-
-/// A file of kind 3 whose cells a test fills by index.
-struct FileOfFloats {
-    std::vector<float> floats = std::vector<float>(3 + 2828);
-    FileOfFloats(float version, float code, const std::vector<std::pair<int, float>>& cells = {}) {
-        floats[0] = 3;
-        floats[1] = version;
-        floats[2] = code;
-        for (const auto& [index, value] : cells) cell(index) = value;
-    }
-    float& cell(int index) { return floats[static_cast<std::size_t>(index + 3)]; }
-};
-
 class CalibrationFile : public ::testing::Test {
  protected:
     TemporaryFolder folder;
@@ -45,7 +19,7 @@ class CalibrationFile : public ::testing::Test {
     Unit unit{orbaKind(), host};
     std::string path = folder.file("Tune.ZQ4OA");
 
-    void open(const FileOfFloats& file) { openBytes(bytesOf(file.floats)); }
+    void open(const FileOfFloats& file) { openBytes(file.bytes()); }
     void openBytes(const std::string& bytes) {
         writeContent(path, bytes);
         unit.FileOpen(path);
@@ -69,14 +43,13 @@ TEST_F(CalibrationFile, ANewFileIs11324BytesOfHeaderAndCells) {
     unit.SaveFile();
     const std::string bytes = contentOf(path);
     ASSERT_EQ(bytes.size(), 11324U);
-    const auto floats = floatsOf(bytes);
-    EXPECT_EQ(floats[0], 3);
-    EXPECT_EQ(floats[1], 10.2F);
-    EXPECT_EQ(floats[2], 4007);
-    EXPECT_EQ(floats[3], 4);  // control byte 1
-    EXPECT_EQ(floats[3 + 34], 50);
-    EXPECT_EQ(floats[3 + 560], 'T');
-    EXPECT_EQ(floats[3 + 2827], 8.5F);
+    EXPECT_EQ(floatAt(bytes, 0), 3);
+    EXPECT_EQ(floatAt(bytes, 1), 10.2F);
+    EXPECT_EQ(floatAt(bytes, 2), 4007);
+    EXPECT_EQ(floatAt(bytes, 3), 4);  // control byte 1
+    EXPECT_EQ(floatAt(bytes, 3 + 34), 50);
+    EXPECT_EQ(floatAt(bytes, 3 + 560), 'T');
+    EXPECT_EQ(floatAt(bytes, 3 + 2827), 8.5F);
     EXPECT_EQ(bytes.substr(0, 4), std::string("\x00\x00\x40\x40", 4));  // 3.0, low byte first
     EXPECT_THAT(host.messages, ElementsAre(RecordingHost::Box{1001, ""}));
     EXPECT_THAT(folder.names(), ElementsAre("Tune.ZQ4OA"));
@@ -154,7 +127,7 @@ TEST_F(CalibrationFile, APipeIsAFileErrorAndNotAnEndlessWait) {
 
 // 4 TB, almost all of it a hole: more than could be read into memory.
 TEST_F(CalibrationFile, AFileOfAbsurdLengthIsABoundsErrorAndIsNotReadToItsEnd) {
-    writeContent(path, bytesOf(FileOfFloats(9.44F, 5099).floats));
+    writeContent(path, FileOfFloats(9.44F, 5099).bytes());
     std::error_code noRoomForIt;
     std::filesystem::resize_file(path, std::uintmax_t{1} << 42U, noRoomForIt);
     if (noRoomForIt) GTEST_SKIP() << "this file system takes no file of 4 TB";

@@ -52,12 +52,6 @@ class MemoryFile {
     int descriptor_;
 };
 
-std::string bytesOf(const std::vector<float>& floats) {
-    std::string bytes(floats.size() * 4, '\0');
-    std::memcpy(bytes.data(), floats.data(), bytes.size());
-    return bytes;
-}
-
 std::size_t offsetOf(int cell) {
     return 4 * static_cast<std::size_t>(headerFloats + cell);
 }

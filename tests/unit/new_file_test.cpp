@@ -58,62 +58,40 @@ TEST_F(NewFile, LeavesWhatStandsThere) {
     EXPECT_THAT(names(), ElementsAre("Tune.ZQ4OA"));
 }
 
-TEST_F(NewFile, LeavesWhatIsMadeThereAtTheLastMoment) {
+/// What a file system does not do, and whether another program is quicker behind the last of these calls.
+struct NewFileCase {
+    const char* name;
+    std::vector<std::pair<long, std::optional<int>>> calls;  ///< a call with an answer is not made
+    bool isTaken = false;
+};
+
+class NewFileOn : public NewFile, public ::testing::WithParamInterface<NewFileCase> {};
+
+TEST_P(NewFileOn, IsMadeUnlessAnotherProgramIsQuicker) {
+    const auto& [name, calls, isTaken] = GetParam();
     TracedChild child(write);
-    ASSERT_TRUE(advanceTo(child, SYS_renameat2));
-    std::ofstream(path) << "another's";
+    for (const auto& [call, answer] : calls) {
+        ASSERT_TRUE(advanceTo(child, call));
+        if (answer) child.answerInstead(*answer);
+    }
+    if (isTaken) std::ofstream(path) << "another's";
     child.runToEnd();
-    EXPECT_EQ(child.exitStatus(), WasTaken);
-    EXPECT_EQ(TemporaryFolder::read(path), "another's");
+    EXPECT_EQ(child.exitStatus(), isTaken ? WasTaken : Wrote);
+    EXPECT_EQ(TemporaryFolder::read(path), isTaken ? "another's" : "new");
     EXPECT_THAT(names(), ElementsAre("Tune.ZQ4OA"));
 }
 
-TEST_F(NewFile, IsMadeOnAFileSystemThatRenamesWithoutLookingAsWell) {
-    TracedChild child(write);
-    ASSERT_TRUE(advanceTo(child, SYS_renameat2));
-    child.answerInstead(-EINVAL);
-    child.runToEnd();
-    EXPECT_EQ(child.exitStatus(), Wrote);
-    EXPECT_EQ(TemporaryFolder::read(path), "new");
-    EXPECT_THAT(names(), ElementsAre("Tune.ZQ4OA"));
-}
+const std::pair<long, std::optional<int>> noLook = {SYS_renameat2, -EINVAL};
+const std::pair<long, std::optional<int>> noLinks = {SYS_link, -EPERM};
 
-TEST_F(NewFile, LeavesWhatIsMadeThereAtTheLastMomentOnSuchAFileSystem) {
-    TracedChild child(write);
-    ASSERT_TRUE(advanceTo(child, SYS_renameat2));
-    child.answerInstead(-EINVAL);
-    ASSERT_TRUE(advanceTo(child, SYS_link));
-    std::ofstream(path) << "another's";
-    child.runToEnd();
-    EXPECT_EQ(child.exitStatus(), WasTaken);
-    EXPECT_EQ(TemporaryFolder::read(path), "another's");
-    EXPECT_THAT(names(), ElementsAre("Tune.ZQ4OA"));
-}
-
-TEST_F(NewFile, IsMadeOnAFileSystemWithoutLinksAsWell) {
-    TracedChild child(write);
-    ASSERT_TRUE(advanceTo(child, SYS_renameat2));
-    child.answerInstead(-EINVAL);
-    ASSERT_TRUE(advanceTo(child, SYS_link));
-    child.answerInstead(-EPERM);
-    child.runToEnd();
-    EXPECT_EQ(child.exitStatus(), Wrote);
-    EXPECT_EQ(TemporaryFolder::read(path), "new");
-    EXPECT_THAT(names(), ElementsAre("Tune.ZQ4OA"));
-}
-
-TEST_F(NewFile, LeavesWhatIsMadeThereAtTheLastMomentOnAFileSystemWithoutLinks) {
-    TracedChild child(write);
-    ASSERT_TRUE(advanceTo(child, SYS_renameat2));
-    child.answerInstead(-EINVAL);
-    ASSERT_TRUE(advanceTo(child, SYS_link));
-    child.answerInstead(-EPERM);
-    std::ofstream(path) << "another's";
-    child.runToEnd();
-    EXPECT_EQ(child.exitStatus(), WasTaken);
-    EXPECT_EQ(TemporaryFolder::read(path), "another's");
-    EXPECT_THAT(names(), ElementsAre("Tune.ZQ4OA"));
-}
+INSTANTIATE_TEST_SUITE_P(
+    FileSystems, NewFileOn,
+    ::testing::Values(NewFileCase{"UsualAndIsTaken", {{SYS_renameat2, {}}}, true},
+                      NewFileCase{"RenamesWithoutLooking", {noLook}},
+                      NewFileCase{"RenamesWithoutLookingAndIsTaken", {noLook, {SYS_link, {}}}, true},
+                      NewFileCase{"WithoutLinks", {noLook, noLinks}},
+                      NewFileCase{"WithoutLinksAndIsTaken", {noLook, noLinks}, true}),
+    [](const auto& row) { return std::string(row.param.name); });
 
 }  // namespace
 }  // namespace zentaq::testing

@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <bit>
-#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -26,17 +24,7 @@ class WithoutReference : public ::testing::Test {
  protected:
     /// A calibration of so old a firmware that its sensor is a rating of 2 bar.
     std::string oldRelease(float code = 2010) {
-        std::vector<float> floats{3, 9.44F, code};
-        floats.resize(3 + 2828, 0.0F);
-        floats[3 + 39] = 2;
-        floats[3 + 124] = 2;
-        floats[3 + 148] = 10;
-        std::string bytes;
-        for (const float value : floats) {
-            const auto word = std::bit_cast<std::uint32_t>(value);
-            for (int shift = 0; shift < 32; shift += 8) bytes += static_cast<char>(word >> shift & 255U);
-        }
-        return folder.write("Old.ZQ4OA", bytes);
+        return folder.write("Old.ZQ4OA", FileOfFloats(9.44F, code, {{39, 2}, {124, 2}, {148, 10}}).bytes());
     }
     std::string failureOf(const std::function<void()>& work) {
         try {

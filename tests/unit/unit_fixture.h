@@ -6,9 +6,11 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "temporary_folder.h"
+#include "unit/file_floats.h"
 #include "unit/recording_host.h"
 #include "unit/unit.h"
 
@@ -50,6 +52,26 @@ inline std::string recordOf(int index, const std::vector<int>& bytes) {
     std::snprintf(piece, sizeof piece, "%02X", 255 - sum % 256);
     return record + piece;
 }
+
+inline std::string bytesOf(const std::vector<float>& floats) {
+    std::string bytes;
+    for (const float value : floats) appendFloat(bytes, value);
+    return bytes;
+}
+
+/// A file of kind 3 with these cells; all others are 0.
+struct FileOfFloats {
+    std::vector<float> floats = std::vector<float>(3 + 2828);
+
+    FileOfFloats(float version, float code, const std::vector<std::pair<int, float>>& cells = {}) {
+        floats[0] = 3;
+        floats[1] = version;
+        floats[2] = code;
+        for (const auto& [index, value] : cells) cell(index) = value;
+    }
+    float& cell(int index) { return floats[static_cast<std::size_t>(index + 3)]; }
+    std::string bytes() const { return bytesOf(floats); }
+};
 
 inline std::string contentOf(const std::string& path) {
     std::ifstream stream(path, std::ios::binary);
