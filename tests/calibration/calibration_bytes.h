@@ -58,6 +58,13 @@ inline FileOf fileOf(const std::string& bytes) {
     return file;
 }
 
+/// A sensor of 0.05 volts a kPa from 0 volts on: 0 to 100 kPa, shown with one decimal.
+inline FileOf withSensor() {
+    FileOf file(3);
+    file.set(39, 1).set(124, 1).set(126, 0.05F).set(127, 0).set(128, 4).set(129, 1).set(2225, 14.7F);
+    return file;
+}
+
 /// First float and floats of a saved file, by kind.
 struct KindOfFile {
     float number;

@@ -15,6 +15,7 @@ using testing::FileOf;
 using ::testing::IsEmpty;
 using testing::KindOfFile;
 using testing::plausible;
+using testing::withSensor;
 
 std::vector<std::string> linesOf(const FileOf& first, const FileOf& second) {
     std::vector<std::string> lines;
@@ -22,14 +23,6 @@ std::vector<std::string> linesOf(const FileOf& first, const FileOf& second) {
         lines.push_back(lineOf(difference));
     }
     return lines;
-}
-
-/// A sensor of 0.05 volts a kPa from 0 volts on: 0 to 100 kPa, shown with one decimal.
-FileOf withSensor() {
-    FileOf file(3);
-    file.set(39, 1).set(124, 1).set(126, 0.05F).set(127, 0).set(128, 4).set(129, 1);
-    file.set(2225, 14.7F);
-    return file;
 }
 
 /// The cell of a pressure: `volts` on the scale of the first sensors, rating 1.

@@ -16,25 +16,23 @@ using testing::fileOf;
 using ::testing::IsEmpty;
 using testing::KindOfFile;
 using testing::plausible;
+using testing::withSensor;
 
-FileOf withSensor() {
-    FileOf file(3);
-    file.set(39, 1).set(124, 1).set(126, 0.05F).set(127, 0).set(128, 4).set(129, 1).set(2225, 14.7F);
-    return file;
-}
+using Cells = std::vector<std::pair<int, float>>;
 
-/// Three files that begin as one.
+/// Three files that begin as one, and the cells that each side changed.
 struct Three {
     FileOf base = withSensor();
     FileOf first = base;
     FileOf second = base;
 
-    explicit Three(const std::vector<std::pair<int, float>>& cells = {}) {
-        for (const auto& [cell, value] : cells) {
-            base.set(cell, value);
-            first.set(cell, value);
-            second.set(cell, value);
-        }
+    Three(const Cells& cells = {}, const Cells& ofFirst = {}, const Cells& ofSecond = {}) {
+        for (FileOf* file : {&base, &first, &second}) put(*file, cells);
+        put(first, ofFirst);
+        put(second, ofSecond);
+    }
+    static void put(FileOf& file, const Cells& cells) {
+        for (const auto& [cell, value] : cells) file.set(cell, value);
     }
     MergeResult merged() const { return merge(base.bytes, first.bytes, second.bytes); }
     std::vector<std::string> conflicts() const {
@@ -51,10 +49,16 @@ struct Three {
     }
 };
 
+void expectMerged(const Three& files, const Cells& merged) {
+    const FileOf result = files.result();
+    for (const auto& [cell, value] : merged) EXPECT_EQ(result.at(cell), value) << cell;
+}
+void expectConflict(const Three& files, const std::string& line) {
+    EXPECT_THAT(files.conflicts(), ElementsAre(line));
+}
+
 TEST(CalibrationMerge, TakesWhatOnlyOneSideChanged) {
-    Three files({{34, 50}, {912, 1}});
-    files.first.set(34, 60);
-    files.second.set(912, 2).set(19, 7);
+    const Three files({{34, 50}, {912, 1}}, {{34, 60}}, {{912, 2}, {19, 7}});
     const MergeResult result = files.merged();
     ASSERT_TRUE(result.clean());
     FileOf expected = files.base;
@@ -66,36 +70,26 @@ TEST(CalibrationMerge, TakesWhatOnlyOneSideChanged) {
 }
 
 TEST(CalibrationMerge, TheSameChangeOnBothSidesIsTakenOnce) {
-    Three files({{34, 50}});
-    files.first.set(34, 60);
-    files.second.set(34, 60);
+    const Three files({{34, 50}}, {{34, 60}}, {{34, 60}});
     EXPECT_EQ(files.result().at(34), 60);
     EXPECT_EQ(files.merged().sameInBoth, 1);
 }
 
 TEST(CalibrationMerge, DifferentChangesOfAMemberAreAConflict) {
-    Three files({{34, 50}, {35, 1}});
-    files.first.set(34, 60).set(35, 2);
-    files.second.set(34, 70);
+    const Three files({{34, 50}, {35, 1}}, {{34, 60}, {35, 2}}, {{34, 70}});
     EXPECT_THAT(files.conflicts(),
                 ElementsAre("KNK_MIN: 50 in the base, 60 in the first, 70 in the second (units)"));
     EXPECT_EQ(files.merged().bytes, "");
 }
 
 TEST(CalibrationMerge, AConflictInATableNamesItsCell) {
-    Three files({{18, 10}});
-    files.first.set(656 + 3 * 16 + 5, 1).set(656, 3);
-    files.second.set(656 + 3 * 16 + 5, 2).set(657, 4);
-    EXPECT_THAT(files.conflicts(),
-                ElementsAre("ADV[3,5]: 10 in the base, 11 in the first, 12 in the second (Degrees)"));
+    constexpr int cell = 656 + 3 * 16 + 5;
+    expectConflict({{{18, 10}}, {{cell, 1}, {656, 3}}, {{cell, 2}, {657, 4}}},
+                   "ADV[3,5]: 10 in the base, 11 in the first, 12 in the second (Degrees)");
 }
 
 TEST(CalibrationMerge, AConflictThatAReaderRoundsAwayShowsTheCells) {
-    Three files({{127, 0.1F}});
-    files.base.set(130, 1);
-    files.first.set(42, 48.001F);
-    files.second.set(42, 48.002F);
-    files.base.set(42, 48);
+    const Three files({{127, 0.1F}, {42, 48}}, {{42, 48.001F}}, {{42, 48.002F}});
     const auto lines = files.conflicts();
     ASSERT_EQ(lines.size(), 1U);
     EXPECT_THAT(lines[0], ::testing::HasSubstr("(cell 48) in the base"));
@@ -106,61 +100,69 @@ TEST(CalibrationMerge, AConflictThatAReaderRoundsAwayShowsTheCells) {
 // ---- Groups
 
 TEST(CalibrationMerge, OptionsMergeBitByBit) {
-    Three files({{0, 1}});
-    files.first.set(0, 1 + 4);
-    files.second.set(0, 16);
-    EXPECT_EQ(files.result().at(0), 4 + 16);
-    Three many({{0, 4 + 16}});
-    many.first.set(0, 0);
-    many.second.set(0, 4 + 16 + 128);
-    EXPECT_EQ(many.result().at(0), 128);
+    expectMerged({{{0, 1}}, {{0, 1 + 4}}, {{0, 16}}}, {{0, 4 + 16}});
+    expectMerged({{{0, 4 + 16}}, {{0, 0}}, {{0, 4 + 16 + 128}}}, {{0, 128}});
 }
 
 TEST(CalibrationMerge, TheTwoWaysToCutExcludeEachOther) {
-    Three files;
-    files.first.set(1, 64);
-    files.second.set(2, 1);
-    EXPECT_THAT(files.conflicts(),
-                ElementsAre("opt_ZeroAdv and opt_FullCut: 0, 0 in the base, 1, 0 in the first, "
-                            "0, 1 in the second"));
+    expectConflict({{}, {{1, 64}}, {{2, 1}}},
+                   "opt_ZeroAdv and opt_FullCut: 0, 0 in the base, 1, 0 in the first, 0, 1 in the second");
 }
 
 TEST(CalibrationMerge, TheEngineFieldOfTheOptionsIsOneValue) {
-    Three files({{2, 0x10}});
-    files.first.set(2, 0x20);
-    files.second.set(2, 0x30);
-    EXPECT_THAT(files.conflicts(),
-                ElementsAre("ControlByte3[4 and 5]: 1 in the base, 2 in the first, 3 in the second"));
-    files.second.set(2, 0x10 + 0x80 + 8);
-    EXPECT_EQ(files.result().at(2), 0x20 + 0x80 + 8);
+    expectConflict({{{2, 0x10}}, {{2, 0x20}}, {{2, 0x30}}},
+                   "ControlByte3[4 and 5]: 1 in the base, 2 in the first, 3 in the second");
+    expectMerged({{{2, 0x10}}, {{2, 0x20}}, {{2, 0x10 + 0x80 + 8}}}, {{2, 0x20 + 0x80 + 8}});
 }
 
 TEST(CalibrationMerge, ControlBytesThatAreNoBytesMergeAsNumbers) {
-    Three files({{0, 1}});
-    files.first.set(0, 0.5F);
-    EXPECT_EQ(files.result().at(0), 0.5F);
-    files.second.set(0, 2);
-    EXPECT_THAT(files.conflicts(),
-                ElementsAre("ControlByte1: 1 in the base, 0.5 in the first, 2 in the second"));
+    expectMerged({{{0, 1}}, {{0, 0.5F}}}, {{0, 0.5F}});
+    expectConflict({{{0, 1}}, {{0, 0.5F}}, {{0, 2}}},
+                   "ControlByte1: 1 in the base, 0.5 in the first, 2 in the second");
 }
 
 TEST(CalibrationMerge, CylindersAndEventsMergeApart) {
-    Three files({{8, 8 * 16 + 4}});
-    files.first.set(8, 6 * 16 + 4);
-    files.second.set(8, 8 * 16 + 2);
-    EXPECT_EQ(files.result().at(8), 6 * 16 + 2);
-    files.second.set(8, 4 * 16 + 2);
-    EXPECT_THAT(files.conflicts(), ElementsAre("CYL_Number: 8 in the base, 6 in the first, 4 in the second"));
+    expectMerged({{{8, 8 * 16 + 4}}, {{8, 6 * 16 + 4}}, {{8, 8 * 16 + 2}}}, {{8, 6 * 16 + 2}});
+    expectConflict({{{8, 8 * 16 + 4}}, {{8, 6 * 16 + 4}}, {{8, 4 * 16 + 2}}},
+                   "CYL_Number: 8 in the base, 6 in the first, 4 in the second");
 }
 
 TEST(CalibrationMerge, TheTachCodeMergesApartFromTheEngineCode) {
-    Three files({{4, 2 * 16 + 3}});
-    files.first.set(4, 14 * 16 + 3);
-    files.second.set(4, 2 * 16 + 5);
-    EXPECT_EQ(files.result().at(4), 14 * 16 + 5);
-    files.second.set(4, 10 * 16 + 5);
-    EXPECT_THAT(files.conflicts(),
-                ElementsAre("TACHTYP: 2 pulses in the base, 1 pulses in the first, 6 pulses in the second"));
+    expectMerged({{{4, 2 * 16 + 3}}, {{4, 14 * 16 + 3}}, {{4, 2 * 16 + 5}}}, {{4, 14 * 16 + 5}});
+    expectConflict({{{4, 2 * 16 + 3}}, {{4, 14 * 16 + 3}}, {{4, 10 * 16 + 5}}},
+                   "TACHTYP: 2 pulses in the base, 1 pulses in the first, 6 pulses in the second");
+}
+
+TEST(CalibrationMerge, ASensorIsOneGroup) {
+    expectConflict({{}, {{126, 0.02F}, {129, 2}}, {{127, -0.5F}}},
+                   "MAP sensor: 0.05, 0, 4, kPa in the base, 0.02, 0, 4, PSIA in the first, "
+                   "0.05, -0.5, 4, kPa in the second");
+    expectMerged({{}, {{126, 0.02F}, {129, 2}}, {{34, 5}}}, {{126, 0.02F}, {129, 2}, {34, 5}});
+}
+
+TEST(CalibrationMerge, AFunctionOfOneInputOnTwoPinsIsAConflict) {
+    constexpr int pin4 = 336 + 4 * 9;
+    constexpr int pin5 = 336 + 5 * 9;
+    expectConflict({{{pin4, 22}, {pin5, 22}}, {{pin4, 12}}, {{pin5, 12}}},
+                   "GPIO[4] and [5]: 22 DISABLED, 22 DISABLED in the base, 12 Fuel Trim, 22 DISABLED "
+                   "in the first, 22 DISABLED, 12 Fuel Trim in the second");
+    expectMerged({{{pin4, 22}, {pin5, 22}}, {{pin4, 12}}, {{pin5, 14}}}, {{pin5, 14}});
+    // One that a side has twice already is no quarrel.
+    expectMerged({{{pin4, 12}, {pin5, 12}}, {{34, 60}}}, {{34, 60}, {pin5, 12}});
+}
+
+TEST(CalibrationMerge, TheSizeOfATableIsAPair) {
+    const Cells square = {{2292, 16}, {2293, 16}, {2294, 16}, {2295, 16}};
+    expectMerged({square, {{2292, 12}}, {{2294, 8}}}, {{2292, 12}, {2294, 8}});
+    expectConflict({square, {{2292, 12}}, {{2294, 8}, {2293, 14}}},
+                   "tables.ROWS and COLS: 16, 16 in the base, 12, 16 in the first, 16, 14 in the second");
+}
+
+TEST(CalibrationMerge, TheAxisKindsOfATableMergeApart) {
+    const Cells base = {{2290, 3 * 16 + 7}};
+    expectMerged({base, {{2290, 4 * 16 + 7}}, {{2290, 3 * 16 + 1}}}, {{2290, 4 * 16 + 1}});
+    expectConflict({base, {{2290, 4 * 16 + 7}}, {{2290, 6 * 16 + 7}}},
+                   "GPO1.ROW-AXIS: BLEND MAP in the base, TPS in the first, MAT in the second");
 }
 
 TEST(CalibrationMerge, TheRatingOfTheSensorIsOneValueInTwoCells) {
@@ -174,23 +176,9 @@ TEST(CalibrationMerge, TheRatingOfTheSensorIsOneValueInTwoCells) {
     EXPECT_EQ(files.merged().conflicts.front().member, "MAP_BAR");
 }
 
-TEST(CalibrationMerge, ASensorIsOneGroup) {
-    Three files;
-    files.first.set(126, 0.02F).set(129, 2);
-    files.second.set(127, -0.5F);
-    EXPECT_THAT(files.conflicts(),
-                ElementsAre("MAP sensor: 0.05, 0, 4, kPa in the base, 0.02, 0, 4, PSIA in the first, "
-                            "0.05, -0.5, 4, kPa in the second"));
-    files.second.set(127, 0).set(34, 5);
-    EXPECT_EQ(files.result().at(126), 0.02F);
-    EXPECT_EQ(files.result().at(129), 2);
-    EXPECT_EQ(files.result().at(34), 5);
-}
-
 TEST(CalibrationMerge, APinGoesWithItsParameters) {
-    Three files({{336, 6}, {337, 5000}});
-    files.first.set(336, 8).set(337, 1).set(338, 30);
-    files.second.set(345, 6).set(346, 4000);  // the next pin
+    // The second side changed the next pin.
+    Three files({{336, 6}, {337, 5000}}, {{336, 8}, {337, 1}, {338, 30}}, {{345, 6}, {346, 4000}});
     FileOf expected = files.first;
     expected.set(345, 6).set(346, 4000);
     EXPECT_EQ(files.result().bytes, expected.bytes);
@@ -200,47 +188,6 @@ TEST(CalibrationMerge, APinGoesWithItsParameters) {
     EXPECT_EQ(result.conflicts[0].member + result.conflicts[0].element, "GPIO[0]");
     EXPECT_THAT(result.conflicts[0].base, ::testing::StartsWith("6 Shift Light, 5000, 0, "));
     EXPECT_THAT(result.conflicts[0].first, ::testing::StartsWith("8 Full Table, 1, 30, "));
-}
-
-TEST(CalibrationMerge, AFunctionOfOneInputOnTwoPinsIsAConflict) {
-    Three files({{336 + 4 * 9, 22}, {336 + 5 * 9, 22}});
-    files.first.set(336 + 4 * 9, 12);
-    files.second.set(336 + 5 * 9, 12);
-    EXPECT_THAT(
-        files.conflicts(),
-        ElementsAre("GPIO[4] and [5]: 22 DISABLED, 22 DISABLED in the base, 12 Fuel Trim, 22 DISABLED "
-                    "in the first, 22 DISABLED, 12 Fuel Trim in the second"));
-    files.second.set(336 + 5 * 9, 14);
-    EXPECT_EQ(files.result().at(336 + 5 * 9), 14);
-}
-
-TEST(CalibrationMerge, AFunctionThatOneSideHasTwiceAlreadyIsNoQuarrel) {
-    Three files({{336 + 4 * 9, 12}, {336 + 5 * 9, 12}});
-    files.first.set(34, 60);
-    EXPECT_EQ(files.result().at(34), 60);
-    EXPECT_EQ(files.result().at(336 + 5 * 9), 12);
-}
-
-TEST(CalibrationMerge, TheSizeOfATableIsAPair) {
-    Three files({{2292, 16}, {2293, 16}, {2294, 16}, {2295, 16}});
-    files.first.set(2292, 12);
-    files.second.set(2294, 8);
-    EXPECT_EQ(files.result().at(2292), 12);
-    EXPECT_EQ(files.result().at(2294), 8);
-    files.second.set(2293, 14);
-    EXPECT_THAT(
-        files.conflicts(),
-        ElementsAre("tables.ROWS and COLS: 16, 16 in the base, 12, 16 in the first, 16, 14 in the second"));
-}
-
-TEST(CalibrationMerge, TheAxisKindsOfATableMergeApart) {
-    Three files({{2290, 3 * 16 + 7}});
-    files.first.set(2290, 4 * 16 + 7);
-    files.second.set(2290, 3 * 16 + 1);
-    EXPECT_EQ(files.result().at(2290), 4 * 16 + 1);
-    files.second.set(2290, 6 * 16 + 7);
-    EXPECT_THAT(files.conflicts(),
-                ElementsAre("GPO1.ROW-AXIS: BLEND MAP in the base, TPS in the first, MAT in the second"));
 }
 
 TEST(CalibrationMerge, NameAndNotesAreOneTextEach) {
@@ -256,8 +203,7 @@ TEST(CalibrationMerge, NameAndNotesAreOneTextEach) {
 }
 
 TEST(CalibrationMerge, TheSharedCellMergesWithTheTrimsOrWithTheNotes) {
-    Three trim;
-    trim.first.set(2327, 3);
+    Three trim({}, {{2327, 3}});
     trim.second.text(2328, "note");
     EXPECT_EQ(trim.result().at(2327), 3);
     EXPECT_EQ(trim.result().at(2328), 'n');

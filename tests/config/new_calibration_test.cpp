@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 #include <algorithm>
 #include <cmath>
@@ -13,6 +12,7 @@
 #include "base/errors.h"
 #include "base/rounding.h"
 #include "config/quiet_calibration.h"
+#include "other_program.h"
 #include "refdata/refdata_fixture.h"
 #include "refdata/schema.h"
 #include "single_defaults.h"
@@ -26,6 +26,10 @@ using ::testing::ElementsAre;
 using ::testing::FloatNear;
 using ::testing::IsEmpty;
 
+constexpr const char* oneBar = "1 BAR (10-105 kPa)";
+constexpr const char* fourCylinders = "4 Cylinder Coil per Plug, Sequential Injection";
+constexpr const char* rotary = "2 Rotor Rotary, Leading and Trailing Plugs";
+
 class NewCalibration : public refdata::ReferenceDatabase {
  protected:
     Database database = open();
@@ -35,19 +39,18 @@ class NewCalibration : public refdata::ReferenceDatabase {
     EngineRow engine(const char* name) { return database.engineByName(name, 3).value(); }
     MapSensorRow sensor(const char* name) { return database.mapSensorByName(name).value(); }
 
-    RefusedMembers make(const char* sensorName, const EngineFigures& figures = {}) {
-        startNewCalibration(unit);
-        EXPECT_THAT(chooseEngine(unit, engine("4 Cylinder Coil per Plug, Sequential Injection")), IsEmpty());
-        EXPECT_THAT(chooseSensor(unit, sensor(sensorName)), IsEmpty());
-        return loadDefaults(unit, database, figures);
+    RefusedMembers fill(Unit& of, const EngineRow& engineRow, const char* sensorName,
+                        const EngineFigures& figures = {}) {
+        startNewCalibration(of);
+        EXPECT_THAT(chooseEngine(of, engineRow), IsEmpty());
+        EXPECT_THAT(chooseSensor(of, sensor(sensorName)), IsEmpty());
+        return loadDefaults(of, database, figures);
+    }
+    RefusedMembers make(const char* sensorName, const EngineFigures& figures = {},
+                        const char* engineName = fourCylinders) {
+        return fill(unit, engine(engineName), sensorName, figures);
     }
 };
-
-constexpr const char* oneBar = "1 BAR (10-105 kPa)";
-
-TEST_F(NewCalibration, TakesEveryDefaultValueWithTheStandardSensor) {
-    EXPECT_THAT(make(oneBar), IsEmpty());
-}
 
 TEST_F(NewCalibration, TakesEveryDefaultValueWithEverySensorOfTheList) {
     for (const MapSensorRow& row : database.mapSensors()) {
@@ -268,7 +271,21 @@ std::vector<std::string> outsideTheirRange(Unit& unit) {
     return found;
 }
 
-TEST_F(NewCalibration, OfEachModelEngineAndSensorKeepsToEveryRangeAndMakesAnImage) {
+class NewCalibrationOfModels : public NewCalibration {
+ protected:
+    void expectKeepsToItsRanges(const Model& model, const EngineRow& engineRow, const char* sensorName,
+                                float boost) {
+        SCOPED_TRACE(nameOf(model) + ", " + engineRow.displayValue + ", " + sensorName);
+        EngineFigures figures = startingFigures(database, model.kind);
+        figures.maxBoost = boost;
+        QuietCalibration one(model.kind, &database);
+        EXPECT_THAT(fill(one.unit, engineRow, sensorName, figures), IsEmpty());
+        EXPECT_THAT(outsideTheirRange(one.unit), IsEmpty());
+        EXPECT_NO_THROW(one.unit.ConvertData());
+    }
+};
+
+TEST_F(NewCalibrationOfModels, WithEachEngineAndSensorKeepsToEveryRangeAndMakesAnImage) {
     struct Sensor {
         const char* name;
         float boost;
@@ -276,18 +293,9 @@ TEST_F(NewCalibration, OfEachModelEngineAndSensorKeepsToEveryRangeAndMakesAnImag
     const std::array<Sensor, 2> sensors{{{oneBar, 0}, {"3 BAR (-14.5 to 31.1 PSIG)", 15}}};
     int made = 0;
     for (const Model& model : models()) {
-        QuietCalibration one(model.kind, &database);
         for (const EngineRow& engine : database.engines(model.kind.engines, model.variant)) {
             for (const Sensor& with : sensors) {
-                SCOPED_TRACE(nameOf(model) + ", " + engine.displayValue + ", " + with.name);
-                EngineFigures figures = startingFigures(database, model.kind);
-                figures.maxBoost = with.boost;
-                startNewCalibration(one.unit);
-                EXPECT_THAT(chooseEngine(one.unit, engine), IsEmpty());
-                EXPECT_THAT(chooseSensor(one.unit, sensor(with.name)), IsEmpty());
-                EXPECT_THAT(loadDefaults(one.unit, database, figures), IsEmpty());
-                EXPECT_THAT(outsideTheirRange(one.unit), IsEmpty());
-                EXPECT_NO_THROW(one.unit.ConvertData());
+                expectKeepsToItsRanges(model, engine, with.name, with.boost);
                 ++made;
             }
         }
@@ -295,13 +303,20 @@ TEST_F(NewCalibration, OfEachModelEngineAndSensorKeepsToEveryRangeAndMakesAnImag
     EXPECT_GT(made, 500);
 }
 
+TEST_F(NewCalibrationOfModels, TakesEverySensorOfTheList) {
+    for (const Model& model : models()) {
+        const EngineRow engine = database.engines(model.kind.engines, model.variant).front();
+        for (const MapSensorRow& row : database.mapSensors())
+            expectKeepsToItsRanges(model, engine, row.description.c_str(), 0);
+    }
+}
+
 /// The database as another program may change it: one value of one set is another, within its limits.
 class ChangedSet {
  public:
     ChangedSet(const std::string& path, const refdata::DefaultsSet& set, const std::vector<float>& values)
-        : name_(set.name), row_(set.ascending ? values.size() / 2 : 0), kept_(values.at(row_)) {
-        sqlite3_open_v2(path.c_str(), &file_, SQLITE_OPEN_READWRITE, nullptr);
-        run("PRAGMA synchronous = OFF");
+        : name_(set.name), row_(set.ascending ? values.size() / 2 : 0), kept_(values.at(row_)), file_(path) {
+        file_.run("PRAGMA synchronous = OFF");
         const auto lowest = static_cast<float>(set.minimum);
         if (set.ascending) {
             changed = values[row_ - 1] + (values[row_ + 1] - values[row_ - 1]) / 4;
@@ -317,27 +332,20 @@ class ChangedSet {
     }
     ChangedSet(const ChangedSet&) = delete;
     ChangedSet& operator=(const ChangedSet&) = delete;
-    ~ChangedSet() {
-        store(kept_);
-        sqlite3_close(file_);
-    }
+    ~ChangedSet() { store(kept_); }
 
     float changed = 0;
 
  private:
     void store(float value) {
-        run("UPDATE Defaults SET \"" + name_ + "\" = " + std::to_string(value) +
-            " WHERE rowid = " + std::to_string(row_ + 1));
-    }
-    void run(const std::string& sql) {
-        EXPECT_EQ(sqlite3_exec(file_, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
-            << sqlite3_errmsg(file_);
+        file_.run("UPDATE Defaults SET \"" + name_ + "\" = " + std::to_string(value) +
+                  " WHERE rowid = " + std::to_string(row_ + 1));
     }
 
     std::string name_;
     std::size_t row_;
     float kept_;
-    sqlite3* file_ = nullptr;
+    OtherProgram file_;
 };
 
 /// Everything that the defaults lead to on a kind: the figures offered, and the cells of a calibration with a
@@ -352,8 +360,8 @@ std::vector<float> outcome(const UnitKind& kind, const Database& database) {
         QuietCalibration one(kind, &database);
         startNewCalibration(one.unit);
         constexpr int wastedSpark = 1;
-        constexpr int rotary = 14;
-        const auto engine = raceCam ? database.engine(kind.engines, rotary) : std::nullopt;
+        constexpr int twoRotors = 14;
+        const auto engine = raceCam ? database.engine(kind.engines, twoRotors) : std::nullopt;
         chooseEngine(one.unit, engine ? *engine : database.engine(kind.engines, wastedSpark).value());
         chooseSensor(one.unit, database.mapSensorByName("3 BAR (-14.5 to 31.1 PSIG)").value());
         loadDefaults(one.unit, database, figures);
@@ -413,10 +421,7 @@ TEST_F(NewCalibration, HasEverySingleNumberOnEveryKindWithAFuelSideAndTheIgnitio
 TEST_F(NewCalibration, TakesTheValuesOfItsOwnKindAndElseThePlainOnes) {
     const auto idleOf = [&](const UnitKind& kind) {
         QuietCalibration one(kind, &database);
-        startNewCalibration(one.unit);
-        chooseEngine(one.unit, database.engine(kind.engines, 1).value());
-        chooseSensor(one.unit, sensor(oneBar));
-        loadDefaults(one.unit, database, {});
+        fill(one.unit, database.engine(kind.engines, 1).value(), oneBar);
         return std::make_pair(one.unit.get("ISRPM", 2), one.unit.get("KNK_MIN"));
     };
     EXPECT_EQ(idleOf(orbaKind()), std::make_pair(850.0F, 50.0F));
@@ -438,10 +443,7 @@ TEST_F(NewCalibration, OffersTheFiguresOfItsKind) {
 
 TEST_F(NewCalibration, OfAnIgnitionOnlyUnitIsTimedForAClassicEngine) {
     QuietCalibration one(pzk2Kind(), &database);
-    startNewCalibration(one.unit);
-    chooseEngine(one.unit, database.engine(5, 1).value());
-    chooseSensor(one.unit, sensor(oneBar));
-    loadDefaults(one.unit, database, startingFigures(database, pzk2Kind()));
+    fill(one.unit, database.engine(5, 1).value(), oneBar, startingFigures(database, pzk2Kind()));
     for (int cell = 0; cell < 256; ++cell) {
         EXPECT_GE(one.unit.get("ADV", cell), 8) << cell;
         EXPECT_LE(one.unit.get("ADV", cell), 38) << cell;
@@ -496,10 +498,7 @@ TEST_F(NewCalibration, ARotaryEngineHasLessAdvanceThanAPistonEngineAndASplit) {
     std::vector<float> piston;
     for (int cell = 0; cell < 256; ++cell) piston.push_back(unit.get("ADV", cell));
     EXPECT_EQ(unit.get("SPLITBL", 0), 0);
-    startNewCalibration(unit);
-    chooseEngine(unit, engine("2 Rotor Rotary, Leading and Trailing Plugs"));
-    chooseSensor(unit, sensor(oneBar));
-    EXPECT_THAT(loadDefaults(unit, database, {.revLimit = 8000}), IsEmpty());
+    EXPECT_THAT(make(oneBar, {.revLimit = 8000}, rotary), IsEmpty());
     for (int cell = 0; cell < 256; ++cell) {
         const auto place = static_cast<std::size_t>(cell);
         EXPECT_EQ(unit.get("ADV", cell), std::max(piston[place] - 8, 6.0F)) << cell;
@@ -512,24 +511,16 @@ TEST_F(NewCalibration, ARotaryEngineHasLessAdvanceThanAPistonEngineAndASplit) {
 TEST_F(NewCalibration, ADualPlugPistonEngineHasItsUsualSplitAndTheAdvanceOfAnyOther) {
     make(oneBar);
     const float full = unit.get("ADV", 255);
-    startNewCalibration(unit);
-    chooseEngine(unit, engine("4 Cylinder Dual Plug Wasted Spark, Paired Injection"));
-    chooseSensor(unit, sensor(oneBar));
-    loadDefaults(unit, database, {});
+    make(oneBar, {}, "4 Cylinder Dual Plug Wasted Spark, Paired Injection");
     EXPECT_EQ(unit.get("ADV", 255), full);
     EXPECT_EQ(unit.get("SPLITBL", 7), 4);
 }
 
 TEST_F(NewCalibration, TheSplitOfTheDefaultsGoesOnTopOfTheEnginesUpToItsRange) {
-    sqlite3* file = nullptr;
-    ASSERT_EQ(sqlite3_open(path.c_str(), &file), SQLITE_OK);
-    sqlite3_exec(file, "UPDATE Defaults SET SPLITBL = 2 WHERE rowid = 1", nullptr, nullptr, nullptr);
-    sqlite3_exec(file, "UPDATE Defaults SET SPLITBL = 25 WHERE rowid = 2", nullptr, nullptr, nullptr);
-    sqlite3_close(file);
-    startNewCalibration(unit);
-    chooseEngine(unit, engine("2 Rotor Rotary, Leading and Trailing Plugs"));
-    chooseSensor(unit, sensor(oneBar));
-    EXPECT_THAT(loadDefaults(unit, database, {}), IsEmpty());
+    OtherProgram(path).run(
+        "UPDATE Defaults SET SPLITBL = 2 WHERE rowid = 1;"
+        "UPDATE Defaults SET SPLITBL = 25 WHERE rowid = 2");
+    EXPECT_THAT(make(oneBar, {}, rotary), IsEmpty());
     EXPECT_EQ(unit.get("SPLITBL", 0), 12);
     EXPECT_EQ(unit.get("SPLITBL", 1), 30);  // 0 to 30 degrees
     EXPECT_EQ(unit.get("SPLITBL", 2), 10);
@@ -561,10 +552,7 @@ TEST_F(NewCalibration, AnAxisBeginsAboveNoPressureAtAll) {
 TEST_F(NewCalibration, SetsEachPinToAFunctionOfItsOwnSide) {
     for (const Model& model : models()) {
         QuietCalibration one(model.kind, &database);
-        startNewCalibration(one.unit);
-        chooseEngine(one.unit, database.engine(model.kind.engines, 1).value());
-        chooseSensor(one.unit, sensor(oneBar));
-        loadDefaults(one.unit, database, {});
+        fill(one.unit, database.engine(model.kind.engines, 1).value(), oneBar);
         for (const GpioPin& pin : model.kind.pins->rows) {
             const int code = one.unit.Get_GPIOFUNC(pin.pin);
             constexpr int unusedInput = 22;
@@ -592,29 +580,10 @@ TEST_F(NewCalibration, OfTheSecondOrbDFindsItsEngines) {
 }
 
 TEST_F(NewCalibration, StopsAtATableOfTheDefaultsThatIsNotWhole) {
-    sqlite3* file = nullptr;
-    ASSERT_EQ(sqlite3_open(path.c_str(), &file), SQLITE_OK);
-    sqlite3_exec(file, "UPDATE Defaults SET ADV = NULL WHERE rowid = 200", nullptr, nullptr, nullptr);
-    sqlite3_close(file);
+    OtherProgram(path).run("UPDATE Defaults SET ADV = NULL WHERE rowid = 200");
     EXPECT_EQ(refdata::failureOf<Failure>([&] { make(oneBar); }),
               "Set ADV of table Defaults has 255 values, not 256");
     EXPECT_EQ(unit.ONFLY_MODE(), false);
-}
-
-TEST_F(NewCalibration, OfEachModelTakesEverySensorOfTheList) {
-    for (const Model& model : models()) {
-        const EngineRow engine = database.engines(model.kind.engines, model.variant).front();
-        QuietCalibration one(model.kind, &database);
-        for (const MapSensorRow& row : database.mapSensors()) {
-            SCOPED_TRACE(nameOf(model) + ", " + row.description);
-            startNewCalibration(one.unit);
-            chooseEngine(one.unit, engine);
-            EXPECT_THAT(chooseSensor(one.unit, row), IsEmpty());
-            EXPECT_THAT(loadDefaults(one.unit, database, startingFigures(database, model.kind)), IsEmpty());
-            EXPECT_THAT(outsideTheirRange(one.unit), IsEmpty());
-            EXPECT_NO_THROW(one.unit.ConvertData());
-        }
-    }
 }
 
 TEST_F(NewCalibration, NamesAMemberThatRefusesAndGoesOn) {
@@ -627,7 +596,7 @@ TEST_F(NewCalibration, NamesAMemberThatRefusesAndGoesOn) {
 
 TEST_F(NewCalibration, AStopThatAnOutputTableRefusesIsNamedOnceAndTheOtherAxisKeepsItsOwn) {
     startNewCalibration(unit);
-    chooseEngine(unit, engine("4 Cylinder Coil per Plug, Sequential Injection"));
+    chooseEngine(unit, engine(fourCylinders));
     chooseSensor(unit, sensor(oneBar));
     // The axis refuses its top and keeps what it has, which is no stop either.
     unit.AssignDirectIndex(30000, unit.find("RPMTBL")->cell(15));

@@ -84,45 +84,63 @@ TEST_F(SeedBuilder, AnOutputFolderThatDoesNotExistIsAFileError) {
     EXPECT_THAT(failureOf<FileError>([&] { build(); }), testing::StartsWith("Cannot write " + output));
 }
 
-TEST_F(SeedBuilder, ARowOfTheWrongWidthIsTold) {
-    append("mapcals.tsv", "400\tSensor\t0.05");
-    expectError("mapcals.tsv", lineCount("mapcals.tsv"), "has 3 cells, the header has 5");
+struct Spoilt {
+    std::string name;
+    std::string file;
+    std::string from;  ///< empty: a line more
+    std::string to;
+    std::string told;
+};
+
+class SpoiltSeeds : public SeedBuilder, public testing::WithParamInterface<Spoilt> {};
+
+TEST_P(SpoiltSeeds, AreToldWithTheirLine) {
+    const auto& [name, file, from, to, told] = GetParam();
+    if (from.empty()) append(file, to);
+    expectError(file, from.empty() ? lineCount(file) : replace(file, from, to), told);
 }
 
-TEST_F(SeedBuilder, ATextWhereANumberBelongsIsTold) {
-    append("mapcals.tsv", "400\tSensor\t0,05\t0\t1");
-    expectError("mapcals.tsv", lineCount("mapcals.tsv"), "Scale must be a number, not \"0,05\"");
-}
+const std::string sixCoils = "3\t0\t7\t6 Cylinder Coil per Plug, Sequential Injection\t3\t";
+const std::string v4 = "3\t0\t35\tV4 90 Degree Odd Fire, Sequential Injection\t2\t68\t";
+const std::string fourOfOrbL = "4\t0\t1\t4 Cylinder Wasted Spark, Paired Injection\t2\t34\t33\t4\t0\t1\t";
 
-TEST_F(SeedBuilder, AMissingColumnIsTold) {
-    const int line = replace("tips.tsv", "HELP\n", "HALP\n");
-    expectError("tips.tsv", line, "column HELP is missing");
-}
-
-TEST_F(SeedBuilder, ASensorNameThatStandsTwiceIsTold) {
-    append("mapcals.tsv", "400\t1 bar (10-105 KPA)\t0.5\t0\t1");
-    expectError("mapcals.tsv", lineCount("mapcals.tsv"),
-                "sensor 1 BAR (10-105 KPA) stands already in line 6");
-}
-
-TEST_F(SeedBuilder, TwoSensorsThatACalibrationCannotTellApartAreTold) {
-    append("mapcals.tsv", "400\tLookalike (10-105 kPa)\t0.05296\t-0.5474\t1");
-    expectError("mapcals.tsv", lineCount("mapcals.tsv"), "calibrations cannot tell it from line 6");
-}
+INSTANTIATE_TEST_SUITE_P(
+    Tables, SpoiltSeeds,
+    testing::Values(
+        Spoilt{"ARowOfTheWrongWidth", "mapcals.tsv", "", "400\tSensor\t0.05",
+               "has 3 cells, the header has 5"},
+        Spoilt{"ATextWhereANumberBelongs", "mapcals.tsv", "", "400\tSensor\t0,05\t0\t1",
+               "Scale must be a number, not \"0,05\""},
+        Spoilt{"AMissingColumn", "tips.tsv", "HELP\n", "HALP\n", "column HELP is missing"},
+        Spoilt{"ASensorNameThatStandsTwice", "mapcals.tsv", "", "400\t1 bar (10-105 KPA)\t0.5\t0\t1",
+               "sensor 1 BAR (10-105 KPA) stands already in line 6"},
+        Spoilt{"TwoSensorsThatACalibrationCannotTellApart", "mapcals.tsv", "",
+               "400\tLookalike (10-105 kPa)\t0.05296\t-0.5474\t1", "calibrations cannot tell it from line 6"},
+        Spoilt{"AnUnknownTachCode", "engines.tsv", twelve + "161", twelve + "81",
+               "P2EgTp has no tach code of 0, 14, 2, 8, 3 or 10 in its high nibble"},
+        Spoilt{"TachPulsesThatDoNotFitTheCylinders", "engines.tsv", twelve + "161", twelve + "33",
+               "the tach code of P2EgTp does not agree with IGNRev"},
+        Spoilt{"TooFewCoils", "engines.tsv", sixCoils + "99", sixCoils + "51",
+               "P1EgTp counts 3 coil outputs, the engine needs 6"},
+        Spoilt{"AnOddFireEngineMarkedAsEven", "engines.tsv", v4 + "34", v4 + "33",
+               "P2EgTp must have engine type 2 in its low nibble, not 1"},
+        Spoilt{"ASecondBankThatCanLeaveTheWheel", "engines.tsv", v4 + "34\t4\t0\t1\t43",
+               v4 + "34\t4\t0\t1\t44", "MaxOffset leaves no room on the wheel for the second bank"},
+        Spoilt{"AnOptionThatIsAnotherEngineOnAnotherKind", "engines.tsv", fourOfOrbL + "58",
+               fourOfOrbL + "57", "MaxOffset differs from the engine of the same option in line 4"},
+        Spoilt{"ADefaultOutsideItsLimits", "defaults.tsv", "KNK_MIN\t50\n", "KNK_MIN\t101\n",
+               "KNK_MIN takes 2 to 100, not 101"},
+        Spoilt{"ADefaultOfOneKindOutsideThePlainOnesLimits", "defaults.tsv", "REV_Limiter_PZK2\t6000",
+               "REV_Limiter_PZK2\t600", "REV_Limiter_PZK2 takes 1000 to 20000, not 600"},
+        Spoilt{"AnAxisThatDoesNotAscend", "defaults.tsv", "RPMTBL\t500 1000", "RPMTBL\t500 500",
+               "RPMTBL must ascend, 500 does not"},
+        Spoilt{"ASetWithTooManyValues", "defaults.tsv", "ISRPM\t1400 1150 850\n",
+               "ISRPM\t1400 1150 850 800\n", "ISRPM has more than 3 values"}),
+    [](const auto& row) { return row.param.name; });
 
 TEST_F(SeedBuilder, TheFourSensorsOfOlderCalibrationsMayNotGo) {
     replace("mapcals.tsv", "\n4\t4 BAR", "\n400\t4 BAR");
     expectError("mapcals.tsv", 5, "no sensor with ID 4: calibrations of older firmware are moved to it");
-}
-
-TEST_F(SeedBuilder, AnEngineWithAnUnknownTachCodeIsTold) {
-    const int line = replace("engines.tsv", twelve + "161", twelve + "81");
-    expectError("engines.tsv", line, "P2EgTp has no tach code of 0, 14, 2, 8, 3 or 10 in its high nibble");
-}
-
-TEST_F(SeedBuilder, AnEngineWhoseTachPulsesDoNotFitItsCylindersIsTold) {
-    const int line = replace("engines.tsv", twelve + "161", twelve + "33");
-    expectError("engines.tsv", line, "the tach code of P2EgTp does not agree with IGNRev");
 }
 
 TEST_F(SeedBuilder, AnEngineOptionThatStandsTwiceIsTold) {
@@ -131,59 +149,15 @@ TEST_F(SeedBuilder, AnEngineOptionThatStandsTwiceIsTold) {
                 "option 17 of kind 3 stands already in line " + std::to_string(line));
 }
 
-TEST_F(SeedBuilder, AnEngineWithTooFewCoilsIsTold) {
-    const int line = replace("engines.tsv", "3\t0\t7\t6 Cylinder Coil per Plug, Sequential Injection\t3\t99",
-                             "3\t0\t7\t6 Cylinder Coil per Plug, Sequential Injection\t3\t51");
-    expectError("engines.tsv", line, "P1EgTp counts 3 coil outputs, the engine needs 6");
-}
-
 TEST_F(SeedBuilder, AnEngineWithMoreCoilsThanTheUnitHasIsTold) {
     const int line = replace("engines.tsv", twelve, "3\t2\t16\t12 Cylinder, Paired Injection\t6\t195\t");
     replace("engines.tsv", "3\t2\t16\t12 Cylinder, Paired", "3\t1\t16\t12 Cylinder, Paired");
     expectError("engines.tsv", line, "the unit has only 8 coil outputs");
 }
 
-TEST_F(SeedBuilder, AnOddFireEngineMarkedAsEvenIsTold) {
-    const std::string v4 = "3\t0\t35\tV4 90 Degree Odd Fire, Sequential Injection\t2\t68\t";
-    const int line = replace("engines.tsv", v4 + "34", v4 + "33");
-    expectError("engines.tsv", line, "P2EgTp must have engine type 2 in its low nibble, not 1");
-}
-
-TEST_F(SeedBuilder, ASecondBankThatCanLeaveTheWheelIsTold) {
-    const std::string v4 = "3\t0\t35\tV4 90 Degree Odd Fire, Sequential Injection\t2\t68\t34\t4\t0\t1\t";
-    const int line = replace("engines.tsv", v4 + "43", v4 + "44");
-    expectError("engines.tsv", line, "MaxOffset leaves no room on the wheel for the second bank");
-}
-
-TEST_F(SeedBuilder, AnOptionThatIsAnotherEngineOnAnotherKindIsTold) {
-    const std::string name = "4\t0\t1\t4 Cylinder Wasted Spark, Paired Injection\t2\t34\t33\t4\t0\t1\t";
-    const int line = replace("engines.tsv", name + "58", name + "57");
-    expectError("engines.tsv", line, "MaxOffset differs from the engine of the same option in line 4");
-}
-
-TEST_F(SeedBuilder, ADefaultOutsideItsLimitsIsTold) {
-    const int line = replace("defaults.tsv", "KNK_MIN\t50\n", "KNK_MIN\t101\n");
-    expectError("defaults.tsv", line, "KNK_MIN takes 2 to 100, not 101");
-}
-
-TEST_F(SeedBuilder, ADefaultOfOneKindIsCheckedAsThePlainOne) {
-    const int line = replace("defaults.tsv", "REV_Limiter_PZK2\t6000", "REV_Limiter_PZK2\t600");
-    expectError("defaults.tsv", line, "REV_Limiter_PZK2 takes 1000 to 20000, not 600");
-}
-
-TEST_F(SeedBuilder, AnAxisThatDoesNotAscendIsTold) {
-    const int line = replace("defaults.tsv", "RPMTBL\t500 1000", "RPMTBL\t500 500");
-    expectError("defaults.tsv", line, "RPMTBL must ascend, 500 does not");
-}
-
 TEST_F(SeedBuilder, ASetWithTooFewValuesIsTold) {
     replace("defaults.tsv", "ISRPM\t1400 1150 850\n", "ISRPM\t1400 1150\n");
     expectError("defaults.tsv", 4, "ISRPM needs 3 values and has 2");
-}
-
-TEST_F(SeedBuilder, ASetWithTooManyValuesIsTold) {
-    const int line = replace("defaults.tsv", "ISRPM\t1400 1150 850\n", "ISRPM\t1400 1150 850 800\n");
-    expectError("defaults.tsv", line, "ISRPM has more than 3 values");
 }
 
 TEST_F(SeedBuilder, AHelpKeyThatStandsTwiceWhateverItsCaseIsTold) {
