@@ -1,6 +1,7 @@
 #include "calibration/calibration_cells.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -20,7 +21,10 @@ constexpr int tableColumns = 16;
 constexpr int controlBytes = 3;
 constexpr std::string_view nanPrefix = "nan:";
 
-// Where the axis words stand on every kind that has them.
+/// In the order of CellRole; what begins with a point stands behind the name of the table.
+constexpr std::array<std::string_view, 17> roleNames = {
+    "cell",  "ControlByte", "cell",    "",        "MAPUnits",      "GPIO",         "GPIO", ".",    ".AXES",
+    ".ROWS", ".COLS",       ".Y-Axis", ".X-Axis", "FuelTrim.sent", "INJTRIM.sent", "name", "notes"};
 
 CellBits bitsAt(std::string_view bytes, std::size_t index) {
     CellBits bits = 0;
@@ -249,43 +253,12 @@ void CalibrationCells::claimTexts() {
 }
 
 std::string CalibrationCells::memberOf(const CellPlace& place) const {
-    const std::string number = numberText(place.number);
-    const std::string table = place.number == 0 ? "tables" : "GPO" + number;
-    switch (place.role) {
-        case CellRole::Loose:
-        case CellRole::Cylinders:
-            return "cell";
-        case CellRole::ControlByte:
-            return "ControlByte" + numberText(place.number + 1);
-        case CellRole::Member:
-            return std::string(place.row->name);
-        case CellRole::Units:
-            return "MAPUnits";
-        case CellRole::PinFunction:
-        case CellRole::PinParameter:
-            return "GPIO";
-        case CellRole::OutputTable:
-            return table;
-        case CellRole::AxisKinds:
-            return table + ".AXES";
-        case CellRole::Rows:
-            return table + ".ROWS";
-        case CellRole::Columns:
-            return table + ".COLS";
-        case CellRole::RowStop:
-            return table + ".Y-Axis";
-        case CellRole::ColumnStop:
-            return table + ".X-Axis";
-        case CellRole::FuelTrimSent:
-            return "FuelTrim.sent";
-        case CellRole::TrimSent:
-            return "INJTRIM.sent";
-        case CellRole::Name:
-            return "name";
-        case CellRole::Notes:
-            return "notes";
-    }
-    return {};
+    if (place.role == CellRole::Member) return std::string(place.row->name);
+    const std::string name(roleNames.at(static_cast<std::size_t>(place.role)));
+    if (place.role == CellRole::ControlByte) return name + numberText(place.number + 1);
+    if (!name.starts_with('.')) return name;
+    const std::string table = place.number == 0 ? "tables" : "GPO" + numberText(place.number);
+    return place.role == CellRole::OutputTable ? table : table + name;
 }
 
 std::string CalibrationCells::elementOf(int cell) const {

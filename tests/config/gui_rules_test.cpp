@@ -22,9 +22,6 @@ using testing::RecordingHost;
 
 constexpr int lowBlendCell = 228;
 
-const UnitKind* const kinds[] = {&orbaKind(), &orbLiteKind(), &pzk2Kind(),
-                                 &orbcKind(), &orbdKind(),    &orbd6Kind()};
-
 std::vector<int> visiblePages(const GuiRules& rules) {
     std::vector<int> pages;
     for (const PageRule& page : rules.pages) {
@@ -129,31 +126,31 @@ TEST(GuiRules, WithoutACalibrationOnlyTheOverviewIsLeft) {
 }
 
 TEST(GuiRules, EveryPageAndTableOfEveryTreeIsOpenAndNoHiddenOneIsReachable) {
-    for (const UnitKind* kind : kinds) {
+    for (const UnitKind& kind : unitKinds()) {
         for (const int release : {1, 2, 3, 5}) {
             for (const bool baro : {false, true}) {
-                Calibration calibration(*kind, release, baro);
+                Calibration calibration(kind, release, baro);
                 const GuiRules rules = calibration.rules();
                 std::set<int> reachable;
                 for (const TreeNode& node : treeNodes(calibration.unit)) {
                     if (!node.table.empty()) {
-                        EXPECT_TRUE(hasTable(*kind, node.table)) << kind->className << " " << node.text;
+                        EXPECT_TRUE(hasTable(kind, node.table)) << kind.className << " " << node.text;
                         EXPECT_GT(calibration.unit.find("Get_" + node.table)->count, 1) << node.text;
                     }
                     if (node.page < 0) continue;
                     reachable.insert(node.page);
-                    ASSERT_NE(rules.page(node.page), nullptr) << kind->className << " " << node.text;
-                    EXPECT_TRUE(rules.pageVisible(node.page)) << kind->className << " " << node.text;
+                    ASSERT_NE(rules.page(node.page), nullptr) << kind.className << " " << node.text;
+                    EXPECT_TRUE(rules.pageVisible(node.page)) << kind.className << " " << node.text;
                 }
-                EXPECT_THAT(visiblePages(rules), ElementsAreArray(reachable)) << kind->className;
+                EXPECT_THAT(visiblePages(rules), ElementsAreArray(reachable)) << kind.className;
             }
         }
     }
 }
 
 TEST(GuiRules, AVisibleControlHasItsMemberAndStandsOnAVisiblePage) {
-    for (const UnitKind* kind : kinds) {
-        Calibration calibration(*kind);
+    for (const UnitKind& kind : unitKinds()) {
+        Calibration calibration(kind);
         const GuiRules rules = calibration.rules();
         int visible = 0;
         for (const ControlRule& control : rules.controls) {
@@ -164,16 +161,16 @@ TEST(GuiRules, AVisibleControlHasItsMemberAndStandsOnAVisiblePage) {
             const std::string_view member = fieldOf(control.control)->member;
             EXPECT_TRUE(member.empty() || calibration.unit.has(member)) << control.control;
         }
-        EXPECT_GT(visible, 30) << kind->className;
+        EXPECT_GT(visible, 30) << kind.className;
     }
 }
 
 TEST(GuiRules, OldFirmwareHasTheBarRatingPageAndNoApproach) {
-    for (const UnitKind* kind : kinds) {
-        Calibration calibration(*kind, 2);
-        EXPECT_TRUE(calibration.rules().pageVisible(25)) << kind->className;
-        EXPECT_FALSE(calibration.rules().pageVisible(28)) << kind->className;
-        EXPECT_FALSE(calibration.rules().pageVisible(21)) << kind->className;
+    for (const UnitKind& kind : unitKinds()) {
+        Calibration calibration(kind, 2);
+        EXPECT_TRUE(calibration.rules().pageVisible(25)) << kind.className;
+        EXPECT_FALSE(calibration.rules().pageVisible(28)) << kind.className;
+        EXPECT_FALSE(calibration.rules().pageVisible(21)) << kind.className;
         EXPECT_TRUE(calibration.visible("txtSENSOR_MAP1"));
         EXPECT_FALSE(calibration.visible("cmbMAPSensors"));
         EXPECT_EQ(calibration.rules().control("txtSENSOR_MAP2")->page, 25);
@@ -206,15 +203,15 @@ TEST(GuiRules, ToothLimitsShowWhereTheUnitHasThem) {
 }
 
 TEST(GuiRules, KnockBoxesAreEnabledWhileKnockControlIsOn) {
-    for (const UnitKind* kind : kinds) {
-        Calibration calibration(*kind);
+    for (const UnitKind& kind : unitKinds()) {
+        Calibration calibration(kind);
         EXPECT_TRUE(calibration.enabled("optKnock_Active"));
-        EXPECT_FALSE(calibration.enabled("txtKNOCK_CTL1")) << kind->className;
-        EXPECT_FALSE(calibration.enabled("txtKNOCK_CTL5")) << kind->className;
+        EXPECT_FALSE(calibration.enabled("txtKNOCK_CTL1")) << kind.className;
+        EXPECT_FALSE(calibration.enabled("txtKNOCK_CTL5")) << kind.className;
         calibration.unit.set("opt_KnockActive", 1);
-        EXPECT_TRUE(calibration.enabled("txtKNOCK_CTL1")) << kind->className;
-        EXPECT_TRUE(calibration.enabled("txtKNOCK_CTL5")) << kind->className;
-        EXPECT_TRUE(calibration.enabled("txtSENSOR_Knock")) << kind->className;
+        EXPECT_TRUE(calibration.enabled("txtKNOCK_CTL1")) << kind.className;
+        EXPECT_TRUE(calibration.enabled("txtKNOCK_CTL5")) << kind.className;
+        EXPECT_TRUE(calibration.enabled("txtSENSOR_Knock")) << kind.className;
     }
 }
 
@@ -256,15 +253,15 @@ TEST(GuiRules, TemperatureCaptionsFollowTheScale) {
 }
 
 TEST(GuiRules, ActTheSameOnEveryCallAndChangeNoCell) {
-    for (const UnitKind* kind : kinds) {
-        Calibration calibration(*kind);
+    for (const UnitKind& kind : unitKinds()) {
+        Calibration calibration(kind);
         Unit& unit = calibration.unit;
-        for (int cell = 3; cell < kind->orbFileLength; ++cell) {
+        for (int cell = 3; cell < kind.orbFileLength; ++cell) {
             unit.AssignDirectIndex(static_cast<float>(1 + cell % 3), cell);
         }
         const GuiRules before = guiRules(unit);
         const GuiRules after = guiRules(unit);
-        for (int cell = 3; cell < kind->orbFileLength; ++cell) {
+        for (int cell = 3; cell < kind.orbFileLength; ++cell) {
             ASSERT_EQ(unit.DirectIndex(cell), static_cast<float>(1 + cell % 3)) << cell;
         }
         ASSERT_EQ(before.controls.size(), after.controls.size());

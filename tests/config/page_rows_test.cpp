@@ -14,9 +14,6 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
-const UnitKind* const kinds[] = {&orbaKind(), &orbLiteKind(), &pzk2Kind(),
-                                 &orbcKind(), &orbdKind(),    &orbd6Kind()};
-
 struct Pages {
     testing::RecordingHost host;
     Unit unit;
@@ -131,11 +128,11 @@ TEST(PageRows, NoPageTellsAValueInTheScaleThatTheSettingDoesNotName) {
 }
 
 TEST(PageRows, EveryPageOfEveryTreeTellsSomething) {
-    for (const UnitKind* kind : kinds) {
-        Pages pages(*kind);
+    for (const UnitKind& kind : unitKinds()) {
+        Pages pages(kind);
         for (const TreeNode& node : treeNodes(pages.unit)) {
             if (node.page == tablePage) continue;
-            EXPECT_THAT(pages.of(node.page), Not(IsEmpty())) << kind->model << " " << node.text;
+            EXPECT_THAT(pages.of(node.page), Not(IsEmpty())) << kind.model << " " << node.text;
         }
     }
 }

@@ -31,6 +31,9 @@ class QuietHostTest : public ::testing::Test {
 TEST_F(QuietHostTest, ARefusedValueThrowsTheWarningWithItsRangeAndChangesNothing) {
     setOrThrow(unit, "KNK_MIN", 40);
     EXPECT_EQ(refusalOf("KNK_MIN", 101), "Warning 1001: Data Input Error: (2 to 100 units) - Invalid Entry.");
+    EXPECT_THAT(refusalOf("KNK_MIN", "fifty"), HasSubstr("Warning 1000: Data Input Error"));
+    EXPECT_THAT(refusalOf("KNK_MIN", "  "), HasSubstr("Warning 1005: Data Input Error"));
+    EXPECT_EQ(refusalOf("CONDIV", 3), "Warning 1001: Data Input Error: 2,4,8,16,32 or 64 - Invalid Entry.");
     EXPECT_EQ(unit.get("KNK_MIN"), 40);
 }
 
@@ -39,18 +42,6 @@ TEST_F(QuietHostTest, AValueAtEitherEndOfItsRangeIsTaken) {
     EXPECT_EQ(unit.get("KNK_MIN"), 2);
     setOrThrow(unit, "KNK_MIN", 100);
     EXPECT_EQ(unit.get("KNK_MIN"), 100);
-}
-
-TEST_F(QuietHostTest, TextThatIsNoNumberIsRefusedWithWarning1000) {
-    EXPECT_THAT(refusalOf("KNK_MIN", "fifty"), HasSubstr("Warning 1000: Data Input Error"));
-}
-
-TEST_F(QuietHostTest, BlankTextIsRefusedWithWarning1005) {
-    EXPECT_THAT(refusalOf("KNK_MIN", "  "), HasSubstr("Warning 1005: Data Input Error"));
-}
-
-TEST_F(QuietHostTest, ANumberBetweenListedValuesIsRefused) {
-    EXPECT_EQ(refusalOf("CONDIV", 3), "Warning 1001: Data Input Error: 2,4,8,16,32 or 64 - Invalid Entry.");
 }
 
 TEST_F(QuietHostTest, ANumberThatFitsNoFloatIsAnOverflow) {
@@ -129,12 +120,9 @@ class FileKinds : public ::testing::Test {
     }
 };
 
-TEST_F(FileKinds, AFileShorterThanItsHeaderIsNoCalibration) {
-    EXPECT_THAT(openFailure("12345678901"), HasSubstr("is no calibration file"));
-}
-
-TEST_F(FileKinds, AFileThatDoesNotBeginWithAUnitKindIsNoCalibration) {
-    EXPECT_THAT(openFailure("This is a letter to a friend."), HasSubstr("is no calibration file"));
+TEST_F(FileKinds, AFileShorterThanItsHeaderOrWithoutAUnitKindIsNoCalibration) {
+    for (const char* content : {"12345678901", "This is a letter to a friend."})
+        EXPECT_THAT(openFailure(content), HasSubstr("is no calibration file")) << content;
 }
 
 TEST_F(FileKinds, AMissingFileIsNamed) {

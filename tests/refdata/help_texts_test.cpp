@@ -52,10 +52,7 @@ void addTree(Keys& keys, const UnitKind& kind) {
 
 Keys keysInUse() {
     Keys keys;
-    for (const UnitKind* kind :
-         {&orbaKind(), &orbLiteKind(), &pzk2Kind(), &orbcKind(), &orbdKind(), &orbd6Kind()}) {
-        addTree(keys, *kind);
-    }
+    for (const UnitKind& kind : unitKinds()) addTree(keys, kind);
     for (const FieldRow& row : fieldRows()) add(keys, row.help);
     for (const char* key : formKeys) add(keys, key);
     return keys;

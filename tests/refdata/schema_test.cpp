@@ -89,14 +89,5 @@ TEST_F(Schema, Datalog2HasTheChannelsWithPinsBehindTheStepDirectionAndTheIdleSpe
     expectColumns("Datalog2", names);
 }
 
-TEST_F(Schema, DefaultsHasAColumnForEachNamedSet) {
-    const auto tables = columnsOfFile(path);
-    const auto& columns = tables.at("Defaults");
-    for (const std::string& set :
-         words("ADV VE SPW AFR BLDTBL BATCOM CHKTBL MATENH CLTTBL MATADV MATADV_PZK2 X Y")) {
-        EXPECT_NE(std::find(columns.begin(), columns.end(), set), columns.end()) << set;
-    }
-}
-
 }  // namespace
 }  // namespace zentaq::refdata

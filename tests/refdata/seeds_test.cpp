@@ -9,7 +9,6 @@
 #include "base/text.h"
 #include "refdata/schema.h"
 #include "refdata_fixture.h"
-#include "single_defaults.h"
 #include "unit/unit_kind.h"
 
 namespace zentaq::refdata {
@@ -102,20 +101,6 @@ TEST_F(Seeds, AnIgnitionOnlyUnitNamesNoInjection) {
         EXPECT_EQ(engine.displayValue.find("Injection"), std::string::npos) << engine.displayValue;
         EXPECT_EQ(engine.displayValue.find("Throttle"), std::string::npos) << engine.displayValue;
     }
-}
-
-TEST_F(Seeds, EnginesAreListedByTheirNumberOfCylindersThenByName) {
-    std::vector<std::string> names;
-    for (const EngineRow& engine : open().engines(3, 2)) names.push_back(engine.displayValue);
-    const auto place = [&](std::string_view name) { return std::ranges::find(names, name) - names.begin(); };
-    EXPECT_LT(place("2 Rotor Rotary, Leading and Trailing Plugs"),
-              place("4 Cylinder Wasted Spark, Paired Injection"));
-    EXPECT_LT(place("4 Cylinder Wasted Spark, Paired Injection"),
-              place("12 Cylinder Wasted Spark, Paired Injection"));
-    EXPECT_LT(place("12 Cylinder Wasted Spark, Paired Injection"),
-              place("V-Twin 60 Degree Odd Fire, Sequential Injection"));
-    EXPECT_LT(static_cast<std::size_t>(place("V-Twin 60 Degree Odd Fire, Sequential Injection")),
-              names.size());
 }
 
 TEST_F(Seeds, EngineNamesAndOptionsStandOnceInTheirKind) {
@@ -325,13 +310,6 @@ TEST_F(Seeds, DefaultSetsHaveTheShapeOfTheirTables) {
     for (const auto& [set, length] : lengths) EXPECT_EQ(database.defaults(set).size(), length) << set;
 }
 
-TEST_F(Seeds, EveryScalarOfANewCalibrationHasADefault) {
-    const Database database = open();
-    for (const char* member : singleDefaults) {
-        EXPECT_EQ(database.defaults(member).size(), 1u) << member;
-    }
-}
-
 TEST_F(Seeds, TableDefaultsAreWhatAnEngineCanRunOn) {
     const Database database = open();
     const auto advance = database.defaults("ADV");
@@ -428,27 +406,6 @@ TEST_F(Seeds, BoostTakesTimingOffAndAddsFuelWithoutAStep) {
     EXPECT_TRUE(std::is_sorted(retard.begin(), retard.end()));
     EXPECT_TRUE(std::is_sorted(fuel.begin(), fuel.end()));
     EXPECT_TRUE(std::is_sorted(ratio.rbegin(), ratio.rend()));
-}
-
-// ---- Help and tips
-
-TEST_F(Seeds, EveryFieldOfTheGeneralPageHasHelp) {
-    const Database database = open();
-    for (const char* key :
-         {"helprevl", "helptog", "helptiot", "helpmtot", "helpdace3", "helpCamtype", "helpmaprange",
-          "helpMboost", "helpinjnum", "help42inj", "helpBrakeHP", "helpfueltype", "helpinjsize", "helpknock",
-          "helpMAPsen", "helpTPSsen", "helpoption", "helparrow"}) {
-        const auto help = database.help(key);
-        ASSERT_TRUE(help) << key;
-        EXPECT_FALSE(help->topic.empty()) << key;
-        EXPECT_GT(help->text.size(), 30u) << key;
-    }
-}
-
-TEST_F(Seeds, ThereAreADozenTipsAndNoneTwice) {
-    const auto tips = open().tips();
-    EXPECT_GE(tips.size(), 12u);
-    EXPECT_EQ(std::set<std::string>(tips.begin(), tips.end()).size(), tips.size());
 }
 
 }  // namespace
