@@ -23,10 +23,7 @@ class ContendedPort {
 
     explicit ContendedPort(QApplication& application) {
         std::filesystem::create_directory(folder_.path("app"));
-        const std::string command = "'" + std::string(ZENTAQ_APP_DIR) +
-                                    "/zentaq-sim' --unit A --firmware ZQA-505100 --make-firmware '" +
-                                    firmware_ + "' >/dev/null";
-        ready_ = std::system(command.c_str()) == 0;
+        ready_ = makeFirmware(firmware_);
         std::filesystem::copy_file(anySample(), calibration_);
         unit_ = std::make_unique<UnitProcess>(folder_.path("unit"), folder_.path("memory.bin"),
                                               QStringList{"--upgrade-mode", "--baud", "0"});

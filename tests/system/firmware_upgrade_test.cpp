@@ -1,51 +1,29 @@
 // A firmware upgrade of the whole program on a simulated unit in a process of its own: the good end, each way
 // to fail, and what the unit holds afterwards.
-#include <gtest/gtest.h>
-
 #include <csignal>
-#include <cstdlib>
 
-#include "system/flight_rig.h"
+#include "system/flight_bench.h"
 
 namespace zentaq {
 namespace {
 
-constexpr int upgradePatienceMs = 40'000;
 constexpr const char* loadCalibration = "The BIN file MUST be loaded before starting your engine.";
 constexpr const char* intact = "The previous version of the firmware is still intact.";
 constexpr const char* gone = "There is now no firmware installed on this unit";
 
-class FirmwareFlight : public testing::Test {
+class FirmwareFlight : public FlightBench {
  protected:
-    int argc_ = 1;
-    std::string name_ = "firmware";
-    char* argv_[2] = {name_.data(), nullptr};
-    QApplication application{argc_, argv_};
-    TemporaryFolder folder;
-    std::string link = folder.path("unit");
-    std::string memoryFile = folder.path("memory.bin");
-    std::string firmware = folder.path("ZQA-505100.nv3");
-    std::unique_ptr<UnitProcess> unit;
-    std::unique_ptr<Program> program;
+    const std::string firmware = folder.path("ZQA-505100.nv3");
 
-    void SetUp() override {
-        std::filesystem::create_directory(folder.path("app"));
-        const std::string command = "'" + std::string(ZENTAQ_APP_DIR) +
-                                    "/zentaq-sim' --unit A --firmware ZQA-505100 --make-firmware '" +
-                                    firmware + "' >/dev/null";
-        ASSERT_EQ(std::system(command.c_str()), 0);
-    }
+    void SetUp() override { ASSERT_TRUE(makeFirmware(firmware)); }
     /// The program has found a unit with these options.
-    void start(QStringList options) {
-        options << "--serial"
-                << "200042"
-                << "--baud"
-                << "0";
-        unit = std::make_unique<UnitProcess>(link, memoryFile, options);
-        ASSERT_TRUE(unit->ready());
-        program = std::make_unique<Program>(application, folder.path("app"), link);
-        program->kernel.load();
-        ASSERT_TRUE(Program::waitFor([&] { return program->identified(); }, upgradePatienceMs));
+    void start(const QStringList& options) {
+        startUnit(QStringList(options) << "--serial"
+                                       << "200042"
+                                       << "--baud"
+                                       << "0");
+        startProgram();
+        ASSERT_TRUE(found());
     }
     /// A whole file of few lines, so that no fault at a later line meets it.
     void shorten() const {
@@ -62,9 +40,6 @@ class FirmwareFlight : public testing::Test {
         program->windows.main().run("mnuFirmwareUpgrade");
         ASSERT_TRUE(program->session.link.transfer().firmware());
     }
-    bool told(const char* text) {
-        return Program::waitFor([&] { return program->boxShown(text); }, upgradePatienceMs);
-    }
     std::string state() const {
         const auto bytes = bytesOf(memoryFile + ".firmware");
         return {bytes.begin(), bytes.end()};
@@ -78,8 +53,7 @@ TEST_F(FirmwareFlight, AnUpgradeEndsWellAndTheUnitComesBackWithItsNewFirmware) {
     upgrade();
 
     // Meanwhile nothing may end the program unasked, and nobody may search or change the port.
-    ASSERT_TRUE(
-        Program::waitFor([&] { return program->session.link.transfer().line() > 20; }, upgradePatienceMs));
+    ASSERT_TRUE(comes([&] { return program->session.link.transfer().line() > 20; }));
     program->kernel.closeRequested();
     EXPECT_TRUE(program->boxShown("A firmware upgrade is running."));
     EXPECT_FALSE(program->windows.closed());
@@ -92,9 +66,9 @@ TEST_F(FirmwareFlight, AnUpgradeEndsWellAndTheUnitComesBackWithItsNewFirmware) {
     EXPECT_FALSE(program->session.link.AutoPollSuspended());
 
     // The unit is silent until its power is cycled; then it is found by itself.
-    ASSERT_TRUE(Program::waitFor([&] { return !program->identified(); }, upgradePatienceMs));
+    ASSERT_TRUE(lost());
     unit->signal(SIGHUP);
-    ASSERT_TRUE(Program::waitFor([&] { return program->identified(); }, upgradePatienceMs));
+    ASSERT_TRUE(found());
     EXPECT_EQ(program->session.linkDisplay.status().firmware, "ZQA-505100");
     EXPECT_NE(program->log().find("ORB: Firmware Upload Successful, Verified!"), std::string::npos);
 }
@@ -114,11 +88,10 @@ TEST_F(FirmwareFlight, NothingOfTheUserEntersInsideATickAndTheBoxOfAClosingWindo
         if (title != "Transfer Running") return;
         boxInsideTick = wire.handling();
         before = wire.transfer().line();
-        Program::waitFor([&] { return wire.transfer().line() > before + 20 || !wire.transfer().firmware(); },
-                         upgradePatienceMs);
+        comes([&] { return wire.transfer().line() > before + 20 || !wire.transfer().firmware(); });
         after = wire.transfer().line();
     };
-    ASSERT_TRUE(Program::waitFor([&] { return wire.transfer().line() > 20; }, upgradePatienceMs));
+    ASSERT_TRUE(comes([&] { return wire.transfer().line() > 20; }));
     EXPECT_FALSE(program->windows.main().close());
     always.stop();
     EXPECT_TRUE(program->boxShown("A firmware upgrade is running."));
@@ -134,9 +107,7 @@ TEST_F(FirmwareFlight, AUnitThatIsNotInUpgradeModeKeepsItsFirmwareAndGoesOn) {
     upgrade();
     ASSERT_TRUE(told(intact));
     EXPECT_EQ(state(), "");
-    const auto frames = program->session.live.frames;
-    EXPECT_TRUE(
-        Program::waitFor([&] { return program->session.live.frames > frames + 20; }, upgradePatienceMs));
+    EXPECT_TRUE(framesCome(21));
     EXPECT_TRUE(program->identified());
 
     // With its switch on it takes the same file.
@@ -153,8 +124,7 @@ TEST_F(FirmwareFlight, ARefusedLineLeavesNoFirmwareAndASecondRunMendsTheUnit) {
     EXPECT_EQ(state().substr(0, 7), "missing");
 
     // The unit answers nothing now but the start of programming; polls in front of it are in vain.
-    ASSERT_TRUE(Program::waitFor([&] { return program->session.link.linked().LinkedUnitKind == 0; },
-                                 upgradePatienceMs));
+    ASSERT_TRUE(comes([&] { return program->session.link.linked().LinkedUnitKind == 0; }));
     shorten();
     upgrade();
     ASSERT_TRUE(told(loadCalibration));
@@ -174,7 +144,7 @@ TEST_F(FirmwareFlight, SilenceInTheMiddleEndsByItsTimeOutAndASecondRunMendsTheUn
     upgrade();
     ASSERT_TRUE(told(loadCalibration));
     unit->signal(SIGHUP);
-    ASSERT_TRUE(Program::waitFor([&] { return program->identified(); }, upgradePatienceMs));
+    ASSERT_TRUE(found());
     EXPECT_EQ(program->session.linkDisplay.status().firmware, "ZQA-505100");
 }
 

@@ -8,6 +8,7 @@
 #include <QTimer>
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -153,6 +154,14 @@ class Program {
 inline std::vector<std::uint8_t> bytesOf(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// A firmware file for a simulated ORB A; false when none was made.
+inline bool makeFirmware(const std::string& path) {
+    const std::string command = "'" + std::string(ZENTAQ_APP_DIR) +
+                                "/zentaq-sim' --unit A --firmware ZQA-505100 --make-firmware '" + path +
+                                "' >/dev/null";
+    return std::system(command.c_str()) == 0;
 }
 
 inline std::string anySample() {

@@ -4,46 +4,26 @@
 #include <algorithm>
 #include <set>
 
-#include "system/flight_rig.h"
+#include "system/flight_bench.h"
 
 namespace zentaq {
 namespace {
 
-constexpr int patienceMs = 20'000;
-
-class Flight : public testing::Test {
- protected:
-    int argc_ = 1;
-    std::string name_ = "flight";
-    char* argv_[2] = {name_.data(), nullptr};
-    QApplication application{argc_, argv_};
-    TemporaryFolder folder;
-    std::string link = folder.path("unit");
-    std::string memoryFile = folder.path("memory.bin");
-    std::string runningFile = folder.path("running.bin");
-    std::string calibration = folder.path("flight.ZQ4OA");
-
-    void SetUp() override {
-        std::filesystem::create_directory(folder.path("app"));
-        std::filesystem::copy_file(anySample(), calibration);
-    }
-};
+using Flight = FlightBench;
 
 TEST_F(Flight, AWholeFlightFromIdentificationToTheReturnOfTheCable) {
-    const QStringList options{"--serial", "200042", "--running-memory", QString::fromStdString(runningFile)};
-    auto unit = std::make_unique<UnitProcess>(link, memoryFile, options);
-    ASSERT_TRUE(unit->ready());
-    Program program(application, folder.path("app"), link);
-    Session& session = program.session;
-    program.kernel.load();
+    const std::string runningFile = folder.path("running.bin");
+    startUnit({"--serial", "200042", "--running-memory", QString::fromStdString(runningFile)});
+    startProgram();
+    Session& session = program->session;
 
     // The link finds the unit by itself.
-    ASSERT_TRUE(Program::waitFor([&] { return program.identified(); }, patienceMs));
+    ASSERT_TRUE(found());
     EXPECT_EQ(session.link.linked().SerialNumber, 200042);
     EXPECT_EQ(session.link.linked().LinkedUnitKind, 3);
     EXPECT_EQ(session.linkDisplay.status().serialNumber, "200042");
     EXPECT_TRUE(session.link.linked().WideMonitor);
-    ASSERT_TRUE(program.open(calibration));
+    ASSERT_TRUE(program->open(calibration));
     EXPECT_TRUE(session.currentUnitObject().ONFLY_MODE());
 
     // Ten seconds of live frames; the engine moves.
@@ -61,18 +41,15 @@ TEST_F(Flight, AWholeFlightFromIdentificationToTheReturnOfTheCable) {
 
     // A change of one VE cell is one byte of the unit's memory: 12 + 50 = 62 at 912 + 37.
     ASSERT_TRUE(session.currentUnitObject().set("VE", 12.0, 37));
-    EXPECT_TRUE(Program::waitFor(
-        [&] {
-            const auto memory = bytesOf(runningFile);
-            return memory.size() > 949 && memory[949] == 62;
-        },
-        patienceMs));
+    EXPECT_TRUE(comes([&] {
+        const auto memory = bytesOf(runningFile);
+        return memory.size() > 949 && memory[949] == 62;
+    }));
 
     // Programming: 147 lines and the unit's memory is the image.
-    program.commands.programming.programOrb();
+    program->commands.programming.programOrb();
     EXPECT_TRUE(session.link.transfer().active() || session.link.ring().count() > 0);
-    ASSERT_TRUE(Program::waitFor(
-        [&] { return program.boxShown("You have successfully programmed your ORB unit."); }, patienceMs));
+    ASSERT_TRUE(told("You have successfully programmed your ORB unit."));
     const std::vector<std::uint8_t> image = session.currentUnitObject().memoryBytes();
     ASSERT_EQ(image.size(), 147u * 16u);
     const std::vector<std::uint8_t> memory = bytesOf(memoryFile);
@@ -82,31 +59,27 @@ TEST_F(Flight, AWholeFlightFromIdentificationToTheReturnOfTheCable) {
 
     // The file is whole and opens again.
     session.markModified();
-    program.commands.saves.save();
-    ASSERT_TRUE(
-        Program::waitFor([&] { return program.boxShown("Data has been saved Successfully!"); }, patienceMs));
+    program->commands.saves.save();
+    ASSERT_TRUE(told("Data has been saved Successfully!"));
     EXPECT_EQ(std::filesystem::file_size(calibration), 11324u);
-    ASSERT_TRUE(program.open(calibration));
+    ASSERT_TRUE(program->open(calibration));
     EXPECT_EQ(session.currentUnitObject().get("VE", 37), 12);
 
     // The cable is pulled: the link goes down and says so.
     unit->stop();
-    ASSERT_TRUE(Program::waitFor([&] { return session.link.linked().LinkedUnitKind == 0; }, patienceMs));
-    ASSERT_TRUE(Program::waitFor(
-        [&] { return session.linkDisplay.status().noConnectText == "Connecting..."; }, patienceMs));
+    ASSERT_TRUE(comes([&] { return session.link.linked().LinkedUnitKind == 0; }));
+    ASSERT_TRUE(comes([&] { return session.linkDisplay.status().noConnectText == "Connecting..."; }));
     EXPECT_FALSE(session.currentUnitObject().ONFLY_MODE());
 
     // It comes back by itself, and changes reach the unit again.
-    unit = std::make_unique<UnitProcess>(link, memoryFile, QStringList{"--serial", "200042"});
-    ASSERT_TRUE(unit->ready());
-    ASSERT_TRUE(Program::waitFor([&] { return program.identified(); }, patienceMs));
+    startUnit({"--serial", "200042"});
+    ASSERT_TRUE(found());
     EXPECT_TRUE(session.currentUnitObject().ONFLY_MODE());
-    const auto framesAfterReturn = session.live.frames;
-    EXPECT_TRUE(Program::waitFor([&] { return session.live.frames > framesAfterReturn + 20; }, patienceMs));
+    EXPECT_TRUE(framesCome(21));
 
     // The log tells the story.
-    program.kernel.System_Shutdown(true);
-    const std::string log = program.log();
+    program->kernel.System_Shutdown(true);
+    const std::string log = program->log();
     for (const char* line :
          {"User Interface Initialized.", "Connection with ORB Established.", "ORB :: Firmware:",
           "Loaded Calibration: ", "ORB: Upload Successful, Program Verified!", "System Shutdown!"}) {

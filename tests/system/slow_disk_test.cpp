@@ -1,6 +1,5 @@
 // The whole program while the disk does not answer: it looks at the unit, shows it and takes keys, and tells
 // of the save when the file is on the disk.
-#include <gtest/gtest.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -8,7 +7,7 @@
 #include <chrono>
 #include <thread>
 
-#include "system/flight_rig.h"
+#include "system/flight_bench.h"
 
 namespace {
 
@@ -28,8 +27,6 @@ extern "C" int fsync(int descriptor) {
 namespace zentaq {
 namespace {
 
-constexpr int slowPatienceMs = 20'000;
-
 /// So that a test that fails leaves no thread waiting.
 struct BusyDisk {
     BusyDisk() { diskBusy = true; }
@@ -39,77 +36,60 @@ struct BusyDisk {
     static void end() { diskBusy = false; }
 };
 
-class SlowDisk : public testing::Test {
+class SlowDisk : public FlightBench {
  protected:
-    int argc_ = 1;
-    std::string name_ = "slow_disk";
-    char* argv_[2] = {name_.data(), nullptr};
-    QApplication application{argc_, argv_};
-    TemporaryFolder folder;
-    std::string link = folder.path("unit");
-    std::string calibration = folder.path("slow.ZQ4OA");
-
-    void SetUp() override {
-        std::filesystem::create_directory(folder.path("app"));
-        std::filesystem::copy_file(anySample(), calibration);
+    /// A change that is not in the file yet; answers what is.
+    std::string change() {
+        EXPECT_TRUE(program->open(calibration));
+        EXPECT_TRUE(program->session.currentUnitObject().set("REV_Limiter", 6100.0));
+        program->session.markModified();
+        return TemporaryFolder::read(calibration);
     }
 };
 
 TEST_F(SlowDisk, FramesGoOnWhileASaveWaitsAndTheBoxComesWhenItIsOnTheDisk) {
-    UnitProcess unit(link, folder.path("memory.bin"));
-    ASSERT_TRUE(unit.ready());
-    Program program(application, folder.path("app"), link);
-    Session& session = program.session;
-    program.kernel.load();
-    ASSERT_TRUE(Program::waitFor([&] { return program.identified(); }, slowPatienceMs));
-    ASSERT_TRUE(program.open(calibration));
-    ASSERT_TRUE(session.currentUnitObject().set("REV_Limiter", 6100.0));
-    session.markModified();
-    const std::string before = TemporaryFolder::read(calibration);
-    const auto told = [&] { return program.boxShown("Data has been saved Successfully!"); };
+    startUnit();
+    startProgram();
+    Session& session = program->session;
+    ASSERT_TRUE(found());
+    const std::string before = change();
+    constexpr const char* saved = "Data has been saved Successfully!";
 
     BusyDisk disk;
-    program.commands.saves.save();
-    ASSERT_TRUE(Program::waitFor([] { return flushesWaiting == 1; }, slowPatienceMs));
-    const auto frames = session.live.frames;
-    EXPECT_TRUE(Program::waitFor([&] { return session.live.frames > frames + 50; }, slowPatienceMs));
-    EXPECT_FALSE(told());
+    program->commands.saves.save();
+    ASSERT_TRUE(comes([] { return flushesWaiting == 1; }));
+    EXPECT_TRUE(framesCome(51));
+    EXPECT_FALSE(program->boxShown(saved));
     EXPECT_TRUE(session.DataModified);
     EXPECT_EQ(TemporaryFolder::read(calibration), before);
 
     // What needs the save waits for it, with the frames going on; the engine can be stopped.
-    program.commands.files.close();
-    program.commands.unit.killEngine();
-    const auto later = session.live.frames;
-    EXPECT_TRUE(Program::waitFor([&] { return session.live.frames > later + 50; }, slowPatienceMs));
+    program->commands.files.close();
+    program->commands.unit.killEngine();
+    EXPECT_TRUE(framesCome(51));
     EXPECT_EQ(session.CurrentFile, calibration);
     EXPECT_EQ(flushesWaiting, 1);
 
     BusyDisk::end();
-    ASSERT_TRUE(Program::waitFor(told, slowPatienceMs));
-    ASSERT_TRUE(Program::waitFor([&] { return session.CurrentFile.empty(); }, slowPatienceMs));
+    ASSERT_TRUE(told(saved));
+    ASSERT_TRUE(comes([&] { return session.CurrentFile.empty(); }));
     EXPECT_NE(TemporaryFolder::read(calibration), before);
 }
 
 TEST_F(SlowDisk, TheEndOfTheProgramWaitsForTheSaveWithTheWindowsOpen) {
-    Program program(application, folder.path("app"), link);
-    Session& session = program.session;
-    program.kernel.load();
-    ASSERT_TRUE(program.open(calibration));
-    ASSERT_TRUE(session.currentUnitObject().set("REV_Limiter", 6100.0));
-    session.markModified();
-    const std::string before = TemporaryFolder::read(calibration);
+    startProgram();
+    const std::string before = change();
 
     BusyDisk disk;
-    program.windows.main().close();  // "Save changes?" is answered OK
-    ASSERT_TRUE(Program::waitFor([] { return flushesWaiting == 1; }, slowPatienceMs));
-    EXPECT_TRUE(program.windows.main().isVisible());
-    program.windows.main().close();
+    program->windows.main().close();  // "Save changes?" is answered OK
+    ASSERT_TRUE(comes([] { return flushesWaiting == 1; }));
+    EXPECT_TRUE(program->windows.main().isVisible());
+    program->windows.main().close();
     Program::runFor(100);
-    EXPECT_TRUE(program.windows.main().isVisible());
+    EXPECT_TRUE(program->windows.main().isVisible());
 
     BusyDisk::end();
-    ASSERT_TRUE(Program::waitFor([&] { return program.windows.closed(); }, slowPatienceMs));
+    ASSERT_TRUE(comes([&] { return program->windows.closed(); }));
     EXPECT_NE(TemporaryFolder::read(calibration), before);
 }
 
