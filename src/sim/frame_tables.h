@@ -2,6 +2,7 @@
 // A profile of a kind names the tables that its replies are made by.
 #pragma once
 
+#include <algorithm>
 #include <array>
 
 #include "base/battery_input.h"
@@ -123,90 +124,81 @@ inline constexpr auto listedPinsC = pinsFrom<13>(firstListedPin);
 inline constexpr auto listedPinsD = pinsFrom<7>(firstListedPin);
 inline constexpr auto listedPinsPzk2 = pinsFrom<4>(firstListedPin);
 
-// kept: actual before desired ratio, the reverse of the narrow frame, is how the unit logs them. The coarse
-// steps of pulse width and gamma belong to the narrow frame alone.
-inline constexpr FrameField logFieldsA[] = {
+/// Lists one behind the other.
+template <std::size_t... counts>
+constexpr auto joined(const FrameField (&... lists)[counts]) {
+    std::array<FrameField, (counts + ...)> all{};
+    auto end = all.begin();
+    ((end = std::ranges::copy(lists, end).out), ...);
+    return all;
+}
+
+/// Where every headed narrow frame and every log record has what an ignition-only unit knows too.
+inline constexpr FrameField ignitionFields[] = {
     {3, 2, &Live::rpm},
-    {5, 1, &Live::tpsVolts, perVolt8},
     {6, 1, &Live::mapSensorVolts, perVolt8},
-    {7, 1, &Live::coolantC, perCelsius, celsiusOffset},
-    {8, 1, &Live::airC, perCelsius, celsiusOffset},
     {9, 1, &Live::knockPercent, perPercent},
     {10, 1, &Live::primaryAdvance, perDegree},
     {11, 1, &Live::secondaryAdvance, perDegree},
     {12, 1, &Live::knockRetard, perRetardDegree},
+};
+
+/// What the ones of a unit with fuel have besides. The coarse steps of pulse width and gamma belong to the
+/// narrow frame of the ORB A alone.
+inline constexpr FrameField fuelFields[] = {
+    {5, 1, &Live::tpsVolts, perVolt8},
+    {7, 1, &Live::coolantC, perCelsius, celsiusOffset},
+    {8, 1, &Live::airC, perCelsius, celsiusOffset},
     {13, 2, &Live::gammaPercent},
-    {15, 1, &Live::actualAfr, perRatio, ratioOffset, Law::FuelRatio},
-    {16, 1, &Live::desiredAfr, perRatio, ratioOffset, Law::FuelRatio},
     {17, 1, &Live::egoCorrectionPercent, 1, oxygenAroundZero},
     {18, 1, &Live::egoVolts, perVolt8},
     {19, 2, &Live::primaryPulseMs, 1000},
     {21, 2, &Live::secondaryPulseMs, 1000},
     {23, 1, &Live::idleDuty},
+};
+
+// kept: actual before desired ratio, the reverse of the narrow frame, is how the unit logs them.
+inline constexpr FrameField logEndA[] = {
+    {15, 1, &Live::actualAfr, perRatio, ratioOffset, Law::FuelRatio},
+    {16, 1, &Live::desiredAfr, perRatio, ratioOffset, Law::FuelRatio},
     {24, 1, &Live::batteryVolts, perBatteryVoltA},
 };
+inline constexpr auto logFieldsA = joined(ignitionFields, fuelFields, logEndA);
 
 /// The fields of the ORB A on a unit whose battery input has the other divider.
 template <std::size_t count>
-constexpr std::array<FrameField, count> withOtherBattery(const FrameField (&fields)[count]) {
-    std::array<FrameField, count> result{};
-    for (std::size_t i = 0; i < count; ++i) {
-        result[i] = fields[i];
-        if (fields[i].value == &Live::batteryVolts) result[i].scale = perBatteryVolt;
+constexpr auto withOtherBattery(std::array<FrameField, count> fields) {
+    for (FrameField& field : fields) {
+        if (field.value == &Live::batteryVolts) field.scale = perBatteryVolt;
     }
-    return result;
+    return fields;
 }
 
-inline constexpr auto wideFields = withOtherBattery(wideFieldsA);
+inline constexpr auto wideFields = withOtherBattery(std::to_array(wideFieldsA));
 inline constexpr auto logFields = withOtherBattery(logFieldsA);
 
-// Fine steps of pulse width and whole percents of gamma: the coarse ones are the ORB A's own.
-inline constexpr FrameField narrowFields[] = {
-    {3, 2, &Live::rpm},
-    {5, 1, &Live::tpsVolts, perVolt8},
-    {6, 1, &Live::mapSensorVolts, perVolt8},
-    {7, 1, &Live::coolantC, perCelsius, celsiusOffset},
-    {8, 1, &Live::airC, perCelsius, celsiusOffset},
-    {9, 1, &Live::knockPercent, perPercent},
-    {10, 1, &Live::primaryAdvance, perDegree},
-    {11, 1, &Live::secondaryAdvance, perDegree},
-    {12, 1, &Live::knockRetard, perRetardDegree},
-    {13, 2, &Live::gammaPercent},
+inline constexpr FrameField narrowEnd[] = {
     {15, 1, &Live::desiredAfr, perRatio, ratioOffset, Law::FuelRatio},
     {16, 1, &Live::actualAfr, perRatio, ratioOffset, Law::FuelRatio},
-    {17, 1, &Live::egoCorrectionPercent, 1, oxygenAroundZero},
-    {18, 1, &Live::egoVolts, perVolt8},
-    {19, 2, &Live::primaryPulseMs, 1000},
-    {21, 2, &Live::secondaryPulseMs, 1000},
-    {23, 1, &Live::idleDuty},
     {24, 1, &Live::idleDirection},
     {25, 1, &Live::batteryVolts, perBatteryVolt},
     {26, 1, &Live::checkEngine},
 };
+inline constexpr auto narrowFields = joined(ignitionFields, fuelFields, narrowEnd);
 
 // kept: the throttle stands where the other kinds have the air temperature.
-inline constexpr FrameField narrowFieldsPzk2[] = {
-    {3, 2, &Live::rpm},
-    {6, 1, &Live::mapSensorVolts, perVolt8},
+inline constexpr FrameField narrowEndPzk2[] = {
     {8, 1, &Live::tpsVolts, perVolt8},
-    {9, 1, &Live::knockPercent, perPercent},
-    {10, 1, &Live::primaryAdvance, perDegree},
-    {11, 1, &Live::secondaryAdvance, perDegree},
-    {12, 1, &Live::knockRetard, perRetardDegree},
     {25, 1, &Live::batteryVolts, perBatteryVolt},
     {26, 1, &Live::checkEngine},
 };
+inline constexpr auto narrowFieldsPzk2 = joined(ignitionFields, narrowEndPzk2);
 
-// The places of the common record; what an ignition-only unit has no sensor for stays 0.
-inline constexpr FrameField logFieldsPzk2[] = {
-    {3, 2, &Live::rpm},
+// What an ignition-only unit has no sensor for stays 0.
+inline constexpr FrameField logEndPzk2[] = {
     {5, 1, &Live::tpsVolts, perVolt8},
-    {6, 1, &Live::mapSensorVolts, perVolt8},
-    {9, 1, &Live::knockPercent, perPercent},
-    {10, 1, &Live::primaryAdvance, perDegree},
-    {11, 1, &Live::secondaryAdvance, perDegree},
-    {12, 1, &Live::knockRetard, perRetardDegree},
     {24, 1, &Live::batteryVolts, perBatteryVolt},
 };
+inline constexpr auto logFieldsPzk2 = joined(ignitionFields, logEndPzk2);
 
 }  // namespace zentaq::sim::frames

@@ -11,9 +11,14 @@ namespace {
 
 struct ExpectedByte {
     std::size_t byte;
-    int raw;
+    unsigned raw;
     const char* why;
+    bool word = false;  ///< two bytes, the high one first
 };
+
+ExpectedByte wordAt(std::size_t byte, unsigned raw, const char* why) {
+    return {byte, raw, why, true};
+}
 
 LiveValues handPicked() {
     LiveValues live;
@@ -54,20 +59,20 @@ LiveValues handPicked() {
 }
 
 void expectBytes(const Bytes& reply, const std::vector<ExpectedByte>& expected) {
-    for (const auto& row : expected)
-        EXPECT_EQ(reply.at(row.byte), row.raw) << "byte " << row.byte << ": " << row.why;
+    for (const auto& row : expected) {
+        EXPECT_EQ(row.word ? test::word(reply, row.byte) : reply.at(row.byte), row.raw)
+            << "byte " << row.byte << ": " << row.why;
+    }
 }
 
 TEST(FrameLayout, NarrowFrameOfOrbAHasNoHeadAndNoChecksum) {
     const Bytes reply = encodeFrame(findProfile("A")->narrow, handPicked());
     ASSERT_EQ(reply.size(), 35u);
-    expectBytes(reply, {{0, 0x0B, "3000 rpm = 0BB8"},
-                        {1, 0xB8, "3000 rpm = 0BB8"},
+    expectBytes(reply, {wordAt(0, 0x0BB8, "3000 rpm = 0BB8"),
                         {2, 85, "20 degrees * 4.25"},
                         {3, 242, "4.74762 V * 51 = 242.13"},
                         {4, 172, "(88 + 40) * 255 / 190 = 171.8"},
-                        {5, 0, "100 % * 2.55 = 00FF"},
-                        {6, 255, "100 % * 2.55 = 00FF"},
+                        wordAt(5, 255, "100 % * 2.55 = 00FF"),
                         {7, 51, "20 % * 2.55"},
                         {8, 87, "(25 + 40) * 255 / 190 = 87.2"},
                         {9, 153, "3 V * 51"},
@@ -81,10 +86,8 @@ TEST(FrameLayout, NarrowFrameOfOrbAHasNoHeadAndNoChecksum) {
                         {17, 140, "desired (14.7 / 14 - 0.5) * 255 = 140.25"},
                         {18, 0, "not used"},
                         {19, 41, "0.8 V * 51 = 40.8"},
-                        {21, 0, "2 ms * 125 = 00FA"},
-                        {22, 250, "2 ms * 125 = 00FA"},
-                        {23, 0x03, "8 ms * 125 = 03E8"},
-                        {24, 0xE8, "8 ms * 125 = 03E8"},
+                        wordAt(21, 250, "2 ms * 125 = 00FA"),
+                        wordAt(23, 0x03E8, "8 ms * 125 = 03E8"),
                         {25, 204, "fifth"},
                         {28, 207, "eighth"},
                         {29, 201, "second"},
@@ -98,37 +101,30 @@ TEST(FrameLayout, WideFrameOfOrbACarriesHeadValuesOutputsAndChecksum) {
     const Bytes reply = encodeFrame(findProfile("A")->wide, handPicked());
     ASSERT_EQ(reply.size(), 65u);
     EXPECT_TRUE(test::isSealed(reply));
-    expectBytes(reply, {{3, 0x0B, "3000 rpm"},
-                        {4, 0xB8, "3000 rpm"},
+    expectBytes(reply, {wordAt(3, 0x0BB8, "3000 rpm"),
                         {5, 153, "3 V * 51"},
-                        {6, 0x03, "4.74762 V * 204 = 968.5 up to 969 = 03C9"},
-                        {7, 0xC9, "4.74762 V * 204 = 968.5 up to 969 = 03C9"},
+                        wordAt(6, 0x03C9, "4.74762 V * 204 = 968.5 up to 969 = 03C9"),
                         {8, 172, "coolant"},
                         {9, 87, "air"},
                         {10, 51, "knock"},
                         {11, 85, "primary"},
                         {12, 68, "secondary"},
                         {13, 17, "retard"},
-                        {14, 0, "gamma as it stands"},
-                        {15, 100, "gamma as it stands"},
+                        wordAt(14, 100, "gamma as it stands"),
                         {16, 140, "desired comes first here"},
                         {17, 185, "actual"},
                         {18, 133, "correction"},
                         {19, 41, "oxygen sensor"},
-                        {20, 0x1F, "8 ms * 1000 = 1F40"},
-                        {21, 0x40, "8 ms * 1000 = 1F40"},
-                        {22, 0x07, "2 ms * 1000 = 07D0"},
-                        {23, 0xD0, "2 ms * 1000 = 07D0"},
+                        wordAt(20, 0x1F40, "8 ms * 1000 = 1F40"),
+                        wordAt(22, 0x07D0, "2 ms * 1000 = 07D0"),
                         {24, 102, "40 % * 2.55"},
                         {25, 51, "20 % * 2.55"},
                         {26, 102, "40 % * 2.55"},
                         {27, 1, "direction"},
                         {28, 205, "battery"},
                         {29, 1, "lamp"},
-                        {30, 0x2E, "12 ms * 1000 = 2EE0"},
-                        {31, 0xE0, "12 ms * 1000 = 2EE0"},
-                        {32, 0x03, "4.74762 V * 204.6 = 971.4 = 03CB"},
-                        {33, 0xCB, "4.74762 V * 204.6 = 971.4 = 03CB"},
+                        wordAt(30, 0x2EE0, "12 ms * 1000 = 2EE0"),
+                        wordAt(32, 0x03CB, "4.74762 V * 204.6 = 971.4 = 03CB"),
                         {34, 46, "-4 % around 50"},
                         {35, 50, "none"},
                         {36, 7, "raw"},
@@ -150,8 +146,7 @@ TEST(FrameLayout, NarrowFrameOfTheOtherKindsHasHeadFineStepsAndChecksum) {
         expectBytes(reply, {{0, 0xFA, "head"},
                             {1, 0xA5, "head"},
                             {2, 0x55, "head"},
-                            {3, 0x0B, "3000 rpm = 0BB8"},
-                            {4, 0xB8, "3000 rpm = 0BB8"},
+                            wordAt(3, 0x0BB8, "3000 rpm = 0BB8"),
                             {5, 153, "throttle, 3 V * 51"},
                             {6, 242, "pressure, 4.74762 V * 51"},
                             {7, 172, "coolant"},
@@ -160,16 +155,13 @@ TEST(FrameLayout, NarrowFrameOfTheOtherKindsHasHeadFineStepsAndChecksum) {
                             {10, 85, "primary"},
                             {11, 68, "secondary"},
                             {12, 17, "retard"},
-                            {13, 0, "gamma as it stands"},
-                            {14, 100, "gamma as it stands"},
+                            wordAt(13, 100, "gamma as it stands"),
                             {15, 140, "desired before actual"},
                             {16, 185, "actual"},
                             {17, 133, "correction"},
                             {18, 41, "oxygen sensor"},
-                            {19, 0x1F, "8 ms * 1000 = 1F40"},
-                            {20, 0x40, "8 ms * 1000 = 1F40"},
-                            {21, 0x07, "2 ms * 1000 = 07D0"},
-                            {22, 0xD0, "2 ms * 1000 = 07D0"},
+                            wordAt(19, 0x1F40, "8 ms * 1000 = 1F40"),
+                            wordAt(21, 0x07D0, "2 ms * 1000 = 07D0"),
                             {23, 103, "idle motor"},
                             {24, 1, "direction"},
                             {25, 176, "13.8 V / 0.078431 = 175.95"},
@@ -181,8 +173,7 @@ TEST(FrameLayout, NarrowFrameOfTheOtherKindsHasHeadFineStepsAndChecksum) {
 TEST(FrameLayout, NarrowFrameOfThePzk2HasIgnitionOnlyAndItsThrottleAtByte8) {
     const Bytes reply = encodeFrame(findProfile("PZK-2")->narrow, handPicked());
     ASSERT_EQ(reply.size(), 28u);
-    expectBytes(reply, {{3, 0x0B, "rpm"},
-                        {4, 0xB8, "rpm"},
+    expectBytes(reply, {wordAt(3, 0x0BB8, "rpm"),
                         {5, 0, "no throttle here"},
                         {6, 242, "pressure"},
                         {7, 0, "none"},

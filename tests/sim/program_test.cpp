@@ -1,18 +1,11 @@
 // The real zentaq-sim: that its options reach the unit.
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <poll.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <csignal>
 #include <fstream>
 #include <optional>
 #include <sstream>
 
-#include "sim/file_descriptor.h"
-#include "sim_helpers.h"
+#include "simulator_process.h"
 
 namespace zentaq::sim {
 namespace {
@@ -21,81 +14,19 @@ namespace fs = std::filesystem;
 using namespace test;
 using Words = std::vector<std::string>;
 
-/// The program in a process of its own; ended with the object.
-class Program {
+class Program : public SimulatorProcess {
  public:
-    explicit Program(const Words& options) {
-        int ends[2];
-        EXPECT_EQ(::pipe2(ends, O_CLOEXEC), 0);
-        out_ = FileDescriptor(ends[0]);
-        const FileDescriptor theirs(ends[1]);
-        Words words{ZENTAQ_APP_DIR "/zentaq-sim"};
-        words.insert(words.end(), options.begin(), options.end());
+    explicit Program(Words options) : SimulatorProcess([&] { return run(options); }) {}
+
+ private:
+    static int run(Words& words) {
+        words.insert(words.begin(), ZENTAQ_APP_DIR "/zentaq-sim");
         std::vector<char*> pointers;
         for (std::string& word : words) pointers.push_back(word.data());
         pointers.push_back(nullptr);
-        process_ = ::fork();
-        if (process_ == 0) {
-            ::dup2(theirs.get(), STDOUT_FILENO);
-            ::dup2(theirs.get(), STDERR_FILENO);
-            ::execv(pointers[0], pointers.data());
-            ::_exit(127);
-        }
+        ::execv(pointers[0], pointers.data());
+        return 127;
     }
-    ~Program() {
-        if (process_ > 0) {
-            ::kill(process_, SIGKILL);
-            ::waitpid(process_, nullptr, 0);
-        }
-    }
-    Program(const Program&) = delete;
-    Program& operator=(const Program&) = delete;
-
-    /// Waits for its end, ten seconds at most. The exit code; -1 when it did not end by itself.
-    int ended() {
-        int status = -1;
-        pollfd output{out_.get(), 0, 0};  // its end closes the pipe
-        if (::poll(&output, 1, 10'000) <= 0) ::kill(process_, SIGKILL);
-        ::waitpid(process_, &status, 0);
-        process_ = 0;
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    }
-    /// The exit code when it ends by itself within ten seconds, else -1.
-    int waited() {
-        int status = -1;
-        for (int i = 0; i < 1000; ++i) {
-            if (::waitpid(process_, &status, WNOHANG) == process_) {
-                process_ = 0;
-                return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-            }
-            ::usleep(10'000);
-        }
-        return -1;
-    }
-    /// The reader of its output dies.
-    void closeOutput() { out_ = FileDescriptor(); }
-    /// What it has said by its end.
-    std::string said() {
-        std::string text;
-        char buffer[4096];
-        pollfd watched{out_.get(), POLLIN, 0};
-        while (::poll(&watched, 1, 10'000) == 1) {
-            const auto count = ::read(out_.get(), buffer, sizeof buffer);
-            if (count <= 0) break;
-            text.append(buffer, static_cast<std::size_t>(count));
-        }
-        return text;
-    }
-    bool ready() {
-        std::string said(6, '\0');
-        pollfd watched{out_.get(), POLLIN, 0};
-        return ::poll(&watched, 1, 10'000) == 1 && ::read(out_.get(), said.data(), said.size()) == 6 &&
-               said == "ready ";
-    }
-
- private:
-    FileDescriptor out_;
-    pid_t process_ = 0;
 };
 
 /// A unit with these options, and the port on it.
@@ -106,27 +37,16 @@ class UnitProgram : public testing::Test {
         options.insert(options.end(), {"--unit", "A", "--baud", "0", "--link", link});
         program_.emplace(options);
         ASSERT_TRUE(program_->ready());
-        port_ = FileDescriptor(::open(link.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
-        ASSERT_TRUE(port_.valid());
+        line_.emplace(link);
     }
-    /// What comes within so many milliseconds; `length` bytes are enough.
-    Bytes ask(std::string_view command, std::size_t length, int milliseconds = 5000) const {
-        EXPECT_EQ(::write(port_.get(), command.data(), command.size()), static_cast<ssize_t>(command.size()));
-        Bytes reply;
-        pollfd watched{port_.get(), POLLIN, 0};
-        while (reply.size() < length && ::poll(&watched, 1, milliseconds) > 0) {
-            std::uint8_t buffer[256];
-            const auto count = ::read(port_.get(), buffer, sizeof buffer);
-            if (count <= 0) break;
-            reply.insert(reply.end(), buffer, buffer + count);
-        }
-        return reply;
+    Bytes ask(std::string_view command, std::size_t length, int milliseconds = 5000) {
+        return line_->ask(command, length, milliseconds);
     }
 
  private:
     TemporaryFolder folder_;
     std::optional<Program> program_;
-    FileDescriptor port_;
+    std::optional<Line> line_;
 };
 
 TEST_F(UnitProgram, FaultOptionsTakeTheRestOfTheWords) {
@@ -222,7 +142,7 @@ TEST(ProgramEnd, ClosedPipeEndsItAndTakesItsLinkAway) {
     ASSERT_TRUE(program.ready());
     ASSERT_TRUE(fs::is_symlink(link));
     program.closeOutput();
-    EXPECT_EQ(program.waited(), 0);
+    EXPECT_EQ(program.ended(), 0);
     EXPECT_FALSE(fs::is_symlink(link));
 }
 

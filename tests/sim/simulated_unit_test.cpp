@@ -82,12 +82,6 @@ TEST_F(OrbA, WGivesTheWideFrameAfterItsHead) {
     EXPECT_NEAR(word(reply, 3), 850, 30);
 }
 
-TEST(SimulatedUnit, FirmwareBelowReleaseFiveDoesNotKnowTheWideFrame) {
-    SimulatedUnit unit = unitOf("A", "ZQA-404099");
-    EXPECT_TRUE(ask(unit, "W").empty());
-    EXPECT_EQ(ask(unit, "F").size(), 35u);
-}
-
 TEST_F(OrbA, IGivesTwentyOneBytesWithTheOutputs) {
     const Bytes reply = ask(unit, "I");
     ASSERT_EQ(reply.size(), 21u);
@@ -145,11 +139,6 @@ TEST_F(OrbA, ZSetsTimingToZeroAndRestoresIt) {
     EXPECT_EQ(ask(unit, "W").at(11), 0);
     EXPECT_EQ(textOf(unit.feed(timing(0x00))), "AX");
     EXPECT_GT(ask(unit, "W").at(11), 40);
-}
-
-TEST_F(OrbA, P3IsRefused) {
-    EXPECT_EQ(askText(unit, "P3"), "AR");
-    EXPECT_EQ(ask(unit, "E").size(), 8u);
 }
 
 TEST(SimulatedUnit, DGivesTheWholeLogThenItsEndThenStartsOver) {
@@ -242,13 +231,6 @@ TEST_F(OnTheFly, BadChecksumAddressOrFormIsRefusedAndChangesNothing) {
     EXPECT_EQ(unit.memoryRevision(), revision);
 }
 
-TEST_F(OnTheFly, FirstAndLastByteOfTheMemoryCanBeChanged) {
-    EXPECT_EQ(askText(unit, "P2" + dataRecord(0x1100, {0x11})), "AX");
-    EXPECT_EQ(askText(unit, "P2" + dataRecord(0x1A2F, {0x22})), "AX");
-    EXPECT_EQ(unit.memory().front(), 0x11);
-    EXPECT_EQ(unit.memory().back(), 0x22);
-}
-
 TEST_F(OnTheFly, RemainsOfARefusedRecordAreNotTakenForCommands) {
     // more digits than the count tells: A, B, C, E and F at its end would all be commands
     EXPECT_EQ(askText(unit, "P2S1051122FFFFFF80ABCEF"), "AR");
@@ -265,18 +247,6 @@ TEST_F(OnTheFly, ChangesAreLostWithThePowerUntilStored) {
     EXPECT_FALSE(unit.hasUnsavedChanges());
     unit.powerCycle();
     EXPECT_EQ(unit.memory()[34], 0x80);
-}
-
-TEST_F(Programming, WholeImageIsVerifiedAndTakesEffectAtTheEndRecord) {
-    const Bytes before = unit.memory();
-    startProgramming(unit);
-    sendRows(unit, 147, 7);
-    EXPECT_EQ(unit.memory(), before);
-    EXPECT_EQ(askText(unit, endRecord), "PN");
-    ASSERT_EQ(unit.memory().size(), 2352u);
-    for (unsigned i = 0; i < 2352; ++i) ASSERT_EQ(unit.memory()[i], (i + 7) % 251) << i;
-    EXPECT_FALSE(unit.hasUnsavedChanges());
-    EXPECT_EQ(ask(unit, "E").size(), 8u);
 }
 
 TEST_F(Programming, ZeroRowIsTheKnownRecord) {
@@ -388,12 +358,6 @@ TEST_F(OrbA, ContentOfAnotherSizeIsRefused) {
     unit.loadMemory(Bytes(2352, 9));
     EXPECT_EQ(unit.memory()[100], 9);
     EXPECT_FALSE(unit.hasUnsavedChanges());
-}
-
-TEST(UnitProfile, IsFoundByItsModelInAnyCase) {
-    EXPECT_NE(findProfile("A"), nullptr);
-    EXPECT_EQ(findProfile("a"), findProfile("A"));
-    EXPECT_EQ(findProfile("X"), nullptr);
 }
 
 }  // namespace

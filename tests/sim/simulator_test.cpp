@@ -1,14 +1,9 @@
 #include "sim/simulator.h"
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
-#include <poll.h>
 #include <sys/eventfd.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <csignal>
 #include <fstream>
+#include <iostream>
 #include <iterator>
 #include <optional>
 #include <sstream>
@@ -17,7 +12,7 @@
 #include "base/errors.h"
 #include "sim/firmware_file.h"
 #include "sim/memory_file.h"
-#include "sim_helpers.h"
+#include "simulator_process.h"
 
 namespace zentaq::sim {
 namespace {
@@ -25,48 +20,6 @@ namespace {
 namespace fs = std::filesystem;
 using namespace test;
 using Clock = std::chrono::steady_clock;
-
-// A program's end of the line. Waits at most five seconds for a reply.
-class Line {
- public:
-    explicit Line(const std::string& path) : port_(::open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)) {
-        EXPECT_TRUE(port_.valid()) << path;
-    }
-    Bytes ask(const Bytes& command, std::size_t replyLength) {
-        EXPECT_EQ(::write(port_.get(), command.data(), command.size()), static_cast<ssize_t>(command.size()));
-        Bytes reply;
-        while (reply.size() < replyLength) {
-            pollfd watched{port_.get(), POLLIN, 0};
-            if (::poll(&watched, 1, 5000) <= 0) break;
-            std::uint8_t buffer[256];
-            const auto count = ::read(port_.get(), buffer, sizeof buffer);
-            if (count <= 0) break;
-            reply.insert(reply.end(), buffer, buffer + count);
-        }
-        return reply;
-    }
-    Bytes ask(std::string_view command, std::size_t replyLength) {
-        return ask(bytesOf(command), replyLength);
-    }
-    /// What comes within so many milliseconds, in one read; mostly for nothing.
-    Bytes askFor(std::string_view command, int milliseconds) {
-        EXPECT_EQ(::write(port_.get(), command.data(), command.size()), static_cast<ssize_t>(command.size()));
-        pollfd watched{port_.get(), POLLIN, 0};
-        if (::poll(&watched, 1, milliseconds) <= 0) return {};
-        Bytes reply(256);
-        const auto count = ::read(port_.get(), reply.data(), reply.size());
-        reply.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
-        return reply;
-    }
-
-    bool hungUp() {
-        pollfd watched{port_.get(), POLLIN, 0};
-        return ::poll(&watched, 1, 5000) == 1 && (watched.revents & POLLHUP) != 0;
-    }
-
- private:
-    FileDescriptor port_;
-};
 
 // A simulator that serves in the background until the object goes.
 class Running {
@@ -122,7 +75,6 @@ class SimulatorTest : public testing::Test {
     SimulatorOptions options;
     std::optional<Running> simulator;
 };
-using SimulatorSignals = SimulatorTest;
 
 TEST_F(SimulatorTest, IdentifiesItselfOverTheTerminal) {
     options.serial = 209999;  // 0x0003344F
@@ -493,89 +445,56 @@ TEST_F(SimulatorTest, FailureIsToldAndEndsWithExitCodeOne) {
               "zentaq-sim: There is no unit \"Q\": the models are A, A 6/12, A r, L, C, D, D6, PZK-2\n");
 }
 
-// A simulator in a process of its own that lives no longer than the object.
-class Child {
- public:
-    explicit Child(const SimulatorOptions& options) {
-        int pipe[2];
-        EXPECT_EQ(::pipe(pipe), 0);
-        process_ = ::fork();
-        EXPECT_GE(process_, 0);
-        if (process_ == 0) {
-            std::ofstream out("/dev/fd/" + std::to_string(pipe[1]));
+/// A simulator in a process of its own, on its link.
+class SimulatorSignals : public SimulatorTest {
+ protected:
+    void SetUp() override {
+        child.emplace([this] {
             std::ostringstream errors;
-            ::_exit(runSimulatorUntilSignal(options, out, errors));
-        }
-        ::close(pipe[1]);
-        output_.open("/dev/fd/" + std::to_string(pipe[0]));
-        ::close(pipe[0]);
+            return runSimulatorUntilSignal(options, std::cout, errors);
+        });
+        ASSERT_EQ(child->line(), "ready " + link());
+        port.emplace(link());
     }
-    ~Child() {
-        if (process_ > 0) endedBy(SIGKILL);
-    }
-    Child(const Child&) = delete;
-    Child& operator=(const Child&) = delete;
-
-    std::string said() {
-        std::string line;
-        std::getline(output_, line);
-        return line;
-    }
-    void send(int signal) const { ::kill(process_, signal); }
-    /// The exit code; nothing when it did not end by itself.
-    std::optional<int> endedBy(int signal) {
-        send(signal);
-        int status = -1;
-        EXPECT_EQ(::waitpid(process_, &status, 0), process_);
-        process_ = 0;
-        return WIFEXITED(status) ? std::optional(WEXITSTATUS(status)) : std::nullopt;
-    }
-
- private:
-    pid_t process_ = 0;
-    std::ifstream output_;
+    std::optional<SimulatorProcess> child;
+    std::optional<Line> port;
 };
 
 TEST_F(SimulatorSignals, HangUpSignalCyclesThePowerAndTheUnitGoesOn) {
-    Child child(options);
-    ASSERT_EQ(child.said(), "ready " + link());
-    Line port(link());
-    ASSERT_EQ(textOf(port.ask("P2S10411228048", 2)), "AX");
+    ASSERT_EQ(textOf(port->ask("P2S10411228048", 2)), "AX");
     ASSERT_EQ(running34(), 0x80);
-    child.send(SIGHUP);
+    child->send(SIGHUP);
     EXPECT_TRUE(comesTrue([&] { return running34() == 0; }));
-    EXPECT_EQ(port.ask("E", 8).size(), 8u);
-    EXPECT_EQ(child.endedBy(SIGTERM), 0);
+    EXPECT_EQ(port->ask("E", 8).size(), 8u);
+    EXPECT_EQ(child->endedBy(SIGTERM), 0);
 }
 
-TEST_F(SimulatorSignals, FirstUserSignalUnplugsTheUnitAndItComesBack) {
-    options.renames = true;
-    Child child(options);
-    ASSERT_EQ(child.said(), "ready " + link());
-    Line port(link());
-    child.send(SIGUSR1);
-    EXPECT_TRUE(port.hungUp());
+class RenamingSimulator : public SimulatorSignals {
+ protected:
+    RenamingSimulator() { options.renames = true; }
+};
+
+TEST_F(RenamingSimulator, FirstUserSignalUnplugsTheUnitAndItComesBack) {
+    child->send(SIGUSR1);
+    EXPECT_TRUE(port->hungUp());
     const std::string second = link() + ".2";
     ASSERT_TRUE(comesTrue([&] { return fs::exists(second); }));
     EXPECT_FALSE(fs::is_symlink(*options.link));
     EXPECT_EQ(Line(second).ask("E", 8).size(), 8u);
-    EXPECT_EQ(child.endedBy(SIGTERM), 0);
+    EXPECT_EQ(child->endedBy(SIGTERM), 0);
     EXPECT_FALSE(fs::is_symlink(second));
 }
 
 TEST_F(SimulatorSignals, SecondUserSignalFlipsTheUpgradeSwitch) {
-    Child child(options);
-    ASSERT_EQ(child.said(), "ready " + link());
-    Line port(link());
-    ASSERT_EQ(textOf(port.ask("P3", 2)), "AR");
-    child.send(SIGUSR2);
-    EXPECT_TRUE(comesTrue([&] { return textOf(port.ask("P3", 2)) == "AX"; }));
-    EXPECT_EQ(child.endedBy(SIGTERM), 0);
+    ASSERT_EQ(textOf(port->ask("P3", 2)), "AR");
+    child->send(SIGUSR2);
+    EXPECT_TRUE(comesTrue([&] { return textOf(port->ask("P3", 2)) == "AX"; }));
+    EXPECT_EQ(child->endedBy(SIGTERM), 0);
 }
 
 /// Ends when its terminal does. The simulator's standard streams are the terminal, which only this process
 /// keeps.
-TEST_F(SimulatorSignals, EndOfItsTerminalEndsIt) {
+TEST_F(SimulatorTest, EndOfItsTerminalEndsIt) {
     std::optional<PseudoTerminal> terminal(std::in_place);
     const pid_t process = ::fork();
     ASSERT_GE(process, 0);
@@ -602,7 +521,7 @@ TEST_F(SimulatorSignals, EndOfItsTerminalEndsIt) {
     EXPECT_FALSE(fs::is_symlink(*options.link));
 }
 
-TEST_F(SimulatorSignals, EndOfTheParentEndsItWhenAskedFor) {
+TEST_F(SimulatorTest, EndOfTheParentEndsItWhenAskedFor) {
     options.withParent = true;
     const pid_t parent = ::fork();
     ASSERT_GE(parent, 0);
@@ -620,20 +539,17 @@ TEST_F(SimulatorSignals, EndOfTheParentEndsItWhenAskedFor) {
     EXPECT_TRUE(comesTrue([&] { return !fs::is_symlink(*options.link); }));
 }
 
-class SimulatorProcess : public SimulatorTest, public testing::WithParamInterface<int> {};
+class SignalledEnd : public SimulatorSignals, public testing::WithParamInterface<int> {};
 
-TEST_P(SimulatorProcess, SaysReadyAnswersAndEndsCleanlyOnASignal) {
-    Child child(options);
-    EXPECT_EQ(child.said(), "ready " + link());
-    EXPECT_EQ(child.said(), "ORB A, serial number 200001, firmware ZQA-405099");
-    Line port(link());
-    EXPECT_EQ(port.ask("E", 8).size(), 8u);
-    EXPECT_EQ(child.endedBy(GetParam()), 0);
+TEST_P(SignalledEnd, SaysReadyAnswersAndEndsCleanlyOnASignal) {
+    EXPECT_EQ(child->line(), "ORB A, serial number 200001, firmware ZQA-405099");
+    EXPECT_EQ(port->ask("E", 8).size(), 8u);
+    EXPECT_EQ(child->endedBy(GetParam()), 0);
     EXPECT_FALSE(fs::is_symlink(*options.link));
-    EXPECT_TRUE(port.hungUp());
+    EXPECT_TRUE(port->hungUp());
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, SimulatorProcess, testing::Values(SIGTERM, SIGINT));
+INSTANTIATE_TEST_SUITE_P(Signals, SignalledEnd, testing::Values(SIGTERM, SIGINT));
 
 }  // namespace
 }  // namespace zentaq::sim
