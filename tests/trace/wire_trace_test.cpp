@@ -24,12 +24,21 @@ using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::StartsWith;
 
+/// A wide frame of an ORB A: head and zeroes, so that its sum is byte 2.
+std::vector<std::uint8_t> wideFrame() {
+    std::vector<std::uint8_t> bytes{0xFA, 0xA5, 0x55};
+    bytes.resize(65);
+    bytes.back() = 0x55;
+    return bytes;
+}
+
 constexpr std::uint8_t orbA[] = {0xFA, 0xA5, 0x55, 0x00, 0x00, 0x00, 0x7B, 0xD0};  // serial 123
 
 class WireTraceTest : public ::testing::Test {
  protected:
     TemporaryFolder folder;
     std::string path = folder.file("line.trace");
+    const std::vector<std::uint8_t> frame = wideFrame();
     ManualClock clock;
     WireTrace trace{clock};
 
@@ -41,36 +50,21 @@ class WireTraceTest : public ::testing::Test {
         arrive(std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
     }
     void deliver(std::size_t bytes) { trace.delivered(bytes, clock.monotonicUs()); }
+    void answer(std::span<const std::uint8_t> reply) {
+        arrive(reply);
+        deliver(reply.size());
+    }
     void answer(std::string_view text) {
         arrive(text);
         deliver(text.size());
     }
-    void answer(std::string_view command, std::string_view text) {
+    /// A command and its whole reply.
+    template <typename Reply>
+    void exchange(std::string_view command, const Reply& reply) {
         write(command);
-        answer(text);
+        answer(reply);
     }
     void identify() { exchange("E", orbA); }
-    /// A command and its whole reply.
-    template <typename Bytes>
-    void exchange(std::string_view command, const Bytes& reply) {
-        write(command);
-        arrive(reply);
-        deliver(std::size(reply));
-    }
-    /// A wide frame of an ORB A: head and zeroes, so that its sum is byte 2.
-    static std::vector<std::uint8_t> wideFrame() {
-        std::vector<std::uint8_t> frame(65, 0);
-        frame[0] = 0xFA;
-        frame[1] = 0xA5;
-        frame[2] = 0x55;
-        frame[64] = 0x55;
-        return frame;
-    }
-    static std::vector<std::uint8_t> beginOfFrame(std::size_t bytes) {
-        std::vector<std::uint8_t> frame = wideFrame();
-        frame.resize(bytes);
-        return frame;
-    }
     std::vector<TraceLine> lines() {
         trace.stop();
         return readTrace(path).lines;
@@ -83,6 +77,17 @@ class WireTraceTest : public ::testing::Test {
         }
         return texts;
     }
+};
+
+class RunningTrace : public WireTraceTest {
+ protected:
+    RunningTrace() { begin(); }
+};
+
+/// The trace runs, and an ORB A has been identified.
+class TracedUnit : public RunningTrace {
+ protected:
+    TracedUnit() { identify(); }
 };
 
 // ---- The form of a line
@@ -145,25 +150,19 @@ TEST_F(WireTraceTest, TheFirstLinesTellProgramTimeAndPort) {
     EXPECT_THAT(content, EndsWith("        0.000 *       the trace ends\n"));
 }
 
-TEST_F(WireTraceTest, AnIdentificationTellsSerialAndUnitAndGivesLaterRepliesTheirLength) {
-    begin();
-    identify();
+TEST_F(TracedUnit, AnIdentificationTellsSerialAndUnitAndGivesLaterRepliesTheirLength) {
     write("W");
     after(17'400);
-    arrive(wideFrame());
-    deliver(65);
+    answer(frame);
     EXPECT_THAT(meanings(), ElementsAre("E: identify, 6 bytes expected",
                                         "E: serial 000123, unit A, 8 of 8 bytes, sum right, after 0.0 ms",
                                         "W: wide frame, 65 bytes expected",
                                         "W: 65 of 65 bytes, sum right, after 17.4 ms"));
 }
 
-TEST_F(WireTraceTest, TheBytesOfAFrameAreComplete) {
-    begin();
-    identify();
-    exchange("W", wideFrame());
+TEST_F(TracedUnit, TheBytesOfAFrameAreComplete) {
+    exchange("W", frame);
     const auto all = lines();
-    const auto frame = wideFrame();
     EXPECT_EQ(all.at(4).bytes, std::string(frame.begin(), frame.end()));
 }
 
@@ -173,14 +172,13 @@ TEST_F(WireTraceTest, AUnitThatIsLinkedAlreadyNeedsNoIdentification) {
     EXPECT_THAT(meanings(), ElementsAre("W: wide frame, 66 bytes expected"));
 }
 
-TEST_F(WireTraceTest, WithoutAUnitTheLengthOfAFrameIsNotKnown) {
-    begin();
+TEST_F(RunningTrace, WithoutAUnitTheLengthOfAFrameIsNotKnown) {
     write("W");
     EXPECT_THAT(meanings(), ElementsAre("W: wide frame, length of the reply not known yet"));
 }
 
 TEST_F(WireTraceTest, AFrameTellsWhetherItIsWholeAndRight) {
-    std::vector<std::uint8_t> damaged = wideFrame(), tooLong = wideFrame(), tooMany = wideFrame();
+    std::vector<std::uint8_t> damaged = frame, tooLong = frame, tooMany = frame;
     damaged[30] = 1;
     tooLong.push_back(7);
     tooMany.insert(tooMany.begin() + 5, 7);  // a byte too many that spoils the sum as well
@@ -202,10 +200,7 @@ TEST_F(WireTraceTest, AFrameTellsWhetherItIsWholeAndRight) {
     }
 }
 
-TEST_F(WireTraceTest, AReplyInLumpsNamesThem) {
-    begin();
-    identify();
-    const auto frame = wideFrame();
+TEST_F(TracedUnit, AReplyInLumpsNamesThem) {
     write("W");
     after(2'000);
     arrive(std::span(frame).first(62));
@@ -218,15 +213,12 @@ TEST_F(WireTraceTest, AReplyInLumpsNamesThem) {
 }
 
 // The first identification of a session is asked for as if it had six bytes.
-TEST_F(WireTraceTest, AnIdentificationThatComesInTwoDeliveriesIsOneAnswer) {
-    begin();
+TEST_F(RunningTrace, AnIdentificationThatComesInTwoDeliveriesIsOneAnswer) {
     write("E");
     after(3'000);
-    arrive(std::span(orbA).first(6));
-    deliver(6);
+    answer(std::span(orbA).first(6));
     after(16'000);
-    arrive(std::span(orbA).last(2));
-    deliver(2);
+    answer(std::span(orbA).last(2));
     write("W");
     const auto all = lines();
     ASSERT_EQ(all.size(), 5u);
@@ -237,34 +229,30 @@ TEST_F(WireTraceTest, AnIdentificationThatComesInTwoDeliveriesIsOneAnswer) {
     EXPECT_EQ(all[3].text, "wide frame, 65 bytes expected") << "the unit is known";
 }
 
-TEST_F(WireTraceTest, AnIdentificationWhoseRestNeverComesIsShort) {
-    begin();
+TEST_F(RunningTrace, AnIdentificationWhoseRestNeverComesIsShort) {
     write("E");
     after(3'000);
-    arrive(std::span(orbA).first(7));
-    deliver(7);
+    answer(std::span(orbA).first(7));
     after(41'000);
     write("E");
-    arrive(orbA);
-    deliver(8);
+    answer(orbA);
     EXPECT_THAT(meanings(), ElementsAre("E: identify, 6 bytes expected",
                                         "!short E: 7 of 8 bytes, never whole, the last byte after 3.0 ms",
                                         "E: identify, 6 bytes expected",
                                         "E: serial 000123, unit A, 8 of 8 bytes, sum right, after 0.0 ms"));
 }
 
-TEST_F(WireTraceTest, CheckEngineCodesAreNamed) {
+TEST_F(RunningTrace, CheckEngineCodesAreNamed) {
     std::string none = "\xFA\xA5\x55" + std::string(12, '\xFF');
     none += '\x49';  // 0x55 + 12 x 0xFF
     std::string two = none;
     two[3] = '\xFE';   // the lowest bit of the first word is cleared,
     two[14] = '\x7F';  // and the highest of the last one
     two[15] = '\xC8';  // 0x49 - 0x01 - 0x80
-    begin();
-    answer("T", none);
+    exchange("T", none);
     identify();
-    answer("T", none);
-    answer("T", two);
+    exchange("T", none);
+    exchange("T", two);
     const auto all = meanings();
     EXPECT_EQ(all.at(1), "T: no codes, 16 bytes, after 0.0 ms");
     EXPECT_EQ(all.at(5), "T: no codes, 16 of 16 bytes, sum right, after 0.0 ms");
@@ -272,19 +260,17 @@ TEST_F(WireTraceTest, CheckEngineCodesAreNamed) {
     EXPECT_THAT(all.at(7), EndsWith(", 16 of 16 bytes, sum right, after 0.0 ms"));
 }
 
-TEST_F(WireTraceTest, AnEarlyUnitIsToldByItsSixBytes) {
+TEST_F(RunningTrace, AnEarlyUnitIsToldByItsSixBytes) {
     // Octal 1234 is 668: 0x029C.
     constexpr std::uint8_t early[] = {0, 0, 2, 0x9C, 'A', 'X'};
-    begin();
     exchange("E", early);
     EXPECT_EQ(meanings().back(), "E: serial 001234, unit A, must be upgraded, 6 of 6 bytes, after 0.0 ms");
 }
 
-TEST_F(WireTraceTest, TwoByteAnswersAreSaidInWords) {
-    begin();
-    answer("P2S10411415059", "AX");
-    answer("P2S10411415059", "AR");
-    answer("S", "?!");
+TEST_F(RunningTrace, TwoByteAnswersAreSaidInWords) {
+    exchange("P2S10411415059", "AX");
+    exchange("P2S10411415059", "AR");
+    exchange("S", "?!");
     EXPECT_THAT(meanings(),
                 ElementsAre("P2: on-the-fly change S10411415059, 2 bytes expected",
                             "P2: accepted (AX), 2 of 2 bytes, after 0.0 ms",
@@ -294,11 +280,10 @@ TEST_F(WireTraceTest, TwoByteAnswersAreSaidInWords) {
                             "!unclear S: neither accepted nor refused (?!), 2 of 2 bytes, after 0.0 ms"));
 }
 
-TEST_F(WireTraceTest, LinesOfATransferAreCountedUntilTheUnitHasVerifiedThem) {
-    begin();
-    answer("P1", "AX");
-    answer("S1130000AA\r\n", "AX");
-    answer("S9030000FC\r\n", "PN");
+TEST_F(RunningTrace, LinesOfATransferAreCountedUntilTheUnitHasVerifiedThem) {
+    exchange("P1", "AX");
+    exchange("S1130000AA\r\n", "AX");
+    exchange("S9030000FC\r\n", "PN");
     write("W");
     EXPECT_THAT(meanings(),
                 ElementsAre("P1: program a calibration, 2 bytes expected",
@@ -310,10 +295,8 @@ TEST_F(WireTraceTest, LinesOfATransferAreCountedUntilTheUnitHasVerifiedThem) {
                             "W: wide frame, length of the reply not known yet"));
 }
 
-TEST_F(WireTraceTest, ALineWithoutAnAnswerIsNamed) {
-    begin();
-    identify();
-    answer("P1", "AX");
+TEST_F(TracedUnit, ALineWithoutAnAnswerIsNamed) {
+    exchange("P1", "AX");
     for (int line = 1; line <= 2; ++line) {
         write("S113");
         if (line == 1) answer("AX");
@@ -330,17 +313,14 @@ TEST_F(WireTraceTest, AUnitThatWasThereBeforeIsNamedAtTheBeginning) {
     EXPECT_EQ(lines().at(0).text, "the trace begins; the unit on the link is of kind 3, ORB A");
 }
 
-TEST_F(WireTraceTest, ATransferThatRunsOutOfLinesIsFollowedByCommandsAgain) {
-    begin();
-    answer("P1", "AX");
-    answer("S9030000FC", "AX");
+TEST_F(RunningTrace, ATransferThatRunsOutOfLinesIsFollowedByCommandsAgain) {
+    exchange("P1", "AX");
+    exchange("S9030000FC", "AX");
     write("E");
     EXPECT_EQ(meanings().back(), "E: identify, 6 bytes expected");
 }
 
-TEST_F(WireTraceTest, RecordsOfTheLogAreCountedToItsEnd) {
-    begin();
-    identify();
+TEST_F(TracedUnit, RecordsOfTheLogAreCountedToItsEnd) {
     std::vector<std::uint8_t> record(33, 0);
     record[0] = 0xFA;
     record[1] = 0xA5;
@@ -352,9 +332,8 @@ TEST_F(WireTraceTest, RecordsOfTheLogAreCountedToItsEnd) {
     EXPECT_EQ(all.at(5), "D: end of the log, 33 of 33 bytes, sum right, after 0.0 ms");
 }
 
-TEST_F(WireTraceTest, TimingCommandsAreToldByTheirSecondByte) {
-    begin();
-    answer("Z\xFF", "AX");
+TEST_F(RunningTrace, TimingCommandsAreToldByTheirSecondByte) {
+    exchange("Z\xFF", "AX");
     write(std::string_view("Z\0", 2));
     const auto all = meanings();
     EXPECT_EQ(all.at(0), "Z: ignition timing to zero, 2 bytes expected");
@@ -363,8 +342,7 @@ TEST_F(WireTraceTest, TimingCommandsAreToldByTheirSecondByte) {
 
 // ---- What goes wrong
 
-TEST_F(WireTraceTest, ACommandThatIsWrittenOverAnUnansweredOneTellsTheTimeOut) {
-    begin();
+TEST_F(RunningTrace, ACommandThatIsWrittenOverAnUnansweredOneTellsTheTimeOut) {
     write("E");
     after(1'001'000);
     write("E");
@@ -373,12 +351,10 @@ TEST_F(WireTraceTest, ACommandThatIsWrittenOverAnUnansweredOneTellsTheTimeOut) {
                             "E: identify, 6 bytes expected"));
 }
 
-TEST_F(WireTraceTest, AFrameThatNeverBecomesWholeIsThereWithItsBytes) {
-    begin();
-    identify();
+TEST_F(TracedUnit, AFrameThatNeverBecomesWholeIsThereWithItsBytes) {
     write("W");
     after(15'000);
-    arrive(beginOfFrame(62));
+    arrive(std::span(frame).first(62));
     after(986'000);
     write("E");
     const auto all = lines();
@@ -387,9 +363,7 @@ TEST_F(WireTraceTest, AFrameThatNeverBecomesWholeIsThereWithItsBytes) {
     EXPECT_EQ(all.at(5).command, "E") << "one trouble is told once";
 }
 
-TEST_F(WireTraceTest, BytesThatNobodyAskedForAreThere) {
-    begin();
-    identify();
+TEST_F(TracedUnit, BytesThatNobodyAskedForAreThere) {
     after(3'000);
     arrive("xy");
     after(60'000);
@@ -397,9 +371,7 @@ TEST_F(WireTraceTest, BytesThatNobodyAskedForAreThere) {
     EXPECT_EQ(meanings().back(), "!unasked E: 2 bytes that nobody waited for, 3.0 ms after the command");
 }
 
-TEST_F(WireTraceTest, BytesThatThePortHeldAreThereAgainInTheReplyTheyPrecede) {
-    begin();
-    identify();
+TEST_F(TracedUnit, BytesThatThePortHeldAreThereAgainInTheReplyTheyPrecede) {
     arrive("x");
     write("S");
     arrive("AX");
@@ -409,8 +381,7 @@ TEST_F(WireTraceTest, BytesThatThePortHeldAreThereAgainInTheReplyTheyPrecede) {
     EXPECT_THAT(all.at(5).text, EndsWith("; the first 1 came before"));
 }
 
-TEST_F(WireTraceTest, BytesThatWereThrownAwayAreThereBeforeTheReply) {
-    begin();
+TEST_F(RunningTrace, BytesThatWereThrownAwayAreThereBeforeTheReply) {
     write("S");
     arrive("xxAX");
     deliver(2);
@@ -419,9 +390,7 @@ TEST_F(WireTraceTest, BytesThatWereThrownAwayAreThereBeforeTheReply) {
     EXPECT_EQ(all.at(3).bytes, "AX");
 }
 
-TEST_F(WireTraceTest, ALostPortAndALostLinkAreTold) {
-    begin();
-    identify();
+TEST_F(TracedUnit, ALostPortAndALostLinkAreTold) {
     write("W");
     after(84'000);
     trace.linkLost();
@@ -436,11 +405,9 @@ TEST_F(WireTraceTest, ALostPortAndALostLinkAreTold) {
                             "the port is back: 1, /dev/ttyUSB1, adapter", "port closed"));
 }
 
-TEST_F(WireTraceTest, WhatIsUnderWayWhenThePortIsClosedIsNoTrouble) {
-    begin();
-    identify();
+TEST_F(TracedUnit, WhatIsUnderWayWhenThePortIsClosedIsNoTrouble) {
     write("W");
-    arrive(beginOfFrame(10));
+    arrive(std::span(frame).first(10));
     after(5'000);
     trace.closed(clock.monotonicUs());
     const auto all = meanings();
@@ -448,14 +415,12 @@ TEST_F(WireTraceTest, WhatIsUnderWayWhenThePortIsClosedIsNoTrouble) {
     EXPECT_EQ(all.at(4), "port closed; W was written 5.0 ms before");
 }
 
-TEST_F(WireTraceTest, AReplyThatWasUnderWayAtTheBeginningIsNoTrouble) {
-    begin();
+TEST_F(RunningTrace, AReplyThatWasUnderWayAtTheBeginningIsNoTrouble) {
     answer("AX");
     EXPECT_THAT(meanings(), ElementsAre("?: 2 bytes that were under way when the trace began"));
 }
 
-TEST_F(WireTraceTest, NotesAreTheProgramsAndStayOnOneLine) {
-    begin();
+TEST_F(RunningTrace, NotesAreTheProgramsAndStayOnOneLine) {
     trace.note("two\nlines\x1B[31m");
     EXPECT_THAT(meanings(), ElementsAre("program: two\\nlines\\x1B[31m"));
 }
@@ -495,8 +460,7 @@ TEST_F(WireTraceTest, OnAPortItSeesWhatTheWireBrings) {
 
 // ---- The file
 
-TEST_F(WireTraceTest, LinesReachTheFileWithinASecondAndTroubleAtOnce) {
-    begin();
+TEST_F(RunningTrace, LinesReachTheFileWithinASecondAndTroubleAtOnce) {
     write("E");
     EXPECT_THAT(TemporaryFolder::read(path), Not(HasSubstr("E: identify")));
     after(999'999);
@@ -543,8 +507,7 @@ TEST_F(WireTraceTest, AFullFileLosesItsOlderHalfOnly) {
     EXPECT_THAT(folder.names(), testing::UnorderedElementsAre("line.trace", "line.trace.old"));
 }
 
-TEST_F(WireTraceTest, TheTraceOfTheRunBeforeIsKeptAside) {
-    begin();
+TEST_F(RunningTrace, TheTraceOfTheRunBeforeIsKeptAside) {
     trace.note("first run");
     trace.stop();
     begin();
