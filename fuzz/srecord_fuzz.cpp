@@ -93,10 +93,6 @@ void programUnit(std::string_view text) {
     require(verified || other || unit.memory() == before, "what was not verified is not in the memory");
 }
 
-struct QuietYield : Yield {
-    void yield() override {}
-};
-
 /// The link sends the lines of a file as they stand, and ends.
 void sendFirmware(std::string_view text) {
     static RecordingLinkHost host;
@@ -104,17 +100,12 @@ void sendFirmware(std::string_view text) {
     ScriptedPort port(clock);
     LiveValues live;
     FrameDecoder decoder(live);
-    QuietYield yield;
+    NoYield yield;
     Link link(port, host, decoder, live, clock, yield);
     link.RS232_Initialize(1);
     port.takeWritten();
-    port.otherwise([](const std::string&) -> std::optional<ScriptedReply> {
-        ScriptedReply reply;
-        reply.bytes = "AX";
-        reply.delayUs = 10;
-        reply.byteUs = 0;
-        return reply;
-    });
+    port.otherwise(
+        [](const std::string&) { return ScriptedReply{.bytes = "AX", .delayUs = 10, .byteUs = 0}; });
     const MemoryFile file(text);
     link.Program_Unit(TransferMode::Firmware, file.path());
 
@@ -134,13 +125,7 @@ void sendFirmware(std::string_view text) {
     }
     require(!link.transfer().active(), "the transfer has ended with its file");
     require(port.written() == expected, "every line was sent, and nothing else");
-    host.calls.clear();
-    host.logLines.clear();
-    host.commLines.clear();
-    host.messages.clear();
-    host.boxes.clear();
-    host.onFlyCalls.clear();
-    host.locks.clear();
+    host.forget();
 }
 
 /// All that a file is refused for, said once more: its digits add up, line by line.

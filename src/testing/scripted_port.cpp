@@ -7,12 +7,6 @@
 
 namespace zentaq {
 
-ScriptedReply ScriptedPort::plain(std::string_view bytes) {
-    ScriptedReply reply;
-    reply.bytes = bytes;
-    return reply;
-}
-
 void ScriptedPort::always(std::string_view command, ScriptedReply reply) {
     always_[std::string(command)] = std::move(reply);
 }

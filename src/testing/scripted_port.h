@@ -12,9 +12,9 @@
 #include <string_view>
 #include <vector>
 
-#include "testing/manual_clock.h"
 #include "platform/receive_gate.h"
 #include "platform/serial_port.h"
+#include "testing/manual_clock.h"
 
 namespace zentaq {
 
@@ -81,7 +81,7 @@ class ScriptedPort : public SerialPort {
     std::vector<PortInfo> list() const override;
 
  private:
-    static ScriptedReply plain(std::string_view bytes);
+    static ScriptedReply plain(std::string_view bytes) { return {.bytes = std::string(bytes)}; }
     std::optional<ScriptedReply> answerTo(const std::string& command);
     void schedule(const ScriptedReply& reply);
     void deliverArrivals();

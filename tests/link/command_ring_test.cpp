@@ -62,10 +62,44 @@ TEST(CommandRing, InAFullRingTheOldestGivesWayToOneInFront) {
     EXPECT_EQ(all[1], "1");
 }
 
-TEST(CommandRing, PassesThePollsAtItsEndAndNothingElse) {
-    CommandRing ring = ringOf({"W", "S", "P2a", "F", "I", "T", "W"});
-    ring.pushInFrontOfPolls("P2b");
-    EXPECT_EQ(emptied(ring), (Texts{"W", "S", "P2a", "P2b", "F", "I", "T", "W"}));
+/// Changes on the fly, "P2", go in front of polls; all else goes to the end.
+void queue(CommandRing& ring, const Texts& commands) {
+    for (const std::string& command : commands) {
+        if (command.starts_with("P2")) {
+            ring.pushInFrontOfPolls(command);
+        } else {
+            ring.push(command);
+        }
+    }
+}
+
+TEST(CommandRing, AChangeOnTheFlyPassesThePollsAtItsEndAndNothingElse) {
+    const std::pair<Texts, Texts> rows[] = {
+        {{"W", "W", "I", "T", "F", "P2a"}, {"P2a", "W", "W", "I", "T", "F"}},
+        {{"W", "W", "P2a", "P2b", "W", "P2c"}, {"P2a", "P2b", "P2c", "W", "W", "W"}},
+        {{"W", "P2a", "S"}, {"P2a", "W", "S"}},
+        {{"W", "S", "W", "P2a"}, {"W", "S", "P2a", "W"}},
+        {{"W", "A", "W", "P2a"}, {"W", "A", "P2a", "W"}},
+        {{"W", "K", "W", "P2a"}, {"W", "K", "P2a", "W"}}};
+    for (const auto& [queued, sent] : rows) {
+        for (const int first : {0, CommandRing::size - 2}) {  // across the end of the ring too
+            CommandRing ring;
+            for (int i = 0; i < first; ++i) {
+                ring.push("W");
+                ring.pop();
+            }
+            queue(ring, queued);
+            EXPECT_EQ(emptied(ring), sent) << first;
+        }
+    }
+}
+
+TEST(CommandRing, AFullRingLosesItsOldestPollToAChangeOnTheFly) {
+    CommandRing ring;
+    queue(ring, Texts(CommandRing::size - 1, "W"));
+    queue(ring, {"P2a"});
+    EXPECT_EQ(ring.front(), "P2a");
+    EXPECT_EQ(emptied(ring).size(), 511U);
 }
 
 TEST(CommandRing, DropsWhatWaitsBehindItsFront) {

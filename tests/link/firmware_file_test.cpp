@@ -264,16 +264,5 @@ TEST(FirmwareFile, WhatIsNoReadableFileIsAFileError) {
     EXPECT_THROW(readFirmwareFile(huge), FileError);
 }
 
-TEST(FirmwareWarning, NamesEveryModelOnALineWithATab) {
-    EXPECT_EQ(firmwareWarning(),
-              "You are about to upgrade the firmware on your Norvalia product.\n"
-              "Ensure that your laptop is connected to A/C power, before proceeding.\n"
-              "Before going on, consult the software user's guide appendix on firmware\n"
-              "upgrades to ensure that the unit is ready to recieve a new firmware.\n"
-              "INFO: Select the latest firmware file correct to the type of unit being upgraded.\n"
-              "ORB A\tZQAxxxxxxx\nORB L\tZQLxxxxxxx\nORB C\tZQCxxxxxxx\nORB D\tZQDxxxxxxx\n"
-              "PZK-2\tZPKxxxxxxx");
-}
-
 }  // namespace
 }  // namespace zentaq

@@ -20,15 +20,9 @@
 
 namespace zentaq {
 
-using Texts = std::vector<std::string>;
-
 /// A reply that is whole before the next tick.
 inline ScriptedReply atOnce(std::string_view text) {
-    ScriptedReply reply;
-    reply.bytes = text;
-    reply.delayUs = 10;
-    reply.byteUs = 0;
-    return reply;
+    return {.bytes = std::string(text), .delayUs = 10, .byteUs = 0};
 }
 
 /// A yield that lets one millisecond pass: the line, one tick, and what a test wants to happen meanwhile.
@@ -62,14 +56,7 @@ class LinkBench : public testing::Test {
     /// What was recorded so far does not matter.
     void forget() {
         port.takeWritten();
-        host.calls.clear();
-        host.logLines.clear();
-        host.commLines.clear();
-        host.messages.clear();
-        host.boxes.clear();
-        host.onFlyCalls.clear();
-        host.locks.clear();
-        host.kindsFound.clear();
+        host.forget();
     }
 
     /// Brings a unit of a serial number up to UnitFound without a B reply; the unanswered B is gone.
@@ -81,12 +68,16 @@ class LinkBench : public testing::Test {
         forget();
     }
 
+    /// The next questions who is there are answered by this unit.
+    void tellOnce(std::uint32_t serial, const std::string& firmware) {
+        port.once("E", identifyReply(serial));
+        port.once("B", firmwareReply("DEMO", firmware, serial < 300000 ? 39 : 38));
+    }
+
     /// Brings a unit up to UnitIdentified.
     void identify(std::uint32_t serial, const std::string& firmware) {
         open();
-        const bool orbA = serial < 300000;
-        port.once("E", identifyReply(serial));
-        port.once("B", firmwareReply("DEMO", firmware, orbA ? 39 : 38));
+        tellOnce(serial, firmware);
         port.once("C", framed(39, {}));
         link.Send_ORB_Command("E");
         ticks(200);

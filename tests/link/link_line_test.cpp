@@ -21,9 +21,6 @@ std::string narrowFrame(int rpm) {
 
 class LinkLine : public LinkBench {
  protected:
-    /// A unit with narrow frames is known.
-    void meetOrbA() { identify(200000, "ZQA0004001"); }
-
     /// Asks for a frame and lets the whole exchange pass.
     float speedOfFrame(const ScriptedReply& reply) {
         port.once("F", reply);
@@ -31,9 +28,21 @@ class LinkLine : public LinkBench {
         ticks(60);
         return live.RPM;
     }
+    void pollerTicks(int count) {
+        for (int ms = 0; ms < count; ++ms) {
+            ticks(1);
+            poller.tick();
+        }
+    }
     std::string statusLine() const {
         return host.linkDisplay.status().title + " | " + host.linkDisplay.status().line1;
     }
+};
+
+/// A unit with narrow frames is known.
+class LineOfOrbA : public LinkLine {
+ protected:
+    LineOfOrbA() { identify(200000, "ZQA0004001"); }
 };
 
 // ---- Lumps
@@ -66,24 +75,21 @@ TEST_F(LinkLine, ASixByteIdentifyOfTheOldFormatWaitsForNothing) {
     EXPECT_EQ(link.linked().SerialNumber, 10);
 }
 
-TEST_F(LinkLine, StrayBytesBetweenTwoFramesShiftNone) {
-    meetOrbA();
+TEST_F(LineOfOrbA, StrayBytesBetweenTwoFramesShiftNone) {
     EXPECT_EQ(speedOfFrame({.bytes = narrowFrame(3000)}), 3000);
     port.send("\x55\x55");
     ticks(5);
     EXPECT_EQ(speedOfFrame({.bytes = narrowFrame(3100)}), 3100);
 }
 
-TEST_F(LinkLine, BytesThatComeBehindTheRequestSpoilOneFrameAtMost) {
-    meetOrbA();
+TEST_F(LineOfOrbA, BytesThatComeBehindTheRequestSpoilOneFrameAtMost) {
     // What was left of the frame before stands in front of this one: 37 bytes instead of 35.
     EXPECT_NE(speedOfFrame({.bytes = "\x55\x55" + narrowFrame(3000)}), 3000);
     EXPECT_EQ(speedOfFrame({.bytes = narrowFrame(3100)}), 3100);
     EXPECT_EQ(speedOfFrame({.bytes = narrowFrame(3200)}), 3200);
 }
 
-TEST_F(LinkLine, AShiftedFrameWhoseEndIsALumpLaterSpoilsNoOther) {
-    meetOrbA();
+TEST_F(LineOfOrbA, AShiftedFrameWhoseEndIsALumpLaterSpoilsNoOther) {
     // 35 bytes are there, two of them not its own; its last two come 16 ms later, when the next one has been
     // asked for.
     port.once("F", {.bytes = "\x55\x55" + narrowFrame(3000), .splitAt = 35, .pauseUs = 16'000});
@@ -98,8 +104,7 @@ TEST_F(LinkLine, AShiftedFrameWhoseEndIsALumpLaterSpoilsNoOther) {
     EXPECT_EQ(wrong, 0);
 }
 
-TEST_F(LinkLine, AfterAFrameThatIsTooLongTheNextCommandWaitsUntilTheLineIsQuiet) {
-    meetOrbA();
+TEST_F(LineOfOrbA, AfterAFrameThatIsTooLongTheNextCommandWaitsUntilTheLineIsQuiet) {
     // The rest comes in lumps of 16 ms; the next request leaves 20 ms behind the last of them.
     port.once("F", {.bytes = narrowFrame(3000) + "\x55", .byteUs = 0});
     port.always("F", {.bytes = narrowFrame(3100), .byteUs = 0});
@@ -115,8 +120,7 @@ TEST_F(LinkLine, AfterAFrameThatIsTooLongTheNextCommandWaitsUntilTheLineIsQuiet)
     EXPECT_EQ(live.RPM, 3100);
 }
 
-TEST_F(LinkLine, OfFramesThatAreTooLongOneBehindTheOtherOnlyTheFirstIsBelieved) {
-    meetOrbA();
+TEST_F(LineOfOrbA, OfFramesThatAreTooLongOneBehindTheOtherOnlyTheFirstIsBelieved) {
     const std::string stray = "\x11\x11";
     EXPECT_EQ(speedOfFrame({.bytes = stray + narrowFrame(3000)}), 0x1111);
     EXPECT_EQ(speedOfFrame({.bytes = "\x22\x22" + narrowFrame(3100)}), 0x1111);
@@ -124,8 +128,7 @@ TEST_F(LinkLine, OfFramesThatAreTooLongOneBehindTheOtherOnlyTheFirstIsBelieved) 
     EXPECT_EQ(speedOfFrame({.bytes = narrowFrame(3300)}), 3300);
 }
 
-TEST_F(LinkLine, ALineThatNeverGoesQuietIsWrittenToAllTheSameAndTheLinkRecovers) {
-    meetOrbA();
+TEST_F(LineOfOrbA, ALineThatNeverGoesQuietIsWrittenToAllTheSameAndTheLinkRecovers) {
     port.silent(true);
     link.Send_ORB_Command("F");
     for (int ms = 0; ms < 2000; ++ms) {
@@ -136,8 +139,7 @@ TEST_F(LinkLine, ALineThatNeverGoesQuietIsWrittenToAllTheSameAndTheLinkRecovers)
     const auto asked = port.takeWritten().size();
     EXPECT_GE(asked, 15U) << "every 100 ms or so";
     port.silent(false);
-    port.once("E", identifyReply(200000));
-    port.once("B", firmwareReply("DEMO", "ZQA0004001"));
+    tellOnce(200000, "ZQA0004001");
     ticks(150);  // What is in flight is given up; the poller asks who is there.
     link.Send_ORB_Command("E");
     ticks(150);
@@ -145,8 +147,7 @@ TEST_F(LinkLine, ALineThatNeverGoesQuietIsWrittenToAllTheSameAndTheLinkRecovers)
     EXPECT_EQ(speedOfFrame({.bytes = narrowFrame(3000)}), 3000);
 }
 
-TEST_F(LinkLine, AStrayByteInATransferDoesNotHideARefusal) {
-    meetOrbA();
+TEST_F(LineOfOrbA, AStrayByteInATransferDoesNotHideARefusal) {
     host.current = 3;
     const std::string firmware = folder.write("new.nv3", "S1FIRST\r\nS1SECOND\r\nS1THIRD\r\n");
     port.once("P3", atOnce("AX"));
@@ -162,8 +163,7 @@ TEST_F(LinkLine, AStrayByteInATransferDoesNotHideARefusal) {
 
 // ---- The adapter
 
-TEST_F(LinkLine, ALostAdapterIsToldWithItsNameAndTheLinkGoesDownAtOnce) {
-    meetOrbA();
+TEST_F(LineOfOrbA, ALostAdapterIsToldWithItsNameAndTheLinkGoesDownAtOnce) {
     link.Send_ORB_Command("T");  // would wait for 1001 ticks
     ticks(2);
     port.loseDevice();
@@ -176,8 +176,7 @@ TEST_F(LinkLine, ALostAdapterIsToldWithItsNameAndTheLinkGoesDownAtOnce) {
     EXPECT_TRUE(host.linkDisplay.status().connected) << "the port comes back by itself";
 }
 
-TEST_F(LinkLine, PollsInTheVoidDoNotHideThatTheAdapterIsAway) {
-    meetOrbA();
+TEST_F(LineOfOrbA, PollsInTheVoidDoNotHideThatTheAdapterIsAway) {
     port.loseDevice();
     ticks(1);
     link.Send_ORB_Command("E");
@@ -185,15 +184,13 @@ TEST_F(LinkLine, PollsInTheVoidDoNotHideThatTheAdapterIsAway) {
     EXPECT_EQ(statusLine(), "Adapter unplugged | scripted (/dev/ttyUSB0) has gone.");
 }
 
-TEST_F(LinkLine, AnAdapterThatIsBackIsAskedAtOnceAheadOfAllThatWaited) {
-    meetOrbA();
+TEST_F(LineOfOrbA, AnAdapterThatIsBackIsAskedAtOnceAheadOfAllThatWaited) {
     port.loseDevice();
     ticks(1);
     for (int i = 0; i < 5; ++i) link.Send_ORB_Command("E");
     ticks(100);  // The first of them is in flight, for 900 ticks more.
     port.takeWritten();
-    port.once("E", identifyReply(200000));
-    port.once("B", firmwareReply("DEMO", "ZQA0004001"));
+    tellOnce(200000, "ZQA0004001");
     port.returnDevice("/dev/ttyUSB1");
     EXPECT_EQ(statusLine(), "Adapter is back | scripted is back as /dev/ttyUSB1.");
     EXPECT_THAT(host.logLines, Contains("COMM: scripted is back as /dev/ttyUSB1."));
@@ -202,20 +199,17 @@ TEST_F(LinkLine, AnAdapterThatIsBackIsAskedAtOnceAheadOfAllThatWaited) {
     EXPECT_EQ(port.takeWritten(), (Texts{"E", "B"}));
 }
 
-TEST_F(LinkLine, TheEndOfAReplyThatWasCutByTheCableAnswersNoIdentify) {
-    meetOrbA();
+TEST_F(LineOfOrbA, TheEndOfAReplyThatWasCutByTheCableAnswersNoIdentify) {
     port.loseDevice();
     ticks(300);
-    port.once("E", identifyReply(200000));
-    port.once("B", firmwareReply("DEMO", "ZQA0004001"));
+    tellOnce(200000, "ZQA0004001");
     port.returnDevice("/dev/ttyUSB0");
     port.send(ScriptedReply{.bytes = std::string(12, '\x01'), .delayUs = 8000});
     ticks(80);
     EXPECT_TRUE(link.linked().UnitIdentified);
 }
 
-TEST_F(LinkLine, ATransferKeepsItsOwnEndWhenTheAdapterIsPulled) {
-    meetOrbA();
+TEST_F(LineOfOrbA, ATransferKeepsItsOwnEndWhenTheAdapterIsPulled) {
     const std::string firmware = folder.write("new.nv3", "S1FIRST\r\nS1SECOND\r\n");
     link.Program_Unit(TransferMode::Firmware, firmware);
     ticks(2);
@@ -246,8 +240,7 @@ TEST_F(LinkLine, NewsOfTheAdapterFromInsideAHandlerWaitForTheNextTick) {
     EXPECT_EQ(link.linked().SerialNumber, 200000);
 }
 
-TEST_F(LinkLine, AnotherPortForgetsTheAdapterThatIsAway) {
-    meetOrbA();
+TEST_F(LineOfOrbA, AnotherPortForgetsTheAdapterThatIsAway) {
     port.loseDevice();
     ticks(1);
     open();
@@ -256,8 +249,7 @@ TEST_F(LinkLine, AnotherPortForgetsTheAdapterThatIsAway) {
     EXPECT_EQ(host.linkDisplay.status().title, "Connecting...");
 }
 
-TEST_F(LinkLine, APortThatIsClosedBeforeTheNextTickHasNoNewsOfItsAdapter) {
-    meetOrbA();
+TEST_F(LineOfOrbA, APortThatIsClosedBeforeTheNextTickHasNoNewsOfItsAdapter) {
     port.loseDevice();
     link.RS232_Close();
     ticks(1);
@@ -265,8 +257,7 @@ TEST_F(LinkLine, APortThatIsClosedBeforeTheNextTickHasNoNewsOfItsAdapter) {
     EXPECT_TRUE(link.linked().UnitIdentified) << "the close alone loses no link";
 }
 
-TEST_F(LinkLine, RecordsThatWaitWhenTheAdapterGoesReachNoUnitThatComesBack) {
-    meetOrbA();
+TEST_F(LineOfOrbA, RecordsThatWaitWhenTheAdapterGoesReachNoUnitThatComesBack) {
     port.silent(true);
     link.Send_ORB_Command("F");
     ticks(1);
@@ -275,8 +266,7 @@ TEST_F(LinkLine, RecordsThatWaitWhenTheAdapterGoesReachNoUnitThatComesBack) {
     port.returnDevice("/dev/ttyUSB1");
     port.silent(false);
     port.takeWritten();
-    port.once("E", identifyReply(200000));
-    port.once("B", firmwareReply("DEMO", "ZQA0004001"));
+    tellOnce(200000, "ZQA0004001");
     ticks(100);
     EXPECT_EQ(port.takeWritten(), (Texts{"E", "B"}));
     EXPECT_EQ(host.onFlyCalls.front(), false) << "nothing more is sent until it has told who it is";
@@ -287,23 +277,13 @@ TEST_F(LinkLine, RecordsThatWaitWhenTheAdapterGoesReachNoUnitThatComesBack) {
 TEST_F(LinkLine, AtALowRateOfUpdatesASearchedUnitIsAskedForAgainAfter200IdleTicks) {
     open();
     poller.fire({});  // five a second: the tenth firing is two seconds away
-    for (int ms = 0; ms < 199; ++ms) {
-        ticks(1);
-        poller.tick();
-    }
+    pollerTicks(199);
     EXPECT_TRUE(port.takeWritten().empty());
-    port.once("E", identifyReply(200000));
-    port.once("B", firmwareReply("DEMO", "ZQA0004001"));
-    for (int ms = 0; ms < 60; ++ms) {
-        ticks(1);
-        poller.tick();
-    }
+    tellOnce(200000, "ZQA0004001");
+    pollerTicks(60);
     EXPECT_TRUE(link.linked().UnitIdentified);
     forget();
-    for (int ms = 0; ms < 1000; ++ms) {
-        ticks(1);
-        poller.tick();
-    }
+    pollerTicks(1000);
     EXPECT_TRUE(port.takeWritten().empty()) << "a unit that is known is not searched";
 }
 

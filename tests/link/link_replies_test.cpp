@@ -8,6 +8,19 @@ namespace {
 class LinkReplies : public LinkBench {
  protected:
     LinkReplies() { open(); }
+
+    void putInDashboardCells(const std::vector<float>& values) {
+        for (std::size_t i = 0; i < values.size(); ++i) host.unit(3).store(dashboardCells[i], values[i]);
+    }
+    void expectInDashboardCells(const std::vector<float>& values) {
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            EXPECT_EQ(host.unit(3).get(dashboardCells[i]), values[i]) << dashboardCells[i];
+        }
+    }
+
+ private:
+    static constexpr const char* dashboardCells[] = {"REV_Limiter", "MaxDuty", "MinDuty", "PHDSEQ",
+                                                     "Engine_Type"};
 };
 
 // ---- E
@@ -20,20 +33,6 @@ TEST_F(LinkReplies, CurrentFormatReadsTheSerialNumberAsBigEndian) {
     EXPECT_TRUE(link.linked().UnitFound);
     EXPECT_FALSE(link.linked().OldFirmware);
     EXPECT_EQ(link.CurrentCommand(), "");
-}
-
-TEST_F(LinkReplies, EarlierFormatShowsTheNumberInOctal) {
-    // 668 = 1 * 512 + 2 * 64 + 3 * 8 + 4, so its octal digits are 1234.
-    exchange("E", identifyReply(668, 0x54));
-    EXPECT_EQ(link.linked().SerialNumber, 1234);
-    EXPECT_EQ(link.linked().LinkedUnitKind, 3);
-    EXPECT_FALSE(link.linked().OldFirmware);
-}
-
-TEST_F(LinkReplies, EarlierFormatReadsSixOctalDigits) {
-    // 0x00010000 = 65536 = 2 * 8^5, so its octal digits are 200000.
-    exchange("E", bytes({0xFA, 0xA5, 0x54, 0x00, 0x01, 0x00, 0x00, 0x55}));
-    EXPECT_EQ(link.linked().SerialNumber, 200000);
 }
 
 TEST_F(LinkReplies, OldestFormatIsFourSerialBytesAndAX) {
@@ -122,26 +121,6 @@ TEST_F(LinkReplies, AShortReplyEndsTheCommandAndNothingElse) {
     EXPECT_TRUE(host.logLines.empty());
 }
 
-TEST_F(LinkReplies, TheRangeOfTheSerialNumberGivesTheUnitKindAndItsLabel) {
-    const std::tuple<std::uint32_t, int, const char*> rows[] = {{10, 3, "A"},     {300000, 4, "L"},
-                                                                {350000, 6, "C"}, {500000, 5, "PZK-2"},
-                                                                {700000, 7, "D"}, {750000, 8, "D6"}};
-    for (const auto& [serial, kind, label] : rows) {
-        exchange("E", identifyReply(serial));
-        EXPECT_EQ(link.linked().LinkedUnitKind, kind);
-        EXPECT_EQ(host.linkDisplay.status().unitLabel, label);
-        EXPECT_EQ(link.linked().SerialNumber, static_cast<std::int32_t>(serial));
-        EXPECT_TRUE(link.linked().UnitFound);
-        port.silent(true);
-        link.Send_ORB_Command("F");
-        ticks(1200);  // the link is given up
-        port.silent(false);
-    }
-    exchange("E", identifyReply(10000));
-    EXPECT_EQ(link.linked().SerialNumber, 0);
-    EXPECT_FALSE(link.linked().UnitFound);
-}
-
 TEST_F(LinkReplies, ANumberInNoRangeKeepsTheKindAndClearsTheNumber) {
     exchange("E", identifyReply(300000));
     ticks(1100);
@@ -172,39 +151,23 @@ TEST_F(LinkReplies, SerialNumberZeroLeavesTheKindAndIsAccepted) {
 }
 
 TEST_F(LinkReplies, WithoutACalibrationTheDashboardGetsItsDefaults) {
-    Unit& unit = host.unit(3);
-    unit.store("REV_Limiter", 3000);
-    unit.store("MinDuty", 20);
+    putInDashboardCells({3000, 10, 20});
     exchange("E", identifyReply(200000));
-    EXPECT_EQ(unit.get("REV_Limiter"), 8500);
-    EXPECT_EQ(unit.get("MaxDuty"), 255);
-    EXPECT_EQ(unit.get("MinDuty"), 1);
-    EXPECT_EQ(unit.get("PHDSEQ"), 0);
-    EXPECT_EQ(unit.get("Engine_Type"), 0);
+    expectInDashboardCells({8500, 255, 1, 0, 0});
 }
 
 TEST_F(LinkReplies, ACalibrationThatIsBeingMadeKeepsItsValuesThoughItHasNoFileYet) {
-    Unit& unit = host.unit(3);
     host.current = 3;
-    unit.store("REV_Limiter", 7200);
-    unit.store("PHDSEQ", 1);
-    unit.store("Engine_Type", 1);
-    unit.store("MaxDuty", 200);
-    unit.store("MinDuty", 12);
+    putInDashboardCells({7200, 200, 12, 1, 1});
     exchange("E", identifyReply(200000));
-    EXPECT_EQ(unit.get("REV_Limiter"), 7200);
-    EXPECT_EQ(unit.get("PHDSEQ"), 1);
-    EXPECT_EQ(unit.get("Engine_Type"), 1);
-    EXPECT_EQ(unit.get("MaxDuty"), 200);
-    EXPECT_EQ(unit.get("MinDuty"), 12);
+    expectInDashboardCells({7200, 200, 12, 1, 1});
 }
 
 TEST_F(LinkReplies, ACalibrationInHandKeepsItsValues) {
-    Unit& unit = host.unit(3);
-    unit.BinFile("/somewhere/my.ZQ4OA");
-    unit.store("REV_Limiter", 3000);
+    host.unit(3).BinFile("/somewhere/my.ZQ4OA");
+    putInDashboardCells({3000});
     exchange("E", identifyReply(200000));
-    EXPECT_EQ(unit.get("REV_Limiter"), 3000);
+    expectInDashboardCells({3000});
 }
 
 // ---- B
@@ -213,6 +176,7 @@ class FirmwareReply : public LinkBench {
  protected:
     /// The B reply of a unit that has just been found.
     void answer(std::uint32_t serial, const std::string& firmware, int subType = 0) {
+        ticks(1002);  // the C that nobody answered
         find(serial);
         port.once("B", atOnce(firmwareReply("MY CAR", firmware, serial < 300000 ? 39 : 38, subType)));
         link.Send_ORB_Command("B");
@@ -391,35 +355,25 @@ TEST_F(FirmwareReply, NoFileInHandGivesNoWarning) {
     EXPECT_TRUE(host.onFlyCalls.empty());
 }
 
-struct NewFirmwareCase {
-    const char* name;
-    const char* firmware;
-    bool warned;
-};
-
-class NewFirmware : public FirmwareReply, public testing::WithParamInterface<NewFirmwareCase> {};
-
-TEST_P(NewFirmware, IsWarnedOfOnlyAboveTheTable) {
+TEST_F(FirmwareReply, ANewFirmwareIsWarnedOfOnlyAboveTheTable) {
     host.releases[3] = 5;
     host.builds[3] = 12;
-    answer(200000, GetParam().firmware);
-    ASSERT_EQ(host.boxes.size(), GetParam().warned ? 1u : 0u);
-    if (!GetParam().warned) return;
-    EXPECT_EQ(host.boxes[0].title, "");
-    EXPECT_EQ(host.boxes[0].icon, Icon::None);
-    EXPECT_EQ(host.boxes[0].text,
-              "This version of firmware is not fully supported by this version of Zentaq.\nYou will still be "
-              "able to "
-              "make changes to the unit, but not all features will be available.");
+    for (const char* known : {"ZQA0005012", "ZQA0005011", "ZQA0004999"}) {
+        answer(200000, known);
+        EXPECT_TRUE(link.linked().UnitIdentified) << known;
+        EXPECT_TRUE(host.boxes.empty()) << known;
+    }
+    for (const char* newer : {"ZQA0005013", "ZQA0006001"}) {
+        answer(200000, newer);
+        ASSERT_EQ(host.boxes.size(), 1u) << newer;
+        EXPECT_EQ(host.boxes[0].title, "");
+        EXPECT_EQ(host.boxes[0].icon, Icon::None);
+        EXPECT_EQ(
+            host.boxes[0].text,
+            "This version of firmware is not fully supported by this version of Zentaq.\nYou will still "
+            "be able to make changes to the unit, but not all features will be available.");
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Cases, NewFirmware,
-                         testing::Values(NewFirmwareCase{"Equal", "ZQA0005012", false},
-                                         NewFirmwareCase{"NewerBuild", "ZQA0005013", true},
-                                         NewFirmwareCase{"OlderBuild", "ZQA0005011", false},
-                                         NewFirmwareCase{"NewerReleaseOlderBuild", "ZQA0006001", true},
-                                         NewFirmwareCase{"OlderReleaseNewerBuild", "ZQA0004999", false}),
-                         [](const auto& row) { return row.param.name; });
 
 TEST_F(FirmwareReply, AUnitThatIsAskedAgainIsWarnedOfOnceAndAfterALostLinkAnew) {
     host.releases[4] = 5;
@@ -454,37 +408,28 @@ TEST_F(FirmwareReply, OtherKindsHaveNoSubType) {
     EXPECT_EQ(host.linkDisplay.status().unitLabel, "L");
 }
 
-struct WideCase {
-    const char* name;
-    std::uint32_t serial;
-    const char* firmware;
-    bool wide;
-    bool asksConfiguration;
-};
-
-class WideMonitor : public FirmwareReply, public testing::WithParamInterface<WideCase> {};
-
-TEST_P(WideMonitor, FollowsKindAndRelease) {
-    answer(GetParam().serial, GetParam().firmware);
-    EXPECT_EQ(link.linked().WideMonitor, GetParam().wide);
-    ticks(1);
-    EXPECT_EQ(port.written(), GetParam().asksConfiguration ? (Texts{"B", "C"}) : (Texts{"B"}));
+TEST_F(FirmwareReply, ANewReleaseOfItsKindIsAskedForItsConfigurationAndMostHaveTheWideMonitor) {
+    struct Row {
+        std::uint32_t serial;
+        const char* former;  ///< has no wide monitor and is not asked
+        const char* firmware;
+        bool wide = true;
+    };
+    for (const Row& row :
+         {Row{200000, "ZQA0004999", "ZQA0005001"}, Row{300000, "ZQL0006999", "ZQL0007001"},
+          Row{350000, "ZQC0002999", "ZQC0003001"}, Row{700000, "ZQD0004999", "ZQD0005001"},
+          Row{750000, "ZQD0004999", "ZQD0005001"}, Row{500000, "ZPK0004999", "ZPK0005001", false}}) {
+        SCOPED_TRACE(row.serial);
+        answer(row.serial, row.former);
+        EXPECT_FALSE(link.linked().WideMonitor);
+        ticks(1);
+        EXPECT_EQ(port.written(), (Texts{"B"}));
+        answer(row.serial, row.firmware);
+        EXPECT_EQ(link.linked().WideMonitor, row.wide);
+        ticks(1);
+        EXPECT_EQ(port.written(), (Texts{"B", "C"}));
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Cases, WideMonitor,
-                         testing::Values(WideCase{"A4", 200000, "ZQA0004999", false, false},
-                                         WideCase{"A5", 200000, "ZQA0005001", true, true},
-                                         WideCase{"L6", 300000, "ZQL0006999", false, false},
-                                         WideCase{"L7", 300000, "ZQL0007001", true, true},
-                                         WideCase{"C2", 350000, "ZQC0002999", false, false},
-                                         WideCase{"C3", 350000, "ZQC0003001", true, true},
-                                         WideCase{"D4", 700000, "ZQD0004999", false, false},
-                                         WideCase{"D5", 700000, "ZQD0005001", true, true},
-                                         WideCase{"D6Old", 750000, "ZQD0004999", false, false},
-                                         WideCase{"D6New", 750000, "ZQD0005001", true, true},
-                                         WideCase{"Pzk4", 500000, "ZPK0004999", false, false},
-                                         WideCase{"Pzk5", 500000, "ZPK0005001", false, true}),
-                         [](const auto& row) { return row.param.name; });
 
 // ---- C
 

@@ -7,15 +7,23 @@
 namespace zentaq {
 namespace {
 
+using Messages = std::vector<int>;
+
 class LinkTransfers : public LinkBench {
  protected:
-    /// Every line gets this reply, unless a test scripts another.
+    /// The unit takes every line and verifies what ends in S9.
+    LinkTransfers() {
+        answerLines("AX");
+        answer("S9", "PN");
+    }
+    /// The start and every line get this reply, unless a test scripts another.
     void answerLines(const std::string& reply) {
         port.otherwise([reply](const std::string& command) -> std::optional<ScriptedReply> {
             if (command == "P1" || command == "P3" || command.starts_with("S")) return atOnce(reply);
             return std::nullopt;
         });
     }
+    void answer(const std::string& line, const std::string& reply) { port.always(line, atOnce(reply)); }
 
     /// Programs a file of these lines as firmware.
     void upgrade(const std::string& content) {
@@ -23,19 +31,49 @@ class LinkTransfers : public LinkBench {
         link.Program_Unit(TransferMode::Firmware, folder.write("new.nv3", content));
     }
 
-    /// Starts to program a calibration whose S-record file is replaced by this text before a line is read.
-    void program(const std::string& content) {
+    void upgradeWhole(const std::string& content) {
+        upgrade(content);
+        runUntilIdle();
+    }
+
+    /// Starts to program the calibration in hand.
+    void program() {
         link.AutoPollSuspended(true);
         link.Program_Unit(TransferMode::Calibration, "");
+    }
+    /// Starts to program a calibration whose S-record file is replaced by this text before a line is read.
+    void program(const std::string& content) {
+        program();
         std::ofstream(folder.path("ORB.s19"), std::ios::binary | std::ios::trunc) << content;
     }
 
-    /// One more run of two lines; the messages that it ends with.
-    std::vector<int> again() {
-        forget();
-        upgrade("S0\nS9\n");
-        runUntilIdle();
-        return host.messages;
+    /// Runs of two lines, one after the other, end with these messages.
+    void expectRuns(const std::vector<Messages>& ends) {
+        for (std::size_t run = 0; run < ends.size(); ++run) {
+            forget();
+            upgrade("S0\nS9\n");
+            runUntilIdle();
+            EXPECT_EQ(host.messages, ends[run]) << "run " << run;
+        }
+    }
+    /// A run goes on for so many ticks and ends on the next.
+    void expectEndBehind(int count, const Messages& messages) {
+        ticks(count);
+        EXPECT_TRUE(host.messages.empty());
+        ticks(1);
+        EXPECT_EQ(host.messages, messages);
+    }
+    /// Nothing is in flight, polling goes on and the bar is gone.
+    void expectRest() const {
+        EXPECT_FALSE(link.transfer().active());
+        EXPECT_EQ(link.CurrentCommand(), "");
+        EXPECT_FALSE(link.AutoPollSuspended());
+        EXPECT_FALSE(host.linkDisplay.status().progressVisible);
+    }
+    /// What went out, and the messages at its end.
+    void expectRun(const Texts& written, const Messages& messages) const {
+        EXPECT_EQ(port.written(), written);
+        EXPECT_EQ(host.messages, messages);
     }
 
     void runUntilIdle(int limit = 20'000) {
@@ -76,10 +114,8 @@ TEST_F(CalibrationTransfer, StartWritesItsConsoleLinesAndQueuesP1) {
 }
 
 TEST_F(CalibrationTransfer, TicksThatAreRunAfterAPauseDoNotShortenTheGapInFrontOfALine) {
-    link.AutoPollSuspended(true);
-    link.Program_Unit(TransferMode::Calibration, "");
-    link.tick();  // P1 goes out
-    port.send(atOnce("AX"));
+    program();
+    link.tick();           // P1 goes out
     port.advanceUs(1000);  // the reply is there since 530 us, its line quiet
     const std::int64_t seen = clock.monotonicUs();
     for (int owed = 0; owed < 500; ++owed) link.tick();
@@ -93,10 +129,8 @@ TEST_F(CalibrationTransfer, TicksThatAreRunAfterAPauseDoNotShortenTheGapInFrontO
 }
 
 TEST_F(CalibrationTransfer, BytesBehindAnAnswerDoNotPutTheNextLineOff) {
-    link.AutoPollSuspended(true);
-    link.Program_Unit(TransferMode::Calibration, "");
+    program();
     link.tick();  // P1 goes out
-    port.send(atOnce("AX"));
     port.advanceUs(1000);
     for (int noise = 0; noise < 10; ++noise) {
         port.send(atOnce("\x55"));
@@ -109,9 +143,7 @@ TEST_F(CalibrationTransfer, BytesBehindAnAnswerDoNotPutTheNextLineOff) {
 }
 
 TEST_F(CalibrationTransfer, AWholeRunOfARealImageTakesElevenTicksALine) {
-    answerLines("AX");
-    link.AutoPollSuspended(true);
-    link.Program_Unit(TransferMode::Calibration, "");
+    program();
     constexpr int lineCount = 137 + 1;  // data lines of a firmware below 5, and the end record
     ASSERT_EQ(link.transfer().lines(), lineCount);
     Texts lines = split(TemporaryFolder::read(folder.path("ORB.s19")), '\n');
@@ -129,42 +161,36 @@ TEST_F(CalibrationTransfer, AWholeRunOfARealImageTakesElevenTicksALine) {
     EXPECT_TRUE(host.messages.empty());
     ticks(1);
     EXPECT_FALSE(link.transfer().active());
-    EXPECT_EQ(host.messages, (std::vector<int>{1002}));
+    EXPECT_EQ(host.messages, (Messages{1002}));
     EXPECT_EQ(Texts(port.written().begin() + 1, port.written().end()), lines);
 }
 
 TEST_F(CalibrationTransfer, ARunOf147LinesEndsOnTick1619) {
-    answerLines("AX");
     std::string content;
     for (int i = 1; i <= 147; ++i) content += "S1" + std::to_string(i) + "\r\n";
-    port.always("S1147", atOnce("PN"));
+    answer("S1147", "PN");
     program(content);
     // One tick writes P1, 147 times eleven ticks write a line, one more handles the last reply.
     ticks(1618);
     EXPECT_EQ(port.written().size(), 148u);
     EXPECT_TRUE(host.messages.empty());
     ticks(1);
-    EXPECT_EQ(host.messages, (std::vector<int>{1002}));
+    EXPECT_EQ(host.messages, (Messages{1002}));
 }
 
 TEST_F(CalibrationTransfer, TheNextLineGoesOutOnTheEleventhTickOfAReply) {
-    answerLines("AX");
     program("S1a\r\nS1b\r\n");
     ticks(1);
-    EXPECT_EQ(port.written(), (Texts{"P1"}));
-    ticks(10);
-    EXPECT_EQ(port.written(), (Texts{"P1"}));
-    ticks(1);
-    EXPECT_EQ(port.written(), (Texts{"P1", "S1a"}));
-    ticks(10);
-    EXPECT_EQ(port.written(), (Texts{"P1", "S1a"}));
-    ticks(1);
+    for (const Texts& sent : {Texts{"P1"}, Texts{"P1", "S1a"}}) {
+        EXPECT_EQ(port.written(), sent);
+        ticks(10);
+        EXPECT_EQ(port.written(), sent);
+        ticks(1);
+    }
     EXPECT_EQ(port.written(), (Texts{"P1", "S1a", "S1b"}));
 }
 
 TEST_F(CalibrationTransfer, VerifiedEndsInOrder) {
-    answerLines("AX");
-    port.always("S9", atOnce("PN"));
     program("S1a\r\nS9\r\n");
     host.calls.clear();
     runUntilIdle();
@@ -174,23 +200,21 @@ TEST_F(CalibrationTransfer, VerifiedEndsInOrder) {
     EXPECT_EQ(statusTexts(), (Texts{"Program ORB Successful", "PROGRAM VERIFIED",
                                     "You Must Restart ECU After download completed."}));
     EXPECT_EQ(host.linkDisplay.status().image, LinkImage::Connected);
-    EXPECT_FALSE(host.linkDisplay.status().progressVisible);
+    expectRest();
     EXPECT_EQ(link.transfer().line(), 0);
     EXPECT_EQ(link.transfer().lines(), 0);
-    EXPECT_FALSE(link.AutoPollSuspended());
-    EXPECT_EQ(link.CurrentCommand(), "");
 }
 
 TEST_F(CalibrationTransfer, VerifiedIsHandledOnceThoughItsReplyStands) {
     answerLines("PN");
     program("S1a\r\n");
     ticks(100);
-    EXPECT_EQ(host.messages, (std::vector<int>{1002}));
+    EXPECT_EQ(host.messages, (Messages{1002}));
     EXPECT_EQ(port.written(), (Texts{"P1"}));
 }
 
 TEST_F(CalibrationTransfer, RefusedBeforeAnyLineFailsWithMessage1003) {
-    port.always("P1", atOnce("AR"));
+    answer("P1", "AR");
     program("S1a\r\n");
     host.calls.clear();
     ticks(100);
@@ -198,51 +222,38 @@ TEST_F(CalibrationTransfer, RefusedBeforeAnyLineFailsWithMessage1003) {
               (Texts{"add: FAIL!", "log: PROCESS FAILED - EXITED ABNORMALLY.", "message: 1003",
                      "log: Automatic POLL/SYNC: ENABLED", "log: Data Upload to ORB Unit FAILED!"}));
     EXPECT_EQ(port.written(), (Texts{"P1"}));
-    EXPECT_FALSE(link.transfer().active());
-    EXPECT_FALSE(link.AutoPollSuspended());
+    expectRest();
     EXPECT_EQ(link.linked().LinkedUnitKind, 3);
 }
 
 TEST_F(CalibrationTransfer, RefusedAtTheThirdLineFailsThere) {
-    answerLines("AX");
-    port.always("S1c", atOnce("AR"));
+    answer("S1c", "AR");
     program("S1a\r\nS1b\r\nS1c\r\nS1d\r\n");
     runUntilIdle();
     ticks(100);
-    EXPECT_EQ(port.written(), (Texts{"P1", "S1a", "S1b", "S1c"}));
-    EXPECT_EQ(host.messages, (std::vector<int>{1003}));
+    expectRun({"P1", "S1a", "S1b", "S1c"}, {1003});
     EXPECT_EQ(link.transfer().line(), 0);
 }
 
 TEST_F(CalibrationTransfer, ALostReplyFailsAfter1000TicksAndTheLinkIsLostToo) {
-    answerLines("AX");
-    port.always("S1b", atOnce(""));
+    answer("S1b", "");
     program("S1a\r\nS1b\r\nS1c\r\n");
     ticks(1 + 11 + 11);
     ASSERT_EQ(port.written().back(), "S1b");
-    ticks(1000);
-    EXPECT_TRUE(host.messages.empty());
-    ticks(1);
-    EXPECT_EQ(host.messages, (std::vector<int>{1003}));
+    expectEndBehind(1000, {1003});
     EXPECT_EQ(link.linked().LinkedUnitKind, 0);
     EXPECT_EQ(host.onFlyCalls, (std::vector<bool>{false}));
-    EXPECT_FALSE(link.transfer().active());
-    EXPECT_EQ(link.CurrentCommand(), "");
-    EXPECT_FALSE(link.AutoPollSuspended());
+    expectRest();
 }
 
 TEST_F(CalibrationTransfer, APortThatVanishesOnTheWayFailsWithMessage1003AndTheUnitIsFoundAgain) {
-    answerLines("AX");
-    port.always("S9", atOnce("PN"));
     program("S1a\r\nS1b\r\nS9\r\n");
     ticks(1 + 11);
     ASSERT_EQ(port.written().back(), "S1a");
     port.silent(true);
     ticks(11 + 1001);
-    EXPECT_EQ(host.messages, (std::vector<int>{1003}));
-    EXPECT_FALSE(link.transfer().active());
-    EXPECT_FALSE(link.AutoPollSuspended());
-    EXPECT_FALSE(host.linkDisplay.status().progressVisible);
+    EXPECT_EQ(host.messages, (Messages{1003}));
+    expectRest();
     EXPECT_EQ(link.ring().count(), 0);
 
     port.silent(false);
@@ -255,40 +266,30 @@ TEST_F(CalibrationTransfer, APortThatVanishesOnTheWayFailsWithMessage1003AndTheU
     forget();
     program("S1a\r\nS9\r\n");
     ticks(100);
-    EXPECT_EQ(port.written(), (Texts{"P1", "S1a", "S9"}));
-    EXPECT_EQ(host.messages, (std::vector<int>{1002}));
+    expectRun({"P1", "S1a", "S9"}, {1002});
 }
 
 TEST_F(CalibrationTransfer, AFrameThatIsNeverAnsweredInFrontOfP1FailsTheTransferAndPollingGoesOn) {
-    answerLines("AX");
     link.Send_ORB_Command("F");
     ticks(1);
     program("S1a\r\n");
     forget();
-    ticks(83);
-    EXPECT_TRUE(host.messages.empty());
-    ticks(1);
-    EXPECT_EQ(host.messages, (std::vector<int>{1003}));
+    expectEndBehind(83, {1003});
     EXPECT_EQ(host.logLines, (Texts{"PROCESS FAILED - EXITED ABNORMALLY.", "Automatic POLL/SYNC: ENABLED"}));
-    EXPECT_FALSE(link.AutoPollSuspended());
-    EXPECT_FALSE(host.linkDisplay.status().progressVisible);
+    expectRest();
     ticks(50);
     EXPECT_TRUE(port.written().empty()) << "the transfer went with the queue";
 }
 
 TEST_F(CalibrationTransfer, ASecondTransferIsRefusedWhileTheFirstWaitsInTheQueue) {
-    answerLines("AX");
     program("S1a\r\n");
     EXPECT_THROW(link.Program_Unit(TransferMode::Datalog, folder.path("log.dat")), Failure);
     EXPECT_TRUE(link.AutoPollSuspended());
     ticks(100);
-    EXPECT_EQ(port.written(), (Texts{"P1", "S1a"}));
-    EXPECT_EQ(host.messages, (std::vector<int>{1002}));
+    expectRun({"P1", "S1a"}, {1002});
 }
 
 TEST_F(CalibrationTransfer, NoPortIsSearchedOnTheWay) {
-    answerLines("AX");
-    port.always("S9", atOnce("PN"));
     program("S1a\r\nS9\r\n");
     ticks(5);
     const int closes = port.closes();
@@ -296,26 +297,22 @@ TEST_F(CalibrationTransfer, NoPortIsSearchedOnTheWay) {
     EXPECT_EQ(link.Autodetect_COMM_Port(), 0);
     EXPECT_EQ(port.closes(), closes);
     ticks(100);
-    EXPECT_EQ(host.messages, (std::vector<int>{1002}));
+    EXPECT_EQ(host.messages, (Messages{1002}));
 }
 
 TEST_F(CalibrationTransfer, AnEmptyFileCountsAsASuccess) {
-    answerLines("AX");
     program("");
     ticks(2000);
-    EXPECT_EQ(port.written(), (Texts{"P1"}));
-    EXPECT_EQ(host.messages, (std::vector<int>{1002}));
-    EXPECT_FALSE(link.transfer().active());
-    EXPECT_EQ(link.CurrentCommand(), "");
+    expectRun({"P1"}, {1002});
+    expectRest();
     EXPECT_EQ(link.linked().LinkedUnitKind, 3);
 }
 
 TEST_F(CalibrationTransfer, AFileThatRunsOutWithNoVerificationCountsAsASuccess) {
-    answerLines("AX");
+    answer("S9", "AX");
     program("S1a\r\nS9");
     ticks(2000);
-    EXPECT_EQ(port.written(), (Texts{"P1", "S1a", "S9"}));
-    EXPECT_EQ(host.messages, (std::vector<int>{1002}));
+    expectRun({"P1", "S1a", "S9"}, {1002});
     EXPECT_EQ(link.ring().head(), link.ring().tail());
     EXPECT_EQ(link.ring().count(), 0);
 }
@@ -323,14 +320,12 @@ TEST_F(CalibrationTransfer, AFileThatRunsOutWithNoVerificationCountsAsASuccess) 
 TEST_F(CalibrationTransfer, OtherUnitsGetEachLineWithItsLineEnd) {
     find(300000);
     host.current = 3;
-    answerLines("AX");
     program("S1a\r\nS9\n");
     ticks(100);
     EXPECT_EQ(port.written(), (Texts{"P1", "S1a\r\n", "S9\r\n"}));
 }
 
 TEST_F(CalibrationTransfer, CommandsQueuedBehindP1AreThrownAway) {
-    answerLines("AX");
     program("S1a\r\n");
     link.Send_ORB_Command("T");
     link.Send_ORB_Command("K");
@@ -341,8 +336,6 @@ TEST_F(CalibrationTransfer, CommandsQueuedBehindP1AreThrownAway) {
 }
 
 TEST_F(CalibrationTransfer, CommandsQueuedDuringTheRunWaitUntilItIsOver) {
-    answerLines("AX");
-    port.always("S9", atOnce("PN"));
     program("S1a\r\nS1b\r\nS9\r\n");
     ticks(14);
     link.Send_ORB_Command("T");
@@ -351,8 +344,6 @@ TEST_F(CalibrationTransfer, CommandsQueuedDuringTheRunWaitUntilItIsOver) {
 }
 
 TEST_F(CalibrationTransfer, ACommandThatEntersInTheYieldOfALineWaitsToo) {
-    answerLines("AX");
-    port.always("S9", atOnce("PN"));
     program("S1a\r\nS9\r\n");
     yielding.meanwhile = [&] {
         ticks(3);  // ticks inside a tick do nothing
@@ -363,8 +354,6 @@ TEST_F(CalibrationTransfer, ACommandThatEntersInTheYieldOfALineWaitsToo) {
 }
 
 TEST_F(CalibrationTransfer, AFullRingLosesItsOldestCommandToALine) {
-    answerLines("AX");
-    port.always("S9", atOnce("PN"));
     program("S9\r\n");
     ticks(2);
     for (int i = 0; i < 511; ++i) link.Send_ORB_Command("K" + std::to_string(i));
@@ -373,7 +362,6 @@ TEST_F(CalibrationTransfer, AFullRingLosesItsOldestCommandToALine) {
 }
 
 TEST_F(CalibrationTransfer, ProgressIsTheWholePartOfLinesSentAgainstAll) {
-    answerLines("AX");
     link.Program_Unit(TransferMode::Calibration, "");
     ticks(1 + 74 * 11);
     // The 74th line steps with 73 of 138 lines before it: 52.9 %.
@@ -383,7 +371,6 @@ TEST_F(CalibrationTransfer, ProgressIsTheWholePartOfLinesSentAgainstAll) {
 }
 
 TEST_F(CalibrationTransfer, EachLineShowsTheStatusOfItsTransfer) {
-    answerLines("AX");
     program("S1a\r\nS1b\r\n");
     ticks(11);
     host.linkDisplay.COMM_StatusMessage("x", "y", "z", "Warning");
@@ -394,7 +381,6 @@ TEST_F(CalibrationTransfer, EachLineShowsTheStatusOfItsTransfer) {
 }
 
 TEST_F(CalibrationTransfer, ThePollerStandsStill) {
-    answerLines("AX");
     program("S1a\r\n");
     ticks(1);
     link.AutoPollSuspended(false);
@@ -403,7 +389,6 @@ TEST_F(CalibrationTransfer, ThePollerStandsStill) {
 }
 
 TEST_F(CalibrationTransfer, ASecondTransferIsRefusedWhileOneRuns) {
-    answerLines("AX");
     program("S1a\r\n");
     ticks(1);
     EXPECT_THROW(link.Program_Unit(TransferMode::Calibration, ""), Failure);
@@ -416,14 +401,17 @@ TEST_F(CalibrationTransfer, AnUnwritableFolderQueuesNothingAndLetsPollingGoOn) {
     link.AutoPollSuspended(true);
     EXPECT_THROW(link.Program_Unit(TransferMode::Calibration, ""), FileError);
     EXPECT_EQ(link.ring().count(), 0);
-    EXPECT_FALSE(link.AutoPollSuspended());
-    EXPECT_FALSE(host.linkDisplay.status().progressVisible);
+    expectRest();
 }
 
 // ---- Programming firmware
 
-TEST_F(LinkTransfers, FirmwareStartWritesItsLinesAndCountsOneMore) {
-    find(200000);
+class FirmwareTransfer : public LinkTransfers {
+ protected:
+    FirmwareTransfer() { find(200000); }
+};
+
+TEST_F(FirmwareTransfer, FirmwareStartWritesItsLinesAndCountsOneMore) {
     upgrade("S0\nS1\nS9\n");
     EXPECT_EQ(host.logLines,
               (Texts{"Attempting Firmware Upgrade, Sending File... ", "  - " + folder.path("new.nv3")}));
@@ -432,86 +420,66 @@ TEST_F(LinkTransfers, FirmwareStartWritesItsLinesAndCountsOneMore) {
     EXPECT_EQ(port.written(), (Texts{"P3"}));
 }
 
-TEST_F(LinkTransfers, VerifiedFirmwareEndsWithItsOwnTexts) {
-    find(200000);
-    answerLines("AX");
-    port.always("S9", atOnce("PN"));
-    upgrade("S0\nS9\n");
-    runUntilIdle();
+TEST_F(FirmwareTransfer, VerifiedFirmwareEndsWithItsOwnTexts) {
+    upgradeWhole("S0\nS9\n");
     EXPECT_EQ(port.written(), (Texts{"P3", "S0", "S9"}));
-    EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008})) << "done, and the calibration is still to come";
+    EXPECT_EQ(host.messages, (Messages{1002, 1008})) << "done, and the calibration is still to come";
     EXPECT_EQ(host.logLines.back(), "ORB: Firmware Upload Successful, Verified!");
     EXPECT_EQ(host.linkDisplay.status().title, "Program Firmware Successful");
     EXPECT_EQ(host.linkDisplay.status().line1, "PROGRAM VERIFIED");
 }
 
-TEST_F(LinkTransfers, FirmwareRefusedAtALineFailsWithMessage1004) {
-    find(200000);
-    answerLines("AX");
-    port.always("S1", atOnce("AR"));
-    upgrade("S0\nS1\nS9\n");
-    runUntilIdle();
-    EXPECT_EQ(host.messages, (std::vector<int>{1004}));
+TEST_F(FirmwareTransfer, FirmwareRefusedAtALineFailsWithMessage1004) {
+    answer("S1", "AR");
+    upgradeWhole("S0\nS1\nS9\n");
+    EXPECT_EQ(host.messages, (Messages{1004}));
     EXPECT_EQ(host.logLines.back(), "Firmware Upload to ORB Unit FAILED!");
     EXPECT_TRUE(link.firmware().lost());
-    EXPECT_EQ(host.linkDisplay.status().title, "Transfer failed");
-    EXPECT_EQ(host.linkDisplay.status().line1, "PROCESS FAILED - EXITED ABNORMALLY.");
-    EXPECT_EQ(host.linkDisplay.status().line2, "") << "nobody is to wait any more";
+    EXPECT_EQ(statusTexts(), (Texts{"Transfer failed", "PROCESS FAILED - EXITED ABNORMALLY.", ""}))
+        << "nobody is to wait any more";
     EXPECT_EQ(host.linkDisplay.status().image, LinkImage::Warning);
 }
 
-TEST_F(LinkTransfers, FirmwareRefusedAtItsStartFailsWithMessage1005) {
-    find(200000);
+TEST_F(FirmwareTransfer, FirmwareRefusedAtItsStartFailsWithMessage1005) {
     answerLines("AR");
-    upgrade("S0\nS9\n");
-    runUntilIdle();
+    upgradeWhole("S0\nS9\n");
     EXPECT_EQ(port.written(), (Texts{"P3"}));
-    EXPECT_EQ(host.messages, (std::vector<int>{1005})) << "the unit is not in upgrade mode";
+    EXPECT_EQ(host.messages, (Messages{1005})) << "the unit is not in upgrade mode";
     EXPECT_EQ(host.logLines.back(), "Firmware Upload to ORB Unit FAILED!");
     EXPECT_FALSE(link.firmware().lost());
 }
 
-TEST_F(LinkTransfers, AFirmwareStartHas5000TicksOfPatienceAndFailsWithMessage1004) {
-    find(200000);
+TEST_F(FirmwareTransfer, AFirmwareStartHas5000TicksOfPatienceAndFailsWithMessage1004) {
+    answerLines("");
     upgrade("S0\n");
     ticks(1 + 5000);
     EXPECT_TRUE(host.messages.empty());
     ticks(1);
-    EXPECT_EQ(host.messages, (std::vector<int>{1004})) << "what it has now is not known";
+    EXPECT_EQ(host.messages, (Messages{1004})) << "what it has now is not known";
     EXPECT_FALSE(link.firmware().lost());
     EXPECT_EQ(link.linked().LinkedUnitKind, 0);
 }
 
-TEST_F(LinkTransfers, AFirmwareLineThatIsNeverAnsweredFailsAfter5001TicksWithMessage1004) {
-    find(200000);
-    answerLines("AX");
-    port.always("S1", atOnce(""));
+TEST_F(FirmwareTransfer, AFirmwareLineThatIsNeverAnsweredFailsAfter5001TicksWithMessage1004) {
+    answer("S1", "");
     upgrade("S0\nS1\nS9\n");
     ticks(1 + 11 + 11);
     ASSERT_EQ(port.written().back(), "S1");
-    ticks(5000);
-    EXPECT_TRUE(host.messages.empty());
-    ticks(1);
-    EXPECT_EQ(host.messages, (std::vector<int>{1004}));
+    expectEndBehind(5000, {1004});
     EXPECT_TRUE(link.firmware().lost());
 }
 
-TEST_F(LinkTransfers, AnEmptyFirmwareFileCountsAsASuccess) {
-    find(200000);
-    answerLines("AX");
+TEST_F(FirmwareTransfer, AnEmptyFirmwareFileCountsAsASuccess) {
     upgrade("");
     ticks(6000);
-    EXPECT_EQ(port.written(), (Texts{"P3"}));
-    EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008}));
+    expectRun({"P3"}, {1002, 1008});
 }
 
 /// A unit whose firmware broke off at its second line, and which then fell silent.
-class LostFirmware : public LinkTransfers {
+class LostFirmware : public FirmwareTransfer {
  protected:
     LostFirmware() {
-        find(200000);
-        answerLines("AX");
-        port.always("S1", atOnce("AR"));
+        answer("S1", "AR");
         upgrade("S0\nS1\nS9\n");
         runUntilIdle();
         forget();
@@ -521,39 +489,33 @@ class LostFirmware : public LinkTransfers {
 
 TEST_F(LostFirmware, OnlyTheThirdStartInARowThatGetsNoAnswerIsToldWithMessage1009) {
     answerLines("");
-    for (const int message : {1004, 1004, 1009, 1009}) {
-        EXPECT_EQ(again(), (std::vector<int>{message}));
-    }
+    expectRuns({{1004}, {1004}, {1009}, {1009}});
 }
 
 TEST_F(LostFirmware, AnAnswerBetweenTwoSilentStartsBeginsTheCountAnew) {
-    const std::pair<const char*, int> starts[] = {{"", 1004}, {"", 1004}, {"AR", 1005},
-                                                  {"", 1004}, {"", 1004}, {"", 1009}};
-    for (const auto& [reply, message] : starts) {
-        answerLines(reply);
-        EXPECT_EQ(again(), (std::vector<int>{message}));
-    }
+    answerLines("");
+    expectRuns({{1004}, {1004}});
+    answerLines("AR");
+    expectRuns({{1005}});
+    answerLines("");
+    expectRuns({{1004}, {1004}, {1009}});
 }
 
 TEST_F(LostFirmware, AUnitThatRefusesTheNextStartIsToldWithMessage1005) {
     answerLines("AR");
-    EXPECT_EQ(again(), (std::vector<int>{1005}));
+    expectRuns({{1005}});
     EXPECT_TRUE(link.firmware().lost()) << "no run has ended well since";
 }
 
-TEST_F(LinkTransfers, SilentStartsOfAUnitThatNeverGotALineProveNothing) {
-    find(200000);
-    for (int run = 0; run < 5; ++run) {
-        EXPECT_EQ(again(), (std::vector<int>{1004})) << run;
-    }
+TEST_F(FirmwareTransfer, SilentStartsOfAUnitThatNeverGotALineProveNothing) {
+    answerLines("");
+    expectRuns(std::vector<Messages>(5, {1004}));
 }
 
 TEST_F(LostFirmware, WithAClosedPortNobodyKnowsThatTheUnitIsLostForGood) {
     answerLines("");
     link.RS232_Close();
-    for (int run = 0; run < 4; ++run) {
-        EXPECT_EQ(again(), (std::vector<int>{1004})) << run;
-    }
+    expectRuns(std::vector<Messages>(4, {1004}));
 }
 
 TEST_F(LostFirmware, WithTheAdapterPulledOutNobodyKnowsThatTheUnitIsLostForGood) {
@@ -564,7 +526,7 @@ TEST_F(LostFirmware, WithTheAdapterPulledOutNobodyKnowsThatTheUnitIsLostForGood)
         while (port.written().empty() || port.written().back() != "P3") ticks(1);
         port.loseDevice();
         runUntilIdle();
-        EXPECT_EQ(host.messages, (std::vector<int>{1004})) << run;
+        EXPECT_EQ(host.messages, (Messages{1004})) << run;
         EXPECT_EQ(host.linkDisplay.status().title, "Adapter unplugged");
         port.returnDevice("/dev/ttyUSB0");
         ticks(2000);
@@ -580,7 +542,7 @@ TEST_F(LostFirmware, AnAdapterThatWasAwayWhenTheRunBeganProvesNothingThoughItIsB
         ticks(3);
         port.returnDevice("/dev/ttyUSB0");
         runUntilIdle();
-        EXPECT_EQ(host.messages, (std::vector<int>{1004})) << run;
+        EXPECT_EQ(host.messages, (Messages{1004})) << run;
     }
 }
 
@@ -590,38 +552,31 @@ TEST_F(LostFirmware, WithTheAdapterThereAgainLaterRunsMayTellThatTheUnitIsLost) 
     ticks(3);
     port.returnDevice("/dev/ttyUSB0");
     ticks(2000);
-    for (const int message : {1004, 1004, 1009}) {
-        EXPECT_EQ(again(), (std::vector<int>{message}));
-    }
+    expectRuns({{1004}, {1004}, {1009}});
 }
 
 TEST_F(LostFirmware, ItsKindIsKeptForTheRunThatMendsIt) {
     EXPECT_EQ(link.firmware().lostSlot(), 3);
-    port.always("E", atOnce(""));
+    answer("E", "");
     link.Send_ORB_Command("E");
     ticks(1 + 1001);  // nobody answers any more
     ASSERT_EQ(link.linked().LinkedUnitKind, 0);
     EXPECT_EQ(link.firmware().lostSlot(), 3);
-    answerLines("AX");
-    port.always("S9", atOnce("PN"));
     forget();
-    upgrade("S0\nS9\n");
-    runUntilIdle();
+    upgradeWhole("S0\nS9\n");
     EXPECT_EQ(port.written(), (Texts{"E", "P3", "S0", "S9"})) << "this kind takes its lines without an end";
     EXPECT_EQ(link.firmware().lostSlot(), 0);
 }
 
 TEST_F(LostFirmware, ASecondRunThatEndsWellMendsIt) {
-    port.always("S9", atOnce("PN"));
-    EXPECT_EQ(again(), (std::vector<int>{1002, 1008}));
+    expectRuns({{1002, 1008}});
     EXPECT_FALSE(link.firmware().lost());
     answerLines("AR");
-    EXPECT_EQ(again(), (std::vector<int>{1005}));
+    expectRuns({{1005}});
 }
 
 TEST_F(LostFirmware, AnEmptyFileMendsNothing) {
-    upgrade("");
-    runUntilIdle();
+    upgradeWhole("");
     EXPECT_TRUE(link.firmware().lost());
 }
 
@@ -629,14 +584,11 @@ TEST_F(LostFirmware, AUnitThatTellsItsFirmwareHasOne) {
     identify(200001, "ZQA-405099");
     EXPECT_FALSE(link.firmware().lost());
     answerLines("");
-    for (int run = 0; run < 4; ++run) {
-        EXPECT_EQ(again(), (std::vector<int>{1004})) << run;
-    }
+    expectRuns(std::vector<Messages>(4, {1004}));
 }
 
 TEST_F(LostFirmware, TheNextRunOutlivesThePollThatTheUnitDoesNotAnswer) {
-    port.always("S9", atOnce("PN"));
-    port.always("E", atOnce(""));
+    answer("E", "");
     link.Send_ORB_Command("E");
     ticks(1);
     upgrade("S0\nS9\n");
@@ -647,13 +599,10 @@ TEST_F(LostFirmware, TheNextRunOutlivesThePollThatTheUnitDoesNotAnswer) {
     EXPECT_TRUE(link.AutoPollSuspended());
     runUntilIdle();
     EXPECT_EQ(port.written(), (Texts{"E", "P3", "S0", "S9"})) << "the kind is still known";
-    EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008}));
+    EXPECT_EQ(host.messages, (Messages{1002, 1008}));
 }
 
-TEST_F(LinkTransfers, AFirmwareOutlivesAFrameThatAUnitInUpgradeModeNoLongerAnswers) {
-    find(200000);
-    answerLines("AX");
-    port.always("S9", atOnce("PN"));
+TEST_F(FirmwareTransfer, AFirmwareOutlivesAFrameThatAUnitInUpgradeModeNoLongerAnswers) {
     link.Send_ORB_Command("F");
     ticks(1);
     upgrade("S9\n");
@@ -662,7 +611,7 @@ TEST_F(LinkTransfers, AFirmwareOutlivesAFrameThatAUnitInUpgradeModeNoLongerAnswe
     EXPECT_EQ(link.ring().count(), 1) << "the firmware alone stays";
     runUntilIdle();
     EXPECT_EQ(port.written(), (Texts{"F", "E", "P3", "S9"})) << "lines as the kind takes them that was found";
-    EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008}));
+    EXPECT_EQ(host.messages, (Messages{1002, 1008}));
 }
 
 /// A firmware for the ORB A that waits behind a frame which nobody answers any more.
@@ -670,8 +619,6 @@ class WaitingFirmware : public LinkTransfers {
  protected:
     WaitingFirmware() {
         find(200001);
-        answerLines("AX");
-        port.always("S9", atOnce("PN"));
         link.Send_ORB_Command("F");
         ticks(1);
         upgrade("S0\nS9\n");
@@ -683,15 +630,14 @@ class WaitingFirmware : public LinkTransfers {
     void expectItEnds() {
         ticks(3000);
         EXPECT_EQ(std::ranges::count(port.written(), std::string("P3")), 0);
-        EXPECT_EQ(host.messages, (std::vector<int>{1005}));
+        EXPECT_EQ(host.messages, (Messages{1005}));
     }
 };
 
 TEST_F(WaitingFirmware, GoesOutOnceTheSameUnitHasSaidThatItIsThere) {
     port.once("E", identifyReply(200001));
     runUntilIdle();
-    EXPECT_EQ(port.written(), (Texts{"E", "P3", "S0", "S9"}));
-    EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008}));
+    expectRun({"E", "P3", "S0", "S9"}, {1002, 1008});
     EXPECT_TRUE(host.boxes.empty());
 }
 
@@ -722,17 +668,15 @@ TEST_F(WaitingFirmware, ADamagedAnswerIsAskedForAgainAndTheThirdEndsTheRun) {
 }
 
 TEST_F(WaitingFirmware, GoesOutWhereNobodyAnswersAsAUnitWithoutFirmwareDoes) {
-    port.always("E", atOnce(""));
+    answer("E", "");
     runUntilIdle();
-    EXPECT_EQ(port.written(), (Texts{"E", "P3", "S0", "S9"}));
-    EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008}));
+    expectRun({"E", "P3", "S0", "S9"}, {1002, 1008});
 }
 
 TEST_F(LinkTransfers, AFirmwareThatWaitsWhileTheAdapterIsChangedAsksWhoIsThereNow) {
     find(200001);
-    answerLines("AX");
     link.Send_ORB_Command("S");
-    port.always("S", atOnce(""));
+    answer("S", "");
     ticks(1);
     upgrade("S0\nS9\n");
     port.once("E", identifyReply(300001));
@@ -741,7 +685,7 @@ TEST_F(LinkTransfers, AFirmwareThatWaitsWhileTheAdapterIsChangedAsksWhoIsThereNo
     port.returnDevice("/dev/ttyUSB0");
     ticks(3000);
     EXPECT_EQ(std::ranges::count(port.written(), std::string("P3")), 0);
-    EXPECT_EQ(host.messages, (std::vector<int>{1005}));
+    EXPECT_EQ(host.messages, (Messages{1005}));
 }
 
 TEST_F(CalibrationTransfer, AProgramThatWaitsEndsWhereAnotherUnitOfItsKindAnswers) {
@@ -751,7 +695,7 @@ TEST_F(CalibrationTransfer, AProgramThatWaitsEndsWhereAnotherUnitOfItsKindAnswer
     ticks(3000);
     EXPECT_EQ(port.written().front(), "E");
     EXPECT_EQ(std::ranges::count(port.written(), std::string("P1")), 0);
-    EXPECT_EQ(host.messages, (std::vector<int>{1003}));
+    EXPECT_EQ(host.messages, (Messages{1003}));
 }
 
 TEST_F(CalibrationTransfer, AProgramThatWaitsEndsWhenItsAdapterGoes) {
@@ -760,7 +704,7 @@ TEST_F(CalibrationTransfer, AProgramThatWaitsEndsWhenItsAdapterGoes) {
     program("S1\n");
     port.loseDevice();
     ticks(1);
-    EXPECT_EQ(host.messages, (std::vector<int>{1003}));
+    EXPECT_EQ(host.messages, (Messages{1003}));
     port.returnDevice("/dev/ttyUSB0");
     ticks(3000);
     EXPECT_EQ(std::ranges::count(port.written(), std::string("P1")), 0);
@@ -768,8 +712,6 @@ TEST_F(CalibrationTransfer, AProgramThatWaitsEndsWhenItsAdapterGoes) {
 
 TEST_F(LinkTransfers, WithoutAUnitTheKindThatTheFirmwareIsForDecidesHowItsLinesEnd) {
     open();
-    answerLines("AX");
-    port.always("S9", atOnce("PN"));
     for (const int slot : {3, 5, 0}) {
         forget();
         link.programFirmware("ZQA.nv3", "S0\nS9\n", slot);
@@ -779,40 +721,31 @@ TEST_F(LinkTransfers, WithoutAUnitTheKindThatTheFirmwareIsForDecidesHowItsLinesE
     }
 }
 
-TEST_F(LinkTransfers, AUnitOnTheLinkDecidesHowItsLinesEndWhateverTheCallerThinks) {
-    find(200000);
-    answerLines("AX");
+TEST_F(FirmwareTransfer, AUnitOnTheLinkDecidesHowItsLinesEndWhateverTheCallerThinks) {
     link.programFirmware("ZQL.nv3", "S0\n", 4);
     runUntilIdle();
     EXPECT_EQ(port.written(), (Texts{"P3", "S0"}));
 }
 
-TEST_F(LinkTransfers, AFirmwareFileThatVanishesOnTheWayIsSentToItsEnd) {
-    find(200000);
-    answerLines("AX");
-    port.always("S9", atOnce("PN"));
+TEST_F(FirmwareTransfer, AFirmwareFileThatVanishesOnTheWayIsSentToItsEnd) {
     upgrade("S0\nS1\nS9\n");
     ticks(15);
     ASSERT_EQ(port.written(), (Texts{"P3", "S0"}));
     std::ofstream(folder.path("new.nv3"), std::ios::trunc) << "S2\n";
     std::filesystem::remove(folder.path("new.nv3"));
     runUntilIdle();
-    EXPECT_EQ(port.written(), (Texts{"P3", "S0", "S1", "S9"}));
-    EXPECT_EQ(host.messages, (std::vector<int>{1002, 1008}));
+    expectRun({"P3", "S0", "S1", "S9"}, {1002, 1008});
 }
 
-TEST_F(LinkTransfers, AnAbsentFirmwareFileQueuesNothing) {
-    find(200000);
+TEST_F(FirmwareTransfer, AnAbsentFirmwareFileQueuesNothing) {
     EXPECT_THROW(link.Program_Unit(TransferMode::Firmware, folder.path("absent.nv3")), FileError);
     EXPECT_EQ(link.ring().count(), 0);
 }
 
 TEST_F(LinkTransfers, WithAClosedPortATransferFailsAndPollingGoesOn) {
-    upgrade("S0\n");
-    runUntilIdle();
-    EXPECT_EQ(host.messages, (std::vector<int>{1004}));
-    EXPECT_FALSE(link.AutoPollSuspended());
-    EXPECT_FALSE(link.transfer().active());
+    upgradeWhole("S0\n");
+    EXPECT_EQ(host.messages, (Messages{1004}));
+    expectRest();
 }
 
 // ---- The unit's own datalog
@@ -821,6 +754,11 @@ class DatalogTransfer : public LinkTransfers {
  protected:
     DatalogTransfer() { find(200000); }
 
+    /// Records with these high bytes of engine speed; the last comes again and again.
+    void answerRecords(const std::vector<int>& rpmHigh) {
+        for (const int high : rpmHigh) port.once("D", atOnce(dataRecord(high)));
+        port.always("D", atOnce(dataRecord(rpmHigh.back())));
+    }
     void download() {
         link.AutoPollSuspended(true);
         link.Program_Unit(TransferMode::Datalog, folder.path("log.dat"));
@@ -844,45 +782,40 @@ TEST_F(DatalogTransfer, StartWritesItsLinesAndTheHeaderOfTheFile) {
 }
 
 TEST_F(DatalogTransfer, EachRecordIsALineUntilTheEndMarker) {
-    for (int i = 0; i < 5; ++i) port.once("D", atOnce(dataRecord(i)));
-    port.always("D", atOnce(dataRecord(83)));
+    answerRecords({0, 1, 2, 3, 4, 83});
     download();
     runUntilIdle();
     EXPECT_EQ(port.written(), Texts(6, "D"));
     EXPECT_EQ(linesOfLog(), 3u + 5u);
-    EXPECT_EQ(host.messages, (std::vector<int>{1006}));
+    EXPECT_EQ(host.messages, (Messages{1006}));
     EXPECT_EQ(host.logLines[2], "  - Downloading data... SUCCESS!");
     EXPECT_EQ(host.logLines.back(), "ORB: Datalog download complete!");
     EXPECT_EQ(statusTexts(), (Texts{"Download of Datalog Complete", "", ""}));
-    EXPECT_FALSE(link.AutoPollSuspended());
-    EXPECT_EQ(link.CurrentCommand(), "");
+    expectRest();
 }
 
 TEST_F(DatalogTransfer, EngineSpeedByte82IsARecordAnd83TheEnd) {
-    port.once("D", atOnce(dataRecord(82)));
-    port.once("D", atOnce(dataRecord(82)));
-    port.always("D", atOnce(dataRecord(83)));
+    answerRecords({82, 82, 83});
     download();
     runUntilIdle();
     EXPECT_EQ(linesOfLog(), 3u + 2u);
 }
 
 TEST_F(DatalogTransfer, TheEndAtOnceIsAnEmptyLogAndMessage1007) {
-    port.always("D", atOnce(dataRecord(255)));
+    answerRecords({255});
     download();
     runUntilIdle();
-    EXPECT_EQ(host.messages, (std::vector<int>{1007}));
+    EXPECT_EQ(host.messages, (Messages{1007}));
     EXPECT_EQ(host.logLines[2], "  - Downloading data... FAIL!");
     EXPECT_FALSE(link.transfer().active());
     EXPECT_EQ(link.linked().LinkedUnitKind, 3);
 }
 
 TEST_F(DatalogTransfer, OneRecordAndTheEndIsAFailureToo) {
-    port.once("D", atOnce(dataRecord(1)));
-    port.always("D", atOnce(dataRecord(255)));
+    answerRecords({1, 255});
     download();
     runUntilIdle();
-    EXPECT_EQ(host.messages, (std::vector<int>{1007}));
+    EXPECT_EQ(host.messages, (Messages{1007}));
 }
 
 TEST_F(DatalogTransfer, ABadHeaderRaisesNoMessageAndStallsIntoTheTimeOut) {
@@ -897,9 +830,8 @@ TEST_F(DatalogTransfer, ABadHeaderRaisesNoMessageAndStallsIntoTheTimeOut) {
     EXPECT_TRUE(host.messages.empty());
     EXPECT_TRUE(link.transfer().active());
     ticks(10);
-    EXPECT_EQ(host.messages, (std::vector<int>{1007}));
-    EXPECT_FALSE(link.transfer().active());
-    EXPECT_FALSE(link.AutoPollSuspended());
+    EXPECT_EQ(host.messages, (Messages{1007}));
+    expectRest();
     EXPECT_EQ(port.written(), (Texts{"D", "D"}));
 }
 
@@ -908,10 +840,7 @@ TEST_F(DatalogTransfer, ALostRecordEndsTheDownloadAndTheLinkAtThe1001stTick) {
     download();
     ticks(3);
     ASSERT_EQ(port.written(), (Texts{"D", "D"}));
-    ticks(1000);
-    EXPECT_TRUE(host.messages.empty());
-    ticks(1);
-    EXPECT_EQ(host.messages, (std::vector<int>{1007}));
+    expectEndBehind(1000, {1007});
     EXPECT_EQ(link.linked().LinkedUnitKind, 0);
 }
 
@@ -930,7 +859,7 @@ TEST_F(DatalogTransfer, AFullLogReachesAHundredPercentAndGoesOnCounting) {
 }
 
 TEST_F(DatalogTransfer, AUserCommandIsWrittenBetweenTwoRecords) {
-    port.always("D", atOnce(dataRecord(1)));
+    answerRecords({1});
     port.always("T", atOnce(framed(16, {})));
     download();
     ticks(1);
@@ -940,17 +869,15 @@ TEST_F(DatalogTransfer, AUserCommandIsWrittenBetweenTwoRecords) {
 }
 
 TEST_F(DatalogTransfer, AUserCommandThatIsNeverAnsweredEndsTheDownloadWithTheLink) {
-    port.always("D", atOnce(dataRecord(1)));
+    answerRecords({1});
     download();
     ticks(1);
     link.Send_ORB_Command("K");
     ticks(2);
     ASSERT_EQ(port.written().back(), "K");
     ticks(1001);
-    EXPECT_EQ(host.messages, (std::vector<int>{1007}));
-    EXPECT_FALSE(link.AutoPollSuspended());
-    EXPECT_FALSE(link.transfer().active());
-    EXPECT_FALSE(host.linkDisplay.status().progressVisible);
+    EXPECT_EQ(host.messages, (Messages{1007}));
+    expectRest();
 }
 
 TEST_F(DatalogTransfer, AFileThatCannotBeMadeQueuesNothing) {
@@ -962,12 +889,10 @@ TEST_F(DatalogTransfer, AFileThatCannotBeMadeQueuesNothing) {
 
 TEST_F(DatalogTransfer, AFullDiskFailsTheDownload) {
     if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "no full device here";
-    port.once("D", atOnce(dataRecord(1)));
-    port.once("D", atOnce(dataRecord(1)));
-    port.always("D", atOnce(dataRecord(255)));
+    answerRecords({1, 1, 255});
     link.Program_Unit(TransferMode::Datalog, "/dev/full");
     runUntilIdle();
-    EXPECT_EQ(host.messages, (std::vector<int>{1007}));
+    EXPECT_EQ(host.messages, (Messages{1007}));
 }
 
 }  // namespace

@@ -208,6 +208,29 @@ TEST_F(LinkTransport, ChangesMovesOnlyWhenTheStatusDoes) {
     EXPECT_EQ(host.linkDisplay.status().changes, before + 1);
 }
 
+TEST_F(LinkTransport, APortThatCannotBeOpenedIsNotTakenForAUnitThatDoesNotAnswer) {
+    port.refuseAll();
+    ASSERT_FALSE(link.RS232_Initialize(3));
+    ASSERT_FALSE(host.linkDisplay.status().trouble.empty());
+    const std::string trouble = host.linkDisplay.status().trouble;
+    link.Send_ORB_Command("E");  // as the poller does, into the void
+    ticks(1100);
+    ASSERT_TRUE(link.CurrentCommand().empty());
+    EXPECT_EQ(statusTexts(), (Texts{"No Connection Mode", "Port is Currently Not Available.",
+                                    "Please Check your Serial Connection and try again"}));
+    EXPECT_EQ(host.linkDisplay.status().trouble, trouble) << "the system's reason";
+    EXPECT_EQ(host.linkDisplay.status().image, LinkImage::NoConnect);
+    EXPECT_FALSE(host.linkDisplay.status().connected);
+}
+
+TEST_F(LinkTransport, TheReasonGoesWithTheTrouble) {
+    port.refuse(3);
+    link.RS232_Initialize(3);
+    ASSERT_FALSE(host.linkDisplay.status().trouble.empty());
+    link.RS232_Initialize(1);
+    EXPECT_EQ(host.linkDisplay.status().trouble, "");
+}
+
 // ---- Port search
 
 class PortSearch : public LinkBench {
@@ -232,6 +255,7 @@ TEST_F(PortSearch, WithNoPortAtAllTriesAllTwelveAndAnswersZero) {
     EXPECT_EQ(host.logLines.front(), "COMM Port:1 Not Available, Cannot Open Connection.");
     EXPECT_EQ(host.logLines.back(), "COMM Port:12 Not Available, Cannot Open Connection.");
     EXPECT_EQ(host.linkDisplay.status().title, "No Connection Mode");
+    EXPECT_EQ(host.linkDisplay.status().port, "12") << "the port tried last";
     EXPECT_EQ(link.commPort(), 12);
 }
 

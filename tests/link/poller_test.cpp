@@ -48,6 +48,12 @@ class PollerTest : public LinkBench {
                   [this] { ++displays; }};
 };
 
+/// With narrow frames, which carry the state of inputs and outputs.
+class PollerOfOrbA : public PollerTest {
+ protected:
+    PollerOfOrbA() { identify(200000, "ZQA0004001"); }
+};
+
 TEST_F(PollerTest, WithNoUnitItAsksOnEveryTenthFiring) {
     open();
     fire(9);
@@ -99,8 +105,7 @@ TEST_F(PollerTest, AUnitWithOldFirmwareStaysInTheSearch) {
     EXPECT_EQ(link.ring().count(), 1);
 }
 
-TEST_F(PollerTest, AnIdentifiedUnitIsAskedForNarrowFrames) {
-    identify(200000, "ZQA0004001");
+TEST_F(PollerOfOrbA, AnIdentifiedUnitIsAskedForNarrowFrames) {
     fire(1);
     EXPECT_EQ(displays, 1);
     EXPECT_FALSE(host.linkDisplay.status().noConnectPanel);
@@ -114,15 +119,13 @@ TEST_F(PollerTest, AUnitWithTheWideMonitorIsAskedForWideFrames) {
     EXPECT_EQ(port.written(), (Texts{"W"}));
 }
 
-TEST_F(PollerTest, FiveWaitingCommandsAreEnoughButTheDisplayGoesOn) {
-    identify(200000, "ZQA0004001");
+TEST_F(PollerOfOrbA, FiveWaitingCommandsAreEnoughButTheDisplayGoesOn) {
     fire(8);
     EXPECT_EQ(link.ring().count(), 5);
     EXPECT_EQ(displays, 8);
 }
 
-TEST_F(PollerTest, FourWaitingCommandsLeaveRoomForOne) {
-    identify(200000, "ZQA0004001");
+TEST_F(PollerOfOrbA, FourWaitingCommandsLeaveRoomForOne) {
     for (int i = 0; i < 4; ++i) link.Send_ORB_Command("K");
     fire(1);
     EXPECT_EQ(link.ring().count(), 5);
@@ -141,8 +144,7 @@ TEST_F(PollerTest, InputAndOutputStateIsAskedForOnEveryFourthFiring) {
     EXPECT_EQ(all, (Texts{"F", "F", "F", "F", "I", "F", "F", "F", "I", "F"}));
 }
 
-TEST_F(PollerTest, AUnitWhoseFramesCarryTheStateIsNotAskedForIt) {
-    identify(200000, "ZQA0004001");
+TEST_F(PollerOfOrbA, AUnitWhoseFramesCarryTheStateIsNotAskedForIt) {
     for (int i = 0; i < 10; ++i) {
         fire(1);
         EXPECT_EQ(queued(), (Texts{"F"}));
@@ -157,8 +159,7 @@ TEST_F(PollerTest, TheWideMonitorCarriesTheStateItself) {
     EXPECT_EQ(poller.GPIOCount(), 4);
 }
 
-TEST_F(PollerTest, CodesAreRefreshedOnTheFiftyFirstFiring) {
-    identify(200000, "ZQA0004001");
+TEST_F(PollerOfOrbA, CodesAreRefreshedOnTheFiftyFirstFiring) {
     for (int i = 0; i < 50; ++i) {
         fire(1);
         queued();
@@ -171,8 +172,7 @@ TEST_F(PollerTest, CodesAreRefreshedOnTheFiftyFirstFiring) {
     EXPECT_EQ(poller.CodeCount(), 1);
 }
 
-TEST_F(PollerTest, WithNoRoomTheCodesWaitAndTheirCountStandsAt50) {
-    identify(200000, "ZQA0004001");
+TEST_F(PollerOfOrbA, WithNoRoomTheCodesWaitAndTheirCountStandsAt50) {
     fire(60);
     EXPECT_EQ(refreshes, 0);
     EXPECT_EQ(poller.CodeCount(), 50);
@@ -198,8 +198,7 @@ TEST_F(PollerTest, WhereFramesTakeEveryFreePlaceTheCodesGoFirstAfter25FiringsInV
     EXPECT_GE(std::ranges::count(written, "W"), 150);
 }
 
-TEST_F(PollerTest, WhileAChangeIsOnTheWireThePanelSaysUpdating) {
-    identify(200000, "ZQA0004001");
+TEST_F(PollerOfOrbA, WhileAChangeIsOnTheWireThePanelSaysUpdating) {
     link.SEND_ONFLY("S104");
     ticks(1);
     ASSERT_TRUE(link.OnFlyBusy());
@@ -210,8 +209,7 @@ TEST_F(PollerTest, WhileAChangeIsOnTheWireThePanelSaysUpdating) {
     EXPECT_EQ(displays, 0);
 }
 
-TEST_F(PollerTest, BehindTheSecondTabItOnlyMovesThePanelAway) {
-    identify(200000, "ZQA0004001");
+TEST_F(PollerOfOrbA, BehindTheSecondTabItOnlyMovesThePanelAway) {
     host.linkDisplay.showNoConnectPanel("Connecting...");
     fire(20, {.tab2Showing = true});
     EXPECT_FALSE(host.linkDisplay.status().noConnectPanel);
@@ -226,8 +224,7 @@ TEST_F(PollerTest, BehindTheSecondTabNoUnitIsSearched) {
     EXPECT_EQ(poller.ConnectCount(), 0);
 }
 
-TEST_F(PollerTest, AutoVeCoversTheDashboardOnEveryTab) {
-    identify(200000, "ZQA0004001");
+TEST_F(PollerOfOrbA, AutoVeCoversTheDashboardOnEveryTab) {
     for (const bool second : {false, true}) {
         fire(1, {.tab2Showing = second, .autoVeOn = true});
         EXPECT_TRUE(host.linkDisplay.status().noConnectPanel);
@@ -236,8 +233,7 @@ TEST_F(PollerTest, AutoVeCoversTheDashboardOnEveryTab) {
     EXPECT_EQ(link.ring().count(), 1);
 }
 
-TEST_F(PollerTest, SuspendedPollingQueuesNothing) {
-    identify(200000, "ZQA0004001");
+TEST_F(PollerOfOrbA, SuspendedPollingQueuesNothing) {
     link.AutoPollSuspended(true);
     fire(60);
     EXPECT_EQ(link.ring().count(), 0);
@@ -254,8 +250,7 @@ TEST_F(PollerTest, SuspendedPollingSearchesNoUnit) {
     EXPECT_EQ(link.ring().count(), 0);
 }
 
-TEST_F(PollerTest, ALostLinkGoesBackToTheSearch) {
-    identify(200000, "ZQA0004001");
+TEST_F(PollerOfOrbA, ALostLinkGoesBackToTheSearch) {
     fire(1);
     ticks(1 + 84);
     ASSERT_FALSE(link.linked().UnitIdentified);

@@ -75,22 +75,15 @@ TEST_F(ProgressTest, BoundsTheWrongWayRoundGiveAnEmptyBar) {
     EXPECT_EQ(state.value, 10);
 }
 
-TEST_F(ProgressTest, ClearEmptiesThePercentageAndKeepsTheFrame) {
+TEST_F(ProgressTest, ClearEmptiesThePercentageAndKeepsTheFrameWhichRemoveHides) {
     progress.Init(100, 20, "Sending");
-    progress.Active(80, 100);
-    progress.Clear();
-    EXPECT_TRUE(state.visible);
-    EXPECT_EQ(state.value, 20);
-    EXPECT_EQ(state.percentage, "");
-}
-
-TEST_F(ProgressTest, RemoveClearsAndHidesTheFrame) {
-    progress.Init(100, 0, "Sending");
-    progress.Active(80, 100);
-    progress.Remove();
-    EXPECT_FALSE(state.visible);
-    EXPECT_EQ(state.value, 0);
-    EXPECT_EQ(state.percentage, "");
+    for (const bool removed : {false, true}) {
+        progress.Active(80, 100);
+        removed ? progress.Remove() : progress.Clear();
+        EXPECT_EQ(state.visible, !removed);
+        EXPECT_EQ(state.value, 20);
+        EXPECT_EQ(state.percentage, "");
+    }
 }
 
 TEST_F(ProgressTest, EveryChangeMovesTheCounter) {

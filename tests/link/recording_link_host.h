@@ -16,6 +16,8 @@
 
 namespace zentaq {
 
+using Texts = std::vector<std::string>;
+
 /// What a Unit object needs.
 class PlainUnitHost : public UnitHost {
  public:
@@ -96,6 +98,14 @@ class RecordingLinkHost : public LinkTeller {
                 builds.contains(slot) ? builds.at(slot) : 999};
     }
 
+    /// What was recorded so far does not matter.
+    void forget() {
+        for (Texts* texts : {&calls, &logLines, &commLines}) texts->clear();
+        for (std::vector<int>* numbers : {&messages, &kindsFound}) numbers->clear();
+        for (std::vector<bool>* marks : {&onFlyCalls, &locks}) marks->clear();
+        boxes.clear();
+    }
+
     PlainUnitHost unitHost;
     std::map<int, std::unique_ptr<Unit>> units;
     int current = 0;
@@ -106,10 +116,10 @@ class RecordingLinkHost : public LinkTeller {
     std::function<void()> whileBoxShows;
     std::function<void()> whenOnFly;
 
-    std::vector<std::string> calls;
+    Texts calls;
     std::vector<TransferEnd> ends;
-    std::vector<std::string> logLines;
-    std::vector<std::string> commLines;
+    Texts logLines;
+    Texts commLines;
     std::vector<int> messages;
     std::vector<Box> boxes;
     std::vector<bool> onFlyCalls;

@@ -82,12 +82,7 @@ void Model::watchTransfer() {
     if (pending()) {
         const bool still = now_.head == now_.tail || ring_.at(static_cast<std::size_t>(now_.head)).empty();
         gone = now_.command.empty() && still;
-        if (!gone && !transfer_.empty() && keyOf(now_.command) != transfer_) {
-            gone = true;
-            for (int i = now_.head; i != now_.tail; i = (i + 1) & 0x1FF) {
-                if (ring_.at(static_cast<std::size_t>(i)) == transfer_) gone = false;
-            }
-        }
+        if (!gone && !transfer_.empty() && keyOf(now_.command) != transfer_) gone = !queued(transfer_);
     }
     stall_ = gone ? stall_ + 1 : 0;
     if (stall_ <= 1000 || !now_.command.empty()) return;
@@ -458,40 +453,32 @@ void Model::message(const std::string& title, int image) {
 }
 
 void Model::status(const std::string& key) {
+    struct Shown {
+        const char* activity;
+        const char* title;
+        int image;
+    };
+    static const Shown monitoring{"{Monitoring}", "Monitoring...", imageMonitor};
+    static const std::map<std::string, Shown> rows = {
+        {"D", {"{Datalog}", "Retrieving Datalog...", imageTransfer}},
+        {"E", {"{Polling}", "Polling...", imageTransfer}},
+        {"F", monitoring},
+        {"I", monitoring},
+        {"W", monitoring},
+        {"P1", {"{BinFile}", "Programming ORB...", imageTransfer}},
+        {"P2", {"{Transfer ONFLY}", "ONFLY TRANSFER...", imageConnected}},
+        {"P3", {"{Firmware}", "Programming Firmware...", imageTransfer}}};
     const bool line = key.size() > 2;  // a line sent changes the display only, not the activity
     const std::string base = line ? key.substr(0, 2) : key;
-    const auto activity = [&](const char* text) {
-        if (!line) now_.activity = text;
-    };
-    if (base == "A") return activity("{Clear Codes}");
-    if (base == "T") return activity("{Check Engine}");
-    if (base == "D") {
-        activity("{Datalog}");
-        return message("Retrieving Datalog...", imageTransfer);
+    if (base == "A" || base == "T") {
+        now_.activity = base == "A" ? "{Clear Codes}" : "{Check Engine}";
+        return;
     }
-    if (base == "E") {
-        activity("{Polling}");
-        return message("Polling...", imageTransfer);
-    }
-    if (base == "F" || base == "I" || base == "W") {
-        activity("{Monitoring}");
-        return message("Monitoring...", imageMonitor);
-    }
-    if (base == "P1") {
-        activity("{BinFile}");
-        return message("Programming ORB...", imageTransfer);
-    }
-    if (base == "P3") {
-        activity("{Firmware}");
-        return message("Programming Firmware...", imageTransfer);
-    }
-    now_.connected = true;
-    if (base == "P2") {
-        activity("{Transfer ONFLY}");
-        return message("ONFLY TRANSFER...", imageConnected);
-    }
-    activity("{Info}");
-    message("Active ORB...", imageConnected);
+    const auto row = rows.find(base);
+    const Shown is = row == rows.end() ? Shown{"{Info}", "Active ORB...", imageConnected} : row->second;
+    if (!line) now_.activity = is.activity;
+    if (is.image == imageConnected) now_.connected = true;
+    message(is.title, is.image);
 }
 
 // ---- Replies

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "base/errors.h"
-#include "unit/recording_host.h"
 
 namespace zentaq {
 namespace {
@@ -122,9 +121,6 @@ TEST(FirmwareBytes, WithoutANumberThrows) {
 
 TEST(FirmwareBytes, TellsTheSubtype) {
     EXPECT_EQ(unitSubType(firmwareReply("ZQA  05099", 2)), 2);
-    EXPECT_EQ(subTypeLabel(orbaKind(), 0), "A Std");
-    EXPECT_EQ(subTypeLabel(orbaKind(), 1), "A 6/12");
-    EXPECT_EQ(subTypeLabel(orbaKind(), 2), "A r");
     EXPECT_EQ(subTypeLabel(orbaKind(), 3), "");
     EXPECT_EQ(subTypeLabel(orbaKind(), -1), "");
     EXPECT_THROW(unitSubType(padded({}, 37)), BoundsError);
@@ -132,24 +128,9 @@ TEST(FirmwareBytes, TellsTheSubtype) {
 
 // ---- C
 
-TEST(ConfigurationBytes, TellsThePicOfTwoKindsFromAReleaseOn) {
-    Bytes bytes(39);
-    bytes[18] = 3;
-    struct Row {
-        int slot;
-        FirmwareVersion firmware;
-        bool tells;
-    };
-    for (const auto& [slot, firmware, tells] :
-         {Row{4, {7, 0}, true}, Row{4, {6, 99}, false}, Row{4, {8, 0}, true}, Row{5, {5, 0}, true},
-          Row{5, {4, 6}, true}, Row{5, {4, 5}, false}, Row{5, {3, 9}, false}}) {
-        EXPECT_EQ(decodePic18(bytes, *unitKindOfSlot(slot), firmware),
-                  tells ? std::optional(true) : std::nullopt);
-    }
+TEST(ConfigurationBytes, TellsNoPicOfTheOtherKinds) {
     for (const int slot : {0, 3, 6, 7, 8})
-        EXPECT_EQ(decodePic18(bytes, *unitKindOfSlot(slot), {9, 99}), std::nullopt);
-    bytes[18] = 2;
-    EXPECT_EQ(decodePic18(bytes, *unitKindOfSlot(4), {7, 0}), false);
+        EXPECT_EQ(decodePic18(Bytes(39, 3), *unitKindOfSlot(slot), {9, 99}), std::nullopt);
     EXPECT_THROW(decodePic18(padded({}, 18), *unitKindOfSlot(4), {7, 0}), BoundsError);
 }
 
@@ -166,15 +147,6 @@ TEST(FrameSum, IsThatOfTheBytesFromTheThirdOn) {
     EXPECT_TRUE(frameSumIsRight(Bytes{0xFA, 0xA5, 0x55, 0xFF, 0xFF, 0x53}, 6));
     EXPECT_FALSE(frameSumIsRight(Bytes{9, 9, 200, 100, 45}, 5));
     EXPECT_THROW(frameSumIsRight(Bytes{9, 9, 200}, 5), BoundsError);
-}
-
-TEST(DashboardDefaults, LetFramesBeDecodedWithoutACalibration) {
-    testing::RecordingHost host;
-    Unit unit(orbaKind(), host);
-    storeDashboardDefaults(unit);
-    EXPECT_EQ(unit.get("REV_Limiter"), 8500);
-    EXPECT_EQ(unit.get("MaxDuty"), 255);
-    EXPECT_EQ(unit.get("MinDuty"), 1);
 }
 
 }  // namespace

@@ -15,6 +15,23 @@ TEST(ReplyStorm, NoReplyOfAnyKindToAnyCommandThrowsOrLeavesItsRange) {
     }
 }
 
+// Each command gets every length behind every head, from one kind or another.
+TEST(ReplyStorm, RepliesOfEveryLengthBehindEveryHeadEndTheirCommand) {
+    const std::string heads[] = {"", "\xFA\xA5\x55", "\xFA\xA5\x54", "AX", "AR", "PN"};
+    ReplyStorm storm;
+    std::mt19937 random(20240917);
+    for (unsigned pair = 0; pair < ReplyStorm::kinds * ReplyStorm::commands; ++pair) {
+        for (unsigned length = 1; length <= 80; ++length) {
+            const std::string& head = heads[(length + pair) % std::size(heads)];
+            sim::Bytes reply(head.begin(), head.end());
+            while (reply.size() < length) reply.push_back(static_cast<std::uint8_t>(random()));
+            reply.resize(length);
+            ASSERT_EQ(storm.strike(pair / ReplyStorm::commands, pair, reply), "")
+                << length << " bytes, head " << head;
+        }
+    }
+}
+
 TEST(ReplyStorm, TheSourceGivesLongShortAndEmptyReplies) {
     ReplySource source(1);
     int empty = 0, whole = 0, longer = 0;

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "base/errors.h"
+#include "link/link_commands.h"
 #include "link/reply_decoding.h"
 #include "sim/serial_reply.h"
 
@@ -14,6 +15,7 @@ namespace {
 
 /// Behind a frame that was too long the line rests before the next command is written.
 constexpr int restTicks = 22;
+constexpr int restOfIdentifyTicks = 45;
 
 constexpr std::array<int, ReplyStorm::kinds> slots = {0, 3, 4, 5, 6, 7, 8};
 constexpr std::array<std::uint32_t, ReplyStorm::kinds> serials = {0,      200000, 300000, 500000,
@@ -85,17 +87,6 @@ void ReplyStorm::require(bool holds, const std::string& what) {
     if (!holds && broken_.empty()) broken_ = what;
 }
 
-void ReplyStorm::forget() {
-    host_.calls.clear();
-    host_.logLines.clear();
-    host_.commLines.clear();
-    host_.messages.clear();
-    host_.boxes.clear();
-    host_.onFlyCalls.clear();
-    host_.locks.clear();
-    host_.kindsFound.clear();
-}
-
 void ReplyStorm::tick(int count) {
     for (int i = 0; i < count; ++i) link_.tick();
 }
@@ -156,7 +147,11 @@ std::string ReplyStorm::strike(unsigned kind, unsigned command, std::span<const 
         meet(slot);
         putInFlight(text);
         port_.deliver(reply);
-        tick(text == "P1" || text == "P3" ? 13 : 2);
+        const CommandRow* row = findCommand(commandKey(text));
+        const bool bulk = row != nullptr && row->isBulk;
+        tick(bulk ? 13 : text == "E" ? restOfIdentifyTicks : 2);
+        // The lines of a transfer go on; everything else is over with its reply, whatever it held.
+        require(bulk || text == "D" || link_.CurrentCommand() != text, "a reply does not end its command");
         requireState();
         decodeDirectly(reply);
         requireRanges();
@@ -164,7 +159,7 @@ std::string ReplyStorm::strike(unsigned kind, unsigned command, std::span<const 
     } catch (const std::exception& failure) {
         require(false, std::string("an exception leaves the link: ") + failure.what());
     }
-    forget();
+    host_.forget();
     if (!broken_.empty()) broken_ += " (kind " + std::to_string(slot) + ", command " + text + ")";
     return broken_;
 }

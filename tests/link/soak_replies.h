@@ -50,7 +50,6 @@ class ReplyStorm {
     std::string strike(unsigned kind, unsigned command, std::span<const std::uint8_t> reply);
 
  private:
-    void forget();
     void tick(int count);
     void meet(int slot);
     void putInFlight(const std::string& command);

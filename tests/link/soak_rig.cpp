@@ -22,18 +22,6 @@ constexpr int slackMs = 1000;
 
 constexpr std::size_t mostBytes = ReceiveGate::mostHeld;
 
-struct KindOfModel {
-    std::string_view model;
-    int slot;
-};
-constexpr std::array kindsOfModels = {KindOfModel{"A", 3},  KindOfModel{"A 6/12", 3}, KindOfModel{"A r", 3},
-                                      KindOfModel{"L", 4},  KindOfModel{"C", 6},      KindOfModel{"D", 7},
-                                      KindOfModel{"D6", 8}, KindOfModel{"PZK-2", 5}};
-
-int slotOf(std::string_view model) {
-    return std::ranges::find(kindsOfModels, model, &KindOfModel::model)->slot;
-}
-
 bool endsOf(const std::string& key, int code) {
     if (key == "P1") return code == 1002 || code == 1003;
     if (key == "P3") return code == 1002 || code == 1004 || code == 1005 || code == 1009;
@@ -69,7 +57,7 @@ Soak::Soak(const SoakOptions& options)
       poller_(
           link_, host_.linkDisplay, [this] { link_.Send_ORB_Command("T"); }, [] {}),
       unit_(*sim::findProfile(options.model), sim::defaultIdentity(*sim::findProfile(options.model))),
-      slot_(slotOf(options.model)) {
+      slot_(unitKindOfSerial(static_cast<std::int32_t>(unit_.identity().serial))->slot) {
     host_.unitHost.folder = folder_.path().string();
     host_.current = slot_;
     host_.fileCode = 4099;

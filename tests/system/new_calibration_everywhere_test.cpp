@@ -10,6 +10,7 @@
 #include "config/quiet_calibration.h"
 #include "refdata/seed_builder.h"
 #include "sim/image_check.h"
+#include "sim/sim_helpers.h"
 
 namespace zentaq {
 namespace {
@@ -96,13 +97,7 @@ TEST_P(NewCalibrationOf, EveryEngineOpensAgainIsTakenByTheUnitAndHasNoCellOutsid
 INSTANTIATE_TEST_SUITE_P(EveryModel, NewCalibrationOf,
                          testing::Values("ORB A Standard", "ORB A 6/12", "ORB AR", "ORB L", "PZK-2", "ORB D",
                                          "ORB C"),
-                         [](const auto& model) {
-                             std::string name;
-                             for (const char letter : model.param) {
-                                 if (std::isalnum(static_cast<unsigned char>(letter)) != 0) name += letter;
-                             }
-                             return name;
-                         });
+                         [](const auto& model) { return sim::test::plainName(model.param); });
 
 TEST(NewCalibrationModels, AreTheSevenOfTheList) {
     std::vector<std::string> names;

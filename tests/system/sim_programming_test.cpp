@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -17,6 +16,7 @@
 #include "platform/yield.h"
 #include "sim/faults.h"
 #include "sim/image_check.h"
+#include "sim/sim_helpers.h"
 #include "temporary_folder.h"
 #include "testing/manual_clock.h"
 
@@ -106,14 +106,6 @@ std::string sampleOf(const UnitKind& kind) {
         if (entry.path().extension() == kind.extension) return entry.path().string();
     }
     return {};
-}
-
-std::string nameOf(std::string_view model) {
-    std::string name;
-    for (const char c : model) {
-        if (std::isalnum(static_cast<unsigned char>(c)) != 0) name += c;
-    }
-    return name;
 }
 
 constexpr int programmed = 1002;
@@ -221,7 +213,7 @@ TEST_P(SimProgramming, SilentUnitEndsTheTransferByTimeOut) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Models, SimProgramming, testing::ValuesIn(models),
-                         [](const auto& row) { return nameOf(row.param.model); });
+                         [](const auto& row) { return sim::test::plainName(row.param.model); });
 
 struct OtherCase {
     int image;          ///< slot of the calibration

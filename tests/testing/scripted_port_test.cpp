@@ -19,6 +19,11 @@ class ScriptedPortTest : public testing::Test {
             times.push_back(clock.monotonicUs());
         });
     }
+    void ask(std::string_view command, int threshold) {
+        port.open(1);
+        port.setReceiveThreshold(threshold);
+        port.write(command);
+    }
     ManualClock clock;
     ScriptedPort port{clock};
     std::vector<CommEvent> events;
@@ -28,9 +33,7 @@ class ScriptedPortTest : public testing::Test {
 
 TEST_F(ScriptedPortTest, AnswersAWriteAfterTheTimeOfItsBytesAndTwoQuietCharacters) {
     port.always("K", "AX");
-    port.open(1);
-    port.setReceiveThreshold(2);
-    port.write("K");
+    ask("K", 2);
     port.advanceUs(1079);  // 300 + 260 + 520 = 1080
     EXPECT_TRUE(deliveries.empty());
     port.advanceUs(1);
@@ -52,9 +55,7 @@ TEST_F(ScriptedPortTest, OneTimeRepliesComeBeforeTheStandingOne) {
 
 TEST_F(ScriptedPortTest, APauseInsideAReplyKeepsItTogetherWhileBytesAreMissing) {
     port.always("B", {.bytes = "12345678", .splitAt = 3, .pauseUs = 20'000});
-    port.open(1);
-    port.setReceiveThreshold(8);
-    port.write("B");
+    ask("B", 8);
     port.advanceUs(20'000);
     EXPECT_TRUE(deliveries.empty());
     port.advanceUs(10'000);
@@ -63,9 +64,7 @@ TEST_F(ScriptedPortTest, APauseInsideAReplyKeepsItTogetherWhileBytesAreMissing) 
 
 TEST_F(ScriptedPortTest, APauseBehindTheThresholdSplitsTheReply) {
     port.always("B", {.bytes = "12345678", .splitAt = 6, .pauseUs = 20'000});
-    port.open(1);
-    port.setReceiveThreshold(2);
-    port.write("B");
+    ask("B", 2);
     port.advanceUs(100'000);
     EXPECT_EQ(deliveries, (std::vector<std::string>{"123456", "78"}));
 }
