@@ -54,6 +54,12 @@ struct AnsweredLines {
     FirmwareLeft left = FirmwareLeft::Former;
 };
 
+/// An ORB A has been identified.
+class HeadlessUnit : public Headless {
+ protected:
+    void SetUp() override { identify(); }
+};
+
 TEST_F(Headless, APortThatCannotBeOpenedThrows) {
     port.refuse(3);
     EXPECT_THROW(session.open(3), Failure);
@@ -136,8 +142,7 @@ TEST_F(Headless, ACommandEndsAsItIsAnswered) {
     }
 }
 
-TEST_F(Headless, ACommandWithoutAnAnswerIsSilentWhateverCameBefore) {
-    identify();
+TEST_F(HeadlessUnit, ACommandWithoutAnAnswerIsSilentWhateverCameBefore) {
     port.once("K", "AX");
     EXPECT_EQ(session.command("K"), Ending::Done);
     const std::int64_t start = clock.monotonicUs();
@@ -146,14 +151,12 @@ TEST_F(Headless, ACommandWithoutAnAnswerIsSilentWhateverCameBefore) {
     EXPECT_EQ(session.link().linked().LinkedUnitKind, 0);
 }
 
-TEST_F(Headless, AStopLeavesACommandUnanswered) {
-    identify();
+TEST_F(HeadlessUnit, AStopLeavesACommandUnanswered) {
     pass.meanwhile = [this] { stop = true; };
     EXPECT_EQ(session.command("S"), Ending::Stopped);
 }
 
-TEST_F(Headless, CodesAreReadOnlyFromAWholeReply) {
-    identify();
+TEST_F(HeadlessUnit, CodesAreReadOnlyFromAWholeReply) {
     port.once("T", framed(16, {{3, 255}, {4, 0xFE}}));
     EXPECT_EQ(session.readCodes(), Ending::Done);
     EXPECT_EQ(session.linkedUnit().Get_ECData(1), 0xFE);
@@ -185,8 +188,7 @@ TEST_F(Headless, AProgramEndsAsItsLinesAreAnswered) {
     }
 }
 
-TEST_F(Headless, AStopWaitsForTheAnswerToTheLineInFlight) {
-    identify();
+TEST_F(HeadlessUnit, AStopWaitsForTheAnswerToTheLineInFlight) {
     port.once("P1", "AX");
     answerLines(9, "AX");
     pass.meanwhile = [this] { stop = lines >= 9; };
@@ -196,23 +198,20 @@ TEST_F(Headless, AStopWaitsForTheAnswerToTheLineInFlight) {
     EXPECT_TRUE(session.link().ResponseReady());
 }
 
-TEST_F(Headless, AStopAtTheLastLineWaitsForTheVerdict) {
-    identify();
+TEST_F(HeadlessUnit, AStopAtTheLastLineWaitsForTheVerdict) {
     port.once("P1", "AX");
     answerLines(0, {});
     pass.meanwhile = [this] { stop = lines == 148; };
     EXPECT_EQ(program().ending, Ending::Done);
 }
 
-TEST_F(Headless, AStopBeforeTheFirstByteSendsNothing) {
-    identify();
+TEST_F(HeadlessUnit, AStopBeforeTheFirstByteSendsNothing) {
     stop = true;
     EXPECT_EQ(program().ending, Ending::Stopped);
     EXPECT_TRUE(port.written().empty());
 }
 
-TEST_F(Headless, ACalibrationThatMakesNoImageThrows) {
-    identify();
+TEST_F(HeadlessUnit, ACalibrationThatMakesNoImageThrows) {
     unitHost.folder = folder.path("nowhere");
     EXPECT_THROW(program(), FileError);
     EXPECT_TRUE(port.written().empty());
@@ -222,6 +221,11 @@ TEST_F(Headless, ACalibrationThatMakesNoImageThrows) {
 
 class HeadlessFirmware : public Headless {
  protected:
+    void findNobody() {
+        session.open(1);
+        ASSERT_EQ(session.findUnit(), Found::Nobody);
+        port.takeWritten();
+    }
     TransferReport upgrade(const std::string& text = "S0a\r\nS1b\r\nS9c\r\n") {
         return session.transfer(TransferMode::Firmware, folder.write("ZQA-505100.nv3", text));
     }
@@ -262,9 +266,7 @@ TEST_F(HeadlessFirmware, AskedAnewItTellsWhoIsThereNow) {
 }
 
 TEST_F(HeadlessFirmware, AUnitThatAnswersNothingButTheStartIsProgrammed) {
-    session.open(1);
-    ASSERT_EQ(session.findUnit(), Found::Nobody);
-    port.takeWritten();
+    findNobody();
     port.always("P3", atOnce("AX"));
     port.always("S9c\r\n", atOnce("PN"));
     answerLines(0, "");
@@ -273,9 +275,7 @@ TEST_F(HeadlessFirmware, AUnitThatAnswersNothingButTheStartIsProgrammed) {
 }
 
 TEST_F(HeadlessFirmware, AUnitThatAnswersNothingGetsItsLinesAsItsKindTakesThem) {
-    session.open(1);
-    ASSERT_EQ(session.findUnit(), Found::Nobody);
-    port.takeWritten();
+    findNobody();
     port.always("P3", atOnce("AX"));
     answerLines(0, "");
     const TransferReport end = session.transferFirmware("ZQA-505100.nv3", "S0a\r\nS9c\r\n", 3);
@@ -285,8 +285,7 @@ TEST_F(HeadlessFirmware, AUnitThatAnswersNothingGetsItsLinesAsItsKindTakesThem) 
 }
 
 TEST_F(HeadlessFirmware, AUnitWithoutFirmwareThatRefusesTheStartIsNotTakenForASilentOne) {
-    session.open(1);
-    ASSERT_EQ(session.findUnit(), Found::Nobody);
+    findNobody();
     port.always("P3", atOnce("AR"));
     const TransferReport end = upgrade();
     EXPECT_EQ(end.ending, Ending::Refused);
@@ -294,8 +293,7 @@ TEST_F(HeadlessFirmware, AUnitWithoutFirmwareThatRefusesTheStartIsNotTakenForASi
 }
 
 TEST_F(HeadlessFirmware, AUnitThatDoesNotAnswerTheStartIsToldAsOneWithoutFirmware) {
-    session.open(1);
-    ASSERT_EQ(session.findUnit(), Found::Nobody);
+    findNobody();
     const TransferReport end = upgrade();
     EXPECT_EQ(end.ending, Ending::Silent);
     EXPECT_EQ(end.firmware, FirmwareLeft::None);
@@ -324,7 +322,7 @@ TEST_F(HeadlessFirmware, AnAbsentFileThrowsAndSendsNothing) {
 
 // ---- Download. A record is 33 bytes; byte 3 above 82 is the end.
 
-class HeadlessDownload : public Headless {
+class HeadlessDownload : public HeadlessUnit {
  protected:
     void record(int rpmHigh) { port.once("D", framed(33, {{3, rpmHigh}})); }
     TransferReport download() { return session.transfer(TransferMode::Datalog, log); }
@@ -332,7 +330,6 @@ class HeadlessDownload : public Headless {
 };
 
 TEST_F(HeadlessDownload, IsDoneAtTheEndMark) {
-    identify();
     for (const int high : {3, 4, 5, 83}) record(high);
     const TransferReport end = download();
     EXPECT_EQ(end.ending, Ending::Done);
@@ -340,7 +337,6 @@ TEST_F(HeadlessDownload, IsDoneAtTheEndMark) {
 }
 
 TEST_F(HeadlessDownload, OfOneRecordOrNoneIsRefused) {
-    identify();
     record(83);
     EXPECT_EQ(download().ending, Ending::Refused);
     record(3);
@@ -349,7 +345,6 @@ TEST_F(HeadlessDownload, OfOneRecordOrNoneIsRefused) {
 }
 
 TEST_F(HeadlessDownload, WithoutAnAnswerIsSilent) {
-    identify();
     record(3);
     record(4);
     const TransferReport end = download();
@@ -358,7 +353,6 @@ TEST_F(HeadlessDownload, WithoutAnAnswerIsSilent) {
 }
 
 TEST_F(HeadlessDownload, StandsStillBehindADamagedRecord) {
-    identify();
     record(3);
     std::string damaged = framed(33, {{3, 4}});
     damaged[0] = 'x';
@@ -367,7 +361,6 @@ TEST_F(HeadlessDownload, StandsStillBehindADamagedRecord) {
 }
 
 TEST_F(HeadlessDownload, TellsThatTheFileCannotBeWritten) {
-    identify();
     log = "/dev/full";
     for (int i = 0; i < 400; ++i) record(3);  // more than a stream keeps to itself
     record(83);
@@ -375,14 +368,12 @@ TEST_F(HeadlessDownload, TellsThatTheFileCannotBeWritten) {
 }
 
 TEST_F(HeadlessDownload, TellsThatAShortFileCannotBeWrittenToo) {
-    identify();
     log = "/dev/full";
     for (const int high : {3, 4, 83}) record(high);
     EXPECT_EQ(download().ending, Ending::NotWritten);
 }
 
 TEST_F(HeadlessDownload, StopsAtOnce) {
-    identify();
     for (int i = 0; i < 50; ++i) record(3);
     pass.meanwhile = [this] { stop = session.link().transfer().lines() >= 5; };
     const TransferReport end = download();
