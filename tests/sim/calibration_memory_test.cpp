@@ -11,8 +11,12 @@ SRecord data(int offset, Bytes bytes) {
     return {'1', base + offset, std::move(bytes)};
 }
 
-TEST(CalibrationMemory, AChangeIsLostWithThePowerUntilItIsStored) {
-    CalibrationMemory memory(base, 32);
+class MemoryOf32Bytes : public testing::Test {
+ protected:
+    CalibrationMemory memory{base, 32};
+};
+
+TEST_F(MemoryOf32Bytes, AChangeIsLostWithThePowerUntilItIsStored) {
     EXPECT_TRUE(memory.change(data(31, {7})));
     EXPECT_EQ(memory.running().at(31), 7);
     EXPECT_EQ(memory.permanent().at(31), 0);
@@ -24,8 +28,7 @@ TEST(CalibrationMemory, AChangeIsLostWithThePowerUntilItIsStored) {
     EXPECT_EQ(memory.running().at(31), 2);
 }
 
-TEST(CalibrationMemory, AChangeOutsideOrOfMoreThanTwoBytesIsRefused) {
-    CalibrationMemory memory(base, 32);
+TEST_F(MemoryOf32Bytes, AChangeOutsideOrOfMoreThanTwoBytesIsRefused) {
     EXPECT_FALSE(memory.change(data(-1, {7})));
     EXPECT_FALSE(memory.change(data(31, {7, 7})));
     EXPECT_FALSE(memory.change(data(32, {7})));
@@ -36,8 +39,7 @@ TEST(CalibrationMemory, AChangeOutsideOrOfMoreThanTwoBytesIsRefused) {
     EXPECT_EQ(memory.runningRevision(), 0u);
 }
 
-TEST(CalibrationMemory, ProgrammingTakesEffectAtItsEndAndOnlyWhenEveryByteHasCome) {
-    CalibrationMemory memory(base, 32);
+TEST_F(MemoryOf32Bytes, ProgrammingTakesEffectAtItsEndAndOnlyWhenEveryByteHasCome) {
     memory.beginProgramming();
     EXPECT_TRUE(memory.program(data(0, Bytes(16, 9)), 32));
     EXPECT_EQ(memory.running(), Bytes(32));
@@ -50,8 +52,7 @@ TEST(CalibrationMemory, ProgrammingTakesEffectAtItsEndAndOnlyWhenEveryByteHasCom
     EXPECT_FALSE(memory.programming());
 }
 
-TEST(CalibrationMemory, OlderFirmwareProgramsTheFirstPartAndTheRestStays) {
-    CalibrationMemory memory(base, 32);
+TEST_F(MemoryOf32Bytes, OlderFirmwareProgramsTheFirstPartAndTheRestStays) {
     memory.keepForGood(Bytes(32, 5));
     memory.beginProgramming();
     EXPECT_FALSE(memory.program(data(16, Bytes(16, 9)), 16));

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <iterator>
 
 #include "base/errors.h"
 #include "link/firmware_file.h"
@@ -24,11 +23,6 @@ std::vector<std::string> linesOf(const std::string& text) {
     }
     EXPECT_EQ(at, text.size()) << "the last line ends, too";
     return lines;
-}
-
-std::string contentOf(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 TEST(FirmwareFile, BeginsWithItsHeaderAndEndsWithItsEnd) {
@@ -107,12 +101,12 @@ TEST(FirmwareFile, ReplacesOneOfItsKindAndNothingElse) {
     const auto file = folder.path() / "ZQA505100.nv3";
     makeFirmwareFile(file, "ZQA-505100");
     makeFirmwareFile(file, "ZQA-505101");
-    EXPECT_EQ(contentOf(file), simulatedFirmware("ZQA-505101"));
+    EXPECT_EQ(TemporaryFolder::read(file.string()), simulatedFirmware("ZQA-505101"));
     // a header without the word that tells it is simulated, as a real file has it
     const std::string real = sRecordText({'0', 0, bytesOf("ZQA-505100")}) + "\r\nS804000000FB\r\n";
     std::ofstream(file, std::ios::binary) << real;
     EXPECT_THROW(makeFirmwareFile(file, "ZQA-505100"), FileError);
-    EXPECT_EQ(contentOf(file), real);
+    EXPECT_EQ(TemporaryFolder::read(file.string()), real);
     std::ofstream(file, std::ios::trunc);
     EXPECT_NO_THROW(makeFirmwareFile(file, "ZQA-505100")) << "an empty file is nothing to lose";
 }
@@ -133,7 +127,7 @@ TEST(FirmwareState, WhatIsWrittenIsRead) {
         writeFirmwareState(file, firmware);
         EXPECT_EQ(readFirmwareState(file), firmware);
     }
-    EXPECT_EQ(contentOf(file), "missing\n");
+    EXPECT_EQ(TemporaryFolder::read(file.string()), "missing\n");
 }
 
 TEST(FirmwareState, AnythingElseIsAnError) {

@@ -12,34 +12,32 @@
 namespace zentaq::sim {
 namespace {
 
-using test::TemporaryFolder;
+class MemoryFileTest : public testing::Test {
+ protected:
+    const test::TemporaryFolder folder;
+    const std::filesystem::path file = folder.path() / "unit.mem";
+};
 
-TEST(MemoryFile, WhatIsWrittenIsRead) {
-    const TemporaryFolder folder;
-    const auto file = folder.path() / "unit.mem";
+TEST_F(MemoryFileTest, WhatIsWrittenIsRead) {
     writeMemoryFile(file, {1, 0, 255, 13, 10});
     EXPECT_EQ(readMemoryFile(file, 5), (Bytes{1, 0, 255, 13, 10}));
     writeMemoryFile(file, {9, 8, 7, 6, 5});
     EXPECT_EQ(readMemoryFile(file, 5), (Bytes{9, 8, 7, 6, 5}));
 }
 
-TEST(MemoryFile, NothingIsLeftBesideIt) {
-    const TemporaryFolder folder;
-    writeMemoryFile(folder.path() / "unit.mem", {1, 2});
+TEST_F(MemoryFileTest, NothingIsLeftBesideIt) {
+    writeMemoryFile(file, {1, 2});
     const std::filesystem::directory_iterator files(folder.path());
     EXPECT_EQ(std::distance(begin(files), end(files)), 1);
 }
 
-TEST(MemoryFile, MissingOrEmptyFileIsNoContent) {
-    const TemporaryFolder folder;
+TEST_F(MemoryFileTest, MissingOrEmptyFileIsNoContent) {
     EXPECT_FALSE(readMemoryFile(folder.path() / "none", 5));
     std::ofstream(folder.path() / "empty");
     EXPECT_FALSE(readMemoryFile(folder.path() / "empty", 5));
 }
 
-TEST(MemoryFile, WhatIsNoFileOrTooLongIsRefusedUnread) {
-    const TemporaryFolder folder;
-    const auto file = folder.path() / "unit.mem";
+TEST_F(MemoryFileTest, WhatIsNoFileOrTooLongIsRefusedUnread) {
     ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
     EXPECT_THROW(readMemoryFile(file, 5), FileError) << "a pipe would hold the simulator up";
     std::filesystem::remove(file);
@@ -51,11 +49,10 @@ TEST(MemoryFile, WhatIsNoFileOrTooLongIsRefusedUnread) {
     EXPECT_THROW(readMemoryFile(file, 5), FileError) << "a link in a circle";
 }
 
-TEST(MemoryFile, AnotherSizeIsAnError) {
-    const TemporaryFolder folder;
-    writeMemoryFile(folder.path() / "unit.mem", {1, 2});
-    EXPECT_THROW(readMemoryFile(folder.path() / "unit.mem", 3), FileError);
-    EXPECT_THROW(readMemoryFile(folder.path() / "unit.mem", 1), FileError);
+TEST_F(MemoryFileTest, AnotherSizeIsAnError) {
+    writeMemoryFile(file, {1, 2});
+    EXPECT_THROW(readMemoryFile(file, 3), FileError);
+    EXPECT_THROW(readMemoryFile(file, 1), FileError);
 }
 
 std::string refusalOf(const std::filesystem::path& file) {
@@ -64,15 +61,12 @@ std::string refusalOf(const std::filesystem::path& file) {
     return why;
 }
 
-TEST(MemoryFile, FolderThatDoesNotExistIsAnError) {
-    const TemporaryFolder folder;
-    const auto file = folder.path() / "none" / "unit.mem";
-    EXPECT_EQ(refusalOf(file), "Cannot write " + file.string() + ": No such file or directory");
+TEST_F(MemoryFileTest, FolderThatDoesNotExistIsAnError) {
+    const auto other = folder.path() / "none" / "unit.mem";
+    EXPECT_EQ(refusalOf(other), "Cannot write " + other.string() + ": No such file or directory");
 }
 
-TEST(MemoryFile, WhatIsNoFileIsNeverReplacedByOne) {
-    const TemporaryFolder folder;
-    const auto file = folder.path() / "unit.mem";
+TEST_F(MemoryFileTest, WhatIsNoFileIsNeverReplacedByOne) {
     ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
     EXPECT_EQ(refusalOf(file), "Cannot write " + file.string() + ": it is a pipe, not a file");
     EXPECT_TRUE(std::filesystem::is_fifo(file));
@@ -86,11 +80,10 @@ TEST(MemoryFile, WhatIsNoFileIsNeverReplacedByOne) {
     EXPECT_EQ(refusalOf(file), "Cannot write " + file.string() + ": Is a directory");
 }
 
-TEST(MemoryFile, ANameThatIsTooLongIsToldWithIt) {
-    const TemporaryFolder folder;
-    const auto file = folder.path() / std::string(300, 'n');
-    EXPECT_EQ(refusalOf(file), "Cannot write " + file.string() + ": File name too long");
-    EXPECT_THROW(readMemoryFile(file, 5), FileError);
+TEST_F(MemoryFileTest, ANameThatIsTooLongIsToldWithIt) {
+    const auto other = folder.path() / std::string(300, 'n');
+    EXPECT_EQ(refusalOf(other), "Cannot write " + other.string() + ": File name too long");
+    EXPECT_THROW(readMemoryFile(other, 5), FileError);
 }
 
 }  // namespace

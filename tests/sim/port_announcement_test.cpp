@@ -16,11 +16,14 @@ namespace zentaq::sim {
 namespace {
 
 namespace fs = std::filesystem;
-using test::TemporaryFolder;
 
-TEST(PortAnnouncement, LinkStandsAsLongAsTheObject) {
-    const TemporaryFolder folder;
+class PortAnnouncementTest : public testing::Test {
+ protected:
+    const test::TemporaryFolder folder;
     const fs::path link = folder.path() / "orb-a-1";
+};
+
+TEST_F(PortAnnouncementTest, LinkStandsAsLongAsTheObject) {
     {
         const PortAnnouncement announcement(link, "/dev/pts/77");
         EXPECT_EQ(fs::read_symlink(link), "/dev/pts/77");
@@ -30,33 +33,25 @@ TEST(PortAnnouncement, LinkStandsAsLongAsTheObject) {
     EXPECT_TRUE(fs::is_empty(folder.path()));
 }
 
-TEST(PortAnnouncement, LinkOfADeadSimulatorIsReplaced) {
-    const TemporaryFolder folder;
-    const fs::path link = folder.path() / "orb-a-1";
+TEST_F(PortAnnouncementTest, LinkOfADeadSimulatorIsReplaced) {
     fs::create_symlink("/dev/pts/76", link);
     const PortAnnouncement announcement(link, "/dev/pts/77");
     EXPECT_EQ(fs::read_symlink(link), "/dev/pts/77");
 }
 
-TEST(PortAnnouncement, NameOfALivingSimulatorIsRefusedAndItsLinkStays) {
-    const TemporaryFolder folder;
-    const fs::path link = folder.path() / "orb-a-1";
+TEST_F(PortAnnouncementTest, NameOfALivingSimulatorIsRefusedAndItsLinkStays) {
     const PortAnnouncement first(link, "/dev/pts/76");
     EXPECT_THROW(PortAnnouncement(link, "/dev/pts/77"), FileError);
     EXPECT_EQ(fs::read_symlink(link), "/dev/pts/76");
 }
 
-TEST(PortAnnouncement, FileInTheWayIsNotTouched) {
-    const TemporaryFolder folder;
-    const fs::path link = folder.path() / "orb-a-1";
+TEST_F(PortAnnouncementTest, FileInTheWayIsNotTouched) {
     std::ofstream(link) << "precious";
     EXPECT_THROW(PortAnnouncement(link, "/dev/pts/77"), FileError);
     EXPECT_EQ(fs::file_size(link), 8u);
 }
 
-TEST(PortAnnouncement, LinkThatSomebodyElseHasTakenOverIsLeft) {
-    const TemporaryFolder folder;
-    const fs::path link = folder.path() / "orb-a-1";
+TEST_F(PortAnnouncementTest, LinkThatSomebodyElseHasTakenOverIsLeft) {
     {
         const PortAnnouncement announcement(link, "/dev/pts/77");
         fs::remove(link);
@@ -65,10 +60,8 @@ TEST(PortAnnouncement, LinkThatSomebodyElseHasTakenOverIsLeft) {
     EXPECT_EQ(fs::read_symlink(link), "/dev/pts/99");
 }
 
-TEST(PortAnnouncement, LinkOfAKilledSimulatorIsNoPortWhenItsTerminalIsSomebodyElses) {
-    const TemporaryFolder folder;
+TEST_F(PortAnnouncementTest, LinkOfAKilledSimulatorIsNoPortWhenItsTerminalIsSomebodyElses) {
     const PseudoTerminal terminal;
-    const fs::path link = folder.path() / "orb-a-1";
     const PortAnnouncement announcement(link, terminal.devicePath());
     ASSERT_EQ(simulatedPorts(folder.path()).size(), 1u);
     // An hour older than the terminal.
@@ -80,8 +73,7 @@ TEST(PortAnnouncement, LinkOfAKilledSimulatorIsNoPortWhenItsTerminalIsSomebodyEl
     EXPECT_TRUE(simulatedPorts(folder.path()).empty());
 }
 
-TEST(PortAnnouncement, MissingFolderIsAnError) {
-    const TemporaryFolder folder;
+TEST_F(PortAnnouncementTest, MissingFolderIsAnError) {
     EXPECT_THROW(PortAnnouncement(folder.path() / "none" / "orb-a-1", "/dev/pts/77"), FileError);
 }
 

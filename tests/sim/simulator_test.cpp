@@ -436,13 +436,22 @@ TEST_F(SimulatorTest, CodesOfTheCommandLineAreSet) {
 }
 
 TEST_F(SimulatorTest, FailureIsToldAndEndsWithExitCodeOne) {
+    const auto expectFailure = [&](const std::string& why) {
+        std::ostringstream out;
+        std::ostringstream errors;
+        EXPECT_EQ(runSimulatorUntilSignal(options, out, errors), 1);
+        EXPECT_EQ(out.str(), "");
+        EXPECT_EQ(errors.str(), "zentaq-sim: " + why + "\n");
+    };
     options.model = "Q";
-    std::ostringstream out;
-    std::ostringstream errors;
-    EXPECT_EQ(runSimulatorUntilSignal(options, out, errors), 1);
-    EXPECT_EQ(out.str(), "");
-    EXPECT_EQ(errors.str(),
-              "zentaq-sim: There is no unit \"Q\": the models are A, A 6/12, A r, L, C, D, D6, PZK-2\n");
+    expectFailure("There is no unit \"Q\": the models are A, A 6/12, A r, L, C, D, D6, PZK-2");
+    options.model = "A";
+    options.engine = folder.path("gone.dat");
+    expectFailure("There is no file " + options.engine + ": --engine takes idle, drive, dyno or a datalog");
+    options.engine = folder.write("notes.dat", "my notes\n");
+    expectFailure(options.engine +
+                  " is no datalog: its first line does not begin with \"ZENTAQ 4.10 DATALOG\" or "
+                  "\"ZENTAQ 4.5 DATALOG\"");
 }
 
 /// A simulator in a process of its own, on its link.

@@ -44,6 +44,12 @@ class EveryKind : public testing::TestWithParam<KindCase> {
 
     /// A line as the unit wants it.
     std::string line(std::string text) const { return profile.linesEndInLineFeed ? text + "\r\n" : text; }
+    void begin(std::size_t lines) {
+        ASSERT_EQ(askText(unit, "P1"), "AX");
+        for (int row = 0; row < static_cast<int>(lines); ++row) {
+            ASSERT_EQ(askText(unit, line(imageRow(row, 9))), "AX") << row;
+        }
+    }
 };
 
 TEST_P(EveryKind, TellsItsSerialNumber) {
@@ -104,9 +110,7 @@ TEST_P(EveryKind, KnowsTheEndsOfItsMemory) {
 
 TEST_P(EveryKind, IsProgrammedWithTheLinesOfItsFirmwareWhichTakeEffectAtTheEndRecord) {
     const Bytes before = unit.memory();
-    ASSERT_EQ(askText(unit, "P1"), "AX");
-    const int lines = static_cast<int>(kind.lines);
-    for (int row = 0; row < lines; ++row) ASSERT_EQ(askText(unit, line(imageRow(row, 9))), "AX") << row;
+    begin(kind.lines);
     EXPECT_EQ(unit.memory(), before);
     ASSERT_EQ(askText(unit, line(endRecord)), "PN");
     for (std::size_t i = 0; i < kind.lines * 16; ++i) ASSERT_EQ(unit.memory()[i], (i + 9) % 251) << i;
@@ -115,13 +119,10 @@ TEST_P(EveryKind, IsProgrammedWithTheLinesOfItsFirmwareWhichTakeEffectAtTheEndRe
 }
 
 TEST_P(EveryKind, RefusesALineTooManyAndALineTooFew) {
-    const int lines = static_cast<int>(kind.lines);
     const Bytes before = unit.memory();
-    ASSERT_EQ(askText(unit, "P1"), "AX");
-    for (int row = 0; row < lines; ++row) ASSERT_EQ(askText(unit, line(imageRow(row, 9))), "AX") << row;
-    EXPECT_EQ(askText(unit, line(imageRow(lines, 9))), "AR");
-    ASSERT_EQ(askText(unit, "P1"), "AX");
-    for (int row = 0; row + 1 < lines; ++row) ASSERT_EQ(askText(unit, line(imageRow(row, 9))), "AX") << row;
+    begin(kind.lines);
+    EXPECT_EQ(askText(unit, line(imageRow(static_cast<int>(kind.lines), 9))), "AR");
+    begin(kind.lines - 1);
     EXPECT_EQ(askText(unit, line(endRecord)), "AR");
     EXPECT_EQ(unit.memory(), before);
 }

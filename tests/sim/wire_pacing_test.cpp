@@ -13,21 +13,25 @@ Moment at(std::int64_t ns) {
     return Moment{} + nanoseconds(1'000'000'000 + ns);
 }
 
-// One byte at 38400 baud: 10 / 38400 s = 260416.67 ns.
+using Bytes = WirePacing::Bytes;
 
-TEST(WirePacing, BurstIsCompleteAfterTheTimeOfItsBytes) {
-    WirePacing wire(38400);
+/// One byte takes 10 / 38400 s = 260416.67 ns.
+class WireAt38400 : public testing::Test {
+ protected:
+    WirePacing wire{38400};
+};
+
+TEST_F(WireAt38400, BurstIsCompleteAfterTheTimeOfItsBytes) {
     wire.receive(at(0), {1, 2, 3});
     EXPECT_FALSE(wire.takeArrival(at(781'249)));
     const auto arrival = wire.takeArrival(at(781'250));  // 3 * 260416.67
     ASSERT_TRUE(arrival);
     EXPECT_EQ(arrival->complete, at(781'250));
-    EXPECT_EQ(arrival->burst, (WirePacing::Bytes{1, 2, 3}));
+    EXPECT_EQ(arrival->burst, (Bytes{1, 2, 3}));
     EXPECT_FALSE(wire.takeArrival(at(2'000'000)));
 }
 
-TEST(WirePacing, SecondBurstComesInBehindTheFirst) {
-    WirePacing wire(38400);
+TEST_F(WireAt38400, SecondBurstComesInBehindTheFirst) {
     wire.receive(at(0), {1, 2, 3});
     wire.receive(at(100), {4, 5, 6});
     EXPECT_TRUE(wire.takeArrival(at(1'562'499)));
@@ -35,36 +39,32 @@ TEST(WirePacing, SecondBurstComesInBehindTheFirst) {
     EXPECT_TRUE(wire.takeArrival(at(1'562'500)));
 }
 
-TEST(WirePacing, ReplyLeavesByteByByteAndNeverEarly) {
-    WirePacing wire(38400);
+TEST_F(WireAt38400, ReplyLeavesByteByByteAndNeverEarly) {
     wire.send(at(0), {7, 8, 9});
     EXPECT_TRUE(wire.takeSent(at(260'416)).empty());
-    EXPECT_EQ(wire.takeSent(at(260'417)), (WirePacing::Bytes{7}));
+    EXPECT_EQ(wire.takeSent(at(260'417)), (Bytes{7}));
     EXPECT_TRUE(wire.takeSent(at(520'833)).empty());
-    EXPECT_EQ(wire.takeSent(at(520'834)), (WirePacing::Bytes{8}));
-    EXPECT_EQ(wire.takeSent(at(781'250)), (WirePacing::Bytes{9}));
+    EXPECT_EQ(wire.takeSent(at(520'834)), (Bytes{8}));
+    EXPECT_EQ(wire.takeSent(at(781'250)), (Bytes{9}));
     EXPECT_FALSE(wire.nextDue());
 }
 
-TEST(WirePacing, LateWakeUpSendsAllThatIsDueAndKeepsTheMeanRate) {
-    WirePacing wire(38400);
-    wire.send(at(0), WirePacing::Bytes(65, 1));
+TEST_F(WireAt38400, LateWakeUpSendsAllThatIsDueAndKeepsTheMeanRate) {
+    wire.send(at(0), Bytes(65, 1));
     EXPECT_EQ(wire.takeSent(at(5'000'000)).size(), 19u);  // 5 ms hold 19.2 bytes
     EXPECT_EQ(wire.takeSent(at(16'927'083)).size(), 45u);
     EXPECT_EQ(wire.takeSent(at(16'927'084)).size(), 1u);  // 65 * 260416.67 = 16927083.3
 }
 
-TEST(WirePacing, NextReplyFollowsTheOneThatIsGoingOut) {
-    WirePacing wire(38400);
+TEST_F(WireAt38400, NextReplyFollowsTheOneThatIsGoingOut) {
     wire.send(at(0), {1, 2, 3});
     wire.send(at(10), {4});
     EXPECT_EQ(wire.takeSent(at(781'250)).size(), 3u);
     EXPECT_TRUE(wire.takeSent(at(1'041'666)).empty());
-    EXPECT_EQ(wire.takeSent(at(1'041'667)), (WirePacing::Bytes{4}));
+    EXPECT_EQ(wire.takeSent(at(1'041'667)), (Bytes{4}));
 }
 
-TEST(WirePacing, TellsTheNextMomentOfEitherDirection) {
-    WirePacing wire(38400);
+TEST_F(WireAt38400, TellsTheNextMomentOfEitherDirection) {
     EXPECT_FALSE(wire.nextDue());
     wire.send(at(0), {1, 2});
     EXPECT_EQ(wire.nextDue(), at(260'417));
@@ -76,9 +76,9 @@ TEST(WirePacing, TellsTheNextMomentOfEitherDirection) {
 
 TEST(WirePacing, BaudZeroLetsEverythingPassAtOnce) {
     WirePacing wire(0);
-    wire.receive(at(0), WirePacing::Bytes(100, 1));
+    wire.receive(at(0), Bytes(100, 1));
     EXPECT_TRUE(wire.takeArrival(at(0)));
-    wire.send(at(0), WirePacing::Bytes(100, 1));
+    wire.send(at(0), Bytes(100, 1));
     EXPECT_EQ(wire.takeSent(at(0)).size(), 100u);
 }
 
