@@ -230,7 +230,7 @@ void GeneralConfig::noteChange(const GeneralRow& row) {
     if (row.computes == Computes::Pulse) computePulse();
     if (creating()) return;
     session_.markModified();
-    session_.formsChanged();
+    session_.windows().tell(&WindowNews::showUnit);
     if (unit().ONFLY_MODE()) session_.windows().tell(&WindowNews::onFlyChanged, true);
 }
 

@@ -12,26 +12,22 @@ namespace {
 
 using enum Computes;
 
-/// A list that stands for several members, or for none.
-GeneralRow list(std::string_view control, std::string_view caption, std::string_view help) {
-    GeneralRow row;
-    row.control = control;
-    row.kind = FieldKind::Choice;
-    row.caption = caption;
-    row.help = help;
-    return row;
-}
-
-/// A box of this form alone.
-GeneralRow box(std::string_view control, std::string_view member, std::string_view caption,
-               std::string_view help, Computes computes) {
+/// A field of this form alone.
+GeneralRow own(std::string_view control, std::string_view member, std::string_view caption,
+               std::string_view help, Computes computes, FieldKind kind = FieldKind::Number) {
     GeneralRow row;
     row.control = control;
     row.member = member;
+    row.kind = kind;
     row.caption = caption;
     row.help = help;
     row.computes = computes;
     return row;
+}
+
+/// A list that stands for several members, or for none.
+GeneralRow list(std::string_view control, std::string_view caption, std::string_view help) {
+    return own(control, {}, caption, help, Nothing, FieldKind::Choice);
 }
 
 GeneralRow ofPages(std::string_view control, Computes computes) {
@@ -49,12 +45,12 @@ const std::vector<GeneralRow>& table() {
         list("cmbORB_UNIT", "ORB Unit", "helpunit"),
         list("cmbEngine", "Engine Type", "helpengine"),
         list("cmbMAP", "MAP Sensor Installed", "helpmapsel"),
-        box("txtMAP", "MAP_BAR", "MAP Sensor Installed", "helpmaprange", FlowAndPulse),
+        own("txtMAP", "MAP_BAR", "MAP Sensor Installed", "helpmaprange", FlowAndPulse),
         withLimits(ofPages("txtMaxBoost", Pulse)),
-        withLimits(box("txtRPM", "REV_Limiter", "Maximum Engine &Rev Limit (1000 to 20000) ", "helprevl",
+        withLimits(own("txtRPM", "REV_Limiter", "Maximum Engine &Rev Limit (1000 to 20000) ", "helprevl",
                        FlowAndPulse)),
         ofPages("cmbCams", FlowAndPulse),
-        box("txtTPS", "TPS_FCV", "TPS Fully Closed Throttle Voltage", "helpdace3", Nothing),
+        own("txtTPS", "TPS_FCV", "TPS Fully Closed Throttle Voltage", "helpdace3", Nothing),
         ofPages("txtBHP", FlowAndPulse),
         ofPages("chkAlcohol", FlowAndPulse),
         withLimits(ofPages("txtINJ", FlowAndPulse)),

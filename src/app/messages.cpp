@@ -13,93 +13,84 @@ namespace zentaq {
 
 namespace {
 
-/// One numbered condition. `%` in a text stands for the caller's text.
-struct Numbered {
+/// A numbered error. The number stands before its box and its line of the log.
+struct ErrorText {
     int code;
-    std::string_view title;
     std::string_view text;
     std::string_view log;
-    Icon icon;
 };
 
 constexpr std::array errors{
-    Numbered{codes::FormNotPrinted, "Error 1000",
-             "This form cannot be printed.\nCheck Printer Setup and try again.",
-             "Error 1000: Form Cannot Be Printed", Icon::Critical},
-    Numbered{codes::PortInUse, "Error 1001", "Port is already in use by another process.",
-             "Error 1001: Port is in use by another process.", Icon::Critical},
-    Numbered{codes::InvalidBinFile, "Error 1002",
-             "Not a valid BIN file!\nPlease choose another file and try again.",
-             "Error 1002: Invalid BIN File!", Icon::Critical},
-    Numbered{codes::NoCalibration, "Error 1003",
-             "You must have an open/active bin file before accessing this functionality\n"
-             "Please choose another file or create one and try again.",
-             "Error 1003: No Open BIN File.", Icon::Critical},
-    Numbered{codes::NoModel, "Error 1004",
-             "No ORB Unit has been associated to this Bin File.\n"
-             "Please choose the ORB Unit from the List on the General Config Screen before continuing!",
-             "Error 1004: No ORB Unit associated to selected BIN File.", Icon::Critical},
-    Numbered{codes::NoUnit, "Error 1005",
-             "No ORB Unit is Connected to the System!\n"
-             "Please check to make sure your ORB unit is powered on and connected to the system.",
-             "Error 1005: Attempted Communication, No ORB Unit Found.", Icon::Critical},
-    Numbered{codes::WrongUnit, "Error 1006",
-             "Incorrect ORB Unit is Connected to the System!\n"
-             "Please connect a unit of the proper type or open an apprpriate file.",
-             "Error 1006: Attempted Communication, Incorrect ORB Unit Found.", Icon::Critical},
-    Numbered{codes::NoSensor, "Error 1007",
-             "No MAP sensor calibration selected.\nPlease choose a MAP sensor from the drop down below.",
-             "Error 1007: No MAP sensor calibration selected.", Icon::Critical},
+    ErrorText{codes::FormNotPrinted, "This form cannot be printed.\nCheck Printer Setup and try again.",
+              "Form Cannot Be Printed"},
+    ErrorText{codes::PortInUse, "Port is already in use by another process.",
+              "Port is in use by another process."},
+    ErrorText{codes::InvalidBinFile, "Not a valid BIN file!\nPlease choose another file and try again.",
+              "Invalid BIN File!"},
+    ErrorText{codes::NoCalibration,
+              "You must have an open/active bin file before accessing this functionality\n"
+              "Please choose another file or create one and try again.",
+              "No Open BIN File."},
+    ErrorText{codes::NoModel,
+              "No ORB Unit has been associated to this Bin File.\n"
+              "Please choose the ORB Unit from the List on the General Config Screen before continuing!",
+              "No ORB Unit associated to selected BIN File."},
+    ErrorText{codes::NoUnit,
+              "No ORB Unit is Connected to the System!\n"
+              "Please check to make sure your ORB unit is powered on and connected to the system.",
+              "Attempted Communication, No ORB Unit Found."},
+    ErrorText{codes::WrongUnit,
+              "Incorrect ORB Unit is Connected to the System!\n"
+              "Please connect a unit of the proper type or open an apprpriate file.",
+              "Attempted Communication, Incorrect ORB Unit Found."},
+    ErrorText{codes::NoSensor,
+              "No MAP sensor calibration selected.\nPlease choose a MAP sensor from the drop down below.",
+              "No MAP sensor calibration selected."},
 };
 
 /// The most lines of a box about many refused entries; the log has them all.
 constexpr std::size_t mostRefusalsShown = 8;
 
-constexpr std::array messages{
-    Numbered{codes::Help, "Help", "%", "", Icon::Information},
-    Numbered{codes::HelpLogged, "Help", "%", "Message 1000: %", Icon::Information},
-    Numbered{codes::DataSaved, "Data Saved.", "Data has been saved Successfully!", "", Icon::Information},
-    Numbered{codes::Programmed, "Complete!",
-             "You have successfully programmed your ORB unit.\n"
-             "Please cycle the power on the unit before continuing.",
-             "", Icon::Information},
-    Numbered{codes::CalibrationFailed, "Failed",
-             "The BIN program operation failed.\n"
-             "Please verify that the ORB has power, the engine is off and try again.\n"
-             "The previous BIN file is still loaded.",
-             "", Icon::Exclamation},
-    Numbered{codes::FirmwareFailed, "Failed",
-             "The firmware upgrade operation failed.\nPlease verify that the ORB has power and try again.\n"
-             "There is now no firmware installed on this unit, the upgrade must be completed successfully "
-             "before the unit will function.",
-             "", Icon::Exclamation},
-    Numbered{codes::FirmwareNotStarted, "Failed",
-             "The firmware upgrade operation failed.\n"
-             "Please verify that the ORB is in the upgrade mode then try again.\n"
-             "The previous version of the firmware is still intact.",
-             "", Icon::Exclamation},
-    Numbered{codes::LogDownloaded, "Complete!", "The datalog has been successfully downloaded.", "",
-             Icon::Information},
-    Numbered{codes::LogFailed, "Failed",
-             "The unit either has no datalog data is currently datalogging\n"
-             "Make sure you datalog switch is OFF and try again.",
-             "", Icon::Exclamation},
-    Numbered{codes::LoadCalibration, "Complete!",
-             "The BIN file MUST be loaded before starting your engine.\n"
-             "The unit may operate upredictably until the BIN file is loaded.",
-             "", Icon::Information},
-    Numbered{codes::UnitLost, "Failed",
-             "This unit will no longer communicate.\nThe firmware upgrade operation failed.\n"
-             "Please contact Norvalia for repairs.",
-             "", Icon::Exclamation},
+/// `%` stands for the caller's text.
+struct MessageText {
+    int code;
+    std::string_view title;
+    std::string_view text;
 };
 
-const Numbered* find(std::span<const Numbered> table, int code) {
-    for (const Numbered& row : table) {
-        if (row.code == code) return &row;
-    }
-    return nullptr;
-}
+constexpr std::string_view failed = "Failed";
+
+constexpr std::array messages{
+    MessageText{codes::Help, "Help", "%"},
+    MessageText{codes::HelpLogged, "Help", "%"},
+    MessageText{codes::DataSaved, "Data Saved.", "Data has been saved Successfully!"},
+    MessageText{codes::Programmed, "Complete!",
+                "You have successfully programmed your ORB unit.\n"
+                "Please cycle the power on the unit before continuing."},
+    MessageText{codes::CalibrationFailed, failed,
+                "The BIN program operation failed.\n"
+                "Please verify that the ORB has power, the engine is off and try again.\n"
+                "The previous BIN file is still loaded."},
+    MessageText{
+        codes::FirmwareFailed, failed,
+        "The firmware upgrade operation failed.\nPlease verify that the ORB has power and try again.\n"
+        "There is now no firmware installed on this unit, the upgrade must be completed successfully "
+        "before the unit will function."},
+    MessageText{codes::FirmwareNotStarted, failed,
+                "The firmware upgrade operation failed.\n"
+                "Please verify that the ORB is in the upgrade mode then try again.\n"
+                "The previous version of the firmware is still intact."},
+    MessageText{codes::LogDownloaded, "Complete!", "The datalog has been successfully downloaded."},
+    MessageText{codes::LogFailed, failed,
+                "The unit either has no datalog data is currently datalogging\n"
+                "Make sure you datalog switch is OFF and try again."},
+    MessageText{codes::LoadCalibration, "Complete!",
+                "The BIN file MUST be loaded before starting your engine.\n"
+                "The unit may operate upredictably until the BIN file is loaded."},
+    MessageText{codes::UnitLost, failed,
+                "This unit will no longer communicate.\nThe firmware upgrade operation failed.\n"
+                "Please contact Norvalia for repairs."},
+};
 
 /// What a box says of the refusals behind its first one.
 std::string furtherLines(std::span<const Refusal> further) {
@@ -116,11 +107,11 @@ std::string furtherLines(std::span<const Refusal> further) {
 }  // namespace
 
 void Messages::Display_Error(int code) {
-    const Numbered* row = find(errors, code);
-    if (row == nullptr) return;
-    dialogs_.show({std::string(row->title), std::string(row->title) + ":\n" + std::string(row->text),
-                   row->icon, Buttons::Ok});
-    sysLog_(row->log);
+    const auto row = std::ranges::find(errors, code, &ErrorText::code);
+    if (row == errors.end()) return;
+    const std::string number = "Error " + numberText(code);
+    dialogs_.show({number, number + ":\n" + std::string(row->text), Icon::Critical, Buttons::Ok});
+    sysLog_(number + ": " + std::string(row->log));
 }
 
 void Messages::warn(const WarningText& warning, std::string_view text, const std::string& further) {
@@ -153,10 +144,11 @@ void Messages::tell(std::span<const Refusal> refused) {
 }
 
 void Messages::Display_Message(int code, std::string_view text) {
-    const Numbered* row = find(messages, code);
-    if (row == nullptr) return;
-    dialogs_.show({std::string(row->title), filled(row->text, text), row->icon, Buttons::Ok});
-    if (!row->log.empty()) sysLog_(filled(row->log, text));
+    const auto row = std::ranges::find(messages, code, &MessageText::code);
+    if (row == messages.end()) return;
+    const Icon icon = row->title == failed ? Icon::Exclamation : Icon::Information;
+    dialogs_.show({std::string(row->title), filled(row->text, text), icon, Buttons::Ok});
+    if (code == codes::HelpLogged) sysLog_("Message 1000: " + std::string(text));
 }
 
 bool Messages::Check_Input(int code, std::string_view value) {

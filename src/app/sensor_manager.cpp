@@ -160,14 +160,19 @@ std::string reasonOf(const SensorFault& fault, const SensorEntry& entry) {
     return name + ": " + firstLine(fault.text);
 }
 
-SensorSketch sketchOfEntry(const SensorEntry& entry) {
+SensorSketch noSketch(std::string_view unit, const std::string& why) {
     SensorSketch sketch;
-    sketch.unit = pressureUnitsOf(entry.unitsCode);
-    if (const auto fault = sensorFault(entry)) {
-        sketch.why = reasonOf(*fault, entry);
-        sketch.words = "No line. " + sketch.why;
-        return sketch;
-    }
+    sketch.unit = unit;
+    sketch.why = why;
+    sketch.words = "No line. " + why;
+    return sketch;
+}
+
+SensorSketch sketchOfEntry(const SensorEntry& entry) {
+    const std::string_view unit = pressureUnitsOf(entry.unitsCode);
+    if (const auto fault = sensorFault(entry)) return noSketch(unit, reasonOf(*fault, entry));
+    SensorSketch sketch;
+    sketch.unit = unit;
     const Numbers at = numbersOf(entry);
     const SensorLine line = lineThrough(at);
     drawRange(sketch, pressureAt(line, lowestVolts), pressureAt(line, highestVolts));
@@ -178,20 +183,13 @@ SensorSketch sketchOfEntry(const SensorEntry& entry) {
 }
 
 SensorSketch sketchOfStored(const std::optional<MapSensorRow>& sensor) {
-    SensorSketch sketch;
-    if (!sensor) {
-        sketch.why = "Choose a sensor to see its line.";
-        sketch.words = "No line. " + sketch.why;
-        return sketch;
-    }
-    sketch.unit = pressureUnitsOf(sensor->units);
+    if (!sensor) return noSketch({}, "Choose a sensor to see its line.");
+    const std::string_view unit = pressureUnitsOf(sensor->units);
     const auto lowest = sensorPressure(*sensor, lowestVolts);
     const auto highest = sensorPressure(*sensor, highestVolts);
-    if (!lowest || !highest) {
-        sketch.why = "This sensor has a slope of 0.";
-        sketch.words = "No line. " + sketch.why;
-        return sketch;
-    }
+    if (!lowest || !highest) return noSketch(unit, "This sensor has a slope of 0.");
+    SensorSketch sketch;
+    sketch.unit = unit;
     drawRange(sketch, *lowest, *highest);
     sketch.words += ".";
     return sketch;

@@ -150,36 +150,38 @@ class Session : public UnitHost, public LinkTeller {
     /// Goes up with each change of the user's: what was saved before the last one is not what is in hand.
     std::uint64_t userChanges() const { return userChanges_; }
 
-    // ---- UnitHost
+    // ---- What the units and the link ask as everybody does
     void sysLog(std::string_view text) override;
     void addToLastLine(std::string_view text) override;
-    void displayMessage(int code, std::string_view text) override;
     void inform(std::string_view text) override;
-    void sendOnFly(std::string_view record) override;
-    std::optional<EngineFacts> engine(int kind, int optionType) override;
-    std::optional<SensorFacts> mapSensor(int id) override;
     bool fahrenheit() const override;
-    bool firmwareKnownFromLink(int slot) const override;
-    LinkedState& linkedState(int slot) override { return linkedStates_[slot]; }
     FileHeader& header() override { return header_; }
-    float programVersion() const override;
     std::string applicationFolder() const override { return platform_.applicationFolder; }
-    void yield() override;
-    void formsChanged() override;
-
-    // ---- LinkHost
-    Unit& unit(int slot) override { return Units(slot); }
     int slotInHand() const override;
-    float fileFirmwareCode() const override { return header_.firmwareCode; }
-    void heard(const LinkNews& news) override;
-    void commLog(std::string_view text) override;
-    void displayMessage(int code) override;
     void show(const Box& box) override;
     FirmwareVersion expectedFirmware(int slot) const override;
     /// The unit and the file agree (true), or they do not or the link is lost (false).
     void initializeOnFly(bool on);
 
  private:
+    // ---- What the units alone ask
+    void displayMessage(int code, std::string_view text) override;
+    void sendOnFly(std::string_view record) override;
+    std::optional<EngineFacts> engine(int kind, int optionType) override;
+    std::optional<SensorFacts> mapSensor(int id) override;
+    bool firmwareKnownFromLink(int slot) const override;
+    LinkedState& linkedState(int slot) override { return linkedStates_[slot]; }
+    float programVersion() const override;
+    void yield() override;
+    void formsChanged() override;
+
+    // ---- What the link alone asks and tells
+    Unit& unit(int slot) override { return Units(slot); }
+    float fileFirmwareCode() const override { return header_.firmwareCode; }
+    void heard(const LinkNews& news) override;
+    void commLog(std::string_view text) override;
+    void displayMessage(int code) override;
+
     std::array<LineWatch*, 2> watchers() { return {&trace, &timing}; }
     void showFrameTimes();
     void unitKindFound(int slot);

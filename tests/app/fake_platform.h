@@ -217,6 +217,8 @@ struct FakeSession {
     MeanwhileYield yield;
     RecordingWindows windows;
     Session session;
+    UnitHost& forUnits = session;
+    LinkTeller& forLink = session;
 
     explicit FakeSession(FileWriter* disk = nullptr)
         : session({port, ticker, clock, settings, dialogs, yield, folder.path(), folder.path(), disk}) {

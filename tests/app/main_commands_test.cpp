@@ -144,7 +144,7 @@ TEST_F(Commands, ANewerFileWithYesAsksForAnotherOne) {
 
 TEST_F(Commands, ReleasesOfTheSameLineAreComparedByTheirCount) {
     // The program writes 10.2: the second release of 10. 10.15 is the fifteenth, 10.1 the first.
-    ASSERT_FLOAT_EQ(session.programVersion(), 10.2f);
+    ASSERT_FLOAT_EQ(fake.forUnits.programVersion(), 10.2f);
     open(file("same.ZQ4OA", 10.2f));
     open(file("first.ZQ4OA", 10.1f));
     EXPECT_THAT(boxes(), IsEmpty());

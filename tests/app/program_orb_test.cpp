@@ -280,7 +280,7 @@ TEST_F(ProgramOrb, StoringGoesOutBehindTheRecordOfAnEditThatWaited) {
     TypingWindows typing;
     session.attach(typing);
     commands.unit.storeOnFly();
-    session.sendOnFly("S10411228048");
+    session.link.SEND_ONFLY("S10411228048");
     typing.unitAnswers();
     fake.port.written.clear();
     ticks(1);
@@ -296,7 +296,7 @@ TEST_F(ProgramOrb, KillEnginePassesEveryCommandThatWaitsAndLeavesALine) {
     session.link.Send_ORB_Command("W");
     ticks(1);
     fake.port.written.clear();
-    session.sendOnFly("S10411228048");
+    session.link.SEND_ONFLY("S10411228048");
     commands.unit.storeOnFly();
     session.link.Send_ORB_Command("T");
     commands.unit.killEngine();

@@ -89,10 +89,10 @@ TEST_F(ReferenceTrouble, ALockedDatabaseIsTriedAtOnceWhereACalibrationIsConverte
     {
         const WritingProgram other(database);
         kernel.load();
-        EXPECT_THROW(session.mapSensor(2), Failure);
+        EXPECT_THROW(fake.forUnits.mapSensor(2), Failure);
     }
     EXPECT_EQ(session.reference(), nullptr) << "no time has passed";
-    EXPECT_TRUE(session.mapSensor(2));
+    EXPECT_TRUE(fake.forUnits.mapSensor(2));
 }
 
 TEST_F(ReferenceTrouble, ADatabaseLockedWhileAFileIsOpenedIsNoReasonForHalfAFile) {

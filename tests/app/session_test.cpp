@@ -87,7 +87,7 @@ TEST_F(SessionTest, AFileOpenedAfterTheUnitWasFoundTakesChangesOnTheFlyToo) {
 }
 
 TEST_F(SessionTest, TheProgramsVersionStandsInFilesAsMinorAndRevision) {
-    EXPECT_FLOAT_EQ(session.programVersion(), 10.2f);
+    EXPECT_FLOAT_EQ(fake.forUnits.programVersion(), 10.2f);
 }
 
 TEST_F(SessionTest, AFullDiskTurnsFileLoggingOffAndSaysSoOnce) {
@@ -114,13 +114,13 @@ TEST_F(SessionTest, EveryFifthLinkLineEmptiesThePanelOfTheFirmwareButNotWhileATr
         int cleared = 0;
     } windows;
     session.attach(windows);
-    for (int line = 0; line < 11; ++line) session.commLog("line");  // with 0, 5 and 10 lines in the list
+    for (int line = 0; line < 11; ++line) fake.forLink.commLog("line");  // with 0, 5 and 10 lines in the list
     EXPECT_EQ(windows.cleared, 3);
     openForProgramming();
     ASSERT_TRUE(programs());
     windows.cleared = 0;
     const std::size_t before = session.console.commLines().size();
-    for (int line = 0; line < 10; ++line) session.commLog("line");
+    for (int line = 0; line < 10; ++line) fake.forLink.commLog("line");
     EXPECT_EQ(session.console.commLines().size(), before + 10);
     EXPECT_EQ(windows.cleared, 0);
     session.attach(fake.windows);
@@ -168,8 +168,7 @@ TEST_F(SessionTest, AUnitThatFallsSilentFailsTheRunInTheUsersWords) {
 }
 
 TEST_F(SessionTest, WhatTheLinkReportsIsToldInTheUsersWords) {
-    LinkTeller& teller = session;
-    teller.displayMessage(1006);
+    fake.forLink.displayMessage(1006);
     EXPECT_EQ(box().text, "The datalog has been successfully downloaded.");
 }
 

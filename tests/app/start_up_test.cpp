@@ -305,7 +305,7 @@ TEST_F(StartUp, ADamagedDatabaseIsToldAndTheProgramWorksWithoutIt) {
     EXPECT_TRUE(logged("No reference database: the file is not a database"));
     EXPECT_FALSE(session.database.has_value());
     EXPECT_EQ(fake.dialogs.requests.size(), 1u);
-    EXPECT_THROW(session.engine(3, 1), Failure);
+    EXPECT_THROW(fake.forUnits.engine(3, 1), Failure);
 }
 
 // ---- Trouble from outside

@@ -418,7 +418,7 @@ TEST_F(Dashboard, AUnitThatHasClearedItsCodesIsToldForAWhileThoughFramesAndCodes
     fake.session.codes.Update_CHKE("21 - TPS Sensor Failed High");
     board->codesChanged();
     const QString pin = line->text();
-    fake.session.heard({LinkEvent::CodesCleared});
+    fake.forLink.heard({LinkEvent::CodesCleared});
     EXPECT_EQ(area->text(), "CODES  \nCLEARED");
     EXPECT_EQ(line->text(), "CODES CLEARED");
     fake.session.codes.Clear_CHKE();  // as with an answer that tells none

@@ -80,7 +80,7 @@ TEST_F(Manager, ATableInAWindowOfItsOwnComesBackWhereItStood) {
 
 TEST_F(Manager, WhatTheLinkTellsIsShownFromTheEventLoopAndNotFromInsideItsHandler) {
     const std::size_t boxes = fake.dialogs.boxes.size();
-    fake.session.displayMessage(1002);
+    fake.forLink.displayMessage(1002);
     EXPECT_EQ(fake.dialogs.boxes.size(), boxes);
     QCoreApplication::processEvents();
     ASSERT_EQ(fake.dialogs.boxes.size(), boxes + 1);
@@ -89,7 +89,7 @@ TEST_F(Manager, WhatTheLinkTellsIsShownFromTheEventLoopAndNotFromInsideItsHandle
 
 TEST_F(Manager, AUnitThatIsFoundBeginsAMonitorSessionWhereTheOptionsAskForIt) {
     fake.settings.set("System", "AutoMonitor", "1");
-    fake.session.heard({.event = LinkEvent::KindFound, .number = 3});
+    fake.forLink.heard({.event = LinkEvent::KindFound, .number = 3});
     EXPECT_FALSE(fake.session.Monitoring);  // not inside the reply
     QCoreApplication::processEvents();
     EXPECT_TRUE(fake.session.Monitoring);
@@ -99,7 +99,7 @@ TEST_F(Manager, AUnitThatIsFoundBeginsAMonitorSessionWhereTheOptionsAskForIt) {
 TEST_F(Manager, AUnitThatIsFoundBeginsNoMonitorSessionByItself) {
     for (const char* setting : {"", "0", "yes"}) {
         fake.settings.set("System", "AutoMonitor", setting);
-        fake.session.heard({.event = LinkEvent::KindFound, .number = 3});
+        fake.forLink.heard({.event = LinkEvent::KindFound, .number = 3});
         QCoreApplication::processEvents();
         EXPECT_FALSE(fake.session.Monitoring) << setting;
     }
@@ -109,7 +109,7 @@ TEST_F(Manager, ARunningMonitorSessionIsNotBegunAgain) {
     fake.settings.set("System", "AutoMonitor", "1");
     fake.session.Monitoring = true;
     const std::size_t lines = fake.session.console.lines().size();
-    fake.session.heard({.event = LinkEvent::KindFound, .number = 3});
+    fake.forLink.heard({.event = LinkEvent::KindFound, .number = 3});
     QCoreApplication::processEvents();
     EXPECT_EQ(fake.session.console.lines().size(), lines);  // opening the link would leave a line
 }
