@@ -2,6 +2,7 @@
 #include <sys/file.h>
 
 #include "ctl/link_fixture.h"
+#include "scoped_variable.h"
 
 namespace zentaq {
 namespace {
@@ -96,21 +97,7 @@ TEST_F(ZentaqctlOnLink, WrongUsageOfTheLinkCommandsEndsWithTwo) {
 /// Simulated units announce themselves in a folder of the test.
 class ZentaqctlPorts : public ZentaqctlOnLink {
  protected:
-    ZentaqctlPorts() { ::setenv("XDG_RUNTIME_DIR", folder.path().c_str(), 1); }
-    ~ZentaqctlPorts() override {
-        if (former_) {
-            ::setenv("XDG_RUNTIME_DIR", former_->c_str(), 1);
-        } else {
-            ::unsetenv("XDG_RUNTIME_DIR");
-        }
-    }
-
- private:
-    static std::optional<std::string> formerFolder() {
-        const char* former = std::getenv("XDG_RUNTIME_DIR");
-        return former == nullptr ? std::nullopt : std::optional<std::string>(former);
-    }
-    std::optional<std::string> former_ = formerFolder();
+    const ScopedVariable runtimeFolder{"XDG_RUNTIME_DIR", folder.path().c_str()};
 };
 
 TEST_F(ZentaqctlPorts, ListsASimulatedUnitFirst) {

@@ -1,18 +1,15 @@
 #include "platform/held_signals.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
+
+#include "platform/other_process.h"
 
 namespace zentaq {
 namespace {
 
 /// How a process ended that gets a signal while it holds signals off, and works on for a moment.
 int statusAfter(int number) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        // In a group of its own: the system does not stop a group whose parents are all of another session.
-        ::setpgid(0, 0);
+    OtherProcess process([number](const OtherProcess::Say&) {
         bool worked = false;
         {
             const HeldSignals held(userSignals);
@@ -20,15 +17,8 @@ int statusAfter(int number) {
             worked = true;
         }
         ::_exit(worked ? 7 : 8);
-    }
-    int status = 0;
-    ::waitpid(child, &status, WUNTRACED);
-    if (WIFSTOPPED(status)) {
-        ::kill(child, SIGKILL);
-        int ignored = 0;
-        ::waitpid(child, &ignored, 0);
-    }
-    return status;
+    });
+    return process.wait(true);
 }
 
 TEST(HeldSignals, EndTheProgramBehindWhatWasProtected) {

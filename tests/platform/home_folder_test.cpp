@@ -8,43 +8,32 @@
 #include <cstdlib>
 #include <string>
 
+#include "scoped_variable.h"
+
 namespace zentaq {
 namespace {
 
-class HomeFolder : public ::testing::Test {
- protected:
-    ~HomeFolder() override {
-        if (known) {
-            setenv("HOME", before.c_str(), 1);
-        } else {
-            unsetenv("HOME");
-        }
-    }
-    static std::string ofTheSystem() {
-        const passwd* user = ::getpwuid(::getuid());
-        return user == nullptr ? std::string() : user->pw_dir;
-    }
+std::string homeOfTheSystem() {
+    const passwd* user = ::getpwuid(::getuid());
+    return user == nullptr ? std::string() : user->pw_dir;
+}
 
-    bool known = std::getenv("HOME") != nullptr;
-    std::string before = known ? std::getenv("HOME") : "";
-};
-
-TEST_F(HomeFolder, IsWhatHomeTells) {
-    setenv("HOME", "/home/tuner & sons", 1);
+TEST(HomeFolder, IsWhatHomeTells) {
+    const ScopedVariable home("HOME", "/home/tuner & sons");
     EXPECT_EQ(homeFolder(), "/home/tuner & sons");
     settleHome();
     EXPECT_STREQ(std::getenv("HOME"), "/home/tuner & sons");
 }
 
-TEST_F(HomeFolder, IsTheSystemsWhereHomeIsMissingEmptyOrNoWholePath) {
-    if (ofTheSystem().empty()) GTEST_SKIP() << "NOT TESTED: the system does not know this user";
+TEST(HomeFolder, IsTheSystemsWhereHomeIsMissingEmptyOrNoWholePath) {
+    if (homeOfTheSystem().empty()) GTEST_SKIP() << "NOT TESTED: the system does not know this user";
     const char* const others[] = {nullptr, "", "tuner"};
     for (const char* other : others) {
-        other == nullptr ? unsetenv("HOME") : setenv("HOME", other, 1);
-        EXPECT_EQ(homeFolder(), ofTheSystem());
+        const ScopedVariable home("HOME", other);
+        EXPECT_EQ(homeFolder(), homeOfTheSystem());
         settleHome();
         ASSERT_NE(std::getenv("HOME"), nullptr);
-        EXPECT_EQ(std::getenv("HOME"), ofTheSystem());
+        EXPECT_EQ(std::getenv("HOME"), homeOfTheSystem());
     }
 }
 

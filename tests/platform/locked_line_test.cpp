@@ -10,18 +10,18 @@
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <sys/un.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 #include <cstddef>
 #include <cstdlib>
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "platform/other_process.h"
 #include "unit/child_apart.h"
 
 namespace zentaq {
@@ -29,7 +29,7 @@ namespace {
 
 constexpr const char* busy = "in use by another program";
 
-/// A terminal of this test, and a child process that does something and then waits for its end.
+/// A terminal of this test, and another process that does something and then waits for its end.
 class LineOfOthers : public ::testing::Test {
  protected:
     LineOfOthers() : master(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)) {
@@ -41,24 +41,13 @@ class LineOfOthers : public ::testing::Test {
         // The next test has a terminal of another number: who holds one is asked once a second.
         static std::vector<PosixHandle> former;
         former.push_back(std::move(master));
-        if (child <= 0) return;
-        ::kill(child, SIGKILL);
-        ::waitpid(child, nullptr, 0);
     }
     void startOther(const std::function<bool()>& begin) {
-        int ends[2];
-        ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
-        child = ::fork();
-        if (child == 0) {
-            const char begun = begin() ? '1' : '0';
-            [[maybe_unused]] const auto told = ::write(ends[1], &begun, 1);
+        child.emplace([&](const OtherProcess::Say& say) {
+            say(begin() ? '1' : '0');
             for (;;) ::pause();
-        }
-        ::close(ends[1]);
-        char begun = '0';
-        EXPECT_EQ(::read(ends[0], &begun, 1), 1);
-        ::close(ends[0]);
-        EXPECT_EQ(begun, '1');
+        });
+        EXPECT_EQ(child->said(), '1');
     }
     bool bindsName() const {
         struct stat about {};
@@ -75,7 +64,7 @@ class LineOfOthers : public ::testing::Test {
 
     PosixHandle master;
     std::string device;
-    pid_t child = 0;
+    std::optional<OtherProcess> child;
 };
 
 TEST_F(LineOfOthers, TheProgramThatHasItIsNamedWithItsProcessAndUser) {
@@ -90,7 +79,7 @@ TEST_F(LineOfOthers, TheProgramThatHasItIsNamedWithItsProcessAndUser) {
     EXPECT_FALSE(refused.line.valid());
     EXPECT_FALSE(refused.lock.valid());
     const passwd* user = ::getpwuid(::getuid());
-    EXPECT_EQ(refused.trouble, std::string(busy) + ": dash\\x1B[2J (process " + std::to_string(child) +
+    EXPECT_EQ(refused.trouble, std::string(busy) + ": dash\\x1B[2J (process " + std::to_string(child->id()) +
                                    ", user " +
                                    (user == nullptr ? std::to_string(::getuid()) : user->pw_name) + ")");
 }
@@ -99,7 +88,7 @@ TEST_F(LineOfOthers, AProgramThatOnlyTookTheNameIsNamedToo) {
     startOther([this] { return bindsName(); });
     const LockedLine refused = openLocked(device);
     EXPECT_TRUE(refused.busy);
-    EXPECT_NE(refused.trouble.find("(process " + std::to_string(child) + ", user "), std::string::npos)
+    EXPECT_NE(refused.trouble.find("(process " + std::to_string(child->id()) + ", user "), std::string::npos)
         << refused.trouble;
 }
 
@@ -114,9 +103,7 @@ TEST_F(LineOfOthers, OfAnotherUsersProgramIsToldThatItIsOne) {
 
 TEST_F(LineOfOthers, ItIsFreeWhenTheProgramHasGone) {
     startOther([this] { return bindsName(); });
-    ::kill(child, SIGKILL);
-    ::waitpid(child, nullptr, 0);
-    child = 0;
+    child->crash();
     EXPECT_TRUE(openLocked(device).line.valid());
 }
 

@@ -28,6 +28,7 @@ using testing::IsEmpty;
 class PosixPort : public testing::Test {
  protected:
     PosixPort() {
+        plug(line);
         port.onEvent([this](CommEvent event) {
             if (event != CommEvent::DataReceived) return;
             ++deliveries;
@@ -44,24 +45,30 @@ class PosixPort : public testing::Test {
         clock.advanceUs(us);
         port.service();
     }
-    void plug(const PtyPair& line, const std::string& identity = "one") {
-        ports = {{1, line.path(), "", identity}};
+    void plug(const PtyPair& other, const std::string& identity = "one") {
+        ports = {{1, other.path(), "", identity}};
     }
     /// Another line is the first of the list from now on.
-    void plugInFront(const PtyPair& line) {
-        ports.insert(ports.begin(), {1, line.path(), "", "another"});
+    void plugInFront(const PtyPair& other) {
+        ports.insert(ports.begin(), {1, other.path(), "", "another"});
         ports.back().number = static_cast<int>(ports.size());
     }
 
+    PtyPair line;
     ManualClock clock;
-    std::vector<PortInfo> ports;
-    int looks = 0;  ///< at the list
+    std::vector<PortInfo> ports;  ///< the line alone, unless a test says otherwise
+    int looks = 0;                ///< at the list
     PosixSerialPort port{clock, [this] {
                              ++looks;
                              return ports;
                          }};
     int deliveries = 0;
     std::vector<std::uint8_t> delivered;
+};
+
+class OpenPort : public PosixPort {
+ protected:
+    OpenPort() { port.open(1); }
 };
 
 /// What comes at the unit's end until there is as much as wanted. The system carries it over in its own time:
@@ -87,6 +94,7 @@ std::string failureOf(PosixSerialPort& port, int number) {
 }
 
 TEST_F(PosixPort, RefusesWhatIsNoPort) {
+    ports.clear();
     EXPECT_EQ(failureOf(port, 1), "Port 1 is not present");
     ports = {{1, "/nonexistent/tty", "", "gone"}};
     EXPECT_EQ(failureOf(port, 1), "/nonexistent/tty: No such file or directory");
@@ -97,8 +105,6 @@ TEST_F(PosixPort, RefusesWhatIsNoPort) {
 }
 
 TEST_F(PosixPort, PutsBackTheSettingsThatItFoundWhereThatIsWanted) {
-    const PtyPair line;
-    plug(line);
     for (const bool restores : {true, false}) {
         const PosixHandle other(::open(line.path().c_str(), O_RDWR | O_NOCTTY));
         termios before{};
@@ -121,8 +127,6 @@ TEST_F(PosixPort, PutsBackTheSettingsThatItFoundWhereThatIsWanted) {
 }
 
 TEST_F(PosixPort, ALineThatHasVanishedIsClosedWithoutItsSettings) {
-    PtyPair line;
-    plug(line);
     PosixSerialPort leaving{clock, [this] { return ports; }, {.exclusive = true, .restores = true}};
     leaving.open(1);
     line.hangUp();
@@ -131,10 +135,7 @@ TEST_F(PosixPort, ALineThatHasVanishedIsClosedWithoutItsSettings) {
     EXPECT_FALSE(leaving.present());
 }
 
-TEST_F(PosixPort, SetsTheLineTo38400Baud8BitsNoParityOneStopBit) {
-    const PtyPair line;
-    plug(line);
-    port.open(1);
+TEST_F(OpenPort, SetsTheLineTo38400Baud8BitsNoParityOneStopBit) {
     termios set{};
     ASSERT_EQ(::tcgetattr(port.descriptor(), &set), 0);
     EXPECT_EQ(::cfgetispeed(&set), static_cast<speed_t>(B38400));
@@ -147,8 +148,6 @@ TEST_F(PosixPort, SetsTheLineTo38400Baud8BitsNoParityOneStopBit) {
 }
 
 TEST_F(PosixPort, RefusesAPortThatAnotherProgramHoldsAndTakesItOnceItIsFree) {
-    const PtyPair line;
-    plug(line);
     const int other = ::open(line.path().c_str(), O_RDWR | O_NOCTTY);
     ASSERT_EQ(::flock(other, LOCK_EX | LOCK_NB), 0);
     EXPECT_THROW(port.open(1), PortBusy);
@@ -166,8 +165,6 @@ TEST_F(PosixPort, WhereItIsAskedForAFailureTellsTheNumberOfThePortToo) {
 }
 
 TEST_F(PosixPort, APortOfAnotherOfOurProgramsIsNotEvenOpened) {
-    const PtyPair line;
-    plug(line);
     PosixSerialPort other{clock, [this] { return ports; }};
     other.open(1);
     const int opens = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
@@ -183,8 +180,6 @@ TEST_F(PosixPort, APortOfAnotherOfOurProgramsIsNotEvenOpened) {
 
 TEST_F(PosixPort, WhereItIsAskedForTheDeviceIsItsOwnUntilItIsClosed) {
     PosixSerialPort alone{clock, [this] { return ports; }, {.exclusive = true}};
-    const PtyPair line;
-    plug(line);
     const auto exclusive = [](int descriptor) {
         int held = 0;
         EXPECT_EQ(::ioctl(descriptor, TIOCGEXCL, &held), 0);
@@ -222,8 +217,6 @@ class OtherHold {
 };
 
 TEST_F(PosixPort, APortThatIsRefusedIsLeftAsItWas) {
-    const PtyPair line;
-    plug(line);
     const OtherHold other(line.path());
     ASSERT_TRUE(other.lock());
     termios before{};
@@ -277,8 +270,6 @@ class BusyReader {
 };
 
 TEST_F(PosixPort, WhoeverHasThePortDoesNotNoticeThatItIsWanted) {
-    const PtyPair line;
-    plug(line);
     // Whatever a line of this machine is set to: a read of nothing does not answer here.
     OtherHold(line.path()).readsOfNothing(false);
     BusyReader reader(line.path());
@@ -288,10 +279,7 @@ TEST_F(PosixPort, WhoeverHasThePortDoesNotNoticeThatItIsWanted) {
     EXPECT_EQ(reader.broken(), 0);
 }
 
-TEST_F(PosixPort, AReadOfNothingWhileTheDeviceIsThereIsNoHangUp) {
-    const PtyPair line;
-    plug(line);
-    port.open(1);
+TEST_F(OpenPort, AReadOfNothingWhileTheDeviceIsThereIsNoHangUp) {
     port.setReceiveThreshold(2);
     const OtherHold other(line.path());
     other.readsOfNothing(true);
@@ -304,10 +292,7 @@ TEST_F(PosixPort, AReadOfNothingWhileTheDeviceIsThereIsNoHangUp) {
     EXPECT_EQ(deliveries, 1);
 }
 
-TEST_F(PosixPort, AHangUpIsSeenThoughReadsOfNothingAreAnswered) {
-    PtyPair line;
-    plug(line);
-    port.open(1);
+TEST_F(OpenPort, AHangUpIsSeenThoughReadsOfNothingAreAnswered) {
     const OtherHold other(line.path());
     other.readsOfNothing(true);
     line.hangUp();
@@ -315,20 +300,14 @@ TEST_F(PosixPort, AHangUpIsSeenThoughReadsOfNothingAreAnswered) {
     EXPECT_FALSE(port.present());
 }
 
-TEST_F(PosixPort, WritesAllBytesAtOnceIncludingThoseAbove127) {
-    const PtyPair line;
-    plug(line);
-    port.open(1);
+TEST_F(OpenPort, WritesAllBytesAtOnceIncludingThoseAbove127) {
     port.write(std::string("Z\xFF\r\n\0", 5));
     EXPECT_EQ(received(line, 5), std::string("Z\xFF\r\n\0", 5));
     EXPECT_FALSE(port.wantsToWrite());
     EXPECT_EQ(port.writes(), 1U);
 }
 
-TEST_F(PosixPort, WhatTheLineDoesNotTakeAtOnceLeavesLater) {
-    const PtyPair line;
-    plug(line);
-    port.open(1);
+TEST_F(OpenPort, WhatTheLineDoesNotTakeAtOnceLeavesLater) {
     const std::string much(100'000, 'x');
     port.write(much);
     ASSERT_TRUE(port.wantsToWrite()) << "a terminal holds a few thousand bytes";
@@ -336,10 +315,7 @@ TEST_F(PosixPort, WhatTheLineDoesNotTakeAtOnceLeavesLater) {
     EXPECT_FALSE(port.wantsToWrite());
 }
 
-TEST_F(PosixPort, DeliversOnceWhenEnoughIsThereAndTheLineIsQuiet) {
-    const PtyPair line;
-    plug(line);
-    port.open(1);
+TEST_F(OpenPort, DeliversOnceWhenEnoughIsThereAndTheLineIsQuiet) {
     port.setReceiveThreshold(2);
     line.send("A");
     arrive();
@@ -358,8 +334,6 @@ TEST_F(PosixPort, DeliversOnceWhenEnoughIsThereAndTheLineIsQuiet) {
 
 TEST_F(PosixPort, AShorterQuietIsEnoughWhereItIsAskedFor) {
     PosixSerialPort quick{clock, [this] { return ports; }, {.quietUs = 390}};
-    const PtyPair line;
-    plug(line);
     quick.open(1);
     quick.setReceiveThreshold(2);
     EXPECT_EQ(quick.missing(), 2U);
@@ -374,10 +348,7 @@ TEST_F(PosixPort, AShorterQuietIsEnoughWhereItIsAskedFor) {
     EXPECT_TRUE(quick.service());
 }
 
-TEST_F(PosixPort, HoldsBytesWhileTheThresholdIsZero) {
-    const PtyPair line;
-    plug(line);
-    port.open(1);
+TEST_F(OpenPort, HoldsBytesWhileTheThresholdIsZero) {
     port.setReceiveThreshold(0);
     line.send("AX");
     arrive();
@@ -387,8 +358,6 @@ TEST_F(PosixPort, HoldsBytesWhileTheThresholdIsZero) {
 }
 
 TEST_F(PosixPort, AReplyThatNobodyReadDoesNotAnswerTheFirstQuestion) {
-    const PtyPair line;
-    plug(line);
     {
         // Whoever had the line before leaves without reading the reply.
         const OtherHold other(line.path());
@@ -407,12 +376,9 @@ TEST_F(PosixPort, AReplyThatNobodyReadDoesNotAnswerTheFirstQuestion) {
     EXPECT_EQ(deliveries, 1);
 }
 
-TEST_F(PosixPort, APulledDeviceComesBackUnderAnotherName) {
-    auto line = std::make_unique<PtyPair>();
-    plug(*line);
-    port.open(1);
+TEST_F(OpenPort, APulledDeviceComesBackUnderAnotherName) {
     port.setReceiveThreshold(2);
-    line->hangUp();
+    line.hangUp();
     pass(0);
     EXPECT_TRUE(port.isOpen());
     EXPECT_FALSE(port.present());
@@ -438,10 +404,7 @@ TEST_F(PosixPort, APulledDeviceComesBackUnderAnotherName) {
     EXPECT_THAT(delivered, ElementsAre('P', 'N'));
 }
 
-TEST_F(PosixPort, LooksForAVanishedDeviceFourTimesASecondOnly) {
-    PtyPair line;
-    plug(line);
-    port.open(1);
+TEST_F(OpenPort, LooksForAVanishedDeviceFourTimesASecondOnly) {
     line.hangUp();
     pass(0);
     ASSERT_FALSE(port.present());
@@ -453,16 +416,15 @@ TEST_F(PosixPort, LooksForAVanishedDeviceFourTimesASecondOnly) {
 
 TEST_F(PosixPort, ASilentDeviceGivesWayToTheOneThatTakesItsNumberUnlessItWasNamed) {
     for (const bool follows : {true, false}) {
-        const PtyPair first;
         const PtyPair second;
-        plug(first);
+        plug(line);
         port.followsNumber(follows);
         port.open(1);
         plugInFront(second);
         pass(PosixSerialPort::numberUs);
         port.write("E");
-        EXPECT_EQ(received(follows ? second : first, 1), "E");
-        EXPECT_EQ((follows ? first : second).received(), "");
+        EXPECT_EQ(received(follows ? second : line, 1), "E");
+        EXPECT_EQ((follows ? line : second).received(), "");
     }
 }
 
@@ -473,13 +435,11 @@ TEST_F(PosixPort, WhoTakesTheNumberOfASilentDeviceThatHasGoneIsToldAsItsReturn) 
         void returned(const PortInfo&, std::int64_t) override { told += "returned "; }
         std::string told;
     } news;
-    PtyPair silent;
     const PtyPair unit;
-    plug(silent);
     port.followsNumber(true);
     port.open(1);
     port.watch(news);
-    silent.hangUp();
+    line.hangUp();
     pass(0);
     ASSERT_FALSE(port.present());
     plug(unit, "another");
@@ -490,24 +450,19 @@ TEST_F(PosixPort, WhoTakesTheNumberOfASilentDeviceThatHasGoneIsToldAsItsReturn) 
 }
 
 TEST_F(PosixPort, ADeviceThatHasSpokenIsKeptWhateverItsNumberBecomes) {
-    const PtyPair unit;
     const PtyPair other;
-    plug(unit);
     port.followsNumber(true);
     port.open(1);
-    unit.send("AX");
+    line.send("AX");
     arrive();
     plugInFront(other);
     pass(PosixSerialPort::numberUs);
     port.write("E");
-    EXPECT_EQ(received(unit, 1), "E");
+    EXPECT_EQ(received(line, 1), "E");
     EXPECT_EQ(other.received(), "");
 }
 
-TEST_F(PosixPort, AClosedPortIsNotLookedForAndWritesNothing) {
-    const PtyPair line;
-    plug(line);
-    port.open(1);
+TEST_F(OpenPort, AClosedPortIsNotLookedForAndWritesNothing) {
     line.send("A");
     arrive();
     port.close();
@@ -520,20 +475,14 @@ TEST_F(PosixPort, AClosedPortIsNotLookedForAndWritesNothing) {
     EXPECT_EQ(port.list().size(), 1U);
 }
 
-TEST_F(PosixPort, ALineThatTakesNothingIsNotWaitedFor) {
-    const PtyPair line;
-    plug(line);
-    port.open(1);
+TEST_F(OpenPort, ALineThatTakesNothingIsNotWaitedFor) {
     const auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < 100'000; ++i) port.write(std::string(60, 'x'));
     port.close();
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }
 
-TEST_F(PosixPort, ALineThatTakesNothingFillsNoMemory) {
-    const PtyPair line;
-    plug(line);
-    port.open(1);
+TEST_F(OpenPort, ALineThatTakesNothingFillsNoMemory) {
     for (int i = 0; i < 1000; ++i) port.write(std::string(100, 'x'));
     // The terminal's own store, some commands behind it, and the rest went nowhere.
     const std::size_t came = received(line, 100'000, [this] { port.service(); }).size();
@@ -543,10 +492,7 @@ TEST_F(PosixPort, ALineThatTakesNothingFillsNoMemory) {
     EXPECT_EQ(received(line, 1), "E");
 }
 
-TEST_F(PosixPort, OneLookTakesSoMuchOfAFloodAndNoMore) {
-    const PtyPair line;
-    plug(line);
-    port.open(1);
+TEST_F(OpenPort, OneLookTakesSoMuchOfAFloodAndNoMore) {
     std::atomic<bool> stop = false;
     std::thread flood([&] {
         const std::string bytes(4096, 'x');

@@ -4,14 +4,13 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
-#include <functional>
 #include <string>
 
 #include "base/errors.h"
+#include "platform/other_process.h"
 #include "temporary_folder.h"
 
 namespace zentaq {
@@ -69,66 +68,12 @@ TEST(StopSignals, AreWatchedByOneObjectAtATime) {
     EXPECT_THROW(PosixStopSignals(), Failure);
 }
 
-/// A process of its own; `body` is told a descriptor through which to say that it has come so far.
-class Child {
- public:
-    explicit Child(const std::function<void(int)>& body) {
-        std::array<int, 2> ends{};
-        if (::pipe(ends.data()) != 0) throw Failure("pipe");
-        process_ = ::fork();
-        if (process_ == 0) {
-            // In a group of its own: the system stops no group whose parents are all of another session.
-            ::setpgid(0, 0);
-            body(ends[1]);
-            ::_exit(0);
-        }
-        ::close(ends[1]);
-        said_ = ends[0];
-    }
-    ~Child() {
-        ::kill(process_, SIGKILL);
-        if (!over_) ::waitpid(process_, nullptr, 0);
-        ::close(said_);
-    }
-    Child(const Child&) = delete;
-    Child& operator=(const Child&) = delete;
-
-    char said() const {
-        char word = '?';
-        return ::read(said_, &word, 1) == 1 ? word : '?';
-    }
-    void signal(int number) const { ::kill(process_, number); }
-    bool sleeps() const {
-        const std::string line = TemporaryFolder::read("/proc/" + std::to_string(process_) + "/stat");
-        return line.find(") S ") != std::string::npos;
-    }
-    void waitUntilItSleeps() const {
-        for (int ms = 0; ms < 5000 && !sleeps(); ++ms) ::usleep(1000);
-    }
-    /// The status of waitpid; `stops` too.
-    int wait(bool stops = false) {
-        int status = 0;
-        ::waitpid(process_, &status, stops ? WUNTRACED : 0);
-        over_ = !WIFSTOPPED(status);
-        return status;
-    }
-
- private:
-    pid_t process_ = 0;
-    int said_ = -1;
-    bool over_ = false;
-};
-
-void say(int to, char word) {
-    if (::write(to, &word, 1) != 1) ::_exit(9);
-}
-
 TEST(StopSignals, EndAWriteThatDoesNotComeBack) {
-    Child child([](int to) {
+    OtherProcess child([](const OtherProcess::Say& say) {
         const PosixStopSignals signals;
         std::array<int, 2> ends{};
         if (::pipe(ends.data()) != 0) ::_exit(9);
-        say(to, 'w');
+        say('w');
         const std::string much(1 << 20, 'x');
         while (::write(ends[1], much.data(), much.size()) > 0) {
         }
@@ -145,9 +90,9 @@ TEST(StopSignals, EndAnOpenThatDoesNotComeBack) {
     const TemporaryFolder folder;
     const std::string pipe = folder.path("pipe");
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-    Child child([&](int to) {
+    OtherProcess child([&](const OtherProcess::Say& say) {
         const PosixStopSignals signals;
-        say(to, 'o');
+        say('o');
         ::open(pipe.c_str(), O_WRONLY);
     });
     ASSERT_EQ(child.said(), 'o');
@@ -159,24 +104,24 @@ TEST(StopSignals, EndAnOpenThatDoesNotComeBack) {
 }
 
 /// Lives through a transfer of a second, asking all the time, and tells what it was asked.
-void transfer(int to) {
+void transfer(const OtherProcess::Say& say) {
     PosixStopSignals signals;
     {
         const auto hold = signals.hold();
-        say(to, 'b');
+        say('b');
         int last = 0;
         for (int ms = 0; ms < 1000; ++ms) {
             ::usleep(1000);
-            if (const int number = signals.received(); number != last) say(to, number == SIGQUIT ? 'q' : 'o');
+            if (const int number = signals.received(); number != last) say(number == SIGQUIT ? 'q' : 'o');
             last = signals.received();
         }
-        say(to, 'e');
+        say('e');
     }
-    say(to, 'a');
+    say('a');
 }
 
 TEST(HeldStopSignals, CtrlZTakesEffectBehindTheTransfer) {
-    Child child(transfer);
+    OtherProcess child(transfer);
     ASSERT_EQ(child.said(), 'b');
     child.signal(SIGTSTP);
     EXPECT_EQ(child.said(), 'e');
@@ -188,7 +133,7 @@ TEST(HeldStopSignals, CtrlZTakesEffectBehindTheTransfer) {
 }
 
 TEST(HeldStopSignals, OutputFromTheBackgroundStopsNothing) {
-    Child child(transfer);
+    OtherProcess child(transfer);
     ASSERT_EQ(child.said(), 'b');
     child.signal(SIGTTOU);
     EXPECT_EQ(child.said(), 'e');
@@ -196,7 +141,7 @@ TEST(HeldStopSignals, OutputFromTheBackgroundStopsNothing) {
 }
 
 TEST(HeldStopSignals, CtrlBackslashIsAskedForLikeCtrlC) {
-    Child child(transfer);
+    OtherProcess child(transfer);
     ASSERT_EQ(child.said(), 'b');
     child.signal(SIGQUIT);
     EXPECT_EQ(child.said(), 'q');
@@ -206,12 +151,12 @@ TEST(HeldStopSignals, CtrlBackslashIsAskedForLikeCtrlC) {
 }
 
 TEST(HeldStopSignals, NothingEndsATransferThatDoesNotAsk) {
-    Child child([](int to) {
+    OtherProcess child([](const OtherProcess::Say& say) {
         PosixStopSignals signals;
         const auto hold = signals.hold();
-        say(to, 'b');
+        say('b');
         for (int ms = 0; ms < 1500; ++ms) ::usleep(1000);
-        say(to, signals.received() == SIGINT ? 'i' : 'n');
+        say(signals.received() == SIGINT ? 'i' : 'n');
     });
     ASSERT_EQ(child.said(), 'b');
     child.signal(SIGINT);

@@ -9,47 +9,29 @@
 #include <functional>
 #include <string>
 
+#include "platform/other_process.h"
+#include "scoped_variable.h"
 #include "temporary_folder.h"
 
 namespace zentaq {
 namespace {
 
 /// A process of its own that claims a lock and lives on until it is killed.
-class OtherProcess {
+class Claimant : public OtherProcess {
  public:
-    explicit OtherProcess(
-        const std::string& lockFile, const std::function<void()>& before = [] {}) {
-        int told[2];
-        if (pipe(told) != 0) throw std::runtime_error("pipe");
-        child_ = fork();
-        if (child_ == 0) {
-            before();
-            const SingleInstance instance(lockFile);
-            const char answer = instance.anotherRuns() ? 'r' : instance.holds() ? 'h' : 'n';
-            if (write(told[1], &answer, 1) != 1) _exit(1);
-            for (;;) pause();
-        }
-        if (read(told[0], &answer_, 1) != 1) answer_ = '?';
-        close(told[0]);
-        close(told[1]);
-    }
-    ~OtherProcess() { crash(); }
-
-    /// Ends without a chance to clean up.
-    void crash() {
-        if (child_ <= 0) return;
-        kill(child_, SIGKILL);
-        waitpid(child_, nullptr, 0);
-        child_ = 0;
-    }
+    explicit Claimant(
+        const std::string& lockFile, const std::function<void()>& before = [] {})
+        : OtherProcess([&](const Say& say) {
+              before();
+              const SingleInstance instance(lockFile);
+              say(instance.anotherRuns() ? 'r' : instance.holds() ? 'h' : 'n');
+              for (;;) ::pause();
+          }) {}
     bool claimed() const { return answer_ == 'h'; }
     bool refused() const { return answer_ == 'r'; }
-    bool alive() const { return child_ > 0 && kill(child_, 0) == 0; }
-    pid_t id() const { return child_; }
 
  private:
-    pid_t child_ = 0;
-    char answer_ = '?';
+    char answer_ = said();
 };
 
 class SingleInstanceTest : public testing::Test {
@@ -59,17 +41,17 @@ class SingleInstanceTest : public testing::Test {
 };
 
 TEST_F(SingleInstanceTest, TheFirstProcessRunsAndTheSecondIsRefused) {
-    OtherProcess first(lock);
+    Claimant first(lock);
     ASSERT_TRUE(first.claimed());
-    OtherProcess second(lock);
+    Claimant second(lock);
     EXPECT_TRUE(second.refused());
-    EXPECT_TRUE(first.alive());
+    EXPECT_TRUE(first.runs());
     second.crash();
     EXPECT_TRUE(SingleInstance(lock).anotherRuns()) << "the end of the second leaves the first its lock";
 }
 
 TEST_F(SingleInstanceTest, ACrashFreesTheLock) {
-    OtherProcess first(lock);
+    Claimant first(lock);
     ASSERT_TRUE(first.claimed());
     first.crash();
     const SingleInstance next(lock);
@@ -95,7 +77,7 @@ TEST_F(SingleInstanceTest, ALockFileLeftBehindStopsNobodyWhateverItSays) {
 }
 
 TEST_F(SingleInstanceTest, AHelperProgramDoesNotInheritTheLock) {
-    OtherProcess first(lock, [] {});
+    Claimant first(lock, [] {});
     ASSERT_TRUE(first.claimed());
     first.crash();
     pid_t helper = 0;
@@ -131,11 +113,11 @@ TEST_F(SingleInstanceTest, AnUnwritableFolderStopsNobody) {
     std::filesystem::create_directory(folder.path("closed"));
     ASSERT_EQ(chmod(folder.path("closed").c_str(), 0500), 0);
     constexpr uid_t somebody = 65534;  // an administrator may write anywhere
-    OtherProcess other(folder.path("closed/zentaq4.lock"), [] {
+    Claimant other(folder.path("closed/zentaq4.lock"), [] {
         if (getuid() == 0 && setuid(somebody) != 0) _exit(1);
     });
     EXPECT_FALSE(other.refused());
-    EXPECT_TRUE(other.alive());
+    EXPECT_TRUE(other.runs());
 }
 
 TEST_F(SingleInstanceTest, ALinkThatSomebodyPutThereIsNotFollowed) {
@@ -147,24 +129,14 @@ TEST_F(SingleInstanceTest, ALinkThatSomebodyPutThereIsNotFollowed) {
 /// The runtime folder of the test's own.
 class LockOfUser : public SingleInstanceTest {
  protected:
-    LockOfUser() { setenv("XDG_RUNTIME_DIR", folder.path().c_str(), 1); }
-    ~LockOfUser() override {
-        if (before_.empty()) {
-            unsetenv("XDG_RUNTIME_DIR");
-        } else {
-            setenv("XDG_RUNTIME_DIR", before_.c_str(), 1);
-        }
-    }
-
- private:
-    std::string before_ = std::getenv("XDG_RUNTIME_DIR") != nullptr ? std::getenv("XDG_RUNTIME_DIR") : "";
+    ScopedVariable runtimeFolder{"XDG_RUNTIME_DIR", folder.path().c_str()};
 };
 
 TEST_F(LockOfUser, LiesInTheRuntimeFolderWhichIsMade) {
     const SingleInstance instance;
     EXPECT_TRUE(instance.holds());
     EXPECT_TRUE(std::filesystem::exists(folder.path("zentaq4/zentaq4.lock")));
-    OtherProcess other(folder.path("zentaq4/zentaq4.lock"));
+    Claimant other(folder.path("zentaq4/zentaq4.lock"));
     EXPECT_TRUE(other.refused());
 }
 
@@ -180,28 +152,24 @@ TEST_F(LockOfUser, TwoUsersBothRun) {
 /// A runtime folder that does not count, and a home.
 class LockInHome : public LockOfUser {
  protected:
-    LockInHome() {
-        chmod(folder.path().c_str(), 0777);
-        setenv("HOME", home.path().c_str(), 1);
-    }
-    ~LockInHome() override { setenv("HOME", homeBefore.c_str(), 1); }
+    LockInHome() { chmod(folder.path().c_str(), 0777); }
 
     TemporaryFolder home;
+    ScopedVariable homeOfUser{"HOME", home.path().c_str()};
     std::string homeLock = home.path(".local/state/zentaq4/zentaq4.lock");
-    std::string homeBefore = std::getenv("HOME") != nullptr ? std::getenv("HOME") : "/";
 };
 
 TEST_F(LockInHome, HoldsWhereTheRuntimeFolderIsOpenToOthers) {
     const SingleInstance instance;
     EXPECT_TRUE(instance.holds());
     EXPECT_FALSE(std::filesystem::exists(folder.path("zentaq4/zentaq4.lock")));
-    OtherProcess other(homeLock);
+    Claimant other(homeLock);
     EXPECT_TRUE(other.refused());
 }
 
 TEST_F(LockInHome, RefusesTheSecondProcessThere) {
     std::filesystem::create_directories(home.path(".local/state/zentaq4"));
-    OtherProcess first(homeLock);
+    Claimant first(homeLock);
     ASSERT_TRUE(first.claimed());
     EXPECT_TRUE(SingleInstance().anotherRuns());
 }

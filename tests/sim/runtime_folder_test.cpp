@@ -11,7 +11,6 @@ namespace zentaq {
 namespace {
 
 namespace fs = std::filesystem;
-using sim::test::ScopedVariable;
 using sim::test::TemporaryFolder;
 
 fs::path fallback() {

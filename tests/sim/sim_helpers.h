@@ -1,8 +1,6 @@
 // What the tests of the simulated unit share: bytes from text, S-records, a folder that goes away.
 #pragma once
 
-#include <stdlib.h>
-
 #include <cctype>
 #include <cstdint>
 #include <cstdio>
@@ -12,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "scoped_variable.h"
 #include "sim/simulated_unit.h"
 #include "temporary_folder.h"
 
@@ -88,32 +87,5 @@ inline std::string plainName(std::string_view model) {
     }
     return name;
 }
-
-/// Sets or, with nullptr, unsets an environment variable until it goes.
-class ScopedVariable {
- public:
-    ScopedVariable(const char* name, const char* value) : name_(name) {
-        if (const char* old = ::getenv(name)) old_ = old, had_ = true;
-        if (value != nullptr) {
-            ::setenv(name, value, 1);
-        } else {
-            ::unsetenv(name);
-        }
-    }
-    ~ScopedVariable() {
-        if (had_) {
-            ::setenv(name_, old_.c_str(), 1);
-        } else {
-            ::unsetenv(name_);
-        }
-    }
-    ScopedVariable(const ScopedVariable&) = delete;
-    ScopedVariable& operator=(const ScopedVariable&) = delete;
-
- private:
-    const char* name_;
-    std::string old_;
-    bool had_ = false;
-};
 
 }  // namespace zentaq::sim::test
