@@ -6,16 +6,10 @@
 
 #include "app/console.h"
 #include "temporary_folder.h"
+#include "testing/manual_clock.h"
 
 namespace zentaq {
 namespace {
-
-class BenchClock : public Clock {
- public:
-    std::int64_t monotonicUs() const override { return 0; }
-    std::string timeText() const override { return "12:34:56"; }
-    std::string dateText() const override { return "Saturday, 21 November 2026"; }
-};
 
 constexpr int linesBefore = 100'000;
 
@@ -24,7 +18,7 @@ void fill(Console& console) {
 }
 
 void lineOnScreen(benchmark::State& state) {
-    const BenchClock clock;
+    const ManualClock clock;
     Console console(clock);
     fill(console);
     for (auto unused : state) console.SysLog("COMM: Listening on Port #1");
@@ -32,7 +26,7 @@ void lineOnScreen(benchmark::State& state) {
 BENCHMARK(lineOnScreen)->Unit(benchmark::kMicrosecond)->Iterations(100'000);
 
 void lineInTwoHalves(benchmark::State& state) {
-    const BenchClock clock;
+    const ManualClock clock;
     Console console(clock);
     fill(console);
     const std::string text(120, 'x');
@@ -42,7 +36,7 @@ BENCHMARK(lineInTwoHalves)->Unit(benchmark::kMicrosecond)->Iterations(100'000);
 
 void lineOnScreenAndInFile(benchmark::State& state) {
     const TemporaryFolder folder;
-    const BenchClock clock;
+    const ManualClock clock;
     Console console(clock);
     console.logFile(folder.path("zentaq.log"));
     fill(console);
@@ -52,7 +46,7 @@ void lineOnScreenAndInFile(benchmark::State& state) {
 BENCHMARK(lineOnScreenAndInFile)->Unit(benchmark::kMicrosecond)->Iterations(100'000);
 
 void commLine(benchmark::State& state) {
-    const BenchClock clock;
+    const ManualClock clock;
     Console console(clock);
     for (auto unused : state) benchmark::DoNotOptimize(console.CommLog("W -> 50 bytes"));
 }

@@ -449,29 +449,23 @@ class RefusingDisk : public FileWriter {
     std::optional<FileSaved> outcome() override { return std::nullopt; }
 };
 
-TEST_F(GeneralConfigForm, ASaveThatCannotBeginLosesNothing) {
+class RefusedSave : public GeneralConfigForm {
+ protected:
+    RefusedSave() : GeneralConfigForm(&disk) {}
     RefusingDisk disk;
-    Session refused{Platform{fake.port, fake.ticker, fake.clock, fake.settings, fake.dialogs, fake.yield,
-                             fake.folder.path(), fake.folder.path(), &disk}};
-    refused.attach(fake.windows);
-    refused.makeUnits();
-    refused.database = Database::open(database);
-    refused.header().fileState = "NEW";
-    GeneralConfig onIt{refused};
-    onIt.load();
-    ASSERT_TRUE(onIt.enter("cmbORB_UNIT", "ORB A Standard"));
-    ASSERT_TRUE(onIt.enter("cmbEngine", fourCylinders));
-    ASSERT_TRUE(onIt.enter("cmbMAP", oneBar));
-    const auto before = cellsOf(refused.currentUnitObject());
+};
+
+TEST_F(RefusedSave, ThatCannotEvenBeginLosesNothing) {
+    prepare();
+    const auto before = cellsOf(unit());
     for (int attempt = 0; attempt < 2; ++attempt) {
-        fake.dialogs.files.push_back(fake.folder.path("t.ZQ4OA"));
-        EXPECT_FALSE(onIt.save());
+        EXPECT_FALSE(saveTo(fake.folder.path("t.ZQ4OA")));
         EXPECT_THAT(box().text,
                     HasSubstr("The calibration could not be saved.\nCannot begin a save: no memory"));
-        EXPECT_FALSE(refused.saving.running());
-        EXPECT_TRUE(onIt.creating());
-        EXPECT_EQ(refused.currentUnitObject().BinFile(), "");
-        EXPECT_EQ(cellsOf(refused.currentUnitObject()), before);
+        EXPECT_FALSE(session.saving.running());
+        EXPECT_TRUE(form.creating());
+        EXPECT_EQ(unit().BinFile(), "");
+        EXPECT_EQ(cellsOf(unit()), before);
     }
 }
 
@@ -586,11 +580,7 @@ TEST_F(FormerCalibration, TakesChangesOnTheFlyAgainWhenItComesBack) {
 TEST_F(FormerCalibration, TakesNoChangesOnTheFlyFromAUnitThatHasGone) {
     connect(orbaSerial, "ZQA-405099");
     prepare();
-    session.link.Send_ORB_Command("F");
-    for (int tick = 0; tick < 60'000 && session.link.linked().LinkedUnitKind != 0; ++tick) {
-        session.link.tick();
-    }
-    ASSERT_EQ(session.link.linked().LinkedUnitKind, 0) << "the unit does not answer any more";
+    loseUnit();
     form.unload();
     EXPECT_FALSE(unit().ONFLY_MODE());
     EXPECT_EQ(cellsOf(unit()), cells);
@@ -614,8 +604,8 @@ class RecordKeepingSession : public GeneralConfigForm {
     /// The records that were handed to the link, by what the ring writes.
     std::string written() {
         for (int i = 0; i < 40; ++i) {
-            session.link.tick();
-            fake.port.deliver({'A', 'R'});
+            ticks(1);
+            fake.port.deliver("AR");
         }
         std::string all;
         for (const std::string& text : fake.port.written) all += text;
@@ -802,23 +792,16 @@ TEST_F(GeneralConfigForm, AFormThatIsClosedUnderItsFileDialogStoresNothing) {
     const std::string before = TemporaryFolder::read(former);
     form.unload();
     prepare("ORB L", fourCylinders);
-    const auto cells = [&] {
-        std::vector<float> all;
-        for (int cell = 0; cell < 2000; ++cell) all.push_back(session.Units(3).DirectIndex(cell));
-        return all;
-    };
     std::vector<float> inHand;
-    fake.dialogs.meanwhile = [&](const std::string& title) {
-        if (!title.empty()) return;
+    during("", [&] {
         form.unload();  // gives the former calibration back
-        inHand = cells();
-    };
+        inHand = cellsOf(session.Units(3));
+    });
     EXPECT_FALSE(saveTo(fake.folder.path("next.ZQ4OL")));
-    fake.dialogs.meanwhile = {};
     EXPECT_FALSE(std::filesystem::exists(fake.folder.path("next.ZQ4OL")));
     EXPECT_EQ(session.CurrentFile, former);
     EXPECT_EQ(unit().BinFile(), former);
-    EXPECT_EQ(cells(), inHand);
+    EXPECT_EQ(cellsOf(session.Units(3)), inHand);
     EXPECT_EQ(TemporaryFolder::read(former), before);
 }
 

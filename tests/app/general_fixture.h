@@ -15,7 +15,7 @@ class GeneralConfigForm : public ProgramTest {
     static constexpr const char* fourCylinders = "4 Cylinder Coil per Plug, Sequential Injection";
     static constexpr const char* oneBar = "1 BAR (10-105 kPa)";
 
-    GeneralConfigForm() {
+    explicit GeneralConfigForm(FileWriter* disk = nullptr) : ProgramTest(disk) {
         session.makeUnits();
         for (const int slot : {3, 4, 5, 6, 7, 8}) {
             session.FW_ReleaseTable[static_cast<std::size_t>(slot)] = unitKindOfSlot(slot)->defaultRelease;

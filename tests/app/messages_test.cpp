@@ -13,6 +13,13 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
+/// What the user reads and what stays of it.
+struct Told {
+    int code;
+    const char *title, *text;
+    const char* logLine = nullptr;
+};
+
 class MessagesTest : public ::testing::Test {
  protected:
     ScriptedDialogs dialogs;
@@ -36,15 +43,12 @@ class MessagesTest : public ::testing::Test {
         messages.onMark([this](std::string_view mark) { marks.emplace_back(mark); });
     }
     const Box& box() const { return dialogs.boxes.back(); }
-};
-
-/// What the user reads and what stays of it.
-struct Told {
-    int code;
-    const char* title;
-    const char* text;
-    const char* logLine;  ///< nullptr: none
-    Icon icon;
+    void expectBox(const Told& told, Icon icon) {
+        EXPECT_EQ(box().title, told.title) << told.code;
+        EXPECT_EQ(box().text, told.text) << told.code;
+        EXPECT_EQ(box().icon, icon) << told.code;
+        EXPECT_EQ(box().buttons, Buttons::Ok) << told.code;
+    }
 };
 
 constexpr const char* inputError = "Data Input Error";
@@ -52,21 +56,21 @@ constexpr const char* inputError = "Data Input Error";
 /// The callers' text is "(2 to 100 units)".
 const Told warningRows[] = {
     {1000, inputError, "Warning 1000: Data Input Error\nNon-numeric value detected.\n(2 to 100 units)",
-     "Warning 1000: Data Input Error / Non-numeric value", Icon::Exclamation},
+     "Warning 1000: Data Input Error / Non-numeric value"},
     {1001, inputError, "Warning 1001: Data Input Error\n(2 to 100 units) - Invalid Entry.",
-     "Warning 1001: Data Input Error", Icon::Exclamation},
+     "Warning 1001: Data Input Error"},
     {1002, inputError, "Warning 1002: Data Input Error\nEnter Whole Numbers Only",
-     "Warning 1002: Data Input Error / Non Whole Number", Icon::Exclamation},
-    {1003, "Warning", "(2 to 100 units)", "Warning 1003: (2 to 100 units)", Icon::Exclamation},
+     "Warning 1002: Data Input Error / Non Whole Number"},
+    {1003, "Warning", "(2 to 100 units)", "Warning 1003: (2 to 100 units)"},
     {1004, inputError,
      "Warning 1004: Data Input Error\nThe information you have entered is invalid; please try again.",
-     "Warning 1004: Invalid Information Provided", Icon::Exclamation},
+     "Warning 1004: Invalid Information Provided"},
     {1005, inputError, "Warning 1005: Data Input Error\nField CANNOT be NULL; please try again.",
-     "Warning 1005: NULL Value Entered", Icon::Exclamation},
+     "Warning 1005: NULL Value Entered"},
     {1007, "Warning 1007",
      "Warning 1007:\nOlder ORB Unit firmware detected. The firmware may need to be upgraded for the unit to "
      "work properly with the new software.",
-     "Warning 1007: ORB Unit needs Firmware Upgrade.", Icon::Exclamation},
+     "Warning 1007: ORB Unit needs Firmware Upgrade."},
 };
 
 TEST_F(MessagesTest, EveryWarningHasItsTitleTextIconAndLogLine) {
@@ -74,10 +78,7 @@ TEST_F(MessagesTest, EveryWarningHasItsTitleTextIconAndLogLine) {
         SCOPED_TRACE(row.code);
         log.clear();
         messages.Display_Warning(row.code, "(2 to 100 units)");
-        EXPECT_EQ(box().title, row.title);
-        EXPECT_EQ(box().text, row.text);
-        EXPECT_EQ(box().icon, row.icon);
-        EXPECT_EQ(box().buttons, Buttons::Ok);
+        expectBox(row, Icon::Exclamation);
         EXPECT_THAT(log, ElementsAre(row.logLine));
     }
     EXPECT_EQ(dialogs.boxes.size(), 7u);
@@ -124,99 +125,78 @@ TEST_F(MessagesTest, CodesOutsideTheTablesShowAndLogNothing) {
 }
 
 TEST_F(MessagesTest, EveryErrorHasItsTextAndLogLine) {
-    struct Row {
-        int code;
-        const char *text, *logLine;
-    };
-    const Row rows[] = {
-        {1000, "This form cannot be printed.\nCheck Printer Setup and try again.",
+    const Told rows[] = {
+        {1000, "Error 1000", "Error 1000:\nThis form cannot be printed.\nCheck Printer Setup and try again.",
          "Error 1000: Form Cannot Be Printed"},
-        {1001, "Port is already in use by another process.",
+        {1001, "Error 1001", "Error 1001:\nPort is already in use by another process.",
          "Error 1001: Port is in use by another process."},
-        {1002, "Not a valid BIN file!\nPlease choose another file and try again.",
+        {1002, "Error 1002", "Error 1002:\nNot a valid BIN file!\nPlease choose another file and try again.",
          "Error 1002: Invalid BIN File!"},
-        {1003,
-         "You must have an open/active bin file before accessing this functionality\nPlease choose another "
-         "file or create one and try again.",
+        {1003, "Error 1003",
+         "Error 1003:\nYou must have an open/active bin file before accessing this functionality\n"
+         "Please choose another file or create one and try again.",
          "Error 1003: No Open BIN File."},
-        {1004,
-         "No ORB Unit has been associated to this Bin File.\nPlease choose the ORB Unit from the List on the "
-         "General Config Screen before continuing!",
+        {1004, "Error 1004",
+         "Error 1004:\nNo ORB Unit has been associated to this Bin File.\n"
+         "Please choose the ORB Unit from the List on the General Config Screen before continuing!",
          "Error 1004: No ORB Unit associated to selected BIN File."},
-        {1005,
-         "No ORB Unit is Connected to the System!\nPlease check to make sure your ORB unit is powered on and "
-         "connected to the system.",
+        {1005, "Error 1005",
+         "Error 1005:\nNo ORB Unit is Connected to the System!\n"
+         "Please check to make sure your ORB unit is powered on and connected to the system.",
          "Error 1005: Attempted Communication, No ORB Unit Found."},
-        {1006,
-         "Incorrect ORB Unit is Connected to the System!\nPlease connect a unit of the proper type or open "
-         "an "
-         "apprpriate file.",
+        {1006, "Error 1006",
+         "Error 1006:\nIncorrect ORB Unit is Connected to the System!\n"
+         "Please connect a unit of the proper type or open an apprpriate file.",
          "Error 1006: Attempted Communication, Incorrect ORB Unit Found."},
-        {1007, "No MAP sensor calibration selected.\nPlease choose a MAP sensor from the drop down below.",
+        {1007, "Error 1007",
+         "Error 1007:\nNo MAP sensor calibration selected.\n"
+         "Please choose a MAP sensor from the drop down below.",
          "Error 1007: No MAP sensor calibration selected."},
     };
-    for (const Row& row : rows) {
+    for (const Told& row : rows) {
         log.clear();
         messages.Display_Error(row.code);
-        const std::string number = "Error " + std::to_string(row.code);
-        EXPECT_EQ(box().title, number);
-        EXPECT_EQ(box().text, number + ":\n" + row.text);
-        EXPECT_EQ(box().icon, Icon::Critical);
-        EXPECT_EQ(box().buttons, Buttons::Ok);
+        expectBox(row, Icon::Critical);
         EXPECT_THAT(log, ElementsAre(row.logLine));
     }
 }
 
 TEST_F(MessagesTest, EveryMessageHasItsTitleTextAndIcon) {
-    struct Row {
-        int code;
-        const char *title, *text;
-        Icon icon;
+    const auto expectTold = [this](Icon icon, std::initializer_list<Told> rows) {
+        for (const Told& row : rows) {
+            messages.Display_Message(row.code);
+            expectBox(row, icon);
+        }
     };
-    const Row rows[] = {
-        {1001, "Data Saved.", "Data has been saved Successfully!", Icon::Information},
-        {1002, "Complete!",
-         "You have successfully programmed your ORB unit.\nPlease cycle the power on the unit before "
-         "continuing.",
-         Icon::Information},
-        {1003, "Failed",
-         "The BIN program operation failed.\nPlease verify that the ORB has power, the engine is off and try "
-         "again.\nThe previous BIN file is still loaded.",
-         Icon::Exclamation},
-        {1004, "Failed",
-         "The firmware upgrade operation failed.\nPlease verify that the ORB has power and try again.\nThere "
-         "is now "
-         "no firmware installed on this unit, the upgrade must be completed successfully before the unit "
-         "will "
-         "function.",
-         Icon::Exclamation},
-        {1005, "Failed",
-         "The firmware upgrade operation failed.\nPlease verify that the ORB is in the upgrade mode then try "
-         "again.\nThe previous version of the firmware is still intact.",
-         Icon::Exclamation},
-        {1006, "Complete!", "The datalog has been successfully downloaded.", Icon::Information},
-        {1007, "Failed",
-         "The unit either has no datalog data is currently datalogging\nMake sure you datalog switch is OFF "
-         "and try "
-         "again.",
-         Icon::Exclamation},
-        {1008, "Complete!",
-         "The BIN file MUST be loaded before starting your engine.\nThe unit may operate upredictably until "
-         "the BIN "
-         "file is loaded.",
-         Icon::Information},
-        {1009, "Failed",
-         "This unit will no longer communicate.\nThe firmware upgrade operation failed.\nPlease contact "
-         "Norvalia for "
-         "repairs.",
-         Icon::Exclamation},
-    };
-    for (const Row& row : rows) {
-        messages.Display_Message(row.code);
-        EXPECT_EQ(box().title, row.title);
-        EXPECT_EQ(box().text, row.text);
-        EXPECT_EQ(box().icon, row.icon);
-    }
+    expectTold(Icon::Information, {{1001, "Data Saved.", "Data has been saved Successfully!"},
+                                   {1002, "Complete!",
+                                    "You have successfully programmed your ORB unit.\n"
+                                    "Please cycle the power on the unit before continuing."},
+                                   {1006, "Complete!", "The datalog has been successfully downloaded."},
+                                   {1008, "Complete!",
+                                    "The BIN file MUST be loaded before starting your engine.\n"
+                                    "The unit may operate upredictably until the BIN file is loaded."}});
+    expectTold(
+        Icon::Exclamation,
+        {{1003, "Failed",
+          "The BIN program operation failed.\n"
+          "Please verify that the ORB has power, the engine is off and try again.\n"
+          "The previous BIN file is still loaded."},
+         {1004, "Failed",
+          "The firmware upgrade operation failed.\n"
+          "Please verify that the ORB has power and try again.\n"
+          "There is now no firmware installed on this unit, the upgrade must be completed successfully "
+          "before the unit will function."},
+         {1005, "Failed",
+          "The firmware upgrade operation failed.\n"
+          "Please verify that the ORB is in the upgrade mode then try again.\n"
+          "The previous version of the firmware is still intact."},
+         {1007, "Failed",
+          "The unit either has no datalog data is currently datalogging\n"
+          "Make sure you datalog switch is OFF and try again."},
+         {1009, "Failed",
+          "This unit will no longer communicate.\nThe firmware upgrade operation failed.\n"
+          "Please contact Norvalia for repairs."}});
     EXPECT_THAT(log, IsEmpty());
 }
 

@@ -68,12 +68,33 @@ TEST_F(GuideMaker, TheIndexHasTheTextOfParagraphsAndTableRows) {
     EXPECT_THAT(guide.find("fuel#warm-up-fuel")->blocks, ElementsAre("A - B", "<1> - two"));
 }
 
-TEST_F(GuideMaker, ALinkToAMissingChapterStopsTheBuildWithFileAndLine) {
-    page("fuel", "# Fuel\n\nSee [idle](idle.md).\n");
+struct Mistake {
+    const char *name, *chapter, *text, *told;
+};
+
+class GuideMistake : public GuideMaker, public ::testing::WithParamInterface<Mistake> {};
+
+TEST_P(GuideMistake, StopsTheBuildAndIsToldWithItsFile) {
+    page(GetParam().chapter, GetParam().text);
     EXPECT_EQ(make(), 1);
-    EXPECT_THAT(error, HasSubstr("in/fuel.md:3: dead link idle.md"));
+    EXPECT_THAT(error, HasSubstr(GetParam().told));
     EXPECT_FALSE(std::filesystem::exists(folder.path("out")));
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    GuideMaker, GuideMistake,
+    ::testing::Values(Mistake{"ALinkToAMissingChapter", "fuel", "# Fuel\n\nSee [idle](idle.md).\n",
+                              "in/fuel.md:3: dead link idle.md"},
+                      Mistake{"APictureThatIsNoPage", "fuel", "# Fuel\n\n![a picture](fuel.png)\n",
+                              "in/fuel.md:3: dead link fuel.png"},
+                      Mistake{"AChapterThatTheContentsDoNotName", "lost", "# Lost\n",
+                              "in/lost.md:1: the page of contents does not link this chapter"},
+                      Mistake{"HeadingsOfOneName", "fuel", "# Fuel\n\n## Start\n\n## Start!\n",
+                              "the heading \"Start!\" stands twice"},
+                      Mistake{"ASecondTitle", "fuel", "# Fuel\n\n# More\n",
+                              "the one title of a page stands at its head"},
+                      Mistake{"NoTitle", "fuel", "no title\n", "the page does not begin with its title"}),
+    [](const auto& test) { return std::string(test.param.name); });
 
 TEST_F(GuideMaker, ALinkToAMissingHeadingIsDead) {
     page("index", "# Contents\n\n[Fuel](fuel.md#warm-up-fuel), [here](#nowhere), [Cold](fuel.md#cold)\n");
@@ -83,33 +104,9 @@ TEST_F(GuideMaker, ALinkToAMissingHeadingIsDead) {
     EXPECT_THAT(error, ::testing::Not(HasSubstr("warm-up-fuel")));
 }
 
-TEST_F(GuideMaker, APictureThatIsNoPageIsDead) {
-    page("fuel", "# Fuel\n\n![a picture](fuel.png)\n");
-    EXPECT_EQ(make(), 1);
-    EXPECT_THAT(error, HasSubstr("in/fuel.md:3: dead link fuel.png"));
-}
-
 TEST_F(GuideMaker, AnAddressOfTheNetIsNotLookedUp) {
     page("fuel", "# Fuel\n\n[Net](https://example.invalid/x)\n");
     EXPECT_EQ(make(), 0) << error;
-}
-
-TEST_F(GuideMaker, AChapterThatTheContentsDoNotNameStopsTheBuild) {
-    page("lost", "# Lost\n");
-    EXPECT_EQ(make(), 1);
-    EXPECT_THAT(error, HasSubstr("in/lost.md:1: the page of contents does not link this chapter"));
-}
-
-TEST_F(GuideMaker, HeadingsOfOneNameOrASecondTitleStopTheBuild) {
-    page("fuel", "# Fuel\n\n## Start\n\n## Start!\n");
-    EXPECT_EQ(make(), 1);
-    EXPECT_THAT(error, HasSubstr("the heading \"Start!\" stands twice"));
-    page("fuel", "# Fuel\n\n# More\n");
-    EXPECT_EQ(make(), 1);
-    EXPECT_THAT(error, HasSubstr("the one title of a page stands at its head"));
-    page("fuel", "no title\n");
-    EXPECT_EQ(make(), 1);
-    EXPECT_THAT(error, HasSubstr("the page does not begin with its title"));
 }
 
 TEST_F(GuideMaker, WithoutContentsThereIsNoGuide) {
