@@ -4,7 +4,6 @@
 #include <ostream>
 #include <utility>
 
-#include "base/errors.h"
 #include "live/datalog_writer.h"
 
 namespace zentaq {

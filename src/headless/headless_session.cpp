@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "base/errors.h"
 #include "link/link_commands.h"
 #include "link/reply_decoding.h"
 #include "unit/unit_kind.h"

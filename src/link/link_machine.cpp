@@ -1,6 +1,5 @@
 // The tick machine: one command in flight, every time-out a count of ticks.
 // A failing statement of a tick is skipped.
-#include <utility>
 
 #include "base/errors.h"
 #include "base/rounding.h"

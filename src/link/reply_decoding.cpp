@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <tuple>
-#include <utility>
 
 #include "base/errors.h"
 #include "base/number_text.h"

@@ -1,7 +1,6 @@
 #include "sim/adapter.h"
 
 #include <iterator>
-#include <utility>
 
 namespace zentaq::sim {
 

@@ -1,7 +1,6 @@
 #include "sim/engine_calibration.h"
 
 #include <algorithm>
-#include <cmath>
 
 #include "base/battery_input.h"
 #include "base/errors.h"

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 #include "sim/engine_curve.h"
 #include "sim/plain_engine.h"

@@ -4,8 +4,6 @@
 
 #include <gmock/gmock.h>
 
-#include <fstream>
-
 #include "base/errors.h"
 #include "headless/headless_bench.h"
 

@@ -9,7 +9,6 @@ namespace zentaq {
 namespace {
 
 using testing::Contains;
-using testing::HasSubstr;
 
 /// A narrow frame of ORB A: 35 bytes without head and sum, speed in the first two.
 std::string narrowFrame(int rpm) {

@@ -1,7 +1,6 @@
 // A program around the link, for tests: it owns the units and keeps every call in one ordered list.
 #pragma once
 
-#include <array>
 #include <functional>
 #include <map>
 #include <memory>

@@ -1,5 +1,4 @@
 // How a transfer ends, as a type and in numbers; the words for it are tested with each kind of transfer.
-#include <gmock/gmock.h>
 
 #include "link/link_bench.h"
 

@@ -1,8 +1,6 @@
 // What the program reads out of the frames of each simulated kind: the engine's own values.
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "link/recording_link_host.h"
 #include "link/reply_decoding.h"
 #include "live/frame_decoder.h"

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "base/errors.h"
 #include "engine_helpers.h"
 #include "sim/map_sensor.h"
 #include "sim/plain_engine.h"

@@ -5,7 +5,7 @@
 #include <QApplication>
 #include <QProcess>
 #include <QTimer>
-#include <map>
+#include <memory>
 #include <string>
 
 #include "system/flight_rig.h"

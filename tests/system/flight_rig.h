@@ -6,7 +6,6 @@
 #include <QDeadlineTimer>
 #include <QProcess>
 #include <QTimer>
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
