@@ -80,6 +80,10 @@ enum class CellRole : std::uint8_t {
     Notes,         ///< `element` 0 to 499
 };
 
+/// The parts of a cell that holds two numbers of four bits.
+inline constexpr int highNibble = 0xF0;
+inline constexpr int lowNibble = 0x0F;
+
 struct CellPlace {
     CellRole role = CellRole::Loose;
     int number = 0;
@@ -87,6 +91,7 @@ struct CellPlace {
     const Parameter* row = nullptr;
 
     bool isTable() const;
+    bool isSentTrim() const { return role == CellRole::FuelTrimSent || role == CellRole::TrimSent; }
 };
 
 /// What the cells of a kind stand for. Each has one meaning; a member that shares the cell of another, or

@@ -12,9 +12,6 @@ namespace zentaq {
 
 namespace {
 
-constexpr int highNibble = 240;
-constexpr int lowNibble = 15;
-
 DifferenceIn partOf(const CellPlace& place) {
     if (place.isTable()) return DifferenceIn::Table;
     switch (place.role) {
@@ -38,10 +35,6 @@ DifferenceIn partOf(const CellPlace& place) {
         default:
             return DifferenceIn::Value;
     }
-}
-
-bool isSentTrim(const CellPlace& place) {
-    return place.role == CellRole::FuelTrimSent || place.role == CellRole::TrimSent;
 }
 
 /// One file with what its cells stand for.
@@ -170,7 +163,7 @@ class Comparison {
 
     /// A cell without a member means nothing on another kind; trims as sent follow from the user's.
     static bool comparesAcrossKinds(const CellPlace& place) {
-        return place.role != CellRole::Loose && !isSentTrim(place);
+        return place.role != CellRole::Loose && !place.isSentTrim();
     }
 
     std::optional<int> cellOfSecond(int cell) const {
@@ -184,7 +177,7 @@ class Comparison {
         const CellPlace& place = a_.cells.place(cell);
         if (place.role == CellRole::Name || place.role == CellRole::Notes) return;
         if (cell == a_.cells.sharedNoteCell() && sharedIsNote_) return;
-        if (isSentTrim(place) && trimsDiffer_) return;  // they follow from those listed already
+        if (place.isSentTrim() && trimsDiffer_) return;  // they follow from those listed already
         if (isRating(place, cell)) return compareRating(cell, other);
         const CellBits first = a_.at(cell);
         const CellBits second = b_.at(other);
@@ -206,7 +199,7 @@ class Comparison {
             add(partOf(place), a_.cells.memberOf(place), std::move(shown.first), std::move(shown.second));
         difference.element = a_.cells.elementOf(cell);
         difference.place = placeText(place, b_.cells.place(other));
-        difference.information = isSentTrim(place);
+        difference.information = place.isSentTrim();
         giveUnits(difference, a_.view.unitOf(place), b_.view.unitOf(b_.cells.place(other)));
     }
 

@@ -21,7 +21,7 @@ std::vector<Part> keyedPartsOf(const CalibrationCells& cells, int cell, const Un
     const CellPlace& place = cells.place(cell);
     if (place.role == CellRole::Cylinders) {
         const bool hasEvents = kind->members->find("INJ_Events") != nullptr;
-        return {{"CYL_Number", 0xF0}, {hasEvents ? "INJ_Events" : "CYL_Number.low", 0x0F}};
+        return {{"CYL_Number", highNibble}, {hasEvents ? "INJ_Events" : "CYL_Number.low", lowNibble}};
     }
     if (place.role != CellRole::ControlByte) return {};
     std::vector<Part> parts;

@@ -16,8 +16,6 @@ namespace zentaq {
 namespace {
 
 constexpr int wholeCell = 256;
-constexpr int highNibble = 240;
-constexpr int lowNibble = 15;
 constexpr int controlBytes = 3;
 
 /// A cell, or the bits of one that holds a byte.
@@ -273,9 +271,7 @@ class Merger {
 
     void mergeCell(int cell) {
         const Taken taken = takenOf(base_.cell(cell), first_.cell(cell), second_.cell(cell));
-        const CellRole role = cells_.place(cell).role;
-        const bool sent = role == CellRole::FuelTrimSent || role == CellRole::TrimSent;
-        if (taken == Taken::Conflict && sent) {
+        if (taken == Taken::Conflict && cells_.place(cell).isSentTrim()) {
             trimsCollide_ = true;  // they follow from the user's trims
             return;
         }
@@ -317,9 +313,7 @@ class Merger {
         // A cylinder count that is no number makes no trims; no unit can be programmed from such a file.
         if (!skipFailing([&] { view.unit().Initialize_Trims(); })) return;
         for (const int cell : cells_.order()) {
-            const CellRole role = cells_.place(cell).role;
-            if (cell >= merged_.count()) continue;
-            if (role != CellRole::FuelTrimSent && role != CellRole::TrimSent) continue;
+            if (cell >= merged_.count() || !cells_.place(cell).isSentTrim()) continue;
             merged_.cells[static_cast<std::size_t>(cell)] = bitsOf(view.unit().DirectIndex(cell));
         }
     }

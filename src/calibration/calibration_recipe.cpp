@@ -1,6 +1,5 @@
 #include "calibration/calibration_recipe.h"
 
-#include <array>
 #include <sstream>
 
 #include "base/number_text.h"
@@ -29,18 +28,6 @@ Parts partsOf(std::string_view line) {
     if (end == std::string_view::npos) return {std::string(line), {}};
     return {std::string(line.substr(0, end)), std::string(trimmed(line.substr(end)))};
 }
-
-struct FigureField {
-    std::string_view key;
-    float EngineFigures::*field;
-};
-constexpr std::array<FigureField, 7> figureFields = {{{"REV_Limiter", &EngineFigures::revLimit},
-                                                      {"scale1", &EngineFigures::fullScalePulse},
-                                                      {"INJ_On", &EngineFigures::openingTime},
-                                                      {"INJ_Number", &EngineFigures::injectors},
-                                                      {"MAX_Boost", &EngineFigures::maxBoost},
-                                                      {"BHP", &EngineFigures::horsePower},
-                                                      {"INJ_FlowRate", &EngineFigures::injectorFlow}}};
 
 class Parser {
  public:
@@ -82,9 +69,9 @@ class Parser {
     }
 
     bool takeFigure(const Parts& parts) {
-        for (const FigureField& figure : figureFields) {
-            if (figure.key != parts.key) continue;
-            recipe_.figures.*figure.field = static_cast<float>(numberIn(parts.rest));
+        for (const EngineFigure& figure : engineFigures) {
+            if (figure.member != parts.key || figure.number == nullptr) continue;
+            recipe_.figures.*figure.number = static_cast<float>(numberIn(parts.rest));
             return true;
         }
         return false;

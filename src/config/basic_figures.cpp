@@ -111,16 +111,15 @@ SizingInput sizingInput(Unit& unit) {
 }
 
 EngineFigures figuresOf(Unit& unit) {
-    return {.revLimit = unit.get("REV_Limiter"),
-            .fullScalePulse = unit.get("scale1"),
-            .openingTime = unit.get("INJ_On"),
-            .injectors = unit.get("INJ_Number"),
-            .maxBoost = enteredBoost(unit),
-            .horsePower = unit.get("BHP"),
-            .injectorFlow = unit.get("INJ_FlowRate"),
-            .raceCam = unit.get("CAMSTL") != 0,
-            .alcohol = unit.get("Alcohol") != 0,
-            .fourAmpPeak = unit.get("AMP42") != 0};
+    EngineFigures figures;
+    for (const auto& [member, number, flag] : engineFigures) {
+        if (number != nullptr) {
+            figures.*number = member == "MAX_Boost" ? enteredBoost(unit) : unit.get(member);
+        } else {
+            figures.*flag = unit.get(member) != 0;
+        }
+    }
+    return figures;
 }
 
 Limits figureLimits(Unit& unit, std::string_view member) {

@@ -1,13 +1,13 @@
 #include "config/display.h"
 
 #include <algorithm>
-#include <array>
 #include <optional>
 
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "base/text.h"
+#include "base/utf8.h"
 #include "config/gui_rules.h"
 #include "config/shown_value.h"
 #include "unit/temperature.h"
@@ -182,9 +182,8 @@ Display displayOfPage(Unit& unit, int page) {
 }
 
 std::string notesCounter(std::string_view notes) {
-    const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; };
-    const auto characters = std::ranges::count_if(notes, [&](char c) { return !continues(c); });
-    return "(" + numberText(static_cast<int>(characters)) + " of " + numberText(notesLength) + " characters)";
+    return "(" + numberText(static_cast<int>(characterCount(notes))) + " of " + numberText(notesLength) +
+           " characters)";
 }
 
 std::string fieldEntry(const Unit& unit, const FieldRow& row, std::string_view shown) {

@@ -1,7 +1,6 @@
 #include "config/new_calibration.h"
 
 #include <algorithm>
-#include <array>
 #include <string_view>
 #include <utility>
 
@@ -55,9 +54,6 @@ constexpr Load scalarsBehindBits[] = {"opt_IdleSpeed", "Reset_Duty", "IAC_Start"
                                       "ISRPM",         "MinDuty",    "MaxDuty",   {"MAP_Default", Holds::Kpa},
                                       "BARO_ADV",      "FuelTrim",   "INJTRIM"};
 
-/// Entered, or offered by startingFigures.
-constexpr std::array<std::string_view, 4> figureSets{"REV_Limiter", "scale1", "INJ_On", "INJ_Number"};
-
 /// Fills members one by one and remembers who refused. On-the-fly changes rest meanwhile.
 class Filler {
  public:
@@ -100,16 +96,9 @@ class Filler {
 };
 
 void putFigures(Filler& filler, const EngineFigures& figures) {
-    filler.put("REV_Limiter", figures.revLimit);
-    filler.put("scale1", figures.fullScalePulse);
-    filler.put("INJ_On", figures.openingTime);
-    filler.put("INJ_Number", figures.injectors);
-    filler.put("CAMSTL", figures.raceCam ? 1 : 0);
-    filler.put("MAX_Boost", figures.maxBoost);
-    filler.put("AMP42", figures.fourAmpPeak ? 1 : 0);
-    filler.put("BHP", figures.horsePower);
-    filler.put("Alcohol", figures.alcohol ? 1 : 0);
-    filler.put("INJ_FlowRate", figures.injectorFlow);
+    for (const auto& [member, number, flag] : engineFigures) {
+        filler.put(member, number != nullptr ? figures.*number : figures.*flag ? 1 : 0);
+    }
 }
 
 void putCurves(Filler& filler, const KindDefaults& defaults, bool raceCam) {
@@ -188,9 +177,10 @@ void putPins(Unit& unit, const KindDefaults& defaults) {
 void putNumbers(Filler& filler, const KindDefaults& defaults) {
     for (const refdata::DefaultsSet& set : refdata::defaultsSets()) {
         const auto bears = [&](const Load& load) { return load.set == set.name; };
-        const bool loaded = std::ranges::any_of(scalars, bears) ||
-                            std::ranges::any_of(scalarsBehindBits, bears) ||
-                            std::ranges::find(figureSets, set.name) != figureSets.end();
+        const bool entered = std::ranges::find(startingEngineFigures, set.name, &EngineFigure::member) !=
+                             startingEngineFigures.end();
+        const bool loaded =
+            entered || std::ranges::any_of(scalars, bears) || std::ranges::any_of(scalarsBehindBits, bears);
         if (set.count == 1 && !loaded) filler.put(defaults, Load(set.name));
     }
 }
@@ -215,19 +205,7 @@ RefusedMembers chooseEngine(Unit& unit, const EngineRow& engine) {
     Filler filler(unit);
     // First of all: the limits of the tooth offsets are those of this option.
     filler.put("Option_Type", engine.optType);
-    filler.put("IGN_REV", engine.ignRev);
-    filler.put("P1EGTP", engine.p1EgTp);
-    filler.put("P2EGTP", engine.p2EgTp);
-    filler.put("CYL_Number", engine.cylinders);
-    filler.put("Engine_Type", engine.engType);
-    filler.put("TOOTHMAX", engine.maxOffset);
-    filler.put("TOOTHMIN", engine.minOffset);
-    filler.put("TOFFSET1", engine.offsetA);
-    filler.put("TOFFSET2", engine.offsetB);
-    filler.put("INJ_Events", engine.injEvents);
-    filler.put("INJ_Mode", engine.injMode);
-    filler.put("PHDSEQ", engine.phdSeq);
-    filler.put("INJ_Reset", engine.injReset);
+    for (const EngineNumber& each : engineNumbers) filler.put(each.member, engine.*each.field);
     for (std::size_t i = 0; i < engine.injTbl.size(); ++i) {
         filler.put("INJTBL", engine.injTbl[i], static_cast<int>(i));
     }
@@ -251,10 +229,8 @@ RefusedMembers chooseSensor(Unit& unit, const MapSensorRow& sensor) {
 EngineFigures startingFigures(const Database& database, const UnitKind& kind) {
     const KindDefaults defaults(database, kind);
     EngineFigures figures;
-    figures.revLimit = defaults.of("REV_Limiter", 1).front();
-    figures.fullScalePulse = defaults.of("scale1", 1).front();
-    figures.openingTime = defaults.of("INJ_On", 1).front();
-    figures.injectors = defaults.of("INJ_Number", 1).front();
+    for (const EngineFigure& each : startingEngineFigures)
+        figures.*each.number = defaults.of(each.member, 1).front();
     return figures;
 }
 

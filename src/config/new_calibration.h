@@ -2,7 +2,10 @@
 // tuner enters, and the default values of the reference database, in the order that the members depend on.
 #pragma once
 
+#include <array>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "refdata/database.h"
@@ -25,6 +28,25 @@ struct EngineFigures {
     int rows = 16;             ///< of all tables, 8 to 16 of the cells that a table holds are used
     int columns = 16;
 };
+
+/// A figure and its member, in the order that their limits need; the first four have defaults of their own.
+struct EngineFigure {
+    std::string_view member;
+    float EngineFigures::*number = nullptr;
+    bool EngineFigures::*flag = nullptr;
+};
+inline constexpr std::array<EngineFigure, 10> engineFigures = {
+    {{"REV_Limiter", &EngineFigures::revLimit},
+     {"scale1", &EngineFigures::fullScalePulse},
+     {"INJ_On", &EngineFigures::openingTime},
+     {"INJ_Number", &EngineFigures::injectors},
+     {"CAMSTL", nullptr, &EngineFigures::raceCam},
+     {"MAX_Boost", &EngineFigures::maxBoost},
+     {"AMP42", nullptr, &EngineFigures::fourAmpPeak},
+     {"BHP", &EngineFigures::horsePower},
+     {"Alcohol", nullptr, &EngineFigures::alcohol},
+     {"INJ_FlowRate", &EngineFigures::injectorFlow}}};
+inline constexpr std::span startingEngineFigures = std::span(engineFigures).first<4>();
 
 /// The members that did not take their value; empty when all was taken. A refusal stops nothing.
 struct RefusedMember {

@@ -1,5 +1,7 @@
 #include "config/shown_value.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 
 #include "base/battery_input.h"
@@ -29,9 +31,25 @@ std::string temperatureAt(const Unit& unit, int element, int count) {
     return numberText(unit.host().fahrenheit() ? toFahrenheit(celsius) : celsius);
 }
 
-/// A cell of the curve's axis that is a member of its own.
-std::string memberAt(Unit& unit, std::string_view member, int element) {
-    return shownValue(unit, *unit.find(member), {}, element);
+constexpr std::string_view degrees = "degrees";  ///< of the user's scale
+
+struct AxisRow {
+    FieldAxis axis;
+    std::string_view unit{};
+    std::string_view member{};  ///< whose cells the stops are
+};
+constexpr std::array axisRows = {AxisRow{FieldAxis::None},
+                                 AxisRow{FieldAxis::Number},
+                                 AxisRow{FieldAxis::Temperature, degrees},
+                                 AxisRow{FieldAxis::AirTemperature, degrees},
+                                 AxisRow{FieldAxis::BatteryVolts, "V"},
+                                 AxisRow{FieldAxis::Speed, "RPM", "RPMTBL"},
+                                 AxisRow{FieldAxis::BlendSpeed, "RPM", "BLDTBL"},
+                                 AxisRow{FieldAxis::IdleTemperature, degrees, "ISTMP"},
+                                 AxisRow{FieldAxis::SensorVolts, "V", "X"}};
+
+const AxisRow& rowOf(FieldAxis axis) {
+    return *std::ranges::find(axisRows, axis, &AxisRow::axis);
 }
 
 }  // namespace
@@ -58,49 +76,24 @@ std::string shownRange(Unit& unit, const Parameter& parameter, int element) {
 }
 
 std::string shownStop(Unit& unit, FieldAxis axis, int element, int count) {
-    switch (axis) {
-        case FieldAxis::None:
-            return {};
-        case FieldAxis::Number:
-            return numberText(element + 1);
-        case FieldAxis::Temperature:
-            return temperatureAt(unit, element, count);
-        case FieldAxis::AirTemperature:
-            if (unit.kind().retardInputVolts == 0) return temperatureAt(unit, element, count);
-            return formatNumber(spread(0, unit.kind().retardInputVolts, element, count), "0.00");
-        case FieldAxis::BatteryVolts:
-            return formatNumber(batteryinput::stop(unit.kind().batteryVoltsPerCount, element, count), "#0.0");
-        case FieldAxis::Speed:
-            return memberAt(unit, "RPMTBL", element);
-        case FieldAxis::BlendSpeed:
-            return memberAt(unit, "BLDTBL", element);
-        case FieldAxis::IdleTemperature:
-            return memberAt(unit, "ISTMP", element);
-        case FieldAxis::SensorVolts:
-            return memberAt(unit, "X", element);
+    const UnitKind& kind = unit.kind();
+    const AxisRow& row = rowOf(axis);
+    if (!row.member.empty()) return shownValue(unit, *unit.find(row.member), {}, element);
+    if (axis == FieldAxis::Number) return numberText(element + 1);
+    if (axis == FieldAxis::BatteryVolts) {
+        return formatNumber(batteryinput::stop(kind.batteryVoltsPerCount, element, count), "#0.0");
     }
-    return {};
+    if (axis == FieldAxis::AirTemperature && kind.retardInputVolts != 0) {
+        return formatNumber(spread(0, kind.retardInputVolts, element, count), "0.00");
+    }
+    return row.unit == degrees ? temperatureAt(unit, element, count) : std::string();
 }
 
 std::string shownStopUnit(const Unit& unit, FieldAxis axis) {
-    const std::string degrees = unit.host().fahrenheit() ? "\u00B0F" : "\u00B0C";
-    switch (axis) {
-        case FieldAxis::None:
-        case FieldAxis::Number:
-            return {};
-        case FieldAxis::AirTemperature:
-            return unit.kind().retardInputVolts != 0 ? "V" : degrees;
-        case FieldAxis::Temperature:
-        case FieldAxis::IdleTemperature:
-            return degrees;
-        case FieldAxis::BatteryVolts:
-        case FieldAxis::SensorVolts:
-            return "V";
-        case FieldAxis::Speed:
-        case FieldAxis::BlendSpeed:
-            return "RPM";
-    }
-    return {};
+    if (axis == FieldAxis::AirTemperature && unit.kind().retardInputVolts != 0) return "V";
+    const std::string_view word = rowOf(axis).unit;
+    if (word == degrees) return unit.host().fahrenheit() ? "\u00B0F" : "\u00B0C";
+    return std::string(word);
 }
 
 }  // namespace zentaq

@@ -172,19 +172,7 @@ EngineRow readEngine(SQLite::Statement& row) {
     engine.orbSubType = row.getColumn("OrbSubType").getInt();
     engine.optType = row.getColumn("OptType").getInt();
     engine.displayValue = row.getColumn("DisplayValue").getString();
-    engine.ignRev = number(row, "IGNRev");
-    engine.p1EgTp = number(row, "P1EgTp");
-    engine.p2EgTp = number(row, "P2EgTp");
-    engine.cylinders = number(row, "Cylinders");
-    engine.engType = number(row, "EngType");
-    engine.maxOffset = number(row, "MaxOffset");
-    engine.minOffset = number(row, "MinOffset");
-    engine.offsetA = number(row, "Offset_A");
-    engine.offsetB = number(row, "Offset_B");
-    engine.injEvents = number(row, "InjEvents");
-    engine.injMode = number(row, "InjMode");
-    engine.phdSeq = number(row, "PhdSeq");
-    engine.injReset = number(row, "InjReset");
+    for (const EngineNumber& each : engineNumbers) engine.*each.field = number(row, each.column);
     for (std::size_t entry = 0; entry < engine.injTbl.size(); ++entry) {
         engine.injTbl[entry] = number(row, "InjTBL_" + std::to_string(entry + 1));
     }

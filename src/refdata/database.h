@@ -36,6 +36,27 @@ struct EngineRow {
     int defaultSplit = 0;           ///< default of the dual plug split, degrees
 };
 
+/// A number of an engine: its column, and the member that takes it.
+struct EngineNumber {
+    const char* column;
+    std::string_view member;
+    float EngineRow::*field;
+};
+inline constexpr std::array<EngineNumber, 13> engineNumbers = {
+    {{"IGNRev", "IGN_REV", &EngineRow::ignRev},
+     {"P1EgTp", "P1EGTP", &EngineRow::p1EgTp},
+     {"P2EgTp", "P2EGTP", &EngineRow::p2EgTp},
+     {"Cylinders", "CYL_Number", &EngineRow::cylinders},
+     {"EngType", "Engine_Type", &EngineRow::engType},
+     {"MaxOffset", "TOOTHMAX", &EngineRow::maxOffset},
+     {"MinOffset", "TOOTHMIN", &EngineRow::minOffset},
+     {"Offset_A", "TOFFSET1", &EngineRow::offsetA},
+     {"Offset_B", "TOFFSET2", &EngineRow::offsetB},
+     {"InjEvents", "INJ_Events", &EngineRow::injEvents},
+     {"InjMode", "INJ_Mode", &EngineRow::injMode},
+     {"PhdSeq", "PHDSEQ", &EngineRow::phdSeq},
+     {"InjReset", "INJ_Reset", &EngineRow::injReset}}};
+
 /// One MAP sensor: volts = scale * pressure + offset.
 struct MapSensorRow {
     int id = 0;               ///< `MAP_ID`

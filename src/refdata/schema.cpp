@@ -1,10 +1,10 @@
 #include "refdata/schema.h"
 
-#include <algorithm>
 #include <array>
 
 #include "base/channels.h"
 #include "base/errors.h"
+#include "refdata/database.h"
 
 namespace zentaq::refdata {
 
@@ -202,8 +202,7 @@ void addColumns(Table& table, std::initializer_list<const char*> columns) {
 Table engines() {
     Table made{"Engines",
                {integer("OrbUnit"), integer("OrbSubType"), integer("OptType"), nameText("DisplayValue")}};
-    addColumns(made, {"IGNRev", "P1EgTp", "P2EgTp", "Cylinders", "EngType", "MaxOffset", "MinOffset",
-                      "Offset_A", "Offset_B", "InjEvents", "InjMode", "PhdSeq", "InjReset"});
+    for (const EngineNumber& each : engineNumbers) addColumns(made, {each.column});
     for (int entry = 1; entry <= 8; ++entry) {
         made.columns.push_back({"InjTBL_" + std::to_string(entry), ColumnType::Number});
     }

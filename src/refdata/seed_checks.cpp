@@ -214,10 +214,6 @@ void checkInjection(const SeedTable& seed, const SeedRow& row) {
     }
 }
 
-}  // namespace
-
-namespace {
-
 /// An option number stands for one engine, whatever the kind: a tuner who moves a calibration to another
 /// unit finds the same engine there, and the ORB D reads rows of the ORB L. Only the name may differ, where a
 /// unit drives no injectors, and who sees the row.

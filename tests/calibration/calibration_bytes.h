@@ -6,6 +6,7 @@
 #include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "unit/unit_kind.h"
@@ -21,6 +22,8 @@ inline std::string fourBytes(float value) {
     return fourBytes(std::bit_cast<std::uint32_t>(value));
 }
 
+using Cells = std::vector<std::pair<int, float>>;
+
 /// A file with a header of program 10.2 and firmware 5.99, and zeros.
 struct FileOf {
     std::string bytes;
@@ -29,6 +32,10 @@ struct FileOf {
         : bytes(fourBytes(kind) + fourBytes(10.2F) + fourBytes(5099.0F) +
                 std::string(static_cast<std::size_t>(floats) * 4, '\0')) {}
     FileOf& set(int cell, float value) { return bits(cell, std::bit_cast<std::uint32_t>(value)); }
+    FileOf& set(const Cells& cells) {
+        for (const auto& [cell, value] : cells) set(cell, value);
+        return *this;
+    }
     FileOf& bits(int cell, std::uint32_t value) {
         bytes.replace(static_cast<std::size_t>(12 + 4 * cell), 4, fourBytes(value));
         return *this;

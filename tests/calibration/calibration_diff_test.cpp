@@ -10,7 +10,9 @@ namespace zentaq {
 namespace {
 
 using testing::allKinds;
+using testing::Cells;
 using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
 using testing::FileOf;
 using ::testing::IsEmpty;
 using testing::KindOfFile;
@@ -32,6 +34,12 @@ float cellOfVolts(double volts) {
 
 FileOf changed(FileOf file, int cell, float value) {
     return file.set(cell, value);
+}
+
+/// What is told of a file with these cells and of the same file with those changed.
+void expectLines(const Cells& cells, const Cells& changes, const std::vector<std::string>& lines) {
+    const FileOf first = withSensor().set(cells);
+    EXPECT_THAT(linesOf(first, FileOf(first).set(changes)), ElementsAreArray(lines));
 }
 
 TEST(CalibrationDiff, EqualFilesHaveNone) {
@@ -56,13 +64,10 @@ TEST(CalibrationDiff, AMemberIsToldByNameWithBothValuesAndItsUnit) {
 }
 
 TEST(CalibrationDiff, ValuesAreThoseThatTheUserSees) {
-    FileOf first = withSensor();
     // Start enrichment is kept as a fraction, pressures on the scale of the first sensors: 2.5 volts are 50
     // kPa.
-    first.set(152, 0.5F).set(42, cellOfVolts(2.5));
-    FileOf second = first;
-    second.set(152, 0.75F).set(42, cellOfVolts(4));
-    EXPECT_THAT(linesOf(first, second), ElementsAre("MAP_Default: 50 -> 80 kPa", "SE0: 50 -> 75 %"));
+    expectLines({{152, 0.5F}, {42, cellOfVolts(2.5)}}, {{152, 0.75F}, {42, cellOfVolts(4)}},
+                {"MAP_Default: 50 -> 80 kPa", "SE0: 50 -> 75 %"});
 }
 
 TEST(CalibrationDiff, ATableCellIsToldByItsAxes) {
@@ -76,29 +81,19 @@ TEST(CalibrationDiff, ATableCellIsToldByItsAxes) {
 }
 
 TEST(CalibrationDiff, AnAxisThatDiffersShowsBothPlaces) {
-    FileOf first = withSensor();
-    first.set(592, 500);
-    FileOf second = first;
-    second.set(592, 750).set(912, 5).set(624, cellOfVolts(1));
-    first.set(624, cellOfVolts(1));
-    EXPECT_THAT(linesOf(first, second), ElementsAre("RPMTBL[0]: 500 -> 750 RPM",
-                                                    "VE[0,0] (20 kPa, 500 RPM | 20 kPa, 750 RPM): 0 -> 5 %"));
+    expectLines({{592, 500}, {624, cellOfVolts(1)}}, {{592, 750}, {912, 5}},
+                {"RPMTBL[0]: 500 -> 750 RPM", "VE[0,0] (20 kPa, 500 RPM | 20 kPa, 750 RPM): 0 -> 5 %"});
 }
 
 TEST(CalibrationDiff, AnOutputTableHasItsOwnAxes) {
-    FileOf first = withSensor();
-    first.set(2290, 4 * 16 + 7).set(2226 + 1, 2.5F).set(2242 + 2, 3000);
-    FileOf second = first;
-    second.set(1680 + 18, 40).set(2226 + 1, 2.75F).set(2290, 4 * 16 + 6).set(2294, 12);
-    EXPECT_THAT(
-        linesOf(first, second),
-        ElementsAre("GPO1.ROWS: 0 -> 12", "GPO1.COL-AXIS: RPM -> MAT", "GPO1.Y-Axis[1]: 2.5 -> 2.75 Volts",
-                    "GPO1[1,2] (2.5 Volts, 3000 RPM | 2.75 Volts, 3000 C): 0 -> 40 %"));
+    expectLines({{2290, 4 * 16 + 7}, {2226 + 1, 2.5F}, {2242 + 2, 3000}},
+                {{1680 + 18, 40}, {2226 + 1, 2.75F}, {2290, 4 * 16 + 6}, {2294, 12}},
+                {"GPO1.ROWS: 0 -> 12", "GPO1.COL-AXIS: RPM -> MAT", "GPO1.Y-Axis[1]: 2.5 -> 2.75 Volts",
+                 "GPO1[1,2] (2.5 Volts, 3000 RPM | 2.75 Volts, 3000 C): 0 -> 40 %"});
 }
 
 TEST(CalibrationDiff, ACurveIsToldByElement) {
-    const FileOf first = withSensor();
-    EXPECT_THAT(linesOf(first, changed(first, 104 + 7, -3)), ElementsAre("MATADV[7]: 0 -> -3 Degrees"));
+    expectLines({}, {{104 + 7, -3}}, {"MATADV[7]: 0 -> -3 Degrees"});
 }
 
 TEST(CalibrationDiff, DigitsTellTheValuesApart) {
@@ -150,30 +145,24 @@ TEST(CalibrationDiff, OptionsAreToldOnceByTheirFirstName) {
 }
 
 TEST(CalibrationDiff, MembersThatShareACellAreToldApart) {
-    FileOf first = withSensor();
-    first.set(8, 8 * 16 + 4).set(4, 2 * 16 + 3);
-    EXPECT_THAT(linesOf(first, changed(first, 8, 6 * 16 + 4)), ElementsAre("CYL_Number: 8 -> 6"));
-    EXPECT_THAT(linesOf(first, changed(first, 8, 8 * 16 + 2)), ElementsAre("INJ_Events: 4 -> 2"));
-    EXPECT_THAT(linesOf(first, changed(first, 8, 5.5F)), ElementsAre("cell[8]: 132 -> 5.5"));
+    const Cells cells = {{8, 8 * 16 + 4}, {4, 2 * 16 + 3}};
+    expectLines(cells, {{8, 6 * 16 + 4}}, {"CYL_Number: 8 -> 6"});
+    expectLines(cells, {{8, 8 * 16 + 2}}, {"INJ_Events: 4 -> 2"});
+    expectLines(cells, {{8, 5.5F}}, {"cell[8]: 132 -> 5.5"});
     // Code 2 is two pulses, code 14 one.
-    EXPECT_THAT(linesOf(first, changed(first, 4, 14 * 16 + 3)), ElementsAre("TACHTYP: 2 -> 1"));
-    EXPECT_THAT(linesOf(first, changed(first, 4, 2 * 16 + 1)), ElementsAre("P2EGTP: 35 -> 33"));
+    expectLines(cells, {{4, 14 * 16 + 3}}, {"TACHTYP: 2 -> 1"});
+    expectLines(cells, {{4, 2 * 16 + 1}}, {"P2EGTP: 35 -> 33"});
 }
 
 TEST(CalibrationDiff, TheRatingOfTheSensorIsToldOnce) {
-    FileOf first = withSensor();
-    EXPECT_THAT(linesOf(first, changed(changed(first, 39, 2), 124, 2)), ElementsAre("MAP_BAR: 1 -> 2 BAR"));
-    EXPECT_THAT(linesOf(first, changed(first, 124, 2.5F)), ElementsAre("MAP_BAR: 1 -> 2.5 BAR"));
-    EXPECT_THAT(linesOf(first, changed(first, 39, 2)), ElementsAre("MAP_BAR: 1 (cell 1) -> 1 (cell 2) BAR"));
+    expectLines({}, {{39, 2}, {124, 2}}, {"MAP_BAR: 1 -> 2 BAR"});
+    expectLines({}, {{124, 2.5F}}, {"MAP_BAR: 1 -> 2.5 BAR"});
+    expectLines({}, {{39, 2}}, {"MAP_BAR: 1 (cell 1) -> 1 (cell 2) BAR"});
 }
 
 TEST(CalibrationDiff, PressureUnitsStandWithTheValuesWhenTheyDiffer) {
-    FileOf first = withSensor();
-    first.set(42, cellOfVolts(2.5));
-    FileOf second = first;
-    second.set(129, 2).set(42, cellOfVolts(4));
-    EXPECT_THAT(linesOf(first, second),
-                ElementsAre("MAP_Default: 50 kPa -> 80 PSIA", "MAPUnits: kPa -> PSIA"));
+    expectLines({{42, cellOfVolts(2.5)}}, {{129, 2}, {42, cellOfVolts(4)}},
+                {"MAP_Default: 50 kPa -> 80 PSIA", "MAPUnits: kPa -> PSIA"});
 }
 
 TEST(CalibrationDiff, PinsAreToldByFunctionAndParameter) {
@@ -203,9 +192,8 @@ TEST(CalibrationDiff, TextsAreToldAsText) {
 }
 
 TEST(CalibrationDiff, TheSharedCellIsNoteOrTrim) {
-    FileOf none = withSensor();
-    EXPECT_THAT(linesOf(none, changed(none, 2327, 5)), ElementsAre("FuelTrim[7]: 0 -> 5 %"));
-    EXPECT_THAT(linesOf(none, changed(none, 2327, 72)), ElementsAre("notes: \"\" -> \"H\""));
+    expectLines({}, {{2327, 5}}, {"FuelTrim[7]: 0 -> 5 %"});
+    expectLines({}, {{2327, 72}}, {"notes: \"\" -> \"H\""});
 }
 
 TEST(CalibrationDiff, TrimsAsSentAreToldOnlyWithoutTheUsersTrims) {

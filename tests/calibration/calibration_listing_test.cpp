@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "calibration/calibration_bytes.h"
 #include "calibration/calibration_cells.h"
 

@@ -10,6 +10,7 @@ namespace zentaq {
 namespace {
 
 using testing::allKinds;
+using testing::Cells;
 using ::testing::ElementsAre;
 using testing::FileOf;
 using testing::fileOf;
@@ -18,8 +19,6 @@ using testing::KindOfFile;
 using testing::plausible;
 using testing::withSensor;
 
-using Cells = std::vector<std::pair<int, float>>;
-
 /// Three files that begin as one, and the cells that each side changed.
 struct Three {
     FileOf base = withSensor();
@@ -27,12 +26,9 @@ struct Three {
     FileOf second = base;
 
     Three(const Cells& cells = {}, const Cells& ofFirst = {}, const Cells& ofSecond = {}) {
-        for (FileOf* file : {&base, &first, &second}) put(*file, cells);
-        put(first, ofFirst);
-        put(second, ofSecond);
-    }
-    static void put(FileOf& file, const Cells& cells) {
-        for (const auto& [cell, value] : cells) file.set(cell, value);
+        for (FileOf* file : {&base, &first, &second}) file->set(cells);
+        first.set(ofFirst);
+        second.set(ofSecond);
     }
     MergeResult merged() const { return merge(base.bytes, first.bytes, second.bytes); }
     std::vector<std::string> conflicts() const {

@@ -11,7 +11,6 @@
 namespace zentaq {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Not;
 using testing::RecordingHost;

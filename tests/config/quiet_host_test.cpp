@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 #include "config/quiet_calibration.h"
 #include "refdata/refdata_fixture.h"
 
@@ -15,7 +13,6 @@ using refdata::failureOf;
 using refdata::TemporaryFolder;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::IsEmpty;
 
 class QuietHostTest : public ::testing::Test {
  protected:

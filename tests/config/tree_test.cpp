@@ -96,13 +96,6 @@ TEST_F(Tree, BarometricNodesShowOnlyWhileTheFirstLowBlendCellIs100) {
     EXPECT_EQ(nodes().count("child08"), 0u);
 }
 
-TEST_F(Tree, OlderFirmwareHasNoApproachRetardAndTheBarRatingPage) {
-    unit.FW_Release(2);
-    const auto found = nodes();
-    EXPECT_EQ(found.count("child50"), 0u);
-    EXPECT_EQ(found.at("child75").page, 25);
-}
-
 TEST_F(Tree, ParentsComeBeforeTheirChildren) {
     std::set<std::string> seen;
     for (const TreeNode& node : treeNodes(unit)) {

@@ -1,6 +1,5 @@
 #include <sqlite3.h>
 
-#include <algorithm>
 #include <iterator>
 
 #include <map>

@@ -102,6 +102,7 @@ TEST_P(SpoiltSeeds, AreToldWithTheirLine) {
 
 const std::string sixCoils = "3\t0\t7\t6 Cylinder Coil per Plug, Sequential Injection\t3\t";
 const std::string v4 = "3\t0\t35\tV4 90 Degree Odd Fire, Sequential Injection\t2\t68\t";
+const std::string v4Events = v4 + "34\t4\t0\t1\t43\t14\t29\t";
 const std::string fourOfOrbL = "4\t0\t1\t4 Cylinder Wasted Spark, Paired Injection\t2\t34\t33\t4\t0\t1\t";
 
 INSTANTIATE_TEST_SUITE_P(
@@ -126,6 +127,25 @@ INSTANTIATE_TEST_SUITE_P(
                "P2EgTp must have engine type 2 in its low nibble, not 1"},
         Spoilt{"ASecondBankThatCanLeaveTheWheel", "engines.tsv", v4 + "34\t4\t0\t1\t43",
                v4 + "34\t4\t0\t1\t44", "MaxOffset leaves no room on the wheel for the second bank"},
+        Spoilt{"AToothBeforeTheFirst", "engines.tsv", v4 + "34\t4\t0\t1\t", v4 + "34\t4\t0\t0\t",
+               "MinOffset must be 1 to 58, not 0"},
+        Spoilt{"MoreCylindersThanANibbleHolds", "engines.tsv", v4 + "34\t4\t", v4 + "34\t16\t",
+               "Cylinders must be 1 to 15, not 16"},
+        Spoilt{"AnEngineTypeOfTwoBits", "engines.tsv", v4 + "34\t4\t0\t", v4 + "34\t4\t2\t",
+               "EngType must be 0 to 1, not 2"},
+        Spoilt{"APhaseOfAnotherMode", "engines.tsv", v4Events + "4\t0\t3", v4Events + "4\t0\t2",
+               "PhdSeq does not agree with InjMode"},
+        Spoilt{"AResetThatIsNoEvent", "engines.tsv", v4Events + "4\t0\t3\t4", v4Events + "4\t0\t3\t5",
+               "InjReset must be 4 to 4, not 5"},
+        Spoilt{"AnEventWithoutAnInjector", "engines.tsv", v4Events + "4\t0\t3\t4\t1\t2\t4\t8",
+               v4Events + "4\t0\t3\t4\t1\t2\t4\t0", "InjTBL_4 must be 1 to 255, not 0"},
+        Spoilt{"ASplitWithoutDualPlugs", "engines.tsv",
+               v4Events + "4\t0\t3\t4\t1\t2\t4\t8\t0\t0\t0\t0\t0\t0\t0\n",
+               v4Events + "4\t0\t3\t4\t1\t2\t4\t8\t0\t0\t0\t0\t0\t0\t3\n",
+               "DefaultSplit needs an engine with dual plugs"},
+        Spoilt{"AnEngineNameThatStandsTwice", "engines.tsv", "3\t0\t2\t4 Cylinder Wasted Spark, Sequential",
+               "3\t0\t2\t4 Cylinder Wasted spark, Paired",
+               "engine 4 CYLINDER WASTED SPARK, PAIRED INJECTION of kind 3 stands already in line 4"},
         Spoilt{"AnOptionThatIsAnotherEngineOnAnotherKind", "engines.tsv", fourOfOrbL + "58",
                fourOfOrbL + "57", "MaxOffset differs from the engine of the same option in line 4"},
         Spoilt{"ADefaultOutsideItsLimits", "defaults.tsv", "KNK_MIN\t50\n", "KNK_MIN\t101\n",

@@ -31,7 +31,7 @@ class Seeds : public ReferenceDatabase {
     }
 };
 
-// ---- Engines: the values fit the cells they go into.
+// ---- Engines. That the values fit the cells they go into is checked when the database is built.
 
 TEST_F(Seeds, EachModelOffersTheEnginesThatItServes) {
     const Database database = open();
@@ -103,83 +103,12 @@ TEST_F(Seeds, AnIgnitionOnlyUnitNamesNoInjection) {
     }
 }
 
-TEST_F(Seeds, EngineNamesAndOptionsStandOnceInTheirKind) {
-    std::set<std::pair<int, int>> options;
-    std::set<std::pair<int, std::string>> names;
-    for (const EngineRow& engine : allEngines()) {
-        EXPECT_TRUE(options.emplace(engine.orbUnit, engine.optType).second) << engine.displayValue;
-        EXPECT_TRUE(names.emplace(engine.orbUnit, upper(engine.displayValue)).second) << engine.displayValue;
-    }
-}
-
-TEST_F(Seeds, TriggerOffsetsStayOnTheWheel) {
-    for (const EngineRow& engine : allEngines()) {
-        EXPECT_GE(engine.minOffset, 1) << engine.displayValue;
-        EXPECT_LE(engine.minOffset, engine.offsetA) << engine.displayValue;
-        EXPECT_LE(engine.offsetA, engine.maxOffset) << engine.displayValue;
-        EXPECT_LE(engine.maxOffset, 58) << engine.displayValue;
-        EXPECT_GE(engine.offsetB, engine.offsetA) << engine.displayValue;
-        EXPECT_LE(engine.offsetB, 58) << engine.displayValue;
-    }
-}
-
-// There is no code for 5 pulses: engines of five and ten cylinders have none.
-TEST_F(Seeds, TachCodesGiveOnePulseForEachIgnition) {
-    const std::map<int, int> pulses{{14, 1}, {2, 2}, {8, 3}, {3, 4}, {10, 6}, {0, 5}};
-    for (const EngineRow& engine : allEngines()) {
-        const int code = static_cast<int>(engine.p2EgTp) >> 4;
-        ASSERT_TRUE(pulses.contains(code)) << engine.displayValue;
-        EXPECT_EQ(static_cast<float>(pulses.at(code)), engine.ignRev) << engine.displayValue;
-    }
-}
-
-TEST_F(Seeds, CylindersAndEventsFitTheirNibbles) {
-    for (const EngineRow& engine : allEngines()) {
-        EXPECT_GE(engine.cylinders, 1) << engine.displayValue;
-        EXPECT_LE(engine.cylinders, 15) << engine.displayValue;
-        EXPECT_GE(engine.injEvents, 1) << engine.displayValue;
-        EXPECT_LE(engine.injEvents, 8) << engine.displayValue;
-        EXPECT_GE(engine.injReset, 0) << engine.displayValue;
-        EXPECT_LE(engine.injReset, 15) << engine.displayValue;
-    }
-}
-
-TEST_F(Seeds, AnySequenceOfEngineChoicesFitsTheSharedOptionByte) {
-    float highestType = 0;
-    float highestPhase = 0;
-    for (const EngineRow& engine : allEngines()) {
-        highestType = std::max(highestType, engine.engType);
-        highestPhase = std::max(highestPhase, engine.phdSeq);
-        EXPECT_GE(engine.phdSeq, 1) << engine.displayValue;
-    }
-    // The lower four bits are other options; bits 4 and 5 are cleared before the type goes in.
-    EXPECT_LE(highestPhase * 64 + highestType * 32 + 15, 255);
-}
-
-TEST_F(Seeds, InjectorOutputsAreFilledUpToTheLastEvent) {
-    for (const EngineRow& engine : allEngines()) {
-        for (std::size_t event = 0; event < engine.injTbl.size(); ++event) {
-            const bool used = static_cast<float>(event) < engine.injEvents;
-            EXPECT_EQ(engine.injTbl[event] > 0, used) << engine.displayValue << " event " << event;
-            EXPECT_LE(engine.injTbl[event], 255) << engine.displayValue;
-        }
-    }
-}
-
 TEST_F(Seeds, ASequentialEngineOpensEachOutputOnce) {
     const auto engine = open().engine(3, 10);
     ASSERT_TRUE(engine);
     EXPECT_EQ(engine->cylinders, 8);
     EXPECT_EQ(engine->phdSeq, 3);
     EXPECT_EQ(engine->injTbl, (std::array<float, 8>{1, 2, 4, 8, 16, 32, 64, 128}));
-}
-
-TEST_F(Seeds, OnlyDualPlugEnginesHaveASplit) {
-    for (const EngineRow& engine : allEngines()) {
-        EXPECT_TRUE(engine.editDfub || engine.defaultSplit == 0) << engine.displayValue;
-        EXPECT_GE(engine.defaultSplit, 0) << engine.displayValue;
-        EXPECT_LE(engine.defaultSplit, 30) << engine.displayValue;
-    }
 }
 
 TEST_F(Seeds, RotaryEnginesAreMarkedAndHaveDualPlugs) {
