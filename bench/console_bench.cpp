@@ -1,7 +1,6 @@
 // What one line of the system log costs, with a long session behind it, with and without the log file.
 #include <benchmark/benchmark.h>
 
-#include <filesystem>
 #include <string>
 
 #include "app/console.h"

@@ -33,4 +33,9 @@ class OtherProgram {
     sqlite3* file_ = nullptr;
 };
 
+/// One that writes: nobody else reads the file as long as it lives.
+struct WritingProgram : OtherProgram {
+    explicit WritingProgram(const std::string& path) : OtherProgram(path) { run("BEGIN EXCLUSIVE"); }
+};
+
 }  // namespace zentaq

@@ -1,7 +1,5 @@
 // The key "Save" of frmGeneralConfig: a new calibration gets its default values and its file; one in hand is
 // stored where it is.
-#include <filesystem>
-#include <utility>
 
 #include "app/general_config.h"
 #include "app/save_commands.h"

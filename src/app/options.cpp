@@ -1,8 +1,6 @@
 #include "app/options.h"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
 
 #include "app/data_points.h"
 #include "base/errors.h"

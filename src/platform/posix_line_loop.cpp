@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <ctime>
-#include <iterator>
 
 namespace zentaq {
 

@@ -5,7 +5,6 @@
 
 #include <csignal>
 #include <ctime>
-#include <memory>
 #include <utility>
 #include <vector>
 

@@ -1,7 +1,6 @@
 // One value, two ways in: a field of a form, and a program without windows. Both take and refuse the same.
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cmath>
 
 #include "app/general_fields.h"

@@ -1,12 +1,7 @@
 // A platform without a machine: fixed time, answers prepared by the test, everything shown is kept.
 #pragma once
 
-#include <unistd.h>
-
-#include <array>
-#include <cstdlib>
 #include <deque>
-#include <filesystem>
 #include <functional>
 #include <map>
 #include <string>

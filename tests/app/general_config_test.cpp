@@ -750,42 +750,6 @@ TEST_F(GeneralConfigForm, WithNothingInHandThereIsNothingToChoose) {
     EXPECT_EQ(session.slotInHand(), 0);
 }
 
-// ---- Every model, every engine
-
-TEST_F(GeneralConfigForm, EveryEngineOfEveryModelMakesACalibrationThatOpensAgain) {
-    int made = 0;
-    for (const ModelEntry& model : modelEntries()) {
-        for (const EngineRow& engine : enginesOfModel(*session.database, model)) {
-            const std::string what = std::string(model.name) + ", " + engine.displayValue;
-            boxes().clear();
-            session.header().fileState = "NEW";
-            form.load();
-            ASSERT_TRUE(form.enter("cmbORB_UNIT", model.name)) << what;
-            ASSERT_TRUE(form.enter("cmbEngine", engine.displayValue)) << what;
-            ASSERT_TRUE(form.enter("cmbMAP", oneBar)) << what;
-            fake.dialogs.answers = {Answer::Yes, Answer::Yes};
-            ASSERT_TRUE(saveTo(fake.folder.path("t" + std::string(unit().kind().extension)))) << what;
-            // Nothing was refused: the only boxes are the two of saving.
-            for (const Box& box : boxes()) {
-                EXPECT_THAT(box.title, ::testing::AnyOf("Data Saved.", "File Exists")) << what << box.text;
-            }
-            const auto again = QuietCalibration::open(session.CurrentFile, &*session.database);
-            ASSERT_EQ(again->unit.kind().className, unit().kind().className) << what;
-            int different = 0;
-            for (int i = 0; i < unit().kind().fileFloats; ++i) {
-                if (again->unit.DirectIndex(i) != unit().DirectIndex(i)) ++different;
-            }
-            EXPECT_EQ(different, 0) << what;
-            EXPECT_EQ(again->unit.get("Option_Type"), engine.optType) << what;
-            EXPECT_EQ(again->unit.get("CYL_Number"), engine.cylinders) << what;
-            ++made;
-            form.unload();
-        }
-    }
-    EXPECT_FALSE(logged("Not taken"));
-    EXPECT_GE(made, 75);  // seven models
-}
-
 TEST_F(GeneralConfigForm, AFormThatIsClosedUnderItsFileDialogStoresNothing) {
     haveInHand();
     const std::string former = fake.folder.path("tune.ZQ4OA");

@@ -3,7 +3,6 @@
 
 #include <filesystem>
 #include <string>
-#include <vector>
 
 #include "app/command_fixture.h"
 #include "app/general_config.h"

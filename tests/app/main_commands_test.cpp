@@ -485,7 +485,7 @@ TEST_F(Commands, AChosenPortIsStoredWithItsDeviceAndOpenedAnewAsThat) {
     EXPECT_EQ(session.linkDisplay.status().port, "5");
 }
 
-TEST_F(Commands, ABoxTellsHowManyCellsAFileHasLostByACut) {
+TEST_F(Commands, AFileThatWasCutLoadsAndABoxAndTheLogTellWhatItHasLost) {
     open(ofLength(1750, "cut.ZQ4OA"));
     EXPECT_EQ(session.slotInHand(), 3);
     EXPECT_EQ(box().title, "Damaged File");
@@ -493,6 +493,7 @@ TEST_F(Commands, ABoxTellsHowManyCellsAFileHasLostByACut) {
                 HasSubstr("FILE POSSIBLY CORRUPT:   cut.ZQ4OA\n"
                           "The file ends early: 1081 of its 2828 cells are missing and were taken "
                           "as 0.\n"));
+    EXPECT_TRUE(logged("Short file: 7000 of 11324 bytes. What is missing was taken as 0."));
 }
 
 // The first programs wrote no notes.
@@ -512,12 +513,6 @@ TEST_F(Commands, AWholeFileBehindACutOneIsNoLongerDoubted) {
     open(path);
     commands.files.close();
     EXPECT_EQ(session.header().cellsCutOff, 0);
-}
-
-TEST_F(Commands, AFileThatWasCutLoadsAndTheLogTellsIt) {
-    open(ofLength(1000, "cut.ZQ4OA"));
-    EXPECT_EQ(session.slotInHand(), 3);
-    EXPECT_TRUE(logged("Short file: 4000 of 11324 bytes. What is missing was taken as 0."));
 }
 
 TEST_F(Commands, AFailedPortSearchGoesBackToTheUsersPort) {

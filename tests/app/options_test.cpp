@@ -237,27 +237,18 @@ TEST_F(OptionsTest, ShowNoUpdateRateThatTheSliderCannotYieldAndNoColourThatIsNon
     }
 }
 
-TEST_F(OptionsTest, ShowAlarmsInCelsiusForAToggleOfZero) {
+TEST_F(OptionsTest, ShowAlarmsInCelsiusForAToggleOfZeroAndElseInFahrenheit) {
     stored("CLTAlarmValue", "100");
     stored("MATAlarmValue", "-40");
-    stored("TemperatureToggle", "0");
-    const Options options(session);
-    EXPECT_FALSE(options.on("chkTemperature"));
-    EXPECT_EQ(options.value("txtCLTvalue"), "100");
-    EXPECT_EQ(options.value("txtMATvalue"), "-40");
-    EXPECT_EQ(options.temperatureUnit(), "\u00B0C");
-}
-
-TEST_F(OptionsTest, ShowAlarmsInFahrenheitForAnyOtherToggle) {
-    stored("CLTAlarmValue", "100");
-    stored("MATAlarmValue", "-40");
-    for (const char* toggle : {"", "1", "2", "yes"}) {
+    for (const std::string toggle : {"0", "", "1", "2", "yes"}) {
+        SCOPED_TRACE(toggle);
         stored("TemperatureToggle", toggle);
         const Options options(session);
-        EXPECT_TRUE(options.on("chkTemperature"));
-        EXPECT_EQ(options.value("txtCLTvalue"), "212");
+        const bool celsius = toggle == "0";
+        EXPECT_EQ(options.on("chkTemperature"), !celsius);
+        EXPECT_EQ(options.value("txtCLTvalue"), celsius ? "100" : "212");
         EXPECT_EQ(options.value("txtMATvalue"), "-40");
-        EXPECT_EQ(options.temperatureUnit(), "\u00B0F");
+        EXPECT_EQ(options.temperatureUnit(), celsius ? "\u00B0C" : "\u00B0F");
     }
 }
 
@@ -393,23 +384,6 @@ TEST_F(OptionsTest, ApplySwitchesTheLogFileAndTheTableColoursAtOnce) {
         EXPECT_EQ(session.console.LogToFile(), *on == '1');
         EXPECT_EQ(session.TableColorMode, *on == '1' ? 1 : 0);
     }
-}
-
-TEST_F(OptionsTest, ApplyWritesMoreThanTenDataPointsOfWhichTenAreReadBack) {
-    Options options(session);
-    for (int place = 1; place <= 12; ++place) options.checkDataPoint(place, true);
-    options.apply();
-    EXPECT_EQ(settings.get("Datalog", "Datalog12"), "12");
-    EXPECT_EQ(Options(session).dataPoints().size(), 10u);
-}
-
-TEST_F(OptionsTest, ApplyOfFewerDataPointsEmptiesTheOtherSlots) {
-    Options options(session);
-    for (int place = 1; place <= 10; ++place) options.checkDataPoint(place, true);
-    options.apply();
-    for (int place = 2; place <= 10; ++place) options.checkDataPoint(place, false);
-    options.apply();
-    EXPECT_THAT(Options(session).dataPoints(), ElementsAre(1));
 }
 
 TEST_F(OptionsTest, BeginAndEndTheWireTraceWithApply) {

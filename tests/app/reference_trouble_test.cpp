@@ -12,11 +12,6 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using zentaq::testing::LegacyFile;
 
-/// Another program that writes to the database: nobody else reads it meanwhile.
-struct WritingProgram : OtherProgram {
-    explicit WritingProgram(const std::string& path) : OtherProgram(path) { run("BEGIN EXCLUSIVE"); }
-};
-
 class ReferenceTrouble : public ProgramTest {
  protected:
     std::string database = fake.folder.path("bin/data/zentaq410-02.pak");

@@ -59,11 +59,6 @@ class SensorSession : public ::testing::Test {
         session.database = Database::open(path);
     }
 
-    /// Holds the whole database file as long as it lives.
-    struct Lock : OtherProgram {
-        explicit Lock(const std::string& path) : OtherProgram(path) { run("BEGIN EXCLUSIVE"); }
-    };
-
     std::vector<Box>& boxes() { return fake.dialogs.boxes; }
     /// The last box; an empty one when none was shown.
     Box lastBox() { return boxes().empty() ? Box{} : boxes().back(); }

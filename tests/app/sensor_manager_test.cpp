@@ -26,7 +26,7 @@ SensorEntry points(const std::string& volts1, const std::string& volts2, const s
 struct EntryFault {
     const char* why;
     SensorEntry entry;
-    const char* text;
+    std::string text;
     std::optional<SensorBox> box = {};
 };
 
@@ -44,28 +44,24 @@ void expectTold(const char* title, const std::vector<EntryFault>& faults) {
 }
 
 TEST(SensorEntryChecks, ABoxWithoutANumberIsToldBeforeAnythingElse) {
-    expectTold(
-        "Invalid entry",
-        {{"the first volts", points("abc", "4.5", "20", "250"), "abc not a valid number", firstVolts},
-         {"the second volts", points("0.5", "abc", "20", "250"), "abc not a valid number", secondVolts},
-         {"the first pressure", points("0.5", "4.5", "abc", "250"), "abc not a valid number", firstPressure},
-         {"the second pressure", points("0.5", "4.5", "20", "abc"), "abc not a valid number", secondPressure},
-         {"an empty box", points("", "4.5", "20", "250"), " not a valid number", firstVolts},
-         {"though volts are out of range", points("9", "4.5", "20", "x"), "x not a valid number",
-          secondPressure}});
+    const std::string noNumber = " not a valid number";
+    expectTold("Invalid entry",
+               {{"the first volts", points("abc", "4.5", "20", "250"), "abc" + noNumber, firstVolts},
+                {"the second volts", points("0.5", "abc", "20", "250"), "abc" + noNumber, secondVolts},
+                {"the first pressure", points("0.5", "4.5", "abc", "250"), "abc" + noNumber, firstPressure},
+                {"the second pressure", points("0.5", "4.5", "20", "abc"), "abc" + noNumber, secondPressure},
+                {"an empty box", points("", "4.5", "20", "250"), noNumber, firstVolts},
+                {"volts out of range too", points("9", "4.5", "20", "x"), "x" + noNumber, secondPressure}});
 }
 
 TEST(SensorEntryChecks, VoltsOutOfRangeAreToldBeforeWhatIsOutOfOrder) {
-    expectTold("Entry out of Range", {{"the first below 0", points("-0.01", "5", "20", "250"),
-                                       "-0.01 is out of range.  Must be 0 - 5v", firstVolts},
-                                      {"the second below 0", points("0", "-0.01", "20", "250"),
-                                       "-0.01 is out of range.  Must be 0 - 5v", secondVolts},
-                                      {"the first above 5", points("5.01", "5", "20", "250"),
-                                       "5.01 is out of range.  Must be 0 - 5v", firstVolts},
-                                      {"the second above 5", points("0", "5.01", "20", "250"),
-                                       "5.01 is out of range.  Must be 0 - 5v", secondVolts},
-                                      {"out of order too", points("6", "1", "20", "250"),
-                                       "6 is out of range.  Must be 0 - 5v", firstVolts}});
+    const std::string outside = " is out of range.  Must be 0 - 5v";
+    expectTold("Entry out of Range",
+               {{"the first below 0", points("-0.01", "5", "20", "250"), "-0.01" + outside, firstVolts},
+                {"the second below 0", points("0", "-0.01", "20", "250"), "-0.01" + outside, secondVolts},
+                {"the first above 5", points("5.01", "5", "20", "250"), "5.01" + outside, firstVolts},
+                {"the second above 5", points("0", "5.01", "20", "250"), "5.01" + outside, secondVolts},
+                {"out of order too", points("6", "1", "20", "250"), "6" + outside, firstVolts}});
 }
 
 TEST(SensorEntryChecks, VoltsAndThenPressuresMustClimb) {
@@ -465,7 +461,7 @@ TEST_F(SensorManagerTest, AWriteProtectedDatabaseShowsItsSensorsAndChangesNone) 
 TEST_F(SensorManagerTest, ALockedDatabaseIsToldAndTheEntryStays) {
     beginEdit(oneBar);
     {
-        const Lock lock(path);
+        const WritingProgram other(path);
         EXPECT_FALSE(manager.save(points("0.5", "4.5", "20", "250")).done);
     }
     EXPECT_THAT(lastBox().text, HasSubstr("it is in use by another program"));
@@ -475,7 +471,7 @@ TEST_F(SensorManagerTest, ALockedDatabaseIsToldAndTheEntryStays) {
 
 TEST_F(SensorManagerTest, AListThatCannotBeReadSaysWhyAndComesBack) {
     {
-        const Lock lock(path);
+        const WritingProgram other(path);
         manager.load();
         EXPECT_THAT(manager.problem(), HasSubstr("it is in use by another program"));
         EXPECT_THAT(manager.sensors(), IsEmpty());
@@ -489,7 +485,7 @@ TEST_F(SensorManagerTest, ASensorThatCannotBeRemovedNowIsToldAndStays) {
     manager.select(oneBar);
     answer(Answer::Yes);
     {
-        const Lock lock(path);
+        const WritingProgram other(path);
         EXPECT_FALSE(manager.remove());
     }
     EXPECT_THAT(lastBox().text, HasSubstr("it is in use by another program"));

@@ -139,7 +139,7 @@ TEST_F(SensorMatching, AWriteProtectedDatabaseIsNoReasonToAsk) {
 }
 
 TEST_F(SensorMatching, ALockedDatabaseIsNoReasonToAsk) {
-    const Lock lock(path);
+    const WritingProgram other(path);
     EXPECT_EQ(matchSensor(session), unknownPsia);
     EXPECT_THAT(boxes(), IsEmpty());
 }

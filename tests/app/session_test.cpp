@@ -137,17 +137,6 @@ TEST_F(SessionTest, AUnitOfAnotherKindIsNotProgrammed) {
     EXPECT_FALSE(session.link.transfer().active());
 }
 
-TEST_F(SessionTest, AnOlderFirmwareIsWarnedOfAndProgrammedAllTheSame) {
-    session.FW_ReleaseTable[3] = 5;
-    session.FW_BuildTable[3] = 99;
-    openForProgramming("ZQA-404099");
-    boxes().clear();
-    EXPECT_TRUE(programs());
-    ASSERT_FALSE(boxes().empty());
-    EXPECT_EQ(boxes()[0].title, "Warning 1007");
-    EXPECT_THAT(fake.windows.calls, testing::Contains("focus frmConfig"));
-}
-
 TEST_F(SessionTest, TheExpectedFirmwareIsNotWarnedOf) {
     session.FW_ReleaseTable[3] = 5;
     session.FW_BuildTable[3] = 99;

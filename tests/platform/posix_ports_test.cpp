@@ -15,7 +15,6 @@ namespace zentaq {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::ElementsAre;
 using testing::IsEmpty;
 
 class PosixPorts : public testing::Test {

@@ -386,7 +386,7 @@ TEST_F(FrmEditMAPSensorsTest, WithoutADatabaseNothingCanBeStartedAndTheFormSaysS
 
 TEST_F(FrmEditMAPSensorsTest, AListThatWasLockedComesBackWithTheWindow) {
     {
-        const Lock lock(path);
+        const WritingProgram other(path);
         open();
         EXPECT_EQ(list()->count(), 0);
         EXPECT_NE(status(), "");
