@@ -47,11 +47,10 @@ std::optional<QColor> lampColor(std::int32_t color) {
 
 }  // namespace
 
-FrmDashBoard::FrmDashBoard(Session& session, MainCommands& commands, QWidget* parent)
+FrmDashBoard::FrmDashBoard(Session& session, QWidget* parent)
     : QWidget(parent),
       Form(this),
       session_(session),
-      commands_(commands),
       panel_(new FrmDashBoardPanel(dialAngles(gauges_.revScale()), this)),
       tmrUpdate_(named(new QTimer(this), "tmrUpdate")),
       flashTimer_(named(new QTimer(this), "flashTimer")),

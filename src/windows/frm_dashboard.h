@@ -2,7 +2,6 @@
 // Angles, texts, alarms and codes come from the core; this window puts them on the panel.
 #pragma once
 
-#include "app/main_commands.h"
 #include "app/session.h"
 #include "live/dashboard_readings.h"
 #include "live/gauges.h"
@@ -22,7 +21,7 @@ class FrmDashBoard : public QWidget, public Form {
     Q_OBJECT
 
  public:
-    FrmDashBoard(Session& session, MainCommands& commands, QWidget* parent = nullptr);
+    explicit FrmDashBoard(Session& session, QWidget* parent = nullptr);
 
     void openOn(const std::string& on, const std::string& title) override;
     void killTimers() override { Kill_Timers(); }
@@ -79,7 +78,6 @@ class FrmDashBoard : public QWidget, public Form {
     Unit& shownUnit();
 
     Session& session_;
-    MainCommands& commands_;
     Gauges gauges_;
     FrmDashBoardPanel* panel_;
     QTimer* tmrUpdate_;

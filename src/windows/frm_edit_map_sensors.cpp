@@ -205,18 +205,10 @@ void FrmEditMAPSensors::setTabOrders() {
 
 // ---- Commands
 
-void FrmEditMAPSensors::edit() {
+void FrmEditMAPSensors::begin(bool (SensorManager::*task)()) {
     const QPointer<FrmEditMAPSensors> self(this);
     const auto manager = manager_;
-    const bool begun = manager->edit();
-    if (!self) return;
-    begun ? beginEntry() : showAll();
-}
-
-void FrmEditMAPSensors::create() {
-    const QPointer<FrmEditMAPSensors> self(this);
-    const auto manager = manager_;
-    const bool begun = manager->create();
+    const bool begun = (manager.get()->*task)();
     if (!self) return;
     begun ? beginEntry() : showAll();
 }

@@ -43,8 +43,9 @@ class FrmEditMAPSensors : public QWidget, public Form {
     QPushButton* makeButton(const char* name, const QString& caption, void (FrmEditMAPSensors::*run)());
     void setTabOrders();
 
-    void edit();
-    void create();
+    void begin(bool (SensorManager::*task)());
+    void edit() { begin(&SensorManager::edit); }
+    void create() { begin(&SensorManager::create); }
     void remove();
     void save();
     void cancel();

@@ -24,7 +24,7 @@ constexpr auto formTitle = "General Engine Configuration";
 
 }  // namespace
 
-FrmGeneralConfig::FrmGeneralConfig(Session& session, MainCommands&, QWidget* parent)
+FrmGeneralConfig::FrmGeneralConfig(Session& session, QWidget* parent)
     : QWidget(parent, secondWindow()),
       Form(this),
       session_(session),

@@ -11,7 +11,6 @@
 #include <memory>
 
 #include "app/general_config.h"
-#include "app/main_commands.h"
 #include "app/session.h"
 #include "windows/form.h"
 #include "windows/frm_general_config_form.h"
@@ -23,7 +22,7 @@ class FrmGeneralConfig : public QWidget, public Form {
 
  public:
     /// Loads the core. The owner shows the window, and deletes it later once it has told that it is closed.
-    FrmGeneralConfig(Session& session, MainCommands& commands, QWidget* parent = nullptr);
+    explicit FrmGeneralConfig(Session& session, QWidget* parent = nullptr);
     ~FrmGeneralConfig() override;
 
     /// Begins anew with what is in hand now, for the command that finds the window open: a new calibration

@@ -43,8 +43,8 @@ bool movesCursor(int key) {
 
 }  // namespace
 
-FrmTable::FrmTable(Session& session, MainCommands& commands, QWidget* parent)
-    : QWidget(parent), DockingForm(this), session_(session), commands_(commands) {
+FrmTable::FrmTable(Session& session, QWidget* parent)
+    : QWidget(parent), DockingForm(this), session_(session) {
     named(this, "frmTABLE", "Table");
     redraw_ = new RedrawGate(
         session.platform().clock, [this] { drawLive(); }, this, RedrawGate::markUs);

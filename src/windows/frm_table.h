@@ -3,7 +3,6 @@
 // order.
 #pragma once
 
-#include "app/main_commands.h"
 #include "app/session.h"
 #include "tables/table_model.h"
 
@@ -29,7 +28,7 @@ class FrmTable : public QWidget, public DockingForm {
     Q_OBJECT
 
  public:
-    FrmTable(Session& session, MainCommands& commands, QWidget* parent = nullptr);
+    explicit FrmTable(Session& session, QWidget* parent = nullptr);
     ~FrmTable() override;
 
     /// A second opening of the same table keeps it as it is, selection and all.
@@ -163,7 +162,6 @@ class FrmTable : public QWidget, public DockingForm {
     void showItems();
 
     Session& session_;
-    MainCommands& commands_;
     std::shared_ptr<TableModel> model_;  ///< held while a box is read: the table may go under it
     const Unit* unit_ = nullptr;
 

@@ -38,7 +38,7 @@ Form* makeConfig(const FormNeeds& needs) {
 }
 
 Form* makeGeneralConfig(const FormNeeds& needs) {
-    auto* form = new FrmGeneralConfig(needs.session, needs.commands, needs.parent);
+    auto* form = new FrmGeneralConfig(needs.session, needs.parent);
     QObject::connect(form, &FrmGeneralConfig::sensorManagerAsked, form,
                      [run = needs.run] { run("mnuMAPSensors"); });
     return form;
@@ -47,7 +47,7 @@ Form* makeGeneralConfig(const FormNeeds& needs) {
 /// Its parent is the workspace.
 Form* makeTable(const FormNeeds& needs) {
     auto* workspace = static_cast<FrmConfig*>(needs.parent);
-    auto* form = new FrmTable(needs.session, needs.commands, workspace);
+    auto* form = new FrmTable(needs.session, workspace);
     QObject::connect(form, &FrmTable::dockingAsked, workspace,
                      [workspace, form](bool docked) { workspace->dock().place(*form, docked); });
     return form;

@@ -2,9 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "app/fake_platform.h"
-#include "app/main_commands.h"
-
 #include <QApplication>
 #include <QElapsedTimer>
 
@@ -50,7 +47,7 @@ class Dashboard : public OrbASession {
     ~Dashboard() override { fake.session.attach(fake.windows); }
 
     void makeBoard() {
-        board = std::make_unique<FrmDashBoard>(fake.session, commands);
+        board = std::make_unique<FrmDashBoard>(fake.session);
         windows.dashboard = board.get();
         board->resize(1366, 300);
         board->show();

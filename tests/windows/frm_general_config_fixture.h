@@ -17,7 +17,6 @@
 #include <string>
 
 #include "app/fake_platform.h"
-#include "app/main_commands.h"
 #include "qt/qt_dialogs.h"
 #include "windows/frm_general_config.h"
 #include "windows/key_press.h"
@@ -78,7 +77,6 @@ class GeneralWindow : public testing::Test {
     BoxesOnScreen dialogs;
     Session session{Platform{fake.port, fake.ticker, fake.clock, fake.settings, dialogs, fake.yield,
                              fake.folder.path(), fake.folder.path()}};
-    MainCommands commands{session};
     GeneralWindows windows;
     std::unique_ptr<FrmGeneralConfig> form;
     int savedTold = 0;
@@ -99,7 +97,7 @@ class GeneralWindow : public testing::Test {
     // ---- The window
     void open() {
         close();
-        form = std::make_unique<FrmGeneralConfig>(session, commands);
+        form = std::make_unique<FrmGeneralConfig>(session);
         windows.form = form.get();
         dialogs.parent = form.get();
         QObject::connect(form.get(), &FrmGeneralConfig::saved, [this] { ++savedTold; });

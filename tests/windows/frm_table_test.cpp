@@ -40,7 +40,7 @@ class Table : public OrbASession {
 
     Table() {
         giveRisingAxes(unit());
-        form = std::make_unique<FrmTable>(fake.session, commands);
+        form = std::make_unique<FrmTable>(fake.session);
         windows.table = form.get();
         fake.session.attach(windows);
         form->resize(1366, 420);
@@ -655,7 +655,7 @@ TEST_F(Table, PaintOutlivesTheWindow) {
     form->Show_Current_Activity(1000, 40);
     windows.table = nullptr;
     form.reset();
-    form = std::make_unique<FrmTable>(fake.session, commands);
+    form = std::make_unique<FrmTable>(fake.session);
     windows.table = form.get();
     form->Setup_Grid("VE", "Volumetric Efficiency Table");
     EXPECT_EQ(colour(12, 2), 0x00FFFF);

@@ -194,24 +194,6 @@ TEST_F(MainWindow, ClosingWithUnsavedChangesAsksAndSavesOnOk) {
     EXPECT_FALSE(fake.session.DataModified);
 }
 
-TEST_F(MainWindow, ClosingWithUnsavedChangesEndsWithoutSavingOnCancel) {
-    openCalibration();
-    fake.session.DataModified = true;
-    fake.dialogs.boxes.clear();
-    fake.dialogs.answers.push_back(Answer::Cancel);
-    windows.main().close();
-    EXPECT_EQ(fake.dialogs.boxes.size(), 1U);
-    EXPECT_TRUE(windows.closed());
-    EXPECT_TRUE(fake.session.DataModified) << "nothing was saved";
-}
-
-TEST_F(MainWindow, ClosingWithoutChangesAsksNothing) {
-    fake.dialogs.boxes.clear();
-    windows.main().close();
-    EXPECT_TRUE(fake.dialogs.boxes.empty());
-    EXPECT_TRUE(windows.closed());
-}
-
 TEST_F(MainWindow, RemembersItsPlace) {
     windows.main().showNormal();
     windows.main().setGeometry(40, 60, 900, 600);

@@ -149,15 +149,6 @@ TEST_F(TypedAhead, AnotherTableOpensBehindTheKeysOfThisOne) {
     EXPECT_EQ(form().tableName(), "ADV");
 }
 
-TEST_F(TypedAhead, TheTablesOwnButtonsComeInTheirTurn) {
-    nudgeTwice();
-    tableAction("Close")->trigger();
-    EXPECT_TRUE(form().isVisible());
-    answer();
-    EXPECT_EQ(ve(0), 2);
-    EXPECT_EQ(windows.table(), nullptr);
-}
-
 TEST_F(TypedAhead, AClickThatWaitedTakesTheDigitsTypedBehindIt) {
     nudge();
     lock();
@@ -365,6 +356,7 @@ TEST_F(TypedAhead, KeysAndButtonsForTheCellsOfARemovedTableAreToldInOneBox) {
 TEST_F(TypedAhead, AStoreBehindTheTablesOwnCloseGoesOut) {
     nudgeTwice();
     tableAction("Close")->trigger();
+    EXPECT_TRUE(form().isVisible()) << "in its turn";
     nudge();
     windows.main().run("mnuStoreONFLY");
     for (int i = 0; i < 5; ++i) answer();

@@ -53,7 +53,6 @@ class OrbASession : public testing::Test {
  protected:
     static constexpr int orbA = 3;
     FakeSession fake;
-    MainCommands commands{fake.session};
 
     OrbASession() {
         fake.session.makeUnits();
