@@ -43,11 +43,16 @@ inline std::string writeFloats(const std::string& path, const std::vector<float>
     return path;
 }
 
+inline float cellIn(const std::string& path, int cell) {
+    float value = 0;
+    const auto place = static_cast<std::size_t>(3 + cell) * sizeof value;
+    std::memcpy(&value, TemporaryFolder::read(path).substr(place, sizeof value).data(), sizeof value);
+    return value;
+}
+
 /// The rev limit in a file.
 inline float limitIn(const std::string& path) {
-    float limit = 0;
-    std::memcpy(&limit, TemporaryFolder::read(path).substr((3 + 58) * 4, 4).data(), sizeof limit);
-    return limit;
+    return cellIn(path, 58);
 }
 
 }  // namespace zentaq

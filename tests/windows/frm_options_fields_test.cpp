@@ -7,6 +7,7 @@
 namespace zentaq {
 namespace {
 
+using testing::ElementsAre;
 using testing::HasSubstr;
 
 class OptionsFields : public OptionsWindowTest {
@@ -173,8 +174,7 @@ TEST_F(OptionsFields, ARefusedEntryStaysInItsBoxWithTheFocusAndATakenOneIsStored
     EXPECT_EQ(stored("CLTAlarmValue"), "95.5");
     EXPECT_EQ(text("txtCLTvalue"), "150.5");
     EXPECT_EQ(focusName(), "txtCLTvalue");
-    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
-    EXPECT_THAT(fake.dialogs.boxes[0].text, HasSubstr("(-40 - 150\u00B0C) - Invalid Entry."));
+    EXPECT_THAT(fake.dialogs.boxes, ElementsAre(Tells("(-40 - 150\u00B0C) - Invalid Entry.")));
 }
 
 TEST_F(OptionsFields, TheTemperatureBoxConvertsBothAlarmsAtOnce) {

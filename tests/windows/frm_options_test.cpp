@@ -130,8 +130,7 @@ TEST_F(OptionsWindow, OkStaysOpenWithTheFocusInARefusedAlarm) {
     EXPECT_EQ(page(), static_cast<int>(OptionPage::Display));
     EXPECT_EQ(focusName(), "txtMATvalue");
     EXPECT_EQ(the<QLineEdit>("txtMATvalue")->selectedText(), "151");
-    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
-    EXPECT_THAT(fake.dialogs.boxes[0].text, HasSubstr("(-40 - 150\u00B0C) - Invalid Entry."));
+    EXPECT_THAT(fake.dialogs.boxes, ElementsAre(Tells("(-40 - 150\u00B0C) - Invalid Entry.")));
     EXPECT_NE(form->marked(), nullptr);
 }
 

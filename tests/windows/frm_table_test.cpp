@@ -211,8 +211,7 @@ TEST_F(Table, RefusedValueWarnsAndTheBoxHoldsTheOldText) {
 TEST_F(Table, LettersAreNoStartOfANumber) {
     stand(16, 1);
     type("a");
-    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
-    EXPECT_THAT(fake.dialogs.boxes[0].text, HasSubstr("Non-numeric value detected."));
+    EXPECT_THAT(fake.dialogs.boxes, ElementsAre(Tells("Non-numeric value detected.")));
     EXPECT_FALSE(box().isVisible());
 }
 
@@ -391,8 +390,7 @@ TEST_F(Table, APasteWithManyRefusalsRaisesOneBoxAndSendsNoneOfThem) {
     fake.dialogs.boxes.clear();
     stand(16, 1);
     paste("500\t-20\t444\n");
-    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
-    EXPECT_THAT(fake.dialogs.boxes[0].text, HasSubstr("(0 to 100%) - Invalid Entry."));
+    EXPECT_THAT(fake.dialogs.boxes, ElementsAre(Tells("(0 to 100%) - Invalid Entry.")));
     EXPECT_EQ(shown(16, 1), "0");
     EXPECT_EQ(shown(16, 3), "0");
     EXPECT_FALSE(fake.session.DataModified);
@@ -632,9 +630,8 @@ TEST_F(Table, DiscardingBringsBackTheValuesAndCountsAsAChange) {
     fake.session.DataModified = false;  // the file holds 12 now
     fake.dialogs.answers.push_back(Answer::Yes);
     tool("Discard")->trigger();
-    EXPECT_EQ(fake.dialogs.boxes.back().title, "Discard Changes?");
-    EXPECT_EQ(fake.dialogs.boxes.back().text,
-              "Are you sure you want to reset the table back to it's original state?");
+    EXPECT_EQ(lastBox().title, "Discard Changes?");
+    EXPECT_EQ(lastBox().text, "Are you sure you want to reset the table back to it's original state?");
     EXPECT_EQ(ve(0), 7);
     EXPECT_EQ(shown(16, 1), "7");
     EXPECT_TRUE(fake.session.DataModified);
@@ -710,12 +707,11 @@ TEST_F(Table, TimeThatIsNoNumberReturnsWithTheFocusAndAnEmptyOneWarns) {
     EXPECT_EQ(gap->text(), "10");
     QApplication::processEvents();
     EXPECT_EQ(QApplication::focusWidget(), gap);
-    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
-    EXPECT_THAT(fake.dialogs.boxes[0].text, HasSubstr("Retype Data"));
+    EXPECT_THAT(fake.dialogs.boxes, ElementsAre(Tells("Retype Data")));
     gap->clear();
     enter();
     EXPECT_EQ(gap->text(), "10");
-    EXPECT_THAT(fake.dialogs.boxes.back().text, HasSubstr("Field CANNOT be NULL"));
+    EXPECT_THAT(lastBox().text, HasSubstr("Field CANNOT be NULL"));
     EXPECT_FALSE(fake.session.DataModified);
 }
 

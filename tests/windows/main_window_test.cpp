@@ -101,8 +101,7 @@ TEST_F(MainWindow, SaveAndCloseWaitForAFile) {
 TEST_F(MainWindow, F2OpensFastHelp) {
     EXPECT_EQ(action("mnuFastHelp")->shortcut(), QKeySequence(Qt::Key_F2));
     action("mnuFastHelp")->trigger();
-    ASSERT_FALSE(fake.dialogs.boxes.empty());
-    EXPECT_EQ(fake.dialogs.boxes.back().title, "Help");
+    EXPECT_EQ(lastBox().title, "Help");
 }
 
 TEST_F(MainWindow, HasTheToolbarButtonsByKey) {
@@ -154,7 +153,7 @@ TEST_F(MainWindow, Panel3TellsTheFirmwareUntilItIsCleared) {
 TEST_F(MainWindow, ExitAsksAndCancelKeepsTheProgram) {
     fake.dialogs.answers.push_back(Answer::Cancel);
     action("mnuExit")->trigger();
-    EXPECT_EQ(fake.dialogs.boxes.back().text, "Would you like to Shutdown Zentaq?");
+    EXPECT_EQ(lastBox().text, "Would you like to Shutdown Zentaq?");
     EXPECT_FALSE(windows.closed());
     EXPECT_TRUE(windows.main().isVisible());
 }

@@ -9,6 +9,9 @@
 namespace zentaq {
 namespace {
 
+using testing::Contains;
+using testing::HasSubstr;
+
 class StartSequence : public WindowTest {};
 
 TEST_F(StartSequence, BringsUpTheFrameTheWorkspaceAndTheDashboard) {
@@ -101,11 +104,7 @@ TEST_P(HeldStart, ClosingTheFrameEndsTheProgramAndLeavesNoWindowBehind) {
     EXPECT_FALSE(fake.port.isOpen());
     EXPECT_TRUE(fake.dialogs.boxes.empty());
     EXPECT_TRUE(fake.dialogs.requests.empty()) << "nobody is asked for a file any more";
-    int shutdowns = 0;
-    for (const std::string& line : fake.session.console.lines()) {
-        if (line.find("System Shutdown!") != std::string::npos) ++shutdowns;
-    }
-    EXPECT_EQ(shutdowns, 1);
+    EXPECT_THAT(fake.session.console.lines(), Contains(HasSubstr("System Shutdown!")).Times(1));
 }
 
 TEST_P(HeldStart, ACommandOfTheMenuWaitsForTheEndOfTheStart) {

@@ -7,9 +7,6 @@
 #include <QDialog>
 #include <QEventLoop>
 #include <QThread>
-#include <cstring>
-#include <fstream>
-#include <iterator>
 
 #include "unit_replies.h"
 #include "windows/key_press.h"
@@ -85,16 +82,7 @@ class TypedAhead : public TableWindowsTest {
         ASSERT_EQ(fake.session.link.linked().LinkedUnitKind, 3);
         windows.main().refresh();
     }
-    std::string fileText() {
-        std::ifstream file(fake.session.CurrentFile, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-    float inFile(int cell) {
-        const std::string text = fileText();
-        float value = 0;
-        std::memcpy(&value, text.data() + 12 + 4 * static_cast<std::size_t>(cell), sizeof value);
-        return value;
-    }
+    float inFile(int cell) const { return cellIn(fake.session.CurrentFile, cell); }
 };
 
 TEST_F(TypedAhead, StoreComesBehindTheStepsTypedBeforeIt) {
@@ -114,8 +102,7 @@ TEST_F(TypedAhead, ProgramWritesTheStepsTypedBeforeItAndDropsNone) {
     EXPECT_NE(windows.table(), nullptr);
     answer();
     EXPECT_EQ(ve(0), 2);
-    ASSERT_FALSE(fake.dialogs.boxes.empty());
-    EXPECT_EQ(fake.dialogs.boxes.back().title, "Error 1005");
+    EXPECT_EQ(lastBox().title, "Error 1005");
 }
 
 TEST_F(TypedAhead, SavePutsTheLastStepIntoTheFile) {
@@ -243,9 +230,7 @@ TEST_F(TypedAhead, AStoreThatWaitedForAUnitThatHasGoneIsToldAndNotSent) {
     settle();
     EXPECT_EQ(ve(0), 2);
     EXPECT_THAT(wire(), ElementsAre("P2"));
-    ASSERT_FALSE(fake.dialogs.boxes.empty());
-    EXPECT_EQ(fake.dialogs.boxes.back().text,
-              "\"Store Changes in ORB\" was not run: what it needs has gone meanwhile.");
+    EXPECT_EQ(lastBox().text, "\"Store Changes in ORB\" was not run: what it needs has gone meanwhile.");
 }
 
 TEST_F(TypedAhead, SaveTakesTheTextThatStandsInTheBox) {
@@ -260,8 +245,7 @@ TEST_F(TypedAhead, ATextThatIsRefusedEndsTheCommand) {
     type("99");
     fake.session.DataModified = true;
     windows.main().run("mnuSave");
-    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
-    EXPECT_THAT(fake.dialogs.boxes[0].text, HasSubstr("(-50 to 50%)"));
+    EXPECT_THAT(fake.dialogs.boxes, ElementsAre(Tells("(-50 to 50%)")));
     EXPECT_TRUE(fake.session.DataModified);
     EXPECT_EQ(ve(0), 0);
 }
@@ -395,8 +379,7 @@ TEST_F(TypedAhead, ASaveTypedBehindAnOpenComesBehindTheOpening) {
     fake.dialogs.answers = {Answer::Cancel};
     answer();
     settle();
-    ASSERT_FALSE(fake.dialogs.boxes.empty());
-    EXPECT_EQ(fake.dialogs.boxes.back().title, "Data Saved.");
+    EXPECT_EQ(lastBox().title, "Data Saved.");
     EXPECT_EQ(inFile(unit().find("VE")->index), 0) << "the change was declined";
 }
 

@@ -1,12 +1,12 @@
 // A started program on fakes: the windows stand, the start sequence has run, nothing is on the link.
 #pragma once
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <bit>
-#include <fstream>
 
+#include "app/calibration_floats.h"
 #include "app/fake_platform.h"
 #include "app/start_up.h"
 #include "windows/frm_config.h"
@@ -48,11 +48,23 @@ class ProgramWindows : public WindowManager {
     void killTimers() { tell(&WindowNews::killTimers); }
 };
 
+MATCHER_P(Tells, part, "") {
+    *result_listener << arg.text;
+    return arg.text.find(part) != std::string::npos;
+}
+
+class FakesTest : public testing::Test {
+ protected:
+    FakeSession fake;
+
+    /// An empty one when none was shown.
+    Box lastBox() const { return fake.dialogs.boxes.empty() ? Box{} : fake.dialogs.boxes.back(); }
+};
+
 /// An ORB A calibration in hand, for a window by itself.
-class OrbASession : public testing::Test {
+class OrbASession : public FakesTest {
  protected:
     static constexpr int orbA = 3;
-    FakeSession fake;
 
     OrbASession() {
         fake.session.makeUnits();
@@ -63,9 +75,8 @@ class OrbASession : public testing::Test {
     Unit& unit() { return fake.session.currentUnitObject(); }
 };
 
-class WindowTest : public testing::Test {
+class WindowTest : public FakesTest {
  protected:
-    FakeSession fake;
     MainCommands commands{fake.session};
     Kernel kernel{fake.session, commands};
     ProgramWindows windows{*qApp, fake.session, commands, kernel};
@@ -82,17 +93,11 @@ class WindowTest : public testing::Test {
         return windows.main().findChild<Object*>(QLatin1String(name));
     }
 
-    /// A whole ORB A calibration: header, then 2828 cells of 0 but for a rev limit.
+    /// A whole ORB A calibration of zeros but for a rev limit.
     std::string calibrationFile() const {
-        std::vector<float> floats{3, 9.44f, 5099};
-        floats.resize(3 + 2828, 0.0f);
+        std::vector<float> floats = wholeFloats();
         floats[3 + 58] = 6500;
-        std::ofstream file(fake.folder.path("tune.ZQ4OA"), std::ios::binary);
-        for (const float value : floats) {
-            const auto word = std::bit_cast<std::uint32_t>(value);
-            file.write(reinterpret_cast<const char*>(&word), sizeof word);
-        }
-        return fake.folder.path("tune.ZQ4OA");
+        return writeFloats(fake.folder.path("tune.ZQ4OA"), floats);
     }
     static void activate(QWidget& window) {
         window.activateWindow();

@@ -116,17 +116,14 @@ TEST_F(Forms, F2InTheSensorManagerTellsAboutTheControlInHand) {
 TEST_F(Forms, AFieldWithoutAnEntryIsToldInABox) {
     openDatabase();
     run("mnuFastHelp");
-    ASSERT_FALSE(fake.dialogs.boxes.empty());
-    EXPECT_EQ(fake.dialogs.boxes.back().title, "Help");
-    EXPECT_EQ(fake.dialogs.boxes.back().text, "There is no help on this field.");
+    EXPECT_EQ(lastBox().title, "Help");
+    EXPECT_EQ(lastBox().text, "There is no help on this field.");
 }
 
 TEST_F(Forms, WithoutADatabaseFastHelpTellsWhyThereIsNone) {
     fake.session.database.reset();
     run("mnuFastHelp");
-    ASSERT_FALSE(fake.dialogs.boxes.empty());
-    EXPECT_EQ(fake.dialogs.boxes.back().text,
-              "There are no help texts: the reference database could not be opened.");
+    EXPECT_EQ(lastBox().text, "There are no help texts: the reference database could not be opened.");
 }
 
 TEST_F(Forms, AWarningGivesTheFocusBackToTheFormNamed) {

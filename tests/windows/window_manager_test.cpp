@@ -84,7 +84,7 @@ TEST_F(Manager, WhatTheLinkTellsIsShownFromTheEventLoopAndNotFromInsideItsHandle
     EXPECT_EQ(fake.dialogs.boxes.size(), boxes);
     QCoreApplication::processEvents();
     ASSERT_EQ(fake.dialogs.boxes.size(), boxes + 1);
-    EXPECT_EQ(fake.dialogs.boxes.back().title, "Complete!");
+    EXPECT_EQ(lastBox().title, "Complete!");
 }
 
 TEST_F(Manager, AUnitThatIsFoundBeginsAMonitorSessionWhereTheOptionsAskForIt) {
