@@ -7,6 +7,7 @@
 #include "base/number_text.h"
 #include "base/shown_text.h"
 #include "commands.h"
+#include "unit/table_kinds.h"
 #include "unit_names.h"
 
 namespace zentaq::ctl {
@@ -44,15 +45,6 @@ std::vector<std::string> wordsOf(int argc, char** argv) {
     }
     std::ranges::reverse(words);
     return words;
-}
-
-/// A command whose work leaves nothing to answer.
-template <typename Work>
-Run doing(Work&& work) {
-    return [work = std::forward<Work>(work)](const Context& context) {
-        work(context);
-        return done;
-    };
 }
 
 }  // namespace
@@ -94,14 +86,21 @@ void CommandLine::refuseUnknownCommand(const std::string& word) const {
         throw CLI::ValidationError(shownBriefly(word) + " is no command");
 }
 
+CLI::App* CommandLine::add(const char* name, const char* what, Work work) {
+    return add(name, what, Run([this, work = std::move(work)](const Context& context) {
+                   work(context, given_);
+                   return done;
+               }));
+}
+
 CLI::App* CommandLine::add(const char* name, const char* what, Run run) {
     CLI::App* command = app_.add_subcommand(name, what);
     commands_.emplace_back(command, std::move(run));
     return command;
 }
 
-CLI::App* CommandLine::addOnFile(const char* name, const char* what, Run run) {
-    CLI::App* command = add(name, what, std::move(run));
+CLI::App* CommandLine::addOnFile(const char* name, const char* what, Work work) {
+    CLI::App* command = add(name, what, std::move(work));
     command->add_option("FILE", given_.file, "Calibration file")->required();
     return command;
 }
@@ -143,35 +142,36 @@ void CommandLine::takeCutToo(CLI::App* command) {
 }
 
 void CommandLine::addReading() {
-    Arguments& given = given_;
     addJson(addOnFile("info", "Show what a file is",
-                      doing([&given](const Context& context) { info(context, given.file); })));
+                      [](const Context& context, const Arguments& given) { info(context, given.file); }));
 
-    CLI::App* list = add(
-        "members",
-        "List the members of a unit kind, one a line, separated by tabs; of all kinds "
-        "where neither FILE nor --kind is given",
-        doing([&given](const Context& context) { members(context, given.file, kindOrNone(given.kind)); }));
+    CLI::App* list = add("members",
+                         "List the members of a unit kind, one a line, separated by tabs; of all kinds "
+                         "where neither FILE nor --kind is given",
+                         [](const Context& context, const Arguments& given) {
+                             members(context, given.file, kindOrNone(given.kind));
+                         });
     CLI::Option* file =
-        list->add_option("FILE", given.file, "Of this calibration, with the limits in force there");
-    list->add_option("--kind", given.kind,
+        list->add_option("FILE", given_.file, "Of this calibration, with the limits in force there");
+    list->add_option("--kind", given_.kind,
                      "Unit kind: A, L, C, D, D6, PZK-2, a class, an extension or a number")
         ->check(CLI::Validator(validKind, "KIND"))
         ->excludes(file);
     addJson(list);
 
-    CLI::App* show = addOnFile(
-        "get", "Show a value, a curve or a table",
-        doing([&given](const Context& context) { get(context, given.file, given.member, given.index); }));
+    CLI::App* show = addOnFile("get", "Show a value, a curve or a table",
+                               [](const Context& context, const Arguments& given) {
+                                   get(context, given.file, given.member, given.index);
+                               });
     addMember(show);
-    CLI::Option* place = show->add_option("INDEX", given.index, "Element, from 0; without it all are shown");
-    show->add_option("--index", given.index, "The same")->excludes(place);
+    CLI::Option* place = show->add_option("INDEX", given_.index, "Element, from 0; without it all are shown");
+    show->add_option("--index", given_.index, "The same")->excludes(place);
     addJson(show);
 
     CLI::App* sent = addOnFile("record", "Show the records that a change sends to a running unit, one a line",
-                               doing([&given](const Context& context) {
+                               [](const Context& context, const Arguments& given) {
                                    record(context, given.file, given.member, given.value, given.index);
-                               }));
+                               });
     addMember(sent);
     addValue(sent);
     addIndex(sent);
@@ -179,13 +179,12 @@ void CommandLine::addReading() {
 }
 
 void CommandLine::addChanging() {
-    Arguments& given = given_;
     constexpr const char* elsewhere = "Write here and leave FILE as it is";
 
     CLI::App* change =
-        addOnFile("set", "Change a value in a file", doing([&given](const Context& context) {
-                      set(context, given.file, given.member, given.value, given.index, given.output);
-                  }));
+        addOnFile("set", "Change a value in a file", [](const Context& context, const Arguments& given) {
+            set(context, given.file, given.member, given.value, given.index, given.output);
+        });
     addMember(change);
     addValue(change);
     addIndex(change);
@@ -194,136 +193,135 @@ void CommandLine::addChanging() {
 
     CLI::App* raw =
         addOnFile("cell", "Show or change a cell as it stands: nothing converted, no range checked",
-                  doing([&given](const Context& context) {
+                  [](const Context& context, const Arguments& given) {
                       if (!given.cell) return showCell(context, given.file, *given.index);
                       setCell(context, given.file, *given.index, *given.cell, given.output);
-                  }));
-    raw->add_option("INDEX", given.index, "Number of the cell, from 0")->required();
+                  });
+    raw->add_option("INDEX", given_.index, "Number of the cell, from 0")->required();
     CLI::Option* value =
-        raw->add_option("VALUE", given.cell, "The new content; without it the cell is shown");
+        raw->add_option("VALUE", given_.cell, "The new content; without it the cell is shown");
     addOutput(raw, elsewhere)->needs(value);
     takeCutToo(raw);
-    raw->add_flag("--json", given.json, "Answer in JSON")->excludes(value);
+    raw->add_flag("--json", given_.json, "Answer in JSON")->excludes(value);
 
-    CLI::App* memory =
-        addOnFile("image", "Write the memory image as S-records", doing([&given](const Context& context) {
-                      image(context, given.file, parseFirmware(given.firmware), given.output);
-                  }));
-    memory->add_option("--firmware", given.firmware, "Image for this firmware, such as 5.99")
+    CLI::App* memory = addOnFile("image", "Write the memory image as S-records",
+                                 [](const Context& context, const Arguments& given) {
+                                     image(context, given.file, parseFirmware(given.firmware), given.output);
+                                 });
+    memory->add_option("--firmware", given_.firmware, "Image for this firmware, such as 5.99")
         ->check(CLI::Validator(validFirmware, "RELEASE.BUILD"));
     addOutput(memory, "S-record file to write; - is the standard output")->required();
     takeCutToo(memory);
 
-    CLI::App* old =
-        add("import-bin", "Turn a file of the older generation into a calibration file",
-            doing([&given](const Context& context) { importOld(context, given.file, given.output); }));
-    old->add_option("OLD", given.file, "File of the older generation, *.BIN")->required();
+    CLI::App* old = add(
+        "import-bin", "Turn a file of the older generation into a calibration file",
+        [](const Context& context, const Arguments& given) { importOld(context, given.file, given.output); });
+    old->add_option("OLD", given_.file, "File of the older generation, *.BIN")->required();
     addOutput(old, "Calibration file to write")->required();
 }
 
 void CommandLine::addTable() {
-    Arguments& given = given_;
     CLI::App* table = addOnFile(
         "table", "Show a table with its axes, separated by tabs, highest row on top; or write one back",
-        doing([&given](const Context& context) {
+        [](const Context& context, const Arguments& given) {
             if (!given.from) return showTable(context, given.file, given.member);
             setTable(context, given.file, given.member, *given.from, given.output);
-        }));
-    table->add_option("NAME", given.member, "Table")
-        ->required()
-        ->check(CLI::IsMember({"ADV", "AFR", "SPW", "VE", "GPO1", "GPO2"}));
+        });
+    std::vector<std::string> names;
+    for (const TableKind& each : tableKinds()) names.emplace_back(each.name);
+    table->add_option("NAME", given_.member, "Table")->required()->check(CLI::IsMember(names));
     CLI::Option* from = table->add_option(
-        "--from", given.from, "Take cells and axes from a text of the same form; - is the standard input");
+        "--from", given_.from, "Take cells and axes from a text of the same form; - is the standard input");
     addOutput(table, "With --from: write here and leave FILE as it is")->needs(from);
     takeCutToo(table);
-    table->add_flag("--json", given.json, "Answer in JSON, lowest row first")->excludes(from);
+    table->add_flag("--json", given_.json, "Answer in JSON, lowest row first")->excludes(from);
 }
 
 void CommandLine::addComparing() {
-    Arguments& given = given_;
     CLI::App* compare =
         add("diff", "Show what differs between two files, one a line; exit status 1 where they differ",
-            [&given](const Context& context) {
-                return diff(context, given.file, given.second) ? done : different;
-            });
-    compare->add_option("A", given.file, "Calibration file; - is the standard input")->required();
-    compare->add_option("B", given.second, "Calibration file")->required();
+            Run([this](const Context& context) {
+                return diff(context, given_.file, given_.second) ? done : different;
+            }));
+    compare->add_option("A", given_.file, "Calibration file; - is the standard input")->required();
+    compare->add_option("B", given_.second, "Calibration file")->required();
     addJson(compare);
 
-    CLI::App* join =
-        add("merge", "Join the changes that A and B made to BASE", doing([&given](const Context& context) {
-                mergeFiles(context, given.file, given.second, given.third, given.output);
-            }));
-    join->add_option("BASE", given.file, "Calibration file that both began with")->required();
-    join->add_option("A", given.second, "Calibration file")->required();
-    join->add_option("B", given.third, "Calibration file")->required();
+    CLI::App* join = add("merge", "Join the changes that A and B made to BASE",
+                         [](const Context& context, const Arguments& given) {
+                             mergeFiles(context, given.file, given.second, given.third, given.output);
+                         });
+    join->add_option("BASE", given_.file, "Calibration file that both began with")->required();
+    join->add_option("A", given_.second, "Calibration file")->required();
+    join->add_option("B", given_.third, "Calibration file")->required();
     addOutput(join, "Calibration file to write; nothing is written on a conflict")->required();
     takeCutToo(join);
 
-    CLI::App* listing =
-        addOnFile("export", "Write a file as text, one value a line, for version control",
-                  doing([&given](const Context& context) { exportText(context, given.file, given.output); }));
+    CLI::App* listing = addOnFile("export", "Write a file as text, one value a line, for version control",
+                                  [](const Context& context, const Arguments& given) {
+                                      exportText(context, given.file, given.output);
+                                  });
     addOutput(listing, "Text file to write; without it, or as -, the standard output");
 
-    CLI::App* back =
-        add("import", "Turn the text of export into the same file again",
-            doing([&given](const Context& context) { importText(context, given.file, given.output); }));
-    back->add_option("TEXT", given.file, "Text file; - is the standard input")->required();
+    CLI::App* back = add("import", "Turn the text of export into the same file again",
+                         [](const Context& context, const Arguments& given) {
+                             importText(context, given.file, given.output);
+                         });
+    back->add_option("TEXT", given_.file, "Text file; - is the standard input")->required();
     addOutput(back, "Calibration file to write")->required();
 }
 
 void CommandLine::addMaking() {
-    Arguments& given = given_;
     constexpr const char* models =
         "Model: \"ORB A Standard\", \"ORB A 6/12\", \"ORB AR\", \"ORB L\", "
         "PZK-2, \"ORB D\" or \"ORB C\", or a unit kind such as A";
     CLI::App* make =
         add("new", "Make a new calibration of an engine, a sensor and the default values",
-            doing([&given](const Context& context) {
+            [](const Context& context, const Arguments& given) {
                 makeNew(context, {given.model, given.engine, given.sensor, given.settings, given.output});
-            }));
-    make->add_option("--unit", given.model, models)->required()->check(CLI::Validator(wrongModel, "MODEL"));
-    make->add_option("--engine", given.engine, "Engine, as the command engines lists it")->required();
-    make->add_option("--sensor", given.sensor, "MAP sensor, as the command sensors lists it")->required();
-    make->add_option("--set", given.settings, "A value that is not the default one; may be given again")
+            });
+    make->add_option("--unit", given_.model, models)->required()->check(CLI::Validator(wrongModel, "MODEL"));
+    make->add_option("--engine", given_.engine, "Engine, as the command engines lists it")->required();
+    make->add_option("--sensor", given_.sensor, "MAP sensor, as the command sensors lists it")->required();
+    make->add_option("--set", given_.settings, "A value that is not the default one; may be given again")
         ->allow_extra_args(false)
         ->check(CLI::Validator(validSetting, "MEMBER=VALUE"));
     addOutput(make, "Calibration file to write")->required();
 
-    CLI::App* engines = add("engines", "List the engines, one a line, separated by tabs",
-                            doing([&given](const Context& context) { listEngines(context, given.model); }));
-    engines->add_option("--unit", given.model, models)->check(CLI::Validator(wrongModel, "MODEL"));
+    CLI::App* engines =
+        add("engines", "List the engines, one a line, separated by tabs",
+            [](const Context& context, const Arguments& given) { listEngines(context, given.model); });
+    engines->add_option("--unit", given_.model, models)->check(CLI::Validator(wrongModel, "MODEL"));
     addJson(engines);
     addJson(add("sensors", "List the MAP sensors, one a line, separated by tabs",
-                doing([](const Context& context) { listSensors(context); })));
+                [](const Context& context, const Arguments&) { listSensors(context); }));
 }
 
 void CommandLine::addDecoding() {
-    Arguments& given = given_;
     CLI::App* reply =
         add("decode", "Show what a reply of a unit says, one NAME=value a line",
-            doing([&given](const Context& context) {
+            [](const Context& context, const Arguments& given) {
                 const std::string hex = std::accumulate(given.hex.begin(), given.hex.end(), std::string());
                 decode(context, kindOrNone(given.kind), given.reply.front(), hex, given.calibration);
-            }));
+            });
     reply
-        ->add_option("HEX", given.hex,
+        ->add_option("HEX", given_.hex,
                      "The bytes in hexadecimal, with or without blanks; - is the standard input")
         ->required()
         ->expected(1, -1);
     reply
-        ->add_option("--kind", given.kind,
+        ->add_option("--kind", given_.kind,
                      "Unit kind: A, L, C, D, D6, PZK-2, a class, an extension or a number")
         ->check(CLI::Validator(validKind, "KIND"));
-    reply->add_option("--reply", given.reply, "Command that was answered")
+    reply->add_option("--reply", given_.reply, "Command that was answered")
         ->required()
         ->check(CLI::IsMember(std::vector<std::string>(std::begin(knownReplies), std::end(knownReplies))));
     reply->add_option(
-        "--calibration", given.calibration,
+        "--calibration", given_.calibration,
         "Calibration file that scales the values; without it a plain one of the newest firmware");
     addJson(reply);
-    reply->final_callback([&given] {
-        if (!given.kind.empty() || !given.calibration.empty() || given.reply == "E") return;
+    reply->final_callback([this] {
+        if (!given_.kind.empty() || !given_.calibration.empty() || given_.reply == "E") return;
         throw CLI::RequiredError("--kind or --calibration");
     });
 }

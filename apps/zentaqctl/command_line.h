@@ -48,9 +48,10 @@ struct Arguments {
     bool json = false;
 };
 
-/// A command does its work and answers the exit status: 0 done, 1 where `diff` found differences, 3 and above
-/// as the commands of the link have them.
+/// A command does its work and answers the exit status: 0 done, 1 where `diff` found differences.
 using Run = std::function<int(const Context& context)>;
+/// One that has nothing to answer where it does not throw.
+using Work = std::function<void(const Context& context, const Arguments& given)>;
 
 class CommandLine {
  public:
@@ -64,11 +65,13 @@ class CommandLine {
     bool explain(const CLI::ParseError& error) { return app_.exit(error) == 0; }
     bool json() const { return given_.json; }
     bool force() const { return given_.force; }
+    const std::string& trace() const { return given_.trace; }
 
  private:
     void refuseUnknownCommand(const std::string& word) const;
+    CLI::App* add(const char* name, const char* what, Work work);
     CLI::App* add(const char* name, const char* what, Run run);
-    CLI::App* addOnFile(const char* name, const char* what, Run run);
+    CLI::App* addOnFile(const char* name, const char* what, Work work);
     void addMember(CLI::App* command);
     void addValue(CLI::App* command);
     void addIndex(CLI::App* command);
@@ -88,7 +91,7 @@ class CommandLine {
     void addLink();
     void addLinkTransfers();
     void addTraces();
-    CLI::App* addOnPort(const char* name, const char* what, Run run);
+    CLI::App* addOnPort(const char* name, const char* what, Work work);
     CLI::Option* addScaling(CLI::App* command, const char* what);
 
     CLI::App app_;

@@ -1,15 +1,16 @@
 // diff, merge, export, import: calibrations under version control.
+#include <array>
 #include <ostream>
 
 #include "base/errors.h"
 #include "base/json_writer.h"
 #include "base/number_text.h"
-#include "commands.h"
 #include "calibration/calibration_cells.h"
 #include "calibration/calibration_diff.h"
 #include "calibration/calibration_listing.h"
 #include "calibration/calibration_merge.h"
 #include "calibration/calibration_view.h"
+#include "commands.h"
 #include "config/quiet_calibration.h"
 #include "outputs.h"
 #include "unit/file_kind.h"
@@ -21,39 +22,20 @@ namespace zentaq::ctl {
 
 namespace {
 
-std::string_view textOf(DifferenceIn in) {
-    switch (in) {
-        case DifferenceIn::Kind:
-            return "kind";
-        case DifferenceIn::Header:
-            return "header";
-        case DifferenceIn::Text:
-            return "text";
-        case DifferenceIn::Option:
-            return "option";
-        case DifferenceIn::Value:
-            return "value";
-        case DifferenceIn::Curve:
-            return "curve";
-        case DifferenceIn::Table:
-            return "table";
-        case DifferenceIn::Pin:
-            return "pin";
-        case DifferenceIn::Cell:
-            return "cell";
-        default:
-            return "surplus";
-    }
-}
+/// In the order of DifferenceIn.
+constexpr std::array<std::string_view, 10> places = {"kind",  "header", "text", "option", "value",
+                                                     "curve", "table",  "pin",  "cell",   "surplus"};
 
 void writeJson(std::ostream& out, const std::vector<Difference>& found) {
     JsonWriter json(out);
     json.beginArray();
     for (const Difference& each : found) {
-        json.beginObject().member("in", textOf(each.in)).member("member", std::string_view(each.member));
-        json.member("element", std::string_view(each.element)).member("place", std::string_view(each.place));
-        json.member("first", std::string_view(each.first)).member("second", std::string_view(each.second));
-        json.member("unit", std::string_view(each.unit)).member("information", each.information).endObject();
+        json.beginObject()
+            .member("in", places.at(static_cast<std::size_t>(each.in)))
+            .member("member", each.member);
+        json.member("element", each.element).member("place", each.place);
+        json.member("first", each.first).member("second", each.second);
+        json.member("unit", each.unit).member("information", each.information).endObject();
     }
     json.endArray();
     out << '\n';

@@ -1,9 +1,6 @@
 // decode: the bytes of one reply of a unit as names and values.
-#include <algorithm>
 #include <cmath>
-#include <limits>
 #include <ostream>
-#include <utility>
 #include <vector>
 
 #include "base/errors.h"
@@ -153,14 +150,9 @@ struct AsText {
     std::string operator()(const std::string& value) const { return value; }
 };
 
-struct AsJson {
-    JsonWriter& json;
-    void operator()(const std::string& value) const { json.value(std::string_view(value)); }
-    template <typename Number>
-    void operator()(Number value) const {
-        json.value(value);
-    }
-};
+void writeValue(JsonWriter& json, const Finding& found) {
+    std::visit([&json](const auto& value) { json.value(value); }, found.value);
+}
 
 /// Codes may be many of one name: they make a list of their own.
 void writeJson(std::ostream& out, const UnitKind& kind, char reply, const Findings& findings) {
@@ -170,13 +162,13 @@ void writeJson(std::ostream& out, const UnitKind& kind, char reply, const Findin
     for (const Finding& found : findings) {
         if (found.name == "Code") continue;
         json.key(found.name);
-        std::visit(AsJson{json}, found.value);
+        writeValue(json, found);
     }
     json.endObject();
     if (reply == 'T') {
         json.key("codes").beginArray();
         for (const Finding& found : findings) {
-            if (found.name == "Code") std::visit(AsJson{json}, found.value);
+            if (found.name == "Code") writeValue(json, found);
         }
         json.endArray();
     }

@@ -22,12 +22,10 @@ void writeIdentity(const Context& context, LinkDesk& desk) {
     const LinkedUnit& linked = desk.link().linked();
     const Unit& unit = desk.session().linkedUnit();
     JsonWriter json(context.out);
-    json.beginObject()
-        .member("port", std::string_view(desk.portName()))
-        .member("kind", linked.LinkedUnitKind);
+    json.beginObject().member("port", desk.portName()).member("kind", linked.LinkedUnitKind);
     json.member("model", unit.kind().name);
-    json.member("label", std::string_view(desk.session().linkDisplay.status().unitLabel));
-    json.member("serial", int{linked.SerialNumber}).member("firmware", std::string_view(unit.FirmWare()));
+    json.member("label", desk.session().linkDisplay.status().unitLabel);
+    json.member("serial", int{linked.SerialNumber}).member("firmware", unit.FirmWare());
     json.member("release", unit.FW_Release()).member("build", unit.FW_Build());
     json.member("calibration", trimmed(linked.UnitBinName)).member("wideFrames", linked.WideMonitor);
     json.member("mustBeUpgraded", linked.OldFirmware).endObject();
@@ -68,9 +66,9 @@ void listPorts(const Context& context) {
     JsonWriter json(context.out);
     json.beginArray();
     for (const PortInfo& port : ports) {
-        json.beginObject().member("number", port.number).member("device", std::string_view(port.device));
-        json.member("description", std::string_view(port.description));
-        json.member("identity", std::string_view(port.identity)).endObject();
+        json.beginObject().member("number", port.number).member("device", port.device);
+        json.member("description", port.description);
+        json.member("identity", port.identity).endObject();
     }
     json.endArray();
     context.out << '\n';
@@ -111,7 +109,7 @@ void codes(const Context& context, const std::string& port, bool clear) {
     if (context.json) {
         JsonWriter json(context.out);
         json.beginObject().member("serial", int{desk.link().linked().SerialNumber}).key("codes").beginArray();
-        for (const std::string& text : texts) json.value(std::string_view(text));
+        for (const std::string& text : texts) json.value(text);
         json.endArray().endObject();
         context.out << '\n';
         return;

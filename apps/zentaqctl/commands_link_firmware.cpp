@@ -6,13 +6,14 @@
 #include <ostream>
 #include <string>
 
+#include "base/box_texts.h"
 #include "base/errors.h"
+#include "base/message_codes.h"
 #include "base/number_text.h"
 #include "base/text.h"
 #include "commands_link.h"
 #include "link/firmware_file.h"
 #include "link_desk.h"
-#include "link_texts.h"
 #include "unit_names.h"
 
 namespace zentaq::ctl {
@@ -73,7 +74,7 @@ Target unitForFirmware(LinkDesk& desk, const FirmwareWish& wish) {
     const Found found = desk.search();
     if (found == Found::Nobody) {
         if (named == nullptr) {
-            throw NoUnit(std::string(noUnitConnected) + " (" + desk.portName() +
+            throw NoUnit(errorLine(codes::NoUnit) + " (" + desk.portName() +
                          ") A unit that has lost its firmware takes one with --unit-without-firmware.");
         }
         refuseForeignFile(*named, wish.file);
@@ -85,7 +86,7 @@ Target unitForFirmware(LinkDesk& desk, const FirmwareWish& wish) {
                       "Norvalia. Nothing was sent to the unit.");
     }
     const UnitKind& kind = desk.session().linkedUnit().kind();
-    if (named != nullptr && named->slot != kind.slot) throw Failure(std::string(incorrectUnit));
+    if (named != nullptr) desk.requireKind(*named);
     refuseForeignFile(kind, wish.file);
     return {desk.unitName(), kind.slot};
 }
@@ -106,11 +107,11 @@ std::string whyNotUpgraded(const TransferReport& end) {
     }
     switch (end.firmware) {
         case FirmwareLeft::Former:
-            return std::string(firmwareNotStarted);
+            return messageLine(codes::FirmwareNotStarted);
         case FirmwareLeft::Lost:
-            return std::string(unitLost);
+            return messageLine(codes::UnitLost);
         default:
-            return std::string(firmwareFailed) + howFar(end);
+            return messageLine(codes::FirmwareFailed) + howFar(end);
     }
 }
 
@@ -142,7 +143,8 @@ void firmware(const Context& context, const std::string& port, const FirmwareWis
     const TransferReport end = upgrade(desk, wish.file, text, unit.slot);
     if (end.ending == Ending::Stopped) throw Interrupted(whatABreakLeaves(end), desk.signal());
     if (end.ending != Ending::Done) throw Failure(whyNotUpgraded(end));
-    context.out << unit.name << ": " << programmed << ' ' << loadCalibration << '\n';
+    context.out << unit.name << ": " << messageLine(codes::Programmed) << ' '
+                << messageLine(codes::LoadCalibration) << '\n';
 }
 
 }  // namespace zentaq::ctl

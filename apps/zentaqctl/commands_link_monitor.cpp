@@ -10,7 +10,6 @@
 #include "headless/headless_monitor.h"
 #include "link/frame_timing.h"
 #include "link_desk.h"
-#include "link_texts.h"
 #include "live/frame_decoder.h"
 #include "outputs.h"
 
@@ -155,8 +154,7 @@ void monitor(const Context& context, const std::string& port, const MonitorWish&
     LinkDesk desk(context, port, host, calibration ? &calibration->unit : nullptr);
     desk.findUnit();
     Unit& unit = desk.session().linkedUnit();
-    if (calibration && unit.kind().slot != calibration->unit.kind().slot)
-        throw Failure(std::string(incorrectUnit));
+    if (calibration) desk.requireKind(calibration->unit.kind());
 
     const auto log = wish.log.empty() ? nullptr : openGrowing(context, wish.log, "datalog");
     forgetNumbers(desk.session().live());

@@ -2,11 +2,12 @@
 #include <ostream>
 #include <variant>
 
+#include "base/box_texts.h"
 #include "base/errors.h"
 #include "base/json_writer.h"
+#include "base/message_codes.h"
 #include "commands_link.h"
 #include "link_desk.h"
-#include "link_texts.h"
 #include "members.h"
 
 namespace zentaq::ctl {
@@ -64,9 +65,9 @@ void writeAnswer(const Context& context, LinkDesk& desk, const Member& member, i
         return;
     }
     JsonWriter json(context.out);
-    json.beginObject().member("member", std::string_view(member.name)).member("index", index);
+    json.beginObject().member("member", member.name).member("index", index);
     json.member("serial", int{desk.link().linked().SerialNumber}).key("records").beginArray();
-    for (const std::string& record : records) json.value(std::string_view(record));
+    for (const std::string& record : records) json.value(record);
     json.endArray().endObject();
     context.out << '\n';
 }
@@ -84,7 +85,7 @@ void send(const Context& context, const std::string& port, const SendWish& wish)
     desk.findUnit();
     const Unit& linked = desk.session().linkedUnit();
     if (!calibration) calibration = std::make_unique<QuietCalibration>(linked.kind(), context.database);
-    if (!shareFiles(calibration->unit.kind(), linked.kind())) throw Failure(std::string(incorrectUnit));
+    if (!shareFiles(calibration->unit.kind(), linked.kind())) throw Failure(errorLine(codes::WrongUnit));
     const Member member = memberToSend(linked.kind(), wish);
     const auto records = recordsOf(*calibration, linked, member, wish);
     for (const std::string& record : records) {

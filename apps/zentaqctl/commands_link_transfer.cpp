@@ -8,14 +8,16 @@
 #include <ostream>
 #include <system_error>
 
+#include "base/box_texts.h"
 #include "base/errors.h"
 #include "base/file_reader.h"
 #include "base/file_type.h"
+#include "base/message_codes.h"
 #include "base/number_text.h"
 #include "base/text.h"
+#include "base/warning_texts.h"
 #include "commands_link.h"
 #include "link_desk.h"
-#include "link_texts.h"
 #include "outputs.h"
 #include "unit/safe_file.h"
 
@@ -94,13 +96,13 @@ std::string whyNotProgrammed(const TransferReport& end) {
     const std::string what = end.lines == 0
                                  ? " the start of programming."
                                  : " line " + numberText(end.lines) + " of " + numberText(end.total) + ".";
-    return std::string(notProgrammed) + " The unit " + verb + what;
+    return messageLine(codes::CalibrationFailed) + " The unit " + verb + what;
 }
 
 void warnOlderFirmware(const Context& context, LinkDesk& desk) {
     const Unit& unit = desk.session().linkedUnit();
     if (unit.FW_Release() < desk.session().expectedFirmware(unit.kind().slot).release) {
-        context.notes << olderFirmware << '\n';
+        context.notes << onOneLine(warningText(codes::OldFirmware)->text) << '\n';
     }
 }
 
@@ -141,7 +143,7 @@ std::string whyNotDownloaded(const TransferReport& end) {
     const std::string after = " after " + numberText(end.lines) + " records; nothing was written.";
     switch (end.ending) {
         case Ending::Refused:
-            return std::string(notDownloaded);
+            return messageLine(codes::LogFailed);
         case Ending::NotWritten:
             return "The datalog cannot be written" + after;
         case Ending::Unclear:
@@ -157,9 +159,7 @@ void program(const Context& context, const std::string& port, const std::string&
     CalibrationInHand calibration(context, file, CutFile::Refused);
     LinkDesk desk(context, port, calibration.host, &calibration.unit);
     desk.findUnit();
-    if (desk.session().linkedUnit().kind().slot != calibration.unit.kind().slot) {
-        throw Failure(std::string(incorrectUnit));
-    }
+    desk.requireKind(calibration.unit.kind());
     endOnFailure([&] { calibration.unit.settleFirmware(); },
                  [&](const std::string& why) {
                      throw Failure(file + " makes no image: " + why + ". Nothing was sent to the unit.");
@@ -171,7 +171,7 @@ void program(const Context& context, const std::string& port, const std::string&
     programUnit(desk, file);
     noteOutOfRange(context, file, calibration.unit, calibration.unit.kind().fileFloats);
     tell(context, calibration.host);
-    context.out << desk.unitName() << ": " << programmed << '\n';
+    context.out << desk.unitName() << ": " << messageLine(codes::Programmed) << '\n';
 }
 
 void datalog(const Context& context, const std::string& port, const std::string& output,
@@ -185,9 +185,7 @@ void datalog(const Context& context, const std::string& port, const std::string&
     QuietHost host(context.database);
     LinkDesk desk(context, port, host, calibration ? &calibration->unit : nullptr);
     desk.findUnit();
-    if (calibration && desk.session().linkedUnit().kind().slot != calibration->unit.kind().slot) {
-        throw Failure(std::string(incorrectUnit));
-    }
+    if (calibration) desk.requireKind(calibration->unit.kind());
     const ScratchFolder scratch;
     const std::string fresh = scratch.path() + "/log.dat";
     const TransferReport end = desk.session().transfer(TransferMode::Datalog, fresh);
@@ -202,8 +200,8 @@ void datalog(const Context& context, const std::string& port, const std::string&
         refuseReplacing(context, output, "datalog");  // minutes have passed
         writeFileSafely(output, log);
     }
-    context.out << desk.unitName() << ": " << downloaded << " (" << end.lines << " records in " << output
-                << ")\n";
+    context.out << desk.unitName() << ": " << messageLine(codes::LogDownloaded) << " (" << end.lines
+                << " records in " << output << ")\n";
 }
 
 }  // namespace zentaq::ctl

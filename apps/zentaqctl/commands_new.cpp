@@ -1,7 +1,6 @@
 // new, engines, sensors: a calibration made of the reference database, and what there is to choose from.
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <iterator>
 #include <ostream>
 
@@ -192,10 +191,10 @@ void writeText(std::ostream& out, const ListedEngine& engine) {
 
 void writeJson(JsonWriter& json, const ListedEngine& engine) {
     json.beginObject().member("kind", engine.kind.slot);
-    json.member("model", std::string_view(modelOfEngine(engine.kind, engine.row)));
-    json.member("engine", std::string_view(engine.row.displayValue)).member("option", engine.row.optType);
+    json.member("model", modelOfEngine(engine.kind, engine.row));
+    json.member("engine", engine.row.displayValue).member("option", engine.row.optType);
     json.member("cylinders", engine.row.cylinders).member("ignitionsATurn", engine.row.ignRev);
-    json.member("injection", std::string_view(injectionOf(engine.kind, engine.row)));
+    json.member("injection", injectionOf(engine.kind, engine.row));
     json.member("toothMin", engine.row.minOffset).member("toothMax", engine.row.maxOffset);
     json.member("rotary", engine.row.rotary).member("dualPlug", engine.row.editDfub).endObject();
 }
@@ -214,7 +213,7 @@ void writeText(std::ostream& out, const MapSensorRow& sensor) {
 }
 
 void writeJson(JsonWriter& json, const MapSensorRow& sensor) {
-    json.beginObject().member("id", sensor.id).member("sensor", std::string_view(sensor.description));
+    json.beginObject().member("id", sensor.id).member("sensor", sensor.description);
     json.member("scale", sensor.scale).member("offset", sensor.offset);
     json.member("unit", pressureUnitsOf(sensor.units)).member("from", pressureAt(sensor, 0));
     json.member("to", pressureAt(sensor, fullVolts)).endObject();

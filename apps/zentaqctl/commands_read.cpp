@@ -1,5 +1,4 @@
 // info, members, get, cell, record: what a file holds, and what a change would send.
-#include <cmath>
 #include <filesystem>
 #include <ostream>
 
@@ -51,21 +50,17 @@ void writeText(std::ostream& out, const FileFacts& facts) {
 
 void writeJson(std::ostream& out, const std::string& file, const FileFacts& facts) {
     JsonWriter json(out);
-    json.beginObject().member("file", std::string_view(file)).member("kind", facts.header.currentUnit);
-    json.member("model", facts.unit.kind().model).member("version", std::string_view(facts.version()));
+    json.beginObject().member("file", file).member("kind", facts.header.currentUnit);
+    json.member("model", facts.unit.kind().model).member("version", facts.version());
     json.member("firmwareCode", facts.header.firmwareCode).member("release", facts.unit.FW_Release());
-    json.member("build", facts.unit.FW_Build()).member("name", std::string_view(facts.name()));
+    json.member("build", facts.unit.FW_Build()).member("name", facts.name());
     json.member("floats", facts.floats()).member("bytes", static_cast<int>(facts.bytes));
-    json.member("notes", std::string_view(facts.unit.NOTES_TEXT())).endObject();
+    json.member("notes", facts.unit.NOTES_TEXT()).endObject();
     out << '\n';
 }
 
 void writeValue(JsonWriter& json, const Value& value) {
-    if (const auto* text = std::get_if<std::string>(&value)) {
-        json.value(std::string_view(*text));
-    } else {
-        json.value(std::get<float>(value));
-    }
+    std::visit([&json](const auto& each) { json.value(each); }, value);
 }
 
 /// Members of one kind; `calibration` tells the limits in force, where there is one.
@@ -99,17 +94,15 @@ void writeText(std::ostream& out, const MemberList& list) {
 void writeJson(JsonWriter& json, const MemberList& list) {
     for (const Member& member : membersOf(list.kind)) {
         json.beginObject().member("kind", list.kind.slot).member("model", list.kind.name);
-        json.member("name", std::string_view(member.name)).key("cell");
+        json.member("name", member.name).key("cell");
         if (member.cell >= 0) {
             json.value(member.cell).member("stride", member.stride);
         } else {
             json.null();
         }
-        json.member("count", member.count).member("range", std::string_view(rangeIn(list, member)));
-        json.member("unit", std::string_view(unitIn(list, member))).member("sent", textOf(member.reach));
-        json.member("readOnly", !member.write)
-            .member("meaning", std::string_view(member.meaning))
-            .endObject();
+        json.member("count", member.count).member("range", rangeIn(list, member));
+        json.member("unit", unitIn(list, member)).member("sent", textOf(member.reach));
+        json.member("readOnly", !member.write).member("meaning", member.meaning).endObject();
     }
 }
 
@@ -133,7 +126,7 @@ void writeElement(const Context& context, const Member& member, std::optional<in
         return;
     }
     JsonWriter json(context.out);
-    json.beginObject().member("member", std::string_view(member.name));
+    json.beginObject().member("member", member.name);
     if (index) json.member("index", *index);
     json.key("value");
     writeValue(json, value);
@@ -150,7 +143,7 @@ void writeAll(const Context& context, const Member& member, Unit& unit) {
         return;
     }
     JsonWriter json(context.out);
-    json.beginObject().member("member", std::string_view(member.name)).key("values").beginArray();
+    json.beginObject().member("member", member.name).key("values").beginArray();
     for (int i = 0; i < member.count; ++i) writeValue(json, readMember(unit, member, i));
     json.endArray().endObject();
     context.out << '\n';
@@ -227,9 +220,9 @@ void record(const Context& context, const std::string& file, const std::string& 
         return;
     }
     JsonWriter json(context.out);
-    json.beginObject().member("member", std::string_view(member.name)).member("index", element);
+    json.beginObject().member("member", member.name).member("index", element);
     json.key("records").beginArray();
-    for (const std::string& text : calibration->host.records()) json.value(std::string_view(text));
+    for (const std::string& text : calibration->host.records()) json.value(text);
     json.endArray().endObject();
     context.out << '\n';
 }

@@ -1,14 +1,14 @@
 // table: one of the six tables with its axes, as tab-separated text that a spreadsheet opens and writes.
 #include <algorithm>
-#include <array>
-#include <optional>
 #include <ostream>
 #include <vector>
 
 #include "base/errors.h"
 #include "base/json_writer.h"
+#include "base/message_codes.h"
 #include "base/number_text.h"
 #include "base/text.h"
+#include "base/warning_texts.h"
 #include "commands.h"
 #include "members.h"
 #include "tables/table_cells.h"
@@ -87,16 +87,16 @@ void writeText(std::ostream& out, TableView& table) {
 }
 
 void writeAxis(JsonWriter& json, TableView& table, std::string_view name, const Axis& axis) {
-    json.key(name).beginObject().member("kind", std::string_view(table.axisKind(axis)));
-    json.member("unit", std::string_view(table.axisUnit(axis))).key("values").beginArray();
+    json.key(name).beginObject().member("kind", table.axisKind(axis));
+    json.member("unit", table.axisUnit(axis)).key("values").beginArray();
     for (int line = 0; line < axis.count; ++line) json.value(table.header(axis, line));
     json.endArray().endObject();
 }
 
 void writeJson(std::ostream& out, TableView& table) {
     JsonWriter json(out);
-    json.beginObject().member("table", std::string_view(table.name()));
-    json.member("unit", std::string_view(table.unitOfValues()));
+    json.beginObject().member("table", table.name());
+    json.member("unit", table.unitOfValues());
     writeAxis(json, table, "rows", table.rows());
     writeAxis(json, table, "columns", table.columns());
     json.key("values").beginArray();
@@ -209,10 +209,8 @@ class TableInput {
             if (table_.header(axis, line) > table_.header(axis, line - 1)) continue;
             const auto [at, column] = headerPlace(axis, line);
             refuse(place(at, column) + " (header)",
-                   "Warning 1006: Data Input Error: The value you entered must be higher than that of the "
-                   "one to the left. " +
-                       numberText(table_.header(axis, line - 1)) + " > " +
-                       numberText(table_.header(axis, line)) + " = FALSE");
+                   warningLine(codes::NotAscending, numberText(table_.header(axis, line - 1)) + " > " +
+                                                        numberText(table_.header(axis, line)) + " = FALSE"));
         }
     }
 

@@ -145,7 +145,7 @@ void writeJson(std::ostream& out, const TraceFile& trace, const std::vector<std:
     json.member("framesPerSecond", summary.framesPerSecond);
     json.member("longestPauseMs", summary.longestPauseMs);
     json.member("pauseEndMs", static_cast<double>(summary.pauseEndUs) / 1000).key("units").beginArray();
-    for (const std::string& unit : summary.units) json.value(std::string_view(unit));
+    for (const std::string& unit : summary.units) json.value(unit);
     json.endArray().key("commands").beginObject();
     for (const auto& [key, command] : summary.commands) writeCommand(json.key(key), command);
     json.endObject().key("problems").beginObject();

@@ -22,15 +22,6 @@ namespace {
 
 constexpr std::string_view standardStream = "-";
 
-}  // namespace
-
-void refuseStandardOutput(const std::string& file) {
-    if (file == standardStream)
-        throw Failure("A calibration is not written to the standard output; name a file");
-}
-
-namespace {
-
 std::unique_ptr<QuietCalibration> readCalibration(const Context& context, const std::string& file) {
     try {
         return QuietCalibration::open(file, context.database);
@@ -43,7 +34,22 @@ std::unique_ptr<QuietCalibration> readCalibration(const Context& context, const 
     }
 }
 
+std::string damageOf(const std::string& file, const UnitKind& kind, int cellsCutOff) {
+    return file + " is damaged: " + cutOffText(kind, cellsCutOff);
+}
+
+const std::string& targetOf(const Context& context, const std::string& file, const std::string& output) {
+    refuseStandardOutput(output);
+    refuseReplacing(context, output, "calibration", {file});
+    return output.empty() ? file : output;
+}
+
 }  // namespace
+
+void refuseStandardOutput(const std::string& file) {
+    if (file == standardStream)
+        throw Failure("A calibration is not written to the standard output; name a file");
+}
 
 std::unique_ptr<QuietCalibration> openCalibration(const Context& context, const std::string& file,
                                                   CutFile cut) {
@@ -55,14 +61,6 @@ std::unique_ptr<QuietCalibration> openCalibration(const Context& context, const 
     noteCutOff(context, file, calibration->unit.kind(), cells);
     return calibration;
 }
-
-namespace {
-
-std::string damageOf(const std::string& file, const UnitKind& kind, int cellsCutOff) {
-    return file + " is damaged: " + cutOffText(kind, cellsCutOff);
-}
-
-}  // namespace
 
 void noteCutOff(const Context& context, const std::string& file, const UnitKind& kind, int cellsCutOff) {
     if (cellsCutOff > 0) context.notes << damageOf(file, kind, cellsCutOff) << '\n';
@@ -81,16 +79,6 @@ void noteAxes(const Context& context, const std::string& file, Unit& unit) {
 void tell(const Context& context, const QuietHost& host) {
     for (const std::string& text : host.told()) context.notes << shownError(text) << '\n';
 }
-
-namespace {
-
-const std::string& targetOf(const Context& context, const std::string& file, const std::string& output) {
-    refuseStandardOutput(output);
-    refuseReplacing(context, output, "calibration", {file});
-    return output.empty() ? file : output;
-}
-
-}  // namespace
 
 Change::Change(const Context& context, const std::string& file, const std::string& output)
     : context_(context),

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/errors.h"
 #include "base/file_reader.h"
 #include "config/quiet_calibration.h"
 #include "config/quiet_host.h"
@@ -23,6 +24,13 @@ struct Context {
     bool json = false;
     bool force = false;  ///< a file that is there already may be replaced, one that was cut may be taken
     std::string trace;   ///< file for the wire trace of a command of the link; empty for none
+};
+
+/// A command that is neither refused nor fails ends with an exit status of its own.
+class CommandEnd : public Failure {
+ public:
+    CommandEnd(const std::string& what, int exitStatus) : Failure(what), status(exitStatus) {}
+    int status;
 };
 
 /// A file that was cut is told in the notes; a command that makes another calibration or bytes for a unit of

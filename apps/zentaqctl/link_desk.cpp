@@ -2,13 +2,13 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <csignal>
 #include <ostream>
 
+#include "base/box_texts.h"
+#include "base/message_codes.h"
 #include "base/number_text.h"
 #include "base/shown_text.h"
-#include "link_texts.h"
 #include "platform/posix_ports.h"
 #include "platform/runtime_folder.h"
 
@@ -98,7 +98,7 @@ void LinkDesk::open(int number) {
     try {
         session_.open(number);
     } catch (const PortBusy& failure) {
-        throw NoUnit(std::string(portInUse) + " (" + failure.what() + ")");
+        throw NoUnit(errorLine(codes::PortInUse) + " (" + failure.what() + ")");
     } catch (const Failure& failure) {
         const std::string hint = choice_.path.empty() ? "; the command ports lists those that are" : "";
         throw NoUnit("Port not available: " + std::string(failure.what()) + hint);
@@ -135,7 +135,7 @@ bool LinkDesk::stopWanted() {
 
 Found LinkDesk::findAnyUnit() {
     const Found found = search();
-    if (found == Found::Nobody) throw NoUnit(std::string(noUnitConnected) + " (" + portName_ + ")");
+    if (found == Found::Nobody) throw NoUnit(errorLine(codes::NoUnit) + " (" + portName_ + ")");
     if (found == Found::Untold) {
         throw Failure(unitName() + " does not tell its firmware: nothing can be done with it.");
     }
@@ -146,6 +146,10 @@ void LinkDesk::findUnit() {
     if (findAnyUnit() == Found::OldFirmware) {
         throw Failure(unitName() + " must be upgraded before it takes commands.");
     }
+}
+
+void LinkDesk::requireKind(const UnitKind& kind) {
+    if (session_.linkedUnit().kind().slot != kind.slot) throw Failure(errorLine(codes::WrongUnit));
 }
 
 void LinkDesk::requireSameUnit() {

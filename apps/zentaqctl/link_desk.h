@@ -16,23 +16,19 @@
 
 namespace zentaq::ctl {
 
-/// No unit was reached: the port cannot be opened, or nobody answers on it. Exit status 3.
-class NoUnit : public Failure {
- public:
-    using Failure::Failure;
+/// No unit was reached: the port cannot be opened, or nobody answers on it.
+struct NoUnit : CommandEnd {
+    explicit NoUnit(const std::string& what) : CommandEnd(what, 3) {}
 };
 
-/// The user ended the command by a signal. Exit status 128 and its number.
-class Interrupted : public Failure {
- public:
-    Interrupted(const std::string& what, int number) : Failure(what), signal(number) {}
-    int signal;
+/// The user ended the command by a signal.
+struct Interrupted : CommandEnd {
+    Interrupted(const std::string& what, int signal) : CommandEnd(what, 128 + signal) {}
 };
 
-/// The command needs a word of the user which nobody can give here. Exit status 2.
-class NotConfirmed : public Failure {
- public:
-    using Failure::Failure;
+/// The command needs a word of the user which nobody can give here.
+struct NotConfirmed : CommandEnd {
+    explicit NotConfirmed(const std::string& what) : CommandEnd(what, 2) {}
 };
 
 /// The port that a user names: a number of the list, or the path of a device.
@@ -80,6 +76,9 @@ class LinkDesk {
 
     /// The same, but whoever is there, or nobody, is an answer. Throws Interrupted only.
     Found search();
+
+    /// Throws Failure where the unit that was found is of another kind.
+    void requireKind(const UnitKind& kind);
 
     /// Right before what only the unit that was found may get goes out: throws where it does not answer any
     /// more, or another one does.

@@ -70,6 +70,16 @@ struct Streams {
     ShownStream error{std::cerr};
 };
 
+/// Scripts see where no unit was reached or a signal ended a command.
+int outcomeOf(const zentaq::ctl::Run& command, const zentaq::ctl::Context& context) {
+    try {
+        return command(context);
+    } catch (const zentaq::ctl::CommandEnd& end) {
+        context.notes << zentaq::shownError(end.what()) << '\n';
+        return end.status;
+    }
+}
+
 /// Runs one command under the policy "ends at the first failure, told in one line".
 int runCommand(const zentaq::ctl::Run& command, const zentaq::ctl::CommandLine& line, Streams& streams) {
     ReferenceData reference;
@@ -79,11 +89,12 @@ int runCommand(const zentaq::ctl::Run& command, const zentaq::ctl::CommandLine& 
         .notes = streams.error.stream(),
         .data = streams.out.plain(),
         .json = line.json(),
-        .force = line.force()};
+        .force = line.force(),
+        .trace = line.trace()};
     int status = refusedOrFailed;
     zentaq::endOnFailure(
         [&] {
-            const int outcome = command(context);
+            const int outcome = outcomeOf(command, context);
             context.out.flush();
             context.data.flush();
             if (!context.out || !context.data) throw zentaq::Failure("Cannot write to the standard output");

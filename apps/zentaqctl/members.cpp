@@ -118,15 +118,13 @@ int wholeFrom(const std::string& name, const std::string& value, const Span& spa
     return static_cast<int>(number);
 }
 
-using ReadNumber = std::function<int(Unit&, int)>;
+using ReadNumber = std::function<float(Unit&, int)>;
 using WriteNumber = std::function<void(Unit&, int element, int value)>;
 
 /// A whole number within a span.
 Member wholeMember(Member member, const Span& span, ReadNumber read, WriteNumber write) {
     member.range = span.text();
-    member.read = [read = std::move(read)](Unit& unit, int element) -> Value {
-        return static_cast<float>(read(unit, element));
-    };
+    member.read = std::move(read);
     if (!write) return member;
     member.write = [name = member.name, span, write = std::move(write)](
                        QuietCalibration& calibration, const std::string& value, int element) {
@@ -298,22 +296,21 @@ void addPins(std::vector<Member>& members, const UnitKind& kind) {
 
 void addOutputTables(std::vector<Member>& members, const UnitKind& kind) {
     for (const int table : {1, 2}) {
-        members.push_back(wholeMember({.name = "GPO" + numberText(table),
-                                       .cell = kind.cells.outputTable[static_cast<std::size_t>(table - 1)],
-                                       .count = storedCells,
-                                       .columns = storedColumns,
-                                       .unit = "%",
-                                       .reach = Reach::OnTheFly,
-                                       .meaning = "Output table " + numberText(table)},
-                                      {0, 100, "%"}, {}, [table](Unit& unit, int element, int value) {
-                                          throwIfRefused(
-                                              unit.Set_GPIO_Table(table, element, static_cast<float>(value)),
-                                              "GPO" + numberText(table), numberText(value));
-                                      }));
-        // As it stands: a file may hold what no entry gives.
-        members.back().read = [table](Unit& unit, int element) -> Value {
-            return unit.Get_GPIO_Table(table, element);
-        };
+        members.push_back(wholeMember(
+            {.name = "GPO" + numberText(table),
+             .cell = kind.cells.outputTable[static_cast<std::size_t>(table - 1)],
+             .count = storedCells,
+             .columns = storedColumns,
+             .unit = "%",
+             .reach = Reach::OnTheFly,
+             .meaning = "Output table " + numberText(table)},
+            {0, 100, "%"},
+            // As it stands: a file may hold what no entry gives.
+            [table](Unit& unit, int element) { return unit.Get_GPIO_Table(table, element); },
+            [table](Unit& unit, int element, int value) {
+                throwIfRefused(unit.Set_GPIO_Table(table, element, static_cast<float>(value)),
+                               "GPO" + numberText(table), numberText(value));
+            }));
     }
 }
 
@@ -336,22 +333,18 @@ void addAxisKind(std::vector<Member>& members, const UnitKind& kind, const std::
                  const std::string& axis) {
     constexpr std::string_view names = "CLT, RAW MAP, BLEND MAP, TPS, ACTUAL AFR, MAT, RPM or GPIO1 to GPIO8";
     const bool own = kind.cells.hasAxisWords && findTable(table)->isGpo();
-    Member member{
-        .name = table + "." + axis,
-        .range = own ? std::string(names) : std::string(),
-        .reach = own ? Reach::Programming : Reach::NotSent,
-        .meaning = (axis == "ROW-AXIS" ? "What the rows of " : "What the columns of ") + table + " stand for",
-        .read = [table, axis](Unit& unit, int) -> Value { return unit.GET_TBL_AXIS_TYPE(table, axis); },
-        .write = {}};
-    if (own) {
-        member.write = [table, axis, names](QuietCalibration& calibration, const std::string& value, int) {
-            calibration.unit.SET_TBL_AXIS_TYPE(table, axis, value);
-            if (calibration.unit.GET_TBL_AXIS_TYPE(table, axis) != value) {
-                refuseRange(std::string(names));
-            }
-        };
-    }
-    members.push_back(std::move(member));
+    const auto write = [table, axis, names](QuietCalibration& calibration, const std::string& value, int) {
+        calibration.unit.SET_TBL_AXIS_TYPE(table, axis, value);
+        if (calibration.unit.GET_TBL_AXIS_TYPE(table, axis) != value) refuseRange(std::string(names));
+    };
+    members.push_back(
+        {.name = table + "." + axis,
+         .range = own ? std::string(names) : std::string(),
+         .reach = own ? Reach::Programming : Reach::NotSent,
+         .meaning =
+             (axis == "ROW-AXIS" ? "What the rows of " : "What the columns of ") + table + " stand for",
+         .read = [table, axis](Unit& unit, int) -> Value { return unit.GET_TBL_AXIS_TYPE(table, axis); },
+         .write = own ? decltype(Member::write)(write) : nullptr});
 }
 
 void addStops(std::vector<Member>& members, const UnitKind& kind, const std::string& table,
@@ -401,27 +394,6 @@ std::vector<Member> otherMembers(const UnitKind& kind) {
     return members;
 }
 
-/// A member that a user may have meant, capitals aside; empty for none.
-std::string nearName(const UnitKind& kind, const std::string& name) {
-    constexpr std::size_t longestWord = 100;
-    if (name.size() > longestWord) return {};
-    const std::string wanted = upper(name);
-    // Names of few letters are all near to each other.
-    const int most = wanted.size() < 4 ? 0 : wanted.size() < 7 ? 1 : 2;
-    std::string nearest;
-    int fewest = most + 1;
-    for (const Member& member : membersOf(kind)) {
-        const std::string known = upper(member.name);
-        // "KnockActive" for opt_KnockActive: the head of a name is soon forgotten.
-        const bool lacksHead = most > 0 && known.ends_with("_" + wanted);
-        const int edits = lacksHead ? 1 : editsBetween(wanted, known);
-        if (edits >= fewest) continue;
-        fewest = edits;
-        nearest = member.name;
-    }
-    return nearest;
-}
-
 /// A table, and which of its axes.
 struct AxisName {
     std::string table;
@@ -437,24 +409,15 @@ std::optional<AxisName> axisOf(const Member& member) {
     return AxisName{member.name.substr(0, dot), member.name.substr(dot + 1)};
 }
 
-/// Whether an element is shown as this number.
-bool holdsAlready(Unit& unit, const Member& member, int element, double number) {
-    const auto shown = parseNumber(textOf(readMember(unit, member, element)));
-    return shown && static_cast<float>(*shown) == static_cast<float>(number);
-}
-
 /// The check that the table window makes of an entry. The number that the stop is already changes nothing.
 void refuseNotAscending(QuietCalibration& calibration, const Member& member, const AxisName& axis,
                         const std::string& value, int element) {
     const auto number = parseNumber(value);
     const auto before = stopBefore(calibration.unit, axis.table, axis.axis, element);
     if (!number || !before || *before < static_cast<float>(*number)) return;
-    if (holdsAlready(calibration.unit, member, element, *number)) return;
+    const auto shown = parseNumber(textOf(readMember(calibration.unit, member, element)));
+    if (shown && static_cast<float>(*shown) == static_cast<float>(*number)) return;
     throwIfRefused(checkAscending(numberText(*before), trimmed(value)));
-}
-
-std::string withoutPrefix(const std::string& name) {
-    return name.starts_with("Get_") || name.starts_with("Set_") ? name.substr(4) : name;
 }
 
 }  // namespace
@@ -465,23 +428,19 @@ std::string textOf(const Value& value) {
 }
 
 std::string_view textOf(Reach reach) {
-    switch (reach) {
-        case Reach::OnTheFly:
-            return "on the fly";
-        case Reach::Programming:
-            return "next programming";
-        default:
-            return "not sent";
-    }
+    if (reach == Reach::OnTheFly) return "on the fly";
+    return reach == Reach::Programming ? "next programming" : "not sent";
 }
 
 Member memberOf(const UnitKind& kind, const std::string& name) {
     if (const Parameter* row = kind.members->find(name)) return fromRow(kind, *row);
-    const std::string bare = withoutPrefix(name);
+    const std::string bare = name.starts_with("Get_") || name.starts_with("Set_") ? name.substr(4) : name;
     for (Member& member : otherMembers(kind)) {
         if (member.name == bare) return std::move(member);
     }
-    const std::string near = nearName(kind, name);
+    std::vector<std::string> names;
+    for (Member& member : membersOf(kind)) names.push_back(std::move(member.name));
+    const std::string near = nearWord(names, name);
     throw NoSuchMember(std::string(kind.model) + " has no member " + shownBriefly(name) +
                        (near.empty() ? std::string() : "; did you mean " + near + "?"));
 }

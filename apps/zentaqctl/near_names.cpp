@@ -31,6 +31,21 @@ std::vector<std::string> withEveryWord(std::span<const std::string> names, const
     return found;
 }
 
+/// Single characters to change, insert or leave out on the way from one word to the other.
+int editsBetween(std::string_view from, std::string_view to) {
+    std::vector<int> above(to.size() + 1);
+    for (std::size_t i = 0; i <= to.size(); ++i) above[i] = static_cast<int>(i);
+    for (std::size_t row = 1; row <= from.size(); ++row) {
+        std::vector<int> line(to.size() + 1, static_cast<int>(row));
+        for (std::size_t i = 1; i <= to.size(); ++i) {
+            const int change = above[i - 1] + (from[row - 1] == to[i - 1] ? 0 : 1);
+            line[i] = std::min({change, above[i] + 1, line[i - 1] + 1});
+        }
+        above = std::move(line);
+    }
+    return above.back();
+}
+
 /// Up to a third of a name may be wrong.
 std::vector<std::string> nearest(std::span<const std::string> names, const std::string& wanted) {
     std::vector<std::pair<int, std::string>> near;
@@ -54,20 +69,6 @@ std::vector<std::string> nearest(std::span<const std::string> names, const std::
 
 }  // namespace
 
-int editsBetween(std::string_view from, std::string_view to) {
-    std::vector<int> above(to.size() + 1);
-    for (std::size_t i = 0; i <= to.size(); ++i) above[i] = static_cast<int>(i);
-    for (std::size_t row = 1; row <= from.size(); ++row) {
-        std::vector<int> line(to.size() + 1, static_cast<int>(row));
-        for (std::size_t i = 1; i <= to.size(); ++i) {
-            const int change = above[i - 1] + (from[row - 1] == to[i - 1] ? 0 : 1);
-            line[i] = std::min({change, above[i] + 1, line[i - 1] + 1});
-        }
-        above = std::move(line);
-    }
-    return above.back();
-}
-
 int placeOf(std::span<const std::string> names, std::string_view wanted) {
     const std::string word = upper(trimmed(wanted));
     const auto found = std::ranges::find_if(names, [&](const std::string& n) { return upper(n) == word; });
@@ -86,6 +87,25 @@ std::string suggestion(std::span<const std::string> names, std::string_view want
         text += (i + 1 == near.size() ? "\" or \"" : "\", \"") + near[i];
     }
     return text + "\"?";
+}
+
+std::string nearWord(std::span<const std::string> names, const std::string& name) {
+    if (name.size() > longestName) return {};
+    const std::string wanted = upper(name);
+    // Names of few letters are all near to each other.
+    const int most = wanted.size() < 4 ? 0 : wanted.size() < 7 ? 1 : 2;
+    std::string nearest;
+    int fewest = most + 1;
+    for (const std::string& each : names) {
+        const std::string known = upper(each);
+        // "KnockActive" for opt_KnockActive: the head of a name is soon forgotten.
+        const bool lacksHead = most > 0 && known.ends_with("_" + wanted);
+        const int edits = lacksHead ? 1 : editsBetween(wanted, known);
+        if (edits >= fewest) continue;
+        fewest = edits;
+        nearest = each;
+    }
+    return nearest;
 }
 
 }  // namespace zentaq::ctl

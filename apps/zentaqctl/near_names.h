@@ -7,8 +7,8 @@
 
 namespace zentaq::ctl {
 
-/// Single characters to change, insert or leave out on the way from one word to the other.
-int editsBetween(std::string_view from, std::string_view to);
+/// The one name that a word of a command line may mean, capitals aside; empty for none.
+std::string nearWord(std::span<const std::string> names, const std::string& wanted);
 
 /// The place of a name in a list, compared without case and without the blanks around it; -1 for none.
 int placeOf(std::span<const std::string> names, std::string_view wanted);

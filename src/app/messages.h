@@ -1,5 +1,5 @@
 // Error_Handler: numbered boxes with their log lines, and the shared input checks.
-// The texts of errors and messages stand in messages.cpp, those of warnings in base/warning_texts.cpp.
+// The texts stand in base/box_texts.cpp and base/warning_texts.cpp.
 #pragma once
 
 #include <functional>

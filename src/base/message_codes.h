@@ -1,5 +1,6 @@
 // The numbers of the boxes that a user can be told about, and of the checks of an entry: the one place that
-// names them. A warning and an error may have one number. The texts stand in `app/messages.cpp`.
+// names them. A warning and an error may have one number. The texts stand in `box_texts.cpp` and
+// `warning_texts.cpp`.
 #pragma once
 
 namespace zentaq::codes {
