@@ -67,6 +67,12 @@ inline void expectRefused(const Outcome& outcome, const std::string& why) {
     EXPECT_EQ(outcome.error, why + "\n");
 }
 
+inline std::string outOfRange(const std::string& range) {
+    return "Warning 1001: Data Input Error: " + range + " - Invalid Entry.";
+}
+inline const std::string notNumeric =
+    "Warning 1000: Data Input Error: Non-numeric value detected. Retype Data";
+
 inline std::vector<std::string> linesOf(const std::string& text) {
     std::vector<std::string> lines;
     std::size_t at = 0;
@@ -84,17 +90,57 @@ class Zentaqctl : public ::testing::Test {
     static std::string sample(const std::string& name) { return ZENTAQ_APP_DIR "/samples/" + name; }
 
     Outcome run(const std::string& arguments, const std::string& input = {}) {
-        const std::string out = folder.file("stdout.txt");
-        const std::string error = folder.file("stderr.txt");
         const std::string in = folder.file("stdin.txt");
         writeFile(in, input);
-        const std::string command = inQuotes(ZENTAQ_APP_DIR "/zentaqctl") + " " + arguments + " <" +
-                                    inQuotes(in) + " >" + inQuotes(out) + " 2>" + inQuotes(error);
-        const int status = std::system(command.c_str());
+        return shell(zentaqctl + " " + arguments + " <" + inQuotes(in));
+    }
+    /// What a line of the shell writes and ends with.
+    Outcome shell(const std::string& line) {
+        const std::string out = folder.file("stdout.txt");
+        const std::string error = folder.file("stderr.txt");
+        const int status =
+            std::system(("( " + line + " ) >" + inQuotes(out) + " 2>" + inQuotes(error)).c_str());
         return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentOf(out), contentOf(error)};
     }
     Outcome onFile(const std::string& command, const std::string& rest = {}, const std::string& input = {}) {
         return run(command + " " + inQuotes(file) + " " + rest, input);
+    }
+    /// From now on the program runs where no database lies beside it.
+    void withoutDatabase() {
+        zentaqctl = inQuotes(folder.file("zentaqctl"));
+        fs::copy_file(ZENTAQ_APP_DIR "/zentaqctl", folder.file("zentaqctl"));
+    }
+    /// Copies a sample, for a test that changes it.
+    std::string copyOf(const std::string& name) {
+        fs::copy_file(sample(name), folder.file(name));
+        return folder.file(name);
+    }
+
+    /// What a command says of `file` to each of these words behind it.
+    void expectAnswers(const std::string& command,
+                       const std::vector<std::pair<std::string, TextMatcher>>& answers) {
+        for (const auto& [words, answer] : answers) {
+            EXPECT_THAT(onFile(command, words), Succeeds(answer)) << command << ' ' << words;
+        }
+    }
+    /// Each of these words behind a command and `file` is refused for its reason and changes nothing.
+    void expectRefusals(const std::string& command,
+                        const std::vector<std::pair<std::string, std::string>>& refusals) {
+        const std::string before = contentOf(file);
+        for (const auto& [words, why] : refusals) {
+            SCOPED_TRACE(command + " " + words);
+            expectRefused(onFile(command, words), why);
+        }
+        EXPECT_TRUE(contentOf(file) == before);
+    }
+    /// Each of these words behind a command and `file` is done.
+    void expectDone(const std::string& command, const std::vector<std::string>& each) {
+        for (const std::string& words : each) EXPECT_THAT(onFile(command, words), Succeeds()) << words;
+    }
+    void expectWrongUsage(const std::vector<std::string>& commandLines) {
+        for (const std::string& line : commandLines) {
+            EXPECT_THAT(run(line), Fails(2, Not(IsEmpty()), IsEmpty())) << line;
+        }
     }
     /// What Python makes of an expression over an answer in JSON, `d`. Fails the test on text that is no
     /// JSON.
@@ -131,6 +177,7 @@ class Zentaqctl : public ::testing::Test {
     }
 
     TemporaryFolder folder;
+    std::string zentaqctl = inQuotes(ZENTAQ_APP_DIR "/zentaqctl");
     std::string file = folder.file("Street.ZQ4OA");
 };
 

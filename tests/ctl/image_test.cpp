@@ -25,9 +25,14 @@ std::vector<int> imageBytes(const std::string& text) {
     return bytes;
 }
 
-TEST_F(Zentaqctl, ImageWritesTheMemoryAsSRecords) {
-    const std::string output = folder.file("out.s19");
-    EXPECT_EQ(onFile("image", "-o " + inQuotes(output)).exitCode, 0);
+class ZentaqctlImage : public Zentaqctl {
+ protected:
+    Outcome image(const std::string& rest = {}) { return onFile("image", rest + " -o " + inQuotes(output)); }
+    std::string output = folder.file("out.s19");
+};
+
+TEST_F(ZentaqctlImage, WritesTheMemoryAsSRecords) {
+    EXPECT_EQ(image().exitCode, 0);
     const std::vector<int> bytes = imageBytes(contentOf(output));
     ASSERT_EQ(bytes.size(), 147U * 16);
     EXPECT_EQ(bytes[58] * 256 + bytes[59], 7000);   // rev limit
@@ -38,15 +43,13 @@ TEST_F(Zentaqctl, ImageWritesTheMemoryAsSRecords) {
     EXPECT_EQ(std::string(bytes.begin() + 560, bytes.begin() + 566), "Street");
 }
 
-TEST_F(Zentaqctl, ImageForOlderFirmwareHasFewerRowsAndNoStopPoints) {
-    const std::string output = folder.file("out.s19");
-    EXPECT_EQ(onFile("image", "--firmware 4.9 -o " + inQuotes(output)).exitCode, 0);
+TEST_F(ZentaqctlImage, ForOlderFirmwareHasFewerRowsAndNoStopPoints) {
+    EXPECT_EQ(image("--firmware 4.9").exitCode, 0);
     EXPECT_EQ(imageBytes(contentOf(output)).size(), 137U * 16);
 }
 
-TEST_F(Zentaqctl, ImageForFirmwareBeforeTheLinearSensorMovesTheInjectorScaling) {
-    const std::string output = folder.file("out.s19");
-    EXPECT_THAT(onFile("image", "--firmware 2.17 -o " + inQuotes(output)),
+TEST_F(ZentaqctlImage, ForFirmwareBeforeTheLinearSensorMovesTheInjectorScaling) {
+    EXPECT_THAT(image("--firmware 2.17"),
                 Succeeds(_, HasSubstr("Your BIN file has been updated to work with this firmware.")));
     // 7.4 ms / (876 / 1024) = 8.650 ms in microseconds
     const std::vector<int> bytes = imageBytes(contentOf(output));
@@ -54,18 +57,17 @@ TEST_F(Zentaqctl, ImageForFirmwareBeforeTheLinearSensorMovesTheInjectorScaling) 
 }
 
 // Codes 0 to 999 tell no release: nobody knows what the injectors were made for, but a unit needs a sensor.
-TEST_F(Zentaqctl, ImageOfAFileThatTellsNoReleaseHasASensorAndItsInjectorsAsTheyAre) {
-    const std::string output = folder.file("out.s19");
+TEST_F(ZentaqctlImage, OfAFileThatTellsNoReleaseHasASensorAndItsInjectorsAsTheyAre) {
     constexpr int firmwareCode = -1, sensorScale = 126, sensorId = 128;
     plant(sensorId, 0);
     plant(sensorScale, 0);
     plant(firmwareCode, 2010);
-    ASSERT_EQ(onFile("image", "--firmware 5.99 -o " + inQuotes(output)).exitCode, 0);
+    ASSERT_EQ(image("--firmware 5.99").exitCode, 0);
     const std::vector<int> ofOldFile = imageBytes(contentOf(output));
     for (const float code : {0.0F, 1.0F, 999.0F}) {
         plant(firmwareCode, code);
         EXPECT_THAT(
-            onFile("image", "--firmware 5.99 -o " + inQuotes(output)),
+            image("--firmware 5.99"),
             Succeeds(_, file + " does not tell the firmware that it was made for: its injector scaling is "
                                "taken as it stands\n"));
         const std::vector<int> bytes = imageBytes(contentOf(output));
@@ -79,52 +81,39 @@ TEST_F(Zentaqctl, ImageOfAFileThatTellsNoReleaseHasASensorAndItsInjectorsAsTheyA
     }
 }
 
-TEST_F(Zentaqctl, ImageTellsOfAnOutputCellThatNoEntryGives) {
-    const std::string output = folder.file("out.s19");
+TEST_F(ZentaqctlImage, TellsOfAnOutputCellThatNoEntryGives) {
     plant(1680 + 5, 500);
-    EXPECT_THAT(onFile("image", "-o " + inQuotes(output)),
-                Succeeds(_, file + ": GPO1[0,5] (cell 1685) holds 500 (0 to 100%)\n"));
+    EXPECT_THAT(image(), Succeeds(_, file + ": GPO1[0,5] (cell 1685) holds 500 (0 to 100%)\n"));
     EXPECT_EQ(imageBytes(contentOf(output))[1680 + 5], 251);  // 1275 less 1024
 }
 
-TEST_F(Zentaqctl, AValueThatItsReaderMendsIsToldAsTheFileHoldsIt) {
+TEST_F(ZentaqctlImage, AValueThatItsReaderMendsIsToldAsTheFileHoldsIt) {
     plant(2196, 0);
     const std::string told = "EGO_Type (cell 2196) holds 0 (1 to 2)";
-    EXPECT_EQ(onFile("image", "-o " + inQuotes(folder.file("out.s19"))).error, file + ": " + told + "\n");
+    EXPECT_EQ(image().error, file + ": " + told + "\n");
     const std::string again = folder.file("again.ZQ4OA");
     EXPECT_EQ(run("import - -o " + inQuotes(again), onFile("export").out).error, again + ": " + told + "\n");
     // As the first programs wrote it: the reader makes 1 of it.
     plant(2196, 129);
-    EXPECT_THAT(onFile("image", "-o " + inQuotes(folder.file("out.s19"))).error, IsEmpty());
+    EXPECT_THAT(image().error, IsEmpty());
 }
 
-TEST_F(Zentaqctl, ImageLeavesTheCalibrationAlone) {
+TEST_F(ZentaqctlImage, LeavesTheCalibrationAlone) {
     const std::string before = contentOf(file);
-    onFile("image", "-o " + inQuotes(folder.file("out.s19")));
+    image();
     EXPECT_EQ(contentOf(file), before);
 }
 
-TEST_F(Zentaqctl, ImageOfACellThatFitsNoWordFailsAndWritesNothing) {
-    std::string bytes = contentOf(file);
-    const float tooFast = 40000;
-    std::memcpy(bytes.data() + 12 + 4 * 58, &tooFast, sizeof tooFast);
-    writeFile(file, bytes);
-    const std::string output = folder.file("out.s19");
-    EXPECT_THAT(onFile("image", "-o " + inQuotes(output)), Fails(1, isOneLine));
+TEST_F(ZentaqctlImage, OfACellThatFitsNoWordFailsAndWritesNothing) {
+    plant(58, 40000);
+    EXPECT_THAT(image(), Fails(1, isOneLine));
     EXPECT_FALSE(fs::exists(output));
-}
-
-TEST_F(Zentaqctl, ImageGoesToTheStandardOutputToo) {
-    const std::string output = folder.file("out.s19");
-    ASSERT_EQ(onFile("image", "-o " + inQuotes(output)).exitCode, 0);
-    EXPECT_EQ(onFile("image", "-o -").out, contentOf(output));
-}
-
-TEST_F(Zentaqctl, ImageDoesNotWriteOverTheCalibration) {
-    const std::string before = contentOf(file);
-    expectRefused(onFile("image", "-o " + inQuotes(file)), file + " would be overwritten; name another file");
-    EXPECT_EQ(contentOf(file), before);
     EXPECT_EQ(onFile("image", "-o " + inQuotes(folder.file("no/such/out.s19"))).exitCode, 1);
+}
+
+TEST_F(ZentaqctlImage, GoesToTheStandardOutputToo) {
+    ASSERT_EQ(image().exitCode, 0);
+    EXPECT_EQ(onFile("image", "-o -").out, contentOf(output));
 }
 
 struct Unfit {
@@ -133,15 +122,14 @@ struct Unfit {
     const char* told;
 };
 
-class ZentaqctlUnfit : public Zentaqctl, public ::testing::WithParamInterface<Unfit> {};
+class ZentaqctlUnfit : public ZentaqctlImage, public ::testing::WithParamInterface<Unfit> {};
 
 TEST_P(ZentaqctlUnfit, ValueMakesNoImageAndIsNamedWithItsMemberAndCell) {
     const auto& [cell, value, told] = GetParam();
     plant(cell, value);
-    expectRefused(
-        onFile("image", "-o " + inQuotes(folder.file("x.s19"))),
-        file + " makes no image: " + told + ", which does not fit the bytes that the unit has for it");
-    EXPECT_FALSE(fs::exists(folder.file("x.s19")));
+    expectRefused(image(), file + " makes no image: " + told +
+                               ", which does not fit the bytes that the unit has for it");
+    EXPECT_FALSE(fs::exists(output));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -156,11 +144,10 @@ INSTANTIATE_TEST_SUITE_P(
                       Unfit{8, 1e20F, "CYL_Number (cell 8) holds 1E+20"},
                       Unfit{126, 1e6F, "MAP_Scaler (cell 126) holds 1000000"}));
 
-TEST_F(Zentaqctl, ImageNamesAParameterOfAPinThatFitsNoByte) {
+TEST_F(ZentaqctlImage, NamesAParameterOfAPinThatFitsNoByte) {
     ASSERT_EQ(onFile("set", "GPIO_Func 6 --index 2").exitCode, 0);
     plant(336 + 2 * 9 + 1, 1e7F);  // speed of the shift light
-    const Outcome outcome = onFile("image", "-o " + inQuotes(folder.file("x.s19")));
-    EXPECT_THAT(outcome.error, HasSubstr("GPIO[2].parameter[0] (cell 355) holds 1E+07"));
+    EXPECT_THAT(image().error, HasSubstr("GPIO[2].parameter[0] (cell 355) holds 1E+07"));
 }
 
 }  // namespace

@@ -40,17 +40,6 @@ TEST_F(ZentaqctlOld, ImportBinKnowsOldFilesByTheirLength) {
     EXPECT_FALSE(fs::exists(output));
 }
 
-TEST_F(ZentaqctlOld, ImportBinDoesNotWriteOverItsInput) {
-    writeFile(old, oldFile(oldFloats, {{sensorRating, 2}, {tableSize, 16}}));
-    output = old;
-    expectRefused(import(), old + " would be overwritten; name another file");
-    EXPECT_EQ(contentOf(old).size(), oldFloats * 4);
-}
-
-TEST_F(ZentaqctlOld, ImportBinOfAMissingFileFailsInOneLine) {
-    EXPECT_THAT(import(), Fails(1, isOneLine));
-}
-
 TEST_F(ZentaqctlOld, ImportBinTellsWhenTheNameIsThatOfAnotherKind) {
     constexpr std::size_t floatsOfOrbLite = 2328;
     writeFile(old, oldFile(floatsOfOrbLite, {{sensorRating, 2}, {tableSize, 16}}));

@@ -90,6 +90,28 @@ inline std::string readUntil(int descriptor, const std::string& text) {
     return got;
 }
 
+/// A program whose standard output is read by the test.
+class Piped {
+ public:
+    Piped(const std::string& program, const Words& arguments, int error = STDERR_FILENO) {
+        int ends[2];
+        if (::pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
+        out = ends[0];
+        running.emplace(program, arguments, ends[1], error);
+        ::close(ends[1]);
+    }
+    ~Piped() {
+        running.reset();
+        ::close(out);
+    }
+    Piped(const Piped&) = delete;
+    Piped& operator=(const Piped&) = delete;
+    std::string until(const std::string& text) const { return readUntil(out, text); }
+
+    int out = -1;
+    std::optional<Running> running;
+};
+
 /// zentaqctl with a terminal as its standard input and error.
 class OnTerminal {
  public:
@@ -116,11 +138,6 @@ class OnTerminal {
 
 class ZentaqctlOnLink : public Zentaqctl {
  protected:
-    ~ZentaqctlOnLink() override {
-        unit_.reset();
-        if (ready_ >= 0) ::close(ready_);
-    }
-
     /// A firmware file for simulated units, which is named after what it holds.
     std::string makeFirmware(const std::string& model, const std::string& text) {
         const std::string made = folder.file(text + ".nv3");
@@ -137,13 +154,8 @@ class ZentaqctlOnLink : public Zentaqctl {
         start(arguments);
     }
     void start(const Words& arguments) {
-        int ends[2];
-        ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
-        unit_.emplace(ZENTAQ_APP_DIR "/zentaq-sim", arguments, ends[1], STDERR_FILENO);
-        ::close(ends[1]);
-        if (ready_ >= 0) ::close(ready_);
-        ready_ = ends[0];
-        ASSERT_THAT(readUntil(ready_, "\n"), StartsWith("ready "));
+        unit_.emplace(ZENTAQ_APP_DIR "/zentaq-sim", arguments);
+        ASSERT_THAT(unit_->until("\n"), StartsWith("ready "));
     }
     void startUnitWith(const std::string& fault) { startUnit("A", {"--fault", fault}); }
 
@@ -157,8 +169,13 @@ class ZentaqctlOnLink : public Zentaqctl {
     std::string memory = folder.file("memory");
 
  private:
-    std::optional<Running> unit_;
-    int ready_ = -1;
+    std::optional<Piped> unit_;
+};
+
+/// What the unit does wrong, and what a command tells of it.
+struct Fault {
+    const char* fault;
+    const char* told;
 };
 
 /// A test name of the words of a fault, such as "refuse@line#12": "refuse_line_12".
@@ -167,6 +184,10 @@ inline std::string nameOfFault(const std::string& text) {
     for (const char letter : text)
         name += std::isalnum(static_cast<unsigned char>(letter)) != 0 ? letter : '_';
     return name;
+}
+
+inline std::string nameOfRow(const ::testing::TestParamInfo<Fault>& row) {
+    return nameOfFault(row.param.fault);
 }
 
 inline void expectFailure(const Outcome& outcome, int exitCode, const std::string& part) {

@@ -51,14 +51,11 @@ TEST_F(ZentaqctlOnLink, ASilentUnitIsNoUnit) {
     expectFailure(onUnit("identify"), 3, "Error 1005: No ORB Unit is Connected to the System!");
 }
 
-TEST_F(ZentaqctlOnLink, AUnitThatMissesTheFirstQuestionIsAskedAgain) {
-    startUnitWith("silence@E#1");
-    EXPECT_EQ(onUnit("identify").exitCode, 0);
-}
-
-TEST_F(ZentaqctlOnLink, AUnitThatIsSlowIsWaitedFor) {
-    startUnitWith("late=400");
-    EXPECT_EQ(onUnit("identify").exitCode, 0);
+TEST_F(ZentaqctlOnLink, AUnitThatMissesTheFirstQuestionIsAskedAgainAndASlowOneIsWaitedFor) {
+    for (const char* fault : {"silence@E#1", "late=400"}) {
+        startUnitWith(fault);
+        EXPECT_EQ(onUnit("identify").exitCode, 0) << fault;
+    }
 }
 
 TEST_F(ZentaqctlOnLink, AUnitThatDoesNotTellItsFirmwareTakesNoCommands) {
@@ -82,16 +79,10 @@ TEST_F(ZentaqctlOnLink, APortThatAnotherProgramHoldsIsLeftAlone) {
 }
 
 TEST_F(ZentaqctlOnLink, WrongUsageOfTheLinkCommandsEndsWithTwo) {
-    const std::string name = inQuotes(file);
-    for (const std::string& arguments : std::vector<std::string>{
-             "identify --port 0", "identify --port ''", "identify x", "program", "monitor --seconds 0",
-             "monitor --seconds x", "monitor --csv --json", "send KNK_MIN", "codes --clear --json", "datalog",
-             "store --json", "ports --port 1", "send KNK_MIN 5 --index x"}) {
-        const Outcome outcome = run(arguments);
-        EXPECT_EQ(outcome.exitCode, 2) << arguments;
-        EXPECT_FALSE(outcome.error.empty()) << arguments;
-        EXPECT_EQ(outcome.out, "") << arguments;
-    }
+    expectWrongUsage({"identify --port 0", "identify --port ''", "identify x", "program",
+                      "monitor --seconds 0", "monitor --seconds x", "monitor --csv --json", "send KNK_MIN",
+                      "codes --clear --json", "datalog", "store --json", "ports --port 1",
+                      "send KNK_MIN 5 --index x"});
 }
 
 /// Simulated units announce themselves in a folder of the test.

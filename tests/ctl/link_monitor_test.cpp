@@ -1,5 +1,4 @@
 // monitor and datalog: live values and the unit's own log.
-#include <cmath>
 
 #include "ctl/link_fixture.h"
 
@@ -12,7 +11,12 @@ std::size_t columnsOf(const std::string& line) {
     return static_cast<std::size_t>(std::count(line.begin(), line.end(), '\t')) + 1;
 }
 
-TEST_F(ZentaqctlOnLink, MonitorShowsALineASecond) {
+class ZentaqctlLog : public ZentaqctlOnLink {
+ protected:
+    std::string log = folder.file("own.dat");
+};
+
+TEST_F(ZentaqctlLog, MonitorShowsALineASecond) {
     startUnit("A");
     const Outcome outcome = onUnit("monitor", "--seconds 2.2");
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
@@ -23,7 +27,7 @@ TEST_F(ZentaqctlOnLink, MonitorShowsALineASecond) {
     EXPECT_THAT(lines[1], HasSubstr(" BATTV="));
 }
 
-TEST_F(ZentaqctlOnLink, MonitorWritesALineOfJsonAFrame) {
+TEST_F(ZentaqctlLog, MonitorWritesALineOfJsonAFrame) {
     startUnit("A");
     const auto lines = linesOf(onUnit("monitor", "--seconds 0.5 --json").out);
     ASSERT_GE(lines.size(), 5U);
@@ -31,7 +35,7 @@ TEST_F(ZentaqctlOnLink, MonitorWritesALineOfJsonAFrame) {
     EXPECT_EQ(fromJson(lines[4], "0 < d[\"Seconds\"] < 1"), "True");
 }
 
-TEST_F(ZentaqctlOnLink, MonitorOfANarrowUnitShowsOnlyWhatItsFramesCarry) {
+TEST_F(ZentaqctlLog, MonitorOfANarrowUnitShowsOnlyWhatItsFramesCarry) {
     startUnit("PZK-2");
     const auto lines = linesOf(onUnit("monitor", "--seconds 0.5 --csv").out);
     ASSERT_GE(lines.size(), 3U);
@@ -39,9 +43,8 @@ TEST_F(ZentaqctlOnLink, MonitorOfANarrowUnitShowsOnlyWhatItsFramesCarry) {
     EXPECT_EQ(std::count(lines[1].begin(), lines[1].end(), ','), 9);
 }
 
-TEST_F(ZentaqctlOnLink, MonitorRecordsADatalog) {
+TEST_F(ZentaqctlLog, MonitorRecordsADatalog) {
     startUnit("A");
-    const std::string log = folder.file("drive.dat");
     EXPECT_THAT(onUnit("monitor", "--seconds 1 --log " + inQuotes(log)),
                 Succeeds(_, HasSubstr(" lines written to " + log)));
     const auto lines = linesOf(contentOf(log));
@@ -55,7 +58,7 @@ TEST_F(ZentaqctlOnLink, MonitorRecordsADatalog) {
     EXPECT_LE(std::stoi(lines.back()), 51);
 }
 
-TEST_F(ZentaqctlOnLink, MonitorWaitsForAUnitThatComesBack) {
+TEST_F(ZentaqctlLog, MonitorWaitsForAUnitThatComesBack) {
     startUnitWith("hang-up=700@W#10");
     const Outcome outcome = onUnit("monitor", "--seconds 4 --csv");
     EXPECT_EQ(outcome.exitCode, 0) << outcome.error;
@@ -64,96 +67,74 @@ TEST_F(ZentaqctlOnLink, MonitorWaitsForAUnitThatComesBack) {
     EXPECT_GT(linesOf(outcome.out).size(), 20U);
 }
 
-TEST_F(ZentaqctlOnLink, MonitorFailsWhereTheUnitIsGoneAtTheEnd) {
-    startUnitWith("hang-up=60000@W#10");
-    EXPECT_THAT(onUnit("monitor", "--seconds 2"),
-                Fails(1, HasSubstr("The unit does not answer any more (9 frames).\n")));
+TEST_F(ZentaqctlLog, MonitorFailsWhereTheUnitIsGoneAtTheEndOrStaysAway) {
+    for (const char* seconds : {"--seconds 2", ""}) {
+        startUnitWith("hang-up=60000@W#10");
+        EXPECT_THAT(onUnit("monitor", seconds),
+                    Fails(1, HasSubstr("The unit does not answer any more (9 frames).\n")));
+    }
 }
 
-TEST_F(ZentaqctlOnLink, MonitorGivesUpAUnitThatStaysAway) {
-    startUnitWith("hang-up=60000@W#10");
-    EXPECT_THAT(onUnit("monitor"), Fails(1, HasSubstr("The unit does not answer any more (9 frames).\n")));
-}
-
-TEST_F(ZentaqctlOnLink, MonitorFailsWhereEveryFrameIsDamaged) {
+TEST_F(ZentaqctlLog, MonitorFailsWhereEveryFrameIsDamaged) {
     startUnitWith("wrong-sum@W");
     expectFailure(onUnit("monitor", "--seconds 1"), 1,
                   "The unit answers, but its frames cannot be read (0 frames).");
 }
 
-TEST_F(ZentaqctlOnLink, MonitorDropsADamagedFrameAndGoesOn) {
+TEST_F(ZentaqctlLog, MonitorDropsADamagedFrameAndGoesOn) {
     startUnitWith("lose-byte@W#3");
     EXPECT_EQ(onUnit("monitor", "--seconds 2").exitCode, 0);
 }
 
-TEST_F(ZentaqctlOnLink, MonitorFailsWhereTheLogCannotBeWritten) {
+TEST_F(ZentaqctlLog, MonitorFailsWhereTheLogCannotBeWritten) {
     startUnit("A");
     expectFailure(onUnit("monitor", "--seconds 1 --log " + inQuotes(folder.file("none/x.dat"))), 1,
                   "Cannot write " + folder.file("none/x.dat"));
-    const std::string log = folder.file("x.dat");
     // No file grows beyond a kilobyte: a datalog's first line is longer.
-    const std::string narrow = "trap '' XFSZ; ulimit -f 1; exec " + inQuotes(ZENTAQ_APP_DIR "/zentaqctl");
-    const std::string error = folder.file("error.txt");
-    const std::string command = "bash -c \"" + narrow + " monitor --seconds 3 --port " + inQuotes(port) +
-                                " --log " + inQuotes(log) + "\" >/dev/null 2>" + inQuotes(error);
-    const int status = std::system(command.c_str());
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 1);
-    EXPECT_THAT(contentOf(error), HasSubstr("Cannot write " + log + ": File too large\n"));
+    EXPECT_THAT(
+        shell("bash -c \"trap '' XFSZ; ulimit -f 1; exec " + zentaqctl + " monitor --seconds 3 --port " +
+              inQuotes(port) + " --log " + inQuotes(log) + "\" >/dev/null"),
+        Fails(1, HasSubstr("Cannot write " + log + ": File too large\n")));
 }
 
-TEST_F(ZentaqctlOnLink, MonitorEndsByItselfWhereItsLinesCannotBeWritten) {
+TEST_F(ZentaqctlLog, MonitorEndsByItselfWhereItsLinesCannotBeWritten) {
     startUnit("A");
-    const std::string error = folder.file("error.txt");
-    const std::string command = inQuotes(ZENTAQ_APP_DIR "/zentaqctl") + " monitor --port " + inQuotes(port) +
-                                " >/dev/full 2>" + inQuotes(error);
-    const int status = std::system(command.c_str());
-    ASSERT_TRUE(WIFEXITED(status));
-    EXPECT_EQ(WEXITSTATUS(status), 1);
-    EXPECT_EQ(contentOf(error), "Cannot write to the standard output\n");
+    EXPECT_THAT(shell(zentaqctl + " monitor --port " + inQuotes(port) + " >/dev/full"),
+                Fails(1, "Cannot write to the standard output\n"));
 }
 
-TEST_F(ZentaqctlOnLink, MonitorTakesTheScalesOfACalibration) {
+TEST_F(ZentaqctlLog, MonitorTakesTheScalesOfACalibration) {
     startUnit("A");
     EXPECT_EQ(onUnit("monitor", "--seconds 0.5 --file " + inQuotes(file)).exitCode, 0);
     startUnit("C");
     expectFailure(onUnit("monitor", "--seconds 0.5 --file " + inQuotes(file)), 1, "Error 1006:");
 }
 
-TEST_F(ZentaqctlOnLink, CtrlCEndsAMonitorWellAndItsLogIsWhole) {
+TEST_F(ZentaqctlLog, CtrlCEndsAMonitorWellAndItsLogIsWhole) {
     startUnit("A");
-    const std::string log = folder.file("drive.dat");
-    int ends[2];
-    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
     const int null = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
-    Running program(ZENTAQ_APP_DIR "/zentaqctl", {"monitor", "--port", port, "--log", log}, ends[1], null);
-    readUntil(ends[0], "t=1 ");
-    program.signal(SIGINT);
-    EXPECT_EQ(program.wait(), 0);
-    for (const int end : {ends[0], ends[1], null}) ::close(end);
+    Piped program(ZENTAQ_APP_DIR "/zentaqctl", {"monitor", "--port", port, "--log", log}, null);
+    program.until("t=1 ");
+    program.running->signal(SIGINT);
+    EXPECT_EQ(program.running->wait(), 0);
+    ::close(null);
     const std::string content = contentOf(log);
     EXPECT_TRUE(content.ends_with("\r\n"));
     EXPECT_EQ(columnsOf(linesOf(content).back()), datalogColumns);
 }
 
-TEST_F(ZentaqctlOnLink, AMonitorForLongerThanAnybodyWaitsRunsUntilItIsEnded) {
+TEST_F(ZentaqctlLog, AMonitorForLongerThanAnybodyWaitsRunsUntilItIsEnded) {
     startUnit("A");
-    int ends[2];
-    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
-    Running program(ZENTAQ_APP_DIR "/zentaqctl", {"monitor", "--port", port, "--seconds", "1e30"}, ends[1],
-                    STDERR_FILENO);
-    ::close(ends[1]);
-    EXPECT_THAT(readUntil(ends[0], "t=1 "), HasSubstr("t=1 "));
-    program.signal(SIGINT);
-    EXPECT_EQ(program.wait(), 0);
-    ::close(ends[0]);
+    Piped program(ZENTAQ_APP_DIR "/zentaqctl", {"monitor", "--port", port, "--seconds", "1e30"});
+    EXPECT_THAT(program.until("t=1 "), HasSubstr("t=1 "));
+    program.running->signal(SIGINT);
+    EXPECT_EQ(program.running->wait(), 0);
 }
 
 // ---- Datalog
 
-TEST_F(ZentaqctlOnLink, DatalogRetrievesTheUnitsOwnLog) {
+TEST_F(ZentaqctlLog, DatalogRetrievesTheUnitsOwnLog) {
     startUnit("A", {"--log-records", "25"});
-    const std::string log = folder.file("own.dat");
     EXPECT_THAT(onUnit("datalog", inQuotes(log)),
                 Succeeds("ORB A 200001: The datalog has been successfully downloaded. (25 records in " + log +
                          ")\n"));
@@ -165,11 +146,10 @@ TEST_F(ZentaqctlOnLink, DatalogRetrievesTheUnitsOwnLog) {
     for (std::size_t i = 3; i < lines.size(); ++i) EXPECT_EQ(columnsOf(lines[i]), datalogColumns);
 }
 
-TEST_F(ZentaqctlOnLink, DatalogOfAnOrbDHoldsWhatTheUnitHasLogged) {
+TEST_F(ZentaqctlLog, DatalogOfAnOrbDHoldsWhatTheUnitHasLogged) {
     for (const char* model : {"D", "D6"}) {
         startUnit(model, {"--log-records", "40"});
-        const std::string log = folder.file(std::string("own") + model + ".dat");
-        ASSERT_EQ(onUnit("datalog", inQuotes(log)).exitCode, 0);
+        ASSERT_EQ(onUnit("datalog", "--force " + inQuotes(log)).exitCode, 0);
         const auto lines = linesOf(contentOf(log));
         ASSERT_EQ(lines.size(), 3U + 40U);
         for (std::size_t i = 3; i < lines.size(); ++i) {
@@ -179,12 +159,11 @@ TEST_F(ZentaqctlOnLink, DatalogOfAnOrbDHoldsWhatTheUnitHasLogged) {
     }
 }
 
-TEST_F(ZentaqctlOnLink, DatalogCountsByTheLogRateOfTheCalibration) {
+TEST_F(ZentaqctlLog, DatalogCountsByTheLogRateOfTheCalibration) {
     ASSERT_EQ(onFile("set", "GPIO_Func 15 --index 4").exitCode, 0);
     ASSERT_EQ(onFile("set", "GPIO_Param 10 --index 34").exitCode,
               0);  // parameter 2 of pin 4: 10 records a second
     startUnit("A", {"--log-records", "3"});
-    const std::string log = folder.file("own.dat");
     ASSERT_EQ(onUnit("datalog", inQuotes(log) + " --file " + inQuotes(file)).exitCode, 0);
     const auto lines = linesOf(contentOf(log));
     ASSERT_EQ(lines.size(), 6U);
@@ -192,16 +171,10 @@ TEST_F(ZentaqctlOnLink, DatalogCountsByTheLogRateOfTheCalibration) {
     EXPECT_THAT(lines[5], StartsWith("15\t"));
 }
 
-struct DatalogFault {
-    const char* fault;
-    const char* told;
-};
-
-class ZentaqctlDatalogFault : public ZentaqctlOnLink, public testing::WithParamInterface<DatalogFault> {};
+class ZentaqctlDatalogFault : public ZentaqctlLog, public testing::WithParamInterface<Fault> {};
 
 TEST_P(ZentaqctlDatalogFault, LeavesTheFileAsItWas) {
     startUnit("A", {"--log-records", "20", "--fault", GetParam().fault});
-    const std::string log = folder.file("own.dat");
     writeFile(log, "former");
     expectFailure(onUnit("datalog", "--force " + inQuotes(log)), 1, GetParam().told);
     EXPECT_EQ(contentOf(log), "former");
@@ -209,25 +182,22 @@ TEST_P(ZentaqctlDatalogFault, LeavesTheFileAsItWas) {
 
 INSTANTIATE_TEST_SUITE_P(
     Faults, ZentaqctlDatalogFault,
-    testing::Values(
-        DatalogFault{"silence@D#1", "The unit did not answer after 0 records; nothing was written."},
-        DatalogFault{"silence@D#8", "The unit did not answer after 7 records; nothing was written."},
-        DatalogFault{"lose-byte@D#4", "The unit did not answer after 3 records; nothing was written."},
-        DatalogFault{"hang-up@D#8", "The unit did not answer after 7 records; nothing was written."}),
-    [](const auto& row) { return nameOfFault(row.param.fault); });
+    testing::Values(Fault{"silence@D#1", "The unit did not answer after 0 records; nothing was written."},
+                    Fault{"silence@D#8", "The unit did not answer after 7 records; nothing was written."},
+                    Fault{"lose-byte@D#4", "The unit did not answer after 3 records; nothing was written."},
+                    Fault{"hang-up@D#8", "The unit did not answer after 7 records; nothing was written."}),
+    nameOfRow);
 
-TEST_F(ZentaqctlOnLink, DatalogOfAnEmptyLogFailsInTheWordsOfTheProgram) {
+TEST_F(ZentaqctlLog, DatalogOfAnEmptyLogFailsInTheWordsOfTheProgram) {
     startUnit("A", {"--log-records", "0"});
-    const std::string log = folder.file("own.dat");
     expectFailure(onUnit("datalog", inQuotes(log)), 1, "The unit either has no datalog data");
     EXPECT_FALSE(fs::exists(log));
 }
 
 // ---- Files that are there
 
-TEST_F(ZentaqctlOnLink, ALogThatIsThereIsLeftAloneAndNoUnitIsAsked) {
+TEST_F(ZentaqctlLog, ALogThatIsThereIsLeftAloneAndNoUnitIsAsked) {
     // No unit was started: who looked for one would end with 3.
-    const std::string log = folder.file("own.dat");
     writeFile(log, "a day on the dyno");
     const std::string why = log + " is there already; --force puts the new datalog in its place";
     expectRefused(onUnit("datalog", inQuotes(log)), why);
@@ -237,9 +207,8 @@ TEST_F(ZentaqctlOnLink, ALogThatIsThereIsLeftAloneAndNoUnitIsAsked) {
     EXPECT_EQ(contentOf(log), "a day on the dyno");
 }
 
-TEST_F(ZentaqctlOnLink, ALogThatIsThereIsReplacedWhereThatIsWanted) {
+TEST_F(ZentaqctlLog, ALogThatIsThereIsReplacedWhereThatIsWanted) {
     startUnit("A", {"--log-records", "5"});
-    const std::string log = folder.file("own.dat");
     writeFile(log, std::string(1'000'000, 'x'));
     EXPECT_EQ(onUnit("datalog", "--force " + inQuotes(log)).exitCode, 0);
     EXPECT_EQ(linesOf(contentOf(log)).size(), 3U + 5U);
@@ -248,17 +217,15 @@ TEST_F(ZentaqctlOnLink, ALogThatIsThereIsReplacedWhereThatIsWanted) {
     EXPECT_THAT(contentOf(log), StartsWith("ZENTAQ 4.10 DATALOG\t"));
 }
 
-TEST_F(ZentaqctlOnLink, AnEmptyFileIsNoLossForALog) {
+TEST_F(ZentaqctlLog, AnEmptyFileIsNoLossForALog) {
     startUnit("A", {"--log-records", "5"});
-    const std::string log = folder.file("own.dat");
     writeFile(log, "");
     EXPECT_EQ(onUnit("datalog", inQuotes(log)).exitCode, 0);
     writeFile(log, "");
     EXPECT_EQ(onUnit("monitor", "--seconds 0.5 --log " + inQuotes(log)).exitCode, 0);
 }
 
-TEST_F(ZentaqctlOnLink, ALogNeverTakesThePlaceOfWhatTheCommandReadsOrTraces) {
-    const std::string log = folder.file("own.dat");
+TEST_F(ZentaqctlLog, ALogNeverTakesThePlaceOfWhatTheCommandReadsOrTraces) {
     for (const std::string command : {"datalog --force ", "monitor --force --seconds 1 --log "}) {
         expectRefused(onUnit(command + inQuotes(log), "--trace " + inQuotes(log)),
                       log + " would be overwritten; name another file");
@@ -269,15 +236,15 @@ TEST_F(ZentaqctlOnLink, ALogNeverTakesThePlaceOfWhatTheCommandReadsOrTraces) {
     EXPECT_EQ(contentOf(file), contentOf(sample("Street 2.0 Four.ZQ4OA")));
 }
 
-TEST_F(ZentaqctlOnLink, AMonitorWaitsForNobodyAtAPipe) {
+TEST_F(ZentaqctlLog, AMonitorWaitsForNobodyAtAPipe) {
     startUnit("A");
-    const std::string log = folder.file("pipe");
+    log = folder.file("pipe");
     ASSERT_EQ(::mkfifo(log.c_str(), 0600), 0);
     expectFailure(onUnit("monitor", "--seconds 1 --log " + inQuotes(log)), 1,
                   "Cannot write " + log + ": it is a pipe, not a file");
 }
 
-TEST_F(ZentaqctlOnLink, NoLogOrTraceGoesToAnythingButAFile) {
+TEST_F(ZentaqctlLog, NoLogOrTraceGoesToAnythingButAFile) {
     const std::string pipe = folder.file("pipe");
     const std::string device = folder.file("device");
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
@@ -297,14 +264,14 @@ TEST_F(ZentaqctlOnLink, NoLogOrTraceGoesToAnythingButAFile) {
     EXPECT_TRUE(fs::is_fifo(pipe));
 }
 
-TEST_F(ZentaqctlOnLink, ANameThatIsTooLongIsToldInPlainWords) {
-    const std::string log = folder.file(std::string(300, 'n'));
+TEST_F(ZentaqctlLog, ANameThatIsTooLongIsToldInPlainWords) {
+    log = folder.file(std::string(300, 'n'));
     EXPECT_THAT(onUnit("datalog", inQuotes(log)),
                 Fails(1, AllOf(HasSubstr(": File name too long\n"), StartsWith("Cannot write "))));
 }
 
-TEST_F(ZentaqctlOnLink, DatalogAsksNoUnitWhereTheFileCannotBeWritten) {
-    const std::string log = folder.file("none/own.dat");
+TEST_F(ZentaqctlLog, DatalogAsksNoUnitWhereTheFileCannotBeWritten) {
+    log = folder.file("none/own.dat");
     expectRefused(onUnit("datalog", inQuotes(log)),
                   "Cannot write " + log + ": its folder takes no new file: No such file or directory");
     expectRefused(onUnit("datalog", inQuotes(folder.path().string())),

@@ -104,12 +104,7 @@ TEST_F(ZentaqctlOnLink, ProgramSendsNothingWhereTheFileMakesNoImage) {
     EXPECT_EQ(contentOf(memory), before);
 }
 
-struct ProgramFault {
-    const char* fault;
-    const char* told;
-};
-
-class ZentaqctlProgramFault : public ZentaqctlOnLink, public testing::WithParamInterface<ProgramFault> {};
+class ZentaqctlProgramFault : public ZentaqctlOnLink, public testing::WithParamInterface<Fault> {};
 
 TEST_P(ZentaqctlProgramFault, EndsWithOneAndThePreviousCalibrationStays) {
     startUnit("A", {"--memory", memory, "--fault", GetParam().fault});
@@ -122,13 +117,13 @@ TEST_P(ZentaqctlProgramFault, EndsWithOneAndThePreviousCalibrationStays) {
 
 INSTANTIATE_TEST_SUITE_P(
     Faults, ZentaqctlProgramFault,
-    testing::Values(ProgramFault{"refuse@P1", "The unit refused the start of programming."},
-                    ProgramFault{"refuse@line#12", "The unit refused line 12 of 148."},
-                    ProgramFault{"silence@P1", "The unit did not answer to the start of programming."},
-                    ProgramFault{"silence@line#12", "The unit did not answer to line 12 of 148."},
-                    ProgramFault{"lose-byte@line#3", "The unit did not answer to line 3 of 148."},
-                    ProgramFault{"hang-up@line#5", "The unit did not answer to line 5 of 148."}),
-    [](const auto& row) { return nameOfFault(row.param.fault); });
+    testing::Values(Fault{"refuse@P1", "The unit refused the start of programming."},
+                    Fault{"refuse@line#12", "The unit refused line 12 of 148."},
+                    Fault{"silence@P1", "The unit did not answer to the start of programming."},
+                    Fault{"silence@line#12", "The unit did not answer to line 12 of 148."},
+                    Fault{"lose-byte@line#3", "The unit did not answer to line 3 of 148."},
+                    Fault{"hang-up@line#5", "The unit did not answer to line 5 of 148."}),
+    nameOfRow);
 
 TEST_F(ZentaqctlOnLink, ProgramGoesOnWhereALineIsAnsweredLate) {
     startUnitWith("late=600@line#7");

@@ -19,18 +19,18 @@ TEST_F(ZentaqctlOnLink, SendChangesOneElement) {
               "('VE', 17, 200001, ['S10414A12D19'])");
 }
 
-TEST_F(ZentaqctlOnLink, SendRefusesWhatIsNeverSentOnTheFly) {
+TEST_F(ZentaqctlOnLink, SendRefusesWhatNoUnitIsSent) {
     startUnit("A");
-    expectFailure(onUnit("send", "BiName x"), 1, "BiName is not sent on the fly: it never reaches a unit");
-    expectFailure(onUnit("send", "NOTES_TEXT x"), 1, "it never reaches a unit, only the program reads it.");
-}
-
-TEST_F(ZentaqctlOnLink, SendRefusesAValueOutOfRange) {
-    startUnit("A");
-    expectFailure(onUnit("send", "KNK_MIN 101"), 1, "(2 to 100 units) - Invalid Entry.");
-    expectFailure(onUnit("send", "KNK_MIN much"), 1, "Non-numeric value detected.");
-    expectFailure(onUnit("send", "VE 1 --index 256"), 1, "VE has elements 0 to 255");
-    expectFailure(onUnit("send", "KNK_MINI 5"), 1, "ORB A has no member KNK_MINI; did you mean KNK_MIN?");
+    for (const auto& [change, why] :
+         {std::pair("BiName x", "BiName is not sent on the fly: it never reaches a unit"),
+          std::pair("NOTES_TEXT x", "it never reaches a unit, only the program reads it."),
+          std::pair("KNK_MIN 101", "(2 to 100 units) - Invalid Entry."),
+          std::pair("KNK_MIN much", "Non-numeric value detected."),
+          std::pair("VE 1 --index 256", "VE has elements 0 to 255"),
+          std::pair("KNK_MINI 5", "ORB A has no member KNK_MINI; did you mean KNK_MIN?")}) {
+        SCOPED_TRACE(change);
+        expectFailure(onUnit("send", change), 1, why);
+    }
 }
 
 TEST_F(ZentaqctlOnLink, SendAsksForTheCalibrationWhereTheBytesDependOnIt) {

@@ -81,24 +81,19 @@ TEST_F(ZentaqctlAtATerminal, CtrlBackslashIsAnsweredLikeCtrlC) {
 
 TEST_F(ZentaqctlAtATerminal, ASignalEndsAMonitorWhoseReaderHasStopped) {
     startUnit("A");
-    int ends[2];
-    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
-    ASSERT_GT(::fcntl(ends[1], F_SETPIPE_SZ, 4096), 0);
-    Running monitor(ZENTAQ_APP_DIR "/zentaqctl", {"monitor", "--csv", "--port", port}, ends[1],
-                    STDERR_FILENO);
-    ::close(ends[1]);
+    Piped monitor(ZENTAQ_APP_DIR "/zentaqctl", {"monitor", "--csv", "--port", port});
+    ASSERT_GT(::fcntl(monitor.out, F_SETPIPE_SZ, 4096), 0);
     // It writes once a second at least: a pipe whose content stays as it is takes no more.
     int waiting = 0;
     int before = -1;
     for (int wait = 0; wait < 10 && (waiting == 0 || waiting != before); ++wait) {
         before = waiting;
         ::poll(nullptr, 0, 2500);
-        ::ioctl(ends[0], FIONREAD, &waiting);
+        ::ioctl(monitor.out, FIONREAD, &waiting);
     }
     ASSERT_EQ(waiting, before);
-    monitor.signal(SIGINT);
-    EXPECT_EQ(monitor.endingSignal(), SIGINT);
-    ::close(ends[0]);
+    monitor.running->signal(SIGINT);
+    EXPECT_EQ(monitor.running->endingSignal(), SIGINT);
 }
 
 }  // namespace

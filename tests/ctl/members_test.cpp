@@ -1,5 +1,4 @@
 // The list of members, and whether what it says is so.
-#include <cstdint>
 #include <map>
 #include <memory>
 

@@ -116,7 +116,7 @@ TEST_F(CtlNew, KeepsAFlowThatIsGivenAndLargeEnough) {
     EXPECT_EQ(make("--set INJ_FlowRate=42 --set BHP=200 --set REV_Limiter=6000").exitCode, 0);
     EXPECT_EQ(valueOf("INJ_FlowRate"), "42");
     expectRefused(make("--force --set INJ_FlowRate=25 --set BHP=200 --set REV_Limiter=6000"),
-                  "Warning 1001: Data Input Error: (25.57 to 500 Lbs/hr) - Invalid Entry.");
+                  outOfRange("(25.57 to 500 Lbs/hr)"));
     EXPECT_EQ(valueOf("INJ_FlowRate"), "42") << "the file is as it was";
 }
 
@@ -126,29 +126,24 @@ TEST_F(CtlNew, CountsTheInjectorsOfTheEngine) {
 }
 
 TEST_F(CtlNew, RefusesValuesOutsideTheirLimitsAndWritesNothing) {
-    const std::pair<const char*, const char*> refused[] = {{"REV_Limiter=999", "(1000 to 20000 RPM)"},
-                                                           {"INJ_Number=0", "(1 to 24)"},
-                                                           {"INJ_Number=25", "(1 to 24)"},
-                                                           {"MAX_Boost=100.1", "(0 to 100 kPa)"},
-                                                           {"CAMSTL=2", "(0 to 1)"},
-                                                           {"KNK_MIN=101", "(2 to 100 units)"}};
-    for (const auto& [setting, range] : refused) {
-        expectRefused(make(std::string("--set ") + setting),
-                      std::string("Warning 1001: Data Input Error: ") + range + " - Invalid Entry.");
-        EXPECT_FALSE(fs::exists(made)) << setting;
+    const std::pair<const char*, std::string> refused[] = {
+        {"REV_Limiter=999", outOfRange("(1000 to 20000 RPM)")},
+        {"INJ_Number=0", outOfRange("(1 to 24)")},
+        {"INJ_Number=25", outOfRange("(1 to 24)")},
+        {"MAX_Boost=100.1", outOfRange("(0 to 100 kPa)")},
+        {"CAMSTL=2", outOfRange("(0 to 1)")},
+        {"KNK_MIN=101", outOfRange("(2 to 100 units)")},
+        {"INJ_Number=4.5", "Warning 1002: Data Input Error: Enter Whole Numbers Only"},
+        {"BHP=5001", outOfRange("(0 to 5000 HP)")},
+        {"BHP=many", notNumeric},
+        {"BHP=", "Warning 1005: Data Input Error: Field CANNOT be NULL; please try again."},
+        {"BHP=1,5", "BHP: 1,5 has a comma; decimals are written with a point, such as 12.5"},
+        {"VE=5", "VE has 256 elements; make the file, then change them by zentaqctl set --index"}};
+    for (const auto& [setting, why] : refused) {
+        SCOPED_TRACE(setting);
+        expectRefused(make(std::string("--set ") + setting), why);
+        EXPECT_FALSE(fs::exists(made));
     }
-    expectRefused(make("--set INJ_Number=4.5"), "Warning 1002: Data Input Error: Enter Whole Numbers Only");
-    EXPECT_FALSE(fs::exists(made));
-    expectRefused(make("--set BHP=5001"), "Warning 1001: Data Input Error: (0 to 5000 HP) - Invalid Entry.");
-    expectRefused(make("--set BHP=many"),
-                  "Warning 1000: Data Input Error: Non-numeric value detected. Retype Data");
-    expectRefused(make("--set BHP="),
-                  "Warning 1005: Data Input Error: Field CANNOT be NULL; please try again.");
-    expectRefused(make("--set BHP=1,5"),
-                  "BHP: 1,5 has a comma; decimals are written with a point, such as 12.5");
-    expectRefused(make("--set VE=5"),
-                  "VE has 256 elements; make the file, then change them by zentaqctl set --index");
-    EXPECT_FALSE(fs::exists(made));
 }
 
 TEST_F(CtlNew, SuggestsTheNamesThatMayBeMeant) {
@@ -182,15 +177,11 @@ TEST_F(CtlNew, NotesAnExtensionOfAnotherKind) {
 
 TEST_F(CtlNew, WrongUsageEndsWithTwo) {
     const std::string names = std::string("--engine ") + inQuotes(four) + " --sensor " + inQuotes(oneBar);
-    for (const std::string& arguments :
-         {std::string("new"), "new --unit A " + names, "new --unit Z " + names + " -o x",
-          "new --unit A " + names + " --set KNK_MIN -o x", "new --unit A " + names + " --set =5 -o x",
-          "new --unit A " + names + " -o ''", "new --unit A " + names + " --json -o x",
-          std::string("engines --unit Z"), std::string("engines extra"), std::string("sensors --unit A")}) {
-        const Outcome outcome = run(arguments);
-        EXPECT_EQ(outcome.exitCode, 2) << arguments;
-        EXPECT_FALSE(outcome.error.empty()) << arguments;
-    }
+    expectWrongUsage({"new", "new --unit A " + names, "new --unit Z " + names + " -o x",
+                      "new --unit A " + names + " --set KNK_MIN -o x",
+                      "new --unit A " + names + " --set =5 -o x", "new --unit A " + names + " -o ''",
+                      "new --unit A " + names + " --json -o x", "engines --unit Z", "engines extra",
+                      "sensors --unit A"});
     expectRefused(run("new --unit A " + names + " -o -"),
                   "A calibration is not written to the standard output; name a file");
 }
@@ -201,18 +192,11 @@ TEST_F(CtlNew, AFolderThatIsNotThereIsToldInOneLine) {
 }
 
 TEST_F(CtlNew, NeedsTheReferenceDatabase) {
-    const std::string program = folder.file("zentaqctl");  // no database beside it
-    fs::copy_file(ZENTAQ_APP_DIR "/zentaqctl", program);
-    for (const std::string& command : {"new --unit A --engine " + inQuotes(four) + " --sensor " +
-                                           inQuotes(oneBar) + " -o " + inQuotes(made),
-                                       std::string("engines"), std::string("sensors")}) {
-        const std::string error = folder.file("error.txt");
-        const int status = std::system((inQuotes(program) + " " + command + " 2>" + inQuotes(error)).c_str());
-        ASSERT_TRUE(WIFEXITED(status));
-        EXPECT_EQ(WEXITSTATUS(status), 1);
-        EXPECT_THAT(contentOf(error),
-                    StartsWith("Cannot open the reference database " +
-                               folder.file("bin/data/zentaq410-02.pak: the file is missing")));
+    withoutDatabase();
+    for (const Outcome& outcome : {make("", "A"), run("engines"), run("sensors")}) {
+        EXPECT_THAT(outcome, Fails(1, StartsWith("Cannot open the reference database " +
+                                                 folder.file("bin/data/zentaq410-02.pak: "
+                                                             "the file is missing"))));
     }
     EXPECT_FALSE(fs::exists(made));
 }

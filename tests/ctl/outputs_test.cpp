@@ -35,6 +35,35 @@ TEST_F(ZentaqctlOutputs, NoCommandReplacesACalibrationThatItWasNotToChange) {
     expectKept(onFile("export", out), "text");
 }
 
+TEST_F(ZentaqctlOutputs, NoCommandWritesOverAnInputOfAnotherForm) {
+    const std::string link = folder.file("link");
+    fs::create_symlink(file, link);
+    const std::string name = inQuotes(file);
+    const std::string before = contentOf(file);
+    for (const auto& [command, output] :
+         {std::pair("image " + name + " -o " + name, file), std::pair("export " + name + " -o " + name, file),
+          std::pair("export " + name + " -o " + inQuotes(link), link),
+          std::pair("import " + name + " -o " + name, file),
+          std::pair("import-bin " + name + " -o " + name, file),
+          std::pair("table " + name + " VE --from " + name, file)}) {
+        SCOPED_TRACE(command);
+        expectRefused(run(command), output + " would be overwritten; name another file");
+        EXPECT_TRUE(contentOf(file) == before);
+    }
+}
+
+TEST_F(ZentaqctlOutputs, AMissingInputIsNamed) {
+    const std::string missing = folder.file("missing.ZQ4OA");
+    const std::string name = inQuotes(missing);
+    for (const std::string& command :
+         {"info " + name, "get " + name + " KNK_MIN", "diff " + inQuotes(file) + " " + name, "export " + name,
+          "import " + name + " -o x", "import-bin " + name + " -o x",
+          "table " + inQuotes(file) + " VE --from " + name}) {
+        SCOPED_TRACE(command);
+        expectRefused(run(command), "Cannot open " + missing + ": No such file or directory");
+    }
+}
+
 TEST_F(ZentaqctlOutputs, ForceReplacesIt) {
     EXPECT_EQ(onFile("set", "KNK_MIN 45 --force -o " + inQuotes(other)).exitCode, 0);
     EXPECT_EQ(cellOf(other, 34), 45);

@@ -10,15 +10,22 @@ namespace {
 
 class ParallelChanges : public Zentaqctl {
  protected:
-    /// Starts all at once; each must succeed.
-    void runAll(const std::vector<Words>& commands) {
-        const int sink = ::open(folder.file("output").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    /// Starts all at once, and what they end with.
+    std::vector<int> endsOf(const std::vector<Words>& commands) {
+        const int sink = ::open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0600);
         std::deque<Running> programs;
         for (const Words& words : commands)
             programs.emplace_back(ZENTAQ_APP_DIR "/zentaqctl", words, sink, sink);
-        for (Running& program : programs) EXPECT_EQ(program.wait(), 0) << contentOf(folder.file("output"));
+        std::vector<int> ends;
+        for (Running& program : programs) ends.push_back(program.wait());
         ::close(sink);
+        return ends;
     }
+    void runAll(const std::vector<Words>& commands) {
+        EXPECT_THAT(endsOf(commands), ::testing::Each(0)) << contentOf(output);
+    }
+
+    std::string output = folder.file("output");
 };
 
 TEST_F(ParallelChanges, OfTwoMembersLoseNoneInSixtyPairs) {
@@ -52,19 +59,15 @@ class ParallelMakers : public ParallelChanges {
         return each;
     }
     void race(const std::vector<Maker>& makers) {
-        const std::string output = folder.file("output");
+        std::vector<Words> commands;
+        for (const Maker& each : makers) commands.push_back(each.words);
         for (int pair = 0; pair < pairs; ++pair) {
             fs::remove(fresh);
-            const int sink =
-                ::open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0600);
-            std::deque<Running> programs;
-            for (const Maker& each : makers)
-                programs.emplace_back(ZENTAQ_APP_DIR "/zentaqctl", each.words, sink, sink);
+            const std::vector<int> ends = endsOf(commands);
             std::vector<std::string> left;
-            for (std::size_t i = 0; i < programs.size(); ++i) {
-                if (programs[i].wait() == 0) left.push_back(makers[i].made);
+            for (std::size_t i = 0; i < ends.size(); ++i) {
+                if (ends[i] == 0) left.push_back(makers[i].made);
             }
-            ::close(sink);
             ASSERT_EQ(left.size(), 1U) << "pair " << pair << ": " << contentOf(output);
             ASSERT_TRUE(contentOf(fresh) == left[0]) << "pair " << pair;
             ASSERT_THAT(contentOf(output), HasSubstr(fresh + " is there already; --force puts the new "));
@@ -131,14 +134,10 @@ TEST_F(ParallelChanges, OfSixteenCellsLoseNone) {
 }
 
 TEST_F(ParallelChanges, WaitForTheOneThatIsBeingMade) {
-    const int sink = ::open(folder.file("output").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
-    const std::string before = contentOf(file);
+    const int sink = ::open(output.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
     std::optional<FileLock> other(std::in_place, file);
     Running set(ZENTAQ_APP_DIR "/zentaqctl", {"set", file, "REV_Limiter", "6000"}, sink, sink);
-    std::string changed = before;
-    const float knock = 77;
-    std::memcpy(changed.data() + 12 + 4 * 34, &knock, sizeof knock);
-    writeFile(file, changed);  // before it reads
+    plant(34, 77);  // before it reads
     other.reset();
     EXPECT_EQ(set.wait(), 0);
     EXPECT_EQ(cellOf(file, 34), 77);

@@ -151,19 +151,17 @@ TEST_F(ZentaqctlShown, EveryReaderRefusesTwoGigabytesAtOnceWithItsLimit) {
 
 TEST_F(ZentaqctlShown, TheStandardInputHasTheLimitOfItsReader) {
     const auto endless = [&](const std::string& command) {
-        const std::string error = folder.file("error.txt");
-        const int status = std::system(("yes | " + inQuotes(ZENTAQ_APP_DIR "/zentaqctl") + " " + command +
-                                        " 2>" + inQuotes(error) + " >/dev/null")
-                                           .c_str());
-        return std::to_string(WEXITSTATUS(status)) + " " + contentOf(error);
+        return shell("yes | " + zentaqctl + " " + command);
     };
-    const std::string start = "1 Cannot read the standard input: it has more than ";
-    EXPECT_EQ(endless("diff - " + inQuotes(file)), start + "65536 bytes; a calibration has at most 65536\n");
-    EXPECT_EQ(endless("import - -o x"), start + "1048576 bytes; a calibration as text has at most 1048576\n");
-    EXPECT_EQ(endless("table " + inQuotes(file) + " VE --from -"),
-              start + "262144 bytes; a table as text has at most 262144\n");
-    EXPECT_EQ(endless("decode --kind A --reply W -"),
-              start + "65536 bytes; a reply in hexadecimal has at most 65536\n");
+    const std::string start = "Cannot read the standard input: it has more than ";
+    expectRefused(endless("diff - " + inQuotes(file)),
+                  start + "65536 bytes; a calibration has at most 65536");
+    expectRefused(endless("import - -o x"),
+                  start + "1048576 bytes; a calibration as text has at most 1048576");
+    expectRefused(endless("table " + inQuotes(file) + " VE --from -"),
+                  start + "262144 bytes; a table as text has at most 262144");
+    expectRefused(endless("decode --kind A --reply W -"),
+                  start + "65536 bytes; a reply in hexadecimal has at most 65536");
 }
 
 // Without anybody at its other end whoever opens a pipe waits; the fixture would, too.
