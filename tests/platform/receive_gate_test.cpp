@@ -7,18 +7,19 @@
 namespace zentaq {
 namespace {
 
-void receiveOne(ReceiveGate& gate, std::uint8_t byte, std::int64_t nowUs) {
-    gate.received(std::span(&byte, 1), nowUs);
-}
+class Gate : public testing::Test {
+ protected:
+    void receiveOne(std::uint8_t byte, std::int64_t nowUs) { gate.received(std::span(&byte, 1), nowUs); }
+    /// Bytes first, first + 1, ... at 0.26 ms, as on a line of 38400 baud. Answers the last arrival's time.
+    std::int64_t receiveLine(int count, std::int64_t startUs = 0, std::uint8_t first = 1) {
+        for (int i = 0; i < count; ++i) receiveOne(static_cast<std::uint8_t>(first + i), startUs + i * 260);
+        return startUs + (count - 1) * 260;
+    }
 
-/// Bytes first, first + 1, ... at 0.26 ms, as on a line of 38400 baud. Answers the last arrival's time.
-std::int64_t receiveLine(ReceiveGate& gate, int count, std::int64_t startUs = 0, std::uint8_t first = 1) {
-    for (int i = 0; i < count; ++i) receiveOne(gate, static_cast<std::uint8_t>(first + i), startUs + i * 260);
-    return startUs + (count - 1) * 260;
-}
-
-TEST(ReceiveGate, TellsHowManyBytesAreMissing) {
     ReceiveGate gate;
+};
+
+TEST_F(Gate, TellsHowManyBytesAreMissing) {
     EXPECT_EQ(gate.missing(), 0U);
     gate.threshold(8);
     EXPECT_EQ(gate.missing(), 8U);
@@ -29,16 +30,14 @@ TEST(ReceiveGate, TellsHowManyBytesAreMissing) {
     EXPECT_EQ(gate.missing(), 0U);
 }
 
-TEST(ReceiveGate, ThresholdZeroNeverDelivers) {
-    ReceiveGate gate;
-    receiveLine(gate, 8);
+TEST_F(Gate, ThresholdZeroNeverDelivers) {
+    receiveLine(8);
     EXPECT_FALSE(gate.due(1'000'000));
     EXPECT_FALSE(gate.nextDueUs());
     EXPECT_EQ(gate.size(), 8u);
 }
 
-TEST(ReceiveGate, WhatNobodyAsksForIsKeptUpTo4096BytesOfWhichTheLastStay) {
-    ReceiveGate gate;
+TEST_F(Gate, WhatNobodyAsksForIsKeptUpTo4096BytesOfWhichTheLastStay) {
     for (int i = 0; i < 5000; ++i) {
         const auto byte = static_cast<std::uint8_t>(i & 0xFF);
         gate.received(std::span(&byte, 1), i);
@@ -49,125 +48,113 @@ TEST(ReceiveGate, WhatNobodyAsksForIsKeptUpTo4096BytesOfWhichTheLastStay) {
     EXPECT_EQ(held.back(), 4999 & 0xFF);
 }
 
-TEST(ReceiveGate, NegativeThresholdNeverDelivers) {
-    ReceiveGate gate;
+TEST_F(Gate, NegativeThresholdNeverDelivers) {
     gate.threshold(-1);
-    receiveLine(gate, 8);
+    receiveLine(8);
     EXPECT_FALSE(gate.due(1'000'000));
 }
 
-TEST(ReceiveGate, TooFewBytesWaitForever) {
-    ReceiveGate gate;
+TEST_F(Gate, TooFewBytesWaitForever) {
     gate.threshold(3);
-    receiveLine(gate, 2);
+    receiveLine(2);
     EXPECT_FALSE(gate.due(1'000'000));
     EXPECT_FALSE(gate.nextDueUs());
 }
 
-TEST(ReceiveGate, DeliversTwoCharacterTimesAfterTheLastByte) {
-    ReceiveGate gate;
+TEST_F(Gate, DeliversTwoCharacterTimesAfterTheLastByte) {
     gate.threshold(2);
-    receiveLine(gate, 2);  // at 0 and 260
+    receiveLine(2);  // at 0 and 260
     EXPECT_EQ(gate.nextDueUs(), 780);
     EXPECT_FALSE(gate.due(779));
     EXPECT_TRUE(gate.due(780));
 }
 
-TEST(ReceiveGate, FirstIdentifyAsksForSixBytesAndGetsAllEight) {
-    ReceiveGate gate;
+TEST_F(Gate, FirstIdentifyAsksForSixBytesAndGetsAllEight) {
     gate.threshold(6);
     for (int i = 0; i < 8; ++i) {
         const std::int64_t now = i * 260;
-        receiveOne(gate, static_cast<std::uint8_t>(i), now);
+        receiveOne(static_cast<std::uint8_t>(i), now);
         EXPECT_FALSE(gate.due(now + 259)) << "while byte " << i + 1 << " is on its way";
     }
     EXPECT_TRUE(gate.due(7 * 260 + 520));
     EXPECT_EQ(gate.take(), (std::vector<std::uint8_t>{0, 1, 2, 3, 4, 5, 6, 7}));
 }
 
-TEST(ReceiveGate, ABatchIsDeliveredOnceEvenIfNobodyTakesIt) {
-    ReceiveGate gate;
+TEST_F(Gate, ABatchIsDeliveredOnceEvenIfNobodyTakesIt) {
     gate.threshold(2);
-    const auto last = receiveLine(gate, 2);
+    const auto last = receiveLine(2);
     ASSERT_TRUE(gate.due(last + 520));
     gate.delivered();
     EXPECT_FALSE(gate.due(last + 10'000));
     EXPECT_FALSE(gate.nextDueUs());
 }
 
-TEST(ReceiveGate, BytesBehindADeliveredBatchMakeANewOne) {
-    ReceiveGate gate;
+TEST_F(Gate, BytesBehindADeliveredBatchMakeANewOne) {
     gate.threshold(2);
-    receiveLine(gate, 2);
+    receiveLine(2);
     gate.delivered();
-    receiveOne(gate, 9, 5000);
+    receiveOne(9, 5000);
     EXPECT_EQ(gate.nextDueUs(), 5520);
     EXPECT_EQ(gate.take(), (std::vector<std::uint8_t>{1, 2, 9}));
 }
 
-TEST(ReceiveGate, TakeEmptiesAndTheNextBatchCountsFromZero) {
-    ReceiveGate gate;
+TEST_F(Gate, TakeEmptiesAndTheNextBatchCountsFromZero) {
     gate.threshold(2);
-    receiveLine(gate, 2);
+    receiveLine(2);
     gate.delivered();
     EXPECT_EQ(gate.take().size(), 2u);
     EXPECT_TRUE(gate.take().empty());
-    receiveOne(gate, 7, 3000);
+    receiveOne(7, 3000);
     EXPECT_FALSE(gate.nextDueUs());
-    receiveOne(gate, 8, 3260);
+    receiveOne(8, 3260);
     EXPECT_EQ(gate.nextDueUs(), 3780);
 }
 
-TEST(ReceiveGate, TakeReturnsWhatIsThereBeforeItIsDue) {
-    ReceiveGate gate;
+TEST_F(Gate, TakeReturnsWhatIsThereBeforeItIsDue) {
     gate.threshold(10);
-    receiveLine(gate, 3);
+    receiveLine(3);
     EXPECT_EQ(gate.take(), (std::vector<std::uint8_t>{1, 2, 3}));
 }
 
-TEST(ReceiveGate, ThresholdSetAfterTheBytesCameCountsThem) {
-    ReceiveGate gate;
-    const auto last = receiveLine(gate, 4);
+TEST_F(Gate, ThresholdSetAfterTheBytesCameCountsThem) {
+    const auto last = receiveLine(4);
     gate.threshold(4);
     EXPECT_TRUE(gate.due(last + 520));
     gate.threshold(5);
     EXPECT_FALSE(gate.due(last + 520));
 }
 
-TEST(ReceiveGate, LowerThresholdDeliversABatchThatWasToldUnderAHigherOne) {
-    ReceiveGate gate;
+TEST_F(Gate, LowerThresholdDeliversABatchThatWasToldUnderAHigherOne) {
     gate.threshold(4);
-    const auto last = receiveLine(gate, 4);
+    const auto last = receiveLine(4);
     gate.delivered();
     gate.threshold(2);
     EXPECT_TRUE(gate.due(last + 520));
 }
 
-TEST(ReceiveGate, FloodingLineIsDeliveredOnceItHolds256BytesMoreThanAsked) {
-    ReceiveGate gate;
+TEST_F(Gate, FloodingLineIsDeliveredOnceItHolds256BytesMoreThanAsked) {
     gate.threshold(2);
     std::int64_t now = 0;
     for (int i = 0; i < 257; ++i, now += 260) {
-        receiveOne(gate, 0xFF, now);
+        receiveOne(0xFF, now);
         ASSERT_FALSE(gate.due(now)) << i;
     }
-    receiveOne(gate, 0xFF, now);
+    receiveOne(0xFF, now);
     EXPECT_TRUE(gate.due(now));
     EXPECT_EQ(gate.take().size(), 258u);
 }
 
-TEST(ReceiveGate, NoBytesAtAllDoNotMoveTheQuietTime) {
-    ReceiveGate gate;
+TEST_F(Gate, NoBytesAtAllDoNotMoveTheQuietTime) {
     gate.threshold(1);
-    receiveOne(gate, 1, 100);
+    receiveOne(1, 100);
     gate.received({}, 600);
     EXPECT_EQ(gate.nextDueUs(), 620);
 }
 
-TEST(ReceiveGate, QuietTimeFollowsTheOwnersChoice) {
-    ReceiveGate gate(2000);
+TEST_F(Gate, QuietTimeFollowsTheOwnersChoice) {
+    gate = ReceiveGate(2000);
     gate.threshold(1);
-    receiveOne(gate, 1, 0);
+    receiveOne(1, 0);
     EXPECT_EQ(gate.nextDueUs(), 2000);
 }
 

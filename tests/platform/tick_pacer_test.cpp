@@ -7,30 +7,32 @@ namespace {
 
 constexpr std::int64_t ms = 1000;
 
-TickPacer started(const TickPacer::Limits& limits = {}) {
-    TickPacer pacer(limits);
-    pacer.start(0);
-    return pacer;
-}
+/// Started at time 0.
+class Pacer : public testing::Test {
+ protected:
+    Pacer() { begin({}); }
+    void begin(const TickPacer::Limits& limits) {
+        pacer = TickPacer(limits);
+        pacer.start(0);
+    }
+    TickPacer pacer;
+};
 
-TEST(TickPacer, OneTickAMillisecond) {
-    TickPacer pacer = started();
+TEST_F(Pacer, OneTickAMillisecond) {
     EXPECT_EQ(pacer.due(999), 0);
     EXPECT_EQ(pacer.due(1000), 1);
     EXPECT_EQ(pacer.due(1999), 0);
     EXPECT_EQ(pacer.due(3000), 2);
 }
 
-TEST(TickPacer, CountsFromTheTimeOfItsStart) {
-    TickPacer pacer;
+TEST_F(Pacer, CountsFromTheTimeOfItsStart) {
     pacer.start(123'456'789);
     EXPECT_EQ(pacer.due(123'456'789), 0);
     EXPECT_EQ(pacer.due(123'457'789), 1);
     EXPECT_EQ(pacer.nextDueUs(), 123'458'789);
 }
 
-TEST(TickPacer, AThousandTicksAreOneSecondThoughTheTimerFiresEvery1300Microseconds) {
-    TickPacer pacer = started();
+TEST_F(Pacer, AThousandTicksAreOneSecondThoughTheTimerFiresEvery1300Microseconds) {
     int ticks = 0;
     for (std::int64_t now = 0; now <= 1000 * ms; now += 1300) ticks += pacer.due(now);
     // The last firing stands at 769 * 1300 us = 999.7 ms.
@@ -38,16 +40,14 @@ TEST(TickPacer, AThousandTicksAreOneSecondThoughTheTimerFiresEvery1300Microsecon
     EXPECT_EQ(ticks + pacer.due(1000 * ms), 1000);
 }
 
-TEST(TickPacer, CatchesUpInStepsOf20) {
-    TickPacer pacer = started();
+TEST_F(Pacer, CatchesUpInStepsOf20) {
     EXPECT_EQ(pacer.due(50 * ms), 20);
     EXPECT_EQ(pacer.due(50 * ms), 20);
     EXPECT_EQ(pacer.due(50 * ms), 10);
     EXPECT_EQ(pacer.due(50 * ms), 0);
 }
 
-TEST(TickPacer, TellsWhatIsOwedAndLeavesItOwed) {
-    TickPacer pacer = started();
+TEST_F(Pacer, TellsWhatIsOwedAndLeavesItOwed) {
     EXPECT_EQ(pacer.owed(7 * ms), 7);
     EXPECT_EQ(pacer.owed(7 * ms), 7);
     EXPECT_TRUE(pacer.tryEarly(0));
@@ -55,26 +55,25 @@ TEST(TickPacer, TellsWhatIsOwedAndLeavesItOwed) {
     EXPECT_EQ(pacer.owed(7 * ms), 6);
 }
 
-TEST(TickPacer, StepSizeIsTheOwnersChoice) {
-    TickPacer pacer = started({.perFiring = 7, .debt = 5000});
+TEST_F(Pacer, StepSizeIsTheOwnersChoice) {
+    begin({.perFiring = 7, .debt = 5000});
     EXPECT_EQ(pacer.due(10 * ms), 7);
     EXPECT_EQ(pacer.due(10 * ms), 3);
 }
 
-TEST(TickPacer, DebtOf5000TicksIsKept) {
-    TickPacer pacer = started({.perFiring = 100'000, .debt = 5000});
+TEST_F(Pacer, DebtOf5000TicksIsKept) {
+    begin({.perFiring = 100'000, .debt = 5000});
     EXPECT_EQ(pacer.due(5000 * ms), 5000);
 }
 
-TEST(TickPacer, DebtBeyond5000TicksIsDropped) {
-    TickPacer pacer = started({.perFiring = 100'000, .debt = 5000});
+TEST_F(Pacer, DebtBeyond5000TicksIsDropped) {
+    begin({.perFiring = 100'000, .debt = 5000});
     EXPECT_EQ(pacer.due(5001 * ms), 5000);
     EXPECT_EQ(pacer.due(5001 * ms), 0);
     EXPECT_EQ(pacer.due(5002 * ms), 1);
 }
 
-TEST(TickPacer, AfterALongSleepItPaysTheKeptDebtInSteps) {
-    TickPacer pacer = started();
+TEST_F(Pacer, AfterALongSleepItPaysTheKeptDebtInSteps) {
     const std::int64_t hour = 3'600'000 * ms;
     int ticks = 0;
     int firings = 0;
@@ -83,15 +82,13 @@ TEST(TickPacer, AfterALongSleepItPaysTheKeptDebtInSteps) {
     EXPECT_EQ(firings, 250);
 }
 
-TEST(TickPacer, TwoTicksMayRunAheadAndAThirdMayNot) {
-    TickPacer pacer = started();
+TEST_F(Pacer, TwoTicksMayRunAheadAndAThirdMayNot) {
     EXPECT_TRUE(pacer.tryEarly(100));
     EXPECT_TRUE(pacer.tryEarly(100));
     EXPECT_FALSE(pacer.tryEarly(100));
 }
 
-TEST(TickPacer, EarlyTicksAreTakenFromLaterOnes) {
-    TickPacer pacer = started();
+TEST_F(Pacer, EarlyTicksAreTakenFromLaterOnes) {
     ASSERT_TRUE(pacer.tryEarly(100));
     ASSERT_TRUE(pacer.tryEarly(100));
     EXPECT_EQ(pacer.due(1 * ms), 0);
@@ -99,8 +96,7 @@ TEST(TickPacer, EarlyTicksAreTakenFromLaterOnes) {
     EXPECT_EQ(pacer.due(3 * ms), 1);
 }
 
-TEST(TickPacer, TheAverageStays1000ASecondWithAnEarlyTickInEveryFiring) {
-    TickPacer pacer = started();
+TEST_F(Pacer, TheAverageStays1000ASecondWithAnEarlyTickInEveryFiring) {
     int ticks = 0;
     for (std::int64_t now = 0; now <= 1000 * ms; now += 700) {
         ticks += pacer.tryEarly(now) ? 1 : 0;
@@ -110,14 +106,13 @@ TEST(TickPacer, TheAverageStays1000ASecondWithAnEarlyTickInEveryFiring) {
     EXPECT_LE(ticks, 1002);
 }
 
-TEST(TickPacer, AnEarlyTickWhileTicksAreOwedPaysOneOfThem) {
-    TickPacer pacer = started();
+TEST_F(Pacer, AnEarlyTickWhileTicksAreOwedPaysOneOfThem) {
     ASSERT_TRUE(pacer.tryEarly(5 * ms));
     EXPECT_EQ(pacer.due(5 * ms), 4);
 }
 
-TEST(TickPacer, ForgivingDropsWhatIsOwed) {
-    TickPacer pacer = started({.perFiring = 1});
+TEST_F(Pacer, ForgivingDropsWhatIsOwed) {
+    begin({.perFiring = 1});
     EXPECT_EQ(pacer.due(300'000), 1);
     pacer.forgive(300'000);
     EXPECT_EQ(pacer.due(300'999), 0);
@@ -125,8 +120,7 @@ TEST(TickPacer, ForgivingDropsWhatIsOwed) {
     EXPECT_EQ(pacer.due(301'000), 0);
 }
 
-TEST(TickPacer, ForgivingKeepsTicksThatRanAhead) {
-    TickPacer pacer = started();
+TEST_F(Pacer, ForgivingKeepsTicksThatRanAhead) {
     EXPECT_TRUE(pacer.tryEarly(0));
     EXPECT_TRUE(pacer.tryEarly(0));
     pacer.forgive(0);
@@ -134,15 +128,13 @@ TEST(TickPacer, ForgivingKeepsTicksThatRanAhead) {
     EXPECT_EQ(pacer.due(3'000), 1);
 }
 
-TEST(TickPacer, StartForgetsTheDebt) {
-    TickPacer pacer = started();
+TEST_F(Pacer, StartForgetsTheDebt) {
     pacer.start(100 * ms);
     EXPECT_EQ(pacer.due(100 * ms), 0);
     EXPECT_EQ(pacer.due(101 * ms), 1);
 }
 
-TEST(TickPacer, NextDueStandsInThePastWhileTicksAreOwed) {
-    TickPacer pacer = started();
+TEST_F(Pacer, NextDueStandsInThePastWhileTicksAreOwed) {
     EXPECT_EQ(pacer.due(30 * ms), 20);
     EXPECT_EQ(pacer.nextDueUs(), 21 * ms);
 }
