@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -17,19 +18,11 @@ namespace zentaq {
 
 class SensorSession : public ::testing::Test {
  protected:
-    /// Counts how often the lists of sensors are to be filled again.
-    struct Windows : RecordingWindows {
-        void sensorsChanged() override { ++sensorChanges; }
-        int sensorChanges = 0;
-    };
-
     FakeSession fake;
     Session& session = fake.session;
-    Windows windows;
     std::string path = fake.folder.path("zentaq410-02.pak");
 
     SensorSession() {
-        session.attach(windows);
         makeDatabase();
         session.database = Database::open(path);
         add(oneBar, 0.05295F, -0.54738F, 1);
@@ -59,6 +52,8 @@ class SensorSession : public ::testing::Test {
         session.database = Database::open(path);
     }
 
+    /// How often the lists of sensors were to be filled again.
+    int sensorChanges() const { return static_cast<int>(std::ranges::count(fake.windows.calls, "sensors")); }
     std::vector<Box>& boxes() { return fake.dialogs.boxes; }
     /// The last box; an empty one when none was shown.
     Box lastBox() { return boxes().empty() ? Box{} : boxes().back(); }

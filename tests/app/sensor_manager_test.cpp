@@ -237,7 +237,7 @@ TEST_F(SensorManagerTest, SavingAnEditRewritesUnitsScaleAndOffsetAndNothingElse)
     EXPECT_EQ(row.id, id);
     EXPECT_EQ(sensorCount(), before);
     EXPECT_THAT(boxes(), IsEmpty());
-    EXPECT_EQ(windows.sensorChanges, 1);
+    EXPECT_EQ(sensorChanges(), 1);
     EXPECT_EQ(manager.task(), SensorTask::None);
     EXPECT_EQ(manager.selected(), oneBar);
     EXPECT_EQ(manager.lblGeneral(), "Range:\n-9 - 279\nUnits: PSIA");  // -8.75 and 278.75
@@ -267,7 +267,7 @@ TEST_F(SensorManagerTest, ASensorThatVanishedWhileItWasEditedIsToldAndTheEntrySt
     EXPECT_FALSE(manager.save(points("0.5", "4.5", "20", "250")).done);
     EXPECT_EQ(lastBox().text, "There is no sensor 1 BAR (10-105 kPa) in the database any more.");
     EXPECT_EQ(manager.task(), SensorTask::Edit);
-    EXPECT_EQ(windows.sensorChanges, 0);
+    EXPECT_EQ(sensorChanges(), 0);
 }
 
 TEST_F(SensorManagerTest, CancellingStoresNothingAndShowsTheSensorAgain) {
@@ -276,7 +276,7 @@ TEST_F(SensorManagerTest, CancellingStoresNothingAndShowsTheSensorAgain) {
     EXPECT_EQ(manager.task(), SensorTask::None);
     EXPECT_EQ(manager.selected(), oneBar);
     EXPECT_FLOAT_EQ(stored(oneBar).scale, 0.05295F);
-    EXPECT_EQ(windows.sensorChanges, 0);
+    EXPECT_EQ(sensorChanges(), 0);
 }
 
 // ---- A new sensor
@@ -303,7 +303,7 @@ TEST_F(SensorManagerTest, ANewSensorAsksForItsNameAndAddsTheUnit) {
     EXPECT_FLOAT_EQ(row.scale, 4.0F / 230.0F);
     EXPECT_FLOAT_EQ(row.offset, 35.0F / 230.0F);
     EXPECT_EQ(row.units, psiaCode);
-    EXPECT_EQ(windows.sensorChanges, 1);
+    EXPECT_EQ(sensorChanges(), 1);
     EXPECT_EQ(manager.selected(), "Turbo (PSIA)");
     EXPECT_THAT(manager.sensors(), Contains("Turbo (PSIA)"));
 }
@@ -318,7 +318,7 @@ TEST_F(SensorManagerTest, AnEmptyNameCancelsTheSavingAndKeepsTheEntry) {
     EXPECT_FALSE(manager.save(points("0.5", "4.5", "20", "250")).done) << "the prompt was dismissed";
     EXPECT_EQ(sensorCount(), before);
     EXPECT_EQ(manager.task(), SensorTask::Create);
-    EXPECT_EQ(windows.sensorChanges, 0);
+    EXPECT_EQ(sensorChanges(), 0);
 }
 
 TEST_F(SensorManagerTest, ATakenNameIsToldAndAskedAgain) {
@@ -401,7 +401,7 @@ TEST_F(SensorManagerTest, RemovingAsksFirst) {
     EXPECT_EQ(lastBox().text, "Remove 1 BAR (10-105 kPa)?");
     EXPECT_EQ(lastBox().buttons, Buttons::YesNo);
     EXPECT_TRUE(isStored(oneBar));
-    EXPECT_EQ(windows.sensorChanges, 0);
+    EXPECT_EQ(sensorChanges(), 0);
 }
 
 TEST_F(SensorManagerTest, RemovingRefillsTheListAndSelectsNone) {
@@ -411,7 +411,7 @@ TEST_F(SensorManagerTest, RemovingRefillsTheListAndSelectsNone) {
     EXPECT_FALSE(isStored(oneBar));
     EXPECT_THAT(manager.sensors(), Not(Contains(oneBar)));
     EXPECT_EQ(manager.lblGeneral(), "None Selected");
-    EXPECT_EQ(windows.sensorChanges, 1);
+    EXPECT_EQ(sensorChanges(), 1);
 }
 
 // ---- What can work now

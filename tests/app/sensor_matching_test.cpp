@@ -63,7 +63,7 @@ TEST_F(SensorMatching, AnUnknownSensorIsOffered) {
               "The sensor used in this program is not in your sensor database.\n"
               "Would you like to add it?");
     EXPECT_EQ(lastBox().buttons, Buttons::YesNo);
-    EXPECT_EQ(windows.sensorChanges, 0);
+    EXPECT_EQ(sensorChanges(), 0);
 }
 
 TEST_F(SensorMatching, TheOfferComesBackUntilTheSensorIsAdded) {
@@ -87,7 +87,7 @@ TEST_F(SensorMatching, AnAddedSensorHoldsTheNumbersOfTheCalibration) {
     EXPECT_FLOAT_EQ(row.scale, 0.125F);
     EXPECT_FLOAT_EQ(row.offset, 0.625F);
     EXPECT_EQ(row.units, 2);
-    EXPECT_EQ(windows.sensorChanges, 1);
+    EXPECT_EQ(sensorChanges(), 1);
 }
 
 TEST_F(SensorMatching, AnEmptyNameAddsNothing) {
@@ -98,7 +98,7 @@ TEST_F(SensorMatching, AnEmptyNameAddsNothing) {
     answer(Answer::Yes);  // and no name at all: the prompt is dismissed
     EXPECT_EQ(matchSensor(session), unknownPsia);
     EXPECT_EQ(sensorCount(), before);
-    EXPECT_EQ(windows.sensorChanges, 0);
+    EXPECT_EQ(sensorChanges(), 0);
 }
 
 TEST_F(SensorMatching, ANameWithAnApostropheComesBackWhole) {

@@ -280,7 +280,7 @@ TEST_F(FrmEditMAPSensorsTest, ANewSensorIsTypedAndSavedWithoutAMouse) {
     EXPECT_EQ(general(), "Range:\n-9 - 279\nUnits: PSIA");
     EXPECT_EQ(status(), "Saved: Bob's turbo (PSIA)");
     EXPECT_EQ(focusName(), "lstMAPSensors");
-    EXPECT_EQ(windows.sensorChanges, 1);
+    EXPECT_EQ(sensorChanges(), 1);
 }
 
 TEST_F(FrmEditMAPSensorsTest, ACancelledNameKeepsWhatWasTyped) {
