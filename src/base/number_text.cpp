@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "base/errors.h"
+#include "base/rounding.h"
 #include "base/shown_text.h"
 #include "base/text.h"
 
@@ -66,7 +67,7 @@ std::string formatNumber(double value, std::string_view pattern) {
     const int places = static_cast<int>(fractionPattern.size());
 
     // Round the 15 digits that name the value, ties away from zero.
-    const double scale = std::pow(10.0, places);
+    const double scale = powerOfTen(places);
     const double scaled = std::fabs(value) * scale;
     const double guarded = scaled < 1e15 ? std::floor(scaled + 0.5 + scaled * 1e-15) : scaled;
     std::string digits = fmt::format("{:.0f}", guarded);

@@ -1,6 +1,8 @@
 #include "base/rounding.h"
 
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <limits>
 
 #include "base/errors.h"
@@ -31,13 +33,20 @@ Integer rounded(double value) {
 
 }  // namespace
 
+double powerOfTen(int exponent) {
+    static constexpr std::array powers = {1.0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                          1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    const auto at = static_cast<std::size_t>(exponent);
+    return at < powers.size() ? powers[at] : std::pow(10.0, exponent);
+}
+
 float roundTo(float value, int decimals) {
     return static_cast<float>(roundTo(static_cast<double>(value), decimals));
 }
 
 double roundTo(double value, int decimals) {
     // A 32-bit value times a small power of ten is exact in 64 bits, so a tie is a tie of the value itself.
-    const double scale = std::pow(10.0, decimals);
+    const double scale = powerOfTen(decimals);
     return roundHalfEven(value * scale) / scale;
 }
 

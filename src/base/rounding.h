@@ -8,6 +8,9 @@ namespace zentaq {
 /// Nearest whole number, ties to even. NaN and infinities pass through.
 double roundHalfEven(double value);
 
+/// Without the time that a general power takes.
+double powerOfTen(int exponent);
+
 /// `value` rounded to `decimals` places (0 to 15), ties to even, applied to the value as it is held:
 /// 0.125f with 2 places is a tie and gives 0.12; 0.15f with 1 place is none, it lies above 0.15.
 float roundTo(float value, int decimals);

@@ -58,5 +58,10 @@ TEST(Rounding, TruncationGoesTowardZero) {
     EXPECT_EQ(truncate(-2.9), -2);
 }
 
+TEST(Rounding, PowersOfTenAreThoseOfTheLibrary) {
+    for (int exponent = -3; exponent <= 20; ++exponent)
+        EXPECT_EQ(powerOfTen(exponent), std::pow(10.0, exponent)) << exponent;
+}
+
 }  // namespace
 }  // namespace zentaq
