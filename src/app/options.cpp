@@ -8,6 +8,7 @@
 #include "base/rounding.h"
 #include "base/settings_keys.h"
 #include "base/text.h"
+#include "unit/temperature.h"
 
 namespace zentaq {
 
@@ -146,7 +147,7 @@ std::string Options::shownNumber(const OptionRow& row, double number) const {
 
 std::string Options::shownTemperature(double celsius) const {
     const auto value = static_cast<float>(std::clamp(celsius, -hugeEntry, hugeEntry));
-    return numberText(session_.fahrenheit() ? Ecu::toFahrenheit(value) : value);
+    return numberText(session_.fahrenheit() ? toFahrenheit(value) : value);
 }
 
 const std::string& Options::value(std::string_view control) const {
@@ -211,7 +212,7 @@ void Options::convertAlarms() {
         std::string& field = values_[std::string(row.control)];
         if (!isNumeric(field)) continue;
         const float entry = entryOf(field);
-        field = numberText(session_.fahrenheit() ? Ecu::toFahrenheit(entry) : Ecu::toCelsius(entry));
+        field = numberText(session_.fahrenheit() ? toFahrenheit(entry) : toCelsius(entry));
     }
 }
 
@@ -308,7 +309,7 @@ void Options::storeAlarm(const OptionRow& row) {
     std::string& field = values_[std::string(row.control)];
     if (trimmed(field) == keepAlarm || !taken(row.control, checkAlarm(field))) return;
     const float entry = entryOf(field);
-    const float celsius = session_.fahrenheit() ? Ecu::toCelsius(entry) : entry;
+    const float celsius = session_.fahrenheit() ? toCelsius(entry) : entry;
     store(row.key, numberText(celsius));
     // Shown as stored: hundredths of a degree may differ from what was typed in Fahrenheit.
     field = shownTemperature(static_cast<double>(celsius));

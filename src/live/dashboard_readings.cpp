@@ -6,6 +6,7 @@
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "live/ecu.h"
+#include "unit/temperature.h"
 
 namespace zentaq {
 
@@ -43,7 +44,7 @@ std::string textOf(const Channel& channel, const Source& source) {
         return formatted(channel.shown(source.live, source.cycleMs), reading.format);
     }
     float value = channel.in(source.live);
-    if (reading.unit == unitOfTemperature && source.settings.fahrenheit) value = Ecu::toFahrenheit(value);
+    if (reading.unit == unitOfTemperature && source.settings.fahrenheit) value = toFahrenheit(value);
     return formatted(static_cast<double>(value), reading.format);
 }
 

@@ -31,7 +31,7 @@ bool isFine(const Unit& unit, PulseScale scale) {
 std::string temperature(double x, TemperatureMode mode) {
     const double celsius = x * celsiusPerCount - 40;
     if (mode == TemperatureMode::Celsius) return shown(celsius, "##0");
-    return shown(Ecu::toFahrenheit(static_cast<float>(celsius)), "##0");
+    return shown(toFahrenheit(static_cast<float>(celsius)), "##0");
 }
 
 std::string ratio(Unit& unit, double x) {
@@ -186,14 +186,6 @@ std::string Ecu::GPIO_Display(const Unit& unit, int function, int raw) {
             break;
     }
     return numberText(raw);
-}
-
-float Ecu::toFahrenheit(float celsius) {
-    return zentaq::toFahrenheit(celsius);
-}
-
-float Ecu::toCelsius(float fahrenheit) {
-    return zentaq::toCelsius(fahrenheit);
 }
 
 std::string Ecu::Injector_Pulsewidth(Unit& unit, int index, float pressure, bool applySpw) {

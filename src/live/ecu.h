@@ -58,9 +58,6 @@ class Ecu {
     /// function.
     static std::string GPIO_Display(const Unit& unit, int function, int raw);
 
-    static float toFahrenheit(float celsius);  ///< rounded to 2 decimals
-    static float toCelsius(float fahrenheit);  ///< rounded to 2 decimals
-
     // ---- The two lists of cell estimates, by table index 0 to 255. BoundsError outside.
     /// On time of a cell in ms at a pressure in the user's unit, as "##.#0"; kept in the list.
     /// `applySpw`: times the staged share of the cell.

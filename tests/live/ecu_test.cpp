@@ -4,6 +4,7 @@
 
 #include "base/errors.h"
 #include "live/calibration_fixture.h"
+#include "unit/temperature.h"
 
 namespace zentaq {
 namespace {
@@ -125,11 +126,11 @@ TEST(Ecu, PinsShowWhatTheirFunctionMeans) {
     EXPECT_EQ(Ecu::GPIO_Display(Calibration(3).unit, 22, 255), "DISABLED");
 }
 
-TEST(Ecu, TemperatureConversionsAreInverse) {
-    EXPECT_EQ(Ecu::toFahrenheit(20), 68);
-    EXPECT_EQ(Ecu::toCelsius(68), 20);
-    EXPECT_EQ(Ecu::toCelsius(0), -17.78F);
-    EXPECT_EQ(Ecu::toCelsius(Ecu::toFahrenheit(20)), 20);
+TEST(Temperature, GoesThereAndBack) {
+    EXPECT_EQ(toFahrenheit(20), 68);
+    EXPECT_EQ(toCelsius(68), 20);
+    EXPECT_EQ(toCelsius(0), -17.78F);
+    EXPECT_EQ(toCelsius(toFahrenheit(20)), 20);
 }
 
 class FuelOfACell : public testing::Test {
