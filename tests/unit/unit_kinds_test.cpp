@@ -22,40 +22,52 @@ TEST(OrbaKind, TakesNoTextShorterThanItsPrefix) {
 }
 
 struct KindRow {
-    int slot;
-    float fileKind;
-    const char* className;
-    const char* model;
-    const char* extension;
-    const char* filter;
-    const char* prefix;
-    int fileFilter;
-    float unknownFirmware;
-    int newestRelease;  ///< the last that a file can name
-    int orbFileLength;
-    int numGpio;
+    struct Texts {
+        const char* className;
+        const char* model;
+        const char* extension;
+        const char* filter;
+        const char* prefix;
+    };
+    struct Cells {
+        int last;
+        int lastPin;
+        std::uintmax_t fileBytes;
+    };
+    struct Numbers {
+        int slot;
+        float fileKind;
+        int fileFilter;
+    };
+    struct Firmware {
+        int newest;  ///< release that a file can name
+        float unknown;
+    };
+    Numbers numbers;
+    Texts texts;
+    Firmware firmware;
+    Cells cells;
     std::vector<int> sizes;  ///< in the order of SizeConstants
-    std::uintmax_t fileBytes;
 };
 
 class Kinds : public ::testing::TestWithParam<KindRow> {
  protected:
     const KindRow& row = GetParam();
     RecordingHost host;
-    Unit unit{*unitKindOfSlot(row.slot), host};
+    Unit unit{*unitKindOfSlot(row.numbers.slot), host};
 };
 
 TEST_P(Kinds, HaveTheirConstants) {
     const UnitKind& kind = unit.kind();
-    EXPECT_EQ(kind.slot, row.slot);
-    EXPECT_EQ(kind.fileKind, row.fileKind);
-    EXPECT_EQ(kind.className, row.className);
-    EXPECT_EQ(kind.model, row.model);
-    EXPECT_EQ(kind.extension, row.extension);
-    EXPECT_EQ(kind.fileFilterExtension, row.filter);
-    EXPECT_EQ(kind.fileFilter, row.fileFilter);
-    EXPECT_EQ(kind.orbFileLength, row.orbFileLength);
-    EXPECT_EQ(kind.numGpio, row.numGpio);
+    EXPECT_EQ(kind.slot, row.numbers.slot);
+    EXPECT_EQ(kind.fileKind, row.numbers.fileKind);
+    EXPECT_EQ(kind.className, row.texts.className);
+    EXPECT_EQ(kind.model, row.texts.model);
+    EXPECT_EQ(kind.extension, row.texts.extension);
+    EXPECT_EQ(kind.fileFilterExtension, row.texts.filter);
+    EXPECT_EQ(kind.fileFilter, row.numbers.fileFilter);
+    EXPECT_EQ(kind.orbFileLength, row.cells.last);
+    EXPECT_EQ(kind.numGpio, row.cells.lastPin);
     const SizeConstants& sizes = kind.sizes;
     EXPECT_EQ((std::vector<int>{sizes.monitorLen, sizes.gpioLen, sizes.serialLen, sizes.binFirmLen,
                                 sizes.miscLen, sizes.codesLen, sizes.configLen, sizes.dataRecordLen,
@@ -65,34 +77,34 @@ TEST_P(Kinds, HaveTheirConstants) {
 
 TEST_P(Kinds, AcceptOnlyFirmwareOfTheirPrefix) {
     for (const std::string prefix : {"ZQA", "ZQL", "ZQC", "ZQD", "ZPK"}) {
-        EXPECT_EQ(unit.ValidFirmware(prefix + " 5.10"), prefix == row.prefix) << prefix;
+        EXPECT_EQ(unit.ValidFirmware(prefix + " 5.10"), prefix == row.texts.prefix) << prefix;
     }
     EXPECT_FALSE(unit.ValidFirmware(""));
 }
 
 TEST_P(Kinds, SaveFilesOfTheirOwnLengthThatOpenAgain) {
     const TemporaryFolder folder;
-    const std::string path = folder.file(std::string("a") + row.extension);
+    const std::string path = folder.file(std::string("a") + row.texts.extension);
     unit.BinFile(path);
-    unit.AssignDirectIndex(7.5F, row.orbFileLength - 1);
+    unit.AssignDirectIndex(7.5F, row.cells.last - 1);
     unit.NOTES_TEXT("Dyno 3");
     unit.SaveFile();
     const std::string content = contentOf(path);
-    EXPECT_EQ(content.size(), row.fileBytes);
-    EXPECT_EQ(host.header().firmwareCode, row.unknownFirmware);
+    EXPECT_EQ(content.size(), row.cells.fileBytes);
+    EXPECT_EQ(host.header().firmwareCode, row.firmware.unknown);
 
     Unit again(unit.kind(), host);
     again.FileOpen(path);
-    EXPECT_EQ(host.header().currentUnit, row.fileKind);
-    EXPECT_EQ(again.DirectIndex(row.orbFileLength - 1), 7.5F);
+    EXPECT_EQ(host.header().currentUnit, row.numbers.fileKind);
+    EXPECT_EQ(again.DirectIndex(row.cells.last - 1), 7.5F);
     EXPECT_EQ(again.NOTES_TEXT(), "Dyno 3");
     EXPECT_EQ(again.BiName(), "a                       ");
-    EXPECT_EQ(again.FW_Release() * 1000 + again.FW_Build(), row.unknownFirmware);
+    EXPECT_EQ(again.FW_Release() * 1000 + again.FW_Build(), row.firmware.unknown);
 }
 
 TEST_P(Kinds, SaveReleasesUpToTheirNewestAndLaterOnesAsUnknown) {
     const TemporaryFolder folder;
-    const std::string path = folder.file(std::string("a") + row.extension);
+    const std::string path = folder.file(std::string("a") + row.texts.extension);
     for (int release = 0; release <= 9; ++release) {
         Unit saved(unit.kind(), host);
         saved.FW_Release(release);
@@ -100,7 +112,7 @@ TEST_P(Kinds, SaveReleasesUpToTheirNewestAndLaterOnesAsUnknown) {
         saved.BinFile(path);
         saved.SaveFile();
         const float code =
-            release <= row.newestRelease ? static_cast<float>(release * 1000 + 10) : row.unknownFirmware;
+            release <= row.firmware.newest ? static_cast<float>(release * 1000 + 10) : row.firmware.unknown;
         EXPECT_EQ(host.header().firmwareCode, code) << release;
         Unit again(unit.kind(), host);
         again.FileOpen(path);
@@ -111,10 +123,10 @@ TEST_P(Kinds, SaveReleasesUpToTheirNewestAndLaterOnesAsUnknown) {
 TEST_P(Kinds, KeepEveryCellOfTheirMembersInsideTheirFile) {
     for (const Parameter& parameter : unit.kind().parameters) {
         if (!parameter.hasCell()) continue;
-        EXPECT_LE(parameter.cell(parameter.count - 1), row.orbFileLength) << parameter.name;
+        EXPECT_LE(parameter.cell(parameter.count - 1), row.cells.last) << parameter.name;
     }
-    EXPECT_LE(unit.kind().gpioBase + 9 * (row.numGpio + 1) - 1, row.orbFileLength);
-    EXPECT_EQ(unit.kind().cells.notes, row.orbFileLength);
+    EXPECT_LE(unit.kind().gpioBase + 9 * (row.cells.lastPin + 1) - 1, row.cells.last);
+    EXPECT_EQ(unit.kind().cells.notes, row.cells.last);
     EXPECT_LT(unit.kind().cells.notes + 499, unit.kind().fileFloats);
 }
 
@@ -132,92 +144,39 @@ TEST_P(Kinds, GiveNoCellToTwoMembers) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, Kinds,
-                         ::testing::Values(KindRow{3,
-                                                   3,
-                                                   "clsORBA",
-                                                   "ORB A",
-                                                   ".ZQ4OA",
-                                                   "Zentaq4 ORBA File|*.ZQ4OA",
-                                                   "ZQA",
-                                                   4,
-                                                   5099,
-                                                   5,
-                                                   2327,
-                                                   7,
-                                                   {35, 21, 8, 39, 2, 16, 39, 33, 8736, 65},
-                                                   11324},
-                                           KindRow{4,
-                                                   4,
-                                                   "clsORBALite",
-                                                   "ORB L",
-                                                   ".ZQ4OL",
-                                                   "Zentaq4 ORBL File|*.ZQ4OL",
-                                                   "ZQL",
-                                                   2,
-                                                   7099,
-                                                   7,
-                                                   2327,
-                                                   8,
-                                                   {28, 21, 8, 38, 2, 16, 39, 36, 2048, 66},
-                                                   11324},
-                                           KindRow{5,
-                                                   5,
-                                                   "clsPZK2",
-                                                   "PZK-2",
-                                                   ".ZQ4PZK",
-                                                   "Zentaq4 PZK-2 File|*.ZQ4PZK",
-                                                   "ZPK",
-                                                   3,
-                                                   5099,
-                                                   5,
-                                                   1200,
-                                                   3,
-                                                   {28, 21, 8, 38, 2, 16, 39, 34, 0, 23},
-                                                   6816},
-                                           KindRow{6,
-                                                   6,
-                                                   "clsORBC",
-                                                   "ORB C",
-                                                   ".ZQ4OC",
-                                                   "Zentaq4 ORBc File|*.ZQ4OC",
-                                                   "ZQC",
-                                                   6,
-                                                   3099,
-                                                   5,
-                                                   2326,
-                                                   12,
-                                                   {28, 21, 8, 38, 2, 16, 39, 40, 1820, 70},
-                                                   11320},
-                                           KindRow{7,
-                                                   7,
-                                                   "clsORBd",
-                                                   "ORB D",
-                                                   ".ZQ4OD",
-                                                   "Zentaq4 ORBd File|*.ZQ4OD",
-                                                   "ZQD",
-                                                   5,
-                                                   5099,
-                                                   5,
-                                                   2325,
-                                                   6,
-                                                   {28, 21, 8, 38, 2, 16, 39, 34, 2184, 62},
-                                                   11316},
-                                           KindRow{8,
-                                                   7,
-                                                   "clsORBd",
-                                                   "ORB D",
-                                                   ".ZQ4OD",
-                                                   "Zentaq4 ORBd File|*.ZQ4OD",
-                                                   "ZQD",
-                                                   5,
-                                                   5099,
-                                                   5,
-                                                   2325,
-                                                   6,
-                                                   {28, 21, 8, 38, 2, 16, 39, 34, 2184, 62},
-                                                   11316}),
-                         [](const auto& row) { return "Slot" + std::to_string(row.param.slot); });
+/// The two ORB D differ in their slots only.
+KindRow orbD(int slot) {
+    return {{slot, 7, 5},
+            {"clsORBd", "ORB D", ".ZQ4OD", "Zentaq4 ORBd File|*.ZQ4OD", "ZQD"},
+            {5, 5099},
+            {2325, 6, 11316},
+            {28, 21, 8, 38, 2, 16, 39, 34, 2184, 62}};
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, Kinds,
+    ::testing::Values(KindRow{{3, 3, 4},
+                              {"clsORBA", "ORB A", ".ZQ4OA", "Zentaq4 ORBA File|*.ZQ4OA", "ZQA"},
+                              {5, 5099},
+                              {2327, 7, 11324},
+                              {35, 21, 8, 39, 2, 16, 39, 33, 8736, 65}},
+                      KindRow{{4, 4, 2},
+                              {"clsORBALite", "ORB L", ".ZQ4OL", "Zentaq4 ORBL File|*.ZQ4OL", "ZQL"},
+                              {7, 7099},
+                              {2327, 8, 11324},
+                              {28, 21, 8, 38, 2, 16, 39, 36, 2048, 66}},
+                      KindRow{{5, 5, 3},
+                              {"clsPZK2", "PZK-2", ".ZQ4PZK", "Zentaq4 PZK-2 File|*.ZQ4PZK", "ZPK"},
+                              {5, 5099},
+                              {1200, 3, 6816},
+                              {28, 21, 8, 38, 2, 16, 39, 34, 0, 23}},
+                      KindRow{{6, 6, 6},
+                              {"clsORBC", "ORB C", ".ZQ4OC", "Zentaq4 ORBc File|*.ZQ4OC", "ZQC"},
+                              {5, 3099},
+                              {2326, 12, 11320},
+                              {28, 21, 8, 38, 2, 16, 39, 40, 1820, 70}},
+                      orbD(7), orbD(8)),
+    [](const auto& row) { return "Slot" + std::to_string(row.param.numbers.slot); });
 
 TEST(FileKinds, SelectTheirSlot) {
     for (const int slot : {3, 4, 5, 6, 7, 8}) {
