@@ -32,7 +32,7 @@ inline CellBits cellBits(const Unit& unit) {
 }
 
 /// The surroundings of a calibration, with a sensor for every number.
-class FuzzHost : public testing::RecordingHost {
+class FuzzHost : public RecordingHost {
  public:
     FuzzHost() { head.currentUnit = 0; }
     std::optional<SensorFacts> mapSensor(int id) override { return SensorFacts{0.05F, 0.1F, id % 7}; }

@@ -72,7 +72,7 @@ TEST(ParameterNames, TheGeneralConfigurationCallsThemSo) {
 TEST(ParameterNames, TheBoxesOfThePagesCallThemSo) {
     // The head of a curve's column, and the words of the two failure values with their limits.
     const std::set<std::string_view> heads{"MAT_DAT"};
-    testing::RecordingHost host;
+    RecordingHost host;
     Unit unit(orbaKind(), host);
     unit.FW_Release(5);
     const GuiRules rules = guiRules(unit);
@@ -97,7 +97,7 @@ TEST(ParameterNames, APageForOneParameterBearsItsName) {
         {"child86", "BARO_ADV"},        {"child03", "BATCom"},
         {"child05", "CHKTBL"},          {"child06", "MATENH"},
         {"child08", "BARO_TRIM"},       {"child50", "REV_Limit_Approach"}};
-    testing::RecordingHost host;
+    RecordingHost host;
     Unit unit(orbaKind(), host);
     unit.FW_Release(5);
     unit.set("LOWBLD", 100.0, 0);

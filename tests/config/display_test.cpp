@@ -13,7 +13,6 @@ namespace {
 
 using ::testing::IsEmpty;
 using ::testing::Not;
-using testing::RecordingHost;
 using ::testing::SizeIs;
 
 struct Shown {

@@ -14,7 +14,6 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using testing::RecordingHost;
 
 /// Each control and the member that it edits.
 constexpr std::pair<const char*, const char*> controls[] = {

@@ -18,7 +18,6 @@ using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
 using ::testing::Not;
-using testing::RecordingHost;
 
 constexpr int lowBlendCell = 228;
 

@@ -15,7 +15,7 @@ using ::testing::IsEmpty;
 using ::testing::Not;
 
 struct Pages {
-    testing::RecordingHost host;
+    RecordingHost host;
     Unit unit;
 
     explicit Pages(const UnitKind& kind = orbaKind()) : unit(kind, host) {
@@ -138,7 +138,7 @@ TEST(PageRows, EveryPageOfEveryTreeTellsSomething) {
 }
 
 TEST(PageRows, WithoutACalibrationThereAreNone) {
-    testing::RecordingHost host;
+    RecordingHost host;
     Unit none{nullKind(), host};
     EXPECT_THAT(pageRows(none, 0, ""), IsEmpty());
     EXPECT_THAT(pageRows(none, 9, ""), IsEmpty());

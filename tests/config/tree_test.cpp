@@ -12,7 +12,6 @@ namespace zentaq {
 namespace {
 
 using ::testing::IsEmpty;
-using testing::RecordingHost;
 
 class Tree : public ::testing::Test {
  protected:

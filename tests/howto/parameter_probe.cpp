@@ -12,7 +12,7 @@ namespace {
 
 TEST(AddedParameter, StandsOnTheKnockPageOfEveryKindWithItsRangeAndUnit) {
     for (const UnitKind* kind : {&orbaKind(), &orbcKind(), &pzk2Kind()}) {
-        testing::RecordingHost host;
+        RecordingHost host;
         Unit unit(*kind, host);
         unit.set("KNK_Hold", 12.5);
         const auto rows = pageRows(unit, 33, "tune");

@@ -230,7 +230,7 @@ TEST(Frames, OfAnyLengthAndContentAreTaken) {
 }
 
 TEST(Frames, WithoutACalibrationChangeNothing) {
-    test::NotingHost host;
+    RecordingHost host;
     Unit none(nullKind(), host);
     LiveValues live;
     FrameDecoder decoder(live);

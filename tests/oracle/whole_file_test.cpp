@@ -72,7 +72,7 @@ std::optional<std::string> sRecordTextOf(const fs::path& file, const UnitKind& k
                                          const std::map<int, SensorFacts>& known = {}) {
     try {
         EXPECT_EQ(unitKindOfSlot(kindOfCalibrationFile(file.string()).slot), &kind) << file;
-        testing::RecordingHost host;
+        RecordingHost host;
         host.sensors = known;
         Unit unit(kind, host);
         unit.FileOpen(file.string());
@@ -233,7 +233,7 @@ class Comparison {
 
 using WholeFileCase = std::tuple<KindCase, int>;
 
-class WholeFile : public ::testing::TestWithParam<WholeFileCase> {
+class WholeFile : public testing::TestWithParam<WholeFileCase> {
  protected:
     const KindCase& kindCase() const { return std::get<0>(GetParam()); }
     const UnitKind& kind() const { return kindCase().kind(); }
@@ -271,14 +271,14 @@ TEST_P(WholeFile, OfOldFirmwareFindsItsSensorAsInTheSecondEncoder) {
     EXPECT_GT(comparison.encoded(), files / 2);
 }
 
-std::string nameOf(const ::testing::TestParamInfo<WholeFileCase>& info) {
+std::string nameOf(const testing::TestParamInfo<WholeFileCase>& info) {
     return testName(std::get<0>(info.param)) + "Seed" + std::to_string(std::get<1>(info.param));
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryKind, WholeFile,
-                         ::testing::Combine(::testing::ValuesIn(everyKind), ::testing::Values(1)), nameOf);
-INSTANTIATE_TEST_SUITE_P(MoreSeeds, WholeFile,
-                         ::testing::Combine(::testing::Values(orbA), ::testing::Values(20)), nameOf);
+                         testing::Combine(testing::ValuesIn(everyKind), testing::Values(1)), nameOf);
+INSTANTIATE_TEST_SUITE_P(MoreSeeds, WholeFile, testing::Combine(testing::Values(orbA), testing::Values(20)),
+                         nameOf);
 
 TEST(SecondEncoder, PassesItsOwnHandWorkedTests) {
     const TemporaryFolder folder;
@@ -287,7 +287,7 @@ TEST(SecondEncoder, PassesItsOwnHandWorkedTests) {
 }
 
 /// Random calibrations programmed into "/ORB.s19" of a temporary application folder.
-class PublicTools : public ::testing::TestWithParam<KindCase> {
+class PublicTools : public testing::TestWithParam<KindCase> {
  protected:
     static constexpr int files = 20;
 
@@ -329,7 +329,7 @@ class PublicTools : public ::testing::TestWithParam<KindCase> {
     }
 
     TemporaryFolder folder_;
-    testing::RecordingHost host_;
+    RecordingHost host_;
     Unit unit_{GetParam().kind(), host_};
 };
 
@@ -404,7 +404,7 @@ TEST_P(PublicTools, AgreeWithOurOwnCheckerThatEveryLineIsValid) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryKind, PublicTools, ::testing::ValuesIn(everyKind),
+INSTANTIATE_TEST_SUITE_P(EveryKind, PublicTools, testing::ValuesIn(everyKind),
                          [](const auto& kindCase) { return testName(kindCase.param); });
 
 }  // namespace

@@ -40,7 +40,7 @@ void add(Keys& keys, std::string_view key) {
 }
 
 void addTree(Keys& keys, const UnitKind& kind) {
-    zentaq::testing::RecordingHost host;
+    RecordingHost host;
     Unit unit(kind, host);
     if (unit.has("LOWBLD")) unit.set("LOWBLD", 100.0, 0);  // brings the barometric pages into the tree
     for (const int release : {0, 5}) {
@@ -121,7 +121,7 @@ TEST(HelpTexts, EveryEntryHasATopicAndTwoToFiveSentences) {
 }
 
 TEST(HelpTexts, EveryPageOfTheTreeHasHelp) {
-    zentaq::testing::RecordingHost host;
+    RecordingHost host;
     Unit unit(orbaKind(), host);
     unit.FW_Release(5);
     unit.set("LOWBLD", 100.0, 0);
@@ -158,7 +158,7 @@ TEST(HelpTexts, RangesAgreeWithThoseOfTheParameters) {
         {"helpadvpar", "FPT", 1, 15, "1 to 15 seconds"},
         {"helpadvpar", "INJFIX_RPM", 0, 800, "0 to 800 RPM"},
     };
-    zentaq::testing::RecordingHost host;
+    RecordingHost host;
     Unit unit(orbaKind(), host);
     const auto texts = entries();
     for (const Row& row : rows) {

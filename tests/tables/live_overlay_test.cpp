@@ -196,7 +196,7 @@ TEST_F(TableWindow, ATemperatureAxisInFahrenheitIsFollowedInFahrenheit) {
     resetGpoAxes(unit);
     unit.SET_TBL_AXIS_TYPE("GPO1", "COL-AXIS", "CLT");
     for (int i = 0; i < 16; ++i) unit.AssignDirectIndex(static_cast<float>(10 * i), 2242 + i);
-    host.showsFahrenheit = true;
+    host.isFahrenheit = true;
     live.CLT = 45;
     live.MAP = 40;
     open("GPO1");

@@ -28,7 +28,7 @@ class Tables : public testing::Test {
 
     test::Calibration calibration;
     Unit& unit;
-    test::NotingHost& host;
+    RecordingHost& host;
 };
 
 TEST_F(Tables, AreFoundByName) {
@@ -109,7 +109,7 @@ TEST_F(Tables, HeadersOfOutputTablesAreTheirOwnStops) {
 
 TEST_F(Tables, SpansOfAxisKinds) {
     EXPECT_EQ(axisKindOf("CLT")->span(unit).high, 150);
-    host.showsFahrenheit = true;
+    host.isFahrenheit = true;
     EXPECT_EQ(axisKindOf("MAT")->span(unit).low, -40);
     EXPECT_EQ(axisKindOf("MAT")->span(unit).high, 302);
     EXPECT_FLOAT_EQ(axisKindOf("ACTUAL AFR")->span(unit).low, 9.8049F);

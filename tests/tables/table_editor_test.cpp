@@ -78,9 +78,9 @@ TEST_F(TableWindow, TypedValuesGoToTheUnitAtOnceWhenOnTheFly) {
     unit.SILENT_MODE(true);
     cursor.select(16, 1, 16, 1);
     ASSERT_TRUE(editor.enterValue("3"));
-    EXPECT_EQ(host.records.size(), 1U);
+    EXPECT_EQ(host.sent.size(), 1U);
     editor.silentWrite(4, 0, true);
-    EXPECT_EQ(host.records.size(), 1U);
+    EXPECT_EQ(host.sent.size(), 1U);
     EXPECT_EQ(unit.DirectIndex(veBase), 4);
 }
 
@@ -387,7 +387,7 @@ TEST_F(TableWindow, OutputValuesOutOfRangeAreNotPasted) {
         unit.AssignDirectIndex(33, base);
         open(table);
         unit.ONFLY_MODE(true);
-        host.records.clear();
+        host.sent.clear();
         cursor.select(16, 1, 16, 1);
         EXPECT_EQ(told(editor.paste("500\t-20\t444\t99999\t 60 ")), Refusals(4, "1001 (0 to 100%)")) << table;
         EXPECT_EQ(unit.DirectIndex(base), 33) << table;
@@ -395,7 +395,7 @@ TEST_F(TableWindow, OutputValuesOutOfRangeAreNotPasted) {
         EXPECT_EQ(unit.DirectIndex(base + 4), 60) << table;
         EXPECT_EQ(text(16, 1), "33") << table;
         EXPECT_EQ(text(16, 2), "0") << table;
-        EXPECT_EQ(host.records.size(), 1U) << table;
+        EXPECT_EQ(host.sent.size(), 1U) << table;
         unit.ONFLY_MODE(false);
     }
 }

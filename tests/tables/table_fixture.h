@@ -47,7 +47,7 @@ class TableWindow : public ::testing::Test {
 
     test::Calibration calibration;
     Unit& unit;
-    test::NotingHost& host;
+    RecordingHost& host;
     Ecu ecu;
     LiveValues live;
     PaintMemory paints;

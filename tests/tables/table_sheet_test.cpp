@@ -87,7 +87,7 @@ TEST_F(TableWindow, TemperatureStopsOfAnOutputTableFollowTheChosenScale) {
     unit.AssignDirectIndex(20.04F, 2226);
     open("GPO1");
     EXPECT_EQ(text(16, 0), "20.04");
-    host.showsFahrenheit = true;
+    host.isFahrenheit = true;
     open("GPO1");
     EXPECT_EQ(text(16, 0), "68.1");  // 68.07
     EXPECT_EQ(text(0, 1), "500");
@@ -135,13 +135,13 @@ TEST_F(TableWindow, SavingSendsOnlyTheCellsWhoseValueDiffers) {
     open("VE");
     unit.ONFLY_MODE(true);
     sheet.saveEntireTable();
-    EXPECT_TRUE(host.records.empty());
+    EXPECT_TRUE(host.sent.empty());
     EXPECT_EQ(sheet.cellsWritten(), 0);
     sheet.grid().text(16, 1, "5.0");  // the value it has
     sheet.grid().text(15, 2, "-7");   // stored row 1, column 1: address 4352 + 912 + 17 = 0x14A1
     sheet.saveEntireTable();
     // -7 + 50 = 43 = 0x2B; 0x04 + 0x14 + 0xA1 + 0x2B = 0xE4, inverted 0x1B
-    EXPECT_EQ(host.records, std::vector<std::string>{"S10414A12B1B"});
+    EXPECT_EQ(host.sent, std::vector<std::string>{"S10414A12B1B"});
     EXPECT_EQ(sheet.cellsWritten(), 1);
     EXPECT_EQ(unit.DirectIndex(veBase + 17), -7);
 }
@@ -169,10 +169,10 @@ TEST_F(TableWindow, WhatIsSavedAfterARestoreIsSentAgain) {
     cursor.select(16, 1, 16, 1);
     editor.enterValue("9");
     model.restore();
-    host.records.clear();
+    host.sent.clear();
     sheet.grid().text(16, 1, "8");
     sheet.saveEntireTable();
-    EXPECT_EQ(host.records.size(), 1U);
+    EXPECT_EQ(host.sent.size(), 1U);
 }
 
 TEST_F(TableWindow, RestoringBringsBackTheLastBuild) {
@@ -181,12 +181,12 @@ TEST_F(TableWindow, RestoringBringsBackTheLastBuild) {
     unit.ONFLY_MODE(true);
     cursor.select(15, 5, 15, 5);
     editor.enterValue("9");
-    const auto sent = host.records.size();
+    const auto sent = host.sent.size();
     model.restore();
     EXPECT_EQ(unit.DirectIndex(veBase + 20), 5);
     EXPECT_EQ(text(15, 5), "5");
     EXPECT_EQ(host.log.back(), "TBL: Data Restore Completed Successfully.");
-    EXPECT_EQ(host.records.size(), sent);
+    EXPECT_EQ(host.sent.size(), sent);
 }
 
 TEST_F(TableWindow, RestoringASmallTablePacksItsRows) {

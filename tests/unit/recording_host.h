@@ -13,7 +13,7 @@
 #include "unit/entry_outcome.h"
 #include "unit/unit_host.h"
 
-namespace zentaq::testing {
+namespace zentaq {
 
 /// What there is to tell of an entry: nothing of one that was taken.
 inline Refusal refusalOf(const EntryOutcome& outcome) {
@@ -97,4 +97,4 @@ class RecordingHost : public UnitHost {
     }
 };
 
-}  // namespace zentaq::testing
+}  // namespace zentaq
