@@ -6,6 +6,7 @@
 #include <string>
 
 #include "calibration_checks.h"
+#include "unit/safe_file.h"
 
 namespace zentaq::fuzzing {
 namespace {
