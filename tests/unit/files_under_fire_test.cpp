@@ -13,12 +13,10 @@
 #include <cstring>
 #include <limits>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
 #include "base/errors.h"
-#include "unit/child_apart.h"
 #include "unit/every_reader.h"
 #include "unit/recording_host.h"
 #include "unit/unit.h"
@@ -26,9 +24,6 @@
 
 namespace zentaq::testing {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 
 constexpr int headerFloats = 3;
 

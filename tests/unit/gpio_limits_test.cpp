@@ -2,8 +2,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 #include "base/number_text.h"
 #include "unit/gpio_fixture.h"
 
@@ -11,7 +9,6 @@ namespace zentaq::testing {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 struct Span {
     const char* word;

@@ -18,7 +18,6 @@ namespace zentaq::testing {
 namespace {
 
 using ::testing::AnyOf;
-using ::testing::ElementsAre;
 using ::testing::Eq;
 
 /// A way to save, the file before it and the file behind it. No old content: there was no file.
