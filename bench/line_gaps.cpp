@@ -35,7 +35,7 @@ namespace {
 using namespace zentaq;
 
 constexpr int linesOfOneFile = 30'000;
-constexpr int slotOfLines = 4;  // a kind whose lines end in CR LF
+const int slotOfLines = orbLiteKind().slot;  // a kind whose lines end in CR LF
 
 std::string manyLines() {
     std::string text;

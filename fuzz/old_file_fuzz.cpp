@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "calibration_checks.h"
 
@@ -37,8 +38,14 @@ bool isBarometric(const CellMap& cells, int cell) {
 
 void run(std::uint8_t byte, std::string_view content) {
     static const ScratchFolder folder;
-    constexpr unsigned kindsWithOldFiles = 3;  // the first ones
-    const UnitKind& kind = unitKinds()[(byte & 3U) % kindsWithOldFiles];
+    static const std::vector<const UnitKind*> kindsWithOldFiles = [] {
+        std::vector<const UnitKind*> kinds;
+        for (const UnitKind& kind : unitKinds()) {
+            if (!kind.oldFileBytes.empty()) kinds.push_back(&kind);
+        }
+        return kinds;
+    }();
+    const UnitKind& kind = *kindsWithOldFiles[(byte & 3U) % kindsWithOldFiles.size()];
     const bool linked = (byte & 8U) != 0;
     OldFileHost host((byte & 4U) != 0);
     Unit unit(kind, host);

@@ -7,6 +7,8 @@
 #include "base/number_text.h"
 #include "base/shown_text.h"
 #include "commands.h"
+#include "config/model_list.h"
+#include "near_names.h"
 #include "unit/table_kinds.h"
 #include "unit_names.h"
 
@@ -24,6 +26,16 @@ std::string validFirmware(const std::string& text) {
 /// "-o $OUT" with nothing in OUT must not mean "write FILE itself".
 std::string namedFile(const std::string& text) {
     return text.empty() ? "the name of the file is empty" : std::string();
+}
+
+/// With quotes where a shell needs them.
+std::string modelNames() {
+    std::vector<std::string> names;
+    for (const ModelEntry& model : modelEntries()) {
+        const std::string name(model.name);
+        names.push_back(name.find(' ') == std::string::npos ? name : '"' + name + '"');
+    }
+    return joinedByOr(names);
 }
 
 const UnitKind* kindOrNone(const std::string& text) {
@@ -272,9 +284,7 @@ void CommandLine::addComparing() {
 }
 
 void CommandLine::addMaking() {
-    constexpr const char* models =
-        "Model: \"ORB A Standard\", \"ORB A 6/12\", \"ORB AR\", \"ORB L\", "
-        "PZK-2, \"ORB D\" or \"ORB C\", or a unit kind such as A";
+    const std::string models = "Model: " + modelNames() + ", or a unit kind such as A";
     CLI::App* make =
         add("new", "Make a new calibration of an engine, a sensor and the default values",
             [](const Context& context, const Arguments& given) {

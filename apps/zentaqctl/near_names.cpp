@@ -81,12 +81,14 @@ std::string suggestion(std::span<const std::string> names, std::string_view want
     std::vector<std::string> near = withEveryWord(names, word);
     if (near.empty()) near = nearest(names, word);
     if (near.empty()) return {};
-    // In quotes: names of engines have commas in them.
-    std::string text = "; did you mean \"" + near.front();
-    for (std::size_t i = 1; i < near.size(); ++i) {
-        text += (i + 1 == near.size() ? "\" or \"" : "\", \"") + near[i];
-    }
-    return text + "\"?";
+    for (std::string& name : near) name = '"' + name + '"';  // names of engines have commas in them
+    return "; did you mean " + joinedByOr(near) + "?";
+}
+
+std::string joinedByOr(std::span<const std::string> names) {
+    std::string text = names.front();
+    for (std::size_t i = 1; i < names.size(); ++i) text += (i + 1 == names.size() ? " or " : ", ") + names[i];
+    return text;
 }
 
 std::string nearWord(std::span<const std::string> names, const std::string& name) {

@@ -17,4 +17,7 @@ int placeOf(std::span<const std::string> names, std::string_view wanted);
 /// it; empty where none is near.
 std::string suggestion(std::span<const std::string> names, std::string_view wanted);
 
+/// "A, B or C".
+std::string joinedByOr(std::span<const std::string> names);
+
 }  // namespace zentaq::ctl

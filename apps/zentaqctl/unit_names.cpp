@@ -1,19 +1,19 @@
 #include "unit_names.h"
 
+#include <vector>
+
 #include "base/number_text.h"
 #include "base/shown_text.h"
 #include "base/text.h"
+#include "near_names.h"
+#include "unit/kinds_in_lists.h"
 
 namespace zentaq::ctl {
 
 namespace {
 
-constexpr std::string_view family = "ORB ";
-
 bool names(const UnitKind& kind, const std::string& text) {
-    const std::string name = upper(kind.name);
-    if (text == name || text == numberText(kind.slot)) return true;
-    if (name.starts_with(family) && text == name.substr(family.size())) return true;
+    if (text == upper(kind.name) || text == upper(kind.label) || text == numberText(kind.slot)) return true;
     const std::string extension = upper(kind.extension);
     return text == upper(kind.className) || text == extension || text == extension.substr(1);
 }
@@ -29,9 +29,10 @@ const UnitKind* unitKindOf(std::string_view text) {
 }
 
 std::string validKind(const std::string& text) {
-    return unitKindOf(text) != nullptr
-               ? std::string()
-               : shownBriefly(text) + " is no unit kind such as A, L, C, D, D6 or PZK-2";
+    if (unitKindOf(text) != nullptr) return {};
+    std::vector<std::string> labels;
+    for (const UnitKind* kind : kindsInLists()) labels.emplace_back(kind->label);
+    return shownBriefly(text) + " is no unit kind such as " + joinedByOr(labels);
 }
 
 }  // namespace zentaq::ctl

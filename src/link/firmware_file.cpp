@@ -7,6 +7,7 @@
 
 #include "base/errors.h"
 #include "base/file_reader.h"
+#include "unit/kinds_in_lists.h"
 #include "unit/unit_kind.h"
 
 namespace zentaq {
@@ -219,16 +220,17 @@ int slotOfFirmware(std::string_view fileName) {
 
 std::string firmwareWarning() {
     // The odd spelling and the tabs are the system's own.
-    return "You are about to upgrade the firmware on your Norvalia product.\n"
-           "Ensure that your laptop is connected to A/C power, before proceeding.\n"
-           "Before going on, consult the software user's guide appendix on firmware\n"
-           "upgrades to ensure that the unit is ready to recieve a new firmware.\n"
-           "INFO: Select the latest firmware file correct to the type of unit being upgraded.\n"
-           "ORB A\tZQAxxxxxxx\n"
-           "ORB L\tZQLxxxxxxx\n"
-           "ORB C\tZQCxxxxxxx\n"
-           "ORB D\tZQDxxxxxxx\n"
-           "PZK-2\tZPKxxxxxxx";
+    std::string text =
+        "You are about to upgrade the firmware on your Norvalia product.\n"
+        "Ensure that your laptop is connected to A/C power, before proceeding.\n"
+        "Before going on, consult the software user's guide appendix on firmware\n"
+        "upgrades to ensure that the unit is ready to recieve a new firmware.\n"
+        "INFO: Select the latest firmware file correct to the type of unit being upgraded.";
+    for (const UnitKind* kind : kindsInLists()) {
+        if (kind->models.empty()) continue;  // the second kind of a class, with the same firmware
+        text.append("\n").append(kind->model).append("\t").append(kind->firmwarePrefix).append("xxxxxxx");
+    }
+    return text;
 }
 
 }  // namespace zentaq

@@ -44,9 +44,8 @@ class PlainUnitHost : public UnitHost {
 class RecordingLinkHost : public LinkTeller {
  public:
     RecordingLinkHost() {
-        for (const int slot : {0, 3, 4, 5, 6, 7, 8}) {
-            units[slot] = std::make_unique<Unit>(*unitKindOfSlot(slot), unitHost);
-        }
+        units[0] = std::make_unique<Unit>(nullKind(), unitHost);
+        for (const UnitKind& kind : unitKinds()) units[kind.slot] = std::make_unique<Unit>(kind, unitHost);
     }
 
     Unit& unit(int slot) override {
