@@ -156,7 +156,7 @@ constexpr std::array narrowOfOrba{
     FrameRow{34, 1, &L::IACD, plain},
 };
 
-/// F reply of kinds 4, 6, 7 and 8.
+/// F reply of the other kinds with a fuel side.
 constexpr std::array narrowOfOthers{
     FrameRow{3, 2, &L::RPM, rpm},
     FrameRow{5, 1, &L::TPS, throttle},

@@ -95,8 +95,9 @@ constexpr UnitProfile profilePzk2{
     .memorySize = 64 * 16, .memorySizeOlder = 64 * 16, .fullMemoryFromRelease = 0, .nameOffset = 166};
 // clang-format on
 
-constexpr const UnitProfile* profiles[] = {&profileA, &profileA612, &profileAr, &profileL,
-                                           &profileC, &profileD,    &profileD6, &profilePzk2};
+constexpr const UnitProfile* profiles[] = {
+    &profileA, &profileA612, &profileAr, &profileL, &profileC, &profileD, &profileD6, &profilePzk2,
+};
 
 /// Letters and digits alone, upper case, without the family name in front.
 std::string plainName(std::string_view model) {

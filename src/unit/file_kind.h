@@ -12,7 +12,7 @@ namespace zentaq {
 
 /// What the head of a calibration file tells.
 struct CalibrationFileKind {
-    int slot = 0;              ///< kind of the unit, 3 to 8; 0: no calibration file
+    int slot = 0;              ///< kind of the unit; 0: no calibration file
     bool byLength = false;     ///< the first number names no kind, the length does
     float programVersion = 0;  ///< of the program that wrote it; of no meaning when known by its length
 };
@@ -20,7 +20,7 @@ struct CalibrationFileKind {
 /// Throws FileError when the file cannot be read or ends inside its header of 12 bytes.
 CalibrationFileKind kindOfCalibrationFile(const std::string& path);
 
-/// The kind of an older generation's file (".BIN") of so many bytes: 3, 4 or 5; 0 for none.
+/// The kind of an older generation's file (".BIN") of so many bytes; 0 for none.
 int kindOfOldFile(std::uintmax_t length);
 
 /// How many cells a file of so many bytes, its header among them, lacks at its end because it was cut. 0 for

@@ -11,13 +11,13 @@ namespace zentaq {
 /// What a pin or a function is for.
 enum class GpioSide : std::uint8_t { Output, Input, Both };
 
-/// A set of unit kinds.
+/// A set of families: unit kinds whose pins can do the same, as both sizes of the ORB D can.
 using GpioKinds = std::uint8_t;
 namespace gpio_kinds {
 inline constexpr GpioKinds orbA = 1;
 inline constexpr GpioKinds orbL = 2;
 inline constexpr GpioKinds orbC = 4;
-inline constexpr GpioKinds orbD = 8;  ///< both sizes
+inline constexpr GpioKinds orbD = 8;
 inline constexpr GpioKinds pzk2 = 16;
 inline constexpr GpioKinds noUnit = 128;  ///< clsNull
 inline constexpr GpioKinds withFuel = orbA | orbL | orbC | orbD;

@@ -145,7 +145,9 @@ UnitKind orbd6() {
 }  // namespace
 
 std::span<const UnitKind> unitKinds() {
-    static const std::array kinds = {orba(), orbLite(), pzk2(), orbc(), orbd(), orbd6()};
+    static const std::array kinds = {
+        orba(), orbLite(), pzk2(), orbc(), orbd(), orbd6(),
+    };
     return kinds;
 }
 
@@ -165,7 +167,8 @@ const UnitKind* unitKindOfSerial(std::int32_t serialNumber) {
 }
 
 const UnitKind* unitKindOfFile(float fileKind) {
-    // Slot 0 is no kind of file. A fraction is none either.
+    // By slot and not by `fileKind`: files that say 8 open in slot 8, though its class writes 7. Slot 0 is no
+    // kind of file, a fraction is none either.
     for (const UnitKind& kind : unitKinds()) {
         if (fileKind == static_cast<float>(kind.slot)) return &kind;
     }

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Walks a page of docs/how-to as a newcomer would: makes exactly the edits that it names in a copy of the sources,
-compiles the files that they touch, and has a probe look whether what was added shows everywhere it should.
+compiles the files that they touch, and has a probe and the tests that the page names look whether what was added shows
+everywhere it should. A page that needs more files than it promises fails.
 
     walk.py PAGE BUILD_FOLDER
 
@@ -68,7 +69,7 @@ class Workshop:
     def __init__(self, folder, build):
         self.folder = folder
         self.build = build
-        for part in ("src", "apps", "tests", "docs"):
+        for part in ("src", "apps", "tests", "docs", "data"):
             shutil.copytree(ROOT / part, folder / part)
         self.commands = json.loads((build / "compile_commands.json").read_text(encoding="utf-8"))
 
@@ -87,7 +88,8 @@ class Workshop:
             if skip or word in ("-o", "-c", "-include", "-MF", "-MT"):
                 skip = not skip
             elif word not in ("-fpch-preprocess", "-Winvalid-pch", "-MD"):
-                flags.append(word.replace(f"-I{ROOT}/", f"-I{self.folder}/"))
+                word = word.replace(f"-I{ROOT}/", f"-I{self.folder}/")
+                flags.append(word.replace(f'ZENTAQ_SOURCE_DIR="{ROOT}"', f'ZENTAQ_SOURCE_DIR="{self.folder}"'))
         return flags + ["-O0"]
 
     def compile(self, source, target):
@@ -123,25 +125,24 @@ def expect(what, seen, wanted):
         sys.exit(f"{what}: {wanted!r} is not in\n{seen}")
 
 
-def sources(edits):
-    return [edit.file for edit in edits if edit.file.startswith("src/") and edit.file.endswith(".cpp")]
+def compiled(shop, edits, more=()):
+    """The objects of the sources that the edits touch, and of `more`."""
+    files = {edit.file for edit in edits if edit.file.startswith("src/") and edit.file.endswith(".cpp")} | set(more)
+    return [shop.compile(file, "zentaq_" + file.split("/")[1]) for file in sorted(files)]
 
 
-def target_of(source):
-    return "zentaq_" + source.split("/")[1]
-
-
-def probe(shop, like, edits, tests, more=()):
-    """Runs tests that are linked as `like`, on the edited sources and `more`. The objects of the sources."""
-    compiled = sorted({*sources(edits), *more})
-    objects = [shop.compile(source, target_of(source)) for source in compiled]
-    made = [shop.compile(f"tests/{name}.cpp", like) for name in tests]
+def probe(shop, like, objects, tests):
+    """Runs tests, each compiled as its folder's are, in a program that is linked as `like`."""
+    made = []
+    for test in tests:
+        folder = test.split("/")[0]
+        made.append(shop.compile(f"tests/{test}.cpp", like if folder == "howto" else f"test_{folder}"))
     shop.look(shop.link("probe", like, [*made, *objects], instead=True))
-    return objects
 
 
 def parameter(shop, edits):
-    objects = probe(shop, "test_config", edits, ["howto/parameter_probe"])
+    objects = compiled(shop, edits)
+    probe(shop, "test_config", objects, ["howto/parameter_probe", "unit/expectations_test", "unit/old_file_test"])
     ctl = shop.link("zentaqctl", "zentaqctl", objects)
     file = shop.folder / "scratch.ZQ4OA"
     shutil.copy(shop.build / "app/samples/Street V8.ZQ4OA", file)
@@ -162,8 +163,8 @@ def parameter(shop, edits):
 def channel(shop, edits):
     # All that knows the rows and what the probes need: the others would hold live values of another shape.
     knowing = [f"src/live/{name}.cpp" for name in ("dashboard_readings", "datalog_writer", "gauges")]
-    probe(shop, "test_app", edits, ["howto/channel_probe", "live/channels_test"],
-          [*knowing, "src/refdata/schema.cpp", "src/app/data_points.cpp"])
+    objects = compiled(shop, edits, [*knowing, "src/refdata/schema.cpp", "src/app/data_points.cpp"])
+    probe(shop, "test_app", objects, ["howto/channel_probe", "live/channels_test"])
 
 
 def window(shop, edits):
@@ -172,25 +173,70 @@ def window(shop, edits):
         moc = "src/windows/moc_" + Path(header).stem + ".cpp"
         shop.run([info["QT_MOC_EXECUTABLE"], "-p", "windows", shop.folder / header, "-o", shop.folder / moc])
         edits.append(argparse.Namespace(file=moc))
-    probe(shop, "test_windows", edits, ["howto/window_probe", "windows/window_registry_test", "windows/qt_application"])
+    probe(shop, "test_windows", compiled(shop, edits),
+          ["howto/window_probe", "windows/window_registry_test", "windows/qt_application"])
 
 
 def option(shop, edits):
-    probe(shop, "test_windows", edits, ["howto/option_probe", "windows/qt_application"])
+    objects = compiled(shop, edits)
+    probe(shop, "test_windows", objects, ["howto/option_probe", "windows/qt_application"])
+    probe(shop, "test_app", objects, ["app/options_test"])
 
 
-WALKS = {"add-a-parameter": parameter, "add-a-channel": channel, "add-an-option": option, "add-a-window": window}
+def unit_kind(shop, edits):
+    objects = compiled(shop, edits)
+    probe(shop, "test_sim", objects, ["unit/kind_facts_test"])
+    kind = [made for made in objects if made.name.startswith("src_unit_")]
+    data = shop.folder / "bin/data"
+    data.mkdir(parents=True)
+    shop.look(shop.link("zentaq-refdata", "zentaq-refdata", kind), shop.folder / "data/seeds", data / "zentaq410-02.pak")
+
+    ctl = shop.link("zentaqctl", "zentaqctl", kind)
+    expect("members", shop.look(ctl, "members", "--kind", "E"), "\nORB E\tVE\t")
+    engine = "4 Cylinder Wasted Spark, Paired Injection"
+    expect("engines", shop.look(ctl, "engines", "--unit", "ORB E"), f"\nORB E\t{engine}\t")
+    images = []
+    for model, file in (("ORB E", "Same.ZQ4OE"), ("ORB A Standard", "Same.ZQ4OA")):
+        shop.look(ctl, "new", "--unit", model, "--engine", engine, "--sensor", "1 BAR (10-105 kPa)",
+                  "-o", shop.folder / file)
+        images.append(shop.look(ctl, "image", shop.folder / file, "-o", "-"))
+    expect("info", shop.look(ctl, "info", shop.folder / "Same.ZQ4OE"), "ORB E")
+    if images[0] != images[1] or not images[0].startswith("S1"):
+        sys.exit("the image is not that of an ORB A with the same engine")
+
+    sim = shop.link("zentaq-sim", "zentaq-sim", [made for made in objects if made not in kind])
+    line = shop.folder / "line"
+    with subprocess.Popen([sim, "--unit", "E", "--link", line, "--baud", "0", "--with-parent"],
+                          stdout=subprocess.PIPE, text=True) as unit:
+        try:
+            expect("simulated unit", unit.stdout.readline(), f"ready {line}")
+            expect("identify", shop.look(ctl, "identify", "--port", line), "ORB E 800001 (E) on ")
+        finally:
+            unit.terminate()
+
+
+# What each page takes, and how many files it may edit.
+WALKS = {
+    "add-a-parameter": (parameter, 6),
+    "add-a-channel": (channel, 3),
+    "add-an-option": (option, 2),
+    "add-a-window": (window, 3),
+    "add-a-unit-kind": (unit_kind, 3),
+}
 
 
 def main():
     page, build = sys.argv[1], Path(sys.argv[2]).resolve()
+    walk, most = WALKS[page]
     edits = edits_of(page)
     files = {edit.file for edit in edits}
+    if len(files) > most:
+        sys.exit(f"{page} edits {len(files)} files, more than {most}: {', '.join(sorted(files))}")
     with tempfile.TemporaryDirectory() as folder:
         shop = Workshop(Path(folder), build)
         for edit in edits:
             edit.apply(shop.folder)
-        WALKS[page](shop, edits)
+        walk(shop, edits)
     print(f"{page}: {len(files)} files")
 
 
