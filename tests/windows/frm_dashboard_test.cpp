@@ -356,7 +356,7 @@ TEST_F(Dashboard, SecondTabShowingMovesThePanelOutOfSight) {
 
 TEST_F(Dashboard, PollsAtTheRateOfTheSetting) {
     fake.settings.set("System", "ADUR", "50");
-    board->startTimers();
+    board->updateRateChanged();
     EXPECT_EQ(find<QTimer>("tmrUpdate")->interval(), 20);
     EXPECT_EQ(find<QTimer>("tmrUpdate")->timerType(), Qt::PreciseTimer);
     board->Kill_Timers();

@@ -182,6 +182,7 @@ TEST_F(General, ACancelledFileDialogLeavesTheFormAsItWas) {
     key(Qt::Key_S, Qt::ControlModifier);
     EXPECT_EQ(dialogs.requests.size(), 1u);
     EXPECT_TRUE(form->isVisible());
+    EXPECT_EQ(savedTold, 0);
     EXPECT_EQ(shown("txtRPM"), "6400");
     EXPECT_EQ(session.header().fileState, "NEW");
 }

@@ -11,6 +11,7 @@
 #include <QHeaderView>
 #include <QMenu>
 #include <QScrollBar>
+#include <functional>
 
 #include "windows/table_windows_fixture.h"
 
@@ -20,6 +21,7 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::SizeIs;
 using testing::StartsWith;
 
 class TableWindows : public RecordingWindows {
@@ -206,6 +208,10 @@ TEST_F(Table, RefusedValueWarnsAndTheBoxHoldsTheOldText) {
     EXPECT_FALSE(fake.session.DataModified);
     tick(3);
     EXPECT_THAT(fake.port.written, IsEmpty());
+    form->Show_Current_Activity(1000, 40);
+    EXPECT_EQ(cursor().row(), 16) << "an open box holds its cell";
+    key(Qt::Key_Escape);
+    EXPECT_EQ(overlayItem(), "Turn Overlay OFF");
 }
 
 TEST_F(Table, LettersAreNoStartOfANumber) {
@@ -213,6 +219,67 @@ TEST_F(Table, LettersAreNoStartOfANumber) {
     type("a");
     EXPECT_THAT(fake.dialogs.boxes, ElementsAre(Tells("Non-numeric value detected.")));
     EXPECT_FALSE(box().isVisible());
+}
+
+/// Only what a command has stored in a cell marks the calibration, and only that is sent.
+TEST_F(Table, ACommandMarksTheCalibrationIfItHasStoredACell) {
+    unit().set("scale1", 0.5);
+    showStored(50);
+    goLive();
+    const struct {
+        const char* what;
+        std::function<void()> run;
+        std::vector<std::string> sent;  ///< address 4352 + 912 + index, value + 50
+        int refused;
+    } rows[] = {
+        {"an unchanged grid is saved", [&] { tool("Save")->trigger(); }, {}, 0},
+        {"a paste over equal cells",
+         [&] {
+             stand(16, 1);
+             paste("50\t0\t5");
+         },
+         {"P2S1041492371E"},
+         0},
+        {"a nudge out of the range",
+         [&] {
+             stand(16, 1);
+             type(".");
+         },
+         {},
+         1},
+        {"a changed grid is saved",
+         [&] {
+             stand(15, 1);
+             type("44");
+             tool("Save")->trigger();
+         },
+         {"P2S10414A05EE9"},
+         0},
+        {"a nudge in the view of duty cycles, whose text stays",
+         [&] {
+             stand(14, 1);
+             type("D");
+             const std::string before = shown(14, 1);
+             type(".");
+             EXPECT_EQ(shown(14, 1), before);
+         },
+         {"P2S10414B03304"},
+         0},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        fake.session.DataModified = false;
+        fake.port.written.clear();
+        fake.dialogs.boxes.clear();
+        row.run();
+        EXPECT_EQ(fake.session.DataModified, !row.sent.empty());
+        EXPECT_THAT(fake.dialogs.boxes, SizeIs(row.refused));
+        tick();
+        if (form->locked()) answerOnFly();
+        tick(3);
+        EXPECT_EQ(fake.port.written, row.sent);
+    }
+    EXPECT_THAT((std::vector{ve(0), ve(1), ve(2), ve(16), ve(32)}), ElementsAre(50, 0, 5, 44, 1));
 }
 
 TEST_F(Table, BoxTakesOnlyWhatLeadsToANumber) {
@@ -238,6 +305,13 @@ TEST_F(Table, SpaceOpensTheCellsOwnText) {
     type(" ");
     EXPECT_EQ(box().text(), "7");
     EXPECT_EQ(box().selectedText(), "7");
+}
+
+TEST_F(Table, EnterFillsTheWholeSelection) {
+    select(15, 2, 16, 4);
+    enter("8");
+    EXPECT_THAT((std::vector{ve(1), ve(2), ve(3), ve(17), ve(18), ve(19)}), ElementsAre(8, 8, 8, 8, 8, 8));
+    EXPECT_THAT((std::vector{ve(0), ve(4), ve(33)}), ElementsAre(0, 0, 0));
 }
 
 TEST_F(Table, FullStopAndCommaNudgeTheSelection) {
