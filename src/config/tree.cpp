@@ -36,7 +36,7 @@ bool approachKnown(Unit& unit) {
 struct Row {
     std::string_view key;
     std::string_view help;  ///< entry of table FastHelp that tells what the node's page or table is for
-    std::string_view text;
+    std::string_view text;  ///< empty: the title of its table
     std::string_view parent;
     int page;
     std::string_view table;
@@ -49,19 +49,18 @@ constexpr std::array rows{
     Row{"root000", "helpcalib", "", "", 0, "", Any},
     Row{"root001", "helpengine", "General Parameters", "", 20, "", Any},
     Row{"root999", "helpadvpar", "Advanced Parameters", "", 17, "", Any},
-    Row{"root00", "helpadv", "Ignition Advance Table", "", tablePage, "ADV", Any, nullptr,
-        "Ignition Advance"},
+    Row{"root00", "helpadv", "", "", tablePage, "ADV", Any, nullptr, "Ignition Advance"},
     Row{"child85", "helpinitadv", "Initial Advance", "root00", 11, "", Any},
     Row{"child82", "helpcltadv", "Coolant Advance", "root00", 12, "", All},
     Row{"child83", "helpsplit", "Dual Plug Timing Split", "root00", 13, "", Full | Ignition},
     Row{"child84", "helpmatadv", "MAT Density Advance/Retard", "root00", 14, "", Any, nullptr,
         "External Retard"},
     Row{"child86", "helpbaro", "Baro Advance/Retard", "root00", 22, "", All, baroInUse},
-    Row{"root01", "helpafr", "EGO Wideband / AFR Table", "", tablePage, "AFR", All},
+    Row{"root01", "helpafr", "", "", tablePage, "AFR", All},
     Row{"child90", "helpego", "EGO Parameters", "root01", 16, "", All},
     Row{"child91", "helpegocal", "EGO Calibration", "root01", 38, "", All},
-    Row{"root02", "helpve", "Volumetric Efficiency Table", "", tablePage, "VE", All},
-    Row{"root03", "helpspw", "Staged Pulsewidth", "", tablePage, "SPW", Full},
+    Row{"root02", "helpve", "", "", tablePage, "VE", All},
+    Row{"root03", "helpspw", "", "", tablePage, "SPW", Full},
     Row{"root04", "helpfuel", "Fuel Enrichment", "", 0, "", All},
     Row{"child00", "helpblend", "TPS/MAP Blend", "root04", 1, "", All},
     Row{"child01", "helpaccel", "TPS/MAP Acceleration", "root04", 2, "", All},
@@ -98,7 +97,7 @@ std::string textOf(const Row& row, unsigned tree, const Unit& unit) {
     if (row.key == "root000") return std::string(unit.kind().model);
     if (row.key == "root12" && tree == Full) return "Notes";
     if (tree == Ignition && !row.ignitionText.empty()) return std::string(row.ignitionText);
-    return std::string(row.text);
+    return row.text.empty() ? tableTitle(row.table) : std::string(row.text);
 }
 
 }  // namespace

@@ -52,7 +52,7 @@ void LiveOverlay::buildZones() {
 // ---- Shades and paint
 
 void LiveOverlay::colorizeGraph(bool white) {
-    if (sheet_.table() != "VE" && !white) return;
+    if (!sheet_.kind().shaded && !white) return;
     for (int row = 1; row <= sheet_.rows(); ++row) {
         for (int column = 1; column <= sheet_.columns(); ++column) {
             sheet_.grid().colour(row, column, TableGrid::white);
@@ -64,7 +64,9 @@ void LiveOverlay::colorizeGraph(bool white) {
 void LiveOverlay::shadeCell(int row, int column) {
     skipFailing([&] {
         const TableKind& kind = sheet_.kind();
-        const double midpoint = sheet_.table() == "VE" && sheet_.absoluteVe() ? 100 : kind.colourMidpoint;
+        const AbsoluteView* absolute = kind.absoluteIf(sheet_.absoluteVe());
+        const double midpoint =
+            absolute != nullptr ? static_cast<double>(absolute->base) : kind.colourMidpoint;
         const float value = sheet_.value(sheet_.tableIndex(row, column));
         sheet_.grid().colour(row, column, shadeOf(value, midpoint, kind.colourScale));
     });
@@ -72,7 +74,7 @@ void LiveOverlay::shadeCell(int row, int column) {
 
 /// The shade of a stored cell follows its new value at once; the paint of the live point stays on top.
 void LiveOverlay::shadeWritten(std::string_view table, int index) {
-    if (table != "VE" || sheet_.table() != "VE" || !estimates_.showsValues()) return;
+    if (table != sheet_.table() || !sheet_.kind().shaded || !estimates_.showsValues()) return;
     const int row = sheet_.gridRow(index / storedColumns);
     const int column = index % storedColumns + 1;
     if (!sheet_.grid().hasCell(row, column) || paintMemory_.at(row, column) != Paint::White) return;
@@ -101,7 +103,7 @@ void LiveOverlay::repaintRemembered() {
 
 void LiveOverlay::paintAnew() {
     if (!estimates_.showsValues()) return estimates_.showAll();
-    colorizeGraph(sheet_.table() != "VE");
+    colorizeGraph(!sheet_.kind().shaded);
     repaintRemembered();
 }
 

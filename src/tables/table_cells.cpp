@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "base/number_text.h"
 #include "base/rounding.h"
 #include "unit/axis_kinds.h"
 
@@ -35,10 +34,11 @@ int shownColumns(Unit& unit, std::string_view table) {
 float get_binValueByIndex(Unit& unit, std::string_view table, int index, bool absoluteVe) {
     const TableKind* kind = findTable(table);
     if (kind == nullptr) return 0;
-    if (kind->isGpo()) return roundTo(unit.Get_GPIO_Table(kind->gpoNumber, index), 0);
-    const float value = unit.get(kind->member, index);
-    if (table == "AFR") return roundTo(value, 2);
-    return absoluteVe && table == "VE" ? value + 100 : value;
+    const float value =
+        kind->isGpo() ? unit.Get_GPIO_Table(kind->gpoNumber, index) : unit.get(kind->member, index);
+    if (kind->decimals >= 0) return roundTo(value, kind->decimals);
+    const AbsoluteView* absolute = kind->absoluteIf(absoluteVe);
+    return absolute != nullptr ? value + absolute->base : value;
 }
 
 EntryOutcome set_binValueByIndex(Unit& unit, std::string_view table, float value, int index,
@@ -50,7 +50,8 @@ EntryOutcome set_binValueByIndex(Unit& unit, std::string_view table, float value
         if (auto checked = checkLimits(value, Unit::outputTableLimits()); !checked) return checked;
         return unit.Set_GPIO_Table(kind->gpoNumber, index, toInt16(static_cast<double>(value)));
     }
-    const float stored = absoluteVe && table == "VE" ? value - 100 : value;
+    const AbsoluteView* absolute = kind->absoluteIf(absoluteVe);
+    const float stored = absolute != nullptr ? value - absolute->base : value;
     return unit.set(kind->member, static_cast<double>(stored), index);
 }
 
@@ -58,16 +59,15 @@ Limits cellLimits(Unit& unit, std::string_view table, bool absoluteVe) {
     const TableKind* kind = findTable(table);
     if (kind == nullptr) return Limits::none();
     if (kind->isGpo()) return Unit::outputTableLimits();
-    if (absoluteVe && table == "VE") return {50, 150, "(50 to 150%)"};
+    if (const AbsoluteView* absolute = kind->absoluteIf(absoluteVe))
+        return {absolute->range.minimum, absolute->range.maximum, std::string(absolute->rangeText)};
     return unit.limits(kind->member);
 }
 
 Limits typingLimits(Unit& unit, std::string_view table, bool absoluteVe) {
-    if (table != "AFR") return cellLimits(unit, table, absoluteVe);
-    const double share = static_cast<double>(unit.get("AFR")) / 14.64;
-    const auto low = static_cast<float>(share * 9.76);
-    const auto high = static_cast<float>(share * 29.28);
-    return {low, high, "(" + numberText(low) + " to " + numberText(high) + " AFR)"};
+    const TableKind* kind = findTable(table);
+    if (kind != nullptr && kind->typing != nullptr) return kind->typing(unit);
+    return cellLimits(unit, table, absoluteVe);
 }
 
 std::vector<Refusal> spreadAxis(Unit& unit, std::string_view table, std::string_view axis,

@@ -10,7 +10,7 @@ void TableEstimates::update(int row, int column) {
     // Kept: estimates go by 16 rows whatever ROWS is, in the trim they read and in their place in the lists.
     const int index = sheet_.sixteenRowIndex(row, column);
     Unit& unit = sheet_.unit();
-    const bool staged = sheet_.table() == "SPW";
+    const bool staged = sheet_.kind().fuel == FuelCells::Staged;
     skipFailing([&] { ecu_.Injector_Pulsewidth(unit, index, sheet_.shownNumber(row, 0), staged); });
     skipFailing([&] { ecu_.Injector_DutyCycle(unit, sheet_.shownNumber(0, column), index); });
 }
@@ -30,8 +30,8 @@ void TableEstimates::show(int index) {
     TableGrid& grid = sheet_.grid();
     if (!grid.hasCell(row, column)) return;
     const bool isWidth = view_ == TableView::PulseWidth;
-    const bool tooShort =
-        isWidth && sheet_.table() != "SPW" && ecu_.pulseWidthMs(index) < sheet_.unit().get("MT");
+    const bool tooShort = isWidth && sheet_.kind().fuel != FuelCells::Staged &&
+                          ecu_.pulseWidthMs(index) < sheet_.unit().get("MT");
     const bool tooLong = !isWidth && ecu_.dutyPercent(index) >= 100;
     grid.text(row, column, isWidth ? ecu_.Get_PulseWidth(index) : ecu_.Get_DutyCycle(index));
     grid.colour(row, column, tooShort || tooLong ? alarmRed : TableGrid::white);

@@ -16,8 +16,8 @@ class TableEstimates {
  public:
     TableEstimates(TableSheet& sheet, Ecu& ecu) : sheet_(sheet), ecu_(ecu) {}
 
-    /// The table has them: "VE" and "SPW".
-    bool offered() const { return sheet_.kind().isFuel(); }
+    /// The table has them.
+    bool offered() const { return sheet_.kind().fuel != FuelCells::None; }
     TableView view() const { return view_; }
     bool showsValues() const { return view_ == TableView::Values; }
     void view(TableView view) { view_ = view; }

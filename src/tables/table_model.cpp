@@ -25,7 +25,7 @@ KeyResult TableModel::keyOnGrid(char key) {
     cursor_.leaveHeaders();
     const bool fuel = estimates_.offered();
     if (key == 'X') return KeyResult::Unload;
-    if ((key == 'A' && sheet_.table() == "VE") || (fuel && (key == 'D' || key == 'P')) || key == 'O') {
+    if ((key == 'A' && sheet_.kind().absolute) || (fuel && (key == 'D' || key == 'P')) || key == 'O') {
         // No view of an output table is among them, so no build has stops to be refused.
         if (key == 'A') toggleAbsolute();
         if (key == 'D') toggleDutyCycle();
@@ -56,7 +56,7 @@ std::vector<Refusal> TableModel::toggleView(TableView view) {
 }
 
 std::vector<Refusal> TableModel::toggleAbsolute() {
-    if (sheet_.table() != "VE") return {};
+    if (!sheet_.kind().absolute) return {};
     sheet_.absoluteVe(!sheet_.absoluteVe());
     return reset();
 }
@@ -133,11 +133,11 @@ ToolbarItems TableModel::toolbarItems() const {
     const TableKind& kind = sheet_.kind();
     ToolbarItems items;
     items.onFlyItems = unit.ONFLY_MODE();
-    items.fuelViews = kind.isFuel();
+    items.fuelViews = kind.fuel != FuelCells::None;
     items.axisButtons = kind.isGpo();
     items.columnAxis = "X: " + unit.GET_TBL_AXIS_TYPE(kind.name, "COL-AXIS");
     items.rowAxis = "Y: " + unit.GET_TBL_AXIS_TYPE(kind.name, "ROW-AXIS");
-    if (kind.name != "ADV" || unit.kind().fuelSide) items.displayCaption = kind.liveCaption;
+    if (!kind.liveWithFuelOnly || unit.kind().fuelSide) items.displayCaption = kind.liveCaption;
     items.overlayItem = cursor_.overlaySuppressed() ? "Turn Overlay ON" : "Turn Overlay OFF";
     return items;
 }

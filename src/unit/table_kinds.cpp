@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 
+#include "base/number_text.h"
 #include "unit/member_index.h"
+#include "unit/parameter_names.h"
 
 namespace zentaq {
 
@@ -13,21 +15,31 @@ constexpr int mainSizes = 2292;
 constexpr int mainAxes = 2290;  ///< not looked at: it is that of the first output table
 constexpr std::size_t mainCount = 4;
 
+/// Kept: the text and the ends are a hair wider than what a cell takes.
+Limits typedRatios(Unit& unit) {
+    const double share = static_cast<double>(unit.get("AFR")) / 14.64;
+    const auto low = static_cast<float>(share * 9.76);
+    const auto high = static_cast<float>(share * 29.28);
+    return {low, high, "(" + numberText(low) + " to " + numberText(high) + " AFR)"};
+}
+
 // clang-format off
 constexpr std::array<TableKind, 6> tables = {{
-    {.name = "ADV", .member = "Get_ADV", .title = "Ignition Advance Table", .rowsCell = mainSizes,
-     .axisWord = mainAxes, .colourMidpoint = 30, .colourScale = 30, .liveCaption = "Table Adv",
-     .live = &LiveValues::ADV_TBL, .liveFormat = "#0.0"},
-    {.name = "AFR", .member = "Get_AFR", .title = "EGO Wideband / AFR Table", .rowsCell = mainSizes,
-     .axisWord = mainAxes, .nudge = 0.1},
-    {.name = "SPW", .member = "Get_SPW", .title = "Staged Pulsewidth", .rowsCell = mainSizes,
-     .axisWord = mainAxes, .colourMidpoint = 50, .liveCaption = "Staged %", .live = &LiveValues::INJ_STAGE},
-    {.name = "VE", .member = "Get_VE", .title = "Volumetric Efficiency Table", .rowsCell = mainSizes,
-     .axisWord = mainAxes, .liveCaption = "VE %"},
+    {.name = "ADV", .member = "Get_ADV", .rowsCell = mainSizes, .axisWord = mainAxes, .colourMidpoint = 30,
+     .colourScale = 30, .liveCaption = "Table Adv", .live = &LiveValues::ADV_TBL, .liveFormat = "#0.0",
+     .liveWithFuelOnly = true},
+    {.name = "AFR", .member = "Get_AFR", .rowsCell = mainSizes, .axisWord = mainAxes, .nudge = 0.1,
+     .decimals = 2, .typing = typedRatios},
+    {.name = "SPW", .member = "Get_SPW", .rowsCell = mainSizes, .axisWord = mainAxes,
+     .fuel = FuelCells::Staged, .colourMidpoint = 50, .liveCaption = "Staged %",
+     .live = &LiveValues::INJ_STAGE},
+    {.name = "VE", .member = "Get_VE", .rowsCell = mainSizes, .axisWord = mainAxes,
+     .absolute = AbsoluteView{100, {50, 150}, "(50 to 150%)"}, .fuel = FuelCells::Main, .shaded = true,
+     .liveCaption = "VE %"},
     {.name = "GPO1", .title = "Full Table - Table#1", .gpoNumber = 1, .rowsCell = 2294, .axisWord = 2290,
-     .rowStops = 2226, .columnStops = 2242},
+     .rowStops = 2226, .columnStops = 2242, .decimals = 0},
     {.name = "GPO2", .title = "Full Table - Table#2", .gpoNumber = 2, .rowsCell = 2296, .axisWord = 2291,
-     .rowStops = 2258, .columnStops = 2274},
+     .rowStops = 2258, .columnStops = 2274, .decimals = 0},
 }};
 // clang-format on
 
@@ -48,7 +60,8 @@ const TableKind* findTable(std::string_view name) {
 
 std::string tableTitle(std::string_view name) {
     const TableKind* kind = findTable(name);
-    return kind == nullptr ? std::string() : std::string(kind->title);
+    if (kind == nullptr) return {};
+    return std::string(kind->title.empty() ? nameOfParameter(kind->member) : kind->title);
 }
 
 bool hasTable(const UnitKind& kind, const TableKind& table) {

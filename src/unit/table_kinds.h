@@ -2,6 +2,8 @@
 // The four main tables share their sizes and their axes, the lists RPMTBL and MAPTBL.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -11,29 +13,45 @@
 
 namespace zentaq {
 
+/// A second view of the cells, counted from another number.
+struct AbsoluteView {
+    float base = 0;  ///< shown where the cell is 0
+    FixedRange range;
+    std::string_view rangeText;
+};
+
+/// What the injectors make of the cells: a share of their on time, so that pulse width and duty can be shown.
+enum class FuelCells : std::uint8_t { None, Main, Staged };
+
 struct TableKind {
-    std::string_view name;    ///< "ADV"
-    std::string_view member;  ///< "Get_AFR", as "AFR" alone is the scalar; empty for the two output tables
-    std::string_view title;   ///< of its window
-    int gpoNumber = 0;        ///< 1 or 2 for "GPO1" and "GPO2"
-    int rowsCell = 0;         ///< of "ROWS"; "COLS" stands in the next cell
-    int axisWord = 0;         ///< both axis kinds in one byte; an output table has its own
-    int rowStops = 0;         ///< first cell of its own stops
+    std::string_view name;     ///< "ADV"
+    std::string_view member;   ///< "Get_AFR", as "AFR" alone is the scalar; empty for the two output tables
+    std::string_view title{};  ///< of its window; empty: what the member means
+    int gpoNumber = 0;         ///< 1 or 2 for "GPO1" and "GPO2"
+    int rowsCell = 0;          ///< of "ROWS"; "COLS" stands in the next cell
+    int axisWord = 0;          ///< both axis kinds in one byte; an output table has its own
+    int rowStops = 0;          ///< first cell of its own stops
     int columnStops = 0;
-    double nudge = 1;  ///< step of the "." and "," keys
+    double nudge = 1;              ///< step of the "." and "," keys
+    int decimals = -1;             ///< to which a cell is rounded as it is read; -1: as stored
+    Limits (*typing)(Unit&) = {};  ///< of what a user types, where they are not those of the cell
+    std::optional<AbsoluteView> absolute{};
+    FuelCells fuel = FuelCells::None;
+    bool shaded = false;  ///< cells bear a shade by their value
     double colourMidpoint = 0;
     double colourScale = 50;
     std::string_view liveCaption{};  ///< of its live value beside the grid; empty: not shown
     float LiveValues::*live = &LiveValues::INJ_VE;
     std::string_view liveFormat = "##0";
+    bool liveWithFuelOnly = false;  ///< not shown for kinds without a fuel side
 
     bool isGpo() const { return gpoNumber != 0; }
     /// The first cell of an output table.
     int firstCell(const UnitKind& kind) const {
         return kind.cells.outputTable.at(static_cast<std::size_t>(gpoNumber - 1));
     }
-    /// Whether cells stand for an injector on time, so that pulse width and duty can be shown.
-    bool isFuel() const { return name == "VE" || name == "SPW"; }
+    /// The absolute view where it is on and the table has one, or nullptr.
+    const AbsoluteView* absoluteIf(bool on) const { return on && absolute ? &*absolute : nullptr; }
 };
 
 /// A table always has 16 columns in store, whatever is shown.

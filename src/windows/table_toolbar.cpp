@@ -106,7 +106,7 @@ void TableToolbar::showItems(TableModel& model, bool docked) {
         field->setVisible(items.fuelViews);
     }
     action("Colors")->setText(qString(items.overlayItem));
-    action("Absolute")->setVisible(model.sheet().table() == "VE");
+    action("Absolute")->setVisible(model.sheet().kind().absolute.has_value());
     action("Absolute")->setChecked(model.sheet().absoluteVe());
     action("Pulsewidth")->setChecked(view == TableView::PulseWidth);
     action("DutyCycle")->setChecked(view == TableView::DutyCycle);

@@ -104,10 +104,6 @@ TEST(ParameterNames, APageForOneParameterBearsItsName) {
     std::map<std::string, std::string> texts;
     for (const TreeNode& node : treeNodes(unit)) texts[node.key] = node.text;
     for (const auto& [node, member] : pages) EXPECT_EQ(texts.at(node), nameOfParameter(member)) << member;
-    EXPECT_EQ(tableTitle("ADV"), nameOfParameter("ADV"));
-    EXPECT_EQ(tableTitle("VE"), nameOfParameter("VE"));
-    EXPECT_EQ(tableTitle("SPW"), nameOfParameter("SPW"));
-    EXPECT_EQ(tableTitle("AFR"), nameOfParameter("Get_AFR"));
 }
 
 TEST(ParameterNames, AHelpTextForOneParameterBearsItsName) {
