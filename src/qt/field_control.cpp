@@ -93,7 +93,7 @@ void FieldControl::make() {
         case FieldKind::Alarm:
             makeText();
             unit_ = addBeside(qString(shown_.beside));
-            unit_->setAccessibleName(tr("Unit of the alarm"));
+            unit_->setAccessibleName("Unit of the alarm");
             return;
         case FieldKind::Text:
             return makeText();
@@ -120,9 +120,9 @@ void FieldControl::makeColour() {
     makeText();
     auto* swatch = named(new ColourSwatch(parent_), QStringLiteral("sw") + qString(shown_.control),
                          qString(plainCaption(shown_.caption)));
-    auto* choose = named(new QPushButton(tr("Choose"), parent_), qString(shown_.beside),
-                         tr("Choose: ") + swatch->accessibleName());
-    choose->setToolTip(tr("Opens the color dialog"));
+    auto* choose = named(new QPushButton("Choose", parent_), qString(shown_.beside),
+                         "Choose: " + swatch->accessibleName());
+    choose->setToolTip("Opens the color dialog");
     choose->setAutoDefault(false);
     connect(choose, &QPushButton::clicked, this, &FieldControl::pressed);
     beside_ = {swatch, choose};
@@ -226,7 +226,7 @@ void FieldControl::showChoice() {
     const auto chosen = std::ranges::find(shown_.choices, shown_.text);
     const int index = chosen == shown_.choices.end() ? -1 : static_cast<int>(chosen - shown_.choices.begin());
     // A text that is none of the entries is shown all the same.
-    const QString invitation = shown_.enabled ? tr("Choose...") : QString();
+    const QString invitation = shown_.enabled ? "Choose..." : QString();
     list.setPlaceholderText(index < 0 && !text.isEmpty() ? text : invitation);
     list.setCurrentIndex(index);
     list.setToolTip(plainTip(text));

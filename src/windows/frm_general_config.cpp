@@ -19,7 +19,6 @@ namespace zentaq {
 
 namespace {
 
-constexpr auto formName = "frmGeneralConfig";
 constexpr auto formTitle = "General Engine Configuration";
 
 }  // namespace
@@ -29,7 +28,7 @@ FrmGeneralConfig::FrmGeneralConfig(Session& session, QWidget* parent)
       Form(this),
       session_(session),
       core_(std::make_shared<GeneralConfig>(session)) {
-    named(this, formName, formTitle);
+    named(this, qString(window::generalConfig), formTitle);
     setWindowTitle(QLatin1String(formTitle));
     run([&] { core_->load(); });
     makeToolbar();
@@ -53,15 +52,15 @@ FrmGeneralConfig::~FrmGeneralConfig() {
 // ---- Making
 
 void FrmGeneralConfig::makeToolbar() {
-    Toolbar1_ = named(new QToolBar(tr("Toolbar"), this), "Toolbar1", tr("Toolbar"));
+    Toolbar1_ = named(new QToolBar("Toolbar", this), "Toolbar1", "Toolbar");
     Toolbar1_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     const int size = fontMetrics().height() * 5 / 4;
     Toolbar1_->setIconSize({size, size});
-    save_ = addKey("Save", tr("Save"), tr("Store the calibration in a file (Ctrl+S)"));
+    save_ = addKey("Save", "Save", "Store the calibration in a file (Ctrl+S)");
     connect(save_, &QAction::triggered, this, &FrmGeneralConfig::save);
-    cancel_ = addKey("Cancel", tr("Cancel"), tr("Close this window (Esc)"));
+    cancel_ = addKey("Cancel", "Cancel", "Close this window (Esc)");
     connect(cancel_, &QAction::triggered, this, &QWidget::close);
-    lblHint_ = plainLabel("lblHint", tr("What is still missing"), Toolbar1_);
+    lblHint_ = plainLabel("lblHint", "What is still missing", Toolbar1_);
     QFont bold = font();
     bold.setBold(true);
     lblHint_->setFont(bold);
@@ -141,15 +140,15 @@ void FrmGeneralConfig::showEvent(QShowEvent* event) {
 
 void FrmGeneralConfig::showState() {
     // What was accepted for a calibration in hand stays; only a new one is given up.
-    const QString close = core_->creating() ? tr("Cancel") : tr("Close");
+    const QString close = core_->creating() ? "Cancel" : "Close";
     cancel_->setText(close);
-    cancel_->setToolTip(tr("Close this window (Esc)"));
+    cancel_->setToolTip("Close this window (Esc)");
     Toolbar1_->widgetForAction(cancel_)->setAccessibleName(close);
     const QString missing = form_->missing();
     if (!core_->creating()) {
         lblHint_->clear();
     } else if (missing.isEmpty()) {
-        lblHint_->setText(tr("Ready to save"));
+        lblHint_->setText("Ready to save");
     } else {
         lblHint_->setText(missing);
     }
@@ -191,7 +190,7 @@ void FrmGeneralConfig::changeEvent(QEvent* event) {
 // ---- Keys and focus
 
 bool FrmGeneralConfig::event(QEvent* event) {
-    if (event->type() == QEvent::WindowActivate) session_.messages.ActiveFormName = formName;
+    if (event->type() == QEvent::WindowActivate) session_.messages.ActiveFormName = window::generalConfig;
     // The main window has this key, too; here it means the form, with what is being typed.
     if (event->type() == QEvent::ShortcutOverride &&
         static_cast<QKeyEvent*>(event)->matches(QKeySequence::Save)) {
@@ -232,7 +231,7 @@ void FrmGeneralConfig::focusMoved(QWidget* now) {
 template <typename Command>
 bool FrmGeneralConfig::run(Command&& command) {
     return endOnFailure(std::forward<Command>(command), [&](const std::string& why) {
-        session_.sysLog(std::string(formName) + ": " + why);
+        session_.sysLog(std::string(window::generalConfig) + ": " + why);
         session_.show({formTitle, why, Icon::Critical, Buttons::Ok});
     });
 }
@@ -244,7 +243,7 @@ bool FrmGeneralConfig::finishEdits() {
 void FrmGeneralConfig::save() {
     if (busy_) return;
     const QPointer<FrmGeneralConfig> self(this);
-    session_.windows().afterEdits(tr("Save").toStdString(), [self] {
+    session_.windows().afterEdits("Save", [self] {
         if (self) self->saveNow();
     });
 }

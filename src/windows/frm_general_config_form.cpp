@@ -126,21 +126,21 @@ void GeneralConfigForm::heading(Column& column, const char* name, const QString&
 }
 
 void GeneralConfigForm::makeUnitGroup(Column& column) {
-    heading(column, "lblGroup1", tr("1   Unit and engine"));
+    heading(column, "lblGroup1", "1   Unit and engine");
     wideListRow(column, "cmbORB_UNIT");
     wideListRow(column, "cmbEngine");
     dimensionsRow(column);
 }
 
 void GeneralConfigForm::makeSensorGroup(Column& column) {
-    heading(column, "lblGroup2", tr("2   MAP sensor and boost"));
+    heading(column, "lblGroup2", "2   MAP sensor and boost");
     wideListRow(column, "cmbMAP");
     ratingRow(column);
     boxRow(column, "txtMaxBoost");
 }
 
 void GeneralConfigForm::makeEngineGroup(Column& column) {
-    heading(column, "lblGroup3", tr("3   Engine figures"));
+    heading(column, "lblGroup3", "3   Engine figures");
     boxRow(column, "txtRPM");
     boxRow(column, "txtBHP");
     listRow(column, "cmbCams");
@@ -149,7 +149,7 @@ void GeneralConfigForm::makeEngineGroup(Column& column) {
 }
 
 void GeneralConfigForm::makeInjectorGroup(Column& column) {
-    heading(column, "lblGroup4", tr("4   Injectors"));
+    heading(column, "lblGroup4", "4   Injectors");
     boxRow(column, "txtINJ");
     peakRow(column);
     flowRow(column);
@@ -214,8 +214,8 @@ void GeneralConfigForm::ratingRow(Column& column) {
 }
 
 QWidget* GeneralConfigForm::makeManagerButton() {
-    cmdManager_ = named(new QPushButton(tr("MAP Sensor &Manager..."), this), "cmdMAPSensorManager",
-                        tr("MAP Sensor Manager"));
+    cmdManager_ =
+        named(new QPushButton("MAP Sensor &Manager...", this), "cmdMAPSensorManager", "MAP Sensor Manager");
     cmdManager_->setProperty(helpKeyProperty, QStringLiteral("helpmapsel"));
     cmdManager_->setAutoDefault(false);
     connect(cmdManager_, &QPushButton::clicked, this, &GeneralConfigForm::sensorManagerAsked);
@@ -223,7 +223,7 @@ QWidget* GeneralConfigForm::makeManagerButton() {
 }
 
 void GeneralConfigForm::dimensionsRow(Column& column) {
-    lblDimensions_ = named(new QLabel(tr("Table Start Dimensions"), this), "lblDimensions");
+    lblDimensions_ = named(new QLabel("Table Start Dimensions", this), "lblDimensions");
     wideCaptions_.push_back(lblDimensions_);
     auto* row = plainRow(*this);
     row->addWidget(lblDimensions_);
@@ -272,12 +272,12 @@ void GeneralConfigForm::flowRow(Column& column) {
 }
 
 void GeneralConfigForm::computedRow(Column& column) {
-    lblComputed_ = named(new QLabel(tr("Zentaq Calculated TOG"), this), "lblComputed");
+    lblComputed_ = named(new QLabel("Zentaq Calculated TOG", this), "lblComputed");
     lblUAP_ = named(new ValueLabel(QStringLiteral("000.000"), this), "lblUAP", lblComputed_->text());
     lblUAP_->setProperty(helpKeyProperty, QStringLiteral("helptog"));
     lblUAP_->setFont(bold(font()));
     lblComputedUnit_ = mutedLabel(this);
-    lblComputedUnit_->setText(tr("ms"));
+    lblComputedUnit_->setText("ms");
     column.grid->addWidget(lblComputed_, column.row, Column::captionPlace);
     column.grid->setRowMinimumHeight(column.row, find("txtTOG").widget()->sizeHint().height());
     column.grid->addWidget(lblUAP_, column.row, Column::controlPlace);

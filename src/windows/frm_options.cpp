@@ -47,16 +47,15 @@ FrmOptions::FrmOptions(Session& session, MainCommands& commands, QWidget* parent
       commands_(commands),
       options_(std::make_shared<Options>(session)),
       chooseColour_(platformDialog) {
-    setObjectName(QStringLiteral("frmOptions"));
-    setWindowTitle(tr("Options"));
-    setAccessibleName(tr("Options"));
+    named(this, qString(window::options), "Options");
+    setWindowTitle(accessibleName());
     setModal(false);
 
     fields_ = new OptionFields(
         *options_, [this] { return session_.platform().port.list(); }, this);
     finder_ = new OptionFinder(this);
     makePages();
-    lblHelp_ = plainLines("lblOptionHelp", tr("Help on the option"), this);
+    lblHelp_ = plainLines("lblOptionHelp", "Help on the option", this);
     lblHelp_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     lblHelp_->setMinimumHeight(2 * lblHelp_->fontMetrics().lineSpacing());
 
@@ -88,7 +87,7 @@ FrmOptions::~FrmOptions() {
 // ---- Making
 
 void FrmOptions::makePages() {
-    SSTab1_ = named(new QTabWidget(this), "SSTab1", tr("Pages of options"));
+    SSTab1_ = named(new QTabWidget(this), "SSTab1", "Pages of options");
     for (const OptionPageRow& row : optionPages()) {
         auto* scroll = new PageArea(SSTab1_);
         scroll->setProperty(helpKeyProperty, qString(row.help));
@@ -106,9 +105,9 @@ void FrmOptions::makePages() {
 }
 
 QLayout* FrmOptions::makeButtons() {
-    cmdOK_ = makeButton("cmdOK", tr("&OK"));
-    cmdCancel_ = makeButton("cmdCancel", tr("Cancel"));
-    cmdApply_ = makeButton("cmdApply", tr("&Apply"));
+    cmdOK_ = makeButton("cmdOK", "&OK");
+    cmdCancel_ = makeButton("cmdCancel", "Cancel");
+    cmdApply_ = makeButton("cmdApply", "&Apply");
     cmdOK_->setDefault(true);
     connect(cmdOK_, &QPushButton::clicked, this, &FrmOptions::applyAndClose);
     connect(cmdCancel_, &QPushButton::clicked, this, &FrmOptions::reject);
@@ -238,7 +237,7 @@ void FrmOptions::searching(bool on) {
     cmdOK_->setEnabled(!on);
     cmdApply_->setEnabled(!on);
     if (on) {
-        lblHelp_->setText(tr("Searching a unit on ports 1 to 12 . . ."));
+        lblHelp_->setText("Searching a unit on ports 1 to 12 . . .");
     } else {
         fields_->control(QStringLiteral("cmdAutoDetectPort"))->setFocus();
     }
@@ -284,7 +283,7 @@ void FrmOptions::goTo(const QString& control) {
 void FrmOptions::focusMoved(QWidget* now) {
     if (now != nullptr && !isAncestorOf(now)) return;
     const OptionRow* row = fields_->rowAt(now);
-    lblHelp_->setText(row == nullptr ? tr("F2 tells more about the option in hand.") : qString(row->tip));
+    lblHelp_->setText(row == nullptr ? "F2 tells more about the option in hand." : qString(row->tip));
     if (marked_ != nullptr && now != nullptr && !marked_->isAncestorOf(now)) mark(nullptr);
 }
 

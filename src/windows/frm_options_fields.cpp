@@ -84,8 +84,7 @@ QWidget* OptionFields::makeGroup(std::string_view helpKey, QWidget* parent) {
 }
 
 void OptionFields::addColourHint(QWidget* group) {
-    lblColorHint_ =
-        hintLabel("lblColorHint", tr("Day mode keeps its colors: choose them in night mode."), group);
+    lblColorHint_ = hintLabel("lblColorHint", "Day mode keeps its colors: choose them in night mode.", group);
     lblColorHint_->setIndent(stripGap(group));
     group->layout()->addWidget(lblColorHint_);
 }
@@ -176,8 +175,8 @@ QWidget* OptionFields::makeList(const OptionRow& row, QWidget* strip) {
     viewList_->setMinimumSize(listColumns * cell.width() + frame, rows * cell.height() + frame);
     connect(viewList_, &QListWidget::itemChanged, this, &OptionFields::itemChanged);
     lblViewCheck_ = hintLabel("lblViewCheck", {}, strip);
-    lblViewCheck_->setAccessibleName(tr("Number of selected values"));
-    lblViewHint_ = hintLabel("lblViewHint", tr("Only the first ten are graphed."), strip);
+    lblViewCheck_->setAccessibleName("Number of selected values");
+    lblViewHint_ = hintLabel("lblViewHint", "Only the first ten are graphed.", strip);
     auto* counts = new QHBoxLayout;
     counts->addWidget(lblViewCheck_);
     counts->addSpacing(strip->fontMetrics().height());
@@ -234,7 +233,7 @@ void OptionFields::showList() const {
 
 void OptionFields::showCount() const {
     const auto count = static_cast<int>(options_.dataPoints().size());
-    lblViewCheck_->setText(tr("Number of selected values: ") + qString(numberText(count)));
+    lblViewCheck_->setText("Number of selected values: " + qString(numberText(count)));
     lblViewHint_->setVisible(count > settings::datalogSlots);
 }
 

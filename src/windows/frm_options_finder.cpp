@@ -1,4 +1,5 @@
 #include "windows/frm_options_finder.h"
+#include "base/number_text.h"
 #include "qt/named.h"
 #include "qt/qt_text.h"
 
@@ -22,15 +23,15 @@ QString pageTitle(OptionPage page) {
 
 OptionFinder::OptionFinder(QWidget* window)
     : QWidget(window), txtFind_(new QLineEdit(this)), lstFound_(new QListWidget(window)) {
-    auto* caption = new QLabel(tr("&Find an option:"), this);
+    auto* caption = new QLabel("&Find an option:", this);
     caption->setBuddy(txtFind_);
-    named(txtFind_, "txtFind", tr("Find an option"));
-    txtFind_->setPlaceholderText(tr("A word of its caption or its purpose"));
+    named(txtFind_, "txtFind", "Find an option");
+    txtFind_->setPlaceholderText("A word of its caption or its purpose");
     txtFind_->setClearButtonEnabled(true);
     txtFind_->installEventFilter(this);
     connect(txtFind_, &QLineEdit::textChanged, this, &OptionFinder::find);
 
-    named(lstFound_, "lstFound", tr("Options found"));
+    named(lstFound_, "lstFound", "Options found");
     lstFound_->setFocusPolicy(Qt::NoFocus);
     lstFound_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     lstFound_->setTextElideMode(Qt::ElideRight);
@@ -52,12 +53,12 @@ void OptionFinder::find() {
                            pageTitle(row->page) + u')');
     }
     if (found_.empty()) {
-        auto* nothing = new QListWidgetItem(tr("No option found"), lstFound_);
+        auto* nothing = new QListWidgetItem("No option found", lstFound_);
         nothing->setFlags(Qt::NoItemFlags);
     } else {
         lstFound_->setCurrentRow(0);
     }
-    txtFind_->setAccessibleDescription(tr("%n found", nullptr, static_cast<int>(found_.size())));
+    txtFind_->setAccessibleDescription(qString(numberText(static_cast<int>(found_.size())) + " found"));
     lstFound_->setVisible(!query.trimmed().isEmpty());
     placeList();
 }
