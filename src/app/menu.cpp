@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "app/main_commands.h"
 #include "unit/table_kinds.h"
 #include "unit/unit_kind.h"
 
@@ -64,20 +65,35 @@ constexpr auto later = nullptr;
 /// Kept: these entries stand in the menu, have no handler and do nothing.
 constexpr auto noHandler = nullptr;
 
+constexpr MenuEntry command(MenuEntry entry, void (*run)(MainCommands&)) {
+    entry.run = run;
+    return entry;
+}
+
+constexpr MenuEntry behindEdits(MenuEntry entry, void (*run)(MainCommands&) = nullptr) {
+    entry.afterEdits = true;
+    return command(entry, run);
+}
+
 constexpr std::array menus{
     MenuEntry{"mnuFile", "&File", "", "", always},
-    MenuEntry{"mnuNew", "Create a New Calibration File", "mnuFile", "Ctrl+N", always},
-    MenuEntry{"mnuOpen", "Open an Existing Calibration File", "mnuFile", "Ctrl+O", always},
-    MenuEntry{"mnuSave", "Save", "mnuFile", "Ctrl+S", savable},
-    MenuEntry{"mnuSaveAs", "Save As", "mnuFile", "Ctrl+Shift+S", fileInHand},
+    behindEdits({"mnuNew", "Create a New Calibration File", "mnuFile", "Ctrl+N", always},
+                [](MainCommands& commands) { commands.files.newCalibration(); }),
+    behindEdits({"mnuOpen", "Open an Existing Calibration File", "mnuFile", "Ctrl+O", always},
+                [](MainCommands& commands) { commands.files.open(); }),
+    behindEdits({"mnuSave", "Save", "mnuFile", "Ctrl+S", savable},
+                [](MainCommands& commands) { commands.saves.save(); }),
+    behindEdits({"mnuSaveAs", "Save As", "mnuFile", "Ctrl+Shift+S", fileInHand},
+                [](MainCommands& commands) { commands.saves.saveAs(); }),
     MenuEntry{"mnuConvertBINFile", "Convert BIN File", "mnuFile", "", always},
     MenuEntry{"mnuConvertORBA", "ORB A", "mnuConvertBINFile", "", noHandler},
     MenuEntry{"mnuConvertORBALite", "ORB A-Lite", "mnuConvertBINFile", "", noHandler},
     MenuEntry{"mnuPrint", "Print", "mnuFile", "", always},
     MenuEntry{"mnuPrintBIN", "Calibration File", "mnuPrint", "", later},
     MenuEntry{"mnuPrintCurrentForm", "Current Form", "mnuPrint", "", later},
-    MenuEntry{"mnuClose", "Close", "mnuFile", "Ctrl+W", fileNamed},
-    MenuEntry{"mnuExit", "Exit Program", "mnuFile", "Ctrl+Q", always},
+    behindEdits({"mnuClose", "Close", "mnuFile", "Ctrl+W", fileNamed},
+                [](MainCommands& commands) { commands.files.close(); }),
+    behindEdits({"mnuExit", "Exit Program", "mnuFile", "Ctrl+Q", always}),
 
     MenuEntry{"mnuEdit", "&Edit", "", "", always},
     MenuEntry{"mnuEdit_Undo", "Undo", "mnuEdit", "Ctrl+Z", always},
@@ -88,21 +104,31 @@ constexpr std::array menus{
     MenuEntry{"mnuEdit_SelectAll", "Select All", "mnuEdit", "", always},
 
     MenuEntry{"mnuTools", "&Tools", "", "", always},
-    MenuEntry{"mnuProgramORB", "Program ORB", "mnuTools", "Ctrl+P", always},
-    MenuEntry{"mnuStoreONFLY", "Store Changes in ORB", "mnuTools", "Ctrl+T", unitOnLink},
-    MenuEntry{"mnuIdentifyORB", "Identify ORB", "mnuTools", "", always},
-    MenuEntry{"mnuMonitor_KillEngine", "Kill Engine", "mnuTools", "Ctrl+Shift+K", always},
-    MenuEntry{"mnuZeroAdv", "Set Zero Advance", "mnuTools", "", unitOnLink, {}, {}, true},
-    MenuEntry{"mnuClearDashCodes", "Refresh Codes", "mnuTools", "", unitOnLink},
-    MenuEntry{"mnuORB_ClearCodes", "Clear Error Codes", "mnuTools", "", unitOnLink},
-    MenuEntry{"mnuMonitor_DayMode", "Day Mode", "mnuTools", "F7", always},
-    MenuEntry{"mnuMonitor_NightMode", "Night Mode", "mnuTools", "F8", always},
+    behindEdits({"mnuProgramORB", "Program ORB", "mnuTools", "Ctrl+P", always},
+                [](MainCommands& commands) { commands.programming.programOrb(); }),
+    behindEdits({"mnuStoreONFLY", "Store Changes in ORB", "mnuTools", "Ctrl+T", unitOnLink},
+                [](MainCommands& commands) { commands.unit.storeOnFly(); }),
+    command({"mnuIdentifyORB", "Identify ORB", "mnuTools", "", always},
+            [](MainCommands& commands) { commands.unit.identify(); }),
+    command({"mnuMonitor_KillEngine", "Kill Engine", "mnuTools", "Ctrl+Shift+K", always},
+            [](MainCommands& commands) { commands.unit.killEngine(); }),
+    command({"mnuZeroAdv", "Set Zero Advance", "mnuTools", "", unitOnLink, {}, {}, true},
+            [](MainCommands& commands) { commands.unit.zeroAdvance(); }),
+    command({"mnuClearDashCodes", "Refresh Codes", "mnuTools", "", unitOnLink},
+            [](MainCommands& commands) { commands.unit.refreshCodes(); }),
+    command({"mnuORB_ClearCodes", "Clear Error Codes", "mnuTools", "", unitOnLink},
+            [](MainCommands& commands) { commands.unit.clearCodes(); }),
+    command({"mnuMonitor_DayMode", "Day Mode", "mnuTools", "F7", always},
+            [](MainCommands& commands) { commands.dayMode(); }),
+    command({"mnuMonitor_NightMode", "Night Mode", "mnuTools", "F8", always},
+            [](MainCommands& commands) { commands.nightMode(); }),
     MenuEntry{"mnuMonitor_ChangeColors", "Change DashBoard Colors", "mnuTools", "", always, window::options,
               monitorPage},
     MenuEntry{"mnuMAPSensors", "MAP Sensor Manager...", "mnuTools", "", always, window::sensorEditor},
     MenuEntry{"mnuOptions", "Options...", "mnuTools", "Ctrl+,", always, window::options},
     MenuEntry{"mnuControlPanel", "Control Panel", "mnuTools", "", always, window::options},
-    MenuEntry{"mnuFirmwareUpgrade", "Firmware Upgrade", "mnuTools", "", firmwareUpgradable},
+    behindEdits({"mnuFirmwareUpgrade", "Firmware Upgrade", "mnuTools", "", firmwareUpgradable},
+                [](MainCommands& commands) { commands.programming.firmwareUpgrade(); }),
 
     MenuEntry{"mnuWindow", "&Window", "", "", always},
     MenuEntry{"mnuAdvTbl", "&Advance Table", "mnuWindow", "Ctrl+1", always, window::table, "ADV"},
@@ -111,7 +137,8 @@ constexpr std::array menus{
     MenuEntry{"mnuEGOTbl", "&EGO Table", "mnuWindow", "Ctrl+4", hasRatio, window::table, "AFR"},
 
     MenuEntry{"mnuHelp", "&Help", "", "", always},
-    MenuEntry{"mnuHelpContents", "Contents...", "mnuHelp", "F1", always},
+    command({"mnuHelpContents", "Contents...", "mnuHelp", "F1", always},
+            [](MainCommands& commands) { commands.help(); }),
     MenuEntry{"mnuFastHelp", "Fast Help (Press F2)", "mnuHelp", "F2", always, window::fastHelp},
     MenuEntry{"mnuAbout", "About Zentaq", "mnuHelp", "", always},
 

@@ -1,5 +1,5 @@
-// The menu tree and the toolbar as data: control name, caption, parent, keys and what must hold for the entry
-// to be enabled.
+// The menu tree and the toolbar as data: control name, caption, parent, keys, what must hold for the entry to
+// be enabled, and what it does.
 #pragma once
 
 #include <span>
@@ -10,6 +10,8 @@
 
 namespace zentaq {
 
+class MainCommands;
+
 struct MenuEntry {
     std::string_view name;      ///< control name, "mnuSaveAs"
     std::string_view caption;   ///< with "&" before a mnemonic
@@ -19,6 +21,8 @@ struct MenuEntry {
     std::string_view window = {};                       ///< that it opens; empty for a command
     std::string_view on = {};                           ///< what the window opens on
     bool checkable = false;
+    void (*run)(MainCommands& commands) = nullptr;  ///< where it is one call into the core
+    bool afterEdits = false;  ///< what it stores, programs, saves or closes includes the edits typed before
 };
 
 /// Parents before children, in the order of the menus. A menu whose caption is empty is a pop-up.

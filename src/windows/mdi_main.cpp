@@ -7,7 +7,6 @@
 #include <QStatusBar>
 #include <QToolButton>
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "base/errors.h"
@@ -28,40 +27,6 @@ namespace {
 
 /// It waits for nothing.
 constexpr std::string_view killEngine = "mnuMonitor_KillEngine";
-
-/// Commands that are one call into the core.
-struct Command {
-    std::string_view entry;
-    void (*run)(MainCommands& commands);
-};
-
-constexpr std::array menuCommands{
-    Command{"mnuNew", [](MainCommands& commands) { commands.files.newCalibration(); }},
-    Command{"mnuOpen", [](MainCommands& commands) { commands.files.open(); }},
-    Command{"mnuSave", [](MainCommands& commands) { commands.saves.save(); }},
-    Command{"mnuSaveAs", [](MainCommands& commands) { commands.saves.saveAs(); }},
-    Command{"mnuClose", [](MainCommands& commands) { commands.files.close(); }},
-    Command{"mnuProgramORB", [](MainCommands& commands) { commands.programming.programOrb(); }},
-    Command{"mnuFirmwareUpgrade", [](MainCommands& commands) { commands.programming.firmwareUpgrade(); }},
-    Command{"mnuStoreONFLY", [](MainCommands& commands) { commands.unit.storeOnFly(); }},
-    Command{"mnuIdentifyORB", [](MainCommands& commands) { commands.unit.identify(); }},
-    Command{killEngine, [](MainCommands& commands) { commands.unit.killEngine(); }},
-    Command{"mnuZeroAdv", [](MainCommands& commands) { commands.unit.zeroAdvance(); }},
-    Command{"mnuClearDashCodes", [](MainCommands& commands) { commands.unit.refreshCodes(); }},
-    Command{"mnuORB_ClearCodes", [](MainCommands& commands) { commands.unit.clearCodes(); }},
-    Command{"mnuHelpContents", [](MainCommands& commands) { commands.help(); }},
-    Command{"mnuMonitor_DayMode", [](MainCommands& commands) { commands.dayMode(); }},
-    Command{"mnuMonitor_NightMode", [](MainCommands& commands) { commands.nightMode(); }},
-};
-
-/// What these store, program, save or close includes the edits typed before.
-constexpr std::array comesAfterEdits{
-    std::string_view("mnuNew"),        std::string_view("mnuOpen"),
-    std::string_view("mnuSave"),       std::string_view("mnuSaveAs"),
-    std::string_view("mnuClose"),      std::string_view("mnuProgramORB"),
-    std::string_view("mnuStoreONFLY"), std::string_view("mnuFirmwareUpgrade"),
-    std::string_view("mnuExit"),
-};
 
 constexpr auto placeSection = "Forms";
 constexpr auto splitKey = "splCentre";
@@ -88,7 +53,7 @@ bool hasChildren(std::string_view name) {
 
 MdiMain::MdiMain(Session& session, MainCommands& commands, Kernel& kernel)
     : Form(this), session_(session), commands_(commands), kernel_(kernel) {
-    named(this, "mdiMain", frameTitle);
+    named(this, qString(window::main), frameTitle);
     setWindowTitle(QLatin1String(frameTitle));
     makeMenus();
     makeToolbar();
@@ -309,8 +274,8 @@ void MdiMain::run(std::string_view entry) {
     if (session_.windows().boxOpen()) return;
     const auto again = [this, name = std::string(entry)] { run(name); };
     if (entry != killEngine && session_.saving.putsOffWhileReading(entry, again)) return;
-    if (std::ranges::find(comesAfterEdits, entry) == comesAfterEdits.end()) return runNow(entry);
-    runBehindEdits(entry);
+    const Entry* row = find(entry);
+    row != nullptr && row->data->afterEdits ? runBehindEdits(*row) : runNow(entry);
 }
 
 const MdiMain::Entry* MdiMain::find(std::string_view entry) const {
@@ -319,12 +284,11 @@ const MdiMain::Entry* MdiMain::find(std::string_view entry) const {
 }
 
 // What the edits wait for may take away what the command needs.
-void MdiMain::runBehindEdits(std::string_view entry) {
-    const Entry* row = find(entry);
-    const std::string caption = row == nullptr ? std::string(entry) : plainCaption(*row->data);
-    const bool offered = row != nullptr && enabled(*row);
-    session_.windows().afterEdits(caption, [this, row, caption, offered, name = std::string(entry)] {
-        if (!offered || enabled(*row)) return runNow(name);
+void MdiMain::runBehindEdits(const Entry& row) {
+    const std::string caption = plainCaption(*row.data);
+    const bool offered = enabled(row);
+    session_.windows().afterEdits(caption, [this, &row, caption, offered] {
+        if (!offered || enabled(row)) return runNow(row.data->name);
         tellNotRun(caption);
     });
 }
@@ -352,10 +316,8 @@ void MdiMain::runNow(std::string_view entry) {
 }
 
 void MdiMain::perform(std::string_view entry) {
-    for (const Command& command : menuCommands) {
-        if (command.entry == entry) return command.run(commands_);
-    }
     const Entry* row = find(entry);
+    if (row != nullptr && row->data->run != nullptr) return row->data->run(commands_);
     if (row != nullptr && !row->data->window.empty()) return openWindow(*row->data);
     if (entry == "mnuExit") kernel_.System_Shutdown(false);
     if (entry == "mnuAbout") about();

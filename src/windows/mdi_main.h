@@ -68,7 +68,7 @@ class MdiMain : public QMainWindow, public Form {
     bool enabled(const Entry& entry) const;
     const Entry* find(std::string_view entry) const;
     void runNow(std::string_view entry);
-    void runBehindEdits(std::string_view entry);
+    void runBehindEdits(const Entry& row);
     void closeRequested();
     void makeMenus();
     QAction* makeAction(const MenuEntry& entry, QWidget* parent);

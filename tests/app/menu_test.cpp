@@ -109,6 +109,16 @@ TEST(MenuTree, EntriesOpenTheirWindowsOnWhatTheyName) {
     }
 }
 
+TEST(MenuTree, WhatStoresProgramsOrClosesComesBehindTheEditsTypedBefore) {
+    std::set<std::string_view> behind;
+    for (const MenuEntry& entry : menuTree()) {
+        if (entry.afterEdits) behind.insert(entry.name);
+    }
+    EXPECT_EQ(behind,
+              (std::set<std::string_view>{"mnuNew", "mnuOpen", "mnuSave", "mnuSaveAs", "mnuClose", "mnuExit",
+                                          "mnuProgramORB", "mnuStoreONFLY", "mnuFirmwareUpgrade"}));
+}
+
 TEST(Toolbar, HasItsEightButtonsInOrderAndEachStandsForAMenuEntry) {
     const char* keys[] = {"New", "Open", "Save", "Program", "Print", "Options", "Help", "Shutdown"};
     const auto buttons = toolbarButtons();
