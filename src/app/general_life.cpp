@@ -14,8 +14,6 @@ namespace zentaq {
 
 namespace {
 
-constexpr const char* formName = "frmGeneralConfig";
-
 /// Members of the form that the sets of default values would write over: what the form says goes first.
 constexpr std::string_view fromDefaults[] = {"MT", "TPS_FCV"};
 
@@ -45,7 +43,7 @@ void GeneralConfig::load() {
         alive_ = std::make_shared<bool>(true);
         session_.sysLog("General Config App. Initialized.");
         formerForm_ = session_.messages.ActiveFormName;
-        session_.messages.ActiveFormName = formName;
+        session_.messages.ActiveFormName = window::generalConfig;
     }
     entered_ = false;
     figures_.clear();
@@ -63,7 +61,7 @@ void GeneralConfig::unload() {
     model_ = nullptr;
     session_.sysLog("General Config App. Terminated.");
     // Another form may have taken its place by now.
-    if (session_.messages.ActiveFormName == formName) session_.messages.ActiveFormName = formerForm_;
+    if (session_.messages.ActiveFormName == window::generalConfig) session_.messages.ActiveFormName = formerForm_;
 }
 
 // ---- A new calibration

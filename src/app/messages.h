@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/console.h"
+#include "app/window_set.h"
 #include "base/warning_texts.h"
 #include "platform/dialogs.h"
 #include "unit/entry_outcome.h"
@@ -43,7 +44,7 @@ class Messages {
     bool Check_Ascending(const std::vector<std::string>& fields, int index);
 
     /// The form that gets the focus back after a warning: the one that the user's entries come from.
-    std::string ActiveFormName = "frmConfig";
+    std::string ActiveFormName{window::config};
 
     /// While a program fills a field nobody has edited it: codes::MarksField raises no "Modified" then.
     bool SilentEdit = false;

@@ -7,7 +7,6 @@
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "base/settings_keys.h"
-#include "base/text.h"
 #include "config/engine_facts.h"
 
 namespace zentaq {

@@ -34,7 +34,7 @@ class WindowNews {
 
     // ---- Start and end
     virtual void enableToolbar(bool) {}
-    virtual void makeGraphPools() {}
+    virtual void makeGraphPools() {}    ///< kept: a step of the start, for the graphs of a later release
     virtual void showCommList(bool) {}  ///< lstCommInfo
     virtual void showTip(const std::string&) {}
     virtual void killTimers() {}
@@ -55,8 +55,9 @@ class WindowNews {
     virtual void clearTableColours() {}  ///< the grid of an open table gets a white background
     /// As stored.
     virtual void dashboardColours(const std::string& /*lights*/, const std::string& /*needle*/) {}
-    virtual void initializeRecorderRows() {}  ///< the recorder's graphs take the chosen data points
-    virtual void sensorsChanged() {}          ///< lists of MAP sensors are filled again
+    /// The recorder's graphs take the chosen data points; kept: told for the recorder of a later release.
+    virtual void initializeRecorderRows() {}
+    virtual void sensorsChanged() {}  ///< lists of MAP sensors are filled again
 
     // ---- Live
     virtual void look(bool /*day*/) {}

@@ -37,7 +37,7 @@ class LiveOverlay {
 
     TableColour colourMode() const { return colourMode_; }
     void colourMode(TableColour mode) { colourMode_ = mode; }
-    /// Shades by value; does nothing unless the table is "VE" or all go white.
+    /// Shades by value; does nothing unless the table is shaded or all go white.
     void colorizeGraph(bool white);
     /// Paints all cells from the paint memory.
     void repaint();
@@ -50,7 +50,7 @@ class LiveOverlay {
     void Show_Current_Activity(float x, float y);
     const LiveMarker& marker() const { return marker_; }
     const LiveZones& zones() const { return zones_; }
-    bool autoVeActive() const { return autoVeActive_; }
+    /// The table tunes itself: the cursor moves and paints nothing. Kept: switched on in a later release.
     void autoVeActive(bool active) { autoVeActive_ = active; }
 
  private:

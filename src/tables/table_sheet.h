@@ -49,7 +49,7 @@ class TableSheet {
     // ---- Values of any table. `column` counts from 0 here.
     float get_binValueByIndex(std::string_view table, int index) const;
     EntryOutcome set_BinValueByIndex(std::string_view table, float value, int index);
-    /// 0 for an index of 256 or above.
+    /// 0 for an index of 256 or above. Kept: by row and column for the commands of a later release, as below.
     float get_BinValue(std::string_view table, int row, int column) const;
     /// Only indexes 0 to 255 reach the table.
     EntryOutcome set_BinValue(std::string_view table, int row, int column, float value);
@@ -80,6 +80,7 @@ class TableSheet {
     /// fewer than 16 columns they land elsewhere.
     std::vector<Refusal> restore();
     float undoCopy(int index) const { return content_.undo.at(static_cast<std::size_t>(index)); }
+    /// Kept: what a table that tunes itself counts its changes from, in a later release.
     float baseCopy(int index) const { return content_.base.at(static_cast<std::size_t>(index)); }
 
     // ---- Axes

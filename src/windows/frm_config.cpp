@@ -36,7 +36,7 @@ QLabel* textLabel(const char* name, QWidget* parent) {
 
 FrmConfig::FrmConfig(Session& session, MainCommands& commands, QWidget* parent)
     : QWidget(parent), Form(this), session_(session), commands_(commands) {
-    named(this, "frmConfig", "Configuration");
+    named(this, qString(window::config), "Configuration");
 
     treeZentaq_ = named(new QTreeWidget(this), "treeZentaq", "Configuration tree");
     treeZentaq_->setHeaderHidden(true);

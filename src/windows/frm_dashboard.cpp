@@ -58,7 +58,7 @@ FrmDashBoard::FrmDashBoard(Session& session, QWidget* parent)
       redraw_(new RedrawGate(
           session.platform().clock, [this] { draw(); }, this)),
       secondTabShowing_([] { return false; }) {
-    named(this, "frmDashBoard", "Dashboard");
+    named(this, qString(window::dashboard), "Dashboard");
     auto* whole = new QVBoxLayout(this);
     whole->setContentsMargins(0, 0, 0, 0);
     whole->addWidget(panel_);

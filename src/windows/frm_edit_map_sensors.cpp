@@ -40,7 +40,7 @@ FrmEditMAPSensors::FrmEditMAPSensors(Session& session, QWidget* parent)
       Form(this),
       session_(session),
       manager_(std::make_shared<SensorManager>(session)) {
-    named(this, "frmEditMAPSensors", "MAP Sensor Manager");
+    named(this, qString(window::sensorEditor), "MAP Sensor Manager");
     setWindowTitle(accessibleName());
     setProperty(helpKeyProperty, QStringLiteral("helpMAPlist"));
 

@@ -29,7 +29,7 @@ bool isHelpKey(const QEvent* event) {
 }  // namespace
 
 FrmFastHelp::FrmFastHelp(Session& session, QWidget* parent) : QDialog(parent), Form(this), session_(session) {
-    setObjectName(QStringLiteral("frmFastHelp"));
+    setObjectName(qString(window::fastHelp));
     setWindowTitle("Fast Help");
     setModal(false);
 

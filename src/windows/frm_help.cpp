@@ -80,7 +80,7 @@ class HitPainter : public QStyledItemDelegate {
 
 FrmHelp::FrmHelp(const std::string& guideFolder, QWidget* parent)
     : QWidget(parent, secondWindow()), Form(this), folder_(guideFolder) {
-    named(this, "frmHelp", "User guide");
+    named(this, qString(window::help), "User guide");
     setWindowTitle("Zentaq4 User Guide");
     makeToolbar();
     auto* split = named(new QSplitter(Qt::Horizontal, this), "splHelp");

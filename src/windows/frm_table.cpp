@@ -7,7 +7,6 @@
 #include <QPointer>
 #include <QVBoxLayout>
 
-#include "base/number_text.h"
 #include "base/settings_keys.h"
 #include "config/tree.h"
 #include "qt/enter_key.h"
@@ -45,7 +44,7 @@ bool movesCursor(int key) {
 
 FrmTable::FrmTable(Session& session, QWidget* parent)
     : QWidget(parent), DockingForm(this), session_(session) {
-    named(this, "frmTABLE", "Table");
+    named(this, qString(window::table), "Table");
     redraw_ = new RedrawGate(
         session.platform().clock, [this] { drawLive(); }, this, RedrawGate::markUs);
     makeToolbar();

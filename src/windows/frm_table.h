@@ -78,7 +78,8 @@ class FrmTable : public QWidget, public DockingForm {
     void followLook() override;
     /// The options were applied: a white grid, and the colour mode of the session from here on.
     void clearTableColours() override;
-    /// `Load_Command`: 1 redoes the docking, 3 refreshes which toolbar items are shown.
+    /// Kept: the door for other windows, by number: 1 redoes the docking, 3 refreshes which toolbar items are
+    /// shown.
     void Load_Command(int command);
 
     TableGridView& grid() { return *Grid1_; }

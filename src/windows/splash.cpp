@@ -23,7 +23,7 @@ FrmSplash::FrmSplash(const QString& version, QWidget* over, std::function<bool()
       Form(this),
       over_(over),
       goes_(std::move(goes)) {
-    named(this, "frmSplash", "Start of the program");
+    named(this, qString(window::splash), "Start of the program");
     setAttribute(Qt::WA_ShowWithoutActivating);
 
     auto* name = new QLabel(QStringLiteral("Zentaq4"), this);

@@ -9,7 +9,6 @@
 
 #include "qt/colour_swatch.h"
 #include "qt/named.h"
-#include "windows/frm_dashboard_colors.h"
 
 namespace zentaq {
 namespace {

@@ -1,6 +1,7 @@
 #include "windows/window_manager.h"
 
 #include <QApplication>
+#include <algorithm>
 #include <utility>
 
 #include "base/errors.h"
@@ -115,9 +116,10 @@ void WindowManager::formClosed(Open& place) {
 }
 
 void WindowManager::focusBehind(const WindowRow& closed) {
-    // The sensor manager may have been opened from the general parameters.
-    const Open* next = find(window::generalConfig);
-    if (closed.place == FormPlace::Beside && next->get() != nullptr && next->widget->isVisible()) {
+    const auto next = std::ranges::find_if(windows_, [](const Open& one) {
+        return one.row->opensOthers && one.get() != nullptr && one.widget->isVisible();
+    });
+    if (closed.place == FormPlace::Beside && next != windows_.end()) {
         next->widget->activateWindow();
     } else {
         main_->activateWindow();

@@ -72,8 +72,8 @@ Form* makeSplash(const FormNeeds& needs) {
 constexpr std::array rows{
     WindowRow{window::config, FormPlace::Below, makeConfig, true},
     WindowRow{window::dashboard, FormPlace::Above, make<FrmDashBoard>},
-    WindowRow{window::generalConfig, FormPlace::Beside, makeGeneralConfig, true},
-    WindowRow{window::table, FormPlace::Docked, makeTable, true, true, tableOffered},
+    WindowRow{window::generalConfig, FormPlace::Beside, makeGeneralConfig, true, true},
+    WindowRow{window::table, FormPlace::Docked, makeTable, true, false, true, tableOffered},
     WindowRow{window::sensorEditor, FormPlace::Beside, make<FrmEditMAPSensors>, true},
     WindowRow{window::options, FormPlace::Beside, make<FrmOptions>, true},
     WindowRow{window::fastHelp, FormPlace::Beside, make<FrmFastHelp>},

@@ -42,6 +42,8 @@ struct WindowRow {
     Form* (*make)(const FormNeeds& needs);
     /// It has entries that are checked: behind the box about one the keyboard comes back to it.
     bool hasEntries = false;
+    /// Others open from it: it comes to the front again when one of them goes.
+    bool opensOthers = false;
     /// It stands on the calibration in hand, and goes with it.
     bool ofCalibration = false;
     /// Whether it may be opened on this now; null for always.
