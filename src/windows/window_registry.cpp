@@ -1,6 +1,5 @@
 #include "windows/window_registry.h"
 
-#include <array>
 #include <concepts>
 #include <vector>
 
@@ -69,16 +68,16 @@ Form* makeSplash(const FormNeeds& needs) {
                          [&session = needs.session] { return session.StartingUp == 1; });
 }
 
-constexpr std::array rows{
-    WindowRow{window::config, FormPlace::Below, makeConfig, true},
-    WindowRow{window::dashboard, FormPlace::Above, make<FrmDashBoard>},
-    WindowRow{window::generalConfig, FormPlace::Beside, makeGeneralConfig, true, true},
-    WindowRow{window::table, FormPlace::Docked, makeTable, true, false, true, tableOffered},
-    WindowRow{window::sensorEditor, FormPlace::Beside, make<FrmEditMAPSensors>, true},
-    WindowRow{window::options, FormPlace::Beside, make<FrmOptions>, true},
-    WindowRow{window::fastHelp, FormPlace::Beside, make<FrmFastHelp>},
-    WindowRow{window::help, FormPlace::Beside, makeHelp},
-    WindowRow{window::splash, FormPlace::Beside, makeSplash},
+constexpr WindowRow rows[] = {
+    {window::config, FormPlace::Below, makeConfig, true},
+    {window::dashboard, FormPlace::Above, make<FrmDashBoard>},
+    {window::generalConfig, FormPlace::Beside, makeGeneralConfig, true, true},
+    {window::table, FormPlace::Docked, makeTable, true, false, true, tableOffered},
+    {window::sensorEditor, FormPlace::Beside, make<FrmEditMAPSensors>, true},
+    {window::options, FormPlace::Beside, make<FrmOptions>, true},
+    {window::fastHelp, FormPlace::Beside, make<FrmFastHelp>},
+    {window::help, FormPlace::Beside, makeHelp},
+    {window::splash, FormPlace::Beside, makeSplash},
 };
 
 }  // namespace

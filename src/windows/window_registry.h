@@ -38,7 +38,7 @@ struct WindowEntry {
 
 struct WindowRow {
     std::string_view name;  ///< of the object, too
-    FormPlace place;
+    FormPlace place = FormPlace::Beside;
     Form* (*make)(const FormNeeds& needs);
     /// It has entries that are checked: behind the box about one the keyboard comes back to it.
     bool hasEntries = false;

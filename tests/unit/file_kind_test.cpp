@@ -35,7 +35,7 @@ TEST(FileKind, TheExactLengthNamesTheUnitWhereTheFirstNumberDoesNot) {
     const TemporaryFolder folder;
     const std::pair<std::size_t, int> lengths[] = {{8718, 3}, {9324, 4}, {9320, 6}, {9316, 7}, {4816, 5}};
     for (const auto& [bytes, slot] : lengths) {
-        for (const float first : {0.0F, 2.0F, 9.0F, 3.5F, -3.0F, std::numeric_limits<float>::quiet_NaN()}) {
+        for (const float first : {0.0F, 2.0F, 99.0F, 3.5F, -3.0F, std::numeric_limits<float>::quiet_NaN()}) {
             const CalibrationFileKind kind =
                 kindOfCalibrationFile(folder.write("a", fileOf(first, 9, bytes)));
             EXPECT_EQ(kind.slot, slot) << bytes;
