@@ -6,6 +6,8 @@
 #include <span>
 #include <string_view>
 
+#include "unit/firmware_version.h"
+
 namespace zentaq {
 
 /// What a pin or a function is for.
@@ -29,6 +31,29 @@ namespace gpio_code {
 inline constexpr int timedAdvance = 20;
 inline constexpr int speedInput = 21;
 }  // namespace gpio_code
+
+/// From a firmware up to another, both included; by default any.
+struct FirmwareSpan {
+    FirmwareVersion first = {-32768, -32768};
+    FirmwareVersion last = {32767, 32767};
+    constexpr bool contains(FirmwareVersion firmware) const { return first <= firmware && firmware <= last; }
+};
+
+/// Where the parameters of a function changed with the firmware. What the manager lists and what the memory
+/// holds changed together.
+namespace gpio_firmware {
+inline constexpr FirmwareSpan any = {};
+// A full table runs at 60 and 120 Hz, later at 30 and 60.
+inline constexpr FirmwareSpan mainsFrequencies = {any.first, {2, 6}};
+inline constexpr FirmwareSpan slowFrequencies = {{2, 7}, any.last};
+// The times of a timed advance take a byte each, later a word, at last a word of finer steps.
+inline constexpr FirmwareSpan timedBytes = {any.first, {2, 17}};
+inline constexpr FirmwareSpan timedWords = {{2, 18}, {4, 32767}};
+inline constexpr FirmwareSpan timedFineWords = {{5, -32768}, any.last};
+// Boost rises between two speeds, later over four.
+inline constexpr FirmwareSpan boostOfTwoSpeeds = {any.first, {4, 2}};
+inline constexpr FirmwareSpan boostOfFourSpeeds = {{4, 3}, any.last};
+}  // namespace gpio_firmware
 
 /// Which firmware a function needs to be offered.
 enum class GpioNeeds : std::uint8_t { Nothing, DatalogFirmware, BoostFirmware };

@@ -7,9 +7,7 @@ namespace zentaq {
 namespace {
 
 using enum GpioForm;
-
-constexpr FirmwareVersion earliest = {-32768, -32768};
-constexpr FirmwareVersion latest = {32767, 32767};
+using gpio_firmware::any;
 
 constexpr GpioByte fixed(double value) {
     return {Constant, 0, value, 1};
@@ -59,42 +57,41 @@ constexpr std::array boostNew = {fixed(9), byte, byte, byte, byte, percent, perc
 
 constexpr bool zeroRest = true;
 constexpr std::array<GpioRecipe, 28> recipes = {{
-    {0, earliest, latest, disabled, zeroRest},
-    {1, earliest, latest, airConditioner},
-    {2, earliest, latest, switchAbove},
-    {3, earliest, latest, fan},
-    {4, earliest, latest, switchAbove},
-    {5, earliest, latest, switchAbove},
-    {6, earliest, latest, shiftLight},
-    {7, earliest, latest, converter},
-    {8, earliest, latest, fullTable},
-    {9, earliest, latest, customAnd},
-    {10, earliest, latest, customOr},
-    {11, earliest, latest, idleOutput, zeroRest},
-    {12, earliest, latest, fuelTrim},
-    {13, earliest, latest, acLoad, zeroRest},
-    {14, earliest, latest, valet},
-    {15, earliest, latest, datalog, zeroRest},
-    {16, earliest, latest, advanceTrim},
-    {17, earliest, latest, outputTrim1, zeroRest},
-    {18, earliest, latest, outputTrim2, zeroRest},
-    {19, earliest, latest, nitrousRetard},
-    {20, earliest, {2, 17}, timedOldest},
-    {20, {2, 18}, {4, 32767}, timedWords},
-    {20, {5, -32768}, latest, timedNewest},
-    {21, earliest, latest, speedInput, zeroRest},
-    {22, earliest, latest, inputDisabled, zeroRest},
-    {23, earliest, latest, powerCut},
-    {25, earliest, {4, 2}, boostOld, zeroRest},
-    {25, {4, 3}, latest, boostNew},
+    {0, any, disabled, zeroRest},
+    {1, any, airConditioner},
+    {2, any, switchAbove},
+    {3, any, fan},
+    {4, any, switchAbove},
+    {5, any, switchAbove},
+    {6, any, shiftLight},
+    {7, any, converter},
+    {8, any, fullTable},
+    {9, any, customAnd},
+    {10, any, customOr},
+    {11, any, idleOutput, zeroRest},
+    {12, any, fuelTrim},
+    {13, any, acLoad, zeroRest},
+    {14, any, valet},
+    {15, any, datalog, zeroRest},
+    {16, any, advanceTrim},
+    {17, any, outputTrim1, zeroRest},
+    {18, any, outputTrim2, zeroRest},
+    {19, any, nitrousRetard},
+    {20, gpio_firmware::timedBytes, timedOldest},
+    {20, gpio_firmware::timedWords, timedWords},
+    {20, gpio_firmware::timedFineWords, timedNewest},
+    {21, any, speedInput, zeroRest},
+    {22, any, inputDisabled, zeroRest},
+    {23, any, powerCut},
+    {25, gpio_firmware::boostOfTwoSpeeds, boostOld, zeroRest},
+    {25, gpio_firmware::boostOfFourSpeeds, boostNew},
 }};
 
 /// A running unit takes another scale than its stored image for these. kept: units in the field rely on it.
 struct OnTheFlyRow {
     int function;
     int parameter;  ///< anyParameter for all
-    FirmwareVersion first;
-    FirmwareVersion last;
+    FirmwareSpan firmware;
     GpioByte form;
 };
 constexpr int anyParameter = -1;
@@ -102,26 +99,25 @@ constexpr GpioByte plus50 = {Byte, 50, 1, 1};
 constexpr GpioByte plus30 = {Byte, 30, 1, 1};
 constexpr GpioByte quarterDegrees = {Byte, 0, 4.25, 1};
 constexpr std::array<OnTheFlyRow, 12> onTheFlyRows = {{
-    {8, 0, earliest, latest, {Byte, -1, 1, 1}},
-    {12, anyParameter, earliest, latest, plus50},
-    {16, anyParameter, earliest, latest, quarterDegrees},
-    {17, anyParameter, earliest, latest, percent},
-    {18, anyParameter, earliest, latest, percent},
-    {19, anyParameter, earliest, latest, plus30},
-    {20, 0, earliest, latest, plus30},
-    {20, 2, {5, -32768}, latest, halfTickWord},
-    {20, 4, {5, -32768}, latest, halfTickWord},
-    {20, 6, {5, -32768}, latest, halfTickWord},
-    {20, 3, {2, 18}, {4, 32767}, tickWord},
-    {20, 5, {2, 18}, {4, 32767}, tickWord},
+    {8, 0, any, {Byte, -1, 1, 1}},
+    {12, anyParameter, any, plus50},
+    {16, anyParameter, any, quarterDegrees},
+    {17, anyParameter, any, percent},
+    {18, anyParameter, any, percent},
+    {19, anyParameter, any, plus30},
+    {20, 0, any, plus30},
+    {20, 2, gpio_firmware::timedFineWords, halfTickWord},
+    {20, 4, gpio_firmware::timedFineWords, halfTickWord},
+    {20, 6, gpio_firmware::timedFineWords, halfTickWord},
+    {20, 3, gpio_firmware::timedWords, tickWord},
+    {20, 5, gpio_firmware::timedWords, tickWord},
 }};
 
 }  // namespace
 
 const GpioRecipe* gpioRecipe(int function, FirmwareVersion firmware) {
     for (const GpioRecipe& recipe : recipes) {
-        if (recipe.function != function) continue;
-        if (recipe.first <= firmware && firmware <= recipe.last) return &recipe;
+        if (recipe.function == function && recipe.firmware.contains(firmware)) return &recipe;
     }
     return nullptr;
 }
@@ -137,15 +133,14 @@ const GpioByte* gpioByteOfParameter(const GpioRecipe& recipe, int parameter) {
 
 const GpioByte* gpioOnTheFly(int function, int parameter, FirmwareVersion firmware) {
     for (const OnTheFlyRow& row : onTheFlyRows) {
-        if (row.function != function || !(row.first <= firmware && firmware <= row.last)) continue;
+        if (row.function != function || !row.firmware.contains(firmware)) continue;
         if (row.parameter == anyParameter || row.parameter == parameter) return &row.form;
     }
     return function == 20 ? &tick : nullptr;
 }
 
 int gpioFrequencyCode(float frequency, FirmwareVersion firmware) {
-    constexpr FirmwareVersion lastWithMainsPair = {2, 6};
-    const float slow = firmware <= lastWithMainsPair ? 60 : 30;
+    const float slow = gpio_firmware::mainsFrequencies.contains(firmware) ? 60 : 30;
     if (frequency == slow) return 0;
     return frequency == 2 * slow ? 1 : -1;
 }

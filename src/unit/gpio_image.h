@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <span>
 
-#include "unit/firmware_version.h"
+#include "unit/gpio_functions.h"
 
 namespace zentaq {
 
@@ -31,8 +31,7 @@ struct GpioByte {
 
 struct GpioRecipe {
     int function = 0;
-    FirmwareVersion first;  ///< firmware from here on ...
-    FirmwareVersion last;   ///< ... up to here
+    FirmwareSpan firmware;
     std::span<const GpioByte> bytes;
     bool zeroRest = false;  ///< bytes behind the list become 0; otherwise they stay as found
 };

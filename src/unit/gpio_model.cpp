@@ -6,6 +6,7 @@
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
+#include "unit/gpio_limits.h"
 #include "unit/temperature.h"
 #include "unit/unit.h"
 

@@ -9,9 +9,9 @@
 #include <vector>
 
 #include "unit/entry_outcome.h"
-#include "unit/gpio_limits.h"
 #include "unit/gpio_pins.h"
 #include "unit/gpio_rows.h"
+#include "unit/parameter.h"
 
 namespace zentaq {
 

@@ -8,9 +8,6 @@ namespace {
 
 using enum GpioRowForm;
 
-constexpr FirmwareVersion earliest = {-32768, -32768};
-constexpr FirmwareVersion latest = {32767, 32767};
-
 constexpr std::string_view noHint;
 constexpr std::string_view noWord;
 
@@ -137,19 +134,11 @@ struct RowList {
     int code;
     std::span<const GpioRow> rows;
     GpioKinds kinds = gpio_kinds::all;
-    FirmwareVersion first = earliest;
-    FirmwareVersion last = latest;
+    FirmwareSpan firmware = {};
 };
 
 constexpr GpioKinds notOrbC = gpio_kinds::all & ~gpio_kinds::orbC;
-constexpr FirmwareVersion anyBuildOf(int release) {
-    return {release, -32768};
-}
-constexpr FirmwareVersion lastBuildOf(int release) {
-    return {release, 32767};
-}
 
-// Firmware limits are those of the memory forms in gpio_image.cpp.
 constexpr std::array<RowList, 30> lists = {{
     {1, airConditioner, notOrbC},
     {1, bmwAirConditioner, gpio_kinds::orbC},
@@ -159,8 +148,8 @@ constexpr std::array<RowList, 30> lists = {{
     {5, switchAbove},
     {6, shiftLight},
     {7, converter},
-    {8, fullTableOld, gpio_kinds::all, earliest, {2, 6}},
-    {8, fullTable, gpio_kinds::all, {2, 7}, latest},
+    {8, fullTableOld, gpio_kinds::all, gpio_firmware::mainsFrequencies},
+    {8, fullTable, gpio_kinds::all, gpio_firmware::slowFrequencies},
     {9, custom},
     {10, custom},
     {11, idleOutput},
@@ -172,13 +161,13 @@ constexpr std::array<RowList, 30> lists = {{
     {17, outputTrim},
     {18, outputTrim},
     {19, nitrousRetard},
-    {20, timedOldest, gpio_kinds::all, earliest, {2, 17}},
-    {20, timedWords, gpio_kinds::all, {2, 18}, lastBuildOf(4)},
-    {20, timedNewest, gpio_kinds::all, anyBuildOf(5), latest},
+    {20, timedOldest, gpio_kinds::all, gpio_firmware::timedBytes},
+    {20, timedWords, gpio_kinds::all, gpio_firmware::timedWords},
+    {20, timedNewest, gpio_kinds::all, gpio_firmware::timedFineWords},
     {21, speedInput},
     {23, powerCut},
-    {25, boostOld, gpio_kinds::all, earliest, {4, 2}},
-    {25, boost, gpio_kinds::all, {4, 3}, latest},
+    {25, boostOld, gpio_kinds::all, gpio_firmware::boostOfTwoSpeeds},
+    {25, boost, gpio_kinds::all, gpio_firmware::boostOfFourSpeeds},
     {29, idleOutput, gpio_kinds::orbC},
     {0, nothing},
 }};
@@ -187,8 +176,8 @@ constexpr std::array<RowList, 30> lists = {{
 
 std::span<const GpioRow> gpioRowsOf(GpioKinds kind, int code, FirmwareVersion firmware) {
     for (const RowList& list : lists) {
-        if (list.code != code || (list.kinds & kind) == 0) continue;
-        if (list.first <= firmware && firmware <= list.last) return list.rows;
+        if (list.code == code && (list.kinds & kind) != 0 && list.firmware.contains(firmware))
+            return list.rows;
     }
     return nothing;
 }

@@ -4,6 +4,7 @@
 
 #include "base/number_text.h"
 #include "unit/gpio_fixture.h"
+#include "unit/gpio_limits.h"
 
 namespace zentaq::testing {
 namespace {
