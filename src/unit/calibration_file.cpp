@@ -284,7 +284,7 @@ void Unit::seedBaroTrim() {
     const auto cells = std::span(calibration().cells).subspan(static_cast<std::size_t>(first), trims.size());
     if (std::ranges::any_of(cells, [](float cell) { return cell != 0; })) return;
     for (int i = 0; const float trim : trims) put(first + i++, trim);
-    put(kind_->cells.ratio, 14.64F);
+    put(kind_->cells.ratio, rules::petrolCell);
 }
 
 // ---- Writing

@@ -291,9 +291,8 @@ void OldFileMove::tables() {
         }
         if (table.first != old::ratioTableFirst) continue;
         // A unit cannot take a ratio of 0: columns that the old table did not have get the default too.
-        constexpr float defaultRatio = 14.64F;
         for (int cell = table.cell; cell < table.cell + old::tableCells; ++cell) {
-            if (unit_.DirectIndex(cell) == 0) unit_.AssignDirectIndex(defaultRatio, cell);
+            if (unit_.DirectIndex(cell) == 0) unit_.AssignDirectIndex(rules::petrolCell, cell);
         }
     }
 }

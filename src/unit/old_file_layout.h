@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "unit/parameter.h"
+#include "unit/parameter_rules.h"
 #include "unit/unit_kind.h"
 
 namespace zentaq::old {
@@ -100,7 +100,7 @@ struct Default {
 inline constexpr std::array<Default, 6> defaults = {{{77, 1, 0},
                                                      {78, 1, 5.0F},
                                                      {147, 1, 1.0F},
-                                                     {ratioTableFirst, tableCells, 14.64F},
+                                                     {ratioTableFirst, tableCells, rules::petrolCell},
                                                      {622, 1, 12.0F},
                                                      {coolantCell, 1, 80}}};
 /// The curve of the oxygen sensor for files without one.

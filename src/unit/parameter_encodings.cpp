@@ -65,7 +65,7 @@ double ratioByte(Unit& unit, double value) {
 }
 
 double lambdaByte(Unit&, double cell) {
-    return ((14.64 / cell) - 0.5) * 255;
+    return ((petrolRatio / cell) - 0.5) * 255;
 }
 
 }  // namespace zentaq::rules

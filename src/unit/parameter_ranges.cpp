@@ -22,6 +22,10 @@ Limits limitsOf(double minimum, double maximum, std::string_view tail) {
     return {low, high, bounds(low, high, tail)};
 }
 
+Limits ratioLimits(double ratio, std::string_view tail) {
+    return limitsOf(0.667 * ratio, 2 * ratio, tail);
+}
+
 }  // namespace
 
 Limits toothOffset1(Unit& unit, int, float) {
@@ -50,21 +54,20 @@ Limits tableAdvance(Unit& unit, int, float) {
 }
 
 Limits tableRatio(Unit& unit, int, float) {
-    const double ratio = stoichiometricRatio(unit);
-    return limitsOf(ratio * 0.667, ratio + ratio, " AFR");
+    return ratioLimits(stoichiometricRatio(unit), " AFR");
 }
 
 Limits lambdaValue(Unit&, int, float value) {
     // A ratio of 0 has no reciprocal, and below this one the image has no 16 bits for it.
     constexpr double lowest = 0.12;
-    Limits limits = limitsOf(lowest, 29.28, " AFR");
+    Limits limits = limitsOf(lowest, 2 * petrolRatio, " AFR");
     if (!std::isnan(value)) limits.text = "Value: " + numberText(value) + " " + limits.text;
     return limits;
 }
 
 Limits ratioStop(Unit& unit) {
     const double ratio = stoichiometricRatio(unit);
-    return limitsOf(0.667 * ratio, 2 * ratio, ratio == 1 ? " lambda" : " AFR");
+    return ratioLimits(ratio, ratio == 1 ? " lambda" : " AFR");
 }
 
 Limits pressure(Unit& unit, int, float) {

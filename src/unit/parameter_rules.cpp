@@ -75,8 +75,8 @@ float mapBar(Unit& unit) {
 }
 
 float stoichiometricRatio(Unit& unit) {
-    if (!unit.kind().hasCalibration) return 14.64F;
-    if (unit.DirectIndex(cellsOf(unit).ratio) == 0) unit.AssignDirectIndex(14.64F, cellsOf(unit).ratio);
+    if (!unit.kind().hasCalibration) return petrolCell;
+    if (unit.DirectIndex(cellsOf(unit).ratio) == 0) unit.AssignDirectIndex(petrolCell, cellsOf(unit).ratio);
     return unit.DirectIndex(cellsOf(unit).ratio);
 }
 

@@ -6,6 +6,11 @@
 
 namespace zentaq::rules {
 
+/// The ratio at which petrol burns whole. A calibration without a ratio of its own has it, and the image of
+/// the sensor curve is made on it whatever the fuel.
+inline constexpr double petrolRatio = 14.64;
+inline constexpr float petrolCell = static_cast<float>(petrolRatio);
+
 // ---- Values that other rules build on, whatever IndexPolling says.
 float mapBar(Unit& unit);               ///< repairs the cells of the rating when they are 0
 float stoichiometricRatio(Unit& unit);  ///< repairs its cell when it is 0

@@ -1,3 +1,4 @@
+#include "unit/parameter_rules.h"
 #include "unit/parameter_tables.h"
 #include "unit/unit.h"
 
@@ -9,9 +10,6 @@ namespace {
 template <int whole>
 float answer(Unit&, const Parameter&, int) {
     return static_cast<float>(whole);
-}
-float stoichiometric(Unit&, const Parameter&, int) {
-    return 14.64F;
 }
 float highest(Unit& unit, const Parameter&, int) {
     return unit.MAPMax();
@@ -29,7 +27,7 @@ constexpr Parameter table[] = {
     {.name = "MaxDuty", .readOnly = true, .read = answer<255>},
     {.name = "Engine_Type", .readOnly = true, .read = answer<0>},
     {.name = "PHDSEQ", .readOnly = true, .read = answer<1>},
-    {.name = "AFR", .readOnly = true, .read = stoichiometric},
+    {.name = "AFR", .readOnly = true, .read = rules::readStoichiometric},
 };
 
 }  // namespace

@@ -308,7 +308,7 @@ constexpr Parameter table[] = {
      .meaning = "Closed loop starts above this coolant temperature"},
     {.name = "EGO_RPML", .index = 282, .range = between(0, 11000), .rangeText = "(0 to 11000 RPM)",
      .image = over(64), .unit = "RPM", .meaning = "Closed loop starts above this engine speed"},
-    // kept: a record takes the fuel's own ratio, the image 14.64
+    // kept: a record takes the fuel's own ratio, the image petrol's
     {.name = "Y", .index = 283, .count = 10, .range = lambdaValue, .image = by(lambdaByte),
      .sending = Sending::Own, .onTheFly = byEntry(ratioByte), .unit = "AFR",
      .meaning = "Ratio of the EGO sensor curve"},

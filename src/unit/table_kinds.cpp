@@ -6,6 +6,7 @@
 #include "base/number_text.h"
 #include "unit/member_index.h"
 #include "unit/parameter_names.h"
+#include "unit/parameter_rules.h"
 
 namespace zentaq {
 
@@ -15,11 +16,12 @@ constexpr int mainSizes = 2292;
 constexpr int mainAxes = 2290;  ///< not looked at: it is that of the first output table
 constexpr std::size_t mainCount = 4;
 
-/// Kept: the text and the ends are a hair wider than what a cell takes.
+/// kept: two thirds and twice the fuel's ratio by way of petrol's, where a cell takes 0.667 of it. Text and
+/// ends are a hair wider; what lies between is refused by the cell behind.
 Limits typedRatios(Unit& unit) {
-    const double share = static_cast<double>(unit.get("AFR")) / 14.64;
+    const double share = static_cast<double>(unit.get("AFR")) / rules::petrolRatio;
     const auto low = static_cast<float>(share * 9.76);
-    const auto high = static_cast<float>(share * 29.28);
+    const auto high = static_cast<float>(share * (2 * rules::petrolRatio));
     return {low, high, "(" + numberText(low) + " to " + numberText(high) + " AFR)"};
 }
 
