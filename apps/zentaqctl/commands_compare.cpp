@@ -16,7 +16,6 @@
 #include "unit/file_kind.h"
 #include "unit/file_lock.h"
 #include "unit/gpio_model.h"
-#include "unit/safe_file.h"
 
 namespace zentaq::ctl {
 

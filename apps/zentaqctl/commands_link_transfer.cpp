@@ -14,7 +14,6 @@
 #include "base/file_type.h"
 #include "base/message_codes.h"
 #include "base/number_text.h"
-#include "base/text.h"
 #include "base/warning_texts.h"
 #include "commands_link.h"
 #include "link_desk.h"

@@ -9,7 +9,6 @@
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "base/shown_text.h"
-#include "base/text.h"
 #include "commands.h"
 #include "config/basic_figures.h"
 #include "config/model_list.h"

@@ -8,7 +8,6 @@
 #include "base/errors.h"
 #include "base/message_codes.h"
 #include "base/number_text.h"
-#include "base/rounding.h"
 #include "base/shown_text.h"
 #include "base/text.h"
 #include "config/basic_figures.h"

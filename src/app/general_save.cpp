@@ -6,7 +6,6 @@
 #include "base/errors.h"
 #include "base/message_codes.h"
 #include "config/basic_figures.h"
-#include "unit/file_kind.h"
 
 namespace zentaq {
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "link/link_commands.h"
-#include "link/reply_decoding.h"
 #include "unit/unit_kind.h"
 
 namespace zentaq {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "link/link_news.h"
-#include "link/reply_decoding.h"
 #include "unit/unit.h"
 
 namespace zentaq {

@@ -7,7 +7,6 @@
 
 #include "base/errors.h"
 #include "base/number_text.h"
-#include "base/rounding.h"
 #include "base/text.h"
 #include "unit/member_index.h"
 
