@@ -30,6 +30,10 @@ const OptionRow& rowOf(std::string_view control) {
     throw BoundsError("No option " + std::string(control));
 }
 
+std::string designOf(const OptionRow& row) {
+    return row.kind == FieldKind::Slider ? numberText(row.most) : std::string(row.design);
+}
+
 float entryOf(std::string_view text) {
     return static_cast<float>(std::clamp(numberOf(text), -hugeEntry, hugeEntry));
 }
@@ -107,7 +111,7 @@ void Options::loadRow(const OptionRow& row) {
     seen_[std::string(row.key)] = text;
     const auto number = parseNumber(text);
     // No number where one is needed leaves the control at its design value.
-    shown = number ? shownNumber(row, *number) : std::string(row.design);
+    shown = number ? shownNumber(row, *number) : designOf(row);
     if (row.kind == FieldKind::Port) loadPort();
     // Every value but "0" means Fahrenheit wherever a temperature is shown, none at all included.
     if (row.control == "chkTemperature") shown = session_.fahrenheit() ? "1" : "0";
@@ -130,7 +134,7 @@ std::string Options::shownNumber(const OptionRow& row, double number) const {
         case FieldKind::Port:
             return number >= 1 && number <= 255 ? numberText(toInt16(number)) : std::string(row.design);
         case FieldKind::Slider: {
-            if (!(number > 0)) return std::string(row.design);
+            if (!(number > 0)) return designOf(row);
             const double rate = std::clamp<double>(number, row.least, row.most);
             return numberText(toInt16(rate));
         }

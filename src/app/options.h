@@ -12,6 +12,7 @@
 #include "app/session.h"
 #include "app/unit_commands.h"
 #include "base/field.h"
+#include "link/poller.h"
 
 namespace zentaq {
 
@@ -58,7 +59,7 @@ struct OptionRow {
     OptionPage page = OptionPage::Communications;
     FieldKind kind = FieldKind::Check;
     std::string_view key;     ///< in section "System"; empty: no setting
-    std::string_view design;  ///< shown when the store holds nothing or an odd text
+    std::string_view design;  ///< shown when the store holds nothing or an odd text; a slider shows its end
     Stored stored = Stored::OnApply;
     int turn = lastTurn;      ///< of its storing in an Apply; rows of one turn in the table's order
     std::string_view help;    ///< key of its fast help
@@ -72,9 +73,10 @@ struct OptionRow {
     Applied applied{};            ///< behind the storing, in its own turn
 };
 
-/// Updates a second that the slider can yield; it cannot yield 0.
+/// Updates a second that the slider can yield; it cannot yield 0. The fastest is also what an empty setting
+/// gives.
 inline constexpr int slowestUpdateRate = 1;
-inline constexpr int fastestUpdateRate = 125;
+inline constexpr int fastestUpdateRate = 1000 / defaultPollIntervalMs;
 
 std::span<const OptionPageRow> optionPages();
 std::span<const OptionGroupRow> optionGroups();

@@ -166,8 +166,7 @@ constexpr OptionRow table[] = {
      .tip = "A bright screen for daylight. Stored at once; a monitor session follows with Apply, and the "
          "next start.", .words = "bright light white colours theme background brightness sun"},
     {.control = "sldDashAdjust", .caption = "Ad&justable Dashboard Update Rate",
-     .page = OptionPage::Dashboard, .kind = Slider, .key = settings::ADUR, .design = "125",
-     // what an empty setting gives: one update in 8 ms
+     .page = OptionPage::Dashboard, .kind = Slider, .key = settings::ADUR,
      .stored = Stored::AtOnce, .help = "helpoptdash",
      .tip = "How often a second the unit is asked for its values. Lower it when the link cannot keep up.",
      .words = "speed polling refresh frames second", .beside = "lblADUR", .least = slowestUpdateRate,
