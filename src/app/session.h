@@ -88,7 +88,6 @@ class Session : public UnitHost, public LinkTeller {
     int FileFilterIndex = 1;
     std::string LogFile;
     std::string DatabaseFile;
-    std::string HelpFile;
     int TableColorMode = 0;
     std::array<int, slotCount> FW_ReleaseTable{};
     std::array<int, slotCount> FW_BuildTable{};

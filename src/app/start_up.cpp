@@ -79,7 +79,6 @@ void Kernel::setUpEnvironment() {
     resumeNext_.statement([&] { session_.makeUnits(); });
     resumeNext_.statement([&] { session_.windows().tell(&WindowNews::makeGraphPools); });
     clearRunState();
-    resumeNext_.statement([&] { session_.HelpFile = session_.applicationFolder() + "/support/MAIN.hlp"; });
     session_.FileFilterIndex = 1;
     for (const UnitKind& kind : unitKinds()) {
         session_.FW_ReleaseTable[static_cast<std::size_t>(kind.slot)] = kind.defaultRelease;

@@ -35,10 +35,6 @@ class Poller {
     void tick();
     static constexpr int mostIdleTicks = 200;
 
-    int ConnectCount() const { return connectCount_; }
-    int GPIOCount() const { return gpioCount_; }
-    int CodeCount() const { return codeCount_; }
-
  private:
     void searchUnit();
     void pollUnit();

@@ -20,6 +20,7 @@ struct PulseScale {
     bool internalLog = false;  ///< the value is kept in the coarse scale whatever the unit
 };
 
+/// kept: `KPAtoUnit` and `UAP` belong to the class as windows know it, whether one asks for them or not.
 /// The scaling members hold no state and may be called without an object. All throw Overflow when the result
 /// is no finite number, for example with a sensor of scale 0. Bytes are 0 to 255; `word` members take the
 /// high byte first.

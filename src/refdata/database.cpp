@@ -461,14 +461,4 @@ void Database::storeConfig(const ConfigRow& config) {
     });
 }
 
-void Database::clearDatalog() {
-    handle_->requireWritable();
-    guarded(handle_->path, [&] { change(handle_->file, "DELETE FROM Datalog"); });
-}
-
-void Database::clearDatalog2() {
-    handle_->requireWritable();
-    guarded(handle_->path, [&] { change(handle_->file, "DELETE FROM Datalog2"); });
-}
-
 }  // namespace zentaq

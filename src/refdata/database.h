@@ -153,11 +153,6 @@ class Database {
     /// Remembers the kind and model of a file: its row is updated, or added if there is none.
     void storeConfig(const ConfigRow& config);
 
-    /// Empties table Datalog, the oldest log format.
-    void clearDatalog();
-    /// Empties table Datalog2, the newer log formats.
-    void clearDatalog2();
-
  private:
     explicit Database(std::unique_ptr<Handle> handle);
     std::unique_ptr<Handle> handle_;

@@ -108,6 +108,7 @@ EntryOutcome Unit::Set_GPIO_Table(int table, int index, float value) {
     return {};
 }
 
+// kept: the name by which a window asks for the table of a pin.
 int Unit::Get_GPO_TblNum(int pin) const {
     return kind_->hasCalibration ? toInt16(static_cast<double>(Get_GPIO_Param(pin, 0))) : 0;
 }

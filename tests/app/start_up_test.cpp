@@ -372,8 +372,6 @@ TEST_F(StartUp, KnowsItsFilesByTheApplicationFolder) {
     kernel.load();
     EXPECT_EQ(session.LogFile, fake.folder.path("zentaq.log"));
     EXPECT_EQ(session.DatabaseFile, fake.folder.path("bin/data/zentaq410-02.pak"));
-    EXPECT_EQ(session.HelpFile, fake.folder.path("support/MAIN.hlp"));
-    EXPECT_FALSE(std::filesystem::exists(fake.folder.path("support"))) << "no folder is made";
 }
 
 TEST_F(StartUp, BeginsWithoutACalibration) {

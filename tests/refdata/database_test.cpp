@@ -297,17 +297,5 @@ TEST_F(DatabaseTest, AFileIsRememberedOnceAndUpdated) {
     EXPECT_FALSE(database.config("/home/pat/Pat's car/STREET.ZQ4OA")) << "paths are compared exactly";
 }
 
-TEST_F(DatabaseTest, EachScratchTableIsEmptiedOnItsOwn) {
-    OtherProgram other(path);
-    other.run("INSERT INTO Datalog (Seconds, RPM) VALUES (0.1, 900), (0.2, 910)");
-    other.run("INSERT INTO Datalog2 (Frame, RPM) VALUES (1, 900), (2, 910), (3, 920)");
-    Database database = open();
-    database.clearDatalog();
-    EXPECT_EQ(other.count("SELECT count(*) FROM Datalog"), 0);
-    EXPECT_EQ(other.count("SELECT count(*) FROM Datalog2"), 3);
-    database.clearDatalog2();
-    EXPECT_EQ(other.count("SELECT count(*) FROM Datalog2"), 0);
-}
-
 }  // namespace
 }  // namespace zentaq::refdata
