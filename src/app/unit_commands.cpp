@@ -164,7 +164,7 @@ void UnitCommands::loadCommand(int code) {
     if (code == 2) {
         if (refusedByTransfer(session_) || refusedBySearch(session_)) return;  // it opens the port anew
         session_.Monitoring = true;
-        skipFailing([&] { session_.AutoMonitoring = session_.settingNumber("AutoMonitor") == 1; });
+        skipFailing([&] { session_.AutoMonitoring = session_.settingNumber(settings::AutoMonitor) == 1; });
         // A port that is answering stays as it is: what is in flight there would be lost.
         const bool answering = session_.platform().port.isOpen() && session_.link.linked().UnitFound;
         if (!answering) session_.link.ORB_Initialize();

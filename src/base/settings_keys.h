@@ -22,7 +22,6 @@ inline constexpr const char* NeedleColor = "NeedleColor";  ///< red + 256 * gree
 inline constexpr const char* DashLights = "DashLights";    ///< a color as above
 /// Dashboard updates a second; the timer's interval is 1000 / value ms.
 inline constexpr const char* ADUR = "ADUR";
-inline constexpr const char* Graphs = "Graphs";      ///< 1: dock 2D graphs in the lower part of the screen
 inline constexpr const char* FileOpen = "FileOpen";  ///< 1: offer the file open prompt at start
 inline constexpr const char* Print =
     "Print";  ///< toolbar print button; 0: the current form, 1: the calibration

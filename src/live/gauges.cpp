@@ -32,7 +32,7 @@ bool reaches(float celsius, std::optional<float> alarm) {
 }  // namespace
 
 DashboardSettings DashboardSettings::from(const SettingsStore& store) {
-    return {threshold(store, "CLTAlarmValue"), threshold(store, "MATAlarmValue"),
+    return {threshold(store, settings::CLTAlarmValue), threshold(store, settings::MATAlarmValue),
             store.get(settings::system, settings::TemperatureToggle) != "0"};
 }
 

@@ -6,13 +6,12 @@
 #include <optional>
 
 #include "base/errors.h"
+#include "base/settings_keys.h"
 #include "qt/screen_fit.h"
 
 namespace zentaq {
 
 namespace {
-
-constexpr auto placeSection = "Forms";
 
 /// No screen is wider or stands farther off; a larger number in the store is damage.
 constexpr int farthest = 100'000;
@@ -72,7 +71,7 @@ QList<QRect> roomFor(const QWidget& window) {
 }  // namespace
 
 bool restorePlacement(QWidget& window, const SettingsStore& settings) {
-    const std::string stored = settings.get(placeSection, window.objectName().toStdString());
+    const std::string stored = settings.get(settings::forms, window.objectName().toStdString());
     const std::optional<Place> place = placeOf(QString::fromStdString(stored));
     if (!place) return false;
     window.setGeometry(fittedOnScreens(place->normal, roomFor(window)));
@@ -87,8 +86,9 @@ void storePlacement(const QWidget& window, SettingsStore& settings) {
         !(window.windowState() & (Qt::WindowMaximized | Qt::WindowMinimized | Qt::WindowFullScreen));
     const QRect beneath = window.normalGeometry();
     const Place place{normal || beneath.isEmpty() ? window.geometry() : beneath, window.isMaximized()};
-    skipFailing(
-        [&] { settings.set(placeSection, window.objectName().toStdString(), textOf(place).toStdString()); });
+    skipFailing([&] {
+        settings.set(settings::forms, window.objectName().toStdString(), textOf(place).toStdString());
+    });
 }
 
 void centreForm(QWidget& form, const QWidget& frame) {

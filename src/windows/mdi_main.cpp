@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "base/errors.h"
+#include "base/settings_keys.h"
 #include "base/text.h"
 #include "qt/icons.h"
 #include "qt/look.h"
@@ -28,7 +29,6 @@ namespace {
 /// It waits for nothing.
 constexpr std::string_view killEngine = "mnuMonitor_KillEngine";
 
-constexpr auto placeSection = "Forms";
 constexpr auto splitKey = "splCentre";
 
 /// The instruments' share of the frame's height before the user has moved the splitter.
@@ -168,7 +168,7 @@ void MdiMain::putAbove(QWidget& window) {
     centre()->insertWidget(0, &window);
     centre_->setStretchFactor(0, 0);
     centre_->setStretchFactor(1, 1);
-    const std::string stored = session_.settings().get(placeSection, splitKey);
+    const std::string stored = session_.settings().get(settings::forms, splitKey);
     if (!stored.empty() && centre_->restoreState(QByteArray::fromBase64(QByteArray::fromStdString(stored)))) {
         return;
     }
@@ -180,7 +180,7 @@ void MdiMain::closeNow() {
     closing_ = true;
     if (centre_ != nullptr) {
         skipFailing([&] {
-            session_.settings().set(placeSection, splitKey, centre_->saveState().toBase64().toStdString());
+            session_.settings().set(settings::forms, splitKey, centre_->saveState().toBase64().toStdString());
         });
     }
     storePlacement(*this, session_.settings());
