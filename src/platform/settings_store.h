@@ -1,9 +1,7 @@
 // Per-user preferences: texts by section and key. A key never written reads as the default passed.
 #pragma once
 
-#include <map>
 #include <string>
-#include <utility>
 
 namespace zentaq {
 
@@ -13,22 +11,6 @@ class SettingsStore {
     virtual std::string get(const std::string& section, const std::string& key,
                             const std::string& fallback = {}) const = 0;
     virtual void set(const std::string& section, const std::string& key, const std::string& value) = 0;
-};
-
-/// Settings that live as long as the object.
-class MemorySettings : public SettingsStore {
- public:
-    std::string get(const std::string& section, const std::string& key,
-                    const std::string& fallback = {}) const override {
-        const auto found = values_.find({section, key});
-        return found == values_.end() ? fallback : found->second;
-    }
-    void set(const std::string& section, const std::string& key, const std::string& value) override {
-        values_[{section, key}] = value;
-    }
-
- private:
-    std::map<std::pair<std::string, std::string>, std::string> values_;
 };
 
 }  // namespace zentaq

@@ -5,6 +5,8 @@
 
 #include <set>
 
+#include "testing/memory_settings.h"
+
 namespace zentaq {
 namespace {
 

@@ -13,11 +13,11 @@
 #include "platform/clock.h"
 #include "platform/dialogs.h"
 #include "platform/serial_port.h"
-#include "platform/settings_store.h"
 #include "platform/ticker.h"
 #include "platform/yield.h"
 #include "refdata/seed_builder.h"
 #include "temporary_folder.h"
+#include "testing/memory_settings.h"
 
 namespace zentaq {
 

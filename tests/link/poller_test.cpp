@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "link/link_bench.h"
+#include "testing/memory_settings.h"
 
 namespace zentaq {
 namespace {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "live/calibration_fixture.h"
+#include "testing/memory_settings.h"
 
 namespace zentaq {
 namespace {

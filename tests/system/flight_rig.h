@@ -23,6 +23,7 @@
 #include "qt/qt_clock.h"
 #include "qt/qt_ticker.h"
 #include "qt/qt_yield.h"
+#include "testing/memory_settings.h"
 #include "unit/file_writer.h"
 #include "windows/window_manager.h"
 

@@ -11,6 +11,7 @@
 
 #include "qt/look.h"
 #include "temporary_folder.h"
+#include "testing/memory_settings.h"
 #include "windows/key_press.h"
 
 namespace zentaq {

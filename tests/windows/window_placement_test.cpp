@@ -7,6 +7,7 @@
 
 #include "base/errors.h"
 #include "qt/screen_fit.h"
+#include "testing/memory_settings.h"
 
 namespace zentaq {
 namespace {
