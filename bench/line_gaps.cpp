@@ -18,7 +18,6 @@
 #include <random>
 #include <thread>
 
-#include "config/quiet_host.h"
 #include "headless/headless_session.h"
 #include "link/link.h"
 #include "link/recording_link_host.h"
@@ -28,6 +27,7 @@
 #include "qt/qt_clock.h"
 #include "qt/qt_ticker.h"
 #include "qt/qt_yield.h"
+#include "unit/quiet_host.h"
 #include "windows/timed_unit.h"
 
 namespace {

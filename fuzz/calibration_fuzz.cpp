@@ -27,7 +27,7 @@ Surroundings surroundingsOf(std::uint8_t byte) {
 /// The program around a calibration: nothing on the link, or a unit that has told its firmware.
 void tellFirmware(const Surroundings& around, Unit& unit, FuzzHost& host) {
     if (!around.linked) return;
-    unit.FW_Release(around.oldUnit ? 2 : unit.kind().defaultRelease);
+    unit.FW_Release(around.oldUnit ? 2 : unit.kind().expected.release);
     unit.FW_Build(10);
     host.firmwareIsKnownFromLink = true;
 }

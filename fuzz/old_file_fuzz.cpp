@@ -50,7 +50,7 @@ void run(std::uint8_t byte, std::string_view content) {
     OldFileHost host((byte & 4U) != 0);
     Unit unit(kind, host);
     if (linked) {
-        unit.FW_Release((byte & 16U) != 0 ? 2 : kind.defaultRelease);
+        unit.FW_Release((byte & 16U) != 0 ? 2 : kind.expected.release);
         host.firmwareIsKnownFromLink = true;
     }
     unit.AssignDirectIndex(77, 40);

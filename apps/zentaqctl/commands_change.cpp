@@ -29,7 +29,7 @@ float cellNumber(const std::string& value) {
 /// A file that tells no release has its injectors as they are: nobody knows what they were made for.
 void noteUnknownRelease(const Context& context, QuietCalibration& calibration, const std::string& file) {
     constexpr float firstRelease = 1000;
-    if (calibration.host.header().firmwareCode >= firstRelease || !calibration.unit.has("scale1")) return;
+    if (calibration.unit.facts().firmwareCode >= firstRelease || !calibration.unit.has("scale1")) return;
     context.notes << file
                   << " does not tell the firmware that it was made for: its injector scaling is taken "
                   << "as it stands\n";

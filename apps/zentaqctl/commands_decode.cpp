@@ -89,7 +89,7 @@ Findings firmware(const UnitKind& kind, const Bytes& bytes) {
 }
 
 Findings configuration(const Unit& unit, const Bytes& bytes) {
-    const auto pic18 = decodePic18(bytes, unit.kind(), {unit.FW_Release(), unit.FW_Build()});
+    const auto pic18 = decodePic18(bytes, unit.kind(), unit.firmware());
     return pic18 ? Findings{{"hasPIC18", *pic18}} : Findings{};
 }
 
@@ -190,8 +190,8 @@ std::unique_ptr<QuietCalibration> scalingFor(const Context& context, const UnitK
     }
     const UnitKind& chosen = kind == nullptr ? orbaKind() : *kind;
     auto calibration = std::make_unique<QuietCalibration>(chosen, context.database);
-    calibration->unit.FW_Build(chosen.defaultBuild);
-    calibration->unit.FW_Release(chosen.defaultRelease);
+    calibration->unit.FW_Build(chosen.expected.build);
+    calibration->unit.FW_Release(chosen.expected.release);
     storeDashboardDefaults(calibration->unit);
     return calibration;
 }

@@ -43,7 +43,7 @@ std::vector<std::string> codesOf(const Unit& unit) {
 /// A command that is answered by yes or no, and the line that tells of it.
 void ask(const Context& context, const std::string& port, std::string_view command, const std::string& what,
          const std::string& answer) {
-    QuietHost host(context.database);
+    DatabaseHost host(context.database);
     LinkDesk desk(context, port, host);
     desk.findUnit();
     desk.require(desk.session().command(command), what);
@@ -75,7 +75,7 @@ void listPorts(const Context& context) {
 }
 
 void identify(const Context& context, const std::string& port) {
-    QuietHost host(context.database);
+    DatabaseHost host(context.database);
     LinkDesk desk(context, port, host);
     desk.findAnyUnit();
     if (context.json) return writeIdentity(context, desk);
@@ -101,7 +101,7 @@ void kill(const Context& context, const std::string& port) {
 
 void codes(const Context& context, const std::string& port, bool clear) {
     if (clear) return ask(context, port, "A", "clear its codes", "CheckEngine Codes Successfully Cleared.");
-    QuietHost host(context.database);
+    DatabaseHost host(context.database);
     LinkDesk desk(context, port, host);
     desk.findUnit();
     desk.require(desk.session().readCodes(), "tell its codes");

@@ -135,7 +135,7 @@ TransferReport upgrade(LinkDesk& desk, const std::string& file, const std::strin
 void firmware(const Context& context, const std::string& port, const FirmwareWish& wish) {
     const std::string text = checkedFile(wish.file);
     if (!wish.confirmed) askFirst(context);
-    QuietHost host(context.database);
+    DatabaseHost host(context.database);
     LinkDesk desk(context, port, host);
     const Target unit = unitForFirmware(desk, wish);
     if (desk.link().linked().LinkedUnitKind != 0) desk.requireSameUnit();

@@ -150,7 +150,7 @@ void monitor(const Context& context, const std::string& port, const MonitorWish&
         calibration->unit.BinFile(wish.calibration);
         calibration->host.firmwareKnown(true);
     }
-    QuietHost host(context.database);
+    DatabaseHost host(context.database);
     LinkDesk desk(context, port, host, calibration ? &calibration->unit : nullptr);
     desk.findUnit();
     Unit& unit = desk.session().linkedUnit();

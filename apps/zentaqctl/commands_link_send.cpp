@@ -80,7 +80,7 @@ void send(const Context& context, const std::string& port, const SendWish& wish)
         calibration = openCalibration(context, wish.calibration, CutFile::Refused);
         memberToSend(calibration->unit.kind(), wish);  // before anything is asked of a unit
     }
-    QuietHost host(context.database);
+    DatabaseHost host(context.database);
     LinkDesk desk(context, port, host);
     desk.findUnit();
     const Unit& linked = desk.session().linkedUnit();

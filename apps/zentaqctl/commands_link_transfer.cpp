@@ -54,26 +54,18 @@ class ScratchFolder {
     std::string path_;
 };
 
-/// Surroundings whose image file comes into a folder of its own, so that two runs never share one.
-class LinkingHost : public QuietHost {
- public:
-    using QuietHost::QuietHost;
-    std::string applicationFolder() const override { return scratch_.path(); }
-
- private:
-    ScratchFolder scratch_;
-};
-
 /// A calibration file in hand, as if it were open when the unit comes.
 struct CalibrationInHand {
     CalibrationInHand(const Context& context, const std::string& file, CutFile cut)
         : host(context.database), unit(openCalibration(context, file, cut)->unit.kind(), host) {
+        host.applicationFolder(scratch.path());
         unit.FileOpen(file);
         unit.BinFile(file);  // the unit keeps the name of the file
         host.header().currentUnit = static_cast<float>(unit.kind().slot);
         host.firmwareKnown(true);  // that of the unit, once it is on the link
     }
-    LinkingHost host;
+    ScratchFolder scratch;  ///< for the image: two runs never share one
+    DatabaseHost host;
     Unit unit;
 };
 
@@ -181,7 +173,7 @@ void datalog(const Context& context, const std::string& port, const std::string&
     refuseSameFile(output, file);
     std::unique_ptr<CalibrationInHand> calibration;
     if (!file.empty()) calibration = std::make_unique<CalibrationInHand>(context, file, CutFile::Told);
-    QuietHost host(context.database);
+    DatabaseHost host(context.database);
     LinkDesk desk(context, port, host, calibration ? &calibration->unit : nullptr);
     desk.findUnit();
     if (calibration) desk.requireKind(calibration->unit.kind());

@@ -17,7 +17,7 @@ namespace {
 
 /// What `info` tells of a file.
 struct FileFacts {
-    const FileHeader& header;
+    float kind;
     Unit& unit;
     std::uintmax_t bytes;
 
@@ -32,16 +32,16 @@ struct FileFacts {
         if (floats() >= whole) return {};
         return " of " + numberText(whole) + "; the others read as 0";
     }
-    std::string version() const { return formatNumber(header.programVersion, "#0.##"); }
+    std::string version() const { return formatNumber(unit.facts().programVersion, "#0.##"); }
     std::string name() const { return std::string(trimmed(unit.BiName())); }
 };
 
 void writeText(std::ostream& out, const FileFacts& facts) {
-    out << "Kind:     " << numberText(facts.header.currentUnit) << '\n'
+    out << "Kind:     " << numberText(facts.kind) << '\n'
         << "Model:    " << facts.unit.kind().model << '\n'
         << "Version:  " << facts.version() << '\n'
-        << "Firmware: " << numberText(facts.header.firmwareCode) << " (release " << facts.unit.FW_Release()
-        << ", build " << facts.unit.FW_Build() << ")\n"
+        << "Firmware: " << numberText(facts.unit.facts().firmwareCode) << " (release "
+        << facts.unit.FW_Release() << ", build " << facts.unit.FW_Build() << ")\n"
         << "Name:     " << shownLine(facts.name()) << '\n'
         << "Floats:   " << facts.floats() << facts.shortness() << '\n'
         << "Bytes:    " << facts.bytes << '\n'
@@ -50,9 +50,9 @@ void writeText(std::ostream& out, const FileFacts& facts) {
 
 void writeJson(std::ostream& out, const std::string& file, const FileFacts& facts) {
     JsonWriter json(out);
-    json.beginObject().member("file", file).member("kind", facts.header.currentUnit);
+    json.beginObject().member("file", file).member("kind", facts.kind);
     json.member("model", facts.unit.kind().model).member("version", facts.version());
-    json.member("firmwareCode", facts.header.firmwareCode).member("release", facts.unit.FW_Release());
+    json.member("firmwareCode", facts.unit.facts().firmwareCode).member("release", facts.unit.FW_Release());
     json.member("build", facts.unit.FW_Build()).member("name", facts.name());
     json.member("floats", facts.floats()).member("bytes", static_cast<int>(facts.bytes));
     json.member("notes", facts.unit.NOTES_TEXT()).endObject();
@@ -156,7 +156,7 @@ void info(const Context& context, const std::string& file) {
     std::error_code error;
     const auto length = std::filesystem::file_size(file, error);
     if (error) throw FileError("Cannot read " + file + ": " + error.message());
-    const FileFacts facts{calibration->host.header(), calibration->unit, length};
+    const FileFacts facts{calibration->host.header().currentUnit, calibration->unit, length};
     if (context.json) {
         writeJson(context.out, file, facts);
     } else {

@@ -54,7 +54,7 @@ void refuseStandardOutput(const std::string& file) {
 std::unique_ptr<QuietCalibration> openCalibration(const Context& context, const std::string& file,
                                                   CutFile cut) {
     auto calibration = readCalibration(context, file);
-    const int cells = calibration->host.header().cellsCutOff;
+    const int cells = calibration->unit.facts().cellsCutOff;
     if (cells > 0 && cut == CutFile::Refused && !context.force) {
         throw Failure(cutFileRefusal(file, calibration->unit.kind(), cells));
     }

@@ -8,8 +8,8 @@
 
 #include "base/errors.h"
 #include "base/file_reader.h"
+#include "config/database_host.h"
 #include "config/quiet_calibration.h"
-#include "config/quiet_host.h"
 #include "unit/file_lock.h"
 
 namespace zentaq::ctl {

@@ -169,7 +169,7 @@ void addTexts(std::vector<Member>& members, const UnitKind& kind) {
                                refuseLonger("BiName", value, nameLength);
                                refuseOddCharacters(value);
                                calibration.unit.BiName(value);
-                               calibration.host.inform(nameStaysText);
+                               calibration.host.tell(nameStaysText);
                            }});
     members.push_back({.name = "NOTES_TEXT",
                        .cell = kind.cells.notes,

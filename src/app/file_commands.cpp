@@ -154,7 +154,7 @@ FileCommands::Next FileCommands::openOlder(const std::string& path, std::uintmax
 FileCommands::Outcome FileCommands::read(int slot, const std::function<void(Unit&)>& file, std::string& why) {
     // The former calibration stays in hand until the new one has been read whole. Reading lets events in: a
     // unit that comes meanwhile may take either of them to the other slot of its class.
-    const FileHeader former = session_.header();
+    const bool hadFormer = session_.slotInHand() != 0;
     const Unit& formerUnit = session_.currentUnitObject();
     Outcome outcome = Outcome::Whole;
     session_.retryReference();
@@ -180,10 +180,7 @@ FileCommands::Outcome FileCommands::read(int slot, const std::function<void(Unit
         session_.paintMemory.erase();  // behind the last frame that came while the file was read
         // A table of one kind does not stand over the calibration of another, which may lack it.
         const bool otherKind = &formerUnit != &session_.currentUnitObject();
-        if (former.currentUnit != 0 && otherKind) session_.windows().removeForms();
-    } else {
-        session_.header() = former;
-        if (former.currentUnit != 0) session_.CurrentUnit(static_cast<float>(formerUnit.kind().slot));
+        if (hadFormer && otherKind) session_.windows().removeForms();
     }
     session_.followLinkedKind();
     return outcome;
@@ -252,9 +249,7 @@ void FileCommands::finishOpening(const std::string& path) {
     Unit& unit = session_.currentUnitObject();
     unit.BinFile(path);
     repairOldFields();
-    const LinkedUnit& linked = session_.link.linked();
-    const auto matches = [&] { return linked.LinkedUnitKind == session_.slotInHand(); };
-    if (linked.LinkedUnitKind != 0 && !matches()) {
+    if (session_.link.linked().LinkedUnitKind != 0 && !session_.link.kindInHand()) {
         session_.dialogs().show(
             {"Unit Type Mismatch",
              "This calibration file is for a different system than that connected.\n"
@@ -268,9 +263,9 @@ void FileCommands::finishOpening(const std::string& path) {
     if (!isOldFileName(path)) noteShortFile(path);
     session_.DataModified = false;
     // The box lets units come and go.
-    if (matches() && session_.Monitoring) session_.applyMonitorMode();
+    if (session_.link.kindInHand() && session_.Monitoring) session_.applyMonitorMode();
     // A unit that was identified before the file came takes changes from now on.
-    session_.initializeOnFly(matches() && linked.UnitIdentified);
+    session_.initializeOnFly(session_.link.unitAgrees());
     session_.windows().tell(&WindowNews::setupNodes);
     // Asked with each opening until the sensor stands in the database.
     skipFailing([&] { matchSensor(session_); });
@@ -291,7 +286,7 @@ void FileCommands::noteShortFile(const std::string& path) {
 }
 
 void FileCommands::tellCutFile(const std::string& path) {
-    const int cells = session_.header().cellsCutOff;
+    const int cells = session_.currentUnitObject().facts().cellsCutOff;
     if (cells == 0) return;
     session_.dialogs().show({"Damaged File",
                              "FILE POSSIBLY CORRUPT:   " + fileNameOf(path) + "\n" +
@@ -312,12 +307,8 @@ void FileCommands::finishClosing() {
     session_.windows().removeForms();
     session_.initializeOnFly(false);
     session_.currentUnitObject().CloseFile();
-    session_.CurrentUnit(0);
+    session_.fileInHand() = {.FileFilterIndex = session_.FileFilterIndex};
     session_.paintMemory.erase();
-    session_.header().fileState.clear();
-    session_.CurrentFile.clear();
-    session_.fileHolds.reset();
-    session_.DataModified = false;
     session_.windows().tell(&WindowNews::titleChanged, "");
     session_.windows().tell(&WindowNews::setupNodes);
     session_.windows().tell(&WindowNews::showStartTab);

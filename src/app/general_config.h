@@ -66,15 +66,9 @@ class GeneralConfig {
         /// Before the first change of an object.
         void keep(const Unit& unit) { calibrations.try_emplace(unit.kind().slot, unit.calibration()); }
 
-        FileHeader header;
-        std::string currentFile;
-        std::optional<std::string> fileHolds;
-        int fileFilterIndex;
-        bool dataModified;
+        FileInHand file;
         bool onTheFly;
-        // The on-the-fly state follows the link: one that came or went meanwhile decides anew.
-        int linkedKind;
-        bool identified;
+        LinkedUnit linked;
         std::map<int, Calibration> calibrations;  ///< by slot
     };
 

@@ -24,16 +24,12 @@ std::string titleOf(const std::string& file) {
 }  // namespace
 
 GeneralConfig::Former::Former(Session& session)
-    : header(session.header()),
-      currentFile(session.CurrentFile),
-      fileHolds(session.fileHolds),
-      fileFilterIndex(session.FileFilterIndex),
-      dataModified(session.DataModified),
+    : file(session.fileInHand()),
       onTheFly(session.currentUnitObject().ONFLY_MODE()),
-      linkedKind(session.link.linked().LinkedUnitKind),
-      identified(session.link.linked().UnitIdentified) {
-    header.fileState = header.currentUnit == 0 ? "" : "OLD";
-    if (header.currentUnit != 0) keep(session.currentUnitObject());
+      linked(session.link.linked()) {
+    const bool inHand = session.slotInHand() != 0;
+    file.fileHeader.fileState = inHand ? "OLD" : "";
+    if (inHand) keep(session.currentUnitObject());
 }
 
 void GeneralConfig::load() {
@@ -162,7 +158,7 @@ void GeneralConfig::putBack() {
     const Former former = *std::exchange(former_, std::nullopt);
     const LinkedUnit& linked = session_.link.linked();
     session_.windows().removeForms();
-    session_.header() = former.header;
+    session_.fileInHand() = former.file;
     for (const auto& [slot, calibration] : former.calibrations) {
         Unit& one = session_.Units(slot);
         const int release = one.FW_Release();
@@ -174,14 +170,10 @@ void GeneralConfig::putBack() {
         one.FW_Release(release);
     }
     session_.followLinkedKind();
-    session_.CurrentFile = former.currentFile;
-    session_.fileHolds = former.fileHolds;
-    session_.FileFilterIndex = former.fileFilterIndex;
-    session_.DataModified = former.dataModified;
-    const bool sameLink =
-        linked.LinkedUnitKind == former.linkedKind && linked.UnitIdentified == former.identified;
-    const bool matches = linked.LinkedUnitKind == session_.slotInHand() && linked.UnitIdentified;
-    session_.initializeOnFly(sameLink ? former.onTheFly : matches);
+    // A link that came or went meanwhile decides anew.
+    const bool sameLink = linked.LinkedUnitKind == former.linked.LinkedUnitKind &&
+                          linked.UnitIdentified == former.linked.UnitIdentified;
+    session_.initializeOnFly(sameLink ? former.onTheFly : session_.link.unitAgrees());
     session_.windows().tell(&WindowNews::titleChanged, titleOf(session_.CurrentFile));
     session_.windows().tell(&WindowNews::setupNodes);
     if (session_.slotInHand() == 0) session_.windows().tell(&WindowNews::showStartTab);

@@ -133,8 +133,7 @@ void GeneralConfig::finishSaving(const std::string& path, const FileSaved& saved
     session_.FileFilterIndex = unit().kind().fileFilter;
     storeConfig();
     showComputed();
-    const LinkedUnit& linked = session_.link.linked();
-    session_.initializeOnFly(linked.LinkedUnitKind == session_.slotInHand() && linked.UnitIdentified);
+    session_.initializeOnFly(session_.link.unitAgrees());
     session_.windows().tell(&WindowNews::setupNodes);
 }
 

@@ -46,8 +46,7 @@ bool ProgramCommands::broughtToFirmware() {
 std::string ProgramCommands::doubts() {
     Unit& unit = session_.currentUnitObject();
     std::string lines;
-    if (const int cells = session_.header().cellsCutOff; cells > 0)
-        lines += cutOffText(unit.kind(), cells) + "\n";
+    if (const int cells = unit.facts().cellsCutOff; cells > 0) lines += cutOffText(unit.kind(), cells) + "\n";
     for (const std::string& line : axesWithoutOrder(unit)) lines += line + ".\n";
     return lines;
 }
@@ -85,7 +84,7 @@ bool ProgramCommands::mayProgram() {
         error = codes::NoCalibration;
     } else if (!known) {
         error = codes::NoUnit;
-    } else if (session_.slotInHand() != linked.LinkedUnitKind) {
+    } else if (!session_.link.kindInHand()) {
         error = codes::WrongUnit;
     }
     if (error != 0) session_.messages.Display_Error(error);

@@ -78,7 +78,8 @@ void SaveCommands::saveCurrent(const Saved& then) {
 }
 
 SaveCommands::InHand SaveCommands::inHand() {
-    return {&session_.currentUnitObject(), session_.CurrentFile, session_.header().cellsCutOff};
+    return {&session_.currentUnitObject(), session_.CurrentFile,
+            session_.currentUnitObject().facts().cellsCutOff};
 }
 
 // Its length is all that tells a file that was cut, and a save writes the whole length.
@@ -111,7 +112,7 @@ void SaveCommands::saveChecked(std::optional<std::string> known, const std::func
         },
         [&](const std::string& why) { tellNotSaved(why); });
     if (!made) return then(false);
-    job->formerCode = session_.header().firmwareCode;
+    job->formerCode = session_.currentUnitObject().facts().firmwareCode;
     job->changes = session_.userChanges();
     job->stored = stored;
     job->then = then;
@@ -134,9 +135,9 @@ void SaveCommands::saveEnded(SaveJob& job, const FileSaved& saved) {
     // Another calibration has come into hand meanwhile: what is known of this file is nothing about that one.
     if (session_.currentUnitObject().BinFile() != job.save.path) return job.then(false);
     // A unit that has told its firmware meanwhile has brought the calibration in hand on.
-    const float code = session_.header().firmwareCode;
-    session_.currentUnitObject().noteSaved(job.content);
-    if (code != job.formerCode) session_.header().firmwareCode = code;
+    const bool movedOn = session_.currentUnitObject().facts().firmwareCode != job.formerCode;
+    if (!movedOn) session_.currentUnitObject().noteSaved(job.content);
+    session_.header().fileState = "OLD";
     if (session_.userChanges() == job.changes) session_.DataModified = false;
     session_.fileHolds = saved.holds;
     if (job.stored) job.stored();

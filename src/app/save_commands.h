@@ -54,7 +54,7 @@ class SaveCommands {
     struct SaveJob {
         Unit::FileContent content;
         FileSave save;
-        float formerCode = 0;       ///< of the header
+        float formerCode = 0;       ///< of the calibration's firmware
         std::uint64_t changes = 0;  ///< of the user's, so far
         std::function<void()> stored;
         Saved then;

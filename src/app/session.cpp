@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/errors.h"
+#include "base/message_codes.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "base/settings_keys.h"
@@ -18,9 +19,6 @@ constexpr std::int64_t portCheckUs = 1'000'000;
 
 /// How often the shares of a frame are told.
 constexpr std::int64_t timesUs = 500'000;
-
-/// The version in file headers is the part of the version text behind its first two characters.
-constexpr std::size_t majorPart = 2;
 
 }  // namespace
 
@@ -61,7 +59,10 @@ Session::~Session() {
 
 void Session::makeUnits() {
     for (const UnitKind& kind : unitKinds()) {
-        auto& place = units_[static_cast<std::size_t>(kind.slot)];
+        const auto slot = static_cast<std::size_t>(kind.slot);
+        FW_ReleaseTable[slot] = kind.expected.release;
+        FW_BuildTable[slot] = kind.expected.build;
+        auto& place = units_[slot];
         if (!place) place = std::make_unique<Unit>(kind, *this);
     }
 }
@@ -192,8 +193,8 @@ void Session::addToLastLine(std::string_view text) {
     console.AddtoLastLine(text);
 }
 
-void Session::displayMessage(int code, std::string_view text) {
-    messages.Display_Message(code, text);
+void Session::heard(const UnitNews& news) {
+    news.event == UnitEvent::Saved ? messages.Display_Message(codes::DataSaved) : inform(textOf(news));
 }
 
 void Session::inform(std::string_view text) {
@@ -228,11 +229,6 @@ bool Session::firmwareKnownFromLink(int slot) const {
     return link.linked().tells(slot);
 }
 
-float Session::programVersion() const {
-    const std::string version{ZENTAQ_VERSION};
-    return static_cast<float>(numberOf(formatNumber(numberOf(version.substr(majorPart)), "##.##")));
-}
-
 // A file is being read: the user's next command is not meant for what is half in hand.
 void Session::yield() {
     yield_.yieldWithoutInput();
@@ -245,7 +241,12 @@ void Session::formsChanged() {
 // ---- LinkHost
 
 int Session::slotInHand() const {
-    return toInt16(header_.currentUnit);
+    return toInt16(fileHeader.currentUnit);
+}
+
+float Session::fileFirmwareCode() const {
+    const auto& inHand = units_.at(static_cast<std::size_t>(slotInHand()));
+    return inHand ? inHand->facts().firmwareCode : 0;
 }
 
 void Session::heard(const LinkNews& news) {
@@ -314,7 +315,7 @@ void Session::followLinkedKind() {
     auto& other = units_[static_cast<std::size_t>(slot)];
     inHand->exchangeSlots(*other);
     std::swap(inHand, other);
-    header_.currentUnit = static_cast<float>(slot);
+    fileHeader.currentUnit = static_cast<float>(slot);
     if (!link.linked().tells(slot)) return;
     // The firmware that the unit has told stands in the object that was in its slot until now.
     const Unit& told = Units(former);

@@ -40,6 +40,15 @@
 
 namespace zentaq {
 
+/// What the program has in hand beside the calibration itself.
+struct FileInHand {
+    FileHeader fileHeader;
+    std::string CurrentFile;
+    std::optional<std::string> fileHolds;  ///< what CurrentFile began with when it was read or saved last
+    bool DataModified = false;
+    int FileFilterIndex = 1;
+};
+
 /// The outside world of one session.
 struct Platform {
     SerialPort& port;
@@ -53,7 +62,7 @@ struct Platform {
     FileWriter* writer = nullptr;   ///< of saves beside the program's thread; nullptr: each is done at once
 };
 
-class Session : public UnitHost, public LinkTeller {
+class Session : public UnitHost, public LinkTeller, public FileInHand {
  public:
     static constexpr int slotCount = 101;
 
@@ -71,10 +80,13 @@ class Session : public UnitHost, public LinkTeller {
     Unit& currentUnitObject() { return Units(slotInHand()); }
     bool hasUnit(int slot) const;
     /// The kind in the header of the calibration in hand, as its file has it; 0 for none.
-    float CurrentUnit() const { return header_.currentUnit; }
-    void CurrentUnit(float kind) { header_.currentUnit = kind; }
+    float CurrentUnit() const { return fileHeader.currentUnit; }
+    void CurrentUnit(float kind) { fileHeader.currentUnit = kind; }
     /// A new calibration is being made, and no file holds it yet.
-    bool creating() const { return header_.fileState == "NEW"; }
+    bool creating() const { return fileHeader.fileState == "NEW"; }
+
+    /// To be copied before another calibration comes into hand, and put back with its own value.
+    FileInHand& fileInHand() { return *this; }
 
     // ---- State of the process
     std::string AppName = "Zentaq4";
@@ -82,13 +94,10 @@ class Session : public UnitHost, public LinkTeller {
     std::string VersionText;
     bool Monitoring = false;
     bool AutoMonitoring = false;
-    bool DataModified = false;
-    std::string CurrentFile;
-    std::optional<std::string> fileHolds;  ///< what CurrentFile began with when it was read or saved last
-    int FileFilterIndex = 1;
     std::string LogFile;
     std::string DatabaseFile;
     int TableColorMode = 0;
+    // The firmware that the program expects, by slot: that of the kinds, once their units are made.
     std::array<int, slotCount> FW_ReleaseTable{};
     std::array<int, slotCount> FW_BuildTable{};
     std::optional<Database> database;  ///< as the start left it: ask reference()
@@ -152,9 +161,10 @@ class Session : public UnitHost, public LinkTeller {
     // ---- What the units and the link ask as everybody does
     void sysLog(std::string_view text) override;
     void addToLastLine(std::string_view text) override;
-    void inform(std::string_view text) override;
+    /// A plain box with OK; lines separated by '\n'.
+    void inform(std::string_view text);
     bool fahrenheit() const override;
-    FileHeader& header() override { return header_; }
+    FileHeader& header() override { return fileHeader; }
     std::string applicationFolder() const override { return platform_.applicationFolder; }
     int slotInHand() const override;
     void show(const Box& box) override;
@@ -164,19 +174,18 @@ class Session : public UnitHost, public LinkTeller {
 
  private:
     // ---- What the units alone ask
-    void displayMessage(int code, std::string_view text) override;
+    void heard(const UnitNews& news) override;
     void sendOnFly(std::string_view record) override;
     std::optional<EngineFacts> engine(int kind, int optionType) override;
     std::optional<SensorFacts> mapSensor(int id) override;
     bool firmwareKnownFromLink(int slot) const override;
     LinkedState& linkedState(int slot) override { return linkedStates_[slot]; }
-    float programVersion() const override;
     void yield() override;
     void formsChanged() override;
 
     // ---- What the link alone asks and tells
     Unit& unit(int slot) override { return Units(slot); }
-    float fileFirmwareCode() const override { return header_.firmwareCode; }
+    float fileFirmwareCode() const override;
     void heard(const LinkNews& news) override;
     void commLog(std::string_view text) override;
     void displayMessage(int code) override;
@@ -192,7 +201,6 @@ class Session : public UnitHost, public LinkTeller {
     Platform platform_;
     WindowSet quiet_;
     WindowSet* windows_ = &quiet_;
-    FileHeader header_;
     std::array<std::unique_ptr<Unit>, slotCount> units_;
     std::map<int, LinkedState> linkedStates_;  ///< by slot
     std::int64_t nextPortCheckUs_ = 0;

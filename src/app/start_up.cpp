@@ -80,10 +80,6 @@ void Kernel::setUpEnvironment() {
     resumeNext_.statement([&] { session_.windows().tell(&WindowNews::makeGraphPools); });
     clearRunState();
     session_.FileFilterIndex = 1;
-    for (const UnitKind& kind : unitKinds()) {
-        session_.FW_ReleaseTable[static_cast<std::size_t>(kind.slot)] = kind.defaultRelease;
-        session_.FW_BuildTable[static_cast<std::size_t>(kind.slot)] = kind.defaultBuild;
-    }
 }
 
 // Numbers move when a unit or an adapter comes or goes, so that the device decides and its number follows. A

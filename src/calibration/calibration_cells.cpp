@@ -10,7 +10,7 @@
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
-#include "config/quiet_host.h"
+#include "unit/quiet_host.h"
 #include "unit/unit.h"
 
 namespace zentaq {
@@ -106,12 +106,11 @@ std::optional<int> byteOf(CellBits bits) {
     return bitsOf(static_cast<float>(whole)) == bits ? std::optional(whole) : std::nullopt;
 }
 
-std::optional<FirmwareOfFile> firmwareOf(CellBits code) {
+std::optional<FirmwareVersion> firmwareOf(CellBits code) {
     const float value = floatOf(code);
     constexpr float highest = 32767;
     if (!(value >= 1 && value <= highest)) return {};
-    const int release = static_cast<int>(truncate(static_cast<double>(value) / 1000));
-    return FirmwareOfFile{release, toInt16(static_cast<double>(value) - release * 1000.0)};
+    return FirmwareVersion::ofCode(value);
 }
 
 // ---- Files

@@ -154,10 +154,6 @@ std::optional<std::string> quotedText(std::span<const CellBits> cells);
 std::vector<CellBits> charactersOfQuoted(std::string_view quoted);
 
 /// Release and build that a firmware code tells; nothing for a code that tells none.
-struct FirmwareOfFile {
-    int release = 0;
-    int build = 0;
-};
-std::optional<FirmwareOfFile> firmwareOf(CellBits code);
+std::optional<FirmwareVersion> firmwareOf(CellBits code);
 
 }  // namespace zentaq

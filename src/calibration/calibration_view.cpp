@@ -32,8 +32,7 @@ CalibrationView::CalibrationView(const CalibrationBytes& file, const Calibration
     for (int i = 0; i < controlBytes; ++i) {
         unit_.controlByte(i, static_cast<std::uint8_t>(byteOf(file.cell(i)).value_or(0)));
     }
-    const FirmwareOfFile unknown = {file.kind->defaultRelease, file.kind->defaultBuild};
-    const FirmwareOfFile firmware = firmwareOf(file.header[2]).value_or(unknown);
+    const FirmwareVersion firmware = firmwareOf(file.header[2]).value_or(file.kind->expected);
     unit_.FW_Release(firmware.release);
     unit_.FW_Build(firmware.build);
 }
@@ -59,7 +58,7 @@ const GpioRow* CalibrationView::rowOf(const CellPlace& place) const {
     if (place.role != CellRole::PinParameter) return nullptr;
     const auto code = functionOf(file_, place.number);
     if (!code) return nullptr;
-    const FirmwareVersion firmware = {unit_.FW_Release(), unit_.FW_Build()};
+    const FirmwareVersion firmware = unit_.firmware();
     for (const GpioRow& row : gpioRowsOf(file_.kind->pins->kind, *code, firmware)) {
         if (row.parameter == place.element) return &row;
     }

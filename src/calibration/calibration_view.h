@@ -7,8 +7,8 @@
 #include <string>
 
 #include "calibration/calibration_cells.h"
-#include "config/quiet_host.h"
 #include "unit/gpio_rows.h"
+#include "unit/quiet_host.h"
 #include "unit/unit.h"
 
 namespace zentaq {

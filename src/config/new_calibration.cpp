@@ -191,14 +191,10 @@ void startNewCalibration(Unit& unit) {
     unit.CloseFile();
     for (int byte = 0; byte < 3; ++byte) unit.controlByte(byte, 0);
     if (unit.FW_Release() == 0) {
-        unit.FW_Release(unit.kind().defaultRelease);
-        unit.FW_Build(unit.kind().defaultBuild);
+        unit.FW_Release(unit.kind().expected.release);
+        unit.FW_Build(unit.kind().expected.build);
     }
-    FileHeader& header = unit.host().header();
-    header.currentUnit = static_cast<float>(unit.kind().slot);
-    header.programVersion = unit.host().programVersion();
-    header.firmwareCode = static_cast<float>(unit.FW_Release() * 1000 + unit.FW_Build());
-    header.fileState = "NEW";
+    unit.startFile();
 }
 
 RefusedMembers chooseEngine(Unit& unit, const EngineRow& engine) {

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "config/quiet_host.h"
+#include "config/database_host.h"
 #include "refdata/database.h"
 #include "unit/unit.h"
 
@@ -30,7 +30,7 @@ class QuietCalibration {
     /// no kind has files of its length.
     static std::unique_ptr<QuietCalibration> importOld(const std::string& path, DatabaseSource database = {});
 
-    QuietHost host;
+    DatabaseHost host;
     Unit unit;
 };
 

@@ -197,7 +197,7 @@ int HeadlessSession::slotInHand() const {
 }
 
 float HeadlessSession::fileFirmwareCode() const {
-    return around_.calibration == nullptr ? 0 : around_.calibration->host().header().firmwareCode;
+    return around_.calibration == nullptr ? 0 : around_.calibration->facts().firmwareCode;
 }
 
 void HeadlessSession::initializeOnFly(bool on) {
@@ -207,7 +207,7 @@ void HeadlessSession::initializeOnFly(bool on) {
 
 FirmwareVersion HeadlessSession::expectedFirmware(int slot) const {
     const UnitKind* kind = unitKindOfSlot(slot);
-    return kind == nullptr ? FirmwareVersion{} : FirmwareVersion{kind->defaultRelease, kind->defaultBuild};
+    return kind == nullptr ? FirmwareVersion{} : kind->expected;
 }
 
 }  // namespace zentaq

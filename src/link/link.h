@@ -112,6 +112,10 @@ class Link : private LineWatch {
 
     // ---- The unit
     const LinkedUnit& linked() const { return linked_; }
+    /// The calibration in hand is of the kind of the unit on the link.
+    bool kindInHand() const { return linked_.LinkedUnitKind == host_.slotInHand(); }
+    /// And the unit has told all: it takes changes of that calibration.
+    bool unitAgrees() const { return kindInHand() && linked_.UnitIdentified; }
     /// Units(LinkedUnitKind); the null unit while no unit is known.
     Unit& linkedUnit() { return host_.unit(linked_.LinkedUnitKind); }
     /// Who is there has been asked, and not all of it is answered.

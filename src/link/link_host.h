@@ -14,7 +14,7 @@ class LinkHost {
     virtual Unit& unit(int slot) = 0;
     /// Slot of the calibration in hand, 0 for none.
     virtual int slotInHand() const = 0;
-    /// The firmware number of the calibration in hand: release * 1000 + build.
+    /// The firmware code of the calibration in hand, as its file has it.
     virtual float fileFirmwareCode() const = 0;
     /// FW_ReleaseTable and FW_BuildTable.
     virtual FirmwareVersion expectedFirmware(int slot) const = 0;

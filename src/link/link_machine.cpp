@@ -276,15 +276,11 @@ void Link::restoreFileFirmware() {
 
 // The number of the file is that of the calibration in hand, and of no other unit's object.
 FirmwareVersion Link::formerFirmware() {
-    if (host_.slotInHand() != linked_.LinkedUnitKind) {
-        const Unit& unit = linkedUnit();
-        return linked_.FirmwareTold ? firmwareBefore_ : FirmwareVersion{unit.FW_Release(), unit.FW_Build()};
-    }
+    if (!kindInHand()) return linked_.FirmwareTold ? firmwareBefore_ : linkedUnit().firmware();
     const int code = toInt32(static_cast<double>(host_.fileFirmwareCode()));
     // A file that tells none counts as when it is opened.
-    const UnitKind& kind = linkedUnit().kind();
-    if (code == 0) return {kind.defaultRelease, kind.defaultBuild};
-    return {code / 1000, code % 1000};
+    if (code == 0) return linkedUnit().kind().expected;
+    return FirmwareVersion::ofCode(static_cast<float>(code));
 }
 
 void Link::abandonCommand() {

@@ -209,8 +209,7 @@ void Link::leaveFormerUnit() {
 
 void Link::fillDashboardDefaults() {
     // A calibration that is being made has no file yet.
-    const bool inHand = host_.slotInHand() == linked_.LinkedUnitKind;
-    if (!inHand && linkedUnit().BinFile().empty()) storeDashboardDefaults(linkedUnit());
+    if (!kindInHand() && linkedUnit().BinFile().empty()) storeDashboardDefaults(linkedUnit());
 }
 
 void Link::acceptUnit(LinkEvent how) {
@@ -238,7 +237,7 @@ void Link::replyFirmware(const Reply& reply) {
     tell(LinkEvent::UnitIdentified, linkedUnit().FirmWare(), linked_.UnitBinName);
     linked_.UnitIdentified = true;
     linkedUnit().gpioListRead(true);
-    if (linked_.LinkedUnitKind == host_.slotInHand()) tell(LinkEvent::UnitAgrees);
+    if (unitAgrees()) tell(LinkEvent::UnitAgrees);
     askForConfiguration();
     currentCommand_.clear();
 }
@@ -250,7 +249,7 @@ void Link::storeFirmware(const Reply& reply) {
     Unit& unit = linkedUnit();
     unit.FirmWare(shown);
     const FirmwareVersion firmware = firmwareNumber(raw);
-    if (!linked_.FirmwareTold) firmwareBefore_ = {unit.FW_Release(), unit.FW_Build()};
+    if (!linked_.FirmwareTold) firmwareBefore_ = unit.firmware();
     // Before the release is stored: storing it brings a calibration in hand to this firmware.
     linked_.FirmwareTold = true;
     firmware_.mended();  // whatever an earlier run did: this unit has one
@@ -294,7 +293,7 @@ void Link::askForConfiguration() {
 void Link::replyConfiguration(const Reply& reply) {
     Unit& unit = linkedUnit();
     unit.hasPIC18(false);
-    const auto pic18 = decodePic18(reply, unit.kind(), {unit.FW_Release(), unit.FW_Build()});
+    const auto pic18 = decodePic18(reply, unit.kind(), unit.firmware());
     if (pic18) unit.hasPIC18(*pic18);
     currentCommand_.clear();
 }

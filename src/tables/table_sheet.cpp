@@ -3,8 +3,8 @@
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
+#include "tables/rollback.h"
 #include "unit/axis_kinds.h"
-#include "unit/rollback.h"
 #include "unit/temperature.h"
 
 namespace zentaq {

@@ -34,6 +34,9 @@ struct Calibration {
         int build = 0;
         int defaultSplit = 0;
         Teeth teeth;
+        float programVersion = 0;  ///< of the program that wrote the file, for example 9.44
+        float firmwareCode = 0;    ///< that the cells are made for, as the file has it; 0: not told
+        int cellsCutOff = 0;       ///< that the file lacks, having been cut; they were taken as 0
         bool operator==(const Facts&) const = default;
     };
 

@@ -5,15 +5,12 @@
 
 #include "base/errors.h"
 #include "base/file_reader.h"
-#include "base/message_codes.h"
-#include "base/number_text.h"
 #include "base/rounding.h"
 #include "unit/file_floats.h"
 #include "unit/file_kind.h"
 #include "unit/legacy_sensor.h"
 #include "unit/parameter_rules.h"
 #include "unit/reference_needed.h"
-#include "unit/rollback.h"
 #include "unit/safe_file.h"
 #include "unit/table_kinds.h"
 #include "unit/unit.h"
@@ -26,11 +23,6 @@ constexpr std::size_t headerFloats = 3;
 /// One value more than a calibration holds is enough to tell that a file is too long.
 constexpr std::size_t longestFile = (headerFloats + Unit::cellCount + 1) * floatBytes;
 constexpr int firstLinearRelease = 3;
-
-constexpr std::string_view customSensorText =
-    "Your BIN file appears to use a custom MAP sensor.\n"
-    "Your tune has been preserved, but the senor must be defined to give accurate readings.\n"
-    "You can define the customer sensor under Sensor Parameters->MAP and selecting the Custom button.";
 
 struct ReadContent {
     float unitKind = 0;
@@ -51,10 +43,6 @@ ReadContent parsed(std::string_view bytes, const std::string& path) {
     return content;
 }
 
-int releaseOf(float code) {
-    return toInt16(truncate(static_cast<double>(code) / 1000));
-}
-
 /// Whether a release takes a sensor as a line of the user's.
 bool isLinear(int release) {
     return release >= firstLinearRelease;
@@ -71,26 +59,22 @@ void Unit::FileOpen(const std::string& path) {
 void Unit::FileOpen(const std::string& path, std::string_view bytes) {
     if (!kind_->hasCalibration) return;
     const ReadContent content = parsed(bytes, path);
-    const int fileRelease = releaseOf(content.firmwareCode);
+    const int fileRelease = FirmwareVersion::ofCode(content.firmwareCode).release;
     host_.yield();
 
     WatchedCalibration::Step reading(inHand_);
-    Rollback rollback(host_.header());
     reading.cells(content.cells);
-    inHand_.facts([](Calibration::Facts& facts) {
+    inHand_.facts([&](Calibration::Facts& facts) {
         facts.owedRelease = 0;
         facts.teeth = {};
+        facts.programVersion = content.programVersion;
+        facts.firmwareCode = content.firmwareCode;
+        facts.cellsCutOff = cellsCutOff(*kind_, bytes.size());
     });
-    FileHeader& header = host_.header();
-    header.currentUnit = content.unitKind;
-    header.programVersion = content.programVersion;
-    header.firmwareCode = content.firmwareCode;
-    header.cellsCutOff = cellsCutOff(*kind_, bytes.size());
     adoptFirmware(content.firmwareCode);
     repairAfterOpening(fileRelease);
     for (int i = 0; i < 3; ++i) controlByte(i, toByte(cellAt(i)));
-    header.fileState = "OLD";
-    rollback.keep();
+    host_.header() = {.currentUnit = content.unitKind, .fileState = "OLD"};
     reading.endAsWhole();
     host_.formsChanged();
 }
@@ -101,21 +85,21 @@ void Unit::adoptFirmware(float code) {
     if (unknown || host_.firmwareKnownFromLink(kind_->slot)) {
         // What the unit on the link has told goes before what the file says.
         if (!unknown || FW_Release() != 0 || FW_Build() != 0) return;
-        inHand_.facts([this](Calibration::Facts& facts) {
-            facts.release = kind_->defaultRelease;
-            facts.build = kind_->defaultBuild;
-        });
-        return;
+        return storeFirmware(kind_->expected);
     }
-    inHand_.facts([code](Calibration::Facts& facts) {
-        facts.release = releaseOf(code);
-        facts.build = toInt16(static_cast<double>(code) - facts.release * 1000.0);
+    storeFirmware(FirmwareVersion::ofCode(code));
+}
+
+void Unit::storeFirmware(FirmwareVersion firmware) {
+    inHand_.facts([firmware](Calibration::Facts& facts) {
+        facts.release = firmware.release;
+        facts.build = firmware.build;
     });
 }
 
 void Unit::repairAfterOpening(int fileRelease) {
     // A code that tells no release tells nothing about the sensor either; the code 0 is an old file's.
-    const bool untold = fileRelease <= 0 && toInt32(host_.header().firmwareCode) != 0;
+    const bool untold = fileRelease <= 0 && toInt32(facts().firmwareCode) != 0;
     if (!untold) {
         repairSensor(fileRelease);
     } else if (isLinear(FW_Release())) {
@@ -136,8 +120,7 @@ void Unit::FW_Release(int release) {
         oweRelease(release);
         onTheFly_ = false;
         host_.sysLog(needed.what());
-        host_.inform("The calibration could not be brought to firmware release " + numberText(release) +
-                     ".\n" + needed.what() + "\nIt stays as it is, and nothing of it is sent to the unit.");
+        host_.heard({.event = UnitEvent::ReleaseOwed, .release = release, .why = needed.what()});
     }
 }
 
@@ -160,11 +143,10 @@ void Unit::takeRelease(int release) {
 }
 
 void Unit::moveFrom(int before) {
-    const FileHeader& header = host_.header();
     // A release of 0 is no release yet, and without a calibration in hand there is nothing to move.
-    if (FW_Release() <= 0 || header.currentUnit != static_cast<float>(kind_->slot)) return;
-    if (before == 0 && header.firmwareCode == 0) return;
-    const int madeFor = releaseOf(header.firmwareCode);
+    if (FW_Release() <= 0 || host_.header().currentUnit != static_cast<float>(kind_->slot)) return;
+    if (before == 0 && facts().firmwareCode == 0) return;
+    const int madeFor = FirmwareVersion::ofCode(facts().firmwareCode).release;
     if (madeFor <= 0) return defineSensor();
     // The code tells what the cells are made for. A unit of the other generation that came and went must not
     // have them moved back from where they never were.
@@ -189,7 +171,7 @@ void Unit::adoptSensor(float bar) {
     constexpr int customSensor = 4;
     const bool rated = bar == 1 || bar == 2 || bar == 3 || bar == 4;
     put(kind_->cells.mapId, rated ? bar : customSensor);
-    if (!rated) host_.inform(customSensorText);
+    if (!rated) host_.heard({.event = UnitEvent::CustomSensor});
     const auto sensor = sensorById(rated ? static_cast<int>(bar) : customSensor);
     if (!sensor) return;  // kept: the former values stay where the database has no such sensor
     store("MAP_Scaler", sensor->scale);
@@ -256,8 +238,8 @@ void Unit::migrateInjectors(int fromRelease) {
     // tells none.
     if (fromRelease <= 0 || FW_Release() <= 0) return;
     scaleInjectors(up);
-    host_.header().firmwareCode = static_cast<float>(FW_Release() * 1000 + FW_Build());
-    tellMigrated();
+    recordFirmware(firmware().code());
+    host_.heard({.event = UnitEvent::Migrated});
 }
 
 void Unit::scaleInjectors(bool up) {
@@ -271,10 +253,8 @@ void Unit::scaleInjectors(bool up) {
     put(kind_->cells.scale1, roundTo(up ? scale * k : scale / k, 3));
 }
 
-void Unit::tellMigrated() {
-    host_.inform(
-        "Your BIN file has been updated to work with this firmware.\n"
-        "You should do a Save As... and reprogram your unit.");
+void Unit::recordFirmware(float code) {
+    inHand_.facts([code](Calibration::Facts& facts) { facts.firmwareCode = code; });
 }
 
 void Unit::seedBaroTrim() {
@@ -289,48 +269,53 @@ void Unit::seedBaroTrim() {
 
 // ---- Writing
 
+void Unit::startFile() {
+    inHand_.facts([this](Calibration::Facts& facts) {
+        facts.programVersion = programVersion();
+        facts.firmwareCode = firmware().code();
+    });
+    host_.header() = {.currentUnit = static_cast<float>(kind_->slot), .fileState = "NEW"};
+}
+
 void Unit::SaveFile() {
     if (!kind_->hasCalibration) return;
     const FileContent content = fileContent();
     // kept: a save writes over the file's start only, what an older, longer file holds behind it stays.
     writeFileStartSafely(BinFile(), content.bytes);
     noteSaved(content);
-    host_.displayMessage(codes::DataSaved, "");
+    host_.heard({.event = UnitEvent::Saved});
 }
 
 Unit::FileContent Unit::fileContent() {
     storeControlBytes();
-    const bool unknown = (FW_Release() == 0 && FW_Build() == 0) || FW_Release() > kind_->newestRelease;
-    const int release = unknown ? kind_->defaultRelease : FW_Release();
-    const int build = unknown ? kind_->defaultBuild : FW_Build();
+    const bool unknown = firmware() == FirmwareVersion{} || FW_Release() > kind_->newestRelease;
     FileContent content;
-    content.firmwareCode = static_cast<float>(release * 1000 + build);
+    content.firmwareCode = (unknown ? kind_->expected : firmware()).code();
     std::string& bytes = content.bytes;
     bytes.reserve((headerFloats + cellCount) * floatBytes);
     appendFloat(bytes, kind_->fileKind);
-    appendFloat(bytes, host_.programVersion());
+    appendFloat(bytes, programVersion());
     appendFloat(bytes, content.firmwareCode);
     for (int i = 0; i < kind_->fileFloats; ++i) appendFloat(bytes, cellAt(i));
     return content;
 }
 
 void Unit::noteSaved(const FileContent& content) {
-    FileHeader& header = host_.header();
-    header.firmwareCode = content.firmwareCode;
-    header.fileState = "OLD";
+    recordFirmware(content.firmwareCode);
+    host_.header().fileState = "OLD";
 }
 
 void Unit::CloseFile() {
     if (!kind_->hasCalibration) return;
     FirmWare("");
     Serial("");
-    host_.header().firmwareCode = 0;
-    host_.header().cellsCutOff = 0;
     WatchedCalibration::Step closing(inHand_);
     inHand_.facts([](Calibration::Facts& facts) {
         facts.binFile.clear();
         facts.teeth = {};
         facts.owedRelease = 0;
+        facts.firmwareCode = 0;
+        facts.cellsCutOff = 0;
     });
     closing.cells({});
     closing.endAsWhole();

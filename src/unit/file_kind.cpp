@@ -49,6 +49,12 @@ int kindOfOldFile(std::uintmax_t length) {
     return slotWhere(isOldLength, length);
 }
 
+float programVersion() {
+    const std::string_view version = ZENTAQ_VERSION;
+    const double behindFirst = numberOf(version.substr(version.find('.') + 1));
+    return static_cast<float>(numberOf(formatNumber(behindFirst, "##.##")));
+}
+
 int cellsCutOff(const UnitKind& kind, std::uintmax_t length) {
     constexpr std::uintmax_t headerFloats = 3;
     constexpr std::uintmax_t notes = 500;  // the last cells, which the first programs did not write

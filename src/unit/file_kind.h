@@ -23,6 +23,9 @@ CalibrationFileKind kindOfCalibrationFile(const std::string& path);
 /// The kind of an older generation's file (".BIN") of so many bytes; 0 for none.
 int kindOfOldFile(std::uintmax_t length);
 
+/// What this program writes into files: its version behind the first number, 10.2 of "4.10.2".
+float programVersion();
+
 /// How many cells a file of so many bytes, its header among them, lacks at its end because it was cut. 0 for
 /// a whole one, and for one as short as an older program wrote them.
 int cellsCutOff(const UnitKind& kind, std::uintmax_t length);

@@ -56,12 +56,11 @@ void Unit::Set_GPIO_Func(int pin, int code) {
 
 void Unit::recordReleaseOf(int gpioCode) {
     const GpioPins& pins = *kind_->pins;
-    float& recorded = host_.header().firmwareCode;
-    if (!pins.recordsRelease || recorded != 0 || FW_Release() != 0 || FW_Build() != 0) return;
+    if (!pins.recordsRelease || facts().firmwareCode != 0 || firmware() != FirmwareVersion{}) return;
     const GpioFunction* function = gpioFunctionOf(pins.kind, gpioCode);
     if (function == nullptr || function->recordsRelease == 0) return;
     FW_Release(function->recordsRelease);
-    recorded = static_cast<float>(function->recordsRelease) * 1000;
+    recordFirmware(FirmwareVersion{function->recordsRelease}.code());
 }
 
 float Unit::Get_GPIO_Param(int pin, int parameter) const {
@@ -80,16 +79,15 @@ void Unit::sendGpioParameter(int pin, int parameter, float value) {
     if (!onTheFly_) return;
     // The stored code: with IndexPolling the member answers an index.
     const int function = functionOf(gpioFunctionWord(pin));
-    const FirmwareVersion firmware = {FW_Release(), FW_Build()};
-    const GpioRecipe* recipe = gpioRecipe(function, firmware);
+    const GpioRecipe* recipe = gpioRecipe(function, firmware());
     const GpioByte* item = recipe == nullptr ? nullptr : gpioByteOfParameter(*recipe, parameter);
     // Timed advance takes its running form for every parameter, whatever the image holds.
     if (item == nullptr && function != gpio_code::timedAdvance) return;
-    if (const GpioByte* own = gpioOnTheFly(function, parameter, firmware)) item = own;
+    if (const GpioByte* own = gpioOnTheFly(function, parameter, firmware())) item = own;
     if (item == nullptr) return;
     double number = encoded(*this, *item, value);
     if (item->form == GpioForm::Frequency) {
-        number = gpioFrequencyCode(value, firmware);
+        number = gpioFrequencyCode(value, firmware());
         if (number < 0) return;
     }
     SendOnFly(gpioCell(pin, parameter + 1), number, item->width());

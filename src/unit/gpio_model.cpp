@@ -53,10 +53,6 @@ std::string wordOf(const Unit& unit, const GpioRow& row) {
     return std::string(row.word);
 }
 
-FirmwareVersion firmwareOf(const Unit& unit) {
-    return {unit.FW_Release(), unit.FW_Build()};
-}
-
 std::string pinNameOf(const GpioPin& pin) {
     return "pin " + numberText(pin.pin) + " (" + std::string(pin.wire) + ")";
 }
@@ -125,9 +121,9 @@ const GpioPin* GpioModel::pinWith(int code, int besides) const {
 }
 
 bool GpioModel::firmwareAllows(const GpioFunction& function) const {
-    const float code = unit_.host().header().firmwareCode;
+    const float code = unit_.facts().firmwareCode;
     const int release = unit_.FW_Release();
-    const bool unknown = code == 0 && release == 0 && unit_.FW_Build() == 0;
+    const bool unknown = code == 0 && unit_.firmware() == FirmwareVersion{};
     // Choosing such a function is what tells the firmware.
     if (unknown && pins().recordsRelease && function.recordsRelease != 0) return true;
     constexpr float firstNumbered = 1000;
@@ -301,7 +297,7 @@ std::vector<GpioParamRow> GpioModel::Show_GPIO_Param(int pin, int code) {
 }
 
 std::span<const GpioRow> GpioModel::rowsOf(int code) const {
-    return gpioRowsOf(pins().kind, code, firmwareOf(unit_));
+    return gpioRowsOf(pins().kind, code, unit_.firmware());
 }
 
 int GpioModel::rowOf(int pin, int parameter) const {

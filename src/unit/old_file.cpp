@@ -12,7 +12,6 @@
 #include "unit/file_floats.h"
 #include "unit/parameter_rules.h"
 #include "unit/reference_needed.h"
-#include "unit/rollback.h"
 #include "unit/unit.h"
 
 namespace zentaq {
@@ -305,15 +304,15 @@ void Unit::OldFileOpen(const std::string& path) {
     host_.yield();
 
     WatchedCalibration::Step reading(inHand_);
-    Rollback rollback(host_.header());
     reading.cells({});
     inHand_.facts([](Calibration::Facts& facts) {
         facts.owedRelease = 0;
         facts.teeth = {};
+        facts.programVersion = 0;
+        facts.firmwareCode = 0;
+        facts.cellsCutOff = 0;
     });
     for (int i = 0; i < 3; ++i) controlByte(i, 0);
-    FileHeader& header = host_.header();
-    header = {.currentUnit = static_cast<float>(kind_->slot)};
     adoptFirmware(0);
     if (file.refused() > 0) {
         host_.sysLog("Old file: " + numberText(file.refused()) +
@@ -341,10 +340,9 @@ void Unit::OldFileOpen(const std::string& path) {
     constexpr int firstLinearRelease = 3;
     if (FW_Release() >= firstLinearRelease) scaleInjectors(true);
     storeControlBytes();
-    header.firmwareCode = static_cast<float>(FW_Release() * 1000 + FW_Build());
-    tellMigrated();
-    header.fileState = "OLD";
-    rollback.keep();
+    recordFirmware(firmware().code());
+    host_.heard({.event = UnitEvent::Migrated});
+    host_.header() = {.currentUnit = static_cast<float>(kind_->slot), .fileState = "OLD"};
     reading.endAsWhole();
     host_.formsChanged();
 }

@@ -47,7 +47,7 @@ int Unit::GET_TBL_DIMENSIONS(std::string_view table, std::string_view what) {
     if (!kind_->cells.hasAxisWords) return fixedSize;
     const int rows = findTable(table)->rowsCell;
     const bool shaped = cellAt(rows) != 0 || cellAt(rows + 1) != 0;
-    if (!shaped && !(host_.header().programVersion > lastVersionWithoutShape)) {
+    if (!shaped && !(facts().programVersion > lastVersionWithoutShape)) {
         put(rows, oldSize);
         put(rows + 1, oldSize);
     }

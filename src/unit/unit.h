@@ -60,6 +60,7 @@ class Unit {
 
     // ---- The calibration in hand as a value
     const Calibration& calibration() const { return inHand_.value(); }
+    const Calibration::Facts& facts() const { return calibration().facts; }
     /// Puts one of the same class in hand as it stands: nothing is converted and nothing is sent.
     void calibration(const Calibration& value);
     /// Every change of the calibration passes this one hook, of whatever kind and from wherever it comes.
@@ -103,6 +104,7 @@ class Unit {
     /// Makes up for a release that is owed. Throws ReferenceNeeded where that still cannot be done.
     void settleFirmware();
     int FW_Build() const { return facts().build; }
+    FirmwareVersion firmware() const { return {FW_Release(), FW_Build()}; }
     void FW_Build(int build);
     bool ValidFirmware(std::string_view name) const;
     int DefaultSplit() const { return facts().defaultSplit; }
@@ -175,6 +177,8 @@ class Unit {
     void FileOpen(const std::string& path, std::string_view bytes);
     /// Reads a file of the older generation, which has no header, and moves it to today's places.
     void OldFileOpen(const std::string& path);
+    /// The calibration in hand is a new one, that no file holds yet.
+    void startFile();
     void SaveFile();
     /// What SaveFile writes, and the step behind it, for who writes it elsewhere.
     struct FileContent {
@@ -259,7 +263,6 @@ class Unit {
     int trimmedCylinders() const;
     void convertStopPoints();
 
-    const Calibration::Facts& facts() const { return calibration().facts; }
     float cellAt(int index) const { return inHand_.cell(index); }
     template <typename Number>
     void put(int index, Number value) {
@@ -269,6 +272,8 @@ class Unit {
     int sRecordRows() const;
 
     void adoptFirmware(float code);
+    void storeFirmware(FirmwareVersion firmware);
+    void recordFirmware(float code);
     void recordReleaseOf(int gpioCode);
     void sendGpioParameter(int pin, int parameter, float value);
     void takeRelease(int release);
@@ -282,7 +287,6 @@ class Unit {
     void adoptSensor(float bar);
     void migrateInjectors(int fromRelease);
     void scaleInjectors(bool up);
-    void tellMigrated();
     void seedStopPoints();
     void seedShape();
     void seedBaroTrim();

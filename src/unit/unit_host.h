@@ -1,5 +1,5 @@
-// What a Unit object needs of the program around it: boxes, the log, the link, reference data.
-// The program implements it once; tests implement a recording one.
+// What a Unit object needs of the program around it, and to whom it tells what happens: the log, the link,
+// reference data. The program implements it once; tests implement a recording one.
 #pragma once
 
 #include <array>
@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "unit/linked_state.h"
+#include "unit/unit_news.h"
 
 namespace zentaq {
 
@@ -32,13 +33,10 @@ struct SensorFacts {
     int unitsCode = 0;
 };
 
-/// What the last file header said, shared by all Unit objects.
+/// Which calibration is in hand, shared by all Unit objects.
 struct FileHeader {
-    float currentUnit = 0;     ///< unit kind of the calibration in hand, 0 for none
-    float programVersion = 0;  ///< version of the program that wrote the file, for example 9.44
-    float firmwareCode = 0;    ///< release * 1000 + build
-    std::string fileState;     ///< "", "NEW" or "OLD"
-    int cellsCutOff = 0;       ///< that the file lacks, having been cut; they were taken as 0
+    float currentUnit = 0;  ///< unit kind of the calibration in hand, 0 for none
+    std::string fileState;  ///< "", "NEW" or "OLD"
 };
 
 class UnitHost {
@@ -47,9 +45,7 @@ class UnitHost {
 
     virtual void sysLog(std::string_view text) = 0;
     virtual void addToLastLine(std::string_view text) = 0;
-    virtual void displayMessage(int code, std::string_view text) = 0;
-    /// A plain box with OK; lines separated by '\n'.
-    virtual void inform(std::string_view text) = 0;
+    virtual void heard(const UnitNews& news) = 0;
 
     /// Queues one on-the-fly record with the link. Throws on failure.
     virtual void sendOnFly(std::string_view record) = 0;
@@ -67,8 +63,6 @@ class UnitHost {
     /// What the unit of a slot has told on the link.
     virtual LinkedState& linkedState(int slot) = 0;
     virtual FileHeader& header() = 0;
-    /// "Minor.Revision" of this program as a float, for file headers.
-    virtual float programVersion() const = 0;
     /// Folder of the programs; "/ORB.s19" is written there.
     virtual std::string applicationFolder() const = 0;
     virtual void yield() = 0;

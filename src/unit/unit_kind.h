@@ -106,8 +106,7 @@ struct UnitKind {
 
     // Firmware.
     std::string_view firmwarePrefix;  ///< "ZQA"; empty: any firmware is valid
-    int defaultRelease = 0;           ///< that the program expects, and that a file gets when it is unknown
-    int defaultBuild = 0;
+    FirmwareVersion expected;         ///< what the program expects, and what a file gets when it is unknown
     int newestRelease = 5;      ///< the last that a file's code has room for; later ones count as unknown
     int wideFrom = 0;           ///< first release that answers "W"; 0: none does
     int configurationFrom = 0;  ///< first release that is asked for its configuration ("C")

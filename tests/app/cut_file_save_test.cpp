@@ -24,7 +24,7 @@ class CutFile : public CommandTest {
     CutFile() {
         write(path, cutCount);
         open(path);
-        EXPECT_EQ(session.header().cellsCutOff, 1081);
+        EXPECT_EQ(session.currentUnitObject().facts().cellsCutOff, 1081);
         forget();
         change(7000);
     }
@@ -39,7 +39,7 @@ class CutFile : public CommandTest {
         EXPECT_EQ(limitIn(path), 6500);
         EXPECT_EQ(session.CurrentFile, path);
         EXPECT_EQ(unit().BinFile(), path);
-        EXPECT_EQ(session.header().cellsCutOff, 1081);
+        EXPECT_EQ(session.currentUnitObject().facts().cellsCutOff, 1081);
         EXPECT_TRUE(session.DataModified);
     }
 
@@ -67,7 +67,7 @@ TEST_F(CutFile, YesSavesItAndTheSignStaysWithTheCalibrationInHand) {
     EXPECT_EQ(std::filesystem::file_size(path), wholeBytes);
     EXPECT_EQ(limitIn(path), 7000);
     EXPECT_FALSE(session.DataModified);
-    EXPECT_EQ(session.header().cellsCutOff, 1081);
+    EXPECT_EQ(session.currentUnitObject().facts().cellsCutOff, 1081);
 }
 
 TEST_F(CutFile, SaveAsAsksBeforeItAsksForAName) {
@@ -85,7 +85,7 @@ TEST_F(CutFile, SaveAsAsksBeforeItAsksForAName) {
     EXPECT_THAT(titles(), ElementsAre(damaged, "Data Saved."));
     EXPECT_EQ(std::filesystem::file_size(other), wholeBytes);
     EXPECT_EQ(std::filesystem::file_size(path), cutBytes);
-    EXPECT_EQ(session.header().cellsCutOff, 1081);
+    EXPECT_EQ(session.currentUnitObject().facts().cellsCutOff, 1081);
 }
 
 TEST_F(CutFile, ACommandWhoseSaveIsDeclinedThereEndsWithIt) {

@@ -18,10 +18,7 @@ class EntryWays : public GeneralConfigForm {
     /// The calibration of the form for a program without windows.
     std::unique_ptr<QuietCalibration> copyOfForms() {
         auto copy = std::make_unique<QuietCalibration>(unit().kind(), &*session.database);
-        for (int i = 0; i < Unit::cellCount; ++i) copy->unit.AssignDirectIndex(unit().DirectIndex(i), i);
-        for (int i = 0; i < 3; ++i) copy->unit.controlByte(i, unit().controlByte(i));
-        copy->unit.FW_Release(unit().FW_Release());
-        copy->unit.teeth(unit().teeth());
+        copy->unit.calibration(unit().calibration());
         copy->host.header() = session.header();
         return copy;
     }

@@ -126,7 +126,7 @@ TEST_F(GeneralConfigForm, AUnitWithoutFirmwareTakesThatOfItsKind) {
     form.enter("cmbORB_UNIT", "ORB A Standard");
     EXPECT_EQ(unit().FW_Release(), 4);
     EXPECT_EQ(unit().FW_Build(), 17);
-    EXPECT_EQ(session.header().firmwareCode, 4017);
+    EXPECT_EQ(unit().facts().firmwareCode, 4017);
 }
 
 TEST_F(GeneralConfigForm, AUnitThatHasToldItsFirmwareKeepsIt) {
@@ -494,13 +494,13 @@ class FormerCalibration : public GeneralConfigForm {
         unit().NOTES_TEXT("former notes");
         session.markModified();
         cells = cellsOf(unit());
-        header = session.header();
+        facts = unit().facts();
     }
     void expectItBack() {
         EXPECT_EQ(session.slotInHand(), 3);
         EXPECT_EQ(session.header().fileState, "OLD");
-        EXPECT_EQ(session.header().firmwareCode, header.firmwareCode);
-        EXPECT_EQ(session.header().programVersion, header.programVersion);
+        EXPECT_EQ(unit().facts().firmwareCode, facts.firmwareCode);
+        EXPECT_EQ(unit().facts().programVersion, facts.programVersion);
         EXPECT_EQ(session.CurrentFile, fake.folder.path("former.ZQ4OA"));
         EXPECT_EQ(unit().BinFile(), fake.folder.path("former.ZQ4OA"));
         EXPECT_EQ(session.FileFilterIndex, 4);
@@ -511,7 +511,7 @@ class FormerCalibration : public GeneralConfigForm {
         EXPECT_EQ(unit().NOTES_TEXT(), "former notes");
     }
     std::vector<float> cells;
-    FileHeader header;
+    Calibration::Facts facts;
 };
 
 TEST_F(FormerCalibration, ComesBackWholeFromANewOneOfItsKind) {
@@ -591,7 +591,7 @@ TEST_F(FormerCalibration, IsMovedToAFirmwareThatItsUnitToldMeanwhile) {
     connect(orbaSerial, "ZQA-402099");
     form.unload();
     EXPECT_EQ(unit().FW_Release(), 2);
-    EXPECT_EQ(session.header().firmwareCode, 2099);
+    EXPECT_EQ(unit().facts().firmwareCode, 2099);
     // The full pulse is 8 ms; the scale of the older firmware at 1 bar is 876 / 1024: 8 / 0.85547 = 9.352.
     EXPECT_FLOAT_EQ(unit().get("scale1"), 9.352F);
     EXPECT_EQ(unit().get("KNK_MIN"), 44);

@@ -16,10 +16,6 @@ class GeneralConfigForm : public ProgramTest {
 
     explicit GeneralConfigForm(FileWriter* disk = nullptr) : ProgramTest(disk) {
         session.makeUnits();
-        for (const int slot : {3, 4, 5, 6, 7, 8}) {
-            session.FW_ReleaseTable[static_cast<std::size_t>(slot)] = unitKindOfSlot(slot)->defaultRelease;
-            session.FW_BuildTable[static_cast<std::size_t>(slot)] = unitKindOfSlot(slot)->defaultBuild;
-        }
         std::filesystem::copy_file(builtReference(), database);
         session.database = Database::open(database);
     }

@@ -5,6 +5,7 @@
 
 #include "app/calibration_floats.h"
 #include "app/command_fixture.h"
+#include "unit/file_kind.h"
 
 namespace zentaq {
 namespace {
@@ -144,7 +145,7 @@ TEST_F(Commands, ANewerFileWithYesAsksForAnotherOne) {
 
 TEST_F(Commands, ReleasesOfTheSameLineAreComparedByTheirCount) {
     // The program writes 10.2: the second release of 10. 10.15 is the fifteenth, 10.1 the first.
-    ASSERT_FLOAT_EQ(fake.forUnits.programVersion(), 10.2f);
+    ASSERT_FLOAT_EQ(programVersion(), 10.2f);
     open(file("same.ZQ4OA", 10.2f));
     open(file("first.ZQ4OA", 10.1f));
     EXPECT_THAT(boxes(), IsEmpty());
@@ -507,12 +508,12 @@ TEST_F(Commands, AFileAsShortAsAnOlderProgramWroteItOpensWithoutABox) {
 TEST_F(Commands, AWholeFileBehindACutOneIsNoLongerDoubted) {
     const std::string path = ofLength(1750, "cut.ZQ4OA");
     open(path);
-    EXPECT_EQ(session.header().cellsCutOff, 1081);
+    EXPECT_EQ(session.currentUnitObject().facts().cellsCutOff, 1081);
     open(file("whole.ZQ4OA"));
-    EXPECT_EQ(session.header().cellsCutOff, 0);
+    EXPECT_EQ(session.currentUnitObject().facts().cellsCutOff, 0);
     open(path);
     commands.files.close();
-    EXPECT_EQ(session.header().cellsCutOff, 0);
+    EXPECT_EQ(session.Units(3).facts().cellsCutOff, 0);
 }
 
 TEST_F(Commands, AFailedPortSearchGoesBackToTheUsersPort) {

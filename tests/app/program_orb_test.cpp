@@ -19,10 +19,6 @@ class ProgramOrb : public ProgramTest {
  protected:
     ProgramOrb() {
         session.makeUnits();
-        for (int slot : {3, 4}) {
-            session.FW_ReleaseTable.at(static_cast<std::size_t>(slot)) = 5;
-            session.FW_BuildTable.at(static_cast<std::size_t>(slot)) = 99;
-        }
         session.link.load();
     }
 

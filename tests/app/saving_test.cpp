@@ -296,9 +296,12 @@ TEST_F(SavingBeside, SaveAsTakesTheNewNameWhenTheFileIsThereAndKeepsTheOldOneWhe
 
 TEST_F(SavingBeside, AFirmwareThatTheUnitTellsMeanwhileIsNotForgotten) {
     commands.saves.save();
-    session.header().firmwareCode = 4001;  // as a calibration that was moved has it
+    Unit& unit = session.currentUnitObject();
+    Calibration moved = unit.calibration();
+    moved.facts.firmwareCode = 4001;
+    unit.calibration(moved);
     diskIsDone();
-    EXPECT_EQ(session.header().firmwareCode, 4001);
+    EXPECT_EQ(unit.facts().firmwareCode, 4001);
 }
 
 // ---- Another program on the file

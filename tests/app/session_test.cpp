@@ -63,7 +63,7 @@ TEST_F(SessionTest, AnOldCalibrationInHandIsBroughtToTheFirmwareThatTheUnitTells
     EXPECT_FLOAT_EQ(unit().get("scale1"), 8.555f);
     EXPECT_NEAR(unit().DirectIndex(150), 0.977517, 1e-5);
     EXPECT_TRUE(told("Your BIN file has been updated to work with this firmware."));
-    EXPECT_EQ(session.header().firmwareCode, 5099);
+    EXPECT_EQ(session.currentUnitObject().facts().firmwareCode, 5099);
 }
 
 TEST_F(SessionTest, AUnitOfTheCalibrationsKindTurnsOnTheFlyOnAndItsLossOff) {
@@ -84,10 +84,6 @@ TEST_F(SessionTest, AFileOpenedAfterTheUnitWasFoundTakesChangesOnTheFlyToo) {
     ASSERT_TRUE(unit().set("KNK_MIN", 50.0));
     session.link.tick();
     EXPECT_EQ(fake.port.written.back(), "P2S10411228048");
-}
-
-TEST_F(SessionTest, TheProgramsVersionStandsInFilesAsMinorAndRevision) {
-    EXPECT_FLOAT_EQ(fake.forUnits.programVersion(), 10.2f);
 }
 
 TEST_F(SessionTest, AFullDiskTurnsFileLoggingOffAndSaysSoOnce) {
@@ -138,8 +134,6 @@ TEST_F(SessionTest, AUnitOfAnotherKindIsNotProgrammed) {
 }
 
 TEST_F(SessionTest, TheExpectedFirmwareIsNotWarnedOf) {
-    session.FW_ReleaseTable[3] = 5;
-    session.FW_BuildTable[3] = 99;
     openForProgramming("ZQA-405099");
     boxes().clear();
     EXPECT_TRUE(programs());
@@ -159,6 +153,17 @@ TEST_F(SessionTest, AUnitThatFallsSilentFailsTheRunInTheUsersWords) {
 TEST_F(SessionTest, WhatTheLinkReportsIsToldInTheUsersWords) {
     fake.forLink.displayMessage(1006);
     EXPECT_EQ(box().text, "The datalog has been successfully downloaded.");
+}
+
+TEST_F(SessionTest, WhatAUnitObjectReportsIsToldInTheUsersWords) {
+    fake.forUnits.heard({.event = UnitEvent::Saved});
+    EXPECT_EQ(box().title, "Data Saved.");
+    EXPECT_EQ(box().text, "Data has been saved Successfully!");
+    fake.forUnits.heard({.event = UnitEvent::Migrated});
+    EXPECT_EQ(box().title, "Zentaq4");
+    EXPECT_EQ(box().text,
+              "Your BIN file has been updated to work with this firmware.\n"
+              "You should do a Save As... and reprogram your unit.");
 }
 
 TEST_F(SessionTest, APortNumberBelowOneIsOneFromThenOn) {

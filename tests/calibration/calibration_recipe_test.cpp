@@ -160,7 +160,7 @@ TEST_P(Samples, BecomeAnImageOfWholeBytes) {
 TEST_P(Samples, CanStartAnEngine) {
     const auto made = sample();
     Unit& unit = made->unit;
-    EXPECT_EQ(unit.FW_Release(), unit.kind().defaultRelease);
+    EXPECT_EQ(unit.FW_Release(), unit.kind().expected.release);
     EXPECT_EQ(unit.FW_Build(), 99);
     EXPECT_GT(unit.get("CYL_Number"), 0);
     if (unit.has("scale1")) {

@@ -108,7 +108,7 @@ TEST_F(NewCalibration, GetsTheFirmwareOfItsKindWhenNoneIsKnown) {
     make(oneBar);
     EXPECT_EQ(unit.FW_Release(), 5);
     EXPECT_EQ(unit.FW_Build(), 99);
-    EXPECT_EQ(calibration.host.header().firmwareCode, 5099);
+    EXPECT_EQ(calibration.unit.facts().firmwareCode, 5099);
     EXPECT_EQ(calibration.host.header().fileState, "NEW");
 }
 
@@ -117,7 +117,7 @@ TEST_F(NewCalibration, KeepsTheFirmwareThatAUnitHasTold) {
     unit.FW_Build(12);
     startNewCalibration(unit);
     EXPECT_EQ(unit.FW_Release(), 4);
-    EXPECT_EQ(calibration.host.header().firmwareCode, 4012);
+    EXPECT_EQ(calibration.unit.facts().firmwareCode, 4012);
 }
 
 TEST_F(NewCalibration, SpreadsTheSpeedAxisInEqualStepsUpToTheRevLimit) {
@@ -215,9 +215,9 @@ TEST_F(NewCalibration, SetsThePinsAndTheOptionBits) {
 }
 
 TEST_F(NewCalibration, IdleTemperaturesStayTheSameForATunerWhoReadsFahrenheit) {
-    class FahrenheitHost : public QuietHost {
+    class FahrenheitHost : public DatabaseHost {
      public:
-        using QuietHost::QuietHost;
+        using DatabaseHost::DatabaseHost;
         bool fahrenheit() const override { return true; }
     } host(&database);
     Unit other(orbaKind(), host);

@@ -54,7 +54,7 @@ class HeadlessBench : public ::testing::Test {
     ManualClock clock;
     ScriptedPort port{clock};
     StepOfABench pass{port};
-    PlainUnitHost unitHost;
+    QuietHost unitHost;
     bool stop = false;
     int watched = 0;
     HeadlessSession session;

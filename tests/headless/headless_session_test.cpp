@@ -16,7 +16,7 @@ using testing::ElementsAre;
 class Headless : public HeadlessBench {
  protected:
     Headless() : HeadlessBench(&calibration) {
-        unitHost.folder = folder.path();
+        unitHost.applicationFolder(folder.path());
         // Any calibration that converts: some cells are divisors, and the sensor must be one.
         for (int index = 0; index < Unit::cellCount; ++index) calibration.AssignDirectIndex(20, index);
         const CellMap& cells = calibration.kind().cells;
@@ -210,7 +210,7 @@ TEST_F(HeadlessUnit, AStopBeforeTheFirstByteSendsNothing) {
 }
 
 TEST_F(HeadlessUnit, ACalibrationThatMakesNoImageThrows) {
-    unitHost.folder = folder.path("nowhere");
+    unitHost.applicationFolder(folder.path("nowhere"));
     EXPECT_THROW(program(), FileError);
     EXPECT_TRUE(port.written().empty());
 }

@@ -36,7 +36,7 @@ class BenchYield : public Yield {
 
 class LinkBench : public testing::Test {
  protected:
-    LinkBench() { host.unitHost.folder = folder.path(); }
+    LinkBench() { host.unitHost.applicationFolder(folder.path()); }
 
     /// Each tick stands at the end of its millisecond.
     void ticks(int count) {

@@ -397,7 +397,7 @@ TEST_F(CalibrationTransfer, ASecondTransferIsRefusedWhileOneRuns) {
 }
 
 TEST_F(CalibrationTransfer, AnUnwritableFolderQueuesNothingAndLetsPollingGoOn) {
-    host.unitHost.folder = folder.path("absent");
+    host.unitHost.applicationFolder(folder.path("absent"));
     link.AutoPollSuspended(true);
     EXPECT_THROW(link.Program_Unit(TransferMode::Calibration, ""), FileError);
     EXPECT_EQ(link.ring().count(), 0);

@@ -54,7 +54,7 @@ class DirectPort : public SerialPort {
 class Walk {
  public:
     explicit Walk(unsigned seed) : random_(seed) {
-        host.unitHost.folder = folder.path();
+        host.unitHost.applicationFolder(folder.path());
         host.unit(3).BinFile("car.ZQ4OA");
         for (int index = 0; index < Unit::cellCount; ++index) host.unit(3).AssignDirectIndex(2, index);
         open();

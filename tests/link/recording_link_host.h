@@ -9,37 +9,13 @@
 #include <vector>
 
 #include "link/link_teller.h"
+#include "unit/quiet_host.h"
 #include "unit/unit.h"
-#include "unit/unit_host.h"
 #include "unit/unit_kind.h"
 
 namespace zentaq {
 
 using Texts = std::vector<std::string>;
-
-/// What a Unit object needs.
-class PlainUnitHost : public UnitHost {
- public:
-    void sysLog(std::string_view) override {}
-    void addToLastLine(std::string_view) override {}
-    void displayMessage(int, std::string_view) override {}
-    void inform(std::string_view) override {}
-    void sendOnFly(std::string_view) override {}
-    std::optional<EngineFacts> engine(int, int) override { return std::nullopt; }
-    std::optional<SensorFacts> mapSensor(int) override { return std::nullopt; }
-    bool fahrenheit() const override { return false; }
-    bool firmwareKnownFromLink(int) const override { return false; }
-    LinkedState& linkedState(int slot) override { return linkedStates[slot]; }
-    FileHeader& header() override { return fileHeader; }
-    float programVersion() const override { return 10.2F; }
-    std::string applicationFolder() const override { return folder; }
-    void yield() override {}
-    void formsChanged() override {}
-
-    FileHeader fileHeader;
-    std::map<int, LinkedState> linkedStates;
-    std::string folder;
-};
 
 class RecordingLinkHost : public LinkTeller {
  public:
@@ -104,7 +80,7 @@ class RecordingLinkHost : public LinkTeller {
         boxes.clear();
     }
 
-    PlainUnitHost unitHost;
+    QuietHost unitHost;
     std::map<int, std::unique_ptr<Unit>> units;
     int current = 0;
     float fileCode = 0;

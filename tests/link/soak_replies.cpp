@@ -78,7 +78,7 @@ constexpr double halfALastPlace = 0.051;
 }  // namespace
 
 ReplyStorm::ReplyStorm() {
-    host_.unitHost.folder = folder_.path().string();
+    host_.unitHost.applicationFolder(folder_.path().string());
     firmware_ = folder_.write("new.nv3", "S1LINE1\r\nS1LINE2\r\n");
     link_.RS232_Initialize(1);
 }

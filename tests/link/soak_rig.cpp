@@ -58,7 +58,7 @@ Soak::Soak(const SoakOptions& options)
           link_, host_.linkDisplay, [this] { link_.Send_ORB_Command("T"); }, [] {}),
       unit_(*sim::findProfile(options.model), sim::defaultIdentity(*sim::findProfile(options.model))),
       slot_(unitKindOfSerial(static_cast<std::int32_t>(unit_.identity().serial))->slot) {
-    host_.unitHost.folder = folder_.path().string();
+    host_.unitHost.applicationFolder(folder_.path().string());
     host_.current = slot_;
     host_.fileCode = 4099;
     Unit& calibration = host_.unit(slot_);

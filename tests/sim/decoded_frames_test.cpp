@@ -43,7 +43,7 @@ class DecodedFrames : public testing::TestWithParam<DecodedCase> {
     const UnitProfile& profile = *findProfile(GetParam().model);
     SimulatedUnit simulated{profile, defaultIdentity(profile)};
     EngineModel engine{{.serial = defaultIdentity(profile).serial, .drive = nullptr}};
-    PlainUnitHost host;
+    QuietHost host;
     Unit unit{*unitKindOfSlot(GetParam().slot), host};
     zentaq::LiveValues live;
     FrameDecoder decoder{live};
@@ -150,7 +150,7 @@ TEST_P(DecodedFrames, IdentityIsThatOfTheKind) {
     const Bytes reply = ask(simulated, "B");
     ASSERT_EQ(std::ssize(reply), unit.kind().sizes.binFirmLen);
     EXPECT_TRUE(unit.ValidFirmware(firmwareBytes(reply)));
-    EXPECT_EQ(firmwareNumber(firmwareBytes(reply)), (FirmwareVersion{unit.kind().defaultRelease, 99}));
+    EXPECT_EQ(firmwareNumber(firmwareBytes(reply)), (FirmwareVersion{unit.kind().expected.release, 99}));
     EXPECT_EQ(ask(simulated, "D").size(), static_cast<std::size_t>(unit.kind().sizes.dataRecordLen));
 }
 

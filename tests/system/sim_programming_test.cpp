@@ -66,7 +66,7 @@ sim::UnitIdentity identityWith(const sim::UnitProfile& profile, std::optional<st
 struct Bench {
     explicit Bench(std::string_view model, std::optional<std::string> firmware = {})
         : profile(*sim::findProfile(model)), unit(profile, identityWith(profile, std::move(firmware))) {
-        host.unitHost.folder = folder.path();
+        host.unitHost.applicationFolder(folder.path());
     }
     void ticks(int count) {
         for (int i = 0; i < count; ++i) {

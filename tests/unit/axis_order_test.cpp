@@ -14,7 +14,7 @@ using ::testing::IsEmpty;
 class AxisOrder : public ::testing::Test {
  protected:
     AxisOrder() {
-        calibration.host.head.programVersion = 10;
+        setProgramVersion(calibration.unit, 10);
         unit.AssignDirectIndex(0.05F, 126);  // volts a kPa
         for (const char* table : {"ADV", "GPO1", "GPO2"}) {
             unit.SET_TBL_DIMENSIONS(table, "ROWS", 16);

@@ -51,7 +51,7 @@ TEST_F(CalibrationFile, ANewFileIs11324BytesOfHeaderAndCells) {
     EXPECT_EQ(floatAt(bytes, 3 + 560), 'T');
     EXPECT_EQ(floatAt(bytes, 3 + 2827), 8.5F);
     EXPECT_EQ(bytes.substr(0, 4), std::string("\x00\x00\x40\x40", 4));  // 3.0, low byte first
-    EXPECT_THAT(host.messages, ElementsAre(RecordingHost::Box{1001, ""}));
+    EXPECT_THAT(host.events, ElementsAre(UnitEvent::Saved));
     EXPECT_THAT(folder.names(), ElementsAre("Tune.ZQ4OA"));
 }
 
@@ -67,11 +67,11 @@ TEST_F(CalibrationFile, SavingOverALongerFileKeepsItsSurplus) {
 
 TEST_F(CalibrationFile, AFileThatCannotBeWrittenIsAFileErrorAndNothingIsTold) {
     unit.BinFile("/no/such/folder/Tune.ZQ4OA");
-    host.head.firmwareCode = 2010;
+    setFirmwareCode(unit, 2010);
     unit.FW_Build(99);
     EXPECT_THROW(unit.SaveFile(), FileError);
-    EXPECT_THAT(host.messages, IsEmpty());
-    EXPECT_EQ(host.head.firmwareCode, 2010);
+    EXPECT_THAT(host.events, IsEmpty());
+    EXPECT_EQ(unit.facts().firmwareCode, 2010);
 }
 
 TEST_F(CalibrationFile, SavingWithoutAPathIsAFileError) {
@@ -83,8 +83,8 @@ TEST_F(CalibrationFile, SavingWithoutAPathIsAFileError) {
 TEST_F(CalibrationFile, OpeningReadsTheHeaderAndTellsTheForms) {
     open({9.44F, 4012, {{0, 5}, {1, 128}, {2, 1}, {34, 42}}});
     EXPECT_EQ(host.head.currentUnit, 3);
-    EXPECT_EQ(host.head.programVersion, 9.44F);
-    EXPECT_EQ(host.head.firmwareCode, 4012);
+    EXPECT_EQ(unit.facts().programVersion, 9.44F);
+    EXPECT_EQ(unit.facts().firmwareCode, 4012);
     EXPECT_EQ(host.head.fileState, "OLD");
     EXPECT_EQ(unit.FW_Release(), 4);
     EXPECT_EQ(unit.FW_Build(), 12);
@@ -105,10 +105,10 @@ TEST_F(CalibrationFile, OpeningSendsNothingToARunningUnit) {
 
 TEST_F(CalibrationFile, MoreThan3001FloatsAreABoundsErrorAndNothingChanges) {
     unit.set("KNK_MIN", 50);
-    host.head.firmwareCode = 4001;
+    setFirmwareCode(unit, 4001);
     EXPECT_THROW(openBytes(std::string(12 + 4 * 3002, '\0')), BoundsError);
     EXPECT_EQ(unit.get("KNK_MIN"), 50);
-    EXPECT_EQ(host.head.firmwareCode, 4001);
+    EXPECT_EQ(unit.facts().firmwareCode, 4001);
     EXPECT_EQ(host.formChanges, 0);
 }
 
@@ -144,7 +144,7 @@ TEST_F(CalibrationFile, ARepairThatFailsLeavesTheOldCalibrationWhole) {
     EXPECT_EQ(unit.controlByte(0), 2);
     EXPECT_EQ(unit.FW_Release(), 0);
     EXPECT_EQ(host.head.fileState, "");
-    EXPECT_EQ(host.head.firmwareCode, 0);
+    EXPECT_EQ(unit.facts().firmwareCode, 0);
 }
 
 // ---- Firmware
@@ -163,7 +163,7 @@ TEST_F(CalibrationFile, TheLinksFirmwareGoesBeforeTheFiles) {
     open({9.44F, 4012});
     EXPECT_EQ(unit.FW_Release(), 5);
     EXPECT_EQ(unit.FW_Build(), 3);
-    EXPECT_EQ(host.head.firmwareCode, 4012);
+    EXPECT_EQ(unit.facts().firmwareCode, 4012);
 }
 
 // ---- Sensor repair
@@ -262,7 +262,7 @@ TEST_F(CalibrationFile, InjectorScalingMovesUpWithTheFirmware) {
     open({9.44F, 2010, {{148, 10}, {150, 1}}});
     EXPECT_FLOAT_EQ(unit.DirectIndex(150), 1.9775171F);  // 1 + 10 * 100 / 1023
     EXPECT_EQ(unit.DirectIndex(148), 8.555F);            // 10 * 876 / 1024 = 8.5547
-    EXPECT_EQ(host.head.firmwareCode, 5004);
+    EXPECT_EQ(unit.facts().firmwareCode, 5004);
     EXPECT_THAT(host.informed, ElementsAre("Your BIN file has been updated to work with this firmware.\n"
                                            "You should do a Save As... and reprogram your unit."));
 }
@@ -273,7 +273,7 @@ TEST_F(CalibrationFile, InjectorScalingMovesDownWithTheFirmware) {
     open({9.44F, 4010, {{148, 10}, {150, 1}}});
     EXPECT_NEAR(unit.DirectIndex(150), 0.0224829, 1e-6);  // 1 - 10 * 100 / 1023
     EXPECT_EQ(unit.DirectIndex(148), 11.689F);            // 10 / (876 / 1024) = 11.6895
-    EXPECT_EQ(host.head.firmwareCode, 2000);
+    EXPECT_EQ(unit.facts().firmwareCode, 2000);
 }
 
 TEST_F(CalibrationFile, InjectorScalingStaysWhileNoUnitHasToldItsFirmware) {
@@ -303,7 +303,7 @@ TEST_F(CalibrationFile, AFileWithoutAReleaseIsNoOldOneForTheLink) {
             unit.FW_Release(release);
             EXPECT_EQ(unit.DirectIndex(148), 10) << code << " " << release;
             EXPECT_EQ(unit.DirectIndex(150), 1) << code << " " << release;
-            EXPECT_EQ(host.head.firmwareCode, code);
+            EXPECT_EQ(unit.facts().firmwareCode, code);
         }
     }
     EXPECT_THAT(host.informed, IsEmpty());
@@ -351,7 +351,7 @@ TEST_F(CalibrationFile, ANewReleaseOfAnOpenCalibrationMovesSensorAndInjectors) {
     EXPECT_EQ(unit.get("MAP_ID"), 1);
     EXPECT_EQ(unit.get("MAP_Scaler"), 0.05F);
     EXPECT_EQ(unit.DirectIndex(148), 8.555F);
-    EXPECT_EQ(host.head.firmwareCode, 5007);
+    EXPECT_EQ(unit.facts().firmwareCode, 5007);
     unit.FW_Release(5);
     EXPECT_EQ(host.informed.size(), 1U);
     EXPECT_EQ(unit.DirectIndex(148), 8.555F);
@@ -365,7 +365,7 @@ TEST_F(CalibrationFile, ANewUnitThatCameAndWentLeavesAnOldFilesInjectorsAlone) {
     unit.FW_Release(2);
     EXPECT_EQ(unit.DirectIndex(148), 10);
     EXPECT_EQ(unit.DirectIndex(150), 1);
-    EXPECT_EQ(host.head.firmwareCode, 2010);
+    EXPECT_EQ(unit.facts().firmwareCode, 2010);
     EXPECT_THAT(host.informed, IsEmpty());
 }
 
@@ -390,7 +390,7 @@ TEST_F(CalibrationFile, InjectorsThatWereMovedUpMoveDownAgain) {
     unit.FW_Release(2);
     EXPECT_EQ(unit.DirectIndex(148), 10);                // 8.555 / (876 / 1024) = 10.0004
     EXPECT_NEAR(unit.DirectIndex(150), 1.141251, 1e-5);  // 1 + (10 - 8.555) * 100 / 1023
-    EXPECT_EQ(host.head.firmwareCode, 2010);
+    EXPECT_EQ(unit.facts().firmwareCode, 2010);
     EXPECT_EQ(host.informed.size(), 2U);
 }
 
@@ -428,7 +428,7 @@ TEST_F(CalibrationFile, ClosingClearsTheCalibration) {
     EXPECT_EQ(unit.BinFile(), "");
     EXPECT_EQ(unit.FirmWare(), "");
     EXPECT_EQ(unit.Serial(), "");
-    EXPECT_EQ(host.head.firmwareCode, 0);
+    EXPECT_EQ(unit.facts().firmwareCode, 0);
     for (int i = 0; i < Unit::cellCount; ++i) ASSERT_EQ(unit.DirectIndex(i), 0) << i;
 }
 

@@ -118,7 +118,7 @@ TEST(Calibration, PutBackIsAllThatItWasAndNothingIsSent) {
 TEST(Calibration, ItsReleaseComesBackWithoutMovingAnything) {
     OrbaCalibration cal(2, 0);
     cal.host.sensors[1] = {.scale = 0.05F, .offset = -0.5F, .unitsCode = 1};
-    cal.host.head.firmwareCode = 2000;
+    setFirmwareCode(cal.unit, 2000);
     cal.host.firmwareIsKnownFromLink = true;
     cal.unit.AssignDirectIndex(10, 148);
     const Calibration kept = cal.unit.calibration();
@@ -130,9 +130,24 @@ TEST(Calibration, ItsReleaseComesBackWithoutMovingAnything) {
     EXPECT_EQ(cal.host.head.currentUnit, 3);
 }
 
+TEST(Calibration, ACopyKnowsWhatItsFileToldAndGoesOnAsTheOneInHand) {
+    OrbaCalibration opened;
+    opened.unit.FileOpen("tune.ZQ4OA", FileOfFloats(10.2F, 2010, {{148, 10}}).bytes());
+    OrbaCalibration copy;
+    copy.unit.calibration(opened.unit.calibration());
+    for (OrbaCalibration* one : {&opened, &copy}) {
+        one->host.firmwareIsKnownFromLink = true;
+        for (const int size : {2292, 2293}) one->unit.AssignDirectIndex(0, size);
+        EXPECT_EQ(one->unit.GET_TBL_DIMENSIONS("ADV", "ROWS"), 0) << "of a program that knew sizes";
+        one->unit.FW_Release(5);
+        EXPECT_EQ(one->unit.DirectIndex(148), 8.555F) << "it was made for a release below the third";
+    }
+    EXPECT_EQ(copy.unit.calibration(), opened.unit.calibration());
+}
+
 TEST(Calibration, OneThatOwesAReleaseStaysOffTheWireWhenItIsPutBack) {
     OrbaCalibration cal(2, 0);
-    cal.host.head.firmwareCode = 2000;
+    setFirmwareCode(cal.unit, 2000);
     cal.host.referenceTrouble = "locked";
     cal.unit.FW_Release(5);
     const Calibration owing = cal.unit.calibration();
@@ -259,7 +274,7 @@ TEST(CalibrationHook, AReleaseThatMovesTheCalibrationTellsEachCellBehindItsEnd) 
     WatchedOrba cal;
     cal.unit.FW_Release(2);
     cal.host.sensors[1] = {.scale = 0.05F, .offset = -0.5F, .unitsCode = 1};
-    cal.host.head.firmwareCode = 2000;
+    setFirmwareCode(cal.unit, 2000);
     cal.unit.get("MAP_BAR");
     cal.told.clear();
     cal.unit.FW_Release(5);
@@ -398,7 +413,7 @@ class RandomWork {
             case 11:
                 return unit_.NOTES_TEXT(std::string(static_cast<std::size_t>(below(300)), 'n'));
             case 12:
-                host_.head.firmwareCode = static_cast<float>(below(7) * 1000);
+                setFirmwareCode(unit_, static_cast<float>(below(7) * 1000));
                 return unit_.FW_Release(below(7));
             case 13:
                 unit_.FW_Build(below(100));

@@ -20,6 +20,11 @@ std::string fileOf(float first, float second, std::size_t bytes) {
     return content;
 }
 
+TEST(FileKind, FilesCarryTheMinorPartOfTheProgramsVersion) {
+    const std::string version = ZENTAQ_VERSION;  // "4.10.2" is written as 10.2
+    EXPECT_FLOAT_EQ(programVersion(), std::stof(version.substr(version.find('.') + 1)));
+}
+
 TEST(FileKind, TheFirstNumberNamesTheUnit) {
     const TemporaryFolder folder;
     for (const int slot : {3, 4, 5, 6, 7, 8}) {

@@ -94,7 +94,7 @@ class FileOfAnyKind : public ::testing::TestWithParam<int> {
         std::vector<float> floats(static_cast<std::size_t>(headerFloats + cells));
         floats[0] = kind->fileKind;
         floats[1] = 10.2F;
-        floats[2] = static_cast<float>(kind->defaultRelease * 1000 + kind->defaultBuild);
+        floats[2] = static_cast<float>(kind->expected.release * 1000 + kind->expected.build);
         for (int i = 0; i < cells; ++i) floats[static_cast<std::size_t>(headerFloats + i)] = plainCell(i);
         return floats;
     }
@@ -194,8 +194,8 @@ TEST_P(OddFirmwareCode, ThatRoundsToNothingIsAsGoodAsNone) {
         SCOPED_TRACE(code);
         Program program(*kind);
         open(program, code);
-        EXPECT_EQ(program.unit.FW_Release(), kind->defaultRelease);
-        EXPECT_EQ(program.unit.FW_Build(), kind->defaultBuild);
+        EXPECT_EQ(program.unit.FW_Release(), kind->expected.release);
+        EXPECT_EQ(program.unit.FW_Build(), kind->expected.build);
     }
 }
 

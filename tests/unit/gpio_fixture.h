@@ -25,7 +25,7 @@ struct GpioCalibration {
 
     explicit GpioCalibration(int slot, int release = 5, int build = 99) : unit(*unitKindOfSlot(slot), host) {
         host.head.currentUnit = static_cast<float>(slot);
-        host.head.firmwareCode = static_cast<float>(release * 1000 + build);
+        setFirmwareCode(unit, static_cast<float>(release * 1000 + build));
         unit.FW_Release(release);
         unit.FW_Build(build);
         // Ratios of 0 have no byte.

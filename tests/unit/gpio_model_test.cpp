@@ -299,7 +299,7 @@ struct FirmwareCase {
 bool offersOn(int pin, int code, const FirmwareCase& firmware, int slot = 3) {
     GpioCalibration cal(slot, 1, 1);
     cal.unit.FW_Release(firmware.release);
-    cal.host.head.firmwareCode = firmware.code;
+    setFirmwareCode(cal.unit, firmware.code);
     return ::testing::Value(cal.codes(pin), Contains(code));
 }
 
@@ -462,7 +462,7 @@ TEST(RefusedFunctions, TellTheReasonAndWhatThePinOffers) {
                 ::testing::StartsWith("\"Advance Trim\" is for inputs, and pin 0 (W18) is an output; "));
     EXPECT_EQ(cal.model.whyNot(8, 6), "ORB A has no pin 8");
     cal.unit.FW_Release(3);
-    cal.host.head.firmwareCode = 0;
+    setFirmwareCode(cal.unit, 0);
     EXPECT_THAT(cal.model.whyNot(0, 25),
                 ::testing::StartsWith("\"Boost Control\" needs firmware of release 4, and the calibration is "
                                       "for release 3; "));
@@ -496,10 +496,10 @@ Recorded recordedAfter(int slot, int function, float code = 0, int release = 0, 
     GpioCalibration cal(slot, 0, 0);
     cal.unit.FW_Release(release);
     cal.unit.FW_Build(build);
-    cal.host.head.firmwareCode = code;
+    setFirmwareCode(cal.unit, code);
     cal.unit.Set_GPIO_Func(2, function);
     EXPECT_EQ(cal.unit.Get_GPIOFUNC(2), function);
-    return {cal.host.head.firmwareCode, cal.unit.FW_Release(), cal.unit.FW_Build()};
+    return {cal.unit.facts().firmwareCode, cal.unit.FW_Release(), cal.unit.FW_Build()};
 }
 
 TEST(OrbLWithoutFirmware, RecordsTheReleaseThatAFunctionNeeds) {
@@ -532,7 +532,7 @@ TEST(OrbLWithoutFirmware, OffersTheFunctionsThatTellIt) {
     EXPECT_EQ(cal.model.choose(0, 15), GpioChoice::Changed);
     // Release 2 has no boost control.
     EXPECT_THAT(cal.codes(1), Contains(22));
-    cal.host.head.firmwareCode = 0;
+    setFirmwareCode(cal.unit, 0);
     EXPECT_THAT(cal.codes(1), Not(Contains(25)));
     GpioCalibration orbA(3, 0, 0);
     EXPECT_THAT(orbA.codes(4), Not(Contains(15)));

@@ -35,9 +35,9 @@ TEST(UnitKinds, HaveNoFactMissing) {
         EXPECT_GT(kind.fileKind, 0);
         EXPECT_GT(kind.fileFilter, 1) << "the first entry is for all kinds";
         EXPECT_FALSE(kind.serials.empty());
-        EXPECT_GT(kind.defaultRelease, 0);
+        EXPECT_GT(kind.expected.release, 0);
         EXPECT_GT(kind.configurationFrom, 0);
-        EXPECT_GE(kind.newestRelease, kind.defaultRelease);
+        EXPECT_GE(kind.newestRelease, kind.expected.release);
         EXPECT_EQ(kind.pic18From.has_value(), kind.pic18 == Trait::Written);
         EXPECT_GT(kind.fileFloats, kind.orbFileLength);
         EXPECT_NE(kind.image, nullptr);

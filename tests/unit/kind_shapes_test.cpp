@@ -250,7 +250,7 @@ TEST_P(KindShapes, SizesFrom8To24AreStoredInTheirCells) {
 }
 
 TEST_P(KindShapes, AnOldCalibrationIs16By16OnFirstUse) {
-    host.head.programVersion = 9.44F;
+    setProgramVersion(unit, 9.44F);
     for (const char* table : tables) {
         EXPECT_EQ(unit.GET_TBL_DIMENSIONS(table, "ROWS"), 16) << table;
         EXPECT_EQ(unit.GET_TBL_DIMENSIONS(table, "COLS"), 16) << table;

@@ -766,7 +766,7 @@ TEST(OldFile, FirmwareBelow3OnTheLinkKeepsTheRatingAndTheInjectors) {
     EXPECT_EQ(import.cell(128), 0);
     EXPECT_EQ(import.cell(148), 10);
     EXPECT_EQ(import.cell(150), 1);
-    EXPECT_EQ(import.host.head.firmwareCode, 2010);
+    EXPECT_EQ(import.unit.facts().firmwareCode, 2010);
     EXPECT_THAT(import.host.informed, ElementsAre(updated));
 }
 
@@ -829,8 +829,8 @@ TEST(OldFile, TheUserIsToldAndTheStateIsOld) {
     EXPECT_THAT(import.host.informed, ElementsAre(updated));
     EXPECT_EQ(import.host.head.fileState, "OLD");
     EXPECT_EQ(import.host.head.currentUnit, 4);
-    EXPECT_EQ(import.host.head.programVersion, 0);
-    EXPECT_EQ(import.host.head.firmwareCode, 7099);
+    EXPECT_EQ(import.unit.facts().programVersion, 0);
+    EXPECT_EQ(import.unit.facts().firmwareCode, 7099);
     EXPECT_EQ(import.unit.FW_Release(), 7);
     EXPECT_EQ(import.unit.FW_Build(), 99);
     EXPECT_EQ(import.host.formChanges, 1);
@@ -897,12 +897,14 @@ struct State {
     std::array<int, 3> control;
     int release;
     FileHeader header;
+    float firmwareCode;
 
     explicit State(Import& import)
         : cells(import.cells(0, Unit::cellCount)),
           control{import.unit.controlByte(0), import.unit.controlByte(1), import.unit.controlByte(2)},
           release(import.unit.FW_Release()),
-          header(import.host.head) {}
+          header(import.host.head),
+          firmwareCode(import.unit.facts().firmwareCode) {}
 };
 
 void expectSame(const State& a, const State& b) {
@@ -910,7 +912,7 @@ void expectSame(const State& a, const State& b) {
     EXPECT_EQ(a.control, b.control);
     EXPECT_EQ(a.release, b.release);
     EXPECT_EQ(a.header.currentUnit, b.header.currentUnit);
-    EXPECT_EQ(a.header.firmwareCode, b.header.firmwareCode);
+    EXPECT_EQ(a.firmwareCode, b.firmwareCode);
     EXPECT_EQ(a.header.fileState, b.header.fileState);
 }
 
@@ -931,9 +933,9 @@ TEST(OldFile, ATooLongFileIsABoundsErrorAndChangesNothing) {
 class FailingHost : public RecordingHost {
  public:
     int boxesLeft = 0;
-    void inform(std::string_view text) override {
+    void heard(const UnitNews& news) override {
         if (boxesLeft-- == 0) throw Failure("no box");
-        RecordingHost::inform(text);
+        RecordingHost::heard(news);
     }
 };
 
@@ -996,7 +998,7 @@ TEST(OldFile, NothingOfTheFormerCalibrationStays) {
     for (int cell = 0; cell < Unit::cellCount; ++cell) import.unit.AssignDirectIndex(7, cell);
     for (int byte = 0; byte < 3; ++byte) import.unit.controlByte(byte, 255);
     import.unit.teeth({2, 40});
-    import.host.head.programVersion = 10.2F;
+    setProgramVersion(import.unit, 10.2F);
     import.open(ratedFile());
     Import fresh;
     fresh.open(ratedFile());

@@ -11,6 +11,7 @@
 
 #include "base/errors.h"
 #include "unit/entry_outcome.h"
+#include "unit/unit.h"
 #include "unit/unit_host.h"
 
 namespace zentaq {
@@ -24,17 +25,23 @@ inline void PrintTo(const Refusal& refusal, std::ostream* out) {
     *out << refusal.warning << " \"" << refusal.text << "\", " << refusal.entry << " -> " << refusal.limits;
 }
 
+/// As a file of this firmware code would have brought it, and one of this version of the program.
+inline void setFirmwareCode(Unit& unit, float code) {
+    Calibration calibration = unit.calibration();
+    calibration.facts.firmwareCode = code;
+    unit.calibration(calibration);
+}
+inline void setProgramVersion(Unit& unit, float version) {
+    Calibration calibration = unit.calibration();
+    calibration.facts.programVersion = version;
+    unit.calibration(calibration);
+}
+
 class RecordingHost : public UnitHost {
  public:
-    struct Box {
-        int code;
-        std::string text;
-        bool operator==(const Box&) const = default;
-    };
-
     // ---- What happened, in order
-    std::vector<Box> messages;
-    std::vector<std::string> informed;
+    std::vector<UnitEvent> events;
+    std::vector<std::string> informed;  ///< what a user reads of them in plain boxes
     std::vector<std::string> log;
     std::vector<std::string> lastLineAdditions;
     std::vector<std::string> sent;
@@ -42,7 +49,7 @@ class RecordingHost : public UnitHost {
     int formChanges = 0;
 
     // ---- What the program around it is like. A calibration of kind 3 is in hand.
-    FileHeader head{.currentUnit = 3, .programVersion = 0, .firmwareCode = 0, .fileState = ""};
+    FileHeader head{.currentUnit = 3, .fileState = ""};
     std::map<std::pair<int, int>, EngineFacts> engines;  ///< by kind and option type
     std::map<int, SensorFacts> sensors;                  ///< by id
     std::string referenceTrouble;  ///< why the reference data cannot be asked; empty where it can
@@ -51,15 +58,14 @@ class RecordingHost : public UnitHost {
     int linkedSlot = 3;  ///< of the unit that told it
     bool linkFails = false;
     std::map<int, LinkedState> linkedStates;  ///< by slot
-    float version = 10.2F;
     std::string folder;
 
     void sysLog(std::string_view text) override { log.emplace_back(text); }
     void addToLastLine(std::string_view text) override { lastLineAdditions.emplace_back(text); }
-    void displayMessage(int code, std::string_view text) override {
-        messages.push_back({code, std::string(text)});
+    void heard(const UnitNews& news) override {
+        events.push_back(news.event);
+        if (news.event != UnitEvent::Saved) informed.push_back(textOf(news));
     }
-    void inform(std::string_view text) override { informed.emplace_back(text); }
     void sendOnFly(std::string_view record) override {
         if (linkFails) throw std::runtime_error("the link is down");
         sent.emplace_back(record);
@@ -80,14 +86,13 @@ class RecordingHost : public UnitHost {
     }
     LinkedState& linkedState(int slot) override { return linkedStates[slot]; }
     FileHeader& header() override { return head; }
-    float programVersion() const override { return version; }
     std::string applicationFolder() const override { return folder; }
     void yield() override { ++yields; }
     void formsChanged() override { ++formChanges; }
 
     /// Forgets what happened; the program around stays as it is.
     void forget() {
-        messages.clear();
+        events.clear();
         informed.clear();
         log.clear();
         lastLineAdditions.clear();

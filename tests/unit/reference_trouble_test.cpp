@@ -55,7 +55,7 @@ TEST_F(WithoutReference, AFileThatHasToBeConvertedIsNotOpenedAndTheFormerCalibra
         failureOf([&] { unit.FileOpen(oldRelease()); }),
         "MAP sensor 2 of the reference database is needed to convert it: it is in use by another program");
     EXPECT_EQ(cells(), before);
-    EXPECT_EQ(host.head.firmwareCode, 0);
+    EXPECT_EQ(unit.facts().firmwareCode, 0);
     EXPECT_EQ(unit.FW_Release(), 5);
 }
 
@@ -74,7 +74,7 @@ TEST_F(WithoutReference, AReleaseThatCannotBeReachedChangesNothingAndIsTold) {
     unit.FW_Release(5);
     EXPECT_EQ(unit.FW_Release(), 2);
     EXPECT_EQ(cells(), before);
-    EXPECT_EQ(host.head.firmwareCode, 2010);
+    EXPECT_EQ(unit.facts().firmwareCode, 2010);
     EXPECT_THAT(host.informed,
                 ElementsAre("The calibration could not be brought to firmware release 5.\n"
                             "MAP sensor 2 of the reference database is needed to convert it: it is in use by "
@@ -102,7 +102,7 @@ TEST_F(WithoutReference, NoImageIsMadeAndNothingIsSentUntilTheReleaseIsReached) 
     unit.ConvertData();
     EXPECT_EQ(unit.FW_Release(), 5);
     EXPECT_EQ(unit.get("MAP_Scaler"), 0.0252F);
-    EXPECT_EQ(host.head.firmwareCode, 5010);
+    EXPECT_EQ(unit.facts().firmwareCode, 5010);
     unit.ONFLY_MODE(true);
     EXPECT_TRUE(unit.ONFLY_MODE());
 }

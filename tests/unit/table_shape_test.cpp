@@ -9,7 +9,7 @@ namespace {
 
 TEST(TableDimensions, ANewerCalibrationAnswersItsCells) {
     OrbaCalibration cal;
-    cal.host.head.programVersion = 9.45F;
+    setProgramVersion(cal.unit, 9.45F);
     EXPECT_EQ(cal.unit.GET_TBL_DIMENSIONS("ADV", "ROWS"), 0);
     EXPECT_EQ(cal.unit.DirectIndex(2292), 0);
 }

@@ -91,7 +91,7 @@ TEST_P(Kinds, SaveFilesOfTheirOwnLengthThatOpenAgain) {
     unit.SaveFile();
     const std::string content = contentOf(path);
     EXPECT_EQ(content.size(), row.cells.fileBytes);
-    EXPECT_EQ(host.header().firmwareCode, row.firmware.unknown);
+    EXPECT_EQ(unit.facts().firmwareCode, row.firmware.unknown);
 
     Unit again(unit.kind(), host);
     again.FileOpen(path);
@@ -113,7 +113,7 @@ TEST_P(Kinds, SaveReleasesUpToTheirNewestAndLaterOnesAsUnknown) {
         saved.SaveFile();
         const float code =
             release <= row.firmware.newest ? static_cast<float>(release * 1000 + 10) : row.firmware.unknown;
-        EXPECT_EQ(host.header().firmwareCode, code) << release;
+        EXPECT_EQ(saved.facts().firmwareCode, code) << release;
         Unit again(unit.kind(), host);
         again.FileOpen(path);
         EXPECT_EQ(static_cast<float>(again.FW_Release() * 1000 + again.FW_Build()), code) << release;
@@ -309,7 +309,7 @@ TEST_F(NullUnit, IsSilentAboutEverythingElse) {
     EXPECT_NO_THROW(unit.ConvertData());
     EXPECT_NO_THROW(unit.SaveFile());
     EXPECT_NO_THROW(unit.FileOpen("/no/such/file"));
-    EXPECT_TRUE(host.messages.empty());
+    EXPECT_TRUE(host.events.empty());
 }
 
 TEST_F(NullUnit, TakesNoWrites) {

@@ -69,7 +69,6 @@ class OrbASession : public FakesTest {
     OrbASession() {
         fake.session.makeUnits();
         fake.session.CurrentUnit(orbA);
-        fake.session.header().programVersion = 9.44f;
         unit().FW_Release(5);
     }
     Unit& unit() { return fake.session.currentUnitObject(); }

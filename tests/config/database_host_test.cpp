@@ -1,4 +1,4 @@
-#include "config/quiet_host.h"
+#include "config/database_host.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,10 +14,10 @@ using refdata::TemporaryFolder;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-class QuietHostTest : public ::testing::Test {
+class DatabaseHostTest : public ::testing::Test {
  protected:
     QuietCalibration calibration{orbaKind()};
-    QuietHost& host = calibration.host;
+    DatabaseHost& host = calibration.host;
     Unit& unit = calibration.unit;
 
     std::string refusalOf(std::string_view member, const Entry& value) {
@@ -25,7 +25,7 @@ class QuietHostTest : public ::testing::Test {
     }
 };
 
-TEST_F(QuietHostTest, ARefusedValueThrowsTheWarningWithItsRangeAndChangesNothing) {
+TEST_F(DatabaseHostTest, ARefusedValueThrowsTheWarningWithItsRangeAndChangesNothing) {
     setOrThrow(unit, "KNK_MIN", 40);
     EXPECT_EQ(refusalOf("KNK_MIN", 101), "Warning 1001: Data Input Error: (2 to 100 units) - Invalid Entry.");
     EXPECT_THAT(refusalOf("KNK_MIN", "fifty"), HasSubstr("Warning 1000: Data Input Error"));
@@ -34,34 +34,34 @@ TEST_F(QuietHostTest, ARefusedValueThrowsTheWarningWithItsRangeAndChangesNothing
     EXPECT_EQ(unit.get("KNK_MIN"), 40);
 }
 
-TEST_F(QuietHostTest, AValueAtEitherEndOfItsRangeIsTaken) {
+TEST_F(DatabaseHostTest, AValueAtEitherEndOfItsRangeIsTaken) {
     setOrThrow(unit, "KNK_MIN", 2);
     EXPECT_EQ(unit.get("KNK_MIN"), 2);
     setOrThrow(unit, "KNK_MIN", 100);
     EXPECT_EQ(unit.get("KNK_MIN"), 100);
 }
 
-TEST_F(QuietHostTest, ANumberThatFitsNoFloatIsAnOverflow) {
+TEST_F(DatabaseHostTest, ANumberThatFitsNoFloatIsAnOverflow) {
     EXPECT_THROW(setOrThrow(unit, "BHP", "1e39"), Overflow);
     EXPECT_EQ(unit.get("BHP"), 0);
 }
 
-TEST_F(QuietHostTest, AMemberThatTheKindLacksIsNamed) {
+TEST_F(DatabaseHostTest, AMemberThatTheKindLacksIsNamed) {
     EXPECT_EQ(failureOf<NoSuchMember>([&] { setOrThrow(unit, "KNK_MEAN", 1); }),
               "ORB A has no member KNK_MEAN");
 }
 
-TEST_F(QuietHostTest, ADerivedMemberCannotBeSet) {
+TEST_F(DatabaseHostTest, ADerivedMemberCannotBeSet) {
     EXPECT_THROW(setOrThrow(unit, "MAPMax", 200), NoSuchMember);
 }
 
-TEST_F(QuietHostTest, WhatIsIgnoredIsNamed) {
+TEST_F(DatabaseHostTest, WhatIsIgnoredIsNamed) {
     EXPECT_NO_THROW(throwIfRefused({}, "BHP", "5"));
     EXPECT_EQ(failureOf<Refused>([] { throwIfRefused(EntryOutcome::ignored(), "GPO1.X-Axis", "5"); }),
               "GPO1.X-Axis does not take 5");
 }
 
-TEST_F(QuietHostTest, ABasicFigureTakesWhatItsCellHoldsThoughItsLimitsHaveMoved) {
+TEST_F(DatabaseHostTest, ABasicFigureTakesWhatItsCellHoldsThoughItsLimitsHaveMoved) {
     constexpr int flowCell = 2206;
     unit.set("CYL_Number", 4);
     unit.set("INJ_Number", 4);
@@ -76,34 +76,29 @@ TEST_F(QuietHostTest, ABasicFigureTakesWhatItsCellHoldsThoughItsLimitsHaveMoved)
     EXPECT_EQ(unit.DirectIndex(flowCell), 20);
 }
 
-TEST_F(QuietHostTest, AFigureThatSharesItsCellIsNotTakenForTheCell) {
+TEST_F(DatabaseHostTest, AFigureThatSharesItsCellIsNotTakenForTheCell) {
     constexpr int cylindersAndEvents = 8;
     unit.AssignDirectIndex(68, cylindersAndEvents);  // 4 * 16 + 4
     EXPECT_EQ(refusalOf("CYL_Number", 68), "Warning 1001: Data Input Error: (0 to 15) - Invalid Entry.");
     EXPECT_EQ(unit.DirectIndex(cylindersAndEvents), 68);
 }
 
-TEST_F(QuietHostTest, RecordsAreKeptInOrder) {
+TEST_F(DatabaseHostTest, RecordsAreKeptInOrder) {
     unit.ONFLY_MODE(true);
     setOrThrow(unit, "CYL_OvrThr", 20);  // 20 * 4 = 80 = 0x50 at 0x1141
     setOrThrow(unit, "CYL_CutDly", 10);  // 0x0A at 0x1142: 4 + 0x11 + 0x42 + 0x0A = 0x61
     EXPECT_THAT(host.records(), ElementsAre("S10411415059", "S10411420A9E"));
 }
 
-TEST_F(QuietHostTest, WithoutADatabaseWhatNeedsAnEngineOrASensorFails) {
+TEST_F(DatabaseHostTest, WithoutADatabaseWhatNeedsAnEngineOrASensorFails) {
     EXPECT_EQ(failureOf<Failure>([&] { host.engine(3, 1); }), "There is no reference database");
     EXPECT_EQ(failureOf<Failure>([&] { host.mapSensor(1); }), "There is no reference database");
 }
 
-TEST_F(QuietHostTest, TheReasonWhyThereIsNoDatabaseIsPassedOn) {
+TEST_F(DatabaseHostTest, TheReasonWhyThereIsNoDatabaseIsPassedOn) {
     const auto locked = []() -> const Database& { throw Failure("it is in use by another program"); };
-    QuietHost other{DatabaseSource(std::function<const Database&()>(locked))};
+    DatabaseHost other{DatabaseSource(std::function<const Database&()>(locked))};
     EXPECT_EQ(failureOf<Failure>([&] { other.mapSensor(1); }), "it is in use by another program");
-}
-
-TEST(QuietHost, FileHeadersCarryTheMinorPartOfTheVersion) {
-    const std::string version = ZENTAQ_VERSION;  // "4.10.2" is written as 10.2
-    EXPECT_FLOAT_EQ(QuietHost().programVersion(), std::stof(version.substr(version.find('.') + 1)));
 }
 
 class FileKinds : public ::testing::Test {

@@ -1,4 +1,4 @@
-#include "config/quiet_host.h"
+#include "config/database_host.h"
 
 #include <cmath>
 #include <variant>
@@ -27,26 +27,17 @@ const Database& DatabaseSource::get() const {
     return *database_;
 }
 
-void QuietHost::sysLog(std::string_view text) {
-    lastLogLine_ = text;
-}
-
-std::optional<EngineFacts> QuietHost::engine(int kind, int optionType) {
+std::optional<EngineFacts> DatabaseHost::engine(int kind, int optionType) {
     const auto row = database_.get().engine(kind, optionType);
     if (!row) return {};
     return engineFacts(*row);
 }
 
-std::optional<SensorFacts> QuietHost::mapSensor(int id) {
+std::optional<SensorFacts> DatabaseHost::mapSensor(int id) {
     const auto row = database_.get().mapSensor(id);
     // A window shows which sensor is in use; here nobody would see that it is another one.
     if (!row) throw Failure("There is no such sensor in the reference database");
     return SensorFacts{row->scale, row->offset, row->units};
-}
-
-float QuietHost::programVersion() const {
-    constexpr std::size_t majorPart = 2;  // file headers leave out "4."
-    return static_cast<float>(numberOf(std::string(ZENTAQ_VERSION).substr(majorPart)));
 }
 
 Refused::Refused(const Refusal& refusal) : Failure(refusal.line()) {}
