@@ -57,11 +57,13 @@ TEST_F(ZentaqctlOutputs, AMissingInputIsNamed) {
     const std::string name = inQuotes(missing);
     for (const std::string& command :
          {"info " + name, "get " + name + " KNK_MIN", "diff " + inQuotes(file) + " " + name, "export " + name,
-          "import " + name + " -o x", "import-bin " + name + " -o x",
-          "table " + inQuotes(file) + " VE --from " + name}) {
+          "import " + name + " -o x", "table " + inQuotes(file) + " VE --from " + name}) {
         SCOPED_TRACE(command);
         expectRefused(run(command), "Cannot open " + missing + ": No such file or directory");
     }
+    // Its length is asked first: it tells the kind.
+    expectRefused(run("import-bin " + name + " -o x"),
+                  "Cannot read " + missing + ": No such file or directory");
 }
 
 TEST_F(ZentaqctlOutputs, ForceReplacesIt) {
