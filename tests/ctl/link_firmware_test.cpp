@@ -51,7 +51,9 @@ TEST_F(ZentaqctlFirmware, PutsTheFileIntoTheUnitAndSaysWhatToDoNext) {
 
 TEST_F(ZentaqctlFirmware, AUnitThatIsNotInUpgradeModeKeepsItsFirmware) {
     startUnit("A", {"--memory", memory});
-    expectFailure(upgrade(), 1, intact);
+    const Outcome failed = upgrade();
+    expectFailure(failed, 1, intact);
+    EXPECT_THAT(failed.error, HasSubstr("The firmware upgrade operation failed."));
     EXPECT_EQ(state(), "");
     EXPECT_EQ(onUnit("identify").exitCode, 0);
 }
@@ -60,7 +62,8 @@ TEST_F(ZentaqctlFirmware, ARefusedLineLeavesNoFirmwareAndASecondRunMendsTheUnit)
     startReady("A", {"--fault", "refuse@line#12"});
     const Outcome failed = upgrade();
     expectFailure(failed, 1, gone);
-    EXPECT_THAT(failed.error, HasSubstr("The unit refused line 12 of 387."));
+    EXPECT_THAT(failed.error, AllOf(HasSubstr("The unit refused line 12 of 387."),
+                                    HasSubstr("The firmware upgrade operation failed.")));
     EXPECT_THAT(state(), StartsWith("missing"));
 
     expectFailure(upgrade(), 3, "--unit-without-firmware");

@@ -109,7 +109,8 @@ TEST_F(LinkMachine, ACommandIsWrittenAsItsBytesAndAsksForItsReplyLength) {
 }
 
 TEST_F(LinkMachine, OtherKindsAskForTheirOwnLengths) {
-    find(350000);  // C
+    find(350000);
+    EXPECT_EQ(host.linkDisplay.status().unitLabel, "C");
     link.Send_ORB_Command("W");
     ticks(1);
     EXPECT_EQ(port.threshold(), 70);

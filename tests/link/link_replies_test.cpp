@@ -456,6 +456,12 @@ TEST_F(LinkReplies, ByteEighteenOfAConfigurationTellsThePic18) {
     }
 }
 
+TEST_F(LinkReplies, ALineOfADownloadThatNobodyAskedForEndsItsCommand) {
+    find(200000);
+    exchange("D", std::string(33, '\1'));
+    EXPECT_EQ(link.CurrentCommand(), "");
+}
+
 // ---- Live frames
 
 TEST_F(LinkReplies, ANarrowFrameReachesTheLiveValues) {

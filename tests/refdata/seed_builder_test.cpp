@@ -103,6 +103,10 @@ TEST_P(SpoiltSeeds, AreToldWithTheirLine) {
 const std::string sixCoils = "3\t0\t7\t6 Cylinder Coil per Plug, Sequential Injection\t3\t";
 const std::string v4 = "3\t0\t35\tV4 90 Degree Odd Fire, Sequential Injection\t2\t68\t";
 const std::string v4Events = v4 + "34\t4\t0\t1\t43\t14\t29\t";
+const std::string dualPlug =
+    "3\t0\t5\t4 Cylinder Dual Plug Wasted Spark, Paired "
+    "Injection\t2\t70\t33\t4\t0\t1\t58\t14\t14\t2\t1\t2\t2\t5\t10"
+    "\t0\t0\t0\t0\t0\t0\t0\t1\t";
 const std::string fourOfOrbL = "4\t0\t1\t4 Cylinder Wasted Spark, Paired Injection\t2\t34\t33\t4\t0\t1\t";
 
 INSTANTIATE_TEST_SUITE_P(
@@ -127,6 +131,16 @@ INSTANTIATE_TEST_SUITE_P(
                "P2EgTp must have engine type 2 in its low nibble, not 1"},
         Spoilt{"ASecondBankThatCanLeaveTheWheel", "engines.tsv", v4 + "34\t4\t0\t1\t43",
                v4 + "34\t4\t0\t1\t44", "MaxOffset leaves no room on the wheel for the second bank"},
+        Spoilt{"ATriggerBehindItsLastTooth", "engines.tsv", v4 + "34\t4\t0\t1\t43\t14",
+               v4 + "34\t4\t0\t1\t43\t44", "Offset_A must be 1 to 43, not 44"},
+        Spoilt{"ASecondBankInFrontOfTheFirst", "engines.tsv", v4Events, v4 + "34\t4\t0\t1\t43\t14\t13\t",
+               "Offset_B must be 14 to 58, not 13"},
+        Spoilt{"MoreEventsThanInjectorOutputs", "engines.tsv", v4Events + "4\t0\t3", v4Events + "9\t0\t3",
+               "InjEvents must be 1 to 8, not 9"},
+        Spoilt{"AnInjectorBehindTheLastEvent", "engines.tsv", v4Events + "4\t0\t3\t4\t1\t2\t4\t8\t0",
+               v4Events + "4\t0\t3\t4\t1\t2\t4\t8\t1", "InjTBL_5 must be 0 to 0, not 1"},
+        Spoilt{"ASplitOfMoreThan30Degrees", "engines.tsv", dualPlug + "4\n", dualPlug + "31\n",
+               "DefaultSplit must be 0 to 30, not 31"},
         Spoilt{"AToothBeforeTheFirst", "engines.tsv", v4 + "34\t4\t0\t1\t", v4 + "34\t4\t0\t0\t",
                "MinOffset must be 1 to 58, not 0"},
         Spoilt{"MoreCylindersThanANibbleHolds", "engines.tsv", v4 + "34\t4\t", v4 + "34\t16\t",

@@ -62,6 +62,9 @@ TEST_F(TableWindow, AbsoluteViewTypesAround100) {
     EXPECT_EQ(unit.DirectIndex(veBase), 12);
     EXPECT_EQ(text(16, 1), "112");
     EXPECT_FALSE(editor.enterValue("12"));
+    EXPECT_EQ(told(editor.paste("13\t112")), Refusals{"1001 (50 to 150%)"});
+    EXPECT_EQ(unit.DirectIndex(veBase), 12);
+    EXPECT_EQ(unit.DirectIndex(veBase + 1), 12);
 }
 
 TEST_F(TableWindow, OnASmallTableTypingInTheLastRowWritesIndex0) {

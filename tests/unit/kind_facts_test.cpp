@@ -118,6 +118,10 @@ TEST(UnitKinds, OfOneClassShareWhatFilesAndListsAskFor) {
 }
 
 TEST(UnitKinds, ShowTheEnginesOfTheOrbLOnTheOrbD) {
+    EXPECT_EQ(orbaKind().engines, 3);
+    EXPECT_EQ(orbLiteKind().engines, 4);
+    EXPECT_EQ(pzk2Kind().engines, 5);
+    EXPECT_EQ(orbcKind().engines, 6);
     EXPECT_EQ(orbdKind().engines, 7);
     EXPECT_EQ(orbd6Kind().engines, 7);
     for (const UnitKind& kind : unitKinds()) {

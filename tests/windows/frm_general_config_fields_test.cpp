@@ -28,6 +28,9 @@ TEST_F(GeneralFields, EveryBoxForANumberHandsOverWhatIsTyped) {
         EXPECT_EQ(shown(control), typed);
         EXPECT_FLOAT_EQ(unit().get(member), std::stof(typed)) << control;
     }
+    put("txtMaxBoost", "50");
+    EXPECT_EQ(boxes(), 0u) << boxText();
+    EXPECT_FLOAT_EQ(unit().get("MAX_Boost"), 0.5F);
 }
 
 TEST_F(GeneralFields, ABoxRefusesOnceByEnterAndByTheTabKeyAndBringsTheFormerTextBack) {
