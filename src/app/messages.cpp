@@ -5,6 +5,7 @@
 #include "base/box_texts.h"
 #include "base/message_codes.h"
 #include "base/number_text.h"
+#include "base/text.h"
 #include "base/warning_texts.h"
 
 namespace zentaq {
@@ -71,6 +72,45 @@ void Messages::Display_Message(int code, std::string_view text) {
     const Icon icon = row->title == failedTitle ? Icon::Exclamation : Icon::Information;
     dialogs_.show({std::string(row->title), filled(row->text, text), icon, Buttons::Ok});
     if (code == codes::HelpLogged) sysLog_("Message 1000: " + std::string(text));
+}
+
+bool Messages::Check_Input(int code, std::string_view value) {
+    switch (code) {
+        case codes::IsNumber:
+            // kept: the key codes of the full stop and of two control keys pass, as any number does.
+            return tell(checkNumeric(value));
+        case codes::IsWhole:
+            // Kept: the pair ".," is refused, neither character alone; "1.5" passes.
+            if (value.find(".,") == std::string_view::npos) return false;
+            return tell(Refusal{.warning = codes::NotWhole});
+        case codes::IsFilled:
+            return tell(checkFilled(value));
+        case codes::MarksField:
+            return checkAndMark(value);
+        default:
+            return false;
+    }
+}
+
+bool Messages::checkAndMark(std::string_view value) {
+    if (!SilentEdit) mark("Modified");
+    if (!trimmed(value).empty()) return false;
+    mark("Invalid Entry");
+    return true;
+}
+
+void Messages::mark(std::string_view state) const {
+    if (markField_) markField_(state);
+}
+
+bool Messages::Check_Range(float value, float minimum, float maximum, std::string_view rangeText) {
+    return tell(checkLimits(value, {minimum, maximum, std::string(rangeText)}));
+}
+
+bool Messages::Check_Ascending(const std::vector<std::string>& fields, int index) {
+    if (index < 1 || index >= static_cast<int>(fields.size())) return false;
+    const auto right = fields.begin() + index;
+    return tell(checkAscending(*(right - 1), *right));
 }
 
 }  // namespace zentaq

@@ -39,6 +39,9 @@ Session::Session(const Platform& platform)
       platform_(platform) {
     for (LineWatch* watcher : watchers()) platform_.port.watch(*watcher);
     trace.onFailure([this](const std::string& why) { sysLog("Wire trace ended: " + why); });
+    messages.onMark([this](std::string_view state) {
+        if (state == "Modified") markModified();
+    });
     platform_.ticker.onTick([this] {
         link.tick();
         holdSignals();

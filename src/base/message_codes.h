@@ -1,5 +1,6 @@
-// The numbers of the boxes that a user can be told about: the one place that names them. A warning and an
-// error may have one number. The texts stand in `box_texts.cpp` and `warning_texts.cpp`.
+// The numbers of the boxes that a user can be told about, and of the checks of an entry: the one place that
+// names them. A warning and an error may have one number. The texts stand in `box_texts.cpp` and
+// `warning_texts.cpp`.
 #pragma once
 
 namespace zentaq::codes {
@@ -38,6 +39,14 @@ enum Message : int {
     LogFailed = 1007,
     LoadCalibration = 1008,  ///< a new firmware is there, and no calibration yet
     UnitLost = 1009          ///< a firmware failed for good
+};
+
+/// Checks of an entry; what they refuse is told by the warning beside them.
+enum Check : int {
+    IsNumber = 1000,   ///< NotANumber
+    IsWhole = 1002,    ///< NotWhole
+    IsFilled = 1003,   ///< BlankEntry
+    MarksField = 1004  ///< no box: the field is marked
 };
 
 }  // namespace zentaq::codes

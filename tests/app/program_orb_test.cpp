@@ -491,7 +491,7 @@ TEST_F(ProgramOrb, ARefusalInsideATickIsToldFromTheEventLoopAndAQuestionIsDeclin
         void onFlyLock(bool) override {
             if (std::exchange(done_, true)) return;
             EXPECT_TRUE(session_.link.handling());
-            EXPECT_TRUE(session_.messages.tell(checkLimits(500, {0, 100, "(0 to 100)"})));
+            EXPECT_TRUE(session_.messages.Check_Range(500, 0, 100, "(0 to 100)"));
             EXPECT_EQ(session_.dialogs().show({"?", "?", Icon::Question, Buttons::YesNo}), Answer::No);
             EXPECT_EQ(session_.dialogs().show({"?", "?", Icon::Question, Buttons::OkCancel}), Answer::Cancel);
             EXPECT_EQ(session_.dialogs().openFile({}), "");

@@ -81,12 +81,12 @@ TEST_F(Zentaqctl, SaysTheSameWordsAsTheBoxesOfTheWindows) {
     BoxText box;
     Messages messages(
         box, [](std::string_view) {}, [](const std::string&) {});
-    messages.tell(checkLimits(101, {2, 100, "(2 to 100 units)"}));
+    messages.Check_Range(101, 2, 100, "(2 to 100 units)");
     EXPECT_EQ(onFile("set", "KNK_MIN 101").error, box.text + "\n");
-    messages.tell(checkNumeric("fast"));
+    messages.Check_Input(1000, "fast");
     EXPECT_THAT(onFile("set", "KNK_MIN fast"), Fails(1, box.text + "\n"));
     EXPECT_THAT(box.text, StartsWith("Warning 1000: "));
-    messages.tell(checkFilled(""));
+    messages.Check_Input(1003, "");
     EXPECT_THAT(onFile("set", "KNK_MIN ''"), Fails(1, box.text + "\n"));
     EXPECT_THAT(box.text, StartsWith("Warning 1005: "));
 }
