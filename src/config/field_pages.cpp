@@ -351,8 +351,8 @@ std::span<const FieldRow> fieldRows() {
 }
 
 std::span<const FieldRow> fieldsOfPage(int page) {
-    const auto [first, last] = std::ranges::equal_range(fieldTable, page, {}, &FieldRow::page);
-    return {first, last};
+    return {std::ranges::lower_bound(fieldTable, page, {}, &FieldRow::page),
+            std::ranges::upper_bound(fieldTable, page, {}, &FieldRow::page)};
 }
 
 const FieldRow* fieldOf(std::string_view control) {

@@ -63,9 +63,9 @@ template <auto textOf, bool fastFlag>
 double pulse(Unit& unit, Raw raw) {
     return numberOf(textOf(unit, raw.high, raw.low, PulseScale{.fastFlag = fastFlag}));
 }
-template <double divisor, int zero = 0>
+template <int divisor, int parts = 1, int zero = 0>
 double over(Unit&, Raw raw) {
-    return (raw.value - zero) / divisor;
+    return (raw.value - zero) / (static_cast<double>(divisor) / parts);
 }
 
 double rpm(Unit&, Raw raw) {
@@ -115,12 +115,12 @@ constexpr Scaling oxygenCorrection = text<Ecu::EGO_Correction>;
 constexpr Scaling battery = textOfUnit<Ecu::Voltage>;
 constexpr Scaling actualAfr = textOfUnit<Ecu::Actual_AFR>;
 constexpr Scaling desiredAfr = textOfUnit<Ecu::Desired_AFR>;
-constexpr Scaling thousandths = over<1000.0>;
-constexpr Scaling converterVolts = over<204.6>;
-constexpr Scaling around50 = over<1.0, 50>;
-constexpr Scaling throttleRate = over<5.0>;
-constexpr Scaling degrees = over<4.25>;
-constexpr Scaling degreesAround0 = over<4.25, 128>;
+constexpr Scaling thousandths = over<1000>;
+constexpr Scaling converterVolts = over<1023, 5>;  // 204.6
+constexpr Scaling around50 = over<1, 1, 50>;
+constexpr Scaling throttleRate = over<5>;
+constexpr Scaling degrees = over<17, 4>;  // 4.25
+constexpr Scaling degreesAround0 = over<17, 4, 128>;
 
 using L = LiveValues;
 

@@ -5,6 +5,7 @@
 
 #include "base/errors.h"
 #include "base/file_reader.h"
+#include "base/number_text.h"
 #include "base/rounding.h"
 #include "unit/file_floats.h"
 #include "unit/file_kind.h"

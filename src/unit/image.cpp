@@ -110,14 +110,16 @@ void Unit::convertCellsWithoutMember() {
 
 void Unit::convertMovedCells() {
     const ImageLayout& layout = *kind_->image;
-    for (const auto& [image, cell] : layout.movedCells) {
+    for (const auto& moved : layout.movedCells) {
         // What older firmware does not see, or what no record carries to it, may hold anything.
         const auto& [first, last] = layout.hiddenFromOlder;
+        const int image = moved.image;
+        const float value = cellAt(moved.cell);
         const bool hidden = FW_Release() < layout.newerFrom && image >= first && image <= last;
         if (hidden || image >= sRecordRows() * bytesPerRow) {
-            putByte(image, cellAt(cell));
+            putByte(image, value);
         } else {
-            convertFrom({"cell", cell, cellAt(cell)}, [&] { putByte(image, fitting(cellAt(cell))); });
+            convertFrom({"cell", moved.cell, value}, [&] { putByte(image, fitting(value)); });
         }
     }
 }

@@ -11,7 +11,7 @@ namespace zentaq {
 inline std::vector<const UnitKind*> kindsInLists() {
     std::vector<const UnitKind*> kinds;
     for (const UnitKind& kind : unitKinds()) kinds.push_back(&kind);
-    std::ranges::stable_partition(kinds, &UnitKind::fuelSide);
+    std::stable_partition(kinds.begin(), kinds.end(), [](const UnitKind* kind) { return kind->fuelSide; });
     return kinds;
 }
 
