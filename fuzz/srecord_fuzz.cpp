@@ -104,12 +104,15 @@ void sendFirmware(std::string_view text) {
     Link link(port, host, decoder, live, clock, yield);
     link.RS232_Initialize(1);
     port.takeWritten();
-    port.otherwise(
-        [](const std::string&) { return ScriptedReply{.bytes = "AX", .delayUs = 10, .byteUs = 0}; });
+    // A unit without firmware is silent when it is asked who it is.
+    port.otherwise([](const std::string& sent) -> std::optional<ScriptedReply> {
+        if (sent == "E") return std::nullopt;
+        return ScriptedReply{.bytes = "AX", .delayUs = 10, .byteUs = 0};
+    });
     const MemoryFile file(text);
     link.Program_Unit(TransferMode::Firmware, file.path());
 
-    std::vector<std::string> expected = {"P3"};
+    std::vector<std::string> expected = {"E", "P3"};
     std::string_view rest = text;
     while (!rest.empty()) {
         const std::size_t end = rest.find('\n');
@@ -118,7 +121,8 @@ void sendFirmware(std::string_view text) {
         if (line.ends_with('\r')) line.pop_back();
         expected.push_back(line + "\r\n");
     }
-    const int enough = 30 + 12 * static_cast<int>(expected.size());
+    constexpr int whoIsThere = 2000;
+    const int enough = whoIsThere + 12 * static_cast<int>(expected.size());
     for (int i = 0; i < enough; ++i) {
         port.advanceUs(1000);
         link.tick();
