@@ -174,7 +174,7 @@ def window(shop, edits):
         shop.run([info["QT_MOC_EXECUTABLE"], "-p", "windows", shop.folder / header, "-o", shop.folder / moc])
         edits.append(argparse.Namespace(file=moc))
     probe(shop, "test_windows", compiled(shop, edits),
-          ["howto/window_probe", "windows/window_registry_test", "windows/qt_application"])
+          ["windows/frm_channels_test", "windows/window_registry_test", "windows/qt_application"])
 
 
 def option(shop, edits):
@@ -220,7 +220,7 @@ WALKS = {
     "add-a-parameter": (parameter, 6),
     "add-a-channel": (channel, 3),
     "add-an-option": (option, 2),
-    "add-a-window": (window, 3),
+    "add-a-window": (window, 4),
     "add-a-unit-kind": (unit_kind, 3),
 }
 
