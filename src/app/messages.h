@@ -35,8 +35,9 @@ class Messages {
     /// The same of all that one command had refused, in one box: that of the first, with the others below.
     void tell(std::span<const Refusal> refused);
 
-    // The checks of a single field: true when its input was refused and the user has been told. Kept as they are for
-    // the fields of the pages, which come with a later release; what a command enters is told by tell().
+    // The checks of a single field: true when its input was refused and the user has been told. Kept as they
+    // are for the fields of the pages, which come with a later release; what a command enters is told by
+    // tell().
 
     bool Check_Input(int code, std::string_view value);
     /// Both limits are inside. A refusal is told by OutOfRange and then by two lines of the log.

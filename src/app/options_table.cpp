@@ -75,7 +75,7 @@ void switchTrace(Options&, Session& session) {
     session.applyTrace();
 }
 
-// The turns are those of the first options; a further one is stored behind them.
+// Turns are the order in which Apply stores and acts; what has none comes behind all that have one.
 // A design value is what the program does while the setting has never been written, so that an Apply that
 // changes nothing on the screen changes nothing in the program either.
 // clang-format off

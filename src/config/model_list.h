@@ -14,8 +14,8 @@ namespace zentaq {
 /// One entry of the model list `cmbORB_UNIT`.
 struct ModelEntry {
     std::string_view name;  ///< "ORB A Standard"
-    int slot = 0;     ///< what `CurrentUnit` becomes; 7 may become 8 by the serial code of the linked unit
-    int variant = 0;  ///< of the engine list
+    int slot = 0;           ///< what `CurrentUnit` becomes, but for the ORB D6: see slotOfModel
+    int variant = 0;        ///< of the engine list
 };
 std::span<const ModelEntry> modelEntries();
 
