@@ -93,7 +93,7 @@ void FieldControl::make() {
         case FieldKind::Alarm:
             makeText();
             unit_ = addBeside(qString(shown_.beside));
-            unit_->setAccessibleName("Unit of the alarm");
+            unit_->setAccessibleDescription("Unit of the alarm");
             return;
         case FieldKind::Text:
             return makeText();
@@ -137,7 +137,7 @@ void FieldControl::makeSlider() {
     number_ = addBeside(qString(shown_.beside));
     QString name = qString(shown_.unit);
     if (!name.isEmpty()) name[0] = name[0].toUpper();
-    number_->setAccessibleName(name);
+    number_->setAccessibleDescription(name);
     number_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     number_->setMinimumWidth(digitsWidth(number_->fontMetrics(), sliderDigits));
     unit_ = addBeside({});

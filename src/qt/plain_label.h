@@ -7,9 +7,16 @@
 
 namespace zentaq {
 
-/// `meaning` is for a screen reader.
+/// A screen reader says the label's text and, behind it, what it means. An accessible name would stand
+/// instead of the text, and nobody would hear of its changes.
+template <typename Label>
+Label* explained(Label* label, const QString& name, const QString& meaning) {
+    label->setAccessibleDescription(meaning);
+    return named(label, name);
+}
+
 inline QLabel* plainLabel(const QString& name, const QString& meaning, QWidget* parent) {
-    auto* label = named(new QLabel(parent), name, meaning);
+    QLabel* label = explained(new QLabel(parent), name, meaning);
     label->setTextFormat(Qt::PlainText);
     return label;
 }

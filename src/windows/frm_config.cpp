@@ -79,7 +79,7 @@ QWidget* FrmConfig::makeStartTab() {
     lblStart_->setFont(valueFont(1.2));
     lblStart_->setText(nothingInHand());
     lblTip_ = textLabel("lblTip", tab);
-    lblTip_->setAccessibleName("Tip");
+    lblTip_->setAccessibleDescription("Tip");
     layout->addWidget(lblStart_);
     layout->addWidget(makeDoors(tab));
     layout->addWidget(lblTip_, 1);

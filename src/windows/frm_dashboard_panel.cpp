@@ -11,6 +11,7 @@
 #include "live/dashboard_readings.h"
 #include "qt/look.h"
 #include "qt/named.h"
+#include "qt/plain_label.h"
 #include "windows/outlined.h"
 
 namespace zentaq {
@@ -264,7 +265,7 @@ QLayout* FrmDashBoardPanel::makeReadouts() {
 QLayout* FrmDashBoardPanel::makeStatus() {
     auto* box = new QVBoxLayout;
     box->setSpacing(4);
-    lblCheckEngine = named(new QLabel(this), "lblCheckEngine", "Check engine codes");
+    lblCheckEngine = explained(new QLabel(this), "lblCheckEngine", "Check engine codes");
     lblCheckEngine->setAlignment(Qt::AlignCenter);
     lblCheckEngine->setFrameShape(QFrame::StyledPanel);
     lblCheckEngine->setAutoFillBackground(true);

@@ -18,6 +18,7 @@
 #include "qt/help_key.h"
 #include "qt/look.h"
 #include "qt/named.h"
+#include "qt/plain_label.h"
 #include "qt/qt_text.h"
 #include "unit/parameter_names.h"
 
@@ -273,7 +274,7 @@ void GeneralConfigForm::flowRow(Column& column) {
 
 void GeneralConfigForm::computedRow(Column& column) {
     lblComputed_ = named(new QLabel("Zentaq Calculated TOG", this), "lblComputed");
-    lblUAP_ = named(new ValueLabel(QStringLiteral("000.000"), this), "lblUAP", lblComputed_->text());
+    lblUAP_ = explained(new ValueLabel(QStringLiteral("000.000"), this), "lblUAP", lblComputed_->text());
     lblUAP_->setProperty(helpKeyProperty, QStringLiteral("helptog"));
     lblUAP_->setFont(bold(font()));
     lblComputedUnit_ = mutedLabel(this);

@@ -175,7 +175,7 @@ QWidget* OptionFields::makeList(const OptionRow& row, QWidget* strip) {
     viewList_->setMinimumSize(listColumns * cell.width() + frame, rows * cell.height() + frame);
     connect(viewList_, &QListWidget::itemChanged, this, &OptionFields::itemChanged);
     lblViewCheck_ = hintLabel("lblViewCheck", {}, strip);
-    lblViewCheck_->setAccessibleName("Number of selected values");
+    lblViewCheck_->setAccessibleDescription("Number of selected values");
     lblViewHint_ = hintLabel("lblViewHint", "Only the first ten are graphed.", strip);
     auto* counts = new QHBoxLayout;
     counts->addWidget(lblViewCheck_);

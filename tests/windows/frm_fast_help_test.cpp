@@ -148,8 +148,8 @@ TEST_F(FastHelp, AFieldThatIsGoneMeanwhileIsNoTrouble) {
 
 TEST_F(FastHelp, AScreenReaderGetsTheWholeEntry) {
     EXPECT_EQ(help.accessibleDescription(), "Rev Limit. Speed of the limiter. Set it low first.");
-    EXPECT_EQ(help.findChild<QLabel*>("lblTopic")->accessibleName(), "Topic");
-    EXPECT_EQ(help.findChild<QLabel*>("lblHelp")->accessibleName(), "Help text");
+    EXPECT_EQ(help.findChild<QLabel*>("lblTopic")->accessibleDescription(), "Topic");
+    EXPECT_EQ(help.findChild<QLabel*>("lblHelp")->accessibleDescription(), "Help text");
 }
 
 }  // namespace
