@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <limits>
 
 #include "base/errors.h"
@@ -359,17 +360,17 @@ TEST_P(KindShapes, EveryControlBitIsSetAndClearedAloneAndNeverSent) {
         for (int bit = 0; bit < 8; ++bit) {
             std::array<int, 3> bytes{};
             bytes.at(which) = 1 << bit;
-            for (int twice = 0; twice < 2; ++twice) (unit.*writers.at(which))(bit, true);
+            for (int twice = 0; twice < 2; ++twice) std::invoke(writers.at(which), unit, bit, true);
             EXPECT_EQ(cal.controlBytes(), bytes);
             for (int other = 0; other < 8; ++other) {
-                EXPECT_EQ((unit.*readers.at(which))(other), other == bit) << other;
+                EXPECT_EQ(std::invoke(readers.at(which), unit, other), other == bit) << other;
             }
             const auto image = cal.image();
             for (std::size_t i = 0; i < 3; ++i) {
                 EXPECT_EQ(image.at(i), static_cast<float>(bytes.at(i)));
                 EXPECT_EQ(unit.DirectIndex(static_cast<int>(i)), static_cast<float>(bytes.at(i)));
             }
-            (unit.*writers.at(which))(bit, false);
+            std::invoke(writers.at(which), unit, bit, false);
             EXPECT_EQ(cal.controlBytes(), (std::array<int, 3>{}));
         }
     }
