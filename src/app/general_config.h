@@ -60,18 +60,6 @@ class GeneralConfig {
     bool modified() const;
 
  private:
-    /// What was in hand before a new calibration was begun, so that it can come back whole.
-    struct Former {
-        explicit Former(Session& session);
-        /// Before the first change of an object.
-        void keep(const Unit& unit) { calibrations.try_emplace(unit.kind().slot, unit.calibration()); }
-
-        FileInHand file;
-        bool onTheFly;
-        LinkedUnit linked;
-        std::map<int, Calibration> calibrations;  ///< by slot
-    };
-
     Unit& unit() { return session_.currentUnitObject(); }
     bool inHand() const { return model_ != nullptr; }
     const ModelEntry* modelInHand();
@@ -96,6 +84,7 @@ class GeneralConfig {
     void noteRefused(const RefusedMembers& refused);
 
     void begin(const ModelEntry& model);
+    void keepFormer(const Unit& one);
     void takeFirmware(Unit& chosen);
     float atFirst(std::string_view member);
     void putFigures(const std::string& engine, int sensor);
@@ -116,7 +105,9 @@ class GeneralConfig {
     void tell(const std::string& title, const std::string& text);
 
     Session& session_;
-    std::optional<Former> former_;
+    // What was in hand before a new calibration was begun, and comes back unless that one is stored.
+    std::optional<FileInHand> formerFile_;           ///< empty while none is being made
+    std::map<int, Calibration> formerCalibrations_;  ///< of every kind that was tried, by slot
     std::optional<InjectorSizing> sizing_;
     std::string lblUAP_;
     const ModelEntry* model_ = nullptr;  ///< nullptr while none is chosen

@@ -23,17 +23,8 @@ std::string titleOf(const std::string& file) {
 
 }  // namespace
 
-GeneralConfig::Former::Former(Session& session)
-    : file(session.fileInHand()),
-      onTheFly(session.currentUnitObject().ONFLY_MODE()),
-      linked(session.link.linked()) {
-    const bool inHand = session.slotInHand() != 0;
-    file.fileHeader.fileState = inHand ? "OLD" : "";
-    if (inHand) keep(session.currentUnitObject());
-}
-
 void GeneralConfig::load() {
-    if (former_) return;  // a new calibration is being made
+    if (formerFile_) return;  // a new calibration is being made
     if (!open_) {
         open_ = true;
         alive_ = std::make_shared<bool>(true);
@@ -57,7 +48,8 @@ void GeneralConfig::unload() {
     model_ = nullptr;
     session_.sysLog("General Config App. Terminated.");
     // Another form may have taken its place by now.
-    if (session_.messages.ActiveFormName == window::generalConfig) session_.messages.ActiveFormName = formerForm_;
+    if (session_.messages.ActiveFormName == window::generalConfig)
+        session_.messages.ActiveFormName = formerForm_;
 }
 
 // ---- A new calibration
@@ -71,13 +63,15 @@ void GeneralConfig::begin(const ModelEntry& model) {
         skipFailing([&] { engine = textOf(generalRow("cmbEngine")); });
         skipFailing([&] { sensor = toInt16(static_cast<double>(unit().get("MAP_ID"))); });
     }
-    if (!former_) {
-        former_.emplace(session_);
+    if (!formerFile_) {
+        formerFile_ = session_.fileInHand();
+        formerFile_->fileHeader.fileState = session_.slotInHand() == 0 ? "" : "OLD";
+        if (session_.slotInHand() != 0) keepFormer(unit());
         session_.initializeOnFly(false);
         session_.windows().removeForms();
     }
     Unit& chosen = session_.Units(slot);
-    former_->keep(chosen);
+    keepFormer(chosen);
     takeFirmware(chosen);
     // The unit on the link has told these; a calibration that begins takes nothing from them.
     const std::string firmWare = chosen.FirmWare();
@@ -97,6 +91,11 @@ void GeneralConfig::begin(const ModelEntry& model) {
     if (!otherKind) return;
     session_.windows().tell(&WindowNews::titleChanged, "");
     session_.windows().tell(&WindowNews::setupNodes);
+}
+
+/// Before the first change of an object.
+void GeneralConfig::keepFormer(const Unit& one) {
+    formerCalibrations_.try_emplace(one.kind().slot, one.calibration());
 }
 
 void GeneralConfig::takeFirmware(Unit& chosen) {
@@ -151,15 +150,14 @@ void GeneralConfig::putFigures(const std::string& engine, int sensor) {
 }
 
 void GeneralConfig::putBack() {
-    if (!former_) {
+    if (!formerFile_) {
         session_.header().fileState = session_.slotInHand() == 0 ? "" : "OLD";
         return;
     }
-    const Former former = *std::exchange(former_, std::nullopt);
     const LinkedUnit& linked = session_.link.linked();
     session_.windows().removeForms();
-    session_.fileInHand() = former.file;
-    for (const auto& [slot, calibration] : former.calibrations) {
+    session_.fileInHand() = *std::exchange(formerFile_, std::nullopt);
+    for (const auto& [slot, calibration] : std::exchange(formerCalibrations_, {})) {
         Unit& one = session_.Units(slot);
         const int release = one.FW_Release();
         const int build = one.FW_Build();
@@ -170,10 +168,7 @@ void GeneralConfig::putBack() {
         one.FW_Release(release);
     }
     session_.followLinkedKind();
-    // A link that came or went meanwhile decides anew.
-    const bool sameLink = linked.LinkedUnitKind == former.linked.LinkedUnitKind &&
-                          linked.UnitIdentified == former.linked.UnitIdentified;
-    session_.initializeOnFly(sameLink ? former.onTheFly : session_.link.unitAgrees());
+    session_.initializeOnFly(session_.link.unitAgrees());
     session_.windows().tell(&WindowNews::titleChanged, titleOf(session_.CurrentFile));
     session_.windows().tell(&WindowNews::setupNodes);
     if (session_.slotInHand() == 0) session_.windows().tell(&WindowNews::showStartTab);

@@ -122,7 +122,8 @@ void GeneralConfig::tellNotSaved(const std::string& why) {
 }
 
 void GeneralConfig::finishSaving(const std::string& path, const FileSaved& saved) {
-    former_.reset();  // the new one has taken its place
+    formerFile_.reset();  // the new one has taken its place
+    formerCalibrations_.clear();
     session_.paintMemory.erase();
     session_.CurrentFile = path;
     session_.fileHolds = saved.holds;

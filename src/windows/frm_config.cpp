@@ -12,6 +12,7 @@
 #include "qt/look.h"
 #include "qt/plain_label.h"
 #include "qt/qt_text.h"
+#include "windows/window_registry.h"
 
 namespace zentaq {
 
@@ -274,6 +275,14 @@ void FrmConfig::refreshPorts() {
     const bool opened = !status.port.empty();
     fraComm_->ports().fill(opened ? static_cast<int>(numberOf(status.port)) : session_.link.commPort(),
                            opened ? status.portIdentity : session_.link.commIdentity());
+}
+
+template <>
+Form* makeForm<FrmConfig>(const FormNeeds& needs) {
+    auto* form = new FrmConfig(needs.session, needs.commands, needs.parent);
+    QObject::connect(form, &FrmConfig::entryAsked, form,
+                     [run = needs.run](const char* entry) { run(entry); });
+    return form;
 }
 
 }  // namespace zentaq

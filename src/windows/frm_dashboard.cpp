@@ -8,6 +8,7 @@
 #include "qt/colour_swatch.h"
 #include "qt/named.h"
 #include "qt/qt_text.h"
+#include "windows/form_maker.h"
 
 namespace zentaq {
 namespace {
@@ -299,5 +300,7 @@ void FrmDashBoard::nameReadings() {
         if (label != nullptr) label->setMeaning(QString::fromStdString(reading.caption));
     }
 }
+
+template Form* makeForm<FrmDashBoard>(const FormNeeds& needs);
 
 }  // namespace zentaq

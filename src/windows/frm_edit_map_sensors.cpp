@@ -16,6 +16,7 @@
 #include "qt/qt_text.h"
 #include "qt/second_window.h"
 #include "qt/window_placement.h"
+#include "windows/form_maker.h"
 
 namespace zentaq {
 
@@ -414,5 +415,7 @@ bool FrmEditMAPSensors::eventFilter(QObject* watched, QEvent* event) {
     }
     return QWidget::eventFilter(watched, event);
 }
+
+template Form* makeForm<FrmEditMAPSensors>(const FormNeeds& needs);
 
 }  // namespace zentaq

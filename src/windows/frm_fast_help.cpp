@@ -12,6 +12,7 @@
 #include "qt/look.h"
 #include "qt/plain_label.h"
 #include "qt/qt_text.h"
+#include "windows/form_maker.h"
 #include "windows/frm_config.h"
 
 namespace zentaq {
@@ -130,5 +131,7 @@ void FrmFastHelp::hideEvent(QHideEvent* event) {
     field_->setFocus();
     field_.clear();
 }
+
+template Form* makeForm<FrmFastHelp>(const FormNeeds& needs);
 
 }  // namespace zentaq

@@ -14,6 +14,7 @@
 #include "qt/plain_label.h"
 #include "qt/second_window.h"
 #include "qt/window_placement.h"
+#include "windows/window_registry.h"
 
 namespace zentaq {
 
@@ -310,6 +311,14 @@ void FrmGeneralConfig::closeEvent(QCloseEvent* event) {
 void FrmGeneralConfig::unload() {
     if (std::exchange(unloaded_, true)) return;
     run([&] { core_->unload(); });
+}
+
+template <>
+Form* makeForm<FrmGeneralConfig>(const FormNeeds& needs) {
+    auto* form = new FrmGeneralConfig(needs.session, needs.parent);
+    QObject::connect(form, &FrmGeneralConfig::sensorManagerAsked, form,
+                     [run = needs.run] { run("mnuMAPSensors"); });
+    return form;
 }
 
 }  // namespace zentaq

@@ -15,12 +15,14 @@
 #include <map>
 
 #include "base/errors.h"
+#include "guide/guide.h"
 #include "qt/enter_key.h"
 #include "qt/look.h"
 #include "qt/plain_label.h"
 #include "qt/qt_text.h"
 #include "qt/second_window.h"
 #include "qt/window_placement.h"
+#include "windows/window_registry.h"
 
 namespace zentaq {
 
@@ -385,6 +387,13 @@ void FrmHelp::keyPressEvent(QKeyEvent* event) {
     } else {
         close();
     }
+}
+
+template <>
+Form* makeForm<FrmHelp>(const FormNeeds& needs) {
+    auto* form = new FrmHelp(guideFolder(needs.session.applicationFolder()), needs.parent);
+    form->keepPlace(needs.session.settings());
+    return form;
 }
 
 }  // namespace zentaq

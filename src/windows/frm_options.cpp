@@ -17,6 +17,7 @@
 #include "qt/plain_label.h"
 #include "qt/qt_text.h"
 #include "qt/window_placement.h"
+#include "windows/form_maker.h"
 
 namespace zentaq {
 
@@ -305,5 +306,7 @@ void FrmOptions::paintMark() {
     if (marked_->palette() != palette) marked_->setPalette(palette);
     marked_->setAutoFillBackground(true);
 }
+
+template Form* makeForm<FrmOptions>(const FormNeeds& needs);
 
 }  // namespace zentaq

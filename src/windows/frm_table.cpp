@@ -15,6 +15,8 @@
 #include "qt/look.h"
 #include "qt/named.h"
 #include "qt/qt_text.h"
+#include "windows/frm_config.h"
+#include "windows/window_registry.h"
 
 namespace zentaq {
 namespace {
@@ -438,6 +440,16 @@ void FrmTable::drawLive() {
     Grid1_->placeMarker(marker.visible, marker.row, marker.column);
     showCursor();
     Toolbar1_->showReading(model_->sheet().kind(), session_.live);
+}
+
+/// Its parent is the workspace.
+template <>
+Form* makeForm<FrmTable>(const FormNeeds& needs) {
+    auto* workspace = static_cast<FrmConfig*>(needs.parent);
+    auto* form = new FrmTable(needs.session, workspace);
+    QObject::connect(form, &FrmTable::dockingAsked, workspace,
+                     [workspace, form](bool docked) { workspace->dock().place(*form, docked); });
+    return form;
 }
 
 }  // namespace zentaq

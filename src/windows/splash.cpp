@@ -9,9 +9,11 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/start_up.h"
 #include "qt/look.h"
 #include "qt/plain_label.h"
 #include "qt/qt_text.h"
+#include "windows/window_registry.h"
 
 namespace zentaq {
 
@@ -75,6 +77,12 @@ void FrmSplash::centre() {
     const QPoint middle = over_ != nullptr && over_->isVisible() ? over_->frameGeometry().center()
                                                                  : screen()->availableGeometry().center();
     move(middle - rect().center());
+}
+
+template <>
+Form* makeForm<FrmSplash>(const FormNeeds& needs) {
+    return new FrmSplash(QString::fromStdString(versionText()), needs.parent,
+                         [&session = needs.session] { return session.StartingUp == 1; });
 }
 
 }  // namespace zentaq

@@ -21,6 +21,10 @@ struct FormNeeds {
     std::function<void(std::string_view entry)> run{};  ///< an entry of the menu, as a click on it does
 };
 
+/// Makes a window of this class; each window's own file brings it (windows/form_maker.h).
+template <typename F>
+Form* makeForm(const FormNeeds& needs);
+
 enum class FormPlace {
     Above,   ///< the upper part of the main window
     Below,   ///< the lower part
