@@ -13,6 +13,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/locked_line.h"
+
 namespace zentaq {
 
 class PtyPair {
@@ -27,6 +29,7 @@ class PtyPair {
         ::tcsetattr(slave, TCSANOW, &line);
         ::close(slave);
         path_ = name;
+        waitForLastOwner();
     }
     ~PtyPair() { hangUp(); }
     PtyPair(const PtyPair&) = delete;
@@ -66,6 +69,12 @@ class PtyPair {
     }
 
  private:
+    /// The number may come from a test beside this one whose cable has just been pulled: its program keeps
+    /// the claim on the device a moment longer.
+    void waitForLastOwner() const {
+        for (int ms = 0; ms < 2000 && openLocked(path_).busy; ++ms) ::poll(nullptr, 0, 1);
+    }
+
     int master_ = -1;
     std::string path_;
 };
