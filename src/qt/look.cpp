@@ -2,11 +2,8 @@
 
 #include <QAbstractScrollArea>
 #include <QApplication>
-#include <QFontDatabase>
-#include <QFontMetrics>
 #include <QPalette>
 #include <QVariant>
-#include <algorithm>
 
 #include "qt/outlined_style.h"
 
@@ -15,25 +12,6 @@ namespace zentaq {
 namespace {
 
 constexpr auto modeProperty = "zentaqDisplayMode";
-constexpr qreal baseSizePoints = 11.0;
-constexpr qreal consoleSizePoints = 10.0;
-
-struct ColourRow {
-    QColor LookColors::*part;
-    QRgb day;
-    QRgb night;
-};
-
-constexpr ColourRow colourRows[] = {
-    {&LookColors::background, 0xEEF0F3, 0x14171C},    {&LookColors::surface, 0xFFFFFF, 0x0B0D10},
-    {&LookColors::alternate, 0xF4F6F9, 0x12151A},     {&LookColors::text, 0x10141A, 0xF0F2F5},
-    {&LookColors::mutedText, 0x3C4654, 0xB4BECA},     {&LookColors::disabledText, 0x7A828E, 0x747E8C},
-    {&LookColors::border, 0xB4BCC8, 0x3A424E},        {&LookColors::accent, 0x0B4F9E, 0x6CB4FF},
-    {&LookColors::accentText, 0xFFFFFF, 0x06101C},    {&LookColors::button, 0xE0E4EA, 0x242A33},
-    {&LookColors::good, 0x0B6B2C, 0x5CE084},          {&LookColors::warning, 0x8A4B00, 0xFFC24D},
-    {&LookColors::alarm, 0xB01010, 0xFF7B72},         {&LookColors::highlight, 0xFFF3B0, 0x4A4008},
-    {&LookColors::highlightText, 0x10141A, 0xFFF3B0}, {&LookColors::liveMarker, 0xC2185B, 0xFF6FB5},
-};
 
 QPalette paletteOf(const LookColors& colors) {
     QPalette palette;
@@ -75,22 +53,6 @@ QString styleSheetOf(const LookColors& colors) {
 
 }  // namespace
 
-LookColors lookColors(DisplayMode mode) {
-    LookColors colors;
-    for (const auto& [part, day, night] : colourRows) {
-        colors.*part = QColor(mode == DisplayMode::Day ? day : night);
-    }
-    return colors;
-}
-
-QColor sendLampColor() {
-    return {255, 0, 0};
-}
-
-QColor receiveLampColor() {
-    return {0, 192, 0};
-}
-
 void applyLook(QApplication& application, DisplayMode mode) {
     if (!application.property(modeProperty).isValid()) {
         QApplication::setStyle(new OutlinedStyle);  // the application takes it over
@@ -113,35 +75,6 @@ DisplayMode appliedLook(const QApplication& application) {
     return application.property(modeProperty).toInt() == static_cast<int>(DisplayMode::Night)
                ? DisplayMode::Night
                : DisplayMode::Day;
-}
-
-QFont baseFont() {
-    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
-    font.setPointSizeF(std::max(font.pointSizeF(), baseSizePoints));
-    return font;
-}
-
-QFont consoleFont() {
-    QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    font.setStyleHint(QFont::Monospace);
-    font.setFixedPitch(true);
-    font.setPointSizeF(std::max(font.pointSizeF(), consoleSizePoints));
-    return font;
-}
-
-QFont valueFont(qreal factor) {
-    QFont font = baseFont();
-    font.setPointSizeF(font.pointSizeF() * factor);
-    font.setBold(true);
-    return font;
-}
-
-int digitsWidth(const QFontMetrics& metrics, int count) {
-    int widest = 0;
-    for (char16_t digit = u'0'; digit <= u'9'; ++digit) {
-        widest = std::max(widest, metrics.horizontalAdvance(QChar(digit)));
-    }
-    return widest * count;
 }
 
 }  // namespace zentaq

@@ -9,20 +9,12 @@
 #include <QRectF>
 #include <QString>
 #include <QStyledItemDelegate>
-#include <optional>
+
+#include "qt/contrast.h"
 
 class QPainter;
 
 namespace zentaq {
-
-/// The least contrast at which a thing is seen on its ground, by the usual measure of 1 to 21.
-constexpr double leastContrast = 3;
-
-/// 1 for equal colours, 21 for black and white.
-double contrast(const QColor& one, const QColor& other);
-
-/// The outline that a colour needs on a ground; nothing where it is seen well without.
-std::optional<QColor> outlineFor(const QColor& ink, const QColor& ground);
 
 /// One line of text in the painter's font, `baseline` at the left end of its base line.
 void drawOutlined(QPainter& painter, QPointF baseline, const QString& text, const QColor& ink,
