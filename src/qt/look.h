@@ -61,6 +61,8 @@ struct LookColors {
     QColor yellowZone;
     QColor greenZone;
     QColor lampOff;
+    QColor sendLamp;  ///< of the link panel; told, the same by day and by night
+    QColor receiveLamp;
     QColor lampText;    ///< on a lamp of the link that is lit
     QColor liveMarker;  ///< the engine's present point on a table
     QColor trail;       ///< where that point was
@@ -88,10 +90,6 @@ struct LookPair {
     double least;
 };
 std::span<const LookPair> lookPairs();
-
-/// Lamps of the link panel; the same by day and by night.
-QColor sendLampColor();     ///< red, 255 0 0
-QColor receiveLampColor();  ///< green, 0 192 0
 
 /// Sets style, palette, style sheet and base font of the whole program.
 void applyLook(QApplication& application, DisplayMode mode);

@@ -47,6 +47,8 @@ constexpr auto colourRows = std::to_array<LookColor>({
     {"yellowZone", &LookColors::yellowZone, 0xA87400, 0xFFC24D},
     {"greenZone", &LookColors::greenZone, 0x0B6B2C, 0x5CE084},
     {"lampOff", &LookColors::lampOff, 0xE0E4EA, 0x242A33},
+    {"sendLamp", &LookColors::sendLamp, 0xFF0000, 0xFF0000},
+    {"receiveLamp", &LookColors::receiveLamp, 0x00C000, 0x00C000},
     {"lampText", &LookColors::lampText, 0x10141A, 0x10141A},
     {"liveMarker", &LookColors::liveMarker, 0xC2185B, 0xFF6FB5},
     {"trail", &LookColors::trail, 0xC2185B, 0xA8487A},
@@ -112,6 +114,8 @@ constexpr auto pairRows = std::to_array<LookPair>({
     {&Of::focus, &Of::highlight, asMark},
     {&Of::focus, &Of::restingSelection, asMark},
     {&Of::focus, &Of::disabledGround, asMark},
+    {&Of::lampText, &Of::sendLamp, asText},
+    {&Of::lampText, &Of::receiveLamp, asText},
     {&Of::needle, &Of::surface, asMark},
     {&Of::needleOutline, &Of::surface, asMark},
     {&Of::redZone, &Of::surface, asMark},
@@ -137,14 +141,6 @@ LookColors lookColors(DisplayMode mode) {
         colors.*part = QColor(mode == DisplayMode::Day ? day : night);
     }
     return colors;
-}
-
-QColor sendLampColor() {
-    return {255, 0, 0};
-}
-
-QColor receiveLampColor() {
-    return {0, 192, 0};
 }
 
 }  // namespace zentaq

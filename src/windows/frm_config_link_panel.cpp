@@ -73,7 +73,7 @@ void light(QLabel* lamp, bool on, const QColor& color, const QString& meaning, c
     QPalette palette = lamp->parentWidget()->palette();
     if (on) {
         palette.setColor(QPalette::Window, color);
-        palette.setColor(QPalette::WindowText, Qt::white);
+        palette.setColor(QPalette::WindowText, lookColors(appliedLook(*qApp)).lampText);
     } else {
         palette.setColor(QPalette::Window, palette.color(QPalette::Button));
     }
@@ -277,8 +277,9 @@ void LinkPanel::render(const LinkStatus& status) {
     const std::string more = status.trouble.empty() ? "" : '\n' + status.line2;
     line2_->setToolTip(plainTip(line2_->text() + shownStringOfLines(more)));
     setText(activity_, status.activity);
-    light(send_, status.send == Lamp::Sending, sendLampColor(), "at rest", "sending");
-    light(receive_, status.receive == Lamp::Received, receiveLampColor(), "at rest", "received");
+    light(send_, status.send == Lamp::Sending, lookColors(appliedLook(*qApp)).sendLamp, "at rest", "sending");
+    light(receive_, status.receive == Lamp::Received, lookColors(appliedLook(*qApp)).receiveLamp, "at rest",
+          "received");
     showPortNumber();
     setText(unit_, status.unitLabel);
     setText(serial_, status.serialNumber);
