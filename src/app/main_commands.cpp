@@ -22,6 +22,10 @@ void MainCommands::nightMode() {
     session_.windows().tell(&WindowNews::look, false);
 }
 
+void MainCommands::restoreLayout() {
+    session_.windows().tell(&WindowNews::restoreLayout);
+}
+
 void MainCommands::openTable(const std::string& table, const std::string& title) {
     const auto again = [commands = *this, table, title]() mutable { commands.openTable(table, title); };
     if (session_.saving.putsOffWhileReading(title, again)) return;

@@ -25,6 +25,7 @@ class MainCommands {
     void help();  ///< mnuHelpContents
     void dayMode();
     void nightMode();
+    void restoreLayout();  ///< mnuRestoreLayout
     /// Opens a table window; tells error NoCalibration without a calibration.
     void openTable(const std::string& table, const std::string& title);
     /// Tree click: opens a table or answers the page of `sstMenu`; -1 for a table.

@@ -130,6 +130,10 @@ constexpr std::array menus{
     behindEdits({"mnuFirmwareUpgrade", "Firmware Upgrade", "mnuTools", "", firmwareUpgradable},
                 [](MainCommands& commands) { commands.programming.firmwareUpgrade(); }),
 
+    MenuEntry{"mnuView", "&View", "", "", always},
+    command({"mnuRestoreLayout", "Restore Layout", "mnuView", "", always},
+            [](MainCommands& commands) { commands.restoreLayout(); }),
+
     MenuEntry{"mnuWindow", "&Window", "", "", always},
     MenuEntry{"mnuAdvTbl", "&Advance Table", "mnuWindow", "Ctrl+1", always, window::table, "ADV"},
     MenuEntry{"mnuVETbl", "&VE Table", "mnuWindow", "Ctrl+2", hasVe, window::table, "VE"},

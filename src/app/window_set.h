@@ -59,6 +59,10 @@ class WindowNews {
     virtual void initializeRecorderRows() {}
     virtual void sensorsChanged() {}  ///< lists of MAP sensors are filled again
 
+    /// Folds, docked windows and what else the user has moved stand as at the first start again; splitters
+    /// that are kept are brought back by themselves.
+    virtual void restoreLayout() {}
+
     // ---- Live
     virtual void look(bool /*day*/) {}
     virtual void unitKindFound(int /*slot*/) {}

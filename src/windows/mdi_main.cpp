@@ -10,7 +10,6 @@
 #include <utility>
 
 #include "base/errors.h"
-#include "base/settings_keys.h"
 #include "base/text.h"
 #include "qt/icons.h"
 #include "qt/look.h"
@@ -28,8 +27,6 @@ namespace {
 
 /// It waits for nothing.
 constexpr std::string_view killEngine = "mnuMonitor_KillEngine";
-
-constexpr auto splitKey = "splCentre";
 
 /// The instruments' share of the frame's height before the user has moved the splitter.
 constexpr int abovePercent = 26;
@@ -154,7 +151,11 @@ void MdiMain::openOn(const std::string& /*on*/, const std::string& /*title*/) {
 
 QSplitter* MdiMain::centre() {
     if (centre_ == nullptr) {
-        centre_ = named(new QSplitter(Qt::Vertical, this), splitKey);
+        const auto shares = [](int height) {
+            const int above = height * abovePercent / 100;
+            return QList<int>{above, height - above};
+        };
+        centre_ = new KeptSplitter(Qt::Vertical, "splCentre", session_.settings(), shares, this);
         setCentralWidget(centre_);
     }
     return centre_;
@@ -168,21 +169,10 @@ void MdiMain::putAbove(QWidget& window) {
     centre()->insertWidget(0, &window);
     centre_->setStretchFactor(0, 0);
     centre_->setStretchFactor(1, 1);
-    const std::string stored = session_.settings().get(settings::forms, splitKey);
-    if (!stored.empty() && centre_->restoreState(QByteArray::fromBase64(QByteArray::fromStdString(stored)))) {
-        return;
-    }
-    const int above = height() * abovePercent / 100;
-    centre_->setSizes({above, height() - above});
 }
 
 void MdiMain::closeNow() {
     closing_ = true;
-    if (centre_ != nullptr) {
-        skipFailing([&] {
-            session_.settings().set(settings::forms, splitKey, centre_->saveState().toBase64().toStdString());
-        });
-    }
     storePlacement(*this, session_.settings());
     close();
 }

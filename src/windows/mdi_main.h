@@ -6,7 +6,6 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <QMenu>
-#include <QSplitter>
 #include <QToolBar>
 #include <map>
 #include <string>
@@ -16,6 +15,7 @@
 #include "app/menu.h"
 #include "app/session.h"
 #include "app/start_up.h"
+#include "qt/kept_splitter.h"
 #include "windows/form.h"
 
 namespace zentaq {
@@ -44,6 +44,7 @@ class MdiMain : public QMainWindow, public Form {
     void onFlyChanged(bool on) override;
     void clearPanel3() override { panel(Panel::Firmware).clear(); }
     void look(bool day) override;
+    void restoreLayout() override { restoreSplitters(*this); }
     void windowClosed() override { refresh(); }
     void follow() override;
     /// Which entries are enabled and checked, and the panels of the status bar.
@@ -87,7 +88,7 @@ class MdiMain : public QMainWindow, public Form {
     std::vector<Entry> entries_;
     std::vector<std::pair<const ToolbarButton*, QAction*>> buttons_;
     QToolBar* toolbar_ = nullptr;
-    QSplitter* centre_ = nullptr;
+    KeptSplitter* centre_ = nullptr;
     std::vector<QLabel*> panels_;
     std::string firmwareSeen_;
     bool commandsOn_ = true;

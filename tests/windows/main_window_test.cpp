@@ -62,7 +62,7 @@ TEST_F(MainWindow, HasEveryMenuOfTheBarInOrder) {
     for (const QAction* entry : windows.main().menuBar()->actions()) {
         names.push_back(entry->menu()->objectName().toStdString());
     }
-    EXPECT_THAT(names, ElementsAre("mnuFile", "mnuEdit", "mnuTools", "mnuWindow", "mnuHelp"));
+    EXPECT_THAT(names, ElementsAre("mnuFile", "mnuEdit", "mnuTools", "mnuView", "mnuWindow", "mnuHelp"));
     EXPECT_NE(menu("mnuPopupTable"), nullptr) << "the pop-up exists beside the bar";
 }
 
@@ -235,6 +235,16 @@ TEST_F(MainWindow, NoCommandRunsBeforeTheProgramHasStarted) {
     windows.tell(&WindowNews::enableToolbar, true);
     EXPECT_TRUE(action("mnuOpen")->isEnabled());
     EXPECT_TRUE(menu("mnuFile")->menuAction()->isEnabled());
+}
+
+TEST_F(MainWindow, RestoreLayoutBringsTheDashboardBack) {
+    auto* centre = find<QSplitter>("splCentre");
+    const int height = centre->height();
+    centre->setSizes({10, height - 10});
+    Q_EMIT centre->splitterMoved(10, 1);
+    action("mnuRestoreLayout")->trigger();
+    const int least = centre->widget(0)->minimumSizeHint().height();
+    EXPECT_GE(centre->sizes().at(0), std::max(least, height * 24 / 100));
 }
 
 TEST_F(MainWindow, DayAndNightGoThroughTheWholeProgram) {
