@@ -46,7 +46,8 @@ std::optional<Place> placeOf(const QString& text) {
     return Place{normal, numbers[4] == 1};
 }
 
-/// What the window manager draws around a window. Before it has done so, the style's title bar stands for it.
+/// What the window manager draws around a window. Before it has done so, the style's title bar and frame
+/// stand for it.
 QMargins frameOf(const QWidget& window) {
     if (window.windowFlags() & Qt::FramelessWindowHint) return {};
     const QRect outer = window.frameGeometry();
@@ -55,7 +56,8 @@ QMargins frameOf(const QWidget& window) {
         return {inner.left() - outer.left(), inner.top() - outer.top(), outer.right() - inner.right(),
                 outer.bottom() - inner.bottom()};
     }
-    return {0, window.style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &window), 0, 0};
+    const int side = window.style()->pixelMetric(QStyle::PM_MdiSubWindowFrameWidth, nullptr, &window);
+    return {side, window.style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &window), side, side};
 }
 
 /// The usable part of each screen, less the frame of the window; the primary screen first.

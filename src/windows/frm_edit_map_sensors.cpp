@@ -48,10 +48,11 @@ FrmEditMAPSensors::FrmEditMAPSensors(Session& session, QWidget* parent)
     tabMAPSensors_ = named(new QTabWidget(this), "tabMAPSensors", "MAP sensors");
     tabMAPSensors_->setTabBarAutoHide(true);
     tabMAPSensors_->setDocumentMode(true);
-    auto* page = new QWidget(tabMAPSensors_);
-    auto* columns = new QHBoxLayout(page);
-    columns->setContentsMargins(0, 0, 0, 0);
-    columns->addWidget(makeList(), 6);
+    area_ = named(new PageArea(tabMAPSensors_), "scrMAPSensors");
+    auto* page = new QWidget(area_);
+    columns_ = new QBoxLayout(QBoxLayout::LeftToRight, page);
+    columns_->setContentsMargins(0, 0, 0, 0);
+    columns_->addWidget(makeList(), 6);
     auto* right = new QVBoxLayout;
     auto* top = new QHBoxLayout;
     top->addWidget(makeInfo(), 1);
@@ -59,8 +60,9 @@ FrmEditMAPSensors::FrmEditMAPSensors(Session& session, QWidget* parent)
     right->addLayout(top);
     picLine_ = new SensorLinePicture(page);
     right->addWidget(picLine_, 1);
-    columns->addLayout(right, 7);
-    tabMAPSensors_->addTab(page, "MAP Sensors");
+    columns_->addLayout(right, 7);
+    area_->setPage(page);
+    tabMAPSensors_->addTab(area_, "MAP Sensors");
 
     lblStatus_ = plainLines("lblStatus", "Status", this);
     lblStatus_->setMinimumHeight(lblStatus_->fontMetrics().lineSpacing() * 2);
@@ -124,10 +126,10 @@ QWidget* FrmEditMAPSensors::makeList() {
 QWidget* FrmEditMAPSensors::makeInfo() {
     fraInfo_ = named(new QGroupBox("Sensor Info", this), "fraInfo");
     lblGeneral_ = plainLabel("lblGeneral", "Sensor info", fraInfo_);
-    lblGeneral_->setFont(valueFont());
-    lblGeneral_->setMinimumWidth(
-        lblGeneral_->fontMetrics().horizontalAdvance(QStringLiteral("-0000 - 00000")));
+    lblGeneral_->setFont(typeFont(Type::Strong));
     auto* column = new QVBoxLayout(fraInfo_);
+    // Most ranges leave its neighbour where it is.
+    column->addStrut(lblGeneral_->fontMetrics().horizontalAdvance(QStringLiteral("-0000 - 00000")));
     column->addWidget(lblGeneral_);
     column->addStretch(1);
     return fraInfo_;
@@ -358,6 +360,11 @@ void FrmEditMAPSensors::showStatus() {
 }
 
 // ---- Events
+
+void FrmEditMAPSensors::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    foldColumns(*columns_, width() - 2 * area_->verticalScrollBar()->sizeHint().width());
+}
 
 void FrmEditMAPSensors::closeEvent(QCloseEvent* event) {
     manager_->cancel();

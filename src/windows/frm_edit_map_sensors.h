@@ -14,6 +14,7 @@
 #include <memory>
 
 #include "app/sensor_manager.h"
+#include "qt/page_area.h"
 #include "windows/form.h"
 #include "windows/sensor_line_picture.h"
 
@@ -32,6 +33,7 @@ class FrmEditMAPSensors : public QWidget, public Form {
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
@@ -67,6 +69,8 @@ class FrmEditMAPSensors : public QWidget, public Form {
     Session& session_;
     std::shared_ptr<SensorManager> manager_;  ///< held while it may show a box: the form may go under it
     QTabWidget* tabMAPSensors_ = nullptr;
+    PageArea* area_ = nullptr;
+    QBoxLayout* columns_ = nullptr;  ///< the list, and the sensor beside it or below it
     QLabel* lblInstalled_ = nullptr;
     QListWidget* lstMAPSensors_ = nullptr;
     QGroupBox* fraInfo_ = nullptr;

@@ -18,6 +18,7 @@
 #include "qt/help_key.h"
 #include "qt/look.h"
 #include "qt/named.h"
+#include "qt/page_area.h"
 #include "qt/plain_label.h"
 #include "qt/qt_text.h"
 #include "unit/parameter_names.h"
@@ -93,13 +94,8 @@ GeneralConfigForm::~GeneralConfigForm() {
 }
 
 void GeneralConfigForm::fitTo(int width) {
-    const QMargins margins = columns_->contentsMargins();
-    int wanted = margins.left() + margins.right() + columns_->spacing();
-    for (int i = 0; i < columns_->count(); ++i) wanted += columns_->itemAt(i)->minimumSize().width();
-    const auto direction = wanted <= width ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom;
-    if (direction == columns_->direction()) return;
-    columns_->setDirection(direction);
-    updateGeometry();  // what scrolls the form has taken its former height already
+    // What scrolls the form has taken its former height already.
+    if (foldColumns(*columns_, width)) updateGeometry();
 }
 
 // ---- Making

@@ -8,7 +8,6 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QScreen>
-#include <QSplitter>
 #include <QStyledItemDelegate>
 #include <QTextLayout>
 #include <QVBoxLayout>
@@ -17,6 +16,7 @@
 #include "base/errors.h"
 #include "guide/guide.h"
 #include "qt/enter_key.h"
+#include "qt/kept_splitter.h"
 #include "qt/look.h"
 #include "qt/plain_label.h"
 #include "qt/qt_text.h"
@@ -33,6 +33,7 @@ constexpr int sentenceRole = Qt::UserRole + 1;
 constexpr int contentsSide = 0;
 constexpr int hitsSide = 1;
 constexpr int sideLetters = 42;
+constexpr int sidePercent = 40;
 constexpr int windowLetters = 136;
 constexpr int windowLines = 36;
 
@@ -80,17 +81,20 @@ class HitPainter : public QStyledItemDelegate {
 
 }  // namespace
 
-FrmHelp::FrmHelp(const std::string& guideFolder, QWidget* parent)
-    : QWidget(parent, secondWindow()), Form(this), folder_(guideFolder) {
+FrmHelp::FrmHelp(const std::string& guideFolder, SettingsStore& settings, QWidget* parent)
+    : QWidget(parent, secondWindow()), Form(this), folder_(guideFolder), settings_(settings) {
     named(this, qString(window::help), "User guide");
     setWindowTitle("Zentaq4 User Guide");
     makeToolbar();
-    auto* split = named(new QSplitter(Qt::Horizontal, this), "splHelp");
+    const int letter = fontMetrics().averageCharWidth();
+    // The contents need no more than their width; all else is for reading.
+    const auto shares = [letter](int width) {
+        const int side = std::min(letter * sideLetters, width * sidePercent / 100);
+        return QList<int>{side, width - side};
+    };
+    auto* split = new KeptSplitter(Qt::Horizontal, "splHelp", settings, shares, this);
     split->addWidget(makeSide());
     split->addWidget(makeReading());
-    split->setStretchFactor(1, 1);
-    const int letter = fontMetrics().averageCharWidth();
-    split->setSizes({letter * sideLetters, letter * (windowLetters - sideLetters)});
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -98,6 +102,7 @@ FrmHelp::FrmHelp(const std::string& guideFolder, QWidget* parent)
     layout->addWidget(split, 1);
     const QSize room = screen()->availableGeometry().size();
     resize(QSize(letter * windowLetters, fontMetrics().height() * windowLines).boundedTo(room * 0.9));
+    restorePlacement(*this, settings);
     readGuide();
 }
 
@@ -246,13 +251,8 @@ void FrmHelp::fillContents() {
 
 // ---- Place
 
-void FrmHelp::keepPlace(SettingsStore& settings) {
-    settings_ = &settings;
-    restorePlacement(*this, settings);
-}
-
 void FrmHelp::closeEvent(QCloseEvent* event) {
-    if (settings_ != nullptr) storePlacement(*this, *settings_);
+    storePlacement(*this, settings_);
     QWidget::closeEvent(event);
 }
 
@@ -391,9 +391,8 @@ void FrmHelp::keyPressEvent(QKeyEvent* event) {
 
 template <>
 Form* makeForm<FrmHelp>(const FormNeeds& needs) {
-    auto* form = new FrmHelp(guideFolder(needs.session.applicationFolder()), needs.parent);
-    form->keepPlace(needs.session.settings());
-    return form;
+    return new FrmHelp(guideFolder(needs.session.applicationFolder()), needs.session.settings(),
+                       needs.parent);
 }
 
 }  // namespace zentaq

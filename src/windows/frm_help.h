@@ -23,11 +23,7 @@ class FrmHelp : public QWidget, public Form {
 
  public:
     /// A window of its own. A folder without a guide shows a text that says so.
-    FrmHelp(const std::string& guideFolder, QWidget* parent);
-
-    /// Takes the stored size and place, and stores them when the window closes. The store outlives the
-    /// window.
-    void keepPlace(SettingsStore& settings);
+    FrmHelp(const std::string& guideFolder, SettingsStore& settings, QWidget* parent);
 
     /// Shows a topic and brings the window to the front. Empty: the contents. "tables" is a chapter,
     /// "tables#axes" a place in it; a topic that the guide lacks shows the contents.
@@ -59,7 +55,7 @@ class FrmHelp : public QWidget, public Form {
 
     std::string folder_;
     Guide guide_;
-    SettingsStore* settings_ = nullptr;
+    SettingsStore& settings_;
     QToolBar* toolbar_ = nullptr;
     QAction* back_ = nullptr;
     QAction* forward_ = nullptr;

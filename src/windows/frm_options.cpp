@@ -4,7 +4,6 @@
 #include <QColorDialog>
 #include <QEvent>
 #include <QHBoxLayout>
-#include <QScrollArea>
 #include <QShortcut>
 #include <QTabBar>
 #include <QVBoxLayout>
@@ -14,6 +13,7 @@
 #include "qt/colour_swatch.h"
 #include "qt/help_key.h"
 #include "qt/look.h"
+#include "qt/page_area.h"
 #include "qt/plain_label.h"
 #include "qt/qt_text.h"
 #include "qt/window_placement.h"
@@ -27,17 +27,6 @@ std::optional<QColor> platformDialog(const QColor& initial, const QString& title
     const QColor chosen = QColorDialog::getColor(initial, parent, title, QColorDialog::DontUseNativeDialog);
     return chosen.isValid() ? std::optional(chosen) : std::nullopt;
 }
-
-/// A page that asks for all the room of its controls and makes do with less by scrolling.
-class PageArea : public QScrollArea {
- public:
-    explicit PageArea(QWidget* parent) : QScrollArea(parent) {
-        setFrameShape(NoFrame);
-        setWidgetResizable(true);
-        setFocusPolicy(Qt::NoFocus);
-    }
-    QSize sizeHint() const override { return widget() == nullptr ? QSize() : widget()->sizeHint(); }
-};
 
 }  // namespace
 
@@ -92,10 +81,7 @@ void FrmOptions::makePages() {
     for (const OptionPageRow& row : optionPages()) {
         auto* scroll = new PageArea(SSTab1_);
         scroll->setProperty(helpKeyProperty, qString(row.help));
-        QWidget* page = fields_->makePage(row.page, scroll);
-        scroll->setWidget(page);
-        page->setAutoFillBackground(false);
-        scroll->viewport()->setAutoFillBackground(false);
+        scroll->setPage(fields_->makePage(row.page, scroll));
         SSTab1_->addTab(scroll, qString(row.title));
     }
     connect(SSTab1_, &QTabWidget::currentChanged, this, [this](int page) {

@@ -6,6 +6,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QScrollBar>
+#include <QSplitter>
 #include <QTextBlock>
 #include <memory>
 
@@ -34,7 +35,7 @@ class Help : public ::testing::Test {
                      "fuel\t1\t\tFuel\tA pulse of fuel. Net\n"
                      "fuel\t2\tstart\tStart\tThe prime pulse is first.\n"
                      "idle\t1\t\tIdle\tThe motor has a duty.\n");
-        window = std::make_unique<FrmHelp>(folder.path().string(), nullptr);
+        window = std::make_unique<FrmHelp>(folder.path().string(), settings, nullptr);
         window->open({});
         QApplication::processEvents();
     }
@@ -60,6 +61,7 @@ class Help : public ::testing::Test {
     GuidePage& shown() { return the<GuidePage>("txtPage"); }
     QListWidget& hits() { return the<QListWidget>("lstHits"); }
 
+    MemorySettings settings;
     TemporaryFolder folder;
     std::unique_ptr<FrmHelp> window;
 };
@@ -279,7 +281,7 @@ TEST_F(Help, ThePageTakesTheColoursOfDayAndNightAndKeepsItsPlace) {
 }
 
 TEST_F(Help, AMissingGuideIsToldInThePlaceOfThePage) {
-    FrmHelp lost(folder.path("nowhere"), nullptr);
+    FrmHelp lost(folder.path("nowhere"), settings, nullptr);
     lost.open("fuel");
     QApplication::processEvents();
     const auto* text = lost.findChild<GuidePage*>("txtPage");
@@ -303,16 +305,29 @@ TEST_F(Help, EveryControlTellsItsNameToAScreenReader) {
 }
 
 TEST_F(Help, TheWindowComesBackInTheSizeThatItHad) {
-    MemorySettings settings;
-    window->keepPlace(settings);
     window->resize(640, 480);
     QApplication::processEvents();
     window->close();
-    FrmHelp again(folder.path().string(), nullptr);
-    again.keepPlace(settings);
+    FrmHelp again(folder.path().string(), settings, nullptr);
     again.open({});
     QApplication::processEvents();
     EXPECT_EQ(again.size(), QSize(640, 480));
+}
+
+TEST_F(Help, TheContentsComeBackAsWideAsTheUserMadeThem) {
+    window->resize(1000, 480);
+    QApplication::processEvents();
+    auto& split = the<QSplitter>("splHelp");
+    const int wider = split.sizes().first() + 100;
+    split.setSizes({wider, 1000 - wider});
+    Q_EMIT split.splitterMoved(wider, 1);
+    const int left = split.sizes().first();
+    window.reset();
+    FrmHelp again(folder.path().string(), settings, nullptr);
+    again.resize(1000, 480);
+    again.open({});
+    QApplication::processEvents();
+    EXPECT_EQ(again.findChild<QSplitter*>("splHelp")->sizes().first(), left);
 }
 
 }  // namespace

@@ -1,0 +1,228 @@
+#include "windows/every_window.h"
+
+#include <QScreen>
+#include <QTabWidget>
+
+#include "qt/qt_dialogs.h"
+#include "windows/mdi_main_about.h"
+
+namespace zentaq {
+
+QRect EveryWindowTest::room() {
+    return QGuiApplication::primaryScreen()->availableGeometry();
+}
+
+void EveryWindowTest::settle() {
+    for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCoreApplication::processEvents();
+}
+
+void EveryWindowTest::maximiseMain() {
+    windows.main().setGeometry(room());
+    activate(windows.main());
+    settle();
+}
+
+void EveryWindowTest::modal(const std::function<void()>& run, const Look& look) {
+    QTimer::singleShot(0, [&] {
+        settle();
+        QWidget* box = QApplication::activeModalWidget();
+        ASSERT_NE(box, nullptr);
+        look(*box);
+        box->close();
+    });
+    run();
+    settle();
+}
+
+// ---- The main window
+
+void EveryWindowTest::mainWindow(const Look& look) {
+    maximiseMain();
+    look(windows.main());
+}
+
+void EveryWindowTest::mainWithCalibration(const Look& look) {
+    maximiseMain();
+    openCalibration();
+    settle();
+    look(windows.main());
+}
+
+void EveryWindowTest::mainWithTable(const Look& look) {
+    maximiseMain();
+    openCalibration();
+    giveRisingAxes(fake.session.currentUnitObject());
+    windows.main().run("mnuVETbl");
+    settle();
+    look(windows.main());
+}
+
+// ---- Windows of their own
+
+void EveryWindowTest::general(const Look& look) {
+    maximiseMain();
+    openCalibration();
+    windows.openGeneralConfig();
+    settle();
+    look(*windows.generalConfig());
+}
+
+void EveryWindowTest::generalOfNewCalibration(const Look& look) {
+    maximiseMain();
+    windows.main().run("mnuNew");
+    settle();
+    look(*windows.generalConfig());
+}
+
+void EveryWindowTest::sensors(const Look& look) {
+    maximiseMain();
+    windows.openSensorEditor();
+    settle();
+    look(*windows.sensorEditor());
+}
+
+void EveryWindowTest::sensorBeingMade(const Look& look) {
+    maximiseMain();
+    windows.openSensorEditor();
+    settle();
+    fake.dialogs.answers.push_back(Answer::Yes);
+    windows.sensorEditor()->findChild<QPushButton*>("cmdNew")->click();
+    settle();
+    look(*windows.sensorEditor());
+}
+
+void EveryWindowTest::optionPage(int page, const Look& look) {
+    maximiseMain();
+    windows.main().run("mnuOptions");
+    windows.options()->findChild<QTabWidget*>("SSTab1")->setCurrentIndex(page);
+    settle();
+    look(*windows.options());
+}
+
+void EveryWindowTest::guide(const Look& look) {
+    maximiseMain();
+    windows.main().run("mnuHelpContents");
+    settle();
+    look(*windows.help());
+}
+
+void EveryWindowTest::guideSearch(const Look& look) {
+    maximiseMain();
+    windows.main().run("mnuHelpContents");
+    settle();
+    windows.help()->findChild<QLineEdit*>("txtSearch")->setText("sensor");
+    windows.help()->findChild<QAction*>("Find")->trigger();
+    settle();
+    look(*windows.help());
+}
+
+void EveryWindowTest::fastHelp(const Look& look) {
+    maximiseMain();
+    openCalibration();
+    windows.openGeneralConfig();
+    settle();
+    activate(*windows.generalConfig());
+    windows.generalConfig()->findChild<QLineEdit*>("txtBHP")->setFocus();
+    settle();
+    windows.open(window::fastHelp);
+    settle();
+    look(*windows.fastHelpWindow());
+}
+
+void EveryWindowTest::splash(const Look& look) {
+    maximiseMain();
+    FrmSplash splash("1.0", &windows.main());
+    splash.status("Reading the reference database ...");
+    settle();
+    look(splash);
+}
+
+// ---- What waits for the user
+
+void EveryWindowTest::about(const Look& look) {
+    maximiseMain();
+    openCalibration();
+    modal([&] { FrmAbout(fake.session, &windows.main()).exec(); }, look);
+}
+
+void EveryWindowTest::fileOpenPrompt(const Look& look) {
+    maximiseMain();
+    fake.dialogs.requests.clear();
+    commands.files.open();
+    ASSERT_FALSE(fake.dialogs.requests.empty());
+    QtDialogs dialogs;
+    dialogs.setParent(&windows.main());
+    modal([&] { dialogs.openFile(fake.dialogs.requests.back()); }, look);
+}
+
+void EveryWindowTest::filePromptToSave(const Look& look) {
+    maximiseMain();
+    openCalibration();
+    fake.dialogs.requests.clear();
+    windows.main().run("mnuSaveAs");
+    ASSERT_FALSE(fake.dialogs.requests.empty());
+    QtDialogs dialogs;
+    dialogs.setParent(&windows.main());
+    modal([&] { dialogs.saveFile(fake.dialogs.requests.back()); }, look);
+}
+
+void EveryWindowTest::inputPrompt(const Look& look) {
+    maximiseMain();
+    QtDialogs dialogs;
+    dialogs.setParent(&windows.main());
+    modal([&] { dialogs.input("MAP Sensor Manager", "Enter a Description for this sensor.", ""); }, look);
+}
+
+/// Every numbered one.
+void EveryWindowTest::messageBoxes(const Look& look) {
+    maximiseMain();
+    fake.dialogs.boxes.clear();
+    Messages& messages = fake.session.messages;
+    for (int code = 1000; code <= 1009; ++code) {
+        messages.Display_Error(code);
+        messages.Display_Warning(code, "(1000 to 20000)");
+        messages.Display_Message(code, "The rev limit is where the unit cuts fuel and spark.");
+    }
+    const std::vector<Box> boxes = fake.dialogs.boxes;
+    ASSERT_GT(boxes.size(), 20U);
+    QtDialogs dialogs;
+    dialogs.setParent(&windows.main());
+    for (const Box& box : boxes) modal([&] { dialogs.show(box); }, look);
+}
+
+// ---- All of them
+
+const std::vector<ShownWindow>& everyWindow() {
+    using Program = EveryWindowTest;
+    using Look = Program::Look;
+    static const std::vector<ShownWindow> all{
+        {"MainWindow", [](Program& p, const Look& look) { p.mainWindow(look); }},
+        {"MainWithCalibration", [](Program& p, const Look& look) { p.mainWithCalibration(look); }},
+        {"MainWithTable", [](Program& p, const Look& look) { p.mainWithTable(look); }},
+        {"GeneralConfiguration", [](Program& p, const Look& look) { p.general(look); }},
+        {"NewCalibration", [](Program& p, const Look& look) { p.generalOfNewCalibration(look); }},
+        {"Sensors", [](Program& p, const Look& look) { p.sensors(look); }},
+        {"SensorBeingMade", [](Program& p, const Look& look) { p.sensorBeingMade(look); }},
+        {"OptionsPage1", [](Program& p, const Look& look) { p.optionPage(0, look); }},
+        {"OptionsPage2", [](Program& p, const Look& look) { p.optionPage(1, look); }},
+        {"OptionsPage3", [](Program& p, const Look& look) { p.optionPage(2, look); }},
+        {"OptionsPage4", [](Program& p, const Look& look) { p.optionPage(3, look); }},
+        {"OptionsPage5", [](Program& p, const Look& look) { p.optionPage(4, look); }},
+        {"OptionsPage6", [](Program& p, const Look& look) { p.optionPage(5, look); }},
+        {"OptionsPage7", [](Program& p, const Look& look) { p.optionPage(6, look); }},
+        {"UserGuide", [](Program& p, const Look& look) { p.guide(look); }},
+        {"UserGuideSearched", [](Program& p, const Look& look) { p.guideSearch(look); }},
+        {"FastHelp", [](Program& p, const Look& look) { p.fastHelp(look); }},
+        {"Splash", [](Program& p, const Look& look) { p.splash(look); }},
+        {"About", [](Program& p, const Look& look) { p.about(look); }},
+        {"FileOpenPrompt", [](Program& p, const Look& look) { p.fileOpenPrompt(look); }},
+        {"FilePromptToSave", [](Program& p, const Look& look) { p.filePromptToSave(look); }},
+        {"InputPrompt", [](Program& p, const Look& look) { p.inputPrompt(look); }},
+        {"MessageBoxes", [](Program& p, const Look& look) { p.messageBoxes(look); }},
+    };
+    return all;
+}
+
+}  // namespace zentaq

@@ -1,0 +1,57 @@
+// Every window of the program and every page and state of it that is laid out otherwise, shown one at a time
+// on the screen of this process as a user has it before him.
+#pragma once
+
+#include <functional>
+#include <ostream>
+#include <vector>
+
+#include "windows/table_windows_fixture.h"
+
+namespace zentaq {
+
+class EveryWindowTest : public WindowTest {
+ public:
+    using Look = std::function<void(QWidget& window)>;
+
+    /// The part of the screen that windows may use.
+    static QRect room();
+
+    // ---- What shows a window and has it looked at
+    void mainWindow(const Look& look);
+    void mainWithCalibration(const Look& look);
+    void mainWithTable(const Look& look);
+    void general(const Look& look);
+    void generalOfNewCalibration(const Look& look);
+    void sensors(const Look& look);
+    void sensorBeingMade(const Look& look);
+    void optionPage(int page, const Look& look);
+    void guide(const Look& look);
+    void guideSearch(const Look& look);
+    void fastHelp(const Look& look);
+    void about(const Look& look);
+    void splash(const Look& look);
+    void fileOpenPrompt(const Look& look);
+    void filePromptToSave(const Look& look);
+    void inputPrompt(const Look& look);
+    void messageBoxes(const Look& look);
+
+ private:
+    void settle();
+    void maximiseMain();
+    /// Runs what waits for the user, and closes it when it has been looked at.
+    void modal(const std::function<void()>& run, const Look& look);
+};
+
+struct ShownWindow {
+    const char* name;
+    void (*show)(EveryWindowTest& program, const EveryWindowTest::Look& look);
+};
+
+inline std::ostream& operator<<(std::ostream& out, const ShownWindow& window) {
+    return out << window.name;
+}
+
+const std::vector<ShownWindow>& everyWindow();
+
+}  // namespace zentaq

@@ -1,0 +1,102 @@
+// Every window shows all of its texts and controls on each screen that a tuner has: the screens of this test
+// are physical ones with a title bar and a panel taken off, at the scales that a desktop sets.
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include "windows/every_window.h"
+#include "windows/layout_faults.h"
+
+namespace zentaq {
+namespace {
+
+/// On the screen of this process, whichever that is.
+class WholeWindowTest : public EveryWindowTest, public testing::WithParamInterface<ShownWindow> {};
+
+TEST_P(WholeWindowTest, HasNoFaults) {
+    int looks = 0;
+    GetParam().show(*this, [&](QWidget& window) {
+        ++looks;
+        for (const std::string& fault : layoutFaults(window, room())) ADD_FAILURE() << fault;
+    });
+    EXPECT_GT(looks, 0);
+}
+
+/// Windows beside the main one.
+std::vector<ShownWindow> wholeWindows() {
+    std::vector<ShownWindow> rows = everyWindow();
+    std::erase_if(rows, [](const ShownWindow& row) {
+        const std::string_view name = row.name;
+        return name.starts_with("Main") || name.starts_with("File");
+    });
+    return rows;
+}
+
+INSTANTIATE_TEST_SUITE_P(Every, WholeWindowTest, testing::ValuesIn(wholeWindows()),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+struct ScreenRow {
+    const char* name;
+    QSize room;
+    const char* scale;
+};
+
+std::ostream& operator<<(std::ostream& out, const ScreenRow& row) {
+    return out << row.name;
+}
+
+constexpr ScreenRow screenRows[] = {
+    {"1366x768", {1366, 700}, "1"},
+    {"1920x1080", {1920, 1010}, "1"},
+    {"1366x768At150Percent", {1366, 700}, "1.5"},
+    {"1366x768At200Percent", {1366, 700}, "2"},
+    {"1920x1080At150Percent", {1920, 1010}, "1.5"},
+    {"1920x1080At200Percent", {1920, 1010}, "2"},
+};
+
+class WholeWindowsOnAScreen : public testing::TestWithParam<ScreenRow> {
+ protected:
+    /// The toolkit takes screen and scale once, when the program starts.
+    static QProcessEnvironment environment(const ScreenRow& row, const QString& configuration) {
+        QProcessEnvironment variables = QProcessEnvironment::systemEnvironment();
+        variables.insert("QT_QPA_PLATFORM", "offscreen:configfile=" + configuration);
+        variables.insert("QT_SCALE_FACTOR", row.scale);
+        return variables;
+    }
+    static void describe(const ScreenRow& row, const QString& path) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QStringLiteral(R"({"synchronousWindowSystemEvents": false, "windowFrameMargins": false,
+            "screens": [{"name": "laptop", "x": 0, "y": 0, "width": %1, "height": %2,
+                         "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})")
+                       .arg(row.room.width())
+                       .arg(row.room.height())
+                       .toUtf8());
+    }
+};
+
+TEST_P(WholeWindowsOnAScreen, ShowAllOfThemselves) {
+    const QTemporaryDir folder;
+    const QString configuration = folder.filePath("screen.json");
+    describe(GetParam(), configuration);
+    QProcess program;
+    program.setProcessEnvironment(environment(GetParam(), configuration));
+    program.setProcessChannelMode(QProcess::MergedChannels);
+    program.start(QCoreApplication::applicationFilePath(),
+                  {"--gtest_filter=*/WholeWindowTest.*", "--gtest_brief=1"});
+    constexpr int waitMs = 100'000;
+    ASSERT_TRUE(program.waitForFinished(waitMs));
+    const QByteArray told = program.readAll();
+    EXPECT_EQ(program.exitCode(), 0) << told.toStdString();
+    EXPECT_TRUE(told.contains("[  PASSED  ] " + QByteArray::number(static_cast<int>(wholeWindows().size())) +
+                              " tests"))
+        << told.toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(Laptop, WholeWindowsOnAScreen, testing::ValuesIn(screenRows),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+}  // namespace
+}  // namespace zentaq
