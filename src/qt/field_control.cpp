@@ -251,11 +251,7 @@ void FieldControl::showBeside() {
 
 void FieldControl::mark(bool onTheFly) {
     QPalette palette;
-    const LookColors colors = lookColors(appliedLook(*qApp));
-    palette.setColor(QPalette::Disabled, QPalette::Base, colors.background);
-    // By night the frame of an empty option or check box cannot be seen; its inside stands out instead.
-    const bool option = qobject_cast<QAbstractButton*>(widget_) != nullptr;
-    if (option && appliedLook(*qApp) == DisplayMode::Night) palette.setColor(QPalette::Base, colors.border);
+    const LookColors& colors = lookColors(appliedLook(*qApp));
     if (onTheFly && shown_.onTheFly && shown_.enabled) {
         for (const auto role : {QPalette::Base, QPalette::Button}) palette.setColor(role, colors.highlight);
         for (const auto role : {QPalette::Text, QPalette::ButtonText, QPalette::WindowText})

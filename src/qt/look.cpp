@@ -1,7 +1,7 @@
 #include "qt/look.h"
 
-#include <QAbstractScrollArea>
 #include <QApplication>
+#include <QEvent>
 #include <QPalette>
 #include <QVariant>
 
@@ -34,21 +34,17 @@ QPalette paletteOf(const LookColors& colors) {
     palette.setColor(QPalette::Light, colors.button.lighter(115));
     palette.setColor(QPalette::Midlight, colors.button.lighter(107));
     palette.setColor(QPalette::Shadow, QColor(0, 0, 0));
-    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+    for (const auto role :
+         {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::PlaceholderText}) {
         palette.setColor(QPalette::Disabled, role, colors.disabledText);
     }
-    palette.setColor(QPalette::Disabled, QPalette::Highlight, colors.border);
+    palette.setColor(QPalette::Disabled, QPalette::Base, colors.disabledGround);
+    palette.setColor(QPalette::Disabled, QPalette::Button, colors.disabledGround);
+    palette.setColor(QPalette::Inactive, QPalette::Highlight, colors.restingSelection);
+    palette.setColor(QPalette::Inactive, QPalette::HighlightedText, colors.restingText);
+    palette.setColor(QPalette::Disabled, QPalette::Highlight, colors.disabledGround);
+    palette.setColor(QPalette::Disabled, QPalette::HighlightedText, colors.disabledText);
     return palette;
-}
-
-QString styleSheetOf(const LookColors& colors) {
-    return QStringLiteral(
-               "QToolTip { border: 1px solid %1; }"
-               "QSplitter::handle { background: %1; }"
-               "QSplitter::handle:hover { background: %2; }"
-               "QTreeView:focus, QListView:focus, QTableView:focus { border: 2px solid %2; }"
-               "QStatusBar QLabel { padding-left: 0.4em; padding-right: 0.4em; }")
-        .arg(colors.border.name(), colors.accent.name());
 }
 
 }  // namespace
@@ -57,18 +53,18 @@ void applyLook(QApplication& application, DisplayMode mode) {
     if (!application.property(modeProperty).isValid()) {
         QApplication::setStyle(new OutlinedStyle);  // the application takes it over
         QApplication::setFont(baseFont());
+        QApplication::setCursorFlashTime(0);  // nothing blinks but an alarm
+        for (const auto effect : {Qt::UI_AnimateMenu, Qt::UI_FadeMenu, Qt::UI_AnimateCombo,
+                                  Qt::UI_AnimateTooltip, Qt::UI_FadeTooltip, Qt::UI_AnimateToolBox}) {
+            QApplication::setEffectEnabled(effect, false);
+        }
     } else if (appliedLook(application) == mode) {
         return;
     }
     application.setProperty(modeProperty, static_cast<int>(mode));
-    const LookColors colors = lookColors(mode);
-    QApplication::setPalette(paletteOf(colors));
-    application.setStyleSheet(styleSheetOf(colors));
-    // A style sheet leaves the inside of a list, tree or table with the palette of the former mode.
-    for (QWidget* widget : QApplication::allWidgets()) {
-        if (auto* area = qobject_cast<QAbstractScrollArea*>(widget))
-            area->viewport()->setPalette(area->palette());
-    }
+    QApplication::setPalette(paletteOf(lookColors(mode)));
+    // Now, and not with the next events: what is made or drawn before them belongs to the new mode already.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::ApplicationPaletteChange);
 }
 
 DisplayMode appliedLook(const QApplication& application) {

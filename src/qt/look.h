@@ -32,6 +32,7 @@ struct LookColors {
     QColor accentText;
     QColor restingSelection;  ///< a selection without the keyboard
     QColor restingText;
+    QColor hover;    ///< a button under the pointer
     QColor checked;  ///< a button that is pressed in or switched on; `text` stands on it
 
     QColor live;           ///< comes from the unit at this moment
@@ -68,7 +69,7 @@ struct LookColors {
     QColor trail;       ///< where that point was
 };
 
-LookColors lookColors(DisplayMode mode);
+const LookColors& lookColors(DisplayMode mode);
 
 /// A colour as docs/look.md lists it.
 struct LookColor {
@@ -91,7 +92,7 @@ struct LookPair {
 };
 std::span<const LookPair> lookPairs();
 
-/// Sets style, palette, style sheet and base font of the whole program.
+/// Sets style, palette and base font of the whole program.
 void applyLook(QApplication& application, DisplayMode mode);
 /// The mode that applyLook() set last; Day before.
 DisplayMode appliedLook(const QApplication& application);
@@ -138,7 +139,7 @@ QMargins margins(const QFontMetrics& metrics, Space around);
 QMargins margins(const QFontMetrics& metrics, Space sides, Space ends);
 
 /// The width of a focus frame and of the frame around a tile that says something: two pixels at least.
-int frameWidth(const QFontMetrics& metrics);
+int edgeWidth(const QFontMetrics& metrics);
 
 /// Width of `count` digits in a font, in device-independent pixels.
 int digitsWidth(const QFontMetrics& metrics, int count);

@@ -23,6 +23,7 @@ constexpr auto colourRows = std::to_array<LookColor>({
     {"accentText", &LookColors::accentText, 0xFFFFFF, 0x06101C},
     {"restingSelection", &LookColors::restingSelection, 0xC9CFD8, 0x3A424E},
     {"restingText", &LookColors::restingText, 0x10141A, 0xF0F2F5},
+    {"hover", &LookColors::hover, 0xD2D8E1, 0x313947},
     {"checked", &LookColors::checked, 0xC7DCF5, 0x1D3B5E},
     {"live", &LookColors::live, 0x00616B, 0x5FE0E8},
     {"changed", &LookColors::changed, 0x5B2A9D, 0xC9A6FF},
@@ -63,6 +64,7 @@ constexpr auto pairRows = std::to_array<LookPair>({
     {&Of::text, &Of::surface, asText},
     {&Of::text, &Of::alternate, asText},
     {&Of::text, &Of::button, asText},
+    {&Of::text, &Of::hover, asText},
     {&Of::text, &Of::checked, asText},
     {&Of::text, &Of::lampOff, asText},
     {&Of::mutedText, &Of::background, asText},
@@ -103,6 +105,7 @@ constexpr auto pairRows = std::to_array<LookPair>({
     {&Of::edge, &Of::surface, asMark},
     {&Of::edge, &Of::alternate, asMark},
     {&Of::edge, &Of::button, asMark},
+    {&Of::edge, &Of::hover, asMark},
     {&Of::edge, &Of::checked, asMark},
     {&Of::edge, &Of::highlight, asMark},
     {&Of::edge, &Of::restingSelection, asMark},
@@ -110,6 +113,7 @@ constexpr auto pairRows = std::to_array<LookPair>({
     {&Of::focus, &Of::surface, asMark},
     {&Of::focus, &Of::alternate, asMark},
     {&Of::focus, &Of::button, asMark},
+    {&Of::focus, &Of::hover, asMark},
     {&Of::focus, &Of::checked, asMark},
     {&Of::focus, &Of::highlight, asMark},
     {&Of::focus, &Of::restingSelection, asMark},
@@ -125,6 +129,14 @@ constexpr auto pairRows = std::to_array<LookPair>({
     {&Of::trail, &Of::surface, asMark},
 });
 
+LookColors colorsOf(DisplayMode mode) {
+    LookColors colors;
+    for (const auto& [name, part, day, night] : colourRows) {
+        colors.*part = QColor(mode == DisplayMode::Day ? day : night);
+    }
+    return colors;
+}
+
 }  // namespace
 
 std::span<const LookColor> lookTable() {
@@ -135,12 +147,10 @@ std::span<const LookPair> lookPairs() {
     return pairRows;
 }
 
-LookColors lookColors(DisplayMode mode) {
-    LookColors colors;
-    for (const auto& [name, part, day, night] : colourRows) {
-        colors.*part = QColor(mode == DisplayMode::Day ? day : night);
-    }
-    return colors;
+const LookColors& lookColors(DisplayMode mode) {
+    static const LookColors day = colorsOf(DisplayMode::Day);
+    static const LookColors night = colorsOf(DisplayMode::Night);
+    return mode == DisplayMode::Day ? day : night;
 }
 
 }  // namespace zentaq

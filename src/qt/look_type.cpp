@@ -112,7 +112,7 @@ QMargins margins(const QFontMetrics& metrics, Space sides, Space ends) {
     return {beside, above, beside, above};
 }
 
-int frameWidth(const QFontMetrics& metrics) {
+int edgeWidth(const QFontMetrics& metrics) {
     return std::max(2, space(metrics, Space::Line));
 }
 

@@ -1,31 +1,24 @@
 #include "qt/outlined_style.h"
 
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QDialog>
+#include <QEvent>
+#include <QPainter>
 #include <QStyleFactory>
 #include <QStyleOption>
+
+#include "qt/icons.h"
+#include "qt/look.h"
+#include "qt/style_controls.h"
+#include "qt/style_primitives.h"
 
 namespace zentaq {
 
 namespace {
 
-/// Fusion's outline is the window's colour made darker by this many percent.
-constexpr int fusionDarker = 140;
-constexpr int darkBaseBelow = 128;
-
-bool isIndicator(QStyle::PrimitiveElement element) {
-    return element == QStyle::PE_IndicatorCheckBox || element == QStyle::PE_IndicatorRadioButton ||
-           element == QStyle::PE_IndicatorItemViewItemCheck;
-}
-
-/// The window's colour that makes Fusion draw an outline which is seen; nothing where its own one is.
-/// A check box inside a list is drawn by way of a plain one, so this must give the same when it is asked
-/// twice.
-QColor lentWindow(QStyle::PrimitiveElement element, const QPalette& palette) {
-    const QColor border = palette.color(QPalette::Mid);
-    const bool dark = palette.color(QPalette::Base).lightness() < darkBaseBelow;
-    if (isIndicator(element))
-        return dark ? border.lighter(fusionDarker * 2) : border.darker(fusionDarker - 20);
-    const bool entry = element == QStyle::PE_FrameLineEdit;
-    return dark && entry ? border.lighter(fusionDarker * 3 / 2) : QColor();
+bool isOfItem(QStyle::PrimitiveElement element) {
+    return element == QStyle::PE_PanelItemViewItem || element == QStyle::PE_PanelItemViewRow;
 }
 
 }  // namespace
@@ -34,16 +27,126 @@ OutlinedStyle::OutlinedStyle() : QProxyStyle(QStyleFactory::create(QStringLitera
 
 void OutlinedStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
                                   const QWidget* widget) const {
-    const QColor window = lentWindow(element, option->palette);
-    if (!window.isValid()) {
-        QProxyStyle::drawPrimitive(element, option, painter, widget);
+    const auto* item = qstyleoption_cast<const QStyleOptionViewItem*>(option);
+    if (isOfItem(element) && item != nullptr) {
+        const QStyleOptionViewItem row = ofItem(*item, widget);
+        if (!drawOwnPrimitive(element, row, *painter, widget)) {
+            QProxyStyle::drawPrimitive(element, &row, painter, widget);
+        }
+        const State resting = row.state & (State_Selected | State_Active);
+        if (element == PE_PanelItemViewItem && resting == State_Selected) drawRestingEdge(row, *painter);
         return;
     }
-    const QPalette shown = option->palette;
-    auto* lent = const_cast<QStyleOption*>(option);  // NOLINT: given back below; a copy would lose its type
-    lent->palette.setColor(QPalette::Window, window);
-    QProxyStyle::drawPrimitive(element, option, painter, widget);
-    lent->palette = shown;
+    if (!drawOwnPrimitive(element, *option, *painter, widget)) {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+    }
+}
+
+void OutlinedStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                                const QWidget* widget) const {
+    const auto* item = qstyleoption_cast<const QStyleOptionViewItem*>(option);
+    if (element == CE_ItemViewItem && item != nullptr) {
+        const QStyleOptionViewItem row = ofItem(*item, widget);
+        return QProxyStyle::drawControl(element, &row, painter, widget);
+    }
+    if (!drawOwnControl(element, *option, *painter, widget)) {
+        QProxyStyle::drawControl(element, option, painter, widget);
+    }
+}
+
+void OutlinedStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                                       QPainter* painter, const QWidget* widget) const {
+    if (!drawOwnComplex(*proxy(), control, *option, *painter, widget)) {
+        QProxyStyle::drawComplexControl(control, option, painter, widget);
+    }
+}
+
+int OutlinedStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const {
+    const QFontMetrics metrics =
+        widget != nullptr ? widget->fontMetrics() : QFontMetrics(QApplication::font());
+    switch (metric) {
+        case PM_DefaultFrameWidth:
+        case PM_MenuPanelWidth:
+        case PM_ToolTipLabelFrameWidth:
+            return edgeWidth(metrics);
+        case PM_IndicatorWidth:
+        case PM_IndicatorHeight:
+        case PM_ExclusiveIndicatorWidth:
+        case PM_ExclusiveIndicatorHeight:
+            return metrics.height() * 7 / 8;
+        case PM_SplitterWidth:
+            return std::max(6, metrics.height() / 3);
+        case PM_ScrollBarExtent:
+            return metrics.height() * 7 / 8;
+        default:
+            return QProxyStyle::pixelMetric(metric, option, widget);
+    }
+}
+
+int OutlinedStyle::styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                             QStyleHintReturn* data) const {
+    switch (hint) {
+        case SH_Widget_Animation_Duration:  // nothing moves that tells nothing
+        case SH_DialogButtonBox_ButtonsHaveIcons:
+        case SH_EtchDisabledText:
+        case SH_DitherDisabledText:
+        case SH_Menu_FadeOutOnHide:
+            return 0;
+        default:
+            return QProxyStyle::styleHint(hint, option, widget, data);
+    }
+}
+
+bool OutlinedStyle::hasKeyboard(const QWidget& view) const {
+    // A list that opens above everything has it, whoever holds the focus.
+    if (view.window()->windowType() == Qt::Popup) return true;
+    const QWidget* holder = QApplication::focusWidget();
+    return holder != nullptr && (holder == &view || view.isAncestorOf(holder));
+}
+
+/// The toolkit asks the window alone, so that every list of a window looks as if it had the keyboard.
+QStyleOptionViewItem OutlinedStyle::ofItem(const QStyleOptionViewItem& option, const QWidget* widget) const {
+    QStyleOptionViewItem row = option;
+    if (const auto* view = qobject_cast<const QAbstractItemView*>(widget)) {
+        row.state.setFlag(State_Active, hasKeyboard(*view));
+    }
+    return row;
+}
+
+QIcon OutlinedStyle::standardIcon(StandardPixmap what, const QStyleOption* option,
+                                  const QWidget* widget) const {
+    const LookColors& look = lookColors(appliedLook(*qApp));
+    switch (what) {
+        case SP_MessageBoxInformation:
+            return icon(QStringLiteral("Information"), look.accent);
+        case SP_MessageBoxQuestion:
+            return icon(QStringLiteral("Help"), look.accent);
+        case SP_MessageBoxWarning:
+            return icon(QStringLiteral("Warning"), look.warning);
+        case SP_MessageBoxCritical:
+            return icon(QStringLiteral("Critical"), look.alarm);
+        default:
+            return QProxyStyle::standardIcon(what, option, widget);
+    }
+}
+
+void OutlinedStyle::polish(QWidget* widget) {
+    QProxyStyle::polish(widget);
+    if (qobject_cast<QDialog*>(widget) != nullptr) widget->installEventFilter(this);
+}
+
+void OutlinedStyle::unpolish(QWidget* widget) {
+    widget->removeEventFilter(this);
+    QProxyStyle::unpolish(widget);
+}
+
+bool OutlinedStyle::eventFilter(QObject* watched, QEvent* event) {
+    auto* box = qobject_cast<QDialog*>(watched);
+    if (event->type() == QEvent::Paint && box != nullptr && box->isWindow()) {
+        QPainter painter(box);
+        drawBoxEdge(painter, box->rect());
+    }
+    return QProxyStyle::eventFilter(watched, event);
 }
 
 }  // namespace zentaq

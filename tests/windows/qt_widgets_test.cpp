@@ -12,7 +12,6 @@
 
 #include "app/fake_platform.h"
 #include "qt/application.h"
-#include "qt/icons.h"
 #include "qt/line_model.h"
 #include "qt/look.h"
 #include "qt/qt_dialogs.h"
@@ -43,15 +42,6 @@ TEST(Look, ChangesThePaletteOfTheWholeProgram) {
     applyLook(*qApp, DisplayMode::Night);
     EXPECT_EQ(qApp->palette().color(QPalette::Window), lookColors(DisplayMode::Night).background);
     EXPECT_EQ(appliedLook(*qApp), DisplayMode::Night);
-}
-
-TEST(Icons, AreDrawnInTheColourAskedFor) {
-    const QImage image = iconPixmap("Save", QColor(10, 200, 30), 48, 1.0).toImage();
-    bool drawn = false;
-    for (int y = 0; y < 48; ++y) {
-        for (int x = 0; x < 48; ++x) drawn = drawn || image.pixelColor(x, y) == QColor(10, 200, 30);
-    }
-    EXPECT_TRUE(drawn);
 }
 
 TEST(ValueLabel, KeepsItsSizeWhateverTheNumber) {

@@ -1,0 +1,27 @@
+#include <QApplication>
+#include <QPixmap>
+
+#include "gallery/gallery.h"
+#include "qt/look.h"
+
+/// With "--pictures folder" it leaves what it shows as two pictures there, and ends.
+int main(int count, char** arguments) {
+    QApplication application(count, arguments);
+    zentaq::applyLook(application, zentaq::DisplayMode::Day);
+    const QStringList words = QApplication::arguments();
+    const auto at = words.indexOf("--pictures");
+    if (at < 0 || at + 1 >= words.size()) {
+        zentaq::Gallery gallery;
+        gallery.show();
+        return QApplication::exec();
+    }
+    bool saved = true;
+    for (const auto& [mode, name] : {std::pair(zentaq::DisplayMode::Day, "gallery-day.png"),
+                                     std::pair(zentaq::DisplayMode::Night, "gallery-night.png")}) {
+        zentaq::applyLook(application, mode);
+        zentaq::Gallery gallery;
+        gallery.resize(gallery.width(), gallery.wholeHeight());
+        saved = gallery.grab().save(words[at + 1] + '/' + name) && saved;
+    }
+    return saved ? 0 : 1;
+}
