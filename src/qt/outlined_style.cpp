@@ -74,6 +74,8 @@ int OutlinedStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, c
         case PM_ExclusiveIndicatorWidth:
         case PM_ExclusiveIndicatorHeight:
             return metrics.height() * 7 / 8;
+        case PM_ToolBarExtensionExtent:
+            return metrics.height() * 5 / 4;
         case PM_SplitterWidth:
             return std::max(6, metrics.height() / 3);
         case PM_ScrollBarExtent:
@@ -125,6 +127,9 @@ QIcon OutlinedStyle::standardIcon(StandardPixmap what, const QStyleOption* optio
             return icon(QStringLiteral("Warning"), look.warning);
         case SP_MessageBoxCritical:
             return icon(QStringLiteral("Critical"), look.alarm);
+        case SP_ToolBarHorizontalExtensionButton:
+        case SP_ToolBarVerticalExtensionButton:
+            return icon(QStringLiteral("More"));
         default:
             return QProxyStyle::standardIcon(what, option, widget);
     }

@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QPainter>
 #include <QStyleOption>
+#include <algorithm>
 
 #include "qt/look.h"
 #include "qt/style_shapes.h"
@@ -139,6 +140,13 @@ void drawBranch(const QStyleOption& option, QPainter& painter, const LookColors&
               option.fontMetrics.height() * 0.5, ink);
 }
 
+void drawPlainArrow(const QStyleOption& option, QPainter& painter, const LookColors& look, Qt::ArrowType to) {
+    const qreal width =
+        std::min({option.rect.width(), option.rect.height(), option.fontMetrics.height() / 2});
+    drawArrow(painter, option.rect, to, std::max<qreal>(width, 6),
+              usable(option) ? look.text : look.disabledText);
+}
+
 void drawMenuPanel(const QStyleOption& option, QPainter& painter, const LookColors& look) {
     painter.fillRect(option.rect, option.palette.color(QPalette::Base));
     drawFrame(painter, option.rect, 0, look.edge, hairline(painter));
@@ -180,6 +188,14 @@ Draw drawingOf(QStyle::PrimitiveElement element) {
             return drawFocusRect;
         case QStyle::PE_IndicatorBranch:
             return drawBranch;
+        case QStyle::PE_IndicatorArrowDown:
+            return [](const QStyleOption& o, QPainter& p, const LookColors& l) {
+                drawPlainArrow(o, p, l, Qt::DownArrow);
+            };
+        case QStyle::PE_IndicatorArrowUp:
+            return [](const QStyleOption& o, QPainter& p, const LookColors& l) {
+                drawPlainArrow(o, p, l, Qt::UpArrow);
+            };
         case QStyle::PE_PanelMenu:
             return drawMenuPanel;
         case QStyle::PE_FrameMenu:

@@ -51,6 +51,15 @@ void drawFramed(QPainter& painter, const QRectF& area, qreal radius, const QColo
 }
 
 void drawFrame(QPainter& painter, const QRectF& area, qreal radius, const QColor& color, qreal width) {
+    if (radius <= 0) {  // smoothed, its corners would be pale
+        const qreal height = area.height() - 2 * width;
+        painter.fillRect(QRectF(area.left(), area.top(), area.width(), width), color);
+        painter.fillRect(QRectF(area.left(), area.top() + width + height, area.width(), width), color);
+        painter.fillRect(QRectF(area.left(), area.top() + width, width, height), color);
+        painter.fillRect(QRectF(area.left() + area.width() - width, area.top() + width, width, height),
+                         color);
+        return;
+    }
     const Smooth smooth(painter);
     painter.setPen(QPen(color, width, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
     painter.setBrush(Qt::NoBrush);
