@@ -110,6 +110,8 @@ constexpr std::array menus{
                 [](MainCommands& commands) { commands.unit.storeOnFly(); }),
     command({"mnuIdentifyORB", "Identify ORB", "mnuTools", "", always},
             [](MainCommands& commands) { commands.unit.identify(); }),
+    command({"mnuAutoDetectPort", "Auto Detect Port", "mnuTools", "", noTransfer},
+            [](MainCommands& commands) { commands.unit.searchPorts(); }),
     command({"mnuMonitor_KillEngine", "Kill Engine", "mnuTools", "Ctrl+Shift+K", always},
             [](MainCommands& commands) { commands.unit.killEngine(); }),
     command({"mnuZeroAdv", "Set Zero Advance", "mnuTools", "", unitOnLink, {}, {}, true},

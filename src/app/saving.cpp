@@ -14,6 +14,7 @@ Saving::Saving(Session& session, FileWriter* writer)
 void Saving::begin(FileSave save, Ended ended) {
     if (running()) throw Failure("A save is still running.");
     ended_ = std::move(ended);
+    beganUs_ = session_.platform().clock.monotonicUs();
     try {
         writer_.begin(std::move(save));
     } catch (...) {

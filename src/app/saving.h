@@ -3,6 +3,7 @@
 // while a file is being read.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -25,6 +26,8 @@ class Saving {
     Saving(Session& session, FileWriter* writer);
 
     bool running() const { return static_cast<bool>(ended_); }
+    /// When the save that runs began, by the monotonic clock.
+    std::int64_t beganUs() const { return beganUs_; }
     /// Begins a save. `ended` is run from the event loop, or before this returns where the writer is done by
     /// then. It may begin the next save.
     void begin(FileSave save, Ended ended);
@@ -57,7 +60,8 @@ class Saving {
     Session& session_;
     InlineFileWriter inline_;
     FileWriter& writer_;
-    Ended ended_;                     ///< empty while no save runs
+    Ended ended_;  ///< empty while no save runs
+    std::int64_t beganUs_ = 0;
     std::optional<FileSaved> saved_;  ///< how it ended, until what follows may run
     bool posted_ = false;             ///< what follows is in the event loop
     bool reading_ = false;

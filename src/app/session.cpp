@@ -206,7 +206,13 @@ void Session::inform(std::string_view text) {
     show(box);
 }
 
+void Session::notice(std::string_view text) {
+    sysLog(text);
+    notices.tell(std::string(text), platform_.clock.monotonicUs());
+}
+
 void Session::sendOnFly(std::string_view record) {
+    unitMemory.changeSent();
     link.SEND_ONFLY(record);
 }
 
@@ -254,11 +260,15 @@ float Session::fileFirmwareCode() const {
 
 void Session::heard(const LinkNews& news) {
     LinkTeller::heard(news);
+    unitMemory.heard(news);
     switch (news.event) {
         case LinkEvent::PortForced:
             return platform_.settings.set(settings::system, settings::CommPort, "1");
         case LinkEvent::LinkLost:
             return initializeOnFly(false);
+        case LinkEvent::UnitReady:
+        case LinkEvent::UnitMustUpgrade:
+            return rememberUnit();
         case LinkEvent::UnitAgrees:
             return initializeOnFly(true);
         case LinkEvent::TableLock:
@@ -270,6 +280,7 @@ void Session::heard(const LinkNews& news) {
         case LinkEvent::CodesCleared:
             return codesCleared();
         case LinkEvent::FrameDecoded:
+            unitMemory.frameCame(platform_.clock.monotonicUs());
             return frames.tell();
         default:
             return;
@@ -291,6 +302,17 @@ void Session::show(const Box& box) {
         if (!box.stands || box.stands()) platform_.dialogs.show(box);
         std::erase_if(boxesToShow_, same);
     });
+}
+
+void Session::transferEnded(const TransferEnd& end) {
+    LinkTeller::transferEnded(end);
+    unitMemory.transferEnded(end);
+}
+
+void Session::rememberUnit() {
+    const LinkedUnit& linked = link.linked();
+    const std::string model(Units(linked.LinkedUnitKind).kind().name);
+    unitMemory.unitIs(linked.SerialNumber, model + " " + formatNumber(linked.SerialNumber, "000000"));
 }
 
 void Session::displayMessage(int code) {

@@ -13,8 +13,10 @@
 
 #include "app/console.h"
 #include "app/messages.h"
+#include "app/notices.h"
 #include "app/saving.h"
 #include "app/tick_guard.h"
+#include "app/unit_memory.h"
 #include "app/window_set.h"
 #include "base/channels.h"
 #include "link/frame_timing.h"
@@ -122,6 +124,8 @@ class Session : public UnitHost, public LinkTeller, public FileInHand {
     Ecu ecu;                   ///< holds the pulse widths and duty cycles of the cells
     PaintMemory paintMemory;   ///< where the engine has been on a table; outlives the table's window
     Saving saving;
+    UnitMemory unitMemory;  ///< of the one on the link
+    Notices notices;        ///< what is told without a box
 
     Platform& platform() { return platform_; }
     SettingsStore& settings() { return platform_.settings; }
@@ -163,6 +167,8 @@ class Session : public UnitHost, public LinkTeller, public FileInHand {
     void addToLastLine(std::string_view text) override;
     /// A plain box with OK; lines separated by '\n'.
     void inform(std::string_view text);
+    /// A line of the state strip and of the log, for what no command has to wait for.
+    void notice(std::string_view text);
     bool fahrenheit() const override;
     FileHeader& header() override { return fileHeader; }
     std::string applicationFolder() const override { return platform_.applicationFolder; }
@@ -189,10 +195,12 @@ class Session : public UnitHost, public LinkTeller, public FileInHand {
     void heard(const LinkNews& news) override;
     void commLog(std::string_view text) override;
     void displayMessage(int code) override;
+    void transferEnded(const TransferEnd& end) override;
 
     std::array<LineWatch*, 2> watchers() { return {&trace, &timing}; }
     void showFrameTimes();
     void unitKindFound(int slot);
+    void rememberUnit();
     void codesReceived();
     void codesCleared();
     void holdSignals();

@@ -112,6 +112,7 @@ void UnitCommands::clearCodes() {
 
 void UnitCommands::storeNow() {
     if (refusedByTransfer(session_)) return;
+    session_.unitMemory.storeAsked();
     session_.link.Send_ORB_Command("S");
 }
 
@@ -119,6 +120,10 @@ void UnitCommands::identify() {
     if (refusedByTransfer(session_)) return;
     session_.link.Send_ORB_Command("E");
     session_.link.Send_ORB_Command("B");
+}
+
+void UnitCommands::searchPorts() {
+    session_.link.searching() ? session_.link.stopSearch() : static_cast<void>(autodetectPort());
 }
 
 int UnitCommands::autodetectPort() {
@@ -132,6 +137,10 @@ int UnitCommands::autodetectPort() {
         // The search leaves the last port it tried; the user's own is the one to wait at.
         session_.link.commPort(former, formerIdentity);
         session_.link.ORB_Initialize();
+        if (session_.link.searchStopped()) {
+            session_.notice("The search for a unit was ended.");
+            return 0;
+        }
         session_.inform("Could not Find ORB Unit.  Please check the serial connection.");
         return 0;
     }

@@ -23,6 +23,8 @@ class UnitCommands {
     void choosePort(int number, const std::string& identity = {});
     /// Port search; on success stores the port. Answers the port or 0.
     int autodetectPort();
+    /// mnuAutoDetectPort: the same; while a search runs it ends that one.
+    void searchPorts();
     /// 2 starts a monitor session, 3 ends it.
     void loadCommand(int code);
 

@@ -71,6 +71,10 @@ class Link : private LineWatch {
     std::optional<PortInfo> chosenPort() const;
     /// A port search runs.
     bool searching() const { return searching_; }
+    /// Ends a port search: it finds nothing.
+    void stopSearch() { searchStopped_ = searching_; }
+    /// The last search was ended by that.
+    bool searchStopped() const { return searchStopped_; }
 
     // ---- Queue and state machine
     void Send_ORB_Command(std::string_view command) { ring_.push(command); }
@@ -254,6 +258,7 @@ class Link : private LineWatch {
     bool autoPollSuspended_ = false;
     bool handling_ = false;
     bool searching_ = false;
+    bool searchStopped_ = false;
     int tickCount_ = 0;
     int paceCount_ = 0;
     std::int64_t replySeenUs_ = 0;  ///< when the last reply came, by the monotonic clock

@@ -150,7 +150,8 @@ int Link::Autodetect_COMM_Port() {
 }
 
 int Link::searchPorts() {
-    for (int number = 1; number <= highestSearchedPort; ++number) {
+    searchStopped_ = false;
+    for (int number = 1; number <= highestSearchedPort && !searchStopped_; ++number) {
         // What an earlier session or port has told must not pass for an answer of this port.
         linked_.SerialNumber = 0;
         rxBuffer_.clear();
@@ -174,7 +175,8 @@ bool Link::waitForUnit() {
     const std::int64_t quiet = clock_.monotonicUs() + longestRestUs;
     while (restTicks_ > 0 && clock_.monotonicUs() < quiet) yield_.yield();
     const std::int64_t end = clock_.monotonicUs() + searchWaitUs;
-    while (clock_.monotonicUs() < end) yield_.yield();
+    while (clock_.monotonicUs() < end && !searchStopped_) yield_.yield();
+    if (searchStopped_) return false;
     // Once a tick has found the unit, RxBuffer holds an answer that has been handled; taken for that of the
     // command now in flight it would pass for a frame or a configuration.
     if (linked_.SerialNumber == 0) PROCESS_RESPONSE();

@@ -13,7 +13,7 @@
 #include "base/text.h"
 #include "qt/icons.h"
 #include "qt/look.h"
-#include "qt/plain_label.h"
+#include "qt/named.h"
 #include "qt/qt_text.h"
 #include "qt/window_placement.h"
 #include "unit/table_kinds.h"
@@ -124,18 +124,34 @@ void MdiMain::pressed(const ToolbarButton& button) {
 void MdiMain::makeStatusBar() {
     QStatusBar* bar = statusBar();
     named(bar, "StatusBar1", "Status");
-    const auto add = [&](const char* name, const QString& meaning, const char* widest, int stretch) {
-        QLabel* label = plainLabel(name, meaning, bar);
-        label->setToolTip(meaning);
-        label->setMinimumWidth(label->fontMetrics().horizontalAdvance(QLatin1String(widest)));
-        if (stretch > 0) label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-        bar->addPermanentWidget(label, stretch);
-        panels_.push_back(label);
-    };
-    add("StatusBar1_Panel1", "Unit and calibration", "", 1);
-    add("StatusBar1_Panel2", "Changes act on the running engine", " ONFLY  ", 0);
-    add("StatusBar1_Panel3", "Firmware of the unit", "ZQA000000000000", 0);
-    add("StatusBar1_Panel4", "Unsaved changes", " Modified  ", 0);
+    bar->setSizeGripEnabled(false);
+    strip_ = new StateStripView(bar);
+    bar->addWidget(strip_, 1);
+    connect(strip_, &StateStripView::pressed, this, [this](const StripRow& row) { pressed(row); });
+    connect(strip_, &StateStripView::keyboardLeft, this,
+            [this] { session_.windows().focus(window::config); });
+}
+
+void MdiMain::showStates() {
+    // A cleared panel stays empty until the link has something new to tell.
+    if (session_.linkDisplay.status().panel3 != firmwareSeen_) {
+        firmwareShown_ = firmwareSeen_ = session_.linkDisplay.status().panel3;
+    }
+    StripFacts facts = stripFacts(session_);
+    facts.panel3 = firmwareShown_;
+    strip_->show(stripRows(facts));
+}
+
+void MdiMain::pressed(const StripRow& row) {
+    if (!commandsOn_) return;
+    if (row.part == StripPart::Notice) {
+        session_.notices.dismiss();
+    } else if (!row.command.empty()) {
+        run(row.command);
+    } else {
+        session_.windows().open(window::help, std::string(row.topic));
+    }
+    showStates();
 }
 
 void MdiMain::openOn(const std::string& /*on*/, const std::string& /*title*/) {
@@ -194,25 +210,11 @@ void MdiMain::titleChanged(const std::string& title) {
     setWindowTitle(title.empty() ? QLatin1String(frameTitle) : shownString(title));
 }
 
-void MdiMain::onFlyChanged(bool on) {
-    QLabel& label = panel(Panel::OnFly);
-    label.setText(on ? QStringLiteral("ONFLY") : QString());
-    const LookColors colors = lookColors(appliedLook(*qApp));
-    label.setAutoFillBackground(on);
-    QPalette palette = statusBar()->palette();
-    if (on) {
-        palette.setColor(QPalette::Window, colors.highlight);
-        palette.setColor(QPalette::WindowText, colors.highlightText);
-    }
-    label.setPalette(palette);
-}
-
 /// Icons in the colours of day or night.
 void MdiMain::look(bool /*day*/) {
     const LookColors colors = lookColors(appliedLook(*qApp));
     for (const auto& [button, action] : buttons_) action->setIcon(icon(qString(button->key), colors.text));
     setWindowIcon(icon(QStringLiteral("Zentaq4"), colors.accent));
-    onFlyChanged(!panel(Panel::OnFly).text().isEmpty());
 }
 
 void MdiMain::enableToolbar(bool on) {
@@ -236,16 +238,7 @@ void MdiMain::refresh() {
             if (entry.data->name == button->command) action->setEnabled(entry.action->isEnabled());
         }
     }
-    const std::string model(session_.currentUnitObject().kind().model);
-    const std::string file = fileNameOf(session_.CurrentFile);
-    panel(Panel::File)
-        .setText(session_.slotInHand() == 0 ? "No calibration" : shownString(model + "  " + file));
-    panel(Panel::Modified).setText(session_.DataModified ? "Modified" : QString());
-    // A cleared panel stays empty until the link has something new to tell.
-    if (session_.linkDisplay.status().panel3 != firmwareSeen_) {
-        firmwareSeen_ = session_.linkDisplay.status().panel3;
-        panel(Panel::Firmware).setText(shownString(firmwareSeen_));
-    }
+    showStates();
 }
 
 void MdiMain::follow() {

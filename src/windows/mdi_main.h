@@ -3,7 +3,6 @@
 #pragma once
 
 #include <QAction>
-#include <QLabel>
 #include <QMainWindow>
 #include <QMenu>
 #include <QToolBar>
@@ -17,6 +16,7 @@
 #include "app/start_up.h"
 #include "qt/kept_splitter.h"
 #include "windows/form.h"
+#include "windows/state_strip_view.h"
 
 namespace zentaq {
 
@@ -41,13 +41,16 @@ class MdiMain : public QMainWindow, public Form {
     /// work on is not made yet. The window's own button still closes it.
     void enableToolbar(bool on) override;
     void titleChanged(const std::string& title) override;
-    void onFlyChanged(bool on) override;
-    void clearPanel3() override { panel(Panel::Firmware).clear(); }
+    void onFlyChanged(bool) override { refresh(); }
+    void clearPanel3() override {
+        firmwareShown_.clear();
+        refresh();
+    }
     void look(bool day) override;
     void restoreLayout() override { restoreSplitters(*this); }
     void windowClosed() override { refresh(); }
     void follow() override;
-    /// Which entries are enabled and checked, and the panels of the status bar.
+    /// Which entries are enabled and checked, and what the state strip says.
     void refresh();
 
     /// Runs the command of a menu entry, as a click on it does. Not while a dialog or a list stands over the
@@ -60,7 +63,6 @@ class MdiMain : public QMainWindow, public Form {
     void closeEvent(QCloseEvent* event) override;
 
  private:
-    enum class Panel { File, OnFly, Firmware, Modified };
     struct Entry {
         const MenuEntry* data;
         QAction* action;
@@ -76,7 +78,8 @@ class MdiMain : public QMainWindow, public Form {
     void makeToolbar();
     void pressed(const ToolbarButton& button);
     void makeStatusBar();
-    QLabel& panel(Panel which) { return *panels_.at(static_cast<std::size_t>(which)); }
+    void showStates();
+    void pressed(const StripRow& row);
     void perform(std::string_view entry);
     void openWindow(const MenuEntry& entry);
     void about();
@@ -89,8 +92,9 @@ class MdiMain : public QMainWindow, public Form {
     std::vector<std::pair<const ToolbarButton*, QAction*>> buttons_;
     QToolBar* toolbar_ = nullptr;
     KeptSplitter* centre_ = nullptr;
-    std::vector<QLabel*> panels_;
+    StateStripView* strip_ = nullptr;
     std::string firmwareSeen_;
+    std::string firmwareShown_;
     bool commandsOn_ = true;
     std::uint64_t consoleSeen_ = 0;
     std::uint64_t linkSeen_ = 0;

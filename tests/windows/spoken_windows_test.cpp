@@ -63,13 +63,18 @@ TEST_F(SpokenWindows, EveryControlThatTakesTheKeyboardHasAName) {
     EXPECT_GT(controls, 80);
 }
 
-TEST_F(SpokenWindows, ALabelIsSaidAnewWhenItsTextChanges) {
-    auto* panel = find<QLabel>("StatusBar1_Panel2");
-    windows.main().onFlyChanged(true);
-    EXPECT_EQ(said(panel, QAccessible::Name), "ONFLY");
-    EXPECT_EQ(said(panel, QAccessible::Description), "Changes act on the running engine");
-    windows.main().onFlyChanged(false);
-    EXPECT_EQ(said(panel, QAccessible::Name), "");
+TEST_F(SpokenWindows, AStateIsSaidWithItsMeaningAndAnewWhenItChanges) {
+    openCalibration();
+    auto* state = find<StripButton>("StatusBar1_Panel2");
+    fake.session.currentUnitObject().ONFLY_MODE(true);
+    windows.main().refresh();
+    EXPECT_EQ(said(state, QAccessible::Name), "ONFLY");
+    EXPECT_EQ(said(state, QAccessible::Description),
+              "On the fly: changes act on the running engine at once. Press to read what that means.");
+    fake.session.currentUnitObject().ONFLY_MODE(false);
+    windows.main().refresh();
+    EXPECT_EQ(said(state, QAccessible::Name), "");
+    EXPECT_FALSE(state->isVisible());
 }
 
 }  // namespace
