@@ -47,6 +47,7 @@ FrmEditMAPSensors::FrmEditMAPSensors(Session& session, QWidget* parent)
 
     tabMAPSensors_ = named(new QTabWidget(this), "tabMAPSensors", "MAP sensors");
     tabMAPSensors_->setTabBarAutoHide(true);
+    tabMAPSensors_->setFocusPolicy(Qt::NoFocus);  // to its bar, which is hidden, Tab would go in vain
     tabMAPSensors_->setDocumentMode(true);
     area_ = named(new PageArea(tabMAPSensors_), "scrMAPSensors");
     auto* page = new QWidget(area_);

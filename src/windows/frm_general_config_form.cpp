@@ -1,5 +1,6 @@
 #include "windows/frm_general_config_form.h"
 
+#include <QAbstractItemView>
 #include <QButtonGroup>
 #include <QComboBox>
 #include <QEvent>
@@ -76,8 +77,8 @@ GeneralConfigForm::GeneralConfigForm(Core core, QWidget* parent) : QWidget(paren
     Column right{makeColumn()};
     makeInjectorGroup(right);
     right.grid->setRowStretch(right.row, 1);
-    columns_->addLayout(left.grid, 1);
-    columns_->addLayout(right.grid, 1);
+    columns_->addLayout(left.grid, 1);  // its lists take what the boxes of the other one leave
+    columns_->addLayout(right.grid);
     refresh();
     int widest = 0;
     for (const QLabel* label : wideCaptions_) widest = std::max(widest, label->sizeHint().width());
@@ -94,8 +95,23 @@ GeneralConfigForm::~GeneralConfigForm() {
 }
 
 void GeneralConfigForm::fitTo(int width) {
+    width_ = width;
     // What scrolls the form has taken its former height already.
     if (foldColumns(*columns_, width)) updateGeometry();
+    fitWideRows();
+}
+
+void GeneralConfigForm::fitWideRows() {
+    const QMargins margins = columns_->contentsMargins();
+    int room = width_ - margins.left() - margins.right();
+    if (columns_->direction() == QBoxLayout::LeftToRight)
+        room -= columns_->spacing() + columns_->itemAt(1)->minimumSize().width();
+    const int frame = fontMetrics().height() * 5 / 2;  // with the arrow
+    for (const WideRow& wide : wideRows_) {
+        const int list = wide.list->view()->sizeHintForColumn(0) + frame;
+        const bool beside = wide.caption->minimumWidth() + wide.row->spacing() + list <= room;
+        wide.row->setDirection(beside ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+    }
 }
 
 // ---- Making
@@ -189,10 +205,11 @@ void GeneralConfigForm::listRow(Column& column, const std::string& name) {
 /// The names of engines and sensors are long: their lists begin right behind the captions.
 void GeneralConfigForm::wideListRow(Column& column, const std::string& name) {
     FieldControl& list = field(name);
-    auto* row = plainRow(*this);
+    QBoxLayout* row = plainRow(*this);
     wideCaptions_.push_back(list.addCaption());
     row->addWidget(wideCaptions_.back());
     row->addWidget(list.widget(), 1);
+    wideRows_.push_back({row, wideCaptions_.back(), static_cast<QComboBox*>(list.widget())});
     column.grid->addLayout(row, column.row, 0, 1, Column::places);
     ++column.row;
 }
@@ -292,6 +309,7 @@ void GeneralConfigForm::refresh() {
     const bool sized = find("txtLBHR").shown().enabled;
     lblComputed_->setEnabled(sized);
     showUsable(*lblComputedUnit_, sized);
+    if (width_ > 0) fitWideRows();  // a model has engines of its own
 }
 
 void GeneralConfigForm::highlight(bool onTheFly) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QBoxLayout>
+#include <QComboBox>
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -72,6 +73,7 @@ class GeneralConfigForm : public QWidget {
     void boxRow(Column& column, const std::string& name);
     void listRow(Column& column, const std::string& name);
     void wideListRow(Column& column, const std::string& name);
+    void fitWideRows();
     void ratingRow(Column& column);
     void dimensionsRow(Column& column);
     void peakRow(Column& column);
@@ -88,6 +90,14 @@ class GeneralConfigForm : public QWidget {
     std::vector<FieldControl*> controls_;
     QPushButton* cmdManager_ = nullptr;
     std::vector<QLabel*> wideCaptions_;
+    /// A list of long names and its caption: beside each other where the longest name has room.
+    struct WideRow {
+        QBoxLayout* row;
+        const QLabel* caption;
+        const QComboBox* list;
+    };
+    std::vector<WideRow> wideRows_;
+    int width_ = 0;  ///< of the window, as it was told last
     QLabel* lblDimensions_ = nullptr;
     QLabel* lblComputed_ = nullptr;
     QLabel* lblComputedUnit_ = nullptr;

@@ -174,6 +174,7 @@ QWidget* FrmHelp::makeSide() {
 
     lstHits_ = named(new QListWidget(side), "lstHits", "Hits");
     lstHits_->setItemDelegate(new HitPainter(lstHits_));
+    lstHits_->setWordWrap(true);
     lstHits_->setResizeMode(QListView::Adjust);
     lstHits_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     lstHits_->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);

@@ -1,5 +1,7 @@
 #include "windows/every_window.h"
 
+#include <QComboBox>
+#include <QListWidget>
 #include <QScreen>
 #include <QTabWidget>
 
@@ -7,6 +9,13 @@
 #include "windows/mdi_main_about.h"
 
 namespace zentaq {
+
+EveryWindowTest::EveryWindowTest() {
+    const std::string path = fake.folder.path("reference.pak");
+    std::filesystem::copy_file(builtReference(), path);
+    fake.session.database = Database::open(path);
+    std::filesystem::create_directory_symlink(ZENTAQ_APP_DIR "/support", fake.folder.path("support"));
+}
 
 QRect EveryWindowTest::room() {
     return QGuiApplication::primaryScreen()->availableGeometry();
@@ -73,22 +82,41 @@ void EveryWindowTest::generalOfNewCalibration(const Look& look) {
     maximiseMain();
     windows.main().run("mnuNew");
     settle();
+    for (const char* list : {"cmbORB_UNIT", "cmbEngine", "cmbMAP"}) {
+        chooseLongest(*windows.generalConfig(), list);
+    }
+    settle();
     look(*windows.generalConfig());
 }
 
-void EveryWindowTest::sensors(const Look& look) {
+void EveryWindowTest::chooseLongest(QWidget& window, const char* list) {
+    auto* box = window.findChild<QComboBox*>(QLatin1String(list));
+    int longest = 0;
+    for (int i = 0; i < box->count(); ++i) {
+        if (box->itemText(i).size() > box->itemText(longest).size()) longest = i;
+    }
+    ASSERT_GT(box->count(), longest) << list;
+    box->setCurrentIndex(longest);
+    Q_EMIT box->activated(longest);
+}
+
+void EveryWindowTest::openSensors() {
     maximiseMain();
     windows.openSensorEditor();
     settle();
+    windows.sensorEditor()->findChild<QListWidget*>("lstMAPSensors")->setCurrentRow(0);
+    settle();
+}
+
+void EveryWindowTest::sensors(const Look& look) {
+    openSensors();
     look(*windows.sensorEditor());
 }
 
-void EveryWindowTest::sensorBeingMade(const Look& look) {
-    maximiseMain();
-    windows.openSensorEditor();
-    settle();
+void EveryWindowTest::sensorBeingEdited(const Look& look) {
+    openSensors();
     fake.dialogs.answers.push_back(Answer::Yes);
-    windows.sensorEditor()->findChild<QPushButton*>("cmdNew")->click();
+    windows.sensorEditor()->findChild<QPushButton*>("cmdEdit")->click();
     settle();
     look(*windows.sensorEditor());
 }
@@ -120,11 +148,10 @@ void EveryWindowTest::guideSearch(const Look& look) {
 
 void EveryWindowTest::fastHelp(const Look& look) {
     maximiseMain();
-    openCalibration();
-    windows.openGeneralConfig();
+    windows.main().run("mnuOptions");
     settle();
-    activate(*windows.generalConfig());
-    windows.generalConfig()->findChild<QLineEdit*>("txtBHP")->setFocus();
+    activate(*windows.options());
+    windows.options()->findChild<QWidget*>("cmbCOMM")->setFocus();
     settle();
     windows.open(window::fastHelp);
     settle();
@@ -204,7 +231,7 @@ const std::vector<ShownWindow>& everyWindow() {
         {"GeneralConfiguration", [](Program& p, const Look& look) { p.general(look); }},
         {"NewCalibration", [](Program& p, const Look& look) { p.generalOfNewCalibration(look); }},
         {"Sensors", [](Program& p, const Look& look) { p.sensors(look); }},
-        {"SensorBeingMade", [](Program& p, const Look& look) { p.sensorBeingMade(look); }},
+        {"SensorBeingEdited", [](Program& p, const Look& look) { p.sensorBeingEdited(look); }},
         {"OptionsPage1", [](Program& p, const Look& look) { p.optionPage(0, look); }},
         {"OptionsPage2", [](Program& p, const Look& look) { p.optionPage(1, look); }},
         {"OptionsPage3", [](Program& p, const Look& look) { p.optionPage(2, look); }},

@@ -14,6 +14,9 @@ class EveryWindowTest : public WindowTest {
  public:
     using Look = std::function<void(QWidget& window)>;
 
+    /// With the real reference database and the user guide: their texts are what needs the room.
+    EveryWindowTest();
+
     /// The part of the screen that windows may use.
     static QRect room();
 
@@ -24,7 +27,7 @@ class EveryWindowTest : public WindowTest {
     void general(const Look& look);
     void generalOfNewCalibration(const Look& look);
     void sensors(const Look& look);
-    void sensorBeingMade(const Look& look);
+    void sensorBeingEdited(const Look& look);
     void optionPage(int page, const Look& look);
     void guide(const Look& look);
     void guideSearch(const Look& look);
@@ -39,6 +42,9 @@ class EveryWindowTest : public WindowTest {
  private:
     void settle();
     void maximiseMain();
+    void openSensors();
+    /// The longest of its entries.
+    static void chooseLongest(QWidget& window, const char* list);
     /// Runs what waits for the user, and closes it when it has been looked at.
     void modal(const std::function<void()>& run, const Look& look);
 };

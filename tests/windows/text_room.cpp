@@ -17,6 +17,7 @@
 #include <QTabBar>
 #include <QTextDocument>
 #include <QToolButton>
+#include <QTreeView>
 #include <algorithm>
 
 namespace zentaq {
@@ -27,6 +28,11 @@ constexpr int anyLength = 100'000;
 /// The rectangle around the letters themselves would be smaller than what the toolkit lays out.
 QSize linesOf(const QFontMetrics& metrics, const QString& text) {
     return metrics.size(Qt::TextShowMnemonic | Qt::TextExpandTabs, text);
+}
+
+QSize brokenAt(int width, const QFont& font, const QString& text) {
+    constexpr auto how = Qt::TextWordWrap | Qt::TextExpandTabs;
+    return QFontMetrics(font).boundingRect(0, 0, width, anyLength, how, text).size();
 }
 
 bool isRich(const QLabel& label) {
@@ -48,9 +54,7 @@ TextRoom ofLabel(const QLabel& label) {
     const QSize given = label.contentsRect().size() - QSize(margin, margin);
     if (isRich(label)) return {label.text(), documentSize(label, given.width()), given};
     if (!label.wordWrap()) return {label.text(), linesOf(label.fontMetrics(), label.text()), given};
-    const QRect broken = label.fontMetrics().boundingRect(
-        0, 0, given.width(), anyLength, Qt::TextWordWrap | Qt::TextExpandTabs, label.text());
-    return {label.text(), broken.size(), given};
+    return {label.text(), brokenAt(given.width(), label.font(), label.text()), given};
 }
 
 /// With its icon beside it.
@@ -110,6 +114,11 @@ std::vector<TextRoom> ofHeader(const QHeaderView& header) {
     return rooms;
 }
 
+QModelIndex rowBelow(const QAbstractItemView& view, const QModelIndex& index) {
+    if (const auto* tree = qobject_cast<const QTreeView*>(&view)) return tree->indexBelow(index);
+    return index.siblingAtRow(index.row() + 1);
+}
+
 QString withoutPadding(QString text) {
     while (text.endsWith(u' ')) text.chop(1);
     return text;
@@ -119,17 +128,18 @@ QString withoutPadding(QString text) {
 /// to it.
 std::vector<TextRoom> ofItems(const QAbstractItemView& view) {
     std::vector<TextRoom> rooms;
-    if (view.model() == nullptr || view.property("wordWrap").toBool()) return rooms;
-    if (view.horizontalScrollBar()->maximum() > 0) return rooms;
-    for (QModelIndex index = view.indexAt(QPoint(1, 1)); index.isValid();
-         index = index.siblingAtRow(index.row() + 1)) {
+    if (view.model() == nullptr || view.horizontalScrollBar()->maximum() > 0) return rooms;
+    for (QModelIndex index = view.indexAt(QPoint(1, 1)); index.isValid(); index = rowBelow(view, index)) {
         const QRect place = view.visualRect(index);
         if (place.isEmpty() || place.top() > view.viewport()->height()) break;
         const QString text = withoutPadding(index.data().toString());
         if (index.data(Qt::ToolTipRole).toString() == text) continue;
         QFont font = view.font();
         if (const QVariant own = index.data(Qt::FontRole); own.isValid()) font = own.value<QFont>();
-        rooms.push_back({text, linesOf(QFontMetrics(font), text), place.size()});
+        const bool breaks = view.property("wordWrap").toBool();
+        rooms.push_back({text,
+                         breaks ? brokenAt(place.width(), font, text) : linesOf(QFontMetrics(font), text),
+                         place.size()});
     }
     return rooms;
 }

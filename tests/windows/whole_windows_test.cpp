@@ -19,6 +19,7 @@ TEST_P(WholeWindowTest, HasNoFaults) {
     int looks = 0;
     GetParam().show(*this, [&](QWidget& window) {
         ++looks;
+        EXPECT_TRUE(window.isVisible());
         for (const std::string& fault : layoutFaults(window, room())) ADD_FAILURE() << fault;
     });
     EXPECT_GT(looks, 0);

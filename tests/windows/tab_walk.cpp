@@ -1,0 +1,122 @@
+#include "windows/tab_walk.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QButtonGroup>
+#include <QImage>
+#include <QRadioButton>
+#include <algorithm>
+
+#include "windows/key_press.h"
+#include "windows/layout_faults.h"
+
+namespace zentaq {
+namespace {
+
+/// A page of a text goes from link to link before it lets the key out.
+constexpr int mostPresses = 300;
+
+bool has(const std::vector<QWidget*>& controls, const QWidget* one) {
+    return std::find(controls.begin(), controls.end(), one) != controls.end();
+}
+
+void pressTab(bool backward) {
+    pressKey(backward ? Qt::Key_Backtab : Qt::Key_Tab, backward ? Qt::ShiftModifier : Qt::NoModifier, "\t");
+}
+
+bool sameGroup(const QAbstractButton& one, const QAbstractButton& other) {
+    if (one.group() != nullptr || other.group() != nullptr) return one.group() == other.group();
+    return one.autoExclusive() && one.parentWidget() == other.parentWidget();
+}
+
+/// Another one of its options is chosen, or comes before it.
+bool isReachedByArrows(const QWidget& control, const std::vector<QWidget*>& all) {
+    const auto* option = qobject_cast<const QRadioButton*>(&control);
+    if (option == nullptr || option->isChecked()) return false;
+    return std::any_of(all.begin(), all.end(), [&](const QWidget* one) {
+        const auto* other = qobject_cast<const QRadioButton*>(one);
+        return other != nullptr && other != option && sameGroup(*option, *other) && other->isChecked();
+    });
+}
+
+QRect placeIn(const QWidget& control, const QWidget& window) {
+    return {control.mapTo(&window, QPoint(0, 0)), control.size()};
+}
+
+bool isAgainstTheEye(const QRect& from, const QRect& to) {
+    const bool sameColumn = from.left() <= to.right() && to.left() <= from.right();
+    const bool sameRow = from.top() <= to.bottom() && to.top() <= from.bottom();
+    return (sameColumn && to.bottom() < from.top()) || (sameRow && to.right() < from.left());
+}
+
+std::string placeText(const QRect& place) {
+    return std::to_string(place.x()) + "," + std::to_string(place.y());
+}
+
+/// With what the style paints around it.
+QImage pictureOf(QWidget& control) {
+    constexpr int around = 4;
+    QApplication::processEvents();
+    QWidget* parent = control.parentWidget();
+    return parent->grab(control.geometry().adjusted(-around, -around, around, around)).toImage();
+}
+
+}  // namespace
+
+TabWalk walkByTab(QWidget& window, bool backward) {
+    TabWalk walk;
+    QWidget* now = QApplication::focusWidget();
+    if (now == nullptr || now->window() != &window) pressTab(backward);
+    for (now = QApplication::focusWidget(); now != nullptr && !has(walk.controls, now);
+         now = QApplication::focusWidget()) {
+        walk.controls.push_back(now);
+        for (int i = 0; i < mostPresses && QApplication::focusWidget() == now; ++i) pressTab(backward);
+        if (QApplication::focusWidget() == now && tabControls(window).size() > 1) walk.holding = now;
+    }
+    return walk;
+}
+
+std::vector<QWidget*> tabControls(const QWidget& window) {
+    std::vector<QWidget*> all;
+    for (QWidget* widget : window.findChildren<QWidget*>()) {
+        const bool byTab = (widget->focusPolicy() & Qt::TabFocus) == Qt::TabFocus;
+        if (!byTab || !widget->isVisible() || !widget->isEnabled()) continue;
+        if (widget->window() != &window || widget->focusProxy() != nullptr || isPartOfControl(*widget))
+            continue;
+        all.push_back(widget);
+    }
+    const std::vector<QWidget*> found = all;
+    std::erase_if(all, [&](const QWidget* one) { return isReachedByArrows(*one, found); });
+    return all;
+}
+
+std::vector<std::string> stepsAgainstTheEye(const std::vector<QWidget*>& ring, const QWidget& window) {
+    std::vector<std::string> steps;
+    for (std::size_t i = 0; i < ring.size(); ++i) {
+        const QWidget& from = *ring[i];
+        const QWidget& to = *ring[(i + 1) % ring.size()];
+        const QRect here = placeIn(from, window);
+        const QRect there = placeIn(to, window);
+        if (!isAgainstTheEye(here, there)) continue;
+        steps.push_back(pathOf(from) + " at " + placeText(here) + " to " + pathOf(to) + " at " +
+                        placeText(there));
+    }
+    // Somewhere the ring goes back to its beginning.
+    if (steps.size() == 1) steps.clear();
+    return steps;
+}
+
+bool showsFocus(QWidget& control) {
+    control.setFocus(Qt::TabFocusReason);
+    const QImage with = pictureOf(control);
+    control.clearFocus();
+    const QImage without = pictureOf(control);
+    if (with.size() != without.size()) return true;
+    int changed = 0;
+    for (int y = 0; y < with.height(); ++y) {
+        for (int x = 0; x < with.width(); ++x) changed += with.pixel(x, y) != without.pixel(x, y);
+    }
+    return changed >= control.width() + control.height();
+}
+
+}  // namespace zentaq
