@@ -9,6 +9,7 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
+#include "qt/look.h"
 #include "windows/every_window.h"
 #include "windows/layout_faults.h"
 
@@ -141,6 +142,20 @@ TEST_P(EveryWindowByTab, GoesAsTheEyeGoes) {
     GetParam().show(*this, [](QWidget& window) {
         activate(window);
         EXPECT_THAT(stepsAgainstTheEye(walkByTab(window).controls, window), IsEmpty());
+    });
+}
+
+TEST_P(EveryWindowByTab, ShowsWhereItIsByDayAndByNight) {
+    GetParam().show(*this, [](QWidget& window) {
+        activate(window);
+        for (const DisplayMode mode : {DisplayMode::Day, DisplayMode::Night}) {
+            applyLook(*qApp, mode);
+            QApplication::processEvents();
+            for (QWidget* control : walkByTab(window).controls) {
+                EXPECT_TRUE(showsFocus(*control))
+                    << pathOf(*control) << (mode == DisplayMode::Day ? ", day" : "");
+            }
+        }
     });
 }
 
