@@ -72,7 +72,7 @@ int StripButton::widthOf(const QString& text) const {
 QSize StripButton::sizeHint() const {
     const QFontMetrics metrics = fontMetrics();
     return {widthOf(accessibleName()),
-            metrics.height() + 2 * space(metrics, Space::Line) + 2 * frameWidth(metrics)};
+            metrics.height() + 2 * space(metrics, Space::Line) + 2 * edgeWidth(metrics)};
 }
 
 int StripButton::leastWidth() const {
@@ -88,7 +88,7 @@ void StripButton::paintEvent(QPaintEvent*) {
     const auto [ground, ink] = inkOf(tone_, colors);
     const int radius = space(metrics, Space::Line);
     const QRectF body = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
-    painter.setPen(underMouse() || isDown() ? QPen(ink, frameWidth(metrics)) : QPen(Qt::NoPen));
+    painter.setPen(underMouse() || isDown() ? QPen(ink, edgeWidth(metrics)) : QPen(Qt::NoPen));
     painter.setBrush(ground);
     painter.drawRoundedRect(body, radius, radius);
     painter.setPen(ink);
