@@ -123,12 +123,13 @@ void drawToolButton(const QStyleOption& option, QPainter& painter, const LookCol
 
 // ---- Frames and panels
 
-/// On a selected row the frame has the colour of its text.
+/// On a selected row, whose ground says it already, a thin line in the colour of its text.
 void drawFocusRect(const QStyleOption& option, QPainter& painter, const LookColors& look) {
     const auto* rect = qstyleoption_cast<const QStyleOptionFocusRect*>(&option);
     const bool onSelection = rect != nullptr && rect->backgroundColor == look.accent;
-    drawFrame(painter, option.rect, rounding(option.fontMetrics) / 2,
-              onSelection ? look.accentText : look.focus, edgeWidth(option.fontMetrics));
+    if (onSelection) return drawFrame(painter, option.rect, 0, look.accentText, hairline(painter));
+    drawFrame(painter, option.rect, rounding(option.fontMetrics) / 2, look.focus,
+              edgeWidth(option.fontMetrics));
 }
 
 /// What opens and folds a row of a tree.

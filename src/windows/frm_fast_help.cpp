@@ -19,7 +19,6 @@ namespace zentaq {
 
 namespace {
 
-constexpr qreal headlineSize = 1.3;
 /// Width of the text in letters: lines of this length are read at a glance.
 constexpr int textLetters = 62;
 
@@ -35,7 +34,7 @@ FrmFastHelp::FrmFastHelp(Session& session, QWidget* parent) : QDialog(parent), F
     setModal(false);
 
     lblTopic_ = plainLines("lblTopic", "Topic", this);
-    lblTopic_->setFont(valueFont(headlineSize));
+    lblTopic_->setFont(typeFont(Type::Heading));
     lblHelp_ = plainLines("lblHelp", "Help text", this);
     lblHelp_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     lblHelp_->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -52,9 +51,8 @@ FrmFastHelp::FrmFastHelp(Session& session, QWidget* parent) : QDialog(parent), F
     buttons->addStretch(1);
     buttons->addWidget(cmdClose_);
     auto* layout = new QVBoxLayout(this);
-    const int gap = fontMetrics().height();
-    layout->setContentsMargins(gap, gap, gap, gap * 2 / 3);
-    layout->setSpacing(gap * 2 / 3);
+    layout->setContentsMargins(margins(fontMetrics(), Space::Wide));
+    layout->setSpacing(space(fontMetrics(), Space::Normal));
     layout->addWidget(lblTopic_);
     layout->addWidget(lblHelp_, 1);
     layout->addLayout(buttons);

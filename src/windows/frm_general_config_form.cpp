@@ -28,7 +28,6 @@ namespace zentaq {
 
 namespace {
 
-constexpr qreal headingSize = 1.05;
 constexpr int dimensionLetters = 2;
 /// Controls without which no new calibration can be stored, in the order of the form.
 struct Needed {
@@ -41,16 +40,10 @@ constexpr std::array needed{
     Needed{"cmbMAP", QT_TRANSLATE_NOOP("zentaq::GeneralConfigForm", "Choose a MAP sensor")},
 };
 
-QFont bold(QFont font, qreal factor = 1.0) {
-    font.setBold(true);
-    font.setPointSizeF(font.pointSizeF() * factor);
-    return font;
-}
-
 QHBoxLayout* plainRow(const QWidget& form) {
     auto* row = new QHBoxLayout;
     row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(form.fontMetrics().height() / 2);
+    row->setSpacing(space(form.fontMetrics(), Space::Normal));
     return row;
 }
 
@@ -66,9 +59,8 @@ struct GeneralConfigForm::Column {
 GeneralConfigForm::GeneralConfigForm(Core core, QWidget* parent) : QWidget(parent), core_(std::move(core)) {
     setObjectName(QStringLiteral("fraGeneral"));
     columns_ = new QBoxLayout(QBoxLayout::LeftToRight, this);
-    const int gap = fontMetrics().height();
-    columns_->setContentsMargins(gap, gap / 2, gap, gap / 2);
-    columns_->setSpacing(gap * 3 / 2);
+    columns_->setContentsMargins(margins(fontMetrics(), Space::Wide, Space::Normal));
+    columns_->setSpacing(space(fontMetrics(), Space::Section));
     Column left{makeColumn()};
     makeUnitGroup(left);
     makeSensorGroup(left);
@@ -127,7 +119,7 @@ QGridLayout* GeneralConfigForm::makeColumn() {
 
 void GeneralConfigForm::heading(Column& column, const char* name, const QString& text) {
     auto* label = named(new QLabel(text, this), name);
-    label->setFont(bold(font(), headingSize));
+    label->setFont(typeFont(Type::Strong));
     auto* line = new QFrame(this);
     line->setFrameStyle(QFrame::HLine | QFrame::Plain);
     line->setForegroundRole(QPalette::Mid);
@@ -289,7 +281,7 @@ void GeneralConfigForm::computedRow(Column& column) {
     lblComputed_ = named(new QLabel("Zentaq Calculated TOG", this), "lblComputed");
     lblUAP_ = explained(new ValueLabel(QStringLiteral("000.000"), this), "lblUAP", lblComputed_->text());
     lblUAP_->setProperty(helpKeyProperty, QStringLiteral("helptog"));
-    lblUAP_->setFont(bold(font()));
+    lblUAP_->setFont(typeFont(Type::Strong));
     lblComputedUnit_ = mutedLabel(this);
     lblComputedUnit_->setText("ms");
     column.grid->addWidget(lblComputed_, column.row, Column::captionPlace);

@@ -235,7 +235,8 @@ void FrmOptions::chooseColour(const QString& control) {
     const auto former = storedColor(options_->value(name));
     const QString title = fields_->control(control)->accessibleName();
     const QPointer<FrmOptions> alive(this);
-    const std::optional<QColor> chosen = chooseColour_(former.value_or(Qt::white), title, this);
+    const std::optional<QColor> chosen =
+        chooseColour_(former.value_or(lookColors(appliedLook(*qApp)).text), title, this);
     if (!alive) return;
     keeper_.keep(*this);
     if (!chosen) return;

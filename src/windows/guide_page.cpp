@@ -73,8 +73,8 @@ void GuidePage::showMarks() {
             if (before >= 0 && isWordCharacter(document()->characterAt(before))) continue;
             QTextEdit::ExtraSelection shown;
             shown.cursor = place;
-            shown.format.setBackground(look.highlight);
-            shown.format.setForeground(look.highlightText);
+            shown.format.setBackground(look.checked);
+            shown.format.setForeground(look.text);
             shown.format.setFontUnderline(true);  // seen without colours as well
             marks.append(shown);
         }
@@ -112,27 +112,32 @@ void GuidePage::follow(const QUrl& link) {
 }
 
 void GuidePage::takeStyle() {
-    const LookColors look = lookColors(appliedLook(*qApp));
+    const LookColors& look = lookColors(appliedLook(*qApp));
+    const QFontMetrics metrics = fontMetrics();
     document()->setDefaultStyleSheet(
         QStringLiteral(
             "body { color: %1; background-color: %2; }"
-            "h1 { font-size: xx-large; color: %3; margin-bottom: 12px; }"
-            "h2 { font-size: x-large; color: %3; margin-top: 24px; margin-bottom: 6px; }"
+            "h1 { font-size: xx-large; color: %3; margin-bottom: %9px; }"
+            "h2 { font-size: x-large; color: %3; margin-top: %10px; margin-bottom: %8px; }"
             "h3 { font-size: large; }"
             "p, li { line-height: 135%; }"
-            "p { margin-top: 6px; margin-bottom: 8px; }"
-            "li { margin-bottom: 4px; }"
+            "p { margin-top: %8px; margin-bottom: %8px; }"
+            "li { margin-bottom: %7px; }"
             "a { color: %3; }"
-            "table { border-collapse: collapse; border-color: %4; margin-top: 8px; margin-bottom: 12px; }"
+            "table { border-collapse: collapse; border-color: %4; margin-top: %8px; margin-bottom: %9px; }"
             "th { background-color: %5; text-align: left; }"
-            "th, td { border: 1px solid %4; padding: 5px 9px; }"
+            "th, td { border: 1px solid %4; padding: %7px %8px; }"
             "code, pre { font-family: monospace; background-color: %5; }"
-            "pre { margin: 8px 16px; padding: 8px; }"
+            "pre { margin: %8px %9px; padding: %8px; }"
             // A background of its own would cover the underscores of the line above.
             "pre code { background-color: transparent; }"
-            "blockquote { margin-left: 24px; color: %6; font-weight: bold; }")
+            "blockquote { margin-left: %10px; color: %6; font-weight: bold; }")
             .arg(look.text.name(), look.surface.name(), look.accent.name(), look.border.name(),
-                 look.button.name(), look.text.name()));
+                 look.button.name(), look.text.name())
+            .arg(space(metrics, Space::Tight))
+            .arg(space(metrics, Space::Normal))
+            .arg(space(metrics, Space::Wide))
+            .arg(space(metrics, Space::Section)));
 }
 
 // Day or night: the page is read again, as its colours stand in it.

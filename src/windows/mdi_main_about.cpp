@@ -19,7 +19,7 @@ FrmAbout::FrmAbout(Session& session, QWidget* parent) : QDialog(parent) {
     setWindowTitle("About Zentaq");
 
     auto* name = new QLabel(shownString(session.AppName), this);
-    name->setFont(valueFont(1.8));
+    name->setFont(typeFont(Type::Title));
     Unit& unit = session.currentUnitObject();
     auto* facts = new QFormLayout;
     const auto add = [&](const char* control, const QString& caption, const std::string& text) {

@@ -29,15 +29,14 @@ FrmSplash::FrmSplash(const QString& version, QWidget* over, std::function<bool()
     setAttribute(Qt::WA_ShowWithoutActivating);
 
     auto* name = new QLabel(QStringLiteral("Zentaq4"), this);
-    name->setFont(valueFont(2.4));
+    name->setFont(typeFont(Type::Display));
     auto* maker =
         named(new QLabel("Norvalia Zentaq Engine Management System  " + version, this), "lblProduct");
     lblOperation_ = plainLabel("lblOperation", "Operation", this);
 
     auto* layout = new QVBoxLayout(this);
-    const int gap = fontMetrics().height();
-    layout->setContentsMargins(gap * 2, gap, gap * 2, gap);
-    layout->setSpacing(gap);
+    layout->setContentsMargins(margins(fontMetrics(), Space::Section, Space::Wide));
+    layout->setSpacing(space(fontMetrics(), Space::Wide));
     layout->addWidget(name);
     layout->addWidget(maker);
     layout->addWidget(lblOperation_);
