@@ -1,4 +1,5 @@
 #include <QApplication>
+#include <QDir>
 #include <QPixmap>
 
 #include "gallery/gallery.h"
@@ -15,13 +16,21 @@ int main(int count, char** arguments) {
         gallery.show();
         return QApplication::exec();
     }
-    bool saved = true;
+    const QString folder = words[at + 1];
+    if (!QDir().mkpath(folder)) {
+        qCritical("%s cannot be made", qPrintable(folder));
+        return 1;
+    }
+    int unsaved = 0;
     for (const auto& [mode, name] : {std::pair(zentaq::DisplayMode::Day, "gallery-day.png"),
                                      std::pair(zentaq::DisplayMode::Night, "gallery-night.png")}) {
         zentaq::applyLook(application, mode);
         zentaq::Gallery gallery;
         gallery.resize(gallery.width(), gallery.wholeHeight());
-        saved = gallery.grab().save(words[at + 1] + '/' + name) && saved;
+        const QString file = folder + '/' + name;
+        if (gallery.grab().save(file)) continue;
+        qCritical("%s cannot be written", qPrintable(file));
+        ++unsaved;
     }
-    return saved ? 0 : 1;
+    return unsaved;
 }
