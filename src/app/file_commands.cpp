@@ -60,6 +60,16 @@ void FileCommands::open() {
                [commands = *this]() mutable { commands.openNow(); });
 }
 
+void FileCommands::open(const std::string& path) {
+    std::error_code error;
+    if (!std::filesystem::exists(path, error)) {
+        session_.recentFiles.remove(path);
+        return session_.notice("Not there any more: " + path);
+    }
+    afterEdits(session_, "Open " + fileNameOf(path),
+               [commands = *this, path]() mutable { commands.openNow(path); });
+}
+
 void FileCommands::close() {
     afterEdits(session_, "Close", [commands = *this]() mutable { commands.closeNow(); });
 }
@@ -90,18 +100,22 @@ void FileCommands::startNew() {
     session_.windows().open(window::generalConfig);
 }
 
-void FileCommands::openNow() {
-    if (session_.saving.putsOff("Open", [commands = *this]() mutable { commands.open(); })) return;
+void FileCommands::openNow(const std::string& path) {
+    const auto again = [commands = *this, path]() mutable {
+        path.empty() ? commands.open() : commands.open(path);
+    };
+    if (session_.saving.putsOff("Open", again)) return;
     if (refusedByTransfer(session_)) return;
     if (!session_.windows().close(window::generalConfig)) return;
-    if (session_.CurrentFile.empty()) return startOpening();
+    if (session_.CurrentFile.empty()) return startOpening(path);
     // A save that was wanted and failed ends the command, so that nothing is lost.
-    SaveCommands(session_).offerToSave([commands = *this]() mutable { commands.startOpening(); });
+    SaveCommands(session_).offerToSave([commands = *this, path]() mutable { commands.startOpening(path); });
 }
 
-void FileCommands::startOpening() {
+void FileCommands::startOpening(const std::string& path) {
     if (refusedByTransfer(session_)) return;  // begun while the disk was busy
-    while (openOnce() == Next::AskAgain) {
+    if (!path.empty() && openChosen(path) == Next::Done) return;
+    while (askAndOpen() == Next::AskAgain) {
     }
 }
 
@@ -110,15 +124,17 @@ FileCommands::Next FileCommands::askAgain(const std::string& title, const std::s
     return answer == Answer::Yes ? Next::AskAgain : Next::Done;
 }
 
-FileCommands::Next FileCommands::openOnce() {
+FileCommands::Next FileCommands::askAndOpen() {
     FileRequest request;
     request.title = "Open Zentaq4 User Calibration Files";
     request.folder = session_.platform().userFolder;
     request.filter = openFilter();
     request.filterIndex = session_.FileFilterIndex;
     const std::string path = session_.dialogs().openFile(request);
-    if (path.empty()) return Next::Done;
+    return path.empty() ? Next::Done : openChosen(path);
+}
 
+FileCommands::Next FileCommands::openChosen(const std::string& path) {
     const std::string extension = upper(extensionOf(path));
     if (isOldFileName(path)) {
         std::error_code error;
@@ -258,7 +274,7 @@ void FileCommands::finishOpening(const std::string& path) {
     }
     session_.FileFilterIndex = unit.kind().fileFilter;
     session_.CurrentFile = path;
-    session_.windows().tell(&WindowNews::titleChanged, "Current Calibration File: " + path);
+    session_.fileNamed(path);
     session_.sysLog("Loaded Calibration: " + path);
     if (!isOldFileName(path)) noteShortFile(path);
     session_.DataModified = false;

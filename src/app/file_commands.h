@@ -17,15 +17,20 @@ class FileCommands {
 
     void newCalibration();  ///< mnuNew
     void open();            ///< mnuOpen
-    void close();           ///< mnuClose
+    /// The same for a file that the user has chosen from a list. One that has gone is told, and leaves the
+    /// list.
+    void open(const std::string& path);
+    void close();  ///< mnuClose
 
  private:
     void newNow();
     void startNew();
-    void openNow();
-    void startOpening();
+    /// Without a path the user is asked for one.
+    void openNow(const std::string& path = {});
+    void startOpening(const std::string& path);
     enum class Next { Done, AskAgain };
-    Next openOnce();
+    Next askAndOpen();
+    Next openChosen(const std::string& path);
     Next openCalibration(const std::string& path);
     Next openOlder(const std::string& path, std::uintmax_t length);
     enum class Outcome { Whole, Corrupt, NeedsReference };

@@ -130,7 +130,7 @@ void GeneralConfig::finishSaving(const std::string& path, const FileSaved& saved
     session_.header().fileState = "OLD";
     session_.DataModified = false;
     entered_ = false;
-    session_.windows().tell(&WindowNews::titleChanged, "Current Calibration File: " + path);
+    session_.fileNamed(path);
     session_.FileFilterIndex = unit().kind().fileFilter;
     storeConfig();
     showComputed();

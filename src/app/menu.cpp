@@ -59,6 +59,22 @@ bool hasRatio(const Session& session) {
     return tableOfUnit(session, "AFR");
 }
 
+bool zeroAdvance(const Session& session) {
+    return session.link.linked().zeroAdvance;
+}
+
+bool byDay(const Session& session) {
+    return session.dayMode();
+}
+
+bool byNight(const Session& session) {
+    return !session.dayMode();
+}
+
+bool recentFiles(const Session& session) {
+    return !session.recentFiles.paths().empty();
+}
+
 /// Commands that come with a later release of the program.
 constexpr auto later = nullptr;
 
@@ -75,65 +91,78 @@ constexpr MenuEntry behindEdits(MenuEntry entry, void (*run)(MainCommands&) = nu
     return command(entry, run);
 }
 
+/// The first of those that belong together.
+constexpr MenuEntry grouped(MenuEntry entry) {
+    entry.group = true;
+    return entry;
+}
+
+constexpr MenuEntry recent(MenuEntry entry) {
+    entry.isMenu = true;
+    return entry;
+}
+
 constexpr std::array menus{
     MenuEntry{"mnuFile", "&File", "", "", always},
-    behindEdits({"mnuNew", "Create a New Calibration File", "mnuFile", "Ctrl+N", always},
+    behindEdits({"mnuNew", "Create a &New Calibration File", "mnuFile", "Ctrl+N", always},
                 [](MainCommands& commands) { commands.files.newCalibration(); }),
-    behindEdits({"mnuOpen", "Open an Existing Calibration File", "mnuFile", "Ctrl+O", always},
+    behindEdits({"mnuOpen", "&Open an Existing Calibration File", "mnuFile", "Ctrl+O", always},
                 [](MainCommands& commands) { commands.files.open(); }),
-    behindEdits({"mnuSave", "Save", "mnuFile", "Ctrl+S", savable},
-                [](MainCommands& commands) { commands.saves.save(); }),
-    behindEdits({"mnuSaveAs", "Save As", "mnuFile", "Ctrl+Shift+S", fileInHand},
+    recent({"mnuRecent", "Open &Recent", "mnuFile", "", recentFiles}),
+    grouped(behindEdits({"mnuSave", "&Save", "mnuFile", "Ctrl+S", savable},
+                        [](MainCommands& commands) { commands.saves.save(); })),
+    behindEdits({"mnuSaveAs", "Save &As", "mnuFile", "Ctrl+Shift+S", fileInHand},
                 [](MainCommands& commands) { commands.saves.saveAs(); }),
-    MenuEntry{"mnuConvertBINFile", "Convert BIN File", "mnuFile", "", always},
-    MenuEntry{"mnuConvertORBA", "ORB A", "mnuConvertBINFile", "", noHandler},
-    MenuEntry{"mnuConvertORBALite", "ORB A-Lite", "mnuConvertBINFile", "", noHandler},
-    MenuEntry{"mnuPrint", "Print", "mnuFile", "", always},
-    MenuEntry{"mnuPrintBIN", "Calibration File", "mnuPrint", "", later},
-    MenuEntry{"mnuPrintCurrentForm", "Current Form", "mnuPrint", "", later},
-    behindEdits({"mnuClose", "Close", "mnuFile", "Ctrl+W", fileNamed},
-                [](MainCommands& commands) { commands.files.close(); }),
-    behindEdits({"mnuExit", "Exit Program", "mnuFile", "Ctrl+Q", always}),
+    grouped(MenuEntry{"mnuConvertBINFile", "Con&vert BIN File", "mnuFile", "", always}),
+    MenuEntry{"mnuConvertORBA", "ORB &A", "mnuConvertBINFile", "", noHandler},
+    MenuEntry{"mnuConvertORBALite", "ORB A-&Lite", "mnuConvertBINFile", "", noHandler},
+    MenuEntry{"mnuPrint", "&Print", "mnuFile", "", always},
+    MenuEntry{"mnuPrintBIN", "&Calibration File", "mnuPrint", "", later},
+    MenuEntry{"mnuPrintCurrentForm", "Current &Form", "mnuPrint", "", later},
+    grouped(behindEdits({"mnuClose", "&Close", "mnuFile", "Ctrl+W", fileNamed},
+                        [](MainCommands& commands) { commands.files.close(); })),
+    grouped(behindEdits({"mnuExit", "E&xit Program", "mnuFile", "Ctrl+Q", always})),
 
     MenuEntry{"mnuEdit", "&Edit", "", "", always},
-    MenuEntry{"mnuEdit_Undo", "Undo", "mnuEdit", "Ctrl+Z", always},
-    MenuEntry{"mnuEdit_Cut", "Cut", "mnuEdit", "", always},
-    MenuEntry{"mnuEdit_Copy", "Copy", "mnuEdit", "", always},
-    MenuEntry{"mnuEdit_Paste", "Paste", "mnuEdit", "", always},
-    MenuEntry{"mnuEdit_Delete", "Delete", "mnuEdit", "", always},
-    MenuEntry{"mnuEdit_SelectAll", "Select All", "mnuEdit", "", always},
+    MenuEntry{"mnuEdit_Undo", "&Undo", "mnuEdit", "Ctrl+Z", always},
+    grouped(MenuEntry{"mnuEdit_Cut", "Cu&t", "mnuEdit", "", always}),
+    MenuEntry{"mnuEdit_Copy", "&Copy", "mnuEdit", "", always},
+    MenuEntry{"mnuEdit_Paste", "&Paste", "mnuEdit", "", always},
+    MenuEntry{"mnuEdit_Delete", "&Delete", "mnuEdit", "", always},
+    grouped(MenuEntry{"mnuEdit_SelectAll", "Select &All", "mnuEdit", "", always}),
 
     MenuEntry{"mnuTools", "&Tools", "", "", always},
-    behindEdits({"mnuProgramORB", "Program ORB", "mnuTools", "Ctrl+P", always},
+    behindEdits({"mnuProgramORB", "&Program ORB", "mnuTools", "Ctrl+P", always},
                 [](MainCommands& commands) { commands.programming.programOrb(); }),
-    behindEdits({"mnuStoreONFLY", "Store Changes in ORB", "mnuTools", "Ctrl+T", unitOnLink},
+    behindEdits({"mnuStoreONFLY", "&Store Changes in ORB", "mnuTools", "Ctrl+T", unitOnLink},
                 [](MainCommands& commands) { commands.unit.storeOnFly(); }),
-    command({"mnuIdentifyORB", "Identify ORB", "mnuTools", "", always},
-            [](MainCommands& commands) { commands.unit.identify(); }),
-    command({"mnuAutoDetectPort", "Auto Detect Port", "mnuTools", "", noTransfer},
+    grouped(command({"mnuIdentifyORB", "&Identify ORB", "mnuTools", "", always},
+                    [](MainCommands& commands) { commands.unit.identify(); })),
+    command({"mnuAutoDetectPort", "Auto &Detect Port", "mnuTools", "", noTransfer},
             [](MainCommands& commands) { commands.unit.searchPorts(); }),
-    command({"mnuMonitor_KillEngine", "Kill Engine", "mnuTools", "Ctrl+Shift+K", always},
-            [](MainCommands& commands) { commands.unit.killEngine(); }),
-    command({"mnuZeroAdv", "Set Zero Advance", "mnuTools", "", unitOnLink, {}, {}, true},
-            [](MainCommands& commands) { commands.unit.zeroAdvance(); }),
-    command({"mnuClearDashCodes", "Refresh Codes", "mnuTools", "", unitOnLink},
-            [](MainCommands& commands) { commands.unit.refreshCodes(); }),
-    command({"mnuORB_ClearCodes", "Clear Error Codes", "mnuTools", "", unitOnLink},
+    grouped(command({"mnuMonitor_KillEngine", "&Kill Engine", "mnuTools", "Ctrl+Shift+K", always},
+                    [](MainCommands& commands) { commands.unit.killEngine(); })),
+    grouped(command({"mnuZeroAdv", "Set &Zero Advance", "mnuTools", "", unitOnLink, {}, {}, zeroAdvance},
+                    [](MainCommands& commands) { commands.unit.zeroAdvance(); })),
+    grouped(command({"mnuClearDashCodes", "&Refresh Codes", "mnuTools", "", unitOnLink},
+                    [](MainCommands& commands) { commands.unit.refreshCodes(); })),
+    command({"mnuORB_ClearCodes", "&Clear Error Codes", "mnuTools", "", unitOnLink},
             [](MainCommands& commands) { commands.unit.clearCodes(); }),
-    command({"mnuMonitor_DayMode", "Day Mode", "mnuTools", "F7", always},
-            [](MainCommands& commands) { commands.dayMode(); }),
-    command({"mnuMonitor_NightMode", "Night Mode", "mnuTools", "F8", always},
+    grouped(command({"mnuMonitor_DayMode", "D&ay Mode", "mnuTools", "F7", always, {}, {}, byDay},
+                    [](MainCommands& commands) { commands.dayMode(); })),
+    command({"mnuMonitor_NightMode", "&Night Mode", "mnuTools", "F8", always, {}, {}, byNight},
             [](MainCommands& commands) { commands.nightMode(); }),
-    MenuEntry{"mnuMonitor_ChangeColors", "Change DashBoard Colors", "mnuTools", "", always, window::options,
+    MenuEntry{"mnuMonitor_ChangeColors", "Chan&ge DashBoard Colors", "mnuTools", "", always, window::options,
               monitorPage},
-    MenuEntry{"mnuMAPSensors", "MAP Sensor Manager...", "mnuTools", "", always, window::sensorEditor},
-    MenuEntry{"mnuOptions", "Options...", "mnuTools", "Ctrl+,", always, window::options},
-    MenuEntry{"mnuControlPanel", "Control Panel", "mnuTools", "", always, window::options},
-    behindEdits({"mnuFirmwareUpgrade", "Firmware Upgrade", "mnuTools", "", firmwareUpgradable},
-                [](MainCommands& commands) { commands.programming.firmwareUpgrade(); }),
+    grouped(
+        MenuEntry{"mnuMAPSensors", "&MAP Sensor Manager...", "mnuTools", "", always, window::sensorEditor}),
+    MenuEntry{"mnuOptions", "&Options...", "mnuTools", "Ctrl+,", always, window::options},
+    MenuEntry{"mnuControlPanel", "Con&trol Panel", "mnuTools", "", always, window::options},
+    grouped(behindEdits({"mnuFirmwareUpgrade", "&Firmware Upgrade", "mnuTools", "", firmwareUpgradable},
+                        [](MainCommands& commands) { commands.programming.firmwareUpgrade(); })),
 
     MenuEntry{"mnuView", "&View", "", "", always},
-    command({"mnuRestoreLayout", "Restore Layout", "mnuView", "", always},
+    command({"mnuRestoreLayout", "&Restore Layout", "mnuView", "", always},
             [](MainCommands& commands) { commands.restoreLayout(); }),
 
     MenuEntry{"mnuWindow", "&Window", "", "", always},
@@ -143,24 +172,24 @@ constexpr std::array menus{
     MenuEntry{"mnuEGOTbl", "&EGO Table", "mnuWindow", "Ctrl+4", hasRatio, window::table, "AFR"},
 
     MenuEntry{"mnuHelp", "&Help", "", "", always},
-    command({"mnuHelpContents", "Contents...", "mnuHelp", "F1", always},
+    command({"mnuHelpContents", "&Contents...", "mnuHelp", "F1", always},
             [](MainCommands& commands) { commands.help(); }),
-    MenuEntry{"mnuFastHelp", "Fast Help (Press F2)", "mnuHelp", "F2", always, window::fastHelp},
-    MenuEntry{"mnuAbout", "About Zentaq", "mnuHelp", "", always},
+    MenuEntry{"mnuFastHelp", "&Fast Help (Press F2)", "mnuHelp", "F2", always, window::fastHelp},
+    grouped(MenuEntry{"mnuAbout", "&About Zentaq", "mnuHelp", "", always}),
 
     MenuEntry{"mnuPopupTable", "", "", "", always},
-    MenuEntry{"mnuGraphTable", "Graph", "mnuPopupTable", "", later},
-    MenuEntry{"mnuInterpolate", "Interpolate", "mnuPopupTable", "", later},
-    MenuEntry{"mnuSmooth", "Smooth", "mnuPopupTable", "", later},
-    MenuEntry{"mnuSmooth_1", "Smooth 1 (gentlest)", "mnuSmooth", "", later},
-    MenuEntry{"mnuSmooth_2", "Smooth 2", "mnuSmooth", "", later},
-    MenuEntry{"mnuSmooth_3", "Smooth 3", "mnuSmooth", "", later},
-    MenuEntry{"mnuSmooth_4", "Smooth 4", "mnuSmooth", "", later},
-    MenuEntry{"mnuSmooth_5", "Smooth 5 (strongest)", "mnuSmooth", "", later},
-    MenuEntry{"mnuNewCol", "Add Column", "mnuPopupTable", "", later},
-    MenuEntry{"mnuNewRow", "Add Row", "mnuPopupTable", "", later},
-    MenuEntry{"mnuRmvCol", "Remove Column", "mnuPopupTable", "", later},
-    MenuEntry{"mnuRmvRow", "Remove Row", "mnuPopupTable", "", later},
+    MenuEntry{"mnuGraphTable", "&Graph", "mnuPopupTable", "", later},
+    MenuEntry{"mnuInterpolate", "&Interpolate", "mnuPopupTable", "", later},
+    MenuEntry{"mnuSmooth", "&Smooth", "mnuPopupTable", "", later},
+    MenuEntry{"mnuSmooth_1", "Smooth &1 (gentlest)", "mnuSmooth", "", later},
+    MenuEntry{"mnuSmooth_2", "Smooth &2", "mnuSmooth", "", later},
+    MenuEntry{"mnuSmooth_3", "Smooth &3", "mnuSmooth", "", later},
+    MenuEntry{"mnuSmooth_4", "Smooth &4", "mnuSmooth", "", later},
+    MenuEntry{"mnuSmooth_5", "Smooth &5 (strongest)", "mnuSmooth", "", later},
+    grouped(MenuEntry{"mnuNewCol", "Add &Column", "mnuPopupTable", "", later}),
+    MenuEntry{"mnuNewRow", "Add &Row", "mnuPopupTable", "", later},
+    MenuEntry{"mnuRmvCol", "Re&move Column", "mnuPopupTable", "", later},
+    MenuEntry{"mnuRmvRow", "Remo&ve Row", "mnuPopupTable", "", later},
 };
 
 constexpr std::array buttons{

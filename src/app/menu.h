@@ -20,9 +20,11 @@ struct MenuEntry {
     bool (*enabled)(const Session& session) = nullptr;  ///< null: the command comes later, stay disabled
     std::string_view window = {};                       ///< that it opens; empty for a command
     std::string_view on = {};                           ///< what the window opens on
-    bool checkable = false;
-    void (*run)(MainCommands& commands) = nullptr;  ///< where it is one call into the core
+    bool (*checked)(const Session& session) = nullptr;  ///< null: it bears no mark
+    void (*run)(MainCommands& commands) = nullptr;      ///< where it is one call into the core
     bool afterEdits = false;  ///< what it stores, programs, saves or closes includes the edits typed before
+    bool group = false;       ///< a line stands above it
+    bool isMenu = false;      ///< what it holds is made when it opens
 };
 
 /// Parents before children, in the order of the menus. A menu whose caption is empty is a pop-up.

@@ -70,9 +70,10 @@ void SaveCommands::saveInHand(const Saved& then) {
 }
 
 // A file of the older generation is never written over: nothing could read the result by its name, and the
-// user was told to use Save As.
+// user was told to use Save As. Nor is a sample.
 void SaveCommands::saveCurrent(const Saved& then) {
-    if (isOldFileName(session_.CurrentFile)) return saveUnderNewName(then);
+    const std::string& file = session_.CurrentFile;
+    if (isOldFileName(file) || isSample(file, session_.applicationFolder())) return saveUnderNewName(then);
     if (!maySaveCutFile()) return then(false);
     saveChecked(session_.fileHolds, {}, then);
 }
@@ -199,7 +200,7 @@ void SaveCommands::saveUnderNewName(const Saved& then) {
 
 void SaveCommands::takeName(const std::string& path) {
     session_.CurrentFile = path;
-    session_.windows().tell(&WindowNews::titleChanged, "Current Calibration File: " + path);
+    session_.fileNamed(path);
     session_.FileFilterIndex = session_.currentUnitObject().kind().fileFilter;
     session_.windows().tell(&WindowNews::showUnit);  // the name stands on a page
 }

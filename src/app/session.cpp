@@ -36,6 +36,7 @@ Session::Session(const Platform& platform)
           [this] { windows_->tell(&WindowNews::updateDisplay); }),
       trace(platform.clock),
       saving(*this, platform.writer),
+      recentFiles(platform.settings),
       platform_(platform) {
     for (LineWatch* watcher : watchers()) platform_.port.watch(*watcher);
     trace.onFailure([this](const std::string& why) { sysLog("Wire trace ended: " + why); });
@@ -175,6 +176,11 @@ void Session::markModified() {
     if (slotInHand() == 0) return;
     DataModified = true;
     ++userChanges_;
+}
+
+void Session::fileNamed(const std::string& path) {
+    windows_->tell(&WindowNews::titleChanged, "Current Calibration File: " + path);
+    if (!isSample(path, platform_.applicationFolder)) recentFiles.add(path);
 }
 
 // ---- UnitHost

@@ -14,6 +14,7 @@
 #include "app/console.h"
 #include "app/messages.h"
 #include "app/notices.h"
+#include "app/recent_files.h"
 #include "app/saving.h"
 #include "app/tick_guard.h"
 #include "app/unit_memory.h"
@@ -126,6 +127,7 @@ class Session : public UnitHost, public LinkTeller, public FileInHand {
     Saving saving;
     UnitMemory unitMemory;  ///< of the one on the link
     Notices notices;        ///< what is told without a box
+    RecentFiles recentFiles;
 
     Platform& platform() { return platform_; }
     SettingsStore& settings() { return platform_.settings; }
@@ -175,6 +177,8 @@ class Session : public UnitHost, public LinkTeller, public FileInHand {
     int slotInHand() const override;
     void show(const Box& box) override;
     FirmwareVersion expectedFirmware(int slot) const override;
+    /// A calibration has a file: the title and the recent files tell which.
+    void fileNamed(const std::string& path);
     /// The unit and the file agree (true), or they do not or the link is lost (false).
     void initializeOnFly(bool on);
 

@@ -12,6 +12,8 @@ inline constexpr const char* system = "System";    ///< section of the preferenc
 inline constexpr const char* datalog = "Datalog";  ///< section of the recorder's data points
 inline constexpr const char* forms = "Forms";      ///< section of the windows' places, by window name
 
+inline constexpr const char* RecentFiles = "RecentFiles";  ///< of that section: paths, newest first
+
 // Section "System". A key that the options alone read and store stands in its row of app/options_table.cpp.
 inline constexpr const char* CommPort = "CommPort";  ///< serial port number; a port search stores it too
 /// Identity of the device behind the number, which moves; stored with it.

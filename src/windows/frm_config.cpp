@@ -23,10 +23,6 @@ constexpr int helpRole = Qt::UserRole + 1;
 constexpr int startTab = 0;
 constexpr int pageTab = 1;
 
-QString nothingInHand() {
-    return "No calibration in hand.";
-}
-
 QLabel* textLabel(const char* name, QWidget* parent) {
     QLabel* label = plainLines(name, {}, parent);
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
@@ -74,35 +70,19 @@ FrmConfig::FrmConfig(Session& session, MainCommands& commands, QWidget* parent)
 }
 
 QWidget* FrmConfig::makeStartTab() {
-    auto* tab = new QWidget(this);
-    auto* layout = new QVBoxLayout(tab);
-    lblStart_ = textLabel("lblStart", tab);
-    lblStart_->setFont(valueFont(1.2));
-    lblStart_->setText(nothingInHand());
-    lblTip_ = textLabel("lblTip", tab);
-    lblTip_->setAccessibleDescription("Tip");
-    layout->addWidget(lblStart_);
-    layout->addWidget(makeDoors(tab));
-    layout->addWidget(lblTip_, 1);
-    return tab;
+    startPage_ = new StartPage(this);
+    connect(startPage_, &StartPage::entryAsked, this, &FrmConfig::entryAsked);
+    connect(startPage_, &StartPage::fileAsked, this, [this](const std::string& path) {
+        commands_.files.open(path);
+        showStartPage();
+    });
+    showStartPage();
+    return startPage_;
 }
 
-// What somebody does first, without a search through the menus.
-QWidget* FrmConfig::makeDoors(QWidget* tab) {
-    auto* doors = new QWidget(tab);
-    auto* row = new QHBoxLayout(doors);
-    row->setContentsMargins(0, 0, 0, 0);
-    const auto add = [&](const char* name, const QString& caption, const char* entry) {
-        auto* button = named(new QPushButton(caption, doors), name);
-        button->setAutoDefault(true);
-        connect(button, &QPushButton::clicked, this, [this, entry] { Q_EMIT entryAsked(entry); });
-        row->addWidget(button);
-    };
-    add("cmdStartNew", "Create a &new calibration", "mnuNew");
-    add("cmdStartOpen", "&Open a calibration", "mnuOpen");
-    add("cmdStartGuide", "User &guide", "mnuHelpContents");
-    row->addStretch(1);
-    return doors;
+void FrmConfig::showStartPage() {
+    startPage_->showInHand(session_.CurrentFile, session_.slotInHand() != 0);
+    startPage_->showFiles(session_.recentFiles.paths(), sampleFiles(session_.applicationFolder()));
 }
 
 QWidget* FrmConfig::makePageTab() {
@@ -197,9 +177,7 @@ void FrmConfig::showRows() {
 
 void FrmConfig::showUnit() {
     showRows();
-    lblStart_->setText(session_.slotInHand() == 0
-                           ? nothingInHand()
-                           : "Calibration in hand: " + shownString(session_.CurrentFile));
+    showStartPage();
 }
 
 void FrmConfig::onFlyChanged(bool on) {
@@ -208,7 +186,7 @@ void FrmConfig::onFlyChanged(bool on) {
 }
 
 void FrmConfig::showTip(const std::string& text) {
-    lblTip_->setText(shownStringOfLines(text));
+    startPage_->showTip(text);
 }
 
 // ---- With the other windows

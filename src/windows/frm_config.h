@@ -16,6 +16,7 @@
 #include "windows/frm_config_console.h"
 #include "windows/frm_config_link_panel.h"
 #include "windows/frm_config_page_view.h"
+#include "windows/start_page.h"
 
 namespace zentaq {
 
@@ -49,7 +50,7 @@ class FrmConfig : public QWidget, public Form {
     QString helpKey() const;
 
  Q_SIGNALS:
-    /// A button of the start tab stands for this entry of the menu.
+    /// A button of the start page stands for this entry of the menu.
     void entryAsked(const char* entry);
 
  private:
@@ -58,7 +59,7 @@ class FrmConfig : public QWidget, public Form {
     /// Shows the port in use; the options may have stored another one.
     void refreshPorts();
     QWidget* makeStartTab();
-    QWidget* makeDoors(QWidget* tab);
+    void showStartPage();
     QWidget* makePageTab();
     QWidget* makeBottom();
     void treeClicked(const QTreeWidgetItem* item);
@@ -71,8 +72,7 @@ class FrmConfig : public QWidget, public Form {
     MainCommands& commands_;
     QTreeWidget* treeZentaq_ = nullptr;
     QTabWidget* sstMenu_ = nullptr;
-    QLabel* lblTip_ = nullptr;
-    QLabel* lblStart_ = nullptr;
+    StartPage* startPage_ = nullptr;
     QLabel* lblPageTitle_ = nullptr;
     PageView* pageView_ = nullptr;
     ConsoleView* lstLog_ = nullptr;

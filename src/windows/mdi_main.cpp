@@ -19,6 +19,7 @@
 #include "unit/table_kinds.h"
 #include "windows/mdi_main_about.h"
 #include "windows/mdi_main_edit.h"
+#include "windows/recent_menu.h"
 #include "windows/window_registry.h"
 
 namespace zentaq {
@@ -63,7 +64,8 @@ void MdiMain::makeMenus() {
     for (const MenuEntry& entry : menuEntries()) {
         const auto parent = menus_.find(entry.parent);
         QMenu* above = parent == menus_.end() ? nullptr : parent->second;
-        if (!entry.parent.empty() && !hasChildren(entry.name)) {
+        if (entry.group && above != nullptr) above->addSeparator();
+        if (!entry.parent.empty() && !entry.isMenu && !hasChildren(entry.name)) {
             QAction* action = makeAction(entry, above);
             if (above != nullptr) above->addAction(action);
             entries_.push_back({&entry, action});
@@ -72,6 +74,8 @@ void MdiMain::makeMenus() {
         auto* menu = named(new QMenu(qString(entry.caption), this), qString(entry.name),
                            qString(entry.caption).remove(u'&'));
         menus_[entry.name] = menu;
+        if (entry.name == "mnuRecent")
+            connect(menu, &QMenu::aboutToShow, this, [this, menu] { fillRecent(*menu); });
         entries_.push_back({&entry, menu->menuAction()});
         if (above != nullptr) {
             above->addMenu(menu);
@@ -83,7 +87,7 @@ void MdiMain::makeMenus() {
 
 QAction* MdiMain::makeAction(const MenuEntry& entry, QWidget* parent) {
     auto* action = named(new QAction(qString(entry.caption), parent), qString(entry.name));
-    action->setCheckable(entry.checkable);
+    action->setCheckable(entry.checked != nullptr);
     if (!entry.shortcut.empty()) {
         action->setShortcut(QKeySequence(qString(entry.shortcut)));
         // A table in a window of its own obeys the same keys.
@@ -207,7 +211,9 @@ void MdiMain::closeRequested() {
 }
 
 void MdiMain::titleChanged(const std::string& title) {
-    setWindowTitle(title.empty() ? QLatin1String(frameTitle) : shownString(title));
+    const QString shown = title.empty() ? QString(QLatin1String(frameTitle)) : shownString(title);
+    setWindowTitle(shown);
+    setAccessibleName(shown);
 }
 
 /// Icons in the colours of day or night.
@@ -231,7 +237,7 @@ bool MdiMain::enabled(const Entry& entry) const {
 void MdiMain::refresh() {
     for (const Entry& entry : entries_) {
         entry.action->setEnabled(enabled(entry));
-        if (entry.data->name == "mnuZeroAdv") entry.action->setChecked(session_.link.linked().zeroAdvance);
+        if (entry.data->checked != nullptr) entry.action->setChecked(entry.data->checked(session_));
     }
     for (const auto& [button, action] : buttons_) {
         for (const Entry& entry : entries_) {
@@ -312,6 +318,16 @@ void MdiMain::openWindow(const MenuEntry& entry) {
     // A table wants a calibration that has it.
     if (entry.window == window::table) return commands_.openTable(on, tableTitle(on));
     session_.windows().open(entry.window, on);
+}
+
+void MdiMain::fillRecent(QMenu& menu) {
+    fillRecentMenu(menu, session_.recentFiles.paths(), [this](const std::string& path) {
+        endOnFailure([&] { commands_.files.open(path); },
+                     [&](const std::string& why) {
+                         session_.show({frameTitle, why, Icon::Critical, Buttons::Ok});
+                     });
+        refresh();
+    });
 }
 
 void MdiMain::about() {

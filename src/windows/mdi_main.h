@@ -82,6 +82,7 @@ class MdiMain : public QMainWindow, public Form {
     void pressed(const StripRow& row);
     void perform(std::string_view entry);
     void openWindow(const MenuEntry& entry);
+    void fillRecent(QMenu& menu);
     void about();
 
     Session& session_;

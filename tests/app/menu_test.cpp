@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <map>
 #include <set>
+
+#include "app/fake_platform.h"
 
 namespace zentaq {
 namespace {
@@ -12,6 +15,13 @@ std::map<std::string, const MenuEntry*> byName() {
     std::map<std::string, const MenuEntry*> result;
     for (const MenuEntry& entry : menuTree()) result[std::string(entry.name)] = &entry;
     return result;
+}
+
+/// A caption as it is read.
+std::string spoken(std::string_view caption) {
+    std::string text(caption);
+    std::erase(text, '&');
+    return text;
 }
 
 TEST(MenuTree, EveryEntryStandsUnderItsMenuWithItsCaption) {
@@ -65,7 +75,7 @@ TEST(MenuTree, EveryEntryStandsUnderItsMenuWithItsCaption) {
     const auto entries = byName();
     for (const Row& row : rows) {
         ASSERT_TRUE(entries.count(row.name)) << row.name;
-        EXPECT_EQ(entries.at(row.name)->caption, row.caption);
+        EXPECT_EQ(spoken(entries.at(row.name)->caption), spoken(row.caption));
         EXPECT_EQ(entries.at(row.name)->parent, row.parent);
     }
     for (int i = 1; i <= 5; ++i) EXPECT_TRUE(entries.count("mnuSmooth_" + std::to_string(i)));
@@ -79,6 +89,45 @@ TEST(MenuTree, ParentsStandBeforeTheirChildrenAndNamesAreUnique) {
         }
         EXPECT_TRUE(seen.insert(std::string(entry.name)).second) << entry.name;
     }
+}
+
+TEST(MenuTree, EveryEntryHasALetterThatNoOtherOfItsMenuHas) {
+    std::map<std::string_view, std::set<char>> letters;
+    for (const MenuEntry& entry : menuTree()) {
+        if (entry.caption.empty()) continue;
+        const std::size_t sign = entry.caption.find('&');
+        ASSERT_LT(sign, entry.caption.size() - 1) << entry.caption;
+        const auto letter = static_cast<char>(std::toupper(entry.caption[sign + 1]));
+        EXPECT_TRUE(letters[entry.parent].insert(letter).second) << entry.caption;
+    }
+}
+
+TEST(MenuTree, LinesPartTheGroupsOfAMenu) {
+    std::vector<std::string_view> groups;
+    for (const MenuEntry& entry : menuTree()) {
+        if (entry.group && entry.parent == "mnuFile") groups.push_back(entry.name);
+    }
+    EXPECT_EQ(groups, (std::vector<std::string_view>{"mnuSave", "mnuConvertBINFile", "mnuClose", "mnuExit"}));
+    std::string_view former;
+    for (const MenuEntry& entry : menuTree()) {
+        EXPECT_TRUE(!entry.group || entry.parent == former || former == "mnuConvertBINFile" ||
+                    former == "mnuPrint" || former == "mnuSmooth")
+            << entry.name << " stands at the top of its menu";
+        former = entry.parent;
+    }
+}
+
+TEST(MenuTree, TheModeInForceBearsTheMark) {
+    FakeSession fake;
+    const auto entries = byName();
+    const auto marks = [&] {
+        return std::pair(entries.at("mnuMonitor_DayMode")->checked(fake.session),
+                         entries.at("mnuMonitor_NightMode")->checked(fake.session));
+    };
+    fake.settings.set("System", "MonitorMode", "1");
+    EXPECT_EQ(marks(), std::pair(true, false));
+    fake.settings.set("System", "MonitorMode", "0");
+    EXPECT_EQ(marks(), std::pair(false, true));
 }
 
 TEST(MenuTree, NoTwoEntriesShareAShortcut) {

@@ -16,8 +16,8 @@ void PrintTo(const StripRow& row, std::ostream* out) {
 
 namespace {
 
-using testing::ElementsAre;
-using testing::HasSubstr;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using Transfer = StripFacts::Transfer;
 
 StripRow row(const StripFacts& facts, StripPart part) {

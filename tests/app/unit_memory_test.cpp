@@ -5,7 +5,7 @@
 namespace zentaq {
 namespace {
 
-class UnitMemoryTest : public testing::Test {
+class UnitMemoryTest : public ::testing::Test {
  protected:
     UnitMemory memory;
 

@@ -29,7 +29,12 @@ class MainWindow : public WindowTest {
         std::string text;
         for (const QAction* entry : menu->actions()) {
             const QString name = entry->menu() != nullptr ? entry->menu()->objectName() : entry->objectName();
-            text += indent + name.toStdString() + ": " + entry->text().toStdString() + "\n";
+            if (entry->isSeparator()) {
+                text += indent + "----\n";
+                continue;
+            }
+            text +=
+                indent + name.toStdString() + ": " + QString(entry->text()).remove(u'&').toStdString() + "\n";
             if (entry->menu() != nullptr) text += drawing(entry->menu(), indent + "  ");
         }
         return text;
@@ -45,15 +50,20 @@ TEST_F(MainWindow, HasTheFileMenuWithItsSubmenus) {
     EXPECT_EQ(drawing(menu("mnuFile")),
               "mnuNew: Create a New Calibration File\n"
               "mnuOpen: Open an Existing Calibration File\n"
+              "mnuRecent: Open Recent\n"
+              "----\n"
               "mnuSave: Save\n"
               "mnuSaveAs: Save As\n"
+              "----\n"
               "mnuConvertBINFile: Convert BIN File\n"
               "  mnuConvertORBA: ORB A\n"
               "  mnuConvertORBALite: ORB A-Lite\n"
               "mnuPrint: Print\n"
               "  mnuPrintBIN: Calibration File\n"
               "  mnuPrintCurrentForm: Current Form\n"
+              "----\n"
               "mnuClose: Close\n"
+              "----\n"
               "mnuExit: Exit Program\n");
 }
 
@@ -96,6 +106,38 @@ TEST_F(MainWindow, SaveAndCloseWaitForAFile) {
     EXPECT_TRUE(action("mnuSave")->isEnabled());
     EXPECT_TRUE(action("mnuSaveAs")->isEnabled());
     EXPECT_TRUE(action("mnuClose")->isEnabled());
+}
+
+TEST_F(MainWindow, RecentFilesStandInAMenuOfTheirOwnAndOpen) {
+    EXPECT_FALSE(menu("mnuRecent")->menuAction()->isEnabled());
+    openCalibration();
+    const std::string path = fake.session.CurrentFile;
+    EXPECT_TRUE(menu("mnuRecent")->menuAction()->isEnabled());
+    commands.files.close();
+    Q_EMIT menu("mnuRecent")->aboutToShow();
+    ASSERT_EQ(menu("mnuRecent")->actions().size(), 1);
+    EXPECT_TRUE(action("mnuRecent_1")->text().startsWith("&1  tune.ZQ4OA  ("));
+    action("mnuRecent_1")->trigger();
+    EXPECT_EQ(fake.session.CurrentFile, path);
+}
+
+TEST_F(MainWindow, TheModeInForceIsMarked) {
+    action("mnuMonitor_DayMode")->trigger();
+    EXPECT_TRUE(action("mnuMonitor_DayMode")->isChecked());
+    EXPECT_FALSE(action("mnuMonitor_NightMode")->isChecked());
+    action("mnuMonitor_DayMode")->trigger();
+    EXPECT_TRUE(action("mnuMonitor_DayMode")->isChecked()) << "a mode that is in force stays";
+    action("mnuMonitor_NightMode")->trigger();
+    EXPECT_FALSE(action("mnuMonitor_DayMode")->isChecked());
+    EXPECT_TRUE(action("mnuMonitor_NightMode")->isChecked());
+}
+
+TEST_F(MainWindow, TheFrameIsSaidWithItsFile) {
+    openCalibration();
+    EXPECT_EQ(windows.main().accessibleName().toStdString(),
+              "Current Calibration File: " + fake.session.CurrentFile);
+    commands.files.close();
+    EXPECT_EQ(windows.main().accessibleName(), "Norvalia Zentaq Engine Management System");
 }
 
 TEST_F(MainWindow, F2OpensFastHelp) {
