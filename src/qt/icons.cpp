@@ -54,7 +54,7 @@ class DrawnIcon : public QIconEngine {
     DrawnIcon(QString name, std::optional<QColor> color) : name_(std::move(name)), color_(color) {}
 
     void paint(QPainter* painter, const QRect& area, QIcon::Mode mode, QIcon::State state) override {
-        const qreal ratio = painter->device()->devicePixelRatio();
+        const qreal ratio = painter->device()->devicePixelRatioF();
         painter->drawPixmap(area, scaledPixmap(area.size() * ratio, mode, state, ratio));
     }
     QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State) override {

@@ -49,6 +49,16 @@ void OutlinedStyle::drawControl(ControlElement element, const QStyleOption* opti
         const QStyleOptionViewItem row = ofItem(*item, widget);
         return QProxyStyle::drawControl(element, &row, painter, widget);
     }
+    const auto* entry = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+    const State chosen = State_Selected | State_Enabled;
+    if (element == CE_MenuItem && entry != nullptr && (entry->state & chosen) == chosen) {
+        // The toolkit asks for the icon as it asks for one under the pointer, which lies on another ground.
+        const int side = pixelMetric(PM_SmallIconSize, option, widget);
+        QStyleOptionMenuItem shown = *entry;
+        shown.icon =
+            entry->icon.pixmap(QSize(side, side), painter->device()->devicePixelRatioF(), QIcon::Selected);
+        return QProxyStyle::drawControl(element, &shown, painter, widget);
+    }
     if (!drawOwnControl(element, *option, *painter, widget)) {
         QProxyStyle::drawControl(element, option, painter, widget);
     }

@@ -33,7 +33,7 @@ QColor seenOn(const QColor& color, const QColor& ground) {
 }
 
 qreal hairline(const QPainter& painter) {
-    const qreal ratio = painter.device()->devicePixelRatio();
+    const qreal ratio = painter.device()->devicePixelRatioF();
     return std::max(1.0, std::floor(ratio)) / ratio;
 }
 

@@ -11,14 +11,12 @@ namespace {
 
 /// Digits of the box against those of the grid: what is being typed is read at arm's length.
 constexpr qreal inputSize = 1.35;
-constexpr int inputBorder = 2;
 constexpr int inputPlaces = 6;
 
 }  // namespace
 
 CellBox::CellBox(TableGridView& grid) : QLineEdit(grid.viewport()), grid_(grid) {
     named(this, "txtInputValue", "New value of the selected cells");
-    setFrame(false);
     setAlignment(Qt::AlignRight);
     setFont(valueFont(inputSize));
     setValidator(new TypingValidator(this));
@@ -48,8 +46,9 @@ void CellBox::place(GridCell at) {
     const QRect cell = grid_.cellRect(at.row, at.column);
     // Larger than its cell, so that the digits are; it grows to the left and to both sides in height, and
     // stays in sight at the edges of the grid.
-    const int width = std::max(cell.width(), digitsWidth(fontMetrics(), inputPlaces) + 4 * inputBorder);
-    const int height = std::max(cell.height(), fontMetrics().height() + 2 * inputBorder);
+    const int width =
+        std::max(cell.width(), digitsWidth(fontMetrics(), inputPlaces) + 4 * edgeWidth(fontMetrics()));
+    const int height = std::max(cell.height(), fontMetrics().height() + 3 * edgeWidth(fontMetrics()));
     QRect place(cell.right() + 1 - width, cell.center().y() - height / 2, width, height);
     place.moveLeft(std::max(place.left(), 0));
     place.moveTop(std::clamp(place.top(), 0, std::max(0, grid_.viewport()->height() - height)));
@@ -57,11 +56,11 @@ void CellBox::place(GridCell at) {
 }
 
 void CellBox::setMode(DisplayMode mode) {
-    const LookColors look = lookColors(mode);
-    setStyleSheet(
-        QStringLiteral("border: %4px solid %1; background: %2; color: %3; padding: 0px; margin: 0px;")
-            .arg(look.accent.name(), look.highlight.name(), look.highlightText.name())
-            .arg(inputBorder));
+    const LookColors& look = lookColors(mode);
+    QPalette colors = palette();
+    colors.setColor(QPalette::Base, look.highlight);
+    colors.setColor(QPalette::Text, look.highlightText);
+    setPalette(colors);
 }
 
 }  // namespace zentaq

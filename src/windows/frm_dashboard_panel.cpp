@@ -185,8 +185,8 @@ void DashBoardVeil::paintEvent(QPaintEvent* event) {
 FrmDashBoardPanel::FrmDashBoardPanel(const DialAngles& angles, QWidget* parent)
     : QWidget(parent), angles_(angles), colors_(dashColors(false)) {
     auto* strip = new QHBoxLayout(this);
-    strip->setContentsMargins(6, 6, 6, 6);
-    strip->setSpacing(6);
+    strip->setContentsMargins(margins(fontMetrics(), Space::Tight));
+    strip->setSpacing(space(fontMetrics(), Space::Tight));
     auto* afr = makeGauge(mixture(angles));
     afr->setReadout(makeLabel({"lblAAFR", "AFR", "", "88.88"}));
     auto* tach = makeGauge(tachometer(angles));
@@ -215,7 +215,7 @@ LiveLabel* FrmDashBoardPanel::makeLabel(const LiveLabel::Form& form) {
 
 QLayout* FrmDashBoardPanel::makeSmallDials() {
     auto* grid = new QGridLayout;
-    grid->setSpacing(4);
+    grid->setSpacing(space(fontMetrics(), Space::Tight));
     auto* tps = makeGauge(throttle(angles_));
     tps->setReadout(makeLabel({"lblTPS", "TPS", "V", "8.88"}));
     auto* battery = makeGauge(volt(angles_));
@@ -249,7 +249,7 @@ QLayout* FrmDashBoardPanel::makeSmallDials() {
 QLayout* FrmDashBoardPanel::makeReadouts() {
     constexpr int columns = 4;
     auto* grid = new QGridLayout;
-    grid->setSpacing(4);
+    grid->setSpacing(space(fontMetrics(), Space::Tight));
     int place = 0;
     for (const auto& form : readoutForms()) {
         auto* label = makeLabel(form);
@@ -264,7 +264,7 @@ QLayout* FrmDashBoardPanel::makeReadouts() {
 
 QLayout* FrmDashBoardPanel::makeStatus() {
     auto* box = new QVBoxLayout;
-    box->setSpacing(4);
+    box->setSpacing(space(fontMetrics(), Space::Tight));
     lblCheckEngine = explained(new QLabel(this), "lblCheckEngine", "Check engine codes");
     lblCheckEngine->setAlignment(Qt::AlignCenter);
     lblCheckEngine->setFrameShape(QFrame::StyledPanel);

@@ -61,7 +61,7 @@ FrmTable::FrmTable(Session& session, QWidget* parent)
 
     auto* whole = new QVBoxLayout(this);
     whole->setContentsMargins(0, 0, 0, 0);
-    whole->setSpacing(2);
+    whole->setSpacing(space(fontMetrics(), Space::Line));
     whole->addWidget(Toolbar1_);
     whole->addWidget(Grid1_, 1);
     setFocusProxy(Grid1_);

@@ -41,12 +41,6 @@ QFont fitted(QFont font, const QString& text, double width, double height) {
     return font;
 }
 
-/// Black or white, whichever reads better on a colour.
-QColor inkOn(const QColor& color) {
-    const int brightness = (color.red() * 299 + color.green() * 587 + color.blue() * 114) / 1000;
-    return brightness > 128 ? Qt::black : Qt::white;
-}
-
 /// Around a field or a lamp: one that is lit stands out from the panel.
 QPen edgeOf(const std::optional<QColor>& lit, const DashColors& colors) {
     constexpr double litEdge = 2;
@@ -126,7 +120,7 @@ void LiveLabel::paintEvent(QPaintEvent*) {
     const QRect head(side, static_cast<int>(height() * 0.05), width() - 2 * side,
                      static_cast<int>(height() * 0.27));
     painter.setFont(captionFont_);
-    const QColor ink = alarm_ ? inkOn(*alarm_) : colors_.labels;
+    const QColor ink = alarm_ ? inkFor(*alarm_) : colors_.labels;
     drawOutlined(painter, QRectF(head), Qt::AlignLeft, form_.caption, ink, ground);
     drawOutlined(painter, QRectF(head), Qt::AlignRight, form_.unit, ink, ground);
     paintDigits(painter, valueArea().adjusted(side, 0, -side, 0));
@@ -136,7 +130,7 @@ void LiveLabel::paintDigits(QPainter& painter, const QRect& area) const {
     // A text longer than foreseen is made smaller, not cut.
     const QFont font = fitted(valueFont_, text_, area.width(), valueFont_.pixelSize());
     painter.setFont(font);
-    const QColor ink = alarm_ ? inkOn(*alarm_) : colors_.lights;
+    const QColor ink = alarm_ ? inkFor(*alarm_) : colors_.lights;
     const QColor ground = alarm_.value_or(colors_.face);
     const QFontMetricsF metrics(font);
     const double digit = digitWidth(metrics);
@@ -186,7 +180,7 @@ void LiveLamp::paintEvent(QPaintEvent*) {
     text.setWeight(QFont::Bold);
     painter.setFont(fitted(text, inscription_, width() * 0.86, height() * 0.42));
     drawOutlined(painter, QRectF(rect()), Qt::AlignCenter, inscription_,
-                 color_ ? inkOn(*color_) : colors_.labels, color_.value_or(colors_.lampOff));
+                 color_ ? inkFor(*color_) : colors_.labels, color_.value_or(colors_.lampOff));
 }
 
 }  // namespace zentaq

@@ -26,7 +26,7 @@ TableToolbar::TableToolbar(QWidget* parent) : QToolBar(parent) {
     QFont bold = lblTitle_->font();
     bold.setBold(true);
     lblTitle_->setFont(bold);
-    lblTitle_->setContentsMargins(6, 0, 12, 0);
+    lblTitle_->setContentsMargins(margins(fontMetrics(), Space::Normal, Space::None));
     addWidget(lblTitle_);
 }
 
@@ -71,7 +71,7 @@ QLineEdit* TableToolbar::makeTimeField(const char* name, const char* member, con
 void TableToolbar::addFields() {
     auto* fields = new QWidget(this);
     auto* row = new QHBoxLayout(fields);
-    row->setContentsMargins(12, 0, 6, 0);
+    row->setContentsMargins(margins(fontMetrics(), Space::Normal, Space::None));
     const auto label = [&](const QString& name, const QString& text) {
         auto* made = named(new QLabel(text, fields), name);
         row->addWidget(made);

@@ -8,6 +8,7 @@
 #include <cmath>
 
 #include "qt/colour_swatch.h"
+#include "qt/contrast.h"
 #include "qt/named.h"
 
 namespace zentaq {
@@ -18,11 +19,6 @@ constexpr int columnSlack = 120 / twipsPerPixel;
 constexpr int gridSlack = 200 / twipsPerPixel;
 constexpr int fixedColumns = 17;
 constexpr double tallestRow = 1.7;  // line heights
-
-QColor inkOn(const QColor& color) {
-    const int brightness = (color.red() * 299 + color.green() * 587 + color.blue() * 114) / 1000;
-    return brightness > 110 ? QColor(Qt::black) : QColor(0xF0, 0xF2, 0xF5);
-}
 
 int mixed(int from, int to, double share) {
     return static_cast<int>(std::lround(from + (to - from) * share));
@@ -46,7 +42,7 @@ class CellPainter : public QStyledItemDelegate {
         QColor back = cellColor(cells_.colour(index), view_.mode());
         if ((option.state & QStyle::State_Selected) != 0) back = blend(back, look.accent, selectedShare);
         painter->fillRect(option.rect, back);
-        painter->setPen(inkOn(back));
+        painter->setPen(inkFor(back));
         painter->setFont(option.font);
         painter->drawText(option.rect.adjusted(0, 0, -sideGap, 0), Qt::AlignRight | Qt::AlignVCenter,
                           index.data(Qt::DisplayRole).toString());
@@ -140,7 +136,7 @@ QColor cellColor(std::int32_t colour, DisplayMode mode) {
 
 // ---- Marker
 
-TableMarker::TableMarker(QWidget* parent) : QWidget(parent), color_(Qt::magenta) {
+TableMarker::TableMarker(QWidget* parent) : QWidget(parent), color_(lookColors(DisplayMode::Day).liveMarker) {
     named(this, "TblMarker", "Present point of the engine");
     setAttribute(Qt::WA_TransparentForMouseEvents);
     hide();
@@ -156,8 +152,8 @@ void TableMarker::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     const QPointF middle = QRectF(rect()).center();
     const double arm = std::min(width(), height()) / 2.0 - 2;
-    // A dark rim keeps the cross in sight on every cell colour.
-    for (const auto& [color, thick] : {std::pair(QColor(0, 0, 0), 5.0), std::pair(color_, 2.5)}) {
+    // A rim of the other kind keeps the cross in sight on every cell colour.
+    for (const auto& [color, thick] : {std::pair(inkFor(color_), 5.0), std::pair(color_, 2.5)}) {
         painter.setPen(QPen(color, thick));
         painter.drawLine(middle - QPointF(arm, 0), middle + QPointF(arm, 0));
         painter.drawLine(middle - QPointF(0, arm), middle + QPointF(0, arm));

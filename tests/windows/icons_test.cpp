@@ -80,6 +80,16 @@ TEST_F(Icons, AreDrawnForEveryScaleAndNotBlownUp) {
               icon("Close").pixmap(QSize(24, 24), 1.0).toImage().scaled(48, 48));
 }
 
+TEST_F(Icons, ArePaintedInThePointsOfTheScreen) {
+    QPixmap screen(QSize(24, 24) * 1.5);
+    screen.setDevicePixelRatio(1.5);
+    screen.fill(Qt::transparent);
+    QPainter painter(&screen);
+    icon("Close").paint(&painter, QRect(0, 0, 24, 24));
+    painter.end();
+    EXPECT_EQ(screen.toImage(), icon("Close").pixmap(QSize(24, 24), 1.5).toImage());
+}
+
 TEST_F(Icons, AnUnknownNameGivesAnEmptyOne) {
     EXPECT_TRUE(icon("No such drawing").isNull());
     EXPECT_TRUE(inksOf(iconPixmap("No such drawing", Qt::black, 24, 1).toImage()).empty());

@@ -16,6 +16,7 @@
 #include <QVBoxLayout>
 
 #include "qt/contrast.h"
+#include "qt/icons.h"
 #include "qt/look.h"
 
 namespace zentaq {
@@ -55,6 +56,26 @@ TEST_P(LookOfWindows, AMenuHasAnEdge) {
     const QImage picture = menu.grab().toImage();
     expectEdge(picture);
     EXPECT_EQ(picture.pixelColor(picture.width() / 2, 1), look().surface);
+}
+
+// The toolkit draws it as it draws one under the pointer, dark on a dark selection.
+TEST_P(LookOfWindows, TheIconOfAChosenEntryHasTheColourOfItsText) {
+    QMenu menu;
+    QAction* save = menu.addAction(icon("Save"), "");
+    menu.resize(menu.sizeHint());
+    menu.show();
+    menu.setActiveAction(save);
+    const QImage picture = menu.grab().toImage();
+    const auto points = [&](const QColor& color) {
+        int found = 0;
+        for (int y = 2; y < picture.height() - 2; ++y) {
+            for (int x = 2; x < picture.width() - 2; ++x) found += picture.pixelColor(x, y) == color ? 1 : 0;
+        }
+        return found;
+    };
+    EXPECT_GT(points(look().accent), points(look().surface));
+    EXPECT_GT(points(look().accentText), 10);
+    EXPECT_EQ(points(look().text), 0);
 }
 
 TEST_P(LookOfWindows, ABoxHasAnEdge) {

@@ -1,0 +1,66 @@
+// Colours, type and spacing of the windows come from the look and from fonts.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <string>
+
+namespace zentaq {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The look itself, and what stands below it.
+bool isTheOnePlace(const fs::path& file) {
+    const std::string name = file.stem();
+    return name == "look" || name == "look_colors" || name == "look_type" || name == "contrast";
+}
+
+std::vector<std::string> linesWith(const std::regex& literal) {
+    std::vector<std::string> found;
+    for (const char* folder : {"/src/windows", "/src/qt"}) {
+        for (const auto& entry : fs::directory_iterator(std::string(ZENTAQ_SOURCE_DIR) + folder)) {
+            if (isTheOnePlace(entry.path())) continue;
+            std::ifstream file(entry.path());
+            int number = 0;
+            for (std::string line; std::getline(file, line);) {
+                ++number;
+                if (std::regex_search(line, literal)) {
+                    found.push_back(entry.path().filename().string() + ':' + std::to_string(number) + ' ' +
+                                    line);
+                }
+            }
+        }
+    }
+    return found;
+}
+
+using Lines = std::vector<std::string>;
+
+TEST(OnePlace, NoWindowHasAColourOfItsOwn) {
+    EXPECT_EQ(linesWith(std::regex(R"(QColor[({]\s*(0x|[0-9]))")), Lines{});
+    EXPECT_EQ(linesWith(std::regex(
+                  "Qt::(white|black|red|green|blue|cyan|magenta|yellow|gray|dark[A-Z]|light[A-Z])")),
+              Lines{});
+    EXPECT_EQ(linesWith(std::regex("#[0-9A-Fa-f]{6}")), Lines{});
+}
+
+TEST(OnePlace, NoWindowHasAStyleSheet) {
+    EXPECT_EQ(linesWith(std::regex("setStyleSheet")), Lines{});
+}
+
+TEST(OnePlace, NoWindowCountsItsSpacingInPixels) {
+    EXPECT_EQ(linesWith(std::regex(R"(set(Horizontal|Vertical)?Spacing\([1-9])")), Lines{});
+    EXPECT_EQ(linesWith(std::regex(R"(setContentsMargins\([^)]*\b[1-9][0-9]*\s*[,)])")), Lines{});
+    // A hairline is one; a %1 is filled from the font.
+    EXPECT_EQ(linesWith(std::regex("(^|[^%0-9])([2-9]|[1-9][0-9]+)px")), Lines{});
+}
+
+TEST(OnePlace, NoWindowHasATypeSizeOfItsOwn) {
+    EXPECT_EQ(linesWith(std::regex(R"(set(Point|Pixel)SizeF?\([0-9])")), Lines{});
+    EXPECT_EQ(linesWith(std::regex(R"(setPointSizeF?\([^)]*\*)")), Lines{});
+}
+
+}  // namespace
+}  // namespace zentaq
