@@ -53,7 +53,8 @@ FrmGeneralConfig::~FrmGeneralConfig() {
 // ---- Making
 
 void FrmGeneralConfig::makeToolbar() {
-    Toolbar1_ = named(new QToolBar("Toolbar", this), "Toolbar1", "Toolbar");
+    Toolbar1_ =
+        named(new QToolBar("General configuration keys", this), "Toolbar1", "General configuration keys");
     Toolbar1_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     const int size = fontMetrics().height() * 5 / 4;
     Toolbar1_->setIconSize({size, size});

@@ -59,7 +59,7 @@ struct GeneralConfigForm::Column {
 GeneralConfigForm::GeneralConfigForm(Core core, QWidget* parent) : QWidget(parent), core_(std::move(core)) {
     setObjectName(QStringLiteral("fraGeneral"));
     columns_ = new QBoxLayout(QBoxLayout::LeftToRight, this);
-    columns_->setContentsMargins(margins(fontMetrics(), Space::Wide, Space::Normal));
+    columns_->setContentsMargins(margins(fontMetrics(), Space::Normal));
     columns_->setSpacing(space(fontMetrics(), Space::Section));
     Column left{makeColumn()};
     makeUnitGroup(left);

@@ -124,7 +124,7 @@ void FrmHelp::readGuide() {
 // ---- Making
 
 void FrmHelp::makeToolbar() {
-    toolbar_ = named(new QToolBar("Toolbar", this), "Toolbar1", "Toolbar");
+    toolbar_ = named(new QToolBar("User guide keys", this), "Toolbar1", "User guide keys");
     const auto add = [&](const char* name, const QString& caption, const QKeySequence& keys) {
         QAction* action = toolbar_->addAction(caption);
         action->setObjectName(QLatin1String(name));

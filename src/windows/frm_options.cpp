@@ -52,7 +52,6 @@ FrmOptions::FrmOptions(Session& session, MainCommands& commands, QWidget* parent
     auto* column = new QVBoxLayout(this);
     column->addWidget(finder_);
     column->addWidget(SSTab1_, 1);
-    column->addWidget(lblHelp_);
     column->addLayout(makeButtons());
 
     connect(finder_, &OptionFinder::chosen, this, &FrmOptions::found);
@@ -99,8 +98,9 @@ QLayout* FrmOptions::makeButtons() {
     connect(cmdOK_, &QPushButton::clicked, this, &FrmOptions::applyAndClose);
     connect(cmdCancel_, &QPushButton::clicked, this, &FrmOptions::reject);
     connect(cmdApply_, &QPushButton::clicked, this, &FrmOptions::applyAll);
+    // Beside the buttons the help leaves the pages the most of a low screen.
     auto* row = new QHBoxLayout;
-    row->addStretch(1);
+    row->addWidget(lblHelp_, 1);
     row->addWidget(cmdOK_);
     row->addWidget(cmdCancel_);
     row->addWidget(cmdApply_);

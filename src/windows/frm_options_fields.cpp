@@ -2,6 +2,7 @@
 
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QListWidget>
 #include <QSignalBlocker>
 #include <QStyle>
 #include <QVBoxLayout>
@@ -23,6 +24,16 @@ constexpr int placeRole = Qt::UserRole;
 
 /// Columns of the list of data points; wide enough names stand in full.
 constexpr int listColumns = 4;
+/// On a small screen the columns scroll, and are no shorter than this.
+constexpr int leastRows = 5;
+
+/// Asks for the room in which all its columns stand.
+class PointList : public QListWidget {
+ public:
+    using QListWidget::QListWidget;
+    QSize sizeHint() const override { return wanted; }
+    QSize wanted;
+};
 
 int stripGap(const QWidget* widget) {
     return widget->fontMetrics().height() / 5;
@@ -149,7 +160,8 @@ QWidget* OptionFields::makePorts(QWidget* strip) {
 }
 
 QWidget* OptionFields::makeList(const OptionRow& row, QWidget* strip) {
-    viewList_ = new QListWidget(strip);
+    auto* list = new PointList(strip);
+    viewList_ = list;
     auto* column = new QVBoxLayout(strip);
     column->setContentsMargins(0, 0, 0, 0);
     auto* prompt = new QLabel(qString(row.caption), strip);
@@ -172,7 +184,8 @@ QWidget* OptionFields::makeList(const OptionRow& row, QWidget* strip) {
     // Room for the scroll bar also while there is none, which the list sets aside before it breaks a column.
     const int bar = viewList_->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, viewList_);
     const int frame = 2 * viewList_->frameWidth() + bar;
-    viewList_->setMinimumSize(listColumns * cell.width() + frame, rows * cell.height() + frame);
+    list->wanted = {listColumns * cell.width() + frame, rows * cell.height() + frame};
+    viewList_->setMinimumSize(cell.width() + frame, leastRows * cell.height() + frame);
     connect(viewList_, &QListWidget::itemChanged, this, &OptionFields::itemChanged);
     lblViewCheck_ = hintLabel("lblViewCheck", {}, strip);
     lblViewCheck_->setAccessibleDescription("Number of selected values");

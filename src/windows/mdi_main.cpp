@@ -51,7 +51,7 @@ bool hasChildren(std::string_view name) {
 
 MdiMain::MdiMain(Session& session, MainCommands& commands, Kernel& kernel)
     : Form(this), session_(session), commands_(commands), kernel_(kernel) {
-    named(this, qString(window::main), frameTitle);
+    named(this, qString(window::main));  // called by its title, which tells the file
     setWindowTitle(QLatin1String(frameTitle));
     makeMenus();
     makeToolbar();
@@ -98,7 +98,7 @@ QAction* MdiMain::makeAction(const MenuEntry& entry, QWidget* parent) {
 }
 
 void MdiMain::makeToolbar() {
-    toolbar_ = named(new QToolBar("Toolbar", this), "Toolbar1", "Toolbar");
+    toolbar_ = named(new QToolBar("Main commands", this), "Toolbar1", "Main commands");
     toolbar_->setMovable(false);
     toolbar_->setContextMenuPolicy(Qt::PreventContextMenu);
     toolbar_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);

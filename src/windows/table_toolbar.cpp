@@ -19,7 +19,7 @@ constexpr auto undockCaption = "Undock        ";
 
 }  // namespace
 
-TableToolbar::TableToolbar(QWidget* parent) : QToolBar(parent) {
+TableToolbar::TableToolbar(QWidget* parent) : QToolBar("Table commands", parent) {
     setObjectName("Toolbar1");
     setToolButtonStyle(Qt::ToolButtonTextOnly);
     lblTitle_ = named(new QLabel(this), "lblTitle");

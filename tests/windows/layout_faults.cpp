@@ -8,6 +8,7 @@
 #include <QLayout>
 #include <QLineEdit>
 #include <QRubberBand>
+#include <QScrollArea>
 #include <QScrollBar>
 #include <QSizeGrip>
 #include <QSplitter>
@@ -124,6 +125,9 @@ class Finder {
             tell("squeezed", widget) << sizeText(widget.size()) << " of "
                                      << sizeText(widget.minimumSizeHint());
         }
+        const auto* area = qobject_cast<const QScrollArea*>(&widget);
+        if (area != nullptr && area->horizontalScrollBar()->maximum() > 0)
+            tell("scrolls sideways", widget) << area->horizontalScrollBar()->maximum() << " pixels";
         for (const TextRoom& text : textRooms(widget)) {
             if (!text.clipped()) continue;
             tell("clipped text", widget) << '"' << text.text.toStdString() << "\" has "

@@ -136,12 +136,20 @@ TEST_F(LayoutFaults, TellAControlOutsideItsParent) {
                                             HasSubstr("60x40 at 380,10 in 400x300"))));
 }
 
-TEST_F(LayoutFaults, WhatIsScrolledToIsInItsPlace) {
+TEST_F(LayoutFaults, WhatIsScrolledDownToIsInItsPlace) {
     auto* area = put(new QScrollArea, "scrGeneral", {10, 10, 200, 200});
     auto* page = new QWidget;
-    page->setFixedSize(800, 800);
+    page->setFixedSize(150, 800);
     area->setWidget(page);
     EXPECT_THAT(faults(), IsEmpty());
+}
+
+TEST_F(LayoutFaults, TellAPageThatScrollsSideways) {
+    auto* area = put(new QScrollArea, "scrGeneral", {10, 10, 200, 200});
+    auto* page = new QWidget;
+    page->setFixedSize(800, 100);
+    area->setWidget(page);
+    EXPECT_THAT(faults(), ElementsAre(HasSubstr("scrolls sideways: frmTest/scrGeneral")));
 }
 
 TEST_F(LayoutFaults, TellAWindowOutsideTheScreen) {

@@ -3,7 +3,8 @@
 #include <QComboBox>
 #include <QLabel>
 
-#include "windows/window_fixture.h"
+#include "windows/every_window.h"
+#include "windows/layout_faults.h"
 #include "windows/window_registry.h"
 
 namespace zentaq {
@@ -30,13 +31,6 @@ class SpokenWindows : public WindowTest {
         }
         return false;
     }
-    static std::string place(const QWidget* widget) {
-        QString path = widget->objectName();
-        for (const QWidget* above = widget->parentWidget(); above != nullptr; above = above->parentWidget()) {
-            if (!above->objectName().isEmpty()) path.prepend(above->objectName() + QLatin1Char('/'));
-        }
-        return path.toStdString() + " (" + widget->metaObject()->className() + ")";
-    }
 };
 
 TEST_F(SpokenWindows, EveryLabelIsSaidAsItStands) {
@@ -47,7 +41,7 @@ TEST_F(SpokenWindows, EveryLabelIsSaidAsItStands) {
         ++labels;
         EXPECT_EQ(said(widget, QAccessible::Name).toStdString(),
                   QString(label->text()).remove(u'&').toStdString())
-            << place(widget);
+            << pathOf(*widget);
     }
     EXPECT_GT(labels, 50);
 }
@@ -58,7 +52,7 @@ TEST_F(SpokenWindows, EveryControlThatTakesTheKeyboardHasAName) {
         if (widget->focusPolicy() == Qt::NoFocus || widget->objectName().startsWith("qt_")) continue;
         if (qobject_cast<QLabel*>(widget) != nullptr || inComboBox(*widget)) continue;
         ++controls;
-        EXPECT_FALSE(said(widget, QAccessible::Name).isEmpty()) << place(widget);
+        EXPECT_FALSE(said(widget, QAccessible::Name).isEmpty()) << pathOf(*widget);
     }
     EXPECT_GT(controls, 80);
 }
@@ -76,6 +70,109 @@ TEST_F(SpokenWindows, AStateIsSaidWithItsMeaningAndAnewWhenItChanges) {
     EXPECT_EQ(said(state, QAccessible::Name), "");
     EXPECT_FALSE(state->isVisible());
 }
+
+TEST_F(SpokenWindows, TheFrameIsCalledByItsFile) {
+    EXPECT_THAT(said(&windows.main(), QAccessible::Name).toStdString(), testing::HasSubstr("tune.ZQ4OA"));
+    commands.files.close();
+    EXPECT_EQ(said(&windows.main(), QAccessible::Name), "Norvalia Zentaq Engine Management System");
+}
+
+// ---- Every window as a listener goes through it
+
+/// What stands in a window, from the window itself to the parts that have none below them.
+class Listener {
+ public:
+    explicit Listener(QWidget& window) { hear(QAccessible::queryAccessibleInterface(&window)); }
+
+    const std::vector<QAccessibleInterface*>& all() const { return heard_; }
+
+ private:
+    /// Cells and scroll bars are the toolkit's; an entry of a list is called by its text.
+    static bool isEntry(QAccessible::Role role) {
+        return role == QAccessible::Cell || role == QAccessible::ListItem || role == QAccessible::TreeItem ||
+               role == QAccessible::ScrollBar || role == QAccessible::ColumnHeader ||
+               role == QAccessible::RowHeader;
+    }
+    void hear(QAccessibleInterface* one) {
+        if (one == nullptr || one->state().invisible || isEntry(one->role())) return;
+        heard_.push_back(one);
+        if (one->role() == QAccessible::ComboBox) return;  // its list and its field are said by its own name
+        for (int i = 0; i < one->childCount(); ++i) {
+            if (QAccessibleInterface* child = one->child(i); child != nullptr && !isWindow(*child))
+                hear(child);
+        }
+    }
+    static bool isWindow(const QAccessibleInterface& one) {
+        const auto* widget = qobject_cast<QWidget*>(one.object());
+        return widget != nullptr && widget->isWindow();
+    }
+
+    std::vector<QAccessibleInterface*> heard_;
+};
+
+class EverySpokenWindow : public EveryWindowTest, public testing::WithParamInterface<ShownWindow> {
+ protected:
+    /// A field with a list says its text as its name, and is called by its label.
+    static std::string nameOf(QAccessibleInterface& one) {
+        const auto* widget = qobject_cast<QWidget*>(one.object());
+        if (one.role() == QAccessible::ComboBox && widget != nullptr &&
+            !one.relations(QAccessible::Label).empty())
+            return widget->accessibleName().toStdString();
+        return one.text(QAccessible::Name).toStdString();
+    }
+    static std::string placeOf(QAccessibleInterface& one) {
+        const auto* widget = qobject_cast<QWidget*>(one.object());
+        const std::string role = ", role " + std::to_string(one.role()) + ", \"" + nameOf(one) + '"';
+        return (widget == nullptr ? std::string("no widget") : pathOf(*widget)) + role;
+    }
+    static bool hasValue(QAccessibleInterface& one) {
+        if (!one.text(QAccessible::Value).isEmpty()) return true;
+        QAccessibleValueInterface* value = one.valueInterface();
+        return value != nullptr && value->currentValue().isValid();
+    }
+    static bool tellsValue(QAccessible::Role role) {
+        return role == QAccessible::Dial || role == QAccessible::Indicator || role == QAccessible::Slider ||
+               role == QAccessible::ProgressBar || role == QAccessible::SpinBox;
+    }
+};
+
+TEST_P(EverySpokenWindow, HasANameOfItsOwnAndNamedToolBars) {
+    GetParam().show(*this, [](QWidget& window) {
+        EXPECT_NE(nameOf(*QAccessible::queryAccessibleInterface(&window)), "");
+        const Listener listener(window);
+        for (QAccessibleInterface* one : listener.all()) {
+            if (one->role() != QAccessible::ToolBar) continue;
+            EXPECT_NE(nameOf(*one), "") << placeOf(*one);
+            EXPECT_NE(nameOf(*one), "Toolbar") << placeOf(*one) << ": which one?";
+        }
+    });
+}
+
+TEST_P(EverySpokenWindow, NamesWhatTakesTheKeyboardAndSaysTheValueOfWhatShowsOne) {
+    GetParam().show(*this, [](QWidget& window) {
+        const Listener listener(window);
+        for (QAccessibleInterface* one : listener.all()) {
+            const bool shows = tellsValue(one->role());
+            EXPECT_TRUE(nameOf(*one) != "" || !(shows || one->state().focusable)) << placeOf(*one);
+            EXPECT_TRUE(!shows || hasValue(*one)) << placeOf(*one);
+        }
+    });
+}
+
+TEST_P(EverySpokenWindow, HasNoTwoControlsThatSoundTheSame) {
+    GetParam().show(*this, [](QWidget& window) {
+        std::map<std::pair<int, std::string>, QAccessibleInterface*> heard;
+        const Listener listener(window);
+        for (QAccessibleInterface* one : listener.all()) {
+            if (!one->state().focusable) continue;
+            const auto [former, isNew] = heard.insert({{one->role(), nameOf(*one)}, one});
+            EXPECT_TRUE(isNew) << placeOf(*one) << " and " << placeOf(*former->second);
+        }
+    });
+}
+
+INSTANTIATE_TEST_SUITE_P(Every, EverySpokenWindow, testing::ValuesIn(everyWindow()),
+                         [](const auto& row) { return std::string(row.param.name); });
 
 }  // namespace
 }  // namespace zentaq
