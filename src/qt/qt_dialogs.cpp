@@ -84,6 +84,13 @@ void widenToLines(QMessageBox& message) {
     if (widestLine <= widestBox - besideText) label->setMinimumWidth(widestLine);
 }
 
+/// At large scales a dialog asks for more than there is.
+void fitOnScreen(QDialog& dialog) {
+    const int title = dialog.style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &dialog);
+    const QSize room = dialog.screen()->availableGeometry().size() - QSize(0, title);
+    dialog.resize(dialog.sizeHint().boundedTo(room));
+}
+
 /// Set on a box that goes when what it is about has gone.
 constexpr auto endsByItself = "endsByItself";
 /// How often it looks: what comes next waits for it.
@@ -181,6 +188,7 @@ std::string QtDialogs::choose(const FileRequest& request, bool save) {
         const auto last = static_cast<int>(filters.size()) - 1;
         dialog->selectNameFilter(filters.at(std::clamp(request.filterIndex - 1, 0, last)));
     }
+    fitOnScreen(*dialog);
     if (save) dialog->setDefaultSuffix(bareExtension(request.defaultExtension));
     if (!request.suggestedName.empty()) dialog->selectFile(QString::fromStdString(request.suggestedName));
     if (ask(*dialog) != QDialog::Accepted || !dialog) return {};
