@@ -253,9 +253,14 @@ void FieldControl::mark(bool onTheFly) {
     QPalette palette;
     const LookColors& colors = lookColors(appliedLook(*qApp));
     if (onTheFly && shown_.onTheFly && shown_.enabled) {
-        for (const auto role : {QPalette::Base, QPalette::Button}) palette.setColor(role, colors.highlight);
-        for (const auto role : {QPalette::Text, QPalette::ButtonText, QPalette::WindowText})
-            palette.setColor(role, colors.highlightText);
+        // A form that takes nothing now disables its fields by itself, and none may go on saying that it
+        // acts.
+        for (const auto group : {QPalette::Active, QPalette::Inactive}) {
+            for (const auto role : {QPalette::Base, QPalette::Button})
+                palette.setColor(group, role, colors.highlight);
+            for (const auto role : {QPalette::Text, QPalette::ButtonText, QPalette::WindowText})
+                palette.setColor(group, role, colors.highlightText);
+        }
     }
     if (widget_->palette() != palette) widget_->setPalette(palette);
 }

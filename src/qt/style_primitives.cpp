@@ -126,9 +126,10 @@ void drawToolButton(const QStyleOption& option, QPainter& painter, const LookCol
 /// On a selected row, whose ground says it already, a thin line in the colour of its text.
 void drawFocusRect(const QStyleOption& option, QPainter& painter, const LookColors& look) {
     const auto* rect = qstyleoption_cast<const QStyleOptionFocusRect*>(&option);
-    const bool onSelection = rect != nullptr && rect->backgroundColor == look.accent;
-    if (onSelection) return drawFrame(painter, option.rect, 0, look.accentText, hairline(painter));
-    drawFrame(painter, option.rect, rounding(option.fontMetrics) / 2, look.focus,
+    const bool known = rect != nullptr && rect->backgroundColor.isValid();
+    const QColor on = known ? rect->backgroundColor : look.background;
+    if (on == look.accent) return drawFrame(painter, option.rect, 0, look.accentText, hairline(painter));
+    drawFrame(painter, option.rect, rounding(option.fontMetrics) / 2, seenOn(look.focus, on),
               edgeWidth(option.fontMetrics));
 }
 

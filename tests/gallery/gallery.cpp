@@ -29,11 +29,12 @@
 
 #include "gallery/posing_style.h"
 #include "qt/colour_swatch.h"
+#include "qt/field_control.h"
 #include "qt/icons.h"
 #include "qt/look.h"
-#include "qt/value_label.h"
 #include "windows/gauge_widget.h"
 #include "windows/live_label.h"
+#include "windows/strip_button.h"
 
 namespace zentaq {
 
@@ -81,6 +82,20 @@ QWidget* comboBox() {
 
 QWidget* lineEdit() {
     return new QLineEdit("14.7");
+}
+
+/// A field of a form whose changes act on the running engine.
+QWidget* onTheFly(FieldKind kind) {
+    Field shown;
+    shown.kind = kind;
+    shown.text = "12.5";
+    shown.choices = {"12.5", "13"};
+    shown.onTheFly = true;
+    auto* field = new FieldControl(
+        shown, [](const std::string&) { return true; }, nullptr);
+    field->setParent(field->widget());
+    field->mark(true);
+    return field->widget();
 }
 
 QWidget* slider() {
@@ -196,6 +211,8 @@ const std::array kinds{
     Kind{"Radio button, chosen", [] { return button<QRadioButton>(true); }},
     Kind{"Entry field", lineEdit},
     Kind{"List that opens", comboBox},
+    Kind{"Field on the fly", [] { return onTheFly(FieldKind::Text); }},
+    Kind{"List on the fly", [] { return onTheFly(FieldKind::Choice); }},
     Kind{"Slider", slider},
     Kind{"Tabs", tabs},
     Kind{"Progress", progress},
@@ -261,6 +278,7 @@ Gallery::Gallery() : posing_(new PosingStyle) {
     grid->setVerticalSpacing(space(metrics, Space::Normal));
     addControls(*grid);
     addInstruments(*grid);
+    addBadges(*grid);
     addIcons(*grid);
     addColours(*grid);
     addType(*grid);
@@ -324,12 +342,49 @@ void Gallery::addInstruments(QGridLayout& grid) {
         if (lit) lamp->light(colors.redZone);
         grid.addWidget(lamp, row, column++);
     }
+    GaugeFace face;
+    face.name = "Dial";
+    face.bounds = QRectF(-1.1, -1.1, 2.2, 2.2);
+    face.ticks = {{-120, "0"}, {-60, ""}, {0, "5"}, {60, ""}, {120, "10"}};
+    face.zones = {{60, 120, &DashColors::redZone}};
+    face.restAngle = -30;
+    auto* gauge = new GaugeWidget(face, this);
+    gauge->setColors(colors);
+    grid.setRowMinimumHeight(row, fontMetrics().height() * 8);
+    grid.addWidget(gauge, row, column++);
     auto* swatch = new ColourSwatch(this);
     swatch->setColour(colors.needle);
     grid.addWidget(swatch, row, column++);
-    auto* value = new ValueLabel("-000.0", this);
-    value->showValue("-12.5");
-    grid.addWidget(value, row, column);
+}
+
+void Gallery::addBadges(QGridLayout& grid) {
+    addHeading(grid, "Badges of the state strip");
+    const int row = grid.rowCount();
+    int column = 0;
+    for (const auto& [text, tone] :
+         {std::pair("PORT 1", StripTone::Plain), std::pair("LIVE", StripTone::Good),
+          std::pair("ON THE FLY", StripTone::OnFly), std::pair("CHANGES NOT SAVED", StripTone::Changed),
+          std::pair("GAUGES NOT LIVE", StripTone::Warning), std::pair("ZERO ADVANCE", StripTone::Alarm)}) {
+        auto* badge = new StripButton(text, false, this);
+        badge->say(text, "A badge", tone);
+        grid.addWidget(badge, row, column++);
+    }
+}
+
+/// What is painted in colors of its own is told the mode, as its window tells it.
+void Gallery::showMode(DisplayMode mode) {
+    applyLook(*qApp, mode);
+    const DashColors colors = dashColors(mode == DisplayMode::Day);
+    for (auto* label : findChildren<LiveLabel*>()) {
+        label->setColors(colors);
+        if (label->alarm()) label->setAlarm(colors.redZone);
+    }
+    for (auto* lamp : findChildren<LiveLamp*>()) {
+        lamp->setColors(colors);
+        if (lamp->lit()) lamp->light(colors.redZone);
+    }
+    for (auto* gauge : findChildren<GaugeWidget*>()) gauge->setColors(colors);
+    for (auto* field : findChildren<FieldControl*>()) field->mark(true);
 }
 
 void Gallery::addIcons(QGridLayout& grid) {
@@ -378,8 +433,8 @@ void Gallery::addType(QGridLayout& grid) {
 }
 
 void Gallery::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_F7) return applyLook(*qApp, DisplayMode::Day);
-    if (event->key() == Qt::Key_F8) return applyLook(*qApp, DisplayMode::Night);
+    if (event->key() == Qt::Key_F7) return showMode(DisplayMode::Day);
+    if (event->key() == Qt::Key_F8) return showMode(DisplayMode::Night);
     QWidget::keyPressEvent(event);
 }
 

@@ -5,6 +5,8 @@
 #include <QWidget>
 #include <vector>
 
+#include "qt/look.h"
+
 class QGridLayout;
 
 namespace zentaq {
@@ -34,10 +36,13 @@ class Gallery : public QWidget {
  private:
     void addControls(QGridLayout& grid);
     void addInstruments(QGridLayout& grid);
+    void addBadges(QGridLayout& grid);
     void addIcons(QGridLayout& grid);
     void addColours(QGridLayout& grid);
     void addType(QGridLayout& grid);
     void addHeading(QGridLayout& grid, const QString& text);
+
+    void showMode(DisplayMode mode);
 
     std::vector<Piece> pieces_;
     QStyle* posing_;
