@@ -3,6 +3,7 @@
 #include <QPainter>
 
 #include "base/number_text.h"
+#include "qt/style_shapes.h"
 
 namespace zentaq {
 
@@ -41,11 +42,14 @@ QSize ColourSwatch::sizeHint() const {
 
 void ColourSwatch::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const QRect inside = rect().adjusted(0, 0, -1, -1);
-    painter.setPen(palette().color(QPalette::WindowText));
-    painter.setBrush(colour_ ? QBrush(*colour_) : QBrush(palette().color(QPalette::Base)));
-    painter.drawRect(inside);
-    if (!colour_) painter.drawLine(inside.bottomLeft(), inside.topRight());
+    const QColor ink = palette().color(QPalette::WindowText);
+    const QRectF area(rect());
+    painter.fillRect(area, colour_ ? *colour_ : palette().color(QPalette::Base));
+    zentaq::drawFrame(painter, area, 0, ink, hairline(painter));
+    if (colour_) return;
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(ink, hairline(painter)));
+    painter.drawLine(area.bottomLeft(), area.topRight());
 }
 
 QString colourText(const QColor& colour) {

@@ -2,7 +2,7 @@
 
 #include <QAbstractScrollArea>
 #include <QApplication>
-#include <QComboBox>
+#include <QGroupBox>
 #include <QPainter>
 #include <QStyleOption>
 #include <algorithm>
@@ -163,10 +163,6 @@ void drawTip(const QStyleOption& option, QPainter& painter, const LookColors& lo
     drawFrame(painter, option.rect, 0, look.edge, hairline(painter));
 }
 
-void drawGroup(const QStyleOption& option, QPainter& painter, const LookColors& look) {
-    drawFramed(painter, option.rect, rounding(option.fontMetrics), Qt::transparent, look.border);
-}
-
 void drawPage(const QStyleOption& option, QPainter& painter, const LookColors& look) {
     drawFrame(painter, option.rect, 0, look.border, hairline(painter));
 }
@@ -204,8 +200,6 @@ Draw drawingOf(QStyle::PrimitiveElement element) {
             return drawMenuFrame;
         case QStyle::PE_PanelTipLabel:
             return drawTip;
-        case QStyle::PE_FrameGroupBox:
-            return drawGroup;
         case QStyle::PE_FrameTabWidget:
             return drawPage;
         default:
@@ -213,10 +207,24 @@ Draw drawingOf(QStyle::PrimitiveElement element) {
     }
 }
 
+/// The title stands above the frame and not in its line.
+void drawGroup(const QStyleOption& option, QPainter& painter, const LookColors& look, const QWidget* widget) {
+    constexpr int belowTitle = 3;  // as far as the toolkit's style leaves for it
+    const auto* group = qobject_cast<const QGroupBox*>(widget);
+    const bool titled = group != nullptr && !group->title().isEmpty();
+    const int top = titled ? group->fontMetrics().height() + belowTitle : 0;
+    drawFramed(painter, option.rect.adjusted(0, top, 0, 0), rounding(option.fontMetrics), Qt::transparent,
+               look.border);
+}
+
 }  // namespace
 
 bool drawOwnPrimitive(QStyle::PrimitiveElement element, const QStyleOption& option, QPainter& painter,
-                      const QWidget*) {
+                      const QWidget* widget) {
+    if (element == QStyle::PE_FrameGroupBox) {
+        drawGroup(option, painter, lookColors(appliedLook(*qApp)), widget);
+        return true;
+    }
     const Draw draw = drawingOf(element);
     if (draw == nullptr) return element == QStyle::PE_FrameDefaultButton;  // its edge says it
     draw(option, painter, lookColors(appliedLook(*qApp)));

@@ -11,6 +11,7 @@
 #include <QMessageBox>
 #include <QPainter>
 #include <QStyle>
+#include <QStyleOptionFocusRect>
 #include <QStyleOptionFrame>
 #include <QTabWidget>
 #include <QVBoxLayout>
@@ -170,6 +171,24 @@ TEST_P(LookOfWindows, ATabBarShowsItsFocusOnTheTabInFront) {
     tabs.tabBar()->setFocus();
     EXPECT_GT(framed(0), 50);
     EXPECT_EQ(framed(1), 0);
+}
+
+// A badge in alarm is as dark as the frame's own color.
+TEST_P(LookOfWindows, AFrameIsSeenOnEveryGround) {
+    for (const auto ground : {&LookColors::background, &LookColors::badge, &LookColors::goodBadge,
+                              &LookColors::changedBadge, &LookColors::warningBadge, &LookColors::alarmBadge,
+                              &LookColors::highlight, &LookColors::accent, &LookColors::redZone}) {
+        QImage picture(80, 30, QImage::Format_RGB32);
+        picture.fill(look().*ground);
+        QStyleOptionFocusRect option;
+        option.rect = picture.rect();
+        option.backgroundColor = look().*ground;
+        QPainter painter(&picture);
+        QApplication::style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter);
+        painter.end();
+        EXPECT_GE(contrast(picture.pixelColor(40, 0), look().*ground), leastMarkContrast);
+        EXPECT_EQ(picture.pixelColor(40, 15), look().*ground);
+    }
 }
 
 // Once, not with the next events: a window that is made in between would take the colours of the former mode.
