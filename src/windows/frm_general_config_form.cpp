@@ -1,6 +1,5 @@
 #include "windows/frm_general_config_form.h"
 
-#include <QAbstractItemView>
 #include <QButtonGroup>
 #include <QComboBox>
 #include <QEvent>
@@ -39,6 +38,13 @@ constexpr std::array needed{
     Needed{"cmbEngine", QT_TRANSLATE_NOOP("zentaq::GeneralConfigForm", "Choose an engine")},
     Needed{"cmbMAP", QT_TRANSLATE_NOOP("zentaq::GeneralConfigForm", "Choose a MAP sensor")},
 };
+
+int longestEntry(const QComboBox& list) {
+    int longest = 0;
+    for (int i = 0; i < list.count(); ++i)
+        longest = std::max(longest, list.fontMetrics().horizontalAdvance(list.itemText(i)));
+    return longest;
+}
 
 QHBoxLayout* plainRow(const QWidget& form) {
     auto* row = new QHBoxLayout;
@@ -100,7 +106,7 @@ void GeneralConfigForm::fitWideRows() {
         room -= columns_->spacing() + columns_->itemAt(1)->minimumSize().width();
     const int frame = fontMetrics().height() * 5 / 2;  // with the arrow
     for (const WideRow& wide : wideRows_) {
-        const int list = wide.list->view()->sizeHintForColumn(0) + frame;
+        const int list = longestEntry(*wide.list) + frame;
         const bool beside = wide.caption->minimumWidth() + wide.row->spacing() + list <= room;
         wide.row->setDirection(beside ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
     }

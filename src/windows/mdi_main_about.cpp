@@ -5,7 +5,9 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "platform/system_text.h"
 #include "qt/look.h"
@@ -30,6 +32,11 @@ FrmAbout::FrmAbout(Session& session, QWidget* parent) : QDialog(parent) {
     };
     add("lblVersion", "Version", session.VersionText);
     add("lblFile", "File", session.CurrentFile);
+    // A long path is broken where the screen ends.
+    auto* file = findChild<QLabel*>("lblFile");
+    file->setWordWrap(true);
+    file->setMinimumWidth(std::min(file->fontMetrics().horizontalAdvance(file->text()),
+                                   screen()->availableGeometry().width() / 2));
     add("lblFirmwareVersion", "Firmware version", unit.FirmWare());
     add("lblSerial", "Serial number", unit.Serial());
 

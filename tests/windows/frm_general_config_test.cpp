@@ -486,5 +486,21 @@ TEST_F(General, TheWheelOverAListChoosesNothing) {
     EXPECT_EQ(list->currentText(), "ORB A Standard");
 }
 
+TEST_F(General, LongNamesOfEnginesTakeALineOfTheirOwnInANarrowWindow) {
+    openPrepared();
+    const auto* list = find<QComboBox>("cmbEngine");
+    const auto* caption = find<QLabel>("lblCaption_cmbEngine");
+    form->resize(1366, 600);
+    QApplication::processEvents();
+    EXPECT_GT(list->x(), caption->geometry().right()) << "beside its caption";
+    form->resize(list->fontMetrics().averageCharWidth() * 70, 400);
+    QApplication::processEvents();
+    EXPECT_GT(list->y(), caption->geometry().bottom()) << "below its caption";
+    int longest = 0;
+    for (int i = 0; i < list->count(); ++i)
+        longest = std::max(longest, list->fontMetrics().horizontalAdvance(list->itemText(i)));
+    EXPECT_GT(list->width(), longest);
+}
+
 }  // namespace
 }  // namespace zentaq
