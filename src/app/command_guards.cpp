@@ -11,21 +11,33 @@ void afterEdits(Session& session, const std::string& caption, const std::functio
     session.windows().afterEdits(caption, command);
 }
 
+namespace {
+
+constexpr auto transferRuns = "A transfer is running.  Please wait until it has ended.";
+
+}  // namespace
+
 bool refusedByTransfer(Session& session) {
     if (!session.link.transfer().pending()) return false;
-    // It must not stand in front of what the end of the transfer has to tell.
-    session.show({.title = "Zentaq4",
-                  .text = "A transfer is running.  Please wait until it has ended.",
-                  .icon = Icon::Information,
-                  .buttons = Buttons::Ok,
-                  .stands = [&session] { return session.link.transfer().pending(); }});
+    session.notice(transferRuns, [&session] { return session.link.transfer().pending(); });
     return true;
 }
 
 bool refusedBySearch(Session& session) {
     if (!session.link.searching()) return false;
-    session.inform("A unit is being searched on the ports.  Please wait until that has ended.");
+    session.notice("A unit is being searched on the ports.  Please wait until that has ended.",
+                   [&session] { return session.link.searching(); });
     return true;
+}
+
+// Nobody must believe that the engine was stopped: a line would be too little.
+void tellKillRefused(Session& session) {
+    // It must not stand in front of what the end of the transfer has to tell.
+    session.show({.title = "Zentaq4",
+                  .text = transferRuns,
+                  .icon = Icon::Information,
+                  .buttons = Buttons::Ok,
+                  .stands = [&session] { return session.link.transfer().pending(); }});
 }
 
 bool agrees(Session& session, const std::string& title, const std::string& text) {

@@ -18,6 +18,9 @@ bool refusedByTransfer(Session& session);
 /// While a port is searched: the same for commands that open a port.
 bool refusedBySearch(Session& session);
 
+/// The same for Kill Engine, in a box.
+void tellKillRefused(Session& session);
+
 /// A question whose key is No from the start: whether the user said Yes.
 bool agrees(Session& session, const std::string& title, const std::string& text);
 

@@ -212,9 +212,16 @@ void Session::inform(std::string_view text) {
     show(box);
 }
 
-void Session::notice(std::string_view text) {
+void Session::notice(std::string_view text, const std::function<bool()>& stands) {
     sysLog(text);
-    notices.tell(std::string(text), platform_.clock.monotonicUs());
+    if (!windows_->noticesSeen()) {
+        return show({.title = "Zentaq4",
+                     .text = std::string(text),
+                     .icon = Icon::Information,
+                     .buttons = Buttons::Ok,
+                     .stands = stands});
+    }
+    notices.tell(std::string(text), platform_.clock.monotonicUs(), stands);
 }
 
 void Session::sendOnFly(std::string_view record) {

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -170,7 +171,8 @@ class Session : public UnitHost, public LinkTeller, public FileInHand {
     /// A plain box with OK; lines separated by '\n'.
     void inform(std::string_view text);
     /// A line of the state strip and of the log, for what no command has to wait for.
-    void notice(std::string_view text);
+    /// A box where the strip is not seen. `stands`: whether what it is about still is.
+    void notice(std::string_view text, const std::function<bool()>& stands = {});
     bool fahrenheit() const override;
     FileHeader& header() override { return fileHeader; }
     std::string applicationFolder() const override { return platform_.applicationFolder; }

@@ -81,10 +81,7 @@ Answer UnitCommands::askToLeaveZeroAdvance(const std::string& goOn) {
 // Not refused by a download, nor by a run that still waits: it goes out in front of both.
 void UnitCommands::killEngine() {
     session_.sysLog("USER: Kill Engine Requested.");
-    if (session_.link.wireTaken()) {
-        refusedByTransfer(session_);
-        return;
-    }
+    if (session_.link.wireTaken()) return tellKillRefused(session_);
     if (!session_.platform().port.isOpen()) {
         session_.sysLog("Kill Engine was not sent: no port is open.");
         session_.inform("Kill Engine was not sent: no port is open.");

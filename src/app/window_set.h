@@ -95,6 +95,8 @@ class WindowSet {
     }
     /// A box or a list over a window waits for the user.
     virtual bool boxOpen() const { return false; }
+    /// The user works where the state strip is seen, not in a window in front of it.
+    virtual bool noticesSeen() const { return true; }
     /// Runs something from the event loop, soon. Without windows at once.
     virtual void later(const std::function<void()>& something) { something(); }
 

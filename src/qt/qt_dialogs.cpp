@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
+#include <QHeaderView>
 #include <QInputDialog>
 #include <QLabel>
 #include <QMessageBox>
@@ -11,6 +12,8 @@
 #include <QScreen>
 #include <QStyle>
 #include <QTimer>
+#include <QTreeView>
+#include <QUrl>
 #include <algorithm>
 
 #include "base/shown_text.h"
@@ -20,6 +23,9 @@
 namespace zentaq {
 
 namespace {
+
+/// A screen of fewer letters has no room beside the names of files.
+constexpr int narrowLetters = 100;
 
 QMessageBox::Icon iconOf(Icon icon) {
     switch (icon) {
@@ -84,11 +90,27 @@ void widenToLines(QMessageBox& message) {
     if (widestLine <= widestBox - besideText) label->setMinimumWidth(widestLine);
 }
 
-/// At large scales a dialog asks for more than there is.
-void fitOnScreen(QDialog& dialog) {
+/// Qt's own file dialog: two thirds of the screen, names whole, the user's folders beside them where there is
+/// room.
+void fitFileDialog(QFileDialog& dialog, const QString& folder) {
     const int title = dialog.style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, &dialog);
     const QSize room = dialog.screen()->availableGeometry().size() - QSize(0, title);
-    dialog.resize(dialog.sizeHint().boundedTo(room));
+    auto* list = dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
+    if (list == nullptr) return;  // that of the desktop
+    constexpr int sizeColumn = 1;
+    constexpr int typeColumn = 2;
+    list->setColumnHidden(typeColumn, true);
+    list->header()->setStretchLastSection(false);
+    list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    const bool narrow = room.width() < dialog.fontMetrics().averageCharWidth() * narrowLetters;
+    list->setColumnHidden(sizeColumn, narrow);
+    if (auto* side = dialog.findChild<QWidget*>(QStringLiteral("sidebar"))) side->setHidden(narrow);
+    QList<QUrl> places{QUrl::fromLocalFile(QDir::homePath())};
+    if (QDir(folder).exists()) places.prepend(QUrl::fromLocalFile(folder));
+    dialog.setSidebarUrls(places);
+    // At large scales it asks for more than there is.
+    dialog.resize((room * 2 / 3).expandedTo(dialog.sizeHint()).boundedTo(room));
 }
 
 /// Set on a box that goes when what it is about has gone.
@@ -175,7 +197,9 @@ std::string QtDialogs::choose(const FileRequest& request, bool save) {
     const QPointer<QFileDialog> dialog = new QFileDialog(asker(), shownString(request.title));
     const auto done = qScopeGuard([&] { delete dialog; });
     dialog->setObjectName(QStringLiteral("dlgDialog1"));
-    dialog->setOption(QFileDialog::DontUseNativeDialog);
+    // That of the desktop, where it has one. For a save it would ask about an existing file by itself, and
+    // the program asks.
+    dialog->setOption(QFileDialog::DontUseNativeDialog, save);
     dialog->setOption(QFileDialog::DontConfirmOverwrite);
     dialog->setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog->setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
@@ -188,9 +212,9 @@ std::string QtDialogs::choose(const FileRequest& request, bool save) {
         const auto last = static_cast<int>(filters.size()) - 1;
         dialog->selectNameFilter(filters.at(std::clamp(request.filterIndex - 1, 0, last)));
     }
-    fitOnScreen(*dialog);
     if (save) dialog->setDefaultSuffix(bareExtension(request.defaultExtension));
     if (!request.suggestedName.empty()) dialog->selectFile(QString::fromStdString(request.suggestedName));
+    fitFileDialog(*dialog, folder);
     if (ask(*dialog) != QDialog::Accepted || !dialog) return {};
     const QStringList chosen = dialog->selectedFiles();
     return chosen.isEmpty() ? std::string() : chosen.first().toStdString();

@@ -1,5 +1,6 @@
 // The boxes and dialogs of the program on Qt. They are Qt's own, so they look and answer the same everywhere
-// and keyboard and screen reader reach all of them.
+// and keyboard and screen reader reach all of them; a file is opened by the desktop's dialog where there is
+// one.
 #pragma once
 
 #include <QObject>

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QLayout>
 #include <QMenuBar>
 #include <QScreen>
 #include <QStatusBar>
@@ -53,6 +54,8 @@ MdiMain::MdiMain(Session& session, MainCommands& commands, Kernel& kernel)
     : Form(this), session_(session), commands_(commands), kernel_(kernel) {
     named(this, qString(window::main));  // called by its title, which tells the file
     setWindowTitle(QLatin1String(frameTitle));
+    // The frame fits any screen: what stands in the middle gives way, and the strip stays in sight.
+    layout()->setSizeConstraint(QLayout::SetNoConstraint);
     makeMenus();
     makeToolbar();
     makeStatusBar();
@@ -283,15 +286,13 @@ void MdiMain::runBehindEdits(const Entry& row) {
 }
 
 void MdiMain::tellNotRun(const std::string& caption) {
-    session_.sysLog("Not run: " + caption);
     notRun_.push_back('"' + caption + '"');
     if (notRun_.size() > 1) return;
     session_.windows().later([this] {
         const std::vector<std::string> captions = std::exchange(notRun_, {});
         std::string names;
         for (const std::string& one : captions) names += (names.empty() ? "" : ", ") + one;
-        session_.inform(names + (captions.size() == 1 ? " was not run: what it needs has gone meanwhile."
-                                                      : " were not run: what they need has gone meanwhile."));
+        session_.notice("Not run: " + names + ". What it needs has gone meanwhile.");
     });
 }
 

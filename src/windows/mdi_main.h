@@ -56,7 +56,7 @@ class MdiMain : public QMainWindow, public Form {
     /// Runs the command of a menu entry, as a click on it does. Not while a dialog or a list stands over the
     /// window; behind the edits typed before it where it stores, programs, saves or closes.
     void run(std::string_view entry);
-    /// Tells, in one box for all of them, of a command that waited until it could not be run any more.
+    /// Tells, in one line for all of them, of a command that waited until it could not be run any more.
     void tellNotRun(const std::string& caption);
 
  protected:
@@ -100,7 +100,7 @@ class MdiMain : public QMainWindow, public Form {
     std::uint64_t consoleSeen_ = 0;
     std::uint64_t linkSeen_ = 0;
     int idleFirings_ = 0;
-    std::vector<std::string> notRun_;  ///< the box about them is on its way
+    std::vector<std::string> notRun_;  ///< the line about them is on its way
     bool closing_ = false;
 };
 

@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QStyleOptionFocusRect>
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 #include "qt/named.h"
@@ -66,7 +67,9 @@ void StripButton::say(const QString& text, const QString& meaning, StripTone ton
 
 int StripButton::widthOf(const QString& text) const {
     const QFontMetrics metrics = fontMetrics();
-    return metrics.horizontalAdvance(text) + 2 * space(metrics, Space::Normal);
+    // A text is cut as soon as a part of a pixel is missing.
+    const int letters = static_cast<int>(std::ceil(QFontMetricsF(font()).horizontalAdvance(text))) + 1;
+    return letters + 2 * space(metrics, Space::Normal);
 }
 
 QSize StripButton::sizeHint() const {

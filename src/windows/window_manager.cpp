@@ -203,6 +203,11 @@ bool WindowManager::boxOpen() const {
     return boxStands();
 }
 
+bool WindowManager::noticesSeen() const {
+    const QWidget* active = QApplication::activeWindow();
+    return active == nullptr || active == main_.get();
+}
+
 // ---- Focus
 
 void WindowManager::focus(std::string_view name) {

@@ -57,6 +57,7 @@ class WindowManager : public QObject, public WindowSet {
         waiting_.afterEdits(caption, command);
     }
     bool boxOpen() const override;
+    bool noticesSeen() const override;
     void later(const std::function<void()>& something) override { waiting_.later(something); }
 
  Q_SIGNALS:

@@ -316,7 +316,7 @@ TEST_F(FirmwareUpgrade, TheEntryIsDisabledForAUnitOfTheOldestFirmware) {
 
 // ---- While it runs
 
-TEST_F(FirmwareUpgrade, CommandsThatWouldDisturbAreRefusedWithABox) {
+TEST_F(FirmwareUpgrade, CommandsThatWouldDisturbAreRefusedInTheStripAndKillEngineInABox) {
     runUpgrade();
     session.CurrentFile = "tune.ZQ4OA";
     const auto written = fake.port.written;
@@ -338,10 +338,17 @@ TEST_F(FirmwareUpgrade, CommandsThatWouldDisturbAreRefusedWithABox) {
         [&] { commands.unit.loadCommand(2); },
         [&] { EXPECT_EQ(commands.unit.autodetectPort(), 0); },
     };
+    constexpr std::size_t kill = 5;
     for (std::size_t i = 0; i < disturbing.size(); ++i) {
         boxes().clear();
+        session.notices.dismiss();
         disturbing[i]();
-        EXPECT_THAT(boxes(), ElementsAre(IsBox("Zentaq4", running))) << i;
+        if (i == kill) {
+            EXPECT_THAT(boxes(), ElementsAre(IsBox("Zentaq4", running)));
+            continue;
+        }
+        EXPECT_EQ(session.notices.text(0), running) << i;
+        EXPECT_THAT(boxes(), IsEmpty()) << i;
     }
     EXPECT_THAT(fake.windows.calls, IsEmpty());
     EXPECT_EQ(session.CurrentFile, "tune.ZQ4OA");
@@ -360,7 +367,7 @@ TEST_F(FirmwareUpgrade, ARunThatStillWaitsInTheQueueKeepsThePortSearchAwayToo) {
     const int opens = fake.port.opens;
     EXPECT_EQ(commands.unit.autodetectPort(), 0);
     EXPECT_EQ(fake.port.opens, opens);
-    EXPECT_EQ(box().text, running);
+    EXPECT_EQ(session.notices.text(0), running);
 }
 
 TEST_F(FirmwareUpgrade, ATransferThatBeganWhileTheFileWasChosenIsNotDisturbed) {
@@ -370,7 +377,7 @@ TEST_F(FirmwareUpgrade, ATransferThatBeganWhileTheFileWasChosenIsNotDisturbed) {
         session.link.Program_Unit(TransferMode::Datalog, fake.folder.path("log.dat"));
     });
     choose(firmware("ZQA-505100.nv3"));
-    EXPECT_EQ(box().text, running);
+    EXPECT_EQ(session.notices.text(0), running);
     EXPECT_TRUE(session.link.AutoPollSuspended());
     EXPECT_TRUE(session.link.transfer().pending());
     EXPECT_FALSE(session.link.transfer().firmware());
@@ -389,9 +396,11 @@ TEST_F(FirmwareUpgrade, ClosingTheWindowAsksAndTheChoiceAtHandIsToStay) {
     EXPECT_TRUE(session.link.transfer().firmware());
 }
 
-TEST_F(FirmwareUpgrade, TheBoxesAboutATransferStandNoLongerThanIt) {
+TEST_F(FirmwareUpgrade, TheLineAndTheBoxesAboutATransferStandNoLongerThanIt) {
     runUpgrade();
     commands.files.open();
+    EXPECT_EQ(session.notices.text(0), running);
+    commands.unit.killEngine();
     kernel.closeRequested();
     const std::vector<Box> both = boxes();
     ASSERT_EQ(both.size(), 2u);
@@ -401,6 +410,7 @@ TEST_F(FirmwareUpgrade, TheBoxesAboutATransferStandNoLongerThanIt) {
     }
     finishUpgrade();
     for (const Box& box : both) EXPECT_FALSE(box.stands()) << box.title;
+    EXPECT_EQ(session.notices.text(0), "");
 }
 
 TEST_F(FirmwareUpgrade, TheEndOfTheTransferUnderTheQuestionKeepsTheProgramForWhatItHasToTell) {

@@ -190,8 +190,8 @@ TEST_F(ProgramOrb, ATransferThatBeginsWhileABoxStandsIsNotDisturbed) {
         session.link.Program_Unit(TransferMode::Datalog, fake.folder.path("log.dat"));
     });
     commands.programming.programOrb();
-    EXPECT_THAT(titles(), ElementsAre("Warning 1007", "Zentaq4"));
-    EXPECT_EQ(box().text, "A transfer is running.  Please wait until it has ended.");
+    EXPECT_THAT(titles(), ElementsAre("Warning 1007"));
+    EXPECT_EQ(session.notices.text(0), "A transfer is running.  Please wait until it has ended.");
     EXPECT_TRUE(session.link.AutoPollSuspended());
     EXPECT_TRUE(session.link.transfer().pending());
     EXPECT_FALSE(session.link.transfer().programming());
@@ -394,9 +394,8 @@ TEST_F(PortSearch, ASecondOneIsRefusedWhileOneRunsAndTheFirstGoesOn) {
     EXPECT_EQ(commands.unit.autodetectPort(), 0);
     EXPECT_EQ(second, 0);
     EXPECT_EQ(opensThen, 0) << "the port of the first search stays as it is";
-    ASSERT_FALSE(boxes().empty());
-    EXPECT_EQ(boxes().front().text,
-              "A unit is being searched on the ports.  Please wait until that has ended.");
+    EXPECT_TRUE(logged("A unit is being searched on the ports.  Please wait until that has ended."));
+    EXPECT_EQ(session.notices.text(fake.clock.nowUs), "") << "it goes with the search";
 }
 
 TEST_F(PortSearch, NoOtherPortIsChosenUnderIt) {
@@ -404,7 +403,7 @@ TEST_F(PortSearch, NoOtherPortIsChosenUnderIt) {
     fake.yield.meanwhile = [&] { commands.unit.choosePort(3); };
     commands.unit.autodetectPort();
     EXPECT_EQ(fake.settings.get("System", "CommPort"), "");
-    EXPECT_THAT(boxes().front().text, HasSubstr("is being searched"));
+    EXPECT_TRUE(logged("is being searched"));
 }
 
 TEST_F(PortSearch, StoresThePortThatTheUnitAnsweredOn) {

@@ -5,6 +5,7 @@
 
 #include <QAccessible>
 #include <QAction>
+#include <QElapsedTimer>
 #include <QMouseEvent>
 
 #include "windows/key_press.h"
@@ -46,7 +47,12 @@ class StateStripViewTest : public testing::Test {
     }
     void activate() {
         window.activateWindow();
-        for (int i = 0; i < 50 && !window.isActiveWindow(); ++i) QApplication::processEvents();
+        constexpr int patienceMs = 3000;
+        QElapsedTimer waited;
+        for (waited.start(); !window.isActiveWindow() && waited.elapsed() < patienceMs;) {
+            QApplication::processEvents(QEventLoop::AllEvents, 20);
+            window.activateWindow();
+        }
     }
     void say(const StripFacts& facts) { strip.show(stripRows(facts)); }
     StripButton* button(const char* name) { return strip.findChild<StripButton*>(QLatin1String(name)); }
@@ -182,6 +188,19 @@ TEST_F(StateStripViewTest, ANameOfAFileIsShownEscapedAndTakesNoKey) {
     EXPECT_TRUE(button("StatusBar1_Panel1")->shortcut().isEmpty());
 }
 
+TEST_F(StateStripViewTest, WhereThereIsRoomNoTextIsCut) {
+    for (const char* name :
+         {"new calibration", "ii.ZQ4OA", "Street 2.0 Four.ZQ4OA", "WWWWWWWWWWWWWWWW.ZQ4OA"}) {
+        StripFacts facts = tuning();
+        facts.file = name;
+        say(facts);
+        const StripButton* file = button("StatusBar1_Panel1");
+        const int inside = file->width() - 2 * space(file->fontMetrics(), Space::Normal);
+        EXPECT_EQ(file->fontMetrics().elidedText(file->accessibleName(), Qt::ElideMiddle, inside),
+                  file->accessibleName());
+    }
+}
+
 TEST_F(StateStripViewTest, TheSameRowsAgainTouchNothing) {
     const QRect before = button("stripUnit")->geometry();
     button("stripUnit")->setGeometry(1, 1, 5, 5);
@@ -227,6 +246,16 @@ TEST_F(StripInFrame, AMessageStandsUntilItIsPressedAway) {
     part("stripNotice")->click();
     EXPECT_EQ(text("stripNotice"), "");
     EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
+}
+
+TEST_F(StripInFrame, AMessageComesInABoxWhereAnotherWindowStandsInFront) {
+    windows.open(window::options);
+    activate(*windows.options());
+    ASSERT_TRUE(windows.options()->isActiveWindow());
+    fake.session.notice("Told.");
+    QApplication::processEvents();
+    EXPECT_EQ(lastBox().text, "Told.");
+    EXPECT_EQ(fake.session.notices.text(0), "");
 }
 
 TEST_F(StripInFrame, ReachesAsFarAsTheFrameAndNoFurther) {

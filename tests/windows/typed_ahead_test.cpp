@@ -230,7 +230,8 @@ TEST_F(TypedAhead, AStoreThatWaitedForAUnitThatHasGoneIsToldAndNotSent) {
     settle();
     EXPECT_EQ(ve(0), 2);
     EXPECT_THAT(wire(), ElementsAre("P2"));
-    EXPECT_EQ(lastBox().text, "\"Store Changes in ORB\" was not run: what it needs has gone meanwhile.");
+    EXPECT_EQ(fake.session.notices.text(fake.clock.nowUs),
+              "Not run: \"Store Changes in ORB\". What it needs has gone meanwhile.");
 }
 
 TEST_F(TypedAhead, SaveTakesTheTextThatStandsInTheBox) {
@@ -316,11 +317,11 @@ TEST_F(TypedAhead, WhatCannotComeBehindAClosedCalibrationIsToldInOneBox) {
     settle();
     EXPECT_EQ(fake.session.slotInHand(), 0);
     EXPECT_EQ(windows.table(), nullptr);
-    ASSERT_EQ(fake.dialogs.boxes.size(), 2u);
+    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
     EXPECT_EQ(fake.dialogs.boxes[0].text, "Save changes?");
     EXPECT_EQ(
-        fake.dialogs.boxes[1].text,
-        "\"Save\", \"Save As\", \"Ignition Advance Table\" were not run: what they need has gone meanwhile.");
+        fake.session.notices.text(fake.clock.nowUs),
+        "Not run: \"Save\", \"Save As\", \"Ignition Advance Table\". What it needs has gone meanwhile.");
 }
 
 TEST_F(TypedAhead, KeysAndButtonsForTheCellsOfARemovedTableAreToldInOneBox) {
