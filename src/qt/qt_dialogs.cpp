@@ -6,6 +6,7 @@
 #include <QHeaderView>
 #include <QInputDialog>
 #include <QLabel>
+#include <QListView>
 #include <QMessageBox>
 #include <QPointer>
 #include <QScopeGuard>
@@ -105,10 +106,14 @@ void fitFileDialog(QFileDialog& dialog, const QString& folder) {
     list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     const bool narrow = room.width() < dialog.fontMetrics().averageCharWidth() * narrowLetters;
     list->setColumnHidden(sizeColumn, narrow);
-    if (auto* side = dialog.findChild<QWidget*>(QStringLiteral("sidebar"))) side->setHidden(narrow);
     QList<QUrl> places{QUrl::fromLocalFile(QDir::homePath())};
     if (QDir(folder).exists()) places.prepend(QUrl::fromLocalFile(folder));
     dialog.setSidebarUrls(places);
+    if (auto* side = dialog.findChild<QListView*>(QStringLiteral("sidebar"))) {
+        side->setHidden(narrow);
+        const int names = side->sizeHintForColumn(0) + 4 * side->frameWidth();
+        side->setMinimumWidth(std::min(names, room.width() / 4));
+    }
     // At large scales it asks for more than there is.
     dialog.resize((room * 2 / 3).expandedTo(dialog.sizeHint()).boundedTo(room));
 }
