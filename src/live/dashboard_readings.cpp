@@ -5,6 +5,7 @@
 
 #include "base/errors.h"
 #include "base/number_text.h"
+#include "live/dashboard_plan.h"
 #include "live/ecu.h"
 #include "unit/temperature.h"
 
@@ -63,6 +64,8 @@ void addChannels(std::vector<DashboardReading>& readings, const Source& source) 
 
 constexpr std::string_view labelOfAirMass = "lblAMAP";
 constexpr std::string_view labelOfSplit = "lblADVSplit";
+constexpr std::string_view labelOfPressure = "lblMAP";
+constexpr std::string_view labelOfTemperatureUnit = "lblTemp";
 
 /// What the panel shows besides the channels.
 void addOwn(std::vector<DashboardReading>& readings, const Source& source) {
@@ -72,7 +75,8 @@ void addOwn(std::vector<DashboardReading>& readings, const Source& source) {
     const double split = static_cast<double>(live.PRIADV - live.SECADV);
     readings.push_back({std::string(labelOfSplit), "Advance Split", formatted(split, "#0.0"), "deg"});
     if (isShown(false, source)) {
-        readings.push_back({"lblTemp", "Temperature Unit", temperatureUnit(source), ""});
+        readings.push_back(
+            {std::string(labelOfTemperatureUnit), "Temperature Unit", temperatureUnit(source), ""});
     }
 }
 
@@ -82,12 +86,14 @@ void addPins(std::vector<DashboardReading>& readings, const Source& source) {
         if (at >= source.unit.GPIODisplay().size()) return;
         const std::string name{pinNames.at(at)};
         std::string caption = name;
+        bool inUse = true;
         skipFailing([&] {
             const int function = source.unit.Get_GPIOFUNC(pin);
             const std::string meaning = source.unit.GPIO_Function_Name(function);
-            if (meaning != source.unit.GPIO_Function_Name(0)) caption += " " + meaning;
+            inUse = meaning != source.unit.GPIO_Function_Name(0);
+            if (inUse) caption += " " + meaning;
         });
-        readings.push_back({name, caption, source.unit.GPIODisplay()[at], ""});
+        readings.push_back({name, caption, source.unit.GPIODisplay()[at], "", inUse});
     }
 }
 
@@ -109,6 +115,22 @@ bool isOfIgnition(std::string_view label) {
     return std::ranges::any_of(channels, [&](const Channel& channel) {
         return channel.reading.label == label && channel.is(Channel::ignition);
     });
+}
+
+std::vector<std::string_view> shownReadouts(const std::vector<DashboardReading>& readings) {
+    const auto hasValue = [&](std::string_view name) {
+        const DashboardReading* reading = findReading(readings, name);
+        return reading != nullptr && !reading->text.empty();
+    };
+    const bool airMass = hasValue(labelOfAirMass);
+    std::vector<std::string_view> shown;
+    for (const std::string_view name : tileOrder()) {
+        if (findReading(readings, name) == nullptr) continue;
+        if ((name == labelOfAirMass || name == labelOfTemperatureUnit) && !hasValue(name)) continue;
+        if (name == labelOfPressure && airMass) continue;
+        shown.push_back(name);
+    }
+    return shown;
 }
 
 const DashboardReading* findReading(const std::vector<DashboardReading>& readings, std::string_view name) {

@@ -17,6 +17,7 @@ struct DashboardReading {
     std::string caption;  ///< "Engine Speed"
     std::string text;     ///< "3100"; empty when there is nothing to show
     std::string unit;     ///< "rpm"
+    bool inUse = true;    ///< false: a pin without a function
 };
 
 /// The channels of a unit, what the panel shows besides, and the pins; one for ignition only has no fuel
@@ -26,6 +27,10 @@ std::vector<DashboardReading> dashboardReadings(const LiveValues& live, Unit& un
 
 /// False for a label of the fuel side.
 bool isOfIgnition(std::string_view label);
+
+/// The read-outs that a panel shows of these, the most important one first: "Air Mass" and the unit of the
+/// temperatures only with a value, and the pressure not beside an air mass.
+std::vector<std::string_view> shownReadouts(const std::vector<DashboardReading>& readings);
 
 /// The row of a name, nullptr if the list has none.
 const DashboardReading* findReading(const std::vector<DashboardReading>& readings, std::string_view name);

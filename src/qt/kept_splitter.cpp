@@ -95,6 +95,20 @@ void KeptSplitter::shareOut() {
     QList<int> places;
     for (const int share : shares) places.append(static_cast<int>(qint64{share} * length() / sum));
     setSizes(places);
+    shared_ = shownParts();
+}
+
+QList<bool> KeptSplitter::shownParts() const {
+    QList<bool> shown;
+    for (int i = 0; i < count(); ++i) shown.append(!widget(i)->isHidden());
+    return shown;
+}
+
+// A part that comes into view takes what its hint asks for, whatever its share is.
+bool KeptSplitter::event(QEvent* event) {
+    const bool done = QSplitter::event(event);
+    if (event->type() == QEvent::LayoutRequest && isVisible() && shownParts() != shared_) shareOut();
+    return done;
 }
 
 void KeptSplitter::resizeEvent(QResizeEvent* event) {

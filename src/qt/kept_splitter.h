@@ -27,6 +27,7 @@ class KeptSplitter : public QSplitter {
     void toDefault();
 
  protected:
+    bool event(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void childEvent(QChildEvent* event) override;
@@ -37,11 +38,13 @@ class KeptSplitter : public QSplitter {
     void moved();
     void store();
     void shareOut();
+    QList<bool> shownParts() const;
 
     SettingsStore& settings_;
     Shares byDefault_;
     QList<int> kept_;  ///< as they were when the user moved a handle last; empty: he never has
     QTimer tmrStore_;  ///< the disk is not waited for while a handle is dragged
+    QList<bool> shared_;  ///< which parts were in view when room was shared out last
     bool sharing_ = false;
 };
 

@@ -3,6 +3,7 @@
 #include <QVBoxLayout>
 #include <array>
 
+#include "app/state_strip.h"
 #include "base/settings_keys.h"
 #include "link/poller.h"
 #include "qt/colour_swatch.h"
@@ -15,6 +16,8 @@ namespace {
 
 constexpr int flashMs = 350;
 constexpr int codeStepMs = 1500;
+/// Digits that change more often than so many microseconds are a blur.
+constexpr std::int64_t numbersUs = 50'000;
 constexpr int highRevScale = 18000;
 
 DialAngles dialAngles(int revScale) {
@@ -58,6 +61,8 @@ FrmDashBoard::FrmDashBoard(Session& session, QWidget* parent)
       tmrCHKE_Status_(named(new QTimer(this), "tmrCHKE_Status")),
       redraw_(new RedrawGate(
           session.platform().clock, [this] { draw(); }, this)),
+      numbers_(new RedrawGate(
+          session.platform().clock, [this] { drawReadings(); }, this, numbersUs)),
       secondTabShowing_([] { return false; }) {
     named(this, qString(window::dashboard), "Dashboard");
     auto* whole = new QVBoxLayout(this);
@@ -96,10 +101,12 @@ void FrmDashBoard::Kill_Timers() {
     flashTimer_->stop();
     tmrCHKE_Status_->stop();
     redraw_->cancel();
+    numbers_->cancel();
 }
 
 void FrmDashBoard::poll() {
     session_.poll(secondTabShowing_());
+    panel_->setLive(gaugesLive(session_));
     showLinkState();
 }
 
@@ -168,7 +175,6 @@ Unit& FrmDashBoard::shownUnit() {
 void FrmDashBoard::unitKindFound(int /*slot*/) {
     const bool fuel = shownUnit().kind().fuelSide;
     panel_->showFuel(fuel);
-    panel_->btnShowDetail->setVisible(fuel);
     nameReadings();
 }
 
@@ -180,8 +186,9 @@ void FrmDashBoard::draw() {
     std::optional<float> ratio;
     if (session_.slotInHand() != 0) ratio = session_.currentUnitObject().get("AFR");
     gauges_.UPDATE_DISPLAY(session_.live, unit, settings, ratio);
+    panel_->setLive(gaugesLive(session_));
     drawNeedles();
-    drawReadings();
+    numbers_->request();
     drawAlarms();
 }
 
@@ -201,6 +208,7 @@ void FrmDashBoard::drawReadings() {
     const auto settings = DashboardSettings::from(session_.settings());
     const auto readings = dashboardReadings(session_.live, shownUnit(), settings);
     panel_->setFahrenheit(settings.fahrenheit);
+    panel_->showReadouts(shownReadouts(readings));
     for (const auto& reading : readings) {
         LiveLabel* label = panel_->findLabel(QString::fromStdString(reading.name));
         if (label == nullptr) continue;
@@ -212,8 +220,9 @@ void FrmDashBoard::drawReadings() {
 
 void FrmDashBoard::drawPins(const std::vector<DashboardReading>& readings) {
     int row = 0;
+    const int before = panel_->lstGPO->count();
     for (const auto& reading : readings) {
-        if (reading.name.rfind("GPIO", 0) != 0) continue;
+        if (!reading.name.starts_with("GPIO") || !reading.inUse) continue;
         if (row == panel_->lstGPO->count()) panel_->lstGPO->addItem(QString());
         QListWidgetItem* item = panel_->lstGPO->item(row++);
         const QString text = QString::fromStdString(reading.caption + "  " + reading.text);
@@ -221,6 +230,7 @@ void FrmDashBoard::drawPins(const std::vector<DashboardReading>& readings) {
     }
     while (panel_->lstGPO->count() > row) delete panel_->lstGPO->takeItem(row);
     if (panel_->lstGPO->currentRow() < 0 && row > 0) panel_->lstGPO->setCurrentRow(0);
+    if ((before > 0) != (row > 0)) panel_->arrange();
     showChosenPin();
 }
 
@@ -239,6 +249,7 @@ void FrmDashBoard::drawAlarms() {
     if (!gauges_.matAlarm()) panel_->label("lblMAT").setAlarm(std::nullopt);
     if (any == flashTimer_->isActive()) return;
     if (any) {
+        panel_->bringIntoView(gauges_.cltAlarm() ? "lblCLT" : "lblMAT");
         flashTimer_->start();
         flash();
     } else {
@@ -254,6 +265,7 @@ void FrmDashBoard::flash() {
 
 void FrmDashBoard::Reset_Dashboard() {
     redraw_->cancel();
+    numbers_->cancel();
     const int revScale = gauges_.revScale();
     gauges_ = Gauges();
     gauges_.revScale(revScale);
@@ -262,7 +274,9 @@ void FrmDashBoard::Reset_Dashboard() {
     panel_->gauge("AFR").setNeedleColor(std::nullopt);
     panel_->setFahrenheit(session_.fahrenheit());  // without a frame, too
     panel_->emptyLabels();
+    nameReadings();
     panel_->lstGPO->clear();
+    panel_->arrange();
     showChosenPin();
     drawAlarms();
 }
@@ -271,7 +285,7 @@ void FrmDashBoard::Reset_Dashboard() {
 
 void FrmDashBoard::codesChanged() {
     if (session_.codes.silent()) {
-        panel_->lblCheckEngine->clear();
+        panel_->showCodes({});
     } else if (session_.codes.empty()) {
         if (!tellsCleared()) stepCodes();
     } else if (panel_->lblCheckEngine->text().isEmpty()) {
@@ -282,7 +296,7 @@ void FrmDashBoard::codesChanged() {
 void FrmDashBoard::stepCodes() {
     const auto code = session_.codes.step();
     const QString text = code ? QString::fromStdString(code->top + '\n' + code->bottom) : QString();
-    if (panel_->lblCheckEngine->text() != text) panel_->lblCheckEngine->setText(text);
+    panel_->showCodes(text);
     showChosenPin();
 }
 
@@ -291,14 +305,16 @@ bool FrmDashBoard::tellsCleared() const {
     return panel_->lblCheckEngine->text().startsWith(QLatin1String("CODES"));
 }
 
-/// Captions of the core, in full, as tips and for a screen reader.
+/// Captions of the core, in full, as tips and for a screen reader; and what is shown before a frame came.
 void FrmDashBoard::nameReadings() {
-    const auto readings =
+    auto readings =
         dashboardReadings(session_.live, shownUnit(), DashboardSettings::from(session_.settings()));
-    for (const auto& reading : readings) {
+    for (auto& reading : readings) {
         LiveLabel* label = panel_->findLabel(QString::fromStdString(reading.name));
         if (label != nullptr) label->setMeaning(QString::fromStdString(reading.caption));
+        if (label == nullptr || label->text().isEmpty()) reading.text.clear();
     }
+    panel_->showReadouts(shownReadouts(readings));
 }
 
 template Form* makeForm<FrmDashBoard>(const FormNeeds& needs);

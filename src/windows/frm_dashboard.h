@@ -84,6 +84,7 @@ class FrmDashBoard : public QWidget, public Form {
     QTimer* flashTimer_;
     QTimer* tmrCHKE_Status_;
     RedrawGate* redraw_;
+    RedrawGate* numbers_;
     std::function<bool()> secondTabShowing_;
     DashColors colors_;
     bool day_ = false;

@@ -17,6 +17,8 @@ struct DashColors {
     QColor yellowZone;
     QColor greenZone;
     QColor lampOff;
+    QColor badge;  ///< says that nothing here is live
+    QColor badgeText;
 };
 
 DashColors dashColors(bool day);

@@ -1,14 +1,12 @@
 #include "windows/frm_dashboard_panel.h"
 
-#include <QGridLayout>
-#include <QHBoxLayout>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <array>
 
-#include "live/dashboard_readings.h"
+#include "live/dashboard_plan.h"
 #include "qt/look.h"
 #include "qt/named.h"
 #include "qt/plain_label.h"
@@ -17,150 +15,48 @@
 namespace zentaq {
 namespace {
 
-using Tick = GaugeFace::Tick;
-
 /// The only text of fraNoConnect that lasts; the others come and go within milliseconds while frames flow.
 constexpr auto waitingForUnit = "Connecting...";
 constexpr float veilOpacity = 0.7F;
 
-constexpr Channel::Span spanOf(Channel::Number value) {
-    return channelOf(value).span;
-}
-
-/// Ticks over a span; those on a whole `major` bear the value divided by `divisor`.
-std::vector<Tick> ticks(DialAngle angle, Channel::Span span, int minor, int major, int divisor = 1) {
-    std::vector<Tick> result;
-    const int low = static_cast<int>(span.low);
-    for (int value = low; value <= static_cast<int>(span.high); value += minor) {
-        const bool numbered = (value - low) % major == 0;
-        result.push_back({angle(value), numbered ? QString::number(value / divisor) : QString()});
-    }
-    return result;
-}
-
-GaugeFace tachometer(const DialAngles& angles) {
-    const int red = angles.revScale * 8 / 9;
-    return {.name = "Tachometer",
-            .caption = "rpm x 1000",
-            .bounds = {-1.05, -1.05, 2.1, 2.1},
-            .readout = {-0.52, 0.44, 0.66, 0.42},
-            .captionAt = {0, -0.36},
-            .ticks = ticks(angles.tachometer, {0, static_cast<float>(angles.revScale)}, angles.revScale / 36,
-                           angles.revScale / 9, 1000),
-            .zones = {{angles.tachometer(red), angles.tachometer(angles.revScale), &DashColors::redZone}},
-            .twoLines = false,
-            .restAngle = -123};
-}
-
-GaugeFace throttle(const DialAngles& angles) {
-    GaugeFace face{.name = "TPS",
-                   .caption = {},
-                   .bounds = {-0.95, -1.06, 1.55, 1.72},
-                   .readout = {-0.74, 0.14, 1.1, 0.52},
-                   .captionAt = {},
-                   .ticks = {},
-                   .zones = {},
-                   .restAngle = angles.throttle(spanOf(&LiveValues::TPS).low)};
-    for (int tenths = 0; tenths <= 50; tenths += 5) {
-        const bool numbered = tenths % 10 == 0;
-        face.ticks.push_back(
-            {angles.throttle(tenths / 10.0), numbered ? QString::number(tenths / 10) : QString()});
-    }
-    return face;
-}
-
-GaugeFace volt(const DialAngles& angles) {
-    constexpr Channel::Span span = spanOf(&LiveValues::BATTV);
-    GaugeFace face{.name = "VOLT",
-                   .caption = {},
-                   .bounds = {-0.95, -0.66, 1.55, 1.72},
-                   .readout = {-0.74, -0.66, 1.1, 0.52},
-                   .captionAt = {},
-                   .ticks = ticks(angles.volt, span, 1, 12),
-                   .zones = {{angles.volt(span.low), angles.volt(11), &DashColors::redZone},
-                             {angles.volt(15.5), angles.volt(span.high), &DashColors::redZone}},
-                   .restAngle = angles.volt(span.low)};
-    for (const int numbered : {8, 12, 16}) {
-        face.ticks[static_cast<std::size_t>(numbered - 7)].label = QString::number(numbered);
-    }
-    face.ticks.front().label.clear();
-    return face;
-}
-
-GaugeFace idle(const DialAngles& angles) {
-    return {.name = "IAC",
-            .caption = {},
-            .bounds = {-0.95, -0.66, 1.55, 1.72},
-            .readout = {-0.74, -0.66, 1.1, 0.52},
-            .captionAt = {},
-            .ticks = ticks(angles.idle, spanOf(&LiveValues::IACP), 10, 50),
-            .zones = {},
-            .restAngle = angles.idle(spanOf(&LiveValues::IACP).low)};
-}
-
-/// The needle goes by degrees Celsius whatever the face says.
-GaugeFace temperature(const QString& name, DialAngle angle, bool fahrenheit) {
-    constexpr Channel::Span span = spanOf(&LiveValues::CLT);
-    GaugeFace face{.name = name,
-                   .caption = {},
-                   .bounds = {-0.5, -0.8, 1.56, 1.72},
-                   .readout = {-0.5, 0.42, 0.74, 0.5},
-                   .captionAt = {},
-                   .ticks = {},
-                   .zones = {{angle(110), angle(span.high), &DashColors::redZone}},
-                   .restAngle = angle(span.low)};
-    const int highest = fahrenheit ? 300 : 150;
-    const int step = fahrenheit ? 20 : 10;
-    const int numbered = fahrenheit ? 100 : 50;
-    for (int value = -40; value <= highest; value += step) {
-        const double celsius = fahrenheit ? (value - 32) / 1.8 : value;
-        face.ticks.push_back({angle(celsius), value % numbered == 0 ? QString::number(value) : QString()});
-    }
-    return face;
-}
-
-GaugeFace mixture(const DialAngles& angles) {
-    GaugeFace face{.name = "AFR",
-                   .caption = {},
-                   .bounds = {-1.06, -1.0, 1.46, 1.98},
-                   .readout = {-0.36, 0.34, 0.76, 0.44},
-                   .captionAt = {},
-                   .ticks = {},
-                   .zones = {},
-                   .twoLines = true,
-                   .restAngle = angles.mixture(spanOf(&LiveValues::AAFR).low)};
-    for (int tenths = 90; tenths < 140; tenths += 5) {
-        const bool numbered = tenths % 20 == 0;
-        face.ticks.push_back(
-            {angles.mixture(tenths / 10.0), numbered ? QString::number(tenths / 10) : QString()});
-    }
-    // The scale has a gap at 14 where neither formula holds: the number stands in the middle of it.
-    face.ticks.push_back({(angles.mixture(13.99) + angles.mixture(14.01)) / 2, "14"});
-    face.ticks.push_back({angles.mixture(14.5), {}});
-    face.ticks.push_back({angles.mixture(14.99), "15"});
-    for (int value = 16; value <= 20; ++value) {
-        face.ticks.push_back({angles.mixture(value), value == 20 ? QString("20") : QString()});
-    }
-    return face;
-}
-
-/// The read-outs that stand beside the dials, row by row.
-const std::array<LiveLabel::Form, 20>& readoutForms() {
-    // One width for all, so that all numbers have one size.
+/// The read-outs. One width for most, so that their numbers have one size.
+const std::array<LiveLabel::Form, 27>& readoutForms() {
     static const QString widest = QStringLiteral("88.88");
-    static const std::array<LiveLabel::Form, 20> forms{{
-        {"lblMAP", "MAP", "kPa", widest},     {"lblADV", "Advance", "\u00B0", widest},
-        {"lblPPW", "Pri PW", "ms", widest},   {"lblDAFR", "Des AFR", "", widest},
-        {"lblAMAP", "Air mass", "%", widest}, {"lblSADV", "Sec Adv", "\u00B0", widest},
-        {"lblSPW", "Sec PW", "ms", widest},   {"lblEGOV", "EGO", "V", widest},
-        {"lblKNK", "Knock", "%", widest},     {"lblADVSplit", "Split", "\u00B0", widest},
-        {"lblPID", "Pri Duty", "%", widest},  {"lblEGOC", "EGO Corr", "%", widest},
-        {"lblTFPW", "Gamma", "%", widest},    {"lblRetard", "Knk Ret", "\u00B0", widest},
-        {"lblSID", "Sec Duty", "%", widest},  {"lblIACDirection", "IAC Dir", "", widest},
-        {"lblSIP", "Staged", "%", widest},    {"lblPOT", "Pri Off", "ms", widest},
-        {"lblSOT", "Sec Off", "ms", widest},  {"lblTemp", "Temp", "", widest},
+    static const QString wider = QStringLiteral("888.88");
+    static const std::array<LiveLabel::Form, 27> forms{{
+        {"lblTach", "RPM", "rpm", widest},
+        {"lblAAFR", "AFR", ":1", widest},
+        {"lblTPS", "TPS", "V", "8.88"},
+        {"lblVolt", "VOLT", "V", "88.8"},
+        {"lblIAC", "IAC", "%", "888"},
+        {"lblCLT", "CLT", "\u00B0F", "-888"},
+        {"lblMAT", "MAT", "\u00B0F", "-888"},
+        {"lblMAP", "MAP", "kPa", widest},
+        {"lblADV", "Advance", "\u00B0", widest},
+        {"lblPPW", "Pri PW", "ms", widest},
+        {"lblDAFR", "Des AFR", ":1", widest},
+        {"lblAMAP", "Air mass", "%", widest},
+        {"lblSADV", "Sec Adv", "\u00B0", widest},
+        {"lblSPW", "Sec PW", "ms", widest},
+        {"lblEGOV", "EGO", "V", widest},
+        {"lblKNK", "Knock", "%", widest},
+        {"lblADVSplit", "Split", "\u00B0", widest},
+        {"lblPID", "Pri Duty", "%", widest},
+        {"lblEGOC", "EGO Corr", "%", widest},
+        {"lblTFPW", "Gamma", "%", widest},
+        {"lblRetard", "Knk Ret", "\u00B0", widest},
+        {"lblSID", "Sec Duty", "%", widest},
+        {"lblIACDirection", "IAC Dir", "", widest},
+        {"lblSIP", "Staged", "%", widest},
+        {"lblPOT", "Pri Off", "ms", wider},
+        {"lblSOT", "Sec Off", "ms", wider},
+        {"lblTemp", "Temp", "", widest},
     }};
     return forms;
+}
+
+QRect rectOf(const DashArea& area, QPoint at) {
+    return QRect(area.x, area.y, area.width, area.height).translated(at);
 }
 
 }  // namespace
@@ -184,6 +80,7 @@ void DashBoardVeil::paintEvent(QPaintEvent* event) {
 
 FrmDashBoardPanel::FrmDashBoardPanel(const DialAngles& angles, QWidget* parent)
     : QWidget(parent), angles_(angles), colors_(dashColors(false)) {
+<<<<<<< HEAD
     auto* strip = new QHBoxLayout(this);
     strip->setContentsMargins(margins(fontMetrics(), Space::Tight));
     strip->setSpacing(space(fontMetrics(), Space::Tight));
@@ -197,16 +94,28 @@ FrmDashBoardPanel::FrmDashBoardPanel(const DialAngles& angles, QWidget* parent)
     strip->addLayout(makeReadouts(), 390);
     strip->addLayout(makeStatus(), 140);
     fuelParts_.push_back(afr);
+=======
+    makeGauge(mixtureFace(angles));
+    makeGauge(tachometerFace(angles));
+    makeGauge(throttleFace(angles));
+    makeGauge(voltFace(angles));
+    makeGauge(idleFace(angles));
+    makeGauge(temperatureFace("Coolant", angles.coolant, fahrenheit_));
+    makeGauge(temperatureFace("MAT", angles.manifoldAir, fahrenheit_));
+    for (const auto& form : readoutForms()) labels_[form.name] = new LiveLabel(form, this);
+    checkEngineLamp = new LiveLamp("shpCheckEngine", "CHECK ENGINE", this);
+    overRevLamp = new LiveLamp("shpOverRev", "OVER REV", this);
+    makeStatus();
+>>>>>>> de4f2a3 (The dashboard goes by its room: dials where they fit, tiles by rank with further pages, captions as large as the type scale says; it looks live only while frames come)
     makeNoConnect();
     setColors(colors_);
 }
 
-GaugeWidget* FrmDashBoardPanel::makeGauge(const GaugeFace& face) {
-    auto* gauge = new GaugeWidget(face, this);
-    gauges_[face.name] = gauge;
-    return gauge;
+void FrmDashBoardPanel::makeGauge(const GaugeFace& face) {
+    gauges_[face.name] = new GaugeWidget(face, this);
 }
 
+<<<<<<< HEAD
 LiveLabel* FrmDashBoardPanel::makeLabel(const LiveLabel::Form& form) {
     auto* label = new LiveLabel(form, this);
     labels_[form.name] = label;
@@ -265,38 +174,45 @@ QLayout* FrmDashBoardPanel::makeReadouts() {
 QLayout* FrmDashBoardPanel::makeStatus() {
     auto* box = new QVBoxLayout;
     box->setSpacing(space(fontMetrics(), Space::Tight));
+=======
+void FrmDashBoardPanel::makeStatus() {
+    btnMore = named(new QPushButton(this), "btnMore", "Further readings");
+    btnMore->setFocusPolicy(Qt::TabFocus);  // a click leaves the keyboard in the table
+    btnMore->setToolTip("Shows the readings that have no room here");
+    connect(btnMore, &QPushButton::clicked, this, [this] {
+        ++page_;
+        arrange();
+    });
+>>>>>>> de4f2a3 (The dashboard goes by its room: dials where they fit, tiles by rank with further pages, captions as large as the type scale says; it looks live only while frames come)
     lblCheckEngine = explained(new QLabel(this), "lblCheckEngine", "Check engine codes");
     lblCheckEngine->setAlignment(Qt::AlignCenter);
     lblCheckEngine->setFrameShape(QFrame::StyledPanel);
     lblCheckEngine->setAutoFillBackground(true);
-    lblCheckEngine->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
     txtGPIO = named(new OutlinedField(this), "txtGPIO", "State of the chosen input or output");
     txtGPIO->setReadOnly(true);
     txtGPIO->setFocusPolicy(Qt::NoFocus);
     lstGPO = named(new QListWidget(this), "lstGPO", "Inputs and outputs");
     lstGPO->setItemDelegate(new OutlinedRows(lstGPO));
     lstGPO->setUniformItemSizes(true);
-    lstGPO->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    lstGPO->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
     btnShowDetail = named(new QPushButton("Detail", this), "btnShowDetail", "Show all live values");
-    box->addWidget(lblCheckEngine, 3);
-    box->addWidget(lstGPO, 7);
-    box->addWidget(txtGPIO);
-    box->addWidget(btnShowDetail);
-    return box;
 }
 
 void FrmDashBoardPanel::makeNoConnect() {
     veil = new DashBoardVeil(this);
+    lblNotLive = explained(new QLabel("NOT LIVE", veil), "lblNotLive", "The values shown are not live");
+    lblNotLive->setAlignment(Qt::AlignCenter);
+    lblNotLive->setAutoFillBackground(true);
+    lblNotLive->setFont(typeFont(Type::Strip));
     fraNoConnect = named(new QFrame(this), "fraNoConnect", "State of the link");
     fraNoConnect->setFrameShape(QFrame::Box);
-    fraNoConnect->setLineWidth(2);
+    fraNoConnect->setLineWidth(edgeWidth(fontMetrics()));
     fraNoConnect->setAutoFillBackground(true);
     auto* layout = new QVBoxLayout(fraNoConnect);
+    layout->setContentsMargins(margins(fontMetrics(), Space::Normal, Space::Tight));
     lblGeneral = named(new OutlinedLabel(fraNoConnect), "lblGeneral");
     lblGeneral->setAlignment(Qt::AlignCenter);
     lblGeneral->setTextFormat(Qt::PlainText);
-    lblGeneral->setFont(valueFont(1.6));
+    lblGeneral->setFont(typeFont(Type::Value));
     layout->addWidget(lblGeneral);
     fraNoConnect->hide();
 }
@@ -313,14 +229,14 @@ void FrmDashBoardPanel::emptyLabels() {
 void FrmDashBoardPanel::setAngles(const DialAngles& angles) {
     if (angles.revScale == angles_.revScale && angles.tachometer == angles_.tachometer) return;
     angles_ = angles;
-    gauge("Tachometer").setFace(tachometer(angles));
+    gauge("Tachometer").setFace(tachometerFace(angles));
 }
 
 void FrmDashBoardPanel::setFahrenheit(bool on) {
     if (on == fahrenheit_) return;
     fahrenheit_ = on;
-    gauge("Coolant").setFace(temperature("Coolant", angles_.coolant, on));
-    gauge("MAT").setFace(temperature("MAT", angles_.manifoldAir, on));
+    gauge("Coolant").setFace(temperatureFace("Coolant", angles_.coolant, on));
+    gauge("MAT").setFace(temperatureFace("MAT", angles_.manifoldAir, on));
 }
 
 void FrmDashBoardPanel::setColors(const DashColors& colors) {
@@ -346,12 +262,43 @@ void FrmDashBoardPanel::setColors(const DashColors& colors) {
     for (QWidget* widget : std::initializer_list<QWidget*>{txtGPIO, lstGPO, lstGPO->viewport()}) {
         widget->setPalette(palette);
     }
-    fitStatusFonts();  // and takes their fonts back to the program's
+    QPalette badge;
+    badge.setColor(QPalette::Window, colors.badge);
+    badge.setColor(QPalette::WindowText, colors.badgeText);
+    lblNotLive->setPalette(badge);
     update();
 }
 
 void FrmDashBoardPanel::showFuel(bool on) {
-    for (QWidget* part : fuelParts_) part->setVisible(on);
+    if (on == fuel_) return;
+    fuel_ = on;
+    arrange();
+}
+
+void FrmDashBoardPanel::showReadouts(const std::vector<std::string_view>& names) {
+    if (names == readouts_) return;
+    readouts_ = names;
+    arrange();
+}
+
+void FrmDashBoardPanel::showCodes(const QString& text) {
+    if (lblCheckEngine->text() == text) return;
+    const bool appears = lblCheckEngine->text().isEmpty() != text.isEmpty();
+    lblCheckEngine->setText(text);
+    if (appears) arrange();
+}
+
+void FrmDashBoardPanel::bringIntoView(const QString& name) {
+    const auto isAbove = [&] { return !label(name).isHidden(); };
+    for (int turn = 0; turn < pages_ && !isAbove(); ++turn) {
+        ++page_;
+        arrange();
+    }
+}
+
+void FrmDashBoardPanel::setLive(bool live) {
+    live_ = live;
+    placeVeil();
 }
 
 void FrmDashBoardPanel::showNoConnect(bool on, const QString& text) {
@@ -359,57 +306,169 @@ void FrmDashBoardPanel::showNoConnect(bool on, const QString& text) {
         lblGeneral->setText(text);
         placeNoConnect();
     }
-    const bool veiled = on && text == QLatin1String(waitingForUnit);
-    if (veil->isHidden() == veiled) {
-        veil->setVisible(veiled);
-        veil->raise();
-        fraNoConnect->raise();
+    waits_ = on && text == QLatin1String(waitingForUnit);
+    if (fraNoConnect->isHidden() == on) {
+        fraNoConnect->setVisible(on);
+        if (on) placeNoConnect();
     }
-    if (fraNoConnect->isHidden() != on) return;
-    fraNoConnect->setVisible(on);
-    if (on) fraNoConnect->raise();
+    placeVeil();
+}
+
+bool FrmDashBoardPanel::isLive() const {
+    return live_ && !waits_;
 }
 
 QSize FrmDashBoardPanel::sizeHint() const {
     const int line = fontMetrics().height();
-    return {line * 72, line * 16};
+    return {line * 72, line * 11};
 }
 
+/// One row of tiles.
 QSize FrmDashBoardPanel::minimumSizeHint() const {
-    const int line = fontMetrics().height();
-    return {line * 40, line * 10};
+    const QSize tile = tileSize();
+    const int gap = space(fontMetrics(), Space::Tight);
+    return {tile.width() * 3 + 4 * gap, tile.height() + 2 * gap};
 }
+
+QSize FrmDashBoardPanel::tileSize() const {
+    QSize size = checkEngineLamp->minimumSizeHint();
+    for (const auto& [name, label] : labels_) size = size.expandedTo(label->minimumSizeHint());
+    return size;
+}
+
+// ---- Where all stand
 
 void FrmDashBoardPanel::resizeEvent(QResizeEvent*) {
+    arrange();
+}
+
+void FrmDashBoardPanel::arrange() {
+    const int gap = space(fontMetrics(), Space::Tight);
+    const QSize tile = tileSize();
+    int beside = 0;
+    for (const char* name : {"lblTPS", "lblVolt", "lblCLT", "lblMAT", "lblIAC"}) {
+        beside = std::max(beside, label(name).minimumSizeHint().width());
+    }
+    const DashRoom room{.width = width() - 2 * gap,
+                        .height = height() - 2 * gap,
+                        .gap = gap,
+                        .tileWidth = tile.width(),
+                        .tileHeight = tile.height(),
+                        .dialReadout = beside + gap,
+                        .status = statusWidth(),
+                        .fuel = fuel_};
+    std::vector<std::string_view> tiles{"shpCheckEngine", "shpOverRev"};
+    tiles.insert(tiles.end(), readouts_.begin(), readouts_.end());
+    const DashPlan plan = planDashboard(room, tiles, page_);
+    page_ = plan.page;
+    pages_ = plan.pages;
+    placeDials(plan, {gap, gap});
+    placeTiles(plan, {gap, gap});
+    placeStatus(rectOf(plan.status, {gap, gap}));
+    instruments_ = plan.status.width > 0 ? plan.status.x : width();
     placeNoConnect();
-    fitStatusFonts();
     placeVeil();
 }
 
+void FrmDashBoardPanel::placeDials(const DashPlan& plan, QPoint at) {
+    for (const auto& [name, gauge] : gauges_) {
+        const auto found = std::ranges::find(plan.dials, name.toStdString(), &DashPlace::name);
+        gauge->setVisible(found != plan.dials.end());
+        LiveLabel* readout = findLabel(QString::fromUtf8(readoutOfDial(name.toStdString())));
+        if (found == plan.dials.end()) {
+            if (readout != nullptr && readout->parentWidget() == gauge) {
+                gauge->setReadout(nullptr);
+                readout->setParent(this);
+            }
+            continue;
+        }
+        gauge->setGeometry(rectOf(found->area, at));
+        if (readout != nullptr && readout->parentWidget() != gauge) gauge->setReadout(readout);
+    }
+}
+
+void FrmDashBoardPanel::placeTiles(const DashPlan& plan, QPoint at) {
+    const auto put = [&](QWidget* tile) {
+        if (tile->parentWidget() != this) return;  // it stands beside its dial
+        const auto found = std::ranges::find(plan.tiles, tile->objectName().toStdString(), &DashPlace::name);
+        tile->setVisible(found != plan.tiles.end());
+        if (found != plan.tiles.end()) tile->setGeometry(rectOf(found->area, at));
+    };
+    for (const auto& [name, label] : labels_) put(label);
+    put(checkEngineLamp);
+    put(overRevLamp);
+    btnMore->setVisible(plan.more.width > 0);
+    btnMore->setGeometry(rectOf(plan.more, at));
+    btnMore->setText(QStringLiteral("More\n%1 of %2").arg(plan.page + 1).arg(plan.pages));
+}
+
+int FrmDashBoardPanel::statusWidth() const {
+    const QFontMetrics metrics(typeFont(Type::Caption));
+    if (lstGPO->count() > 0) return metrics.height() * 9;
+    return lblCheckEngine->text().isEmpty() && !detailOffered() ? 0 : metrics.height() * 6;
+}
+
+bool FrmDashBoardPanel::detailOffered() const {
+    return btnShowDetail->isEnabled() && fuel_;
+}
+
+/// Codes above, the button below, and the list between them; the chosen pin apart where there is room.
+void FrmDashBoardPanel::placeStatus(QRect area) {
+    const int gap = space(fontMetrics(), Space::Tight);
+    const int line = QFontMetrics(typeFont(Type::Caption)).height();
+    const bool pins = lstGPO->count() > 0;
+    const bool codes = !lblCheckEngine->text().isEmpty();
+    const auto takeBottom = [&](QWidget* widget, bool shown, int height) {
+        widget->setVisible(shown);
+        if (!shown) return;
+        widget->setGeometry(area.left(), area.bottom() + 1 - height, area.width(), height);
+        area.setBottom(area.bottom() - height - gap);
+    };
+    QFont font = consoleFont();
+    font.setBold(true);
+    font.setPixelSize(QFontInfo(typeFont(Type::Strip)).pixelSize());
+    lblCheckEngine->setFont(font);
+    lblCheckEngine->setVisible(codes);
+    if (codes) {
+        const int height = pins ? std::min(area.height(), line * 3) : area.height();
+        lblCheckEngine->setGeometry(area.left(), area.top(), area.width(), height);
+        area.setTop(area.top() + height + gap);
+    }
+    lstGPO->setFont(typeFont(Type::Caption));
+    txtGPIO->setFont(typeFont(Type::Caption));
+    takeBottom(btnShowDetail, detailOffered() && area.height() >= 2 * line,
+               std::min(area.height(), btnShowDetail->sizeHint().height()));
+    takeBottom(txtGPIO, pins && area.height() >= 7 * line, txtGPIO->sizeHint().height());
+    lstGPO->setVisible(pins && area.height() >= 2 * line);
+    if (!lstGPO->isHidden()) lstGPO->setGeometry(area);
+}
+
 void FrmDashBoardPanel::placeNoConnect() {
-    fraNoConnect->resize(fraNoConnect->sizeHint().expandedTo(QSize(width() / 5, height() / 4)));
-    // Over the dials, which stand still meanwhile; the read-outs and codes stay in sight.
-    fraNoConnect->move((width() * 2 / 3 - fraNoConnect->width()) / 2,
+    fraNoConnect->resize(fraNoConnect->sizeHint().boundedTo(size()));
+    // Over the dials, which stand still meanwhile; the codes stay in sight.
+    const int middle = instruments_ / 3;
+    fraNoConnect->move(std::max(0, middle - fraNoConnect->width() / 2),
                        (height() - fraNoConnect->height()) / 2);
 }
 
 /// All but the column of codes, inputs and outputs, which stays readable and can be clicked.
 void FrmDashBoardPanel::placeVeil() {
-    veil->setGeometry(0, 0, lblCheckEngine->x(), height());
-}
-
-void FrmDashBoardPanel::fitStatusFonts() {
-    layout()->activate();
-    QFont codes = consoleFont();
-    codes.setBold(true);
-    const int byHeight = static_cast<int>(lblCheckEngine->height() * 0.36);
-    const int byWidth = static_cast<int>(lblCheckEngine->width() / 7.0 * 1.35);
-    codes.setPixelSize(std::max(9, std::min(byHeight, byWidth)));
-    lblCheckEngine->setFont(codes);
-    QFont list = font();
-    list.setPixelSize(std::max(10, height() / 24));
-    lstGPO->setFont(list);
-    txtGPIO->setFont(list);
+    const QRect place(0, 0, instruments_, height());
+    if (veil->geometry() != place) veil->setGeometry(place);
+    const bool shown = !isLive();
+    const bool word = shown && fraNoConnect->isHidden();
+    if (lblNotLive->isHidden() == word) lblNotLive->setVisible(word);
+    if (word) {
+        const QSize size =
+            lblNotLive->sizeHint().grownBy(margins(fontMetrics(), Space::Normal, Space::Tight));
+        lblNotLive->setGeometry(
+            QRect(QPoint((instruments_ * 2 / 3 - size.width()) / 2, (height() - size.height()) / 2), size));
+    }
+    if (veil->isHidden() != shown) return;
+    veil->setVisible(shown);
+    if (!shown) return;
+    veil->raise();
+    fraNoConnect->raise();
 }
 
 void FrmDashBoardPanel::paintEvent(QPaintEvent* event) {

@@ -11,27 +11,13 @@
 #include <map>
 #include <vector>
 
+#include "live/dashboard_plan.h"
+#include "windows/dashboard_faces.h"
 #include "windows/frm_dashboard_colors.h"
 #include "windows/gauge_widget.h"
 #include "windows/live_label.h"
 
 namespace zentaq {
-
-/// The angle that a value gives on a dial, in degrees.
-using DialAngle = double (*)(double value);
-
-/// How each dial turns a value into an angle, so that ticks and needle agree. `tachometer` is for the rev
-/// scale in force, `revScale` is 9000 or 18000.
-struct DialAngles {
-    DialAngle tachometer = nullptr;
-    DialAngle throttle = nullptr;
-    DialAngle volt = nullptr;
-    DialAngle idle = nullptr;
-    DialAngle coolant = nullptr;
-    DialAngle manifoldAir = nullptr;
-    DialAngle mixture = nullptr;
-    int revScale = 9000;
-};
 
 /// Lies over dials and read-outs while what they show is not live. Clicks and tips go through it.
 class DashBoardVeil : public QWidget {
@@ -68,8 +54,19 @@ class FrmDashBoardPanel : public QWidget {
     void setColors(const DashColors& colors);
     /// Fuel, temperature and idle instruments out of sight for a unit that only ignites.
     void showFuel(bool on);
-    /// fraNoConnect in view with its text, or out of sight. While it waits for a unit a veil lies over dials
-    /// and read-outs: they keep their last values, which must not look live.
+    /// The read-outs to be shown, the most important one first.
+    void showReadouts(const std::vector<std::string_view>& names);
+    /// Of lblCheckEngine, which is in view only with a text.
+    void showCodes(const QString& text);
+    /// Turns to the page that a read-out stands on.
+    void bringIntoView(const QString& name);
+    /// Places everything anew: what has room follows size, unit and what there is to show.
+    void arrange();
+    /// Dials and read-outs keep their last values. While these are not live a veil lies over them, with a
+    /// word, because they must not look so.
+    void setLive(bool live);
+    bool isLive() const;
+    /// fraNoConnect in view with its text, or out of sight. While it waits for a unit nothing is live.
     void showNoConnect(bool on, const QString& text);
 
     LiveLamp* checkEngineLamp = nullptr;
@@ -81,6 +78,8 @@ class FrmDashBoardPanel : public QWidget {
     QFrame* fraNoConnect = nullptr;
     QLabel* lblGeneral = nullptr;
     DashBoardVeil* veil = nullptr;
+    QLabel* lblNotLive = nullptr;
+    QPushButton* btnMore = nullptr;
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -90,22 +89,30 @@ class FrmDashBoardPanel : public QWidget {
     void paintEvent(QPaintEvent* event) override;
 
  private:
-    GaugeWidget* makeGauge(const GaugeFace& face);
-    LiveLabel* makeLabel(const LiveLabel::Form& form);
-    QLayout* makeSmallDials();
-    QLayout* makeReadouts();
-    QLayout* makeStatus();
+    void makeGauge(const GaugeFace& face);
+    void makeStatus();
     void makeNoConnect();
+    void placeDials(const DashPlan& plan, QPoint at);
+    void placeTiles(const DashPlan& plan, QPoint at);
+    void placeStatus(QRect area);
     void placeNoConnect();
     void placeVeil();
-    void fitStatusFonts();
+    QSize tileSize() const;
+    int statusWidth() const;
+    bool detailOffered() const;
 
     DialAngles angles_;
     bool fahrenheit_ = false;
     DashColors colors_;
     std::map<QString, GaugeWidget*> gauges_;
     std::map<QString, LiveLabel*> labels_;
-    std::vector<QWidget*> fuelParts_;
+    std::vector<std::string_view> readouts_;
+    bool fuel_ = true;
+    bool live_ = true;
+    bool waits_ = false;   ///< for a unit
+    int instruments_ = 0;  ///< right edge of dials and tiles
+    int page_ = 0;
+    int pages_ = 1;
 };
 
 }  // namespace zentaq

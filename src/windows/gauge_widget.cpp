@@ -8,6 +8,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "qt/look.h"
 #include "qt/named.h"
 #include "windows/outlined.h"
 
@@ -17,7 +18,9 @@ namespace {
 constexpr double tickOuter = 0.98;
 constexpr double majorInner = 0.86;
 constexpr double minorInner = 0.92;
-constexpr double numberCircle = 0.72;
+/// The outer end of the numbers, whatever their size.
+constexpr double numberOuter = 0.83;
+constexpr double numberShare = 0.17;
 constexpr double needleLength = 0.93;
 constexpr double shortLength = 0.55;
 constexpr double tailLength = 0.12;
@@ -34,6 +37,7 @@ GaugeWidget::GaugeWidget(const GaugeFace& face, QWidget* parent)
     : QWidget(parent), face_(face), colors_(dashColors(false)), angle_(face.restAngle) {
     named(this, face.name, face.caption.isEmpty() ? face.name : face.caption);
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+    setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
 void GaugeWidget::setFace(const GaugeFace& face) {
@@ -65,13 +69,20 @@ void GaugeWidget::setNeedleColor(std::optional<QColor> color) {
 
 void GaugeWidget::setReadout(QWidget* readout) {
     readout_ = readout;
-    readout_->setParent(this);
+    if (readout_ != nullptr) readout_->setParent(this);
+    picture_ = {};
     placeReadout();
 }
 
 QSize GaugeWidget::sizeHint() const {
-    const double side = fontMetrics().height() * 5.0;
-    return {static_cast<int>(side * face_.bounds.width()), static_cast<int>(side * face_.bounds.height())};
+    return minimumSizeHint();
+}
+
+QSize GaugeWidget::minimumSizeHint() const {
+    const double side = fontMetrics().height() * 2.0;
+    const int beside = readout_ == nullptr ? 0 : readout_->minimumSizeHint().width();
+    return {static_cast<int>(side * face_.bounds.width()) + beside,
+            static_cast<int>(side * face_.bounds.height())};
 }
 
 void GaugeWidget::resizeEvent(QResizeEvent*) {
@@ -79,18 +90,31 @@ void GaugeWidget::resizeEvent(QResizeEvent*) {
     placeReadout();
 }
 
+void GaugeWidget::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange) setFace(face_);
+}
+
 void GaugeWidget::placeReadout() {
     if (readout_ == nullptr) return;
-    const QRectF area(place(face_.readout.topLeft()), place(face_.readout.bottomRight()));
-    readout_->setGeometry(area.toRect());
+    const int left = static_cast<int>(faceArea().right()) + space(fontMetrics(), Space::Line);
+    readout_->setGeometry(left, 0, width() - left, height());
+    readout_->show();
+}
+
+QRectF GaugeWidget::faceArea() const {
+    if (readout_ == nullptr) return rect();
+    const int beside = readout_->minimumSizeHint().width() + space(fontMetrics(), Space::Line);
+    return QRectF(0, 0, std::max(0, width() - beside), height());
 }
 
 double GaugeWidget::radius() const {
-    return std::min(width() / face_.bounds.width(), height() / face_.bounds.height());
+    const QRectF area = faceArea();
+    return std::min(area.width() / face_.bounds.width(), area.height() / face_.bounds.height());
 }
 
 QPointF GaugeWidget::place(QPointF unit) const {
-    return QPointF(width(), height()) / 2 + (unit - face_.bounds.center()) * radius();
+    return faceArea().center() + (unit - face_.bounds.center()) * radius();
 }
 
 QPointF GaugeWidget::onCircle(double angle, double length) const {
@@ -115,15 +139,24 @@ QRegion GaugeWidget::needleRegion(double angle) const {
     return region;
 }
 
-void GaugeWidget::paintEvent(QPaintEvent* event) {
+QPixmap GaugeWidget::layer(const QColor& ground) const {
     const double ratio = devicePixelRatioF();
-    if (picture_.isNull()) {
-        picture_ = QPixmap(size() * ratio);
-        picture_.setDevicePixelRatio(ratio);
-        picture_.fill(Qt::transparent);
-        QPainter painter(&picture_);
-        painter.setRenderHint(QPainter::Antialiasing);
-        drawFace(painter);
+    QPixmap picture(size() * ratio);
+    picture.setDevicePixelRatio(ratio);
+    picture.fill(ground);
+    return picture;
+}
+
+void GaugeWidget::paintEvent(QPaintEvent* event) {
+    if (picture_.isNull() || picture_.devicePixelRatio() != devicePixelRatioF()) {
+        picture_ = layer(colors_.back);
+        QPainter face(&picture_);
+        face.setRenderHint(QPainter::Antialiasing);
+        drawFace(face);
+        numbers_ = layer(Qt::transparent);
+        QPainter numbers(&numbers_);
+        numbers.setRenderHint(QPainter::Antialiasing);
+        drawNumbers(numbers);
         ++facesDrawn_;
     }
     QPainter painter(this);
@@ -131,6 +164,7 @@ void GaugeWidget::paintEvent(QPaintEvent* event) {
     painter.drawPixmap(0, 0, picture_);
     painter.setRenderHint(QPainter::Antialiasing);
     drawNeedle(painter);
+    painter.drawPixmap(0, 0, numbers_);
 }
 
 void GaugeWidget::drawFace(QPainter& painter) const {
@@ -161,30 +195,87 @@ void GaugeWidget::drawFace(QPainter& painter) const {
                         static_cast<int>((zone.from - zone.to) * 16));
     }
     drawTicks(painter);
-    QFont caption = font();
-    caption.setPixelSize(std::max(8, static_cast<int>(r * 0.13)));
-    painter.setFont(caption);
-    const QPointF middle = place(face_.captionAt);
-    drawOutlined(painter, QRectF(middle.x() - r, middle.y() - r * 0.2, 2 * r, r * 0.4), Qt::AlignCenter,
-                 face_.caption, colors_.labels, colors_.face);
 }
 
 void GaugeWidget::drawTicks(QPainter& painter) const {
     const double r = radius();
-    QFont numbers = font();
-    numbers.setWeight(QFont::DemiBold);
-    numbers.setPixelSize(std::max(8, static_cast<int>(r * 0.16)));
-    painter.setFont(numbers);
     for (const auto& tick : face_.ticks) {
         const bool major = !tick.label.isEmpty();
         const QPen line(colors_.lights, std::max(1.0, r * (major ? 0.024 : 0.012)), Qt::SolidLine,
                         Qt::FlatCap);
         drawOutlined(painter, onCircle(tick.angle, major ? majorInner : minorInner),
                      onCircle(tick.angle, tickOuter), line, colors_.face);
-        const QPointF middle = onCircle(tick.angle, numberCircle);
-        drawOutlined(painter, QRectF(middle.x() - r / 4, middle.y() - r / 8, r / 2, r / 4), Qt::AlignCenter,
-                     tick.label, colors_.lights, colors_.face);
     }
+}
+
+QFont GaugeWidget::numberFont() const {
+    QFont numbers = typeFont(Type::Caption);
+    const int least = QFontInfo(numbers).pixelSize();
+    numbers.setWeight(QFont::DemiBold);
+    numbers.setPixelSize(std::max(least, static_cast<int>(radius() * numberShare)));
+    return numbers;
+}
+
+/// The letters alone: without ascent and descent they come closer to each other.
+QRectF GaugeWidget::numberPlace(const GaugeFace::Tick& tick, const QFontMetricsF& metrics) const {
+    const QSizeF size(metrics.horizontalAdvance(tick.label), metrics.capHeight());
+    const QPointF out = direction(tick.angle);
+    const double reach = (std::abs(out.x()) * size.width() + std::abs(out.y()) * size.height()) / 2;
+    const QPointF middle = place({0, 0}) + out * (radius() * numberOuter - reach);
+    return {middle.x() - size.width() / 2, middle.y() - size.height() / 2, size.width(), size.height()};
+}
+
+QRectF GaugeWidget::captionPlace(const QFontMetricsF& metrics) const {
+    const QPointF middle = place(face_.captionAt);
+    const double width = metrics.horizontalAdvance(face_.caption);
+    return {middle.x() - width / 2, middle.y() - metrics.capHeight() / 2, width, metrics.capHeight()};
+}
+
+/// Every number where there is room for all, else every second, third or further one.
+std::vector<GaugeWidget::Number> GaugeWidget::numbers() const {
+    std::vector<Number> all;
+    const QFontMetricsF metrics(numberFont());
+    for (const auto& tick : face_.ticks) {
+        if (!tick.label.isEmpty()) all.push_back({tick.label, numberPlace(tick, metrics)});
+    }
+    const double gap = metrics.capHeight() / 4;
+    const double hub = radius() * hubRadius;
+    const QRectF middle(place({0, 0}) - QPointF(hub, hub), QSizeF(2 * hub, 2 * hub));
+    for (std::size_t step = 1; step < all.size(); ++step) {
+        std::vector<Number> some;
+        std::vector<QRectF> taken{middle};
+        if (!face_.caption.isEmpty()) taken.push_back(captionPlace(metrics));
+        bool free = true;
+        for (std::size_t i = 0; i < all.size(); i += step) {
+            const QRectF around = all[i].place.adjusted(-gap, -gap, gap, gap);
+            free = free && faceArea().contains(all[i].place) &&
+                   std::none_of(taken.begin(), taken.end(),
+                                [&](const QRectF& other) { return other.intersects(around); });
+            taken.push_back(all[i].place);
+            some.push_back(all[i]);
+        }
+        if (free) return some;
+    }
+    return {};
+}
+
+/// Above the needle, which goes below them: each keeps a little of the face around it.
+void GaugeWidget::drawNumbers(QPainter& painter) const {
+    const QFont font = numberFont();
+    painter.setFont(font);
+    const double halo = QFontMetricsF(font).capHeight() / 4;
+    for (const Number& number : numbers()) {
+        QPainterPath letters;
+        letters.addText(number.place.bottomLeft(), font, number.text);
+        painter.strokePath(letters, QPen(colors_.face, halo, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        drawOutlined(painter, number.place.bottomLeft(), number.text, colors_.lights, colors_.face);
+    }
+    if (face_.caption.isEmpty()) return;
+    QFont caption = font;
+    caption.setWeight(QFont::Normal);
+    painter.setFont(caption);
+    drawOutlined(painter, captionPlace(QFontMetricsF(caption)).bottomLeft(), face_.caption, colors_.labels,
+                 face_.captionOnBack ? colors_.back : colors_.face);
 }
 
 void GaugeWidget::drawNeedle(QPainter& painter) const {

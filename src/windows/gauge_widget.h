@@ -10,6 +10,8 @@
 
 #include "windows/frm_dashboard_colors.h"
 
+class QFontMetricsF;
+
 namespace zentaq {
 
 /// Angles are in degrees, 0 straight up, clockwise positive. Lengths are in dial radii with y downwards and
@@ -25,11 +27,11 @@ struct GaugeFace {
         QColor DashColors::*color = nullptr;
     };
 
-    QString name;       ///< the needle's name, "Tachometer"
-    QString caption;    ///< on the face
-    QRectF bounds;      ///< the part of the plane that the widget shows
-    QRectF readout;     ///< where a read-out stands
-    QPointF captionAt;  ///< middle of the caption
+    QString name;                ///< the needle's name, "Tachometer"
+    QString caption;             ///< on the face
+    QRectF bounds;               ///< the part of the plane that the widget shows
+    QPointF captionAt;           ///< middle of the caption, where the needle never is
+    bool captionOnBack = false;  ///< it stands beside the disc
     std::vector<Tick> ticks;
     std::vector<Zone> zones;
     bool twoLines = false;  ///< the needle is two lines, a long one and a short thick one
@@ -54,15 +56,26 @@ class GaugeWidget : public QWidget {
     /// A colour of the needle's own; nullopt takes the panel's.
     void setNeedleColor(std::optional<QColor> color);
 
-    /// The read-out stands inside the dial and moves with it. The gauge becomes its parent.
+    /// The read-out stands beside the face. The gauge becomes its parent; nullptr takes none.
     void setReadout(QWidget* readout);
 
     /// How often the face was drawn: a test sees that it is kept.
     int facesDrawn() const { return facesDrawn_; }
 
+    /// A number of the face and where its letters stand.
+    struct Number {
+        QString text;
+        QRectF place;
+    };
+    /// Those that have room in the type of captions.
+    std::vector<Number> numbers() const;
+    QFont numberFont() const;
+
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
 
  protected:
+    void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
@@ -70,6 +83,11 @@ class GaugeWidget : public QWidget {
     struct Needle {
         QPointF tail, tip, shortTip;
     };
+    QPixmap layer(const QColor& ground) const;
+    QRectF faceArea() const;
+    QRectF numberPlace(const GaugeFace::Tick& tick, const QFontMetricsF& metrics) const;
+    QRectF captionPlace(const QFontMetricsF& metrics) const;
+    void drawNumbers(QPainter& painter) const;
     double radius() const;
     QPointF place(QPointF unit) const;
     QPointF onCircle(double angle, double length) const;
@@ -86,6 +104,7 @@ class GaugeWidget : public QWidget {
     double angle_ = 0;
     QWidget* readout_ = nullptr;
     QPixmap picture_;
+    QPixmap numbers_;
     int facesDrawn_ = 0;
 };
 

@@ -2,10 +2,15 @@
 // width and to the right, so that a changing number doesn't jump; an unchanged text is not painted again.
 #pragma once
 
+#include <QFont>
+#include <QPixmap>
+#include <QStringList>
 #include <QWidget>
 #include <optional>
 
 #include "windows/frm_dashboard_colors.h"
+
+class QFontMetricsF;
 
 namespace zentaq {
 
@@ -35,13 +40,19 @@ class LiveLabel : public QWidget {
     void setColors(const DashColors& colors);
 
     QSize sizeHint() const override;
+    /// What its caption with its unit needs, and as tall a number below.
+    QSize minimumSizeHint() const override;
+    const QFont& captionFont() const { return captionFont_; }
+    const QFont& valueFont() const { return valueFont_; }
 
  protected:
+    void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
  private:
     void fitFonts();
+    void paintField(QPainter& painter) const;
     void paintDigits(QPainter& painter, const QRect& area) const;
     QRect valueArea() const;
 
@@ -51,6 +62,7 @@ class LiveLabel : public QWidget {
     DashColors colors_;
     QFont captionFont_;
     QFont valueFont_;
+    QPixmap picture_;  ///< field, caption and unit, kept until one of them changes
 };
 
 /// A lamp with its inscription: lit in a colour or dark.
@@ -66,11 +78,14 @@ class LiveLamp : public QWidget {
     void setColors(const DashColors& colors);
 
     QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
 
  protected:
     void paintEvent(QPaintEvent* event) override;
 
  private:
+    QStringList lines(const QFontMetricsF& metrics) const;
+
     QString inscription_;
     std::optional<QColor> color_;
     DashColors colors_;
