@@ -28,13 +28,14 @@ constexpr auto smallDials = std::to_array<SmallDial>({{"TPS", "lblTPS", false},
 /// Rows of this many least heights are comfortable to read.
 constexpr double comfort = 1.3;
 /// A dial that is smaller has no room for numbers: so many least heights of a tile.
-constexpr double leastDial = 1.9;
+constexpr double leastDial = 2.6;
 constexpr double leastSmallDials = 3.6;
 /// Wide as a share of its height: the face of the mixture is not much more than half a disc.
 constexpr double mixtureShape = 0.72;
 constexpr double smallFaceShape = 0.8;
 /// Tiles come first: so many stay on the first page whatever the dials take.
 constexpr int leastTiles = 8;
+constexpr int leastBesideStatus = 4;
 
 bool isLamp(std::string_view name) {
     return name.starts_with("shp");
@@ -54,7 +55,8 @@ class Planner {
         : room_(room), rows_(rowsIn(room)), tiles_(tiles.begin(), tiles.end()) {
         plan_.page = page;
         right_ = room.width;
-        if (room.status > 0) takeStatus();
+        const int tilesBeside = (room.width - room.status) / (room.tileWidth + room.gap);
+        if (room.status > 0 && tilesBeside >= leastBesideStatus) takeStatus();
         takeDials();
         placeTiles();
     }
@@ -116,6 +118,8 @@ class Planner {
     void placeTiles() {
         const int columns = std::max(1, (left() + room_.gap) / (room_.tileWidth + room_.gap));
         const int places = columns * rows_;
+        // Where hardly anything has room the numbers come first.
+        if (places < leastBesideStatus) std::erase_if(tiles_, isLamp);
         const auto lamps = static_cast<int>(std::ranges::count_if(tiles_, isLamp));
         const int all = static_cast<int>(tiles_.size());
         if (all <= places) {

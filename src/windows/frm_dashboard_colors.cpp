@@ -17,11 +17,8 @@ DashColors dashColors(bool day) {
     colors.yellowZone = look.yellowZone;
     colors.greenZone = look.greenZone;
     colors.lampOff = look.lampOff;
-<<<<<<< HEAD
-=======
     colors.badge = look.warningBadge;
     colors.badgeText = look.warningBadgeText;
->>>>>>> de4f2a3 (The dashboard goes by its room: dials where they fit, tiles by rank with further pages, captions as large as the type scale says; it looks live only while frames come)
     return colors;
 }
 

@@ -80,21 +80,6 @@ void DashBoardVeil::paintEvent(QPaintEvent* event) {
 
 FrmDashBoardPanel::FrmDashBoardPanel(const DialAngles& angles, QWidget* parent)
     : QWidget(parent), angles_(angles), colors_(dashColors(false)) {
-<<<<<<< HEAD
-    auto* strip = new QHBoxLayout(this);
-    strip->setContentsMargins(margins(fontMetrics(), Space::Tight));
-    strip->setSpacing(space(fontMetrics(), Space::Tight));
-    auto* afr = makeGauge(mixture(angles));
-    afr->setReadout(makeLabel({"lblAAFR", "AFR", "", "88.88"}));
-    auto* tach = makeGauge(tachometer(angles));
-    tach->setReadout(makeLabel({"lblTach", "", "rpm", "88888"}));
-    strip->addWidget(afr, 195);
-    strip->addWidget(tach, 288);
-    strip->addLayout(makeSmallDials(), 390);
-    strip->addLayout(makeReadouts(), 390);
-    strip->addLayout(makeStatus(), 140);
-    fuelParts_.push_back(afr);
-=======
     makeGauge(mixtureFace(angles));
     makeGauge(tachometerFace(angles));
     makeGauge(throttleFace(angles));
@@ -106,7 +91,6 @@ FrmDashBoardPanel::FrmDashBoardPanel(const DialAngles& angles, QWidget* parent)
     checkEngineLamp = new LiveLamp("shpCheckEngine", "CHECK ENGINE", this);
     overRevLamp = new LiveLamp("shpOverRev", "OVER REV", this);
     makeStatus();
->>>>>>> de4f2a3 (The dashboard goes by its room: dials where they fit, tiles by rank with further pages, captions as large as the type scale says; it looks live only while frames come)
     makeNoConnect();
     setColors(colors_);
 }
@@ -115,66 +99,6 @@ void FrmDashBoardPanel::makeGauge(const GaugeFace& face) {
     gauges_[face.name] = new GaugeWidget(face, this);
 }
 
-<<<<<<< HEAD
-LiveLabel* FrmDashBoardPanel::makeLabel(const LiveLabel::Form& form) {
-    auto* label = new LiveLabel(form, this);
-    labels_[form.name] = label;
-    return label;
-}
-
-QLayout* FrmDashBoardPanel::makeSmallDials() {
-    auto* grid = new QGridLayout;
-    grid->setSpacing(space(fontMetrics(), Space::Tight));
-    auto* tps = makeGauge(throttle(angles_));
-    tps->setReadout(makeLabel({"lblTPS", "TPS", "V", "8.88"}));
-    auto* battery = makeGauge(volt(angles_));
-    battery->setReadout(makeLabel({"lblVolt", "VOLT", "V", "88.8"}));
-    auto* iac = makeGauge(idle(angles_));
-    iac->setReadout(makeLabel({"lblIAC", "IAC", "%", "888"}));
-    auto* clt = makeGauge(temperature("Coolant", angles_.coolant, fahrenheit_));
-    clt->setReadout(makeLabel({"lblCLT", "CLT", "", "-888"}));
-    auto* mat = makeGauge(temperature("MAT", angles_.manifoldAir, fahrenheit_));
-    mat->setReadout(makeLabel({"lblMAT", "MAT", "", "-888"}));
-    checkEngineLamp = new LiveLamp("shpCheckEngine", "CHECK ENGINE", this);
-    overRevLamp = new LiveLamp("shpOverRev", "OVER REV", this);
-
-    auto* lamps = new QVBoxLayout;
-    lamps->addStretch(1);
-    lamps->addWidget(checkEngineLamp, 3);
-    lamps->addWidget(overRevLamp, 3);
-    lamps->addStretch(1);
-    grid->addWidget(tps, 0, 0);
-    grid->addWidget(battery, 1, 0);
-    grid->addLayout(lamps, 0, 1);
-    grid->addWidget(iac, 1, 1);
-    grid->addWidget(clt, 0, 2);
-    grid->addWidget(mat, 1, 2);
-    for (int i = 0; i < 3; ++i) grid->setColumnStretch(i, 1);
-    for (int i = 0; i < 2; ++i) grid->setRowStretch(i, 1);
-    fuelParts_.insert(fuelParts_.end(), {iac, clt, mat});
-    return grid;
-}
-
-QLayout* FrmDashBoardPanel::makeReadouts() {
-    constexpr int columns = 4;
-    auto* grid = new QGridLayout;
-    grid->setSpacing(space(fontMetrics(), Space::Tight));
-    int place = 0;
-    for (const auto& form : readoutForms()) {
-        auto* label = makeLabel(form);
-        grid->addWidget(label, place / columns, place % columns);
-        ++place;
-        if (!isOfIgnition(form.name.toStdString())) fuelParts_.push_back(label);
-    }
-    for (int i = 0; i < columns; ++i) grid->setColumnStretch(i, 1);
-    for (int i = 0; i < place / columns; ++i) grid->setRowStretch(i, 1);
-    return grid;
-}
-
-QLayout* FrmDashBoardPanel::makeStatus() {
-    auto* box = new QVBoxLayout;
-    box->setSpacing(space(fontMetrics(), Space::Tight));
-=======
 void FrmDashBoardPanel::makeStatus() {
     btnMore = named(new QPushButton(this), "btnMore", "Further readings");
     btnMore->setFocusPolicy(Qt::TabFocus);  // a click leaves the keyboard in the table
@@ -183,7 +107,6 @@ void FrmDashBoardPanel::makeStatus() {
         ++page_;
         arrange();
     });
->>>>>>> de4f2a3 (The dashboard goes by its room: dials where they fit, tiles by rank with further pages, captions as large as the type scale says; it looks live only while frames come)
     lblCheckEngine = explained(new QLabel(this), "lblCheckEngine", "Check engine codes");
     lblCheckEngine->setAlignment(Qt::AlignCenter);
     lblCheckEngine->setFrameShape(QFrame::StyledPanel);
@@ -327,7 +250,7 @@ QSize FrmDashBoardPanel::sizeHint() const {
 QSize FrmDashBoardPanel::minimumSizeHint() const {
     const QSize tile = tileSize();
     const int gap = space(fontMetrics(), Space::Tight);
-    return {tile.width() * 3 + 4 * gap, tile.height() + 2 * gap};
+    return {tile.width() * 4 + 5 * gap, tile.height() + 2 * gap};
 }
 
 QSize FrmDashBoardPanel::tileSize() const {
@@ -354,7 +277,7 @@ void FrmDashBoardPanel::arrange() {
                         .gap = gap,
                         .tileWidth = tile.width(),
                         .tileHeight = tile.height(),
-                        .dialReadout = beside + gap,
+                        .dialReadout = beside * 5 / 4 + gap,
                         .status = statusWidth(),
                         .fuel = fuel_};
     std::vector<std::string_view> tiles{"shpCheckEngine", "shpOverRev"};

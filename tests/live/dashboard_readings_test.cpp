@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "live/calibration_fixture.h"
 
 namespace zentaq {
@@ -78,6 +80,25 @@ TEST_F(Readings, PinsFollowTheLabels) {
     EXPECT_EQ(text("GPIO3"), "ON");
     EXPECT_EQ(text("GPIO8"), "");
     EXPECT_EQ(text("GPIO9"), "no GPIO9");
+}
+
+TEST_F(Readings, AirMassAndTheUnitOfTemperaturesAreShownOnlyWithAValue) {
+    const auto shows = [&](std::string_view name, bool values = true) {
+        auto all = dashboardReadings(live, calibration.unit, settings);
+        if (!values) {
+            for (auto& reading : all) reading.text.clear();
+        }
+        const auto shown = shownReadouts(all);
+        return std::ranges::find(shown, name) != shown.end();
+    };
+    EXPECT_TRUE(shows("lblMAP"));
+    EXPECT_FALSE(shows("lblAMAP"));
+    EXPECT_TRUE(shows("lblTemp"));
+    EXPECT_FALSE(shows("lblTemp", false));
+    EXPECT_TRUE(shows("lblMAP", false));
+    calibration.unit.Set_Control2(0, true);
+    EXPECT_TRUE(shows("lblAMAP"));
+    EXPECT_FALSE(shows("lblMAP"));
 }
 
 class IgnitionOnlyReadings : public Readings {

@@ -250,11 +250,20 @@ TEST_F(Dashboard, NoConnectPanelFollowsTheLink) {
     EXPECT_TRUE(panel->isHidden());
 }
 
-TEST_F(Dashboard, VeilLiesOverTheInstrumentsOnlyWhileAUnitIsWaitedFor) {
+TEST_F(Dashboard, VeilLiesOverTheInstrumentsWhileNoFramesComeAndSaysSo) {
     DashBoardVeil& veil = *board->panel().veil;
-    EXPECT_TRUE(veil.isHidden());
+    auto* word = find<QLabel>("lblNotLive");
     fire(find<QTimer>("tmrUpdate"));  // nothing has been identified yet: "Connecting..."
     EXPECT_FALSE(veil.isHidden());
+    EXPECT_TRUE(word->isHidden()) << "the link panel has a word of its own";
+    waitsNoMore();
+    EXPECT_FALSE(veil.isHidden()) << "no frame has come";
+    EXPECT_FALSE(word->isHidden());
+    EXPECT_EQ(word->text(), "NOT LIVE");
+    EXPECT_FALSE(board->panel().isLive());
+    board->panel().setLive(true);
+    EXPECT_TRUE(veil.isHidden());
+    EXPECT_TRUE(board->panel().isLive());
     for (const char* text : {"Updating", "AutoVE ON"}) {
         waitsFor(text);
         EXPECT_TRUE(veil.isHidden()) << text;
@@ -268,6 +277,11 @@ TEST_F(Dashboard, VeilLiesOverTheInstrumentsOnlyWhileAUnitIsWaitedFor) {
 TEST_F(Dashboard, VeilCoversEveryDialAndReadOutButNotTheLinkPanelNorTheCodes) {
     fire(find<QTimer>("tmrUpdate"));
     FrmDashBoardPanel& panel = board->panel();
+    panel.lstGPO->addItem("GPIO1 Fan  ON");
+    panel.btnShowDetail->setEnabled(true);
+    panel.showCodes("TPS SEN\nFAIL HI");
+    board->resize(1366, 400);  // room for all of the column
+    QApplication::processEvents();
     const QRect covered = panel.veil->geometry();
     const auto placeOf = [&](const QWidget* part) {
         return QRect(part->mapTo(&panel, QPoint(0, 0)), part->size());
@@ -309,6 +323,7 @@ TEST_F(Dashboard, VeiledNumbersAreDimByDayAndByNight) {
         }
         return most - least;
     };
+    board->panel().setLive(true);
     for (const bool day : {true, false}) {
         day ? board->Day_Mode() : board->Night_Mode();
         waitsFor("Connecting...");
@@ -428,12 +443,11 @@ TEST_F(Dashboard, AUnitThatHasClearedItsCodesIsToldForAWhileThoughFramesAndCodes
     EXPECT_EQ(line->text(), pin);
 }
 
-TEST_F(Dashboard, InputsAndOutputsAreListed) {
+TEST_F(Dashboard, PinsWithoutAFunctionAreNotListed) {
     show(frame());
     auto* list = find<QListWidget>("lstGPO");
-    EXPECT_EQ(list->count(), unit().kind().numGpio + 1);
-    list->setCurrentRow(2);
-    EXPECT_EQ(find<QLineEdit>("txtGPIO")->text(), list->item(2)->text());
+    EXPECT_EQ(list->count(), 0);
+    EXPECT_TRUE(list->isHidden());
 }
 
 TEST_F(Dashboard, ResetEmptiesTheLabelsAndRestsTheNeedles) {
@@ -456,6 +470,28 @@ TEST_F(Dashboard, StoredColoursApplyAndAnEmptyOneTakesTheModesOwn) {
     EXPECT_EQ(board->panel().gauge("TPS").needleColor(), QColor(0, 0, 255));
     board->Set_Needle_Color("");
     EXPECT_EQ(board->panel().gauge("TPS").needleColor(), QColor(255, 0, 0));
+}
+
+TEST_F(Dashboard, CaptionsAreElevenPixelsTallAndNothingIsCutInAnyRoom) {
+    for (const QSize& room : {QSize(1366, 182), QSize(1920, 260), QSize(910, 120), QSize(683, 88)}) {
+        board->resize(room);
+        QApplication::processEvents();
+        int shown = 0;
+        for (const auto* label : board->findChildren<LiveLabel*>()) {
+            if (!label->isVisible()) continue;
+            ++shown;
+            EXPECT_GE(QFontMetrics(label->captionFont()).capHeight(), 11) << room.width();
+            EXPECT_GE(label->width(), label->minimumSizeHint().width()) << label->objectName().toStdString();
+            EXPECT_GE(label->height(), label->minimumSizeHint().height())
+                << label->objectName().toStdString();
+        }
+        EXPECT_GE(shown, 3) << room.width();
+        for (const auto* gauge : board->findChildren<GaugeWidget*>()) {
+            if (!gauge->isVisible()) continue;
+            EXPECT_GE(QFontMetrics(gauge->numberFont()).capHeight(), 11) << room.width();
+            EXPECT_GE(gauge->numbers().size(), 2u) << gauge->objectName().toStdString();
+        }
+    }
 }
 
 TEST_F(Dashboard, DayIsBrightAndNightIsDark) {
@@ -509,7 +545,8 @@ TEST_F(DashboardInProgram, InputsAndOutputsAreReadableInTheModeThatWasSwitchedTo
     list->addItem("GPIO1  OFF");
     FrmDashBoard* board = windows.dashboard();
     QApplication::processEvents();
-    const int size = std::max(10, board->panel().height() / 24);
+    const QFont font = typeFont(Type::Caption);
+    board->panel().arrange();
     for (const DisplayMode mode : {DisplayMode::Day, DisplayMode::Night, DisplayMode::Day}) {
         if (mode == DisplayMode::Day) {
             commands.dayMode();
@@ -524,8 +561,8 @@ TEST_F(DashboardInProgram, InputsAndOutputsAreReadableInTheModeThatWasSwitchedTo
         EXPECT_EQ(list->palette().color(QPalette::Text), look.text) << static_cast<int>(mode);
         EXPECT_EQ(chosen->palette().color(QPalette::Text), look.text) << static_cast<int>(mode);
         EXPECT_EQ(chosen->palette().color(QPalette::Base), look.surface) << static_cast<int>(mode);
-        EXPECT_EQ(list->font().pixelSize(), size) << static_cast<int>(mode);
-        EXPECT_EQ(chosen->font().pixelSize(), size) << static_cast<int>(mode);
+        EXPECT_EQ(list->font().pointSizeF(), font.pointSizeF()) << static_cast<int>(mode);
+        EXPECT_EQ(chosen->font().pointSizeF(), font.pointSizeF()) << static_cast<int>(mode);
     }
 }
 

@@ -1,0 +1,107 @@
+#include "live/dashboard_plan.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+#include <string>
+
+namespace zentaq {
+namespace {
+
+/// As it is at 100 %.
+DashRoom room(int width, int height) {
+    return {.width = width,
+            .height = height,
+            .gap = 4,
+            .tileWidth = 108,
+            .tileHeight = 38,
+            .dialReadout = 70,
+            .status = 0,
+            .fuel = true};
+}
+bool shows(const DashPlan& plan, std::string_view name) {
+    return std::ranges::find(plan.tiles, name, &DashPlace::name) != plan.tiles.end() ||
+           std::ranges::find(plan.dials, name, &DashPlace::name) != plan.dials.end();
+}
+bool overlap(const DashArea& one, const DashArea& other) {
+    return one.x < other.x + other.width && other.x < one.x + one.width && one.y < other.y + other.height &&
+           other.y < one.y + one.height;
+}
+
+constexpr std::pair<int, int> rooms[] = {{1358, 164}, {1912, 250}, {902, 112}, {675, 80},
+                                         {675, 38},   {1358, 340}, {444, 38}};
+
+TEST(DashboardPlan, NothingOverlapsNorLeavesTheRoomNorIsTooSmall) {
+    for (const auto& [width, height] : rooms) {
+        for (const int status : {0, 150}) {
+            DashRoom given = room(width, height);
+            given.status = status;
+            const DashPlan plan = planDashboard(given, tileOrder(), 0);
+            std::vector<DashArea> all;
+            for (const auto& place : plan.dials) all.push_back(place.area);
+            for (const auto& place : plan.tiles) all.push_back(place.area);
+            if (plan.more.width > 0) all.push_back(plan.more);
+            if (plan.status.width > 0) all.push_back(plan.status);
+            for (std::size_t i = 0; i < all.size(); ++i) {
+                EXPECT_GE(all[i].x, 0);
+                EXPECT_GE(all[i].y, 0);
+                EXPECT_LE(all[i].x + all[i].width, width) << width << "x" << height;
+                EXPECT_LE(all[i].y + all[i].height, height) << width << "x" << height;
+                for (std::size_t k = 0; k < i; ++k) EXPECT_FALSE(overlap(all[i], all[k])) << width;
+            }
+        }
+    }
+}
+
+TEST(DashboardPlan, EveryReadOutIsOnSomePageOrBesideItsDial) {
+    for (const auto& [width, height] : rooms) {
+        std::set<std::string_view> seen;
+        const int pages = planDashboard(room(width, height), tileOrder(), 0).pages;
+        for (int page = 0; page < pages; ++page) {
+            const DashPlan plan = planDashboard(room(width, height), tileOrder(), page);
+            EXPECT_EQ(plan.page, page);
+            for (const auto& place : plan.tiles) seen.insert(place.name);
+            for (const auto& place : plan.dials) seen.insert(readoutOfDial(place.name));
+        }
+        for (const std::string_view name : tileOrder()) EXPECT_TRUE(seen.contains(name)) << name << width;
+    }
+}
+
+TEST(DashboardPlan, ALaptopShowsAllDialsAndTheFirstTiles) {
+    const DashPlan plan = planDashboard(room(1358, 164), tileOrder(), 0);
+    EXPECT_EQ(plan.dials.size(), 7u);
+    for (const char* name : {"Tachometer", "AFR", "lblTach", "lblAAFR", "lblMAP", "lblADV", "shpOverRev"}) {
+        EXPECT_TRUE(shows(plan, name)) << name;
+    }
+    EXPECT_FALSE(shows(plan, "lblCLT"));  // beside its dial
+}
+
+TEST(DashboardPlan, ALowRoomShowsTilesInPlaceOfDials) {
+    const DashPlan plan = planDashboard(room(675, 38), tileOrder(), 0);
+    EXPECT_TRUE(plan.dials.empty());
+    EXPECT_TRUE(shows(plan, "lblTach"));
+    EXPECT_GT(plan.pages, 1);
+    EXPECT_GT(plan.more.width, 0);
+}
+
+TEST(DashboardPlan, APageBehindTheLastOneBeginsAnew) {
+    const DashPlan first = planDashboard(room(675, 80), tileOrder(), 0);
+    const DashPlan again = planDashboard(room(675, 80), tileOrder(), first.pages);
+    EXPECT_EQ(again.page, 0);
+    EXPECT_EQ(again.tiles.back().name, first.tiles.back().name);
+}
+
+TEST(DashboardPlan, AUnitThatOnlyIgnitesHasNoFuelDialsAndWiderTiles) {
+    DashRoom given = room(1358, 164);
+    given.fuel = false;
+    const std::vector<std::string_view> few{"shpCheckEngine", "shpOverRev", "lblTach", "lblMAP", "lblADV"};
+    const DashPlan plan = planDashboard(given, few, 0);
+    for (const char* name : {"AFR", "Coolant", "MAT", "IAC"}) EXPECT_FALSE(shows(plan, name)) << name;
+    EXPECT_TRUE(shows(plan, "VOLT"));
+    EXPECT_EQ(plan.pages, 1);
+    EXPECT_GE(plan.tiles.front().area.width, 300);
+}
+
+}  // namespace
+}  // namespace zentaq
