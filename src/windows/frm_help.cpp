@@ -46,8 +46,9 @@ class HitPainter : public QStyledItemDelegate {
                const QModelIndex& index) const override {
         const bool chosen = (option.state & QStyle::State_Selected) != 0;
         painter->save();
-        painter->fillRect(option.rect, chosen ? option.palette.highlight() : option.palette.base());
-        painter->setPen(option.palette.color(chosen ? QPalette::HighlightedText : QPalette::Text));
+        option.widget->style()->drawPrimitive(QStyle::PE_PanelItemViewItem, &option, painter, option.widget);
+        const auto group = option.widget->hasFocus() ? QPalette::Active : QPalette::Inactive;
+        painter->setPen(option.palette.color(group, chosen ? QPalette::HighlightedText : QPalette::Text));
         const int gap = gapOf(option);
         const QRect area = option.rect.adjusted(gap, gap, -gap, -gap);
         const QFont title = bold(option.font);

@@ -314,6 +314,24 @@ TEST_F(Help, TheWindowComesBackInTheSizeThatItHad) {
     EXPECT_EQ(again.size(), QSize(640, 480));
 }
 
+TEST_F(Help, AChosenHitTellsWhetherTheListHasTheKeyboard) {
+    window->activateWindow();
+    QApplication::processEvents();
+    auto& line = the<QLineEdit>("txtSearch");
+    line.setFocus();
+    line.setText("pulse");
+    hits().setCurrentRow(0);
+    const auto ground = [&] {
+        QApplication::processEvents();
+        const QRect row = hits().visualItemRect(hits().item(0));
+        return hits().viewport()->grab().toImage().pixelColor(row.center().x(), row.top() + 3);
+    };
+    const LookColors colors = lookColors(DisplayMode::Night);
+    EXPECT_EQ(ground(), colors.restingSelection);
+    hits().setFocus();
+    EXPECT_EQ(ground(), colors.accent);
+}
+
 TEST_F(Help, TheContentsComeBackAsWideAsTheUserMadeThem) {
     window->resize(1000, 480);
     QApplication::processEvents();
