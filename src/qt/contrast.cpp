@@ -1,27 +1,11 @@
 #include "qt/contrast.h"
 
-#include <algorithm>
-#include <cmath>
+#include "base/contrast.h"
 
 namespace zentaq {
 
-namespace {
-
-/// Share of light of one part of a colour, 0 to 1, as screens show it.
-double lightOf(double part) {
-    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-}
-
-double luminance(const QColor& color) {
-    return 0.2126 * lightOf(color.redF()) + 0.7152 * lightOf(color.greenF()) +
-           0.0722 * lightOf(color.blueF());
-}
-
-}  // namespace
-
 double contrast(const QColor& one, const QColor& other) {
-    const auto [dark, light] = std::minmax({luminance(one), luminance(other)});
-    return (light + 0.05) / (dark + 0.05);
+    return contrastOf(one.rgb() & RGB_MASK, other.rgb() & RGB_MASK);
 }
 
 std::optional<QColor> outlineFor(const QColor& ink, const QColor& ground) {
@@ -30,9 +14,7 @@ std::optional<QColor> outlineFor(const QColor& ink, const QColor& ground) {
 }
 
 QColor inkFor(const QColor& ground) {
-    const QColor black(Qt::black);
-    const QColor white(Qt::white);
-    return contrast(black, ground) >= contrast(white, ground) ? black : white;
+    return QColor::fromRgb(inkOn(ground.rgb() & RGB_MASK));
 }
 
 }  // namespace zentaq

@@ -25,6 +25,8 @@ class KeptSplitter : public QSplitter {
 
     /// Forgets where the user has put the handles.
     void toDefault();
+    /// A part has folded, opened or another size to ask for.
+    void shareOut();
 
  protected:
     bool event(QEvent* event) override;
@@ -37,7 +39,6 @@ class KeptSplitter : public QSplitter {
     void readKept();
     void moved();
     void store();
-    void shareOut();
     QList<bool> shownParts() const;
 
     SettingsStore& settings_;

@@ -1,5 +1,7 @@
 #include "tables/cell_colours.h"
 
+#include <algorithm>
+
 #include "base/rounding.h"
 
 namespace zentaq {
@@ -37,10 +39,23 @@ Paint PaintMemory::at(int row, int column) const {
 void PaintMemory::remember(int row, int column, Paint paint) {
     if (!inMemory(row, column)) return;
     cells_[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)] = paint;
+    if (std::exchange(newest_, {row, column}) != std::pair(row, column)) ++visits_;
+    visited_[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)] = visits_;
+}
+
+int PaintMemory::age(int row, int column) const {
+    if (!inMemory(row, column)) return visits_;
+    return visits_ - visited_[static_cast<std::size_t>(row)][static_cast<std::size_t>(column)];
+}
+
+int trailStep(int age) {
+    constexpr std::array<int, 3> begins{1, 4, 12};
+    return static_cast<int>(std::ranges::count_if(begins, [&](int from) { return age >= from; }));
 }
 
 void PaintMemory::erase() {
     cells_ = {};
+    newest_ = {};
     ++erasures_;
 }
 

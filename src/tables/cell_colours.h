@@ -25,6 +25,10 @@ class PaintMemory {
     /// Ignored outside the memory.
     void remember(int row, int column, Paint paint);
     void erase();
+    /// How many other cells have been painted since this one; the newest has 0.
+    int age(int row, int column) const;
+    /// Goes up with each cell that the live point enters.
+    int visits() const { return visits_; }
     /// The axes of the grid that is shown, as a text.
     void ofAxes(const std::string& axes);
     /// The unit whose frames come.
@@ -34,10 +38,16 @@ class PaintMemory {
 
  private:
     std::array<std::array<Paint, lines>, lines> cells_{};
+    std::array<std::array<int, lines>, lines> visited_{};
+    std::pair<int, int> newest_{};
+    int visits_ = 0;
     std::string axes_;
     std::pair<int, std::int32_t> unit_{};
     std::uint64_t erasures_ = 0;
 };
+
+/// How far the trail has faded in a cell of this age: 0 for the newest, 3 for what stays.
+int trailStep(int age);
 
 /// White at the midpoint, towards green above it, towards red below it. The parts are taken modulo 256 with
 /// the sign of the left side, so a value beyond the scale gives a negative number, which is handed on as it

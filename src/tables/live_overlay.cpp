@@ -85,7 +85,7 @@ void LiveOverlay::repaint() {
     for (int column = 1; column <= storedColumns; ++column) {
         for (int row = 1; row <= storedHeaders; ++row) {
             if (!sheet_.grid().hasCell(row, column)) continue;
-            sheet_.grid().colour(row, column, paintColour(paintMemory_.at(row, column)));
+            showTrail(row, column);
         }
     }
 }
@@ -96,7 +96,28 @@ void LiveOverlay::repaintRemembered() {
         for (int row = 1; row <= storedHeaders; ++row) {
             const Paint paint = paintMemory_.at(row, column);
             if (paint == Paint::White || !sheet_.grid().hasCell(row, column)) continue;
-            sheet_.grid().colour(row, column, paintColour(paint));
+            showTrail(row, column);
+        }
+    }
+}
+
+void LiveOverlay::showTrail(int row, int column) {
+    const Paint paint = paintMemory_.at(row, column);
+    sheet_.grid().colour(row, column, paintColour(paint));
+    if (paint != Paint::White) sheet_.grid().trail(row, column, trailStep(paintMemory_.age(row, column)));
+}
+
+// Only when the point has entered another cell, and then at most a few cells change.
+void LiveOverlay::fadeTrail() {
+    if (std::exchange(visitsFaded_, paintMemory_.visits()) == paintMemory_.visits()) return;
+    TableGrid& grid = sheet_.grid();
+    for (int row = 1; row <= grid.rows(); ++row) {
+        for (int column = 1; column <= grid.columns(); ++column) {
+            if (grid.trail(row, column) == TableGrid::noTrail) continue;
+            const int step = trailStep(paintMemory_.age(row, column));
+            if (grid.trail(row, column) == step) continue;
+            grid.trail(row, column, step);
+            faded_.push_back({row, column});
         }
     }
 }
@@ -144,13 +165,18 @@ void LiveOverlay::Show_Current_Activity(float x, float y) {
     if (!cursor_.followsEngine()) return;
     const GridCell cell = zones_.cellOf(x, y, cursor_.cell());
     if (!cursor_.moveTo(cell.row, cell.column) || autoVeActive_) return;
-    if (colourMode_ == TableColour::Afr) return paintByAfr();
-    paintCurrent(Paint::Yellow);
-    paintMemory_.remember(cursor_.row(), cursor_.column(), Paint::Yellow);
+    if (colourMode_ == TableColour::Afr) {
+        paintByAfr();
+    } else {
+        paintCurrent(Paint::Yellow);
+        paintMemory_.remember(cursor_.row(), cursor_.column(), Paint::Yellow);
+    }
+    fadeTrail();
 }
 
 void LiveOverlay::paintCurrent(Paint paint) {
     sheet_.grid().colour(cursor_.row(), cursor_.column(), paintColour(paint));
+    sheet_.grid().trail(cursor_.row(), cursor_.column(), 0);
 }
 
 void LiveOverlay::paintByAfr() {

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "base/channels.h"
 #include "tables/cell_colours.h"
@@ -49,6 +51,8 @@ class LiveOverlay {
     /// Moves marker and cursor to the live point and paints its cell. Both 0: take the live values.
     void Show_Current_Activity(float x, float y);
     const LiveMarker& marker() const { return marker_; }
+    /// The cells whose trail has faded by a step since this was asked last.
+    std::vector<GridCell> takeFaded() { return std::exchange(faded_, {}); }
     const LiveZones& zones() const { return zones_; }
     /// The table tunes itself: the cursor moves and paints nothing. Kept: switched on in a later release.
     void autoVeActive(bool active) { autoVeActive_ = active; }
@@ -62,6 +66,8 @@ class LiveOverlay {
     void placeMarker(float x, float y);
     void paintCurrent(Paint paint);
     void paintByAfr();
+    void showTrail(int row, int column);
+    void fadeTrail();
 
     TableSheet& sheet_;
     TableEstimates& estimates_;
@@ -71,6 +77,8 @@ class LiveOverlay {
     TableColour colourMode_ = TableColour::Normal;
     LiveZones zones_;
     LiveMarker marker_;
+    std::vector<GridCell> faded_;
+    int visitsFaded_ = 0;
     bool autoVeActive_ = false;
 };
 

@@ -13,6 +13,7 @@ namespace zentaq {
 class TableGrid {
  public:
     static constexpr std::int32_t white = 0xFFFFFF;
+    static constexpr int noTrail = -1;
 
     /// Cleared, with `rows` by `columns` cells beside the headers.
     void resize(int rows, int columns) {
@@ -21,6 +22,7 @@ class TableGrid {
         const std::size_t count = lines(rows) * lines(columns);
         texts_.assign(count, {});
         colours_.assign(count, white);
+        trail_.assign(count, noTrail);
     }
 
     int rows() const { return rows_; }        ///< without the header row
@@ -33,7 +35,14 @@ class TableGrid {
     const std::string& text(int row, int column) const { return texts_[at(row, column)]; }
     void text(int row, int column, std::string value) { texts_[at(row, column)] = std::move(value); }
     std::int32_t colour(int row, int column) const { return colours_[at(row, column)]; }
-    void colour(int row, int column, std::int32_t value) { colours_[at(row, column)] = value; }
+    /// Nothing of a trail is left in a cell that gets a colour.
+    void colour(int row, int column, std::int32_t value) {
+        colours_[at(row, column)] = value;
+        trail_[at(row, column)] = noTrail;
+    }
+    /// How far the live point's trail has faded in a cell whose colour is its paint, by trailStep().
+    int trail(int row, int column) const { return trail_[at(row, column)]; }
+    void trail(int row, int column, int step) { trail_[at(row, column)] = step; }
 
  private:
     /// With the header line.
@@ -47,6 +56,7 @@ class TableGrid {
     int columns_ = 0;
     std::vector<std::string> texts_{std::string{}};
     std::vector<std::int32_t> colours_{white};
+    std::vector<int> trail_{noTrail};
 };
 
 }  // namespace zentaq

@@ -43,6 +43,8 @@ void CellBox::bringBack(const std::string& text) {
 }
 
 void CellBox::place(GridCell at) {
+    const QFont wanted = valueFont(inputSize * grid_.growth());
+    if (font().pointSizeF() != wanted.pointSizeF()) setFont(wanted);
     const QRect cell = grid_.cellRect(at.row, at.column);
     // Larger than its cell, so that the digits are; it grows to the left and to both sides in height, and
     // stays in sight at the edges of the grid.

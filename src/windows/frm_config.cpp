@@ -3,15 +3,21 @@
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <QShortcut>
+#include <QTabBar>
+#include <QTreeWidgetItemIterator>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <map>
 #include <utility>
 
 #include "base/number_text.h"
 #include "config/tree.h"
+#include "qt/icons.h"
 #include "qt/look.h"
 #include "qt/plain_label.h"
 #include "qt/qt_text.h"
+#include "windows/table_view.h"
 #include "windows/window_registry.h"
 
 namespace zentaq {
@@ -22,6 +28,22 @@ constexpr int keyRole = Qt::UserRole;
 constexpr int helpRole = Qt::UserRole + 1;
 constexpr int startTab = 0;
 constexpr int pageTab = 1;
+constexpr int treeLetters = 24;
+constexpr int mostTree = 30;     ///< percent of the width, for the tree
+constexpr int rowsInSight = 16;  ///< of a table, whatever else there is
+constexpr int barLines = 2;      ///< of text: the height of a table's tool bar
+
+/// At which no name is cut, with the bar that scrolls them.
+int widthOfNames(QTreeWidget& tree) {
+    const QFontMetrics metrics = tree.fontMetrics();
+    int widest = 0;
+    for (QTreeWidgetItemIterator at(&tree); *at != nullptr; ++at) {
+        int indents = 1;
+        for (const QTreeWidgetItem* item = *at; item != nullptr; item = item->parent()) ++indents;
+        widest = std::max(widest, metrics.horizontalAdvance((*at)->text(0)) + indents * tree.indentation());
+    }
+    return widest + tree.style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+}
 
 QLabel* textLabel(const char* name, QWidget* parent) {
     QLabel* label = plainLines(name, {}, parent);
@@ -32,7 +54,11 @@ QLabel* textLabel(const char* name, QWidget* parent) {
 }  // namespace
 
 FrmConfig::FrmConfig(Session& session, MainCommands& commands, QWidget* parent)
-    : QWidget(parent), Form(this), session_(session), commands_(commands) {
+    : QWidget(parent),
+      Form(this),
+      session_(session),
+      commands_(commands),
+      treeFold_(session.settings(), "foldTree") {
     named(this, qString(window::config), "Configuration");
 
     treeZentaq_ = named(new QTreeWidget(this), "treeZentaq", "Configuration tree");
@@ -46,25 +72,44 @@ FrmConfig::FrmConfig(Session& session, MainCommands& commands, QWidget* parent)
     sstMenu_->addTab(makeStartTab(), "Start");
     sstMenu_->addTab(makePageTab(), "Calibration");
 
-    auto* beside = named(new QSplitter(Qt::Horizontal, this), "splTree");
-    beside->addWidget(treeZentaq_);
-    beside->addWidget(sstMenu_);
-    beside->setStretchFactor(1, 1);
-    const int letter = fontMetrics().averageCharWidth();
-    beside->setSizes({letter * 32, letter * 120});
+    sstMenu_->setCornerWidget(makeFoldTree(), Qt::TopLeftCorner);
 
-    auto* below = named(new QSplitter(Qt::Vertical, this), "splConsole");
-    below->addWidget(beside);
-    below->addWidget(makeBottom());
-    below->setStretchFactor(0, 1);
-    below->setCollapsible(0, false);
+    splTree_ = new KeptSplitter(
+        Qt::Horizontal, "splTree", session.settings(),
+        [this](int length) {
+            const int least = fontMetrics().averageCharWidth() * treeLetters;
+            const int tree = std::min(std::max(widthOfNames(*treeZentaq_), least), length * mostTree / 100);
+            return QList<int>{tree, length - tree};
+        },
+        this);
+    splTree_->addWidget(treeZentaq_);
+    splTree_->addWidget(sstMenu_);
+
+    makeBottom();
     // The consoles begin as low as the link panel allows; the rest belongs to the pages and tables.
-    const int bottomHeight = fraComm_->minimumSizeHint().height();
-    below->setSizes({bottomHeight * 10, bottomHeight});
+    splConsole_ = new KeptSplitter(
+        Qt::Vertical, "splConsole", session.settings(),
+        [this](int length) {
+            const int below = bottom_->openHeight();
+            return QList<int>{std::max(1, length - below), below};
+        },
+        this);
+    splConsole_->addWidget(splTree_);
+    splConsole_->addWidget(bottom_);
+    connect(bottom_, &ConfigBottom::foldChanged, this, [this] {
+        splConsole_->handle(1)->setEnabled(!bottom_->folded());
+        splConsole_->shareOut();
+    });
+    splConsole_->handle(1)->setEnabled(!bottom_->folded());
+    foldTree();
+    connect(new QShortcut(QKeySequence(Qt::Key_F9), this), &QShortcut::activated, bottom_,
+            &ConfigBottom::toggle);
+    connect(new QShortcut(QKeySequence(Qt::SHIFT | Qt::Key_F9), this), &QShortcut::activated, this,
+            &FrmConfig::toggleTree);
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(below);
+    layout->addWidget(splConsole_);
     dock_ = std::make_unique<Dock>(*sstMenu_, session.settings());
     selectStartTab();
 }
@@ -98,23 +143,58 @@ QWidget* FrmConfig::makePageTab() {
     return tab;
 }
 
-QWidget* FrmConfig::makeBottom() {
-    lstLog_ = new ConsoleView(QStringLiteral("lstLog"), "System console", session_.console.lines(), this);
-    lstCommInfo_ = new ConsoleView(QStringLiteral("lstCommInfo"), "Communication console",
-                                   session_.console.commLines(), this);
-    fraComm_ = new LinkPanel([this] { return session_.platform().port.list(); }, this);
-    refreshPorts();
-    connect(fraComm_, &LinkPanel::autoDetectAsked, this, &FrmConfig::autoDetect);
-    connect(fraComm_, &LinkPanel::portChosen, this, &FrmConfig::choosePort);
+QWidget* FrmConfig::makeFoldTree() {
+    cmdFoldTree_ = named(new QToolButton(this), "cmdFoldTree");
+    cmdFoldTree_->setAutoRaise(true);
+    cmdFoldTree_->setFocusPolicy(Qt::TabFocus);
+    connect(cmdFoldTree_, &QToolButton::clicked, this, &FrmConfig::toggleTree);
+    return cmdFoldTree_;
+}
 
-    auto* bottom = named(new QSplitter(Qt::Horizontal, this), "splBottom");
-    bottom->addWidget(lstLog_);
-    bottom->addWidget(lstCommInfo_);
-    bottom->addWidget(fraComm_);
-    const int letter = fontMetrics().averageCharWidth();
-    bottom->setSizes({letter * 96, letter * 20, letter * 56});
-    bottom->setStretchFactor(0, 1);
-    return bottom;
+void FrmConfig::makeBottom() {
+    bottom_ = new ConfigBottom(session_, this);
+    refreshPorts();
+    connect(&bottom_->link(), &LinkPanel::autoDetectAsked, this, &FrmConfig::autoDetect);
+    connect(&bottom_->link(), &LinkPanel::portChosen, this, &FrmConfig::choosePort);
+}
+
+// ---- Folding
+
+void FrmConfig::measureRoom() {
+    const int bar = sstMenu_->tabBar()->sizeHint().height() + barLines * fontMetrics().height();
+    const int table = bar + TableGridView::leastHeight(rowsInSight) + splConsole_->handleWidth();
+    bottom_->roomShort(height() < table + bottom_->openHeight());
+}
+
+void FrmConfig::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    measureRoom();
+}
+
+void FrmConfig::foldTree() {
+    const bool fold = treeFold_.folded();
+    if (fold && treeZentaq_->hasFocus()) cmdFoldTree_->setFocus();
+    treeZentaq_->setVisible(!fold);
+    const QString meaning = fold ? "Open the tree" : "Fold the tree";
+    cmdFoldTree_->setIcon(icon(fold ? "Forward" : "Back"));
+    cmdFoldTree_->setAccessibleName(meaning);
+    cmdFoldTree_->setToolTip(meaning + " (Shift+F9)");
+    splTree_->shareOut();
+}
+
+void FrmConfig::toggleTree() {
+    treeFold_.toggle();
+    foldTree();
+}
+
+void FrmConfig::restoreLayout() {
+    treeFold_.toDefault();
+    foldTree();
+    bottom_->toDefault();
+}
+
+void FrmConfig::focusTree() {
+    treeZentaq_->isHidden() ? cmdFoldTree_->setFocus() : treeZentaq_->setFocus();
 }
 
 void FrmConfig::showStartTab() {
@@ -144,12 +224,14 @@ void FrmConfig::fillTree() {
             QTreeWidgetItem* item = parent == items.end() ? new QTreeWidgetItem(treeZentaq_)
                                                           : new QTreeWidgetItem(parent->second);
             item->setText(0, shownString(node.text));
+            item->setToolTip(0, plainTip(item->text(0)));
             item->setData(0, keyRole, QString::fromStdString(node.key));
             item->setData(0, helpRole, QString::fromStdString(node.help));
             items[node.key] = item;
         }
     }
     treeZentaq_->expandAll();
+    splTree_->shareOut();
     if (items.empty()) return;
     treeZentaq_->setCurrentItem(treeZentaq_->topLevelItem(0));
     sstMenu_->setTabVisible(pageTab, true);
@@ -211,11 +293,10 @@ void FrmConfig::takeFocusIfFree() {
 void FrmConfig::follow() {
     const std::uint64_t console = session_.console.changes();
     if (std::exchange(consoleSeen_, console) != console) {
-        lstLog_->sync();
-        lstCommInfo_->sync();
+        bottom_->sync();
     }
     const LinkStatus& status = session_.linkDisplay.status();
-    if (std::exchange(linkSeen_, status.changes) != status.changes) fraComm_->render(status);
+    if (std::exchange(linkSeen_, status.changes) != status.changes) bottom_->render(status);
 }
 
 void FrmConfig::windowClosed() {
@@ -234,16 +315,16 @@ QString FrmConfig::helpKey() const {
 void FrmConfig::autoDetect() {
     // A control that is switched off hands its keyboard to the next one, which may be a field of a table.
     const QPointer<QWidget> inHand = QApplication::focusWidget();
-    fraComm_->setEnabled(false);
-    treeZentaq_->setFocus();
+    bottom_->link().setEnabled(false);
+    focusTree();
     commands_.unit.autodetectPort();
-    fraComm_->setEnabled(true);
+    bottom_->link().setEnabled(true);
     if (inHand != nullptr && inHand->isVisible()) inHand->setFocus();
     refreshPorts();
 }
 
 void FrmConfig::choosePort(int number) {
-    commands_.unit.choosePort(number, fraComm_->ports().selectedIdentity());
+    commands_.unit.choosePort(number, bottom_->link().ports().selectedIdentity());
     // Refused while a transfer runs, or not to be opened: the list shows the port in use.
     refreshPorts();
 }
@@ -251,8 +332,8 @@ void FrmConfig::choosePort(int number) {
 void FrmConfig::refreshPorts() {
     const LinkStatus& status = session_.linkDisplay.status();
     const bool opened = !status.port.empty();
-    fraComm_->ports().fill(opened ? static_cast<int>(numberOf(status.port)) : session_.link.commPort(),
-                           opened ? status.portIdentity : session_.link.commIdentity());
+    bottom_->link().ports().fill(opened ? static_cast<int>(numberOf(status.port)) : session_.link.commPort(),
+                                 opened ? status.portIdentity : session_.link.commIdentity());
 }
 
 template <>

@@ -3,18 +3,18 @@
 #pragma once
 
 #include <QLabel>
-#include <QSplitter>
 #include <QTabWidget>
+#include <QToolButton>
 #include <QTreeWidget>
 #include <QWidget>
 #include <memory>
 
+#include "app/fold.h"
 #include "app/main_commands.h"
 #include "app/session.h"
 #include "windows/dock.h"
 #include "windows/form.h"
-#include "windows/frm_config_console.h"
-#include "windows/frm_config_link_panel.h"
+#include "windows/frm_config_bottom.h"
 #include "windows/frm_config_page_view.h"
 #include "windows/start_page.h"
 
@@ -36,10 +36,14 @@ class FrmConfig : public QWidget, public Form {
     void showUnit() override;
     void sensorsChanged() override { showUnit(); }
     void onFlyChanged(bool on) override;
-    void showCommList(bool on) override { lstCommInfo_->setVisible(on); }
+    void showCommList(bool on) override { bottom_->showCommList(on); }
     void showTip(const std::string& text) override;
+    /// Everything open.
+    void restoreLayout() override;
 
-    void focusTree() { treeZentaq_->setFocus(); }
+    /// The tree, or what opens it again.
+    void focusTree();
+    void toggleTree();
     /// A control that the user has chosen keeps the keyboard if it is still there.
     void takeFocusIfFree();
 
@@ -53,6 +57,9 @@ class FrmConfig : public QWidget, public Form {
     /// A button of the start page stands for this entry of the menu.
     void entryAsked(const char* entry);
 
+ protected:
+    void resizeEvent(QResizeEvent* event) override;
+
  private:
     void selectStartTab();
     void fillTree();
@@ -61,7 +68,11 @@ class FrmConfig : public QWidget, public Form {
     QWidget* makeStartTab();
     void showStartPage();
     QWidget* makePageTab();
-    QWidget* makeBottom();
+    QWidget* makeFoldTree();
+    void makeBottom();
+    void foldTree();
+    /// Whether sixteen rows of a table stand above what is open at the bottom.
+    void measureRoom();
     void treeClicked(const QTreeWidgetItem* item);
     void showPage(int page, const QString& title);
     void showRows();
@@ -75,9 +86,11 @@ class FrmConfig : public QWidget, public Form {
     StartPage* startPage_ = nullptr;
     QLabel* lblPageTitle_ = nullptr;
     PageView* pageView_ = nullptr;
-    ConsoleView* lstLog_ = nullptr;
-    ConsoleView* lstCommInfo_ = nullptr;
-    LinkPanel* fraComm_ = nullptr;
+    KeptSplitter* splTree_ = nullptr;
+    KeptSplitter* splConsole_ = nullptr;
+    ConfigBottom* bottom_ = nullptr;
+    QToolButton* cmdFoldTree_ = nullptr;
+    Fold treeFold_;
     std::unique_ptr<Dock> dock_;
     std::uint64_t consoleSeen_ = 0;
     std::uint64_t linkSeen_ = 0;

@@ -12,6 +12,7 @@
 #include "qt/look.h"
 #include "qt/plain_label.h"
 #include "qt/qt_text.h"
+#include "windows/link_lamp.h"
 
 namespace zentaq {
 
@@ -68,19 +69,6 @@ QColor iconColor(LinkImage image, const LookColors& colors) {
     return colors.text;
 }
 
-/// At rest a lamp has the colour of a button's face.
-void light(QLabel* lamp, bool on, const QColor& color, const QString& meaning, const QString& lit) {
-    QPalette palette = lamp->parentWidget()->palette();
-    if (on) {
-        palette.setColor(QPalette::Window, color);
-        palette.setColor(QPalette::WindowText, lookColors(appliedLook(*qApp)).lampText);
-    } else {
-        palette.setColor(QPalette::Window, palette.color(QPalette::Button));
-    }
-    if (lamp->palette() != palette) lamp->setPalette(palette);
-    lamp->setAccessibleDescription(on ? lit : meaning);
-}
-
 }  // namespace
 
 PortCombo::PortCombo(std::function<std::vector<PortInfo>()> ports, QWidget* parent)
@@ -110,6 +98,7 @@ void PortCombo::fill(int selected, const std::string& identity) {
     if (place < 0) add(numberTold_ + "  (not present)", selected, identity);
     setCurrentIndex(place < 0 ? count() - 1 : place);
     if (place >= 0) numberTold_ = QString::number(selectedNumber());
+    setToolTip(plainTip(currentText()));
     quiet.unblock();
     Q_EMIT filled();
 }
@@ -139,8 +128,8 @@ LinkPanel::LinkPanel(std::function<std::vector<PortInfo>()> ports, QWidget* pare
     activity_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     activity_->setMinimumWidth(
         activity_->fontMetrics().horizontalAdvance(QStringLiteral("{Transfer ONFLY} ")));
-    send_ = makeLamp("lblComm_Send_Icon", "TX", "Send lamp");
-    receive_ = makeLamp("lblComm_Rcv_Icon", "RX", "Receive lamp");
+    send_ = makeLinkLamp("lblComm_Send_Icon", "TX", "Send lamp", this);
+    receive_ = makeLinkLamp("lblComm_Rcv_Icon", "RX", "Receive lamp", this);
 
     auto* grid = new QGridLayout(this);
     const int gap = fontMetrics().height() / 4;
@@ -183,18 +172,6 @@ QLabel* LinkPanel::makeLabel(const char* name, const QString& meaning) {
     label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     label->setMinimumHeight(label->fontMetrics().height());
     return label;
-}
-
-QLabel* LinkPanel::makeLamp(const char* name, const QString& text, const QString& meaning) {
-    QLabel* lamp = makeLabel(name, meaning);
-    lamp->setText(text);
-    lamp->setToolTip(meaning);
-    lamp->setAlignment(Qt::AlignCenter);
-    lamp->setAutoFillBackground(true);
-    lamp->setFrameShape(QFrame::Box);
-    lamp->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    lamp->setMinimumWidth(lamp->fontMetrics().horizontalAdvance(QStringLiteral("MMM")));
-    return lamp;
 }
 
 QWidget* LinkPanel::makeFacts() {
@@ -277,9 +254,9 @@ void LinkPanel::render(const LinkStatus& status) {
     const std::string more = status.trouble.empty() ? "" : '\n' + status.line2;
     line2_->setToolTip(plainTip(line2_->text() + shownStringOfLines(more)));
     setText(activity_, status.activity);
-    light(send_, status.send == Lamp::Sending, lookColors(appliedLook(*qApp)).sendLamp, "at rest", "sending");
-    light(receive_, status.receive == Lamp::Received, lookColors(appliedLook(*qApp)).receiveLamp, "at rest",
-          "received");
+    const LookColors colors = lookColors(appliedLook(*qApp));
+    light(*send_, status.send == Lamp::Sending, colors.sendLamp, "sending");
+    light(*receive_, status.receive == Lamp::Received, colors.receiveLamp, "received");
     showPortNumber();
     setText(unit_, status.unitLabel);
     setText(serial_, status.serialNumber);

@@ -62,7 +62,6 @@ class LinkPanel : public QFrame {
 
  private:
     QLabel* makeLabel(const char* name, const QString& meaning);
-    QLabel* makeLamp(const char* name, const QString& text, const QString& meaning);
     QWidget* makeFacts();
     QWidget* makePortRow(std::function<std::vector<PortInfo>()> ports);
     QWidget* makeProgress();

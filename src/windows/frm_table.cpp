@@ -15,6 +15,7 @@
 #include "qt/look.h"
 #include "qt/named.h"
 #include "qt/qt_text.h"
+#include "tables/table_badges.h"
 #include "windows/frm_config.h"
 #include "windows/window_registry.h"
 
@@ -161,9 +162,9 @@ void FrmTable::sizeColumns() {
 
 void FrmTable::showAll() {
     const QString title = QString::fromStdString(model_->sheet().title());
-    Toolbar1_->setTitle(title);
     setWindowTitle(docked_ ? QString() : title);
     Grid1_->setAccessibleName(title);
+    Grid1_->nameAxes(qString(cornerOf(model_->sheet())), qString(axesInWords(model_->sheet())));
     Grid1_->cells().refresh();
     showTimes();
     showItems();
@@ -195,6 +196,7 @@ void FrmTable::Load_Command(int command) {
 void FrmTable::setMode(DisplayMode mode) {
     Grid1_->setMode(mode);
     txtInputValue_->setMode(mode);
+    Toolbar1_->setMode(mode);
 }
 
 void FrmTable::followLook() {
@@ -432,6 +434,8 @@ void FrmTable::drawLive() {
     ++redraws_;
     const std::vector<GridCell> cells = std::exchange(dirtyCells_, {});
     const GridCell* last = nullptr;
+    for (const GridCell& cell : model_->overlay().takeFaded())
+        Grid1_->cells().refreshCell(cell.row, cell.column);
     for (const GridCell& cell : cells) {
         if (last == nullptr || !(cell == *last)) Grid1_->cells().refreshCell(cell.row, cell.column);
         last = &cell;
@@ -440,6 +444,7 @@ void FrmTable::drawLive() {
     Grid1_->placeMarker(marker.visible, marker.row, marker.column);
     showCursor();
     Toolbar1_->showReading(model_->sheet().kind(), session_.live);
+    Toolbar1_->showBadges(badgesOf(*model_));
 }
 
 /// Its parent is the workspace.

@@ -21,9 +21,10 @@ void FrmTable::makeToolbar() {
     };
     constexpr auto overlay = "Overlay";
     constexpr auto view = "View";
-    Toolbar1_->add({"Home", "Home", "Show the values with the lowest row at the bottom"},
+    Toolbar1_->add({"Home", "Home", "Show the values with the lowest row at the bottom", false, "Home"},
                    rebuild(&TableModel::home));
-    Toolbar1_->add({"Save", "Save", "Write the grid back to the calibration"}, run([this] { saveGrid(); }));
+    Toolbar1_->add({"Save", "Save", "Write the grid back to the calibration", false, "Save"},
+                   run([this] { saveGrid(); }));
     Toolbar1_->add({"Colors", "Turn Overlay OFF"}, run([this] { toggleColors(); }), overlay);
     Toolbar1_->add({"ColorsNorm", "Normal Colors", "", true}, run([this] { setColourMode(0); }), overlay);
     Toolbar1_->add({"ColorsAFR", "AFR Colors", "", true}, run([this] { setColourMode(1); }), overlay);
@@ -35,17 +36,18 @@ void FrmTable::makeToolbar() {
                    view);
     Toolbar1_->add({"Absolute", "Absolute VE (Shift+A)", "", true}, rebuild(&TableModel::toggleAbsolute),
                    view);
-    Toolbar1_->add({"Invert", "Invert Rows", "", true}, rebuild(&TableModel::invert), view);
-    Toolbar1_->add({"Graph", "Graph"}, {}, view);
-    Toolbar1_->add({"AutoVE", "AutoVE"}, {}, view);
+    Toolbar1_->add({"Invert", "Invert Rows", "", true, "Invert"}, rebuild(&TableModel::invert), view);
+    Toolbar1_->add({"Graph", "Graph", "", false, "Graph"}, {}, view);
+    Toolbar1_->add({"AutoVE", "AutoVE", "", false, "AutoVE"}, {}, view);
     Toolbar1_->addSeparatorTo(view);
-    Toolbar1_->add({"Reset", "Reset"}, rebuild(&TableModel::reset), view);
-    Toolbar1_->add({"Discard", "Discard Changes"}, run([this] { discard(); }), view);
-    Toolbar1_->add({"Manage", "Manage"}, {});
-    Toolbar1_->add({"Print", "Print"}, {});
-    Toolbar1_->add({"Docking", "Undock        ", "Inside the main window, or a window of its own"},
-                   run([this] { toggleDocking(); }));
-    Toolbar1_->add({"Close", "Close", "Close the table (Shift+X)"}, run([this] { close(); }));
+    Toolbar1_->add({"Reset", "Reset", "", false, "Reset"}, rebuild(&TableModel::reset), view);
+    Toolbar1_->add({"Discard", "Discard Changes", "", false, "Discard"}, run([this] { discard(); }), view);
+    Toolbar1_->add({"Manage", "Manage", "", false, "Manage"}, {});
+    Toolbar1_->add({"Print", "Print", "", false, "Print"}, {});
+    Toolbar1_->add(
+        {"Docking", "Undock        ", "Inside the main window, or a window of its own", false, "Undock"},
+        run([this] { toggleDocking(); }));
+    Toolbar1_->add({"Close", "Close", "Close the table (Shift+X)", false, "Close"}, run([this] { close(); }));
     Toolbar1_->addFields();
 }
 

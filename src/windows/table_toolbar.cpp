@@ -1,13 +1,16 @@
 #include "windows/table_toolbar.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
-#include <QToolButton>
+#include <algorithm>
+#include <utility>
 
 #include "base/number_text.h"
 #include "qt/help_key.h"
-#include "qt/look.h"
-#include "qt/named.h"
+#include "qt/icons.h"
+#include "qt/plain_label.h"
 #include "qt/qt_text.h"
+#include "qt/wrap_layout.h"
 #include "unit/parameter_names.h"
 #include "windows/cell_box.h"
 
@@ -16,42 +19,77 @@ namespace {
 
 constexpr auto dockCaption = "Dock          ";
 constexpr auto undockCaption = "Undock        ";
+constexpr auto widestReading = "Table Adv";
 
 }  // namespace
 
-TableToolbar::TableToolbar(QWidget* parent) : QToolBar("Table commands", parent) {
-    setObjectName("Toolbar1");
-    setToolButtonStyle(Qt::ToolButtonTextOnly);
-    lblTitle_ = named(new QLabel(this), "lblTitle");
-    QFont bold = lblTitle_->font();
-    bold.setBold(true);
-    lblTitle_->setFont(bold);
-    lblTitle_->setContentsMargins(margins(fontMetrics(), Space::Normal, Space::None));
-    addWidget(lblTitle_);
+TableToolbar::TableToolbar(QWidget* parent) : QWidget(parent) {
+    named(this, "Toolbar1", "Table");
+    auto* row = new WrapLayout(this);
+    row->setContentsMargins(margins(fontMetrics(), Space::Tight, Space::Line));
+    row->setSpacing(space(fontMetrics(), Space::Line));
+    lblView_ = makeBadge("lblView", "What the cells show", viewBadges);
+    lblCursor_ = makeBadge("lblCursor", "Whether the cursor follows the engine; Shift+O changes it",
+                           std::array{followBadge, holdBadge});
 }
 
 // ---- Making
 
+QLabel* TableToolbar::makeBadge(const char* name, const QString& meaning,
+                                std::span<const std::string_view> texts) {
+    QLabel* badge = plainLabel(name, meaning, this);
+    badge->setFont(typeFont(Type::Badge));
+    badge->setToolTip(plainTip(meaning));
+    badge->setAlignment(Qt::AlignCenter);
+    badge->setAutoFillBackground(true);
+    badge->setMargin(space(fontMetrics(), Space::Tight));
+    int widest = 0;
+    for (const std::string_view text : texts) {
+        widest = std::max(widest, badge->fontMetrics().horizontalAdvance(qString(text)));
+    }
+    badge->setFixedWidth(widest + 2 * space(fontMetrics(), Space::Tight) + 2);
+    layout()->addWidget(badge);
+    return badge;
+}
+
+QToolButton* TableToolbar::makeButton(const QString& name, const QString& iconName) {
+    auto* button = named(new QToolButton(this), "Toolbar1_" + name, name);
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::TabFocus);
+    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    button->setIcon(icon(iconName));
+    const int size = fontMetrics().height();
+    button->setIconSize({size, size});
+    buttons_.push_back(button);
+    layout()->addWidget(button);
+    return button;
+}
+
 QMenu* TableToolbar::menu(const char* name) {
     QMenu*& made = menus_[name];
     if (made != nullptr) return made;
-    auto* button = named(new QToolButton(this), name);
+    QToolButton* button = makeButton(name, name);
     button->setText(name);
+    button->setToolTip(name);
     button->setPopupMode(QToolButton::InstantPopup);
-    made = new QMenu(button);
+    made = named(new QMenu(button), QStringLiteral("mnu") + name, name);
     button->setMenu(made);
-    addWidget(button);
     return made;
 }
 
 void TableToolbar::add(const Item& item, std::function<void(const QString& caption)> run,
                        const char* menuName) {
     const QString caption = item.caption;
-    QAction* action = menuName == nullptr ? addAction(caption) : menu(menuName)->addAction(caption);
-    action->setObjectName(item.key);
+    auto* action = named(new QAction(caption, this), item.key);
+    if (*item.icon != '\0') action->setIcon(icon(item.icon));
     action->setCheckable(item.checkable);
     if (*item.tip != '\0') action->setToolTip(item.tip);
     action->setEnabled(static_cast<bool>(run));
+    if (menuName == nullptr) {
+        makeButton(item.key, item.icon)->setDefaultAction(action);
+    } else {
+        menu(menuName)->addAction(action);
+    }
     if (run) connect(action, &QAction::triggered, this, [run = std::move(run), caption] { run(caption); });
     actions_[item.key] = action;
 }
@@ -70,8 +108,10 @@ QLineEdit* TableToolbar::makeTimeField(const char* name, const char* member, con
 
 void TableToolbar::addFields() {
     auto* fields = new QWidget(this);
+    fields_ = fields;
     auto* row = new QHBoxLayout(fields);
-    row->setContentsMargins(margins(fontMetrics(), Space::Normal, Space::None));
+    row->setContentsMargins(margins(fontMetrics(), Space::Tight, Space::None));
+    row->setSpacing(space(fontMetrics(), Space::Tight));
     const auto label = [&](const QString& name, const QString& text) {
         auto* made = named(new QLabel(text, fields), name);
         row->addWidget(made);
@@ -87,12 +127,74 @@ void TableToolbar::addFields() {
     lblDspTableVal_ = label("lblDspTableVal", {});
     lblDspTableVal_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     lblDspTableVal_->setMinimumWidth(digitsWidth(lblDspTableVal_->fontMetrics(), 5));
-    row->addStretch(1);
-    fields->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    addWidget(fields);
+    lblDspTableVal_->setFont(typeFont(Type::Strong));
+    for (QWidget* field :
+         std::initializer_list<QWidget*>{lblTOG_, txtTOG_, lblIOT_, txtIOT_, lblDspTable_, lblDspTableVal_}) {
+        // What a table lacks keeps its place: the others stay where they are.
+        QSizePolicy policy = field->sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        field->setSizePolicy(policy);
+    }
+    lblDspTable_->setMinimumWidth(lblDspTable_->fontMetrics().horizontalAdvance(widestReading));
+    layout()->addWidget(fields);
+    fit();
+}
+
+// ---- Room
+
+void TableToolbar::apply(Captions captions) {
+    captions_ = captions;
+    constexpr std::size_t firstButtons = 4;
+    for (std::size_t i = 0; i < buttons_.size(); ++i) {
+        const bool shown =
+            captions == Captions::All || (captions == Captions::OfTheFirst && i < firstButtons);
+        const auto style = shown ? Qt::ToolButtonTextBesideIcon : Qt::ToolButtonIconOnly;
+        if (buttons_[i]->toolButtonStyle() != style) buttons_[i]->setToolButtonStyle(style);
+    }
+}
+
+void TableToolbar::fit() {
+    if (fields_ == nullptr) return;
+    for (const Captions captions : {Captions::All, Captions::OfTheFirst, Captions::None}) {
+        apply(captions);
+        if (layout()->sizeHint().width() <= width()) break;
+    }
+    layout()->invalidate();
+    updateGeometry();
+}
+
+void TableToolbar::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    if (event->size().width() != event->oldSize().width()) fit();
+}
+
+void TableToolbar::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::FontChange) fit();
 }
 
 // ---- Showing
+
+void TableToolbar::setMode(DisplayMode mode) {
+    mode_ = mode;
+    const TableBadges shown = std::exchange(badges_, {});
+    if (!shown.view.empty()) showBadges(shown);
+}
+
+void TableToolbar::showBadges(const TableBadges& badges) {
+    if (badges == badges_) return;
+    badges_ = badges;
+    const LookColors look = lookColors(mode_);
+    const auto show = [&](QLabel& badge, std::string_view text, bool plain) {
+        badge.setText(qString(text));
+        QPalette palette = badge.palette();
+        palette.setColor(QPalette::Window, plain ? look.badge : look.warningBadge);
+        palette.setColor(QPalette::WindowText, plain ? look.badgeText : look.warningBadgeText);
+        badge.setPalette(palette);
+    };
+    show(*lblView_, badges.view, badges.asStored);
+    show(*lblCursor_, badges.cursor, badges.follows);
+}
 
 void TableToolbar::showItems(TableModel& model, bool docked) {
     const ToolbarItems items = model.toolbarItems();
@@ -115,6 +217,8 @@ void TableToolbar::showItems(TableModel& model, bool docked) {
     action("ColorsNorm")->setChecked(colours == TableColour::Normal);
     action("ColorsAFR")->setChecked(colours == TableColour::Afr);
     action("Docking")->setText(docked ? undockCaption : dockCaption);
+    action("Docking")->setIcon(icon(docked ? "Undock" : "Dock"));
+    showBadges(badgesOf(model));
     lblDspTable_->setText(qString(items.displayCaption));
     lblDspTable_->setVisible(!items.displayCaption.empty());
     lblDspTableVal_->setVisible(!items.displayCaption.empty());

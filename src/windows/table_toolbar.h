@@ -1,19 +1,25 @@
-// The toolbar of a table window: its commands, the two times beside the grid and the live reading.
+// The toolbar of a table window: which view is in force and who moves the cursor, its commands, the two times
+// beside the grid and the live reading. Where there is little room its buttons lose their captions, and what
+// does not fit stands in a second line. Nothing in it moves when captions or states change.
 #pragma once
 
-#include "tables/table_model.h"
+#include "qt/look.h"
+#include "tables/table_badges.h"
 
 #include <QAction>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
-#include <QToolBar>
+#include <QToolButton>
+#include <QWidget>
+#include <array>
 #include <functional>
 #include <map>
+#include <vector>
 
 namespace zentaq {
 
-class TableToolbar : public QToolBar {
+class TableToolbar : public QWidget {
     Q_OBJECT
 
  public:
@@ -24,11 +30,12 @@ class TableToolbar : public QToolBar {
         const char* caption;
         const char* tip = "";
         bool checkable = false;
+        const char* icon = "";
     };
     /// A button, or an item of the menu behind a button of that name. Without a command it comes with a later
     /// release.
     void add(const Item& item, std::function<void(const QString& caption)> run, const char* menu = nullptr);
-    void addSeparatorTo(const char* menu) { menus_.at(menu)->addSeparator(); }
+    void addSeparatorTo(const char* menuName) { menus_.at(menuName)->addSeparator(); }
     /// Behind the last button: txtTOG, txtIOT and the live reading.
     void addFields();
 
@@ -36,17 +43,35 @@ class TableToolbar : public QToolBar {
     QLineEdit* injectorOn() const { return txtIOT_; }
     QAction* action(const QString& key) const { return actions_.at(key); }
 
-    void setTitle(const QString& title) { lblTitle_->setText(title); }
+    void setMode(DisplayMode mode);
+    void showBadges(const TableBadges& badges);
     /// Which items are shown, enabled and checked.
     void showItems(TableModel& model, bool docked);
     /// The live value of the table.
     void showReading(const TableKind& table, const LiveValues& live);
 
+ protected:
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
  private:
+    /// How many buttons show their caption.
+    enum class Captions { All, OfTheFirst, None };
+
+    QToolButton* makeButton(const QString& name, const QString& icon);
+    QLabel* makeBadge(const char* name, const QString& meaning, std::span<const std::string_view> texts);
+    void fit();
+    void apply(Captions captions);
     QLineEdit* makeTimeField(const char* name, const char* member, const char* helpKey);
     QMenu* menu(const char* name);
 
-    QLabel* lblTitle_ = nullptr;
+    std::vector<QToolButton*> buttons_;
+    Captions captions_ = Captions::All;
+    DisplayMode mode_ = DisplayMode::Day;
+    TableBadges badges_;
+    QLabel* lblView_ = nullptr;
+    QLabel* lblCursor_ = nullptr;
+    QWidget* fields_ = nullptr;
     QLabel* lblDspTable_ = nullptr;
     QLabel* lblDspTableVal_ = nullptr;
     QLabel* lblTOG_ = nullptr;

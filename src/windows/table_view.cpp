@@ -2,14 +2,15 @@
 
 #include <QHeaderView>
 #include <QMouseEvent>
-#include <QPaintEvent>
-#include <QPainter>
+#include <QScopedValueRollback>
+#include <QScrollBar>
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
-#include "qt/colour_swatch.h"
-#include "qt/contrast.h"
-#include "qt/named.h"
+#include "qt/qt_text.h"
+#include "tables/cell_ground.h"
+#include "windows/table_cell_painter.h"
 
 namespace zentaq {
 namespace {
@@ -19,45 +20,27 @@ constexpr int columnSlack = 120 / twipsPerPixel;
 constexpr int gridSlack = 200 / twipsPerPixel;
 constexpr int fixedColumns = 17;
 constexpr double tallestRow = 1.7;  // line heights
+/// Digits of the largest size against the base font, and the step in which they grow.
+constexpr double largestGrowth = 1.8;
+constexpr double growthStep = 0.05;
+/// A column may be so many times as wide as its widest text needs.
+constexpr double widestColumn = 1.6;
 
-int mixed(int from, int to, double share) {
-    return static_cast<int>(std::lround(from + (to - from) * share));
+/// Sixteen of them and the headers must stand below the dashboard of a small screen.
+int leastRow(const QFontMetrics& metrics) {
+    return metrics.height();
 }
 
-QColor blend(const QColor& from, const QColor& to, double share) {
-    return {mixed(from.red(), to.red(), share), mixed(from.green(), to.green(), share),
-            mixed(from.blue(), to.blue(), share)};
+QFont digitsFont(double growth) {
+    QFont font = baseFont();
+    font.setPointSizeF(font.pointSizeF() * growth);
+    return font;
 }
 
-/// Paints a cell in its own colour; a selected one is tinted, the current one framed, so that colours stay in
-/// sight.
-class CellPainter : public QStyledItemDelegate {
- public:
-    CellPainter(const TableGridView& view, const TableGridModel& cells, QObject* parent)
-        : QStyledItemDelegate(parent), view_(view), cells_(cells) {}
-
-    void paint(QPainter* painter, const QStyleOptionViewItem& option,
-               const QModelIndex& index) const override {
-        const LookColors look = lookColors(view_.mode());
-        QColor back = cellColor(cells_.colour(index), view_.mode());
-        if ((option.state & QStyle::State_Selected) != 0) back = blend(back, look.accent, selectedShare);
-        painter->fillRect(option.rect, back);
-        painter->setPen(inkFor(back));
-        painter->setFont(option.font);
-        painter->drawText(option.rect.adjusted(0, 0, -sideGap, 0), Qt::AlignRight | Qt::AlignVCenter,
-                          index.data(Qt::DisplayRole).toString());
-        if (index != view_.currentIndex()) return;
-        painter->setPen(QPen(look.accent, 2));
-        painter->setBrush(Qt::NoBrush);
-        painter->drawRect(option.rect.adjusted(1, 1, -1, -1));
-    }
-
- private:
-    static constexpr double selectedShare = 0.4;
-    static constexpr int sideGap = 4;
-    const TableGridView& view_;
-    const TableGridModel& cells_;
-};
+QFont boldOf(QFont font) {
+    font.setBold(true);
+    return font;
+}
 
 }  // namespace
 
@@ -121,44 +104,9 @@ std::int32_t TableGridModel::colour(const QModelIndex& index) const {
     return grid_->colour(index.row() + 1, index.column() + 1);
 }
 
-QColor cellColor(std::int32_t colour, DisplayMode mode) {
-    const QColor own = colorOfNumber(colour & 0xFFFFFF);
-    if (mode == DisplayMode::Day) return own;
-    const int least = std::min({own.red(), own.green(), own.blue()});
-    const double whiteness = least / 255.0;
-    const QColor dark = lookColors(mode).surface;
-    if (least == 255) return dark;
-    const auto hue = [&](int part) {
-        return static_cast<int>(std::lround((part - least) * 255.0 / (255 - least)));
-    };
-    return blend(QColor(hue(own.red()), hue(own.green()), hue(own.blue())), dark, whiteness);
-}
-
-// ---- Marker
-
-TableMarker::TableMarker(QWidget* parent) : QWidget(parent), color_(lookColors(DisplayMode::Day).liveMarker) {
-    named(this, "TblMarker", "Present point of the engine");
-    setAttribute(Qt::WA_TransparentForMouseEvents);
-    hide();
-}
-
-void TableMarker::setColor(const QColor& color) {
-    color_ = color;
-    update();
-}
-
-void TableMarker::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QPointF middle = QRectF(rect()).center();
-    const double arm = std::min(width(), height()) / 2.0 - 2;
-    // A rim of the other kind keeps the cross in sight on every cell colour.
-    for (const auto& [color, thick] : {std::pair(inkFor(color_), 5.0), std::pair(color_, 2.5)}) {
-        painter.setPen(QPen(color, thick));
-        painter.drawLine(middle - QPointF(arm, 0), middle + QPointF(arm, 0));
-        painter.drawLine(middle - QPointF(0, arm), middle + QPointF(0, arm));
-        painter.drawEllipse(middle, arm * 0.55, arm * 0.55);
-    }
+int TableGridModel::trail(const QModelIndex& index) const {
+    if (grid_ == nullptr || !grid_->hasCell(index.row() + 1, index.column() + 1)) return TableGrid::noTrail;
+    return grid_->trail(index.row() + 1, index.column() + 1);
 }
 
 // ---- View
@@ -166,16 +114,17 @@ void TableMarker::paintEvent(QPaintEvent*) {
 TableGridView::TableGridView(QWidget* parent)
     : QTableView(parent),
       cells_(new TableGridModel(this)),
-      corner_(new QLabel(QStringLiteral("x-axis"), this)),
+      corner_(new QLabel(this)),
       fraDotFrame_(new QFrame(viewport())),
       marker_(new TableMarker(fraDotFrame_)) {
-    // In the corner of the headers: it names the line that begins beside it.
+    // In the corner of the headers, where the lines that it is about begin.
     corner_->setObjectName("Label2");
+    corner_->setTextFormat(Qt::PlainText);
     corner_->setAlignment(Qt::AlignCenter);
     fraDotFrame_->setObjectName("fraDotFrame");
     fraDotFrame_->setAttribute(Qt::WA_TransparentForMouseEvents);
     setModel(cells_);
-    setItemDelegate(new CellPainter(*this, *cells_, this));
+    setItemDelegate(new TableCellPainter(*this));
     setSelectionMode(QAbstractItemView::ContiguousSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setTabKeyNavigation(false);
@@ -194,51 +143,106 @@ TableGridView::TableGridView(QWidget* parent)
 
 void TableGridView::setMode(DisplayMode mode) {
     mode_ = mode;
-    const LookColors look = lookColors(mode);
-    marker_->setColor(look.liveMarker);
-    QPalette colors = palette();
-    colors.setColor(QPalette::Base, look.surface);
-    colors.setColor(QPalette::Text, look.text);
-    colors.setColor(QPalette::Mid, look.border);
-    setPalette(colors);
-    // The inside too: the program's style sheet leaves it the palette of the former mode.
-    viewport()->setPalette(colors);
+    colors_ = lookColors(mode);
+    marker_->setColor(colors_.liveMarker);
+    moveMarker();
     viewport()->update();
 }
 
-int TableGridView::smallestRow() const {
-    return fontMetrics().height();  // sixteen rows must stand below the dashboard of a small screen
+QColor TableGridView::groundOf(const QModelIndex& cell) const {
+    return QColor::fromRgb(cellGround(cells_->colour(cell), cells_->trail(cell), mode_ == DisplayMode::Night,
+                                      colors_.surface.rgb() & RGB_MASK));
 }
 
-void TableGridView::sizeRows() {
-    const int rows = std::max(1, cells_->rowCount());
-    const int tallest = static_cast<int>(fontMetrics().height() * tallestRow);
-    verticalHeader()->setDefaultSectionSize(std::clamp(viewport()->height() / rows, smallestRow(), tallest));
+void TableGridView::nameAxes(const QString& units, const QString& inWords) {
+    if (corner_->text() == units) return;
+    corner_->setText(units);
+    corner_->setAccessibleDescription(inWords);
+    corner_->setToolTip(plainTip(inWords));
 }
 
-void TableGridView::sizeColumns(bool fixedWidth) {
-    fixedWidth_ = fixedWidth;
-    QFont bold = font();
-    bold.setBold(true);
-    const QFontMetrics headerMetrics(bold);
-    int rowHeader = 0;
+// ---- Sizes
+
+int TableGridView::leastHeight(int rows) {
+    const QFontMetrics metrics(baseFont());
+    return (rows + 1) * leastRow(metrics) + 2 * edgeWidth(metrics);
+}
+
+TableGridView::TextWidths TableGridView::textWidths(const QFont& font) const {
+    const QFontMetrics metrics(font);
+    const QFontMetrics headerMetrics(boldOf(font));
+    TextWidths widths;
+    widths.rowHeader = QFontMetrics(corner_->font()).horizontalAdvance(corner_->text());
     for (int row = 0; row < cells_->rowCount(); ++row) {
         const QString text = cells_->headerData(row, Qt::Vertical, Qt::DisplayRole).toString();
-        rowHeader = std::max(rowHeader, headerMetrics.horizontalAdvance(text));
+        widths.rowHeader = std::max(widths.rowHeader, headerMetrics.horizontalAdvance(text));
     }
-    verticalHeader()->setFixedWidth(
-        std::max(rowHeader + 2 * columnSlack, corner_->sizeHint().width() + columnSlack));
+    widths.rowHeader += 2 * columnSlack;
     for (int column = 0; column < cells_->columnCount(); ++column) {
         const QString header = cells_->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
         int widest = headerMetrics.horizontalAdvance(header) + columnSlack;
         for (int row = 0; row < cells_->rowCount(); ++row) {
             const QString text = cells_->index(row, column).data(Qt::DisplayRole).toString();
-            widest = std::max(widest, fontMetrics().horizontalAdvance(text));
+            widest = std::max(widest, metrics.horizontalAdvance(text) + space(metrics, Space::Tight));
         }
-        const int equal = (width() - gridSlack) / fixedColumns;
-        setColumnWidth(column, fixedWidth ? equal : widest + columnSlack);
+        widths.columns.append(widest + columnSlack);
     }
+    return widths;
+}
+
+int TableGridView::roomAcross(const TextWidths& texts) const {
+    const int rows = std::max(1, cells_->rowCount());
+    const bool scrolls = (rows + 1) * leastRow(QFontMetrics(baseFont())) > height() - 2 * frameWidth();
+    const int bar = scrolls ? verticalScrollBar()->sizeHint().width() : 0;
+    return width() - 2 * frameWidth() - texts.rowHeader - bar;
+}
+
+// The largest digits at which the whole table stands in the window; of the base size at least.
+void TableGridView::growDigits() {
+    const int rows = std::max(1, cells_->rowCount());
+    const int high = height() - 2 * frameWidth();
+    const auto fits = [&](double growth) {
+        const QFont font = digitsFont(growth);
+        if ((rows + 1) * QFontMetrics(font).height() > high) return false;
+        const TextWidths texts = textWidths(font);
+        const int room = roomAcross(texts);
+        if (fixedWidth_) return *std::ranges::max_element(texts.columns) <= room / fixedColumns;
+        return std::accumulate(texts.columns.begin(), texts.columns.end(), 0) <= room;
+    };
+    double growth = 1;
+    if (cells_->columnCount() > 0) {
+        while (growth + growthStep <= largestGrowth && fits(growth + growthStep)) growth += growthStep;
+    }
+    if (growth == growth_ && font().pointSizeF() == digitsFont(growth).pointSizeF()) return;
+    growth_ = growth;
+    setFont(digitsFont(growth));
+}
+
+void TableGridView::sizeRows() {
+    const int rows = std::max(1, cells_->rowCount());
+    const int least = leastRow(fontMetrics());
+    const int tallest = static_cast<int>(fontMetrics().height() * tallestRow);
+    // The headers are one row more.
+    const int row = std::clamp((height() - 2 * frameWidth()) / (rows + 1), least, tallest);
+    horizontalHeader()->setFixedHeight(row);
+    verticalHeader()->setDefaultSectionSize(row);
+}
+
+void TableGridView::sizeColumns(bool fixedWidth) {
+    if (sizing_) return;
+    const QScopedValueRollback guard(sizing_, true);
+    fixedWidth_ = fixedWidth;
+    growDigits();
     sizeRows();
+    const TextWidths texts = textWidths(font());
+    verticalHeader()->setFixedWidth(texts.rowHeader);
+    const auto needed = std::accumulate(texts.columns.begin(), texts.columns.end(), 0);
+    const double wider =
+        needed == 0 ? 1 : std::clamp(static_cast<double>(roomAcross(texts)) / needed, 1.0, widestColumn);
+    const int equal = (width() - gridSlack) / fixedColumns;
+    for (int column = 0; column < texts.columns.size(); ++column) {
+        setColumnWidth(column, fixedWidth ? equal : static_cast<int>(texts.columns[column] * wider));
+    }
     moveMarker();
 }
 
@@ -263,7 +267,6 @@ QRect TableGridView::cellRect(int row, int column) const {
 
 void TableGridView::placeMarker(bool visible, double row, double column) {
     if (visible == marker_->isHidden()) marker_->setVisible(visible);
-    if (row == markerRow_ && column == markerColumn_) return;
     markerRow_ = row;
     markerColumn_ = column;
     moveMarker();
@@ -281,30 +284,27 @@ void TableGridView::moveMarker() {
     });
     const double y = between(
         markerRow_, [this](int row) { return rowViewportPosition(row - 1) + rowHeight(row - 1) / 2.0; });
-    const int side = fontMetrics().height() * 3 / 2;
-    marker_->setGeometry(static_cast<int>(x) - side / 2, static_cast<int>(y) - side / 2, side, side);
+    const int row = std::clamp(static_cast<int>(std::lround(markerRow_)), 1, std::max(1, cells_->rowCount()));
+    const int column =
+        std::clamp(static_cast<int>(std::lround(markerColumn_)), 1, std::max(1, cells_->columnCount()));
+    marker_->point(cellRect(row, column), QPoint(static_cast<int>(x), static_cast<int>(y)),
+                   groundOf(cells_->index(row - 1, column - 1)));
 }
 
 QSize TableGridView::sizeHint() const {
-    const int rows = std::max(16, cells_->rowCount());
-    const int header = fontMetrics().height() + 2 * columnSlack;
     return {fontMetrics().averageCharWidth() * 7 * fixedColumns,
-            rows * smallestRow() + header + 2 * frameWidth()};
+            leastHeight(std::max(16, cells_->rowCount()))};
 }
 
 QSize TableGridView::minimumSizeHint() const {
-    return {fontMetrics().averageCharWidth() * 30, smallestRow() * 6};
+    const QFontMetrics metrics(baseFont());
+    return {metrics.averageCharWidth() * 20, leastRow(metrics) * 4};
 }
 
 void TableGridView::resizeEvent(QResizeEvent* event) {
     QTableView::resizeEvent(event);
     fraDotFrame_->setGeometry(viewport()->rect());
-    if (fixedWidth_) {
-        sizeColumns(true);
-    } else {
-        sizeRows();
-        moveMarker();
-    }
+    sizeColumns(fixedWidth_);
     Q_EMIT resized();
 }
 

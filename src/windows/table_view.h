@@ -1,6 +1,6 @@
 // TableGridView: the grid control of a table window. It shows a TableGrid, with headers of their own above
-// and beside the cells, cell colours by day and night, compact rows that fit their space, and the live
-// cross-hair.
+// and beside the cells, cell colours by day and night, digits that grow with the window, rows that fit their
+// space, and the mark of the live point.
 #pragma once
 
 #include "tables/table_grid.h"
@@ -10,10 +10,10 @@
 #include <QItemSelectionModel>
 #include <QLabel>
 #include <QPersistentModelIndex>
-#include <QStyledItemDelegate>
 #include <QTableView>
 
 #include "qt/look.h"
+#include "windows/table_marker.h"
 
 namespace zentaq {
 
@@ -36,31 +36,13 @@ class TableGridModel : public QAbstractTableModel {
 
     /// The core's colour number of a cell: red + 256 * green + 65536 * blue.
     std::int32_t colour(const QModelIndex& index) const;
+    /// How far the trail in it has faded, as TableGrid has it.
+    int trail(const QModelIndex& index) const;
 
  private:
     const TableGrid* grid_ = nullptr;
     int rows_ = 0;
     int columns_ = 0;
-};
-
-/// A cell's colour on the screen. By night white turns into the dark of the surface and a shade into the same
-/// share of its hue, so that a sleeping table doesn't light up the cabin. Of a negative number the low 24
-/// bits count.
-QColor cellColor(std::int32_t colour, DisplayMode mode);
-
-/// The live cross-hair.
-class TableMarker : public QWidget {
-    Q_OBJECT
-
- public:
-    explicit TableMarker(QWidget* parent);
-    void setColor(const QColor& color);
-
- protected:
-    void paintEvent(QPaintEvent* event) override;
-
- private:
-    QColor color_;
 };
 
 class TableGridView : public QTableView {
@@ -71,14 +53,23 @@ class TableGridView : public QTableView {
 
     TableGridModel& cells() { return *cells_; }
     void setMode(DisplayMode mode);
-    DisplayMode mode() const { return mode_; }
-    /// `fixedWidth`: all columns a seventeenth of the width, else each as wide as its widest text.
+    const LookColors& colors() const { return colors_; }
+    /// What a cell looks like, without selection.
+    QColor groundOf(const QModelIndex& cell) const;
+    /// Units of rows and columns, in the corner of the headers; `inWords` for a screen reader.
+    void nameAxes(const QString& units, const QString& inWords);
+    /// `fixedWidth`: all columns a seventeenth of the width, else each as wide as its widest text at least,
+    /// and wider where there is room.
     void sizeColumns(bool fixedWidth);
-    /// Moves the cross-hair, in cells of the grid: column 1.5 stands between the first two column headers.
+    /// Moves the marker, in cells of the grid: column 1.5 stands between the first two column headers.
     void placeMarker(bool visible, double row, double column);
     TableMarker& marker() { return *marker_; }
     /// The place of grid cell `row`, `column` in the viewport.
     QRect cellRect(int row, int column) const;
+    /// How much larger than the base font the digits are.
+    double growth() const { return growth_; }
+    /// The height in which `rows` rows and the headers are seen whole.
+    static int leastHeight(int rows);
     /// Height at which all rows show in full at the smallest row height.
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -94,8 +85,14 @@ class TableGridView : public QTableView {
     void setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) override;
 
  private:
+    struct TextWidths {
+        int rowHeader = 0;
+        QList<int> columns;
+    };
+    TextWidths textWidths(const QFont& font) const;
+    int roomAcross(const TextWidths& texts) const;
+    void growDigits();
     void sizeRows();
-    int smallestRow() const;
     void moveMarker();
 
     TableGridModel* cells_;
@@ -103,6 +100,9 @@ class TableGridView : public QTableView {
     QFrame* fraDotFrame_;
     TableMarker* marker_;
     DisplayMode mode_ = DisplayMode::Day;
+    LookColors colors_ = lookColors(DisplayMode::Day);
+    double growth_ = 1;
+    bool sizing_ = false;
     bool fixedWidth_ = false;
     double markerRow_ = 1;
     double markerColumn_ = 1;

@@ -150,7 +150,7 @@ TEST_F(Table, HasEveryNamedControl) {
     for (const char* name : {"Home", "Save", "Manage", "Print", "Docking", "Close"}) {
         EXPECT_NE(tool(name), nullptr) << name;
     }
-    EXPECT_EQ(form->findChild<QLabel*>("lblTitle")->text(), "Volumetric Efficiency Table");
+    EXPECT_EQ(grid().accessibleName(), "Volumetric Efficiency Table");
 }
 
 TEST_F(Table, LowestRowHeaderStandsAtTheBottomAndLowestSpeedAtTheLeft) {
@@ -501,7 +501,7 @@ TEST_F(Table, AnAxisThatHasBecomeEmptyIsFilledAndTheStopsRefusedAreTold) {
 TEST_F(Table, ATableThatCannotBeShownLeavesTheOneOnTheScreen) {
     showStored(7);
     EXPECT_THROW(form->Setup_Grid("FUEL", "Fuel"), NoSuchMember);
-    EXPECT_EQ(form->findChild<QLabel*>("lblTitle")->text(), "Volumetric Efficiency Table");
+    EXPECT_EQ(grid().accessibleName(), "Volumetric Efficiency Table");
     EXPECT_EQ(shown(16, 1), "7");
     stand(16, 1);
     enter("9");
@@ -516,14 +516,44 @@ TEST_F(Table, CapitalXClosesTheWindow) {
     EXPECT_FALSE(form->isVisible());
 }
 
-TEST_F(Table, MarkerStandsBetweenTheHeadersOfTheLivePoint) {
-    QWidget* marker = form->findChild<QWidget*>("TblMarker");
+TEST_F(Table, MarkerFramesTheNearestCellAndTellsThePlaceInIt) {
+    auto* marker = form->findChild<TableMarker*>("TblMarker");
     EXPECT_TRUE(marker->isHidden());
-    form->Show_Current_Activity(1250, 40);  // half way from 1000 to 1500; row of 40 is the fifth from below
+    form->Show_Current_Activity(1200,
+                                40);  // 0.4 of the way from 1000 to 1500; row of 40 is the fifth from below
     EXPECT_FALSE(marker->isHidden());
-    const int x = (grid().cellRect(12, 2).center().x() + grid().cellRect(12, 3).center().x()) / 2;
-    EXPECT_NEAR(marker->geometry().center().x(), x, 2);
-    EXPECT_NEAR(marker->geometry().center().y(), grid().cellRect(12, 2).center().y(), 2);
+    EXPECT_EQ(marker->geometry(), grid().cellRect(12, 2));
+    const int from = grid().cellRect(12, 2).center().x();
+    const int to = grid().cellRect(12, 3).center().x();
+    EXPECT_NEAR(marker->engine().x(), from + 0.4 * (to - from), 2);
+    EXPECT_NEAR(marker->engine().y(), grid().cellRect(12, 2).center().y(), 2);
+    form->Show_Current_Activity(1300, 40);
+    form->Show_Current_Activity(1300, 40);
+    fake.clock.nowUs += 1'000'000;
+    QApplication::processEvents();
+    form->Show_Current_Activity(1300, 40);
+    EXPECT_EQ(marker->geometry(), grid().cellRect(12, 3)) << "past the middle it is the next one";
+}
+
+TEST_F(Table, MarkerLeavesTheDigitsFree) {
+    auto* marker = form->findChild<TableMarker*>("TblMarker");
+    form->Show_Current_Activity(1000, 40);
+    QImage drawn(marker->size(), QImage::Format_ARGB32);
+    drawn.fill(Qt::transparent);
+    marker->render(&drawn, {}, {}, QWidget::DrawChildren);
+    const QFontMetrics metrics = grid().fontMetrics();
+    QRect digits(0, 0, metrics.horizontalAdvance("-50"), metrics.capHeight());
+    digits.moveCenter(drawn.rect().center());
+    digits.moveRight(drawn.width() - 1 - space(metrics, Space::Tight));
+    int inked = 0;
+    for (int y = 0; y < drawn.height(); ++y) {
+        for (int x = 0; x < drawn.width(); ++x) {
+            if (drawn.pixelColor(x, y).alpha() == 0) continue;
+            ++inked;
+            EXPECT_FALSE(digits.contains(x, y)) << x << ", " << y;
+        }
+    }
+    EXPECT_GT(inked, 0);
 }
 
 TEST_F(Table, LiveCellTurnsYellowAndTheCursorFollows) {
@@ -663,7 +693,8 @@ TEST_F(Table, TypedValueIsShadedOnTheScreenAtOnce) {
     stand(1, 1);
     const QRect place = grid().cellRect(4, 4);
     const QColor shown = picture(*grid().viewport()).pixelColor(place.topLeft() + QPoint(3, 3));
-    EXPECT_EQ(shown, cellColor(255 * 256, grid().mode()));
+    EXPECT_EQ(shown, grid().groundOf(grid().model()->index(3, 3)));
+    EXPECT_NE(shown, grid().colors().surface);
 }
 
 TEST_F(Table, LiveCellIsDrawnAtMostThirtyTimesASecond) {
@@ -686,15 +717,6 @@ TEST_F(Table, FramesOfAnotherKindThanTheCalibrationMarkNothing) {
     fake.session.live.MAP = 40;
     form->refreshLive();  // nothing is on the link
     EXPECT_TRUE(form->findChild<QWidget*>("TblMarker")->isHidden());
-}
-
-TEST_F(Table, NightTurnsWhiteCellsDarkAndKeepsTheHueOfAShade) {
-    EXPECT_EQ(cellColor(0xFFFFFF, DisplayMode::Day), QColor(255, 255, 255));
-    EXPECT_EQ(cellColor(0xFFFFFF, DisplayMode::Night), lookColors(DisplayMode::Night).surface);
-    EXPECT_EQ(cellColor(0x00FFFF, DisplayMode::Night), QColor(255, 255, 0));
-    EXPECT_EQ(cellColor(0x00FF00, DisplayMode::Night), QColor(0, 255, 0));
-    // Shades whose parts have run below zero: the low 24 bits count.
-    EXPECT_EQ(cellColor(-1, DisplayMode::Day), QColor(255, 255, 255));
 }
 
 TEST_F(Table, DiscardingBringsBackTheValuesAndCountsAsAChange) {
@@ -802,16 +824,17 @@ TEST_F(Table, AcceptedTimeIsHandedToTheOtherFormsAndKeepsWhatDiscardBringsBack) 
     EXPECT_EQ(form->model()->sheet().undoCopy(0), 7);
 }
 
-TEST_F(Table, NameOfTheColumnAxisStandsInTheCornerOfTheHeaders) {
+TEST_F(Table, UnitsOfTheAxesStandInTheCornerOfTheHeaders) {
     auto* name = form->findChild<QLabel*>("Label2");
     ASSERT_NE(name, nullptr);
-    EXPECT_EQ(name->text(), "x-axis");
+    EXPECT_EQ(name->text(), "kPa \\ RPM");
+    EXPECT_EQ(name->accessibleDescription(), "Rows BLEND MAP in kPa, columns RPM in RPM");
     EXPECT_TRUE(name->isVisible());
     const QRect place(name->mapTo(&grid(), QPoint(0, 0)), name->size());
     EXPECT_EQ(place.right() + 1, grid().horizontalHeader()->geometry().left());
     EXPECT_EQ(place.top(), grid().horizontalHeader()->geometry().top());
     EXPECT_EQ(place.height(), grid().horizontalHeader()->height());
-    EXPECT_GE(place.width(), name->fontMetrics().horizontalAdvance("x-axis"));
+    EXPECT_GE(place.width(), name->fontMetrics().horizontalAdvance("kPa \\ RPM"));
 }
 
 TEST_F(Table, EditBoxShowsLargeDigitsInSightAtEveryEdge) {

@@ -1,0 +1,58 @@
+// A part of a window that folds to one line: by the user's hand, which is kept in the settings, and by itself
+// where room is short, which is not.
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "base/errors.h"
+#include "base/settings_keys.h"
+#include "platform/settings_store.h"
+
+namespace zentaq {
+
+class Fold {
+ public:
+    Fold(SettingsStore& settings, std::string key)
+        : settings_(settings), key_(std::move(key)), chosen_(settings.get(settings::forms, key_) == "1") {}
+
+    bool folded() const { return chosen_ || (short_ && !openedAnyway_); }
+
+    /// The room that the window has by now. What was opened in spite of too little stays so until there is
+    /// enough again.
+    void roomShort(bool isShort) {
+        short_ = isShort;
+        if (!isShort) openedAnyway_ = false;
+    }
+    /// The user's hand.
+    void toggle() {
+        if (folded()) {
+            openedAnyway_ = short_;
+            choose(false);
+        } else if (short_) {
+            openedAnyway_ = false;
+        } else {
+            choose(true);
+        }
+    }
+    /// As at the first start.
+    void toDefault() {
+        openedAnyway_ = false;
+        choose(false);
+    }
+
+ private:
+    /// A store that cannot be written is passed over.
+    void choose(bool fold) {
+        if (std::exchange(chosen_, fold) == fold) return;
+        skipFailing([&] { settings_.set(settings::forms, key_, fold ? "1" : "0"); });
+    }
+
+    SettingsStore& settings_;
+    std::string key_;
+    bool chosen_;
+    bool short_ = false;
+    bool openedAnyway_ = false;
+};
+
+}  // namespace zentaq

@@ -1,0 +1,34 @@
+// What stands in the header of a table's window: the view in force, who moves the cursor, the units of the
+// axes.
+#pragma once
+
+#include <array>
+#include <string>
+#include <string_view>
+
+#include "tables/table_model.h"
+
+namespace zentaq {
+
+/// All texts of the badge of the view, "VALUES" first.
+inline constexpr std::array<std::string_view, 4> viewBadges{"VALUES", "ABSOLUTE", "PULSE WIDTH ms", "DUTY %"};
+inline constexpr std::string_view followBadge = "FOLLOW";
+inline constexpr std::string_view holdBadge = "HOLD";
+
+struct TableBadges {
+    std::string_view view;
+    bool asStored = true;  ///< the cells show what the calibration holds
+    std::string_view cursor;
+    bool follows = true;  ///< the live point moves the cursor
+
+    bool operator==(const TableBadges&) const = default;
+};
+
+TableBadges badgesOf(TableModel& model);
+
+/// Row unit and column unit, as "kPa \ RPM" stands in the corner of the grid.
+std::string cornerOf(const TableSheet& sheet);
+/// The same in words: "Rows BLEND MAP in kPa, columns RPM in RPM".
+std::string axesInWords(const TableSheet& sheet);
+
+}  // namespace zentaq
