@@ -84,6 +84,8 @@ FrmConfig::FrmConfig(Session& session, MainCommands& commands, QWidget* parent)
         this);
     splTree_->addWidget(treeZentaq_);
     splTree_->addWidget(sstMenu_);
+    setTabOrder(treeZentaq_, cmdFoldTree_);
+    setTabOrder(cmdFoldTree_, sstMenu_);
 
     makeBottom();
     // The consoles begin as low as the link panel allows; the rest belongs to the pages and tables.

@@ -24,7 +24,7 @@ constexpr auto widestReading = "Table Adv";
 }  // namespace
 
 TableToolbar::TableToolbar(QWidget* parent) : QWidget(parent) {
-    named(this, "Toolbar1", "Table");
+    named(this, "Toolbar1", "Table commands");
     auto* row = new WrapLayout(this);
     row->setContentsMargins(margins(fontMetrics(), Space::Tight, Space::Line));
     row->setSpacing(space(fontMetrics(), Space::Line));

@@ -172,7 +172,7 @@ TableGridView::TextWidths TableGridView::textWidths(const QFont& font) const {
     const QFontMetrics metrics(font);
     const QFontMetrics headerMetrics(boldOf(font));
     TextWidths widths;
-    widths.rowHeader = QFontMetrics(corner_->font()).horizontalAdvance(corner_->text());
+    widths.rowHeader = metrics.horizontalAdvance(corner_->text());
     for (int row = 0; row < cells_->rowCount(); ++row) {
         const QString text = cells_->headerData(row, Qt::Vertical, Qt::DisplayRole).toString();
         widths.rowHeader = std::max(widths.rowHeader, headerMetrics.horizontalAdvance(text));
@@ -180,7 +180,7 @@ TableGridView::TextWidths TableGridView::textWidths(const QFont& font) const {
     widths.rowHeader += 2 * columnSlack;
     for (int column = 0; column < cells_->columnCount(); ++column) {
         const QString header = cells_->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString();
-        int widest = headerMetrics.horizontalAdvance(header) + columnSlack;
+        int widest = headerMetrics.horizontalAdvance(header) + columnSlack / 2;
         for (int row = 0; row < cells_->rowCount(); ++row) {
             const QString text = cells_->index(row, column).data(Qt::DisplayRole).toString();
             widest = std::max(widest, metrics.horizontalAdvance(text) + space(metrics, Space::Tight));

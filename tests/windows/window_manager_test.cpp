@@ -118,6 +118,8 @@ TEST_F(Manager, ATransfersProgressTakesThePlaceOfThePort) {
     auto* progress = find<QProgressBar>("ProgressBar1");
     auto* port = find<QComboBox>("cmbCOMM");
     ASSERT_TRUE(progress && port);
+    windows.main().resize(1920, 1012);  // a low window folds the panel
+    QCoreApplication::processEvents();
     EXPECT_TRUE(port->isVisible());
     LinkStatus& status = fake.session.linkDisplay.editStatus();
     status.progressVisible = true;

@@ -181,7 +181,7 @@ TEST_F(Workspace, TheReasonWhyAPortDoesNotOpenStandsInTheOneLineThatThereIs) {
               line->height())
         << "nothing of it is cut";
     EXPECT_TRUE(line->toolTip().contains("Please Check your Serial Connection and try again"));
-    status.trouble.clear();
+    fake.session.linkDisplay.editStatus().trouble.clear();
     windows.refresh();
     EXPECT_EQ(line->text(), "Please Check your Serial Connection and try again");
 }
