@@ -68,9 +68,13 @@ FrmEditMAPSensors::FrmEditMAPSensors(Session& session, QWidget* parent)
     lblStatus_ = plainLines("lblStatus", "Status", this);
     lblStatus_->setMinimumHeight(lblStatus_->fontMetrics().lineSpacing() * 2);
     cmdExit_ = makeButton("cmdExit", "E&xit", &FrmEditMAPSensors::exit);
+    // Where the entry scrolls these stay in sight.
+    cmdSave_ = makeButton("cmdSave", "&Save Sensor", &FrmEditMAPSensors::save);
+    cmdCancel_ = makeButton("cmdCancel", "&Cancel", &FrmEditMAPSensors::cancel);
     auto* bottom = new QHBoxLayout;
     bottom->addWidget(lblStatus_, 1);
-    bottom->addWidget(cmdExit_, 0, Qt::AlignBottom);
+    for (QPushButton* button : {cmdSave_, cmdCancel_, cmdExit_})
+        bottom->addWidget(button, 0, Qt::AlignBottom);
 
     auto* whole = new QVBoxLayout(this);
     whole->addWidget(tabMAPSensors_, 1);
@@ -162,17 +166,9 @@ QWidget* FrmEditMAPSensors::makeEntry() {
     volts->setBuddy(txtPV_[firstVolts]);
     pressure->setBuddy(txtPV_[firstPressure]);
 
-    cmdSave_ = makeButton("cmdSave", "&Save Sensor", &FrmEditMAPSensors::save);
-    cmdCancel_ = makeButton("cmdCancel", "&Cancel", &FrmEditMAPSensors::cancel);
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch(1);
-    buttons->addWidget(cmdSave_);
-    buttons->addWidget(cmdCancel_);
-
     auto* column = new QVBoxLayout(part);
     column->addLayout(grid);
     column->addWidget(makeUnits());
-    column->addLayout(buttons);
     return part;
 }
 

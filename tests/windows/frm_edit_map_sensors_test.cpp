@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QRadioButton>
+#include <QScrollArea>
 #include <QScrollBar>
 #include <QSet>
 #include <memory>
@@ -130,6 +131,15 @@ TEST_F(FrmEditMAPSensorsTest, FitsASmallLaptop) {
     EXPECT_LE(form->minimumSizeHint().height(), 700);
     EXPECT_LE(form->width(), 1366);
     EXPECT_LE(form->height(), 768);
+}
+
+TEST_F(FrmEditMAPSensorsTest, OnALowScreenTheEntryScrollsAndItsButtonsStayInSight) {
+    form->resize(form->fontMetrics().averageCharWidth() * 70, form->fontMetrics().height() * 17);
+    QApplication::processEvents();
+    EXPECT_GT(form->findChild<QScrollArea*>("scrMAPSensors")->verticalScrollBar()->maximum(), 0);
+    for (const char* name : {"cmdSave", "cmdCancel", "cmdExit"}) {
+        EXPECT_EQ(button(name)->visibleRegion().boundingRect(), button(name)->rect()) << name;
+    }
 }
 
 TEST_F(FrmEditMAPSensorsTest, EveryControlHasANameForAScreenReaderAndAKeyForTheHelp) {
