@@ -323,6 +323,8 @@ void FrmDashBoardPanel::placeTiles(const DashPlan& plan, QPoint at) {
     btnMore->setVisible(plan.more.width > 0);
     btnMore->setGeometry(rectOf(plan.more, at));
     btnMore->setText(QStringLiteral("More\n%1 of %2").arg(plan.page + 1).arg(plan.pages));
+    if (btnMore->minimumSizeHint().height() > btnMore->height())
+        btnMore->setText(QStringLiteral("More %1/%2").arg(plan.page + 1).arg(plan.pages));
 }
 
 int FrmDashBoardPanel::statusWidth() const {

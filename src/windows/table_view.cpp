@@ -298,7 +298,7 @@ QSize TableGridView::sizeHint() const {
 
 QSize TableGridView::minimumSizeHint() const {
     const QFontMetrics metrics(baseFont());
-    return {metrics.averageCharWidth() * 20, leastRow(metrics) * 4};
+    return {metrics.averageCharWidth() * 20, leastRow(metrics) * 3};
 }
 
 void TableGridView::resizeEvent(QResizeEvent* event) {

@@ -121,6 +121,19 @@ TEST_F(LayoutFaults, TellAHeaderThatIsCut) {
     EXPECT_THAT(faults(), testing::Contains(HasSubstr("\"Manifold pressure in kPa\" has 32x")));
 }
 
+TEST_F(LayoutFaults, TellACellWhoseDigitsAreCutAndNotOneThatLacksRoomForLetters) {
+    auto* table = put(new QTableWidget(1, 1), "grdTable", {10, 10, 300, 100});
+    table->setItem(0, 0, new QTableWidgetItem("88"));
+    table->setWordWrap(false);
+    table->verticalHeader()->setMinimumSectionSize(1);
+    table->verticalHeader()->hide();
+    const QFontMetrics metrics = table->fontMetrics();
+    table->setRowHeight(0, metrics.height() - 1);
+    EXPECT_THAT(faults(), IsEmpty());
+    table->setRowHeight(0, metrics.capHeight());
+    EXPECT_THAT(faults(), ElementsAre(HasSubstr("\"88\"")));
+}
+
 TEST_F(LayoutFaults, TellATabThatIsCut) {
     auto* bar = put(new QTabBar, "tabPages", {10, 10, 90, 40});
     bar->setUsesScrollButtons(false);

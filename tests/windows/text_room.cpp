@@ -35,6 +35,18 @@ QSize brokenAt(int width, const QFont& font, const QString& text) {
     return QFontMetrics(font).boundingRect(0, 0, width, anyLength, how, text).size();
 }
 
+/// A number of a table stands in the middle of its cell, and needs no room for letters that reach below the
+/// line.
+QSize lettersOf(const QFontMetrics& metrics, const QString& text) {
+    QSize size = linesOf(metrics, text);
+    if (text.contains(u'\n')) return size;
+    const QRect ink = metrics.tightBoundingRect(text);
+    const int above = metrics.ascent() + ink.top();
+    const int below = metrics.descent() - ink.bottom();
+    size.rheight() -= 2 * std::max(0, std::min(above, below));
+    return size;
+}
+
 bool isRich(const QLabel& label) {
     if (label.textFormat() == Qt::AutoText) return Qt::mightBeRichText(label.text());
     return label.textFormat() != Qt::PlainText;
@@ -109,7 +121,7 @@ std::vector<TextRoom> ofHeader(const QHeaderView& header) {
         const QSize along = header.orientation() == Qt::Horizontal
                                 ? QSize(header.sectionSize(i), header.height())
                                 : QSize(header.width(), header.sectionSize(i));
-        rooms.push_back({text, linesOf(header.fontMetrics(), text), along});
+        rooms.push_back({text, lettersOf(header.fontMetrics(), text), along});
     }
     return rooms;
 }
@@ -138,7 +150,7 @@ std::vector<TextRoom> ofItems(const QAbstractItemView& view) {
         if (const QVariant own = index.data(Qt::FontRole); own.isValid()) font = own.value<QFont>();
         const bool breaks = view.property("wordWrap").toBool();
         rooms.push_back({text,
-                         breaks ? brokenAt(place.width(), font, text) : linesOf(QFontMetrics(font), text),
+                         breaks ? brokenAt(place.width(), font, text) : lettersOf(QFontMetrics(font), text),
                          place.size()});
     }
     return rooms;
