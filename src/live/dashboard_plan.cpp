@@ -173,6 +173,11 @@ std::string_view readoutOfDial(std::string_view dial) {
     return found == smallDials.end() ? std::string_view{} : found->readout;
 }
 
+std::string_view readoutLikeDial(std::string_view dial) {
+    if (dial == "Tachometer") return "lblTach";
+    return dial == "AFR" ? "lblAAFR" : readoutOfDial(dial);
+}
+
 DashPlan planDashboard(const DashRoom& room, std::span<const std::string_view> tiles, int page) {
     return Planner(room, tiles, page).plan();
 }

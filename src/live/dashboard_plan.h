@@ -46,6 +46,8 @@ struct DashPlan {
 std::span<const std::string_view> tileOrder();
 /// The read-out that stands beside a small dial: "lblTPS" of "TPS"; empty for the two large ones.
 std::string_view readoutOfDial(std::string_view dial);
+/// The read-out of the channel that a dial points to, wherever it stands.
+std::string_view readoutLikeDial(std::string_view dial);
 
 /// `tiles` are the names to be shown, in their order; what stands beside a dial is left out of them. A page
 /// behind the last one begins anew.

@@ -80,6 +80,7 @@ void DashBoardVeil::paintEvent(QPaintEvent* event) {
 
 FrmDashBoardPanel::FrmDashBoardPanel(const DialAngles& angles, QWidget* parent)
     : QWidget(parent), angles_(angles), colors_(dashColors(false)) {
+    for (const auto& form : readoutForms()) labels_[form.name] = new LiveLabel(form, this);
     makeGauge(mixtureFace(angles));
     makeGauge(tachometerFace(angles));
     makeGauge(throttleFace(angles));
@@ -87,7 +88,6 @@ FrmDashBoardPanel::FrmDashBoardPanel(const DialAngles& angles, QWidget* parent)
     makeGauge(idleFace(angles));
     makeGauge(temperatureFace("Coolant", angles.coolant, fahrenheit_));
     makeGauge(temperatureFace("MAT", angles.manifoldAir, fahrenheit_));
-    for (const auto& form : readoutForms()) labels_[form.name] = new LiveLabel(form, this);
     checkEngineLamp = new LiveLamp("shpCheckEngine", "CHECK ENGINE", this);
     overRevLamp = new LiveLamp("shpOverRev", "OVER REV", this);
     makeStatus();
@@ -96,7 +96,8 @@ FrmDashBoardPanel::FrmDashBoardPanel(const DialAngles& angles, QWidget* parent)
 }
 
 void FrmDashBoardPanel::makeGauge(const GaugeFace& face) {
-    gauges_[face.name] = new GaugeWidget(face, this);
+    const auto readout = QString::fromUtf8(readoutLikeDial(face.name.toStdString()));
+    gauges_[face.name] = new GaugeWidget(face, findLabel(readout), this);
 }
 
 void FrmDashBoardPanel::makeStatus() {
@@ -390,6 +391,8 @@ void FrmDashBoardPanel::placeVeil() {
             QRect(QPoint((instruments_ * 2 / 3 - size.width()) / 2, (height() - size.height()) / 2), size));
     }
     if (veil->isHidden() != shown) return;
+    for (const auto& [name, gauge] : gauges_) gauge->setSpokenLive(!shown);
+    for (const auto& [name, label] : labels_) label->setSpokenLive(!shown);
     veil->setVisible(shown);
     if (!shown) return;
     veil->raise();

@@ -10,6 +10,7 @@
 
 #include "qt/look.h"
 #include "qt/named.h"
+#include "windows/live_label.h"
 #include "windows/outlined.h"
 
 namespace zentaq {
@@ -33,11 +34,20 @@ QPointF direction(double angle) {
 
 }  // namespace
 
-GaugeWidget::GaugeWidget(const GaugeFace& face, QWidget* parent)
-    : QWidget(parent), face_(face), colors_(dashColors(false)), angle_(face.restAngle) {
+GaugeWidget::GaugeWidget(const GaugeFace& face, const LiveLabel* saidBy, QWidget* parent)
+    : QWidget(parent),
+      SpokenInstrument(this, QAccessible::Dial),
+      face_(face),
+      saidBy_(saidBy),
+      colors_(dashColors(false)),
+      angle_(face.restAngle) {
     named(this, face.name, face.caption.isEmpty() ? face.name : face.caption);
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
     setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+QString GaugeWidget::plainValue() const {
+    return saidBy_ == nullptr ? QString() : saidBy_->plainValue();
 }
 
 void GaugeWidget::setFace(const GaugeFace& face) {

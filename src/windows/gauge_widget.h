@@ -9,10 +9,13 @@
 #include <vector>
 
 #include "windows/frm_dashboard_colors.h"
+#include "windows/spoken_instrument.h"
 
 class QFontMetricsF;
 
 namespace zentaq {
+
+class LiveLabel;
 
 /// Angles are in degrees, 0 straight up, clockwise positive. Lengths are in dial radii with y downwards and
 /// the needle's centre at 0, 0.
@@ -38,11 +41,12 @@ struct GaugeFace {
     double restAngle = 0;
 };
 
-class GaugeWidget : public QWidget {
+class GaugeWidget : public QWidget, public SpokenInstrument {
     Q_OBJECT
 
  public:
-    GaugeWidget(const GaugeFace& face, QWidget* parent);
+    /// What the needle points to is said by the read-out of the same channel, wherever that stands.
+    GaugeWidget(const GaugeFace& face, const LiveLabel* saidBy, QWidget* parent);
 
     void setFace(const GaugeFace& face);
     const GaugeFace& face() const { return face_; }
@@ -75,6 +79,7 @@ class GaugeWidget : public QWidget {
     QSize minimumSizeHint() const override;
 
  protected:
+    QString plainValue() const override;
     void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -99,6 +104,7 @@ class GaugeWidget : public QWidget {
     void placeReadout();
 
     GaugeFace face_;
+    const LiveLabel* saidBy_;
     DashColors colors_;
     std::optional<QColor> needle_;
     double angle_ = 0;

@@ -75,7 +75,10 @@ QPen edgeOf(const std::optional<QColor>& lit, const DashColors& colors) {
 }  // namespace
 
 LiveLabel::LiveLabel(const Form& form, QWidget* parent)
-    : QWidget(parent), form_(form), colors_(dashColors(false)) {
+    : QWidget(parent),
+      SpokenInstrument(this, QAccessible::Indicator),
+      form_(form),
+      colors_(dashColors(false)) {
     named(this, form.name, form.caption.isEmpty() ? form.name : form.caption);
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -84,8 +87,12 @@ LiveLabel::LiveLabel(const Form& form, QWidget* parent)
 void LiveLabel::setText(const QString& text) {
     if (text == text_) return;
     text_ = text;
-    setAccessibleDescription(text_.isEmpty() ? QString() : text_ + QLatin1Char(' ') + form_.unit);
+    valueChanged();
     update(valueArea());
+}
+
+QString LiveLabel::plainValue() const {
+    return text_.isEmpty() ? QString() : text_ + QLatin1Char(' ') + form_.unit;
 }
 
 void LiveLabel::setUnit(const QString& unit) {
@@ -102,7 +109,9 @@ void LiveLabel::setMeaning(const QString& meaning) {
 
 void LiveLabel::setAlarm(std::optional<QColor> color) {
     if (color == alarm_) return;
+    const bool was = inAlarm();
     alarm_ = color;
+    if (was != inAlarm()) alarmChanged();  // a colour that flashes is one alarm
     picture_ = {};
     update();
 }
@@ -209,16 +218,19 @@ void LiveLabel::paintDigits(QPainter& painter, const QRect& area) const {
 }
 
 LiveLamp::LiveLamp(const QString& name, const QString& inscription, QWidget* parent)
-    : QWidget(parent), inscription_(inscription), colors_(dashColors(false)) {
+    : QWidget(parent),
+      SpokenInstrument(this, QAccessible::Indicator),
+      inscription_(inscription),
+      colors_(dashColors(false)) {
     named(this, name, inscription);
-    setAccessibleDescription(QStringLiteral("off"));
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
 }
 
 void LiveLamp::light(std::optional<QColor> color) {
     if (color == color_) return;
+    const bool was = lit();
     color_ = color;
-    setAccessibleDescription(lit() ? QStringLiteral("on") : QStringLiteral("off"));
+    if (was != lit()) alarmChanged();
     update();
 }
 

@@ -9,12 +9,13 @@
 #include <optional>
 
 #include "windows/frm_dashboard_colors.h"
+#include "windows/spoken_instrument.h"
 
 class QFontMetricsF;
 
 namespace zentaq {
 
-class LiveLabel : public QWidget {
+class LiveLabel : public QWidget, public SpokenInstrument {
     Q_OBJECT
     Q_PROPERTY(QString text READ text WRITE setText)
 
@@ -44,8 +45,11 @@ class LiveLabel : public QWidget {
     QSize minimumSizeHint() const override;
     const QFont& captionFont() const { return captionFont_; }
     const QFont& valueFont() const { return valueFont_; }
+    /// The text with its unit; empty while there is none.
+    QString plainValue() const override;
 
  protected:
+    bool inAlarm() const override { return alarm_.has_value(); }
     void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -66,7 +70,7 @@ class LiveLabel : public QWidget {
 };
 
 /// A lamp with its inscription: lit in a colour or dark.
-class LiveLamp : public QWidget {
+class LiveLamp : public QWidget, public SpokenInstrument {
     Q_OBJECT
 
  public:
@@ -81,6 +85,7 @@ class LiveLamp : public QWidget {
     QSize minimumSizeHint() const override;
 
  protected:
+    QString plainValue() const override { return lit() ? QStringLiteral("on") : QStringLiteral("off"); }
     void paintEvent(QPaintEvent* event) override;
 
  private:

@@ -348,7 +348,7 @@ void Gallery::addInstruments(QGridLayout& grid) {
     face.ticks = {{-120, "0"}, {-60, ""}, {0, "5"}, {60, ""}, {120, "10"}};
     face.zones = {{60, 120, &DashColors::redZone}};
     face.restAngle = -30;
-    auto* gauge = new GaugeWidget(face, this);
+    auto* gauge = new GaugeWidget(face, nullptr, this);
     gauge->setColors(colors);
     grid.setRowMinimumHeight(row, fontMetrics().height() * 8);
     grid.addWidget(gauge, row, column++);

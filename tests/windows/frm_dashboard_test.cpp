@@ -134,7 +134,7 @@ TEST_F(Dashboard, DecodedFrameShowsItsNumbers) {
     EXPECT_EQ(text("lblVolt"), "13.8");
     EXPECT_EQ(text("lblKNK"), "12");
     EXPECT_EQ(text("lblTemp"), "\u00B0C");
-    EXPECT_EQ(board->panel().label("lblTach").accessibleDescription(), "3250 rpm");
+    EXPECT_EQ(board->panel().label("lblTach").plainValue(), "3250 rpm");
 }
 
 TEST_F(Dashboard, TemperaturesFollowTheFahrenheitSetting) {
