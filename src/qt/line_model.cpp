@@ -3,11 +3,14 @@
 namespace zentaq {
 
 QVariant LineModel::data(const QModelIndex& index, int role) const {
-    if (role != Qt::DisplayRole) return {};
+    // What the width of the console cuts is told whole under the pointer.
+    if (role != Qt::DisplayRole && role != Qt::ToolTipRole) return {};
     const auto row = static_cast<std::size_t>(index.row());
     // The console may have been cleared since the last sync().
     if (!index.isValid() || row >= lines_.size()) return {};
-    return QString::fromStdString(lines_[row]);
+    QString line = QString::fromStdString(lines_[row]);
+    while (role == Qt::ToolTipRole && line.endsWith(u' ')) line.chop(1);
+    return line;
 }
 
 bool LineModel::sync() {

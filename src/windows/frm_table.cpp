@@ -65,7 +65,6 @@ FrmTable::FrmTable(Session& session, QWidget* parent)
     whole->setSpacing(space(fontMetrics(), Space::Line));
     whole->addWidget(Toolbar1_);
     whole->addWidget(Grid1_, 1);
-    setFocusProxy(Grid1_);
 
     connect(Grid1_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &FrmTable::selectionChanged);

@@ -94,6 +94,8 @@ class FrmTable : public QWidget, public DockingForm {
     void dockingAsked(bool docked);
 
  protected:
+    /// Not by a focus proxy, which would let Tab pass the tool bar by.
+    void focusInEvent(QFocusEvent*) override { takeFocus(); }
     bool eventFilter(QObject* watched, QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
