@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 #include "qt/look.h"
 #include "qt/named.h"
@@ -26,6 +27,7 @@ constexpr double needleLength = 0.93;
 constexpr double shortLength = 0.55;
 constexpr double tailLength = 0.12;
 constexpr double hubRadius = 0.075;
+constexpr double needleEdge = 1.2;
 
 QPointF direction(double angle) {
     const double radians = angle * std::numbers::pi / 180;
@@ -291,12 +293,14 @@ void GaugeWidget::drawNumbers(QPainter& painter) const {
 void GaugeWidget::drawNeedle(QPainter& painter) const {
     const double r = radius();
     const Needle needle = needleAt(angle_);
-    const QColor color = needleColor();
-    drawOutlined(painter, needle.tail, needle.tip,
-                 QPen(color, std::max(2.0, r * 0.032), Qt::SolidLine, Qt::RoundCap), colors_.face);
-    if (face_.twoLines) {
-        drawOutlined(painter, place({0, 0}), needle.shortTip,
-                     QPen(color, std::max(3.0, r * 0.07), Qt::SolidLine, Qt::RoundCap), colors_.face);
+    // The outline carries the contrast: the needle's own color may be any, and crosses ticks and zones.
+    for (const auto& [color, more] :
+         {std::pair(inkFor(colors_.face), 2 * needleEdge), {needleColor(), 0.0}}) {
+        painter.setPen(QPen(color, std::max(2.0, r * 0.032) + more, Qt::SolidLine, Qt::RoundCap));
+        painter.drawLine(needle.tail, needle.tip);
+        if (!face_.twoLines) continue;
+        painter.setPen(QPen(color, std::max(3.0, r * 0.07) + more, Qt::SolidLine, Qt::RoundCap));
+        painter.drawLine(place({0, 0}), needle.shortTip);
     }
     painter.setPen(QPen(colors_.edge, std::max(1.0, r * 0.012)));
     painter.setBrush(colors_.face);

@@ -111,15 +111,5 @@ TEST_F(DashboardColours, TheColoursThatWereChosenStayInForceByDay) {
     EXPECT_GT(yellow, 10);
 }
 
-TEST_F(DashboardColours, TheYellowMixtureNeedleIsSeenOnTheWhiteFace) {
-    windows.dayMode();
-    GaugeWidget& mixture = panel().gauge("AFR");
-    mixture.resize(260, 260);
-    mixture.setNeedleColor(std::nullopt);
-    const int without = darkPixels(picture(mixture));
-    mixture.setNeedleColor(QColor(Qt::yellow));
-    EXPECT_GT(darkPixels(picture(mixture)), without + 50);
-}
-
 }  // namespace
 }  // namespace zentaq
