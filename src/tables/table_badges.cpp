@@ -38,6 +38,11 @@ TableBadges badgesOf(TableModel& model) {
     return {view, view == viewBadges.front(), follows ? followBadge : holdBadge, follows};
 }
 
+std::string acrossOf(const TableSheet& sheet) {
+    const AxisKind* kind = sheet.axisKind(true);
+    return kind == nullptr ? "-" : std::string(kind->name);
+}
+
 std::string cornerOf(const TableSheet& sheet) {
     return unitOf(sheet, false) + " \\ " + unitOf(sheet, true);
 }

@@ -26,6 +26,8 @@ struct TableBadges {
 
 TableBadges badgesOf(TableModel& model);
 
+/// What the columns stand for: "RPM", or the axis kind of a table that has several.
+std::string acrossOf(const TableSheet& sheet);
 /// Row unit and column unit, as "kPa \ RPM" stands in the corner of the grid.
 std::string cornerOf(const TableSheet& sheet);
 /// The same in words: "Rows BLEND MAP in kPa, columns RPM in RPM".

@@ -117,6 +117,9 @@ void TableToolbar::addFields() {
         row->addWidget(made);
         return made;
     };
+    label("Label2", "x-axis");
+    lblAcross_ = label("lblAcross", {});
+    lblAcross_->setFont(typeFont(Type::Strong));
     lblTOG_ = label("lblTOG", "TOG:");
     txtTOG_ = makeTimeField("txtTOG", "scale1", "helptog");
     row->addWidget(txtTOG_);
@@ -219,6 +222,7 @@ void TableToolbar::showItems(TableModel& model, bool docked) {
     action("Docking")->setText(docked ? undockCaption : dockCaption);
     action("Docking")->setIcon(icon(docked ? "Undock" : "Dock"));
     showBadges(badgesOf(model));
+    lblAcross_->setText(qString(acrossOf(model.sheet())));
     lblDspTable_->setText(qString(items.displayCaption));
     lblDspTable_->setVisible(!items.displayCaption.empty());
     lblDspTableVal_->setVisible(!items.displayCaption.empty());

@@ -74,6 +74,7 @@ class TableToolbar : public QWidget {
     QWidget* fields_ = nullptr;
     QLabel* lblDspTable_ = nullptr;
     QLabel* lblDspTableVal_ = nullptr;
+    QLabel* lblAcross_ = nullptr;  ///< behind "x-axis"
     QLabel* lblTOG_ = nullptr;
     QLabel* lblIOT_ = nullptr;
     QLineEdit* txtTOG_ = nullptr;

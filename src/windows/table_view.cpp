@@ -118,7 +118,7 @@ TableGridView::TableGridView(QWidget* parent)
       fraDotFrame_(new QFrame(viewport())),
       marker_(new TableMarker(fraDotFrame_)) {
     // In the corner of the headers, where the lines that it is about begin.
-    corner_->setObjectName("Label2");
+    corner_->setObjectName("lblAxisUnits");
     corner_->setTextFormat(Qt::PlainText);
     corner_->setAlignment(Qt::AlignCenter);
     fraDotFrame_->setObjectName("fraDotFrame");

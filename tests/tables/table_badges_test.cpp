@@ -49,6 +49,7 @@ TEST_F(Badges, TellWhoMovesTheCursor) {
 TEST_F(Badges, CornerTellsTheUnitsOfTheAxes) {
     open("VE");
     EXPECT_EQ(cornerOf(sheet), unit.MAPUnits() + " \\ RPM");
+    EXPECT_EQ(acrossOf(sheet), "RPM");
     open("GPO1");  // its empty axes are given those of the main tables
     EXPECT_EQ(axesInWords(sheet), "Rows BLEND MAP in " + unit.MAPUnits() + ", columns RPM in RPM");
     model.pickAxis("Y_TPS");

@@ -825,7 +825,7 @@ TEST_F(Table, AcceptedTimeIsHandedToTheOtherFormsAndKeepsWhatDiscardBringsBack) 
 }
 
 TEST_F(Table, UnitsOfTheAxesStandInTheCornerOfTheHeaders) {
-    auto* name = form->findChild<QLabel*>("Label2");
+    auto* name = form->findChild<QLabel*>("lblAxisUnits");
     ASSERT_NE(name, nullptr);
     EXPECT_EQ(name->text(), "kPa \\ RPM");
     EXPECT_EQ(name->accessibleDescription(), "Rows BLEND MAP in kPa, columns RPM in RPM");
@@ -835,6 +835,14 @@ TEST_F(Table, UnitsOfTheAxesStandInTheCornerOfTheHeaders) {
     EXPECT_EQ(place.top(), grid().horizontalHeader()->geometry().top());
     EXPECT_EQ(place.height(), grid().horizontalHeader()->height());
     EXPECT_GE(place.width(), name->fontMetrics().horizontalAdvance("kPa \\ RPM"));
+}
+
+TEST_F(Table, TheXAxisIsNamedBesideTheTimes) {
+    auto* name = form->findChild<QLabel*>("Label2");
+    ASSERT_NE(name, nullptr);
+    EXPECT_EQ(name->text(), "x-axis");
+    EXPECT_TRUE(name->isVisible());
+    EXPECT_EQ(form->findChild<QLabel*>("lblAcross")->text(), "RPM");
 }
 
 TEST_F(Table, EditBoxShowsLargeDigitsInSightAtEveryEdge) {
