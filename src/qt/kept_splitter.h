@@ -43,8 +43,8 @@ class KeptSplitter : public QSplitter {
 
     SettingsStore& settings_;
     Shares byDefault_;
-    QList<int> kept_;  ///< as they were when the user moved a handle last; empty: he never has
-    QTimer tmrStore_;  ///< the disk is not waited for while a handle is dragged
+    QList<int> kept_;     ///< as they were when the user moved a handle last; empty: he never has
+    QTimer tmrStore_;     ///< the disk is not waited for while a handle is dragged
     QList<bool> shared_;  ///< which parts were in view when room was shared out last
     bool sharing_ = false;
 };
