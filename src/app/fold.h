@@ -55,4 +55,17 @@ class Fold {
     bool openedAnyway_ = false;
 };
 
+/// What folds in the main window. Its windows tell the room that they have and show what is said here.
+struct Folds {
+    explicit Folds(SettingsStore& settings)
+        : messages(settings, "foldMessages"), tree(settings, "foldTree") {}
+
+    Fold messages;  ///< the consoles and the link panel
+    Fold tree;
+
+    void toDefault() {
+        for (Fold* fold : {&messages, &tree}) fold->toDefault();
+    }
+};
+
 }  // namespace zentaq

@@ -22,7 +22,22 @@ void MainCommands::nightMode() {
     session_.windows().tell(&WindowNews::look, false);
 }
 
+void MainCommands::toggle(Fold& fold) {
+    fold.toggle();
+    session_.windows().tell(&WindowNews::foldsChanged);
+}
+
+void MainCommands::toggleMessages() {
+    toggle(session_.folds.messages);
+}
+
+void MainCommands::toggleTree() {
+    toggle(session_.folds.tree);
+}
+
 void MainCommands::restoreLayout() {
+    session_.folds.toDefault();
+    session_.windows().tell(&WindowNews::foldsChanged);
     session_.windows().tell(&WindowNews::restoreLayout);
 }
 

@@ -71,6 +71,14 @@ bool byNight(const Session& session) {
     return !session.dayMode();
 }
 
+bool messagesOpen(const Session& session) {
+    return !session.folds.messages.folded();
+}
+
+bool treeOpen(const Session& session) {
+    return !session.folds.tree.folded();
+}
+
 bool recentFiles(const Session& session) {
     return !session.recentFiles.paths().empty();
 }
@@ -162,8 +170,12 @@ constexpr std::array menus{
                         [](MainCommands& commands) { commands.programming.firmwareUpgrade(); })),
 
     MenuEntry{"mnuView", "&View", "", "", always},
-    command({"mnuRestoreLayout", "&Restore Layout", "mnuView", "", always},
-            [](MainCommands& commands) { commands.restoreLayout(); }),
+    command({"mnuFoldMessages", "&Messages and Link", "mnuView", "F9", always, {}, {}, messagesOpen},
+            [](MainCommands& commands) { commands.toggleMessages(); }),
+    command({"mnuFoldTree", "Configuration &Tree", "mnuView", "Shift+F9", always, {}, {}, treeOpen},
+            [](MainCommands& commands) { commands.toggleTree(); }),
+    grouped(command({"mnuRestoreLayout", "&Restore Layout", "mnuView", "", always},
+                    [](MainCommands& commands) { commands.restoreLayout(); })),
 
     MenuEntry{"mnuWindow", "&Window", "", "", always},
     MenuEntry{"mnuAdvTbl", "&Advance Table", "mnuWindow", "Ctrl+1", always, window::table, "ADV"},

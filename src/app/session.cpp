@@ -37,6 +37,7 @@ Session::Session(const Platform& platform)
       trace(platform.clock),
       saving(*this, platform.writer),
       recentFiles(platform.settings),
+      folds(platform.settings),
       platform_(platform) {
     for (LineWatch* watcher : watchers()) platform_.port.watch(*watcher);
     trace.onFailure([this](const std::string& why) { sysLog("Wire trace ended: " + why); });

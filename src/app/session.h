@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "app/console.h"
+#include "app/fold.h"
 #include "app/messages.h"
 #include "app/notices.h"
 #include "app/recent_files.h"
@@ -129,6 +130,7 @@ class Session : public UnitHost, public LinkTeller, public FileInHand {
     UnitMemory unitMemory;  ///< of the one on the link
     Notices notices;        ///< what is told without a box
     RecentFiles recentFiles;
+    Folds folds;
 
     Platform& platform() { return platform_; }
     SettingsStore& settings() { return platform_.settings; }

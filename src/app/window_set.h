@@ -59,9 +59,11 @@ class WindowNews {
     virtual void initializeRecorderRows() {}
     virtual void sensorsChanged() {}  ///< lists of MAP sensors are filled again
 
-    /// Folds, docked windows and what else the user has moved stand as at the first start again; splitters
-    /// that are kept are brought back by themselves.
+    /// Docked windows and what else the user has moved stand as at the first start again; splitters that are
+    /// kept are brought back by themselves, and the folds were told before.
     virtual void restoreLayout() {}
+    /// A part is to be folded or opened, as the session's folds say.
+    virtual void foldsChanged() {}
 
     // ---- Live
     virtual void look(bool /*day*/) {}

@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QStyleOption>
 #include <algorithm>
+#include <cmath>
 
 #include "qt/look.h"
 #include "qt/style_shapes.h"
@@ -128,6 +129,23 @@ bool drawToolBar(const QStyleOption& option, QPainter& painter, const LookColors
     return true;
 }
 
+// ---- Menus
+
+/// The line between two groups of a menu, which it tells apart.
+bool drawMenuLine(const QStyleOption& option, QPainter& painter, const LookColors& look, const QWidget*) {
+    const auto* entry = qstyleoption_cast<const QStyleOptionMenuItem*>(&option);
+    if (entry == nullptr || entry->menuItemType != QStyleOptionMenuItem::Separator || !entry->text.isEmpty())
+        return false;
+    const QRectF area(option.rect);
+    const qreal line = hairline(painter);
+    const int gap = space(option.fontMetrics, Space::Normal);
+    painter.fillRect(area, look.surface);
+    painter.fillRect(QRectF(area.left() + gap, area.top() + std::floor((area.height() - line) / 2),
+                            area.width() - 2 * gap, line),
+                     look.edge);
+    return true;
+}
+
 // ---- Lists that open
 
 void drawComboBox(const QStyle& style, const QStyleOptionComplex& option, QPainter& painter,
@@ -237,6 +255,8 @@ bool drawOwnControl(QStyle::ControlElement element, const QStyleOption& option, 
             return drawGroove(option, painter, look, widget);
         case QStyle::CE_ProgressBarContents:
             return drawProgress(option, painter, look, widget);
+        case QStyle::CE_MenuItem:
+            return drawMenuLine(option, painter, look, widget);
         case QStyle::CE_ToolBar:
             return drawToolBar(option, painter, look, widget);
         default:

@@ -43,6 +43,11 @@ int WrapLayout::heightForWidth(int width) const {
     return height + spacing() * std::max(0, static_cast<int>(lines.size()) - 1);
 }
 
+int WrapLayout::lines(int width) const {
+    const QMargins around = contentsMargins();
+    return static_cast<int>(linesIn(width - around.left() - around.right()).size());
+}
+
 QSize WrapLayout::sizeHint() const {
     const QMargins around = contentsMargins();
     int width = 0;

@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QPushButton>
-#include <QShortcut>
 #include <QTabBar>
 #include <QTreeWidgetItemIterator>
 #include <QVBoxLayout>
@@ -54,11 +53,7 @@ QLabel* textLabel(const char* name, QWidget* parent) {
 }  // namespace
 
 FrmConfig::FrmConfig(Session& session, MainCommands& commands, QWidget* parent)
-    : QWidget(parent),
-      Form(this),
-      session_(session),
-      commands_(commands),
-      treeFold_(session.settings(), "foldTree") {
+    : QWidget(parent), Form(this), session_(session), commands_(commands) {
     named(this, qString(window::config), "Configuration");
 
     treeZentaq_ = named(new QTreeWidget(this), "treeZentaq", "Configuration tree");
@@ -104,10 +99,6 @@ FrmConfig::FrmConfig(Session& session, MainCommands& commands, QWidget* parent)
     });
     splConsole_->handle(1)->setEnabled(!bottom_->folded());
     foldTree();
-    connect(new QShortcut(QKeySequence(Qt::Key_F9), this), &QShortcut::activated, bottom_,
-            &ConfigBottom::toggle);
-    connect(new QShortcut(QKeySequence(Qt::SHIFT | Qt::Key_F9), this), &QShortcut::activated, this,
-            &FrmConfig::toggleTree);
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -149,12 +140,12 @@ QWidget* FrmConfig::makeFoldTree() {
     cmdFoldTree_ = named(new QToolButton(this), "cmdFoldTree");
     cmdFoldTree_->setAutoRaise(true);
     cmdFoldTree_->setFocusPolicy(Qt::TabFocus);
-    connect(cmdFoldTree_, &QToolButton::clicked, this, &FrmConfig::toggleTree);
+    connect(cmdFoldTree_, &QToolButton::clicked, this, [this] { commands_.toggleTree(); });
     return cmdFoldTree_;
 }
 
 void FrmConfig::makeBottom() {
-    bottom_ = new ConfigBottom(session_, this);
+    bottom_ = new ConfigBottom(session_, commands_, this);
     refreshPorts();
     connect(&bottom_->link(), &LinkPanel::autoDetectAsked, this, &FrmConfig::autoDetect);
     connect(&bottom_->link(), &LinkPanel::portChosen, this, &FrmConfig::choosePort);
@@ -174,8 +165,8 @@ void FrmConfig::resizeEvent(QResizeEvent* event) {
 }
 
 void FrmConfig::foldTree() {
-    const bool fold = treeFold_.folded();
-    if (fold && treeZentaq_->hasFocus()) cmdFoldTree_->setFocus();
+    const bool fold = session_.folds.tree.folded();
+    if (fold && window()->focusWidget() == treeZentaq_) cmdFoldTree_->setFocus();
     treeZentaq_->setVisible(!fold);
     const QString meaning = fold ? "Open the tree" : "Fold the tree";
     cmdFoldTree_->setIcon(icon(fold ? "Forward" : "Back"));
@@ -184,15 +175,9 @@ void FrmConfig::foldTree() {
     splTree_->shareOut();
 }
 
-void FrmConfig::toggleTree() {
-    treeFold_.toggle();
+void FrmConfig::foldsChanged() {
     foldTree();
-}
-
-void FrmConfig::restoreLayout() {
-    treeFold_.toDefault();
-    foldTree();
-    bottom_->toDefault();
+    bottom_->apply();
 }
 
 void FrmConfig::focusTree() {

@@ -9,7 +9,6 @@
 #include <QWidget>
 #include <memory>
 
-#include "app/fold.h"
 #include "app/main_commands.h"
 #include "app/session.h"
 #include "windows/dock.h"
@@ -38,12 +37,10 @@ class FrmConfig : public QWidget, public Form {
     void onFlyChanged(bool on) override;
     void showCommList(bool on) override { bottom_->showCommList(on); }
     void showTip(const std::string& text) override;
-    /// Everything open.
-    void restoreLayout() override;
+    void foldsChanged() override;
 
     /// The tree, or what opens it again.
     void focusTree();
-    void toggleTree();
     /// A control that the user has chosen keeps the keyboard if it is still there.
     void takeFocusIfFree();
 
@@ -90,7 +87,6 @@ class FrmConfig : public QWidget, public Form {
     KeptSplitter* splConsole_ = nullptr;
     ConfigBottom* bottom_ = nullptr;
     QToolButton* cmdFoldTree_ = nullptr;
-    Fold treeFold_;
     std::unique_ptr<Dock> dock_;
     std::uint64_t consoleSeen_ = 0;
     std::uint64_t linkSeen_ = 0;

@@ -20,13 +20,13 @@ constexpr int linkShare = 2;
 
 }  // namespace
 
-ConfigBottom::ConfigBottom(Session& session, QWidget* parent)
-    : QWidget(parent), session_(session), fold_(session.settings(), "foldMessages") {
+ConfigBottom::ConfigBottom(Session& session, MainCommands& commands, QWidget* parent)
+    : QWidget(parent), session_(session) {
     named(this, "fraMessages", "Messages and link");
     cmdFold_ = named(new QToolButton(this), "cmdFoldMessages");
     cmdFold_->setAutoRaise(true);
     cmdFold_->setFocusPolicy(Qt::TabFocus);
-    connect(cmdFold_, &QToolButton::clicked, this, &ConfigBottom::toggle);
+    connect(cmdFold_, &QToolButton::clicked, this, [&commands] { commands.toggleMessages(); });
     content_ = makeContent();
     line_ = makeLine();
     line_->hide();
@@ -92,28 +92,19 @@ void ConfigBottom::render(const LinkStatus& status) {
 
 // ---- Folding
 
-void ConfigBottom::toggle() {
-    fold_.toggle();
-    apply();
-}
-
 void ConfigBottom::roomShort(bool isShort) {
-    fold_.roomShort(isShort);
-    apply();
-}
-
-void ConfigBottom::toDefault() {
-    fold_.toDefault();
+    session_.folds.messages.roomShort(isShort);
     apply();
 }
 
 void ConfigBottom::apply() {
-    const bool fold = fold_.folded();
+    const bool fold = session_.folds.messages.folded();
     if (fold == folded()) return;
     showButton(fold);
     fraComm_->ports().hidePopup();
-    // The keyboard goes to what opens them again; a digit does no harm there.
-    if (fold && content_->isAncestorOf(QApplication::focusWidget())) cmdFold_->setFocus();
+    // The keyboard goes to what opens them again; a digit does no harm there. Also that of a frame behind
+    // another window: the toolkit would hand it to the next field, which may be a cell.
+    if (fold && content_->isAncestorOf(window()->focusWidget())) cmdFold_->setFocus();
     content_->setVisible(!fold);
     line_->setVisible(fold);
     setMaximumHeight(fold ? sizeHint().height() : QWIDGETSIZE_MAX);

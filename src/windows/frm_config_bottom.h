@@ -5,8 +5,7 @@
 #include <QToolButton>
 #include <QWidget>
 
-#include "app/fold.h"
-#include "app/session.h"
+#include "app/main_commands.h"
 #include "qt/elided_label.h"
 #include "qt/kept_splitter.h"
 #include "windows/frm_config_console.h"
@@ -18,7 +17,7 @@ class ConfigBottom : public QWidget {
     Q_OBJECT
 
  public:
-    ConfigBottom(Session& session, QWidget* parent);
+    ConfigBottom(Session& session, MainCommands& commands, QWidget* parent);
 
     LinkPanel& link() { return *fraComm_; }
     void showCommList(bool on) { lstCommInfo_->setVisible(on); }
@@ -27,9 +26,9 @@ class ConfigBottom : public QWidget {
     void render(const LinkStatus& status);
 
     bool folded() const { return content_->isHidden(); }
-    void toggle();
     void roomShort(bool isShort);
-    void toDefault();
+    /// Folds or opens, as the session says.
+    void apply();
     /// The height that it has at the least while it is open.
     int openHeight() const { return content_->minimumSizeHint().height(); }
 
@@ -39,11 +38,9 @@ class ConfigBottom : public QWidget {
  private:
     KeptSplitter* makeContent();
     QWidget* makeLine();
-    void apply();
     void showButton(bool fold);
 
     Session& session_;
-    Fold fold_;
     QToolButton* cmdFold_ = nullptr;
     KeptSplitter* content_ = nullptr;
     ConsoleView* lstLog_ = nullptr;

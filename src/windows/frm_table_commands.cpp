@@ -21,9 +21,9 @@ void FrmTable::makeToolbar() {
     };
     constexpr auto overlay = "Overlay";
     constexpr auto view = "View";
-    Toolbar1_->add({"Home", "Home", "Show the values with the lowest row at the bottom", false, "Home"},
+    Toolbar1_->add({"Home", "Home", "Home: show the values with the lowest row at the bottom", false, "Home"},
                    rebuild(&TableModel::home));
-    Toolbar1_->add({"Save", "Save", "Write the grid back to the calibration", false, "Save"},
+    Toolbar1_->add({"Save", "Save", "Save: write the grid back to the calibration", false, "Save"},
                    run([this] { saveGrid(); }));
     Toolbar1_->add({"Colors", "Turn Overlay OFF"}, run([this] { toggleColors(); }), overlay);
     Toolbar1_->add({"ColorsNorm", "Normal Colors", "", true}, run([this] { setColourMode(0); }), overlay);
@@ -42,12 +42,15 @@ void FrmTable::makeToolbar() {
     Toolbar1_->addSeparatorTo(view);
     Toolbar1_->add({"Reset", "Reset", "", false, "Reset"}, rebuild(&TableModel::reset), view);
     Toolbar1_->add({"Discard", "Discard Changes", "", false, "Discard"}, run([this] { discard(); }), view);
-    Toolbar1_->add({"Manage", "Manage", "", false, "Manage"}, {});
-    Toolbar1_->add({"Print", "Print", "", false, "Print"}, {});
-    Toolbar1_->add(
-        {"Docking", "Undock        ", "Inside the main window, or a window of its own", false, "Undock"},
-        run([this] { toggleDocking(); }));
+    Toolbar1_->add({"Manage", "Manage", "Manage: comes with a later release", false, "Manage"}, {});
+    Toolbar1_->add({"Print", "Print", "Print: comes with a later release", false, "Print"}, {});
+    Toolbar1_->add({"Docking", "Undock        ",
+                    "Undock, or dock: a window of its own, or inside the main window", false, "Undock"},
+                   run([this] { toggleDocking(); }));
     Toolbar1_->add({"Close", "Close", "Close the table (Shift+X)", false, "Close"}, run([this] { close(); }));
+    Toolbar1_->explain(overlay, "Overlay: colors and trail of the engine (Shift+O)");
+    Toolbar1_->explain(view,
+                       "View: absolute (Shift+A), pulse width (Shift+P), duty cycle (Shift+D), and more");
     Toolbar1_->addFields();
 }
 

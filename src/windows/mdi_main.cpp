@@ -77,6 +77,8 @@ void MdiMain::makeMenus() {
         auto* menu = named(new QMenu(qString(entry.caption), this), qString(entry.name),
                            qString(entry.caption).remove(u'&'));
         menus_[entry.name] = menu;
+        // A part may have folded by itself a moment ago.
+        connect(menu, &QMenu::aboutToShow, this, &MdiMain::refresh);
         if (entry.name == "mnuRecent")
             connect(menu, &QMenu::aboutToShow, this, [this, menu] { fillRecent(*menu); });
         entries_.push_back({&entry, menu->menuAction()});

@@ -47,6 +47,7 @@ class MdiMain : public QMainWindow, public Form {
         refresh();
     }
     void look(bool day) override;
+    void foldsChanged() override { refresh(); }
     void restoreLayout() override { restoreSplitters(*this); }
     void windowClosed() override { refresh(); }
     void follow() override;

@@ -21,6 +21,9 @@ constexpr auto dockCaption = "Dock          ";
 constexpr auto undockCaption = "Undock        ";
 constexpr auto widestReading = "Table Adv";
 
+/// Who keeps its caption longest where room is short.
+constexpr std::array mostUsed{"Save", "View", "Overlay", "Home", "Close", "Docking", "Print", "Manage"};
+
 }  // namespace
 
 TableToolbar::TableToolbar(QWidget* parent) : QWidget(parent) {
@@ -70,7 +73,6 @@ QMenu* TableToolbar::menu(const char* name) {
     if (made != nullptr) return made;
     QToolButton* button = makeButton(name, name);
     button->setText(name);
-    button->setToolTip(name);
     button->setPopupMode(QToolButton::InstantPopup);
     made = named(new QMenu(button), QStringLiteral("mnu") + name, name);
     button->setMenu(made);
@@ -92,6 +94,14 @@ void TableToolbar::add(const Item& item, std::function<void(const QString& capti
     }
     if (run) connect(action, &QAction::triggered, this, [run = std::move(run), caption] { run(caption); });
     actions_[item.key] = action;
+}
+
+QToolButton* TableToolbar::button(const QString& name) const {
+    return findChild<QToolButton*>("Toolbar1_" + name, Qt::FindDirectChildrenOnly);
+}
+
+void TableToolbar::explain(const char* menuName, const QString& tip) {
+    button(menuName)->setToolTip(plainTip(tip));
 }
 
 QLineEdit* TableToolbar::makeTimeField(const char* name, const char* member, const char* helpKey) {
@@ -140,27 +150,25 @@ void TableToolbar::addFields() {
     }
     lblDspTable_->setMinimumWidth(lblDspTable_->fontMetrics().horizontalAdvance(widestReading));
     layout()->addWidget(fields);
+    for (const char* name : mostUsed) byUse_.push_back(button(name));
     fit();
 }
 
 // ---- Room
 
-void TableToolbar::apply(Captions captions) {
-    captions_ = captions;
-    constexpr std::size_t firstButtons = 4;
-    for (std::size_t i = 0; i < buttons_.size(); ++i) {
-        const bool shown =
-            captions == Captions::All || (captions == Captions::OfTheFirst && i < firstButtons);
-        const auto style = shown ? Qt::ToolButtonTextBesideIcon : Qt::ToolButtonIconOnly;
-        if (buttons_[i]->toolButtonStyle() != style) buttons_[i]->setToolButtonStyle(style);
-    }
+int TableToolbar::lines() const {
+    return static_cast<const WrapLayout*>(layout())->lines(width());
 }
 
 void TableToolbar::fit() {
     if (fields_ == nullptr) return;
-    for (const Captions captions : {Captions::All, Captions::OfTheFirst, Captions::None}) {
-        apply(captions);
-        if (layout()->sizeHint().width() <= width()) break;
+    for (QToolButton* button : buttons_) button->setToolButtonStyle(Qt::ToolButtonIconOnly);
+    const int least = lines();
+    for (QToolButton* button : byUse_) {
+        button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+        if (lines() == least) continue;
+        button->setToolButtonStyle(Qt::ToolButtonIconOnly);
+        break;
     }
     layout()->invalidate();
     updateGeometry();

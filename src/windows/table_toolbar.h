@@ -1,6 +1,7 @@
 // The toolbar of a table window: which view is in force and who moves the cursor, its commands, the two times
-// beside the grid and the live reading. Where there is little room its buttons lose their captions, and what
-// does not fit stands in a second line. Nothing in it moves when captions or states change.
+// beside the grid and the live reading. What does not fit stands in a second line; rows of the table count
+// more than words, so that only those buttons have their captions, the most used ones first, which make no
+// line more. Nothing in it moves when captions or states change.
 #pragma once
 
 #include "qt/look.h"
@@ -36,6 +37,8 @@ class TableToolbar : public QWidget {
     /// release.
     void add(const Item& item, std::function<void(const QString& caption)> run, const char* menu = nullptr);
     void addSeparatorTo(const char* menuName) { menus_.at(menuName)->addSeparator(); }
+    /// The tip of the button of a menu.
+    void explain(const char* menuName, const QString& tip);
     /// Behind the last button: txtTOG, txtIOT and the live reading.
     void addFields();
 
@@ -55,18 +58,16 @@ class TableToolbar : public QWidget {
     void changeEvent(QEvent* event) override;
 
  private:
-    /// How many buttons show their caption.
-    enum class Captions { All, OfTheFirst, None };
-
     QToolButton* makeButton(const QString& name, const QString& icon);
     QLabel* makeBadge(const char* name, const QString& meaning, std::span<const std::string_view> texts);
+    QToolButton* button(const QString& name) const;
+    int lines() const;
     void fit();
-    void apply(Captions captions);
     QLineEdit* makeTimeField(const char* name, const char* member, const char* helpKey);
     QMenu* menu(const char* name);
 
     std::vector<QToolButton*> buttons_;
-    Captions captions_ = Captions::All;
+    std::vector<QToolButton*> byUse_;  ///< the same, the most used ones first
     DisplayMode mode_ = DisplayMode::Day;
     TableBadges badges_;
     QLabel* lblView_ = nullptr;

@@ -7,6 +7,7 @@
 #include <set>
 
 #include "app/fake_platform.h"
+#include "app/main_commands.h"
 
 namespace zentaq {
 namespace {
@@ -128,6 +129,26 @@ TEST(MenuTree, TheModeInForceBearsTheMark) {
     EXPECT_EQ(marks(), std::pair(true, false));
     fake.settings.set("System", "MonitorMode", "0");
     EXPECT_EQ(marks(), std::pair(false, true));
+}
+
+TEST(MenuTree, WhatFoldsBearsTheMarkWhileItIsOpen) {
+    FakeSession fake;
+    MainCommands commands(fake.session);
+    const auto entries = byName();
+    const auto open = [&] {
+        return std::pair(entries.at("mnuFoldMessages")->checked(fake.session),
+                         entries.at("mnuFoldTree")->checked(fake.session));
+    };
+    EXPECT_EQ(open(), std::pair(true, true));
+    entries.at("mnuFoldMessages")->run(commands);
+    EXPECT_EQ(open(), std::pair(false, true));
+    entries.at("mnuFoldTree")->run(commands);
+    EXPECT_EQ(open(), std::pair(false, false));
+    fake.session.folds.messages.roomShort(true);
+    entries.at("mnuFoldMessages")->run(commands);
+    EXPECT_EQ(open(), std::pair(true, false)) << "opened in spite of the room";
+    entries.at("mnuRestoreLayout")->run(commands);
+    EXPECT_EQ(open(), std::pair(false, true)) << "as the room allows";
 }
 
 TEST(MenuTree, NoTwoEntriesShareAShortcut) {

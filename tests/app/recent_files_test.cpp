@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "app/calibration_floats.h"
 #include "app/command_fixture.h"
 
 namespace zentaq {

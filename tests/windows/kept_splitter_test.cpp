@@ -96,6 +96,46 @@ TEST_F(KeptSplitterTest, AHiddenPartKeepsItsShare) {
     EXPECT_TRUE(stored().starts_with("400 ")) << stored();
 }
 
+/// A widget with a wish of its own, as lists and trees have.
+class Wide : public QWidget {
+ public:
+    QSize sizeHint() const override { return {150, 50}; }
+};
+
+TEST_F(KeptSplitterTest, APartThatIsShownLateHasThePlaceThatWasKept) {
+    settings.set("Forms", "splTest", "600 400");
+    splitter = std::make_unique<KeptSplitter>(Qt::Horizontal, "splTest", settings, [](int all) {
+        return QList<int>{300, all - 300};
+    });
+    splitter->setHandleWidth(5);
+    auto* late = new Wide;
+    late->hide();
+    splitter->addWidget(late);
+    splitter->addWidget(new Wide);
+    splitter->resize(1005, 100);
+    splitter->show();
+    QApplication::processEvents();
+    ASSERT_EQ(first(), 0);
+    late->show();
+    QApplication::processEvents();
+    EXPECT_NEAR(first(), 600, 3);
+    late->hide();
+    QApplication::processEvents();
+    late->show();
+    QApplication::processEvents();
+    EXPECT_NEAR(first(), 600, 3) << "and comes back to it";
+}
+
+TEST_F(KeptSplitterTest, APartThatIsShownLateHasItsDefaultWhereNoneWasKept) {
+    make();
+    splitter->replaceWidget(0, new Wide);
+    splitter->widget(0)->hide();
+    QApplication::processEvents();
+    splitter->widget(0)->show();
+    QApplication::processEvents();
+    EXPECT_NEAR(first(), 300, 3);
+}
+
 TEST_F(KeptSplitterTest, ToDefaultForgetsThePlace) {
     make();
     drag(700);

@@ -59,6 +59,27 @@ TEST_P(LookOfWindows, AMenuHasAnEdge) {
     EXPECT_EQ(picture.pixelColor(picture.width() / 2, 1), look().surface);
 }
 
+TEST_P(LookOfWindows, TheLineBetweenTwoGroupsOfAMenuIsSeen) {
+    QMenu menu;
+    menu.addAction("Save");
+    const QAction* line = menu.addSeparator();
+    menu.addAction("Program");
+    menu.resize(menu.sizeHint());
+    const QImage picture = menu.grab().toImage();
+    const QRect area = menu.actionGeometry(const_cast<QAction*>(line));
+    int seen = 0;
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        const QColor point = picture.pixelColor(area.center().x(), y);
+        if (contrast(point, look().surface) < leastMarkContrast) continue;
+        ++seen;
+        const int from = area.width() / 4;
+        for (int x = area.left() + from; x <= area.right() - from; ++x) {
+            ASSERT_EQ(picture.pixelColor(x, y), point) << x;
+        }
+    }
+    EXPECT_EQ(seen, 1);
+}
+
 // The toolkit draws it as it draws one under the pointer, dark on a dark selection.
 TEST_P(LookOfWindows, TheIconOfAChosenEntryHasTheColourOfItsText) {
     QMenu menu;

@@ -5,7 +5,11 @@
 #include <QHeaderView>
 #include <QScrollBar>
 #include <QToolButton>
+#include <set>
 
+#include "qt/wrap_layout.h"
+
+#include "windows/key_press.h"
 #include "windows/table_windows_fixture.h"
 
 namespace zentaq {
@@ -16,6 +20,15 @@ class TableRoom : public TableWindowsTest {
     FrmConfig& config() { return *windows.config(); }
     ConfigBottom& bottom() { return *find<ConfigBottom>("fraMessages"); }
     QToolButton* foldButton() { return find<QToolButton>("cmdFoldMessages"); }
+    QTreeWidget& tree() { return *find<QTreeWidget>("treeZentaq"); }
+    QToolButton* treeButton() { return find<QToolButton>("cmdFoldTree"); }
+    QToolButton* barButton(const char* name) {
+        return form().findChild<QToolButton*>(QStringLiteral("Toolbar1_") + QLatin1String(name));
+    }
+    bool open(const char* entry) {
+        windows.main().refresh();
+        return find<QAction>(entry)->isChecked();
+    }
     void frame(int width, int height) {
         windows.main().setWindowState(Qt::WindowNoState);
         windows.main().resize(width, height);
@@ -85,7 +98,7 @@ TEST_F(TableRoom, TheUsersOwnFoldingIsKept) {
     frame(1366, 700);
     frame(1920, 1012);
     EXPECT_TRUE(bottom().folded());
-    windows.tell(&WindowNews::restoreLayout);
+    commands.restoreLayout();
     EXPECT_FALSE(bottom().folded());
 }
 
@@ -113,9 +126,9 @@ TEST_F(TableRoom, KeyboardInsideWhatFoldsGoesToWhatOpensIt) {
     for (const char* name : {"lstLog", "cmbCOMM"}) {
         find<QWidget>(name)->setFocus();
         ASSERT_EQ(QApplication::focusWidget(), find<QWidget>(name));
-        bottom().toggle();
+        commands.toggleMessages();
         EXPECT_EQ(QApplication::focusWidget(), foldButton()) << name;
-        bottom().toggle();
+        commands.toggleMessages();
         EXPECT_EQ(QApplication::focusWidget(), foldButton()) << "and stays there";
     }
     find<QWidget>("lstLog")->setFocus();
@@ -127,10 +140,90 @@ TEST_F(TableRoom, KeyboardElsewhereStaysWhereItIs) {
     frame(1920, 1012);
     openVe();
     grid().setFocus();
-    bottom().toggle();
+    commands.toggleMessages();
     EXPECT_EQ(QApplication::focusWidget(), &grid());
-    config().toggleTree();
+    commands.toggleTree();
     EXPECT_EQ(QApplication::focusWidget(), &grid());
+}
+
+// What is folded behind another window must not leave its keyboard to a cell: the next digit would be a
+// value.
+TEST_F(TableRoom, KeyboardOfAFrameBehindAnotherWindowGoesToWhatOpensThemToo) {
+    frame(1920, 1012);
+    openVe();
+    Q_EMIT form().dockingAsked(false);
+    settle();
+    const std::pair<QWidget*, QToolButton*> places[] = {{find<QWidget>("cmbCOMM"), foldButton()},
+                                                        {find<QWidget>("lstLog"), foldButton()},
+                                                        {&tree(), treeButton()}};
+    for (const auto& [inHand, button] : places) {
+        activate(windows.main());
+        inHand->setFocus();
+        activate(form());
+        ASSERT_EQ(QApplication::activeWindow(), &form());
+        button == treeButton() ? commands.toggleTree() : commands.toggleMessages();
+        settle();
+        EXPECT_FALSE(inHand->isVisible());
+        EXPECT_EQ(windows.main().focusWidget(), button) << inHand->objectName().toStdString();
+        button == treeButton() ? commands.toggleTree() : commands.toggleMessages();
+    }
+}
+
+TEST_F(TableRoom, KeysAndEntriesOfTheViewMenuFoldAndTellHowItIs) {
+    frame(1920, 1012);
+    activate(windows.main());
+    tree().setFocus();
+    EXPECT_TRUE(open("mnuFoldMessages"));
+    EXPECT_TRUE(open("mnuFoldTree"));
+    pressKey(Qt::Key_F9);
+    EXPECT_TRUE(bottom().folded());
+    EXPECT_FALSE(open("mnuFoldMessages"));
+    EXPECT_TRUE(open("mnuFoldTree"));
+    pressKey(Qt::Key_F9, Qt::ShiftModifier);
+    EXPECT_FALSE(tree().isVisible());
+    EXPECT_FALSE(open("mnuFoldTree"));
+    find<QAction>("mnuFoldMessages")->trigger();
+    EXPECT_FALSE(bottom().folded());
+    EXPECT_TRUE(open("mnuFoldMessages"));
+    find<QAction>("mnuRestoreLayout")->trigger();
+    EXPECT_TRUE(tree().isVisible());
+    EXPECT_TRUE(open("mnuFoldTree"));
+}
+
+TEST_F(TableRoom, TheViewMenuKnowsWhatFoldedByItselfAMomentAgo) {
+    frame(1920, 1012);
+    auto* entry = find<QAction>("mnuFoldMessages");
+    ASSERT_TRUE(open("mnuFoldMessages"));
+    frame(1366, 700);
+    auto* menu = find<QMenu>("mnuView");
+    menu->popup({10, 10});
+    EXPECT_FALSE(entry->isChecked());
+    menu->close();
+    entry->trigger();
+    EXPECT_FALSE(bottom().folded()) << "opened in spite of the room";
+    EXPECT_TRUE(entry->isChecked());
+}
+
+TEST_F(TableRoom, TheUsersPlaceOfTheTreeStaysWhateverFileComes) {
+    frame(1366, 700);
+    auto* splitter = find<QSplitter>("splTree");
+    splitter->setSizes({200, splitter->width() - 200});
+    Q_EMIT splitter->splitterMoved(200, 1);
+    const int place = splitter->sizes().at(0);
+    ASSERT_NEAR(place, 200, 5);
+    commands.files.close();
+    settle();
+    EXPECT_NEAR(splitter->sizes().at(0), place, 1);
+    openCalibration();
+    settle();
+    EXPECT_NEAR(splitter->sizes().at(0), place, 1);
+    commands.toggleTree();
+    commands.toggleTree();
+    settle();
+    EXPECT_NEAR(splitter->sizes().at(0), place, 1);
+    for (int i = 0; i < 20; ++i) windows.tell(&WindowNews::setupNodes);
+    settle();
+    EXPECT_NEAR(splitter->sizes().at(0), place, 1) << "nothing adds up";
 }
 
 TEST_F(TableRoom, TheTreeFoldsGivesItsRoomToTheTableAndItsKeyboardToWhatOpensIt) {
@@ -159,9 +252,7 @@ TEST_F(TableRoom, ButtonsStayWhereTheyAreWhateverIsShown) {
     const auto places = [&] {
         std::vector<QRect> all;
         for (const char* name : {"Home", "Save", "Overlay", "View", "Manage", "Print", "Docking", "Close"}) {
-            all.push_back(form()
-                              .findChild<QToolButton*>(QStringLiteral("Toolbar1_") + QLatin1String(name))
-                              ->geometry());
+            all.push_back(barButton(name)->geometry());
         }
         return all;
     };
@@ -208,6 +299,63 @@ TEST_F(TableRoom, WhatDoesNotFitTheBarStandsInASecondLine) {
         EXPECT_GE(form().findChild<QLabel*>("lblDspTableVal")->width(),
                   digitsWidth(form().findChild<QLabel*>("lblDspTableVal")->fontMetrics(), 5));
     }
+}
+
+TEST_F(TableRoom, TheMostUsedButtonsKeepTheirWordsAsFarAsTheBarHasRoom) {
+    openVe();
+    Q_EMIT form().dockingAsked(false);
+    const auto words = [&] {
+        std::string said;
+        for (const char* name : {"Save", "View", "Overlay", "Home", "Close", "Docking", "Print", "Manage"}) {
+            said += barButton(name)->toolButtonStyle() == Qt::ToolButtonTextBesideIcon ? '1' : '0';
+        }
+        return said;
+    };
+    auto* bar = form().findChild<QWidget*>("Toolbar1");
+    const auto* layout = static_cast<const WrapLayout*>(bar->layout());
+    const int letters = bar->fontMetrics().averageCharWidth();
+    std::set<std::string> seen;
+    for (int width = 40 * letters; width < 260 * letters; width += 5 * letters) {
+        form().resize(width, 400);
+        settle();
+        const std::string said = words();
+        seen.insert(said);
+        EXPECT_TRUE(std::ranges::is_sorted(said, std::greater<>())) << said << " at " << width;
+        // No word costs the table a row.
+        const int lines = layout->lines(bar->width());
+        for (QToolButton* button : bar->findChildren<QToolButton*>()) {
+            button->setToolButtonStyle(Qt::ToolButtonIconOnly);
+        }
+        EXPECT_EQ(lines, layout->lines(bar->width())) << width;
+    }
+    EXPECT_EQ(words(), "00000000") << "as this test left it";
+    EXPECT_TRUE(seen.contains("11111111"));
+    EXPECT_GE(seen.size(), 6u);
+}
+
+TEST_F(TableRoom, ASmallLaptopHasWordsOnTheBarWhileItIsOneLine) {
+    frame(1366, 700);
+    openVe();
+    settle();
+    auto* bar = form().findChild<QWidget*>("Toolbar1");
+    EXPECT_EQ(static_cast<const WrapLayout*>(bar->layout())->lines(bar->width()), 1);
+    EXPECT_EQ(barButton("Save")->toolButtonStyle(), Qt::ToolButtonTextBesideIcon);
+}
+
+TEST_F(TableRoom, EveryButtonHasATipThatBeginsWithItsWordAndTellsItsKey) {
+    openVe();
+    const std::map<const char*, std::vector<const char*>> keys{
+        {"Save", {}},  {"View", {"(Shift+A)", "(Shift+P)", "(Shift+D)"}},
+        {"Home", {}},  {"Overlay", {"(Shift+O)"}},
+        {"Print", {}}, {"Close", {"(Shift+X)"}},
+        {"Manage", {}}};
+    for (const auto& [name, all] : keys) {
+        const QString tip = barButton(name)->toolTip();
+        EXPECT_TRUE(tip.contains(name)) << tip.toStdString();
+        EXPECT_GT(tip.size(), QString(name).size() + 5) << "it tells more than the word";
+        for (const char* key : all) EXPECT_TRUE(tip.contains(key)) << tip.toStdString();
+    }
+    EXPECT_TRUE(barButton("Docking")->toolTip().startsWith("Undock"));
 }
 
 }  // namespace
