@@ -24,8 +24,8 @@ struct LookColors {
     QColor text;
     QColor mutedText;  ///< captions and units beside a value; values that are not live
     QColor disabledText;
-    QColor border;  ///< thin lines that part and mean nothing: grids, separators
-    QColor edge;    ///< around what one can enter or press, and around menus, tips and boxes
+    QColor border;  ///< thin lines that part and mean nothing: grids, groups
+    QColor edge;    ///< around what one can enter or press, around menus and boxes, between groups of a menu
     QColor focus;   ///< the frame around what has the keyboard
 
     QColor accent;  ///< a selection with the keyboard, links, progress
