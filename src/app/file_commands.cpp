@@ -280,6 +280,7 @@ void FileCommands::finishOpening(const std::string& path) {
     session_.DataModified = false;
     // The box lets units come and go.
     if (session_.link.kindInHand() && session_.Monitoring) session_.applyMonitorMode();
+    session_.retellLinkedUnit();
     // A unit that was identified before the file came takes changes from now on.
     session_.initializeOnFly(session_.link.unitAgrees());
     session_.windows().tell(&WindowNews::setupNodes);

@@ -222,7 +222,7 @@ void Session::notice(std::string_view text, const std::function<bool()>& stands)
                      .buttons = Buttons::Ok,
                      .stands = stands});
     }
-    notices.tell(std::string(text), platform_.clock.monotonicUs(), stands);
+    notices.tell(std::string(text), stands);
 }
 
 void Session::sendOnFly(std::string_view record) {
@@ -338,6 +338,13 @@ void Session::initializeOnFly(bool on) {
     // What is entered for a calibration that is being made must not reach the running engine.
     currentUnitObject().ONFLY_MODE(on && !creating());
     windows_->tell(&WindowNews::onFlyChanged, on && currentUnitObject().ONFLY_MODE());
+}
+
+void Session::retellLinkedUnit() {
+    if (!link.unitAgrees()) return;
+    const LinkStatus& told = linkDisplay.status();
+    currentUnitObject().Serial(told.serialNumber);
+    currentUnitObject().FirmWare(told.firmware);
 }
 
 int Session::slotForFile(int slot) const {

@@ -162,6 +162,9 @@ class Session : public UnitHost, public LinkTeller, public FileInHand {
     void followLinkedKind();
     /// The slot for a file of this one: that of the unit on the link, where both are one class.
     int slotForFile(int slot) const;
+    /// A calibration came into hand behind the unit on the link: what closing the former one has wiped is
+    /// known of the unit all the same.
+    void retellLinkedUnit();
     /// A value of the calibration in hand was changed by the user.
     void markModified();
     /// Goes up with each change of the user's: what was saved before the last one is not what is in hand.

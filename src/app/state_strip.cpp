@@ -225,7 +225,14 @@ StripRow workRow(const StripFacts& facts) {
 
 StripRow noticeRow(const StripFacts& facts) {
     if (facts.notice.empty()) return {};
-    return {.text = facts.notice, .meaning = "Press to put this message away.", .tone = StripTone::Warning};
+    StripRow row{.text = facts.notice, .tone = StripTone::Warning};
+    row.meaning = "Press to put this message away.";
+    if (const int behind = facts.notices - 1; behind > 0) {
+        row.text += " (+" + numberText(behind) + " more)";
+        row.meaning = "Press to put this message away and to read the one before it.";
+    }
+    row.meaning += " It stands in the console too.";
+    return row;
 }
 
 StripRow fileRow(const StripFacts& facts) {
@@ -310,6 +317,7 @@ StripFacts stripFacts(Session& session) {
     facts.reading = session.saving.reading();
     facts.saving = session.saving.running() && now - session.saving.beganUs() > momentUs;
     facts.notice = session.notices.text(now);
+    facts.notices = session.notices.count(now);
     return facts;
 }
 

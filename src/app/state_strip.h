@@ -73,6 +73,7 @@ struct StripFacts {
     bool reading = false;
     bool saving = false;  ///< for longer than a moment
     std::string notice;
+    int notices = 0;  ///< that one and those behind it
 };
 
 StripFacts stripFacts(Session& session);

@@ -138,7 +138,7 @@ int UnitCommands::autodetectPort() {
             session_.notice("The search for a unit was ended.");
             return 0;
         }
-        session_.inform("Could not Find ORB Unit.  Please check the serial connection.");
+        session_.notice("Could not Find ORB Unit.  Please check the serial connection.");
         return 0;
     }
     storePort();

@@ -84,7 +84,7 @@ Rows overviewRows(Unit& unit, const std::string& file) {
     addPlain(rows, "File", file);
     addPlain(rows, "Firmware release", numberText(unit.FW_Release()));
     addPlain(rows, "Firmware build", numberText(unit.FW_Build()));
-    addPlain(rows, "Serial number", unit.Serial());
+    addPlain(rows, "Serial number of the unit", unit.Serial());
     for (const char* table : {"VE", "ADV", "AFR", "SPW"}) {
         if (!hasTable(unit.kind(), table)) continue;
         skipFailing([&] {

@@ -149,12 +149,18 @@ void MdiMain::showStates() {
     StripFacts facts = stripFacts(session_);
     facts.panel3 = firmwareShown_;
     strip_->show(stripRows(facts));
+    if (session_.notices.waitForSomebody()) firstPress_.listen();
+}
+
+// A message is not taken away from somebody who was not there.
+void MdiMain::somebodyIsThere() {
+    session_.notices.userIsThere(session_.platform().clock.monotonicUs());
 }
 
 void MdiMain::pressed(const StripRow& row) {
     if (!commandsOn_) return;
     if (row.part == StripPart::Notice) {
-        session_.notices.dismiss();
+        session_.notices.dismiss(session_.platform().clock.monotonicUs());
     } else if (!row.command.empty()) {
         run(row.command);
     } else {

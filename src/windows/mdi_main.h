@@ -15,6 +15,7 @@
 #include "app/session.h"
 #include "app/start_up.h"
 #include "qt/kept_splitter.h"
+#include "windows/first_press.h"
 #include "windows/form.h"
 #include "windows/state_strip_view.h"
 
@@ -80,6 +81,7 @@ class MdiMain : public QMainWindow, public Form {
     void pressed(const ToolbarButton& button);
     void makeStatusBar();
     void showStates();
+    void somebodyIsThere();
     void pressed(const StripRow& row);
     void perform(std::string_view entry);
     void openWindow(const MenuEntry& entry);
@@ -95,6 +97,7 @@ class MdiMain : public QMainWindow, public Form {
     QToolBar* toolbar_ = nullptr;
     KeptSplitter* centre_ = nullptr;
     StateStripView* strip_ = nullptr;
+    FirstPress firstPress_{[this] { somebodyIsThere(); }};
     std::string firmwareSeen_;
     std::string firmwareShown_;
     bool commandsOn_ = true;

@@ -37,8 +37,8 @@ FrmAbout::FrmAbout(Session& session, QWidget* parent) : QDialog(parent) {
     file->setWordWrap(true);
     file->setMinimumWidth(std::min(file->fontMetrics().horizontalAdvance(file->text()),
                                    screen()->availableGeometry().width() / 2));
-    add("lblFirmwareVersion", "Firmware version", unit.FirmWare());
-    add("lblSerial", "Serial number", unit.Serial());
+    add("lblFirmwareVersion", "Firmware version of the unit", unit.FirmWare());
+    add("lblSerial", "Serial number of the unit", unit.Serial());
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok, this);
     QPushButton* system = buttons->addButton("&System Info...", QDialogButtonBox::ActionRole);

@@ -51,6 +51,10 @@ StripButton::StripButton(const QString& name, bool elides, QWidget* parent)
 }
 
 void StripButton::say(const QString& text, const QString& meaning, StripTone tone) {
+    if (text == accessibleName() && meaning == accessibleDescription()) {
+        if (std::exchange(tone_, tone) != tone) update();
+        return;
+    }
     if (text != accessibleName()) {
         setText(QString(text).replace(u'&', "&&"));  // a name of a file takes no key for itself
         setAccessibleName(text);
@@ -58,10 +62,9 @@ void StripButton::say(const QString& text, const QString& meaning, StripTone ton
         setFocusPolicy(text.isEmpty() ? Qt::NoFocus : Qt::TabFocus);
         updateGeometry();
     }
-    if (meaning != accessibleDescription()) {
-        setAccessibleDescription(meaning);
-        setToolTip(plainTip(meaning));
-    }
+    setAccessibleDescription(meaning);
+    // What may be cut is told whole.
+    setToolTip(plainTip(elides_ ? text + "\n" + meaning : meaning));
     if (std::exchange(tone_, tone) != tone) update();
 }
 

@@ -82,9 +82,9 @@ void TypedAhead::hold(Held held) {
     QApplication::beep();
     const bool command = static_cast<bool>(held.command);
     const std::string names = namesOf({std::move(held)});
-    session_.sysLog("TABLE: Too much waits for the unit; not taken: " + names + ".");
+    const std::string told = "Too much waits for the unit; not taken: " + names + ".";
     // A key is missed by whoever types; a command that did not come passes for one that did.
-    if (command) session_.inform("Too much waits for the unit.\nNot taken: " + names + ".");
+    command ? session_.notice(told) : session_.sysLog(told);
 }
 
 Form::Left TypedAhead::take() {
@@ -134,9 +134,7 @@ void TypedAhead::play() {
 void TypedAhead::drop() {
     if (held_.empty()) return;
     const std::string names = namesOf(std::exchange(held_, {}));
-    session_.sysLog("TABLE: After the refused entry not taken: " + names + ".");
-    session_.inform("The entry was refused.\nWhat was typed behind it was not taken: " + names +
-                    ".\nPlease look at the cell and enter it again.");
+    session_.notice("The entry was refused; not taken behind it: " + names + ".");
 }
 
 }  // namespace zentaq

@@ -42,11 +42,7 @@ void WaitingCommands::runLater() {
 }
 
 void WaitingCommands::handOn(const Form::Left& left) {
-    if (!left.notTaken.empty()) {
-        session_.sysLog("TABLE: Closed before " + left.notTaken + ".");
-        session_.inform("The table was closed.\nWhat was typed behind that was not taken: " + left.notTaken +
-                        ".");
-    }
+    if (!left.notTaken.empty()) session_.notice("The table was closed; not taken: " + left.notTaken + ".");
     if (left.commands.empty() || dropped_) return;
     handedOn_.insert(handedOn_.end(), left.commands.begin(), left.commands.end());
     QTimer::singleShot(0, this, &WaitingCommands::runHandedOn);

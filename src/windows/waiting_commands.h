@@ -28,7 +28,7 @@ class WaitingCommands : public QObject {
     /// From the event loop, one after the other: what shows a box ends before the next begins.
     void later(const std::function<void()>& something);
     /// What was typed for the program goes on without the window that it waited for; the keys that meant that
-    /// window alone are told in one box.
+    /// window alone are told in one line.
     void handOn(const Form::Left& left);
     /// The program ends: nothing is handed on any more.
     void drop();

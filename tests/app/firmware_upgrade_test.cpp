@@ -341,7 +341,7 @@ TEST_F(FirmwareUpgrade, CommandsThatWouldDisturbAreRefusedInTheStripAndKillEngin
     constexpr std::size_t kill = 5;
     for (std::size_t i = 0; i < disturbing.size(); ++i) {
         boxes().clear();
-        session.notices.dismiss();
+        session.notices.dismiss(0);
         disturbing[i]();
         if (i == kill) {
             EXPECT_THAT(boxes(), ElementsAre(IsBox("Zentaq4", running)));

@@ -420,7 +420,8 @@ TEST_F(ZeroAdvanceThatEnds, LetsThePortsBeSearched) {
     commands.unit.autodetectPort();
     EXPECT_EQ(asked(), 1);
     EXPECT_GT(fake.port.opens, opens);
-    EXPECT_EQ(box().text, "Could not Find ORB Unit.  Please check the serial connection.");
+    EXPECT_EQ(session.notices.text(fake.clock.nowUs),
+              "Could not Find ORB Unit.  Please check the serial connection.");
     EXPECT_FALSE(logged("stayed with it"));
 }
 
@@ -520,7 +521,9 @@ TEST_F(Commands, AFailedPortSearchGoesBackToTheUsersPort) {
     fake.yield.passing = [this] { fake.clock.nowUs += 60'000; };
     session.link.commPort(1);
     EXPECT_EQ(commands.unit.autodetectPort(), 0);
-    EXPECT_EQ(box().text, "Could not Find ORB Unit.  Please check the serial connection.");
+    EXPECT_THAT(boxes(), IsEmpty());
+    EXPECT_EQ(session.notices.text(fake.clock.nowUs),
+              "Could not Find ORB Unit.  Please check the serial connection.");
     EXPECT_EQ(session.link.commPort(), 1);
     EXPECT_TRUE(fake.port.isOpen());
 }

@@ -625,8 +625,8 @@ TEST_F(OptionsTest, ASearchWithoutAUnitTellsAndKeepsThePort) {
     session.link.commPort(4);
     Options options(session);
     EXPECT_EQ(options.detectPort(commands.unit), 0);
-    ASSERT_EQ(dialogs.boxes.size(), 1u);
-    EXPECT_EQ(box().text, "Could not Find ORB Unit.  Please check the serial connection.");
+    EXPECT_EQ(session.notices.text(fake.clock.nowUs),
+              "Could not Find ORB Unit.  Please check the serial connection.");
     EXPECT_EQ(options.value("cmbCOMM"), "4");
     EXPECT_EQ(read("CommPort"), "4");
 }

@@ -395,7 +395,9 @@ TEST_F(PortSearch, ASecondOneIsRefusedWhileOneRunsAndTheFirstGoesOn) {
     EXPECT_EQ(second, 0);
     EXPECT_EQ(opensThen, 0) << "the port of the first search stays as it is";
     EXPECT_TRUE(logged("A unit is being searched on the ports.  Please wait until that has ended."));
-    EXPECT_EQ(session.notices.text(fake.clock.nowUs), "") << "it goes with the search";
+    EXPECT_EQ(session.notices.text(fake.clock.nowUs),
+              "Could not Find ORB Unit.  Please check the serial connection.");
+    EXPECT_EQ(session.notices.count(fake.clock.nowUs), 1) << "the other one has gone with the search";
 }
 
 TEST_F(PortSearch, NoOtherPortIsChosenUnderIt) {

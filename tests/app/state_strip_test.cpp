@@ -7,6 +7,7 @@
 #include <set>
 
 #include "app/command_fixture.h"
+#include "app/strip_facts.h"
 
 namespace zentaq {
 
@@ -32,24 +33,6 @@ std::string reading(const StripFacts& facts) {
         if (!one.text.empty()) text += (text.empty() ? "" : " | ") + one.text;
     }
     return text;
-}
-
-/// An engine runs, and the calibration in hand is that of its unit.
-StripFacts tuning() {
-    return {.portOpen = true,
-            .unitFound = true,
-            .identified = true,
-            .port = "1",
-            .unit = "ORB A 001234",
-            .firmware = "ZQA5099",
-            .panel3 = "ZQA5099",
-            .onFly = true,
-            .framesCome = true,
-            .framesCame = true,
-            .inHand = true,
-            .kindAgrees = true,
-            .model = "ORB A",
-            .file = "tune.ZQ4OA"};
 }
 
 // ---- What is read
@@ -317,11 +300,20 @@ TEST_F(StateStripOfSession, ANoticeStandsInTheLogAndForAWhileInTheStrip) {
     session.notice("The search for a unit was ended.");
     EXPECT_TRUE(logged("The search for a unit was ended."));
     EXPECT_EQ(text(StripPart::Notice), "The search for a unit was ended.");
+    session.notices.userIsThere(fake.clock.nowUs);
     fake.clock.nowUs += Notices::standsUs;
     EXPECT_EQ(text(StripPart::Notice), "");
-    session.notice("Another.");
-    session.notices.dismiss();
-    EXPECT_EQ(text(StripPart::Notice), "");
+}
+
+TEST_F(StateStripOfSession, NoticesStandBehindEachOther) {
+    session.notice("One.");
+    session.notice("Two.");
+    const StripRow both = row(stripFacts(session), StripPart::Notice);
+    EXPECT_EQ(both.text, "Two. (+1 more)");
+    EXPECT_EQ(both.meaning,
+              "Press to put this message away and to read the one before it. It stands in the console too.");
+    session.notices.dismiss(fake.clock.nowUs);
+    EXPECT_EQ(text(StripPart::Notice), "One.");
 }
 
 TEST_F(StateStripOfSession, ASearchThatIsEndedFindsNothingAndGivesTheOwnPortBack) {

@@ -8,6 +8,7 @@
 #include <QElapsedTimer>
 #include <QMouseEvent>
 
+#include "app/strip_facts.h"
 #include "windows/key_press.h"
 #include "windows/window_fixture.h"
 
@@ -17,24 +18,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-StripFacts tuning() {
-    return {.portOpen = true,
-            .unitFound = true,
-            .identified = true,
-            .port = "1",
-            .unit = "ORB A 001234",
-            .firmware = "ZQA5099",
-            .panel3 = "ZQA5099",
-            .onFly = true,
-            .changesNotStored = true,
-            .framesCome = true,
-            .inHand = true,
-            .modified = true,
-            .kindAgrees = true,
-            .model = "ORB A",
-            .file = "tune.ZQ4OA"};
-}
-
 class StateStripViewTest : public testing::Test {
  protected:
     QWidget window;
@@ -42,7 +25,7 @@ class StateStripViewTest : public testing::Test {
 
     StateStripViewTest() {
         strip.resize(4000, strip.sizeHint().height());
-        strip.show(stripRows(tuning()));
+        strip.show(stripRows(changing()));
         window.show();
     }
     void activate() {
@@ -120,7 +103,7 @@ TEST_F(StateStripViewTest, AScreenReaderHearsTheTextAndBehindItTheMeaning) {
     EXPECT_EQ(said("stripUnit", QAccessible::Name), "ORB A 001234");
     EXPECT_EQ(said("stripUnit", QAccessible::Description),
               "On the link is ORB A 001234, firmware ZQA5099. Press to ask it again who it is.");
-    StripFacts lost = tuning();
+    StripFacts lost = changing();
     lost.unitFound = lost.identified = false;
     lost.unitLost = true;
     say(lost);
@@ -167,7 +150,7 @@ TEST_F(StateStripViewTest, APartThatGoesGivesTheKeyboardBack) {
         ++left;
         window.setFocus();
     });
-    StripFacts stored = tuning();
+    StripFacts stored = changing();
     stored.changesNotStored = false;
     say(stored);
     EXPECT_EQ(left, 1);
@@ -181,30 +164,60 @@ TEST_F(StateStripViewTest, APartThatFoldsHandsTheKeyboardToTheMenu) {
 }
 
 TEST_F(StateStripViewTest, ANameOfAFileIsShownEscapedAndTakesNoKey) {
-    StripFacts facts = tuning();
+    StripFacts facts = changing();
     facts.file = "a&b <b>\x1B.ZQ4OA";
     say(facts);
     EXPECT_EQ(button("StatusBar1_Panel1")->accessibleName().toStdString(), "ORB A  a&b <b>\\x1B.ZQ4OA");
     EXPECT_TRUE(button("StatusBar1_Panel1")->shortcut().isEmpty());
 }
 
-TEST_F(StateStripViewTest, WhereThereIsRoomNoTextIsCut) {
-    for (const char* name :
-         {"new calibration", "ii.ZQ4OA", "Street 2.0 Four.ZQ4OA", "WWWWWWWWWWWWWWWW.ZQ4OA"}) {
-        StripFacts facts = tuning();
-        facts.file = name;
-        say(facts);
-        const StripButton* file = button("StatusBar1_Panel1");
-        const int inside = file->width() - 2 * space(file->fontMetrics(), Space::Normal);
-        EXPECT_EQ(file->fontMetrics().elidedText(file->accessibleName(), Qt::ElideMiddle, inside),
-                  file->accessibleName());
+/// What a button of the strip shows of its text.
+std::string shownOn(const StripButton& button) {
+    const int inside = button.width() - 2 * space(button.fontMetrics(), Space::Normal);
+    return button.fontMetrics().elidedText(button.accessibleName(), Qt::ElideMiddle, inside).toStdString();
+}
+
+TEST_F(StateStripViewTest, WhereThereIsRoomNoTextIsCutInAnySize) {
+    const std::vector<std::string> names = {"new calibration", "ii.ZQ4OA", "Street 2.0 Four.ZQ4OA",
+                                            "WWWWWWWWWWWWWWWW.ZQ4OA"};
+    for (double points = 9; points < 30; points += 0.7) {
+        for (auto* one : strip.findChildren<StripButton*>()) {
+            QFont font = one->font();
+            font.setPointSizeF(points);
+            one->setFont(font);
+        }
+        for (const std::string& name : names) {
+            StripFacts facts = changing();
+            facts.file = name;
+            say(facts);
+            EXPECT_EQ(shownOn(*button("StatusBar1_Panel1")), "ORB A  " + name) << points;
+        }
     }
+}
+
+TEST_F(StateStripViewTest, ATextComesWholeAsSoonAsWhatTookItsRoomHasGone) {
+    StripFacts facts = changing();
+    facts.file = "Street 2.0 Four with the long runners.ZQ4OA";
+    facts.notice = "The search for a unit was ended, and the port is the one that it was before.";
+    facts.notices = 1;
+    strip.resize(1700, strip.height());
+    say(facts);
+    ASSERT_NE(shownOn(*button("StatusBar1_Panel1")), "ORB A  " + facts.file) << "the message comes first";
+    facts.notice.clear();
+    say(facts);
+    EXPECT_EQ(shownOn(*button("StatusBar1_Panel1")), "ORB A  " + facts.file);
+}
+
+TEST_F(StateStripViewTest, WhatMayBeCutIsToldWholeUnderThePointer) {
+    EXPECT_EQ(button("StatusBar1_Panel1")->toolTip().toStdString(),
+              plainTip("ORB A  tune.ZQ4OA\nThe calibration in hand. Press to save it under another name.")
+                  .toStdString());
 }
 
 TEST_F(StateStripViewTest, TheSameRowsAgainTouchNothing) {
     const QRect before = button("stripUnit")->geometry();
     button("stripUnit")->setGeometry(1, 1, 5, 5);
-    say(tuning());
+    say(changing());
     EXPECT_EQ(button("stripUnit")->geometry(), QRect(1, 1, 5, 5)) << "no layout without a change";
     button("stripUnit")->setGeometry(before);
 }
@@ -246,6 +259,21 @@ TEST_F(StripInFrame, AMessageStandsUntilItIsPressedAway) {
     part("stripNotice")->click();
     EXPECT_EQ(text("stripNotice"), "");
     EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
+}
+
+TEST_F(StripInFrame, AMessageWaitsForThePressOfAKeyAndGoesHalfAMinuteBehindIt) {
+    fake.session.notice("Told.");
+    windows.main().refresh();
+    fake.clock.nowUs += 10 * Notices::standsUs;
+    windows.main().refresh();
+    EXPECT_EQ(text("stripNotice"), "Told.") << "nobody was there";
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_Shift, Qt::NoModifier);
+    QApplication::sendEvent(&windows.main(), &key);
+    windows.main().refresh();
+    EXPECT_EQ(text("stripNotice"), "Told.");
+    fake.clock.nowUs += Notices::standsUs;
+    windows.main().refresh();
+    EXPECT_EQ(text("stripNotice"), "");
 }
 
 TEST_F(StripInFrame, AMessageComesInABoxWhereAnotherWindowStandsInFront) {

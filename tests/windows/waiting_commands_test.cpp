@@ -130,13 +130,12 @@ TEST_F(Waiting, TheNextOneWaitsForTheBoxOfTheOneBeforeIt) {
     EXPECT_THAT(run, ElementsAre("Close"));
 }
 
-TEST_F(Waiting, WhatMeantTheWindowAloneIsToldInOneBox) {
+TEST_F(Waiting, WhatMeantTheWindowAloneIsToldInOneLine) {
     waiting.handOn({{}, "2 keys, Discard Changes"});
-    ASSERT_EQ(fake.dialogs.boxes.size(), 1u);
-    EXPECT_EQ(fake.dialogs.boxes[0].text,
-              "The table was closed.\nWhat was typed behind that was not taken: 2 keys, Discard Changes.");
-    EXPECT_THAT(fake.session.console.lines().back(),
-                HasSubstr("TABLE: Closed before 2 keys, Discard Changes."));
+    const std::string told = "The table was closed; not taken: 2 keys, Discard Changes.";
+    EXPECT_THAT(fake.dialogs.boxes, IsEmpty());
+    EXPECT_EQ(fake.session.notices.text(fake.clock.nowUs), told);
+    EXPECT_THAT(fake.session.console.lines().back(), HasSubstr(told));
 }
 
 TEST_F(Waiting, AtTheEndOfTheProgramNothingIsHandedOn) {
