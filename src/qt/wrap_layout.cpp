@@ -43,9 +43,11 @@ int WrapLayout::heightForWidth(int width) const {
     return height + spacing() * std::max(0, static_cast<int>(lines.size()) - 1);
 }
 
-int WrapLayout::lines(int width) const {
+std::vector<qsizetype> WrapLayout::lineCounts(int width) const {
     const QMargins around = contentsMargins();
-    return static_cast<int>(linesIn(width - around.left() - around.right()).size());
+    std::vector<qsizetype> counts;
+    for (const auto& line : linesIn(width - around.left() - around.right())) counts.push_back(line.size());
+    return counts;
 }
 
 QSize WrapLayout::sizeHint() const {

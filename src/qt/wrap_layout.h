@@ -22,8 +22,8 @@ class WrapLayout : public QLayout {
     Qt::Orientations expandingDirections() const override { return {}; }
     bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
-    /// How many lines there are in this width.
-    int lines(int width) const;
+    /// How many widgets stand in each line in this width.
+    std::vector<qsizetype> lineCounts(int width) const;
     /// All in one line.
     QSize sizeHint() const override;
     /// The widest widget.

@@ -23,7 +23,7 @@ TableCellPainter::TableCellPainter(TableGridView& view) : QStyledItemDelegate(&v
 void TableCellPainter::paint(QPainter* painter, const QStyleOptionViewItem& option,
                              const QModelIndex& index) const {
     const LookColors& look = view_.colors();
-    const bool keyboard = view_.hasFocus();
+    const bool keyboard = view_.hasKeyboard();
     Rgb ground = plain(view_.groundOf(index));
     // The current cell has its frame and keeps its colour in sight.
     if ((option.state & QStyle::State_Selected) != 0 && index != view_.currentIndex()) {
@@ -37,14 +37,32 @@ void TableCellPainter::paint(QPainter* painter, const QStyleOptionViewItem& opti
     painter->drawText(option.rect.adjusted(0, 0, -gap, 0),
                       Qt::AlignRight | Qt::AlignVCenter | Qt::TextDontClip,
                       index.data(Qt::DisplayRole).toString());
-    if (index != view_.currentIndex()) return;
-    const QColor frame = keyboard ? look.focus : look.edge;
+    const QColor wanted = keyboard ? look.focus : look.edge;
+    const QColor frame = outlineFor(wanted, back).value_or(wanted);
     const int width = keyboard ? edgeWidth(option.fontMetrics) : 1;
+    if ((option.state & QStyle::State_Selected) != 0) {
+        drawEndsOfSelection(*painter, option.rect, index, frame, width);
+    }
+    if (index != view_.currentIndex()) return;
     const int inset = width / 2;
-    painter->setPen(
-        QPen(outlineFor(frame, back).value_or(frame), width, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    painter->setPen(QPen(frame, width, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
     painter->setBrush(Qt::NoBrush);
     painter->drawRect(option.rect.adjusted(inset, inset, -width + inset, -width + inset));
+}
+
+// A tint alone is lost on the colors of the mixture and of the trail, and a number that is typed goes into
+// all selected cells.
+void TableCellPainter::drawEndsOfSelection(QPainter& painter, const QRect& cell, const QModelIndex& index,
+                                           const QColor& color, int width) const {
+    const auto ends = [&](int down, int across) {
+        const QModelIndex next = index.sibling(index.row() + down, index.column() + across);
+        return !next.isValid() || !view_.selectionModel()->isSelected(next);
+    };
+    const auto line = [&](const QRect& where) { painter.fillRect(where, color); };
+    if (ends(-1, 0)) line({cell.left(), cell.top(), cell.width(), width});
+    if (ends(1, 0)) line({cell.left(), cell.bottom() + 1 - width, cell.width(), width});
+    if (ends(0, -1)) line({cell.left(), cell.top(), width, cell.height()});
+    if (ends(0, 1)) line({cell.right() + 1 - width, cell.top(), width, cell.height()});
 }
 
 }  // namespace zentaq

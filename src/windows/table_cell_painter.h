@@ -1,5 +1,5 @@
 // Paints the cells of a table: ground by the core's colour, an ink that reads on it, a tint for what is
-// selected, a frame for the current cell.
+// selected and a line around all of it, a frame for the current cell.
 #pragma once
 
 #include <QStyledItemDelegate>
@@ -18,6 +18,9 @@ class TableCellPainter : public QStyledItemDelegate {
                const QModelIndex& index) const override;
 
  private:
+    void drawEndsOfSelection(QPainter& painter, const QRect& cell, const QModelIndex& index,
+                             const QColor& color, int width) const;
+
     const TableGridView& view_;
 };
 

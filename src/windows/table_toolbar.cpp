@@ -156,17 +156,14 @@ void TableToolbar::addFields() {
 
 // ---- Room
 
-int TableToolbar::lines() const {
-    return static_cast<const WrapLayout*>(layout())->lines(width());
-}
-
 void TableToolbar::fit() {
     if (fields_ == nullptr) return;
     for (QToolButton* button : buttons_) button->setToolButtonStyle(Qt::ToolButtonIconOnly);
-    const int least = lines();
+    const auto* lines = static_cast<const WrapLayout*>(layout());
+    const auto least = lines->lineCounts(width());
     for (QToolButton* button : byUse_) {
         button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-        if (lines() == least) continue;
+        if (lines->lineCounts(width()) == least) continue;
         button->setToolButtonStyle(Qt::ToolButtonIconOnly);
         break;
     }

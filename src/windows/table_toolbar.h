@@ -1,7 +1,7 @@
 // The toolbar of a table window: which view is in force and who moves the cursor, its commands, the two times
 // beside the grid and the live reading. What does not fit stands in a second line; rows of the table count
-// more than words, so that only those buttons have their captions, the most used ones first, which make no
-// line more. Nothing in it moves when captions or states change.
+// more than words: only as many buttons have their captions, the most used ones first, as push nothing into
+// another line. Nothing in it moves when captions or states change.
 #pragma once
 
 #include "qt/look.h"
@@ -61,7 +61,6 @@ class TableToolbar : public QWidget {
     QToolButton* makeButton(const QString& name, const QString& icon);
     QLabel* makeBadge(const char* name, const QString& meaning, std::span<const std::string_view> texts);
     QToolButton* button(const QString& name) const;
-    int lines() const;
     void fit();
     QLineEdit* makeTimeField(const char* name, const char* member, const char* helpKey);
     QMenu* menu(const char* name);

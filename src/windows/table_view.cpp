@@ -246,6 +246,16 @@ void TableGridView::sizeColumns(bool fixedWidth) {
     moveMarker();
 }
 
+// Cells that stay selected have other ends then. The cursor that follows the engine selects one cell, and
+// costs no more than that.
+void TableGridView::selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) {
+    QTableView::selectionChanged(selected, deselected);
+    const auto several = [](const QItemSelection& cells) {
+        return cells.size() > 1 || (cells.size() == 1 && (cells[0].width() > 1 || cells[0].height() > 1));
+    };
+    if (several(deselected) || several(selectionModel()->selection())) viewport()->update();
+}
+
 void TableGridView::mousePressEvent(QMouseEvent* event) {
     pressing_ = true;
     QTableView::mousePressEvent(event);

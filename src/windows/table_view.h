@@ -64,6 +64,8 @@ class TableGridView : public QTableView {
     /// Moves the marker, in cells of the grid: column 1.5 stands between the first two column headers.
     void placeMarker(bool visible, double row, double column);
     TableMarker& marker() { return *marker_; }
+    /// Whether current cell and selection are drawn as those with the keyboard.
+    virtual bool hasKeyboard() const { return hasFocus(); }
     /// The place of grid cell `row`, `column` in the viewport.
     QRect cellRect(int row, int column) const;
     /// How much larger than the base font the digits are.
@@ -81,6 +83,7 @@ class TableGridView : public QTableView {
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
     void updateGeometries() override;
+    void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
     void mousePressEvent(QMouseEvent* event) override;
     void setSelection(const QRect& rect, QItemSelectionModel::SelectionFlags command) override;
 

@@ -27,6 +27,7 @@
 #include <array>
 #include <functional>
 
+#include "gallery/own_widgets.h"
 #include "gallery/posing_style.h"
 #include "qt/colour_swatch.h"
 #include "qt/field_control.h"
@@ -279,6 +280,8 @@ Gallery::Gallery() : posing_(new PosingStyle) {
     addControls(*grid);
     addInstruments(*grid);
     addBadges(*grid);
+    own_ = new OwnWidgets(*posing_, this);
+    grid->addWidget(own_, grid->rowCount(), 0, 1, -1);
     addIcons(*grid);
     addColours(*grid);
     addType(*grid);
@@ -375,15 +378,18 @@ void Gallery::addBadges(QGridLayout& grid) {
 void Gallery::showMode(DisplayMode mode) {
     applyLook(*qApp, mode);
     const DashColors colors = dashColors(mode == DisplayMode::Day);
-    for (auto* label : findChildren<LiveLabel*>()) {
+    for (auto* label : inside_->findChildren<LiveLabel*>(Qt::FindDirectChildrenOnly)) {
         label->setColors(colors);
         if (label->alarm()) label->setAlarm(colors.redZone);
     }
-    for (auto* lamp : findChildren<LiveLamp*>()) {
+    for (auto* lamp : inside_->findChildren<LiveLamp*>(Qt::FindDirectChildrenOnly)) {
         lamp->setColors(colors);
         if (lamp->lit()) lamp->light(colors.redZone);
     }
-    for (auto* gauge : findChildren<GaugeWidget*>()) gauge->setColors(colors);
+    for (auto* gauge : inside_->findChildren<GaugeWidget*>(Qt::FindDirectChildrenOnly)) {
+        gauge->setColors(colors);
+    }
+    own_->showMode(mode);
     for (auto* field : findChildren<FieldControl*>()) field->mark(true);
 }
 

@@ -11,6 +11,8 @@ class QGridLayout;
 
 namespace zentaq {
 
+class OwnWidgets;
+
 enum class Pose { Normal, Hover, Focus, Pressed, Disabled };
 
 class Gallery : public QWidget {
@@ -47,6 +49,7 @@ class Gallery : public QWidget {
     std::vector<Piece> pieces_;
     QStyle* posing_;
     QWidget* inside_ = nullptr;
+    OwnWidgets* own_ = nullptr;
 };
 
 }  // namespace zentaq

@@ -8,8 +8,13 @@
 #include <QImage>
 #include <QKeyEvent>
 #include <QMenu>
+#include <filesystem>
+#include <fstream>
 #include <map>
+#include <regex>
+#include <set>
 
+#include "gallery/own_widgets.h"
 #include "qt/contrast.h"
 #include "qt/look.h"
 
@@ -181,6 +186,78 @@ TEST_P(GalleryWalk, TheKeysForDayAndNightWork) {
     QKeyEvent night(QEvent::KeyPress, Qt::Key_F8, Qt::NoModifier);
     QApplication::sendEvent(gallery_.get(), &night);
     EXPECT_EQ(appliedLook(*qApp), DisplayMode::Night);
+}
+
+/// Every class of the folder's headers that is a control of the toolkit with something of its own.
+std::set<std::string> ownControls(const std::string& folder) {
+    const std::regex derived(R"(class (\w+)(?: final)? : public (Q\w+))");
+    // No controls: what moves, stores or paints for one.
+    const std::set<std::string> others{"QObject",
+                                       "QApplication",
+                                       "QLayout",
+                                       "QProxyStyle",
+                                       "QValidator",
+                                       "QStyledItemDelegate",
+                                       "QAbstractTableModel",
+                                       "QAbstractListModel",
+                                       "QDialog",
+                                       "QMainWindow"};
+    std::set<std::string> found;
+    for (const auto& file : std::filesystem::directory_iterator(folder)) {
+        if (file.path().extension() != ".h") continue;
+        std::ifstream source(file.path());
+        for (std::string line; std::getline(source, line);) {
+            std::smatch match;
+            if (std::regex_search(line, match, derived) && !others.contains(match[2])) found.insert(match[1]);
+        }
+    }
+    return found;
+}
+
+/// Whole windows, and parts of them that are made of what the gallery has; they work on a session.
+const std::set<std::string> wholes{
+    "FrmConfig", "FrmDashBoard", "FrmEditMAPSensors", "FrmGeneralConfig", "FrmHelp",   "FrmTable",
+    "FrmSplash", "ConfigBottom", "GeneralConfigForm", "OptionFinder",     "StartPage", "PageArea"};
+
+TEST_P(GalleryWalk, ShowsEveryControlOfTheProgramsOwn) {
+    std::set<std::string> shown;
+    for (const QWidget* widget : gallery_->findChildren<QWidget*>()) {
+        for (const QMetaObject* kind = widget->metaObject(); kind != nullptr; kind = kind->superClass()) {
+            shown.insert(QByteArray(kind->className()).replace("zentaq::", "").toStdString());
+        }
+    }
+    std::set<std::string> all = ownControls(ZENTAQ_SOURCE_DIR "/src/qt");
+    all.merge(ownControls(ZENTAQ_SOURCE_DIR "/src/windows"));
+    EXPECT_GE(all.size(), 30u);
+    for (const std::string& control : all) {
+        EXPECT_TRUE(shown.contains(control) || wholes.contains(control)) << control;
+    }
+    for (const std::string& whole : wholes) EXPECT_TRUE(all.contains(whole)) << whole << " has gone";
+}
+
+TEST_P(GalleryWalk, ShowsEveryPartOfTheStateStripInEveryTone) {
+    std::set<StripPart> parts;
+    std::set<StripTone> tones;
+    for (const StripFacts& facts : stripStates()) {
+        for (const StripRow& row : stripRows(facts)) {
+            if (row.text.empty()) continue;
+            parts.insert(row.part);
+            tones.insert(row.tone);
+        }
+    }
+    EXPECT_EQ(parts.size(), stripRows({}).size());
+    EXPECT_EQ(tones.size(), 6u);
+}
+
+TEST_P(GalleryWalk, WhatHasColorsOfItsOwnFollowsTheKeysForDayAndNight) {
+    const auto pictureOfOwn = [&] { return gallery_->findChild<OwnWidgets*>()->grab().toImage(); };
+    const QImage made = pictureOfOwn();
+    const bool day = GetParam() == DisplayMode::Day;
+    for (const int key : {day ? Qt::Key_F8 : Qt::Key_F7, day ? Qt::Key_F7 : Qt::Key_F8}) {
+        QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
+        QApplication::sendEvent(gallery_.get(), &press);
+    }
+    EXPECT_EQ(pictureOfOwn(), made) << "there and back";
 }
 
 INSTANTIATE_TEST_SUITE_P(ByDayAndNight, GalleryWalk, testing::Values(DisplayMode::Day, DisplayMode::Night),
