@@ -22,7 +22,7 @@ struct LookColors {
     QColor button;          ///< of buttons and headers
     QColor disabledGround;  ///< of a field or box that takes nothing now
     QColor text;
-    QColor mutedText;  ///< captions and units beside a value; values that are not live
+    QColor mutedText;  ///< captions and units beside a value
     QColor disabledText;
     QColor border;  ///< thin lines that part and mean nothing: grids, groups
     QColor edge;    ///< around what one can enter or press, around menus and boxes, between groups of a menu

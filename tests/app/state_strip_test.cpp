@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <set>
 
+#include "app/calibration_floats.h"
 #include "app/command_fixture.h"
 #include "app/strip_facts.h"
 
