@@ -13,8 +13,10 @@ namespace zentaq {
 
 class Fold {
  public:
-    Fold(SettingsStore& settings, std::string key)
-        : settings_(settings), key_(std::move(key)), chosen_(settings.get(settings::forms, key_) == "1") {}
+    /// A store that cannot be read is passed over: open, as at the first start.
+    Fold(SettingsStore& settings, std::string key) : settings_(settings), key_(std::move(key)) {
+        skipFailing([&] { chosen_ = settings_.get(settings::forms, key_) == "1"; });
+    }
 
     bool folded() const { return chosen_ || (short_ && !openedAnyway_); }
 
@@ -50,7 +52,7 @@ class Fold {
 
     SettingsStore& settings_;
     std::string key_;
-    bool chosen_;
+    bool chosen_ = false;
     bool short_ = false;
     bool openedAnyway_ = false;
 };
