@@ -16,8 +16,9 @@ class TwoPrograms : public testing::Test {
     ContendedPort contended{application};
 
     static void expectNoneFailed(const ContendedPort::Outcomes& all, int count) {
+        RecordProperty("unheard", all.unheard);
         EXPECT_EQ(all.failed, 0) << all.firstFailure;
-        EXPECT_EQ(all.done + all.refused, count);
+        EXPECT_EQ(all.done + all.refused, count) << all.unheard << " were not heard through the terminal";
         EXPECT_GT(all.done, 0) << "all were refused";
     }
 };
