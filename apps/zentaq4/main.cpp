@@ -29,8 +29,9 @@ int run(Application& application, QtDialogs& dialogs) {
     PosixSerialPort port(clock, posixPorts, windowPort);
     QtTicker ticker(port, clock);
     ThreadedFileWriter writer;
+    ThreadedSideWork side;
     Session session(
-        {port, ticker, clock, settings, dialogs, yield, applicationFolder(), userFolder(), &writer});
+        {port, ticker, clock, settings, dialogs, yield, applicationFolder(), userFolder(), &writer, &side});
     MainCommands commands(session);
     Kernel kernel(session, commands);
     settings.onTrouble([&kernel](const std::string& trouble) { kernel.report(trouble); });

@@ -2,9 +2,11 @@
 
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <utility>
 
 #include "app/command_guards.h"
+#include "app/patience.h"
 #include "app/save_commands.h"
 #include "app/sensor_matching.h"
 #include "base/errors.h"
@@ -61,8 +63,9 @@ void FileCommands::open() {
 }
 
 void FileCommands::open(const std::string& path) {
-    std::error_code error;
-    if (!std::filesystem::exists(path, error)) {
+    const auto there = isThere(session_, path);
+    if (!there) return;
+    if (!*there) {
         session_.recentFiles.remove(path);
         return session_.notice("Not there any more: " + path);
     }
@@ -137,9 +140,8 @@ FileCommands::Next FileCommands::askAndOpen() {
 FileCommands::Next FileCommands::openChosen(const std::string& path) {
     const std::string extension = upper(extensionOf(path));
     if (isOldFileName(path)) {
-        std::error_code error;
-        const auto length = std::filesystem::file_size(path, error);
-        return openOlder(path, error ? 0 : length);
+        const auto start = startOf(path);
+        return start ? openOlder(path, start->length) : Next::Done;
     }
     // Only the first four characters count, so ".ZQ4OA" and ".ZQ4" both pass.
     if (extension.substr(0, 4) != ".ZQ4") {
@@ -147,6 +149,20 @@ FileCommands::Next FileCommands::openChosen(const std::string& path) {
                                                     "\nDo you want to enter a new filename?");
     }
     return openCalibration(path);
+}
+
+// One that cannot be read is as one that is empty: what is told of it names the file.
+std::optional<FileCommands::FileStart> FileCommands::startOf(const std::string& path) {
+    const FlagScope reading = session_.saving.beginReading();
+    const auto start = std::make_shared<FileStart>();
+    const auto fetch = [start, path] {
+        skipFailing([&] { start->bytes = knownStart(path); });
+        std::error_code error;
+        const auto length = std::filesystem::file_size(path, error);
+        start->length = error ? 0 : length;
+    };
+    if (!waitPatiently(session_, "Opening " + fileNameOf(path), fetch)) return {};
+    return *start;
 }
 
 FileCommands::Next FileCommands::openOlder(const std::string& path, std::uintmax_t length) {
@@ -216,8 +232,10 @@ FileCommands::Next FileCommands::openCalibration(const std::string& path) {
     const std::string name = fileNameOf(path);
     session_.sysLog("Opened Calibration File: " + path);
 
+    const auto start = startOf(path);
+    if (!start) return Next::Done;
     CalibrationFileKind file;
-    if (!skipFailing([&] { file = kindOfCalibrationFile(path); }) || file.slot == 0) {
+    if (!skipFailing([&] { file = kindOfCalibrationStart(start->bytes, path); }) || file.slot == 0) {
         return askAgain("File Read Error", corrupt(path));
     }
     if (!session_.hasUnit(file.slot)) {
@@ -240,15 +258,11 @@ FileCommands::Next FileCommands::openCalibration(const std::string& path) {
     // The boxes let a unit come.
     const int slot = session_.slotForFile(file.slot);
     std::string why;
-    std::string bytes;
-    const auto openBytes = [&](Unit& unit) {
-        bytes = knownStart(path);
-        unit.FileOpen(path, bytes);
-    };
+    const auto openBytes = [&](Unit& unit) { unit.FileOpen(path, start->bytes); };
     const FlagScope reading = session_.saving.beginReading();
     const Outcome outcome = read(slot, openBytes, why);
     if (outcome != Outcome::Whole) return tellNotRead(outcome, path, why);
-    session_.fileHolds = std::move(bytes);
+    session_.fileHolds = start->bytes;
     finishOpening(path);
     return Next::Done;
 }

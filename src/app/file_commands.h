@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "app/session.h"
@@ -31,6 +32,12 @@ class FileCommands {
     enum class Next { Done, AskAgain };
     Next askAndOpen();
     Next openChosen(const std::string& path);
+    struct FileStart {
+        std::string bytes;
+        std::uintmax_t length = 0;
+    };
+    /// Nothing: the user did not wait for it.
+    std::optional<FileStart> startOf(const std::string& path);
     Next openCalibration(const std::string& path);
     Next openOlder(const std::string& path, std::uintmax_t length);
     enum class Outcome { Whole, Corrupt, NeedsReference };

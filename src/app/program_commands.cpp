@@ -1,8 +1,10 @@
 #include "app/program_commands.h"
 
+#include <memory>
 #include <utility>
 
 #include "app/command_guards.h"
+#include "app/patience.h"
 #include "app/save_commands.h"
 #include "base/errors.h"
 #include "base/message_codes.h"
@@ -181,18 +183,23 @@ bool ProgramCommands::mayUpgrade(const std::string& path, const LinkedIdentity& 
 // The transfer itself takes any lines, and a file that runs out for a success. A unit would be left with half
 // a firmware, so nothing goes out of a file that is not whole.
 std::optional<std::string> ProgramCommands::readFirmware(const std::string& path) {
-    std::string text;
-    const bool whole =
-        endOnFailure([&] { text = checkFirmware(readFirmwareFile(path)).text; },
-                     [&](const std::string& why) {
-                         session_.sysLog("Firmware file not sent: " + why);
-                         session_.dialogs().show(
-                             {"Firmware File Error",
-                              fileNameOf(path) + " is no whole firmware file.\n" + why +
-                                  "\nNothing was sent to the unit.  Please get the file anew and try again.",
-                              Icon::Critical, Buttons::Ok});
-                     });
-    return whole ? std::optional(std::move(text)) : std::nullopt;
+    struct Fetched {
+        std::string text;
+        std::string why;
+    };
+    const auto fetched = std::make_shared<Fetched>();
+    const auto fetch = [fetched, path] {
+        endOnFailure([&] { fetched->text = checkFirmware(readFirmwareFile(path)).text; },
+                     [&](const std::string& why) { fetched->why = why; });
+    };
+    if (!waitPatiently(session_, "Reading " + fileNameOf(path), fetch)) return {};
+    if (fetched->why.empty()) return fetched->text;
+    session_.sysLog("Firmware file not sent: " + fetched->why);
+    session_.dialogs().show({"Firmware File Error",
+                             fileNameOf(path) + " is no whole firmware file.\n" + fetched->why +
+                                 "\nNothing was sent to the unit.  Please get the file anew and try again.",
+                             Icon::Critical, Buttons::Ok});
+    return {};
 }
 
 void ProgramCommands::startFirmware(const std::string& path, const std::string& text,

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "app/command_guards.h"
+#include "app/patience.h"
 #include "base/errors.h"
 #include "base/message_codes.h"
 #include "base/text.h"
@@ -34,8 +35,9 @@ std::string askCalibrationFile(Session& session, const std::string& suggestedNam
     std::string path = session.dialogs().saveFile(request);
     if (path.empty()) return {};
     path = calibrationFileName(path, kind);
-    std::error_code error;
-    if (!std::filesystem::exists(path, error)) return path;
+    const auto there = isThere(session, path);
+    if (!there) return {};
+    if (!*there) return path;
     const Answer answer = session.dialogs().show(
         {"File Exists", "FILE EXISTS:   " + path + "\nOverwrite?", Icon::Exclamation, Buttons::YesNo});
     return answer == Answer::Yes ? path : std::string();

@@ -35,6 +35,7 @@
 #include "platform/held_signals.h"
 #include "platform/serial_port.h"
 #include "platform/settings_store.h"
+#include "platform/side_work.h"
 #include "platform/ticker.h"
 #include "platform/yield.h"
 #include "refdata/database.h"
@@ -65,6 +66,7 @@ struct Platform {
     std::string applicationFolder;  ///< folder of the programs
     std::string userFolder;         ///< the user's documents folder + "/Zentaq"
     FileWriter* writer = nullptr;   ///< of saves beside the program's thread; nullptr: each is done at once
+    SideWork* side = nullptr;       ///< for files on a slow disk; nullptr: all is done at once
 };
 
 class Session : public UnitHost, public LinkTeller, public FileInHand {

@@ -8,7 +8,7 @@
 namespace zentaq {
 
 enum class Icon { None, Information, Question, Exclamation, Critical };
-enum class Buttons { Ok, OkCancel, YesNo };
+enum class Buttons { Ok, Cancel, OkCancel, YesNo };
 enum class Answer { Ok, Cancel, Yes, No };
 
 /// A modal box. Lines of `text` are separated by '\n'.

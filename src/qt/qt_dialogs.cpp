@@ -46,6 +46,8 @@ QMessageBox::Icon iconOf(Icon icon) {
 
 QMessageBox::StandardButtons buttonsOf(Buttons buttons) {
     switch (buttons) {
+        case Buttons::Cancel:
+            return QMessageBox::Cancel;
         case Buttons::OkCancel:
             return QMessageBox::Ok | QMessageBox::Cancel;
         case Buttons::YesNo:
@@ -58,6 +60,7 @@ QMessageBox::StandardButtons buttonsOf(Buttons buttons) {
 
 QMessageBox::StandardButton defaultOf(const Box& box) {
     if (box.buttons == Buttons::YesNo) return box.declines ? QMessageBox::No : QMessageBox::Yes;
+    if (box.buttons == Buttons::Cancel) return QMessageBox::Cancel;
     return box.declines && box.buttons == Buttons::OkCancel ? QMessageBox::Cancel : QMessageBox::Ok;
 }
 
@@ -74,7 +77,7 @@ Answer answerOf(int button, Buttons offered) {
         default:
             break;
     }
-    if (offered == Buttons::OkCancel) return Answer::Cancel;
+    if (offered == Buttons::OkCancel || offered == Buttons::Cancel) return Answer::Cancel;
     return offered == Buttons::YesNo ? Answer::No : Answer::Ok;
 }
 

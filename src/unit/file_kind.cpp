@@ -1,14 +1,12 @@
 #include "unit/file_kind.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
 
 #include "base/errors.h"
-#include "base/file_reader.h"
 #include "base/number_text.h"
 #include "base/text.h"
 #include "unit/file_floats.h"
+#include "unit/file_save.h"
 
 namespace zentaq {
 
@@ -33,16 +31,17 @@ int slotWhere(bool (*isLength)(const UnitKind&, std::uintmax_t), std::uintmax_t 
 }  // namespace
 
 CalibrationFileKind kindOfCalibrationFile(const std::string& path) {
+    return kindOfCalibrationStart(knownStart(path), path);
+}
+
+CalibrationFileKind kindOfCalibrationStart(std::string_view start, const std::string& path) {
     constexpr std::size_t headerFloats = 3;
-    const std::string header = readFileStart(path, headerFloats * floatBytes);
-    if (header.size() < headerFloats * floatBytes) {
+    if (start.size() < headerFloats * floatBytes) {
         throw FileError(path + " is no calibration file: it ends inside its header");
     }
-    const UnitKind* named = unitKindOfFile(floatAt(header, 0));
-    if (named != nullptr) return {named->slot, false, floatAt(header, 1)};
-    std::error_code error;
-    const auto length = std::filesystem::file_size(path, error);
-    return {error ? 0 : slotWhere(isUnnamedLength, length), true, 0};
+    const UnitKind* named = unitKindOfFile(floatAt(start, 0));
+    if (named != nullptr) return {named->slot, false, floatAt(start, 1)};
+    return {slotWhere(isUnnamedLength, start.size()), true, 0};
 }
 
 int kindOfOldFile(std::uintmax_t length) {

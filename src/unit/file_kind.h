@@ -20,6 +20,9 @@ struct CalibrationFileKind {
 /// Throws FileError when the file cannot be read or ends inside its header of 12 bytes.
 CalibrationFileKind kindOfCalibrationFile(const std::string& path);
 
+/// The same of a file's first bytes, all of one that is no longer than 16384.
+CalibrationFileKind kindOfCalibrationStart(std::string_view start, const std::string& path);
+
 /// The kind of an older generation's file (".BIN") of so many bytes; 0 for none.
 int kindOfOldFile(std::uintmax_t length);
 

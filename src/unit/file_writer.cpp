@@ -1,32 +1,11 @@
 #include "unit/file_writer.h"
 
-#include <pthread.h>
-
-#include <csignal>
 #include <system_error>
 #include <utility>
 
+#include "platform/signals_held_off.h"
+
 namespace zentaq {
-
-namespace {
-
-/// Signals are for the thread of the windows: a thread takes over what is held off where it is made.
-class SignalsHeldOff {
- public:
-    SignalsHeldOff() {
-        sigset_t all;
-        ::sigfillset(&all);
-        ::pthread_sigmask(SIG_SETMASK, &all, &former_);
-    }
-    ~SignalsHeldOff() { ::pthread_sigmask(SIG_SETMASK, &former_, nullptr); }
-    SignalsHeldOff(const SignalsHeldOff&) = delete;
-    SignalsHeldOff& operator=(const SignalsHeldOff&) = delete;
-
- private:
-    sigset_t former_{};
-};
-
-}  // namespace
 
 ThreadedFileWriter::~ThreadedFileWriter() {
     if (thread_.joinable()) thread_.join();

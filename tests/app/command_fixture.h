@@ -52,7 +52,7 @@ class SlowlyClosingWindows : public RecordingWindows {
 
 class ProgramTest : public ::testing::Test {
  protected:
-    explicit ProgramTest(FileWriter* disk = nullptr) : fake(disk) {}
+    explicit ProgramTest(FileWriter* disk = nullptr, SideWork* side = nullptr) : fake(disk, side) {}
 
     // ---- What the user does
     void open(const std::string& path) {
@@ -140,7 +140,7 @@ class ProgramTest : public ::testing::Test {
 /// The same with the objects of all kinds, and the reference database for what needs it.
 class CommandTest : public ProgramTest {
  protected:
-    explicit CommandTest(FileWriter* disk = nullptr) : ProgramTest(disk) {
+    explicit CommandTest(FileWriter* disk = nullptr, SideWork* side = nullptr) : ProgramTest(disk, side) {
         session.makeUnits();
         session.DatabaseFile = builtReference();
     }

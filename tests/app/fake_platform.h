@@ -215,8 +215,8 @@ struct FakeSession {
     UnitHost& forUnits = session;
     LinkTeller& forLink = session;
 
-    explicit FakeSession(FileWriter* disk = nullptr)
-        : session({port, ticker, clock, settings, dialogs, yield, folder.path(), folder.path(), disk}) {
+    explicit FakeSession(FileWriter* disk = nullptr, SideWork* side = nullptr)
+        : session({port, ticker, clock, settings, dialogs, yield, folder.path(), folder.path(), disk, side}) {
         settings.set("System", "TemperatureToggle", "0");  // numbers of tests are degrees Celsius
         session.attach(windows);
     }

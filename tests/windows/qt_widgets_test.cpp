@@ -196,6 +196,18 @@ TEST(QtDialogs, ClosingABoxByOtherMeansDeclines) {
     EXPECT_EQ(dialogs.show({"File", "?", Icon::Question, Buttons::YesNo}), Answer::No);
 }
 
+TEST(QtDialogs, ABoxThatWaitsHasCancelAlone) {
+    QtDialogs dialogs;
+    const Box waiting{.title = "Waiting for the Disk", .text = "Opening . . .", .buttons = Buttons::Cancel};
+    whenOpen<QMessageBox>([](QMessageBox& box) {
+        EXPECT_EQ(box.buttons().size(), 1);
+        box.button(QMessageBox::Cancel)->click();
+    });
+    EXPECT_EQ(dialogs.show(waiting), Answer::Cancel);
+    whenOpen<QMessageBox>([](QMessageBox& box) { box.close(); });
+    EXPECT_EQ(dialogs.show(waiting), Answer::Cancel);
+}
+
 TEST(QtDialogs, ABoxGoesWithWhatItIsAboutAndDeclines) {
     QtDialogs dialogs;
     bool running = true;

@@ -1,0 +1,23 @@
+// Waits for a disk: what takes longer than a moment is told in a box that goes by itself, and can be given up
+// there. Frames of the engine come meanwhile.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace zentaq {
+
+class Session;
+
+/// How long nothing is said.
+inline constexpr int momentMs = 200;
+
+/// Runs `work`, which owns all that it touches and throws nothing. False: the user has given it up, and
+/// whatever it comes to is of no use any more. `what` is told: "Opening tune.ZQ4OA".
+bool waitPatiently(Session& session, const std::string& what, const std::function<void()>& work);
+
+/// Whether there is a file of this name; nothing: the user has given it up.
+std::optional<bool> isThere(Session& session, const std::string& path);
+
+}  // namespace zentaq
