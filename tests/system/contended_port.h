@@ -52,7 +52,6 @@ class ContendedPort {
     /// What the session does once a second while it has no port; and gives it back, so that the other program
     /// gets its turn.
     void want() {
-        terminals_.look();
         Session& session = program_->session;
         if (resting_ > 0) {
             if (--resting_ == letGo) session.link.RS232_Close();
