@@ -56,7 +56,8 @@ KeptSplitter::~KeptSplitter() {
 }
 
 void KeptSplitter::readKept() {
-    const std::string stored = settings_.get(settings::forms, objectName().toStdString());
+    std::string stored;
+    skipFailing([&] { stored = settings_.get(settings::forms, objectName().toStdString()); });
     kept_ = partsOf(QString::fromStdString(stored));
     // All parts without any room are no place that a user has chosen.
     if (std::ranges::all_of(kept_, [](int size) { return size == 0; })) kept_.clear();

@@ -62,6 +62,19 @@ TEST(Fold, OpensWhereRoomIsShortWhenTheUserWantsItAndUntilThereIsRoomAgain) {
     EXPECT_TRUE(fold.folded());
 }
 
+TEST(Fold, IsOpenWhereTheStoreCannotBeRead) {
+    class Unreadable : public FullStore {
+     public:
+        std::string get(const std::string&, const std::string&, const std::string&) const override {
+            throw std::runtime_error("no settings");
+        }
+    } settings;
+    Fold fold(settings, "foldTree");
+    EXPECT_FALSE(fold.folded());
+    fold.toggle();
+    EXPECT_TRUE(fold.folded());
+}
+
 TEST(Fold, GoesOnWithAStoreThatTakesNothing) {
     FullStore settings;
     Fold fold(settings, "foldTree");

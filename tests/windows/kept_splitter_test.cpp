@@ -78,6 +78,24 @@ TEST_F(KeptSplitterTest, DamagedPlacesAreNone) {
     }
 }
 
+TEST_F(KeptSplitterTest, AStoreThatCannotBeReadHasNoPlace) {
+    class Unreadable : public MemorySettings {
+     public:
+        std::string get(const std::string&, const std::string&, const std::string&) const override {
+            throw std::runtime_error("no settings");
+        }
+    } unreadable;
+    KeptSplitter alone(Qt::Horizontal, "splTest", unreadable, [](int all) {
+        return QList<int>{300, all - 300};
+    });
+    alone.addWidget(new QWidget);
+    alone.addWidget(new QWidget);
+    alone.resize(1005, 100);
+    alone.show();
+    QApplication::processEvents();
+    EXPECT_NEAR(alone.sizes().at(0), 300, 5);
+}
+
 TEST_F(KeptSplitterTest, NoPartCanBePushedOutOfSight) {
     settings.set("Forms", "splTest", "0 1000");
     make();
