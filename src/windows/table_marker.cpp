@@ -32,19 +32,17 @@ QPainterPath brackets(const QRectF& area) {
     return path;
 }
 
-/// At the edges, where the lines through the point meet them.
+/// Along the edges, where the lines through the point meet them.
 QPainterPath ticks(const QRectF& area, QPointF point, double length) {
     QPainterPath path;
-    const auto line = [&](QPointF from, QPointF step) {
-        path.moveTo(from);
-        path.lineTo(from + step);
+    const auto line = [&](QPointF middle, QPointF half) {
+        path.moveTo(middle - half);
+        path.lineTo(middle + half);
     };
     const double x = std::clamp(point.x(), area.left(), area.right());
     const double y = std::clamp(point.y(), area.top(), area.bottom());
-    line({x, area.top()}, {0, length});
-    line({x, area.bottom()}, {0, -length});
-    line({area.left(), y}, {length, 0});
-    line({area.right(), y}, {-length, 0});
+    for (const double edge : {area.top(), area.bottom()}) line({x, edge}, {length / 2, 0});
+    for (const double edge : {area.left(), area.right()}) line({edge, y}, {0, length / 2});
     return path;
 }
 
@@ -61,29 +59,33 @@ void TableMarker::setColor(const QColor& color) {
     update();
 }
 
+// On the lines of the grid and not inside the cell: in the lowest rows there is no room between them and the
+// digits.
 void TableMarker::point(const QRect& cell, QPoint point, const QColor& ground) {
-    const QPoint inside = point - cell.topLeft();
-    if (cell == geometry() && inside == point_ && ground == ground_) return;
+    thick_ = std::max(thinnest, static_cast<int>(cell.height() * thicknessShare));
+    reach_ = (thick_ + 1) / 2 + rim;
+    const QRect whole = cell.marginsAdded(margins());
+    const QPoint inside = point - whole.topLeft();
+    if (whole == geometry() && inside == point_ && ground == ground_) return;
     point_ = inside;
     ground_ = ground;
-    setGeometry(cell);
+    setGeometry(whole);
     update();
 }
 
 void TableMarker::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const int thick = std::max(thinnest, static_cast<int>(height() * thicknessShare));
-    const double middle = thick / 2.0;
-    const QRectF area = QRectF(rect()).adjusted(middle, middle, -middle, -middle);
+    const QRectF area = QRectF(rect()).marginsRemoved(QMarginsF(margins()));
     QPainterPath path = brackets(area);
-    path.addPath(ticks(area, point_, thick));
+    path.addPath(ticks(area, point_, thick_));
     painter.setBrush(Qt::NoBrush);
     const auto draw = [&](const QColor& color, int width) {
         painter.setPen(QPen(color, width, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
         painter.drawPath(path);
     };
-    if (const auto outline = outlineFor(color_, ground_)) draw(*outline, thick + 2 * rim);
-    draw(color_, thick);
+    // It lies on the neighbors too, whatever color they have.
+    draw(outlineFor(color_, ground_).value_or(inkFor(color_)), thick_ + 2 * rim);
+    draw(color_, thick_);
 }
 
 }  // namespace zentaq
