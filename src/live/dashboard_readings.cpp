@@ -110,13 +110,6 @@ std::vector<DashboardReading> dashboardReadings(const LiveValues& live, Unit& un
     return readings;
 }
 
-bool isOfIgnition(std::string_view label) {
-    if (label == labelOfAirMass || label == labelOfSplit) return true;
-    return std::ranges::any_of(channels, [&](const Channel& channel) {
-        return channel.reading.label == label && channel.is(Channel::ignition);
-    });
-}
-
 std::vector<std::string_view> shownReadouts(const std::vector<DashboardReading>& readings) {
     const auto hasValue = [&](std::string_view name) {
         const DashboardReading* reading = findReading(readings, name);

@@ -25,9 +25,6 @@ struct DashboardReading {
 std::vector<DashboardReading> dashboardReadings(const LiveValues& live, Unit& unit,
                                                 const DashboardSettings& settings);
 
-/// False for a label of the fuel side.
-bool isOfIgnition(std::string_view label);
-
 /// The read-outs that a panel shows of these, the most important one first: "Air Mass" and the unit of the
 /// temperatures only with a value, and the pressure not beside an air mass.
 std::vector<std::string_view> shownReadouts(const std::vector<DashboardReading>& readings);
