@@ -60,13 +60,16 @@ class Fold {
 /// What folds in the main window. Its windows tell the room that they have and show what is said here.
 struct Folds {
     explicit Folds(SettingsStore& settings)
-        : messages(settings, "foldMessages"), tree(settings, "foldTree") {}
+        : messages(settings, "foldMessages"),
+          tree(settings, "foldTree"),
+          dashboard(settings, "foldDashboard") {}
 
     Fold messages;  ///< the consoles and the link panel
     Fold tree;
+    Fold dashboard;
 
     void toDefault() {
-        for (Fold* fold : {&messages, &tree}) fold->toDefault();
+        for (Fold* fold : {&messages, &tree, &dashboard}) fold->toDefault();
     }
 };
 

@@ -35,6 +35,10 @@ void MainCommands::toggleTree() {
     toggle(session_.folds.tree);
 }
 
+void MainCommands::toggleDashboard() {
+    toggle(session_.folds.dashboard);
+}
+
 void MainCommands::restoreLayout() {
     session_.folds.toDefault();
     session_.windows().tell(&WindowNews::foldsChanged);

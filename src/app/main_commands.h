@@ -25,9 +25,10 @@ class MainCommands {
     void help();  ///< mnuHelpContents
     void dayMode();
     void nightMode();
-    void toggleMessages();  ///< mnuFoldMessages
-    void toggleTree();      ///< mnuFoldTree
-    void restoreLayout();   ///< mnuRestoreLayout
+    void toggleMessages();   ///< mnuFoldMessages
+    void toggleTree();       ///< mnuFoldTree
+    void toggleDashboard();  ///< mnuFoldDashboard
+    void restoreLayout();    ///< mnuRestoreLayout
     /// Opens a table window; tells error NoCalibration without a calibration.
     void openTable(const std::string& table, const std::string& title);
     /// Tree click: opens a table or answers the page of `sstMenu`; -1 for a table.

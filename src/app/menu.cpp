@@ -79,6 +79,10 @@ bool treeOpen(const Session& session) {
     return !session.folds.tree.folded();
 }
 
+bool dashboardOpen(const Session& session) {
+    return !session.folds.dashboard.folded();
+}
+
 bool recentFiles(const Session& session) {
     return !session.recentFiles.paths().empty();
 }
@@ -174,6 +178,8 @@ constexpr std::array menus{
             [](MainCommands& commands) { commands.toggleMessages(); }),
     command({"mnuFoldTree", "Configuration &Tree", "mnuView", "Shift+F9", always, {}, {}, treeOpen},
             [](MainCommands& commands) { commands.toggleTree(); }),
+    command({"mnuFoldDashboard", "&Dashboard", "mnuView", "Ctrl+F9", always, {}, {}, dashboardOpen},
+            [](MainCommands& commands) { commands.toggleDashboard(); }),
     grouped(command({"mnuRestoreLayout", "&Restore Layout", "mnuView", "", always},
                     [](MainCommands& commands) { commands.restoreLayout(); })),
 

@@ -45,6 +45,7 @@ int rowsIn(const DashRoom& room) {
     const auto fit = [&](double height) {
         return static_cast<int>((room.height + room.gap) / (height + room.gap));
     };
+    if (room.oneLine) return 1;
     const int comfortable = fit(room.tileHeight * comfort);
     return std::max(1, comfortable >= 2 ? comfortable : std::min(2, fit(room.tileHeight)));
 }
@@ -57,7 +58,7 @@ class Planner {
         right_ = room.width;
         const int tilesBeside = (room.width - room.status) / (room.tileWidth + room.gap);
         if (room.status > 0 && tilesBeside >= leastBesideStatus) takeStatus();
-        takeDials();
+        if (!room.oneLine) takeDials();
         placeTiles();
     }
     DashPlan plan() && { return std::move(plan_); }
@@ -119,7 +120,8 @@ class Planner {
         const int columns = std::max(1, (left() + room_.gap) / (room_.tileWidth + room_.gap));
         const int places = columns * rows_;
         // Where hardly anything has room the numbers come first.
-        if (places < leastBesideStatus) std::erase_if(tiles_, isLamp);
+        if (!room_.oneLine && places < leastBesideStatus) std::erase_if(tiles_, isLamp);
+        leaveOutTheUnitAlone(places);
         const auto lamps = static_cast<int>(std::ranges::count_if(tiles_, isLamp));
         const int all = static_cast<int>(tiles_.size());
         if (all <= places) {
@@ -135,6 +137,12 @@ class Planner {
         const auto first = tiles_.begin() + lamps + plan_.page * perPage;
         shown.insert(shown.end(), first, first + std::min<std::ptrdiff_t>(perPage, tiles_.end() - first));
         putOnGrid(shown, columns, true);
+    }
+    /// The unit of the temperatures stands beside each of them: it alone is not worth a column.
+    void leaveOutTheUnitAlone(int places) {
+        const int before = static_cast<int>(tiles_.size()) - 1;
+        if (before < 1 || before >= places || tiles_.back() != "lblTemp") return;
+        if (before % rows_ == 0) tiles_.pop_back();
     }
     void putOnGrid(const std::vector<std::string_view>& names, int columns, bool more) {
         const int places = columns * rows_;

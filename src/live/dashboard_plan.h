@@ -20,12 +20,13 @@ struct DashArea {
 struct DashRoom {
     int width = 0;
     int height = 0;
-    int gap = 0;          ///< between two pieces
-    int tileWidth = 0;    ///< the least that a caption with its unit needs
-    int tileHeight = 0;   ///< the least for a caption above a value
-    int dialReadout = 0;  ///< the width of a read-out beside a small dial
-    int status = 0;       ///< the width of codes, inputs and outputs; 0: there is nothing to show
-    bool fuel = true;     ///< false: a unit that only ignites
+    int gap = 0;           ///< between two pieces
+    int tileWidth = 0;     ///< the least that a caption with its unit needs
+    int tileHeight = 0;    ///< the least for a caption above a value
+    int dialReadout = 0;   ///< the width of a read-out beside a small dial
+    int status = 0;        ///< the width of codes, inputs and outputs; 0: there is nothing to show
+    bool fuel = true;      ///< false: a unit that only ignites
+    bool oneLine = false;  ///< folded: read-outs alone, and of the lamps those that are lit
 };
 
 struct DashPlace {

@@ -86,6 +86,28 @@ void KeptSplitter::toDefault() {
     shareOut();
 }
 
+// Beyond its greatest length a part would stand in an empty space.
+void KeptSplitter::giveAwayWhatFolded(QList<int>& places) const {
+    int left = 0;
+    int open = -1;
+    for (int i = 0; i < count(); ++i) {
+        const QSize most = widget(i)->maximumSize();
+        const int greatest = orientation() == Qt::Horizontal ? most.width() : most.height();
+        left += std::max(0, places.at(i) - greatest);
+        places[i] = std::min(places.at(i), greatest);
+        if (greatest == QWIDGETSIZE_MAX && !widget(i)->isHidden()) open = i;
+    }
+    if (open >= 0) places[open] += left;
+}
+
+int KeptSplitter::lengthByDefault(const QWidget& part) const {
+    const QList<int> shares = byDefault_(length());
+    for (int i = 0; i < count() && i < shares.size(); ++i) {
+        if (widget(i) == &part) return shares.at(i);
+    }
+    return length();
+}
+
 void KeptSplitter::shareOut() {
     if (sharing_ || length() <= 0) return;
     const QScopedValueRollback guard(sharing_, true);
@@ -95,6 +117,7 @@ void KeptSplitter::shareOut() {
     if (shares.size() != count() || sum <= 0) return;
     QList<int> places;
     for (const int share : shares) places.append(static_cast<int>(qint64{share} * length() / sum));
+    giveAwayWhatFolded(places);
     setSizes(places);
     shared_ = shownParts();
 }

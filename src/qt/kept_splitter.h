@@ -25,6 +25,8 @@ class KeptSplitter : public QSplitter {
 
     /// Forgets where the user has put the handles.
     void toDefault();
+    /// What a part has while the user has moved no handle.
+    int lengthByDefault(const QWidget& part) const;
     /// A part has folded, opened or another size to ask for.
     void shareOut();
 
@@ -37,6 +39,7 @@ class KeptSplitter : public QSplitter {
  private:
     int length() const { return orientation() == Qt::Horizontal ? width() : height(); }
     void readKept();
+    void giveAwayWhatFolded(QList<int>& places) const;
     void moved();
     void store();
     QList<bool> shownParts() const;

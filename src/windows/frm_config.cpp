@@ -30,6 +30,7 @@ constexpr int pageTab = 1;
 constexpr int treeLetters = 24;
 constexpr int mostTree = 30;     ///< percent of the width, for the tree
 constexpr int rowsInSight = 16;  ///< of a table, whatever else there is
+constexpr int leastInSight = 8;  ///< so many before the dashboard gives way
 constexpr int barLines = 2;      ///< of text: the height of a table's tool bar
 
 /// At which no name is cut, with the bar that scrolls them.
@@ -157,6 +158,20 @@ void FrmConfig::measureRoom() {
     const int bar = sstMenu_->tabBar()->sizeHint().height() + barLines * fontMetrics().height();
     const int table = bar + TableGridView::leastHeight(rowsInSight) + splConsole_->handleWidth();
     bottom_->roomShort(height() < table + bottom_->openHeight());
+    measureDashboard(bar);
+}
+
+// By the places that all have while nothing is folded: what folds changes nothing of it.
+void FrmConfig::measureDashboard(int bar) {
+    const auto* around = qobject_cast<const KeptSplitter*>(parentWidget());
+    if (around == nullptr || around->count() < 2) return;
+    // Beside the rows: a second line of the table's bar, the bar that scrolls sideways, the folded messages.
+    const int lines = 5 * fontMetrics().height();
+    const int least = bar + TableGridView::leastHeight(leastInSight) + lines + splConsole_->handleWidth();
+    Fold& dashboard = session_.folds.dashboard;
+    const bool before = dashboard.folded();
+    dashboard.roomShort(around->lengthByDefault(*this) < least);
+    if (dashboard.folded() != before) session_.windows().tell(&WindowNews::foldsChanged);
 }
 
 void FrmConfig::resizeEvent(QResizeEvent* event) {

@@ -70,6 +70,8 @@ class FrmConfig : public QWidget, public Form {
     void foldTree();
     /// Whether sixteen rows of a table stand above what is open at the bottom.
     void measureRoom();
+    /// Whether eight stand beside an open dashboard.
+    void measureDashboard(int bar);
     void treeClicked(const QTreeWidgetItem* item);
     void showPage(int page, const QString& title);
     void showRows();

@@ -1,12 +1,14 @@
 #include "windows/frm_dashboard.h"
 
-#include <QVBoxLayout>
+#include <QHBoxLayout>
+#include <algorithm>
 #include <array>
 
 #include "app/state_strip.h"
 #include "base/settings_keys.h"
 #include "link/poller.h"
 #include "qt/colour_swatch.h"
+#include "qt/icons.h"
 #include "qt/named.h"
 #include "qt/qt_text.h"
 #include "windows/form_maker.h"
@@ -51,7 +53,7 @@ std::optional<QColor> lampColor(std::int32_t color) {
 
 }  // namespace
 
-FrmDashBoard::FrmDashBoard(Session& session, QWidget* parent)
+FrmDashBoard::FrmDashBoard(Session& session, MainCommands& commands, QWidget* parent)
     : QWidget(parent),
       Form(this),
       session_(session),
@@ -65,9 +67,17 @@ FrmDashBoard::FrmDashBoard(Session& session, QWidget* parent)
           session.platform().clock, [this] { drawReadings(); }, this, numbersUs)),
       secondTabShowing_([] { return false; }) {
     named(this, qString(window::dashboard), "Dashboard");
-    auto* whole = new QVBoxLayout(this);
+    cmdFold_ = named(new QToolButton(this), "cmdFoldDashboard");
+    cmdFold_->setAutoRaise(true);
+    cmdFold_->setFocusPolicy(Qt::TabFocus);
+    connect(cmdFold_, &QToolButton::clicked, this, [&commands] { commands.toggleDashboard(); });
+    setTabOrder(cmdFold_, panel_);
+    auto* whole = new QHBoxLayout(this);
     whole->setContentsMargins(0, 0, 0, 0);
-    whole->addWidget(panel_);
+    whole->setSpacing(0);
+    whole->addWidget(cmdFold_, 0, Qt::AlignTop);
+    whole->addWidget(panel_, 1);
+    FrmDashBoard::foldsChanged();
 
     tmrUpdate_->setTimerType(Qt::PreciseTimer);
     connect(tmrUpdate_, &QTimer::timeout, this, &FrmDashBoard::poll);
@@ -113,6 +123,21 @@ void FrmDashBoard::poll() {
 void FrmDashBoard::showLinkState() {
     const LinkStatus& status = session_.linkDisplay.status();
     panel_->showNoConnect(status.noConnectPanel, shownString(status.noConnectText));
+}
+
+// ---- Folding
+
+void FrmDashBoard::foldsChanged() {
+    const bool fold = session_.folds.dashboard.folded();
+    const QString meaning = fold ? "Open the dashboard" : "Fold the dashboard";
+    cmdFold_->setIcon(icon(fold ? "Fold" : "Unfold"));
+    cmdFold_->setAccessibleName(meaning);
+    cmdFold_->setToolTip(meaning + " (Ctrl+F9)");
+    // As with the messages: not to the next field, which may be a cell.
+    if (fold && panel_->isAncestorOf(window()->focusWidget())) cmdFold_->setFocus();
+    panel_->setFolded(fold);
+    setMaximumHeight(fold ? std::max(panel_->minimumSizeHint().height(), cmdFold_->sizeHint().height())
+                          : QWIDGETSIZE_MAX);
 }
 
 // ---- Colours
@@ -202,6 +227,7 @@ void FrmDashBoard::drawNeedles() {
     // Without a calibration there is no limiter to exceed, only the 0 of an empty cell.
     const bool knownLimiter = shownUnit().get("REV_Limiter") > 0;
     panel_->overRevLamp->light(knownLimiter ? lampColor(gauges_.overRevColour()) : std::nullopt);
+    panel_->lampsChanged();
 }
 
 void FrmDashBoard::drawReadings() {
@@ -317,6 +343,9 @@ void FrmDashBoard::nameReadings() {
     panel_->showReadouts(shownReadouts(readings));
 }
 
-template Form* makeForm<FrmDashBoard>(const FormNeeds& needs);
+template <>
+Form* makeForm<FrmDashBoard>(const FormNeeds& needs) {
+    return new FrmDashBoard(needs.session, needs.commands, needs.parent);
+}
 
 }  // namespace zentaq

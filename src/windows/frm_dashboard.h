@@ -2,11 +2,13 @@
 // Angles, texts, alarms and codes come from the core; this window puts them on the panel.
 #pragma once
 
+#include "app/main_commands.h"
 #include "app/session.h"
 #include "live/dashboard_readings.h"
 #include "live/gauges.h"
 
 #include <QTimer>
+#include <QToolButton>
 #include <QWidget>
 #include <functional>
 #include <string>
@@ -21,7 +23,7 @@ class FrmDashBoard : public QWidget, public Form {
     Q_OBJECT
 
  public:
-    explicit FrmDashBoard(Session& session, QWidget* parent = nullptr);
+    FrmDashBoard(Session& session, MainCommands& commands, QWidget* parent = nullptr);
 
     void openOn(const std::string& on, const std::string& title) override;
     void killTimers() override { Kill_Timers(); }
@@ -56,6 +58,9 @@ class FrmDashBoard : public QWidget, public Form {
     /// The face follows the unit on the link.
     void unitKindFound(int slot) override;
 
+    /// One line, or all of it, as the session says.
+    void foldsChanged() override;
+
     FrmDashBoardPanel& panel() { return *panel_; }
     /// How often the display was brought up to date.
     int redraws() const { return redraws_; }
@@ -83,6 +88,7 @@ class FrmDashBoard : public QWidget, public Form {
     QTimer* tmrUpdate_;
     QTimer* flashTimer_;
     QTimer* tmrCHKE_Status_;
+    QToolButton* cmdFold_ = nullptr;
     RedrawGate* redraw_;
     RedrawGate* numbers_;
     std::function<bool()> secondTabShowing_;

@@ -5,6 +5,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "live/dashboard_plan.h"
 #include "qt/look.h"
@@ -220,6 +221,19 @@ void FrmDashBoardPanel::bringIntoView(const QString& name) {
     }
 }
 
+void FrmDashBoardPanel::setFolded(bool folded) {
+    if (std::exchange(folded_, folded) == folded) return;
+    for (const auto& [name, label] : labels_) label->setInLine(folded);
+    page_ = 0;
+    updateGeometry();
+    arrange();
+}
+
+void FrmDashBoardPanel::lampsChanged() {
+    const int lit = int{checkEngineLamp->lit()} + 2 * int{overRevLamp->lit()};
+    if (folded_ && lit != lampsShown_) arrange();
+}
+
 void FrmDashBoardPanel::setLive(bool live) {
     live_ = live;
     placeVeil();
@@ -244,7 +258,7 @@ bool FrmDashBoardPanel::isLive() const {
 
 QSize FrmDashBoardPanel::sizeHint() const {
     const int line = fontMetrics().height();
-    return {line * 72, line * 11};
+    return {line * 72, folded_ ? minimumSizeHint().height() : line * 11};
 }
 
 /// One row of tiles.
@@ -256,6 +270,7 @@ QSize FrmDashBoardPanel::minimumSizeHint() const {
 
 QSize FrmDashBoardPanel::tileSize() const {
     QSize size = checkEngineLamp->minimumSizeHint();
+    if (folded_) size = {size.width(), QFontMetrics(typeFont(Type::Caption)).height()};
     for (const auto& [name, label] : labels_) size = size.expandedTo(label->minimumSizeHint());
     return size;
 }
@@ -279,11 +294,11 @@ void FrmDashBoardPanel::arrange() {
                         .tileWidth = tile.width(),
                         .tileHeight = tile.height(),
                         .dialReadout = beside * 5 / 4 + gap,
-                        .status = statusWidth(),
-                        .fuel = fuel_};
-    std::vector<std::string_view> tiles{"shpCheckEngine", "shpOverRev"};
-    tiles.insert(tiles.end(), readouts_.begin(), readouts_.end());
-    const DashPlan plan = planDashboard(room, tiles, page_);
+                        .status = folded_ ? 0 : statusWidth(),
+                        .fuel = fuel_,
+                        .oneLine = folded_};
+    const DashPlan plan = planDashboard(room, tilesToShow(), page_);
+    lampsShown_ = int{checkEngineLamp->lit()} + 2 * int{overRevLamp->lit()};
     page_ = plan.page;
     pages_ = plan.pages;
     placeDials(plan, {gap, gap});
@@ -292,6 +307,14 @@ void FrmDashBoardPanel::arrange() {
     instruments_ = plan.status.width > 0 ? plan.status.x : width();
     placeNoConnect();
     placeVeil();
+}
+
+std::vector<std::string_view> FrmDashBoardPanel::tilesToShow() const {
+    std::vector<std::string_view> tiles;
+    if (!folded_ || checkEngineLamp->lit()) tiles.emplace_back("shpCheckEngine");
+    if (!folded_ || overRevLamp->lit()) tiles.emplace_back("shpOverRev");
+    tiles.insert(tiles.end(), readouts_.begin(), readouts_.end());
+    return tiles;
 }
 
 void FrmDashBoardPanel::placeDials(const DashPlan& plan, QPoint at) {
@@ -340,6 +363,13 @@ bool FrmDashBoardPanel::detailOffered() const {
 
 /// Codes above, the button below, and the list between them; the chosen pin apart where there is room.
 void FrmDashBoardPanel::placeStatus(QRect area) {
+    if (folded_) {
+        for (QWidget* part :
+             std::initializer_list<QWidget*>{lblCheckEngine, txtGPIO, lstGPO, btnShowDetail}) {
+            part->hide();
+        }
+        return;
+    }
     const int gap = space(fontMetrics(), Space::Tight);
     const int line = QFontMetrics(typeFont(Type::Caption)).height();
     const bool pins = lstGPO->count() > 0;

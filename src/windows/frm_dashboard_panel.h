@@ -62,6 +62,10 @@ class FrmDashBoardPanel : public QWidget {
     void bringIntoView(const QString& name);
     /// Places everything anew: what has room follows size, unit and what there is to show.
     void arrange();
+    /// One line of the most important read-outs and of what is in alarm, or all that has room.
+    void setFolded(bool folded);
+    /// A lamp has been lit or went out: on one line only those that are lit have a place.
+    void lampsChanged();
     /// Dials and read-outs keep their last values. While these are not live a veil lies over them, with a
     /// word, because they must not look so.
     void setLive(bool live);
@@ -100,6 +104,7 @@ class FrmDashBoardPanel : public QWidget {
     QSize tileSize() const;
     int statusWidth() const;
     bool detailOffered() const;
+    std::vector<std::string_view> tilesToShow() const;
 
     DialAngles angles_;
     bool fahrenheit_ = false;
@@ -108,6 +113,8 @@ class FrmDashBoardPanel : public QWidget {
     std::map<QString, LiveLabel*> labels_;
     std::vector<std::string_view> readouts_;
     bool fuel_ = true;
+    bool folded_ = false;
+    int lampsShown_ = 0;
     bool live_ = true;
     bool waits_ = false;   ///< for a unit
     int instruments_ = 0;  ///< right edge of dials and tiles

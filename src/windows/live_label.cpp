@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 #include "qt/look.h"
 #include "qt/named.h"
@@ -122,6 +123,12 @@ void LiveLabel::setColors(const DashColors& colors) {
     update();
 }
 
+void LiveLabel::setInLine(bool on) {
+    if (std::exchange(inLine_, on) == on) return;
+    fitFonts();
+    update();
+}
+
 QSize LiveLabel::sizeHint() const {
     return minimumSizeHint();
 }
@@ -134,6 +141,12 @@ QSize LiveLabel::minimumSizeHint() const {
     value.setWeight(QFont::DemiBold);
     const double widest = std::max(head, textWidth(QFontMetricsF(value), form_.widest));
     const int line = static_cast<int>(std::ceil(metrics.height()));
+    if (inLine_) {
+        const double digits = textWidth(QFontMetricsF(value), form_.widest);
+        const int between = space(fontMetrics(), Space::Normal);
+        const double needed = metrics.horizontalAdvance(form_.caption) + between + digits;
+        return {static_cast<int>(std::ceil(needed)) + 2 * sideOf(fontMetrics()), line};
+    }
     return {static_cast<int>(std::ceil(widest)) + 2 * sideOf(fontMetrics()), 2 * line};
 }
 
@@ -141,7 +154,15 @@ void LiveLabel::resizeEvent(QResizeEvent*) {
     fitFonts();
 }
 
+void LiveLabel::fitLine() {
+    captionFont_ = typeFont(Type::Caption);
+    valueFont_ = captionFont_;
+    valueFont_.setWeight(QFont::DemiBold);
+    picture_ = {};
+}
+
 void LiveLabel::fitFonts() {
+    if (inLine_) return fitLine();
     const double room = width() - 2.0 * sideOf(fontMetrics());
     const QString head = form_.caption + QStringLiteral("  ") + form_.unit;
     captionFont_ = fitted(font(), head, room, height() * captionShare);
@@ -155,6 +176,11 @@ void LiveLabel::fitFonts() {
 }
 
 QRect LiveLabel::valueArea() const {
+    if (inLine_) {
+        const int caption = static_cast<int>(QFontMetricsF(captionFont_).horizontalAdvance(form_.caption));
+        const int left = std::min(width(), sideOf(fontMetrics()) + caption);
+        return {left, 0, width() - left, height()};
+    }
     const int top = static_cast<int>(QFontMetricsF(captionFont_).capHeight() + 2 * gapOf(height()) - 1);
     return {0, top, width(), height() - top};
 }
@@ -189,10 +215,12 @@ void LiveLabel::paintField(QPainter& painter) const {
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), rounding, rounding);
     painter.setFont(captionFont_);
     const QFontMetricsF metrics(captionFont_);
-    const double base = gapOf(height()) + metrics.capHeight();
+    const double base =
+        inLine_ ? (height() + metrics.capHeight()) / 2 : gapOf(height()) + metrics.capHeight();
     const int side = sideOf(fontMetrics());
     const QColor ink = alarm_ ? inkFor(*alarm_) : colors_.labels;
     drawOutlined(painter, QPointF(side, base), form_.caption, ink, ground);
+    if (inLine_) return;
     const double unitLeft = width() - side - metrics.horizontalAdvance(form_.unit);
     drawOutlined(painter, QPointF(unitLeft, base), form_.unit, ink, ground);
 }
@@ -206,7 +234,8 @@ void LiveLabel::paintDigits(QPainter& painter, const QRect& area) const {
     const QColor ground = alarm_.value_or(colors_.face);
     const QFontMetricsF metrics(font);
     const double digit = digitWidth(metrics);
-    const double base = area.top() + (area.height() - gapOf(height()) + metrics.capHeight()) / 2;
+    const double below = inLine_ ? 0 : gapOf(height());
+    const double base = area.top() + (area.height() - below + metrics.capHeight()) / 2;
     double right = area.right();
     // NOLINTNEXTLINE(modernize-loop-convert): from the right, without a copy of the text
     for (auto letter = text_.crbegin(); letter != text_.crend(); ++letter) {

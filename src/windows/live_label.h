@@ -40,6 +40,9 @@ class LiveLabel : public QWidget, public SpokenInstrument {
     const std::optional<QColor>& alarm() const { return alarm_; }
     void setColors(const DashColors& colors);
 
+    /// The caption before the number instead of above it, without the unit.
+    void setInLine(bool on);
+
     QSize sizeHint() const override;
     /// What its caption with its unit needs, and as tall a number below.
     QSize minimumSizeHint() const override;
@@ -56,6 +59,7 @@ class LiveLabel : public QWidget, public SpokenInstrument {
 
  private:
     void fitFonts();
+    void fitLine();
     void paintField(QPainter& painter) const;
     void paintDigits(QPainter& painter, const QRect& area) const;
     QRect valueArea() const;
@@ -63,6 +67,7 @@ class LiveLabel : public QWidget, public SpokenInstrument {
     Form form_;
     QString text_;
     std::optional<QColor> alarm_;
+    bool inLine_ = false;
     DashColors colors_;
     QFont captionFont_;
     QFont valueFont_;

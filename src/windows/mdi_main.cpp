@@ -200,6 +200,15 @@ void MdiMain::putAbove(QWidget& window) {
     centre()->insertWidget(0, &window);
     centre_->setStretchFactor(0, 0);
     centre_->setStretchFactor(1, 1);
+    foldsChanged();
+}
+
+// Behind the layout that is going on: it may be what told that room is short.
+void MdiMain::foldsChanged() {
+    refresh();
+    if (centre_ == nullptr || centre_->count() < 2) return;
+    centre_->handle(1)->setEnabled(!session_.folds.dashboard.folded());
+    QMetaObject::invokeMethod(centre_, &KeptSplitter::shareOut, Qt::QueuedConnection);
 }
 
 void MdiMain::closeNow() {

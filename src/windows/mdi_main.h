@@ -48,7 +48,7 @@ class MdiMain : public QMainWindow, public Form {
         refresh();
     }
     void look(bool day) override;
-    void foldsChanged() override { refresh(); }
+    void foldsChanged() override;
     void restoreLayout() override { restoreSplitters(*this); }
     void windowClosed() override { refresh(); }
     void follow() override;

@@ -151,6 +151,19 @@ TEST(MenuTree, WhatFoldsBearsTheMarkWhileItIsOpen) {
     EXPECT_EQ(open(), std::pair(false, true)) << "as the room allows";
 }
 
+TEST(MenuTree, DashboardFoldsFromTheMenuAndComesBackWithTheLayout) {
+    FakeSession fake;
+    MainCommands commands(fake.session);
+    const auto entries = byName();
+    const MenuEntry* entry = entries.at("mnuFoldDashboard");
+    EXPECT_EQ(entry->shortcut, "Ctrl+F9");
+    EXPECT_TRUE(entry->checked(fake.session));
+    entry->run(commands);
+    EXPECT_FALSE(entry->checked(fake.session));
+    entries.at("mnuRestoreLayout")->run(commands);
+    EXPECT_TRUE(entry->checked(fake.session));
+}
+
 TEST(MenuTree, NoTwoEntriesShareAShortcut) {
     std::set<std::string> seen;
     for (const MenuEntry& entry : menuTree()) {

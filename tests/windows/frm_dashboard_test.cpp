@@ -37,6 +37,7 @@ class PaintCounter : public QObject {
 class Dashboard : public OrbASession {
  protected:
     DashboardWindows windows;
+    MainCommands commands{fake.session};
     std::unique_ptr<FrmDashBoard> board;
 
     Dashboard() {
@@ -47,7 +48,7 @@ class Dashboard : public OrbASession {
     ~Dashboard() override { fake.session.attach(fake.windows); }
 
     void makeBoard() {
-        board = std::make_unique<FrmDashBoard>(fake.session);
+        board = std::make_unique<FrmDashBoard>(fake.session, commands);
         windows.dashboard = board.get();
         board->resize(1366, 300);
         board->show();
@@ -287,6 +288,7 @@ TEST_F(Dashboard, VeilCoversEveryDialAndReadOutButNotTheLinkPanelNorTheCodes) {
         return QRect(part->mapTo(&panel, QPoint(0, 0)), part->size());
     };
     for (const auto* label : board->findChildren<LiveLabel*>()) {
+        if (!label->isVisible()) continue;
         EXPECT_TRUE(covered.contains(placeOf(label))) << label->objectName().toStdString();
     }
     for (const auto* gauge : board->findChildren<GaugeWidget*>()) {
@@ -378,6 +380,17 @@ TEST_F(Dashboard, PollsAtTheRateOfTheSetting) {
     for (const char* name : {"tmrUpdate", "flashTimer", "tmrCHKE_Status"}) {
         EXPECT_FALSE(find<QTimer>(name)->isActive()) << name;
     }
+}
+
+TEST_F(Dashboard, ATemperatureAtItsAlarmComesIntoSightWhereItsPageIsNotOpen) {
+    fake.session.folds.dashboard.toggle();
+    board->foldsChanged();
+    board->resize(500, board->maximumHeight());
+    QApplication::processEvents();
+    ASSERT_FALSE(board->panel().label("lblCLT").isVisible());
+    fake.settings.set("System", "CLTAlarmValue", "88");
+    show(frame());
+    EXPECT_TRUE(board->panel().label("lblCLT").isVisible());
 }
 
 TEST_F(Dashboard, CoolantAtTheAlarmFlashesRedAndYellow) {
@@ -495,7 +508,7 @@ TEST_F(Dashboard, CaptionsAreElevenPixelsTallAndNothingIsCutInAnyRoom) {
 }
 
 TEST_F(Dashboard, DayIsBrightAndNightIsDark) {
-    const auto corner = [this] { return board->grab().toImage().pixelColor(1, 1).lightness(); };
+    const auto corner = [this] { return board->panel().grab().toImage().pixelColor(1, 1).lightness(); };
     board->Day_Mode();
     EXPECT_GT(corner(), 200);
     board->Night_Mode();

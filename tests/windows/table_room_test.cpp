@@ -25,6 +25,9 @@ class TableRoom : public TableWindowsTest {
     QToolButton* barButton(const char* name) {
         return form().findChild<QToolButton*>(QStringLiteral("Toolbar1_") + QLatin1String(name));
     }
+    FrmDashBoard& dashboard() { return *find<FrmDashBoard>("frmDashBoard"); }
+    QToolButton* dashboardButton() { return find<QToolButton>("cmdFoldDashboard"); }
+    bool dashboardFolded() { return dashboard().height() <= 2 * dashboard().fontMetrics().height(); }
     bool open(const char* entry) {
         windows.main().refresh();
         return find<QAction>(entry)->isChecked();
@@ -202,6 +205,58 @@ TEST_F(TableRoom, TheViewMenuKnowsWhatFoldedByItselfAMomentAgo) {
     entry->trigger();
     EXPECT_FALSE(bottom().folded()) << "opened in spite of the room";
     EXPECT_TRUE(entry->isChecked());
+}
+
+TEST_F(TableRoom, TheDashboardGivesItsRoomToTheTableWhereItIsShortAndComesBack) {
+    frame(1366, 700);
+    openVe();
+    const int high = dashboard().height();
+    EXPECT_FALSE(dashboardFolded());
+    frame(683, 345);
+    EXPECT_TRUE(dashboardFolded());
+    EXPECT_FALSE(open("mnuFoldDashboard"));
+    EXPECT_TRUE(find<LiveLabel>("lblTach")->isVisible());
+    EXPECT_TRUE(find<LiveLabel>("lblAAFR")->isVisible());
+    EXPECT_FALSE(find<QWidget>("Tachometer")->isVisible());
+    EXPECT_FALSE(find<QWidget>("shpOverRev")->isVisible()) << "dark, and gives its place to a number";
+    dashboard().panel().overRevLamp->light(QColor(Qt::red));
+    dashboard().panel().lampsChanged();
+    EXPECT_TRUE(find<QWidget>("shpOverRev")->isVisible());
+    dashboard().panel().setLive(false);
+    EXPECT_TRUE(dashboard().panel().veil->isVisible());
+    frame(1366, 700);
+    EXPECT_EQ(dashboard().height(), high);
+    EXPECT_TRUE(find<QWidget>("Tachometer")->isVisible());
+    EXPECT_EQ(fake.settings.get("Forms", "foldDashboard"), "") << "nobody has chosen anything";
+}
+
+TEST_F(TableRoom, TheDashboardFoldsByHandKeepsThatAndDecidesAboutTheKeyboard) {
+    frame(1366, 700);
+    openVe();
+    const int high = dashboard().height();
+    const int workspace = config().height();
+    activate(windows.main());
+    find<QPushButton>("btnMore")->setFocus();
+    ASSERT_TRUE(dashboard().isAncestorOf(QApplication::focusWidget()));
+    pressKey(Qt::Key_F9, Qt::ControlModifier);
+    settle();
+    EXPECT_TRUE(dashboardFolded());
+    EXPECT_EQ(QApplication::focusWidget(), dashboardButton());
+    EXPECT_GT(config().height(), workspace + high / 2);
+    EXPECT_EQ(fake.settings.get("Forms", "foldDashboard"), "1");
+    EXPECT_EQ(dashboardButton()->accessibleName(), "Open the dashboard");
+    frame(1920, 1012);
+    EXPECT_TRUE(dashboardFolded()) << "chosen by hand";
+    frame(1366, 700);
+    grid().setFocus();
+    dashboardButton()->click();
+    settle();
+    EXPECT_EQ(dashboard().height(), high);
+    EXPECT_EQ(QApplication::focusWidget(), &grid());
+    commands.toggleDashboard();
+    commands.restoreLayout();
+    settle();
+    EXPECT_EQ(dashboard().height(), high);
 }
 
 TEST_F(TableRoom, TheUsersPlaceOfTheTreeStaysWhateverFileComes) {
