@@ -224,6 +224,10 @@ void FrmDashBoardPanel::bringIntoView(const QString& name) {
 void FrmDashBoardPanel::setFolded(bool folded) {
     if (std::exchange(folded_, folded) == folded) return;
     for (const auto& [name, label] : labels_) label->setInLine(folded);
+    lblGeneral->setFont(typeFont(folded ? Type::Strong : Type::Value));
+    fraNoConnect->layout()->setContentsMargins(
+        margins(fontMetrics(), Space::Normal, folded ? Space::None : Space::Tight));
+    placeNoConnect();
     page_ = 0;
     updateGeometry();
     arrange();
@@ -270,7 +274,7 @@ QSize FrmDashBoardPanel::minimumSizeHint() const {
 
 QSize FrmDashBoardPanel::tileSize() const {
     QSize size = checkEngineLamp->minimumSizeHint();
-    if (folded_) size = {size.width(), QFontMetrics(typeFont(Type::Caption)).height()};
+    if (folded_) size.setHeight(btnMore->minimumSizeHint().height());
     for (const auto& [name, label] : labels_) size = size.expandedTo(label->minimumSizeHint());
     return size;
 }

@@ -27,7 +27,7 @@ class TableRoom : public TableWindowsTest {
     }
     FrmDashBoard& dashboard() { return *find<FrmDashBoard>("frmDashBoard"); }
     QToolButton* dashboardButton() { return find<QToolButton>("cmdFoldDashboard"); }
-    bool dashboardFolded() { return dashboard().height() <= 2 * dashboard().fontMetrics().height(); }
+    bool dashboardFolded() { return dashboard().height() <= 3 * dashboard().fontMetrics().height(); }
     bool open(const char* entry) {
         windows.main().refresh();
         return find<QAction>(entry)->isChecked();
