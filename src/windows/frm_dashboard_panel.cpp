@@ -274,7 +274,8 @@ QSize FrmDashBoardPanel::minimumSizeHint() const {
 
 QSize FrmDashBoardPanel::tileSize() const {
     QSize size = checkEngineLamp->minimumSizeHint();
-    if (folded_) size.setHeight(btnMore->minimumSizeHint().height());
+    // Of a button with one line of text, which the one for more pages has there.
+    if (folded_) size.setHeight(btnShowDetail->minimumSizeHint().height());
     for (const auto& [name, label] : labels_) size = size.expandedTo(label->minimumSizeHint());
     return size;
 }
