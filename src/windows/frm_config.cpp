@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QHBoxLayout>
+#include <QHeaderView>
 #include <QPushButton>
 #include <QTabBar>
 #include <QTreeWidgetItemIterator>
@@ -60,6 +61,10 @@ FrmConfig::FrmConfig(Session& session, MainCommands& commands, QWidget* parent)
     treeZentaq_ = named(new QTreeWidget(this), "treeZentaq", "Configuration tree");
     treeZentaq_->setHeaderHidden(true);
     treeZentaq_->setUniformRowHeights(true);
+    // A name that has no room is scrolled to, and not cut.
+    treeZentaq_->setTextElideMode(Qt::ElideNone);
+    treeZentaq_->header()->setStretchLastSection(false);
+    treeZentaq_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     connect(treeZentaq_, &QTreeWidget::itemClicked, this, &FrmConfig::treeClicked);
     connect(treeZentaq_, &QTreeWidget::itemActivated, this, &FrmConfig::treeClicked);
 

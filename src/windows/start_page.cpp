@@ -77,8 +77,8 @@ QListWidget* StartPage::makeList(const char* name, const QString& caption, QWidg
     auto* title = new QLabel(caption, column);
     auto* list = named(new QListWidget(column), name, QString(caption).remove(u'&'));
     title->setBuddy(list);
-    list->setTextElideMode(Qt::ElideMiddle);
-    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    list->setTextElideMode(Qt::ElideNone);
+    list->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     list->setUniformItemSizes(true);
     connect(list, &QListWidget::itemClicked, this, [this](const QListWidgetItem* item) { ask(*item); });
     connect(list, &QListWidget::itemActivated, this, [this](const QListWidgetItem* item) { ask(*item); });

@@ -5,6 +5,7 @@
 #include <QHeaderView>
 #include <QScrollBar>
 #include <QToolButton>
+#include <QTreeWidgetItemIterator>
 #include <set>
 
 #include "qt/wrap_layout.h"
@@ -257,6 +258,24 @@ TEST_F(TableRoom, TheDashboardFoldsByHandKeepsThatAndDecidesAboutTheKeyboard) {
     commands.restoreLayout();
     settle();
     EXPECT_EQ(dashboard().height(), high);
+}
+
+TEST_F(TableRoom, NamesOfTheTreeAreNeverCutButScrolledTo) {
+    for (const QSize room : {QSize(1366, 700), QSize(683, 345)}) {
+        frame(room.width(), room.height());
+        openVe();
+        const QFontMetrics metrics = tree().fontMetrics();
+        int widest = 0;
+        for (QTreeWidgetItemIterator at(&tree()); *at != nullptr; ++at) {
+            const QRect place = tree().visualItemRect(*at);
+            if (place.isEmpty()) continue;
+            EXPECT_GE(place.width(), metrics.horizontalAdvance((*at)->text(0)))
+                << (*at)->text(0).toStdString();
+            widest = std::max(widest, place.right());
+        }
+        EXPECT_EQ(tree().textElideMode(), Qt::ElideNone);
+        EXPECT_EQ(widest >= tree().viewport()->width(), tree().horizontalScrollBar()->maximum() > 0);
+    }
 }
 
 TEST_F(TableRoom, TheUsersPlaceOfTheTreeStaysWhateverFileComes) {
