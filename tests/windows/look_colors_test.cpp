@@ -4,6 +4,7 @@
 
 #include "qt/contrast.h"
 #include "qt/look.h"
+#include "qt/style_shapes.h"
 
 namespace zentaq {
 namespace {
@@ -36,6 +37,23 @@ TEST(LookColors, EachButTheLinesThatMeanNothingStandsInAPair) {
     std::set<std::string> all;
     for (const LookColor& row : lookTable()) all.insert(row.name);
     EXPECT_EQ(paired, all);
+}
+
+// What the style frames a badge with: the color of the look, or what is seen where that is not.
+TEST(LookColors, TheFrameOfTheKeyboardAndTheEdgeAreSeenOnEveryBadge) {
+    using Of = LookColors;
+    for (const DisplayMode mode : {DisplayMode::Day, DisplayMode::Night}) {
+        const LookColors colors = lookColors(mode);
+        for (QColor Of::*ground : {&Of::badge, &Of::goodBadge, &Of::changedBadge, &Of::warningBadge,
+                                   &Of::alarmBadge, &Of::highlight}) {
+            for (QColor Of::*mark : {&Of::focus, &Of::edge}) {
+                const QColor drawn = seenOn(colors.*mark, colors.*ground);
+                EXPECT_GE(contrast(drawn, colors.*ground), leastMarkContrast)
+                    << nameOf(mark) << " on " << nameOf(ground)
+                    << (mode == DisplayMode::Day ? " by day" : " by night");
+            }
+        }
+    }
 }
 
 TEST(LookColors, EachHasItsRow) {
