@@ -201,6 +201,8 @@ void FrmConfig::foldsChanged() {
 }
 
 void FrmConfig::focusTree() {
+    // Without a calibration there is nothing in the tree, and the first thing to do stands on the start page.
+    if (treeZentaq_->topLevelItemCount() == 0 && startPage_->isVisible()) return startPage_->takeFocus();
     treeZentaq_->isHidden() ? cmdFoldTree_->setFocus() : treeZentaq_->setFocus();
 }
 

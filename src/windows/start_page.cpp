@@ -66,8 +66,8 @@ QWidget* StartPage::makeFiles() {
     recent_ = makeList("lstRecent", "&Recent files", recent);
     auto* samples = new QWidget(files);
     samples_ = makeList("lstSamples", "Sam&ples to try", samples);
-    row->addWidget(recent, 3);
-    row->addWidget(samples, 2);
+    row->addWidget(recent, 1);
+    row->addWidget(samples, 1);
     return files;
 }
 
@@ -79,7 +79,6 @@ QListWidget* StartPage::makeList(const char* name, const QString& caption, QWidg
     title->setBuddy(list);
     list->setTextElideMode(Qt::ElideNone);
     list->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
-    list->setUniformItemSizes(true);
     connect(list, &QListWidget::itemClicked, this, [this](const QListWidgetItem* item) { ask(*item); });
     connect(list, &QListWidget::itemActivated, this, [this](const QListWidgetItem* item) { ask(*item); });
     layout->addWidget(title);

@@ -108,11 +108,11 @@ TEST_F(Focus, AClosedTableLeavesTheKeyboardToTheTree) {
     }
 }
 
-TEST_F(Focus, AClosedCalibrationLeavesItToTheTree) {
+TEST_F(Focus, AClosedCalibrationLeavesItToTheStartPage) {
     openVe();
     commands.files.close();
     settle();
-    EXPECT_EQ(focusName(), "treeZentaq");
+    EXPECT_EQ(focusName(), "cmdStartNew");
 }
 
 TEST_F(Focus, AClosedGeneralConfigurationLeavesItToTheGridOrTheTree) {

@@ -4,6 +4,9 @@
 
 #include <filesystem>
 
+#include <QScrollBar>
+#include <QTreeWidget>
+
 #include "windows/window_fixture.h"
 
 namespace zentaq {
@@ -72,6 +75,25 @@ TEST_F(StartPageTest, SamplesThatComeWithTheProgramOpen) {
     ASSERT_EQ(list("lstSamples")->count(), 1);
     click("lstSamples", 0);
     EXPECT_EQ(fake.session.CurrentFile, sample);
+}
+
+TEST_F(StartPageTest, HasTheKeyboardWhileThereIsNothingInTheTree) {
+    windows.focus(window::config);
+    EXPECT_EQ(windows.main().focusWidget(), find<QPushButton>("cmdStartNew"));
+    openCalibration();
+    windows.focus(window::config);
+    EXPECT_EQ(windows.main().focusWidget(), find<QTreeWidget>("treeZentaq"));
+    commands.files.close();
+    EXPECT_EQ(windows.main().focusWidget(), find<QPushButton>("cmdStartNew"));
+}
+
+TEST(StartPageAlone, ScrollsToTheEndOfItsLongestName) {
+    StartPage page(nullptr);
+    page.resize(400, 300);
+    page.showFiles({}, {"/samples/A.ZQ4OA", "/samples/" + std::string(80, 'w') + ".ZQ4OA"});
+    page.show();
+    QApplication::processEvents();
+    EXPECT_GT(page.findChild<QListWidget*>("lstSamples")->horizontalScrollBar()->maximum(), 0);
 }
 
 TEST(StartPageAlone, ShowsNamesEscaped) {
