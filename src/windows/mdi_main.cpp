@@ -120,6 +120,11 @@ void MdiMain::makeToolbar() {
         buttons_.emplace_back(&button, action);
     }
     addToolBar(toolbar_);
+    // The toolkit's own, where there is no room for all buttons.
+    if (auto* rest = toolbar_->findChild<QToolButton*>("qt_toolbar_ext_button")) {
+        rest->setAccessibleName("More commands");
+        rest->setToolTip("More commands");
+    }
 }
 
 void MdiMain::pressed(const ToolbarButton& button) {

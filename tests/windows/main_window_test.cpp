@@ -41,6 +41,15 @@ class MainWindow : public WindowTest {
     }
 };
 
+TEST_F(MainWindow, TheButtonForWhatHasNoRoomInTheToolBarHasAName) {
+    windows.main().resize(400, 600);
+    QApplication::processEvents();
+    auto* rest = find<QToolBar>("Toolbar1")->findChild<QToolButton*>("qt_toolbar_ext_button");
+    ASSERT_NE(rest, nullptr);
+    ASSERT_TRUE(rest->isVisible());
+    EXPECT_EQ(rest->accessibleName(), "More commands");
+}
+
 TEST_F(MainWindow, HasTheTitleOfTheSystem) {
     EXPECT_EQ(windows.main().windowTitle(), "Norvalia Zentaq Engine Management System");
     EXPECT_EQ(windows.main().objectName(), "mdiMain");
