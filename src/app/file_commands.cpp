@@ -63,9 +63,9 @@ void FileCommands::open() {
 }
 
 void FileCommands::open(const std::string& path) {
-    const auto there = isThere(session_, path);
-    if (!there) return;
-    if (!*there) {
+    const auto found = lookAt(session_, path);
+    if (!found) return;
+    if (!found->there) {
         session_.recentFiles.remove(path);
         return session_.notice("Not there any more: " + path);
     }
@@ -141,7 +141,7 @@ FileCommands::Next FileCommands::openChosen(const std::string& path) {
     const std::string extension = upper(extensionOf(path));
     if (isOldFileName(path)) {
         const auto start = startOf(path);
-        return start ? openOlder(path, start->length) : Next::Done;
+        return start ? openOlder(path, *start) : Next::Done;
     }
     // Only the first four characters count, so ".ZQ4OA" and ".ZQ4" both pass.
     if (extension.substr(0, 4) != ".ZQ4") {
@@ -155,30 +155,38 @@ FileCommands::Next FileCommands::openChosen(const std::string& path) {
 std::optional<FileCommands::FileStart> FileCommands::startOf(const std::string& path) {
     const FlagScope reading = session_.saving.beginReading();
     const auto start = std::make_shared<FileStart>();
-    const auto fetch = [start, path] {
-        skipFailing([&] { start->bytes = knownStart(path); });
+    const auto fetch = [start, path, applicationFolder = session_.applicationFolder()] {
+        endOnFailure([&] { start->bytes = knownStart(path); },
+                     [&](const std::string& why) { start->why = why; });
+        start->length = start->bytes.size();
         std::error_code error;
-        const auto length = std::filesystem::file_size(path, error);
-        start->length = error ? 0 : length;
+        if (!start->why.empty() || start->length == knownBytes) {
+            start->length = std::filesystem::file_size(path, error);
+        }
+        if (error) start->length = start->bytes.size();
+        start->sample = isSample(path, applicationFolder);
     };
     if (!waitPatiently(session_, "Opening " + fileNameOf(path), fetch)) return {};
     return *start;
 }
 
-FileCommands::Next FileCommands::openOlder(const std::string& path, std::uintmax_t length) {
-    const int slot = kindOfOldFile(length);
+FileCommands::Next FileCommands::openOlder(const std::string& path, const FileStart& start) {
+    const int slot = kindOfOldFile(start.length);
     if (slot == 0) {
         return askAgain("File Format Error",
-                        "INCORRECT FILE SIZE:   " + std::to_string(length) + "\nEnter a new filename?");
+                        "INCORRECT FILE SIZE:   " + std::to_string(start.length) + "\nEnter a new filename?");
     }
     session_.sysLog("Opened Bin File: " + path);
     std::string why;
     const FlagScope reading = session_.saving.beginReading();
-    const Outcome outcome = read(
-        slot, [&](Unit& unit) { unit.OldFileOpen(path); }, why);
+    const auto openBytes = [&](Unit& unit) {
+        if (!start.why.empty()) throw FileError(start.why);
+        unit.OldFileOpen(path, start.bytes);
+    };
+    const Outcome outcome = read(slot, openBytes, why);
     if (outcome != Outcome::Whole) return tellNotRead(outcome, path, why);
     session_.inform("This is an old format file.  You MUST do a 'Save As...' to save the file again.");
-    finishOpening(path);
+    finishOpening(path, start);
     session_.fileHolds.reset();  // never written over
     return Next::Done;
 }
@@ -263,7 +271,7 @@ FileCommands::Next FileCommands::openCalibration(const std::string& path) {
     const Outcome outcome = read(slot, openBytes, why);
     if (outcome != Outcome::Whole) return tellNotRead(outcome, path, why);
     session_.fileHolds = start->bytes;
-    finishOpening(path);
+    finishOpening(path, *start);
     return Next::Done;
 }
 
@@ -275,7 +283,7 @@ void FileCommands::repairOldFields() {
     session_.messages.tell(unit.set("TPS_MARGIN_VALUE", 0.08));
 }
 
-void FileCommands::finishOpening(const std::string& path) {
+void FileCommands::finishOpening(const std::string& path, const FileStart& start) {
     Unit& unit = session_.currentUnitObject();
     unit.BinFile(path);
     repairOldFields();
@@ -288,9 +296,9 @@ void FileCommands::finishOpening(const std::string& path) {
     }
     session_.FileFilterIndex = unit.kind().fileFilter;
     session_.CurrentFile = path;
-    session_.fileNamed(path);
+    session_.fileNamed(path, start.sample);
     session_.sysLog("Loaded Calibration: " + path);
-    if (!isOldFileName(path)) noteShortFile(path);
+    if (!isOldFileName(path)) noteShortFile(start.length);
     session_.DataModified = false;
     // The box lets units come and go.
     if (session_.link.kindInHand() && session_.Monitoring) session_.applyMonitorMode();
@@ -305,13 +313,11 @@ void FileCommands::finishOpening(const std::string& path) {
 
 // Kept: a file of any length loads, and cells behind its end are 0, because older programs wrote fewer. The
 // log says it of each; one as short as no program wrote it has been cut, and a box says so.
-void FileCommands::noteShortFile(const std::string& path) {
+void FileCommands::noteShortFile(std::uintmax_t length) {
     constexpr std::uintmax_t headerBytes = 12;
     const auto whole =
         headerBytes + 4 * static_cast<std::uintmax_t>(session_.currentUnitObject().kind().fileFloats);
-    std::error_code error;
-    const auto length = std::filesystem::file_size(path, error);
-    if (error || length >= whole) return;
+    if (length >= whole) return;
     session_.sysLog("Short file: " + std::to_string(length) + " of " + std::to_string(whole) +
                     " bytes. What is missing was taken as 0.");
 }

@@ -35,20 +35,22 @@ class FileCommands {
     struct FileStart {
         std::string bytes;
         std::uintmax_t length = 0;
+        bool sample = false;
+        std::string why;  ///< it could not be read
     };
     /// Nothing: the user did not wait for it.
     std::optional<FileStart> startOf(const std::string& path);
     Next openCalibration(const std::string& path);
-    Next openOlder(const std::string& path, std::uintmax_t length);
+    Next openOlder(const std::string& path, const FileStart& start);
     enum class Outcome { Whole, Corrupt, NeedsReference };
     /// Reads a file into the object of a slot, which becomes the current one. When it cannot be read there is
     /// a line in the log, and all is as before.
     Outcome read(int slot, const std::function<void(Unit&)>& file, std::string& why);
     Next tellNotRead(Outcome outcome, const std::string& path, const std::string& why);
     Next askAgain(const std::string& title, const std::string& text);
-    void finishOpening(const std::string& path);
+    void finishOpening(const std::string& path, const FileStart& start);
     void repairOldFields();
-    void noteShortFile(const std::string& path);
+    void noteShortFile(std::uintmax_t length);
     void tellCutFile(const std::string& path);
     void closeNow();
     void finishClosing();

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "app/save_commands.h"
 #include "app/session.h"
 #include "base/field.h"
 #include "config/injector_sizing.h"
@@ -96,11 +97,11 @@ class GeneralConfig {
 
     void saveNew(const Saved& then);
     void saveInHand(const Saved& then);
-    void storeNew(const std::string& path, const Calibration& entered, const Saved& then);
-    void beginSavingNew(const std::string& path, const Calibration& entered, const Saved& then);
+    void storeNew(const ChosenFile& file, const Calibration& entered, const Saved& then);
+    void beginSavingNew(const ChosenFile& file, const Calibration& entered, const Saved& then);
     bool fillWithDefaults();
     void tellNotSaved(const std::string& why);
-    void finishSaving(const std::string& path, const FileSaved& saved);
+    void finishSaving(const ChosenFile& file, const FileSaved& saved);
     void storeConfig();
     void tell(const std::string& title, const std::string& text);
 

@@ -83,6 +83,7 @@ void GeneralConfig::begin(const ModelEntry& model) {
 
     model_ = &model;
     session_.CurrentFile.clear();
+    session_.fileIsSample = false;
     session_.fileHolds.reset();
     session_.DataModified = false;
     session_.FileFilterIndex = chosen.kind().fileFilter;

@@ -50,20 +50,20 @@ void GeneralConfig::saveNew(const Saved& then) {
         return then(false);
     }
     const std::weak_ptr<bool> alive = alive_;
-    const std::string path = askCalibrationFile(session_, {}, session_.FileFilterIndex);
+    const auto chosen = askCalibrationFile(session_, {}, session_.FileFilterIndex);
     // A form that was closed meanwhile has given the former calibration back.
-    if (path.empty() || alive.expired()) return then(false);
+    if (!chosen || alive.expired()) return then(false);
     // What has been entered so far is what a failure leaves in the form.
     const Calibration entered = unit().calibration();
     if (!fillWithDefaults()) {
         unit().calibration(entered);
         return then(false);
     }
-    storeNew(path, entered, then);
+    storeNew(*chosen, entered, then);
 }
 
-void GeneralConfig::storeNew(const std::string& path, const Calibration& entered, const Saved& then) {
-    const bool begun = endOnFailure([&] { beginSavingNew(path, entered, then); },
+void GeneralConfig::storeNew(const ChosenFile& file, const Calibration& entered, const Saved& then) {
+    const bool begun = endOnFailure([&] { beginSavingNew(file, entered, then); },
                                     [&](const std::string& why) {
                                         unit().calibration(entered);
                                         tellNotSaved(why);
@@ -71,10 +71,10 @@ void GeneralConfig::storeNew(const std::string& path, const Calibration& entered
     if (!begun) then(false);
 }
 
-void GeneralConfig::beginSavingNew(const std::string& path, const Calibration& entered, const Saved& then) {
-    unit().BinFile(path);
+void GeneralConfig::beginSavingNew(const ChosenFile& file, const Calibration& entered, const Saved& then) {
+    unit().BinFile(file.path);
     const Unit::FileContent content = unit().fileContent();
-    const auto ended = [this, alive = std::weak_ptr<bool>(alive_), path, entered, content,
+    const auto ended = [this, alive = std::weak_ptr<bool>(alive_), file, entered, content,
                         then](const FileSaved& saved) {
         if (alive.expired()) return;
         if (saved.outcome != FileSaved::Outcome::Done) {
@@ -85,10 +85,10 @@ void GeneralConfig::beginSavingNew(const std::string& path, const Calibration& e
         unit().noteSaved(content);
         session_.messages.Display_Message(codes::DataSaved);
         if (alive.expired()) return;
-        finishSaving(path, saved);
+        finishSaving(file, saved);
         then(true);
     };
-    session_.saving.begin({path, content.bytes, std::nullopt}, ended);
+    session_.saving.begin({file.path, content.bytes, std::nullopt}, ended);
 }
 
 bool GeneralConfig::fillWithDefaults() {
@@ -121,16 +121,16 @@ void GeneralConfig::tellNotSaved(const std::string& why) {
                                 "folder.");
 }
 
-void GeneralConfig::finishSaving(const std::string& path, const FileSaved& saved) {
+void GeneralConfig::finishSaving(const ChosenFile& file, const FileSaved& saved) {
     formerFile_.reset();  // the new one has taken its place
     formerCalibrations_.clear();
     session_.paintMemory.erase();
-    session_.CurrentFile = path;
+    session_.CurrentFile = file.path;
     session_.fileHolds = saved.holds;
     session_.header().fileState = "OLD";
     session_.DataModified = false;
     entered_ = false;
-    session_.fileNamed(path);
+    session_.fileNamed(file.path, file.sample);
     session_.FileFilterIndex = unit().kind().fileFilter;
     storeConfig();
     showComputed();

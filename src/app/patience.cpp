@@ -7,6 +7,7 @@
 #include <mutex>
 #include <system_error>
 
+#include "app/recent_files.h"
 #include "app/session.h"
 #include "base/text.h"
 
@@ -60,14 +61,16 @@ bool waitPatiently(Session& session, const std::string& what, const std::functio
     return false;
 }
 
-std::optional<bool> isThere(Session& session, const std::string& path) {
-    const auto there = std::make_shared<bool>();
-    const auto look = [there, path] {
+std::optional<FileLook> lookAt(Session& session, const std::string& path) {
+    const auto found = std::make_shared<FileLook>();
+    const auto look = [found, path, current = session.CurrentFile, folder = session.applicationFolder()] {
         std::error_code error;
-        *there = std::filesystem::exists(path, error);
+        found->there = std::filesystem::exists(path, error);
+        found->sample = isSample(path, folder);
+        found->inHand = std::filesystem::equivalent(path, current, error) && !error;
     };
     if (!waitPatiently(session, "Looking for " + fileNameOf(path), look)) return {};
-    return *there;
+    return *found;
 }
 
 }  // namespace zentaq

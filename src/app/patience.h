@@ -17,7 +17,14 @@ inline constexpr int momentMs = 200;
 /// whatever it comes to is of no use any more. `what` is told: "Opening tune.ZQ4OA".
 bool waitPatiently(Session& session, const std::string& what, const std::function<void()>& work);
 
-/// Whether there is a file of this name; nothing: the user has given it up.
-std::optional<bool> isThere(Session& session, const std::string& path);
+/// What the disk knows of a path.
+struct FileLook {
+    bool there = false;
+    bool sample = false;  ///< in the folder of those that come with the program
+    bool inHand = false;  ///< the current file, maybe by another name
+};
+
+/// Nothing: the user has given it up.
+std::optional<FileLook> lookAt(Session& session, const std::string& path);
 
 }  // namespace zentaq

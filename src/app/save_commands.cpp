@@ -1,6 +1,5 @@
 #include "app/save_commands.h"
 
-#include <filesystem>
 #include <memory>
 #include <utility>
 
@@ -23,7 +22,8 @@ std::string todaysName(const std::string& name, const UnitKind& kind) {
 
 }  // namespace
 
-std::string askCalibrationFile(Session& session, const std::string& suggestedName, int filterIndex) {
+std::optional<ChosenFile> askCalibrationFile(Session& session, const std::string& suggestedName,
+                                             int filterIndex) {
     const UnitKind& kind = session.currentUnitObject().kind();
     FileRequest request;
     request.title = "Zentaq4 User Calibration Files";
@@ -32,15 +32,17 @@ std::string askCalibrationFile(Session& session, const std::string& suggestedNam
     request.filterIndex = filterIndex;
     request.defaultExtension = kind.extension;
     request.suggestedName = suggestedName;
-    std::string path = session.dialogs().saveFile(request);
-    if (path.empty()) return {};
-    path = calibrationFileName(path, kind);
-    const auto there = isThere(session, path);
-    if (!there) return {};
-    if (!*there) return path;
+    const std::string answered = session.dialogs().saveFile(request);
+    if (answered.empty()) return {};
+    const std::string path = calibrationFileName(answered, kind);
+    const auto found = lookAt(session, path);
+    if (!found) return {};
+    ChosenFile chosen{path, found->sample, found->inHand};
+    if (!found->there) return chosen;
     const Answer answer = session.dialogs().show(
         {"File Exists", "FILE EXISTS:   " + path + "\nOverwrite?", Icon::Exclamation, Buttons::YesNo});
-    return answer == Answer::Yes ? path : std::string();
+    if (answer != Answer::Yes) return {};
+    return chosen;
 }
 
 void SaveCommands::save() {
@@ -75,7 +77,7 @@ void SaveCommands::saveInHand(const Saved& then) {
 // user was told to use Save As. Nor is a sample.
 void SaveCommands::saveCurrent(const Saved& then) {
     const std::string& file = session_.CurrentFile;
-    if (isOldFileName(file) || isSample(file, session_.applicationFolder())) return saveUnderNewName(then);
+    if (isOldFileName(file) || session_.fileIsSample) return saveUnderNewName(then);
     if (!maySaveCutFile()) return then(false);
     saveChecked(session_.fileHolds, {}, then);
 }
@@ -186,23 +188,21 @@ void SaveCommands::saveUnderNewName(const Saved& then) {
     if (!maySaveCutFile()) return then(false);
     const InHand asked = inHand();
     const std::string name = fileNameOf(session_.CurrentFile);
-    const std::string path = askCalibrationFile(session_, todaysName(name, asked.unit->kind()));
-    if (path.empty() || !isStillInHand(asked)) return then(false);
+    const auto chosen = askCalibrationFile(session_, todaysName(name, asked.unit->kind()));
+    if (!chosen || !isStillInHand(asked)) return then(false);
     const std::string formerFile = session_.CurrentFile;
-    std::error_code error;
-    const bool sameFile = std::filesystem::equivalent(path, formerFile, error);
-    session_.currentUnitObject().BinFile(path);
-    const auto stored = [commands = *this, path]() mutable { commands.takeName(path); };
+    session_.currentUnitObject().BinFile(chosen->path);
+    const auto stored = [commands = *this, file = *chosen]() mutable { commands.takeName(file); };
     const auto ended = [&session = session_, formerFile, then](bool saved) {
         if (!saved) session.currentUnitObject().BinFile(formerFile);  // the former name stays in force
         then(saved);
     };
-    saveChecked(sameFile ? session_.fileHolds : std::nullopt, stored, ended);
+    saveChecked(chosen->inHand ? session_.fileHolds : std::nullopt, stored, ended);
 }
 
-void SaveCommands::takeName(const std::string& path) {
-    session_.CurrentFile = path;
-    session_.fileNamed(path);
+void SaveCommands::takeName(const ChosenFile& file) {
+    session_.CurrentFile = file.path;
+    session_.fileNamed(file.path, file.sample);
     session_.FileFilterIndex = session_.currentUnitObject().kind().fileFilter;
     session_.windows().tell(&WindowNews::showUnit);  // the name stands on a page
 }

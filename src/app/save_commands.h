@@ -10,8 +10,16 @@
 
 namespace zentaq {
 
-/// The file that the user gives the calibration in hand; empty where the user has thought better of it.
-std::string askCalibrationFile(Session& session, const std::string& suggestedName = {}, int filterIndex = 1);
+/// A file that the user gives the calibration in hand.
+struct ChosenFile {
+    std::string path;
+    bool sample = false;  ///< one of the program's own
+    bool inHand = false;  ///< CurrentFile, maybe by another name
+};
+
+/// Nothing where the user has thought better of it.
+std::optional<ChosenFile> askCalibrationFile(Session& session, const std::string& suggestedName = {},
+                                             int filterIndex = 1);
 
 /// All report by boxes and leave the former state on a failure. What needs a save that runs to have ended
 /// begins anew then.
@@ -49,7 +57,7 @@ class SaveCommands {
     bool isStillInHand(const InHand& asked);
     /// Asks, where the file in hand was cut, whether to save it all the same.
     bool maySaveCutFile();
-    void takeName(const std::string& path);
+    void takeName(const ChosenFile& file);
     /// What is written, what is known of the file, and what follows.
     struct SaveJob {
         Unit::FileContent content;

@@ -179,9 +179,10 @@ void Session::markModified() {
     ++userChanges_;
 }
 
-void Session::fileNamed(const std::string& path) {
+void Session::fileNamed(const std::string& path, bool sample) {
+    fileIsSample = sample;
     windows_->tell(&WindowNews::titleChanged, "Current Calibration File: " + path);
-    if (!isSample(path, platform_.applicationFolder)) recentFiles.add(path);
+    if (!sample) recentFiles.add(path);
 }
 
 // ---- UnitHost

@@ -51,6 +51,7 @@ struct FileInHand {
     FileHeader fileHeader;
     std::string CurrentFile;
     std::optional<std::string> fileHolds;  ///< what CurrentFile began with when it was read or saved last
+    bool fileIsSample = false;             ///< CurrentFile came with the program, and is not written over
     bool DataModified = false;
     int FileFilterIndex = 1;
 };
@@ -187,7 +188,7 @@ class Session : public UnitHost, public LinkTeller, public FileInHand {
     void show(const Box& box) override;
     FirmwareVersion expectedFirmware(int slot) const override;
     /// A calibration has a file: the title and the recent files tell which.
-    void fileNamed(const std::string& path);
+    void fileNamed(const std::string& path, bool sample);
     /// The unit and the file agree (true), or they do not or the link is lost (false).
     void initializeOnFly(bool on);
 

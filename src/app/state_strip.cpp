@@ -295,7 +295,7 @@ std::string_view stripName(StripPart part) {
 }
 
 bool gaugesLive(Session& session) {
-    if (session.link.transfer().active()) return false;
+    if (session.link.transfer().pending()) return false;
     const std::int64_t asked = std::int64_t{pollIntervalMs(session.settings())} * 3000;
     const std::int64_t patience = std::clamp(asked, liveUs, mostLiveUs);
     return session.unitMemory.framesCome(session.platform().clock.monotonicUs(), patience);

@@ -51,10 +51,6 @@ OldFile::OldFile(std::string_view bytes, const std::string& path) {
     }
 }
 
-OldFile OldFile::read(const std::string& path) {
-    return OldFile(readFileStart(path, longestFile), path);
-}
-
 float OldFile::at(int cell) const {
     if (cell < 0 || cell >= old::cellCount) throw BoundsError();
     return cells_[static_cast<std::size_t>(cell)];
@@ -299,8 +295,12 @@ void OldFileMove::tables() {
 }  // namespace
 
 void Unit::OldFileOpen(const std::string& path) {
+    if (kind_->hasCalibration) OldFileOpen(path, readFileStart(path, longestFile));
+}
+
+void Unit::OldFileOpen(const std::string& path, std::string_view bytes) {
     if (!kind_->hasCalibration) return;
-    OldFile file = OldFile::read(path);
+    OldFile file(bytes, path);
     host_.yield();
 
     WatchedCalibration::Step reading(inHand_);

@@ -18,9 +18,6 @@ class OldFile {
     /// Throws BoundsError when there are more floats than cells.
     OldFile(std::string_view bytes, const std::string& path);
 
-    /// Throws FileError and BoundsError.
-    static OldFile read(const std::string& path);
-
     /// Throws BoundsError outside 0 to 2500.
     float at(int cell) const;
     void put(int cell, float value);

@@ -177,6 +177,8 @@ class Unit {
     void FileOpen(const std::string& path, std::string_view bytes);
     /// Reads a file of the older generation, which has no header, and moves it to today's places.
     void OldFileOpen(const std::string& path);
+    /// The same of a file that has been read already.
+    void OldFileOpen(const std::string& path, std::string_view bytes);
     /// The calibration in hand is a new one, that no file holds yet.
     void startFile();
     void SaveFile();

@@ -99,5 +99,47 @@ TEST_F(SlowDisk, ARecentFileThatCannotBeLookedForIsNotForgotten) {
     EXPECT_THAT(titles(), ElementsAre(waiting));
 }
 
+TEST_F(SlowDisk, SavingAndNamingASampleAskTheDiskNothingButBesideTheProgram) {
+    std::filesystem::create_directory(fake.folder.path("samples"));
+    slow().awake = true;
+    open(writeFloats(fake.folder.path("samples/Turbo.ZQ4OA"), wholeFloats()));
+    EXPECT_TRUE(session.fileIsSample);
+    EXPECT_THAT(session.recentFiles.paths(), IsEmpty());
+
+    // The folder is gone as a disk is: only what was learnt of the file while it was read says what it is.
+    std::filesystem::remove_all(fake.folder.path("samples"));
+    commands.saves.save();
+    EXPECT_THAT(fake.dialogs.requests.back().title, "Zentaq4 User Calibration Files") << "under a new name";
+}
+
+TEST_F(SlowDisk, TheSameFileByAnotherNameIsKnownBesideTheProgram) {
+    slow().awake = true;
+    const std::string file = tune();
+    open(file);
+    const std::string link = fake.folder.path("link.ZQ4OA");
+    std::filesystem::create_symlink(file, link);
+    EXPECT_TRUE(lookAt(session, link)->inHand);
+    EXPECT_FALSE(lookAt(session, fake.folder.path("other.ZQ4OA"))->inHand);
+
+    slow().awake = false;
+    fake.dialogs.files = {link};
+    fake.dialogs.answers = {Answer::Cancel};
+    commands.saves.saveAs();
+    EXPECT_EQ(session.CurrentFile, file);
+    EXPECT_TRUE(logged("Looking for link.ZQ4OA: given up, the disk did not answer."));
+}
+
+TEST_F(SlowDisk, AFileOfTheOlderGenerationIsReadOnceBesideTheProgram) {
+    constexpr std::size_t floats = 8704 / 4;  // an older ORB A
+    const std::string path = writeFloats(fake.folder.path("old.BIN"), std::vector<float>(floats, 1.0F));
+    during(waiting, [&] {
+        slow().wake();
+        std::filesystem::remove(path);  // the disk goes again: what was read is whole
+    });
+    open(path);
+    EXPECT_EQ(session.CurrentFile, path);
+    EXPECT_NE(session.slotInHand(), 0);
+}
+
 }  // namespace
 }  // namespace zentaq
