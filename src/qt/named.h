@@ -1,8 +1,10 @@
 // How a control says what it is.
 #pragma once
 
+#include <QLineEdit>
 #include <QPushButton>
 #include <QString>
+#include <QToolButton>
 
 namespace zentaq {
 
@@ -17,6 +19,14 @@ template <typename Control>
 Control* named(Control* control, const QString& name, const QString& meaning) {
     control->setAccessibleName(meaning);
     return named(control, name);
+}
+
+/// With a button that empties it, which is called by what it does.
+inline void makeClearable(QLineEdit* field) {
+    field->setClearButtonEnabled(true);
+    for (auto* button : field->findChildren<QToolButton*>()) {
+        button->setAccessibleName(QStringLiteral("Empty: ") + field->accessibleName());
+    }
 }
 
 /// A screen reader says its caption.

@@ -11,6 +11,7 @@
 #include <QPointer>
 #include <QScopeGuard>
 #include <QScreen>
+#include <QSplitter>
 #include <QStyle>
 #include <QTimer>
 #include <QTreeView>
@@ -116,6 +117,9 @@ void fitFileDialog(QFileDialog& dialog, const QString& folder) {
         side->setHidden(narrow);
         const int names = side->sizeHintForColumn(0) + 4 * side->frameWidth();
         side->setMinimumWidth(std::min(names, room.width() / 4));
+        // As wide as its names, not as another program, maybe on another screen, left it.
+        if (auto* splitter = dialog.findChild<QSplitter*>(QStringLiteral("splitter")))
+            splitter->setSizes({side->minimumWidth(), room.width()});
     }
     // At large scales it asks for more than there is.
     dialog.resize((room * 2 / 3).expandedTo(dialog.sizeHint()).boundedTo(room));
@@ -205,9 +209,8 @@ std::string QtDialogs::choose(const FileRequest& request, bool save) {
     const QPointer<QFileDialog> dialog = new QFileDialog(asker(), shownString(request.title));
     const auto done = qScopeGuard([&] { delete dialog; });
     dialog->setObjectName(QStringLiteral("dlgDialog1"));
-    // That of the desktop, where it has one. For a save it would ask about an existing file by itself, and
-    // the program asks.
-    dialog->setOption(QFileDialog::DontUseNativeDialog, save);
+    // That of the desktop, where it has one. About a file that exists the program asks: a desktop that does
+    // so by itself all the same asks once more.
     dialog->setOption(QFileDialog::DontConfirmOverwrite);
     dialog->setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog->setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);

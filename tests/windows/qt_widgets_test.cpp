@@ -264,6 +264,22 @@ TEST(QtDialogs, SavingAddsTheDefaultExtensionAsksNothingAndCreatesNothing) {
     EXPECT_FALSE(std::filesystem::exists(folder.path("mine.ZQ4OA")));
 }
 
+TEST(QtDialogs, ForOpeningAndForSavingItIsThatOfTheDesktopAndAsksNothingOfItsOwn) {
+    QtDialogs dialogs;
+    int looks = 0;
+    const auto look = [&](QFileDialog& dialog) {
+        ++looks;
+        EXPECT_FALSE(dialog.testOption(QFileDialog::DontUseNativeDialog));
+        EXPECT_TRUE(dialog.testOption(QFileDialog::DontConfirmOverwrite));
+        dialog.reject();
+    };
+    whenOpen<QFileDialog>(look);
+    dialogs.openFile({});
+    whenOpen<QFileDialog>(look);
+    dialogs.saveFile({});
+    EXPECT_EQ(looks, 2);
+}
+
 TEST(QtDialogs, CancellingAFileDialogGivesAnEmptyName) {
     QtDialogs dialogs;
     whenOpen<QFileDialog>([](QFileDialog& dialog) { dialog.reject(); });

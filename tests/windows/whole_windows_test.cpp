@@ -1,9 +1,11 @@
 // Every window shows all of its texts and controls on each screen that a tuner has: the screens of this test
 // are physical ones with a title bar and a panel taken off, at the scales that a desktop sets.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QFile>
 #include <QProcess>
+#include <QSettings>
 #include <QTemporaryDir>
 
 #include "windows/every_window.h"
@@ -27,6 +29,22 @@ TEST_P(WholeWindowTest, HasNoFaults) {
 
 INSTANTIATE_TEST_SUITE_P(Every, WholeWindowTest, testing::ValuesIn(everyWindow()),
                          [](const auto& row) { return std::string(row.param.name); });
+
+class FilePromptTest : public EveryWindowTest {};
+
+TEST_F(FilePromptTest, IsWholeHoweverAnotherProgramOnAnotherScreenLeftItsOwn) {
+    for (const int left : {20, 600}) {
+        QSettings kept(QSettings::UserScope, QStringLiteral("QtProject"));
+        kept.setValue("FileDialog/sidebarWidth", left);
+        kept.sync();
+        int looks = 0;
+        fileOpenPrompt([&](QWidget& window) {
+            ++looks;
+            EXPECT_THAT(layoutFaults(window, room()), testing::IsEmpty()) << left;
+        });
+        EXPECT_EQ(looks, 1);
+    }
+}
 
 struct ScreenRow {
     const char* name;
