@@ -431,6 +431,7 @@ void FrmDashBoardPanel::placeVeil() {
     veil->setVisible(shown);
     if (!shown) return;
     veil->raise();
+    btnMore->raise();  // it works all the same
     fraNoConnect->raise();
 }
 

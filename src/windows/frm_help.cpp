@@ -160,7 +160,7 @@ QWidget* FrmHelp::makeSide() {
     auto* side = new QWidget(this);
     txtSearch_ = named(new QLineEdit(side), "txtSearch", "Search the guide");
     txtSearch_->setPlaceholderText("Search the guide (Ctrl+L)");
-    txtSearch_->setClearButtonEnabled(true);
+    makeClearable(txtSearch_);
     txtSearch_->installEventFilter(this);
     connect(txtSearch_, &QLineEdit::textChanged, this, &FrmHelp::search);
 

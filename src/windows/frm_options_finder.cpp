@@ -27,7 +27,7 @@ OptionFinder::OptionFinder(QWidget* window)
     caption->setBuddy(txtFind_);
     named(txtFind_, "txtFind", "Find an option");
     txtFind_->setPlaceholderText("A word of its caption or its purpose");
-    txtFind_->setClearButtonEnabled(true);
+    makeClearable(txtFind_);
     txtFind_->installEventFilter(this);
     connect(txtFind_, &QLineEdit::textChanged, this, &OptionFinder::find);
 

@@ -288,6 +288,21 @@ TEST_F(StateStripOfSession, GaugesAreLiveWhileFramesCome) {
     EXPECT_FALSE(gaugesLive(session));
 }
 
+TEST_F(StateStripOfSession, GaugesAreNotLiveWhileATransferRunsHoweverFreshTheLastFrameIs) {
+    std::vector<float> floats = wholeFloats(3, 5099, 2);
+    giveRisingAxes(floats);
+    open(writeFloats(fake.folder.path("tune.ZQ4OA"), floats));
+    identify(200001);
+    answer(firmwareReply("", "ZQA-504099", 39));
+    fake.forLink.heard({LinkEvent::FrameDecoded});
+    ASSERT_TRUE(gaugesLive(session));
+    commands.programming.programOrb();
+    ASSERT_TRUE(session.link.transfer().pending());
+    fake.forLink.heard({LinkEvent::FrameDecoded});
+    EXPECT_FALSE(gaugesLive(session));
+    EXPECT_EQ(text(StripPart::Gauges), "Gauges not live");
+}
+
 TEST_F(StateStripOfSession, AtASlowRateGaugesAreLiveForThreeFrames) {
     fake.settings.set("System", "ADUR", "1");
     fake.forLink.heard({LinkEvent::FrameDecoded});

@@ -275,6 +275,22 @@ TEST_F(Dashboard, VeilLiesOverTheInstrumentsWhileNoFramesComeAndSaysSo) {
     EXPECT_TRUE(veil.isHidden());
 }
 
+TEST_F(Dashboard, VeilFollowsTheFramesWithEachPollAndEachDrawing) {
+    DashBoardVeil& veil = *board->panel().veil;
+    waitsNoMore();
+    fake.forLink.heard({LinkEvent::FrameDecoded});
+    fire(find<QTimer>("tmrUpdate"));
+    waitsNoMore();
+    EXPECT_TRUE(veil.isHidden()) << "a frame has just come";
+    fake.clock.nowUs += 10'000'000;
+    fire(find<QTimer>("tmrUpdate"));
+    waitsNoMore();
+    EXPECT_FALSE(veil.isHidden()) << "none for ten seconds";
+    fake.forLink.heard({LinkEvent::FrameDecoded});
+    show(frame());
+    EXPECT_TRUE(veil.isHidden()) << "drawn with a frame";
+}
+
 TEST_F(Dashboard, VeilCoversEveryDialAndReadOutButNotTheLinkPanelNorTheCodes) {
     fire(find<QTimer>("tmrUpdate"));
     FrmDashBoardPanel& panel = board->panel();

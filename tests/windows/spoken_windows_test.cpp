@@ -130,6 +130,11 @@ class EverySpokenWindow : public EveryWindowTest, public testing::WithParamInter
         QAccessibleValueInterface* value = one.valueInterface();
         return value != nullptr && value->currentValue().isValid();
     }
+    static bool isPressed(QAccessible::Role role) {
+        return role == QAccessible::Button || role == QAccessible::CheckBox ||
+               role == QAccessible::RadioButton || role == QAccessible::ButtonMenu ||
+               role == QAccessible::ButtonDropDown;
+    }
     static bool tellsValue(QAccessible::Role role) {
         return role == QAccessible::Dial || role == QAccessible::Indicator || role == QAccessible::Slider ||
                role == QAccessible::ProgressBar || role == QAccessible::SpinBox;
@@ -153,8 +158,22 @@ TEST_P(EverySpokenWindow, NamesWhatTakesTheKeyboardAndSaysTheValueOfWhatShowsOne
         const Listener listener(window);
         for (QAccessibleInterface* one : listener.all()) {
             const bool shows = tellsValue(one->role());
-            EXPECT_TRUE(nameOf(*one) != "" || !(shows || one->state().focusable)) << placeOf(*one);
+            const bool acts = shows || isPressed(one->role()) || one->state().focusable;
+            EXPECT_TRUE(nameOf(*one) != "" || !acts) << placeOf(*one);
             EXPECT_TRUE(!shows || hasValue(*one)) << placeOf(*one);
+        }
+    });
+}
+
+TEST_P(EverySpokenWindow, SaysEachLabelAsItStands) {
+    GetParam().show(*this, [](QWidget& window) {
+        for (const QLabel* label : window.findChildren<QLabel*>()) {
+            if (label->text().isEmpty() || !label->isVisible()) continue;
+            EXPECT_EQ(QAccessible::queryAccessibleInterface(const_cast<QLabel*>(label))
+                          ->text(QAccessible::Name)
+                          .toStdString(),
+                      QString(label->text()).remove(u'&').toStdString())
+                << pathOf(*label);
         }
     });
 }

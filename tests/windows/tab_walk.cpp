@@ -5,8 +5,10 @@
 #include <QButtonGroup>
 #include <QImage>
 #include <QRadioButton>
+#include <QTabBar>
 #include <algorithm>
 
+#include "qt/look.h"
 #include "windows/key_press.h"
 #include "windows/layout_faults.h"
 
@@ -53,6 +55,23 @@ std::string placeText(const QRect& place) {
     return std::to_string(place.x()) + "," + std::to_string(place.y());
 }
 
+/// None of the ring stands above it in its column: there the ring may begin.
+bool isBeginning(const QWidget& control, const std::vector<QWidget*>& ring, const QWidget& window) {
+    const QRect here = placeIn(control, window);
+    return std::ranges::none_of(ring, [&](const QWidget* one) {
+        const QRect there = placeIn(*one, window);
+        const bool sameColumn = there.left() <= here.right() && here.left() <= there.right();
+        return sameColumn && there.bottom() < here.top();
+    });
+}
+
+/// The toolkit shades what it paints by a little.
+bool isNear(const QColor& one, const QColor& other) {
+    constexpr int shade = 16;
+    return std::abs(one.red() - other.red()) <= shade && std::abs(one.green() - other.green()) <= shade &&
+           std::abs(one.blue() - other.blue()) <= shade;
+}
+
 /// With what the style paints around it.
 QImage pictureOf(QWidget& control) {
     constexpr int around = 4;
@@ -92,17 +111,21 @@ std::vector<QWidget*> tabControls(const QWidget& window) {
 
 std::vector<std::string> stepsAgainstTheEye(const std::vector<QWidget*>& ring, const QWidget& window) {
     std::vector<std::string> steps;
+    bool begun = false;
     for (std::size_t i = 0; i < ring.size(); ++i) {
         const QWidget& from = *ring[i];
         const QWidget& to = *ring[(i + 1) % ring.size()];
         const QRect here = placeIn(from, window);
         const QRect there = placeIn(to, window);
         if (!isAgainstTheEye(here, there)) continue;
+        // Somewhere the ring goes back to its beginning.
+        if (!begun && isBeginning(to, ring, window)) {
+            begun = true;
+            continue;
+        }
         steps.push_back(pathOf(from) + " at " + placeText(here) + " to " + pathOf(to) + " at " +
                         placeText(there));
     }
-    // Somewhere the ring goes back to its beginning.
-    if (steps.size() == 1) steps.clear();
     return steps;
 }
 
@@ -112,11 +135,15 @@ bool showsFocus(QWidget& control) {
     control.clearFocus();
     const QImage without = pictureOf(control);
     if (with.size() != without.size()) return true;
+    const QColor frame = lookColors(appliedLook(*qApp)).focus;
     int changed = 0;
     for (int y = 0; y < with.height(); ++y) {
-        for (int x = 0; x < with.width(); ++x) changed += with.pixel(x, y) != without.pixel(x, y);
+        for (int x = 0; x < with.width(); ++x)
+            changed += isNear(with.pixelColor(x, y), frame) && !isNear(without.pixelColor(x, y), frame);
     }
-    return changed >= control.width() + control.height();
+    const auto* tabs = qobject_cast<QTabBar*>(&control);
+    const QSize framed = tabs != nullptr ? tabs->tabRect(tabs->currentIndex()).size() : control.size();
+    return changed >= framed.width() + framed.height();
 }
 
 }  // namespace zentaq

@@ -24,7 +24,8 @@ std::vector<QWidget*> tabControls(const QWidget& window);
 /// anywhere.
 std::vector<std::string> stepsAgainstTheEye(const std::vector<QWidget*>& ring, const QWidget& window);
 
-/// It is painted otherwise with the keyboard than without, by more than the bar where letters go.
+/// With the keyboard there is more of the color of the focus on it than without, by as much as two of its
+/// sides.
 bool showsFocus(QWidget& control);
 
 }  // namespace zentaq
