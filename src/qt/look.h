@@ -57,7 +57,6 @@ struct LookColors {
 
     // Instruments. The user's own colours stand in their place where there are some.
     QColor needle;
-    QColor needleOutline;
     QColor redZone;
     QColor yellowZone;
     QColor greenZone;
@@ -66,7 +65,6 @@ struct LookColors {
     QColor receiveLamp;
     QColor lampText;    ///< on a lamp of the link that is lit
     QColor liveMarker;  ///< the engine's present point on a table
-    QColor trail;       ///< where that point was
 };
 
 const LookColors& lookColors(DisplayMode mode);

@@ -43,7 +43,6 @@ constexpr auto colourRows = std::to_array<LookColor>({
     {"alarmBadge", &LookColors::alarmBadge, 0xB01010, 0x8E1A1A},
     {"alarmBadgeText", &LookColors::alarmBadgeText, 0xFFFFFF, 0xFFFFFF},
     {"needle", &LookColors::needle, 0xFF0000, 0xFF0000},
-    {"needleOutline", &LookColors::needleOutline, 0x10141A, 0xF0F2F5},
     {"redZone", &LookColors::redZone, 0xB01010, 0xFF4D42},
     {"yellowZone", &LookColors::yellowZone, 0xA87400, 0xFFC24D},
     {"greenZone", &LookColors::greenZone, 0x0B6B2C, 0x5CE084},
@@ -52,7 +51,6 @@ constexpr auto colourRows = std::to_array<LookColor>({
     {"receiveLamp", &LookColors::receiveLamp, 0x00C000, 0x00C000},
     {"lampText", &LookColors::lampText, 0x10141A, 0x10141A},
     {"liveMarker", &LookColors::liveMarker, 0xC2185B, 0xFF6FB5},
-    {"trail", &LookColors::trail, 0xC2185B, 0xA8487A},
 });
 
 using Of = LookColors;
@@ -71,6 +69,7 @@ constexpr auto pairRows = std::to_array<LookPair>({
     {&Of::mutedText, &Of::surface, asText},
     {&Of::mutedText, &Of::alternate, asText},
     {&Of::mutedText, &Of::button, asText},
+    {&Of::mutedText, &Of::lampOff, asText},
     {&Of::mutedText, &Of::restingSelection, asText},
     {&Of::disabledText, &Of::background, asText},
     {&Of::disabledText, &Of::surface, asText},
@@ -122,12 +121,10 @@ constexpr auto pairRows = std::to_array<LookPair>({
     {&Of::lampText, &Of::sendLamp, asText},
     {&Of::lampText, &Of::receiveLamp, asText},
     {&Of::needle, &Of::surface, asMark},
-    {&Of::needleOutline, &Of::surface, asMark},
-    {&Of::redZone, &Of::surface, asMark},
+    {&Of::redZone, &Of::surface, asText},  // codes are written with it
     {&Of::yellowZone, &Of::surface, asMark},
     {&Of::greenZone, &Of::surface, asMark},
     {&Of::liveMarker, &Of::surface, asMark},
-    {&Of::trail, &Of::surface, asMark},
 });
 
 LookColors colorsOf(DisplayMode mode) {

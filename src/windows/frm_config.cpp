@@ -132,10 +132,10 @@ void FrmConfig::showStartPage() {
 QWidget* FrmConfig::makePageTab() {
     auto* tab = new QWidget(this);
     auto* layout = new QVBoxLayout(tab);
-    const int gap = fontMetrics().height() / 4;
+    const int gap = space(fontMetrics(), Space::Tight);
     layout->setContentsMargins(gap, gap, gap, gap);
     lblPageTitle_ = textLabel("lblPageTitle", tab);
-    lblPageTitle_->setFont(valueFont(1.1));
+    lblPageTitle_->setFont(typeFont(Type::Heading));
     pageView_ = new PageView(tab);
     layout->addWidget(lblPageTitle_);
     layout->addWidget(pageView_, 1);

@@ -19,7 +19,6 @@ namespace zentaq {
 namespace {
 
 /// The size of the letters of what is for the curious.
-constexpr double smallLetters = 0.8;
 
 void setText(QLabel* label, const std::string& text) {
     const QString shown = shownStringOfLines(text);
@@ -132,7 +131,7 @@ LinkPanel::LinkPanel(std::function<std::vector<PortInfo>()> ports, QWidget* pare
     receive_ = makeLinkLamp("lblComm_Rcv_Icon", "RX", "Receive lamp", this);
 
     auto* grid = new QGridLayout(this);
-    const int gap = fontMetrics().height() / 4;
+    const int gap = space(fontMetrics(), Space::Tight);
     grid->setSpacing(gap);
     grid->setContentsMargins(gap, gap, gap, gap);
     grid->setVerticalSpacing(gap / 2);
@@ -143,9 +142,7 @@ LinkPanel::LinkPanel(std::function<std::vector<PortInfo>()> ports, QWidget* pare
     grid->addWidget(receive_, 0, 4);
     // While frames come the first line says no more than that: their times take its place, all in small
     // letters.
-    QFont small = frameTimes_->font();
-    small.setPointSizeF(small.pointSizeF() * smallLetters);
-    frameTimes_->setFont(small);
+    frameTimes_->setFont(typeFont(Type::Remark));
     line1OrTimes_ = new QStackedWidget(this);
     line1OrTimes_->addWidget(line1_);
     line1OrTimes_->addWidget(frameTimes_);

@@ -69,7 +69,7 @@ class HitPainter : public QStyledItemDelegate {
     }
 
  private:
-    static int gapOf(const QStyleOptionViewItem& option) { return option.fontMetrics.height() / 3; }
+    static int gapOf(const QStyleOptionViewItem& option) { return space(option.fontMetrics, Space::Tight); }
     static QFont bold(QFont font) {
         font.setBold(true);
         return font;
@@ -186,7 +186,7 @@ QWidget* FrmHelp::makeSide() {
     side_->addWidget(treeContents_);
     side_->addWidget(lstHits_);
     auto* layout = new QVBoxLayout(side);
-    const int gap = fontMetrics().height() / 4;
+    const int gap = space(fontMetrics(), Space::Tight);
     layout->setContentsMargins(gap, gap, 0, gap);
     layout->addWidget(txtSearch_);
     layout->addWidget(side_, 1);
@@ -208,7 +208,7 @@ QWidget* FrmHelp::makeReading() {
         lblNotice_->show();
     });
     auto* layout = new QVBoxLayout(reading);
-    const int gap = fontMetrics().height() / 4;
+    const int gap = space(fontMetrics(), Space::Tight);
     layout->setContentsMargins(0, gap, gap, gap);
     layout->addWidget(page_, 1);
     layout->addWidget(lblNotice_);

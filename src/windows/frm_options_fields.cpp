@@ -12,6 +12,7 @@
 #include "base/number_text.h"
 #include "base/settings_keys.h"
 #include "qt/help_key.h"
+#include "qt/look.h"
 #include "qt/named.h"
 #include "qt/qt_text.h"
 #include "windows/frm_config_link_panel.h"
@@ -36,7 +37,7 @@ class PointList : public QListWidget {
 };
 
 int stripGap(const QWidget* widget) {
-    return widget->fontMetrics().height() / 5;
+    return space(widget->fontMetrics(), Space::Tight);
 }
 
 QLabel* hintLabel(const char* name, const QString& text, QWidget* parent) {

@@ -11,6 +11,7 @@
 #include "qt/plain_label.h"
 #include "qt/qt_text.h"
 #include "qt/wrap_layout.h"
+#include "unit/axis_kinds.h"
 #include "unit/parameter_names.h"
 #include "windows/cell_box.h"
 
@@ -130,6 +131,11 @@ void TableToolbar::addFields() {
     label("Label2", "x-axis");
     lblAcross_ = label("lblAcross", {});
     lblAcross_->setFont(typeFont(Type::Strong));
+    // The room of the longest: what stands beside it keeps its place from table to table.
+    int longest = 0;
+    for (const AxisKind& kind : axisKinds())
+        longest = std::max(longest, lblAcross_->fontMetrics().horizontalAdvance(qString(kind.name)));
+    lblAcross_->setMinimumWidth(longest);
     lblTOG_ = label("lblTOG", "TOG:");
     txtTOG_ = makeTimeField("txtTOG", "scale1", "helptog");
     row->addWidget(txtTOG_);
@@ -185,6 +191,11 @@ void TableToolbar::changeEvent(QEvent* event) {
 
 void TableToolbar::setMode(DisplayMode mode) {
     mode_ = mode;
+    if (lblDspTableVal_ != nullptr) {
+        QPalette live = lblDspTableVal_->palette();
+        live.setColor(QPalette::WindowText, lookColors(mode).live);
+        lblDspTableVal_->setPalette(live);
+    }
     const TableBadges shown = std::exchange(badges_, {});
     if (!shown.view.empty()) showBadges(shown);
 }

@@ -255,7 +255,7 @@ void OwnWidgets::addStrips() {
 void OwnWidgets::addDashboards() {
     addHeading("The dashboard: live, with alarms, not live, without a unit");
     constexpr int lines = 9;
-    constexpr std::array<std::string_view, 5> names{"lblTach", "lblAFR", "lblMAP", "lblAdvance", "lblKnock"};
+    constexpr std::array<std::string_view, 5> names{"lblTach", "lblAAFR", "lblMAP", "lblADV", "lblKNK"};
     const std::vector<std::string_view> readouts(names.begin(), names.end());
     enum class State { Live, Alarms, NotLive, NoUnit };
     for (const State state : {State::Live, State::Alarms, State::NotLive, State::NoUnit}) {

@@ -341,6 +341,31 @@ TEST_F(TableRoom, ButtonsStayWhereTheyAreWhateverIsShown) {
     EXPECT_EQ(places(), before) << "a table without fuel views";
 }
 
+TEST_F(TableRoom, TheBarHasOneLineAndItsPlacesWhateverTheNameOfTheAxis) {
+    frame(1366, 700);
+    openVe();
+    auto* across = form().findChild<QLabel*>("lblAcross");
+    auto* bar = form().findChild<QWidget*>("Toolbar1");
+    const int height = bar->height();
+    const QRect before = across->geometry();
+    EXPECT_GE(across->width(), across->fontMetrics().horizontalAdvance("ACTUAL AFR"));
+    windows.main().run("mnuAdvTbl");
+    settle();
+    EXPECT_EQ(bar->height(), height);
+    EXPECT_EQ(across->geometry(), before);
+}
+
+TEST_F(TableRoom, TheLiveReadingHasItsColor) {
+    frame(1366, 700);
+    openVe();
+    auto* reading = form().findChild<QLabel*>("lblDspTableVal");
+    for (const bool day : {true, false}) {
+        windows.main().run(day ? "mnuMonitor_DayMode" : "mnuMonitor_NightMode");
+        EXPECT_EQ(reading->palette().color(QPalette::WindowText),
+                  lookColors(day ? DisplayMode::Day : DisplayMode::Night).live);
+    }
+}
+
 TEST_F(TableRoom, BadgesTellTheViewAndWhoMovesTheCursor) {
     frame(1366, 700);
     openVe();
