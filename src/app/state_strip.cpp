@@ -294,6 +294,11 @@ std::string_view stripName(StripPart part) {
     return std::ranges::find(parts, part, &PartRow::part)->name;
 }
 
+bool isToldAtOnce(const StripRow& now, const StripRow& former) {
+    if (now.text.empty() || now.text == former.text) return false;
+    return now.part == StripPart::Notice || now.tone == StripTone::Alarm;
+}
+
 bool gaugesLive(Session& session) {
     if (session.link.transfer().pending()) return false;
     const std::int64_t asked = std::int64_t{pollIntervalMs(session.settings())} * 3000;

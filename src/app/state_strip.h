@@ -81,6 +81,8 @@ StripFacts stripFacts(Session& session);
 /// One row a part, in their order.
 std::vector<StripRow> stripRows(const StripFacts& facts);
 
+/// For whoever does not look: a message that has come, an alarm that has begun.
+bool isToldAtOnce(const StripRow& now, const StripRow& former);
 /// Whether live values come: the gauges show what the engine does at this moment. Not while a unit is
 /// programmed.
 bool gaugesLive(Session& session);

@@ -16,12 +16,6 @@ bool isLong(StripPart part) {
     return part == StripPart::Notice || part == StripPart::File;
 }
 
-/// For whoever does not look: a message that has come, an alarm that has begun.
-bool isTold(const StripRow& now, const StripRow& former) {
-    if (now.text.empty() || now.text == former.text) return false;
-    return now.part == StripPart::Notice || now.tone == StripTone::Alarm;
-}
-
 QString moreText(std::size_t count) {
     return QStringLiteral("+%1").arg(count);
 }
@@ -58,7 +52,7 @@ void StateStripView::show(const std::vector<StripRow>& rows) {
             continue;
         moved = moved || former.text != rows[i].text;
         showRow(i);
-        if (!isTold(rows[i], former) || !QAccessible::isActive()) continue;
+        if (!isToldAtOnce(rows[i], former) || !QAccessible::isActive()) continue;
         QAccessibleEvent event(buttons_[i], QAccessible::Alert);
         QAccessible::updateAccessibility(&event);
     }

@@ -214,6 +214,20 @@ TEST(StateStrip, CommandsAreEntriesOfTheMenu) {
     }
 }
 
+TEST(StateStrip, AMessageAndAnAlarmAreToldAtOnceAndOnceAndAStateIsNot) {
+    StripFacts facts = tuning();
+    const StripFacts before = facts;
+    const auto told = [&](StripPart part) { return isToldAtOnce(row(facts, part), row(before, part)); };
+    facts.notice = "Not there any more: /tune.ZQ4OA";
+    facts.zeroAdvance = true;
+    facts.modified = true;
+    EXPECT_TRUE(told(StripPart::Notice));
+    EXPECT_TRUE(told(StripPart::ZeroAdvance)) << row(facts, StripPart::ZeroAdvance).text;
+    EXPECT_FALSE(told(StripPart::NotSaved));
+    EXPECT_FALSE(isToldAtOnce(row(facts, StripPart::Notice), row(facts, StripPart::Notice)));
+    EXPECT_FALSE(isToldAtOnce(row(before, StripPart::Notice), row(facts, StripPart::Notice))) << "it goes";
+}
+
 // ---- Folding
 
 constexpr int allWide[] = {100, 100, 100, 100, 100, 100, 100, 100, 100, 100};

@@ -76,6 +76,10 @@ TEST(OnePlace, EveryColorOfTheLookIsUsed) {
     }
 }
 
+TEST(OnePlace, EverySplitterKeepsItsPlace) {
+    EXPECT_EQ(linesWith(std::regex("new QSplitter|<QSplitter>\\(")), Lines{});
+}
+
 TEST(OnePlace, NoWindowHasAStyleSheet) {
     EXPECT_EQ(linesWith(std::regex("setStyleSheet")), Lines{});
 }

@@ -8,7 +8,10 @@
 #include <QImage>
 #include <QPainter>
 
+#include "qt/contrast.h"
 #include "qt/look.h"
+#include "tables/cell_ground.h"
+#include "tables/table_grid.h"
 
 namespace zentaq {
 namespace {
@@ -85,6 +88,45 @@ TEST(TheMarker, CoversNoDigitWhereverTheEngineIsInTheCell) {
                     EXPECT_EQ(inked.onDigits, 0) << "growth " << growth << ", share " << share;
                 }
             }
+        }
+    }
+}
+
+/// Those that a cell can have, in steps of a third of each part.
+std::vector<QColor> groundsOfCells(DisplayMode mode) {
+    const bool night = mode == DisplayMode::Night;
+    const Rgb surface = lookColors(mode).surface.rgb() & 0xFFFFFF;
+    std::vector<QColor> grounds;
+    for (int red = 0; red <= 255; red += 85) {
+        for (int green = 0; green <= 255; green += 85) {
+            for (int blue = 0; blue <= 255; blue += 85) {
+                for (const int trail : {TableGrid::noTrail, 0, 1, 2, 3})
+                    grounds.emplace_back(
+                        QRgb(cellGround(red + 256 * green + 65536 * blue, trail, night, surface)));
+            }
+        }
+    }
+    return grounds;
+}
+
+TEST(TheMarker, IsSeenOnEveryColorThatACellCanHave) {
+    QWidget table;
+    constexpr QRect cell(60, 30, 60, 30);
+    table.resize(180, 90);
+    for (const DisplayMode mode : {DisplayMode::Day, DisplayMode::Night}) {
+        TableMarker marker(&table);
+        marker.setColor(lookColors(mode).liveMarker);
+        for (const QColor& ground : groundsOfCells(mode)) {
+            marker.point(cell, cell.center(), ground);
+            QImage drawn(table.size(), QImage::Format_RGB32);
+            drawn.fill(ground);
+            marker.render(&drawn, marker.pos(), {}, QWidget::DrawChildren);
+            int seen = 0;
+            for (int y = 0; y < drawn.height(); ++y) {
+                for (int x = 0; x < drawn.width(); ++x)
+                    seen += contrast(drawn.pixelColor(x, y), ground) >= leastMarkContrast;
+            }
+            EXPECT_GE(seen, cell.width()) << ground.name().toStdString();
         }
     }
 }
