@@ -139,6 +139,21 @@ std::optional<ShortCode> shortCode(std::string_view text) {
     return fieldsOf(entry);
 }
 
+std::string codeLine(const ShortCode& code, std::size_t count) {
+    std::string line;
+    if (count > 0) line = std::to_string(count) + (count == 1 ? " code: " : " codes: ");
+    return line.append(trimmed(code.top)).append(" ").append(trimmed(code.bottom));
+}
+
+std::string codeTip(const ShortCode& code, const std::vector<std::string_view>& texts) {
+    constexpr std::size_t linesOfTip = 16;
+    std::string tip = codeLine(code, texts.size());
+    const std::size_t shown = std::min(texts.size(), linesOfTip);
+    for (std::size_t i = 0; i < shown; ++i) tip.append("\n").append(texts[i]);
+    if (shown < texts.size()) tip += "\nand " + std::to_string(texts.size() - shown) + " more";
+    return tip;
+}
+
 void CheckEngineDisplay::Update_CHKE(std::string_view text) {
     const int entry = entryOf(text);
     if (entry < 0) return;
@@ -153,6 +168,14 @@ void CheckEngineDisplay::Clear_CHKE() {
 
 bool CheckEngineDisplay::empty() const {
     return std::none_of(filled_.begin(), filled_.end(), [](bool filled) { return filled; });
+}
+
+std::vector<std::string_view> CheckEngineDisplay::texts() const {
+    std::vector<std::string_view> texts;
+    for (int entry = 0; entry < entryCount; ++entry) {
+        if (filled_[static_cast<std::size_t>(entry)]) texts.push_back(codeOf(entry).text);
+    }
+    return texts;
 }
 
 std::optional<ShortCode> CheckEngineDisplay::step() {

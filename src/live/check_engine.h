@@ -38,6 +38,14 @@ struct ShortCode {
 /// The two fields of a code's text, each padded to 7 characters; nothing for a blank or unknown text.
 std::optional<ShortCode> shortCode(std::string_view text);
 
+/// The same on one line, behind how many there are: "2 codes: TPS SEN FAIL HI". Without a code the fields
+/// alone, "CODES CLEARED".
+std::string codeLine(const ShortCode& code, std::size_t count);
+
+/// The line, and below it `texts`, all codes in full: as many as a tip has room for, and how many more there
+/// are.
+std::string codeTip(const ShortCode& code, const std::vector<std::string_view>& texts);
+
 /// The code list of the dashboard: filled by texts, stepped through by a timer.
 class CheckEngineDisplay {
  public:
@@ -48,6 +56,8 @@ class CheckEngineDisplay {
     /// The unit has cleared its codes: says so for a while, unless a code comes.
     void tellCleared() { clearedSteps_ = stepsOfCleared; }
     bool empty() const;
+    /// Of all filled entries, in the order of the steps.
+    std::vector<std::string_view> texts() const;
     /// No code, and nothing to tell of codes either.
     bool silent() const { return empty() && clearedSteps_ == 0; }
     /// The next filled entry, beginning again behind the last. When no entry is filled: that codes were

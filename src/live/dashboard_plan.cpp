@@ -57,7 +57,11 @@ class Planner {
         plan_.page = page;
         right_ = room.width;
         const int tilesBeside = (room.width - room.status) / (room.tileWidth + room.gap);
-        if (room.status > 0 && tilesBeside >= leastBesideStatus) takeStatus();
+        if (room.status > 0 && tilesBeside >= leastBesideStatus) {
+            takeStatus(room.status);
+        } else if (room.codes > 0) {
+            takeStatus(std::min(room.codes, room.width / 2));
+        }
         if (!room.oneLine) takeDials();
         placeTiles();
     }
@@ -69,9 +73,9 @@ class Planner {
     int left() const { return right_ - left_; }
     bool fits(int width) const { return left() - width - room_.gap >= leastForTiles(); }
 
-    void takeStatus() {
-        plan_.status = {right_ - room_.status, 0, room_.status, room_.height};
-        right_ -= room_.status + room_.gap;
+    void takeStatus(int width) {
+        plan_.status = {right_ - width, 0, width, room_.height};
+        right_ -= width + room_.gap;
     }
 
     void takeDials() {
@@ -146,10 +150,12 @@ class Planner {
     }
     void putOnGrid(const std::vector<std::string_view>& names, int columns, bool more) {
         const int places = columns * rows_;
-        for (int place = 0; place < static_cast<int>(names.size()) && place < places; ++place) {
+        // The button for the rest keeps its place: without it nothing of the rest could be seen.
+        const int forTiles = more ? std::max(1, places - 1) : places;
+        for (int place = 0; place < static_cast<int>(names.size()) && place < forTiles; ++place) {
             plan_.tiles.push_back({names[static_cast<std::size_t>(place)], cell(place, columns)});
         }
-        if (more) plan_.more = cell(places - 1, columns);
+        if (more && places > 1) plan_.more = cell(places - 1, columns);
     }
     /// Down the columns: what belongs together in the order stands together.
     DashArea cell(int place, int columns) const {

@@ -25,6 +25,7 @@ struct DashRoom {
     int tileHeight = 0;    ///< the least for a caption above a value
     int dialReadout = 0;   ///< the width of a read-out beside a small dial
     int status = 0;        ///< the width of codes, inputs and outputs; 0: there is nothing to show
+    int codes = 0;         ///< the least for a code on one line; 0: there is none. It is shown in any room
     bool fuel = true;      ///< false: a unit that only ignites
     bool oneLine = false;  ///< folded: read-outs alone, and of the lamps those that are lit
 };

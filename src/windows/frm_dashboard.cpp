@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "app/state_strip.h"
 #include "base/settings_keys.h"
@@ -132,12 +133,18 @@ void FrmDashBoard::foldsChanged() {
     const QString meaning = fold ? "Open the dashboard" : "Fold the dashboard";
     cmdFold_->setIcon(icon(fold ? "Fold" : "Unfold"));
     cmdFold_->setAccessibleName(meaning);
-    cmdFold_->setToolTip(meaning + " (Ctrl+F9)");
+    tellFold();
     // As with the messages: not to the next field, which may be a cell.
     if (fold && panel_->isAncestorOf(window()->focusWidget())) cmdFold_->setFocus();
     panel_->setFolded(fold);
     setMaximumHeight(fold ? std::max(panel_->minimumSizeHint().height(), cmdFold_->sizeHint().height())
                           : QWIDGETSIZE_MAX);
+}
+
+void FrmDashBoard::tellFold() {
+    QString tip = cmdFold_->accessibleName() + " (Ctrl+F9)";
+    if (session_.folds.dashboard.folded()) tip += "\nNot on this line: " + panel_->behindTheLine().join(", ");
+    cmdFold_->setToolTip(tip);
 }
 
 // ---- Colours
@@ -197,10 +204,12 @@ Unit& FrmDashBoard::shownUnit() {
     return session_.hasUnit(linked) ? session_.Units(linked) : session_.currentUnitObject();
 }
 
-void FrmDashBoard::unitKindFound(int /*slot*/) {
-    const bool fuel = shownUnit().kind().fuelSide;
-    panel_->showFuel(fuel);
+void FrmDashBoard::followUnit() {
+    const UnitKind& kind = shownUnit().kind();
+    if (std::exchange(shownKind_, &kind) == &kind) return;
+    panel_->showFuel(kind.fuelSide);
     nameReadings();
+    tellFold();
 }
 
 void FrmDashBoard::draw() {
@@ -256,14 +265,17 @@ void FrmDashBoard::drawPins(const std::vector<DashboardReading>& readings) {
     }
     while (panel_->lstGPO->count() > row) delete panel_->lstGPO->takeItem(row);
     if (panel_->lstGPO->currentRow() < 0 && row > 0) panel_->lstGPO->setCurrentRow(0);
-    if ((before > 0) != (row > 0)) panel_->arrange();
+    if ((before > 0) != (row > 0)) {
+        panel_->arrange();
+        tellFold();
+    }
     showChosenPin();
 }
 
 void FrmDashBoard::showChosenPin() {
     const QListWidgetItem* item = panel_->lstGPO->currentItem();
     const QString chosen = item == nullptr ? QString() : item->text();
-    const QString text = tellsCleared() ? panel_->lblCheckEngine->text().simplified() : chosen;
+    const QString text = tellsCleared() ? panel_->lblCheckEngine->fields().simplified() : chosen;
     if (panel_->txtGPIO->text() == text) return;
     panel_->txtGPIO->setText(text);
     panel_->txtGPIO->setCursorPosition(0);
@@ -303,6 +315,7 @@ void FrmDashBoard::Reset_Dashboard() {
     nameReadings();
     panel_->lstGPO->clear();
     panel_->arrange();
+    tellFold();
     showChosenPin();
     drawAlarms();
 }
@@ -311,24 +324,30 @@ void FrmDashBoard::Reset_Dashboard() {
 
 void FrmDashBoard::codesChanged() {
     if (session_.codes.silent()) {
-        panel_->showCodes({});
+        panel_->showCodes({}, {}, {});
     } else if (session_.codes.empty()) {
         if (!tellsCleared()) stepCodes();
-    } else if (panel_->lblCheckEngine->text().isEmpty()) {
+    } else if (!panel_->lblCheckEngine->tells()) {
         stepCodes();
     }
 }
 
 void FrmDashBoard::stepCodes() {
     const auto code = session_.codes.step();
-    const QString text = code ? QString::fromStdString(code->top + '\n' + code->bottom) : QString();
-    panel_->showCodes(text);
+    if (code) {
+        const auto all = session_.codes.texts();
+        panel_->showCodes(QString::fromStdString(code->top + '\n' + code->bottom),
+                          QString::fromStdString(codeLine(*code, all.size())),
+                          QString::fromStdString(codeTip(*code, all)));
+    } else {
+        panel_->showCodes({}, {}, {});
+    }
     showChosenPin();
 }
 
 /// That the codes were cleared stands in both fields of the column.
 bool FrmDashBoard::tellsCleared() const {
-    return panel_->lblCheckEngine->text().startsWith(QLatin1String("CODES"));
+    return panel_->lblCheckEngine->fields().startsWith(QLatin1String("CODES"));
 }
 
 /// Captions of the core, in full, as tips and for a screen reader; and what is shown before a frame came.

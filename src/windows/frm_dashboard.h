@@ -55,8 +55,10 @@ class FrmDashBoard : public QWidget, public Form {
     void codesChanged() override;
     /// Shows or hides fraNoConnect as the link says.
     void showLinkState();
-    /// The face follows the unit on the link.
-    void unitKindFound(int slot) override;
+    // The face follows the unit on the link, and without one the calibration in hand.
+    void unitKindFound(int /*slot*/) override { followUnit(); }
+    void setupNodes() override { followUnit(); }
+    void showUnit() override { followUnit(); }
 
     /// One line, or all of it, as the session says.
     void foldsChanged() override;
@@ -79,6 +81,9 @@ class FrmDashBoard : public QWidget, public Form {
     void setMode(bool day);
     void applyColors();
     void nameReadings();
+    void followUnit();
+    /// What the button for the fold does, and what stands behind the line.
+    void tellFold();
     /// The unit on the link, else the calibration in hand: its object holds the decoded frames.
     Unit& shownUnit();
 
@@ -95,6 +100,7 @@ class FrmDashBoard : public QWidget, public Form {
     DashColors colors_;
     bool day_ = false;
     std::optional<QColor> dashLights_, needleColor_, labelLights_;
+    const UnitKind* shownKind_ = nullptr;
     int redraws_ = 0;
 };
 

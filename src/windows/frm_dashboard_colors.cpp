@@ -19,6 +19,8 @@ DashColors dashColors(bool day) {
     colors.lampOff = look.lampOff;
     colors.badge = look.warningBadge;
     colors.badgeText = look.warningBadgeText;
+    colors.alarm = look.alarmBadge;
+    colors.alarmText = look.alarmBadgeText;
     return colors;
 }
 

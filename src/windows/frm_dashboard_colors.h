@@ -19,6 +19,8 @@ struct DashColors {
     QColor lampOff;
     QColor badge;  ///< says that nothing here is live
     QColor badgeText;
+    QColor alarm;  ///< a code on one line
+    QColor alarmText;
 };
 
 DashColors dashColors(bool day);

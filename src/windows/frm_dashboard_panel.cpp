@@ -109,10 +109,7 @@ void FrmDashBoardPanel::makeStatus() {
         ++page_;
         arrange();
     });
-    lblCheckEngine = explained(new QLabel(this), "lblCheckEngine", "Check engine codes");
-    lblCheckEngine->setAlignment(Qt::AlignCenter);
-    lblCheckEngine->setFrameShape(QFrame::StyledPanel);
-    lblCheckEngine->setAutoFillBackground(true);
+    lblCheckEngine = new CodeBox(this);
     txtGPIO = named(new OutlinedField(this), "txtGPIO", "State of the chosen input or output");
     txtGPIO->setReadOnly(true);
     txtGPIO->setFocusPolicy(Qt::NoFocus);
@@ -179,9 +176,7 @@ void FrmDashBoardPanel::setColors(const DashColors& colors) {
     setPalette(palette);
     QPalette field = palette;
     field.setColor(QPalette::Window, colors.face);
-    field.setColor(QPalette::WindowText, colors.redZone);
-    lblCheckEngine->setPalette(field);
-    field.setColor(QPalette::WindowText, colors.lights);
+    lblCheckEngine->setColors(colors);
     fraNoConnect->setPalette(field);
     // The viewport too: the program's style sheet leaves it a palette of its own, that of the former mode.
     for (QWidget* widget : std::initializer_list<QWidget*>{txtGPIO, lstGPO, lstGPO->viewport()}) {
@@ -206,11 +201,8 @@ void FrmDashBoardPanel::showReadouts(const std::vector<std::string_view>& names)
     arrange();
 }
 
-void FrmDashBoardPanel::showCodes(const QString& text) {
-    if (lblCheckEngine->text() == text) return;
-    const bool appears = lblCheckEngine->text().isEmpty() != text.isEmpty();
-    lblCheckEngine->setText(text);
-    if (appears) arrange();
+void FrmDashBoardPanel::showCodes(const QString& fields, const QString& line, const QString& tip) {
+    if (lblCheckEngine->tell(fields, line, tip)) arrange();
 }
 
 void FrmDashBoardPanel::bringIntoView(const QString& name) {
@@ -224,6 +216,7 @@ void FrmDashBoardPanel::bringIntoView(const QString& name) {
 void FrmDashBoardPanel::setFolded(bool folded) {
     if (std::exchange(folded_, folded) == folded) return;
     for (const auto& [name, label] : labels_) label->setInLine(folded);
+    lblCheckEngine->setInLine(folded);
     lblGeneral->setFont(typeFont(folded ? Type::Strong : Type::Value));
     fraNoConnect->layout()->setContentsMargins(
         margins(fontMetrics(), Space::Normal, folded ? Space::None : Space::Tight));
@@ -300,6 +293,7 @@ void FrmDashBoardPanel::arrange() {
                         .tileHeight = tile.height(),
                         .dialReadout = beside * 5 / 4 + gap,
                         .status = folded_ ? 0 : statusWidth(),
+                        .codes = lblCheckEngine->tells() ? lblCheckEngine->leastWidth() : 0,
                         .fuel = fuel_,
                         .oneLine = folded_};
     const DashPlan plan = planDashboard(room, tilesToShow(), page_);
@@ -316,7 +310,9 @@ void FrmDashBoardPanel::arrange() {
 
 std::vector<std::string_view> FrmDashBoardPanel::tilesToShow() const {
     std::vector<std::string_view> tiles;
-    if (!folded_ || checkEngineLamp->lit()) tiles.emplace_back("shpCheckEngine");
+    // On a line the codes stand in its place: they say more.
+    if (!folded_ || (checkEngineLamp->lit() && !lblCheckEngine->tells()))
+        tiles.emplace_back("shpCheckEngine");
     if (!folded_ || overRevLamp->lit()) tiles.emplace_back("shpOverRev");
     tiles.insert(tiles.end(), readouts_.begin(), readouts_.end());
     return tiles;
@@ -356,10 +352,17 @@ void FrmDashBoardPanel::placeTiles(const DashPlan& plan, QPoint at) {
         btnMore->setText(QStringLiteral("More %1/%2").arg(plan.page + 1).arg(plan.pages));
 }
 
+QStringList FrmDashBoardPanel::behindTheLine() const {
+    QStringList parts{QStringLiteral("dials")};
+    if (lstGPO->count() > 0) parts += QStringLiteral("inputs and outputs");
+    if (detailOffered()) parts += QStringLiteral("Detail");
+    return parts;
+}
+
 int FrmDashBoardPanel::statusWidth() const {
     const QFontMetrics metrics(typeFont(Type::Caption));
     if (lstGPO->count() > 0) return metrics.height() * 9;
-    return lblCheckEngine->text().isEmpty() && !detailOffered() ? 0 : metrics.height() * 6;
+    return !lblCheckEngine->tells() && !detailOffered() ? 0 : metrics.height() * 6;
 }
 
 bool FrmDashBoardPanel::detailOffered() const {
@@ -368,27 +371,18 @@ bool FrmDashBoardPanel::detailOffered() const {
 
 /// Codes above, the button below, and the list between them; the chosen pin apart where there is room.
 void FrmDashBoardPanel::placeStatus(QRect area) {
-    if (folded_) {
-        for (QWidget* part :
-             std::initializer_list<QWidget*>{lblCheckEngine, txtGPIO, lstGPO, btnShowDetail}) {
-            part->hide();
-        }
-        return;
-    }
     const int gap = space(fontMetrics(), Space::Tight);
     const int line = QFontMetrics(typeFont(Type::Caption)).height();
-    const bool pins = lstGPO->count() > 0;
-    const bool codes = !lblCheckEngine->text().isEmpty();
+    // Where there is less room, as on one line, the codes have all of it.
+    const bool all = !folded_ && area.width() >= statusWidth();
+    const bool pins = all && lstGPO->count() > 0;
+    const bool codes = lblCheckEngine->tells() && !area.isEmpty();
     const auto takeBottom = [&](QWidget* widget, bool shown, int height) {
         widget->setVisible(shown);
         if (!shown) return;
         widget->setGeometry(area.left(), area.bottom() + 1 - height, area.width(), height);
         area.setBottom(area.bottom() - height - gap);
     };
-    QFont font = consoleFont();
-    font.setBold(true);
-    font.setPixelSize(QFontInfo(typeFont(Type::Strip)).pixelSize());
-    lblCheckEngine->setFont(font);
     lblCheckEngine->setVisible(codes);
     if (codes) {
         const int height = pins ? std::min(area.height(), line * 3) : area.height();
@@ -397,7 +391,7 @@ void FrmDashBoardPanel::placeStatus(QRect area) {
     }
     lstGPO->setFont(typeFont(Type::Caption));
     txtGPIO->setFont(typeFont(Type::Caption));
-    takeBottom(btnShowDetail, detailOffered() && area.height() >= 2 * line,
+    takeBottom(btnShowDetail, all && detailOffered() && area.height() >= 2 * line,
                std::min(area.height(), btnShowDetail->sizeHint().height()));
     takeBottom(txtGPIO, pins && area.height() >= 7 * line, txtGPIO->sizeHint().height());
     lstGPO->setVisible(pins && area.height() >= 2 * line);
@@ -405,7 +399,7 @@ void FrmDashBoardPanel::placeStatus(QRect area) {
 }
 
 void FrmDashBoardPanel::placeNoConnect() {
-    fraNoConnect->resize(fraNoConnect->sizeHint().boundedTo(size()));
+    fraNoConnect->resize(fraNoConnect->sizeHint().boundedTo({instruments_, height()}));
     // Over the dials, which stand still meanwhile; the codes stay in sight.
     const int middle = instruments_ / 3;
     fraNoConnect->move(std::max(0, middle - fraNoConnect->width() / 2),

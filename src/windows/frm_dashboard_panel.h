@@ -13,6 +13,7 @@
 
 #include "live/dashboard_plan.h"
 #include "windows/dashboard_faces.h"
+#include "windows/frm_dashboard_codes.h"
 #include "windows/frm_dashboard_colors.h"
 #include "windows/gauge_widget.h"
 #include "windows/live_label.h"
@@ -56,14 +57,16 @@ class FrmDashBoardPanel : public QWidget {
     void showFuel(bool on);
     /// The read-outs to be shown, the most important one first.
     void showReadouts(const std::vector<std::string_view>& names);
-    /// Of lblCheckEngine, which is in view only with a text.
-    void showCodes(const QString& text);
+    /// Of lblCheckEngine, which is in view only with a text: two lines, the same on one, and its tip.
+    void showCodes(const QString& fields, const QString& line, const QString& tip);
     /// Turns to the page that a read-out stands on.
     void bringIntoView(const QString& name);
     /// Places everything anew: what has room follows size, unit and what there is to show.
     void arrange();
     /// One line of the most important read-outs and of what is in alarm, or all that has room.
     void setFolded(bool folded);
+    /// What is out of sight on the line, More's pages apart.
+    QStringList behindTheLine() const;
     /// A lamp has been lit or went out: on one line only those that are lit have a place.
     void lampsChanged();
     /// Dials and read-outs keep their last values. While these are not live a veil lies over them, with a
@@ -75,7 +78,7 @@ class FrmDashBoardPanel : public QWidget {
 
     LiveLamp* checkEngineLamp = nullptr;
     LiveLamp* overRevLamp = nullptr;
-    QLabel* lblCheckEngine = nullptr;
+    CodeBox* lblCheckEngine = nullptr;
     QLineEdit* txtGPIO = nullptr;
     QListWidget* lstGPO = nullptr;
     QPushButton* btnShowDetail = nullptr;

@@ -267,7 +267,8 @@ void OwnWidgets::addDashboards() {
         panel->showReadouts(readouts);
         panel->setLive(state != State::NotLive);
         if (state == State::NoUnit) panel->showNoConnect(true, "Connecting...");
-        if (state == State::Alarms) panel->showCodes("GPO1\nFAILED");
+        if (state == State::Alarms)
+            panel->showCodes("GPO1\nFAILED", "1 code: GPO1 FAILED", "1 code: GPO1 FAILED");
         followers_.emplace_back([panel, state](DisplayMode mode) {
             const DashColors colors = dashColors(mode == DisplayMode::Day);
             panel->setColors(colors);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <set>
 
 #include "base/errors.h"
@@ -103,6 +104,36 @@ TEST(CheckEngineDisplay, ClearingEmptiesIt) {
     display.Clear_CHKE();
     EXPECT_TRUE(display.empty());
     EXPECT_EQ(display.step(), std::nullopt);
+}
+
+TEST(CheckEngineDisplay, ListsAllItsCodesInTheOrderOfTheSteps) {
+    CheckEngineDisplay display;
+    EXPECT_TRUE(display.texts().empty());
+    display.Update_CHKE("58 - TACH Failed");
+    display.Update_CHKE("12 - Trigger Wheel Error");
+    EXPECT_EQ(display.texts(),
+              (std::vector<std::string_view>{"12 - Trigger Wheel Error", "58 - TACH Failed"}));
+    display.Clear_CHKE();
+    EXPECT_TRUE(display.texts().empty());
+}
+
+TEST(CheckEngineDisplay, OnOneLineACodeStandsBehindHowManyThereAre) {
+    const ShortCode throttle{"TPS SEN", "FAIL HI"};
+    EXPECT_EQ(codeLine(throttle, 1), "1 code: TPS SEN FAIL HI");
+    EXPECT_EQ(codeLine(throttle, 12), "12 codes: TPS SEN FAIL HI");
+    EXPECT_EQ(codeLine({"EGO    ", "LEAN   "}, 2), "2 codes: EGO LEAN");
+    EXPECT_EQ(codeLine({"CODES  ", "CLEARED"}, 0), "CODES CLEARED");
+}
+
+TEST(CheckEngineDisplay, TheTipHasAllCodesInFullAndSaysHowManyMoreThereAre) {
+    const ShortCode throttle{"TPS SEN", "FAIL HI"};
+    EXPECT_EQ(codeTip(throttle, {"12 - Trigger Wheel Error", "21 - TPS Sensor Failed High"}),
+              "2 codes: TPS SEN FAIL HI\n12 - Trigger Wheel Error\n21 - TPS Sensor Failed High");
+    EXPECT_EQ(codeTip({"CODES  ", "CLEARED"}, {}), "CODES CLEARED");
+    const std::vector<std::string_view> many(20, "41 - AD1 Failed High");
+    const std::string tip = codeTip(throttle, many);
+    EXPECT_EQ(std::ranges::count(tip, '\n'), 17);
+    EXPECT_TRUE(tip.ends_with("41 - AD1 Failed High\nand 4 more"));
 }
 
 TEST(CheckEngineDisplay, ThatTheCodesWereClearedIsToldForThreeSteps) {

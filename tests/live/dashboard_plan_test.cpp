@@ -74,6 +74,42 @@ TEST(DashboardPlan, OneLineHasTheFirstReadOutsBehindTheLampsThatAreLitAndNoDials
     EXPECT_TRUE(shows(plan, "lblTach"));
 }
 
+TEST(DashboardPlan, ACodeHasItsPlaceInAnyRoomAndNothingStandsBelowIt) {
+    for (const bool oneLine : {true, false}) {
+        for (const auto& [width, height] : rooms) {
+            DashRoom given = room(width, oneLine ? 20 : height);
+            given.oneLine = oneLine;
+            given.status = oneLine ? 0 : 150;
+            given.codes = 220;
+            const DashPlan plan = planDashboard(given, tileOrder(), 0);
+            EXPECT_GE(plan.status.width, 150) << width;
+            EXPECT_LE(plan.status.width, std::max(width / 2, 150)) << width;
+            EXPECT_EQ(plan.status.height, given.height);
+            EXPECT_EQ(plan.status.x + plan.status.width, width);
+            EXPECT_FALSE(plan.tiles.empty()) << width;
+            for (const DashPlace& tile : plan.tiles) EXPECT_FALSE(overlap(tile.area, plan.status)) << width;
+            EXPECT_FALSE(overlap(plan.more, plan.status)) << width;
+            given.codes = 0;
+            given.status = 0;
+            EXPECT_EQ(planDashboard(given, tileOrder(), 0).status.width, 0) << width;
+        }
+    }
+}
+
+TEST(DashboardPlan, WhereTwoLampsAreLitOnAShortLineNothingStandsOnAnother) {
+    DashRoom line = room(330, 20);
+    line.oneLine = true;
+    for (const int codes : {0, 100}) {
+        line.codes = codes;
+        const DashPlan plan = planDashboard(line, tileOrder(), 0);
+        for (std::size_t i = 0; i < plan.tiles.size(); ++i) {
+            EXPECT_FALSE(overlap(plan.tiles[i].area, plan.more)) << codes;
+            for (std::size_t k = 0; k < i; ++k) EXPECT_FALSE(overlap(plan.tiles[i].area, plan.tiles[k].area));
+        }
+        EXPECT_TRUE(shows(plan, "shpCheckEngine"));
+    }
+}
+
 TEST(DashboardPlan, EveryReadOutIsOnSomePageOrBesideItsDial) {
     for (const auto& [width, height] : rooms) {
         std::set<std::string_view> seen;

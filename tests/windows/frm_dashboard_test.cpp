@@ -296,7 +296,7 @@ TEST_F(Dashboard, VeilCoversEveryDialAndReadOutButNotTheLinkPanelNorTheCodes) {
     FrmDashBoardPanel& panel = board->panel();
     panel.lstGPO->addItem("GPIO1 Fan  ON");
     panel.btnShowDetail->setEnabled(true);
-    panel.showCodes("TPS SEN\nFAIL HI");
+    panel.showCodes("TPS SEN\nFAIL HI", "1 code: TPS SEN FAIL HI", "1 code: TPS SEN FAIL HI");
     board->resize(1366, 400);  // room for all of the column
     QApplication::processEvents();
     const QRect covered = panel.veil->geometry();
