@@ -57,7 +57,7 @@ class Planner {
         plan_.page = page;
         right_ = room.width;
         const int tilesBeside = (room.width - room.status) / (room.tileWidth + room.gap);
-        if (room.status > 0 && tilesBeside >= leastBesideStatus) {
+        if (room.status > 0 && room.status >= room.codes && tilesBeside >= leastBesideStatus) {
             takeStatus(room.status);
         } else if (room.codes > 0) {
             takeStatus(std::min(room.codes, room.width / 2));

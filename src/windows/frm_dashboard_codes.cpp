@@ -48,10 +48,11 @@ void CodeBox::setInLine(bool on) {
     if (std::exchange(inLine_, on) != on) fit();
 }
 
-int CodeBox::leastWidth() const {
+int CodeBox::leastWidth(int height) const {
     const QFontMetrics metrics(codeFont(Type::Caption));
     const int sides = 2 * space(metrics, Space::Tight);
-    return metrics.horizontalAdvance(QLatin1String(inLine_ ? widestLine : widestField)) + sides;
+    const bool twoLines = !inLine_ && metrics.height() + metrics.lineSpacing() + sides <= height;
+    return metrics.horizontalAdvance(QLatin1String(twoLines ? widestField : widestLine)) + sides;
 }
 
 void CodeBox::resizeEvent(QResizeEvent* event) {

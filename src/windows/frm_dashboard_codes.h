@@ -21,8 +21,8 @@ class CodeBox : public ElidedLabel {
     void setColors(const DashColors& colors);
     /// On one line whatever the room is.
     void setInLine(bool on);
-    /// What any code needs, on one line with the number or in its two fields.
-    int leastWidth() const;
+    /// What any code needs at a height, in its two fields or on one line with the number.
+    int leastWidth(int height) const;
 
  protected:
     void resizeEvent(QResizeEvent* event) override;

@@ -293,7 +293,7 @@ void FrmDashBoardPanel::arrange() {
                         .tileHeight = tile.height(),
                         .dialReadout = beside * 5 / 4 + gap,
                         .status = folded_ ? 0 : statusWidth(),
-                        .codes = lblCheckEngine->tells() ? lblCheckEngine->leastWidth() : 0,
+                        .codes = lblCheckEngine->tells() ? lblCheckEngine->leastWidth(height() - 2 * gap) : 0,
                         .fuel = fuel_,
                         .oneLine = folded_};
     const DashPlan plan = planDashboard(room, tilesToShow(), page_);
@@ -306,6 +306,7 @@ void FrmDashBoardPanel::arrange() {
     instruments_ = plan.status.width > 0 ? plan.status.x : width();
     placeNoConnect();
     placeVeil();
+    if (!veil->isHidden()) raiseVeil();  // a read-out that leaves its dial comes above all others
 }
 
 std::vector<std::string_view> FrmDashBoardPanel::tilesToShow() const {
@@ -423,7 +424,10 @@ void FrmDashBoardPanel::placeVeil() {
     for (const auto& [name, gauge] : gauges_) gauge->setSpokenLive(!shown);
     for (const auto& [name, label] : labels_) label->setSpokenLive(!shown);
     veil->setVisible(shown);
-    if (!shown) return;
+    if (shown) raiseVeil();
+}
+
+void FrmDashBoardPanel::raiseVeil() {
     veil->raise();
     btnMore->raise();  // it works all the same
     fraNoConnect->raise();

@@ -104,6 +104,7 @@ class FrmDashBoardPanel : public QWidget {
     void placeStatus(QRect area);
     void placeNoConnect();
     void placeVeil();
+    void raiseVeil();
     QSize tileSize() const;
     int statusWidth() const;
     bool detailOffered() const;

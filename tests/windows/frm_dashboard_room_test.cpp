@@ -76,6 +76,9 @@ TEST_F(DashboardCodes, OpenInLittleRoomACodeKeepsAPlaceToo) {
         EXPECT_TRUE(code.isVisible()) << size.width();
         EXPECT_GE(code.width(), code.fontMetrics().horizontalAdvance("FAIL HI")) << size.width();
         EXPECT_GE(code.height(), code.fontMetrics().height()) << size.width();
+        if (size.width() >= 683) {
+            EXPECT_LE(code.fontMetrics().size(0, code.text()).width(), code.width()) << size.height();
+        }
         EXPECT_TRUE(board.panel().rect().contains(code.geometry())) << size.width();
         for (const auto* label : board.panel().findChildren<LiveLabel*>(Qt::FindDirectChildrenOnly)) {
             if (!label->isVisible()) continue;
@@ -135,6 +138,20 @@ TEST_F(DashboardCodes, OnTheLineTheCodesHaveTheAlarmsColorsByDayAndByNightAndThe
     fold(false);
     EXPECT_EQ(box().grab().toImage().pixelColor(4, 4), lookColors(DisplayMode::Night).surface);
     EXPECT_TRUE(panel().checkEngineLamp->isVisible());
+}
+
+TEST_F(DashboardCodes, AReadOutThatLeavesItsDialStaysBelowTheVeil) {
+    frame({1366, 700});
+    fold(false);
+    windows.dashboard()->showLinkState();
+    panel().setLive(false);
+    LiveLabel& coolant = panel().label("lblCLT");
+    ASSERT_EQ(coolant.parentWidget(), &panel().gauge("Coolant"));
+    fold(true);
+    ASSERT_EQ(coolant.parentWidget(), &panel());
+    ASSERT_TRUE(panel().veil->isVisible());
+    const auto order = panel().children();
+    EXPECT_GT(order.indexOf(panel().veil), order.indexOf(&coolant));
 }
 
 TEST_F(DashboardCodes, TheButtonOfTheFoldSaysWhatIsNotOnTheLine) {
