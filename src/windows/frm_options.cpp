@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QColorDialog>
+#include <QComboBox>
 #include <QEvent>
 #include <QHBoxLayout>
 #include <QShortcut>
@@ -51,8 +52,11 @@ FrmOptions::FrmOptions(Session& session, MainCommands& commands, QWidget* parent
 
     auto* column = new QVBoxLayout(this);
     column->addWidget(finder_);
+    column->addWidget(cmbPage_);
     column->addWidget(SSTab1_, 1);
     column->addLayout(makeButtons());
+    setTabOrder(&finder_->line(), cmbPage_);
+    setTabOrder(cmbPage_, SSTab1_);
 
     connect(finder_, &OptionFinder::chosen, this, &FrmOptions::found);
     connect(fields_, &OptionFields::detectAsked, this, &FrmOptions::detectPort);
@@ -86,8 +90,38 @@ void FrmOptions::makePages() {
     connect(SSTab1_, &QTabWidget::currentChanged, this, [this](int page) {
         mark(nullptr);
         SSTab1_->setProperty(helpKeyProperty, SSTab1_->widget(page)->property(helpKeyProperty));
+        cmbPage_->setCurrentIndex(page);
     });
     SSTab1_->setProperty(helpKeyProperty, SSTab1_->widget(0)->property(helpKeyProperty));
+
+    cmbPage_ = named(new QComboBox(this), "cmbPage", "Page of options");
+    for (int page = 0; page < SSTab1_->count(); ++page)
+        cmbPage_->addItem(pageTitle(static_cast<OptionPage>(page)));
+    cmbPage_->hide();
+    connect(cmbPage_, &QComboBox::activated, SSTab1_, &QTabWidget::setCurrentIndex);
+}
+
+/// Tabs that have no room beside each other would be cut, or out of sight: a list of the pages stands in
+/// their place then.
+void FrmOptions::fitTabs() {
+    const bool fit = SSTab1_->tabBar()->sizeHint().width() <= SSTab1_->width();
+    if (fit != cmbPage_->isHidden()) {
+        const bool keyboard = pageChooser().hasFocus();
+        SSTab1_->tabBar()->setVisible(fit);
+        SSTab1_->setFocusPolicy(fit ? Qt::TabFocus : Qt::NoFocus);  // it is that of its tabs
+        cmbPage_->setVisible(!fit);
+        if (keyboard) pageChooser().setFocus();
+    }
+}
+
+QWidget& FrmOptions::pageChooser() {
+    return cmbPage_->isHidden() ? static_cast<QWidget&>(*SSTab1_->tabBar()) : *cmbPage_;
+}
+
+void FrmOptions::resizeEvent(QResizeEvent* event) {
+    QDialog::resizeEvent(event);
+    layout()->activate();
+    fitTabs();
 }
 
 QLayout* FrmOptions::makeButtons() {
@@ -128,7 +162,7 @@ void FrmOptions::load() {
     options_->load();
     fields_->showAll();
     showPage(0);
-    SSTab1_->setFocus();
+    pageChooser().setFocus();
     focusMoved(nullptr);
     session_.sysLog("Control Panel Initialized.");
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QColor>
+#include <QComboBox>
 #include <QDialog>
 #include <QLabel>
 #include <QPointer>
@@ -51,11 +52,15 @@ class FrmOptions : public QDialog, public Form {
 
  protected:
     void showEvent(QShowEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
     bool event(QEvent* event) override;
 
  private:
     void makePages();
+    void fitTabs();
+    /// What turns the pages: the tabs, or the list in their place.
+    QWidget& pageChooser();
     QLayout* makeButtons();
     QPushButton* makeButton(const char* name, const QString& text);
     void load();
@@ -77,6 +82,7 @@ class FrmOptions : public QDialog, public Form {
     OptionFields* fields_ = nullptr;
     OptionFinder* finder_ = nullptr;
     QTabWidget* SSTab1_ = nullptr;
+    QComboBox* cmbPage_ = nullptr;
     QLabel* lblHelp_ = nullptr;
     QPushButton* cmdOK_ = nullptr;
     QPushButton* cmdCancel_ = nullptr;

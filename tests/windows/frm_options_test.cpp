@@ -389,5 +389,36 @@ TEST_F(OptionsWindow, FitsASmallLaptopAndClipsNothing) {
     }
 }
 
+// ---- The pages on a narrow screen
+
+TEST_F(OptionsWindow, WhereTheTabsHaveNoRoomAListOfThePagesStandsInTheirPlace) {
+    open();
+    auto* tabs = the<QTabWidget>("SSTab1");
+    auto* list = the<QComboBox>("cmbPage");
+    form->resize(tabs->tabBar()->sizeHint().width() + 200, 600);
+    QApplication::processEvents();
+    EXPECT_FALSE(tabs->tabBar()->isHidden());
+    EXPECT_TRUE(list->isHidden());
+
+    tabs->tabBar()->setFocus();
+    form->resize(500, 600);
+    QApplication::processEvents();
+    EXPECT_TRUE(tabs->tabBar()->isHidden());
+    EXPECT_FALSE(list->isHidden());
+    EXPECT_EQ(form->focusWidget(), list) << "the keyboard goes along";
+    EXPECT_EQ(list->count(), 7);
+    EXPECT_EQ(list->itemText(3), "Tables & graphs");
+    list->setCurrentIndex(3);
+    Q_EMIT list->activated(3);
+    EXPECT_EQ(page(), 3);
+    form->showPage(5);
+    EXPECT_EQ(list->currentIndex(), 5);
+
+    form->resize(tabs->tabBar()->sizeHint().width() + 200, 600);
+    QApplication::processEvents();
+    EXPECT_FALSE(tabs->tabBar()->isHidden());
+    EXPECT_EQ(form->focusWidget(), tabs->tabBar());
+}
+
 }  // namespace
 }  // namespace zentaq

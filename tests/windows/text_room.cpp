@@ -103,11 +103,16 @@ TextRoom ofButton(const QAbstractButton& button) {
 
 std::vector<TextRoom> ofTabs(const QTabBar& bar) {
     std::vector<TextRoom> rooms;
+    QRect shown = bar.rect();
+    for (const auto* arrow : bar.findChildren<QToolButton*>(QString(), Qt::FindDirectChildrenOnly)) {
+        if (arrow->isVisible()) shown.setRight(std::min(shown.right(), arrow->x() - 1));
+    }
     for (int i = 0; i < bar.count(); ++i) {
         if (!bar.isTabVisible(i)) continue;
         const QSize needed = linesOf(bar.fontMetrics(), bar.tabText(i));
-        // What has no room beside the others is scrolled to by the bar's own arrows.
-        rooms.push_back({bar.tabText(i), needed, bar.tabRect(i).size()});
+        // What is wholly out of sight is scrolled to by the bar's own arrows.
+        const QRect seen = bar.tabRect(i) & shown;
+        if (!seen.isEmpty()) rooms.push_back({bar.tabText(i), needed, seen.size()});
     }
     return rooms;
 }

@@ -67,15 +67,15 @@ TEST_F(Manager, ATableInAWindowOfItsOwnComesBackWhereItStood) {
         EXPECT_TRUE(windows.table()->isWindow());
     };
     undocked();
-    windows.table()->setGeometry(50, 60, 500, 400);
+    windows.table()->setGeometry(50, 60, 600, 400);
     windows.table()->close();
-    EXPECT_EQ(fake.settings.get("Forms", "frmTABLE"), "50 60 500 400 0");
+    EXPECT_EQ(fake.settings.get("Forms", "frmTABLE"), "50 60 600 400 0");
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     undocked();
-    EXPECT_EQ(windows.table()->geometry(), QRect(50, 60, 500, 400));
-    windows.table()->setGeometry(70, 80, 500, 400);
+    EXPECT_EQ(windows.table()->geometry(), QRect(50, 60, 600, 400));
+    windows.table()->setGeometry(70, 80, 600, 400);
     windows.table()->findChild<QAction*>("Docking")->trigger();
-    EXPECT_EQ(fake.settings.get("Forms", "frmTABLE"), "70 80 500 400 0");
+    EXPECT_EQ(fake.settings.get("Forms", "frmTABLE"), "70 80 600 400 0");
 }
 
 TEST_F(Manager, WhatTheLinkTellsIsShownFromTheEventLoopAndNotFromInsideItsHandler) {
