@@ -1,6 +1,7 @@
 #include "qt/qt_dialogs.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDir>
 #include <QFileDialog>
 #include <QHeaderView>
@@ -28,6 +29,8 @@ namespace {
 
 /// A screen of fewer letters has no room beside the names of files.
 constexpr int narrowLetters = 100;
+/// Of the folder above the list, which shortens what is longer.
+constexpr int lettersOfPath = 12;
 
 QMessageBox::Icon iconOf(Icon icon) {
     switch (icon) {
@@ -102,6 +105,11 @@ void fitFileDialog(QFileDialog& dialog, const QString& folder) {
     const QSize room = dialog.screen()->availableGeometry().size() - QSize(0, title);
     auto* list = dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
     if (list == nullptr) return;  // that of the desktop
+    // What it asks for would hang on what has been read of the folder when it is shown.
+    if (auto* path = dialog.findChild<QComboBox*>(QStringLiteral("lookInCombo"))) {
+        path->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+        path->setMinimumContentsLength(lettersOfPath);
+    }
     constexpr int sizeColumn = 1;
     constexpr int typeColumn = 2;
     list->setColumnHidden(typeColumn, true);

@@ -106,7 +106,7 @@ void FrmOptions::makePages() {
 void FrmOptions::fitTabs() {
     const bool fit = SSTab1_->tabBar()->sizeHint().width() <= SSTab1_->width();
     if (fit != cmbPage_->isHidden()) {
-        const bool keyboard = pageChooser().hasFocus();
+        const bool keyboard = focusWidget() == &pageChooser();
         SSTab1_->tabBar()->setVisible(fit);
         SSTab1_->setFocusPolicy(fit ? Qt::TabFocus : Qt::NoFocus);  // it is that of its tabs
         cmbPage_->setVisible(!fit);

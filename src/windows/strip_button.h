@@ -20,7 +20,7 @@ class StripButton : public QPushButton {
     void say(const QString& text, const QString& meaning, StripTone tone);
 
     QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
+    QSize minimumSizeHint() const override { return {leastWidth(), sizeHint().height()}; }
     /// The least width that it is of use with.
     int leastWidth() const;
     int widthOf(const QString& text) const;

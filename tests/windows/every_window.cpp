@@ -5,8 +5,10 @@
 #include <QScreen>
 #include <QTabWidget>
 
+#include "app/state_strip.h"
 #include "qt/qt_dialogs.h"
 #include "windows/mdi_main_about.h"
+#include "windows/state_strip_view.h"
 
 namespace zentaq {
 
@@ -64,6 +66,47 @@ void EveryWindowTest::mainWithTable(const Look& look) {
     openCalibration();
     giveRisingAxes(fake.session.currentUnitObject());
     windows.main().run("mnuVETbl");
+    settle();
+    look(windows.main());
+}
+
+void EveryWindowTest::undockedTable(const Look& look) {
+    mainWithTable([](QWidget&) {});
+    if (windows.table()->docked()) windows.table()->findChild<QAction*>("Docking")->trigger();
+    settle();
+    look(*windows.table());
+}
+
+void EveryWindowTest::mainWithSparkOnly(const Look& look) {
+    maximiseMain();
+    constexpr int pzk2 = 5;
+    std::vector<float> floats = wholeFloats(pzk2);
+    floats.resize(3 + 1701);
+    fake.dialogs.files.push_back(writeFloats(fake.folder.path("spark.ZQ4PZK"), floats));
+    commands.files.open();
+    windows.main().run("mnuAdvTbl");
+    settle();
+    ASSERT_FALSE(fake.session.currentUnitObject().kind().fuelSide);
+    look(windows.main());
+}
+
+void EveryWindowTest::mainInTrouble(const Look& look) {
+    mainWithTable([](QWidget&) {});
+    StripFacts facts = stripFacts(fake.session);
+    facts.portOpen = facts.unitFound = facts.identified = facts.onFly = facts.kindAgrees = true;
+    facts.changesNotStored = facts.modified = facts.zeroAdvance = facts.saving = true;
+    facts.framesCome = false;
+    facts.unit = "ORB A 200001";
+    facts.notice = "Table stored";
+    facts.panel3 = "ZQA5099";
+    windows.main().findChild<StateStripView*>("stateStrip")->show(stripRows(facts));
+    settle();
+    look(windows.main());
+}
+
+void EveryWindowTest::mainFolded(const Look& look) {
+    mainWithTable([](QWidget&) {});
+    for (const char* fold : {"mnuFoldMessages", "mnuFoldTree", "mnuFoldDashboard"}) windows.main().run(fold);
     settle();
     look(windows.main());
 }
@@ -228,6 +271,10 @@ const std::vector<ShownWindow>& everyWindow() {
         {"MainWindow", [](Program& p, const Look& look) { p.mainWindow(look); }},
         {"MainWithCalibration", [](Program& p, const Look& look) { p.mainWithCalibration(look); }},
         {"MainWithTable", [](Program& p, const Look& look) { p.mainWithTable(look); }},
+        {"UndockedTable", [](Program& p, const Look& look) { p.undockedTable(look); }},
+        {"MainWithSparkOnly", [](Program& p, const Look& look) { p.mainWithSparkOnly(look); }},
+        {"MainInTrouble", [](Program& p, const Look& look) { p.mainInTrouble(look); }},
+        {"MainFolded", [](Program& p, const Look& look) { p.mainFolded(look); }},
         {"GeneralConfiguration", [](Program& p, const Look& look) { p.general(look); }},
         {"NewCalibration", [](Program& p, const Look& look) { p.generalOfNewCalibration(look); }},
         {"Sensors", [](Program& p, const Look& look) { p.sensors(look); }},

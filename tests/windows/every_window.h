@@ -24,6 +24,13 @@ class EveryWindowTest : public WindowTest {
     void mainWindow(const Look& look);
     void mainWithCalibration(const Look& look);
     void mainWithTable(const Look& look);
+    void undockedTable(const Look& look);
+    /// A kind of unit without fuel.
+    void mainWithSparkOnly(const Look& look);
+    /// Every part of the state strip has something to say.
+    void mainInTrouble(const Look& look);
+    /// Messages, tree and dashboard each the other way round than by themselves.
+    void mainFolded(const Look& look);
     void general(const Look& look);
     void generalOfNewCalibration(const Look& look);
     void sensors(const Look& look);

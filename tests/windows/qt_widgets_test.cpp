@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDialog>
 #include <QFileDialog>
 #include <QInputDialog>
@@ -278,6 +279,22 @@ TEST(QtDialogs, ForOpeningAndForSavingItIsThatOfTheDesktopAndAsksNothingOfItsOwn
     whenOpen<QFileDialog>(look);
     dialogs.saveFile({});
     EXPECT_EQ(looks, 2);
+}
+
+TEST(QtDialogs, TheFolderOfAFileDialogAsksForNoMoreRoomBehindItsReading) {
+    QtDialogs dialogs;
+    int looks = 0;
+    whenOpen<QFileDialog>([&](QFileDialog& dialog) {
+        ++looks;
+        auto* path = dialog.findChild<QComboBox*>("lookInCombo");
+        ASSERT_NE(path, nullptr);
+        const int asked = path->minimumSizeHint().width();
+        path->addItem(QString(200, 'W'));
+        EXPECT_EQ(path->minimumSizeHint().width(), asked);
+        dialog.reject();
+    });
+    dialogs.openFile({});
+    EXPECT_EQ(looks, 1);
 }
 
 TEST(QtDialogs, CancellingAFileDialogGivesAnEmptyName) {

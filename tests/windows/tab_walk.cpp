@@ -7,8 +7,10 @@
 #include <QRadioButton>
 #include <QTabBar>
 #include <algorithm>
+#include <unordered_map>
 
 #include "qt/look.h"
+#include "qt/style_shapes.h"
 #include "windows/key_press.h"
 #include "windows/layout_faults.h"
 
@@ -129,6 +131,21 @@ std::vector<std::string> stepsAgainstTheEye(const std::vector<QWidget*>& ring, c
     return steps;
 }
 
+namespace {
+
+/// The color that most of it has.
+QColor groundOf(const QImage& picture) {
+    std::unordered_map<QRgb, int> counts;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) ++counts[picture.pixel(x, y)];
+    }
+    const auto most = std::max_element(counts.begin(), counts.end(),
+                                       [](const auto& a, const auto& b) { return a.second < b.second; });
+    return most == counts.end() ? QColor() : QColor(most->first);
+}
+
+}  // namespace
+
 bool showsFocus(QWidget& control) {
     control.setFocus(Qt::TabFocusReason);
     const QImage with = pictureOf(control);
@@ -136,10 +153,14 @@ bool showsFocus(QWidget& control) {
     const QImage without = pictureOf(control);
     if (with.size() != without.size()) return true;
     const QColor frame = lookColors(appliedLook(*qApp)).focus;
+    const QColor frameThere = seenOn(frame, groundOf(without));
+    const auto isFrame = [&](const QColor& color) {
+        return isNear(color, frame) || isNear(color, frameThere);
+    };
     int changed = 0;
     for (int y = 0; y < with.height(); ++y) {
         for (int x = 0; x < with.width(); ++x)
-            changed += isNear(with.pixelColor(x, y), frame) && !isNear(without.pixelColor(x, y), frame);
+            changed += isFrame(with.pixelColor(x, y)) && !isFrame(without.pixelColor(x, y));
     }
     const auto* tabs = qobject_cast<QTabBar*>(&control);
     const QSize framed = tabs != nullptr ? tabs->tabRect(tabs->currentIndex()).size() : control.size();
