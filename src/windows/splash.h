@@ -15,8 +15,8 @@ class FrmSplash : public QWidget, public Form {
     Q_OBJECT
 
  public:
-    /// How long each text stays, in milliseconds of a live event loop.
-    static constexpr int holdMs = 80;
+    /// How long each text stays, in milliseconds of a live event loop; less where nobody looks.
+    static inline int holdMs = 80;
     /// All texts of a start together hold it up no longer than this.
     static constexpr int budgetMs = 1500;
 

@@ -57,7 +57,7 @@ TEST(Splash, AllTextsTogetherCostNoMoreThanASecondAndAHalf) {
     splash.status("The first one also pays for the window");
     QElapsedTimer time;
     time.start();
-    constexpr int texts = 2 * FrmSplash::budgetMs / FrmSplash::holdMs;
+    const int texts = 2 * FrmSplash::budgetMs / FrmSplash::holdMs;
     for (int i = 0; i < texts; ++i) splash.status("Initializing Console");
     EXPECT_LT(time.elapsed(), texts * FrmSplash::holdMs * 3 / 4) << "half of the texts are not held";
     EXPECT_EQ(operationOf(splash), "    Initializing Console");

@@ -75,17 +75,23 @@ class OrbASession : public FakesTest {
 };
 
 class WindowTest : public FakesTest {
+    const int heldByUsers = FrmSplash::holdMs;
+
  protected:
     MainCommands commands{fake.session};
     Kernel kernel{fake.session, commands};
     ProgramWindows windows{*qApp, fake.session, commands, kernel};
 
     WindowTest() {
+        FrmSplash::holdMs = 1;
         fake.settings.set("System", "FileOpen", "0");
         fake.settings.set("System", "MonitorMode", "0");
         kernel.load();
     }
-    ~WindowTest() override { windows.killTimers(); }
+    ~WindowTest() override {
+        windows.killTimers();
+        FrmSplash::holdMs = heldByUsers;
+    }
 
     template <typename Object>
     Object* find(const char* name) {
