@@ -37,6 +37,10 @@ class Fold {
             choose(true);
         }
     }
+    /// Open in spite of too little room.
+    bool openedAnyway() const { return openedAnyway_; }
+    /// Gives way to another part that is opened in spite of too little room for both.
+    void giveWay() { openedAnyway_ = false; }
     /// As at the first start.
     void toDefault() {
         openedAnyway_ = false;
@@ -68,6 +72,13 @@ struct Folds {
     Fold tree;
     Fold dashboard;
 
+    /// Where room is short for both, messages and dashboard open one at a time.
+    void toggle(Fold& fold) {
+        fold.toggle();
+        if (!fold.openedAnyway()) return;
+        if (&fold == &messages) dashboard.giveWay();
+        if (&fold == &dashboard) messages.giveWay();
+    }
     void toDefault() {
         for (Fold* fold : {&messages, &tree, &dashboard}) fold->toDefault();
     }

@@ -23,7 +23,7 @@ void MainCommands::nightMode() {
 }
 
 void MainCommands::toggle(Fold& fold) {
-    fold.toggle();
+    session_.folds.toggle(fold);
     session_.windows().tell(&WindowNews::foldsChanged);
 }
 

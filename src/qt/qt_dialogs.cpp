@@ -109,6 +109,8 @@ void fitFileDialog(QFileDialog& dialog, const QString& folder) {
     if (auto* path = dialog.findChild<QComboBox*>(QStringLiteral("lookInCombo"))) {
         path->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
         path->setMinimumContentsLength(lettersOfPath);
+        QEvent anew(QEvent::StyleChange);  // what it has asked for until now stays with it otherwise
+        QCoreApplication::sendEvent(path, &anew);
     }
     constexpr int sizeColumn = 1;
     constexpr int typeColumn = 2;

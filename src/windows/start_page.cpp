@@ -5,6 +5,7 @@
 #include <QTimer>
 #include <QVBoxLayout>
 #include <filesystem>
+#include <tuple>
 #include <utility>
 
 #include "base/text.h"
@@ -17,6 +18,8 @@ namespace zentaq {
 namespace {
 
 constexpr int pathRole = Qt::UserRole;
+/// Of each list: what stands below it comes before more of them.
+constexpr int rowsInSight = 2;
 
 }  // namespace
 
@@ -62,12 +65,12 @@ QWidget* StartPage::makeFiles() {
     auto* files = new QWidget(this);
     auto* row = new QHBoxLayout(files);
     row->setContentsMargins(0, 0, 0, 0);
-    auto* recent = new QWidget(files);
-    recent_ = makeList("lstRecent", "&Recent files", recent);
-    auto* samples = new QWidget(files);
-    samples_ = makeList("lstSamples", "Sam&ples to try", samples);
-    row->addWidget(recent, 1);
-    row->addWidget(samples, 1);
+    for (const auto& [list, name, caption] :
+         {std::tuple{&recent_, "lstRecent", "&Recent files"}, {&samples_, "lstSamples", "Sam&ples to try"}}) {
+        auto* column = new QWidget(files);
+        *list = makeList(name, caption, column);
+        row->addWidget(column, 1);
+    }
     return files;
 }
 
@@ -79,6 +82,7 @@ QListWidget* StartPage::makeList(const char* name, const QString& caption, QWidg
     title->setBuddy(list);
     list->setTextElideMode(Qt::ElideNone);
     list->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+    list->setMinimumHeight(rowsInSight * list->fontMetrics().lineSpacing() + 2 * list->frameWidth());
     connect(list, &QListWidget::itemClicked, this, [this](const QListWidgetItem* item) { ask(*item); });
     connect(list, &QListWidget::itemActivated, this, [this](const QListWidgetItem* item) { ask(*item); });
     layout->addWidget(title);
@@ -118,7 +122,8 @@ void StartPage::fill(QListWidget& list, const std::vector<std::string>& paths) {
         item->setToolTip(plainTip(shownString(path)));
     }
     if (list.count() > 0) list.setCurrentRow(0);
-    list.setEnabled(list.count() > 0);
+    // An empty one leaves its room to the other.
+    list.parentWidget()->setVisible(list.count() > 0);
 }
 
 void StartPage::takeFocus() {

@@ -62,6 +62,33 @@ TEST(Fold, OpensWhereRoomIsShortWhenTheUserWantsItAndUntilThereIsRoomAgain) {
     EXPECT_TRUE(fold.folded());
 }
 
+TEST(Folds, OpenMessagesAndDashboardOneAtATimeWhereRoomIsShortForBoth) {
+    MemorySettings settings;
+    Folds folds(settings);
+    folds.messages.roomShort(true);
+    folds.dashboard.roomShort(true);
+    folds.toggle(folds.messages);
+    EXPECT_FALSE(folds.messages.folded());
+    folds.toggle(folds.dashboard);
+    EXPECT_FALSE(folds.dashboard.folded());
+    EXPECT_TRUE(folds.messages.folded());
+    folds.toggle(folds.messages);
+    EXPECT_FALSE(folds.messages.folded());
+    EXPECT_TRUE(folds.dashboard.folded());
+}
+
+TEST(Folds, LeaveADashboardAloneThatHasRoomWhenTheMessagesHaveNone) {
+    MemorySettings settings;
+    Folds folds(settings);
+    folds.messages.roomShort(true);
+    folds.toggle(folds.messages);
+    EXPECT_FALSE(folds.messages.folded());
+    EXPECT_FALSE(folds.dashboard.folded());
+    folds.toggle(folds.dashboard);
+    EXPECT_TRUE(folds.dashboard.folded());
+    EXPECT_FALSE(folds.messages.folded());
+}
+
 TEST(Fold, IsOpenWhereTheStoreCannotBeRead) {
     class Unreadable : public FullStore {
      public:

@@ -23,7 +23,7 @@ class StartPageTest : public WindowTest {
 
 TEST_F(StartPageTest, HasNothingRecentOnAFreshInstallation) {
     EXPECT_EQ(list("lstRecent")->count(), 0);
-    EXPECT_FALSE(list("lstRecent")->isEnabled());
+    EXPECT_FALSE(list("lstRecent")->isVisible());
     EXPECT_EQ(find<QLabel>("lblStart")->text(), "No calibration in hand.");
 }
 
