@@ -26,9 +26,9 @@ struct Disk {
     SleepingDisk disk;
 };
 
-class SlowDisk : private Disk, public CommandTest {
+class HeldDisk : private Disk, public CommandTest {
  protected:
-    SlowDisk() : CommandTest(nullptr, &disk) {}
+    HeldDisk() : CommandTest(nullptr, &disk) {}
 
     SleepingDisk& slow() { return disk; }
     std::string tune() { return writeFloats(fake.folder.path("tune.ZQ4OA"), wholeFloats()); }
@@ -41,14 +41,14 @@ class SlowDisk : private Disk, public CommandTest {
 
 constexpr auto waiting = "Waiting for the Disk";
 
-TEST_F(SlowDisk, AnAnswerWithinAMomentIsNotWorthAWord) {
+TEST_F(HeldDisk, AnAnswerWithinAMomentIsNotWorthAWord) {
     slow().awake = true;
     open(tune());
     EXPECT_EQ(session.slotInHand(), 3);
     EXPECT_THAT(boxes(), IsEmpty());
 }
 
-TEST_F(SlowDisk, ABoxAndTheStripTellWhatIsWaitedForAndTheFileOpensWhenItComes) {
+TEST_F(HeldDisk, ABoxAndTheStripTellWhatIsWaitedForAndTheFileOpensWhenItComes) {
     during(waiting, [&] {
         EXPECT_EQ(work(), "Opening . . .");
         EXPECT_TRUE(box().stands());
@@ -64,7 +64,7 @@ TEST_F(SlowDisk, ABoxAndTheStripTellWhatIsWaitedForAndTheFileOpensWhenItComes) {
     EXPECT_EQ(work(), "");
 }
 
-TEST_F(SlowDisk, WhatIsGivenUpLeavesTheFormerCalibrationInHandEvenWhenItComesLater) {
+TEST_F(HeldDisk, WhatIsGivenUpLeavesTheFormerCalibrationInHandEvenWhenItComesLater) {
     slow().awake = true;
     const std::string former = tune();
     open(former);
@@ -79,7 +79,7 @@ TEST_F(SlowDisk, WhatIsGivenUpLeavesTheFormerCalibrationInHandEvenWhenItComesLat
     EXPECT_EQ(work(), "");
 }
 
-TEST_F(SlowDisk, ACommandThatComesMeanwhileComesBehindTheOpening) {
+TEST_F(HeldDisk, ACommandThatComesMeanwhileComesBehindTheOpening) {
     bool ran = false;
     during(waiting, [&] {
         EXPECT_TRUE(session.saving.putsOffWhileReading("Save", [&] { ran = true; }));
@@ -90,7 +90,7 @@ TEST_F(SlowDisk, ACommandThatComesMeanwhileComesBehindTheOpening) {
     EXPECT_TRUE(ran);
 }
 
-TEST_F(SlowDisk, ARecentFileThatCannotBeLookedForIsNotForgotten) {
+TEST_F(HeldDisk, ARecentFileThatCannotBeLookedForIsNotForgotten) {
     const std::string path = tune();
     session.recentFiles.add(path);
     fake.dialogs.answers = {Answer::Cancel};
@@ -99,7 +99,7 @@ TEST_F(SlowDisk, ARecentFileThatCannotBeLookedForIsNotForgotten) {
     EXPECT_THAT(titles(), ElementsAre(waiting));
 }
 
-TEST_F(SlowDisk, SavingAndNamingASampleAskTheDiskNothingButBesideTheProgram) {
+TEST_F(HeldDisk, SavingAndNamingASampleAskTheDiskNothingButBesideTheProgram) {
     std::filesystem::create_directory(fake.folder.path("samples"));
     slow().awake = true;
     open(writeFloats(fake.folder.path("samples/Turbo.ZQ4OA"), wholeFloats()));
@@ -112,7 +112,7 @@ TEST_F(SlowDisk, SavingAndNamingASampleAskTheDiskNothingButBesideTheProgram) {
     EXPECT_THAT(fake.dialogs.requests.back().title, "Zentaq4 User Calibration Files") << "under a new name";
 }
 
-TEST_F(SlowDisk, TheSameFileByAnotherNameIsKnownBesideTheProgram) {
+TEST_F(HeldDisk, TheSameFileByAnotherNameIsKnownBesideTheProgram) {
     slow().awake = true;
     const std::string file = tune();
     open(file);
@@ -129,7 +129,7 @@ TEST_F(SlowDisk, TheSameFileByAnotherNameIsKnownBesideTheProgram) {
     EXPECT_TRUE(logged("Looking for link.ZQ4OA: given up, the disk did not answer."));
 }
 
-TEST_F(SlowDisk, AFileOfTheOlderGenerationIsReadOnceBesideTheProgram) {
+TEST_F(HeldDisk, AFileOfTheOlderGenerationIsReadOnceBesideTheProgram) {
     constexpr std::size_t floats = 8704 / 4;  // an older ORB A
     const std::string path = writeFloats(fake.folder.path("old.BIN"), std::vector<float>(floats, 1.0F));
     during(waiting, [&] {
