@@ -1,7 +1,6 @@
 #include "windows/frm_options.h"
 
 #include <QApplication>
-#include <QColorDialog>
 #include <QComboBox>
 #include <QEvent>
 #include <QHBoxLayout>
@@ -11,6 +10,7 @@
 #include <algorithm>
 
 #include "base/errors.h"
+#include "qt/color_dialog.h"
 #include "qt/colour_swatch.h"
 #include "qt/help_key.h"
 #include "qt/look.h"
@@ -22,22 +22,13 @@
 
 namespace zentaq {
 
-namespace {
-
-std::optional<QColor> platformDialog(const QColor& initial, const QString& title, QWidget* parent) {
-    const QColor chosen = QColorDialog::getColor(initial, parent, title, QColorDialog::DontUseNativeDialog);
-    return chosen.isValid() ? std::optional(chosen) : std::nullopt;
-}
-
-}  // namespace
-
 FrmOptions::FrmOptions(Session& session, MainCommands& commands, QWidget* parent)
     : QDialog(parent),
       Form(this),
       session_(session),
       commands_(commands),
       options_(std::make_shared<Options>(session)),
-      chooseColour_(platformDialog) {
+      chooseColour_(chooseColor) {
     named(this, qString(window::options), "Options");
     setWindowTitle(accessibleName());
     setModal(false);

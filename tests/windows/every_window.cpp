@@ -1,7 +1,10 @@
 #include "windows/every_window.h"
 
+#include <QAbstractButton>
 #include <QComboBox>
 #include <QListWidget>
+#include <QMenu>
+#include <QMenuBar>
 #include <QScreen>
 #include <QTabWidget>
 
@@ -100,6 +103,8 @@ void EveryWindowTest::mainInTrouble(const Look& look) {
     facts.notice = "Table stored";
     facts.panel3 = "ZQA5099";
     windows.main().findChild<StateStripView*>("stateStrip")->show(stripRows(facts));
+    fake.session.codes.Update_CHKE("21 - TPS Sensor Failed High");
+    windows.tell(&WindowNews::codesChanged);
     settle();
     look(windows.main());
 }
@@ -109,6 +114,18 @@ void EveryWindowTest::mainFolded(const Look& look) {
     for (const char* fold : {"mnuFoldMessages", "mnuFoldTree", "mnuFoldDashboard"}) windows.main().run(fold);
     settle();
     look(windows.main());
+}
+
+void EveryWindowTest::menusOpen(const Look& look) {
+    mainWithTable([](QWidget&) {});
+    for (QAction* entry : windows.main().menuBar()->actions()) {
+        QMenu* menu = entry->menu();
+        menu->popup(room().topLeft());
+        settle();
+        look(*menu);
+        menu->close();
+        settle();
+    }
 }
 
 // ---- Windows of their own
@@ -170,6 +187,17 @@ void EveryWindowTest::optionPage(int page, const Look& look) {
     windows.options()->findChild<QTabWidget*>("SSTab1")->setCurrentIndex(page);
     settle();
     look(*windows.options());
+}
+
+void EveryWindowTest::colorDialog(const Look& look) {
+    maximiseMain();
+    commands.nightMode();
+    windows.main().run("mnuOptions");
+    auto* choose = windows.options()->findChild<QAbstractButton*>("cmdChoose");
+    windows.options()->findChild<QTabWidget*>("SSTab1")->setCurrentIndex(4);
+    settle();
+    ASSERT_TRUE(choose->isEnabled());
+    modal([&] { choose->click(); }, look);
 }
 
 void EveryWindowTest::guide(const Look& look) {
@@ -274,6 +302,8 @@ const std::vector<ShownWindow>& everyWindow() {
         {"UndockedTable", [](Program& p, const Look& look) { p.undockedTable(look); }},
         {"MainWithSparkOnly", [](Program& p, const Look& look) { p.mainWithSparkOnly(look); }},
         {"MainInTrouble", [](Program& p, const Look& look) { p.mainInTrouble(look); }},
+        {"MenusOpen", [](Program& p, const Look& look) { p.menusOpen(look); }},
+        {"ColorDialog", [](Program& p, const Look& look) { p.colorDialog(look); }},
         {"MainFolded", [](Program& p, const Look& look) { p.mainFolded(look); }},
         {"GeneralConfiguration", [](Program& p, const Look& look) { p.general(look); }},
         {"NewCalibration", [](Program& p, const Look& look) { p.generalOfNewCalibration(look); }},

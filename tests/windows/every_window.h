@@ -27,10 +27,12 @@ class EveryWindowTest : public WindowTest {
     void undockedTable(const Look& look);
     /// A kind of unit without fuel.
     void mainWithSparkOnly(const Look& look);
-    /// Every part of the state strip has something to say.
+    /// Every part of the state strip has something to say, and the dashboard a code.
     void mainInTrouble(const Look& look);
     /// Messages, tree and dashboard each the other way round than by themselves.
     void mainFolded(const Look& look);
+    void menusOpen(const Look& look);
+    void colorDialog(const Look& look);
     void general(const Look& look);
     void generalOfNewCalibration(const Look& look);
     void sensors(const Look& look);

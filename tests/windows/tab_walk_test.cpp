@@ -141,6 +141,7 @@ TEST_P(EveryWindowByTab, IsWalkedThroughWhole) {
 TEST_P(EveryWindowByTab, GoesAsTheEyeGoes) {
     GetParam().show(*this, [](QWidget& window) {
         activate(window);
+        if (tabControls(window).empty()) return;
         EXPECT_THAT(stepsAgainstTheEye(walkByTab(window).controls, window), IsEmpty());
     });
 }
@@ -148,6 +149,7 @@ TEST_P(EveryWindowByTab, GoesAsTheEyeGoes) {
 TEST_P(EveryWindowByTab, ShowsWhereItIsByDayAndByNight) {
     GetParam().show(*this, [](QWidget& window) {
         activate(window);
+        if (tabControls(window).empty()) return;
         for (const DisplayMode mode : {DisplayMode::Day, DisplayMode::Night}) {
             applyLook(*qApp, mode);
             QApplication::processEvents();

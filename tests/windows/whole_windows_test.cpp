@@ -7,12 +7,32 @@
 #include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
+#include <algorithm>
+#include <fstream>
+#include <set>
+#include <span>
+#include <string>
 
 #include "windows/every_window.h"
 #include "windows/layout_faults.h"
 
 namespace zentaq {
 namespace {
+
+/// Where a program that a test starts writes what is in sight; none otherwise.
+constexpr const char* sightFile = "ZENTAQ_SIGHT_FILE";
+
+/// A line for each widget with a name that is in sight: the window, and the name with what it stands in.
+void writeSight(const QWidget& window, const char* row) {
+    QFile file(qEnvironmentVariable(sightFile));
+    if (file.fileName().isEmpty()) return;
+    ASSERT_TRUE(file.open(QIODevice::Append));
+    for (const QWidget* one : window.findChildren<QWidget*>()) {
+        if (!one->isVisible() || one->size().isEmpty()) continue;
+        if (one->objectName().isEmpty() || one->objectName().startsWith("qt_")) continue;
+        file.write(QByteArray(row) + ' ' + QByteArray::fromStdString(pathOf(*one)) + '\n');
+    }
+}
 
 /// On the screen of this process, whichever that is.
 class WholeWindowTest : public EveryWindowTest, public testing::WithParamInterface<ShownWindow> {};
@@ -23,6 +43,7 @@ TEST_P(WholeWindowTest, HasNoFaults) {
         ++looks;
         EXPECT_TRUE(window.isVisible());
         for (const std::string& fault : layoutFaults(window, room())) ADD_FAILURE() << fault;
+        writeSight(window, GetParam().name);
     });
     EXPECT_GT(looks, 0);
 }
@@ -74,6 +95,25 @@ class WholeWindowsOnAScreen : public testing::TestWithParam<ScreenRow> {
         variables.insert("QT_SCALE_FACTOR", row.scale);
         return variables;
     }
+    /// Ends well, and has looked at every window.
+    static void lookAtAll(const ScreenRow& row, const QString& folder, const QString& sight = {}) {
+        const QString configuration = folder + "/screen.json";
+        describe(row, configuration);
+        QProcessEnvironment variables = environment(row, configuration);
+        if (!sight.isEmpty()) variables.insert(sightFile, sight);
+        QProcess program;
+        program.setProcessEnvironment(variables);
+        program.setProcessChannelMode(QProcess::MergedChannels);
+        program.start(QCoreApplication::applicationFilePath(),
+                      {"--gtest_filter=*/WholeWindowTest.*", "--gtest_brief=1"});
+        constexpr int waitMs = 100'000;
+        ASSERT_TRUE(program.waitForFinished(waitMs));
+        const QByteArray told = program.readAll();
+        EXPECT_EQ(program.exitCode(), 0) << told.toStdString();
+        EXPECT_TRUE(told.contains("[  PASSED  ] " +
+                                  QByteArray::number(static_cast<int>(everyWindow().size())) + " tests"))
+            << told.toStdString();
+    }
     static void describe(const ScreenRow& row, const QString& path) {
         QFile file(path);
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
@@ -88,21 +128,60 @@ class WholeWindowsOnAScreen : public testing::TestWithParam<ScreenRow> {
 
 TEST_P(WholeWindowsOnAScreen, ShowAllOfThemselves) {
     const QTemporaryDir folder;
-    const QString configuration = folder.filePath("screen.json");
-    describe(GetParam(), configuration);
-    QProcess program;
-    program.setProcessEnvironment(environment(GetParam(), configuration));
-    program.setProcessChannelMode(QProcess::MergedChannels);
-    program.start(QCoreApplication::applicationFilePath(),
-                  {"--gtest_filter=*/WholeWindowTest.*", "--gtest_brief=1"});
-    constexpr int waitMs = 100'000;
-    ASSERT_TRUE(program.waitForFinished(waitMs));
-    const QByteArray told = program.readAll();
-    EXPECT_EQ(program.exitCode(), 0) << told.toStdString();
-    EXPECT_TRUE(told.contains("[  PASSED  ] " + QByteArray::number(static_cast<int>(everyWindow().size())) +
-                              " tests"))
-        << told.toStdString();
+    lookAtAll(GetParam(), folder.path());
 }
+
+// ---- What has no room at a larger scale
+
+using Sight = std::set<std::string>;
+
+Sight sightOf(const QString& path) {
+    std::ifstream file(path.toStdString());
+    Sight lines;
+    for (std::string line; std::getline(file, line);) lines.insert(line);
+    return lines;
+}
+
+/// What leads to a part that is out of sight: it must be in sight itself.
+struct Way {
+    const char* part;
+    const char* leads;
+};
+constexpr Way ways[] = {
+    {"/frmDashBoard/", "/frmDashBoard/btnMore "},
+    {"/fraMessages/", "/fraMessages/cmdFoldMessages "},
+    {"/stateStrip/", "/stateStrip/stripMore "},
+    {"dlgDialog1/splitter/sidebar ", "dlgDialog1/lookInCombo "},
+};
+
+bool hasWay(const std::string& lost, const Sight& sight) {
+    const std::string window = lost.substr(0, lost.find(' ') + 1);
+    return std::ranges::any_of(ways, [&](const Way& way) {
+        return lost.find(way.part) != std::string::npos &&
+               std::ranges::any_of(sight, [&](const std::string& one) {
+                   return one.starts_with(window) && one.find(way.leads) != std::string::npos;
+               });
+    });
+}
+
+class LargerScale : public WholeWindowsOnAScreen {};
+
+TEST_P(LargerScale, LosesNoControlThatNothingInSightLeadsTo) {
+    const QTemporaryDir folder;
+    ScreenRow plain = GetParam();
+    plain.scale = "1";
+    lookAtAll(plain, folder.path(), folder.filePath("plain"));
+    lookAtAll(GetParam(), folder.path(), folder.filePath("larger"));
+    const Sight all = sightOf(folder.filePath("plain"));
+    const Sight left = sightOf(folder.filePath("larger"));
+    EXPECT_GT(all.size(), 10 * everyWindow().size());
+    for (const std::string& one : all) {
+        if (!left.contains(one) && !hasWay(one, left)) ADD_FAILURE() << one;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Laptop, LargerScale, testing::ValuesIn(std::span(screenRows).subspan(2)),
+                         [](const auto& row) { return std::string(row.param.name); });
 
 INSTANTIATE_TEST_SUITE_P(Laptop, WholeWindowsOnAScreen, testing::ValuesIn(screenRows),
                          [](const auto& row) { return std::string(row.param.name); });
