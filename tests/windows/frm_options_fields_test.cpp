@@ -20,7 +20,7 @@ class OptionsFields : public OptionsWindowTest {
 
 // ---- Check boxes and buttons, each with its caption
 
-struct BoxCase {
+struct CheckCase {
     OptionPage page;
     const char* control;
     const char* caption;
@@ -29,7 +29,7 @@ struct BoxCase {
     bool checkedAtFirst = false;
 };
 
-constexpr BoxCase boxes[] = {
+constexpr CheckCase boxes[] = {
     {OptionPage::Communications, "chkCOMM", "Show Communication Console", "CommCnsl", false},
     {OptionPage::Communications, "chkShowCommDialog", "Show Communications Dialog", "CommDialog", true, true},
     {OptionPage::Communications, "chkWireTrace", "Record what passes over the serial line", "WireTrace",
@@ -50,7 +50,7 @@ constexpr BoxCase boxes[] = {
 
 TEST_F(OptionsFields, SpaceTurnsEachCheckBoxAndItsSettingFollowsInItsOwnTime) {
     fake.settings = {};
-    for (const BoxCase& row : boxes) {
+    for (const CheckCase& row : boxes) {
         SCOPED_TRACE(row.control);
         showing(row.page);
         auto* box = the<QCheckBox>(row.control);
@@ -64,7 +64,7 @@ TEST_F(OptionsFields, SpaceTurnsEachCheckBoxAndItsSettingFollowsInItsOwnTime) {
         EXPECT_EQ(stored(row.key), row.atOnce ? turned : before);
     }
     apply();
-    for (const BoxCase& row : boxes) EXPECT_EQ(stored(row.key), row.checkedAtFirst ? "0" : "1") << row.key;
+    for (const CheckCase& row : boxes) EXPECT_EQ(stored(row.key), row.checkedAtFirst ? "0" : "1") << row.key;
 }
 
 TEST_F(OptionsFields, ArrowsChooseWhatThePrintButtonPrints) {
