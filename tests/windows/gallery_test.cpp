@@ -17,6 +17,7 @@
 #include "gallery/own_widgets.h"
 #include "qt/contrast.h"
 #include "qt/look.h"
+#include "windows/layout_faults.h"
 
 namespace zentaq {
 namespace {
@@ -104,6 +105,12 @@ TEST_P(GalleryWalk, EveryTextIsReadInEveryState) {
         EXPECT_GE(inkContrast(picture, picture.rect().adjusted(4, 4, -4, -4)), leastTextContrast)
             << piece.widget->objectName().toStdString();
     }
+}
+
+TEST_P(GalleryWalk, EveryTextHasItsRoom) {
+    gallery_->adjustSize();
+    gallery_->grab();
+    EXPECT_THAT(layoutFaults(*gallery_, QRect(QPoint(), gallery_->size())), testing::IsEmpty());
 }
 
 TEST_P(GalleryWalk, WhatHasTheKeyboardIsFramed) {

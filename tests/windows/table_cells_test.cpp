@@ -81,6 +81,17 @@ TEST_P(TableCells, ASelectionHasItsEndsOnEveryGround) {
     EXPECT_LT(endOf(shown, 3, 3, -1, 0), leastMarkContrast) << "nothing parts what is selected";
 }
 
+TEST_P(TableCells, TheCellInHandIsFramedOnEveryGround) {
+    for (int column = 1; column <= grid_.columns(); ++column) {
+        select(2, column, 2, column);
+        const QImage shown = picture();
+        for (const QPoint side : {QPoint(-1, 0), QPoint(1, 0), QPoint(0, -1), QPoint(0, 1)}) {
+            EXPECT_GE(endOf(shown, 2, column, side.x(), side.y()), leastMarkContrast)
+                << "column " << column << ", side " << side.x() << ' ' << side.y();
+        }
+    }
+}
+
 TEST_P(TableCells, ASelectionThatGrowsLeavesNoEndInside) {
     select(1, 4, 2, 5);
     table_.viewport()->repaint();
