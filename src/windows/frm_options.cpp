@@ -80,16 +80,38 @@ void FrmOptions::makePages() {
     }
     connect(SSTab1_, &QTabWidget::currentChanged, this, [this](int page) {
         mark(nullptr);
-        SSTab1_->setProperty(helpKeyProperty, SSTab1_->widget(page)->property(helpKeyProperty));
+        helpOnPage(page);
         cmbPage_->setCurrentIndex(page);
     });
-    SSTab1_->setProperty(helpKeyProperty, SSTab1_->widget(0)->property(helpKeyProperty));
-
     cmbPage_ = named(new QComboBox(this), "cmbPage", "Page of options");
     for (int page = 0; page < SSTab1_->count(); ++page)
         cmbPage_->addItem(pageTitle(static_cast<OptionPage>(page)));
     cmbPage_->hide();
     connect(cmbPage_, &QComboBox::activated, SSTab1_, &QTabWidget::setCurrentIndex);
+    helpOnPage(0);
+    // From wherever the keyboard is, and without the tabs as well.
+    turnWith(Qt::CTRL | Qt::Key_Tab, 1);
+    turnWith(Qt::CTRL | Qt::Key_PageDown, 1);
+    turnWith(Qt::CTRL | Qt::SHIFT | Qt::Key_Tab, -1);
+    turnWith(Qt::CTRL | Qt::SHIFT | Qt::Key_Backtab, -1);
+    turnWith(Qt::CTRL | Qt::Key_PageUp, -1);
+}
+
+/// What F2 tells where no option is in hand.
+void FrmOptions::helpOnPage(int page) {
+    const QVariant help = SSTab1_->widget(page)->property(helpKeyProperty);
+    SSTab1_->setProperty(helpKeyProperty, help);
+    cmbPage_->setProperty(helpKeyProperty, help);
+}
+
+void FrmOptions::turnWith(const QKeySequence& keys, int pages) {
+    auto* turn = new QShortcut(keys, this);
+    connect(turn, &QShortcut::activated, this, [this, pages] {
+        const int count = SSTab1_->count();
+        const bool onPage = SSTab1_->currentWidget()->isAncestorOf(focusWidget());
+        showPage((SSTab1_->currentIndex() + pages + count) % count);
+        if (onPage) pageChooser().setFocus();  // the field that had the keyboard is out of sight
+    });
 }
 
 /// Tabs that have no room beside each other would be cut, or out of sight: a list of the pages stands in

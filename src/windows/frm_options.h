@@ -58,6 +58,8 @@ class FrmOptions : public QDialog, public Form {
 
  private:
     void makePages();
+    void helpOnPage(int page);
+    void turnWith(const QKeySequence& keys, int pages);
     void fitTabs();
     /// What turns the pages: the tabs, or the list in their place.
     QWidget& pageChooser();

@@ -8,6 +8,7 @@
 #include <QTabBar>
 
 #include "qt/colour_swatch.h"
+#include "qt/help_key.h"
 #include "qt/look.h"
 #include "windows/frm_options_fixture.h"
 
@@ -354,6 +355,8 @@ TEST_F(OptionsWindow, EveryControlHasAnAccessibleNameAndAHelpKey) {
 
 TEST_F(OptionsWindow, TellsWhatTheOptionInHandIsFor) {
     open();
+    form->resize(the<QTabWidget>("SSTab1")->tabBar()->sizeHint().width() + 200, 600);
+    QApplication::processEvents();
     tabTo("chkCOMM");
     EXPECT_EQ(label("lblOptionHelp"), "Remembered with the other options; nothing depends on it.");
 }
@@ -391,6 +394,38 @@ TEST_F(OptionsWindow, FitsASmallLaptopAndClipsNothing) {
 
 // ---- The pages on a narrow screen
 
+TEST_F(OptionsWindow, CtrlTabTurnsThePagesRoundWithTheTabsAndWithoutThem) {
+    open();
+    for (const int width : {the<QTabWidget>("SSTab1")->tabBar()->sizeHint().width() + 200, 500}) {
+        form->resize(width, 600);
+        form->showPage(5);
+        QApplication::processEvents();
+        pressKey(Qt::Key_Tab, Qt::ControlModifier);
+        EXPECT_EQ(page(), 6);
+        pressKey(Qt::Key_PageDown, Qt::ControlModifier);
+        EXPECT_EQ(page(), 0) << "behind the last comes the first";
+        pressKey(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+        EXPECT_EQ(page(), 6);
+        pressKey(Qt::Key_PageUp, Qt::ControlModifier);
+        EXPECT_EQ(page(), 5);
+        EXPECT_EQ(the<QComboBox>("cmbPage")->currentIndex(), 5);
+    }
+}
+
+TEST_F(OptionsWindow, AFieldThatIsTurnedAwayGivesTheKeyboardToTheTabs) {
+    open();
+    form->resize(the<QTabWidget>("SSTab1")->tabBar()->sizeHint().width() + 200, 600);
+    QApplication::processEvents();
+    tabTo("chkCOMM");
+    pressKey(Qt::Key_Tab, Qt::ControlModifier);
+    EXPECT_EQ(page(), 1);
+    EXPECT_EQ(form->focusWidget(), the<QTabWidget>("SSTab1")->tabBar());
+    tabTo("cmdOK");
+    pressKey(Qt::Key_Tab, Qt::ControlModifier);
+    EXPECT_EQ(page(), 2);
+    EXPECT_EQ(focusName(), "cmdOK") << "what stays in sight keeps it";
+}
+
 TEST_F(OptionsWindow, WhereTheTabsHaveNoRoomAListOfThePagesStandsInTheirPlace) {
     open();
     auto* tabs = the<QTabWidget>("SSTab1");
@@ -406,6 +441,7 @@ TEST_F(OptionsWindow, WhereTheTabsHaveNoRoomAListOfThePagesStandsInTheirPlace) {
     EXPECT_TRUE(tabs->tabBar()->isHidden());
     EXPECT_FALSE(list->isHidden());
     EXPECT_EQ(form->focusWidget(), list) << "the keyboard goes along";
+    EXPECT_EQ(list->property(helpKeyProperty), tabs->property(helpKeyProperty)) << "F2 tells of the page";
     EXPECT_EQ(list->count(), 7);
     EXPECT_EQ(list->itemText(3), "Tables & graphs");
     list->setCurrentIndex(3);
