@@ -138,6 +138,32 @@ TEST_P(EveryWindowByTab, IsWalkedThroughWhole) {
     });
 }
 
+bool answersTheUser(const QWidget& one) {
+    for (const char* kind : {"QAbstractButton", "QComboBox", "QLineEdit", "QAbstractSlider",
+                             "QAbstractSpinBox", "QAbstractItemView", "QPlainTextEdit"}) {
+        if (one.inherits(kind)) return true;
+    }
+    return false;
+}
+
+/// A bar that scrolls and a header follow the arrow keys of what they belong to; the buttons of the main tool
+/// bar are entries of the menus.
+bool hasKeysElsewhere(const QWidget& one) {
+    return one.inherits("QScrollBar") || one.inherits("QHeaderView") ||
+           one.parentWidget()->objectName() == QLatin1String("Toolbar1");
+}
+
+TEST_P(EveryWindowByTab, PassesNothingThatHasNoKeysElsewhere) {
+    GetParam().show(*this, [](QWidget& window) {
+        for (const QWidget* one : window.findChildren<QWidget*>()) {
+            if (!answersTheUser(*one) || hasKeysElsewhere(*one) || isPartOfControl(*one)) continue;
+            if (!one->isVisible() || !one->isEnabled()) continue;
+            if ((one->focusPolicy() & Qt::TabFocus) != 0 || one->focusProxy() != nullptr) continue;
+            ADD_FAILURE() << pathOf(*one);
+        }
+    });
+}
+
 TEST_P(EveryWindowByTab, GoesAsTheEyeGoes) {
     GetParam().show(*this, [](QWidget& window) {
         activate(window);
