@@ -114,13 +114,16 @@ void FrmGeneralConfig::chainTab() {
     for (std::size_t i = 1; i < order.size(); ++i) setTabOrder(order[i - 1], order[i]);
 }
 
+QSize FrmGeneralConfig::sizeHint() const {
+    return form_->sizeHint() + QSize(scroll_->verticalScrollBar()->sizeHint().width(),
+                                     Toolbar1_->sizeHint().height() + form_->growth());
+}
+
 /// Where the user has left it; else whole, over the window that it belongs to.
 void FrmGeneralConfig::place() {
     if (restorePlacement(*this, session_.settings())) return;
     form_->fitTo(screen()->availableSize().width());
-    const QSize whole = form_->sizeHint() + QSize(scroll_->verticalScrollBar()->sizeHint().width(),
-                                                  Toolbar1_->sizeHint().height());
-    resize(whole.boundedTo(screen()->availableSize()));
+    resize(sizeHint().boundedTo(screen()->availableSize()));
     if (parentWidget() != nullptr) centreForm(*this, *parentWidget()->window());
 }
 

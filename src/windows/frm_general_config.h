@@ -39,6 +39,8 @@ class FrmGeneralConfig : public QWidget, public Form {
     /// Key "Save" of the toolbar: behind the edits typed before it.
     void save();
     bool finishEdits() override;
+    /// Room for the whole form, with what may come to it.
+    QSize sizeHint() const override;
 
  Q_SIGNALS:
     void sensorManagerAsked();

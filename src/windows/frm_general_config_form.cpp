@@ -112,6 +112,15 @@ void GeneralConfigForm::fitWideRows() {
     }
 }
 
+int GeneralConfigForm::growth() const {
+    int lines = 0;
+    for (const WideRow& wide : wideRows_) {
+        if (wide.row->direction() == QBoxLayout::LeftToRight)
+            lines += wide.caption->sizeHint().height() + wide.row->spacing();
+    }
+    return lines;
+}
+
 // ---- Making
 
 QGridLayout* GeneralConfigForm::makeColumn() {

@@ -42,6 +42,8 @@ class GeneralConfigForm : public QWidget {
     void highlight(bool onTheFly);
     /// The groups stand in two columns where a window of this width has room for them, else in one.
     void fitTo(int width);
+    /// What it may grow by when a model brings engines with longer names, in pixels.
+    int growth() const;
     /// The first control that is still to be filled, or the first of all.
     void focusFirst();
     /// What a new calibration still lacks, "Choose a model"; empty when nothing.

@@ -502,5 +502,17 @@ TEST_F(General, LongNamesOfEnginesTakeALineOfTheirOwnInANarrowWindow) {
     EXPECT_GT(list->width(), longest);
 }
 
+TEST_F(GeneralWindow, ItsFirstSizeHasRoomForEveryEngineThatIsChosenInIt) {
+    openNew();
+    form->resize(1300, 600);
+    QApplication::processEvents();
+    const int first = form->sizeHint().height();
+    for (const char* model : {"ORB A Standard", "PZK-2", "ORB A Standard"}) {
+        pick("cmbORB_UNIT", model);
+        QApplication::processEvents();
+        EXPECT_LE(form->sizeHint().height(), first) << model;
+    }
+}
+
 }  // namespace
 }  // namespace zentaq
