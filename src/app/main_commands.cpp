@@ -2,6 +2,7 @@
 
 #include "base/message_codes.h"
 #include "base/settings_keys.h"
+#include "config/pin_rows.h"
 #include "config/tree.h"
 #include "unit/table_kinds.h"
 
@@ -54,6 +55,12 @@ void MainCommands::openTable(const std::string& table, const std::string& title)
     // The keys of the menu ask for tables of every kind.
     if (!hasTable(session_.currentUnitObject().kind(), table)) return;
     session_.windows().open(window::table, table, title);
+}
+
+void MainCommands::editPinTable(int pin) {
+    // The unit in hand may have changed since the list of its pins was made.
+    const TableKind* table = tableOfPin(session_.currentUnitObject(), pin);
+    if (table != nullptr) openTable(std::string(table->name), std::string(table->title));
 }
 
 int MainCommands::treeClick(const std::string& key) {

@@ -33,6 +33,8 @@ class MainCommands {
     void openTable(const std::string& table, const std::string& title);
     /// Tree click: opens a table or answers the page of `sstMenu`; -1 for a table.
     int treeClick(const std::string& key);
+    /// "Edit Table": opens the output table that a pin goes by; nothing for a pin without one.
+    void editPinTable(int pin);
 
  private:
     void toggle(Fold& fold);

@@ -5,6 +5,7 @@
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/text.h"
+#include "config/pin_rows.h"
 #include "config/shown_value.h"
 #include "config/tree.h"
 #include "unit/table_kinds.h"
@@ -27,13 +28,6 @@ bool isSwitch(const Field& field) {
     return field.kind == FieldKind::Option || field.kind == FieldKind::Check;
 }
 
-/// A range stands in a column of its own, without its parentheses.
-std::string bare(std::string limits) {
-    if (limits.starts_with('(')) limits.erase(0, 1);
-    if (limits.ends_with(')')) limits.pop_back();
-    return limits;
-}
-
 /// What a cell of a curve stands at, "-40 °C"; else which one it is.
 std::string stopText(const Unit& unit, const Field& field) {
     if (field.axis.empty()) return numberText(field.element + 1);
@@ -42,7 +36,7 @@ std::string stopText(const Unit& unit, const Field& field) {
 }
 
 void addElement(Rows& rows, const Unit& unit, Field field, const Parameter& parameter) {
-    field.limits = bare(field.limits);
+    field.limits = withoutParentheses(field.limits);
     if (field.element == 0) {
         rows.push_back({field, {}});
         rows.back().caption = parameter.meaning.empty() ? parameter.name : parameter.meaning;
@@ -104,23 +98,19 @@ Rows notesRows(Unit& unit) {
     return rows;
 }
 
-Rows managerRows(Unit& unit) {
-    Rows rows;
-    for (int pin = 0; pin <= unit.kind().numGpio; ++pin) {
-        skipFailing([&] {
-            addPlain(rows, "Channel " + numberText(pin + 1), unit.GPIO_Function_Name(unit.Get_GPIOFUNC(pin)));
-        });
-    }
-    return rows;
-}
-
 }  // namespace
+
+std::string withoutParentheses(std::string limits) {
+    if (limits.starts_with('(')) limits.erase(0, 1);
+    if (limits.ends_with(')')) limits.pop_back();
+    return limits;
+}
 
 std::vector<PageRow> pageRows(Unit& unit, int page, const std::string& file) {
     if (!unit.kind().hasCalibration) return {};
     if (page == overviewPage) return overviewRows(unit, file);
     if (page == notesPage) return notesRows(unit);
-    if (page == managerPage) return managerRows(unit);
+    if (page == managerPage) return pinRows(unit);
     return memberRows(unit, page);
 }
 

@@ -18,4 +18,7 @@ struct PageRow : Field {
 /// The rows of a page; none without a calibration. `file` is the one in hand.
 std::vector<PageRow> pageRows(Unit& unit, int page, const std::string& file);
 
+/// A range as it stands in a column of its own.
+std::string withoutParentheses(std::string limits);
+
 }  // namespace zentaq

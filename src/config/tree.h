@@ -12,7 +12,7 @@ namespace zentaq {
 // Pages that are none of fields.
 constexpr int overviewPage = 0;
 constexpr int tablePage = -1;    ///< a table in a window of its own
-constexpr int managerPage = -2;  ///< the input/output manager
+constexpr int managerPage = -2;  ///< the input/output pins
 
 struct TreeNode {
     std::string key;

@@ -28,6 +28,7 @@ inline constexpr GpioKinds all = 255;
 }  // namespace gpio_kinds
 
 namespace gpio_code {
+inline constexpr int fullTable = 8;
 inline constexpr int timedAdvance = 20;
 inline constexpr int speedInput = 21;
 }  // namespace gpio_code

@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QPushButton>
 #include <QTabBar>
 #include <QTreeWidgetItemIterator>
 #include <QVBoxLayout>
@@ -137,8 +136,16 @@ QWidget* FrmConfig::makePageTab() {
     lblPageTitle_ = textLabel("lblPageTitle", tab);
     lblPageTitle_->setFont(typeFont(Type::Heading));
     pageView_ = new PageView(tab);
+    cmdEditTable_ = namedButton("cmdEditTable", "Edit Table", tab);
+    cmdEditTable_->setToolTip("Opens the output table of the pin in hand");
+    cmdEditTable_->hide();
+    connect(cmdEditTable_, &QPushButton::clicked, this,
+            [this] { commands_.editPinTable(pageView_->actionInHand()); });
+    connect(pageView_, &PageView::actionAsked, this, [this](int pin) { commands_.editPinTable(pin); });
+    connect(pageView_, &QTreeWidget::currentItemChanged, this, &FrmConfig::pageRowChanged);
     layout->addWidget(lblPageTitle_);
     layout->addWidget(pageView_, 1);
+    layout->addWidget(cmdEditTable_, 0, Qt::AlignLeft);
     return tab;
 }
 
@@ -258,22 +265,28 @@ void FrmConfig::showPage(int page, const QString& title) {
     if (session_.slotInHand() == 0) return;
     page_ = page;
     lblPageTitle_->setText(title);
-    showRows();
+    cmdEditTable_->setVisible(page == managerPage);
+    showRows(false);
     sstMenu_->setCurrentIndex(pageTab);
 }
 
-void FrmConfig::showRows() {
-    pageView_->show(pageRows(session_.currentUnitObject(), page_, session_.CurrentFile), onFly_);
+void FrmConfig::showRows(bool again) {
+    pageView_->show(pageRows(session_.currentUnitObject(), page_, session_.CurrentFile), onFly_, again);
+    pageRowChanged();
+}
+
+void FrmConfig::pageRowChanged() {
+    cmdEditTable_->setEnabled(pageView_->actionInHand() != PageView::noAction);
 }
 
 void FrmConfig::showUnit() {
-    showRows();
+    showRows(true);
     showStartPage();
 }
 
 void FrmConfig::onFlyChanged(bool on) {
     onFly_ = on;
-    showRows();
+    showRows(true);
 }
 
 void FrmConfig::showTip(const std::string& text) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QLabel>
+#include <QPushButton>
 #include <QTabWidget>
 #include <QToolButton>
 #include <QTreeWidget>
@@ -74,7 +75,8 @@ class FrmConfig : public QWidget, public Form {
     void measureDashboard(int bar);
     void treeClicked(const QTreeWidgetItem* item);
     void showPage(int page, const QString& title);
-    void showRows();
+    void showRows(bool again);
+    void pageRowChanged();
     void autoDetect();
     void choosePort(int number);
 
@@ -85,6 +87,7 @@ class FrmConfig : public QWidget, public Form {
     StartPage* startPage_ = nullptr;
     QLabel* lblPageTitle_ = nullptr;
     PageView* pageView_ = nullptr;
+    QPushButton* cmdEditTable_ = nullptr;
     KeptSplitter* splTree_ = nullptr;
     KeptSplitter* splConsole_ = nullptr;
     ConfigBottom* bottom_ = nullptr;

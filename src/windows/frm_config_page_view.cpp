@@ -2,6 +2,8 @@
 
 #include <QApplication>
 #include <QHeaderView>
+#include <QSignalBlocker>
+#include <algorithm>
 
 #include "qt/look.h"
 #include "qt/named.h"
@@ -13,9 +15,15 @@ namespace {
 
 enum Column { captionColumn, valueColumn, unitColumn, rangeColumn, memberColumn };
 constexpr int helpKeyRole = Qt::UserRole;
+constexpr int actionRole = Qt::UserRole + 1;
 
 /// Members of up to this many elements are shown open.
 constexpr std::size_t openElements = 20;
+
+int actionOf(const QTreeWidgetItem& item) {
+    const QVariant number = item.data(captionColumn, actionRole);
+    return number.isValid() ? number.toInt() : PageView::noAction;
+}
 
 }  // namespace
 
@@ -27,9 +35,16 @@ PageView::PageView(QWidget* parent) : QTreeWidget(parent) {
     setEditTriggers(NoEditTriggers);
     header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     header()->setStretchLastSection(true);
+    connect(this, &QTreeWidget::itemActivated, this, [this](const QTreeWidgetItem* item) {
+        if (actionOf(*item) != noAction) Q_EMIT actionAsked(actionOf(*item));
+    });
 }
 
-void PageView::show(const std::vector<PageRow>& rows, bool onTheFly) {
+void PageView::show(const std::vector<PageRow>& rows, bool onTheFly, bool again) {
+    const RowPlace place = again ? placeInHand() : RowPlace();
+    // Without news of a row that is in hand for a moment only: what is disabled by it would lose the
+    // keyboard.
+    const QSignalBlocker quiet(this);
     setUpdatesEnabled(false);
     clear();
     for (const PageRow& row : rows) {
@@ -38,8 +53,23 @@ void PageView::show(const std::vector<PageRow>& rows, bool onTheFly) {
         for (const Field& element : row.elements) add(new QTreeWidgetItem(item), element, onTheFly);
         item->setExpanded(row.elements.size() <= openElements);
     }
-    if (topLevelItemCount() > 0) setCurrentItem(topLevelItem(0));
+    standOn(place);
     setUpdatesEnabled(true);
+}
+
+PageView::RowPlace PageView::placeInHand() const {
+    QTreeWidgetItem* item = currentItem();
+    if (item == nullptr) return {};
+    QTreeWidgetItem* parent = item->parent();
+    return {indexOfTopLevelItem(parent == nullptr ? item : parent),
+            parent == nullptr ? RowPlace::noElement : parent->indexOfChild(item)};
+}
+
+void PageView::standOn(RowPlace place) {
+    QTreeWidgetItem* row = topLevelItem(std::max(0, std::min(place.row, topLevelItemCount() - 1)));
+    if (row == nullptr) return;
+    QTreeWidgetItem* element = place.element < 0 ? nullptr : row->child(place.element);
+    setCurrentItem(element == nullptr ? row : element);
 }
 
 void PageView::add(QTreeWidgetItem* item, const Field& row, bool onTheFly) {
@@ -51,10 +81,20 @@ void PageView::add(QTreeWidgetItem* item, const Field& row, bool onTheFly) {
     // Texts of rows that are no member read from the left.
     if (!row.member.empty()) item->setTextAlignment(valueColumn, Qt::AlignRight | Qt::AlignVCenter);
     item->setData(captionColumn, helpKeyRole, QString::fromStdString(row.help));
+    if (row.kind == FieldKind::Action && row.enabled) item->setData(captionColumn, actionRole, row.element);
     if (!onTheFly || !row.onTheFly) return;
     const LookColors colors = lookColors(appliedLook(*qApp));
     item->setBackground(valueColumn, colors.highlight);
     item->setForeground(valueColumn, colors.highlightText);
+}
+
+int PageView::actionInHand() const {
+    const QTreeWidgetItem* row = currentItem();
+    if (row == nullptr) return noAction;
+    if (row->parent() != nullptr) row = row->parent();
+    int action = actionOf(*row);
+    for (int i = 0; i < row->childCount() && action == noAction; ++i) action = actionOf(*row->child(i));
+    return action;
 }
 
 QString PageView::helpKey() const {

@@ -1,4 +1,5 @@
-// A page of frmConfig as a list: each member with its value, unit, range and name.
+// A page of frmConfig as a list: each member with its value, unit, range and name, or each pin with its
+// function.
 #pragma once
 
 #include <QTreeWidget>
@@ -15,12 +16,30 @@ class PageView : public QTreeWidget {
     explicit PageView(QWidget* parent);
 
     /// Replaces what is shown. `onTheFly`: members that act on the running engine take the highlight colour.
-    void show(const std::vector<PageRow>& rows, bool onTheFly);
+    /// `again`: it is the page that was shown, and the user stays on the row in hand.
+    void show(const std::vector<PageRow>& rows, bool onTheFly, bool again);
 
     /// The help key of the current row, for Fast Help.
     QString helpKey() const;
 
+    static constexpr int noAction = -1;
+    /// The number of the action that the row in hand offers, itself or in its elements.
+    int actionInHand() const;
+
+ Q_SIGNALS:
+    /// Enter or a double click on a row that is an action.
+    void actionAsked(int number);
+
  private:
+    /// Rows and elements count from 0.
+    struct RowPlace {
+        static constexpr int noElement = -1;
+        int row = 0;
+        int element = noElement;
+    };
+    RowPlace placeInHand() const;
+    /// The nearest row where that one is gone.
+    void standOn(RowPlace place);
     void add(QTreeWidgetItem* item, const Field& row, bool onTheFly);
 };
 

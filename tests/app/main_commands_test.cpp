@@ -328,6 +328,22 @@ TEST_F(Commands, ATreeClickOpensATableOrAnswersItsPage) {
     EXPECT_EQ(commands.treeClick("no such node"), 0);
 }
 
+TEST_F(Commands, ThePinOfAFullTableOpensTheTableOfItsNumber) {
+    commands.editPinTable(0);
+    EXPECT_THAT(fake.windows.calls, Not(Contains(HasSubstr("Full Table"))));
+    open(file("tune.ZQ4OA"));
+    session.currentUnitObject().Set_GPIO_Func(1, 8);
+    session.currentUnitObject().Set_GPIO_Param(1, 0, 2);
+    commands.editPinTable(1);
+    EXPECT_EQ(fake.windows.calls.back(), "table GPO2 Full Table - Table#2");
+    const auto before = fake.windows.calls.size();
+    session.currentUnitObject().Set_GPIO_Param(1, 0, 3);
+    commands.editPinTable(1);
+    commands.editPinTable(0);
+    commands.editPinTable(-1);
+    EXPECT_EQ(fake.windows.calls.size(), before);
+}
+
 TEST_F(Commands, ZeroAdvanceTwiceInARowAsksForBothThoughNothingWasAnsweredYet) {
     session.link.load();
     commands.unit.zeroAdvance();

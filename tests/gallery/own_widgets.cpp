@@ -360,7 +360,7 @@ void OwnWidgets::addPages() {
     auto* console = new ConsoleView("lstGallery", "A console", lines_, this);
     console->sync();
     auto* page = new PageView(this);
-    page->show(pageRowsSample(), true);
+    page->show(pageRowsSample(), true, false);
     auto* guide = new GuidePage({}, this);
     guide->showText("Tables", "A text in the place of a page.");
     for (QWidget* one : std::initializer_list<QWidget*>{console, page, guide}) {

@@ -10,6 +10,7 @@
 
 #include "app/state_strip.h"
 #include "qt/qt_dialogs.h"
+#include "unit/gpio_functions.h"
 #include "windows/mdi_main_about.h"
 #include "windows/state_strip_view.h"
 
@@ -70,6 +71,19 @@ void EveryWindowTest::mainWithTable(const Look& look) {
     giveRisingAxes(fake.session.currentUnitObject());
     windows.main().run("mnuVETbl");
     settle();
+    look(windows.main());
+}
+
+void EveryWindowTest::mainWithPins(const Look& look) {
+    maximiseMain();
+    openCalibration();
+    fake.session.currentUnitObject().Set_GPIO_Func(0, gpio_code::fullTable);
+    fake.session.currentUnitObject().Set_GPIO_Param(0, 0, 1);
+    auto* tree = find<QTreeWidget>("treeZentaq");
+    tree->setCurrentItem(tree->findItems("General Purpose Input/Output", Qt::MatchExactly).value(0));
+    Q_EMIT tree->itemActivated(tree->currentItem(), 0);
+    settle();
+    ASSERT_TRUE(find<QPushButton>("cmdEditTable")->isEnabled());
     look(windows.main());
 }
 
@@ -305,6 +319,7 @@ const std::vector<ShownWindow>& everyWindow() {
         {"MenusOpen", [](Program& p, const Look& look) { p.menusOpen(look); }},
         {"ColorDialog", [](Program& p, const Look& look) { p.colorDialog(look); }},
         {"MainFolded", [](Program& p, const Look& look) { p.mainFolded(look); }},
+        {"MainWithPins", [](Program& p, const Look& look) { p.mainWithPins(look); }},
         {"GeneralConfiguration", [](Program& p, const Look& look) { p.general(look); }},
         {"NewCalibration", [](Program& p, const Look& look) { p.generalOfNewCalibration(look); }},
         {"Sensors", [](Program& p, const Look& look) { p.sensors(look); }},

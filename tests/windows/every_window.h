@@ -24,6 +24,8 @@ class EveryWindowTest : public WindowTest {
     void mainWindow(const Look& look);
     void mainWithCalibration(const Look& look);
     void mainWithTable(const Look& look);
+    /// The list of pins, one of which has an output table.
+    void mainWithPins(const Look& look);
     void undockedTable(const Look& look);
     /// A kind of unit without fuel.
     void mainWithSparkOnly(const Look& look);
