@@ -232,23 +232,6 @@ void CommandLine::addChanging() {
     addOutput(old, "Calibration file to write")->required();
 }
 
-void CommandLine::addTable() {
-    CLI::App* table = addOnFile(
-        "table", "Show a table with its axes, separated by tabs, highest row on top; or write one back",
-        [](const Context& context, const Arguments& given) {
-            if (!given.from) return showTable(context, given.file, given.member);
-            setTable(context, given.file, given.member, *given.from, given.output);
-        });
-    std::vector<std::string> names;
-    for (const TableKind& each : tableKinds()) names.emplace_back(each.name);
-    table->add_option("NAME", given_.member, "Table")->required()->check(CLI::IsMember(names));
-    CLI::Option* from = table->add_option(
-        "--from", given_.from, "Take cells and axes from a text of the same form; - is the standard input");
-    addOutput(table, "With --from: write here and leave FILE as it is")->needs(from);
-    takeCutToo(table);
-    table->add_flag("--json", given_.json, "Answer in JSON, lowest row first")->excludes(from);
-}
-
 void CommandLine::addComparing() {
     CLI::App* compare =
         add("diff", "Show what differs between two files, one a line; exit status 1 where they differ",

@@ -11,6 +11,20 @@
 
 namespace zentaq::ctl {
 
+/// What is to be done with a table.
+struct TableWork {
+    std::string interpolated;
+    std::string smoothed;
+    std::optional<int> strength;
+    std::string lineOption;  ///< "--add-column" and its like
+    int line = 0;
+    std::string view;
+    std::string formula;
+    std::string cells;
+    std::string columns;
+    std::string rows;
+};
+
 /// What the command line says; each command uses its own part.
 struct Arguments {
     std::string file;
@@ -21,6 +35,7 @@ struct Arguments {
     std::string output;
     std::optional<std::string> cell;
     std::optional<std::string> from;
+    TableWork table;
     std::string firmware;
     std::string kind;
     std::string reply;
@@ -83,10 +98,12 @@ class CommandLine {
     static void takeCutToo(CLI::App* command);
     void addReading();
     void addChanging();
-    void addTable();
     void addComparing();
     void addMaking();
     void addDecoding();
+    // command_line_table.cpp
+    void addTable();
+    std::vector<CLI::Option*> addTableChanges(CLI::App* table);
     // command_line_link.cpp
     void addLink();
     void addLinkTransfers();

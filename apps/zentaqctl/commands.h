@@ -49,6 +49,28 @@ void showTable(const Context& context, const std::string& file, const std::strin
 void setTable(const Context& context, const std::string& file, const std::string& table,
               const std::string& input, const std::string& output);
 
+// ---- Operations on tables: commands_table_change.cpp. Rows and columns as the editor shows them, from 1,1
+// at the top left.
+
+/// What is wrong with a block such as "2,3:5,8"; empty for a good one.
+std::string wrongBlock(const std::string& text);
+void interpolateTable(const Context& context, const std::string& file, const std::string& table,
+                      const std::string& cells, const std::string& output);
+/// `strength` 1 to 5.
+void smoothTable(const Context& context, const std::string& file, const std::string& table,
+                 const std::string& cells, int strength, const std::string& output);
+/// `option` "--add-column", "--add-row", "--remove-column" or "--remove-row".
+void changeTableLines(const Context& context, const std::string& file, const std::string& table,
+                      const std::string& option, int line, const std::string& output);
+void applyToTable(const Context& context, const std::string& file, const std::string& table,
+                  const std::string& formula, const std::string& cells, const std::string& output);
+/// Lists of headers; an empty one leaves its axis as it is.
+void rebinTable(const Context& context, const std::string& file, const std::string& table,
+                const std::string& columns, const std::string& rows, const std::string& output);
+/// `view` "pulsewidth" or "dutycycle".
+void showTableView(const Context& context, const std::string& file, const std::string& table,
+                   const std::string& view);
+
 // ---- Comparing and text form: commands_compare.cpp
 
 /// Whether the files are the same.

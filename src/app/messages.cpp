@@ -27,6 +27,13 @@ std::string furtherLines(std::span<const Refusal> further) {
     return lines;
 }
 
+/// Behind the first one's text. Of cells of a table all are named, the first one as well.
+std::string linesBehind(std::span<const Refusal> refused) {
+    if (refused.front().where.empty()) return furtherLines(refused.subspan(1));
+    return "\n" + numberText(static_cast<int>(refused.size())) +
+           (refused.size() == 1 ? " cell was refused:" : " cells were refused:") + furtherLines(refused);
+}
+
 }  // namespace
 
 void Messages::Display_Error(int code) {
@@ -60,7 +67,7 @@ void Messages::tell(std::span<const Refusal> refused) {
     if (refused.empty()) return;
     for (const Refusal& further : refused.subspan(1)) sysLog_(further.brief());
     const Refusal& first = refused.front();
-    warn(*warningText(first.warning), first.text, furtherLines(refused.subspan(1)));
+    warn(*warningText(first.warning), first.text, linesBehind(refused));
     if (first.warning != codes::OutOfRange) return;
     sysLog_(first.text);
     sysLog_("Invalid Entry: " + first.entry + " -> " + first.limits);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "base/number_text.h"
 #include "base/rounding.h"
 #include "unit/axis_kinds.h"
 
@@ -29,6 +30,10 @@ int shownRows(Unit& unit, std::string_view table) {
 
 int shownColumns(Unit& unit, std::string_view table) {
     return std::clamp(unit.GET_TBL_DIMENSIONS(table, "COLS"), 0, mostLines);
+}
+
+std::string cellName(int row, int column) {
+    return "cell " + numberText(row) + "," + numberText(column);
 }
 
 float get_binValueByIndex(Unit& unit, std::string_view table, int index, bool absoluteVe) {

@@ -2,6 +2,7 @@
 // shows a table finds its cells through here.
 #pragma once
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -12,6 +13,9 @@ namespace zentaq {
 /// Rows or columns as shown: what GET_TBL_DIMENSIONS answers, held to 0 to 24 as a file may hold anything.
 int shownRows(Unit& unit, std::string_view table);
 int shownColumns(Unit& unit, std::string_view table);
+
+/// "cell 3,12": row and column as the grid shows them, from the top left.
+std::string cellName(int row, int column);
 
 // ---- Values by table index, 0 to 255. BoundsError outside; 0 for a name that is no table.
 /// AFR is rounded to 2 decimals, an output table to whole percent; `absoluteVe` adds 100 to VE.

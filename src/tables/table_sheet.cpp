@@ -96,7 +96,14 @@ float TableSheet::get_binValueByIndex(std::string_view table, int index) const {
 }
 
 EntryOutcome TableSheet::set_BinValueByIndex(std::string_view table, float value, int index) {
-    auto stored = set_binValueByIndex(unit_, table, value, index, absoluteVe_);
+    return counted(table, index, set_binValueByIndex(unit_, table, value, index, absoluteVe_));
+}
+
+EntryOutcome TableSheet::storeValue(std::string_view table, float value, int index) {
+    return counted(table, index, zentaq::set_binValueByIndex(unit_, table, value, index, false));
+}
+
+EntryOutcome TableSheet::counted(std::string_view table, int index, EntryOutcome stored) {
     if (!stored) return stored;
     ++cellsWritten_;
     if (written_) written_(table, index);
@@ -157,7 +164,7 @@ std::vector<Refusal> TableSheet::saveEntireTable() {
     const Limits allowed = limits();
     for (int row = 1; row <= rows(); ++row) {
         for (int column = 1; column <= columns(); ++column)
-            skipFailing([&] { noteRefusal(refused, saveCell(row, column, allowed)); });
+            skipFailing([&] { noteRefusal(refused, saveCell(row, column, allowed), cellName(row, column)); });
     }
     unit_.SET_TBL_DIMENSIONS(table(), "ROWS", rows());
     unit_.SET_TBL_DIMENSIONS(table(), "COLS", columns());

@@ -53,6 +53,8 @@ class TableSheet {
     float get_BinValue(std::string_view table, int row, int column) const;
     /// Only indexes 0 to 255 reach the table.
     EntryOutcome set_BinValue(std::string_view table, int row, int column, float value);
+    /// A stored value of any table: VE counted from 0, whatever the view shows.
+    EntryOutcome storeValue(std::string_view table, float value, int index);
     /// Told of each cell that was stored.
     void onWritten(std::function<void(std::string_view table, int index)> told) {
         written_ = std::move(told);
@@ -70,6 +72,8 @@ class TableSheet {
     /// The number that the grid shows; 0 for a text that is none.
     float shownNumber(int row, int column) const;
     void showStored(int row, int column);
+    /// The calibration shows this value already, in the digits that a cell shows.
+    bool holdsAlready(float value, int index) const;
 
     // ---- The whole grid
     /// Writes back every cell whose text is not what the calibration holds; a refused cell keeps its stored
@@ -113,10 +117,10 @@ class TableSheet {
         std::array<float, storedCells + 1> base{};
     };
 
+    EntryOutcome counted(std::string_view table, int index, EntryOutcome stored);
     void readHeaders(bool columns);
     void readCells();
     EntryOutcome saveCell(int row, int column, const Limits& limits);
-    bool holdsAlready(float value, int index) const;
 
     Unit& unit_;
     Content content_;

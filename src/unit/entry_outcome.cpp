@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "base/message_codes.h"
 #include "base/number_text.h"
@@ -37,6 +38,10 @@ std::string Refusal::line() const {
 }
 
 std::string Refusal::brief() const {
+    return where.empty() ? reason() : reason() + ", " + where;
+}
+
+std::string Refusal::reason() const {
     constexpr std::string_view head = "Invalid Entry: ";
     switch (warning) {
         case codes::OutOfRange:
@@ -50,8 +55,10 @@ std::string Refusal::brief() const {
     }
 }
 
-void noteRefusal(std::vector<Refusal>& refused, const EntryOutcome& outcome) {
-    if (!outcome && outcome.refusal().warning != 0) refused.push_back(outcome.refusal());
+void noteRefusal(std::vector<Refusal>& refused, const EntryOutcome& outcome, std::string where) {
+    if (outcome || outcome.refusal().warning == 0) return;
+    refused.push_back(outcome.refusal());
+    refused.back().where = std::move(where);
 }
 
 // ---- Of a text

@@ -20,12 +20,16 @@ struct Refusal {
     std::string text = {};    ///< of the warning: "(2 to 100 units)"
     std::string entry = {};   ///< a number out of range, as the log names it: "101"
     std::string limits = {};  ///< "2 to 100"
+    std::string where = {};   ///< the cell of a table that it was meant for: "cell 3,12"; else empty
 
     bool operator==(const Refusal&) const = default;
     /// The warning, as a program without boxes tells it.
     std::string line() const;
-    /// One of many: "Invalid Entry: 101 -> (2 to 100 units)".
+    /// One of many: "Invalid Entry: 101 -> (2 to 100 units)", with ", cell 3,12" where it tells one.
     std::string brief() const;
+
+ private:
+    std::string reason() const;
 };
 
 /// Whoever gets one tells it, hands it on, or says why it may be passed over.
@@ -45,7 +49,8 @@ class [[nodiscard]] EntryOutcome {
 };
 
 /// Keeps what there is to tell of an entry, for the end of the command that made many.
-void noteRefusal(std::vector<Refusal>& refused, const EntryOutcome& outcome);
+/// `where` names the cell of a table that the entry was meant for.
+void noteRefusal(std::vector<Refusal>& refused, const EntryOutcome& outcome, std::string where = {});
 
 // ---- Of a text
 EntryOutcome checkFilled(std::string_view text);

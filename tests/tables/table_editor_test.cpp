@@ -430,8 +430,9 @@ TEST_F(TableWindow, ARefusedCellShowsWhatIsStoredAndIsToldOnce) {
     EXPECT_EQ(text(16, 4), "0");
     Refusals lines;
     for (const Refusal& refusal : refused) lines.push_back(refusal.brief());
-    EXPECT_EQ(lines, (Refusals{"Invalid Entry: 200 -> (-50 to 50%)", "Invalid Entry: no number",
-                               "Invalid Entry: blank", "Invalid Entry: -51 -> (-50 to 50%)"}));
+    EXPECT_EQ(lines, (Refusals{"Invalid Entry: 200 -> (-50 to 50%), cell 16,1",
+                               "Invalid Entry: no number, cell 16,3", "Invalid Entry: blank, cell 16,4",
+                               "Invalid Entry: -51 -> (-50 to 50%), cell 16,5"}));
     EXPECT_EQ(unit.DirectIndex(veBase), 5);
     EXPECT_EQ(unit.DirectIndex(veBase + 1), 7);
     EXPECT_TRUE(sheet.saveEntireTable().empty());
