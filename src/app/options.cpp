@@ -236,7 +236,8 @@ std::vector<std::string> Options::apply() {
     };
     std::vector<Step> steps;
     for (const OptionRow& row : optionTable()) {
-        const bool isStored = !row.key.empty() && row.stored != Stored::AtOnce;
+        // A group has a row for each of its buttons; the first one stores for all.
+        const bool isStored = !row.key.empty() && row.stored != Stored::AtOnce && row.index <= 0;
         if (isStored || row.kind == FieldKind::List) steps.push_back({row.turn, &row, nullptr});
         if (row.applied.act != nullptr) steps.push_back({row.applied.turn, &row, row.applied.act});
     }

@@ -30,6 +30,7 @@ constexpr std::array groups{
     OptionGroupRow{"helpopttemp", "Unit of temperatures"},
     OptionGroupRow{"helpoptalarm", "Temperature alarms"},
     OptionGroupRow{"helpopttable", "Tables and graphs"},
+    OptionGroupRow{"helpoptcells", "Cell Colors"},
     OptionGroupRow{"helpoptmonitor", "Monitoring"},
     OptionGroupRow{"helpoptdash", "Dashboard"},
     OptionGroupRow{"helpoptcolor", "Dashboard colors"},
@@ -145,6 +146,17 @@ constexpr OptionRow table[] = {
      .help = "helpopttable",
      .tip = "Cells that the engine has run in show whether it was lean, rich or on target.",
      .words = "red green yellow air fuel ratio mixture colours paint", .applied = {16, switchTableColours}},
+    {.control = "optCellColors", .index = 0, .caption = "As always: VE in &green and red, other tables plain",
+     .page = OptionPage::Tables, .kind = Option, .key = settings::CellScale, .design = "0", .turn = 10,
+     .help = "helpoptcells",
+     .tip = "Cells of the VE table turn green above 0 and red below it, the cells of the other tables are "
+         "plain.", .words = "colours ground background white"},
+    {.control = "optCellColors", .index = 1, .caption = "&Heat scale: every table from blue to yellow",
+     .page = OptionPage::Tables, .kind = Option, .key = settings::CellScale, .design = "0", .turn = 10,
+     .help = "helpoptcells",
+     .tip = "The lowest value of a table is dark blue, the highest bright yellow. The brightness rises with "
+         "the value, so that the scale reads without color vision, too.",
+     .words = "colours heatmap gradient color blind ground background"},
 
     {.control = "chkAutoMonitor", .caption = "Automatically be&gin monitoring ORB unit upon startup",
      .page = OptionPage::Dashboard, .key = settings::AutoMonitor, .design = "0",

@@ -29,6 +29,8 @@ inline constexpr const char* Print =
     "Print";  ///< toolbar print button; 0: the current form, 1: the calibration
 /// 1: overlay AFR colors on tables; the table's toolbar stores it.
 inline constexpr const char* TableColor = "TableColor";
+/// 1: cells of all tables by the heat scale; else each table in its own way.
+inline constexpr const char* CellScale = "CellScale";
 inline constexpr const char* CommDialog = "CommDialog";  ///< 1: show the communications list lstCommInfo
 /// 1: fixed column width in tables; 0: columns size themselves.
 inline constexpr const char* Column_Type = "Column_Type";

@@ -77,6 +77,7 @@ constexpr std::array topics{
     HelpTopic{"helpoptlog", "console#the-log-file"},
     HelpTopic{"helpoptprint", "options#print"},
     HelpTopic{"helpopttable", "options#tables-graphs"},
+    HelpTopic{"helpoptcells", "tables#cell-colors"},
     HelpTopic{"helpoptdatalog", "options#data-points"},
     HelpTopic{"helpoptmonitor", "options#dashboard-monitor"},
     HelpTopic{"helpoptstart", "options#start-and-log"},

@@ -4,6 +4,8 @@
 #include <array>
 #include <cmath>
 
+#include "tables/heat_scale.h"
+
 namespace zentaq {
 
 namespace {
@@ -14,6 +16,8 @@ constexpr double full = 255;
 /// Shares of the paint that are left, by trailStep().
 constexpr std::array<double, 4> leftByDay{1, 0.7, 0.5, 0.35};
 constexpr std::array<double, 4> leftByNight{0.65, 0.45, 0.33, 0.24};
+/// Share of the heat scale that is left by night.
+constexpr double heatByNight = 0.55;
 
 struct Parts {
     int red;
@@ -30,7 +34,9 @@ Rgb joined(Parts parts) {
            static_cast<Rgb>(parts.blue);
 }
 
-Rgb byNight(Parts own, Rgb surface) {
+Rgb byNight(std::int32_t colour, Rgb surface) {
+    const Parts own = partsOf(colour);
+    if (isHeatColour(colour)) return mixed(surface, joined(own), heatByNight);
     const int least = std::min({own.red, own.green, own.blue});
     if (least == 255) return surface;
     const auto hue = [&](int part) {
@@ -42,8 +48,7 @@ Rgb byNight(Parts own, Rgb surface) {
 }  // namespace
 
 Rgb cellGround(std::int32_t colour, int trail, bool night, Rgb surface) {
-    const Parts own = partsOf(colour);
-    const Rgb ground = night ? byNight(own, surface) : joined(own);
+    const Rgb ground = night ? byNight(colour, surface) : joined(partsOf(colour));
     if (trail < 0) return ground;
     const auto step = std::min<std::size_t>(static_cast<std::size_t>(trail), leftByDay.size() - 1);
     return mixed(surface, ground, (night ? leftByNight : leftByDay).at(step));

@@ -52,7 +52,8 @@ void LiveOverlay::buildZones() {
 // ---- Shades and paint
 
 void LiveOverlay::colorizeGraph(bool white) {
-    if (!sheet_.kind().shaded && !white) return;
+    if (!shades() && !white) return;
+    if (heatOn_ && !white) measureHeat();
     for (int row = 1; row <= sheet_.rows(); ++row) {
         for (int column = 1; column <= sheet_.columns(); ++column) {
             sheet_.grid().colour(row, column, TableGrid::white);
@@ -62,6 +63,7 @@ void LiveOverlay::colorizeGraph(bool white) {
 }
 
 void LiveOverlay::shadeCell(int row, int column) {
+    if (heatOn_) return sheet_.grid().colour(row, column, heat_.colour(row, column));
     skipFailing([&] {
         const TableKind& kind = sheet_.kind();
         const AbsoluteView* absolute = kind.absoluteIf(sheet_.absoluteVe());
@@ -72,13 +74,38 @@ void LiveOverlay::shadeCell(int row, int column) {
     });
 }
 
+void LiveOverlay::measureHeat() {
+    heat_.resize(sheet_.rows(), sheet_.columns());
+    for (int row = 1; row <= sheet_.rows(); ++row) {
+        for (int column = 1; column <= sheet_.columns(); ++column) putHeat(row, column);
+    }
+    heat_.measure();
+}
+
+void LiveOverlay::putHeat(int row, int column) {
+    skipFailing([&] { heat_.put(row, column, sheet_.value(sheet_.tableIndex(row, column))); });
+}
+
+void LiveOverlay::shadeUnpainted() {
+    for (int row = 1; row <= sheet_.rows(); ++row) {
+        for (int column = 1; column <= sheet_.columns(); ++column) {
+            if (paintMemory_.at(row, column) == Paint::White) shadeCell(row, column);
+        }
+    }
+}
+
 /// The shade of a stored cell follows its new value at once; the paint of the live point stays on top.
 void LiveOverlay::shadeWritten(std::string_view table, int index) {
-    if (table != sheet_.table() || !sheet_.kind().shaded || !estimates_.showsValues()) return;
+    if (table != sheet_.table() || !shades() || !estimates_.showsValues()) return;
     const int row = sheet_.gridRow(index / storedColumns);
     const int column = index % storedColumns + 1;
-    if (!sheet_.grid().hasCell(row, column) || paintMemory_.at(row, column) != Paint::White) return;
-    shadeCell(row, column);
+    if (!sheet_.grid().hasCell(row, column)) return;
+    if (heatOn_) {
+        putHeat(row, column);
+        // With another lowest or highest value all cells stand elsewhere on the scale.
+        if (heat_.measure()) return shadeUnpainted();
+    }
+    if (paintMemory_.at(row, column) == Paint::White) shadeCell(row, column);
 }
 
 void LiveOverlay::repaint() {
@@ -103,6 +130,7 @@ void LiveOverlay::repaintRemembered() {
 
 void LiveOverlay::showTrail(int row, int column) {
     const Paint paint = paintMemory_.at(row, column);
+    if (paint == Paint::White && heatOn_ && estimates_.showsValues()) return shadeCell(row, column);
     sheet_.grid().colour(row, column, paintColour(paint));
     if (paint != Paint::White) sheet_.grid().trail(row, column, trailStep(paintMemory_.age(row, column)));
 }
@@ -124,7 +152,7 @@ void LiveOverlay::fadeTrail() {
 
 void LiveOverlay::paintAnew() {
     if (!estimates_.showsValues()) return estimates_.showAll();
-    colorizeGraph(!sheet_.kind().shaded);
+    colorizeGraph(!shades());
     repaintRemembered();
 }
 

@@ -8,6 +8,7 @@
 
 #include "base/channels.h"
 #include "tables/cell_colours.h"
+#include "tables/heat_scale.h"
 #include "tables/live_zones.h"
 #include "tables/table_cursor.h"
 #include "tables/table_estimates.h"
@@ -39,6 +40,9 @@ class LiveOverlay {
 
     TableColour colourMode() const { return colourMode_; }
     void colourMode(TableColour mode) { colourMode_ = mode; }
+    /// By the heat scale, as the cells are colored the next time; else each table in its own way.
+    bool heatScale() const { return heatOn_; }
+    void heatScale(bool on) { heatOn_ = on; }
     /// Shades by value; does nothing unless the table is shaded or all go white.
     void colorizeGraph(bool white);
     /// Paints all cells from the paint memory.
@@ -59,7 +63,11 @@ class LiveOverlay {
 
  private:
     void buildZones();
+    bool shades() const { return heatOn_ || sheet_.kind().shaded; }
     void shadeCell(int row, int column);
+    void shadeUnpainted();
+    void measureHeat();
+    void putHeat(int row, int column);
     void shadeWritten(std::string_view table, int index);
     void repaintRemembered();
     float liveValueOf(bool columns) const;
@@ -75,6 +83,8 @@ class LiveOverlay {
     const LiveValues& live_;
     PaintMemory& paintMemory_;
     TableColour colourMode_ = TableColour::Normal;
+    bool heatOn_ = false;
+    HeatMap heat_;
     LiveZones zones_;
     LiveMarker marker_;
     std::vector<GridCell> faded_;

@@ -76,7 +76,8 @@ class FrmTable : public QWidget, public DockingForm {
     bool docked() const { return docked_; }
     void setDocked(bool docked) override;
     void followLook() override;
-    /// The options were applied: a white grid, and the colour mode of the session from here on.
+    /// The options were applied: a white grid, or the heat scale, and the colour mode of the session from
+    /// here on.
     void clearTableColours() override;
     /// Kept: the door for other windows, by number: 1 redoes the docking, 3 refreshes which toolbar items are
     /// shown.
@@ -158,6 +159,7 @@ class FrmTable : public QWidget, public DockingForm {
     void setColourMode(int mode);
     void showAll();
     void sizeColumns();
+    bool heatChosen() const;
     void showCursor();
     void selectionChanged();
     void drawLive();

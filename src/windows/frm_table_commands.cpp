@@ -113,8 +113,11 @@ void FrmTable::setColourMode(int mode) {
 
 void FrmTable::clearTableColours() {
     if (!model_) return;
-    model_->overlay().colourMode(colourModeOf(session_.TableColorMode));
-    model_->overlay().colorizeGraph(true);
+    LiveOverlay& overlay = model_->overlay();
+    overlay.colourMode(colourModeOf(session_.TableColorMode));
+    overlay.heatScale(heatChosen());
+    // Kept: without the scale the grid stays white until it is built anew.
+    overlay.heatScale() ? overlay.paintAnew() : overlay.colorizeGraph(true);
     showItems();
     Grid1_->cells().refresh();
 }

@@ -45,13 +45,14 @@ class OptionsTest : public ProgramTest {
 TEST(OptionTable, HoldsEveryControlOfTheWindow) {
     std::vector<std::string> names;
     for (const OptionRow& row : optionTable()) names.push_back(controlName(row));
-    EXPECT_THAT(names, testing::UnorderedElementsAre(
-                           "cmbCOMM", "cmdAutoDetectPort", "chkWireTrace", "chkAutoLog", "chkConsole",
-                           "chkCOMM", "chkFileOpen", "optPrintButton(0)", "optPrintButton(1)",
-                           "chkShowCommDialog", "txtPollRate", "chkTemperature", "chkGraphs", "chkColumnType",
-                           "txtCLTvalue", "txtMATvalue", "sldDashAdjust", "chkAFRColors", "chkAutoMonitor",
-                           "chkAutoOutput", "optMonitorMode(0)", "optMonitorMode(1)", "txtNeedleColor",
-                           "txtDashLights", "txtLabelLights", "viewList"));
+    EXPECT_THAT(names,
+                testing::UnorderedElementsAre(
+                    "cmbCOMM", "cmdAutoDetectPort", "chkWireTrace", "chkAutoLog", "chkConsole", "chkCOMM",
+                    "chkFileOpen", "optPrintButton(0)", "optPrintButton(1)", "chkShowCommDialog",
+                    "txtPollRate", "chkTemperature", "chkGraphs", "chkColumnType", "txtCLTvalue",
+                    "txtMATvalue", "sldDashAdjust", "chkAFRColors", "chkAutoMonitor", "chkAutoOutput",
+                    "optCellColors(0)", "optCellColors(1)", "optMonitorMode(0)", "optMonitorMode(1)",
+                    "txtNeedleColor", "txtDashLights", "txtLabelLights", "viewList"));
 }
 
 TEST(OptionTable, HoldsEverySettingOfTheSectionSystem) {
@@ -63,7 +64,7 @@ TEST(OptionTable, HoldsEverySettingOfTheSectionSystem) {
                           "CommPort", "AutoLog", "Cnsl", "CommCnsl", "MonitorMode", "NeedleColor",
                           "DashLights", "LabelLights", "ADUR", "Graphs", "FileOpen", "Print", "TableColor",
                           "CommDialog", "PollRate", "Column_Type", "AutoMonitor", "TemperatureToggle",
-                          "CLTAlarmValue", "MATAlarmValue", "WireTrace"));
+                          "CLTAlarmValue", "MATAlarmValue", "WireTrace", "CellScale"));
 }
 
 TEST(OptionTable, FourSettingsAreStoredAndShownAndChangeNothing) {
@@ -163,8 +164,9 @@ TEST_F(OptionsTest, ShowWhatTheProgramDoesWhileNothingIsStored) {
     // A start without these settings writes the log, asks for a file and shows the list; only "0" is Celsius.
     for (const char* control : {"chkAutoLog", "chkFileOpen", "chkShowCommDialog", "chkTemperature"})
         EXPECT_EQ(options.value(control), "1") << control;
-    for (const char* control : {"chkConsole", "chkCOMM", "chkGraphs", "chkColumnType", "chkAFRColors",
-                                "chkAutoMonitor", "chkAutoOutput", "optPrintButton", "optMonitorMode"}) {
+    for (const char* control :
+         {"chkConsole", "chkCOMM", "chkGraphs", "chkColumnType", "chkAFRColors", "chkAutoMonitor",
+          "chkAutoOutput", "optPrintButton", "optMonitorMode", "optCellColors"}) {
         EXPECT_EQ(options.value(control), "0") << control;
     }
     const std::pair<const char*, const char*> others[] = {{"cmbCOMM", "1"},
@@ -194,6 +196,7 @@ TEST_F(OptionsTest, ShowWhatIsStored) {
                            {"FileOpen", "chkFileOpen", "0"},
                            {"Print", "optPrintButton", "1"},
                            {"TableColor", "chkAFRColors", "1"},
+                           {"CellScale", "optCellColors", "1"},
                            {"CommDialog", "chkShowCommDialog", "0"},
                            {"PollRate", "txtPollRate", "2.5"},
                            {"Column_Type", "chkColumnType", "1"},
@@ -271,7 +274,7 @@ TEST_F(OptionsTest, WriteTheOthersNotBeforeApply) {
     for (const char* control :
          {"cmbCOMM", "chkAutoLog", "chkConsole", "chkCOMM", "chkFileOpen", "txtPollRate", "chkGraphs",
           "txtCLTvalue", "txtMATvalue", "chkAFRColors", "chkAutoOutput", "txtNeedleColor", "txtDashLights",
-          "txtLabelLights", "chkWireTrace"}) {
+          "txtLabelLights", "chkWireTrace", "optCellColors"}) {
         options.change(control, "1");
     }
     options.checkDataPoint(5, true);
@@ -338,13 +341,14 @@ TEST_F(OptionsTest, ApplyInTheFixedOrderWhileMonitoring) {
     EXPECT_THAT(trail, IsEmpty());
     EXPECT_THAT(options.apply(), IsEmpty());
     EXPECT_THAT(
-        trail, ElementsAre("CommPort=3", "CommPortIdentity=", "AutoLog=1", "Cnsl=1", "CommCnsl=0",
-                           "NeedleColor=255", "DashLights=65535", "LabelLights=7", "Graphs=1", "FileOpen=1",
-                           "TableColor=1", "PollRate=2.5", "AutoMonitor=0", "TemperatureToggle=0",
-                           "CLTAlarmValue=98", "MATAlarmValue=60", "white table", "Datalog1=0", "Datalog2=0",
-                           "Datalog3=0", "Datalog4=0", "Datalog5=0", "Datalog6=0", "Datalog7=0", "Datalog8=0",
-                           "Datalog9=0", "Datalog10=0", "Datalog1=2", "Datalog2=65", "night",
-                           "colours 65535 255", "comm list on", "recorder rows", "WireTrace=0"));
+        trail,
+        ElementsAre("CommPort=3", "CommPortIdentity=", "AutoLog=1", "Cnsl=1", "CommCnsl=0", "NeedleColor=255",
+                    "DashLights=65535", "LabelLights=7", "Graphs=1", "FileOpen=1", "TableColor=1",
+                    "CellScale=0", "PollRate=2.5", "AutoMonitor=0", "TemperatureToggle=0", "CLTAlarmValue=98",
+                    "MATAlarmValue=60", "white table", "Datalog1=0", "Datalog2=0", "Datalog3=0", "Datalog4=0",
+                    "Datalog5=0", "Datalog6=0", "Datalog7=0", "Datalog8=0", "Datalog9=0", "Datalog10=0",
+                    "Datalog1=2", "Datalog2=65", "night", "colours 65535 255", "comm list on",
+                    "recorder rows", "WireTrace=0"));
     EXPECT_THAT(lastLine(1), HasSubstr("Application Options Have Been Applied."));
     EXPECT_THAT(lastLine(), HasSubstr("**NOTE: Some changes require program restart before taking effect."));
 }
@@ -385,6 +389,18 @@ TEST_F(OptionsTest, ApplySwitchesTheLogFileAndTheTableColoursAtOnce) {
         EXPECT_EQ(session.console.LogToFile(), *on == '1');
         EXPECT_EQ(session.TableColorMode, *on == '1' ? 1 : 0);
     }
+}
+
+TEST_F(OptionsTest, ApplyStoresAGroupOnceAndBeforeTheTablesAreColouredAnew) {
+    Options options(session);
+    options.change("optCellColors", "1");
+    options.apply();
+    EXPECT_EQ(std::ranges::count(trail, "CellScale=1"), 1);
+    const auto stored = std::ranges::find(trail, "CellScale=1");
+    EXPECT_NE(std::find(stored, trail.end(), "white table"), trail.end());
+    options.change("optCellColors", "0");
+    options.apply();
+    EXPECT_EQ(read("CellScale"), "0");
 }
 
 TEST_F(OptionsTest, BeginAndEndTheWireTraceWithApply) {

@@ -17,6 +17,7 @@
 #include "qt/kept_splitter.h"
 #include "qt/value_label.h"
 #include "tables/cell_colours.h"
+#include "tables/heat_scale.h"
 #include "tables/table_badges.h"
 #include "windows/cell_box.h"
 #include "windows/frm_config_console.h"
@@ -40,16 +41,18 @@ constexpr std::array paints{Paint::White, Paint::Yellow, Paint::Green,      Pain
                             Paint::Blue,  Paint::Cyan,   Paint::LightGreen, Paint::LightRed};
 constexpr int trailSteps = 4;
 
-/// Values, the colors of the mixture and the trail with its steps, one a row.
+/// Values, the colors of the mixture, the trail with its steps and the heat scale, one a row.
 TableGrid everyGround() {
     TableGrid grid;
-    grid.resize(2 + trailSteps, columns);
+    constexpr int heatRow = 3 + trailSteps;
+    grid.resize(heatRow, columns);
     for (int column = 1; column <= columns; ++column) {
         const auto at = static_cast<std::size_t>(column - 1);
         grid.text(0, column, std::to_string(column * 1000));
         for (int row = 1; row <= grid.rows(); ++row) grid.text(row, column, std::to_string(shades[at]));
         grid.colour(1, column, shadeOf(static_cast<float>(shades[at]), 0, 50));
         grid.colour(2, column, paintColour(paints[at]));
+        grid.colour(heatRow, column, heatColour((column - 1.0) / (columns - 1)));
         for (int step = 0; step < trailSteps; ++step) {
             grid.colour(3 + step, column, paintColour(paints[at]));
             grid.trail(3 + step, column, step);
@@ -57,6 +60,7 @@ TableGrid everyGround() {
     }
     grid.text(1, 0, "value");
     grid.text(2, 0, "mixture");
+    grid.text(heatRow, 0, "heat scale");
     for (int step = 0; step < trailSteps; ++step) grid.text(3 + step, 0, "trail " + std::to_string(step));
     return grid;
 }

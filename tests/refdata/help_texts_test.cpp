@@ -30,7 +30,7 @@ constexpr const char* formKeys[] = {
     "helpMAPvolts", "helpMAPpressure", "helpMAPunits", "helpMAPlist",
     // the options
     "helpoptcomm", "helpopttemp", "helpoptalarm", "helpoptdash", "helpoptcolor", "helpoptlog", "helpoptprint",
-    "helpopttable", "helpoptdatalog", "helpoptmonitor", "helpoptstart",
+    "helpopttable", "helpoptcells", "helpoptdatalog", "helpoptmonitor", "helpoptstart",
     // the surface
     "helparrow"};
 

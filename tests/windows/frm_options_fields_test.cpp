@@ -80,6 +80,21 @@ TEST_F(OptionsFields, ArrowsChooseWhatThePrintButtonPrints) {
     EXPECT_EQ(stored("Print"), "0");
 }
 
+TEST_F(OptionsFields, ArrowsChooseTheCellColorsThatApplyStores) {
+    showing(OptionPage::Tables);
+    const auto* plain = the<QRadioButton>("optCellColors(0)");
+    const auto* heat = the<QRadioButton>("optCellColors(1)");
+    EXPECT_EQ(plain->text().remove('&'), "As always: VE in green and red, other tables plain");
+    EXPECT_EQ(heat->text().remove('&'), "Heat scale: every table from blue to yellow");
+    EXPECT_TRUE(plain->isChecked());
+    tabTo("optCellColors(0)");
+    sendKey(Qt::Key_Down);
+    EXPECT_TRUE(heat->isChecked());
+    EXPECT_EQ(stored("CellScale"), "");
+    apply();
+    EXPECT_EQ(stored("CellScale"), "1");
+}
+
 TEST_F(OptionsFields, TheModeButtonsAndLabelsCarryTheirCaptions) {
     showing(OptionPage::Dashboard);
     EXPECT_EQ(the<QRadioButton>("optMonitorMode(0)")->text().remove('&'), "Night Mode (Black)");
