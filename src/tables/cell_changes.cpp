@@ -4,15 +4,6 @@
 
 namespace zentaq {
 
-namespace {
-
-bool isStored(const TableSheet& sheet, GridCell cell) {
-    return sheet.grid().hasCell(cell.row, cell.column) && cell.column <= storedColumns &&
-           sheet.storedRow(cell.row) < storedHeaders;
-}
-
-}  // namespace
-
 std::vector<Refusal> refusedOf(const TableSheet& sheet, std::span<const CellChange> changes) {
     const Limits limits = sheet.limits();
     std::vector<Refusal> refused;
@@ -41,7 +32,7 @@ std::vector<CellChange> changesOf(const TableSheet& sheet, const Selection& bloc
     for (int row = block.top; row <= block.bottom; ++row) {
         for (int column = block.left; column <= block.right; ++column) {
             const GridCell cell{row, column};
-            if (!isStored(sheet, cell)) continue;
+            if (!sheet.isStored(cell)) continue;
             skipFailing([&] {
                 changes.push_back({cell, change(cell, sheet.value(sheet.tableIndex(row, column)))});
             });

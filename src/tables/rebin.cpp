@@ -62,12 +62,6 @@ void checkCount(const TableSheet& sheet, bool columns, std::size_t count) {
                   "; give " + numberText(static_cast<int>(present)) + " headers");
 }
 
-int decimalsOf(std::string_view table) {
-    constexpr int ofCommands = 1;
-    const int own = findTable(table)->decimals;
-    return own >= 0 ? own : ofCommands;
-}
-
 Limits headerLimits(const TableSheet& sheet, bool columns) {
     Unit& unit = sheet.unit();
     if (!sheet.kind().isGpo() || !unit.kind().cells.hasAxisWords)
@@ -112,7 +106,8 @@ RebinnedTable rebinnedTable(const TableSheet& sheet, std::string_view name, cons
         for (const float column : axes.columns) {
             const auto point = surface.at(column, row);
             const auto value = static_cast<float>(point.value);
-            table.values.push_back(point.onHeaders ? value : roundTo(value, decimalsOf(name)));
+            table.values.push_back(point.onHeaders ? value
+                                                   : roundTo(value, findTable(name)->commandDecimals()));
         }
     }
     return table;

@@ -12,6 +12,8 @@ std::string_view viewOf(TableModel& model) {
             return viewBadges[2];
         case TableView::DutyCycle:
             return viewBadges[3];
+        case TableView::Difference:
+            return viewBadges[4];
         case TableView::Values:
             break;
     }
@@ -19,18 +21,18 @@ std::string_view viewOf(TableModel& model) {
     return viewBadges[absolute ? 1 : 0];
 }
 
-std::string unitOf(const TableSheet& sheet, bool columns) {
+std::string axisInWords(const TableSheet& sheet, bool columns) {
+    const AxisKind* kind = sheet.axisKind(columns);
+    return (kind == nullptr ? "unknown" : std::string(kind->name)) + " in " + axisUnitOf(sheet, columns);
+}
+
+}  // namespace
+
+std::string axisUnitOf(const TableSheet& sheet, bool columns) {
     if (sheet.showsFahrenheit(columns)) return "F";
     const std::string unit = axisUnit(sheet.unit(), sheet.axisKind(columns));
     return unit.empty() ? "-" : unit;
 }
-
-std::string axisInWords(const TableSheet& sheet, bool columns) {
-    const AxisKind* kind = sheet.axisKind(columns);
-    return (kind == nullptr ? "unknown" : std::string(kind->name)) + " in " + unitOf(sheet, columns);
-}
-
-}  // namespace
 
 TableBadges badgesOf(TableModel& model) {
     const std::string_view view = viewOf(model);
@@ -44,7 +46,7 @@ std::string acrossOf(const TableSheet& sheet) {
 }
 
 std::string cornerOf(const TableSheet& sheet) {
-    return unitOf(sheet, false) + " \\ " + unitOf(sheet, true);
+    return axisUnitOf(sheet, false) + " \\ " + axisUnitOf(sheet, true);
 }
 
 std::string axesInWords(const TableSheet& sheet) {

@@ -11,7 +11,8 @@
 namespace zentaq {
 
 /// All texts of the badge of the view, "VALUES" first.
-inline constexpr std::array<std::string_view, 4> viewBadges{"VALUES", "ABSOLUTE", "PULSE WIDTH ms", "DUTY %"};
+inline constexpr std::array<std::string_view, 5> viewBadges{"VALUES", "ABSOLUTE", "PULSE WIDTH ms", "DUTY %",
+                                                            "DIFFERENCE"};
 inline constexpr std::string_view followBadge = "FOLLOW";
 inline constexpr std::string_view holdBadge = "HOLD";
 
@@ -28,6 +29,8 @@ TableBadges badgesOf(TableModel& model);
 
 /// What the columns stand for: "RPM", or the axis kind of a table that has several.
 std::string acrossOf(const TableSheet& sheet);
+/// What the headers of an axis count, "kPa"; "-" where that has no unit.
+std::string axisUnitOf(const TableSheet& sheet, bool columns);
 /// Row unit and column unit, as "kPa \ RPM" stands in the corner of the grid.
 std::string cornerOf(const TableSheet& sheet);
 /// The same in words: "Rows BLEND MAP in kPa, columns RPM in RPM".

@@ -13,7 +13,10 @@ struct Selection {
     int bottom = 1;
     int left = 1;
     int right = 1;
-    bool present = false;  ///< more than one cell
+    /// More than one cell. Kept: a command on the block takes this back and leaves the block.
+    bool present = false;
+
+    bool severalCells() const { return top != bottom || left != right; }
 
     bool holds(GridCell cell) const {
         return cell.row >= top && cell.row <= bottom && cell.column >= left && cell.column <= right;
@@ -33,6 +36,8 @@ class TableCursor {
     bool moveTo(int row, int column);
     /// Corners in any order.
     void select(int row, int column, int rowSel, int colSel);
+    /// A command on the block has ended: the block stays, and what asks for a selection finds none.
+    void forgetBlock() { selection_.present = false; }
     /// A block that reaches into the headers is none.
     void leaveHeaders();
     /// The live point may have carried the cursor away from a block that the user has selected; what is typed
@@ -56,6 +61,7 @@ class TableCursor {
     void toggleOverlay();
     /// An open edit box holds its cell even if the overlay is switched on from the menu meanwhile.
     void beginEdit() { editing_ = true; }
+    bool editing() const { return editing_; }
     bool followsEngine() const { return !suppressed_ && !editing_; }
 
     /// Held for as long as this lives, whatever has held it before.

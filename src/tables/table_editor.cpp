@@ -212,7 +212,7 @@ EntryOutcome TableEditor::enterStop(bool isColumn, int line, std::string_view ty
 
 // ---- Clipboard
 
-std::string TableEditor::clip() const {
+std::string TableEditor::clip(Decimals decimals) const {
     const Selection& block = cursor_.selection();
     std::string cells;
     for (int row = block.top; row <= block.bottom; ++row) {
@@ -222,34 +222,43 @@ std::string TableEditor::clip() const {
         }
         if (row < block.bottom) cells += '\r';
     }
+    if (decimals == Decimals::CommaToo) std::ranges::replace(cells, '.', ',');
     return cells;
 }
 
-std::vector<GridCell> TableEditor::fillFrom(std::string_view clipboard) {
+std::vector<TableEditor::PastedCell> TableEditor::pastedCells(std::string_view clipboard) const {
     const Selection& block = cursor_.selection();
     const int lastRow = block.present ? block.bottom : sheet_.rows();
     const int lastColumn = block.present ? block.right : sheet_.columns();
-    std::vector<GridCell> filled;
+    std::vector<PastedCell> cells;
     int row = block.top;
     for (const std::string& line : split(withPlainLineEnds(clipboard), '\n')) {
         int column = block.left;
-        for (const std::string& cell : split(line, '\t')) {
-            if (row <= lastRow && column <= lastColumn && sheet_.grid().hasCell(row, column)) {
-                sheet_.grid().text(row, column, std::string(trimmed(cell)));
-                filled.push_back({row, column});
-            }
+        for (const std::string& text : split(line, '\t')) {
+            if (row <= lastRow && column <= lastColumn && sheet_.grid().hasCell(row, column))
+                cells.push_back({{row, column}, std::string(trimmed(text))});
             ++column;
         }
         ++row;
     }
-    return filled;
+    return cells;
 }
 
-std::vector<Refusal> TableEditor::paste(std::string_view clipboard) {
+std::vector<Refusal> TableEditor::paste(std::string_view clipboard, Decimals decimals) {
     if (clipboard.empty() || !estimates_.showsValues()) return {};
-    const std::vector<GridCell> pasted = fillFrom(clipboard);
-    auto refused = sheet_.saveEntireTable();
-    for (const GridCell& cell : pasted) sheet_.showStored(cell.row, cell.column);
+    const Limits limits = sheet_.limits();
+    std::vector<Refusal> refused;
+    std::vector<GridCell> filled;
+    for (const auto& [cell, text] : pastedCells(clipboard)) {
+        const bool comma = decimals == Decimals::Point && text.find(',') != std::string::npos;
+        const auto checked = comma ? checkNumeric({}) : checkTyped(text, limits);
+        noteRefusal(refused, checked, cellName(cell.row, cell.column));
+        if (!checked) continue;
+        sheet_.grid().text(cell.row, cell.column, text);
+        filled.push_back(cell);
+    }
+    for (Refusal& further : sheet_.saveEntireTable()) refused.push_back(std::move(further));
+    for (const GridCell& cell : filled) sheet_.showStored(cell.row, cell.column);
     estimates_.refresh();
     return refused;
 }

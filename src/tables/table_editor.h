@@ -58,18 +58,25 @@ class TableEditor {
     EntryOutcome enterHeader(int row, int column, std::string_view typed);
 
     // ---- Clipboard: cells separated by tabs, rows by line ends
-    std::string clip() const;  ///< the selected cells
+    /// How the user's spreadsheet writes numbers. Where it has no decimal comma, "1,234" may be a thousand.
+    enum class Decimals { Point, CommaToo };
+    std::string clip(Decimals decimals = Decimals::Point) const;  ///< the selected cells
     /// Fills cells from the top left of the selection on, within a selection of more than one cell or else to
-    /// the edge of the grid, and writes the grid back as saveEntireTable() does.
+    /// the edge of the grid, and writes the grid back as saveEntireTable() does. Each cell is checked before
+    /// anything is written: those that are refused keep their values, with their place in what is answered.
     /// Does nothing in a view: its cells are estimates, which written back would be taken for values.
-    std::vector<Refusal> paste(std::string_view clipboard);
+    std::vector<Refusal> paste(std::string_view clipboard, Decimals decimals = Decimals::CommaToo);
 
  private:
     void enterCell(int row, int column, double value);
     EntryOutcome nudgeCell(int row, int column, double step);
     EntryOutcome enterMainHeader(bool isColumn, int line, std::string_view typed);
     EntryOutcome enterStop(bool isColumn, int line, std::string_view typed);
-    std::vector<GridCell> fillFrom(std::string_view clipboard);
+    struct PastedCell {
+        GridCell cell;
+        std::string text;
+    };
+    std::vector<PastedCell> pastedCells(std::string_view clipboard) const;
 
     TableSheet& sheet_;
     TableCursor& cursor_;

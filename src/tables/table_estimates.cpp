@@ -2,6 +2,7 @@
 
 #include "base/errors.h"
 #include "base/number_text.h"
+#include "tables/cell_colours.h"
 
 namespace zentaq {
 
@@ -29,6 +30,7 @@ void TableEstimates::show(int index) {
     const int column = index % storedColumns + 1;
     TableGrid& grid = sheet_.grid();
     if (!grid.hasCell(row, column)) return;
+    if (view_ == TableView::Difference) return showDifferences();
     const bool isWidth = view_ == TableView::PulseWidth;
     const bool tooShort = isWidth && sheet_.kind().fuel != FuelCells::Staged &&
                           ecu_.pulseWidthMs(index) < sheet_.unit().get("MT");
@@ -37,7 +39,24 @@ void TableEstimates::show(int index) {
     grid.colour(row, column, tooShort || tooLong ? alarmRed : TableGrid::white);
 }
 
+void TableEstimates::showDifference(int row, int column, int index) {
+    const std::string text = comparison_.differenceText(index);
+    const bool more = !text.starts_with('-');
+    TableGrid& grid = sheet_.grid();
+    grid.text(row, column, text.empty() ? "0" : text);
+    const Paint paint = text.empty() ? Paint::White : more ? Paint::LightGreen : Paint::LightRed;
+    grid.colour(row, column, paintColour(paint));
+}
+
+void TableEstimates::showDifferences() {
+    for (int row = 1; row <= sheet_.rows(); ++row) {
+        for (int column = 1; column <= sheet_.columns(); ++column)
+            skipFailing([&] { showDifference(row, column, sheet_.tableIndex(row, column)); });
+    }
+}
+
 void TableEstimates::showAll() {
+    if (view_ == TableView::Difference) return showDifferences();
     for (int index = 0; index < storedCells; ++index) {
         skipFailing([&] { show(index); });
     }

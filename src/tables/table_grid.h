@@ -23,6 +23,7 @@ class TableGrid {
         texts_.assign(count, {});
         colours_.assign(count, white);
         trail_.assign(count, noTrail);
+        notes_.assign(count, {});
     }
 
     int rows() const { return rows_; }        ///< without the header row
@@ -43,6 +44,10 @@ class TableGrid {
     /// How far the live point's trail has faded in a cell whose colour is its paint, by trailStep().
     int trail(int row, int column) const { return trail_[at(row, column)]; }
     void trail(int row, int column, int step) { trail_[at(row, column)] = step; }
+    /// What stands in the corner of a cell: how far it is from another calibration, "+2.5"; empty for
+    /// nothing.
+    const std::string& note(int row, int column) const { return notes_[at(row, column)]; }
+    void note(int row, int column, std::string value) { notes_[at(row, column)] = std::move(value); }
 
  private:
     /// With the header line.
@@ -57,6 +62,7 @@ class TableGrid {
     std::vector<std::string> texts_{std::string{}};
     std::vector<std::int32_t> colours_{white};
     std::vector<int> trail_{noTrail};
+    std::vector<std::string> notes_{std::string{}};
 };
 
 }  // namespace zentaq

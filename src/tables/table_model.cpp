@@ -1,5 +1,7 @@
 #include "tables/table_model.h"
 
+#include "tables/line_commands.h"
+
 namespace zentaq {
 
 namespace {
@@ -15,6 +17,9 @@ std::vector<Refusal> TableModel::Setup_Grid(std::string_view table, std::string_
     auto refused = sheet_.read(table, title, inverted);
     // A view of the former table would bar typing on one that has no such view and no key to leave it.
     if (another) estimates_.view(TableView::Values);
+    // A table that the other calibration lacks, or whose axes stand for something else there.
+    if (!skipFailing([&] { comparison_.follow(); })) compareNoMore();
+    noteDifferences();
     estimates_.refresh();
     overlay_.rebuild();
     cursor_.stayInGrid();
@@ -53,6 +58,34 @@ std::vector<Refusal> TableModel::showView(TableView view) {
 std::vector<Refusal> TableModel::toggleView(TableView view) {
     if (!estimates_.offered()) return {};
     return showView(estimates_.view() == view ? TableView::Values : view);
+}
+
+// ---- Beside another calibration
+
+void TableModel::compare(const Calibration& other, const UnitKind& kind, std::string name) {
+    comparison_.with(other, kind, std::move(name));
+    noteDifferences();
+    if (estimates_.view() == TableView::Difference) estimates_.showAll();
+}
+
+void TableModel::compareNoMore() {
+    comparison_.off();
+    noteDifferences();
+    if (estimates_.view() == TableView::Difference) reset();
+}
+
+void TableModel::noteDifferences() {
+    for (int row = 1; row <= sheet_.rows(); ++row) {
+        for (int column = 1; column <= sheet_.columns(); ++column) {
+            const int index = sheet_.isStored({row, column}) ? sheet_.tableIndex(row, column) : -1;
+            sheet_.grid().note(row, column, index < 0 ? std::string() : comparison_.differenceText(index));
+        }
+    }
+}
+
+std::vector<Refusal> TableModel::toggleDifference() {
+    if (!comparison_.on()) return {};
+    return showView(estimates_.view() == TableView::Difference ? TableView::Values : TableView::Difference);
 }
 
 std::vector<Refusal> TableModel::toggleAbsolute() {
@@ -118,9 +151,7 @@ PopupItems TableModel::popupItems() const {
     const bool block = cursor_.selection().present;
     PopupItems items;
     items.interpolateAndSmooth = block;
-    const int from = unit.kind().resizesFrom;
-    const bool offered = from != 0 && unit.FW_Release() >= from;
-    items.rowsAndColumns = offered && !block;
+    items.rowsAndColumns = takesOtherSizes(unit) && !block;
     items.newColumn = sheet_.columns() < 16;
     items.newRow = sheet_.rows() < 16;
     items.removeColumn = sheet_.columns() >= 9;

@@ -44,14 +44,16 @@ class TableModel {
  public:
     TableModel(Unit& unit, Ecu& ecu, const LiveValues& live, PaintMemory& paintMemory)
         : sheet_(unit),
+          comparison_(sheet_),
           cursor_(sheet_.grid()),
-          estimates_(sheet_, ecu),
+          estimates_(sheet_, ecu, comparison_),
           overlay_(sheet_, estimates_, cursor_, live, paintMemory),
           editor_(sheet_, cursor_, estimates_, overlay_) {}
     TableModel(const TableModel&) = delete;
     TableModel& operator=(const TableModel&) = delete;
 
     TableSheet& sheet() { return sheet_; }
+    const TableComparison& comparison() const { return comparison_; }
     TableCursor& cursor() { return cursor_; }
     TableEstimates& estimates() { return estimates_; }
     LiveOverlay& overlay() { return overlay_; }
@@ -73,6 +75,15 @@ class TableModel {
     /// Enter in txtTOG or txtIOT; an active view follows.
     EntryOutcome enterTime(std::string_view member, std::string_view typed);
 
+    // ---- Beside another calibration
+    /// As TableComparison::with(): the cells bear notes of what is different from now on.
+    void compare(const Calibration& other, const UnitKind& kind, std::string name);
+    void compareNoMore();
+    /// The notes follow the cells.
+    void noteDifferences();
+    /// Nothing while there is nothing to compare with.
+    std::vector<Refusal> toggleDifference();
+
     // ---- The whole grid
     /// Toolbar "Save": from an active view, goes back to values first.
     std::vector<Refusal> save();
@@ -89,6 +100,7 @@ class TableModel {
     std::vector<Refusal> toggleView(TableView view);
 
     TableSheet sheet_;
+    TableComparison comparison_;
     TableCursor cursor_;
     TableEstimates estimates_;
     LiveOverlay overlay_;

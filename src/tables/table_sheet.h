@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tables/live_zones.h"
 #include "tables/table_cells.h"
 #include "tables/table_grid.h"
 
@@ -45,6 +46,12 @@ class TableSheet {
     int sixteenRowIndex(int row, int column) const;
     int storedRow(int gridRow) const { return inverted() ? gridRow - 1 : rows() - gridRow; }
     int gridRow(int storedRow) const { return inverted() ? storedRow + 1 : rows() - storedRow; }
+
+    /// A table may ask for more rows and columns than are stored.
+    bool isStored(GridCell cell) const {
+        return grid().hasCell(cell.row, cell.column) && cell.column <= storedColumns &&
+               storedRow(cell.row) < storedHeaders;
+    }
 
     // ---- Values of any table. `column` counts from 0 here.
     float get_binValueByIndex(std::string_view table, int index) const;

@@ -46,6 +46,8 @@ struct TableKind {
     bool liveWithFuelOnly = false;  ///< not shown for kinds without a fuel side
 
     bool isGpo() const { return gpoNumber != 0; }
+    /// To which a command rounds what it works out of several cells.
+    int commandDecimals() const { return decimals >= 0 ? decimals : 1; }
     /// The first cell of an output table.
     int firstCell(const UnitKind& kind) const {
         return kind.cells.outputTable.at(static_cast<std::size_t>(gpoNumber - 1));
