@@ -287,6 +287,7 @@ void FileCommands::finishOpening(const std::string& path, const FileStart& start
     Unit& unit = session_.currentUnitObject();
     unit.BinFile(path);
     repairOldFields();
+    session_.noteOpened();
     if (session_.link.linked().LinkedUnitKind != 0 && !session_.link.kindInHand()) {
         session_.dialogs().show(
             {"Unit Type Mismatch",

@@ -127,6 +127,7 @@ void GeneralConfig::finishSaving(const ChosenFile& file, const FileSaved& saved)
     session_.paintMemory.erase();
     session_.CurrentFile = file.path;
     session_.fileHolds = saved.holds;
+    session_.noteOpened();
     session_.header().fileState = "OLD";
     session_.DataModified = false;
     entered_ = false;

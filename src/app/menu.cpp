@@ -197,17 +197,17 @@ constexpr std::array menus{
 
     MenuEntry{"mnuPopupTable", "", "", "", always},
     MenuEntry{"mnuGraphTable", "&Graph", "mnuPopupTable", "", later},
-    MenuEntry{"mnuInterpolate", "&Interpolate", "mnuPopupTable", "", later},
-    MenuEntry{"mnuSmooth", "&Smooth", "mnuPopupTable", "", later},
-    MenuEntry{"mnuSmooth_1", "Smooth &1 (gentlest)", "mnuSmooth", "", later},
-    MenuEntry{"mnuSmooth_2", "Smooth &2", "mnuSmooth", "", later},
-    MenuEntry{"mnuSmooth_3", "Smooth &3", "mnuSmooth", "", later},
-    MenuEntry{"mnuSmooth_4", "Smooth &4", "mnuSmooth", "", later},
-    MenuEntry{"mnuSmooth_5", "Smooth &5 (strongest)", "mnuSmooth", "", later},
-    grouped(MenuEntry{"mnuNewCol", "Add &Column", "mnuPopupTable", "", later}),
-    MenuEntry{"mnuNewRow", "Add &Row", "mnuPopupTable", "", later},
-    MenuEntry{"mnuRmvCol", "Re&move Column", "mnuPopupTable", "", later},
-    MenuEntry{"mnuRmvRow", "Remo&ve Row", "mnuPopupTable", "", later},
+    MenuEntry{"mnuInterpolate", "&Interpolate", "mnuPopupTable", "", always},
+    MenuEntry{"mnuSmooth", "&Smooth", "mnuPopupTable", "", always},
+    MenuEntry{"mnuSmooth_1", "Smooth &1 (gentlest)", "mnuSmooth", "", always},
+    MenuEntry{"mnuSmooth_2", "Smooth &2", "mnuSmooth", "", always},
+    MenuEntry{"mnuSmooth_3", "Smooth &3", "mnuSmooth", "", always},
+    MenuEntry{"mnuSmooth_4", "Smooth &4", "mnuSmooth", "", always},
+    MenuEntry{"mnuSmooth_5", "Smooth &5 (strongest)", "mnuSmooth", "", always},
+    grouped(MenuEntry{"mnuNewCol", "Add &Column", "mnuPopupTable", "", always}),
+    MenuEntry{"mnuNewRow", "Add &Row", "mnuPopupTable", "", always},
+    MenuEntry{"mnuRmvCol", "Re&move Column", "mnuPopupTable", "", always},
+    MenuEntry{"mnuRmvRow", "Remo&ve Row", "mnuPopupTable", "", always},
 };
 
 constexpr std::array buttons{

@@ -46,6 +46,12 @@
 
 namespace zentaq {
 
+/// The cell in hand of a table, in words; empty without a table.
+struct CellContext {
+    std::string line;
+    std::string words;
+};
+
 /// What the program has in hand beside the calibration itself.
 struct FileInHand {
     FileHeader fileHeader;
@@ -54,6 +60,7 @@ struct FileInHand {
     bool fileIsSample = false;             ///< CurrentFile came with the program, and is not written over
     bool DataModified = false;
     int FileFilterIndex = 1;
+    std::shared_ptr<const Calibration> opened{};  ///< as it was when it came into hand; none: nothing is
 };
 
 /// The outside world of one session.
@@ -93,6 +100,8 @@ class Session : public UnitHost, public LinkTeller, public FileInHand {
     /// A new calibration is being made, and no file holds it yet.
     bool creating() const { return fileHeader.fileState == "NEW"; }
 
+    /// What is in hand now is what changes are counted from.
+    void noteOpened() { opened = std::make_shared<const Calibration>(currentUnitObject().calibration()); }
     /// To be copied before another calibration comes into hand, and put back with its own value.
     FileInHand& fileInHand() { return *this; }
 
@@ -133,6 +142,7 @@ class Session : public UnitHost, public LinkTeller, public FileInHand {
     UnitMemory unitMemory;  ///< of the one on the link
     Notices notices;        ///< what is told without a box
     RecentFiles recentFiles;
+    CellContext cellContext;  ///< of the table's window, for the status bar
     Folds folds;
 
     Platform& platform() { return platform_; }

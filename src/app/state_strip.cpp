@@ -24,15 +24,16 @@ struct PartRow {
 };
 
 constexpr PartRow parts[] = {
-    {StripPart::Unit, "stripUnit", 9},
-    {StripPart::Gauges, "stripGauges", 4},
-    {StripPart::OnFly, "StatusBar1_Panel2", 7},
-    {StripPart::NotStored, "stripNotStored", 6},
-    {StripPart::NotSaved, "StatusBar1_Panel4", 5},
-    {StripPart::ZeroAdvance, "stripZeroAdvance", 10},
-    {StripPart::Work, "stripWork", 3},
-    {StripPart::Notice, "stripNotice", 8},
+    {StripPart::Unit, "stripUnit", 10},
+    {StripPart::Gauges, "stripGauges", 5},
+    {StripPart::OnFly, "StatusBar1_Panel2", 8},
+    {StripPart::NotStored, "stripNotStored", 7},
+    {StripPart::NotSaved, "StatusBar1_Panel4", 6},
+    {StripPart::ZeroAdvance, "stripZeroAdvance", 11},
+    {StripPart::Work, "stripWork", 4},
+    {StripPart::Notice, "stripNotice", 9},
     {StripPart::File, "StatusBar1_Panel1", 2},
+    {StripPart::Cell, "stripCell", 3},
     {StripPart::Firmware, "StatusBar1_Panel3", 1},
 };
 
@@ -245,6 +246,11 @@ StripRow fileRow(const StripFacts& facts) {
             .command = "mnuSaveAs"};
 }
 
+StripRow cellRow(const StripFacts& facts) {
+    if (facts.cell.empty()) return {};
+    return {.text = facts.cell, .meaning = facts.cellState};
+}
+
 StripRow firmwareRow(const StripFacts& facts) {
     return {.text = facts.panel3,
             .meaning = "The firmware of the unit. Press to read about firmwares.",
@@ -254,8 +260,8 @@ StripRow firmwareRow(const StripFacts& facts) {
 using RowMaker = StripRow (*)(const StripFacts&);
 
 constexpr std::array<RowMaker, std::size(parts)> makers = {
-    unitRow,        gaugesRow, onFlyRow,  notStoredRow, notSavedRow,
-    zeroAdvanceRow, workRow,   noticeRow, fileRow,      firmwareRow,
+    unitRow, gaugesRow, onFlyRow, notStoredRow, notSavedRow, zeroAdvanceRow,
+    workRow, noticeRow, fileRow,  cellRow,      firmwareRow,
 };
 
 Transfer transferOf(const Link& link) {
@@ -321,6 +327,8 @@ StripFacts stripFacts(Session& session) {
     const std::int64_t now = session.platform().clock.monotonicUs();
     facts.reading = session.saving.reading();
     facts.saving = session.saving.running() && now - session.saving.beganUs() > momentUs;
+    facts.cell = session.cellContext.line;
+    facts.cellState = session.cellContext.words;
     facts.notice = session.notices.text(now);
     facts.notices = session.notices.count(now);
     return facts;

@@ -23,7 +23,19 @@ enum class StripTone {
 };
 
 /// From left to right.
-enum class StripPart { Unit, Gauges, OnFly, NotStored, NotSaved, ZeroAdvance, Work, Notice, File, Firmware };
+enum class StripPart {
+    Unit,
+    Gauges,
+    OnFly,
+    NotStored,
+    NotSaved,
+    ZeroAdvance,
+    Work,
+    Notice,
+    File,
+    Cell,
+    Firmware
+};
 
 struct StripRow {
     StripPart part = StripPart::Unit;
@@ -71,7 +83,9 @@ struct StripFacts {
 
     // Work
     bool reading = false;
-    bool saving = false;  ///< for longer than a moment
+    bool saving = false;    ///< for longer than a moment
+    std::string cell;       ///< the one in hand of a table, with its axes, value and limits
+    std::string cellState;  ///< the same in whole sentences
     std::string notice;
     int notices = 0;  ///< that one and those behind it
 };

@@ -48,6 +48,10 @@ class WindowNews {
     }                           ///< the table grid waits while a change is on its way; with each idle tick
     virtual void showUnit() {}  ///< the unit's values are read again
     virtual void saveNew() {}   ///< the calibration that is being made gets its file
+    /// An entry of the pop-up of a table was chosen, by its name.
+    virtual void tableCommand(const std::string& /*name*/) {}
+    /// The user has moved in a table: the status bar tells of another cell.
+    virtual void cellContextChanged() {}
 
     // ---- Options
     virtual void temperaturesChanged() { showUnit(); }

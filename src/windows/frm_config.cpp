@@ -295,10 +295,30 @@ void FrmConfig::showTip(const std::string& text) {
 
 // ---- With the other windows
 
-void FrmConfig::openOn(const std::string& /*on*/, const std::string& /*title*/) {
+void FrmConfig::openOn(const std::string& on, const std::string& /*title*/) {
     show();
+    if (!on.empty()) return goToTable(on);
     selectStartTab();
     follow();
+}
+
+// The node is shown, not clicked: a click on it would open the table, and the page is what the user comes
+// for.
+void FrmConfig::goToTable(const std::string& table) {
+    if (session_.folds.tree.folded()) {
+        session_.folds.toggle(session_.folds.tree);
+        session_.windows().tell(&WindowNews::foldsChanged);
+    }
+    const bool output = findTable(table) != nullptr && findTable(table)->isGpo();
+    for (const TreeNode& node : treeNodes(session_.currentUnitObject())) {
+        if (output ? node.page != managerPage : node.table != table) continue;
+        const auto found = treeZentaq_->findItems(qString(node.text), Qt::MatchExactly | Qt::MatchRecursive);
+        if (found.isEmpty()) continue;
+        treeZentaq_->setCurrentItem(found.front());
+        treeZentaq_->scrollToItem(found.front());
+    }
+    window()->activateWindow();
+    focusTree();
 }
 
 void FrmConfig::takeBack() {

@@ -74,6 +74,8 @@ class FrmConfig : public QWidget, public Form {
     /// Whether eight stand beside an open dashboard.
     void measureDashboard(int bar);
     void treeClicked(const QTreeWidgetItem* item);
+    /// The tree, on the place of a table.
+    void goToTable(const std::string& table);
     void showPage(int page, const QString& title);
     void showRows(bool again);
     void pageRowChanged();

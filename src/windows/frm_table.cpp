@@ -16,6 +16,7 @@
 #include "qt/named.h"
 #include "qt/qt_text.h"
 #include "tables/table_badges.h"
+#include "tables/table_context.h"
 #include "windows/frm_config.h"
 #include "windows/window_registry.h"
 
@@ -54,6 +55,10 @@ FrmTable::FrmTable(Session& session, QWidget* parent)
     Grid1_ = named(new TableGridView(this), "Grid1", "Cells of the table");
     Grid1_->setContextMenuPolicy(Qt::CustomContextMenu);
     txtInputValue_ = new CellBox(*Grid1_);
+    txtFormula_ = new FormulaLine(*Grid1_);
+    Grid1_->cells().speakBy([this](int row, int column) {
+        return model_ ? qString(cellInWords(*model_, row, column)) : QString();
+    });
     ahead_ = new TypedAhead(session,
                             {.ready = [this] { return !locked_ && !closing_; },
                              .play = [this](const TypedAhead::Held& held) { return play(held); }},
@@ -73,6 +78,12 @@ FrmTable::FrmTable(Session& session, QWidget* parent)
     connect(Grid1_, &QTableView::doubleClicked, this, &FrmTable::cellDoubleClicked);
     connect(Grid1_, &TableGridView::resized, this, &FrmTable::placeEdit);
     connect(Grid1_, &QWidget::customContextMenuRequested, this, &FrmTable::showPopup);
+    for (QHeaderView* header : {Grid1_->horizontalHeader(), Grid1_->verticalHeader()}) {
+        // A whole line is selected: the engine must not carry the cursor away.
+        connect(header, &QHeaderView::sectionPressed, this, [this] {
+            if (model_) holdCursor();
+        });
+    }
     connect(Grid1_->horizontalHeader(), &QHeaderView::sectionDoubleClicked, this,
             [this](int section) { headerDoubleClicked(0, section + 1); });
     connect(Grid1_->verticalHeader(), &QHeaderView::sectionDoubleClicked, this,
@@ -88,13 +99,14 @@ FrmTable::~FrmTable() {
     for (QObject* watched : watchedObjects()) watched->removeEventFilter(this);
     Grid1_->selectionModel()->disconnect(this);
     Grid1_->cells().show(nullptr);
+    session_.cellContext = {};
     if (const std::string names = ahead_->names(); !names.empty())
         session_.sysLog("TABLE: Closed before " + names + ".");
     session_.sysLog("TABLE App. Terminated.");
 }
 
 std::vector<QObject*> FrmTable::watchedObjects() const {
-    return {Grid1_, Grid1_->viewport(), txtInputValue_, txtTOG(), txtIOT()};
+    return {Grid1_, Grid1_->viewport(), txtInputValue_, txtFormula_, txtTOG(), txtIOT()};
 }
 
 // ---- Building
@@ -169,10 +181,12 @@ void FrmTable::showAll() {
     setWindowTitle(docked_ ? QString() : title);
     Grid1_->setAccessibleName(title);
     Grid1_->nameAxes(qString(cornerOf(model_->sheet())), qString(axesInWords(model_->sheet())));
+    model_->noteDifferences();
     Grid1_->cells().refresh();
     showTimes();
     showItems();
     showCursor();
+    tellContext(true);
 }
 
 void FrmTable::showTimes() {
@@ -200,6 +214,7 @@ void FrmTable::Load_Command(int command) {
 void FrmTable::setMode(DisplayMode mode) {
     Grid1_->setMode(mode);
     txtInputValue_->setMode(mode);
+    txtFormula_->setMode(mode);
     Toolbar1_->setMode(mode);
 }
 
@@ -241,13 +256,14 @@ void FrmTable::selectionChanged() {
     const QItemSelection chosen = Grid1_->selectionModel()->selection();
     if (chosen.isEmpty() || !chosen.contains(current)) {
         model_->cursor().select(row, column, row, column);
-        return;
+        return tellContext(true);
     }
     const QItemSelectionRange& block = chosen.first();
     // The corner across from the current cell; between two corners the far one makes the block.
     const int otherRow = row == block.top() + 1 ? block.bottom() + 1 : block.top() + 1;
     const int otherColumn = column == block.left() + 1 ? block.right() + 1 : block.left() + 1;
     model_->cursor().select(row, column, otherRow, otherColumn);
+    tellContext(true);
 }
 
 // ---- Events
@@ -263,6 +279,7 @@ bool FrmTable::handled(const QObject* watched, QEvent* event) {
     if (watched == Grid1_) return gridEvent(event);
     if (watched == Grid1_->viewport()) return viewportEvent(event);
     if (watched == txtInputValue_) return boxEvent(event);
+    if (watched == txtFormula_) return formulaEvent(event);
     if (watched == txtTOG()) return timeFieldEvent(txtTOG(), event);
     if (watched == txtIOT()) return timeFieldEvent(txtIOT(), event);
     return false;
@@ -270,8 +287,9 @@ bool FrmTable::handled(const QObject* watched, QEvent* event) {
 
 bool FrmTable::gridEvent(QEvent* event) {
     if (event->type() == QEvent::ShortcutOverride) {
-        // The edit menu has the same keys; on the grid they mean its cells.
-        if (isClipboardKey(*static_cast<QKeyEvent*>(event))) event->accept();
+        // The edit menu and the guide have the same keys; on the grid they mean its cells.
+        const auto& key = *static_cast<QKeyEvent*>(event);
+        if (isClipboardKey(key) || (key.key() == Qt::Key_F1 && isPlain(key))) event->accept();
         return false;
     }
     if (event->type() != QEvent::KeyPress) return false;
@@ -307,6 +325,11 @@ bool FrmTable::gridKey(const QKeyEvent& event) {
         paste();
         return true;
     }
+    if (event.key() == Qt::Key_F1 && isPlain(event)) {
+        showKeys();
+        return true;
+    }
+    if (selectingKey(event)) return true;
     if (const char key = typedCharacter(event); key != 0) {
         pressed(key);
         return true;
@@ -353,7 +376,9 @@ void FrmTable::onFlyLock(bool busy) {
 
 // Never to the first field of the window by chance: the next digit would be an injector's time.
 void FrmTable::takeFocus() {
-    QWidget* typed = txtInputValue_->isHidden() ? timeInHand() : txtInputValue_;
+    QWidget* typed = timeInHand();
+    if (!txtFormula_->isHidden()) typed = txtFormula_;
+    if (!txtInputValue_->isHidden()) typed = txtInputValue_;
     (typed != nullptr ? typed : Grid1_)->setFocus();
 }
 
@@ -375,7 +400,9 @@ bool FrmTable::play(const TypedAhead::Held& held) {
         click(held);
     } else {
         QKeyEvent press(QEvent::KeyPress, held.key, held.modifiers, held.text);
-        QWidget* target = txtInputValue_->isVisible() ? static_cast<QWidget*>(txtInputValue_) : Grid1_;
+        QWidget* target = Grid1_;
+        if (txtFormula_->isVisible()) target = txtFormula_;
+        if (txtInputValue_->isVisible()) target = txtInputValue_;
         QApplication::sendEvent(target, &press);
     }
     return !self || refusals_ == refusals;
@@ -449,6 +476,7 @@ void FrmTable::drawLive() {
     showCursor();
     Toolbar1_->showReading(model_->sheet().kind(), session_.live);
     Toolbar1_->showBadges(badgesOf(*model_));
+    tellContext(false);
 }
 
 /// Its parent is the workspace.

@@ -4,6 +4,8 @@
 #pragma once
 
 #include "app/session.h"
+#include "app/table_comparing.h"
+#include "tables/edit_commands.h"
 #include "tables/table_model.h"
 
 #include <QKeyEvent>
@@ -11,12 +13,14 @@
 #include <QWidget>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "windows/cell_box.h"
 #include "windows/dock.h"
+#include "windows/formula_line.h"
 #include "windows/redraw_gate.h"
 #include "windows/table_toolbar.h"
 #include "windows/table_view.h"
@@ -76,6 +80,8 @@ class FrmTable : public QWidget, public DockingForm {
     bool docked() const { return docked_; }
     void setDocked(bool docked) override;
     void followLook() override;
+    /// An entry of the pop-up, which sits on the main window, by its name.
+    void tableCommand(const std::string& name) override;
     /// The options were applied: a white grid, or the heat scale, and the colour mode of the session from
     /// here on.
     void clearTableColours() override;
@@ -85,6 +91,9 @@ class FrmTable : public QWidget, public DockingForm {
 
     TableGridView& grid() { return *Grid1_; }
     QLineEdit& inputBox() { return *txtInputValue_; }
+    QLineEdit& formulaLine() { return *txtFormula_; }
+    /// What puts a form on paper; nothing for the system's printer dialog.
+    void printsBy(std::function<void(QWidget&)> print) { print_ = std::move(print); }
     /// nullptr before the first Setup_Grid.
     TableModel* model() { return model_.get(); }
     /// How often live news were brought to the screen.
@@ -112,7 +121,10 @@ class FrmTable : public QWidget, public DockingForm {
     bool viewportEvent(QEvent* event);
     bool boxEvent(QEvent* event);
     bool timeFieldEvent(QLineEdit* field, QEvent* event);
+    bool formulaEvent(QEvent* event);
     bool gridKey(const QKeyEvent& event);
+    bool selectingKey(const QKeyEvent& event);
+    void selectLine(bool column);
     bool waits() const { return locked_ || keysWait(); }
     /// False: an entry was refused.
     bool play(const TypedAhead::Held& held);
@@ -145,6 +157,30 @@ class FrmTable : public QWidget, public DockingForm {
     /// Marks the calibration as changed if a command has stored a cell since `writtenBefore`.
     void markIfWritten(int writtenBefore);
 
+    // ---- Commands on the cells in hand: frm_table_cells.cpp
+    void addCellCommands();
+    void addCompareCommands();
+    void addKey(const char* name, const char* keys, const std::function<void()>& command);
+    void runCommand(const EditCommand& command);
+    bool agreed(const EditCommand& command);
+    /// Asks before axes are changed while the unit takes each change at once.
+    bool axesAgreed();
+    void openFormula(const QString& start);
+    bool commitFormula();
+    void closeFormula();
+    void showKeys();
+    void rebin();
+    void compareFile();
+    void compareOpened();
+    void compareWith(const std::optional<ComparedCalibration>& other);
+    void compareNoMore();
+    void newHeader(bool column);
+    void manage();
+    void print();
+    /// Other windows show the same calibration.
+    void tellOthers();
+    void tellContext(bool now);
+
     // ---- Toolbar commands
     void rebuilt(std::span<const Refusal> refused);
     bool saveGrid();
@@ -173,6 +209,7 @@ class FrmTable : public QWidget, public DockingForm {
     TableToolbar* Toolbar1_ = nullptr;
     TableGridView* Grid1_ = nullptr;
     CellBox* txtInputValue_ = nullptr;
+    FormulaLine* txtFormula_ = nullptr;
     TypedAhead* ahead_ = nullptr;
     RedrawGate* redraw_ = nullptr;
 
@@ -184,6 +221,7 @@ class FrmTable : public QWidget, public DockingForm {
     bool locked_ = false;
     bool docked_ = true;
     bool colourPersist_ = false;
+    std::function<void(QWidget&)> print_;
     bool syncing_ = false;     ///< the view follows the model; its signals are no user's doing
     bool committing_ = false;  ///< a refusal is told, or the edit box goes: its text is no entry meanwhile
     int refusals_ = 0;         ///< told so far

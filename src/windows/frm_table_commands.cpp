@@ -42,8 +42,11 @@ void FrmTable::makeToolbar() {
     Toolbar1_->addSeparatorTo(view);
     Toolbar1_->add({"Reset", "Reset", "", false, "Reset"}, rebuild(&TableModel::reset), view);
     Toolbar1_->add({"Discard", "Discard Changes", "", false, "Discard"}, run([this] { discard(); }), view);
-    Toolbar1_->add({"Manage", "Manage", "Manage: comes with a later release", false, "Manage"}, {});
-    Toolbar1_->add({"Print", "Print", "Print: comes with a later release", false, "Print"}, {});
+    addCellCommands();
+    addCompareCommands();
+    Toolbar1_->add({"Manage", "Manage", "Manage: to the place of this table in the tree", false, "Manage"},
+                   run([this] { manage(); }));
+    Toolbar1_->add({"Print", "Print", "Print this table", false, "Print"}, run([this] { print(); }));
     Toolbar1_->add({"Docking", "Undock        ",
                     "Undock, or dock: a window of its own, or inside the main window", false, "Undock"},
                    run([this] { toggleDocking(); }));
@@ -51,7 +54,19 @@ void FrmTable::makeToolbar() {
     Toolbar1_->explain(overlay, "Overlay: colors and trail of the engine (Shift+O)");
     Toolbar1_->explain(view,
                        "View: absolute (Shift+A), pulse width (Shift+P), duty cycle (Shift+D), and more");
+    Toolbar1_->add({"Keys", "Keys", "The keys of the table (? or F1)", false, "Keys"},
+                   run([this] { showKeys(); }));
     Toolbar1_->addFields();
+    connect(Toolbar1_, &TableToolbar::axisPicked, this, [this](const QString& key) {
+        inOrder("New axis", [this, picked = key.toStdString()] {
+            if (!model_ || !axesAgreed()) return;
+            closeEdit();
+            const auto refused = model_->pickAxis(picked);
+            session_.markModified();
+            rebuilt(refused);
+            tellOthers();
+        });
+    });
 }
 
 void FrmTable::inOrder(const QString& caption, const std::function<void()>& command) {

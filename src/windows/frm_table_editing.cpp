@@ -1,9 +1,11 @@
 // What the user types, pastes and enters in the table window, and the boxes about it.
 #include <QApplication>
 #include <QClipboard>
+#include <QLocale>
 #include <QMenu>
 #include <QPointer>
 #include <QTimer>
+#include <map>
 
 #include "qt/enter_key.h"
 #include "qt/field_focus.h"
@@ -16,11 +18,20 @@ namespace {
 constexpr auto popupName = "mnuPopupTable";
 constexpr auto headerBoxTitle = "Table Setup";
 
+/// Those of the user's country, as the spreadsheet beside this program has them.
+TableEditor::Decimals spreadsheetDecimals() {
+    return QLocale().decimalPoint() == QLatin1String(",") ? TableEditor::Decimals::CommaToo
+                                                          : TableEditor::Decimals::Point;
+}
+
 }  // namespace
 
 // ---- Keys
 
 void FrmTable::pressed(char key) {
+    if (key == '?') return showKeys();
+    if (FormulaLine::opens(key) && model_->estimates().showsValues())
+        return openFormula(QString(QLatin1Char(key)));
     switch (model_->keyOnGrid(key)) {
         case KeyResult::Unload:
             close();
@@ -91,6 +102,7 @@ bool FrmTable::finishEntry() {
     for (QLineEdit* field : {txtTOG(), txtIOT()}) {
         if (timeBeingTyped(*field) && !takeTime(field)) return false;
     }
+    if (!txtFormula_->isHidden() && !commitFormula()) return false;
     if (txtInputValue_->isHidden()) return true;
     if (txtInputValue_->holdsEntry()) return commitEdit();
     closeEdit();
@@ -181,13 +193,14 @@ void FrmTable::headerDoubleClicked(int row, int column) {
 }
 
 void FrmTable::copy() {
-    QApplication::clipboard()->setText(
-        QString::fromStdString(model_->editor().clip()).replace(QLatin1Char('\r'), QLatin1Char('\n')));
+    QApplication::clipboard()->setText(QString::fromStdString(model_->editor().clip(spreadsheetDecimals()))
+                                           .replace(QLatin1Char('\r'), QLatin1Char('\n')));
 }
 
 void FrmTable::paste() {
     const int written = model_->sheet().cellsWritten();
-    const auto refused = model_->editor().paste(QApplication::clipboard()->text().toStdString());
+    const auto refused =
+        model_->editor().paste(QApplication::clipboard()->text().toStdString(), spreadsheetDecimals());
     markIfWritten(written);
     showAll();
     tell(refused);
@@ -209,10 +222,21 @@ void FrmTable::showPopup(const QPoint& place) {
     const QModelIndex cell = Grid1_->indexAt(place);
     if (cell.isValid() && !model_->cursor().selection().present) Grid1_->setCurrentIndex(cell);
     const PopupItems items = model_->popupItems();
+    const bool values = model_->estimates().showsValues();
+    const std::map<QString, bool> enabled{{"mnuNewCol", items.newColumn},
+                                          {"mnuNewRow", items.newRow},
+                                          {"mnuRmvCol", items.removeColumn},
+                                          {"mnuRmvRow", items.removeRow}};
     for (QAction* entry : popup->actions()) {
         const QString name = entry->menu() != nullptr ? entry->menu()->objectName() : entry->objectName();
-        if (name == "mnuInterpolate" || name == "mnuSmooth") entry->setVisible(items.interpolateAndSmooth);
-        if (name.startsWith("mnuNew") || name.startsWith("mnuRmv")) entry->setVisible(items.rowsAndColumns);
+        if (name == "mnuInterpolate" || name == "mnuSmooth") {
+            entry->setVisible(items.interpolateAndSmooth);
+            entry->setEnabled(values);
+        }
+        const auto line = enabled.find(name);
+        if (line == enabled.end()) continue;
+        entry->setVisible(items.rowsAndColumns);
+        entry->setEnabled(line->second && values);
     }
     popup->popup(Grid1_->viewport()->mapToGlobal(place));
 }
@@ -254,10 +278,7 @@ bool FrmTable::takeTime(QLineEdit* field) {
     field->setText(qString(entered ? storedTime(*field) : before));
     if (entered) {
         session_.markModified();
-        ownChange_ =
-            true;  // the table shows it already, and a new build would lose what "Discard" brings back
-        session_.windows().tell(&WindowNews::showUnit);
-        ownChange_ = false;
+        tellOthers();
     } else if (!QString::fromStdString(typed).trimmed().isEmpty()) {
         // From the event loop, as the focus may be on its way to another control at this moment.
         QTimer::singleShot(0, field, [field] { field->setFocus(); });

@@ -29,6 +29,8 @@ namespace {
 
 /// It waits for nothing.
 constexpr std::string_view killEngine = "mnuMonitor_KillEngine";
+/// Of the table's window, which does what it offers.
+constexpr std::string_view tablePopup = "mnuPopupTable";
 
 /// The instruments' share of the frame's height before the user has moved the splitter.
 constexpr int abovePercent = 26;
@@ -256,6 +258,8 @@ void MdiMain::enableToolbar(bool on) {
 
 bool MdiMain::enabled(const Entry& entry) const {
     if (!commandsOn_) return false;
+    // The table that opens the pop-up says what of it can be done.
+    if (entry.data->parent == tablePopup) return entry.action->isEnabled();
     return entry.data->enabled != nullptr ? entry.data->enabled(session_) : entry.action->menu() != nullptr;
 }
 
@@ -331,9 +335,17 @@ void MdiMain::perform(std::string_view entry) {
     const Entry* row = find(entry);
     if (row != nullptr && row->data->run != nullptr) return row->data->run(commands_);
     if (row != nullptr && !row->data->window.empty()) return openWindow(*row->data);
+    if (row != nullptr && ofTablePopup(*row->data))
+        return session_.windows().tell(&WindowNews::tableCommand, std::string(entry));
     if (entry == "mnuExit") kernel_.System_Shutdown(false);
     if (entry == "mnuAbout") about();
     editCommand(entry, QApplication::focusWidget());
+}
+
+bool MdiMain::ofTablePopup(const MenuEntry& entry) const {
+    if (entry.parent == tablePopup) return true;
+    const Entry* above = find(entry.parent);
+    return above != nullptr && above->data->parent == tablePopup;
 }
 
 void MdiMain::openWindow(const MenuEntry& entry) {

@@ -48,6 +48,7 @@ class MdiMain : public QMainWindow, public Form {
         refresh();
     }
     void look(bool day) override;
+    void cellContextChanged() override { showStates(); }
     void foldsChanged() override;
     void restoreLayout() override { restoreSplitters(*this); }
     void windowClosed() override { refresh(); }
@@ -84,6 +85,7 @@ class MdiMain : public QMainWindow, public Form {
     void somebodyIsThere();
     void pressed(const StripRow& row);
     void perform(std::string_view entry);
+    bool ofTablePopup(const MenuEntry& entry) const;
     void openWindow(const MenuEntry& entry);
     void fillRecent(QMenu& menu);
     void about();

@@ -37,6 +37,7 @@ void TableCellPainter::paint(QPainter* painter, const QStyleOptionViewItem& opti
     painter->drawText(option.rect.adjusted(0, 0, -gap, 0),
                       Qt::AlignRight | Qt::AlignVCenter | Qt::TextDontClip,
                       index.data(Qt::DisplayRole).toString());
+    drawNote(*painter, option, view_.cells().note(index), back);
     const QColor wanted = keyboard ? look.focus : look.edge;
     const QColor frame = outlineFor(wanted, back).value_or(wanted);
     const int width = keyboard ? edgeWidth(option.fontMetrics) : 1;
@@ -48,6 +49,31 @@ void TableCellPainter::paint(QPainter* painter, const QStyleOptionViewItem& opti
     painter->setPen(QPen(frame, width, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
     painter->setBrush(Qt::NoBrush);
     painter->drawRect(option.rect.adjusted(inset, inset, -width + inset, -width + inset));
+}
+
+// A triangle in the upper corner where the value is higher than the other one, in the lower one where it is
+// lower; the number beside it where the cell has the room.
+void TableCellPainter::drawNote(QPainter& painter, const QStyleOptionViewItem& option, const QString& note,
+                                const QColor& ground) const {
+    if (note.isEmpty()) return;
+    const QRect cell = option.rect;
+    const int size = space(option.fontMetrics, Space::Line) + edgeWidth(option.fontMetrics);
+    const bool lower = note.startsWith(QLatin1Char('-'));
+    const QPoint corner = lower ? cell.bottomLeft() + QPoint(0, 1) : cell.topLeft();
+    const QPolygon triangle({corner, corner + QPoint(size, 0), corner + QPoint(0, lower ? -size : size)});
+    const QColor ink = outlineFor(view_.colors().changed, ground).value_or(view_.colors().changed);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(ink);
+    painter.drawPolygon(triangle);
+    const QFont small = typeFont(Type::Remark);
+    const QFontMetrics metrics(small);
+    const int needed = option.fontMetrics.horizontalAdvance(QStringLiteral("-00.0")) +
+                       metrics.horizontalAdvance(note) + 2 * size;
+    if (needed > cell.width()) return;
+    painter.setFont(small);
+    painter.setPen(QColor::fromRgb(cellInk(plain(ground), plain(view_.colors().text))));
+    painter.drawText(cell.adjusted(size, 0, 0, 0), Qt::AlignLeft | (lower ? Qt::AlignBottom : Qt::AlignTop),
+                     note);
 }
 
 // A tint alone is lost on the colors of the mixture and of the trail, and a number that is typed goes into

@@ -23,7 +23,8 @@ constexpr auto undockCaption = "Undock        ";
 constexpr auto widestReading = "Table Adv";
 
 /// Who keeps its caption longest where room is short.
-constexpr std::array mostUsed{"Save", "View", "Overlay", "Home", "Close", "Docking", "Print", "Manage"};
+constexpr std::array mostUsed{"Save",  "Cells",   "View", "Compare", "Overlay", "Home",
+                              "Close", "Docking", "Keys", "Print",   "Manage"};
 
 }  // namespace
 
@@ -97,6 +98,39 @@ void TableToolbar::add(const Item& item, std::function<void(const QString& capti
     actions_[item.key] = action;
 }
 
+void TableToolbar::addNamed(const QString& name, const QString& caption,
+                            std::function<void(const QString& caption)> run, const char* menuName) {
+    auto* action = named(new QAction(caption, this), name);
+    menu(menuName)->addAction(action);
+    const QString shown = caption.section(u'\t', 0, 0).remove(u'&');
+    connect(action, &QAction::triggered, this, [run = std::move(run), shown] { run(shown); });
+    actions_[name] = action;
+}
+
+QToolButton* TableToolbar::makeAxisButton(char axis, QWidget* parent) {
+    const bool columns = axis == 'X';
+    const QString name = columns ? "X" : "Y";
+    auto* made = named(new QToolButton(parent), "Toolbar1_" + name,
+                       columns ? "What the columns stand for" : "What the rows stand for");
+    made->setFocusPolicy(Qt::TabFocus);
+    made->setPopupMode(QToolButton::InstantPopup);
+    made->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    made->setToolTip(columns ? "What the columns of this table stand for"
+                             : "What the rows of this table stand for");
+    auto* kinds = named(new QMenu(made), "mnuAxis" + name, made->accessibleName());
+    int longest = 0;
+    for (const AxisKind& kind : axisKinds()) {
+        const QString kindName = qString(kind.name);
+        QAction* entry = named(kinds->addAction(kindName), name + "_" + kindName);
+        entry->setCheckable(true);
+        connect(entry, &QAction::triggered, this, [this, entry] { Q_EMIT axisPicked(entry->objectName()); });
+        longest = std::max(longest, made->fontMetrics().horizontalAdvance(name + ": " + kindName));
+    }
+    made->setMenu(kinds);
+    made->setMinimumWidth(longest + 3 * space(made->fontMetrics(), Space::Normal));
+    return made;
+}
+
 QToolButton* TableToolbar::button(const QString& name) const {
     return findChild<QToolButton*>("Toolbar1_" + name, Qt::FindDirectChildrenOnly);
 }
@@ -128,8 +162,15 @@ void TableToolbar::addFields() {
         row->addWidget(made);
         return made;
     };
-    label("Label2", "x-axis");
+    timesOrAxes_ = new QStackedLayout;
+    row->addLayout(timesOrAxes_);
+    auto* times = new QWidget(fields);
+    auto* timesRow = new QHBoxLayout(times);
+    timesRow->setContentsMargins(0, 0, 0, 0);
+    timesRow->setSpacing(space(fontMetrics(), Space::Tight));
+    timesRow->addWidget(label("Label2", "x-axis"));
     lblAcross_ = label("lblAcross", {});
+    timesRow->addWidget(lblAcross_);
     lblAcross_->setFont(typeFont(Type::Strong));
     // The room of the longest: what stands beside it keeps its place from table to table.
     int longest = 0;
@@ -138,10 +179,20 @@ void TableToolbar::addFields() {
     lblAcross_->setMinimumWidth(longest);
     lblTOG_ = label("lblTOG", "TOG:");
     txtTOG_ = makeTimeField("txtTOG", "scale1", "helptog");
-    row->addWidget(txtTOG_);
     lblIOT_ = label("lblIOT", "IOT:");
     txtIOT_ = makeTimeField("txtIOT", "INJ_On", "helptiot");
-    row->addWidget(txtIOT_);
+    for (QWidget* field : std::initializer_list<QWidget*>{lblTOG_, txtTOG_, lblIOT_, txtIOT_})
+        timesRow->addWidget(field);
+    timesOrAxes_->addWidget(times);
+    auto* axes = new QWidget(fields);
+    auto* axesRow = new QHBoxLayout(axes);
+    axesRow->setContentsMargins(0, 0, 0, 0);
+    axesRow->setSpacing(space(fontMetrics(), Space::Tight));
+    columnAxis_ = makeAxisButton('X', axes);
+    rowAxis_ = makeAxisButton('Y', axes);
+    axesRow->addWidget(columnAxis_);
+    axesRow->addWidget(rowAxis_);
+    timesOrAxes_->addWidget(axes);
     lblDspTable_ = label("lblDspTable", {});
     lblDspTableVal_ = label("lblDspTableVal", {});
     lblDspTableVal_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -226,6 +277,11 @@ void TableToolbar::showItems(TableModel& model, bool docked) {
     for (QWidget* field : std::initializer_list<QWidget*>{lblTOG_, txtTOG_, lblIOT_, txtIOT_}) {
         field->setVisible(items.fuelViews);
     }
+    showAxes(items);
+    action("CompareOpened")->setChecked(model.comparison().name() == "as opened");
+    action("Difference")->setEnabled(model.comparison().on());
+    action("Difference")->setChecked(view == TableView::Difference);
+    action("CompareOff")->setEnabled(model.comparison().on());
     action("Colors")->setText(qString(items.overlayItem));
     action("Absolute")->setVisible(model.sheet().kind().absolute.has_value());
     action("Absolute")->setChecked(model.sheet().absoluteVe());
@@ -242,6 +298,17 @@ void TableToolbar::showItems(TableModel& model, bool docked) {
     lblDspTable_->setText(qString(items.displayCaption));
     lblDspTable_->setVisible(!items.displayCaption.empty());
     lblDspTableVal_->setVisible(!items.displayCaption.empty());
+}
+
+void TableToolbar::showAxes(const ToolbarItems& items) {
+    timesOrAxes_->setCurrentIndex(items.axisButtons ? 1 : 0);
+    const auto show = [](QToolButton& button, const std::string& caption) {
+        button.setText(qString(caption));
+        const QString kind = qString(caption).mid(3);
+        for (QAction* entry : button.menu()->actions()) entry->setChecked(entry->text() == kind);
+    };
+    show(*columnAxis_, items.columnAxis);
+    show(*rowAxis_, items.rowAxis);
 }
 
 void TableToolbar::showReading(const TableKind& table, const LiveValues& live) {

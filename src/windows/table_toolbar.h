@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QStackedLayout>
 #include <QToolButton>
 #include <QWidget>
 #include <array>
@@ -36,6 +37,9 @@ class TableToolbar : public QWidget {
     /// A button, or an item of the menu behind a button of that name. Without a command it comes with a later
     /// release.
     void add(const Item& item, std::function<void(const QString& caption)> run, const char* menu = nullptr);
+    /// The same for names and captions that are made; always an item of a menu.
+    void addNamed(const QString& name, const QString& caption,
+                  std::function<void(const QString& caption)> run, const char* menuName);
     void addSeparatorTo(const char* menuName) { menus_.at(menuName)->addSeparator(); }
     /// The tip of the button of a menu.
     void explain(const char* menuName, const QString& tip);
@@ -53,6 +57,10 @@ class TableToolbar : public QWidget {
     /// The live value of the table.
     void showReading(const TableKind& table, const LiveValues& live);
 
+ Q_SIGNALS:
+    /// "X_RPM", "Y_CLT": another kind for an axis of an output table.
+    void axisPicked(const QString& key);
+
  protected:
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
@@ -64,6 +72,8 @@ class TableToolbar : public QWidget {
     void fit();
     QLineEdit* makeTimeField(const char* name, const char* member, const char* helpKey);
     QMenu* menu(const char* name);
+    QToolButton* makeAxisButton(char axis, QWidget* parent);
+    void showAxes(const ToolbarItems& items);
 
     std::vector<QToolButton*> buttons_;
     std::vector<QToolButton*> byUse_;  ///< the same, the most used ones first
@@ -74,7 +84,10 @@ class TableToolbar : public QWidget {
     QWidget* fields_ = nullptr;
     QLabel* lblDspTable_ = nullptr;
     QLabel* lblDspTableVal_ = nullptr;
-    QLabel* lblAcross_ = nullptr;  ///< behind "x-axis"
+    QLabel* lblAcross_ = nullptr;            ///< behind "x-axis"
+    QStackedLayout* timesOrAxes_ = nullptr;  ///< a table has one or the other, in the same room
+    QToolButton* columnAxis_ = nullptr;
+    QToolButton* rowAxis_ = nullptr;
     QLabel* lblTOG_ = nullptr;
     QLabel* lblIOT_ = nullptr;
     QLineEdit* txtTOG_ = nullptr;

@@ -82,6 +82,7 @@ QVariant TableGridModel::data(const QModelIndex& index, int role) const {
     if (grid_ == nullptr || !grid_->hasCell(index.row() + 1, index.column() + 1)) return {};
     if (role == Qt::DisplayRole)
         return QString::fromStdString(grid_->text(index.row() + 1, index.column() + 1));
+    if (role == Qt::AccessibleTextRole && words_) return words_(index.row() + 1, index.column() + 1);
     if (role == Qt::AccessibleTextRole) {
         return QStringLiteral("%1, column %2, row %3")
             .arg(data(index, Qt::DisplayRole).toString(),
@@ -97,6 +98,11 @@ QVariant TableGridModel::headerData(int section, Qt::Orientation orientation, in
     if (role == Qt::TextAlignmentRole) return static_cast<int>(Qt::AlignRight | Qt::AlignVCenter);
     if (role != Qt::DisplayRole) return {};
     return QString::fromStdString(across ? grid_->text(0, section + 1) : grid_->text(section + 1, 0));
+}
+
+QString TableGridModel::note(const QModelIndex& index) const {
+    if (grid_ == nullptr || !grid_->hasCell(index.row() + 1, index.column() + 1)) return {};
+    return qString(grid_->note(index.row() + 1, index.column() + 1));
 }
 
 std::int32_t TableGridModel::colour(const QModelIndex& index) const {

@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QPersistentModelIndex>
 #include <QTableView>
+#include <functional>
 
 #include "qt/look.h"
 #include "windows/table_marker.h"
@@ -34,6 +35,10 @@ class TableGridModel : public QAbstractTableModel {
     QVariant data(const QModelIndex& index, int role) const override;
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
+    /// What a screen reader says of a cell, by row and column of the grid.
+    void speakBy(std::function<QString(int row, int column)> words) { words_ = std::move(words); }
+    /// What stands in the corner of a cell.
+    QString note(const QModelIndex& index) const;
     /// The core's colour number of a cell: red + 256 * green + 65536 * blue.
     std::int32_t colour(const QModelIndex& index) const;
     /// How far the trail in it has faded, as TableGrid has it.
@@ -41,6 +46,7 @@ class TableGridModel : public QAbstractTableModel {
 
  private:
     const TableGrid* grid_ = nullptr;
+    std::function<QString(int row, int column)> words_;
     int rows_ = 0;
     int columns_ = 0;
 };
@@ -52,6 +58,7 @@ class TableGridView : public QTableView {
     explicit TableGridView(QWidget* parent);
 
     TableGridModel& cells() { return *cells_; }
+    const TableGridModel& cells() const { return *cells_; }
     void setMode(DisplayMode mode);
     const LookColors& colors() const { return colors_; }
     /// What a cell looks like, without selection.

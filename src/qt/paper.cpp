@@ -1,0 +1,85 @@
+#include "qt/paper.h"
+
+#include <QPrintDialog>
+#include <QPrinter>
+#include <algorithm>
+
+#include "qt/look.h"
+
+namespace zentaq {
+
+namespace {
+
+constexpr int headingLines = 3;
+constexpr double fill = 0.62;  ///< of a cell's height that its digits take
+
+QString headerOf(const QAbstractItemModel& table, int section, Qt::Orientation orientation) {
+    return table.headerData(section, orientation, Qt::DisplayRole).toString();
+}
+
+int longestText(const QAbstractItemModel& table) {
+    qsizetype longest = 1;
+    for (int row = 0; row < table.rowCount(); ++row) {
+        longest = std::max(longest, headerOf(table, row, Qt::Vertical).size());
+        for (int column = 0; column < table.columnCount(); ++column)
+            longest = std::max(longest, table.index(row, column).data(Qt::DisplayRole).toString().size());
+    }
+    for (int column = 0; column < table.columnCount(); ++column)
+        longest = std::max(longest, headerOf(table, column, Qt::Horizontal).size());
+    return static_cast<int>(longest);
+}
+
+}  // namespace
+
+void drawTable(QPainter& painter, const QRect& page, const QAbstractItemModel& table, const QString& title,
+               const QString& file) {
+    const int rows = table.rowCount() + 1;
+    const int columns = table.columnCount() + 1;
+    const int width = page.width() / columns;
+    // A digit is about half as wide as it is high.
+    const int byWidth = static_cast<int>(width / (0.65 * (longestText(table) + 1)) / fill);
+    const int height = std::min(page.height() / (rows + headingLines), std::max(byWidth, 1));
+    QFont font = typeFont(Type::Body);
+    font.setPixelSize(std::max(1, static_cast<int>(height * fill)));
+    painter.fillRect(page, Qt::white);
+    painter.setPen(Qt::black);
+    QFont heading = font;
+    heading.setBold(true);
+    painter.setFont(heading);
+    const QRect line(page.left(), page.top(), page.width(), height);
+    painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter, title);
+    painter.setFont(font);
+    const QRect second = line.translated(0, height);
+    painter.drawText(second, Qt::AlignLeft | Qt::AlignVCenter,
+                     painter.fontMetrics().elidedText(file, Qt::ElideMiddle, second.width()));
+    const int top = page.top() + headingLines * height;
+    for (int row = 0; row < rows; ++row) {
+        for (int column = 0; column < columns; ++column) {
+            const QRect cell(page.left() + column * width, top + row * height, width, height);
+            const bool header = row == 0 || column == 0;
+            painter.setFont(header ? heading : font);
+            painter.setPen(Qt::gray);
+            painter.drawRect(cell);
+            painter.setPen(Qt::black);
+            QString text;
+            if (row == 0 && column > 0) text = headerOf(table, column - 1, Qt::Horizontal);
+            if (column == 0 && row > 0) text = headerOf(table, row - 1, Qt::Vertical);
+            if (!header) text = table.index(row - 1, column - 1).data(Qt::DisplayRole).toString();
+            painter.drawText(cell.adjusted(0, 0, -height / 5, 0), Qt::AlignRight | Qt::AlignVCenter, text);
+        }
+    }
+}
+
+bool printTable(const QAbstractItemModel& table, const QString& title, const QString& file, QWidget* owner) {
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setDocName(title);
+    printer.setPageOrientation(QPageLayout::Landscape);
+    QPrintDialog dialog(&printer, owner);
+    if (dialog.exec() != QDialog::Accepted) return false;
+    QPainter painter(&printer);
+    if (!painter.isActive()) return false;
+    drawTable(painter, painter.viewport(), table, title, file);
+    return true;
+}
+
+}  // namespace zentaq
