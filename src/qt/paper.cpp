@@ -41,8 +41,10 @@ void drawTable(QPainter& painter, const QRect& page, const QAbstractItemModel& t
     const int height = std::min(page.height() / (rows + headingLines), std::max(byWidth, 1));
     QFont font = typeFont(Type::Body);
     font.setPixelSize(std::max(1, static_cast<int>(height * fill)));
-    painter.fillRect(page, Qt::white);
-    painter.setPen(Qt::black);
+    // Paper is white, as the surface is by day.
+    const LookColors look = lookColors(DisplayMode::Day);
+    painter.fillRect(page, look.surface);
+    painter.setPen(look.text);
     QFont heading = font;
     heading.setBold(true);
     painter.setFont(heading);
@@ -58,9 +60,9 @@ void drawTable(QPainter& painter, const QRect& page, const QAbstractItemModel& t
             const QRect cell(page.left() + column * width, top + row * height, width, height);
             const bool header = row == 0 || column == 0;
             painter.setFont(header ? heading : font);
-            painter.setPen(Qt::gray);
+            painter.setPen(look.border);
             painter.drawRect(cell);
-            painter.setPen(Qt::black);
+            painter.setPen(look.text);
             QString text;
             if (row == 0 && column > 0) text = headerOf(table, column - 1, Qt::Horizontal);
             if (column == 0 && row > 0) text = headerOf(table, row - 1, Qt::Vertical);

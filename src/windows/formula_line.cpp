@@ -24,7 +24,7 @@ FormulaLine::FormulaLine(TableGridView& grid) : QLineEdit(grid.viewport()), grid
 }
 
 void FormulaLine::open(const QString& text, int row, int column) {
-    setFont(valueFont(1));
+    setFont(valueFont());
     setText(text);
     const QRect cell = grid_.cellRect(row, column);
     const int width = fontMetrics().horizontalAdvance(forms) + 4 * fontMetrics().averageCharWidth();

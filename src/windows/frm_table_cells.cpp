@@ -21,7 +21,7 @@ namespace zentaq {
 namespace {
 
 constexpr auto cellsMenu = "Cells";
-constexpr auto compareMenu = "Compare";
+constexpr auto compareMenu = "View";
 
 QString bare(std::string_view caption) {
     return qString(caption).remove(u'&');
@@ -60,17 +60,23 @@ void FrmTable::addCellCommands() {
     add("mnuRebin", "&New Axes...", "Ctrl+R", [this] { rebin(); });
     add("mnuHeaderColumn", "New Column &Header...", "Ctrl+H", [this] { newHeader(true); });
     add("mnuHeaderRow", "New Row Header...", "Ctrl+Shift+H", [this] { newHeader(false); });
+    Toolbar1_->addSeparatorTo(cellsMenu);
+    Toolbar1_->addNamed(
+        "Keys", "&Keys of the Table\t?",
+        [this](const QString& shown) { inOrder(shown, [this] { showKeys(); }); }, cellsMenu);
     Toolbar1_->explain(cellsMenu,
                        "Cells: fill, smooth, change and copy the selected cells, rows and columns, axes");
 }
 
 void FrmTable::addCompareCommands() {
+    Toolbar1_->addSeparatorTo(compareMenu);
     const auto run = [this](const std::function<void()>& command) {
         return [this, command](const QString& shown) { inOrder(shown, command); };
     };
-    Toolbar1_->add({"CompareFile", "With Another &File..."}, run([this] { compareFile(); }), compareMenu);
-    Toolbar1_->add({"CompareOpened", "With It As &Opened", "", true}, run([this] { compareOpened(); }),
+    Toolbar1_->add({"CompareFile", "Compare With Another &File..."}, run([this] { compareFile(); }),
                    compareMenu);
+    Toolbar1_->add({"CompareOpened", "Compare With It As &Opened", "", true},
+                   run([this] { compareOpened(); }), compareMenu);
     const auto difference = [this] {
         if (!model_) return;
         if (!model_->comparison().on()) {
@@ -84,7 +90,6 @@ void FrmTable::addCompareCommands() {
     Toolbar1_->add({"Difference", "Show &Differences\tCtrl+Shift+D", "", true}, run(difference), compareMenu);
     addKey("Difference", "Ctrl+Shift+D", difference);
     Toolbar1_->add({"CompareOff", "&Compare No More"}, run([this] { compareNoMore(); }), compareMenu);
-    Toolbar1_->explain(compareMenu, "Compare with another calibration, or with this one as it was opened");
 }
 
 // ---- Commands of the rows

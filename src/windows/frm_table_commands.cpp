@@ -52,10 +52,8 @@ void FrmTable::makeToolbar() {
                    run([this] { toggleDocking(); }));
     Toolbar1_->add({"Close", "Close", "Close the table (Shift+X)", false, "Close"}, run([this] { close(); }));
     Toolbar1_->explain(overlay, "Overlay: colors and trail of the engine (Shift+O)");
-    Toolbar1_->explain(view,
-                       "View: absolute (Shift+A), pulse width (Shift+P), duty cycle (Shift+D), and more");
-    Toolbar1_->add({"Keys", "Keys", "The keys of the table (? or F1)", false, "Keys"},
-                   run([this] { showKeys(); }));
+    Toolbar1_->explain(
+        view, "View: absolute (Shift+A), pulse width (Shift+P), duty cycle (Shift+D), comparing, and more");
     Toolbar1_->addFields();
     connect(Toolbar1_, &TableToolbar::axisPicked, this, [this](const QString& key) {
         inOrder("New axis", [this, picked = key.toStdString()] {

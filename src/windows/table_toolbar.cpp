@@ -23,8 +23,8 @@ constexpr auto undockCaption = "Undock        ";
 constexpr auto widestReading = "Table Adv";
 
 /// Who keeps its caption longest where room is short.
-constexpr std::array mostUsed{"Save",  "Cells",   "View", "Compare", "Overlay", "Home",
-                              "Close", "Docking", "Keys", "Print",   "Manage"};
+constexpr std::array mostUsed{"Save",  "Cells",   "View",  "Overlay", "Home",
+                              "Close", "Docking", "Print", "Manage"};
 
 }  // namespace
 
@@ -172,11 +172,6 @@ void TableToolbar::addFields() {
     lblAcross_ = label("lblAcross", {});
     timesRow->addWidget(lblAcross_);
     lblAcross_->setFont(typeFont(Type::Strong));
-    // The room of the longest: what stands beside it keeps its place from table to table.
-    int longest = 0;
-    for (const AxisKind& kind : axisKinds())
-        longest = std::max(longest, lblAcross_->fontMetrics().horizontalAdvance(qString(kind.name)));
-    lblAcross_->setMinimumWidth(longest);
     lblTOG_ = label("lblTOG", "TOG:");
     txtTOG_ = makeTimeField("txtTOG", "scale1", "helptog");
     lblIOT_ = label("lblIOT", "IOT:");

@@ -20,6 +20,7 @@
 #include "tables/heat_scale.h"
 #include "tables/table_badges.h"
 #include "windows/cell_box.h"
+#include "windows/formula_line.h"
 #include "windows/frm_config_console.h"
 #include "windows/frm_config_link_panel.h"
 #include "windows/frm_config_page_view.h"
@@ -145,6 +146,7 @@ std::vector<StripFacts> stripStates() {
     linked.model = "ORB A";
     linked.file = "tune.ZQ4OA";
     std::fill(all.begin() + 4, all.end(), linked);
+    all[4].cell = "33.1 kPa, 875 RPM: -21 % (-50 to 50%)";
     all[1].adapterAway = true;
     all[2].portOpen = true;
     all[3].searching = true;
@@ -224,6 +226,11 @@ void OwnWidgets::addTables(QStyle& posing) {
         connect(table, &TableGridView::resized, box, [box] { box->place({2, 3}); });
         row->addWidget(table);
     }
+    auto* table = addTable(posing, "Line for many cells", false);
+    auto* line = new FormulaLine(*table);
+    followers_.emplace_back([line](DisplayMode mode) { line->setMode(mode); });
+    connect(table, &TableGridView::resized, line, [line] { line->open("*1.05", 2, 3); });
+    row->addWidget(table);
     column_->addLayout(row);
 }
 
