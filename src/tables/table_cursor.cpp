@@ -20,6 +20,11 @@ void TableCursor::select(int row, int column, int rowSel, int colSel) {
     selection_.present = row != rowSel || column != colSel;
 }
 
+void TableCursor::selectAround(GridCell cell, const Selection& block) {
+    select(block.top, block.left, block.bottom, block.right);
+    if (grid_.hasCell(cell.row, cell.column)) cell_ = cell;
+}
+
 void TableCursor::leaveHeaders() {
     if (selection_.top == 0 || selection_.left == 0) selectCell();
 }

@@ -36,6 +36,8 @@ class TableCursor {
     bool moveTo(int row, int column);
     /// Corners in any order.
     void select(int row, int column, int rowSel, int colSel);
+    /// A block with the cursor anywhere in it, as a whole line has it.
+    void selectAround(GridCell cell, const Selection& block);
     /// A command on the block has ended: the block stays, and what asks for a selection finds none.
     void forgetBlock() { selection_.present = false; }
     /// A block that reaches into the headers is none.

@@ -259,10 +259,8 @@ void FrmTable::selectionChanged() {
         return tellContext(true);
     }
     const QItemSelectionRange& block = chosen.first();
-    // The corner across from the current cell; between two corners the far one makes the block.
-    const int otherRow = row == block.top() + 1 ? block.bottom() + 1 : block.top() + 1;
-    const int otherColumn = column == block.left() + 1 ? block.right() + 1 : block.left() + 1;
-    model_->cursor().select(row, column, otherRow, otherColumn);
+    model_->cursor().selectAround({row, column},
+                                  {block.top() + 1, block.bottom() + 1, block.left() + 1, block.right() + 1});
     tellContext(true);
 }
 

@@ -297,7 +297,7 @@ void FrmTable::compareWith(const std::optional<ComparedCalibration>& other) {
         return;
     }
     session_.sysLog("TABLE: Not compared: " + why);
-    session_.dialogs().show({"Compare", "The table is not compared with " + other->name + ".\n" + why + ".",
+    session_.dialogs().show({"Compare", "The table is not compared (" + other->name + ").\n" + why + ".",
                              Icon::Exclamation, Buttons::Ok});
 }
 

@@ -168,6 +168,8 @@ void MdiMain::pressed(const StripRow& row) {
     if (!commandsOn_) return;
     if (row.part == StripPart::Notice) {
         session_.notices.dismiss(session_.platform().clock.monotonicUs());
+    } else if (row.part == StripPart::Cell) {
+        session_.windows().focus(window::table);
     } else if (!row.command.empty()) {
         run(row.command);
     } else {

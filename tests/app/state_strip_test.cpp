@@ -190,15 +190,18 @@ TEST(StateStrip, EveryPartHasANameOfItsOwnAMeaningAndSomewhereToGo) {
     facts.changesNotStored = facts.modified = facts.zeroAdvance = facts.saving = true;
     facts.framesCome = false;
     facts.notice = "Told.";
+    facts.cell = "20 kPa, 500 RPM: 4 %";
+    facts.cellState = "The cell in hand.";
     std::set<std::string_view> names;
     for (const StripRow& one : stripRows(facts)) {
         names.insert(stripName(one.part));
         EXPECT_FALSE(one.text.empty()) << stripName(one.part);
         EXPECT_FALSE(one.meaning.empty()) << one.text;
-        if (one.part == StripPart::Notice) continue;
+        // A message is put away, and a cell is gone to.
+        if (one.part == StripPart::Notice || one.part == StripPart::Cell) continue;
         EXPECT_NE(one.command.empty(), one.topic.empty()) << one.text;
     }
-    EXPECT_EQ(names.size(), 10u);
+    EXPECT_EQ(names.size(), 11u);
 }
 
 TEST(StateStrip, CommandsAreEntriesOfTheMenu) {
@@ -230,27 +233,27 @@ TEST(StateStrip, AMessageAndAnAlarmAreToldAtOnceAndOnceAndAStateIsNot) {
 
 // ---- Folding
 
-constexpr int allWide[] = {100, 100, 100, 100, 100, 100, 100, 100, 100, 100};
+constexpr int allWide[] = {100, 100, 100, 100, 100, 100, 100, 100, 100, 100, 100};
 
 TEST(StateStrip, FoldsNothingWhereAllHaveRoom) {
-    const auto folded = foldedParts(allWide, 10 * 100 + 9 * 5, 40, 5);
+    const auto folded = foldedParts(allWide, 11 * 100 + 10 * 5, 40, 5);
     EXPECT_EQ(std::ranges::count(folded, true), 0);
 }
 
 TEST(StateStrip, FoldsFirmwareFirstAndZeroAdvanceLast) {
-    const auto first = foldedParts(allWide, 10 * 100 + 9 * 5 - 1, 40, 5);
-    EXPECT_THAT(first, ElementsAre(false, false, false, false, false, false, false, false, false, true));
+    const auto first = foldedParts(allWide, 11 * 100 + 10 * 5 - 1, 40, 5);
+    EXPECT_THAT(first, ElementsAre(false, false, false, false, false, false, false, false, false, false, true));
     const auto most = foldedParts(allWide, 2 * 100 + 40 + 2 * 5, 40, 5);
-    EXPECT_THAT(most, ElementsAre(false, true, true, true, true, false, true, true, true, true))
+    EXPECT_THAT(most, ElementsAre(false, true, true, true, true, false, true, true, true, true, true))
         << "unit and zero advance stay";
     const auto least = foldedParts(allWide, 100 + 40 + 5, 40, 5);
-    EXPECT_THAT(least, ElementsAre(true, true, true, true, true, false, true, true, true, true));
+    EXPECT_THAT(least, ElementsAre(true, true, true, true, true, false, true, true, true, true, true));
 }
 
 TEST(StateStrip, APartThatSaysNothingIsNotFolded) {
-    const int widths[] = {100, 0, 0, 0, 0, 0, 0, 0, 100, 100};
+    const int widths[] = {100, 0, 0, 0, 0, 0, 0, 0, 100, 0, 100};
     const auto folded = foldedParts(widths, 250, 40, 5);
-    EXPECT_THAT(folded, ElementsAre(false, false, false, false, false, false, false, false, false, true));
+    EXPECT_THAT(folded, ElementsAre(false, false, false, false, false, false, false, false, false, false, true));
 }
 
 // ---- Of a session

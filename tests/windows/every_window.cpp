@@ -13,6 +13,7 @@
 #include "unit/gpio_functions.h"
 #include "windows/mdi_main_about.h"
 #include "windows/state_strip_view.h"
+#include "windows/table_windows_fixture.h"
 
 namespace zentaq {
 
@@ -259,6 +260,28 @@ void EveryWindowTest::about(const Look& look) {
     modal([&] { FrmAbout(fake.session, &windows.main()).exec(); }, look);
 }
 
+void EveryWindowTest::tableDialog(const char* command, const Look& look) {
+    mainWithTable([](QWidget&) {});
+    modal([&] { windows.table()->findChild<QAction*>(QLatin1String(command))->trigger(); }, look);
+}
+
+void EveryWindowTest::mainWithOutputTable(const Look& look) {
+    mainWithTable([](QWidget&) {});
+    windows.openTable("GPO1", "Full Table - Table#1");
+    settle();
+    look(windows.main());
+}
+
+void EveryWindowTest::mainWithComparison(const Look& look) {
+    mainWithTable([](QWidget&) {});
+    fake.session.noteOpened();
+    fake.session.currentUnitObject().set("VE", 12.5, 3);
+    windows.table()->Setup_Grid("", "");
+    windows.table()->findChild<QAction*>("CompareOpened")->trigger();
+    settle();
+    look(windows.main());
+}
+
 void EveryWindowTest::fileOpenPrompt(const Look& look) {
     maximiseMain();
     fake.dialogs.requests.clear();
@@ -313,6 +336,8 @@ const std::vector<ShownWindow>& everyWindow() {
         {"MainWindow", [](Program& p, const Look& look) { p.mainWindow(look); }},
         {"MainWithCalibration", [](Program& p, const Look& look) { p.mainWithCalibration(look); }},
         {"MainWithTable", [](Program& p, const Look& look) { p.mainWithTable(look); }},
+        {"MainWithOutputTable", [](Program& p, const Look& look) { p.mainWithOutputTable(look); }},
+        {"MainWithComparison", [](Program& p, const Look& look) { p.mainWithComparison(look); }},
         {"UndockedTable", [](Program& p, const Look& look) { p.undockedTable(look); }},
         {"MainWithSparkOnly", [](Program& p, const Look& look) { p.mainWithSparkOnly(look); }},
         {"MainInTrouble", [](Program& p, const Look& look) { p.mainInTrouble(look); }},
@@ -336,6 +361,8 @@ const std::vector<ShownWindow>& everyWindow() {
         {"FastHelp", [](Program& p, const Look& look) { p.fastHelp(look); }},
         {"Splash", [](Program& p, const Look& look) { p.splash(look); }},
         {"About", [](Program& p, const Look& look) { p.about(look); }},
+        {"NewAxes", [](Program& p, const Look& look) { p.tableDialog("mnuRebin", look); }},
+        {"KeysOfTheTable", [](Program& p, const Look& look) { p.tableDialog("Keys", look); }},
         {"FileOpenPrompt", [](Program& p, const Look& look) { p.fileOpenPrompt(look); }},
         {"FilePromptToSave", [](Program& p, const Look& look) { p.filePromptToSave(look); }},
         {"InputPrompt", [](Program& p, const Look& look) { p.inputPrompt(look); }},

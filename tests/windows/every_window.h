@@ -44,6 +44,9 @@ class EveryWindowTest : public WindowTest {
     void guideSearch(const Look& look);
     void fastHelp(const Look& look);
     void about(const Look& look);
+    void tableDialog(const char* command, const Look& look);
+    void mainWithOutputTable(const Look& look);
+    void mainWithComparison(const Look& look);
     void splash(const Look& look);
     void fileOpenPrompt(const Look& look);
     void filePromptToSave(const Look& look);

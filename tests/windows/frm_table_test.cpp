@@ -13,6 +13,7 @@
 #include <QScrollBar>
 #include <functional>
 
+#include "windows/key_press.h"
 #include "windows/table_windows_fixture.h"
 
 namespace zentaq {

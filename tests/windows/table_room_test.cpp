@@ -348,11 +348,21 @@ TEST_F(TableRoom, TheBarHasOneLineAndItsPlacesWhateverTheNameOfTheAxis) {
     auto* bar = form().findChild<QWidget*>("Toolbar1");
     const int height = bar->height();
     const QRect before = across->geometry();
-    EXPECT_GE(across->width(), across->fontMetrics().horizontalAdvance("ACTUAL AFR"));
     windows.main().run("mnuAdvTbl");
     settle();
     EXPECT_EQ(bar->height(), height);
     EXPECT_EQ(across->geometry(), before);
+    fake.session.windows().open(window::table, "GPO1", "Full Table - Table#1");
+    settle();
+    EXPECT_EQ(bar->height(), height) << "its axes stand where the times of a fuel table do";
+    auto* axis = form().findChild<QToolButton*>("Toolbar1_X");
+    const QRect room = axis->geometry();
+    unit().SET_TBL_AXIS_TYPE("GPO1", "COL-AXIS", "ACTUAL AFR");
+    form().Setup_Grid("", "");
+    settle();
+    EXPECT_EQ(axis->text(), "X: ACTUAL AFR");
+    EXPECT_EQ(axis->geometry(), room);
+    EXPECT_GE(axis->width(), axis->fontMetrics().horizontalAdvance(axis->text()));
 }
 
 TEST_F(TableRoom, TheLiveReadingHasItsColor) {
