@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -20,11 +21,17 @@ std::string plainText(double value, int significant) {
     if (std::isinf(value)) return value > 0 ? "Infinity" : "-Infinity";
     if (value == 0) return "0";
     // The digits and the exponent, from the scientific form: "d.ddde±xx".
-    const std::string scientific = fmt::format("{:.{}e}", std::fabs(value), significant - 1);
-    const auto mark = scientific.find('e');
-    std::string digits = scientific.substr(0, 1) + scientific.substr(2, mark - 2);
-    const int exponent = std::stoi(scientific.substr(mark + 1));
+    std::array<char, 40> scientific{};
+    const auto written = std::to_chars(scientific.data(), scientific.data() + scientific.size(),
+                                       std::fabs(value), std::chars_format::scientific, significant - 1);
+    const std::string_view form(scientific.data(), written.ptr);
+    const auto mark = form.find('e');
+    std::string digits(form.substr(0, 1));
+    digits += form.substr(2, mark - 2);
     while (digits.size() > 1 && digits.back() == '0') digits.pop_back();
+    int exponent = 0;
+    std::from_chars(form.data() + mark + 2, written.ptr, exponent);
+    if (form[mark + 1] == '-') exponent = -exponent;
 
     std::string text;
     if (exponent >= significant || exponent < -7) {
@@ -70,7 +77,8 @@ std::string formatNumber(double value, std::string_view pattern) {
     const double scale = powerOfTen(places);
     const double scaled = std::fabs(value) * scale;
     const double guarded = scaled < 1e15 ? std::floor(scaled + 0.5 + scaled * 1e-15) : scaled;
-    std::string digits = fmt::format("{:.0f}", guarded);
+    std::string digits =
+        guarded < 1e15 ? std::to_string(static_cast<std::int64_t>(guarded)) : fmt::format("{:.0f}", guarded);
     if (digits.size() < fractionPattern.size() + 1) {
         digits.insert(0, fractionPattern.size() + 1 - digits.size(), '0');
     }
