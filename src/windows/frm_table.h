@@ -143,6 +143,7 @@ class FrmTable : public QWidget, public DockingForm {
     /// False: behind the box this table is gone, or another one is shown.
     bool tell(std::span<const Refusal> refused);
     bool tell(const EntryOutcome& outcome);
+    void speakRefusal(const Refusal& refused);
     void leaveEdit();
     void closeEdit();
     void placeEdit();

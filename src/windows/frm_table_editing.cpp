@@ -1,4 +1,5 @@
 // What the user types, pastes and enters in the table window, and the boxes about it.
+#include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
 #include <QLocale>
@@ -76,10 +77,20 @@ bool FrmTable::tell(std::span<const Refusal> refused) {
     // The live point stays away from the cell that the box is about.
     const TableCursor::Hold hold(model->cursor());
     committing_ = true;
+    speakRefusal(refused.front());
     session_.messages.tell(refused);
     if (!self) return false;
     committing_ = false;
     return model == model_;
+}
+
+/// The box is read when it comes; behind it the field itself still says why.
+void FrmTable::speakRefusal(const Refusal& refused) {
+    QWidget* field = txtInputValue_->isHidden() ? static_cast<QWidget*>(Grid1_) : txtInputValue_;
+    field->setAccessibleDescription("Refused: " + qString(refused.brief()));
+    if (!QAccessible::isActive()) return;
+    QAccessibleEvent event(field, QAccessible::Alert);
+    QAccessible::updateAccessibility(&event);
 }
 
 void FrmTable::openEdit(char key) {
@@ -119,6 +130,7 @@ bool FrmTable::commitEdit() {
     const auto entered = model_->editor().enterValue(txtInputValue_->text().toStdString());
     if (entered) {
         closeEdit();
+        txtInputValue_->setAccessibleDescription({});
         session_.markModified();
         Grid1_->setFocus();
         showAll();
