@@ -27,6 +27,9 @@ MAIN = ("ADV", "AFR", "SPW", "VE")
 OUTPUTS = ("GPO1", "GPO2")
 BASE = {"ADV": 656, "VE": 912, "SPW": 1168, "AFR": 1424, "GPO1": 1680, "GPO2": 1936}
 SIZES = {"GPO1": 2294, "GPO2": 2296}  # rows, then columns; 2292 for the main tables
+AXIS_WORD = {"GPO1": 2290, "GPO2": 2291}  # kind of the rows, then of the columns, four bits each
+CLT, BLEND_MAP, TPS, RPM, GPIO1 = 1, 3, 4, 7, 8
+STOP_LIMITS = {CLT: (-40.0, 150.0), TPS: (0.0, 5.0), RPM: (0.0, 20000.0), GPIO1: (0.0, 100.0)}
 STOPS = {"GPO1": (2226, 2242), "GPO2": (2258, 2274)}  # rows, columns
 SPEEDS = 592
 PRESSURES = 624
@@ -144,11 +147,18 @@ class Calibration:
         self.sensor.cell = self.cell
         return self.sensor.pressure_reader(PRESSURES + 2 * i)
 
-    def header_limits(self, columns):
-        return (0.0, 20000.0) if columns else (self.low, self.high)
+    def axis_kind(self, table, columns):
+        if table not in OUTPUTS:
+            return RPM if columns else BLEND_MAP
+        word = int(self.cell[AXIS_WORD[table]])
+        return word & 15 if columns else word >> 4
+
+    def header_limits(self, table, columns):
+        kind = self.axis_kind(table, columns)
+        return (self.low, self.high) if kind == BLEND_MAP else STOP_LIMITS[kind]
 
     def store_header(self, table, columns, i, value):
-        low, high = self.header_limits(columns)
+        low, high = self.header_limits(table, columns)
         if not low <= value <= high:
             return
         if table in OUTPUTS:
@@ -378,12 +388,14 @@ def rising(rng, count, low, high, decimals):
     return [f32(x / scale) for x in sorted(rng.sample(range(int(low * scale), int(high * scale) + 1), count))]
 
 
-def random_axis(rng, columns, count):
-    """Whole numbers or one decimal; pressures within the sensor, at times too low for half of the first."""
-    if columns:
+def random_axis(rng, kind, count):
+    """Whole numbers or one decimal, volts two; pressures at times too low for half of the first."""
+    if kind == RPM:
         low = rng.choice((0, 500, 750))
         return rising(rng, count, low, rng.choice((8000, 20000)), rng.choice((0, 0, 1)))
-    return rising(rng, count, rng.choice((11, 21)), 104, rng.choice((0, 1, 1)))
+    if kind == BLEND_MAP:
+        return rising(rng, count, rng.choice((11, 21)), 104, rng.choice((0, 1, 1)))
+    return rising(rng, count, *STOP_LIMITS[kind], 2 if kind == TPS else rng.choice((0, 1)))
 
 
 def random_value(rng, cal, table):
@@ -424,8 +436,11 @@ def random_calibration(rng, table, tables):
     cal.cell[RATIO] = f32(rng.choice((14.64, 14.64, 14.7, 9.0, 1.0)))
     for name in ("ADV", "GPO1", "GPO2"):
         cal.resize(name, rng.randint(LEAST, MOST), rng.randint(LEAST, MOST))
+        if name in OUTPUTS:
+            kinds = [rng.choice((usual, usual, CLT, TPS, GPIO1)) for usual in (BLEND_MAP, RPM)]
+            cal.cell[AXIS_WORD[name]] = kinds[0] * 16.0 + kinds[1]
         for columns in (True, False):
-            for i, header in enumerate(random_axis(rng, columns, 16)):
+            for i, header in enumerate(random_axis(rng, cal.axis_kind(name, columns), 16)):
                 cal.store_header(name, columns, i, header)
     for name in tables:
         cal.cell[BASE[name]:BASE[name] + 256] = random_values(rng, cal, name, 256)
@@ -467,14 +482,16 @@ def random_headers(rng, cal, table, columns):
     count = rng.randint(LEAST, MOST)
     old = cal.headers(table, columns)
     pool = set(rng.sample(old, rng.randint(0, min(len(old), count - 1))))
+    low, high = cal.header_limits(table, columns)
+    scale = 100 if high <= 5 else 10
     while len(pool) < count:
-        if columns:
-            pool.add(f32(rng.randint(0, 200000) / 10 if rng.random() < 0.3 else float(rng.randint(0, 20000))))
-        elif rng.random() < 0.4:
+        if rng.random() < 0.3:
             at = rng.randrange(len(old) - 1)
             pool.add(round_to(mean(old[at], old[at + 1]), 1))
+        elif high > 1000:
+            pool.add(float(rng.randint(0, 20000)))
         else:
-            pool.add(f32(rng.randint(104, 1047) / 10))
+            pool.add(f32(rng.randint(math.ceil(low * scale), math.floor(high * scale)) / scale))
     return sorted(pool)
 
 

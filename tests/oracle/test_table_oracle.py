@@ -183,6 +183,14 @@ class AddedLines(unittest.TestCase):
         self.assertEqual(cal.headers("VE", False)[:3], [15, 30, 35])
         self.assertEqual([line(cal, "VE", row, 1)[0] for row in range(2)], floats(1.2, 1.25))
 
+    def test_a_stop_is_refused_by_the_kind_of_its_axis(self):
+        cal = calibration()
+        cal.cell[table_oracle.AXIS_WORD["GPO1"]] = 4 * 16 + 8.0  # volts, percent
+        cal.store_header("GPO1", False, 0, 5.1)
+        cal.store_header("GPO1", True, 0, 100.0)
+        self.assertEqual(cal.header("GPO1", False, 0), 30)
+        self.assertEqual(cal.header("GPO1", True, 0), 100)
+
     def test_a_refused_header_stays(self):
         cal = calibration()
         cal.store_header("VE", False, 0, 20.0)  # 10 is below the least pressure, 10.34
