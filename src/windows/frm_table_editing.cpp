@@ -88,7 +88,6 @@ bool FrmTable::tell(std::span<const Refusal> refused) {
 void FrmTable::speakRefusal(const Refusal& refused) {
     QWidget* field = txtInputValue_->isHidden() ? static_cast<QWidget*>(Grid1_) : txtInputValue_;
     field->setAccessibleDescription("Refused: " + qString(refused.brief()));
-    if (!QAccessible::isActive()) return;
     QAccessibleEvent event(field, QAccessible::Alert);
     QAccessible::updateAccessibility(&event);
 }
