@@ -196,7 +196,7 @@ constexpr std::array menus{
     grouped(MenuEntry{"mnuAbout", "&About Zentaq", "mnuHelp", "", always}),
 
     MenuEntry{"mnuPopupTable", "", "", "", always},
-    MenuEntry{"mnuGraphTable", "&Graph", "mnuPopupTable", "", later},
+    MenuEntry{"mnuGraphTable", "&Graph", "mnuPopupTable", "", always},
     MenuEntry{"mnuInterpolate", "&Interpolate", "mnuPopupTable", "", always},
     MenuEntry{"mnuSmooth", "&Smooth", "mnuPopupTable", "", always},
     MenuEntry{"mnuSmooth_1", "Smooth &1 (gentlest)", "mnuSmooth", "", always},

@@ -18,6 +18,7 @@
 #include "app/notices.h"
 #include "app/recent_files.h"
 #include "app/saving.h"
+#include "app/surface_windows.h"
 #include "app/tick_guard.h"
 #include "app/unit_memory.h"
 #include "app/window_set.h"
@@ -142,6 +143,7 @@ class Session : public UnitHost, public LinkTeller, public FileInHand {
     UnitMemory unitMemory;  ///< of the one on the link
     Notices notices;        ///< what is told without a box
     RecentFiles recentFiles;
+    SurfaceWindows surfaces;
     CellContext cellContext;  ///< of the table's window, for the status bar
     Folds folds;
 

@@ -50,6 +50,8 @@ class WindowNews {
     virtual void saveNew() {}   ///< the calibration that is being made gets its file
     /// An entry of the pop-up of a table was chosen, by its name.
     virtual void tableCommand(const std::string& /*name*/) {}
+    /// A surface has changed a cell: an open table shows it, and what "Discard" brings back stays.
+    virtual void cellsChanged() {}
     /// The user has moved in a table: the status bar tells of another cell.
     virtual void cellContextChanged() {}
 

@@ -7,8 +7,11 @@ namespace zentaq {
 std::vector<Refusal> refusedOf(const TableSheet& sheet, std::span<const CellChange> changes) {
     const Limits limits = sheet.limits();
     std::vector<Refusal> refused;
-    for (const auto& [cell, value] : changes)
+    for (const auto& [cell, value] : changes) {
+        // What is not written is not refused: it may be what no entry gives.
+        if (sheet.holdsAlready(value, sheet.tableIndex(cell.row, cell.column))) continue;
         noteRefusal(refused, checkLimits(value, limits), cellName(cell.row, cell.column));
+    }
     return refused;
 }
 

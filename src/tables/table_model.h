@@ -53,6 +53,7 @@ class TableModel {
     TableModel& operator=(const TableModel&) = delete;
 
     TableSheet& sheet() { return sheet_; }
+    const TableSheet& sheet() const { return sheet_; }
     const TableComparison& comparison() const { return comparison_; }
     TableCursor& cursor() { return cursor_; }
     TableEstimates& estimates() { return estimates_; }

@@ -80,6 +80,7 @@ class FrmTable : public QWidget, public DockingForm {
     bool docked() const { return docked_; }
     void setDocked(bool docked) override;
     void followLook() override;
+    void cellsChanged() override;
     /// An entry of the pop-up, which sits on the main window, by its name.
     void tableCommand(const std::string& name) override;
     /// The options were applied: a white grid, or the heat scale, and the colour mode of the session from
@@ -170,6 +171,7 @@ class FrmTable : public QWidget, public DockingForm {
     bool commitFormula();
     void closeFormula();
     void showKeys();
+    void graph();
     void rebin();
     void compareFile();
     void compareOpened();

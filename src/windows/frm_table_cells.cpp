@@ -12,6 +12,7 @@
 #include "tables/line_commands.h"
 #include "tables/rebin.h"
 #include "tables/table_context.h"
+#include "windows/frm_graph_3d.h"
 #include "windows/frm_rebin.h"
 #include "windows/frm_table.h"
 #include "windows/table_keys.h"
@@ -95,6 +96,7 @@ void FrmTable::addCompareCommands() {
 // ---- Commands of the rows
 
 void FrmTable::tableCommand(const std::string& name) {
+    if (name == "mnuGraphTable") return inOrder("Graph", [this] { graph(); });
     const EditCommand* command = editCommandOf(name);
     if (command != nullptr) inOrder(bare(command->caption), [this, command] { runCommand(*command); });
 }
@@ -306,6 +308,31 @@ void FrmTable::compareNoMore() {
     model_->compareNoMore();
     showAll();
     sizeColumns();
+}
+
+// ---- The surface
+
+void FrmTable::graph() {
+    const QPointer<FrmTable> self(this);
+    if (!model_ || !finishEntry() || !self) return;
+    const TableView view = model_->estimates().view();
+    openSurface(session_, tableName(), title(), view == TableView::Difference ? TableView::Values : view);
+}
+
+// The texts alone: what "Discard" brings back is what was read with the table.
+void FrmTable::cellsChanged() {
+    if (ownChange_ || !model_ || unit_ != &session_.currentUnitObject()) return;
+    TableSheet& sheet = model_->sheet();
+    if (model_->estimates().showsValues()) {
+        for (int row = 1; row <= sheet.rows(); ++row) {
+            for (int column = 1; column <= sheet.columns(); ++column) {
+                if (sheet.isStored({row, column})) sheet.showStored(row, column);
+            }
+        }
+    }
+    model_->estimates().refresh();
+    model_->overlay().paintAnew();
+    showAll();
 }
 
 // ---- Key list, tree, paper

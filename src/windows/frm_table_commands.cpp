@@ -37,7 +37,7 @@ void FrmTable::makeToolbar() {
     Toolbar1_->add({"Absolute", "Absolute VE (Shift+A)", "", true}, rebuild(&TableModel::toggleAbsolute),
                    view);
     Toolbar1_->add({"Invert", "Invert Rows", "", true, "Invert"}, rebuild(&TableModel::invert), view);
-    Toolbar1_->add({"Graph", "Graph", "", false, "Graph"}, {}, view);
+    Toolbar1_->add({"Graph", "Graph", "", false, "Graph"}, run([this] { graph(); }), view);
     Toolbar1_->add({"AutoVE", "AutoVE", "", false, "AutoVE"}, {}, view);
     Toolbar1_->addSeparatorTo(view);
     Toolbar1_->add({"Reset", "Reset", "", false, "Reset"}, rebuild(&TableModel::reset), view);

@@ -260,14 +260,13 @@ void MdiMain::enableToolbar(bool on) {
 
 bool MdiMain::enabled(const Entry& entry) const {
     if (!commandsOn_) return false;
-    // The table that opens the pop-up says what of it can be done.
-    if (entry.data->parent == tablePopup) return entry.action->isEnabled();
     return entry.data->enabled != nullptr ? entry.data->enabled(session_) : entry.action->menu() != nullptr;
 }
 
 void MdiMain::refresh() {
     for (const Entry& entry : entries_) {
-        entry.action->setEnabled(enabled(entry));
+        // The table that opens the pop-up says what of it can be done.
+        if (entry.data->parent != tablePopup) entry.action->setEnabled(enabled(entry));
         if (entry.data->checked != nullptr) entry.action->setChecked(entry.data->checked(session_));
     }
     for (const auto& [button, action] : buttons_) {

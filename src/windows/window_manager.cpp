@@ -69,8 +69,8 @@ bool WindowManager::make(Open& place) {
     if (place.get() != nullptr) return true;
     QWidget* parent = parentFor(place.row->place);
     if (parent == nullptr) return false;
-    place.form =
-        place.row->make({session_, commands_, parent, [this](std::string_view entry) { main_->run(entry); }});
+    place.form = place.row->make({session_, commands_, parent,
+                                  [this](std::string_view entry) { main_->run(entry); }, place.row->name});
     place.widget = &place.form->widget();
     place.form->onClosed([this, &place] { formClosed(place); });
     if (place.row->place == FormPlace::Above) main_->putAbove(*place.widget);

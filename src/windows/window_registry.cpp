@@ -6,11 +6,28 @@
 
 namespace zentaq {
 
+class FrmGraph3D;
+
 namespace {
 
 bool tableOffered(Session& session, const std::string& table) {
     if (session.slotInHand() == 0 || session.creating()) return false;
     return hasTable(session.currentUnitObject().kind(), table);
+}
+
+bool surfaceOffered(Session& session, const std::string& on) {
+    return tableOffered(session, on.substr(0, on.find('/')));
+}
+
+/// One of the surface graphs that may be open at a time.
+constexpr WindowRow surface(std::size_t number) {
+    return {SurfaceWindows::names[number],
+            FormPlace::Beside,
+            makeForm<FrmGraph3D>,
+            true,
+            false,
+            true,
+            surfaceOffered};
 }
 
 }  // namespace
@@ -25,6 +42,17 @@ constexpr WindowRow rows[] = {
     {window::fastHelp, FormPlace::Beside, makeForm<class FrmFastHelp>},
     {window::help, FormPlace::Beside, makeForm<class FrmHelp>},
     {window::splash, FormPlace::Beside, makeForm<class FrmSplash>},
+    surface(0),
+    surface(1),
+    surface(2),
+    surface(3),
+    surface(4),
+    surface(5),
+    surface(6),
+    surface(7),
+    surface(8),
+    surface(9),
+    surface(10),
 };
 
 std::span<const WindowRow> windowRows() {

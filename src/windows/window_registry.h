@@ -19,6 +19,7 @@ struct FormNeeds {
     MainCommands& commands;
     QWidget* parent;                                    ///< the main window, or where the place of its row is
     std::function<void(std::string_view entry)> run{};  ///< an entry of the menu, as a click on it does
+    std::string_view name{};                            ///< of its row, where several rows make such a window
 };
 
 /// Makes a window of this class; each window's own file brings it (windows/form_maker.h).

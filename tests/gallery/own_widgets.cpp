@@ -30,6 +30,7 @@
 #include "windows/outlined.h"
 #include "windows/sensor_line_picture.h"
 #include "windows/state_strip_view.h"
+#include "windows/surface_picture.h"
 #include "windows/table_toolbar.h"
 
 namespace zentaq {
@@ -169,6 +170,7 @@ OwnWidgets::OwnWidgets(QStyle& posing, QWidget* parent)
     for (int i = 1; i <= 6; ++i) lines_.push_back("12:34:5" + std::to_string(i) + " - a line of the console");
     addTables(posing);
     addTableBars();
+    addSurface();
     addStrips();
     addDashboards();
     addLink();
@@ -245,6 +247,24 @@ void OwnWidgets::addTableBars() {
         row->addWidget(bar);
     }
     column_->addLayout(row);
+}
+
+void OwnWidgets::addSurface() {
+    addHeading("A surface with its cursor and the engine's point");
+    for (int i = 0; i < 16; ++i) {
+        unit_.set("RPMTBL", 500.0 * (i + 1), i);
+        unit_.set("MAPTBL", 15.0 + 5 * i, i);
+    }
+    for (int i = 0; i < 256; ++i) unit_.set("VE", i % 16 * 3 - i / 16 * 2, i);
+    live_.RPM = 4200;
+    live_.MAP = 42;
+    surface_ = std::make_unique<SurfaceModel>(unit_, live_, paint_, "VE", "Volumetric Efficiency Table",
+                                              TableView::Values);
+    surface_->frame(TableColour::Normal);
+    surface_->moveTo(4, 6);
+    auto* picture = new SurfacePicture(*surface_, this);
+    picture->setFixedHeight(fontMetrics().height() * 22);
+    column_->addWidget(picture);
 }
 
 // ---- The state strip

@@ -5,13 +5,16 @@
 #include <QWidget>
 #include <deque>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "app/state_strip.h"
 #include "qt/look.h"
+#include "tables/surface_model.h"
 #include "tables/table_grid.h"
 #include "testing/memory_settings.h"
+#include "unit/quiet_host.h"
 #include "windows/table_view.h"
 
 class QVBoxLayout;
@@ -33,6 +36,7 @@ class OwnWidgets : public QWidget {
     void addTables(QStyle& posing);
     TableGridView* addTable(QStyle& posing, const QString& name, bool keyboard);
     void addTableBars();
+    void addSurface();
     void addStrips();
     void addDashboards();
     void addLink();
@@ -41,6 +45,11 @@ class OwnWidgets : public QWidget {
 
     QVBoxLayout* column_;
     TableGrid cells_;
+    QuietHost host_;
+    Unit unit_{*unitKindOfSlot(3), host_};
+    LiveValues live_;
+    PaintMemory paint_;
+    std::unique_ptr<SurfaceModel> surface_;
     MemorySettings settings_;
     std::deque<std::string> lines_;
     std::vector<std::function<void(DisplayMode)>> followers_;

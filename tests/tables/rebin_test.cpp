@@ -125,6 +125,14 @@ TEST_F(Rebin, OneValueOutOfRangeLeavesAllAsItWas) {
     EXPECT_EQ(unit.get("VE", 0), 10);
 }
 
+TEST_F(Rebin, ACellThatStaysMayHoldWhatIsShownOutOfRange) {
+    unit.set("Get_AFR", 9.76488, 5);  // reads as 9.76, a hair below the limit
+    unit.set("VE", 10, 0);
+    EXPECT_TRUE(store(sheet, rebinned(sheet, {halfway, {}})).empty());
+    EXPECT_EQ(unit.get("RPMTBL", 0), 750);
+    EXPECT_NEAR(unit.get("Get_AFR", 5), 9.76488, 1e-4);
+}
+
 TEST_F(Rebin, AHeaderOutOfRangeLeavesAllAsItWas) {
     std::vector<float> high = halfway;
     high.back() = 20001;

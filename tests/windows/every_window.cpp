@@ -11,6 +11,7 @@
 #include "app/state_strip.h"
 #include "qt/qt_dialogs.h"
 #include "unit/gpio_functions.h"
+#include "windows/frm_graph_3d.h"
 #include "windows/mdi_main_about.h"
 #include "windows/state_strip_view.h"
 #include "windows/table_windows_fixture.h"
@@ -265,6 +266,14 @@ void EveryWindowTest::tableDialog(const char* command, const Look& look) {
     modal([&] { windows.table()->findChild<QAction*>(QLatin1String(command))->trigger(); }, look);
 }
 
+void EveryWindowTest::surface(const Look& look) {
+    mainWithTable([](QWidget&) {});
+    for (int i = 0; i < 256; ++i) fake.session.currentUnitObject().set("VE", i % 16 * 2 - i / 16, i);
+    windows.table()->findChild<QAction*>("Graph")->trigger();
+    settle();
+    look(*windows.main().findChild<FrmGraph3D*>("frmGraph_3D"));
+}
+
 void EveryWindowTest::mainWithOutputTable(const Look& look) {
     mainWithTable([](QWidget&) {});
     windows.openTable("GPO1", "Full Table - Table#1");
@@ -361,6 +370,7 @@ const std::vector<ShownWindow>& everyWindow() {
         {"FastHelp", [](Program& p, const Look& look) { p.fastHelp(look); }},
         {"Splash", [](Program& p, const Look& look) { p.splash(look); }},
         {"About", [](Program& p, const Look& look) { p.about(look); }},
+        {"Surface", [](Program& p, const Look& look) { p.surface(look); }},
         {"NewAxes", [](Program& p, const Look& look) { p.tableDialog("mnuRebin", look); }},
         {"KeysOfTheTable", [](Program& p, const Look& look) { p.tableDialog("Keys", look); }},
         {"FileOpenPrompt", [](Program& p, const Look& look) { p.fileOpenPrompt(look); }},

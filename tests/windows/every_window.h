@@ -45,6 +45,7 @@ class EveryWindowTest : public WindowTest {
     void fastHelp(const Look& look);
     void about(const Look& look);
     void tableDialog(const char* command, const Look& look);
+    void surface(const Look& look);
     void mainWithOutputTable(const Look& look);
     void mainWithComparison(const Look& look);
     void splash(const Look& look);
