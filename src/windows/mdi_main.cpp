@@ -265,10 +265,12 @@ bool MdiMain::enabled(const Entry& entry) const {
 
 void MdiMain::refresh() {
     for (const Entry& entry : entries_) {
-        // The table that opens the pop-up says what of it can be done.
-        if (entry.data->parent != tablePopup) entry.action->setEnabled(enabled(entry));
+        // The table that opens the pop-up says what of it can be done, while anything can.
+        const bool ofTable = entry.data->parent == tablePopup;
+        if (!ofTable || commandsOn_ != popupOn_) entry.action->setEnabled(enabled(entry));
         if (entry.data->checked != nullptr) entry.action->setChecked(entry.data->checked(session_));
     }
+    popupOn_ = commandsOn_;
     for (const auto& [button, action] : buttons_) {
         for (const Entry& entry : entries_) {
             if (entry.data->name == button->command) action->setEnabled(entry.action->isEnabled());

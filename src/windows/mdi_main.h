@@ -103,6 +103,7 @@ class MdiMain : public QMainWindow, public Form {
     std::string firmwareSeen_;
     std::string firmwareShown_;
     bool commandsOn_ = true;
+    bool popupOn_ = true;  ///< as the pop-up of a table has seen that last
     std::uint64_t consoleSeen_ = 0;
     std::uint64_t linkSeen_ = 0;
     int idleFirings_ = 0;

@@ -20,6 +20,7 @@ namespace {
 
 constexpr auto dockCaption = "Dock          ";
 constexpr auto undockCaption = "Undock        ";
+constexpr auto longestCaption = "longestCaption";
 constexpr auto widestReading = "Table Adv";
 
 /// Who keeps its caption longest where room is short.
@@ -118,16 +119,18 @@ QToolButton* TableToolbar::makeAxisButton(char axis, QWidget* parent) {
     made->setToolTip(columns ? "What the columns of this table stand for"
                              : "What the rows of this table stand for");
     auto* kinds = named(new QMenu(made), "mnuAxis" + name, made->accessibleName());
-    int longest = 0;
+    QString longest;
     for (const AxisKind& kind : axisKinds()) {
         const QString kindName = qString(kind.name);
         QAction* entry = named(kinds->addAction(kindName), name + "_" + kindName);
         entry->setCheckable(true);
         connect(entry, &QAction::triggered, this, [this, entry] { Q_EMIT axisPicked(entry->objectName()); });
-        longest = std::max(longest, made->fontMetrics().horizontalAdvance(name + ": " + kindName));
+        const QString caption = name + ": " + kindName;
+        const auto wide = [&](const QString& text) { return made->fontMetrics().horizontalAdvance(text); };
+        if (wide(caption) > wide(longest)) longest = caption;
     }
     made->setMenu(kinds);
-    made->setMinimumWidth(longest + 3 * space(made->fontMetrics(), Space::Normal));
+    made->setProperty(longestCaption, longest);
     return made;
 }
 
@@ -208,8 +211,21 @@ void TableToolbar::addFields() {
 
 // ---- Room
 
+// Room for the longest kind from the first on: nothing moves when another one is chosen.
+void TableToolbar::fitAxes() {
+    for (QToolButton* button : {columnAxis_, rowAxis_}) {
+        const QString shown = button->text();
+        button->setMinimumWidth(0);
+        button->setText(button->property(longestCaption).toString());
+        const int wide = button->sizeHint().width();
+        button->setText(shown);
+        button->setMinimumWidth(wide);
+    }
+}
+
 void TableToolbar::fit() {
     if (fields_ == nullptr) return;
+    fitAxes();
     for (QToolButton* button : buttons_) button->setToolButtonStyle(Qt::ToolButtonIconOnly);
     const auto* lines = static_cast<const WrapLayout*>(layout());
     const auto least = lines->lineCounts(width());
@@ -289,7 +305,8 @@ void TableToolbar::showItems(TableModel& model, bool docked) {
     action("Docking")->setText(docked ? undockCaption : dockCaption);
     action("Docking")->setIcon(icon(docked ? "Undock" : "Dock"));
     showBadges(badgesOf(model));
-    lblAcross_->setText(qString(acrossOf(model.sheet())));
+    // An output table has its buttons in the same room.
+    if (!items.axisButtons) lblAcross_->setText(qString(acrossOf(model.sheet())));
     lblDspTable_->setText(qString(items.displayCaption));
     lblDspTable_->setVisible(!items.displayCaption.empty());
     lblDspTableVal_->setVisible(!items.displayCaption.empty());

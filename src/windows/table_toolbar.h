@@ -73,6 +73,7 @@ class TableToolbar : public QWidget {
     QLineEdit* makeTimeField(const char* name, const char* member, const char* helpKey);
     QMenu* menu(const char* name);
     QToolButton* makeAxisButton(char axis, QWidget* parent);
+    void fitAxes();
     void showAxes(const ToolbarItems& items);
 
     std::vector<QToolButton*> buttons_;

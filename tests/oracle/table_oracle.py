@@ -323,12 +323,12 @@ def apply(cal, table, formula, top, left, bottom, right):
     grid = Grid(cal, table)
     results = {(r, c): formula_result(formula, grid.named[r, c])
                for r in range(top, bottom + 1) for c in range(left, right + 1)}
-    if not all(cal.takes(table, value) for value in results.values()):
+    written = {grid.index(r, c): value for (r, c), value in results.items()
+               if text_of(value) != text_of(cal.value(table, grid.index(r, c)))}
+    if not all(cal.takes(table, value) for value in written.values()):
         return
-    for (r, c), value in results.items():
-        index = grid.index(r, c)
-        if text_of(value) != text_of(cal.value(table, index)):
-            cal.store(table, index, value)
+    for index, value in written.items():
+        cal.store(table, index, value)
 
 
 def place(axis, x):
@@ -367,13 +367,14 @@ def rebin(cal, table, new_columns, new_rows):
     columns, rows = cal.headers(table, True), cal.headers(table, False)
     across = [place(columns, x) for x in new_columns or columns]
     up = [place(rows, x) for x in new_rows or rows]
-    results = {name: rebinned(cal, name, up, across) for name in shared(table)}
-    if not all(cal.takes(name, value) for name, values in results.items() for value in values.values()):
+    # What stays as it is shown is not written, and may be what no entry gives.
+    written = [(name, index, value) for name in shared(table)
+               for index, value in rebinned(cal, name, up, across).items()
+               if text_of(value) != text_of(cal.value(name, index))]
+    if not all(cal.takes(name, value) for name, _, value in written):
         return
-    for name, values in results.items():
-        for index, value in values.items():
-            if text_of(value) != text_of(cal.value(name, index)):
-                cal.store(name, index, value)
+    for name, index, value in written:
+        cal.store(name, index, value)
     for by_column, new in ((True, new_columns), (False, new_rows)):
         for i, header in enumerate(new or []):
             cal.store_header(table, by_column, i, header)

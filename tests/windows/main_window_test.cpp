@@ -98,7 +98,7 @@ TEST_F(MainWindow, ShowsEveryEntryOfTheMenuTableWithItsCaption) {
 }
 
 TEST_F(MainWindow, EntriesWhoseCommandComesLaterAreDisabled) {
-    for (const char* name : {"mnuConvertORBA", "mnuConvertORBALite", "mnuPrintBIN", "mnuInterpolate"}) {
+    for (const char* name : {"mnuConvertORBA", "mnuConvertORBALite", "mnuPrintBIN", "mnuPrintCurrentForm"}) {
         EXPECT_FALSE(action(name)->isEnabled()) << name;
     }
     for (const char* name : {"mnuNew", "mnuOpen", "mnuExit", "mnuProgramORB", "mnuVETbl", "mnuAbout",
