@@ -281,16 +281,6 @@ void EveryWindowTest::mainWithOutputTable(const Look& look) {
     look(windows.main());
 }
 
-void EveryWindowTest::mainWithComparison(const Look& look) {
-    mainWithTable([](QWidget&) {});
-    fake.session.noteOpened();
-    fake.session.currentUnitObject().set("VE", 12.5, 3);
-    windows.table()->Setup_Grid("", "");
-    windows.table()->findChild<QAction*>("CompareOpened")->trigger();
-    settle();
-    look(windows.main());
-}
-
 void EveryWindowTest::fileOpenPrompt(const Look& look) {
     maximiseMain();
     fake.dialogs.requests.clear();
@@ -346,7 +336,6 @@ const std::vector<ShownWindow>& everyWindow() {
         {"MainWithCalibration", [](Program& p, const Look& look) { p.mainWithCalibration(look); }},
         {"MainWithTable", [](Program& p, const Look& look) { p.mainWithTable(look); }},
         {"MainWithOutputTable", [](Program& p, const Look& look) { p.mainWithOutputTable(look); }},
-        {"MainWithComparison", [](Program& p, const Look& look) { p.mainWithComparison(look); }},
         {"UndockedTable", [](Program& p, const Look& look) { p.undockedTable(look); }},
         {"MainWithSparkOnly", [](Program& p, const Look& look) { p.mainWithSparkOnly(look); }},
         {"MainInTrouble", [](Program& p, const Look& look) { p.mainInTrouble(look); }},

@@ -47,7 +47,6 @@ class EveryWindowTest : public WindowTest {
     void tableDialog(const char* command, const Look& look);
     void surface(const Look& look);
     void mainWithOutputTable(const Look& look);
-    void mainWithComparison(const Look& look);
     void splash(const Look& look);
     void fileOpenPrompt(const Look& look);
     void filePromptToSave(const Look& look);
