@@ -55,10 +55,11 @@ FrmGraph3D::FrmGraph3D(Session& session, std::string_view name, QWidget* parent)
     add("lblColumn", RPM_Text_);
     add("lblRow", MAP_Text_);
     add("lblValue", Value_Text_);
-    values->addWidget(lblHint_, 1);
+    values->addStretch(1);
     values->addWidget(cmdClose_);
     auto* whole = new QVBoxLayout(this);
     whole->addWidget(room_, 1);
+    whole->addWidget(lblHint_);
     whole->addLayout(values);
     redraw_ = std::make_unique<RedrawGate>(
         session.platform().clock,
@@ -68,8 +69,8 @@ FrmGraph3D::FrmGraph3D(Session& session, std::string_view name, QWidget* parent)
         this, RedrawGate::markUs);
     session_.surfaces.opened(name, true);
     const QSize screen = this->screen()->availableGeometry().size();
-    resize(std::min(screen.width() * 3 / 5, fontMetrics().averageCharWidth() * 120),
-           std::min(screen.height() * 4 / 5, fontMetrics().height() * 36));
+    resize(std::min(screen.width() * 4 / 5, fontMetrics().averageCharWidth() * 120),
+           std::min(screen.height() * 9 / 10, fontMetrics().height() * 36));
     restorePlacement(*this, session.settings());
 }
 

@@ -56,8 +56,9 @@ QSize SurfacePicture::sizeHint() const {
 SurfacePicture::Frame SurfacePicture::frameOf(const QRect& area) const {
     const QFontMetrics metrics(pictureFont(Type::Body));
     const int line = metrics.height();
-    const int side = metrics.horizontalAdvance(QStringLiteral("0000.00")) + line;
-    const QRect room = area.adjusted(side, line * 2, -side - line, -line * 5 / 2);
+    // Values stand at the right, headers at the left and at the foot, and the axes' titles below those.
+    const int side = QFontMetrics(pictureFont(Type::Remark)).horizontalAdvance(QStringLiteral("-000.00"));
+    const QRect room = area.adjusted(side, line, -side, -line * 5 / 2);
     Frame frame{SurfaceProjection(model_.rows(), model_.columns()), {}, 1};
     const double wide = frame.projection.width();
     const double high = frame.projection.heightOfAll();
@@ -133,6 +134,8 @@ void SurfacePicture::drawAxes(QPainter& painter, const Frame& frame) const {
     painter.drawLine(frame.at(1, 1, 0), frame.at(1, columns, 0));
     painter.drawLine(frame.at(1, columns, 0), frame.at(rows, columns, 0));
     painter.drawLine(frame.at(rows, columns, 0), frame.at(rows, columns, 1));
+    // The values stand here, where the surface never does.
+    painter.drawLine(frame.at(1, columns, 0), frame.at(1, columns, 1));
 }
 
 QColor SurfacePicture::groundOf(int row, int column) const {
@@ -196,7 +199,7 @@ void SurfacePicture::drawTicks(QPainter& painter, const Frame& frame) const {
     for (int tick = 0; tick <= valueTicks; ++tick) {
         const double share = static_cast<double>(tick) / valueTicks;
         if (span == 0 && tick > 0) break;
-        text(frame.at(model_.rows(), model_.columns(), share) + QPointF(4, 0),
+        text(frame.at(1, model_.columns(), share) + QPointF(4, 0),
              qString(formatNumber(model_.lowest() + span * share, "#0.00")), Qt::AlignLeft);
     }
 }
