@@ -27,7 +27,21 @@ SurfaceModel::SurfaceModel(Unit& unit, const LiveValues& live, const PaintMemory
                            std::string_view table, std::string_view title, TableView view)
     : unit_(unit), paint_(paint), model_(unit, ecu_, live, paint_), view_(view) {
     model_.Setup_Grid(table, title, false);
+    showView();
     read();
+}
+
+// The colors of the grid in this view: what is too short or too long is red there.
+void SurfaceModel::showView() {
+    if (editable()) return;
+    model_.estimates().view(view_);
+    model_.estimates().showAll();
+}
+
+void SurfaceModel::heatScale(bool on) {
+    if (model_.overlay().heatScale() == on) return;
+    model_.overlay().heatScale(on);
+    model_.overlay().paintAnew();
 }
 
 // ---- Values
@@ -144,8 +158,9 @@ std::vector<std::uint32_t> SurfaceModel::snapshot() const {
     for (int i = 0; i < storedCells; ++i)
         skipFailing([&] { add(get_binValueByIndex(unit_, table, i, false)); });
     if (editable()) return all;
-    add(unit_.get("scale1"));
-    add(unit_.get("INJ_On"));
+    for (const char* member : {"scale1", "INJ_On", "MT", "PHDSEQ", "Engine_Type"}) add(unit_.get(member));
+    for (const float header : model_.sheet().headers(false))
+        skipFailing([&] { add(unit_.pressureToRatio(header)); });
     for (int i = 0; i < storedCells; ++i) add(unit_.get("VE", i));
     return all;
 }
@@ -153,6 +168,7 @@ std::vector<std::uint32_t> SurfaceModel::snapshot() const {
 bool SurfaceModel::follow() {
     if (snapshot() == seen_) return false;
     model_.rebuild();
+    showView();
     read();
     return true;
 }

@@ -54,6 +54,8 @@ class SurfaceModel {
     // ---- What happens elsewhere
     /// Reads the table again where it has changed. True: it had.
     bool follow();
+    /// The cells have the colors of the heat scale, as the options say.
+    void heatScale(bool on);
     /// A frame of the engine: its point, and the trail that it leaves.
     void frame(TableColour colours);
     /// In rows and columns as above; not visible before the first frame.
@@ -61,6 +63,7 @@ class SurfaceModel {
 
  private:
     void read();
+    void showView();
     std::vector<std::uint32_t> snapshot() const;
     int gridRow(int row) const { return model_.sheet().gridRow(row - 1); }
     static int index(int row, int column) { return (row - 1) * storedColumns + column - 1; }

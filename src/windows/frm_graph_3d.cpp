@@ -8,10 +8,12 @@
 #include <QScreen>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <utility>
 
 #include "app/surface_windows.h"
 #include "base/errors.h"
 #include "base/number_text.h"
+#include "base/settings_keys.h"
 #include "qt/help_key.h"
 #include "qt/plain_label.h"
 #include "qt/qt_text.h"
@@ -90,11 +92,13 @@ void FrmGraph3D::openOn(const std::string& on, const std::string& title) {
     Unit& unit = session_.currentUnitObject();
     auto fresh =
         std::make_unique<SurfaceModel>(unit, session_.live, session_.paintMemory, table, title, view);
-    delete picture_;
+    delete std::exchange(picture_, nullptr);
     model_ = std::move(fresh);
     unit_ = &unit;
+    clearTableColours();
     picture_ = new SurfacePicture(*model_, room_);
     picture_->installEventFilter(this);
+    cmdClose_->installEventFilter(this);
     room_->layout()->addWidget(picture_);
     connect(picture_, &SurfacePicture::picked, this, [this](int row, int column) {
         model_->moveTo(row, column);
@@ -134,7 +138,8 @@ bool FrmGraph3D::eventFilter(QObject* watched, QEvent* event) {
     }
     if (watched == picture_ && (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut))
         picture_->update();
-    if (event->type() == QEvent::KeyPress && key(*static_cast<QKeyEvent*>(event))) return true;
+    if (watched == picture_ && event->type() == QEvent::KeyPress && key(*static_cast<QKeyEvent*>(event)))
+        return true;
     return QDialog::eventFilter(watched, event);
 }
 
@@ -210,6 +215,12 @@ void FrmGraph3D::showCursor() {
 void FrmGraph3D::follow() {
     if (model_ == nullptr || &session_.currentUnitObject() != unit_) return;
     if (model_->follow()) showCursor();
+}
+
+void FrmGraph3D::clearTableColours() {
+    if (model_ == nullptr) return;
+    model_->heatScale(session_.settings().get(settings::system, settings::CellScale) == "1");
+    if (picture_ != nullptr) picture_->update();
 }
 
 void FrmGraph3D::frame() {

@@ -25,6 +25,7 @@ class FrmGraph3D : public QDialog, public Form {
     /// `on` is the table and, behind a slash, the number of its view: "VE/1" for pulse widths.
     void openOn(const std::string& on, const std::string& title) override;
     void follow() override;
+    void clearTableColours() override;
 
     /// nullptr before it is opened on a table.
     SurfaceModel* model() { return model_.get(); }

@@ -76,12 +76,39 @@ TEST_F(Surface, PulseWidthsAndDutiesFollowTheFormulasOfTheGridsViews) {
     const double ratio = static_cast<double>(unit.pressureToRatio(20));
     const double width = 0.5 + 1.2 * 10 * ratio;  // INJ_On 0.5, scale1 10
     EXPECT_NEAR(widths->value(2, 2), width, 1e-4);
-    // Sequential by default: 120 / 1000 rpm is 0.12 s between injections.
+    // Sequential as the empty calibration is: 120 / 1000 rpm is 0.12 s between injections.
     const auto duties = of("VE", TableView::DutyCycle);
-    const double factor = Ecu::engineCycleFactor(unit);
-    EXPECT_NEAR(duties->value(2, 2), width / (10 * (factor / 1000)), 1e-3);
+    EXPECT_NEAR(duties->value(2, 2), width / 1.2, 1e-3);
     unit.set("SPW", 50, 17);
     EXPECT_NEAR(of("SPW", TableView::PulseWidth)->value(2, 2), width / 2, 1e-4);
+}
+
+TEST_F(Surface, AViewHasTheColorsOfTheGridInThatView) {
+    unit.set("MT", 3);  // widths below it are red
+    unit.set("VE", 50, 255);
+    open("VE");
+    model.togglePulsewidth();
+    const auto widths = of("VE", TableView::PulseWidth);
+    int red = 0;
+    for (int row = 1; row <= 16; ++row) {
+        for (int column = 1; column <= 16; ++column) {
+            EXPECT_EQ(widths->colour(row, column), sheet.grid().colour(17 - row, column));
+            red += widths->colour(row, column) == 255 ? 1 : 0;
+        }
+    }
+    EXPECT_GT(red, 0);
+    EXPECT_LT(red, 256);
+}
+
+TEST_F(Surface, TakesTheHeatScaleAsTheGridDoes) {
+    unit.set("ADV", 45, 20);
+    open("ADV");
+    overlay.heatScale(true);
+    overlay.paintAnew();
+    const auto surface = of("ADV");
+    surface->heatScale(true);
+    EXPECT_EQ(surface->colour(2, 5), sheet.grid().colour(15, 5));
+    EXPECT_NE(surface->colour(2, 5), TableGrid::white);
 }
 
 // ---- The cursor
@@ -169,6 +196,9 @@ TEST_F(Surface, FollowsChangesOfCellsHeadersSizesAndTimes) {
     const auto widths = of("VE", TableView::PulseWidth);
     unit.set("scale1", 20);
     EXPECT_TRUE(widths->follow());
+    const auto duties = of("VE", TableView::DutyCycle);
+    unit.set("PHDSEQ", 1);
+    EXPECT_TRUE(duties->follow()) << "the injections have another distance";
 }
 
 TEST_F(Surface, TheEnginesPointAndItsTrailStandWhereTheGridHasThem) {

@@ -83,12 +83,29 @@ TEST_F(SurfaceWindow, WhatDiscardBringsBackStaysAsTheTableWasBuilt) {
 }
 
 TEST_F(SurfaceWindow, AChangeInTheGridShowsInTheSurface) {
-    FrmGraph3D& window = opened();
+    opened();
     stand(16, 1);
     type("12");
     key(Qt::Key_Return, "\r");
-    window.follow();
+    windows.refresh();  // as its timer does
     EXPECT_EQ(text("Value_Text"), "12.00");
+}
+
+TEST_F(SurfaceWindow, AChangeInOneSurfaceShowsInAnother) {
+    opened();
+    tableAction("Graph")->trigger();
+    settle();
+    press(Qt::Key_Plus, "+");
+    windows.refresh();
+    EXPECT_EQ(graph(2)->findChild<QLabel*>("Value_Text")->text(), "1.00");
+}
+
+TEST_F(SurfaceWindow, TheEngineIsShownOnlyWhereItsUnitIsOfTheKindInHand) {
+    opened();
+    fake.session.live.RPM = 1500;
+    fake.session.live.MAP = 30;
+    fake.session.frames.tell();
+    EXPECT_FALSE(graph()->model()->livePoint().visible) << "no unit is on the link";
 }
 
 TEST_F(SurfaceWindow, WhatIsTypedInTheGridIsEnteredBeforeItsKeyCounts) {
