@@ -1,4 +1,5 @@
 // table with a command: the editor's operations on a table of a file, by the same core as its window.
+#include <algorithm>
 #include <charconv>
 #include <functional>
 #include <ostream>
@@ -39,8 +40,16 @@ struct OpenTable {
     TableSheet& sheet = model.sheet();
 };
 
+// A file may ask for more rows and columns than are stored.
+int rowsOf(const TableSheet& sheet) {
+    return std::min(sheet.rows(), storedHeaders);
+}
+int columnsOf(const TableSheet& sheet) {
+    return std::min(sheet.columns(), storedColumns);
+}
+
 std::string sizeOf(const TableSheet& sheet) {
-    return sheet.table() + " has " + numberText(sheet.rows()) + " rows and " + numberText(sheet.columns()) +
+    return sheet.table() + " has " + numberText(rowsOf(sheet)) + " rows and " + numberText(columnsOf(sheet)) +
            " columns";
 }
 
@@ -73,8 +82,8 @@ std::optional<Selection> blockOf(std::string_view text) {
 
 Selection blockIn(const TableSheet& sheet, const std::string& text) {
     const auto block = blockOf(text);
-    if (!block || !sheet.grid().hasCell(block->top, block->left) ||
-        !sheet.grid().hasCell(block->bottom, block->right))
+    if (!block || !sheet.isStored({block->top, block->left}) ||
+        !sheet.isStored({block->bottom, block->right}))
         throw Failure("No cells " + shownBriefly(text) + ": " + sizeOf(sheet));
     return *block;
 }
@@ -171,7 +180,7 @@ void changeTableLines(const Context& context, const std::string& file, const std
     const LineCommand command = lineCommandOf(option);
     const std::string why = whyNot(change.sheet(), command);
     if (!why.empty()) throw Failure(name + ": " + why);
-    const int count = isOfColumns(command) ? change.sheet().columns() : change.sheet().rows();
+    const int count = isOfColumns(command) ? columnsOf(change.sheet()) : rowsOf(change.sheet());
     if (line < 1 || line > count)
         throw Failure("No " + std::string(isOfColumns(command) ? "column " : "row ") + numberText(line) +
                       ": " + sizeOf(change.sheet()));
@@ -194,6 +203,8 @@ void applyToTable(const Context& context, const std::string& file, const std::st
 void rebinTable(const Context& context, const std::string& file, const std::string& name,
                 const std::string& columns, const std::string& rows, const std::string& output) {
     const TableAxes wanted{headersOf(columns), headersOf(rows)};
+    if ((!columns.empty() && wanted.columns.empty()) || (!rows.empty() && wanted.rows.empty()))
+        throw Failure("The list of headers is empty: headers are listed as 500,1000,1500");
     TableChange change(context, file, name, output);
     refuseAll(change.sheet(), store(change.sheet(), rebinned(change.sheet(), wanted)));
     change.save();

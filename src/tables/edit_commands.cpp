@@ -56,13 +56,13 @@ std::vector<Refusal> stored(TableModel& model, const std::vector<CellChange>& ch
 }
 
 std::vector<Refusal> interpolate(TableModel& model) {
-    interpolateBlock(model.sheet().grid(), model.cursor().selection());
+    interpolateBlock(model.sheet().grid(), model.sheet().storedPart(model.cursor().selection()));
     return writtenBack(model);
 }
 
 template <int strength>
 std::vector<Refusal> smooth(TableModel& model) {
-    smoothBlock(model.sheet().grid(), model.cursor().selection(), strength);
+    smoothBlock(model.sheet().grid(), model.sheet().storedPart(model.cursor().selection()), strength);
     return writtenBack(model);
 }
 

@@ -20,6 +20,22 @@ struct GridCell {
     bool operator==(const GridCell&) const = default;
 };
 
+/// The selected block of cells.
+struct Selection {
+    int top = 1;
+    int bottom = 1;
+    int left = 1;
+    int right = 1;
+    /// More than one cell. Kept: a command on the block takes this back and leaves the block.
+    bool present = false;
+
+    bool severalCells() const { return top != bottom || left != right; }
+
+    bool holds(GridCell cell) const {
+        return cell.row >= top && cell.row <= bottom && cell.column >= left && cell.column <= right;
+    }
+};
+
 /// Kept from build to build: a table with fewer than 16 lines leaves the pairs past its end as they were.
 class LiveZones {
  public:

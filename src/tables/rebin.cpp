@@ -190,7 +190,8 @@ std::vector<Refusal> refusedOf(const TableSheet& sheet, const Rebinning& plan) {
     checkHeaders(sheet, true, plan.axes.columns, refused);
     checkHeaders(sheet, false, plan.axes.rows, refused);
     forEachCell(plan, [&](std::string_view table, int index, float value, const std::string& where) {
-        // What stays as it is shown is not written: it may hold more digits than are shown, or what no entry gives.
+        // What stays as it is shown is not written: it may hold more digits than are shown, or what no entry
+        // gives.
         if (holdsAlready(sheet.unit(), table, value, index)) return;
         noteRefusal(refused, checkLimits(value, cellLimits(sheet.unit(), table, false)), where);
     });

@@ -7,22 +7,6 @@
 
 namespace zentaq {
 
-/// The selected block of cells.
-struct Selection {
-    int top = 1;
-    int bottom = 1;
-    int left = 1;
-    int right = 1;
-    /// More than one cell. Kept: a command on the block takes this back and leaves the block.
-    bool present = false;
-
-    bool severalCells() const { return top != bottom || left != right; }
-
-    bool holds(GridCell cell) const {
-        return cell.row >= top && cell.row <= bottom && cell.column >= left && cell.column <= right;
-    }
-};
-
 class TableCursor {
  public:
     explicit TableCursor(const TableGrid& grid) : grid_(grid) {}

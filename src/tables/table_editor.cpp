@@ -235,7 +235,7 @@ std::vector<TableEditor::PastedCell> TableEditor::pastedCells(std::string_view c
     for (const std::string& line : split(withPlainLineEnds(clipboard), '\n')) {
         int column = block.left;
         for (const std::string& text : split(line, '\t')) {
-            if (row <= lastRow && column <= lastColumn && sheet_.grid().hasCell(row, column))
+            if (row <= lastRow && column <= lastColumn && sheet_.isStored({row, column}))
                 cells.push_back({{row, column}, std::string(trimmed(text))});
             ++column;
         }

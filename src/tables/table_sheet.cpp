@@ -1,5 +1,7 @@
 #include "tables/table_sheet.h"
 
+#include <algorithm>
+
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
@@ -144,8 +146,9 @@ bool TableSheet::holdsAlready(float value, int index) const {
 }
 
 EntryOutcome TableSheet::saveCell(int row, int column, const Limits& limits) {
+    // A damaged file may ask for more lines than are stored: the index of one beyond is that of another cell.
+    if (!isStored({row, column})) return EntryOutcome::ignored();
     const int index = tableIndex(row, column);
-    if (index >= storedCells) return EntryOutcome::ignored();
     // What shows the stored value is no entry: it may hold more digits, or what no entry gives.
     const std::string text = grid().text(row, column);
     if (text == numberText(value(index))) return {};
@@ -157,6 +160,14 @@ EntryOutcome TableSheet::saveCell(int row, int column, const Limits& limits) {
     if (checked && !holdsAlready(typed, index)) checked = set_BinValueByIndex(table(), typed, index);
     showStored(row, column);
     return checked;
+}
+
+Selection TableSheet::storedPart(Selection block) const {
+    block.right = std::min(block.right, storedColumns);
+    const int beyond = rows() - storedHeaders;
+    if (beyond > 0 && inverted()) block.bottom = std::min(block.bottom, storedHeaders);
+    if (beyond > 0 && !inverted()) block.top = std::max(block.top, beyond + 1);
+    return block;
 }
 
 std::vector<Refusal> TableSheet::saveEntireTable() {

@@ -53,6 +53,9 @@ class TableSheet {
                storedRow(cell.row) < storedHeaders;
     }
 
+    /// What of a block is stored; it may be none.
+    Selection storedPart(Selection block) const;
+
     // ---- Values of any table. `column` counts from 0 here.
     float get_binValueByIndex(std::string_view table, int index) const;
     EntryOutcome set_BinValueByIndex(std::string_view table, float value, int index);

@@ -79,6 +79,7 @@ FrmRebin::FrmRebin(const TableSheet& sheet, DisplayMode mode, QWidget* parent)
            std::min(room.height() * 9 / 10, fontMetrics().height() * 34));
     preview();
     txtColumns_->setFocus();
+    txtColumns_->setCursorPosition(0);
 }
 
 QLineEdit* FrmRebin::makeAxis(const QString& name, const QString& caption, const std::vector<float>& headers,
@@ -111,7 +112,10 @@ void FrmRebin::spread(QLineEdit& field) {
 }
 
 TableAxes FrmRebin::wanted() const {
-    return {headersOf(txtColumns_->text().toStdString()), headersOf(txtRows_->text().toStdString())};
+    TableAxes axes{headersOf(txtColumns_->text().toStdString()), headersOf(txtRows_->text().toStdString())};
+    if (axes.columns.empty()) throw Failure("Enter the headers of the columns");
+    if (axes.rows.empty()) throw Failure("Enter the headers of the rows");
+    return axes;
 }
 
 void FrmRebin::say(const QString& text, bool good) {

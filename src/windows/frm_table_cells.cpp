@@ -107,10 +107,12 @@ void FrmTable::runCommand(const EditCommand& command) {
     if (!agreed(command)) return;
     const std::string why = command.whyNot(*model_);
     if (!why.empty()) return session_.notice(bare(command.caption).toStdString() + ": " + why);
-    const int written = model_->sheet().cellsWritten();
+    const TableSheet& sheet = model_->sheet();
+    const int written = sheet.cellsWritten();
+    const std::pair size(sheet.rows(), sheet.columns());
     const auto refused = command.run(*model_);
     markIfWritten(written);
-    if (command.ofLines) session_.markModified();
+    if (size != std::pair(sheet.rows(), sheet.columns())) session_.markModified();
     Grid1_->cells().refresh();
     rebuilt(refused);
     if (self) tellOthers();
@@ -126,6 +128,8 @@ bool FrmTable::axesAgreed() {
     const QPointer<FrmTable> self(this);
     const auto model = model_;
     const std::string table = model->sheet().table();
+    // The engine runs: without this it would carry the cursor to another line before the command takes it.
+    const TableCursor::Hold hold(model->cursor());
     const Answer answer =
         session_.dialogs().show({"Unit Connected", question, Icon::Exclamation, Buttons::YesNo, true});
     return self && model == model_ && table == tableName() && answer == Answer::Yes;
@@ -261,10 +265,19 @@ void FrmTable::rebin() {
     if (!accepted || wanted == before) return;
     if (model != model_ || table != tableName() || before != axesOf(model->sheet()))
         return session_.notice("New axes: not done, the table has changed meanwhile.");
-    if (!axesAgreed()) return;
+    if (!axesAgreed() || before != axesOf(model->sheet())) return;
     std::vector<Refusal> refused;
-    endOnFailure([&] { refused = store(model->sheet(), rebinned(model->sheet(), wanted)); },
-                 [&](const std::string& why) { session_.notice("New axes: " + why); });
+    bool done = false;
+    endOnFailure(
+        [&] {
+            const Rebinning plan = rebinned(model->sheet(), wanted);
+            refused = refusedOf(model->sheet(), plan);
+            if (!refused.empty()) return;
+            refused = store(model->sheet(), plan);
+            done = true;
+        },
+        [&](const std::string& why) { session_.notice("New axes: " + why); });
+    if (!done) return static_cast<void>(tell(refused));
     session_.markModified();
     auto further = model->rebuild();
     refused.insert(refused.end(), further.begin(), further.end());

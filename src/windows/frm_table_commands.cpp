@@ -59,10 +59,11 @@ void FrmTable::makeToolbar() {
         inOrder("New axis", [this, picked = key.toStdString()] {
             if (!model_ || !axesAgreed()) return;
             closeEdit();
+            const QPointer<FrmTable> self(this);
             const auto refused = model_->pickAxis(picked);
             session_.markModified();
             rebuilt(refused);
-            tellOthers();
+            if (self) tellOthers();
         });
     });
 }

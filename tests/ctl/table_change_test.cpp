@@ -208,6 +208,26 @@ TEST_F(TableChange, TakesOneChangeAtATimeAndKnowsWhatBelongsTogether) {
         EXPECT_EQ(table(wrong).exitCode, 2) << wrong;
 }
 
+TEST_F(TableChange, AFileThatAsksForMoreColumnsThanAreStoredLosesNoChange) {
+    setCells("VE", {{240, "10"}, {241, "20"}, {224, "10"}, {225, "20"}});  // the two upper rows
+    ASSERT_EQ(onFile("cell", "2293 20").exitCode, 0);
+    EXPECT_EQ(table("VE --smooth 1,1:1,2 --strength 5").exitCode, 0);
+    EXPECT_EQ(cell("VE", 1, 1), "15");
+    EXPECT_EQ(cell("VE", 1, 2), "17.5");
+    EXPECT_EQ(cell("VE", 2, 1), "10");
+    EXPECT_EQ(refusal("VE --apply =5 --cells 1,17:2,18"),
+              "No cells 1,17:2,18: VE has 16 rows and 16 columns\n");
+    EXPECT_EQ(refusal("VE --smooth 1,15:16,20 --strength 5"),
+              "No cells 1,15:16,20: VE has 16 rows and 16 columns\n");
+    EXPECT_EQ(refusal("VE --remove-column 18"), "No column 18: VE has 16 rows and 16 columns\n");
+}
+
+TEST_F(TableChange, AListOfHeadersWithoutANumberIsRefused) {
+    for (const char* list : {"','", "';'", "' '"})
+        EXPECT_THAT(refusal(std::string("VE --rebin ") + list), HasSubstr("list of headers is empty"))
+            << list;
+}
+
 TEST_F(TableChange, AFileWhoseEndIsMissingIsNotChanged) {
     fs::resize_file(file, fs::file_size(file) - 400);
     EXPECT_THAT(refusal("VE --apply =5 --cells 1,1"), HasSubstr("--force takes it all the same"));

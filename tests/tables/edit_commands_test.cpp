@@ -145,5 +145,24 @@ TEST_F(EditCommands, CopyingOutwardSaysWhereThereIsNothingLeft) {
     EXPECT_EQ(unit.get("VE", 2), 4);
 }
 
+TEST_F(EditCommands, OfATableThatAsksForMoreThanIsStoredOnlyStoredCellsChange) {
+    size(16, 20);
+    unit.set("VE", 10, 0);
+    unit.set("VE", 30, 2);
+    unit.set("VE", 7, 16);  // the next stored row, which column 17 of the lowest row seems to be
+    open("VE");
+    cursor.select(16, 1, 16, 20);
+    EXPECT_TRUE(run("mnuSmooth_5").empty());
+    EXPECT_EQ(unit.get("VE", 16), 7);
+    cursor.select(16, 1, 16, 3);
+    unit.set("VE", 10, 0);
+    unit.set("VE", 30, 2);
+    open("VE");
+    cursor.select(16, 1, 16, 3);
+    run("mnuInterpolate");
+    EXPECT_EQ(unit.get("VE", 1), 20);
+    EXPECT_EQ(unit.get("VE", 16), 7);
+}
+
 }  // namespace
 }  // namespace zentaq

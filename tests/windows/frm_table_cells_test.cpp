@@ -132,6 +132,19 @@ TEST_F(TableCells, OnTheFlyAChangeOfAxesIsAskedAndNoLeavesThem) {
     EXPECT_EQ(grid().model()->columnCount(), 15);
 }
 
+TEST_F(TableCells, TheLineInHandIsTakenThoughTheEngineMovesUnderTheQuestion) {
+    unit().ONFLY_MODE(true);
+    stand(16, 3);
+    keyTo(grid(), Qt::Key_Escape);  // the engine may carry the cursor away
+    fake.dialogs.meanwhile = [&](const std::string& title) {
+        if (title == "Unit Connected") form().Show_Current_Activity(6000, 60);
+    };
+    fake.dialogs.answers.push_back(Answer::Yes);
+    run("mnuRmvCol");
+    fake.dialogs.meanwhile = {};
+    EXPECT_EQ(unit().get("RPMTBL", 2), 2000) << "1500 rpm has gone";
+}
+
 TEST_F(TableCells, WhatIsBeingTypedIsEnteredBeforeACommand) {
     stand(16, 1);
     type("12");
@@ -287,6 +300,9 @@ TEST_F(TableCells, AxesThatCannotBeTakenSayWhyAndBarTheButton) {
         columns->setText("500, 400");
         EXPECT_FALSE(button->isEnabled());
         EXPECT_EQ(state->text(), "2 columns: a table has 8 to 16");
+        columns->setText(" , ");
+        EXPECT_FALSE(button->isEnabled());
+        EXPECT_EQ(state->text(), "Enter the headers of the columns");
         columns->setText("500, x");
         EXPECT_THAT(state->text().toStdString(), HasSubstr("x is no number"));
         columns->setText("1, 2, 3, 4, 5, 6, 7, 30000");
