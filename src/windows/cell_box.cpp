@@ -58,11 +58,7 @@ void CellBox::place(GridCell at) {
 }
 
 void CellBox::setMode(DisplayMode mode) {
-    const LookColors& look = lookColors(mode);
-    QPalette colors = palette();
-    colors.setColor(QPalette::Base, look.highlight);
-    colors.setColor(QPalette::Text, look.highlightText);
-    setPalette(colors);
+    showActing(*this, mode);
 }
 
 }  // namespace zentaq

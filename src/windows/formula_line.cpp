@@ -40,11 +40,7 @@ void FormulaLine::open(const QString& text, int row, int column) {
 }
 
 void FormulaLine::setMode(DisplayMode mode) {
-    const LookColors& look = lookColors(mode);
-    QPalette colors = palette();
-    colors.setColor(QPalette::Base, look.highlight);
-    colors.setColor(QPalette::Text, look.highlightText);
-    setPalette(colors);
+    showActing(*this, mode);
 }
 
 }  // namespace zentaq

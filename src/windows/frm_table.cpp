@@ -338,9 +338,13 @@ bool FrmTable::gridKey(const QKeyEvent& event) {
 }
 
 bool FrmTable::boxEvent(QEvent* event) {
+    return entryEvent(event, {[this] { leaveEdit(); }, [this] { commitEdit(); }, [this] { closeEdit(); }});
+}
+
+bool FrmTable::entryEvent(QEvent* event, const EntryEnds& ends) {
     if (event->type() == QEvent::FocusOut) {
         const bool stays = staysInField(static_cast<QFocusEvent*>(event)->reason());
-        if (!committing_ && !moving_ && !stays) leaveEdit();
+        if (!committing_ && !moving_ && !stays) ends.leave();
         return false;
     }
     if (event->type() != QEvent::KeyPress) return false;
@@ -351,11 +355,11 @@ bool FrmTable::boxEvent(QEvent* event) {
         return true;
     }
     if (isEnterKey(key)) {
-        commitEdit();
+        ends.enter();
         return true;
     }
     if (key.key() != Qt::Key_Escape) return false;
-    closeEdit();
+    ends.close();
     Grid1_->setFocus();
     return true;
 }

@@ -121,6 +121,13 @@ class FrmTable : public QWidget, public DockingForm {
     bool gridEvent(QEvent* event);
     bool viewportEvent(QEvent* event);
     bool boxEvent(QEvent* event);
+    /// How an entry over the cells ends.
+    struct EntryEnds {
+        std::function<void()> leave;  ///< the keyboard goes elsewhere
+        std::function<void()> enter;
+        std::function<void()> close;  ///< Esc
+    };
+    bool entryEvent(QEvent* event, const EntryEnds& ends);
     bool timeFieldEvent(QLineEdit* field, QEvent* event);
     bool formulaEvent(QEvent* event);
     bool gridKey(const QKeyEvent& event);

@@ -5,8 +5,6 @@
 #include <QShortcut>
 
 #include "base/errors.h"
-#include "qt/enter_key.h"
-#include "qt/field_focus.h"
 #include "qt/paper.h"
 #include "qt/qt_text.h"
 #include "tables/line_commands.h"
@@ -174,25 +172,8 @@ void FrmTable::openFormula(const QString& start) {
 }
 
 bool FrmTable::formulaEvent(QEvent* event) {
-    if (event->type() == QEvent::FocusOut) {
-        const bool stays = staysInField(static_cast<QFocusEvent*>(event)->reason());
-        if (!committing_ && !moving_ && !stays) closeFormula();
-        return false;
-    }
-    if (event->type() != QEvent::KeyPress) return false;
-    const auto& key = *static_cast<QKeyEvent*>(event);
-    if (keysWait() || (locked_ && isEnterKey(key))) {
-        ahead_->holdKey(key);
-        return true;
-    }
-    if (isEnterKey(key)) {
-        commitFormula();
-        return true;
-    }
-    if (key.key() != Qt::Key_Escape) return false;
-    closeFormula();
-    Grid1_->setFocus();
-    return true;
+    return entryEvent(event,
+                      {[this] { closeFormula(); }, [this] { commitFormula(); }, [this] { closeFormula(); }});
 }
 
 bool FrmTable::commitFormula() {

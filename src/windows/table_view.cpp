@@ -117,6 +117,14 @@ int TableGridModel::trail(const QModelIndex& index) const {
 
 // ---- View
 
+void showActing(QWidget& field, DisplayMode mode) {
+    const LookColors& look = lookColors(mode);
+    QPalette colors = field.palette();
+    colors.setColor(QPalette::Base, look.highlight);
+    colors.setColor(QPalette::Text, look.highlightText);
+    field.setPalette(colors);
+}
+
 TableGridView::TableGridView(QWidget* parent)
     : QTableView(parent),
       cells_(new TableGridModel(this)),

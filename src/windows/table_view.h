@@ -51,6 +51,9 @@ class TableGridModel : public QAbstractTableModel {
     int columns_ = 0;
 };
 
+/// A field over the cells: what is typed into it acts on them.
+void showActing(QWidget& field, DisplayMode mode);
+
 class TableGridView : public QTableView {
     Q_OBJECT
 
