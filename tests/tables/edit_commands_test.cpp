@@ -15,12 +15,7 @@ using ::testing::HasSubstr;
 
 class EditCommands : public TableWindow {
  protected:
-    EditCommands() {
-        for (int i = 0; i < storedCells; ++i) {
-            unit.set("ADV", 30, i);
-            unit.set("Get_AFR", 14, i);
-        }
-    }
+    EditCommands() { fillAdvanceAndRatio(); }
     std::string why(std::string_view name) { return editCommandOf(name)->whyNot(model); }
     std::vector<Refusal> run(std::string_view name) { return editCommandOf(name)->run(model); }
 };

@@ -12,12 +12,7 @@ using ::testing::ElementsAre;
 
 class LineCommands : public TableWindow {
  protected:
-    LineCommands() {
-        for (int i = 0; i < storedCells; ++i) {
-            unit.set("ADV", 30, i);
-            unit.set("Get_AFR", 14, i);
-        }
-    }
+    LineCommands() { fillAdvanceAndRatio(); }
     /// Cell by stored row and column of a table with 16 columns in store.
     float stored(int base, int row, int column) { return unit.DirectIndex(base + row * 16 + column); }
     void put(int base, int row, int column, float value) {

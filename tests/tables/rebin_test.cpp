@@ -16,10 +16,7 @@ using ::testing::HasSubstr;
 class Rebin : public TableWindow {
  protected:
     Rebin() {
-        for (int i = 0; i < storedCells; ++i) {
-            unit.set("ADV", 30, i);
-            unit.set("Get_AFR", 14, i);
-        }
+        fillAdvanceAndRatio();
         size(8, 8);
         open("VE");
     }

@@ -20,12 +20,6 @@ class TableEdges : public TableWindow {
         for (const int index : indexes) values.push_back(unit.get("VE", index));
         return values;
     }
-    void fillAdvanceAndRatio() {
-        for (int i = 0; i < storedCells; ++i) {
-            unit.set("ADV", 30, i);
-            unit.set("Get_AFR", 14, i);
-        }
-    }
 };
 
 // ---- Sizes and axes

@@ -39,6 +39,13 @@ class TableWindow : public ::testing::Test {
         unit.SET_TBL_DIMENSIONS("VE", "ROWS", rows);
         unit.SET_TBL_DIMENSIONS("VE", "COLS", columns);
     }
+    /// Values that advance and ratio take: an empty calibration has 0, which is none.
+    void fillAdvanceAndRatio() {
+        for (int i = 0; i < storedCells; ++i) {
+            unit.set("ADV", 30, i);
+            unit.set("Get_AFR", 14, i);
+        }
+    }
     void open(std::string_view table) { model.Setup_Grid(table, "A table", false); }
     EntryOutcome press(char key) {
         return model.keyOnGrid(key) == KeyResult::Nudge ? editor.nudge(key == '.') : EntryOutcome();
