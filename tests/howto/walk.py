@@ -85,12 +85,12 @@ class Workshop:
         start = next(i for i, word in enumerate(words) if re.search(r"(\+\+|clang)[-\d]*$", word))
         flags, skip = [], False
         for word in words[start:]:
-            if skip or word in ("-o", "-c", "-include", "-MF", "-MT"):
+            if skip or word in ("-o", "-c", "-MF", "-MT"):
                 skip = not skip
-            elif word not in ("-fpch-preprocess", "-Winvalid-pch", "-MD"):
+            elif word not in ("-fpch-preprocess", "-MD"):
                 word = word.replace(f"-I{ROOT}/", f"-I{self.folder}/")
                 flags.append(word.replace(f'ZENTAQ_SOURCE_DIR="{ROOT}"', f'ZENTAQ_SOURCE_DIR="{self.folder}"'))
-        return flags + ["-O0"]
+        return flags
 
     def compile(self, source, target):
         """`source` as the target's files are compiled. The object."""
