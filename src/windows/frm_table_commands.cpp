@@ -26,22 +26,22 @@ void FrmTable::makeToolbar() {
     Toolbar1_->add({"Save", "Save", "Save: write the grid back to the calibration", false, "Save"},
                    run([this] { saveGrid(); }));
     Toolbar1_->add({"Colors", "Turn Overlay OFF"}, run([this] { toggleColors(); }), overlay);
-    Toolbar1_->add({"ColorsNorm", "Normal Colors", "", true}, run([this] { setColourMode(0); }), overlay);
-    Toolbar1_->add({"ColorsAFR", "AFR Colors", "", true}, run([this] { setColourMode(1); }), overlay);
+    Toolbar1_->add({"ColorsNorm", "&Normal Colors", "", true}, run([this] { setColourMode(0); }), overlay);
+    Toolbar1_->add({"ColorsAFR", "&AFR Colors", "", true}, run([this] { setColourMode(1); }), overlay);
     Toolbar1_->add({"ColorsPersist", "Color Persist ON"}, run([this] { colorsPersist(); }), overlay);
-    Toolbar1_->add({"ColorsWhiteOut", "White Out"}, run([this] { colorsWhiteOut(); }), overlay);
-    Toolbar1_->add({"Pulsewidth", "Pulse Width (Shift+P)", "", true}, rebuild(&TableModel::togglePulsewidth),
+    Toolbar1_->add({"ColorsWhiteOut", "&White Out"}, run([this] { colorsWhiteOut(); }), overlay);
+    Toolbar1_->add({"Pulsewidth", "&Pulse Width (Shift+P)", "", true}, rebuild(&TableModel::togglePulsewidth),
                    view);
-    Toolbar1_->add({"DutyCycle", "Duty Cycle (Shift+D)", "", true}, rebuild(&TableModel::toggleDutyCycle),
+    Toolbar1_->add({"DutyCycle", "Duty C&ycle (Shift+D)", "", true}, rebuild(&TableModel::toggleDutyCycle),
                    view);
-    Toolbar1_->add({"Absolute", "Absolute VE (Shift+A)", "", true}, rebuild(&TableModel::toggleAbsolute),
+    Toolbar1_->add({"Absolute", "&Absolute VE (Shift+A)", "", true}, rebuild(&TableModel::toggleAbsolute),
                    view);
-    Toolbar1_->add({"Invert", "Invert Rows", "", true, "Invert"}, rebuild(&TableModel::invert), view);
-    Toolbar1_->add({"Graph", "Graph", "", false, "Graph"}, run([this] { graph(); }), view);
-    Toolbar1_->add({"AutoVE", "AutoVE", "", false, "AutoVE"}, {}, view);
+    Toolbar1_->add({"Invert", "&Invert Rows", "", true, "Invert"}, rebuild(&TableModel::invert), view);
+    Toolbar1_->add({"Graph", "&Graph", "", false, "Graph"}, run([this] { graph(); }), view);
+    Toolbar1_->add({"AutoVE", "Auto&VE", "", false, "AutoVE"}, {}, view);
     Toolbar1_->addSeparatorTo(view);
-    Toolbar1_->add({"Reset", "Reset", "", false, "Reset"}, rebuild(&TableModel::reset), view);
-    Toolbar1_->add({"Discard", "Discard Changes", "", false, "Discard"}, run([this] { discard(); }), view);
+    Toolbar1_->add({"Reset", "&Reset", "", false, "Reset"}, rebuild(&TableModel::reset), view);
+    Toolbar1_->add({"Discard", "Di&scard Changes", "", false, "Discard"}, run([this] { discard(); }), view);
     addCellCommands();
     addCompareCommands();
     Toolbar1_->add({"Manage", "Manage", "Manage: to the place of this table in the tree", false, "Manage"},

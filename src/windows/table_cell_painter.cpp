@@ -1,6 +1,7 @@
 #include "windows/table_cell_painter.h"
 
 #include <QPainter>
+#include <algorithm>
 
 #include "qt/contrast.h"
 #include "tables/cell_ground.h"
@@ -34,10 +35,10 @@ void TableCellPainter::paint(QPainter* painter, const QStyleOptionViewItem& opti
     painter->setPen(QColor::fromRgb(cellInk(ground, plain(look.text))));
     painter->setFont(option.font);
     const int gap = space(option.fontMetrics, Space::Tight);
+    const QString text = index.data(Qt::DisplayRole).toString();
     painter->drawText(option.rect.adjusted(0, 0, -gap, 0),
-                      Qt::AlignRight | Qt::AlignVCenter | Qt::TextDontClip,
-                      index.data(Qt::DisplayRole).toString());
-    drawNote(*painter, option, view_.cells().note(index), back);
+                      Qt::AlignRight | Qt::AlignVCenter | Qt::TextDontClip, text);
+    drawNote(*painter, option, text, view_.cells().note(index), back);
     const QColor wanted = keyboard ? look.focus : look.edge;
     const QColor frame = outlineFor(wanted, back).value_or(wanted);
     const int width = keyboard ? edgeWidth(option.fontMetrics) : 1;
@@ -53,11 +54,15 @@ void TableCellPainter::paint(QPainter* painter, const QStyleOptionViewItem& opti
 
 // A triangle in the upper corner where the value is higher than the other one, in the lower one where it is
 // lower; the number beside it where the cell has the room.
-void TableCellPainter::drawNote(QPainter& painter, const QStyleOptionViewItem& option, const QString& note,
-                                const QColor& ground) const {
+void TableCellPainter::drawNote(QPainter& painter, const QStyleOptionViewItem& option, const QString& text,
+                                const QString& note, const QColor& ground) const {
     if (note.isEmpty()) return;
     const QRect cell = option.rect;
-    const int size = space(option.fontMetrics, Space::Line) + edgeWidth(option.fontMetrics);
+    // As large as the digits leave it room for.
+    const int least = space(option.fontMetrics, Space::Line) + edgeWidth(option.fontMetrics);
+    const int free = cell.width() - option.fontMetrics.horizontalAdvance(text) -
+                     2 * space(option.fontMetrics, Space::Tight);
+    const int size = std::max(least, std::min(free, cell.height() * 2 / 5));
     const bool lower = note.startsWith(QLatin1Char('-'));
     const QPoint corner = lower ? cell.bottomLeft() + QPoint(0, 1) : cell.topLeft();
     const QPolygon triangle({corner, corner + QPoint(size, 0), corner + QPoint(0, lower ? -size : size)});

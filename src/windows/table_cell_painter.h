@@ -21,8 +21,8 @@ class TableCellPainter : public QStyledItemDelegate {
     void drawEndsOfSelection(QPainter& painter, const QRect& cell, const QModelIndex& index,
                              const QColor& color, int width) const;
 
-    void drawNote(QPainter& painter, const QStyleOptionViewItem& option, const QString& note,
-                  const QColor& ground) const;
+    void drawNote(QPainter& painter, const QStyleOptionViewItem& option, const QString& text,
+                  const QString& note, const QColor& ground) const;
 
     const TableGridView& view_;
 };

@@ -84,8 +84,7 @@ QMenu* TableToolbar::menu(const char* name) {
 
 void TableToolbar::add(const Item& item, std::function<void(const QString& caption)> run,
                        const char* menuName) {
-    const QString caption = item.caption;
-    auto* action = named(new QAction(caption, this), item.key);
+    auto* action = named(new QAction(item.caption, this), item.key);
     if (*item.icon != '\0') action->setIcon(icon(item.icon));
     action->setCheckable(item.checkable);
     if (*item.tip != '\0') action->setToolTip(item.tip);
@@ -95,7 +94,7 @@ void TableToolbar::add(const Item& item, std::function<void(const QString& capti
     } else {
         menu(menuName)->addAction(action);
     }
-    if (run) connect(action, &QAction::triggered, this, [run = std::move(run), caption] { run(caption); });
+    if (run) onTriggered(*action, std::move(run));
     actions_[item.key] = action;
 }
 
@@ -103,9 +102,14 @@ void TableToolbar::addNamed(const QString& name, const QString& caption,
                             std::function<void(const QString& caption)> run, const char* menuName) {
     auto* action = named(new QAction(caption, this), name);
     menu(menuName)->addAction(action);
-    const QString shown = caption.section(u'\t', 0, 0).remove(u'&');
-    connect(action, &QAction::triggered, this, [run = std::move(run), shown] { run(shown); });
+    onTriggered(*action, std::move(run));
     actions_[name] = action;
+}
+
+/// The caption as it is read: without its key and the mark of its letter.
+void TableToolbar::onTriggered(QAction& action, std::function<void(const QString& caption)> run) {
+    const QString shown = action.text().section(u'\t', 0, 0).remove(u'&');
+    connect(&action, &QAction::triggered, this, [run = std::move(run), shown] { run(shown); });
 }
 
 QToolButton* TableToolbar::makeAxisButton(char axis, QWidget* parent) {

@@ -66,6 +66,7 @@ class TableToolbar : public QWidget {
     void changeEvent(QEvent* event) override;
 
  private:
+    void onTriggered(QAction& action, std::function<void(const QString& caption)> run);
     QToolButton* makeButton(const QString& name, const QString& icon);
     QLabel* makeBadge(const char* name, const QString& meaning, std::span<const std::string_view> texts);
     QToolButton* button(const QString& name) const;
