@@ -105,6 +105,10 @@ Database& Session::requireReference() {
     return *database;
 }
 
+bool Session::heatScaleChosen() const {
+    return platform_.settings.get(settings::system, settings::CellScale) == "1";
+}
+
 double Session::settingNumber(const std::string& key) const {
     return numberOf(platform_.settings.get(settings::system, key));
 }

@@ -161,6 +161,8 @@ class Session : public UnitHost, public LinkTeller, public FileInHand {
 
     /// A setting as a number; TypeMismatch where it has no value, which each caller's policy handles.
     double settingNumber(const std::string& key) const;
+    /// The cells of all tables stand on the heat scale.
+    bool heatScaleChosen() const;
     /// One firing of the dashboard's timer: polls the unit, and opens a port that has appeared.
     void poll(bool secondTabShowing);
     /// Begins or ends the wire trace by the setting.

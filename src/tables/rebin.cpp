@@ -113,10 +113,6 @@ RebinnedTable rebinnedTable(const TableSheet& sheet, std::string_view name, cons
     return table;
 }
 
-bool holdsAlready(Unit& unit, std::string_view table, float value, int index) {
-    return numberText(get_binValueByIndex(unit, table, index, false)) == numberText(value);
-}
-
 template <typename Each>
 void forEachCell(const Rebinning& plan, Each&& each) {
     const int rows = static_cast<int>(plan.axes.rows.size());
@@ -192,7 +188,7 @@ std::vector<Refusal> refusedOf(const TableSheet& sheet, const Rebinning& plan) {
     forEachCell(plan, [&](std::string_view table, int index, float value, const std::string& where) {
         // What stays as it is shown is not written: it may hold more digits than are shown, or what no entry
         // gives.
-        if (holdsAlready(sheet.unit(), table, value, index)) return;
+        if (showsAlready(sheet.unit(), table, value, index, false)) return;
         noteRefusal(refused, checkLimits(value, cellLimits(sheet.unit(), table, false)), where);
     });
     return refused;
@@ -206,7 +202,7 @@ std::vector<Refusal> store(TableSheet& sheet, const Rebinning& plan) {
     Unit& unit = sheet.unit();
     unit.SILENT_MODE(false);
     forEachCell(plan, [&](std::string_view table, int index, float value, const std::string& where) {
-        if (holdsAlready(unit, table, value, index)) return;
+        if (showsAlready(unit, table, value, index, false)) return;
         noteRefusal(refused, sheet.storeValue(table, value, index), where);
     });
     unit.SET_TBL_DIMENSIONS(sheet.table(), "ROWS", static_cast<int>(plan.axes.rows.size()));

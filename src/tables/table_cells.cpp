@@ -46,6 +46,13 @@ float get_binValueByIndex(Unit& unit, std::string_view table, int index, bool ab
     return absolute != nullptr ? value + absolute->base : value;
 }
 
+bool showsAlready(Unit& unit, std::string_view table, float value, int index, bool absoluteVe) {
+    const TableKind* kind = findTable(table);
+    if (kind == nullptr) return false;
+    const float kept = kind->isGpo() ? roundTo(value, 0) : value;
+    return numberText(get_binValueByIndex(unit, table, index, absoluteVe)) == numberText(kept);
+}
+
 EntryOutcome set_binValueByIndex(Unit& unit, std::string_view table, float value, int index,
                                  bool absoluteVe) {
     const TableKind* kind = findTable(table);

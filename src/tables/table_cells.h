@@ -22,6 +22,8 @@ std::string cellName(int row, int column);
 float get_binValueByIndex(Unit& unit, std::string_view table, int index, bool absoluteVe);
 /// The mirror of the getter; an output table takes a 16-bit whole number.
 EntryOutcome set_binValueByIndex(Unit& unit, std::string_view table, float value, int index, bool absoluteVe);
+/// The table shows this value already, in the digits that a cell shows: fewer than the calibration may hold.
+bool showsAlready(Unit& unit, std::string_view table, float value, int index, bool absoluteVe);
 
 /// What every cell of a table takes, by whatever way it comes; Limits::none() for a name that is no table.
 Limits cellLimits(Unit& unit, std::string_view table, bool absoluteVe);

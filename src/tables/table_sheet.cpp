@@ -140,9 +140,7 @@ void TableSheet::showStored(int row, int column) {
 // ---- The whole grid
 
 bool TableSheet::holdsAlready(float value, int index) const {
-    // Compared as shown: a cell shows fewer digits than the calibration may hold.
-    const float kept = kind().isGpo() ? roundTo(value, 0) : value;
-    return numberText(this->value(index)) == numberText(kept);
+    return showsAlready(unit_, table(), value, index, absoluteVe_);
 }
 
 EntryOutcome TableSheet::saveCell(int row, int column, const Limits& limits) {

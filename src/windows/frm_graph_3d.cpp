@@ -13,7 +13,6 @@
 #include "app/surface_windows.h"
 #include "base/errors.h"
 #include "base/number_text.h"
-#include "base/settings_keys.h"
 #include "qt/help_key.h"
 #include "qt/plain_label.h"
 #include "qt/qt_text.h"
@@ -219,7 +218,7 @@ void FrmGraph3D::follow() {
 
 void FrmGraph3D::clearTableColours() {
     if (model_ == nullptr) return;
-    model_->heatScale(session_.settings().get(settings::system, settings::CellScale) == "1");
+    model_->heatScale(session_.heatScaleChosen());
     if (picture_ != nullptr) picture_->update();
 }
 

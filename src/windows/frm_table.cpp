@@ -135,7 +135,7 @@ void FrmTable::Setup_Grid(const std::string& table, const std::string& title) {
     }
     TableModel& shown = fresh ? *fresh : *model_;
     shown.overlay().colourMode(colourModeOf(session_.TableColorMode));
-    shown.overlay().heatScale(heatChosen());
+    shown.overlay().heatScale(session_.heatScaleChosen());
     // Throws for a table that cannot be shown: the window keeps the one that it has, and an open edit.
     const auto refused = shown.Setup_Grid(table, title, shown.sheet().inverted());
     closeEdit();
@@ -166,10 +166,6 @@ void FrmTable::showUnit() {
     sizeColumns();
     placeEdit();
     tell(refused);
-}
-
-bool FrmTable::heatChosen() const {
-    return session_.settings().get(settings::system, settings::CellScale) == "1";
 }
 
 void FrmTable::sizeColumns() {

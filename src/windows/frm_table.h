@@ -205,7 +205,6 @@ class FrmTable : public QWidget, public DockingForm {
     void setColourMode(int mode);
     void showAll();
     void sizeColumns();
-    bool heatChosen() const;
     void showCursor();
     void selectionChanged();
     void drawLive();

@@ -21,6 +21,7 @@ namespace {
 
 constexpr auto cellsMenu = "Cells";
 constexpr auto compareMenu = "View";
+constexpr auto changedMeanwhile = "New axes: not done, the table has changed meanwhile.";
 
 QString bare(std::string_view caption) {
     return qString(caption).remove(u'&');
@@ -245,8 +246,9 @@ void FrmTable::rebin() {
     letCursorGo();
     if (!accepted || wanted == before) return;
     if (model != model_ || table != tableName() || before != axesOf(model->sheet()))
-        return session_.notice("New axes: not done, the table has changed meanwhile.");
-    if (!axesAgreed() || before != axesOf(model->sheet())) return;
+        return session_.notice(changedMeanwhile);
+    if (!axesAgreed()) return;
+    if (before != axesOf(model->sheet())) return session_.notice(changedMeanwhile);
     std::vector<Refusal> refused;
     bool done = false;
     endOnFailure(

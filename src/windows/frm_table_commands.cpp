@@ -129,7 +129,7 @@ void FrmTable::clearTableColours() {
     if (!model_) return;
     LiveOverlay& overlay = model_->overlay();
     overlay.colourMode(colourModeOf(session_.TableColorMode));
-    overlay.heatScale(heatChosen());
+    overlay.heatScale(session_.heatScaleChosen());
     // Kept: without the scale the grid stays white until it is built anew.
     overlay.heatScale() ? overlay.paintAnew() : overlay.colorizeGraph(true);
     showItems();
