@@ -21,6 +21,7 @@
 
 #include "base/shown_text.h"
 #include "base/text.h"
+#include "qt/box_fit.h"
 #include "qt/qt_text.h"
 
 namespace zentaq {
@@ -83,19 +84,6 @@ Answer answerOf(int button, Buttons offered) {
     }
     if (offered == Buttons::OkCancel || offered == Buttons::Cancel) return Answer::Cancel;
     return offered == Buttons::YesNo ? Answer::No : Answer::Ok;
-}
-
-/// A box is as wide as its longest line where the screen has room: its lines are broken where they are meant
-/// to be.
-void widenToLines(QMessageBox& message) {
-    auto* label = message.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
-    if (label == nullptr) return;
-    // Qt makes no box wider than this, icon and margins included.
-    const int widestBox = std::min(message.screen()->availableGeometry().width() - 480, 1000);
-    const int besideText = 3 * message.style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, &message);
-    const int widestLine = label->fontMetrics().size(Qt::TextExpandTabs, message.text()).width();
-    // A longer line is broken by Qt, which does so only in a label that asks for nothing.
-    if (widestLine <= widestBox - besideText) label->setMinimumWidth(widestLine);
 }
 
 /// Qt's own file dialog: two thirds of the screen, names whole, the user's folders beside them where there is
@@ -193,7 +181,7 @@ Answer QtDialogs::show(const Box& box) {
     message->setIcon(iconOf(box.icon));
     message->setStandardButtons(buttonsOf(box.buttons));
     message->setDefaultButton(defaultOf(box));
-    widenToLines(*message);
+    fitToScreen(*message);
     // Escape and the window's own button decline where declining is possible.
     if (box.buttons == Buttons::YesNo) message->setEscapeButton(QMessageBox::No);
     QTimer look;

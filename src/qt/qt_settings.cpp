@@ -11,9 +11,9 @@
 #include <system_error>
 #include <utility>
 
-#include "base/settings_keys.h"
 #include "base/errors.h"
 #include "base/file_reader.h"
+#include "base/settings_keys.h"
 #include "unit/safe_file.h"
 
 namespace zentaq {

@@ -21,7 +21,7 @@ struct KeyRow {
 };
 
 constexpr KeyRow typing[] = {
-    {"0 to 9, -", "Type a value for all selected cells; Enter takes it, Esc leaves the cells as they are"},
+    {"0 to 9, -", "Type a value for all selected cells; Enter takes it, Esc leaves them"},
     {"Space", "Edit the text of the cell"},
     {"=  +  *  /", "Change the selected cells: =12, +3, *1.05, /2, +5%; -2 behind = and Backspace"},
     {".  ,", "Add or subtract 1 (0.1 in an air/fuel ratio)"},
@@ -49,13 +49,19 @@ constexpr KeyRow showing[] = {
 FrmTableKeys::FrmTableKeys(QWidget* parent) : QDialog(parent) {
     named(this, "frmTableKeys", "Keys of a table");
     setWindowTitle("Keys of a Table");
-    lstKeys_ = named(new QTreeWidget(this), "lstKeys", "Keys and what they do");
-    lstKeys_->setColumnCount(2);
-    lstKeys_->setHeaderLabels({"Key", "What it does"});
-    lstKeys_->setRootIsDecorated(false);
-    lstKeys_->setUniformRowHeights(true);
+    lstKeys_ = named(new QTableWidget(0, 2, this), "lstKeys", "Keys and what they do");
+    lstKeys_->setHorizontalHeaderLabels({"Key", "What it does"});
+    lstKeys_->verticalHeader()->hide();
+    lstKeys_->setShowGrid(false);
+    lstKeys_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    lstKeys_->setSelectionBehavior(QAbstractItemView::SelectRows);
+    lstKeys_->setSelectionMode(QAbstractItemView::SingleSelection);
+    lstKeys_->setTabKeyNavigation(false);
     const auto add = [this](const QString& keys, const QString& meaning) {
-        lstKeys_->addTopLevelItem(new QTreeWidgetItem({keys, meaning}));
+        const int row = lstKeys_->rowCount();
+        lstKeys_->insertRow(row);
+        lstKeys_->setItem(row, 0, new QTableWidgetItem(keys));
+        lstKeys_->setItem(row, 1, new QTableWidgetItem(meaning));
     };
     for (const KeyRow& row : typing) add(row.keys, row.meaning);
     for (const EditCommand& command : editCommands()) {
@@ -63,21 +69,26 @@ FrmTableKeys::FrmTableKeys(QWidget* parent) : QDialog(parent) {
     }
     for (const KeyRow& row : moving) add(row.keys, row.meaning);
     for (const KeyRow& row : showing) add(row.keys, row.meaning);
-    lstKeys_->setCurrentItem(lstKeys_->topLevelItem(0));
-    lstKeys_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    lstKeys_->setCurrentCell(0, 0);
+    lstKeys_->verticalHeader()->setMinimumSectionSize(0);
+    lstKeys_->horizontalHeader()->setHighlightSections(false);
+    lstKeys_->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    lstKeys_->resizeColumnsToContents();
+    lstKeys_->resizeRowsToContents();
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto* whole = new QVBoxLayout(this);
     whole->addWidget(lstKeys_);
     whole->addWidget(buttons);
-    const int rows = lstKeys_->topLevelItemCount() + 2;
-    for (int column = 0; column < 2; ++column) lstKeys_->resizeColumnToContents(column);
     const int wide =
         lstKeys_->columnWidth(0) + lstKeys_->columnWidth(1) + 8 * fontMetrics().averageCharWidth();
-    const int high = rows * lstKeys_->sizeHintForRow(0) + 3 * buttons->sizeHint().height();
+    const int high = lstKeys_->verticalHeader()->length() + 6 * buttons->sizeHint().height();
     const QSize room = screen()->availableGeometry().size();
     resize(std::min(wide, room.width() * 9 / 10), std::min(high, room.height() * 9 / 10));
+    // A meaning that is too long for its column goes on below.
+    lstKeys_->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
+    lstKeys_->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     lstKeys_->setFocus();
 }
 

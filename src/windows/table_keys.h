@@ -2,7 +2,7 @@
 #pragma once
 
 #include <QDialog>
-#include <QTreeWidget>
+#include <QTableWidget>
 
 namespace zentaq {
 
@@ -13,7 +13,7 @@ class FrmTableKeys : public QDialog {
     explicit FrmTableKeys(QWidget* parent);
 
  private:
-    QTreeWidget* lstKeys_ = nullptr;
+    QTableWidget* lstKeys_ = nullptr;
 };
 
 }  // namespace zentaq

@@ -153,7 +153,7 @@ QLineEdit* TableToolbar::makeTimeField(const char* name, const char* member, con
     field->setToolTip(meaning);
     field->setProperty(helpKeyProperty, QLatin1String(helpKey));
     field->setAlignment(Qt::AlignRight);
-    field->setMaximumWidth(field->fontMetrics().averageCharWidth() * 9);
+    field->setMaximumWidth(field->fontMetrics().averageCharWidth() * 8);
     field->setValidator(new TypingValidator(field));
     return field;
 }

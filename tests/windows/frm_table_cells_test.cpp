@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QShortcut>
 
+#include <QTableWidget>
 #include <QTimer>
 #include <QToolButton>
 #include <QTreeWidget>
@@ -413,7 +414,7 @@ TEST_F(TableCells, TheAxisButtonsOfAnOutputTableOfferFifteenKinds) {
 
 TEST_F(TableCells, TheKeyListNamesTheKeysOfAllCommands) {
     during<FrmTableKeys>("Keys", [](FrmTableKeys& box) {
-        auto* list = box.findChild<QTreeWidget*>("lstKeys");
+        auto* list = box.findChild<QTableWidget*>("lstKeys");
         for (const EditCommand& command : editCommands()) {
             EXPECT_EQ(list->findItems(QString::fromUtf8(command.shortcut), Qt::MatchExactly).size(), 1)
                 << command.name;
@@ -421,6 +422,20 @@ TEST_F(TableCells, TheKeyListNamesTheKeysOfAllCommands) {
     });
     activate(windows.main());
     EXPECT_TRUE(grid().hasFocus());
+}
+
+TEST_F(TableCells, TheKeyListBreaksItsLinesWhereItIsNarrow) {
+    during<FrmTableKeys>("Keys", [](FrmTableKeys& box) {
+        const auto* list = box.findChild<QTableWidget*>("lstKeys");
+        box.resize(1000, box.height());
+        settle();
+        EXPECT_EQ(list->rowHeight(0), list->rowHeight(1));
+        box.resize(550, box.height());
+        settle();
+        EXPECT_EQ(list->horizontalScrollBar()->maximum(), 0);
+        EXPECT_GE(list->rowHeight(0), 2 * list->fontMetrics().height());
+        EXPECT_LT(list->rowHeight(1), 2 * list->fontMetrics().height());
+    });
 }
 
 TEST_F(TableCells, EveryKeyOfACommandIsAtWork) {

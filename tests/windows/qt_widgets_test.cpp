@@ -8,6 +8,9 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTimer>
 #include <deque>
 
@@ -186,6 +189,41 @@ TEST(QtDialogs, ALineThatIsTooLongForTheScreenIsBrokenAndNotCut) {
         box.close();
     });
     dialogs.show({.title = "Failed", .text = text, .icon = Icon::Exclamation});
+    EXPECT_TRUE(shown);
+}
+
+TEST(QtDialogs, ATextThatIsHigherThanTheScreenScrollsAndTheButtonsStayInSight) {
+    QtDialogs dialogs;
+    std::string lines = "line 1";
+    std::string paragraph;
+    for (int i = 2; i <= 90; ++i) lines += "\nline " + std::to_string(i);
+    for (int i = 0; i < 110; ++i) paragraph += "There is now no firmware. ";
+    for (const std::string& text : {lines, lines + "\n" + paragraph}) {
+        bool shown = false;
+        whenOpen<QMessageBox>([&](QMessageBox& box) {
+            const auto* area = box.findChild<QScrollArea*>("boxText");
+            ASSERT_NE(area, nullptr);
+            shown = true;
+            EXPECT_LE(box.height(), box.screen()->availableGeometry().height());
+            EXPECT_TRUE(box.rect().contains(box.button(QMessageBox::Ok)->geometry()));
+            EXPECT_GT(area->verticalScrollBar()->maximum(), 0);
+            EXPECT_LE(area->widget()->width(), area->viewport()->width());
+            box.close();
+        });
+        dialogs.show({.title = "Refused", .text = text, .icon = Icon::Exclamation});
+        EXPECT_TRUE(shown);
+    }
+}
+
+TEST(QtDialogs, AShortTextHasNothingToScroll) {
+    QtDialogs dialogs;
+    bool shown = false;
+    whenOpen<QMessageBox>([&](QMessageBox& box) {
+        shown = true;
+        EXPECT_EQ(box.findChild<QScrollArea*>("boxText"), nullptr);
+        box.close();
+    });
+    dialogs.show({.title = "Refused", .text = "one\ntwo\nthree", .icon = Icon::Exclamation});
     EXPECT_TRUE(shown);
 }
 
