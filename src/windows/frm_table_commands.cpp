@@ -111,6 +111,10 @@ void FrmTable::discard() {
     markIfWritten(written);
     showAll();
     tell(refused);
+    if (!self || model != model_ || model_->sheet().cellsWritten() == written) return;
+    // Kept: nothing of it is sent, so that the engine runs on with what it was given.
+    if (model_->sheet().unit().ONFLY_MODE())
+        session_.notice("Discarded in the calibration alone: the running unit keeps its values.");
 }
 
 void FrmTable::toggleColors() {

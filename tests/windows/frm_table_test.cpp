@@ -713,6 +713,27 @@ TEST_F(Table, DiscardingBringsBackTheValuesAndCountsAsAChange) {
     EXPECT_TRUE(fake.session.DataModified);
 }
 
+TEST_F(Table, WhatIsDiscardedOnTheFlyIsNotSentAndTheTunerHearsOfIt) {
+    showStored(7);
+    stand(16, 1);
+    const auto discard = [&] {
+        fake.dialogs.answers.push_back(Answer::Yes);
+        tool("Discard")->trigger();
+    };
+    const auto notice = [&] { return fake.session.notices.text(fake.clock.monotonicUs()); };
+    enter("12");
+    discard();
+    EXPECT_EQ(notice(), "") << "no unit runs on the calibration";
+    goLive();
+    enter("12");
+    answerOnFly();
+    fake.port.written.clear();
+    discard();
+    EXPECT_EQ(ve(0), 7);
+    EXPECT_THAT(fake.port.written, IsEmpty());
+    EXPECT_EQ(notice(), "Discarded in the calibration alone: the running unit keeps its values.");
+}
+
 TEST_F(Table, ViewFollowsACalibrationThatWasChangedElsewhere) {
     unit().set("INJ_On", 0.5);
     form->Setup_Grid("", "");
