@@ -303,17 +303,8 @@ bool GeneralConfig::chooseSensorByName(std::string_view text) {
     const std::vector<MapSensorRow> rows = sensors();
     const auto sensor = std::ranges::find(rows, text, &MapSensorRow::description);
     if (sensor == rows.end()) return refuseChoice();
-    const CellMap& cells = unit().kind().cells;
-    const float rating = unit().DirectIndex(cells.mapBar);
-    const float legacy = unit().DirectIndex(cells.legacyBar);
-    noteRefused(chooseSensor(unit(), *sensor));
+    noteRefused(creating() ? chooseSensor(unit(), *sensor) : changeSensor(unit(), *sensor));
     figures_.erase("MAP_BAR");  // the sensor tells its own
-    if (!creating()) {
-        // The pressures of a filled calibration are kept by volts on the scale of this rating: with another
-        // one all of them would move.
-        unit().AssignDirectIndex(rating, cells.mapBar);
-        unit().AssignDirectIndex(legacy, cells.legacyBar);
-    }
     GeneralRow row = generalRow("cmbMAP");
     row.computes = Computes::FlowAndPulse;
     noteChange(row);

@@ -45,8 +45,9 @@ struct Field {
     int least = 0;          ///< of a slider
     int most = 0;
     int page = 0;
-    int element = 0;   ///< of an indexed member
-    std::string axis;  ///< what stands at its head: "-40", "1500"
+    int element = 0;       ///< of an indexed member
+    std::string axis;      ///< what stands at its head: "-40", "1500"
+    std::string former{};  ///< what the calibration held when it was opened, where that was another value
 };
 
 /// A caption without its access key, as a search or a screen reader takes it.

@@ -8,6 +8,7 @@
 #include "base/rounding.h"
 #include "base/text.h"
 #include "base/utf8.h"
+#include "config/ego_curve.h"
 #include "config/gui_rules.h"
 #include "config/shown_value.h"
 #include "unit/temperature.h"
@@ -42,20 +43,8 @@ void showEngine(Unit& unit, Display& shown) {
 
 // ---- Numbers
 
-/// A cell of the sensor's curve lies between its neighbours; the ends are bounded by the member's own range.
-std::string curveRange(Unit& unit, const Parameter& parameter, int element) {
-    const Limits limits = unit.limits(parameter.name, element);
-    const bool rising = unit.read(parameter, 0) < unit.read(parameter, parameter.count - 1);
-    const bool first = element == 0;
-    const bool last = element == parameter.count - 1;
-    const float left = first ? (rising ? limits.minimum : limits.maximum) : unit.read(parameter, element - 1);
-    const float right = last ? (rising ? limits.maximum : limits.minimum) : unit.read(parameter, element + 1);
-    return "(" + numberText(std::min(left, right)) + " to " + numberText(std::max(left, right)) + " AFR, 2)";
-}
-
 std::string rangeText(Unit& unit, const Parameter& parameter, int element) {
-    return parameter.name == "Y" ? curveRange(unit, parameter, element)
-                                 : shownRange(unit, parameter, element);
+    return parameter.name == "Y" ? egoRatioLimits(unit, element).text : shownRange(unit, parameter, element);
 }
 
 // ---- Fields

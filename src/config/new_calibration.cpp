@@ -222,6 +222,16 @@ RefusedMembers chooseSensor(Unit& unit, const MapSensorRow& sensor) {
     return filler.refused();
 }
 
+RefusedMembers changeSensor(Unit& unit, const MapSensorRow& sensor) {
+    const CellMap& cells = unit.kind().cells;
+    const float rating = unit.DirectIndex(cells.mapBar);
+    const float legacy = unit.DirectIndex(cells.legacyBar);
+    RefusedMembers refused = chooseSensor(unit, sensor);
+    unit.AssignDirectIndex(rating, cells.mapBar);
+    unit.AssignDirectIndex(legacy, cells.legacyBar);
+    return refused;
+}
+
 EngineFigures startingFigures(const Database& database, const UnitKind& kind) {
     const KindDefaults defaults(database, kind);
     EngineFigures figures;

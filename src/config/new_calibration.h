@@ -64,6 +64,10 @@ RefusedMembers chooseEngine(Unit& unit, const EngineRow& engine);
 /// Copies a row of the sensor list into the calibration, and the sensor's rating in bar (`MAP_BAR`).
 RefusedMembers chooseSensor(Unit& unit, const MapSensorRow& sensor);
 
+/// The same in a calibration that is filled: its pressures are kept by volts on the scale of its rating,
+/// which stays, since with another one all of them would move.
+RefusedMembers changeSensor(Unit& unit, const MapSensorRow& sensor);
+
 /// What to offer before the tuner types anything: rev limit, full scale pulse, opening time and number of
 /// injectors from table Defaults, as the kind has them. Throws Failure when the database lacks one.
 EngineFigures startingFigures(const Database& database, const UnitKind& kind);

@@ -1,5 +1,5 @@
-// The pages of the workspace as lists: every member that has a field on the page, with what the calibration
-// in hand holds. A window only puts the rows into a list.
+// The pages of the workspace that only tell, as lists: the overview of the calibration, and its pins. A
+// window only puts the rows into a list. Pages of fields are `app/page_editor.h`.
 #pragma once
 
 #include <string>
@@ -9,13 +9,12 @@
 
 namespace zentaq {
 
-/// A field by the name of its member. A member of several elements has them as `elements`, each with its stop
-/// as caption.
+/// A line of a list, with the lines below it.
 struct PageRow : Field {
     std::vector<Field> elements;
 };
 
-/// The rows of a page; none without a calibration. `file` is the one in hand.
+/// The rows of a page; none for one of fields, and without a calibration. `file` is the one in hand.
 std::vector<PageRow> pageRows(Unit& unit, int page, const std::string& file);
 
 /// A range as it stands in a column of its own.

@@ -135,7 +135,11 @@ QWidget* FrmConfig::makePageTab() {
     layout->setContentsMargins(gap, gap, gap, gap);
     lblPageTitle_ = textLabel("lblPageTitle", tab);
     lblPageTitle_->setFont(typeFont(Type::Heading));
-    pageView_ = new PageView(tab);
+    pageStack_ = new QStackedWidget(tab);
+    pageView_ = new PageView(pageStack_);
+    pageForm_ = new PageForm(session_, pageStack_);
+    pageStack_->addWidget(pageView_);
+    pageStack_->addWidget(pageForm_);
     cmdEditTable_ = namedButton("cmdEditTable", "Edit Table", tab);
     cmdEditTable_->setToolTip("Opens the output table of the pin in hand");
     cmdEditTable_->hide();
@@ -144,7 +148,7 @@ QWidget* FrmConfig::makePageTab() {
     connect(pageView_, &PageView::actionAsked, this, [this](int pin) { commands_.editPinTable(pin); });
     connect(pageView_, &QTreeWidget::currentItemChanged, this, &FrmConfig::pageRowChanged);
     layout->addWidget(lblPageTitle_);
-    layout->addWidget(pageView_, 1);
+    layout->addWidget(pageStack_, 1);
     layout->addWidget(cmdEditTable_, 0, Qt::AlignLeft);
     return tab;
 }
@@ -232,6 +236,14 @@ void FrmConfig::setupNodes() {
 }
 
 void FrmConfig::fillTree() {
+    fillNodes();
+    if (treeZentaq_->topLevelItemCount() == 0) return;
+    treeZentaq_->setCurrentItem(treeZentaq_->topLevelItem(0));
+    sstMenu_->setTabVisible(pageTab, true);
+    showPage(0, treeZentaq_->topLevelItem(0)->text(0));
+}
+
+void FrmConfig::fillNodes() {
     treeZentaq_->clear();
     std::map<std::string, QTreeWidgetItem*> items;
     if (session_.slotInHand() != 0) {
@@ -248,10 +260,25 @@ void FrmConfig::fillTree() {
     }
     treeZentaq_->expandAll();
     splTree_->shareOut();
-    if (items.empty()) return;
-    treeZentaq_->setCurrentItem(treeZentaq_->topLevelItem(0));
-    sstMenu_->setTabVisible(pageTab, true);
-    showPage(0, treeZentaq_->topLevelItem(0)->text(0));
+}
+
+void FrmConfig::followTree() {
+    if (session_.slotInHand() == 0) return;
+    std::vector<QString> keys;
+    for (const TreeNode& node : treeNodes(session_.currentUnitObject()))
+        keys.push_back(QString::fromStdString(node.key));
+    std::size_t at = 0;
+    bool same = true;
+    for (QTreeWidgetItemIterator item(treeZentaq_); *item != nullptr; ++item, ++at)
+        same = same && at < keys.size() && (*item)->data(0, keyRole).toString() == keys[at];
+    if (same && at == keys.size()) return;
+    const QString inHand = treeZentaq_->currentItem() == nullptr
+                               ? QString()
+                               : treeZentaq_->currentItem()->data(0, keyRole).toString();
+    fillNodes();
+    for (QTreeWidgetItemIterator item(treeZentaq_); *item != nullptr; ++item) {
+        if ((*item)->data(0, keyRole).toString() == inHand) treeZentaq_->setCurrentItem(*item);
+    }
 }
 
 void FrmConfig::treeClicked(const QTreeWidgetItem* item) {
@@ -262,7 +289,7 @@ void FrmConfig::treeClicked(const QTreeWidgetItem* item) {
 }
 
 void FrmConfig::showPage(int page, const QString& title) {
-    if (session_.slotInHand() == 0) return;
+    if (session_.slotInHand() == 0 || !pageForm_->commit()) return;
     page_ = page;
     lblPageTitle_->setText(title);
     cmdEditTable_->setVisible(page == managerPage);
@@ -270,9 +297,22 @@ void FrmConfig::showPage(int page, const QString& title) {
     sstMenu_->setCurrentIndex(pageTab);
 }
 
+bool FrmConfig::hasFields() const {
+    return session_.slotInHand() != 0 && !fieldsOfPage(page_).empty();
+}
+
 void FrmConfig::showRows(bool again) {
-    pageView_->show(pageRows(session_.currentUnitObject(), page_, session_.CurrentFile), onFly_, again);
+    pageStack_->setCurrentWidget(hasFields() ? static_cast<QWidget*>(pageForm_) : pageView_);
+    if (hasFields()) {
+        pageForm_->showPage(page_);
+    } else {
+        pageView_->show(pageRows(session_.currentUnitObject(), page_, session_.CurrentFile), onFly_, again);
+    }
     pageRowChanged();
+}
+
+bool FrmConfig::finishEdits() {
+    return !pageForm_->isVisible() || pageForm_->commit();
 }
 
 void FrmConfig::pageRowChanged() {
@@ -280,6 +320,7 @@ void FrmConfig::pageRowChanged() {
 }
 
 void FrmConfig::showUnit() {
+    followTree();
     showRows(true);
     showStartPage();
 }
@@ -347,7 +388,8 @@ void FrmConfig::windowClosed() {
 }
 
 QString FrmConfig::helpKey() const {
-    const QString field = sstMenu_->currentIndex() == pageTab ? pageView_->helpKey() : QString();
+    const bool listed = sstMenu_->currentIndex() == pageTab && pageStack_->currentWidget() == pageView_;
+    const QString field = listed ? pageView_->helpKey() : QString();
     const QTreeWidgetItem* node = treeZentaq_->currentItem();
     // A field without a text of its own is told by its page.
     return field.isEmpty() && node != nullptr ? node->data(0, helpRole).toString() : field;

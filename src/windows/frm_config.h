@@ -4,6 +4,7 @@
 
 #include <QLabel>
 #include <QPushButton>
+#include <QStackedWidget>
 #include <QTabWidget>
 #include <QToolButton>
 #include <QTreeWidget>
@@ -15,6 +16,7 @@
 #include "windows/dock.h"
 #include "windows/form.h"
 #include "windows/frm_config_bottom.h"
+#include "windows/frm_config_page_form.h"
 #include "windows/frm_config_page_view.h"
 #include "windows/start_page.h"
 
@@ -36,6 +38,8 @@ class FrmConfig : public QWidget, public Form {
     void showUnit() override;
     void sensorsChanged() override { showUnit(); }
     void onFlyChanged(bool on) override;
+    /// What is being typed on a page is entered.
+    bool finishEdits() override;
     void showCommList(bool on) override { bottom_->showCommList(on); }
     void showTip(const std::string& text) override;
     void foldsChanged() override;
@@ -61,6 +65,7 @@ class FrmConfig : public QWidget, public Form {
  private:
     void selectStartTab();
     void fillTree();
+    void fillNodes();
     /// Shows the port in use; the options may have stored another one.
     void refreshPorts();
     QWidget* makeStartTab();
@@ -78,6 +83,9 @@ class FrmConfig : public QWidget, public Form {
     void goToTable(const std::string& table);
     void showPage(int page, const QString& title);
     void showRows(bool again);
+    /// The tree follows what it depends on: the node in hand stays in hand.
+    void followTree();
+    bool hasFields() const;
     void pageRowChanged();
     void autoDetect();
     void choosePort(int number);
@@ -88,7 +96,9 @@ class FrmConfig : public QWidget, public Form {
     QTabWidget* sstMenu_ = nullptr;
     StartPage* startPage_ = nullptr;
     QLabel* lblPageTitle_ = nullptr;
+    QStackedWidget* pageStack_ = nullptr;  ///< a list of facts, or fields
     PageView* pageView_ = nullptr;
+    PageForm* pageForm_ = nullptr;
     QPushButton* cmdEditTable_ = nullptr;
     KeptSplitter* splTree_ = nullptr;
     KeptSplitter* splConsole_ = nullptr;

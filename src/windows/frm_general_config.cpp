@@ -12,6 +12,7 @@
 #include "qt/icons.h"
 #include "qt/look.h"
 #include "qt/plain_label.h"
+#include "qt/qt_text.h"
 #include "qt/second_window.h"
 #include "qt/window_placement.h"
 #include "windows/window_registry.h"

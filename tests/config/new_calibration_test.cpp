@@ -375,6 +375,8 @@ TEST_F(NewCalibration, FollowsEachSetOfTheDefaultsOnTheKindsThatItIsFor) {
     std::map<int, std::vector<float>> before;
     for (const UnitKind& kind : unitKinds()) before[kind.slot] = outcome(kind, database);
     for (const refdata::DefaultsSet& set : refdata::defaultsSets()) {
+        // Curves of sensors are there to be chosen, later.
+        if (set.name.starts_with("EGO1 ") || set.name.starts_with("EGO2 ")) continue;
         const ChangedSet change(path, set, database.defaults(set.name));
         bool ofOneKind = false;
         for (const UnitKind& kind : unitKinds()) {

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "config/page_rows.h"
+#include "config/display.h"
 #include "unit/recording_host.h"
 
 namespace zentaq {
@@ -15,12 +15,12 @@ TEST(AddedParameter, StandsOnTheKnockPageOfEveryKindWithItsRangeAndUnit) {
         RecordingHost host;
         Unit unit(*kind, host);
         unit.set("KNK_Hold", 12.5);
-        const auto rows = pageRows(unit, 33, "tune");
-        const auto row = std::ranges::find(rows, "KNK_Hold", &PageRow::member);
-        ASSERT_NE(row, rows.end());
+        const auto fields = displayOfPage(unit, 33).fields;
+        const auto row = std::ranges::find(fields, "KNK_Hold", &Field::member);
+        ASSERT_NE(row, fields.end());
         EXPECT_EQ(row->caption, "Knock retard hold time");
         EXPECT_EQ(row->text, "12.5");
-        EXPECT_EQ(row->limits, "0 to 25 Seconds");
+        EXPECT_EQ(row->limits, "(0 to 25 Seconds)");
         EXPECT_EQ(row->unit, "Seconds");
         EXPECT_EQ(row->help, "helpknock");
         EXPECT_TRUE(row->onTheFly);

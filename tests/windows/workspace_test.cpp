@@ -86,15 +86,14 @@ TEST_F(Workspace, GoesBackToTheStartWhenTheFileIsClosed) {
     EXPECT_EQ(windows.main().windowTitle(), "Norvalia Zentaq Engine Management System");
 }
 
-TEST_F(Workspace, AClickShowsThePageWithMembersValuesAndRanges) {
+TEST_F(Workspace, AClickShowsThePageWithFieldsUnitsAndRanges) {
     openCalibration();
     click("Rev Limiter");
     EXPECT_EQ(tabs()->currentIndex(), 1);
     EXPECT_EQ(find<QLabel>("lblPageTitle")->text(), "Rev Limiter");
-    ASSERT_TRUE(pageColumn(4).contains("REV_Limiter"));
-    const auto row = pageColumn(4).indexOf("REV_Limiter");
-    EXPECT_EQ(pageColumn(1)[row], "6500");
-    EXPECT_EQ(pageColumn(3)[row], "1000 to 20000 RPM");
+    ASSERT_NE(find<QLineEdit>("txtREV_Primary"), nullptr);
+    EXPECT_EQ(find<QLineEdit>("txtREV_Primary")->text(), "6500");
+    EXPECT_EQ(find<QLabel>("lblLimits_txtREV_Primary")->text(), "1000 to 20000 RPM");
 }
 
 TEST_F(Workspace, AnOpenPageFollowsTheSettingAtOnce) {
@@ -102,12 +101,44 @@ TEST_F(Workspace, AnOpenPageFollowsTheSettingAtOnce) {
     openCalibration();
     fake.session.currentUnitObject().AssignDirectIndex(80, 51);
     click("Coolant");
-    const auto row = pageColumn(4).indexOf("CLT_Default");
-    ASSERT_GE(row, 0);
-    EXPECT_EQ(pageColumn(1)[row], "80");
+    ASSERT_NE(find<QLineEdit>("txtCLT_SENSOR3"), nullptr);
+    EXPECT_EQ(find<QLineEdit>("txtCLT_SENSOR3")->text(), "80");
     fake.settings.set("System", "TemperatureToggle", "1");
     windows.tell(&WindowNews::temperaturesChanged);
-    EXPECT_EQ(pageColumn(1)[row], "176");
+    EXPECT_EQ(find<QLineEdit>("txtCLT_SENSOR3")->text(), "176");
+}
+
+TEST_F(Workspace, TheTreeFollowsTheShareOfTheThrottleAndKeepsTheNodeInHand) {
+    openCalibration();
+    click("TPS/MAP Blend");
+    tree()->setCurrentItem(tree()->findItems("TPS/MAP Blend", Qt::MatchExactly | Qt::MatchRecursive).front());
+    EXPECT_TRUE(tree()->findItems("Barometric Trim", Qt::MatchExactly | Qt::MatchRecursive).isEmpty());
+    find<QAbstractButton>("chk_Alpha_N")->click();
+    EXPECT_EQ(tree()->findItems("Barometric Trim", Qt::MatchExactly | Qt::MatchRecursive).size(), 1);
+    EXPECT_EQ(tree()->currentItem()->text(0), "TPS/MAP Blend");
+    EXPECT_EQ(find<QLabel>("lblPageTitle")->text(), "TPS/MAP Blend");
+}
+
+TEST_F(Workspace, WhatIsTypedOnAPageComesBeforeTheCommandBehindIt) {
+    openCalibration();
+    click("Rev Limiter");
+    find<QLineEdit>("txtREV_Primary")->setText("6800");
+    windows.afterEdits("Save", [] {});
+    EXPECT_EQ(fake.session.currentUnitObject().get("REV_Limiter"), 6800);
+    find<QLineEdit>("txtREV_Primary")->setText("99999");
+    bool ran = false;
+    windows.afterEdits("Save", [&] { ran = true; });
+    EXPECT_FALSE(ran) << "what was refused stops the command";
+    EXPECT_EQ(fake.session.currentUnitObject().get("REV_Limiter"), 6800);
+}
+
+TEST_F(Workspace, AnEntryThatIsRefusedKeepsItsPage) {
+    openCalibration();
+    click("Rev Limiter");
+    find<QLineEdit>("txtREV_Primary")->setText("99999");
+    click("Coolant");
+    EXPECT_EQ(find<QLabel>("lblPageTitle")->text(), "Rev Limiter");
+    EXPECT_EQ(find<QLineEdit>("txtREV_Primary")->text(), "6500");
 }
 
 TEST_F(Workspace, AClickOnATableOpensItBesideThePages) {
