@@ -25,7 +25,7 @@ enum FormPlaces { captionPlace, valuePlace, unitPlace, limitsPlace, formerPlace,
 
 /// Boxes of a curve in one row, where there is room for them.
 constexpr std::size_t mostBoxes = 10;
-constexpr std::size_t fewestBoxes = 4;
+constexpr std::size_t fewestBoxes = 3;
 
 bool isSwitch(const Field& field) {
     return field.kind == FieldKind::Option || field.kind == FieldKind::Check;
@@ -129,8 +129,19 @@ void PageForm::build(const Display& shown) {
     if (notes_ == nullptr) outer->addStretch(1);
     setPage(content_);
     content_->show();
+    chainTab();
     if (focused.isEmpty()) return;
     if (auto* again = findChild<QWidget*>(focused)) again->setFocus();
+}
+
+/// What is made late would come last, behind all other parts of the window.
+void PageForm::chainTab() {
+    QWidget* before = this;
+    for (const auto& control : controls_) {
+        setTabOrder(before, control->widget());
+        before = control->widget();
+    }
+    if (notes_ != nullptr) setTabOrder(before, notes_);
 }
 
 void PageForm::update(const Display& shown) {
@@ -182,6 +193,7 @@ void PageForm::addLine(const Field& field) {
     if (field.kind == FieldKind::Fact) {
         QLabel* caption = plainLabel("lblCaption_" + qString(field.control), {}, content_);
         caption->setText(qString(plainCaption(field.caption)));
+        caption->setWordWrap(true);
         line.fact = plainLabel(qString(field.control), qString(plainCaption(field.caption)), content_);
         line.fact->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         grid_->addWidget(caption, row_, captionPlace);
@@ -195,9 +207,11 @@ void PageForm::addLine(const Field& field) {
             line.control->join(*buttons);
         }
         if (isSwitch(field)) {
-            grid_->addWidget(line.control->widget(), row_, captionPlace, 1, limitsPlace + 1);
+            grid_->addWidget(line.control->widget(), row_, captionPlace, 1, limitsPlace + 1, Qt::AlignLeft);
         } else {
-            grid_->addWidget(line.control->addCaption(), row_, captionPlace);
+            QLabel* caption = line.control->addCaption();
+            caption->setWordWrap(true);
+            grid_->addWidget(caption, row_, captionPlace);
             const bool list = field.kind == FieldKind::Choice;
             grid_->addWidget(line.control->widget(), row_, valuePlace, 1,
                              list ? limitsPlace - valuePlace + 1 : 1, Qt::AlignLeft);
@@ -207,6 +221,7 @@ void PageForm::addLine(const Field& field) {
         line.unit = plainLabel("lblUnit_" + qString(field.control), {}, content_);
         line.limits = mutedLabel(content_);
         line.limits->setObjectName("lblLimits_" + qString(field.control));
+        line.limits->setWordWrap(true);
         grid_->addWidget(line.unit, row_, unitPlace);
         grid_->addWidget(line.limits, row_, limitsPlace);
     }
@@ -219,7 +234,9 @@ void PageForm::showLine(Line& line, const Field& field) {
         Field shown = field;
         if (line.ofCurve) {
             // A box of a curve is told by what it stands for.
-            shown.caption = plainCaption(field.caption) + (field.axis.empty() ? "" : ", " + field.axis);
+            const std::string number = numberText(field.element + 1);
+            shown.caption = plainCaption(field.caption) + ", cell " + number;
+            if (!field.axis.empty() && field.axis != number) shown.caption += ": " + field.axis;
             shown.tip = field.limits + (field.former.empty() ? "" : ", opened: " + field.former);
         }
         line.control->show(shown);
@@ -292,7 +309,7 @@ void PageForm::addBlock(const std::vector<Fields>& members, std::size_t first, s
     }
     for (const Fields& cells : members) {
         ++line;
-        QLabel* name = plainLabel("lblRow_" + nameOf(cells[first], true), {}, strip);
+        QLabel* name = plainLabel("lblRow_" + qString(cells.front().control), {}, strip);
         const bool alone = members.size() == 1;
         name->setText(alone ? shownString(cells.front().unit) : qString(cells.front().member));
         boxes->addWidget(name, line, 0);

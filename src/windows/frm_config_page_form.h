@@ -51,6 +51,7 @@ class PageForm : public PageArea {
     using Fields = std::vector<Field>;
 
     void build(const Display& shown);
+    void chainTab();
     void update(const Display& shown);
     void addLine(const Field& field);
     void addStrips(const std::vector<Fields>& members);

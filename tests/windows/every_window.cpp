@@ -89,6 +89,17 @@ void EveryWindowTest::mainWithPins(const Look& look) {
     look(windows.main());
 }
 
+void EveryWindowTest::mainWithFields(const QString& page, const Look& look) {
+    maximiseMain();
+    openCalibration();
+    fake.session.currentUnitObject().set("CYL_Number", 4);
+    auto* tree = find<QTreeWidget>("treeZentaq");
+    tree->setCurrentItem(tree->findItems(page, Qt::MatchExactly | Qt::MatchRecursive).value(0));
+    Q_EMIT tree->itemActivated(tree->currentItem(), 0);
+    settle();
+    look(windows.main());
+}
+
 void EveryWindowTest::undockedTable(const Look& look) {
     mainWithTable([](QWidget&) {});
     if (windows.table()->docked()) windows.table()->findChild<QAction*>("Docking")->trigger();
@@ -343,6 +354,12 @@ const std::vector<ShownWindow>& everyWindow() {
         {"ColorDialog", [](Program& p, const Look& look) { p.colorDialog(look); }},
         {"MainFolded", [](Program& p, const Look& look) { p.mainFolded(look); }},
         {"MainWithPins", [](Program& p, const Look& look) { p.mainWithPins(look); }},
+        {"MainWithOptions", [](Program& p, const Look& look) { p.mainWithFields("Rev Limiter", look); }},
+        {"MainWithCurves", [](Program& p, const Look& look) { p.mainWithFields("EGO Calibration", look); }},
+        {"MainWithAxes", [](Program& p, const Look& look) { p.mainWithFields("Advanced Parameters", look); }},
+        {"MainWithSensor", [](Program& p, const Look& look) { p.mainWithFields("MAP", look); }},
+        {"MainWithTrims", [](Program& p, const Look& look) { p.mainWithFields("Cylinder Trims", look); }},
+        {"MainWithNotes", [](Program& p, const Look& look) { p.mainWithFields("Notes", look); }},
         {"GeneralConfiguration", [](Program& p, const Look& look) { p.general(look); }},
         {"NewCalibration", [](Program& p, const Look& look) { p.generalOfNewCalibration(look); }},
         {"Sensors", [](Program& p, const Look& look) { p.sensors(look); }},

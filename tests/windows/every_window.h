@@ -26,6 +26,8 @@ class EveryWindowTest : public WindowTest {
     void mainWithTable(const Look& look);
     /// The list of pins, one of which has an output table.
     void mainWithPins(const Look& look);
+    /// A page by the text of its node.
+    void mainWithFields(const QString& page, const Look& look);
     void undockedTable(const Look& look);
     /// A kind of unit without fuel.
     void mainWithSparkOnly(const Look& look);

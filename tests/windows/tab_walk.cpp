@@ -57,10 +57,12 @@ std::string placeText(const QRect& place) {
     return std::to_string(place.x()) + "," + std::to_string(place.y());
 }
 
-/// None of the ring stands above it in its column: there the ring may begin.
+/// None of the ring stands above it in its column: there the ring may begin. What is scrolled out of sight
+/// stands nowhere.
 bool isBeginning(const QWidget& control, const std::vector<QWidget*>& ring, const QWidget& window) {
     const QRect here = placeIn(control, window);
     return std::ranges::none_of(ring, [&](const QWidget* one) {
+        if (one->visibleRegion().isEmpty()) return false;
         const QRect there = placeIn(*one, window);
         const bool sameColumn = there.left() <= here.right() && here.left() <= there.right();
         return sameColumn && there.bottom() < here.top();
