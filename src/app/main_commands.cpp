@@ -2,7 +2,7 @@
 
 #include "base/message_codes.h"
 #include "base/settings_keys.h"
-#include "config/pin_rows.h"
+#include "config/pin_tables.h"
 #include "config/tree.h"
 #include "unit/table_kinds.h"
 
@@ -72,6 +72,7 @@ int MainCommands::treeClick(const std::string& key) {
         if (node.key != key) continue;
         if (!node.table.empty()) openTable(node.table, node.title);
         if (node.key == generalParameters) session_.windows().open(window::generalConfig);
+        if (node.page == managerPage) session_.windows().open(window::gpio);
         return node.page;
     }
     return startPage;

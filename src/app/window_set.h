@@ -16,6 +16,7 @@ inline constexpr std::string_view config = "frmConfig";
 inline constexpr std::string_view link = "frmCOMM";
 inline constexpr std::string_view dashboard = "frmDashBoard";
 inline constexpr std::string_view table = "frmTABLE";  ///< on a table, with its title
+inline constexpr std::string_view gpio = "frmGPIO";    ///< the input/output manager
 inline constexpr std::string_view generalConfig = "frmGeneralConfig";
 inline constexpr std::string_view sensorEditor = "frmEditMAPSensors";
 inline constexpr std::string_view options =

@@ -3,7 +3,6 @@
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/text.h"
-#include "config/pin_rows.h"
 #include "config/tree.h"
 #include "unit/table_kinds.h"
 
@@ -48,8 +47,7 @@ std::string withoutParentheses(std::string limits) {
 
 std::vector<PageRow> pageRows(Unit& unit, int page, const std::string& file) {
     if (!unit.kind().hasCalibration) return {};
-    if (page == overviewPage) return overviewRows(unit, file);
-    return page == managerPage ? pinRows(unit) : std::vector<PageRow>();
+    return page == overviewPage ? overviewRows(unit, file) : std::vector<PageRow>();
 }
 
 }  // namespace zentaq

@@ -1,6 +1,7 @@
 #include "windows/dock.h"
 
 #include <QTimer>
+#include <algorithm>
 
 #include "qt/second_window.h"
 #include "qt/window_placement.h"
@@ -33,9 +34,7 @@ void Dock::takeIn(DockingForm& form, const QString& title) {
         widget.hide();
         tabs_.window()->activateWindow();
     }
-    if (inside_ != &widget) removeTab();
-    inside_ = &widget;
-    form_ = &form;
+    if (!isInside(widget)) inside_.push_back({&widget, &form});
     int index = tabs_.indexOf(&widget);
     if (index < 0) index = tabs_.addTab(&widget, title);
     tabs_.setTabText(index, title);
@@ -44,9 +43,9 @@ void Dock::takeIn(DockingForm& form, const QString& title) {
 
 void Dock::letOut(DockingForm& form) {
     QWidget& widget = form.widget();
-    if (inside_ != nullptr) {
+    if (isInside(widget)) {
         const QSize size = widget.size();
-        removeTab();
+        removeTab(widget);
         widget.setParent(tabs_.window(), secondWindow());
         if (!restorePlacement(widget, settings_)) widget.resize(size);
     }
@@ -56,20 +55,29 @@ void Dock::letOut(DockingForm& form) {
     widget.activateWindow();
 }
 
-void Dock::removeTab() {
-    if (inside_ != nullptr) tabs_.removeTab(tabs_.indexOf(inside_));
-    inside_ = nullptr;
+bool Dock::isInside(const QWidget& form) const {
+    return std::ranges::any_of(inside_, [&](const Inside& one) { return one.widget == &form; });
+}
+
+void Dock::removeTab(const QWidget& form) {
+    const int tab = tabs_.indexOf(const_cast<QWidget*>(&form));  // NOLINT: the toolkit asks for it
+    if (tab >= 0) tabs_.removeTab(tab);
+    std::erase_if(inside_, [&](const Inside& one) { return one.widget == nullptr || one.widget == &form; });
 }
 
 void Dock::leave(const QWidget& form) {
     storePlacement(form, settings_);
-    if (inside_ == &form) removeTab();
+    removeTab(form);
 }
 
 bool Dock::takeFocus() {
-    if (inside_ == nullptr || !inside_->isVisibleTo(tabs_.window())) return false;
-    form_->takeFocus();
-    return true;
+    for (const Inside& one : inside_) {
+        if (one.widget == nullptr || tabs_.currentWidget() != one.widget) continue;
+        if (!one.widget->isVisibleTo(tabs_.window())) continue;
+        one.form->takeFocus();
+        return true;
+    }
+    return false;
 }
 
 }  // namespace zentaq

@@ -1,9 +1,10 @@
-// The place of a form that stands inside the workspace, as a tab of its own, or in a window of its own, as
-// the user wants it.
+// The places of forms that stand inside the workspace, each as a tab of its own, or in windows of their own,
+// as the user wants it.
 #pragma once
 
 #include <QPointer>
 #include <QTabWidget>
+#include <vector>
 
 #include "platform/settings_store.h"
 #include "windows/form.h"
@@ -38,12 +39,16 @@ class Dock {
  private:
     void takeIn(DockingForm& form, const QString& title);
     void letOut(DockingForm& form);
-    void removeTab();
+    bool isInside(const QWidget& form) const;
+    void removeTab(const QWidget& form);
 
     QTabWidget& tabs_;
     SettingsStore& settings_;
-    QPointer<QWidget> inside_;
-    DockingForm* form_ = nullptr;  ///< of `inside_`
+    struct Inside {
+        QPointer<QWidget> widget;
+        DockingForm* form;
+    };
+    std::vector<Inside> inside_;
 };
 
 }  // namespace zentaq

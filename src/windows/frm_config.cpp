@@ -140,16 +140,8 @@ QWidget* FrmConfig::makePageTab() {
     pageForm_ = new PageForm(session_, pageStack_);
     pageStack_->addWidget(pageView_);
     pageStack_->addWidget(pageForm_);
-    cmdEditTable_ = namedButton("cmdEditTable", "Edit Table", tab);
-    cmdEditTable_->setToolTip("Opens the output table of the pin in hand");
-    cmdEditTable_->hide();
-    connect(cmdEditTable_, &QPushButton::clicked, this,
-            [this] { commands_.editPinTable(pageView_->actionInHand()); });
-    connect(pageView_, &PageView::actionAsked, this, [this](int pin) { commands_.editPinTable(pin); });
-    connect(pageView_, &QTreeWidget::currentItemChanged, this, &FrmConfig::pageRowChanged);
     layout->addWidget(lblPageTitle_);
     layout->addWidget(pageStack_, 1);
-    layout->addWidget(cmdEditTable_, 0, Qt::AlignLeft);
     return tab;
 }
 
@@ -285,14 +277,14 @@ void FrmConfig::treeClicked(const QTreeWidgetItem* item) {
     if (item == nullptr) return;
     const QString title = item->text(0);
     const int page = commands_.treeClick(item->data(0, keyRole).toString().toStdString());
-    if (page != tablePage) showPage(page, title);
+    // Tables and the pins have windows of their own.
+    if (page != tablePage && page != managerPage) showPage(page, title);
 }
 
 void FrmConfig::showPage(int page, const QString& title) {
     if (session_.slotInHand() == 0 || !pageForm_->commit()) return;
     page_ = page;
     lblPageTitle_->setText(title);
-    cmdEditTable_->setVisible(page == managerPage);
     showRows(false);
     sstMenu_->setCurrentIndex(pageTab);
 }
@@ -308,15 +300,10 @@ void FrmConfig::showRows(bool again) {
     } else {
         pageView_->show(pageRows(session_.currentUnitObject(), page_, session_.CurrentFile), onFly_, again);
     }
-    pageRowChanged();
 }
 
 bool FrmConfig::finishEdits() {
     return !pageForm_->isVisible() || pageForm_->commit();
-}
-
-void FrmConfig::pageRowChanged() {
-    cmdEditTable_->setEnabled(pageView_->actionInHand() != PageView::noAction);
 }
 
 void FrmConfig::showUnit() {

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <QLabel>
-#include <QPushButton>
 #include <QStackedWidget>
 #include <QTabWidget>
 #include <QToolButton>
@@ -86,7 +85,6 @@ class FrmConfig : public QWidget, public Form {
     /// The tree follows what it depends on: the node in hand stays in hand.
     void followTree();
     bool hasFields() const;
-    void pageRowChanged();
     void autoDetect();
     void choosePort(int number);
 
@@ -99,7 +97,6 @@ class FrmConfig : public QWidget, public Form {
     QStackedWidget* pageStack_ = nullptr;  ///< a list of facts, or fields
     PageView* pageView_ = nullptr;
     PageForm* pageForm_ = nullptr;
-    QPushButton* cmdEditTable_ = nullptr;
     KeptSplitter* splTree_ = nullptr;
     KeptSplitter* splConsole_ = nullptr;
     ConfigBottom* bottom_ = nullptr;

@@ -15,15 +15,9 @@ namespace {
 
 enum Column { captionColumn, valueColumn, unitColumn, rangeColumn, memberColumn };
 constexpr int helpKeyRole = Qt::UserRole;
-constexpr int actionRole = Qt::UserRole + 1;
 
 /// Members of up to this many elements are shown open.
 constexpr std::size_t openElements = 20;
-
-int actionOf(const QTreeWidgetItem& item) {
-    const QVariant number = item.data(captionColumn, actionRole);
-    return number.isValid() ? number.toInt() : PageView::noAction;
-}
 
 }  // namespace
 
@@ -35,9 +29,6 @@ PageView::PageView(QWidget* parent) : QTreeWidget(parent) {
     setEditTriggers(NoEditTriggers);
     header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     header()->setStretchLastSection(true);
-    connect(this, &QTreeWidget::itemActivated, this, [this](const QTreeWidgetItem* item) {
-        if (actionOf(*item) != noAction) Q_EMIT actionAsked(actionOf(*item));
-    });
 }
 
 void PageView::show(const std::vector<PageRow>& rows, bool onTheFly, bool again) {
@@ -81,20 +72,10 @@ void PageView::add(QTreeWidgetItem* item, const Field& row, bool onTheFly) {
     // Texts of rows that are no member read from the left.
     if (!row.member.empty()) item->setTextAlignment(valueColumn, Qt::AlignRight | Qt::AlignVCenter);
     item->setData(captionColumn, helpKeyRole, QString::fromStdString(row.help));
-    if (row.kind == FieldKind::Action && row.enabled) item->setData(captionColumn, actionRole, row.element);
     if (!onTheFly || !row.onTheFly) return;
     const LookColors colors = lookColors(appliedLook(*qApp));
     item->setBackground(valueColumn, colors.highlight);
     item->setForeground(valueColumn, colors.highlightText);
-}
-
-int PageView::actionInHand() const {
-    const QTreeWidgetItem* row = currentItem();
-    if (row == nullptr) return noAction;
-    if (row->parent() != nullptr) row = row->parent();
-    int action = actionOf(*row);
-    for (int i = 0; i < row->childCount() && action == noAction; ++i) action = actionOf(*row->child(i));
-    return action;
 }
 
 QString PageView::helpKey() const {

@@ -1,5 +1,4 @@
-// A page of frmConfig as a list: each member with its value, unit, range and name, or each pin with its
-// function.
+// A page of frmConfig as a list: each member with its value, unit, range and name, line by line.
 #pragma once
 
 #include <QTreeWidget>
@@ -21,14 +20,6 @@ class PageView : public QTreeWidget {
 
     /// The help key of the current row, for Fast Help.
     QString helpKey() const;
-
-    static constexpr int noAction = -1;
-    /// The number of the action that the row in hand offers, itself or in its elements.
-    int actionInHand() const;
-
- Q_SIGNALS:
-    /// Enter or a double click on a row that is an action.
-    void actionAsked(int number);
 
  private:
     /// Rows and elements count from 0.

@@ -15,6 +15,10 @@ bool tableOffered(Session& session, const std::string& table) {
     return hasTable(session.currentUnitObject().kind(), table);
 }
 
+bool pinsOffered(Session& session, const std::string& /*on*/) {
+    return session.slotInHand() != 0 && !session.creating();
+}
+
 bool surfaceOffered(Session& session, const std::string& on) {
     return tableOffered(session, on.substr(0, on.find('/')));
 }
@@ -37,6 +41,7 @@ constexpr WindowRow rows[] = {
     {window::dashboard, FormPlace::Above, makeForm<class FrmDashBoard>},
     {window::generalConfig, FormPlace::Beside, makeForm<class FrmGeneralConfig>, true, true},
     {window::table, FormPlace::Docked, makeForm<class FrmTable>, true, false, true, tableOffered},
+    {window::gpio, FormPlace::Docked, makeForm<class FrmGpio>, true, false, true, pinsOffered},
     {window::sensorEditor, FormPlace::Beside, makeForm<class FrmEditMAPSensors>, true},
     {window::options, FormPlace::Beside, makeForm<class FrmOptions>, true},
     {window::fastHelp, FormPlace::Beside, makeForm<class FrmFastHelp>},

@@ -81,11 +81,10 @@ void EveryWindowTest::mainWithPins(const Look& look) {
     openCalibration();
     fake.session.currentUnitObject().Set_GPIO_Func(0, gpio_code::fullTable);
     fake.session.currentUnitObject().Set_GPIO_Param(0, 0, 1);
-    auto* tree = find<QTreeWidget>("treeZentaq");
-    tree->setCurrentItem(tree->findItems("General Purpose Input/Output", Qt::MatchExactly).value(0));
-    Q_EMIT tree->itemActivated(tree->currentItem(), 0);
+    windows.open(window::gpio);
     settle();
-    ASSERT_TRUE(find<QPushButton>("cmdEditTable")->isEnabled());
+    find<QListWidget>("lstGPIO_Menu")->setCurrentRow(0);
+    settle();
     look(windows.main());
 }
 
