@@ -75,6 +75,7 @@ CommandLine::CommandLine()
         "unit "
         "reached,\n128 and the number of the signal that ended a command of the link.");
     addReading();
+    addPins();
     addChanging();
     addTable();
     addComparing();
@@ -258,12 +259,41 @@ void CommandLine::addComparing() {
                                   });
     addOutput(listing, "Text file to write; without it, or as -, the standard output");
 
+    CLI::App* paper = addOnFile(
+        "print", "Write a file as a listing for people",
+        [](const Context& context, const Arguments& given) { print(context, given.file, given.output); });
+    addOutput(
+        paper,
+        "Text file to write, or a document where the name ends in .pdf; without it the standard output");
+
     CLI::App* back = add("import", "Turn the text of export into the same file again",
                          [](const Context& context, const Arguments& given) {
                              importText(context, given.file, given.output);
                          });
     back->add_option("TEXT", given_.file, "Text file; - is the standard input")->required();
     addOutput(back, "Calibration file to write")->required();
+}
+
+void CommandLine::addPins() {
+    CLI::App* pins =
+        addOnFile("gpio", "List the pins with their functions and parameters, or change one",
+                  [](const Context& context, const Arguments& given) {
+                      if (!given.function.empty())
+                          return chooseFunction(context, given.file, given.pin, given.function, given.output);
+                      if (!given.assignment.empty())
+                          return setParameter(context, given.file, given.pin, given.assignment, given.output);
+                      gpio(context, given.file);
+                  });
+    CLI::Option* pin = pins->add_option("PIN", given_.pin, "Number of a pin, from 0, as the list has it");
+    CLI::Option* function = pins->add_option("--function", given_.function,
+                                             "Give the pin this function of its list, by name or code; its "
+                                             "parameters become 0");
+    CLI::Option* value =
+        pins->add_option("--set", given_.assignment, "ROW=VALUE: a parameter of the function, rows from 1");
+    function->needs(pin)->excludes(value);
+    value->needs(pin);
+    addOutput(pins, "With a change: write here and leave FILE as it is");
+    takeCutToo(pins);
 }
 
 void CommandLine::addMaking() {

@@ -33,6 +33,9 @@ struct Arguments {
     std::string member;
     std::string value;
     std::string output;
+    int pin = 0;
+    std::string function;
+    std::string assignment;  ///< ROW=VALUE
     std::optional<std::string> cell;
     std::optional<std::string> from;
     TableWork table;
@@ -97,6 +100,7 @@ class CommandLine {
     /// For a command that has --force already: it takes a file that was cut as well.
     static void takeCutToo(CLI::App* command);
     void addReading();
+    void addPins();
     void addChanging();
     void addComparing();
     void addMaking();

@@ -78,6 +78,18 @@ bool diff(const Context& context, const std::string& first, const std::string& s
 void mergeFiles(const Context& context, const std::string& base, const std::string& first,
                 const std::string& second, const std::string& output);
 void exportText(const Context& context, const std::string& file, const std::string& output);
+/// A listing for people; a document where `output` ends in ".pdf", the standard output where it is empty.
+void print(const Context& context, const std::string& file, const std::string& output);
+
+// ---- Pins count from 0
+void gpio(const Context& context, const std::string& file);
+/// `function` is a name of the pin's list or a code. All parameters of the pin become 0.
+void chooseFunction(const Context& context, const std::string& file, int number, const std::string& function,
+                    const std::string& output);
+/// `assignment` is ROW=VALUE, rows from 1.
+void setParameter(const Context& context, const std::string& file, int number, const std::string& assignment,
+                  const std::string& output);
+
 void importText(const Context& context, const std::string& input, const std::string& output);
 
 // ---- New calibrations: commands_new.cpp
