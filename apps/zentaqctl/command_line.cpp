@@ -259,6 +259,11 @@ void CommandLine::addComparing() {
                                   });
     addOutput(listing, "Text file to write; without it, or as -, the standard output");
 
+    CLI::App* doubts =
+        add("check", "List what a careful colleague would ask about; exit status 1 where there is something",
+            Run([this](const Context& context) { return check(context, given_.file) ? done : different; }));
+    doubts->add_option("FILE", given_.file, "Calibration file")->required();
+
     CLI::App* paper = addOnFile(
         "print", "Write a file as a listing for people",
         [](const Context& context, const Arguments& given) { print(context, given.file, given.output); });

@@ -81,6 +81,9 @@ void exportText(const Context& context, const std::string& file, const std::stri
 /// A listing for people; a document where `output` ends in ".pdf", the standard output where it is empty.
 void print(const Context& context, const std::string& file, const std::string& output);
 
+/// Lists what is legal but doubtful, one a line. True where there is nothing.
+bool check(const Context& context, const std::string& file);
+
 // ---- Pins count from 0
 void gpio(const Context& context, const std::string& file);
 /// `function` is a name of the pin's list or a code. All parameters of the pin become 0.

@@ -1,4 +1,4 @@
-// print: a calibration as a listing, as text or as a document.
+// print, check: a calibration as a listing, and what is doubtful in it.
 #include <cstdlib>
 
 #include "base/text.h"
@@ -8,6 +8,7 @@
 #include "config/print_out.h"
 #include "outputs.h"
 #include "platform/posix_clock.h"
+#include "tables/calibration_check.h"
 
 namespace zentaq::ctl {
 
@@ -64,6 +65,14 @@ void print(const Context& context, const std::string& file, const std::string& o
     if (wroteNew(context, output, content)) return;
     refuseReplacingOther(context, output, "listing", beginsAsPrinted);
     writeOutput(context, output, content);
+}
+
+bool check(const Context& context, const std::string& file) {
+    const auto calibration = openCalibration(context, file);
+    const std::vector<Doubt> doubts = doubtsOf(calibration->unit);
+    for (const Doubt& doubt : doubts) context.out << doubt.line() << '\n';
+    tell(context, calibration->host);
+    return doubts.empty();
 }
 
 }  // namespace zentaq::ctl

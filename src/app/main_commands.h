@@ -4,6 +4,7 @@
 #include <string>
 
 #include "app/file_commands.h"
+#include "app/print_commands.h"
 #include "app/program_commands.h"
 #include "app/save_commands.h"
 #include "app/session.h"
@@ -14,12 +15,18 @@ namespace zentaq {
 class MainCommands {
  public:
     explicit MainCommands(Session& session)
-        : files(session), saves(session), programming(session), unit(session), session_(session) {}
+        : files(session),
+          saves(session),
+          programming(session),
+          unit(session),
+          printing(session),
+          session_(session) {}
 
     FileCommands files;
     SaveCommands saves;
     ProgramCommands programming;
     UnitCommands unit;
+    PrintCommands printing;
 
     // ---- The display
     void help();  ///< mnuHelpContents

@@ -81,6 +81,9 @@ class WindowNews {
     virtual void clearPanel3() {}
 };
 
+/// How a print ended.
+enum class PrintEnd { Printed, GivenUp, Failed };
+
 class WindowSet {
  public:
     virtual ~WindowSet() = default;
@@ -106,6 +109,13 @@ class WindowSet {
     virtual bool boxOpen() const { return false; }
     /// The user works where the state strip is seen, not in a window in front of it.
     virtual bool noticesSeen() const { return true; }
+    /// Shows the printer dialog and prints what `pages` answers behind it: pages that end with '\f', lines
+    /// with '\n'.
+    virtual PrintEnd printText(const std::string& /*title*/, const std::function<std::string()>& /*pages*/) {
+        return PrintEnd::GivenUp;
+    }
+    /// The same for what is in front on the screen; `begins` is called behind the dialog.
+    virtual PrintEnd printForm(const std::function<void()>& /*begins*/) { return PrintEnd::GivenUp; }
     /// Runs something from the event loop, soon. Without windows at once.
     virtual void later(const std::function<void()>& something) { something(); }
 

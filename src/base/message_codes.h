@@ -6,7 +6,7 @@
 namespace zentaq::codes {
 
 enum Error : int {
-    FormNotPrinted = 1000,  ///< never raised
+    FormNotPrinted = 1000,
     PortInUse = 1001,       ///< told by zentaqctl; the windows show the port's state
     InvalidBinFile = 1002,  ///< never raised
     NoCalibration = 1003,   ///< what the user asked for needs a calibration in hand

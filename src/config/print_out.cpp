@@ -158,7 +158,8 @@ void Listing::grid(std::string_view table, std::string_view pattern, std::size_t
         const int rows = unit_.GET_TBL_DIMENSIONS(table, "ROWS");
         const int columns = unit_.GET_TBL_DIMENSIONS(table, "COLS");
         const TableKind* kind = findTable(table);
-        const bool output = kind != nullptr && kind->isGpo();
+        if (kind == nullptr) return;
+        const bool output = kind->isGpo();
         const auto stop = [&](bool row, int i) {
             if (output) return unit_.Get_GPO_Stop(i, row ? "Y-Axis" : "X-Axis", table);
             return unit_.get(row ? "MAPTBL" : "RPMTBL", i);
@@ -173,7 +174,7 @@ void Listing::grid(std::string_view table, std::string_view pattern, std::size_t
             for (int c = 0; c < columns; ++c) {
                 const int index = r * storedColumns + c;
                 const float cell =
-                    output ? unit_.Get_GPIO_Table(kind->gpoNumber, index) : unit_.get(table, index);
+                    output ? unit_.Get_GPIO_Table(kind->gpoNumber, index) : unit_.get(kind->member, index);
                 line += leftPadded(formatNumber(cell, pattern), width);
             }
             put(line);

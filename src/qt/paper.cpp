@@ -72,12 +72,52 @@ void drawTable(QPainter& painter, const QRect& page, const QAbstractItemModel& t
     }
 }
 
+bool showPrinterDialog(QPrinter& printer, QWidget* owner) {
+    printer.setPageOrientation(QPageLayout::Landscape);
+    printer.setCopyCount(1);
+    QPrintDialog dialog(&printer, owner);
+    return dialog.exec() == QDialog::Accepted;
+}
+
+void drawLines(QPainter& painter, const QRect& page, const QString& text, int columns, int lines) {
+    painter.fillRect(page, lookColors(DisplayMode::Day).surface);
+    painter.setPen(lookColors(DisplayMode::Day).text);
+    const int height = page.height() / std::max(lines, 1);
+    QFont font = consoleFont();
+    font.setPixelSize(std::max(1, height));
+    // As high as the lines are apart, or lower where the columns ask for it.
+    const int widest = QFontMetrics(font, painter.device()).horizontalAdvance(QString(columns, 'M'));
+    const double fits = widest == 0 ? 1 : std::min(1.0, static_cast<double>(page.width()) / widest);
+    constexpr double gap = 0.85;
+    font.setPixelSize(std::max(1, static_cast<int>(height * std::min(gap, fits))));
+    painter.setFont(font);
+    int top = page.top();
+    for (const QString& line : text.split('\n')) {
+        painter.drawText(QRect(page.left(), top, page.width(), height), Qt::AlignLeft | Qt::AlignVCenter,
+                         line);
+        top += height;
+    }
+}
+
+void drawPicture(QPainter& painter, const QRect& page, const QPixmap& picture, const QString& title) {
+    painter.fillRect(page, lookColors(DisplayMode::Day).surface);
+    painter.setPen(lookColors(DisplayMode::Day).text);
+    constexpr int headings = 40;  // of the page's height
+    const int height = page.height() / headings;
+    QFont font = typeFont(Type::Strong);
+    font.setPixelSize(std::max(1, height));
+    painter.setFont(font);
+    painter.drawText(QRect(page.left(), page.top(), page.width(), 2 * height), Qt::AlignLeft | Qt::AlignTop,
+                     title);
+    const QRect room = page.adjusted(0, 2 * height, 0, 0);
+    const QSize size = picture.size().scaled(room.size(), Qt::KeepAspectRatio);
+    painter.drawPixmap(QRect(room.topLeft(), size), picture);
+}
+
 bool printTable(const QAbstractItemModel& table, const QString& title, const QString& file, QWidget* owner) {
     QPrinter printer(QPrinter::HighResolution);
     printer.setDocName(title);
-    printer.setPageOrientation(QPageLayout::Landscape);
-    QPrintDialog dialog(&printer, owner);
-    if (dialog.exec() != QDialog::Accepted) return false;
+    if (!showPrinterDialog(printer, owner)) return false;
     QPainter painter(&printer);
     if (!painter.isActive()) return false;
     drawTable(painter, painter.viewport(), table, title, file);

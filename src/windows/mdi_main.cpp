@@ -134,6 +134,9 @@ void MdiMain::pressed(const ToolbarButton& button) {
     if (button.key == "Shutdown" && session_.Monitoring) {
         endOnFailure([&] { commands_.unit.loadCommand(endMonitoring); }, [](auto&&) {});
     }
+    if (button.key == "Print") {
+        return session_.windows().afterEdits("Print", [this] { commands_.printing.askedByToolbar(); });
+    }
     run(button.command);
 }
 

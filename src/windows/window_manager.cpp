@@ -8,6 +8,7 @@
 #include "base/number_text.h"
 #include "base/settings_keys.h"
 #include "qt/look.h"
+#include "qt/paper.h"
 #include "qt/qt_dialogs.h"
 #include "windows/frm_config.h"
 
@@ -19,6 +20,7 @@ WindowManager::WindowManager(QApplication& application, Session& session, MainCo
       session_(session),
       commands_(commands),
       waiting_(session, {[this] { return whereKeysWait(); }, [this] { return finishEdits(); }}) {
+    choosePrinter = showPrinterDialog;
     for (const WindowRow& row : windowRows()) windows_.push_back({&row});
     own_.look(session.dayMode());
     main_ = std::make_unique<MdiMain>(session, commands, kernel);

@@ -21,6 +21,7 @@
 #include "windows/window_registry.h"
 
 class QApplication;
+class QPrinter;
 
 namespace zentaq {
 
@@ -59,6 +60,11 @@ class WindowManager : public QObject, public WindowSet {
     bool boxOpen() const override;
     bool noticesSeen() const override;
     void later(const std::function<void()>& something) override { waiting_.later(something); }
+    PrintEnd printText(const std::string& title, const std::function<std::string()>& pages) override;
+    PrintEnd printForm(const std::function<void()>& begins) override;
+
+    /// The system's dialog; a test takes its place.
+    std::function<bool(QPrinter& printer, QWidget* owner)> choosePrinter;
 
  Q_SIGNALS:
     /// The core has shut down and the main window is closed.

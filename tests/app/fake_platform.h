@@ -141,6 +141,7 @@ class RecordingWindows : public WindowSet, public WindowNews {
             {window::table, "table "},
             {window::options, "options"},
             {window::generalConfig, "general config"},
+            {window::gpio, "gpio"},
             {window::help, "help "},
             {window::sensorEditor, "sensor editor"}};
         note(opening.at(name) + on + (itsTitle.empty() ? "" : " " + itsTitle));

@@ -192,14 +192,14 @@ TEST(MenuTree, EntriesOpenTheirWindowsOnWhatTheyName) {
     }
 }
 
-TEST(MenuTree, WhatStoresProgramsOrClosesComesBehindTheEditsTypedBefore) {
+TEST(MenuTree, WhatStoresProgramsPrintsOrClosesComesBehindTheEditsTypedBefore) {
     std::set<std::string_view> behind;
     for (const MenuEntry& entry : menuTree()) {
         if (entry.afterEdits) behind.insert(entry.name);
     }
-    EXPECT_EQ(behind,
-              (std::set<std::string_view>{"mnuNew", "mnuOpen", "mnuSave", "mnuSaveAs", "mnuClose", "mnuExit",
-                                          "mnuProgramORB", "mnuStoreONFLY", "mnuFirmwareUpgrade"}));
+    EXPECT_EQ(behind, (std::set<std::string_view>{
+                          "mnuNew", "mnuOpen", "mnuSave", "mnuSaveAs", "mnuClose", "mnuExit", "mnuProgramORB",
+                          "mnuStoreONFLY", "mnuFirmwareUpgrade", "mnuPrintBIN", "mnuPrintCurrentForm"}));
 }
 
 TEST(Toolbar, HasItsEightButtonsInOrderAndEachStandsForAMenuEntry) {

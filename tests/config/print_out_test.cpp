@@ -120,6 +120,15 @@ TEST(PrintOut, AGridHasTheHighestPressureOnTop) {
     EXPECT_THAT(*(head + 16), HasSubstr("   -07")) << "the lowest row is the last one";
 }
 
+TEST(PrintOut, RatiosStandWithTwoDecimals) {
+    Printed printed;
+    EXPECT_TRUE(printed.unit.set("AFR", 14.7));
+    EXPECT_TRUE(printed.unit.set("Get_AFR", 13.5, 240));
+    const auto lines = printed.lines();
+    const auto head = std::ranges::find(lines, std::string("             AIR TO FUEL RATIO")) + 1;
+    EXPECT_THAT(*(head + 1), HasSubstr("   13.50   00.00"));
+}
+
 TEST(PrintOut, CylindersStandWithTheirTrims) {
     Printed printed;
     for (int i = 0; i < 4; ++i)

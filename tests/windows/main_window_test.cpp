@@ -97,13 +97,14 @@ TEST_F(MainWindow, ShowsEveryEntryOfTheMenuTableWithItsCaption) {
     }
 }
 
-TEST_F(MainWindow, EntriesWhoseCommandComesLaterAreDisabled) {
-    for (const char* name : {"mnuConvertORBA", "mnuConvertORBALite", "mnuPrintBIN", "mnuPrintCurrentForm"}) {
+TEST_F(MainWindow, EntriesWithoutAHandlerOrACalibrationAreDisabled) {
+    for (const char* name : {"mnuConvertORBA", "mnuConvertORBALite", "mnuPrintBIN"}) {
         EXPECT_FALSE(action(name)->isEnabled()) << name;
     }
-    for (const char* name : {"mnuNew", "mnuOpen", "mnuExit", "mnuProgramORB", "mnuVETbl", "mnuAbout",
-                             "mnuFastHelp", "mnuHelpContents", "mnuOptions", "mnuControlPanel",
-                             "mnuMonitor_ChangeColors", "mnuMAPSensors", "mnuFirmwareUpgrade"}) {
+    for (const char* name :
+         {"mnuNew", "mnuOpen", "mnuPrintCurrentForm", "mnuExit", "mnuProgramORB", "mnuVETbl", "mnuAbout",
+          "mnuFastHelp", "mnuHelpContents", "mnuOptions", "mnuControlPanel", "mnuMonitor_ChangeColors",
+          "mnuMAPSensors", "mnuFirmwareUpgrade"}) {
         EXPECT_TRUE(action(name)->isEnabled()) << name;
     }
 }
