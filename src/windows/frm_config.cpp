@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QShortcut>
 #include <QTabBar>
 #include <QTreeWidgetItemIterator>
 #include <QVBoxLayout>
@@ -10,7 +11,9 @@
 #include <map>
 #include <utility>
 
+#include "base/errors.h"
 #include "base/number_text.h"
+#include "config/field_finder.h"
 #include "config/tree.h"
 #include "qt/icons.h"
 #include "qt/look.h"
@@ -140,7 +143,25 @@ QWidget* FrmConfig::makePageTab() {
     pageForm_ = new PageForm(session_, pageStack_);
     pageStack_->addWidget(pageView_);
     pageStack_->addWidget(pageForm_);
-    layout->addWidget(lblPageTitle_);
+    finder_ = new FindBox(
+        {.box = "txtFindField",
+         .list = "lstFoundFields",
+         .caption = "F&ind a field:",
+         .meaning = "Find a field of any page",
+         .placeholder = "Ctrl+F",
+         .hits = "Fields found",
+         .nothing = "No field found"},
+        [this](const QString& query) { return foundFields(query); }, tab);
+    connect(finder_, &FindBox::chosen, this, &FrmConfig::goToField);
+    auto* find = new QShortcut(QKeySequence::Find, tab);
+    find->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(find, &QShortcut::activated, this, [this] { finder_->line().setFocus(); });
+    auto* head = new QHBoxLayout;
+    head->addWidget(lblPageTitle_, 1);
+    head->addWidget(finder_, 1);
+    layout->addLayout(head);
+    setTabOrder(&finder_->line(), pageView_);
+    setTabOrder(pageView_, pageForm_);
     layout->addWidget(pageStack_, 1);
     return tab;
 }
@@ -300,6 +321,48 @@ void FrmConfig::showRows(bool again) {
     } else {
         pageView_->show(pageRows(session_.currentUnitObject(), page_, session_.CurrentFile), onFly_, again);
     }
+}
+
+std::vector<FindBox::Hit> FrmConfig::foundFields(const QString& query) {
+    std::vector<FindBox::Hit> hits;
+    if (session_.slotInHand() == 0) return hits;
+    // Asked for once; a reference file that another program holds is not asked again for the next field.
+    bool answers = true;
+    const auto helpOf = [&](std::string_view key) -> const std::string& {
+        static const std::string none;
+        const auto known = helpTexts_.find(std::string(key));
+        if (known != helpTexts_.end()) return known->second;
+        if (!answers) return none;
+        answers = false;
+        std::string text;
+        skipFailing([&] {
+            const Database* database = session_.reference();
+            if (database == nullptr) return;
+            const auto row = database->help(key);
+            if (row) text = row->text;
+            answers = true;
+        });
+        return answers ? helpTexts_[std::string(key)] = text : none;
+    };
+    for (const FoundField& field : findFields(session_.currentUnitObject(), query.toStdString(), helpOf)) {
+        const std::string member = field.member.empty() ? "" : ", " + field.member;
+        hits.push_back({qString(field.caption + "  (" + field.title + member + ")"),
+                        QString::number(field.page) + ' ' + qString(field.control)});
+    }
+    return hits;
+}
+
+void FrmConfig::goToField(const QString& key) {
+    const int page = key.section(' ', 0, 0).toInt();
+    for (const TreeNode& node : treeNodes(session_.currentUnitObject())) {
+        if (node.page != page) continue;
+        for (QTreeWidgetItemIterator item(treeZentaq_); *item != nullptr; ++item) {
+            if ((*item)->data(0, keyRole).toString().toStdString() == node.key)
+                treeZentaq_->setCurrentItem(*item);
+        }
+        showPage(page, shownString(node.text));
+    }
+    if (page_ == page) pageForm_->goTo(key.section(' ', 1).toStdString());
 }
 
 bool FrmConfig::finishEdits() {

@@ -8,10 +8,12 @@
 #include <QToolButton>
 #include <QTreeWidget>
 #include <QWidget>
+#include <map>
 #include <memory>
 
 #include "app/main_commands.h"
 #include "app/session.h"
+#include "qt/find_box.h"
 #include "windows/dock.h"
 #include "windows/form.h"
 #include "windows/frm_config_bottom.h"
@@ -85,6 +87,9 @@ class FrmConfig : public QWidget, public Form {
     /// The tree follows what it depends on: the node in hand stays in hand.
     void followTree();
     bool hasFields() const;
+    std::vector<FindBox::Hit> foundFields(const QString& query);
+    /// Goes to a field: "9 txtREV_Primary".
+    void goToField(const QString& key);
     void autoDetect();
     void choosePort(int number);
 
@@ -97,6 +102,7 @@ class FrmConfig : public QWidget, public Form {
     QStackedWidget* pageStack_ = nullptr;  ///< a list of facts, or fields
     PageView* pageView_ = nullptr;
     PageForm* pageForm_ = nullptr;
+    FindBox* finder_ = nullptr;
     KeptSplitter* splTree_ = nullptr;
     KeptSplitter* splConsole_ = nullptr;
     ConfigBottom* bottom_ = nullptr;
@@ -106,6 +112,7 @@ class FrmConfig : public QWidget, public Form {
     std::uint64_t linkSeen_ = 0;
     bool treeReady_ = false;
     int page_ = 0;
+    std::map<std::string, std::string> helpTexts_;  ///< by key, as far as they were asked for
     bool onFly_ = false;
 };
 

@@ -22,6 +22,25 @@
 
 namespace zentaq {
 
+namespace {
+
+/// A page's title without its access key.
+QString pageTitle(OptionPage page) {
+    QString title = qString(optionPages()[static_cast<std::size_t>(page)].title);
+    return title.replace(QStringLiteral("&&"), QStringLiteral("\n")).remove(u'&').replace(u'\n', u'&');
+}
+
+std::vector<FindBox::Hit> foundOptions(const QString& query) {
+    std::vector<FindBox::Hit> hits;
+    for (const OptionRow* row : findOptions(query.toStdString())) {
+        hits.push_back({qString(plainCaption(row->caption)) + "  (" + pageTitle(row->page) + ')',
+                        QString::fromStdString(controlName(*row))});
+    }
+    return hits;
+}
+
+}  // namespace
+
 FrmOptions::FrmOptions(Session& session, MainCommands& commands, QWidget* parent)
     : QDialog(parent),
       Form(this),
@@ -35,7 +54,14 @@ FrmOptions::FrmOptions(Session& session, MainCommands& commands, QWidget* parent
 
     fields_ = new OptionFields(
         *options_, [this] { return session_.platform().port.list(); }, this);
-    finder_ = new OptionFinder(this);
+    finder_ = new FindBox({.box = "txtFind",
+                           .list = "lstFound",
+                           .caption = "&Find an option:",
+                           .meaning = "Find an option",
+                           .placeholder = "A word of its caption or its purpose",
+                           .hits = "Options found",
+                           .nothing = "No option found"},
+                          foundOptions, this);
     makePages();
     lblHelp_ = plainLines("lblOptionHelp", "Help on the option", this);
     lblHelp_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
@@ -49,7 +75,7 @@ FrmOptions::FrmOptions(Session& session, MainCommands& commands, QWidget* parent
     setTabOrder(&finder_->line(), cmbPage_);
     setTabOrder(cmbPage_, SSTab1_);
 
-    connect(finder_, &OptionFinder::chosen, this, &FrmOptions::found);
+    connect(finder_, &FindBox::chosen, this, &FrmOptions::found);
     connect(fields_, &OptionFields::detectAsked, this, &FrmOptions::detectPort);
     connect(fields_, &OptionFields::colourAsked, this, &FrmOptions::chooseColour);
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { focusMoved(now); });

@@ -16,10 +16,10 @@
 #include "app/main_commands.h"
 #include "app/options.h"
 #include "app/session.h"
+#include "qt/find_box.h"
 #include "qt/focus_keeper.h"
 #include "windows/form.h"
 #include "windows/frm_options_fields.h"
-#include "windows/frm_options_finder.h"
 
 namespace zentaq {
 
@@ -82,7 +82,7 @@ class FrmOptions : public QDialog, public Form {
     MainCommands& commands_;
     std::shared_ptr<Options> options_;  ///< shared with a running command, which yields
     OptionFields* fields_ = nullptr;
-    OptionFinder* finder_ = nullptr;
+    FindBox* finder_ = nullptr;
     QTabWidget* SSTab1_ = nullptr;
     QComboBox* cmbPage_ = nullptr;
     QLabel* lblHelp_ = nullptr;

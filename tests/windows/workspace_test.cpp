@@ -132,6 +132,26 @@ TEST_F(Workspace, WhatIsTypedOnAPageComesBeforeTheCommandBehindIt) {
     EXPECT_EQ(fake.session.currentUnitObject().get("REV_Limiter"), 6800);
 }
 
+TEST_F(Workspace, AFieldIsFoundByCaptionMemberOrHelpAndGoneTo) {
+    openCalibration();
+    activate(windows.main());
+    auto* line = find<QLineEdit>("txtFindField");
+    auto* hits = find<QListWidget>("lstFoundFields");
+    line->setText("hysteresis");
+    ASSERT_EQ(hits->count(), 1);
+    EXPECT_EQ(hits->item(0)->text(), "Rev limit hysteresis  (Rev Limiter, REV_Hysteresis)");
+    line->setText("knk_min");
+    ASSERT_GE(hits->count(), 1);
+    EXPECT_THAT(hits->item(0)->text().toStdString(), HasSubstr("(Knock Control, KNK_MIN)"));
+    QKeyEvent enter(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+    QApplication::sendEvent(line, &enter);
+    EXPECT_EQ(find<QLabel>("lblPageTitle")->text(), "Knock Control");
+    EXPECT_EQ(tree()->currentItem()->text(0), "Knock Control");
+    EXPECT_EQ(line->text(), "");
+    line->setText("no such words");
+    EXPECT_EQ(hits->item(0)->text(), "No field found");
+}
+
 TEST_F(Workspace, AnEntryThatIsRefusedKeepsItsPage) {
     openCalibration();
     click("Rev Limiter");

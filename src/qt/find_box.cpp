@@ -1,4 +1,5 @@
-#include "windows/frm_options_finder.h"
+#include "qt/find_box.h"
+
 #include "base/number_text.h"
 #include "qt/named.h"
 #include "qt/qt_text.h"
@@ -16,22 +17,21 @@ constexpr int mostHitsInView = 10;
 
 }  // namespace
 
-QString pageTitle(OptionPage page) {
-    QString title = qString(optionPages()[static_cast<std::size_t>(page)].title);
-    return title.replace(QStringLiteral("&&"), QStringLiteral("\n")).remove(u'&').replace(u'\n', u'&');
-}
-
-OptionFinder::OptionFinder(QWidget* window)
-    : QWidget(window), txtFind_(new QLineEdit(this)), lstFound_(new QListWidget(window)) {
-    auto* caption = new QLabel("&Find an option:", this);
+FindBox::FindBox(const Words& words, Find find, QWidget* frame)
+    : QWidget(frame),
+      find_(std::move(find)),
+      nothing_(words.nothing),
+      txtFind_(new QLineEdit(this)),
+      lstFound_(new QListWidget(frame)) {
+    auto* caption = new QLabel(words.caption, this);
     caption->setBuddy(txtFind_);
-    named(txtFind_, "txtFind", "Find an option");
-    txtFind_->setPlaceholderText("A word of its caption or its purpose");
+    named(txtFind_, words.box, words.meaning);
+    txtFind_->setPlaceholderText(words.placeholder);
     makeClearable(txtFind_);
     txtFind_->installEventFilter(this);
-    connect(txtFind_, &QLineEdit::textChanged, this, &OptionFinder::find);
+    connect(txtFind_, &QLineEdit::textChanged, this, &FindBox::search);
 
-    named(lstFound_, "lstFound", "Options found");
+    named(lstFound_, words.list, words.hits);
     lstFound_->setFocusPolicy(Qt::NoFocus);
     lstFound_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     lstFound_->setTextElideMode(Qt::ElideRight);
@@ -44,16 +44,13 @@ OptionFinder::OptionFinder(QWidget* window)
     row->addWidget(txtFind_, 1);
 }
 
-void OptionFinder::find() {
+void FindBox::search() {
     const QString query = txtFind_->text();
-    found_ = findOptions(query.toStdString());
+    found_ = find_(query);
     lstFound_->clear();
-    for (const OptionRow* row : found_) {
-        lstFound_->addItem(qString(plainCaption(row->caption)) + QStringLiteral("  (") +
-                           pageTitle(row->page) + u')');
-    }
+    for (const Hit& hit : found_) lstFound_->addItem(hit.shown);
     if (found_.empty()) {
-        auto* nothing = new QListWidgetItem("No option found", lstFound_);
+        auto* nothing = new QListWidgetItem(nothing_, lstFound_);
         nothing->setFlags(Qt::NoItemFlags);
     } else {
         lstFound_->setCurrentRow(0);
@@ -63,7 +60,7 @@ void OptionFinder::find() {
     placeList();
 }
 
-void OptionFinder::placeList() {
+void FindBox::placeList() {
     if (lstFound_->isHidden()) return;
     const QWidget* frame = lstFound_->parentWidget();
     const QPoint below = txtFind_->mapTo(frame, QPoint(0, txtFind_->height()));
@@ -74,7 +71,7 @@ void OptionFinder::placeList() {
     lstFound_->raise();
 }
 
-bool OptionFinder::eventFilter(QObject* watched, QEvent* event) {
+bool FindBox::eventFilter(QObject* watched, QEvent* event) {
     if (watched != txtFind_) return false;
     if (event->type() == QEvent::FocusOut) lstFound_->hide();
     if (event->type() == QEvent::FocusIn && !txtFind_->text().trimmed().isEmpty()) {
@@ -85,7 +82,7 @@ bool OptionFinder::eventFilter(QObject* watched, QEvent* event) {
 }
 
 /// True for keys that go no further: Enter must not press OK, Escape closes the window on an empty box only.
-bool OptionFinder::keyPressed(int key) {
+bool FindBox::keyPressed(int key) {
     switch (key) {
         case Qt::Key_Down:
             step(1);
@@ -106,18 +103,18 @@ bool OptionFinder::keyPressed(int key) {
     }
 }
 
-void OptionFinder::step(int by) {
+void FindBox::step(int by) {
     if (found_.empty()) return;
     const int last = static_cast<int>(found_.size()) - 1;
     lstFound_->setCurrentRow(std::clamp(lstFound_->currentRow() + by, 0, last));
 }
 
-void OptionFinder::choose(int row) {
+void FindBox::choose(int row) {
     if (row < 0 || row >= static_cast<int>(found_.size())) return;
-    const QString control = QString::fromStdString(controlName(*found_[static_cast<std::size_t>(row)]));
+    const QString key = found_[static_cast<std::size_t>(row)].key;
     const QString query = txtFind_->text();
     txtFind_->clear();
-    Q_EMIT chosen(control, query);
+    Q_EMIT chosen(key, query);
 }
 
 }  // namespace zentaq
