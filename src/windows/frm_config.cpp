@@ -153,9 +153,13 @@ QWidget* FrmConfig::makePageTab() {
          .nothing = "No field found"},
         [this](const QString& query) { return foundFields(query); }, tab);
     connect(finder_, &FindBox::chosen, this, &FrmConfig::goToField);
-    auto* find = new QShortcut(QKeySequence::Find, tab);
+    auto* find = new QShortcut(QKeySequence::Find, this);
     find->setContext(Qt::WidgetWithChildrenShortcut);
-    connect(find, &QShortcut::activated, this, [this] { finder_->line().setFocus(); });
+    connect(find, &QShortcut::activated, this, [this] {
+        if (session_.slotInHand() == 0) return;
+        sstMenu_->setCurrentIndex(pageTab);
+        finder_->line().setFocus();
+    });
     auto* head = new QHBoxLayout;
     head->addWidget(lblPageTitle_, 1);
     head->addWidget(finder_, 1);

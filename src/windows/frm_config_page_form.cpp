@@ -181,6 +181,16 @@ FieldControl* PageForm::makeControl(const Field& field, QWidget* parent) {
     return made;
 }
 
+/// A caption takes a second line only where it would have more than a third of the page, or the page is
+/// narrow.
+void PageForm::breakWhereNarrow(QLabel& caption) const {
+    caption.setWordWrap(true);
+    constexpr int narrowLetters = 90;
+    if (viewport()->width() < narrowLetters * fontMetrics().averageCharWidth()) return;
+    const int whole = caption.fontMetrics().horizontalAdvance(caption.text().remove(u'&'));
+    caption.setMinimumWidth(std::min(whole, viewport()->width() / 3));
+}
+
 PageForm::Line& PageForm::lineOf(const Field& field) {
     return lines_[{field.control, field.element}];
 }
@@ -193,7 +203,7 @@ void PageForm::addLine(const Field& field) {
     if (field.kind == FieldKind::Fact) {
         QLabel* caption = plainLabel("lblCaption_" + qString(field.control), {}, content_);
         caption->setText(qString(plainCaption(field.caption)));
-        caption->setWordWrap(true);
+        breakWhereNarrow(*caption);
         line.fact = plainLabel(qString(field.control), qString(plainCaption(field.caption)), content_);
         line.fact->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         grid_->addWidget(caption, row_, captionPlace);
@@ -210,7 +220,7 @@ void PageForm::addLine(const Field& field) {
             grid_->addWidget(line.control->widget(), row_, captionPlace, 1, limitsPlace + 1, Qt::AlignLeft);
         } else {
             QLabel* caption = line.control->addCaption();
-            caption->setWordWrap(true);
+            breakWhereNarrow(*caption);
             grid_->addWidget(caption, row_, captionPlace);
             const bool list = field.kind == FieldKind::Choice;
             grid_->addWidget(line.control->widget(), row_, valuePlace, 1,

@@ -59,6 +59,7 @@ class PageForm : public PageArea {
     void addNotes(const Field& field, const std::string& counter);
     void addNotice(const std::string& text);
     void addHeading(const std::vector<Fields>& members);
+    void breakWhereNarrow(QLabel& caption) const;
     Line& lineOf(const Field& field);
     FieldControl* makeControl(const Field& field, QWidget* parent);
     void showLine(Line& line, const Field& field);
