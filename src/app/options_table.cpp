@@ -136,7 +136,7 @@ constexpr OptionRow table[] = {
          "as it is.", .words = "manifold intake air hot warning threshold", .beside = "lblMATunits"},
 
     {.control = "chkGraphs", .caption = "Doc&k 2D Graphs in lower portion of the screen",
-     .page = OptionPage::Tables, .key = "Graphs", .design = "0", .turn = 8, .help = "helpopttable",
+     .page = OptionPage::Tables, .key = settings::Graphs, .design = "0", .turn = 8, .help = "helpopttable",
      .tip = "Puts the curve of a table below the table.", .words = "curve window layout"},
     {.control = "chkColumnType", .caption = "Override Automatic Column Resizing &with Fixed Width (Tables)",
      .page = OptionPage::Tables, .key = settings::Column_Type, .design = "0", .stored = Stored::AtOnce,

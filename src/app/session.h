@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "app/console.h"
+#include "app/curve_windows.h"
 #include "app/fold.h"
 #include "app/messages.h"
 #include "app/notices.h"
@@ -144,6 +145,7 @@ class Session : public UnitHost, public LinkTeller, public FileInHand {
     Notices notices;        ///< what is told without a box
     RecentFiles recentFiles;
     SurfaceWindows surfaces;
+    CurveWindows curves;
     CellContext cellContext;  ///< of the table's window, for the status bar
     Folds folds;
 

@@ -31,6 +31,10 @@ inline constexpr const char* Print =
 inline constexpr const char* TableColor = "TableColor";
 /// 1: cells of all tables by the heat scale; else each table in its own way.
 inline constexpr const char* CellScale = "CellScale";
+/// 1: curve graphs show where the engine was last.
+inline constexpr const char* CurveTrace = "CurveTrace";
+/// 0: a curve graph is a window of its own; else it is docked in the workspace.
+inline constexpr const char* Graphs = "Graphs";
 inline constexpr const char* CommDialog = "CommDialog";  ///< 1: show the communications list lstCommInfo
 /// 1: fixed column width in tables; 0: columns size themselves.
 inline constexpr const char* Column_Type = "Column_Type";

@@ -73,4 +73,8 @@ DisplayMode appliedLook(const QApplication& application) {
                : DisplayMode::Day;
 }
 
+const LookColors& lookNow() {
+    return lookColors(appliedLook(*qApp));
+}
+
 }  // namespace zentaq

@@ -94,6 +94,8 @@ std::span<const LookPair> lookPairs();
 void applyLook(QApplication& application, DisplayMode mode);
 /// The mode that applyLook() set last; Day before.
 DisplayMode appliedLook(const QApplication& application);
+/// The colours of that mode in the running program.
+const LookColors& lookNow();
 
 /// The type scale: every text of the program has one of these.
 enum class Type {

@@ -19,6 +19,7 @@
 #include "qt/look.h"
 #include "qt/plain_label.h"
 #include "qt/qt_text.h"
+#include "unit/table_kinds.h"
 #include "windows/table_view.h"
 #include "windows/window_registry.h"
 
@@ -159,6 +160,7 @@ QWidget* FrmConfig::makePageTab() {
         if (session_.slotInHand() == 0) return;
         sstMenu_->setCurrentIndex(pageTab);
         finder_->line().setFocus();
+        finder_->line().selectAll();
     });
     auto* head = new QHBoxLayout;
     head->addWidget(lblPageTitle_, 1);
@@ -432,6 +434,7 @@ void FrmConfig::follow() {
     if (std::exchange(consoleSeen_, console) != console) {
         bottom_->sync();
     }
+    pageForm_->follow();
     const LinkStatus& status = session_.linkDisplay.status();
     if (std::exchange(linkSeen_, status.changes) != status.changes) bottom_->render(status);
 }

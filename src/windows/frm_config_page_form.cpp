@@ -1,11 +1,14 @@
 #include "windows/frm_config_page_form.h"
 
 #include <QApplication>
+#include <QPushButton>
 #include <QResizeEvent>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <utility>
 
+#include "app/live_beside.h"
 #include "base/number_text.h"
 #include "config/page_rows.h"
 #include "config/page_switches.h"
@@ -16,16 +19,28 @@
 #include "qt/named.h"
 #include "qt/plain_label.h"
 #include "qt/qt_text.h"
+#include "windows/frm_graph_2d.h"
 
 namespace zentaq {
 
 namespace {
 
-enum FormPlaces { captionPlace, valuePlace, unitPlace, limitsPlace, formerPlace, restPlace, placeCount };
+enum FormPlaces {
+    captionPlace,
+    valuePlace,
+    unitPlace,
+    limitsPlace,
+    livePlace,
+    formerPlace,
+    restPlace,
+    placeCount
+};
 
 /// Boxes of a curve in one row, where there is room for them.
 constexpr std::size_t mostBoxes = 10;
 constexpr std::size_t fewestBoxes = 3;
+constexpr auto memberProperty = "member";
+constexpr auto widestLive = "now 20000 rpm";
 
 bool isSwitch(const Field& field) {
     return field.kind == FieldKind::Option || field.kind == FieldKind::Check;
@@ -37,14 +52,28 @@ QString nameOf(const Field& field, bool ofCurve) {
     return ofCurve ? name + "_" + QString::number(field.element) : name;
 }
 
+/// A range that tells the unit tells it once.
+QString unitBeside(const Field& field) {
+    const bool told = field.kind != FieldKind::Fact && field.limits.find(field.unit) != std::string::npos;
+    return told ? QString() : shownString(field.unit);
+}
+
 QString formerText(const Field& field) {
     return field.former.empty() ? QString() : "opened: " + shownString(field.former);
 }
 
 }  // namespace
 
-PageForm::PageForm(Session& session, QWidget* parent) : PageArea(parent), core_(session), session_(session) {
+PageForm::PageForm(Session& session, QWidget* parent)
+    : PageArea(parent),
+      core_(session),
+      session_(session),
+      redraw_(
+          session.platform().clock, [this] { showLive(); }, this, RedrawGate::markUs) {
     named(this, "pageForm", "Fields of the page");
+    framesFollowed_ = session.frames.follow([this] {
+        if (isVisible()) redraw_.request();
+    });
 }
 
 // ---- Showing
@@ -61,23 +90,30 @@ std::string PageForm::shapeOf(const Display& shown) {
 void PageForm::showPage(int page) {
     const Display shown = core_.page(page);
     const std::string shape = shapeOf(shown);
-    const bool same = page == page_ && shape == shape_ && boxes_ == boxesInRow();
-    page_ = page;
+    const bool another = std::exchange(page_, page) != page;
+    const bool same = !another && shape == shape_ && boxes_ == boxesInRow();
     shape_ = shape;
     onFly_ = shown.onFly;
     same ? update(shown) : build(shown);
+    showPicture();
+    showLive();
 }
 
 std::size_t PageForm::boxesInRow() const {
     const int box =
         digitsWidth(fontMetrics(), 7) + fontMetrics().height() + space(fontMetrics(), Space::Tight);
     const int captions = fontMetrics().averageCharWidth() * 20;
-    const int room = (viewport()->width() - captions) / std::max(box, 1);
+    // A curve stands beside its boxes.
+    const bool halved = curveOfPage(page_) != nullptr;
+    const int width = halved ? viewport()->width() * 5 / 9 : viewport()->width();
+    const int room = (width - (halved ? captions / 2 : captions)) / std::max(box, 1);
     return std::clamp<std::size_t>(static_cast<std::size_t>(std::max(room, 0)), fewestBoxes, mostBoxes);
 }
 
 void PageForm::resizeEvent(QResizeEvent* event) {
     PageArea::resizeEvent(event);
+    fitWidths();
+    foldPicture();
     if (page_ >= 0 && boxes_ != boxesInRow() && commit()) showPage(page_);
 }
 
@@ -90,6 +126,9 @@ void PageForm::build(const Display& shown) {
     groups_.clear();
     notes_ = nullptr;
     lblNotesCounter_ = nullptr;
+    curve_ = nullptr;
+    sketch_ = nullptr;
+    columns_ = nullptr;
     // The box whose entry asks for another page may be at work still.
     if (QWidget* former = takeWidget()) {
         former->hide();
@@ -101,7 +140,12 @@ void PageForm::build(const Display& shown) {
     grid_->setHorizontalSpacing(space(fontMetrics(), Space::Normal));
     grid_->setVerticalSpacing(space(fontMetrics(), Space::Tight));
     grid_->setColumnStretch(restPlace, 1);
-    outer->addLayout(grid_);
+    columns_ = new QHBoxLayout;
+    columns_->setSpacing(space(fontMetrics(), Space::Wide));
+    auto* fields = new QVBoxLayout;
+    fields->addLayout(grid_);
+    columns_->addLayout(fields, 3);
+    outer->addLayout(columns_, 1);
     row_ = 0;
     for (const PageNotice& notice : shown.notices) addNotice(notice.text);
     std::vector<Fields> curves;
@@ -126,12 +170,23 @@ void PageForm::build(const Display& shown) {
         i = end;
     }
     flush();
-    if (notes_ == nullptr) outer->addStretch(1);
+    addPicture();
+    if (hasPicture()) fields->addStretch(1);
+    if (notes_ == nullptr && !hasPicture()) outer->addStretch(1);
     setPage(content_);
+    fitWidths();
     content_->show();
+    foldPicture();
     chainTab();
     if (focused.isEmpty()) return;
     if (auto* again = findChild<QWidget*>(focused)) again->setFocus();
+}
+
+/// The picture stands below the fields where there is no room beside them.
+void PageForm::foldPicture() {
+    if (columns_ == nullptr) return;
+    const QMargins around = content_->layout()->contentsMargins();
+    foldColumns(*columns_, viewport()->width() - around.left() - around.right());
 }
 
 /// What is made late would come last, behind all other parts of the window.
@@ -142,6 +197,54 @@ void PageForm::chainTab() {
         before = control->widget();
     }
     if (notes_ != nullptr) setTabOrder(before, notes_);
+    if (curve_ == nullptr) return;
+    for (QWidget* part : {static_cast<QWidget*>(&curve_->picture()), static_cast<QWidget*>(&curve_->trace()),
+                          curve_->findChild<QWidget*>("cmdGraph")}) {
+        setTabOrder(before, part);
+        before = part;
+    }
+}
+
+// ---- Pictures
+
+void PageForm::addPicture() {
+    Unit& unit = session_.currentUnitObject();
+    const CurveKind* kind = curveOfPage(page_);
+    if (kind != nullptr && hasCurve(unit, *kind)) {
+        curve_ = named(new CurvePane(session_, content_), "frmGraphs", qString(kind->title));
+        auto* open = named(new QPushButton("&Graph", curve_), "cmdGraph", "Graph");
+        open->setToolTip("Opens the curve beside the page");
+        connect(open, &QPushButton::clicked, this, [this, kind] { openCurve(session_, kind->name); });
+        curve_->addButton(open);
+        curve_->showCurve(kind);
+        columns_->addWidget(curve_, 2);
+    } else if (settingSketch(unit, page_)) {
+        sketch_ = new SketchPicture(content_);
+        columns_->addWidget(sketch_, 2);
+    }
+}
+
+void PageForm::showPicture() {
+    if (curve_ != nullptr) curve_->redraw();
+    if (sketch_ == nullptr) return;
+    if (const auto sketch = settingSketch(session_.currentUnitObject(), page_)) sketch_->show(*sketch);
+}
+
+void PageForm::follow() {
+    if (curve_ != nullptr && isVisible()) curve_->redraw();
+}
+
+void PageForm::showLive() {
+    if (curve_ != nullptr) curve_->redrawDot();
+    std::optional<std::vector<DashboardReading>> readings;
+    for (auto& [place, line] : lines_) {
+        if (line.live == nullptr) continue;
+        // Asked for once, and only by a page that shows some.
+        if (!readings) readings = readingsOfNow(session_);
+        const QString text =
+            shownString(liveBeside(*readings, line.live->property(memberProperty).toString().toStdString()));
+        if (line.live->text() != text) line.live->setText(text);
+    }
 }
 
 void PageForm::update(const Display& shown) {
@@ -181,14 +284,29 @@ FieldControl* PageForm::makeControl(const Field& field, QWidget* parent) {
     return made;
 }
 
-/// A caption takes a second line only where it would have more than a third of the page, or the page is
-/// narrow.
-void PageForm::breakWhereNarrow(QLabel& caption) const {
-    caption.setWordWrap(true);
-    constexpr int narrowLetters = 90;
-    if (viewport()->width() < narrowLetters * fontMetrics().averageCharWidth()) return;
-    const int whole = caption.fontMetrics().horizontalAdvance(caption.text().remove(u'&'));
-    caption.setMinimumWidth(std::min(whole, viewport()->width() / 3));
+bool PageForm::isNarrow() const {
+    constexpr int narrowLetters = 100;
+    return viewport()->width() < narrowLetters * fontMetrics().averageCharWidth();
+}
+
+/// A caption takes a second line only where it would have more than its share of the page, or the page is
+/// narrow; ranges and live values only on a narrow one.
+void PageForm::fitWidths() {
+    const bool narrow = isNarrow();
+    // Beside a picture there is less room.
+    const int most = viewport()->width() / (sketch_ != nullptr ? 4 : 3);
+    for (auto& [place, line] : lines_) {
+        if (line.caption != nullptr) {
+            QString text = line.caption->text();
+            const int whole = line.caption->fontMetrics().horizontalAdvance(text.remove(u'&'));
+            line.caption->setMinimumWidth(narrow ? 0 : std::min(whole, most));
+        }
+        if (line.limits != nullptr) line.limits->setWordWrap(narrow);
+        if (line.live == nullptr) continue;
+        line.live->setWordWrap(narrow);
+        // It comes and goes, and nothing moves for it.
+        line.live->setMinimumWidth(narrow ? 0 : line.live->fontMetrics().horizontalAdvance(widestLive));
+    }
 }
 
 PageForm::Line& PageForm::lineOf(const Field& field) {
@@ -203,7 +321,8 @@ void PageForm::addLine(const Field& field) {
     if (field.kind == FieldKind::Fact) {
         QLabel* caption = plainLabel("lblCaption_" + qString(field.control), {}, content_);
         caption->setText(qString(plainCaption(field.caption)));
-        breakWhereNarrow(*caption);
+        caption->setWordWrap(true);
+        line.caption = caption;
         line.fact = plainLabel(qString(field.control), qString(plainCaption(field.caption)), content_);
         line.fact->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
         grid_->addWidget(caption, row_, captionPlace);
@@ -220,7 +339,8 @@ void PageForm::addLine(const Field& field) {
             grid_->addWidget(line.control->widget(), row_, captionPlace, 1, limitsPlace + 1, Qt::AlignLeft);
         } else {
             QLabel* caption = line.control->addCaption();
-            breakWhereNarrow(*caption);
+            caption->setWordWrap(true);
+            line.caption = caption;
             grid_->addWidget(caption, row_, captionPlace);
             const bool list = field.kind == FieldKind::Choice;
             grid_->addWidget(line.control->widget(), row_, valuePlace, 1,
@@ -231,9 +351,13 @@ void PageForm::addLine(const Field& field) {
         line.unit = plainLabel("lblUnit_" + qString(field.control), {}, content_);
         line.limits = mutedLabel(content_);
         line.limits->setObjectName("lblLimits_" + qString(field.control));
-        line.limits->setWordWrap(true);
         grid_->addWidget(line.unit, row_, unitPlace);
         grid_->addWidget(line.limits, row_, limitsPlace);
+    }
+    if (!readingBeside(field.member).empty()) {
+        line.live = plainLabel("lblLive_" + qString(field.control), "The engine now", content_);
+        line.live->setProperty(memberProperty, qString(field.member));
+        grid_->addWidget(line.live, row_, livePlace);
     }
     ++row_;
     showLine(line, field);
@@ -259,7 +383,7 @@ void PageForm::showLine(Line& line, const Field& field) {
         }
     }
     if (line.fact != nullptr) line.fact->setText(shownString(field.text));
-    if (line.unit != nullptr) line.unit->setText(shownString(field.unit));
+    if (line.unit != nullptr) line.unit->setText(unitBeside(field));
     if (line.stop != nullptr) line.stop->setText(shownString(field.axis));
     if (line.limits != nullptr && field.kind != FieldKind::Fact) {
         line.limits->setText(shownString(withoutParentheses(field.limits)));

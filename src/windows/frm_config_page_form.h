@@ -15,6 +15,9 @@
 #include "app/page_editor.h"
 #include "qt/field_control.h"
 #include "qt/page_area.h"
+#include "windows/curve_pane.h"
+#include "windows/redraw_gate.h"
+#include "windows/sketch_picture.h"
 
 namespace zentaq {
 
@@ -31,6 +34,10 @@ class PageForm : public PageArea {
     bool commit();
     /// The first control that takes an entry.
     void takeFocus();
+    /// The curve and what stands beside the fields show what the engine does now.
+    void follow();
+    /// nullptr for a page without a curve.
+    CurvePane* curve() const { return curve_; }
     /// One field of the page in hand. False where it is not shown.
     bool goTo(const std::string& control);
 
@@ -41,12 +48,14 @@ class PageForm : public PageArea {
     /// A control with what stands beside it.
     struct Line {
         FieldControl* control = nullptr;  ///< none for a label and for the notes
+        QLabel* caption = nullptr;
         QLabel* fact = nullptr;
         QLabel* unit = nullptr;
         QLabel* stop = nullptr;  ///< above the first curve of a strip
         bool ofCurve = false;
         QLabel* limits = nullptr;
         QLabel* former = nullptr;
+        QLabel* live = nullptr;  ///< none where no live value is about the setting
     };
     using Fields = std::vector<Field>;
 
@@ -58,8 +67,14 @@ class PageForm : public PageArea {
     void addBlock(const std::vector<Fields>& members, std::size_t first, std::size_t count);
     void addNotes(const Field& field, const std::string& counter);
     void addNotice(const std::string& text);
+    void addPicture();
+    void showPicture();
+    void showLive();
     void addHeading(const std::vector<Fields>& members);
-    void breakWhereNarrow(QLabel& caption) const;
+    bool isNarrow() const;
+    bool hasPicture() const { return curve_ != nullptr || sketch_ != nullptr; }
+    void fitWidths();
+    void foldPicture();
     Line& lineOf(const Field& field);
     FieldControl* makeControl(const Field& field, QWidget* parent);
     void showLine(Line& line, const Field& field);
@@ -72,11 +87,16 @@ class PageForm : public PageArea {
     int page_ = -1;
     std::string shape_;
     QWidget* content_ = nullptr;
+    QBoxLayout* columns_ = nullptr;  ///< the fields and the picture of what they do
     QGridLayout* grid_ = nullptr;
     int row_ = 0;
     std::map<std::pair<std::string, int>, Line> lines_;
     std::vector<QPointer<FieldControl>> controls_;  ///< in the order of the page
     std::map<std::string, QButtonGroup*> groups_;
+    CurvePane* curve_ = nullptr;  ///< frmGraphs
+    SketchPicture* sketch_ = nullptr;
+    RedrawGate redraw_;
+    FrameFeed::Subscription framesFollowed_;
     QPlainTextEdit* notes_ = nullptr;
     QLabel* lblNotesCounter_ = nullptr;
     std::size_t boxes_ = 0;

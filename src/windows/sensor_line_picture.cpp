@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/nice_step.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "qt/look.h"
@@ -22,24 +23,10 @@ constexpr int wholeVolts = 5;
 constexpr double headRoom = 0.16;
 constexpr double wantedMarks = 5;
 
-/// 1, 2 or 5 times a power of ten: about `wantedMarks` of them in `range`.
-double niceStep(double range) {
-    const double rough = range / wantedMarks;
-    const double power = std::pow(10.0, std::floor(std::log10(rough)));
-    for (const double step : {1.0, 2.0, 5.0}) {
-        if (rough <= step * power) return step * power;
-    }
-    return 10 * power;
-}
-
-LookColors colors() {
-    return lookColors(appliedLook(*qApp));
-}
-
 /// Quietens the marks of the scale behind a text without hiding them.
 void backText(QPainter& painter, const QRectF& place) {
     constexpr int mostlyOpaque = 210;
-    QColor veil = colors().surface;
+    QColor veil = lookNow().surface;
     veil.setAlpha(mostlyOpaque);
     painter.fillRect(place, veil);
 }
@@ -81,7 +68,7 @@ SensorLinePicture::Scale SensorLinePicture::scale() const {
     }
     double range = high - low;
     if (!(range > 0) || !std::isfinite(range)) range = 1;
-    return {low - range * headRoom, high + range * headRoom, niceStep(range)};
+    return {low - range * headRoom, high + range * headRoom, niceStep(range, wantedMarks)};
 }
 
 QRectF SensorLinePicture::plot() const {
@@ -117,8 +104,8 @@ QString SensorLinePicture::mark(double pressure, double step) const {
 void SensorLinePicture::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.fillRect(rect(), colors().surface);
-    painter.setPen(colors().border);
+    painter.fillRect(rect(), lookNow().surface);
+    painter.setPen(lookNow().border);
     painter.drawRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5));
     drawVolts(painter);
     if (!sketch_.drawn) {
@@ -135,9 +122,9 @@ void SensorLinePicture::drawVolts(QPainter& painter) const {
     const QFontMetricsF metrics(font());
     for (int volts = 0; volts <= wholeVolts; ++volts) {
         const qreal x = area.left() + area.width() * volts / fullVolts;
-        painter.setPen(colors().border);
+        painter.setPen(lookNow().border);
         painter.drawLine(QPointF(x, area.top()), QPointF(x, area.bottom()));
-        painter.setPen(colors().mutedText);
+        painter.setPen(lookNow().mutedText);
         const QString text = shownString(numberText(volts));
         const qreal width = metrics.horizontalAdvance(text);
         const qreal left = std::clamp(x - width / 2, qreal(0), QRectF(rect()).right() - width);
@@ -153,9 +140,9 @@ void SensorLinePicture::drawPressures(QPainter& painter) const {
     const Scale at = scale();
     for (double value = std::ceil(at.bottom / at.step) * at.step; value <= at.top; value += at.step) {
         const qreal y = place(0, value).y();
-        painter.setPen(colors().border);
+        painter.setPen(lookNow().border);
         painter.drawLine(QPointF(area.left(), y), QPointF(area.right(), y));
-        painter.setPen(colors().mutedText);
+        painter.setPen(lookNow().mutedText);
         const QRectF label(0, y - metrics.height() / 2, area.left() - metrics.height() / 4, metrics.height());
         painter.drawText(label, Qt::AlignRight | Qt::AlignVCenter, mark(value, at.step));
     }
@@ -167,7 +154,7 @@ void SensorLinePicture::drawPressures(QPainter& painter) const {
 void SensorLinePicture::drawFormer(QPainter& painter) const {
     if (!sketch_.former) return;
     const QFontMetricsF metrics(font());
-    painter.setPen(QPen(colors().mutedText, metrics.lineWidth() * 1.5, Qt::DashLine));
+    painter.setPen(QPen(lookNow().mutedText, metrics.lineWidth() * 1.5, Qt::DashLine));
     painter.drawLine(place(0, sketch_.former->front()), place(fullVolts, sketch_.former->back()));
     // The line climbs, so the lower right corner is free.
     const QString text = "dashed: as stored";
@@ -175,7 +162,7 @@ void SensorLinePicture::drawFormer(QPainter& painter) const {
     const qreal gap = metrics.height() / 2;
     const QRectF legend(plot().bottomRight() - QPointF(size.width() + gap, size.height() + gap), size);
     backText(painter, legend);
-    painter.setPen(colors().mutedText);
+    painter.setPen(lookNow().mutedText);
     painter.drawText(legend, Qt::AlignCenter, text);
 }
 
@@ -183,10 +170,10 @@ void SensorLinePicture::drawLine(QPainter& painter) const {
     const QFontMetricsF metrics(font());
     const QPointF low = place(0, sketch_.lowest);
     const QPointF high = place(fullVolts, sketch_.highest);
-    painter.setPen(QPen(colors().accent, std::max(metrics.lineWidth() * 2.5, 2.5)));
+    painter.setPen(QPen(lookNow().accent, std::max(metrics.lineWidth() * 2.5, 2.5)));
     painter.drawLine(low, high);
-    painter.setPen(QPen(colors().surface, metrics.lineWidth()));
-    painter.setBrush(colors().liveMarker);
+    painter.setPen(QPen(lookNow().surface, metrics.lineWidth()));
+    painter.setBrush(lookNow().liveMarker);
     const qreal radius = metrics.height() / 3;
     for (const SensorSketch::Point& point : sketch_.points) {
         painter.drawEllipse(place(point.volts, point.pressure), radius, radius);
@@ -201,7 +188,7 @@ void SensorLinePicture::drawEnd(QPainter& painter, QPointF end, const QString& t
     QFont bold = font();
     bold.setBold(true);
     painter.setFont(bold);
-    painter.setPen(colors().text);
+    painter.setPen(lookNow().text);
     const QFontMetricsF metrics(bold);
     const qreal gap = metrics.height() / 3;
     const qreal width = metrics.horizontalAdvance(text) + gap;
@@ -215,11 +202,11 @@ void SensorLinePicture::drawEnd(QPainter& painter, QPointF end, const QString& t
 
 void SensorLinePicture::drawReason(QPainter& painter) const {
     const qreal gap = QFontMetricsF(font()).height();
-    painter.setPen(colors().text);
+    painter.setPen(lookNow().text);
     const QRectF area = plot().adjusted(gap, gap, -gap, -gap);
     const QRectF text = painter.boundingRect(area, static_cast<int>(Qt::AlignCenter) | Qt::TextWordWrap,
                                              shownString(sketch_.why));
-    painter.fillRect(text.adjusted(-gap / 2, -gap / 4, gap / 2, gap / 4), colors().surface);
+    painter.fillRect(text.adjusted(-gap / 2, -gap / 4, gap / 2, gap / 4), lookNow().surface);
     painter.drawText(area, static_cast<int>(Qt::AlignCenter) | Qt::TextWordWrap, shownString(sketch_.why));
 }
 

@@ -2,10 +2,12 @@
 
 #include <vector>
 
+#include "config/curve_graph.h"
 #include "unit/table_kinds.h"
 
 namespace zentaq {
 
+class FrmGraph2D;
 class FrmGraph3D;
 
 namespace {
@@ -21,6 +23,22 @@ bool pinsOffered(Session& session, const std::string& /*on*/) {
 
 bool surfaceOffered(Session& session, const std::string& on) {
     return tableOffered(session, on.substr(0, on.find('/')));
+}
+
+bool curveOffered(Session& session, const std::string& on) {
+    const CurveKind* kind = curveNamed(on);
+    return pinsOffered(session, on) && kind != nullptr && hasCurve(session.currentUnitObject(), *kind);
+}
+
+/// One of the curve graphs that may be open at a time.
+constexpr WindowRow curve(std::size_t number) {
+    return {CurveWindows::names[number],
+            FormPlace::Beside,
+            makeForm<FrmGraph2D>,
+            true,
+            false,
+            true,
+            curveOffered};
 }
 
 /// One of the surface graphs that may be open at a time.
@@ -42,6 +60,7 @@ constexpr WindowRow rows[] = {
     {window::generalConfig, FormPlace::Beside, makeForm<class FrmGeneralConfig>, true, true},
     {window::table, FormPlace::Docked, makeForm<class FrmTable>, true, false, true, tableOffered},
     {window::gpio, FormPlace::Docked, makeForm<class FrmGpio>, true, false, true, pinsOffered},
+    {window::curve, FormPlace::Docked, makeForm<FrmGraph2D>, true, false, true, curveOffered},
     {window::sensorEditor, FormPlace::Beside, makeForm<class FrmEditMAPSensors>, true},
     {window::options, FormPlace::Beside, makeForm<class FrmOptions>, true},
     {window::fastHelp, FormPlace::Beside, makeForm<class FrmFastHelp>},
@@ -58,6 +77,17 @@ constexpr WindowRow rows[] = {
     surface(8),
     surface(9),
     surface(10),
+    curve(0),
+    curve(1),
+    curve(2),
+    curve(3),
+    curve(4),
+    curve(5),
+    curve(6),
+    curve(7),
+    curve(8),
+    curve(9),
+    curve(10),
 };
 
 std::span<const WindowRow> windowRows() {

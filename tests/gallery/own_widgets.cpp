@@ -20,6 +20,7 @@
 #include "tables/heat_scale.h"
 #include "tables/table_badges.h"
 #include "windows/cell_box.h"
+#include "windows/curve_picture.h"
 #include "windows/formula_line.h"
 #include "windows/frm_config_console.h"
 #include "windows/frm_config_link_panel.h"
@@ -29,6 +30,7 @@
 #include "windows/link_lamp.h"
 #include "windows/outlined.h"
 #include "windows/sensor_line_picture.h"
+#include "windows/sketch_picture.h"
 #include "windows/state_strip_view.h"
 #include "windows/surface_picture.h"
 #include "windows/table_toolbar.h"
@@ -171,6 +173,7 @@ OwnWidgets::OwnWidgets(QStyle& posing, QWidget* parent)
     addTables(posing);
     addTableBars();
     addSurface();
+    addCurves();
     addStrips();
     addDashboards();
     addLink();
@@ -265,6 +268,28 @@ void OwnWidgets::addSurface() {
     auto* picture = new SurfacePicture(*surface_, this);
     picture->setFixedHeight(fontMetrics().height() * 22);
     column_->addWidget(picture);
+}
+
+void OwnWidgets::addCurves() {
+    addHeading("A curve with its points, the engine and its trace; what settings do");
+    for (int i = 0; i < 20; ++i) unit_.set("CHKTBL", 120 - 6 * i, i);
+    curve_ = std::make_unique<CurveGraph>(unit_, *curveNamed("Warm_Up"));
+    for (int i = 0; i < 24; ++i) {
+        live_.CLT = static_cast<float>(2 * i);
+        curve_->redrawDot(live_);
+    }
+    auto* curve = new CurvePicture(this);
+    curve->setFixedHeight(fontMetrics().height() * 12);
+    curve->show(curve_.get());
+    curve->showTrace(true);
+    column_->addWidget(curve);
+    unit_.set("ACE4", 0.5);
+    unit_.set("ACE2", 40);
+    unit_.set("ACE6", 25);
+    auto* sketch = new SketchPicture(this);
+    sketch->setFixedHeight(fontMetrics().height() * 14);
+    sketch->show(*settingSketch(unit_, 2));
+    column_->addWidget(sketch);
 }
 
 // ---- The state strip

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "app/state_strip.h"
+#include "config/curve_graph.h"
 #include "qt/look.h"
 #include "tables/surface_model.h"
 #include "tables/table_grid.h"
@@ -37,6 +38,7 @@ class OwnWidgets : public QWidget {
     TableGridView* addTable(QStyle& posing, const QString& name, bool keyboard);
     void addTableBars();
     void addSurface();
+    void addCurves();
     void addStrips();
     void addDashboards();
     void addLink();
@@ -50,6 +52,7 @@ class OwnWidgets : public QWidget {
     LiveValues live_;
     PaintMemory paint_;
     std::unique_ptr<SurfaceModel> surface_;
+    std::unique_ptr<CurveGraph> curve_;
     MemorySettings settings_;
     std::deque<std::string> lines_;
     std::vector<std::function<void(DisplayMode)>> followers_;

@@ -11,6 +11,7 @@
 #include "app/state_strip.h"
 #include "qt/qt_dialogs.h"
 #include "unit/gpio_functions.h"
+#include "windows/frm_graph_2d.h"
 #include "windows/frm_graph_3d.h"
 #include "windows/mdi_main_about.h"
 #include "windows/state_strip_view.h"
@@ -284,6 +285,21 @@ void EveryWindowTest::surface(const Look& look) {
     look(*windows.main().findChild<FrmGraph3D*>("frmGraph_3D"));
 }
 
+void EveryWindowTest::curve(const Look& look) {
+    mainWithCalibration([](QWidget&) {});
+    openCurve(fake.session, "Warm_Up");
+    settle();
+    look(*windows.main().findChild<FrmGraph2D*>("frmGraph_2D"));
+}
+
+void EveryWindowTest::mainWithDockedCurve(const Look& look) {
+    mainWithCalibration([](QWidget&) {});
+    fake.settings.set("System", "Graphs", "1");
+    openCurve(fake.session, "DPTS");
+    settle();
+    look(windows.main());
+}
+
 void EveryWindowTest::mainWithOutputTable(const Look& look) {
     mainWithTable([](QWidget&) {});
     windows.openTable("GPO1", "Full Table - Table#1");
@@ -375,6 +391,10 @@ const std::vector<ShownWindow>& everyWindow() {
         {"FastHelp", [](Program& p, const Look& look) { p.fastHelp(look); }},
         {"Splash", [](Program& p, const Look& look) { p.splash(look); }},
         {"About", [](Program& p, const Look& look) { p.about(look); }},
+        {"Curve", [](Program& p, const Look& look) { p.curve(look); }},
+        {"MainWithDockedCurve", [](Program& p, const Look& look) { p.mainWithDockedCurve(look); }},
+        {"MainWithPicture",
+         [](Program& p, const Look& look) { p.mainWithFields("TPS/MAP Acceleration", look); }},
         {"Surface", [](Program& p, const Look& look) { p.surface(look); }},
         {"NewAxes", [](Program& p, const Look& look) { p.tableDialog("mnuRebin", look); }},
         {"KeysOfTheTable", [](Program& p, const Look& look) { p.tableDialog("Keys", look); }},

@@ -48,6 +48,8 @@ class EveryWindowTest : public WindowTest {
     void about(const Look& look);
     void tableDialog(const char* command, const Look& look);
     void surface(const Look& look);
+    void curve(const Look& look);
+    void mainWithDockedCurve(const Look& look);
     void mainWithOutputTable(const Look& look);
     void splash(const Look& look);
     void fileOpenPrompt(const Look& look);
