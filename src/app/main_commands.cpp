@@ -1,5 +1,7 @@
 #include "app/main_commands.h"
 
+#include <array>
+
 #include "base/message_codes.h"
 #include "base/settings_keys.h"
 #include "config/pin_tables.h"
@@ -55,6 +57,14 @@ void MainCommands::openTable(const std::string& table, const std::string& title)
     // The keys of the menu ask for tables of every kind.
     if (!hasTable(session_.currentUnitObject().kind(), table)) return;
     session_.windows().open(window::table, table, title);
+}
+
+void MainCommands::Load_Command(int code) {
+    constexpr std::array tables{"ADV", "VE"};
+    const bool ofTable = code == 0 || code == 1;
+    if (!ofTable) return unit.loadCommand(code);
+    const std::string table = tables[static_cast<std::size_t>(code)];
+    openTable(table, tableTitle(table));
 }
 
 void MainCommands::editPinTable(int pin) {

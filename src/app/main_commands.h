@@ -43,6 +43,10 @@ class MainCommands {
     /// "Edit Table": opens the output table that a pin goes by; nothing for a pin without one.
     void editPinTable(int pin);
 
+    /// The door for other windows: 0 and 1 open the advance and the VE table, 2 starts a monitor session, 3
+    /// ends it; other codes do nothing.
+    void Load_Command(int code);
+
  private:
     void toggle(Fold& fold);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "app/unit_copy.h"
 #include "base/errors.h"
 #include "base/message_codes.h"
 #include "base/number_text.h"
@@ -16,7 +17,6 @@
 #include "config/page_switches.h"
 #include "config/pressure_units.h"
 #include "config/shown_value.h"
-#include "unit/quiet_host.h"
 
 namespace zentaq {
 
@@ -31,33 +31,6 @@ const FieldRow* rowOf(int page, std::string_view control) {
     const auto found = std::ranges::find(rows, control, &FieldRow::control);
     return found == rows.end() ? nullptr : &*found;
 }
-
-/// The calibration as it was opened, in surroundings that answer as those of the one in hand do.
-class OpenedUnit {
- public:
-    OpenedUnit(Session& session, const Calibration& opened)
-        : host_(session), unit_(session.currentUnitObject().kind(), host_) {
-        unit_.calibration(opened);
-    }
-    Unit& unit() { return unit_; }
-
- private:
-    class Host : public QuietHost {
-     public:
-        explicit Host(UnitHost& asked) : asked_(asked) {}
-        bool fahrenheit() const override { return asked_.fahrenheit(); }
-        std::optional<EngineFacts> engine(int kind, int optionType) override {
-            return asked_.engine(kind, optionType);
-        }
-        std::optional<SensorFacts> mapSensor(int id) override { return asked_.mapSensor(id); }
-        LinkedState& linkedState(int slot) override { return asked_.linkedState(slot); }
-
-     private:
-        UnitHost& asked_;
-    };
-    Host host_;
-    Unit unit_;
-};
 
 std::string formerText(const Field& now, const Field& before) {
     const bool isSwitch = now.kind == FieldKind::Option || now.kind == FieldKind::Check;
@@ -97,7 +70,7 @@ Display PageEditor::page(int number) {
 void PageEditor::markFormer(int number, Display& shown) {
     if (session_.opened == nullptr || !unit().kind().hasCalibration) return;
     skipFailing([&] {
-        OpenedUnit opened(session_, *session_.opened);
+        UnitCopy opened(session_, *session_.opened);
         const Display before = displayOfPage(opened.unit(), number);
         for (Field& field : shown.fields) {
             const Field* former = before.field(field.control, field.element);

@@ -1,9 +1,11 @@
 #include "app/program_commands.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
 #include "app/command_guards.h"
+#include "app/overview.h"
 #include "app/patience.h"
 #include "app/save_commands.h"
 #include "base/errors.h"
@@ -53,7 +55,24 @@ std::string ProgramCommands::doubts() {
     return lines;
 }
 
+/// Those that the user has left behind once are not shown again, or the panel would be in the way.
+bool ProgramCommands::leavesDoubts() {
+    const std::vector<Doubt> found = doubtsInHand(session_);
+    const auto isLeft = [&](const Doubt& one) {
+        return std::ranges::find(session_.doubtsLeft, one) != session_.doubtsLeft.end();
+    };
+    if (std::ranges::all_of(found, isLeft)) return true;
+    if (!session_.windows().showDoubts(found)) {
+        session_.sysLog("Not programmed: the user looks at the calibration again.");
+        return false;
+    }
+    session_.doubtsLeft = found;
+    // Another calibration may be in hand by now.
+    return doubtsInHand(session_) == found || leavesDoubts();
+}
+
 void ProgramCommands::startProgramming(const LinkedIdentity& unit) {
+    if (!leavesDoubts()) return;
     const std::string asked = doubts();
     if (!asked.empty()) {
         const std::string text = "With this calibration the engine may get values that nobody chose:\n" +

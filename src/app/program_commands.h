@@ -29,6 +29,7 @@ class ProgramCommands {
     bool broughtToFirmware();
     /// What speaks against programming the calibration in hand, one line each; empty for nothing.
     std::string doubts();
+    bool leavesDoubts();
     void startProgramming(const LinkedIdentity& unit);
     /// Tells with the numbered errors why the calibration in hand cannot go to the unit on the link.
     bool mayProgram();

@@ -146,7 +146,8 @@ class Session : public UnitHost, public LinkTeller, public FileInHand {
     RecentFiles recentFiles;
     SurfaceWindows surfaces;
     CurveWindows curves;
-    CellContext cellContext;  ///< of the table's window, for the status bar
+    std::vector<Doubt> doubtsLeft;  ///< that the user has seen and programmed all the same
+    CellContext cellContext;        ///< of the table's window, for the status bar
     Folds folds;
 
     Platform& platform() { return platform_; }

@@ -5,6 +5,9 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include "tables/calibration_check.h"
 
 namespace zentaq {
 
@@ -106,6 +109,9 @@ class WindowSet {
     virtual void afterEdits(const std::string& /*caption*/, const std::function<void()>& command) {
         command();
     }
+    /// Shows what is in doubt before a program run, as a panel that one key leaves. False: the user goes back
+    /// to the calibration.
+    virtual bool showDoubts(const std::vector<Doubt>& /*doubts*/) { return true; }
     /// A box or a list over a window waits for the user.
     virtual bool boxOpen() const { return false; }
     /// The user works where the state strip is seen, not in a window in front of it.

@@ -17,6 +17,7 @@ namespace zentaq {
 
 namespace {
 
+constexpr int splitPage = 13;  ///< which the engine may close
 constexpr int trimsPage = 34;
 constexpr int notesLength = 500;
 
@@ -74,13 +75,17 @@ void showValue(Unit& unit, const FieldRow& row, const DisplayNames& names, Field
     skipFailing([&] { field.limits = rangeText(unit, *parameter, field.element); });
     skipFailing([&] { field.axis = shownStop(unit, row.axis, field.element, parameter->count); });
     field.unit = shownUnit(unit, *parameter, row);
+    // A fact of many cells is one line.
+    if (row.kind != FieldKind::Fact) return;
+    for (int i = 1; i < parameter->count; ++i)
+        skipFailing([&] { field.text += ", " + shownValue(unit, *parameter, row, i); });
 }
 
 void showRow(Unit& unit, const FieldRow& row, const ControlRule& rule, const GuiRules& rules,
              const DisplayNames& names, Display& shown) {
-    int elements = 0;
-    skipFailing([&] { elements = shownElements(unit, row); });
-    for (int element = 0; element < elements; ++element) {
+    std::vector<int> elements;
+    skipFailing([&] { elements = elementOrder(unit, row); });
+    for (const int element : elements) {
         Field field;
         field.page = row.page;
         field.control = row.control;
@@ -166,6 +171,7 @@ Display display(Unit& unit, const DisplayNames& names) {
 
 Display displayOfPage(Unit& unit, int page) {
     Display shown;
+    if (page == splitPage) showEngine(unit, shown);
     showFields(unit, page, {}, shown);
     return shown;
 }

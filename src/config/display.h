@@ -47,7 +47,7 @@ DisplayNames displayNames(Unit& unit, const Database* database);
 /// that cannot be read is empty.
 Display display(Unit& unit, const DisplayNames& names);
 
-/// The fields and notices of one page, without a look at the engine list.
+/// The fields and notices of one page, with a look at the engine list only where the page depends on it.
 Display displayOfPage(Unit& unit, int page);
 
 /// The counter of the notes page. `notes` is UTF-8.

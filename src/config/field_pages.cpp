@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 
 #include "base/rounding.h"
 #include "base/text.h"
@@ -256,6 +257,12 @@ constexpr std::array fieldTable{
     box(20, "txtTDC_Param1", "TACHTYP"),
     box(20, "txtTDC_Param2", "TOFFSET1"),
     box(20, "txtTDC_Param3", "TOFFSET2"),
+    fact(20, "lblP1EGTP", "P1EGTP"),
+    fact(20, "lblP2EGTP", "P2EGTP"),
+    fact(20, "lblINJTBL", "INJTBL"),
+    fact(20, "lblCOFFSET", "COFFSET"),
+    fact(20, "lblSOFFSET", "SOFFSET"),
+    fact(20, "lblSCALE2", "SCALE2"),
     fact(20, "lblTOOTHMIN", "TOOTHMIN", {.shownWhen = hasPic18}),
     fact(20, "lblTOOTHMAX", "TOOTHMAX", {.shownWhen = hasPic18}),
     box(20, "txtTDC_Param4", "MOFFSET"),
@@ -294,6 +301,8 @@ constexpr std::array fieldTable{
     fact(28, "lblMAPMin", "MAPMin"),
     fact(28, "lblMAPMax", "MAPMax"),
     fact(28, "lblMAP_BAR", "MAP_BAR"),
+    fact(28, "lblMAPRange", "MAPRange"),
+    fact(28, "lblMAPPrecision", "MAPPrecision"),
     fact(28, "lblMAP_DISP_MULT", "MAP_DISP_MULT"),
     box(28, "txtSENSOR_MAP2", "MAP_FailHigh"),
     box(28, "txtSENSOR_MAP3", "MAP_FailLow"),
@@ -330,8 +339,8 @@ constexpr std::array fieldTable{
     // Cylinder Trims
     fact(34, "lblCYL_Number", "CYL_Number", {.shownWhen = hasEngine}),
     box(34, "txtCYL_FIRE", "CYLORDER", {.elements = cylinders, .axis = FieldAxis::Number}),
-    box(34, "txtCYL_FT", "FuelTrim", {.elements = cylinders, .axis = FieldAxis::Number}),
-    box(34, "txtCYL_IT", "INJTRIM", {.elements = cylinders, .axis = FieldAxis::Number}),
+    box(34, "txtCYL_FT", "FuelTrim", {.elements = cylinders, .axis = FieldAxis::Cylinder}),
+    box(34, "txtCYL_IT", "INJTRIM", {.elements = cylinders, .axis = FieldAxis::Cylinder}),
     // Idle
     box(35, "txtIDLE_MIN", "MinDuty"),
     box(35, "txtIDLE_MAX", "MaxDuty"),
@@ -394,6 +403,18 @@ int shownElements(Unit& unit, const FieldRow& row) {
             break;
     }
     return parameter->count;
+}
+
+std::vector<int> elementOrder(Unit& unit, const FieldRow& row) {
+    std::vector<int> order(static_cast<std::size_t>(std::max(shownElements(unit, row), 0)));
+    std::iota(order.begin(), order.end(), 0);
+    const Parameter* firing = unit.find("CYLORDER");
+    if (row.axis != FieldAxis::Cylinder || firing == nullptr ||
+        static_cast<int>(order.size()) > firing->count)
+        return order;
+    std::vector<int> fired;
+    for (const int place : order) fired.push_back(static_cast<int>(unit.read(*firing, place)) - 1);
+    return std::ranges::is_permutation(fired, order) ? fired : order;
 }
 
 bool fieldIsOn(Unit& unit, const FieldRow& row) {

@@ -32,6 +32,7 @@ enum class ElementBound : std::uint8_t {
 enum class FieldAxis : std::uint8_t {
     None,
     Number,          ///< 1, 2, 3 ...
+    Cylinder,        ///< "Cyl. 1"
     AirTemperature,  ///< temperature; the retard input's volts on an ignition-only unit
     Temperature,
     BatteryVolts,
@@ -88,6 +89,10 @@ bool fieldExists(Unit& unit, const FieldRow& row);
 
 /// 1 for a plain control, the bounded count for an indexed one.
 int shownElements(Unit& unit, const FieldRow& row);
+
+/// The elements in the order in which they are shown: of cylinders in the engine's firing order, where that
+/// names each of them once.
+std::vector<int> elementOrder(Unit& unit, const FieldRow& row);
 
 /// Whether an option or check box is set.
 bool fieldIsOn(Unit& unit, const FieldRow& row);

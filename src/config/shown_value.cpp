@@ -40,6 +40,7 @@ struct AxisRow {
 };
 constexpr std::array axisRows = {AxisRow{FieldAxis::None},
                                  AxisRow{FieldAxis::Number},
+                                 AxisRow{FieldAxis::Cylinder},
                                  AxisRow{FieldAxis::Temperature, degrees},
                                  AxisRow{FieldAxis::AirTemperature, degrees},
                                  AxisRow{FieldAxis::BatteryVolts, "V"},
@@ -80,6 +81,7 @@ std::string shownStop(Unit& unit, FieldAxis axis, int element, int count) {
     const AxisRow& row = rowOf(axis);
     if (!row.member.empty()) return shownValue(unit, *unit.find(row.member), {}, element);
     if (axis == FieldAxis::Number) return numberText(element + 1);
+    if (axis == FieldAxis::Cylinder) return "Cyl. " + numberText(element + 1);
     if (axis == FieldAxis::BatteryVolts) {
         return formatNumber(batteryinput::stop(kind.batteryVoltsPerCount, element, count), "#0.0");
     }

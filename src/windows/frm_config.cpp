@@ -11,6 +11,7 @@
 #include <map>
 #include <utility>
 
+#include "app/overview.h"
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "config/field_finder.h"
@@ -141,6 +142,7 @@ QWidget* FrmConfig::makePageTab() {
     lblPageTitle_->setFont(typeFont(Type::Heading));
     pageStack_ = new QStackedWidget(tab);
     pageView_ = new PageView(pageStack_);
+    connect(pageView_, &PageView::memberAsked, this, &FrmConfig::goToMember);
     pageForm_ = new PageForm(session_, pageStack_);
     pageStack_->addWidget(pageView_);
     pageStack_->addWidget(pageForm_);
@@ -325,7 +327,7 @@ void FrmConfig::showRows(bool again) {
     if (hasFields()) {
         pageForm_->showPage(page_);
     } else {
-        pageView_->show(pageRows(session_.currentUnitObject(), page_, session_.CurrentFile), onFly_, again);
+        pageView_->show(overview(session_), onFly_, again);
     }
 }
 
@@ -369,6 +371,19 @@ void FrmConfig::goToField(const QString& key) {
         showPage(page, shownString(node.text));
     }
     if (page_ == page) pageForm_->goTo(key.section(' ', 1).toStdString());
+}
+
+void FrmConfig::goToMember(const QString& member) {
+    const std::string name = member.section('[', 0, 0).toStdString();
+    Unit& unit = session_.currentUnitObject();
+    for (const TreeNode& node : treeNodes(unit)) {
+        if (node.page == tablePage && node.table == name)
+            return session_.windows().open(window::table, node.table, node.title);
+        for (const FieldRow& row : fieldsOfPage(node.page)) {
+            if (row.member == name && fieldExists(unit, row))
+                return goToField(QString::number(row.page) + ' ' + qString(row.control));
+        }
+    }
 }
 
 bool FrmConfig::finishEdits() {

@@ -90,6 +90,8 @@ class FrmConfig : public QWidget, public Form {
     std::vector<FindBox::Hit> foundFields(const QString& query);
     /// Goes to a field: "9 txtREV_Primary".
     void goToField(const QString& key);
+    /// Goes to the first field of a member, or opens its table: "CHKTBL[3]".
+    void goToMember(const QString& member);
     void autoDetect();
     void choosePort(int number);
 

@@ -58,6 +58,13 @@ QString unitBeside(const Field& field) {
     return told ? QString() : shownString(field.unit);
 }
 
+bool onSameStops(const std::vector<Field>& one, const std::vector<Field>& other) {
+    const FieldRow* row = fieldOf(one.front().control);
+    const FieldRow* second = fieldOf(other.front().control);
+    return one.size() == other.size() && row != nullptr && second != nullptr &&
+           ((row->axis == FieldAxis::Cylinder) == (second->axis == FieldAxis::Cylinder));
+}
+
 QString formerText(const Field& field) {
     return field.former.empty() ? QString() : "opened: " + shownString(field.former);
 }
@@ -159,8 +166,8 @@ void PageForm::build(const Display& shown) {
         if (end - i > 1) {
             Fields members(shown.fields.begin() + static_cast<std::ptrdiff_t>(i),
                            shown.fields.begin() + static_cast<std::ptrdiff_t>(end));
-            // Curves of as many cells stand below each other.
-            if (!curves.empty() && curves.front().size() != members.size()) flush();
+            // Curves of as many cells on the same stops stand below each other.
+            if (!curves.empty() && !onSameStops(curves.front(), members)) flush();
             curves.push_back(std::move(members));
         } else {
             flush();

@@ -29,6 +29,9 @@ PageView::PageView(QWidget* parent) : QTreeWidget(parent) {
     setEditTriggers(NoEditTriggers);
     header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     header()->setStretchLastSection(true);
+    connect(this, &QTreeWidget::itemActivated, this, [this](const QTreeWidgetItem* item) {
+        if (!item->text(memberColumn).isEmpty()) Q_EMIT memberAsked(item->text(memberColumn));
+    });
 }
 
 void PageView::show(const std::vector<PageRow>& rows, bool onTheFly, bool again) {

@@ -21,6 +21,10 @@ class PageView : public QTreeWidget {
     /// The help key of the current row, for Fast Help.
     QString helpKey() const;
 
+ Q_SIGNALS:
+    /// Enter or a double click on a row of a member: "CHKTBL[3]".
+    void memberAsked(const QString& member);
+
  private:
     /// Rows and elements count from 0.
     struct RowPlace {

@@ -132,7 +132,7 @@ void MdiMain::makeToolbar() {
 void MdiMain::pressed(const ToolbarButton& button) {
     // Only a session that runs is ended: without one the dashboard keeps its numbers if the user stays.
     if (button.key == "Shutdown" && session_.Monitoring) {
-        endOnFailure([&] { commands_.unit.loadCommand(endMonitoring); }, [](auto&&) {});
+        endOnFailure([&] { commands_.Load_Command(endMonitoring); }, [](auto&&) {});
     }
     if (button.key == "Print") {
         return session_.windows().afterEdits("Print", [this] { commands_.printing.askedByToolbar(); });

@@ -11,6 +11,7 @@
 #include "qt/paper.h"
 #include "qt/qt_dialogs.h"
 #include "windows/frm_config.h"
+#include "windows/frm_doubts.h"
 
 namespace zentaq {
 
@@ -201,6 +202,15 @@ bool WindowManager::finishEdits() {
     return true;
 }
 
+bool WindowManager::showDoubts(const std::vector<Doubt>& doubts) {
+    if (closed_) return false;
+    const QPointer<FrmDoubts> box(new FrmDoubts(doubts, main_.get()));
+    const bool leaves = box->exec() == QDialog::Accepted;
+    delete box;
+    if (!leaves && form<FrmConfig>() != nullptr) form<FrmConfig>()->focusTree();
+    return leaves && !closed_;
+}
+
 bool WindowManager::boxOpen() const {
     return boxStands();
 }
@@ -249,7 +259,7 @@ void WindowManager::beginMonitoring() {
     }
     if (parseNumber(session_.settings().get(settings::system, settings::AutoMonitor)) != 1) return;
     constexpr int monitorStart = 2;
-    endOnFailure([&] { commands_.unit.loadCommand(monitorStart); },
+    endOnFailure([&] { commands_.Load_Command(monitorStart); },
                  [&](const std::string& why) { session_.sysLog(why); });
 }
 

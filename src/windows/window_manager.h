@@ -57,6 +57,7 @@ class WindowManager : public QObject, public WindowSet {
     void afterEdits(const std::string& caption, const std::function<void()>& command) override {
         waiting_.afterEdits(caption, command);
     }
+    bool showDoubts(const std::vector<Doubt>& doubts) override;
     bool boxOpen() const override;
     bool noticesSeen() const override;
     void later(const std::function<void()>& something) override { waiting_.later(something); }

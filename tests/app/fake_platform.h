@@ -151,6 +151,14 @@ class RecordingWindows : public WindowSet, public WindowNews {
         note("leave general config");
         return leavesGeneralConfig;
     }
+    bool showDoubts(const std::vector<Doubt>& doubts) override {
+        doubtsShown.push_back(doubts);
+        if (meanwhileDoubts) meanwhileDoubts();
+        return leavesDoubts;
+    }
+    std::vector<std::vector<Doubt>> doubtsShown;
+    bool leavesDoubts = true;
+    std::function<void()> meanwhileDoubts;
     void focus(std::string_view form) override { note("focus " + std::string(form)); }
     void removeForms() override { note("removeForms"); }
 

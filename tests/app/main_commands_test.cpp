@@ -467,6 +467,22 @@ TEST_F(Commands, TheMonitorModeIsKeptAsASetting) {
     EXPECT_EQ(fake.windows.calls.back(), "night");
 }
 
+TEST_F(Commands, OtherWindowsOpenTheTwoMainTablesAndAMonitorSessionByACode) {
+    fake.windows.calls.clear();
+    session.CurrentUnit(3);
+    commands.Load_Command(0);
+    EXPECT_EQ(fake.windows.calls.back(), "table ADV Ignition Advance Table");
+    commands.Load_Command(1);
+    EXPECT_EQ(fake.windows.calls.back(), "table VE Volumetric Efficiency Table");
+    commands.Load_Command(2);
+    EXPECT_TRUE(session.Monitoring);
+    commands.Load_Command(3);
+    EXPECT_FALSE(session.Monitoring);
+    const auto calls = fake.windows.calls;
+    commands.Load_Command(4);
+    EXPECT_EQ(fake.windows.calls, calls);
+}
+
 TEST_F(Commands, AMonitorSessionFollowsTheSettingAndItsEndResetsTheDashboard) {
     fake.settings.set("System", "AutoMonitor", "1");
     commands.unit.loadCommand(2);

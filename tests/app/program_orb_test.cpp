@@ -1,6 +1,7 @@
 // The command "Program ORB" while the world behind its boxes goes on, and what other commands do to the link.
 #include "app/calibration_floats.h"
 #include "app/command_fixture.h"
+#include "app/overview.h"
 
 namespace zentaq {
 namespace {
@@ -54,6 +55,69 @@ class ProgramOrb : public ProgramTest {
         EXPECT_FALSE(sent("P1"));
     }
 };
+
+// A calibration of zeros has much to ask about.
+TEST_F(ProgramOrb, WhatIsInDoubtIsShownOnceAndGoesOutAllTheSame) {
+    openCalibration();
+    link(firstOrbA);
+    commands.programming.programOrb();
+    ASSERT_EQ(fake.windows.doubtsShown.size(), 1u);
+    EXPECT_EQ(fake.windows.doubtsShown.front(), doubtsInHand(session));
+    EXPECT_TRUE(session.link.transfer().pending());
+}
+
+TEST_F(ProgramOrb, ANewDoubtShowsThemAgain) {
+    openCalibration();
+    link(firstOrbA);
+    session.doubtsLeft = doubtsInHand(session);
+    unit().set("INJFIX_PW", 0);
+    for (int i = 0; i < 8; ++i) unit().set("BLDTBL", 500 * (i + 1), i);
+    unit().set("BLDTBL", 100, 4);
+    const auto now = doubtsInHand(session);
+    ASSERT_NE(now, session.doubtsLeft);
+    commands.programming.programOrb();
+    ASSERT_EQ(fake.windows.doubtsShown.size(), 1u);
+    EXPECT_EQ(fake.windows.doubtsShown.front(), now);
+}
+
+TEST_F(ProgramOrb, DoubtsThatWereLeftOnceAreNotInTheWay) {
+    openCalibration();
+    link(firstOrbA);
+    session.doubtsLeft = doubtsInHand(session);
+    commands.programming.programOrb();
+    EXPECT_TRUE(fake.windows.doubtsShown.empty());
+    EXPECT_TRUE(session.link.transfer().pending());
+}
+
+TEST_F(ProgramOrb, WhoGoesBackToTheCalibrationSendsNothing) {
+    openCalibration();
+    link(firstOrbA);
+    fake.windows.leavesDoubts = false;
+    commands.programming.programOrb();
+    expectNothingSent();
+    EXPECT_TRUE(logged("Not programmed: the user looks at the calibration again."));
+    EXPECT_TRUE(session.doubtsLeft.empty());
+}
+
+TEST_F(ProgramOrb, WhatChangesWhileTheDoubtsStandIsShownToo) {
+    openCalibration();
+    link(firstOrbA);
+    fake.windows.meanwhileDoubts = [this] {
+        fake.windows.meanwhileDoubts = nullptr;
+        unit().set("BLDTBL", 100, 0);
+        unit().set("BLDTBL", 50, 1);
+    };
+    commands.programming.programOrb();
+    EXPECT_EQ(fake.windows.doubtsShown.size(), 2u);
+}
+
+TEST_F(ProgramOrb, AUnitThatGoesWhileTheDoubtsStandGetsNothing) {
+    openCalibration();
+    link(firstOrbA);
+    fake.windows.meanwhileDoubts = [this] { loseUnit(); };
+    commands.programming.programOrb();
+    expectNothingSent();
+}
 
 TEST_F(ProgramOrb, GoesOutWhereNothingHappensMeanwhile) {
     openCalibration();

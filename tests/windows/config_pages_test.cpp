@@ -133,7 +133,10 @@ TEST_P(ConfigPages, EveryControlOfEveryVisiblePageShowsItsMember) {
                     EXPECT_EQ(box->text().toStdString(), text) << row.control;
                 }
                 if (auto* fact = qobject_cast<QLabel*>(shown)) {
-                    EXPECT_EQ(fact->text().toStdString(), text) << row.control;
+                    std::string whole = text;
+                    for (int i = 1; i < parameter->count; ++i)
+                        whole += ", " + shownValue(unit(), *parameter, row, i);
+                    EXPECT_EQ(fact->text().toStdString(), whole) << row.control;
                 }
             }
         }

@@ -8,6 +8,7 @@
 #include <QScreen>
 #include <QTabWidget>
 
+#include "app/overview.h"
 #include "app/state_strip.h"
 #include "qt/qt_dialogs.h"
 #include "unit/gpio_functions.h"
@@ -292,6 +293,11 @@ void EveryWindowTest::curve(const Look& look) {
     look(*windows.main().findChild<FrmGraph2D*>("frmGraph_2D"));
 }
 
+void EveryWindowTest::doubts(const Look& look) {
+    mainWithCalibration([](QWidget&) {});
+    modal([&] { windows.showDoubts(doubtsInHand(fake.session)); }, look);
+}
+
 void EveryWindowTest::mainWithDockedCurve(const Look& look) {
     mainWithCalibration([](QWidget&) {});
     fake.settings.set("System", "Graphs", "1");
@@ -392,6 +398,7 @@ const std::vector<ShownWindow>& everyWindow() {
         {"Splash", [](Program& p, const Look& look) { p.splash(look); }},
         {"About", [](Program& p, const Look& look) { p.about(look); }},
         {"Curve", [](Program& p, const Look& look) { p.curve(look); }},
+        {"Doubts", [](Program& p, const Look& look) { p.doubts(look); }},
         {"MainWithDockedCurve", [](Program& p, const Look& look) { p.mainWithDockedCurve(look); }},
         {"MainWithPicture",
          [](Program& p, const Look& look) { p.mainWithFields("TPS/MAP Acceleration", look); }},

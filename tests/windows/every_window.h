@@ -49,6 +49,7 @@ class EveryWindowTest : public WindowTest {
     void tableDialog(const char* command, const Look& look);
     void surface(const Look& look);
     void curve(const Look& look);
+    void doubts(const Look& look);
     void mainWithDockedCurve(const Look& look);
     void mainWithOutputTable(const Look& look);
     void splash(const Look& look);
