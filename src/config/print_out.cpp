@@ -17,9 +17,9 @@ namespace zentaq {
 
 namespace {
 
+/// One with more digits than its place still stands apart from the one before it.
 std::string leftPadded(const std::string& text, std::size_t width) {
-    const std::size_t length = characterCount(text);
-    return length >= width ? text : std::string(width - length, ' ') + text;
+    return text.size() < width ? std::string(width - text.size(), ' ') + text : " " + text;
 }
 std::string rightPadded(const std::string& text, std::size_t width) {
     const std::size_t length = characterCount(text);
@@ -169,8 +169,8 @@ void Listing::grid(std::string_view table, std::string_view pattern, std::size_t
         for (int c = 0; c < columns; ++c) head += leftPadded(formatNumber(stop(false, c), "##000"), width);
         put(head);
         for (int r = rows - 1; r >= 0; --r) {
-            std::string line = rightPadded(
-                formatNumber(stop(true, r), unit_.MAPPrecision() > 1 ? " 00.00 " : "000 "), first);
+            std::string line =
+                rightPadded(formatNumber(stop(true, r), unit_.MAPPrecision() > 1 ? "00.00" : "000"), first);
             for (int c = 0; c < columns; ++c) {
                 const int index = r * storedColumns + c;
                 const float cell =
@@ -234,7 +234,7 @@ void Listing::enrichments() {
 void Listing::advance() {
     if (begin("5.  ADVANCE TABLE", "2.  ADVANCE TABLE")) {
         put("ADVANCE (DEGREES)");
-        grid("ADV", "00", 6);
+        grid("ADV", "#0.0", 6);
         entry({"Initial advance = ", "Initial_Advance", "##", " Degrees"});
     }
     if (begin("6.  COOLANT ADVANCE TABLE", "")) {
@@ -459,26 +459,49 @@ std::vector<std::string> printOut(Unit& unit, const PrintFacts& facts) {
     return listing.take();
 }
 
+namespace {
+
+/// How many lines from `first` on belong together: up to the next empty one, a heading of a line of its own
+/// with what stands below it.
+std::size_t lengthTogether(const std::vector<std::string>& parts, std::size_t first) {
+    std::size_t end = first;
+    while (end < parts.size() && !parts[end].empty()) ++end;
+    const bool heading = end == first + 1 && end + 1 < parts.size();
+    return heading ? 2 + lengthTogether(parts, end + 1) : end - first;
+}
+
+}  // namespace
+
 std::string printedPages(const std::vector<std::string>& lines, const PrintFacts& facts, int columns,
                          int linesAPage) {
     constexpr int headLines = 2;
     const auto width = static_cast<std::size_t>(std::max(columns, 2 * static_cast<int>(indent.size())));
-    const int room = std::max(linesAPage - headLines, 1);
+    const auto room = static_cast<std::size_t>(std::max(linesAPage - headLines, 1));
+    std::vector<std::string> parts;
+    for (const std::string& line : lines) {
+        for (std::string& part : broken(line, width)) parts.push_back(std::move(part));
+    }
     std::string text;
     int page = 0;
-    int used = room;
-    for (const std::string& line : lines) {
-        for (const std::string& part : broken(line, width)) {
-            if (used >= room) {
-                if (page > 0) text += '\f';
-                const std::string head = facts.file + "  DATE: " + facts.date + "  TIME: " + facts.time +
-                                         "  PAGE " + numberText(++page);
-                text += broken(head, width).front() + "\n\n";
-                used = 0;
-            }
-            text += part + '\n';
-            ++used;
+    std::size_t used = room;
+    std::size_t together = 0;  ///< lines to come that were looked at already
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        if (together == 0 && !parts[i].empty()) {
+            together = lengthTogether(parts, i);
+            // What has room on a page is not torn.
+            if (together <= room && used + together > room) used = room;
         }
+        if (together > 0) --together;
+        if (used >= room) {
+            if (parts[i].empty() && page > 0) continue;
+            if (page > 0) text += '\f';
+            const std::string head = facts.file + "  DATE: " + facts.date + "  TIME: " + facts.time +
+                                     "  PAGE " + numberText(++page);
+            text += broken(head, width).front() + "\n\n";
+            used = 0;
+        }
+        text += parts[i] + '\n';
+        ++used;
     }
     return text;
 }

@@ -163,6 +163,26 @@ TEST(PrintedPages, HaveAHeadEachAndAreNoLongerAndNoBroaderThanThePaper) {
     EXPECT_THAT(pages[2], HasSubstr("words that are longer than the paper is\n        broad go on below\n"));
 }
 
+TEST(PrintOut, WhatStandsTogetherIsNotTornWhereAPageHasRoomForIt) {
+    const PrintFacts facts{.file = "tune.ZQ4OA", .date = "11/23/26", .time = "12:00:00 PM"};
+    // Ten lines of room: five, an empty one, then a heading with its three lines, which would be torn.
+    const std::vector<std::string> lines{"1", "2", "3", "4", "5", "6", "7", "", "HEADING", "", "a", "b", "c"};
+    const auto pages = split(printedPages(lines, facts, 40, 12), '\f');
+    ASSERT_EQ(pages.size(), 2u);
+    EXPECT_THAT(pages[0], ::testing::EndsWith("\n7\n\n"));
+    EXPECT_THAT(pages[1], ::testing::EndsWith("\n\nHEADING\n\na\nb\nc\n"));
+}
+
+TEST(PrintOut, WhatIsLongerThanAPageGoesOnOnTheNext) {
+    const PrintFacts facts{.file = "tune.ZQ4OA"};
+    std::vector<std::string> lines;
+    for (int i = 0; i < 25; ++i) lines.push_back("line " + std::to_string(i));
+    const auto pages = split(printedPages(lines, facts, 40, 12), '\f');
+    ASSERT_EQ(pages.size(), 3u);
+    EXPECT_THAT(pages[1], HasSubstr("\nline 10\n"));
+    EXPECT_THAT(pages[2], ::testing::EndsWith("\nline 24\n"));
+}
+
 TEST(TextPdf, HasAPageForEachPageAndItsTableOfOffsetsIsRight) {
     const std::string pdf = textPdf("one (1)\n\ftwo \u00B0\u2026\n", "tune");
     EXPECT_THAT(pdf, StartsWith("%PDF-1.4\n"));

@@ -1,5 +1,6 @@
 // The S-record text of whole calibration files against a second encoder that shares no code with the program,
 // and against public S-record tools.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -284,6 +285,47 @@ TEST(SecondEncoder, PassesItsOwnHandWorkedTests) {
     const TemporaryFolder folder;
     const Outcome outcome = run(python("test_unit_oracle.py"), folder.path());
     EXPECT_EQ(outcome.status, 0) << outcome.output;
+}
+
+// ---- The listing
+
+/// The files of a folder that are calibrations, in quotes.
+std::string calibrationsIn(const fs::path& folder) {
+    std::string names;
+    for (const auto& entry : fs::directory_iterator(folder)) {
+        if (entry.path().extension().string().starts_with(".ZQ4")) names += " " + quoted(entry.path());
+    }
+    return names;
+}
+
+class Listing : public testing::TestWithParam<KindCase> {};
+
+// Every heading in its order and every value, told by another program of the command line.
+TEST_P(Listing, TellsWhatTheCommandLineTells) {
+    const TemporaryFolder folder;
+    ASSERT_NO_FATAL_FAILURE(generate(GetParam(), 6, 5, folder.path()));
+    const Outcome outcome =
+        run(python("print_check.py") + " " + quoted(fs::path(ZENTAQ_APP_DIR) / "zentaqctl") +
+                calibrationsIn(folder.path()),
+            folder.path());
+    EXPECT_EQ(outcome.status, 0) << outcome.output;
+    EXPECT_THAT(outcome.output, testing::HasSubstr(" files checked"));
+}
+
+std::string nameOfListing(const testing::TestParamInfo<KindCase>& row) {
+    return testName(row.param);
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryKind, Listing, testing::ValuesIn(everyKind), nameOfListing);
+
+TEST(ListingOfSamples, TellsWhatTheCommandLineTells) {
+    const TemporaryFolder folder;
+    const Outcome outcome =
+        run(python("print_check.py") + " " + quoted(fs::path(ZENTAQ_APP_DIR) / "zentaqctl") +
+                calibrationsIn(fs::path(ZENTAQ_APP_DIR) / "samples"),
+            folder.path());
+    EXPECT_EQ(outcome.status, 0) << outcome.output;
+    EXPECT_THAT(outcome.output, testing::HasSubstr("7 files checked"));
 }
 
 /// Random calibrations programmed into "/ORB.s19" of a temporary application folder.
