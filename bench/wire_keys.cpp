@@ -1,5 +1,6 @@
 // From a keystroke in a table to the last byte of its record on the wire, while frames keep the line busy.
 #include <QKeyEvent>
+#include <functional>
 
 #include "wire_rig.h"
 
@@ -25,15 +26,15 @@ class KeyTimer {
     KeyTimer(const KeyTimer&) = delete;
     KeyTimer& operator=(const KeyTimer&) = delete;
 
-    /// Presses the key and waits until its record has left and was answered.
-    bool press(const QString& text) {
+    /// Presses the key and waits until its record has left and was answered. Into the control itself: a
+    /// display without a window manager gives nobody the focus.
+    bool press(QWidget& control, int key, const QString& text = {}) {
         recordUs_ = 0;
         nextWriteUs_ = 0;
         const bool inFlight = bench_.meter.lastReplyUs < bench_.meter.lastWriteUs;
         keyUs_ = bench_.nowUs();
-        // Into the grid itself: a display without a window manager gives nobody the focus.
-        QKeyEvent down(QEvent::KeyPress, text == "." ? Qt::Key_Period : Qt::Key_Comma, Qt::NoModifier, text);
-        QApplication::sendEvent(&bench_.program->windows.form<FrmTable>()->grid(), &down);
+        QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier, text);
+        QApplication::sendEvent(&control, &down);
         if (!Program::waitFor([this] { return recordUs_ != 0 && !bench_.session().link.OnFlyBusy(); },
                               2000)) {
             return false;
@@ -68,21 +69,15 @@ class KeyTimer {
     double bytes_ = 0;
 };
 
-void keystroke(benchmark::State& state, const QStringList& unitOptions) {
-    WireBench bench(unitOptions);
-    if (!bench.ready) return state.SkipWithError("The unit was not found");
-    bench.openTable("VE", "Volumetric Efficiency Table");
-    FrmTable* table = bench.program->windows.form<FrmTable>();
-    table->grid().setFocus();
+/// Presses keys at every phase of a frame, with the queue as full as monitoring alone makes it.
+void measure(benchmark::State& state, WireBench& bench, const std::function<bool(KeyTimer&, int)>& press) {
     for (auto unused : state) {
         KeyTimer timer(bench);
         const auto framesBefore = bench.session().live.frames;
         const std::int64_t begin = bench.nowUs();
         for (int i = 0; i < keystrokes; ++i) {
-            // At every phase of a frame, with the queue as full as monitoring alone makes it; up and down
-            // again, so that no cell reaches its limit.
             Program::runFor(120 + i * 7 % 23);
-            if (!timer.press(i / 5 % 2 == 0 ? "." : ",")) {
+            if (!press(timer, i)) {
                 const bool there = bench.session().link.linked().UnitIdentified;
                 return state.SkipWithError(there ? "No record was sent" : "The link was lost");
             }
@@ -101,6 +96,33 @@ void keystroke(benchmark::State& state, const QStringList& unitOptions) {
                                      static_cast<double>(bench.nowUs() - begin);
     }
 }
+
+void keystroke(benchmark::State& state, const QStringList& unitOptions) {
+    WireBench bench(unitOptions);
+    if (!bench.ready) return state.SkipWithError("The unit was not found");
+    bench.openTable("VE", "Volumetric Efficiency Table");
+    FrmTable* table = bench.program->windows.form<FrmTable>();
+    table->grid().setFocus();
+    measure(state, bench, [&](KeyTimer& timer, int i) {
+        // Up and down again, so that no cell reaches its limit.
+        const bool up = i / 5 % 2 == 0;
+        return timer.press(table->grid(), up ? Qt::Key_Period : Qt::Key_Comma, up ? "." : ",");
+    });
+}
+
+/// Enter in a box of a page.
+void fieldEntry(benchmark::State& state) {
+    WireBench bench;
+    if (!bench.ready) return state.SkipWithError("The unit was not found");
+    EntryBox* box = bench.openPage("Warm-Up Enrichments", "WE_4");
+    if (box == nullptr) return state.SkipWithError("The page has no such box");
+    measure(state, bench, [&](KeyTimer& timer, int i) {
+        box->setText(QString::number(20 + i % 7));
+        box->setModified(true);
+        return timer.press(*box, Qt::Key_Return);
+    });
+}
+BENCHMARK(fieldEntry)->Iterations(1)->Unit(benchmark::kSecond);
 BENCHMARK_CAPTURE(keystroke, wide, QStringList{})->Iterations(1)->Unit(benchmark::kSecond);
 BENCHMARK_CAPTURE(keystroke, narrow, QStringList{"--firmware", "ZQA-404099"})
     ->Iterations(1)

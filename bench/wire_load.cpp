@@ -33,6 +33,28 @@ void load(benchmark::State& state) {
 }
 BENCHMARK(load)->Args({1366, 768})->Args({1920, 1080})->Iterations(1)->Unit(benchmark::kSecond);
 
+/// The same with a page of settings in view, its curve following the engine.
+void loadOfPage(benchmark::State& state) {
+    WireBench bench;
+    if (!bench.ready) return state.SkipWithError("The unit was not found");
+    MdiMain& main = bench.program->windows.main();
+    main.showNormal();
+    main.move(0, 0);
+    main.resize(1366, 768);
+    if (bench.openPage("Warm-Up Enrichments", "WE_4") == nullptr) return state.SkipWithError("No such page");
+    Program::runFor(1000);
+    constexpr double seconds = 10;
+    for (auto unused : state) {
+        const auto framesBefore = bench.session().live.frames;
+        const double cpuBefore = cpuSeconds();
+        Program::runFor(static_cast<int>(seconds * 1000));
+        state.counters["cpu_%"] = 100 * (cpuSeconds() - cpuBefore) / seconds;
+        state.counters["frames/s"] =
+            static_cast<double>(bench.session().live.frames - framesBefore) / seconds;
+    }
+}
+BENCHMARK(loadOfPage)->Iterations(1)->Unit(benchmark::kSecond);
+
 /// Counts the ticks of the link and the gaps between them, and runs them.
 class TickMeter {
  public:

@@ -5,6 +5,7 @@
 #include <benchmark/benchmark.h>
 #include <sys/resource.h>
 
+#include <QTreeWidget>
 #include <algorithm>
 #include <array>
 #include <fstream>
@@ -14,6 +15,7 @@
 
 #include "live/datalog_writer.h"
 #include "platform/line_watch.h"
+#include "qt/entry_box.h"
 #include "system/flight_rig.h"
 #include "windows/frm_dashboard.h"
 #include "windows/frm_table.h"
@@ -118,6 +120,17 @@ struct WireBench {
     void openTable(const std::string& table, const std::string& title) {
         program->commands.openTable(table, title);
         Program::runFor(500);
+    }
+
+    /// A page by the text of its node; answers a box of it, nullptr where there is none.
+    EntryBox* openPage(const char* page, const char* box) {
+        auto* tree = program->windows.main().findChild<QTreeWidget*>("treeZentaq");
+        const auto items = tree->findItems(page, Qt::MatchExactly | Qt::MatchRecursive);
+        if (items.isEmpty()) return nullptr;
+        tree->setCurrentItem(items[0]);
+        Q_EMIT tree->itemActivated(items[0], 0);
+        Program::runFor(500);
+        return program->windows.main().findChild<EntryBox*>(box);
     }
 
     TemporaryFolder folder;
