@@ -55,7 +55,6 @@ constexpr auto besides = std::to_array<Beside>({
     {"IS_ADV", "ADV_IDLE"},
     {"IS_RTD", "ADV_IDLE"},
     {"MT", "lblPPW"},
-    {"scale1", "INJ_TOG"},
     {"SE0", "INJ_SE0"},
     {"ASE0", "INJ_ASE0"},
     {"ASE1", "INJ_ASE1"},

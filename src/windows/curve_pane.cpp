@@ -8,7 +8,6 @@
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "base/settings_keys.h"
-#include "config/shown_value.h"
 #include "qt/field_control.h"
 #include "qt/help_key.h"
 #include "qt/plain_label.h"
@@ -21,7 +20,7 @@ CurvePane::CurvePane(Session& session, QWidget* parent) : QWidget(parent), sessi
     picture_->setToolTip(
         "Arrow keys: Left and Right go from point to point, Up and Down change it, Page Up and Page Down by "
         "ten steps. With the mouse: drag a point.");
-    lblPoint_ = plainLines("lblPoint", "Point in hand", this);
+    lblPoint_ = plainLabel("lblPoint", "Point in hand", this);
     lblLive_ = plainLabel("lblLive", "The engine now", this);
     chkTrace_ = named(new QCheckBox("&Trace", this), "chkTrace");
     chkTrace_->setToolTip("Shows where the engine was last on the curve");
@@ -29,12 +28,13 @@ CurvePane::CurvePane(Session& session, QWidget* parent) : QWidget(parent), sessi
     picture_->showTrace(chkTrace_->isChecked());
     bar_ = new QHBoxLayout;
     bar_->setSpacing(space(fontMetrics(), Space::Normal));
-    bar_->addWidget(lblPoint_, 1);
-    bar_->addWidget(lblLive_);
+    bar_->addWidget(lblLive_, 1);
     bar_->addWidget(chkTrace_);
     auto* whole = new QVBoxLayout(this);
     whole->setContentsMargins(0, 0, 0, 0);
+    whole->setSpacing(space(fontMetrics(), Space::Line));
     whole->addWidget(picture_, 1);
+    whole->addWidget(lblPoint_);
     whole->addLayout(bar_);
     connect(picture_, &CurvePicture::stood, this, &CurvePane::showPoint);
     connect(picture_, &CurvePicture::moveAsked, this,
@@ -97,16 +97,7 @@ void CurvePane::redrawDot() {
 
 void CurvePane::showPoint() {
     QString text;
-    if (graph_ != nullptr) {
-        text = shownString(graph_->inWords(picture_->point()));
-        const std::string member(graph_->kind().up.member);
-        skipFailing([&] {
-            Unit& unit = session_.currentUnitObject();
-            const int element = static_cast<int>(picture_->point());
-            const std::string range = shownRange(unit, *unit.find(member), element);
-            if (!range.empty()) text += " " + shownString(range);
-        });
-    }
+    if (graph_ != nullptr) text = shownString(graph_->inWords(picture_->point()));
     if (lblPoint_->text() != text) lblPoint_->setText(text);
 }
 

@@ -178,8 +178,7 @@ void PageForm::build(const Display& shown) {
     }
     flush();
     addPicture();
-    if (hasPicture()) fields->addStretch(1);
-    if (notes_ == nullptr && !hasPicture()) outer->addStretch(1);
+    if (notes_ == nullptr) fields->addStretch(1);
     setPage(content_);
     fitWidths();
     content_->show();
@@ -351,7 +350,7 @@ void PageForm::addLine(const Field& field) {
             grid_->addWidget(caption, row_, captionPlace);
             const bool list = field.kind == FieldKind::Choice;
             grid_->addWidget(line.control->widget(), row_, valuePlace, 1,
-                             list ? limitsPlace - valuePlace + 1 : 1, Qt::AlignLeft);
+                             list ? livePlace - valuePlace + 1 : 1, list ? Qt::Alignment() : Qt::AlignLeft);
         }
     }
     if (!isSwitch(field) && field.kind != FieldKind::Choice) {
@@ -361,7 +360,7 @@ void PageForm::addLine(const Field& field) {
         grid_->addWidget(line.unit, row_, unitPlace);
         grid_->addWidget(line.limits, row_, limitsPlace);
     }
-    if (!readingBeside(field.member).empty()) {
+    if (!isSwitch(field) && !readingBeside(field.member).empty()) {
         line.live = plainLabel("lblLive_" + qString(field.control), "The engine now", content_);
         line.live->setProperty(memberProperty, qString(field.member));
         grid_->addWidget(line.live, row_, livePlace);

@@ -81,6 +81,12 @@ void PageView::add(QTreeWidgetItem* item, const Field& row, bool onTheFly) {
     item->setForeground(valueColumn, colors.highlightText);
 }
 
+// A long path leaves the columns behind it in sight.
+void PageView::resizeEvent(QResizeEvent* event) {
+    QTreeWidget::resizeEvent(event);
+    header()->setMaximumSectionSize(std::max(width() * 2 / 5, header()->minimumSectionSize()));
+}
+
 QString PageView::helpKey() const {
     return currentItem() == nullptr ? QString() : currentItem()->data(captionColumn, helpKeyRole).toString();
 }

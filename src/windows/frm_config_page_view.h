@@ -21,6 +21,9 @@ class PageView : public QTreeWidget {
     /// The help key of the current row, for Fast Help.
     QString helpKey() const;
 
+ protected:
+    void resizeEvent(QResizeEvent* event) override;
+
  Q_SIGNALS:
     /// Enter or a double click on a row of a member: "CHKTBL[3]".
     void memberAsked(const QString& member);
