@@ -67,6 +67,41 @@ TEST_F(Printing, TheFormInFrontIsPrintedAndTheLookStays) {
     EXPECT_EQ(appliedLook(*qApp), DisplayMode::Night);
 }
 
+int pagesOf(const std::string& pdf) {
+    int pages = 0;
+    for (std::size_t at = pdf.find("/Type /Page\n"); at != std::string::npos;
+         at = pdf.find("/Type /Page\n", at + 1))
+        ++pages;
+    return pages;
+}
+
+TEST_F(Printing, WhatTheScreenShowsAPartOfIsPrintedWholeBehindThePictureOfTheForm) {
+    auto* tree = find<QTreeWidget>("treeZentaq");
+    const auto open = [&](const char* page) {
+        Q_EMIT tree->itemActivated(tree->findItems(page, Qt::MatchExactly | Qt::MatchRecursive).value(0), 0);
+        for (int i = 0; i < 3; ++i) QApplication::processEvents();
+    };
+    windows.main().resize(900, 480);
+    open("Advanced Parameters");
+    windows.main().run("mnuPrintCurrentForm");
+    EXPECT_EQ(pagesOf(document()), 2) << "its fields have no room on the screen";
+    windows.main().resize(1900, 1400);
+    open("Idle Advance");
+    windows.main().run("mnuPrintCurrentForm");
+    EXPECT_EQ(pagesOf(document()), 1);
+}
+
+TEST_F(Printing, ALongOverviewIsPrintedToItsEnd) {
+    for (int i = 0; i < 256; ++i) fake.session.currentUnitObject().set("VE", 1, i);
+    windows.main().run("mnuPrintCurrentForm");
+    windows.showUnit();
+    windows.main().resize(900, 480);
+    QApplication::processEvents();
+    windows.main().run("mnuPrintCurrentForm");
+    // 256 changes and what is in doubt, 54 lines a page, behind the picture.
+    EXPECT_GE(pagesOf(document()), 6);
+}
+
 TEST_F(Printing, TheToolbarAsksFirstAndPrintsWhatTheSettingSays) {
     fake.dialogs.answers.push_back(Answer::No);
     pressToolbar();
