@@ -414,7 +414,7 @@ void PageForm::addHeading(const std::vector<Fields>& members) {
     for (const Fields& cells : members) {
         const Field& field = cells.front();
         QString text = qString(plainCaption(field.caption));
-        if (!field.unit.empty()) text += ", " + shownString(field.unit);
+        if (const QString unit = unitBeside(field); !unit.isEmpty()) text += ", " + unit;
         const bool alike =
             std::ranges::all_of(cells, [&](const Field& one) { return one.limits == field.limits; });
         if (alike && !field.limits.empty()) text += ": " + shownString(withoutParentheses(field.limits));
@@ -518,6 +518,8 @@ bool PageForm::goTo(const std::string& control) {
         if (one == nullptr || one->shown().control != control) continue;
         ensureWidgetVisible(one->widget());
         one->widget()->setFocus(Qt::OtherFocusReason);
+        // A value that is typed now takes the place of the one that stands there.
+        if (auto* box = qobject_cast<QLineEdit*>(one->widget())) box->selectAll();
         return true;
     }
     return false;

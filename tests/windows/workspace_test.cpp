@@ -148,6 +148,8 @@ TEST_F(Workspace, AFieldIsFoundByCaptionMemberOrHelpAndGoneTo) {
     EXPECT_EQ(find<QLabel>("lblPageTitle")->text(), "Knock Control");
     EXPECT_EQ(tree()->currentItem()->text(0), "Knock Control");
     EXPECT_EQ(line->text(), "");
+    EXPECT_EQ(find<QLineEdit>("txtKNOCK_CTL1")->selectedText(), find<QLineEdit>("txtKNOCK_CTL1")->text())
+        << "what is typed now takes the place of the value";
     line->setText("no such words");
     EXPECT_EQ(hits->item(0)->text(), "No field found");
 }
