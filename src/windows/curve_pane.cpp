@@ -1,5 +1,6 @@
 #include "windows/curve_pane.h"
 
+#include <QAccessible>
 #include <QPointer>
 #include <QVBoxLayout>
 
@@ -15,7 +16,13 @@
 
 namespace zentaq {
 
-CurvePane::CurvePane(Session& session, QWidget* parent) : QWidget(parent), session_(session), core_(session) {
+CurvePane::CurvePane(Session& session, QWidget* parent)
+    : QWidget(parent),
+      session_(session),
+      core_(session),
+      digits_(
+          session.platform().clock, [this] { showLive(); }, this,
+          QAccessible::isActive() ? RedrawGate::spokenUs : RedrawGate::digitsUs) {
     picture_ = new CurvePicture(this);
     picture_->setToolTip(
         "Arrow keys: Left and Right go from point to point, Up and Down change it, Page Up and Page Down by "
@@ -91,7 +98,7 @@ void CurvePane::redrawDot() {
     const int linked = session_.link.linked().LinkedUnitKind;
     if (!isInHand() || linked == 0 || linked != session_.slotInHand()) return;
     if (!graph_->redrawDot(session_.live)) return;
-    showLive();
+    digits_.request();
     picture_->update();
 }
 

@@ -50,6 +50,7 @@ class CurvePane : public QWidget {
     PageEditor core_;
     const Unit* unit_ = nullptr;
     std::unique_ptr<CurveGraph> graph_;
+    RedrawGate digits_;
     CurvePicture* picture_ = nullptr;
     QLabel* lblPoint_ = nullptr;
     QLabel* lblLive_ = nullptr;

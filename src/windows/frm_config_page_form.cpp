@@ -1,5 +1,6 @@
 #include "windows/frm_config_page_form.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QPushButton>
 #include <QResizeEvent>
@@ -75,11 +76,20 @@ PageForm::PageForm(Session& session, QWidget* parent)
     : PageArea(parent),
       core_(session),
       session_(session),
-      redraw_(
-          session.platform().clock, [this] { showLive(); }, this, RedrawGate::markUs) {
+      dot_(
+          session.platform().clock,
+          [this] {
+              if (curve_ != nullptr) curve_->redrawDot();
+          },
+          this, RedrawGate::markUs),
+      digits_(
+          session.platform().clock, [this] { showLive(); }, this,
+          QAccessible::isActive() ? RedrawGate::spokenUs : RedrawGate::digitsUs) {
     named(this, "pageForm", "Fields of the page");
     framesFollowed_ = session.frames.follow([this] {
-        if (isVisible()) redraw_.request();
+        if (!isVisible()) return;
+        dot_.request();
+        digits_.request();
     });
 }
 
@@ -241,7 +251,6 @@ void PageForm::follow() {
 }
 
 void PageForm::showLive() {
-    if (curve_ != nullptr) curve_->redrawDot();
     std::optional<std::vector<DashboardReading>> readings;
     for (auto& [place, line] : lines_) {
         if (line.live == nullptr) continue;

@@ -95,7 +95,8 @@ class PageForm : public PageArea {
     std::map<std::string, QButtonGroup*> groups_;
     CurvePane* curve_ = nullptr;  ///< frmGraphs
     SketchPicture* sketch_ = nullptr;
-    RedrawGate redraw_;
+    RedrawGate dot_;
+    RedrawGate digits_;
     FrameFeed::Subscription framesFollowed_;
     QPlainTextEdit* notes_ = nullptr;
     QLabel* lblNotesCounter_ = nullptr;

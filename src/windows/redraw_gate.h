@@ -16,8 +16,10 @@ class RedrawGate : public QObject {
     Q_OBJECT
 
  public:
-    static constexpr std::int64_t needleUs = 16'667;  ///< 60 a second, for what moves smoothly
-    static constexpr std::int64_t markUs = 33'333;    ///< 30 a second, for what jumps from place to place
+    static constexpr std::int64_t needleUs = 16'667;     ///< 60 a second, for what moves smoothly
+    static constexpr std::int64_t digitsUs = 250'000;    ///< four a second, for digits that are read
+    static constexpr std::int64_t spokenUs = 1'000'000;  ///< while a screen reader says them
+    static constexpr std::int64_t markUs = 33'333;       ///< 30 a second, for what jumps from place to place
 
     RedrawGate(const Clock& clock, std::function<void()> draw, QObject* parent,
                std::int64_t frameUs = needleUs);

@@ -74,7 +74,7 @@ class CurveGraphWindows : public TableWindowsTest {
     void frame(float coolant) {
         fake.session.live.CLT = coolant;
         fake.session.unitMemory.frameCame(fake.clock.monotonicUs());
-        fake.clock.nowUs += 40'000;
+        fake.clock.nowUs += 300'000;
         fake.session.frames.tell();
     }
 };
