@@ -313,7 +313,8 @@ void PageForm::fitWidths() {
     for (auto& [place, line] : lines_) {
         if (line.caption != nullptr) {
             QString text = line.caption->text();
-            const int whole = line.caption->fontMetrics().horizontalAdvance(text.remove(u'&'));
+            const QFontMetrics metrics = line.caption->fontMetrics();
+            const int whole = metrics.horizontalAdvance(text.remove(u'&')) + metrics.averageCharWidth();
             line.caption->setMinimumWidth(narrow ? 0 : std::min(whole, most));
         }
         if (line.limits != nullptr) line.limits->setWordWrap(narrow);
