@@ -264,6 +264,21 @@ void CommandLine::addComparing() {
             Run([this](const Context& context) { return check(context, given_.file) ? done : different; }));
     doubts->add_option("FILE", given_.file, "Calibration file")->required();
 
+    CLI::App* log =
+        add("log", "Show what a datalog holds", [](const Context& context, const Arguments& given) {
+            if (given.command == "info") return logInfo(context, given.file);
+            if (given.command == "rows") return logRows(context, given.file, given.channels);
+            logStats(context, given.file);
+        });
+    log->add_option(
+           "WHAT", given_.command,
+           "info: format, rows, seconds; rows: all of them, parted by tabs; stats: what each channel "
+           "reaches")
+        ->required()
+        ->check(CLI::IsMember({"info", "rows", "stats"}));
+    log->add_option("LOG", given_.file, "Datalog, *.dat")->required();
+    log->add_option("--channels", given_.channels, "With rows: only these, as RPM,MAP");
+
     CLI::App* paper = addOnFile(
         "print", "Write a file as a listing for people",
         [](const Context& context, const Arguments& given) { print(context, given.file, given.output); });

@@ -52,6 +52,7 @@ struct Arguments {
     std::string port = "1";
     std::optional<double> seconds;
     std::string log;
+    std::string channels;
     std::string trace;
     std::string command;
     std::optional<double> fromSeconds;

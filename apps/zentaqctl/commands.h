@@ -111,6 +111,12 @@ void makeNew(const Context& context, const NewCalibration& wanted);
 void listEngines(const Context& context, const std::string& model);
 void listSensors(const Context& context);
 
+// ---- Datalogs: commands_log.cpp
+void logInfo(const Context& context, const std::string& file);
+/// Channels by their names, parted by commas; empty for all.
+void logRows(const Context& context, const std::string& file, const std::string& channels);
+void logStats(const Context& context, const std::string& file);
+
 // ---- Wire traces: commands_trace.cpp
 
 /// The chosen lines and what they add up to, or that alone.
