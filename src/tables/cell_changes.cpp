@@ -18,11 +18,13 @@ std::vector<Refusal> refusedOf(const TableSheet& sheet, std::span<const CellChan
 std::vector<Refusal> storeAll(TableSheet& sheet, std::span<const CellChange> changes) {
     auto refused = refusedOf(sheet, changes);
     if (!refused.empty()) return refused;
-    for (const auto& [cell, value] : changes) {
+    for (const CellChange& change : changes) {
+        const GridCell cell = change.cell;
         const int index = sheet.tableIndex(cell.row, cell.column);
         skipFailing([&] {
-            if (sheet.holdsAlready(value, index)) return;
-            noteRefusal(refused, sheet.writeCell(value, index, false), cellName(cell.row, cell.column));
+            if (sheet.holdsAlready(change.value, index)) return;
+            noteRefusal(refused, sheet.writeCell(change.value, index, false),
+                        cellName(cell.row, cell.column));
         });
         sheet.showStored(cell.row, cell.column);
     }
