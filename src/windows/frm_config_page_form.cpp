@@ -116,13 +116,19 @@ void PageForm::showPage(int page) {
     showLive();
 }
 
+/// With the bar that scrolls, whether it stands there or not: a page that is laid out anew by it could need
+/// it no more, and again.
+int PageForm::roomWidth() const {
+    return width() - 2 * frameWidth() - verticalScrollBar()->sizeHint().width();
+}
+
 std::size_t PageForm::boxesInRow() const {
     const int box =
         digitsWidth(fontMetrics(), 7) + fontMetrics().height() + space(fontMetrics(), Space::Tight);
     const int captions = fontMetrics().averageCharWidth() * 20;
     // A curve stands beside its boxes.
     const bool halved = curveOfPage(page_) != nullptr;
-    const int width = halved ? viewport()->width() * 5 / 9 : viewport()->width();
+    const int width = halved ? roomWidth() * 5 / 9 : roomWidth();
     const int room = (width - (halved ? captions / 2 : captions)) / std::max(box, 1);
     return std::clamp<std::size_t>(static_cast<std::size_t>(std::max(room, 0)), fewestBoxes, mostBoxes);
 }
@@ -202,7 +208,7 @@ void PageForm::build(const Display& shown) {
 void PageForm::foldPicture() {
     if (columns_ == nullptr) return;
     const QMargins around = content_->layout()->contentsMargins();
-    foldColumns(*columns_, viewport()->width() - around.left() - around.right());
+    foldColumns(*columns_, roomWidth() - around.left() - around.right());
 }
 
 /// What is made late would come last, behind all other parts of the window.
@@ -301,7 +307,7 @@ FieldControl* PageForm::makeControl(const Field& field, QWidget* parent) {
 
 bool PageForm::isNarrow() const {
     constexpr int narrowLetters = 100;
-    return viewport()->width() < narrowLetters * fontMetrics().averageCharWidth();
+    return roomWidth() < narrowLetters * fontMetrics().averageCharWidth();
 }
 
 /// A caption takes a second line only where it would have more than its share of the page, or the page is
@@ -309,7 +315,7 @@ bool PageForm::isNarrow() const {
 void PageForm::fitWidths() {
     const bool narrow = isNarrow();
     // Beside a picture there is less room.
-    const int most = viewport()->width() / (sketch_ != nullptr ? 4 : 3);
+    const int most = roomWidth() / (sketch_ != nullptr ? 4 : 3);
     for (auto& [place, line] : lines_) {
         if (line.caption != nullptr) {
             QString text = line.caption->text();

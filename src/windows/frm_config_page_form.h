@@ -71,6 +71,7 @@ class PageForm : public PageArea {
     void showPicture();
     void showLive();
     void addHeading(const std::vector<Fields>& members);
+    int roomWidth() const;
     bool isNarrow() const;
     bool hasPicture() const { return curve_ != nullptr || sketch_ != nullptr; }
     void fitWidths();
