@@ -57,12 +57,12 @@ void CurvePicture::showTrace(bool on) {
 
 QSize CurvePicture::minimumSizeHint() const {
     constexpr int letters = 30;
-    constexpr int lines = 5;
+    constexpr int lines = 4;
     return {fontMetrics().averageCharWidth() * letters, fontMetrics().height() * lines};
 }
 
 QSize CurvePicture::sizeHint() const {
-    return {minimumSizeHint().width() * 3 / 2, minimumSizeHint().height() * 3};
+    return {minimumSizeHint().width() * 3 / 2, minimumSizeHint().height() * 4};
 }
 
 void CurvePicture::changeEvent(QEvent* event) {
