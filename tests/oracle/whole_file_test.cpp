@@ -303,7 +303,7 @@ class Listing : public testing::TestWithParam<KindCase> {};
 // Every heading in its order and every value, told by another program of the command line.
 TEST_P(Listing, TellsWhatTheCommandLineTells) {
     const TemporaryFolder folder;
-    ASSERT_NO_FATAL_FAILURE(generate(GetParam(), 6, 5, folder.path()));
+    ASSERT_NO_FATAL_FAILURE(generate(GetParam(), 3, 5, folder.path()));
     const Outcome outcome =
         run(python("print_check.py") + " " + quoted(fs::path(ZENTAQ_APP_DIR) / "zentaqctl") +
                 calibrationsIn(folder.path()),
