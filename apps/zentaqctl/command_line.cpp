@@ -264,20 +264,7 @@ void CommandLine::addComparing() {
             Run([this](const Context& context) { return check(context, given_.file) ? done : different; }));
     doubts->add_option("FILE", given_.file, "Calibration file")->required();
 
-    CLI::App* log =
-        add("log", "Show what a datalog holds", [](const Context& context, const Arguments& given) {
-            if (given.command == "info") return logInfo(context, given.file);
-            if (given.command == "rows") return logRows(context, given.file, given.channels);
-            logStats(context, given.file);
-        });
-    log->add_option(
-           "WHAT", given_.command,
-           "info: format, rows, seconds; rows: all of them, parted by tabs; stats: what each channel "
-           "reaches")
-        ->required()
-        ->check(CLI::IsMember({"info", "rows", "stats"}));
-    log->add_option("LOG", given_.file, "Datalog, *.dat")->required();
-    log->add_option("--channels", given_.channels, "With rows: only these, as RPM,MAP");
+    addLogs();
 
     CLI::App* paper = addOnFile(
         "print", "Write a file as a listing for people",
@@ -292,6 +279,74 @@ void CommandLine::addComparing() {
                          });
     back->add_option("TEXT", given_.file, "Text file; - is the standard input")->required();
     addOutput(back, "Calibration file to write")->required();
+}
+
+void CommandLine::addLogs() {
+    CLI::App* log = add("log", "Show what a datalog holds, or write it for other programs",
+                        Run([this](const Context& context) { return runLog(context); }));
+    log->parse_complete_callback([this] { checkLog(); });
+    log->add_option(
+           "WHAT", given_.command,
+           "info: format, rows, seconds; rows: all of them, parted by tabs; stats: what each channel "
+           "reaches; find: where a condition holds; histogram: what a channel did in the cells of a "
+           "table; export: for other programs; diff: what two logs have differently")
+        ->required()
+        ->check(CLI::IsMember({"info", "rows", "stats", "find", "histogram", "export", "diff"}));
+    log->add_option("LOG", given_.files,
+                    "Datalog, *.dat; with find the condition behind it, with diff a second datalog, with "
+                    "export as many as there are")
+        ->required();
+    log->add_option("--channels", given_.channels, "With rows: only these, as RPM,MAP");
+    log->add_option(
+        "--where", given_.condition,
+        "With stats and histogram: only rows for which this holds, as \"RPM > 3000 and MAP > 80\"");
+    log->add_option("--table", given_.calibration,
+                    "With histogram: a calibration and one of its tables, as Street.ZQ4OA:VE");
+    log->add_option("--channel", given_.channel, "With histogram: whose values are counted, as AAFR");
+    log->add_option("--to", given_.form, "With export: csv, msl or mlg")
+        ->check(CLI::IsMember({"csv", "msl", "mlg"}));
+    addOutput(log, "With export: the file to write, or a folder, where each log gets a file of its own");
+
+    CLI::App* tune = addOnFile("autove", "Correct the fuel table of a file by a datalog",
+                               [](const Context& context, const Arguments& given) {
+                                   autoVe(context, given.file, given.log, given.constant, given.output);
+                               });
+    tune->add_option("LOG", given_.log, "Datalog, *.dat")->required();
+    tune->add_option("--constant", given_.constant,
+                     "From 5 to 200, as the window asks for it; the rule in use has no need of it");
+    addOutput(tune, "Write here and leave FILE as it is");
+    takeCutToo(tune);
+}
+
+void CommandLine::checkLog() const {
+    const auto need = [this](bool there, const char* what) {
+        if (!there) throw CLI::ValidationError("log " + given_.command, what);
+    };
+    if (given_.command == "export") {
+        need(!given_.output.empty() && !given_.form.empty(), "needs -o and --to");
+    } else if (given_.command == "find") {
+        need(given_.files.size() == 2, "takes a datalog and a condition");
+    } else if (given_.command == "diff") {
+        need(given_.files.size() == 2, "takes two datalogs");
+    } else {
+        need(given_.files.size() == 1, "takes one datalog");
+    }
+    if (given_.command == "histogram")
+        need(!given_.calibration.empty() && !given_.channel.empty(), "needs --table and --channel");
+}
+
+int CommandLine::runLog(const Context& context) const {
+    const std::string& first = given_.files.front();
+    const std::string& last = given_.files.back();
+    if (given_.command == "find") return logFind(context, first, last) ? done : different;
+    if (given_.command == "diff") return logDiff(context, first, last) ? done : different;
+    if (given_.command == "info") logInfo(context, first);
+    if (given_.command == "rows") logRows(context, first, given_.channels);
+    if (given_.command == "stats") logStats(context, first, given_.condition);
+    if (given_.command == "histogram")
+        logHistogram(context, first, given_.calibration, given_.channel, given_.condition);
+    if (given_.command == "export") logExport(context, given_.files, given_.output, given_.form);
+    return done;
 }
 
 void CommandLine::addPins() {

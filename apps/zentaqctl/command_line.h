@@ -53,6 +53,11 @@ struct Arguments {
     std::optional<double> seconds;
     std::string log;
     std::string channels;
+    std::vector<std::string> files;
+    std::string condition;
+    std::string channel;
+    std::string form;
+    int constant = 50;
     std::string trace;
     std::string command;
     std::optional<double> fromSeconds;
@@ -101,6 +106,10 @@ class CommandLine {
     /// For a command that has --force already: it takes a file that was cut as well.
     static void takeCutToo(CLI::App* command);
     void addReading();
+    void addLogs();
+    /// Throws CLI::ParseError where a word, a file or an option is missing.
+    void checkLog() const;
+    int runLog(const Context& context) const;
     void addPins();
     void addChanging();
     void addComparing();

@@ -111,11 +111,24 @@ void makeNew(const Context& context, const NewCalibration& wanted);
 void listEngines(const Context& context, const std::string& model);
 void listSensors(const Context& context);
 
-// ---- Datalogs: commands_log.cpp
+// ---- Datalogs: commands_log.cpp, commands_log_out.cpp
 void logInfo(const Context& context, const std::string& file);
 /// Channels by their names, parted by commas; empty for all.
 void logRows(const Context& context, const std::string& file, const std::string& channels);
-void logStats(const Context& context, const std::string& file);
+/// Of the rows for which a condition holds; all of them where it is empty. Likewise below.
+void logStats(const Context& context, const std::string& file, const std::string& condition);
+/// The stretches where it holds. Whether there are any.
+bool logFind(const Context& context, const std::string& file, const std::string& condition);
+/// `table` is a calibration, a colon and the name of a table in it.
+void logHistogram(const Context& context, const std::string& file, const std::string& table,
+                  const std::string& channel, const std::string& condition);
+/// Whether both hold the same.
+bool logDiff(const Context& context, const std::string& first, const std::string& second);
+/// `form` "csv", "msl" or "mlg"; several logs go into a folder.
+void logExport(const Context& context, const std::vector<std::string>& logs, const std::string& output,
+               const std::string& form);
+void autoVe(const Context& context, const std::string& file, const std::string& log, int constant,
+            const std::string& output);
 
 // ---- Wire traces: commands_trace.cpp
 

@@ -1,58 +1,38 @@
-// log: what a datalog holds: its head, its rows as they are imported, and what its channels reach.
+// log: what a datalog holds: its head, its rows as they are imported, what its channels reach, where a
+// condition holds, what a channel did in the cells of a table, and what another log has differently.
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <limits>
+#include <cmath>
+#include <optional>
 #include <ostream>
+#include <utility>
 
 #include "base/errors.h"
-#include "base/file_reader.h"
 #include "base/number_text.h"
 #include "base/rounding.h"
 #include "base/shown_text.h"
 #include "base/text.h"
 #include "commands.h"
-#include "live/datalog_reader.h"
+#include "log_file.h"
+#include "logs/log_columns.h"
+#include "logs/log_expression.h"
+#include "logs/log_figures.h"
+#include "logs/log_finding.h"
+#include "logs/log_histogram.h"
+#include "open_table.h"
 
 namespace zentaq::ctl {
 
 namespace {
 
-constexpr double secondsPerFrame = 0.02;
+constexpr int timeDecimals = 3;
+constexpr int meanDecimals = 3;
 
-class LogFile {
- public:
-    explicit LogFile(const std::string& path) : path_(path) {
-        checkFile(path, limits::datalogByRows);
-        in_.open(path, std::ios::binary);
-        if (!in_) throw FileError(path + ": cannot be read.");
-    }
-    DatalogReading read(DatalogSink& sink) {
-        try {
-            return readDatalog(in_, sink);
-        } catch (const Failure& failure) {
-            throw FileError(path_ + ": " + failure.what());
-        }
-    }
-
- private:
-    std::string path_;
-    std::ifstream in_;
-};
-
-std::string many(std::int64_t count, const char* one, const char* more) {
-    return numberText(static_cast<double>(count)) + " " + (count == 1 ? one : more);
+std::string counted(std::int64_t count) {
+    return numberText(static_cast<double>(count));
 }
 
-void tellWarnings(const Context& context, const std::string& file, const DatalogReading& reading) {
-    for (const DatalogWarning& warning : reading.warnings) {
-        context.notes << file << ": line " << numberText(static_cast<double>(warning.line)) << ": "
-                      << warning.why << "; it is left out\n";
-    }
-    const auto told = static_cast<std::int64_t>(reading.warnings.size());
-    if (reading.skipped > told)
-        context.notes << file << ": and " << many(reading.skipped - told, "more line", "more lines")
-                      << " left out\n";
+double secondsPerStep(const DatalogHead& head) {
+    return head.format == DatalogFormat::Oldest ? 1 : secondsPerFrame;
 }
 
 std::string formatName(DatalogFormat format) {
@@ -73,22 +53,14 @@ std::string inOneLine(const std::vector<std::string>& names) {
     return line;
 }
 
-/// Where a channel stands in the rows. Throws Failure for one that the log has not.
+/// Where channels stand in the rows; all of them where none is named.
 std::vector<std::size_t> placesOf(const std::vector<std::string>& columns, const std::string& wanted) {
     std::vector<std::size_t> places;
     if (wanted.empty()) {
         for (std::size_t i = 0; i < columns.size(); ++i) places.push_back(i);
         return places;
     }
-    for (const std::string& name : split(wanted, ',')) {
-        const std::string upperName = upper(trimmed(name));
-        const auto found =
-            std::ranges::find(columns, upperName, [](const std::string& one) { return upper(one); });
-        if (found == columns.end())
-            throw Failure("The log has no channel " + std::string(trimmed(name)) + ". It has " +
-                          inOneLine(columns) + ".");
-        places.push_back(static_cast<std::size_t>(found - columns.begin()));
-    }
+    for (const std::string& name : split(wanted, ',')) places.push_back(channelPlace(columns, name));
     return places;
 }
 
@@ -100,9 +72,7 @@ class Info : public DatalogSink {
         begun = true;
         last = values.front();
     }
-    double seconds() const {
-        return (last - first) * (told.format == DatalogFormat::Oldest ? 1 : secondsPerFrame);
-    }
+    double seconds() const { return (last - first) * secondsPerStep(told); }
 
     DatalogHead told;
     bool begun = false;
@@ -138,30 +108,172 @@ class Rows : public DatalogSink {
     std::string line_;
 };
 
-struct ChannelReach {
-    double least = std::numeric_limits<double>::infinity();
-    double most = -std::numeric_limits<double>::infinity();
-    double sum = 0;
+/// Rows with whether a condition holds for them; it does for all where it is empty.
+class Where : public DatalogSink {
+ public:
+    explicit Where(std::string text) : text_(std::move(text)) {}
+
+    void head(const DatalogHead& head) final {
+        if (!text_.empty()) condition_.emplace(text_, head.columns);
+        begin(head);
+    }
+    void row(std::span<const double> values, std::int64_t /*line*/) final {
+        const auto at = [&](int column) { return values[static_cast<std::size_t>(column)]; };
+        take(values, row_++, !condition_ || condition_->holds(at));
+    }
+
+ protected:
+    virtual void begin(const DatalogHead& head) = 0;
+    virtual void take(std::span<const double> values, std::size_t row, bool holds) = 0;
+
+ private:
+    std::string text_;
+    std::optional<LogExpression> condition_;
+    std::size_t row_ = 0;
 };
 
-class Stats : public DatalogSink {
+class Stats : public Where {
  public:
-    void head(const DatalogHead& head) override {
+    using Where::Where;
+
+    std::vector<std::string> columns;
+    std::vector<RunningFigures> reaches;
+    bool anyRow = false;
+
+ private:
+    void begin(const DatalogHead& head) override {
         columns = head.columns;
         reaches.resize(columns.size());
     }
-    void row(std::span<const double> values, std::int64_t /*line*/) override {
-        for (std::size_t i = 0; i < values.size(); ++i) {
-            reaches[i].least = std::min(reaches[i].least, values[i]);
-            reaches[i].most = std::max(reaches[i].most, values[i]);
-            reaches[i].sum += values[i];
-        }
-        ++rows;
+    void take(std::span<const double> values, std::size_t /*row*/, bool holds) override {
+        if (!holds) return;
+        anyRow = true;
+        for (std::size_t i = 0; i < values.size(); ++i) reaches[i].add(values[i]);
+    }
+};
+
+class Finder : public Where {
+ public:
+    Finder(std::ostream& out, const std::string& condition) : Where(condition), out_(out) {}
+    void end() { tell(hits_.end()); }
+    bool found() const { return found_; }
+
+ private:
+    void begin(const DatalogHead& head) override {
+        step_ = secondsPerStep(head);
+        out_ << "From\tTo\tRows\n";
+    }
+    void take(std::span<const double> values, std::size_t row, bool holds) override {
+        tell(hits_.row(row, holds));
+        if (!holds) return;
+        last_ = values.front() * step_;
+        if (!std::exchange(in_, true)) first_ = last_;
+    }
+    void tell(const std::optional<LogHit>& hit) {
+        if (!hit) return;
+        out_ << numberText(roundTo(first_, timeDecimals)) << '\t' << numberText(roundTo(last_, timeDecimals))
+             << '\t' << counted(static_cast<std::int64_t>(hit->last - hit->first) + 1) << '\n';
+        in_ = false;
+        found_ = true;
     }
 
-    std::vector<std::string> columns;
-    std::vector<ChannelReach> reaches;
-    std::int64_t rows = 0;
+    std::ostream& out_;
+    HitCollector hits_;
+    double step_ = secondsPerFrame;
+    double first_ = 0;
+    double last_ = 0;
+    bool in_ = false;
+    bool found_ = false;
+};
+
+class HistogramRows : public Where {
+ public:
+    HistogramRows(LogHistogram& histogram, std::string channel, const std::string& condition)
+        : Where(condition), histogram_(histogram), channel_(std::move(channel)) {}
+
+    std::string mapUnits;
+
+ private:
+    void begin(const DatalogHead& head) override {
+        mapUnits = head.mapUnits;
+        column_ = channelPlace(head.columns, histogram_.columns().channel);
+        row_ = channelPlace(head.columns, histogram_.rows().channel);
+        value_ = channelPlace(head.columns, channel_);
+    }
+    void take(std::span<const double> values, std::size_t /*row*/, bool holds) override {
+        if (holds) histogram_.add(values[column_], values[row_], values[value_]);
+    }
+
+    LogHistogram& histogram_;
+    std::string channel_;
+    std::size_t column_ = 0;
+    std::size_t row_ = 0;
+    std::size_t value_ = 0;
+};
+
+/// Rows as they are, for a comparison with those of another log.
+class Kept : public DatalogSink {
+ public:
+    void head(const DatalogHead& head) override { log.begin(head); }
+    void row(std::span<const double> values, std::int64_t /*line*/) override { log.append(values); }
+
+    LogColumns log;
+};
+
+/// Tells what differs, line by line.
+class Comparison {
+ public:
+    Comparison(std::ostream& out, const LogColumns& one, const LogColumns& other)
+        : out_(out), one_(one), other_(other) {}
+
+    bool same(const std::string& first, const std::string& second) {
+        fact("Banner", one_.head().banner, other_.head().banner);
+        fact("Firmware", one_.head().firmware, other_.head().firmware);
+        fact("Settings", inOneLine(one_.head().settings), inOneLine(other_.head().settings));
+        fact("Rows", counted(static_cast<std::int64_t>(one_.rows())),
+             counted(static_cast<std::int64_t>(other_.rows())));
+        for (const std::string& name : one_.names()) {
+            const int there = other_.column(name);
+            there < 0 ? onlyIn(name, first) : channel(name, one_.column(name), there);
+        }
+        for (const std::string& name : other_.names()) {
+            if (one_.column(name) < 0) onlyIn(name, second);
+        }
+        return same_;
+    }
+
+ private:
+    void fact(const char* what, const std::string& here, const std::string& there) {
+        if (here == there) return;
+        same_ = false;
+        out_ << what << '\t' << shownLine(here) << '\t' << shownLine(there) << '\n';
+    }
+    void onlyIn(const std::string& name, const std::string& file) {
+        same_ = false;
+        out_ << name << "\tonly in " << shownLine(file) << '\n';
+    }
+    void channel(const std::string& name, int here, int there) {
+        std::int64_t rows = 0;
+        std::size_t first = 0;
+        double most = 0;
+        for (std::size_t row = 0; row < std::min(one_.rows(), other_.rows()); ++row) {
+            const auto value = static_cast<double>(one_.value(here, row));
+            const auto otherValue = static_cast<double>(other_.value(there, row));
+            if (value == otherValue) continue;
+            if (rows++ == 0) first = row;
+            most = std::max(most, std::fabs(value - otherValue));
+        }
+        if (rows == 0) return;
+        same_ = false;
+        out_ << name << '\t' << many(rows, "row differs", "rows differ") << "\tfirst at "
+             << numberText(roundTo(one_.seconds(first), timeDecimals)) << " s\tby at most "
+             << numberText(roundTo(most, meanDecimals)) << '\n';
+    }
+
+    std::ostream& out_;
+    const LogColumns& one_;
+    const LogColumns& other_;
+    bool same_ = true;
 };
 
 }  // namespace
@@ -173,9 +285,9 @@ void logInfo(const Context& context, const std::string& file) {
     context.out << "Format:   " << formatName(info.told.format) << '\n';
     if (!info.told.firmware.empty()) context.out << "Firmware: " << shownLine(info.told.firmware) << '\n';
     if (!info.told.mapUnits.empty()) context.out << "Pressure: " << info.told.mapUnits << '\n';
-    context.out << "Rows:     " << numberText(static_cast<double>(reading.rows)) << '\n';
+    context.out << "Rows:     " << counted(reading.rows) << '\n';
     context.out << "Seconds:  " << numberText(roundTo(info.seconds(), 2)) << '\n';
-    context.out << "Damaged:  " << numberText(static_cast<double>(reading.skipped)) << '\n';
+    context.out << "Damaged:  " << counted(reading.skipped) << '\n';
     tellWarnings(context, file, reading);
 }
 
@@ -184,19 +296,60 @@ void logRows(const Context& context, const std::string& file, const std::string&
     tellWarnings(context, file, LogFile(file).read(rows));
 }
 
-void logStats(const Context& context, const std::string& file) {
-    Stats stats;
+void logStats(const Context& context, const std::string& file, const std::string& condition) {
+    Stats stats(condition);
     const DatalogReading reading = LogFile(file).read(stats);
     context.out << "Channel\tMinimum\tMean\tMaximum\n";
-    if (stats.rows == 0) return tellWarnings(context, file, reading);
-    constexpr int meanDecimals = 3;
-    for (std::size_t i = 0; i < stats.columns.size(); ++i) {
-        const ChannelReach& reach = stats.reaches[i];
+    for (std::size_t i = 0; stats.anyRow && i < stats.columns.size(); ++i) {
+        const RunningFigures& reach = stats.reaches[i];
         context.out << stats.columns[i] << '\t' << numberText(reach.least) << '\t'
-                    << numberText(roundTo(reach.sum / static_cast<double>(stats.rows), meanDecimals)) << '\t'
-                    << numberText(reach.most) << '\n';
+                    << numberText(roundTo(reach.mean(), meanDecimals)) << '\t' << numberText(reach.most)
+                    << '\n';
+    }
+    if (reading.rows > 0 && !stats.anyRow) context.notes << file << ": the condition holds for no row\n";
+    tellWarnings(context, file, reading);
+}
+
+bool logFind(const Context& context, const std::string& file, const std::string& condition) {
+    Finder finder(context.out, condition);
+    const DatalogReading reading = LogFile(file).read(finder);
+    finder.end();
+    tellWarnings(context, file, reading);
+    return finder.found();
+}
+
+void logHistogram(const Context& context, const std::string& file, const std::string& table,
+                  const std::string& channel, const std::string& condition) {
+    const auto colon = table.rfind(':');
+    if (colon == std::string::npos)
+        throw Failure("--table takes a calibration and the name of a table in it, as Street.ZQ4OA:VE.");
+    const auto calibration = openCalibration(context, table.substr(0, colon));
+    OpenTable open(context, calibration->unit, upper(table.substr(colon + 1)));
+    LogHistogram histogram(open.sheet);
+    HistogramRows rows(histogram, channel, condition);
+    const DatalogReading reading = LogFile(file).read(rows);
+    notePressureUnits(context, rows.mapUnits, calibration->unit);
+    context.out << histogram.columns().title << '\t' << histogram.rows().title
+                << "\tCount\tMean\tMinimum\tMaximum\n";
+    for (std::size_t row = 0; row < histogram.rows().headers.size(); ++row) {
+        for (std::size_t column = 0; column < histogram.columns().headers.size(); ++column) {
+            const RunningFigures& cell = histogram.cell(row, column);
+            if (cell.count == 0) continue;
+            context.out << numberText(histogram.columns().headers[column]) << '\t'
+                        << numberText(histogram.rows().headers[row]) << '\t' << counted(cell.count) << '\t'
+                        << numberText(roundTo(cell.mean(), meanDecimals)) << '\t' << numberText(cell.least)
+                        << '\t' << numberText(cell.most) << '\n';
+        }
     }
     tellWarnings(context, file, reading);
+}
+
+bool logDiff(const Context& context, const std::string& first, const std::string& second) {
+    Kept one;
+    Kept other;
+    tellWarnings(context, first, LogFile(first).read(one));
+    tellWarnings(context, second, LogFile(second).read(other));
+    return Comparison(context.out, one.log, other.log).same(first, second);
 }
 
 }  // namespace zentaq::ctl

@@ -11,6 +11,7 @@
 #include "base/text.h"
 #include "commands.h"
 #include "members.h"
+#include "open_table.h"
 #include "tables/block_operations.h"
 #include "tables/cell_changes.h"
 #include "tables/cell_formula.h"
@@ -21,24 +22,6 @@
 namespace zentaq::ctl {
 
 namespace {
-
-/// A table as its window shows it, without the window.
-struct OpenTable {
-    OpenTable(const Context& context, Unit& unit, const std::string& name) : model(unit, ecu, live, paint) {
-        if (!hasTable(unit.kind(), name))
-            throw NoSuchMember(std::string(unit.kind().model) + " has no table " + name);
-        const bool withoutAxes = findTable(name)->isGpo() && hasEmptyAxis(unit, name);
-        model.Setup_Grid(name, {}, false);
-        if (withoutAxes)
-            context.notes << name << " had no axes: both output tables have got those of the main tables\n";
-    }
-
-    Ecu ecu;
-    LiveValues live;
-    PaintMemory paint;
-    TableModel model;
-    TableSheet& sheet = model.sheet();
-};
 
 // A file may ask for more rows and columns than are stored.
 int rowsOf(const TableSheet& sheet) {
@@ -86,23 +69,6 @@ Selection blockIn(const TableSheet& sheet, const std::string& text) {
         !sheet.isStored({block->bottom, block->right}))
         throw Failure("No cells " + shownBriefly(text) + ": " + sizeOf(sheet));
     return *block;
-}
-
-// ---- Refusals on one line
-
-std::string whatOf(const Refusal& refusal) {
-    return refusal.where + ": " +
-           (refusal.entry.empty() ? refusal.line() : refusal.entry + " is outside " + refusal.text);
-}
-
-std::string cellsOf(const std::vector<Refusal>& refused) {
-    constexpr std::size_t mostTold = 10;
-    std::string line;
-    for (std::size_t i = 0; i < std::min(refused.size(), mostTold); ++i)
-        line += (i == 0 ? "" : "; ") + whatOf(refused[i]);
-    if (refused.size() > mostTold)
-        line += "; and " + numberText(static_cast<int>(refused.size() - mostTold)) + " more";
-    return line;
 }
 
 void refuseAll(const TableSheet& sheet, const std::vector<Refusal>& refused) {

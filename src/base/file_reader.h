@@ -33,6 +33,8 @@ inline constexpr FileLimit firmware{"a firmware", 16 * megabyte};
 inline constexpr FileLimit image{"an S-record image", megabyte};
 /// More than an hour at fifty lines a second.
 inline constexpr FileLimit datalog{"a datalog", 64 * megabyte};
+/// Markers of a log: some thousands.
+inline constexpr FileLimit logMarks{"the markers of a datalog", megabyte};
 /// One that is read row by row: a day and a night at fifty lines a second.
 inline constexpr FileLimit datalogByRows{"a datalog", std::size_t{4096} * megabyte};
 inline constexpr FileLimit settings{"a settings file", megabyte};

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -94,8 +95,8 @@ class TableSheet {
     /// fewer than 16 columns they land elsewhere.
     std::vector<Refusal> restore();
     float undoCopy(int index) const { return content_.undo.at(static_cast<std::size_t>(index)); }
-    /// Kept: what a table that tunes itself counts its changes from, in a later release.
-    float baseCopy(int index) const { return content_.base.at(static_cast<std::size_t>(index)); }
+    /// What a table that tunes itself counts its changes from.
+    std::span<const float> baseCopies() const { return content_.base; }
 
     // ---- Axes
     /// Headers as shown, entry 0 the first of the list: the lowest row, the leftmost column.

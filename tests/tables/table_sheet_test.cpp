@@ -70,7 +70,7 @@ TEST_F(TableWindow, CopiesAreFilledByARunningCountOfShownCells) {
     unit.AssignDirectIndex(5, veBase + 16);  // stored row 1, column 0: the ninth shown cell
     open("VE");
     EXPECT_EQ(sheet.undoCopy(8), 5);
-    EXPECT_EQ(sheet.baseCopy(8), 5);
+    EXPECT_EQ(sheet.baseCopies()[8], 5);
     EXPECT_EQ(sheet.undoCopy(16), 0);
 }
 
