@@ -76,6 +76,21 @@ void Console::SysLog(std::string_view kind, std::string_view tag, std::string_vi
                 head + "   ..." + std::string(firstCharacters(lastCharacters(text, half), textWidth))});
 }
 
+void Console::SysLogBlock(const std::vector<std::string>& texts) {
+    if (texts.empty()) return;
+    if (counter_ > std::numeric_limits<std::int32_t>::max() - static_cast<std::int32_t>(texts.size()))
+        throw Overflow();
+    counter_ += static_cast<std::int32_t>(texts.size()) - 1;
+    if (logToFile_) {
+        const std::string head = clock_.timeText() + " - ";
+        std::string block;
+        for (std::size_t i = 0; i + 1 < texts.size(); ++i)
+            block += head + fixedCharacters(lineOf(texts[i]), textWidth) + "\n";
+        append(block.substr(0, block.empty() ? 0 : block.size() - 1));
+    }
+    SysLog(texts.back());
+}
+
 // All of an event is on the screen before the file is tried: it may be the one thing that fails.
 void Console::writeLines(const std::vector<std::string>& lines) {
     for (const std::string& line : lines) plainLine(line);

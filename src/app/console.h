@@ -31,6 +31,9 @@ class Console {
     void SysLog(std::string_view kind, std::string_view tag, std::string_view text);
     void SysLog(std::string_view text) { SysLog("", "", text); }
 
+    /// Many system lines in one write; the screen gets the last of them. Throws as SysLog does.
+    void SysLogBlock(const std::vector<std::string>& texts);
+
     /// One link line. The list never holds more than 100; the 101st starts it anew.
     /// True when the line count before it was a multiple of 5, so that panel 3 is due to be cleared.
     bool CommLog(std::string_view text);

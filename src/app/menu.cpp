@@ -190,6 +190,8 @@ constexpr std::array menus{
     MenuEntry{"mnuVETbl", "&VE Table", "mnuWindow", "Ctrl+2", hasVe, window::table, "VE"},
     MenuEntry{"mnuStgTbl", "&Staging Table", "mnuWindow", "Ctrl+3", hasStaging, window::table, "SPW"},
     MenuEntry{"mnuEGOTbl", "&EGO Table", "mnuWindow", "Ctrl+4", hasRatio, window::table, "AFR"},
+    grouped(MenuEntry{"mnuFlightRecorder", "&Flight Recorder", "mnuWindow", "Ctrl+5", always, window::config,
+                      recorderTab}),
 
     MenuEntry{"mnuHelp", "&Help", "", "", always},
     command({"mnuHelpContents", "&Contents...", "mnuHelp", "F1", always},

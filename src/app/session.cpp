@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/flight_record.h"
 #include "base/errors.h"
 #include "base/message_codes.h"
 #include "base/number_text.h"
@@ -53,9 +54,11 @@ Session::Session(const Platform& platform)
     paintFollows_ = frames.follow(
         [this] { paintMemory.ofUnit(link.linked().LinkedUnitKind, link.linked().SerialNumber); });
     units_[0] = std::make_unique<Unit>(nullKind(), *this);
+    recorder = std::make_unique<FlightRecord>(*this);
 }
 
 Session::~Session() {
+    recorder.reset();
     platform_.ticker.stop();
     platform_.ticker.onTick({});
     platform_.port.onEvent({});
@@ -122,7 +125,7 @@ void Session::poll(bool secondTabShowing) {
         // A port that is there but busy would fill the log with its failure, once a second.
         if (port && skipFailing([&] { platform_.port.open(port->number); })) link.ORB_Initialize();
     }
-    poller.fire({.tab2Showing = secondTabShowing, .autoVeOn = false});
+    poller.fire({.tab2Showing = secondTabShowing || recorder->showsLog(), .autoVeOn = AutoVEActive});
     trace.tend();
     showFrameTimes();
 }

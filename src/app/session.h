@@ -54,6 +54,8 @@ struct CellContext {
     std::string words;
 };
 
+class FlightRecord;
+
 /// What the program has in hand beside the calibration itself.
 struct FileInHand {
     FileHeader fileHeader;
@@ -113,6 +115,7 @@ class Session : public UnitHost, public LinkTeller, public FileInHand {
     std::string VersionText;
     bool Monitoring = false;
     bool AutoMonitoring = false;
+    bool AutoVEActive = false;  ///< the open fuel table corrects itself
     std::string LogFile;
     std::string DatabaseFile;
     int TableColorMode = 0;
@@ -149,6 +152,7 @@ class Session : public UnitHost, public LinkTeller, public FileInHand {
     std::vector<Doubt> doubtsLeft;  ///< that the user has seen and programmed all the same
     CellContext cellContext;        ///< of the table's window, for the status bar
     Folds folds;
+    std::unique_ptr<FlightRecord> recorder;
 
     Platform& platform() { return platform_; }
     SettingsStore& settings() { return platform_.settings; }

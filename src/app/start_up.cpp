@@ -1,4 +1,5 @@
 #include "app/start_up.h"
+#include "app/flight_record.h"
 
 #include <algorithm>
 #include <chrono>
@@ -226,6 +227,7 @@ void Kernel::end() {
     }
     session_.Monitoring = false;
     session_.AutoMonitoring = false;
+    skipFailing([&] { session_.recorder->endAll(); });
     skipFailing([&] { session_.windows().tell(&WindowNews::killTimers); });
     skipFailing([&] { session_.link.RS232_Close(); });
     skipFailing([&] { session_.link.unload(); });

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "app/flight_record.h"
 #include "app/session.h"
 #include "base/number_text.h"
 #include "base/text.h"
@@ -15,6 +16,7 @@ namespace {
 using Transfer = StripFacts::Transfer;
 
 constexpr std::string_view identify = "mnuIdentifyORB";
+constexpr std::string_view flightRecorder = "mnuFlightRecorder";
 constexpr std::string_view searchPorts = "mnuAutoDetectPort";
 
 struct PartRow {
@@ -140,7 +142,24 @@ StripRow unitRow(const StripFacts& facts) {
 }
 
 StripRow gaugesRow(const StripFacts& facts) {
-    if (facts.framesCome && facts.transfer == Transfer::None) return {};
+    if (facts.showsLog) {
+        return {.text = "Gauges show a datalog",
+                .meaning =
+                    "Gauges and tables show the datalog in hand, not what an engine does now. Press to "
+                    "see the recorder.",
+                .tone = StripTone::Changed,
+                .command = flightRecorder};
+    }
+    const bool live = facts.framesCome && facts.transfer == Transfer::None;
+    if (facts.recording) {
+        return {.text = live ? "Recording" : "Recording, gauges not live",
+                .meaning = live ? "Live values are being recorded. Press to see the recorder."
+                                : "The recording goes on, and no values come from the unit. Press to see the "
+                                  "recorder.",
+                .tone = live ? StripTone::Changed : StripTone::Warning,
+                .command = flightRecorder};
+    }
+    if (live) return {};
     StripRow row{.text = "Gauges not live"};
     row.tone = facts.framesCame ? StripTone::Warning : StripTone::Plain;
     const std::string old = facts.framesCame ? " What the gauges show is old." : "";
@@ -306,7 +325,7 @@ bool isToldAtOnce(const StripRow& now, const StripRow& former) {
 }
 
 bool gaugesLive(Session& session) {
-    if (session.link.transfer().pending()) return false;
+    if (session.link.transfer().pending() || session.recorder->showsLog()) return false;
     const std::int64_t asked = std::int64_t{pollIntervalMs(session.settings())} * 3000;
     const std::int64_t patience = std::clamp(asked, liveUs, mostLiveUs);
     return session.unitMemory.framesCome(session.platform().clock.monotonicUs(), patience);
@@ -319,6 +338,8 @@ StripFacts stripFacts(Session& session) {
     facts.onFly = unit.ONFLY_MODE();
     facts.framesCome = gaugesLive(session);
     facts.framesCame = session.unitMemory.framesCame();
+    facts.showsLog = session.recorder->showsLog();
+    facts.recording = session.recorder->Recording;
     facts.inHand = session.slotInHand() != 0;
     facts.creating = session.creating();
     facts.modified = session.DataModified;

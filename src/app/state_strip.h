@@ -72,6 +72,8 @@ struct StripFacts {
     bool changesNotStored = false;
     bool framesCome = false;
     bool framesCame = false;  ///< the gauges show something
+    bool showsLog = false;    ///< a log that is played back
+    bool recording = false;
 
     // The calibration in hand
     bool inHand = false;

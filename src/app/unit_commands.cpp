@@ -1,6 +1,7 @@
 #include "app/unit_commands.h"
 
 #include "app/command_guards.h"
+#include "app/flight_record.h"
 #include "base/errors.h"
 #include "base/number_text.h"
 #include "base/settings_keys.h"
@@ -174,9 +175,11 @@ void UnitCommands::loadCommand(int code) {
         // A port that is answering stays as it is: what is in flight there would be lost.
         const bool answering = session_.platform().port.isOpen() && session_.link.linked().UnitFound;
         if (!answering) session_.link.ORB_Initialize();
+        session_.recorder->monitorSession(true);
     } else if (code == 3) {
         session_.Monitoring = false;
         session_.AutoMonitoring = false;
+        session_.recorder->monitorSession(false);
         session_.windows().tell(&WindowNews::resetDashboard);
     }
 }

@@ -32,6 +32,9 @@ inline constexpr std::string_view fastHelp = "frmFastHelp";
 /// The page of the options with the dashboard's mode and colours.
 inline constexpr std::string_view monitorPage = "Monitor";
 
+/// The tab of the flight recorder in the workspace.
+inline constexpr std::string_view recorderTab = "Flight Recorder";
+
 /// News that the core tells all windows; each takes what concerns it.
 class WindowNews {
  public:
@@ -66,9 +69,8 @@ class WindowNews {
     virtual void clearTableColours() {}  ///< the grid of an open table gets a white background
     /// As stored.
     virtual void dashboardColours(const std::string& /*lights*/, const std::string& /*needle*/) {}
-    /// The recorder's graphs take the chosen data points; kept: told for the recorder of a later release.
-    virtual void initializeRecorderRows() {}
-    virtual void sensorsChanged() {}  ///< lists of MAP sensors are filled again
+    virtual void initializeRecorderRows() {}  ///< the recorder's graphs take the chosen data points
+    virtual void sensorsChanged() {}          ///< lists of MAP sensors are filled again
 
     /// Docked windows and what else the user has moved stand as at the first start again; splitters that are
     /// kept are brought back by themselves, and the folds were told before.
@@ -83,6 +85,14 @@ class WindowNews {
     virtual void updateDisplay() {}  ///< the dashboard is due; it draws at most 60 times a second
     virtual void resetDashboard() {}
     virtual void clearPanel3() {}
+
+    // ---- Recorder
+    virtual void recorderChanged() {}  ///< buttons, status, frame: the page draws what the recorder holds
+    virtual void logChanged() {}       ///< another log is in hand, or none
+    /// A row of a log is on show: tables mark where the engine was.
+    virtual void logRowShown(float /*rpm*/, float /*map*/) {}
+    /// AutoVE has begun or ended.
+    virtual void autoVeChanged() {}
 };
 
 /// How a print ended.

@@ -40,7 +40,8 @@ inline constexpr FileLimit datalogByRows{"a datalog", std::size_t{4096} * megaby
 inline constexpr FileLimit settings{"a settings file", megabyte};
 /// It names a process, a program and a machine.
 inline constexpr FileLimit lock{"a lock file", 4 * kilobyte};
-inline constexpr FileLimit database{"a reference database", 64 * megabyte};
+/// It holds the log that was imported last.
+inline constexpr FileLimit database{"a reference database", std::size_t{8192} * megabyte};
 /// Any row, text or answer of it.
 inline constexpr FileLimit databaseText{"a row of the reference database", megabyte};
 /// One line that the system tells of a device.

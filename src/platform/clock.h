@@ -14,6 +14,8 @@ class Clock {
     virtual std::string timeText() const = 0;
     /// The local date as a user reads it.
     virtual std::string dateText() const = 0;
+    /// "yyyyMMdd_hhnnss", local: for names of files.
+    virtual std::string stampText() const = 0;
 };
 
 }  // namespace zentaq

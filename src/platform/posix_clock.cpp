@@ -28,6 +28,10 @@ std::string PosixClock::timeText() const {
     return localTime("%H:%M:%S");
 }
 
+std::string PosixClock::stampText() const {
+    return localTime("%Y%m%d_%H%M%S");
+}
+
 std::string PosixClock::dateText() const {
     return localTime("%x");
 }

@@ -11,6 +11,7 @@ class PosixClock : public Clock {
     std::string timeText() const override;
     /// As the user's locale writes a date.
     std::string dateText() const override;
+    std::string stampText() const override;
 };
 
 }  // namespace zentaq

@@ -234,7 +234,7 @@ Table defaults() {
 
 // One row of an imported log of the oldest format.
 Table datalog() {
-    Table made{"Datalog", {}};
+    Table made{"Datalog", {}, true};
     addColumns(made, {"Seconds", "RPM", "MAP",  "TPS",  "CLT",  "MAT",  "VOLT", "KNK", "EGOV",
                       "CHKE",    "ADV", "SADV", "KNKR", "TFPW", "PIP",  "PID",  "PPW", "PIO",
                       "SID",     "SPW", "SIO",  "POPD", "EGOC", "DAFR", "AAFR", "IAC", "SD"});
@@ -244,7 +244,7 @@ Table datalog() {
 
 // One row of an imported log of the newer formats: the channels, and the pins where they came to be.
 Table datalog2() {
-    Table made{"Datalog2", {{"Frame"}}};
+    Table made{"Datalog2", {{"Frame"}}, true};
     for (const Channel& channel : channels) {
         made.columns.push_back({std::string(channel.name)});
         if (channel.name == "IACD") addPinColumns(made, 1, 16);

@@ -20,6 +20,7 @@ struct Column {
 struct Table {
     std::string name;
     std::vector<Column> columns;
+    bool scratch = false;  ///< emptied before it is filled; nothing of it is kept
 };
 
 /// A named set of default values for a new calibration: one column of table Defaults.

@@ -76,6 +76,8 @@ FrmConfig::FrmConfig(Session& session, MainCommands& commands, QWidget* parent)
     sstMenu_->setDocumentMode(true);
     sstMenu_->addTab(makeStartTab(), "Start");
     sstMenu_->addTab(makePageTab(), "Calibration");
+    recorderPage_ = new RecorderPage(session, this);
+    sstMenu_->addTab(recorderPage_, "Flight Recorder");
 
     sstMenu_->setCornerWidget(makeFoldTree(), Qt::TopLeftCorner);
 
@@ -409,6 +411,10 @@ void FrmConfig::showTip(const std::string& text) {
 
 void FrmConfig::openOn(const std::string& on, const std::string& /*title*/) {
     show();
+    if (on == recorderTab) {
+        sstMenu_->setCurrentWidget(recorderPage_);
+        return recorderPage_->setFocus();
+    }
     if (!on.empty()) return goToTable(on);
     selectStartTab();
     follow();

@@ -19,6 +19,7 @@
 #include "windows/frm_config_bottom.h"
 #include "windows/frm_config_page_form.h"
 #include "windows/frm_config_page_view.h"
+#include "windows/recorder_page.h"
 #include "windows/start_page.h"
 
 namespace zentaq {
@@ -44,6 +45,9 @@ class FrmConfig : public QWidget, public Form {
     void showCommList(bool on) override { bottom_->showCommList(on); }
     void showTip(const std::string& text) override;
     void foldsChanged() override;
+    void recorderChanged() override { recorderPage_->recorderChanged(); }
+    void logChanged() override { recorderPage_->logChanged(); }
+    void killTimers() override { recorderPage_->killTimers(); }
 
     /// The tree, or what opens it again.
     void focusTree();
@@ -100,6 +104,7 @@ class FrmConfig : public QWidget, public Form {
     QTreeWidget* treeZentaq_ = nullptr;
     QTabWidget* sstMenu_ = nullptr;
     StartPage* startPage_ = nullptr;
+    RecorderPage* recorderPage_ = nullptr;
     QLabel* lblPageTitle_ = nullptr;
     QStackedWidget* pageStack_ = nullptr;  ///< a list of facts, or fields
     PageView* pageView_ = nullptr;

@@ -5,6 +5,7 @@
 #include <array>
 #include <utility>
 
+#include "app/flight_record.h"
 #include "app/state_strip.h"
 #include "base/settings_keys.h"
 #include "link/poller.h"
@@ -117,7 +118,7 @@ void FrmDashBoard::Kill_Timers() {
 
 void FrmDashBoard::poll() {
     session_.poll(secondTabShowing_());
-    panel_->setLive(gaugesLive(session_));
+    panel_->setLive(gaugesLive(session_) || session_.recorder->showsLog());
     showLinkState();
 }
 
@@ -220,7 +221,7 @@ void FrmDashBoard::draw() {
     std::optional<float> ratio;
     if (session_.slotInHand() != 0) ratio = session_.currentUnitObject().get("AFR");
     gauges_.UPDATE_DISPLAY(session_.live, unit, settings, ratio);
-    panel_->setLive(gaugesLive(session_));
+    panel_->setLive(gaugesLive(session_) || session_.recorder->showsLog());
     drawNeedles();
     numbers_->request();
     drawAlarms();

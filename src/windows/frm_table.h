@@ -57,6 +57,7 @@ class FrmTable : public QWidget, public DockingForm {
     /// The live point, or a recorded one; both 0 take the live values. The picture follows at most 60 times a
     /// second.
     void Show_Current_Activity(float x = 0, float y = 0);
+    void logRowShown(float rpm, float map) override { Show_Current_Activity(rpm, map); }
     /// Told on each idle tick; only a change does something.
     void onFlyLock(bool busy) override;
     bool locked() const { return locked_; }

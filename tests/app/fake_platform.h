@@ -26,6 +26,7 @@ class FakeClock : public Clock {
     std::int64_t monotonicUs() const override { return nowUs; }
     std::string timeText() const override { return "12:34:56"; }
     std::string dateText() const override { return "Saturday, 21 November 2026"; }
+    std::string stampText() const override { return "20261121_123456"; }
     std::int64_t nowUs = 0;
 };
 

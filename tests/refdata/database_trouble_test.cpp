@@ -417,8 +417,9 @@ TEST_F(DatabaseTrouble, EmptyTablesAnswerWithNothing) {
 // ---- More than a reference database can have
 
 TEST_F(DatabaseTrouble, AFileOfGigabytesIsRefusedUnread) {
-    fs::resize_file(path, std::uintmax_t{2} << 30);
-    EXPECT_EQ(openFailure(), refusal("it has 2147483648 bytes; a reference database has at most 67108864"));
+    fs::resize_file(path, std::uintmax_t{16} << 30);
+    EXPECT_EQ(openFailure(),
+              refusal("it has 17179869184 bytes; a reference database has at most 8589934592"));
 }
 
 TEST_F(DatabaseTrouble, ATextOfMegabytesIsRefusedWithItsLimit) {

@@ -225,7 +225,8 @@ std::set<std::string> ownControls(const std::string& folder) {
 const std::set<std::string> wholes{"FrmConfig",  "FrmDashBoard", "FrmEditMAPSensors", "FrmGpio",
                                    "FrmGraph2D", "CurvePane",    "FrmGeneralConfig",  "FrmHelp",
                                    "FrmTable",   "FrmSplash",    "ConfigBottom",      "GeneralConfigForm",
-                                   "FindBox",    "StartPage",    "PageArea"};
+                                   "FindBox",    "StartPage",    "PageArea",          "RecorderPage",
+                                   "LogValues"};
 
 TEST_P(GalleryWalk, ShowsEveryControlOfTheProgramsOwn) {
     std::set<std::string> shown;

@@ -1,0 +1,74 @@
+// The flight recorder's page of the workspace: its buttons, what it tells, and the log in hand.
+#pragma once
+
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QSlider>
+#include <QTimer>
+#include <QToolButton>
+#include <QWidget>
+#include <array>
+
+#include "app/flight_record.h"
+#include "app/session.h"
+#include "qt/elided_label.h"
+#include "qt/kept_splitter.h"
+#include "windows/log_values.h"
+#include "windows/redraw_gate.h"
+
+namespace zentaq {
+
+class RecorderPage : public QWidget {
+    Q_OBJECT
+
+ public:
+    RecorderPage(Session& session, QWidget* parent);
+
+    // ---- News
+    void recorderChanged();
+    void logChanged();
+    void killTimers();
+
+    /// Draws what the recorder holds now.
+    void draw();
+
+ protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+    void addButtons(QLayout& bar);
+    QWidget* makeState();
+    QWidget* makePosition();
+    QWidget* makeSpeed();
+    QWidget* makeFileButtons();
+    void makeExports(QToolButton* button);
+    void press(RecorderButton button);
+    bool take(const QKeyEvent& key);
+    void setTimer(QTimer& timer, int intervalMs);
+    void drawButtons();
+    void drawProgress();
+
+    Session& session_;
+    FlightRecord& recorder_;
+    std::array<QPushButton*, recorderButtons> cmdFlightRecord_{};
+    QLabel* lblFRFrame_ = nullptr;
+    QLabel* lblFRTime_ = nullptr;
+    ElidedLabel* lblFRStatus_ = nullptr;
+    QSlider* sldPosition_ = nullptr;
+    QSlider* sldPlaybackSpeed_ = nullptr;
+    QPushButton* cmdFlightRecord_Import_ = nullptr;
+    QToolButton* cmdFlightRecord_Export_ = nullptr;
+    QProgressBar* prgImport_ = nullptr;
+    QPushButton* cmdCancelImport_ = nullptr;
+    LogValues* values_ = nullptr;
+    QTimer* tmrFlightRecord1_ = nullptr;  ///< playback
+    QTimer* tmrFlightRecord2_ = nullptr;  ///< recording
+    QTimer* tmrImport_ = nullptr;
+    RedrawGate* redraw_ = nullptr;
+};
+
+}  // namespace zentaq

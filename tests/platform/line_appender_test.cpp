@@ -1,0 +1,92 @@
+// A file that grows line by line beside the program.
+#include "platform/line_appender.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "no_file_grows.h"
+#include "temporary_folder.h"
+
+namespace zentaq {
+namespace {
+
+void waitFor(const LineAppender& file) {
+    while (!file.idle()) std::this_thread::yield();
+}
+
+TEST(LineAppender, WritesHeadAndLinesInTheirOrder) {
+    const TemporaryFolder folder;
+    LineAppender file;
+    file.begin(folder.file("a.dat"), "head\n");
+    for (int i = 0; i < 1000; ++i) file.append(std::to_string(i) + "\n");
+    waitFor(file);
+    std::string wanted = "head\n";
+    for (int i = 0; i < 1000; ++i) wanted += std::to_string(i) + "\n";
+    EXPECT_EQ(TemporaryFolder::read(folder.file("a.dat")), wanted);
+    EXPECT_EQ(file.written(), 1000);
+    EXPECT_EQ(file.failure(), "");
+}
+
+TEST(LineAppender, WhatStoodThereBeforeGoes) {
+    const TemporaryFolder folder;
+    folder.write("a.dat", "old old old\n");
+    LineAppender file;
+    file.begin(folder.file("a.dat"), "new\n");
+    waitFor(file);
+    EXPECT_EQ(TemporaryFolder::read(folder.file("a.dat")), "new\n");
+}
+
+TEST(LineAppender, WritesAllBeforeItGoes) {
+    const TemporaryFolder folder;
+    {
+        LineAppender file;
+        file.begin(folder.file("a.dat"), "head\n");
+        file.append("line\n");
+    }
+    EXPECT_EQ(TemporaryFolder::read(folder.file("a.dat")), "head\nline\n");
+}
+
+TEST(LineAppender, AFolderThatIsNotThereIsToldWithPathAndReason) {
+    const TemporaryFolder folder;
+    LineAppender file;
+    file.begin(folder.file("none/a.dat"), "head\n");
+    file.append("line\n");
+    waitFor(file);
+    EXPECT_THAT(file.failure(), testing::HasSubstr("none/a.dat: No such file or directory"));
+    EXPECT_EQ(file.written(), 0);
+}
+
+TEST(LineAppender, AFileThatVanishesEndsItAndIsNotMadeAgainWithoutItsHead) {
+    const TemporaryFolder folder;
+    LineAppender file;
+    file.begin(folder.file("a.dat"), "head\n");
+    file.append("one\n");
+    waitFor(file);
+    std::filesystem::remove(folder.file("a.dat"));
+    file.append("two\n");
+    file.append("three\n");
+    waitFor(file);
+    EXPECT_THAT(file.failure(), testing::HasSubstr("No such file"));
+    EXPECT_FALSE(std::filesystem::exists(folder.file("a.dat")));
+    EXPECT_EQ(file.written(), 1);
+}
+
+TEST(LineAppender, AFullDiskKeepsWhatWasWritten) {
+    const TemporaryFolder folder;
+    LineAppender file;
+    file.begin(folder.file("a.dat"), "head\n");
+    file.append("one\n");
+    waitFor(file);
+    {
+        const NoFileGrows full;
+        file.append("two\n");
+        waitFor(file);
+    }
+    EXPECT_NE(file.failure(), "");
+    EXPECT_THAT(TemporaryFolder::read(folder.file("a.dat")), testing::StartsWith("head\none\n"));
+}
+
+}  // namespace
+}  // namespace zentaq
