@@ -59,6 +59,10 @@ FlightRecord::FlightRecord(Session& session)
                      skipFailing([&] { frame = toInt32(truncate(log_.frame(row))); });
                      return frame;
                  }}) {
+    // A frame that was under way when the polling ended says nothing of the log.
+    framesFollowed_ = session.frames.follow([this] {
+        if (showsLog_) showRowOnGauges();
+    });
     Mode(2);
 }
 
@@ -294,16 +298,19 @@ void FlightRecord::Display() {
     followLog();
     if (log_.empty()) return;
     const std::size_t row = playback_.row();
-    if (showsLog_) {
-        LogLive(log_).show(row, session_.live);
-        session_.windows().tell(&WindowNews::updateDisplay);
-    }
+    if (showsLog_) showRowOnGauges();
     const auto valueOf = [&](const char* name) {
         const int column = log_.column(name);
         return column < 0 ? 0.0F : log_.value(column, row);
     };
     session_.windows().tell(&WindowNews::logRowShown, valueOf("RPM"), valueOf("MAP"));
     changed();
+}
+
+void FlightRecord::showRowOnGauges() {
+    if (log_.empty()) return;
+    LogLive(log_).show(playback_.row(), session_.live);
+    session_.windows().tell(&WindowNews::updateDisplay);
 }
 
 void FlightRecord::SetPlaySpeed(int intervalMs) {

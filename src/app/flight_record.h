@@ -12,6 +12,7 @@
 #include "app/log_exporting.h"
 #include "app/log_loading.h"
 #include "app/log_storing.h"
+#include "live/frame_feed.h"
 #include "logs/log_columns.h"
 #include "logs/log_marks.h"
 #include "logs/log_playback.h"
@@ -160,9 +161,11 @@ class FlightRecord {
     void takeStored();
     void takeExported();
     void followLog();
+    void showRowOnGauges();
     void changed();
 
     Session& session_;
+    FrameFeed::Subscription framesFollowed_;
     LogColumns log_;
     LogPlayback playback_;
     LogLoading loading_;

@@ -77,7 +77,9 @@ FrmConfig::FrmConfig(Session& session, MainCommands& commands, QWidget* parent)
     sstMenu_->addTab(makeStartTab(), "Start");
     sstMenu_->addTab(makePageTab(), "Calibration");
     recorderPage_ = new RecorderPage(session, this);
-    sstMenu_->addTab(recorderPage_, "Flight Recorder");
+    recorderArea_ = named(new PageArea(this), "scrFlightRecorder");
+    recorderArea_->setPage(recorderPage_);
+    sstMenu_->addTab(recorderArea_, "Flight Recorder");
 
     sstMenu_->setCornerWidget(makeFoldTree(), Qt::TopLeftCorner);
 
@@ -412,7 +414,7 @@ void FrmConfig::showTip(const std::string& text) {
 void FrmConfig::openOn(const std::string& on, const std::string& /*title*/) {
     show();
     if (on == recorderTab) {
-        sstMenu_->setCurrentWidget(recorderPage_);
+        sstMenu_->setCurrentWidget(recorderArea_);
         return recorderPage_->setFocus();
     }
     if (!on.empty()) return goToTable(on);

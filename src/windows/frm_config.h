@@ -14,6 +14,7 @@
 #include "app/main_commands.h"
 #include "app/session.h"
 #include "qt/find_box.h"
+#include "qt/page_area.h"
 #include "windows/dock.h"
 #include "windows/form.h"
 #include "windows/frm_config_bottom.h"
@@ -48,6 +49,7 @@ class FrmConfig : public QWidget, public Form {
     void recorderChanged() override { recorderPage_->recorderChanged(); }
     void logChanged() override { recorderPage_->logChanged(); }
     void killTimers() override { recorderPage_->killTimers(); }
+    void initializeRecorderRows() override { recorderPage_->initializeRows(); }
 
     /// The tree, or what opens it again.
     void focusTree();
@@ -105,6 +107,7 @@ class FrmConfig : public QWidget, public Form {
     QTabWidget* sstMenu_ = nullptr;
     StartPage* startPage_ = nullptr;
     RecorderPage* recorderPage_ = nullptr;
+    PageArea* recorderArea_ = nullptr;
     QLabel* lblPageTitle_ = nullptr;
     QStackedWidget* pageStack_ = nullptr;  ///< a list of facts, or fields
     PageView* pageView_ = nullptr;

@@ -429,6 +429,7 @@ void FrmTable::closeEvent(QCloseEvent* event) {
     if (!finishEntry()) return event->ignore();
     closing_ = true;
     closeEdit();
+    leaveAutoVe();
     tellClosed();
 }
 
@@ -439,6 +440,12 @@ void FrmTable::refreshLive() {
     followPaint();
     if (!model_ || linked == 0 || linked != session_.slotInHand()) return;
     Show_Current_Activity();
+    feedAutoVe();
+}
+
+void FrmTable::logRowShown(float rpm, float map) {
+    // A run from a log moves the marker by its own records.
+    if (!session_.AutoVEActive) Show_Current_Activity(rpm, map);
 }
 
 void FrmTable::followPaint() {

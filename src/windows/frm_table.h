@@ -8,6 +8,7 @@
 #include "tables/edit_commands.h"
 #include "tables/table_model.h"
 
+#include <QPointer>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QWidget>
@@ -27,6 +28,8 @@
 #include "windows/typed_ahead.h"
 
 namespace zentaq {
+
+class FrmAutoVE;
 
 class FrmTable : public QWidget, public DockingForm {
     Q_OBJECT
@@ -57,7 +60,7 @@ class FrmTable : public QWidget, public DockingForm {
     /// The live point, or a recorded one; both 0 take the live values. The picture follows at most 60 times a
     /// second.
     void Show_Current_Activity(float x = 0, float y = 0);
-    void logRowShown(float rpm, float map) override { Show_Current_Activity(rpm, map); }
+    void logRowShown(float rpm, float map) override;
     /// Told on each idle tick; only a change does something.
     void onFlyLock(bool busy) override;
     bool locked() const { return locked_; }
@@ -192,6 +195,14 @@ class FrmTable : public QWidget, public DockingForm {
     void tellOthers();
     void tellContext(bool now);
 
+    // ---- AutoVE: frm_table_auto_ve.cpp
+    class AutoVeCells;
+    void autoVe();
+    void showAutoVe(const std::vector<GridCell>& cells);
+    /// The frame of now, while AutoVE runs on live data.
+    void feedAutoVe();
+    void leaveAutoVe();
+
     // ---- Toolbar commands
     void rebuilt(std::span<const Refusal> refused);
     bool saveGrid();
@@ -223,6 +234,8 @@ class FrmTable : public QWidget, public DockingForm {
     TypedAhead* ahead_ = nullptr;
     RedrawGate* redraw_ = nullptr;
 
+    std::unique_ptr<AutoVeCells> autoVeCells_;
+    QPointer<FrmAutoVE> frmAutoVE_;
     FrameFeed::Subscription framesFollowed_;
 
     bool moving_ = false;    ///< from the workspace into a window of its own, or back

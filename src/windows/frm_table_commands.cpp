@@ -38,7 +38,7 @@ void FrmTable::makeToolbar() {
                    view);
     Toolbar1_->add({"Invert", "&Invert Rows", "", true, "Invert"}, rebuild(&TableModel::invert), view);
     Toolbar1_->add({"Graph", "&Graph", "", false, "Graph"}, run([this] { graph(); }), view);
-    Toolbar1_->add({"AutoVE", "Auto&VE", "", false, "AutoVE"}, {}, view);
+    Toolbar1_->add({"AutoVE", "Auto&VE", "", false, "AutoVE"}, run([this] { autoVe(); }), view);
     Toolbar1_->addSeparatorTo(view);
     Toolbar1_->add({"Reset", "&Reset", "", false, "Reset"}, rebuild(&TableModel::reset), view);
     Toolbar1_->add({"Discard", "Di&scard Changes", "", false, "Discard"}, run([this] { discard(); }), view);

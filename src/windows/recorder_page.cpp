@@ -5,8 +5,10 @@
 #include <QMenu>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <utility>
 
 #include "base/errors.h"
+#include "base/text.h"
 #include "qt/look.h"
 #include "qt/named.h"
 #include "qt/plain_label.h"
@@ -68,7 +70,8 @@ RecorderPage::RecorderPage(Session& session, QWidget* parent)
     tmrImport_->setInterval(importMs);
     connect(tmrImport_, &QTimer::timeout, this, [this] {
         recorder_.takeLoaded();
-        if (!recorder_.busy()) tmrImport_->stop();
+        takeOverlay();
+        if (!recorder_.busy() && otherName_.isEmpty()) tmrImport_->stop();
         redraw_->request();
     });
 
@@ -80,14 +83,27 @@ RecorderPage::RecorderPage(Session& session, QWidget* parent)
     bar->addWidget(makeState());
     bar->addWidget(makeSpeed());
     bar->addWidget(makeFileButtons());
+    plots_ = new LogPlotView(session.settings(), this);
+    plots_->askPathBy([this](const FileRequest& request) {
+        FileRequest here = request;
+        here.folder = session_.platform().userFolder;
+        return session_.dialogs().saveFile(here);
+    });
+    connect(plots_, &LogPlotView::timeChosen, this, [this](double seconds) { recorder_.goTo(seconds); });
+    connect(plots_, &LogPlotView::marksEdited, this,
+            [this](const std::vector<LogMark>& marks) { recorder_.marks(marks); });
     values_ = new LogValues(this);
+    tabs_ = named(new QTabWidget(this), "tabLog", "Views of the datalog");
+    tabs_->setDocumentMode(true);
+    tabs_->addTab(plots_, "Plots");
+    tabs_->addTab(values_, "Values");
     auto* whole = new QVBoxLayout(this);
     const int gap = space(fontMetrics(), Space::Tight);
     whole->setContentsMargins(gap, gap, gap, gap);
     whole->setSpacing(gap);
     whole->addWidget(top);
     whole->addWidget(makePosition());
-    whole->addWidget(values_, 1);
+    whole->addWidget(tabs_, 1);
     draw();
 }
 
@@ -172,8 +188,21 @@ QWidget* RecorderPage::makeFileButtons() {
     auto* layout = new QVBoxLayout(box);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(space(fontMetrics(), Space::Line));
-    cmdFlightRecord_Import_ = namedButton("cmdFlightRecord_Import", "Open &Datalog...", box);
-    connect(cmdFlightRecord_Import_, &QPushButton::clicked, this, [this] { recorder_.importLog(); });
+    cmdFlightRecord_Import_ = named(new QToolButton(box), "cmdFlightRecord_Import", "Open Datalog");
+    cmdFlightRecord_Import_->setText("Open &Datalog...");
+    cmdFlightRecord_Import_->setPopupMode(QToolButton::MenuButtonPopup);
+    cmdFlightRecord_Import_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    connect(cmdFlightRecord_Import_, &QToolButton::clicked, this, [this] { recorder_.importLog(); });
+    auto* more = named(new QMenu(cmdFlightRecord_Import_), "mnuOpenDatalog");
+    mnuOverlay_ = named(more->addAction("&Lay another datalog over it..."), "mnuOverlay");
+    connect(mnuOverlay_, &QAction::triggered, this, &RecorderPage::askOverlay);
+    mnuNoOverlay_ = named(more->addAction("&Take the second datalog away"), "mnuNoOverlay");
+    connect(mnuNoOverlay_, &QAction::triggered, this, [this] {
+        plots_->overlay(nullptr, {});
+        mnuNoOverlay_->setEnabled(false);
+    });
+    mnuNoOverlay_->setEnabled(false);
+    cmdFlightRecord_Import_->setMenu(more);
     cmdFlightRecord_Export_ = named(new QToolButton(box), "cmdFlightRecord_Export", "Save As");
     cmdFlightRecord_Export_->setText("Save &As");
     cmdFlightRecord_Export_->setPopupMode(QToolButton::InstantPopup);
@@ -270,7 +299,7 @@ void RecorderPage::recorderChanged() {
 }
 
 void RecorderPage::logChanged() {
-    redraw_->request();
+    draw();
 }
 
 void RecorderPage::setTimer(QTimer& timer, int intervalMs) {
@@ -293,7 +322,48 @@ void RecorderPage::draw() {
     if (!sldPosition_->isSliderDown())
         sldPosition_->setValue(static_cast<int>(recorder_.place() * positionSteps));
     drawProgress();
-    if (isVisible()) values_->showRow(recorder_.shown());
+    if (!isVisible()) return;
+    values_->showRow(recorder_.shown());
+    drawPlots();
+}
+
+void RecorderPage::drawPlots() {
+    const LogColumns& log = recorder_.log();
+    if (std::exchange(logsSeen_, recorder_.logsLoaded()) != recorder_.logsLoaded() || log.rows() < rowsSeen_) {
+        rowsSeen_ = log.rows();
+        plots_->showLog(&log, shownString(recorder_.SessionName));
+        marksSeen_.clear();
+    } else if (std::exchange(rowsSeen_, log.rows()) != log.rows()) {
+        plots_->grown();
+    }
+    if (std::exchange(marksSeen_, recorder_.marks()) != recorder_.marks()) plots_->marks(recorder_.marks());
+    plots_->cursorAt(recorder_.seconds());
+}
+
+void RecorderPage::askOverlay() {
+    const std::string path = session_.dialogs().openFile(
+        {"Open Zentaq Datalog File", session_.platform().userFolder, "Zentaq Datalog (*.DAT)|*.dat", 1, "dat", {}});
+    if (path.empty()) return;
+    constexpr double sequential = 120;
+    other_ = {};
+    otherName_ = shownString(fileNameOf(path));
+    otherLoading_.begin(session_.platform().side, path, sequential);
+    tmrImport_->start();
+    takeOverlay();
+}
+
+void RecorderPage::takeOverlay() {
+    if (otherName_.isEmpty()) return;
+    otherLoading_.take(other_);
+    if (otherLoading_.running()) return;
+    const QString name = std::exchange(otherName_, QString());
+    const std::string failure = otherLoading_.failure();
+    if (failure.empty() && !other_.empty()) {
+        mnuNoOverlay_->setEnabled(true);
+        return plots_->overlay(&other_, name);
+    }
+    session_.windows().later(
+        [this, failure] { session_.inform("The datalog cannot be read.\n" + failure + "\nChoose another file."); });
 }
 
 void RecorderPage::drawButtons() {
@@ -309,6 +379,7 @@ void RecorderPage::drawButtons() {
     }
     cmdFlightRecord_Import_->setEnabled(!recorder_.Recording);
     cmdFlightRecord_Export_->setEnabled(!recorder_.log().empty() && !recorder_.Recording);
+    mnuOverlay_->setEnabled(!recorder_.log().empty());
 }
 
 void RecorderPage::drawProgress() {

@@ -5,6 +5,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSlider>
+#include <QTabWidget>
 #include <QTimer>
 #include <QToolButton>
 #include <QWidget>
@@ -14,6 +15,7 @@
 #include "app/session.h"
 #include "qt/elided_label.h"
 #include "qt/kept_splitter.h"
+#include "windows/log_plot_view.h"
 #include "windows/log_values.h"
 #include "windows/redraw_gate.h"
 
@@ -29,6 +31,7 @@ class RecorderPage : public QWidget {
     void recorderChanged();
     void logChanged();
     void killTimers();
+    void initializeRows() { plots_->Initialize_Rows(); }
 
     /// Draws what the recorder holds now.
     void draw();
@@ -51,6 +54,9 @@ class RecorderPage : public QWidget {
     void setTimer(QTimer& timer, int intervalMs);
     void drawButtons();
     void drawProgress();
+    void drawPlots();
+    void askOverlay();
+    void takeOverlay();
 
     Session& session_;
     FlightRecord& recorder_;
@@ -60,11 +66,21 @@ class RecorderPage : public QWidget {
     ElidedLabel* lblFRStatus_ = nullptr;
     QSlider* sldPosition_ = nullptr;
     QSlider* sldPlaybackSpeed_ = nullptr;
-    QPushButton* cmdFlightRecord_Import_ = nullptr;
+    QToolButton* cmdFlightRecord_Import_ = nullptr;
+    QAction* mnuOverlay_ = nullptr;
+    QAction* mnuNoOverlay_ = nullptr;
     QToolButton* cmdFlightRecord_Export_ = nullptr;
     QProgressBar* prgImport_ = nullptr;
     QPushButton* cmdCancelImport_ = nullptr;
+    LogPlotView* plots_ = nullptr;
     LogValues* values_ = nullptr;
+    QTabWidget* tabs_ = nullptr;
+    LogLoading otherLoading_;
+    LogColumns other_;
+    QString otherName_;
+    std::vector<LogMark> marksSeen_;
+    std::size_t rowsSeen_ = 0;
+    int logsSeen_ = 0;
     QTimer* tmrFlightRecord1_ = nullptr;  ///< playback
     QTimer* tmrFlightRecord2_ = nullptr;  ///< recording
     QTimer* tmrImport_ = nullptr;
