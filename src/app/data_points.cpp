@@ -29,6 +29,18 @@ std::span<const std::string_view, dataPointCount> dataPointNames() {
     return names;
 }
 
+std::string_view dataPointChannel(int place) {
+    static constexpr auto all = [] {
+        std::array<std::string_view, dataPointCount> places;
+        auto next = std::ranges::transform(channelsBeforePins, places.begin(), &Channel::name).out;
+        next = std::ranges::copy_n(pinNames.begin(), dataPointPins, next).out;
+        std::ranges::transform(channelsBehindPins, next, &Channel::name);
+        return places;
+    }();
+    if (place < 1 || place > dataPointCount) return {};
+    return all[static_cast<std::size_t>(place) - 1];
+}
+
 std::array<int, settings::datalogSlots> storedDataPoints(const SettingsStore& store) {
     std::array<int, settings::datalogSlots> places{};
     int slot = 1;

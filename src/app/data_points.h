@@ -20,6 +20,9 @@ inline constexpr int dataPointCount = static_cast<int>(channels.size()) + dataPo
 /// The entries of viewList in their order. A stored value is the place in this list, counted from 1.
 std::span<const std::string_view, dataPointCount> dataPointNames();
 
+/// The channel or pin at a place counted from 1: "BATTV", "GPIO3". Empty for no such place.
+std::string_view dataPointChannel(int place);
+
 /// What each of the ten keys holds: a place in that list; 0 for an unused slot, for a key never written and
 /// for a text that is no such place.
 std::array<int, settings::datalogSlots> storedDataPoints(const SettingsStore& store);

@@ -77,4 +77,8 @@ const LookColors& lookNow() {
     return lookColors(appliedLook(*qApp));
 }
 
+std::span<const QColor> plotColors() {
+    return plotColors(appliedLook(*qApp));
+}
+
 }  // namespace zentaq

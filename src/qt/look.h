@@ -69,6 +69,11 @@ struct LookColors {
 
 const LookColors& lookColors(DisplayMode mode);
 
+/// The colors of lines in a plot, the most different ones first: seen and read on `surface` and `background`,
+/// and told apart also by eyes that are blind to red or green. The running program's mode chooses.
+std::span<const QColor> plotColors(DisplayMode mode);
+std::span<const QColor> plotColors();
+
 /// A colour as docs/look.md lists it.
 struct LookColor {
     const char* name;

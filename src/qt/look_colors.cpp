@@ -145,6 +145,18 @@ std::span<const LookPair> lookPairs() {
     return pairRows;
 }
 
+std::span<const QColor> plotColors(DisplayMode mode) {
+    static const std::array<QColor, 8> day{QColor(0x28, 0x69, 0xFF), QColor(0xBE, 0x50, 0x00),
+                                           QColor(0x55, 0x00, 0x96), QColor(0xB4, 0x50, 0x5F),
+                                           QColor(0x73, 0x14, 0x05), QColor(0x00, 0x00, 0xFA),
+                                           QColor(0xA5, 0x55, 0xAF), QColor(0x6E, 0x0F, 0x4B)};
+    static const std::array<QColor, 8> night{QColor(0x0F, 0xD7, 0xFF), QColor(0xFF, 0xE6, 0x1E),
+                                             QColor(0xD7, 0x3C, 0x96), QColor(0x78, 0xFA, 0xCD),
+                                             QColor(0x64, 0x6E, 0xFA), QColor(0xD2, 0xF0, 0x87),
+                                             QColor(0xF5, 0x2D, 0x19), QColor(0xDC, 0x50, 0x5F)};
+    return mode == DisplayMode::Day ? day : night;
+}
+
 const LookColors& lookColors(DisplayMode mode) {
     static const LookColors day = colorsOf(DisplayMode::Day);
     static const LookColors night = colorsOf(DisplayMode::Night);

@@ -1,0 +1,215 @@
+#include "windows/log_pane_drawings.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "qt/look.h"
+#include "qt/qt_text.h"
+
+namespace zentaq {
+
+namespace {
+
+/// With fewer points than this a line is drawn smooth and in its full width.
+constexpr std::size_t fewPoints = 500;
+constexpr double fewPointsWidth = 1.6;
+constexpr float hitShare = 0.22F;
+constexpr float paleShare = 0.5F;
+constexpr int mostMarkLetters = 24;
+
+QColor paler(const QColor& color, const QColor& ground) {
+    const auto between = [](float one, float other) { return one + (other - one) * paleShare; };
+    return QColor::fromRgbF(between(color.redF(), ground.redF()), between(color.greenF(), ground.greenF()),
+                            between(color.blueF(), ground.blueF()));
+}
+
+}  // namespace
+
+// ---- Lines
+
+LogPane::Lines::Lines(QCustomPlot& plot, const PlotScene& scene, const LogPane& pane)
+    : QCPLayerable(&plot, QStringLiteral("main")), scene_(scene), pane_(pane) {}
+
+QRect LogPane::Lines::clipRect() const {
+    return pane_.axes().rect();
+}
+
+void LogPane::Lines::applyDefaultAntialiasingHint(QCPPainter* painter) const {
+    painter->setAntialiasing(false);
+}
+
+void LogPane::Lines::draw(QCPPainter* painter) {
+    if (!scene_.hasLog()) return;
+    drawHits(*painter);
+    for (const PaneLine& line : pane_.lines()) {
+        if (line.otherColumn >= 0) drawLine(*painter, line, true);
+    }
+    for (const PaneLine& line : pane_.lines()) {
+        if (line.column >= 0) drawLine(*painter, line, false);
+    }
+}
+
+void LogPane::Lines::drawHits(QCPPainter& painter) const {
+    QColor shade = lookNow().accent;
+    shade.setAlphaF(hitShare);
+    const QRect room = pane_.axes().rect();
+    double covered = room.left();
+    for (const LogHit& hit : scene_.hits) {
+        if (hit.last >= scene_.log->rows()) continue;
+        const double from = std::max(pane_.xOf(scene_.log->seconds(hit.first)), covered);
+        // A hit of one row is seen, too.
+        const double to = std::max(pane_.xOf(scene_.log->seconds(hit.last)), from + 1);
+        if (pane_.xOf(scene_.log->seconds(hit.last)) < covered || from > room.right()) continue;
+        painter.fillRect(QRectF(from, room.top(), to - from, room.height()), shade);
+        covered = to;
+    }
+}
+
+void LogPane::Lines::drawLine(QCPPainter& painter, const PaneLine& line, bool over) {
+    const LogColumns& log = over ? *scene_.other : *scene_.log;
+    const PlotBuckets& buckets = over ? scene_.otherBuckets : scene_.buckets;
+    plotLine(log, over ? line.otherColumn : line.column, buckets, points_);
+    // All points of a line go through one rule, worked out once.
+    const double shift = over ? scene_.shift : 0;
+    const double left = pane_.xOf(shift);
+    const double perSecond = pane_.xOf(shift + 1) - left;
+    const double foot = pane_.yOf(line, 0);
+    const double perValue = pane_.yOf(line, 1) - foot;
+    const bool few = points_.size() < fewPoints;
+    const auto colors = plotColors();
+    const QColor color = colors[line.color % colors.size()];
+    QPen pen(over ? paler(color, lookNow().surface) : color, few ? fewPointsWidth : 1);
+    pen.setJoinStyle(Qt::RoundJoin);
+    // Among many rows dashes would hide what happens in their gaps.
+    if (over && few) pen.setStyle(Qt::DashLine);
+    painter.setPen(pen);
+    painter.setAntialiasing(few);
+    const auto drawn = [&] {
+        if (places_.size() == 1) painter.drawPoint(places_.front());
+        if (places_.size() > 1) painter.drawPolyline(places_.data(), static_cast<int>(places_.size()));
+        places_.clear();
+    };
+    places_.clear();
+    for (const PlotPoint& point : points_) {
+        const auto value = static_cast<double>(point.value);
+        if (!std::isfinite(value)) {
+            drawn();
+            continue;
+        }
+        places_.emplace_back(left + point.seconds * perSecond, foot + value * perValue);
+    }
+    drawn();
+}
+
+// ---- What moves
+
+LogPane::Now::Now(QCustomPlot& plot, const PlotScene& scene, const LogPane& pane)
+    : QCPLayerable(&plot, QStringLiteral("overlay")), scene_(scene), pane_(pane) {}
+
+QRect LogPane::Now::clipRect() const {
+    return pane_.whole().adjusted(-1, 0, 1, 1);
+}
+
+void LogPane::Now::applyDefaultAntialiasingHint(QCPPainter* painter) const {
+    painter->setAntialiasing(false);
+}
+
+void LogPane::Now::draw(QCPPainter* painter) {
+    const LookColors& look = lookNow();
+    drawLegend(*painter);
+    if (!scene_.hasLog()) return;
+    drawMarks(*painter);
+    if (scene_.a) drawUpright(*painter, *scene_.a, QPen(look.changed, 2), QStringLiteral("A"));
+    if (scene_.b) drawUpright(*painter, *scene_.b, QPen(look.changed, 2), QStringLiteral("B"));
+    if (scene_.cursor) drawUpright(*painter, *scene_.cursor, QPen(look.liveMarker, 2), {});
+    drawDots(*painter);
+    if (!scene_.keyboard || scene_.paneInHand != pane_.number()) return;
+    const int edge = edgeWidth(QFontMetrics(typeFont(Type::Remark)));
+    painter->setPen(QPen(look.focus, edge));
+    painter->setBrush(Qt::NoBrush);
+    painter->drawRect(pane_.axes().rect().adjusted(edge / 2, edge / 2, -edge / 2, -edge / 2));
+}
+
+void LogPane::Now::drawLegend(QCPPainter& painter) const {
+    const QFont font = typeFont(Type::Remark);
+    const QFontMetrics metrics(font);
+    painter.setFont(font);
+    const auto colors = plotColors();
+    const int gap = space(metrics, Space::Tight);
+    for (std::size_t i = 0; i < pane_.lines().size(); ++i) {
+        const PaneLine& line = pane_.lines()[i];
+        const QColor color = line.column < 0 ? lookNow().disabledText : colors[line.color % colors.size()];
+        const QRect slot = pane_.legendSlot(i);
+        const int side = metrics.height() / 2;
+        painter.fillRect(QRect(slot.left(), slot.center().y() - side / 2, side, side), color);
+        painter.setPen(color);
+        const QRect room = slot.adjusted(side + gap, 0, 0, 0);
+        painter.drawText(room, Qt::AlignLeft | Qt::AlignVCenter,
+                         metrics.elidedText(legendText(scene_, line), Qt::ElideRight, room.width()));
+    }
+}
+
+void LogPane::Now::drawUpright(QCPPainter& painter, double seconds, const QPen& pen,
+                               const QString& letter) const {
+    const QRect room = pane_.axes().rect();
+    const double x = pane_.xOf(seconds);
+    if (x < room.left() || x > room.right()) return;
+    painter.setPen(pen);
+    painter.drawLine(QPointF(x, room.top()), QPointF(x, room.bottom()));
+    if (letter.isEmpty()) return;
+    const QFontMetrics metrics(typeFont(Type::Strong));
+    painter.setFont(typeFont(Type::Strong));
+    const int width = metrics.horizontalAdvance(letter) + 2 * space(metrics, Space::Tight);
+    const QRect flag(static_cast<int>(x), room.bottom() - metrics.height(), width, metrics.height());
+    painter.fillRect(flag, lookNow().changedBadge);
+    painter.setPen(lookNow().changedBadgeText);
+    painter.drawText(flag, Qt::AlignCenter, letter);
+}
+
+void LogPane::Now::drawDots(QCPPainter& painter) const {
+    if (!scene_.cursor) return;
+    const QRect room = pane_.axes().rect();
+    const std::size_t row = scene_.log->rowAt(*scene_.cursor);
+    const auto colors = plotColors();
+    const double radius = QFontMetricsF(typeFont(Type::Remark)).height() / 5;
+    painter.setAntialiasing(true);
+    painter.setPen(QPen(lookNow().surface, 1));
+    for (const PaneLine& line : pane_.lines()) {
+        if (line.column < 0) continue;
+        const QPointF at(pane_.xOf(*scene_.cursor),
+                         pane_.yOf(line, static_cast<double>(scene_.log->value(line.column, row))));
+        if (!QRectF(room).contains(at)) continue;
+        painter.setBrush(colors[line.color % colors.size()]);
+        painter.drawEllipse(at, radius, radius);
+    }
+    painter.setAntialiasing(false);
+}
+
+void LogPane::Now::drawMarks(QCPPainter& painter) const {
+    const LookColors& look = lookNow();
+    const QRect room = pane_.axes().rect();
+    const QFont font = typeFont(Type::Remark);
+    const QFontMetrics metrics(font);
+    for (const LogMark& mark : scene_.marks) {
+        const double x = pane_.xOf(mark.seconds);
+        if (x < room.left() || x > room.right()) continue;
+        painter.setPen(QPen(look.edge, 1, Qt::DotLine));
+        painter.drawLine(QPointF(x, room.top()), QPointF(x, room.bottom()));
+        if (pane_.number() != 0) continue;
+        const QRect flag = markFlag(pane_, mark);
+        painter.fillRect(flag, look.badge);
+        painter.setPen(look.badgeText);
+        painter.setFont(font);
+        painter.drawText(flag, Qt::AlignCenter,
+                         metrics.elidedText(shownString(mark.text), Qt::ElideRight, flag.width()));
+    }
+}
+
+QRect markFlag(const LogPane& pane, const LogMark& mark) {
+    const QFontMetrics metrics(typeFont(Type::Remark));
+    const int wanted = metrics.horizontalAdvance(shownString(mark.text)) + 2 * space(metrics, Space::Tight);
+    const int width = std::clamp(wanted, metrics.height(), metrics.averageCharWidth() * mostMarkLetters);
+    return {static_cast<int>(pane.xOf(mark.seconds)), pane.axes().top() + 1, width, metrics.height()};
+}
+
+}  // namespace zentaq
