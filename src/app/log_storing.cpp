@@ -30,6 +30,13 @@ struct LogStoring::Job : SideJob {
 
 namespace {
 
+/// Nearly every speed is a whole number, whose digits cost a tenth of the others'.
+std::string speedText(double value) {
+    constexpr double most = 1e6;
+    const bool whole = value >= 0 && value < most && value == static_cast<int>(value);
+    return whole ? std::to_string(static_cast<int>(value)) : numberText(value);
+}
+
 template <typename Job>
 class TableSink : public DatalogSink {
  public:
@@ -42,8 +49,7 @@ class TableSink : public DatalogSink {
     }
     void row(std::span<const double> values, std::int64_t line) override {
         table_->add(values);
-        lines_.push_back("Adding RPM: " + numberText(values[speed_]) + " on line " +
-                         numberText(static_cast<double>(line)));
+        lines_.push_back("Adding RPM: " + speedText(values[speed_]) + " on line " + std::to_string(line));
         if (static_cast<std::int64_t>(lines_.size()) >= DatalogTable::blockRows) job_.give(lines_);
     }
     void finish() {

@@ -41,6 +41,14 @@ std::string withoutBlanks(std::string_view text) {
 std::optional<double> valueOf(std::string_view field) {
     while (!field.empty() && field.front() == ' ') field.remove_prefix(1);
     while (!field.empty() && field.back() == ' ') field.remove_suffix(1);
+    // Most fields of a log are a whole number of few digits, and most of these are 0.
+    if (field.size() <= 4 && !field.empty()) {
+        int whole = 0;
+        std::size_t digits = 0;
+        while (digits < field.size() && field[digits] >= '0' && field[digits] <= '9')
+            whole = whole * 10 + (field[digits++] - '0');
+        if (digits == field.size()) return whole;
+    }
     std::string kept;
     if (field.find(' ') != field.npos) {
         kept = withoutBlanks(field);

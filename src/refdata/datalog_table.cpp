@@ -46,16 +46,18 @@ struct DatalogTable::Handle {
 
 DatalogTable::DatalogTable(const std::string& database, std::string_view table) {
     try {
-        handle_.reset(new Handle{database,
-                                 std::string(table),
-                                 SQLite::Database(database, SQLite::OPEN_READWRITE, patienceMs),
-                                 {},
-                                 {},
-                                 0});
+        handle_.reset(
+            new Handle{database,
+                       std::string(table),
+                       SQLite::Database(database, SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX, patienceMs),
+                       {},
+                       {},
+                       0});
     } catch (const SQLite::Exception& failure) {
         throw Failure("Reference database " + database + ": " + failure.what());
     }
     handle_->guarded([&] {
+        // One thread uses it, so it needs no lock of its own; twelve million values would take one each.
         // No part of a block reaches the file before its end: others read it meanwhile.
         handle_->file.exec("PRAGMA cache_size = -" + std::to_string(cacheKilobytes));
         handle_->insert.emplace(handle_->file, insertInto(refdata::table(handle_->table)));
