@@ -79,6 +79,10 @@ FrmDashBoard::FrmDashBoard(Session& session, MainCommands& commands, QWidget* pa
     whole->setSpacing(0);
     whole->addWidget(cmdFold_, 0, Qt::AlignTop);
     whole->addWidget(panel_, 1);
+    detail_ = new FrmDetailInfo(this);
+    whole->addWidget(detail_, 1);
+    connect(panel_->btnShowDetail, &QPushButton::clicked, this, [this] { showDetail(true); });
+    connect(detail_, &FrmDetailInfo::dashAsked, this, [this] { showDetail(false); });
     FrmDashBoard::foldsChanged();
 
     tmrUpdate_->setTimerType(Qt::PreciseTimer);
@@ -88,8 +92,6 @@ FrmDashBoard::FrmDashBoard(Session& session, MainCommands& commands, QWidget* pa
     tmrCHKE_Status_->setInterval(codeStepMs);
     connect(tmrCHKE_Status_, &QTimer::timeout, this, &FrmDashBoard::stepCodes);
     connect(panel_->lstGPO, &QListWidget::currentRowChanged, this, &FrmDashBoard::showChosenPin);
-    panel_->btnShowDetail->setEnabled(false);
-
     nameReadings();
     dashLights_ = storedColor(session.settings().get(settings::system, settings::DashLights));
     needleColor_ = storedColor(session.settings().get(settings::system, settings::NeedleColor));
@@ -118,7 +120,7 @@ void FrmDashBoard::Kill_Timers() {
 
 void FrmDashBoard::poll() {
     session_.poll(secondTabShowing_());
-    panel_->setLive(gaugesLive(session_) || session_.recorder->showsLog());
+    showWhetherLive();
     showLinkState();
 }
 
@@ -137,6 +139,8 @@ void FrmDashBoard::foldsChanged() {
     tellFold();
     // As with the messages: not to the next field, which may be a cell.
     if (fold && panel_->isAncestorOf(window()->focusWidget())) cmdFold_->setFocus();
+    // One line has no room for a grid.
+    if (fold && detail_ != nullptr && detail_->isVisible()) showDetail(false);
     panel_->setFolded(fold);
     setMaximumHeight(fold ? std::max(panel_->minimumSizeHint().height(), cmdFold_->sizeHint().height())
                           : QWIDGETSIZE_MAX);
@@ -209,6 +213,7 @@ void FrmDashBoard::followUnit() {
     const UnitKind& kind = shownUnit().kind();
     if (std::exchange(shownKind_, &kind) == &kind) return;
     panel_->showFuel(kind.fuelSide);
+    if (!kind.fuelSide && detail_->isVisible()) showDetail(false);
     nameReadings();
     tellFold();
 }
@@ -221,10 +226,30 @@ void FrmDashBoard::draw() {
     std::optional<float> ratio;
     if (session_.slotInHand() != 0) ratio = session_.currentUnitObject().get("AFR");
     gauges_.UPDATE_DISPLAY(session_.live, unit, settings, ratio);
-    panel_->setLive(gaugesLive(session_) || session_.recorder->showsLog());
+    showWhetherLive();
     drawNeedles();
     numbers_->request();
     drawAlarms();
+}
+
+void FrmDashBoard::showWhetherLive() {
+    const bool live = gaugesLive(session_) || session_.recorder->showsLog();
+    panel_->setLive(live);
+    detail_->setLive(live);
+}
+
+void FrmDashBoard::showDetail(bool on) {
+    panel_->setVisible(!on);
+    if (!on) {
+        detail_->hideForm();
+        return panel_->btnShowDetail->isVisible() ? panel_->btnShowDetail->setFocus() : cmdFold_->setFocus();
+    }
+    drawDetail();
+    detail_->showForm();
+}
+
+void FrmDashBoard::drawDetail() {
+    detail_->updateDetailInfoValues(detailInfo(session_.live, shownUnit(), session_.fahrenheit()));
 }
 
 void FrmDashBoard::drawNeedles() {
@@ -241,6 +266,7 @@ void FrmDashBoard::drawNeedles() {
 }
 
 void FrmDashBoard::drawReadings() {
+    if (detail_->isVisible()) drawDetail();
     const auto settings = DashboardSettings::from(session_.settings());
     const auto readings = dashboardReadings(session_.live, shownUnit(), settings);
     panel_->setFahrenheit(settings.fahrenheit);

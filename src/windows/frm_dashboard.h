@@ -15,6 +15,7 @@
 
 #include "windows/form.h"
 #include "windows/frm_dashboard_panel.h"
+#include "windows/frm_detail_info.h"
 #include "windows/redraw_gate.h"
 
 namespace zentaq {
@@ -64,6 +65,9 @@ class FrmDashBoard : public QWidget, public Form {
     void foldsChanged() override;
 
     FrmDashBoardPanel& panel() { return *panel_; }
+    FrmDetailInfo& detail() { return *detail_; }
+    /// The detail monitor in the place of the dials, or the dials again.
+    void showDetail(bool on);
     /// How often the display was brought up to date.
     int redraws() const { return redraws_; }
 
@@ -78,6 +82,8 @@ class FrmDashBoard : public QWidget, public Form {
     void drawPins(const std::vector<DashboardReading>& readings);
     void showChosenPin();
     void drawAlarms();
+    void drawDetail();
+    void showWhetherLive();
     void setMode(bool day);
     void applyColors();
     void nameReadings();
@@ -90,6 +96,7 @@ class FrmDashBoard : public QWidget, public Form {
     Session& session_;
     Gauges gauges_;
     FrmDashBoardPanel* panel_;
+    FrmDetailInfo* detail_ = nullptr;
     QTimer* tmrUpdate_;
     QTimer* flashTimer_;
     QTimer* tmrCHKE_Status_;

@@ -19,6 +19,7 @@
 #include "qt/paper.h"
 #include "qt/plain_label.h"
 #include "qt/qt_text.h"
+#include "windows/form_maker.h"
 #include "windows/frm_config.h"
 
 namespace zentaq {

@@ -234,7 +234,7 @@ class FrmTable : public QWidget, public DockingForm {
     TypedAhead* ahead_ = nullptr;
     RedrawGate* redraw_ = nullptr;
 
-    std::unique_ptr<AutoVeCells> autoVeCells_;
+    std::shared_ptr<AutoVeCells> autoVeCells_;
     QPointer<FrmAutoVE> frmAutoVE_;
     FrameFeed::Subscription framesFollowed_;
 

@@ -49,7 +49,7 @@ class FrmTable::AutoVeCells : public AutoVeGrid {
 void FrmTable::autoVe() {
     if (!model_ || session_.AutoVEActive) return;
     // The sums of a run are those of the table that it ran on, until it is built anew.
-    if (!autoVeCells_ || !autoVeCells_->onModel(model_.get())) autoVeCells_ = std::make_unique<AutoVeCells>(*this);
+    if (!autoVeCells_ || !autoVeCells_->onModel(model_.get())) autoVeCells_ = std::make_shared<AutoVeCells>(*this);
     frmAutoVE_ = new FrmAutoVE(session_, *autoVeCells_, this);
     frmAutoVE_->setAttribute(Qt::WA_DeleteOnClose);
     // Back in the table, the keyboard is where it was.
