@@ -111,7 +111,7 @@ class LogPlotArea : public QCustomPlot {
         std::size_t pane = 0;
         std::size_t mark = 0;
         double shift = 0;
-        double start = 0;  ///< of the window, in seconds
+        double start = 0;  ///< of the window, or of a marker behind the pointer; in seconds
         bool moved = false;
     };
     /// Where a channel that is dropped goes.
