@@ -60,8 +60,12 @@ void plotSpans(const std::vector<PlotPoint>& points, const PlotGrid& grid, std::
     close(open);
 }
 
-PlotCover::PlotCover(const PlotGrid& grid)
-    : firstX_(grid.firstX), columns_(static_cast<std::size_t>(std::max(grid.lastX - grid.firstX + 1, 0))) {}
+void PlotCover::begin(const PlotGrid& grid) {
+    firstX_ = grid.firstX;
+    columns_.resize(static_cast<std::size_t>(std::max(grid.lastX - grid.firstX + 1, 0)));
+    // They keep their room for the next picture.
+    for (auto& column : columns_) column.clear();
+}
 
 void PlotCover::takeVisible(std::vector<PlotSpan>& spans) {
     seen_.clear();

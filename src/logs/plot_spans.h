@@ -37,7 +37,8 @@ void plotSpans(const std::vector<PlotPoint>& points, const PlotGrid& grid, std::
 /// Lines are shown to it from the front to the back.
 class PlotCover {
  public:
-    explicit PlotCover(const PlotGrid& grid);
+    /// Nothing is hidden on this grid yet.
+    void begin(const PlotGrid& grid);
     /// Leaves of the strokes what those before do not hide, and hides behind it what comes later.
     void takeVisible(std::vector<PlotSpan>& spans);
 
@@ -49,7 +50,7 @@ class PlotCover {
     void takeVisible(const PlotSpan& span);
     void cover(std::vector<Covered>& column, const PlotSpan& span);
 
-    int firstX_;
+    int firstX_ = 0;
     std::vector<std::vector<Covered>> columns_;  ///< by x: parts that do not touch, from the top
     std::vector<PlotSpan> seen_;
 };

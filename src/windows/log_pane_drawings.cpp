@@ -97,9 +97,9 @@ void LogPane::Lines::drawDense(QCPPainter& painter, std::vector<Line> lines) {
     std::ranges::stable_sort(lines, [](const Line& one, const Line& other) {
         return one.over != other.over ? other.over : one.ink < other.ink;
     });
-    PlotCover cover(gridOf(lines.front()));
+    if (lines.size() > 1) cover_.begin(gridOf(lines.front()));
     for (Line& line : lines) {
-        cover.takeVisible(line.spans);
+        if (lines.size() > 1) cover_.takeVisible(line.spans);
         strokes_.clear();
         for (const PlotSpan& span : line.spans) strokes_.emplace_back(span.x, span.top, span.x, span.bottom);
         painter.setPen(penOf(line, 1));
@@ -166,8 +166,8 @@ void LogPane::Now::applyDefaultAntialiasingHint(QCPPainter* painter) const {
 
 void LogPane::Now::draw(QCPPainter* painter) {
     const LookColors& look = lookNow();
-    drawLegend(*painter);
     if (!scene_.hasLog()) return;
+    drawLegend(*painter);
     drawMarks(*painter);
     if (scene_.a) drawUpright(*painter, *scene_.a, QPen(look.changed, 2), QStringLiteral("A"));
     if (scene_.b) drawUpright(*painter, *scene_.b, QPen(look.changed, 2), QStringLiteral("B"));
@@ -184,6 +184,9 @@ void LogPane::Now::drawLegend(QCPPainter& painter) const {
     const QFont font = typeFont(Type::Remark);
     const QFontMetrics metrics(font);
     painter.setFont(font);
+    const QRect whole = pane_.whole();
+    painter.fillRect(QRect(whole.topLeft(), QSize(whole.width(), pane_.axes().top() - whole.top())),
+                     lookNow().surface);
     const auto colors = plotColors();
     const int gap = space(metrics, Space::Tight);
     for (std::size_t i = 0; i < pane_.lines().size(); ++i) {

@@ -38,6 +38,7 @@ class LogPane::Lines : public QCPLayerable {
     std::vector<PlotPoint> points_;  ///< kept for their room
     std::vector<QPointF> places_;
     std::vector<QLine> strokes_;
+    PlotCover cover_;
 };
 
 class LogPane::Now : public QCPLayerable {

@@ -45,7 +45,8 @@ TEST(PlotSpans, PartWhereAValueIsNoNumber) {
 }
 
 TEST(PlotCover, LeavesWhatIsNotHiddenInFront) {
-    PlotCover cover(handGrid);
+    PlotCover cover;
+    cover.begin(handGrid);
     Spans front{{3, 20, 40}, {4, 0, 100}};
     cover.takeVisible(front);
     EXPECT_EQ(front, (Spans{{3, 20, 40}, {4, 0, 100}}));
@@ -55,6 +56,9 @@ TEST(PlotCover, LeavesWhatIsNotHiddenInFront) {
     Spans last{{3, 0, 100}};
     cover.takeVisible(last);
     EXPECT_EQ(last, (Spans{{3, 0, 9}, {3, 51, 100}}));
+    cover.begin(handGrid);
+    cover.takeVisible(last = {{3, 20, 40}});
+    EXPECT_EQ(last, (Spans{{3, 20, 40}})) << "another picture";
 }
 
 // A second way: every pixel belongs to the first stroke that reaches it.
@@ -64,7 +68,8 @@ TEST(PlotCover, GivesEveryPixelToTheFirstThatReachesIt) {
         noise = noise * 1664525 + 1013904223;
         return static_cast<int>((noise >> 16) % static_cast<std::uint32_t>(below));
     };
-    PlotCover cover(handGrid);
+    PlotCover cover;
+    cover.begin(handGrid);
     std::set<std::pair<int, int>> taken;
     for (int line = 0; line < 200; ++line) {
         const int x = random(3);
