@@ -32,7 +32,8 @@ LogColumns eightHours() {
         row[0] = static_cast<double>(i);
         for (std::size_t c = 1; c < row.size(); ++c) {
             noise = noise * 1664525 + 1013904223;
-            const double wave = std::sin(static_cast<double>(i) / (300.0 * static_cast<double>(c)));
+            const double phase = std::fmod(static_cast<double>(i), 1885.0 * static_cast<double>(c));
+            const double wave = std::abs(phase / (942.5 * static_cast<double>(c)) - 1) * 2 - 1;
             row[c] = 50 + 40 * wave + static_cast<double>(noise >> 24) / 32;
         }
         log.append(row);

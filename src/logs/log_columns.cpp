@@ -13,11 +13,6 @@ void widen(ValueReach& reach, float value) {
     reach.most = std::max(reach.most, value);
 }
 
-void widen(ValueReach& reach, const ValueReach& other) {
-    widen(reach, other.least);
-    widen(reach, other.most);
-}
-
 }  // namespace
 
 void LogColumns::begin(const DatalogHead& head, std::size_t rowsExpected) {
@@ -77,20 +72,30 @@ ValueReach LogColumns::reach(int column, std::size_t first, std::size_t last) co
     last = std::min(last, rows());
     if (first >= last) return {};
     const std::vector<float>& values = columns_.at(at);
-    ValueReach reach{values[first], values[first]};
-    for (std::size_t row = first; row < last;) {
-        constexpr std::size_t wideRows = blockRows * blocksInBlock;
-        if (row % wideRows == 0 && row + wideRows <= last) {
-            widen(reach, wide_[at][row / wideRows]);
-            row += wideRows;
-        } else if (row % blockRows == 0 && row + blockRows <= last) {
-            widen(reach, blocks_[at][row / blockRows]);
+    constexpr std::size_t wideRows = blockRows * blocksInBlock;
+    // Values by hand and not by reference: a plot asks for some ten thousand stretches a picture.
+    float least = values[first];
+    float most = least;
+    const auto take = [&](float low, float high) {
+        least = low < least ? low : least;
+        most = high > most ? high : most;
+    };
+    std::size_t row = first;
+    while (row < last) {
+        if (row % blockRows != 0 || row + blockRows > last) {
+            take(values[row], values[row]);
+            ++row;
+        } else if (row % wideRows != 0 || row + wideRows > last) {
+            const ValueReach& block = blocks_[at][row / blockRows];
+            take(block.least, block.most);
             row += blockRows;
         } else {
-            widen(reach, values[row++]);
+            const ValueReach& block = wide_[at][row / wideRows];
+            take(block.least, block.most);
+            row += wideRows;
         }
     }
-    return reach;
+    return {least, most};
 }
 
 StretchFigures LogColumns::figures(int column, std::size_t first, std::size_t last) const {

@@ -1,7 +1,9 @@
 #include "logs/plot_lines.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <span>
 
 #include "base/nice_step.h"
 #include "base/number_text.h"
@@ -16,7 +18,7 @@ namespace {
 /// they reach; that is less than an eighth of a pixel.
 constexpr std::size_t blockRows = 64;
 constexpr std::size_t rowsWorthBlocks = 8 * blockRows;
-constexpr double scaleSteps = 4;
+constexpr double scaleSteps = 8;
 
 /// The first row at or behind a time. It ends for times that go back, too.
 std::size_t rowFrom(const LogColumns& log, double seconds, std::size_t first) {
@@ -34,6 +36,28 @@ std::size_t rowFrom(const LogColumns& log, double seconds, std::size_t first) {
 
 std::size_t toBlock(std::size_t row) {
     return (row + blockRows / 2) / blockRows * blockRows;
+}
+
+/// Of few rows. Four at a time, since each comparison waits for the one before it.
+ValueReach reachOf(std::span<const float> values) {
+    constexpr std::size_t lanes = 4;
+    std::array<float, lanes> least;
+    std::array<float, lanes> most;
+    least.fill(values.front());
+    most.fill(values.front());
+    std::size_t i = 0;
+    for (; i + lanes <= values.size(); i += lanes) {
+        for (std::size_t lane = 0; lane < lanes; ++lane) {
+            const float value = values[i + lane];
+            least[lane] = value < least[lane] ? value : least[lane];
+            most[lane] = value > most[lane] ? value : most[lane];
+        }
+    }
+    for (; i < values.size(); ++i) {
+        least[0] = std::min(least[0], values[i]);
+        most[0] = std::max(most[0], values[i]);
+    }
+    return {std::ranges::min(least), std::ranges::max(most)};
 }
 
 std::string pattern(int decimals) {
@@ -77,10 +101,14 @@ void plotLine(const LogColumns& log, int column, const PlotBuckets& buckets, std
         return;
     }
     points.reserve(2 * buckets.edges.size());
+    const std::span<const float> values = log.values(column);
     float before = 0;
     for (std::size_t i = 0; i + 1 < buckets.edges.size(); ++i) {
         if (buckets.edges[i] >= buckets.edges[i + 1]) continue;
-        const ValueReach reach = log.reach(column, buckets.edges[i], buckets.edges[i + 1]);
+        const std::size_t first = buckets.edges[i];
+        const std::size_t count = buckets.edges[i + 1] - first;
+        const ValueReach reach = count < rowsWorthBlocks ? reachOf(values.subspan(first, count))
+                                                         : log.reach(column, first, first + count);
         const double at = buckets.start + (static_cast<double>(i) + 0.5) * buckets.step;
         const bool leastFirst = std::abs(reach.least - before) <= std::abs(reach.most - before);
         points.push_back({at, leastFirst ? reach.least : reach.most});

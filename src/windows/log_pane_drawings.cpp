@@ -41,12 +41,98 @@ void LogPane::Lines::applyDefaultAntialiasingHint(QCPPainter* painter) const {
 void LogPane::Lines::draw(QCPPainter* painter) {
     if (!scene_.hasLog()) return;
     drawHits(*painter);
-    for (const PaneLine& line : pane_.lines()) {
-        if (line.otherColumn >= 0) drawLine(*painter, line, true);
+    drawDense(*painter, linesToDraw());
+    for (const Line& line : linesToDraw()) {
+        if (!bucketsOf(line).dense) drawFew(*painter, line);
     }
-    for (const PaneLine& line : pane_.lines()) {
-        if (line.column >= 0) drawLine(*painter, line, false);
+}
+
+/// From the back to the front: what is laid over does not hide the log itself.
+std::vector<LogPane::Lines::Line> LogPane::Lines::linesToDraw() const {
+    std::vector<Line> lines;
+    for (const bool over : {true, false}) {
+        for (const PaneLine& line : pane_.lines()) {
+            if ((over ? line.otherColumn : line.column) >= 0) lines.push_back({&line, over});
+        }
     }
+    return lines;
+}
+
+const PlotBuckets& LogPane::Lines::bucketsOf(const Line& line) const {
+    return line.over ? scene_.otherBuckets : scene_.buckets;
+}
+
+void LogPane::Lines::findPoints(const Line& line) {
+    plotLine(line.over ? *scene_.other : *scene_.log, line.over ? line.line->otherColumn : line.line->column,
+             bucketsOf(line), points_);
+}
+
+/// All points of a line go through one rule, worked out once.
+PlotGrid LogPane::Lines::gridOf(const Line& line) const {
+    const double shift = line.over ? scene_.shift : 0;
+    const double left = pane_.xOf(shift);
+    const double foot = pane_.yOf(*line.line, 0);
+    const QRect room = pane_.axes().rect();
+    return {left,        pane_.xOf(shift + 1) - left,
+            foot,        pane_.yOf(*line.line, 1) - foot,
+            room.left(), room.right(),
+            room.top(),  room.bottom()};
+}
+
+QPen LogPane::Lines::penOf(const Line& line, double width) const {
+    const auto colors = plotColors();
+    const QColor color = colors[line.line->color % colors.size()];
+    return {line.over ? paler(color, lookNow().surface) : color, width};
+}
+
+void LogPane::Lines::drawDense(QCPPainter& painter, std::vector<Line> lines) {
+    std::erase_if(lines, [this](const Line& line) { return !bucketsOf(line).dense; });
+    if (lines.empty()) return;
+    for (Line& line : lines) {
+        findPoints(line);
+        plotSpans(points_, gridOf(line), line.spans);
+        for (const PlotSpan& span : line.spans) line.ink += span.bottom - span.top + 1;
+    }
+    // A quiet line would be lost behind the broad band of a noisy one.
+    std::ranges::stable_sort(lines, [](const Line& one, const Line& other) {
+        return one.over != other.over ? other.over : one.ink < other.ink;
+    });
+    if (lines.size() > 1) cover_.begin(gridOf(lines.front()));
+    for (Line& line : lines) {
+        if (lines.size() > 1) cover_.takeVisible(line.spans);
+        strokes_.clear();
+        for (const PlotSpan& span : line.spans) strokes_.emplace_back(span.x, span.top, span.x, span.bottom);
+        painter.setPen(penOf(line, 1));
+        painter.drawLines(strokes_.data(), static_cast<int>(strokes_.size()));
+    }
+}
+
+void LogPane::Lines::drawFew(QCPPainter& painter, const Line& line) {
+    findPoints(line);
+    const PlotGrid grid = gridOf(line);
+    const bool few = points_.size() < fewPoints;
+    QPen pen = penOf(line, few ? fewPointsWidth : 1);
+    pen.setJoinStyle(Qt::RoundJoin);
+    // Among many rows dashes would hide what happens in their gaps.
+    if (line.over && few) pen.setStyle(Qt::DashLine);
+    painter.setPen(pen);
+    painter.setAntialiasing(few);
+    const auto drawn = [&] {
+        if (places_.size() == 1) painter.drawPoint(places_.front());
+        if (places_.size() > 1) painter.drawPolyline(places_.data(), static_cast<int>(places_.size()));
+        places_.clear();
+    };
+    places_.clear();
+    for (const PlotPoint& point : points_) {
+        const auto value = static_cast<double>(point.value);
+        if (!std::isfinite(value)) {
+            drawn();
+            continue;
+        }
+        places_.emplace_back(grid.left + point.seconds * grid.perSecond, grid.foot + value * grid.perValue);
+    }
+    drawn();
+    painter.setAntialiasing(false);
 }
 
 void LogPane::Lines::drawHits(QCPPainter& painter) const {
@@ -65,42 +151,6 @@ void LogPane::Lines::drawHits(QCPPainter& painter) const {
     }
 }
 
-void LogPane::Lines::drawLine(QCPPainter& painter, const PaneLine& line, bool over) {
-    const LogColumns& log = over ? *scene_.other : *scene_.log;
-    const PlotBuckets& buckets = over ? scene_.otherBuckets : scene_.buckets;
-    plotLine(log, over ? line.otherColumn : line.column, buckets, points_);
-    // All points of a line go through one rule, worked out once.
-    const double shift = over ? scene_.shift : 0;
-    const double left = pane_.xOf(shift);
-    const double perSecond = pane_.xOf(shift + 1) - left;
-    const double foot = pane_.yOf(line, 0);
-    const double perValue = pane_.yOf(line, 1) - foot;
-    const bool few = points_.size() < fewPoints;
-    const auto colors = plotColors();
-    const QColor color = colors[line.color % colors.size()];
-    QPen pen(over ? paler(color, lookNow().surface) : color, few ? fewPointsWidth : 1);
-    pen.setJoinStyle(Qt::RoundJoin);
-    // Among many rows dashes would hide what happens in their gaps.
-    if (over && few) pen.setStyle(Qt::DashLine);
-    painter.setPen(pen);
-    painter.setAntialiasing(few);
-    const auto drawn = [&] {
-        if (places_.size() == 1) painter.drawPoint(places_.front());
-        if (places_.size() > 1) painter.drawPolyline(places_.data(), static_cast<int>(places_.size()));
-        places_.clear();
-    };
-    places_.clear();
-    for (const PlotPoint& point : points_) {
-        const auto value = static_cast<double>(point.value);
-        if (!std::isfinite(value)) {
-            drawn();
-            continue;
-        }
-        places_.emplace_back(left + point.seconds * perSecond, foot + value * perValue);
-    }
-    drawn();
-}
-
 // ---- What moves
 
 LogPane::Now::Now(QCustomPlot& plot, const PlotScene& scene, const LogPane& pane)
@@ -116,8 +166,8 @@ void LogPane::Now::applyDefaultAntialiasingHint(QCPPainter* painter) const {
 
 void LogPane::Now::draw(QCPPainter* painter) {
     const LookColors& look = lookNow();
-    drawLegend(*painter);
     if (!scene_.hasLog()) return;
+    drawLegend(*painter);
     drawMarks(*painter);
     if (scene_.a) drawUpright(*painter, *scene_.a, QPen(look.changed, 2), QStringLiteral("A"));
     if (scene_.b) drawUpright(*painter, *scene_.b, QPen(look.changed, 2), QStringLiteral("B"));
@@ -134,6 +184,9 @@ void LogPane::Now::drawLegend(QCPPainter& painter) const {
     const QFont font = typeFont(Type::Remark);
     const QFontMetrics metrics(font);
     painter.setFont(font);
+    const QRect whole = pane_.whole();
+    painter.fillRect(QRect(whole.topLeft(), QSize(whole.width(), pane_.axes().top() - whole.top())),
+                     lookNow().surface);
     const auto colors = plotColors();
     const int gap = space(metrics, Space::Tight);
     for (std::size_t i = 0; i < pane_.lines().size(); ++i) {

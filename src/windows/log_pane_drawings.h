@@ -2,6 +2,7 @@
 // played above, on a layer that is drawn without the lines.
 #pragma once
 
+#include "logs/plot_spans.h"
 #include "windows/log_pane.h"
 
 namespace zentaq {
@@ -17,12 +18,27 @@ class LogPane::Lines : public QCPLayerable {
 
  private:
     void drawHits(QCPPainter& painter) const;
-    void drawLine(QCPPainter& painter, const PaneLine& line, bool over);
+    /// What there is of a line to draw; `over` for that of the overlay.
+    struct Line {
+        const PaneLine* line = nullptr;
+        bool over = false;
+        std::vector<PlotSpan> spans{};
+        long ink = 0;  ///< pixels of its strokes
+    };
+    std::vector<Line> linesToDraw() const;
+    const PlotBuckets& bucketsOf(const Line& line) const;
+    PlotGrid gridOf(const Line& line) const;
+    void findPoints(const Line& line);
+    void drawDense(QCPPainter& painter, std::vector<Line> lines);
+    void drawFew(QCPPainter& painter, const Line& line);
+    QPen penOf(const Line& line, double width) const;
 
     const PlotScene& scene_;
     const LogPane& pane_;
     std::vector<PlotPoint> points_;  ///< kept for their room
     std::vector<QPointF> places_;
+    std::vector<QLine> strokes_;
+    PlotCover cover_;
 };
 
 class LogPane::Now : public QCPLayerable {

@@ -207,6 +207,12 @@ void LogPlotArea::drawNow() {
     replot(QCustomPlot::rpQueuedRefresh);
 }
 
+void LogPlotArea::paintEvent(QPaintEvent* event) {
+    // What is painted is never older than what was asked for.
+    if (due_.isActive()) drawNow();
+    QCustomPlot::paintEvent(event);
+}
+
 void LogPlotArea::resizeEvent(QResizeEvent* event) {
     QCustomPlot::resizeEvent(event);
     dress();

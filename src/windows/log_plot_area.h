@@ -87,6 +87,7 @@ class LogPlotArea : public QCustomPlot {
     bool event(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
@@ -111,7 +112,7 @@ class LogPlotArea : public QCustomPlot {
         std::size_t pane = 0;
         std::size_t mark = 0;
         double shift = 0;
-        double start = 0;  ///< of the window, in seconds
+        double start = 0;  ///< of the window, or of a marker behind the pointer; in seconds
         bool moved = false;
     };
     /// Where a channel that is dropped goes.

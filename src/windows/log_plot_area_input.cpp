@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "logs/log_channel.h"
+#include "qt/look.h"
 #include "qt/named.h"
 #include "qt/qt_text.h"
 #include "windows/log_plot_area.h"
@@ -190,8 +191,8 @@ void LogPlotArea::zoomToBox(QPoint from, QPoint to) {
     const auto partAt = [&](int y) {
         return static_cast<double>(room.bottom() - std::clamp(y, room.top(), room.bottom())) / room.height();
     };
-    const auto [left, right] = std::minmax(secondsAt(from.x()), secondsAt(to.x()));
-    const auto [low, high] = std::minmax(partAt(from.y()), partAt(to.y()));
+    const auto [left, right] = std::minmax({secondsAt(from.x()), secondsAt(to.x())});
+    const auto [low, high] = std::minmax({partAt(from.y()), partAt(to.y())});
     // A stroke along the time means the time.
     const bool flat = std::abs(from.y() - to.y()) < fontMetrics().height();
     scene_.window.showBox(left, right, drag_->pane,
@@ -266,6 +267,8 @@ void LogPlotArea::mousePressEvent(QMouseEvent* event) {
     }
     drag_ =
         Drag{gripAt(*event), at, *pane, markAt(at).value_or(0), scene_.shift, scene_.window.from(), false};
+    // A marker is taken somewhere in its text.
+    if (drag_->grip == Grip::Mark) drag_->start = scene_.marks[drag_->mark].seconds - secondsAt(at.x());
 }
 
 void LogPlotArea::mouseMoveEvent(QMouseEvent* event) {
@@ -294,7 +297,7 @@ void LogPlotArea::follow(QPoint at) {
         }
         case Grip::Mark:
             if (drag_->mark >= scene_.marks.size()) return;
-            scene_.marks[drag_->mark].seconds = clamped(seconds);
+            scene_.marks[drag_->mark].seconds = clamped(seconds + drag_->start);
             return cursorsChanged();
         default: {
             const QRect room = drawn_[drag_->pane]->axes().rect();
@@ -393,7 +396,7 @@ LogPlotArea::Drop LogPlotArea::dropAt(QPoint at) const {
 void LogPlotArea::showDrop(QPoint at) {
     const Drop drop = dropAt(at);
     if (drawn_.empty()) return band_->setGeometry(rect());
-    const int bar = std::max(fontMetrics().height() / 4, 2);
+    const int bar = 2 * edgeWidth(fontMetrics());
     QRect room = drawn_[std::min(drop.pane, drawn_.size() - 1)]->whole();
     if (!drop.joins) {
         const int y = drop.pane < drawn_.size() ? room.top() : room.bottom();

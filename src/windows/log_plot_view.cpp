@@ -22,7 +22,7 @@ namespace zentaq {
 namespace {
 
 constexpr int spokenMs = 1000;
-constexpr int measureLines = 6;
+constexpr int measureLines = 5;
 
 /// The last one that was chosen, in section "Plots".
 constexpr const char* chosenKey = "Chosen";
@@ -74,6 +74,7 @@ QWidget* LogPlotView::makeSide() {
     cmdSaveLayout_ = namedButton("cmdSaveLayout", "Sa&ve layout", side);
     cmdDeleteLayout_ = namedButton("cmdDeleteLayout", "De&lete layout", side);
     auto* buttons = new WrapLayout(nullptr);
+    buttons->setContentsMargins(margins(fontMetrics(), Space::None));
     column->addWidget(cboLayouts_);
     for (QPushButton* button : {cmdSaveLayout_, cmdDeleteLayout_}) buttons->addWidget(button);
     column->addLayout(buttons);
@@ -84,6 +85,7 @@ QWidget* LogPlotView::makeButtons() {
     auto* bar = new QWidget(this);
     auto* row = new WrapLayout(nullptr);
     bar->setLayout(row);
+    row->setContentsMargins(margins(fontMetrics(), Space::None));
     const auto button = [&](const char* name, const QString& caption, const QString& tip, auto act) {
         QPushButton* one = namedButton(name, caption, bar);
         one->setToolTip(tip);
@@ -141,6 +143,9 @@ QWidget* LogPlotView::makeMain() {
     tblMeasures_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     tblMeasures_->setSelectionBehavior(QAbstractItemView::SelectRows);
     tblMeasures_->verticalHeader()->hide();
+    tblMeasures_->verticalHeader()->setMinimumSectionSize(0);
+    tblMeasures_->verticalHeader()->setDefaultSectionSize(fontMetrics().height() +
+                                                          space(fontMetrics(), Space::Tight));
     tblMeasures_->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     tblMeasures_->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
     column->addWidget(makeButtons());

@@ -34,6 +34,14 @@ TEST(DataPoints, AreTheChannelsInTheOrderOfTheStoredPlacesWithSixteenPinsFromThe
     EXPECT_EQ(names[64], "GPIO16");
 }
 
+TEST(DataPoints, TellTheirChannelOrPin) {
+    EXPECT_EQ(dataPointChannel(1), "RPM");
+    EXPECT_EQ(dataPointChannel(3), "TPS");
+    EXPECT_EQ(dataPointChannel(50), "GPIO1");
+    EXPECT_EQ(dataPointChannel(65), "GPIO16");
+    for (const int none : {0, -1, dataPointCount + 1}) EXPECT_EQ(dataPointChannel(none), "");
+}
+
 TEST(DataPoints, HaveDistinctNames) {
     const auto names = dataPointNames();
     EXPECT_EQ(std::set<std::string_view>(names.begin(), names.end()).size(), names.size());

@@ -7,6 +7,7 @@
 #include <QProgressBar>
 #include <QVBoxLayout>
 #include <array>
+#include <cmath>
 
 #include "app/sensor_manager.h"
 #include "gallery/posing_style.h"
@@ -28,6 +29,7 @@
 #include "windows/frm_dashboard_panel.h"
 #include "windows/guide_page.h"
 #include "windows/link_lamp.h"
+#include "windows/log_plot_view.h"
 #include "windows/outlined.h"
 #include "windows/sensor_line_picture.h"
 #include "windows/sketch_picture.h"
@@ -179,6 +181,7 @@ OwnWidgets::OwnWidgets(QStyle& posing, QWidget* parent)
     addLink();
     addTexts();
     addPages();
+    addPlot();
     showMode(appliedLook(*qApp));
 }
 
@@ -359,6 +362,36 @@ void OwnWidgets::addLink() {
         }
     }
     column_->addLayout(row);
+}
+
+// ---- The plot of a log
+
+void OwnWidgets::addPlot() {
+    addHeading("The plot of a log: lines, cursors, a marker, a hit, an overlay; nothing to plot");
+    constexpr int rows = 3000;
+    constexpr int lines = 30;
+    DatalogHead head;
+    head.columns = {"Frame", "RPM", "MAP", "TPS", "PRIADV", "DAFR", "AAFR"};
+    head.mapUnits = "kPa";
+    log_.begin(head);
+    for (int row = 0; row < rows; ++row) {
+        const double wave = std::sin(row / 200.0);
+        log_.append(std::vector<double>{double(row), 3000 + 2000 * wave, 60 + 40 * wave, 2 + wave,
+                                        20 - 10 * wave, 14.7, 14.5 + 0.01 * (row % 50)});
+    }
+    for (const bool empty : {false, true}) {
+        auto* plot = new LogPlotView(settings_, this);
+        plot->setFixedHeight(fontMetrics().height() * (empty ? lines / 3 : lines));
+        column_->addWidget(plot);
+        if (empty) continue;
+        plot->showLog(&log_, "run.dat");
+        plot->overlay(&log_, "yesterday.dat");
+        plot->overlayShift(2);
+        plot->marks({{20, "lean"}});
+        plot->hits({{1500, 1600}});
+        plot->cursorAt(24);
+        plot->area().measure(10, 15);
+    }
 }
 
 // ---- Texts and pages

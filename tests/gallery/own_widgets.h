@@ -11,6 +11,7 @@
 
 #include "app/state_strip.h"
 #include "config/curve_graph.h"
+#include "logs/log_columns.h"
 #include "qt/look.h"
 #include "tables/surface_model.h"
 #include "tables/table_grid.h"
@@ -44,6 +45,7 @@ class OwnWidgets : public QWidget {
     void addLink();
     void addTexts();
     void addPages();
+    void addPlot();
 
     QVBoxLayout* column_;
     TableGrid cells_;
@@ -54,6 +56,7 @@ class OwnWidgets : public QWidget {
     std::unique_ptr<SurfaceModel> surface_;
     std::unique_ptr<CurveGraph> curve_;
     MemorySettings settings_;
+    LogColumns log_;
     std::deque<std::string> lines_;
     std::vector<std::function<void(DisplayMode)>> followers_;
 };

@@ -65,8 +65,7 @@ class LogPlotTest : public testing::Test {
     }
     bool passesOn(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
         QKeyEvent press(QEvent::KeyPress, key, modifiers);
-        press.accept();
-        area().event(&press);
+        QApplication::sendEvent(&area(), &press);
         return !press.isAccepted();
     }
 
