@@ -82,7 +82,7 @@ void pan(benchmark::State& state) {
         plot.draw();
     }
 }
-BENCHMARK(pan)->ArgsProduct({{1, 4, 24}, {25000, 3600, 300, 30}})->Unit(benchmark::kMillisecond);
+BENCHMARK(pan)->ArgsProduct({{1, 4, 24}, {25000, 3600, 300, 30, 3}})->Unit(benchmark::kMillisecond);
 
 void zoom(benchmark::State& state) {
     Plot plot(sharedLog(), static_cast<std::size_t>(state.range(0)));

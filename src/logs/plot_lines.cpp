@@ -71,7 +71,7 @@ PlotBuckets plotBuckets(const LogColumns& log, double from, double to, int pixel
     if (log.empty() || pixels < 1 || !(to > from)) return buckets;
     std::size_t first = rowFrom(log, from, 0);
     std::size_t last = rowFrom(log, to, first);
-    buckets.dense = last - first > 2 * static_cast<std::size_t>(pixels);
+    buckets.dense = last - first > static_cast<std::size_t>(pixels);
     if (!buckets.dense) {
         // A line comes in from the row before the stretch and goes out to the one behind it.
         buckets.edges = {first > 0 ? first - 1 : 0, std::min(last + 2, log.rows())};

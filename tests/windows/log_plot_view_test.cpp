@@ -150,7 +150,7 @@ TEST_F(LogPlot, TheMenuOfAPaneSharesItsScaleAndRemovesAChannel) {
             ASSERT_NE(action, nullptr);
             action->trigger();
         });
-        QContextMenuEvent event(QContextMenuEvent::Keyboard, {});
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, {}, {});
         QApplication::sendEvent(&area(), &event);
         settle();
     };
