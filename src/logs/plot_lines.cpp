@@ -15,9 +15,9 @@ namespace zentaq {
 namespace {
 
 /// Where a column holds many rows, its ends are moved to whole blocks of the log, which answer at once what
-/// they reach; that is less than an eighth of a pixel.
+/// they reach; that is an eighth of a pixel at most.
 constexpr std::size_t blockRows = 64;
-constexpr std::size_t rowsWorthBlocks = 8 * blockRows;
+constexpr std::size_t rowsWorthBlocks = 4 * blockRows;
 constexpr double scaleSteps = 8;
 
 /// The first row at or behind a time. It ends for times that go back, too.

@@ -413,6 +413,27 @@ TEST_F(LogPlot, ASecondLogIsLaidOverAndShifted) {
     EXPECT_FALSE(find<QDoubleSpinBox>("spnOverlayShift")->isVisible());
 }
 
+TEST_F(LogPlot, AnotherLogBeginsWithoutWhatBelongedToTheOneBefore) {
+    auto other = std::make_unique<LogColumns>(plotLog(501));
+    view->overlay(other.get(), "yesterday.dat");
+    view->overlayShift(2);
+    view->hits({{1, 2}});
+    view->marks({{1, "here"}});
+    area().measure(1, 2);
+    other.reset();
+    const LogColumns next = plotLog(101);
+    view->showLog(&next, "next.dat");
+    settle();
+    EXPECT_EQ(area().scene().other, nullptr);
+    EXPECT_EQ(view->overlayShift(), 0);
+    EXPECT_TRUE(area().scene().hits.empty());
+    EXPECT_TRUE(area().scene().marks.empty());
+    EXPECT_FALSE(area().scene().a.has_value());
+    EXPECT_DOUBLE_EQ(window().to(), 2);
+    EXPECT_EQ(view->channels().size(), 6U) << "channels stay";
+    view->showLog(nullptr, {});
+}
+
 // ---- Layouts
 
 TEST_F(LogPlot, BeginsWithTheUsualChannelsWhereNothingIsChosen) {
