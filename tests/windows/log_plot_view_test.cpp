@@ -253,6 +253,20 @@ TEST_F(LogPlot, GrowsWithALogThatIsStillRead) {
     EXPECT_EQ(area().drawnPanes()[0]->lines()[0].scale, (PlotScale{1000, 9000}));
 }
 
+TEST_F(LogPlot, ShowsALogAsSoonAsItsFirstRowsAreRead) {
+    LogColumns reading = plotLog(0);
+    view->showLog(&reading, "long.dat");
+    settle();
+    EXPECT_TRUE(find<QLabel>("lblPlotEmpty")->isVisible());
+    EXPECT_NE(row("Engine Speed"), nullptr) << "its columns are known";
+    for (int i = 0; i < 101; ++i) reading.append(std::vector<double>{double(i), 900, 20, 1, 2, 14, 14, 1});
+    view->grown();
+    settle();
+    EXPECT_FALSE(find<QLabel>("lblPlotEmpty")->isVisible());
+    EXPECT_DOUBLE_EQ(window().to(), 2);
+    view->showLog(nullptr, {});
+}
+
 // ---- The cursor
 
 TEST_F(LogPlot, AClickMovesTheCursorAndTellsTheTime) {
