@@ -1,5 +1,6 @@
 // The plot of a log of 8 hours (1,440,000 rows) with 24 channels at 1920 by 1080: from a key to the drawn
-// picture. Aim: below 16 ms for a step of pan and of zoom, which is 60 pictures a second.
+// picture. Aim: below 16 ms for a step of pan and of zoom, which is 60 pictures a second, with one to four
+// channels in a pane. All 24 noisy ones in one pane are the worst case, and no aim.
 #include "windows/log_plot_view.h"
 
 #include <benchmark/benchmark.h>
@@ -82,7 +83,7 @@ void pan(benchmark::State& state) {
         plot.draw();
     }
 }
-BENCHMARK(pan)->ArgsProduct({{1, 4, 24}, {25000, 3600, 300, 30}})->Unit(benchmark::kMillisecond);
+BENCHMARK(pan)->ArgsProduct({{1, 4, 24}, {25000, 3600, 300, 30, 3}})->Unit(benchmark::kMillisecond);
 
 void zoom(benchmark::State& state) {
     Plot plot(sharedLog(), static_cast<std::size_t>(state.range(0)));

@@ -15,9 +15,9 @@ namespace zentaq {
 namespace {
 
 /// Where a column holds many rows, its ends are moved to whole blocks of the log, which answer at once what
-/// they reach; that is less than an eighth of a pixel.
+/// they reach; that is an eighth of a pixel at most.
 constexpr std::size_t blockRows = 64;
-constexpr std::size_t rowsWorthBlocks = 8 * blockRows;
+constexpr std::size_t rowsWorthBlocks = 4 * blockRows;
 constexpr double scaleSteps = 8;
 
 /// The first row at or behind a time. It ends for times that go back, too.
@@ -71,7 +71,7 @@ PlotBuckets plotBuckets(const LogColumns& log, double from, double to, int pixel
     if (log.empty() || pixels < 1 || !(to > from)) return buckets;
     std::size_t first = rowFrom(log, from, 0);
     std::size_t last = rowFrom(log, to, first);
-    buckets.dense = last - first > 2 * static_cast<std::size_t>(pixels);
+    buckets.dense = last - first > static_cast<std::size_t>(pixels);
     if (!buckets.dense) {
         // A line comes in from the row before the stretch and goes out to the one behind it.
         buckets.edges = {first > 0 ? first - 1 : 0, std::min(last + 2, log.rows())};

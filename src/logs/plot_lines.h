@@ -20,9 +20,9 @@ struct PlotPoint {
 
 /// Which rows fall into which column of pixels. One answer serves all lines of a plot.
 struct PlotBuckets {
-    bool dense = false;              ///< several rows a column: only their lowest and highest value are drawn
-    double start = 0;                ///< seconds, where the first column begins
-    double step = 0;                 ///< seconds a column
+    bool dense = false;  ///< more rows than columns: only their lowest and highest value are drawn
+    double start = 0;    ///< seconds, where the first column begins
+    double step = 0;     ///< seconds a column
     std::vector<std::size_t> edges;  ///< column i has the rows edges[i] to before edges[i + 1]
 };
 

@@ -17,47 +17,73 @@ int pixel(double place) {
 /// A level line is two pixels thick, as is seen at arm's length.
 constexpr int thickness = 2;
 
+/// Makes strokes of the points that come to it.
+class StrokeMaker {
+ public:
+    StrokeMaker(const PlotGrid& grid, std::vector<PlotSpan>& spans) : grid_(grid), spans_(spans) {}
+
+    void point(int x, int y) {
+        if (open_ && now_.x == x) {
+            now_.top = std::min(now_.top, y);
+            now_.bottom = std::max(now_.bottom, y);
+        } else {
+            if (open_) bridge(x, y);
+            next(x, y);
+        }
+        lastY_ = y;
+    }
+    void end() {
+        if (open_) draw();
+        open_ = false;
+    }
+
+ private:
+    /// The columns between the one in hand and `x` that are in the pane.
+    void bridge(int x, int y) {
+        const int from = now_.x;
+        const int fromY = lastY_;
+        const double slope = static_cast<double>(y - fromY) / (x - from);
+        for (int i = std::max(from, grid_.firstX - 1) + 1; i < std::min(x, grid_.lastX + 1); ++i)
+            next(i, fromY + static_cast<int>(std::floor(slope * (i - from))));
+    }
+    void next(int x, int y) {
+        const PlotSpan before = now_;
+        if (open_) draw();
+        now_ = {x, y, y};
+        // Towards the column before, as far as there is a gap between the two.
+        if (open_ && y > before.bottom) now_.top = before.bottom + 1;
+        if (open_ && y < before.top) now_.bottom = before.top - 1;
+        open_ = true;
+    }
+    void draw() {
+        if (now_.x < grid_.firstX || now_.x > grid_.lastX) return;
+        const int bottom = std::max(now_.bottom, now_.top + thickness - 1);
+        if (bottom < grid_.top || now_.top > grid_.bottom) return;
+        spans_.push_back({now_.x, std::max(now_.top, grid_.top), std::min(bottom, grid_.bottom)});
+    }
+
+    const PlotGrid& grid_;
+    std::vector<PlotSpan>& spans_;
+    PlotSpan now_;
+    int lastY_ = 0;
+    bool open_ = false;
+};
+
 }  // namespace
 
 void plotSpans(const std::vector<PlotPoint>& points, const PlotGrid& grid, std::vector<PlotSpan>& spans) {
     spans.clear();
-    bool joins = false;
-    PlotSpan now;
-    PlotSpan before;
-    const auto close = [&](bool draws) {
-        if (!draws || now.x < grid.firstX || now.x > grid.lastX) return;
-        PlotSpan span{now.x, now.top, std::max(now.bottom, now.top + thickness - 1)};
-        if (span.bottom < grid.top || span.top > grid.bottom) return;
-        span.top = std::max(span.top, grid.top);
-        span.bottom = std::min(span.bottom, grid.bottom);
-        spans.push_back(span);
-    };
-    bool open = false;
+    StrokeMaker strokes(grid, spans);
     for (const PlotPoint& point : points) {
         const auto value = static_cast<double>(point.value);
         if (!std::isfinite(value)) {
-            close(open);
-            open = joins = false;
+            strokes.end();
             continue;
         }
-        const int x = pixel(grid.left + point.seconds * grid.perSecond);
-        const int y = pixel(grid.foot + value * grid.perValue);
-        if (open && now.x == x) {
-            now.top = std::min(now.top, y);
-            now.bottom = std::max(now.bottom, y);
-            continue;
-        }
-        close(open);
-        joins = open && x - now.x <= 2;
-        before = now;
-        now = {x, y, y};
-        open = true;
-        if (!joins) continue;
-        // Towards the column before, as far as there is a gap between the two.
-        if (y > before.bottom) now.top = before.bottom + 1;
-        if (y < before.top) now.bottom = before.top - 1;
+        strokes.point(pixel(grid.left + point.seconds * grid.perSecond),
+                      pixel(grid.foot + value * grid.perValue));
     }
-    close(open);
+    strokes.end();
 }
 
 void PlotCover::begin(const PlotGrid& grid) {

@@ -27,10 +27,13 @@ class LogPane::Lines : public QCPLayerable {
     };
     std::vector<Line> linesToDraw() const;
     const PlotBuckets& bucketsOf(const Line& line) const;
+    bool isFew(const Line& line) const;
     PlotGrid gridOf(const Line& line) const;
     void findPoints(const Line& line);
     void drawDense(QCPPainter& painter, std::vector<Line> lines);
     void drawFew(QCPPainter& painter, const Line& line);
+    void clearPicture();
+    void fillSpans(const Line& line);
     QPen penOf(const Line& line, double width) const;
 
     const PlotScene& scene_;
@@ -39,6 +42,7 @@ class LogPane::Lines : public QCPLayerable {
     std::vector<QPointF> places_;
     std::vector<QLine> strokes_;
     PlotCover cover_;
+    QImage picture_;
 };
 
 class LogPane::Now : public QCPLayerable {

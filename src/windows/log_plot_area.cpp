@@ -65,6 +65,8 @@ bool LogPlotArea::hasRoomForPane() const {
 
 void LogPlotArea::showLog(const LogColumns* log) {
     scene_.log = log;
+    // The one that was laid over may have gone with the log before.
+    scene_.other = nullptr;
     scene_.cursor.reset();
     scene_.a.reset();
     scene_.b.reset();

@@ -2,12 +2,10 @@
 #include <QAction>
 #include <QApplication>
 #include <QMenu>
-#include <QMimeData>
 #include <algorithm>
 #include <cmath>
 
 #include "logs/log_channel.h"
-#include "qt/look.h"
 #include "qt/named.h"
 #include "qt/qt_text.h"
 #include "windows/log_plot_area.h"
@@ -22,7 +20,6 @@ constexpr double keyMove = 0.25;
 constexpr double wheelMove = 0.1;
 constexpr double wheelNotch = 120;
 constexpr double halfNear = 6;  ///< pixels to either side of a cursor that one takes with the mouse
-constexpr double dropBorder = 0.25;
 
 bool isPlain(Qt::KeyboardModifiers modifiers) {
     return (modifiers & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) == 0;
@@ -376,63 +373,6 @@ void LogPlotArea::contextMenuEvent(QContextMenuEvent* event) {
     entry("mnuZoomBack", "Zoom bac&k\tBackspace", [this] { zoomBack(); });
     entry("mnuSavePicture", "Save &picture...", [this] { Q_EMIT pictureAsked(); })->setEnabled(canSave_);
     menu.exec(byMouse ? event->globalPos() : mapToGlobal(drawn_[pane]->axes().rect().center()));
-}
-
-// ---- Channels that are dropped
-
-LogPlotArea::Drop LogPlotArea::dropAt(QPoint at) const {
-    for (const auto& pane : drawn_) {
-        const QRect room = pane->whole();
-        if (at.y() > room.bottom()) continue;
-        const auto border = static_cast<int>(room.height() * dropBorder);
-        if (at.y() < room.top() + border) return {pane->number(), false};
-        if (at.y() > room.bottom() - border) return {pane->number() + 1, false};
-        return {pane->number(), true};
-    }
-    return {drawn_.size(), false};
-}
-
-/// A frame around the pane that takes it, or a bar where a new one comes.
-void LogPlotArea::showDrop(QPoint at) {
-    const Drop drop = dropAt(at);
-    if (drawn_.empty()) return band_->setGeometry(rect());
-    const int bar = 2 * edgeWidth(fontMetrics());
-    QRect room = drawn_[std::min(drop.pane, drawn_.size() - 1)]->whole();
-    if (!drop.joins) {
-        const int y = drop.pane < drawn_.size() ? room.top() : room.bottom();
-        room = QRect(room.left(), y - bar / 2, room.width(), bar);
-    }
-    band_->setGeometry(room);
-    band_->show();
-}
-
-void LogPlotArea::dragEnterEvent(QDragEnterEvent* event) {
-    if (event->mimeData()->hasFormat(channelMimeType)) event->acceptProposedAction();
-}
-
-void LogPlotArea::dragMoveEvent(QDragMoveEvent* event) {
-    if (!event->mimeData()->hasFormat(channelMimeType)) return;
-    showDrop(event->position().toPoint());
-    event->acceptProposedAction();
-}
-
-void LogPlotArea::dragLeaveEvent(QDragLeaveEvent* /*event*/) {
-    band_->hide();
-}
-
-void LogPlotArea::dropEvent(QDropEvent* event) {
-    band_->hide();
-    const std::string channel = event->mimeData()->data(channelMimeType).toStdString();
-    if (channel.empty()) return;
-    event->acceptProposedAction();
-    const Drop drop = dropAt(event->position().toPoint());
-    auto others = panes_;
-    if (drop.joins) {
-        joinPane(others, channel, drop.pane);
-    } else {
-        newPane(others, channel, drop.pane);
-    }
-    panes(others);
 }
 
 }  // namespace zentaq

@@ -183,8 +183,8 @@ void LogPlotView::connectArea() {
 void LogPlotView::showLog(const LogColumns* log, const QString& name) {
     log_ = log;
     name_ = name;
-    overlay(nullptr, {});
     area_->showLog(log);
+    overlay(nullptr, {});
     lblPlot_->show(shownString(name.toStdString()));
     lblPlot_->setVisible(log != nullptr && !name.isEmpty());
     for (QPushButton* button : needLog_) button->setEnabled(log != nullptr);

@@ -32,10 +32,17 @@ TEST(PlotSpans, TouchTheColumnBefore) {
     EXPECT_EQ(spansOf({{3.5, 10}, {4.5, 40}, {5.5, 10}}), (Spans{{3, 90, 91}, {4, 60, 89}, {5, 90, 91}}));
 }
 
+TEST(PlotSpans, BridgeColumnsWithoutAPoint) {
+    // From 90 to 87 in three steps of a pixel.
+    EXPECT_EQ(spansOf({{3.5, 10}, {6.5, 13}}), (Spans{{3, 90, 91}, {4, 89, 90}, {5, 88, 89}, {6, 87, 88}}));
+    EXPECT_EQ(spansOf({{-400, 10}, {900, 10}}).size(), 20U) << "all of the pane";
+}
+
 TEST(PlotSpans, AreCutAtThePane) {
     EXPECT_EQ(spansOf({{3.5, -50}, {3.5, 500}}), (Spans{{3, 0, 100}}));
     EXPECT_TRUE(spansOf({{3.5, 300}, {3.5, 500}}).empty());
-    EXPECT_TRUE(spansOf({{-1, 10}, {20, 10}}).empty());
+    EXPECT_TRUE(spansOf({{-9, 10}, {-1, 10}}).empty());
+    EXPECT_TRUE(spansOf({{20, 10}, {30, 10}}).empty());
     EXPECT_EQ(spansOf({{3.5, 1e30F}, {3.5, 10}}), (Spans{{3, 0, 90}}));
 }
 

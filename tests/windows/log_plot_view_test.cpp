@@ -150,7 +150,7 @@ TEST_F(LogPlot, TheMenuOfAPaneSharesItsScaleAndRemovesAChannel) {
             ASSERT_NE(action, nullptr);
             action->trigger();
         });
-        QContextMenuEvent event(QContextMenuEvent::Keyboard, {});
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, {}, {});
         QApplication::sendEvent(&area(), &event);
         settle();
     };
@@ -251,6 +251,20 @@ TEST_F(LogPlot, GrowsWithALogThatIsStillRead) {
     settle();
     EXPECT_DOUBLE_EQ(window().to(), 40);
     EXPECT_EQ(area().drawnPanes()[0]->lines()[0].scale, (PlotScale{1000, 9000}));
+}
+
+TEST_F(LogPlot, ShowsALogAsSoonAsItsFirstRowsAreRead) {
+    LogColumns reading = plotLog(0);
+    view->showLog(&reading, "long.dat");
+    settle();
+    EXPECT_TRUE(find<QLabel>("lblPlotEmpty")->isVisible());
+    EXPECT_NE(row("Engine Speed"), nullptr) << "its columns are known";
+    for (int i = 0; i < 101; ++i) reading.append(std::vector<double>{double(i), 900, 20, 1, 2, 14, 14, 1});
+    view->grown();
+    settle();
+    EXPECT_FALSE(find<QLabel>("lblPlotEmpty")->isVisible());
+    EXPECT_DOUBLE_EQ(window().to(), 2);
+    view->showLog(nullptr, {});
 }
 
 // ---- The cursor
@@ -411,6 +425,27 @@ TEST_F(LogPlot, ASecondLogIsLaidOverAndShifted) {
     view->overlay(nullptr, {});
     EXPECT_EQ(view->overlayShift(), 0);
     EXPECT_FALSE(find<QDoubleSpinBox>("spnOverlayShift")->isVisible());
+}
+
+TEST_F(LogPlot, AnotherLogBeginsWithoutWhatBelongedToTheOneBefore) {
+    auto other = std::make_unique<LogColumns>(plotLog(501));
+    view->overlay(other.get(), "yesterday.dat");
+    view->overlayShift(2);
+    view->hits({{1, 2}});
+    view->marks({{1, "here"}});
+    area().measure(1, 2);
+    other.reset();
+    const LogColumns next = plotLog(101);
+    view->showLog(&next, "next.dat");
+    settle();
+    EXPECT_EQ(area().scene().other, nullptr);
+    EXPECT_EQ(view->overlayShift(), 0);
+    EXPECT_TRUE(area().scene().hits.empty());
+    EXPECT_TRUE(area().scene().marks.empty());
+    EXPECT_FALSE(area().scene().a.has_value());
+    EXPECT_DOUBLE_EQ(window().to(), 2);
+    EXPECT_EQ(view->channels().size(), 6U) << "channels stay";
+    view->showLog(nullptr, {});
 }
 
 // ---- Layouts
