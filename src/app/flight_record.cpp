@@ -26,7 +26,7 @@ namespace {
 constexpr std::int64_t frameUs = 20'000;
 /// What a busy machine has missed is recorded all the same; behind a longer pause the counter goes on, since
 /// nobody has measured meanwhile.
-constexpr std::int64_t mostAtOnce = 10;
+constexpr std::int64_t mostAtOnce = 100;
 constexpr int endMonitoring = 3;
 constexpr const char* pauseMark = "||";
 constexpr const char* logFilter = "Zentaq Datalog (*.DAT)|*.dat";

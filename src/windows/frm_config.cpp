@@ -79,7 +79,8 @@ FrmConfig::FrmConfig(Session& session, MainCommands& commands, QWidget* parent)
     recorderPage_ = new RecorderPage(session, this);
     recorderArea_ = named(new PageArea(this), "scrFlightRecorder");
     recorderArea_->setPage(recorderPage_);
-    sstMenu_->addTab(recorderArea_, "Flight Recorder");
+    // A short word: at a large scale all tabs of a laptop's screen stand beside each other.
+    sstMenu_->setTabToolTip(sstMenu_->addTab(recorderArea_, "Logs"), "Flight Recorder (Ctrl+5)");
 
     sstMenu_->setCornerWidget(makeFoldTree(), Qt::TopLeftCorner);
 

@@ -30,7 +30,7 @@ TEST_F(Zentaqctl, TheManualPageTellsEveryCommandAndOption) {
             options.insert(found->str());
         }
     }
-    EXPECT_EQ(commands.size(), 32U);
+    EXPECT_EQ(commands.size(), 33U);
     EXPECT_GE(options.size(), 10U);
     for (const std::string& command : commands) {
         EXPECT_THAT(text, HasSubstr("\n.B zentaqctl " + command)) << "in the synopsis";

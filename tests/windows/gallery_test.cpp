@@ -226,7 +226,7 @@ const std::set<std::string> wholes{"FrmConfig",  "FrmDashBoard", "FrmEditMAPSens
                                    "FrmGraph2D", "CurvePane",    "FrmGeneralConfig",  "FrmHelp",
                                    "FrmTable",   "FrmSplash",    "ConfigBottom",      "GeneralConfigForm",
                                    "FindBox",    "StartPage",    "PageArea",          "RecorderPage",
-                                   "LogValues", "FrmAutoVE", "FrmDetailInfo", "LogPlotView", "LogChannelList", "LogPlotArea"};
+                                   "LogValues",  "FrmDetailInfo"};
 
 TEST_P(GalleryWalk, ShowsEveryControlOfTheProgramsOwn) {
     std::set<std::string> shown;
