@@ -31,7 +31,7 @@ class FrmGpio : public QWidget, public DockingForm {
     void showUnit() override;
     bool finishEdits() override { return txtGPIOParam_->commit(); }
 
-    std::string title() const override { return "General Purpose Input/Output"; }
+    std::string title() const override { return "GPIO Manager"; }
     bool docked() const { return docked_; }
     void setDocked(bool docked) override;
     void moves(bool on) override { moving_ = on; }
