@@ -157,9 +157,8 @@ TEST_F(DashboardCodes, AReadOutThatLeavesItsDialStaysBelowTheVeil) {
 TEST_F(DashboardCodes, TheButtonOfTheFoldSaysWhatIsNotOnTheLine) {
     const auto* button = find<QToolButton>("cmdFoldDashboard");
     fold(true);
-    EXPECT_EQ(button->toolTip(), "Open the dashboard (Ctrl+F9)\nNot on this line: dials");
+    EXPECT_EQ(button->toolTip(), "Open the dashboard (Ctrl+F9)\nNot on this line: dials, Detail");
     panel().lstGPO->addItem("GPIO1  OFF");
-    panel().btnShowDetail->setEnabled(true);
     fold(false);
     EXPECT_EQ(button->toolTip(), "Fold the dashboard (Ctrl+F9)");
     fold(true);

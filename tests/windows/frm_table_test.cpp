@@ -779,13 +779,6 @@ TEST_F(Table, TheFramesOfAnotherUnitFindAGridWithoutPaint) {
     EXPECT_NE(colour(12, 2), 0x00FFFF);
 }
 
-TEST_F(Table, CommandsThatComeLaterStandDisabledInTheMenus) {
-    for (const char* name : {"AutoVE"}) {
-        ASSERT_NE(tool(name), nullptr) << name;
-        EXPECT_FALSE(tool(name)->isEnabled()) << name;
-    }
-}
-
 TEST_F(Table, TimeFieldsHaveTheirOwnHelp) {
     EXPECT_EQ(timeOfGap()->property("fastHelpKey"), "helptog");
     EXPECT_EQ(timeOfGap()->toolTip(), "Maximum Controllable PulseWidth");
