@@ -52,10 +52,6 @@ void NewFile::keep() {
     kept_ = true;
 }
 
-std::string many(std::int64_t count, const char* one, const char* more) {
-    return numberText(static_cast<double>(count)) + " " + (count == 1 ? one : more);
-}
-
 std::string warningsText(const std::string& file, const DatalogReading& reading) {
     std::string text;
     for (const DatalogWarning& warning : reading.warnings) {

@@ -44,9 +44,6 @@ class NewFile {
     bool kept_ = false;
 };
 
-/// "1 line", "3 lines".
-std::string many(std::int64_t count, const char* one, const char* more);
-
 /// The lines that were left out, as they are told.
 std::string warningsText(const std::string& file, const DatalogReading& reading);
 void tellWarnings(const Context& context, const std::string& file, const DatalogReading& reading);

@@ -65,6 +65,10 @@ std::string numberText(int value) {
     return std::to_string(value);
 }
 
+std::string many(std::int64_t count, std::string_view one, std::string_view more) {
+    return numberText(static_cast<double>(count)) + " " + std::string(count == 1 ? one : more);
+}
+
 std::string formatNumber(double value, std::string_view pattern) {
     if (!std::isfinite(value)) return plainText(value, 15);
     const auto point = pattern.find('.');

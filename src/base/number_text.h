@@ -1,6 +1,7 @@
 // Numbers to text and back, in the forms that users and files see.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,6 +15,8 @@ std::string numberText(float value);
 /// The plain decimal form of a 64-bit value: up to 15 significant digits, "1E+20" style from 1E+15 on.
 std::string numberText(double value);
 std::string numberText(int value);
+/// "1 line", "3 lines".
+std::string many(std::int64_t count, std::string_view one, std::string_view more);
 
 /// Formats by a pattern of '0' (digit always shown), '#' (digit shown if needed) and one '.'.
 /// "##.0" of 0.5 gives ".5", "#0.00" gives "0.50", "000000" of 42 gives "000042".

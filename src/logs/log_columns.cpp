@@ -17,6 +17,7 @@ void widen(ValueReach& reach, float value) {
 
 void LogColumns::begin(const DatalogHead& head, std::size_t rowsExpected) {
     head_ = head;
+    ++generation_;
     secondsPerStep_ = head.format == DatalogFormat::Oldest ? 1 : secondsPerFrame;
     frames_.clear();
     frames_.reserve(rowsExpected);

@@ -35,6 +35,9 @@ class LogColumns {
  public:
     /// Empties it for the rows of a log. `rowsExpected` is a guess.
     void begin(const DatalogHead& head, std::size_t rowsExpected = 0);
+    /// Goes up with each begin(): whoever goes through the rows over a longer time tells by it that they are
+    /// those of another log.
+    int generation() const { return generation_; }
     /// One value for each column.
     void append(std::span<const double> values);
 
@@ -64,6 +67,7 @@ class LogColumns {
     static constexpr std::size_t blocksInBlock = 16;
 
     DatalogHead head_;
+    int generation_ = 0;
     double secondsPerStep_ = secondsPerFrame;
     std::vector<double> frames_;
     std::vector<std::vector<float>> columns_;

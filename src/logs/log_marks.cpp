@@ -18,7 +18,7 @@ namespace zentaq {
 
 namespace {
 
-constexpr int decimals = 3;
+constexpr int markDecimals = 3;
 
 }  // namespace
 
@@ -42,7 +42,7 @@ std::vector<LogMark> marksIn(std::string_view text) {
 std::string marksText(const std::vector<LogMark>& marks) {
     std::string text;
     for (const LogMark& mark : marks)
-        text += numberText(roundTo(mark.seconds, decimals)) + "\t" + shownLine(mark.text) + "\n";
+        text += numberText(roundTo(mark.seconds, markDecimals)) + "\t" + shownLine(mark.text) + "\n";
     return text;
 }
 

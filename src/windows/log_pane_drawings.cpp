@@ -176,13 +176,20 @@ void LogPane::Lines::drawHits(QCPPainter& painter) const {
     QColor shade = lookNow().accent;
     shade.setAlphaF(hitShare);
     const QRect room = pane_.axes().rect();
+    if (scene_.log->empty()) return;
     double covered = room.left();
-    for (const LogHit& hit : scene_.hits) {
-        if (hit.last >= scene_.log->rows()) continue;
-        const double from = std::max(pane_.xOf(scene_.log->seconds(hit.first)), covered);
+    const auto xOf = [&](std::size_t row) {
+        return pane_.xOf(scene_.log->seconds(std::min(row, scene_.log->rows() - 1)));
+    };
+    // A hit for each row is no reason to draw each: what ends left of what is covered is passed over at once.
+    for (auto hit = scene_.hits.begin();; ++hit) {
+        hit = std::partition_point(hit, scene_.hits.end(),
+                                   [&](const LogHit& one) { return xOf(one.last) < covered; });
+        if (hit == scene_.hits.end()) return;
+        const double from = std::max(xOf(hit->first), covered);
+        if (from > room.right()) return;
         // A hit of one row is seen, too.
-        const double to = std::max(pane_.xOf(scene_.log->seconds(hit.last)), from + 1);
-        if (pane_.xOf(scene_.log->seconds(hit.last)) < covered || from > room.right()) continue;
+        const double to = std::max(xOf(hit->last), from + 1);
         painter.fillRect(QRectF(from, room.top(), to - from, room.height()), shade);
         covered = to;
     }

@@ -34,6 +34,7 @@ LogPlotView::LogPlotView(SettingsStore& settings, QWidget* parent)
     named(this, "viewLogPlot", "Plot of the datalog");
     area_ = new LogPlotArea(this);
     list_ = new LogChannelList(this);
+    find_ = new LogFindBar(settings, this);
     auto* splitter = new KeptSplitter(
         Qt::Horizontal, "splLogPlot", settings,
         [this](int length) {
@@ -50,6 +51,7 @@ LogPlotView::LogPlotView(SettingsStore& settings, QWidget* parent)
     tmrSpeak_.setSingleShot(true);
     connect(&tmrSpeak_, &QTimer::timeout, this, &LogPlotView::speak);
     connectArea();
+    connectFinding();
     connectLayouts();
     fillLayouts(qString(settings.get("Plots", chosenKey)));
     area_->panes(firstPanes());
@@ -59,7 +61,12 @@ LogPlotView::LogPlotView(SettingsStore& settings, QWidget* parent)
 // ---- What stands where
 
 QWidget* LogPlotView::makeSide() {
-    auto* side = new QWidget(this);
+    tabLogSide_ = named(new QTabWidget(this), "tabLogSide", "Channels and hits");
+    tabLogSide_->setDocumentMode(true);
+    auto* side = new QWidget(tabLogSide_);
+    lstHits_ = new LogHitList(find_->search(), tabLogSide_);
+    tabLogSide_->addTab(side, "Channels");
+    tabLogSide_->addTab(lstHits_, "Hits");
     auto* column = new QVBoxLayout(side);
     column->setContentsMargins(margins(fontMetrics(), Space::None));
     column->setSpacing(space(fontMetrics(), Space::Tight));
@@ -78,7 +85,7 @@ QWidget* LogPlotView::makeSide() {
     column->addWidget(cboLayouts_);
     for (QPushButton* button : {cmdSaveLayout_, cmdDeleteLayout_}) buttons->addWidget(button);
     column->addLayout(buttons);
-    return side;
+    return tabLogSide_;
 }
 
 QWidget* LogPlotView::makeButtons() {
@@ -148,8 +155,14 @@ QWidget* LogPlotView::makeMain() {
                                                           space(fontMetrics(), Space::Tight));
     tblMeasures_->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     tblMeasures_->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
+    auto* line = new QHBoxLayout;
+    line->setSpacing(space(fontMetrics(), Space::Normal));
+    line->addWidget(lblPlot_, 1);
+    line->addWidget(&find_->said(), 1);
+    find_->said().setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     column->addWidget(makeButtons());
-    column->addWidget(lblPlot_);
+    column->addWidget(find_);
+    column->addLayout(line);
     column->addWidget(overlayLine_);
     column->addWidget(area_, 1);
     column->addWidget(lblMeasures_);
@@ -178,12 +191,25 @@ void LogPlotView::connectArea() {
     });
 }
 
+void LogPlotView::connectFinding() {
+    connect(find_, &LogFindBar::timeChosen, this, &LogPlotView::timeChosen);
+    connect(find_, &LogFindBar::hitsFound, this, [this](const std::vector<LogHit>& found) {
+        area_->hits(found);
+        lstHits_->refresh();
+        const int hits = 1;
+        tabLogSide_->setTabText(hits,
+                                found.empty() ? QString("Hits") : QString("Hits (%1)").arg(found.size()));
+    });
+    connect(lstHits_, &LogHitList::timeChosen, this, &LogPlotView::timeChosen);
+}
+
 // ---- Logs
 
 void LogPlotView::showLog(const LogColumns* log, const QString& name) {
     log_ = log;
     name_ = name;
     area_->showLog(log);
+    find_->showLog(log);
     overlay(nullptr, {});
     lblPlot_->show(shownString(name.toStdString()));
     lblPlot_->setVisible(log != nullptr && !name.isEmpty());
@@ -194,6 +220,7 @@ void LogPlotView::showLog(const LogColumns* log, const QString& name) {
 
 void LogPlotView::grown() {
     area_->grown();
+    find_->grown();
     measured();
 }
 
@@ -210,6 +237,7 @@ void LogPlotView::overlayShift(double seconds) {
 
 void LogPlotView::cursorAt(double seconds) {
     area_->cursorAt(seconds);
+    find_->cursorAt(seconds);
 }
 
 void LogPlotView::hits(const std::vector<LogHit>& hits) {

@@ -7,6 +7,7 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QPushButton>
+#include <QTabWidget>
 #include <QTableWidget>
 #include <QTimer>
 #include <QWidget>
@@ -22,6 +23,8 @@
 #include "platform/settings_store.h"
 #include "qt/elided_label.h"
 #include "windows/log_channel_list.h"
+#include "windows/log_find_bar.h"
+#include "windows/log_hit_list.h"
 #include "windows/log_plot_area.h"
 
 namespace zentaq {
@@ -46,6 +49,10 @@ class LogPlotView : public QWidget {
     void cursorAt(double seconds);
     /// Shaded stretches, in the order of their rows.
     void hits(const std::vector<LogHit>& hits);
+    /// To the line in which one searches.
+    void focusCondition() { find_->focusCondition(); }
+    /// To the next hit in a direction, 1 or -1.
+    void nextHit(int direction) { find_->next(direction); }
     void marks(const std::vector<LogMark>& marks);
     /// By the names of the newer format, in the order of the panes.
     std::vector<std::string> channels() const;
@@ -75,6 +82,7 @@ class LogPlotView : public QWidget {
     QWidget* makeButtons();
     QWidget* makeOverlayLine();
     void connectArea();
+    void connectFinding();
     void connectLayouts();
 
     std::vector<PlotPane> firstPanes() const;
@@ -100,6 +108,9 @@ class LogPlotView : public QWidget {
 
     LogPlotArea* area_;
     LogChannelList* list_;
+    LogFindBar* find_;
+    QTabWidget* tabLogSide_ = nullptr;
+    LogHitList* lstHits_ = nullptr;
     QComboBox* cboLayouts_ = nullptr;
     QPushButton* cmdSaveLayout_ = nullptr;
     QPushButton* cmdDeleteLayout_ = nullptr;

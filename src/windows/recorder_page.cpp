@@ -261,6 +261,10 @@ bool RecorderPage::take(const QKeyEvent& key) {
         if (recorder_.enabled(one.button)) press(one.button);
         return true;
     }
+    if (key.key() == Qt::Key_F3 && (with == Qt::NoModifier || with == Qt::ShiftModifier)) {
+        plots_->nextHit(with == Qt::NoModifier ? 1 : -1);
+        return true;
+    }
     if (with != Qt::NoModifier || key.key() < Qt::Key_1 || key.key() > Qt::Key_5) return false;
     sldPlaybackSpeed_->setValue((key.key() - Qt::Key_1) * speedStep);
     return true;

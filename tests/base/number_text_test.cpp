@@ -106,5 +106,11 @@ TEST(HexText, IsUpperCaseWithoutPadding) {
     EXPECT_EQ(hexText(-32769), "FFFF7FFF");
 }
 
+TEST(NumberText, OneOfAThingHasItsOwnWord) {
+    EXPECT_EQ(many(1, "line", "lines"), "1 line");
+    EXPECT_EQ(many(0, "line", "lines"), "0 lines");
+    EXPECT_EQ(many(1440000, "row", "rows"), "1440000 rows");
+}
+
 }  // namespace
 }  // namespace zentaq

@@ -12,6 +12,7 @@
 #include <QTemporaryDir>
 
 #include "app/data_points.h"
+#include "qt/look.h"
 #include "windows/log_plot_fixture.h"
 
 namespace zentaq {
