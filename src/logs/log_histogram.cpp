@@ -1,11 +1,14 @@
 #include "logs/log_histogram.h"
 
+#include <algorithm>
 #include <cmath>
+#include <functional>
 #include <limits>
 
 #include "base/channels.h"
 #include "base/errors.h"
 #include "base/number_text.h"
+#include "base/rounding.h"
 #include "unit/axis_kinds.h"
 #include "unit/temperature.h"
 
@@ -65,6 +68,39 @@ void LogHistogram::add(double column, double row, double value) {
     };
     cells_[placed(rows_, row) * columns_.headers.size() + placed(columns_, column)].add(value);
     ++count_;
+}
+
+namespace {
+
+/// Halfway between two headers, as the log has it.
+double edgeBetween(const HistogramAxis& axis, std::size_t lower) {
+    const double edge =
+        (static_cast<double>(axis.headers[lower]) + static_cast<double>(axis.headers[lower + 1])) / 2;
+    constexpr double freezing = 32;
+    constexpr double degrees = 1.8;
+    return axis.fahrenheit ? (edge - freezing) / degrees : edge;
+}
+
+void addStretch(std::string& condition, const HistogramAxis& axis, std::size_t place) {
+    const auto add = [&](const char* sign, double edge) {
+        constexpr int digits = 4;
+        condition +=
+            (condition.empty() ? "" : " and ") + axis.channel + sign + numberText(roundTo(edge, digits));
+    };
+    if (place > 0) add(" > ", edgeBetween(axis, place - 1));
+    if (place + 1 < axis.headers.size()) add(" <= ", edgeBetween(axis, place));
+}
+
+}  // namespace
+
+std::string LogHistogram::conditionOf(std::size_t row, std::size_t column) const {
+    std::string condition;
+    for (const auto& [axis, place] : {std::pair{&columns_, column}, std::pair{&rows_, row}}) {
+        if (std::ranges::adjacent_find(axis->headers, std::greater_equal<>()) != axis->headers.end())
+            return {};
+        addStretch(condition, *axis, place);
+    }
+    return condition;
 }
 
 std::string_view histogramWord(HistogramShows shows) {

@@ -36,6 +36,10 @@ class LogHistogram {
         return cells_.at(row * columns_.headers.size() + column);
     }
     std::int64_t count() const { return count_; }
+    /// What holds for the rows of a log that fall into a cell: "RPM > 750 and RPM <= 1250 and MAP <= 30".
+    /// Empty where every row falls into it, and where the headers are out of order: no stretch of theirs
+    /// tells then.
+    std::string conditionOf(std::size_t row, std::size_t column) const;
 
  private:
     HistogramAxis columns_;

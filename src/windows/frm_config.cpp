@@ -399,6 +399,7 @@ void FrmConfig::showUnit() {
     followTree();
     showRows(true);
     showStartPage();
+    recorderPage_->calibrationChanged();
 }
 
 void FrmConfig::onFlyChanged(bool on) {

@@ -49,6 +49,7 @@ class FrmConfig : public QWidget, public Form {
     void recorderChanged() override { recorderPage_->recorderChanged(); }
     void logChanged() override { recorderPage_->logChanged(); }
     void killTimers() override { recorderPage_->killTimers(); }
+    void cellsChanged() override { recorderPage_->calibrationChanged(); }
     void initializeRecorderRows() override { recorderPage_->initializeRows(); }
 
     /// The tree, or what opens it again.

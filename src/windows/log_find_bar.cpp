@@ -90,6 +90,11 @@ void LogFindBar::find() {
     }
 }
 
+void LogFindBar::searchFor(const QString& condition) {
+    cboCondition_->setEditText(condition);
+    find();
+}
+
 void LogFindBar::clear() {
     work_.stop();
     search_.stop();

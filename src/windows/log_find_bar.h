@@ -29,6 +29,7 @@ class LogFindBar : public QWidget {
 
     /// Searches; an empty condition takes the hits away.
     void find();
+    void searchFor(const QString& condition);
     /// To the next hit in a direction, 1 or -1.
     void next(int direction);
     void focusCondition();

@@ -51,6 +51,7 @@ class LogPlotView : public QWidget {
     void hits(const std::vector<LogHit>& hits);
     /// To the line in which one searches.
     void focusCondition() { find_->focusCondition(); }
+    void searchFor(const QString& condition) { find_->searchFor(condition); }
     /// To the next hit in a direction, 1 or -1.
     void nextHit(int direction) { find_->next(direction); }
     void marks(const std::vector<LogMark>& marks);

@@ -97,6 +97,12 @@ RecorderPage::RecorderPage(Session& session, QWidget* parent)
     tabs_->setDocumentMode(true);
     tabs_->addTab(plots_, "Plots");
     tabs_->addTab(values_, "Values");
+    histogram_ = new LogHistogramPanel(session.settings(), this);
+    connect(histogram_, &LogHistogramPanel::conditionChosen, this, [this](const QString& condition) {
+        tabs_->setCurrentWidget(plots_);
+        plots_->searchFor(condition);
+    });
+    tabs_->addTab(histogram_, "Histogram");
     auto* whole = new QVBoxLayout(this);
     const int gap = space(fontMetrics(), Space::Tight);
     whole->setContentsMargins(gap, gap, gap, gap);
@@ -285,6 +291,7 @@ void RecorderPage::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     recorder_.pageShown(true);
     recorder_.Display();
+    calibrationChanged();
     draw();
 }
 
@@ -304,6 +311,11 @@ void RecorderPage::recorderChanged() {
 
 void RecorderPage::logChanged() {
     draw();
+}
+
+void RecorderPage::calibrationChanged() {
+    const int slot = session_.slotInHand();
+    if (isVisible()) histogram_->showCalibration(slot == 0 ? nullptr : &session_.Units(slot));
 }
 
 void RecorderPage::setTimer(QTimer& timer, int intervalMs) {
@@ -333,20 +345,27 @@ void RecorderPage::draw() {
 
 void RecorderPage::drawPlots() {
     const LogColumns& log = recorder_.log();
-    if (std::exchange(logsSeen_, recorder_.logsLoaded()) != recorder_.logsLoaded() || log.rows() < rowsSeen_) {
+    if (std::exchange(logsSeen_, recorder_.logsLoaded()) != recorder_.logsLoaded() ||
+        log.rows() < rowsSeen_) {
         rowsSeen_ = log.rows();
         plots_->showLog(&log, shownString(recorder_.SessionName));
+        histogram_->showLog(&log);
         marksSeen_.clear();
     } else if (std::exchange(rowsSeen_, log.rows()) != log.rows()) {
         plots_->grown();
+        histogram_->grown();
     }
     if (std::exchange(marksSeen_, recorder_.marks()) != recorder_.marks()) plots_->marks(recorder_.marks());
     plots_->cursorAt(recorder_.seconds());
 }
 
 void RecorderPage::askOverlay() {
-    const std::string path = session_.dialogs().openFile(
-        {"Open Zentaq Datalog File", session_.platform().userFolder, "Zentaq Datalog (*.DAT)|*.dat", 1, "dat", {}});
+    const std::string path = session_.dialogs().openFile({"Open Zentaq Datalog File",
+                                                          session_.platform().userFolder,
+                                                          "Zentaq Datalog (*.DAT)|*.dat",
+                                                          1,
+                                                          "dat",
+                                                          {}});
     if (path.empty()) return;
     constexpr double sequential = 120;
     other_ = {};
@@ -366,8 +385,9 @@ void RecorderPage::takeOverlay() {
         mnuNoOverlay_->setEnabled(true);
         return plots_->overlay(&other_, name);
     }
-    session_.windows().later(
-        [this, failure] { session_.inform("The datalog cannot be read.\n" + failure + "\nChoose another file."); });
+    session_.windows().later([this, failure] {
+        session_.inform("The datalog cannot be read.\n" + failure + "\nChoose another file.");
+    });
 }
 
 void RecorderPage::drawButtons() {

@@ -15,6 +15,7 @@
 #include "app/session.h"
 #include "qt/elided_label.h"
 #include "qt/kept_splitter.h"
+#include "windows/log_histogram_panel.h"
 #include "windows/log_plot_view.h"
 #include "windows/log_values.h"
 #include "windows/redraw_gate.h"
@@ -32,6 +33,8 @@ class RecorderPage : public QWidget {
     void logChanged();
     void killTimers();
     void initializeRows() { plots_->Initialize_Rows(); }
+    /// Another calibration is in hand, or something of it has changed.
+    void calibrationChanged();
 
     /// Draws what the recorder holds now.
     void draw();
@@ -74,6 +77,7 @@ class RecorderPage : public QWidget {
     QPushButton* cmdCancelImport_ = nullptr;
     LogPlotView* plots_ = nullptr;
     LogValues* values_ = nullptr;
+    LogHistogramPanel* histogram_ = nullptr;
     QTabWidget* tabs_ = nullptr;
     LogLoading otherLoading_;
     LogColumns other_;

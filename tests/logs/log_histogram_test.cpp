@@ -53,5 +53,18 @@ TEST(LogHistogram, AnAxisInFahrenheitTakesTheCelsiusOfALog) {
     EXPECT_EQ(histogram.cell(0, 1).count, 1);
 }
 
+TEST(LogHistogram, TellsWhatHoldsForTheRowsOfACell) {
+    const LogHistogram histogram = small();
+    EXPECT_EQ(histogram.conditionOf(0, 0), "RPM <= 1500 and MAP <= 45");
+    EXPECT_EQ(histogram.conditionOf(1, 1), "RPM > 1500 and RPM <= 3000 and MAP > 45");
+    const LogHistogram warm({"CLT", "CLT", {32, 212}, true}, {"MAP", "MAP", {30}});
+    EXPECT_EQ(warm.conditionOf(0, 1), "CLT > 50") << "122 F";
+}
+
+TEST(LogHistogram, HeadersOutOfOrderHaveNoStretchOfTheirOwn) {
+    const LogHistogram histogram({"RPM", "RPM", {1000, 500, 2000}}, {"MAP", "MAP", {30}});
+    EXPECT_EQ(histogram.conditionOf(0, 1), "");
+}
+
 }  // namespace
 }  // namespace zentaq

@@ -226,7 +226,7 @@ const std::set<std::string> wholes{"FrmConfig",  "FrmDashBoard", "FrmEditMAPSens
                                    "FrmGraph2D", "CurvePane",    "FrmGeneralConfig",  "FrmHelp",
                                    "FrmTable",   "FrmSplash",    "ConfigBottom",      "GeneralConfigForm",
                                    "FindBox",    "StartPage",    "PageArea",          "RecorderPage",
-                                   "LogValues",  "FrmDetailInfo"};
+                                   "LogValues",  "FrmDetailInfo",     "LogHistogramPanel"};
 
 TEST_P(GalleryWalk, ShowsEveryControlOfTheProgramsOwn) {
     std::set<std::string> shown;
