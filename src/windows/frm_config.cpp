@@ -164,6 +164,7 @@ QWidget* FrmConfig::makePageTab() {
     auto* find = new QShortcut(QKeySequence::Find, this);
     find->setContext(Qt::WidgetWithChildrenShortcut);
     connect(find, &QShortcut::activated, this, [this] {
+        if (sstMenu_->currentWidget() == recorderArea_) return recorderPage_->find();
         if (session_.slotInHand() == 0) return;
         sstMenu_->setCurrentIndex(pageTab);
         finder_->line().setFocus();

@@ -106,7 +106,9 @@ void LogFindBar::next(int direction) {
     if (cboCondition_->condition() != found_) return find();
     const auto hit = search_.from(seconds_, direction);
     if (!hit) return;
-    Q_EMIT timeChosen(log_->seconds(search_.hits()[*hit].first));
+    // Whoever is asked shows it a picture later; who presses the key again meanwhile means the hit after.
+    seconds_ = log_->seconds(search_.hits()[*hit].first);
+    Q_EMIT timeChosen(seconds_);
 }
 
 void LogFindBar::focusCondition() {

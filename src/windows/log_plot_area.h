@@ -49,6 +49,9 @@ class LogPlotArea : public QCustomPlot {
     /// Whether somebody takes `pictureAsked`.
     void canSavePicture(bool can) { canSave_ = can; }
 
+    /// Does what a key means in the plot; false for one that means nothing here.
+    bool takeKey(const QKeyEvent& event);
+
     // What the buttons and the menu do as well.
     void zoomBy(double factor);
     void moveBy(double part);

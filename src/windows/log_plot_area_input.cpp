@@ -33,7 +33,7 @@ bool isControl(Qt::KeyboardModifiers modifiers) {
 
 // ---- Keys
 
-/// Space, the plain arrows, Home, End and the digits from 1 belong to whoever plays the log.
+/// Space, the plain arrows, Home, End, R, S and the digits from 1 belong to whoever plays the log.
 bool LogPlotArea::takesPlainKey(int key) const {
     switch (key) {
         case Qt::Key_Escape:
@@ -49,7 +49,7 @@ bool LogPlotArea::takesPlainKey(int key) const {
         case Qt::Key_A:
         case Qt::Key_B:
         case Qt::Key_M:
-        case Qt::Key_S:
+        case Qt::Key_O:
             return true;
         default:
             return false;
@@ -79,9 +79,13 @@ bool LogPlotArea::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void LogPlotArea::keyPressEvent(QKeyEvent* event) {
-    if (!takesKey(*event)) return QCustomPlot::keyPressEvent(event);
-    if (isPlain(event->modifiers())) return plainKey(event->key());
-    controlKey(event->key());
+    if (!takeKey(*event)) QCustomPlot::keyPressEvent(event);
+}
+
+bool LogPlotArea::takeKey(const QKeyEvent& event) {
+    if (!takesKey(event)) return false;
+    isPlain(event.modifiers()) ? plainKey(event.key()) : controlKey(event.key());
+    return true;
 }
 
 void LogPlotArea::plainKey(int key) {
@@ -101,7 +105,7 @@ void LogPlotArea::plainKey(int key) {
             return measure(scene_.a, scene_.cursor);
         case Qt::Key_M:
             return addMark();
-        case Qt::Key_S:
+        case Qt::Key_O:
             return toggleScale();
         case Qt::Key_Delete:
             if (const auto mark = markAtCursor()) removeMark(*mark);

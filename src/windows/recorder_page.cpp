@@ -276,8 +276,16 @@ bool RecorderPage::take(const QKeyEvent& key) {
     return true;
 }
 
+void RecorderPage::find() {
+    tabs_->setCurrentWidget(plots_);
+    plots_->focusCondition();
+}
+
+// What the page has no use for is a key of the plot, wherever the keyboard is.
 void RecorderPage::keyPressEvent(QKeyEvent* event) {
-    if (!take(*event)) QWidget::keyPressEvent(event);
+    if (take(*event)) return;
+    const bool plotIsBehind = !plots_->isVisible() || plots_->area().hasFocus();
+    if (plotIsBehind || !plots_->area().takeKey(*event)) QWidget::keyPressEvent(event);
 }
 
 // A button that has the keyboard takes the keys of the page, but for those that press it.
@@ -368,6 +376,8 @@ void RecorderPage::askOverlay() {
                                                           {}});
     if (path.empty()) return;
     constexpr double sequential = 120;
+    plots_->overlay(nullptr, {});
+    mnuNoOverlay_->setEnabled(false);
     other_ = {};
     otherName_ = shownString(fileNameOf(path));
     otherLoading_.begin(session_.platform().side, path, sequential);

@@ -33,6 +33,8 @@ class RecorderPage : public QWidget {
     void logChanged();
     void killTimers();
     void initializeRows() { plots_->Initialize_Rows(); }
+    /// To the line in which the log is searched.
+    void find();
     /// Another calibration is in hand, or something of it has changed.
     void calibrationChanged();
 

@@ -93,5 +93,15 @@ TEST(LogColumns, FiguresOfAStretchAreItsLeastMostAndMean) {
     EXPECT_EQ(log.figures(0, 3, 9).rows, 0U);
 }
 
+TEST(LogColumns, EveryRowIsFoundByItsOwnTime) {
+    DatalogHead head;
+    head.columns = {"Frame"};
+    LogColumns log;
+    log.begin(head);
+    constexpr std::size_t rows = 200'000;
+    for (std::size_t row = 0; row < rows; ++row) log.append(std::vector<double>{static_cast<double>(row)});
+    for (std::size_t row = 0; row < rows; ++row) ASSERT_EQ(log.rowAt(log.seconds(row)), row);
+}
+
 }  // namespace
 }  // namespace zentaq

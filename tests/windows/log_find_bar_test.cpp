@@ -68,11 +68,12 @@ TEST_F(LogFind, EnterOnceMoreGoesFromHitToHit) {
     search("RPM >= 1100 and RPM < 1200 or RPM = 1500");
     EXPECT_TRUE(chosen.empty());
     press(Qt::Key_Return);
-    view->cursorAt(2);
+    view->nextHit(1);
     view->nextHit(1);
     view->nextHit(-1);
+    view->cursorAt(3);
     find<QToolButton>("cmdHitAfter")->click();
-    EXPECT_THAT(chosen, ElementsAre(2, 10, 10, 10)) << "before the first one stands the last";
+    EXPECT_THAT(chosen, ElementsAre(2, 10, 2, 10, 10)) << "behind the last one comes the first";
 }
 
 TEST_F(LogFind, AHitThatIsChosenInTheListIsGoneTo) {
