@@ -1,7 +1,6 @@
 #include "windows/log_condition_entry.h"
 
 #include <QAbstractItemView>
-#include <QKeyEvent>
 #include <QLineEdit>
 
 #include "logs/log_channel.h"
@@ -88,12 +87,6 @@ void LogConditionEntry::showPopup() {
     setCurrentIndex(-1);
     setEditText(typed);
     if (count() > 0) QComboBox::showPopup();
-}
-
-// The line has had Enter by now, and a box that can be typed into would hand it to the line once more.
-void LogConditionEntry::keyPressEvent(QKeyEvent* event) {
-    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (!enter) QComboBox::keyPressEvent(event);
 }
 
 // ---- Names of channels

@@ -31,9 +31,6 @@ class LogConditionEntry : public QComboBox {
     /// Enter, or one of the former conditions.
     void entered();
 
- protected:
-    void keyPressEvent(QKeyEvent* event) override;
-
  private:
     void completeWord();
     void takeWord(const QString& channel);

@@ -22,7 +22,9 @@ class LogFind : public LogPlotTest {
     }
     std::vector<double> chosen;  ///< the times that were asked for
 
-    QLineEdit& line() { return *find<LogConditionEntry>("cboLogCondition")->lineEdit(); }
+    /// The box has the keyboard, and its line gets the keys from it.
+    LogConditionEntry& entry() { return *find<LogConditionEntry>("cboLogCondition"); }
+    QLineEdit& line() { return *entry().lineEdit(); }
     LogFindBar& bar() { return *find<LogFindBar>("fraFindInLog"); }
     QString said() { return bar().said().text(); }
     LogHitList& list() { return *find<LogHitList>("lstHits"); }
@@ -30,7 +32,7 @@ class LogFind : public LogPlotTest {
 
     void press(int key) {
         QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier, key == Qt::Key_Return ? "\r" : "");
-        QApplication::sendEvent(&line(), &down);
+        QApplication::sendEvent(&entry(), &down);
         finish();
     }
     void finish() {
@@ -44,7 +46,7 @@ class LogFind : public LogPlotTest {
     void type(const QString& text) {
         for (const QChar letter : text) {
             QKeyEvent down(QEvent::KeyPress, 0, Qt::NoModifier, letter);
-            QApplication::sendEvent(&line(), &down);
+            QApplication::sendEvent(&entry(), &down);
         }
         settle();
     }
@@ -154,6 +156,14 @@ TEST_F(LogFind, FormerConditionsAreOfferedAgain) {
     EXPECT_EQ(entry->itemText(1), "MAP > 50");
     EXPECT_EQ(line().text(), "RPM > 1500") << "what is typed stays";
     entry->hidePopup();
+}
+
+TEST_F(LogFind, EnterSearchesForWhatWasTypedLetterByLetter) {
+    line().setFocus();
+    type("RPM >= 1500 and MAP < 80");
+    ASSERT_FALSE(words().isVisible());
+    press(Qt::Key_Return);
+    EXPECT_EQ(said(), "1 hit, 10 s of 20 s");
 }
 
 TEST_F(LogFind, NamesOfChannelsAreCompletedInTheMiddleOfACondition) {

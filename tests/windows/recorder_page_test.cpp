@@ -31,7 +31,8 @@ class RecorderKeys : public WindowTest {
     }
     FlightRecord& recorder() { return *fake.session.recorder; }
     LogPlotArea& area() { return find<LogPlotView>("viewLogPlot")->area(); }
-    QLineEdit& line() { return *find<LogConditionEntry>("cboLogCondition")->lineEdit(); }
+    LogConditionEntry& entry() { return *find<LogConditionEntry>("cboLogCondition"); }
+    QLineEdit& line() { return *entry().lineEdit(); }
     void key(QWidget& target, int code, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
         const bool enter = code == Qt::Key_Return;
         QKeyEvent press(QEvent::KeyPress, code, modifiers, enter ? "\r" : "");
@@ -43,15 +44,15 @@ class RecorderKeys : public WindowTest {
     void search() {
         line().setFocus();
         line().setText("RPM > 4000");
-        key(line(), Qt::Key_Return);
+        key(entry(), Qt::Key_Return);
     }
 };
 
 TEST_F(RecorderKeys, GoFromHitToHitFromTheLineOfTheConditionAndFromTheButtons) {
     search();
-    key(line(), Qt::Key_F3);
+    key(entry(), Qt::Key_F3);
     EXPECT_DOUBLE_EQ(recorder().seconds(), 2);
-    key(line(), Qt::Key_F3);
+    key(entry(), Qt::Key_F3);
     EXPECT_DOUBLE_EQ(recorder().seconds(), 4);
     key(area(), Qt::Key_F3, Qt::ShiftModifier);
     EXPECT_DOUBLE_EQ(recorder().seconds(), 2);
@@ -78,8 +79,8 @@ TEST_F(RecorderKeys, OfThePlotWorkWhereverTheKeyboardIs) {
 
 TEST_F(RecorderKeys, AreLettersWhileAConditionIsTyped) {
     line().setFocus();
-    key(line(), Qt::Key_Right);
-    key(line(), Qt::Key_S);
+    key(entry(), Qt::Key_Right);
+    key(entry(), Qt::Key_S);
     EXPECT_EQ(recorder().row(), 0U);
 }
 
@@ -88,7 +89,7 @@ TEST_F(RecorderKeys, FindGoesToTheLineOfTheCondition) {
     find<RecorderPage>("fraFlightRecorder")->find();
     settle();
     EXPECT_TRUE(line().isVisible());
-    EXPECT_TRUE(line().hasFocus());
+    EXPECT_TRUE(entry().hasFocus());
 }
 
 }  // namespace
