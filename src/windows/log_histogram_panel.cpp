@@ -15,6 +15,7 @@
 #include "qt/wrap_layout.h"
 #include "tables/heat_scale.h"
 #include "tables/table_badges.h"
+#include "windows/channel_choices.h"
 
 namespace zentaq {
 
@@ -24,26 +25,9 @@ constexpr std::size_t countedRows = 1024;
 constexpr const char* firstTable = "VE";
 constexpr const char* firstChannel = "AAFR";
 
-/// A combo box under its caption's mnemonic, in a line that breaks where the window is narrow.
-QComboBox* comboIn(QLayout& line, const char* name, const QString& caption, const QString& meaning,
-                   QWidget* parent) {
-    auto* combo = named(new QComboBox(parent), name, meaning);
-    combo->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    auto* label = new QLabel(caption, parent);
-    label->setBuddy(combo);
-    line.addWidget(label);
-    line.addWidget(combo);
-    return combo;
-}
-
 QString captionOf(HistogramShows shows) {
     const std::string_view word = histogramWord(shows);
     return QString(QChar(word.front()).toUpper()) + qString(word.substr(1));
-}
-
-void choose(QComboBox& combo, const QString& key) {
-    const int place = combo.findData(key);
-    combo.setCurrentIndex(place < 0 && combo.count() > 0 ? 0 : place);
 }
 
 }  // namespace
@@ -55,9 +39,9 @@ LogHistogramPanel::LogHistogramPanel(SettingsStore& settings, QWidget* parent)
     auto* line = new WrapLayout(choices);
     line->setContentsMargins(margins(fontMetrics(), Space::None));
     line->setSpacing(space(fontMetrics(), Space::Tight));
-    cboTable_ = comboIn(*line, "cboHistogramTable", "&Table:", "Table whose cells are counted in", choices);
-    cboChannel_ = comboIn(*line, "cboHistogramChannel", "C&hannel:", "Channel of the datalog", choices);
-    cboShows_ = comboIn(*line, "cboHistogramShows", "Sh&ows:", "What a cell shows of the channel", choices);
+    cboTable_ = addChoice(*line, "cboHistogramTable", "&Table:", "Table whose cells are counted in", choices);
+    cboChannel_ = addChoice(*line, "cboHistogramChannel", "C&hannel:", "Channel of the datalog", choices);
+    cboShows_ = addChoice(*line, "cboHistogramShows", "Sh&ows:", "What a cell shows of the channel", choices);
     for (const HistogramShows shows : histogramShows) cboShows_->addItem(captionOf(shows));
     chkBeside_ = named(new QCheckBox("&Beside the table's values", choices), "chkBeside");
     chkBeside_->setToolTip("The value of the table stands in the corner of each cell");
@@ -126,17 +110,8 @@ void LogHistogramPanel::fillTables() {
 }
 
 void LogHistogramPanel::fillChannels() {
-    const QSignalBlocker quiet(cboChannel_);
-    const QString before =
-        cboChannel_->count() == 0 ? QString(firstChannel) : cboChannel_->currentData().toString();
-    cboChannel_->clear();
     cboCondition_->channels(log_ == nullptr ? std::vector<std::string>{} : log_->names());
-    if (log_ == nullptr) return;
-    for (const std::string& name : log_->names()) {
-        if (isTimeColumn(name)) continue;
-        cboChannel_->addItem(shownString(channelCaption(name)), qString(newerChannelName(name)));
-    }
-    choose(*cboChannel_, before);
+    zentaq::fillChannels(*cboChannel_, log_, firstChannel);
 }
 
 void LogHistogramPanel::showEvent(QShowEvent* event) {

@@ -103,6 +103,10 @@ RecorderPage::RecorderPage(Session& session, QWidget* parent)
         plots_->searchFor(condition);
     });
     tabs_->addTab(histogram_, "Histogram");
+    scatter_ = new LogScatterPanel(session.settings(), this);
+    connect(scatter_, &LogScatterPanel::timeChosen, this,
+            [this](double seconds) { recorder_.goTo(seconds); });
+    tabs_->addTab(scatter_, "Scatter");
     auto* whole = new QVBoxLayout(this);
     const int gap = space(fontMetrics(), Space::Tight);
     whole->setContentsMargins(gap, gap, gap, gap);
@@ -358,13 +362,16 @@ void RecorderPage::drawPlots() {
         rowsSeen_ = log.rows();
         plots_->showLog(&log, shownString(recorder_.SessionName));
         histogram_->showLog(&log);
+        scatter_->showLog(&log);
         marksSeen_.clear();
     } else if (std::exchange(rowsSeen_, log.rows()) != log.rows()) {
         plots_->grown();
         histogram_->grown();
+        scatter_->grown();
     }
     if (std::exchange(marksSeen_, recorder_.marks()) != recorder_.marks()) plots_->marks(recorder_.marks());
     plots_->cursorAt(recorder_.seconds());
+    scatter_->cursorAt(recorder_.seconds());
 }
 
 void RecorderPage::askOverlay() {

@@ -17,6 +17,7 @@
 #include "qt/kept_splitter.h"
 #include "windows/log_histogram_panel.h"
 #include "windows/log_plot_view.h"
+#include "windows/log_scatter_panel.h"
 #include "windows/log_values.h"
 #include "windows/redraw_gate.h"
 
@@ -80,6 +81,7 @@ class RecorderPage : public QWidget {
     LogPlotView* plots_ = nullptr;
     LogValues* values_ = nullptr;
     LogHistogramPanel* histogram_ = nullptr;
+    LogScatterPanel* scatter_ = nullptr;
     QTabWidget* tabs_ = nullptr;
     LogLoading otherLoading_;
     LogColumns other_;
