@@ -469,7 +469,7 @@ void FlightRecord::storeLog() {
     storedTold_ = false;
     const auto fail = [this](const std::string& why) {
         storedTold_ = true;
-        session_.notice("The datalog is shown, but not stored in the reference database. " + why);
+        tellNotStored(why);
     };
     if (session_.DatabaseFile.empty()) return;
     endOnFailure(
@@ -490,7 +490,13 @@ void FlightRecord::takeStored() {
     if (runs || std::exchange(storedTold_, true)) return;
     const std::string failure = storing_.failure();
     if (failure.empty()) return;
-    session_.notice("The datalog is shown, but not stored in the reference database. " + failure);
+    tellNotStored(failure);
+}
+
+// The strip has room for a few words.
+void FlightRecord::tellNotStored(const std::string& why) {
+    session_.sysLog("The datalog is shown, but not stored in the reference database. " + why);
+    session_.notice("Datalog not in the database");
 }
 
 void FlightRecord::cancelAll() {

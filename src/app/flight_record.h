@@ -159,6 +159,7 @@ class FlightRecord {
     void loadFailed(const std::string& why);
     void storeLog();
     void takeStored();
+    void tellNotStored(const std::string& why);
     void takeExported();
     void followLog();
     void showRowOnGauges();

@@ -52,6 +52,8 @@ LogHistogramPanel::LogHistogramPanel(SettingsStore& settings, QWidget* parent)
     lblCell_ = new ElidedLabel("lblHistogramCell", "The cell in hand", this);
     grid_ = named(new TableGridView(this), "grdHistogram", "A channel of the datalog over the table");
     grid_->setMode(appliedLook(*qApp));
+    constexpr int leastRows = 5;
+    grid_->setMinimumHeight(TableGridView::leastHeight(leastRows));
     grid_->setSelectionMode(QAbstractItemView::SingleSelection);
     grid_->setToolTip("A double click shows the rows of the datalog that fall into a cell");
     grid_->cells().speakBy([this](int row, int column) { return inWords(row, column); });

@@ -196,9 +196,6 @@ void LogPlotView::connectFinding() {
     connect(find_, &LogFindBar::hitsFound, this, [this](const std::vector<LogHit>& found) {
         area_->hits(found);
         lstHits_->refresh();
-        const int hits = 1;
-        tabLogSide_->setTabText(hits,
-                                found.empty() ? QString("Hits") : QString("Hits (%1)").arg(found.size()));
     });
     connect(lstHits_, &LogHitList::timeChosen, this, &LogPlotView::timeChosen);
 }

@@ -196,7 +196,7 @@ void LogScatterPicture::mouseReleaseEvent(QMouseEvent* event) {
     pressed_.reset();
     update();
     if (!shows()) return;
-    const double least = fontMetrics().height() / 2.0;
+    const double least = space(fontMetrics(), Space::Normal);
     if (box.width() < least || box.height() < least) return choose(event->position());
     const ChartPainter chart(chartArea(), font(), across_, up_);
     const QRectF inside = box & chart.plot();

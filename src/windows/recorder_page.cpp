@@ -3,6 +3,7 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QPainter>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
@@ -39,17 +40,26 @@ constexpr int speedStep = 25;
 constexpr int importMs = 15;
 constexpr int percent = 100;
 
+/// As wide as its caption needs, and no narrower than the pause mark: eight of them stand side by side.
+class KeyOfRecorder : public QPushButton {
+ public:
+    using QPushButton::QPushButton;
+
+    QSize sizeHint() const override {
+        const QFontMetrics metrics = fontMetrics();
+        const int letters = std::max(metrics.horizontalAdvance(text()), metrics.horizontalAdvance("||"));
+        return {letters + 2 * space(metrics, Space::Wide), QPushButton::sizeHint().height()};
+    }
+    QSize minimumSizeHint() const override { return sizeHint(); }
+};
+
 QPushButton* recorderButton(int number, QWidget* parent) {
     const ButtonText& text = buttonTexts[static_cast<std::size_t>(number)];
-    auto* button =
-        named(new QPushButton(text.caption, parent), QString("cmdFlightRecord_%1").arg(number), text.meaning);
+    auto* button = named(new KeyOfRecorder(text.caption, parent), QString("cmdFlightRecord_%1").arg(number),
+                         text.meaning);
     button->setToolTip(QString("%1 (%2)").arg(text.meaning, text.key));
     // A click leaves the keys with the page, where each of them has its own meaning.
     button->setFocusPolicy(Qt::TabFocus);
-    // As wide as its caption needs, and no narrower than the pause mark.
-    const QFontMetrics metrics = button->fontMetrics();
-    const QString widest = text.caption[1] == 0 ? QString("||") : QString(text.caption);
-    button->setFixedWidth(metrics.horizontalAdvance(widest) + 2 * space(metrics, Space::Wide));
     return button;
 }
 
@@ -58,7 +68,7 @@ QPushButton* recorderButton(int number, QWidget* parent) {
 RecorderPage::RecorderPage(Session& session, QWidget* parent)
     : QWidget(parent), session_(session), recorder_(*session.recorder) {
     named(this, "fraFlightRecorder", "Flight recorder");
-    setFocusPolicy(Qt::StrongFocus);
+    setFocusPolicy(Qt::ClickFocus);
     redraw_ = new RedrawGate(
         session.platform().clock, [this] { draw(); }, this);
     tmrFlightRecord1_ = named(new QTimer(this), "tmrFlightRecord1");
@@ -83,6 +93,9 @@ RecorderPage::RecorderPage(Session& session, QWidget* parent)
     bar->addWidget(makeState());
     bar->addWidget(makeSpeed());
     bar->addWidget(makeFileButtons());
+    QWidget* position = makePosition();
+    tabs_ = named(new QTabWidget(this), "tabLog", "Views of the datalog");
+    tabs_->setDocumentMode(true);
     plots_ = new LogPlotView(session.settings(), this);
     plots_->askPathBy([this](const FileRequest& request) {
         FileRequest here = request;
@@ -93,8 +106,6 @@ RecorderPage::RecorderPage(Session& session, QWidget* parent)
     connect(plots_, &LogPlotView::marksEdited, this,
             [this](const std::vector<LogMark>& marks) { recorder_.marks(marks); });
     values_ = new LogValues(this);
-    tabs_ = named(new QTabWidget(this), "tabLog", "Views of the datalog");
-    tabs_->setDocumentMode(true);
     tabs_->addTab(plots_, "Plots");
     tabs_->addTab(values_, "Values");
     histogram_ = new LogHistogramPanel(session.settings(), this);
@@ -112,7 +123,7 @@ RecorderPage::RecorderPage(Session& session, QWidget* parent)
     whole->setContentsMargins(gap, gap, gap, gap);
     whole->setSpacing(gap);
     whole->addWidget(top);
-    whole->addWidget(makePosition());
+    whole->addWidget(position);
     whole->addWidget(tabs_, 1);
     draw();
 }
@@ -290,6 +301,16 @@ void RecorderPage::keyPressEvent(QKeyEvent* event) {
     if (take(*event)) return;
     const bool plotIsBehind = !plots_->isVisible() || plots_->area().hasFocus();
     if (plotIsBehind || !plots_->area().takeKey(*event)) QWidget::keyPressEvent(event);
+}
+
+// The page itself has the keyboard when one comes to it: its keys need no button.
+void RecorderPage::paintEvent(QPaintEvent* event) {
+    QWidget::paintEvent(event);
+    if (!hasFocus()) return;
+    QPainter painter(this);
+    const int edge = edgeWidth(fontMetrics());
+    painter.setPen(QPen(lookNow().focus, edge));
+    painter.drawRect(QRectF(rect()).adjusted(edge / 2.0, edge / 2.0, -edge / 2.0, -edge / 2.0));
 }
 
 // A button that has the keyboard takes the keys of the page, but for those that press it.

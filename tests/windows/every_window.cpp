@@ -8,12 +8,15 @@
 #include <QScreen>
 #include <QTabWidget>
 
+#include "app/flight_record.h"
 #include "app/overview.h"
 #include "app/state_strip.h"
 #include "qt/qt_dialogs.h"
 #include "unit/gpio_functions.h"
+#include "windows/frm_dashboard.h"
 #include "windows/frm_graph_2d.h"
 #include "windows/frm_graph_3d.h"
+#include "windows/log_plot_view.h"
 #include "windows/mdi_main_about.h"
 #include "windows/state_strip_view.h"
 #include "windows/table_windows_fixture.h"
@@ -133,6 +136,37 @@ void EveryWindowTest::mainInTrouble(const Look& look) {
     windows.main().findChild<StateStripView*>("stateStrip")->show(stripRows(facts));
     fake.session.codes.Update_CHKE("21 - TPS Sensor Failed High");
     windows.tell(&WindowNews::codesChanged);
+    settle();
+    look(windows.main());
+}
+
+// Half a minute of a log: a condition holds for a part of it.
+void EveryWindowTest::mainWithLog(const QString& tab, const Look& look) {
+    mainWithTable([](QWidget&) {});
+    std::string text = "Frame,RPM,MAP,TPS,DAFR,AAFR,PRIADV\n";
+    constexpr int rows = 1500;
+    for (int frame = 1; frame <= rows; ++frame) {
+        text += std::to_string(frame) + "," + std::to_string(1000 + 4 * (frame % 700)) + "," +
+                std::to_string(30 + frame % 60) + ",2.5,14.7,14.2,20\n";
+    }
+    fake.session.recorder->LoadData(fake.folder.write("Sunday.dat", text));
+    while (fake.session.recorder->busy()) {
+        settle();
+        fake.session.recorder->takeLoaded();
+    }
+    fake.session.windows().open(window::config, std::string(recorderTab));
+    find<LogPlotView>("viewLogPlot")->searchFor("RPM > 2500 and MAP > 40");
+    auto* tabs = find<QTabWidget>("tabLog");
+    for (int i = 0; i < tabs->count(); ++i) {
+        if (tabs->tabText(i) == tab) tabs->setCurrentIndex(i);
+    }
+    settle();
+    look(windows.main());
+}
+
+void EveryWindowTest::mainWithDetail(const Look& look) {
+    mainWithTable([](QWidget&) {});
+    windows.dashboard()->showDetail(true);
     settle();
     look(windows.main());
 }
@@ -374,6 +408,10 @@ const std::vector<ShownWindow>& everyWindow() {
         {"MenusOpen", [](Program& p, const Look& look) { p.menusOpen(look); }},
         {"ColorDialog", [](Program& p, const Look& look) { p.colorDialog(look); }},
         {"MainFolded", [](Program& p, const Look& look) { p.mainFolded(look); }},
+        {"MainWithLog", [](Program& p, const Look& look) { p.mainWithLog("Plots", look); }},
+        {"MainWithHistogram", [](Program& p, const Look& look) { p.mainWithLog("Histogram", look); }},
+        {"MainWithScatter", [](Program& p, const Look& look) { p.mainWithLog("Scatter", look); }},
+        {"MainWithDetail", [](Program& p, const Look& look) { p.mainWithDetail(look); }},
         {"MainWithPins", [](Program& p, const Look& look) { p.mainWithPins(look); }},
         {"MainWithOptions", [](Program& p, const Look& look) { p.mainWithFields("Rev Limiter", look); }},
         {"MainWithCurves", [](Program& p, const Look& look) { p.mainWithFields("EGO Calibration", look); }},

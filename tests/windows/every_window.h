@@ -34,6 +34,8 @@ class EveryWindowTest : public WindowTest {
     /// Every part of the state strip has something to say, and the dashboard a code.
     void mainInTrouble(const Look& look);
     /// Messages, tree and dashboard each the other way round than by themselves.
+    void mainWithLog(const QString& tab, const Look& look);
+    void mainWithDetail(const Look& look);
     void mainFolded(const Look& look);
     void menusOpen(const Look& look);
     void colorDialog(const Look& look);

@@ -43,8 +43,14 @@ bool isReachedByArrows(const QWidget& control, const std::vector<QWidget*>& all)
     });
 }
 
+/// Of a control that is scrolled out of sight in part, what is in sight; of one that is not, all of it.
 QRect placeIn(const QWidget& control, const QWidget& window) {
-    return {control.mapTo(&window, QPoint(0, 0)), control.size()};
+    const QRect whole(control.mapTo(&window, QPoint(0, 0)), control.size());
+    QRect seen = whole;
+    for (const QWidget* around = control.parentWidget(); around != nullptr && around != &window;
+         around = around->parentWidget())
+        seen &= QRect(around->mapTo(&window, QPoint(0, 0)), around->size());
+    return seen.isEmpty() ? whole : seen;
 }
 
 bool isAgainstTheEye(const QRect& from, const QRect& to) {
