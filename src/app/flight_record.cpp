@@ -496,7 +496,7 @@ void FlightRecord::takeStored() {
 // The strip has room for a few words.
 void FlightRecord::tellNotStored(const std::string& why) {
     session_.sysLog("The datalog is shown, but not stored in the reference database. " + why);
-    session_.notice("Datalog not in the database");
+    session_.notice("Datalog not stored");
 }
 
 void FlightRecord::cancelAll() {

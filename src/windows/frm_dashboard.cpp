@@ -239,6 +239,8 @@ void FrmDashBoard::showWhetherLive() {
 }
 
 void FrmDashBoard::showDetail(bool on) {
+    // One line has no room for a grid.
+    if (on && session_.folds.dashboard.folded()) return;
     panel_->setVisible(!on);
     if (!on) {
         detail_->hideForm();

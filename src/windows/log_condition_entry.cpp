@@ -12,7 +12,7 @@ namespace zentaq {
 
 namespace {
 
-constexpr int leastLetters = 12;
+constexpr int leastLetters = 8;
 
 bool inName(QChar letter) {
     return letter.isLetterOrNumber() || letter == u'_';

@@ -31,14 +31,17 @@ LogFindBar::LogFindBar(SettingsStore& settings, QWidget* parent)
     cboCondition_ = new LogConditionEntry("cboLogCondition", settings, this);
     cboCondition_->setToolTip(
         "Shades the rows for which it holds. Enter searches, Enter again goes on to the next hit.");
-    cmdFind_ = namedButton("cmdFindInLog", "&Find", this);
+    // Narrower than a button of a form: on a laptop at a large scale the line has little room.
+    cmdFind_ = named(new QToolButton(this), "cmdFindInLog", "Find");
+    cmdFind_->setText("&Find");
+    cmdFind_->setFocusPolicy(Qt::TabFocus);
     cmdFind_->setToolTip("Search (Ctrl+F goes to the line)");
     cmdHitBefore_ = hitButton("cmdHitBefore", "To the hit before", "Shift+F3", Qt::LeftArrow, this);
     cmdHitAfter_ = hitButton("cmdHitAfter", "To the next hit", "F3", Qt::RightArrow, this);
     lblFound_ = new ElidedLabel("lblFound", "What the search found", this);
     connect(cboCondition_, &LogConditionEntry::entered, this,
             [this] { cboCondition_->condition() == found_ && !search_.hits().empty() ? next(1) : find(); });
-    connect(cmdFind_, &QPushButton::clicked, this, &LogFindBar::find);
+    connect(cmdFind_, &QToolButton::clicked, this, &LogFindBar::find);
     connect(cmdHitBefore_, &QToolButton::clicked, this, [this] { next(-1); });
     connect(cmdHitAfter_, &QToolButton::clicked, this, [this] { next(1); });
     auto* row = new QHBoxLayout(this);

@@ -1,7 +1,6 @@
 // The line in which a log is searched: a condition, what it found, and the way from hit to hit.
 #pragma once
 
-#include <QPushButton>
 #include <QToolButton>
 #include <QWidget>
 #include <vector>
@@ -53,7 +52,7 @@ class LogFindBar : public QWidget {
     std::string found_;  ///< the condition whose hits are shown
     double seconds_ = 0;
     LogConditionEntry* cboCondition_;
-    QPushButton* cmdFind_;
+    QToolButton* cmdFind_;
     QToolButton* cmdHitBefore_;
     QToolButton* cmdHitAfter_;
     ElidedLabel* lblFound_;

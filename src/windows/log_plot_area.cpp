@@ -48,7 +48,7 @@ LogPlotArea::~LogPlotArea() {
 }
 
 QSize LogPlotArea::minimumSizeHint() const {
-    constexpr int letters = 40;
+    constexpr int letters = 34;
     constexpr int lines = 8;
     return {fontMetrics().averageCharWidth() * letters, fontMetrics().height() * lines};
 }

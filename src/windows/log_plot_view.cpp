@@ -63,6 +63,7 @@ LogPlotView::LogPlotView(SettingsStore& settings, QWidget* parent)
 QWidget* LogPlotView::makeSide() {
     tabLogSide_ = named(new QTabWidget(this), "tabLogSide", "Channels and hits");
     tabLogSide_->setDocumentMode(true);
+    tabLogSide_->setUsesScrollButtons(false);
     auto* side = new QWidget(tabLogSide_);
     lstHits_ = new LogHitList(find_->search(), tabLogSide_);
     tabLogSide_->addTab(side, "Channels");
