@@ -44,13 +44,21 @@ bool isReachedByArrows(const QWidget& control, const std::vector<QWidget*>& all)
 }
 
 /// Of a control that is scrolled out of sight in part, what is in sight; of one that is not, all of it.
-QRect placeIn(const QWidget& control, const QWidget& window) {
+/// Inside of `page` nothing is cut: there all stands in the place that it has once it is scrolled to.
+QRect placeIn(const QWidget& control, const QWidget& window, const QWidget& page) {
     const QRect whole(control.mapTo(&window, QPoint(0, 0)), control.size());
     QRect seen = whole;
-    for (const QWidget* around = control.parentWidget(); around != nullptr && around != &window;
-         around = around->parentWidget())
+    const QWidget* around = page.isAncestorOf(&control) ? control.parentWidget() : nullptr;
+    for (; around != nullptr && around != &page; around = around->parentWidget())
         seen &= QRect(around->mapTo(&window, QPoint(0, 0)), around->size());
     return seen.isEmpty() ? whole : seen;
+}
+
+/// The innermost widget that both are in.
+const QWidget& commonOf(const QWidget& one, const QWidget& other) {
+    const QWidget* around = &one;
+    while (around != &other && !around->isAncestorOf(&other)) around = around->parentWidget();
+    return *around;
 }
 
 bool isAgainstTheEye(const QRect& from, const QRect& to) {
@@ -66,10 +74,10 @@ std::string placeText(const QRect& place) {
 /// None of the ring stands above it in its column: there the ring may begin. What is scrolled out of sight
 /// stands nowhere.
 bool isBeginning(const QWidget& control, const std::vector<QWidget*>& ring, const QWidget& window) {
-    const QRect here = placeIn(control, window);
+    const QRect here = placeIn(control, window, window);
     return std::ranges::none_of(ring, [&](const QWidget* one) {
         if (one->visibleRegion().isEmpty()) return false;
-        const QRect there = placeIn(*one, window);
+        const QRect there = placeIn(*one, window, window);
         const bool sameColumn = there.left() <= here.right() && here.left() <= there.right();
         return sameColumn && there.bottom() < here.top();
     });
@@ -125,8 +133,11 @@ std::vector<std::string> stepsAgainstTheEye(const std::vector<QWidget*>& ring, c
     for (std::size_t i = 0; i < ring.size(); ++i) {
         const QWidget& from = *ring[i];
         const QWidget& to = *ring[(i + 1) % ring.size()];
-        const QRect here = placeIn(from, window);
-        const QRect there = placeIn(to, window);
+        // A page that has the keyboard itself stands around what is on it.
+        if (from.isAncestorOf(&to) || to.isAncestorOf(&from)) continue;
+        const QWidget& both = commonOf(from, to);
+        const QRect here = placeIn(from, window, both);
+        const QRect there = placeIn(to, window, both);
         if (!isAgainstTheEye(here, there)) continue;
         // Somewhere the ring goes back to its beginning.
         if (!begun && isBeginning(to, ring, window)) {
