@@ -2,27 +2,33 @@
 #pragma once
 
 #include <QComboBox>
+#include <QHBoxLayout>
 #include <QLabel>
-#include <QLayout>
 #include <QSignalBlocker>
 #include <string>
 
 #include "logs/log_channel.h"
 #include "logs/log_columns.h"
+#include "qt/look.h"
 #include "qt/named.h"
 #include "qt/qt_text.h"
 
 namespace zentaq {
 
-/// A box behind its caption.
+/// A box behind its caption, from which no line parts it.
 inline QComboBox* addChoice(QLayout& line, const QString& name, const QString& caption,
                             const QString& meaning, QWidget* parent) {
-    auto* combo = named(new QComboBox(parent), name, meaning);
+    auto* box = new QWidget(parent);
+    auto* row = new QHBoxLayout(box);
+    row->setContentsMargins(margins(box->fontMetrics(), Space::None));
+    row->setSpacing(space(box->fontMetrics(), Space::Tight));
+    auto* combo = named(new QComboBox(box), name, meaning);
     combo->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-    auto* label = new QLabel(caption, parent);
+    auto* label = new QLabel(caption, box);
     label->setBuddy(combo);
-    line.addWidget(label);
-    line.addWidget(combo);
+    row->addWidget(label);
+    row->addWidget(combo);
+    line.addWidget(box);
     return combo;
 }
 

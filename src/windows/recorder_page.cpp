@@ -48,7 +48,8 @@ class KeyOfRecorder : public QPushButton {
     QSize sizeHint() const override {
         const QFontMetrics metrics = fontMetrics();
         const int letters = std::max(metrics.horizontalAdvance(text()), metrics.horizontalAdvance("||"));
-        return {letters + 2 * space(metrics, Space::Wide), QPushButton::sizeHint().height()};
+        return {letters + space(metrics, Space::Wide) + space(metrics, Space::Normal),
+                QPushButton::sizeHint().height()};
     }
     QSize minimumSizeHint() const override { return sizeHint(); }
 };
