@@ -31,6 +31,17 @@ add_custom_command(
   COMMENT "Making the sample calibrations" VERBATIM)
 add_custom_target(zentaq_samples ALL DEPENDS ${SAMPLES_STAMP})
 
+# The pictures of the dashboard, which a user may replace by his own: made.sha256 tells which ones are ours.
+zentaq_program(zentaq-faces QT LINK zentaq_windows)
+set_target_properties(zentaq-faces PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tools)
+set(FACES_LIST ${APP_FOLDER}/bin/images/made.sha256)
+add_custom_command(
+  OUTPUT ${FACES_LIST}
+  COMMAND ${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen $<TARGET_FILE:zentaq-faces> ${APP_FOLDER}/bin/images
+  DEPENDS zentaq-faces
+  COMMENT "Drawing the dashboard" VERBATIM)
+add_custom_target(zentaq_faces ALL DEPENDS ${FACES_LIST})
+
 # The manual page: `man -M build/<preset>/app/man zentaqctl` shows it.
 include(GNUInstallDirs)
 configure_file(${PROJECT_SOURCE_DIR}/docs/man/zentaqctl.1 ${APP_FOLDER}/man/man1/zentaqctl.1 COPYONLY)

@@ -46,6 +46,9 @@ inline constexpr FileLimit database{"a reference database", std::size_t{8192} * 
 inline constexpr FileLimit databaseText{"a row of the reference database", megabyte};
 /// One line that the system tells of a device.
 inline constexpr FileLimit deviceFact{"a fact about a device", 4 * kilobyte};
+/// A photograph of a camera.
+inline constexpr FileLimit picture{"a picture", 16 * megabyte};
+inline constexpr FileLimit pictureList{"a list of pictures", 64 * kilobyte};
 inline constexpr FileLimit guideIndex{"the index of a guide", 8 * megabyte};
 inline constexpr FileLimit guidePage{"a page of a guide", 8 * megabyte};
 inline constexpr FileLimit helpEntry{"the entry of the help", 64 * kilobyte};

@@ -80,11 +80,21 @@ class Planner {
 
     void takeDials() {
         if (room_.height < room_.tileHeight * leastDial) return;
+        if (room_.picture > 0) return takePicture();
         const int round = std::min(room_.height, room_.width / 4);
         if (fits(round)) takeDial("Tachometer", round);
         const int mixture = static_cast<int>(round * mixtureShape);
         if (room_.fuel && fits(mixture)) takeDial("AFR", mixture);
         if (room_.height >= room_.tileHeight * leastSmallDials) takeSmallDials();
+    }
+    /// As large as it can be without a squeeze of the tiles or of itself.
+    void takePicture() {
+        const int widest = left() - room_.gap - leastForTiles();
+        const int width = std::min(widest, static_cast<int>(room_.height * room_.picture));
+        const int height = static_cast<int>(width / room_.picture);
+        if (height < room_.tileHeight * leastDial) return;
+        plan_.dials.push_back({"dashboardPicture", {left_, (room_.height - height) / 2, width, height}});
+        left_ += width + room_.gap;
     }
     void takeDial(std::string_view name, int width) {
         plan_.dials.push_back({name, {left_, 0, width, room_.height}});

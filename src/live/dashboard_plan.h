@@ -20,18 +20,19 @@ struct DashArea {
 struct DashRoom {
     int width = 0;
     int height = 0;
-    int gap = 0;           ///< between two pieces
-    int tileWidth = 0;     ///< the least that a caption with its unit needs
-    int tileHeight = 0;    ///< the least for a caption above a value
-    int dialReadout = 0;   ///< the width of a read-out beside a small dial
-    int status = 0;        ///< the width of codes, inputs and outputs; 0: there is nothing to show
-    int codes = 0;         ///< the least for a code on one line; 0: there is none. It is shown in any room
-    bool fuel = true;      ///< false: a unit that only ignites
+    int gap = 0;          ///< between two pieces
+    int tileWidth = 0;    ///< the least that a caption with its unit needs
+    int tileHeight = 0;   ///< the least for a caption above a value
+    int dialReadout = 0;  ///< the width of a read-out beside a small dial
+    int status = 0;       ///< the width of codes, inputs and outputs; 0: there is nothing to show
+    int codes = 0;        ///< the least for a code on one line; 0: there is none. It is shown in any room
+    double picture = 0;   ///< all dials are one picture, so many times as wide as high; 0: each has its place
+    bool fuel = true;     ///< false: a unit that only ignites
     bool oneLine = false;  ///< folded: read-outs alone, and of the lamps those that are lit
 };
 
 struct DashPlace {
-    std::string_view name;  ///< "lblMAP", "Tachometer", "shpOverRev"
+    std::string_view name;  ///< "lblMAP", "Tachometer", "shpOverRev", "dashboardPicture"
     DashArea area;
 };
 

@@ -1,11 +1,14 @@
 #include "windows/dashboard_faces.h"
 
 #include "base/channels.h"
+#include "live/gauges.h"
 
 namespace zentaq {
 namespace {
 
 using Tick = GaugeFace::Tick;
+
+constexpr int highRevScale = 18000;
 
 constexpr Channel::Span spanOf(Channel::Number value) {
     return channelOf(value).span;
@@ -23,6 +26,22 @@ std::vector<Tick> ticks(DialAngle angle, Channel::Span span, int minor, int majo
 }
 
 }  // namespace
+
+DialAngles dialAngles(int revScale) {
+    DialAngles angles;
+    angles.revScale = revScale;
+    angles.tachometer =
+        revScale == highRevScale
+            ? DialAngle([](double rpm) { return tachAngle(static_cast<float>(rpm), highRevScale); })
+            : DialAngle([](double rpm) { return tachAngle(static_cast<float>(rpm), 9000); });
+    angles.throttle = [](double volts) { return throttleAngle(static_cast<float>(volts)); };
+    angles.volt = [](double volts) { return voltAngle(static_cast<float>(volts)); };
+    angles.idle = [](double percent) { return idleAngle(static_cast<float>(percent)); };
+    angles.coolant = [](double celsius) { return temperatureAngle(static_cast<float>(celsius)); };
+    angles.manifoldAir = angles.coolant;
+    angles.mixture = [](double ratio) { return afrAngle(static_cast<float>(ratio), std::nullopt); };
+    return angles;
+}
 
 GaugeFace tachometerFace(const DialAngles& angles) {
     const int red = angles.revScale * 8 / 9;

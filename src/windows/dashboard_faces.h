@@ -22,6 +22,9 @@ struct DialAngles {
     int revScale = 9000;
 };
 
+/// Those of the core, for a rev scale of 9000 or 18000.
+DialAngles dialAngles(int revScale);
+
 GaugeFace tachometerFace(const DialAngles& angles);
 GaugeFace throttleFace(const DialAngles& angles);
 GaugeFace voltFace(const DialAngles& angles);

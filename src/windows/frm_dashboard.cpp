@@ -14,6 +14,7 @@
 #include "qt/named.h"
 #include "qt/qt_text.h"
 #include "windows/form_maker.h"
+#include "windows/own_picture.h"
 
 namespace zentaq {
 namespace {
@@ -22,23 +23,6 @@ constexpr int flashMs = 350;
 constexpr int codeStepMs = 1500;
 /// Digits that change more often than so many microseconds are a blur.
 constexpr std::int64_t numbersUs = 50'000;
-constexpr int highRevScale = 18000;
-
-DialAngles dialAngles(int revScale) {
-    DialAngles angles;
-    angles.revScale = revScale;
-    angles.tachometer =
-        revScale == highRevScale
-            ? DialAngle([](double rpm) { return tachAngle(static_cast<float>(rpm), highRevScale); })
-            : DialAngle([](double rpm) { return tachAngle(static_cast<float>(rpm), 9000); });
-    angles.throttle = [](double volts) { return throttleAngle(static_cast<float>(volts)); };
-    angles.volt = [](double volts) { return voltAngle(static_cast<float>(volts)); };
-    angles.idle = [](double percent) { return idleAngle(static_cast<float>(percent)); };
-    angles.coolant = [](double celsius) { return temperatureAngle(static_cast<float>(celsius)); };
-    angles.manifoldAir = angles.coolant;
-    angles.mixture = [](double ratio) { return afrAngle(static_cast<float>(ratio), std::nullopt); };
-    return angles;
-}
 
 /// Units of the readings in the short signs of an instrument.
 QString sign(const std::string& unit) {
@@ -164,6 +148,17 @@ void FrmDashBoard::Night_Mode() {
 void FrmDashBoard::setMode(bool day) {
     day_ = day;
     applyColors();
+    picture_.clear();  // it may have been replaced meanwhile
+    followPicture();
+}
+
+void FrmDashBoard::followPicture() {
+    const std::string name = dashboardPictureName(day_, gauges_.revScale(), shownUnit().kind().fuelSide);
+    if (std::exchange(picture_, name) == name) return;
+    const OwnPicture own = ownPicture(session_.applicationFolder(), name);
+    panel_->setPicture(own.image);
+    if (own.trouble.empty() || std::exchange(pictureTrouble_, own.trouble) == own.trouble) return;
+    session_.sysLog("Picture of the dashboard not shown: " + own.trouble);
 }
 
 // Kept: LabelLights is stored and shown by the options and changes nothing.
@@ -213,6 +208,7 @@ void FrmDashBoard::followUnit() {
     const UnitKind& kind = shownUnit().kind();
     if (std::exchange(shownKind_, &kind) == &kind) return;
     panel_->showFuel(kind.fuelSide);
+    followPicture();
     if (!kind.fuelSide && detail_->isVisible()) showDetail(false);
     nameReadings();
     tellFold();
@@ -256,10 +252,11 @@ void FrmDashBoard::drawDetail() {
 
 void FrmDashBoard::drawNeedles() {
     panel_->setAngles(dialAngles(gauges_.revScale()));
+    followPicture();
     for (std::size_t i = 0; i < needleNames.size(); ++i) {
-        panel_->gauge(qString(needleNames[i])).setAngle(gauges_.angle(static_cast<Needle>(i)));
+        panel_->setAngle(static_cast<Needle>(i), gauges_.angle(static_cast<Needle>(i)));
     }
-    panel_->gauge("AFR").setNeedleColor(colorOfNumber(gauges_.afrColour()));
+    panel_->setMixtureColor(colorOfNumber(gauges_.afrColour()));
     panel_->checkEngineLamp->light(lampColor(gauges_.checkEngineColour()));
     // Without a calibration there is no limiter to exceed, only the 0 of an empty cell.
     const bool knownLimiter = shownUnit().get("REV_Limiter") > 0;
@@ -338,7 +335,7 @@ void FrmDashBoard::Reset_Dashboard() {
     gauges_.revScale(revScale);
     gauges_.Reset_Dashboard();
     drawNeedles();
-    panel_->gauge("AFR").setNeedleColor(std::nullopt);
+    panel_->setMixtureColor(std::nullopt);
     panel_->setFahrenheit(session_.fahrenheit());  // without a frame, too
     panel_->emptyLabels();
     nameReadings();

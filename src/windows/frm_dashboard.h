@@ -85,6 +85,8 @@ class FrmDashBoard : public QWidget, public Form {
     void drawDetail();
     void showWhetherLive();
     void setMode(bool day);
+    /// The user's own picture for mode, rev scale and kind, if there is one.
+    void followPicture();
     void applyColors();
     void nameReadings();
     void followUnit();
@@ -106,6 +108,8 @@ class FrmDashBoard : public QWidget, public Form {
     std::function<bool()> secondTabShowing_;
     DashColors colors_;
     bool day_ = false;
+    std::string picture_;
+    std::string pictureTrouble_;
     std::optional<QColor> dashLights_, needleColor_, labelLights_;
     const UnitKind* shownKind_ = nullptr;
     int redraws_ = 0;

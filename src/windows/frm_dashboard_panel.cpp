@@ -11,6 +11,7 @@
 #include "qt/look.h"
 #include "qt/named.h"
 #include "qt/plain_label.h"
+#include "qt/qt_text.h"
 #include "windows/outlined.h"
 
 namespace zentaq {
@@ -19,6 +20,7 @@ namespace {
 /// The only text of fraNoConnect that lasts; the others come and go within milliseconds while frames flow.
 constexpr auto waitingForUnit = "Connecting...";
 constexpr float veilOpacity = 0.7F;
+constexpr double pictureShape = static_cast<double>(pictureWidth) / pictureHeight;
 
 /// The read-outs. One width for most, so that their numbers have one size.
 const std::array<LiveLabel::Form, 27>& readoutForms() {
@@ -89,6 +91,7 @@ FrmDashBoardPanel::FrmDashBoardPanel(const DialAngles& angles, QWidget* parent)
     makeGauge(idleFace(angles));
     makeGauge(temperatureFace("Coolant", angles.coolant, fahrenheit_));
     makeGauge(temperatureFace("MAT", angles.manifoldAir, fahrenheit_));
+    picture = new DashboardPicture(this);
     checkEngineLamp = new LiveLamp("shpCheckEngine", "CHECK ENGINE", this);
     overRevLamp = new LiveLamp("shpOverRev", "OVER REV", this);
     makeStatus();
@@ -161,9 +164,26 @@ void FrmDashBoardPanel::setFahrenheit(bool on) {
     gauge("MAT").setFace(temperatureFace("MAT", angles_.manifoldAir, on));
 }
 
+void FrmDashBoardPanel::setPicture(const QImage& image) {
+    if (image.isNull() && !picture->hasImage()) return;
+    picture->setImage(image);
+    arrange();
+}
+
+void FrmDashBoardPanel::setAngle(Needle needle, double degrees) {
+    gauge(qString(needleNames[static_cast<std::size_t>(needle)])).setAngle(degrees);
+    picture->setAngle(needle, degrees);
+}
+
+void FrmDashBoardPanel::setMixtureColor(std::optional<QColor> color) {
+    gauge("AFR").setNeedleColor(color);
+    picture->setMixtureColor(color);
+}
+
 void FrmDashBoardPanel::setColors(const DashColors& colors) {
     colors_ = colors;
     for (const auto& [name, gauge] : gauges_) gauge->setColors(colors);
+    picture->setColors(colors);
     for (const auto& [name, label] : labels_) label->setColors(colors);
     checkEngineLamp->setColors(colors);
     overRevLamp->setColors(colors);
@@ -192,6 +212,7 @@ void FrmDashBoardPanel::setColors(const DashColors& colors) {
 void FrmDashBoardPanel::showFuel(bool on) {
     if (on == fuel_) return;
     fuel_ = on;
+    picture->showFuel(on);
     arrange();
 }
 
@@ -294,6 +315,7 @@ void FrmDashBoardPanel::arrange() {
                         .dialReadout = beside * 5 / 4 + gap,
                         .status = folded_ ? 0 : statusWidth(),
                         .codes = lblCheckEngine->tells() ? lblCheckEngine->leastWidth(height() - 2 * gap) : 0,
+                        .picture = picture->hasImage() ? pictureShape : 0,
                         .fuel = fuel_,
                         .oneLine = folded_};
     const DashPlan plan = planDashboard(room, tilesToShow(), page_);
@@ -320,6 +342,9 @@ std::vector<std::string_view> FrmDashBoardPanel::tilesToShow() const {
 }
 
 void FrmDashBoardPanel::placeDials(const DashPlan& plan, QPoint at) {
+    const auto whole = std::ranges::find(plan.dials, "dashboardPicture", &DashPlace::name);
+    picture->setVisible(whole != plan.dials.end());
+    if (whole != plan.dials.end()) picture->setGeometry(rectOf(whole->area, at));
     for (const auto& [name, gauge] : gauges_) {
         const auto found = std::ranges::find(plan.dials, name.toStdString(), &DashPlace::name);
         gauge->setVisible(found != plan.dials.end());

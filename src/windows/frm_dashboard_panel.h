@@ -13,6 +13,7 @@
 
 #include "live/dashboard_plan.h"
 #include "windows/dashboard_faces.h"
+#include "windows/dashboard_picture.h"
 #include "windows/frm_dashboard_codes.h"
 #include "windows/frm_dashboard_colors.h"
 #include "windows/gauge_widget.h"
@@ -53,6 +54,12 @@ class FrmDashBoardPanel : public QWidget {
     /// The scale of the temperature dials.
     void setFahrenheit(bool on);
     void setColors(const DashColors& colors);
+    /// A picture of the user's own in the place of the dials; null: the dials.
+    void setPicture(const QImage& image);
+    /// Turns the needle of a dial, wherever it stands.
+    void setAngle(Needle needle, double degrees);
+    /// A color of the mixture's own; nullopt takes that of the others.
+    void setMixtureColor(std::optional<QColor> color);
     /// Fuel, temperature and idle instruments out of sight for a unit that only ignites.
     void showFuel(bool on);
     /// The read-outs to be shown, the most important one first.
@@ -76,6 +83,7 @@ class FrmDashBoardPanel : public QWidget {
     /// fraNoConnect in view with its text, or out of sight. While it waits for a unit nothing is live.
     void showNoConnect(bool on, const QString& text);
 
+    DashboardPicture* picture = nullptr;
     LiveLamp* checkEngineLamp = nullptr;
     LiveLamp* overRevLamp = nullptr;
     CodeBox* lblCheckEngine = nullptr;

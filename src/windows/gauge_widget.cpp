@@ -179,6 +179,15 @@ void GaugeWidget::paintEvent(QPaintEvent* event) {
     painter.drawPixmap(0, 0, numbers_);
 }
 
+void GaugeWidget::paintFace(QPainter& painter) const {
+    drawFace(painter);
+    drawNumbers(painter);
+}
+
+double GaugeWidget::needleReach() {
+    return needleLength;
+}
+
 void GaugeWidget::drawFace(QPainter& painter) const {
     const double r = radius();
     const QRectF disc(place({-1, -1}), place({1, 1}));

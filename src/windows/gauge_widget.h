@@ -75,6 +75,12 @@ class GaugeWidget : public QWidget, public SpokenInstrument {
     std::vector<Number> numbers() const;
     QFont numberFont() const;
 
+    /// The face without its needle, and the point that the needle turns around: for a picture of several.
+    void paintFace(QPainter& painter) const;
+    QPointF centre() const { return place({0, 0}); }
+    /// The length of the needle in dial radii.
+    static double needleReach();
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
