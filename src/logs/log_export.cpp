@@ -46,7 +46,9 @@ std::vector<OutColumn> columnsOf(const DatalogHead& head) {
                          channelDecimals(name)};
         const Channel* channel = channelNamed(name);
         column.whole = channel == nullptr || channel->isLamp();
-        if (channel != nullptr && channel->log.heading.empty()) {
+        // The oldest format tells these itself.
+        const bool inLog = head.format == DatalogFormat::Oldest;
+        if (channel != nullptr && channel->log.heading.empty() && !inLog) {
             column.computed = true;
             column.decimals = computedDecimals;
         }
