@@ -19,6 +19,8 @@ namespace zentaq {
 namespace {
 
 constexpr int markDecimals = 3;
+/// Thirty years: no log is so long.
+constexpr double latestMark = 1e9;
 
 }  // namespace
 
@@ -32,7 +34,7 @@ std::vector<LogMark> marksIn(std::string_view text) {
         const auto tab = line.find('\t');
         if (tab == std::string::npos) continue;
         const auto seconds = parseNumber(std::string_view(line).substr(0, tab));
-        if (!seconds || !std::isfinite(*seconds)) continue;
+        if (!seconds || !(std::abs(*seconds) <= latestMark)) continue;
         marks.push_back({*seconds, std::string(trimmed(std::string_view(line).substr(tab + 1)))});
     }
     std::ranges::stable_sort(marks, {}, &LogMark::seconds);

@@ -29,6 +29,7 @@ TEST(LogMarks, WithoutMarkersThereIsNoFile) {
 }
 
 TEST(LogMarks, ALineThatIsNoneIsPassedOver) {
+    EXPECT_THAT(marksIn("1e308\tendless\n-1e300\tbefore\n1.5\tgood\n"), ElementsAre(LogMark{1.5, "good"}));
     EXPECT_THAT(marksIn("hello\n1.5\tgood\nx\tbad\n\n"), ElementsAre(LogMark{1.5, "good"}));
 }
 
