@@ -116,6 +116,8 @@ void FlightRecord::beginFile(const std::string& path) {
     writeDatalogHeader(head, session_.Units(session_.link.linked().LinkedUnitKind));
     std::error_code unknown;
     std::filesystem::create_directories(std::filesystem::path(path).parent_path(), unknown);
+    // Markers of what is recorded over say nothing of the new log.
+    skipFailing([&] { writeMarks(path, {}); });
     file_ = std::make_shared<LineAppender>();
     file_->begin(path, head.str());
     path_ = path;

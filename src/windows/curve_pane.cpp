@@ -29,7 +29,7 @@ CurvePane::CurvePane(Session& session, QWidget* parent)
         "ten steps. With the mouse: drag a point.");
     lblPoint_ = plainLabel("lblPoint", "Point in hand", this);
     lblLive_ = plainLabel("lblLive", "The engine now", this);
-    chkTrace_ = named(new QCheckBox("&Trace", this), "chkTrace");
+    chkTrace_ = named(new QCheckBox("T&race", this), "chkTrace");
     chkTrace_->setToolTip("Shows where the engine was last on the curve");
     chkTrace_->setChecked(session.settings().get(settings::system, settings::CurveTrace) == "1");
     picture_->showTrace(chkTrace_->isChecked());

@@ -109,7 +109,7 @@ QWidget* FrmGpio::makeParameters() {
     cmbGPIO_->setMinimumContentsLength(functionLetters);
     cmbGPIO_->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     connect(cmbGPIO_, &QComboBox::activated, this, &FrmGpio::functionChosen);
-    auto* caption = named(new QLabel("&Function", part), "lblGPIO");
+    auto* caption = named(new QLabel("F&unction", part), "lblGPIO");
     caption->setBuddy(cmbGPIO_);
     lstGPIO_ = named(new QTableWidget(0, gpioColumns, part), "lstGPIO", "Parameters of the function");
     lstGPIO_->setHorizontalHeaderLabels({"Mode", "Value", "Unit", "Range"});

@@ -1,6 +1,7 @@
 #include "windows/log_find_bar.h"
 
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QStyle>
 
 #include "qt/look.h"
@@ -33,7 +34,7 @@ LogFindBar::LogFindBar(SettingsStore& settings, QWidget* parent)
         "Shades the rows for which it holds. Enter searches, Enter again goes on to the next hit.");
     // Narrower than a button of a form: on a laptop at a large scale the line has little room.
     cmdFind_ = named(new QToolButton(this), "cmdFindInLog", "Find");
-    cmdFind_->setText("&Find");
+    cmdFind_->setText("Fi&nd");
     cmdFind_->setFocusPolicy(Qt::TabFocus);
     cmdFind_->setToolTip("Search (Ctrl+F goes to the line)");
     cmdHitBefore_ = hitButton("cmdHitBefore", "To the hit before", "Shift+F3", Qt::LeftArrow, this);
@@ -96,6 +97,13 @@ void LogFindBar::find() {
 void LogFindBar::searchFor(const QString& condition) {
     cboCondition_->setEditText(condition);
     find();
+}
+
+// What the entry has no use for comes here.
+void LogFindBar::keyPressEvent(QKeyEvent* event) {
+    if (event->key() != Qt::Key_Escape || event->modifiers() != Qt::NoModifier)
+        return QWidget::keyPressEvent(event);
+    Q_EMIT left();
 }
 
 void LogFindBar::clear() {

@@ -40,6 +40,11 @@ class LogFindBar : public QWidget {
     /// They are other ones now, or none.
     void hitsFound(const std::vector<zentaq::LogHit>& hits);
     void timeChosen(double seconds);
+    /// Esc: the keyboard goes back to the plot.
+    void left();
+
+ protected:
+    void keyPressEvent(QKeyEvent* event) override;
 
  private:
     void clear();

@@ -39,11 +39,11 @@ LogHistogramPanel::LogHistogramPanel(SettingsStore& settings, QWidget* parent)
     auto* line = new WrapLayout(choices);
     line->setContentsMargins(margins(fontMetrics(), Space::None));
     line->setSpacing(space(fontMetrics(), Space::Tight));
-    cboTable_ = addChoice(*line, "cboHistogramTable", "&Table:", "Table whose cells are counted in", choices);
-    cboChannel_ = addChoice(*line, "cboHistogramChannel", "C&hannel:", "Channel of the datalog", choices);
+    cboTable_ = addChoice(*line, "cboHistogramTable", "Ta&ble:", "Table whose cells are counted in", choices);
+    cboChannel_ = addChoice(*line, "cboHistogramChannel", "Cha&nnel:", "Channel of the datalog", choices);
     cboShows_ = addChoice(*line, "cboHistogramShows", "Sh&ows:", "What a cell shows of the channel", choices);
     for (const HistogramShows shows : histogramShows) cboShows_->addItem(captionOf(shows));
-    chkBeside_ = named(new QCheckBox("&Beside the table's values", choices), "chkBeside");
+    chkBeside_ = named(new QCheckBox("Beside the table's val&ues", choices), "chkBeside");
     chkBeside_->setToolTip("The value of the table stands in the corner of each cell");
     line->addWidget(chkBeside_);
     cboCondition_ = new LogConditionEntry("cboHistogramCondition", settings, this);

@@ -350,7 +350,7 @@ void LogPlotArea::contextMenuEvent(QContextMenuEvent* event) {
         connect(action, &QAction::triggered, this, act);
         return action;
     };
-    QAction* shared = entry("mnuSharedScale", "One &scale for the pane\tS", [this] { toggleScale(); });
+    QAction* shared = entry("mnuSharedScale", "One &scale for the pane\tO", [this] { toggleScale(); });
     shared->setCheckable(true);
     shared->setChecked(panes_[pane].sharedScale);
     for (const std::string& channel : panes_[pane].channels) {

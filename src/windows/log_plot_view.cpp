@@ -79,7 +79,7 @@ QWidget* LogPlotView::makeSide() {
     cboLayouts_->lineEdit()->setPlaceholderText("Name of a layout");
     cboLayouts_->lineEdit()->setAccessibleName("Name of the layout");
     cboLayouts_->setToolTip("Choose a saved layout, or type a name and save the panes as they are");
-    cmdSaveLayout_ = namedButton("cmdSaveLayout", "Sa&ve layout", side);
+    cmdSaveLayout_ = namedButton("cmdSaveLayout", "Save la&yout", side);
     cmdDeleteLayout_ = namedButton("cmdDeleteLayout", "De&lete layout", side);
     auto* buttons = new WrapLayout(nullptr);
     buttons->setContentsMargins(margins(fontMetrics(), Space::None));
@@ -107,12 +107,12 @@ QWidget* LogPlotView::makeButtons() {
     button("cmdZoomOut", "Zoom &out", "Key - in the plot", [this] { area_->zoomBy(2); });
     button("cmdShowAll", "Show &all", "Key 0 in the plot, or a double click", [this] { area_->showAll(); });
     button("cmdZoomBack", "Zoom bac&k", "Key Backspace in the plot", [this] { area_->zoomBack(); });
-    button("cmdMeasure", "M&easure",
+    button("cmdMeasure", "Meas&ure",
            "Two cursors A and B to drag; keys A and B set them at the cursor, Escape takes them away",
            [this] { area_->toggleMeasuring(); });
     button("cmdAddMark", "Add &marker", "Key M in the plot", [this] { area_->addMark(); });
     cmdSavePicture_ =
-        button("cmdSavePicture", "Save &picture...", "As PNG, SVG or PDF", [this] { askAndSavePicture(); });
+        button("cmdSavePicture", "Save pictu&re...", "As PNG, SVG or PDF", [this] { askAndSavePicture(); });
     cmdSavePicture_->hide();
     return bar;
 }
@@ -129,7 +129,7 @@ QWidget* LogPlotView::makeOverlayLine() {
     spnOverlayShift_->setSingleStep(secondsPerFrame);
     spnOverlayShift_->setSuffix(" s");
     spnOverlayShift_->setToolTip("Or drag the overlay with Alt held down");
-    auto* caption = new QLabel("S&hift:", line);
+    auto* caption = new QLabel("Shift &by:", line);
     caption->setBuddy(spnOverlayShift_);
     row->addWidget(lblOverlay_, 1);
     row->addWidget(caption);
@@ -198,6 +198,7 @@ void LogPlotView::connectFinding() {
         area_->hits(found);
         lstHits_->refresh();
     });
+    connect(find_, &LogFindBar::left, this, [this] { area_->setFocus(); });
     connect(lstHits_, &LogHitList::timeChosen, this, &LogPlotView::timeChosen);
 }
 

@@ -32,7 +32,7 @@ LogScatterPanel::LogScatterPanel(SettingsStore& settings, QWidget* parent)
     line->setSpacing(space(fontMetrics(), Space::Tight));
     cboX_ = addChoice(*line, "cboX", "&Across:", "Channel from left to right", choices);
     cboY_ = addChoice(*line, "cboY", "&Up:", "Channel from the foot to the top", choices);
-    cboColour_ = addChoice(*line, "cboColour", "&Color:", "Channel that colors the dots", choices);
+    cboColour_ = addChoice(*line, "cboColour", "Co&lor:", "Channel that colors the dots", choices);
     cboCondition_ = new LogConditionEntry("cboScatterCondition", settings, this);
     cboCondition_->setToolTip("Shows only the rows for which it holds. Enter shows them.");
     lblScatter_ = new ElidedLabel("lblScatter", "What the picture shows", this);

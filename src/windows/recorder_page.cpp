@@ -48,8 +48,7 @@ class KeyOfRecorder : public QPushButton {
     QSize sizeHint() const override {
         const QFontMetrics metrics = fontMetrics();
         const int letters = std::max(metrics.horizontalAdvance(text()), metrics.horizontalAdvance("||"));
-        return {letters + space(metrics, Space::Wide) + space(metrics, Space::Normal),
-                QPushButton::sizeHint().height()};
+        return {letters + 2 * space(metrics, Space::Normal), QPushButton::sizeHint().height()};
     }
     QSize minimumSizeHint() const override { return sizeHint(); }
 };
@@ -211,7 +210,7 @@ QWidget* RecorderPage::makeFileButtons() {
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(space(fontMetrics(), Space::Line));
     cmdFlightRecord_Import_ = named(new QToolButton(box), "cmdFlightRecord_Import", "Open Datalog");
-    cmdFlightRecord_Import_->setText("Open &Datalog...");
+    cmdFlightRecord_Import_->setText("Open Datalo&g...");
     cmdFlightRecord_Import_->setPopupMode(QToolButton::MenuButtonPopup);
     cmdFlightRecord_Import_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     connect(cmdFlightRecord_Import_, &QToolButton::clicked, this, [this] { recorder_.importLog(); });
@@ -226,7 +225,7 @@ QWidget* RecorderPage::makeFileButtons() {
     mnuNoOverlay_->setEnabled(false);
     cmdFlightRecord_Import_->setMenu(more);
     cmdFlightRecord_Export_ = named(new QToolButton(box), "cmdFlightRecord_Export", "Save As");
-    cmdFlightRecord_Export_->setText("Save &As");
+    cmdFlightRecord_Export_->setText("&Save As");
     cmdFlightRecord_Export_->setPopupMode(QToolButton::InstantPopup);
     cmdFlightRecord_Export_->setToolTip("Write the log for other programs");
     cmdFlightRecord_Export_->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);

@@ -146,13 +146,16 @@ TEST_F(Recorder, AskedWhetherToRecordOverAFileItStaysByDefault) {
     const std::string path = fake.session.platform().userFolder + "/Test Run.dat";
     std::filesystem::create_directories(fake.session.platform().userFolder);
     std::ofstream(path) << "precious";
+    writeMarks(path, {{1.5, "of the old log"}});
     beginRecording();
     EXPECT_EQ(box().title, "File Exists");
     EXPECT_FALSE(recorder.Recording);
     EXPECT_EQ(TemporaryFolder::read(path), "precious");
+    EXPECT_EQ(readMarks(path).size(), 1U);
     fake.dialogs.answers = {Answer::Yes};
     beginRecording();
     EXPECT_TRUE(recorder.Recording);
+    EXPECT_TRUE(readMarks(path).empty());
 }
 
 TEST_F(Recorder, AUnitThatGoesWhileTheBoxStandsIsNotRecorded) {

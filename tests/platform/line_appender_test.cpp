@@ -4,6 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
 #include <thread>
 
 #include "no_file_grows.h"
@@ -46,6 +50,38 @@ TEST(LineAppender, WritesAllBeforeItGoes) {
         file.append("line\n");
     }
     EXPECT_EQ(TemporaryFolder::read(folder.file("a.dat")), "head\nline\n");
+}
+
+/// Lines one after the other, each told in `pipe` when it is on the disk, until the process is killed.
+[[noreturn]] void appendUntilKilled(const std::string& path, int pipe) {
+    LineAppender file;
+    file.begin(path, "head\n");
+    for (std::int64_t line = 0;; ++line) {
+        file.append(std::to_string(line) + "\n");
+        while (file.written() <= line) std::this_thread::yield();
+        if (::write(pipe, "", 1) != 1) ::_exit(1);
+    }
+}
+
+TEST(LineAppender, AProgramThatIsKilledLosesTheLineInHandAndNoOther) {
+    const TemporaryFolder folder;
+    for (int told : {1, 2, 7, 40, 150, 600}) {
+        int ends[2];
+        ASSERT_EQ(::pipe(ends), 0);
+        const pid_t child = ::fork();
+        if (child == 0) appendUntilKilled(folder.file("a.dat"), ends[1]);
+        ::close(ends[1]);
+        char byte = 0;
+        for (int line = 0; line < told; ++line) ASSERT_EQ(::read(ends[0], &byte, 1), 1);
+        ::kill(child, SIGKILL);
+        while (::read(ends[0], &byte, 1) == 1) ++told;
+        ::close(ends[0]);
+        ::waitpid(child, nullptr, 0);
+        std::string wanted = "head\n";
+        for (int line = 0; line < told; ++line) wanted += std::to_string(line) + "\n";
+        const std::string found = TemporaryFolder::read(folder.file("a.dat"));
+        EXPECT_TRUE(found == wanted || found == wanted + std::to_string(told) + "\n") << told;
+    }
 }
 
 TEST(LineAppender, AFolderThatIsNotThereIsToldWithPathAndReason) {

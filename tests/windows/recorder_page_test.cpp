@@ -92,5 +92,16 @@ TEST_F(RecorderKeys, FindGoesToTheLineOfTheCondition) {
     EXPECT_TRUE(entry().hasFocus());
 }
 
+TEST_F(RecorderKeys, EscLeavesTheLineOfTheConditionForThePlotAndKeepsTheMeasuringCursors) {
+    area().setFocus();
+    key(area(), Qt::Key_A);
+    search();
+    ASSERT_TRUE(entry().hasFocus());
+    key(entry(), Qt::Key_Escape);
+    EXPECT_TRUE(area().hasFocus());
+    EXPECT_TRUE(area().scene().a.has_value());
+    EXPECT_EQ(line().text(), "RPM > 4000");
+}
+
 }  // namespace
 }  // namespace zentaq

@@ -3,12 +3,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QFile>
+#include <QGroupBox>
+#include <QLabel>
+#include <QMenuBar>
 #include <QProcess>
 #include <QSettings>
+#include <QTabBar>
 #include <QTemporaryDir>
 #include <algorithm>
 #include <fstream>
+#include <map>
 #include <set>
 #include <string>
 
@@ -33,6 +39,42 @@ void writeSight(const QWidget& window, const char* row) {
     }
 }
 
+QStringList textsWithLetters(const QWidget& widget) {
+    QStringList texts;
+    const auto addActions = [&](const QList<QAction*>& actions) {
+        for (const QAction* action : actions) {
+            if (action->isVisible()) texts << action->text();
+        }
+    };
+    if (const auto* menu = qobject_cast<const QMenuBar*>(&widget)) addActions(menu->actions());
+    if (const auto* button = qobject_cast<const QAbstractButton*>(&widget)) texts << button->text();
+    if (const auto* group = qobject_cast<const QGroupBox*>(&widget)) texts << group->title();
+    const auto* label = qobject_cast<const QLabel*>(&widget);
+    if (label != nullptr && label->buddy() != nullptr) texts << label->text();
+    if (const auto* tabs = qobject_cast<const QTabBar*>(&widget)) {
+        for (int tab = 0; tab < tabs->count(); ++tab) texts << tabs->tabText(tab);
+    }
+    return texts;
+}
+
+/// Two controls in sight with one letter for Alt: neither of them does what the key says.
+std::vector<std::string> lettersTwice(const QWidget& window) {
+    std::map<QKeySequence, QString> taken;
+    std::vector<std::string> twice;
+    QList<const QWidget*> all = window.findChildren<const QWidget*>();
+    for (const QWidget* widget : all) {
+        if (!widget->isVisible()) continue;
+        for (const QString& text : textsWithLetters(*widget)) {
+            const QKeySequence letter = QKeySequence::mnemonic(text);
+            if (letter.isEmpty()) continue;
+            const auto [other, first] = taken.try_emplace(letter, text);
+            if (!first)
+                twice.push_back((letter.toString() + ": " + other->second + ", " + text).toStdString());
+        }
+    }
+    return twice;
+}
+
 /// On the screen of this process, whichever that is.
 class WholeWindowTest : public EveryWindowTest, public testing::WithParamInterface<ShownWindow> {};
 
@@ -41,6 +83,7 @@ TEST_P(WholeWindowTest, HasNoFaults) {
     GetParam().show(*this, [&](QWidget& window) {
         ++looks;
         EXPECT_TRUE(window.isVisible());
+        EXPECT_THAT(lettersTwice(window), testing::IsEmpty());
         for (const std::string& fault : layoutFaults(window, room())) ADD_FAILURE() << fault;
         writeSight(window, GetParam().name);
     });
