@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QLabel>
+#include <QLayout>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QSlider>
@@ -41,6 +42,12 @@ class RecorderPage : public QWidget {
 
     /// Draws what the recorder holds now.
     void draw();
+
+    /// Where nothing has to wrap the page makes do with the least, and does not scroll for comfort.
+    int heightForWidth(int width) const override {
+        return width < sizeHint().width() ? QWidget::heightForWidth(width)
+                                          : layout()->minimumHeightForWidth(width);
+    }
 
  protected:
     void showEvent(QShowEvent* event) override;

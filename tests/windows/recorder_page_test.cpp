@@ -2,6 +2,7 @@
 #include "windows/recorder_page.h"
 
 #include <QLineEdit>
+#include <QTableWidget>
 #include <chrono>
 #include <thread>
 
@@ -101,6 +102,18 @@ TEST_F(RecorderKeys, EscLeavesTheLineOfTheConditionForThePlotAndKeepsTheMeasurin
     EXPECT_TRUE(area().hasFocus());
     EXPECT_TRUE(area().scene().a.has_value());
     EXPECT_EQ(line().text(), "RPM > 4000");
+}
+
+TEST_F(RecorderKeys, TheMeasuredValuesAreInSightWithoutScrolling) {
+    windows.main().setWindowState(Qt::WindowNoState);
+    windows.main().resize(1920, 1040);
+    windows.main().show();
+    key(area(), Qt::Key_A);
+    key(area(), Qt::Key_B);
+    const auto* table = find<QTableWidget>("tblMeasures");
+    ASSERT_TRUE(table->isVisible());
+    EXPECT_EQ(table->visibleRegion().boundingRect().height(), table->height());
+    EXPECT_GT(table->rowCount(), 0);
 }
 
 }  // namespace
