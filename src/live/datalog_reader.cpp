@@ -37,18 +37,36 @@ std::string withoutBlanks(std::string_view text) {
     return kept;
 }
 
+/// Digits with a point among them perhaps, as nearly every field has them. A number of up to 15 digits and
+/// its power of ten are exact, and so their quotient is the nearest there is. Nothing for anything else.
+std::optional<double> plainValue(std::string_view field) {
+    constexpr std::array<double, 16> powers{1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                            1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    const bool negative = field.starts_with('-');
+    if (negative) field.remove_prefix(1);
+    if (field.empty() || field.size() >= powers.size()) return {};
+    std::int64_t digits = 0;
+    std::size_t behindPoint = 0;
+    bool point = false;
+    for (const char c : field) {
+        if (c == '.' && !point) {
+            point = true;
+            continue;
+        }
+        if (c < '0' || c > '9') return {};
+        digits = digits * 10 + (c - '0');
+        if (point) ++behindPoint;
+    }
+    if (field == ".") return {};
+    const double value = static_cast<double>(digits) / powers[behindPoint];
+    return negative ? -value : value;
+}
+
 /// A finite number, with blanks anywhere in it.
 std::optional<double> valueOf(std::string_view field) {
     while (!field.empty() && field.front() == ' ') field.remove_prefix(1);
     while (!field.empty() && field.back() == ' ') field.remove_suffix(1);
-    // Most fields of a log are a whole number of few digits, and most of these are 0.
-    if (field.size() <= 4 && !field.empty()) {
-        int whole = 0;
-        std::size_t digits = 0;
-        while (digits < field.size() && field[digits] >= '0' && field[digits] <= '9')
-            whole = whole * 10 + (field[digits++] - '0');
-        if (digits == field.size()) return whole;
-    }
+    if (const auto plain = plainValue(field)) return plain;
     std::string kept;
     if (field.find(' ') != field.npos) {
         kept = withoutBlanks(field);

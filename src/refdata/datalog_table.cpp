@@ -76,7 +76,8 @@ void DatalogTable::add(std::span<const double> values) {
         SQLite::Statement& insert = *handle_->insert;
         int place = 0;
         for (const double value : values) {
-            const bool whole = std::fabs(value) < mostWhole && value == std::floor(value);
+            const bool whole = std::fabs(value) < mostWhole &&
+                               value == static_cast<double>(static_cast<std::int64_t>(value));
             ++place;
             whole ? insert.bind(place, static_cast<std::int64_t>(value)) : insert.bind(place, value);
         }

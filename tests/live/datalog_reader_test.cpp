@@ -4,7 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdlib>
 #include <map>
+#include <random>
 #include <sstream>
 
 #include "base/errors.h"
@@ -206,6 +209,40 @@ TEST(DatalogReader, APlainLogIsReadByTheNamesInItsFirstLine) {
     EXPECT_EQ(log.rows.at(0)["AAFR"], 14.7);
     EXPECT_EQ(log.rows.at(1)["RPM"], 900);
     EXPECT_EQ(log.rows.at(1)["CLT"], 0);
+}
+
+TEST(DatalogReader, EveryNumberIsTheNearestOneThatThereIs) {
+    std::mt19937_64 random(1);
+    std::vector<std::string> numbers{
+        "0",     "-0",   "5.",      ".5",      "-.25",           "0.1",
+        "1e-05", "1E3",  "00012.5", "0.00001", "999999999999.5", "99999999999999999.9",
+        "1 2.5", "-14.7"};
+    for (int i = 0; i < 3000; ++i) {
+        std::string digits = std::to_string(random() >> (random() % 60));
+        digits = digits.substr(0, 1 + random() % digits.size());
+        if (i % 3 != 0) digits.insert(random() % (digits.size() + 1), ".");
+        if (digits == ".") continue;
+        numbers.push_back((i % 5 == 0 ? "-" : "") + digits);
+    }
+    std::string text = "RPM,MAP,AAFR\n";
+    for (const std::string& number : numbers) text += "850," + number + ",14.7\n";
+    Kept log;
+    ASSERT_EQ(read(text, log).rows, static_cast<std::int64_t>(numbers.size()));
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        std::string plain = numbers[i];
+        std::erase(plain, ' ');
+        const double wanted = std::strtod(plain.c_str(), nullptr);
+        EXPECT_EQ(log.rows[i]["MAP"], wanted) << numbers[i];
+        EXPECT_EQ(std::signbit(log.rows[i]["MAP"]), std::signbit(wanted)) << numbers[i];
+    }
+}
+
+TEST(DatalogReader, AFieldOfSignsAndPointsIsNoNumber) {
+    for (const char* field : {".", "-", "-.", "1.2.3", "--1", "+1", "1-", "0x10"}) {
+        Kept log;
+        EXPECT_EQ(read("RPM,MAP,AAFR\n850,1,14\n900," + std::string(field) + ",14\n", log).skipped, 1)
+            << field;
+    }
 }
 
 TEST(DatalogReader, WhatIsNoDatalogIsSaidSo) {
