@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <limits>
 #include <optional>
 
 #include "base/channels.h"
@@ -62,7 +63,21 @@ std::optional<double> plainValue(std::string_view field) {
     return negative ? -value : value;
 }
 
-/// A finite number, with blanks anywhere in it.
+/// Live values are 32-bit floats, and so is whatever is kept or written of a log.
+bool fitsAFloat(double value) {
+    return std::abs(value) <= static_cast<double>(std::numeric_limits<float>::max());
+}
+
+/// Behind the field that begins at `at`. In lines with commas a text stands in quotes and may hold some.
+std::size_t endOfField(std::string_view line, std::size_t at, char separator) {
+    if (separator == ',' && at < line.size() && line[at] == '"') {
+        const std::size_t quote = line.find('"', at + 1);
+        if (quote != line.npos) at = quote;
+    }
+    return std::min(line.find(separator, at), line.size());
+}
+
+/// A number that a 32-bit float can hold, with blanks anywhere in it.
 std::optional<double> valueOf(std::string_view field) {
     while (!field.empty() && field.front() == ' ') field.remove_prefix(1);
     while (!field.empty() && field.back() == ' ') field.remove_suffix(1);
@@ -74,7 +89,7 @@ std::optional<double> valueOf(std::string_view field) {
     }
     double value = 0;
     const auto read = std::from_chars(field.data(), field.data() + field.size(), value);
-    if (read.ec != std::errc() || read.ptr != field.data() + field.size() || !std::isfinite(value)) return {};
+    if (read.ec != std::errc() || read.ptr != field.data() + field.size() || !fitsAFloat(value)) return {};
     return value;
 }
 
@@ -303,7 +318,7 @@ class Reader {
         if (head_.format == DatalogFormat::Oldest && line.find('\t') == line.npos) separator = ',';
         std::size_t field = 0;
         for (std::size_t at = 0; at <= line.size();) {
-            const std::size_t end = std::min(line.find(separator, at), line.size());
+            const std::size_t end = endOfField(line, at, separator);
             if (field >= layout_.places.size()) {
                 // A separator behind the last value ends the line.
                 if (end == line.size() && end == at) break;
@@ -331,7 +346,9 @@ class Reader {
         }
         const auto at = [&](std::size_t which) -> double& { return values_[places_[which]]; };
         const double speed = at(0);
-        const double cycle = speed > 0 ? options_.cycleFactor * 1000 / speed : 0;
+        double cycle = speed > 0 ? options_.cycleFactor * 1000 / speed : 0;
+        // An engine that needs longer than any float for a turn stands.
+        if (!fitsAFloat(cycle)) cycle = 0;
         at(3) = cycle;
         at(4) = std::max(cycle - at(1), 0.0);
         at(5) = std::max(cycle - at(2), 0.0);

@@ -10,6 +10,7 @@
 
 #include "base/errors.h"
 #include "base/number_text.h"
+#include "base/rounding.h"
 #include "base/shown_text.h"
 #include "base/text.h"
 #include "logs/log_channel.h"
@@ -28,6 +29,7 @@ struct OutColumn {
     bool whole = false;  ///< counts and states, which have no digits behind the point
     int decimals = 0;
     bool computed = false;  ///< nobody has measured more digits than `decimals`
+    bool counted = false;   ///< made of seconds: the nearest whole number
 };
 
 constexpr int timeDecimals = 3;
@@ -56,6 +58,7 @@ std::vector<OutColumn> columnsOf(const DatalogHead& head) {
             // The older format has seconds in its place.
             column.source = 0;
             column.scale = secondsPerStep / secondsPerFrame;
+            column.counted = head.format == DatalogFormat::Oldest;
         }
         all.push_back(std::move(column));
     }
@@ -93,11 +96,7 @@ class Writer : public DatalogSink {
     }
     void row(std::span<const double> values, std::int64_t /*line*/) override {
         values_.clear();
-        for (const OutColumn& column : columns_) {
-            values_.push_back(column.source < 0
-                                  ? std::numeric_limits<double>::quiet_NaN()
-                                  : values[static_cast<std::size_t>(column.source)] * column.scale);
-        }
+        for (const OutColumn& column : columns_) values_.push_back(valueIn(values, column));
         while (nextMark_ < about_.marks.size() && about_.marks[nextMark_].seconds <= values_.front()) {
             writeMark(nextMark_ + 1, about_.marks[nextMark_]);
             ++nextMark_;
@@ -129,6 +128,13 @@ class Writer : public DatalogSink {
     std::string& text() { return text_; }
 
  private:
+    /// NaN where the log has it not.
+    static double valueIn(std::span<const double> row, const OutColumn& column) {
+        if (column.source < 0) return std::numeric_limits<double>::quiet_NaN();
+        const double value = row[static_cast<std::size_t>(column.source)] * column.scale;
+        return column.counted ? roundHalfEven(value) : value;
+    }
+
     std::ostream& out_;
     const ExportedLog& about_;
     std::vector<OutColumn> columns_;
@@ -275,7 +281,7 @@ class MlgWriter : public Writer {
     void writeRow() override {
         blockHead(valueBlock, values().front());
         const std::size_t begin = text().size();
-        for (const double value : values()) real(std::isnan(value) ? 0 : static_cast<float>(value));
+        for (const double value : values()) real(floatOf(value));
         std::uint8_t sum = 0;
         for (std::size_t i = begin; i < text().size(); ++i)
             sum = static_cast<std::uint8_t>(sum + static_cast<std::uint8_t>(text()[i]));
@@ -286,6 +292,11 @@ class MlgWriter : public Writer {
         padded(shownLine(mark.text), markBytes);
     }
 
+    /// What the log has not stands still. A time in frames may be larger than the seconds that the log holds.
+    static float floatOf(double value) {
+        constexpr double most = std::numeric_limits<float>::max();
+        return std::isnan(value) ? 0 : static_cast<float>(std::clamp(value, -most, most));
+    }
     void byte(std::uint8_t value) { text() += static_cast<char>(value); }
     void word(std::size_t value) {
         byte(static_cast<std::uint8_t>(value >> 8U));

@@ -2,8 +2,11 @@
 // takes is whole. A few thousand in every run; ZENTAQ_MUTATIONS=1000000 asks for more.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <random>
 #include <span>
@@ -15,6 +18,7 @@
 #include "base/errors.h"
 #include "base/file_reader.h"
 #include "live/datalog_reader.h"
+#include "logs/log_export.h"
 #include "logs/log_expression.h"
 #include "logs/log_marks.h"
 
@@ -23,9 +27,11 @@ namespace {
 
 constexpr int fewMutations = 9000;
 
-int wantedMutations() {
+/// Of each of the three kinds; together not fewer than are wanted.
+int mutationsOfAKind() {
+    constexpr int kinds = 3;
     const char* wanted = std::getenv("ZENTAQ_MUTATIONS");
-    return wanted == nullptr ? fewMutations : std::atoi(wanted);
+    return ((wanted == nullptr ? fewMutations : std::atoi(wanted)) + kinds - 1) / kinds;
 }
 
 /// Spoils a text in some places. The same seed does the same.
@@ -116,20 +122,42 @@ struct WholeRows : DatalogSink {
     }
     void row(std::span<const double> values, std::int64_t line) override {
         whole = whole && values.size() == columns && columns > 0 && line > lastLine;
-        for (const double value : values) whole = whole && std::isfinite(value);
+        for (const double value : values) whole = whole && std::isfinite(static_cast<float>(value));
         lastLine = line;
         ++rows;
     }
 };
 
+Mutations spoiledDatalogs(unsigned seed) {
+    return {goodDatalogs(),
+            {"\t",
+             ",",
+             "\r\n",
+             "\n",
+             "nan",
+             "inf",
+             "-",
+             "1e999",
+             "-1e-400",
+             "3e38",
+             "1e300",
+             "1e-310",
+             "0x1p4",
+             " ",
+             "\"",
+             "\t\t\t",
+             "ZENTAQ 4.0 DATALOG\t",
+             "ZENTAQ 4.10 DATALOG\r\n",
+             std::string_view("\0", 1),
+             "\xff\xfe",
+             "99999999999999999999999999"},
+            seed};
+}
+
 TEST(DatalogsThatWentWrong, GiveWholeRowsOrAreRefused) {
-    Mutations mutations(goodDatalogs(),
-                        {"\t", ",", "\r\n", "\n", "nan", "inf", "-", "1e999", "-1e-400", "0x1p4", " ", "\"",
-                         "\t\t\t", "ZENTAQ 4.0 DATALOG\t", "ZENTAQ 4.10 DATALOG\r\n",
-                         std::string_view("\0", 1), "\xff\xfe", "99999999999999999999999999"},
-                        1);
+    Mutations mutations = spoiledDatalogs(1);
     int read = 0;
-    for (int count = wantedMutations() / 3; count > 0; --count) {
+    for (int count = mutationsOfAKind(); count > 0; --count) {
         const std::string text = mutations.next();
         std::istringstream in(text);
         WholeRows sink;
@@ -147,6 +175,68 @@ TEST(DatalogsThatWentWrong, GiveWholeRowsOrAreRefused) {
     EXPECT_GT(read, 0);
 }
 
+/// A big-endian number of two or four bytes.
+std::uint32_t bigEndian(std::string_view bytes) {
+    std::uint32_t number = 0;
+    for (const char byte : bytes) number = number << 8U | static_cast<unsigned char>(byte);
+    return number;
+}
+
+/// Every field of every record is a number.
+bool hasNumbersAlone(std::string_view mlg, std::size_t fields, std::size_t records) {
+    const std::size_t length = 4 + fields * 4 + 1;
+    const std::size_t first = bigEndian(mlg.substr(14, 4));
+    if (mlg.size() != first + records * length) return false;
+    for (std::size_t i = 0; i < records * fields; ++i) {
+        const std::size_t at = first + i / fields * length + 4 + i % fields * 4;
+        if (!std::isfinite(std::bit_cast<float>(bigEndian(mlg.substr(at, 4))))) return false;
+    }
+    return true;
+}
+
+std::string exported(const std::string& log, LogExport format, const ExportedLog& about) {
+    std::istringstream in(log);
+    std::ostringstream out;
+    exportLog(in, out, format, about);
+    return out.str();
+}
+
+// An export costs a hundred times what a line does, so each tenth of them is enough.
+TEST(DatalogsThatWentWrong, AreExportedInWholeLinesAndNumbers) {
+    Mutations mutations = spoiledDatalogs(4);
+    Mutations spoiledMarks({"0.02\tstart\n0.06\tlap one\n60\tgear 3 \u00e4\n"},
+                           {"\t", "\n", "\x1b[2J", "nan", "-1"}, 5);
+    int read = 0;
+    for (int count = mutationsOfAKind() / 10; count > 0; --count) {
+        const std::string text = mutations.next();
+        const std::vector<LogMark> marks = marksIn(spoiledMarks.next());
+        std::istringstream in(text);
+        WholeRows sink;
+        try {
+            readDatalog(in, sink);
+        } catch (const Failure&) {
+            continue;
+        }
+        ++read;
+        const auto rows = static_cast<std::size_t>(sink.rows);
+        const ExportedLog about{"a\"b\n.dat", 0, marks};
+        const std::string csv = exported(text, LogExport::Csv, about);
+        const auto lines = static_cast<std::size_t>(std::ranges::count(csv, '\n'));
+        ASSERT_EQ(lines, rows + 1) << text;
+        const std::string_view heading = std::string_view(csv).substr(0, csv.find('\n'));
+        const auto fields = static_cast<std::size_t>(std::ranges::count(heading, ',')) + 1;
+        ASSERT_EQ(static_cast<std::size_t>(std::ranges::count(csv, ',')), lines * (fields - 1)) << text;
+        ASSERT_EQ(csv.find("inf"), csv.npos) << text;
+        ASSERT_EQ(csv.find("nan"), csv.npos) << text;
+
+        const std::string msl = exported(text, LogExport::Msl, about);
+        ASSERT_EQ(static_cast<std::size_t>(std::ranges::count(msl, '\n')), 3 + rows + marks.size()) << text;
+        const std::string mlg = exported(text, LogExport::Mlg, {"a.dat", 0, {}});
+        ASSERT_TRUE(hasNumbersAlone(mlg, fields, rows)) << text;
+    }
+    EXPECT_GT(read, 0);
+}
+
 // ---- Markers
 
 TEST(MarkersThatWentWrong, ComeInTheOrderOfTheirTimesAndAreWrittenBackTheSame) {
@@ -154,7 +244,7 @@ TEST(MarkersThatWentWrong, ComeInTheOrderOfTheirTimesAndAreWrittenBackTheSame) {
         {"1.5\tstart\n12.25\tlap one\n60\tgear 3 \u00e4\n", "0\ta\n0\tb\n", ""},
         {"\t", "\n", "\r", "nan", "inf", "-1", "1e308", "1e400", ",", std::string_view("\0", 1), "\x1b[2J"},
         2);
-    for (int count = wantedMutations() / 3; count > 0; --count) {
+    for (int count = mutationsOfAKind(); count > 0; --count) {
         const std::string text = mutations.next();
         const std::vector<LogMark> marks = marksIn(text);
         double before = -HUGE_VAL;
@@ -201,7 +291,7 @@ TEST(ConditionsThatWentWrong, HaveAValueOrTellWhere) {
                         3);
     constexpr std::array<float, 5> row{3500.0F, 0.0F, -14.7F, 14.7F, 5.0F};
     int understood = 0;
-    for (int count = wantedMutations() / 3; count > 0; --count) {
+    for (int count = mutationsOfAKind(); count > 0; --count) {
         const std::string text = mutations.next();
         try {
             const LogExpression expression(text, columns);

@@ -121,6 +121,20 @@ TEST(DatalogReader, WorksOutWhatNoLineTells) {
     EXPECT_EQ(other.rows.at(1)["IPP"], 0) << "an engine that stands injects nothing";
 }
 
+// The largest 32-bit float is 3.4028235e38, and a turn at 1e-38 rpm takes 1.2e43 ms.
+TEST(DatalogReader, NothingIsLargerThanA32BitFloatHolds) {
+    Kept log;
+    const auto reading = read(newestHead + newestLine("0", "850", "3.4e38") +
+                                  newestLine("1", "850", "3.5e38") + newestLine("2", "850", "-1e300") +
+                                  newestLine("3", "1e-38", "40") + newestLine("4", "1e-310", "40"),
+                              log);
+    EXPECT_EQ(reading.skipped, 2);
+    ASSERT_THAT(log.lines, ElementsAre(4, 7, 8));
+    EXPECT_EQ(log.rows[0]["MAP"], 3.4e38);
+    EXPECT_EQ(log.rows[1]["IPP"], 0);
+    EXPECT_EQ(log.rows[2]["IPP"], 0) << "endless in a 64-bit float, too";
+}
+
 TEST(DatalogReader, ADamagedLineIsSkippedCountedAndTakesNoOtherAlong) {
     std::string wrong = newestLine("1", "8x0", "40");
     std::string shorter = newestLine("2", "850", "40");
@@ -198,6 +212,18 @@ TEST(DatalogReader, TheOldestFormatHasSecondsTabsOrCommasAndTwoLinesOfHeadOrNone
             EXPECT_EQ(log.rows.at(0).count("TPSB"), 0u);
         }
     }
+}
+
+TEST(DatalogReader, ASessionInQuotesMayHoldCommas) {
+    Kept log;
+    const auto reading = read("ZENTAQ 4.0 DATALOG\r\n" + oldestLine("\"Drag, run #1\"", "0.02", "850", ',') +
+                                  oldestLine("\"no end", "0.04", "900", ',') +
+                                  oldestLine("\"Drag, no end", "0.06", "950", ','),
+                              log);
+    ASSERT_THAT(log.lines, ElementsAre(2, 3));
+    EXPECT_EQ(reading.skipped, 1);
+    EXPECT_EQ(log.rows[0]["Seconds"], 0.02);
+    EXPECT_EQ(log.rows[0]["RPM"], 850);
 }
 
 TEST(DatalogReader, APlainLogIsReadByTheNamesInItsFirstLine) {

@@ -5,6 +5,7 @@ Written from the formats alone. Values are floats; None where a file has nothing
 
 import csv
 import io
+import re
 import struct
 from dataclasses import dataclass, field
 
@@ -31,10 +32,32 @@ NEWER_NAME = {
     "POPD": "SECPERCENT", "IAC": "IACP", "SD": "IACD"}
 IN_NO_TABLE = {"Session", "TPSB", "UAP", "IPPC"}
 
+# The columns of the table of the newer formats, in its order.
+TABLE = (
+    ["Frame", "RPM", "MAP", "TPS", "CLT", "MAT", "BATTV", "KNOCK", "EGOV", "CHKE", "PRIADV", "SECADV", "KNKRET", "GAMA",
+     "IPP", "PRIDUTY", "PRIPW", "PRIOFFTIME", "SECDUTY", "SECPW", "SECOFFTIME", "SECPERCENT", "EGOC", "DAFR", "AAFR",
+     "IACP", "IACD"]
+    + [f"GPIO{pin}" for pin in range(1, 17)]
+    + ["INJ_TOG", "SEN_MAP", "INJ_VE", "INJ_MAT", "INJ_CLT", "INJ_BARO", "INJ_SE0", "INJ_ASE0", "INJ_ASE1", "MAPACCL",
+       "TPSACCL", "INJ_ACE2", "INJ_ACE5", "INJ_ACE6", "INJ_VLTCOMP", "SEN_BLEND", "INJ_STAGE", "ADV_TBL", "ADV_CLT",
+       "ADV_MAT", "ADV_BARO", "ADV_IDLE", "ISRPM"]
+    + [f"GPIO{pin}" for pin in range(17, 21)])
+
+
+LARGEST = (2 - 2.0**-23) * 2.0**127  # 32-bit floats
+
 
 def number(text):
-    """A number of a datalog, which may have blanks in it."""
-    return float(text.replace(" ", ""))
+    """A number of a datalog: a 32-bit float, which may have blanks in it."""
+    value = float(text.replace(" ", ""))
+    if not abs(value) <= LARGEST:
+        raise ValueError("too large")
+    return value
+
+
+def fields_of(line):
+    """Of a line with tabs, or one with commas whose texts may stand in quotes."""
+    return line.split("\t") if "\t" in line else next(csv.reader([line]), [])
 
 
 def read_datalog(content):
@@ -45,8 +68,8 @@ def read_datalog(content):
     oldest = lines[0].split("\t")[0] == "ZENTAQ 4.0 DATALOG"
     names = OLDER_FIELDS if oldest else NEWER_COLUMNS
     rows = []
-    for line in lines[3:]:
-        fields = line.split("\t" if "\t" in line else ",")
+    for line in lines[1:]:  # lines of a head are no rows either
+        fields = fields_of(line)
         if len(fields) != len(names):
             continue
         try:
@@ -56,7 +79,7 @@ def read_datalog(content):
         if oldest:
             row = {NEWER_NAME.get(name, name): value for name, value in row.items()}
             row["Time"] = row.pop("Seconds")
-            row["Frame"] = row["Time"] / 0.02
+            row["Frame"] = round(row["Time"] * 50)
         else:
             row["Time"] = row["Frame"] * 0.02
         rows.append(row)
@@ -70,7 +93,8 @@ class Export:
     names: list
     units: list
     rows: list  # lists of values in the order of the names
-    marks: list = field(default_factory=list)  # (number of rows before it, text)
+    marks: list = field(default_factory=list)  # (number of rows before it, text), and the record's time in an MLG file
+    start: int = 0  # seconds since 1970, where the form tells it
 
 
 def name_and_unit(heading):
@@ -101,7 +125,9 @@ def read_msl(content):
     if lines.pop() != "":
         raise ValueError("the last line has no end")
     while lines[0].startswith('"'):
-        lines.pop(0)
+        comment = lines.pop(0)
+        if comment.count('"') != 2 or not comment.endswith('"'):
+            raise ValueError("a comment stands in two quotes")
     names = lines.pop(0).split("\t")
     units = lines.pop(0).split("\t")
     if len(names) != len(units):
@@ -117,6 +143,8 @@ def read_msl(content):
         fields = line.split("\t")
         if len(fields) != len(names):
             raise ValueError(f"a row of {len(fields)} fields under {len(names)} names")
+        if not re.fullmatch(r"-?\d+\.\d{3}", fields[0]):
+            raise ValueError(f"the time {fields[0]} has not three decimals")
         export.rows.append([float(text) for text in fields])
     return export
 
@@ -125,11 +153,19 @@ TYPES = {0: ">B", 1: ">b", 2: ">H", 3: ">h", 4: ">I", 5: ">i", 6: ">q", 7: ">f"}
 
 
 def padded(content):
-    return content.split(b"\0", 1)[0].decode("utf-8")
+    text, _, zeros = content.partition(b"\0")
+    if len(text) == len(content) or zeros.strip(b"\0"):
+        raise ValueError("a text is padded with zeros")
+    return text.decode("utf-8")
+
+
+def in_record(seconds):
+    """The time of a record: units of 10 microseconds, which wrap."""
+    return round(seconds * 100000) % 65536
 
 
 def read_mlg(content):
-    magic, version, _start, information, first, length, count = struct.unpack_from(">6sHIHIHH", content)
+    magic, version, start, information, first, length, count = struct.unpack_from(">6sHIHIHH", content)
     if magic != b"MLVLG\0" or version != 1:
         raise ValueError("no MLG of version 1")
     end_of_table = 22 + 55 * count
@@ -143,18 +179,20 @@ def read_mlg(content):
         readers.append((struct.Struct(TYPES[kind]), scale, transform))
     if sum(reader.size for reader, _, _ in readers) != length:
         raise ValueError("the length of a record is not that of its fields")
-    export = Export(names, units, [])
+    export = Export(names, units, [], start=start)
     at, counter = first, 0
     while at < len(content):
-        block, rolling, _time = struct.unpack_from(">BBH", content, at)
+        block, rolling, time = struct.unpack_from(">BBH", content, at)
         if rolling != counter % 256:
             raise ValueError(f"record {counter} counts {rolling}")
         counter += 1
         at += 4
         if block == 1:
-            export.marks.append((len(export.rows), padded(content[at:at + 50])))
+            export.marks.append((len(export.rows), padded(content[at:at + 50]), time))
             at += 50
             continue
+        if block != 0:
+            raise ValueError(f"a block of type {block}")
         values = content[at:at + length]
         if len(values) != length or sum(values) & 255 != content[at + length]:
             raise ValueError(f"record {counter} has a wrong check byte")
@@ -163,6 +201,8 @@ def read_mlg(content):
             (raw,) = reader.unpack_from(values, place)
             row.append((raw + transform) * scale)
             place += reader.size
+        if abs((in_record(row[0]) - time + 32768) % 65536 - 32768) > row[0] * 0.01 + 1:  # of a 32-bit float
+            raise ValueError(f"record {counter} of {row[0]} s tells the time {time}")
         export.rows.append(row)
         at += length + 1
     return export

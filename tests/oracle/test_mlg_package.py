@@ -13,8 +13,8 @@ import tempfile
 import unittest
 from pathlib import Path
 
-from read_exports import read_datalog
-from test_exports import as_float32, random_datalog, random_marks
+from read_exports import TABLE, read_datalog
+from test_exports import UNITS, as_float32, random_datalog, random_marks
 
 PROGRAM = ""
 READER = Path()
@@ -38,11 +38,11 @@ class PublishedReader(unittest.TestCase):
         """A log with its markers, and its MLG file."""
         chance = random.Random(1000 + seed)
         log = folder / f"{seed}.dat"
-        log.write_bytes(random_datalog(chance))
-        rows = read_datalog(log.read_bytes())
-        marks = random_marks(chance, rows)
-        if marks:
-            Path(str(log) + ".marks").write_text("".join(f"{time}\t{text}\n" for time, text in marks), encoding="utf-8")
+        content, _ = random_datalog(chance)
+        log.write_bytes(content)
+        rows = read_datalog(content)
+        marks, marks_file = random_marks(chance, rows)
+        Path(str(log) + ".marks").write_text(marks_file, encoding="utf-8", newline="")
         out = log.with_suffix(".mlg")
         subprocess.run([PROGRAM, "log", "export", log, "-o", out, "--to", "mlg"], check=True, timeout=60, capture_output=True)
         return rows, marks, out
@@ -57,8 +57,10 @@ class PublishedReader(unittest.TestCase):
 
     def check(self, log, parsed, at):
         rows, marks, _ = log
-        self.assertEqual(parsed["fields"][0]["name"], "Time")
-        self.assertEqual(parsed["fields"][0]["units"], "s")
+        units = {field["name"]: field["units"] for field in parsed["fields"]}
+        self.assertEqual(list(units), ["Time", *TABLE], at)
+        for unit, names in UNITS.items():
+            self.assertEqual({units[name] for name in names}, {unit}, at)
         values = [record for record in parsed["records"] if record["type"] == "field"]
         # It tells where a marker stands, and not its text.
         told, before = [], 0
