@@ -80,18 +80,6 @@ class PosedTable : public TableGridView {
     bool keyboard_;
 };
 
-DialAngles plainAngles() {
-    DialAngles angles;
-    angles.tachometer = [](double rpm) { return tachAngle(static_cast<float>(rpm), 9000); };
-    angles.throttle = [](double volts) { return throttleAngle(static_cast<float>(volts)); };
-    angles.volt = [](double volts) { return voltAngle(static_cast<float>(volts)); };
-    angles.idle = [](double percent) { return idleAngle(static_cast<float>(percent)); };
-    angles.coolant = [](double celsius) { return temperatureAngle(static_cast<float>(celsius)); };
-    angles.manifoldAir = angles.coolant;
-    angles.mixture = [](double ratio) { return afrAngle(static_cast<float>(ratio), std::nullopt); };
-    return angles;
-}
-
 LinkStatus linkStatus(bool transfer) {
     LinkStatus status;
     status.connected = true;
@@ -318,7 +306,7 @@ void OwnWidgets::addDashboards() {
     const std::vector<std::string_view> readouts(names.begin(), names.end());
     enum class State { Live, Alarms, NotLive, NoUnit };
     for (const State state : {State::Live, State::Alarms, State::NotLive, State::NoUnit}) {
-        auto* panel = new FrmDashBoardPanel(plainAngles(), this);
+        auto* panel = new FrmDashBoardPanel(dialAngles(9000), this);
         panel->setObjectName(QStringLiteral("Dashboard %1").arg(static_cast<int>(state)));
         panel->setFixedHeight(fontMetrics().height() * lines);
         column_->addWidget(panel);
